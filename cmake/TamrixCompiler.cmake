@@ -1,0 +1,26 @@
+# Compiler settings that hold for every target of ours.
+
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_program(TAMRIX_CCACHE ccache)
+if(TAMRIX_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${TAMRIX_CCACHE})
+endif()
+
+add_library(tamrix-compiler INTERFACE)
+target_compile_options(tamrix-compiler INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual)
+if(TAMRIX_WARNINGS_AS_ERRORS)
+    target_compile_options(tamrix-compiler INTERFACE -Werror)
+endif()
+target_compile_definitions(tamrix-compiler INTERFACE
+    QT_DEPRECATED_WARNINGS
+    QT_NO_KEYWORDS # Python's headers use "slots" as a name
+    TAMRIX_VERSION="${PROJECT_VERSION}")
+if(TAMRIX_SANITIZERS)
+    target_compile_options(tamrix-compiler INTERFACE
+        -fsanitize=${TAMRIX_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(tamrix-compiler INTERFACE -fsanitize=${TAMRIX_SANITIZERS})
+endif()

@@ -1,0 +1,76 @@
+# Targets of this project. A folder below src/ is one object library; shared libraries and
+# programs are made of folders.
+
+# tamrix_folder(NAME SOURCES file... [LINK target...])
+#   Compiles the sources of the current folder as the object library NAME. src/ is the only include
+#   root. LINK names what the sources need: folders and external libraries.
+function(tamrix_folder name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} OBJECT ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE tamrix-compiler)
+endfunction()
+
+# tamrix_shared_library(NAME FOLDERS folder... [LINK target...])
+#   Links folders to the shared library NAME, which finds its companions beside itself.
+function(tamrix_shared_library name)
+    cmake_parse_arguments(ARG "" "" "FOLDERS;LINK" ${ARGN})
+    add_library(${name} SHARED)
+    foreach(folder IN LISTS ARG_FOLDERS)
+        target_sources(${name} PRIVATE $<TARGET_OBJECTS:${folder}>)
+    endforeach()
+    set_target_properties(${name} PROPERTIES
+        LINKER_LANGUAGE CXX
+        BUILD_WITH_INSTALL_RPATH ON
+        INSTALL_RPATH "$ORIGIN")
+    target_include_directories(${name} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+        $<INSTALL_INTERFACE:include/tamrix>)
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE $<BUILD_INTERFACE:tamrix-compiler>)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+    if(TAMRIX_SANITIZERS)
+        # The sanitizers' runtime belongs to the program.
+        target_link_options(${name} PRIVATE -Wl,-z,undefs)
+    endif()
+endfunction()
+
+# tamrix_plugin(NAME SOURCES file... [LINK target...])
+#   A module that the core loads by name from lib/, without the prefix "lib".
+function(tamrix_plugin name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} MODULE ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES
+        PREFIX ""
+        BUILD_WITH_INSTALL_RPATH ON
+        INSTALL_RPATH "$ORIGIN")
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+endfunction()
+
+# tamrix_program(NAME SOURCES file... [LINK target...])
+#   A program in bin/ that finds the libraries in ../lib.
+function(tamrix_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES
+        BUILD_WITH_INSTALL_RPATH ON
+        INSTALL_RPATH "$ORIGIN/../lib")
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+endfunction()
+
+# tamrix_test(NAME SOURCES file... [LINK target...])
+#   A GoogleTest program below tests/ of the build folder; every TEST in it is a test of CTest.
+function(tamrix_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
+        BUILD_RPATH ${TAMRIX_PREFIX_DIR}/lib)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${name} PRIVATE
+        TAMRIX_TEST_PREFIX="${TAMRIX_PREFIX_DIR}"
+        TAMRIX_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")
+endfunction()

@@ -1,0 +1,7 @@
+#include "base/shared.h"
+
+namespace Tamrix {
+
+Shared::~Shared() = default;
+
+}  // namespace Tamrix

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QString>
+#include <map>
+#include <vector>
+
+#include "base/export.h"
+#include "base/shared.h"
+#include "interpreter/bridge/nativescripttype.h"
+#include "platform/objectmodel/applicationcontext.h"
+#include "platform/objectmodel/object.h"
+#include "platform/objectmodel/objectname.h"
+#include "shared/testdata/testdataset.h"
+
+namespace Tamrix {
+
+/// One value of a script, wrapped by the language's plug-in. Script thread only.
+///
+/// The is...() operations are type tests, the to...() operations conversions; a conversion of a
+/// value of another type gives the type's null value.
+class TAMRIX_EXPORT ScriptArgument : public Shared {
+public:
+    using List = std::vector<SharedPtr<ScriptArgument>>;
+    using Map = std::map<QString, SharedPtr<ScriptArgument>>;
+
+    /// The language's name of the value's type.
+    virtual QString typeName() const = 0;
+    virtual bool isBool() const = 0;
+    /// Any number, integer or float.
+    virtual bool isNumber() const = 0;
+    virtual bool isInteger() const = 0;
+    virtual bool isString() const = 0;
+    /// What the language treats as text; by default isString().
+    virtual bool isStringLike() const;
+    virtual bool isObject() const = 0;
+    virtual bool isClass() const;
+    /// A script function.
+    virtual bool isCallable() const = 0;
+    virtual bool isList() const = 0;
+    virtual bool isMap() const = 0;
+    /// An instance of the native class with this type identifier, or of one derived from it.
+    virtual bool isNative(void* typeId) const = 0;
+
+    virtual bool toBool() const = 0;
+    virtual double toDouble() const = 0;
+    virtual long long toInt() const = 0;
+    /// Any value as text.
+    virtual QString toString() const = 0;
+    virtual SharedPtr<Object> toObject() const = 0;
+    virtual const Class* toClass() const;
+    virtual List toList() const = 0;
+    virtual Map toMap() const = 0;
+    /// Null when the value is not an instance of the class or of one derived from it.
+    virtual SharedPtr<NativeScriptObject> toNative(void* typeId) const = 0;
+    /// The data set of a value made by ScriptContext::createTestDataSet(), else null.
+    virtual SharedPtr<TestDataSet> toTestDataSet() const = 0;
+    virtual SharedPtr<ApplicationContext> toApplicationContext() const = 0;
+    /// The text of a string, the qualified name of a map of properties.
+    virtual QString toRealName() const;
+    /// Calls a callable and returns its result. A raised error lands in `*error`, which the caller
+    /// starts as an empty string; the result is then null.
+    virtual SharedPtr<ScriptArgument> call(const List& arguments, QString* error) = 0;
+    /// Names a callable: the same text for the same script function over the run.
+    virtual QString callableIdentifier() const;
+    /// The value as the wanted value of a property in an object's name.
+    virtual PropertyValue toPropertyValue() const;
+    /// The record behind a value that is one row of a data set, else null. Owned by its set.
+    virtual const TestDataRecord* toTestDataRecord() const;
+
+    /// The native object as a T, null when it is of another class.
+    template <typename T>
+    SharedPtr<T> toNative() const {
+        return staticPointerCast<T>(toNative(T::staticTypeId()));
+    }
+};
+
+/// Whether the value names an object: a string or a map of properties. Null names nothing.
+TAMRIX_EXPORT bool isStringOrObjectName(const SharedPtr<ScriptArgument>& argument);
+
+/// The object's name that the value stands for: toRealName() of a map that is not a string,
+/// toString() of anything else, an empty string for null.
+TAMRIX_EXPORT QString serializeObjectName(const SharedPtr<ScriptArgument>& argument);
+
+}  // namespace Tamrix

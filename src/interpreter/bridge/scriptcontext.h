@@ -1,0 +1,212 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <deque>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "base/export.h"
+#include "base/shared.h"
+#include "interpreter/bridge/debuggerframe.h"
+#include "interpreter/bridge/scriptargument.h"
+#include "platform/testresult/lineinfo.h"
+
+namespace Gherkin {
+class ScriptActions;
+}
+
+namespace Tamrix {
+
+class TestResult;
+
+/// The bridge between a script and the native functions that it calls: arguments, result, error
+/// and position of one chain of script calls. A language plug-in derives from it and owns it.
+/// Script thread only.
+class TAMRIX_EXPORT ScriptContext {
+public:
+    /// Kinds of script error; a plug-in maps them to its language's exceptions.
+    enum ErrorType {
+        GeneralError = 0,       ///< wrong arguments and everything that is not one of the others
+        VerificationError = 1,  ///< a failed verdict that is to end the script
+        FatalError = 2,         ///< ends the test case
+        LookupError = 3         ///< something was not found in time
+    };
+
+    using Function = void (*)(ScriptContext*);
+
+    /// What is known of a function of the tables beyond its name, for a language's help texts.
+    struct FunctionDescription {
+        QStringList requiredParameters;
+        QStringList optionalParameters;
+        QString text;
+    };
+
+    ScriptContext() = default;
+    /// Clears the arguments; result contexts that are still fixated are dropped.
+    virtual ~ScriptContext();
+    ScriptContext(const ScriptContext&) = delete;
+    ScriptContext& operator=(const ScriptContext&) = delete;
+
+    /// A new context of the same language, owned by the caller.
+    virtual ScriptContext* createSubContext() = 0;
+    /// Stores message and kind and clears the error's frame. An empty message is no error.
+    virtual void setError(const QString& message, ErrorType type = GeneralError);
+    /// A general error that stands at a frame of its own.
+    virtual void setError(const QString& message, const DebuggerFrame& frame);
+    /// Clears the language's own pending error.
+    virtual void clearError() = 0;
+    /// Stores the value that the script call returns.
+    virtual void setResult(SharedPtr<ScriptArgument> value) = 0;
+    /// A map of all properties of the object that can be read.
+    virtual void setObjectPropertiesResult(SharedPtr<Object> object);
+    virtual void setStackTraceResult(const std::vector<ScriptLocation>& trace);
+
+    // Values of the language.
+    virtual SharedPtr<ScriptArgument> createNull() = 0;
+    virtual SharedPtr<ScriptArgument> createBool(bool value) = 0;
+    virtual SharedPtr<ScriptArgument> createInteger(int value) = 0;
+    virtual SharedPtr<ScriptArgument> createInt64(long long value) = 0;
+    virtual SharedPtr<ScriptArgument> createDouble(double value) = 0;
+    virtual SharedPtr<ScriptArgument> createString(const QString& value) = 0;
+    virtual SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) = 0;
+    virtual SharedPtr<ScriptArgument> createList(
+        const std::vector<SharedPtr<ScriptArgument>>& values) = 0;
+    virtual SharedPtr<ScriptArgument> createMap(
+        const std::map<QString, SharedPtr<ScriptArgument>>& values) = 0;
+    virtual SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) = 0;
+    virtual SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) = 0;
+    /// Takes the data set over.
+    virtual SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) = 0;
+    virtual SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) = 0;
+    /// One entry of a stack trace.
+    virtual SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) = 0;
+
+    // Registration in the process-wide tables; a later entry replaces an earlier one.
+    virtual void addGlobalFunction(const QString& name, Function function);
+    virtual void addStaticMemberFunction(const QString& className, const QString& name,
+                                         Function function);
+    virtual void addMemberFunction(const QString& className, const QString& name,
+                                   Function function);
+    virtual void addConstant(const QString& name, int value);
+
+    /// Writes the position of the script frame `ancestorLevel` levels above the calling one, 0 for
+    /// the line that made the call; false when there is no such frame.
+    virtual bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const = 0;
+    /// The language's own truth test.
+    virtual bool isTrue(SharedPtr<ScriptArgument> value) = 0;
+    /// Evaluates script code that is wanted to raise an exception. Gives the text for the passed
+    /// case and the text for the failed case; the second is empty when the code did as wanted.
+    virtual std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) = 0;
+    /// The language's equality.
+    virtual bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) = 0;
+    /// Evaluates an expression to its truth; an error lands in `*error`.
+    virtual bool evaluateCondition(const QString& expression, QString* error) = 0;
+    /// Runs script text in this context; false on an error, which then stands in errorMessage().
+    virtual bool evaluate(const QString& text, const QString& fileName) = 0;
+    /// The step actions of a language that runs feature files, null by default.
+    virtual Gherkin::ScriptActions* gherkinScriptActions(const QString& name);
+
+    void setArguments(const std::vector<SharedPtr<ScriptArgument>>& arguments);
+    void clearArguments();
+    int argumentCount() const { return static_cast<int>(m_arguments.size()); }
+    /// Null for an index past the end.
+    SharedPtr<ScriptArgument> argument(int index) const;
+
+    QString errorMessage() const { return m_errorMessage; }
+    bool hasError() const { return !m_errorMessage.isEmpty(); }
+    ErrorType errorType() const { return m_errorType; }
+    DebuggerFrame errorFrame() const { return m_errorFrame; }
+
+    /// The result sink of the test case, null when there is none: results are then dropped.
+    TestResult* testResult() const { return m_testResult; }
+
+    static ScriptContext* current();
+    static void setCurrent(ScriptContext* context);
+
+    /// 0 when the function ran and set no error, 1 when it set an error, 2 when there is no such
+    /// function; the last leaves the error as it was.
+    int tryGlobalCall(const QString& name);
+    int tryCall(const QString& className, const QString& name);
+    static bool hasGlobalFunction(const QString& name);
+    static bool hasConstant(const QString& name);
+    /// Defined only for a name for which hasConstant() holds.
+    static int constantValue(const QString& name);
+
+    /// Parameters and help text of a function of the tables, keyed by its name, or by class name,
+    /// "::" and name. Empty for a function that was registered without.
+    static FunctionDescription functionDescription(const QString& key);
+    static void describeFunction(const QString& key, const FunctionDescription& description);
+
+    // Runs a native function: takes the runner's remote object model for the time of the call and
+    // clears the error first. Nothing is caught; an exception passes through.
+    /// Returns whether an error is set.
+    bool execute(Function function);
+    /// Returns what the function returned.
+    bool execute(bool (*function)(ScriptContext*));
+    bool execute(bool (*function)(SharedPtr<NativeScriptObject>, ScriptContext*),
+                 SharedPtr<NativeScriptObject> object);
+    /// Returns the new object.
+    SharedPtr<NativeScriptObject> execute(
+        SharedPtr<NativeScriptObject> (*function)(ScriptContext*));
+
+    void setNullResult() { setResult(createNull()); }
+    void setBoolResult(bool value) { setResult(createBool(value)); }
+    void setIntegerResult(int value) { setResult(createInteger(value)); }
+    void setInt64Result(long long value) { setResult(createInt64(value)); }
+    void setDoubleResult(double value) { setResult(createDouble(value)); }
+    void setStringResult(const QString& value) { setResult(createString(value)); }
+    void setDateTimeResult(const QDateTime& value) { setResult(createDateTime(value)); }
+    void setObjectResult(SharedPtr<Object> object) { setResult(createObject(object)); }
+    void setTestDataSetResult(TestDataSet* dataSet) { setResult(createTestDataSet(dataSet)); }
+    void setContextResult(SharedPtr<ApplicationContext> context) {
+        setResult(createContext(context));
+    }
+    void setListResult(const QStringList& values);
+    /// A null object stays an entry.
+    void setObjectListResult(const ObjectList& objects);
+    /// Every value as text.
+    void setMapResult(const QMap<QString, QVariant>& values);
+
+    /// The position of the calling script line.
+    LineInfo lineInfo() const;
+    /// The position that results carry: the fixated one if there is one.
+    LineInfo lineInfoForResult() const;
+    /// The call stack that a result carries: the fixated position alone, the debugger's stack when
+    /// the full one is wanted and there is a debugger, else the calling line.
+    std::vector<LineInfo> callStackForResult(bool wantFullStack) const;
+    const std::deque<LineInfo>& fixatedResultContexts() const { return m_fixatedResultContexts; }
+
+    // The script functions test.fixateResultContext and test.restoreResultContext.
+    void fixateResultContext();
+    void restoreResultContext();
+
+protected:
+    /// A plug-in binds its context to the result sink here.
+    TestResult* m_testResult = nullptr;
+
+    /// A plug-in whose contexts are reused moves the arguments in without a copy.
+    std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
+
+private:
+    int call(Function function);
+    /// First part of every call.
+    void prepareCall();
+
+    std::vector<SharedPtr<ScriptArgument>> m_arguments;
+    QString m_errorMessage;
+    ErrorType m_errorType = GeneralError;
+    DebuggerFrame m_errorFrame;
+    std::deque<LineInfo> m_fixatedResultContexts;
+
+public:
+    /// Fills the tables with all functions of the library. Called on the first context of the
+    /// process; calling it again changes nothing.
+    void initFunctions();
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,1 @@
+// Comes with the next commits.

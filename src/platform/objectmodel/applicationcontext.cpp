@@ -1,0 +1,10 @@
+#include "platform/objectmodel/applicationcontext.h"
+
+namespace Tamrix {
+
+QString ApplicationContext::displayString() const {
+    return QStringLiteral("AUT '%1' (pid %2, started %3)")
+        .arg(name, QString::number(pid), startTime.toString(Qt::ISODate));
+}
+
+}  // namespace Tamrix

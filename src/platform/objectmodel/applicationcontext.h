@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include "base/export.h"
+#include "base/shared.h"
+
+namespace Tamrix {
+
+/// A script's handle on one running application, made by the runner. Script thread only.
+class TAMRIX_EXPORT ApplicationContext : public Shared {
+public:
+    /// The context's identifier; a negative one marks a failed start.
+    int id = -1;
+    QString name;
+    QString commandLine;
+    /// The process id, -1 when unknown.
+    int pid = -1;
+    bool valid = false;
+    QDateTime startTime;
+
+    /// "AUT '%1' (pid %2, started %3)" with the start time in ISO form.
+    QString displayString() const;
+};
+
+}  // namespace Tamrix

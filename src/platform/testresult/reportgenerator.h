@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <vector>
+
+#include "base/export.h"
+#include "platform/testresult/lineinfo.h"
+
+class QIODevice;
+
+namespace Tamrix {
+
+/// One thing that happened in a run. TestResult makes the entries, report generators read them.
+struct TAMRIX_EXPORT ReportEntry {
+    enum class Kind {
+        SuiteStart,    ///< message: the suite's name, path: its folder
+        SuiteEnd,      ///< extra: "finished" or "interrupted"
+        CaseStart,     ///< message: the case's name, path: the script file
+        CaseEnd,       ///< extra: "finished" or "interrupted"
+        SectionStart,  ///< message: title, detail: description
+        SectionEnd,    ///< message: title of the section that ends
+        Result,        ///< type, message, detail, callStack, extra, value
+        Attachment,    ///< type: the attachment type's number, message, path, callStack
+        VideoStart,    ///< message, path, callStack
+        VideoEnd,      ///< message, path, callStack
+        Output         ///< message: text that the script wrote, extra: "stdout" or "stderr"
+    };
+
+    Kind kind = Kind::Result;
+    /// A TestResult::ResultType for results, a TestResult::AttachmentType for attachments.
+    int type = 0;
+    /// Local time of the event, with milliseconds.
+    QDateTime time;
+    QString message;
+    QString detail;
+    /// Innermost position first; empty or a single invalid position when there is none.
+    CallStack callStack;
+    QString extra;
+    int value = -1;
+    QString path;
+    /// The entry repeats what another one has said already and counts for nothing: the script
+    /// error with which a skipped test case comes to its end.
+    bool echo = false;
+};
+
+/// Receives every entry of a run as it happens. Lives on the script thread.
+class TAMRIX_EXPORT ReportGenerator {
+public:
+    virtual ~ReportGenerator();
+
+    virtual void add(const ReportEntry& entry) = 0;
+
+    /// The run is over or was interrupted: writes what has not been written yet. Called once.
+    virtual void finish() {}
+
+    /// What went wrong with writing so far, ready for a person to read; empty when nothing did.
+    virtual QString errorText() const { return {}; }
+
+    /// A device to write a video for `targetPath` to, owned by the caller; null with `*error` set
+    /// on failure.
+    virtual QIODevice* openVideo(const QString& targetPath, QString* error);
+};
+
+}  // namespace Tamrix

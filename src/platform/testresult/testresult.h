@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "base/export.h"
+#include "platform/testresult/lineinfo.h"
+#include "platform/testresult/reportgenerator.h"
+
+namespace Tamrix {
+
+/// The result sink of a run: every operation becomes one ReportEntry that goes to the report
+/// generator at once, so that nothing is lost when the process ends. Script thread only.
+class TAMRIX_EXPORT TestResult {
+public:
+    /// The numbers are part of the report formats.
+    enum ResultType {
+        SectionStart = 4,
+        SectionEnd = 5,
+        Skipped = 6,
+        Log = 7,
+        Fatal = 8,
+        Error = 9,
+        Pass = 10,
+        Fail = 11,
+        ExpectedFail = 12,
+        UnexpectedPass = 13,
+        Warning = 14
+    };
+
+    enum AttachmentType { FileAttachment = 1, ImageAttachment = 2 };
+
+    /// `generator` is not owned and may be null; entries are then only counted.
+    explicit TestResult(ReportGenerator* generator);
+    /// Ends what is still open.
+    ~TestResult();
+    TestResult(const TestResult&) = delete;
+    TestResult& operator=(const TestResult&) = delete;
+
+    // Frame of a run. Ending an outer level ends what is open inside it.
+    void startSuite(const QString& name, const QString& path);
+    void endSuite(bool interrupted = false);
+    /// Starts a test case; the counts of count() start anew.
+    void startCase(const QString& name, const QString& scriptPath);
+    void endCase(bool interrupted = false);
+
+    /// Adds a result. `extra` is the comment of a verdict or tells a kind ("testcase" for a skipped
+    /// test case), `value` is -1 unless the kind of result has a number of its own. Types
+    /// SectionStart and SectionEnd open and close sections in the same nesting as startSection().
+    void addResult(ResultType type, const QString& message, const QString& detail,
+                   const LineInfo& location, const QString& extra = QString(), int value = -1);
+    void addResult(const QDateTime& time, ResultType type, const QString& message,
+                   const QString& detail, const LineInfo& location,
+                   const QString& extra = QString(), int value = -1);
+    /// `callStack` has the innermost position first; an empty one is a result without position.
+    void addResult(const QDateTime& time, ResultType type, const QString& message,
+                   const QString& detail, const std::vector<LineInfo>& callStack,
+                   const QString& extra = QString(), int value = -1);
+
+    void startSection(const QString& title, const QString& description, const LineInfo& location);
+    /// Ends the innermost section. Returns an error text when none is open, else an empty string.
+    QString endSection(const LineInfo& location);
+
+    /// Number of results of a category since the test case started, -1 for an unknown category.
+    /// Categories: "passes", "fails", "xpasses", "xfails", "errors", "fatals", "warnings", "skips",
+    /// "logs", and "tests" for all verdicts together (the first four).
+    int count(const QString& category) const;
+
+    void addAttachment(AttachmentType type, const QString& message, const QString& path,
+                       const std::vector<LineInfo>& callStack);
+    void addStartVideo(const QString& message, const QString& path,
+                       const std::vector<LineInfo>& callStack);
+    void addEndVideo(const QString& message, const QString& path,
+                     const std::vector<LineInfo>& callStack);
+    /// Text that the script wrote; `stream` is "stdout" or "stderr".
+    void addOutput(const QString& stream, const QString& text);
+
+    /// No more entries are taken; late tasks ask isComplete() before they write.
+    void setComplete();
+    bool isComplete() const;
+
+    ReportGenerator* reportGenerator() const;
+
+    /// Whether a Fatal, Error, Fail or UnexpectedPass was added since clearLastScenarioError().
+    bool lastScenarioHasError() const;
+    void clearLastScenarioError();
+
+private:
+    void forward(ReportEntry entry);
+    void openSection(ReportEntry entry);
+    void closeSections();
+    bool isSkipEcho(int type, const QString& detail) const;
+
+    ReportGenerator* m_generator;
+    bool m_complete = false;
+    bool m_suiteOpen = false;
+    bool m_caseOpen = false;
+    QStringList m_openSections;
+    QMap<int, int> m_counts;
+    bool m_lastScenarioHasError = false;
+    /// The text with which a skipped test case ends as a script error; null while it is not
+    /// skipped.
+    QString m_skipText;
+};
+
+}  // namespace Tamrix

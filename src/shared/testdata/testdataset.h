@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QVector>
+#include <memory>
+#include <vector>
+
+#include "base/export.h"
+#include "base/shared.h"
+
+namespace Tamrix {
+
+class TestDataSet;
+
+/// One row of a TestDataSet, owned by it. Columns are counted from 0.
+class TAMRIX_EXPORT TestDataRecord {
+public:
+    /// A row without values. `index` is -1 for the header, else the row's number from 0; nothing
+    /// renumbers it later.
+    TestDataRecord(TestDataSet* set, int index) : m_set(set), m_index(index) {}
+
+    TestDataSet* dataSet() const { return m_set; }
+    int index() const { return m_index; }
+    int count() const { return m_values.size(); }
+
+    /// The value; the null string for a column out of range or an unknown field.
+    QString valueAsString(int column) const;
+    QString valueAsString(const QString& field) const;
+
+    /// Stores a value, first appending empty ones until the column exists; does nothing for a
+    /// negative column.
+    void setValue(int column, const QString& value);
+    void addValue(const QString& value) { m_values.append(value); }
+    /// Takes a column out; nothing when there is no such column.
+    void removeField(int column);
+    /// Inserts an empty value before an existing column; nothing when there is no such column.
+    void insertField(int column);
+
+private:
+    TestDataSet* m_set;
+    QVector<QString> m_values;
+    int m_index;
+};
+
+/// A table of test data: a header row of field names and any number of records.
+/// Held by SharedPtr; owns its records.
+class TAMRIX_EXPORT TestDataSet : public Shared {
+public:
+    /// An empty table. `dataName` is the path of the file that it stands for.
+    TestDataSet(const QString& dataName, char separator, bool readOnly);
+    ~TestDataSet() override;
+
+    QString dataName() const { return m_dataName; }
+    bool isReadOnly() const { return m_readOnly; }
+    char getSep() const { return m_separator; }
+    /// The number of records; the header doesn't count.
+    int count() const { return static_cast<int>(m_records.size()); }
+    /// The record, null when out of range.
+    TestDataRecord* record(int index) const;
+    /// Null until setHeader().
+    TestDataRecord* header() const { return m_header.get(); }
+    /// Takes the header over and makes its values the field names; of two equal names the later
+    /// column wins.
+    void setHeader(TestDataRecord* header);
+    /// The column of a field, -1 when unknown.
+    int fieldIndex(const QString& name) const { return m_columns.value(name, -1); }
+
+    /// Appends a record and takes it over.
+    void addRecord(TestDataRecord* record);
+    /// Takes a record over and inserts it before record `at`. It is deleted, and nothing changes,
+    /// unless `at` is an existing record: this can't append.
+    void insertRecord(TestDataRecord* record, int at);
+    /// Deletes a record; the later ones keep their index. Nothing when out of range.
+    void removeRecord(int index);
+    /// Inserts or removes a column in the header and every record. The columns of fieldIndex() stay
+    /// as they were until the next setHeader().
+    void insertField(int column);
+    void removeField(int column);
+
+private:
+    QString m_dataName;
+    std::vector<std::unique_ptr<TestDataRecord>> m_records;
+    std::unique_ptr<TestDataRecord> m_header;
+    QMap<QString, int> m_columns;
+    char m_separator;
+    bool m_readOnly;
+};
+
+}  // namespace Tamrix
