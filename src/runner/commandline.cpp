@@ -2,7 +2,10 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
 #include <algorithm>
+
+#include "platform/testresult/reportfactory.h"
 
 namespace Tamrix {
 
@@ -38,18 +41,26 @@ struct CommandDescription {
     QString (*read)(Values values, CommandLine& line);
 };
 
-/// Adds the reports of an option. Two must not write the same file.
-QString readReports(const QStringList& targets, CommandLine& line) {
-    for (const QString& target : targets) {
-        const int separator = target.indexOf(QLatin1Char(':'));
-        if (separator <= 0 || separator == target.size() - 1)
-            return QStringLiteral("a report is given as FORMAT:PATH, not as '%1'").arg(target);
-        ReportTarget report;
-        report.format = target.left(separator);
-        report.path = QDir::cleanPath(QDir::current().absoluteFilePath(target.mid(separator + 1)));
-        for (const ReportTarget& other : qAsConst(line.reports)) {
-            if (other.path == report.path)
-                return QStringLiteral("two reports have the same path '%1'").arg(report.path);
+bool isStandardOutput(const QString& report) {
+    ReportDescription description;
+    return parseReportDescription(report, &description).isEmpty() &&
+           (description.path.isEmpty() || description.path == QLatin1String("-"));
+}
+
+/// Adds reports. Two must not write the same file.
+QString addReports(const QStringList& reports, CommandLine& line) {
+    for (const QString& report : reports) {
+        ReportDescription description;
+        const QString problem = parseReportDescription(report, &description);
+        if (!problem.isEmpty())
+            return problem;
+        for (const QString& other : qAsConst(line.reports)) {
+            ReportDescription otherDescription;
+            parseReportDescription(other, &otherDescription);
+            if (QFileInfo(description.path) == QFileInfo(otherDescription.path)) {
+                return QStringLiteral("the reports '%1' and '%2' have the same path")
+                    .arg(other, report);
+            }
         }
         line.reports.append(report);
     }
@@ -69,8 +80,18 @@ QString readRun(Values values, CommandLine& line) {
         if (directory.isEmpty())
             return QStringLiteral("--result-dir needs a folder");
         line.resultDirectory = QDir::cleanPath(QDir::current().absoluteFilePath(directory));
+        line.reports.append(QStringLiteral("json:%1/journal.jsonl").arg(line.resultDirectory));
     }
-    return readReports(values.values(reportOption), line);
+    const QStringList reports = values.values(reportOption);
+    for (const QString& report : reports) {
+        if (isStandardOutput(report)) {
+            return QStringLiteral(
+                       "the console report always goes to standard output; '%1' would "
+                       "write it twice")
+                .arg(report);
+        }
+    }
+    return addReports(reports, line);
 }
 
 QString readList(Values values, CommandLine& line) {
@@ -82,7 +103,7 @@ QString readReport(Values values, CommandLine& line) {
     line.journal = values.positionalArguments().constFirst();
     if (!values.isSet(toOption))
         return QStringLiteral("report needs at least one --to FORMAT:PATH");
-    return readReports(values.values(toOption), line);
+    return addReports(values.values(toOption), line);
 }
 
 const QList<CommandDescription>& commands() {

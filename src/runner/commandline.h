@@ -1,17 +1,9 @@
 #pragma once
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
 namespace Tamrix {
-
-/// A report that was asked for as FORMAT:PATH.
-struct ReportTarget {
-    QString format;
-    /// Absolute.
-    QString path;
-};
 
 /// What the program was asked to do. Plain data.
 struct CommandLine {
@@ -31,7 +23,9 @@ struct CommandLine {
     QString suite;
     QStringList cases;
     QString journal;
-    QList<ReportTarget> reports;
+    /// FORMAT:PATH each, of known formats; no two have the same path. With a folder for results,
+    /// the journal in it stands first.
+    QStringList reports;
     /// Absolute, empty when none was given.
     QString resultDirectory;
     bool failFast = false;
