@@ -17,7 +17,7 @@ namespace {
 
 class RunnerTest : public testing::Test {
 protected:
-    RunnerTest() { Test::coreApplication(); }
+    RunnerTest() { Tamrix::Test::coreApplication(); }
 
     double secondsOfSnooze(double seconds) {
         QElapsedTimer timer;

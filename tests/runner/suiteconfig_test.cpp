@@ -105,7 +105,7 @@ TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
 }
 
 TEST(SuiteConfig, FileMayBeAbsentButNotTooLargeOrUnreadable) {
-    const Test::SuiteFolder suite;
+    const Tamrix::Test::SuiteFolder suite;
     QString error;
     EXPECT_TRUE(readSuiteConfig(suite.path(), &error).cases.isEmpty());
     EXPECT_EQ(error, QString());
