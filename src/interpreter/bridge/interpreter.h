@@ -38,6 +38,8 @@ public:
     static Interpreter* self();
     /// Also makes that interpreter's debugger, or none, the current one.
     static void setSelf(Interpreter* interpreter);
+    /// The runner of self(), null without one.
+    static RunnerInterface* currentRunner();
 
     /// Runs script text. False on failure, with the error fields set; errorLine() is -1 on success.
     virtual bool evaluate(const QString& text, const QString& fileName, int line = 0,

@@ -1,1 +1,287 @@
-// Comes with the next commits.
+#include "interpreter/bridge/scriptcontext.h"
+
+#include <QtGlobal>
+#include <limits>
+
+#include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/remoteobjectmodelholder.h"
+#include "platform/objectmodel/objectclass.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// The tables of all functions that scripts call by name. They live for the process.
+struct FunctionTables {
+    QMap<QString, ScriptContext::Function> globalFunctions;
+    QMap<QString, ScriptContext::Function> staticMemberFunctions;
+    QMap<QString, ScriptContext::Function> memberFunctions;
+    QMap<QString, int> constants;
+    QMap<QString, ScriptContext::FunctionDescription> descriptions;
+};
+
+FunctionTables& tables() {
+    static FunctionTables instance;
+    return instance;
+}
+
+ScriptContext* s_current = nullptr;
+
+QString memberKey(const QString& className, const QString& name) {
+    return className + QLatin1String("::") + name;
+}
+
+}  // namespace
+
+ScriptContext::~ScriptContext() {
+    clearArguments();
+}
+
+// Errors
+
+void ScriptContext::setError(const QString& message, ErrorType type) {
+    m_errorMessage = message;
+    m_errorType = type;
+    m_errorFrame = DebuggerFrame();
+}
+
+void ScriptContext::setError(const QString& message, const DebuggerFrame& frame) {
+    setError(message, GeneralError);
+    m_errorFrame = frame;
+}
+
+// Arguments and the current context
+
+void ScriptContext::setArguments(const std::vector<SharedPtr<ScriptArgument>>& arguments) {
+    m_arguments = arguments;
+}
+
+void ScriptContext::clearArguments() {
+    m_arguments.clear();
+}
+
+SharedPtr<ScriptArgument> ScriptContext::argument(int index) const {
+    return index >= 0 && index < argumentCount() ? m_arguments[index] : SharedPtr<ScriptArgument>();
+}
+
+ScriptContext* ScriptContext::current() {
+    return s_current;
+}
+
+void ScriptContext::setCurrent(ScriptContext* context) {
+    s_current = context;
+}
+
+// Tables
+
+void ScriptContext::addGlobalFunction(const QString& name, Function function) {
+    tables().globalFunctions.insert(name, function);
+}
+
+void ScriptContext::addStaticMemberFunction(const QString& className, const QString& name,
+                                            Function function) {
+    tables().staticMemberFunctions.insert(memberKey(className, name), function);
+}
+
+void ScriptContext::addMemberFunction(const QString& className, const QString& name,
+                                      Function function) {
+    tables().memberFunctions.insert(memberKey(className, name), function);
+}
+
+void ScriptContext::addConstant(const QString& name, int value) {
+    tables().constants.insert(name, value);
+}
+
+bool ScriptContext::hasGlobalFunction(const QString& name) {
+    return tables().globalFunctions.contains(name);
+}
+
+bool ScriptContext::hasConstant(const QString& name) {
+    return tables().constants.contains(name);
+}
+
+int ScriptContext::constantValue(const QString& name) {
+    return tables().constants.value(name);
+}
+
+ScriptContext::FunctionDescription ScriptContext::functionDescription(const QString& key) {
+    return tables().descriptions.value(key);
+}
+
+void ScriptContext::describeFunction(const QString& key, const FunctionDescription& description) {
+    tables().descriptions.insert(key, description);
+}
+
+// Calls
+
+int ScriptContext::call(Function function) {
+    return execute(function) ? 1 : 0;
+}
+
+int ScriptContext::tryGlobalCall(const QString& name) {
+    const Function function = tables().globalFunctions.value(name);
+    return function ? call(function) : 2;
+}
+
+int ScriptContext::tryCall(const QString& className, const QString& name) {
+    const QString key = memberKey(className, name);
+    // A static member function goes first and is called without further checks.
+    if (const Function function = tables().staticMemberFunctions.value(key))
+        return call(function);
+    const Function function = tables().memberFunctions.value(key);
+    if (!function)
+        return 2;
+    // A member function sees the object as its first argument.
+    if (argumentCount() == 0) {
+        setError("Missing object reference in " + name + " call");
+        return 1;
+    }
+    return call(function);
+}
+
+void ScriptContext::prepareCall() {
+    static const QString noError;
+    setError(noError, GeneralError);
+    clearError();
+}
+
+bool ScriptContext::execute(Function function) {
+    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
+    prepareCall();
+    function(this);
+    return hasError();
+}
+
+bool ScriptContext::execute(bool (*function)(ScriptContext*)) {
+    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
+    prepareCall();
+    return function(this);
+}
+
+bool ScriptContext::execute(bool (*function)(SharedPtr<NativeScriptObject>, ScriptContext*),
+                            SharedPtr<NativeScriptObject> object) {
+    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
+    prepareCall();
+    return function(std::move(object), this);
+}
+
+SharedPtr<NativeScriptObject> ScriptContext::execute(
+    SharedPtr<NativeScriptObject> (*function)(ScriptContext*)) {
+    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
+    prepareCall();
+    return function(this);
+}
+
+// Results
+
+void ScriptContext::setListResult(const QStringList& values) {
+    std::vector<SharedPtr<ScriptArgument>> list;
+    list.reserve(values.size());
+    for (const QString& value : values)
+        list.push_back(createString(value));
+    setResult(createList(list));
+}
+
+void ScriptContext::setObjectListResult(const ObjectList& objects) {
+    std::vector<SharedPtr<ScriptArgument>> list;
+    list.reserve(objects.size());
+    for (const SharedPtr<Object>& object : objects)
+        list.push_back(createObject(object));
+    setResult(createList(list));
+}
+
+void ScriptContext::setMapResult(const QMap<QString, QVariant>& values) {
+    std::map<QString, SharedPtr<ScriptArgument>> map;
+    for (auto it = values.cbegin(); it != values.cend(); ++it)
+        map.emplace(it.key(), createString(it.value().toString()));
+    setResult(createMap(map));
+}
+
+void ScriptContext::setStackTraceResult(const std::vector<ScriptLocation>& trace) {
+    std::vector<SharedPtr<ScriptArgument>> list;
+    list.reserve(trace.size());
+    for (const ScriptLocation& location : trace)
+        list.push_back(createLocation(location));
+    setResult(createList(list));
+}
+
+void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
+    std::map<QString, SharedPtr<ScriptArgument>> map;
+    const Class* objectClass = object->objectClass();
+    const int count = objectClass ? objectClass->numProperties() : 0;
+    for (int index = 0; index < count; ++index) {
+        const Property* property = objectClass->property(index);
+        const SharedPtr<Object> value = property->get(object);
+        if (!value) {
+            qWarning("Error reading %s property", property->name().toLocal8Bit().constData());
+            continue;
+        }
+        map.emplace(property->name(), createObject(value));
+    }
+    setResult(createMap(map));
+}
+
+// Positions
+
+LineInfo ScriptContext::lineInfo() const {
+    LineInfo position;
+    lineInfoOfFrame(position, 0);
+    return position;
+}
+
+LineInfo ScriptContext::lineInfoForResult() const {
+    return m_fixatedResultContexts.empty() ? lineInfo() : m_fixatedResultContexts.back();
+}
+
+std::vector<LineInfo> ScriptContext::callStackForResult(bool wantFullStack) const {
+    if (!m_fixatedResultContexts.empty())
+        return {m_fixatedResultContexts.back()};
+    if (wantFullStack && Debugger::self())
+        return Debugger::self()->callStack();
+    return {lineInfo()};
+}
+
+void ScriptContext::fixateResultContext() {
+    if (argumentCount() > 1) {
+        setError("test::fixateResultContext takes 0 or 1 argument");
+        return;
+    }
+    long long level = 1;
+    if (argumentCount() == 1) {
+        const SharedPtr<ScriptArgument> frames = argument(0);
+        level = frames->isNumber() ? frames->toInt() : -1;
+        if (level < 0) {
+            setError("test::fixateResultContext takes a non-negative number");
+            return;
+        }
+    }
+    LineInfo position;
+    // No call chain is deeper than an int can count.
+    if (level > std::numeric_limits<int>::max() ||
+        !lineInfoOfFrame(position, static_cast<int>(level))) {
+        setError("test::fixateResultContext: invalid ancestor stack frame number");
+        return;
+    }
+    m_fixatedResultContexts.push_back(position);
+    setNullResult();
+}
+
+void ScriptContext::restoreResultContext() {
+    if (argumentCount() > 0) {
+        setError("test::restoreResultContext takes no arguments");
+        return;
+    }
+    if (m_fixatedResultContexts.empty()) {
+        setError("test::restoreResultContext: there are no fixated result contexts");
+        return;
+    }
+    m_fixatedResultContexts.pop_back();
+    setNullResult();
+}
+
+Gherkin::ScriptActions* ScriptContext::gherkinScriptActions(const QString&) {
+    return nullptr;
+}
+
+}  // namespace Tamrix

@@ -1,1 +1,263 @@
-// Comes with the next commits.
+// The names under which scripts reach the library. Every name of the interface has its row; a row
+// without a function is not registered, so that a script is told that there is no such name.
+
+#include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/generic/resourcefunctions.h"
+#include "interpreter/generic/tamrixinfo.h"
+#include "interpreter/generic/testfunctions.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// One function of the tables. `required` and `optional` are parameter names, separated by blanks.
+struct FunctionRow {
+    const char* name;
+    ScriptContext::Function function = nullptr;
+    const char* required = "";
+    const char* optional = "";
+    const char* description = "";
+};
+
+/// One function of the native interface.
+struct NativeRow {
+    const char* name;
+    bool (*function)(ScriptContext*) = nullptr;
+    const char* required = "";
+    const char* optional = "";
+    const char* description = "";
+};
+
+const FunctionRow globalFunctions[] = {
+    {"waitFor"},
+    {"waitForObject"},
+    {"waitForObjectExists"},
+    {"waitForObjectItem"},
+    {"findObject"},
+    {"findAllObjects"},
+    {"mousePress"},
+    {"mouseRelease"},
+    {"mouseMove"},
+    {"readGesture"},
+    {"sendEvent"},
+    {"cast"},
+    {"source", sourceFile, "fileName", "", "Runs another script file as if it stood here"},
+    {"installEventHandler"},
+    {"uninstallEventHandler"},
+    {"runFeatureFile"},
+    {"_tamrix_connect_to_remote_system"},
+    {"_tamrix_close_remote_system_connection"},
+    {"_tamrix_remote_get_environment_variable"},
+    {"_tamrix_remote_get_os_name"},
+    {"_tamrix_remote_execute_command"},
+    {"_tamrix_remote_get_directory_content"},
+    {"_tamrix_remote_get_path_property"},
+    {"_tamrix_remote_path_exists"},
+    {"_tamrix_remote_rename_path"},
+    {"_tamrix_remote_create_path"},
+    {"_tamrix_remote_delete_path"},
+    {"_tamrix_remote_create_file"},
+    {"_tamrix_remote_delete_file"},
+    {"_tamrix_remote_copy_path"},
+    {"_tamrix_remote_upload_file"},
+    {"_tamrix_remote_download_file"},
+    {"startApplication"},
+    {"attachToApplication"},
+    {"waitForApplicationLaunch"},
+    {"setApplicationContext"},
+    {"defaultApplicationContext"},
+    {"currentApplicationContext"},
+    {"applicationContextList"},
+    {"applicationContext"},
+};
+
+const FunctionRow objectFunctions[] = {
+    {"exists"},          {"children"},   {"globalBounds"},   {"grabScreenshot"}, {"parent"},
+    {"topLevelObjects"}, {"properties"}, {"objectName"},     {"isPointer"},      {"isReference"},
+    {"isValue"},         {"isArray"},    {"queryInterface"}, {"convertTo"},      {"createNull"},
+};
+
+const FunctionRow testFunctions[] = {
+    {"pass", testPass, "message", "detail", "Adds a passed result; returns true"},
+    {"xpass", testXPass, "message", "detail", "Adds an unexpected pass; returns false"},
+    {"fail", testFail, "message", "detail", "Adds a failed result; returns false"},
+    {"breakpoint", testBreakpoint, "", "", "Stops in the debugger when there is one"},
+    {"xfail", testXFail, "message", "detail", "Adds an expected failure; returns false"},
+    {"fatal", testFatal, "message", "detail", "Adds a fatal result; returns false"},
+    {"log", testLog, "message", "detail", "Adds a line to the results; returns true"},
+    {"warning", testWarning, "message", "detail", "Adds a warning; returns false"},
+    {"skip", testSkip, "message", "detail", "Ends the test case as skipped"},
+    {"verify", testVerify, "condition", "comment",
+     "Passes when the condition is true; returns its truth"},
+    {"xverify", testXVerify, "condition", "comment",
+     "As verify, for a condition that is expected to be false"},
+    {"compare", testCompare, "value1 value2", "comment",
+     "Passes when both values are equal; returns whether they are"},
+    {"xcompare", testXCompare, "value1 value2", "comment",
+     "As compare, for values that are expected to differ"},
+    {"compareTextFiles"},
+    {"compareXMLFiles"},
+    {"compareJSONFiles"},
+    {"vp"},
+    {"xvp"},
+    {"vpWithObject"},
+    {"exception", testException, "code", "comment",
+     "Passes when the code raises an exception; returns whether it did"},
+    {"resultCount", testResultCount, "category", "",
+     "Number of results of a category since the test case started: passes, fails, xpasses, "
+     "xfails, errors, fatals, warnings, skips, logs, or tests for all verdicts"},
+    {"stackTrace", testStackTrace, "", "start maximum",
+     "The positions of the running calls, innermost first"},
+    {"fixateResultContext", testFixateResultContext, "", "frames",
+     "Lets results carry the position of the caller, that many frames up (1 without argument), "
+     "until restoreResultContext is called"},
+    {"restoreResultContext", testRestoreResultContext, "", "", "Ends the last fixateResultContext"},
+    {"startSection", testStartSection, "title", "description", "Starts a section of the results"},
+    {"endSection", testEndSection, "", "", "Ends the innermost section"},
+    {"imageNotPresent"},
+    {"imagePresent"},
+    {"ocrTextNotPresent"},
+    {"ocrTextPresent"},
+    {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
+    {"attachDesktopScreenshot"},
+    {"attachImage"},
+    {"startVideoCapture"},
+    {"stopVideoCapture"},
+};
+
+const FunctionRow objectMapFunctions[] = {
+    {"add"}, {"symbolicName"}, {"realName"}, {"symbolicNames"}, {"load"},
+};
+
+const FunctionRow testDataFunctions[] = {
+    {"dataset"}, {"datasetExcel"}, {"field"},  {"fieldNames"}, {"put"},
+    {"get"},     {"exists"},       {"remove"}, {"create"},
+};
+
+const FunctionRow infoFunctions[] = {
+    {"testCase", infoTestCase, "", "", "Folder of the running test case"},
+    {"testCaseName", infoTestCaseName, "", "", "Name of the running test case"},
+    {"testSuiteName", infoTestSuiteName, "", "", "Name of the running test suite"},
+    {"version_str", infoVersionString, "", "", "The version as text"},
+    {"version", infoVersion, "", "",
+     "The version as a number: major, minor and patch in the upper three bytes"},
+    {"major", infoMajor, "", "", "The first number of the version"},
+    {"minor", infoMinor, "", "", "The second number of the version"},
+    {"patch", infoPatch, "", "", "The third number of the version"},
+    {"settingsGroup", infoSettingsGroup, "", "", "The settings group of the run"},
+    {"defaultDevice", infoDefaultDevice, "", "", "The default device of the run"},
+    {"resultDir", infoResultDir, "", "", "Folder for the results of the run"},
+};
+
+/// Called with the context as first argument.
+const FunctionRow applicationContextFunctions[] = {
+    {"name"},
+    {"commandLine"},
+    {"pid"},
+    {"cwd"},
+    {"isRunning"},
+    {"startTime"},
+    {"usedMemory"},
+    {"totalTime"},
+    {"isFrozen"},
+    {"readStdout"},
+    {"readStderr"},
+    {"osName"},
+    {"environmentVariable"},
+    {"host"},
+    {"port"},
+    {"detach"},
+};
+
+// The repeated description of startCAN and connectTo is meant.
+const NativeRow nativeFunctions[] = {
+    {"typeName", nullptr, "object", "", "Returns the name of the type of this object"},
+    {"snooze", nullptr, "secs", "", "Sleep for the specified number of seconds"},
+    {"isNull", nullptr, "object", "", "Check if the argument is a null pointer"},
+    {"findFile", findFile, "type name", "", "Finds a script or testdata file"},
+    {"keyPress", nullptr, "key", "", "Sets a key in pressed state"},
+    {"keyRelease", nullptr, "key", "", "Sets a key in released state"},
+    {"startFMI", nullptr, "", "host port timeoutms", "Starts a new FMI context"},
+    {"startCAN", nullptr, "", "options host port timeoutms", "Starts a new FMI context"},
+    {"connectTo", nullptr, "server", "tamrixhost tamrixport timeoutms", "Starts a new FMI context"},
+    {"saveDesktopScreenshot", nullptr, "filename", "format",
+     "Saves a desktop screenshot to a file"},
+    {"saveObjectSnapshot", nullptr, "object filename", "", "Saves an object screenshot to a file"},
+    {"highlightObject", nullptr, "object", "timeoutms block", "Highlights the specified object"},
+    {"createVisualVP", nullptr, "object VPname", "",
+     "Creates a visual verification point for an object"},
+    {"findImage", nullptr, "image", "options region", "Returns a position of the specified image"},
+    {"waitForImage", nullptr, "image", "options region",
+     "Returns a position of the specified image"},
+    {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
+    {"findOcrText", nullptr, "text", "options region",
+     "Searches for the specified text in OCR results"},
+    {"waitForOcrText", nullptr, "text", "options region",
+     "Waits for the specified text in OCR results"},
+    {"findAllOcrText", nullptr, "text", "options region",
+     "Finds locations of all instances of the specified text in OCR results"},
+    {"getAllOcrText", nullptr, "", "options region", "Returns all word locations found by OCR"},
+};
+
+/// Registered last, behind the native classes.
+const NativeRow grabDesktopScreenshotRow = {
+    "grabDesktopScreenshot", nullptr, "", "",
+    "Grabs the desktop screenshot and returns it as a ScriptImage object"};
+
+QStringList parameters(const char* names) {
+    return QString(names).split(' ', Qt::SkipEmptyParts);
+}
+
+ScriptContext::FunctionDescription describe(const FunctionRow& row) {
+    return {parameters(row.required), parameters(row.optional), row.description};
+}
+
+template <std::size_t size>
+void addStaticMembers(ScriptContext* context, const char* className,
+                      const FunctionRow (&rows)[size]) {
+    for (const FunctionRow& row : rows) {
+        if (!row.function)
+            continue;
+        ScriptContext::describeFunction(QString(className) + "::" + row.name, describe(row));
+        context->addStaticMemberFunction(className, row.name, row.function);
+    }
+}
+
+void addNative(Interpreter* interpreter, const NativeRow& row) {
+    if (row.function)
+        interpreter->addNativeFunction(row.name, row.function, parameters(row.required),
+                                       parameters(row.optional), row.description);
+}
+
+}  // namespace
+
+void ScriptContext::initFunctions() {
+    for (const FunctionRow& row : globalFunctions) {
+        if (!row.function)
+            continue;
+        describeFunction(row.name, describe(row));
+        addGlobalFunction(row.name, row.function);
+    }
+    addStaticMembers(this, "object", objectFunctions);
+    addStaticMembers(this, "test", testFunctions);
+    addStaticMembers(this, "objectMap", objectMapFunctions);
+    addStaticMembers(this, "testData", testDataFunctions);
+    addStaticMembers(this, "tamrixinfo", infoFunctions);
+    for (const FunctionRow& row : applicationContextFunctions) {
+        if (!row.function)
+            continue;
+        describeFunction(QString("ApplicationContext::") + row.name, describe(row));
+        addMemberFunction("ApplicationContext", row.name, row.function);
+    }
+}
+
+void Interpreter::initNativeAPI() {
+    for (const NativeRow& row : nativeFunctions)
+        addNative(this, row);
+    // Native classes stand here; "testSettings" is hidden from the debugger's view.
+    addSelfDefinedVariableName("testSettings");
+    addNative(this, grabDesktopScreenshotRow);
+}
+
+}  // namespace Tamrix
