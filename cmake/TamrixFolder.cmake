@@ -110,7 +110,6 @@ function(tamrix_test name)
     target_compile_definitions(${name} PRIVATE
         TAMRIX_TEST_PREFIX="${TAMRIX_PREFIX_DIR}"
         TAMRIX_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-    target_compile_options(${name} PRIVATE -include ${PROJECT_SOURCE_DIR}/tests/support/printers.h)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")

@@ -1,5 +1,7 @@
 #include "support/golden.h"
 
+#include "support/printqt.h"
+
 namespace Tamrix::Test {
 
 TEST(LineDifference, ShowsOnlyWhatDiffersAndItsSurroundings) {
