@@ -18,8 +18,8 @@ struct TAMRIX_EXPORT ReportEntry {
         SuiteEnd,      ///< extra: "finished" or "interrupted"
         CaseStart,     ///< message: the case's name, path: the script file
         CaseEnd,       ///< extra: "finished" or "interrupted"
-        SectionStart,  ///< message: title, detail: description
-        SectionEnd,    ///< message: title of the section that ends
+        SectionStart,  ///< message: title, detail: description, extra: kind, value
+        SectionEnd,    ///< message, extra: title and kind of the section that ends
         Result,        ///< type, message, detail, callStack, extra, value
         Attachment,    ///< type: the attachment type's number, message, path, callStack
         VideoStart,    ///< message, path, callStack
@@ -28,7 +28,8 @@ struct TAMRIX_EXPORT ReportEntry {
     };
 
     Kind kind = Kind::Result;
-    /// A TestResult::ResultType for results, a TestResult::AttachmentType for attachments.
+    /// A TestResult::ResultType for results and sections, a TestResult::AttachmentType for
+    /// attachments.
     int type = 0;
     /// Local time of the event, with milliseconds.
     QDateTime time;
@@ -58,7 +59,7 @@ public:
     virtual QString errorText() const { return {}; }
 
     /// A device to write a video for `targetPath` to, owned by the caller; null with `*error` set
-    /// on failure.
+    /// on failure. A report that keeps no videos of its own gives the file at that path.
     virtual QIODevice* openVideo(const QString& targetPath, QString* error);
 };
 

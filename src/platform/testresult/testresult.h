@@ -3,7 +3,6 @@
 #include <QDateTime>
 #include <QMap>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 #include "base/export.h"
@@ -14,6 +13,11 @@ namespace Tamrix {
 
 /// The result sink of a run: every operation becomes one ReportEntry that goes to the report
 /// generator at once, so that nothing is lost when the process ends. Script thread only.
+///
+/// A skipped test case: a result of type Skipped with the extra text "testcase" ends the script
+/// with a script error of the text "message: detail", which is reported as an Error result in its
+/// turn. The first Error after the skip whose detail contains that text is its echo: the entry is
+/// marked so, and neither count() nor lastScenarioHasError() regards it.
 class TAMRIX_EXPORT TestResult {
 public:
     /// The numbers are part of the report formats.
@@ -33,14 +37,15 @@ public:
 
     enum AttachmentType { FileAttachment = 1, ImageAttachment = 2 };
 
-    /// `generator` is not owned and may be null; entries are then only counted.
+    /// `generator` is not owned, must live longer, and may be null; entries are then only counted.
     explicit TestResult(ReportGenerator* generator);
-    /// Ends what is still open.
+    /// Ends what is still open, as interrupted: a run in order has ended its suite before.
     ~TestResult();
     TestResult(const TestResult&) = delete;
     TestResult& operator=(const TestResult&) = delete;
 
-    // Frame of a run. Ending an outer level ends what is open inside it.
+    // Frame of a run. Starting a level ends an earlier one that is still open, and ending an outer
+    // level ends what is open inside it; sections never reach from one level into another.
     void startSuite(const QString& name, const QString& path);
     void endSuite(bool interrupted = false);
     /// Starts a test case; the counts of count() start anew.
@@ -48,8 +53,12 @@ public:
     void endCase(bool interrupted = false);
 
     /// Adds a result. `extra` is the comment of a verdict or tells a kind ("testcase" for a skipped
-    /// test case), `value` is -1 unless the kind of result has a number of its own. Types
-    /// SectionStart and SectionEnd open and close sections in the same nesting as startSection().
+    /// test case), `value` is -1 unless the kind of result has a number of its own.
+    ///
+    /// Types SectionStart and SectionEnd open and close sections in the same nesting as
+    /// startSection(); `extra` then names the kind of section. A SectionEnd with a kind ends the
+    /// innermost section of that kind and what a script left open inside it; when there is none,
+    /// a Qt warning says so and nothing is added.
     void addResult(ResultType type, const QString& message, const QString& detail,
                    const LineInfo& location, const QString& extra = QString(), int value = -1);
     void addResult(const QDateTime& time, ResultType type, const QString& message,
@@ -79,26 +88,38 @@ public:
     void addOutput(const QString& stream, const QString& text);
 
     /// No more entries are taken; late tasks ask isComplete() before they write.
+    /// What is open then gets no end: end the suite first.
     void setComplete();
     bool isComplete() const;
 
     ReportGenerator* reportGenerator() const;
 
     /// Whether a Fatal, Error, Fail or UnexpectedPass was added since clearLastScenarioError().
+    /// The echo of a skip is none of them.
     bool lastScenarioHasError() const;
     void clearLastScenarioError();
 
 private:
+    struct OpenSection {
+        QString title;
+        QString kind;
+    };
+
     void forward(ReportEntry entry);
+    void addFile(ReportEntry::Kind kind, int type, const QString& message, const QString& path,
+                 const std::vector<LineInfo>& callStack);
     void openSection(ReportEntry entry);
-    void closeSections();
+    void endSectionOfKind(ReportEntry entry);
+    void closeInnermostSection(ReportEntry entry);
+    /// Ends the sections inside the outermost `depth` ones.
+    void closeSections(std::size_t depth);
     bool isSkipEcho(int type, const QString& detail) const;
 
     ReportGenerator* m_generator;
     bool m_complete = false;
     bool m_suiteOpen = false;
     bool m_caseOpen = false;
-    QStringList m_openSections;
+    std::vector<OpenSection> m_openSections;
     QMap<int, int> m_counts;
     bool m_lastScenarioHasError = false;
     /// The text with which a skipped test case ends as a script error; null while it is not

@@ -1,0 +1,275 @@
+#include "platform/testresult/consolereport.h"
+
+#include <QFileDevice>
+#include <QStringList>
+
+#include "platform/testresult/resulttext.h"
+#include "platform/testresult/resulttypes.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Kind = ReportEntry::Kind;
+
+const char* const green = "\x1b[32m";
+const char* const red = "\x1b[31m";
+const char* const yellow = "\x1b[33m";
+const char* const plain = "\x1b[0m";
+
+struct OutcomeLabel {
+    CaseOutcome outcome;
+    const char* label;
+    const char* colour;
+};
+
+constexpr int indentWidth = 2;
+
+const OutcomeLabel outcomeLabels[] = {
+    {CaseOutcome::Passed, "PASS ", green},
+    {CaseOutcome::Failed, "FAIL ", red},
+    {CaseOutcome::Error, "ERROR", red},
+    {CaseOutcome::Skipped, "SKIP ", yellow},
+    {CaseOutcome::Interrupted, "INTERRUPTED", red},
+    {CaseOutcome::Incomplete, "INCOMPLETE", red},
+};
+
+QString secondsText(double seconds) {
+    return QString::number(seconds, 'f', 2) + QLatin1String(" s");
+}
+
+const char* resultColour(const ReportEntry& entry) {
+    if (isFailure(entry))
+        return red;
+    switch (entry.type) {
+        case TestResult::Pass:
+            return green;
+        case TestResult::ExpectedFail:
+        case TestResult::Warning:
+        case TestResult::Skipped:
+            return yellow;
+        default:
+            return "";
+    }
+}
+
+}  // namespace
+
+ConsoleReport::ConsoleReport(QIODevice* device, Verbosity verbosity, bool colour)
+    : m_device(device), m_verbosity(verbosity), m_colour(colour) {}
+
+ConsoleReport::ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity, bool colour)
+    : m_ownDevice(std::move(device)),
+      m_device(m_ownDevice.get()),
+      m_verbosity(verbosity),
+      m_colour(colour) {}
+
+ConsoleReport::~ConsoleReport() = default;
+
+void ConsoleReport::add(const ReportEntry& entry) {
+    const CaseTally& tally = m_tally.add(entry);
+    const bool isVerbose = m_verbosity == Verbosity::Verbose;
+    switch (entry.kind) {
+        case Kind::SuiteStart:
+        case Kind::SuiteEnd:
+        case Kind::CaseStart:
+        case Kind::CaseEnd:
+            addFrame(entry, tally);
+            break;
+        case Kind::SectionStart:
+        case Kind::SectionEnd:
+            addSection(entry);
+            break;
+        case Kind::Result:
+            if (isVerbose || isFailure(entry))
+                addResult(entry, tally);
+            break;
+        case Kind::Attachment:
+            if (isVerbose)
+                addLine(QStringLiteral("Attached: %1: %2").arg(entry.message, entry.path),
+                        resultIndent());
+            break;
+        case Kind::VideoStart:
+        case Kind::VideoEnd:
+            if (isVerbose)
+                addLine(QStringLiteral("%1: %2: %3")
+                            .arg(entry.kind == Kind::VideoStart ? QStringLiteral("Video starts")
+                                                                : QStringLiteral("Video ends"),
+                                 entry.message, entry.path),
+                        resultIndent());
+            break;
+        case Kind::Output:
+            if (m_verbosity != Verbosity::Quiet)
+                addOutput(entry);
+            break;
+    }
+    flush();
+}
+
+void ConsoleReport::finish() {
+    addIncompleteCases();
+    addSummary();
+    flush();
+}
+
+void ConsoleReport::addFrame(const ReportEntry& entry, const CaseTally& tally) {
+    if (entry.kind == Kind::CaseStart || entry.kind == Kind::SuiteStart)
+        m_sectionDepth = 0;
+    if (m_verbosity == Verbosity::Quiet)
+        return;
+    if (entry.kind == Kind::SuiteStart || m_verbosity == Verbosity::Verbose) {
+        if (entry.kind == Kind::SuiteStart || entry.kind == Kind::CaseStart)
+            announceCase(tally);
+    }
+    if (entry.kind == Kind::CaseEnd)
+        addCaseLine(tally);
+}
+
+void ConsoleReport::addResult(const ReportEntry& entry, const CaseTally& tally) {
+    if (m_announcedId != tally.id)
+        announceCase(tally);
+    QStringList lines = describeResult(entry).split(QLatin1Char('\n'));
+    if (entry.echo)
+        lines.first() += QLatin1String(" (the end of the skipped case)");
+    addLine(lines.takeFirst(), resultIndent(), resultColour(entry));
+    for (const QString& line : qAsConst(lines))
+        addLine(line, resultIndent() + 2);
+}
+
+void ConsoleReport::addSection(const ReportEntry& entry) {
+    const bool isStart = entry.kind == Kind::SectionStart;
+    if (!isStart)
+        m_sectionDepth = qMax(0, m_sectionDepth - 1);
+    if (m_verbosity == Verbosity::Verbose) {
+        const QString title = isStart ? messageText(entry) : entry.message;
+        addLine(
+            (isStart ? QStringLiteral("Section: ") : QStringLiteral("End of section: ")) + title,
+            resultIndent());
+    }
+    if (isStart)
+        ++m_sectionDepth;
+}
+
+void ConsoleReport::addOutput(const ReportEntry& entry) {
+    if (entry.message.isEmpty())
+        return;
+    m_pending += entry.message.toUtf8();
+    m_isAtLineStart = m_pending.endsWith('\n');
+}
+
+void ConsoleReport::announceCase(const CaseTally& tally) {
+    const bool isSuite = tally.id == m_tally.suites().back().outside.id;
+    m_announcedId = tally.id;
+    if (isSuite && tally.name.isEmpty())
+        return;
+    QString text = isSuite ? QStringLiteral("Suite ") + tally.name : tally.name + QLatin1Char(':');
+    if (m_verbosity == Verbosity::Verbose && !tally.path.isEmpty())
+        text += QStringLiteral(" (%1)").arg(tally.path);
+    addLine(text, isSuite ? 0 : 1);
+}
+
+void ConsoleReport::addCaseLine(const CaseTally& testCase) {
+    const CaseOutcome outcome = testCase.outcome();
+    for (const OutcomeLabel& row : outcomeLabels) {
+        if (row.outcome != outcome)
+            continue;
+        QString text =
+            QStringLiteral("%1 %2  (%3)")
+                .arg(QLatin1String(row.label), testCase.name, secondsText(testCase.seconds()));
+        if (outcome == CaseOutcome::Skipped && !testCase.skipText.isEmpty())
+            text += QLatin1String("  ") + testCase.skipText;
+        addLine(text, 1, row.colour);
+    }
+}
+
+void ConsoleReport::addIncompleteCases() {
+    if (m_verbosity == Verbosity::Quiet)
+        return;
+    for (const SuiteTally& suite : m_tally.suites()) {
+        for (const CaseTally& testCase : suite.cases) {
+            if (testCase.outcome() == CaseOutcome::Incomplete)
+                addCaseLine(testCase);
+        }
+    }
+}
+
+void ConsoleReport::addSummary() {
+    const int caseCount = m_tally.caseCount();
+    QStringList outcomes;
+    for (const OutcomeLabel& row : outcomeLabels) {
+        if (const int count = m_tally.caseCount(row.outcome))
+            outcomes += QStringLiteral("%1 %2").arg(count).arg(outcomeText(row.outcome));
+    }
+    QString cases =
+        caseCount == 1 ? QStringLiteral("1 case") : QStringLiteral("%1 cases").arg(caseCount);
+    if (!outcomes.isEmpty())
+        cases += QLatin1String(": ") + outcomes.join(QLatin1String(", "));
+
+    QStringList results;
+    for (const ResultTypeInfo& info : resultTypes) {
+        if (const int count = m_tally.resultCount(info.type))
+            results += QStringLiteral("%1 %2").arg(QLatin1String(info.category)).arg(count);
+    }
+
+    const bool isGood =
+        !m_tally.anyFailure() && !m_tally.isInterrupted() && !m_tally.isIncomplete();
+    if (m_verbosity != Verbosity::Quiet || !isGood)
+        addLine(QString());
+    addLine(cases, 0, isGood ? green : red);
+    if (const int count = m_tally.failureCountOutsideCases())
+        addLine(QStringLiteral("Failures outside the cases: %1").arg(count), 0, red);
+    if (!results.isEmpty())
+        addLine(QStringLiteral("Results: ") + results.join(QLatin1String(", ")));
+    if (m_tally.isInterrupted())
+        addLine(QStringLiteral("The run was interrupted."), 0, red);
+    else if (m_tally.isIncomplete())
+        addLine(QStringLiteral("The run did not come to its end."), 0, red);
+    addLine(QStringLiteral("Time: ") + secondsText(m_tally.seconds()));
+}
+
+void ConsoleReport::addLine(const QString& text, int indent, const char* colour) {
+    if (!m_isAtLineStart)
+        m_pending += '\n';
+    m_isAtLineStart = true;
+    const QByteArray margin(indent * indentWidth, ' ');
+    const bool isColoured = m_colour && *colour;
+    for (const QString& line : escapedForTerminal(text).split(QLatin1Char('\n'))) {
+        if (!line.isEmpty()) {
+            m_pending += margin;
+            m_pending += isColoured ? colour + line.toUtf8() + plain : line.toUtf8();
+        }
+        m_pending += '\n';
+    }
+}
+
+int ConsoleReport::resultIndent() const {
+    const int level = m_tally.runningCase() ? 2 : 1;
+    return m_verbosity == Verbosity::Verbose ? level + m_sectionDepth : level;
+}
+
+void ConsoleReport::flush() {
+    const CaseTally* running = m_tally.runningCase();
+    const bool wantsRunningLine =
+        m_colour && m_verbosity == Verbosity::Normal && running && m_isAtLineStart;
+    if (m_pending.isEmpty() && wantsRunningLine == m_isRunningLineShown)
+        return;
+    QByteArray text;
+    if (m_isRunningLineShown)
+        text += "\r\x1b[K";
+    text += m_pending;
+    if (wantsRunningLine)
+        text +=
+            "  ...   " +
+            escapedForTerminal(running->name).replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8();
+    m_isRunningLineShown = wantsRunningLine;
+    m_pending.clear();
+
+    const bool isWritten = m_device->write(text) == text.size();
+    auto* file = qobject_cast<QFileDevice*>(m_device);
+    if ((!isWritten || (file && !file->flush())) && m_error.isEmpty()) {
+        m_error = QStringLiteral("The console report could not be written: %1")
+                      .arg(m_device->errorString());
+    }
+}
+
+}  // namespace Tamrix

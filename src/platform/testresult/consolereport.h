@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QByteArray>
+#include <memory>
+
+#include "base/export.h"
+#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/runtally.h"
+
+class QIODevice;
+
+namespace Tamrix {
+
+/// Tells a run to a person as it goes on, and sums it up at the end. Everything that belongs to an
+/// entry is written before add() returns.
+///
+/// Messages can't control the terminal: control characters in them appear as escapes. What the
+/// script writes goes through as it is.
+class TAMRIX_EXPORT ConsoleReport : public ReportGenerator {
+public:
+    enum class Verbosity {
+        Quiet,   ///< failures and the summary
+        Normal,  ///< also a line for each case, and the script's output
+        Verbose  ///< also every result, section and attachment as it happens
+    };
+
+    /// `colour` asks for colours, and for a line that shows the running case and goes away again;
+    /// only a terminal takes both. `device` is open for writing and not owned.
+    ConsoleReport(QIODevice* device, Verbosity verbosity, bool colour);
+    /// Owns the device.
+    ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity, bool colour);
+    ~ConsoleReport() override;
+
+    void add(const ReportEntry& entry) override;
+    /// Writes the summary.
+    void finish() override;
+    QString errorText() const override { return m_error; }
+
+private:
+    void addFrame(const ReportEntry& entry, const CaseTally& tally);
+    void addResult(const ReportEntry& entry, const CaseTally& tally);
+    void addSection(const ReportEntry& entry);
+    void addOutput(const ReportEntry& entry);
+    void announceCase(const CaseTally& tally);
+    void addCaseLine(const CaseTally& testCase);
+    void addIncompleteCases();
+    void addSummary();
+
+    /// Adds a text of our own on lines of its own, indented.
+    void addLine(const QString& text, int indent = 0, const char* colour = "");
+    int resultIndent() const;
+    /// Writes what the entry has added.
+    void flush();
+
+    std::unique_ptr<QIODevice> m_ownDevice;
+    QIODevice* m_device;
+    Verbosity m_verbosity;
+    bool m_colour;
+    RunTally m_tally;
+    QByteArray m_pending;
+    /// Whether the script's output, which may end anywhere, has ended with a line feed.
+    bool m_isAtLineStart = true;
+    bool m_isRunningLineShown = false;
+    /// The case or suite that a heading was written for last.
+    int m_announcedId = -1;
+    int m_sectionDepth = 0;
+    QString m_error;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,117 @@
+#include "platform/testresult/journalreport.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <cerrno>
+
+#include "platform/testresult/journalformat.h"
+#include "platform/testresult/reporttarget.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// With each of the four texts of an entry no longer than this, its line stays below the limit,
+/// since a code unit takes six bytes at most.
+constexpr int longestText = 2 * 1024 * 1024;
+
+QString shortened(const QString& text) {
+    if (text.size() <= longestText)
+        return text;
+    const int kept = longestText - 100;
+    return text.left(kept) + QStringLiteral("[... %1 characters left out]").arg(text.size() - kept);
+}
+
+}  // namespace
+
+JournalReport::JournalReport(const QString& path) {
+    m_path = prepareReportTarget(path, &m_error);
+    if (!m_error.isEmpty())
+        return;
+    m_descriptor = ::open(QFile::encodeName(m_path).constData(),
+                          O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+    if (m_descriptor < 0)
+        fail(errno);
+    else
+        write(Journal::headerLine(QDateTime::currentDateTime()));
+}
+
+JournalReport::~JournalReport() {
+    close();
+}
+
+void JournalReport::add(const ReportEntry& entry) {
+    if (m_descriptor < 0)
+        return;
+    const QByteArray line = Journal::entryLine(entry);
+    if (line.size() > Journal::longestLine)
+        addLongEntry(entry);
+    else
+        write(line);
+}
+
+void JournalReport::finish() {
+    close();
+}
+
+void JournalReport::addLongEntry(const ReportEntry& entry) {
+    ReportEntry part = entry;
+    if (entry.kind == ReportEntry::Kind::Output) {
+        int start = 0;
+        while (start < entry.message.size()) {
+            int length = qMin(longestText, entry.message.size() - start);
+            // A surrogate pair stays in one piece.
+            if (start + length < entry.message.size() &&
+                entry.message.at(start + length - 1).isHighSurrogate())
+                --length;
+            part.message = entry.message.mid(start, length);
+            write(Journal::entryLine(part));
+            start += length;
+        }
+        return;
+    }
+    part.message = shortened(entry.message);
+    part.detail = shortened(entry.detail);
+    part.extra = shortened(entry.extra);
+    part.path = shortened(entry.path);
+    const std::size_t deepest = 1000;
+    if (part.callStack.size() > deepest)
+        part.callStack.resize(deepest);
+    write(Journal::entryLine(part));
+}
+
+void JournalReport::write(const QByteArray& line) {
+    const char* data = line.constData();
+    std::size_t rest = std::size_t(line.size());
+    while (rest > 0 && m_descriptor >= 0) {
+        const ssize_t written = ::write(m_descriptor, data, rest);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0) {
+            fail(errno);
+            return;
+        }
+        data += written;
+        rest -= std::size_t(written);
+    }
+}
+
+void JournalReport::fail(int errorNumber) {
+    m_error = QStringLiteral("The journal '%1' could not be written: %2")
+                  .arg(m_path, qt_error_string(errorNumber));
+    close();
+}
+
+void JournalReport::close() {
+    if (m_descriptor < 0)
+        return;
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    // Network file systems may tell only now that a write failed.
+    if (::close(descriptor) != 0 && errno != EINTR && m_error.isEmpty())
+        fail(errno);
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/export.h"
+#include "platform/testresult/reportgenerator.h"
+
+namespace Tamrix {
+
+/// The journal of a run: JSON Lines, a header and then one object for each entry. An entry is
+/// handed to the operating system before add() returns, so that a run that is killed at any moment
+/// loses none of them; JournalReader makes other reports of the file.
+///
+/// A write error ends the journal: nothing is written behind a line that may be broken, and
+/// errorText() tells the cause. Texts of a line that would be longer than the reader takes are
+/// shortened with a visible mark; script output is spread over several entries instead.
+class TAMRIX_EXPORT JournalReport : public ReportGenerator {
+public:
+    /// Replaces the file at `path` and writes the header; a relative path counts from the current
+    /// working directory. Missing folders are created.
+    explicit JournalReport(const QString& path);
+    ~JournalReport() override;
+    JournalReport(const JournalReport&) = delete;
+    JournalReport& operator=(const JournalReport&) = delete;
+
+    void add(const ReportEntry& entry) override;
+    void finish() override;
+    QString errorText() const override { return m_error; }
+
+private:
+    void addLongEntry(const ReportEntry& entry);
+    void write(const QByteArray& line);
+    void fail(int errorNumber);
+    void close();
+
+    QString m_path;
+    int m_descriptor = -1;
+    QString m_error;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "base/export.h"
+#include "platform/testresult/consolereport.h"
+#include "platform/testresult/reportgenerator.h"
+
+namespace Tamrix {
+
+/// What a user's "FORMAT:PATH" names.
+struct ReportDescription {
+    QString format;
+    QString path;
+};
+
+/// Takes a "FORMAT:PATH" apart. Returns an error text, empty on success: an unknown format, or a
+/// missing path where the format needs one. Does not touch the file.
+TAMRIX_EXPORT QString parseReportDescription(const QString& text, ReportDescription* description);
+
+/// Makes the report generator that a "FORMAT:PATH" names; null with `*error` set when the
+/// description is wrong or the file can't be written.
+///
+///     console        on standard output; also "console:" and "console:-"
+///     console:PATH   the same text in a file
+///     json:PATH      the journal, which begins at once and replaces the file
+///     junit:PATH     JUnit XML, written at the end
+///
+/// `verbosity` concerns the console format, which is written without colour.
+TAMRIX_EXPORT std::unique_ptr<ReportGenerator> createReportGenerator(
+    const QString& text, QString* error,
+    ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal);
+
+}  // namespace Tamrix

@@ -1,0 +1,44 @@
+#include "platform/testresult/resulttypes.h"
+
+namespace Tamrix {
+
+const std::array<ResultTypeInfo, 9> resultTypes = {{
+    // type, name, category, isVerdict, isFailure
+    {TestResult::Pass, "Pass", "passes", true, false},
+    {TestResult::Fail, "Fail", "fails", true, true},
+    {TestResult::UnexpectedPass, "Unexpected pass", "xpasses", true, true},
+    {TestResult::ExpectedFail, "Expected fail", "xfails", true, false},
+    {TestResult::Error, "Error", "errors", false, true},
+    {TestResult::Fatal, "Fatal", "fatals", false, true},
+    {TestResult::Warning, "Warning", "warnings", false, false},
+    {TestResult::Skipped, "Skipped", "skips", false, false},
+    {TestResult::Log, "Log", "logs", false, false},
+}};
+
+const ResultTypeInfo* resultTypeInfo(int type) {
+    for (const ResultTypeInfo& info : resultTypes) {
+        if (info.type == type)
+            return &info;
+    }
+    return nullptr;
+}
+
+QString resultTypeName(int type) {
+    if (const ResultTypeInfo* info = resultTypeInfo(type))
+        return QString::fromLatin1(info->name);
+    return QStringLiteral("Result %1").arg(type);
+}
+
+bool isFailure(const ReportEntry& entry) {
+    if (entry.kind != ReportEntry::Kind::Result || entry.echo)
+        return false;
+    const ResultTypeInfo* info = resultTypeInfo(entry.type);
+    return info && info->isFailure;
+}
+
+bool isCaseSkip(const ReportEntry& entry) {
+    return entry.kind == ReportEntry::Kind::Result && entry.type == TestResult::Skipped &&
+           entry.extra == QLatin1String("testcase");
+}
+
+}  // namespace Tamrix

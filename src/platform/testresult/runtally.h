@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMap>
+#include <QString>
+#include <deque>
+#include <vector>
+
+#include "base/export.h"
+#include "platform/testresult/reportgenerator.h"
+
+namespace Tamrix {
+
+/// How a test case came out.
+enum class CaseOutcome {
+    Passed,
+    Failed,       ///< its first failure is a failed verdict: Fail, UnexpectedPass
+    Error,        ///< its first failure is a script error: Error, Fatal
+    Skipped,      ///< skipped as a whole, without a failure
+    Incomplete,   ///< it never ended: the runner was killed
+    Interrupted,  ///< ended from outside before its time
+};
+
+/// The word for an outcome that follows a number: "passed", "failed", ...
+TAMRIX_EXPORT QString outcomeText(CaseOutcome outcome);
+
+/// What the entries of one test case add up to, or those of a suite that belong to none of its
+/// cases.
+struct TAMRIX_EXPORT CaseTally {
+    /// Interrupted and Incomplete come first, then a failure, then a skip. Warnings, expected fails
+    /// and echoes are no failures.
+    CaseOutcome outcome() const;
+    /// From its start to its end, or to its last entry when it never ended.
+    double seconds() const;
+
+    /// Unique in the run, counted from 0 in the order in which suites and cases start.
+    int id = 0;
+    QString name;
+    /// The script of a case, the folder of a suite.
+    QString path;
+    QDateTime start;
+    QDateTime end;
+    bool isEnded = false;
+    bool isInterrupted = false;
+    /// Results by TestResult::ResultType, without echoes.
+    QMap<int, int> counts;
+    /// The failed verdicts and script errors as they were added.
+    std::vector<ReportEntry> failures;
+    bool isSkipped = false;
+    /// Message and detail of the skip.
+    QString skipText;
+};
+
+/// One suite of a run.
+struct TAMRIX_EXPORT SuiteTally {
+    /// The suite itself: name, times, and what happened outside its cases.
+    CaseTally outside;
+    std::deque<CaseTally> cases;
+};
+
+/// Adds up the entries of a run: outcomes, counts, durations, failures. Takes entries in any order
+/// without fail; ones outside a suite get a suite without a name. Script thread only.
+class TAMRIX_EXPORT RunTally {
+public:
+    /// Returns what the entry belongs to: the running case, else its suite. The reference stays
+    /// valid while the tally lives.
+    const CaseTally& add(const ReportEntry& entry);
+
+    const std::deque<SuiteTally>& suites() const { return m_suites; }
+    /// Null when no case is running.
+    const CaseTally* runningCase() const { return m_runningCase; }
+
+    int caseCount() const;
+    int caseCount(CaseOutcome outcome) const;
+    /// Results of one TestResult::ResultType in the whole run.
+    int resultCount(int type) const;
+    /// Whether there was a failed verdict or a script error anywhere, outside the cases too.
+    bool anyFailure() const { return m_anyFailure; }
+    /// Failures that happened outside the cases.
+    int failureCountOutsideCases() const;
+    /// Whether a suite or a case was interrupted.
+    bool isInterrupted() const;
+    /// Whether a suite or a case never ended.
+    bool isIncomplete() const;
+    /// From the first start of a suite to the last entry.
+    double seconds() const;
+
+private:
+    void startSuite(const ReportEntry& entry);
+    CaseTally& suiteSelf(const ReportEntry& entry);
+
+    std::deque<SuiteTally> m_suites;
+    CaseTally* m_runningCase = nullptr;
+    bool m_anyFailure = false;
+    int m_nextId = 0;
+};
+
+}  // namespace Tamrix
