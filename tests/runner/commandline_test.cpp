@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include "runner/coreapplication.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

@@ -11,6 +11,7 @@
 #include "platform/objectmodel/inspector.h"
 #include "runner/coreapplication.h"
 #include "runner/interrupt.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

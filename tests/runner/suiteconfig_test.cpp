@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "runner/suitefolder.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

@@ -8,6 +8,7 @@
 #include "runner/coreapplication.h"
 #include "runner/interrupt.h"
 #include "runner/suitefolder.h"
+#include "support/printqt.h"
 #include "support/recordingreport.h"
 
 namespace Tamrix {
