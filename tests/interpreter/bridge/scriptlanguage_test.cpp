@@ -16,7 +16,6 @@ using Test::EnvironmentGuard;
 using Test::writeFile;
 using testing::HasSubstr;
 
-/// Each test runs in a process of its own where the table of languages matters: it is read once.
 class ScriptLanguages : public testing::Test {
 protected:
     ScriptLanguages() : prefix("TAMRIX_PREFIX", folder.path()) {
@@ -54,6 +53,8 @@ TEST_F(ScriptLanguages, FindsRows) {
 }
 
 TEST_F(ScriptLanguages, PythonOfUnknownVersion) {
+    // In a new process: the table is made once and stays.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     ASSERT_TRUE(QFile::remove(folder.filePath("etc/paths.ini")));
     EXPECT_EXIT(
         {

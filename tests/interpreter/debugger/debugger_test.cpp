@@ -18,8 +18,7 @@ using Stack = std::vector<LineInfo>;
 
 class DebuggerTest : public testing::Test {
 protected:
-    DebuggerTest()
-        : root(QDir(folder.path()).canonicalPath()), workingDirectory(root) {
+    DebuggerTest() : root(QDir(folder.path()).canonicalPath()), workingDirectory(root) {
         EXPECT_TRUE(writeFile(a) && writeFile(b));
     }
 
@@ -149,8 +148,8 @@ TEST_F(DebuggerStacks, StackTraceGoesDownToTheBottom) {
         int maxDepth;
         Locations expected;
     } const cases[] = {
-        {0, 0, all},         {0, 1, part(0, 1)}, {0, 3, part(0, 3)}, {0, 9, all},
-        {1, 0, part(1, 4)},  {1, 2, part(1, 2)}, {2, 0, part(2, 3)}, {4, 0, part(4, 1)},
+        {0, 0, all},         {0, 1, part(0, 1)},  {0, 3, part(0, 3)}, {0, 9, all},
+        {1, 0, part(1, 4)},  {1, 2, part(1, 2)},  {2, 0, part(2, 3)}, {4, 0, part(4, 1)},
         {5, 0, Locations()}, {9, 1, Locations()}, {-3, -1, all},
     };
     for (const auto& [skip, maxDepth, expected] : cases)

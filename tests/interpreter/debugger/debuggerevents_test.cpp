@@ -28,8 +28,7 @@ protected:
         return printedBy(debugger, action);
     }
 
-    static std::string printedBy(Debugger& debugger,
-                                 const std::function<void(Debugger&)>& action) {
+    static std::string printedBy(Debugger& debugger, const std::function<void(Debugger&)>& action) {
         testing::internal::CaptureStdout();
         action(debugger);
         std::string output = testing::internal::GetCapturedStdout();
@@ -40,8 +39,9 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Dialects, DebuggerEvents, testing::Bool(),
-                         [](const auto& info) { return info.param ? "Terminal" : "FrontEnd"; });
+INSTANTIATE_TEST_SUITE_P(Dialects, DebuggerEvents, testing::Bool(), [](const auto& dialect) {
+    return dialect.param ? "Terminal" : "FrontEnd";
+});
 
 TEST_P(DebuggerEvents, PrintsThePosition) {
     EXPECT_EQ(printedBy([](Debugger& debugger) { EXPECT_TRUE(debugger.stop()); }),
@@ -73,9 +73,9 @@ TEST_P(DebuggerEvents, PrintsFailedLookUps) {
 
 TEST_P(DebuggerEvents, PrintsMissingStepsAndNotifications) {
     // Neither needs a position.
-    EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.missingStep(12, "I am, #1 \\"); },
-                        QString()),
-              "P@missingStep 12 I am, #1 \\\n");
+    EXPECT_EQ(
+        printedBy([](Debugger& debugger) { debugger.missingStep(12, "I am, #1 \\"); }, QString()),
+        "P@missingStep 12 I am, #1 \\\n");
     EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.notify("a=b", "c,d\ne"); }, QString()),
               "P@notify a\\=b\tc\\,d\\ne\n");
 }

@@ -64,9 +64,10 @@ TEST_F(WrapperDescriptor, BackslashContinuesTheLine) {
 }
 
 TEST_F(WrapperDescriptor, JoinsTheDelegatesOfAClass) {
-    EXPECT_EQ(errorsOf("addPropertyDelegate Button {a b.c d1 e true false}{f g h i \\\n maybe true} "
-                       "\naddPropertyDelegate Other"),
-              QStringList());
+    EXPECT_EQ(
+        errorsOf("addPropertyDelegate Button {a b.c d1 e true false}{f g h i \\\n maybe true} "
+                 "\naddPropertyDelegate Other"),
+        QStringList());
     EXPECT_EQ(inspector->classSettings("Button").propertyDelegates,
               (QStringList{"a b.c d1 e 1 0", "f g h i maybe 1"}));
     EXPECT_EQ(inspector->classSettings("Other").propertyDelegates, QStringList());
@@ -124,8 +125,7 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"setMouseTracking Foo true x",
                   "Expected newline after setMouseTracking {class} {on}"},
         ErrorCase{"setRecorderFilter", "Expected type after setRecorderFilter"},
-        ErrorCase{"setRecorderFilter mouse",
-                  "Expected name as second setRecorderFilter argument"},
+        ErrorCase{"setRecorderFilter mouse", "Expected name as second setRecorderFilter argument"},
         ErrorCase{"setRecorderFilter mouse move x",
                   "Expected newline after setRecorderFilter {type} {name}"},
         ErrorCase{"setRecordMouseDrag", "Expected class name after setRecordMouseDrag"},
