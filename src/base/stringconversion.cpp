@@ -28,13 +28,17 @@ std::string mbs2mbs(const std::string& text, const char* from, const char* to) {
     char* in = const_cast<char*>(text.data());
     std::size_t inLeft = text.size();
     char buffer[512];
-    while (inLeft > 0) {
+    bool done = false;
+    while (!done) {
         char* out = buffer;
         std::size_t outLeft = sizeof(buffer);
-        const std::size_t converted = iconv(converter, &in, &inLeft, &out, &outLeft);
+        // Behind the text, the closing shift sequence of an encoding that has one is asked for.
+        done = inLeft == 0;
+        const std::size_t converted = done ? iconv(converter, nullptr, nullptr, &out, &outLeft)
+                                           : iconv(converter, &in, &inLeft, &out, &outLeft);
         const int error = errno;
         result.append(buffer, sizeof(buffer) - outLeft);
-        if (converted == static_cast<std::size_t>(-1) && error != E2BIG && inLeft > 0) {
+        if (!done && converted == static_cast<std::size_t>(-1) && error != E2BIG && inLeft > 0) {
             // An invalid or cut sequence: pass over one byte and go on behind it.
             result.push_back('?');
             ++in;

@@ -79,8 +79,8 @@ public:
     /// Appends the break point, or removes all equal ones.
     virtual void setBreakPoint(int line, int sourceId, bool set);
     virtual int nextSourceId();
-    /// The interpreter ends: forgets it, restores SIGINT and takes itself out of the signal
-    /// handler. Does not delete: the plug-in that made the debugger does.
+    /// The interpreter ends: forgets it, restores SIGINT as it was before the first run() and takes
+    /// itself out of the signal handler. Does not delete: the plug-in that made the debugger does.
     virtual void shutDown();
 
     Interpreter* interpreter() const { return m_interpreter; }
@@ -97,6 +97,10 @@ public:
     bool textNotFoundDebugging() const { return m_textNotFoundDebugging; }
     int skipCurrentError() const { return m_skipCurrentError; }
     bool breakOnMissingStep() const { return m_breakOnMissingStep; }
+    /// Whether long searches report their progress with notify(). On for a front end, off at a
+    /// terminal, which would be flooded.
+    bool progressNotification() const { return m_progressNotification; }
+    void setProgressNotification(bool on) { m_progressNotification = on; }
 
     /// The search state behind a not-found stop; not owned.
     void setInternalDebugger(InternalDebugger* debugger) { m_internalDebugger = debugger; }
@@ -158,10 +162,15 @@ protected:
 
 private:
     bool canStop();
+    void stopAtCurrentLine(const QString& name, const QString& detail);
+    /// Prints the position; with a name the object that was not found, and the detail if there is
+    /// one.
     void printCurrentLine(char marker, const QString& name, const QString& detail);
     void promptIfInteractive();
-    static void handleInterrupt(int signal);
+    /// The text in the dialect's encoding, as it is or with escapes.
     std::string encoded(const QString& text) const;
+    std::string escaped(const QString& text) const;
+    std::string currentPath() const;
 
     int m_line = -1;
     int m_column = -1;
@@ -182,6 +191,7 @@ private:
     bool m_textNotFoundDebugging = false;
     int m_skipCurrentError = 0;
     bool m_breakOnMissingStep = false;
+    bool m_progressNotification;
     InternalDebugger* m_internalDebugger = nullptr;
 };
 

@@ -52,6 +52,11 @@ public:
     ScriptedObjectMap* scriptedObjectMap(const QString& path) const;
 
 private:
+    /// The plug-in's function of this name. Null, with the printf text `failure` and the reason on
+    /// standard error, when it has none.
+    template <typename Factory>
+    Factory factory(const char* symbol, const char* failure) const;
+
     void* m_handle = nullptr;
     std::string m_lastErrorMessage;
 };

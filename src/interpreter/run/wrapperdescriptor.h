@@ -11,7 +11,7 @@ class TestResult;
 /// Evaluates a toolkit wrapper's init script in its line-oriented command language and sends each
 /// command to Inspector::self(). The first error ends the evaluation and becomes a result of the
 /// error kind when `result` is not null; commands that were sent stay in force. True without
-/// errors. One evaluation at a time: the tokeniser's state is process-wide.
+/// errors. Script thread only.
 TAMRIX_EXPORT bool evalInitScript(TestResult* result, const QString& text);
 
 }  // namespace Tamrix

@@ -70,9 +70,6 @@ public:
 private:
     void parse();
     QStringList subkeyOrEntryList(const QString& group, const QString& prefix, bool subkeys) const;
-    bool unquoteStringList(const QString& raw, QStringList* list) const;
-    bool unquoteString(QString& text) const;
-    void expandIfWanted(QString& text) const;
 
     QMap<QString, QMap<QString, QString>> m_groups;
     QString m_path;

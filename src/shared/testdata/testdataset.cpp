@@ -38,7 +38,9 @@ TestDataRecord* TestDataSet::record(int index) const {
 }
 
 void TestDataSet::setHeader(TestDataRecord* header) {
-    m_header.reset(header);
+    // The header that is set already may be given again, to bring the field names up to date.
+    if (header != m_header.get())
+        m_header.reset(header);
     m_columns.clear();
     if (!header)
         return;

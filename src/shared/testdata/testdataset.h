@@ -61,7 +61,7 @@ public:
     /// Null until setHeader().
     TestDataRecord* header() const { return m_header.get(); }
     /// Takes the header over and makes its values the field names; of two equal names the later
-    /// column wins.
+    /// column wins. The present header may be given again to renew the field names.
     void setHeader(TestDataRecord* header);
     /// The column of a field, -1 when unknown.
     int fieldIndex(const QString& name) const { return m_columns.value(name, -1); }

@@ -1,0 +1,47 @@
+#include "interpreter/debugger/interruptstop.h"
+
+#include <csignal>
+
+#include <atomic>
+
+#include "interpreter/bridge/debugger.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// Whom the next SIGINT stops; null once it came.
+std::atomic<Debugger*> s_target{nullptr};
+
+/// Who installed the handler last; not null means that s_previous holds what was there before.
+const Debugger* s_owner = nullptr;
+struct sigaction s_previous;
+
+void handleInterrupt(int) {
+    if (Debugger* debugger = s_target.exchange(nullptr))
+        debugger->stop();
+}
+
+}  // namespace
+
+void stopOnInterrupt(Debugger* debugger) {
+    s_target = debugger;
+    struct sigaction action = {};
+    action.sa_handler = handleInterrupt;
+    sigemptyset(&action.sa_mask);
+    // The default action holds from the handler's first instruction on, and the signal is not held
+    // back while the handler runs: a second one ends the process even while the script is stopped.
+    action.sa_flags = SA_RESETHAND | SA_NODEFER | SA_RESTART;
+    sigaction(SIGINT, &action, s_owner ? nullptr : &s_previous);
+    s_owner = debugger;
+}
+
+void releaseInterrupt(const Debugger* debugger) {
+    if (s_owner != debugger)
+        return;
+    s_target = nullptr;
+    s_owner = nullptr;
+    sigaction(SIGINT, &s_previous, nullptr);
+}
+
+}  // namespace Tamrix
