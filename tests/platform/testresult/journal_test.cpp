@@ -11,6 +11,7 @@
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/journalreport.h"
 #include "samplerun.h"
+#include "support/golden.h"
 #include "support/recordingreport.h"
 
 using namespace Tamrix;
@@ -59,23 +60,18 @@ protected:
 
 TEST_F(JournalTest, IsJsonLinesThatOtherProgramsRead) {
     JournalReport journal(path);
-    FixedClock clock(&journal);
-    TestResult result(&clock);
-    result.startCase("tst", "/t.py");
-    result.addResult(QDateTime(), TestResult::Fail, "a\"b\\\n\x01", "d",
-                     CallStack{{"/t.py", 3}, LineInfo(), {"/u.py", -1}}, "extra", 0);
-    const QList<QByteArray> lines = content().split('\n');
-    ASSERT_EQ(lines.size(), 4);
-    EXPECT_TRUE(lines[0].startsWith("{\"format\":\"tamrix-journal\",\"version\":1,"));
-    EXPECT_EQ(lines[1],
-              "{\"kind\":\"caseStart\",\"time\":\"2024-05-01T12:00:00.000+02:00\","
-              "\"message\":\"tst\",\"path\":\"/t.py\"}");
-    EXPECT_EQ(lines[2],
-              "{\"kind\":\"result\",\"time\":\"2024-05-01T12:00:00.500+02:00\",\"type\":11,"
-              "\"message\":\"a\\\"b\\\\\\n\\u0001\",\"detail\":\"d\","
-              "\"callStack\":[{\"file\":\"/t.py\",\"line\":3},{\"file\":\"/u.py\",\"line\":-1}],"
-              "\"extra\":\"extra\",\"value\":0}");
-    EXPECT_EQ(lines[3], "");
+    addSampleRun(&journal);
+    ReportEntry entry;
+    entry.message = QStringLiteral("a\"b\\\n\x01/") + QChar(0x2028) + QString::fromUtf8("\xc3\xa4");
+    entry.callStack = {{"/t.py", 3}, LineInfo(), {"/u.py", -1}};
+    entry.value = 0;
+    journal.add(entry);
+
+    const auto normalised = Normaliser()
+                                .pattern("\"created\":\"[^\"]*\"", "\"created\":\"<TIME>\"")
+                                .pattern("Tamrix [0-9.]+", "Tamrix <VERSION>");
+    EXPECT_TRUE(
+        compareWithGolden("testresult/run.journal", normalised(QString::fromUtf8(content()))));
 }
 
 TEST_F(JournalTest, TellsLocalTimesWithTheirOffset) {
