@@ -4,7 +4,6 @@
 #include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectname.h"
-#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

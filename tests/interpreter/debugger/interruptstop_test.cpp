@@ -1,0 +1,114 @@
+// SIGINT during a run that is debugged. Each case runs in a process of its own.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "interpreter/debugger/testdebugger.h"
+
+namespace Tamrix {
+namespace {
+
+using testing::ExitedWithCode;
+using testing::KilledBySignal;
+
+/// Tells on standard error when it is stopped, and does then what the test wants.
+class InterruptedDebugger : public Test::TestDebugger {
+public:
+    bool stop() override {
+        std::fprintf(stderr, "stop %d;", ++stops);
+        if (interruptedAgain)
+            std::raise(SIGINT);
+        if (resumes)
+            run();
+        return true;
+    }
+
+    int stops = 0;
+    bool interruptedAgain = false;
+    bool resumes = false;
+};
+
+void hostHandler(int) {
+    std::fprintf(stderr, "host;");
+}
+
+TEST(InterruptStop, FirstStopsSecondKills) {
+    EXPECT_EXIT(
+        {
+            InterruptedDebugger debugger;
+            debugger.run();
+            EXPECT_EQ(debugger.debuggerMode(), Debugger::Run);
+            std::raise(SIGINT);
+            std::fprintf(stderr, "goes on;");
+            std::raise(SIGINT);
+        },
+        KilledBySignal(SIGINT), "^stop 1;goes on;$");
+}
+
+TEST(InterruptStop, SecondKillsAlsoWhileStopped) {
+    EXPECT_EXIT(
+        {
+            InterruptedDebugger debugger;
+            debugger.interruptedAgain = true;
+            debugger.run();
+            std::raise(SIGINT);
+        },
+        KilledBySignal(SIGINT), "^stop 1;$");
+}
+
+TEST(InterruptStop, RunInstallsTheHandlerAgain) {
+    EXPECT_EXIT(
+        {
+            InterruptedDebugger debugger;
+            debugger.resumes = true;
+            debugger.run();
+            std::raise(SIGINT);
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^stop 1;stop 2;$");
+}
+
+TEST(InterruptStop, ShutDownAndDestructionGiveTheSignalBackToTheHost) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGINT, hostHandler);
+            InterruptedDebugger debugger;
+            debugger.run();
+            debugger.run();
+            debugger.shutDown();
+            EXPECT_EQ(debugger.interpreter(), nullptr);
+            std::raise(SIGINT);
+            {
+                InterruptedDebugger second;
+                second.run();
+                std::raise(SIGINT);
+            }
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^host;stop 1;host;$");
+}
+
+TEST(InterruptStop, ShutDownOfAnotherDebuggerLeavesTheHandler) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGINT, hostHandler);
+            InterruptedDebugger first;
+            first.run();
+            InterruptedDebugger second;
+            second.run();
+            first.shutDown();
+            std::raise(SIGINT);
+            second.shutDown();
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^stop 1;host;$");
+}
+
+}  // namespace
+}  // namespace Tamrix
