@@ -12,6 +12,10 @@ endif()
 add_library(tamrix-compiler INTERFACE)
 target_compile_options(tamrix-compiler INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual)
+# Nothing that is built names the folder in which it was built.
+target_compile_options(tamrix-compiler INTERFACE
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+    -ffile-prefix-map=${PROJECT_BINARY_DIR}=.)
 if(TAMRIX_WARNINGS_AS_ERRORS)
     target_compile_options(tamrix-compiler INTERFACE -Werror)
 endif()

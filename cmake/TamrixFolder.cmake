@@ -1,5 +1,36 @@
 # Targets of this project. A folder below src/ is one object library; shared libraries and
-# programs are made of folders.
+# programs are made of folders. What is made for an installation is installed by the function that
+# makes it.
+
+# What an installation holds, without tests and benchmarks.
+add_custom_target(tamrix-product)
+
+# Compiles every header of the project alone; not part of the normal build.
+add_custom_target(tamrix-headers)
+
+# tamrix_check_headers(NAME [LINK target...])
+#   Lets tamrix-headers compile each header of the current folder as a file of its own, twice
+#   included, with what the folder's sources are compiled with.
+function(tamrix_check_headers name)
+    cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.h)
+    set(sources "")
+    foreach(header IN LISTS headers)
+        set(source ${PROJECT_BINARY_DIR}/headers/${folder}/${header}.cpp)
+        set(include "#include \"${CMAKE_CURRENT_SOURCE_DIR}/${header}\"\n")
+        file(CONFIGURE OUTPUT ${source} CONTENT "${include}${include}" @ONLY)
+        list(APPEND sources ${source})
+    endforeach()
+    if(sources)
+        add_library(${name}-headers OBJECT EXCLUDE_FROM_ALL ${sources})
+        set_target_properties(${name}-headers PROPERTIES AUTOMOC OFF)
+        target_include_directories(${name}-headers PRIVATE
+            ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+        target_link_libraries(${name}-headers PRIVATE ${ARG_LINK} tamrix-compiler)
+        add_dependencies(tamrix-headers ${name}-headers)
+    endif()
+endfunction()
 
 # tamrix_folder(NAME SOURCES file... [LINK target...])
 #   Compiles the sources of the current folder as the object library NAME. src/ is the only include
@@ -9,10 +40,12 @@ function(tamrix_folder name)
     add_library(${name} OBJECT ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE tamrix-compiler)
+    tamrix_check_headers(${name} LINK ${ARG_LINK})
 endfunction()
 
 # tamrix_shared_library(NAME FOLDERS folder... [LINK target...])
-#   Links folders to the shared library NAME, which finds its companions beside itself.
+#   Links folders to the shared library NAME, which finds its companions beside itself. Others link
+#   it as Tamrix::NAME, see TamrixInstall.cmake.
 function(tamrix_shared_library name)
     cmake_parse_arguments(ARG "" "" "FOLDERS;LINK" ${ARGN})
     add_library(${name} SHARED)
@@ -33,6 +66,8 @@ function(tamrix_shared_library name)
         # The sanitizers' runtime belongs to the program.
         target_link_options(${name} PRIVATE -Wl,-z,undefs)
     endif()
+    add_dependencies(tamrix-product ${name})
+    install(TARGETS ${name} EXPORT TamrixTargets LIBRARY DESTINATION lib)
 endfunction()
 
 # tamrix_plugin(NAME SOURCES file... [LINK target...])
@@ -45,6 +80,9 @@ function(tamrix_plugin name)
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+    tamrix_check_headers(${name} LINK ${ARG_LINK})
+    add_dependencies(tamrix-product ${name})
+    install(TARGETS ${name} LIBRARY DESTINATION lib)
 endfunction()
 
 # tamrix_program(NAME SOURCES file... [LINK target...])
@@ -56,6 +94,8 @@ function(tamrix_program name)
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN/../lib")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+    add_dependencies(tamrix-product ${name})
+    install(TARGETS ${name} RUNTIME DESTINATION bin)
 endfunction()
 
 # tamrix_test(NAME SOURCES file... [LINK target...])

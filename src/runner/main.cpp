@@ -1,3 +1,14 @@
-int main() {
-    return 0;
+#include <QCoreApplication>
+#include <csignal>
+
+#include "runner/commandline.h"
+#include "runner/commands.h"
+#include "runner/installation.h"
+
+int main(int argc, char* argv[]) {
+    // A reader that goes away must not take the reports with it.
+    std::signal(SIGPIPE, SIG_IGN);
+    Tamrix::useUnicodeLocale();
+    const QCoreApplication application(argc, argv);
+    return Tamrix::execute(Tamrix::parseCommandLine(QCoreApplication::arguments()));
 }

@@ -1,1 +1,18 @@
-// Comes with the next commits.
+// What the core asks of a language plug-in.
+
+#include <cstdio>
+#include <exception>
+
+#include "base/export.h"
+#include "plugins/python/pythoninterpreter.h"
+
+/// An interpreter for Python scripts, owned by the caller; null, with a message on standard error,
+/// when Python can't be started.
+extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
+    try {
+        return new Tamrix::PythonPlugin::PythonInterpreter(runner);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "Error creating the Python interpreter: %s\n", exception.what());
+        return nullptr;
+    }
+}

@@ -1,0 +1,85 @@
+#include "plugins/python/frames.h"
+
+#include <algorithm>
+
+#include "interpreter/bridge/debugger.h"
+#include "plugins/python/conversion.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+PyFrameObject* asFrame(PyObject* frame) {
+    return reinterpret_cast<PyFrameObject*>(frame);
+}
+
+/// The frame, or the first one outwards, that runs code of a file.
+PyRef firstInFile(PyRef frame, SourceFiles& files) {
+    while (frame && files.path(frameFileName(frame.get()).get()).isNull())
+        frame = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame.get()))));
+    return frame;
+}
+
+}  // namespace
+
+QString SourceFiles::path(PyObject* codeFileName) {
+    return entry(codeFileName).path;
+}
+
+bool SourceFiles::isScript(PyObject* codeFileName) {
+    return entry(codeFileName).script;
+}
+
+const SourceFiles::Entry& SourceFiles::entry(PyObject* codeFileName) {
+    // The code objects of one file share one name object, so its address is the key.
+    auto found = m_entries.find(codeFileName);
+    if (found != m_entries.end())
+        return *found;
+    Entry made;
+    made.keepAlive = PyRef::borrow(codeFileName);
+    const QString name = fromPyString(codeFileName);
+    if (!name.isEmpty() && !(name.startsWith('<') && name.endsWith('>'))) {
+        made.path = Debugger::sanitizedFilePath(name);
+        const QStringList& folders = libraryFolders();
+        made.script = std::none_of(folders.begin(), folders.end(), [&](const QString& folder) {
+            return made.path.startsWith(folder);
+        });
+    }
+    return *m_entries.insert(codeFileName, made);
+}
+
+const QStringList& SourceFiles::libraryFolders() {
+    if (!m_libraryFolders.isEmpty())
+        return m_libraryFolders;
+    // Ask Python where it keeps its library and installed packages.
+    const PyRef sysconfig = checked(PyImport_ImportModule("sysconfig"));
+    const PyRef paths = checked(PyObject_CallMethod(sysconfig.get(), "get_paths", nullptr));
+    for (const char* name : {"stdlib", "platstdlib", "purelib", "platlib"}) {
+        const PyRef folder = PyRef::borrow(PyDict_GetItemString(paths.get(), name));
+        if (folder)
+            m_libraryFolders.append(Debugger::sanitizedFilePath(fromPyString(folder.get())) + '/');
+    }
+    // Debian's own packages.
+    m_libraryFolders.append(QStringLiteral("/usr/lib/python3/"));
+    return m_libraryFolders;
+}
+
+PyRef innermostFrame(SourceFiles& files) {
+    return firstInFile(PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame())), files);
+}
+
+PyRef outerFrame(PyObject* frame, SourceFiles& files) {
+    return firstInFile(PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame)))),
+                       files);
+}
+
+PyRef frameFileName(PyObject* frame) {
+    const PyRef code = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetCode(asFrame(frame))));
+    return PyRef::borrow(reinterpret_cast<PyCodeObject*>(code.get())->co_filename);
+}
+
+int frameLine(PyObject* frame) {
+    return PyFrame_GetLineNumber(asFrame(frame));
+}
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include "plugins/python/pyref.h"
+
+namespace Tamrix::PythonPlugin {
+
+/// The files behind Python's code objects: their paths as results show them, and which of them are
+/// scripts. Paths are resolved once for each file. Script thread only.
+class SourceFiles {
+public:
+    /// The path with links resolved; the null string for code that is in no file, such as a string
+    /// that was evaluated or Python's frozen import machinery.
+    QString path(PyObject* codeFileName);
+
+    /// Whether the file is a script: in a file, and not of Python's own library or of an installed
+    /// package.
+    bool isScript(PyObject* codeFileName);
+
+private:
+    struct Entry {
+        PyRef keepAlive;
+        QString path;
+        bool script = false;
+    };
+    const Entry& entry(PyObject* codeFileName);
+    const QStringList& libraryFolders();
+
+    QHash<PyObject*, Entry> m_entries;
+    QStringList m_libraryFolders;
+};
+
+/// The innermost frame that runs code of a file, null when there is none.
+PyRef innermostFrame(SourceFiles& files);
+/// The next frame outwards that runs code of a file.
+PyRef outerFrame(PyObject* frame, SourceFiles& files);
+
+/// The file name in a frame's code object, as Python keeps it.
+PyRef frameFileName(PyObject* frame);
+/// The line that a frame is at, counted from 1.
+int frameLine(PyObject* frame);
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,137 @@
+#include "plugins/python/nativeclasses.h"
+
+#include <QMap>
+
+#include "plugins/python/conversion.h"
+#include "plugins/python/nativefunction.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+struct NativeClass {
+    void* super = nullptr;
+    PyRef pythonClass;
+};
+
+/// By type identifier. The classes live for the process: their objects may outlive a test case.
+QMap<void*, NativeClass>& classes() {
+    static auto* const instance = new QMap<void*, NativeClass>;
+    return *instance;
+}
+
+void setItem(const PyRef& dictionary, const QString& name, const PyRef& value) {
+    if (!value)
+        throw PythonErrorSet();
+    const PyRef key = checked(toPyString(pythonName(name)).release());
+    checked(PyDict_SetItem(dictionary.get(), key.get(), value.get()));
+}
+
+/// property(getter, setter); a null setter makes it read-only.
+PyRef makeProperty(const PyRef& getter, const PyRef& setter) {
+    return checked(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(&PyProperty_Type),
+                                                getter.get(), setter ? setter.get() : Py_None,
+                                                nullptr));
+}
+
+/// A descriptor through which a builtin function becomes a method.
+PyRef bound(const PyRef& function) {
+    return checked(PyInstanceMethod_New(function.get()));
+}
+
+/// The class's attributes: constructor, methods, static methods, properties.
+PyRef classNamespace(const QString& name, const NativeScriptType& type) {
+    const PyRef attributes = checked(PyDict_New());
+    setItem(attributes, "__module__", toPyString("tamrix"));
+    setItem(attributes, "__new__", makeConstructor({name, {}, {}, {}, {}}, type.constructor()));
+    const auto methods = type.methods();
+    for (auto it = methods.cbegin(); it != methods.cend(); ++it)
+        setItem(attributes, it.key(),
+                bound(makeMethod({it.key(), name, it->requiredParameters, it->optionalParameters,
+                                  it->description},
+                                 it->function)));
+    const auto staticMethods = type.staticMethods();
+    for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
+        setItem(attributes, it.key(),
+                makeFunction({it.key(), name, it->requiredParameters, it->optionalParameters,
+                              it->description},
+                             it->function));
+    const auto properties = type.properties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        const NativeSignature signature{it.key(), name, {}, {}, {}};
+        setItem(attributes, it.key(),
+                makeProperty(makeMethod(signature, it->getter),
+                             it->setter ? makeMethod(signature, it->setter) : PyRef()));
+    }
+    return attributes;
+}
+
+/// The class of the class: static properties are properties of the class object.
+PyRef makeMetaclass(const QString& name, const NativeScriptType& type, PyObject* baseMetaclass) {
+    const PyRef attributes = checked(PyDict_New());
+    setItem(attributes, "__module__", toPyString("tamrix"));
+    const auto properties = type.staticProperties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        const NativeSignature signature{it.key(), name, {}, {}, {}};
+        setItem(attributes, it.key(),
+                makeProperty(makeStaticAccessor(signature, it->getter),
+                             it->setter ? makeStaticAccessor(signature, it->setter) : PyRef()));
+    }
+    const PyRef metaName = checked(toPyString(name + "Type").release());
+    return checked(PyObject_CallFunction(reinterpret_cast<PyObject*>(&PyType_Type), "O(O)O",
+                                         metaName.get(), baseMetaclass, attributes.get()));
+}
+
+/// The Python class of the type, or of the next base type that has one.
+PyTypeObject* pythonClassOf(void* typeId) {
+    while (typeId) {
+        const auto found = classes().constFind(typeId);
+        if (found == classes().constEnd())
+            break;
+        if (found->pythonClass)
+            return reinterpret_cast<PyTypeObject*>(found->pythonClass.get());
+        typeId = found->super;
+    }
+    return NativeHolder::type;
+}
+
+}  // namespace
+
+bool addNativeBase(PyObject* module) {
+    const PyType_Slot slots[] = {
+        {Py_tp_doc, const_cast<char*>("Base of all classes of the test system")}, {0, nullptr}};
+    PyTypeObject* const type = NativeHolder::makeType(
+        "tamrix.NativeObject", slots, Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION);
+    return type && PyModule_AddType(module, type) == 0;
+}
+
+PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
+    try {
+        NativeClass& entry = classes()[typeId];
+        entry.super = type.super();
+        auto* const base = reinterpret_cast<PyObject*>(type.super() ? pythonClassOf(type.super())
+                                                                    : NativeHolder::type);
+        const PyRef metaclass =
+            makeMetaclass(name, type, reinterpret_cast<PyObject*>(Py_TYPE(base)));
+        const PyRef attributes = classNamespace(name, type);
+        const PyRef pyName = checked(toPyString(name).release());
+        entry.pythonClass = checked(
+            PyObject_CallFunction(metaclass.get(), "O(O)O", pyName.get(), base, attributes.get()));
+        return entry.pythonClass;
+    } catch (const PythonErrorSet&) {
+        return {};
+    }
+}
+
+PyRef wrapNative(SharedPtr<NativeScriptObject> object) {
+    PyTypeObject* const type = object ? pythonClassOf(object->typeId()) : NativeHolder::type;
+    return NativeHolder::wrap(std::move(object), type);
+}
+
+bool isNativeTypeDerivedFrom(void* typeId, void* wanted) {
+    while (typeId && typeId != wanted)
+        typeId = classes().value(typeId).super;
+    return typeId && typeId == wanted;
+}
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,331 @@
+#include "plugins/python/nativefunction.h"
+
+#include <pthread.h>
+
+#include <QHash>
+#include <memory>
+#include <string>
+
+#include "plugins/python/conversion.h"
+#include "plugins/python/exceptions.h"
+#include "plugins/python/nativeclasses.h"
+#include "plugins/python/pythoncontext.h"
+#include "plugins/python/pythoninterpreter.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// How the native function is called, and what the first Python argument is.
+enum class Kind {
+    Table,           // void function, all arguments are the script's
+    Native,          // bool function, all arguments are the script's
+    StaticAccessor,  // bool function, the class goes first
+    Method,          // the object goes first
+    Constructor      // the class goes first
+};
+
+/// What one Python function calls. It lives for the process, as the function object does.
+struct Target {
+    Kind kind;
+    union {
+        ScriptContext::Function table;
+        bool (*native)(ScriptContext*);
+        NativeScriptType::MethodFunction method;
+        NativeScriptType::Constructor constructor;
+    };
+    QString displayName;
+    QStringList parameters;
+    std::string name;
+    std::string doc;
+    PyMethodDef definition;
+};
+
+/// The "self" of the function object.
+struct TargetObject {
+    PyObject_HEAD const Target* target;
+};
+
+// Arguments by name
+
+/// The arguments in the order of the parameters, named ones at their places. Throws PythonErrorSet
+/// with a TypeError that names what is wrong.
+class BoundArguments {
+public:
+    BoundArguments(const Target& target, PyObject* const* arguments, Py_ssize_t positional,
+                   PyObject* names)
+        : m_values(arguments, arguments + positional) {
+        for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(names); ++index)
+            bind(target, PyTuple_GET_ITEM(names, index), arguments[positional + index]);
+        for (std::size_t index = 0; index < m_values.size(); ++index) {
+            if (!m_values[index])
+                refuse(target, "needs an argument '%1'", target.parameters.at(int(index)));
+        }
+    }
+
+    PyObject* const* data() const { return m_values.data(); }
+    Py_ssize_t count() const { return static_cast<Py_ssize_t>(m_values.size()); }
+
+private:
+    void bind(const Target& target, PyObject* name, PyObject* value) {
+        const QString text = fromPyString(name);
+        const int place = target.parameters.indexOf(text);
+        if (place < 0)
+            refuse(target, "has no argument '%1'", text);
+        if (place >= int(m_values.size()))
+            m_values.resize(place + 1, nullptr);
+        else if (m_values[place])
+            refuse(target, "got several values for the argument '%1'", text);
+        m_values[place] = value;
+    }
+
+    [[noreturn]] static void refuse(const Target& target, const char* problem,
+                                    const QString& argument) {
+        PyErr_SetString(
+            PyExc_TypeError,
+            (target.displayName + "() " + QString(problem).arg(argument)).toUtf8().constData());
+        throw PythonErrorSet();
+    }
+
+    std::vector<PyObject*> m_values;
+};
+
+// The call
+
+/// Runs the native function in the context, which has its arguments. `first` is the object or class
+/// of the kinds that have one.
+PyObject* run(const Target& target, PythonContext& context, PythonContext::Call& call,
+              PyObject* first) {
+    switch (target.kind) {
+        case Kind::Table:
+            context.execute(target.table);
+            break;
+        case Kind::Native:
+        case Kind::StaticAccessor:
+            context.execute(target.native);
+            break;
+        case Kind::Method:
+            context.execute(target.method, NativeHolder::unwrap(first));
+            break;
+        case Kind::Constructor: {
+            SharedPtr<NativeScriptObject> made = context.execute(target.constructor);
+            if (!context.hasError() && made)
+                return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
+                    .release();
+            if (!context.hasError())
+                context.setError("No " + target.displayName + " could be made");
+            break;
+        }
+    }
+    return call.finish();
+}
+
+bool hasFirst(Kind kind) {
+    return kind != Kind::Table && kind != Kind::Native;
+}
+
+/// Whether the first Python argument is what the kind needs; otherwise a TypeError is set.
+bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
+    const bool given = count > 0;
+    switch (target.kind) {
+        case Kind::Method:
+            if (given && NativeHolder::check(arguments[0]))
+                return true;
+            break;
+        case Kind::Constructor:
+            if (given && !target.constructor) {
+                PyErr_Format(PyExc_TypeError, "%s objects can't be made by scripts",
+                             target.name.c_str());
+                return false;
+            }
+            if (given && PyType_Check(arguments[0]) &&
+                PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(arguments[0]), NativeHolder::type))
+                return true;
+            break;
+        default:
+            if (given)
+                return true;
+    }
+    PyErr_Format(PyExc_TypeError, "%s needs an object of its class as first argument",
+                 target.name.c_str());
+    return false;
+}
+
+/// The interpreter whose script may call now; null with the exception set when there is none or the
+/// caller is on another thread.
+PythonInterpreter* callingInterpreter(const Target& target) {
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    if (!interpreter) {
+        raiseScriptError(ScriptContext::GeneralError,
+                         target.displayName + "() was called while no test case runs");
+        return nullptr;
+    }
+    if (!pthread_equal(pthread_self(), interpreter->scriptThread())) {
+        raiseScriptError(ScriptContext::GeneralError,
+                         target.displayName +
+                             "() was called from another thread than the test script's: only that "
+                             "thread may use the functions of the test system");
+        return nullptr;
+    }
+    return interpreter;
+}
+
+/// A native function may throw. The script gets an exception with its text.
+PyObject* reportNativeException(const Target& target, const char* text) {
+    raiseScriptError(ScriptContext::GeneralError,
+                     target.displayName + "() failed: " + QString::fromUtf8(text));
+    return nullptr;
+}
+
+PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t count,
+                     PyObject* names) {
+    const Target& target = *reinterpret_cast<TargetObject*>(self)->target;
+    PythonInterpreter* const interpreter = callingInterpreter(target);
+    if (!interpreter)
+        return nullptr;
+    // What the script has printed stands before what the call will write.
+    interpreter->output().flush();
+    PyObject* first = nullptr;
+    if (hasFirst(target.kind)) {
+        if (!checkFirst(target, arguments, count))
+            return nullptr;
+        first = *arguments++;
+        --count;
+    }
+    PythonContext& context = interpreter->context();
+    try {
+        if (!names) {
+            PythonContext::Call call(context, arguments, count);
+            return run(target, context, call, first);
+        }
+        const BoundArguments bound(target, arguments, count, names);
+        PythonContext::Call call(context, bound.data(), bound.count());
+        return run(target, context, call, first);
+    } catch (const PythonErrorSet&) {
+        return nullptr;
+    } catch (const std::exception& exception) {
+        return reportNativeException(target, exception.what());
+    } catch (...) {
+        return reportNativeException(target, "unknown exception");
+    }
+}
+
+// Function objects
+
+PyTypeObject* targetType() {
+    static PyTypeObject* type = nullptr;
+    if (!type) {
+        PyType_Slot slots[] = {{Py_tp_doc, const_cast<char*>("A function of the test system")},
+                               {0, nullptr}};
+        PyType_Spec spec{"tamrix.NativeFunction", sizeof(TargetObject), 0,
+                         Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+    }
+    return type;
+}
+
+/// The text from which Python makes signature and help.
+std::string docText(const NativeSignature& signature, Kind kind) {
+    QStringList parameters;
+    if (kind == Kind::Method)
+        parameters.append("$self");
+    for (const QString& name : signature.required)
+        parameters.append(pythonName(name));
+    for (const QString& name : signature.optional)
+        parameters.append(pythonName(name) + "=None");
+    return QStringLiteral("%1(%2)\n--\n\n%3")
+        .arg(pythonName(signature.name), parameters.join(", "), signature.description)
+        .toStdString();
+}
+
+/// All targets, by what makes them different.
+QHash<QString, PyRef>& functionObjects() {
+    static auto* const instance = new QHash<QString, PyRef>;
+    return *instance;
+}
+
+PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Target> target,
+                         const void* address) {
+    const QString key = QStringLiteral("%1::%2/%3/%4")
+                            .arg(signature.owner, signature.name)
+                            .arg(int(target->kind))
+                            .arg(reinterpret_cast<quintptr>(address));
+    const auto known = functionObjects().constFind(key);
+    if (known != functionObjects().constEnd())
+        return *known;
+
+    target->displayName =
+        signature.owner.isEmpty() ? signature.name : signature.owner + "." + signature.name;
+    for (const QString& name : signature.required + signature.optional)
+        target->parameters.append(pythonName(name));
+    target->name = pythonName(signature.name).toStdString();
+    target->doc = docText(signature, target->kind);
+    target->definition = {target->name.c_str(),
+                          reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(callTarget)),
+                          METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
+
+    PyTypeObject* const type = targetType();
+    const PyRef self = PyRef::steal(type ? type->tp_alloc(type, 0) : nullptr);
+    const PyRef module =
+        toPyString(signature.owner.isEmpty() ? QStringLiteral("builtins") : signature.owner);
+    if (!self || !module)
+        return {};
+    reinterpret_cast<TargetObject*>(self.get())->target = target.get();
+    PyRef function = PyRef::steal(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
+    if (function) {
+        functionObjects().insert(key, function);
+        target.release();  // the function object lives for the process
+    }
+    return function;
+}
+
+}  // namespace
+
+QString pythonName(const QString& name) {
+    static const QStringList keywords = [] {
+        QStringList found;
+        const PyRef module = checked(PyImport_ImportModule("keyword"));
+        const PyRef list = checked(PyObject_GetAttrString(module.get(), "kwlist"));
+        for (Py_ssize_t index = 0; index < PyList_Size(list.get()); ++index)
+            found.append(fromPyString(PyList_GET_ITEM(list.get(), index)));
+        return found;
+    }();
+    return keywords.contains(name) ? name + '_' : name;
+}
+
+PyRef makeFunction(const NativeSignature& signature, ScriptContext::Function function) {
+    auto target = std::make_unique<Target>();
+    target->kind = Kind::Table;
+    target->table = function;
+    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
+}
+
+PyRef makeFunction(const NativeSignature& signature, bool (*function)(ScriptContext*)) {
+    auto target = std::make_unique<Target>();
+    target->kind = Kind::Native;
+    target->native = function;
+    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
+}
+
+PyRef makeStaticAccessor(const NativeSignature& signature, bool (*function)(ScriptContext*)) {
+    auto target = std::make_unique<Target>();
+    target->kind = Kind::StaticAccessor;
+    target->native = function;
+    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
+}
+
+PyRef makeMethod(const NativeSignature& signature, NativeScriptType::MethodFunction function) {
+    auto target = std::make_unique<Target>();
+    target->kind = Kind::Method;
+    target->method = function;
+    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
+}
+
+PyRef makeConstructor(const NativeSignature& signature, NativeScriptType::Constructor constructor) {
+    auto target = std::make_unique<Target>();
+    target->kind = Kind::Constructor;
+    target->constructor = constructor;
+    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(constructor));
+}
+
+}  // namespace Tamrix::PythonPlugin

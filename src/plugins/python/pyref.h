@@ -1,0 +1,61 @@
+#pragma once
+
+// Python's header comes first: it sets feature macros.
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <utility>
+
+namespace Tamrix::PythonPlugin {
+
+/// Owns one reference to a Python object; null when a call of the C API failed. The GIL is held by
+/// whoever uses it.
+class PyRef {
+public:
+    PyRef() = default;
+    /// Takes over a new reference, as most calls of the C API return it.
+    static PyRef steal(PyObject* object) {
+        PyRef reference;
+        reference.m_object = object;
+        return reference;
+    }
+    /// Adds a reference of its own to an object that someone else holds.
+    static PyRef borrow(PyObject* object) {
+        Py_XINCREF(object);
+        return steal(object);
+    }
+    PyRef(const PyRef& other) : m_object(other.m_object) { Py_XINCREF(m_object); }
+    PyRef(PyRef&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    PyRef& operator=(PyRef other) noexcept {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~PyRef() { Py_XDECREF(m_object); }
+
+    PyObject* get() const { return m_object; }
+    /// Gives the reference away.
+    PyObject* release() { return std::exchange(m_object, nullptr); }
+    explicit operator bool() const { return m_object != nullptr; }
+
+private:
+    PyObject* m_object = nullptr;
+};
+
+/// Thrown where Python's error indicator is set and the error belongs to the script, not to the
+/// native function in between. It unwinds the native function; the stub that called it leaves the
+/// indicator as it is, so that the script gets the original exception.
+struct PythonErrorSet {};
+
+/// The reference, or PythonErrorSet when the call that made it failed.
+inline PyRef checked(PyObject* newReference) {
+    if (!newReference)
+        throw PythonErrorSet();
+    return PyRef::steal(newReference);
+}
+
+inline void checked(int status) {
+    if (status < 0)
+        throw PythonErrorSet();
+}
+
+}  // namespace Tamrix::PythonPlugin

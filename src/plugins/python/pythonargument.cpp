@@ -1,0 +1,232 @@
+#include "plugins/python/pythonargument.h"
+
+#include <cmath>
+
+#include "plugins/python/conversion.h"
+#include "plugins/python/nativeclasses.h"
+#include "plugins/python/scripterror.h"
+#include "plugins/python/valuetypes.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// Freed arguments, linked through their own memory.
+struct FreeBlock {
+    FreeBlock* next;
+};
+FreeBlock* s_freeBlocks = nullptr;
+int s_freeCount = 0;
+#ifdef __SANITIZE_ADDRESS__
+constexpr int maximumFreeCount = 0;  // freed memory must be seen as freed
+#else
+constexpr int maximumFreeCount = 256;
+#endif
+
+/// An exact or derived int that is no bool.
+bool isPyInteger(PyObject* object) {
+    return PyLong_Check(object) && !PyBool_Check(object);
+}
+
+/// Objects of number types of other modules: decimals, fractions, array scalars.
+bool hasNumberProtocol(PyObject* object) {
+    const PyNumberMethods* methods = Py_TYPE(object)->tp_as_number;
+    return methods && (methods->nb_float || methods->nb_index);
+}
+
+long long integerOf(PyObject* object) {
+    int overflow = 0;
+    const long long value = PyLong_AsLongLongAndOverflow(object, &overflow);
+    if (overflow != 0) {
+        const PyRef bits = checked(PyObject_CallMethod(object, "bit_length", nullptr));
+        PyErr_Format(PyExc_OverflowError,
+                     "int of %S bits is too large: only 64 bits can be passed on", bits.get());
+    }
+    if (value == -1 && PyErr_Occurred())
+        throw PythonErrorSet();
+    return value;
+}
+
+}  // namespace
+
+PythonArgument::PythonArgument(PyRef object) : m_object(std::move(object)) {
+    if (!m_object)
+        throw PythonErrorSet();
+}
+
+void* PythonArgument::operator new(std::size_t size) {
+    if (FreeBlock* block = s_freeBlocks) {
+        s_freeBlocks = block->next;
+        --s_freeCount;
+        return block;
+    }
+    return ::operator new(size);
+}
+
+void PythonArgument::operator delete(void* memory, std::size_t size) {
+    if (s_freeCount == maximumFreeCount) {
+        ::operator delete(memory, size);
+        return;
+    }
+    s_freeBlocks = new (memory) FreeBlock{s_freeBlocks};
+    ++s_freeCount;
+}
+
+// Type tests
+
+QString PythonArgument::typeName() const {
+    // tp_name holds the module too for types that are not Python's own.
+    const QString name = QString::fromUtf8(Py_TYPE(object())->tp_name);
+    return name.mid(name.lastIndexOf('.') + 1);
+}
+
+bool PythonArgument::isBool() const {
+    return PyBool_Check(object());
+}
+
+bool PythonArgument::isNumber() const {
+    return !isBool() &&
+           (PyLong_Check(object()) || PyFloat_Check(object()) || hasNumberProtocol(object()));
+}
+
+bool PythonArgument::isInteger() const {
+    return isPyInteger(object()) || (!isBool() && PyIndex_Check(object()));
+}
+
+bool PythonArgument::isString() const {
+    return PyUnicode_Check(object());
+}
+
+bool PythonArgument::isObject() const {
+    return ObjectHolder::check(object());
+}
+
+bool PythonArgument::isCallable() const {
+    return PyCallable_Check(object());
+}
+
+bool PythonArgument::isList() const {
+    return PyList_Check(object()) || PyTuple_Check(object());
+}
+
+bool PythonArgument::isMap() const {
+    return PyDict_Check(object());
+}
+
+bool PythonArgument::isNative(void* typeId) const {
+    return bool(toNative(typeId));
+}
+
+// Conversions
+
+bool PythonArgument::toBool() const {
+    const int truth = PyObject_IsTrue(object());
+    checked(truth);
+    return truth == 1;
+}
+
+double PythonArgument::toDouble() const {
+    if (!isNumber() && !isBool())
+        return 0;
+    const double value = PyFloat_AsDouble(object());
+    if (value == -1 && PyErr_Occurred())
+        throw PythonErrorSet();
+    return value;
+}
+
+long long PythonArgument::toInt() const {
+    if (PyLong_Check(object()))
+        return integerOf(object());
+    if (isInteger())
+        return integerOf(checked(PyNumber_Index(object())).get());
+    if (!isNumber())
+        return 0;
+    // Truncated as Python's int() does, which refuses what is no number.
+    const PyRef number = checked(PyFloat_FromDouble(toDouble()));
+    return integerOf(checked(PyNumber_Long(number.get())).get());
+}
+
+QString PythonArgument::toString() const {
+    return textOf(object());
+}
+
+SharedPtr<Object> PythonArgument::toObject() const {
+    return ObjectHolder::unwrap(object());
+}
+
+ScriptArgument::List PythonArgument::toList() const {
+    List values;
+    if (!isList())
+        return values;
+    const Py_ssize_t count = PySequence_Fast_GET_SIZE(object());
+    values.reserve(count);
+    for (Py_ssize_t index = 0; index < count; ++index)
+        values.push_back(
+            new PythonArgument(PyRef::borrow(PySequence_Fast_GET_ITEM(object(), index))));
+    return values;
+}
+
+ScriptArgument::Map PythonArgument::toMap() const {
+    Map values;
+    if (!isMap())
+        return values;
+    // A copy of the items: making a text of a key may run script code.
+    const PyRef items = checked(PyDict_Items(object()));
+    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(items.get()); ++index) {
+        PyObject* const item = PyList_GET_ITEM(items.get(), index);
+        values[textOf(PyTuple_GET_ITEM(item, 0))] =
+            new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(item, 1)));
+    }
+    return values;
+}
+
+SharedPtr<NativeScriptObject> PythonArgument::toNative(void* typeId) const {
+    const SharedPtr<NativeScriptObject> native = NativeHolder::unwrap(object());
+    if (native && isNativeTypeDerivedFrom(native->typeId(), typeId))
+        return native;
+    return {};
+}
+
+SharedPtr<TestDataSet> PythonArgument::toTestDataSet() const {
+    return DataSetHolder::unwrap(object());
+}
+
+SharedPtr<ApplicationContext> PythonArgument::toApplicationContext() const {
+    return ApplicationContextHolder::unwrap(object());
+}
+
+const TestDataRecord* PythonArgument::toTestDataRecord() const {
+    return unwrapRecord(object());
+}
+
+// Callables
+
+SharedPtr<ScriptArgument> PythonArgument::call(const List& arguments, QString* error) {
+    const PyRef tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(arguments.size())));
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        const auto* argument = static_cast<const PythonArgument*>(arguments[index].get());
+        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
+                         Py_NewRef(argument->object()));
+    }
+    PyRef result = PyRef::steal(PyObject_Call(object(), tuple.get(), nullptr));
+    if (result)
+        return new PythonArgument(std::move(result));
+    // An exception that ends the script is not the caller's to report.
+    if (!isOrdinaryError())
+        throw PythonErrorSet();
+    *error = takeScriptError().message;
+    return {};
+}
+
+QString PythonArgument::callableIdentifier() const {
+    const auto address = [](PyObject* part) {
+        return QStringLiteral("0x%1").arg(reinterpret_cast<quintptr>(part), 0, 16);
+    };
+    // Python makes a bound method anew each time; what it is bound to and its function stay.
+    if (PyMethod_Check(object()))
+        return "Callable|" + address(PyMethod_GET_FUNCTION(object())) + "|" +
+               address(PyMethod_GET_SELF(object()));
+    return "Callable|" + address(object());
+}
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <optional>
+
+#include "interpreter/bridge/scriptcontext.h"
+#include "plugins/python/pyref.h"
+#include "plugins/python/pythonargument.h"
+
+namespace Tamrix {
+class TestResult;
+}
+
+namespace Tamrix::PythonPlugin {
+
+class PythonInterpreter;
+
+/// The context of all calls of one interpreter. It is reused: a call that comes while another one
+/// is running, from script code that a native function runs, keeps the outer call's state aside.
+class PythonContext final : public ScriptContext {
+public:
+    explicit PythonContext(PythonInterpreter& interpreter);
+
+    void setTestResult(TestResult* result) { m_testResult = result; }
+
+    /// The time of one call of a native function: gives the context its arguments and takes them
+    /// away at the end.
+    class Call {
+    public:
+        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count);
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+        /// What Python gets: the result, None without one, or null with the exception set for the
+        /// context's error.
+        PyObject* finish();
+
+    private:
+        /// State of a call that is running already.
+        struct Outer {
+            std::vector<SharedPtr<ScriptArgument>> arguments;
+            QString errorMessage;
+            ErrorType errorType;
+            PyRef result;
+        };
+        PythonContext& m_context;
+        std::optional<Outer> m_outer;
+    };
+
+    ScriptContext* createSubContext() override;
+    void clearError() override;
+    void setResult(SharedPtr<ScriptArgument> value) override;
+    void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
+
+    SharedPtr<ScriptArgument> createNull() override;
+    SharedPtr<ScriptArgument> createBool(bool value) override;
+    SharedPtr<ScriptArgument> createInteger(int value) override;
+    SharedPtr<ScriptArgument> createInt64(long long value) override;
+    SharedPtr<ScriptArgument> createDouble(double value) override;
+    SharedPtr<ScriptArgument> createString(const QString& value) override;
+    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
+    SharedPtr<ScriptArgument> createList(
+        const std::vector<SharedPtr<ScriptArgument>>& values) override;
+    SharedPtr<ScriptArgument> createMap(
+        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
+    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
+    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
+    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
+    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
+    SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+
+    void addGlobalFunction(const QString& name, Function function) override;
+    void addStaticMemberFunction(const QString& className, const QString& name,
+                                 Function function) override;
+    void addMemberFunction(const QString& className, const QString& name,
+                           Function function) override;
+    void addConstant(const QString& name, int value) override;
+
+    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
+    bool isTrue(SharedPtr<ScriptArgument> value) override;
+    std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
+    bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
+    bool evaluateCondition(const QString& expression, QString* error) override;
+    bool evaluate(const QString& text, const QString& fileName) override;
+
+private:
+    PythonInterpreter& m_interpreter;
+    PyRef m_result;
+    int m_depth = 0;
+};
+
+}  // namespace Tamrix::PythonPlugin

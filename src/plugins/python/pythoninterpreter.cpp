@@ -1,0 +1,284 @@
+#include "plugins/python/pythoninterpreter.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "plugins/python/conversion.h"
+#include "plugins/python/nativeclasses.h"
+#include "plugins/python/nativefunction.h"
+#include "plugins/python/pythondebugger.h"
+#include "plugins/python/pythonruntime.h"
+#include "plugins/python/scripterror.h"
+#include "plugins/python/valuetypes.h"
+
+namespace Tamrix::PythonPlugin {
+
+PythonInterpreter* PythonInterpreter::s_active = nullptr;
+std::vector<PythonInterpreter*> PythonInterpreter::s_instances;
+
+namespace {
+
+/// The name under which the script's module is known to Python.
+constexpr const char* moduleName = "__test__";
+/// Stands for the file of code that has none.
+const QString noFile = QStringLiteral("<init script>");
+
+void setAttribute(PyObject* object, const QString& name, const PyRef& value) {
+    if (!value)
+        throw PythonErrorSet();
+    const PyRef key = checked(toPyString(pythonName(name)).release());
+    checked(PyObject_SetAttr(object, key.get(), value.get()));
+}
+
+/// The line of the first NUL in the text, counted from 1; -1 without one.
+int lineOfNul(const QString& text) {
+    const int place = text.indexOf(QChar(0));
+    return place < 0 ? -1 : text.leftRef(place).count('\n') + 1;
+}
+
+/// The Python class that stands for a class of the library with member functions.
+PyTypeObject* classOfMembers(const QString& className) {
+    return className == "ApplicationContext" ? ApplicationContextHolder::type : nullptr;
+}
+
+}  // namespace
+
+PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
+    : Interpreter(runner), m_scriptThread(pthread_self()) {
+    PythonRuntime::self();
+    s_instances.push_back(this);
+    s_active = this;
+    m_context = std::make_unique<PythonContext>(*this);
+    m_debugger = std::make_unique<PythonDebugger>(*this);
+    setDebugger(m_debugger.get());
+    try {
+        m_context->initFunctions();
+        initNativeAPI();
+        if (!ScriptOutput::install(&m_output))
+            throw PythonErrorSet();
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+        // Nothing may point to an interpreter that is not made.
+        setDebugger(nullptr);
+        std::erase(s_instances, this);
+        s_active = s_instances.empty() ? nullptr : s_instances.back();
+        throw std::runtime_error("The functions of the test system can't be made known to Python");
+    }
+}
+
+PythonInterpreter::~PythonInterpreter() {
+    m_output.flush();
+    clearCallables();
+    m_debugger->shutDown();
+    setDebugger(nullptr);
+    if (ScriptContext::current() == m_context.get())
+        ScriptContext::setCurrent(nullptr);
+    std::erase(s_instances, this);
+    const bool last = s_instances.empty();
+    if (m_module && last) {
+        // Functions keep their globals alive, and these the functions.
+        PyDict_Clear(PyModule_GetDict(m_module.get()));
+        if (PyDict_DelItemString(PyImport_GetModuleDict(), moduleName) < 0)
+            PyErr_Clear();
+    }
+    m_module = PyRef();
+    if (last) {
+        PythonRuntime::self().restore();
+        m_output.flush();
+    }
+    s_active = last ? nullptr : s_instances.back();
+    if (!ScriptOutput::install(last ? nullptr : &s_active->m_output))
+        PyErr_Print();
+}
+
+// Names for scripts
+
+void PythonInterpreter::defineGlobal(const QString& name, const PyRef& value) {
+    if (!value)
+        throw PythonErrorSet();
+    const PyRef key = checked(toPyString(pythonName(name)).release());
+    checked(PyDict_SetItem(PyEval_GetBuiltins(), key.get(), value.get()));
+}
+
+void PythonInterpreter::defineInNamespace(const QString& nameSpace, const QString& name,
+                                          const PyRef& function) {
+    const PyRef key = checked(toPyString(nameSpace).release());
+    PyRef object = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
+    // A namespace is a module object: help() and dir() know what to say of it.
+    if (!object || !PyModule_Check(object.get())) {
+        object = checked(PyModule_NewObject(key.get()));
+        defineGlobal(nameSpace, object);
+    }
+    setAttribute(object.get(), name, function);
+}
+
+void PythonInterpreter::defineMember(const QString& className, const QString& name,
+                                     const PyRef& function) {
+    PyTypeObject* const type = classOfMembers(className);
+    if (!type) {
+        qWarning("Python has no class for the member functions of %s",
+                 className.toLocal8Bit().constData());
+        return;
+    }
+    if (!function)
+        throw PythonErrorSet();
+    setAttribute(reinterpret_cast<PyObject*>(type), name,
+                 checked(PyInstanceMethod_New(function.get())));
+}
+
+void PythonInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                                          const QStringList& requiredParameters,
+                                          const QStringList& optionalParameters,
+                                          const QString& description) {
+    defineGlobal(name, makeFunction({name, {}, requiredParameters, optionalParameters, description},
+                                    function));
+}
+
+void PythonInterpreter::addNativeType(const QString& name, void* typeId,
+                                      const NativeScriptType& type) {
+    defineGlobal(name, makeNativeClass(name, typeId, type));
+}
+
+void PythonInterpreter::initTestFunctions(TestResult* result) {
+    m_context->setTestResult(result);
+    m_output.setTestResult(result);
+}
+
+QString PythonInterpreter::addToSearchPath(const QFileInfo& directory) {
+    return PythonRuntime::self().addToSearchPath(directory.absoluteFilePath());
+}
+
+void PythonInterpreter::setScriptArguments(const QString& scriptPath,
+                                           const QStringList& arguments) {
+    Interpreter::setScriptArguments(scriptPath, arguments);
+    setScriptName(scriptPath);
+    const PyRef list = toPyList(QStringList(scriptPath) + arguments);
+    if (!list || PySys_SetObject("argv", list.get()) < 0)
+        PyErr_Print();
+    // Modules beside the script are found behind those of the configured folders.
+    const QString error = addToSearchPath(QFileInfo(QFileInfo(scriptPath).absolutePath()));
+    if (!error.isEmpty())
+        qWarning("Could not add the script's folder to the search path: %s",
+                 error.toLocal8Bit().constData());
+}
+
+// Running
+
+PyRef PythonInterpreter::moduleNamespace() {
+    if (!m_module) {
+        m_module = checked(PyModule_New(moduleName));
+        PyObject* const dictionary = PyModule_GetDict(m_module.get());
+        checked(PyDict_SetItemString(dictionary, "__builtins__", PyEval_GetBuiltins()));
+        checked(PyDict_SetItemString(PyImport_GetModuleDict(), moduleName, m_module.get()));
+    }
+    return PyRef::borrow(PyModule_GetDict(m_module.get()));
+}
+
+PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, int start) {
+    if (m_compiledCode && start == Py_file_input && text == m_compiledText &&
+        fileName == m_compiledFile)
+        return m_compiledCode;
+    if (lineOfNul(text) >= 0) {
+        PyErr_Format(PyExc_SyntaxError, "line %d holds a NUL character, which no script may have",
+                     lineOfNul(text));
+        return {};
+    }
+    const PyRef file = toPyString(fileName);
+    if (!file)
+        return {};
+    // The text is decoded already: a coding line in it means nothing any more.
+    PyCompilerFlags flags = _PyCompilerFlags_INIT;
+    flags.cf_flags = PyCF_IGNORE_COOKIE;
+    PyRef code = PyRef::steal(
+        Py_CompileStringObject(text.toUtf8().constData(), file.get(), start, &flags, -1));
+    if (code && start == Py_file_input) {
+        m_compiledText = text;
+        m_compiledFile = fileName;
+        m_compiledCode = code;
+    }
+    return code;
+}
+
+bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName) {
+    clearError();
+    if (compile(text, fileName, Py_file_input))
+        return true;
+    finish(PyRef());
+    if (Interpreter::errorLine() < 0)
+        setErrorLine(lineOfNul(text));
+    return false;
+}
+
+bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, int, int) {
+    clearError();
+    PyRef result;
+    try {
+        const PyRef names = moduleNamespace();
+        const QString file = fileName.isEmpty() ? noFile : fileName;
+        if (!fileName.isEmpty())
+            checked(PyDict_SetItemString(names.get(), "__file__",
+                                         checked(toPyString(fileName).release()).get()));
+        ScriptContext::setCurrent(m_context.get());
+        if (const PyRef code = compile(text, file, Py_file_input))
+            result = PyRef::steal(PyEval_EvalCode(code.get(), names.get(), names.get()));
+    } catch (const PythonErrorSet&) {
+        // Python refused something before the script ran; its exception tells what.
+    }
+    return finish(result);
+}
+
+PyRef PythonInterpreter::scriptFunction(const QString& name) {
+    if (!m_module)
+        return {};
+    const PyRef key = checked(toPyString(name).release());
+    PyRef function =
+        PyRef::borrow(PyDict_GetItemWithError(PyModule_GetDict(m_module.get()), key.get()));
+    return function && PyCallable_Check(function.get()) ? function : PyRef();
+}
+
+bool PythonInterpreter::hasFunction(const QString& name) {
+    // A script that has ended through sys.exit() lacks nothing.
+    return scriptFunction(name) || m_exited;
+}
+
+bool PythonInterpreter::callFunction(const QString& name, const ObjectList& arguments) {
+    clearError();
+    const PyRef function = scriptFunction(name);
+    // After sys.exit() only the cleaning up is left to do.
+    if (m_exited && (name != "cleanup" || !function))
+        return true;
+    if (!function) {
+        setErrorMessage("The script has no function '" + name + "'");
+        return false;
+    }
+    const PyRef tuple = PyRef::steal(PyTuple_New(static_cast<Py_ssize_t>(arguments.size())));
+    for (std::size_t index = 0; tuple && index < arguments.size(); ++index)
+        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
+                         ObjectHolder::wrap(arguments[index]).release());
+    ScriptContext::setCurrent(m_context.get());
+    return finish(
+        PyRef::steal(tuple ? PyObject_Call(function.get(), tuple.get(), nullptr) : nullptr));
+}
+
+bool PythonInterpreter::finish(const PyRef& result) {
+    m_output.flush();
+    if (result)
+        return true;
+    const ScriptError error = takeScriptError(&m_files);
+    if (error.isExit) {
+        m_exited = true;
+        return true;
+    }
+    setErrorMessage(error.message);
+    if (error.callStack.empty()) {
+        // Code without a file has a line all the same, which tells that it failed.
+        setErrorLine(error.outermostLine);
+        return false;
+    }
+    setErrorFile(error.callStack.front().fileName());
+    setErrorLine(error.callStack.front().lineNumber());
+    setErrorCallStack(error.callStack);
+    return false;
+}
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "interpreter/bridge/interpreter.h"
+#include "plugins/python/frames.h"
+#include "plugins/python/pyref.h"
+#include "plugins/python/pythoncontext.h"
+#include "plugins/python/scriptoutput.h"
+
+namespace Tamrix::PythonPlugin {
+
+class PythonDebugger;
+
+/// The interpreter of one test case on Python's runtime, which lives as long as the process. The
+/// script's functions are the globals of a module of its own, "__test__".
+class PythonInterpreter final : public Interpreter {
+public:
+    /// Throws std::runtime_error when Python can't be started.
+    explicit PythonInterpreter(RunnerInterface* runner);
+    /// The last one to go undoes what its scripts changed in the runtime.
+    ~PythonInterpreter() override;
+
+    /// The interpreter whose scripts run, null when there is none.
+    static PythonInterpreter* active() { return s_active; }
+
+    PythonContext& context() { return *m_context; }
+    SourceFiles& files() { return m_files; }
+    ScriptOutput& output() { return m_output; }
+    pthread_t scriptThread() const { return m_scriptThread; }
+
+    // Names for scripts. They throw PythonErrorSet when Python refuses.
+    void defineGlobal(const QString& name, const PyRef& value);
+    void defineInNamespace(const QString& nameSpace, const QString& name, const PyRef& function);
+    /// A member function of the Python class that stands for the library's class.
+    void defineMember(const QString& className, const QString& name, const PyRef& function);
+
+    /// The script's globals.
+    PyRef moduleNamespace();
+    /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
+    /// for a file, an expression or an interactive statement.
+    PyRef compile(const QString& text, const QString& fileName, int start);
+
+    bool evaluate(const QString& text, const QString& fileName, int line, int column) override;
+    bool callFunction(const QString& name, const ObjectList& arguments) override;
+    bool hasFunction(const QString& name) override;
+    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                           const QStringList& requiredParameters,
+                           const QStringList& optionalParameters,
+                           const QString& description) override;
+    void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
+    void initTestFunctions(TestResult* result) override;
+    QString addToSearchPath(const QFileInfo& directory) override;
+    Language language() const override { return Python; }
+    void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
+
+private:
+    /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
+    /// otherwise the error fields tell what happened.
+    bool finish(const PyRef& result);
+    PyRef scriptFunction(const QString& name);
+
+    static PythonInterpreter* s_active;
+    static std::vector<PythonInterpreter*> s_instances;
+
+    pthread_t m_scriptThread;
+    SourceFiles m_files;
+    ScriptOutput m_output;
+    std::unique_ptr<PythonContext> m_context;
+    std::unique_ptr<PythonDebugger> m_debugger;
+    PyRef m_module;
+    /// The text that was compiled last, so that checking and evaluating compile it once.
+    QString m_compiledText;
+    QString m_compiledFile;
+    PyRef m_compiledCode;
+    bool m_exited = false;
+};
+
+}  // namespace Tamrix::PythonPlugin

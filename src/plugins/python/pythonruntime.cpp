@@ -1,0 +1,209 @@
+#include "plugins/python/pythonruntime.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "base/environment.h"
+#include "interpreter/bridge/scriptlanguage.h"
+#include "plugins/python/conversion.h"
+#include "plugins/python/exceptions.h"
+#include "plugins/python/frames.h"
+#include "plugins/python/nativeclasses.h"
+#include "plugins/python/valuetypes.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// Debian's interpreter: its name decides where Python looks for its library, whatever stands first
+/// in PATH.
+constexpr const wchar_t* programName = L"" TAMRIX_PYTHON_EXECUTABLE;
+
+void check(const PyStatus& status) {
+    if (PyStatus_Exception(status))
+        throw std::runtime_error(status.err_msg ? status.err_msg : "Python can't be started");
+}
+
+/// The configured home of Python; empty for the one that belongs to the interpreter.
+QString configuredHome() {
+    const ScriptLanguageInformation* language =
+        ScriptLanguageInformation::forLanguage(Interpreter::Python);
+    return language ? language->home.filePath() : QString();
+}
+
+void startPython() {
+    PyPreConfig preConfig;
+    PyPreConfig_InitPythonConfig(&preConfig);
+    // Files and streams are UTF-8 whatever the locale says.
+    preConfig.utf8_mode = 1;
+    check(Py_PreInitialize(&preConfig));
+
+    PyConfig config;
+    PyConfig_InitPythonConfig(&config);
+    struct Clear {
+        PyConfig* config;
+        ~Clear() { PyConfig_Clear(config); }
+    } const clear{&config};
+    config.parse_argv = 0;
+    // No cache folders among the suite's scripts.
+    config.write_bytecode = 0;
+    check(PyConfig_SetString(&config, &config.program_name, programName));
+    const QString home = configuredHome();
+    if (!home.isEmpty())
+        check(PyConfig_SetString(&config, &config.home, home.toStdWString().c_str()));
+    check(Py_InitializeFromConfig(&config));
+}
+
+/// Functions that scripts registered with atexit run while the process still has its streams.
+void runExitFunctions() {
+    if (!Py_IsInitialized())
+        return;
+    const PyRef atexit = PyRef::steal(PyImport_ImportModule("atexit"));
+    const PyRef result = PyRef::steal(
+        atexit ? PyObject_CallMethod(atexit.get(), "_run_exitfuncs", nullptr) : nullptr);
+    if (!result)
+        PyErr_Print();
+}
+
+PyRef import(const char* name) {
+    return checked(PyImport_ImportModule(name));
+}
+
+PyRef get(const PyRef& object, const char* name) {
+    return checked(PyObject_GetAttrString(object.get(), name));
+}
+
+PyRef interruptHandler() {
+    return checked(PyObject_CallMethod(import("signal").get(), "getsignal", "i", SIGINT));
+}
+
+PyRef environment() {
+    return get(import("os"), "environ");
+}
+
+PyRef copyOfEnvironment() {
+    return checked(PyObject_CallMethod(environment().get(), "copy", nullptr));
+}
+
+/// Makes the dictionary equal to the snapshot.
+void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
+    const PyRef keys = checked(PyDict_Keys(dictionary));
+    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(keys.get()); ++index) {
+        PyObject* const key = PyList_GET_ITEM(keys.get(), index);
+        if (PyDict_Contains(snapshot, key) == 0)
+            checked(PyDict_DelItem(dictionary, key));
+    }
+    checked(PyDict_Update(dictionary, snapshot));
+}
+
+}  // namespace
+
+PythonRuntime& PythonRuntime::self() {
+    // Never destroyed: objects of Python live on after static destruction has begun.
+    static auto* const instance = new PythonRuntime;
+    return *instance;
+}
+
+PythonRuntime::PythonRuntime() {
+    startPython();
+    try {
+        m_module = checked(PyImport_AddModule("tamrix") ? Py_NewRef(PyImport_AddModule("tamrix"))
+                                                        : nullptr);
+        if (!addTamrixModule())
+            throw PythonErrorSet();
+        takeSnapshot();
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+        throw std::runtime_error("Python started but could not be set up");
+    }
+    std::atexit(runExitFunctions);
+}
+
+bool PythonRuntime::addTamrixModule() {
+    return PyModule_SetDocString(m_module.get(), "Exceptions and types of the test system") == 0 &&
+           addExceptions(m_module.get()) && addValueTypes(m_module.get()) &&
+           addNativeBase(m_module.get());
+}
+
+void PythonRuntime::takeSnapshot() {
+    m_path = checked(PyList_AsTuple(PySys_GetObject("path")));
+    m_builtins = checked(PyDict_Copy(PyEval_GetBuiltins()));
+    m_modules = checked(PyDict_Copy(PyImport_GetModuleDict()));
+    m_environment = copyOfEnvironment();
+    m_interruptHandler = interruptHandler();
+}
+
+QString PythonRuntime::addToSearchPath(const QString& directory) {
+    PyObject* const path = PySys_GetObject("path");
+    const PyRef entry = toPyString(directory);
+    if (!path || !PyList_Check(path))
+        return QStringLiteral("sys.path is no list");
+    if (!entry || PyList_Insert(path, m_searchPathCount, entry.get()) < 0) {
+        PyErr_Clear();
+        return QStringLiteral("sys.path can't be changed");
+    }
+    ++m_searchPathCount;
+    return {};
+}
+
+void PythonRuntime::restore() {
+    try {
+        PyEval_SetTrace(nullptr, nullptr);
+        PyEval_SetProfile(nullptr, nullptr);
+        // Module path and arguments.
+        const PyRef path = checked(PySequence_List(m_path.get()));
+        checked(PySys_SetObject("path", path.get()));
+        const PyRef arguments = checked(Py_BuildValue("[s]", ""));
+        checked(PySys_SetObject("argv", arguments.get()));
+        m_searchPathCount = 0;
+        // Hooks.
+        for (const char* name : {"excepthook", "displayhook", "unraisablehook"})
+            checked(
+                PySys_SetObject(name, PySys_GetObject(("__" + std::string(name) + "__").c_str())));
+        checked(PySys_SetObject("stdin", PySys_GetObject("__stdin__")));
+        // Names that every module sees.
+        restoreDictionary(PyEval_GetBuiltins(), m_builtins.get());
+        // The environment.
+        const PyRef current = copyOfEnvironment();
+        const int same = PyObject_RichCompareBool(current.get(), m_environment.get(), Py_EQ);
+        checked(same);
+        if (same == 0) {
+            checked(PyObject_CallMethod(environment().get(), "clear", nullptr));
+            checked(PyObject_CallMethod(environment().get(), "update", "O", m_environment.get()));
+        }
+        // What Ctrl-C does.
+        if (interruptHandler().get() != m_interruptHandler.get())
+            checked(PyObject_CallMethod(import("signal").get(), "signal", "iO", SIGINT,
+                                        m_interruptHandler.get()));
+        dropImportedModules();
+        PyGC_Collect();
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+    }
+}
+
+void PythonRuntime::dropImportedModules() {
+    PyObject* const modules = PyImport_GetModuleDict();
+    SourceFiles files;
+    const PyRef names = checked(PyDict_Keys(modules));
+    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(names.get()); ++index) {
+        PyObject* const name = PyList_GET_ITEM(names.get(), index);
+        if (PyDict_Contains(m_modules.get(), name) != 0)
+            continue;
+        PyObject* const module = PyDict_GetItemWithError(modules, name);
+        const PyRef file =
+            PyRef::steal(module ? PyObject_GetAttrString(module, "__file__") : nullptr);
+        PyErr_Clear();
+        // Modules of Python's library stay; they would only be loaded again. Those without a file
+        // are built in, but for the test script itself and folders of the suite.
+        const bool hasFile = file && PyUnicode_Check(file.get());
+        const bool isFolder = module && !hasFile && PyObject_HasAttrString(module, "__path__");
+        if (hasFile ? files.isScript(file.get()) : isFolder)
+            checked(PyDict_DelItem(modules, name));
+    }
+    // Files may be others when they are looked for again.
+    checked(PyObject_CallMethod(import("importlib").get(), "invalidate_caches", nullptr));
+}
+
+}  // namespace Tamrix::PythonPlugin

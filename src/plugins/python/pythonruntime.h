@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+#include "plugins/python/pyref.h"
+
+namespace Tamrix::PythonPlugin {
+
+/// Python's runtime: started once, alive to the end of the process, since extension modules can't
+/// be loaded a second time. What a test case leaves behind in it is undone instead.
+class PythonRuntime {
+public:
+    /// Starts the runtime on first use. Throws std::runtime_error with Python's words when it can't
+    /// be started.
+    static PythonRuntime& self();
+
+    /// The module `tamrix`, with exceptions and value types.
+    PyObject* module() const { return m_module.get(); }
+
+    /// Adds a folder to the module path behind those that were added before, in front of Python's
+    /// own. Returns an error text, empty on success.
+    QString addToSearchPath(const QString& directory);
+
+    /// Undoes what the test case changed: module path, arguments, builtins, streams, hooks, the
+    /// environment's variables, SIGINT, and every module that it imported and that is not of
+    /// Python's library. Problems are printed to standard error.
+    void restore();
+
+private:
+    PythonRuntime();
+    void takeSnapshot();
+    void dropImportedModules();
+    bool addTamrixModule();
+
+    PyRef m_module;
+    PyRef m_path;
+    PyRef m_builtins;
+    PyRef m_environment;
+    PyRef m_modules;
+    PyRef m_interruptHandler;
+    int m_searchPathCount = 0;
+};
+
+}  // namespace Tamrix::PythonPlugin

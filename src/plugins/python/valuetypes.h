@@ -1,0 +1,29 @@
+#pragma once
+
+#include "interpreter/bridge/debuggerframe.h"
+#include "platform/objectmodel/applicationcontext.h"
+#include "platform/objectmodel/object.h"
+#include "plugins/python/holder.h"
+#include "shared/testdata/testdataset.h"
+
+namespace Tamrix::PythonPlugin {
+
+// Python types of the library's values: tamrix.Object, ApplicationContext, DataSet, Record and
+// Location. Scripts get instances from functions and can't make their own.
+
+using ObjectHolder = Holder<Object>;
+using ApplicationContextHolder = Holder<ApplicationContext>;
+using DataSetHolder = Holder<TestDataSet>;
+
+/// Makes the types and adds them to the module. False with the error indicator set on failure.
+bool addValueTypes(PyObject* module);
+
+/// A row of a data set; it keeps the set alive.
+PyRef wrapRecord(SharedPtr<TestDataSet> set, const TestDataRecord* record);
+/// Null when the object is no record.
+const TestDataRecord* unwrapRecord(PyObject* object);
+
+/// A named tuple of file name and line.
+PyRef wrapLocation(const ScriptLocation& location);
+
+}  // namespace Tamrix::PythonPlugin

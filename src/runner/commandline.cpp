@@ -1,0 +1,272 @@
+#include "runner/commandline.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "platform/testresult/reportfactory.h"
+
+namespace Tamrix {
+
+namespace {
+
+const QLatin1String programName("tamrixrunner");
+
+const QLatin1String failFastOption("fail-fast");
+const QLatin1String helpOption("help");
+const QLatin1String quietOption("quiet");
+const QLatin1String reportOption("report");
+const QLatin1String resultDirectoryOption("result-dir");
+const QLatin1String toOption("to");
+const QLatin1String verboseOption("verbose");
+
+/// Where reports can be asked for, and with which words.
+const char* const reportValueName = "FORMAT:PATH";
+
+using Values = const QCommandLineParser&;
+
+/// One command: what it is called with, and how its values get into a CommandLine. `read` returns
+/// an error text.
+struct CommandDescription {
+    CommandLine::Command command;
+    const char* name;
+    const char* syntax;
+    const char* summary;
+    QList<QCommandLineOption> options;
+    int minimalArguments;
+    /// -1 for any number.
+    int maximalArguments;
+    bool takesScriptArguments;
+    QString (*read)(Values values, CommandLine& line);
+};
+
+bool isStandardOutput(const QString& report) {
+    ReportDescription description;
+    return parseReportDescription(report, &description).isEmpty() &&
+           (description.path.isEmpty() || description.path == QLatin1String("-"));
+}
+
+/// Adds reports. Two must not write the same file.
+QString addReports(const QStringList& reports, CommandLine& line) {
+    for (const QString& report : reports) {
+        ReportDescription description;
+        const QString problem = parseReportDescription(report, &description);
+        if (!problem.isEmpty())
+            return problem;
+        for (const QString& other : qAsConst(line.reports)) {
+            ReportDescription otherDescription;
+            parseReportDescription(other, &otherDescription);
+            if (QFileInfo(description.path) == QFileInfo(otherDescription.path)) {
+                return QStringLiteral("the reports '%1' and '%2' have the same path")
+                    .arg(other, report);
+            }
+        }
+        line.reports.append(report);
+    }
+    return {};
+}
+
+QString readRun(Values values, CommandLine& line) {
+    line.suite = values.positionalArguments().constFirst();
+    line.cases = values.positionalArguments().mid(1);
+    line.failFast = values.isSet(failFastOption);
+    line.verbose = values.isSet(verboseOption);
+    line.quiet = values.isSet(quietOption);
+    if (line.verbose && line.quiet)
+        return QStringLiteral("--verbose and --quiet exclude each other");
+    if (values.isSet(resultDirectoryOption)) {
+        const QString directory = values.value(resultDirectoryOption);
+        if (directory.isEmpty())
+            return QStringLiteral("--result-dir needs a folder");
+        line.resultDirectory = QDir::cleanPath(QDir::current().absoluteFilePath(directory));
+        line.reports.append(QStringLiteral("json:%1/journal.jsonl").arg(line.resultDirectory));
+    }
+    const QStringList reports = values.values(reportOption);
+    for (const QString& report : reports) {
+        if (isStandardOutput(report)) {
+            return QStringLiteral(
+                       "the console report always goes to standard output; '%1' would "
+                       "write it twice")
+                .arg(report);
+        }
+    }
+    return addReports(reports, line);
+}
+
+QString readList(Values values, CommandLine& line) {
+    line.suite = values.positionalArguments().constFirst();
+    return {};
+}
+
+QString readReport(Values values, CommandLine& line) {
+    line.journal = values.positionalArguments().constFirst();
+    if (!values.isSet(toOption))
+        return QStringLiteral("report needs at least one --to FORMAT:PATH");
+    return addReports(values.values(toOption), line);
+}
+
+const QList<CommandDescription>& commands() {
+    static const QList<CommandDescription> table = {
+        {CommandLine::Command::Run,
+         "run",
+         "SUITE [CASE...]",
+         "Runs the suite's test cases, or the named ones, in the suite's order.",
+         {{reportOption, "Writes a report of the run; may be given several times.",
+           reportValueName},
+          {resultDirectoryOption,
+           "Keeps attachments and the run's journal (journal.jsonl) in this folder.", "DIR"},
+          {failFastOption, "Ends the run behind the first test case that fails."},
+          {verboseOption, "Shows every result, not only the failures."},
+          {quietOption, "Shows failures and nothing else."}},
+         1,
+         -1,
+         true,
+         readRun},
+        {CommandLine::Command::List,
+         "list",
+         "SUITE",
+         "Lists the suite's test cases in the order in which they run, one a line.",
+         {},
+         1,
+         1,
+         false,
+         readList},
+        {CommandLine::Command::Report,
+         "report",
+         "JOURNAL",
+         "Makes reports from the journal of a run, also of one that was killed.",
+         {{toOption, "Where the report goes; may be given several times.", reportValueName}},
+         1,
+         1,
+         false,
+         readReport},
+    };
+    return table;
+}
+
+const CommandDescription* findCommand(const QString& name) {
+    for (const CommandDescription& command : commands()) {
+        if (name == QLatin1String(command.name))
+            return &command;
+    }
+    return nullptr;
+}
+
+QString fullSyntax(const CommandDescription& command) {
+    QString syntax = QLatin1String(command.name) + QLatin1Char(' ') + QLatin1String(command.syntax);
+    if (command.takesScriptArguments)
+        syntax += QLatin1String(" [-- ARGUMENT...]");
+    return syntax;
+}
+
+QString generalHelp() {
+    QString text = QStringLiteral("Usage: %1 COMMAND [options]\n\nCommands:\n").arg(programName);
+    int width = 0;
+    for (const CommandDescription& command : commands())
+        width = std::max(width, static_cast<int>(fullSyntax(command).size()));
+    for (const CommandDescription& command : commands()) {
+        text += QStringLiteral("  %1  %2\n")
+                    .arg(fullSyntax(command), -width)
+                    .arg(QLatin1String(command.summary));
+    }
+    text +=
+        QStringLiteral(
+            "\n%1 COMMAND --help tells the options of a command.\n"
+            "%1 --version tells the version.\n\n"
+            "Exit code: 0 every test case ran and nothing failed, 1 a failed verdict or a script "
+            "error,\n2 wrong usage or a suite, journal or report that can't be read or written,\n"
+            "130 interrupted with Ctrl-C, 143 ended by SIGTERM.\n")
+            .arg(programName);
+    return text;
+}
+
+QString commandHelp(const CommandDescription& command, const QCommandLineParser& parser) {
+    QString text = parser.helpText();
+    // The parser names the program as it was started and knows nothing of what stands behind "--".
+    text.remove(0, text.indexOf(QLatin1Char('\n')));
+    text.prepend(QStringLiteral("Usage: %1 %2").arg(programName, fullSyntax(command)));
+    return text;
+}
+
+CommandLine wrongUsage(const QString& text, const CommandDescription* command = nullptr) {
+    CommandLine line;
+    const QString about = command ? QLatin1Char(' ') + QLatin1String(command->name) : QString();
+    line.error = QStringLiteral("%1 (see %2%3 --help)").arg(text, programName, about);
+    return line;
+}
+
+CommandLine shownText(const QString& text) {
+    CommandLine line;
+    line.text = text;
+    return line;
+}
+
+CommandLine parseCommand(const CommandDescription& command, const QStringList& arguments,
+                         const QStringList& scriptArguments, bool hasScriptArguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QLatin1String(command.summary));
+    parser.addOption({helpOption, QStringLiteral("Tells the options of the command.")});
+    parser.addOptions(command.options);
+
+    if (!parser.parse(arguments)) {
+        QString problem = parser.errorText();
+        if (problem.endsWith(QLatin1Char('.')))
+            problem.chop(1);
+        return wrongUsage(problem, &command);
+    }
+    if (parser.isSet(helpOption))
+        return shownText(commandHelp(command, parser));
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() < command.minimalArguments) {
+        return wrongUsage(QStringLiteral("%1 needs %2")
+                              .arg(QLatin1String(command.name), QLatin1String(command.syntax)),
+                          &command);
+    }
+    if (command.maximalArguments >= 0 && positional.size() > command.maximalArguments) {
+        return wrongUsage(
+            QStringLiteral("unexpected argument '%1'").arg(positional.at(command.maximalArguments)),
+            &command);
+    }
+    if (hasScriptArguments && !command.takesScriptArguments) {
+        return wrongUsage(
+            QStringLiteral("%1 takes no script arguments").arg(QLatin1String(command.name)),
+            &command);
+    }
+
+    CommandLine line;
+    line.command = command.command;
+    line.scriptArguments = scriptArguments;
+    const QString problem = command.read(parser, line);
+    return problem.isEmpty() ? line : wrongUsage(problem, &command);
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(const QStringList& arguments) {
+    // Everything behind the first "--" belongs to the scripts, options or not.
+    const int separator = arguments.indexOf(QStringLiteral("--"));
+    const QStringList own = arguments.mid(0, separator);
+    const QStringList forScripts = separator < 0 ? QStringList() : arguments.mid(separator + 1);
+
+    if (own.size() < 2)
+        return wrongUsage(QStringLiteral("no command given"));
+    const QString& name = own.at(1);
+    if (name == QLatin1String("--help") || name == QLatin1String("-h"))
+        return shownText(generalHelp());
+    if (name == QLatin1String("--version"))
+        return shownText(
+            QStringLiteral("%1 %2\n").arg(programName, QStringLiteral(TAMRIX_VERSION)));
+    const CommandDescription* command = findCommand(name);
+    if (!command) {
+        return wrongUsage(
+            name.startsWith(QLatin1Char('-'))
+                ? QStringLiteral("Unknown option '%1' in front of the command").arg(name)
+                : QStringLiteral("unknown command '%1'").arg(name));
+    }
+    QStringList rest = own;
+    rest.removeAt(1);
+    return parseCommand(*command, rest, forScripts, separator >= 0);
+}
+
+}  // namespace Tamrix

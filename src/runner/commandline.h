@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace Tamrix {
+
+/// What the program was asked to do. Plain data.
+struct CommandLine {
+    enum class Command {
+        Show,   ///< print `text`
+        Run,    ///< run `cases` (all for none) of `suite`
+        List,   ///< list the cases of `suite`
+        Report  ///< make `reports` from `journal`
+    };
+
+    Command command = Command::Show;
+    /// Wrong usage, in one line that says where to read more; empty when all is well.
+    QString error;
+    /// Help or version, with a line end.
+    QString text;
+
+    QString suite;
+    QStringList cases;
+    QString journal;
+    /// FORMAT:PATH each, of known formats; no two have the same path. With a folder for results,
+    /// the journal in it stands first.
+    QStringList reports;
+    /// Absolute, empty when none was given.
+    QString resultDirectory;
+    bool failFast = false;
+    bool verbose = false;
+    bool quiet = false;
+    QStringList scriptArguments;
+};
+
+/// Reads the program's arguments, the first of which is its own name. Needs a QCoreApplication.
+CommandLine parseCommandLine(const QStringList& arguments);
+
+}  // namespace Tamrix

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <csignal>
+
+namespace Tamrix {
+
+/// The request to end the run early: Ctrl-C (SIGINT) or SIGTERM. Process-wide.
+///
+/// The first signal is remembered and handed on to the handler that the script's language has for
+/// Ctrl-C, so that the script is interrupted in its own way. The second one does the same again,
+/// for a script that goes on or a clean-up that hangs; the third one ends the process at once. A
+/// signal that the process was started to ignore (a background job of a shell script, say) stays
+/// ignored.
+class Interrupt {
+public:
+    /// Puts the handlers on top of those that are installed now, which get the signals handed on.
+    static void install();
+
+    /// The first signal that asked the run to end, 0 as long as none did. Any thread.
+    static int signalNumber();
+
+    /// How a process that ended by the signal reports it: 130 for Ctrl-C, 143 for SIGTERM.
+    static int exitCode(int signal) { return 128 + signal; }
+
+    /// Forgets the signals so far and takes the handlers off again: for tests.
+    static void reset();
+
+    /// Steps aside while a language plug-in is loaded and installs its own handlers, which it may
+    /// do only where it finds none. Signals that come meanwhile are held back and arrive
+    /// afterwards, when the handlers are on top again.
+    class Aside {
+    public:
+        Aside();
+        ~Aside();
+        Aside(const Aside&) = delete;
+        Aside& operator=(const Aside&) = delete;
+
+    private:
+        sigset_t m_oldMask;
+    };
+};
+
+}  // namespace Tamrix

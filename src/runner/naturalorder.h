@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace Tamrix {
+
+/// Whether `left` stands before `right` when a person sorts names: numbers in them by their value
+/// ("case2" before "case10"), letters without regard to case. The same on every machine, whatever
+/// its locale; names that differ only in case or in leading zeros have a fixed order, too.
+bool naturallyBefore(const QString& left, const QString& right);
+
+}  // namespace Tamrix

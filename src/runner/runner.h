@@ -1,0 +1,140 @@
+#pragma once
+
+#include <QString>
+
+#include "interpreter/bridge/runnerinterface.h"
+
+namespace Tamrix {
+
+/// The services that this program gives to scripts. It can't connect to applications or to remote
+/// systems: operations that need one answer with their failure value and say so. Script thread
+/// only; needs a QCoreApplication for waits.
+class Runner : public RunnerInterface {
+public:
+    /// What the operations that need an application say.
+    static const QString noApplicationText;
+    /// What the operations that need a remote system say.
+    static const QString noRemoteSystemText;
+
+    // Facts of the run, set by the one who runs the suite.
+    void setSuite(const QString& name) { m_suiteName = name; }
+    void setTestCase(const QString& name, const QString& scriptPath);
+    /// An absolute path, or empty when no folder for results was chosen.
+    void setResultDirectory(const QString& directory) { m_resultDirectory = directory; }
+    /// Not owned, may be null.
+    void setTestResult(TestResult* result) { m_testResult = result; }
+
+    // Waiting and facts: runner.cpp.
+    /// Ends early when the run is interrupted.
+    void snooze(double seconds) override;
+    void processEvents() override;
+    QString testCasePath() override { return m_scriptPath; }
+    QString settingsGroup() override { return {}; }
+    QString defaultDevice() override { return {}; }
+    QString testCaseName() override { return m_caseName; }
+    QString testSuiteName() override { return m_suiteName; }
+    void setImageSearchFixTarget(int target) override { m_imageSearchFixTarget = target; }
+    int imageSearchFixTarget() override { return m_imageSearchFixTarget; }
+    QString objectMapPath() override { return {}; }
+    QString currentResultDirectory() override { return m_resultDirectory; }
+    QStringList filterArguments() override { return {}; }
+    std::vector<unsigned> scenarioIndices() override { return {}; }
+    bool isIDEMode() override { return false; }
+    unsigned runLevel() override { return 0; }
+    TestResult* testResult() override { return m_testResult; }
+    bool isVideoCaptureEnabled() override { return false; }
+
+    // What needs an application: noapplication.cpp.
+    SharedPtr<ApplicationContext> startApplication(const QString& program, const QString& host,
+                                                   int port, int timeout, QString* error) override;
+    SharedPtr<ApplicationContext> attachToApplication(const QString& name, const QString& host,
+                                                      int port, int timeout,
+                                                      QString* error) override;
+    SharedPtr<ApplicationContext> startSpecialApplication(const QString& program,
+                                                          const QStringList& arguments,
+                                                          const QString& host, int port,
+                                                          int timeout, QString* error) override;
+    SharedPtr<ApplicationContext> startSpecialApplication(const QString& program,
+                                                          const QMap<QString, QString>& options,
+                                                          const QString& host, int port,
+                                                          int timeout, QString* error) override;
+    bool detachApplication(SharedPtr<ApplicationContext> context) override;
+    SharedPtr<ApplicationContext> waitForApplicationLaunch(int timeout, QString* error) override;
+    SharedPtr<ApplicationContext> defaultApplicationContext() override;
+    SharedPtr<ApplicationContext> applicationContext(const QString& name) override;
+    void setCurrentApplicationContext(SharedPtr<ApplicationContext> context) override;
+    QList<SharedPtr<ApplicationContext>> applicationContexts() override;
+    qint64 usedMemory(SharedPtr<ApplicationContext> context) override;
+    qint64 totalTime(SharedPtr<ApplicationContext> context) override;
+    QString environmentVariable(SharedPtr<ApplicationContext> context,
+                                const QString& name) override;
+    QString currentDirectory(SharedPtr<ApplicationContext> context) override;
+    QString host(SharedPtr<ApplicationContext> context) override;
+    int port(SharedPtr<ApplicationContext> context) override;
+    bool isRunning(SharedPtr<ApplicationContext> context) override;
+    bool isFrozen(SharedPtr<ApplicationContext> context, int timeoutSeconds) override;
+    int pid(SharedPtr<ApplicationContext> context) override;
+    SharedPtr<Object> waitForObjectByName(const QString& realName, bool ready,
+                                          int timeout) override;
+    SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool ready, int timeout) override;
+    SharedPtr<Object> waitForObjectExists(const QString& realName, bool ready,
+                                          int timeout) override;
+    SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
+                                        int column, int timeout) override;
+    bool isValidContext(SharedPtr<ApplicationContext> context) override;
+    QString readStdout(SharedPtr<ApplicationContext> context, bool* available) override;
+    QString readStderr(SharedPtr<ApplicationContext> context, bool* available) override;
+    QString osName(SharedPtr<ApplicationContext> context) override;
+    bool objectHasComponents(int remoteId) override;
+    QStringList fetchObjectComponents(int remoteId) override;
+    bool keyEvent(const QString& key, bool press) override;
+    bool mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
+                    bool buttonChange, bool press) override;
+    QString highlightObject(SharedPtr<Object> object, int milliseconds) override;
+    void stopHighlight() override;
+    FunctionCallResult<QSharedPointer<BackgroundTask>> startVideoCapture(
+        SharedPtr<ApplicationContext> context, QIODevice* device) override;
+    bool isTypeKnownInContext(const QString& typeName, int contextId) override;
+    bool acquireRemoteObjectModel() override;
+    void releaseRemoteObjectModel() override;
+    SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) override;
+    void objectNotFound(const QString& name, const QString& function, QString* error) override;
+
+    // What needs a remote system: noremotesystem.cpp.
+    int connectToRemoteSystem(const QString& host, int port, QString* error) override;
+    void closeRemoteSystemConnection(int handle, QString* error) override;
+    QString getEnvironmentVariable(int handle, const QString& name, QString* error) override;
+    QString getOSName(int handle, QString* error) override;
+    QMap<QString, QVariant> executeCommand(int handle, const QList<QVariant>& command,
+                                           const QString& workingDirectory,
+                                           const QMap<QString, QVariant>& environment,
+                                           bool keepLineEnding, bool clearEnvironment, int timeout,
+                                           const QString& encoding, QString* error) override;
+    QStringList getRemoteDirectoryContent(int handle, const QString& path, QString* error) override;
+    QVariant getRemotePathProperty(int handle, const QString& path, const QString& property,
+                                   QString* error) override;
+    bool remotePathExists(int handle, const QString& path, QString* error) override;
+    bool remoteRenamePath(int handle, const QString& oldPath, const QString& newPath,
+                          QString* error) override;
+    bool remoteCreatePath(int handle, const QString& path, bool recursive, QString* error) override;
+    bool remoteDeletePath(int handle, const QString& path, bool recursive, QString* error) override;
+    bool remoteCreateFile(int handle, const QString& path, const QString& content,
+                          const QString& encoding, QString* error) override;
+    bool remoteDeleteFile(int handle, const QString& path, QString* error) override;
+    bool remoteCopyPath(int handle, const QString& from, const QString& to,
+                        QString* error) override;
+    bool remoteUploadFile(int handle, const QString& localPath, const QString& remotePath,
+                          QString* error) override;
+    bool remoteDownloadFile(int handle, const QString& remotePath, const QString& localPath,
+                            QString* error) override;
+
+private:
+    QString m_suiteName;
+    QString m_caseName;
+    QString m_scriptPath;
+    QString m_resultDirectory;
+    TestResult* m_testResult = nullptr;
+    int m_imageSearchFixTarget = 0;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,100 @@
+#include "runner/commandline.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+
+#include "runner/coreapplication.h"
+
+namespace Tamrix {
+namespace {
+
+CommandLine parse(const QStringList& arguments) {
+    // The parser's help asks the application for the program's name.
+    Test::coreApplication();
+    return parseCommandLine(QStringList("tamrixrunner") + arguments);
+}
+
+TEST(CommandLine, RunWithEverything) {
+    const CommandLine line = parse({"run", "--fail-fast", "my suite", "--report", "junit:a:b.xml",
+                                    "case 1", "--report=json:/tmp/../j", "--result-dir", "out/",
+                                    "case2", "--verbose", "--", "--quiet", "--", "x"});
+    ASSERT_EQ(line.error, QString());
+    EXPECT_EQ(line.command, CommandLine::Command::Run);
+    EXPECT_EQ(line.suite, QString("my suite"));
+    EXPECT_EQ(line.cases, QStringList({"case 1", "case2"}));
+    EXPECT_TRUE(line.failFast);
+    EXPECT_TRUE(line.verbose);
+    EXPECT_FALSE(line.quiet);
+    ASSERT_EQ(line.reports.size(), 2);
+    EXPECT_EQ(line.reports.at(0).format, QString("junit"));
+    EXPECT_EQ(line.reports.at(0).path, QDir::current().filePath("a:b.xml"));
+    EXPECT_EQ(line.reports.at(1).path, QString("/j"));
+    EXPECT_EQ(line.resultDirectory, QDir::current().filePath("out"));
+    EXPECT_EQ(line.scriptArguments, QStringList({"--quiet", "--", "x"}));
+}
+
+TEST(CommandLine, ListAndReport) {
+    const CommandLine list = parse({"list", "s"});
+    EXPECT_EQ(list.command, CommandLine::Command::List);
+    EXPECT_EQ(list.suite, QString("s"));
+
+    const CommandLine report = parse({"report", "j", "--to", "junit:a", "--to", "json:b"});
+    EXPECT_EQ(report.command, CommandLine::Command::Report);
+    EXPECT_EQ(report.journal, QString("j"));
+    EXPECT_EQ(report.reports.size(), 2);
+}
+
+TEST(CommandLine, HelpAndVersionAreShown) {
+    EXPECT_EQ(parse({"--version"}).text, QString("tamrixrunner 7.1.0\n"));
+    EXPECT_EQ(parse({"--help"}).text, parse({"-h"}).text);
+    for (const char* word : {"run SUITE [CASE...] [-- ARGUMENT...]", "list SUITE", "Exit code:"})
+        EXPECT_TRUE(parse({"--help"}).text.contains(word)) << word;
+    // Also where the rest would be wrong.
+    const QString help = parse({"run", "--help"}).text;
+    EXPECT_TRUE(help.startsWith("Usage: tamrixrunner run SUITE")) << qPrintable(help);
+    for (const char* word : {"--report <FORMAT:PATH>", "--result-dir <DIR>", "--fail-fast"})
+        EXPECT_TRUE(help.contains(word)) << word;
+}
+
+TEST(CommandLine, WrongUsageIsOneLine) {
+    const struct {
+        QStringList arguments;
+        const char* error;
+    } rows[] = {
+        {{}, "no command given (see tamrixrunner --help)"},
+        {{""}, "unknown command '' (see tamrixrunner --help)"},
+        {{"start"}, "unknown command 'start' (see tamrixrunner --help)"},
+        {{"--verbose", "run", "s"},
+         "Unknown option '--verbose' in front of the command (see tamrixrunner --help)"},
+        {{"run"}, "run needs SUITE [CASE...] (see tamrixrunner run --help)"},
+        {{"run", "s", "--fast"}, "Unknown option 'fast' (see tamrixrunner run --help)"},
+        {{"run", "s", "-x"}, "Unknown option 'x' (see tamrixrunner run --help)"},
+        {{"run", "s", "--quiet=1"},
+         "Unexpected value after '--quiet' (see tamrixrunner run --help)"},
+        {{"run", "s", "--report"}, "Missing value after '--report' (see tamrixrunner run --help)"},
+        {{"run", "s", "--report", "junit"},
+         "a report is given as FORMAT:PATH, not as 'junit' (see tamrixrunner run --help)"},
+        {{"run", "s", "--report", ":x"},
+         "a report is given as FORMAT:PATH, not as ':x' (see tamrixrunner run --help)"},
+        {{"run", "s", "--report", "json:/a/b", "--report", "junit:/a/c/../b"},
+         "two reports have the same path '/a/b' (see tamrixrunner run --help)"},
+        {{"run", "s", "--verbose", "--quiet"},
+         "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
+        {{"list"}, "list needs SUITE (see tamrixrunner list --help)"},
+        {{"list", "a", "b"}, "unexpected argument 'b' (see tamrixrunner list --help)"},
+        {{"list", "a", "--", "b"}, "list takes no script arguments (see tamrixrunner list --help)"},
+        {{"list", "a", "--report", "junit:x"},
+         "Unknown option 'report' (see tamrixrunner list --help)"},
+        {{"report", "j"},
+         "report needs at least one --to FORMAT:PATH (see tamrixrunner report --help)"},
+    };
+    for (const auto& row : rows) {
+        const CommandLine line = parse(row.arguments);
+        EXPECT_EQ(line.error, QString(row.error)) << qPrintable(row.arguments.join(' '));
+        EXPECT_EQ(line.text, QString());
+    }
+}
+
+}  // namespace
+}  // namespace Tamrix
