@@ -6,6 +6,7 @@
 
 #include "interpreter/debugger/testdebugger.h"
 #include "support/files.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "platform/objectmodel/inspector.h"
 #include "platform/testresult/testresult.h"
+#include "support/printqt.h"
 #include "support/recordingreport.h"
 
 namespace Tamrix {

@@ -6,6 +6,7 @@
 
 #include "support/environmentguard.h"
 #include "support/files.h"
+#include "support/printqt.h"
 #include "support/warningrecorder.h"
 
 namespace Tamrix {
