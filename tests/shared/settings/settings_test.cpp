@@ -245,9 +245,10 @@ TEST_F(SettingsTest, CopyStartsCleanAndAssignmentWritesWhatItReplaces) {
     Settings changed(path());
     changed.writeEntry("G", "a", 1);
     {
-        const Settings copy(changed);
+        Settings copy(changed);
         EXPECT_FALSE(copy.isDirty());
         EXPECT_EQ(copy.readNumEntry("G", "a"), 1);
+        copy.setExpandEnvironment(true);
     }
     EXPECT_FALSE(QFile::exists(path()));
     changed = Settings(folder.filePath("other.ini"));

@@ -1,6 +1,7 @@
 #include "shared/testdata/testdataset.h"
 
 #include <gtest/gtest.h>
+
 #include "support/printqt.h"
 
 namespace Tamrix {
