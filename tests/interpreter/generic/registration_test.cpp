@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include "support/fakelanguage.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+/// Writes down what is registered, in order.
+struct ListingContext : Test::FakeContext {
+    void addGlobalFunction(const QString& name, Function function) override {
+        names.append(name);
+        FakeContext::addGlobalFunction(name, function);
+    }
+    void addStaticMemberFunction(const QString& className, const QString& name,
+                                 Function function) override {
+        names.append(className + "." + name);
+        FakeContext::addStaticMemberFunction(className, name, function);
+    }
+    void addMemberFunction(const QString& className, const QString& name, Function) override {
+        names.append(className + "->" + name);
+    }
+    QStringList names;
+};
+
+TEST(Registration, RegistersWhatThereIsInOrder) {
+    ListingContext context;
+    context.initFunctions();
+    const QStringList first = context.names;
+    EXPECT_EQ(
+        first.join(' '),
+        "source test.pass test.xpass test.fail test.breakpoint test.xfail test.fatal test.log "
+        "test.warning test.skip test.verify test.xverify test.compare test.xcompare "
+        "test.exception test.resultCount test.stackTrace test.fixateResultContext "
+        "test.restoreResultContext test.startSection test.endSection test.attachFile "
+        "tamrixinfo.testCase tamrixinfo.testCaseName tamrixinfo.testSuiteName "
+        "tamrixinfo.version_str tamrixinfo.version tamrixinfo.major tamrixinfo.minor "
+        "tamrixinfo.patch tamrixinfo.settingsGroup tamrixinfo.defaultDevice "
+        "tamrixinfo.resultDir");
+    EXPECT_TRUE(ScriptContext::hasGlobalFunction("source"));
+    // What is not built yet is no name at all.
+    EXPECT_FALSE(ScriptContext::hasGlobalFunction("waitForObject"));
+    EXPECT_EQ(context.tryCall("object", "exists"), 2);
+
+    const auto description = ScriptContext::functionDescription("test::compare");
+    EXPECT_EQ(description.requiredParameters, (QStringList{"value1", "value2"}));
+    EXPECT_EQ(description.optionalParameters, QStringList("comment"));
+    for (const QString& name : first)
+        EXPECT_FALSE(
+            ScriptContext::functionDescription(QString(name).replace(".", "::")).text.isEmpty())
+            << name.toStdString();
+
+    context.names.clear();
+    context.initFunctions();
+    EXPECT_EQ(context.names, first);
+}
+
+}  // namespace
+}  // namespace Tamrix
