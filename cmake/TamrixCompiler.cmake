@@ -12,6 +12,8 @@ endif()
 add_library(tamrix-compiler INTERFACE)
 target_compile_options(tamrix-compiler INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual)
+# A call inside one of our shared libraries is a plain call, and may be inlined.
+target_compile_options(tamrix-compiler INTERFACE -fno-semantic-interposition -fno-plt)
 # Nothing that is built names the folder in which it was built.
 target_compile_options(tamrix-compiler INTERFACE
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.

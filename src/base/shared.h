@@ -17,7 +17,7 @@ public:
     /// A copy is an object of its own: it starts with a count of 0.
     Shared(const Shared&) {}
     Shared& operator=(const Shared&) { return *this; }
-    virtual ~Shared();
+    virtual ~Shared() = default;
 
     /// The number of SharedPtr objects that point here.
     int referenceCount() const { return m_referenceCount; }

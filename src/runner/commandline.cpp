@@ -57,7 +57,7 @@ QString addReports(const QStringList& reports, CommandLine& line) {
         for (const QString& other : qAsConst(line.reports)) {
             ReportDescription otherDescription;
             parseReportDescription(other, &otherDescription);
-            if (QFileInfo(description.path) == QFileInfo(otherDescription.path)) {
+            if (isSameFile(description.path, otherDescription.path)) {
                 return QStringLiteral("the reports '%1' and '%2' have the same path")
                     .arg(other, report);
             }
@@ -241,7 +241,21 @@ CommandLine parseCommand(const CommandDescription& command, const QStringList& a
     return problem.isEmpty() ? line : wrongUsage(problem, &command);
 }
 
+/// The path without links and "..", as far as it exists.
+QString resolvedPath(const QString& path) {
+    const QFileInfo info(path);
+    if (info.exists())
+        return info.canonicalFilePath();
+    const QString folder = QDir(info.absolutePath()).canonicalPath();
+    return folder.isEmpty() ? QDir::cleanPath(info.absoluteFilePath())
+                            : QDir(folder).filePath(info.fileName());
+}
+
 }  // namespace
+
+bool isSameFile(const QString& left, const QString& right) {
+    return resolvedPath(left) == resolvedPath(right);
+}
 
 CommandLine parseCommandLine(const QStringList& arguments) {
     // Everything behind the first "--" belongs to the scripts, options or not.

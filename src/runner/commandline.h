@@ -34,6 +34,9 @@ struct CommandLine {
     QStringList scriptArguments;
 };
 
+/// Whether both paths lead to one file, which need not exist.
+bool isSameFile(const QString& left, const QString& right);
+
 /// Reads the program's arguments, the first of which is its own name. Needs a QCoreApplication.
 CommandLine parseCommandLine(const QStringList& arguments);
 

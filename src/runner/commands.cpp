@@ -12,7 +12,6 @@
 #include "platform/testresult/consolereport.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
-#include "runner/installation.h"
 #include "runner/interrupt.h"
 #include "runner/suite.h"
 #include "runner/suiterun.h"
@@ -94,7 +93,6 @@ int runSuite(const CommandLine& line) {
     if (!error.isEmpty())
         return fail(error);
 
-    setInstallationPrefix();
     SuiteRunOptions options;
     options.failFast = line.failFast;
     options.resultDirectory = line.resultDirectory;
@@ -128,18 +126,17 @@ int listCases(const CommandLine& line) {
 }
 
 /// Whether a report would write over the journal that it is made from.
-bool overwritesJournal(const QString& description, const QFileInfo& journal) {
+bool overwritesJournal(const QString& description, const QString& journal) {
     ReportDescription report;
     parseReportDescription(description, &report);
-    return !report.path.isEmpty() && QFileInfo(report.path) == journal;
+    return !report.path.isEmpty() && isSameFile(report.path, journal);
 }
 
 int makeReports(const CommandLine& line) {
-    const QFileInfo journal(line.journal);
-    if (!journal.isFile())
+    if (!QFileInfo(line.journal).isFile())
         return fail(QStringLiteral("there is no journal '%1'").arg(line.journal));
     for (const QString& report : line.reports) {
-        if (overwritesJournal(report, journal))
+        if (overwritesJournal(report, line.journal))
             return fail(QStringLiteral("'%1' would write over the journal").arg(report));
     }
     // Without any report first: a faulty journal must not leave faulty reports behind.

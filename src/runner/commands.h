@@ -12,7 +12,7 @@ enum ExitCode {
 };
 
 /// Does what the command line asks for and returns the exit code. What goes wrong is told in one
-/// line each on standard error. Needs a QCoreApplication.
+/// line each on standard error. Needs a QCoreApplication and TAMRIX_PREFIX in the environment.
 int execute(const CommandLine& commandLine);
 
 }  // namespace Tamrix

@@ -10,5 +10,6 @@ int main(int argc, char* argv[]) {
     std::signal(SIGPIPE, SIG_IGN);
     Tamrix::useUnicodeLocale();
     const QCoreApplication application(argc, argv);
+    Tamrix::setInstallationPrefix();
     return Tamrix::execute(Tamrix::parseCommandLine(QCoreApplication::arguments()));
 }

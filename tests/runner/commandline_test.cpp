@@ -5,13 +5,14 @@
 #include <QDir>
 
 #include "runner/coreapplication.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
 CommandLine parse(const QStringList& arguments) {
     // The parser's help asks the application for the program's name.
-    Test::coreApplication();
+    Tamrix::Test::coreApplication();
     return parseCommandLine(QStringList("tamrixrunner") + arguments);
 }
 
@@ -26,10 +27,9 @@ TEST(CommandLine, RunWithEverything) {
     EXPECT_TRUE(line.failFast);
     EXPECT_TRUE(line.verbose);
     EXPECT_FALSE(line.quiet);
-    ASSERT_EQ(line.reports.size(), 2);
-    EXPECT_EQ(line.reports.at(0).format, QString("junit"));
-    EXPECT_EQ(line.reports.at(0).path, QDir::current().filePath("a:b.xml"));
-    EXPECT_EQ(line.reports.at(1).path, QString("/j"));
+    // The folder's own journal stands first.
+    EXPECT_EQ(line.reports, QStringList({"json:" + QDir::current().filePath("out/journal.jsonl"),
+                                         "junit:a:b.xml", "json:/tmp/../j"}));
     EXPECT_EQ(line.resultDirectory, QDir::current().filePath("out"));
     EXPECT_EQ(line.scriptArguments, QStringList({"--quiet", "--", "x"}));
 }
@@ -74,11 +74,19 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "Unexpected value after '--quiet' (see tamrixrunner run --help)"},
         {{"run", "s", "--report"}, "Missing value after '--report' (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "junit"},
-         "a report is given as FORMAT:PATH, not as 'junit' (see tamrixrunner run --help)"},
-        {{"run", "s", "--report", ":x"},
-         "a report is given as FORMAT:PATH, not as ':x' (see tamrixrunner run --help)"},
+         "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
+        {{"run", "s", "--report", "html:x"},
+         "Unknown report format 'html' in 'html:x'; the known ones are console, json, junit (see "
+         "tamrixrunner run --help)"},
+        {{"run", "s", "--report", "console:-"},
+         "the console report always goes to standard output; 'console:-' would write it twice (see "
+         "tamrixrunner run --help)"},
+        {{"run", "s", "--result-dir", "/a", "--report", "json:/a/../a/journal.jsonl"},
+         "the reports 'json:/a/journal.jsonl' and 'json:/a/../a/journal.jsonl' have the same path "
+         "(see tamrixrunner run --help)"},
         {{"run", "s", "--report", "json:/a/b", "--report", "junit:/a/c/../b"},
-         "two reports have the same path '/a/b' (see tamrixrunner run --help)"},
+         "the reports 'json:/a/b' and 'junit:/a/c/../b' have the same path (see tamrixrunner run "
+         "--help)"},
         {{"run", "s", "--verbose", "--quiet"},
          "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"list"}, "list needs SUITE (see tamrixrunner list --help)"},

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "support/printqt.h"
+
 namespace Tamrix {
 namespace {
 

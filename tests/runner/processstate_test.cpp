@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "support/printqt.h"
+
 namespace Tamrix {
 namespace {
 

@@ -11,13 +11,14 @@
 #include "platform/objectmodel/inspector.h"
 #include "runner/coreapplication.h"
 #include "runner/interrupt.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
 class RunnerTest : public testing::Test {
 protected:
-    RunnerTest() { Test::coreApplication(); }
+    RunnerTest() { Tamrix::Test::coreApplication(); }
 
     double secondsOfSnooze(double seconds) {
         QElapsedTimer timer;

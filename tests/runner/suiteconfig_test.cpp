@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "runner/suitefolder.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
@@ -105,7 +106,7 @@ TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
 }
 
 TEST(SuiteConfig, FileMayBeAbsentButNotTooLargeOrUnreadable) {
-    const Test::SuiteFolder suite;
+    const Tamrix::Test::SuiteFolder suite;
     QString error;
     EXPECT_TRUE(readSuiteConfig(suite.path(), &error).cases.isEmpty());
     EXPECT_EQ(error, QString());

@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
+
+#include "support/files.h"
 
 namespace Tamrix::Test {
 
@@ -14,11 +13,7 @@ class SuiteFolder {
 public:
     /// Writes a file and the folders that it needs.
     void write(const QString& name, const QByteArray& text = {}) const {
-        const QString file = path(name);
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(file).path()));
-        QFile out(file);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly)) << qPrintable(out.errorString());
-        ASSERT_EQ(out.write(text), text.size());
+        ASSERT_TRUE(writeFile(path(name), text)) << qPrintable(name);
     }
 
     QString path() const { return m_directory.path(); }

@@ -8,6 +8,7 @@
 #include "runner/coreapplication.h"
 #include "runner/interrupt.h"
 #include "runner/suitefolder.h"
+#include "support/printqt.h"
 #include "support/recordingreport.h"
 
 namespace Tamrix {
@@ -20,7 +21,7 @@ using Kind = ReportEntry::Kind;
 class SuiteRunTest : public testing::Test {
 protected:
     SuiteRunTest() {
-        Test::coreApplication();
+        Tamrix::Test::coreApplication();
         Environment::setVariable(prefixVariable, folder.path("prefix"));
     }
     ~SuiteRunTest() override { Interrupt::reset(); }
@@ -43,8 +44,8 @@ protected:
         return all;
     }
 
-    Test::SuiteFolder folder;
-    Test::RecordingReport report;
+    Tamrix::Test::SuiteFolder folder;
+    Tamrix::Test::RecordingReport report;
     bool hasFailed = false;
     int interruptedBy = 0;
     int skippedCases = 0;

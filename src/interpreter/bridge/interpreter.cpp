@@ -11,11 +11,7 @@
 
 namespace Tamrix {
 
-namespace {
-
-Interpreter* s_self = nullptr;
-
-}  // namespace
+Interpreter* Interpreter::s_self = nullptr;
 
 Interpreter::Interpreter(RunnerInterface* runner) : m_runner(runner) {
     s_self = this;
@@ -28,17 +24,9 @@ Interpreter::~Interpreter() {
     s_self = nullptr;
 }
 
-Interpreter* Interpreter::self() {
-    return s_self;
-}
-
 void Interpreter::setSelf(Interpreter* interpreter) {
     s_self = interpreter;
     Debugger::setSelf(interpreter ? interpreter->debugger() : nullptr);
-}
-
-RunnerInterface* Interpreter::currentRunner() {
-    return s_self ? s_self->m_runner : nullptr;
 }
 
 // The current error

@@ -35,11 +35,11 @@ public:
     Interpreter(const Interpreter&) = delete;
     Interpreter& operator=(const Interpreter&) = delete;
 
-    static Interpreter* self();
+    static Interpreter* self() { return s_self; }
     /// Also makes that interpreter's debugger, or none, the current one.
     static void setSelf(Interpreter* interpreter);
     /// The runner of self(), null without one.
-    static RunnerInterface* currentRunner();
+    static RunnerInterface* currentRunner() { return s_self ? s_self->m_runner : nullptr; }
 
     /// Runs script text. False on failure, with the error fields set; errorLine() is -1 on success.
     virtual bool evaluate(const QString& text, const QString& fileName, int line = 0,
@@ -125,6 +125,8 @@ public:
     void initNativeAPI();
 
 private:
+    static Interpreter* s_self;
+
     mutable std::vector<LineInfo> m_errorCallStack;
     QString m_errorMessage;
     QImage m_errorImage;

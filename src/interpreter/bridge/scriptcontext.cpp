@@ -26,13 +26,16 @@ FunctionTables& tables() {
     return instance;
 }
 
-ScriptContext* s_current = nullptr;
+/// What each call starts with.
+const QString s_noError;
 
 QString memberKey(const QString& className, const QString& name) {
     return className + QLatin1String("::") + name;
 }
 
 }  // namespace
+
+ScriptContext* ScriptContext::s_current = nullptr;
 
 ScriptContext::~ScriptContext() {
     clearArguments();
@@ -41,7 +44,9 @@ ScriptContext::~ScriptContext() {
 // Errors
 
 void ScriptContext::setError(const QString& message, ErrorType type) {
-    m_errorMessage = message;
+    // Each call clears an error that mostly is not there.
+    if (!message.isEmpty() || !m_errorMessage.isEmpty())
+        m_errorMessage = message;
     m_errorType = type;
     m_errorFrame = DebuggerFrame();
 }
@@ -63,14 +68,6 @@ void ScriptContext::clearArguments() {
 
 SharedPtr<ScriptArgument> ScriptContext::argument(int index) const {
     return index >= 0 && index < argumentCount() ? m_arguments[index] : SharedPtr<ScriptArgument>();
-}
-
-ScriptContext* ScriptContext::current() {
-    return s_current;
-}
-
-void ScriptContext::setCurrent(ScriptContext* context) {
-    s_current = context;
 }
 
 // Tables
@@ -140,9 +137,8 @@ int ScriptContext::tryCall(const QString& className, const QString& name) {
     return call(function);
 }
 
-void ScriptContext::prepareCall() {
-    static const QString noError;
-    setError(noError, GeneralError);
+inline void ScriptContext::prepareCall() {
+    setError(s_noError, GeneralError);
     clearError();
 }
 

@@ -125,8 +125,8 @@ public:
     /// The result sink of the test case, null when there is none: results are then dropped.
     TestResult* testResult() const { return m_testResult; }
 
-    static ScriptContext* current();
-    static void setCurrent(ScriptContext* context);
+    static ScriptContext* current() { return s_current; }
+    static void setCurrent(ScriptContext* context) { s_current = context; }
 
     /// 0 when the function ran and set no error, 1 when it set an error, 2 when there is no such
     /// function; the last leaves the error as it was.
@@ -196,6 +196,8 @@ private:
     int call(Function function);
     /// First part of every call.
     void prepareCall();
+
+    static ScriptContext* s_current;
 
     std::vector<SharedPtr<ScriptArgument>> m_arguments;
     QString m_errorMessage;

@@ -162,9 +162,11 @@ void ConsoleReport::announceCase(const CaseTally& tally) {
     m_announcedId = tally.id;
     if (isSuite && tally.name.isEmpty())
         return;
-    QString text = isSuite ? QStringLiteral("Suite ") + tally.name : tally.name + QLatin1Char(':');
+    QString text = isSuite ? QStringLiteral("Suite ") + tally.name : tally.name;
     if (m_verbosity == Verbosity::Verbose && !tally.path.isEmpty())
         text += QStringLiteral(" (%1)").arg(tally.path);
+    if (!isSuite)
+        text += QLatin1Char(':');
     addLine(text, isSuite ? 0 : 1);
 }
 

@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -60,9 +61,10 @@ void appendUtf8(QByteArray& line, uint c) {
 }
 
 void appendEscape(QByteArray& line, uint c) {
-    char buffer[8];
-    std::snprintf(buffer, sizeof buffer, "\\u%04x", c);
-    line += buffer;
+    static const char s_digits[] = "0123456789abcdef";
+    line += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        line += s_digits[(c >> shift) & 0xf];
 }
 
 /// Appends a JSON string. Written here and not by QJsonDocument, which sorts the keys of an object
@@ -110,6 +112,28 @@ void appendNumber(QByteArray& line, const char* key, int number) {
     line += QByteArray::number(number);
 }
 
+/// The offset of a local time, in seconds. The C library looks at the time zone's file for each
+/// conversion, which can take longer than all the rest of an entry; offsets change on quarters of
+/// an hour only.
+int offsetFromUtc(const QDateTime& time) {
+    using Clock = std::chrono::steady_clock;
+    static qint64 s_quarter = -1;
+    static Clock::time_point s_asked;
+    static int s_offset = 0;
+    if (time.timeSpec() != Qt::LocalTime)
+        return time.offsetFromUtc();
+    const qint64 quarter =
+        time.date().toJulianDay() * 96 + time.time().msecsSinceStartOfDay() / (15 * 60 * 1000);
+    const Clock::time_point now = Clock::now();
+    // The minute tells the hour that the end of summer time repeats from the hour before.
+    if (quarter != s_quarter || now - s_asked > std::chrono::minutes(1)) {
+        s_quarter = quarter;
+        s_asked = now;
+        s_offset = time.offsetFromUtc();
+    }
+    return s_offset;
+}
+
 /// Appends `,"key":"2024-05-01T12:00:00.123+02:00"`. QDateTime::toString() says the same in ten
 /// times the time.
 void appendTime(QByteArray& line, const char* key, const QDateTime& time) {
@@ -120,7 +144,7 @@ void appendTime(QByteArray& line, const char* key, const QDateTime& time) {
     if (!time.isValid() || year < 1 || year > 9999)
         return;
     const QTime clock = time.time();
-    const int offset = time.offsetFromUtc();
+    const int offset = offsetFromUtc(time);
     const int offsetMinutes = std::abs(offset) / 60;
     char buffer[64];
     std::snprintf(buffer, sizeof buffer,
@@ -251,7 +275,7 @@ QByteArray entryLine(const ReportEntry& entry) {
     line += kindName(entry.kind);
     line += '"';
     appendTime(line, "time", entry.time);
-    if (entry.type != 0)
+    if (entry.type != 0 || entry.kind == Kind::Result)
         appendNumber(line, "type", entry.type);
     appendText(line, "message", entry.message);
     appendText(line, "detail", entry.detail);

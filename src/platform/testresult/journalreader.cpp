@@ -82,7 +82,7 @@ bool JournalReader::replay(QIODevice* device, const QString& name) {
             isTooLong ? QStringLiteral("the line is longer than %1 bytes").arg(Journal::longestLine)
                       : readLine(line, number == 1, isWhole);
         if (!error.isEmpty()) {
-            m_error = QStringLiteral("%1:%2: %3").arg(name).arg(number).arg(error);
+            m_error = QStringLiteral("%1:%2: %3").arg(name, QString::number(number), error);
             return false;
         }
     }

@@ -132,7 +132,9 @@ void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
 
 }  // namespace
 
-JUnitReport::JUnitReport(const QString& path) : m_path(prepareReportTarget(path, &m_error)) {}
+JUnitReport::JUnitReport(const QString& path) {
+    m_path = prepareReportTarget(path, &m_error);
+}
 
 JUnitReport::~JUnitReport() = default;
 

@@ -17,17 +17,20 @@ using Generator = std::unique_ptr<ReportGenerator>;
 Generator createConsoleReport(const QString& path, ConsoleReport::Verbosity verbosity,
                               QString* error) {
     auto file = std::make_unique<QFile>();
+    bool isOpen = false;
     if (path.isEmpty() || path == QLatin1String("-")) {
-        file->open(stdout, QIODevice::WriteOnly);
+        file->setFileName(QStringLiteral("standard output"));
+        isOpen = file->open(stdout, QIODevice::WriteOnly);
     } else {
         file->setFileName(prepareReportTarget(path, error));
         if (!error->isEmpty())
             return nullptr;
-        if (!file->open(QIODevice::WriteOnly)) {
-            *error = QStringLiteral("The report '%1' can't be written: %2")
-                         .arg(file->fileName(), file->errorString());
-            return nullptr;
-        }
+        isOpen = file->open(QIODevice::WriteOnly);
+    }
+    if (!isOpen) {
+        *error = QStringLiteral("The report '%1' can't be written: %2")
+                     .arg(file->fileName(), file->errorString());
+        return nullptr;
     }
     return std::make_unique<ConsoleReport>(std::move(file), verbosity, false);
 }

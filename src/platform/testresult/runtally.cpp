@@ -42,7 +42,7 @@ QString outcomeText(CaseOutcome outcome) {
         case CaseOutcome::Failed:
             return QStringLiteral("failed");
         case CaseOutcome::Error:
-            return QStringLiteral("ended by an error");
+            return QStringLiteral("with errors");
         case CaseOutcome::Skipped:
             return QStringLiteral("skipped");
         case CaseOutcome::Incomplete:

@@ -220,8 +220,8 @@ void TestResult::endSectionOfKind(ReportEntry entry) {
                                     });
     if (match == m_openSections.rend()) {
         // The script has closed more sections than it opened: this one has its end already.
-        qWarning("There is no open section '%s' of the kind '%s' to end",
-                 qUtf8Printable(entry.message), qUtf8Printable(entry.extra));
+        qWarning("There is no open section of the kind '%s' that '%s' could end",
+                 qUtf8Printable(entry.extra), qUtf8Printable(entry.message));
         return;
     }
     closeSections(std::size_t(m_openSections.rend() - match));

@@ -1,7 +1,5 @@
 #include "plugins/python/nativefunction.h"
 
-#include <pthread.h>
-
 #include <QHash>
 #include <memory>
 #include <string>
@@ -94,33 +92,27 @@ private:
 
 /// Runs the native function in the context, which has its arguments. `first` is the object or class
 /// of the kinds that have one.
+template <Kind kind>
 PyObject* run(const Target& target, PythonContext& context, PythonContext::Call& call,
               PyObject* first) {
-    switch (target.kind) {
-        case Kind::Table:
-            context.execute(target.table);
-            break;
-        case Kind::Native:
-        case Kind::StaticAccessor:
-            context.execute(target.native);
-            break;
-        case Kind::Method:
-            context.execute(target.method, NativeHolder::unwrap(first));
-            break;
-        case Kind::Constructor: {
-            SharedPtr<NativeScriptObject> made = context.execute(target.constructor);
-            if (!context.hasError() && made)
-                return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
-                    .release();
-            if (!context.hasError())
-                context.setError("No " + target.displayName + " could be made");
-            break;
-        }
+    if constexpr (kind == Kind::Table) {
+        context.execute(target.table);
+    } else if constexpr (kind == Kind::Native || kind == Kind::StaticAccessor) {
+        context.execute(target.native);
+    } else if constexpr (kind == Kind::Method) {
+        context.execute(target.method, NativeHolder::unwrap(first));
+    } else {
+        SharedPtr<NativeScriptObject> made = context.execute(target.constructor);
+        if (!context.hasError() && made)
+            return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
+                .release();
+        if (!context.hasError())
+            context.setError("No " + target.displayName + " could be made");
     }
     return call.finish();
 }
 
-bool hasFirst(Kind kind) {
+constexpr bool hasFirst(Kind kind) {
     return kind != Kind::Table && kind != Kind::Native;
 }
 
@@ -151,42 +143,35 @@ bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t cou
     return false;
 }
 
-/// The interpreter whose script may call now; null with the exception set when there is none or the
-/// caller is on another thread.
-PythonInterpreter* callingInterpreter(const Target& target) {
-    PythonInterpreter* const interpreter = PythonInterpreter::active();
-    if (!interpreter) {
-        raiseScriptError(ScriptContext::GeneralError,
-                         target.displayName + "() was called while no test case runs");
-        return nullptr;
-    }
-    if (!pthread_equal(pthread_self(), interpreter->scriptThread())) {
-        raiseScriptError(ScriptContext::GeneralError,
-                         target.displayName +
-                             "() was called from another thread than the test script's: only that "
-                             "thread may use the functions of the test system");
-        return nullptr;
-    }
-    return interpreter;
+/// The answer to a call that comes from elsewhere than a running test script.
+PyObject* refuseCall(const Target& target, bool testCaseRuns) {
+    raiseScriptError(
+        ScriptContext::GeneralError,
+        target.displayName + (testCaseRuns
+                                  ? "() was called from another thread than the test script's: "
+                                    "only that thread may use the functions of the test system"
+                                  : "() was called while no test case runs"));
+    return nullptr;
 }
 
-/// A native function may throw. The script gets an exception with its text.
+/// A native function may throw; the script gets an exception with its text.
 PyObject* reportNativeException(const Target& target, const char* text) {
     raiseScriptError(ScriptContext::GeneralError,
                      target.displayName + "() failed: " + QString::fromUtf8(text));
     return nullptr;
 }
 
+template <Kind kind>
 PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t count,
                      PyObject* names) {
     const Target& target = *reinterpret_cast<TargetObject*>(self)->target;
-    PythonInterpreter* const interpreter = callingInterpreter(target);
-    if (!interpreter)
-        return nullptr;
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    if (!interpreter || !interpreter->isScriptThread())
+        return refuseCall(target, interpreter != nullptr);
     // What the script has printed stands before what the call will write.
     interpreter->output().flush();
     PyObject* first = nullptr;
-    if (hasFirst(target.kind)) {
+    if constexpr (hasFirst(kind)) {
         if (!checkFirst(target, arguments, count))
             return nullptr;
         first = *arguments++;
@@ -196,11 +181,11 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
     try {
         if (!names) {
             PythonContext::Call call(context, arguments, count);
-            return run(target, context, call, first);
+            return run<kind>(target, context, call, first);
         }
         const BoundArguments bound(target, arguments, count, names);
         PythonContext::Call call(context, bound.data(), bound.count());
-        return run(target, context, call, first);
+        return run<kind>(target, context, call, first);
     } catch (const PythonErrorSet&) {
         return nullptr;
     } catch (const std::exception& exception) {
@@ -208,6 +193,25 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
     } catch (...) {
         return reportNativeException(target, "unknown exception");
     }
+}
+
+using Entry = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*);
+
+/// The C function behind a Python function; one for each kind, since every call goes through it.
+Entry entryOf(Kind kind) {
+    switch (kind) {
+        case Kind::Table:
+            return callTarget<Kind::Table>;
+        case Kind::Native:
+            return callTarget<Kind::Native>;
+        case Kind::StaticAccessor:
+            return callTarget<Kind::StaticAccessor>;
+        case Kind::Method:
+            return callTarget<Kind::Method>;
+        case Kind::Constructor:
+            break;
+    }
+    return callTarget<Kind::Constructor>;
 }
 
 // Function objects
@@ -260,9 +264,10 @@ PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Targe
         target->parameters.append(pythonName(name));
     target->name = pythonName(signature.name).toStdString();
     target->doc = docText(signature, target->kind);
-    target->definition = {target->name.c_str(),
-                          reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(callTarget)),
-                          METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
+    target->definition = {
+        target->name.c_str(),
+        reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(entryOf(target->kind))),
+        METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
 
     PyTypeObject* const type = targetType();
     const PyRef self = PyRef::steal(type ? type->tp_alloc(type, 0) : nullptr);

@@ -11,18 +11,6 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Freed arguments, linked through their own memory.
-struct FreeBlock {
-    FreeBlock* next;
-};
-FreeBlock* s_freeBlocks = nullptr;
-int s_freeCount = 0;
-#ifdef __SANITIZE_ADDRESS__
-constexpr int maximumFreeCount = 0;  // freed memory must be seen as freed
-#else
-constexpr int maximumFreeCount = 256;
-#endif
-
 /// An exact or derived int that is no bool.
 bool isPyInteger(PyObject* object) {
     return PyLong_Check(object) && !PyBool_Check(object);
@@ -52,24 +40,6 @@ long long integerOf(PyObject* object) {
 PythonArgument::PythonArgument(PyRef object) : m_object(std::move(object)) {
     if (!m_object)
         throw PythonErrorSet();
-}
-
-void* PythonArgument::operator new(std::size_t size) {
-    if (FreeBlock* block = s_freeBlocks) {
-        s_freeBlocks = block->next;
-        --s_freeCount;
-        return block;
-    }
-    return ::operator new(size);
-}
-
-void PythonArgument::operator delete(void* memory, std::size_t size) {
-    if (s_freeCount == maximumFreeCount) {
-        ::operator delete(memory, size);
-        return;
-    }
-    s_freeBlocks = new (memory) FreeBlock{s_freeBlocks};
-    ++s_freeCount;
 }
 
 // Type tests

@@ -5,16 +5,14 @@
 
 namespace Tamrix::PythonPlugin {
 
-/// One Python object as a script value. Made for each argument of each call, hence taken from a
-/// pool. Conversions that Python refuses throw PythonErrorSet.
+/// One Python object as a script value. Conversions that Python refuses throw PythonErrorSet.
 class PythonArgument final : public ScriptArgument {
 public:
     /// `object` must not be null: PythonErrorSet is thrown for a reference that could not be made.
     explicit PythonArgument(PyRef object);
 
-    /// Memory comes from a pool of freed arguments. Script thread only.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* memory, std::size_t size);
+    /// Makes the wrapper stand for another object, or for none while it is not used.
+    void rebind(PyRef object) { m_object = std::move(object); }
 
     PyObject* object() const { return m_object.get(); }
 

@@ -44,42 +44,23 @@ Namespaces callingNamespaces(PythonInterpreter& interpreter) {
 
 // Calls
 
-PythonContext::Call::Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count)
-    : m_context(context) {
-    std::vector<SharedPtr<ScriptArgument>>& storage = context.argumentStorage();
-    if (context.m_depth++ > 0) {
-        m_outer.emplace();
-        m_outer->arguments.swap(storage);
-        m_outer->errorMessage = context.errorMessage();
-        m_outer->errorType = context.errorType();
-        m_outer->result = std::move(context.m_result);
-    }
-    for (Py_ssize_t index = 0; index < count; ++index)
-        storage.emplace_back(new PythonArgument(PyRef::borrow(arguments[index])));
-    setCurrent(&context);
+void PythonContext::Call::keepOuter() {
+    m_outer = std::make_unique<Outer>();
+    m_outer->arguments.swap(m_context.argumentStorage());
+    m_outer->errorMessage = m_context.errorMessage();
+    m_outer->errorType = m_context.errorType();
+    m_outer->result = std::move(m_context.m_result);
 }
 
-PythonContext::Call::~Call() {
-    std::vector<SharedPtr<ScriptArgument>>& storage = m_context.argumentStorage();
-    storage.clear();
-    --m_context.m_depth;
-    if (m_outer) {
-        storage.swap(m_outer->arguments);
-        m_context.setError(m_outer->errorMessage, m_outer->errorType);
-        m_context.m_result = std::move(m_outer->result);
-    } else if (m_context.m_result) {
-        m_context.m_result = PyRef();
-    }
+void PythonContext::Call::restoreOuter() {
+    m_context.argumentStorage().swap(m_outer->arguments);
+    m_context.setError(m_outer->errorMessage, m_outer->errorType);
+    m_context.m_result = std::move(m_outer->result);
 }
 
-PyObject* PythonContext::Call::finish() {
-    if (m_context.hasError()) {
-        raiseScriptError(m_context.errorType(), m_context.errorMessage());
-        return nullptr;
-    }
-    if (m_context.m_result)
-        return m_context.m_result.release();
-    Py_RETURN_NONE;
+PyObject* PythonContext::Call::raise() {
+    raiseScriptError(m_context.errorType(), m_context.errorMessage());
+    return nullptr;
 }
 
 PythonContext::PythonContext(PythonInterpreter& interpreter) : m_interpreter(interpreter) {}
@@ -91,7 +72,8 @@ ScriptContext* PythonContext::createSubContext() {
 }
 
 void PythonContext::clearError() {
-    PyErr_Clear();
+    if (m_interpreter.isErrorSet())
+        PyErr_Clear();
 }
 
 void PythonContext::setResult(SharedPtr<ScriptArgument> value) {

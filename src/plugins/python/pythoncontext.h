@@ -1,6 +1,7 @@
 #pragma once
 
-#include <optional>
+#include <memory>
+#include <vector>
 
 #include "interpreter/bridge/scriptcontext.h"
 #include "plugins/python/pyref.h"
@@ -26,14 +27,35 @@ public:
     /// away at the end.
     class Call {
     public:
-        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count);
-        ~Call();
+        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count)
+            : m_context(context) {
+            if (context.m_depth++ > 0)
+                keepOuter();
+            for (Py_ssize_t index = 0; index < count; ++index)
+                context.argumentStorage().push_back(
+                    context.takeArgument(PyRef::borrow(arguments[index])));
+            setCurrent(&context);
+        }
+        ~Call() {
+            --m_context.m_depth;
+            m_context.giveArgumentsBack();
+            if (m_outer)
+                restoreOuter();
+            else if (m_context.m_result)
+                m_context.m_result = PyRef();
+        }
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
 
         /// What Python gets: the result, None without one, or null with the exception set for the
         /// context's error.
-        PyObject* finish();
+        PyObject* finish() {
+            if (m_context.hasError())
+                return raise();
+            if (m_context.m_result)
+                return m_context.m_result.release();
+            return Py_NewRef(Py_None);
+        }
 
     private:
         /// State of a call that is running already.
@@ -43,8 +65,12 @@ public:
             ErrorType errorType;
             PyRef result;
         };
+        void keepOuter();
+        void restoreOuter();
+        PyObject* raise();
+
         PythonContext& m_context;
-        std::optional<Outer> m_outer;
+        std::unique_ptr<Outer> m_outer;
     };
 
     ScriptContext* createSubContext() override;
@@ -84,9 +110,31 @@ public:
     bool evaluate(const QString& text, const QString& fileName) override;
 
 private:
+    /// Wrappers of arguments are used again as long as nobody has kept them.
+    SharedPtr<ScriptArgument> takeArgument(PyRef object) {
+        if (m_spareArguments.empty())
+            return new PythonArgument(std::move(object));
+        SharedPtr<ScriptArgument> argument = std::move(m_spareArguments.back());
+        m_spareArguments.pop_back();
+        static_cast<PythonArgument*>(argument.get())->rebind(std::move(object));
+        return argument;
+    }
+    void giveArgumentsBack() {
+        std::vector<SharedPtr<ScriptArgument>>& storage = argumentStorage();
+        while (!storage.empty()) {
+            SharedPtr<ScriptArgument> argument = std::move(storage.back());
+            storage.pop_back();
+            if (argument->referenceCount() == 1) {
+                static_cast<PythonArgument*>(argument.get())->rebind(PyRef());
+                m_spareArguments.push_back(std::move(argument));
+            }
+        }
+    }
+
     PythonInterpreter& m_interpreter;
     PyRef m_result;
     int m_depth = 0;
+    std::vector<SharedPtr<ScriptArgument>> m_spareArguments;
 };
 
 }  // namespace Tamrix::PythonPlugin

@@ -44,8 +44,9 @@ PyTypeObject* classOfMembers(const QString& className) {
 }  // namespace
 
 PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
-    : Interpreter(runner), m_scriptThread(pthread_self()) {
+    : Interpreter(runner), m_scriptThread(__builtin_thread_pointer()) {
     PythonRuntime::self();
+    m_threadState = PyThreadState_Get();
     s_instances.push_back(this);
     s_active = this;
     m_context = std::make_unique<PythonContext>(*this);

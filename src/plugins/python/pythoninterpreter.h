@@ -1,7 +1,5 @@
 #pragma once
 
-#include <pthread.h>
-
 #include <QByteArray>
 #include <QString>
 #include <memory>
@@ -32,7 +30,17 @@ public:
     PythonContext& context() { return *m_context; }
     SourceFiles& files() { return m_files; }
     ScriptOutput& output() { return m_output; }
-    pthread_t scriptThread() const { return m_scriptThread; }
+    /// Whether the calling thread is the one on which the interpreter was made.
+    bool isScriptThread() const { return __builtin_thread_pointer() == m_scriptThread; }
+
+    /// PyErr_Occurred() for the script's thread, which each call asks.
+    bool isErrorSet() const {
+#if PY_VERSION_HEX < 0x030C0000
+        return m_threadState->curexc_type != nullptr;
+#else
+        return m_threadState->current_exception != nullptr;
+#endif
+    }
 
     // Names for scripts. They throw PythonErrorSet when Python refuses.
     void defineGlobal(const QString& name, const PyRef& value);
@@ -57,7 +65,9 @@ public:
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     void initTestFunctions(TestResult* result) override;
     QString addToSearchPath(const QFileInfo& directory) override;
-    Language language() const override { return Python; }
+    Language language() const override {
+        return Python;
+    }
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
 
 private:
@@ -69,7 +79,8 @@ private:
     static PythonInterpreter* s_active;
     static std::vector<PythonInterpreter*> s_instances;
 
-    pthread_t m_scriptThread;
+    void* m_scriptThread;
+    PyThreadState* m_threadState = nullptr;
     SourceFiles m_files;
     ScriptOutput m_output;
     std::unique_ptr<PythonContext> m_context;

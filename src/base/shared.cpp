@@ -1,7 +1,0 @@
-#include "base/shared.h"
-
-namespace Tamrix {
-
-Shared::~Shared() = default;
-
-}  // namespace Tamrix

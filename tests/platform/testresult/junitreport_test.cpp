@@ -1,0 +1,166 @@
+#include "platform/testresult/junitreport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+
+#include "platform/testresult/resulttext.h"
+#include "samplerun.h"
+#include "support/golden.h"
+
+using namespace Tamrix;
+using namespace Tamrix::Test;
+using Kind = ReportEntry::Kind;
+
+namespace {
+
+class JUnitReportTest : public testing::Test {
+protected:
+    /// Runs `add` with a report, finishes it and returns the file.
+    template <typename Add>
+    QByteArray report(Add add) {
+        JUnitReport junit(path);
+        add(&junit);
+        junit.finish();
+        EXPECT_EQ(junit.errorText(), QString());
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    /// What the schema has against the file; empty when nothing.
+    std::string schemaErrors() const {
+        QProcess process;
+        process.start(XMLLINT,
+                      {"--noout", "--nonet", "--schema",
+                       TAMRIX_TEST_SOURCE_DIR "/tests/platform/testresult/junit.xsd", path});
+        if (!process.waitForFinished())
+            return "xmllint did not run";
+        return process.exitCode() == 0 ? std::string()
+                                       : process.readAllStandardError().toStdString();
+    }
+
+    QTemporaryDir directory;
+    QString path = directory.filePath("junit.xml");
+};
+
+/// The texts of all elements of a name, and the error of the reader if there is one.
+QStringList elementTexts(const QByteArray& xml, const QString& name) {
+    QStringList texts;
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == name)
+            texts += reader.readElementText();
+    }
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    return texts;
+}
+
+TEST_F(JUnitReportTest, TellsARun) {
+    const QByteArray xml = report(addSampleRun);
+    EXPECT_EQ(schemaErrors(), "");
+    EXPECT_TRUE(compareWithGolden("testresult/junit.xml", QString::fromUtf8(xml)));
+}
+
+TEST_F(JUnitReportTest, ShowsWhatHappenedOutsideTheCases) {
+    const struct {
+        const char* description;
+        bool addsFailure;
+        bool startsCase;
+        bool isInterrupted;
+        const char* contained;
+        int cases;
+    } rows[] = {
+        {"nothing", false, false, false, "tests=\"0\"", 0},
+        {"failure", true, false, false, "<error message=\"No plug-in: gone\" type=\"Fatal\">", 1},
+        {"failure and interruption", true, true, true, "type=\"Interrupted\">", 2},
+        {"interruption between the cases", false, false, true, "type=\"Interrupted\">", 1},
+        {"interruption of a case", false, true, true, "type=\"Interrupted\">", 1},
+    };
+    for (const auto& row : rows) {
+        const QByteArray xml = report([&row](ReportGenerator* junit) {
+            TestResult result(junit);
+            result.startSuite("s", "/s");
+            if (row.addsFailure)
+                result.addResult(TestResult::Fatal, "No plug-in", "gone", LineInfo());
+            if (row.startsCase)
+                result.startCase("c", "/c");
+            result.endSuite(row.isInterrupted);
+        });
+        EXPECT_EQ(schemaErrors(), "") << row.description;
+        EXPECT_TRUE(xml.contains(row.contained)) << row.description << "\n" << xml.toStdString();
+        EXPECT_EQ(xml.count("<testcase "), row.cases) << row.description;
+    }
+    // Killed between the cases.
+    const QByteArray xml = report([](ReportGenerator* junit) {
+        TestResult result(junit);
+        result.startSuite("s", "/s");
+        result.setComplete();
+    });
+    EXPECT_TRUE(xml.contains("type=\"Incomplete\"")) << xml.toStdString();
+}
+
+TEST_F(JUnitReportTest, ReplacesCharactersThatXmlForbids) {
+    const struct {
+        QString text;
+        QString escaped;
+    } rows[] = {
+        {QString(QChar(0)) + "a\x1f", "\\x00a\\x1f"},
+        {"]]> <![CDATA[ & \" '", "]]> <![CDATA[ & \" '"},
+        // Every reader of XML takes a carriage return for the end of a line.
+        {QString("a\tb\nc\rd"), QString("a\tb\nc\nd")},
+        {QString(QChar(0xfffe)) + QChar(0xffff) + QChar(0xfffd),
+         QStringLiteral("\\ufffe\\uffff") + QChar(0xfffd)},
+        {QString(QChar(0xd83d)) + "x" + QChar(0xde00), "\\ud83dx\\ude00"},
+        {QString::fromUtf8("\xf0\x9f\x98\x80"), QString::fromUtf8("\xf0\x9f\x98\x80")},
+    };
+    for (const auto& row : rows) {
+        const QByteArray xml = report([&row](ReportGenerator* junit) {
+            TestResult result(junit);
+            result.startCase("c", "/c");
+            result.addOutput("stdout", row.text);
+        });
+        EXPECT_EQ(elementTexts(xml, "system-out"), QStringList{row.escaped});
+        EXPECT_EQ(schemaErrors(), "");
+    }
+}
+
+TEST_F(JUnitReportTest, StaysWellFormedWhateverTheTexts) {
+    std::mt19937 random(99);
+    for (int run = 0; run < 300; ++run) {
+        QString output;
+        const QByteArray xml = report([&](ReportGenerator* junit) {
+            for (int i = 0; i < 20; ++i) {
+                ReportEntry entry;
+                entry.kind = Kind(random() % 11);
+                entry.type = int(random() % 16);
+                entry.message = randomText(random, 12);
+                entry.detail = randomText(random, 12);
+                entry.extra = random() % 2 ? randomText(random, 12) : QString("testcase");
+                entry.path = randomText(random, 12);
+                entry.callStack = {{randomText(random, 12), int(random() % 9)}};
+                junit->add(entry);
+            }
+        });
+        elementTexts(xml, "system-out");
+        if (run % 50 == 0) {
+            EXPECT_EQ(schemaErrors(), "");
+        }
+    }
+}
+
+TEST_F(JUnitReportTest, LeavesNoHalfWrittenFile) {
+    report(addSampleRun);
+    // A folder that can't take the new file, whoever runs the test.
+    JUnitReport junit("/proc/self/junit.xml");
+    junit.finish();
+    EXPECT_NE(junit.errorText(), QString());
+    EXPECT_TRUE(junit.errorText().contains("/proc/self/junit.xml"));
+    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files), QStringList{"junit.xml"});
+}
+
+}  // namespace

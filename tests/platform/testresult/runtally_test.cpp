@@ -1,0 +1,136 @@
+#include "platform/testresult/runtally.h"
+
+#include <gtest/gtest.h>
+
+#include "samplerun.h"
+#include "support/recordingreport.h"
+
+using namespace Tamrix;
+using namespace Tamrix::Test;
+using Kind = ReportEntry::Kind;
+
+namespace {
+
+ReportEntry entryOf(Kind kind, const QString& message = QString(),
+                    const QString& extra = QString()) {
+    ReportEntry entry;
+    entry.kind = kind;
+    entry.message = message;
+    entry.extra = extra;
+    return entry;
+}
+
+ReportEntry resultOf(int type, const QString& extra = QString(), bool echo = false) {
+    ReportEntry entry = entryOf(Kind::Result, "message", extra);
+    entry.type = type;
+    entry.echo = echo;
+    return entry;
+}
+
+TEST(RunTally, GivesACaseItsOutcome) {
+    const ReportEntry pass = resultOf(TestResult::Pass);
+    const ReportEntry fail = resultOf(TestResult::Fail);
+    const ReportEntry error = resultOf(TestResult::Error);
+    const ReportEntry skip = resultOf(TestResult::Skipped, "testcase");
+    const ReportEntry finished = entryOf(Kind::CaseEnd, "", "finished");
+    const ReportEntry interrupted = entryOf(Kind::CaseEnd, "", "interrupted");
+    const struct {
+        const char* description;
+        std::vector<ReportEntry> entries;
+        CaseOutcome outcome;
+        bool anyFailure;
+    } rows[] = {
+        {"nothing happened", {finished}, CaseOutcome::Passed, false},
+        {"harmless results",
+         {pass, resultOf(TestResult::Warning), resultOf(TestResult::ExpectedFail), finished},
+         CaseOutcome::Passed,
+         false},
+        {"failed verdict", {pass, fail, pass, finished}, CaseOutcome::Failed, true},
+        {"unexpected pass",
+         {resultOf(TestResult::UnexpectedPass), finished},
+         CaseOutcome::Failed,
+         true},
+        {"script error", {error, finished}, CaseOutcome::Error, true},
+        {"fatal", {resultOf(TestResult::Fatal), finished}, CaseOutcome::Error, true},
+        {"the first failure decides", {fail, error, finished}, CaseOutcome::Failed, true},
+        {"skip",
+         {skip, resultOf(TestResult::Error, "", true), finished},
+         CaseOutcome::Skipped,
+         false},
+        {"failure before a skip", {fail, skip, finished}, CaseOutcome::Failed, true},
+        {"error in the clean-up of a skipped case",
+         {skip, error, finished},
+         CaseOutcome::Error,
+         true},
+        {"skipped scenario",
+         {resultOf(TestResult::Skipped, "scenario"), finished},
+         CaseOutcome::Passed,
+         false},
+        {"killed", {pass}, CaseOutcome::Incomplete, false},
+        {"killed after a failure", {fail}, CaseOutcome::Incomplete, true},
+        {"interrupted after a failure", {fail, interrupted}, CaseOutcome::Interrupted, true},
+        {"a number that is no result", {resultOf(2), finished}, CaseOutcome::Passed, false},
+    };
+    for (const auto& row : rows) {
+        RunTally tally;
+        tally.add(entryOf(Kind::SuiteStart, "suite"));
+        tally.add(entryOf(Kind::CaseStart, "case"));
+        for (const ReportEntry& entry : row.entries)
+            tally.add(entry);
+        EXPECT_EQ(tally.suites().front().cases.front().outcome(), row.outcome) << row.description;
+        EXPECT_EQ(tally.anyFailure(), row.anyFailure) << row.description;
+        EXPECT_EQ(tally.caseCount(row.outcome), 1) << row.description;
+    }
+}
+
+TEST(RunTally, AddsUpARun) {
+    RunTally tally;
+    RecordingReport report;
+    addSampleRun(&report);
+    for (const ReportEntry& entry : report.entries)
+        tally.add(entry);
+
+    EXPECT_EQ(tally.caseCount(), 4);
+    EXPECT_TRUE(tally.isIncomplete());
+    EXPECT_FALSE(tally.isInterrupted());
+    EXPECT_EQ(tally.resultCount(TestResult::Error), 1);
+    EXPECT_EQ(tally.resultCount(TestResult::Warning), 1);
+    EXPECT_EQ(tally.failureCountOutsideCases(), 0);
+    const CaseTally& basket = tally.suites().front().cases[1];
+    EXPECT_EQ(basket.name, "tst_basket");
+    EXPECT_EQ(basket.path, "/s/tst_basket/test.py");
+    EXPECT_EQ(basket.seconds(), 1.5);
+    ASSERT_EQ(basket.failures.size(), 2u);
+    EXPECT_EQ(basket.failures[0].callStack.size(), 2u);
+    EXPECT_EQ(basket.failures[0].extra, "the total");
+    EXPECT_EQ(tally.suites().front().cases[2].skipText, "No printer: here");
+}
+
+TEST(RunTally, CountsFailuresOutsideTheCases) {
+    RunTally tally;
+    tally.add(entryOf(Kind::SuiteStart, "suite"));
+    tally.add(resultOf(TestResult::Fatal));
+    tally.add(entryOf(Kind::SuiteEnd, "", "interrupted"));
+    tally.add(resultOf(TestResult::Error));
+    EXPECT_TRUE(tally.anyFailure());
+    EXPECT_TRUE(tally.isInterrupted());
+    EXPECT_FALSE(tally.isIncomplete());
+    EXPECT_EQ(tally.failureCountOutsideCases(), 2);
+    EXPECT_EQ(tally.caseCount(), 0);
+}
+
+TEST(RunTally, TakesEntriesInAnyOrder) {
+    std::mt19937 random(7);
+    for (int run = 0; run < 200; ++run) {
+        RunTally tally;
+        for (int i = 0; i < 30; ++i) {
+            ReportEntry entry = resultOf(int(random() % 16));
+            entry.kind = Kind(random() % 11);
+            tally.add(entry);
+        }
+        EXPECT_LE(tally.caseCount(CaseOutcome::Passed), tally.caseCount());
+        EXPECT_EQ(tally.seconds(), 0);
+    }
+}
+
+}  // namespace

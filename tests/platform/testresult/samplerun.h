@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QString>
+#include <random>
+#include <sstream>
+
+#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/testresult.h"
+
+namespace Tamrix {
+
+// Qt texts and entries in the messages of failed tests.
+inline void PrintTo(const LineInfo& position, std::ostream* stream) {
+    *stream << position.fileName().toStdString() << ":" << position.lineNumber();
+}
+
+inline void PrintTo(const ReportEntry& entry, std::ostream* stream) {
+    *stream << "kind " << int(entry.kind) << " type " << entry.type << " '"
+            << entry.message.toStdString() << "' '" << entry.detail.toStdString() << "' extra '"
+            << entry.extra.toStdString() << "'";
+}
+
+inline bool operator==(const ReportEntry& a, const ReportEntry& b) {
+    return a.kind == b.kind && a.type == b.type && a.time == b.time && a.message == b.message &&
+           a.detail == b.detail && a.callStack == b.callStack && a.extra == b.extra &&
+           a.value == b.value && a.path == b.path && a.echo == b.echo;
+}
+
+namespace Test {
+
+/// Passes entries on with times of its own: half a second after noon each, so that reports can be
+/// compared.
+class FixedClock : public ReportGenerator {
+public:
+    explicit FixedClock(ReportGenerator* target) : m_target(target) {}
+
+    void add(const ReportEntry& entry) override {
+        ReportEntry timed = entry;
+        timed.time = QDateTime(QDate(2024, 5, 1), QTime(12, 0), Qt::OffsetFromUTC, 7200)
+                         .addMSecs(500 * m_count++);
+        m_target->add(timed);
+    }
+
+private:
+    ReportGenerator* m_target;
+    qint64 m_count = 0;
+};
+
+/// A run with something of every kind, for the reports. The last case never ends, as after a kill.
+inline void addSampleRun(ReportGenerator* report) {
+    FixedClock clock(report);
+    TestResult result(&clock);
+    const QString script = QStringLiteral("/s/tst_login/test.py");
+    const CallStack calls{{QStringLiteral("/s/shared/scripts/helper.py"), 4}, {script, 9}};
+    const QDateTime now = QDateTime::currentDateTime();
+
+    result.startSuite("suite_shop", "/s");
+    result.addResult(TestResult::Warning, "No application", "", LineInfo());
+    result.startCase("tst_login", script);
+    result.addOutput("stdout", "logging in\n");
+    result.startSection("Form", "with two fields", LineInfo(script, 3));
+    result.addResult(TestResult::Pass, "Comparison", "'1' and '1' are equal", LineInfo(script, 4));
+    result.addResult(TestResult::ExpectedFail, "Not verified", "False expression",
+                     LineInfo(script, 5), "known since May");
+    result.endSection(LineInfo(script, 6));
+    result.addAttachment(TestResult::FileAttachment, "Attached File", "/r/a.txt", calls);
+    result.addOutput("stderr", "no line feed");
+    result.endCase();
+
+    result.startCase("tst_basket", "/s/tst_basket/test.py");
+    result.addResult(now, TestResult::Fail, "Comparison", "'1' and '2' are not equal", calls,
+                     "the total");
+    result.addResult(TestResult::Error, "Script Error", "NameError: x\nis not defined",
+                     LineInfo("/s/tst_basket/test.py", 12));
+    result.endCase();
+
+    result.startCase("tst_print", "/s/tst_print/test.py");
+    result.addResult(TestResult::Skipped, "No printer", "here", LineInfo("/s/t.py", 1), "testcase");
+    result.addResult(TestResult::Error, "Script Error", "FatalError: No printer: here",
+                     LineInfo("/s/t.py", 1));
+    result.endCase();
+
+    result.startCase("tst_lost", "/s/tst_lost/test.py");
+    result.addResult(TestResult::Log, "before the kill", "", LineInfo());
+    result.setComplete();
+}
+
+/// A text of any code units: control characters, lone surrogates and non-characters too.
+inline QString randomText(std::mt19937& random, int longest) {
+    QString text;
+    const int length = int(random() % unsigned(longest + 1));
+    for (int i = 0; i < length; ++i) {
+        const unsigned choice = random() % 8;
+        const unsigned unit = choice < 2   ? random() % 0x80
+                              : choice < 3 ? random() % 0x20
+                              : choice < 5 ? 0xd800 + random() % 0x800
+                              : choice < 6 ? 0xfff0 + random() % 0x10
+                                           : random() % 0x10000;
+        text += QChar(ushort(unit));
+    }
+    return text;
+}
+
+}  // namespace Test
+}  // namespace Tamrix
