@@ -85,6 +85,22 @@ function(tamrix_plugin name)
     install(TARGETS ${name} LIBRARY DESTINATION lib)
 endfunction()
 
+# tamrix_test_module(NAME FOLDER folder [OUTPUT_NAME name] SOURCES file... [LINK target...])
+#   A module that tests load, in a folder below tests/ of the build folder; it is never installed.
+function(tamrix_test_module name)
+    cmake_parse_arguments(ARG "" "FOLDER;OUTPUT_NAME" "SOURCES;LINK" ${ARGN})
+    if(NOT ARG_OUTPUT_NAME)
+        set(ARG_OUTPUT_NAME ${name})
+    endif()
+    add_library(${name} MODULE ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES
+        PREFIX ""
+        OUTPUT_NAME ${ARG_OUTPUT_NAME}
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/${ARG_FOLDER}
+        BUILD_RPATH ${TAMRIX_PREFIX_DIR}/lib)
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+endfunction()
+
 # tamrix_program(NAME SOURCES file... [LINK target...])
 #   A program in bin/ that finds the libraries in ../lib.
 function(tamrix_program name)

@@ -1,6 +1,6 @@
 #include "interpreter/bridge/debugger.h"
 
-#include "pythontest.h"
+#include "plugins/python/pythontest.h"
 
 namespace Tamrix {
 namespace {

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "pythontest.h"
+#include "plugins/python/pythontest.h"
 
 namespace Tamrix {
 namespace {

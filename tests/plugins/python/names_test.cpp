@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "pythontest.h"
+#include "plugins/python/pythontest.h"
 
 namespace Tamrix {
 namespace {

@@ -1,5 +1,5 @@
 #include "platform/objectmodel/inmemorymodel.h"
-#include "pythontest.h"
+#include "plugins/python/pythontest.h"
 
 namespace Tamrix {
 namespace {
