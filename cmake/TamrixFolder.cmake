@@ -111,6 +111,6 @@ function(tamrix_test name)
         TAMRIX_TEST_PREFIX="${TAMRIX_PREFIX_DIR}"
         TAMRIX_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
         PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")
 endfunction()

@@ -8,6 +8,7 @@
 #include "base/stringconversion.h"
 #include "support/environmentguard.h"
 #include "support/files.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
@@ -48,27 +49,25 @@ struct Conversion {
     std::string out;
 };
 
-class StringConversion : public testing::TestWithParam<Conversion> {};
+const Conversion conversions[] = {
+    {"UTF-8", "ISO-8859-1", "a\xc3\xbc", "a\xfc"},
+    {"ISO-8859-1", "UTF-8", "a\xfc", "a\xc3\xbc"},
+    // Longer than the buffer of one step.
+    {"ISO-8859-1", "UTF-8", std::string(1000, 'x') + "\xfc", std::string(1000, 'x') + "\xc3\xbc"},
+    // One "?" for each byte that can't be converted; what follows is kept.
+    {"UTF-8", "ISO-8859-1", "a\xffz", "a?z"},
+    {"UTF-8", "ISO-8859-1", "\xe2\x82\xacz", "???z"},
+    {"UTF-8", "ISO-8859-1", "cut\xc3", "cut?"},
+    // An encoding with states returns to its first one at the end.
+    {"UTF-8", "ISO-2022-JP", "\xe3\x81\x82", "\x1b$B$\"\x1b(B"},
+    {"UTF-8", "no-such-encoding", "a\xc3\xbc", "a\xc3\xbc"},
+    {"UTF-8", "ISO-8859-1", "", ""},
+};
 
-TEST_P(StringConversion, Converts) {
-    EXPECT_EQ(mbs2mbs(GetParam().in, GetParam().from, GetParam().to), GetParam().out);
+TEST(StringConversion, Converts) {
+    for (const Conversion& text : conversions)
+        EXPECT_EQ(mbs2mbs(text.in, text.from, text.to), text.out) << text.in;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, StringConversion,
-    testing::Values(Conversion{"UTF-8", "ISO-8859-1", "a\xc3\xbc", "a\xfc"},
-                    Conversion{"ISO-8859-1", "UTF-8", "a\xfc", "a\xc3\xbc"},
-                    // Longer than the buffer of one step.
-                    Conversion{"ISO-8859-1", "UTF-8", std::string(1000, 'x') + "\xfc",
-                               std::string(1000, 'x') + "\xc3\xbc"},
-                    // One "?" for each byte that can't be converted; what follows is kept.
-                    Conversion{"UTF-8", "ISO-8859-1", "a\xffz", "a?z"},
-                    Conversion{"UTF-8", "ISO-8859-1", "\xe2\x82\xacz", "???z"},
-                    Conversion{"UTF-8", "ISO-8859-1", "cut\xc3", "cut?"},
-                    // An encoding with states returns to its first one at the end.
-                    Conversion{"UTF-8", "ISO-2022-JP", "\xe3\x81\x82", "\x1b$B$\"\x1b(B"},
-                    Conversion{"UTF-8", "no-such-encoding", "a\xc3\xbc", "a\xc3\xbc"},
-                    Conversion{"UTF-8", "ISO-8859-1", "", ""}));
 
 }  // namespace
 }  // namespace Tamrix

@@ -205,7 +205,7 @@ bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName
     if (compile(text, fileName, Py_file_input))
         return true;
     finish(PyRef());
-    if (Interpreter::errorLine() < 0)
+    if (lineOfNul(text) >= 0)
         setErrorLine(lineOfNul(text));
     return false;
 }

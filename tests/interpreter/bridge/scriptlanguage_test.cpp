@@ -8,6 +8,7 @@
 
 #include "support/environmentguard.h"
 #include "support/files.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

@@ -5,11 +5,14 @@
 #include <QTemporaryDir>
 
 #include "interpreter/debugger/testdebugger.h"
+#include "support/fakelanguage.h"
 #include "support/files.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
+using Test::FakeContext;
 using Test::TestDebugger;
 using Test::WorkingDirectory;
 using Test::writeFile;
@@ -124,9 +127,15 @@ TEST_F(DebuggerStacks, CallStackLeavesOutTheBottomAndTheUnknown) {
     EXPECT_EQ(debugger.callStack(), (Stack{{a, 40}, {b, 30}, {a, 10}}));
     EXPECT_EQ(Debugger::currentFile(), a);
 
-    // Without a script context, nothing stands in for an unknown position.
+    // The position of the script context stands in for an unknown one, as far as there is one.
     debugger.setCurrentLine(-1);
     EXPECT_EQ(debugger.callStack(), Stack());
+    FakeContext context;
+    ScriptContext::setCurrent(&context);
+    EXPECT_EQ(debugger.callStack(), (Stack{context.frames.front(), {b, 30}, {a, 10}}));
+    context.frames.clear();
+    EXPECT_EQ(debugger.callStack(), Stack());
+    ScriptContext::setCurrent(nullptr);
 }
 
 TEST_F(DebuggerStacks, CallStackOfOneFrame) {

@@ -4,6 +4,7 @@
 
 #include "platform/objectmodel/inspector.h"
 #include "platform/testresult/testresult.h"
+#include "support/printqt.h"
 #include "support/recordingreport.h"
 
 namespace Tamrix {
@@ -87,59 +88,47 @@ struct ErrorCase {
     const char* message;
 };
 
-class WrapperDescriptorErrors : public WrapperDescriptor,
-                                public testing::WithParamInterface<ErrorCase> {};
+const ErrorCase errorCases[] = {
+    {"setUniqueProperty", "Expected class name after setUniqueProperty"},
+    {"setUniqueProperty Foo1 bar", "Expected class name after setUniqueProperty"},
+    {"setUniqueProperty a.b bar", "Expected class name after setUniqueProperty"},
+    {"setUniqueProperty Foo", "Expected property name as second setUniqueProperty argument"},
+    {"setUniqueProperty Foo\nbar", "Expected property name as second setUniqueProperty argument"},
+    {"setUniqueProperty Foo bar baz",
+     "Expected newline after setUniqueProperty {class} {property}"},
+    {"setAllowKeyEventCompression 1", "Expected class name after setAllowKeyCompression"},
+    {"setAllowKeyEventCompression Foo True",
+     "Expected 'true' or 'false' as setAllowKeyCompression parameter"},
+    {"setAllowKeyEventCompression Foo true {",
+     "Expected newline after setAllowKeycompression {class} {on}"},
+    {"enableEventCompression {", "Expected class name after enableEventCompression"},
+    {"enableEventCompression Foo",
+     "Expected 'true' or 'false' as enableEventCompression parameter"},
+    {"enableEventCompression Foo true false",
+     "Expected newline after enableEventCompression {class} {on}"},
+    {"setMouseTracking", "Expected class name after setMouseTracking"},
+    {"setMouseTracking Foo yes", "Expected 'true' or 'false' as setMouseTracking parameter"},
+    {"setMouseTracking Foo true x", "Expected newline after setMouseTracking {class} {on}"},
+    {"setRecorderFilter", "Expected type after setRecorderFilter"},
+    {"setRecorderFilter mouse", "Expected name as second setRecorderFilter argument"},
+    {"setRecorderFilter mouse move x", "Expected newline after setRecorderFilter {type} {name}"},
+    {"setRecordMouseDrag", "Expected class name after setRecordMouseDrag"},
+    {"setRecordMouseDrag Foo on", "Expected 'true' or 'false' as setRecordMouseDrag parameter"},
+    {"setRecordMouseDrag Foo true x", "Expected newline after setRecordMouseDrag {class} {on}"},
+    {"addPropertyDelegate", "Expected class name after addPropertyDelegate"},
+    {"addPropertyDelegate Foo bar", "Unexpected token 'bar' in addPropertyDelegate parameters"},
+    {"addPropertyDelegate Foo {a b c d true true} }",
+     "Unexpected token '}' in addPropertyDelegate parameters"},
+    {"addPropertyDelegate Foo {a b c d true true x}", "Expected '}'"},
+    {"addPropertyDelegate Foo {a b", "Expected '}'"},
+};
 
-TEST_P(WrapperDescriptorErrors, NamesWhatWasExpected) {
-    EXPECT_EQ(errorsOf(GetParam().text), QStringList{GetParam().message});
+TEST_F(WrapperDescriptor, ErrorsNameWhatWasExpected) {
+    for (const ErrorCase& line : errorCases)
+        EXPECT_EQ(errorsOf(line.text), QStringList{line.message}) << line.text;
     EXPECT_EQ(inspector->classSettings("Foo").uniqueProperty, "");
     EXPECT_TRUE(inspector->classSettings("Foo").propertyDelegates.isEmpty());
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, WrapperDescriptorErrors,
-    testing::Values(
-        ErrorCase{"setUniqueProperty", "Expected class name after setUniqueProperty"},
-        ErrorCase{"setUniqueProperty Foo1 bar", "Expected class name after setUniqueProperty"},
-        ErrorCase{"setUniqueProperty a.b bar", "Expected class name after setUniqueProperty"},
-        ErrorCase{"setUniqueProperty Foo",
-                  "Expected property name as second setUniqueProperty argument"},
-        ErrorCase{"setUniqueProperty Foo\nbar",
-                  "Expected property name as second setUniqueProperty argument"},
-        ErrorCase{"setUniqueProperty Foo bar baz",
-                  "Expected newline after setUniqueProperty {class} {property}"},
-        ErrorCase{"setAllowKeyEventCompression 1",
-                  "Expected class name after setAllowKeyCompression"},
-        ErrorCase{"setAllowKeyEventCompression Foo True",
-                  "Expected 'true' or 'false' as setAllowKeyCompression parameter"},
-        ErrorCase{"setAllowKeyEventCompression Foo true {",
-                  "Expected newline after setAllowKeycompression {class} {on}"},
-        ErrorCase{"enableEventCompression {", "Expected class name after enableEventCompression"},
-        ErrorCase{"enableEventCompression Foo",
-                  "Expected 'true' or 'false' as enableEventCompression parameter"},
-        ErrorCase{"enableEventCompression Foo true false",
-                  "Expected newline after enableEventCompression {class} {on}"},
-        ErrorCase{"setMouseTracking", "Expected class name after setMouseTracking"},
-        ErrorCase{"setMouseTracking Foo yes",
-                  "Expected 'true' or 'false' as setMouseTracking parameter"},
-        ErrorCase{"setMouseTracking Foo true x",
-                  "Expected newline after setMouseTracking {class} {on}"},
-        ErrorCase{"setRecorderFilter", "Expected type after setRecorderFilter"},
-        ErrorCase{"setRecorderFilter mouse", "Expected name as second setRecorderFilter argument"},
-        ErrorCase{"setRecorderFilter mouse move x",
-                  "Expected newline after setRecorderFilter {type} {name}"},
-        ErrorCase{"setRecordMouseDrag", "Expected class name after setRecordMouseDrag"},
-        ErrorCase{"setRecordMouseDrag Foo on",
-                  "Expected 'true' or 'false' as setRecordMouseDrag parameter"},
-        ErrorCase{"setRecordMouseDrag Foo true x",
-                  "Expected newline after setRecordMouseDrag {class} {on}"},
-        ErrorCase{"addPropertyDelegate", "Expected class name after addPropertyDelegate"},
-        ErrorCase{"addPropertyDelegate Foo bar",
-                  "Unexpected token 'bar' in addPropertyDelegate parameters"},
-        ErrorCase{"addPropertyDelegate Foo {a b c d true true} }",
-                  "Unexpected token '}' in addPropertyDelegate parameters"},
-        ErrorCase{"addPropertyDelegate Foo {a b c d true true x}", "Expected '}'"},
-        ErrorCase{"addPropertyDelegate Foo {a b", "Expected '}'"}));
 
 }  // namespace
 }  // namespace Tamrix

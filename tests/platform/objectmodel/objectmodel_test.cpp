@@ -4,6 +4,7 @@
 #include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectname.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

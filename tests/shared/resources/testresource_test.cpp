@@ -8,6 +8,7 @@
 #include "shared/settings/settings.h"
 #include "support/environmentguard.h"
 #include "support/files.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

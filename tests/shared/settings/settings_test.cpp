@@ -6,6 +6,7 @@
 
 #include "support/environmentguard.h"
 #include "support/files.h"
+#include "support/printqt.h"
 #include "support/warningrecorder.h"
 
 namespace Tamrix {
@@ -105,44 +106,41 @@ struct StringCase {
     const char* warning = nullptr;
 };
 
-class SettingsStrings : public testing::TestWithParam<StringCase> {};
+const StringCase stringCases[] = {
+    {R"("plain")", "plain", "plain"},
+    {R"("")", "", ""},
+    {R"("a" junk, "b")", nullptr, "a|b", "Tamrix::Settings: entry is not a string"},
+    {R"("","")", nullptr, "|", "Tamrix::Settings: entry is not a string"},
+    {"plain", nullptr, "", "Tamrix::Settings: entry is not a string"},
+    {"", nullptr, "", "Tamrix::Settings: entry is not a string"},
+    {R"("\n\r\t\"\\")", "\n\r\t\"\\", "\n\r\t\"\\"},
+    {R"("a","b)", nullptr, nullptr, "Tamrix::Settings: string not delimited by quotes"},
+    {R"("a\)", nullptr, nullptr, "Tamrix::Settings: string not delimited by quotes"},
+    {R"(")", nullptr, nullptr, "Tamrix::Settings: string not delimited by quotes"},
+    {R"("\x")", nullptr, nullptr, "Tamrix::Settings: unknown quoted character 'x' (0x78)"},
+    {"\"\\\u00fc\"", nullptr, nullptr,
+     "Tamrix::Settings: unknown quoted character '\u00fc' (0xfc)"},
+    {"\"\\\u20ac\"", nullptr, nullptr,
+     "Tamrix::Settings: unknown quoted character with hex code 0x20ac"},
+};
 
-TEST_P(SettingsStrings, Unquotes) {
-    const StringCase& expected = GetParam();
-    QTemporaryDir folder;
-    const QString path = folder.filePath("x.ini");
-    Settings settings(path);
-    settings.writeRawEntry("G", "k", QString::fromUtf8(expected.raw));
-    const WarningRecorder warnings;
-    EXPECT_EQ(settings.readEntry("G", "k", "default"),
-              expected.text ? QString::fromUtf8(expected.text) : QString("default"));
-    if (expected.warning) {
-        ASSERT_FALSE(warnings.messages().isEmpty());
-        EXPECT_EQ(warnings.messages().first(), QString::fromUtf8(expected.warning) + " in " + path);
+TEST_F(SettingsTest, UnquotesStrings) {
+    for (const StringCase& expected : stringCases) {
+        SCOPED_TRACE(expected.raw);
+        Settings settings(path());
+        settings.writeRawEntry("G", "k", QString::fromUtf8(expected.raw));
+        const WarningRecorder warnings;
+        EXPECT_EQ(settings.readEntry("G", "k", "default"),
+                  expected.text ? QString::fromUtf8(expected.text) : QString("default"));
+        if (expected.warning) {
+            ASSERT_FALSE(warnings.messages().isEmpty());
+            EXPECT_EQ(warnings.messages().first(),
+                      QString::fromUtf8(expected.warning) + " in " + path());
+        }
+        EXPECT_EQ(settings.readListEntry("G", "k", {"default"}).join('|'),
+                  expected.list ? QString::fromUtf8(expected.list) : QString("default"));
     }
-    EXPECT_EQ(settings.readListEntry("G", "k", {"default"}).join('|'),
-              expected.list ? QString::fromUtf8(expected.list) : QString("default"));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, SettingsStrings,
-    testing::Values(
-        StringCase{R"("plain")", "plain", "plain"}, StringCase{R"("")", "", ""},
-        StringCase{R"("a" junk, "b")", nullptr, "a|b", "Tamrix::Settings: entry is not a string"},
-        StringCase{R"("","")", nullptr, "|", "Tamrix::Settings: entry is not a string"},
-        StringCase{"plain", nullptr, "", "Tamrix::Settings: entry is not a string"},
-        StringCase{"", nullptr, "", "Tamrix::Settings: entry is not a string"},
-        StringCase{R"("\n\r\t\"\\")", "\n\r\t\"\\", "\n\r\t\"\\"},
-        StringCase{R"("a","b)", nullptr, nullptr,
-                   "Tamrix::Settings: string not delimited by quotes"},
-        StringCase{R"("a\)", nullptr, nullptr, "Tamrix::Settings: string not delimited by quotes"},
-        StringCase{R"(")", nullptr, nullptr, "Tamrix::Settings: string not delimited by quotes"},
-        StringCase{R"("\x")", nullptr, nullptr,
-                   "Tamrix::Settings: unknown quoted character 'x' (0x78)"},
-        StringCase{"\"\\\u00fc\"", nullptr, nullptr,
-                   "Tamrix::Settings: unknown quoted character '\u00fc' (0xfc)"},
-        StringCase{"\"\\\u20ac\"", nullptr, nullptr,
-                   "Tamrix::Settings: unknown quoted character with hex code 0x20ac"}));
 
 TEST_F(SettingsTest, ReadsNumbersAndBools) {
     const Settings settings = parsed(
@@ -247,9 +245,10 @@ TEST_F(SettingsTest, CopyStartsCleanAndAssignmentWritesWhatItReplaces) {
     Settings changed(path());
     changed.writeEntry("G", "a", 1);
     {
-        const Settings copy(changed);
+        Settings copy(changed);
         EXPECT_FALSE(copy.isDirty());
         EXPECT_EQ(copy.readNumEntry("G", "a"), 1);
+        copy.setExpandEnvironment(true);
     }
     EXPECT_FALSE(QFile::exists(path()));
     changed = Settings(folder.filePath("other.ini"));
@@ -299,35 +298,36 @@ struct ExpansionCase {
     const char* expanded;
 };
 
-class SettingsExpansion : public testing::TestWithParam<ExpansionCase> {};
+const ExpansionCase expansionCases[] = {
+    {"a $(TAMRIX_X)/$(TAMRIX_X) b", "a value/value b"},
+    {"$$(TAMRIX_X)", "$(TAMRIX_X)"},
+    {"$$$(TAMRIX_X)", "$value"},
+    {"$", "$"},
+    {"a$$", "a$"},
+    {"$x $(TAMRIX_X)", "$x value"},
+    {"$(TAMRIX_EMPTY) $(TAMRIX_UNSET) $(TAMRIX_X)", "$(TAMRIX_EMPTY) $(TAMRIX_UNSET) value"},
+    {"$(TAMRIX_X", "$(TAMRIX_X"},
+    {"$()", "$()"},
+    // References in a value count from its third character on.
+    {"$(TAMRIX_NESTED)", "12value"},
+    {"$(TAMRIX_EARLY)", "$(TAMRIX_X)"},
+};
 
-TEST_P(SettingsExpansion, Expands) {
+TEST_F(SettingsTest, ExpandsTheEnvironment) {
     const EnvironmentGuard x("TAMRIX_X", "value");
     const EnvironmentGuard nested("TAMRIX_NESTED", "12$(TAMRIX_X)");
     const EnvironmentGuard early("TAMRIX_EARLY", "$(TAMRIX_X)");
     const EnvironmentGuard empty("TAMRIX_EMPTY", "");
     const EnvironmentGuard unset("TAMRIX_UNSET", QString());
-    QTemporaryDir folder;
-    Settings settings(folder.filePath("x.ini"));
-    settings.writeEntry("G", "k", GetParam().text);
-    EXPECT_EQ(settings.readEntry("G", "k"), GetParam().text) << "off until asked for";
-    settings.setExpandEnvironment(true);
-    EXPECT_EQ(settings.readEntry("G", "k"), GetParam().expanded);
-    EXPECT_EQ(settings.readListEntry("G", "k"), QStringList{GetParam().expanded});
+    for (const auto& [text, expanded] : expansionCases) {
+        Settings settings(path());
+        settings.writeEntry("G", "k", text);
+        EXPECT_EQ(settings.readEntry("G", "k"), text) << "off until asked for";
+        settings.setExpandEnvironment(true);
+        EXPECT_EQ(settings.readEntry("G", "k"), expanded) << text;
+        EXPECT_EQ(settings.readListEntry("G", "k"), QStringList{expanded}) << text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, SettingsExpansion,
-    testing::Values(ExpansionCase{"a $(TAMRIX_X)/$(TAMRIX_X) b", "a value/value b"},
-                    ExpansionCase{"$$(TAMRIX_X)", "$(TAMRIX_X)"},
-                    ExpansionCase{"$$$(TAMRIX_X)", "$value"}, ExpansionCase{"$", "$"},
-                    ExpansionCase{"a$$", "a$"}, ExpansionCase{"$x $(TAMRIX_X)", "$x value"},
-                    ExpansionCase{"$(TAMRIX_EMPTY) $(TAMRIX_UNSET) $(TAMRIX_X)",
-                                  "$(TAMRIX_EMPTY) $(TAMRIX_UNSET) value"},
-                    ExpansionCase{"$(TAMRIX_X", "$(TAMRIX_X"}, ExpansionCase{"$()", "$()"},
-                    // References in a value count from its third character on.
-                    ExpansionCase{"$(TAMRIX_NESTED)", "12value"},
-                    ExpansionCase{"$(TAMRIX_EARLY)", "$(TAMRIX_X)"}));
 
 TEST_F(SettingsTest, NamesTheKnownFiles) {
     const EnvironmentGuard user("TAMRIX_USER_SETTINGS_DIR", folder.filePath("user"));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {

@@ -1,0 +1,1 @@
+log made by the plug-in

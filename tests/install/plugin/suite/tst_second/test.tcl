@@ -1,0 +1,2 @@
+log before the mistake
+cry

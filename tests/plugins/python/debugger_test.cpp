@@ -1,0 +1,133 @@
+#include "interpreter/bridge/debugger.h"
+
+#include "pythontest.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+
+/// Python's debugger is driven through Debugger alone. Its stops are seen in the lines that it
+/// prints for a front end.
+class PythonDebugging : public PythonTest {
+protected:
+    PythonDebugging() : debugger(interpreter->debugger()) {
+        EXPECT_TRUE(writeFile(script(), text));
+        EXPECT_EQ(run(text), "");
+    }
+
+    /// Calls main() and gives the lines at which it stopped.
+    QString stops() {
+        testing::internal::CaptureStdout();
+        EXPECT_TRUE(interpreter->callFunction("main", ObjectList()));
+        std::fflush(stdout);
+        const QString printed = QString::fromStdString(testing::internal::GetCapturedStdout());
+        QStringList lines;
+        for (const QString& line : printed.split('\n', Qt::SkipEmptyParts))
+            lines.append(line.section("line ", 1).section(',', 0, 0));
+        return lines.join(' ');
+    }
+
+    const char* const text =
+        "def helper(n):\n"           // 1
+        "    m = n + 1\n"            // 2
+        "    return m\n"             // 3
+        "def main():\n"              // 4
+        "    a = helper(1)\n"        // 5
+        "    try:\n"                 // 6
+        "        fail()\n"           // 7
+        "    except ValueError:\n"   // 8
+        "        b = helper(2)\n"    // 9
+        "    return b\n"             // 10
+        "def fail():\n"              // 11
+        "    raise ValueError()\n";  // 12
+    Debugger* debugger;
+};
+
+TEST_F(PythonDebugging, StopsByMode) {
+    ASSERT_NE(debugger, nullptr);
+    debugger->setDebuggerMode(Debugger::Step);
+    EXPECT_EQ(stops(), "") << "not interactive";
+    debugger->setInteractive(true);
+    EXPECT_EQ(stops(), "5 2 3 6 7 12 8 9 2 3 10");
+    debugger->next(1);
+    EXPECT_EQ(stops(), "5 6 7 8 9 10");
+    debugger->next(0);
+    EXPECT_EQ(stops(), "");
+    debugger->setDebuggerMode(Debugger::Run);
+    EXPECT_EQ(stops(), "");
+    debugger->setDebuggerMode(Debugger::None);
+    EXPECT_EQ(stops(), "");
+    EXPECT_EQ(debugger->frameDepth(), 0);
+    debugger->setInteractive(false);
+    debugger->step();
+    EXPECT_EQ(stops(), "");
+}
+
+TEST_F(PythonDebugging, StopsAtBreakPoints) {
+    debugger->bufferBreakPoint(script(), 3);
+    debugger->setInteractive(true);
+    debugger->setDebuggerMode(Debugger::Run);
+    EXPECT_EQ(stops(), "3 3");
+    const int id = debugger->findSourceId("test.py");
+    ASSERT_GT(id, 0);
+    debugger->setBreakPoint(3, id, false);
+    debugger->setBreakPoint(10, id, true);
+    EXPECT_EQ(stops(), "10");
+    debugger->setDebuggerMode(Debugger::None);
+    EXPECT_EQ(stops(), "");
+    debugger->next(1);
+    debugger->setBreakPoint(2, id, true);
+    EXPECT_EQ(stops(), "5 2 6 7 8 9 2 10");
+}
+
+TEST_F(PythonDebugging, StacksAreTheSameWithAndWithoutTracing) {
+    define("look", [](ScriptContext*) {
+        Debugger* const own = Debugger::self();
+        QStringList words;
+        for (const LineInfo& position : own->callStack())
+            words.append(QString::number(position.lineNumber()));
+        words.append("|");
+        for (const ScriptLocation& location : own->stackTrace(1, 1))
+            words.append(QString::number(location.line));
+        words.append(QFileInfo(Debugger::currentFile()).fileName());
+        s_seen.append(words.join(' '));
+        return true;
+    });
+    const QString calling =
+        "def inner():\n"
+        "    look()\n"
+        "def main():\n"
+        "    inner()\n";
+    ASSERT_EQ(run(calling), "");
+    EXPECT_EQ(stops(), "");
+    debugger->setInteractive(true);
+    EXPECT_EQ(stops(), "");
+    EXPECT_EQ(s_seen, (QStringList{"2 4 | 4 test.py", "2 4 | 4 test.py"}));
+}
+
+TEST_F(PythonDebugging, ShowsVariables) {
+    define("look", [](ScriptContext*) {
+        for (const char* path : {"", "table", "items.1", "none.x"}) {
+            QStringList words;
+            for (const auto& binding : Debugger::self()->variables(path))
+                words.append(binding.type + " " + binding.name + "=" + binding.value);
+            s_seen.append(words.join(", "));
+        }
+        return true;
+    });
+    EXPECT_EQ(run("class Thing:\n"
+                  "    def __init__(self): self.name = 'n'\n"
+                  "    def __repr__(self): raise ValueError()\n"
+                  "def main():\n"
+                  "    table = {'k': 1}\n"
+                  "    items = [0, Thing()]\n"
+                  "    look()\n"),
+              "");
+    EXPECT_EQ(stops(), "");
+    EXPECT_EQ(s_seen, (QStringList{"dict table={'k': 1}, list items=<no representation>", "int k=1",
+                                   "str name='n'", ""}));
+}
+
+}  // namespace
+}  // namespace Tamrix

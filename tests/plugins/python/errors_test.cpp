@@ -1,0 +1,199 @@
+#include <gmock/gmock.h>
+
+#include "pythontest.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+using testing::HasSubstr;
+
+class PythonErrors : public PythonTest {
+protected:
+    /// Lines of the last error's stack, innermost first.
+    std::vector<int> lines() const {
+        std::vector<int> found;
+        for (const LineInfo& position : interpreter->errorCallStack())
+            found.push_back(position.lineNumber());
+        return found;
+    }
+    bool call(const char* name) { return interpreter->callFunction(name, ObjectList()); }
+};
+
+TEST_F(PythonErrors, StackOfScriptLines) {
+    ASSERT_EQ(run("def inner():\n"
+                  "    raise ValueError('bad')\n"
+                  "def main():\n"
+                  "    inner()\n"
+                  "def library():\n"
+                  "    import json\n"
+                  "    json.loads('{')\n"
+                  "def chained():\n"
+                  "    try:\n"
+                  "        inner()\n"
+                  "    except ValueError as error:\n"
+                  "        raise KeyError('k') from error\n"
+                  "def endless():\n"
+                  "    endless()\n"),
+              "");
+    EXPECT_FALSE(call("main"));
+    EXPECT_EQ(interpreter->errorMessage(), "ValueError: bad");
+    EXPECT_EQ(lines(), (std::vector{2, 4}));
+    EXPECT_EQ(interpreter->errorLine(), 2);
+    EXPECT_EQ(interpreter->errorFile({}),
+              QFileInfo(folder.path()).canonicalFilePath() + "/test.py");
+
+    // An error inside Python's library stands at the script line that called it.
+    EXPECT_FALSE(call("library"));
+    EXPECT_EQ(lines(), std::vector{7});
+
+    EXPECT_FALSE(call("chained"));
+    EXPECT_EQ(interpreter->errorMessage(), "KeyError: 'k'\ncaused by ValueError: bad");
+
+    EXPECT_FALSE(call("endless"));
+    EXPECT_EQ(interpreter->errorMessage(), "RecursionError: maximum recursion depth exceeded");
+    EXPECT_EQ(lines().size(), 100u);
+
+    EXPECT_EQ(run("pass"), "");
+    EXPECT_EQ(interpreter->errorLine(), -1);
+    EXPECT_TRUE(interpreter->errorCallStack().empty());
+    EXPECT_FALSE(call("nothing"));
+}
+
+TEST_F(PythonErrors, Syntax) {
+    const struct {
+        const char* text;
+        int line;
+        const char* message;
+    } rows[] = {
+        {"x = 1\nif x\n", 2, "SyntaxError: expected ':'"},
+        {"x = (\n", 1, "SyntaxError: '(' was never closed"},
+        {"def f():\nreturn 1\n", 2, "IndentationError: expected an indented block"},
+        {"\tx = 1\n        y = 2\n", 1, "IndentationError: unexpected indent"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_FALSE(interpreter->checkSyntax(row.text, script()));
+        EXPECT_EQ(interpreter->errorLine(), row.line) << row.text;
+        EXPECT_THAT(interpreter->errorMessage().toStdString(), testing::StartsWith(row.message));
+    }
+    EXPECT_FALSE(interpreter->checkSyntax(QString("x = 1\ny = ") + QChar(0), script()));
+    EXPECT_EQ(interpreter->errorLine(), 2);
+    EXPECT_THAT(interpreter->errorMessage().toStdString(), HasSubstr("line 2 holds a NUL"));
+
+    // The text is decoded already, whatever its coding line says.
+    EXPECT_TRUE(
+        interpreter->checkSyntax(QString::fromUtf8("# coding: ascii\nx = '\xc3\xa4'\n"), script()));
+
+    // A module with a syntax error is named with its line, below the import.
+    ASSERT_TRUE(writeFile(folder.filePath("broken.py"), "\n\nx = = 1\n"));
+    interpreter->addToSearchPath(QFileInfo(folder.path()));
+    EXPECT_THAT(run("\nimport broken").toStdString(), HasSubstr("SyntaxError"));
+    EXPECT_EQ(lines(), (std::vector{3, 2}));
+}
+
+TEST_F(PythonErrors, CodeWithoutAFileHasALine) {
+    EXPECT_FALSE(interpreter->evaluate("x = 1\ny = nothing\n", QString()));
+    EXPECT_EQ(interpreter->errorLine(), 2);
+    EXPECT_FALSE(interpreter->evaluate("x = (\n", QString()));
+    EXPECT_EQ(interpreter->errorLine(), 1);
+}
+
+TEST_F(PythonErrors, ExitEndsTheCase) {
+    ASSERT_EQ(run("import sys\n"
+                  "def init():\n"
+                  "    sys.exit()\n"
+                  "def main():\n"
+                  "    test.fail('not reached')\n"
+                  "def cleanup():\n"
+                  "    test.log('cleaned')\n"
+                  "def failing():\n"
+                  "    sys.exit('went wrong')\n"),
+              "");
+    EXPECT_FALSE(call("failing"));
+    EXPECT_EQ(interpreter->errorMessage(), "SystemExit: went wrong");
+    EXPECT_TRUE(call("init"));
+    EXPECT_TRUE(call("main"));
+    EXPECT_TRUE(call("cleanup"));
+    EXPECT_EQ(results(), QStringList("7 cleaned: "));
+}
+
+TEST_F(PythonErrors, FatalErrorsPassEverything) {
+    ASSERT_EQ(run("import tamrix\n"
+                  "def main():\n"
+                  "    try:\n"
+                  "        test.exception('test.skip(\"no printer\", \"offline\")')\n"
+                  "    except Exception:\n"
+                  "        test.fail('swallowed')\n"),
+              "");
+    EXPECT_FALSE(call("main"));
+    EXPECT_EQ(interpreter->errorMessage(), "tamrix.FatalError: no printer: offline");
+    // No verdict on the code: it was not its own exception.
+    EXPECT_EQ(results(), QStringList("6 no printer: offline"));
+}
+
+TEST_F(PythonErrors, ObjectsThatCantBeShown) {
+    EXPECT_EQ(run("class Bad:\n"
+                  "    def __str__(self): raise ValueError('x')\n"
+                  "    def __eq__(self, other): raise ValueError('no comparison')\n"
+                  "test.xcompare(1, Bad) or test.verify(Bad(), Bad())\n"),
+              "");
+    EXPECT_EQ(run("test.compare(Bad(), 1)"), "ValueError: no comparison");
+    EXPECT_EQ(run("class Error(Exception):\n    def __str__(self): return 1 / 0\nraise Error()"),
+              "Error");
+}
+
+TEST_F(PythonErrors, OutputStandsInOrder) {
+    EXPECT_EQ(run("import sys\n"
+                  "print('one', end=' ')\n"
+                  "print('two')\n"
+                  "print('cut', end='')\n"
+                  "test.log('between')\n"
+                  "sys.stderr.write('to err')\n"
+                  "sys.stdout.write('last')\n"
+                  "assert sys.stdout.encoding == 'utf-8' and not sys.stdout.isatty()\n"),
+              "");
+    QStringList seen;
+    for (const ReportEntry& entry : report.entries)
+        seen.append(entry.extra + ":" + entry.message);
+    EXPECT_EQ(seen, (QStringList{"stdout:one two\n", "stdout:cut", ":between", "stderr:to err",
+                                 "stdout:last"}));
+    EXPECT_EQ(run("print(1, file=sys.stdout, flush=True)\nsys.stdout.write(5)"),
+              "TypeError: write() argument must be str, not int");
+}
+
+TEST_F(PythonErrors, PositionsThroughNativeCode) {
+    define("callBack", [](ScriptContext* context) {
+        QString error;
+        context->argument(0)->call({}, &error);
+        return true;
+    });
+    EXPECT_EQ(run("def inner():\n"
+                  "    test.fail('inner')\n"
+                  "    test.fixateResultContext(2)\n"
+                  "    test.log('fixated')\n"
+                  "    test.restoreResultContext()\n"
+                  "def outer():\n"
+                  "    callBack(lambda: inner())\n"
+                  "outer()\n"
+                  "exec('test.log(1 and \"in exec\")')\n"),
+              "");
+    const std::vector<ReportEntry> entries = report.results();
+    const auto linesOf = [&](std::size_t index) {
+        QStringList found;
+        for (const LineInfo& position : entries.at(index).callStack)
+            found.append(QString::number(position.lineNumber()));
+        return found.join(' ');
+    };
+    EXPECT_EQ(linesOf(0), "2 7 7 8");
+    EXPECT_EQ(linesOf(1), "7");
+    EXPECT_EQ(linesOf(2), "9");
+}
+
+TEST_F(PythonErrors, ExtensionModulesImport) {
+    EXPECT_EQ(run("import ctypes, sqlite3, ssl, decimal, hashlib, multiprocessing\n"
+                  "assert sqlite3.connect(':memory:').execute('select 1').fetchone() == (1,)\n"),
+              "");
+}
+
+}  // namespace
+}  // namespace Tamrix
