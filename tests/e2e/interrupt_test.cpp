@@ -58,15 +58,14 @@ TEST_F(InterruptedRun, WhileTheScriptSleeps) {
     start(
         "import time\n"
         "def main():\n"
-        "    print('ready')\n"
-        "    time.sleep(600)\n"
+        "    print('ready'); time.sleep(600)\n"
         "def cleanup():\n"
         "    test.log('cleaned up')\n");
     runner.sendSignal(SIGINT);
     expectInterrupted(130);
     // The script gets the exception of its language, at the line that it waits in.
     EXPECT_TRUE(
-        runner.output().contains("b/test.py:4: Error: Script Error\n"
+        runner.output().contains("b/test.py:3: Error: Script Error\n"
                                  "        KeyboardInterrupt"))
         << qPrintable(runner.output());
     EXPECT_TRUE(Tamrix::Test::readFile(suite.path("results/journal.jsonl")).contains("cleaned up"));

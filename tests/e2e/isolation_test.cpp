@@ -53,6 +53,20 @@ TEST(Isolation, AForkedChildDoesNotRunTheRestOfTheSuite) {
     EXPECT_EQ(runner.output().count("2 cases"), 1);
 }
 
+TEST(Isolation, AForkedChildCanBeTerminatedAsAnyProcess) {
+    const Tamrix::Test::SuiteFolder suite;
+    suite.write("a/test.py",
+                "import os, signal, time\n"
+                "def main():\n"
+                "    child = os.fork()\n"
+                "    if not child:\n"
+                "        time.sleep(600)\n"
+                "    os.kill(child, signal.SIGTERM)\n"
+                "    test.compare(os.waitpid(child, 0)[1], signal.SIGTERM)\n");
+    RunnerProcess runner;
+    EXPECT_EQ(runner.run({"run", suite.path()}).exitCode(), 0) << qPrintable(runner.output());
+}
+
 TEST(Isolation, ScriptCanDeleteItsWorkingDirectory) {
     const Tamrix::Test::SuiteFolder suite;
     suite.write("a/test.py",
