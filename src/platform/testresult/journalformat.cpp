@@ -214,8 +214,9 @@ public:
         const QJsonValue value = find(key);
         if (!value.isUndefined() && !value.isArray())
             fail(key, "a list");
+        const QJsonArray positions = value.toArray();
         CallStack result;
-        for (const QJsonValue& element : value.toArray()) {
+        for (const QJsonValue& element : positions) {
             if (!element.isObject())
                 fail(key, "a list of positions");
             FieldReader position(element.toObject());

@@ -27,6 +27,6 @@ private:
 };
 
 /// Positions from the innermost call outwards.
-typedef std::vector<LineInfo> CallStack;
+using CallStack = std::vector<LineInfo>;
 
 }  // namespace Tamrix

@@ -5,8 +5,8 @@
 #include <QBuffer>
 #include <QFile>
 
+#include "platform/testresult/samplerun.h"
 #include "platform/testresult/testresult.h"
-#include "samplerun.h"
 #include "support/golden.h"
 
 using namespace Tamrix;

@@ -1,16 +1,18 @@
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
+
 #include <QBuffer>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include "platform/testresult/journalformat.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/journalreport.h"
-#include "samplerun.h"
+#include "platform/testresult/samplerun.h"
+#include "support/environmentguard.h"
+#include "support/files.h"
 #include "support/golden.h"
 #include "support/recordingreport.h"
 
@@ -38,12 +40,6 @@ QString wellFormed(const QString& text) {
 
 class JournalTest : public testing::Test {
 protected:
-    QByteArray content() const {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }
-
     /// Replays bytes as the journal "j".
     bool replay(QByteArray bytes) {
         recorded.entries.clear();
@@ -71,12 +67,11 @@ TEST_F(JournalTest, IsJsonLinesThatOtherProgramsRead) {
                                 .pattern("\"created\":\"[^\"]*\"", "\"created\":\"<TIME>\"")
                                 .pattern("Tamrix [0-9.]+", "Tamrix <VERSION>");
     EXPECT_TRUE(
-        compareWithGolden("testresult/run.journal", normalised(QString::fromUtf8(content()))));
+        compareWithGolden("testresult/run.journal", normalised(QString::fromUtf8(readFile(path)))));
 }
 
 TEST_F(JournalTest, TellsLocalTimesWithTheirOffset) {
-    const QByteArray timeZone = qgetenv("TZ");
-    qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    const EnvironmentGuard timeZone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     const std::pair<QTime, QByteArray> rows[] = {
         {QTime(1, 59, 59), "T01:59:59.000+01:00"},
         {QTime(3, 0), "T03:00:00.000+02:00"},
@@ -88,7 +83,6 @@ TEST_F(JournalTest, TellsLocalTimesWithTheirOffset) {
         const QByteArray line = Journal::entryLine(entry);
         EXPECT_TRUE(line.contains(text)) << line.toStdString();
     }
-    timeZone.isNull() ? qunsetenv("TZ") : qputenv("TZ", timeZone);
 }
 
 TEST_F(JournalTest, ReplaysTheRun) {
@@ -155,7 +149,7 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
 TEST_F(JournalTest, EveryBeginningOfAJournalReplays) {
     JournalReport journal(path);
     addSampleRun(&journal);
-    const QByteArray whole = content();
+    const QByteArray whole = readFile(path);
     ASSERT_TRUE(replay(whole));
     const std::vector<ReportEntry> entries = recorded.entries;
     for (int size = 0; size < whole.size(); ++size) {
@@ -269,7 +263,7 @@ TEST_F(JournalTest, WritesNoLineThatTheReaderRefuses) {
 TEST_F(JournalTest, TellsWriteErrors) {
     const QString folder = directory.path();
     const QString file = directory.filePath("file");
-    QFile(file).open(QIODevice::WriteOnly);
+    ASSERT_TRUE(writeFile(file));
     const struct {
         QString path;
         QString error;

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 
 #include "platform/testresult/resulttext.h"
-#include "samplerun.h"
+#include "platform/testresult/samplerun.h"
+#include "support/files.h"
 #include "support/golden.h"
 
 using namespace Tamrix;
@@ -27,17 +27,14 @@ protected:
         add(&junit);
         junit.finish();
         EXPECT_EQ(junit.errorText(), QString());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
+        return readFile(path);
     }
 
     /// What the schema has against the file; empty when nothing.
     std::string schemaErrors() const {
+        const QString schema = TAMRIX_TEST_SOURCE_DIR "/tests/platform/testresult/junit.xsd";
         QProcess process;
-        process.start(XMLLINT,
-                      {"--noout", "--nonet", "--schema",
-                       TAMRIX_TEST_SOURCE_DIR "/tests/platform/testresult/junit.xsd", path});
+        process.start(XMLLINT, {"--noout", "--nonet", "--schema", schema, path});
         if (!process.waitForFinished())
             return "xmllint did not run";
         return process.exitCode() == 0 ? std::string()

@@ -2,28 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include "platform/testresult/compositereport.h"
+#include "platform/testresult/samplerun.h"
 #include "platform/testresult/testresult.h"
-#include "samplerun.h"
+#include "support/files.h"
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
 
 namespace {
 
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
 TEST(ReportFactory, RefusesWhatItCannotMake) {
     QTemporaryDir directory;
-    QFile(directory.filePath("f")).open(QIODevice::WriteOnly);
+    ASSERT_TRUE(writeFile(directory.filePath("f")));
     const QString blocked = directory.filePath("f/r");
     const struct {
         QString text;
@@ -52,22 +45,20 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
 
 TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     QTemporaryDir directory;
-    const QString before = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(directory.path()));
+    const WorkingDirectory atStart(directory.path());
     CompositeReport all;
     for (const char* text : {"json:r/a:b.journal", "junit:r/j.xml", "console:r/c.txt"}) {
         QString error;
         all.append(createReportGenerator(text, &error));
         EXPECT_EQ(error, QString());
     }
-    QDir::setCurrent("/");
+    const WorkingDirectory inCase("/");
     addSampleRun(&all);
     all.finish();
-    QDir::setCurrent(before);
     EXPECT_EQ(all.errorText(), QString());
-    EXPECT_TRUE(contentOf(directory.filePath("r/a:b.journal")).startsWith("{\"format\""));
-    EXPECT_TRUE(contentOf(directory.filePath("r/j.xml")).contains("<testsuites"));
-    EXPECT_TRUE(contentOf(directory.filePath("r/c.txt")).startsWith("Suite suite_shop\n"));
+    EXPECT_TRUE(readFile(directory.filePath("r/a:b.journal")).startsWith("{\"format\""));
+    EXPECT_TRUE(readFile(directory.filePath("r/j.xml")).contains("<testsuites"));
+    EXPECT_TRUE(readFile(directory.filePath("r/c.txt")).startsWith("Suite suite_shop\n"));
 }
 
 TEST(CompositeReport, JoinsErrorsAndOpensVideos) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "samplerun.h"
+#include "platform/testresult/samplerun.h"
 #include "support/recordingreport.h"
 
 using namespace Tamrix;

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 
 #include "support/recordingreport.h"
+#include "support/warningrecorder.h"
 
 using namespace Tamrix;
 using Tamrix::Test::RecordingReport;
+using Tamrix::Test::WarningRecorder;
 using testing::ElementsAre;
 using Kind = ReportEntry::Kind;
 
@@ -91,8 +93,11 @@ TEST_F(TestResultTest, TheEndOfASectionThatTheScriptClosedAlreadyEndsNoOther) {
     add(TestResult::SectionStart, "scenario", "scenario");
     add(TestResult::SectionStart, "step", "step");
     result.endSection(LineInfo());
+    const WarningRecorder warnings;
     add(TestResult::SectionEnd, "step", "step");
     EXPECT_THAT(course(report), ElementsAre("(scenario", "(step", ")step"));
+    EXPECT_EQ(warnings.messages(),
+              QStringList{"There is no open section of the kind 'step' that 'step' could end"});
 }
 
 TEST_F(TestResultTest, OuterLevelsEndWhatIsOpenInThem) {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
+
+#include "support/warningrecorder.h"
 
 using namespace Tamrix;
 
@@ -40,16 +40,10 @@ TEST(TestVP, WantsAScreenshotByFlag) {
 class LogScreenshotTest : public testing::Test {
 protected:
     LogScreenshotTest() {
-        s_warnings.clear();
-        m_handler = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext&, const QString& text) { s_warnings += text; });
         TestVP::setScreenshotServices({[this](RunnerInterface*) { return desktop; },
                                        [this](RunnerInterface*) { return folder; }});
     }
-    ~LogScreenshotTest() override {
-        qInstallMessageHandler(m_handler);
-        TestVP::setScreenshotServices({});
-    }
+    ~LogScreenshotTest() override { TestVP::setScreenshotServices({}); }
 
     static QImage picture(int width) {
         QImage image(width, 2, QImage::Format_RGB32);
@@ -62,10 +56,7 @@ protected:
     QImage desktop = picture(5);
     /// No operation of it is called here.
     RunnerInterface* runner = reinterpret_cast<RunnerInterface*>(this);
-    static inline QStringList s_warnings;
-
-private:
-    QtMessageHandler m_handler;
+    Tamrix::Test::WarningRecorder warnings;
 };
 
 TEST_F(LogScreenshotTest, StoresPicturesUnderNewNames) {
@@ -77,22 +68,22 @@ TEST_F(LogScreenshotTest, StoresPicturesUnderNewNames) {
               QString(" (Screenshot in '%1/screenshot_unexpectedpass_1.png')").arg(folder));
     EXPECT_EQ(QImage(folder + "/screenshot_fail_1.png").width(), 3);
     EXPECT_EQ(QImage(folder + "/screenshot_fail_2.png").width(), 5);
-    EXPECT_TRUE(s_warnings.isEmpty());
+    EXPECT_TRUE(warnings.messages().isEmpty());
 }
 
 TEST_F(LogScreenshotTest, GivesNoTextWhenNothingIsStored) {
     EXPECT_EQ(TestVP::logScreenshot(nullptr, TestResult::Fail, picture(3)), QString());
-    EXPECT_TRUE(s_warnings.isEmpty());
+    EXPECT_TRUE(warnings.messages().isEmpty());
 
     desktop = QImage();
     EXPECT_EQ(TestVP::logScreenshot(runner, TestResult::Fail, QImage()), QString());
     folder = "/proc/nowhere";
     EXPECT_EQ(TestVP::logScreenshot(runner, TestResult::Fail, picture(3)), QString());
-    EXPECT_EQ(s_warnings.size(), 2);
-    EXPECT_TRUE(s_warnings.last().contains("/proc/nowhere"));
+    EXPECT_EQ(warnings.messages().size(), 2);
+    EXPECT_TRUE(warnings.messages().last().contains("/proc/nowhere"));
     folder = "/proc";
     EXPECT_EQ(TestVP::logScreenshot(runner, TestResult::Fail, picture(3)), QString());
-    EXPECT_TRUE(s_warnings.last().contains("/proc/screenshot_fail_1.png"));
+    EXPECT_TRUE(warnings.messages().last().contains("/proc/screenshot_fail_1.png"));
     folder.clear();
     EXPECT_EQ(TestVP::logScreenshot(runner, TestResult::Fail, picture(3)), QString());
     TestVP::setScreenshotServices({});
