@@ -88,10 +88,11 @@ int runSuite(const CommandLine& line) {
     if (!line.resultDirectory.isEmpty() && !QDir().mkpath(line.resultDirectory))
         return fail(QStringLiteral("the folder '%1' can't be made").arg(line.resultDirectory));
     CompositeReport reports;
-    reports.append(createConsole(line));
     error = openReports(line.reports, reports);
     if (!error.isEmpty())
         return fail(error);
+    // Behind the others: what a person has seen is in the journal, even if the process is killed.
+    reports.append(createConsole(line));
 
     SuiteRunOptions options;
     options.failFast = line.failFast;

@@ -24,6 +24,8 @@ Watched& s_keyboardInterrupt = s_watched[0];
 /// How often a signal asks before the process ends at once.
 constexpr int patience = 3;
 
+/// The process that the handlers were installed in. Children that a script forks have them, too.
+std::atomic<pid_t> s_process{0};
 std::atomic<int> s_firstSignal{0};
 std::atomic<int> s_signalCount{0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler uses them");
@@ -40,9 +42,28 @@ void call(const struct sigaction& action, int signal, siginfo_t* info, void* con
         action.sa_handler(signal);
 }
 
+/// A signal to a forked child, which is none of the run's business: what happens is what would have
+/// happened without our handlers.
+void handleInChild(const struct sigaction& previous, int signal, siginfo_t* info, void* context) {
+    if (isFunction(previous)) {
+        call(previous, signal, info, context);
+    } else {
+        ::sigaction(signal, &previous, nullptr);
+        ::raise(signal);  // Takes effect when this handler returns.
+    }
+}
+
 /// Only what is safe in a signal handler.
 void handle(int signal, siginfo_t* info, void* context) {
     const int savedErrno = errno;
+    if (::getpid() != s_process) {
+        for (const Watched& watched : s_watched) {
+            if (watched.signal == signal)
+                handleInChild(watched.previous, signal, info, context);
+        }
+        errno = savedErrno;
+        return;
+    }
     int none = 0;
     s_firstSignal.compare_exchange_strong(none, signal);
     const int count = ++s_signalCount;
@@ -87,6 +108,7 @@ sigset_t block() {
 }
 
 void putOnTop() {
+    s_process = ::getpid();
     struct sigaction ours;
     std::memset(&ours, 0, sizeof ours);
     ours.sa_sigaction = handle;

@@ -97,6 +97,41 @@ void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
     checked(PyDict_Update(dictionary, snapshot));
 }
 
+/// An attribute that is text; empty when there is none.
+QString textAttribute(PyObject* object, const char* name) {
+    const PyRef text = PyRef::steal(object ? PyObject_GetAttrString(object, name) : nullptr);
+    PyErr_Clear();
+    return text && PyUnicode_Check(text.get()) ? fromPyString(text.get()) : QString();
+}
+
+bool isBuiltIn(PyObject* module) {
+    const PyRef spec = PyRef::steal(PyObject_GetAttrString(module, "__spec__"));
+    PyErr_Clear();
+    const QString origin = textAttribute(spec.get(), "origin");
+    return origin == "built-in" || origin == "frozen";
+}
+
+/// Whether a module belongs to Python's library. Such modules stay: they would only be loaded
+/// again. The others are the suite's own, folders of it, and stand-ins that a script made.
+bool isOfLibrary(PyObject* modules, PyObject* name, SourceFiles& files) {
+    PyObject* const module = PyDict_GetItemWithError(modules, name);
+    if (!module)
+        return false;
+    const PyRef file = PyRef::steal(PyObject_GetAttrString(module, "__file__"));
+    PyErr_Clear();
+    if (file && PyUnicode_Check(file.get()))
+        return !files.isScript(file.get());
+    if (isBuiltIn(module))
+        return true;
+    // The library makes some modules by hand, below the one that makes them.
+    const QString fullName = PyUnicode_Check(name) ? fromPyString(name) : QString();
+    const int point = fullName.lastIndexOf('.');
+    if (point < 0)
+        return false;
+    const PyRef parent = checked(toPyString(fullName.left(point)).release());
+    return isOfLibrary(modules, parent.get(), files);
+}
+
 }  // namespace
 
 PythonRuntime& PythonRuntime::self() {
@@ -132,6 +167,7 @@ void PythonRuntime::takeSnapshot() {
     m_modules = checked(PyDict_Copy(PyImport_GetModuleDict()));
     m_environment = copyOfEnvironment();
     m_interruptHandler = interruptHandler();
+    m_recursionLimit = Py_GetRecursionLimit();
 }
 
 QString PythonRuntime::addToSearchPath(const QString& directory) {
@@ -151,6 +187,7 @@ void PythonRuntime::restore() {
     try {
         PyEval_SetTrace(nullptr, nullptr);
         PyEval_SetProfile(nullptr, nullptr);
+        Py_SetRecursionLimit(m_recursionLimit);
         // Module path and arguments.
         const PyRef path = checked(PySequence_List(m_path.get()));
         checked(PySys_SetObject("path", path.get()));
@@ -185,21 +222,13 @@ void PythonRuntime::restore() {
 
 void PythonRuntime::dropImportedModules() {
     PyObject* const modules = PyImport_GetModuleDict();
+    // What stands under another name than it did before is put right as well.
+    checked(PyDict_Update(modules, m_modules.get()));
     SourceFiles files;
     const PyRef names = checked(PyDict_Keys(modules));
     for (Py_ssize_t index = 0; index < PyList_GET_SIZE(names.get()); ++index) {
         PyObject* const name = PyList_GET_ITEM(names.get(), index);
-        if (PyDict_Contains(m_modules.get(), name) != 0)
-            continue;
-        PyObject* const module = PyDict_GetItemWithError(modules, name);
-        const PyRef file =
-            PyRef::steal(module ? PyObject_GetAttrString(module, "__file__") : nullptr);
-        PyErr_Clear();
-        // Modules of Python's library stay; they would only be loaded again. Those without a file
-        // are built in, but for the test script itself and folders of the suite.
-        const bool hasFile = file && PyUnicode_Check(file.get());
-        const bool isFolder = module && !hasFile && PyObject_HasAttrString(module, "__path__");
-        if (hasFile ? files.isScript(file.get()) : isFolder)
+        if (PyDict_Contains(m_modules.get(), name) == 0 && !isOfLibrary(modules, name, files))
             checked(PyDict_DelItem(modules, name));
     }
     // Files may be others when they are looked for again.

@@ -22,8 +22,8 @@ public:
     QString addToSearchPath(const QString& directory);
 
     /// Undoes what the test case changed: module path, arguments, builtins, streams, hooks, the
-    /// environment's variables, SIGINT, and every module that it imported and that is not of
-    /// Python's library. Problems are printed to standard error.
+    /// recursion limit, the environment's variables, SIGINT, and every module that it imported or
+    /// made and that is not of Python's library. Problems are printed to standard error.
     void restore();
 
 private:
@@ -38,6 +38,7 @@ private:
     PyRef m_environment;
     PyRef m_modules;
     PyRef m_interruptHandler;
+    int m_recursionLimit = 0;
     int m_searchPathCount = 0;
 };
 

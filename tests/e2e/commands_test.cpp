@@ -1,0 +1,157 @@
+// The commands of the program: exit codes, what goes to which stream, reports that can't be
+// written.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "e2e/runnerprocess.h"
+#include "runner/suitefolder.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Tamrix::Test::RunnerProcess;
+
+class Commands : public testing::Test {
+protected:
+    Commands() {
+        suite.write("suite/good/test.py", "def main():\n    test.pass_('well')\n");
+        suite.write("suite/bad/test.py", "def main():\n    test.fail('not well')\n");
+        suite.write("suite/last/test.py", "def main():\n    print('last runs')\n");
+        suite.write("suite/config.xml",
+                    "<suite><cases><case name=\"good\"/><case name=\"bad\"/></cases></suite>");
+    }
+
+    Tamrix::Test::SuiteFolder suite;
+};
+
+TEST_F(Commands, WrongUsageIsOneLineOnStandardErrorAndExitCode2) {
+    suite.write("empty/file");
+    suite.write("text", "no journal\n");
+    suite.write("faulty/a/test.py");
+    suite.write("faulty/config.xml", "<suite>\n<oops/>\n</suite>");
+    const QString name = suite.path("suite");
+    const struct {
+        QStringList arguments;
+        QString error;
+    } rows[] = {
+        {{}, "no command given"},
+        {{"walk"}, "unknown command 'walk'"},
+        {{"run", name, "--nonsense"}, "Unknown option 'nonsense'"},
+        {{"run", suite.path("absent")}, "there is no suite '" + suite.path("absent")},
+        {{"run", suite.path("empty")}, "has no test case"},
+        {{"list", suite.path("empty")}, "has no test case"},
+        {{"list", suite.path("faulty")}, suite.path("faulty/config.xml") + ":2: unknown element"},
+        {{"run", name, "god"}, "no test case 'god'; did you mean 'good' or 'bad'?"},
+        {{"run", name, "--report", "junit:" + suite.path()}, "it is a directory"},
+        {{"run", name, "--report", "json:/proc/none/journal"}, "/proc/none/journal"},
+        {{"run", name, "--result-dir", suite.path("text")}, suite.path("text")},
+        {{"report", suite.path("absent"), "--to", "console"}, "there is no journal"},
+        {{"report", suite.path("text"), "--to", "junit:" + suite.path("x.xml")},
+         suite.path("text")},
+    };
+    for (const auto& row : rows) {
+        RunnerProcess runner;
+        runner.run(row.arguments);
+        EXPECT_EQ(runner.exitCode(), 2) << qPrintable(row.arguments.join(' '));
+        EXPECT_EQ(runner.output(), QString(""));
+        EXPECT_TRUE(runner.errors().startsWith("tamrixrunner: ")) << qPrintable(runner.errors());
+        EXPECT_TRUE(runner.errors().contains(row.error)) << qPrintable(runner.errors());
+        EXPECT_EQ(runner.errors().count('\n'), 1) << qPrintable(runner.errors());
+    }
+    EXPECT_FALSE(QFile::exists(suite.path("x.xml"))) << "a report of a faulty journal";
+}
+
+TEST_F(Commands, HelpVersionAndList) {
+    RunnerProcess version;
+    EXPECT_EQ(version.run({"--version"}).output(), QString("tamrixrunner 7.1.0\n"));
+    EXPECT_EQ(version.exitCode(), 0);
+    RunnerProcess help;
+    EXPECT_TRUE(help.run({"run", "--help"}).output().startsWith("Usage: "));
+    EXPECT_EQ(help.exitCode(), 0);
+    RunnerProcess list;
+    EXPECT_EQ(list.run({"list", suite.path("suite")}).output(), QString("good\nbad\nlast\n"));
+    EXPECT_EQ(list.exitCode(), 0);
+}
+
+TEST_F(Commands, ExitCodeTellsOfFailures) {
+    const struct {
+        QStringList arguments;
+        int exitCode;
+    } rows[] = {{{"good"}, 0}, {{"bad"}, 1}, {{}, 1}, {{"last", "good"}, 0}};
+    for (const auto& row : rows) {
+        RunnerProcess runner;
+        runner.run(QStringList({"run", suite.path("suite")}) + row.arguments);
+        EXPECT_EQ(runner.exitCode(), row.exitCode) << qPrintable(row.arguments.join(' '));
+        EXPECT_EQ(runner.errors(), QString(""));
+    }
+}
+
+TEST_F(Commands, FailFastEndsBehindTheFirstFailure) {
+    RunnerProcess runner;
+    runner.run({"run", suite.path("suite"), "--fail-fast"});
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(runner.output().contains("PASS  good"));
+    EXPECT_FALSE(runner.output().contains("last"));
+    EXPECT_EQ(runner.errors(),
+              QString("tamrixrunner: ended at the first failure: 1 test case(s) did not run\n"));
+}
+
+TEST_F(Commands, ScriptArgumentsReachTheScript) {
+    suite.write("suite/args/test.py", "import sys\ndef main():\n    print(sys.argv[1:])\n");
+    RunnerProcess runner;
+    runner.run({"run", suite.path("suite"), "args", "--", "--quiet", "a b", "", "ü", "--"});
+    EXPECT_EQ(runner.exitCode(), 0);
+    EXPECT_TRUE(runner.output().contains("['--quiet', 'a b', '', 'ü', '--']"))
+        << qPrintable(runner.output());
+}
+
+TEST_F(Commands, ReportThatCantBeWrittenInTheEndIsTold) {
+    // The folder is there when the run starts and gone when the report is written.
+    suite.write("suite/remover/test.py",
+                "import os, shutil, sys\ndef main():\n    shutil.rmtree(sys.argv[1])\n");
+    RunnerProcess runner;
+    runner.run({"run", suite.path("suite"), "remover", "--report",
+                "junit:" + suite.path("reports/junit.xml"), "--", suite.path("reports")});
+    EXPECT_EQ(runner.exitCode(), 2);
+    EXPECT_TRUE(runner.errors().contains(suite.path("reports/junit.xml")))
+        << qPrintable(runner.errors());
+    EXPECT_EQ(runner.errors().count('\n'), 1);
+    EXPECT_TRUE(runner.output().contains("PASS  remover"));
+}
+
+TEST_F(Commands, ReportDoesNotWriteOverItsJournal) {
+    RunnerProcess runner;
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    const QString journal = suite.path("results/journal.jsonl");
+    const QByteArray before = Tamrix::Test::readFile(journal);
+    ASSERT_FALSE(before.isEmpty());
+    ASSERT_TRUE(QFile::link(journal, suite.path("link")));
+    for (const QString& target : {journal, suite.path("link"), suite.path("suite/../link")}) {
+        RunnerProcess report;
+        report.run({"report", journal, "--to", "json:" + target});
+        EXPECT_EQ(report.exitCode(), 2) << qPrintable(target);
+        EXPECT_EQ(Tamrix::Test::readFile(journal), before);
+    }
+}
+
+TEST_F(Commands, ReaderThatGoesAwayDoesNotTakeTheReportsWithIt) {
+    suite.write("suite/chatty/test.py",
+                "def main():\n    for _ in range(20000):\n        print('x' * 100)\n");
+    QProcess shell;
+    shell.start("/bin/sh",
+                {"-c", "'" TAMRIX_TEST_PREFIX "/bin/tamrixrunner' run '" + suite.path("suite") +
+                           "' chatty last --report 'junit:" + suite.path("junit.xml") + "' 2>'" +
+                           suite.path("errors") + "' | head -n 1"});
+    ASSERT_TRUE(shell.waitForFinished(60'000));
+    const QString junit = QString::fromUtf8(Tamrix::Test::readFile(suite.path("junit.xml")));
+    EXPECT_TRUE(junit.contains("last runs")) << qPrintable(junit.right(400));
+    EXPECT_TRUE(junit.endsWith("</testsuites>\n"));
+    const QString errors = QString::fromUtf8(Tamrix::Test::readFile(suite.path("errors")));
+    EXPECT_EQ(errors.count('\n'), 1) << qPrintable(errors);
+}
+
+}  // namespace
+}  // namespace Tamrix

@@ -1,0 +1,97 @@
+// A runner that is killed leaves a journal from which all reports can be made.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "e2e/journal.h"
+#include "e2e/runnerprocess.h"
+#include "runner/suitefolder.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Tamrix::Test::RunnerProcess;
+
+class KilledRun : public testing::Test {
+protected:
+    KilledRun() {
+        suite.write("suite/a/test.py", "def main():\n    test.fail('first')\n");
+        suite.write("suite/c/test.py", "def main():\n    test.fail('must not run')\n");
+    }
+
+    /// Makes JUnit XML of what is left.
+    QString junitFromJournal() {
+        RunnerProcess report;
+        report.run({"report", suite.path("journal.jsonl"), "--to",
+                    "junit:" + suite.path("junit.xml"), "--to",
+                    "console:" + suite.path("console.txt")});
+        EXPECT_EQ(report.exitCode(), 0) << qPrintable(report.errors());
+        return QString::fromUtf8(Tamrix::Test::readFile(suite.path("junit.xml")));
+    }
+
+    Tamrix::Test::SuiteFolder suite;
+    RunnerProcess runner;
+};
+
+TEST_F(KilledRun, TheJournalHoldsEverythingUpToThen) {
+    suite.write("suite/b/test.py",
+                "import os, signal\n"
+                "def main():\n"
+                "    test.startSection('open')\n"
+                "    for count in range(500):\n"
+                "        test.log('entry %d' % count)\n"
+                "    print('a line without end', end='')\n"
+                "    test.pass_('the last one')\n"
+                "    os.kill(os.getpid(), signal.SIGKILL)\n");
+    runner.run({"run", suite.path("suite"), "--report", "json:" + suite.path("journal.jsonl")});
+    EXPECT_EQ(runner.exitCode(), -1 - SIGKILL);
+
+    const auto entries = Tamrix::Test::readJournal(suite.path("journal.jsonl"));
+    // suiteStart; start, fail and end of a; start of b, section, 500 logs, output, pass.
+    ASSERT_EQ(entries.size(), 1u + 3u + 2u + 500u + 2u);
+    EXPECT_EQ(entries.back()["message"], "the last one");
+    EXPECT_EQ(entries[entries.size() - 2]["message"], "a line without end");
+
+    const QString junit = junitFromJournal();
+    EXPECT_TRUE(junit.contains("<testcase name=\"b\"")) << qPrintable(junit);
+    EXPECT_TRUE(junit.contains("<testsuites tests=\"2\" failures=\"1\" errors=\"1\""))
+        << qPrintable(junit.left(200));
+    EXPECT_TRUE(junit.endsWith("</testsuites>\n"));
+    const QString console = QString::fromUtf8(Tamrix::Test::readFile(suite.path("console.txt")));
+    EXPECT_TRUE(console.contains("2 cases: 1 failed, 1 incomplete")) << qPrintable(console);
+}
+
+TEST_F(KilledRun, FromOutsideAtAnyMoment) {
+    suite.write("suite/b/test.py",
+                "def main():\n"
+                "    print('ready')\n"
+                "    while True:\n"
+                "        test.log('x' * 1000)\n");
+    runner.start({"run", suite.path("suite"), "--report", "json:" + suite.path("journal.jsonl")});
+    ASSERT_TRUE(runner.waitForOutput("ready"));
+    runner.sendSignal(SIGKILL);
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), -1 - SIGKILL);
+    EXPECT_TRUE(junitFromJournal().contains("<testcase name=\"b\""));
+}
+
+TEST_F(KilledRun, ALineThatWasCutIsToldAndLeftOut) {
+    suite.write("suite/b/test.py", "def main():\n    test.fail('second')\n");
+    runner.run(
+        {"run", suite.path("suite"), "a", "b", "--report", "json:" + suite.path("journal.jsonl")});
+    const QByteArray journal = Tamrix::Test::readFile(suite.path("journal.jsonl"));
+    suite.write("journal.jsonl", journal.left(journal.indexOf("second") + 3));
+    RunnerProcess report;
+    report.run({"report", suite.path("journal.jsonl"), "--to", "console:-"});
+    EXPECT_EQ(report.exitCode(), 0);
+    EXPECT_EQ(report.errors(), "tamrixrunner: '" + suite.path("journal.jsonl") +
+                                   "' ends inside an entry: its run was killed while writing it\n");
+    EXPECT_TRUE(report.output().contains("Fail: first"));
+    EXPECT_FALSE(report.output().contains("sec"));
+}
+
+}  // namespace
+}  // namespace Tamrix

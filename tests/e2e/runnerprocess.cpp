@@ -1,0 +1,95 @@
+#include "e2e/runnerprocess.h"
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <QElapsedTimer>
+#include <QProcessEnvironment>
+#include <csignal>
+
+#include "runner/coreapplication.h"
+
+namespace Tamrix::Test {
+
+namespace {
+
+constexpr int patienceMilliseconds = 60'000;
+
+}  // namespace
+
+RunnerProcess::RunnerProcess() {
+    coreApplication();
+    m_process.setProgram(QStringLiteral(TAMRIX_TEST_PREFIX "/bin/tamrixrunner"));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString& name : environment.keys()) {
+        if (name.startsWith("TAMRIX_") || name.startsWith("PYTHON"))
+            environment.remove(name);
+    }
+    environment.insert("TAMRIX_USER_SETTINGS_DIR", m_settings.path());
+    m_process.setProcessEnvironment(environment);
+}
+
+RunnerProcess::~RunnerProcess() {
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+}
+
+void RunnerProcess::setVariable(const QString& name, const QString& value) {
+    QProcessEnvironment environment = m_process.processEnvironment();
+    if (value.isNull())
+        environment.remove(name);
+    else
+        environment.insert(name, value);
+    m_process.setProcessEnvironment(environment);
+}
+
+RunnerProcess& RunnerProcess::run(const QStringList& arguments) {
+    start(arguments);
+    finish();
+    return *this;
+}
+
+void RunnerProcess::start(const QStringList& arguments) {
+    m_process.setArguments(arguments);
+    m_process.start(QIODevice::ReadOnly);
+    if (!m_process.waitForStarted(patienceMilliseconds))
+        ADD_FAILURE() << "can't start: " << qPrintable(m_process.errorString());
+}
+
+bool RunnerProcess::waitForOutput(const QString& text) {
+    QElapsedTimer timer;
+    timer.start();
+    readAll();
+    while (!m_output.contains(text)) {
+        if (m_process.state() == QProcess::NotRunning || timer.elapsed() > patienceMilliseconds)
+            return false;
+        m_process.waitForReadyRead(1000);
+        readAll();
+    }
+    return true;
+}
+
+void RunnerProcess::sendSignal(int signal) {
+    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+}
+
+void RunnerProcess::finish() {
+    if (m_process.state() != QProcess::NotRunning &&
+        !m_process.waitForFinished(patienceMilliseconds)) {
+        ADD_FAILURE() << "the program does not end";
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    readAll();
+    m_exitCode = m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                                : -1 - m_process.exitCode();
+}
+
+void RunnerProcess::readAll() {
+    m_output += QString::fromUtf8(m_process.readAllStandardOutput());
+    m_errors += QString::fromUtf8(m_process.readAllStandardError());
+}
+
+}  // namespace Tamrix::Test

@@ -1,0 +1,5 @@
+import faulty
+
+
+def main():
+    faulty.outer({})

@@ -1,0 +1,5 @@
+import json
+
+
+def main():
+    json.loads("{")  # here

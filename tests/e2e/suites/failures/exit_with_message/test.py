@@ -1,0 +1,5 @@
+import sys
+
+
+def main():
+    sys.exit("given up")  # here

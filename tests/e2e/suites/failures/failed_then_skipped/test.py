@@ -1,0 +1,3 @@
+def main():
+    test.fail("Failed before")  # here
+    test.skip("Too late")

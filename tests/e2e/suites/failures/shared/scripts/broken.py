@@ -1,0 +1,2 @@
+def unfinished(:  # here
+    pass

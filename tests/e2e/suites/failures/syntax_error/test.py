@@ -1,0 +1,4 @@
+def main():
+    test.log("never runs")
+    if True  # here
+        pass

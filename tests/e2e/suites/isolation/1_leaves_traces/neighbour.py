@@ -1,0 +1,1 @@
+"""Found beside the script of this test case only."""

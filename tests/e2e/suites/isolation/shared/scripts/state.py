@@ -1,0 +1,3 @@
+"""A module that keeps something."""
+
+counter = 0
