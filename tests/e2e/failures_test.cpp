@@ -46,6 +46,7 @@ protected:
         EXPECT_TRUE(compareWithGolden(golden + "/journal.jsonl", normalised(read(journal))));
         EXPECT_TRUE(compareWithGolden(golden + "/junit.xml", normalised(read(junit))));
 
+        EXPECT_EQ(schemaErrors(junit), QString(""));
         // The other forms of the console.
         for (const QString verbosity : {"--quiet", "--verbose"}) {
             RunnerProcess again;
@@ -62,6 +63,16 @@ protected:
         // A journal can't hold half a character.
         EXPECT_EQ(read(second), read(junit).replace("\\ud83d", "\ufffd"));
         EXPECT_EQ(readEntries("second.jsonl"), readEntries("journal.jsonl"));
+    }
+
+    /// What the schema has against JUnit XML.
+    QString schemaErrors(const QString& path) const {
+        QProcess process;
+        process.start(XMLLINT, {"--noout", "--nonet", "--schema",
+                                sourceDirectory + "/tests/platform/testresult/junit.xsd", path});
+        if (!process.waitForFinished())
+            return "xmllint did not run";
+        return process.exitCode() == 0 ? "" : QString::fromUtf8(process.readAllStandardError());
     }
 
     QString read(const QString& path) const {
