@@ -8,6 +8,7 @@
 
 #include "base/environment.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/testresult/testvp.h"
 #include "runner/interrupt.h"
@@ -22,13 +23,12 @@ const char* const failureCategories[] = {"fails", "xpasses", "errors", "fatals"}
 
 /// Where pictures that go with results are kept: where attachments of the case are, too.
 QString screenshotDirectory(RunnerInterface* runner) {
-    const QDir caseDirectory = QFileInfo(runner->testCasePath()).dir();
-    const QString suiteDirectory = QFileInfo(caseDirectory.absolutePath()).absolutePath();
-    const QString results = runner->currentResultDirectory();
-    if (results.isEmpty())
-        return suiteDirectory + QLatin1String("/attachments");
-    return QStringLiteral("%1/%2/%3/attachments")
-        .arg(results, QFileInfo(suiteDirectory).fileName(), caseDirectory.dirName());
+    QString error;
+    const QFileInfo directory =
+        attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
+    if (!error.isEmpty())
+        qWarning("No screenshots: %s", error.toLocal8Bit().constData());
+    return directory.filePath();
 }
 
 }  // namespace
