@@ -34,7 +34,7 @@ mkdir -p "${tree%/*}"
 mv "$work/installed" "$tree"
 
 echo "Looking for paths of this machine"
-if named=$(grep -rlF -e "$SOURCE_DIR" -e "$work/installed" "$tree"); then
+if named=$(grep -rlF -e "$SOURCE_DIR/src/" -e "$BUILD_DIR" -e "$work/installed" "$tree"); then
     fail "these files name a folder of this machine:
 $named"
 fi

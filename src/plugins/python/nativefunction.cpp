@@ -279,7 +279,7 @@ PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Targe
     PyRef function = PyRef::steal(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
     if (function) {
         functionObjects().insert(key, function);
-        target.release();  // the function object lives for the process
+        static_cast<void>(target.release());  // the function object lives for the process
     }
     return function;
 }
