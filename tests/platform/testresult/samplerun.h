@@ -6,6 +6,7 @@
 
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/testresult.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 
