@@ -22,7 +22,8 @@ RunnerProcess::RunnerProcess() {
     m_process.setProgram(QStringLiteral(TAMRIX_TEST_PREFIX "/bin/tamrixrunner"));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString& name : environment.keys()) {
-        if (name.startsWith("TAMRIX_") || name.startsWith("PYTHON"))
+        // The choice of Python's allocator is that of the tests as a whole.
+        if (name.startsWith("TAMRIX_") || (name.startsWith("PYTHON") && name != "PYTHONMALLOC"))
             environment.remove(name);
     }
     environment.insert("TAMRIX_USER_SETTINGS_DIR", m_settings.path());
