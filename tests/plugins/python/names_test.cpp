@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 
 #include <stdexcept>
 
@@ -8,7 +7,6 @@ namespace Tamrix {
 namespace {
 
 using namespace Test;
-using testing::HasSubstr;
 
 class PythonNames : public PythonTest {};
 
