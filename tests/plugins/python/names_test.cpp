@@ -1,4 +1,3 @@
-
 #include <stdexcept>
 
 #include "plugins/python/pythontest.h"
