@@ -17,8 +17,9 @@ TEST(Isolation, TheSecondCaseFindsNoTraceOfTheFirst) {
     RunnerProcess runner;
     runner.setVariable("LC_ALL", "C.UTF-8");
     runner.setVariable("HOME", "/somewhere");
-    runner.run({"run", TAMRIX_TEST_SOURCE_DIR "/tests/e2e/suites/isolation", "--report",
-                "json:" + results.filePath("journal.jsonl"), "--verbose"});
+    const QString suite = QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/tests/e2e/suites/isolation");
+    runner.run(
+        {"run", suite, "--report", "json:" + results.filePath("journal.jsonl"), "--verbose"});
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output());
     EXPECT_EQ(runner.errors(), QString(""));
 
