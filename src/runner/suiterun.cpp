@@ -5,11 +5,13 @@
 #include <QDir>
 #include <QFile>
 #include <QTextCodec>
+#include <algorithm>
 
 #include "base/environment.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
+#include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
 #include "runner/interrupt.h"
 #include "runner/processstate.h"
@@ -17,9 +19,6 @@
 namespace Tamrix {
 
 namespace {
-
-/// The categories of results with which a case counts as failed.
-const char* const failureCategories[] = {"fails", "xpasses", "errors", "fatals"};
 
 /// Where pictures that go with results are kept: where attachments of the case are, too.
 QString screenshotDirectory(RunnerInterface* runner) {
@@ -130,11 +129,9 @@ bool SuiteRun::readScript(const QString& path, QString* text) {
 }
 
 bool SuiteRun::caseHasFailed() const {
-    for (const char* category : failureCategories) {
-        if (m_result.count(QLatin1String(category)) > 0)
-            return true;
-    }
-    return false;
+    return std::any_of(resultTypes.begin(), resultTypes.end(), [this](const ResultTypeInfo& type) {
+        return type.isFailure && m_result.count(QLatin1String(type.category)) > 0;
+    });
 }
 
 }  // namespace Tamrix

@@ -27,8 +27,8 @@ struct Holder {
         for (const PyType_Slot* slot = furtherSlots; slot->slot != 0; ++slot)
             slots[used++] = *slot;
         slots[used] = {0, nullptr};
-        PyType_Spec spec{name, sizeof(Holder), 0, Py_TPFLAGS_DEFAULT | flags, slots};
-        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+        PyType_Spec definition{name, sizeof(Holder), 0, Py_TPFLAGS_DEFAULT | flags, slots};
+        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
         return type;
     }
 

@@ -221,9 +221,9 @@ PyTypeObject* targetType() {
     if (!type) {
         PyType_Slot slots[] = {{Py_tp_doc, const_cast<char*>("A function of the test system")},
                                {0, nullptr}};
-        PyType_Spec spec{"tamrix.NativeFunction", sizeof(TargetObject), 0,
-                         Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+        PyType_Spec definition{"tamrix.NativeFunction", sizeof(TargetObject), 0,
+                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
     }
     return type;
 }

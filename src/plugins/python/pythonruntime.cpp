@@ -105,9 +105,9 @@ QString textAttribute(PyObject* object, const char* name) {
 }
 
 bool isBuiltIn(PyObject* module) {
-    const PyRef spec = PyRef::steal(PyObject_GetAttrString(module, "__spec__"));
+    const PyRef moduleSpec = PyRef::steal(PyObject_GetAttrString(module, "__spec__"));
     PyErr_Clear();
-    const QString origin = textAttribute(spec.get(), "origin");
+    const QString origin = textAttribute(moduleSpec.get(), "origin");
     return origin == "built-in" || origin == "frozen";
 }
 

@@ -83,11 +83,12 @@ PyRef makeStream(const char* typeName) {
         {"buffer", bufferProperty<stream>, nullptr, "The process's own binary stream", nullptr},
         {nullptr, nullptr, nullptr, nullptr, nullptr}};
     PyType_Slot slots[] = {{Py_tp_methods, methods}, {Py_tp_getset, properties}, {0, nullptr}};
-    PyType_Spec spec{typeName, 0, 0, Py_TPFLAGS_DEFAULT, slots};
+    PyType_Spec definition{typeName, 0, 0, Py_TPFLAGS_DEFAULT, slots};
     const PyRef io = PyRef::steal(PyImport_ImportModule("io"));
     const PyRef base = PyRef::steal(io ? PyObject_GetAttrString(io.get(), "TextIOBase") : nullptr);
     const PyRef bases = PyRef::steal(base ? PyTuple_Pack(1, base.get()) : nullptr);
-    const PyRef type = PyRef::steal(bases ? PyType_FromSpecWithBases(&spec, bases.get()) : nullptr);
+    const PyRef type =
+        PyRef::steal(bases ? PyType_FromSpecWithBases(&definition, bases.get()) : nullptr);
     return PyRef::steal(type ? PyObject_CallNoArgs(type.get()) : nullptr);
 }
 

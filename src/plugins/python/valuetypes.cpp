@@ -143,9 +143,9 @@ PyTypeObject* makeRecordType() {
         {Py_tp_doc,
          const_cast<char*>("One row of a data set: record[\"field\"] or record[column]")},
         {0, nullptr}};
-    PyType_Spec spec{"tamrix.Record", sizeof(RecordObject), 0,
-                     Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+    PyType_Spec definition{"tamrix.Record", sizeof(RecordObject), 0,
+                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
 }
 
 PyTypeObject* makeLocationType() {
