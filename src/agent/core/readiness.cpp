@@ -173,10 +173,12 @@ std::optional<QPoint> optionalOf(const QPoint* offset) {
 
 QString obstacleOf(const Element& element) {
     const Toolkit* const toolkit = element.toolkit;
-    if (!toolkit->isVisible(element)) {
+    if (!toolkit->isVisible(element))
+        return QStringLiteral("it is not visible");
+    if (toolkit->visibleBounds(element).isEmpty()) {
         toolkit->scrollIntoView(element);
-        if (!toolkit->isVisible(element))
-            return QStringLiteral("it is not visible");
+        if (toolkit->visibleBounds(element).isEmpty())
+            return QStringLiteral("it is not visible: it is scrolled out of sight");
     }
     if (!toolkit->isEnabled(element))
         return QStringLiteral("it is disabled");
