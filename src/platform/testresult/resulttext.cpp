@@ -8,6 +8,9 @@ namespace Tamrix {
 
 namespace {
 
+const QLatin1String screenshotBeginning(" (Screenshot in '");
+const QLatin1String screenshotEnd("')");
+
 /// Whether a code unit can't stand in a text by itself: half of a surrogate pair.
 bool isLoneSurrogate(const QString& text, int index) {
     const QChar c = text.at(index);
@@ -53,13 +56,6 @@ QString escaped(const QString& text, Predicate isBad) {
     return result;
 }
 
-QString commentText(const ReportEntry& entry) {
-    const ResultTypeInfo* info = resultTypeInfo(entry.type);
-    if (entry.extra.isEmpty() || entry.type == TestResult::Skipped)
-        return QString();
-    return info && info->isVerdict ? QStringLiteral("Comment: ") + entry.extra : entry.extra;
-}
-
 }  // namespace
 
 QString positionText(const LineInfo& position) {
@@ -72,6 +68,13 @@ QString messageText(const ReportEntry& entry) {
     if (entry.message.isEmpty() || entry.detail.isEmpty())
         return entry.message + entry.detail;
     return entry.message + QLatin1String(": ") + entry.detail;
+}
+
+QString commentText(const ReportEntry& entry) {
+    const ResultTypeInfo* info = resultTypeInfo(entry.type);
+    if (entry.extra.isEmpty() || entry.type == TestResult::Skipped)
+        return QString();
+    return info && info->isVerdict ? QStringLiteral("Comment: ") + entry.extra : entry.extra;
 }
 
 QString describeResult(const ReportEntry& entry) {
@@ -95,6 +98,22 @@ QString describeResult(const ReportEntry& entry) {
             lines += QStringLiteral("called from ") + caller;
     }
     return lines.join(QLatin1Char('\n'));
+}
+
+QString screenshotNote(const QString& path) {
+    return screenshotBeginning + path + screenshotEnd;
+}
+
+QString takeScreenshotNote(QString* message) {
+    const int begin = message->lastIndexOf(screenshotBeginning);
+    if (begin < 0 || !message->endsWith(screenshotEnd))
+        return QString();
+    const int pathBegin = begin + screenshotBeginning.size();
+    const int length = message->size() - screenshotEnd.size() - pathBegin;
+    const QString path = message->mid(pathBegin, qMax(0, length));
+    if (!path.isEmpty())
+        message->truncate(begin);
+    return path;
 }
 
 QString escapedForTerminal(const QString& text) {
