@@ -30,20 +30,10 @@ TAMRIX_EXPORT QString commentText(const ReportEntry& entry);
 /// the call stack. Texts may have lines of their own.
 TAMRIX_EXPORT QString describeResult(const ReportEntry& entry);
 
-<<<<<<< HEAD
-=======
 /// What a message ends with when a screenshot belongs to it: " (Screenshot in 'PATH')".
 TAMRIX_EXPORT QString screenshotNote(const QString& path);
 
 /// Takes such a note from the end of a message and returns its path; empty when there is none.
 TAMRIX_EXPORT QString takeScreenshotNote(QString* message);
 
-/// Replaces the characters that would control a terminal by escapes that can be read, such as \x1b;
-/// tabs and line feeds stay.
-TAMRIX_EXPORT QString escapedForTerminal(const QString& text);
-
-/// Replaces the characters that XML 1.0 does not allow by escapes that can be read, such as \x00.
-TAMRIX_EXPORT QString escapedForXml(const QString& text);
-
->>>>>>> htmlreport
 }  // namespace Tamrix
