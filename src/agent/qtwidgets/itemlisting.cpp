@@ -7,6 +7,7 @@
 #include <QTabBar>
 #include <QTreeView>
 
+#include "agent/core/itempath.h"
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemtoolkit.h"
 #include "agent/qtwidgets/widgettext.h"
@@ -183,7 +184,7 @@ Element currentItemOf(QWidget* holder) {
 }
 
 Element findItem(QWidget* holder, const QString& text, int row, int column, QString* reason) {
-    const QStringList path = splitItemPath(text);
+    const QStringList path = itemTexts(text);
     Element found;
     if (auto* const header = qobject_cast<QHeaderView*>(holder)) {
         const int wanted = header->orientation() == Qt::Vertical ? row : column;
@@ -224,21 +225,6 @@ Element findItem(QWidget* holder, const QString& text, int row, int column, QStr
     if (found.isNull())
         *reason = noSuchItem(text, row, column);
     return found;
-}
-
-QStringList splitItemPath(const QString& path) {
-    if (path.isNull())
-        return {QString()};
-    QStringList parts{QString("")};
-    for (int index = 0; index < path.size(); ++index) {
-        if (path[index] == '\\' && index + 1 < path.size())
-            parts.last() += path[++index];
-        else if (path[index] == '.')
-            parts.append(QString(""));
-        else
-            parts.last() += path[index];
-    }
-    return parts;
 }
 
 }  // namespace Tamrix::Agent

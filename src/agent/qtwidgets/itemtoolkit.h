@@ -61,7 +61,5 @@ Element itemAt(const QWidget* widget, const QPoint& point);
 Element currentItemOf(QWidget* holder);
 /// The item with a path of texts, or for a null text at a row and column. Null with a reason.
 Element findItem(QWidget* holder, const QString& text, int row, int column, QString* reason);
-/// The texts of "parent.child", in which "\." stands for a point and "\\" for a backslash.
-QStringList splitItemPath(const QString& path);
 
 }  // namespace Tamrix::Agent

@@ -14,6 +14,7 @@
 #include <QToolBar>
 #include <QWindow>
 
+#include "agent/core/itempath.h"
 #include "agent/core/objecttoolkit.h"
 #include "agent/core/session.h"
 #include "agent/qtwidgets/actionplace.h"
@@ -310,7 +311,7 @@ Element WidgetToolkit::item(const Element& view, const QString& text, int row, i
         qobject_cast<QToolBar*>(widget)) {
         const QList<QAction*> actions = widget->actions();
         QAction* const action =
-            text.isNull() ? actions.value(row) : findAction(actions, splitItemPath(text));
+            text.isNull() ? actions.value(row) : findAction(actions, itemTexts(text));
         if (!action)
             *reason = QStringLiteral("it has no such entry");
         return element(action);

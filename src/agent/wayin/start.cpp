@@ -60,6 +60,9 @@ void connectToRunner() {
     addWidgetToolkits(s_session);
     registerObjectHandlers(s_session);
     registerPropertyHandlers(s_session);
+    registerInputHandlers(s_session);
+    registerPictureHandlers(s_session);
+    registerEventHandlers(s_session);
     // Ends before the application object does: its event loop watches the socket.
     qAddPostRoutine(stop);
 }
