@@ -227,6 +227,11 @@ QVector<Element> AgentSession::topLevels() const {
     return elements;
 }
 
+bool AgentSession::isItemType(const QString& typeName) const {
+    return std::any_of(m_toolkits.cbegin(), m_toolkits.cend(),
+                       [&typeName](const auto& toolkit) { return toolkit->isItemType(typeName); });
+}
+
 Wire::ObjectInfo AgentSession::info(const Element& element) {
     Wire::ObjectInfo info;
     if (element.isNull())

@@ -26,7 +26,7 @@ public:
     explicit ObjectFinder(const Wire::Query& query);
     ~ObjectFinder();
 
-    /// What is wrong with the name: a malformed expression, names too deep in each other.
+    /// What is wrong with the name, a malformed expression; empty for a good one.
     QString errorText() const { return m_errorText; }
     /// The object that the name means; null for none.
     Element find();
@@ -36,30 +36,25 @@ public:
 private:
     struct Criterion;
 
-    Element find(int depth);
-    void add(const Wire::Criterion& wanted, int depth);
+    void add(const Wire::Criterion& wanted);
     bool mayItemsMatch() const;
-    bool typeMatches(const Element& element);
-    bool matches(const Element& element);
+    bool typeMatches(const Criterion& criterion, const Element& element);
+    bool relationMatches(const Criterion& criterion, const Element& element) const;
     bool matches(const Criterion& criterion, const Element& element);
-    bool relationMatches(const Criterion& criterion, const Element& element);
+    bool matches(const Element& element);
     QString actualText(const Criterion& criterion, const Element& element) const;
+    /// Finds the objects that criteria name; false when one isn't there.
+    bool resolveRelations();
     /// The elements below which matches can be.
-    QVector<Element> roots();
-    void resolveRelations(int depth);
+    QVector<Element> roots() const;
 
     QString m_errorText;
     int m_occurrence;
     bool m_asksVisible = false;
     std::vector<Criterion> m_criteria;
-    Criterion* m_type = nullptr;
     QHash<const QMetaObject*, bool> m_matchingTypes;
     const QMetaObject* m_lastClass = nullptr;
     bool m_lastMatched = false;
 };
-
-/// Calls `visit(element)` for the root and all below it, parents first, in order of creation.
-template <typename Visit>
-void walkTree(const Element& root, bool withItems, Visit visit);
 
 }  // namespace Tamrix::Agent

@@ -114,11 +114,14 @@ bool ObjectToolkit::isInternal(const Element& element) const {
            element.object->inherits("QLayout") || element.object->inherits("QStyle");
 }
 
+bool ObjectToolkit::isPlain(const Element& element) const {
+    return !element.object->isWindowType();
+}
+
 QRect ObjectToolkit::globalBounds(const Element& element) const {
     const QWindow* const window = windowOf(element);
-    return window && window->isVisible()
-               ? QRect(window->mapToGlobal(QPoint(0, 0)), window->size())
-               : QRect();
+    return window && window->isVisible() ? QRect(window->mapToGlobal(QPoint(0, 0)), window->size())
+                                         : QRect();
 }
 
 QRect ObjectToolkit::visibleBounds(const Element& element) const {

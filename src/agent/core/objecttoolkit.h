@@ -18,6 +18,7 @@ public:
     bool isVisible(const Element& element) const override;
     bool isEnabled(const Element& element) const override;
     bool isInternal(const Element& element) const override;
+    bool isPlain(const Element& element) const override;
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;

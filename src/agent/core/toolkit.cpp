@@ -45,6 +45,10 @@ bool Toolkit::isInternal(const Element& /*element*/) const {
     return false;
 }
 
+bool Toolkit::isPlain(const Element& /*element*/) const {
+    return false;
+}
+
 QVariant Toolkit::property(const Element& element, const QString& name, bool* isKnown) const {
     *isKnown = false;
     if (element.isItem())
@@ -80,6 +84,10 @@ bool Toolkit::receivesThrough(const Element& element, const Element& hit) const 
 }
 
 bool Toolkit::scrollIntoView(const Element& /*element*/) const {
+    return false;
+}
+
+bool Toolkit::isItemType(const QString& /*typeName*/) const {
     return false;
 }
 

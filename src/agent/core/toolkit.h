@@ -57,6 +57,8 @@ public:
     virtual bool isEnabled(const Element& element) const = 0;
     /// Whether it is of the toolkit's inner workings, left out of names and trees.
     virtual bool isInternal(const Element& element) const;
+    /// Whether it has no part in what is shown: a timer, a model.
+    virtual bool isPlain(const Element& element) const;
     /// A property of a tester's vocabulary or of the object's class. `*isKnown` tells whether there
     /// is one of that name. Objects come as Wire::ObjectInfo only through Session::info().
     virtual QVariant property(const Element& element, const QString& name, bool* isKnown) const;
@@ -83,6 +85,8 @@ public:
     virtual QImage grab(const Element& element) const = 0;
 
     // Items.
+    /// Whether items of this type exist: a look-up leaves items out when its type is none.
+    virtual bool isItemType(const QString& typeName) const;
     /// The item of a view, menu, bar or box; `text` null: by row and column. Null when there is
     /// none, with a reason.
     virtual Element item(const Element& view, const QString& text, int row, int column,

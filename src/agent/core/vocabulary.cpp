@@ -19,16 +19,12 @@ struct WordEntry {
     bool isAlias;
 };
 
-constexpr WordEntry words[] = {{"type", Word::Type, false},
-                               {"name", Word::Name, true},
-                               {"objectName", Word::Name, false},
-                               {"text", Word::Text, false},
-                               {"visible", Word::Visible, false},
-                               {"enabled", Word::Enabled, false},
-                               {"window", Word::Window, false},
-                               {"parent", Word::Container, false},
-                               {"container", Word::Container, true},
-                               {"buddy", Word::Buddy, true}};
+constexpr WordEntry words[] = {
+    {"type", Word::Type, false},          {"name", Word::Name, true},
+    {"objectName", Word::Name, false},    {"text", Word::Text, false},
+    {"visible", Word::Visible, false},    {"enabled", Word::Enabled, false},
+    {"window", Word::Window, false},      {"parent", Word::Container, false},
+    {"container", Word::Container, true}, {"buddy", Word::Buddy, true}};
 
 const WordEntry* findWord(const QString& name) {
     for (const WordEntry& entry : words) {
@@ -50,8 +46,8 @@ QVariant placeValue(const Element& element, const QString& name, bool* isKnown) 
     if (name == QLatin1String("height"))
         return bounds.height();
     const Element container = containerOf(element);
-    const QPoint origin = container.isNull() ? QPoint()
-                                             : container.toolkit->globalBounds(container).topLeft();
+    const QPoint origin =
+        container.isNull() ? QPoint() : container.toolkit->globalBounds(container).topLeft();
     return name == QLatin1String("x") ? bounds.x() - origin.x() : bounds.y() - origin.y();
 }
 
@@ -107,9 +103,8 @@ QVariant propertyValue(const Element& element, const QString& name, bool* isKnow
             case Word::Container:
             case Word::Buddy: {
                 const Element related = relatedElement(element, name);
-                return related.isNull()
-                           ? QVariant()
-                           : QVariant::fromValue(Session::self()->info(related));
+                return related.isNull() ? QVariant()
+                                        : QVariant::fromValue(Session::self()->info(related));
             }
         }
     }
@@ -138,8 +133,7 @@ QVariant toWireValue(const QVariant& value) {
     const int type = value.userType();
     if (QMetaType::typeFlags(type) & QMetaType::PointerToQObject) {
         QObject* const object = value.value<QObject*>();
-        return object ? QVariant::fromValue(Session::self()->info(
-                            Session::self()->element(object)))
+        return object ? QVariant::fromValue(Session::self()->info(Session::self()->element(object)))
                       : QVariant();
     }
     if (type == QMetaType::QVariantList || type == qMetaTypeId<QObjectList>()) {

@@ -33,8 +33,8 @@ Element relatedElement(const Element& element, const QString& property);
 QVariant toWireValue(const QVariant& value);
 /// A value as a text to compare with and to show: "true", "12", "1.5"; an object's name.
 QString valueText(const QVariant& value);
-/// The wanted text in the form in which valueText() writes the value: for a bool, "1" and "True" are
-/// "true".
+/// The wanted text in the form in which valueText() writes the value: for a bool, "1" and "True"
+/// are "true".
 QString normalizedWanted(const QVariant& value, const QString& wanted);
 
 }  // namespace Tamrix::Agent

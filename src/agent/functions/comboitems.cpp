@@ -4,7 +4,7 @@
 
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
-#include "agent/functions/itempath.h"
+#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/mousesteps.h"

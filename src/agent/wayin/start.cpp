@@ -47,8 +47,8 @@ void connectToRunner() {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return;
     QString error;
-    const int descriptor = Wire::connectLocalSocket(
-        QString::fromLocal8Bit(qgetenv(Wire::connectVariable)), &error);
+    const int descriptor =
+        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)), &error);
     if (descriptor < 0) {
         std::fprintf(stderr, "tamrixagent: %s\n", qPrintable(error));
         return;
@@ -60,6 +60,9 @@ void connectToRunner() {
     addWidgetToolkits(s_session);
     registerObjectHandlers(s_session);
     registerPropertyHandlers(s_session);
+    registerInputHandlers(s_session);
+    registerPictureHandlers(s_session);
+    registerEventHandlers(s_session);
     // Ends before the application object does: its event loop watches the socket.
     qAddPostRoutine(stop);
 }
@@ -70,8 +73,8 @@ void connectToRunner() {
 
 void tamrixAgentStart() {
     static std::atomic<bool> s_isStarted{false};
-    if (qEnvironmentVariableIsEmpty(Tamrix::Wire::connectVariable) || !QCoreApplication::instance() ||
-        s_isStarted.exchange(true))
+    if (qEnvironmentVariableIsEmpty(Tamrix::Wire::connectVariable) ||
+        !QCoreApplication::instance() || s_isStarted.exchange(true))
         return;
     // The application object is not finished yet.
     QTimer::singleShot(0, QCoreApplication::instance(), [] { Tamrix::Agent::connectToRunner(); });

@@ -1,4 +1,4 @@
-#include "agent/functions/itempath.h"
+#include "agent/core/itempath.h"
 
 namespace Tamrix::Agent {
 
@@ -21,6 +21,13 @@ QStringList splitItemPath(const QString& path) {
 
 QString unescapeItemText(const QString& part) {
     return QString(part).replace(QStringLiteral("\\."), QStringLiteral("."));
+}
+
+QStringList itemTexts(const QString& path) {
+    QStringList texts;
+    for (const QString& part : splitItemPath(path))
+        texts.append(unescapeItemText(part));
+    return texts;
 }
 
 }  // namespace Tamrix::Agent
