@@ -1,4 +1,3 @@
-#include <QDebug>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -237,8 +236,6 @@ TEST_P(InputTest, ItemsAreSelected) {
             for (int i = 0; i < 2; ++i)
                 program().call("press", "main", {"Escape"});
     }
-    { auto o = program().item("tabs", "Three"); 
-      auto v = program().client().request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{o.handle}).value; qWarning() << o.className << v << program().client().request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{program().object("tabs").handle}).value; program().call("click", o); qWarning() << program().client().lastError() << program().read("tabs","currentIndex"); }
     EXPECT_EQ(program().read("list", "currentRow").toInt(), 77);
     EXPECT_EQ(program().read("tabs", "currentIndex").toInt(), 2);
     EXPECT_EQ(program().read("editable", "currentText").toString(), "second");
