@@ -204,7 +204,8 @@ Element WidgetToolkit::parent(const Element& child) const {
 }
 
 Element WidgetToolkit::window(const Element& child) const {
-    QWidget* widget = showingWidget(child);
+    // Of an action the home's one: it stays when the action's menu is closed.
+    QWidget* widget = widgetOf(child);
     if (!widget)
         widget = homeOf(actionOf(child));
     if (!widget)
@@ -227,6 +228,13 @@ Element WidgetToolkit::buddy(const Element& field) const {
         }
     }
     return {};
+}
+
+Element WidgetToolkit::labelledField(const Element& label) const {
+    const QWidget* const widget = widgetOf(label);
+    if (!widget || factsOf(widget).textSource != TextSource::Label)
+        return {};
+    return element(static_cast<const QLabel*>(widget)->buddy());
 }
 
 QString WidgetToolkit::text(const Element& element) const {
