@@ -66,8 +66,7 @@ void NameIndex::add(const Element& element, int container, int root) {
     entry.choice = !isVisible ? Hidden : toolkit->isInternal(element) ? Internal : Visible;
 
     // Classes are few: their names are made once.
-    const QMetaObject* const metaObject =
-        element.isItem() ? nullptr : element.object->metaObject();
+    const QMetaObject* const metaObject = element.isItem() ? nullptr : element.object->metaObject();
     const auto known = m_classes.constFind(metaObject);
     if (metaObject && known != m_classes.cend()) {
         entry.type = *known;
@@ -231,8 +230,7 @@ QString NameIndex::makeName(Entry* entry) {
              it != group->inRoot[entry->choice].cend(); ++it)
             occurrence += it.key() < entry->root ? it.value() : 0;
     }
-    return nameOf(*entry, base, QString(), isInSeveral && hasWindow, occurrence,
-                  rivals(group) > 0);
+    return nameOf(*entry, base, QString(), isInSeveral && hasWindow, occurrence, rivals(group) > 0);
 }
 
 QString NameIndex::realName(int index) {

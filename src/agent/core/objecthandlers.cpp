@@ -118,9 +118,8 @@ void tellRealName(const Wire::ObjectHandle& request, const ResponderPtr& respond
 }
 
 void tellTree(const Wire::Snapshot& request, const ResponderPtr& responder) {
-    const Element element = request.handle == 0
-                                ? Element()
-                                : Session::self()->findOrFail(request.handle, responder);
+    const Element element =
+        request.handle == 0 ? Element() : Session::self()->findOrFail(request.handle, responder);
     if (request.handle != 0 && element.isNull())
         return;
     Wire::Value value;

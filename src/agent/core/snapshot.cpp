@@ -35,8 +35,8 @@ private:
         const QString text = toolkit->text(element);
         const bool isWindow = toolkit->parent(element).isNull();
         m_stream << QString::number(++m_count);
-        m_stream << QString();                         // standard type: unknown
-        m_stream << type << QString() << QString();    // simplified type, namespace
+        m_stream << QString();                       // standard type: unknown
+        m_stream << type << QString() << QString();  // simplified type, namespace
         m_stream << superTypes(element);
         m_stream << toolkit->isInternal(element) << false << isWindow;
         m_stream << text;
@@ -65,10 +65,8 @@ private:
     Properties properties(const Element& element) const {
         Properties map;
         if (!m_withAllProperties) {
-            map.insert(QStringLiteral("visible"),
-                       valueText(element.toolkit->isVisible(element)));
-            map.insert(QStringLiteral("enabled"),
-                       valueText(element.toolkit->isEnabled(element)));
+            map.insert(QStringLiteral("visible"), valueText(element.toolkit->isVisible(element)));
+            map.insert(QStringLiteral("enabled"), valueText(element.toolkit->isEnabled(element)));
             return map;
         }
         for (const QString& name : allPropertyNames(element)) {

@@ -2,9 +2,9 @@
 #include <QComboBox>
 #include <QStyleOptionComboBox>
 
+#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
-#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/mousesteps.h"
