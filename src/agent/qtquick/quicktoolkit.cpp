@@ -28,8 +28,9 @@ QRect rectInWindow(const QQuickItem* item) {
     return item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toAlignedRect();
 }
 
+/// Texts say that they do, for the links in them.
 bool takesClicks(const QQuickItem* item) {
-    return item->acceptedMouseButtons() != Qt::NoButton;
+    return item->acceptedMouseButtons() != Qt::NoButton && !item->inherits("QQuickText");
 }
 
 /// Child items as they are painted, the last on top.

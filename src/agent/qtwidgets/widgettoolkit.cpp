@@ -188,8 +188,10 @@ void WidgetToolkit::children(const Element& parent, bool withItems,
             elements->append(Session::self()->element(child));
         }
     }
-    if (withItems && factsOf(widget).holdsItems) {
-        appendItems(widget, elements);
+    if (factsOf(widget).holdsItems) {
+        if (withItems)
+            appendItems(widget, elements);
+        // Always: objects and widgets can be below graphics items.
         appendGraphicsItems(widget, elements);
     }
 }
