@@ -260,8 +260,9 @@
             appendAll(body, failures, (entry) => resultElement(entry, row, true));
         }
         if (row.outcome !== "passed") {
-            const outputs = entries.filter((entry) => entry.isApplicationOutput);
-            body.append(...outputs.map((entry) => fileElement(entry, false)));
+            const files = entries.filter((entry) => entry.isApplicationOutput ||
+                (entry.file && entry.file.kind === "image"));
+            appendAll(body, files, (entry) => fileElement(entry, false));
         }
         const addTree = (inside) =>
             appendAll(inside, treeOf(entries), (node) => nodeElement(node, row));
