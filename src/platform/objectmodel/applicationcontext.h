@@ -22,6 +22,10 @@ public:
 
     /// "AUT '%1' (pid %2, started %3)" with the start time in ISO form.
     QString displayString() const;
+
+    /// Ends what runs beside the script for this application, with a text for the report. Does
+    /// nothing by default.
+    virtual void stop(const QString& message);
 };
 
 }  // namespace Tamrix

@@ -5,15 +5,22 @@
 #include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 
 #include "base/export.h"
+#include "platform/objectmodel/object.h"
 
 namespace Tamrix {
 
-/// The process-wide entry to the object model. Script thread only.
+class Class;
+class Event;
+class ObjectModel;
+
+/// The process-wide entry to the objects of the current application. Script thread only.
 ///
-/// So far it keeps what toolkit wrappers say about classes, for the applications that connect
-/// later, and the error text of the last look-up.
+/// It asks the model that the runner set, and keeps the error text of the last failure and what
+/// toolkit wrappers say about classes. Without a model every operation that asks the application
+/// fails with noApplicationText.
 class TAMRIX_EXPORT Inspector {
 public:
     /// What the wrappers set for one class.
@@ -26,7 +33,42 @@ public:
         bool recordMouseDrag = false;
     };
 
+    /// What operations that need an application say without one.
+    static const QString noApplicationText;
+
     static Inspector* self();
+
+    /// The model of the current application, null when there is none. Not owned; the runner sets it
+    /// when the current application changes, and null before the model ends.
+    void setModel(ObjectModel* model) { m_model = model; }
+    ObjectModel* model() const { return m_model; }
+
+    // Look-up. Failing operations return null or an empty list and set lastError(); a success does
+    // not clear it.
+    /// By real or symbolic name, at once, without waiting.
+    SharedPtr<Object> findObject(const QString& name);
+    ObjectList topLevelObjects();
+    /// Null for a type that the application does not know. Types of values are always known.
+    const Class* classByName(const QString& name);
+    const Class* globalClass();
+    /// The class of one of the numbered types of values: 7 is "bool", the type of a call that had
+    /// no text to give back. Null for any other number.
+    const Class* classByTypeNumber(int number);
+    /// An object of the class that isNull().
+    SharedPtr<Object> createNullObject(const Class* objectClass);
+    /// A value as an argument of a call.
+    SharedPtr<Object> createObject(const QVariant& value);
+    /// A request by name: "desktopScreenshot", "getPixmapAsImage", "grabObjectScreenshot". Invalid
+    /// on failure.
+    QVariant nativeRequest(const QString& name, const QVariantList& arguments);
+
+    // Events. A null object and a null class stand for all objects. `callback` comes back through
+    // the runner when the event happens.
+    bool installEventHandler(SharedPtr<Object> object, const Class* objectClass,
+                             const QString& event, const QString& callback);
+    bool uninstallEventHandler(SharedPtr<Object> object, const Class* objectClass,
+                               const QString& event, const QString& callback);
+    bool sendEvent(const Event* event, SharedPtr<Object> target, const ObjectList& parameters);
 
     /// Why the last look-up failed.
     QString lastError() const { return m_lastError; }
@@ -52,16 +94,27 @@ public:
     QMap<QString, QString> recorderFilters() const { return m_recorderFilters; }
     /// Extension scripts, text and suffix, in the order in which they were added.
     QList<QPair<QString, QString>> extensionScripts() const { return m_extensionScripts; }
-    /// Forgets everything that wrappers set and the last error.
+    /// Forgets everything that wrappers set and the last error; the model stays.
     void reset();
 
 private:
     Inspector() = default;
 
+    /// Asks the model, when there is one, and keeps the error text.
+    template <typename Ask>
+    auto ask(Ask ask);
+
+    ObjectModel* m_model = nullptr;
     QString m_lastError;
     QMap<QString, ClassSettings> m_classSettings;
     QMap<QString, QString> m_recorderFilters;
     QList<QPair<QString, QString>> m_extensionScripts;
 };
+
+/// Fetches the tree below an object, or below the object of that name, in the stream form of
+/// UIAbstraction::UIElement::elementsFromByteArray. False with `*error` set on failure.
+TAMRIX_EXPORT bool requestObjectSnapshot(SharedPtr<Object> object, QByteArray* elements,
+                                         QString* error);
+TAMRIX_EXPORT bool requestObjectSnapshot(const QString& name, QByteArray* elements, QString* error);
 
 }  // namespace Tamrix

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPoint>
+#include <QString>
+#include <functional>
+
+#include "agent/core/element.h"
+
+namespace Tamrix::Agent {
+
+/// Whether an element can be used as a person would, and where.
+struct Readiness {
+    bool isReady = false;
+    /// What is missing, for "... is not ready: it is disabled". Empty when ready.
+    QString obstacle;
+    /// A point of the element that gets a click, on the screen.
+    QPoint point;
+};
+
+/// Looks at the element: it is ready when it is visible, it is enabled, its window is not blocked
+/// by a modal one, its place has not moved between two looks, and the point to be clicked is not
+/// covered by something else. The obstacle is the first of these, in this order, that is missing.
+///
+/// The look before is remembered for each element, so a poll takes one look each; the first look at
+/// an element takes a second one some 20 ms later. `done` is called once, perhaps before this
+/// returns, from the GUI thread.
+/// `offset` is the wanted point relative to the element's bounds, null for its middle.
+void lookIfReady(const Element& element, const QPoint* offset,
+                 std::function<void(const Readiness&)> done);
+
+/// Polls lookIfReady() every 50 ms until it is ready or `timeout` ms are over, then calls `done`
+/// once. Scrolls the element into view. Ends early, not ready, when the element is gone.
+void waitUntilReady(const Element& element, const QPoint* offset, int timeout,
+                    std::function<void(const Readiness&)> done);
+
+}  // namespace Tamrix::Agent

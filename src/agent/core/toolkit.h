@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+
+#include "agent/core/element.h"
+#include "wire/messages.h"
+
+class QWindow;
+
+namespace Tamrix::Agent {
+
+/// What the core asks about the elements of one toolkit: widgets, Qt Quick items, plain objects.
+/// Stateless; GUI thread only. Elements handed in are alive and of this toolkit. Coordinates are
+/// native screen pixels of the application's coordinate system (device independent ones of Qt).
+class Toolkit {
+public:
+    virtual ~Toolkit() = default;
+
+    /// Whether this toolkit knows the object; of several, the one registered last is asked first.
+    virtual bool knows(const QObject* object) const = 0;
+    virtual Element element(QObject* object) const;
+
+    // The tree.
+    /// Appends the top-level elements, visible or not.
+    virtual void topLevels(QVector<Element>* elements) const = 0;
+    /// Appends the children in order of creation; items of a large model only as far as they are
+    /// shown or asked for: see `allItems`.
+    virtual void children(const Element& element, bool allItems,
+                          QVector<Element>* elements) const = 0;
+    /// Null for a top-level element.
+    virtual Element parent(const Element& element) const = 0;
+    /// The top-level window that shows the element; null when there is none.
+    virtual Element window(const Element& element) const = 0;
+    /// Whether the element is one that children() would still give: an item can vanish under it.
+    virtual bool isAlive(const Element& element) const;
+
+    // What testers ask.
+    virtual QString typeName(const Element& element) const;
+    /// Names of the base types, the nearest first.
+    virtual QStringList superTypes(const Element& element) const;
+    virtual QString name(const Element& element) const;
+    /// What a person reads on it: label, title, content of a field. Mnemonic markers are left out.
+    virtual QString text(const Element& element) const = 0;
+    /// Whether it is shown on the screen: itself, its parents, scrolled into view.
+    virtual bool isVisible(const Element& element) const = 0;
+    virtual bool isEnabled(const Element& element) const = 0;
+    /// Whether it is of the toolkit's inner workings, left out of names and trees.
+    virtual bool isInternal(const Element& element) const;
+    /// A property of a tester's vocabulary or of the object's class. `*isKnown` tells whether there
+    /// is one of that name. Objects come as Wire::ObjectInfo only through Session::info().
+    virtual QVariant property(const Element& element, const QString& name, bool* isKnown) const;
+    virtual QStringList propertyNames(const Element& element) const;
+
+    // Where it is.
+    /// On the screen; null when it is not shown anywhere.
+    virtual QRect globalBounds(const Element& element) const = 0;
+    /// The visible part of it, on the screen: clipped by its parents and viewports.
+    virtual QRect visibleBounds(const Element& element) const = 0;
+    /// The native window that gets the input for the element, null when it has none.
+    virtual QWindow* nativeWindow(const Element& element) const = 0;
+    /// What would get a click at this point of the screen, within the element's own window: the
+    /// element's own or another one. Null for none.
+    virtual Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const = 0;
+    /// Whether a click at `hit` reaches `element`: it is the element, part of it, or passes clicks
+    /// on (a label of a button).
+    virtual bool receivesThrough(const Element& element, const Element& hit) const;
+    /// The modal window that keeps input from the element; null for none.
+    virtual Element blockedBy(const Element& element) const = 0;
+    /// Brings the element into the viewports that hold it. False when nothing had to be done.
+    virtual bool scrollIntoView(const Element& element) const;
+    /// A picture of the element and its children, at the screen's density; null for none.
+    virtual QImage grab(const Element& element) const = 0;
+
+    // Items.
+    /// The item of a view, menu, bar or box; `text` null: by row and column. Null when there is
+    /// none, with a reason.
+    virtual Element item(const Element& view, const QString& text, int row, int column,
+                         QString* reason) const;
+};
+
+}  // namespace Tamrix::Agent

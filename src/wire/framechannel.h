@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+#include "wire/messages.h"
+#include "wire/protocol.h"
+
+namespace Tamrix::Wire {
+
+/// One message: its head and the bytes of its body.
+struct Frame {
+    quint32 sequence = 0;
+    MessageType type = MessageType::Ping;
+    QByteArray body;
+};
+
+/// Frames over a connected stream socket, for both sides. Owns the socket, which it makes
+/// non-blocking and close-on-exec. No thread and no event loop of its own: the owner watches
+/// descriptor() and calls receive() when it is readable. Frames are, in network byte order, the
+/// length of the body (32 bits), the sequence number (32), the type (16), then the body.
+///
+/// After a failure, the end of the stream or a malformed frame the channel is closed for good, and
+/// errorText() says why.
+class FrameChannel {
+public:
+    /// -1 makes a closed channel.
+    explicit FrameChannel(int descriptor = -1);
+    ~FrameChannel();
+    FrameChannel(const FrameChannel&) = delete;
+    FrameChannel& operator=(const FrameChannel&) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int descriptor() const { return m_descriptor; }
+    QString errorText() const { return m_errorText; }
+
+    /// Longest body that is taken; lowered until the peer has shown its token.
+    void setMaximalBodySize(quint32 size) { m_maximalBodySize = size; }
+
+    /// Reads what is there, without waiting. False when the channel is closed now; frames that came
+    /// before that can still be taken.
+    bool receive();
+    /// The next whole frame that was received.
+    std::optional<Frame> takeFrame();
+
+    /// Sends a frame, waiting up to `timeout` milliseconds for the peer to read. False when the
+    /// channel is closed now; a frame that could be sent in part only closes it.
+    bool send(quint32 sequence, MessageType type, const QByteArray& body, int timeout = 10000);
+    template <typename Body>
+    bool sendBody(quint32 sequence, MessageType type, const Body& body) {
+        return send(sequence, type, encode(body));
+    }
+
+    /// Closes the socket; `reason` becomes the error text when there is none yet.
+    void close(const QString& reason = QString());
+
+private:
+    int m_descriptor;
+    quint32 m_maximalBodySize = maximalBodySize;
+    QByteArray m_received;
+    /// Where the first frame that was not taken begins.
+    int m_taken = 0;
+    QString m_errorText;
+};
+
+/// Connects to a listening local socket. -1 on failure, with `*error` set.
+int connectLocalSocket(const QString& path, QString* error);
+/// Listens at a new local socket that only this user can reach. -1 on failure, with `*error` set.
+int listenLocalSocket(const QString& path, QString* error);
+
+}  // namespace Tamrix::Wire

@@ -1,0 +1,389 @@
+#include "wire/messages.h"
+
+#include "wire/reading.h"
+#include "wire/value.h"
+
+namespace Tamrix::Wire {
+
+namespace {
+
+/// Smallest encoding of a text: its length.
+constexpr int textSize = 4;
+
+void writeTexts(QDataStream& stream, const QStringList& texts) {
+    stream << static_cast<quint32>(texts.size());
+    for (const QString& text : texts)
+        stream << text;
+}
+
+QStringList readTexts(QDataStream& stream) {
+    QStringList texts;
+    const int count = readCount(stream, textSize);
+    for (int index = 0; index < count && stream.status() == QDataStream::Ok; ++index)
+        texts.append(readText(stream));
+    return texts;
+}
+
+template <typename Element>
+void writeList(QDataStream& stream, const QList<Element>& list) {
+    stream << static_cast<quint32>(list.size());
+    for (const Element& element : list)
+        stream << element;
+}
+
+/// `elementSize`: bytes of the smallest element.
+template <typename Element>
+QList<Element> readList(QDataStream& stream, int elementSize) {
+    QList<Element> list;
+    const int count = readCount(stream, elementSize);
+    for (int index = 0; index < count && stream.status() == QDataStream::Ok; ++index) {
+        Element element;
+        stream >> element;
+        list.append(element);
+    }
+    return list;
+}
+
+void writeValues(QDataStream& stream, const QVariantList& values) {
+    writeValue(stream, values);
+}
+
+QVariantList readValues(QDataStream& stream) {
+    return readValue(stream).toList();
+}
+
+void writeQuery(QDataStream& stream, const Query& query) {
+    stream << static_cast<quint32>(query.criteria.size());
+    for (const Criterion& criterion : query.criteria) {
+        stream << criterion.property << criterion.modifier << criterion.text
+               << bool(criterion.object);
+        if (criterion.object)
+            writeQuery(stream, *criterion.object);
+    }
+    stream << query.occurrence;
+}
+
+void readQuery(QDataStream& stream, Query& query, int depth) {
+    query.criteria.clear();
+    const int count = readCount(stream, 2 * textSize + 5);
+    for (int index = 0; index < count && stream.status() == QDataStream::Ok; ++index) {
+        Criterion criterion;
+        bool hasObject = false;
+        criterion.property = readText(stream);
+        stream >> criterion.modifier;
+        criterion.text = readText(stream);
+        stream >> hasObject;
+        if (hasObject && depth >= maximalDepth) {
+            setCorrupt(stream);
+        } else if (hasObject) {
+            criterion.object = std::make_shared<Query>();
+            readQuery(stream, *criterion.object, depth + 1);
+        }
+        query.criteria.append(criterion);
+    }
+    stream >> query.occurrence;
+}
+
+}  // namespace
+
+// Elements of lists.
+
+QDataStream& operator<<(QDataStream& stream, const NearMiss& miss) {
+    return stream << miss.object << miss.property << miss.wanted << miss.actual;
+}
+
+QDataStream& operator>>(QDataStream& stream, NearMiss& miss) {
+    miss.object = readText(stream);
+    miss.property = readText(stream);
+    miss.wanted = readText(stream);
+    miss.actual = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const PropertyInfo& property) {
+    return stream << property.name << property.typeName << property.isWritable;
+}
+
+QDataStream& operator>>(QDataStream& stream, PropertyInfo& property) {
+    property.name = readText(stream);
+    property.typeName = readText(stream);
+    return stream >> property.isWritable;
+}
+
+QDataStream& operator<<(QDataStream& stream, const MethodInfo& method) {
+    stream << method.name << method.returnType;
+    writeTexts(stream, method.argumentTypes);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, MethodInfo& method) {
+    method.name = readText(stream);
+    method.returnType = readText(stream);
+    method.argumentTypes = readTexts(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const EventInfo& event) {
+    stream << event.name;
+    writeTexts(stream, event.argumentTypes);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, EventInfo& event) {
+    event.name = readText(stream);
+    event.argumentTypes = readTexts(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ObjectInfo& body) {
+    return stream << body.handle << body.className << body.objectName;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObjectInfo& body) {
+    stream >> body.handle;
+    body.className = readText(stream);
+    body.objectName = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ObjectInfoList& body) {
+    writeList(stream, body);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObjectInfoList& body) {
+    body = readList<ObjectInfo>(stream, 8 + 2 * textSize);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Value& body) {
+    writeValue(stream, body.value);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, Value& body) {
+    body.value = readValue(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ObjectHandle& body) {
+    return stream << body.handle;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObjectHandle& body) {
+    return stream >> body.handle;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Text& body) {
+    return stream << body.text;
+}
+
+QDataStream& operator>>(QDataStream& stream, Text& body) {
+    body.text = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Hello& body) {
+    stream << body.magic << body.version << body.token << body.pid << body.parentPid
+           << body.program;
+    writeTexts(stream, body.arguments);
+    return stream << body.qtVersion << body.platform << body.osName;
+}
+
+QDataStream& operator>>(QDataStream& stream, Hello& body) {
+    stream >> body.magic >> body.version;
+    // A hello of another version may look different from here on: leave the rest as it is.
+    if (stream.status() != QDataStream::Ok || body.magic != magicNumber ||
+        body.version != protocolVersion) {
+        stream.device()->readAll();
+        return stream;
+    }
+    body.token = readText(stream);
+    stream >> body.pid >> body.parentPid;
+    body.program = readText(stream);
+    body.arguments = readTexts(stream);
+    body.qtVersion = readText(stream);
+    body.platform = readText(stream);
+    body.osName = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Failure& body) {
+    return stream << static_cast<quint16>(body.code) << body.text;
+}
+
+QDataStream& operator>>(QDataStream& stream, Failure& body) {
+    quint16 code = 0;
+    stream >> code;
+    body.code = static_cast<FailureCode>(code);
+    body.text = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Query& body) {
+    writeQuery(stream, body);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, Query& body) {
+    readQuery(stream, body, 0);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const LookUp& body) {
+    return stream << body.handle << body.query << body.wantReady << body.wantNearMisses;
+}
+
+QDataStream& operator>>(QDataStream& stream, LookUp& body) {
+    return stream >> body.handle >> body.query >> body.wantReady >> body.wantNearMisses;
+}
+
+QDataStream& operator<<(QDataStream& stream, const LookUpResult& body) {
+    stream << body.object << body.isReady << body.obstacle;
+    writeList(stream, body.nearMisses);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, LookUpResult& body) {
+    stream >> body.object >> body.isReady;
+    body.obstacle = readText(stream);
+    body.nearMisses = readList<NearMiss>(stream, 4 * textSize);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const FindItem& body) {
+    return stream << body.handle << body.text << body.row << body.column << body.wantReady;
+}
+
+QDataStream& operator>>(QDataStream& stream, FindItem& body) {
+    stream >> body.handle;
+    body.text = readText(stream);
+    return stream >> body.row >> body.column >> body.wantReady;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ClassInfo& body) {
+    stream << body.name;
+    writeTexts(stream, body.superClasses);
+    writeList(stream, body.properties);
+    writeList(stream, body.methods);
+    writeList(stream, body.events);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, ClassInfo& body) {
+    body.name = readText(stream);
+    body.superClasses = readTexts(stream);
+    body.properties = readList<PropertyInfo>(stream, 2 * textSize + 1);
+    body.methods = readList<MethodInfo>(stream, 3 * textSize);
+    body.events = readList<EventInfo>(stream, 2 * textSize);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const PropertyAccess& body) {
+    stream << body.handle << body.name;
+    writeValue(stream, body.value);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, PropertyAccess& body) {
+    stream >> body.handle;
+    body.name = readText(stream);
+    body.value = readValue(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Invoke& body) {
+    stream << body.handle << body.method;
+    writeValues(stream, body.arguments);
+    return stream << body.timeout;
+}
+
+QDataStream& operator>>(QDataStream& stream, Invoke& body) {
+    stream >> body.handle;
+    body.method = readText(stream);
+    body.arguments = readValues(stream);
+    return stream >> body.timeout;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Snapshot& body) {
+    return stream << body.handle << body.withImages;
+}
+
+QDataStream& operator>>(QDataStream& stream, Snapshot& body) {
+    return stream >> body.handle >> body.withImages;
+}
+
+QDataStream& operator<<(QDataStream& stream, const MouseEvent& body) {
+    return stream << body.handle << body.mask << body.x << body.y << body.button << body.modifiers
+                  << body.buttonChange << body.press;
+}
+
+QDataStream& operator>>(QDataStream& stream, MouseEvent& body) {
+    return stream >> body.handle >> body.mask >> body.x >> body.y >> body.button >>
+           body.modifiers >> body.buttonChange >> body.press;
+}
+
+QDataStream& operator<<(QDataStream& stream, const KeyEvent& body) {
+    return stream << body.key << body.press;
+}
+
+QDataStream& operator>>(QDataStream& stream, KeyEvent& body) {
+    body.key = readText(stream);
+    return stream >> body.press;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Highlight& body) {
+    return stream << body.handle << body.milliseconds;
+}
+
+QDataStream& operator>>(QDataStream& stream, Highlight& body) {
+    return stream >> body.handle >> body.milliseconds;
+}
+
+QDataStream& operator<<(QDataStream& stream, const NativeRequest& body) {
+    stream << body.name;
+    writeValues(stream, body.arguments);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, NativeRequest& body) {
+    body.name = readText(stream);
+    body.arguments = readValues(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const EventHandler& body) {
+    return stream << body.handle << body.className << body.event << body.callback;
+}
+
+QDataStream& operator>>(QDataStream& stream, EventHandler& body) {
+    stream >> body.handle;
+    body.className = readText(stream);
+    body.event = readText(stream);
+    body.callback = readText(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const SendEvent& body) {
+    stream << body.handle << body.event;
+    writeValues(stream, body.arguments);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, SendEvent& body) {
+    stream >> body.handle;
+    body.event = readText(stream);
+    body.arguments = readValues(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const EventFired& body) {
+    return stream << body.callback << body.object;
+}
+
+QDataStream& operator>>(QDataStream& stream, EventFired& body) {
+    body.callback = readText(stream);
+    return stream >> body.object;
+}
+
+}  // namespace Tamrix::Wire

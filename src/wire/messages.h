@@ -1,0 +1,269 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+
+#include "wire/protocol.h"
+
+/// The bodies of the messages, as plain data with `<<` and `>>` on QDataStream. Reading checks each
+/// count, length and depth; after a fault the stream's status is not Ok and the rest is left as it
+/// was. Each body is written in the order of its fields.
+namespace Tamrix::Wire {
+
+/// An object of the application, as it travels. Handle 0 is none.
+struct ObjectInfo {
+    quint64 handle = 0;
+    QString className;
+    QString objectName;
+};
+
+using ObjectInfoList = QList<ObjectInfo>;
+
+/// A value: see value.h for what it may hold.
+struct Value {
+    QVariant value;
+};
+
+struct ObjectHandle {
+    quint64 handle = 0;
+};
+
+struct Text {
+    QString text;
+};
+
+struct Hello {
+    quint32 magic = magicNumber;
+    quint16 version = protocolVersion;
+    // What follows is read only when the two above agree.
+    QString token;
+    qint64 pid = 0;
+    qint64 parentPid = 0;
+    /// Path of the program.
+    QString program;
+    QStringList arguments;
+    QString qtVersion;
+    /// The QPA platform: "xcb", "offscreen"...
+    QString platform;
+    /// As QSysInfo::prettyProductName().
+    QString osName;
+};
+
+struct Failure {
+    FailureCode code = FailureCode::Failed;
+    QString text;
+};
+
+struct Query;
+
+/// One wanted property of a query. The modifier is one of PropertyValue::Modifier.
+struct Criterion {
+    QString property;
+    qint32 modifier = 0;
+    QString text;
+    /// The wanted object, for a property that is an object; null for all others.
+    std::shared_ptr<Query> object;
+};
+
+/// An object's name: all criteria must hold.
+struct Query {
+    QList<Criterion> criteria;
+    /// Which of several matches in the stable order, from 1.
+    qint32 occurrence = 1;
+};
+
+/// Looks once. By handle when it is not 0, else by query.
+struct LookUp {
+    quint64 handle = 0;
+    Query query;
+    /// Also looks whether the object is ready for input.
+    bool wantReady = false;
+    /// Also names what matched nearly, when nothing matches.
+    bool wantNearMisses = false;
+};
+
+/// What differed on an object that matched nearly.
+struct NearMiss {
+    /// A name for people: type and text.
+    QString object;
+    QString property;
+    QString wanted;
+    QString actual;
+};
+
+struct LookUpResult {
+    /// Handle 0: nothing matches.
+    ObjectInfo object;
+    /// Meaningless without wantReady.
+    bool isReady = false;
+    /// What is missing for being ready: "it is not visible"; empty when ready.
+    QString obstacle;
+    QList<NearMiss> nearMisses;
+};
+
+/// An item of a view, list, tree, menu, tab bar or combo box: by text, or for a null text by row
+/// and column, from 0. Nested items: "parent.child", a "." in a text escaped as "\.".
+struct FindItem {
+    quint64 handle = 0;
+    QString text;
+    qint32 row = -1;
+    qint32 column = -1;
+    bool wantReady = false;
+};
+
+struct PropertyInfo {
+    QString name;
+    QString typeName;
+    bool isWritable = false;
+};
+
+struct MethodInfo {
+    QString name;
+    QString returnType;
+    QStringList argumentTypes;
+};
+
+struct EventInfo {
+    QString name;
+    QStringList argumentTypes;
+};
+
+struct ClassInfo {
+    QString name;
+    /// The nearest first.
+    QStringList superClasses;
+    QList<PropertyInfo> properties;
+    QList<MethodInfo> methods;
+    QList<EventInfo> events;
+};
+
+struct PropertyAccess {
+    quint64 handle = 0;
+    QString name;
+    /// Written only.
+    QVariant value;
+};
+
+/// Calls a method; handle 0 calls a global function. A function that injects input waits for the
+/// object to be ready, up to `timeout` milliseconds, is answered then, and acts after the answer.
+struct Invoke {
+    quint64 handle = 0;
+    QString method;
+    QVariantList arguments;
+    qint32 timeout = 20000;
+};
+
+struct Snapshot {
+    /// 0 for all top-level objects.
+    quint64 handle = 0;
+    bool withImages = false;
+};
+
+/// As RunnerInterface::mouseEvent. Coordinates are relative to the target, or to the screen without
+/// one. Button: 1 left, 2 right, 4 middle, as Qt::MouseButton. Modifiers as Qt::KeyboardModifiers.
+struct MouseEvent {
+    quint64 handle = 0;
+    qint32 mask = 0;
+    qint32 x = 0;
+    qint32 y = 0;
+    qint32 button = 1;
+    qint32 modifiers = 0;
+    bool buttonChange = false;
+    bool press = false;
+};
+
+struct KeyEvent {
+    /// "A", "Ctrl", "Return"; as press() takes it.
+    QString key;
+    bool press = false;
+};
+
+struct Highlight {
+    quint64 handle = 0;
+    /// -1: until StopHighlight.
+    qint32 milliseconds = -1;
+};
+
+struct NativeRequest {
+    QString name;
+    QVariantList arguments;
+};
+
+struct EventHandler {
+    /// 0: for the class, or with an empty class name for all objects.
+    quint64 handle = 0;
+    QString className;
+    QString event;
+    /// Comes back in EventFired.
+    QString callback;
+};
+
+struct SendEvent {
+    quint64 handle = 0;
+    QString event;
+    QVariantList arguments;
+};
+
+struct EventFired {
+    QString callback;
+    ObjectInfo object;
+};
+
+#define TAMRIX_WIRE_OPERATORS(Type)                                 \
+    QDataStream& operator<<(QDataStream& stream, const Type& body); \
+    QDataStream& operator>>(QDataStream& stream, Type& body)
+TAMRIX_WIRE_OPERATORS(NearMiss);
+TAMRIX_WIRE_OPERATORS(PropertyInfo);
+TAMRIX_WIRE_OPERATORS(MethodInfo);
+TAMRIX_WIRE_OPERATORS(EventInfo);
+TAMRIX_WIRE_OPERATORS(ObjectInfo);
+TAMRIX_WIRE_OPERATORS(ObjectInfoList);
+TAMRIX_WIRE_OPERATORS(Value);
+TAMRIX_WIRE_OPERATORS(ObjectHandle);
+TAMRIX_WIRE_OPERATORS(Text);
+TAMRIX_WIRE_OPERATORS(Hello);
+TAMRIX_WIRE_OPERATORS(Failure);
+TAMRIX_WIRE_OPERATORS(Query);
+TAMRIX_WIRE_OPERATORS(LookUp);
+TAMRIX_WIRE_OPERATORS(LookUpResult);
+TAMRIX_WIRE_OPERATORS(FindItem);
+TAMRIX_WIRE_OPERATORS(ClassInfo);
+TAMRIX_WIRE_OPERATORS(PropertyAccess);
+TAMRIX_WIRE_OPERATORS(Invoke);
+TAMRIX_WIRE_OPERATORS(Snapshot);
+TAMRIX_WIRE_OPERATORS(MouseEvent);
+TAMRIX_WIRE_OPERATORS(KeyEvent);
+TAMRIX_WIRE_OPERATORS(Highlight);
+TAMRIX_WIRE_OPERATORS(NativeRequest);
+TAMRIX_WIRE_OPERATORS(EventHandler);
+TAMRIX_WIRE_OPERATORS(SendEvent);
+TAMRIX_WIRE_OPERATORS(EventFired);
+#undef TAMRIX_WIRE_OPERATORS
+
+/// A body as bytes.
+template <typename Body>
+QByteArray encode(const Body& body) {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(streamVersion);
+    stream << body;
+    return bytes;
+}
+
+/// Reads a body; false when the bytes are no such body, or more than one.
+template <typename Body>
+bool decode(const QByteArray& bytes, Body* body) {
+    QDataStream stream(bytes);
+    stream.setVersion(streamVersion);
+    stream >> *body;
+    return stream.status() == QDataStream::Ok && stream.atEnd();
+}
+
+}  // namespace Tamrix::Wire
+
+Q_DECLARE_METATYPE(Tamrix::Wire::ObjectInfo)

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QDataStream>
+#include <QtGlobal>
+
+/// What runner and agent agree on. Every number that goes over the connection stands here once.
+namespace Tamrix::Wire {
+
+/// First number of every hello: anything else at the socket is no agent.
+inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
+
+/// Raised with every change of an encoding. Both sides must have the same.
+inline constexpr quint16 protocolVersion = 1;
+
+/// The encoding of Qt's own types, fixed whatever Qt the application uses.
+inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;
+
+/// Longest body of a frame, in bytes. A longer one ends the connection.
+inline constexpr quint32 maximalBodySize = 256U * 1024 * 1024;
+
+/// Longest body that is read from a peer that has not shown its token yet.
+inline constexpr quint32 maximalHelloSize = 64U * 1024;
+
+/// How deep values and names may be nested in each other.
+inline constexpr int maximalDepth = 16;
+
+/// Where the agent finds its runner: the path of a local socket.
+inline constexpr char connectVariable[] = "TAMRIX_AGENT_CONNECT";
+/// What the agent shows to be let in.
+inline constexpr char tokenVariable[] = "TAMRIX_AGENT_TOKEN";
+
+/// Types of messages. The struct of the same name in messages.h is the body; "->" names that of the
+/// reply. A request is answered by a Reply or a Failure with its sequence number.
+enum class MessageType : quint16 {
+    // Handshake. Sequence 0.
+    Hello = 1,    ///< agent to runner, first message
+    Welcome = 2,  ///< runner to agent, no body
+    Refusal = 3,  ///< runner to agent: Text, then the connection is closed
+
+    // Answers, agent to runner.
+    Reply = 10,
+    Failure = 11,  ///< Failure
+
+    // Without request, agent to runner. Sequence 0.
+    EventFired = 20,  ///< EventFired
+
+    // Requests, runner to agent.
+    Ping = 30,                 ///< no body -> no body; answered at once when it is read
+    Sync = 31,                 ///< no body -> no body; answered when the event loop is idle
+    LookUp = 32,               ///< LookUp -> LookUpResult
+    FindItem = 33,             ///< FindItem -> LookUpResult
+    TopLevelObjects = 34,      ///< no body -> ObjectInfoList
+    Children = 35,             ///< ObjectHandle -> ObjectInfoList
+    Parent = 36,               ///< ObjectHandle -> ObjectInfo, handle 0 for none
+    RealName = 37,             ///< ObjectHandle -> Text
+    DescribeClass = 38,        ///< Text (name) -> ClassInfo, empty name for an unknown class
+    ReadProperty = 39,         ///< PropertyAccess -> Value
+    ReadProperties = 40,       ///< ObjectHandle -> Value (map)
+    WriteProperty = 41,        ///< PropertyAccess -> no body
+    Invoke = 42,               ///< Invoke -> Value
+    GlobalBounds = 43,         ///< ObjectHandle -> Value (QRect)
+    Snapshot = 44,             ///< Snapshot -> Value (QByteArray)
+    MouseEvent = 45,           ///< MouseEvent -> no body, answered before the event is delivered
+    KeyEvent = 46,             ///< KeyEvent -> no body, answered before the event is delivered
+    Highlight = 47,            ///< Highlight -> no body
+    StopHighlight = 48,        ///< no body -> no body
+    NativeRequest = 49,        ///< NativeRequest -> Value
+    InstallHandler = 50,       ///< EventHandler -> no body
+    UninstallHandler = 51,     ///< EventHandler -> no body
+    SendEvent = 52,            ///< SendEvent -> no body
+    EnvironmentVariable = 53,  ///< Text (name) -> Text
+    Quit = 54                  ///< no body -> no body; then the windows are asked to close
+};
+
+/// Why a request failed.
+enum class FailureCode : quint16 {
+    BadRequest = 1,   ///< a body that can't be read, an unknown type
+    StaleObject = 2,  ///< the object of the handle is gone
+    NotFound = 3,
+    NotReady = 4,  ///< the object was not ready in time
+    NoSuchProperty = 5,
+    NoSuchMethod = 6,
+    BadArgument = 7,
+    Unsupported = 8,  ///< the object can't do what was asked
+    Failed = 9        ///< everything else
+};
+
+}  // namespace Tamrix::Wire

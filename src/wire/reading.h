@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QDataStream>
+#include <QString>
+
+/// What reading untrusted streams needs. Internal to the encodings: nobody else includes it.
+namespace Tamrix::Wire {
+
+inline void setCorrupt(QDataStream& stream) {
+    stream.setStatus(QDataStream::ReadCorruptData);
+}
+
+/// Reads the count of a container whose elements take at least `elementSize` bytes each. A count
+/// that the rest of the stream can't hold is a fault: nothing is reserved for it. 0 on a fault.
+inline int readCount(QDataStream& stream, int elementSize) {
+    quint32 count = 0;
+    stream >> count;
+    if (stream.status() != QDataStream::Ok)
+        return 0;
+    if (count > static_cast<quint64>(stream.device()->bytesAvailable()) / elementSize) {
+        setCorrupt(stream);
+        return 0;
+    }
+    return static_cast<int>(count);
+}
+
+/// Whether the length that comes next can be true; looks without taking it.
+inline bool hasWholeBlock(QDataStream& stream) {
+    QByteArray head = stream.device()->peek(4);
+    if (head.size() < 4) {
+        stream.setStatus(QDataStream::ReadPastEnd);
+        return false;
+    }
+    quint32 length = 0;
+    QDataStream(head) >> length;
+    constexpr quint32 nullBlock = 0xffffffff;
+    if (length != nullBlock && length > stream.device()->bytesAvailable() - 4) {
+        setCorrupt(stream);
+        return false;
+    }
+    return true;
+}
+
+inline QString readText(QDataStream& stream) {
+    QString text;
+    if (hasWholeBlock(stream))
+        stream >> text;
+    return text;
+}
+
+inline QByteArray readBytes(QDataStream& stream) {
+    QByteArray bytes;
+    if (hasWholeBlock(stream))
+        stream >> bytes;
+    return bytes;
+}
+
+}  // namespace Tamrix::Wire

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QDataStream>
+#include <QVariant>
+
+namespace Tamrix::Wire {
+
+/// Writes a value of one of the kinds that travel: invalid, bool, integer (64 bits), double, text,
+/// bytes, date, point, size, rectangle (integers each), colour, list, map, ObjectInfo. Other
+/// variants travel as what they convert to, text at last.
+void writeValue(QDataStream& stream, const QVariant& value);
+
+/// Reads what writeValue() wrote. Never makes a variant of any other kind, whatever the bytes say.
+QVariant readValue(QDataStream& stream);
+
+}  // namespace Tamrix::Wire
