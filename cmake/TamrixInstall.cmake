@@ -4,7 +4,7 @@
 
 include(CMakePackageConfigHelpers)
 
-foreach(folder base platform shared interpreter)
+foreach(folder base platform shared vision interpreter)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${folder}
             DESTINATION include/tamrix
             FILES_MATCHING PATTERN "*.h")

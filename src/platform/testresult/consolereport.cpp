@@ -3,6 +3,7 @@
 #include <QFileDevice>
 #include <QStringList>
 
+#include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 
