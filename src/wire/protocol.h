@@ -24,6 +24,9 @@ inline constexpr quint32 maximalHelloSize = 64U * 1024;
 /// How deep values and names may be nested in each other.
 inline constexpr int maximalDepth = 16;
 
+/// How many elements a list may have, and how many values a value, nested ones included.
+inline constexpr quint32 maximalCount = 1'000'000;
+
 /// Where the agent finds its runner: the path of a local socket.
 inline constexpr char connectVariable[] = "TAMRIX_AGENT_CONNECT";
 /// What the agent shows to be let in.
