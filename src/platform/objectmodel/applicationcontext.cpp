@@ -7,4 +7,6 @@ QString ApplicationContext::displayString() const {
         .arg(name, QString::number(pid), startTime.toString(Qt::ISODate));
 }
 
+void ApplicationContext::stop(const QString&) {}
+
 }  // namespace Tamrix

@@ -1,6 +1,8 @@
 #include "platform/objectmodel/inmemorymodel.h"
 
-#include "platform/objectmodel/objectname.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/valueobject.h"
+#include "wire/textmatch.h"
 
 namespace Tamrix {
 
@@ -16,10 +18,39 @@ SharedPtr<Object> findBelow(const ObjectList& objects, const QString& realName) 
     return {};
 }
 
+void collect(const ObjectList& objects, ObjectList* all) {
+    for (const SharedPtr<Object>& object : objects) {
+        all->push_back(object);
+        collect(object->children(), all);
+    }
+}
+
+QString textOf(const SharedPtr<Object>& object) {
+    if (const auto* const value = dynamic_cast<const ValueObject*>(object.get()))
+        return value->value().toString();
+    return object ? object->objectName() : QString();
+}
+
+bool isAbove(const QString& property) {
+    return property == "parent" || property == "container" || property == "window" ||
+           property == "ancestor";
+}
+
+/// Whether one of the objects above `object` that `property` may mean is `wanted`.
+bool isBelow(const Object& object, const QString& property, const SharedPtr<Object>& wanted) {
+    SharedPtr<Object> above = object.parent();
+    if (property == "parent")
+        return above && above == wanted;
+    while (above && above != wanted)
+        above = above->parent();
+    return above && (property != "window" || !above->parent());
+}
+
 }  // namespace
 
-InMemoryObject::InMemoryObject(quint64 handle, const Class* objectClass, const QString& name)
-    : Object(handle, objectClass), m_name(name) {}
+InMemoryObject::InMemoryObject(InMemoryModel* model, quint64 handle, const Class* objectClass,
+                               const QString& name)
+    : RemoteObjectBase(handle, objectClass), m_model(model), m_name(name) {}
 
 QString InMemoryObject::realName() const {
     ObjectName name;
@@ -29,12 +60,36 @@ QString InMemoryObject::realName() const {
 }
 
 SharedPtr<Object> InMemoryObject::readProperty(const Property& property) const {
-    return m_properties.value(property.name());
+    return m_properties.contains(property.name()) ? m_properties.value(property.name())
+                                                  : Object::readProperty(property);
+}
+
+bool InMemoryObject::writeProperty(const Property& property, SharedPtr<Object> value) const {
+    if (!property.isWritable())
+        return Object::writeProperty(property, value);
+    m_properties.insert(property.name(), value);
+    return true;
+}
+
+SharedPtr<Object> InMemoryObject::invokeMethod(const Method& method,
+                                               const ObjectList& arguments) const {
+    QString error;
+    SharedPtr<Object> result =
+        m_model->call(const_cast<InMemoryObject*>(this), method.name(), arguments, &error);
+    if (!result)
+        Inspector::self()->setLastError(error);
+    return result;
 }
 
 void InMemoryObject::setProperty(const QString& name, SharedPtr<Object> value) {
     m_properties.insert(name, value);
 }
+
+void InMemoryObject::setProperty(const QString& name, const QVariant& value) {
+    m_properties.insert(name, new ValueObject(value));
+}
+
+InMemoryModel::InMemoryModel() : m_globalClass(QStringLiteral("Global")) {}
 
 Class* InMemoryModel::objectClass(const QString& name) {
     for (const auto& known : m_classes) {
@@ -48,7 +103,7 @@ Class* InMemoryModel::objectClass(const QString& name) {
 SharedPtr<InMemoryObject> InMemoryModel::addObject(const QString& className, const QString& name,
                                                    SharedPtr<InMemoryObject> parent) {
     SharedPtr<InMemoryObject> object(
-        new InMemoryObject(++m_lastHandle, objectClass(className), name));
+        new InMemoryObject(this, ++m_lastHandle, objectClass(className), name));
     object->m_parent = parent.get();
     (parent ? parent->m_children : m_topLevelObjects).push_back(object);
     return object;
@@ -56,6 +111,118 @@ SharedPtr<InMemoryObject> InMemoryModel::addObject(const QString& className, con
 
 SharedPtr<Object> InMemoryModel::findObject(const QString& realName) const {
     return findBelow(m_topLevelObjects, realName);
+}
+
+SharedPtr<Object> InMemoryModel::findObject(const ObjectName& name, QString* error) {
+    ObjectList matches;
+    collect(m_topLevelObjects, &matches);
+    int occurrence = 1;
+    const auto properties = name.properties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        const QString& property = it.key();
+        const Wire::TextMatch match(it->text(), it->modifiers());
+        SharedPtr<Object> wanted;
+        if (!match.errorText().isEmpty()) {
+            *error =
+                QStringLiteral("The property '%1' of a name: %2").arg(property, match.errorText());
+            return {};
+        }
+        if (property == "occurrence") {
+            occurrence = it->text().toInt();
+            continue;
+        }
+        if (it->isRealName() && !(wanted = findObject(ObjectName(it->text()), error)))
+            return {};
+        const auto differs = [&](const SharedPtr<Object>& object) {
+            const auto& candidate = static_cast<const InMemoryObject&>(*object);
+            if (property == "type") {
+                const QStringList types = candidate.objectClass()->superClasses();
+                return !match.matches(candidate.className()) &&
+                       std::none_of(types.begin(), types.end(),
+                                    [&](const QString& type) { return match.matches(type); });
+            }
+            if (property == "name" || property == "objectName")
+                return !match.matches(candidate.objectName());
+            if (wanted && isAbove(property))
+                return !isBelow(candidate, property, wanted);
+            if (wanted)
+                return !(candidate.property(property) == wanted);
+            return !candidate.property(property) ||
+                   !match.matches(textOf(candidate.property(property)));
+        };
+        matches.erase(std::remove_if(matches.begin(), matches.end(), differs), matches.end());
+    }
+    if (occurrence < 1 || occurrence > static_cast<int>(matches.size())) {
+        *error = QStringLiteral("No object matches %1").arg(name.qualifiedName());
+        return {};
+    }
+    return matches[static_cast<size_t>(occurrence - 1)];
+}
+
+ObjectList InMemoryModel::topLevelObjects(QString*) {
+    return m_topLevelObjects;
+}
+
+const Class* InMemoryModel::classByName(const QString& name) {
+    for (const auto& known : m_classes) {
+        if (known->name() == name)
+            return known.get();
+    }
+    return nullptr;
+}
+
+SharedPtr<Object> InMemoryModel::call(SharedPtr<Object> self, const QString& method,
+                                      const ObjectList& arguments, QString* error) {
+    if (onCall)
+        return onCall(self, method, arguments, error);
+    *error = QStringLiteral("There is no function '%1'").arg(method);
+    return {};
+}
+
+SharedPtr<Object> InMemoryModel::invokeGlobal(const QString& method, const ObjectList& arguments,
+                                              QString* error) {
+    return call(nullptr, method, arguments, error);
+}
+
+SharedPtr<Object> InMemoryModel::construct(const Class* objectClass, const ObjectList& arguments,
+                                           QString* error) {
+    return call(new Object(0, objectClass), QStringLiteral("new"), arguments, error);
+}
+
+QVariant InMemoryModel::nativeRequest(const QString& name, const QVariantList& arguments,
+                                      QString* error) {
+    if (onNativeRequest)
+        return onNativeRequest(name, arguments, error);
+    *error = QStringLiteral("There is no request '%1'").arg(name);
+    return {};
+}
+
+bool InMemoryModel::installEventHandler(SharedPtr<Object> object, const QString& className,
+                                        const QString& event, const QString& callback, QString*) {
+    journal.append(QStringLiteral("install|%1|%2|%3|%4")
+                       .arg(object ? object->objectName() : QString(), className, event, callback));
+    return true;
+}
+
+bool InMemoryModel::uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                                          const QString& event, const QString& callback, QString*) {
+    journal.append(QStringLiteral("uninstall|%1|%2|%3|%4")
+                       .arg(object ? object->objectName() : QString(), className, event, callback));
+    return true;
+}
+
+bool InMemoryModel::sendEvent(const Event* event, SharedPtr<Object> target,
+                              const ObjectList& parameters, QString*) {
+    journal.append(QStringLiteral("send|%1|%2|%3")
+                       .arg(target ? target->objectName() : QString(), event->name(),
+                            QString::number(parameters.size())));
+    return true;
+}
+
+QByteArray InMemoryModel::snapshot(SharedPtr<Object>, QString* error) {
+    if (snapshotBytes.isNull())
+        *error = QStringLiteral("There is no snapshot");
+    return snapshotBytes;
 }
 
 }  // namespace Tamrix

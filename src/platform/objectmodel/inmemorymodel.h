@@ -2,46 +2,74 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "base/export.h"
 #include "platform/objectmodel/object.h"
 #include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/objectmodel.h"
+#include "platform/objectmodel/objectname.h"
 
 namespace Tamrix {
 
-/// An object of an InMemoryModel: its properties are other objects of the model, values are
-/// objects whose name is the value.
-class TAMRIX_EXPORT InMemoryObject : public Object {
+class InMemoryModel;
+
+/// An object of an InMemoryModel: its properties are other objects of the model or values; values
+/// may also be objects whose name is the value.
+class TAMRIX_EXPORT InMemoryObject : public RemoteObjectBase {
 public:
-    InMemoryObject(quint64 handle, const Class* objectClass, const QString& name);
+    InMemoryObject(InMemoryModel* model, quint64 handle, const Class* objectClass,
+                   const QString& name);
 
     QString objectName() const override { return m_name; }
     /// {name='<the object's name>' type='<its class>'}
     QString realName() const override;
     ObjectList children() const override { return m_children; }
     SharedPtr<Object> parent() const override { return m_parent; }
+    int remoteId() const override { return static_cast<int>(handle()); }
     SharedPtr<Object> readProperty(const Property& property) const override;
+    /// Sets a property that the class has as a writable one.
+    bool writeProperty(const Property& property, SharedPtr<Object> value) const override;
+    SharedPtr<Object> invokeMethod(const Method& method,
+                                   const ObjectList& arguments) const override;
 
     void setProperty(const QString& name, SharedPtr<Object> value);
+    void setProperty(const QString& name, const QVariant& value);
+    /// Null when it was never set.
+    SharedPtr<Object> property(const QString& name) const { return m_properties.value(name); }
 
 private:
     friend class InMemoryModel;
 
+    InMemoryModel* m_model;
     QString m_name;
     // A child does not own its parent: the model owns the top-level objects.
     Object* m_parent = nullptr;
     ObjectList m_children;
-    QMap<QString, SharedPtr<Object>> m_properties;
+    mutable QMap<QString, SharedPtr<Object>> m_properties;
 };
 
 /// A tree of objects in this process, for tests of everything that handles objects without an
-/// application. Outlives the objects that it makes. Script thread only.
-class TAMRIX_EXPORT InMemoryModel {
+/// application: set it with Inspector::setModel(). Outlives the objects that it makes. Script
+/// thread only.
+///
+/// Names find objects by "type" (the class or a base), "name", "occurrence" and each property of
+/// the objects; "window", "container", "parent" and "ancestor" mean the objects above. Of several
+/// matches the first in the order of the tree, parents before children, is meant.
+class TAMRIX_EXPORT InMemoryModel : public ObjectModel {
 public:
+    using Calls = std::function<SharedPtr<Object>(SharedPtr<Object> self, const QString& method,
+                                                  const ObjectList& arguments, QString* error)>;
+
+    InMemoryModel();
+
     /// The class of this name, made on first use.
     Class* objectClass(const QString& name);
+    /// The global class, to be filled with methods and events.
+    Class* editableGlobalClass() { return &m_globalClass; }
 
     /// A new object below `parent`, or at the top when `parent` is null.
     SharedPtr<InMemoryObject> addObject(const QString& className, const QString& name,
@@ -52,8 +80,47 @@ public:
     /// The object with this real name, null when there is none.
     SharedPtr<Object> findObject(const QString& realName) const;
 
+    /// What calls do; null `self` for global functions, method "new" of a null object of the class
+    /// for construct(). Calls fail while it is not set.
+    Calls onCall;
+    /// What native requests give; they fail while it is not set.
+    std::function<QVariant(const QString& name, const QVariantList& arguments, QString* error)>
+        onNativeRequest;
+    /// What snapshot() gives; null bytes make it fail.
+    QByteArray snapshotBytes;
+    /// Installed handlers and sent events, one text each: "install|ok|Button|clicked|callback",
+    /// "uninstall|...", "send|ok|clicked|2" with the number of parameters.
+    QStringList journal;
+
+    // ObjectModel
+    SharedPtr<Object> findObject(const ObjectName& name, QString* error) override;
+    ObjectList topLevelObjects(QString* error) override;
+    const Class* classByName(const QString& name) override;
+    const Class* globalClass() override { return &m_globalClass; }
+    SharedPtr<Object> invokeGlobal(const QString& method, const ObjectList& arguments,
+                                   QString* error) override;
+    SharedPtr<Object> construct(const Class* objectClass, const ObjectList& arguments,
+                                QString* error) override;
+    QVariant nativeRequest(const QString& name, const QVariantList& arguments,
+                           QString* error) override;
+    bool installEventHandler(SharedPtr<Object> object, const QString& className,
+                             const QString& event, const QString& callback,
+                             QString* error) override;
+    bool uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                               const QString& event, const QString& callback,
+                               QString* error) override;
+    bool sendEvent(const Event* event, SharedPtr<Object> target, const ObjectList& parameters,
+                   QString* error) override;
+    QByteArray snapshot(SharedPtr<Object> object, QString* error) override;
+
 private:
+    friend class InMemoryObject;
+
+    SharedPtr<Object> call(SharedPtr<Object> self, const QString& method,
+                           const ObjectList& arguments, QString* error);
+
     std::vector<std::unique_ptr<Class>> m_classes;
+    Class m_globalClass;
     ObjectList m_topLevelObjects;
     quint64 m_lastHandle = 0;
 };

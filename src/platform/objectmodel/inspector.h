@@ -100,6 +100,10 @@ public:
 private:
     Inspector() = default;
 
+    /// Asks the model, when there is one, and keeps the error text.
+    template <typename Ask>
+    auto ask(Ask ask);
+
     ObjectModel* m_model = nullptr;
     QString m_lastError;
     QMap<QString, ClassSettings> m_classSettings;

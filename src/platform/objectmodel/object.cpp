@@ -1,8 +1,20 @@
 #include "platform/objectmodel/object.h"
 
+#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 
 namespace Tamrix {
+
+namespace {
+
+void setUnsupported(const Object& object, const QString& what) {
+    const QString name = object.className();
+    Inspector::self()->setLastError(
+        name.isEmpty() ? QStringLiteral("The object %1").arg(what)
+                       : QStringLiteral("The object of class '%1' %2").arg(name, what));
+}
+
+}  // namespace
 
 Object::Object(quint64 handle, const Class* objectClass) : m_handle(handle), m_class(objectClass) {}
 
@@ -23,7 +35,7 @@ QString Object::className() const {
 }
 
 bool Object::isA(const Class* other) const {
-    return other && m_class == other;
+    return other && m_class && (m_class == other || m_class->isOrDerivesFrom(other->name()));
 }
 
 ObjectList Object::children() const {
@@ -38,7 +50,49 @@ const Class* Object::objectClass() const {
     return m_class;
 }
 
-SharedPtr<Object> Object::readProperty(const Property&) const {
+ObjectAttribute Object::objectAttribute() const {
+    return ObjectAttribute(ObjectAttribute::Kind::Pointer);
+}
+
+SharedPtr<Object> Object::cast(const Class* other) const {
+    // The handle stays the same: only what is known of it may be more.
+    return isA(other) ? SharedPtr<Object>(const_cast<Object*>(this)) : SharedPtr<Object>();
+}
+
+SharedPtr<Object> Object::queryInterface(const QString& name) const {
+    if (m_class && m_class->isOrDerivesFrom(name))
+        return {const_cast<Object*>(this)};
+    setUnsupported(*this, QStringLiteral("has no interface '%1'").arg(name));
+    return {};
+}
+
+QVariant Object::toVariant() const {
+    return {};
+}
+
+SharedPtr<Object> Object::readProperty(const Property& property) const {
+    setUnsupported(*this, QStringLiteral("has no property '%1'").arg(property.name()));
+    return {};
+}
+
+std::vector<std::pair<QString, SharedPtr<Object>>> Object::readProperties() const {
+    std::vector<std::pair<QString, SharedPtr<Object>>> values;
+    for (int index = 0; m_class && index < m_class->numProperties(); ++index) {
+        const Property& property = *m_class->property(index);
+        if (SharedPtr<Object> value = readProperty(property))
+            values.emplace_back(property.name(), value);
+    }
+    return values;
+}
+
+bool Object::writeProperty(const Property& property, SharedPtr<Object>) const {
+    setUnsupported(*this,
+                   QStringLiteral("has no property '%1' that can be set").arg(property.name()));
+    return false;
+}
+
+SharedPtr<Object> Object::invokeMethod(const Method& method, const ObjectList&) const {
+    setUnsupported(*this, QStringLiteral("has no method '%1'").arg(method.name()));
     return {};
 }
 

@@ -13,9 +13,10 @@ namespace Tamrix {
 /// The symbolic names of a suite: ":Name" for a real name. Script thread only.
 ///
 /// The file has one entry a line: symbolic name, tab, real name, each with backslash, tab and line
-/// feed escaped as \\, \t and \n. Empty lines and lines that start with "#" are passed over. A real
-/// name may refer to others: a value in quotes that starts with ":" is the symbolic name of another
-/// object.
+/// feed escaped as \\, \t and \n; a "\" before anything else stands for itself. Empty lines and
+/// lines that start with "#" are passed over. A real name may refer to others: a value in quotes
+/// that starts with ":" is the symbolic name of another object, also in names nested in each other.
+/// Values of properties that are a text for sure (isTextProperty()) never refer to anything.
 class TAMRIX_EXPORT ObjectMap {
 public:
     static ObjectMap* self();
@@ -26,6 +27,7 @@ public:
     ObjectName objectName(const QString& name);
     /// The real name in text form; empty on failure, as objectName().
     QString realName(const QString& name);
+    /// The object's own real name; empty for null.
     QString realName(SharedPtr<Object> object);
     /// The symbolic name of a real name, empty when the map has none. With `createIfMissing` a new
     /// one is made and kept in the map, not in its file.
@@ -45,7 +47,10 @@ public:
     static QString escapeForSerialize(const QString& text);
 
 private:
-    QMap<QString, QString> m_names;
+    QMap<QString, ObjectName> m_names;
 };
+
+/// Whether the values of this property of a name are texts: "text", "name", "type"...
+TAMRIX_EXPORT bool isTextProperty(const QString& property);
 
 }  // namespace Tamrix

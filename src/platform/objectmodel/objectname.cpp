@@ -1,5 +1,7 @@
 #include "platform/objectmodel/objectname.h"
 
+#include "wire/textmatch.h"
+
 namespace Tamrix {
 
 namespace {
@@ -11,10 +13,18 @@ QString quoted(QString text) {
 
 }  // namespace
 
+ObjectName::ObjectName(const QString& realName) {
+    parseNameByProperties(realName, &m_properties);
+}
+
 ObjectName::ObjectName(const QMap<QString, PropertyValue>& properties) : m_properties(properties) {}
 
 void ObjectName::setProperty(const QString& name, const QString& value) {
-    m_properties.insert(name, PropertyValue(value, 0, false));
+    setProperty(name, PropertyValue(value, PropertyValue::Plain, false));
+}
+
+void ObjectName::setProperty(const QString& name, const PropertyValue& value) {
+    m_properties.insert(name, value);
 }
 
 QString ObjectName::qualifiedName() const {
@@ -24,7 +34,8 @@ QString ObjectName::qualifiedName() const {
             name += ' ';
         const PropertyValue& value = it.value();
         const bool nested = value.isRealName() && isMultiPropertyName(value.text());
-        name += it.key() + '=' + (nested ? value.text() : quoted(value.text()));
+        name += it.key() + Wire::modeMarker(value.modifiers()) + '=' +
+                (nested ? value.text() : quoted(value.text()));
     }
     return name + '}';
 }

@@ -45,10 +45,11 @@ public:
     bool isValid() const { return !m_properties.isEmpty(); }
     QMap<QString, PropertyValue> properties() const { return m_properties; }
     void setProperty(const QString& name, const QString& value);
+    void setProperty(const QString& name, const PropertyValue& value);
 
     /// The real name: {name='value' name2='value2'}, properties in key order, one blank between
-    /// them, "'" and "\" in values escaped by "\". A value that is a real name in braces stands
-    /// unquoted.
+    /// them, "'" and "\" in values escaped by "\", the modifiers' "*" and "~" before "=". A value
+    /// that is a real name in braces stands unquoted.
     QString qualifiedName() const;
 
 private:
@@ -59,7 +60,9 @@ private:
 TAMRIX_EXPORT bool isMultiPropertyName(const QString& text);
 
 /// Reads a real name. False when it is malformed; `*error`, when given, then says what is wrong and
-/// at which character, counted from 1. Names nested deeper than maximalNameDepth are malformed.
+/// at which character, counted from 1. A name needs at least one property. A "\" in a value before
+/// any character but "'" and "\" stands for itself. Names nested deeper than maximalNameDepth are
+/// malformed.
 TAMRIX_EXPORT bool parseNameByProperties(const QString& realName,
                                          QMap<QString, PropertyValue>* properties,
                                          QString* error = nullptr);

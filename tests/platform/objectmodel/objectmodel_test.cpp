@@ -1,13 +1,21 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <QColor>
+#include <QRect>
 
 #include "platform/objectmodel/applicationcontext.h"
 #include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/objectname.h"
+#include "platform/objectmodel/valueobject.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
+
+using testing::HasSubstr;
 
 TEST(ObjectName, OrdersAndQuotesProperties) {
     ObjectName name;
@@ -23,6 +31,45 @@ TEST(ObjectName, RealNameStandsUnquoted) {
                            {"text", PropertyValue("{name='w'}", 0, false)}});
     EXPECT_EQ(name.qualifiedName(),
               R"({container={name='w'} other=':Symbolic' text='{name=\'w\'}'})");
+}
+
+TEST(ObjectName, ReadsWhatItWrites) {
+    for (const char* const text :
+         {R"({text='it\'s a \\ {x=\'1\'}' type='QLabel'})", R"({text*='Sav*' type~='^Q'})",
+          R"({text='' window={container={a='1'} type='W'}})", R"({other=':Symbolic'})"})
+        EXPECT_EQ(ObjectName(QString(text)).qualifiedName(), text);
+
+    const ObjectName loose(QStringLiteral(" { type = 'A'\ttext ~='\\d\\\\' } "));
+    EXPECT_EQ(loose.properties().value("text").text(), R"(\d\)");
+    EXPECT_EQ(loose.properties().value("text").modifiers(), PropertyValue::Pattern);
+    EXPECT_TRUE(ObjectName(QStringLiteral("{w={a='1'}}")).properties().value("w").isRealName());
+}
+
+TEST(ObjectName, MalformedNamesTellWhere) {
+    const struct {
+        QString name;
+        const char* error;
+    } rows[] = {
+        {"", "expected '{' at character 1"},
+        {"{}", "expected a property, such as type='QLabel', at character 2"},
+        {"{a='1'", "the name lacks its '}' at character 7"},
+        {"{a='1'} x", "unexpected text after the name's '}' at character 9"},
+        {"{a}", "expected '=' behind the property 'a' at character 3"},
+        {"{a=1}", "expected \"'\" or '{' for the value of 'a' at character 4"},
+        {"{a='1}", "the value of 'a' lacks its closing \"'\", it starts at character 4"},
+        {"{a='1' a='2'}", "the property 'a' stands twice at character 8"},
+        {"{='1'}", "expected a property's name at character 2"},
+        {"{a*={b='1'}}", "the property 'a' compares a name as a pattern at character 5"},
+        {"{a={b='1'}", "the name lacks its '}' at character 11"},
+        {QString("{a=").repeated(20), "names are nested deeper than 16 at character 49"},
+    };
+    for (const auto& row : rows) {
+        QMap<QString, PropertyValue> properties;
+        QString error;
+        EXPECT_FALSE(parseNameByProperties(row.name, &properties, &error)) << row.error;
+        EXPECT_EQ(error, row.error);
+        EXPECT_TRUE(properties.isEmpty());
+    }
 }
 
 TEST(InMemoryModel, FindsObjectsByTheNameThatTheyTell) {
@@ -56,6 +103,109 @@ TEST(InMemoryModel, ReadsPropertiesThroughTheClass) {
     const auto value = model.addObject("String", "OK");
     button->setProperty("text", value);
     EXPECT_EQ(text->get(button), value);
+}
+
+class InspectorOnModel : public testing::Test {
+protected:
+    void SetUp() override {
+        Inspector::self()->reset();
+        ObjectMap::self()->clear();
+        Inspector::self()->setModel(&model);
+        model.objectClass("Button")->setSuperClasses({"Widget"});
+    }
+    void TearDown() override { Inspector::self()->setModel(nullptr); }
+
+    QString lastError() const { return Inspector::self()->lastError(); }
+
+    InMemoryModel model;
+};
+
+TEST_F(InspectorOnModel, FindsByPropertiesAndOccurrence) {
+    const auto window = model.addObject("Window", "main");
+    const auto first = model.addObject("Button", "one", window);
+    const auto second = model.addObject("Button", "two", window);
+    model.addObject("Button", "three");
+    first->setProperty("text", QVariant("Save"));
+    second->setProperty("text", QVariant("Save as"));
+    second->setProperty("buddy", SharedPtr<Object>(first));
+    const struct {
+        const char* name;
+        SharedPtr<Object> object;
+    } rows[] = {
+        {"{type='Button' text='Save as'}", second},
+        {"{type='Widget' occurrence='2'}", second},
+        {"{type*='B*' text~='^S.*s$'}", second},
+        {"{type='Button' occurrence='4'}", nullptr},
+        {"{window={name='main'} occurrence='2'}", second},
+        {"{buddy={name='one'}}", second},
+        {"{text*='save*'}", nullptr},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Inspector::self()->findObject(row.name), row.object) << row.name;
+    EXPECT_EQ(lastError(), "No object matches {text*='save*'}");
+    EXPECT_EQ(Inspector::self()->findObject("{text~='('}"), nullptr);
+    EXPECT_THAT(lastError().toStdString(), HasSubstr("'(' is no valid regular expression"));
+}
+
+TEST_F(InspectorOnModel, ValuesAreObjects) {
+    Inspector* const inspector = Inspector::self();
+    EXPECT_EQ(inspector->createObject(true)->objectClass(), inspector->classByTypeNumber(7));
+    EXPECT_EQ(inspector->createObject({})->className(), "void");
+    EXPECT_TRUE(inspector->createObject({})->isNull());
+    EXPECT_EQ(inspector->createObject("a")->toVariant(), "a");
+    EXPECT_EQ(inspector->classByName("Nothing"), nullptr);
+    EXPECT_EQ(lastError(), "The application knows no class 'Nothing'");
+
+    const QRect rectangle(1, 2, 30, 40);
+    const auto onScreen = createRemoteScreenRectangle(rectangle);
+    EXPECT_EQ(onScreen->objectClass(), objectModelScreenRectangleClass());
+    EXPECT_EQ(unwrapRemoteScreenRectangleAsQRect(onScreen), rectangle);
+    EXPECT_EQ(unwrapRemoteScreenRectangleAsQRect(inspector->createObject(rectangle)), rectangle);
+    EXPECT_TRUE(unwrapRemoteScreenRectangleAsQRect(nullptr).isNull());
+    EXPECT_FALSE(onScreen->toVariant().isValid());
+    const auto properties = onScreen->readProperties();
+    ASSERT_EQ(properties.size(), 4u);
+    EXPECT_EQ(properties[3].first, "height");
+    EXPECT_EQ(properties[3].second->toVariant(), 40);
+    EXPECT_EQ(inspector->createObject(QColor(1, 2, 3))->readProperties()[0].second->toVariant(),
+              "#010203");
+
+    inspector->setModel(nullptr);
+    EXPECT_EQ(createRemoteScreenRectangle(rectangle), nullptr);
+    EXPECT_EQ(inspector->findObject("{a='1'}"), nullptr);
+    EXPECT_EQ(lastError(), "No application is connected");
+}
+
+TEST_F(InspectorOnModel, CallsReachTheModel) {
+    model.onCall = [](SharedPtr<Object> self, const QString& method, const ObjectList& arguments,
+                      QString* error) -> SharedPtr<Object> {
+        if (method == "fail")
+            *error = "it fails";
+        else
+            return Inspector::self()->createObject((self ? self->objectName() : "") + method +
+                                                   argumentValue(arguments.at(0)).toString());
+        return {};
+    };
+    const auto button = model.addObject("Button", "ok");
+    const ObjectList arguments{Inspector::self()->createObject(5)};
+    EXPECT_EQ(Method("go", {}).invoke(button, arguments)->toVariant(), "okgo5");
+    EXPECT_EQ(Method("go", {}).invoke(nullptr, arguments)->toVariant(), "go5");
+    EXPECT_EQ(button->objectClass()->construct(arguments)->toVariant(), "new5");
+    EXPECT_EQ(Method("fail", {}).invoke(button, {}), nullptr);
+    EXPECT_EQ(lastError(), "it fails");
+
+    EXPECT_TRUE(button->cast(model.objectClass("Widget")) == button);
+    EXPECT_EQ(button->cast(model.objectClass("Window")), nullptr);
+    EXPECT_FALSE(Property("text").set(button, arguments[0]));
+    EXPECT_EQ(lastError(), "The object of class 'Button' has no property 'text' that can be set");
+
+    QByteArray elements;
+    QString error;
+    EXPECT_FALSE(requestObjectSnapshot("{name='none'}", &elements, &error));
+    EXPECT_EQ(error, "No object matches {name='none'}");
+    model.snapshotBytes = "tree";
+    EXPECT_TRUE(requestObjectSnapshot("{name='ok'}", &elements, &error));
+    EXPECT_EQ(elements, "tree");
 }
 
 TEST(ApplicationContext, ShowsItselfWhateverItsName) {

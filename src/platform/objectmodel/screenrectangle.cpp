@@ -1,0 +1,37 @@
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/valueobject.h"
+
+namespace Tamrix {
+
+namespace {
+
+const QString& screenRectangleName() {
+    static const QString name = QStringLiteral("ScreenRectangle");
+    return name;
+}
+
+}  // namespace
+
+const Class* objectModelScreenRectangleClass() {
+    return Inspector::self()->model() ? ValueObject::valueClass(screenRectangleName()) : nullptr;
+}
+
+QRect unwrapRemoteScreenRectangleAsQRect(SharedPtr<Object> object) {
+    const auto* const value = dynamic_cast<const ValueObject*>(object.get());
+    if (!value || (value->className() != screenRectangleName() &&
+                   value->className() != QLatin1String("QRect")))
+        return {};
+    return value->value().toRectF().toRect();
+}
+
+SharedPtr<Object> createRemoteScreenRectangle(const QRect& rectangle) {
+    const Class* const rectangleClass = objectModelScreenRectangleClass();
+    if (!rectangleClass) {
+        Inspector::self()->setLastError(Inspector::noApplicationText);
+        return {};
+    }
+    return {new ValueObject(rectangle, rectangleClass)};
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,163 @@
+#include "platform/objectmodel/valueobject.h"
+
+#include <QColor>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <memory>
+
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectclass.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Reader = QVariant (*)(const QVariant&);
+
+struct ReadableProperty {
+    const char* name;
+    const char* typeName;
+    Reader read;
+};
+
+struct ValueType {
+    const char* className;
+    std::vector<int> metaTypes;
+    std::vector<ReadableProperty> properties;
+};
+
+const std::vector<ReadableProperty>& rectangleProperties() {
+    static const std::vector<ReadableProperty> properties = {
+        {"x", "int", [](const QVariant& v) { return QVariant(v.toRect().x()); }},
+        {"y", "int", [](const QVariant& v) { return QVariant(v.toRect().y()); }},
+        {"width", "int", [](const QVariant& v) { return QVariant(v.toRect().width()); }},
+        {"height", "int", [](const QVariant& v) { return QVariant(v.toRect().height()); }},
+    };
+    return properties;
+}
+
+QColor colour(const QVariant& value) {
+    return value.value<QColor>();
+}
+
+/// The types of values: which variants are of them, and what testers read on them.
+const std::vector<ValueType>& valueTypes() {
+    using Type = QMetaType;
+    static const std::vector<ValueType> types = {
+        {"void", {Type::UnknownType, Type::Void, Type::Nullptr}, {}},
+        {"bool", {Type::Bool}, {}},
+        {"int",
+         {Type::Int, Type::UInt, Type::LongLong, Type::ULongLong, Type::Long, Type::ULong,
+          Type::Short, Type::UShort, Type::Char, Type::SChar, Type::UChar},
+         {}},
+        {"double", {Type::Double, Type::Float}, {}},
+        {"QString", {Type::QString, Type::QChar}, {}},
+        {"QByteArray", {Type::QByteArray}, {}},
+        {"QDateTime", {Type::QDateTime, Type::QDate, Type::QTime}, {}},
+        {"QVariantList", {Type::QVariantList, Type::QStringList}, {}},
+        {"QVariantMap", {Type::QVariantMap, Type::QVariantHash}, {}},
+        {"QPoint",
+         {Type::QPoint, Type::QPointF},
+         {{"x", "int", [](const QVariant& v) { return QVariant(v.toPoint().x()); }},
+          {"y", "int", [](const QVariant& v) { return QVariant(v.toPoint().y()); }}}},
+        {"QSize",
+         {Type::QSize, Type::QSizeF},
+         {{"width", "int", [](const QVariant& v) { return QVariant(v.toSize().width()); }},
+          {"height", "int", [](const QVariant& v) { return QVariant(v.toSize().height()); }}}},
+        {"QRect", {Type::QRect, Type::QRectF}, rectangleProperties()},
+        // A rectangle that is to be one of the screen is told so: its variant looks like any other.
+        {"ScreenRectangle", {}, rectangleProperties()},
+        {"QColor",
+         {Type::QColor},
+         {{"name", "QString", [](const QVariant& v) { return QVariant(colour(v).name()); }},
+          {"red", "int", [](const QVariant& v) { return QVariant(colour(v).red()); }},
+          {"green", "int", [](const QVariant& v) { return QVariant(colour(v).green()); }},
+          {"blue", "int", [](const QVariant& v) { return QVariant(colour(v).blue()); }},
+          {"alpha", "int", [](const QVariant& v) { return QVariant(colour(v).alpha()); }}}},
+    };
+    return types;
+}
+
+/// One class for each of the types above, in their order.
+const std::vector<std::unique_ptr<Class>>& valueClasses() {
+    static const std::vector<std::unique_ptr<Class>> classes = [] {
+        std::vector<std::unique_ptr<Class>> made;
+        for (const ValueType& type : valueTypes()) {
+            made.push_back(std::make_unique<Class>(QLatin1String(type.className)));
+            for (const ReadableProperty& property : type.properties) {
+                made.back()->addProperty(QLatin1String(property.name),
+                                         QLatin1String(property.typeName));
+            }
+        }
+        return made;
+    }();
+    return classes;
+}
+
+/// Null for a variant of none of the types.
+const Class* classOf(const QVariant& value) {
+    const auto& types = valueTypes();
+    for (size_t index = 0; index < types.size(); ++index) {
+        const auto& metaTypes = types[index].metaTypes;
+        if (std::find(metaTypes.begin(), metaTypes.end(), value.userType()) != metaTypes.end())
+            return valueClasses()[index].get();
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+ValueObject::ValueObject(const QVariant& value) : ValueObject(value, classOf(value)) {}
+
+ValueObject::ValueObject(const QVariant& value, const Class* objectClass)
+    : Object(0, objectClass), m_value(value) {}
+
+ObjectAttribute ValueObject::objectAttribute() const {
+    return ObjectAttribute(ObjectAttribute::Kind::Value);
+}
+
+QVariant ValueObject::toVariant() const {
+    switch (m_value.userType()) {
+        case QMetaType::QPoint:
+        case QMetaType::QPointF:
+        case QMetaType::QSize:
+        case QMetaType::QSizeF:
+        case QMetaType::QRect:
+        case QMetaType::QRectF:
+        case QMetaType::QColor:
+            return {};
+        default:
+            return m_value;
+    }
+}
+
+SharedPtr<Object> ValueObject::readProperty(const Property& property) const {
+    for (const ValueType& type : valueTypes()) {
+        if (className() != QLatin1String(type.className))
+            continue;
+        for (const ReadableProperty& each : type.properties) {
+            if (property.name() == QLatin1String(each.name))
+                return {new ValueObject(each.read(m_value))};
+        }
+    }
+    return Object::readProperty(property);
+}
+
+const Class* ValueObject::valueClass(const QString& name) {
+    for (const auto& known : valueClasses()) {
+        if (known->name() == name)
+            return known.get();
+    }
+    return nullptr;
+}
+
+QVariant argumentValue(const SharedPtr<Object>& object) {
+    if (!object)
+        return {};
+    if (const auto* const value = dynamic_cast<const ValueObject*>(object.get()))
+        return value->value();
+    return QVariant::fromValue(object);
+}
+
+}  // namespace Tamrix
