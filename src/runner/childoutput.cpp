@@ -54,9 +54,8 @@ ChildOutput::~ChildOutput() {
 }
 
 void ChildOutput::read() {
-    std::array<pollfd, 3> waiting{{{m_descriptors[0], POLLIN, 0},
-                                   {m_descriptors[1], POLLIN, 0},
-                                   {m_wake, POLLIN, 0}}};
+    std::array<pollfd, 3> waiting{
+        {{m_descriptors[0], POLLIN, 0}, {m_descriptors[1], POLLIN, 0}, {m_wake, POLLIN, 0}}};
     bool isAskedToEnd = false;
     while (!isAskedToEnd && (waiting[0].fd >= 0 || waiting[1].fd >= 0)) {
         if (::poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR)

@@ -61,7 +61,7 @@ private:
     std::array<int, 2> m_ends{};
 };
 
-QList<QByteArray> environmentEntries(const ProgramEnvironment& added) {
+QList<QByteArray> environmentEntries(const ProgramEnvironment& changes) {
     QMap<QByteArray, QByteArray> variables;
     for (char** entry = environ; entry && *entry; ++entry) {
         const QByteArray text(*entry);
@@ -69,8 +69,12 @@ QList<QByteArray> environmentEntries(const ProgramEnvironment& added) {
         if (separator > 0)
             variables.insert(text.left(separator), text.mid(separator + 1));
     }
-    for (const auto& [name, value] : added)
-        variables.insert(name.toUtf8(), value.toUtf8());
+    for (const auto& [name, value] : changes) {
+        if (value.isNull())
+            variables.remove(name.toUtf8());
+        else
+            variables.insert(name.toUtf8(), value.toUtf8());
+    }
     QList<QByteArray> entries;
     for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
         entries.append(variable.key() + '=' + variable.value());
@@ -102,13 +106,14 @@ struct ChildPlan {
     int error;
     int failure;
     pid_t parent;
+    int signalAtRunnersEnd;
 };
 
 [[noreturn]] void runChild(const ChildPlan& plan) {
     StartFailure failure;
     ::setsid();
-    // Whatever ends this run, the program does not outlive it.
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // Whatever ends this process, the program does not outlive it.
+    ::prctl(PR_SET_PDEATHSIG, plan.signalAtRunnersEnd);
     if (::getppid() != plan.parent)
         ::_exit(1);
     for (int signal = 1; signal < NSIG; ++signal)
@@ -165,7 +170,8 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QSt
                          start.keepsOutput ? output.writeEnd() : -1,
                          errors.writeEnd(),
                          failurePipe.writeEnd(),
-                         ::getpid()};
+                         ::getpid(),
+                         start.signalAtRunnersEnd};
     const pid_t pid = ::fork();
     if (pid == 0)
         runChild(plan);

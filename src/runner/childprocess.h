@@ -6,13 +6,15 @@
 #include <QPair>
 #include <QString>
 #include <QStringList>
+#include <csignal>
 #include <memory>
 
 #include "runner/childoutput.h"
 
 namespace Tamrix {
 
-/// The environment of a program, in order; a later entry replaces an earlier one of that name.
+/// Changes of the environment for a program, in order: a name with its value, or with the null text
+/// to take the variable out.
 using ProgramEnvironment = QList<QPair<QString, QString>>;
 
 /// What a program is started with.
@@ -22,14 +24,16 @@ struct ProgramStart {
     QStringList arguments;
     /// Empty for that of this process.
     QString workingDirectory;
-    /// Added to the environment of this process.
+    /// On top of the environment of this process.
     ProgramEnvironment environment;
     /// Otherwise the program writes where this process does.
     bool keepsOutput = true;
+    /// What the program gets when this process ends, however that happens.
+    int signalAtRunnersEnd = SIGKILL;
 };
 
 /// A program that this one started, in a session of its own and with nothing to read on standard
-/// input. It is killed when this process ends, however that happens. Script thread only.
+/// input. Script thread only.
 class ChildProcess {
 public:
     /// Null when the program can't be started, with `*error` saying why.
