@@ -1,7 +1,7 @@
 # Files of an installation that are not built: they are copied to the build folder, which has the
 # shape of an installation.
 
-foreach(file paths.ini tamrix.ini)
+foreach(file ignoredauts.txt paths.ini tamrix.ini)
     configure_file(${PROJECT_SOURCE_DIR}/etc/${file} ${TAMRIX_PREFIX_DIR}/etc/${file} COPYONLY)
 endforeach()
 file(MAKE_DIRECTORY ${TAMRIX_PREFIX_DIR}/lib/exec ${TAMRIX_PREFIX_DIR}/scriptmodules)

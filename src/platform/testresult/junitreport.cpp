@@ -4,6 +4,7 @@
 #include <QXmlStreamWriter>
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
