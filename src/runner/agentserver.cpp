@@ -112,8 +112,8 @@ bool AgentServer::readPeer(Peer& peer) {
     }
     if (peer.sinceConnect.elapsed() <= helloTimeout)
         return false;
-    m_refusal = QStringLiteral("a connection was made, but no hello came within %1 ms")
-                    .arg(helloTimeout);
+    m_refusal =
+        QStringLiteral("a connection was made, but no hello came within %1 ms").arg(helloTimeout);
     return true;
 }
 

@@ -21,6 +21,7 @@ constexpr int terminatePatience = 1000;
 /// How long the request to close may take.
 constexpr int quitTimeout = 500;
 constexpr int pollInterval = 50;
+constexpr int closePollInterval = 10;
 
 }  // namespace
 
@@ -155,7 +156,8 @@ SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) 
         if (!m_launched.empty()) {
             SharedPtr<Application> application = m_launched.front();
             m_launched.pop_front();
-            setCurrent(application);
+            if (!m_current || !m_current->valid)
+                setCurrent(application);
             return application;
         }
         if (isInterrupted() || deadline.hasExpired()) {
@@ -189,8 +191,8 @@ SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connec
                                          const QString& name) {
     const auto program = programOf(static_cast<pid_t>(connection->hello().pid));
     AgentConnection* const added = connection.get();
-    SharedPtr<Application> application(new Application(++m_lastId, uniqueName(name),
-                                                       std::move(connection), program));
+    SharedPtr<Application> application(
+        new Application(++m_lastId, uniqueName(name), std::move(connection), program));
     // A request lets the others work, and ends when the run is interrupted.
     added->setIdleHook([this] {
         work();
@@ -279,27 +281,25 @@ bool Applications::isInterrupted() const {
 
 // Ending
 
-void Applications::askToClose() {
+bool Applications::askToClose() {
+    bool wasAsked = false;
     for (const SharedPtr<Application>& application : live()) {
         if (!application->program())
             continue;
         application->connection().setSyncTimeout(quitTimeout);
         application->model().setRequestTimeout(quitTimeout);
         QString ignored;
-        application->model().quit(&ignored);
+        wasAsked = application->model().quit(&ignored) || wasAsked;
     }
+    return wasAsked;
 }
 
 QStringList Applications::endAll() {
     startCall();
-    askToClose();
-    const QDeadlineTimer deadline(closePatience);
+    const QDeadlineTimer deadline(askToClose() ? closePatience : 0);
     const auto isAlive = [](const auto& program) { return program->isAlive(); };
-    // Without a connection nobody was asked.
-    const auto wasAsked = [this] { return !live().isEmpty(); };
-    while (std::any_of(m_programs.begin(), m_programs.end(), isAlive) && wasAsked() &&
-           !deadline.hasExpired())
-        waitForNews(10);
+    while (!deadline.hasExpired() && std::any_of(m_programs.begin(), m_programs.end(), isAlive))
+        waitForNews(closePollInterval);
 
     QStringList left;
     for (const std::shared_ptr<StartedProgram>& program : m_programs) {

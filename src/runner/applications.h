@@ -43,7 +43,7 @@ public:
     /// Connects to a program that "tamrixrunner attachable" keeps under this name.
     SharedPtr<Application> attach(const QString& name, int timeout, QString* error);
     /// The next process of an application that announced itself without being waited for by
-    /// start().
+    /// start(). It becomes the current one only when there is none.
     SharedPtr<Application> waitForLaunch(int timeout, QString* error);
 
     /// Those that are connected, in the order in which they came.
@@ -84,7 +84,8 @@ private:
     SharedPtr<Application> waitForStart(const std::shared_ptr<StartedProgram>& program, int timeout,
                                         QString* error);
     QString startFailure(StartedProgram& program, int timeout);
-    void askToClose();
+    /// False when no application took the request.
+    bool askToClose();
 
     QString m_runId;
     // In this order: the watch clears up behind everything else, programs use the display.

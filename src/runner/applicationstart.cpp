@@ -101,8 +101,8 @@ ApplicationStart resolveApplication(const QString& text, const ApplicationPlaces
                 QStringLiteral("application '%1' of %2: ").arg(name, places.config.fileName));
         start.program.arguments = known->arguments + words;
         // The suite's folder itself when the file names none.
-        start.program.workingDirectory = QDir::cleanPath(
-            QDir(places.suiteDirectory).absoluteFilePath(known->workingDirectory));
+        start.program.workingDirectory =
+            QDir::cleanPath(QDir(places.suiteDirectory).absoluteFilePath(known->workingDirectory));
         start.program.environment = known->environment;
         start.preloadsAgent = known->preloadsAgent;
         return start;
