@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include "base/textescape.h"
 #include "platform/testresult/htmldata.h"
 #include "platform/testresult/htmlfiles.h"
 #include "platform/testresult/reporttarget.h"

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 
 namespace Tamrix {
