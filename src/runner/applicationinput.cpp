@@ -6,15 +6,15 @@
 
 namespace Tamrix {
 
-RemoteModel* Runner::currentModel(QString* error) {
-    const SharedPtr<Application> application = m_applications.current();
+RemoteModel* Runner::modelOf(const SharedPtr<Object>& object, QString* error) {
+    const SharedPtr<Application> application = m_applications.owner(object);
     *error = application ? application->endText() : Inspector::noApplicationText;
     return error->isEmpty() ? &application->model() : nullptr;
 }
 
 bool Runner::keyEvent(const QString& key, bool press) {
     QString error;
-    RemoteModel* const model = currentModel(&error);
+    RemoteModel* const model = modelOf({}, &error);
     if (model && model->keyEvent(key, press, &error))
         return true;
     Inspector::self()->setLastError(error);
@@ -24,7 +24,7 @@ bool Runner::keyEvent(const QString& key, bool press) {
 bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
                         bool buttonChange, bool press) {
     QString error;
-    RemoteModel* const model = currentModel(&error);
+    RemoteModel* const model = modelOf(target, &error);
     Wire::MouseEvent event;
     event.mask = mask;
     event.x = x;
@@ -41,14 +41,14 @@ bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int bu
 
 QString Runner::highlightObject(SharedPtr<Object> object, int milliseconds) {
     QString error;
-    if (RemoteModel* const model = currentModel(&error))
+    if (RemoteModel* const model = modelOf(object, &error))
         model->highlight(object, milliseconds, &error);
     return error;
 }
 
 void Runner::stopHighlight() {
     QString error;
-    if (RemoteModel* const model = currentModel(&error))
+    if (RemoteModel* const model = modelOf({}, &error))
         model->stopHighlight(&error);
     if (!error.isEmpty())
         Inspector::self()->setLastError(error);
@@ -56,7 +56,7 @@ void Runner::stopHighlight() {
 
 SharedPtr<Object> Runner::objectGlobalBounds(SharedPtr<Object> object) {
     QString error;
-    RemoteModel* const model = currentModel(&error);
+    RemoteModel* const model = modelOf(object, &error);
     SharedPtr<Object> bounds;
     if (model)
         bounds = model->globalBounds(object, &error);
@@ -75,7 +75,7 @@ FunctionCallResult<QSharedPointer<BackgroundTask>> Runner::startVideoCapture(
 
 std::vector<std::pair<QString, SharedPtr<Object>>> Runner::components(int remoteId) {
     QString error;
-    RemoteModel* const model = currentModel(&error);
+    RemoteModel* const model = modelOf({}, &error);
     SharedPtr<Object> object;
     if (model)
         object = model->objectById(remoteId, &error);

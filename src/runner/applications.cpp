@@ -8,6 +8,8 @@
 #include <algorithm>
 
 #include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/remote/remotelink.h"
+#include "platform/objectmodel/remote/remoteobject.h"
 #include "runner/attachable.h"
 #include "runner/interrupt.h"
 
@@ -239,6 +241,16 @@ void Applications::setCurrent(SharedPtr<Application> application) {
 
 SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>& context) {
     return context ? dynamicPointerCast<Application>(context) : SharedPtr<Application>();
+}
+
+SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
+    if (const auto remote = dynamicPointerCast<RemoteObject>(object)) {
+        for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+            if (&application->connection() == &remote->link().connection())
+                return application;
+        }
+    }
+    return m_current;
 }
 
 // Working and waiting

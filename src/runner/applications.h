@@ -57,6 +57,8 @@ public:
     SharedPtr<Application> current() const { return m_current; }
     /// Also for the inspector.
     void setCurrent(SharedPtr<Application> application);
+    /// The one whose object this is; the current one for null and for objects of none.
+    SharedPtr<Application> owner(const SharedPtr<Object>& object);
     /// The application itself when it is one of these, null for null and others.
     SharedPtr<Application> checked(const SharedPtr<ApplicationContext>& context);
 

@@ -23,10 +23,9 @@ SharedPtr<Object> Runner::failedLookup(const QString& text) {
     return {};
 }
 
-SharedPtr<Object> Runner::waitUntilFound(const QString& what, bool wantReady, int timeout,
+SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& application,
+                                         const QString& what, bool wantReady, int timeout,
                                          const Look& look) {
-    // Kept: an event's handler may switch to another application.
-    const SharedPtr<Application> application = m_applications.current();
     if (!application)
         return failedLookup(Inspector::noApplicationText);
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
@@ -82,12 +81,12 @@ SharedPtr<Object> Runner::waitForName(const QString& name, bool wantReady, int t
     const ObjectName wanted = ObjectMap::self()->objectName(name);
     if (!wanted.isValid())
         return {};
-    return waitUntilFound(QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
-                          [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
-                              RequestError* error, int lookTimeout) {
-                              return model.lookUp(wanted, wantReady, isLastLook, answer, error,
-                                                  lookTimeout);
-                          });
+    return waitUntilFound(
+        m_applications.current(), QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
+        [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
+            int lookTimeout) {
+            return model.lookUp(wanted, wantReady, isLastLook, answer, error, lookTimeout);
+        });
 }
 
 SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool, int timeout) {

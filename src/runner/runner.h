@@ -149,11 +149,12 @@ private:
 
     static SharedPtr<Object> failedLookup(const QString& text);
     /// `what` names the object in messages.
-    SharedPtr<Object> waitUntilFound(const QString& what, bool wantReady, int timeout,
-                                     const Look& look);
+    SharedPtr<Object> waitUntilFound(const SharedPtr<Application>& application, const QString& what,
+                                     bool wantReady, int timeout, const Look& look);
     SharedPtr<Object> waitForName(const QString& name, bool wantReady, int timeout);
-    /// The model of the current application; null with `*error` set when there is none or it ended.
-    RemoteModel* currentModel(QString* error);
+    /// The model of the object's application, of the current one for null; null with `*error` set
+    /// when there is none or it ended.
+    RemoteModel* modelOf(const SharedPtr<Object>& object, QString* error);
     std::vector<std::pair<QString, SharedPtr<Object>>> components(int remoteId);
     QString readOutput(const SharedPtr<ApplicationContext>& context,
                        QByteArray (ChildOutput::*stream)() const, bool* available);
