@@ -1,0 +1,101 @@
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QStyleOptionComboBox>
+
+#include "agent/core/itempath.h"
+#include "agent/core/readiness.h"
+#include "agent/functions/functiontable.h"
+#include "agent/input/activation.h"
+#include "agent/input/keyboard.h"
+#include "agent/input/mousesteps.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+QComboBox* boxOf(const ElementRef& ref) {
+    return qobject_cast<QComboBox*>(ref.get().object);
+}
+
+int rowOf(const ElementRef& ref, const QString& text) {
+    const QComboBox* const box = boxOf(ref);
+    return box == nullptr ? -1 : box->findText(unescapeItemText(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
+}
+
+/// Where a click opens the box: an editable one has a field in its middle.
+QPoint arrowOf(const QComboBox* box) {
+    QStyleOptionComboBox option;
+    option.initFrom(box);
+    option.editable = box->isEditable();
+    option.frame = box->hasFrame();
+    option.subControls = QStyle::SC_All;
+    return box->style()
+        ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, box)
+        .center();
+}
+
+bool isOpen(const ElementRef& ref) {
+    const QComboBox* const box = boxOf(ref);
+    return box != nullptr && box->view()->isVisible();
+}
+
+/// Adds the click on the item of the open list. Its move is a long one: the list takes the release
+/// of a click near the one that opened it for the end of that.
+void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, const QString& text) {
+    queue->call([ref, text] {
+        QComboBox* const box = boxOf(ref);
+        const int row = rowOf(ref, text);
+        if (box != nullptr && row >= 0)
+            box->view()->scrollTo(box->model()->index(row, box->modelColumn(), box->rootModelIndex()));
+    });
+    queue->add([queue, call, ref, text] {
+        const QComboBox* const box = boxOf(ref);
+        const int row = rowOf(ref, text);
+        if (box == nullptr || row < 0) {
+            call.responder()->fail(Wire::FailureCode::NotFound,
+                                   QStringLiteral("the item '%1' is gone").arg(text));
+            return;
+        }
+        QWidget* const viewport = box->view()->viewport();
+        const QModelIndex index = box->model()->index(row, box->modelColumn(), box->rootModelIndex());
+        const QPoint point = viewport->mapToGlobal(box->view()->visualRect(index).center());
+        const ElementRef target(Session::self()->element(viewport));
+        addAnswer(queue, call);
+        constexpr QPoint detour(30, 0);
+        addMove(queue, target, point + detour);
+        addClick(queue, target, point);
+    });
+}
+
+}  // namespace
+
+bool selectComboItem(const Call& call, const Element& element, const QString& text) {
+    const auto* const box = element.isItem() ? nullptr : qobject_cast<QComboBox*>(element.object);
+    if (box == nullptr)
+        return false;
+    whenReady(call, element, arrowOf(box), [=](const ElementRef& ref, const QPoint& point) {
+        auto* const queue = StepQueue::create();
+        queue->waitFor([ref, text] { return rowOf(ref, text) >= 0; }, call.timeout(),
+                       [ref, call, text] {
+                           call.responder()->fail(
+                               Wire::FailureCode::NotFound,
+                               QStringLiteral("%1 has no item '%2'")
+                                   .arg(Session::self()->describe(ref.get()), text));
+                       });
+        addActivation(queue, ref);
+        queue->add([queue, ref, point] {
+            if (!isOpen(ref))
+                addClick(queue, ref, point);
+        });
+        queue->waitFor([ref] { return isOpen(ref); }, call.timeout(), [ref, call] {
+            call.responder()->fail(
+                Wire::FailureCode::NotReady,
+                notReadyText(ref, QStringLiteral("its list does not open")));
+        });
+        addItemClick(queue, call, ref, text);
+        run(queue, call);
+    });
+    return true;
+}
+
+}  // namespace Tamrix::Agent
