@@ -103,8 +103,9 @@ void addButtons(QGridLayout* grid) {
                     0, 2);
     grid->addWidget(makeButton("Modal",
                                [] {
-                                   const int answer = QMessageBox::question(
-                                       s_window, QStringLiteral("Really?"), QStringLiteral("Sure?"));
+                                   const int answer =
+                                       QMessageBox::question(s_window, QStringLiteral("Really?"),
+                                                             QStringLiteral("Sure?"));
                                    log(answer == QMessageBox::Yes ? QStringLiteral("yes")
                                                                   : QStringLiteral("no"));
                                }),
@@ -149,7 +150,8 @@ Widget* named(const char* name) {
 void addFields(QGridLayout* grid) {
     auto* const line = named<QLineEdit>("line");
     line->setText(QStringLiteral("old"));
-    QObject::connect(line, &QLineEdit::returnPressed, s_window, [] { log(QStringLiteral("return")); });
+    QObject::connect(line, &QLineEdit::returnPressed, s_window,
+                     [] { log(QStringLiteral("return")); });
     grid->addWidget(line, 3, 0);
     auto* const readOnly = named<QLineEdit>("readOnly");
     readOnly->setReadOnly(true);
@@ -245,8 +247,8 @@ void addViews(QGridLayout* grid) {
 
 void addMenus() {
     QMenu* const file = s_window->menuBar()->addMenu(QStringLiteral("&File"));
-    QAction* const open = file->addAction(QStringLiteral("&Open..."), s_window,
-                                          [] { log(QStringLiteral("open")); });
+    QAction* const open =
+        file->addAction(QStringLiteral("&Open..."), s_window, [] { log(QStringLiteral("open")); });
     open->setShortcut(QKeySequence(QStringLiteral("Ctrl+O")));
     QMenu* const recent = file->addMenu(QStringLiteral("Recent"));
     recent->setObjectName(QStringLiteral("recent"));
