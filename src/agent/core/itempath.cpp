@@ -6,8 +6,7 @@ QStringList splitItemPath(const QString& path) {
     QStringList parts{QString()};
     for (int i = 0; i < path.size(); ++i) {
         const QChar character = path.at(i);
-        const bool isEscape =
-            character == u'\\' && i + 1 < path.size() && path.at(i + 1) == u'.';
+        const bool isEscape = character == u'\\' && i + 1 < path.size() && path.at(i + 1) == u'.';
         if (isEscape) {
             parts.last() += path.midRef(i, 2);
             ++i;

@@ -157,7 +157,8 @@ void poll(const std::shared_ptr<Wait>& wait) {
     }
     element.toolkit->scrollIntoView(element);
     lookTwice(element, wait->offset, [wait](const Readiness& readiness) {
-        const bool isOver = readiness.obstacle == goneText() || wait->clock.hasExpired(wait->timeout);
+        const bool isOver =
+            readiness.obstacle == goneText() || wait->clock.hasExpired(wait->timeout);
         if (readiness.isReady || isOver)
             wait->done(readiness);
         else

@@ -15,16 +15,21 @@ enum class Word { Type, Name, Text, Visible, Enabled, Window, Container, Buddy }
 struct WordEntry {
     const char* name;
     Word word;
-    /// Whether it is another spelling of an entry before it.
+    /// Whether it is another spelling of an entry beside it.
     bool isAlias;
+    const char* typeName;
 };
 
-constexpr WordEntry words[] = {
-    {"type", Word::Type, false},          {"name", Word::Name, true},
-    {"objectName", Word::Name, false},    {"text", Word::Text, false},
-    {"visible", Word::Visible, false},    {"enabled", Word::Enabled, false},
-    {"window", Word::Window, false},      {"parent", Word::Container, false},
-    {"container", Word::Container, true}, {"buddy", Word::Buddy, true}};
+constexpr WordEntry words[] = {{"type", Word::Type, false, "QString"},
+                               {"name", Word::Name, true, "QString"},
+                               {"objectName", Word::Name, false, "QString"},
+                               {"text", Word::Text, false, "QString"},
+                               {"visible", Word::Visible, false, "bool"},
+                               {"enabled", Word::Enabled, false, "bool"},
+                               {"window", Word::Window, false, "QObject*"},
+                               {"parent", Word::Container, false, "QObject*"},
+                               {"container", Word::Container, true, "QObject*"},
+                               {"buddy", Word::Buddy, false, "QObject*"}};
 
 const WordEntry* findWord(const QString& name) {
     for (const WordEntry& entry : words) {
@@ -114,14 +119,21 @@ QVariant propertyValue(const Element& element, const QString& name, bool* isKnow
     return isPlaceName(name) ? placeValue(element, name, isKnown) : QVariant();
 }
 
-QStringList allPropertyNames(const Element& element) {
-    QStringList names;
+QList<VocabularyWord> vocabulary() {
+    QList<VocabularyWord> list;
     for (const WordEntry& entry : words) {
         if (!entry.isAlias)
-            names.append(QString::fromLatin1(entry.name));
+            list.append({QString::fromLatin1(entry.name), QString::fromLatin1(entry.typeName)});
     }
     for (const char* each : placeNames)
-        names.append(QString::fromLatin1(each));
+        list.append({QString::fromLatin1(each), QStringLiteral("int")});
+    return list;
+}
+
+QStringList allPropertyNames(const Element& element) {
+    QStringList names;
+    for (const VocabularyWord& word : vocabulary())
+        names.append(word.name);
     for (const QString& name : element.toolkit->propertyNames(element)) {
         if (!names.contains(name))
             names.append(name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -22,6 +23,15 @@ namespace Tamrix::Agent {
 QVariant propertyValue(const Element& element, const QString& name, bool* isKnown);
 /// The names of all properties, those of the vocabulary first.
 QStringList allPropertyNames(const Element& element);
+
+/// A property that every element has, and the name of its type.
+struct VocabularyWord {
+    QString name;
+    QString typeName;
+};
+
+/// The properties of the vocabulary, without other spellings of the same.
+QList<VocabularyWord> vocabulary();
 
 /// The nearest parent that isn't of the toolkit's inner workings; null at the top.
 Element containerOf(const Element& element);

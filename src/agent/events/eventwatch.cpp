@@ -25,18 +25,18 @@ bool isOfClass(const Element& element, const QString& className) {
 
 void EventWatch::install(const Wire::EventHandler& handler, QObject* object,
                          const QSet<int>& types) {
-    const bool isThere =
-        std::any_of(m_entries.cbegin(), m_entries.cend(),
-                    [&](const Entry& entry) { return isSame(entry.handler, handler); });
+    const bool isThere = std::any_of(m_entries.cbegin(), m_entries.cend(), [&](const Entry& entry) {
+        return isSame(entry.handler, handler);
+    });
     if (!isThere)
         m_entries.append(Entry{handler, object, types});
     updateFilter();
 }
 
 bool EventWatch::uninstall(const Wire::EventHandler& handler) {
-    const auto end =
-        std::remove_if(m_entries.begin(), m_entries.end(),
-                       [&](const Entry& entry) { return isSame(entry.handler, handler); });
+    const auto end = std::remove_if(m_entries.begin(), m_entries.end(), [&](const Entry& entry) {
+        return isSame(entry.handler, handler);
+    });
     const bool isFound = end != m_entries.end();
     m_entries.erase(end, m_entries.end());
     updateFilter();

@@ -77,8 +77,7 @@ void Call::takeEnd() const {
 }
 
 QString notReadyText(const Element& element, const QString& obstacle) {
-    return QStringLiteral("%1 is not ready: %2")
-        .arg(Session::self()->describe(element), obstacle);
+    return QStringLiteral("%1 is not ready: %2").arg(Session::self()->describe(element), obstacle);
 }
 
 QString notReadyText(const ElementRef& element, const QString& obstacle) {

@@ -102,8 +102,9 @@ void setChecked(Call call, State wanted) {
         return;
     }
     if (wanted == State::Unchecked && state == State::Checked && staysChecked(element))
-        throw CallError(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 can't be unchecked: check another one instead").arg(name));
+        throw CallError(
+            Wire::FailureCode::Unsupported,
+            QStringLiteral("%1 can't be unchecked: check another one instead").arg(name));
     whenReady(call, element, offsetOf(element), [=](const ElementRef& ref, const QPoint& point) {
         auto* const queue = StepQueue::create();
         addActivation(queue, ref);

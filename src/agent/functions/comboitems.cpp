@@ -2,9 +2,9 @@
 #include <QComboBox>
 #include <QStyleOptionComboBox>
 
-#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
+#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/mousesteps.h"
@@ -19,7 +19,9 @@ QComboBox* boxOf(const ElementRef& ref) {
 
 int rowOf(const ElementRef& ref, const QString& text) {
     const QComboBox* const box = boxOf(ref);
-    return box == nullptr ? -1 : box->findText(unescapeItemText(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
+    return box == nullptr
+               ? -1
+               : box->findText(unescapeItemText(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
 }
 
 /// Where a click opens the box: an editable one has a field in its middle.
@@ -46,7 +48,8 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, con
         QComboBox* const box = boxOf(ref);
         const int row = rowOf(ref, text);
         if (box != nullptr && row >= 0)
-            box->view()->scrollTo(box->model()->index(row, box->modelColumn(), box->rootModelIndex()));
+            box->view()->scrollTo(
+                box->model()->index(row, box->modelColumn(), box->rootModelIndex()));
     });
     queue->add([queue, call, ref, text] {
         const QComboBox* const box = boxOf(ref);
@@ -57,7 +60,8 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, con
             return;
         }
         QWidget* const viewport = box->view()->viewport();
-        const QModelIndex index = box->model()->index(row, box->modelColumn(), box->rootModelIndex());
+        const QModelIndex index =
+            box->model()->index(row, box->modelColumn(), box->rootModelIndex());
         const QPoint point = viewport->mapToGlobal(box->view()->visualRect(index).center());
         const ElementRef target(Session::self()->element(viewport));
         addAnswer(queue, call);
@@ -87,11 +91,12 @@ bool selectComboItem(const Call& call, const Element& element, const QString& te
             if (!isOpen(ref))
                 addClick(queue, ref, point);
         });
-        queue->waitFor([ref] { return isOpen(ref); }, call.timeout(), [ref, call] {
-            call.responder()->fail(
-                Wire::FailureCode::NotReady,
-                notReadyText(ref, QStringLiteral("its list does not open")));
-        });
+        queue->waitFor([ref] { return isOpen(ref); }, call.timeout(),
+                       [ref, call] {
+                           call.responder()->fail(
+                               Wire::FailureCode::NotReady,
+                               notReadyText(ref, QStringLiteral("its list does not open")));
+                       });
         addItemClick(queue, call, ref, text);
         run(queue, call);
     });

@@ -1,9 +1,9 @@
 #include <QPointer>
 #include <QTreeView>
 
-#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
+#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
 
@@ -46,8 +46,7 @@ bool isWithinClosed(const ElementRef& ref, const Element& item) {
 }
 
 /// Adds steps that wait for the item, opening what holds it, and click it.
-void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view,
-                  const QString& text) {
+void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view, const QString& text) {
     const auto isThere = [view, text] {
         QString reason;
         const Element item = itemOf(view, text, &reason);
@@ -62,7 +61,8 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view,
                 queue, [view, text] { expandTowards(view, text); }, Qt::QueuedConnection);
             return false;
         },
-        call.timeout(), [call, view, text] {
+        call.timeout(),
+        [call, view, text] {
             QString reason;
             const Element found = itemOf(view, text, &reason);
             if (reason.isEmpty())

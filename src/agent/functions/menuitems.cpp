@@ -3,9 +3,9 @@
 #include <QMenuBar>
 #include <QPointer>
 
-#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
+#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
 
@@ -88,9 +88,8 @@ void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
     }
     const QPointer<QMenu> inner = action->menu();
     if (inner == nullptr) {
-        way.call.responder()->fail(
-            Wire::FailureCode::NotFound,
-            QStringLiteral("the menu item '%1' has no items").arg(name));
+        way.call.responder()->fail(Wire::FailureCode::NotFound,
+                                   QStringLiteral("the menu item '%1' has no items").arg(name));
         return;
     }
     // A click on an open menu's title would close it.

@@ -41,9 +41,9 @@ MouseStyle takeStyle(Call* call) {
         style.button = static_cast<Qt::MouseButton>(number);
         const bool isOne = number > 0 && (number & (number - 1)) == 0;
         if (!isOne || (number & static_cast<int>(Qt::AllButtons)) == 0)
-            throw CallError(Wire::FailureCode::BadArgument,
-                            QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
-                                .arg(number));
+            throw CallError(
+                Wire::FailureCode::BadArgument,
+                QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle").arg(number));
     } else if (call->hasText()) {
         const QString text = call->takeText("button");
         const Qt::MouseButton button = buttonOf(text);

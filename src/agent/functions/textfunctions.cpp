@@ -41,7 +41,7 @@ Field fieldOf(QObject* object) {
 }
 
 void addTyping(StepQueue* queue, const QString& text) {
-    const QVector<uint> characters = QString(text).replace(u"\r\n", u"\n").toUcs4();
+    const QVector<uint> characters = QString(text).remove(u'\r').toUcs4();
     for (const uint character : characters)
         queue->add([character] { Keyboard::self().type(character); });
 }

@@ -1,5 +1,5 @@
-#include <QMdiSubWindow>
 #include <qpa/qwindowsysteminterface.h>
+#include <QMdiSubWindow>
 
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
@@ -27,19 +27,22 @@ void closeWindow(Call call) {
     const Element window = element.toolkit->window(element);
     const bool isInner = qobject_cast<QMdiSubWindow*>(element.object) != nullptr;
     if (window.isNull() && !isInner)
-        throw CallError(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 is in no window")
-                            .arg(Session::self()->describe(element)));
+        throw CallError(
+            Wire::FailureCode::Unsupported,
+            QStringLiteral("%1 is in no window").arg(Session::self()->describe(element)));
     const ElementRef ref(isInner ? element : window);
 
     auto* const queue = StepQueue::create();
-    queue->waitFor([ref] { return isClosable(ref); }, call.timeout(), [ref, call] {
-        const Element late = ref.get();
-        const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
-        call.responder()->fail(
-            late.isNull() ? Wire::FailureCode::StaleObject : Wire::FailureCode::NotReady,
-            notReadyText(ref, obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle));
-    });
+    queue->waitFor(
+        [ref] { return isClosable(ref); }, call.timeout(),
+        [ref, call] {
+            const Element late = ref.get();
+            const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
+            call.responder()->fail(
+                late.isNull() ? Wire::FailureCode::StaleObject : Wire::FailureCode::NotReady,
+                notReadyText(ref,
+                             obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle));
+        });
     addAnswer(queue, call);
     if (isInner)
         queue->call([ref] {

@@ -1,10 +1,10 @@
 #include "agent/input/activation.h"
 
+#include <qpa/qwindowsysteminterface.h>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QWidget>
 #include <QWindow>
-#include <qpa/qwindowsysteminterface.h>
 
 #include "agent/input/windowstack.h"
 

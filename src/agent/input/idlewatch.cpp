@@ -1,12 +1,12 @@
 #include "agent/input/idlewatch.h"
 
+#include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QWindow>
 #include <climits>
-#include <qpa/qwindowsysteminterface.h>
 
 #include "agent/core/session.h"
 
@@ -91,7 +91,8 @@ void IdleWatch::endRound() {
 bool IdleWatch::eventFilter(QObject* object, QEvent* event) {
     // Timers that are not due at once (a blinking cursor) may always run.
     const auto* const timer = qobject_cast<QTimer*>(object);
-    const bool isLater = event->type() == QEvent::Timer && (timer == nullptr || timer->interval() > 0);
+    const bool isLater =
+        event->type() == QEvent::Timer && (timer == nullptr || timer->interval() > 0);
     if (!isLater && !isOfTheAgent(object))
         m_isQuiet = false;
     return QObject::eventFilter(object, event);

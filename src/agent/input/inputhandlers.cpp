@@ -1,6 +1,6 @@
+#include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <qpa/qwindowsysteminterface.h>
 
 #include "agent/core/handlers.h"
 #include "agent/core/session.h"
@@ -48,8 +48,7 @@ bool findPlace(const Wire::MouseEvent& request, const ResponderPtr& responder, Q
                             .arg(Session::self()->describe(element)));
         return false;
     }
-    *position =
-        (request.mask & hasCoordinates) != 0 ? bounds.topLeft() + given : bounds.center();
+    *position = (request.mask & hasCoordinates) != 0 ? bounds.topLeft() + given : bounds.center();
     return true;
 }
 
@@ -77,9 +76,8 @@ void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& respo
     const QVector<Key> keys = keysOfModifiers(extra);
     for (const Key& key : keys)
         queue->add([key] { Keyboard::self().press(key); });
-    queue->add([target = QPointer<QWindow>(window), position] {
-        Pointer::self().move(target, position);
-    });
+    queue->add(
+        [target = QPointer<QWindow>(window), position] { Pointer::self().move(target, position); });
     if (request.buttonChange)
         queue->add([button, isPress = request.press] {
             if (isPress)

@@ -15,10 +15,10 @@ struct Alias {
 
 // Names besides those of Qt::Key, in lower case.
 constexpr Alias aliases[] = {
-    {"ctrl", Qt::Key_Control},   {"win", Qt::Key_Meta},        {"super", Qt::Key_Meta},
-    {"windows", Qt::Key_Meta},   {"esc", Qt::Key_Escape},      {"del", Qt::Key_Delete},
-    {"ins", Qt::Key_Insert},     {"pgup", Qt::Key_PageUp},     {"pgdown", Qt::Key_PageDown},
-    {"pgdn", Qt::Key_PageDown},  {"page_up", Qt::Key_PageUp},  {"page_down", Qt::Key_PageDown},
+    {"ctrl", Qt::Key_Control},   {"win", Qt::Key_Meta},           {"super", Qt::Key_Meta},
+    {"windows", Qt::Key_Meta},   {"esc", Qt::Key_Escape},         {"del", Qt::Key_Delete},
+    {"ins", Qt::Key_Insert},     {"pgup", Qt::Key_PageUp},        {"pgdown", Qt::Key_PageDown},
+    {"pgdn", Qt::Key_PageDown},  {"page_up", Qt::Key_PageUp},     {"page_down", Qt::Key_PageDown},
     {"bksp", Qt::Key_Backspace}, {"caps_lock", Qt::Key_CapsLock},
 };
 
@@ -29,10 +29,8 @@ struct ModifierKey {
 
 // The order in which a combination presses them.
 constexpr ModifierKey modifierKeys[] = {
-    {Qt::Key_Control, Qt::ControlModifier},
-    {Qt::Key_Alt, Qt::AltModifier},
-    {Qt::Key_Meta, Qt::MetaModifier},
-    {Qt::Key_Shift, Qt::ShiftModifier},
+    {Qt::Key_Control, Qt::ControlModifier},   {Qt::Key_Alt, Qt::AltModifier},
+    {Qt::Key_Meta, Qt::MetaModifier},         {Qt::Key_Shift, Qt::ShiftModifier},
     {Qt::Key_AltGr, Qt::GroupSwitchModifier},
 };
 

@@ -18,7 +18,8 @@ using KeyCombination = QVector<Key>;
 /// for what names no key.
 KeyCombination parseKeys(const QString& text, QString* error);
 
-/// Reads "Ctrl+Shift"; an empty text is none. False, with `*error` set, for what names no modifiers.
+/// Reads "Ctrl+Shift"; an empty text is none. False, with `*error` set, for what names no
+/// modifiers.
 bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QString* error);
 
 /// The key that types a character, given as a Unicode code point.

@@ -63,8 +63,7 @@ void addDrag(StepQueue* queue, const ElementRef& element, const QPoint& from, co
     queue->add([] { Pointer::self().separateClicks(); });
     queue->add([button = style.button] { Pointer::self().press(button); });
     const QPoint way = to - from;
-    const int count =
-        qBound(leastDragSteps, way.manhattanLength() / dragStepLength, mostDragSteps);
+    const int count = qBound(leastDragSteps, way.manhattanLength() / dragStepLength, mostDragSteps);
     for (int i = 1; i <= count; ++i) {
         queue->pause(dragStepPause);
         queue->add([point = from + way * i / count] { Pointer::self().move(nullptr, point); });

@@ -1,9 +1,9 @@
 #include "agent/input/pointer.h"
 
-#include <QGuiApplication>
-#include <QStyleHints>
 #include <private/qhighdpiscaling_p.h>
 #include <qpa/qwindowsysteminterface.h>
+#include <QGuiApplication>
+#include <QStyleHints>
 
 #include "agent/input/eventtime.h"
 #include "agent/input/keyboard.h"

@@ -1,7 +1,7 @@
 #include "agent/input/stepqueue.h"
 
-#include <QMetaObject>
 #include <qpa/qwindowsysteminterface.h>
+#include <QMetaObject>
 
 #include "agent/core/session.h"
 

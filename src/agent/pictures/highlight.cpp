@@ -73,9 +73,8 @@ void Highlight::follow() {
         stop();
         return;
     }
-    const QRect bounds = element.toolkit->isVisible(element)
-                             ? element.toolkit->visibleBounds(element)
-                             : QRect();
+    const QRect bounds =
+        element.toolkit->isVisible(element) ? element.toolkit->visibleBounds(element) : QRect();
     if (bounds.isEmpty()) {
         m_window->hide();
         return;

@@ -117,9 +117,9 @@ void getPixmapAsImage(const QVariantList& arguments, const ResponderPtr& respond
         return;
     const QImage image = ownPicture(element);
     if (image.isNull()) {
-        responder->fail(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 has no picture of its own")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(
+            Wire::FailureCode::Unsupported,
+            QStringLiteral("%1 has no picture of its own").arg(Session::self()->describe(element)));
         return;
     }
     QByteArray bytes;
