@@ -167,9 +167,8 @@ const QList<CommandDescription>& commands() {
          "SUITE [CASE...]",
          "Runs the suite's test cases, or the named ones, in the suite's order.",
          {{reportOption,
-           "Writes a report of the run: json (the journal), junit (JUnit XML) or console; may be "
-           "given "
-           "several times.",
+           "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML) or "
+           "console; may be given several times.",
            reportValueName},
           {resultDirectoryOption,
            "Keeps attachments and the run's journal (journal.jsonl) in this folder.", "DIR"},
@@ -197,8 +196,8 @@ const QList<CommandDescription>& commands() {
          "JOURNAL --to FORMAT:PATH",
          "Makes reports from the journal of a run, also of one that was killed.",
          {{toOption,
-           "The report: json (the journal), junit (JUnit XML) or console; may be given several "
-           "times.",
+           "The report: html (a folder), json (the journal), junit (JUnit XML) or console; may be "
+           "given several times.",
            reportValueName}},
          1,
          1,

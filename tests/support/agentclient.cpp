@@ -105,8 +105,8 @@ bool AgentClient::acceptHello(int timeout) {
     m_channel.reset();
     if (!isReadable(m_listener, timeout))
         return false;
-    m_channel = std::make_unique<Wire::FrameChannel>(
-        ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC));
+    m_channel =
+        std::make_unique<Wire::FrameChannel>(::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC));
     const std::optional<Wire::Frame> frame = nextFrame(timeout);
     return frame && frame->type == Wire::MessageType::Hello &&
            Wire::decode(frame->body, &m_hello) && m_hello.token == token;

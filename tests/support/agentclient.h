@@ -34,6 +34,8 @@ public:
     /// As the last process announced itself.
     const Wire::Hello& hello() const { return m_hello; }
     Wire::FrameChannel& channel() { return *m_channel; }
+    /// Keeps the connection open beside the next one.
+    std::unique_ptr<Wire::FrameChannel> takeChannel() { return std::move(m_channel); }
 
     /// The next frame of the agent; none when it doesn't come in time or the connection ends.
     std::optional<Wire::Frame> nextFrame(int timeout = 20000);

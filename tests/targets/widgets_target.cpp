@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QGraphicsProxyWidget>
 #include <QGraphicsScene>
 #include <QGraphicsSimpleTextItem>
 #include <QGraphicsView>
@@ -117,6 +118,7 @@ private:
         new QTreeWidgetItem(top, {"v1.0"});
         layout->addWidget(tree, 0, 1);
         auto* const table = new QTableWidget(2000, 2);
+        table->setObjectName("table");
         table->setHorizontalHeaderLabels({"first", "second"});
         table->setItem(0, 1, new QTableWidgetItem("cell"));
         table->setItem(1900, 0, new QTableWidgetItem("deep"));

@@ -1,4 +1,5 @@
 #include "platform/testresult/htmldata.h"
+#include "base/textescape.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

@@ -1,4 +1,5 @@
 #include "platform/testresult/htmlreport.h"
+#include "base/textescape.h"
 
 #include <QDir>
 #include <QFile>

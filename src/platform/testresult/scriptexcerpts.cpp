@@ -1,4 +1,5 @@
 #include "platform/testresult/scriptexcerpts.h"
+#include "base/textescape.h"
 
 #include <QFile>
 #include <QFileInfo>
