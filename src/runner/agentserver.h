@@ -24,6 +24,8 @@ public:
 
     /// Listens, unless it does already. False with `*error` set on failure.
     bool listen(QString* error);
+    /// To be polled for reading; -1 before listen().
+    int descriptor() const { return m_listener; }
     QString folder() const { return m_folder; }
     QString socketPath() const;
     /// What agents have to show: random, new for each server.

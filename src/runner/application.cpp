@@ -47,8 +47,16 @@ Application::Application(int id, const QString& name, std::shared_ptr<AgentConne
     startTime = QDateTime::currentDateTime();
     commandLine = isMainProcess() ? m_program->start().commandLine()
                                   : commandWords(hello).join(QLatin1Char(' '));
+    m_model.connection().setEndText([this] { return endText(); });
     if (isMainProcess())
         m_model.connection().setProcessDescriptor(m_program->endDescriptor());
+}
+
+Application::~Application() {
+    // The objects that a script still holds keep the connection.
+    m_model.connection().setEndText({});
+    m_model.connection().setIdleHook({});
+    m_model.connection().setProcessDescriptor(-1);
 }
 
 bool Application::isMainProcess() {

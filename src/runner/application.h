@@ -15,6 +15,7 @@ public:
     /// applications when its children announce themselves, too.
     Application(int id, const QString& name, std::shared_ptr<AgentConnection> connection,
                 std::shared_ptr<StartedProgram> program);
+    ~Application() override;
 
     AgentConnection& connection() { return m_model.connection(); }
     RemoteModel& model() { return m_model; }

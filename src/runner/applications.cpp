@@ -273,7 +273,7 @@ void Applications::work() {
 
 void Applications::waitForNews(int milliseconds) {
     work();
-    std::vector<pollfd> watched;
+    std::vector<pollfd> watched{{m_server.descriptor(), POLLIN, 0}};
     for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
         if (application->valid)
             watched.push_back({application->connection().descriptor(), POLLIN, 0});

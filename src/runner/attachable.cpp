@@ -163,7 +163,6 @@ void Keeper::addAgent(int descriptor) {
 void Keeper::addRun(int descriptor) {
     auto channel = std::make_unique<FrameChannel>(descriptor);
     if (m_run && m_run->isOpen()) {
-        // Said as a hello that can't be: a run takes nothing else as first message.
         channel->sendBody(0, MessageType::Refusal,
                           Wire::Text{QStringLiteral("another run is attached")});
         return;

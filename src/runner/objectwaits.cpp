@@ -99,7 +99,7 @@ SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int
 
 SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
     return waitUntilFound(
-        QStringLiteral("The object"), true, timeout,
+        m_applications.owner(object), QStringLiteral("The object"), true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.lookUp(object, true, answer, error, lookTimeout);
         });
@@ -111,7 +111,7 @@ SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QStr
                              ? QStringLiteral("The item in row %1, column %2").arg(row).arg(column)
                              : QStringLiteral("Item '%1'").arg(item);
     return waitUntilFound(
-        what, true, timeout,
+        m_applications.owner(object), what, true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
         });

@@ -107,8 +107,7 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
     ProgramStart bus;
     display.program = findHelper(QStringLiteral("Xvfb"), QStringLiteral("xvfb"), &error);
     if (error.isEmpty())
-        bus.program =
-            findHelper(QStringLiteral("dbus-daemon"), QStringLiteral("dbus-daemon"), &error);
+        bus.program = findHelper(QStringLiteral("dbus-daemon"), QStringLiteral("dbus"), &error);
     if (!error.isEmpty())
         return error;
     m_cookieFile = folder + QLatin1String("/cookie");

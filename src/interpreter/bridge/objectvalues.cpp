@@ -26,6 +26,24 @@ SharedPtr<ScriptArgument> mapOf(ScriptContext* context, const QVariantMap& value
     return context->createMap(map);
 }
 
+/// Whether a language has the value, be it as text only.
+bool isScriptValue(const QVariant& value) {
+    switch (static_cast<QMetaType::Type>(value.userType())) {
+        case QMetaType::UnknownType:
+            return false;
+        case QMetaType::QStringList:
+        case QMetaType::QVariantList:
+        case QMetaType::QVariantHash:
+        case QMetaType::QVariantMap:
+        case QMetaType::Nullptr:
+        case QMetaType::Void:
+            return true;
+        default:
+            return value.userType() == qMetaTypeId<SharedPtr<Object>>() ||
+                   value.canConvert<QString>();
+    }
+}
+
 /// Names of the types whose values a script's value is turned into.
 bool isIntegerType(const QString& typeName) {
     static const QStringList names = {"int",      "uint",      "qlonglong", "qulonglong", "long",
@@ -91,7 +109,7 @@ SharedPtr<ScriptArgument> valueOfObject(ScriptContext* context, SharedPtr<Object
     if (!object || (object->isNull() && object->className() == QLatin1String("void")))
         return context->createNull();
     const QVariant value = object->toVariant();
-    return value.isValid() ? valueOfVariant(context, value) : context->createObject(object);
+    return isScriptValue(value) ? valueOfVariant(context, value) : context->createObject(object);
 }
 
 SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value) {

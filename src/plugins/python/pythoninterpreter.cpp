@@ -4,8 +4,10 @@
 #include <stdexcept>
 
 #include "plugins/python/conversion.h"
+#include "plugins/python/globalfunctions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
+#include "plugins/python/objecttype.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/scripterror.h"
@@ -55,6 +57,7 @@ PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
     try {
         m_context->initFunctions();
         initNativeAPI();
+        publishFunctionsOfApplication();
         if (!ScriptOutput::install(&m_output))
             throw PythonErrorSet();
     } catch (const PythonErrorSet&) {
@@ -161,6 +164,11 @@ void PythonInterpreter::setScriptArguments(const QString& scriptPath,
     if (!error.isEmpty())
         qWarning("Could not add the script's folder to the search path: %s",
                  error.toLocal8Bit().constData());
+}
+
+void PythonInterpreter::publishFunctionsOfApplication() {
+    m_knownModel = Inspector::self()->model();
+    publishGlobalFunctions(*this, m_knownModel);
 }
 
 // Running

@@ -9,7 +9,10 @@
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
 #include "plugins/python/frames.h"
+#include "plugins/python/globalfunctions.h"
 #include "plugins/python/nativeclasses.h"
+#include "plugins/python/objectcalls.h"
+#include "plugins/python/objecttype.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -158,7 +161,8 @@ PythonRuntime::PythonRuntime() {
 bool PythonRuntime::addTamrixModule() {
     return PyModule_SetDocString(m_module.get(), "Exceptions and types of the test system") == 0 &&
            addExceptions(m_module.get()) && addValueTypes(m_module.get()) &&
-           addNativeBase(m_module.get());
+           addObjectType(m_module.get()) && addMethodType(m_module.get()) &&
+           addGlobalFunctionType(m_module.get()) && addNativeBase(m_module.get());
 }
 
 void PythonRuntime::takeSnapshot() {

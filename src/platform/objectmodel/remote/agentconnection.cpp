@@ -90,6 +90,12 @@ bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered
 
 void AgentConnection::takeHello(const Frame& frame) {
     Wire::Hello hello;
+    Wire::Text reason;
+    // One that stands between runner and agent may have none to offer.
+    if (frame.type == MessageType::Refusal && Wire::decode(frame.body, &reason)) {
+        close(reason.text);
+        return;
+    }
     if (frame.type != MessageType::Hello || !Wire::decode(frame.body, &hello) ||
         hello.magic != Wire::magicNumber) {
         close(QStringLiteral("the other side is no agent"));
@@ -191,6 +197,9 @@ bool AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& dead
 // Requests
 
 RequestError AgentConnection::disconnected() const {
+    const QString endText = m_endText ? m_endText() : QString();
+    if (!endText.isEmpty())
+        return {RequestError::Kind::Disconnected, {}, endText};
     return {RequestError::Kind::Disconnected,
             {},
             QStringLiteral("The connection to the application has ended: %1").arg(errorText())};

@@ -66,6 +66,9 @@ public:
     void close(const QString& reason);
 
     void setIdleHook(const IdleHook& hook) { m_idleHook = hook; }
+    /// What tells how the application ended, better than the connection can; asked when a request
+    /// fails since the connection is closed. An empty text leaves it to the connection.
+    void setEndText(const std::function<QString()>& endText) { m_endText = endText; }
     /// A descriptor that becomes readable when the process ends, such as a pidfd: waits see the end
     /// at once. Not owned; -1 for none.
     void setProcessDescriptor(int descriptor) { m_processDescriptor = descriptor; }
@@ -119,6 +122,7 @@ private:
     QString m_token;
     Wire::Hello m_hello;
     IdleHook m_idleHook;
+    std::function<QString()> m_endText;
     QDeadlineTimer m_nextIdle;
     int m_processDescriptor = -1;
     int m_syncTimeout = 5000;
