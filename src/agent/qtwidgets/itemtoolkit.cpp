@@ -188,8 +188,7 @@ QStringList ItemToolkit::propertyNames(const Element& item) const {
 
 QRect ItemToolkit::globalBounds(const Element& item) const {
     const ItemPlace place = placeOfItem(item);
-    return place.widget ? QRect(place.widget->mapToGlobal(place.rect.topLeft()), place.rect.size())
-                        : QRect();
+    return place.widget ? globalRect(place.widget, place.rect) : QRect();
 }
 
 QRect ItemToolkit::visibleBounds(const Element& item) const {

@@ -36,6 +36,8 @@ public:
                  QString* reason) const override;
 };
 
+/// A rectangle of a widget on the screen, also of a widget in a graphics scene.
+QRect globalRect(const QWidget* widget, const QRect& rect);
 /// The part of a widget's rectangle that its parents do not cut off, on the screen.
 QRect shownPart(const QWidget* widget, const QRect& rect);
 /// The native window in which a widget is shown; null for none.
