@@ -12,8 +12,9 @@ void log(const QString& entry) {
     s_window->setProperty("log", before.isEmpty() ? entry : before + QStringLiteral("|") + entry);
 }
 
+/// "Ctrl+Shift+"
 QString modifierText(Qt::KeyboardModifiers modifiers) {
-    return QKeySequence(static_cast<int>(modifiers)).toString().remove(QStringLiteral("++"));
+    return QKeySequence(static_cast<int>(modifiers)).toString();
 }
 
 /// Tells of every mouse and key event.
@@ -37,15 +38,12 @@ protected:
                 const char* const name = event->type() == QEvent::MouseButtonPress     ? "press"
                                          : event->type() == QEvent::MouseButtonRelease ? "release"
                                                                                        : "double";
-                log(QStringLiteral("%1 %2,%3 %4 %5%6")
-                        .arg(QLatin1String(name))
+                log(QStringLiteral("%1%2 %3,%4 %5 %6")
+                        .arg(modifierText(mouse->modifiers()), QLatin1String(name))
                         .arg(mouse->x())
                         .arg(mouse->y())
                         .arg(mouse->button())
-                        .arg(mouse->buttons())
-                        .arg(modifierText(mouse->modifiers()).isEmpty()
-                                 ? QString()
-                                 : QStringLiteral(" ") + modifierText(mouse->modifiers())));
+                        .arg(mouse->buttons()));
                 break;
             }
             case QEvent::MouseMove: {
