@@ -18,6 +18,7 @@ public:
     Element parent(const Element& element) const override;
     Element window(const Element& element) const override;
     Element buddy(const Element& element) const override;
+    Element labelledField(const Element& element) const override;
     QString text(const Element& element) const override;
     bool isTextLasting(const Element& element) const override;
     bool isVisible(const Element& element) const override;
