@@ -199,6 +199,58 @@ void addChoices(QGridLayout* grid) {
     grid->addWidget(toggle, 6, 2);
 }
 
+class DragLabel : public QLabel {
+public:
+    DragLabel() : QLabel(QStringLiteral("Drag me")) {
+        setObjectName(QStringLiteral("dragLabel"));
+        setAcceptDrops(true);
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override { m_start = event->pos(); }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if ((event->pos() - m_start).manhattanLength() < QApplication::startDragDistance())
+            return;
+        QDrag drag(this);
+        auto* const data = new QMimeData;
+        data->setText(text());
+        drag.setMimeData(data);
+        log(drag.exec(Qt::CopyAction) == Qt::CopyAction ? QStringLiteral("dragged")
+                                                        : QStringLiteral("not dragged"));
+    }
+
+private:
+    QPoint m_start;
+};
+
+class DropLabel : public QLabel {
+public:
+    DropLabel() : QLabel(QStringLiteral("Drop here")) {
+        setObjectName(QStringLiteral("dropLabel"));
+        setAcceptDrops(true);
+    }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
+    void dropEvent(QDropEvent* event) override {
+        event->acceptProposedAction();
+        log(QStringLiteral("drop ") + event->mimeData()->text());
+    }
+};
+
+void addOthers(QGridLayout* grid) {
+    grid->addWidget(new DragLabel, 9, 0);
+    grid->addWidget(new DropLabel, 9, 1);
+    auto* const busy = makeButton("Busy", [] {
+        auto* const timer = new QTimer(s_window);
+        timer->start(0);
+    });
+    QPixmap red(16, 16);
+    red.fill(Qt::red);
+    busy->setIcon(red);
+    grid->addWidget(busy, 9, 2);
+}
+
 void addViews(QGridLayout* grid) {
     auto* const list = named<QListWidget>("list");
     for (int i = 0; i < 100; ++i) {
@@ -286,6 +338,7 @@ int main(int argc, char** argv) {
     addFields(grid);
     addChoices(grid);
     addViews(grid);
+    addOthers(grid);
     addMenus();
     window.setCentralWidget(center);
     window.show();
