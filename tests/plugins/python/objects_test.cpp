@@ -106,7 +106,7 @@ assert isNull(object.createNull('Button')) and not object.createNull('Button')
         {"c = []\nc.append(c)\nb.tags = c",
          "RecursionError: maximum recursion depth exceeded while a value is passed to an "
          "application"},
-        {"b.geometry.depth", "AttributeError: 'QRect' has no property or method 'depth'"},
+        {"b.geometry.q", "AttributeError: 'QRect' has no property or method 'q'"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code), error) << code;
