@@ -3,6 +3,8 @@
 #include <QDataStream>
 #include <QtGlobal>
 
+#include "wire/connection.h"
+
 /// What runner and agent agree on. Every number that goes over the connection stands here once.
 namespace Tamrix::Wire {
 
@@ -24,10 +26,8 @@ inline constexpr quint32 maximalHelloSize = 64U * 1024;
 /// How deep values and names may be nested in each other.
 inline constexpr int maximalDepth = 16;
 
-/// Where the agent finds its runner: the path of a local socket.
-inline constexpr char connectVariable[] = "TAMRIX_AGENT_CONNECT";
-/// What the agent shows to be let in.
-inline constexpr char tokenVariable[] = "TAMRIX_AGENT_TOKEN";
+/// How many elements a list may have, and how many values a value, nested ones included.
+inline constexpr quint32 maximalCount = 1'000'000;
 
 /// Types of messages. The struct of the same name in messages.h is the body; "->" names that of the
 /// reply. A request is answered by a Reply or a Failure with its sequence number.

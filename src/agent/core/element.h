@@ -34,3 +34,5 @@ struct Element {
 };
 
 }  // namespace Tamrix::Agent
+
+Q_DECLARE_TYPEINFO(Tamrix::Agent::Element, Q_MOVABLE_TYPE);

@@ -24,9 +24,14 @@ struct Readiness {
 /// The look before is remembered for each element, so a poll takes one look each; the first look at
 /// an element takes a second one some 20 ms later. `done` is called once, perhaps before this
 /// returns, from the GUI thread.
+/// An element that is only scrolled away is scrolled into view.
 /// `offset` is the wanted point relative to the element's bounds, null for its middle.
 void lookIfReady(const Element& element, const QPoint* offset,
                  std::function<void(const Readiness&)> done);
+
+/// What keeps the element from being used at any of its points, as above without its place and what
+/// covers it; empty for nothing. Scrolls it into view if that makes it visible.
+QString obstacleOf(const Element& element);
 
 /// Polls lookIfReady() every 50 ms until it is ready or `timeout` ms are over, then calls `done`
 /// once. Scrolls the element into view. Ends early, not ready, when the element is gone.

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "agent/core/element.h"
+#include "base/export.h"
 #include "wire/framechannel.h"
 #include "wire/messages.h"
 
@@ -16,9 +17,9 @@ class Toolkit;
 /// The one answer to a request, and the end of its work. Shared by whoever works on the request;
 /// the session takes the next request when finish() was called, or when the last copy is gone: a
 /// request that was not answered by then fails with FailureCode::Failed.
-class Responder {
+class TAMRIX_EXPORT Responder {
 public:
-    virtual ~Responder() = default;
+    virtual ~Responder();
 
     virtual void reply(const QByteArray& body = QByteArray()) = 0;
     virtual void fail(Wire::FailureCode code, const QString& text) = 0;
@@ -38,7 +39,7 @@ using ResponderPtr = std::shared_ptr<Responder>;
 
 /// The agent's side of the connection: takes requests one at a time, in order, from queued calls of
 /// the event loop, and knows all objects. One for each process. GUI thread only.
-class Session : public QObject {
+class TAMRIX_EXPORT Session : public QObject {
 public:
     /// Works on one request: answers now or later.
     using Handler = std::function<void(const QByteArray& body, const ResponderPtr& responder)>;
@@ -70,8 +71,11 @@ public:
     virtual void addToolkit(std::unique_ptr<Toolkit> toolkit) = 0;
     /// The element of an object, of the toolkit that knows it.
     virtual Element element(QObject* object) const = 0;
-    /// Every top-level element of all toolkits, in the stable order.
+    /// Every top-level element of all toolkits, visible or not: shown ones in the order in which
+    /// they were first shown, then those that never were.
     virtual QVector<Element> topLevels() const = 0;
+    /// Whether a toolkit has items of this type.
+    virtual bool isItemType(const QString& typeName) const = 0;
     /// The element's handle, made on first use; the same for the same element ever after.
     virtual quint64 handle(const Element& element) = 0;
     /// Handle, type and name, as they travel; handle 0 for a null element.

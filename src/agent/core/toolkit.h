@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include "agent/core/element.h"
+#include "base/export.h"
 #include "wire/messages.h"
 
 class QWindow;
@@ -17,9 +18,9 @@ namespace Tamrix::Agent {
 /// What the core asks about the elements of one toolkit: widgets, Qt Quick items, plain objects.
 /// Stateless; GUI thread only. Elements handed in are alive and of this toolkit. Coordinates are
 /// native screen pixels of the application's coordinate system (device independent ones of Qt).
-class Toolkit {
+class TAMRIX_EXPORT Toolkit {
 public:
-    virtual ~Toolkit() = default;
+    virtual ~Toolkit();
 
     /// Whether this toolkit knows the object; of several, the one registered last is asked first.
     virtual bool knows(const QObject* object) const = 0;
@@ -28,14 +29,16 @@ public:
     // The tree.
     /// Appends the top-level elements, visible or not.
     virtual void topLevels(QVector<Element>* elements) const = 0;
-    /// Appends the children in order of creation; items of a large model only as far as they are
-    /// shown or asked for: see `allItems`.
-    virtual void children(const Element& element, bool allItems,
+    /// Appends the children in order of creation. `withItems`: those that are no QObjects as well;
+    /// of a model with very many items only those that are shown, item() finds the others.
+    virtual void children(const Element& element, bool withItems,
                           QVector<Element>* elements) const = 0;
     /// Null for a top-level element.
     virtual Element parent(const Element& element) const = 0;
     /// The top-level window that shows the element; null when there is none.
     virtual Element window(const Element& element) const = 0;
+    /// The label that names a field; null for none.
+    virtual Element buddy(const Element& element) const;
     /// Whether the element is one that children() would still give: an item can vanish under it.
     virtual bool isAlive(const Element& element) const;
 
@@ -46,11 +49,16 @@ public:
     virtual QString name(const Element& element) const;
     /// What a person reads on it: label, title, content of a field. Mnemonic markers are left out.
     virtual QString text(const Element& element) const = 0;
-    /// Whether it is shown on the screen: itself, its parents, scrolled into view.
+    /// Whether the text tells the element from others: false for what a person types.
+    virtual bool isTextLasting(const Element& element) const;
+    /// Whether it is shown: itself, its parents, its window. What is only scrolled out of sight is
+    /// visible, so that scrolling does not change what a name means; its visibleBounds() are empty.
     virtual bool isVisible(const Element& element) const = 0;
     virtual bool isEnabled(const Element& element) const = 0;
     /// Whether it is of the toolkit's inner workings, left out of names and trees.
     virtual bool isInternal(const Element& element) const;
+    /// Whether it has no part in what is shown: a timer, a model.
+    virtual bool isPlain(const Element& element) const;
     /// A property of a tester's vocabulary or of the object's class. `*isKnown` tells whether there
     /// is one of that name. Objects come as Wire::ObjectInfo only through Session::info().
     virtual QVariant property(const Element& element, const QString& name, bool* isKnown) const;
@@ -77,6 +85,8 @@ public:
     virtual QImage grab(const Element& element) const = 0;
 
     // Items.
+    /// Whether items of this type exist: a look-up leaves items out when its type is none.
+    virtual bool isItemType(const QString& typeName) const;
     /// The item of a view, menu, bar or box; `text` null: by row and column. Null when there is
     /// none, with a reason.
     virtual Element item(const Element& view, const QString& text, int row, int column,

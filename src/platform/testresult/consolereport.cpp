@@ -6,6 +6,7 @@
 #include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
+#include "platform/testresult/runsummary.h"
 
 namespace Tamrix {
 
@@ -197,36 +198,18 @@ void ConsoleReport::addIncompleteCases() {
 }
 
 void ConsoleReport::addSummary() {
-    const int caseCount = m_tally.caseCount();
-    QStringList outcomes;
-    for (const OutcomeLabel& row : outcomeLabels) {
-        if (const int count = m_tally.caseCount(row.outcome))
-            outcomes += QStringLiteral("%1 %2").arg(count).arg(outcomeText(row.outcome));
-    }
-    QString cases =
-        caseCount == 1 ? QStringLiteral("1 case") : QStringLiteral("%1 cases").arg(caseCount);
-    if (!outcomes.isEmpty())
-        cases += QLatin1String(": ") + outcomes.join(QLatin1String(", "));
-
-    QStringList results;
-    for (const ResultTypeInfo& info : resultTypes) {
-        if (const int count = m_tally.resultCount(info.type))
-            results += QStringLiteral("%1 %2").arg(QLatin1String(info.category)).arg(count);
-    }
-
-    const bool isGood =
-        !m_tally.anyFailure() && !m_tally.isInterrupted() && !m_tally.isIncomplete();
-    if (m_verbosity != Verbosity::Quiet || !isGood)
+    if (m_verbosity != Verbosity::Quiet || !isGood(m_tally))
         addLine(QString());
-    addLine(cases, 0, isGood ? green : red);
-    if (const int count = m_tally.failureCountOutsideCases())
-        addLine(QStringLiteral("Failures outside the cases: %1").arg(count), 0, red);
+    addLine(caseSummary(m_tally), 0, isGood(m_tally) ? green : red);
+    const QString outside = outsideSummary(m_tally);
+    if (!outside.isEmpty())
+        addLine(outside, 0, red);
+    const QString results = resultSummary(m_tally);
     if (!results.isEmpty())
-        addLine(QStringLiteral("Results: ") + results.join(QLatin1String(", ")));
-    if (m_tally.isInterrupted())
-        addLine(QStringLiteral("The run was interrupted."), 0, red);
-    else if (m_tally.isIncomplete())
-        addLine(QStringLiteral("The run did not come to its end."), 0, red);
+        addLine(QStringLiteral("Results: ") + results);
+    const QString end = endSummary(m_tally);
+    if (!end.isEmpty())
+        addLine(end, 0, red);
     addLine(QStringLiteral("Time: ") + secondsText(m_tally.seconds()));
 }
 

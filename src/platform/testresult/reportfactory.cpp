@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <cstdio>
 
+#include "platform/testresult/htmlreport.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/junitreport.h"
 #include "platform/testresult/reporttarget.h"
@@ -51,6 +52,7 @@ struct Format {
 
 const Format formats[] = {
     {"console", false, createConsoleReport},
+    {"html", true, createFileReport<HtmlReport>},
     {"json", true, createFileReport<JournalReport>},
     {"junit", true, createFileReport<JUnitReport>},
 };

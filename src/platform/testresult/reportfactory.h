@@ -24,6 +24,7 @@ TAMRIX_EXPORT QString parseReportDescription(const QString& text, ReportDescript
 ///
 ///     console        on standard output; also "console:" and "console:-"
 ///     console:PATH   the same text in a file
+///     html:DIR       a folder with index.html and what belongs to it, written at the end
 ///     json:PATH      the journal, which begins at once and replaces the file
 ///     junit:PATH     JUnit XML, written at the end
 ///

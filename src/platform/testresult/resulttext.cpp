@@ -8,12 +8,8 @@ namespace Tamrix {
 
 namespace {
 
-QString commentText(const ReportEntry& entry) {
-    const ResultTypeInfo* info = resultTypeInfo(entry.type);
-    if (entry.extra.isEmpty() || entry.type == TestResult::Skipped)
-        return QString();
-    return info && info->isVerdict ? QStringLiteral("Comment: ") + entry.extra : entry.extra;
-}
+const QLatin1String screenshotBeginning(" (Screenshot in '");
+const QLatin1String screenshotEnd("')");
 
 }  // namespace
 
@@ -27,6 +23,13 @@ QString messageText(const ReportEntry& entry) {
     if (entry.message.isEmpty() || entry.detail.isEmpty())
         return entry.message + entry.detail;
     return entry.message + QLatin1String(": ") + entry.detail;
+}
+
+QString commentText(const ReportEntry& entry) {
+    const ResultTypeInfo* info = resultTypeInfo(entry.type);
+    if (entry.extra.isEmpty() || entry.type == TestResult::Skipped)
+        return QString();
+    return info && info->isVerdict ? QStringLiteral("Comment: ") + entry.extra : entry.extra;
 }
 
 QString describeResult(const ReportEntry& entry) {
@@ -50,6 +53,22 @@ QString describeResult(const ReportEntry& entry) {
             lines += QStringLiteral("called from ") + caller;
     }
     return lines.join(QLatin1Char('\n'));
+}
+
+QString screenshotNote(const QString& path) {
+    return screenshotBeginning + path + screenshotEnd;
+}
+
+QString takeScreenshotNote(QString* message) {
+    const int begin = message->lastIndexOf(screenshotBeginning);
+    if (begin < 0 || !message->endsWith(screenshotEnd))
+        return QString();
+    const int pathBegin = begin + screenshotBeginning.size();
+    const int length = message->size() - screenshotEnd.size() - pathBegin;
+    const QString path = message->mid(pathBegin, qMax(0, length));
+    if (!path.isEmpty())
+        message->truncate(begin);
+    return path;
 }
 
 }  // namespace Tamrix

@@ -15,6 +15,10 @@ TAMRIX_EXPORT QString positionText(const LineInfo& position);
 /// Message and detail in one: "MESSAGE: DETAIL", or the one of the two that is not empty.
 TAMRIX_EXPORT QString messageText(const ReportEntry& entry);
 
+/// "Comment: COMMENT" for the comment of a verdict, the extra text of other results; empty when
+/// there is none.
+TAMRIX_EXPORT QString commentText(const ReportEntry& entry);
+
 /// A result in full, without a line feed at the end:
 ///
 ///     FILE:LINE: TYPE: MESSAGE
@@ -25,5 +29,11 @@ TAMRIX_EXPORT QString messageText(const ReportEntry& entry);
 /// Lines that would be empty are left out; the last form stands once for each further position of
 /// the call stack. Texts may have lines of their own.
 TAMRIX_EXPORT QString describeResult(const ReportEntry& entry);
+
+/// What a message ends with when a screenshot belongs to it: " (Screenshot in 'PATH')".
+TAMRIX_EXPORT QString screenshotNote(const QString& path);
+
+/// Takes such a note from the end of a message and returns its path; empty when there is none.
+TAMRIX_EXPORT QString takeScreenshotNote(QString* message);
 
 }  // namespace Tamrix

@@ -35,7 +35,11 @@ public:
         Warning = 14
     };
 
-    enum AttachmentType { FileAttachment = 1, ImageAttachment = 2 };
+    enum AttachmentType {
+        FileAttachment = 1,
+        ImageAttachment = 2,
+        OutputAttachment = 3  ///< what an application wrote to its standard output or error
+    };
 
     /// `generator` is not owned, must live longer, and may be null; entries are then only counted.
     explicit TestResult(ReportGenerator* generator);

@@ -5,6 +5,7 @@
 #include <QImageWriter>
 #include <memory>
 
+#include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 
 namespace Tamrix {
@@ -102,7 +103,7 @@ QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType ty
         file->remove();
         return QString();
     }
-    return QStringLiteral(" (Screenshot in '%1')").arg(QDir::toNativeSeparators(path));
+    return screenshotNote(QDir::toNativeSeparators(path));
 }
 
 }  // namespace Tamrix

@@ -22,17 +22,23 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
         QString text;
         QString error;
     } rows[] = {
-        {"", "Unknown report format '' in ''; the known ones are console, json, junit"},
-        {"html:x",
-         "Unknown report format 'html' in 'html:x'; the known ones are console, json, junit"},
+        {"", "Unknown report format '' in ''; the known ones are console, html, json, junit"},
+        {"htm:x",
+         "Unknown report format 'htm' in 'htm:x'; the known ones are console, html, json, junit"},
         {"out.xml",
-         "Unknown report format 'out.xml' in 'out.xml'; the known ones are console, json, junit"},
+         "Unknown report format 'out.xml' in 'out.xml'; the known ones are console, html, json, "
+         "junit"},
         {"json", "The report format 'json' needs a path: json:PATH"},
         {"junit:", "The report format 'junit' needs a path: junit:PATH"},
         {"junit:" + blocked,
          QString("The report '%1' can't be written: the directory '%2' could not "
                  "be created")
              .arg(blocked, directory.filePath("f"))},
+        {"html:", "The report format 'html' needs a path: html:PATH"},
+        {"html:" + blocked,
+         QString("The report '%1/index.html' can't be written: the directory '%1' could not "
+                 "be created")
+             .arg(blocked)},
         {"json:/", "The report '/' can't be written: it is a directory"},
         {"console:/", "The report '/' can't be written: it is a directory"},
     };
@@ -47,7 +53,8 @@ TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     QTemporaryDir directory;
     const WorkingDirectory atStart(directory.path());
     CompositeReport all;
-    for (const char* text : {"json:r/a:b.journal", "junit:r/j.xml", "console:r/c.txt"}) {
+    for (const char* text :
+         {"json:r/a:b.journal", "html:r/h", "junit:r/j.xml", "console:r/c.txt"}) {
         QString error;
         all.append(createReportGenerator(text, &error));
         EXPECT_EQ(error, QString());
@@ -58,6 +65,7 @@ TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     EXPECT_EQ(all.errorText(), QString());
     EXPECT_TRUE(readFile(directory.filePath("r/a:b.journal")).startsWith("{\"format\""));
     EXPECT_TRUE(readFile(directory.filePath("r/j.xml")).contains("<testsuites"));
+    EXPECT_TRUE(readFile(directory.filePath("r/h/index.html")).contains("suite_shop"));
     EXPECT_TRUE(readFile(directory.filePath("r/c.txt")).startsWith("Suite suite_shop\n"));
 }
 

@@ -1,0 +1,32 @@
+"""Fills in a dialog that a menu opens, and looks at the table that it fills."""
+
+
+def add(name, address):
+    selectItem("{type='QMenuBar'}", r"Tools.Add Entry\.\.\.")
+    fill("{type='QLineEdit' window=':AddContact'}", name)
+    fill("{type='QTextEdit' window=':AddContact'}", address)
+    click("{type='QPushButton' text='OK' window=':AddContact'}")
+
+
+def main():
+    startApplication("addressbook")
+
+    add("Ada", "12 St James's Square, London")
+    add("Grace", "Arlington")
+
+    test.startSection("The tab ABC has Ada alone")
+    selectItem("{type='QTabBar'}", "ABC")
+    table = waitForObject("{type='QTableView' visible='true'}")
+    test.compare(waitForObjectItem(table, 0, 0).text, "Ada")
+    test.compare(waitForObjectItem(table, 0, 1).text, "12 St James's Square, London")
+    test.verify(not object.exists("{text='Grace' container={type='QTableView' visible='true'}}"))
+    test.endSection()
+
+    test.startSection("A selected entry can be removed")
+    remove = "{type='QAction' text='Remove Entry'}"
+    test.verify(not findObject(remove).enabled, "nothing is selected yet")
+    selectItem(table, "Ada")
+    test.verify(findObject(remove).enabled, "Ada is selected")
+    selectItem("{type='QMenuBar'}", "Tools.Remove Entry")
+    test.verify(waitFor(lambda: not object.exists("{text='Ada'}"), 5000), "Ada is gone")
+    test.endSection()

@@ -1,0 +1,258 @@
+#include "agent/core/agentsession.h"
+
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QSysInfo>
+#include <QWindow>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <tuple>
+
+namespace Tamrix::Agent {
+
+namespace {
+
+AgentSession* s_session = nullptr;
+
+/// The answer to one request over the session, which may end before the request does.
+class FrameResponder : public Responder {
+public:
+    FrameResponder(AgentSession* session, quint32 sequence, quint64 number)
+        : m_session(session), m_sequence(sequence), m_number(number) {}
+    FrameResponder(const FrameResponder&) = delete;
+    FrameResponder& operator=(const FrameResponder&) = delete;
+    ~FrameResponder() override {
+        if (!m_isAnswered)
+            FrameResponder::fail(Wire::FailureCode::Failed,
+                                 QStringLiteral("the request was not answered"));
+        FrameResponder::finish();
+    }
+
+    void reply(const QByteArray& body) override { answer(Wire::MessageType::Reply, body); }
+    void fail(Wire::FailureCode code, const QString& text) override {
+        Wire::Failure failure;
+        failure.code = code;
+        failure.text = text;
+        answer(Wire::MessageType::Failure, Wire::encode(failure));
+    }
+    void finish() override {
+        if (m_session)
+            m_session->finish(m_number);
+    }
+    bool isWanted() const override { return m_session && m_session->isOpen(); }
+
+private:
+    void answer(Wire::MessageType type, const QByteArray& body) {
+        if (m_isAnswered)
+            return;
+        m_isAnswered = true;
+        if (m_session)
+            m_session->answer(m_sequence, type, body);
+    }
+
+    QPointer<AgentSession> m_session;
+    quint32 m_sequence;
+    quint64 m_number;
+    bool m_isAnswered = false;
+};
+
+}  // namespace
+
+Session* Session::self() {
+    return s_session;
+}
+
+AgentSession::AgentSession(int descriptor, const QString& token) : m_channel(descriptor) {
+    s_session = this;
+    m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { read(); });
+    sayHello(token);
+}
+
+AgentSession::~AgentSession() {
+    s_session = nullptr;
+}
+
+void AgentSession::sayHello(const QString& token) {
+    Wire::Hello hello;
+    hello.token = token;
+    hello.pid = ::getpid();
+    hello.parentPid = ::getppid();
+    hello.program = QCoreApplication::applicationFilePath();
+    hello.arguments = QCoreApplication::arguments().mid(1);
+    hello.qtVersion = QString::fromLatin1(qVersion());
+    hello.platform = QGuiApplication::platformName();
+    hello.osName = QSysInfo::prettyProductName();
+    m_channel.sendBody(0, Wire::MessageType::Hello, hello);
+    if (!m_channel.isOpen())
+        goSilent();
+}
+
+void AgentSession::read() {
+    const bool isOpen = m_channel.receive();
+    while (std::optional<Wire::Frame> frame = m_channel.takeFrame()) {
+        if (!m_isWelcome)
+            takeHandshake(*frame);
+        else if (frame->type == Wire::MessageType::Ping)
+            answer(frame->sequence, Wire::MessageType::Reply, QByteArray());
+        else
+            m_requests.enqueue(*frame);
+    }
+    if (!isOpen || !m_channel.isOpen())
+        goSilent();
+    else
+        scheduleNext();
+}
+
+void AgentSession::takeHandshake(const Wire::Frame& frame) {
+    if (frame.type == Wire::MessageType::Welcome) {
+        m_isWelcome = true;
+        return;
+    }
+    Wire::Text refusal;
+    if (frame.type != Wire::MessageType::Refusal || !Wire::decode(frame.body, &refusal))
+        refusal.text = QStringLiteral("what answered is no runner");
+    std::fprintf(stderr, "tamrixagent: not let in: %s\n", qPrintable(refusal.text));
+    m_channel.close();
+}
+
+void AgentSession::goSilent() {
+    m_channel.close();
+    m_requests.clear();
+    if (m_notifier) {
+        m_notifier->setEnabled(false);
+        // It may be the one that called.
+        m_notifier.release()->deleteLater();
+    }
+}
+
+void AgentSession::scheduleNext() {
+    if (m_isScheduled || m_current != 0 || m_requests.isEmpty())
+        return;
+    m_isScheduled = true;
+    QMetaObject::invokeMethod(
+        this, [this] { workOnNext(); }, Qt::QueuedConnection);
+}
+
+void AgentSession::workOnNext() {
+    m_isScheduled = false;
+    if (m_current != 0 || m_requests.isEmpty())
+        return;
+    const Wire::Frame frame = m_requests.dequeue();
+    m_current = ++m_lastNumber;
+    auto responder = std::make_shared<FrameResponder>(this, frame.sequence, m_current);
+    const Handler handler = m_handlers.value(static_cast<int>(frame.type));
+    if (!handler) {
+        responder->fail(Wire::FailureCode::BadRequest,
+                        QStringLiteral("the agent knows no request of type %1")
+                            .arg(static_cast<int>(frame.type)));
+        return;
+    }
+    // Code of the application runs below the handler; nothing it throws may pass Qt's event loop.
+    try {
+        handler(frame.body, responder);
+    } catch (const std::exception& error) {
+        responder->fail(Wire::FailureCode::Failed, QString::fromLocal8Bit(error.what()));
+    } catch (...) {
+        responder->fail(Wire::FailureCode::Failed,
+                        QStringLiteral("the application threw an exception of unknown type"));
+    }
+}
+
+void AgentSession::answer(quint32 sequence, Wire::MessageType type, const QByteArray& body) {
+    if (m_channel.isOpen() && !m_channel.send(sequence, type, body))
+        goSilent();
+}
+
+void AgentSession::finish(quint64 number) {
+    if (m_current != number)
+        return;
+    m_current = 0;
+    scheduleNext();
+}
+
+void AgentSession::setHandler(Wire::MessageType type, Handler handler) {
+    m_handlers.insert(static_cast<int>(type), std::move(handler));
+}
+
+void AgentSession::sendEvent(const Wire::EventFired& event) {
+    if (m_isWelcome)
+        answer(0, Wire::MessageType::EventFired, Wire::encode(event));
+}
+
+void AgentSession::addToolkit(std::unique_ptr<Toolkit> toolkit) {
+    m_toolkits.push_back(std::move(toolkit));
+}
+
+Element AgentSession::element(QObject* object) const {
+    if (!object)
+        return {};
+    for (auto toolkit = m_toolkits.crbegin(); toolkit != m_toolkits.crend(); ++toolkit) {
+        if ((*toolkit)->knows(object))
+            return (*toolkit)->element(object);
+    }
+    return {};
+}
+
+QVector<Element> AgentSession::topLevels() const {
+    QVector<Element> elements;
+    for (const auto& toolkit : m_toolkits)
+        toolkit->topLevels(&elements);
+    // Native windows are listed in the order in which they were made, which is at the first
+    // showing. What has none is told apart by what does not change from run to run.
+    const QWindowList windows = QGuiApplication::allWindows();
+    struct Place {
+        Element element;
+        int window;
+        QString type;
+        QString name;
+    };
+    std::vector<Place> places;
+    places.reserve(static_cast<size_t>(elements.size()));
+    for (const Element& each : elements) {
+        const int index = windows.indexOf(each.toolkit->nativeWindow(each));
+        places.push_back({each, index < 0 ? windows.size() : index, each.toolkit->typeName(each),
+                          each.toolkit->name(each)});
+    }
+    std::stable_sort(places.begin(), places.end(), [](const Place& left, const Place& right) {
+        return std::tie(left.window, left.type, left.name) <
+               std::tie(right.window, right.type, right.name);
+    });
+    elements.clear();
+    for (const Place& place : places)
+        elements.append(place.element);
+    return elements;
+}
+
+bool AgentSession::isItemType(const QString& typeName) const {
+    return std::any_of(m_toolkits.cbegin(), m_toolkits.cend(),
+                       [&typeName](const auto& toolkit) { return toolkit->isItemType(typeName); });
+}
+
+Wire::ObjectInfo AgentSession::info(const Element& element) {
+    Wire::ObjectInfo info;
+    if (element.isNull())
+        return info;
+    info.handle = handle(element);
+    info.className = element.toolkit->typeName(element);
+    info.objectName = element.toolkit->name(element);
+    return info;
+}
+
+QString AgentSession::describe(const Element& element) const {
+    if (element.isNull())
+        return QStringLiteral("no object");
+    QString label = element.toolkit->text(element);
+    if (label.isEmpty())
+        label = element.toolkit->name(element);
+    constexpr int longest = 40;
+    if (label.size() > longest)
+        label = label.left(longest) + QStringLiteral("...");
+    const QString type = element.toolkit->typeName(element);
+    return label.isEmpty() ? type : QStringLiteral("%1 '%2'").arg(type, label.simplified());
+}
+
+}  // namespace Tamrix::Agent

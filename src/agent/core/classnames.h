@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QMetaObject>
+#include <QString>
+#include <QStringList>
+
+#include "base/export.h"
+
+namespace Tamrix::Agent {
+
+/// The class name as testers know it: without what the QML engine appends to the classes that it
+/// makes ("Button_QMLTYPE_12", "Main_QML_3"), which differs from run to run.
+TAMRIX_EXPORT QString typeNameOf(const QMetaObject* metaObject);
+/// The names of the base classes, the nearest first; a name that comes twice in a row, as for a
+/// generated class of a type of the same name, comes once.
+TAMRIX_EXPORT QStringList superTypesOf(const QMetaObject* metaObject);
+
+}  // namespace Tamrix::Agent

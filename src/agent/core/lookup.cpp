@@ -1,0 +1,278 @@
+#include "agent/core/lookup.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "agent/core/session.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/vocabulary.h"
+#include "agent/core/walk.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+/// How dear a criterion is; cheap ones are looked at first.
+enum class Cost { Type, Name, Text, Property, Relation };
+
+Cost costOf(const QString& property) {
+    static const QHash<QString, Cost> s_costs = {
+        {QStringLiteral("type"), Cost::Type},          {QStringLiteral("name"), Cost::Name},
+        {QStringLiteral("objectName"), Cost::Name},    {QStringLiteral("text"), Cost::Text},
+        {QStringLiteral("window"), Cost::Relation},    {QStringLiteral("parent"), Cost::Relation},
+        {QStringLiteral("container"), Cost::Relation}, {QStringLiteral("buddy"), Cost::Relation},
+        {QStringLiteral("ancestor"), Cost::Relation}};
+    return s_costs.value(property, Cost::Property);
+}
+
+/// Where a match stands among the others.
+struct Match {
+    Element element;
+    int window = 0;
+    QPoint place;
+};
+
+/// The occurrence-th of the matches in the stable order, which they are in by creation already.
+Element pick(std::vector<Match>* matches, int occurrence) {
+    if (occurrence < 1 || static_cast<size_t>(occurrence) > matches->size())
+        return {};
+    if (matches->size() > 1) {
+        for (Match& match : *matches)
+            match.place = match.element.toolkit->globalBounds(match.element).topLeft();
+        std::stable_sort(matches->begin(), matches->end(), [](const Match& a, const Match& b) {
+            return std::make_tuple(a.window, a.place.y(), a.place.x()) <
+                   std::make_tuple(b.window, b.place.y(), b.place.x());
+        });
+    }
+    return (*matches)[static_cast<size_t>(occurrence) - 1].element;
+}
+
+}  // namespace
+
+struct ObjectFinder::Criterion {
+    QString property;
+    Cost cost = Cost::Property;
+    QString wanted;
+    bool isPlain = true;
+    Wire::TextMatch match;
+    /// Finds the wanted object of a relation; null when a text is wanted.
+    std::unique_ptr<ObjectFinder> finder;
+    Element related;
+
+    bool textMatches(const QString& text) const {
+        return isPlain ? text == wanted : match.matches(text);
+    }
+};
+
+ObjectFinder::ObjectFinder(const Wire::Query& query) : m_occurrence(query.occurrence) {
+    for (const Wire::Criterion& wanted : query.criteria)
+        add(wanted);
+    std::stable_sort(
+        m_criteria.begin(), m_criteria.end(),
+        [](const Criterion& left, const Criterion& right) { return left.cost < right.cost; });
+}
+
+ObjectFinder::~ObjectFinder() = default;
+
+void ObjectFinder::add(const Wire::Criterion& wanted) {
+    Criterion criterion;
+    criterion.property = wanted.property;
+    criterion.cost = costOf(wanted.property);
+    criterion.wanted = wanted.text;
+    criterion.isPlain = wanted.modifier == Wire::TextMatch::Plain;
+    if (wanted.object) {
+        criterion.finder = std::make_unique<ObjectFinder>(*wanted.object);
+        if (m_errorText.isEmpty())
+            m_errorText = criterion.finder->errorText();
+        if (criterion.cost != Cost::Relation)
+            m_errorText = QStringLiteral("the property '%1' is no object").arg(wanted.property);
+    } else if (!criterion.isPlain) {
+        criterion.match = Wire::TextMatch(wanted.text, wanted.modifier);
+        if (m_errorText.isEmpty())
+            m_errorText = criterion.match.errorText();
+    }
+    m_asksVisible |= wanted.property == QLatin1String("visible");
+    m_criteria.push_back(std::move(criterion));
+}
+
+bool ObjectFinder::mayItemsMatch() const {
+    for (const Criterion& criterion : m_criteria) {
+        if (criterion.cost == Cost::Type && criterion.isPlain &&
+            !Session::self()->isItemType(criterion.wanted))
+            return false;
+        // Items have no names.
+        if (criterion.cost == Cost::Name && criterion.isPlain && !criterion.wanted.isEmpty())
+            return false;
+    }
+    return true;
+}
+
+bool ObjectFinder::typeMatches(const Criterion& criterion, const Element& element) {
+    if (element.isItem())
+        return criterion.textMatches(element.toolkit->typeName(element));
+    // Many objects are of few classes: the class's name is compared once.
+    const QMetaObject* const metaObject = element.object->metaObject();
+    if (metaObject != m_lastClass) {
+        const auto known = m_matchingTypes.constFind(metaObject);
+        m_lastClass = metaObject;
+        m_lastMatched =
+            known != m_matchingTypes.cend()
+                ? *known
+                : *m_matchingTypes.insert(
+                      metaObject, criterion.textMatches(element.toolkit->typeName(element)));
+    }
+    return m_lastMatched;
+}
+
+bool ObjectFinder::relationMatches(const Criterion& criterion, const Element& element) const {
+    const auto isWanted = [&criterion](const Element& related) {
+        if (related.isNull())
+            return false;
+        if (criterion.finder)
+            return related == criterion.related;
+        return criterion.textMatches(related.toolkit->text(related)) ||
+               criterion.textMatches(related.toolkit->name(related));
+    };
+    if (criterion.property != QLatin1String("ancestor"))
+        return isWanted(relatedElement(element, criterion.property));
+    for (Element each = element.toolkit->parent(element); !each.isNull();
+         each = each.toolkit->parent(each)) {
+        if (isWanted(each))
+            return true;
+    }
+    return false;
+}
+
+bool ObjectFinder::matches(const Criterion& criterion, const Element& element) {
+    switch (criterion.cost) {
+        case Cost::Type:
+            return typeMatches(criterion, element);
+        case Cost::Name:
+            return criterion.textMatches(element.toolkit->name(element));
+        case Cost::Text:
+            return criterion.textMatches(element.toolkit->text(element));
+        case Cost::Relation:
+            return relationMatches(criterion, element);
+        case Cost::Property:
+            break;
+    }
+    bool isKnown = false;
+    const QVariant value = propertyValue(element, criterion.property, &isKnown);
+    if (!isKnown)
+        return false;
+    const QString text = valueText(value);
+    return criterion.isPlain ? text == normalizedWanted(value, criterion.wanted)
+                             : criterion.textMatches(text);
+}
+
+bool ObjectFinder::matches(const Element& element) {
+    return std::all_of(m_criteria.cbegin(), m_criteria.cend(),
+                       [&](const Criterion& criterion) { return matches(criterion, element); });
+}
+
+bool ObjectFinder::resolveRelations() {
+    bool areFound = true;
+    for (Criterion& criterion : m_criteria) {
+        if (criterion.finder) {
+            criterion.related = criterion.finder->find();
+            areFound = areFound && !criterion.related.isNull();
+        }
+    }
+    return areFound;
+}
+
+QVector<Element> ObjectFinder::roots() const {
+    // What hangs below a known object is not looked for elsewhere.
+    for (const Criterion& criterion : m_criteria) {
+        if (criterion.finder && !criterion.related.isNull() &&
+            criterion.property != QLatin1String("buddy"))
+            return {criterion.related};
+    }
+    return Session::self()->topLevels();
+}
+
+Element ObjectFinder::find() {
+    if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
+        return {};
+    const bool withItems = mayItemsMatch();
+    std::vector<Match> visible;
+    std::vector<Match> others;
+    int window = 0;
+    for (const Element& root : roots()) {
+        walkTree(root, withItems, [&](const Element& element) {
+            if (!matches(element))
+                return;
+            const bool isFirstChoice = m_asksVisible || (element.toolkit->isVisible(element) &&
+                                                         !element.toolkit->isInternal(element));
+            (isFirstChoice ? visible : others).push_back({element, window, QPoint()});
+        });
+        ++window;
+    }
+    return pick(visible.empty() ? &others : &visible, m_occurrence);
+}
+
+QString ObjectFinder::actualText(const Criterion& criterion, const Element& element) const {
+    if (criterion.cost == Cost::Relation)
+        return Session::self()->describe(relatedElement(element, criterion.property));
+    bool isKnown = false;
+    const QVariant value = propertyValue(element, criterion.property, &isKnown);
+    return isKnown ? valueText(value) : QStringLiteral("no such property");
+}
+
+QList<Wire::NearMiss> ObjectFinder::nearMisses() {
+    constexpr size_t most = 3;
+    struct Near {
+        Element element;
+        const Criterion* criterion;
+        // Fewer is nearer.
+        int differing;
+        bool isOtherType;
+        bool isUnlike;
+        bool isHidden;
+
+        auto rank() const { return std::make_tuple(differing, isOtherType, isUnlike, isHidden); }
+    };
+    if (!m_errorText.isEmpty())
+        return {};
+    resolveRelations();
+    std::vector<Near> nearest;
+    for (const Element& root : Session::self()->topLevels()) {
+        walkTree(root, mayItemsMatch(), [&](const Element& element) {
+            Near near{element, nullptr, 0, false, false, true};
+            for (const Criterion& criterion : m_criteria) {
+                if (matches(criterion, element))
+                    continue;
+                ++near.differing;
+                near.isOtherType = near.isOtherType || criterion.cost == Cost::Type;
+                if (!near.criterion || near.criterion->cost == Cost::Type)
+                    near.criterion = &criterion;
+            }
+            if (!near.criterion || near.differing == static_cast<int>(m_criteria.size()))
+                return;
+            if (nearest.size() == most && nearest.back().differing < near.differing)
+                return;
+            near.isUnlike = !actualText(*near.criterion, element)
+                                 .contains(near.criterion->wanted, Qt::CaseInsensitive);
+            near.isHidden = !element.toolkit->isVisible(element);
+            const auto place = std::upper_bound(
+                nearest.begin(), nearest.end(), near,
+                [](const Near& left, const Near& right) { return left.rank() < right.rank(); });
+            nearest.insert(place, near);
+            if (nearest.size() > most)
+                nearest.pop_back();
+        });
+    }
+    QList<Wire::NearMiss> misses;
+    for (const Near& near : nearest) {
+        Wire::NearMiss miss;
+        miss.object = Session::self()->describe(near.element);
+        miss.property = near.criterion->property;
+        miss.wanted =
+            near.criterion->finder ? QStringLiteral("another object") : near.criterion->wanted;
+        miss.actual = actualText(*near.criterion, near.element);
+        misses.append(miss);
+    }
+    return misses;
+}
+
+}  // namespace Tamrix::Agent

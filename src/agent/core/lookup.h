@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QHash>
+#include <QVector>
+#include <memory>
+#include <vector>
+
+#include "agent/core/element.h"
+#include "wire/messages.h"
+#include "wire/textmatch.h"
+
+namespace Tamrix::Agent {
+
+/// Finds what a name means, in one walk over the objects. Made for one look: it remembers what it
+/// learnt of classes while it walks, and the tree must not change meanwhile.
+///
+/// An object matches when all criteria hold. Visible objects go first: hidden ones, and those of
+/// a toolkit's inner workings, are matches only when no visible object matches and the name does
+/// not say `visible` itself. Matches are ordered by window, then from top to bottom, from left to
+/// right, then by creation; the name's occurrence counts in this order.
+///
+/// A criterion that names an object (window, container, parent, buddy, ancestor) with a name of
+/// its own means the object that this name finds; with a text, one of that text or name.
+class ObjectFinder {
+public:
+    explicit ObjectFinder(const Wire::Query& query);
+    ~ObjectFinder();
+
+    /// What is wrong with the name, a malformed expression; empty for a good one.
+    QString errorText() const { return m_errorText; }
+    /// The object that the name means; null for none.
+    Element find();
+    /// Up to three objects that differ in the fewest criteria, and in what.
+    QList<Wire::NearMiss> nearMisses();
+
+private:
+    struct Criterion;
+
+    void add(const Wire::Criterion& wanted);
+    bool mayItemsMatch() const;
+    bool typeMatches(const Criterion& criterion, const Element& element);
+    bool relationMatches(const Criterion& criterion, const Element& element) const;
+    bool matches(const Criterion& criterion, const Element& element);
+    bool matches(const Element& element);
+    QString actualText(const Criterion& criterion, const Element& element) const;
+    /// Finds the objects that criteria name; false when one isn't there.
+    bool resolveRelations();
+    /// The elements below which matches can be.
+    QVector<Element> roots() const;
+
+    QString m_errorText;
+    int m_occurrence;
+    bool m_asksVisible = false;
+    std::vector<Criterion> m_criteria;
+    QHash<const QMetaObject*, bool> m_matchingTypes;
+    const QMetaObject* m_lastClass = nullptr;
+    bool m_lastMatched = false;
+};
+
+}  // namespace Tamrix::Agent

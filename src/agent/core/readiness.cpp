@@ -1,0 +1,208 @@
+#include "agent/core/readiness.h"
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <QTimer>
+#include <memory>
+#include <optional>
+
+#include "agent/core/session.h"
+#include "agent/core/toolkit.h"
+#include "agent/input/clickarea.h"
+#include "agent/input/elementref.h"
+#include "agent/input/windowstack.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+/// Time between two looks that tell whether something moves.
+constexpr int lookInterval = 20;
+/// A look that is older says nothing about what happens now.
+constexpr int lookLifetime = 250;
+constexpr int pollInterval = 50;
+
+using Done = std::function<void(const Readiness&)>;
+
+struct Place {
+    QRect bounds;
+    qint64 time = 0;
+};
+
+qint64 now() {
+    static const QElapsedTimer s_clock = [] {
+        QElapsedTimer clock;
+        clock.start();
+        return clock;
+    }();
+    return s_clock.elapsed();
+}
+
+QHash<quint64, Place>& places() {
+    static QHash<quint64, Place> s_places;
+    return s_places;
+}
+
+void rememberPlace(quint64 handle, const QRect& bounds) {
+    QHash<quint64, Place>& all = places();
+    for (auto it = all.begin(); it != all.end();)
+        it = now() - it->time > lookLifetime ? all.erase(it) : std::next(it);
+    all.insert(handle, Place{bounds, now()});
+}
+
+Readiness notReady(const QString& obstacle) {
+    return Readiness{false, obstacle, QPoint()};
+}
+
+/// The wanted point, on the screen. The middle of an element that shows in part only is where it
+/// shows.
+QPoint pointOf(const Element& element, const std::optional<QPoint>& offset) {
+    const QRect bounds = element.toolkit->globalBounds(element);
+    if (offset)
+        return bounds.topLeft() + *offset;
+    const QRect area = clickArea(element);
+    const QRect visible = element.toolkit->visibleBounds(element) & area;
+    return visible.isEmpty() || visible.contains(area.center()) ? area.center() : visible.center();
+}
+
+bool isWithin(const Element& element, const Element& hit) {
+    for (Element next = hit; !next.isNull(); next = next.toolkit->parent(next))
+        if (next == element)
+            return true;
+    return false;
+}
+
+/// What lies over the point; empty for nothing.
+QString coverAt(const Element& element, const QPoint& point) {
+    const Session* const session = Session::self();
+    const Toolkit* const toolkit = element.toolkit;
+    Element cover;
+    QWindow* const window = toolkit->nativeWindow(element);
+    QWindow* const over = window == nullptr ? nullptr : windowOver(window, point);
+    if (over != nullptr) {
+        cover = session->element(contentOf(over));
+    } else {
+        cover = toolkit->elementAt(element, point);
+        if (!cover.isNull() &&
+            (toolkit->receivesThrough(element, cover) || isWithin(element, cover)))
+            return QString();
+    }
+    const QPoint local = point - toolkit->globalBounds(element).topLeft();
+    const QString place = QStringLiteral("the point (%1, %2)").arg(local.x()).arg(local.y());
+    if (cover.isNull())
+        return place + QStringLiteral(" is outside of what can be clicked");
+    return session->describe(cover) + QStringLiteral(" covers ") + place;
+}
+
+/// The second look: `before` is where it was at the first one.
+Readiness look(const Element& element, const std::optional<QPoint>& offset, const QRect& before) {
+    const QString obstacle = obstacleOf(element);
+    if (!obstacle.isEmpty())
+        return notReady(obstacle);
+    const QRect bounds = element.toolkit->globalBounds(element);
+    if (bounds != before)
+        return notReady(QStringLiteral("it is moving"));
+    const QPoint point = pointOf(element, offset);
+    const QString cover = coverAt(element, point);
+    if (!cover.isEmpty())
+        return notReady(cover);
+    return Readiness{true, QString(), point};
+}
+
+const QString& goneText() {
+    static const QString s_text = QStringLiteral("it is gone");
+    return s_text;
+}
+
+void lookTwice(const Element& element, const std::optional<QPoint>& offset, const Done& done) {
+    const ElementRef ref(element);
+    const QString obstacle = obstacleOf(element);
+    if (!obstacle.isEmpty()) {
+        done(notReady(obstacle));
+        return;
+    }
+    const Place before = places().value(ref.handle());
+    const qint64 age = before.time == 0 ? lookLifetime + 1 : now() - before.time;
+    if (age >= lookInterval && age <= lookLifetime) {
+        const Readiness readiness = look(element, offset, before.bounds);
+        rememberPlace(ref.handle(), element.toolkit->globalBounds(element));
+        done(readiness);
+        return;
+    }
+    const QRect bounds = element.toolkit->globalBounds(element);
+    QTimer::singleShot(lookInterval, Session::self(), [ref, offset, bounds, done] {
+        const Element same = ref.get();
+        if (same.isNull()) {
+            done(notReady(goneText()));
+            return;
+        }
+        const Readiness readiness = look(same, offset, bounds);
+        rememberPlace(ref.handle(), same.toolkit->globalBounds(same));
+        done(readiness);
+    });
+}
+
+struct Wait {
+    ElementRef element;
+    std::optional<QPoint> offset;
+    int timeout = 0;
+    Done done;
+    QElapsedTimer clock;
+};
+
+void poll(const std::shared_ptr<Wait>& wait) {
+    const Element element = wait->element.get();
+    if (element.isNull()) {
+        wait->done(notReady(goneText()));
+        return;
+    }
+    element.toolkit->scrollIntoView(element);
+    lookTwice(element, wait->offset, [wait](const Readiness& readiness) {
+        const bool isOver =
+            readiness.obstacle == goneText() || wait->clock.hasExpired(wait->timeout);
+        if (readiness.isReady || isOver)
+            wait->done(readiness);
+        else
+            QTimer::singleShot(pollInterval, Session::self(), [wait] { poll(wait); });
+    });
+}
+
+std::optional<QPoint> optionalOf(const QPoint* offset) {
+    return offset == nullptr ? std::nullopt : std::make_optional(*offset);
+}
+
+}  // namespace
+
+QString obstacleOf(const Element& element) {
+    const Toolkit* const toolkit = element.toolkit;
+    if (!toolkit->isVisible(element))
+        return QStringLiteral("it is not visible");
+    if (toolkit->visibleBounds(element).isEmpty()) {
+        toolkit->scrollIntoView(element);
+        if (toolkit->visibleBounds(element).isEmpty())
+            return QStringLiteral("it is not visible: it is scrolled out of sight");
+    }
+    if (!toolkit->isEnabled(element))
+        return QStringLiteral("it is disabled");
+    const Element blocker = toolkit->blockedBy(element);
+    if (!blocker.isNull())
+        return QStringLiteral("the modal window %1 blocks it")
+            .arg(Session::self()->describe(blocker));
+    return QString();
+}
+
+void lookIfReady(const Element& element, const QPoint* offset, Done done) {
+    lookTwice(element, optionalOf(offset), done);
+}
+
+void waitUntilReady(const Element& element, const QPoint* offset, int timeout, Done done) {
+    auto wait = std::make_shared<Wait>();
+    wait->element = ElementRef(element);
+    wait->offset = optionalOf(offset);
+    wait->timeout = timeout;
+    wait->done = std::move(done);
+    wait->clock.start();
+    poll(wait);
+}
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,114 @@
+#include "agent/core/valueconversion.h"
+
+#include <QMetaEnum>
+
+#include "agent/core/session.h"
+#include "agent/core/vocabulary.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+bool isObject(const QVariant& value) {
+    return value.userType() == qMetaTypeId<Wire::ObjectInfo>();
+}
+
+bool isNumber(int type) {
+    return (type >= QMetaType::Int && type <= QMetaType::Double) ||
+           (type >= QMetaType::Long && type <= QMetaType::Float);
+}
+
+/// The object of a handle as a pointer of class `typeName` ("QWidget*").
+Fit convertObject(const QVariant& value, const QByteArray& typeName, QVariant* converted) {
+    void* pointer = nullptr;
+    if (isObject(value)) {
+        QString text;
+        const Element element =
+            Session::self()->find(value.value<Wire::ObjectInfo>().handle, &text);
+        const QByteArray wanted = QByteArray(typeName).replace('*', "").replace("const", "");
+        if (element.isNull() || element.isItem() ||
+            !element.object->inherits(wanted.trimmed().constData()))
+            return Fit::None;
+        pointer = element.object->qt_metacast(wanted.trimmed().constData());
+    } else if (value.isValid()) {
+        return Fit::None;
+    }
+    *converted = QVariant::fromValue(pointer);
+    return Fit::Exact;
+}
+
+/// The enumeration of this name in the class or in its bases; invalid for none.
+QMetaEnum findEnum(const QMetaObject* scope, const QByteArray& typeName) {
+    const QByteArray name = typeName.mid(typeName.lastIndexOf(':') + 1);
+    const QMetaObject* const qtNames =
+        QMetaEnum::fromType<Qt::Orientation>().enclosingMetaObject();
+    for (const QMetaObject* each : {scope, qtNames}) {
+        for (int index = 0; each && index < each->enumeratorCount(); ++index) {
+            const QMetaEnum candidate = each->enumerator(index);
+            if (name == candidate.name() || name == candidate.enumName())
+                return candidate;
+        }
+    }
+    return {};
+}
+
+Fit convertEnum(const QVariant& value, const QMetaEnum& metaEnum, QVariant* converted) {
+    bool isGood = false;
+    int number = value.toInt(&isGood);
+    if (value.userType() == QMetaType::QString && !isGood) {
+        QByteArray keys = value.toString().toUtf8();
+        keys = keys.mid(keys.lastIndexOf(':') + 1);
+        number = metaEnum.keysToValue(keys.constData(), &isGood);
+    }
+    if (!isGood)
+        return Fit::None;
+    *converted = number;
+    return Fit::Near;
+}
+
+}  // namespace
+
+Fit convertValue(const QVariant& value, int typeId, const QByteArray& typeName,
+                 const QMetaObject* scope, QVariant* converted) {
+    if (typeName.endsWith('*'))
+        return convertObject(value, typeName, converted);
+    if (typeId == QMetaType::QVariant) {
+        *converted = value;
+        return Fit::Near;
+    }
+    const QMetaEnum metaEnum = findEnum(scope, typeName);
+    if (metaEnum.isValid())
+        return convertEnum(value, metaEnum, converted);
+    if (typeId == QMetaType::UnknownType || isObject(value) || !value.isValid())
+        return Fit::None;
+    const int from = value.userType();
+    *converted = value;
+    if (from == typeId)
+        return Fit::Exact;
+    if (from == QMetaType::QString && typeId == QMetaType::Bool) {
+        const QString text = normalizedWanted(true, value.toString());
+        *converted = text == QLatin1String("true");
+        return text == QLatin1String("true") || text == QLatin1String("false") ? Fit::Converted
+                                                                               : Fit::None;
+    }
+    if (!converted->convert(typeId))
+        return Fit::None;
+    // A number that doesn't fit would become another one.
+    if (isNumber(from) && isNumber(typeId) && converted->toDouble() != value.toDouble())
+        return Fit::None;
+    return isNumber(from) && isNumber(typeId) ? Fit::Near : Fit::Converted;
+}
+
+QString describeValue(const QVariant& value) {
+    if (isObject(value))
+        return QStringLiteral("an object of class %1")
+            .arg(value.value<Wire::ObjectInfo>().className);
+    if (!value.isValid())
+        return QStringLiteral("nothing");
+    if (value.userType() == QMetaType::QString)
+        return QStringLiteral("'%1'").arg(value.toString());
+    const QString text = valueText(value);
+    return text.isEmpty() ? QString::fromLatin1(value.typeName()) : text;
+}
+
+}  // namespace Tamrix::Agent

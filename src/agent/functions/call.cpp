@@ -1,0 +1,113 @@
+#include "agent/functions/call.h"
+
+#include "agent/core/readiness.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+bool isNumber(const QVariant& value) {
+    switch (static_cast<QMetaType::Type>(value.type())) {
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+        case QMetaType::Double:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool isText(const QVariant& value) {
+    return value.type() == QVariant::String;
+}
+
+}  // namespace
+
+void Call::failArgument(const QString& text) const {
+    throw CallError(Wire::FailureCode::BadArgument, text);
+}
+
+QVariant Call::take(const char* name) {
+    if (isAtEnd())
+        failArgument(QStringLiteral("the argument %1 is missing").arg(QLatin1String(name)));
+    return m_arguments.at(m_next++);
+}
+
+bool Call::hasNumber(int ahead) const {
+    return m_next + ahead < m_arguments.size() && isNumber(m_arguments.at(m_next + ahead));
+}
+
+bool Call::hasText() const {
+    return !isAtEnd() && isText(m_arguments.at(m_next));
+}
+
+Element Call::takeObject() {
+    const QVariant value = take("object");
+    if (value.userType() != qMetaTypeId<Wire::ObjectInfo>())
+        failArgument(QStringLiteral("the argument object is no object"));
+    const auto info = value.value<Wire::ObjectInfo>();
+    QString text;
+    const Element element = Session::self()->find(info.handle, &text);
+    if (element.isNull())
+        throw CallError(Wire::FailureCode::StaleObject, text);
+    return element;
+}
+
+int Call::takeNumber(const char* name) {
+    const QVariant value = take(name);
+    if (!isNumber(value))
+        failArgument(QStringLiteral("the argument %1 is no number").arg(QLatin1String(name)));
+    return value.toInt();
+}
+
+QString Call::takeText(const char* name) {
+    const QVariant value = take(name);
+    if (!isText(value) && !isNumber(value))
+        failArgument(QStringLiteral("the argument %1 is no text").arg(QLatin1String(name)));
+    return value.toString();
+}
+
+void Call::takeEnd() const {
+    if (!isAtEnd())
+        failArgument(QStringLiteral("%1 arguments are too many, %2 were used")
+                         .arg(m_arguments.size())
+                         .arg(m_next));
+}
+
+QString notReadyText(const Element& element, const QString& obstacle) {
+    return QStringLiteral("%1 is not ready: %2").arg(Session::self()->describe(element), obstacle);
+}
+
+QString notReadyText(const ElementRef& element, const QString& obstacle) {
+    QString text;
+    const Element found = Session::self()->find(element.handle(), &text);
+    return found.isNull() ? text : notReadyText(found, obstacle);
+}
+
+void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
+               std::function<void(const ElementRef& element, const QPoint& point)> act) {
+    const ElementRef ref(element);
+    waitUntilReady(element, offset ? &*offset : nullptr, call.timeout(),
+                   [responder = call.responder(), ref, act](const Readiness& readiness) {
+                       if (readiness.isReady) {
+                           act(ref, readiness.point);
+                           return;
+                       }
+                       responder->fail(ref.get().isNull() ? Wire::FailureCode::StaleObject
+                                                          : Wire::FailureCode::NotReady,
+                                       notReadyText(ref, readiness.obstacle));
+                       responder->finish();
+                   });
+}
+
+void addAnswer(StepQueue* queue, const Call& call) {
+    queue->add([responder = call.responder()] { responder->replyBody(Wire::Value()); });
+}
+
+void run(StepQueue* queue, const Call& call) {
+    queue->start([responder = call.responder()] { responder->finish(); });
+}
+
+}  // namespace Tamrix::Agent

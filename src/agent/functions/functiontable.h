@@ -1,0 +1,38 @@
+#pragma once
+
+#include "agent/functions/call.h"
+
+/// The global functions, each in the file of its family. Each reads its arguments, waits until the
+/// object is ready, answers, acts and finishes; throws CallError for what is wrong at once.
+namespace Tamrix::Agent {
+
+// mousefunctions.cpp
+void click(Call call);
+void doubleClick(Call call);
+void drag(Call call);
+void hover(Call call);
+
+// textfunctions.cpp
+void fill(Call call);
+void typeText(Call call);
+void press(Call call);
+void clipboardText(Call call);
+
+// itemfunctions.cpp
+void selectItem(Call call);
+
+// checkfunctions.cpp
+void check(Call call);
+void uncheck(Call call);
+
+// windowfunctions.cpp
+void closeWindow(Call call);
+
+// menuitems.cpp
+/// The part of selectItem() for QMenu and QMenuBar; false for other elements.
+bool selectMenuItem(const Call& call, const Element& element, const QString& text);
+// comboitems.cpp
+/// The part of selectItem() for combo boxes; false for other elements.
+bool selectComboItem(const Call& call, const Element& element, const QString& text);
+
+}  // namespace Tamrix::Agent

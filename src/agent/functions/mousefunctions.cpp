@@ -1,0 +1,124 @@
+#include "agent/functions/functiontable.h"
+#include "agent/input/activation.h"
+#include "agent/input/keynames.h"
+#include "agent/input/mousesteps.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+struct ButtonName {
+    const char* name;
+    Qt::MouseButton button;
+};
+
+constexpr ButtonName buttonNames[] = {
+    {"left", Qt::LeftButton}, {"right", Qt::RightButton},     {"middle", Qt::MiddleButton},
+    {"back", Qt::BackButton}, {"forward", Qt::ForwardButton},
+};
+
+/// Qt::NoButton for what names none.
+Qt::MouseButton buttonOf(const QString& name) {
+    for (const ButtonName& entry : buttonNames)
+        if (name.compare(QLatin1String(entry.name), Qt::CaseInsensitive) == 0)
+            return entry.button;
+    return Qt::NoButton;
+}
+
+std::optional<QPoint> takeOffset(Call* call) {
+    if (!call->hasNumber() || !call->hasNumber(1))
+        return std::nullopt;
+    const int x = call->takeNumber("x");
+    return QPoint(x, call->takeNumber("y"));
+}
+
+/// Reads "[, button][, modifiers]" and the end.
+MouseStyle takeStyle(Call* call) {
+    MouseStyle style;
+    QString modifiers;
+    if (call->hasNumber()) {
+        const int number = call->takeNumber("button");
+        style.button = static_cast<Qt::MouseButton>(number);
+        const bool isOne = number > 0 && (number & (number - 1)) == 0;
+        if (!isOne || (number & static_cast<int>(Qt::AllButtons)) == 0)
+            throw CallError(
+                Wire::FailureCode::BadArgument,
+                QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle").arg(number));
+    } else if (call->hasText()) {
+        const QString text = call->takeText("button");
+        const Qt::MouseButton button = buttonOf(text);
+        if (button != Qt::NoButton)
+            style.button = button;
+        else if (call->isAtEnd())
+            modifiers = text;
+        else
+            throw CallError(Wire::FailureCode::BadArgument,
+                            QStringLiteral("'%1' is no mouse button: \"left\", \"right\" or "
+                                           "\"middle\"")
+                                .arg(text));
+    }
+    if (call->hasNumber())
+        style.modifiers = Qt::KeyboardModifiers(call->takeNumber("modifiers"));
+    else if (!call->isAtEnd())
+        modifiers = call->takeText("modifiers");
+    call->takeEnd();
+    QString error;
+    Qt::KeyboardModifiers named;
+    if (!parseModifiers(modifiers, &named, &error))
+        throw CallError(Wire::FailureCode::BadArgument, error);
+    style.modifiers |= named;
+    return style;
+}
+
+void clickTimes(Call call, int count) {
+    const Element element = call.takeObject();
+    const std::optional<QPoint> offset = takeOffset(&call);
+    const MouseStyle style = takeStyle(&call);
+    whenReady(call, element, offset, [=](const ElementRef& ref, const QPoint& point) {
+        auto* const queue = StepQueue::create();
+        addActivation(queue, ref);
+        addAnswer(queue, call);
+        addClick(queue, ref, point, style, count);
+        run(queue, call);
+    });
+}
+
+}  // namespace
+
+void click(Call call) {
+    clickTimes(std::move(call), 1);
+}
+
+void doubleClick(Call call) {
+    clickTimes(std::move(call), 2);
+}
+
+void drag(Call call) {
+    const Element element = call.takeObject();
+    const int x = call.takeNumber("x");
+    const int y = call.takeNumber("y");
+    const int dx = call.takeNumber("dx");
+    const int dy = call.takeNumber("dy");
+    const MouseStyle style = takeStyle(&call);
+    whenReady(call, element, QPoint(x, y), [=](const ElementRef& ref, const QPoint& point) {
+        auto* const queue = StepQueue::create();
+        addActivation(queue, ref);
+        addAnswer(queue, call);
+        addDrag(queue, ref, point, point + QPoint(dx, dy), style);
+        run(queue, call);
+    });
+}
+
+void hover(Call call) {
+    const Element element = call.takeObject();
+    const std::optional<QPoint> offset = takeOffset(&call);
+    call.takeEnd();
+    whenReady(call, element, offset, [=](const ElementRef& ref, const QPoint& point) {
+        auto* const queue = StepQueue::create();
+        addAnswer(queue, call);
+        addMove(queue, ref, point);
+        run(queue, call);
+    });
+}
+
+}  // namespace Tamrix::Agent

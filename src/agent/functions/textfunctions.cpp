@@ -1,0 +1,115 @@
+#include <QAbstractSpinBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+#include "agent/functions/functiontable.h"
+#include "agent/input/activation.h"
+#include "agent/input/keyboard.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+struct Field {
+    bool isField = false;
+    bool isReadOnly = false;
+};
+
+template <typename Widget>
+bool readField(QObject* object, Field* field) {
+    const auto* const widget = qobject_cast<Widget*>(object);
+    if (widget == nullptr)
+        return false;
+    *field = Field{true, widget->isReadOnly()};
+    return true;
+}
+
+Field fieldOf(QObject* object) {
+    Field field;
+    if (readField<QLineEdit>(object, &field) || readField<QTextEdit>(object, &field) ||
+        readField<QPlainTextEdit>(object, &field) || readField<QAbstractSpinBox>(object, &field))
+        return field;
+    if (const auto* const box = qobject_cast<QComboBox*>(object))
+        return Field{box->isEditable(), box->isEditable() && box->lineEdit()->isReadOnly()};
+    if (object->inherits("QQuickTextInput") || object->inherits("QQuickTextEdit"))
+        return Field{true, object->property("readOnly").toBool()};
+    return field;
+}
+
+void addTyping(StepQueue* queue, const QString& text) {
+    const QVector<uint> characters = QString(text).remove(u'\r').toUcs4();
+    for (const uint character : characters)
+        queue->add([character] { Keyboard::self().type(character); });
+}
+
+}  // namespace
+
+void fill(Call call) {
+    const Element element = call.takeObject();
+    const QString text = call.takeText("text");
+    call.takeEnd();
+    const Field field = element.isItem() ? Field() : fieldOf(element.object);
+    const QString name = Session::self()->describe(element);
+    if (!field.isField)
+        throw CallError(Wire::FailureCode::Unsupported,
+                        QStringLiteral("%1 is no field that takes text").arg(name));
+    if (field.isReadOnly)
+        throw CallError(Wire::FailureCode::Unsupported,
+                        QStringLiteral("%1 is read only").arg(name));
+    whenReady(call, element, std::nullopt, [=](const ElementRef& ref, const QPoint&) {
+        auto* const queue = StepQueue::create();
+        addFocus(queue, ref, Qt::OtherFocusReason);
+        addAnswer(queue, call);
+        QString error;
+        queue->add([keys = parseKeys(QStringLiteral("Ctrl+A"), &error)] {
+            Keyboard::self().pressCombination(keys);
+        });
+        if (text.isEmpty())
+            queue->add([keys = parseKeys(QStringLiteral("Delete"), &error)] {
+                Keyboard::self().pressCombination(keys);
+            });
+        addTyping(queue, text);
+        run(queue, call);
+    });
+}
+
+void typeText(Call call) {
+    const Element element = call.takeObject();
+    const QString text = call.takeText("text");
+    call.takeEnd();
+    whenReady(call, element, std::nullopt, [=](const ElementRef& ref, const QPoint&) {
+        auto* const queue = StepQueue::create();
+        addFocus(queue, ref, Qt::OtherFocusReason);
+        addAnswer(queue, call);
+        addTyping(queue, text);
+        run(queue, call);
+    });
+}
+
+void press(Call call) {
+    const Element element = call.takeObject();
+    QString error;
+    const KeyCombination keys = parseKeys(call.takeText("keys"), &error);
+    call.takeEnd();
+    if (keys.isEmpty())
+        throw CallError(Wire::FailureCode::BadArgument, error);
+    whenReady(call, element, std::nullopt, [=](const ElementRef& ref, const QPoint&) {
+        auto* const queue = StepQueue::create();
+        addFocus(queue, ref, Qt::OtherFocusReason);
+        addAnswer(queue, call);
+        queue->add([keys] { Keyboard::self().pressCombination(keys); });
+        run(queue, call);
+    });
+}
+
+void clipboardText(Call call) {
+    call.takeEnd();
+    call.responder()->replyBody(Wire::Value{QGuiApplication::clipboard()->text()});
+    call.responder()->finish();
+}
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,163 @@
+#include <qpa/qwindowsysteminterface.h>
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include "agent/core/handlers.h"
+#include "agent/core/session.h"
+#include "agent/core/toolkit.h"
+#include "agent/input/activation.h"
+#include "agent/input/idlewatch.h"
+#include "agent/input/keyboard.h"
+#include "agent/input/pointer.h"
+#include "agent/input/stepqueue.h"
+#include "agent/input/windowstack.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+/// The bit of a mouse event's mask that says that x and y are given.
+constexpr int hasCoordinates = 8;
+
+/// Answers, runs the steps, ends the request.
+void answerAndRun(StepQueue* queue, const ResponderPtr& responder) {
+    responder->reply();
+    queue->start([responder] { responder->finish(); });
+}
+
+/// Where the event goes; false when the request has failed.
+bool findPlace(const Wire::MouseEvent& request, const ResponderPtr& responder, QWindow** window,
+               QPoint* position) {
+    *window = nullptr;
+    const QPoint given(request.x, request.y);
+    if (request.handle == 0) {
+        if ((request.mask & hasCoordinates) != 0)
+            *position = given;
+        else
+            *position = Pointer::self().position();
+        return true;
+    }
+    const Element element = Session::self()->findOrFail(request.handle, responder);
+    if (element.isNull())
+        return false;
+    *window = element.toolkit->nativeWindow(element);
+    const QRect bounds = element.toolkit->globalBounds(element);
+    if (*window == nullptr || bounds.isEmpty()) {
+        responder->fail(Wire::FailureCode::NotReady,
+                        QStringLiteral("%1 is not ready: it is not visible")
+                            .arg(Session::self()->describe(element)));
+        return false;
+    }
+    *position = (request.mask & hasCoordinates) != 0 ? bounds.topLeft() + given : bounds.center();
+    return true;
+}
+
+void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& responder) {
+    const auto button = static_cast<Qt::MouseButton>(request.button);
+    constexpr int allButtons = Qt::AllButtons;
+    if (request.buttonChange && (request.button <= 0 || (request.button & allButtons) == 0 ||
+                                 (request.button & (request.button - 1)) != 0)) {
+        responder->fail(Wire::FailureCode::BadArgument,
+                        QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
+                            .arg(request.button));
+        return;
+    }
+    QWindow* window = nullptr;
+    QPoint position;
+    if (!findPlace(request, responder, &window, &position))
+        return;
+
+    auto* const queue = StepQueue::create();
+    if (request.handle != 0 && request.buttonChange && request.press)
+        addActivation(queue, ElementRef(Session::self()->findOrFail(request.handle, responder)));
+    // Modifiers that are not held down anyway are pressed around the event.
+    const Qt::KeyboardModifiers extra =
+        Qt::KeyboardModifiers(request.modifiers) & ~Keyboard::self().modifiers();
+    const QVector<Key> keys = keysOfModifiers(extra);
+    for (const Key& key : keys)
+        queue->add([key] { Keyboard::self().press(key); });
+    queue->add(
+        [target = QPointer<QWindow>(window), position] { Pointer::self().move(target, position); });
+    if (request.buttonChange)
+        queue->add([button, isPress = request.press] {
+            if (isPress)
+                Pointer::self().press(button);
+            else
+                Pointer::self().release(button);
+        });
+    for (auto it = keys.rbegin(); it != keys.rend(); ++it)
+        queue->add([key = *it] { Keyboard::self().release(key); });
+    answerAndRun(queue, responder);
+}
+
+/// Without a window manager no window may have the focus: then the highest one that takes it does.
+void addActivationOfAny(StepQueue* queue) {
+    if (QGuiApplication::focusWindow() != nullptr)
+        return;
+    const QVector<QWindow*> windows = windowStack();
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        const Element element = Session::self()->element(contentOf(*it));
+        const bool takesFocus = (*it)->type() != Qt::ToolTip && (*it)->type() != Qt::Popup;
+        if (!takesFocus || element.isNull() || !element.toolkit->blockedBy(element).isNull())
+            continue;
+        addActivation(queue, ElementRef(element));
+        return;
+    }
+}
+
+void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder) {
+    QString error;
+    const KeyCombination keys = parseKeys(request.key, &error);
+    if (keys.isEmpty()) {
+        responder->fail(Wire::FailureCode::BadArgument, error);
+        return;
+    }
+    auto* const queue = StepQueue::create();
+    addActivationOfAny(queue);
+    if (request.press)
+        for (const Key& key : keys)
+            queue->add([key] { Keyboard::self().press(key); });
+    else
+        for (auto it = keys.rbegin(); it != keys.rend(); ++it)
+            queue->add([key = *it] { Keyboard::self().release(key); });
+    answerAndRun(queue, responder);
+}
+
+void handleQuit(const ResponderPtr& responder) {
+    auto* const queue = StepQueue::create();
+    queue->add([] {
+        const QVector<QWindow*> windows = windowStack();
+        bool isAnyAsked = false;
+        for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+            if ((*it)->property(internalWindowProperty).isValid())
+                continue;
+            isAnyAsked = true;
+            QWindowSystemInterface::handleCloseEvent<QWindowSystemInterface::AsynchronousDelivery>(
+                *it);
+        }
+        if (!isAnyAsked)
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(), [] { QCoreApplication::quit(); },
+                Qt::QueuedConnection);
+    });
+    answerAndRun(queue, responder);
+}
+
+}  // namespace
+
+void registerInputHandlers(Session* session) {
+    using Wire::MessageType;
+    session->setBodyHandler<Wire::MouseEvent>(MessageType::MouseEvent, handleMouseEvent);
+    session->setBodyHandler<Wire::KeyEvent>(MessageType::KeyEvent, handleKeyEvent);
+    session->setHandler(MessageType::Sync, [](const QByteArray&, const ResponderPtr& responder) {
+        IdleWatch::start([responder] {
+            responder->reply();
+            responder->finish();
+        });
+    });
+    session->setHandler(MessageType::Quit, [](const QByteArray&, const ResponderPtr& responder) {
+        handleQuit(responder);
+    });
+}
+
+}  // namespace Tamrix::Agent

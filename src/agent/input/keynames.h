@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+namespace Tamrix::Agent {
+
+/// One key of the keyboard, with the text that it gives without modifiers.
+struct Key {
+    int code = 0;
+    QString text;
+};
+
+/// Keys pressed together: those before the last are held meanwhile.
+using KeyCombination = QVector<Key>;
+
+/// Reads "Return", "A", "Ctrl+Shift+Left", "Ctrl++"; case doesn't matter. Empty, with `*error` set,
+/// for what names no key.
+KeyCombination parseKeys(const QString& text, QString* error);
+
+/// Reads "Ctrl+Shift"; an empty text is none. False, with `*error` set, for what names no
+/// modifiers.
+bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QString* error);
+
+/// The key that types a character, given as a Unicode code point.
+Key keyOfCharacter(uint character);
+
+/// The modifier that a key is, none for all others.
+Qt::KeyboardModifier modifierOfKey(int code);
+
+/// The modifiers as the keys that hold them, in the order Ctrl, Alt, Meta, Shift.
+QVector<Key> keysOfModifiers(Qt::KeyboardModifiers modifiers);
+
+}  // namespace Tamrix::Agent

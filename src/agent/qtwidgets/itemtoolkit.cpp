@@ -1,0 +1,287 @@
+#include "agent/qtwidgets/itemtoolkit.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QListView>
+#include <QPixmap>
+#include <QStyledItemDelegate>
+#include <QTabBar>
+#include <QTableView>
+#include <QToolButton>
+#include <QTreeView>
+
+#include "agent/core/session.h"
+#include "agent/qtwidgets/itemplace.h"
+#include "agent/qtwidgets/widgettext.h"
+#include "agent/qtwidgets/widgettoolkit.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+constexpr const char* typeNames[] = {"QListViewItem", "QTreeViewItem",   "QTableViewItem",
+                                     "QItemViewItem", "QHeaderViewItem", "QComboBoxItem",
+                                     "QTabBarItem"};
+constexpr char commonType[] = "QModelItem";
+
+const char* typeOf(const Element& item) {
+    switch (item.kind) {
+        case ModelItem:
+            if (qobject_cast<const QListView*>(item.object))
+                return typeNames[0];
+            if (qobject_cast<const QTreeView*>(item.object))
+                return typeNames[1];
+            return typeNames[qobject_cast<const QTableView*>(item.object) ? 2 : 3];
+        case HeaderSection:
+            return typeNames[4];
+        case ComboBoxItem:
+            return typeNames[5];
+        default:
+            return typeNames[6];
+    }
+}
+
+QWidget* holderOf(const Element& item) {
+    return static_cast<QWidget*>(item.object);
+}
+
+QAbstractItemView* viewOf(const Element& item) {
+    return item.kind == ModelItem ? static_cast<QAbstractItemView*>(item.object) : nullptr;
+}
+
+QTabBar* tabBarOf(const Element& item) {
+    return static_cast<QTabBar*>(item.object);
+}
+
+/// The text that the view's delegate draws: dates and numbers in the form of the locale.
+QString modelText(const QAbstractItemView* view, const QModelIndex& index) {
+    const QVariant value = index.data(Qt::DisplayRole);
+    if (value.userType() == QMetaType::QString || !view)
+        return value.toString();
+    const auto* const delegate =
+        qobject_cast<const QStyledItemDelegate*>(view->itemDelegate(index));
+    return delegate ? delegate->displayText(value, view->locale()) : value.toString();
+}
+
+QVariant viewProperty(const Element& item, QAbstractItemView* view, const QString& name) {
+    if (name == QLatin1String("selected"))
+        return view->selectionModel() && view->selectionModel()->isSelected(item.index);
+    if (name == QLatin1String("current"))
+        return view->currentIndex() == item.index;
+    const auto* const tree = qobject_cast<QTreeView*>(view);
+    if (name == QLatin1String("expanded") && tree)
+        return tree->isExpanded(item.index);
+    return {};
+}
+
+QVariant itemProperty(const Element& item, const QString& name) {
+    if (item.index.isValid()) {
+        if (name == QLatin1String("row"))
+            return item.index.row();
+        if (name == QLatin1String("column"))
+            return item.index.column();
+        if (name == QLatin1String("toolTip"))
+            return item.index.data(Qt::ToolTipRole).toString();
+        const QVariant check = item.index.data(Qt::CheckStateRole);
+        if (name == QLatin1String("checked") && check.isValid())
+            return check.toInt() == Qt::Checked;
+        if (QAbstractItemView* const view = viewOf(item))
+            return viewProperty(item, view, name);
+        if (name == QLatin1String("current"))
+            return static_cast<QComboBox*>(item.object)->currentIndex() == item.index.row();
+        return {};
+    }
+    const auto* const header = qobject_cast<QHeaderView*>(item.object);
+    const bool isRow = header && header->orientation() == Qt::Vertical;
+    if (name == (isRow ? QLatin1String("row") : QLatin1String("column")))
+        return item.number;
+    if (item.kind == Tab && name == QLatin1String("current"))
+        return tabBarOf(item)->currentIndex() == item.number;
+    if (item.kind == Tab && name == QLatin1String("toolTip"))
+        return tabBarOf(item)->tabToolTip(item.number);
+    return {};
+}
+
+/// Whether the tab shows in full, not below the buttons that scroll; `*button` brings it nearer.
+bool showsTab(const QTabBar* bar, int tab, QToolButton** button) {
+    const QRect place = bar->tabRect(tab);
+    const QList<QToolButton*> buttons =
+        bar->findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QToolButton* each : buttons) {
+        const bool isBefore =
+            each->arrowType() == Qt::LeftArrow || each->arrowType() == Qt::UpArrow;
+        if (!each->isVisible() || !each->isEnabled() || each->arrowType() == Qt::NoArrow)
+            continue;
+        *button = each;
+        const bool isBelow = place.intersects(each->geometry());
+        const bool isOutside = isBefore ? place.left() < 0 || place.top() < 0
+                                        : !bar->rect().contains(place.bottomRight());
+        if (isBelow || isOutside)
+            return false;
+    }
+    return true;
+}
+
+bool scrollTabIntoView(const QTabBar* bar, int tab) {
+    bool hasMoved = false;
+    QToolButton* button = nullptr;
+    for (int i = 0; i < bar->count() && !showsTab(bar, tab, &button); ++i) {
+        button->click();
+        hasMoved = true;
+    }
+    return hasMoved;
+}
+
+}  // namespace
+
+bool ItemToolkit::knows(const QObject* /*object*/) const {
+    return false;
+}
+
+void ItemToolkit::topLevels(QVector<Element>* /*elements*/) const {}
+
+Element ItemToolkit::parent(const Element& item) const {
+    if (item.kind == ModelItem && item.index.parent().isValid() &&
+        item.index.parent() != viewOf(item)->rootIndex()) {
+        Element parent = item;
+        parent.index = item.index.parent();
+        return parent;
+    }
+    return Session::self()->element(item.object);
+}
+
+Element ItemToolkit::window(const Element& item) const {
+    const Element holder = Session::self()->element(item.object);
+    return holder.toolkit->window(holder);
+}
+
+bool ItemToolkit::isAlive(const Element& item) const {
+    switch (item.kind) {
+        case HeaderSection:
+            return item.number < static_cast<QHeaderView*>(item.object)->count();
+        case Tab:
+            return item.number < tabBarOf(item)->count();
+        case ModelItem:
+            return item.index.isValid() && item.index.model() == viewOf(item)->model();
+        default:
+            return item.index.isValid();
+    }
+}
+
+QString ItemToolkit::typeName(const Element& item) const {
+    return QString::fromLatin1(typeOf(item));
+}
+
+QStringList ItemToolkit::superTypes(const Element& /*item*/) const {
+    return {QString::fromLatin1(commonType)};
+}
+
+QString ItemToolkit::text(const Element& item) const {
+    if (item.index.isValid())
+        return modelText(viewOf(item), item.index);
+    if (item.kind == Tab)
+        return withoutMnemonic(tabBarOf(item)->tabText(item.number));
+    const auto* const header = static_cast<QHeaderView*>(item.object);
+    return header->model()
+               ? header->model()->headerData(item.number, header->orientation()).toString()
+               : QString();
+}
+
+bool ItemToolkit::isVisible(const Element& item) const {
+    return placeOfItem(item).widget != nullptr;
+}
+
+bool ItemToolkit::isEnabled(const Element& item) const {
+    if (!holderOf(item)->isEnabled())
+        return false;
+    if (item.index.isValid())
+        return item.index.flags().testFlag(Qt::ItemIsEnabled);
+    return item.kind != Tab || tabBarOf(item)->isTabEnabled(item.number);
+}
+
+QVariant ItemToolkit::property(const Element& item, const QString& name, bool* isKnown) const {
+    const QVariant value = itemProperty(item, name);
+    *isKnown = value.isValid();
+    return value;
+}
+
+QStringList ItemToolkit::propertyNames(const Element& item) const {
+    QStringList names;
+    for (const char* each :
+         {"row", "column", "checked", "selected", "current", "expanded", "toolTip"}) {
+        const QString name = QString::fromLatin1(each);
+        if (itemProperty(item, name).isValid())
+            names.append(name);
+    }
+    return names;
+}
+
+QRect ItemToolkit::globalBounds(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return place.widget ? globalRect(place.widget, place.rect) : QRect();
+}
+
+QRect ItemToolkit::visibleBounds(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return place.widget ? shownPart(place.widget, place.rect) : QRect();
+}
+
+QWindow* ItemToolkit::nativeWindow(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return nativeWindowOf(place.widget ? place.widget : holderOf(item));
+}
+
+Element ItemToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+    const ItemPlace place = placeOfItem(inWindowOf);
+    return elementInWindowAt(place.widget ? place.widget : holderOf(inWindowOf), globalPoint);
+}
+
+bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const {
+    if (Toolkit::receivesThrough(item, hit))
+        return true;
+    // In the list of a combo box, the entries are those of the list's own view.
+    if (item.kind == ComboBoxItem && hit.kind == ModelItem)
+        return item.index == hit.index;
+    // A widget set for the item, or its editor; over a tab it is a button that scrolls.
+    if (item.kind == Tab && qobject_cast<const QToolButton*>(hit.object) != nullptr)
+        return false;
+    const ItemPlace place = placeOfItem(item);
+    const auto* const widget = qobject_cast<const QWidget*>(hit.object);
+    return place.widget && widget && !hit.isItem() && place.widget->isAncestorOf(widget);
+}
+
+Element ItemToolkit::blockedBy(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return blockerOf(place.widget ? place.widget : holderOf(item));
+}
+
+bool ItemToolkit::scrollIntoView(const Element& item) const {
+    bool hasMoved = false;
+    QAbstractItemView* const view = viewOf(item);
+    const ItemPlace before = placeOfItem(item);
+    if (view && !(before.widget && before.widget->rect().contains(before.rect.center()))) {
+        view->scrollTo(item.index);
+        hasMoved = placeOfItem(item).rect != before.rect;
+    } else if (item.kind == ComboBoxItem && before.widget &&
+               !before.widget->rect().contains(before.rect.center())) {
+        static_cast<QComboBox*>(item.object)->view()->scrollTo(item.index);
+        hasMoved = true;
+    }
+    if (item.kind == Tab)
+        hasMoved = scrollTabIntoView(tabBarOf(item), item.number);
+    const ItemPlace place = placeOfItem(item);
+    return (place.widget && scrollWidgetIntoView(place.widget, place.rect)) || hasMoved;
+}
+
+QImage ItemToolkit::grab(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return place.widget ? place.widget->grab(place.rect).toImage() : QImage();
+}
+
+bool ItemToolkit::isItemType(const QString& typeName) const {
+    return std::any_of(std::begin(typeNames), std::end(typeNames),
+                       [&typeName](const char* each) { return typeName == QLatin1String(each); });
+}
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace Tamrix::Agent {
+
+/// What of a widget holds its text.
+enum class TextSource : quint8 {
+    None,
+    Button,
+    Label,
+    LineEdit,
+    TextEdit,
+    PlainTextEdit,
+    ComboBox,
+    SpinBox,
+    GroupBox,
+    ProgressBar,
+    Menu,
+    StatusBar,
+    WindowTitle,
+    TextProperty,
+    TitleProperty
+};
+
+/// What is known of a class of widgets, so that a walk over many asks but once.
+struct WidgetFacts {
+    TextSource textSource = TextSource::None;
+    /// Whether a person types the text.
+    bool isEditable = false;
+    /// Whether widgets of the class show items.
+    bool holdsItems = false;
+};
+
+const WidgetFacts& factsOf(const QWidget* widget);
+
+/// What a person reads on the widget; the title of a window that has no text of its own.
+QString textOf(const QWidget* widget);
+/// A label as it is shown: "&Save" is "Save", "A && B" is "A & B".
+QString withoutMnemonic(const QString& label);
+
+}  // namespace Tamrix::Agent

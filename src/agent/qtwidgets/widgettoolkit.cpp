@@ -1,0 +1,346 @@
+#include "agent/qtwidgets/widgettoolkit.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QGraphicsProxyWidget>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPixmap>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QWindow>
+
+#include "agent/core/itempath.h"
+#include "agent/core/objecttoolkit.h"
+#include "agent/core/session.h"
+#include "agent/qtwidgets/actionplace.h"
+#include "agent/qtwidgets/graphicstoolkit.h"
+#include "agent/qtwidgets/itemtoolkit.h"
+#include "agent/qtwidgets/widgettext.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+QWidget* widgetOf(const Element& element) {
+    return element.object->isWidgetType() ? static_cast<QWidget*>(element.object) : nullptr;
+}
+
+/// Of an element that is no widget.
+const QAction* actionOf(const Element& element) {
+    return static_cast<const QAction*>(element.object);
+}
+
+/// The widget that shows the element: itself, or the place of an action; null for none.
+QWidget* showingWidget(const Element& element) {
+    QWidget* const widget = widgetOf(element);
+    return widget ? widget : placeOf(actionOf(element)).widget;
+}
+
+/// Texts of actions may have a shortcut behind a tab.
+QString actionText(const QAction* action) {
+    return withoutMnemonic(action->text().section('\t', 0, 0));
+}
+
+/// The first action with this text, in the menus below too for a path "menu.entry".
+QAction* findAction(const QList<QAction*>& actions, const QStringList& path) {
+    for (QAction* action : actions) {
+        if (actionText(action) != path.first())
+            continue;
+        if (path.size() == 1)
+            return action;
+        if (action->menu()) {
+            if (QAction* const below = findAction(action->menu()->actions(), path.mid(1)))
+                return below;
+        }
+    }
+    return nullptr;
+}
+
+/// The view that shows the graphics scene in which the widget is; null for a widget in none.
+QGraphicsView* viewAround(const QWidget* widget) {
+    const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
+    const QGraphicsScene* const scene = proxy ? proxy->scene() : nullptr;
+    return scene && !scene->views().isEmpty() ? scene->views().first() : nullptr;
+}
+
+/// A rectangle of a widget in a scene, in the coordinates of the view's viewport.
+QRect rectInViewport(const QWidget* widget, const QRect& rect, const QGraphicsView* view) {
+    const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
+    const QRect inWindow(widget->mapTo(widget->window(), rect.topLeft()), rect.size());
+    return view->mapFromScene(proxy->mapToScene(QRectF(inWindow))).boundingRect();
+}
+
+}  // namespace
+
+QRect globalRect(const QWidget* widget, const QRect& rect) {
+    const QGraphicsView* const view = viewAround(widget);
+    return view ? globalRect(view->viewport(), rectInViewport(widget, rect, view))
+                : QRect(widget->mapToGlobal(rect.topLeft()), rect.size());
+}
+
+QRect shownPart(const QWidget* widget, const QRect& rect) {
+    if (!widget->isVisible())
+        return {};
+    QRect shown = rect & widget->rect();
+    const QWidget* each = widget;
+    while (!each->isWindow() && each->parentWidget()) {
+        shown.translate(each->pos());
+        each = each->parentWidget();
+        shown &= each->rect();
+    }
+    if (!shown.isValid())
+        return {};
+    const QGraphicsView* const view = viewAround(each);
+    return view ? shownPart(view->viewport(), rectInViewport(each, shown, view))
+                : globalRect(each, shown);
+}
+
+QWindow* nativeWindowOf(const QWidget* widget) {
+    const QGraphicsView* const view = viewAround(widget);
+    return view ? nativeWindowOf(view) : widget->window()->windowHandle();
+}
+
+Element blockerOf(const QWidget* widget) {
+    const QWindow* const blocker = blockingWindow(nativeWindowOf(widget));
+    if (!blocker)
+        return {};
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->windowHandle() == blocker)
+            return Session::self()->element(each);
+    }
+    return Session::self()->element(const_cast<QWindow*>(blocker));
+}
+
+bool scrollWidgetIntoView(QWidget* widget, const QRect& rect) {
+    bool hasMoved = false;
+    for (QWidget* each = widget->parentWidget(); each; each = each->parentWidget()) {
+        auto* const area = qobject_cast<QScrollArea*>(each);
+        if (!area || !area->widget() ||
+            (area->widget() != widget && !area->widget()->isAncestorOf(widget)))
+            continue;
+        const QPoint before = area->widget()->pos();
+        const QPoint middle = widget->mapTo(area->widget(), rect.center());
+        area->ensureVisible(middle.x(), middle.y(), rect.width() / 2, rect.height() / 2);
+        hasMoved = hasMoved || area->widget()->pos() != before;
+    }
+    return hasMoved;
+}
+
+Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint) {
+    if (const QGraphicsView* const view = viewAround(widget))
+        return elementInWindowAt(view, globalPoint);
+    QWidget* const window = widget->window();
+    const QPoint inWindow = window->mapFromGlobal(globalPoint);
+    if (!window->isVisible() || !window->rect().contains(inWindow))
+        return {};
+    QWidget* hit = window->childAt(inWindow);
+    if (!hit)
+        hit = window;
+    const QPoint inHit = hit->mapFromGlobal(globalPoint);
+    QAction* action = nullptr;
+    if (auto* const menu = qobject_cast<QMenu*>(hit))
+        action = menu->actionAt(inHit);
+    else if (auto* const bar = qobject_cast<QMenuBar*>(hit))
+        action = bar->actionAt(inHit);
+    if (action)
+        return Session::self()->element(action);
+    Element item = graphicsItemAt(hit, inHit);
+    if (item.isNull())
+        item = itemAt(hit, inHit);
+    return item.isNull() ? Session::self()->element(hit) : item;
+}
+
+bool WidgetToolkit::knows(const QObject* object) const {
+    return object->isWidgetType() || qobject_cast<const QAction*>(object);
+}
+
+void WidgetToolkit::topLevels(QVector<Element>* elements) const {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (!widget->graphicsProxyWidget())
+            elements->append(element(widget));
+    }
+}
+
+void WidgetToolkit::children(const Element& parent, bool withItems,
+                             QVector<Element>* elements) const {
+    QWidget* const widget = widgetOf(parent);
+    if (!widget)
+        return;
+    for (QAction* action : widget->actions()) {
+        if (homeOf(action) == widget)
+            elements->append(element(action));
+    }
+    for (QObject* child : widget->children()) {
+        if (child->isWidgetType()) {
+            if (!static_cast<QWidget*>(child)->isWindow())
+                elements->append(element(child));
+        } else if (const auto* const action = qobject_cast<QAction*>(child)) {
+            if (action->associatedWidgets().isEmpty() && homeOf(action) == widget)
+                elements->append(element(child));
+        } else if (!child->isWindowType()) {
+            elements->append(Session::self()->element(child));
+        }
+    }
+    if (withItems && factsOf(widget).holdsItems) {
+        appendItems(widget, elements);
+        appendGraphicsItems(widget, elements);
+    }
+}
+
+Element WidgetToolkit::parent(const Element& child) const {
+    QWidget* const widget = widgetOf(child);
+    if (!widget)
+        return element(homeOf(actionOf(child)));
+    if (widget->isWindow())
+        return Session::self()->element(widget->graphicsProxyWidget());
+    return element(widget->parentWidget());
+}
+
+Element WidgetToolkit::window(const Element& child) const {
+    QWidget* widget = showingWidget(child);
+    if (!widget)
+        widget = homeOf(actionOf(child));
+    if (!widget)
+        return {};
+    const Element proxy = Session::self()->element(widget->window()->graphicsProxyWidget());
+    return proxy.isNull() ? element(widget->window()) : proxy.toolkit->window(proxy);
+}
+
+Element WidgetToolkit::buddy(const Element& field) const {
+    QWidget* const widget = widgetOf(field);
+    if (!widget || !widget->parentWidget() || widget->isWindow())
+        return {};
+    // A label stands beside its field, or one level above it.
+    QWidget* around = widget->parentWidget();
+    for (int level = 0; level < 2 && around; ++level, around = around->parentWidget()) {
+        for (QObject* sibling : around->children()) {
+            const auto* const label = qobject_cast<QLabel*>(sibling);
+            if (label && label->buddy() == widget)
+                return element(sibling);
+        }
+    }
+    return {};
+}
+
+QString WidgetToolkit::text(const Element& element) const {
+    const QWidget* const widget = widgetOf(element);
+    return widget ? textOf(widget) : actionText(actionOf(element));
+}
+
+bool WidgetToolkit::isTextLasting(const Element& element) const {
+    const QWidget* const widget = widgetOf(element);
+    return !widget || !factsOf(widget).isEditable;
+}
+
+bool WidgetToolkit::isVisible(const Element& element) const {
+    const QWidget* const widget = widgetOf(element);
+    return widget ? widget->isVisible() : placeOf(actionOf(element)).widget != nullptr;
+}
+
+bool WidgetToolkit::isEnabled(const Element& element) const {
+    if (const QWidget* const widget = widgetOf(element))
+        return widget->isEnabled();
+    const QWidget* const place = placeOf(actionOf(element)).widget;
+    return actionOf(element)->isEnabled() && (!place || place->isEnabled());
+}
+
+bool WidgetToolkit::isInternal(const Element& element) const {
+    const QWidget* const widget = widgetOf(element);
+    if (!widget)
+        return actionOf(element)->isSeparator();
+    const QString name = widget->objectName();
+    const QByteArray type = widget->metaObject()->className();
+    return name.startsWith(QLatin1String("qt_scrollarea_")) ||
+           name == QLatin1String("qt_tabwidget_stackedwidget") ||
+           name == QLatin1String("qt_rubberband") ||
+           (type.startsWith('Q') && type.contains("Private")) || type == "QDesktopWidget" ||
+           type == "QAbstractScrollAreaScrollBarContainer";
+}
+
+QVariant WidgetToolkit::property(const Element& element, const QString& name, bool* isKnown) const {
+    if (name == QLatin1String("currentItem") && widgetOf(element)) {
+        const Element item = currentItemOf(widgetOf(element));
+        if (factsOf(widgetOf(element)).holdsItems) {
+            *isKnown = true;
+            return item.isNull() ? QVariant() : QVariant::fromValue(Session::self()->info(item));
+        }
+    }
+    return Toolkit::property(element, name, isKnown);
+}
+
+QRect WidgetToolkit::globalBounds(const Element& element) const {
+    if (const QWidget* const widget = widgetOf(element))
+        return widget->isVisible() ? globalRect(widget, widget->rect()) : QRect();
+    const ActionPlace place = placeOf(actionOf(element));
+    return place.widget ? globalRect(place.widget, place.rect) : QRect();
+}
+
+QRect WidgetToolkit::visibleBounds(const Element& element) const {
+    if (const QWidget* const widget = widgetOf(element))
+        return shownPart(widget, widget->rect());
+    const ActionPlace place = placeOf(actionOf(element));
+    return place.widget ? shownPart(place.widget, place.rect) : QRect();
+}
+
+QWindow* WidgetToolkit::nativeWindow(const Element& element) const {
+    const QWidget* const widget = showingWidget(element);
+    return widget ? nativeWindowOf(widget) : nullptr;
+}
+
+Element WidgetToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+    const QWidget* const widget = showingWidget(inWindowOf);
+    return widget ? elementInWindowAt(widget, globalPoint) : Element();
+}
+
+bool WidgetToolkit::receivesThrough(const Element& element, const Element& hit) const {
+    if (Toolkit::receivesThrough(element, hit))
+        return true;
+    // An action in a bar is a button.
+    const QWidget* const widget = widgetOf(element) ? nullptr : showingWidget(element);
+    return widget && !hit.isItem() && hit.object == widget;
+}
+
+Element WidgetToolkit::blockedBy(const Element& element) const {
+    const QWidget* const widget = showingWidget(element);
+    return widget ? blockerOf(widget) : Element();
+}
+
+bool WidgetToolkit::scrollIntoView(const Element& element) const {
+    QWidget* const widget = widgetOf(element);
+    return widget && scrollWidgetIntoView(widget, widget->rect());
+}
+
+QImage WidgetToolkit::grab(const Element& element) const {
+    if (QWidget* const widget = widgetOf(element))
+        return widget->grab().toImage();
+    const ActionPlace place = placeOf(actionOf(element));
+    return place.widget ? place.widget->grab(place.rect).toImage() : QImage();
+}
+
+Element WidgetToolkit::item(const Element& view, const QString& text, int row, int column,
+                            QString* reason) const {
+    QWidget* const widget = widgetOf(view);
+    if (!widget)
+        return Toolkit::item(view, text, row, column, reason);
+    if (qobject_cast<QMenu*>(widget) || qobject_cast<QMenuBar*>(widget) ||
+        qobject_cast<QToolBar*>(widget)) {
+        const QList<QAction*> actions = widget->actions();
+        QAction* const action =
+            text.isNull() ? actions.value(row) : findAction(actions, itemTexts(text));
+        if (!action)
+            *reason = QStringLiteral("it has no such entry");
+        return element(action);
+    }
+    if (auto* const tabs = qobject_cast<QTabWidget*>(widget))
+        return findItem(tabs->tabBar(), text, row, column, reason);
+    return findItem(widget, text, row, column, reason);
+}
+
+}  // namespace Tamrix::Agent

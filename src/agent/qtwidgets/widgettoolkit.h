@@ -1,0 +1,53 @@
+#pragma once
+
+#include "agent/core/toolkit.h"
+
+class QWidget;
+
+namespace Tamrix::Agent {
+
+/// Widgets, and the actions that menus and bars show. Every window is a top-level element, also one
+/// that hangs below another. An action is listed once, see homeOf(); its place is where it is
+/// visible.
+class WidgetToolkit : public Toolkit {
+public:
+    bool knows(const QObject* object) const override;
+    void topLevels(QVector<Element>* elements) const override;
+    void children(const Element& element, bool withItems,
+                  QVector<Element>* elements) const override;
+    Element parent(const Element& element) const override;
+    Element window(const Element& element) const override;
+    Element buddy(const Element& element) const override;
+    QString text(const Element& element) const override;
+    bool isTextLasting(const Element& element) const override;
+    bool isVisible(const Element& element) const override;
+    bool isEnabled(const Element& element) const override;
+    bool isInternal(const Element& element) const override;
+    QVariant property(const Element& element, const QString& name, bool* isKnown) const override;
+    QRect globalBounds(const Element& element) const override;
+    QRect visibleBounds(const Element& element) const override;
+    QWindow* nativeWindow(const Element& element) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
+    bool receivesThrough(const Element& element, const Element& hit) const override;
+    Element blockedBy(const Element& element) const override;
+    bool scrollIntoView(const Element& element) const override;
+    QImage grab(const Element& element) const override;
+    Element item(const Element& view, const QString& text, int row, int column,
+                 QString* reason) const override;
+};
+
+/// A rectangle of a widget on the screen, also of a widget in a graphics scene.
+QRect globalRect(const QWidget* widget, const QRect& rect);
+/// The part of a widget's rectangle that its parents do not cut off, on the screen.
+QRect shownPart(const QWidget* widget, const QRect& rect);
+/// The native window in which a widget is shown; null for none.
+QWindow* nativeWindowOf(const QWidget* widget);
+/// The modal window that blocks a widget's window; null for none.
+Element blockerOf(const QWidget* widget);
+/// Scrolls the scroll areas around the widget so that this part of it is seen. False when nothing
+/// moved.
+bool scrollWidgetIntoView(QWidget* widget, const QRect& rect);
+/// What of the window of `widget` is at a point of the screen: a widget, or an item of one.
+Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint);
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,31 @@
+// Preloaded into every process below the runner; of the C runtime alone.
+
+#include <dlfcn.h>
+#include <stdint.h>
+
+#include "agent/wayin/agentloader.h"
+
+namespace {
+
+// QHooks::HookDataSize and QHooks::Startup in Qt's table of hooks, the same in all of Qt 5.
+constexpr int sizeEntry = 1;
+constexpr int startupEntry = 5;
+
+uintptr_t s_previous = 0;
+
+/// Qt calls it when the application object has its core.
+void whenApplicationStarts() {
+    if (s_previous)
+        reinterpret_cast<void (*)()>(s_previous)();
+    Tamrix::Agent::loadAgent(".");
+}
+
+__attribute__((constructor)) void setHook() {
+    auto* const hooks = static_cast<uintptr_t*>(::dlsym(RTLD_DEFAULT, "qtHookData"));
+    if (!hooks || hooks[sizeEntry] <= startupEntry || !Tamrix::Agent::isWanted())
+        return;
+    s_previous = hooks[startupEntry];
+    hooks[startupEntry] = reinterpret_cast<uintptr_t>(&whenApplicationStarts);
+}
+
+}  // namespace

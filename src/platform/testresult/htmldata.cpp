@@ -1,0 +1,309 @@
+#include "platform/testresult/htmldata.h"
+#include "base/textescape.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStringList>
+#include <algorithm>
+
+#include "base/textescape.h"
+#include "platform/testresult/resulttext.h"
+#include "platform/testresult/resulttypes.h"
+#include "platform/testresult/runsummary.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Kind = ReportEntry::Kind;
+
+/// How much text of attachments stands in the page itself, in bytes; the rest is linked.
+constexpr qint64 allTexts = 8 * 1024 * 1024;
+
+const char* outcomeId(CaseOutcome outcome) {
+    switch (outcome) {
+        case CaseOutcome::Passed:
+            return "passed";
+        case CaseOutcome::Failed:
+            return "failed";
+        case CaseOutcome::Error:
+            return "error";
+        case CaseOutcome::Skipped:
+            return "skipped";
+        case CaseOutcome::Incomplete:
+            return "incomplete";
+        case CaseOutcome::Interrupted:
+            return "interrupted";
+    }
+    return "";
+}
+
+/// A text from outside as the page shows it: what can't be seen is shown as an escape.
+QString shown(QString text) {
+    return escapedForTerminal(text.replace(QLatin1String("\r\n"), QLatin1String("\n")));
+}
+
+QString timeText(const QDateTime& time) {
+    return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QString();
+}
+
+qint64 milliseconds(double seconds) {
+    return qRound64(seconds * 1000);
+}
+
+void insertText(QJsonObject& object, const char* key, const QString& text) {
+    if (!text.isEmpty())
+        object.insert(QLatin1String(key), text);
+}
+
+bool hasSuffix(const QString& path, const char* suffixes) {
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return QString::fromLatin1(suffixes).split(QLatin1Char(' ')).contains(suffix);
+}
+
+bool isPicture(const QString& path) {
+    return hasSuffix(path, "png jpg jpeg gif bmp webp svg");
+}
+
+bool isText(const QString& path) {
+    return hasSuffix(path, "txt log out err json jsonl xml csv tsv ini conf cfg yaml yml md py js");
+}
+
+QByteArray toJson(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+QByteArray toJson(const QJsonArray& array) {
+    return QJsonDocument(array).toJson(QJsonDocument::Compact);
+}
+
+QString briefText(const CaseTally& tally) {
+    if (tally.failures.empty())
+        return tally.skipText;
+    ReportEntry first = tally.failures.front();
+    takeScreenshotNote(&first.message);
+    return messageText(first);
+}
+
+QString labelOf(const ReportEntry& entry) {
+    switch (entry.kind) {
+        case Kind::Result:
+            return resultTypeName(entry.type);
+        case Kind::Attachment:
+            return entry.type == TestResult::OutputAttachment  ? QStringLiteral("Application")
+                   : entry.type == TestResult::ImageAttachment ? QStringLiteral("Picture")
+                                                               : QStringLiteral("File");
+        case Kind::VideoStart:
+            return QStringLiteral("Video starts");
+        case Kind::VideoEnd:
+            return QStringLiteral("Video ends");
+        case Kind::Output:
+            return entry.extra == QLatin1String("stderr") ? QStringLiteral("Script errors")
+                                                          : QStringLiteral("Script output");
+        default:
+            return QString();
+    }
+}
+
+const char* kindOf(const ReportEntry& entry) {
+    switch (entry.kind) {
+        case Kind::SectionStart:
+            return "sectionStart";
+        case Kind::SectionEnd:
+            return "sectionEnd";
+        case Kind::Attachment:
+        case Kind::VideoEnd:
+            return "file";
+        case Kind::Output:
+            return "output";
+        default:
+            return "result";
+    }
+}
+
+}  // namespace
+
+HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, HtmlFiles* files)
+    : m_tally(tally),
+      m_entries(entries),
+      m_files(files),
+      m_excerpts(tally.suites().empty() ? QDateTime() : tally.suites().front().outside.start),
+      m_textBudget(allTexts) {}
+
+QString HtmlData::title() const {
+    QStringList names;
+    for (const SuiteTally& suite : m_tally.suites()) {
+        if (!suite.outside.name.isEmpty())
+            names += shown(suite.outside.name);
+    }
+    return names.isEmpty() ? QStringLiteral("Test report") : names.join(QLatin1String(", "));
+}
+
+QByteArray HtmlData::json() {
+    QJsonArray suites;
+    for (const SuiteTally& suite : m_tally.suites()) {
+        const int index = suites.size();
+        suites.append(QJsonObject{{QStringLiteral("name"), shown(suite.outside.name)},
+                                  {QStringLiteral("path"), shown(suite.outside.path)}});
+        const auto outside = m_entries.find(suite.outside.id);
+        if (outside != m_entries.end() && !outside->second.empty())
+            addRow(suite.outside, index, false);
+        for (const CaseTally& testCase : suite.cases)
+            addRow(testCase, index, true);
+    }
+
+    QJsonArray outcomes;
+    for (const CaseOutcome outcome : caseOutcomes) {
+        outcomes.append(QJsonObject{{QStringLiteral("id"), QLatin1String(outcomeId(outcome))},
+                                    {QStringLiteral("label"), outcomeText(outcome)}});
+    }
+    QJsonArray notes;
+    for (const QString& note : {outsideSummary(m_tally), endSummary(m_tally)}) {
+        if (!note.isEmpty())
+            notes.append(note);
+    }
+    const QDateTime start =
+        m_tally.suites().empty() ? QDateTime() : m_tally.suites().front().outside.start;
+    QJsonObject head{{QStringLiteral("title"), title()},
+                     {QStringLiteral("summary"), caseSummary(m_tally)},
+                     {QStringLiteral("isGood"), isGood(m_tally)},
+                     {QStringLiteral("notes"), notes},
+                     {QStringLiteral("milliseconds"), milliseconds(m_tally.seconds())},
+                     {QStringLiteral("outcomes"), outcomes},
+                     {QStringLiteral("suites"), suites}};
+    insertText(head, "start", timeText(start));
+    insertText(head, "results", resultSummary(m_tally));
+
+    QByteArray text = toJson(head);
+    text.chop(1);
+    text += ",\n\"rows\":" + toJson(m_rows).replace("},{", "},\n{");
+    text += ",\n\"entries\":[" + m_rowEntries + "]";
+    text += ",\n\"excerpts\":[";
+    const char* separator = "\n";
+    for (const QJsonObject& excerpt : m_excerpts.all()) {
+        text += separator + toJson(excerpt);
+        separator = ",\n";
+    }
+    text += "]}\n";
+    // In JSON the character stands in texts only. It could end the element, or begin a comment.
+    return text.replace("<", "\\u003c");
+}
+
+void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
+    // What happened outside the cases has no outcome of its own, unless something failed.
+    const bool hasOutcome = isCase || !tally.failures.empty();
+    QJsonObject row{
+        {QStringLiteral("id"), m_rows.size()},
+        {QStringLiteral("suite"), suite},
+        {QStringLiteral("name"), isCase ? shown(tally.name) : QStringLiteral("Outside the cases")},
+        {QStringLiteral("milliseconds"), milliseconds(tally.seconds())}};
+    if (hasOutcome)
+        row.insert(QStringLiteral("outcome"), QLatin1String(outcomeId(tally.outcome())));
+    insertText(row, "path", shown(tally.path));
+    insertText(row, "start", timeText(tally.start));
+    insertText(row, "results", resultSummary(tally));
+    insertText(row, "brief", shown(briefText(tally)));
+
+    m_rowEntries += m_rows.isEmpty() ? "\n[" : ",\n[";
+    const auto entries = m_entries.find(tally.id);
+    if (entries != m_entries.end()) {
+        const char* separator = "\n";
+        for (const ReportEntry& entry : entries->second) {
+            m_rowEntries += separator + toJson(entryObject(entry, tally.start));
+            separator = ",\n";
+        }
+    }
+    m_rowEntries += "]";
+    m_rows.append(row);
+}
+
+QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& rowStart) {
+    QJsonObject object{{QStringLiteral("kind"), QLatin1String(kindOf(entry))}};
+    const bool hasTime = entry.time.isValid() && rowStart.isValid();
+    object.insert(QStringLiteral("at"),
+                  hasTime ? std::max<qint64>(0, rowStart.msecsTo(entry.time)) : 0);
+    insertText(
+        object, "time",
+        entry.time.isValid() ? entry.time.toString(QStringLiteral("HH:mm:ss.zzz")) : QString());
+    if (entry.kind == Kind::SectionEnd)
+        return object;
+
+    object.insert(QStringLiteral("label"), labelOf(entry));
+    QString message = entry.message;
+    const QString screenshot =
+        entry.kind == Kind::Result ? takeScreenshotNote(&message) : QString();
+    object.insert(QStringLiteral("message"), shown(message));
+    insertText(object, "detail", shown(entry.detail));
+    if (!screenshot.isEmpty())
+        object.insert(QStringLiteral("screenshot"), fileObject(screenshot, true));
+    if (entry.kind == Kind::Result)
+        addResult(object, entry);
+    if (entry.kind == Kind::Attachment || entry.kind == Kind::VideoEnd) {
+        const bool isAttachment = entry.kind == Kind::Attachment;
+        object.insert(
+            QStringLiteral("file"),
+            fileObject(entry.path, isAttachment && entry.type == TestResult::ImageAttachment));
+        if (isAttachment && entry.type == TestResult::OutputAttachment)
+            object.insert(QStringLiteral("isApplicationOutput"), true);
+    }
+    return object;
+}
+
+void HtmlData::addResult(QJsonObject& object, const ReportEntry& entry) {
+    if (isFailure(entry))
+        object.insert(QStringLiteral("failure"), true);
+    if (entry.echo)
+        object.insert(QStringLiteral("echo"), true);
+    insertText(object, "comment", shown(commentText(entry)));
+    addStack(object, entry.callStack);
+}
+
+void HtmlData::addStack(QJsonObject& object, const CallStack& callStack) {
+    QJsonArray stack;
+    for (const LineInfo& position : callStack) {
+        const QString text = positionText(position);
+        if (text.isEmpty())
+            continue;
+        QJsonObject call{{QStringLiteral("position"), shown(text)}};
+        const int excerpt = m_excerpts.indexOf(position);
+        if (excerpt >= 0)
+            call.insert(QStringLiteral("excerpt"), excerpt);
+        stack.append(call);
+    }
+    if (!stack.isEmpty())
+        object.insert(QStringLiteral("stack"), stack);
+}
+
+QJsonObject HtmlData::fileObject(const QString& source, bool isImage) {
+    QJsonObject object{{QStringLiteral("name"), shown(QFileInfo(source).fileName())}};
+    const HtmlFiles::Copy copy = m_files->copy(source);
+    if (copy.path.isEmpty()) {
+        insertText(object, "problem", shown(copy.problem));
+        return object;
+    }
+    object.insert(QStringLiteral("path"), copy.path);
+    if (isImage || isPicture(source))
+        object.insert(QStringLiteral("kind"), QStringLiteral("image"));
+    else if (isText(source))
+        addText(object, copy);
+    return object;
+}
+
+void HtmlData::addText(QJsonObject& object, const HtmlFiles::Copy& copy) {
+    qint64 size = 0;
+    const QByteArray text = m_files->endOfText(copy, &size);
+    if (text.size() > m_textBudget) {
+        object.insert(QStringLiteral("note"),
+                      QStringLiteral("Not shown here, since the report has many texts."));
+        return;
+    }
+    m_textBudget -= text.size();
+    object.insert(QStringLiteral("text"), shown(QString::fromUtf8(text)));
+    if (text.size() < size) {
+        object.insert(
+            QStringLiteral("note"),
+            QStringLiteral("The last %1 KiB of %2 KiB.").arg(text.size() / 1024).arg(size / 1024));
+    }
+}
+
+}  // namespace Tamrix

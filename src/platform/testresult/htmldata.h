@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <map>
+#include <vector>
+
+#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/runtally.h"
+#include "platform/testresult/scriptexcerpts.h"
+
+namespace Tamrix {
+
+/// The entries of a run by CaseTally::id.
+using EntriesById = std::map<int, std::vector<ReportEntry>>;
+
+/// Makes the data that the page of an HTML report shows. What it holds is told by html/report.js,
+/// which reads it: one object with
+///
+///     title, summary, notes, isGood, start, milliseconds, results
+///     outcomes    id and label of each outcome, in the order of summaries
+///     suites      name and path
+///     rows        a case each, or what happened outside the cases of a suite
+///     entries     for each row, the list of what happened
+///     excerpts    lines of scripts; positions refer to them by index
+class HtmlData {
+public:
+    /// `tally` and `entries` must live longer. Attachments are copied by `files`, not owned.
+    HtmlData(const RunTally& tally, const EntriesById& entries, HtmlFiles* files);
+
+    /// The name of the run: those of its suites.
+    QString title() const;
+
+    /// JSON, with a line for each entry and without "<", so that it can stand in a script element.
+    QByteArray json();
+
+private:
+    void addRow(const CaseTally& tally, int suite, bool isCase);
+    QJsonObject entryObject(const ReportEntry& entry, const QDateTime& rowStart);
+    void addResult(QJsonObject& object, const ReportEntry& entry);
+    void addStack(QJsonObject& object, const CallStack& callStack);
+    QJsonObject fileObject(const QString& source, bool isImage);
+    void addText(QJsonObject& object, const HtmlFiles::Copy& copy);
+
+    const RunTally& m_tally;
+    const EntriesById& m_entries;
+    HtmlFiles* m_files;
+    ScriptExcerpts m_excerpts;
+    QJsonArray m_rows;
+    /// The lists of the rows, as JSON.
+    QByteArray m_rowEntries;
+    qint64 m_textBudget;
+};
+
+}  // namespace Tamrix

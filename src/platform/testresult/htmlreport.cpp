@@ -1,0 +1,121 @@
+#include "platform/testresult/htmlreport.h"
+#include "base/textescape.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "base/textescape.h"
+#include "platform/testresult/htmldata.h"
+#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reporttarget.h"
+#include "platform/testresult/resulttext.h"
+#include "platform/testresult/runsummary.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Kind = ReportEntry::Kind;
+
+bool isFrame(const ReportEntry& entry) {
+    return entry.kind == Kind::SuiteStart || entry.kind == Kind::SuiteEnd ||
+           entry.kind == Kind::CaseStart || entry.kind == Kind::CaseEnd;
+}
+
+QByteArray resource(const char* name) {
+    QFile file(QStringLiteral(":/tamrix/htmlreport/") + QLatin1String(name));
+    // It is part of this library.
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray escapedForHtml(const QString& text) {
+    return escapedForTerminal(text).toHtmlEscaped().toUtf8();
+}
+
+/// What a browser without JavaScript shows: how the run came out, and what did not pass.
+QByteArray fallbackText(const RunTally& tally, const QString& title) {
+    QByteArray text =
+        "<h1>" + escapedForHtml(title) + "</h1>\n<p>" + escapedForHtml(caseSummary(tally)) +
+        "</p>\n<p>The details need JavaScript, which this browser does not run.</p>\n";
+    text += "<ul>\n";
+    for (const SuiteTally& suite : tally.suites()) {
+        for (const CaseTally& testCase : suite.cases) {
+            if (testCase.outcome() != CaseOutcome::Passed) {
+                text += "<li>" + escapedForHtml(testCase.name) + ": " +
+                        escapedForHtml(outcomeText(testCase.outcome())) + "</li>\n";
+            }
+        }
+    }
+    return text + "</ul>\n";
+}
+
+}  // namespace
+
+HtmlReport::HtmlReport(const QString& folder) {
+    m_page = prepareReportTarget(QDir(folder).filePath(QStringLiteral("index.html")), &m_error);
+    m_folder = QFileInfo(m_page).path();
+}
+
+HtmlReport::~HtmlReport() = default;
+
+void HtmlReport::add(const ReportEntry& entry) {
+    std::vector<ReportEntry>& entries = m_entries[m_tally.add(entry).id];
+    if (isFrame(entry))
+        return;
+    // Scripts write in small pieces.
+    if (entry.kind == Kind::Output && !entries.empty() && entries.back().kind == Kind::Output &&
+        entries.back().extra == entry.extra)
+        entries.back().message += entry.message;
+    else
+        entries.push_back(entry);
+}
+
+void HtmlReport::finish() {
+    if (!m_error.isEmpty())
+        return;
+    HtmlFiles files(m_folder);
+    if (writePage(files))
+        files.removeUnused();
+    else
+        files.removeNew();
+}
+
+bool HtmlReport::writePage(HtmlFiles& files) {
+    HtmlData data(m_tally, m_entries, &files);
+    const QString title = data.title();
+    const std::map<QByteArray, QByteArray> parts = {
+        {"title", escapedForHtml(title)},           {"style", resource("report.css")},
+        {"fallback", fallbackText(m_tally, title)}, {"data", data.json()},
+        {"script", resource("report.js")},
+    };
+    m_error = files.errorText();
+    if (!m_error.isEmpty())
+        return false;
+
+    QSaveFile page(m_page);
+    bool isWritten = page.open(QIODevice::WriteOnly);
+    // Only the template is searched for "{{NAME}}", never what takes its place.
+    const QByteArray frame = resource("page.html");
+    int position = 0;
+    while (isWritten && position < frame.size()) {
+        const int begin = frame.indexOf("{{", position);
+        const int end = begin < 0 ? frame.size() : begin;
+        page.write(frame.constData() + position, end - position);
+        position = end;
+        if (begin < 0)
+            break;
+        const int close = frame.indexOf("}}", begin);
+        page.write(parts.at(frame.mid(begin + 2, close - begin - 2)));
+        position = close + 2;
+    }
+    if (!isWritten || !page.commit()) {
+        m_error =
+            QStringLiteral("The report '%1' can't be written: %2").arg(m_page, page.errorString());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,175 @@
+// What the agent finds and what it tells of it.
+
+#include <gtest/gtest.h>
+
+#include <QRect>
+
+#include "support/agentclient.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+
+namespace {
+
+class LookUpTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_client.accept()) << m_client.errorOutput().toStdString();
+    }
+
+    /// Shows the tab with the views.
+    void showViews() {
+        m_client.invoke(m_client.find({"type=QTabWidget"}), "setCurrentIndex", {1});
+    }
+    Wire::LookUpResult findItem(const QStringList& view, const QString& text, int row = -1,
+                                int column = -1) {
+        Wire::FindItem request;
+        request.handle = m_client.find(view).handle;
+        request.text = text;
+        request.row = row;
+        request.column = column;
+        return m_client.request<Wire::LookUpResult>(Wire::MessageType::FindItem, request);
+    }
+    QRect bounds(const Wire::ObjectInfo& object) {
+        Wire::ObjectHandle request{object.handle};
+        return m_client.request<Wire::Value>(Wire::MessageType::GlobalBounds, request)
+            .value.toRect();
+    }
+
+    AgentClient m_client{"widgets_target"};
+};
+
+TEST_F(LookUpTest, NamesFindWhatTheySay) {
+    const struct {
+        QStringList criteria;
+        QString type;
+    } cases[] = {
+        {{"text=Off"}, "QPushButton"},
+        {{"text=Off", "enabled=0"}, "QPushButton"},
+        {{"text=Off", "enabled=True"}, ""},
+        {{"name=check"}, "QCheckBox"},
+        {{"objectName=check", "checked=false"}, "QCheckBox"},
+        {{"text=Check"}, "QCheckBox"},
+        {{"text*=?he*"}, "QCheckBox"},
+        {{"text~=^Ch"}, "QCheckBox"},
+        {{"type=QLineEdit", "buddy=Name:"}, "QLineEdit"},
+        {{"text=Inside", "container=Group"}, "QPushButton"},
+        {{"text=Twin", "visible=false"}, "QPushButton"},
+        {{"type=QMainWindow"}, ""},
+        {{"type~=Window$", "text=Targets"}, "Window"},
+        {{"type=QTimer"}, ""},
+        {{"type=QSpinBox", "maximum=50"}, "QSpinBox"},
+        {{"type=QAction", "text=File"}, "QAction"},
+        {{"type=QAction", "text=Open..."}, "QAction"},
+        {{"type=QTabBarItem", "text=Views"}, "QTabBarItem"},
+        {{"text=Off", "window=Targets"}, "QPushButton"},
+        {{"text=Off", "window=Other"}, ""},
+    };
+    for (const auto& each : cases) {
+        const Wire::ObjectInfo found = m_client.find(each.criteria);
+        EXPECT_TRUE(each.type.isEmpty() ? found.handle == 0 : found.className.endsWith(each.type))
+            << each.criteria.join(' ').toStdString() << ": " << found.className.toStdString();
+    }
+}
+
+TEST_F(LookUpTest, OrderIsThatOfTheScreenAndHiddenOnesComeLast) {
+    const Wire::ObjectInfo first = m_client.find({"text=Twin"});
+    const Wire::ObjectInfo second = m_client.find({"text=Twin"}, 2);
+    ASSERT_NE(second.handle, 0U);
+    EXPECT_LT(bounds(first).x(), bounds(second).x());
+    EXPECT_EQ(m_client.find({"text=Twin"}, 3).handle, 0U);
+    const Wire::ObjectInfo hidden = m_client.find({"text=Twin", "visible=false"});
+    EXPECT_NE(hidden.handle, 0U);
+    EXPECT_TRUE(bounds(hidden).isNull());
+    // With no visible match the hidden one is meant.
+    EXPECT_NE(m_client.find({"type=QAction", "text=a.txt"}).handle, 0U);
+}
+
+TEST_F(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
+    const Wire::ObjectInfo list = m_client.find({"type=QListWidget"});
+    EXPECT_EQ(m_client.find({"type=QListWidget"}).handle, list.handle);
+    const Wire::ObjectInfo item = findItem({"type=QListWidget"}, "one").object;
+    EXPECT_EQ(findItem({"type=QListWidget"}, {}, 0, 0).object.handle, item.handle);
+    const Wire::ObjectInfo window = m_client.find({"text=Targets"});
+    m_client.invoke(window, "moveFirstRow");
+    EXPECT_EQ(m_client.read(findItem({"type=QListWidget"}, "one").object, "row"), 2);
+    m_client.invoke(window, "insertBeforeFirst");
+    const Wire::ObjectInfo two = findItem({"type=QListWidget"}, "two").object;
+    EXPECT_EQ(m_client.read(two, "row"), 1);
+    EXPECT_EQ(m_client.read(two, "checked"), true);
+    m_client.invoke(window, "removeList");
+    for (const Wire::ObjectInfo& gone : {list, two}) {
+        EXPECT_FALSE(m_client.read(gone, "text").isValid());
+        EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::StaleObject);
+    }
+    EXPECT_TRUE(m_client.lastError().contains("QListViewItem"));
+}
+
+TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
+    Wire::LookUp request;
+    request.query = makeQuery({"type=QPushButton", "text=off"});
+    request.wantNearMisses = true;
+    const auto result = m_client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, request);
+    ASSERT_FALSE(result.nearMisses.isEmpty());
+    EXPECT_LE(result.nearMisses.size(), 3);
+    EXPECT_EQ(result.nearMisses[0].object, "QPushButton 'Off'");
+    EXPECT_EQ(result.nearMisses[0].property, "text");
+    EXPECT_EQ(result.nearMisses[0].wanted, "off");
+    EXPECT_EQ(result.nearMisses[0].actual, "Off");
+    EXPECT_EQ(m_client.find({"text~=("}).handle, 0U);
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
+}
+
+TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
+    showViews();
+    const struct {
+        QStringList view;
+        QString text;
+        int row;
+        int column;
+        QString type;
+        QString found;
+    } cases[] = {
+        {{"type=QListWidget"}, "two", -1, -1, "QListViewItem", "two"},
+        {{"type=QTreeWidget"}, "top", -1, -1, "QTreeViewItem", "top"},
+        {{"type=QTreeWidget"}, "top.v1\\.0", -1, -1, "QTreeViewItem", "v1.0"},
+        {{"type=QTableWidget"}, {}, 0, 1, "QTableViewItem", "cell"},
+        {{"type=QTableWidget"}, "deep", -1, -1, "QTableViewItem", "deep"},
+        {{"type=QComboBox"}, "green", -1, -1, "QComboBoxItem", "green"},
+        {{"type=QTabWidget"}, "Views", -1, -1, "QTabBarItem", "Views"},
+        {{"type=QMenuBar"}, "File", -1, -1, "QAction", "File"},
+        {{"type=QMenuBar"}, "File.Recent.a\\.txt", -1, -1, "QAction", "a.txt"},
+        {{"name=columns"},
+         "second",
+         -1,
+         -1,
+         "QHeaderViewItem",
+         "second"},
+    };
+    for (const auto& each : cases) {
+        const Wire::LookUpResult result = findItem(each.view, each.text, each.row, each.column);
+        EXPECT_EQ(result.object.className, each.type) << each.text.toStdString();
+        EXPECT_EQ(m_client.read(result.object, "text"), each.found);
+    }
+    const Wire::LookUpResult none = findItem({"type=QListWidget"}, "four");
+    EXPECT_EQ(none.object.handle, 0U);
+    EXPECT_EQ(none.obstacle, "it has no item 'four'");
+    // Items are objects of a look-up too, those far down a long model are not.
+    EXPECT_NE(m_client.find({"type=QTableViewItem", "text=cell"}).handle, 0U);
+    EXPECT_EQ(m_client.find({"type=QTableViewItem", "text=deep"}).handle, 0U);
+}
+
+TEST_F(LookUpTest, GraphicsItemsAreSeen) {
+    showViews();
+    for (const char* type :
+         {"QGraphicsRectItem", "QGraphicsSimpleTextItem", "QGraphicsProxyWidget"})
+        EXPECT_NE(m_client.find({QString("type=") + type}).handle, 0U) << type;
+    const Wire::ObjectInfo view = m_client.find({"type=QGraphicsView"});
+    const Wire::ObjectInfo embedded = m_client.find({"type=QPushButton", "text=embedded"});
+    EXPECT_TRUE(bounds(view).contains(bounds(embedded)));
+    EXPECT_TRUE(bounds(view).contains(bounds(m_client.find({"text=drawn"}))));
+}
+
+}  // namespace
+
+}  // namespace Tamrix

@@ -1,0 +1,126 @@
+// How a program gets the agent, and what it does not do to the program.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <array>
+
+#include "support/agentclient.h"
+
+namespace Tamrix {
+
+namespace {
+
+const QMap<QString, QString> refused = {{"TAMRIX_AUTS", "another"}};
+
+class WaysIn : public testing::TestWithParam<WayIn> {};
+
+TEST_P(WaysIn, AProgramAnnouncesItself) {
+    AgentClient client("widgets_target", {"an argument"}, GetParam());
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    EXPECT_EQ(client.hello().pid, client.pid());
+    EXPECT_EQ(client.hello().parentPid, ::getpid());
+    EXPECT_EQ(QFileInfo(client.hello().program).fileName(), "widgets_target");
+    EXPECT_EQ(client.hello().arguments, QStringList{"an argument"});
+    EXPECT_EQ(client.hello().qtVersion, qVersion());
+    EXPECT_EQ(client.hello().platform, "offscreen");
+    EXPECT_TRUE(client.exchange(Wire::MessageType::Ping));
+}
+
+TEST_P(WaysIn, ARefusedProgramIsLeftAlone) {
+    AgentClient client("widgets_target", {}, GetParam(), refused);
+    EXPECT_FALSE(client.acceptHello(1500));
+    QFile maps(QString("/proc/%1/maps").arg(client.pid()));
+    ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(maps.readAll().contains("libtamrixagent.so"));
+}
+
+TEST_P(WaysIn, AllowedChildrenAnnounceThemselvesToo) {
+    for (const char* how : {"child", "shell"}) {
+        AgentClient client("processes_target", {how}, GetParam());
+        ASSERT_TRUE(client.accept());
+        const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
+        ASSERT_TRUE(client.accept()) << how << client.errorOutput().toStdString();
+        EXPECT_NE(client.hello().pid, client.pid());
+        EXPECT_EQ(client.hello().arguments, QStringList{"follow"});
+        EXPECT_TRUE(client.exchange(Wire::MessageType::Ping));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, WaysIn, testing::Values(WayIn::Plugin, WayIn::Hook),
+                         [](const auto& test) {
+                             return test.param == WayIn::Plugin ? "Plugin" : "Hook";
+                         });
+
+TEST(WayInTest, BothWaysAtOnceStartOneAgent) {
+    AgentClient client("widgets_target", {}, WayIn::Plugin,
+                       {{"LD_PRELOAD", TAMRIX_TEST_PREFIX "/lib/libtamrixhook.so"}});
+    ASSERT_TRUE(client.accept());
+    const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
+    EXPECT_FALSE(client.acceptHello(1000));
+}
+
+TEST(WayInTest, APythonProgramGetsIn) {
+    AgentClient client("/usr/bin/python3",
+                       {"-c",
+                        "from PyQt5.QtWidgets import QApplication, QPushButton\n"
+                        "a = QApplication(['x'])\nb = QPushButton('Py')\nb.show()\na.exec_()"});
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    EXPECT_NE(client.find({"type=QPushButton", "text=Py"}).handle, 0U);
+}
+
+TEST(WayInTest, ARunnerThatIsNotThereTakesOneLine) {
+    AgentClient client("processes_target", {"twice"}, WayIn::Plugin,
+                       {{"TAMRIX_AGENT_CONNECT", "/nowhere/socket"}});
+    EXPECT_EQ(client.waitForEnd(1500), -1) << "the program must live on";
+    EXPECT_EQ(client.errorOutput().count("tamrixagent:"), 1);
+    EXPECT_TRUE(client.errorOutput().contains("/nowhere/socket"));
+}
+
+TEST(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
+    AgentClient client("widgets_target");
+    ASSERT_TRUE(client.acceptHello());
+    Wire::Text text;
+    text.text = "version 1 here, 7 there";
+    client.channel().sendBody(0, Wire::MessageType::Refusal, text);
+    EXPECT_FALSE(client.nextFrame(2000));
+    EXPECT_FALSE(client.channel().isOpen());
+    EXPECT_TRUE(client.errorOutput().contains("version 1 here, 7 there"));
+    EXPECT_EQ(client.waitForEnd(300), -1);
+}
+
+TEST(WayInTest, GarbageAndALostRunnerDoNoHarm) {
+    for (const bool isGreeted : {false, true}) {
+        AgentClient client("widgets_target");
+        ASSERT_TRUE(isGreeted ? client.accept() : client.acceptHello());
+        const std::array<char, 100> garbage{'x', 'y'};
+        ASSERT_GT(::write(client.channel().descriptor(), garbage.data(), garbage.size()), 0);
+        EXPECT_FALSE(client.nextFrame(2000));
+        EXPECT_EQ(client.waitForEnd(300), -1);
+    }
+}
+
+TEST(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
+    AgentClient client("processes_target", {"fork"});
+    ASSERT_TRUE(client.accept());
+    ::usleep(600 * 1000);
+    for (int round = 0; round < 20; ++round)
+        ASSERT_TRUE(client.exchange(Wire::MessageType::TopLevelObjects));
+    EXPECT_NE(client.find({"text=label of fork"}).handle, 0U);
+    EXPECT_EQ(client.errorOutput().count("tamrixagent"), 0);
+}
+
+TEST(WayInTest, ASecondApplicationObjectRunsWithoutAgent) {
+    AgentClient client("processes_target", {"twice"});
+    ASSERT_TRUE(client.accept());
+    EXPECT_FALSE(client.nextFrame(3000));
+    EXPECT_FALSE(client.channel().isOpen());
+    EXPECT_EQ(client.waitForEnd(500), -1) << "the program must live on";
+}
+
+}  // namespace
+
+}  // namespace Tamrix

@@ -1,0 +1,62 @@
+"""Every function for applications and their contexts, with two real programs."""
+
+
+def fails(text, function, *arguments):
+    try:
+        function(*arguments)
+    except RuntimeError as error:
+        test.verify(text in str(error), "%r holds %r" % (str(error), text))
+    else:
+        test.fail("nothing was raised", text)
+
+
+def main():
+    test.verify(currentApplicationContext() is None)
+    calculator = startApplication("calculator")
+    test.compare(currentApplicationContext(), calculator)
+    test.compare(defaultApplicationContext(), calculator)
+    gallery = startApplication("gallery")
+    test.compare(currentApplicationContext(), gallery)
+    test.compare(applicationContextList(), [calculator, gallery])
+    test.compare(applicationContext("calculator"), calculator)
+    test.verify(applicationContext("none") is None)
+    test.verify(object.exists("{type='QComboBox'}"))
+
+    setApplicationContext(calculator)
+    test.verify(not object.exists("{type='QComboBox'}"))
+    test.verify(object.exists("{type='Button' text='7'}"))
+
+    test.startSection("Facts")
+    test.compare(calculator.name(), "calculator")
+    test.verify("calculator" in calculator.commandLine())
+    test.verify(calculator.pid() > 1 and calculator.pid() != gallery.pid())
+    test.verify(calculator.cwd().startswith("/"))
+    test.compare(calculator.isRunning(), True)
+    test.compare(calculator.isFrozen(5), False)
+    test.verify(calculator.usedMemory() > 1000000)
+    test.verify(calculator.totalTime() >= 0)
+    test.compare(calculator.environmentVariable("FLAVOUR"), "plain")
+    calculator.readStdout()
+    calculator.readStderr()
+    test.verify(len(calculator.osName()) > 0)
+    test.verify(len(calculator.host()) > 0)
+    calculator.port()
+    test.verify(calculator.startTime() is not None)
+    test.endSection()
+
+    test.startSection("Failures")
+    fails("Empty application specified to startApplication", startApplication, "")
+    fails("no-such-program", startApplication, "no-such-program")
+    fails("", attachToApplication, "not-attachable")
+    fails("", waitForApplicationLaunch, 100)
+    fails("", startFMI)
+    fails("", startCAN)
+    fails("connectTo failed", connectTo, {"nothing": "here"})
+    fails("Invalid type passed to setApplicationContext()", setApplicationContext, 1)
+    test.endSection()
+
+    setApplicationContext()
+    test.compare(currentApplicationContext(), calculator)
+    gallery.detach()
+    fails("Cannot switch to invalid application context", setApplicationContext, gallery)
+    fails("detach() failed", gallery.detach)

@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include "platform/testresult/htmlreport.h"
+#include "platform/testresult/htmlrun.h"
+#include "support/files.h"
+
+using namespace Tamrix;
+using namespace Tamrix::Test;
+
+namespace {
+
+/// A page that opens the report beside it in a frame, acts there as a person would, and leaves what
+/// it saw as its own text. "%1" stands for the fragment of the report's address, "%2" for the
+/// steps, which fill `seen`.
+const char* const visitor = R"(<!DOCTYPE html>
+<meta charset="utf-8">
+<iframe src="report/index.html%1" width="1000" height="700"></iframe>
+<script>
+const frame = document.querySelector("iframe");
+const seen = {};
+const until = async (holds) => {
+    while (!holds())
+        await new Promise((resolve) => setTimeout(resolve, 20));
+};
+const leave = () =>
+    document.body.textContent = "BEGIN" + encodeURIComponent(JSON.stringify(seen)) + "END";
+frame.addEventListener("load", async () => {
+    const page = frame.contentDocument;
+    const one = (selector) => page.querySelector(selector);
+    const isVisible = (element) => element.checkVisibility();
+    const cases = () => [...page.querySelectorAll(".case")].filter(isVisible)
+        .map((element) => element.querySelector(".name").textContent).join(" ");
+    try {
+%2
+    } catch (error) {
+        seen.error = String(error);
+    }
+    seen.hacked = frame.contentWindow.hacked !== undefined;
+    leave();
+});
+</script>
+)";
+
+class HtmlBrowserTest : public testing::Test {
+protected:
+    HtmlBrowserTest() {
+        HtmlReport html(directory.filePath("report"));
+        EXPECT_TRUE(addHtmlRun(&html, directory.path()));
+        html.finish();
+        EXPECT_EQ(html.errorText(), QString());
+    }
+
+    /// What the visitor saw.
+    QJsonObject visit(const QString& fragment, const QString& steps) {
+        const QString page = QString::fromUtf8(visitor).arg(fragment, steps);
+        EXPECT_TRUE(writeFile(directory.filePath("visitor.html"), page.toUtf8()));
+        QProcess browser;
+        browser.start(
+            CHROMIUM,
+            {"--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+             "--no-first-run", "--disable-extensions", "--disable-background-networking",
+             "--user-data-dir=" + directory.filePath("profile"), "--allow-file-access-from-files",
+             "--virtual-time-budget=20000", "--dump-dom",
+             QUrl::fromLocalFile(directory.filePath("visitor.html")).toString()});
+        if (!browser.waitForFinished(60000)) {
+            ADD_FAILURE() << "the browser does not end: " << browser.errorString().toStdString();
+            browser.kill();
+            browser.waitForFinished();
+            return {};
+        }
+        const QByteArray text = browser.readAllStandardOutput();
+        const int begin = text.indexOf("BEGIN") + 5;
+        const int end = text.indexOf("END", begin);
+        QJsonParseError error;
+        const QJsonDocument seen = QJsonDocument::fromJson(
+            QByteArray::fromPercentEncoding(text.mid(begin, end - begin)), &error);
+        EXPECT_EQ(error.error, QJsonParseError::NoError)
+            << text.right(2000).toStdString() << browser.readAllStandardError().toStdString();
+        return seen.object();
+    }
+
+    QTemporaryDir directory;
+};
+
+TEST_F(HtmlBrowserTest, ShowsFailuresAndFilters) {
+    const QJsonObject seen = visit("", R"(
+        seen.all = cases();
+        // The first failure stands open, with its screenshot, lines and the application's output.
+        const image = one(".case[open] .failure img");
+        await until(() => image.complete);
+        seen.imageWidth = image.naturalWidth;
+        seen.detail = one(".case[open] .failure .detail").textContent;
+        seen.hit = one(".case[open] .failure .hit").textContent;
+        seen.note = one(".case[open] .failure .note").textContent;
+        seen.calls = one(".case[open] .failure .stack").textContent.includes("called from");
+        const output = [...page.querySelectorAll(".entry")].find(
+            (element) => element.textContent.includes("calculator-stderr.txt"));
+        output.querySelector("summary").click();
+        await until(() => output.querySelector("pre"));
+        seen.output = output.querySelector("pre").textContent;
+        // Enlarged, and back.
+        image.parentElement.click();
+        seen.isEnlarged = one("dialog[open] img") !== null;
+        one("dialog").click();
+        seen.isBack = one("dialog[open]") === null;
+        // Filters.
+        one(".filter .failed").click();
+        seen.failed = cases();
+        one(".filter .skipped").click();
+        seen.failedAndSkipped = cases();
+        seen.address = frame.contentWindow.location.hash;
+        one(".filter button").click();
+        const search = one(".filter input");
+        search.value = "WORDS \\x1b";
+        search.dispatchEvent(new frame.contentWindow.Event("input"));
+        await until(() => cases() === "tst_lost");
+        seen.found = cases();
+        // Sections.
+        one("#case-4 summary").click();
+        await until(() => one("#case-4 .section"));
+        const section = one("#case-4 .section");
+        seen.isFolded = !section.open;
+        section.querySelector("summary").click();
+        await until(() => section.querySelector(".inside"));
+        seen.section = section.textContent;
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_FALSE(seen["hacked"].toBool(true));
+    EXPECT_EQ(seen["all"].toString(), "Outside the cases tst_login tst_basket tst_print tst_lost");
+    EXPECT_EQ(seen["imageWidth"].toInt(), 640);
+    EXPECT_EQ(seen["detail"].toString(),
+              "'<script>window.hacked = 1</script>'\nand '2' are not equal");
+    EXPECT_EQ(seen["hit"].toString(), "11line(11)  # <b>");
+    EXPECT_TRUE(seen["note"].toString().startsWith("The file was changed"));
+    EXPECT_TRUE(seen["calls"].toBool());
+    EXPECT_EQ(seen["output"].toString(), "Calculator: no key <7>\n");
+    EXPECT_TRUE(seen["isEnlarged"].toBool());
+    EXPECT_TRUE(seen["isBack"].toBool());
+    EXPECT_EQ(seen["failed"].toString(), "tst_basket");
+    EXPECT_EQ(seen["failedAndSkipped"].toString(), "tst_basket tst_print");
+    EXPECT_EQ(seen["address"].toString(), "#outcome=failed%2Cskipped");
+    EXPECT_EQ(seen["found"].toString(), "tst_lost");
+    EXPECT_TRUE(seen["isFolded"].toBool());
+    EXPECT_TRUE(seen["section"].toString().contains("last words \\x1b[31m"));
+}
+
+TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {
+    const QJsonObject seen = visit("#outcome=failed,incomplete&text=kill", R"(
+        seen.cases = cases();
+        frame.contentWindow.location.hash = "#case=tst_print";
+        await until(() => one(".case[open]"));
+        seen.open = one(".case[open] .name").textContent;
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_EQ(seen["cases"].toString(), "tst_lost");
+    EXPECT_EQ(seen["open"].toString(), "tst_print");
+}
+
+}  // namespace
