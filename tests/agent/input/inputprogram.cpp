@@ -1,0 +1,72 @@
+#include "agent/input/inputprogram.h"
+
+#include <QThread>
+
+namespace Tamrix {
+
+InputProgram::InputProgram(const QString& program, const QString& platform, const QString& display)
+    : m_client(program, {}, WayIn::Plugin,
+               {{"QT_QPA_PLATFORM", platform}, {"DISPLAY", display}, {"LC_ALL", "C.UTF-8"}}) {
+    m_client.accept();
+    sync();
+}
+
+Wire::ObjectInfo InputProgram::object(const QString& name) {
+    return m_client.find({QStringLiteral("name=") + name});
+}
+
+Wire::ObjectInfo InputProgram::item(const QString& view, const QString& text) {
+    Wire::FindItem request;
+    request.handle = object(view).handle;
+    request.text = text;
+    return m_client.request<Wire::LookUpResult>(Wire::MessageType::FindItem, request).object;
+}
+
+QVariant InputProgram::read(const QString& name, const QString& property) {
+    return m_client.read(object(name), property);
+}
+
+void InputProgram::write(const QString& name, const QString& property, const QVariant& value) {
+    m_client.tell(Wire::MessageType::WriteProperty,
+                  Wire::PropertyAccess{object(name).handle, property, value});
+}
+
+QString InputProgram::call(const QString& function, const Wire::ObjectInfo& object,
+                           const QVariantList& arguments, int timeout) {
+    Wire::Invoke request;
+    request.method = function;
+    request.arguments = arguments;
+    request.arguments.prepend(QVariant::fromValue(object));
+    request.timeout = timeout;
+    m_client.request<Wire::Value>(Wire::MessageType::Invoke, request);
+    const QString error = m_client.lastError();
+    if (m_client.channel().isOpen())
+        sync();
+    return error;
+}
+
+QString InputProgram::call(const QString& function, const QString& name,
+                           const QVariantList& arguments, int timeout) {
+    return call(function, object(name), arguments, timeout);
+}
+
+void InputProgram::sync() {
+    m_client.exchange(Wire::MessageType::Sync);
+}
+
+QString InputProgram::takeLog() {
+    const QString log = read("main", "log").toString();
+    write("main", "log", QString());
+    return log;
+}
+
+QString InputProgram::waitForLog() {
+    QString log;
+    for (int i = 0; log.isEmpty() && i < 100; ++i) {
+        log = takeLog();
+        QThread::msleep(20);
+    }
+    return log;
+}
+
+}  // namespace Tamrix
