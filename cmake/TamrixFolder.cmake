@@ -101,17 +101,24 @@ function(tamrix_test_module name)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
 endfunction()
 
-# tamrix_program(NAME SOURCES file... [LINK target...])
-#   A program in bin/ that finds the libraries in ../lib.
+# tamrix_program(NAME [HELPER] SOURCES file... [LINK target...])
+#   A program in bin/, or a helper of other programs in lib/exec/, that finds the libraries in lib/.
 function(tamrix_program name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "HELPER" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    set(folder bin)
+    set(libraries "$ORIGIN/../lib")
+    if(ARG_HELPER)
+        set(folder lib/exec)
+        set(libraries "$ORIGIN/..")
+    endif()
     set_target_properties(${name} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${TAMRIX_PREFIX_DIR}/${folder}
         BUILD_WITH_INSTALL_RPATH ON
-        INSTALL_RPATH "$ORIGIN/../lib")
+        INSTALL_RPATH ${libraries})
     target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
     add_dependencies(tamrix-product ${name})
-    install(TARGETS ${name} RUNTIME DESTINATION bin)
+    install(TARGETS ${name} RUNTIME DESTINATION ${folder})
 endfunction()
 
 # tamrix_test(NAME SOURCES file... [LINK target...])

@@ -7,7 +7,9 @@ include(CMakePackageConfigHelpers)
 foreach(folder base platform shared vision interpreter)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${folder}
             DESTINATION include/tamrix
-            FILES_MATCHING PATTERN "*.h")
+            FILES_MATCHING PATTERN "*.h"
+            # The runner's end of connections builds on messages that are not installed.
+            PATTERN remote EXCLUDE)
 endforeach()
 install(DIRECTORY ${TAMRIX_PREFIX_DIR}/etc ${TAMRIX_PREFIX_DIR}/scriptmodules DESTINATION .)
 install(DIRECTORY DESTINATION lib/exec)

@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "platform/testresult/reportfactory.h"
@@ -13,13 +14,19 @@ namespace {
 
 const QLatin1String programName("tamrixrunner");
 
+const QLatin1String displayOption("aut-display");
 const QLatin1String failFastOption("fail-fast");
 const QLatin1String helpOption("help");
+const QLatin1String jsonOption("json");
+const QLatin1String nameOption("name");
 const QLatin1String quietOption("quiet");
 const QLatin1String reportOption("report");
 const QLatin1String resultDirectoryOption("result-dir");
+const QLatin1String screenshotOption("screenshot");
 const QLatin1String toOption("to");
 const QLatin1String verboseOption("verbose");
+const QLatin1String waitOption("wait");
+const QLatin1String xmlOption("xml");
 
 /// Where reports can be asked for, and with which words.
 const char* const reportValueName = "FORMAT:PATH";
@@ -38,6 +45,8 @@ struct CommandDescription {
     /// -1 for any number.
     int maximalArguments;
     bool takesScriptArguments;
+    /// Everything from the first positional argument on belongs to a program.
+    bool startsProgram;
     QString (*read)(Values values, CommandLine& line);
 };
 
@@ -67,6 +76,41 @@ QString addReports(const QStringList& reports, CommandLine& line) {
     return {};
 }
 
+QString readDisplay(Values values, CommandLine& line) {
+    static const QRegularExpression number(QStringLiteral("\\A:[0-9]+(\\.[0-9]+)?\\z"));
+    line.display =
+        values.isSet(displayOption) ? values.value(displayOption) : QStringLiteral("inherit");
+    if (line.display == QLatin1String("auto") || line.display == QLatin1String("inherit") ||
+        number.match(line.display).hasMatch())
+        return {};
+    return QStringLiteral("--aut-display takes auto, inherit or :N, not '%1'").arg(line.display);
+}
+
+QString readInspect(Values values, CommandLine& line) {
+    line.program = values.positionalArguments();
+    if (values.isSet(jsonOption) && values.isSet(xmlOption))
+        return QStringLiteral("--json and --xml exclude each other");
+    line.treeFormat = values.isSet(jsonOption)  ? CommandLine::TreeFormat::Json
+                      : values.isSet(xmlOption) ? CommandLine::TreeFormat::Xml
+                                                : CommandLine::TreeFormat::Text;
+    line.screenshotFile = values.value(screenshotOption);
+    if (values.isSet(waitOption)) {
+        bool isNumber = false;
+        line.waitSeconds = values.value(waitOption).toDouble(&isNumber);
+        if (!isNumber || !(line.waitSeconds >= 0 && line.waitSeconds <= 3600))
+            return QStringLiteral("--wait takes a number of seconds, not '%1'")
+                .arg(values.value(waitOption));
+    }
+    return readDisplay(values, line);
+}
+
+QString readAttachable(Values values, CommandLine& line) {
+    line.program = values.positionalArguments();
+    line.applicationName = values.value(nameOption);
+    return line.applicationName.isEmpty() ? QStringLiteral("attachable needs --name NAME")
+                                          : QString();
+}
+
 QString readRun(Values values, CommandLine& line) {
     line.suite = values.positionalArguments().constFirst();
     line.cases = values.positionalArguments().mid(1);
@@ -82,6 +126,9 @@ QString readRun(Values values, CommandLine& line) {
         line.resultDirectory = QDir::cleanPath(QDir::current().absoluteFilePath(directory));
         line.reports.append(QStringLiteral("json:%1/journal.jsonl").arg(line.resultDirectory));
     }
+    const QString displayProblem = readDisplay(values, line);
+    if (!displayProblem.isEmpty())
+        return displayProblem;
     const QStringList reports = values.values(reportOption);
     for (const QString& report : reports) {
         if (isStandardOutput(report)) {
@@ -106,6 +153,13 @@ QString readReport(Values values, CommandLine& line) {
     return addReports(values.values(toOption), line);
 }
 
+QCommandLineOption displayDescription() {
+    return {displayOption,
+            "Where applications appear: auto (a display and session bus of its own), inherit (the "
+            "default) or :N.",
+            "auto|inherit|:N"};
+}
+
 const QList<CommandDescription>& commands() {
     static const QList<CommandDescription> table = {
         {CommandLine::Command::Run,
@@ -113,18 +167,19 @@ const QList<CommandDescription>& commands() {
          "SUITE [CASE...]",
          "Runs the suite's test cases, or the named ones, in the suite's order.",
          {{reportOption,
-           "Writes a report of the run: json (the journal), junit (JUnit XML) or console; may be "
-           "given "
-           "several times.",
+           "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML) or "
+           "console; may be given several times.",
            reportValueName},
           {resultDirectoryOption,
            "Keeps attachments and the run's journal (journal.jsonl) in this folder.", "DIR"},
+          displayDescription(),
           {failFastOption, "Ends the run behind the first test case that fails."},
           {verboseOption, "Shows every result, not only the failures."},
           {quietOption, "Shows failures and the summary only."}},
          1,
          -1,
          true,
+         false,
          readRun},
         {CommandLine::Command::List,
          "list",
@@ -134,19 +189,45 @@ const QList<CommandDescription>& commands() {
          1,
          1,
          false,
+         false,
          readList},
         {CommandLine::Command::Report,
          "report",
          "JOURNAL --to FORMAT:PATH",
          "Makes reports from the journal of a run, also of one that was killed.",
          {{toOption,
-           "The report: json (the journal), junit (JUnit XML) or console; may be given several "
-           "times.",
+           "The report: html (a folder), json (the journal), junit (JUnit XML) or console; may be "
+           "given several times.",
            reportValueName}},
          1,
          1,
          false,
+         false,
          readReport},
+        {CommandLine::Command::Inspect,
+         "inspect",
+         "PROGRAM [ARGUMENT...]",
+         "Starts a program and prints its objects with the names that find them.",
+         {displayDescription(),
+          {jsonOption, "Prints JSON."},
+          {xmlOption, "Prints XML, in the form of coverage files."},
+          {screenshotOption, "Stores a picture of the screen in this file.", "FILE"},
+          {waitOption, "Waits so long before it looks; 1 unless given.", "SECONDS"}},
+         1,
+         -1,
+         false,
+         true,
+         readInspect},
+        {CommandLine::Command::Attachable,
+         "attachable",
+         "--name NAME PROGRAM [ARGUMENT...]",
+         "Starts a program to which runs can attach by its name, and keeps it until it ends.",
+         {{nameOption, "The name for attachToApplication().", "NAME"}},
+         1,
+         -1,
+         false,
+         true,
+         readAttachable},
     };
     return table;
 }
@@ -214,6 +295,9 @@ CommandLine parseCommand(const CommandDescription& command, const QStringList& a
     parser.setApplicationDescription(QLatin1String(command.summary));
     parser.addOption({helpOption, QStringLiteral("Tells the options of the command.")});
     parser.addOptions(command.options);
+    if (command.startsProgram)
+        parser.setOptionsAfterPositionalArgumentsMode(
+            QCommandLineParser::ParseAsPositionalArguments);
 
     if (!parser.parse(arguments)) {
         QString problem = parser.errorText();
@@ -264,14 +348,9 @@ bool isSameFile(const QString& left, const QString& right) {
 }
 
 CommandLine parseCommandLine(const QStringList& arguments) {
-    // Everything behind the first "--" belongs to the scripts, options or not.
-    const int separator = arguments.indexOf(QStringLiteral("--"));
-    const QStringList own = arguments.mid(0, separator);
-    const QStringList forScripts = separator < 0 ? QStringList() : arguments.mid(separator + 1);
-
-    if (own.size() < 2)
+    if (arguments.size() < 2)
         return wrongUsage(QStringLiteral("no command given"));
-    const QString& name = own.at(1);
+    const QString& name = arguments.at(1);
     if (name == QLatin1String("--help") || name == QLatin1String("-h"))
         return shownText(generalHelp());
     if (name == QLatin1String("--version"))
@@ -284,9 +363,14 @@ CommandLine parseCommandLine(const QStringList& arguments) {
                 ? QStringLiteral("Unknown option '%1' in front of the command").arg(name)
                 : QStringLiteral("unknown command '%1'").arg(name));
     }
-    QStringList rest = own;
-    rest.removeAt(1);
-    return parseCommand(*command, rest, forScripts, separator >= 0);
+    QStringList own = arguments;
+    own.removeAt(1);
+    // A program gets its "--" like everything else behind its name.
+    const int separator = command->startsProgram ? -1 : own.indexOf(QStringLiteral("--"));
+    if (separator < 0)
+        return parseCommand(*command, own, {}, false);
+    // Everything behind the first "--" belongs to the scripts, options or not.
+    return parseCommand(*command, own.mid(0, separator), own.mid(separator + 1), true);
 }
 
 }  // namespace Tamrix

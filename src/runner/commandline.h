@@ -8,10 +8,12 @@ namespace Tamrix {
 /// What the program was asked to do. Plain data.
 struct CommandLine {
     enum class Command {
-        Show,   ///< print `text`
-        Run,    ///< run `cases` (all for none) of `suite`
-        List,   ///< list the cases of `suite`
-        Report  ///< make `reports` from `journal`
+        Show,       ///< print `text`
+        Run,        ///< run `cases` (all for none) of `suite`
+        List,       ///< list the cases of `suite`
+        Report,     ///< make `reports` from `journal`
+        Inspect,    ///< print the objects of `program`
+        Attachable  ///< keep `program` for runs to attach to as `applicationName`
     };
 
     Command command = Command::Show;
@@ -32,6 +34,18 @@ struct CommandLine {
     bool verbose = false;
     bool quiet = false;
     QStringList scriptArguments;
+    /// Where applications appear: "inherit", "auto" or ":N".
+    QString display;
+    /// A program and its arguments.
+    QStringList program;
+    QString applicationName;
+    /// What inspect prints.
+    enum class TreeFormat { Text, Json, Xml };
+    TreeFormat treeFormat = TreeFormat::Text;
+    /// Where inspect stores a picture of the screen, empty for nowhere.
+    QString screenshotFile;
+    /// How long inspect waits before it looks, in seconds.
+    double waitSeconds = 1;
 };
 
 /// Whether both paths lead to one file, which need not exist.

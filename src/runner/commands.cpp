@@ -12,34 +12,22 @@
 #include "platform/testresult/consolereport.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
+#include "runner/attachable.h"
+#include "runner/inspect.h"
 #include "runner/interrupt.h"
 #include "runner/suite.h"
 #include "runner/suiterun.h"
+#include "runner/terminal.h"
 
 namespace Tamrix {
 
 namespace {
 
-void writeText(FILE* stream, const QString& text) {
-    const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
-
-void tell(const QString& text) {
-    writeText(stderr, QStringLiteral("tamrixrunner: %1\n").arg(text));
-}
-
-int fail(const QString& text) {
-    tell(text);
-    return ExitUsage;
-}
-
 /// Text for standard output; not being able to write it is a failure.
 int show(const QString& text) {
-    writeText(stdout, text);
-    return std::ferror(stdout) ? fail(QStringLiteral("standard output can't be written"))
-                               : ExitSuccess;
+    return writeBytes(stdout, text.toLocal8Bit())
+               ? ExitSuccess
+               : failWith(QStringLiteral("standard output can't be written"));
 }
 
 bool wantsColour() {
@@ -81,16 +69,16 @@ int runSuite(const CommandLine& line) {
     QString error;
     const Suite suite = loadSuite(line.suite, &error);
     if (!error.isEmpty())
-        return fail(error);
+        return failWith(error);
     const QList<SuiteCase> cases = selectCases(suite, line.cases, &error);
     if (!error.isEmpty())
-        return fail(error);
+        return failWith(error);
     if (!line.resultDirectory.isEmpty() && !QDir().mkpath(line.resultDirectory))
-        return fail(QStringLiteral("the folder '%1' can't be made").arg(line.resultDirectory));
+        return failWith(QStringLiteral("the folder '%1' can't be made").arg(line.resultDirectory));
     CompositeReport reports;
     error = openReports(line.reports, reports);
     if (!error.isEmpty())
-        return fail(error);
+        return failWith(error);
     // Behind the others: what a person has seen is in the journal, even if the process is killed.
     reports.append(createConsole(line));
 
@@ -98,7 +86,11 @@ int runSuite(const CommandLine& line) {
     options.failFast = line.failFast;
     options.resultDirectory = line.resultDirectory;
     options.scriptArguments = line.scriptArguments;
+    options.display = line.display;
     SuiteRun run(suite, options, &reports);
+    error = run.prepare();
+    if (!error.isEmpty())
+        return failWith(error);
     run.run(cases);
 
     const bool reported = finishReports(reports);
@@ -115,11 +107,17 @@ int runSuite(const CommandLine& line) {
     return run.hasFailed() ? ExitFailure : ExitSuccess;
 }
 
+int keepProgram(const CommandLine& line) {
+    QString error;
+    const int exitCode = keepAttachable({line.applicationName, line.program}, &error);
+    return error.isEmpty() ? exitCode : failWith(error);
+}
+
 int listCases(const CommandLine& line) {
     QString error;
     const Suite suite = loadSuite(line.suite, &error);
     if (!error.isEmpty())
-        return fail(error);
+        return failWith(error);
     QString text;
     for (const SuiteCase& each : suite.cases)
         text += each.name + QLatin1Char('\n');
@@ -135,24 +133,24 @@ bool overwritesJournal(const QString& description, const QString& journal) {
 
 int makeReports(const CommandLine& line) {
     if (!QFileInfo(line.journal).isFile())
-        return fail(QStringLiteral("there is no journal '%1'").arg(line.journal));
+        return failWith(QStringLiteral("there is no journal '%1'").arg(line.journal));
     for (const QString& report : line.reports) {
         if (overwritesJournal(report, line.journal))
-            return fail(QStringLiteral("'%1' would write over the journal").arg(report));
+            return failWith(QStringLiteral("'%1' would write over the journal").arg(report));
     }
     // Without any report first: a faulty journal must not leave faulty reports behind.
     CompositeReport nothing;
     JournalReader check(&nothing);
     if (!check.replay(line.journal))
-        return fail(check.errorText());
+        return failWith(check.errorText());
 
     CompositeReport reports;
     const QString error = openReports(line.reports, reports);
     if (!error.isEmpty())
-        return fail(error);
+        return failWith(error);
     JournalReader reader(&reports);
     if (!reader.replay(line.journal))
-        return fail(reader.errorText());
+        return failWith(reader.errorText());
     if (reader.isCut()) {
         tell(QStringLiteral("'%1' ends inside an entry: its run was killed while writing it")
                  .arg(line.journal));
@@ -164,7 +162,7 @@ int makeReports(const CommandLine& line) {
 
 int execute(const CommandLine& commandLine) {
     if (!commandLine.error.isEmpty())
-        return fail(commandLine.error);
+        return failWith(commandLine.error);
     switch (commandLine.command) {
         case CommandLine::Command::Run:
             return runSuite(commandLine);
@@ -172,6 +170,10 @@ int execute(const CommandLine& commandLine) {
             return listCases(commandLine);
         case CommandLine::Command::Report:
             return makeReports(commandLine);
+        case CommandLine::Command::Inspect:
+            return inspectApplication(commandLine);
+        case CommandLine::Command::Attachable:
+            return keepProgram(commandLine);
         case CommandLine::Command::Show:
             break;
     }

@@ -2,10 +2,12 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QEventLoop>
-#include <QTimer>
+#include <QScopedValueRollback>
 #include <algorithm>
 
+#include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/scriptcontext.h"
+#include "platform/testresult/testresult.h"
 #include "runner/interrupt.h"
 
 namespace Tamrix {
@@ -23,6 +25,12 @@ void Runner::setTestCase(const QString& name, const QString& scriptPath) {
     m_imageSearchFixTarget = 0;
 }
 
+QString Runner::objectMapPath() {
+    return m_places.suiteDirectory.isEmpty()
+               ? QString()
+               : m_places.suiteDirectory + QLatin1String("/shared/objectnames.tsv");
+}
+
 void Runner::snooze(double seconds) {
     // The comparison is written so that "not a number" does not sleep at all.
     const double wanted = seconds > 0 ? std::min(seconds * 1000.0, 1e15) : 0;
@@ -33,15 +41,55 @@ void Runner::snooze(double seconds) {
         const qint64 left = static_cast<qint64>(wanted) - sinceStart.elapsed();
         if (left <= 0)
             break;
-        QEventLoop loop;
-        QTimer::singleShot(static_cast<int>(std::min(left, snoozeSliceMilliseconds)),
-                           Qt::PreciseTimer, &loop, &QEventLoop::quit);
-        loop.exec();
+        m_applications.waitForNews(static_cast<int>(std::min(left, snoozeSliceMilliseconds)));
+        work();
     }
 }
 
 void Runner::processEvents() {
+    work();
     QCoreApplication::processEvents();
+}
+
+void Runner::work() {
+    m_applications.work();
+    runHandlers();
+    if (Debugger* const debugger = Debugger::self())
+        debugger->checkForPauseMessage();
+}
+
+void Runner::runHandlers() {
+    // A handler that waits must not run the next one inside it.
+    if (m_isRunningHandlers)
+        return;
+    const QScopedValueRollback<bool> running(m_isRunningHandlers, true);
+    for (const SharedPtr<Application>& application : m_applications.live()) {
+        for (const auto& [callback, object] : application->model().takeEvents())
+            runHandler(callback);
+    }
+}
+
+void Runner::runHandler(const QString& callback) {
+    Interpreter* const interpreter = Interpreter::self();
+    if (!interpreter)
+        return;
+    // What a callable raises goes to standard error.
+    if (interpreter->isCallableAvailable(callback)) {
+        interpreter->invokeCallable(callback);
+        return;
+    }
+    // A handler that was taken out while its event was on the way.
+    if (!interpreter->hasFunction(callback))
+        return;
+    ScriptContext* const context = ScriptContext::current();
+    const bool isCalled = interpreter->callFunction(callback, {});
+    ScriptContext::setCurrent(context);
+    if (!isCalled && m_testResult) {
+        m_testResult->addResult(
+            QDateTime::currentDateTime(), TestResult::Error,
+            QStringLiteral("Script Error in the event handler '%1'").arg(callback),
+            interpreter->errorMessage(), interpreter->errorCallStack());
+    }
 }
 
 }  // namespace Tamrix

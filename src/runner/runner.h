@@ -1,18 +1,22 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
+#include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/runnerinterface.h"
+#include "runner/applications.h"
 
 namespace Tamrix {
 
-/// The services that this program gives to scripts. It can't connect to applications or to remote
-/// systems: operations that need one answer with their failure value and say so. Script thread
-/// only; needs a QCoreApplication for waits.
+/// The services that this program gives to scripts. It can't connect to remote systems: operations
+/// that need one answer with their failure value and say so. Script thread only; needs a
+/// QCoreApplication for waits.
+///
+/// Events of applications run their handlers in the script at the end of the script's calls, in
+/// waits and in processEvents(), never while a request is under way.
 class Runner : public RunnerInterface {
 public:
-    /// What the operations that need an application say.
-    static const QString noApplicationText;
     /// What the operations that need a remote system say.
     static const QString noRemoteSystemText;
 
@@ -23,6 +27,10 @@ public:
     void setResultDirectory(const QString& directory) { m_resultDirectory = directory; }
     /// Not owned, may be null.
     void setTestResult(TestResult* result) { m_testResult = result; }
+    /// Where applications and the map of object names are looked for.
+    void setPlaces(const ApplicationPlaces& places) { m_places = places; }
+    Applications& applications() { return m_applications; }
+    const Applications& applications() const { return m_applications; }
 
     // Waiting and facts: runner.cpp.
     /// Ends early when the run is interrupted.
@@ -35,7 +43,8 @@ public:
     QString testSuiteName() override { return m_suiteName; }
     void setImageSearchFixTarget(int target) override { m_imageSearchFixTarget = target; }
     int imageSearchFixTarget() override { return m_imageSearchFixTarget; }
-    QString objectMapPath() override { return {}; }
+    /// Of the suite's map, whether it has one or not; empty without a suite.
+    QString objectMapPath() override;
     QString currentResultDirectory() override { return m_resultDirectory; }
     QStringList filterArguments() override { return {}; }
     std::vector<unsigned> scenarioIndices() override { return {}; }
@@ -44,7 +53,7 @@ public:
     TestResult* testResult() override { return m_testResult; }
     bool isVideoCaptureEnabled() override { return false; }
 
-    // What needs an application: noapplication.cpp.
+    // Applications and their contexts: contextfacts.cpp.
     SharedPtr<ApplicationContext> startApplication(const QString& program, const QString& host,
                                                    int port, int timeout, QString* error) override;
     SharedPtr<ApplicationContext> attachToApplication(const QString& name, const QString& host,
@@ -74,6 +83,14 @@ public:
     bool isRunning(SharedPtr<ApplicationContext> context) override;
     bool isFrozen(SharedPtr<ApplicationContext> context, int timeoutSeconds) override;
     int pid(SharedPtr<ApplicationContext> context) override;
+    bool isValidContext(SharedPtr<ApplicationContext> context) override;
+    /// All that was kept of the stream since the application started.
+    QString readStdout(SharedPtr<ApplicationContext> context, bool* available) override;
+    QString readStderr(SharedPtr<ApplicationContext> context, bool* available) override;
+    QString osName(SharedPtr<ApplicationContext> context) override;
+    bool isTypeKnownInContext(const QString& typeName, int contextId) override;
+
+    // Waits for objects: objectwaits.cpp.
     SharedPtr<Object> waitForObjectByName(const QString& realName, bool ready,
                                           int timeout) override;
     SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool ready, int timeout) override;
@@ -81,10 +98,8 @@ public:
                                           int timeout) override;
     SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                         int column, int timeout) override;
-    bool isValidContext(SharedPtr<ApplicationContext> context) override;
-    QString readStdout(SharedPtr<ApplicationContext> context, bool* available) override;
-    QString readStderr(SharedPtr<ApplicationContext> context, bool* available) override;
-    QString osName(SharedPtr<ApplicationContext> context) override;
+
+    // Objects and input: applicationinput.cpp.
     bool objectHasComponents(int remoteId) override;
     QStringList fetchObjectComponents(int remoteId) override;
     bool keyEvent(const QString& key, bool press) override;
@@ -94,7 +109,6 @@ public:
     void stopHighlight() override;
     FunctionCallResult<QSharedPointer<BackgroundTask>> startVideoCapture(
         SharedPtr<ApplicationContext> context, QIODevice* device) override;
-    bool isTypeKnownInContext(const QString& typeName, int contextId) override;
     bool acquireRemoteObjectModel() override;
     void releaseRemoteObjectModel() override;
     SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) override;
@@ -129,12 +143,37 @@ public:
                             QString* error) override;
 
 private:
+    /// One look for an object. False when the application gave no answer in time or refused.
+    using Look = std::function<bool(RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
+                                    RequestError* error, int lookTimeout)>;
+
+    static SharedPtr<Object> failedLookup(const QString& text);
+    /// `what` names the object in messages.
+    SharedPtr<Object> waitUntilFound(const SharedPtr<Application>& application, const QString& what,
+                                     bool wantReady, int timeout, const Look& look);
+    SharedPtr<Object> waitForName(const QString& name, bool wantReady, int timeout);
+    /// The model of the object's application, of the current one for null; null with `*error` set
+    /// when there is none or it ended.
+    RemoteModel* modelOf(const SharedPtr<Object>& object, QString* error);
+    std::vector<std::pair<QString, SharedPtr<Object>>> components(int remoteId);
+    QString readOutput(const SharedPtr<ApplicationContext>& context,
+                       QByteArray (ChildOutput::*stream)() const, bool* available);
+    /// Takes what has come from applications, runs the handlers of events, and lets the debugger
+    /// look whether it is to pause.
+    void work();
+    void runHandlers();
+    void runHandler(const QString& callback);
+
     QString m_suiteName;
     QString m_caseName;
     QString m_scriptPath;
     QString m_resultDirectory;
     TestResult* m_testResult = nullptr;
     int m_imageSearchFixTarget = 0;
+    ApplicationPlaces m_places;
+    Applications m_applications;
+    int m_callDepth = 0;
+    bool m_isRunningHandlers = false;
 };
 
 }  // namespace Tamrix

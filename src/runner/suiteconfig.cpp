@@ -188,10 +188,14 @@ void SuiteConfigReader::readSetting() {
 }
 
 void SuiteConfigReader::readApplication() {
-    checkAttributes({QStringLiteral("name"), QStringLiteral("path")});
+    checkAttributes({QStringLiteral("name"), QStringLiteral("path"), QStringLiteral("hook")});
     SuiteConfig::Application application;
     application.name = attribute("name");
     application.path = attribute("path");
+    const QString hook = m_xml.attributes().value(QLatin1String("hook")).toString();
+    application.preloadsAgent = hook == QLatin1String("preload");
+    if (!application.preloadsAgent && !hook.isEmpty() && hook != QLatin1String("plugin"))
+        fail(QStringLiteral("hook is 'plugin' or 'preload', not '%1'").arg(hook));
     checkUnique(m_applicationNames, application.name, "application");
 
     QSet<QString> variableNames;

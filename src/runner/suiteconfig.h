@@ -28,6 +28,9 @@ struct SuiteConfig {
         QStringList arguments;
         /// Empty when the file says nothing.
         QString workingDirectory;
+        /// hook="preload": the agent comes in by a preloaded library, for a program that passes
+        /// over Qt's plug-ins.
+        bool preloadsAgent = false;
         QList<QPair<QString, QString>> environment;
     };
 

@@ -9,19 +9,47 @@
 
 #include "base/environment.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
 #include "runner/interrupt.h"
 #include "runner/processstate.h"
+#include "vision/screenshot.h"
 
 namespace Tamrix {
 
 namespace {
 
-/// Where pictures that go with results are kept: where attachments of the case are, too.
+/// How long an application may take to show that it can take a picture.
+constexpr int pingTimeout = 2000;
+
+SharedPtr<Application> liveApplication(RunnerInterface* runner) {
+    const SharedPtr<ApplicationContext> context = runner->applicationContext(QString());
+    return runner->isValidContext(context) ? staticPointerCast<Application>(context)
+                                           : SharedPtr<Application>();
+}
+
+/// The desktop as the current application sees it; a null image when it does not answer.
+QImage grabCurrentApplication(RunnerInterface* runner) {
+    const SharedPtr<Application> application = liveApplication(runner);
+    RequestError ignored;
+    if (!application || !application->connection().ping(pingTimeout, &ignored))
+        return {};
+    QString error;
+    const QVariant picture =
+        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
+    return Screenshot::fromVariant(picture).image();
+}
+
+/// Where pictures that go with results are kept: where attachments of the case are, too. Without an
+/// application there is nothing to be taken.
 QString screenshotDirectory(RunnerInterface* runner) {
+    if (!liveApplication(runner))
+        return {};
     QString error;
     const QFileInfo directory =
         attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
@@ -37,11 +65,30 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.setSuite(suite.name);
     m_runner.setResultDirectory(options.resultDirectory);
     m_runner.setTestResult(&m_result);
-    TestVP::setScreenshotServices({[](RunnerInterface*) { return QImage(); }, screenshotDirectory});
+    m_runner.setPlaces({suite.config, suite.directory});
+    TestVP::setScreenshotServices({grabCurrentApplication, screenshotDirectory});
 }
 
 SuiteRun::~SuiteRun() {
     TestVP::setScreenshotServices({});
+}
+
+QString SuiteRun::prepare() {
+    const QString error = loadObjectMap();
+    if (!error.isEmpty())
+        return error;
+    // A failure shows the moment in which it happened unless the script asks otherwise.
+    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
+    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnError, true);
+    return m_runner.applications().useDisplay(m_options.display);
+}
+
+QString SuiteRun::loadObjectMap() {
+    const QString path = m_runner.objectMapPath();
+    ObjectMap::self()->clear();
+    if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
+        return {};
+    return Inspector::self()->lastError();
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
@@ -68,6 +115,11 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.setTestCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
+    const QString mapError = loadObjectMap();
+    if (!mapError.isEmpty()) {
+        m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
+                           mapError, LineInfo());
+    }
     {
         const ProcessState stateBeforeCase;
         if (QDir::setCurrent(testCase.directory)) {
@@ -78,6 +130,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
         }
         ScriptContext::setCurrent(nullptr);
     }
+    endApplications();
     // Above what the script or its language left there.
     Interrupt::install();
     if (caseHasFailed())
@@ -104,6 +157,48 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     // A script that forked and let its child fall out of the case: the run goes on once only.
     if (::getpid() != process)
         ::_exit(1);
+}
+
+void SuiteRun::endApplications() {
+    if (caseHasFailed())
+        attachOutput();
+    for (const QString& name : m_runner.applications().endAll()) {
+        m_result.addResult(TestResult::Warning, QStringLiteral("Application can't be ended"), name,
+                           LineInfo());
+    }
+}
+
+void SuiteRun::attachOutput() {
+    QString error;
+    const QFileInfo folder =
+        attachmentResultsPath(m_runner.currentResultDirectory(), m_runner.testCasePath(), &error);
+    for (const auto& program : m_runner.applications().programs()) {
+        const QString name = program->start().name;
+        const std::pair<QString, QByteArray> streams[] = {
+            {QStringLiteral("stdout"), program->output().standardOutput()},
+            {QStringLiteral("stderr"), program->output().standardError()}};
+        for (const auto& [stream, text] : streams) {
+            if (text.isEmpty())
+                continue;
+            if (error.isEmpty())
+                error = ensureResultPathExists(folder);
+            const QString path = calculateTargetFileName(
+                folder.filePath(), QFileInfo(QStringLiteral("%1-%2.txt").arg(name, stream)));
+            QFile file(path);
+            if (error.isEmpty() && (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
+                                    file.write(text) != text.size() || !file.flush()))
+                error = file.errorString();
+            if (!error.isEmpty()) {
+                qWarning("The output of '%s' can't be attached: %s", qUtf8Printable(name),
+                         qUtf8Printable(error));
+                return;
+            }
+            m_result.addAttachment(
+                TestResult::FileAttachment,
+                QStringLiteral("What the application '%1' wrote to %2").arg(name, stream), path,
+                {});
+        }
+    }
 }
 
 bool SuiteRun::readScript(const QString& path, QString* text) {

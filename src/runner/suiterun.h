@@ -18,6 +18,8 @@ struct SuiteRunOptions {
     QString resultDirectory;
     /// For the scripts.
     QStringList scriptArguments;
+    /// Where applications appear: see Applications::useDisplay().
+    QString display;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
@@ -28,6 +30,10 @@ public:
     /// `report` is not owned and outlives the run.
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
+
+    /// What has to be right before anything runs: the display for applications and the suite's map
+    /// of object names. Returns an error text, empty on success. Call it before run().
+    QString prepare();
 
     /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
     /// signal asked to end. Call it once. TAMRIX_PREFIX has to be set.
@@ -45,6 +51,11 @@ private:
     void runScript(const SuiteCase& testCase);
     bool readScript(const QString& path, QString* text);
     bool caseHasFailed() const;
+    /// Loads the suite's map of object names, so that each case starts with the same one.
+    QString loadObjectMap();
+    void endApplications();
+    /// Attaches what the case's applications wrote to the report.
+    void attachOutput();
 
     Suite m_suite;
     SuiteRunOptions m_options;

@@ -26,6 +26,9 @@ inline constexpr quint32 maximalHelloSize = 64U * 1024;
 /// How deep values and names may be nested in each other.
 inline constexpr int maximalDepth = 16;
 
+/// How many elements a list may have, and how many values a value, nested ones included.
+inline constexpr quint32 maximalCount = 1'000'000;
+
 /// Types of messages. The struct of the same name in messages.h is the body; "->" names that of the
 /// reply. A request is answered by a Reply or a Failure with its sequence number.
 enum class MessageType : quint16 {

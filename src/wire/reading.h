@@ -3,6 +3,8 @@
 #include <QDataStream>
 #include <QString>
 
+#include "wire/protocol.h"
+
 /// What reading untrusted streams needs. Internal to the encodings: nobody else includes it.
 namespace Tamrix::Wire {
 
@@ -11,13 +13,15 @@ inline void setCorrupt(QDataStream& stream) {
 }
 
 /// Reads the count of a container whose elements take at least `elementSize` bytes each. A count
-/// that the rest of the stream can't hold is a fault: nothing is reserved for it. 0 on a fault.
+/// that is above maximalCount, or that the rest of the stream can't hold, is a fault: nothing is
+/// reserved for it. 0 on a fault.
 inline int readCount(QDataStream& stream, int elementSize) {
     quint32 count = 0;
     stream >> count;
     if (stream.status() != QDataStream::Ok)
         return 0;
-    if (count > static_cast<quint64>(stream.device()->bytesAvailable()) / elementSize) {
+    if (count > maximalCount ||
+        count > static_cast<quint64>(stream.device()->bytesAvailable()) / elementSize) {
         setCorrupt(stream);
         return 0;
     }

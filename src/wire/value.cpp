@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QDateTime>
+#include <QMetaEnum>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -31,14 +32,77 @@ enum Kind : quint8 {
     Remote = 13
 };
 
+/// How a date's clock stands to UTC.
+enum DateClock : quint8 { InvalidDate = 0, LocalClock = 1, UtcClock = 2, OffsetClock = 3 };
+
+/// Dates further away from 1970 are invalid: 100 million days, in milliseconds.
+constexpr qint64 farthestDate = 8'640'000'000'000'000;
+/// Seconds.
+constexpr qint32 largestOffset = 24 * 60 * 60;
+
 void writeKind(QDataStream& stream, Kind kind) {
     stream << static_cast<quint8>(kind);
 }
 
+/// Not Qt's own encoding, which takes whatever time zone a stream names.
+void writeDate(QDataStream& stream, const QDateTime& date) {
+    const qint64 milliseconds = date.isValid() ? date.toMSecsSinceEpoch() : 0;
+    DateClock clock = OffsetClock;
+    if (!date.isValid() || milliseconds < -farthestDate || milliseconds > farthestDate)
+        clock = InvalidDate;
+    else if (date.timeSpec() == Qt::LocalTime)
+        clock = LocalClock;
+    else if (date.timeSpec() == Qt::UTC)
+        clock = UtcClock;
+    stream << static_cast<quint8>(clock) << milliseconds
+           << qint32(clock == OffsetClock ? date.offsetFromUtc() : 0);
+}
+
+QDateTime readDate(QDataStream& stream) {
+    quint8 clock = InvalidDate;
+    qint64 milliseconds = 0;
+    qint32 offset = 0;
+    stream >> clock >> milliseconds >> offset;
+    if (clock > OffsetClock || milliseconds < -farthestDate || milliseconds > farthestDate ||
+        offset < -largestOffset || offset > largestOffset) {
+        setCorrupt(stream);
+        return {};
+    }
+    switch (clock) {
+        case LocalClock:
+            return QDateTime::fromMSecsSinceEpoch(milliseconds);
+        case UtcClock:
+            return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
+        case OffsetClock:
+            return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::OffsetFromUTC, offset);
+        default:
+            return {};
+    }
+}
+
+/// Whether the type is one of flags that its class declares with Q_FLAG.
+bool isFlagsType(int type) {
+    const QMetaObject* const declaring = QMetaType::metaObjectForType(type);
+    const QByteArray name = QMetaType::typeName(type);
+    return declaring && QMetaType::sizeOf(type) == sizeof(int) &&
+           declaring->indexOfEnumerator(name.mid(name.lastIndexOf(':') + 1)) >= 0;
+}
+
 /// Values that are of no kind of their own.
 void writeConverted(QDataStream& stream, const QVariant& value) {
-    if (value.canConvert<QVariantList>() && !value.canConvert<QString>()) {
-        writeValue(stream, QVariant(value.toList()));
+    const int type = value.userType();
+    if (QMetaType::typeFlags(type) & QMetaType::IsEnumeration) {
+        writeKind(stream, Integer);
+        stream << value.toLongLong();
+    } else if (isFlagsType(type)) {
+        // Variants know flags as bytes only.
+        writeKind(stream, Integer);
+        stream << qint64(*static_cast<const int*>(value.constData()));
+    } else if (value.canConvert<QVariantList>() && !value.canConvert<QString>()) {
+        // Not toList(), which knows lists of variants and of texts only.
+        writeValue(stream, QVariant(value.value<QVariantList>()));
+    } else if (value.canConvert<QVariantMap>() && !value.canConvert<QString>()) {
+        writeValue(stream, QVariant(value.value<QVariantMap>()));
     } else if (value.canConvert<QString>()) {
         writeKind(stream, String);
         stream << value.toString();
@@ -47,83 +111,92 @@ void writeConverted(QDataStream& stream, const QVariant& value) {
     }
 }
 
-template <typename T>
-QVariant readAs(QDataStream& stream) {
-    T value{};
-    stream >> value;
-    return QVariant::fromValue(value);
-}
+/// Reads one value and those that are nested in it.
+class ValueReader {
+public:
+    explicit ValueReader(QDataStream& stream) : m_stream(stream) {}
 
-QVariant readList(QDataStream& stream, int depth);
-QVariant readMap(QDataStream& stream, int depth);
-
-QVariant readNested(QDataStream& stream, int depth) {
-    quint8 kind = Nothing;
-    stream >> kind;
-    if (stream.status() != QDataStream::Ok)
-        return {};
-    switch (kind) {
-        case Nothing:
+    QVariant read(int depth) {
+        quint8 kind = Nothing;
+        m_stream >> kind;
+        // A value takes many times the memory of its byte.
+        if (++m_count > maximalCount)
+            setCorrupt(m_stream);
+        if (m_stream.status() != QDataStream::Ok)
             return {};
-        case Bool:
-            return readAs<bool>(stream);
-        case Integer:
-            return readAs<qint64>(stream);
-        case Double:
-            return readAs<double>(stream);
-        case String:
-            return readText(stream);
-        case Bytes:
-            return readBytes(stream);
-        case Date:
-            return readAs<QDateTime>(stream);
-        case Point:
-            return readAs<QPoint>(stream);
-        case Size:
-            return readAs<QSize>(stream);
-        case Rectangle:
-            return readAs<QRect>(stream);
-        case Colour: {
-            quint32 rgba = 0;
-            stream >> rgba;
-            return QColor::fromRgba(rgba);
+        switch (kind) {
+            case Nothing:
+                return {};
+            case Bool:
+                return readAs<bool>();
+            case Integer:
+                return readAs<qint64>();
+            case Double:
+                return readAs<double>();
+            case String:
+                return readText(m_stream);
+            case Bytes:
+                return readBytes(m_stream);
+            case Date:
+                return readDate(m_stream);
+            case Point:
+                return readAs<QPoint>();
+            case Size:
+                return readAs<QSize>();
+            case Rectangle:
+                return readAs<QRect>();
+            case Colour:
+                return QColor::fromRgba(readAs<quint32>().toUInt());
+            case List:
+                return readList(depth);
+            case Map:
+                return readMap(depth);
+            case Remote:
+                return readAs<ObjectInfo>();
+            default:
+                setCorrupt(m_stream);
+                return {};
         }
-        case List:
-            return readList(stream, depth);
-        case Map:
-            return readMap(stream, depth);
-        case Remote: {
-            ObjectInfo object;
-            stream >> object;
-            return QVariant::fromValue(object);
+    }
+
+private:
+    template <typename T>
+    QVariant readAs() {
+        T value{};
+        m_stream >> value;
+        return QVariant::fromValue(value);
+    }
+
+    /// The count of a container at this depth, 0 on a fault.
+    int readContainerCount(int elementSize, int depth) {
+        const int count = readCount(m_stream, elementSize);
+        if (depth < maximalDepth)
+            return count;
+        setCorrupt(m_stream);
+        return 0;
+    }
+
+    QVariant readList(int depth) {
+        QVariantList list;
+        const int count = readContainerCount(1, depth);
+        for (int index = 0; index < count && m_stream.status() == QDataStream::Ok; ++index)
+            list.append(read(depth + 1));
+        return list;
+    }
+
+    QVariant readMap(int depth) {
+        QVariantMap map;
+        const int count = readContainerCount(5, depth);
+        for (int index = 0; index < count && m_stream.status() == QDataStream::Ok; ++index) {
+            const QString key = readText(m_stream);
+            map.insert(key, read(depth + 1));
         }
-        default:
-            setCorrupt(stream);
-            return {};
+        return map;
     }
-}
 
-QVariant readList(QDataStream& stream, int depth) {
-    QVariantList list;
-    const int count = readCount(stream, 1);
-    if (depth >= maximalDepth)
-        setCorrupt(stream);
-    for (int index = 0; index < count && stream.status() == QDataStream::Ok; ++index)
-        list.append(readNested(stream, depth + 1));
-    return list;
-}
-
-QVariant readMap(QDataStream& stream, int depth) {
-    QVariantMap map;
-    const int count = readCount(stream, 5);
-    if (depth >= maximalDepth)
-        setCorrupt(stream);
-    for (int index = 0; index < count && stream.status() == QDataStream::Ok; ++index) {
-        const QString key = readText(stream);
-        map.insert(key, readNested(stream, depth + 1));
-    }
-    return map;
-}
+    QDataStream& m_stream;
+    quint32 m_count = 0;
+};
 
 }  // namespace
 
@@ -182,7 +255,7 @@ void writeValue(QDataStream& stream, const QVariant& value) {
             return;
         case QMetaType::QDateTime:
             writeKind(stream, Date);
-            stream << value.toDateTime();
+            writeDate(stream, value.toDateTime());
             return;
         case QMetaType::QPoint:
         case QMetaType::QPointF:
@@ -229,7 +302,7 @@ void writeValue(QDataStream& stream, const QVariant& value) {
 }
 
 QVariant readValue(QDataStream& stream) {
-    return readNested(stream, 0);
+    return ValueReader(stream).read(0);
 }
 
 }  // namespace Tamrix::Wire

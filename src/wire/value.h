@@ -6,8 +6,8 @@
 namespace Tamrix::Wire {
 
 /// Writes a value of one of the kinds that travel: invalid, bool, integer (64 bits), double, text,
-/// bytes, date, point, size, rectangle (integers each), colour, list, map, ObjectInfo. Other
-/// variants travel as what they convert to, text at last.
+/// bytes, date, point, size, rectangle (integers each), colour, list, map, ObjectInfo. Enumerations
+/// and flags travel as integers, other variants as what they convert to: list, map, text at last.
 void writeValue(QDataStream& stream, const QVariant& value);
 
 /// Reads what writeValue() wrote. Never makes a variant of any other kind, whatever the bytes say.

@@ -139,12 +139,7 @@ TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
         {{"type=QTabWidget"}, "Views", -1, -1, "QTabBarItem", "Views"},
         {{"type=QMenuBar"}, "File", -1, -1, "QAction", "File"},
         {{"type=QMenuBar"}, "File.Recent.a\\.txt", -1, -1, "QAction", "a.txt"},
-        {{"name=columns"},
-         "second",
-         -1,
-         -1,
-         "QHeaderViewItem",
-         "second"},
+        {{"name=columns"}, "second", -1, -1, "QHeaderViewItem", "second"},
     };
     for (const auto& each : cases) {
         const Wire::LookUpResult result = findItem(each.view, each.text, each.row, each.column);

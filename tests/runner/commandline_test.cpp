@@ -75,9 +75,9 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report"}, "Missing value after '--report' (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "junit"},
          "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
-        {{"run", "s", "--report", "html:x"},
-         "Unknown report format 'html' in 'html:x'; the known ones are console, json, junit (see "
-         "tamrixrunner run --help)"},
+        {{"run", "s", "--report", "pdf:x"},
+         "Unknown report format 'pdf' in 'pdf:x'; the known ones are console, html, json, junit "
+         "(see tamrixrunner run --help)"},
         {{"run", "s", "--report", "console:-"},
          "the console report always goes to standard output; 'console:-' would write it twice (see "
          "tamrixrunner run --help)"},

@@ -3,9 +3,9 @@
 namespace Tamrix::Test {
 
 QString FakeArgument::typeName() const {
-    static const char* const names[] = {"null",   "bool",   "int",   "double",
-                                        "string", "list",   "map",   "function",
-                                        "object", "native", "table", "context"};
+    static const char* const names[] = {"null",  "bool",    "int",      "double", "string",
+                                        "list",  "map",     "function", "object", "native",
+                                        "table", "context", "class"};
     return names[m_value.index()];
 }
 
@@ -66,9 +66,22 @@ SharedPtr<ScriptArgument> callable(FakeArgument::Function function) {
     return new FakeArgument(std::move(function));
 }
 
+SharedPtr<ScriptArgument> object(SharedPtr<Object> value) {
+    return new FakeArgument(std::move(value));
+}
+
 // FakeContext
 
 bool FakeContext::call(Function function, const ScriptArgument::List& arguments) {
+    result.reset();
+    setArguments(arguments);
+    setCurrent(this);
+    const bool value = execute(function);
+    clearArguments();
+    return value;
+}
+
+bool FakeContext::call(bool (*function)(ScriptContext*), const ScriptArgument::List& arguments) {
     result.reset();
     setArguments(arguments);
     setCurrent(this);

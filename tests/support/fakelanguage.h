@@ -21,7 +21,7 @@ public:
     using Function = std::function<SharedPtr<ScriptArgument>(const List&, QString*)>;
     using Value = std::variant<std::monostate, bool, long long, double, QString, List, Map,
                                Function, SharedPtr<Object>, SharedPtr<NativeScriptObject>,
-                               SharedPtr<TestDataSet>, SharedPtr<ApplicationContext>>;
+                               SharedPtr<TestDataSet>, SharedPtr<ApplicationContext>, const Class*>;
 
     FakeArgument() = default;
     explicit FakeArgument(Value value) : m_value(std::move(value)) {}
@@ -36,6 +36,7 @@ public:
     bool isInteger() const override { return has<long long>(); }
     bool isString() const override { return has<QString>() || !alsoText.isNull(); }
     bool isObject() const override { return has<SharedPtr<Object>>(); }
+    bool isClass() const override { return has<const Class*>(); }
     bool isCallable() const override { return has<Function>(); }
     bool isList() const override { return has<List>(); }
     bool isMap() const override { return has<Map>(); }
@@ -45,6 +46,7 @@ public:
     long long toInt() const override;
     QString toString() const override;
     SharedPtr<Object> toObject() const override { return get<SharedPtr<Object>>(); }
+    const Class* toClass() const override { return get<const Class*>(); }
     List toList() const override { return get<List>(); }
     Map toMap() const override { return get<Map>(); }
     SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
@@ -76,6 +78,7 @@ TAMRIX_EXPORT SharedPtr<ScriptArgument> boolean(bool value);
 TAMRIX_EXPORT SharedPtr<ScriptArgument> list(const ScriptArgument::List& values);
 TAMRIX_EXPORT SharedPtr<ScriptArgument> map(const ScriptArgument::Map& values);
 TAMRIX_EXPORT SharedPtr<ScriptArgument> callable(FakeArgument::Function function);
+TAMRIX_EXPORT SharedPtr<ScriptArgument> object(SharedPtr<Object> value);
 
 /// A context of the fake language.
 class TAMRIX_EXPORT FakeContext : public ScriptContext {
@@ -90,11 +93,15 @@ public:
     int clearedErrors = 0;
     /// What evaluateForException() gives.
     std::pair<QString, QString> exceptionOutcome;
+    /// What evaluateCondition() runs; without one the text "true" is true.
+    std::function<bool(const QString& expression, QString* error)> conditionEvaluator;
     /// What evaluate() runs on a context; a true value is a success.
     std::function<bool(FakeContext&, const QString& text, const QString& fileName)> evaluator;
 
     /// Sets the arguments and executes the function; returns what execute() does.
     bool call(Function function, const ScriptArgument::List& arguments = {});
+    /// The same for a function that returns whether it succeeded.
+    bool call(bool (*function)(ScriptContext*), const ScriptArgument::List& arguments = {});
 
     ScriptContext* createSubContext() override;
     void clearError() override { ++clearedErrors; }
@@ -137,8 +144,8 @@ public:
         return exceptionOutcome;
     }
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
-    bool evaluateCondition(const QString& expression, QString*) override {
-        return expression == "true";
+    bool evaluateCondition(const QString& expression, QString* error) override {
+        return conditionEvaluator ? conditionEvaluator(expression, error) : expression == "true";
     }
     bool evaluate(const QString& text, const QString& fileName) override;
 };

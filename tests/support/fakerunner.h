@@ -3,10 +3,12 @@
 #include <utility>
 
 #include "interpreter/bridge/runnerinterface.h"
+#include "platform/objectmodel/inspector.h"
 
 namespace Tamrix::Test {
 
-/// The runner of tests: facts are public members, everything that needs an application fails.
+/// The runner of tests: facts are public members, and what needs an application gives the canned
+/// answers, which fail by default. Calls that change something are written down.
 class FakeRunner : public RunnerInterface {
 public:
     // What the library is told.
@@ -23,77 +25,137 @@ public:
     bool hasObjectModel = false;
     TestResult* result = nullptr;
 
+    // Answers about applications; `contexts` above are all of them.
+    /// What starting, attaching and waiting for a launch give, and their error text.
+    SharedPtr<ApplicationContext> started;
+    QString startError = "not connected";
+    SharedPtr<ApplicationContext> defaultContext;
+    SharedPtr<ApplicationContext> currentContext;
+    bool detaches = false;
+    /// Null when the application's output is not kept.
+    QString output;
+    /// What all waits for objects give; a failing one sets the inspector's error to lookupError.
+    SharedPtr<Object> found;
+    QString lookupError = "it is not there";
+    /// What waitForObjectByName() gives instead when it is set.
+    SharedPtr<Object> foundByName;
+    bool takesInput = false;
+    QString highlightError;
+    SharedPtr<Object> bounds;
+
     // What the library did.
+    /// Calls with their arguments: "snooze 1.5".
+    QStringList calls;
     int acquired = 0;
     int released = 0;
     int processedEvents = 0;
 
-    SharedPtr<ApplicationContext> startApplication(const QString&, const QString&, int, int,
-                                                   QString* error) override {
-        return noContext(error);
+    SharedPtr<ApplicationContext> startApplication(const QString& program, const QString& host,
+                                                   int port, int timeout, QString* error) override {
+        return start("start " + program, host, port, timeout, error);
     }
-    SharedPtr<ApplicationContext> attachToApplication(const QString&, const QString&, int, int,
+    SharedPtr<ApplicationContext> attachToApplication(const QString& name, const QString& host,
+                                                      int port, int timeout,
                                                       QString* error) override {
-        return noContext(error);
+        return start("attach " + name, host, port, timeout, error);
     }
-    SharedPtr<ApplicationContext> startSpecialApplication(const QString&, const QStringList&,
-                                                          const QString&, int, int,
-                                                          QString* error) override {
-        return noContext(error);
+    SharedPtr<ApplicationContext> startSpecialApplication(const QString& program,
+                                                          const QStringList& arguments,
+                                                          const QString& host, int port,
+                                                          int timeout, QString* error) override {
+        return start("special " + program + " (" + arguments.join(", ") + ")", host, port, timeout,
+                     error);
     }
     SharedPtr<ApplicationContext> startSpecialApplication(const QString&,
                                                           const QMap<QString, QString>&,
                                                           const QString&, int, int,
                                                           QString* error) override {
-        return noContext(error);
+        return fail(error, SharedPtr<ApplicationContext>());
     }
-    bool detachApplication(SharedPtr<ApplicationContext>) override { return false; }
-    SharedPtr<ApplicationContext> waitForApplicationLaunch(int, QString* error) override {
-        return noContext(error);
+    bool detachApplication(SharedPtr<ApplicationContext>) override { return detaches; }
+    SharedPtr<ApplicationContext> waitForApplicationLaunch(int timeout, QString* error) override {
+        return start("launch", "", -1, timeout, error);
     }
-    SharedPtr<ApplicationContext> defaultApplicationContext() override { return {}; }
-    SharedPtr<ApplicationContext> applicationContext(const QString&) override { return {}; }
-    void setCurrentApplicationContext(SharedPtr<ApplicationContext>) override {}
+    SharedPtr<ApplicationContext> defaultApplicationContext() override { return defaultContext; }
+    SharedPtr<ApplicationContext> applicationContext(const QString& name) override {
+        if (name.isEmpty())
+            return currentContext;
+        for (const SharedPtr<ApplicationContext>& context : contexts) {
+            if (context->name == name)
+                return context;
+        }
+        return {};
+    }
+    void setCurrentApplicationContext(SharedPtr<ApplicationContext> context) override {
+        currentContext = context;
+    }
     QList<SharedPtr<ApplicationContext>> applicationContexts() override { return contexts; }
-    qint64 usedMemory(SharedPtr<ApplicationContext>) override { return 0; }
-    qint64 totalTime(SharedPtr<ApplicationContext>) override { return 0; }
-    QString environmentVariable(SharedPtr<ApplicationContext>, const QString&) override {
-        return {};
+    qint64 usedMemory(SharedPtr<ApplicationContext>) override { return 1LL << 40; }
+    qint64 totalTime(SharedPtr<ApplicationContext>) override { return 1LL << 41; }
+    QString environmentVariable(SharedPtr<ApplicationContext>, const QString& name) override {
+        return "value of " + name;
     }
-    QString currentDirectory(SharedPtr<ApplicationContext>) override { return {}; }
-    QString host(SharedPtr<ApplicationContext>) override { return {}; }
-    int port(SharedPtr<ApplicationContext>) override { return -1; }
-    bool isRunning(SharedPtr<ApplicationContext>) override { return false; }
-    bool isFrozen(SharedPtr<ApplicationContext>, int) override { return false; }
-    int pid(SharedPtr<ApplicationContext>) override { return -1; }
-    void snooze(double) override {}
-    SharedPtr<Object> waitForObjectByName(const QString&, bool, int) override { return {}; }
-    SharedPtr<Object> waitForObject(SharedPtr<Object>, bool, int) override { return {}; }
-    SharedPtr<Object> waitForObjectExists(const QString&, bool, int) override { return {}; }
-    SharedPtr<Object> waitForObjectItem(SharedPtr<Object>, const QString&, int, int, int) override {
-        return {};
+    QString currentDirectory(SharedPtr<ApplicationContext>) override { return "/cwd"; }
+    QString host(SharedPtr<ApplicationContext>) override { return "host"; }
+    int port(SharedPtr<ApplicationContext>) override { return 4711; }
+    bool isRunning(SharedPtr<ApplicationContext> context) override { return context->valid; }
+    bool isFrozen(SharedPtr<ApplicationContext>, int timeoutSeconds) override {
+        return timeoutSeconds == 3;
     }
-    bool isValidContext(SharedPtr<ApplicationContext>) override { return false; }
+    int pid(SharedPtr<ApplicationContext>) override { return 99; }
+    void snooze(double seconds) override { calls.append(QString("snooze %1").arg(seconds)); }
+    SharedPtr<Object> waitForObjectByName(const QString& realName, bool, int timeout) override {
+        const SharedPtr<Object> object = lookUp("wait for " + realName, timeout);
+        return foundByName ? foundByName : object;
+    }
+    SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool, int timeout) override {
+        return lookUp("wait for object " + object->realName(), timeout);
+    }
+    SharedPtr<Object> waitForObjectExists(const QString& realName, bool, int timeout) override {
+        return lookUp("wait until exists " + realName, timeout);
+    }
+    SharedPtr<Object> waitForObjectItem(SharedPtr<Object>, const QString& item, int row, int column,
+                                        int timeout) override {
+        return lookUp(QString("wait for item '%1' row %2 column %3").arg(item).arg(row).arg(column),
+                      timeout);
+    }
+    bool isValidContext(SharedPtr<ApplicationContext> context) override { return context->valid; }
     QString readStdout(SharedPtr<ApplicationContext>, bool* available) override {
-        *available = false;
-        return {};
+        *available = !output.isNull();
+        return output;
     }
     QString readStderr(SharedPtr<ApplicationContext>, bool* available) override {
-        *available = false;
-        return {};
+        *available = !output.isNull();
+        return output;
     }
-    QString osName(SharedPtr<ApplicationContext>) override { return {}; }
+    QString osName(SharedPtr<ApplicationContext>) override { return "os"; }
     bool objectHasComponents(int) override { return false; }
     QStringList fetchObjectComponents(int) override { return {}; }
     QString testCasePath() override { return casePath; }
     QString settingsGroup() override { return group; }
     QString defaultDevice() override { return device; }
-    bool keyEvent(const QString&, bool) override { return false; }
-    bool mouseEvent(SharedPtr<Object>, int, int, int, int, int, bool, bool) override {
-        return false;
+    bool keyEvent(const QString& key, bool press) override {
+        calls.append((press ? "press " : "release ") + key);
+        return takesInput || refuse();
     }
-    QString highlightObject(SharedPtr<Object>, int) override { return "no application"; }
-    void stopHighlight() override {}
+    bool mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
+                    bool buttonChange, bool press) override {
+        calls.append(QString("mouse %1 mask %2 at %3,%4 button %5 modifiers %6 change %7 press %8")
+                         .arg(target ? target->objectName() : "-")
+                         .arg(mask)
+                         .arg(x)
+                         .arg(y)
+                         .arg(button)
+                         .arg(modifiers)
+                         .arg(buttonChange)
+                         .arg(press));
+        return takesInput || refuse();
+    }
+    QString highlightObject(SharedPtr<Object> object, int milliseconds) override {
+        calls.append(QString("highlight %1 for %2").arg(object->objectName()).arg(milliseconds));
+        return highlightError;
+    }
+    void stopHighlight() override { calls.append("stop highlight"); }
     FunctionCallResult<QSharedPointer<BackgroundTask>> startVideoCapture(
         SharedPtr<ApplicationContext>, QIODevice*) override {
         return FunctionCallResult<QSharedPointer<BackgroundTask>>::error("no application");
@@ -164,9 +226,15 @@ public:
         return fail(error, false);
     }
     unsigned runLevel() override { return 0; }
-    SharedPtr<Object> objectGlobalBounds(SharedPtr<Object>) override { return {}; }
+    SharedPtr<Object> objectGlobalBounds(SharedPtr<Object>) override {
+        if (!bounds)
+            refuse();
+        return bounds;
+    }
     TestResult* testResult() override { return result; }
-    void objectNotFound(const QString&, const QString&, QString*) override {}
+    void objectNotFound(const QString& name, const QString& function, QString*) override {
+        calls.append("not found " + name + " in " + function);
+    }
     bool isVideoCaptureEnabled() override { return false; }
 
 private:
@@ -175,8 +243,22 @@ private:
         *error = "not connected";
         return value;
     }
-    static SharedPtr<ApplicationContext> noContext(QString* error) {
-        return fail(error, SharedPtr<ApplicationContext>());
+    SharedPtr<ApplicationContext> start(const QString& what, const QString& host, int port,
+                                        int timeout, QString* error) {
+        calls.append(
+            QString("%1 host '%2' port %3 timeout %4").arg(what, host).arg(port).arg(timeout));
+        *error = startError;
+        return started;
+    }
+    SharedPtr<Object> lookUp(const QString& what, int timeout) {
+        calls.append(QString("%1 for %2 ms").arg(what).arg(timeout));
+        if (!found)
+            refuse();
+        return found;
+    }
+    bool refuse() const {
+        Inspector::self()->setLastError(lookupError);
+        return false;
     }
 };
 

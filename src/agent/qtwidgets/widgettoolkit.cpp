@@ -158,7 +158,15 @@ Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint) {
 }
 
 bool WidgetToolkit::knows(const QObject* object) const {
-    return object->isWidgetType() || qobject_cast<const QAction*>(object);
+    return object->isWidgetType() || qobject_cast<const QAction*>(object) ||
+           (object->isWindowType() && object->inherits("QWidgetWindow"));
+}
+
+Element WidgetToolkit::element(QObject* object) const {
+    if (!object || !object->isWindowType())
+        return Toolkit::element(object);
+    auto* const window = static_cast<QWindow*>(object);
+    return Toolkit::element(window->handle() ? QWidget::find(window->winId()) : nullptr);
 }
 
 void WidgetToolkit::topLevels(QVector<Element>* elements) const {
@@ -188,8 +196,10 @@ void WidgetToolkit::children(const Element& parent, bool withItems,
             elements->append(Session::self()->element(child));
         }
     }
-    if (withItems && factsOf(widget).holdsItems) {
-        appendItems(widget, elements);
+    if (factsOf(widget).holdsItems) {
+        if (withItems)
+            appendItems(widget, elements);
+        // Always: objects and widgets can be below graphics items.
         appendGraphicsItems(widget, elements);
     }
 }
@@ -204,7 +214,8 @@ Element WidgetToolkit::parent(const Element& child) const {
 }
 
 Element WidgetToolkit::window(const Element& child) const {
-    QWidget* widget = showingWidget(child);
+    // Of an action the home's one: it stays when the action's menu is closed.
+    QWidget* widget = widgetOf(child);
     if (!widget)
         widget = homeOf(actionOf(child));
     if (!widget)
@@ -227,6 +238,13 @@ Element WidgetToolkit::buddy(const Element& field) const {
         }
     }
     return {};
+}
+
+Element WidgetToolkit::labelledField(const Element& label) const {
+    const QWidget* const widget = widgetOf(label);
+    if (!widget || factsOf(widget).textSource != TextSource::Label)
+        return {};
+    return element(static_cast<const QLabel*>(widget)->buddy());
 }
 
 QString WidgetToolkit::text(const Element& element) const {

@@ -12,12 +12,15 @@ namespace Tamrix::Agent {
 class WidgetToolkit : public Toolkit {
 public:
     bool knows(const QObject* object) const override;
+    /// Of the native window of a widget, the widget.
+    Element element(QObject* object) const override;
     void topLevels(QVector<Element>* elements) const override;
     void children(const Element& element, bool withItems,
                   QVector<Element>* elements) const override;
     Element parent(const Element& element) const override;
     Element window(const Element& element) const override;
     Element buddy(const Element& element) const override;
+    Element labelledField(const Element& element) const override;
     QString text(const Element& element) const override;
     bool isTextLasting(const Element& element) const override;
     bool isVisible(const Element& element) const override;

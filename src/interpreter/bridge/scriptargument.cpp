@@ -1,5 +1,7 @@
 #include "interpreter/bridge/scriptargument.h"
 
+#include "platform/objectmodel/valueobject.h"
+
 namespace Tamrix {
 
 bool ScriptArgument::isStringLike() const {
@@ -41,6 +43,40 @@ PropertyValue ScriptArgument::toPropertyValue() const {
 
 const TestDataRecord* ScriptArgument::toTestDataRecord() const {
     return nullptr;
+}
+
+std::optional<QVariant> ScriptArgument::toVariant() const {
+    if (isBool())
+        return toBool();
+    if (isInteger())
+        return toInt();
+    if (isNumber())
+        return toDouble();
+    if (isString())
+        return toString();
+    if (isObject())
+        return argumentValue(toObject());
+    if (isList()) {
+        QVariantList values;
+        for (const SharedPtr<ScriptArgument>& entry : toList()) {
+            const std::optional<QVariant> value = entry->toVariant();
+            if (!value)
+                return {};
+            values.append(*value);
+        }
+        return values;
+    }
+    if (isMap()) {
+        QVariantMap values;
+        for (const auto& [name, entry] : toMap()) {
+            const std::optional<QVariant> value = entry->toVariant();
+            if (!value)
+                return {};
+            values.insert(name, *value);
+        }
+        return values;
+    }
+    return {};
 }
 
 bool isStringOrObjectName(const SharedPtr<ScriptArgument>& argument) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "base/export.h"
@@ -66,6 +68,10 @@ public:
     virtual PropertyValue toPropertyValue() const;
     /// The record behind a value that is one row of a data set, else null. Owned by its set.
     virtual const TestDataRecord* toTestDataRecord() const;
+    /// The value as an application takes it: bool, number, text, list, map, objects as
+    /// SharedPtr<Object>; a language adds what it has beyond that. Nothing for any other value, and
+    /// for one that holds such a value.
+    virtual std::optional<QVariant> toVariant() const;
 
     /// The native object as a T, null when it is of another class.
     template <typename T>

@@ -5,6 +5,7 @@
 
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/objectvalues.h"
 #include "interpreter/bridge/remoteobjectmodelholder.h"
 #include "platform/objectmodel/objectclass.h"
 
@@ -169,7 +170,11 @@ SharedPtr<NativeScriptObject> ScriptContext::execute(
     return function(this);
 }
 
-// Results
+// Values and results
+
+SharedPtr<ScriptArgument> ScriptContext::createBytes(const QByteArray& value) {
+    return createString(QString::fromUtf8(value));
+}
 
 void ScriptContext::setListResult(const QStringList& values) {
     std::vector<SharedPtr<ScriptArgument>> list;
@@ -204,16 +209,15 @@ void ScriptContext::setStackTraceResult(const std::vector<ScriptLocation>& trace
 
 void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
     std::map<QString, SharedPtr<ScriptArgument>> map;
-    const Class* objectClass = object->objectClass();
+    // All at once: the application is asked one time only.
+    for (const auto& [name, value] : object->readProperties())
+        map.emplace(name, valueOfObject(this, value));
+    const Class* const objectClass = object->objectClass();
     const int count = objectClass ? objectClass->numProperties() : 0;
     for (int index = 0; index < count; ++index) {
-        const Property* property = objectClass->property(index);
-        const SharedPtr<Object> value = property->get(object);
-        if (!value) {
-            qWarning("Error reading %s property", property->name().toLocal8Bit().constData());
-            continue;
-        }
-        map.emplace(property->name(), createObject(value));
+        const QString name = objectClass->property(index)->name();
+        if (map.count(name) == 0)
+            qWarning("Error reading %s property", name.toLocal8Bit().constData());
     }
     setResult(createMap(map));
 }

@@ -62,7 +62,7 @@ public:
     virtual void clearError() = 0;
     /// Stores the value that the script call returns.
     virtual void setResult(SharedPtr<ScriptArgument> value) = 0;
-    /// A map of all properties of the object that can be read.
+    /// A map of all properties of the object that can be read, with values of the language.
     virtual void setObjectPropertiesResult(SharedPtr<Object> object);
     virtual void setStackTraceResult(const std::vector<ScriptLocation>& trace);
 
@@ -74,6 +74,8 @@ public:
     virtual SharedPtr<ScriptArgument> createDouble(double value) = 0;
     virtual SharedPtr<ScriptArgument> createString(const QString& value) = 0;
     virtual SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) = 0;
+    /// By default as text, for a language without a type for bytes.
+    virtual SharedPtr<ScriptArgument> createBytes(const QByteArray& value);
     virtual SharedPtr<ScriptArgument> createList(
         const std::vector<SharedPtr<ScriptArgument>>& values) = 0;
     virtual SharedPtr<ScriptArgument> createMap(
@@ -161,10 +163,13 @@ public:
     void setDoubleResult(double value) { setResult(createDouble(value)); }
     void setStringResult(const QString& value) { setResult(createString(value)); }
     void setDateTimeResult(const QDateTime& value) { setResult(createDateTime(value)); }
-    void setObjectResult(SharedPtr<Object> object) { setResult(createObject(object)); }
+    // A null object or context is the language's null.
+    void setObjectResult(SharedPtr<Object> object) {
+        setResult(object ? createObject(object) : createNull());
+    }
     void setTestDataSetResult(TestDataSet* dataSet) { setResult(createTestDataSet(dataSet)); }
     void setContextResult(SharedPtr<ApplicationContext> context) {
-        setResult(createContext(context));
+        setResult(context ? createContext(context) : createNull());
     }
     void setListResult(const QStringList& values);
     /// A null object stays an entry.

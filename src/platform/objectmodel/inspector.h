@@ -74,6 +74,11 @@ public:
     QString lastError() const { return m_lastError; }
     /// An empty text clears it.
     void setLastError(const QString& text) { m_lastError = text; }
+    /// Whether the last failure was that something was not there, or not ready, in time: scripts
+    /// then get a look-up error. A model says so before it returns from a failing operation; who
+    /// wants to know clears it before the operation.
+    bool lastErrorIsLookup() const { return m_lastErrorIsLookup; }
+    void setLastErrorIsLookup(bool isLookup) { m_lastErrorIsLookup = isLookup; }
 
     // What wrappers set. A later call replaces an earlier one for the same class or type.
     /// Scripts that extend the object model, in a language named by its file suffix.
@@ -106,6 +111,7 @@ private:
 
     ObjectModel* m_model = nullptr;
     QString m_lastError;
+    bool m_lastErrorIsLookup = false;
     QMap<QString, ClassSettings> m_classSettings;
     QMap<QString, QString> m_recorderFilters;
     QList<QPair<QString, QString>> m_extensionScripts;

@@ -31,11 +31,13 @@ QString Object::realName() const {
 }
 
 QString Object::className() const {
-    return m_class ? m_class->name() : QString();
+    const Class* const known = objectClass();
+    return known ? known->name() : QString();
 }
 
 bool Object::isA(const Class* other) const {
-    return other && m_class && (m_class == other || m_class->isOrDerivesFrom(other->name()));
+    const Class* const known = objectClass();
+    return other && known && (known == other || known->isOrDerivesFrom(other->name()));
 }
 
 ObjectList Object::children() const {
@@ -60,7 +62,8 @@ SharedPtr<Object> Object::cast(const Class* other) const {
 }
 
 SharedPtr<Object> Object::queryInterface(const QString& name) const {
-    if (m_class && m_class->isOrDerivesFrom(name))
+    const Class* const known = objectClass();
+    if (known && known->isOrDerivesFrom(name))
         return {const_cast<Object*>(this)};
     setUnsupported(*this, QStringLiteral("has no interface '%1'").arg(name));
     return {};
@@ -77,8 +80,9 @@ SharedPtr<Object> Object::readProperty(const Property& property) const {
 
 std::vector<std::pair<QString, SharedPtr<Object>>> Object::readProperties() const {
     std::vector<std::pair<QString, SharedPtr<Object>>> values;
-    for (int index = 0; m_class && index < m_class->numProperties(); ++index) {
-        const Property& property = *m_class->property(index);
+    const Class* const known = objectClass();
+    for (int index = 0; known && index < known->numProperties(); ++index) {
+        const Property& property = *known->property(index);
         if (SharedPtr<Object> value = readProperty(property))
             values.emplace_back(property.name(), value);
     }

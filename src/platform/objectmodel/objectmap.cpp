@@ -45,7 +45,7 @@ public:
     /// Invalid on failure.
     ObjectName resolve(const QString& name) {
         if (isSymbolicName(name))
-            return resolveSymbolic(name);
+            return resolveSymbolic(name, 0);
         QMap<QString, PropertyValue> properties;
         if (!isMultiPropertyName(name.trimmed())) {
             return fail(QStringLiteral("'%1' is neither a symbolic name, such as :Save, nor a real "
@@ -67,7 +67,7 @@ private:
         return {};
     }
 
-    ObjectName resolveSymbolic(const QString& name) {
+    ObjectName resolveSymbolic(const QString& name, int depth) {
         const auto entry = m_names.constFind(name);
         if (entry == m_names.cend()) {
             return fail(
@@ -86,13 +86,13 @@ private:
                             .arg(maximalReferences));
         }
         m_path.append(name);
-        const ObjectName resolved = resolveProperties(entry->properties(), m_path.size());
+        const ObjectName resolved = resolveProperties(entry->properties(), depth);
         m_path.removeLast();
         return resolved;
     }
 
     ObjectName resolveProperties(QMap<QString, PropertyValue> properties, int depth) {
-        if (depth > maximalNameDepth)
+        if (depth >= maximalNameDepth)
             return fail(QStringLiteral("Names are nested deeper than %1").arg(maximalNameDepth));
         for (auto it = properties.begin(); it != properties.end(); ++it) {
             const QString text = it->text();
@@ -100,7 +100,7 @@ private:
             if (it->isRealName() && isMultiPropertyName(text))
                 resolved = resolveProperties(ObjectName(text).properties(), depth + 1);
             else if (isReference(it.key(), *it))
-                resolved = resolveSymbolic(text);
+                resolved = resolveSymbolic(text, depth + 1);
             else
                 continue;
             if (!resolved.isValid())

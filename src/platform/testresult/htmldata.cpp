@@ -1,10 +1,12 @@
 #include "platform/testresult/htmldata.h"
+#include "base/textescape.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QStringList>
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"

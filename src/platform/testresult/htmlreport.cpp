@@ -1,10 +1,12 @@
 #include "platform/testresult/htmlreport.h"
+#include "base/textescape.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include "base/textescape.h"
 #include "platform/testresult/htmldata.h"
 #include "platform/testresult/htmlfiles.h"
 #include "platform/testresult/reporttarget.h"

@@ -1,9 +1,11 @@
 #include "platform/testresult/scriptexcerpts.h"
+#include "base/textescape.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 
 namespace Tamrix {

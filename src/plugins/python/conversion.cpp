@@ -2,6 +2,8 @@
 
 #include <datetime.h>
 
+#include <cmath>
+
 namespace Tamrix::PythonPlugin {
 
 PyRef toPyString(const QString& text) {
@@ -44,10 +46,28 @@ QString textOf(PyObject* object) {
     return QStringLiteral("<unprintable %1 object>").arg(QLatin1String(Py_TYPE(object)->tp_name));
 }
 
-PyRef toPyDateTime(const QDateTime& time) {
+namespace {
+
+/// Whether Python's datetime can be used.
+bool hasDateTime() {
     if (!PyDateTimeAPI)
         PyDateTime_IMPORT;
-    if (!PyDateTimeAPI)
+    return PyDateTimeAPI != nullptr;
+}
+
+}  // namespace
+
+QDateTime fromPyDateTime(PyObject* object) {
+    if (!hasDateTime())
+        throw PythonErrorSet();
+    if (!PyDateTime_Check(object))
+        return {};
+    const PyRef seconds = checked(PyObject_CallMethod(object, "timestamp", nullptr));
+    return QDateTime::fromMSecsSinceEpoch(std::llround(PyFloat_AsDouble(seconds.get()) * 1000.0));
+}
+
+PyRef toPyDateTime(const QDateTime& time) {
+    if (!hasDateTime())
         return {};
     if (!time.isValid())
         return PyRef::borrow(Py_None);

@@ -21,6 +21,9 @@ QString textOf(PyObject* object);
 /// A datetime without time zone in local time.
 PyRef toPyDateTime(const QDateTime& time);
 
+/// The time of a datetime, invalid for any other object. Without time zone it is local time.
+QDateTime fromPyDateTime(PyObject* object);
+
 /// A list of str.
 PyRef toPyList(const QStringList& texts);
 

@@ -9,6 +9,7 @@
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/pythoncontext.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -93,8 +94,9 @@ private:
 /// Runs the native function in the context, which has its arguments. `first` is the object or class
 /// of the kinds that have one.
 template <Kind kind>
-PyObject* run(const Target& target, PythonContext& context, PythonContext::Call& call,
+PyObject* run(const Target& target, PythonInterpreter& interpreter, PythonContext::Call& call,
               PyObject* first) {
+    PythonContext& context = interpreter.context();
     if constexpr (kind == Kind::Table) {
         context.execute(target.table);
     } else if constexpr (kind == Kind::Native || kind == Kind::StaticAccessor) {
@@ -109,6 +111,7 @@ PyObject* run(const Target& target, PythonContext& context, PythonContext::Call&
         if (!context.hasError())
             context.setError("No " + target.displayName + " could be made");
     }
+    interpreter.noticeApplication();
     return call.finish();
 }
 
@@ -143,31 +146,15 @@ bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t cou
     return false;
 }
 
-/// The answer to a call that comes from elsewhere than a running test script.
-PyObject* refuseCall(const Target& target, bool testCaseRuns) {
-    raiseScriptError(
-        ScriptContext::GeneralError,
-        target.displayName + (testCaseRuns
-                                  ? "() was called from another thread than the test script's: "
-                                    "only that thread may use the functions of the test system"
-                                  : "() was called while no test case runs"));
-    return nullptr;
-}
-
-/// A native function may throw; the script gets an exception with its text.
-PyObject* reportNativeException(const Target& target, const char* text) {
-    raiseScriptError(ScriptContext::GeneralError,
-                     target.displayName + "() failed: " + QString::fromUtf8(text));
-    return nullptr;
-}
-
 template <Kind kind>
 PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t count,
                      PyObject* names) {
     const Target& target = *reinterpret_cast<TargetObject*>(self)->target;
     PythonInterpreter* const interpreter = PythonInterpreter::active();
-    if (!interpreter || !interpreter->isScriptThread())
-        return refuseCall(target, interpreter != nullptr);
+    if (!interpreter || !interpreter->isScriptThread()) {
+        raiseRefusedCall(target.displayName);
+        return nullptr;
+    }
     // What the script has printed stands before what the call will write.
     interpreter->output().flush();
     PyObject* first = nullptr;
@@ -181,18 +168,19 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
     try {
         if (!names) {
             PythonContext::Call call(context, arguments, count);
-            return run<kind>(target, context, call, first);
+            return run<kind>(target, *interpreter, call, first);
         }
         const BoundArguments bound(target, arguments, count, names);
         PythonContext::Call call(context, bound.data(), bound.count());
-        return run<kind>(target, context, call, first);
+        return run<kind>(target, *interpreter, call, first);
     } catch (const PythonErrorSet&) {
         return nullptr;
     } catch (const std::exception& exception) {
-        return reportNativeException(target, exception.what());
+        raiseNativeException(target.displayName, QString::fromUtf8(exception.what()));
     } catch (...) {
-        return reportNativeException(target, "unknown exception");
+        raiseNativeException(target.displayName, "unknown exception");
     }
+    return nullptr;
 }
 
 using Entry = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*);

@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include "platform/objectmodel/inspector.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/nativeclasses.h"
+#include "plugins/python/objecttype.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
 
@@ -71,6 +73,10 @@ bool PythonArgument::isObject() const {
     return ObjectHolder::check(object());
 }
 
+bool PythonArgument::isClass() const {
+    return toClass() != nullptr;
+}
+
 bool PythonArgument::isCallable() const {
     return PyCallable_Check(object());
 }
@@ -124,6 +130,10 @@ SharedPtr<Object> PythonArgument::toObject() const {
     return ObjectHolder::unwrap(object());
 }
 
+const Class* PythonArgument::toClass() const {
+    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
+}
+
 ScriptArgument::List PythonArgument::toList() const {
     List values;
     if (!isList())
@@ -167,6 +177,24 @@ SharedPtr<ApplicationContext> PythonArgument::toApplicationContext() const {
 
 const TestDataRecord* PythonArgument::toTestDataRecord() const {
     return unwrapRecord(object());
+}
+
+std::optional<QVariant> PythonArgument::toVariant() const {
+    if (object() == Py_None)
+        return QVariant();
+    if (PyBytes_Check(object()))
+        return QByteArray(PyBytes_AS_STRING(object()),
+                          static_cast<int>(PyBytes_GET_SIZE(object())));
+    const QDateTime time = fromPyDateTime(object());
+    if (time.isValid())
+        return time;
+    // A list may hold itself.
+    if (Py_EnterRecursiveCall(" while a value is passed to an application") != 0)
+        throw PythonErrorSet();
+    struct Leave {
+        ~Leave() { Py_LeaveRecursiveCall(); }
+    } const leave;
+    return ScriptArgument::toVariant();
 }
 
 // Callables

@@ -22,6 +22,8 @@ public:
     bool isInteger() const override;
     bool isString() const override;
     bool isObject() const override;
+    /// A class of the application is given by its name.
+    bool isClass() const override;
     bool isCallable() const override;
     bool isList() const override;
     bool isMap() const override;
@@ -32,6 +34,7 @@ public:
     long long toInt() const override;
     QString toString() const override;
     SharedPtr<Object> toObject() const override;
+    const Class* toClass() const override;
     List toList() const override;
     Map toMap() const override;
     SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
@@ -40,6 +43,8 @@ public:
     SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
     QString callableIdentifier() const override;
     const TestDataRecord* toTestDataRecord() const override;
+    /// Also None, bytes and datetime.
+    std::optional<QVariant> toVariant() const override;
 
     using ScriptArgument::toNative;
 

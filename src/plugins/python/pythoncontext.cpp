@@ -4,6 +4,7 @@
 #include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
+#include "plugins/python/objecttype.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
@@ -118,6 +119,10 @@ SharedPtr<ScriptArgument> PythonContext::createString(const QString& value) {
 
 SharedPtr<ScriptArgument> PythonContext::createDateTime(const QDateTime& value) {
     return argumentOf(toPyDateTime(value));
+}
+
+SharedPtr<ScriptArgument> PythonContext::createBytes(const QByteArray& value) {
+    return argumentOf(PyRef::steal(PyBytes_FromStringAndSize(value.constData(), value.size())));
 }
 
 SharedPtr<ScriptArgument> PythonContext::createList(

@@ -85,6 +85,7 @@ public:
     SharedPtr<ScriptArgument> createDouble(double value) override;
     SharedPtr<ScriptArgument> createString(const QString& value) override;
     SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
+    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
     SharedPtr<ScriptArgument> createList(
         const std::vector<SharedPtr<ScriptArgument>>& values) override;
     SharedPtr<ScriptArgument> createMap(

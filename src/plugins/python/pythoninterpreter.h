@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "interpreter/bridge/interpreter.h"
+#include "platform/objectmodel/inspector.h"
 #include "plugins/python/frames.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/pythoncontext.h"
@@ -48,6 +49,13 @@ public:
     /// A member function of the Python class that stands for the library's class.
     void defineMember(const QString& className, const QString& name, const PyRef& function);
 
+    /// Makes the global functions of the current application known when it is another one than
+    /// before. Each call of a native function asks, since any of them may have changed it.
+    void noticeApplication() {
+        if (Inspector::self()->model() != m_knownModel)
+            publishFunctionsOfApplication();
+    }
+
     /// The script's globals.
     PyRef moduleNamespace();
     /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
@@ -75,6 +83,7 @@ private:
     /// otherwise the error fields tell what happened.
     bool finish(const PyRef& result);
     PyRef scriptFunction(const QString& name);
+    void publishFunctionsOfApplication();
 
     static PythonInterpreter* s_active;
     static std::vector<PythonInterpreter*> s_instances;
@@ -86,6 +95,8 @@ private:
     std::unique_ptr<PythonContext> m_context;
     std::unique_ptr<PythonDebugger> m_debugger;
     PyRef m_module;
+    /// Only compared: it may be gone.
+    ObjectModel* m_knownModel = nullptr;
     /// The text that was compiled last, so that checking and evaluating compile it once.
     QString m_compiledText;
     QString m_compiledFile;

@@ -13,28 +13,6 @@ void* slot(Function function) {
     return reinterpret_cast<void*>(function);
 }
 
-// tamrix.Object
-
-PyObject* objectRepr(PyObject* self) {
-    const SharedPtr<Object> object = ObjectHolder::unwrap(self);
-    const QString name = object->realName();
-    return toPyString(name.isEmpty() ? "<" + object->className() + " object>" : name).release();
-}
-
-/// Two handles on one object are equal.
-PyObject* objectCompare(PyObject* self, PyObject* other, int operation) {
-    if ((operation != Py_EQ && operation != Py_NE) || !ObjectHolder::check(other))
-        Py_RETURN_NOTIMPLEMENTED;
-    const bool equal =
-        ObjectHolder::unwrap(self)->handle() == ObjectHolder::unwrap(other)->handle();
-    return PyBool_FromLong(equal == (operation == Py_EQ));
-}
-
-Py_hash_t objectHash(PyObject* self) {
-    const auto hash = static_cast<Py_hash_t>(ObjectHolder::unwrap(self)->handle());
-    return hash == -1 ? -2 : hash;  // -1 means an error
-}
-
 // tamrix.ApplicationContext
 
 PyObject* contextRepr(PyObject* self) {
@@ -160,12 +138,6 @@ PyTypeObject* makeLocationType() {
 }  // namespace
 
 bool addValueTypes(PyObject* module) {
-    const PyType_Slot objectSlots[] = {
-        {Py_tp_repr, slot(objectRepr)},
-        {Py_tp_richcompare, slot(objectCompare)},
-        {Py_tp_hash, slot(objectHash)},
-        {Py_tp_doc, const_cast<char*>("An object of an application")},
-        {0, nullptr}};
     const PyType_Slot contextSlots[] = {{Py_tp_repr, slot(contextRepr)},
                                         {Py_tp_richcompare, slot(contextCompare)},
                                         {Py_tp_hash, slot(contextHash)},
@@ -181,8 +153,7 @@ bool addValueTypes(PyObject* module) {
         s_recordType = makeRecordType();
     if (!s_locationType)
         s_locationType = makeLocationType();
-    return addType(module, ObjectHolder::makeType("tamrix.Object", objectSlots)) &&
-           addType(module,
+    return addType(module,
                    ApplicationContextHolder::makeType("tamrix.ApplicationContext", contextSlots)) &&
            addType(module, DataSetHolder::makeType("tamrix.DataSet", dataSetSlots)) &&
            addType(module, s_recordType) && addType(module, s_locationType);

@@ -2,16 +2,14 @@
 
 #include "interpreter/bridge/debuggerframe.h"
 #include "platform/objectmodel/applicationcontext.h"
-#include "platform/objectmodel/object.h"
 #include "plugins/python/holder.h"
 #include "shared/testdata/testdataset.h"
 
 namespace Tamrix::PythonPlugin {
 
-// Python types of the library's values: tamrix.Object, ApplicationContext, DataSet, Record and
-// Location. Scripts get instances from functions and can't make their own.
+// Python types of the library's values: tamrix.ApplicationContext, DataSet, Record and Location.
+// Scripts get instances from functions and can't make their own.
 
-using ObjectHolder = Holder<Object>;
 using ApplicationContextHolder = Holder<ApplicationContext>;
 using DataSetHolder = Holder<TestDataSet>;
 

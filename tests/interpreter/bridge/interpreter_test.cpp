@@ -163,7 +163,10 @@ TEST_F(InterpreterTest, NamesOfItsOwn) {
     interpreter.addSelfDefinedVariableName("testSettings");
     EXPECT_TRUE(interpreter.isSelfDefinedVariableName("testSettings"));
     EXPECT_FALSE(interpreter.isSelfDefinedVariableName("testsettings"));
-    EXPECT_EQ(interpreter.nativeFunctions, "findFile(type, name; )\n");
+    const QStringList natives = interpreter.nativeFunctions.split('\n');
+    EXPECT_EQ(natives.first(), "typeName(object; )");
+    EXPECT_TRUE(natives.contains("highlightObject(object; timeoutms, block)"));
+    EXPECT_TRUE(natives.contains("findFile(type, name; )"));
 }
 
 TEST(NativeScriptType, LaterEntriesReplaceEarlierOnes) {

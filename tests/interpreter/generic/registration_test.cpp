@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
+
 #include "support/fakelanguage.h"
 #include "support/printqt.h"
 
@@ -27,27 +29,45 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
     ListingContext context;
     context.initFunctions();
     const QStringList first = context.names;
-    EXPECT_EQ(
-        first.join(' '),
-        "source test.pass test.xpass test.fail test.breakpoint test.xfail test.fatal test.log "
-        "test.warning test.skip test.verify test.xverify test.compare test.xcompare "
-        "test.exception test.resultCount test.stackTrace test.fixateResultContext "
-        "test.restoreResultContext test.startSection test.endSection test.attachFile "
-        "tamrixinfo.testCase tamrixinfo.testCaseName tamrixinfo.testSuiteName "
-        "tamrixinfo.version_str tamrixinfo.version tamrixinfo.major tamrixinfo.minor "
-        "tamrixinfo.patch tamrixinfo.settingsGroup tamrixinfo.defaultDevice "
-        "tamrixinfo.resultDir");
+    const auto namesOf = [&](const QString& pattern) {
+        return first.filter(QRegularExpression(pattern)).join(' ');
+    };
+    EXPECT_EQ(namesOf("^[^.>]*$"),
+              "waitFor waitForObject waitForObjectExists waitForObjectItem findObject "
+              "findAllObjects mousePress mouseRelease mouseMove readGesture sendEvent cast source "
+              "installEventHandler uninstallEventHandler startApplication attachToApplication "
+              "waitForApplicationLaunch setApplicationContext defaultApplicationContext "
+              "currentApplicationContext applicationContextList applicationContext");
+    EXPECT_EQ(namesOf("^object\\."),
+              "object.exists object.children object.globalBounds object.parent "
+              "object.topLevelObjects object.properties object.objectName object.isPointer "
+              "object.isReference object.isValue object.isArray object.queryInterface "
+              "object.convertTo object.createNull");
+    EXPECT_EQ(namesOf("^test\\."),
+              "test.pass test.xpass test.fail test.breakpoint test.xfail test.fatal test.log "
+              "test.warning test.skip test.verify test.xverify test.compare test.xcompare "
+              "test.exception test.resultCount test.stackTrace test.fixateResultContext "
+              "test.restoreResultContext test.startSection test.endSection test.attachFile");
+    EXPECT_EQ(namesOf("^tamrixinfo\\."),
+              "tamrixinfo.testCase tamrixinfo.testCaseName tamrixinfo.testSuiteName "
+              "tamrixinfo.version_str tamrixinfo.version tamrixinfo.major tamrixinfo.minor "
+              "tamrixinfo.patch tamrixinfo.settingsGroup tamrixinfo.defaultDevice "
+              "tamrixinfo.resultDir");
+    EXPECT_EQ(namesOf("->").remove("ApplicationContext->"),
+              "name commandLine pid cwd isRunning startTime usedMemory totalTime isFrozen "
+              "readStdout readStderr osName environmentVariable host port detach");
     EXPECT_TRUE(ScriptContext::hasGlobalFunction("source"));
     // What is not built yet is no name at all.
-    EXPECT_FALSE(ScriptContext::hasGlobalFunction("waitForObject"));
-    EXPECT_EQ(context.tryCall("object", "exists"), 2);
+    EXPECT_FALSE(ScriptContext::hasGlobalFunction("runFeatureFile"));
+    EXPECT_EQ(context.tryCall("object", "grabScreenshot"), 2);
 
     const auto description = ScriptContext::functionDescription("test::compare");
     EXPECT_EQ(description.requiredParameters, (QStringList{"value1", "value2"}));
     EXPECT_EQ(description.optionalParameters, QStringList("comment"));
     for (const QString& name : first)
         EXPECT_FALSE(
-            ScriptContext::functionDescription(QString(name).replace(".", "::")).text.isEmpty())
+            ScriptContext::functionDescription(QString(name).replace(".", "::").replace("->", "::"))
+                .text.isEmpty())
             << name.toStdString();
 
     context.names.clear();

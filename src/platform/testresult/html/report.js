@@ -106,18 +106,18 @@
     }
 
     function stackElement(entry, row) {
-        const calls = entry.stack.map((call, index) => {
+        const stack = make("div", "stack");
+        const calls = entry.stack.map((call, index) => ({ ...call, index }));
+        appendAll(stack, calls, (call) => {
             const position = make("span", "position",
-                (index > 0 ? "called from " : "") + shortPath(call.position, row));
+                (call.index > 0 ? "called from " : "") + shortPath(call.position, row));
             position.title = call.position;
             if (call.excerpt === undefined)
-                return make("li", "", position);
-            const element = make("details", "", make("summary", "", position),
-                excerptElement(data.excerpts[call.excerpt]));
-            element.open = index === 0;
-            return make("li", "", element);
+                return make("div", "", position);
+            return foldable("call", [position], call.index === 0,
+                (inside) => inside.append(excerptElement(data.excerpts[call.excerpt])));
         });
-        return make("ol", "stack", ...calls);
+        return stack;
     }
 
     function enlarge(file) {
@@ -260,8 +260,9 @@
             appendAll(body, failures, (entry) => resultElement(entry, row, true));
         }
         if (row.outcome !== "passed") {
-            const outputs = entries.filter((entry) => entry.isApplicationOutput);
-            body.append(...outputs.map((entry) => fileElement(entry, false)));
+            const files = entries.filter((entry) => entry.isApplicationOutput ||
+                (entry.file && entry.file.kind === "image"));
+            appendAll(body, files, (entry) => fileElement(entry, false));
         }
         const addTree = (inside) =>
             appendAll(inside, treeOf(entries), (node) => nodeElement(node, row));
@@ -360,8 +361,13 @@
         const wanted = parameters.has("case") &&
             data.rows.find((row) => row.name === parameters.get("case"));
         if (wanted && isShown(wanted)) {
-            caseElement(wanted).unfold();
-            caseElement(wanted).scrollIntoView();
+            const element = caseElement(wanted);
+            element.unfold();
+            // It may stand behind what the list shows at first.
+            const nextMore = () => list.querySelector(":scope > div > .more");
+            while (!element.isConnected && nextMore())
+                nextMore().click();
+            element.scrollIntoView();
         }
     }
 

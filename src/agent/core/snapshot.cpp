@@ -1,0 +1,139 @@
+#include "agent/core/snapshot.h"
+
+#include <QDataStream>
+#include <QImage>
+#include <QPair>
+
+#include "agent/core/nameindex.h"
+#include "agent/core/session.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/vocabulary.h"
+#include "agent/core/walk.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+using Pair = QPair<QString, QString>;
+
+/// Writes elements straight into the stream, in the order that UIElement::serialize() documents:
+/// making the elements first takes several times as long.
+class SnapshotWriter {
+public:
+    SnapshotWriter(QDataStream* stream, bool withImages, bool withAllProperties)
+        : m_stream(*stream), m_withImages(withImages), m_withAllProperties(withAllProperties) {}
+
+    void writeAll(const QVector<Element>& elements) {
+        m_stream << elements.size();
+        for (const Element& element : elements)
+            write(element);
+    }
+
+private:
+    void write(const Element& element) {
+        const Toolkit* const toolkit = element.toolkit;
+        const QString type = toolkit->typeName(element);
+        const QString text = toolkit->text(element);
+        const bool isWindow = toolkit->parent(element).isNull();
+        m_stream << QString::number(++m_count);
+        m_stream << QString();                       // standard type: unknown
+        m_stream << type << QString() << QString();  // simplified type, namespace
+        m_stream << superTypes(element);
+        m_stream << toolkit->isInternal(element) << false << isWindow;
+        m_stream << text;
+        m_stream << toolkit->globalBounds(element) << false;
+        m_stream << (m_withImages && toolkit->isVisible(element) ? toolkit->grab(element)
+                                                                 : QImage());
+        m_stream << m_names.realName(element) << QString();  // no symbolic name
+        writeProperties(element);
+        writeIdentifying(element, type, text);
+        m_stream << 0;  // usage
+        QVector<Element> children;
+        appendShownChildren(element, false, &children);
+        writeAll(children);
+    }
+
+    QStringList superTypes(const Element& element) {
+        if (element.isItem())
+            return element.toolkit->superTypes(element);
+        auto known = m_superTypes.find(element.object->metaObject());
+        if (known == m_superTypes.end())
+            known = m_superTypes.insert(element.object->metaObject(),
+                                        element.toolkit->superTypes(element));
+        return *known;
+    }
+
+    /// Pairs of texts in the form of a hash.
+    void writePairs(const QVector<Pair>& pairs) {
+        m_stream << static_cast<quint32>(pairs.size());
+        for (const Pair& pair : pairs)
+            m_stream << pair.first << pair.second;
+    }
+
+    void writeProperties(const Element& element) {
+        QVector<Pair> pairs;
+        if (!m_withAllProperties) {
+            pairs.append({m_visible, boolText(element.toolkit->isVisible(element))});
+            pairs.append({m_enabled, boolText(element.toolkit->isEnabled(element))});
+            writePairs(pairs);
+            return;
+        }
+        for (const QString& name : allPropertyNames(element)) {
+            bool isKnown = false;
+            const QVariant value = propertyValue(element, name, &isKnown);
+            if (isKnown)
+                pairs.append({name, valueText(value)});
+        }
+        writePairs(pairs);
+    }
+
+    void writeIdentifying(const Element& element, const QString& type, const QString& text) {
+        QVector<Pair> pairs{{m_type, type}};
+        const QString name = element.toolkit->name(element);
+        if (!name.isEmpty())
+            pairs.append({m_name, name});
+        if (!text.isEmpty() && element.toolkit->isTextLasting(element))
+            pairs.append({m_text, text});
+        writePairs(pairs);
+    }
+
+    const QString& boolText(bool value) const { return value ? m_true : m_false; }
+
+    QDataStream& m_stream;
+    bool m_withImages;
+    bool m_withAllProperties;
+    const QString m_type = QStringLiteral("type");
+    const QString m_name = QStringLiteral("name");
+    const QString m_text = QStringLiteral("text");
+    const QString m_visible = QStringLiteral("visible");
+    const QString m_enabled = QStringLiteral("enabled");
+    const QString m_true = QStringLiteral("true");
+    const QString m_false = QStringLiteral("false");
+    int m_count = 0;
+    NameIndex m_names;
+    QHash<const QMetaObject*, QStringList> m_superTypes;
+};
+
+}  // namespace
+
+QByteArray takeSnapshot(const Element& element, bool withImages) {
+    QByteArray bytes;
+    // Growing by small steps would move it many times.
+    constexpr int usualSize = 1024 * 1024;
+    bytes.reserve(usualSize);
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_4_6);  // version 12
+    QVector<Element> elements;
+    if (!element.isNull()) {
+        elements.append(element);
+    } else {
+        for (const Element& each : Session::self()->topLevels()) {
+            if (!each.toolkit->isPlain(each) && !each.toolkit->isInternal(each))
+                elements.append(each);
+        }
+    }
+    SnapshotWriter(&stream, withImages, !element.isNull()).writeAll(elements);
+    return bytes;
+}
+
+}  // namespace Tamrix::Agent

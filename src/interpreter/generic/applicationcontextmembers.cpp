@@ -1,0 +1,148 @@
+#include "interpreter/bridge/runnerinterface.h"
+#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/generic/applicationfunctions.h"
+#include "interpreter/generic/objectarguments.h"
+#include "interpreter/generic/runneraccess.h"
+
+namespace Tamrix {
+
+namespace {
+
+using ApplicationPtr = SharedPtr<ApplicationContext>;
+
+/// The context that is argument 0; null with the error set when it is none.
+ApplicationPtr applicationOf(ScriptContext* context) {
+    const SharedPtr<ScriptArgument> argument = context->argument(0);
+    ApplicationPtr application = argument ? argument->toApplicationContext() : ApplicationPtr();
+    if (!application)
+        context->setError("Invalid application context reference");
+    return application;
+}
+
+/// Asks the runner about the context that is argument 0.
+template <typename Ask>
+void askRunner(ScriptContext* context, const char* function, Ask ask) {
+    const ApplicationPtr application = applicationOf(context);
+    if (!application)
+        return;
+    if (RunnerInterface* runner = runnerFor(function))
+        ask(runner, application);
+}
+
+void readOutput(ScriptContext* context, const char* function,
+                QString (RunnerInterface::*read)(ApplicationPtr, bool*), const char* notAvailable) {
+    askRunner(context, function, [&](RunnerInterface* runner, const ApplicationPtr& application) {
+        bool available = true;
+        const QString text = (runner->*read)(application, &available);
+        if (available)
+            context->setStringResult(text);
+        else
+            context->setError(notAvailable);
+    });
+}
+
+}  // namespace
+
+void applicationName(ScriptContext* context) {
+    if (const ApplicationPtr application = applicationOf(context))
+        context->setStringResult(application->name);
+}
+
+void applicationCommandLine(ScriptContext* context) {
+    if (const ApplicationPtr application = applicationOf(context))
+        context->setStringResult(application->commandLine);
+}
+
+void applicationStartTime(ScriptContext* context) {
+    if (const ApplicationPtr application = applicationOf(context))
+        context->setDateTimeResult(application->startTime);
+}
+
+void applicationPid(ScriptContext* context) {
+    askRunner(context, "pid", [&](auto* runner, const auto& application) {
+        context->setIntegerResult(runner->pid(application));
+    });
+}
+
+void applicationCwd(ScriptContext* context) {
+    askRunner(context, "cwd", [&](auto* runner, const auto& application) {
+        context->setStringResult(runner->currentDirectory(application));
+    });
+}
+
+void applicationIsRunning(ScriptContext* context) {
+    askRunner(context, "isRunning", [&](auto* runner, const auto& application) {
+        context->setBoolResult(runner->isRunning(application));
+    });
+}
+
+void applicationUsedMemory(ScriptContext* context) {
+    askRunner(context, "usedMemory", [&](auto* runner, const auto& application) {
+        context->setInt64Result(runner->usedMemory(application));
+    });
+}
+
+void applicationTotalTime(ScriptContext* context) {
+    askRunner(context, "totalTime", [&](auto* runner, const auto& application) {
+        context->setInt64Result(runner->totalTime(application));
+    });
+}
+
+void applicationIsFrozen(ScriptContext* context) {
+    askRunner(context, "isFrozen", [&](auto* runner, const auto& application) {
+        const SharedPtr<ScriptArgument> timeout = context->argument(1);
+        if (timeout && timeout->isInteger())
+            context->setBoolResult(runner->isFrozen(application, intOf(timeout)));
+        else
+            context->setError("isFrozen() requires an integer timeout[secs] argument");
+    });
+}
+
+void applicationReadStdout(ScriptContext* context) {
+    readOutput(context, "readStdout", &RunnerInterface::readStdout,
+               "The AUT standard output is not available.");
+}
+
+void applicationReadStderr(ScriptContext* context) {
+    readOutput(context, "readStderr", &RunnerInterface::readStderr,
+               "The AUT standard error is not available.");
+}
+
+void applicationOsName(ScriptContext* context) {
+    askRunner(context, "osName", [&](auto* runner, const auto& application) {
+        context->setStringResult(runner->osName(application));
+    });
+}
+
+void applicationEnvironmentVariable(ScriptContext* context) {
+    askRunner(context, "environmentVariable", [&](auto* runner, const auto& application) {
+        if (context->argumentCount() == 2)
+            context->setStringResult(
+                runner->environmentVariable(application, context->argument(1)->toString()));
+        else
+            context->setError("environmentVariable() requires a name argument");
+    });
+}
+
+void applicationHost(ScriptContext* context) {
+    askRunner(context, "host", [&](auto* runner, const auto& application) {
+        context->setStringResult(runner->host(application));
+    });
+}
+
+void applicationPort(ScriptContext* context) {
+    askRunner(context, "port", [&](auto* runner, const auto& application) {
+        context->setIntegerResult(runner->port(application));
+    });
+}
+
+void applicationDetach(ScriptContext* context) {
+    askRunner(context, "detach", [&](auto* runner, const auto& application) {
+        if (runner->detachApplication(application))
+            context->setNullResult();
+        else
+            context->setError("detach() failed");
+    });
+}
+
+}  // namespace Tamrix

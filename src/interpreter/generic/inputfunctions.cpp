@@ -1,0 +1,133 @@
+#include "interpreter/generic/inputfunctions.h"
+
+#include "interpreter/bridge/runnerinterface.h"
+#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/generic/objectarguments.h"
+#include "interpreter/generic/runneraccess.h"
+#include "platform/objectmodel/inspector.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// What RunnerInterface::mouseEvent() is told of what it is given.
+enum MouseMask { WithTarget = 1, WithCoordinates = 8 };
+
+constexpr int leftButton = 1;
+
+struct MouseArguments {
+    SharedPtr<Object> target;
+    int mask = 0;
+    int x = 0;
+    int y = 0;
+    int button = leftButton;
+    int modifiers = 0;
+};
+
+/// Takes the next argument as a number; false with the error set when it is none.
+bool takeNumber(ScriptContext* context, const char* what, int* next, int* number) {
+    const SharedPtr<ScriptArgument> argument = context->argument((*next)++);
+    if (!argument->isNumber()) {
+        context->setError(QStringLiteral("Invalid type of %1 value").arg(QLatin1String(what)));
+        return false;
+    }
+    *number = intOf(argument);
+    return true;
+}
+
+/// Picks the overload step by step; false with the error set when there is none.
+bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArguments* mouse) {
+    const int count = context->argumentCount();
+    int next = 0;
+    // 1. A target, as object or by name.
+    if (count > 0 &&
+        (context->argument(0)->isObject() || isStringOrObjectName(context->argument(0)))) {
+        mouse->target = findObjectOf(context, context->argument(0));
+        if (!mouse->target)
+            return false;
+        mouse->mask |= WithTarget;
+        next = 1;
+    }
+    // 2. Coordinates, which a move must have and a button has only with something behind them.
+    const int remaining = count - next;
+    const bool isMove = !buttonChange;
+    if (remaining > 2 || (isMove && remaining == 2)) {
+        if (!takeNumber(context, "x", &next, &mouse->x) ||
+            !takeNumber(context, "y", &next, &mouse->y))
+            return false;
+        mouse->mask |= WithCoordinates;
+    } else if (isMove) {
+        context->setError("Overload not found");
+        return false;
+    }
+    // 3. Button and modifiers.
+    if (buttonChange && next < count && !takeNumber(context, "button", &next, &mouse->button))
+        return false;
+    if (buttonChange && next < count && !takeNumber(context, "modifiers", &next, &mouse->modifiers))
+        return false;
+    if (next < count) {
+        context->setError("Overload not found");
+        return false;
+    }
+    return true;
+}
+
+void mouseAction(ScriptContext* context, const char* function, bool buttonChange, bool press) {
+    MouseArguments mouse;
+    if (!readMouseArguments(context, buttonChange, &mouse))
+        return;
+    RunnerInterface* const runner = runnerFor(function);
+    if (!runner)
+        return;
+    // 4. The runner moves the mouse.
+    if (runner->mouseEvent(mouse.target, mouse.mask, mouse.x, mouse.y, mouse.button,
+                           mouse.modifiers, buttonChange, press))
+        context->setBoolResult(true);
+    else
+        context->setError(Inspector::self()->lastError());
+}
+
+bool keyAction(ScriptContext* context, const char* function, bool press) {
+    if (context->argumentCount() != 1) {
+        context->setError("One string argument expected");
+        return false;
+    }
+    const SharedPtr<ScriptArgument> key = context->argument(0);
+    if (!key->isString()) {
+        context->setError(QStringLiteral("Argument '%1' is not a string").arg(key->toString()));
+        return false;
+    }
+    RunnerInterface* const runner = runnerFor(function);
+    if (!runner)
+        return true;
+    if (!runner->keyEvent(key->toString(), press)) {
+        context->setError(Inspector::self()->lastError());
+        return false;
+    }
+    context->setBoolResult(true);
+    return true;
+}
+
+}  // namespace
+
+void mousePress(ScriptContext* context) {
+    mouseAction(context, "mousePress", true, true);
+}
+
+void mouseRelease(ScriptContext* context) {
+    mouseAction(context, "mouseRelease", true, false);
+}
+
+void mouseMove(ScriptContext* context) {
+    mouseAction(context, "mouseMove", false, false);
+}
+
+bool keyPress(ScriptContext* context) {
+    return keyAction(context, "keyPress", true);
+}
+
+bool keyRelease(ScriptContext* context) {
+    return keyAction(context, "keyRelease", false);
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,44 @@
+#include "interpreter/generic/objectarguments.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Tamrix {
+
+namespace {
+
+constexpr int s_leastInt = std::numeric_limits<int>::min();
+constexpr int s_mostInt = std::numeric_limits<int>::max();
+
+}  // namespace
+
+int intOf(const SharedPtr<ScriptArgument>& argument, int missing) {
+    if (!argument)
+        return missing;
+    return static_cast<int>(std::clamp<long long>(argument->toInt(), s_leastInt, s_mostInt));
+}
+
+int roundedMilliseconds(double milliseconds) {
+    if (std::isnan(milliseconds))
+        return 0;
+    return static_cast<int>(std::clamp<double>(std::round(milliseconds), s_leastInt, s_mostInt));
+}
+
+QString optionalText(const SharedPtr<ScriptArgument>& argument) {
+    return argument ? argument->toString() : QString();
+}
+
+SharedPtr<Object> findObjectOf(ScriptContext* context, const SharedPtr<ScriptArgument>& argument) {
+    const QString name = serializeObjectName(argument);
+    SharedPtr<Object> object;
+    if (argument->isObject())
+        object = argument->toObject();
+    else if (isStringOrObjectName(argument))
+        object = Inspector::self()->findObject(name);
+    if (!object)
+        context->setError("Can't find object named '" + name + "'");
+    return object;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,287 @@
+#include "platform/objectmodel/remote/agentconnection.h"
+
+#include <poll.h>
+
+#include <QScopedValueRollback>
+#include <algorithm>
+
+namespace Tamrix {
+
+using Wire::Frame;
+using Wire::MessageType;
+
+namespace {
+
+quint16 nextNumber() {
+    static quint16 s_last = 0;
+    // 0 means no connection, also after 65535 of them.
+    s_last = static_cast<quint16>(s_last == 0xffff ? 1 : s_last + 1);
+    return s_last;
+}
+
+/// Whether the application acts only after its answer.
+bool injectsInput(MessageType type, const QByteArray& body) {
+    switch (type) {
+        case MessageType::MouseEvent:
+        case MessageType::KeyEvent:
+        case MessageType::SendEvent:
+        case MessageType::Quit:
+            return true;
+        case MessageType::Invoke: {
+            Wire::Invoke call;
+            return Wire::decode(body, &call) && call.handle == 0;
+        }
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+AgentConnection::AgentConnection(int descriptor, const QString& token)
+    : m_number(nextNumber()), m_channel(descriptor), m_token(token), m_nextIdle(idleInterval) {
+    m_channel.setMaximalBodySize(Wire::maximalHelloSize);
+    if (!m_channel.isOpen())
+        m_state = State::Closed;
+}
+
+AgentConnection::~AgentConnection() = default;
+
+void AgentConnection::close(const QString& reason) {
+    m_channel.close(reason);
+    m_state = State::Closed;
+}
+
+// Coming in
+
+AgentConnection::State AgentConnection::pump() {
+    if (m_state == State::Closed || m_isRequesting)
+        return m_state;
+    m_channel.receive();
+    Frame answer;
+    bool isAnswered = false;
+    takeFrames(0, &answer, &isAnswered);
+    return m_state;
+}
+
+bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered) {
+    while (m_state != State::Closed && !*isAnswered) {
+        const std::optional<Frame> frame = m_channel.takeFrame();
+        if (!frame)
+            break;
+        if (m_state == State::Greeting) {
+            takeHello(*frame);
+        } else if (frame->type == MessageType::EventFired) {
+            takeEvent(*frame);
+        } else if ((frame->type != MessageType::Reply && frame->type != MessageType::Failure) ||
+                   frame->sequence == 0 || frame->sequence > m_lastSequence) {
+            close(QStringLiteral("the application sent a message of type %1 that nobody asked for")
+                      .arg(static_cast<int>(frame->type)));
+        } else if (frame->sequence == wanted) {
+            *answer = *frame;
+            *isAnswered = true;
+        }
+        // Everything else answers a request that was given up.
+    }
+    if (!m_channel.isOpen() && !*isAnswered)
+        m_state = State::Closed;
+    return m_state != State::Closed;
+}
+
+void AgentConnection::takeHello(const Frame& frame) {
+    Wire::Hello hello;
+    Wire::Text reason;
+    // One that stands between runner and agent may have none to offer.
+    if (frame.type == MessageType::Refusal && Wire::decode(frame.body, &reason)) {
+        close(reason.text);
+        return;
+    }
+    if (frame.type != MessageType::Hello || !Wire::decode(frame.body, &hello) ||
+        hello.magic != Wire::magicNumber) {
+        close(QStringLiteral("the other side is no agent"));
+        return;
+    }
+    QString refusal;
+    if (hello.version != Wire::protocolVersion) {
+        refusal = QStringLiteral(
+                      "the agent in the application speaks version %1 of the protocol, the runner "
+                      "version %2: both must be of the same installation")
+                      .arg(hello.version)
+                      .arg(Wire::protocolVersion);
+    } else if (hello.token != m_token) {
+        refusal = QStringLiteral("the agent of process %1 shows a token that is not of this run")
+                      .arg(hello.pid);
+    }
+    if (!refusal.isEmpty()) {
+        m_channel.sendBody(0, MessageType::Refusal, Wire::Text{refusal});
+        close(refusal);
+        return;
+    }
+    m_hello = hello;
+    m_channel.setMaximalBodySize(Wire::maximalBodySize);
+    m_state = m_channel.send(0, MessageType::Welcome, {}) ? State::Open : State::Closed;
+}
+
+void AgentConnection::takeEvent(const Frame& frame) {
+    Wire::EventFired event;
+    if (!Wire::decode(frame.body, &event))
+        close(QStringLiteral("the application sent an event that can't be read"));
+    else if (m_events.size() >= maximalEventCount)
+        close(QStringLiteral("more than %1 events came").arg(maximalEventCount));
+    else
+        m_events.push_back(event);
+}
+
+std::vector<Wire::EventFired> AgentConnection::takeEvents() {
+    return std::exchange(m_events, {});
+}
+
+// Waiting
+
+bool AgentConnection::waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded) {
+    pollfd watched[] = {{m_channel.descriptor(), POLLIN, 0}, {m_processDescriptor, POLLIN, 0}};
+    const qint64 left = std::min(deadline.remainingTime(), m_nextIdle.remainingTime());
+    ::poll(watched, std::size(watched), static_cast<int>(std::max<qint64>(left, 0)));
+    *hasProcessEnded = watched[1].revents != 0;
+    m_channel.receive();
+    // Answers that come at once never wait for the hook.
+    if (!m_nextIdle.hasExpired())
+        return true;
+    const bool goesOn = !m_idleHook || m_idleHook();
+    m_nextIdle.setRemainingTime(idleInterval);
+    return goesOn;
+}
+
+bool AgentConnection::waitForHello(int timeout) {
+    const QDeadlineTimer deadline(timeout);
+    const QScopedValueRollback<bool> requesting(m_isRequesting, true);
+    Frame answer;
+    bool isAnswered = false;
+    bool hasProcessEnded = false;
+    while (takeFrames(0, &answer, &isAnswered) && m_state == State::Greeting) {
+        if (hasProcessEnded)
+            close(QStringLiteral("the process has ended"));
+        else if (deadline.hasExpired())
+            close(QStringLiteral("the other side sent no hello within %1 ms").arg(timeout));
+        else if (!waitForBytes(deadline, &hasProcessEnded))
+            close(QStringLiteral("the wait for the hello was given up"));
+    }
+    return m_state == State::Open;
+}
+
+bool AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline, int timeout,
+                                    Frame* answer, RequestError* error) {
+    bool hasProcessEnded = false;
+    bool isAnswered = false;
+    bool goesOn = true;
+    while (takeFrames(sequence, answer, &isAnswered) && !isAnswered) {
+        if (hasProcessEnded) {
+            close(QStringLiteral("the process has ended"));
+        } else if (!goesOn) {
+            *error = {RequestError::Kind::Aborted, {}, QStringLiteral("The wait was given up")};
+            return false;
+        } else if (deadline.hasExpired()) {
+            *error = {RequestError::Kind::TimedOut,
+                      {},
+                      QStringLiteral("The application did not answer within %1 ms").arg(timeout)};
+            return false;
+        } else {
+            goesOn = waitForBytes(deadline, &hasProcessEnded);
+        }
+    }
+    if (!isAnswered)
+        *error = disconnected();
+    return isAnswered;
+}
+
+// Requests
+
+RequestError AgentConnection::disconnected() const {
+    const QString endText = m_endText ? m_endText() : QString();
+    if (!endText.isEmpty())
+        return {RequestError::Kind::Disconnected, {}, endText};
+    return {RequestError::Kind::Disconnected,
+            {},
+            QStringLiteral("The connection to the application has ended: %1").arg(errorText())};
+}
+
+RequestError AgentConnection::unreadableAnswer(MessageType type) {
+    return {RequestError::Kind::Malformed,
+            {},
+            QStringLiteral("The application's answer to request %1 can't be read")
+                .arg(static_cast<int>(type))};
+}
+
+bool AgentConnection::exchange(MessageType type, const QByteArray& body,
+                               const QDeadlineTimer& deadline, int timeout, Frame* answer,
+                               RequestError* error) {
+    const quint32 sequence = ++m_lastSequence;
+    if (m_channel.send(sequence, type, body))
+        return waitForAnswer(sequence, deadline, timeout, answer, error);
+    m_state = State::Closed;
+    *error = disconnected();
+    return false;
+}
+
+bool AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& deadline, int timeout,
+                                 RequestError* error) {
+    // A ping asks whether the application answers at all, at rest or not.
+    if (!m_isSyncDue || type == MessageType::Ping)
+        return true;
+    const auto left = static_cast<int>(std::min<qint64>(m_syncTimeout, deadline.remainingTime()));
+    Frame answer;
+    if (!exchange(MessageType::Sync, {}, QDeadlineTimer(left), left, &answer, error)) {
+        if (error->kind != RequestError::Kind::TimedOut)
+            return false;
+        if (deadline.hasExpired()) {
+            // Sent now, the request would act after its failure was told.
+            error->text =
+                QStringLiteral(
+                    "The application did not come to rest within %1 ms after the last input")
+                    .arg(timeout);
+            return false;
+        }
+    }
+    m_isSyncDue = false;
+    return true;
+}
+
+bool AgentConnection::request(MessageType type, const QByteArray& body, int timeout,
+                              QByteArray* reply, RequestError* error) {
+    if (m_isRequesting) {
+        *error = {RequestError::Kind::Aborted,
+                  {},
+                  QStringLiteral("Another request to the application is under way")};
+        return false;
+    }
+    if (m_state != State::Open) {
+        *error = disconnected();
+        return false;
+    }
+    const QScopedValueRollback<bool> requesting(m_isRequesting, true);
+    const QDeadlineTimer deadline(timeout);
+    if (!syncBefore(type, deadline, timeout, error))
+        return false;
+    Frame answer;
+    const bool isAnswered = exchange(type, body, deadline, timeout, &answer, error);
+    if (isAnswered && answer.type == MessageType::Failure) {
+        Wire::Failure failure;
+        if (Wire::decode(answer.body, &failure))
+            *error = {RequestError::Kind::Refused, failure.code, failure.text};
+        else
+            *error = unreadableAnswer(type);
+        return false;
+    }
+    // Also a request that was given up may still act.
+    if (injectsInput(type, body))
+        m_isSyncDue = true;
+    *reply = answer.body;
+    return isAnswered;
+}
+
+bool AgentConnection::ping(int timeout, RequestError* error) {
+    QByteArray reply;
+    return request(MessageType::Ping, QByteArray(), timeout, &reply, error);
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDeadlineTimer>
+#include <QString>
+#include <deque>
+#include <functional>
+#include <vector>
+
+#include "base/export.h"
+#include "platform/objectmodel/remote/requesterror.h"
+#include "wire/framechannel.h"
+#include "wire/messages.h"
+
+namespace Tamrix {
+
+/// The runner's end of the connection to the agent in one application. Script thread only; no
+/// thread and no event loop of its own.
+///
+/// A new connection has no peer to trust: it takes nothing but a hello of limited size until the
+/// peer has shown the token. Once open it takes requests, one at a time, and keeps the events that
+/// come meanwhile.
+///
+/// A request that injects input (calls of global functions, mouse and key events, sent events,
+/// Quit) is answered before the input takes effect. The next request is therefore preceded by a
+/// Sync, so that it sees what the input did. When the application does not come to rest within
+/// syncTimeout(), the request is sent all the same, as long as it has time left: the time of the
+/// Sync counts as time of the request. A ping goes without.
+class TAMRIX_EXPORT AgentConnection {
+public:
+    enum class State { Greeting, Open, Closed };
+
+    /// Called during waits, at least every idleInterval ms; false gives the wait up. It may pump()
+    /// other connections, but makes no request on this one.
+    using IdleHook = std::function<bool()>;
+
+    static constexpr int idleInterval = 50;
+    /// More events than that without takeEvents() end the connection.
+    static constexpr int maximalEventCount = 100'000;
+
+    /// Owns `descriptor`, an accepted socket. `token` is what the peer has to show.
+    AgentConnection(int descriptor, const QString& token);
+    ~AgentConnection();
+    AgentConnection(const AgentConnection&) = delete;
+    AgentConnection& operator=(const AgentConnection&) = delete;
+
+    /// A number of this connection in this process, from 1.
+    quint16 number() const { return m_number; }
+    State state() const { return m_state; }
+    bool isOpen() const { return m_state == State::Open; }
+    /// To be polled for reading while state() is not Closed; then pump(). -1 when closed.
+    int descriptor() const { return m_channel.descriptor(); }
+    /// Why the connection is closed.
+    QString errorText() const { return m_channel.errorText(); }
+    /// What the peer told of itself; meaningful once open.
+    const Wire::Hello& hello() const { return m_hello; }
+
+    /// Waits for the hello. False, and the connection is closed, when none that is right comes
+    /// within `timeout` ms, or the idle hook gives up. A peer of another version or with a wrong
+    /// token is told so.
+    bool waitForHello(int timeout);
+    /// Works off what has come, without waiting, in each state: hello, events, late answers.
+    /// Returns the state after that.
+    State pump();
+    /// Closes for good. Requests fail from now on with this reason.
+    void close(const QString& reason);
+
+    void setIdleHook(const IdleHook& hook) { m_idleHook = hook; }
+    /// What tells how the application ended, better than the connection can; asked when a request
+    /// fails since the connection is closed. An empty text leaves it to the connection.
+    void setEndText(const std::function<QString()>& endText) { m_endText = endText; }
+    /// A descriptor that becomes readable when the process ends, such as a pidfd: waits see the end
+    /// at once. Not owned; -1 for none.
+    void setProcessDescriptor(int descriptor) { m_processDescriptor = descriptor; }
+    int syncTimeout() const { return m_syncTimeout; }
+    void setSyncTimeout(int milliseconds) { m_syncTimeout = milliseconds; }
+
+    /// Sends a request and waits for its answer, up to `timeout` ms. False on failure. An answer
+    /// that comes after its request was given up is dropped.
+    bool request(Wire::MessageType type, const QByteArray& body, int timeout, QByteArray* reply,
+                 RequestError* error);
+    /// The same with the answer's body read.
+    template <typename Reply>
+    bool request(Wire::MessageType type, const QByteArray& body, int timeout, Reply* reply,
+                 RequestError* error) {
+        QByteArray bytes;
+        if (!request(type, body, timeout, &bytes, error))
+            return false;
+        if (Wire::decode(bytes, reply))
+            return true;
+        *error = unreadableAnswer(type);
+        return false;
+    }
+    /// Whether the application's event loop answers within `timeout` ms.
+    bool ping(int timeout, RequestError* error);
+
+    /// The events that came, in order; they are given once.
+    std::vector<Wire::EventFired> takeEvents();
+
+    /// "The application's answer to request 32 can't be read".
+    static RequestError unreadableAnswer(Wire::MessageType type);
+
+private:
+    /// Frames that have come: false when the connection is closed now. `wanted` is the sequence of
+    /// the answer that is waited for, 0 for none.
+    bool takeFrames(quint32 wanted, Wire::Frame* answer, bool* isAnswered);
+    void takeHello(const Wire::Frame& frame);
+    void takeEvent(const Wire::Frame& frame);
+    /// Waits a moment for bytes. False when the idle hook gave up.
+    bool waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded);
+    bool waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline, int timeout,
+                       Wire::Frame* answer, RequestError* error);
+    bool exchange(Wire::MessageType type, const QByteArray& body, const QDeadlineTimer& deadline,
+                  int timeout, Wire::Frame* answer, RequestError* error);
+    bool syncBefore(Wire::MessageType type, const QDeadlineTimer& deadline, int timeout,
+                    RequestError* error);
+    RequestError disconnected() const;
+
+    quint16 m_number;
+    State m_state = State::Greeting;
+    Wire::FrameChannel m_channel;
+    QString m_token;
+    Wire::Hello m_hello;
+    IdleHook m_idleHook;
+    std::function<QString()> m_endText;
+    QDeadlineTimer m_nextIdle;
+    int m_processDescriptor = -1;
+    int m_syncTimeout = 5000;
+    quint32 m_lastSequence = 0;
+    bool m_isRequesting = false;
+    /// Input was injected and may not have taken effect yet.
+    bool m_isSyncDue = false;
+    std::vector<Wire::EventFired> m_events;
+};
+
+}  // namespace Tamrix

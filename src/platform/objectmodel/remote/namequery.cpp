@@ -1,0 +1,90 @@
+#include "platform/objectmodel/remote/namequery.h"
+
+#include "wire/textmatch.h"
+
+namespace Tamrix {
+
+namespace {
+
+const char occurrenceProperty[] = "occurrence";
+
+/// The longest part of a value that a message shows.
+constexpr int shownLength = 80;
+
+QString shown(QString text) {
+    text.replace('\n', QLatin1String("\\n"));
+    if (text.size() > shownLength)
+        text = text.left(shownLength) + QStringLiteral("...");
+    return '\'' + text + '\'';
+}
+
+QString difference(const Wire::NearMiss& miss) {
+    if (miss.property == QLatin1String(occurrenceProperty))
+        return QStringLiteral("%1 objects match, wanted occurrence %2")
+            .arg(miss.actual, miss.wanted);
+    if (miss.actual.isNull())
+        return QStringLiteral("it has no %1, wanted %2").arg(miss.property, shown(miss.wanted));
+    return QStringLiteral("%1 is %2, wanted %3")
+        .arg(miss.property, shown(miss.actual), shown(miss.wanted));
+}
+
+}  // namespace
+
+bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error) {
+    *query = {};
+    const auto properties = name.properties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        const PropertyValue& value = it.value();
+        if (it.key() == QLatin1String(occurrenceProperty)) {
+            query->occurrence = value.text().toInt();
+            if (query->occurrence < 1 || value.modifiers() != PropertyValue::Plain) {
+                *error = QStringLiteral("The occurrence in a name is a number from 1, not '%1'")
+                             .arg(value.text());
+                return false;
+            }
+            continue;
+        }
+        Wire::Criterion criterion;
+        criterion.property = it.key();
+        criterion.modifier = value.modifiers();
+        criterion.text = value.text();
+        if (value.isRealName() && isMultiPropertyName(value.text())) {
+            criterion.text.clear();
+            criterion.object = std::make_shared<Wire::Query>();
+            if (!makeQuery(ObjectName(value.text()), criterion.object.get(), error))
+                return false;
+        } else {
+            const QString fault = Wire::TextMatch(value.text(), value.modifiers()).errorText();
+            if (!fault.isEmpty()) {
+                *error = QStringLiteral("The property '%1' of the name %2: %3")
+                             .arg(it.key(), name.qualifiedName(), fault);
+                return false;
+            }
+        }
+        query->criteria.append(criterion);
+    }
+    return true;
+}
+
+QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses) {
+    QStringList lines;
+    QString lastObject;
+    for (const Wire::NearMiss& miss : misses) {
+        // What differs on the same object stands in its one line.
+        if (!lines.isEmpty() && miss.object == lastObject && !miss.object.isEmpty())
+            lines.last() += QStringLiteral("; ") + difference(miss);
+        else
+            lines.append(miss.object.isEmpty()
+                             ? difference(miss)
+                             : miss.object + QStringLiteral(": ") + difference(miss));
+        lastObject = miss.object;
+    }
+    QString text = QStringLiteral("No object matches ") + name.qualifiedName();
+    if (lines.size() == 1)
+        text += QStringLiteral(". Nearest: ") + lines.first();
+    else if (lines.size() > 1)
+        text += QStringLiteral(". Nearest:\n  ") + lines.join(QStringLiteral("\n  "));
+    return text;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include "platform/objectmodel/objectname.h"
+#include "wire/messages.h"
+
+namespace Tamrix {
+
+/// A name as the application looks for it. False when an occurrence is no number from 1, or a
+/// wildcard or expression is malformed; `*error` then names the property.
+bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error);
+
+/// Why nothing matches, for people: "No object matches {...}", then what differed on the objects
+/// that matched nearly, one object a line.
+QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses);
+
+}  // namespace Tamrix

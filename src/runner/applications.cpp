@@ -1,0 +1,332 @@
+#include "runner/applications.h"
+
+#include <poll.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QScopedValueRollback>
+#include <algorithm>
+
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/remote/remotelink.h"
+#include "platform/objectmodel/remote/remoteobject.h"
+#include "runner/attachable.h"
+#include "runner/interrupt.h"
+
+namespace Tamrix {
+
+namespace {
+
+// How long an application is asked to close, and then to terminate, before it is killed.
+constexpr int closePatience = 2000;
+constexpr int terminatePatience = 1000;
+/// How long the request to close may take.
+constexpr int quitTimeout = 500;
+constexpr int pollInterval = 50;
+constexpr int closePollInterval = 10;
+
+}  // namespace
+
+Applications::Applications() : m_runId(randomToken()) {}
+
+Applications::~Applications() {
+    endAll();
+}
+
+QString Applications::prepare() {
+    QString error;
+    if (m_server.listen(&error))
+        m_watch.start(m_runId, m_server.folder());
+    return error;
+}
+
+QString Applications::useDisplay(const QString& display) {
+    if (display.isEmpty() || display == QLatin1String("inherit"))
+        return {};
+    if (display != QLatin1String("auto")) {
+        m_displayEnvironment = displayEnvironment(display);
+        return {};
+    }
+    QString error = prepare();
+    if (error.isEmpty())
+        error = m_privateDisplay.start(m_runId, m_server.folder());
+    m_displayEnvironment = m_privateDisplay.environment();
+    return error;
+}
+
+// Starting
+
+SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int timeout,
+                                           QString* error) {
+    *error = prepare();
+    if (!error->isEmpty())
+        return {};
+    const QString mark = QStringLiteral("%1:%2").arg(m_runId).arg(++m_lastProgram);
+    ApplicationStart start = wanted;
+    start.program.environment =
+        m_displayEnvironment + wanted.program.environment +
+        agentEnvironment(m_server.socketPath(), m_server.token(), wanted.preloadsAgent) +
+        ProgramEnvironment{{QLatin1String(runMarkVariable), mark}};
+    std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
+    if (!process)
+        return {};
+    const auto program = std::make_shared<StartedProgram>(start, std::move(process), mark);
+    m_programs.push_back(program);
+    SharedPtr<Application> application =
+        waitForStart(program, timeout < 0 ? defaultStartTimeout : timeout, error);
+    if (application) {
+        const auto isIt = [&](const auto& launched) { return launched == application; };
+        m_launched.erase(std::remove_if(m_launched.begin(), m_launched.end(), isIt),
+                         m_launched.end());
+        setCurrent(application);
+    } else {
+        program->end(terminatePatience);
+        m_programs.erase(std::find(m_programs.begin(), m_programs.end(), program));
+    }
+    return application;
+}
+
+SharedPtr<Application> Applications::firstOf(const StartedProgram* program) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->program() == program)
+            return application;
+    }
+    return {};
+}
+
+SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedProgram>& program,
+                                                  int timeout, QString* error) {
+    m_server.takeRefusal();
+    const QDeadlineTimer deadline(timeout);
+    while (true) {
+        // In this order: a program may connect and end at once.
+        const bool isAlive = program->isAlive();
+        work();
+        if (SharedPtr<Application> application = firstOf(program.get()))
+            return application;
+        if (isInterrupted()) {
+            *error = QStringLiteral("the run was interrupted while '%1' started")
+                         .arg(program->start().name);
+            return {};
+        }
+        if (!isAlive || deadline.hasExpired()) {
+            *error = startFailure(*program, timeout);
+            return {};
+        }
+        waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
+    }
+}
+
+QString Applications::startFailure(StartedProgram& program, int timeout) {
+    const QString refusal = m_server.takeRefusal();
+    QString text;
+    if (program.process().hasEnded()) {
+        program.output().waitForEnd(500);
+        text = QStringLiteral("'%1' ended before its agent connected: %2")
+                   .arg(program.start().name, program.process().endText());
+    } else {
+        text = QStringLiteral(
+                   "'%1' was started, but no agent in it connected within %2 ms; is it a program "
+                   "with Qt 5?")
+                   .arg(program.start().name)
+                   .arg(timeout);
+    }
+    if (!refusal.isEmpty())
+        text += QStringLiteral("\nA connection was refused: ") + refusal;
+    return text + program.lastErrorText();
+}
+
+SharedPtr<Application> Applications::attach(const QString& name, int timeout, QString* error) {
+    std::shared_ptr<AgentConnection> connection = connectToAttachable(name, error);
+    if (!connection)
+        return {};
+    connection->setIdleHook([this] { return !isInterrupted(); });
+    if (!connection->waitForHello(timeout < 0 ? defaultStartTimeout : timeout)) {
+        *error = QStringLiteral("'%1' can't be attached to: %2").arg(name, connection->errorText());
+        return {};
+    }
+    SharedPtr<Application> application = add(std::move(connection), name);
+    setCurrent(application);
+    return application;
+}
+
+SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) {
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    while (true) {
+        work();
+        if (!m_launched.empty()) {
+            SharedPtr<Application> application = m_launched.front();
+            m_launched.pop_front();
+            if (!m_current || !m_current->valid)
+                setCurrent(application);
+            return application;
+        }
+        if (isInterrupted() || deadline.hasExpired()) {
+            *error = isInterrupted()
+                         ? QStringLiteral("the run was interrupted")
+                         : QStringLiteral("no application was launched within %1 ms").arg(wait);
+            return {};
+        }
+        waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
+    }
+}
+
+// Contexts
+
+std::shared_ptr<StartedProgram> Applications::programOf(pid_t process) {
+    for (const std::shared_ptr<StartedProgram>& program : m_programs) {
+        if (program->process().pid() == process || program->includes(process))
+            return program;
+    }
+    return nullptr;
+}
+
+QString Applications::uniqueName(const QString& name) {
+    QString unique = name;
+    for (int number = 2; find(unique); ++number)
+        unique = QStringLiteral("%1_%2").arg(name).arg(number);
+    return unique;
+}
+
+SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connection,
+                                         const QString& name) {
+    const auto program = programOf(static_cast<pid_t>(connection->hello().pid));
+    AgentConnection* const added = connection.get();
+    SharedPtr<Application> application(
+        new Application(++m_lastId, uniqueName(name), std::move(connection), program));
+    // A request lets the others work, and ends when the run is interrupted.
+    added->setIdleHook([this] {
+        work();
+        return !isInterrupted();
+    });
+    m_applications.append(application);
+    return application;
+}
+
+QList<SharedPtr<Application>> Applications::live() {
+    work();
+    QList<SharedPtr<Application>> applications;
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            applications.append(application);
+    }
+    return applications;
+}
+
+SharedPtr<Application> Applications::find(int id) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->id == id)
+            return application;
+    }
+    return {};
+}
+
+SharedPtr<Application> Applications::find(const QString& name) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->name == name && application->valid)
+            return application;
+    }
+    return {};
+}
+
+SharedPtr<Application> Applications::first() {
+    return live().value(0);
+}
+
+void Applications::setCurrent(SharedPtr<Application> application) {
+    m_current = application;
+    Inspector::self()->setModel(application ? &application->model() : nullptr);
+}
+
+SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>& context) {
+    return context ? dynamicPointerCast<Application>(context) : SharedPtr<Application>();
+}
+
+SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
+    if (const auto remote = dynamicPointerCast<RemoteObject>(object)) {
+        for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+            if (&application->connection() == &remote->link().connection())
+                return application;
+        }
+    }
+    return m_current;
+}
+
+// Working and waiting
+
+void Applications::work() {
+    if (m_isWorking)
+        return;
+    const QScopedValueRollback<bool> working(m_isWorking, true);
+    m_server.work();
+    for (std::shared_ptr<AgentConnection>& connection : m_server.takeAccepted()) {
+        const auto program = programOf(static_cast<pid_t>(connection->hello().pid));
+        const QString name = program && !firstOf(program.get())
+                                 ? program->start().name
+                                 : connection->hello().program.section(QLatin1Char('/'), -1);
+        m_launched.push_back(add(std::move(connection), name));
+    }
+    for (const SharedPtr<Application>& application : qAsConst(m_applications))
+        application->work();
+}
+
+void Applications::waitForNews(int milliseconds) {
+    work();
+    std::vector<pollfd> watched{{m_server.descriptor(), POLLIN, 0}};
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            watched.push_back({application->connection().descriptor(), POLLIN, 0});
+    }
+    ::poll(watched.data(), watched.size(), milliseconds);
+    work();
+    QCoreApplication::processEvents();
+}
+
+void Applications::startCall() {
+    m_interruptBeforeCall = Interrupt::signalNumber();
+}
+
+bool Applications::isInterrupted() const {
+    return Interrupt::signalNumber() != m_interruptBeforeCall;
+}
+
+// Ending
+
+bool Applications::askToClose() {
+    bool wasAsked = false;
+    for (const SharedPtr<Application>& application : live()) {
+        if (!application->program())
+            continue;
+        application->connection().setSyncTimeout(quitTimeout);
+        application->model().setRequestTimeout(quitTimeout);
+        QString ignored;
+        wasAsked = application->model().quit(&ignored) || wasAsked;
+    }
+    return wasAsked;
+}
+
+QStringList Applications::endAll() {
+    startCall();
+    const QDeadlineTimer deadline(askToClose() ? closePatience : 0);
+    const auto isAlive = [](const auto& program) { return program->isAlive(); };
+    while (!deadline.hasExpired() && std::any_of(m_programs.begin(), m_programs.end(), isAlive))
+        waitForNews(closePollInterval);
+
+    QStringList left;
+    for (const std::shared_ptr<StartedProgram>& program : m_programs) {
+        if (program->end(terminatePatience) > 0)
+            left.append(program->start().name);
+    }
+    setCurrent(nullptr);
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            application->detach();
+    }
+    m_applications.clear();
+    m_launched.clear();
+    m_programs.clear();
+    return left;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,97 @@
+#include "runner/inspect.h"
+
+#include <QBuffer>
+#include <QDeadlineTimer>
+#include <algorithm>
+
+#include "runner/applications.h"
+#include "runner/commandline.h"
+#include "runner/commands.h"
+#include "runner/interrupt.h"
+#include "runner/objecttree.h"
+#include "runner/shellwords.h"
+#include "runner/terminal.h"
+#include "shared/uiabstraction/xmlexporter.h"
+#include "vision/screenshot.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// The tree in the wanted form; empty with `*error` set on failure.
+QByteArray formattedTree(const QByteArray& elements, CommandLine::TreeFormat format,
+                         QString* error) {
+    UIAbstraction::XmlExporter exporter(elements);
+    if (format == CommandLine::TreeFormat::Text)
+        return objectTreeText(exporter.elements()).toLocal8Bit();
+    if (format == CommandLine::TreeFormat::Json)
+        return objectTreeJson(exporter.elements());
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (!exporter.toXml(&buffer))
+        *error = exporter.errorMessage();
+    return buffer.data();
+}
+
+/// Stores a picture of the screen. Returns an error text, empty on success.
+QString storeScreenshot(RemoteModel& model, const QString& fileName) {
+    QString error;
+    const QVariant picture = model.nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
+    const QImage image = Screenshot::fromVariant(picture).image();
+    if (!error.isEmpty() || image.isNull())
+        return QStringLiteral("no picture of the screen came: %1").arg(error);
+    if (!image.save(fileName, fileName.contains(QLatin1Char('.')) ? nullptr : "PNG"))
+        return QStringLiteral("the picture of the screen can't be written to '%1'").arg(fileName);
+    return {};
+}
+
+/// Lets the program settle.
+void pause(Applications& applications, double seconds) {
+    const QDeadlineTimer deadline(static_cast<qint64>(seconds * 1000));
+    while (!deadline.hasExpired() && !applications.isInterrupted())
+        applications.waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 50)));
+}
+
+/// Returns an error text, empty on success.
+QString inspectWith(Applications& applications, const CommandLine& line) {
+    QString error = applications.useDisplay(line.display);
+    if (!error.isEmpty())
+        return error;
+    QStringList words;
+    for (const QString& word : line.program)
+        words.append(quotedShellWord(word));
+    const ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, &error);
+    if (!error.isEmpty())
+        return error;
+    const SharedPtr<Application> application = applications.start(start, -1, &error);
+    if (!application)
+        return error;
+    pause(applications, line.waitSeconds);
+
+    const QByteArray elements = application->model().snapshot({}, false, &error);
+    QByteArray tree;
+    if (error.isEmpty())
+        tree = formattedTree(elements, line.treeFormat, &error);
+    if (error.isEmpty() && !line.screenshotFile.isEmpty())
+        error = storeScreenshot(application->model(), line.screenshotFile);
+    const QString end = application->endText();
+    if (!error.isEmpty() && !end.isEmpty())
+        error = end;
+    if (error.isEmpty() && !writeBytes(stdout, tree))
+        error = QStringLiteral("standard output can't be written");
+    return error;
+}
+
+}  // namespace
+
+int inspectApplication(const CommandLine& commandLine) {
+    Interrupt::install();
+    Applications applications;
+    const QString error = inspectWith(applications, commandLine);
+    applications.endAll();
+    if (Interrupt::signalNumber() != 0)
+        return Interrupt::exitCode(Interrupt::signalNumber());
+    return error.isEmpty() ? ExitSuccess : failWith(error);
+}
+
+}  // namespace Tamrix

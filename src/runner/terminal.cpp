@@ -1,0 +1,21 @@
+#include "runner/terminal.h"
+
+#include "runner/commands.h"
+
+namespace Tamrix {
+
+bool writeBytes(FILE* stream, const QByteArray& bytes) {
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
+    return std::fflush(stream) == 0 && !std::ferror(stream);
+}
+
+void tell(const QString& text) {
+    writeBytes(stderr, QStringLiteral("tamrixrunner: %1\n").arg(text).toLocal8Bit());
+}
+
+int failWith(const QString& text) {
+    tell(text);
+    return ExitUsage;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,237 @@
+#include "platform/objectmodel/remote/agentconnection.h"
+
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+
+#include <QElapsedTimer>
+#include <QtEndian>
+
+#include "support/fakeagent.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Test::FakeAgent;
+using Wire::Frame;
+using Wire::MessageType;
+using Kind = RequestError::Kind;
+
+/// Long enough for every answer that comes at all.
+constexpr int patience = 20000;
+
+QByteArray frameHead(quint32 length, quint32 sequence, MessageType type) {
+    QByteArray head(10, '\0');
+    qToBigEndian(length, head.data());
+    qToBigEndian(sequence, head.data() + 4);
+    qToBigEndian(static_cast<quint16>(type), head.data() + 8);
+    return head;
+}
+
+TEST(AgentConnection, RefusesWhoeverIsNoAgentOfThisRun) {
+    const struct {
+        std::function<void(FakeAgent&)> play;
+        const char* reason;
+        bool isTold;
+    } rows[] = {
+        {[](FakeAgent& agent) {
+             Wire::Hello hello = FakeAgent::hello();
+             hello.version = 7;
+             agent.sayHello(hello);
+         },
+         "the agent in the application speaks version 7 of the protocol, the runner version 1: "
+         "both must be of the same installation",
+         true},
+        {[](FakeAgent& agent) {
+             Wire::Hello hello = FakeAgent::hello();
+             hello.token = "guessed";
+             hello.pid = 5;
+             agent.sayHello(hello);
+         },
+         "the agent of process 5 shows a token that is not of this run", true},
+        {[](FakeAgent& agent) {
+             Wire::Hello hello = FakeAgent::hello();
+             hello.magic = 1;
+             agent.sayHello(hello);
+         },
+         "the other side is no agent", false},
+        {[](FakeAgent& agent) { agent.sendBytes(frameHead(2, 0, MessageType::Hello) + "xy"); },
+         "the other side is no agent", false},
+        {[](FakeAgent& agent) { agent.sendBytes(frameHead(0, 1, MessageType::Reply)); },
+         "the other side is no agent", false},
+        {[](FakeAgent& agent) { agent.sendBytes("GET / HTTP/1.1\r\n\r\n"); },
+         "a message of 1195725856 bytes came, at most 65536 are taken", false},
+        {[](FakeAgent& agent) { agent.hangUp(); }, "the other side closed the connection", false},
+        {[](FakeAgent&) {}, "the other side sent no hello within 100 ms", false},
+    };
+    for (const auto& row : rows) {
+        std::atomic<bool> isTold = false;
+        {
+            const FakeAgent agent([&](FakeAgent& self) {
+                row.play(self);
+                while (const auto frame = self.next()) {
+                    Wire::Text text;
+                    isTold = frame->type == MessageType::Refusal &&
+                             Wire::decode(frame->body, &text) && text.text == row.reason;
+                }
+            });
+            AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+            EXPECT_FALSE(connection.waitForHello(100));
+            EXPECT_EQ(connection.state(), AgentConnection::State::Closed);
+            EXPECT_EQ(connection.errorText(), row.reason);
+            // The fake ends by itself when it reads the end of the connection.
+            for (int round = 0; row.isTold && !isTold && round < 500; ++round)
+                ::usleep(10000);
+        }
+        EXPECT_EQ(isTold, row.isTold) << row.reason;
+    }
+}
+
+TEST(AgentConnection, GivesUpAnswersAndDropsThemWhenTheyComeLate) {
+    Frame held;
+    const FakeAgent agent(FakeAgent::serving([&](FakeAgent& self, const Frame& frame) {
+        if (frame.type == MessageType::RealName) {
+            held = frame;
+        } else {
+            self.fire("callback", {4, "QWidget", "w"});
+            if (held.sequence != 0)
+                self.reply(held, "late");
+            self.reply(frame, "right");
+        }
+    }));
+    AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+    ASSERT_TRUE(connection.waitForHello(patience)) << connection.errorText().toStdString();
+    EXPECT_EQ(connection.hello().program, "/bin/fake");
+
+    QByteArray reply;
+    RequestError error;
+    EXPECT_FALSE(connection.request(MessageType::RealName, {}, 30, &reply, &error));
+    EXPECT_EQ(error.kind, Kind::TimedOut);
+    EXPECT_EQ(error.text, "The application did not answer within 30 ms");
+
+    int rounds = 0;
+    connection.setIdleHook([&] { return ++rounds < 3; });
+    EXPECT_FALSE(connection.request(MessageType::RealName, {}, patience, &reply, &error));
+    EXPECT_EQ(error.kind, Kind::Aborted);
+    connection.setIdleHook([&] {
+        EXPECT_FALSE(connection.ping(1, &error)) << "one request at a time";
+        return true;
+    });
+
+    EXPECT_TRUE(connection.request(MessageType::Parent, {}, patience, &reply, &error));
+    EXPECT_EQ(reply, "right");
+    const auto events = connection.takeEvents();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].object.objectName, "w");
+    EXPECT_TRUE(connection.takeEvents().empty());
+}
+
+TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
+    const int processEnd = ::eventfd(1, EFD_CLOEXEC);
+    const struct {
+        std::function<void(FakeAgent&, const Frame&)> answer;
+        Kind kind;
+        const char* text;
+        bool hasProcessEnded;
+    } rows[] = {
+        {[](FakeAgent& agent, const Frame&) { agent.hangUp(); }, Kind::Disconnected,
+         "The connection to the application has ended: the other side closed the connection",
+         false},
+        {[](FakeAgent& agent, const Frame& frame) {
+             agent.sendBytes(frameHead(100, frame.sequence, MessageType::Reply) + "cut");
+             agent.hangUp();
+         },
+         Kind::Disconnected,
+         "The connection to the application has ended: the other side closed the connection",
+         false},
+        {[](FakeAgent& agent, const Frame& frame) {
+             agent.sendBytes(frameHead(0x10000001, frame.sequence, MessageType::Reply));
+         },
+         Kind::Disconnected,
+         "The connection to the application has ended: a message of 268435457 bytes came, at most "
+         "268435456 are taken",
+         false},
+        {[](FakeAgent& agent, const Frame&) {
+             agent.sendBytes(frameHead(0, 99, MessageType::Reply));
+         },
+         Kind::Disconnected,
+         "The connection to the application has ended: the application sent a message of type 10 "
+         "that nobody asked for",
+         false},
+        {[](FakeAgent& agent, const Frame&) {
+             agent.sendBytes(frameHead(1, 0, MessageType::EventFired) + "x");
+         },
+         Kind::Disconnected,
+         "The connection to the application has ended: the application sent an event that can't "
+         "be read",
+         false},
+        {[](FakeAgent& agent, const Frame& frame) { agent.reply(frame, "no text"); },
+         Kind::Malformed, "The application's answer to request 37 can't be read", false},
+        {[](FakeAgent& agent, const Frame& frame) {
+             agent.fail(frame, Wire::FailureCode::StaleObject, "It is gone");
+         },
+         Kind::Refused, "It is gone", false},
+        {[](FakeAgent&, const Frame&) {}, Kind::Disconnected,
+         "The connection to the application has ended: the process has ended", true},
+    };
+    for (const auto& row : rows) {
+        const FakeAgent agent(FakeAgent::serving(row.answer));
+        AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+        ASSERT_TRUE(connection.waitForHello(patience));
+        if (row.hasProcessEnded)
+            connection.setProcessDescriptor(processEnd);
+        Wire::Text name;
+        RequestError error;
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(connection.request(MessageType::RealName, Wire::encode(Wire::ObjectHandle{1}),
+                                        patience, &name, &error));
+        EXPECT_LT(timer.elapsed(), patience / 2);
+        EXPECT_EQ(error.kind, row.kind) << row.text;
+        EXPECT_EQ(error.text, row.text);
+    }
+    ::close(processEnd);
+}
+
+TEST(AgentConnection, SyncsBeforeTheRequestAfterInput) {
+    std::vector<MessageType> seen;
+    bool isBusy = false;
+    {
+        const FakeAgent agent(FakeAgent::serving([&](FakeAgent& self, const Frame& frame) {
+            seen.push_back(frame.type);
+            if (frame.type == MessageType::Quit)
+                isBusy = true;
+            if (frame.type != MessageType::Sync || !isBusy)
+                self.reply(frame);
+        }));
+        AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+        ASSERT_TRUE(connection.waitForHello(patience));
+        QByteArray reply;
+        RequestError error;
+        const auto send = [&](MessageType type, const QByteArray& body, int timeout = patience) {
+            return connection.request(type, body, timeout, &reply, &error);
+        };
+        Wire::Invoke call;
+        EXPECT_TRUE(send(MessageType::Invoke, Wire::encode(call)));
+        EXPECT_TRUE(connection.ping(patience, &error));
+        call.handle = 4;
+        EXPECT_TRUE(send(MessageType::Invoke, Wire::encode(call)));
+        EXPECT_TRUE(send(MessageType::KeyEvent, {}));
+        EXPECT_TRUE(send(MessageType::Quit, {}));
+        // A busy application: first the whole time is over, then only that of the Sync.
+        EXPECT_FALSE(send(MessageType::LookUp, {}, 20));
+        EXPECT_EQ(error.text,
+                  "The application did not come to rest within 20 ms after the last input");
+        connection.setSyncTimeout(20);
+        EXPECT_TRUE(send(MessageType::LookUp, {}));
+        EXPECT_TRUE(send(MessageType::LookUp, {}));
+    }
+    EXPECT_EQ(seen,
+              (std::vector<MessageType>{
+                  MessageType::Invoke, MessageType::Ping, MessageType::Sync, MessageType::Invoke,
+                  MessageType::KeyEvent, MessageType::Sync, MessageType::Quit, MessageType::Sync,
+                  MessageType::Sync, MessageType::LookUp, MessageType::LookUp}));
+}
+
+}  // namespace
+}  // namespace Tamrix

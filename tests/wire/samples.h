@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QColor>
+#include <QDateTime>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <vector>
+
+#include "wire/messages.h"
+
+namespace Tamrix::Wire {
+
+/// Calls `use(type, body)` with a body of every message, each field different from its default.
+template <typename Use>
+void forEachSample(const Use& use) {
+    const ObjectInfo object{0x1234567890, "QPushButton", "ok"};
+    const QVariantList arguments{
+        QVariant(),
+        true,
+        qint64(-5),
+        2.5,
+        QString("text"),
+        QByteArray("bytes"),
+        QDateTime({2024, 2, 29}, {12, 30}, Qt::UTC),
+        QPoint(1, -2),
+        QSize(3, 4),
+        QRect(1, 2, 3, 4),
+        QColor(1, 2, 3, 4),
+        QVariantMap{{"list", QVariantList{1, QVariantList{}}}, {"null", QVariant()}},
+        QVariant::fromValue(object)};
+    auto inner = std::make_shared<Query>();
+    inner->criteria = {{"type", 1, "Q*", nullptr}};
+    inner->occurrence = 3;
+    const Query query{{{"text", 2, "^Save$", nullptr}, {"window", 0, {}, inner}}, 2};
+
+    use(MessageType::Hello, Hello{magicNumber, protocolVersion, "token", 12, 11, "/bin/app",
+                                  QStringList{"-a", "b"}, "5.15.8", "xcb", "Debian"});
+    use(MessageType::Refusal, Text{"why"});
+    use(MessageType::Failure, Failure{FailureCode::NotReady, "it is disabled"});
+    use(MessageType::EventFired, EventFired{"callback", object});
+    use(MessageType::LookUp, LookUp{7, query, true, true});
+    use(MessageType::FindItem, FindItem{7, "a.b", 1, 2, true});
+    use(MessageType::FindItem, FindItem{7, QString(), 1, 2, true});
+    use(MessageType::Children, ObjectHandle{7});
+    use(MessageType::WriteProperty, PropertyAccess{7, "text", arguments});
+    use(MessageType::Invoke, Invoke{7, "click", arguments, 5});
+    use(MessageType::Snapshot, Snapshot{7, true});
+    use(MessageType::MouseEvent, MouseEvent{7, 9, -1, 2, 4, 0x02000000, true, true});
+    use(MessageType::KeyEvent, KeyEvent{"Return", true});
+    use(MessageType::Highlight, Highlight{7, 100});
+    use(MessageType::NativeRequest, NativeRequest{"desktopScreenshot", arguments});
+    use(MessageType::InstallHandler, EventHandler{7, "QWidget", "clicked", "callback"});
+    use(MessageType::SendEvent, SendEvent{7, "QMouseEvent", arguments});
+
+    use(MessageType::Reply, Value{arguments});
+    use(MessageType::Reply, ObjectInfoList{object, {8, "QLabel", QString()}});
+    use(MessageType::Reply,
+        LookUpResult{object, true, "it is hidden", {{"QLabel", "text", "wanted", "actual"}}});
+    use(MessageType::Reply, ClassInfo{"QPushButton",
+                                      QStringList{"QWidget"},
+                                      {{"text", "QString", true}},
+                                      {{"click", "void", {"int", "bool"}}},
+                                      {{"clicked", {"bool"}}}});
+}
+
+}  // namespace Tamrix::Wire
