@@ -21,9 +21,9 @@ Window {
     Rectangle {
         objectName: "pad"
         x: 10; y: 10; width: 80; height: 40
-        color: area.containsMouse ? "red" : "blue"
+        color: sensor.containsMouse ? "red" : "blue"
         MouseArea {
-            id: area
+            id: sensor
             anchors.fill: parent
             hoverEnabled: true
             acceptedButtons: Qt.AllButtons
@@ -38,7 +38,7 @@ Window {
     ComboBox { objectName: "combo"; x: 10; y: 200; model: ["First", "Second", "Third"] }
     Rectangle { objectName: "hidden"; x: 300; y: 10; width: 50; height: 50
         MouseArea { anchors.fill: parent; onClicked: write("hidden") } }
-    Rectangle { objectName: "cover"; x: 290; y: 5; width: 40; height: 70; color: "gray"
+    Rectangle { objectName: "cover"; x: 270; y: 5; width: 40; height: 70; color: "gray"
         MouseArea { anchors.fill: parent } }
     Flickable {
         x: 250; y: 100; width: 100; height: 100; contentHeight: 1000; clip: true

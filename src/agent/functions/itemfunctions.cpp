@@ -11,9 +11,45 @@ namespace Tamrix::Agent {
 
 namespace {
 
+/// Qt Quick's combo boxes make their items when their popup opens.
+bool hasOwnPopup(const Element& element) {
+    return !element.isItem() && element.object->inherits("QQuickComboBox");
+}
+
+/// The first visible element with the text below another one.
+Element findByText(const Element& root, const QString& text) {
+    QVector<Element> children;
+    root.toolkit->children(root, true, &children);
+    for (const Element& child : qAsConst(children)) {
+        if (!child.toolkit->isVisible(child))
+            continue;
+        if (child.toolkit->text(child) == text)
+            return child;
+        const Element found = findByText(child, text);
+        if (!found.isNull())
+            return found;
+    }
+    return Element();
+}
+
+/// What Qt Quick shows of a view's or box's items are elements like others.
+Element quickItemOf(const Element& view, const QString& text) {
+    QObject* holder = view.object;
+    if (hasOwnPopup(view)) {
+        const auto* const popup = view.object->property("popup").value<QObject*>();
+        holder = popup == nullptr ? nullptr : popup->property("contentItem").value<QObject*>();
+    }
+    const Element root = Session::self()->element(holder);
+    return root.isNull() ? Element() : findByText(root, unescapeItemText(text));
+}
+
 Element itemOf(const ElementRef& ref, const QString& text, QString* reason) {
     const Element view = ref.get();
-    return view.isNull() ? Element() : view.toolkit->item(view, text, -1, -1, reason);
+    if (view.isNull())
+        return Element();
+    if (!view.isItem() && view.object->inherits("QQuickItem"))
+        return quickItemOf(view, text);
+    return view.toolkit->item(view, text, -1, -1, reason);
 }
 
 /// Opens what is closed on the way to an item. A model may make its items only then.
@@ -93,11 +129,6 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view, co
     });
 }
 
-/// Qt Quick's combo boxes make their items when their popup opens.
-bool hasOwnPopup(const Element& element) {
-    return !element.isItem() && element.object->inherits("QQuickComboBox");
-}
-
 }  // namespace
 
 void selectItem(Call& call) {
@@ -106,9 +137,8 @@ void selectItem(Call& call) {
     call.takeEnd();
     if (selectMenuItem(call, element, text) || selectComboItem(call, element, text))
         return;
-    const bool opensPopup = hasOwnPopup(element);
     // A view whose middle is covered by an item's editor is still a view: its items count.
-    if (!opensPopup) {
+    if (!hasOwnPopup(element)) {
         auto* const queue = StepQueue::create();
         addActivation(queue, ElementRef(element));
         addItemClick(queue, call, ElementRef(element), text);

@@ -1,6 +1,14 @@
 #include "agent/input/testdisplay.h"
 
+#include <sys/prctl.h>
+
+#include <csignal>
+
 namespace Tamrix {
+
+void TestDisplay::Server::setupChildProcess() {
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
 
 TestDisplay::TestDisplay() {
     m_server.setStandardErrorFile(QProcess::nullDevice());

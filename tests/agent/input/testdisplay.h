@@ -17,7 +17,13 @@ public:
     QString name() const { return m_name; }
 
 private:
-    QProcess m_server;
+    /// Ends with the test, however that ends.
+    class Server : public QProcess {
+    protected:
+        void setupChildProcess() override;
+    };
+
+    Server m_server;
     QString m_name;
 };
 
