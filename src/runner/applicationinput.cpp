@@ -104,8 +104,10 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
 }
 
 void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
-    // The script fails in its normal course when nobody is there to be asked.
-    if (Debugger* const debugger = Debugger::self())
+    // The script stops only where the test and a front end both want it; else it fails at once.
+    Debugger* const debugger = Debugger::self();
+    if (debugger && debugger->objectNotFoundDebugging() &&
+        TestSettingsType::s_objectNotFoundDebugging)
         debugger->stopWithObjectName(name, *error);
 }
 
