@@ -1,5 +1,7 @@
 // The operations of Runner on the objects of the current application, and its input.
 
+#include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "runner/runner.h"
