@@ -1,5 +1,6 @@
 // The operations of Runner on the objects of the current application, and its input.
 
+#include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "runner/runner.h"
@@ -104,8 +105,10 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
 }
 
 void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
-    // The script fails in its normal course when nobody is there to be asked.
-    if (Debugger* const debugger = Debugger::self())
+    Debugger* const debugger = Debugger::self();
+    // Only when the suite and the front end ask for it; else the script fails in its normal course.
+    if (debugger && debugger->objectNotFoundDebugging() &&
+        TestSettingsType::s_objectNotFoundDebugging)
         debugger->stopWithObjectName(name, *error);
 }
 
