@@ -214,9 +214,11 @@ struct EventFired {
     ObjectInfo object;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a type can't stand in parentheses.
 #define TAMRIX_WIRE_OPERATORS(Type)                                 \
     QDataStream& operator<<(QDataStream& stream, const Type& body); \
     QDataStream& operator>>(QDataStream& stream, Type& body)
+// NOLINTEND(bugprone-macro-parentheses)
 TAMRIX_WIRE_OPERATORS(NearMiss);
 TAMRIX_WIRE_OPERATORS(PropertyInfo);
 TAMRIX_WIRE_OPERATORS(MethodInfo);

@@ -12,8 +12,9 @@ void log(const QString& entry) {
     s_window->setProperty("log", before.isEmpty() ? entry : before + QStringLiteral("|") + entry);
 }
 
+/// "Ctrl+Shift+"
 QString modifierText(Qt::KeyboardModifiers modifiers) {
-    return QKeySequence(static_cast<int>(modifiers)).toString().remove(QStringLiteral("++"));
+    return QKeySequence(static_cast<int>(modifiers)).toString();
 }
 
 /// Tells of every mouse and key event.
@@ -37,15 +38,12 @@ protected:
                 const char* const name = event->type() == QEvent::MouseButtonPress     ? "press"
                                          : event->type() == QEvent::MouseButtonRelease ? "release"
                                                                                        : "double";
-                log(QStringLiteral("%1 %2,%3 %4 %5%6")
-                        .arg(QLatin1String(name))
+                log(QStringLiteral("%1%2 %3,%4 %5 %6")
+                        .arg(modifierText(mouse->modifiers()), QLatin1String(name))
                         .arg(mouse->x())
                         .arg(mouse->y())
                         .arg(mouse->button())
-                        .arg(mouse->buttons())
-                        .arg(modifierText(mouse->modifiers()).isEmpty()
-                                 ? QString()
-                                 : QStringLiteral(" ") + modifierText(mouse->modifiers())));
+                        .arg(mouse->buttons()));
                 break;
             }
             case QEvent::MouseMove: {
@@ -201,6 +199,58 @@ void addChoices(QGridLayout* grid) {
     grid->addWidget(toggle, 6, 2);
 }
 
+class DragLabel : public QLabel {
+public:
+    DragLabel() : QLabel(QStringLiteral("Drag me")) {
+        setObjectName(QStringLiteral("dragLabel"));
+        setAcceptDrops(true);
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override { m_start = event->pos(); }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if ((event->pos() - m_start).manhattanLength() < QApplication::startDragDistance())
+            return;
+        QDrag drag(this);
+        auto* const data = new QMimeData;
+        data->setText(text());
+        drag.setMimeData(data);
+        log(drag.exec(Qt::CopyAction) == Qt::CopyAction ? QStringLiteral("dragged")
+                                                        : QStringLiteral("not dragged"));
+    }
+
+private:
+    QPoint m_start;
+};
+
+class DropLabel : public QLabel {
+public:
+    DropLabel() : QLabel(QStringLiteral("Drop here")) {
+        setObjectName(QStringLiteral("dropLabel"));
+        setAcceptDrops(true);
+    }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
+    void dropEvent(QDropEvent* event) override {
+        event->acceptProposedAction();
+        log(QStringLiteral("drop ") + event->mimeData()->text());
+    }
+};
+
+void addOthers(QGridLayout* grid) {
+    grid->addWidget(new DragLabel, 9, 0);
+    grid->addWidget(new DropLabel, 9, 1);
+    auto* const busy = makeButton("Busy", [] {
+        auto* const timer = new QTimer(s_window);
+        timer->start(0);
+    });
+    QPixmap red(16, 16);
+    red.fill(Qt::red);
+    busy->setIcon(red);
+    grid->addWidget(busy, 9, 2);
+}
+
 void addViews(QGridLayout* grid) {
     auto* const list = named<QListWidget>("list");
     for (int i = 0; i < 100; ++i) {
@@ -288,6 +338,7 @@ int main(int argc, char** argv) {
     addFields(grid);
     addChoices(grid);
     addViews(grid);
+    addOthers(grid);
     addMenus();
     window.setCentralWidget(center);
     window.show();

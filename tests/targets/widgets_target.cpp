@@ -10,6 +10,7 @@
 #include <QGraphicsView>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -118,7 +119,7 @@ private:
         new QTreeWidgetItem(top, {"v1.0"});
         layout->addWidget(tree, 0, 1);
         auto* const table = new QTableWidget(2000, 2);
-        table->setObjectName("table");
+        table->horizontalHeader()->setObjectName("columns");
         table->setHorizontalHeaderLabels({"first", "second"});
         table->setItem(0, 1, new QTableWidgetItem("cell"));
         table->setItem(1900, 0, new QTableWidgetItem("deep"));

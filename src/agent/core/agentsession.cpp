@@ -11,6 +11,8 @@
 #include <exception>
 #include <tuple>
 
+#include "agent/core/quicklibrary.h"
+
 namespace Tamrix::Agent {
 
 namespace {
@@ -141,6 +143,7 @@ void AgentSession::workOnNext() {
     m_isScheduled = false;
     if (m_current != 0 || m_requests.isEmpty())
         return;
+    loadQuickWhereItIs(this);
     const Wire::Frame frame = m_requests.dequeue();
     m_current = ++m_lastNumber;
     auto responder = std::make_shared<FrameResponder>(this, frame.sequence, m_current);

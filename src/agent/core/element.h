@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QModelIndex>
 #include <QObject>
 
@@ -29,6 +30,12 @@ struct Element {
     bool operator==(const Element& other) const {
         return object == other.object && kind == other.kind && index == other.index &&
                pointer == other.pointer && number == other.number;
+    }
+    friend uint qHash(const Element& element, uint seed) {
+        return ::qHash(element.object, seed) ^ ::qHash(element.pointer, seed) ^
+               static_cast<uint>(element.kind + 64 * element.number + 4096 * element.index.row() +
+                                 1048576 * element.index.column()) ^
+               static_cast<uint>(element.index.internalId());
     }
     bool operator!=(const Element& other) const { return !(*this == other); }
 };

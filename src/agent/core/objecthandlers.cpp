@@ -2,8 +2,10 @@
 
 #include "agent/core/handlers.h"
 #include "agent/core/lookup.h"
+#include "agent/core/nameindex.h"
 #include "agent/core/readiness.h"
 #include "agent/core/session.h"
+#include "agent/core/snapshot.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/vocabulary.h"
 #include "agent/core/walk.h"
@@ -106,6 +108,25 @@ void tellBounds(const Wire::ObjectHandle& request, const ResponderPtr& responder
     responder->replyBody(value);
 }
 
+void tellRealName(const Wire::ObjectHandle& request, const ResponderPtr& responder) {
+    const Element element = Session::self()->findOrFail(request.handle, responder);
+    if (element.isNull())
+        return;
+    Wire::Text name;
+    name.text = NameIndex().realName(element);
+    responder->replyBody(name);
+}
+
+void tellTree(const Wire::Snapshot& request, const ResponderPtr& responder) {
+    const Element element =
+        request.handle == 0 ? Element() : Session::self()->findOrFail(request.handle, responder);
+    if (request.handle != 0 && element.isNull())
+        return;
+    Wire::Value value;
+    value.value = takeSnapshot(element, request.withImages);
+    responder->replyBody(value);
+}
+
 }  // namespace
 
 void appendShownChildren(const Element& element, bool withPlainObjects,
@@ -127,6 +148,8 @@ void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::Children, listChildren);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::Parent, tellParent);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::GlobalBounds, tellBounds);
+    session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::RealName, tellRealName);
+    session->setBodyHandler<Wire::Snapshot>(Wire::MessageType::Snapshot, tellTree);
 }
 
 }  // namespace Tamrix::Agent

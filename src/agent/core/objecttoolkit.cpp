@@ -6,6 +6,7 @@
 #include <QWindow>
 
 #include "agent/core/session.h"
+#include "agent/input/windowstack.h"
 
 namespace Tamrix::Agent {
 
@@ -111,7 +112,8 @@ bool ObjectToolkit::isEnabled(const Element& /*element*/) const {
 bool ObjectToolkit::isInternal(const Element& element) const {
     const QByteArray name = element.object->metaObject()->className();
     return (name.startsWith('Q') && name.contains("Private")) ||
-           element.object->inherits("QLayout") || element.object->inherits("QStyle");
+           element.object->inherits("QLayout") || element.object->inherits("QStyle") ||
+           element.object->property(internalWindowProperty).isValid();
 }
 
 bool ObjectToolkit::isPlain(const Element& element) const {

@@ -8,6 +8,7 @@
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
+#include "agent/input/clickarea.h"
 #include "agent/input/elementref.h"
 #include "agent/input/windowstack.h"
 
@@ -59,9 +60,9 @@ QPoint pointOf(const Element& element, const std::optional<QPoint>& offset) {
     const QRect bounds = element.toolkit->globalBounds(element);
     if (offset)
         return bounds.topLeft() + *offset;
-    const QRect visible = element.toolkit->visibleBounds(element);
-    return visible.isEmpty() || visible.contains(bounds.center()) ? bounds.center()
-                                                                  : visible.center();
+    const QRect area = clickArea(element);
+    const QRect visible = element.toolkit->visibleBounds(element) & area;
+    return visible.isEmpty() || visible.contains(area.center()) ? area.center() : visible.center();
 }
 
 bool isWithin(const Element& element, const Element& hit) {

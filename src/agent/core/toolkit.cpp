@@ -21,6 +21,10 @@ Element Toolkit::buddy(const Element& /*element*/) const {
     return {};
 }
 
+Element Toolkit::labelledField(const Element& /*element*/) const {
+    return {};
+}
+
 bool Toolkit::isAlive(const Element& /*element*/) const {
     return true;
 }

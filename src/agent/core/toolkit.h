@@ -39,6 +39,8 @@ public:
     virtual Element window(const Element& element) const = 0;
     /// The label that names a field; null for none.
     virtual Element buddy(const Element& element) const;
+    /// The other way round: the field that this label names; null for what is no label.
+    virtual Element labelledField(const Element& element) const;
     /// Whether the element is one that children() would still give: an item can vanish under it.
     virtual bool isAlive(const Element& element) const;
 

@@ -40,8 +40,7 @@ Fit convertObject(const QVariant& value, const QByteArray& typeName, QVariant* c
 /// The enumeration of this name in the class or in its bases; invalid for none.
 QMetaEnum findEnum(const QMetaObject* scope, const QByteArray& typeName) {
     const QByteArray name = typeName.mid(typeName.lastIndexOf(':') + 1);
-    const QMetaObject* const qtNames =
-        QMetaEnum::fromType<Qt::Orientation>().enclosingMetaObject();
+    const QMetaObject* const qtNames = QMetaEnum::fromType<Qt::Orientation>().enclosingMetaObject();
     for (const QMetaObject* each : {scope, qtNames}) {
         for (int index = 0; each && index < each->enumeratorCount(); ++index) {
             const QMetaEnum candidate = each->enumerator(index);

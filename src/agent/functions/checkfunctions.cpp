@@ -1,10 +1,9 @@
 #include <QAbstractButton>
-#include <QAbstractItemView>
 #include <QButtonGroup>
-#include <QStyleOptionViewItem>
 
 #include "agent/functions/functiontable.h"
 #include "agent/input/activation.h"
+#include "agent/input/clickarea.h"
 #include "agent/input/mousesteps.h"
 
 namespace Tamrix::Agent {
@@ -63,21 +62,11 @@ bool staysChecked(const Element& element) {
     return element.object->property("autoExclusive").toBool();
 }
 
-/// Where to click: an item's check mark, else the element's middle.
+/// Where to click: the mark of an item or a group, else the usual place.
 std::optional<QPoint> offsetOf(const Element& element) {
-    const auto* const view = qobject_cast<QAbstractItemView*>(element.object);
-    if (view == nullptr || !element.index.isValid())
-        return std::nullopt;
-    const QRect bounds = view->visualRect(element.index);
-    QStyleOptionViewItem option;
-    option.initFrom(view);
-    option.rect = QRect(QPoint(0, 0), bounds.size());
-    option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
-    option.text = element.index.data().toString();
-    option.viewItemPosition = QStyleOptionViewItem::OnlyOne;
-    const QRect mark =
-        view->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, view);
-    return mark.isValid() ? std::make_optional(mark.center()) : std::nullopt;
+    const QRect bounds = element.toolkit->globalBounds(element);
+    const QRect area = clickArea(element, true);
+    return area == bounds ? std::nullopt : std::make_optional(area.center() - bounds.topLeft());
 }
 
 void addClickUnless(StepQueue* queue, const ElementRef& ref, const QPoint& point, State wanted) {

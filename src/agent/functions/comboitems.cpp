@@ -1,10 +1,11 @@
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QPointer>
 #include <QStyleOptionComboBox>
 
+#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
-#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/mousesteps.h"
@@ -44,30 +45,42 @@ bool isOpen(const ElementRef& ref) {
 /// Adds the click on the item of the open list. Its move is a long one: the list takes the release
 /// of a click near the one that opened it for the end of that.
 void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, const QString& text) {
+    // An item that shows in part would move when the mouse comes over it.
     queue->call([ref, text] {
         QComboBox* const box = boxOf(ref);
-        const int row = rowOf(ref, text);
-        if (box != nullptr && row >= 0)
+        if (box != nullptr)
             box->view()->scrollTo(
-                box->model()->index(row, box->modelColumn(), box->rootModelIndex()));
+                box->model()->index(rowOf(ref, text), box->modelColumn(), box->rootModelIndex()),
+                QAbstractItemView::PositionAtCenter);
     });
     queue->add([queue, call, ref, text] {
-        const QComboBox* const box = boxOf(ref);
-        const int row = rowOf(ref, text);
-        if (box == nullptr || row < 0) {
+        const Element box = ref.get();
+        QString reason;
+        const Element item = box.isNull() || rowOf(ref, text) < 0
+                                 ? Element()
+                                 : box.toolkit->item(box, QString(), rowOf(ref, text), -1, &reason);
+        if (item.isNull()) {
             call.responder()->fail(Wire::FailureCode::NotFound,
                                    QStringLiteral("the item '%1' is gone").arg(text));
             return;
         }
-        QWidget* const viewport = box->view()->viewport();
-        const QModelIndex index =
-            box->model()->index(row, box->modelColumn(), box->rootModelIndex());
-        const QPoint point = viewport->mapToGlobal(box->view()->visualRect(index).center());
-        const ElementRef target(Session::self()->element(viewport));
-        addAnswer(queue, call);
-        constexpr QPoint detour(30, 0);
-        addMove(queue, target, point + detour);
-        addClick(queue, target, point);
+        queue->hold();
+        const QPointer<StepQueue> guard(queue);
+        waitUntilReady(item, nullptr, call.timeout(),
+                       [guard, call, target = ElementRef(item)](const Readiness& readiness) {
+                           if (guard == nullptr)
+                               return;
+                           guard->resume();
+                           if (!readiness.isReady) {
+                               call.responder()->fail(Wire::FailureCode::NotReady,
+                                                      notReadyText(target, readiness.obstacle));
+                               return;
+                           }
+                           constexpr QPoint detour(30, 0);
+                           addAnswer(guard, call);
+                           addMove(guard, target, readiness.point + detour);
+                           addClick(guard, target, readiness.point);
+                       });
     });
 }
 

@@ -1,9 +1,9 @@
 #include <QPointer>
 #include <QTreeView>
 
+#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
-#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
 

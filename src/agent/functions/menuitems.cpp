@@ -3,9 +3,9 @@
 #include <QMenuBar>
 #include <QPointer>
 
+#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
-#include "agent/core/itempath.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
 

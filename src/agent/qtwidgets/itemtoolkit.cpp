@@ -8,6 +8,7 @@
 #include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QTableView>
+#include <QToolButton>
 #include <QTreeView>
 
 #include "agent/core/session.h"
@@ -102,6 +103,36 @@ QVariant itemProperty(const Element& item, const QString& name) {
     return {};
 }
 
+/// Whether the tab shows in full, not below the buttons that scroll; `*button` brings it nearer.
+bool showsTab(const QTabBar* bar, int tab, QToolButton** button) {
+    const QRect place = bar->tabRect(tab);
+    const QList<QToolButton*> buttons =
+        bar->findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QToolButton* each : buttons) {
+        const bool isBefore =
+            each->arrowType() == Qt::LeftArrow || each->arrowType() == Qt::UpArrow;
+        if (!each->isVisible() || !each->isEnabled() || each->arrowType() == Qt::NoArrow)
+            continue;
+        *button = each;
+        const bool isBelow = place.intersects(each->geometry());
+        const bool isOutside = isBefore ? place.left() < 0 || place.top() < 0
+                                        : !bar->rect().contains(place.bottomRight());
+        if (isBelow || isOutside)
+            return false;
+    }
+    return true;
+}
+
+bool scrollTabIntoView(const QTabBar* bar, int tab) {
+    bool hasMoved = false;
+    QToolButton* button = nullptr;
+    for (int i = 0; i < bar->count() && !showsTab(bar, tab, &button); ++i) {
+        button->click();
+        hasMoved = true;
+    }
+    return hasMoved;
+}
+
 }  // namespace
 
 bool ItemToolkit::knows(const QObject* /*object*/) const {
@@ -188,8 +219,7 @@ QStringList ItemToolkit::propertyNames(const Element& item) const {
 
 QRect ItemToolkit::globalBounds(const Element& item) const {
     const ItemPlace place = placeOfItem(item);
-    return place.widget ? QRect(place.widget->mapToGlobal(place.rect.topLeft()), place.rect.size())
-                        : QRect();
+    return place.widget ? globalRect(place.widget, place.rect) : QRect();
 }
 
 QRect ItemToolkit::visibleBounds(const Element& item) const {
@@ -213,7 +243,9 @@ bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const
     // In the list of a combo box, the entries are those of the list's own view.
     if (item.kind == ComboBoxItem && hit.kind == ModelItem)
         return item.index == hit.index;
-    // A widget set for the item, or its editor.
+    // A widget set for the item, or its editor; over a tab it is a button that scrolls.
+    if (item.kind == Tab && qobject_cast<const QToolButton*>(hit.object) != nullptr)
+        return false;
     const ItemPlace place = placeOfItem(item);
     const auto* const widget = qobject_cast<const QWidget*>(hit.object);
     return place.widget && widget && !hit.isItem() && place.widget->isAncestorOf(widget);
@@ -236,6 +268,8 @@ bool ItemToolkit::scrollIntoView(const Element& item) const {
         static_cast<QComboBox*>(item.object)->view()->scrollTo(item.index);
         hasMoved = true;
     }
+    if (item.kind == Tab)
+        hasMoved = scrollTabIntoView(tabBarOf(item), item.number);
     const ItemPlace place = placeOfItem(item);
     return (place.widget && scrollWidgetIntoView(place.widget, place.rect)) || hasMoved;
 }

@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QGraphicsProxyWidget>
+#include <QGraphicsScene>
+#include <QGraphicsView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -61,7 +63,27 @@ QAction* findAction(const QList<QAction*>& actions, const QStringList& path) {
     return nullptr;
 }
 
+/// The view that shows the graphics scene in which the widget is; null for a widget in none.
+QGraphicsView* viewAround(const QWidget* widget) {
+    const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
+    const QGraphicsScene* const scene = proxy ? proxy->scene() : nullptr;
+    return scene && !scene->views().isEmpty() ? scene->views().first() : nullptr;
+}
+
+/// A rectangle of a widget in a scene, in the coordinates of the view's viewport.
+QRect rectInViewport(const QWidget* widget, const QRect& rect, const QGraphicsView* view) {
+    const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
+    const QRect inWindow(widget->mapTo(widget->window(), rect.topLeft()), rect.size());
+    return view->mapFromScene(proxy->mapToScene(QRectF(inWindow))).boundingRect();
+}
+
 }  // namespace
+
+QRect globalRect(const QWidget* widget, const QRect& rect) {
+    const QGraphicsView* const view = viewAround(widget);
+    return view ? globalRect(view->viewport(), rectInViewport(widget, rect, view))
+                : QRect(widget->mapToGlobal(rect.topLeft()), rect.size());
+}
 
 QRect shownPart(const QWidget* widget, const QRect& rect) {
     if (!widget->isVisible())
@@ -73,16 +95,16 @@ QRect shownPart(const QWidget* widget, const QRect& rect) {
         each = each->parentWidget();
         shown &= each->rect();
     }
-    return shown.isValid() ? QRect(each->mapToGlobal(shown.topLeft()), shown.size()) : QRect();
+    if (!shown.isValid())
+        return {};
+    const QGraphicsView* const view = viewAround(each);
+    return view ? shownPart(view->viewport(), rectInViewport(each, shown, view))
+                : globalRect(each, shown);
 }
 
 QWindow* nativeWindowOf(const QWidget* widget) {
-    const QWidget* window = widget->window();
-    if (const QGraphicsProxyWidget* const proxy = window->graphicsProxyWidget()) {
-        const Element view = Session::self()->element(const_cast<QGraphicsProxyWidget*>(proxy));
-        return view.isNull() ? nullptr : view.toolkit->nativeWindow(view);
-    }
-    return window->windowHandle();
+    const QGraphicsView* const view = viewAround(widget);
+    return view ? nativeWindowOf(view) : widget->window()->windowHandle();
 }
 
 Element blockerOf(const QWidget* widget) {
@@ -112,6 +134,8 @@ bool scrollWidgetIntoView(QWidget* widget, const QRect& rect) {
 }
 
 Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint) {
+    if (const QGraphicsView* const view = viewAround(widget))
+        return elementInWindowAt(view, globalPoint);
     QWidget* const window = widget->window();
     const QPoint inWindow = window->mapFromGlobal(globalPoint);
     if (!window->isVisible() || !window->rect().contains(inWindow))
@@ -164,8 +188,10 @@ void WidgetToolkit::children(const Element& parent, bool withItems,
             elements->append(Session::self()->element(child));
         }
     }
-    if (withItems && factsOf(widget).holdsItems) {
-        appendItems(widget, elements);
+    if (factsOf(widget).holdsItems) {
+        if (withItems)
+            appendItems(widget, elements);
+        // Always: objects and widgets can be below graphics items.
         appendGraphicsItems(widget, elements);
     }
 }
@@ -180,7 +206,8 @@ Element WidgetToolkit::parent(const Element& child) const {
 }
 
 Element WidgetToolkit::window(const Element& child) const {
-    QWidget* widget = showingWidget(child);
+    // Of an action the home's one: it stays when the action's menu is closed.
+    QWidget* widget = widgetOf(child);
     if (!widget)
         widget = homeOf(actionOf(child));
     if (!widget)
@@ -203,6 +230,13 @@ Element WidgetToolkit::buddy(const Element& field) const {
         }
     }
     return {};
+}
+
+Element WidgetToolkit::labelledField(const Element& label) const {
+    const QWidget* const widget = widgetOf(label);
+    if (!widget || factsOf(widget).textSource != TextSource::Label)
+        return {};
+    return element(static_cast<const QLabel*>(widget)->buddy());
 }
 
 QString WidgetToolkit::text(const Element& element) const {
@@ -253,11 +287,9 @@ QVariant WidgetToolkit::property(const Element& element, const QString& name, bo
 
 QRect WidgetToolkit::globalBounds(const Element& element) const {
     if (const QWidget* const widget = widgetOf(element))
-        return widget->isVisible() ? QRect(widget->mapToGlobal(QPoint(0, 0)), widget->size())
-                                   : QRect();
+        return widget->isVisible() ? globalRect(widget, widget->rect()) : QRect();
     const ActionPlace place = placeOf(actionOf(element));
-    return place.widget ? QRect(place.widget->mapToGlobal(place.rect.topLeft()), place.rect.size())
-                        : QRect();
+    return place.widget ? globalRect(place.widget, place.rect) : QRect();
 }
 
 QRect WidgetToolkit::visibleBounds(const Element& element) const {

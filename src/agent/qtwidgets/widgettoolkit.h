@@ -18,6 +18,7 @@ public:
     Element parent(const Element& element) const override;
     Element window(const Element& element) const override;
     Element buddy(const Element& element) const override;
+    Element labelledField(const Element& element) const override;
     QString text(const Element& element) const override;
     bool isTextLasting(const Element& element) const override;
     bool isVisible(const Element& element) const override;
@@ -36,6 +37,8 @@ public:
                  QString* reason) const override;
 };
 
+/// A rectangle of a widget on the screen, also of a widget in a graphics scene.
+QRect globalRect(const QWidget* widget, const QRect& rect);
 /// The part of a widget's rectangle that its parents do not cut off, on the screen.
 QRect shownPart(const QWidget* widget, const QRect& rect);
 /// The native window in which a widget is shown; null for none.

@@ -38,6 +38,21 @@ QString memberName(const QString& attribute) {
                                                                                  : attribute;
 }
 
+/// The object's class; an application that can't tell it any more raises its reason.
+const Class* classOf(const SharedPtr<Object>& object) {
+    Inspector::self()->setLastError(QString());
+    const Class* const objectClass = object->objectClass();
+    if (!objectClass && !Inspector::self()->lastError().isEmpty()) {
+        raiseLastError();
+        throw PythonErrorSet();
+    }
+    return objectClass;
+}
+
+bool hasMethod(const Class* objectClass, const QString& name) {
+    return objectClass && !objectClass->methodsByName(name).isEmpty();
+}
+
 bool isPythonsOwn(const QString& attribute) {
     return attribute.startsWith("__");
 }
@@ -74,12 +89,15 @@ PyObject* getAttribute(PyObject* self, PyObject* attribute) {
     return askApplication(object->className() + '.' + name,
                           [&](PythonInterpreter&) {
                               const QString member = memberName(name);
-                              const Class* const objectClass = object->objectClass();
+                              const Class* const objectClass = classOf(object);
                               if (const Property* property =
                                       objectClass ? objectClass->property(member) : nullptr)
                                   return callResult(property->get(object));
-                              if (objectClass && !objectClass->methodsByName(member).isEmpty())
+                              if (hasMethod(objectClass, member))
                                   return bindMethod(object, member);
+                              // One object may have more than its class.
+                              if (const auto value = Property(member).get(object))
+                                  return callResult(value);
                               raiseNoMember(object, name);
                           })
         .release();
@@ -87,11 +105,15 @@ PyObject* getAttribute(PyObject* self, PyObject* attribute) {
 
 PyRef writeProperty(const SharedPtr<Object>& object, const QString& name, PyObject* value) {
     const QString member = memberName(name);
-    const Class* const objectClass = object->objectClass();
-    const Property* const property = objectClass ? objectClass->property(member) : nullptr;
-    if (!property && objectClass && !objectClass->methodsByName(member).isEmpty())
+    const Class* const objectClass = classOf(object);
+    if (hasMethod(objectClass, member))
         raiseAttributeError(QStringLiteral("'%1' of '%2' is a method: call it instead")
                                 .arg(name, object->className()));
+    // One object may have more than its class.
+    const Property own(member, QString(), true);
+    const Property* property = objectClass ? objectClass->property(member) : nullptr;
+    if (!property && own.get(object))
+        property = &own;
     if (!property)
         raiseNoMember(object, name);
     if (!value || !property->isWritable())

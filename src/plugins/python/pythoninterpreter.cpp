@@ -8,6 +8,7 @@
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/objecttype.h"
+#include "plugins/python/overlay.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/scripterror.h"
@@ -108,8 +109,12 @@ void PythonInterpreter::defineInNamespace(const QString& nameSpace, const QStrin
                                           const PyRef& function) {
     const PyRef key = checked(toPyString(nameSpace).release());
     PyRef object = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
-    // A namespace is a module object: help() and dir() know what to say of it.
-    if (!object || !PyModule_Check(object.get())) {
+    if (object && !PyModule_Check(object.get())) {
+        // Python's own name goes on to mean what it does.
+        object = checked(overlayFor(nameSpace, object.get()).release());
+        addSelfDefinedVariableName(nameSpace);
+    } else if (!object) {
+        // A namespace is a module object: help() and dir() know what to say of it.
         object = checked(PyModule_NewObject(key.get()));
         defineGlobal(nameSpace, object);
     }
@@ -178,6 +183,7 @@ PyRef PythonInterpreter::moduleNamespace() {
         m_module = checked(PyModule_New(moduleName));
         PyObject* const dictionary = PyModule_GetDict(m_module.get());
         checked(PyDict_SetItemString(dictionary, "__builtins__", PyEval_GetBuiltins()));
+        checked(PyDict_Update(dictionary, overlays()));
         checked(PyDict_SetItemString(PyImport_GetModuleDict(), moduleName, m_module.get()));
     }
     return PyRef::borrow(PyModule_GetDict(m_module.get()));

@@ -13,6 +13,7 @@
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/objectcalls.h"
 #include "plugins/python/objecttype.h"
+#include "plugins/python/overlay.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -162,7 +163,8 @@ bool PythonRuntime::addTamrixModule() {
     return PyModule_SetDocString(m_module.get(), "Exceptions and types of the test system") == 0 &&
            addExceptions(m_module.get()) && addValueTypes(m_module.get()) &&
            addObjectType(m_module.get()) && addMethodType(m_module.get()) &&
-           addGlobalFunctionType(m_module.get()) && addNativeBase(m_module.get());
+           addGlobalFunctionType(m_module.get()) && addNativeBase(m_module.get()) &&
+           addOverlays(m_module.get());
 }
 
 void PythonRuntime::takeSnapshot() {
@@ -205,6 +207,7 @@ void PythonRuntime::restore() {
         checked(PySys_SetObject("stdin", PySys_GetObject("__stdin__")));
         // Names that every module sees.
         restoreDictionary(PyEval_GetBuiltins(), m_builtins.get());
+        dropOverlays();
         // The environment.
         const PyRef current = copyOfEnvironment();
         const int same = PyObject_RichCompareBool(current.get(), m_environment.get(), Py_EQ);

@@ -1,39 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "agent/input/inputprogram.h"
-#include "agent/input/testdisplay.h"
+#include "agent/input/inputtest.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
-/// Every test runs on both platforms, each with a program of its own.
-class InputTest : public testing::TestWithParam<const char*> {
-protected:
-    void SetUp() override {
-        const QString platform = GetParam();
-        if (platform == "xcb")
-            m_display = std::make_unique<TestDisplay>();
-        m_program = std::make_unique<InputProgram>("input_target", platform,
-                                                   m_display ? m_display->name() : QString());
-        ASSERT_NE(program().object("main").handle, 0U)
-            << program().client().lastError().toStdString();
-    }
-    void TearDown() override {
-        m_program.reset();
-        m_display.reset();
-    }
-
-    InputProgram& program() { return *m_program; }
-
-private:
-    std::unique_ptr<TestDisplay> m_display;
-    std::unique_ptr<InputProgram> m_program;
-};
-
 INSTANTIATE_TEST_SUITE_P(Platforms, InputTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& row) { return std::string(row.param); });
 
 TEST_P(InputTest, MouseFunctionsGiveTheEventsOfAPerson) {
     struct {
@@ -46,8 +21,13 @@ TEST_P(InputTest, MouseFunctionsGiveTheEventsOfAPerson) {
         {"doubleClick", {7, 8}, "press 7,8 1 1|release 7,8 1 0|double 7,8 1 1|release 7,8 1 0"},
         {"click", {5, 6, 2}, "press 5,6 2 2|release 5,6 2 0"},
         {"click", {5, 6, "middle"}, "press 5,6 4 4|release 5,6 4 0"},
-        {"click", {5, 6, 1, "Ctrl+Shift"}, "press 5,6 1 1 Ctrl+Shift|release 5,6 1 0 Ctrl+Shift"},
-        {"click", {5, 6, "Alt"}, "press 5,6 1 1 Alt|release 5,6 1 0 Alt"},
+        {"click",
+         {5, 6, 1, "Ctrl+Shift"},
+         "down 1000021/4000000 ''|down 1000020/6000000 ''|Ctrl+Shift+press 5,6 1 1|"
+         "Ctrl+Shift+release 5,6 1 0|up 1000020/4000000 ''|up 1000021/0 ''"},
+        {"click",
+         {5, 6, "Alt"},
+         "down 1000023/8000000 ''|Alt+press 5,6 1 1|Alt+release 5,6 1 0|up 1000023/0 ''"},
         {"hover", {9, 9}, ""},
     };
     for (const auto& row : cases) {
@@ -123,7 +103,7 @@ TEST_P(InputTest, CallsWaitUntilTheObjectIsReady) {
 TEST_P(InputTest, AModalDialogBlocksTheRestAndIsAnswered) {
     EXPECT_EQ(program().call("click", "Modal"), "");
     EXPECT_EQ(program().call("click", "Plain", {}, 200),
-              "QPushButton 'Plain' is not ready: the modal window QMessageBox 'Really?' blocks it");
+              "QPushButton 'Plain' is not ready: the modal window QMessageBox 'Sure?' blocks it");
     EXPECT_EQ(program().call("click", program().client().find({"type=QPushButton", "text=Yes"})),
               "");
     EXPECT_EQ(program().takeLog(), "yes");

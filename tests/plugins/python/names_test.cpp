@@ -22,7 +22,7 @@ assert inspect.isbuiltin(source) and test.pass_.__name__ == 'pass_'
 )py"),
               "");
     // What the core doesn't have is no name.
-    EXPECT_EQ(run("waitForObject('x')"), "NameError: name 'waitForObject' is not defined");
+    EXPECT_EQ(run("runFeatureFile('x')"), "NameError: name 'runFeatureFile' is not defined");
     EXPECT_EQ(run("test.vp('x')"), "AttributeError: module 'test' has no attribute 'vp'");
 }
 
@@ -201,6 +201,28 @@ assert caught(2, tamrix.FatalError) == [] and not issubclass(tamrix.FatalError, 
 )py"),
               "");
     EXPECT_EQ(run("throwNative()"), "tamrix.Error: throwNative() failed: inner text");
+}
+
+TEST_F(PythonNames, PythonsObjectStaysWhatItIs) {
+    ASSERT_TRUE(writeFile(folder.filePath("helper.py"), R"py(
+def there(name): return object.exists(name)
+class Helper(object): pass
+)py"));
+    interpreter->addToSearchPath(QFileInfo(folder.path()));
+    EXPECT_EQ(run(R"py(
+import builtins, helper, inspect
+class Thing(object):
+    def __init__(self):
+        object.__setattr__(self, 'x', super().__init__())
+assert Thing.__bases__ == (builtins.object,) == helper.Helper.__bases__
+assert isinstance(Thing(), object) and issubclass(int, object) and inspect.isclass(object)
+assert type(object()) is builtins.object and object == builtins.object == object
+assert {object: 1}[builtins.object] == 1 and (object | None) == (builtins.object | None)
+assert 'children' in dir(object) and '__init__' in dir(object)
+assert object.exists('{a=\'1\'}') is helper.there('{a=\'1\'}') is False
+assert not hasattr(builtins.object, 'exists') and not hasattr(Thing, 'exists')
+)py"),
+              "");
 }
 
 TEST_F(PythonNames, OnlyTheScriptsThreadMayCall) {

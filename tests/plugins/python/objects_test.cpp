@@ -26,6 +26,7 @@ protected:
         button->setProperty("text", QVariant("OK"));
         button->setProperty("geometry", QVariant(QRect(1, 2, 30, 40)));
         button->setProperty("class", QVariant("wide"));
+        button->setProperty("ofItsOwn", QVariant(3));
         Class* const global = model.editableGlobalClass();
         global->addMethod("click", Signature({Argument("QObject")}));
         global->addMethod("clipboardText", Signature());
@@ -77,7 +78,7 @@ protected:
 TEST_F(PythonObjects, ReadAndWriteProperties) {
     EXPECT_EQ(run(R"py(
 b = theButton()
-assert b.text == 'OK' and b.class_ == 'wide'
+assert b.text == 'OK' and b.class_ == 'wide' and b.ofItsOwn == 3
 assert (b.geometry.x, b.geometry.width) == (1, 30)
 assert b.geometry == theButton().geometry and b.geometry != b and b.geometry != 5
 b.text = 'Cancel'
@@ -106,7 +107,7 @@ assert isNull(object.createNull('Button')) and not object.createNull('Button')
         {"c = []\nc.append(c)\nb.tags = c",
          "RecursionError: maximum recursion depth exceeded while a value is passed to an "
          "application"},
-        {"b.geometry.depth", "AttributeError: 'QRect' has no property or method 'depth'"},
+        {"b.geometry.q", "AttributeError: 'QRect' has no property or method 'q'"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code), error) << code;

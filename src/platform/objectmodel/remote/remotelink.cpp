@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/classregistry.h"
 #include "platform/objectmodel/remote/remoteobject.h"
@@ -159,6 +160,8 @@ SharedPtr<Object> RemoteLink::invoke(quint64 handle, const QString& method,
                               &answer, &failure))
         return valueObject(answer.value);
     *error = failure.text;
+    Inspector::self()->setLastErrorIsLookup(failure.isRefused(Wire::FailureCode::NotReady) ||
+                                            failure.isRefused(Wire::FailureCode::NotFound));
     return {};
 }
 

@@ -121,10 +121,14 @@ bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
         return true;
     }
     if (isAnswered && !answer->object) {
-        answer->missText =
-            text.isNull()
-                ? QStringLiteral("There is no item at row %1, column %2").arg(row).arg(column)
-                : QStringLiteral("There is no item '%1'").arg(text);
+        // The application tells there why it found none.
+        if (!answer->obstacle.isEmpty())
+            answer->missText = std::exchange(answer->obstacle, QString());
+        else if (text.isNull())
+            answer->missText =
+                QStringLiteral("There is no item at row %1, column %2").arg(row).arg(column);
+        else
+            answer->missText = QStringLiteral("There is no item '%1'").arg(text);
     }
     return isAnswered;
 }

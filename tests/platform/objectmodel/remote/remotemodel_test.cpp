@@ -42,6 +42,17 @@ void answer(FakeAgent& agent, const Frame& frame) {
             agent.reply(frame, encode(result));
             return;
         }
+        case MessageType::FindItem: {
+            Wire::FindItem request;
+            decode(frame.body, &request);
+            Wire::LookUpResult result;
+            if (request.text == "there")
+                result.object = button;
+            else if (request.text == "reason")
+                result.obstacle = "the list has 3 items";
+            agent.reply(frame, encode(result));
+            return;
+        }
         case MessageType::DescribeClass: {
             Wire::Text name;
             decode(frame.body, &name);
@@ -158,6 +169,28 @@ TEST(RemoteModel, TellsWhatDifferedWhenNothingMatches) {
     for (const auto& row : rows) {
         EXPECT_EQ(application.model->findObject(ObjectName(QString(row.name)), &error), nullptr);
         EXPECT_EQ(error, row.error);
+    }
+}
+
+TEST(RemoteModel, FindsItemsOrTellsWhyNot) {
+    Application application;
+    const struct {
+        QString text;
+        const char* missText;
+    } rows[] = {
+        {"there", ""},
+        {"reason", "the list has 3 items"},
+        {"none", "There is no item 'none'"},
+        {QString(), "There is no item at row 1, column 2"},
+    };
+    const SharedPtr<Object> view = application.find();
+    for (const auto& row : rows) {
+        LookUpAnswer answer;
+        RequestError error;
+        EXPECT_TRUE(application.model->findItem(view, row.text, 1, 2, true, &answer, &error));
+        EXPECT_EQ(answer.missText, row.missText);
+        EXPECT_EQ(answer.obstacle, "");
+        EXPECT_EQ(bool(answer.object), answer.missText.isEmpty());
     }
 }
 

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QHash>
+#include <QPoint>
+#include <QString>
+#include <QVector>
+#include <vector>
+
+#include "agent/core/element.h"
+
+namespace Tamrix::Agent {
+
+/// Makes real names: names that find exactly one object, as short as they can be. Looks at all
+/// objects once, when it is made, and is good as long as nothing changes: one serves the names of
+/// a whole tree.
+///
+/// A name says the type and, in this order, the first of these that an object has: its name, its
+/// text if a person does not type it, the label that names it. If that does not suffice, it says
+/// the window too, or the container, and at last the occurrence. Windows are told apart by type
+/// before their titles, which change. What the rules of ObjectFinder find first needs no more words
+/// than that.
+class NameIndex {
+public:
+    NameIndex();
+
+    /// A name that finds the element; empty for an element that is in no window and no tree.
+    QString realName(const Element& element);
+    /// The element's place among all, -1 for none; as the other function wants it.
+    int indexOf(const Element& element) const { return m_places.value(element, -1); }
+    QString realName(int index);
+
+private:
+    /// What a name says beside the type.
+    enum Base { ByName, ByText, ByLabel, ByType };
+    static constexpr int baseCount = 4;
+    /// By which a look-up prefers some matches to others.
+    enum Choice { Visible, Hidden, Internal };
+    static constexpr int choiceCount = 3;
+
+    struct Entry {
+        Element element;
+        int type = 0;
+        Choice choice = Visible;
+        /// The number of the window, and the entries of window and container.
+        int root = 0;
+        int rootEntry = -1;
+        int container = -1;
+        QString values[baseCount];
+        /// The next one of which the same name is true, for each base.
+        int next[baseCount] = {-1, -1, -1, -1};
+        /// Place among these within the window, from 1.
+        int rank[baseCount] = {0, 0, 0, 0};
+        QString name;
+    };
+    struct Key {
+        int type;
+        int base;
+        QString value;
+
+        bool operator==(const Key& other) const {
+            return type == other.type && base == other.base && value == other.value;
+        }
+        friend uint qHash(const Key& key, uint seed) {
+            return qHash(key.value, seed) + static_cast<uint>(key.type) * 31U +
+                   static_cast<uint>(key.base);
+        }
+    };
+    struct Group {
+        int head = -1;
+        int counts[choiceCount] = {0, 0, 0};
+        bool isDivided = false;
+        /// How many there are below each root and in each container.
+        QHash<int, int> inRoot[choiceCount];
+        QHash<int, int> inContainer[choiceCount];
+    };
+
+    void add(const Element& element, int container, int root);
+    void addLabels();
+    void makeGroups();
+    void divide(Group* group, int base);
+    QString makeName(Entry* entry);
+    QString nameOf(const Entry& entry, Base base, const QString& container, bool withWindow,
+                   int occurrence, bool saysHidden) const;
+
+    std::vector<Entry> m_entries;
+    QHash<Element, int> m_places;
+    QHash<const QMetaObject*, int> m_classes;
+    QHash<QString, int> m_types;
+    QVector<QString> m_typeNames;
+    /// Fields with the labels that name them.
+    QHash<Element, int> m_labels;
+    QHash<Key, Group> m_groups;
+};
+
+}  // namespace Tamrix::Agent

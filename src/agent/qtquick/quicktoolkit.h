@@ -1,0 +1,35 @@
+#pragma once
+
+#include "agent/core/toolkit.h"
+
+class QQuickItem;
+class QQuickWindow;
+
+namespace Tamrix::Agent {
+
+/// Windows and items of Qt Quick. Children are an item's child items, whatever owns them. The name
+/// of an object is its objectName, else its id in the file that made it.
+class QuickToolkit : public Toolkit {
+public:
+    bool knows(const QObject* object) const override;
+    void topLevels(QVector<Element>* elements) const override;
+    void children(const Element& element, bool withItems,
+                  QVector<Element>* elements) const override;
+    Element parent(const Element& element) const override;
+    Element window(const Element& element) const override;
+    QString name(const Element& element) const override;
+    QString text(const Element& element) const override;
+    bool isTextLasting(const Element& element) const override;
+    bool isVisible(const Element& element) const override;
+    bool isEnabled(const Element& element) const override;
+    QRect globalBounds(const Element& element) const override;
+    QRect visibleBounds(const Element& element) const override;
+    QWindow* nativeWindow(const Element& element) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
+    bool receivesThrough(const Element& element, const Element& hit) const override;
+    Element blockedBy(const Element& element) const override;
+    bool scrollIntoView(const Element& element) const override;
+    QImage grab(const Element& element) const override;
+};
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,110 @@
+// Names that the agent makes find what they were made for.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "platform/objectmodel/objectname.h"
+#include "shared/uiabstraction/uielement.h"
+#include "support/agentclient.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+
+namespace {
+
+using UIAbstraction::UIElement;
+
+/// A real name as it travels.
+Wire::Query toQuery(const QString& realName) {
+    Wire::Query query;
+    QMap<QString, PropertyValue> properties;
+    QString error;
+    EXPECT_TRUE(parseNameByProperties(realName, &properties, &error))
+        << realName.toStdString() << ": " << error.toStdString();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        Wire::Criterion criterion;
+        criterion.property = it.key();
+        criterion.text = it->text();
+        criterion.modifier = it->modifiers();
+        if (it->isRealName())
+            criterion.object = std::make_shared<Wire::Query>(toQuery(it->text()));
+        if (it.key() == "occurrence")
+            query.occurrence = it->text().toInt();
+        else
+            query.criteria.append(criterion);
+    }
+    return query;
+}
+
+QList<UIElement*> snapshot(AgentClient* client) {
+    const auto value = client->request<Wire::Value>(Wire::MessageType::Snapshot, Wire::Snapshot());
+    return UIElement::elementsFromByteArray(value.value.toByteArray());
+}
+
+/// Looks each name of the tree up; the object that is found must bear the name again. Counts.
+int checkNames(AgentClient* client, const QList<UIElement*>& elements) {
+    int count = 0;
+    for (const UIElement* element : elements) {
+        ++count;
+        EXPECT_FALSE(element->realName().isEmpty()) << element->concreteType().toStdString();
+        Wire::LookUp lookUp;
+        lookUp.query = toQuery(element->realName());
+        const Wire::ObjectInfo found =
+            client->request<Wire::LookUpResult>(Wire::MessageType::LookUp, lookUp).object;
+        EXPECT_EQ(found.className, element->concreteType()) << element->realName().toStdString();
+        const auto name = client->request<Wire::Text>(Wire::MessageType::RealName,
+                                                      Wire::ObjectHandle{found.handle});
+        EXPECT_EQ(name.text, element->realName());
+        count += checkNames(client, element->children());
+    }
+    return count;
+}
+
+class NamesTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
+    QString program = GetParam();
+    if (program.contains('/'))
+        program.prepend("/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/");
+    AgentClient client(program);
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    const QList<UIElement*> elements = snapshot(&client);
+    EXPECT_GT(checkNames(&client, elements), 5);
+    qDeleteAll(elements);
+}
+
+INSTANTIATE_TEST_SUITE_P(, NamesTest,
+                         testing::Values("widgets_target", "widgets/calculator/calculator",
+                                         "widgets/lineedits/lineedits",
+                                         "layouts/basiclayouts/basiclayouts",
+                                         "itemviews/simpletreemodel/simpletreemodel",
+                                         "mainwindows/mdi/mdi", "dialogs/tabdialog/tabdialog"));
+
+TEST(NamesOfOneProgramTest, AreAsShortAsTheyCanBe) {
+    AgentClient client("widgets_target");
+    ASSERT_TRUE(client.accept());
+    const struct {
+        QStringList criteria;
+        int occurrence;
+        QString name;
+    } cases[] = {
+        {{"text=Targets"}, 1, "{type='Window'}"},
+        {{"text=Off"}, 1, "{text='Off' type='QPushButton'}"},
+        {{"name=check"}, 1, "{name='check' type='QCheckBox'}"},
+        {{"type=QLineEdit", "buddy=Name:"}, 1, "{buddy='Name:' type='QLineEdit'}"},
+        {{"text=Twin"}, 2, "{occurrence='2' text='Twin' type='QPushButton'}"},
+        {{"text=Twin", "visible=0"}, 1, "{text='Twin' type='QPushButton' visible='false'}"},
+        {{"text=Inside", "container=Group"},
+         1,
+         "{container={text='Group' type='QGroupBox'} text='Inside' type='QPushButton'}"},
+    };
+    for (const auto& each : cases) {
+        const Wire::ObjectHandle handle{client.find(each.criteria, each.occurrence).handle};
+        EXPECT_EQ(client.request<Wire::Text>(Wire::MessageType::RealName, handle).text, each.name);
+    }
+}
+
+}  // namespace
+
+}  // namespace Tamrix

@@ -1,0 +1,119 @@
+// Properties, classes and methods of objects.
+
+#include <gtest/gtest.h>
+
+#include "support/agentclient.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+
+namespace {
+
+class ObjectsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_client.accept()) << m_client.errorOutput().toStdString();
+        m_window = m_client.find({"text=Targets"});
+    }
+
+    bool write(const QStringList& criteria, const QString& name, const QVariant& value) {
+        return m_client.tell(Wire::MessageType::WriteProperty,
+                             Wire::PropertyAccess{m_client.find(criteria).handle, name, value});
+    }
+    Wire::ClassInfo describe(const QString& name) {
+        return m_client.request<Wire::ClassInfo>(Wire::MessageType::DescribeClass,
+                                                 Wire::Text{name});
+    }
+
+    AgentClient m_client{"widgets_target"};
+    Wire::ObjectInfo m_window;
+};
+
+TEST_F(ObjectsTest, PropertiesAreReadAsTestersKnowThem) {
+    const Wire::ObjectInfo box = m_client.find({"name=check"});
+    EXPECT_EQ(m_client.read(box, "text"), "Check");
+    EXPECT_EQ(m_client.read(box, "type"), "QCheckBox");
+    EXPECT_EQ(m_client.read(box, "checked"), false);
+    EXPECT_EQ(m_client.read(box, "window").value<Wire::ObjectInfo>().handle, m_window.handle);
+    EXPECT_EQ(m_client.read(m_client.find({"type=QComboBox"}), "currentText"), "red");
+    EXPECT_FALSE(m_client.read(box, "nonsense").isValid());
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::NoSuchProperty);
+    EXPECT_EQ(m_client.lastError(), "QCheckBox 'Check' has no property 'nonsense'");
+    const QVariantMap all =
+        m_client
+            .request<Wire::Value>(Wire::MessageType::ReadProperties, Wire::ObjectHandle{box.handle})
+            .value.toMap();
+    for (const char* name : {"type", "text", "visible", "x", "width", "checked", "toolTip"})
+        EXPECT_TRUE(all.contains(name)) << name;
+}
+
+TEST_F(ObjectsTest, PropertiesAreWrittenOrRefused) {
+    EXPECT_TRUE(write({"type=QSpinBox"}, "value", "7"));
+    EXPECT_EQ(m_client.read(m_client.find({"type=QSpinBox"}), "value"), 7);
+    EXPECT_TRUE(write({"buddy=Name:"}, "text", "new"));
+    EXPECT_EQ(m_client.read(m_client.find({"buddy=Name:"}), "text"), "new");
+    EXPECT_TRUE(write({"type=QGroupBox"}, "alignment", "AlignHCenter"));
+
+    EXPECT_FALSE(write({"type=QSpinBox"}, "value", "many"));
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
+    EXPECT_TRUE(m_client.lastError().contains("is of type int and can't be 'many'"));
+    EXPECT_FALSE(write({"type=QSpinBox"}, "visibleRegion", 1));
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::NoSuchProperty);
+    EXPECT_FALSE(write({"type=QSpinBox"}, "type", "x"));
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::Unsupported);
+    EXPECT_FALSE(write({"type=QListViewItem"}, "text", "x"));
+    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::Unsupported);
+}
+
+TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
+    EXPECT_EQ(m_client.invoke(m_window, "add", {1, 2}), 3);
+    EXPECT_EQ(m_client.invoke(m_window, "add", {"a", "b"}), "ab");
+    const QVariant same = m_client.invoke(m_window, "echo", {QVariant::fromValue(m_window)});
+    EXPECT_EQ(same.value<Wire::ObjectInfo>().handle, m_window.handle);
+
+    const struct {
+        QString method;
+        QVariantList arguments;
+        Wire::FailureCode code;
+        QString text;
+    } cases[] = {
+        {"subtract", {}, Wire::FailureCode::NoSuchMethod, "has no method 'subtract'"},
+        {"add", {1}, Wire::FailureCode::BadArgument, "add(int,int), add(QString,QString)"},
+        {"echo", {"text"}, Wire::FailureCode::BadArgument, "argument 1 of echo(QObject*)"},
+        {"fail", {}, Wire::FailureCode::Failed, "exception"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_FALSE(m_client.invoke(m_window, each.method, each.arguments).isValid());
+        EXPECT_EQ(m_client.lastCode(), each.code) << each.method.toStdString();
+        EXPECT_TRUE(m_client.lastError().contains(each.text)) << m_client.lastError().toStdString();
+    }
+}
+
+TEST_F(ObjectsTest, AMethodThatOpensADialogIsAnsweredWhileItRuns) {
+    EXPECT_FALSE(m_client.invoke(m_window, "openDialog").isValid());
+    EXPECT_EQ(m_client.lastError(), "");
+    const Wire::ObjectInfo button = m_client.find({"text=Close it"});
+    ASSERT_NE(button.handle, 0U);
+    m_client.invoke(button, "click");
+    EXPECT_EQ(m_client.find({"text=Close it"}).handle, 0U);
+}
+
+TEST_F(ObjectsTest, ClassesAreDescribed) {
+    const Wire::ClassInfo box = describe("QCheckBox");
+    EXPECT_EQ(box.superClasses, (QStringList{"QAbstractButton", "QWidget", "QObject"}));
+    const auto has = [](const auto& list, const QString& name) {
+        return std::any_of(list.begin(), list.end(),
+                           [&name](const auto& each) { return each.name == name; });
+    };
+    EXPECT_TRUE(has(box.properties, "checked"));
+    EXPECT_TRUE(has(box.properties, "text"));
+    EXPECT_TRUE(has(box.methods, "click"));
+    EXPECT_EQ(describe("QListViewItem").superClasses, QStringList{"QModelItem"});
+    EXPECT_TRUE(has(describe("Global").methods, "click"));
+    EXPECT_EQ(describe("QNothing").name, "");
+    EXPECT_EQ(describe("QObject").superClasses, QStringList());
+}
+
+}  // namespace
+
+}  // namespace Tamrix

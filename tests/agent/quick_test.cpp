@@ -1,0 +1,50 @@
+// What the agent sees of Qt Quick.
+
+#include <gtest/gtest.h>
+
+#include <QRect>
+
+#include "support/agentclient.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+
+namespace {
+
+TEST(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
+    AgentClient client("quick_target");
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    const auto bounds = [&client](const Wire::ObjectInfo& object) {
+        return client
+            .request<Wire::Value>(Wire::MessageType::GlobalBounds,
+                                  Wire::ObjectHandle{object.handle})
+            .value.toRect();
+    };
+    const Wire::ObjectInfo window = client.find({"text=Scene"});
+    ASSERT_NE(window.handle, 0U);
+    const Wire::ObjectInfo button = client.find({"type=QQuickRectangle", "name=button"});
+    EXPECT_EQ(client.read(button, "text"), "Press");
+    EXPECT_EQ(bounds(button), QRect(20, 30, 100, 40).translated(bounds(window).topLeft()));
+    EXPECT_NE(client.find({"type=QQuickText", "text=Press label", "window=Scene"}).handle, 0U);
+    EXPECT_NE(client.find({"type=QQuickMouseArea", "container=button"}).handle, 0U);
+    EXPECT_EQ(client.read(client.find({"name=gone"}), "visible"), false);
+    EXPECT_EQ(
+        client.request<Wire::Text>(Wire::MessageType::RealName, Wire::ObjectHandle{button.handle})
+            .text,
+        "{name='button' type='QQuickRectangle'}");
+
+    // What a label covers takes the click; what lies far down is scrolled to.
+    for (const QStringList& name : {QStringList{"text=Press label"}, QStringList{"name=far"}}) {
+        Wire::LookUp lookUp;
+        lookUp.query = makeQuery(name);
+        lookUp.wantReady = true;
+        Wire::LookUpResult result;
+        for (int look = 0; look < 20 && !result.isReady; ++look)
+            result = client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, lookUp);
+        EXPECT_TRUE(result.isReady) << result.obstacle.toStdString();
+    }
+}
+
+}  // namespace
+
+}  // namespace Tamrix
