@@ -105,8 +105,8 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
 }
 
 void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
+    // The script stops only where the test and a front end both want it; else it fails at once.
     Debugger* const debugger = Debugger::self();
-    // Only when the suite and the front end ask for it; else the script fails in its normal course.
     if (debugger && debugger->objectNotFoundDebugging() &&
         TestSettingsType::s_objectNotFoundDebugging)
         debugger->stopWithObjectName(name, *error);

@@ -201,6 +201,31 @@ TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
     EXPECT_TRUE(QFile::exists(suite.path("results/suite/shown/attachments/screenshot_fail_1.png")));
 }
 
+TEST_F(ApplicationRun, InspectPrintsNamesThatFind) {
+    runner.run({"inspect", "--wait", "0.3", FAULTY_TARGET, "--json"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    const QString line = "QPushButton \"Disabled\" (disabled)  ";
+    ASSERT_TRUE(runner.output().contains(line)) << qPrintable(runner.output());
+    const QString name = runner.output().section(line, 1).section('\n', 0, 0);
+    addCase("found",
+            "def main():\n    startApplication('faulty --json')\n    test.compare(object.exists(" +
+                ("\"" + name + "\"").toUtf8() +
+                "), True)\n"
+                "    waitForObject(\"{text='label of --json'}\")\n");
+    RunnerProcess run;
+    prepare(run);
+    run.run({"run", suite.path("suite")});
+    EXPECT_EQ(run.exitCode(), 0) << qPrintable(run.output() + run.errors());
+}
+
+TEST_F(ApplicationRun, AFaultyMapOfNamesEndsTheRunBeforeItStarts) {
+    addCase("never", "def main():\n    test.log('ran')\n");
+    suite.write("suite/shared/objectnames.tsv", ":A\t{type='A'}\n:B {type='B'}\n");
+    runner.run({"run", suite.path("suite")});
+    EXPECT_EQ(runner.exitCode(), 2);
+    EXPECT_TRUE(runner.errors().contains("objectnames.tsv:2")) << qPrintable(runner.errors());
+}
+
 TEST_F(ApplicationRun, AttachesToAProgramAndLeavesItThere) {
     RunnerProcess keeper;
     prepare(keeper);
