@@ -223,7 +223,7 @@ TEST_F(ApplicationRun, AFaultyMapOfNamesEndsTheRunBeforeItStarts) {
     suite.write("suite/shared/objectnames.tsv", ":A\t{type='A'}\n:B {type='B'}\n");
     runner.run({"run", suite.path("suite")});
     EXPECT_EQ(runner.exitCode(), 2);
-    EXPECT_TRUE(runner.errors().contains("objectnames.tsv:2")) << qPrintable(runner.errors());
+    EXPECT_TRUE(runner.errors().contains("objectnames.tsv, line 2")) << qPrintable(runner.errors());
 }
 
 TEST_F(ApplicationRun, AttachesToAProgramAndLeavesItThere) {
