@@ -1,5 +1,7 @@
 #include "agent/core/lookup.h"
 
+#include <QGuiApplication>
+#include <QWindow>
 #include <algorithm>
 #include <tuple>
 
@@ -25,29 +27,26 @@ Cost costOf(const QString& property) {
     return s_costs.value(property, Cost::Property);
 }
 
+/// The windows that are there natively: all that can be visible. Listing every window there is
+/// takes Qt as long as a walk.
+QVector<Element> nativeRoots() {
+    QVector<Element> roots;
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        const Element root = Session::self()->element(window);
+        if (!root.isNull())
+            roots.append(root);
+    }
+    return roots;
+}
+
+}  // namespace
+
 /// Where a match stands among the others.
-struct Match {
+struct ObjectFinder::Match {
     Element element;
     int window = 0;
     QPoint place;
 };
-
-/// The occurrence-th of the matches in the stable order, which they are in by creation already.
-Element pick(std::vector<Match>* matches, int occurrence) {
-    if (occurrence < 1 || static_cast<size_t>(occurrence) > matches->size())
-        return {};
-    if (matches->size() > 1) {
-        for (Match& match : *matches)
-            match.place = match.element.toolkit->globalBounds(match.element).topLeft();
-        std::stable_sort(matches->begin(), matches->end(), [](const Match& a, const Match& b) {
-            return std::make_tuple(a.window, a.place.y(), a.place.x()) <
-                   std::make_tuple(b.window, b.place.y(), b.place.x());
-        });
-    }
-    return (*matches)[static_cast<size_t>(occurrence) - 1].element;
-}
-
-}  // namespace
 
 struct ObjectFinder::Criterion {
     QString property;
@@ -181,33 +180,63 @@ bool ObjectFinder::resolveRelations() {
     return areFound;
 }
 
-QVector<Element> ObjectFinder::roots() const {
-    // What hangs below a known object is not looked for elsewhere.
-    for (const Criterion& criterion : m_criteria) {
-        if (criterion.finder && !criterion.related.isNull() &&
-            criterion.property != QLatin1String("buddy"))
-            return {criterion.related};
+/// The occurrence-th of the matches in the stable order, which they are in by creation already.
+Element ObjectFinder::pick(std::vector<Match>* matches, int occurrence) {
+    if (occurrence < 1 || static_cast<size_t>(occurrence) > matches->size())
+        return {};
+    if (matches->size() > 1) {
+        for (Match& match : *matches)
+            match.place = match.element.toolkit->globalBounds(match.element).topLeft();
+        std::stable_sort(matches->begin(), matches->end(), [](const Match& a, const Match& b) {
+            return std::make_tuple(a.window, a.place.y(), a.place.x()) <
+                   std::make_tuple(b.window, b.place.y(), b.place.x());
+        });
     }
-    return Session::self()->topLevels();
+    return (*matches)[static_cast<size_t>(occurrence) - 1].element;
 }
 
-Element ObjectFinder::find() {
-    if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
-        return {};
+Element ObjectFinder::knownRoot() const {
+    for (const Criterion& criterion : m_criteria) {
+        if (criterion.finder && criterion.property != QLatin1String("buddy"))
+            return criterion.related;
+    }
+    return {};
+}
+
+void ObjectFinder::collect(const QVector<Element>& roots, std::vector<Match>* visible,
+                           std::vector<Match>* others) {
     const bool withItems = mayItemsMatch();
-    std::vector<Match> visible;
-    std::vector<Match> others;
     int window = 0;
-    for (const Element& root : roots()) {
+    for (const Element& root : roots) {
         walkTree(root, withItems, [&](const Element& element) {
             if (!matches(element))
                 return;
             const bool isFirstChoice = m_asksVisible || (element.toolkit->isVisible(element) &&
                                                          !element.toolkit->isInternal(element));
-            (isFirstChoice ? visible : others).push_back({element, window, QPoint()});
+            (isFirstChoice ? visible : others)->push_back({element, window, QPoint()});
         });
         ++window;
     }
+}
+
+Element ObjectFinder::find() {
+    if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
+        return {};
+    std::vector<Match> visible;
+    std::vector<Match> others;
+    const Element root = knownRoot();
+    if (!root.isNull()) {
+        collect({root}, &visible, &others);
+        return pick(visible.empty() ? &others : &visible, m_occurrence);
+    }
+    // Mostly what is looked for is visible.
+    if (!m_asksVisible) {
+        collect(nativeRoots(), &visible, &others);
+        if (!visible.empty())
+            return pick(&visible, m_occurrence);
+        others.clear();
+    }
+    collect(Session::self()->topLevels(), &visible, &others);
     return pick(visible.empty() ? &others : &visible, m_occurrence);
 }
 

@@ -35,7 +35,9 @@ public:
 
 private:
     struct Criterion;
+    struct Match;
 
+    static Element pick(std::vector<Match>* matches, int occurrence);
     void add(const Wire::Criterion& wanted);
     bool mayItemsMatch() const;
     bool typeMatches(const Criterion& criterion, const Element& element);
@@ -45,8 +47,11 @@ private:
     QString actualText(const Criterion& criterion, const Element& element) const;
     /// Finds the objects that criteria name; false when one isn't there.
     bool resolveRelations();
-    /// The elements below which matches can be.
-    QVector<Element> roots() const;
+    /// The object below which all matches are, if the name says one; null if it doesn't.
+    Element knownRoot() const;
+    /// Adds the matches below the roots: those that go first, and the others.
+    void collect(const QVector<Element>& roots, std::vector<Match>* visible,
+                 std::vector<Match>* others);
 
     QString m_errorText;
     int m_occurrence;

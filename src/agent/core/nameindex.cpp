@@ -3,6 +3,7 @@
 #include <QMap>
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
@@ -32,6 +33,8 @@ NameIndex::NameIndex() {
         int container;
     };
     QVector<Element> children;
+    constexpr size_t usualCount = 1024;
+    m_entries.reserve(usualCount);
     for (int root = 0; root < roots.size(); ++root) {
         std::vector<Pending> left{{roots[root], -1}};
         while (!left.empty()) {
@@ -88,7 +91,7 @@ void NameIndex::add(const Element& element, int container, int root) {
     if (!field.isNull())
         m_labels.insert(field, index);
     m_places.insert(element, index);
-    m_entries.push_back(entry);
+    m_entries.push_back(std::move(entry));
 }
 
 void NameIndex::addLabels() {

@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QImage>
+#include <QPair>
 
 #include "agent/core/nameindex.h"
 #include "agent/core/session.h"
@@ -13,7 +14,7 @@ namespace Tamrix::Agent {
 
 namespace {
 
-using Properties = QHash<QString, QString>;
+using Pair = QPair<QString, QString>;
 
 /// Writes elements straight into the stream, in the order that UIElement::serialize() documents:
 /// making the elements first takes several times as long.
@@ -44,8 +45,8 @@ private:
         m_stream << (m_withImages && toolkit->isVisible(element) ? toolkit->grab(element)
                                                                  : QImage());
         m_stream << m_names.realName(element) << QString();  // no symbolic name
-        m_stream << properties(element);
-        m_stream << identifying(element, type, text);
+        writeProperties(element);
+        writeIdentifying(element, type, text);
         m_stream << 0;  // usage
         QVector<Element> children;
         appendShownChildren(element, false, &children);
@@ -62,37 +63,52 @@ private:
         return *known;
     }
 
-    Properties properties(const Element& element) const {
-        Properties map;
+    /// Pairs of texts in the form of a hash.
+    void writePairs(const QVector<Pair>& pairs) {
+        m_stream << static_cast<quint32>(pairs.size());
+        for (const Pair& pair : pairs)
+            m_stream << pair.first << pair.second;
+    }
+
+    void writeProperties(const Element& element) {
+        QVector<Pair> pairs;
         if (!m_withAllProperties) {
-            map.insert(QStringLiteral("visible"), valueText(element.toolkit->isVisible(element)));
-            map.insert(QStringLiteral("enabled"), valueText(element.toolkit->isEnabled(element)));
-            return map;
+            pairs.append({m_visible, boolText(element.toolkit->isVisible(element))});
+            pairs.append({m_enabled, boolText(element.toolkit->isEnabled(element))});
+            writePairs(pairs);
+            return;
         }
         for (const QString& name : allPropertyNames(element)) {
             bool isKnown = false;
             const QVariant value = propertyValue(element, name, &isKnown);
             if (isKnown)
-                map.insert(name, valueText(value));
+                pairs.append({name, valueText(value)});
         }
-        return map;
+        writePairs(pairs);
     }
 
-    static Properties identifying(const Element& element, const QString& type,
-                                  const QString& text) {
-        Properties map;
-        map.insert(QStringLiteral("type"), type);
+    void writeIdentifying(const Element& element, const QString& type, const QString& text) {
+        QVector<Pair> pairs{{m_type, type}};
         const QString name = element.toolkit->name(element);
         if (!name.isEmpty())
-            map.insert(QStringLiteral("name"), name);
+            pairs.append({m_name, name});
         if (!text.isEmpty() && element.toolkit->isTextLasting(element))
-            map.insert(QStringLiteral("text"), text);
-        return map;
+            pairs.append({m_text, text});
+        writePairs(pairs);
     }
+
+    const QString& boolText(bool value) const { return value ? m_true : m_false; }
 
     QDataStream& m_stream;
     bool m_withImages;
     bool m_withAllProperties;
+    const QString m_type = QStringLiteral("type");
+    const QString m_name = QStringLiteral("name");
+    const QString m_text = QStringLiteral("text");
+    const QString m_visible = QStringLiteral("visible");
+    const QString m_enabled = QStringLiteral("enabled");
+    const QString m_true = QStringLiteral("true");
+    const QString m_false = QStringLiteral("false");
     int m_count = 0;
     NameIndex m_names;
     QHash<const QMetaObject*, QStringList> m_superTypes;
@@ -102,6 +118,9 @@ private:
 
 QByteArray takeSnapshot(const Element& element, bool withImages) {
     QByteArray bytes;
+    // Growing by small steps would move it many times.
+    constexpr int usualSize = 1024 * 1024;
+    bytes.reserve(usualSize);
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_4_6);  // version 12
     QVector<Element> elements;

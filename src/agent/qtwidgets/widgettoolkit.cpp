@@ -158,7 +158,15 @@ Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint) {
 }
 
 bool WidgetToolkit::knows(const QObject* object) const {
-    return object->isWidgetType() || qobject_cast<const QAction*>(object);
+    return object->isWidgetType() || qobject_cast<const QAction*>(object) ||
+           (object->isWindowType() && object->inherits("QWidgetWindow"));
+}
+
+Element WidgetToolkit::element(QObject* object) const {
+    if (!object || !object->isWindowType())
+        return Toolkit::element(object);
+    auto* const window = static_cast<QWindow*>(object);
+    return Toolkit::element(window->handle() ? QWidget::find(window->winId()) : nullptr);
 }
 
 void WidgetToolkit::topLevels(QVector<Element>* elements) const {

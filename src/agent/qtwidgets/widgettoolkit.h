@@ -12,6 +12,8 @@ namespace Tamrix::Agent {
 class WidgetToolkit : public Toolkit {
 public:
     bool knows(const QObject* object) const override;
+    /// Of the native window of a widget, the widget.
+    Element element(QObject* object) const override;
     void topLevels(QVector<Element>* elements) const override;
     void children(const Element& element, bool withItems,
                   QVector<Element>* elements) const override;
