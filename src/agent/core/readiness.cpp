@@ -191,7 +191,7 @@ QString obstacleOf(const Element& element) {
     return QString();
 }
 
-void lookIfReady(const Element& element, const QPoint* offset, Done done) {
+void lookIfReady(const Element& element, const QPoint* offset, const Done& done) {
     lookTwice(element, optionalOf(offset), done);
 }
 

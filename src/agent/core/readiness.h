@@ -27,7 +27,7 @@ struct Readiness {
 /// An element that is only scrolled away is scrolled into view.
 /// `offset` is the wanted point relative to the element's bounds, null for its middle.
 void lookIfReady(const Element& element, const QPoint* offset,
-                 std::function<void(const Readiness&)> done);
+                 const std::function<void(const Readiness&)>& done);
 
 /// What keeps the element from being used at any of its points, as above without its place and what
 /// covers it; empty for nothing. Scrolls it into view if that makes it visible.

@@ -106,6 +106,7 @@ void press(Call call) {
     });
 }
 
+// By value as all functions of the table. NOLINTNEXTLINE(performance-unnecessary-value-param)
 void clipboardText(Call call) {
     call.takeEnd();
     call.responder()->replyBody(Wire::Value{QGuiApplication::clipboard()->text()});
