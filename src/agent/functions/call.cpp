@@ -87,7 +87,7 @@ QString notReadyText(const ElementRef& element, const QString& obstacle) {
 }
 
 void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
-               std::function<void(const ElementRef& element, const QPoint& point)> act) {
+               const std::function<void(const ElementRef& element, const QPoint& point)>& act) {
     const ElementRef ref(element);
     waitUntilReady(
         element, offset ? &*offset : nullptr, call.timeout(),

@@ -65,7 +65,7 @@ QString notReadyText(const ElementRef& element, const QString& obstacle);
 /// Calls `act` with the point to use when the element is ready; fails the call when it is not in
 /// time.
 void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
-               std::function<void(const ElementRef& element, const QPoint& point)> act);
+               const std::function<void(const ElementRef& element, const QPoint& point)>& act);
 
 /// Adds a step that answers the call. Comes before the last input, which may end the program.
 void addAnswer(StepQueue* queue, const Call& call);

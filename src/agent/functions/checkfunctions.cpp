@@ -77,7 +77,7 @@ void addClickUnless(StepQueue* queue, const ElementRef& ref, const QPoint& point
     });
 }
 
-void setChecked(Call call, State wanted) {
+void setChecked(Call& call, State wanted) {
     const Element element = call.takeObject();
     call.takeEnd();
     const State state = stateOf(element);
@@ -106,12 +106,12 @@ void setChecked(Call call, State wanted) {
 
 }  // namespace
 
-void check(Call call) {
-    setChecked(std::move(call), State::Checked);
+void check(Call& call) {
+    setChecked(call, State::Checked);
 }
 
-void uncheck(Call call) {
-    setChecked(std::move(call), State::Unchecked);
+void uncheck(Call& call) {
+    setChecked(call, State::Unchecked);
 }
 
 }  // namespace Tamrix::Agent

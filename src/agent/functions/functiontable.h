@@ -7,26 +7,26 @@
 namespace Tamrix::Agent {
 
 // mousefunctions.cpp
-void click(Call call);
-void doubleClick(Call call);
-void drag(Call call);
-void hover(Call call);
+void click(Call& call);
+void doubleClick(Call& call);
+void drag(Call& call);
+void hover(Call& call);
 
 // textfunctions.cpp
-void fill(Call call);
-void typeText(Call call);
-void press(Call call);
-void clipboardText(Call call);
+void fill(Call& call);
+void typeText(Call& call);
+void press(Call& call);
+void clipboardText(Call& call);
 
 // itemfunctions.cpp
-void selectItem(Call call);
+void selectItem(Call& call);
 
 // checkfunctions.cpp
-void check(Call call);
-void uncheck(Call call);
+void check(Call& call);
+void uncheck(Call& call);
 
 // windowfunctions.cpp
-void closeWindow(Call call);
+void closeWindow(Call& call);
 
 // menuitems.cpp
 /// The part of selectItem() for QMenu and QMenuBar; false for other elements.

@@ -13,7 +13,7 @@ struct Function {
     const char* returnType;
     /// The arguments of each overload, apart by "|".
     const char* overloads;
-    void (*run)(Call call);
+    void (*run)(Call& call);
 };
 
 constexpr char mouseOverloads[] =
@@ -62,7 +62,8 @@ void callGlobalFunction(const Wire::Invoke& call, const ResponderPtr& responder)
         if (call.method != QLatin1String(function.name))
             continue;
         try {
-            function.run(Call(call, responder));
+            Call running(call, responder);
+            function.run(running);
         } catch (const CallError& error) {
             QString text = error.text();
             if (error.code() == Wire::FailureCode::BadArgument)

@@ -100,7 +100,7 @@ bool hasOwnPopup(const Element& element) {
 
 }  // namespace
 
-void selectItem(Call call) {
+void selectItem(Call& call) {
     const Element element = call.takeObject();
     const QString text = call.takeText("text");
     call.takeEnd();

@@ -70,7 +70,7 @@ MouseStyle takeStyle(Call* call) {
     return style;
 }
 
-void clickTimes(Call call, int count) {
+void clickTimes(Call& call, int count) {
     const Element element = call.takeObject();
     const std::optional<QPoint> offset = takeOffset(&call);
     const MouseStyle style = takeStyle(&call);
@@ -85,15 +85,15 @@ void clickTimes(Call call, int count) {
 
 }  // namespace
 
-void click(Call call) {
-    clickTimes(std::move(call), 1);
+void click(Call& call) {
+    clickTimes(call, 1);
 }
 
-void doubleClick(Call call) {
-    clickTimes(std::move(call), 2);
+void doubleClick(Call& call) {
+    clickTimes(call, 2);
 }
 
-void drag(Call call) {
+void drag(Call& call) {
     const Element element = call.takeObject();
     const int x = call.takeNumber("x");
     const int y = call.takeNumber("y");
@@ -109,7 +109,7 @@ void drag(Call call) {
     });
 }
 
-void hover(Call call) {
+void hover(Call& call) {
     const Element element = call.takeObject();
     const std::optional<QPoint> offset = takeOffset(&call);
     call.takeEnd();

@@ -48,7 +48,7 @@ void addTyping(StepQueue* queue, const QString& text) {
 
 }  // namespace
 
-void fill(Call call) {
+void fill(Call& call) {
     const Element element = call.takeObject();
     const QString text = call.takeText("text");
     call.takeEnd();
@@ -77,7 +77,7 @@ void fill(Call call) {
     });
 }
 
-void typeText(Call call) {
+void typeText(Call& call) {
     const Element element = call.takeObject();
     const QString text = call.takeText("text");
     call.takeEnd();
@@ -90,7 +90,7 @@ void typeText(Call call) {
     });
 }
 
-void press(Call call) {
+void press(Call& call) {
     const Element element = call.takeObject();
     QString error;
     const KeyCombination keys = parseKeys(call.takeText("keys"), &error);
@@ -106,8 +106,7 @@ void press(Call call) {
     });
 }
 
-// By value as all functions of the table. NOLINTNEXTLINE(performance-unnecessary-value-param)
-void clipboardText(Call call) {
+void clipboardText(Call& call) {
     call.takeEnd();
     call.responder()->replyBody(Wire::Value{QGuiApplication::clipboard()->text()});
     call.responder()->finish();

@@ -20,7 +20,7 @@ bool isClosable(const ElementRef& ref) {
 
 }  // namespace
 
-void closeWindow(Call call) {
+void closeWindow(Call& call) {
     const Element element = call.takeObject();
     call.takeEnd();
     // The window, not the element, has to be reachable.

@@ -14,7 +14,7 @@ protected:
         const QString platform = GetParam();
         if (platform == "xcb")
             m_display = std::make_unique<TestDisplay>();
-        m_program = std::make_unique<InputProgram>("input_target", platform,
+        m_program = std::make_unique<InputProgram>(target(), platform,
                                                    m_display ? m_display->name() : QString());
         ASSERT_NE(program().object("main").handle, 0U)
             << program().client().lastError().toStdString();
@@ -24,6 +24,7 @@ protected:
         m_display.reset();
     }
 
+    virtual const char* target() const { return "input_target"; }
     InputProgram& program() { return *m_program; }
 
 private:
