@@ -55,10 +55,9 @@ AgentServer::AgentServer() : m_token(randomToken()) {}
 AgentServer::~AgentServer() {
     if (m_listener >= 0)
         ::close(m_listener);
-    if (!m_folder.isEmpty()) {
-        ::unlink(socketPath().toLocal8Bit().constData());
-        ::rmdir(m_folder.toLocal8Bit().constData());
-    }
+    // With what programs left there.
+    if (!m_folder.isEmpty())
+        QDir(m_folder).removeRecursively();
 }
 
 QString AgentServer::socketPath() const {

@@ -1,5 +1,7 @@
 // The operations of Runner on the objects of the current application, and its input.
 
+#include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "runner/runner.h"
@@ -104,8 +106,10 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
 }
 
 void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
-    // The script fails in its normal course when nobody is there to be asked.
-    if (Debugger* const debugger = Debugger::self())
+    // The script stops only where the test and a front end both want it; else it fails at once.
+    Debugger* const debugger = Debugger::self();
+    if (debugger && debugger->objectNotFoundDebugging() &&
+        TestSettingsType::s_objectNotFoundDebugging)
         debugger->stopWithObjectName(name, *error);
 }
 

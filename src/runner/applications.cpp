@@ -7,6 +7,7 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 
+#include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/remote/remotelink.h"
 #include "platform/objectmodel/remote/remoteobject.h"
@@ -285,6 +286,9 @@ void Applications::waitForNews(int milliseconds) {
 
 void Applications::startCall() {
     m_interruptBeforeCall = Interrupt::signalNumber();
+    // A script may change the setting at any time.
+    if (m_current)
+        m_current->model().setReadyTimeout(TestSettingsType::s_waitForObjectTimeout);
 }
 
 bool Applications::isInterrupted() const {

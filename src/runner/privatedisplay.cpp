@@ -110,6 +110,7 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
         bus.program = findHelper(QStringLiteral("dbus-daemon"), QStringLiteral("dbus"), &error);
     if (!error.isEmpty())
         return error;
+    m_folder = folder;
     m_cookieFile = folder + QLatin1String("/cookie");
     if (!writeCookieFile(m_cookieFile))
         return QStringLiteral("the display's cookie can't be written to '%1'").arg(m_cookieFile);
@@ -141,6 +142,8 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
 ProgramEnvironment PrivateDisplay::environment() const {
     ProgramEnvironment environment = displayEnvironment(m_name);
     environment.append({QStringLiteral("XAUTHORITY"), m_cookieFile});
+    // What programs find or leave there belongs to a session.
+    environment.append({QStringLiteral("XDG_RUNTIME_DIR"), m_folder});
     if (!m_busAddress.isEmpty())
         environment.append({QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_busAddress});
     return environment;

@@ -16,8 +16,8 @@ public:
     PrivateDisplay(const PrivateDisplay&) = delete;
     PrivateDisplay& operator=(const PrivateDisplay&) = delete;
 
-    /// Starts both, marked as the run's. `folder` is for the file with the cookie. Returns an error
-    /// text, empty on success.
+    /// Starts both, marked as the run's. `folder` takes the file with the cookie and is the
+    /// session's runtime folder. Returns an error text, empty on success.
     QString start(const QString& runId, const QString& folder);
 
     /// What brings a program to this display and bus.
@@ -29,6 +29,7 @@ private:
     std::unique_ptr<ChildProcess> m_display;
     std::unique_ptr<ChildProcess> m_bus;
     QString m_name;
+    QString m_folder;
     QString m_cookieFile;
     QString m_busAddress;
 };

@@ -59,8 +59,9 @@ void Runner::work() {
 }
 
 void Runner::runHandlers() {
-    // A handler that waits must not run the next one inside it.
-    if (m_isRunningHandlers)
+    // A handler that waits must not run the next one inside it, and the exception by which a
+    // language ends an interrupted script must not end in a handler.
+    if (m_isRunningHandlers || m_applications.isInterrupted())
         return;
     const QScopedValueRollback<bool> running(m_isRunningHandlers, true);
     for (const SharedPtr<Application>& application : m_applications.live()) {

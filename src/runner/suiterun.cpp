@@ -194,7 +194,7 @@ void SuiteRun::attachOutput() {
                 return;
             }
             m_result.addAttachment(
-                TestResult::FileAttachment,
+                TestResult::OutputAttachment,
                 QStringLiteral("What the application '%1' wrote to %2").arg(name, stream), path,
                 {});
         }

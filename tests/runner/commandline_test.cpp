@@ -96,6 +96,14 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "Unknown option 'report' (see tamrixrunner list --help)"},
         {{"report", "j"},
          "report needs at least one --to FORMAT:PATH (see tamrixrunner report --help)"},
+        {{"run", "s", "--aut-display", "99"},
+         "--aut-display takes auto, inherit or :N, not '99' (see tamrixrunner run --help)"},
+        {{"attachable", "program"},
+         "attachable needs --name NAME (see tamrixrunner attachable --help)"},
+        {{"inspect", "--wait", "soon", "program", "--xml"},
+         "--wait takes a number of seconds, not 'soon' (see tamrixrunner inspect --help)"},
+        {{"inspect", "--json", "--xml", "program"},
+         "--json and --xml exclude each other (see tamrixrunner inspect --help)"},
     };
     for (const auto& row : rows) {
         const CommandLine line = parse(row.arguments);

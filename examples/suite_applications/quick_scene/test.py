@@ -7,4 +7,4 @@ def main():
     click("{name='greet'}")
     greeting = waitForObject("{name='greeting'}")
     test.verify(waitFor(lambda: greeting.text == "Hello, Ada", 3000), "greeted by name")
-    test.compare(greeting.type, "Text")
+    test.compare(greeting.type, "QQuickText")

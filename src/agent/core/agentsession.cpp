@@ -177,8 +177,8 @@ void AgentSession::finish(quint64 number) {
     scheduleNext();
 }
 
-void AgentSession::setHandler(Wire::MessageType type, Handler handler) {
-    m_handlers.insert(static_cast<int>(type), std::move(handler));
+void AgentSession::setHandler(Wire::MessageType type, const Handler& handler) {
+    m_handlers.insert(static_cast<int>(type), handler);
 }
 
 void AgentSession::sendEvent(const Wire::EventFired& event) {

@@ -23,7 +23,7 @@ public:
     AgentSession(int descriptor, const QString& token);
     ~AgentSession() override;
 
-    void setHandler(Wire::MessageType type, Handler handler) override;
+    void setHandler(Wire::MessageType type, const Handler& handler) override;
     void sendEvent(const Wire::EventFired& event) override;
     void addToolkit(std::unique_ptr<Toolkit> toolkit) override;
     Element element(QObject* object) const override;

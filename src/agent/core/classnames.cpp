@@ -4,10 +4,17 @@
 
 namespace Tamrix::Agent {
 
+namespace {
+
+/// What Qt Quick appends to the names of classes that it makes, and of windows that scenes make.
+constexpr const char* generatedSuffixes[] = {"_QMLTYPE_", "_QML_", "QmlImpl"};
+
+}  // namespace
+
 QString typeNameOf(const QMetaObject* metaObject) {
     const char* const name = metaObject->className();
     const char* end = nullptr;
-    for (const char* marker : {"_QMLTYPE_", "_QML_"}) {
+    for (const char* marker : generatedSuffixes) {
         end = std::strstr(name, marker);
         if (end)
             break;

@@ -9,7 +9,8 @@
 namespace Tamrix::Agent {
 
 /// The class name as testers know it: without what the QML engine appends to the classes that it
-/// makes ("Button_QMLTYPE_12", "Main_QML_3"), which differs from run to run.
+/// makes ("Button_QMLTYPE_12", "Main_QML_3", "QQuickWindowQmlImpl"), which can differ from run to
+/// run.
 TAMRIX_EXPORT QString typeNameOf(const QMetaObject* metaObject);
 /// The names of the base classes, the nearest first; a name that comes twice in a row, as for a
 /// generated class of a type of the same name, comes once.

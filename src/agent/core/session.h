@@ -50,7 +50,7 @@ public:
     /// Registers what answers requests of a type; the later call wins. A handler is called from the
     /// event loop with nothing of the session on the stack; nested event loops of the application
     /// call the next handler only when the request before is finished.
-    virtual void setHandler(Wire::MessageType type, Handler handler) = 0;
+    virtual void setHandler(Wire::MessageType type, const Handler& handler) = 0;
     /// The same with the body decoded; a malformed one fails with BadRequest.
     template <typename Body>
     void setBodyHandler(Wire::MessageType type,

@@ -1,10 +1,10 @@
 #include "agent/wayin/agentloader.h"
 
 #include <dlfcn.h>
-#include <limits.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include "shared/programselection/programselection.h"
 #include "wire/connection.h"

@@ -1,5 +1,4 @@
 #include "platform/testresult/htmldata.h"
-#include "base/textescape.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

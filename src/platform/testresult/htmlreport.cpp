@@ -1,5 +1,4 @@
 #include "platform/testresult/htmlreport.h"
-#include "base/textescape.h"
 
 #include <QDir>
 #include <QFile>

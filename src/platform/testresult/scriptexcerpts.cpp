@@ -1,5 +1,4 @@
 #include "platform/testresult/scriptexcerpts.h"
-#include "base/textescape.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -40,7 +40,7 @@ def main():
 
     test.startSection("Asking")
     window = object.parent(seven)
-    test.compare(typeName(seven), "Object")
+    test.compare(typeName(seven), "Button")
     test.compare(window.type, "Calculator")
     test.verify(seven in list(object.children(window)))
     test.verify(window in object.topLevelObjects())
@@ -62,9 +62,11 @@ def main():
     test.compare(seven.text, "7")
     display.maxLength = 20
     test.compare(display.maxLength, 20)
-    seven.setText("Seven")
+    seven.text = "Seven"
     test.compare(seven.text, "Seven")
     seven.text = "7"
+    display.selectAll()
+    test.compare(display.selectedText, display.text, "the method ran")
     click(seven)
     test.verify(waitFor(lambda: display.text == "7", 2000))
     test.verify(waitFor("True"))

@@ -1,0 +1,120 @@
+// What looking up objects in a program of 10,000 objects costs: beside a plain loop with the same
+// two comparisons inside that program, and beside a ping, the shortest request there is.
+//
+// Times are microseconds, the medians of turns that alternate, all in one run.
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+#include "base/environment.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/remote/remotemodel.h"
+#include "platform/objectmodel/valueobject.h"
+#include "runner/objecttree.h"
+#include "runner/runner.h"
+#include "shared/uiabstraction/uielement.h"
+
+namespace {
+
+using Tamrix::Inspector;
+using Tamrix::RemoteModel;
+using Tamrix::RequestError;
+using Tamrix::UIAbstraction::UIElement;
+
+const char* const wantedText = "Button 97.48";
+
+double microseconds(const std::function<bool()>& work) {
+    QElapsedTimer timer;
+    timer.start();
+    return work() ? static_cast<double>(timer.nsecsElapsed()) / 1000 : -1;
+}
+
+double median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times.empty() ? -1 : times[times.size() / 2];
+}
+
+int fail(const QString& text) {
+    std::fprintf(stderr, "objectlookup_bench: %s\n", qPrintable(text));
+    return 1;
+}
+
+/// What "tamrixrunner inspect" does: the tree of all objects with their names, as text.
+bool inspect(RemoteModel& model) {
+    QString error;
+    const QByteArray bytes = model.snapshot({}, false, &error);
+    const QList<UIElement*> elements = UIElement::elementsFromByteArray(bytes);
+    QList<const UIElement*> listed;
+    for (const UIElement* element : elements)
+        listed.append(element);
+    const QString text = Tamrix::objectTreeText(listed);
+    qDeleteAll(elements);
+    return text.contains(QLatin1String(wantedText));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    Tamrix::Environment::setVariable("TAMRIX_PREFIX", TAMRIX_BENCH_PREFIX);
+
+    Tamrix::Runner runner;
+    QString error;
+    if (!runner.startApplication(TAMRIX_BENCH_TARGET, {}, -1, -1, &error))
+        return fail(error);
+    auto* const model = dynamic_cast<RemoteModel*>(Inspector::self()->model());
+    const QString name =
+        QStringLiteral("{type='QPushButton' text='%1'}").arg(QLatin1String(wantedText));
+    const auto target = runner.waitForObjectExists("{type='LookupTarget'}", true, 20000);
+    if (!model || !target || !Inspector::self()->findObject(name))
+        return fail(Inspector::self()->lastError());
+
+    const auto call = [&](const char* method, const Tamrix::ObjectList& arguments) {
+        const auto methods = target->objectClass()->methodsByName(method);
+        const auto result =
+            methods.isEmpty() ? nullptr : methods.front()->invoke(target, arguments);
+        return result ? result->toVariant().toDouble() : -1;
+    };
+    const int objects = static_cast<int>(call("objectCount", {}));
+
+    std::vector<double> pings;
+    std::vector<double> lookUps;
+    std::vector<double> loops;
+    std::vector<double> inspections;
+    for (int turn = 0; turn < 11; ++turn) {
+        for (int each = 0; each < 100; ++each) {
+            pings.push_back(microseconds([&] {
+                RequestError requestError;
+                return model->connection().ping(5000, &requestError);
+            }));
+            lookUps.push_back(
+                microseconds([&] { return bool(Inspector::self()->findObject(name)); }));
+        }
+        loops.push_back(call("plainLoop", {Inspector::self()->createObject("QPushButton"),
+                                           Inspector::self()->createObject(wantedText)}));
+        inspections.push_back(microseconds([&] { return inspect(*model); }));
+    }
+
+    const double ping = median(pings);
+    const double loop = median(loops);
+    const double lookUp = median(lookUps);
+    const double inspection = median(inspections);
+    std::printf("%d objects, times in microseconds\n", objects);
+    std::printf("  ping                          %10.1f\n", ping);
+    std::printf("  plain loop in the program     %10.1f\n", loop);
+    std::printf(
+        "  findObject by type and text   %10.1f   (%.2f plain loops behind a ping; at most "
+        "3)\n",
+        lookUp, (lookUp - ping) / loop);
+    std::printf(
+        "  inspect                       %10.1f   (%.1f pings for 1,000 objects; at most "
+        "40)\n",
+        inspection, inspection / ping / objects * 1000);
+    return 0;
+}

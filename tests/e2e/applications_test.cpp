@@ -1,0 +1,261 @@
+// What goes wrong with applications is told, the run goes on, and nothing stays behind.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+#include <csignal>
+
+#include "e2e/journal.h"
+#include "e2e/runnerprocess.h"
+#include "runner/suitefolder.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Tamrix::Test::RunnerProcess;
+
+class ApplicationRun : public testing::Test {
+protected:
+    ApplicationRun() {
+        suite.write("suite/config.xml",
+                    "<suite><applications><application name='faulty' path='" FAULTY_TARGET
+                    "'/></applications></suite>");
+        prepare(runner);
+    }
+    ~ApplicationRun() override {
+        EXPECT_EQ(leftProcesses(), QStringList());
+        EXPECT_EQ(QDir(runtime.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                  QStringList());
+    }
+
+    void prepare(RunnerProcess& process) const {
+        process.setVariable("QT_QPA_PLATFORM", "offscreen");
+        process.setVariable("XDG_RUNTIME_DIR", runtime.path());
+        process.setVariable("TAMRIX_TEST_MARK", runtime.path());
+    }
+
+    void addCase(const QString& name, const QByteArray& script) {
+        suite.write("suite/" + name + "/test.py", "import os, signal, time\n\n" + script);
+    }
+
+    /// Processes that came of the runner: the variable is in the environment of all of them.
+    QStringList leftProcesses() const {
+        const QByteArray mark = "TAMRIX_TEST_MARK=" + runtime.path().toLocal8Bit() + '\0';
+        QStringList left;
+        for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
+            if (entry.toInt() > 0 &&
+                Tamrix::Test::readFile("/proc/" + entry + "/environ").contains(mark))
+                left.append(
+                    Tamrix::Test::readFile("/proc/" + entry + "/cmdline").replace('\0', ' '));
+        }
+        return left;
+    }
+
+    /// The messages and details of a case's results.
+    QString resultsOf(const QString& name) const {
+        QString texts;
+        bool isInside = false;
+        for (const Json::Value& entry :
+             Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+            if (entry["kind"].asString() == "caseStart")
+                isInside = QString::fromStdString(entry["message"].asString()) == name;
+            if (isInside)
+                texts += QString::fromStdString(entry.toStyledString());
+        }
+        return texts;
+    }
+
+    QTemporaryDir runtime;
+    Tamrix::Test::SuiteFolder suite;
+    RunnerProcess runner;
+};
+
+const char* const click =
+    "def clickOn(text):\n"
+    "    button = waitForObject(\"{type='QPushButton' text='%s'}\" % text, 5000)\n"
+    "    mousePress(button)\n"
+    "    mouseRelease(button)\n\n";
+
+TEST_F(ApplicationRun, FaultsAreTold) {
+    const struct {
+        const char* name;
+        const char* script;
+        QStringList texts;
+    } table[] = {
+        {"crash",
+         "clickOn('Crash')\n    waitForObject(\"{type='QPushButton' text='x'}\")",
+         {"SIGSEGV", "about to start", "faulty-stderr.txt"}},
+        {"exit",
+         "clickOn('Exit')\n    waitForObject(\"{type='QPushButton' text='x'}\")",
+         {"it exited with code 3"}},
+        {"kill",
+         "os.kill(a.pid(), signal.SIGKILL)\n    object.exists(\"{type='QLabel'}\")\n    "
+         "test.log('alive %s' % a.isRunning())\n    a.detach()",
+         {"alive False", "detach() failed"}},
+        {"stop",
+         "os.kill(a.pid(), signal.SIGSTOP)\n    test.log('frozen %s' % a.isFrozen(1))\n    "
+         "waitForObject(\"{type='QLabel'}\", 1500)",
+         {"frozen True", "does not answer"}},
+        {"hang",
+         "clickOn('Hang')\n    waitForObject(\"{type='QLabel'}\", 1500)",
+         {"does not answer"}},
+        {"modal",
+         "clickOn('Modal')\n    waitForObject(\"{text='Close it'}\")\n    "
+         "test.log('dialog')\n    waitForObject(\"{text='Crash'}\", 300)",
+         {"dialog", "is not ready after 300 ms", "modal"}},
+        {"disabled",
+         "waitForObject(\"{text='Disabled'}\", 300)",
+         {"Object '{text='Disabled'}' is not ready after 300 ms: it is disabled"}},
+        {"fork",
+         "clickOn('Fork')\n    waitForObject(\"{text='Crash'}\")\n    test.log('there')",
+         {"there"}},
+        {"child",
+         "clickOn('Child')\n    c = waitForApplicationLaunch(10000)\n    "
+         "setApplicationContext(c)\n    waitForObject(\"{text='label of child'}\")\n    "
+         "test.log('child of %s %s' % (c.pid() != a.pid(), len(applicationContextList())))",
+         {"child of True 2"}},
+        {"stubborn", "startApplication('faulty stubborn')\n    test.log('started')", {"started"}},
+        {"much",
+         "b = startApplication('faulty much')\n    "
+         "test.log('read', b.readStdout()[-8:])\n    test.fail('so it is attached')",
+         {"the end", "faulty-stdout.txt"}},
+        {"again", "test.log('still', waitForObject(\"{type='QLabel'}\").text)", {"label of"}},
+    };
+    for (const auto& row : table) {
+        addCase(row.name, QByteArray(click) +
+                              "def main():\n    a = startApplication('faulty')\n    " + row.script +
+                              "\n");
+    }
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
+    for (const auto& row : table) {
+        const QString results = resultsOf(row.name);
+        for (const QString& text : row.texts)
+            EXPECT_TRUE(results.contains(text)) << row.name << ": " << qPrintable(results);
+    }
+}
+
+TEST_F(ApplicationRun, FailedStartsAreTold) {
+    const struct {
+        const char* program;
+        const char* text;
+    } table[] = {
+        {"faulty early",
+         "it exited with code 7\\nThe last lines of its standard error:\\n"
+         "about to start\\nno configuration"},
+        {"faulty silent", "no agent in it connected within 1500 ms"},
+        {"faulty version", "version 99"},
+        {"faulty token", "shows a token that is not of this run"},
+        {"faulty garbage", "a message of"},
+        {"none-such", "'none-such' was not found"},
+    };
+    for (const auto& row : table) {
+        addCase(
+            QByteArray(row.program).replace(' ', '_'),
+            "def main():\n    startApplication('" + QByteArray(row.program) + "', '', -1, 1500)\n");
+    }
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
+    for (const auto& row : table) {
+        const QString results = resultsOf(QString(row.program).replace(' ', '_'));
+        EXPECT_TRUE(results.contains(row.text)) << row.program << ": " << qPrintable(results);
+    }
+}
+
+TEST_F(ApplicationRun, NothingStaysOfARunThatIsKilledOrInterrupted) {
+    addCase("wait", QByteArray(click) +
+                        "def main():\n    a = startApplication('faulty')\n    clickOn('Fork')\n"
+                        "    waitForObject(\"{type='QLabel'}\")\n"
+                        "    print('ready ' + a.environmentVariable('DISPLAY'))\n"
+                        "    waitForObject(\"{text='never'}\", 60000)\n");
+    for (const int signal : {SIGKILL, SIGTERM}) {
+        RunnerProcess run;
+        prepare(run);
+        run.start({"run", suite.path("suite"), "--aut-display", "auto"});
+        ASSERT_TRUE(run.waitForOutput("ready :")) << qPrintable(run.output() + run.errors());
+        run.sendSignal(signal);
+        run.finish();
+        EXPECT_EQ(run.exitCode(), signal == SIGKILL ? -1 - SIGKILL : 143);
+        // The watch of a killed run ends behind it.
+        for (int round = 0; round < 500 && !leftProcesses().isEmpty(); ++round)
+            QThread::msleep(10);
+        const QString display = run.output().section("ready :", 1).section('\n', 0, 0).trimmed();
+        EXPECT_FALSE(QFile::exists("/tmp/.X11-unix/X" + display)) << qPrintable(display);
+    }
+}
+
+TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
+    addCase("shown",
+            "def main():\n    a = startApplication('faulty')\n"
+            "    waitForObject(\"{type='QLabel'}\")\n"
+            "    test.log(a.environmentVariable('QT_QPA_PLATFORM'))\n"
+            "    test.fail('look')\n");
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results"), "--aut-display",
+                "auto"});
+    EXPECT_TRUE(resultsOf("shown").contains("xcb"));
+    EXPECT_TRUE(QFile::exists(suite.path("results/suite/shown/attachments/screenshot_fail_1.png")));
+}
+
+TEST_F(ApplicationRun, InspectPrintsNamesThatFind) {
+    runner.run({"inspect", "--wait", "0.3", FAULTY_TARGET, "--json"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    const QString line = "QPushButton \"Disabled\" (disabled)  ";
+    ASSERT_TRUE(runner.output().contains(line)) << qPrintable(runner.output());
+    const QString name = runner.output().section(line, 1).section('\n', 0, 0);
+    addCase("found",
+            "def main():\n    startApplication('faulty --json')\n    test.compare(object.exists(" +
+                ("\"" + name + "\"").toUtf8() +
+                "), True)\n"
+                "    waitForObject(\"{text='label of --json'}\")\n");
+    RunnerProcess run;
+    prepare(run);
+    run.run({"run", suite.path("suite")});
+    EXPECT_EQ(run.exitCode(), 0) << qPrintable(run.output() + run.errors());
+}
+
+TEST_F(ApplicationRun, AFaultyMapOfNamesEndsTheRunBeforeItStarts) {
+    addCase("never", "def main():\n    test.log('ran')\n");
+    suite.write("suite/shared/objectnames.tsv", ":A\t{type='A'}\n:B {type='B'}\n");
+    runner.run({"run", suite.path("suite")});
+    EXPECT_EQ(runner.exitCode(), 2);
+    EXPECT_TRUE(runner.errors().contains("objectnames.tsv, line 2")) << qPrintable(runner.errors());
+}
+
+TEST_F(ApplicationRun, AttachesToAProgramAndLeavesItThere) {
+    RunnerProcess keeper;
+    prepare(keeper);
+    keeper.start({"attachable", "--name", "kept", FAULTY_TARGET, "of the keeper"});
+    addCase("attach",
+            "def main():\n"
+            "    end = time.time() + 20\n"
+            "    while True:\n"
+            "        try:\n"
+            "            a = attachToApplication('kept')\n"
+            "            break\n"
+            "        except RuntimeError as error:\n"
+            "            if time.time() > end:\n"
+            "                raise\n"
+            "            snooze(0.1)\n"
+            "    waitForObject(\"{text='label of of the keeper'}\")\n"
+            "    a.detach()\n"
+            "    test.log('pid %d' % a.pid())\n");
+    for (const char* results : {"results", "again"}) {
+        RunnerProcess run;
+        prepare(run);
+        run.run({"run", suite.path("suite"), "--result-dir", suite.path(results)});
+        EXPECT_EQ(run.exitCode(), 0) << qPrintable(run.output() + run.errors());
+    }
+    EXPECT_FALSE(leftProcesses().isEmpty());
+    keeper.sendSignal(SIGTERM);
+    keeper.finish();
+    EXPECT_EQ(keeper.exitCode(), 143) << qPrintable(keeper.errors());
+    QDir(runtime.path()).rmdir("tamrix-attachable");
+}
+
+}  // namespace
+}  // namespace Tamrix

@@ -1,0 +1,104 @@
+// Suites that drive real, unmodified programs from Debian's packages, on an X display of the run's
+// own and on the offscreen platform.
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QTemporaryDir>
+
+#include "e2e/runnerprocess.h"
+#include "runner/suitefolder.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Tamrix::Test::RunnerProcess;
+
+const char* const calculator =
+    "/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/widgets/calculator/calculator";
+
+class RealPrograms : public testing::TestWithParam<const char*> {
+protected:
+    RealPrograms() { prepare(runner); }
+
+    /// The programs find none of the user's settings and leave none.
+    void prepare(RunnerProcess& process) {
+        process.setVariable("HOME", results.path());
+        process.setVariable("XDG_CONFIG_HOME", results.path());
+        process.setVariable("XDG_DATA_HOME", results.path());
+        process.setVariable("QT_QPA_PLATFORM", GetParam());
+    }
+
+    QStringList arguments(const QString& suite) const {
+        return {"run",           suite,  "--result-dir", results.path(),
+                "--aut-display", "auto", "--report",     "html:" + results.filePath("html")};
+    }
+
+    QTemporaryDir results;
+    RunnerProcess runner;
+};
+
+TEST_P(RealPrograms, SuitesPass) {
+    const char* const suites[] = {"examples/suite_applications", "tests/e2e/suites/suite_functions",
+                                  "tests/e2e/suites/suite_speedcrunch"};
+    for (const char* suite : suites) {
+        runner.run(arguments(QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/") + suite));
+        EXPECT_EQ(runner.exitCode(), 0)
+            << suite << ":\n"
+            << qPrintable(runner.output()) << qPrintable(runner.errors());
+    }
+}
+
+TEST_P(RealPrograms, AMistakeIsShownWithItsMoment) {
+    Tamrix::Test::SuiteFolder suite;
+    suite.write("suite/oops/test.py", QByteArray("def main():\n    startApplication('") +
+                                          calculator +
+                                          "')\n"
+                                          "    click(\"{type='Button' text='7'}\")\n"
+                                          "    waitForObject(\"{type='Button' text='Seven'}\", "
+                                          "300)\n");
+    runner.run(arguments(suite.path("suite")));
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(runner.output().contains("Button 'Backspace': text is 'Backspace', wanted 'Seven'"))
+        << qPrintable(runner.output());
+
+    const QDir attachments(results.filePath("html/attachments"));
+    const QStringList pictures = attachments.entryList({"*screenshot_error*.png"});
+    ASSERT_EQ(pictures.size(), 1);
+    const QString page = Tamrix::Test::readFile(results.filePath("html/index.html"));
+    EXPECT_TRUE(page.contains("attachments/" + pictures.front()));
+    // The calculator is on it: more than one colour.
+    const QImage picture(attachments.filePath(pictures.front()));
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_NE(picture.pixel(5, 5), picture.pixel(20, 20));
+}
+
+TEST_P(RealPrograms, NamesThatInspectPrintsAreAccepted) {
+    RunnerProcess inspection;
+    prepare(inspection);
+    inspection.run({"inspect", "--aut-display", "auto", calculator});
+    ASSERT_EQ(inspection.exitCode(), 0) << qPrintable(inspection.errors());
+    QByteArray names;
+    int count = 0;
+    for (const QString& line : inspection.output().split('\n', Qt::SkipEmptyParts)) {
+        if (line.contains("(hidden)"))
+            continue;
+        names += "        r\"\"\"" + line.mid(line.indexOf("  {")).trimmed().toUtf8() + "\"\"\",\n";
+        ++count;
+    }
+    EXPECT_GT(count, 28);
+    Tamrix::Test::SuiteFolder suite;
+    suite.write("suite/names/test.py",
+                QByteArray("def main():\n    startApplication('") + calculator +
+                    "')\n    waitForObject(\"{type='Calculator'}\")\n    for name in [\n" + names +
+                    "    ]:\n        test.compare(repr(waitForObject(name, 5000)), name)\n");
+    runner.run(arguments(suite.path("suite")));
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output());
+}
+
+INSTANTIATE_TEST_SUITE_P(Platforms, RealPrograms, testing::Values("xcb", "offscreen"));
+
+}  // namespace
+}  // namespace Tamrix

@@ -1,0 +1,117 @@
+// A program that does what goes wrong with programs under test. Its window has a button for each
+// fault that a click brings about; the arguments name faults of the start.
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QLabel>
+#include <QProcess>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <cstdio>
+
+#include "wire/framechannel.h"
+#include "wire/messages.h"
+
+namespace {
+
+using namespace Tamrix;
+
+/// Connects where an agent does and says something else. Then waits to be ended.
+int sayToRunner(const QString& what) {
+    QString error;
+    const int descriptor =
+        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)), &error);
+    if (what == "garbage") {
+        const QByteArray bytes = QByteArray("GET / HTTP/1.1\r\n").repeated(1000);
+        [[maybe_unused]] const ssize_t written =
+            ::write(descriptor, bytes.constData(), static_cast<size_t>(bytes.size()));
+        ::pause();
+    }
+    Wire::FrameChannel channel(descriptor);
+    Wire::Hello hello;
+    hello.token = what == "token" ? "wrong" : QString::fromLocal8Bit(qgetenv(Wire::tokenVariable));
+    hello.pid = ::getpid();
+    if (what == "version")
+        hello.version = 99;
+    channel.sendBody(0, Wire::MessageType::Hello, hello);
+    ::pause();
+    return 0;
+}
+
+void writeMuch() {
+    const QByteArray line = QByteArray(999, 'x') + '\n';
+    for (int count = 0; count < 3000; ++count)
+        std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
+    std::printf("the end\n");
+    std::fflush(stdout);
+}
+
+/// Goes on in a session of its own, behind the program.
+void leaveChildBehind() {
+    if (::fork() == 0) {
+        ::setsid();
+        ::signal(SIGTERM, SIG_IGN);
+        while (true)
+            ::pause();
+    }
+}
+
+void openDialog(QWidget* parent) {
+    QDialog dialog(parent);
+    dialog.setWindowTitle("Modal");
+    QPushButton button("Close it", &dialog);
+    QObject::connect(&button, &QPushButton::clicked, &dialog, &QDialog::accept);
+    dialog.exec();
+}
+
+/// A window that does not close, of a program that takes no request to end.
+class StubbornWindow : public QWidget {
+protected:
+    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QString what = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    std::fprintf(stderr, "about to start\n");
+    if (what == "early") {
+        std::fprintf(stderr, "no configuration\n");
+        return 7;
+    }
+    if (what == "version" || what == "token" || what == "garbage")
+        return sayToRunner(what);
+    if (what == "silent")
+        return ::pause();
+    QApplication application(argc, argv);
+    if (what == "much")
+        writeMuch();
+    if (what == "stubborn")
+        ::signal(SIGTERM, SIG_IGN);
+
+    std::unique_ptr<QWidget> window(what == "stubborn" ? new StubbornWindow : new QWidget);
+    auto* const layout = new QVBoxLayout(window.get());
+    const auto add = [&](const char* text, auto act) {
+        auto* const button = new QPushButton(text);
+        layout->addWidget(button);
+        QObject::connect(button, &QPushButton::clicked, act);
+        return button;
+    };
+    add("Crash", [] { ::raise(SIGSEGV); });
+    add("Exit", [] { ::_exit(3); });
+    add("Hang", [] {
+        while (true)
+            ::pause();
+    });
+    add("Modal", [&] { openDialog(window.get()); });
+    add("Fork", [] { leaveChildBehind(); });
+    add("Child", [argv] { QProcess::startDetached(argv[0], {"child"}); });
+    add("Disabled", [] {})->setEnabled(false);
+    layout->addWidget(new QLabel("label of " + what));
+    window->show();
+    return QApplication::exec();
+}
