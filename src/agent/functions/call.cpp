@@ -89,18 +89,17 @@ QString notReadyText(const ElementRef& element, const QString& obstacle) {
 void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act) {
     const ElementRef ref(element);
-    waitUntilReady(
-        element, offset ? &*offset : nullptr, call.timeout(),
-        [responder = call.responder(), ref, act = std::move(act)](const Readiness& readiness) {
-            if (readiness.isReady) {
-                act(ref, readiness.point);
-                return;
-            }
-            responder->fail(
-                ref.get().isNull() ? Wire::FailureCode::StaleObject : Wire::FailureCode::NotReady,
-                notReadyText(ref, readiness.obstacle));
-            responder->finish();
-        });
+    waitUntilReady(element, offset ? &*offset : nullptr, call.timeout(),
+                   [responder = call.responder(), ref, act](const Readiness& readiness) {
+                       if (readiness.isReady) {
+                           act(ref, readiness.point);
+                           return;
+                       }
+                       responder->fail(ref.get().isNull() ? Wire::FailureCode::StaleObject
+                                                          : Wire::FailureCode::NotReady,
+                                       notReadyText(ref, readiness.obstacle));
+                       responder->finish();
+                   });
 }
 
 void addAnswer(StepQueue* queue, const Call& call) {
