@@ -1,8 +1,8 @@
 // A program that does what goes wrong with programs under test. Its window has a button for each
 // fault that a click brings about; the arguments name faults of the start.
 
-#include <signal.h>
 #include <unistd.h>
+#include <csignal>
 
 #include <QApplication>
 #include <QCloseEvent>
