@@ -1,6 +1,7 @@
 #include "agent/wayin/agentloader.h"
 
 #include <dlfcn.h>
+
 #include <climits>
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // Preloaded into every process below the runner; of the C runtime alone.
 
 #include <dlfcn.h>
+
 #include <cstdint>
 
 #include "agent/wayin/agentloader.h"

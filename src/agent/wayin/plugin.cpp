@@ -10,7 +10,7 @@ class AgentPlugin : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "tamrixagent.json")
 
 public:
-    QObject* create(const QString& /*key*/, const QString& /*specification*/) override {
+    QObject* create(const QString& /*key*/, const QString& /*arguments*/) override {
         if (isWanted())
             loadAgent("../..");
         // Qt complains about a plug-in that makes nothing.

@@ -2,7 +2,6 @@
 // fault that a click brings about; the arguments name faults of the start.
 
 #include <unistd.h>
-#include <csignal>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -11,6 +10,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <csignal>
 #include <cstdio>
 
 #include "wire/framechannel.h"
