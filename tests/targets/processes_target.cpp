@@ -6,7 +6,6 @@
 //     shell   starts itself through a shell
 //     twice   ends its application object and makes another
 
-#include <signal.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -14,19 +13,19 @@
 #include <QLabel>
 #include <QProcess>
 #include <QTimer>
+#include <csignal>
 
 namespace {
 
 void act(const QString& what) {
     const QString program = QCoreApplication::applicationFilePath();
-    if (what == "fork" && ::fork() == 0)
+    const bool isForked = what == "fork" && ::fork() == 0;
+    if (isForked || what == "follow")
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     else if (what == "child")
         (new QProcess(qApp))->start(program, {"follow"});
     else if (what == "shell")
         (new QProcess(qApp))->start("/bin/sh", {"-c", "'" + program + "' follow; true"});
-    else if (what == "follow")
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 }
 
 int run(int argc, char** argv, const QString& what) {

@@ -57,7 +57,8 @@ protected:
                 result.addAttachment(TestResult::FileAttachment, "", path, {});
         });
         QList<QJsonObject> files;
-        for (const QJsonValue& entry : dataOf(page)["entries"].toArray()[0].toArray())
+        const QJsonArray entries = dataOf(page)["entries"].toArray()[0].toArray();
+        for (const QJsonValue& entry : entries)
             files += entry.toObject()["file"].toObject();
         return files;
     }
