@@ -78,6 +78,19 @@ public:
     void insertField(int column);
     void removeField(int column);
 
+    /// Writes the table as text, every value in quotes, to `path`, or to dataName() when `path` is
+    /// empty. False for a read-only table, which writes nothing, and when writing failed.
+    bool save(const QString& path) const;
+
+    /// Reads the table of a file; the suffix chooses the reader, "xls" and "xlsx" their first sheet.
+    /// Of other files the separator is found out by looking; null if that fails, unless the suffix is
+    /// "tsv" or "csv". A file that can't be read gives a warning, and an empty table or null.
+    /// The caller owns the result and puts it into a SharedPtr at once.
+    static TestDataSet* createTestDataSet(const QString& path);
+    /// Reads a sheet of a spreadsheet, the first one if `sheet` is empty; null unless the suffix is
+    /// "xls" or "xlsx". The caller owns the result as above.
+    static TestDataSet* createTestDataSetExcel(const QString& path, const QString& sheet);
+
 private:
     QString m_dataName;
     std::vector<std::unique_ptr<TestDataRecord>> m_records;
