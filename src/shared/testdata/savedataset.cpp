@@ -15,21 +15,9 @@ QString escapedCSVField(QString text) {
     return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
-/// Always with the first field, and as wide as the header.
-QString recordAsLine(const TestDataRecord* record, int width, char separator) {
-    const int count = record ? std::max(record->count(), 1) : 1;
-    QString line = escapedCSVField(record ? record->valueAsString(0) : QString());
-    for (int column = 1; column < count; ++column)
-        line += QLatin1Char(separator) + escapedCSVField(record->valueAsString(column));
-    for (int column = count; column < width; ++column)
-        line += QLatin1Char(separator);
-    return line + QLatin1Char('\n');
-}
-
 bool writeTable(const TestDataSet& set, QFileDevice* file) {
-    const int width = set.header() ? set.header()->count() : 0;
     const auto write = [&](const TestDataRecord* record) {
-        file->write(recordAsLine(record, width, set.getSep()).toUtf8());
+        file->write(set.recordAsLine(record, set.getSep()).toUtf8());
         return file->error() == QFileDevice::NoError;
     };
     if (!write(set.header()))
@@ -42,6 +30,18 @@ bool writeTable(const TestDataSet& set, QFileDevice* file) {
 }
 
 }  // namespace
+
+QString TestDataSet::recordAsLine(const TestDataRecord* record, char separator) const {
+    // The first field is always there.
+    const int count = record ? std::max(record->count(), 1) : 1;
+    QString line = escapedCSVField(record ? record->valueAsString(0) : QString());
+    for (int column = 1; column < count; ++column)
+        line += QLatin1Char(separator) + escapedCSVField(record->valueAsString(column));
+    const int width = m_header ? m_header->count() : 0;
+    for (int column = count; column < width; ++column)
+        line += QLatin1Char(separator);
+    return line + QLatin1Char('\n');
+}
 
 bool TestDataSet::save(const QString& path) const {
     if (isReadOnly())

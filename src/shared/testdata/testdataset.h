@@ -92,6 +92,10 @@ public:
     void insertField(int column);
     void removeField(int column);
 
+    /// A row as save() writes it, with its newline: each value in quotes, and separators alone for
+    /// the values that it has fewer than the header. Null stands for a row without values.
+    QString recordAsLine(const TestDataRecord* record, char separator) const;
+
     /// Writes the table as text, every value in quotes, to `path`, or to dataName() when `path` is
     /// empty. False for a read-only table, which writes nothing, and when writing failed.
     bool save(const QString& path) const;
