@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QMap>
 #include <QRegularExpression>
 #include <algorithm>
 
@@ -14,6 +15,7 @@ namespace {
 
 const QLatin1String programName("tamrixrunner");
 
+const QLatin1String asOption("as");
 const QLatin1String displayOption("aut-display");
 const QLatin1String failFastOption("fail-fast");
 const QLatin1String helpOption("help");
@@ -23,6 +25,7 @@ const QLatin1String quietOption("quiet");
 const QLatin1String reportOption("report");
 const QLatin1String resultDirectoryOption("result-dir");
 const QLatin1String screenshotOption("screenshot");
+const QLatin1String sheetOption("sheet");
 const QLatin1String toOption("to");
 const QLatin1String verboseOption("verbose");
 const QLatin1String waitOption("wait");
@@ -102,6 +105,19 @@ QString readInspect(Values values, CommandLine& line) {
                 .arg(values.value(waitOption));
     }
     return readDisplay(values, line);
+}
+
+QString readData(Values values, CommandLine& line) {
+    using Format = CommandLine::TableFormat;
+    static const QMap<QString, Format> formats = {
+        {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}};
+    line.dataFile = values.positionalArguments().constFirst();
+    line.sheet = values.value(sheetOption);
+    const QString format = values.isSet(asOption) ? values.value(asOption) : "table";
+    if (!formats.contains(format))
+        return QStringLiteral("--as takes table, csv or json, not '%1'").arg(format);
+    line.tableFormat = formats.value(format);
+    return {};
 }
 
 QString readAttachable(Values values, CommandLine& line) {
@@ -228,6 +244,17 @@ const QList<CommandDescription>& commands() {
          false,
          true,
          readAttachable},
+        {CommandLine::Command::Data,
+         "data",
+         "FILE",
+         "Prints the table of a test data file as scripts see it.",
+         {{sheetOption, "The sheet of a spreadsheet; the first one unless given.", "NAME"},
+          {asOption, "How: table (the default), csv or json.", "table|csv|json"}},
+         1,
+         1,
+         false,
+         false,
+         readData},
     };
     return table;
 }

@@ -8,12 +8,13 @@ namespace Tamrix {
 /// What the program was asked to do. Plain data.
 struct CommandLine {
     enum class Command {
-        Show,       ///< print `text`
-        Run,        ///< run `cases` (all for none) of `suite`
-        List,       ///< list the cases of `suite`
-        Report,     ///< make `reports` from `journal`
-        Inspect,    ///< print the objects of `program`
-        Attachable  ///< keep `program` for runs to attach to as `applicationName`
+        Show,        ///< print `text`
+        Run,         ///< run `cases` (all for none) of `suite`
+        List,        ///< list the cases of `suite`
+        Report,      ///< make `reports` from `journal`
+        Inspect,     ///< print the objects of `program`
+        Attachable,  ///< keep `program` for runs to attach to as `applicationName`
+        Data         ///< print the table of `dataFile`
     };
 
     Command command = Command::Show;
@@ -46,6 +47,12 @@ struct CommandLine {
     QString screenshotFile;
     /// How long inspect waits before it looks, in seconds.
     double waitSeconds = 1;
+    QString dataFile;
+    /// Of a spreadsheet; empty for its first one.
+    QString sheet;
+    /// What data prints.
+    enum class TableFormat { Table, Csv, Json };
+    TableFormat tableFormat = TableFormat::Table;
 };
 
 /// Whether both paths lead to one file, which need not exist.
