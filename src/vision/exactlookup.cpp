@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "vision/basicimagelookup.h"
+#include "vision/exactfast.h"
 #include "vision/exactplain.h"
 #include "vision/parallel.h"
 
@@ -21,8 +22,12 @@ QRect cornersWithin(const QRect& box, const QImage& image, const QSize& needle) 
 }
 
 void scan(const QImage& image, Needle& needle, const QRect& corners, const TakeCorner& take) {
-    if (!corners.isEmpty() && !needle.image.isNull())
+    if (corners.isEmpty() || needle.image.isNull())
+        return;
+    if (searchMethod() == SearchMethod::Plain)
         scanPlainly(image, needle, corners, take);
+    else
+        scanFast(image, needle, corners, take);
 }
 
 }  // namespace
@@ -59,21 +64,15 @@ QPair<int, bool> strictOccurrenceAt(const QImage& image, const SearchRegion& reg
         return {0, false};
     // 2. The occurrences of all rows above, then those to the left.
     int count = 0;
-    const auto takeCorner = [&](QPoint corner) {
+    QRect corners = cornersWithin(box, image, size);
+    corners.setBottom(std::min(corners.bottom(), position.y()));
+    scan(image, needle, corners, [&](QPoint corner) {
+        if (corner.y() == position.y() && corner.x() >= position.x())
+            return false;
         if (region.contains(QRect(corner, size)))
             ++count;
         return true;
-    };
-    const QRect corners = cornersWithin(box, image, size);
-    QRect above = corners;
-    above.setBottom(std::min(corners.bottom(), position.y() - 1));
-    scan(image, needle, above, takeCorner);
-    if (position.y() >= corners.top() && position.y() <= corners.bottom()) {
-        scan(image, needle,
-             QRect(QPoint(corners.left(), position.y()),
-                   QPoint(std::min(corners.right(), position.x() - 1), position.y())),
-             takeCorner);
-    }
+    });
     // 3. The place itself, wherever in the box.
     if (needle.image.isNull() || !isInside(image, QRect(position, size)))
         return {count, false};
