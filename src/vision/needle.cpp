@@ -1,0 +1,47 @@
+#include <cmath>
+
+#include "vision/basicimagelookup.h"
+
+namespace Tamrix::Vision::BasicImageLookup {
+
+Resize::Resize(const QImage& needleImage) : image(searchable(needleImage)) {
+    constexpr int leastVisibleAlpha = 128;
+    std::array<double, 4> sums = {};
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = row[x];
+            const int alpha = qAlpha(pixel);
+            if (alpha > 0)
+                hasVisiblePixels = true;
+            if (alpha < 255)
+                hasTranslucentPixels = true;
+            if (alpha < leastVisibleAlpha) {
+                hasHoles = true;
+                continue;
+            }
+            // Shifted by one, so that black has weight.
+            const std::array<int, 3> channels = {qBlue(pixel) + 1, qGreen(pixel) + 1,
+                                                 qRed(pixel) + 1};
+            for (std::size_t i = 0; i < channels.size(); ++i)
+                sums[i + 1] += channels[i] * channels[i];
+        }
+    }
+    for (std::size_t i = 0; i < sums.size(); ++i)
+        channelNorms[i] = static_cast<float>(std::sqrt(sums[i]));
+}
+
+Needle::~Needle() {
+    qDeleteAll(resizes);
+}
+
+BasicCache::BasicCache(const QList<QImage>& images, bool keepNothing) : oneShot(keepNothing) {
+    for (const QImage& image : images)
+        needles.append(new Needle(image));
+}
+
+BasicCache::~BasicCache() {
+    qDeleteAll(needles);
+}
+
+}  // namespace Tamrix::Vision::BasicImageLookup
