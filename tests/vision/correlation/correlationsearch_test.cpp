@@ -14,11 +14,11 @@
 namespace Tamrix::Vision {
 namespace {
 
-using Vision::Test::evaluatedScore;
-using Vision::Test::Look;
-using Vision::Test::needleFrom;
-using Vision::Test::pick;
-using Vision::Test::Random;
+using Pictures::evaluatedScore;
+using Pictures::Look;
+using Pictures::needleFrom;
+using Pictures::pick;
+using Pictures::Random;
 
 struct Case {
     QImage haystack;
@@ -29,7 +29,7 @@ Case randomCase(unsigned seed) {
     Random random(seed);
     const bool isLarge = seed % 10 == 0;
     const QSize size(pick(random, 1, isLarge ? 400 : 120), pick(random, 1, isLarge ? 200 : 90));
-    const QImage haystack = Vision::Test::picture(size, Look(seed % 4), random);
+    const QImage haystack = Pictures::picture(size, Look(seed % 4), random);
     const QSize needle(pick(random, 1, std::min(size.width(), isLarge ? 12 : 30)),
                        pick(random, 1, std::min(size.height(), isLarge ? 12 : 30)));
     const QRect rect(QPoint(pick(random, 0, size.width() - needle.width()),
@@ -128,7 +128,7 @@ TEST_P(Kernels, ErrorsOfTransformsStayFarBelowTheBound) {
     for (const auto& [width, height] :
          {std::pair(32, 64), std::pair(160, 96), std::pair(256, 320), std::pair(1280, 768)}) {
         for (const Look look : {Look::Noise, Look::Widgets, Look::Dark, Look::Contrast}) {
-            const QImage image = Vision::Test::picture(QSize(width, height), look, random);
+            const QImage image = Pictures::picture(QSize(width, height), look, random);
             const SearchPicture picture(image, image.rect());
             const SearchNeedle needle(image.copy(3, 5, width / 3, height / 3));
             const TileShape shape(width, height);
@@ -192,7 +192,7 @@ TEST(CorrelationSearch, PicturesOfOddSizesReachThePerfectScore) {
           std::pair(QSize(1, 300), QSize(1, 40)), std::pair(QSize(600, 400), QSize(600, 400)),
           std::pair(QSize(900, 700), QSize(333, 290)), std::pair(QSize(800, 600), QSize(1, 1)),
           std::pair(QSize(640, 480), QSize(639, 3))}) {
-        const QImage image = Vision::Test::picture(haystack, Look::Contrast, random);
+        const QImage image = Pictures::picture(haystack, Look::Contrast, random);
         const QPoint at(haystack.width() - needle.width(), haystack.height() - needle.height());
         const PositionBitmap bitmap = accepted({image, image.copy(QRect(at, needle))}, 0.99999);
         EXPECT_TRUE(bitmap.test(at.x(), at.y())) << haystack.width() << " " << needle.width();

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <random>
 
-namespace Tamrix::Vision::Test {
+namespace Tamrix::Vision::Pictures {
 
 using Random = std::mt19937;
 
@@ -94,4 +94,4 @@ inline double evaluatedScore(const QImage& haystack, const QImage& needle, QPoin
     return lowest;
 }
 
-}  // namespace Tamrix::Vision::Test
+}  // namespace Tamrix::Vision::Pictures
