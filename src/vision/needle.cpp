@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 #include "vision/basicimagelookup.h"
 
@@ -33,6 +35,34 @@ Resize::Resize(const QImage& needleImage) : image(searchable(needleImage)) {
 
 Needle::~Needle() {
     qDeleteAll(resizes);
+}
+
+QList<Resize*> Needle::getResizes(double minFactor, double maxFactor) {
+    // 1. A range.
+    if (minFactor > maxFactor)
+        throw std::runtime_error(
+            "minScale parameter must be lower or equal to the maxScale parameter");
+    // 2. and 3. Its ends, such that steps of 4 meet the needle's own width. Nothing is wider than
+    // the largest image or narrower than a pixel.
+    constexpr double widest = 32767;
+    const int width = image.width();
+    const auto rounded = [&](double factor) {
+        const int end = static_cast<int>(std::min(std::max(factor * width, -1.0), widest));
+        return end / 4 * 4 + width % 4;
+    };
+    // 4. From the widest down.
+    QList<Resize*> list;
+    for (int each = rounded(maxFactor); each >= std::max(1, rounded(minFactor)); each -= 4) {
+        if (each == width) {
+            list.append(this);
+            continue;
+        }
+        Resize*& resize = resizes[each];
+        if (!resize)
+            resize = new Resize(image.scaledToWidth(each, Qt::SmoothTransformation));
+        list.append(resize);
+    }
+    return list;
 }
 
 BasicCache::BasicCache(const QList<QImage>& images, bool keepNothing) : oneShot(keepNothing) {
