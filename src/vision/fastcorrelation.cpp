@@ -86,8 +86,9 @@ ScaleTiles::ScaleTiles(Haystack& haystack, const QList<Resize*>& sizes, int sear
     for (Class& common : m_classes) {
         const TileGrid grid(box, common.smallest, common.largest);
         const double most = mostSpectrumBytes * box.width() * box.height();
+        const bool isShared = common.searches > searches;
         common.keepsSpectra =
-            common.searches > 1 && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
+            isShared && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
     }
 }
 

@@ -34,8 +34,10 @@ std::size_t roundedUp(std::size_t bytes, std::size_t step) {
 }
 
 void* allocate(std::size_t& bytes) {
-    const bool isLarge = bytes >= hugePage / 2;
-    bytes = roundedUp(bytes + 64, isLarge ? hugePage : 4096);
+    // What is aligned for huge pages is not rounded up to them: that would be memory for nothing.
+    constexpr std::size_t granularity = std::size_t(64) << 10;
+    const bool isLarge = bytes >= hugePage;
+    bytes = roundedUp(bytes, isLarge ? granularity : 4096);
     void* const memory = std::aligned_alloc(isLarge ? hugePage : 64, bytes);
     if (!memory)
         throw std::bad_alloc();
