@@ -3,17 +3,21 @@
 #include <QString>
 #include <QStringList>
 
+#include "vision/imagelookupoptions.h"
+#include "vision/searchregion.h"
+
 namespace Tamrix {
 
 /// What the program was asked to do. Plain data.
 struct CommandLine {
     enum class Command {
-        Show,       ///< print `text`
-        Run,        ///< run `cases` (all for none) of `suite`
-        List,       ///< list the cases of `suite`
-        Report,     ///< make `reports` from `journal`
-        Inspect,    ///< print the objects of `program`
-        Attachable  ///< keep `program` for runs to attach to as `applicationName`
+        Show,        ///< print `text`
+        Run,         ///< run `cases` (all for none) of `suite`
+        List,        ///< list the cases of `suite`
+        Report,      ///< make `reports` from `journal`
+        Inspect,     ///< print the objects of `program`
+        Attachable,  ///< keep `program` for runs to attach to as `applicationName`
+        FindImage    ///< find `needles` in `haystack`
     };
 
     Command command = Command::Show;
@@ -46,6 +50,21 @@ struct CommandLine {
     QString screenshotFile;
     /// How long inspect waits before it looks, in seconds.
     double waitSeconds = 1;
+
+    /// Files of pictures.
+    QString haystack;
+    QStringList needles;
+    Vision::ImageLookupOptions searchOptions;
+    /// Empty for the whole haystack.
+    Vision::SearchRegion searchRegion;
+    /// How many occurrences are told.
+    int occurrenceLimit = 100;
+    /// Whether to find the settings that find the needles.
+    bool wantsBest = false;
+    /// Whether find-image prints JSON.
+    bool printsJson = false;
+    /// Where find-image stores the haystack with frames around what it found, empty for nowhere.
+    QString annotatedFile;
 };
 
 /// Whether both paths lead to one file, which need not exist.

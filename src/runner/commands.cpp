@@ -13,6 +13,7 @@
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
 #include "runner/attachable.h"
+#include "runner/findimage.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
 #include "runner/suite.h"
@@ -174,6 +175,8 @@ int execute(const CommandLine& commandLine) {
             return inspectApplication(commandLine);
         case CommandLine::Command::Attachable:
             return keepProgram(commandLine);
+        case CommandLine::Command::FindImage:
+            return findImage(commandLine);
         case CommandLine::Command::Show:
             break;
     }
