@@ -13,6 +13,7 @@ struct CommandLine {
         List,       ///< list the cases of `suite`
         Report,     ///< make `reports` from `journal`
         Inspect,    ///< print the objects of `program`
+        Compare,    ///< compare the files `expected` and `actual` as `comparison`
         Attachable  ///< keep `program` for runs to attach to as `applicationName`
     };
 
@@ -46,6 +47,13 @@ struct CommandLine {
     QString screenshotFile;
     /// How long inspect waits before it looks, in seconds.
     double waitSeconds = 1;
+
+    enum class Comparison { Text, Json, Xml };
+    Comparison comparison = Comparison::Text;
+    QString expected;
+    QString actual;
+    /// NAME=VALUE each, as given.
+    QStringList comparisonOptions;
 };
 
 /// Whether both paths lead to one file, which need not exist.

@@ -13,6 +13,7 @@
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
 #include "runner/attachable.h"
+#include "runner/comparecommand.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
 #include "runner/suite.h"
@@ -172,6 +173,8 @@ int execute(const CommandLine& commandLine) {
             return makeReports(commandLine);
         case CommandLine::Command::Inspect:
             return inspectApplication(commandLine);
+        case CommandLine::Command::Compare:
+            return compareFiles(commandLine);
         case CommandLine::Command::Attachable:
             return keepProgram(commandLine);
         case CommandLine::Command::Show:
