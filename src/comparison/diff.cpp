@@ -183,16 +183,13 @@ std::vector<Run> diff(const Lines& first, const Lines& second) {
            first[first.size() - 1 - suffix] == second[second.size() - 1 - suffix])
         ++suffix;
 
-    LineNumbers numbers(first.size() + second.size() - 2 * (prefix + suffix));
-    const auto numbered = [&](const Lines& lines) {
-        std::vector<int> result;
-        result.reserve(lines.size() - prefix - suffix);
-        for (const Line& line : std::span(lines).subspan(prefix, lines.size() - prefix - suffix))
-            result.push_back(numbers.number(line));
-        return result;
+    const auto middleLines = [prefix, suffix](const Lines& lines) {
+        return std::span(lines).subspan(prefix, lines.size() - prefix - suffix);
     };
-    std::vector<int> middleOfFirst = numbered(first);
-    std::vector<int> middleOfSecond = numbered(second);
+    LineNumbers numbers(middleLines(first).size());
+    std::vector<int> middleOfFirst = numbers.number(middleLines(first));
+    std::vector<int> middleOfSecond =
+        numbers.numberBeside(middleLines(second), middleLines(first), middleOfFirst);
 
     Runs middle;
     Differ(std::move(middleOfFirst), std::move(middleOfSecond), numbers.count(), fastestWalk())

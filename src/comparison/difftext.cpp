@@ -1,8 +1,12 @@
 #include "comparison/difftext.h"
 
-#include <QTextStream>
+#include <QTextCodec>
 #include <algorithm>
 #include <cstring>
+#include <limits>
+#include <span>
+#include <stdexcept>
+#include <utility>
 
 namespace Tamrix {
 
@@ -10,13 +14,19 @@ namespace {
 
 /// By Diff::Operation.
 constexpr const char* marks[] = {"+ ", "- ", "  "};
+constexpr std::size_t markLength = 2;
 
 }  // namespace
 
 Diff::Lines splitLines(const QByteArray& bytes) {
     const char* const end = bytes.constData() + bytes.size();
     Diff::Lines lines;
-    lines.reserve(static_cast<std::size_t>(std::count(bytes.constData(), end, '\n')) + 1);
+    // As if all lines were like the first ones: counting them takes as long as finding them.
+    constexpr int sample = 1 << 16;
+    const int sampled = std::min(sample, bytes.size());
+    const auto feeds =
+        static_cast<std::size_t>(std::count(bytes.constData(), bytes.constData() + sampled, '\n'));
+    lines.reserve(feeds * (static_cast<std::size_t>(bytes.size()) / sample + 1) + 1);
     for (const char* start = bytes.constData(); start < end;) {
         const auto left = static_cast<std::size_t>(end - start);
         const auto* feed = static_cast<const char*>(std::memchr(start, '\n', left));
@@ -28,7 +38,8 @@ Diff::Lines splitLines(const QByteArray& bytes) {
 }
 
 QByteArray withoutCarriageReturns(QByteArray bytes) {
-    return bytes.contains("\r\n") ? bytes.replace("\r\n", "\n") : bytes;
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::memchr(bytes.constData(), '\r', size) ? bytes.replace("\r\n", "\n") : bytes;
 }
 
 QByteArray listifyQString(QString text) {
@@ -36,36 +47,41 @@ QByteArray listifyQString(QString text) {
 }
 
 QString toUtfString(const QByteArray& bytes) {
-    QTextStream stream(bytes);
-    stream.setCodec("UTF-8");
-    stream.setAutoDetectUnicode(true);
-    return stream.readAll();
+    // What a text stream with this codec and detection gives, in a tenth of the time.
+    return QTextCodec::codecForUtfText(bytes, QTextCodec::codecForName("UTF-8"))->toUnicode(bytes);
 }
 
 void createDiff(const Diff::Lines& expected, const Diff::Lines& actual, QByteArray& out,
                 bool& differ) {
-    const auto bytesOf = [](const Diff::Lines& lines) {
-        std::size_t bytes = 0;
-        for (const Diff::Line& line : lines)
-            bytes += line.size() + std::strlen(marks[Diff::Equal]);
-        return static_cast<int>(bytes);
-    };
     const std::vector<Diff::Run> runs = Diff::diff(expected, actual);
-    out.reserve(out.size() + std::max(bytesOf(expected), bytesOf(actual)));
+    const auto linesOf = [&](const Diff::Run& run) {
+        return std::span(run.operation == Diff::Insert ? actual : expected)
+            .subspan(static_cast<std::size_t>(run.begin), static_cast<std::size_t>(run.count));
+    };
+    std::size_t size = static_cast<std::size_t>(out.size());
+    std::size_t position = size;
     for (const Diff::Run& run : runs) {
-        if (run.operation != Diff::Equal)
-            differ = true;
-        const Diff::Lines& lines = run.operation == Diff::Insert ? actual : expected;
-        for (int i = run.begin; i < run.begin + run.count; ++i) {
-            const Diff::Line& line = lines[static_cast<std::size_t>(i)];
-            out.append(marks[run.operation]).append(line.data(), static_cast<int>(line.size()));
+        for (const Diff::Line& line : linesOf(run))
+            size += markLength + line.size();
+    }
+    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2))
+        throw std::length_error("the differences are too long for a text");
+    // Written in place: a call for every line takes longer than the comparison.
+    out.resize(static_cast<int>(size));
+    char* const bytes = out.data();
+    for (const Diff::Run& run : runs) {
+        differ = differ || run.operation != Diff::Equal;
+        for (const Diff::Line& line : linesOf(run)) {
+            std::memcpy(bytes + position, marks[run.operation], markLength);
+            position += markLength;
+            std::memcpy(bytes + position, line.data(), line.size());
+            position += line.size();
         }
     }
 }
 
-QString diffForDetail(const QByteArray& diff) {
-    return QStringLiteral(" Diff:\n%1")
-        .arg(toUtfString(diff).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+QString decodedDetail(QByteArray detail) {
+    return toUtfString(withoutCarriageReturns(std::move(detail)));
 }
 
 }  // namespace Tamrix

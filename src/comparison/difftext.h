@@ -27,11 +27,15 @@ TAMRIX_EXPORT QString toUtfString(const QByteArray& bytes);
 /// Appends to `out` all lines of both sequences, each behind a mark of two characters: "- " for one
 /// that is only expected, "+ " for one that only is there, "  " for one of both. A line without a
 /// line end has the next mark right behind it. `differ` becomes true if a line is not in both.
+/// Throws std::length_error when the text would exceed 1 GiB.
 TAMRIX_EXPORT void createDiff(const Diff::Lines& expected, const Diff::Lines& actual,
                               QByteArray& out, bool& differ);
 
-/// How the differences stand in a detail: " Diff:", a line feed and the decoded text, its line ends
-/// as line feeds.
-TAMRIX_EXPORT QString diffForDetail(const QByteArray& diff);
+/// What stands between the words of a detail and the differences.
+constexpr const char* diffHeading = " Diff:\n";
+
+/// The text of a detail, its line ends as line feeds. It is put together in bytes, since it may
+/// hold whole files.
+TAMRIX_EXPORT QString decodedDetail(QByteArray detail);
 
 }  // namespace Tamrix

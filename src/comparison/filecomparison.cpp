@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <stdexcept>
+#include <utility>
 
 #include "comparison/difftext.h"
 #include "comparison/jsoncompare.h"
@@ -11,7 +13,7 @@ namespace Tamrix {
 
 namespace {
 
-/// A diff of two files, with a mark for every line, must fit in one text as well.
+/// A diff of two files must fit in one text.
 constexpr qint64 largestFile = qint64(200) << 20;
 
 /// Reads the whole file. False with a reason in `*error`.
@@ -48,6 +50,19 @@ QByteArray formattedForDiff(const QString& text) {
     return formatJson(text, &formatted) ? listifyQString(formatted) : QByteArray();
 }
 
+/// Appends the differences to the detail; false with an error when they don't fit in a text.
+bool appendDiff(const QByteArray& expected, const QByteArray& actual, QByteArray* detail,
+                bool* differ, FileComparison* comparison) {
+    try {
+        createDiff(splitLines(expected), splitLines(actual), *detail, *differ);
+        return true;
+    } catch (const std::length_error& error) {
+        *comparison = {};
+        comparison->error = QString::fromLatin1(error.what());
+        return false;
+    }
+}
+
 }  // namespace
 
 FileComparison compareTextFiles(const QString& expected, const QString& actual,
@@ -71,15 +86,18 @@ FileComparison compareTextFiles(const QString& expected, const QString& actual,
             text = withoutCarriageReturns(text);
     }
 
-    QByteArray diff;
+    const auto names = [&](const char* outcome) {
+        return QStringLiteral("'%1' and '%2' are %3.")
+            .arg(QFileInfo(expected).fileName(), QFileInfo(actual).fileName(),
+                 QLatin1String(outcome));
+    };
+    QByteArray detail = names("different").toUtf8() + diffHeading;
     bool differ = false;
-    createDiff(splitLines(texts[0]), splitLines(texts[1]), diff, differ);
+    if (!appendDiff(texts[0], texts[1], &detail, &differ, &comparison))
+        return comparison;
     comparison.equal = !differ;
     comparison.message = QStringLiteral("Plain Text Comparison");
-    comparison.detail = QStringLiteral("'%1' and '%2' are %3.%4")
-                            .arg(QFileInfo(expected).fileName(), QFileInfo(actual).fileName(),
-                                 differ ? QStringLiteral("different") : QStringLiteral("equal"),
-                                 differ ? diffForDetail(diff) : QString());
+    comparison.detail = differ ? decodedDetail(std::move(detail)) : names("equal");
     return comparison;
 }
 
@@ -99,10 +117,11 @@ FileComparison compareJsonFiles(const QString& expected, const QString& actual) 
         return comparison;
     }
     const QByteArray formatted[2] = {formattedForDiff(texts[0]), formattedForDiff(texts[1])};
-    QByteArray diff;
+    QByteArray detail = QStringLiteral("Files differ: %1 ").arg(difference).toUtf8() + diffHeading;
     bool differ = false;
-    createDiff(splitLines(formatted[0]), splitLines(formatted[1]), diff, differ);
-    comparison.detail = QStringLiteral("Files differ: %1 %2").arg(difference, diffForDetail(diff));
+    if (!appendDiff(formatted[0], formatted[1], &detail, &differ, &comparison))
+        return comparison;
+    comparison.detail = decodedDetail(std::move(detail));
     return comparison;
 }
 

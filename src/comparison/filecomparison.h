@@ -9,7 +9,8 @@ namespace Tamrix {
 
 /// How the comparison of two files ended. Plain data.
 struct FileComparison {
-    /// Why there was nothing to compare: a file that can't be read. The rest is then empty.
+    /// Why there is no outcome: a file that can't be read, or differences that are too long for a
+    /// text. The rest is then empty.
     QString error;
     bool equal = false;
     /// What was compared, for the result's message.
