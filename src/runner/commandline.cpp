@@ -26,6 +26,7 @@ const QLatin1String jsonOption("json");
 const QLatin1String limitOption("limit");
 const QLatin1String nameOption("name");
 const QLatin1String optionsOption("options");
+const QLatin1String optionOption("option");
 const QLatin1String quietOption("quiet");
 const QLatin1String regionOption("region");
 const QLatin1String reportOption("report");
@@ -167,6 +168,21 @@ QString readFindImage(Values values, CommandLine& line) {
     return readSearch(values, line);
 }
 
+QString readCompare(Values values, CommandLine& line) {
+    using Comparison = CommandLine::Comparison;
+    static const QMap<QString, Comparison> kinds = {
+        {"text", Comparison::Text}, {"json", Comparison::Json}, {"xml", Comparison::Xml}};
+    const QStringList arguments = values.positionalArguments();
+    const auto kind = kinds.constFind(arguments.at(0));
+    if (kind == kinds.constEnd())
+        return QStringLiteral("compare takes text, json or xml, not '%1'").arg(arguments.at(0));
+    line.comparison = *kind;
+    line.expected = arguments.at(1);
+    line.actual = arguments.at(2);
+    line.comparisonOptions = values.values(optionOption);
+    return {};
+}
+
 QString readRun(Values values, CommandLine& line) {
     line.suite = values.positionalArguments().constFirst();
     line.cases = values.positionalArguments().mid(1);
@@ -274,6 +290,19 @@ const QList<CommandDescription>& commands() {
          false,
          true,
          readInspect},
+        {CommandLine::Command::Compare,
+         "compare",
+         "text|json|xml EXPECTED ACTUAL",
+         "Compares two files as a script would and prints what differs.",
+         {{optionOption,
+           "An option of the comparison: true or false, a word, or names with commas between; may "
+           "be given several times.",
+           "NAME=VALUE"}},
+         3,
+         3,
+         false,
+         false,
+         readCompare},
         {CommandLine::Command::Attachable,
          "attachable",
          "--name NAME PROGRAM [ARGUMENT...]",
@@ -332,14 +361,16 @@ QString generalHelp() {
                     .arg(fullSyntax(command), -width)
                     .arg(QLatin1String(command.summary));
     }
-    text +=
-        QStringLiteral(
-            "\n%1 COMMAND --help tells the options of a command.\n"
-            "%1 --version tells the version.\n\n"
-            "Exit code: 0 every test case ran and nothing failed, 1 a failed verdict or a script "
-            "error,\n2 wrong usage or a suite, journal or report that can't be read or written,\n"
-            "130 interrupted with Ctrl-C, 143 ended by SIGTERM.\n")
-            .arg(programName);
+    text += QStringLiteral(
+                "\n%1 COMMAND --help tells the options of a command.\n"
+                "%1 --version tells the version.\n\n"
+                "Exit code: 0 every test case ran and nothing failed, or compared files are equal, "
+                "1 a\n"
+                "failed verdict, a script error or a difference, 2 wrong usage or a file that "
+                "can't be\n"
+                "read or written, "
+                "130 interrupted with Ctrl-C, 143 ended by SIGTERM.\n")
+                .arg(programName);
     return text;
 }
 

@@ -17,7 +17,8 @@ struct CommandLine {
         Report,      ///< make `reports` from `journal`
         Inspect,     ///< print the objects of `program`
         Attachable,  ///< keep `program` for runs to attach to as `applicationName`
-        FindImage    ///< find `needles` in `haystack`
+        FindImage,   ///< find `needles` in `haystack`
+        Compare      ///< compare the files `expected` and `actual` as `comparison`
     };
 
     Command command = Command::Show;
@@ -65,6 +66,12 @@ struct CommandLine {
     bool printsJson = false;
     /// Where find-image stores the haystack with frames around what it found, empty for nowhere.
     QString annotatedFile;
+    enum class Comparison { Text, Json, Xml };
+    Comparison comparison = Comparison::Text;
+    QString expected;
+    QString actual;
+    /// NAME=VALUE each, as given.
+    QStringList comparisonOptions;
 };
 
 /// Whether both paths lead to one file, which need not exist.

@@ -13,6 +13,7 @@
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
 #include "runner/attachable.h"
+#include "runner/comparecommand.h"
 #include "runner/findimage.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
@@ -173,6 +174,8 @@ int execute(const CommandLine& commandLine) {
             return makeReports(commandLine);
         case CommandLine::Command::Inspect:
             return inspectApplication(commandLine);
+        case CommandLine::Command::Compare:
+            return compareFiles(commandLine);
         case CommandLine::Command::Attachable:
             return keepProgram(commandLine);
         case CommandLine::Command::FindImage:

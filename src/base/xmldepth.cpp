@@ -1,0 +1,253 @@
+#include "base/xmldepth.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <string_view>
+
+namespace Tamrix {
+
+namespace {
+
+bool isContinuation(unsigned char byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+/// The length of the UTF-8 character at the start of the text, 0 when there is none. Overlong forms
+/// and surrogates are none.
+int utf8CharacterLength(const char* begin, const char* end) {
+    const auto byte = [begin](int index) { return static_cast<unsigned char>(begin[index]); };
+    const auto available = end - begin;
+    if (byte(0) < 0x80)
+        return 1;
+    if (byte(0) >= 0xC2 && byte(0) <= 0xDF)
+        return available >= 2 && isContinuation(byte(1)) ? 2 : 0;
+    if (byte(0) >= 0xE0 && byte(0) <= 0xEF) {
+        if (available < 3 || !isContinuation(byte(1)) || !isContinuation(byte(2)) ||
+            (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xED && byte(1) > 0x9F))
+            return 0;
+        return 3;
+    }
+    if (byte(0) >= 0xF0 && byte(0) <= 0xF4) {
+        if (available < 4 || !isContinuation(byte(1)) || !isContinuation(byte(2)) ||
+            !isContinuation(byte(3)) || (byte(0) == 0xF0 && byte(1) < 0x90) ||
+            (byte(0) == 0xF4 && byte(1) > 0x8F))
+            return 0;
+        return 4;
+    }
+    return 0;
+}
+
+/// Walks over markup exactly as TinyXML does, oddities included, so that what is counted here is
+/// how deep it will recurse. Where TinyXML gives up with an error, the walk ends as well.
+class Scanner {
+public:
+    explicit Scanner(std::string_view text) : m_text(text) {}
+
+    XmlDepth scan() {
+        while (m_position < m_text.size() && !m_finished) {
+            const std::size_t markup = m_text.find('<', m_position);
+            if (markup == std::string_view::npos)
+                break;
+            m_position = markup;
+            scanMarkup();
+        }
+        return m_result;
+    }
+
+private:
+    bool atEnd() const { return m_position >= m_text.size(); }
+    char current() const { return m_text[m_position]; }
+    bool startsWith(std::string_view word) const {
+        return m_text.substr(m_position).starts_with(word);
+    }
+    bool startsWithIgnoringCase(std::string_view word) const {
+        const std::string_view there = m_text.substr(m_position, word.size());
+        return there.size() == word.size() &&
+               std::equal(there.begin(), there.end(), word.begin(), [](char one, char other) {
+                   return std::tolower(static_cast<unsigned char>(one)) == other;
+               });
+    }
+
+    static bool isSpace(char character) {
+        return std::isspace(static_cast<unsigned char>(character)) != 0;
+    }
+    static bool startsName(char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte >= 127 || std::isalpha(byte) || byte == '_';
+    }
+    static bool continuesName(char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte >= 127 || std::isalnum(byte) || std::strchr("_-.:", byte);
+    }
+
+    void skipSpace() {
+        while (!atEnd()) {
+            // Marks of byte order count as white space.
+            if (startsWith("\xEF\xBB\xBF") || startsWith("\xEF\xBF\xBE") ||
+                startsWith("\xEF\xBF\xBF"))
+                m_position += 3;
+            else if (isSpace(current()))
+                ++m_position;
+            else
+                return;
+        }
+    }
+
+    void refuse(const QString& problem, std::size_t position) {
+        m_result.problem = problem;
+        m_result.row =
+            1 + static_cast<int>(std::count(m_text.begin(), m_text.begin() + position, '\n'));
+        m_finished = true;
+    }
+
+    /// Goes behind the next `end`; without one the markup is refused.
+    void skipBehind(std::string_view end, std::size_t from, const char* what) {
+        const std::size_t found = m_text.find(end, from);
+        if (found == std::string_view::npos)
+            refuse(QStringLiteral("%1 without an end.").arg(QLatin1String(what)), m_position);
+        else
+            m_position = found + end.size();
+    }
+
+    void scanMarkup() {
+        const bool hasNext = m_position + 1 < m_text.size();
+        if (m_depth > 0 && startsWith("</")) {
+            --m_depth;
+            skipBehind(">", m_position, "An end tag");
+        } else if (startsWithIgnoringCase("<?xml")) {
+            scanDeclaration();
+        } else if (hasNext && startsName(m_text[m_position + 1])) {
+            scanStartTag();
+        } else if (startsWith("<!--")) {
+            skipBehind("-->", m_position + 4, "A comment");
+        } else if (startsWith("<![CDATA[")) {
+            skipBehind("]]>", m_position + 9, "A CDATA section");
+        } else {
+            skipBehind(">", m_position + 1, "Markup");
+        }
+    }
+
+    void scanDeclaration() {
+        const std::size_t start = m_position;
+        m_position += std::strlen("<?xml");
+        while (!atEnd() && !m_finished) {
+            if (current() == '>') {
+                ++m_position;
+                return;
+            }
+            skipSpace();
+            if (startsWithIgnoringCase("version") || startsWithIgnoringCase("encoding") ||
+                startsWithIgnoringCase("standalone")) {
+                skipAttribute();
+                continue;
+            }
+            while (!atEnd() && current() != '>' && !isSpace(current()))
+                ++m_position;
+        }
+        refuse(QStringLiteral("A declaration that is faulty or has no end."), start);
+    }
+
+    void scanStartTag() {
+        const std::size_t start = m_position;
+        if (++m_depth > m_result.depth)
+            m_result.depth = m_depth;
+        if (m_depth > maxXmlDepth) {
+            refuse(QStringLiteral("Elements are nested deeper than %1.").arg(maxXmlDepth), start);
+            return;
+        }
+        ++m_position;
+        skipName();
+        while (!m_finished) {
+            skipSpace();
+            if (atEnd()) {
+                m_finished = true;
+            } else if (current() == '>') {
+                ++m_position;
+                return;
+            } else if (current() == '/') {
+                // Anything but "/>" is an error.
+                m_finished = !startsWith("/>");
+                m_position += 2;
+                --m_depth;
+                return;
+            } else {
+                skipAttribute();
+            }
+        }
+    }
+
+    void skipName() {
+        if (atEnd() || !startsName(current())) {
+            m_finished = true;
+            return;
+        }
+        while (!atEnd() && continuesName(current()))
+            ++m_position;
+    }
+
+    void skipAttribute() {
+        skipName();
+        skipSpace();
+        if (m_finished || atEnd() || current() != '=') {
+            m_finished = true;
+            return;
+        }
+        ++m_position;
+        skipSpace();
+        if (atEnd()) {
+            m_finished = true;
+        } else if (current() == '"' || current() == '\'') {
+            const std::size_t closing = m_text.find(current(), m_position + 1);
+            m_finished = closing == std::string_view::npos;
+            m_position = closing + 1;
+        } else {
+            while (!atEnd() && !isSpace(current()) && current() != '/' && current() != '>') {
+                // A quote inside of a value without quotes is an error.
+                if (current() == '"' || current() == '\'') {
+                    m_finished = true;
+                    return;
+                }
+                ++m_position;
+            }
+        }
+    }
+
+    std::string_view m_text;
+    std::size_t m_position = 0;
+    int m_depth = 0;
+    /// Nothing behind this place is parsed.
+    bool m_finished = false;
+    XmlDepth m_result;
+};
+
+}  // namespace
+
+int validUtf8Length(const char* begin, const char* end) {
+    const char* position = begin;
+    while (position < end) {
+        const int length = utf8CharacterLength(position, end);
+        if (length == 0)
+            break;
+        position += length;
+    }
+    return static_cast<int>(position - begin);
+}
+
+XmlDepth xmlDepth(const QByteArray& document) {
+    const char* const begin = document.constData();
+    const auto rowAt = [&document](int position) {
+        return 1 +
+               static_cast<int>(std::count(document.begin(), document.begin() + position, '\n'));
+    };
+    const int nul = document.indexOf('\0');
+    if (nul >= 0)
+        return {0, QStringLiteral("A NUL byte, which no XML has (only UTF-8 can be read)."),
+                rowAt(nul)};
+    const int valid = validUtf8Length(begin, begin + document.size());
+    if (valid < document.size())
+        return {0, QStringLiteral("A byte that is not UTF-8."), rowAt(valid)};
+    return Scanner({begin, static_cast<std::size_t>(document.size())}).scan();
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "base/export.h"
+
+namespace Tamrix {
+
+/// What the bytes of an XML document tell before TinyXML gets them. Plain data.
+struct XmlDepth {
+    /// The greatest number of elements inside each other, as far as the document was read.
+    int depth = 0;
+    /// Why TinyXML must not get the document, in words behind which a row can stand; empty when it
+    /// may.
+    QString problem;
+    /// The line of the problem, from 1.
+    int row = 0;
+};
+
+/// How deep elements may lie inside each other for xmlDepth().
+constexpr int maxXmlDepth = 1000;
+
+/// Looks for what TinyXML can't cope with: elements nested deeper than maxXmlDepth (its parser and
+/// all that walks its tree recurse), a NUL byte (it stops there), bytes that are not UTF-8 (it
+/// reads past the end of the text, and loops on some), and comments, CDATA sections, declarations
+/// and other markup without an end (it takes some for complete and fails an assertion on others).
+/// Everything else that is wrong with a document is left for the parser to tell. Any thread.
+TAMRIX_EXPORT XmlDepth xmlDepth(const QByteArray& document);
+
+/// The length of the text at the start of [begin, end) that is UTF-8.
+TAMRIX_EXPORT int validUtf8Length(const char* begin, const char* end);
+
+}  // namespace Tamrix

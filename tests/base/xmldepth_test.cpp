@@ -1,0 +1,54 @@
+#include "base/xmldepth.h"
+
+#include <gtest/gtest.h>
+
+namespace Tamrix {
+
+namespace {
+
+struct Case {
+    QByteArray document;
+    int depth;
+    /// What the problem says; empty for none.
+    QString problem;
+    int row;
+};
+
+TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
+    const Case cases[] = {
+        {"", 0, "", 0},
+        {"<a><b/><b c='>' d=\"</a>\"/></a><e/>", 2, "", 0},
+        {"<a><!-- <b><c> --><![CDATA[<b><c>]]><?b <c?></a>", 1, "", 0},
+        {"<?xml version='><a>'?><a></a></a><b></b>", 1, "", 0},
+        {"<a><?xml version='></a>'?><a><?xml version='></a>'?><a>", 3, "", 0},
+        {"<a b=c/><a x=>", 1, "", 0},
+        {"<a\n b 'no attribute'><c><d>", 1, "", 0},
+        {QByteArray("<a>\n\0</a>", 9), 0, "NUL", 2},
+        {"<a>\n\n\xE9</a>", 0, "not UTF-8", 3},
+        {"<a>\xC3\xA9 \xF0\x9F\x98\x80</a>", 1, "", 0},
+        {"<a>\xED\xA0\x80</a>", 0, "not UTF-8", 1},
+        {"\n<!-- ", 0, "A comment without an end.", 2},
+        {"<a><![CDATA[</a>", 1, "A CDATA section", 1},
+        {"<?xml version='1.0' ", 0, "A declaration", 1},
+        {"<a/><", 1, "Markup without an end.", 1},
+    };
+    for (const Case& each : cases) {
+        const XmlDepth found = xmlDepth(each.document);
+        EXPECT_EQ(found.depth, each.depth) << each.document.constData();
+        EXPECT_TRUE(each.problem.isEmpty() ? found.problem.isEmpty()
+                                           : found.problem.contains(each.problem))
+            << each.document.constData() << qPrintable(found.problem);
+        EXPECT_EQ(found.row, each.row) << each.document.constData();
+    }
+}
+
+TEST(XmlDepth, RefusesElementsBeyondTheLimit) {
+    const QByteArray deepest = QByteArray("<a>").repeated(maxXmlDepth);
+    EXPECT_EQ(xmlDepth(deepest).problem, "");
+    EXPECT_EQ(xmlDepth(deepest + "\n<b/>").problem, "Elements are nested deeper than 1000.");
+    EXPECT_EQ(xmlDepth(deepest + "\n<b/>").row, 2);
+}
+
+}  // namespace
+
+}  // namespace Tamrix
