@@ -5,6 +5,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QMap>
 #include <QRegularExpression>
 #include <algorithm>
 #include <stdexcept>
@@ -18,6 +19,7 @@ namespace {
 const QLatin1String programName("tamrixrunner");
 
 const QLatin1String annotateOption("annotate");
+const QLatin1String asOption("as");
 const QLatin1String bestOption("best");
 const QLatin1String displayOption("aut-display");
 const QLatin1String failFastOption("fail-fast");
@@ -32,6 +34,7 @@ const QLatin1String regionOption("region");
 const QLatin1String reportOption("report");
 const QLatin1String resultDirectoryOption("result-dir");
 const QLatin1String screenshotOption("screenshot");
+const QLatin1String sheetOption("sheet");
 const QLatin1String toOption("to");
 const QLatin1String verboseOption("verbose");
 const QLatin1String waitOption("wait");
@@ -111,6 +114,19 @@ QString readInspect(Values values, CommandLine& line) {
                 .arg(values.value(waitOption));
     }
     return readDisplay(values, line);
+}
+
+QString readData(Values values, CommandLine& line) {
+    using Format = CommandLine::TableFormat;
+    static const QMap<QString, Format> formats = {
+        {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}};
+    line.dataFile = values.positionalArguments().constFirst();
+    line.sheet = values.value(sheetOption);
+    const QString format = values.isSet(asOption) ? values.value(asOption) : "table";
+    if (!formats.contains(format))
+        return QStringLiteral("--as takes table, csv or json, not '%1'").arg(format);
+    line.tableFormat = formats.value(format);
+    return {};
 }
 
 QString readAttachable(Values values, CommandLine& line) {
@@ -332,6 +348,17 @@ const QList<CommandDescription>& commands() {
          false,
          false,
          readFindImage},
+        {CommandLine::Command::Data,
+         "data",
+         "FILE",
+         "Prints the table of a test data file as scripts see it.",
+         {{sheetOption, "The sheet of a spreadsheet; the first one unless given.", "NAME"},
+          {asOption, "How: table (the default), csv or json.", "table|csv|json"}},
+         1,
+         1,
+         false,
+         false,
+         readData},
     };
     return table;
 }

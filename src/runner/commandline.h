@@ -18,7 +18,8 @@ struct CommandLine {
         Inspect,     ///< print the objects of `program`
         Attachable,  ///< keep `program` for runs to attach to as `applicationName`
         FindImage,   ///< find `needles` in `haystack`
-        Compare      ///< compare the files `expected` and `actual` as `comparison`
+        Compare,     ///< compare the files `expected` and `actual` as `comparison`
+        Data         ///< print the table of `dataFile`
     };
 
     Command command = Command::Show;
@@ -66,12 +67,20 @@ struct CommandLine {
     bool printsJson = false;
     /// Where find-image stores the haystack with frames around what it found, empty for nowhere.
     QString annotatedFile;
+
     enum class Comparison { Text, Json, Xml };
     Comparison comparison = Comparison::Text;
     QString expected;
     QString actual;
     /// NAME=VALUE each, as given.
     QStringList comparisonOptions;
+
+    QString dataFile;
+    /// Of a spreadsheet; empty for its first one.
+    QString sheet;
+    /// What data prints.
+    enum class TableFormat { Table, Csv, Json };
+    TableFormat tableFormat = TableFormat::Table;
 };
 
 /// Whether both paths lead to one file, which need not exist.

@@ -14,6 +14,7 @@
 #include "platform/testresult/reportfactory.h"
 #include "runner/attachable.h"
 #include "runner/comparecommand.h"
+#include "runner/datacommand.h"
 #include "runner/findimage.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
@@ -180,6 +181,8 @@ int execute(const CommandLine& commandLine) {
             return keepProgram(commandLine);
         case CommandLine::Command::FindImage:
             return findImage(commandLine);
+        case CommandLine::Command::Data:
+            return printTestData(commandLine);
         case CommandLine::Command::Show:
             break;
     }

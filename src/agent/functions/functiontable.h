@@ -28,6 +28,12 @@ void uncheck(Call& call);
 // windowfunctions.cpp
 void closeWindow(Call& call);
 
+// testdatafiles.cpp
+void testDataPut(Call& call);
+void testDataGet(Call& call);
+void testDataExists(Call& call);
+void testDataRemove(Call& call);
+
 // menuitems.cpp
 /// The part of selectItem() for QMenu and QMenuBar; false for other elements.
 bool selectMenuItem(const Call& call, const Element& element, const QString& text);

@@ -38,6 +38,10 @@ constexpr Function functions[] = {
     {"uncheck", "uncheck(object)", "void", "Object", uncheck},
     {"closeWindow", "closeWindow(object)", "void", "Object", closeWindow},
     {"clipboardText", "clipboardText()", "QString", "", clipboardText},
+    {"testDataPut", "testDataPut(file, encodedBytes)", "QString", "QString,QString", testDataPut},
+    {"testDataGet", "testDataGet(file)", "QString", "QString", testDataGet},
+    {"testDataExists", "testDataExists(file)", "bool", "QString", testDataExists},
+    {"testDataRemove", "testDataRemove(file)", "bool", "QString", testDataRemove},
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
 #include "interpreter/generic/tamrixinfo.h"
+#include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
 
 namespace Tamrix {
@@ -170,8 +171,22 @@ const FunctionRow objectMapFunctions[] = {
 };
 
 const FunctionRow testDataFunctions[] = {
-    {"dataset"}, {"datasetExcel"}, {"field"},  {"fieldNames"}, {"put"},
-    {"get"},     {"exists"},       {"remove"}, {"create"},
+    {"dataset", testDataDataSet, "name", "",
+     "The records of a table of the suite: a .tsv, .csv, .xls or .xlsx file"},
+    {"datasetExcel", testDataDataSetExcel, "name", "sheet",
+     "The records of a sheet of a spreadsheet, the first one unless named"},
+    {"field", testDataField, "record field", "",
+     "A value of a record, by the field's name or column"},
+    {"fieldNames", testDataFieldNames, "record", "", "A list of the names of a record's fields"},
+    {"put", testDataPut, "file", "",
+     "Copies a test data file to the application; returns its path there"},
+    {"get", testDataGet, "file", "",
+     "Copies a file that put() or the application stored to the working folder"},
+    {"exists", testDataExists, "file", "", "Whether the application has the file"},
+    {"remove", testDataRemove, "file", "",
+     "Removes a file of the application; returns whether there was one"},
+    {"create", testDataCreate, "where file", "",
+     "A path for a new test data file, 'local' to the test case or 'shared' by the suite"},
 };
 
 const FunctionRow infoFunctions[] = {

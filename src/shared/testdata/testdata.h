@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include "base/export.h"
+
+namespace Tamrix::TestData {
+
+/// Whether the directory exists, with all above it. Each that is missing is made when `make` is
+/// set; false then tells that this failed.
+TAMRIX_EXPORT bool checkAndMakeDir(const QString& path, bool make);
+
+/// Why the file can't be read as test data: it isn't there, is no file or may not be read. Empty
+/// when nothing is known against it.
+TAMRIX_EXPORT QString unreadableReason(const QString& path);
+
+}  // namespace Tamrix::TestData

@@ -1,0 +1,57 @@
+#include "shared/tsvparser/delimitedtext.h"
+
+#include <QFile>
+#include <QTextStream>
+#include <algorithm>
+
+#include "shared/tsvparser/plainutf8.h"
+
+namespace Tamrix {
+
+DelimitedText::DelimitedText(const QByteArray& bytes) {
+    const int begin = bytes.startsWith("\xef\xbb\xbf") ? 3 : 0;
+    if (isPlainUtf8(bytes.constData() + begin, static_cast<std::size_t>(bytes.size() - begin))) {
+        m_bytes = bytes;
+        m_begin = begin;
+        return;
+    }
+    // What a mistake becomes depends on how the stream cuts the bytes into blocks.
+    QTextStream stream(bytes);
+    stream.setCodec("UTF-8");
+    m_decoded = stream.readAll();
+    m_isDecoded = true;
+}
+
+std::shared_ptr<const DelimitedText> DelimitedText::read(QFile* file, QString* error) {
+    // A device or a pipe doesn't tell its size before.
+    constexpr qint64 pieceSize = 1 << 20;
+    QByteArray bytes;
+    if (file->size() <= mostBytes)
+        bytes.reserve(static_cast<int>(file->size()));
+    while (bytes.size() <= mostBytes && file->size() <= mostBytes) {
+        const int size = bytes.size();
+        bytes.resize(size + static_cast<int>(pieceSize));
+        const qint64 count = file->read(bytes.data() + size, pieceSize);
+        bytes.resize(size + static_cast<int>(std::max<qint64>(count, 0)));
+        if (count <= 0)
+            break;
+    }
+    if (file->error() != QFile::NoError) {
+        *error = file->errorString();
+        return {};
+    }
+    if (file->size() > mostBytes || bytes.size() > mostBytes) {
+        *error = QStringLiteral("it is larger than 1 GiB");
+        return {};
+    }
+    return std::make_shared<const DelimitedText>(bytes);
+}
+
+QString DelimitedText::text(const TextLine& line) const {
+    return visit([&](const auto* text, std::size_t) {
+        const auto* const begin = text + line.begin;
+        return decoded(begin, begin + line.length);
+    });
+}
+
+}  // namespace Tamrix

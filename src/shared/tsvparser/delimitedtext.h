@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+
+#include "base/export.h"
+#include "shared/tsvparser/linescanner.h"
+
+class QFile;
+
+namespace Tamrix {
+
+/// The text of a file, read at once and kept: as UTF-8 bytes where each part of them can be decoded
+/// when somebody wants it, else decoded as a whole. Never changed after it was made.
+class TAMRIX_EXPORT DelimitedText {
+public:
+    /// What is larger can't be read.
+    static constexpr qint64 mostBytes = (qint64{1} << 30) - 64;
+
+    /// Decodes as QTextStream does with the codec "UTF-8": a byte-order mark tells of other
+    /// encodings, mistakes become replacement characters.
+    explicit DelimitedText(const QByteArray& bytes);
+    /// Reads an open file to its end; null, with a text for people in `*error`, if that fails.
+    static std::shared_ptr<const DelimitedText> read(QFile* file, QString* error);
+
+    /// Calls use(text, size) with the kept text, of char (UTF-8) or char16_t.
+    template <typename Use>
+    decltype(auto) visit(Use use) const {
+        if (m_isDecoded)
+            return use(reinterpret_cast<const char16_t*>(m_decoded.utf16()),
+                       static_cast<std::size_t>(m_decoded.size()));
+        return use(m_bytes.constData() + m_begin,
+                   static_cast<std::size_t>(m_bytes.size() - m_begin));
+    }
+
+    /// The text of a line.
+    QString text(const TextLine& line) const;
+
+private:
+    QByteArray m_bytes;
+    QString m_decoded;
+    /// Behind a byte-order mark.
+    int m_begin = 0;
+    bool m_isDecoded = false;
+};
+
+inline QString decoded(const char* begin, const char* end) {
+    return QString::fromUtf8(begin, static_cast<int>(end - begin));
+}
+
+inline QString decoded(const char16_t* begin, const char16_t* end) {
+    return QString(reinterpret_cast<const QChar*>(begin), static_cast<int>(end - begin));
+}
+
+}  // namespace Tamrix
