@@ -12,8 +12,9 @@ namespace {
 
 void visit(Sheet& sheet) {
     constexpr unsigned rows = 20;
+    constexpr unsigned columns = 8;
     for (unsigned row = 0; row < rows; ++row) {
-        for (unsigned column = 0; column < Sheet::maxColumns; ++column) {
+        for (unsigned column = 0; column < columns; ++column) {
             const Cell* const cell = sheet.cell(column, row, false);
             const UString text = cell ? cell->value().asString() : UString();
             // Touches both ends of the text.
