@@ -17,14 +17,12 @@
 #include "platform/objectmodel/valueobject.h"
 #include "runner/objecttree.h"
 #include "runner/runner.h"
-#include "shared/uiabstraction/uielement.h"
 
 namespace {
 
 using Tamrix::Inspector;
 using Tamrix::RemoteModel;
 using Tamrix::RequestError;
-using Tamrix::UIAbstraction::UIElement;
 
 const char* const wantedText = "Button 97.48";
 
@@ -47,13 +45,7 @@ int fail(const QString& text) {
 /// What "tamrixrunner inspect" does: the tree of all objects with their names, as text.
 bool inspect(RemoteModel& model) {
     QString error;
-    const QByteArray bytes = model.snapshot({}, false, &error);
-    const QList<UIElement*> elements = UIElement::elementsFromByteArray(bytes);
-    QList<const UIElement*> listed;
-    for (const UIElement* element : elements)
-        listed.append(element);
-    const QString text = Tamrix::objectTreeText(listed);
-    qDeleteAll(elements);
+    const QString text = Tamrix::objectTreeText(model.listing(&error));
     return text.contains(QLatin1String(wantedText));
 }
 

@@ -202,8 +202,14 @@ private:
             m_finished = closing == std::string_view::npos;
             m_position = closing + 1;
         } else {
-            while (!atEnd() && !isSpace(current()) && current() != '/' && current() != '>')
+            while (!atEnd() && !isSpace(current()) && current() != '/' && current() != '>') {
+                // A quote inside of a value without quotes is an error.
+                if (current() == '"' || current() == '\'') {
+                    m_finished = true;
+                    return;
+                }
                 ++m_position;
+            }
         }
     }
 

@@ -1,11 +1,14 @@
 #include "runner/commandline.h"
 
+#include <json/json.h>
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QMap>
 #include <QRegularExpression>
 #include <algorithm>
+#include <stdexcept>
 
 #include "platform/testresult/reportfactory.h"
 
@@ -15,13 +18,19 @@ namespace {
 
 const QLatin1String programName("tamrixrunner");
 
+const QLatin1String annotateOption("annotate");
 const QLatin1String asOption("as");
+const QLatin1String bestOption("best");
 const QLatin1String displayOption("aut-display");
 const QLatin1String failFastOption("fail-fast");
 const QLatin1String helpOption("help");
 const QLatin1String jsonOption("json");
+const QLatin1String limitOption("limit");
 const QLatin1String nameOption("name");
+const QLatin1String optionsOption("options");
+const QLatin1String optionOption("option");
 const QLatin1String quietOption("quiet");
+const QLatin1String regionOption("region");
 const QLatin1String reportOption("report");
 const QLatin1String resultDirectoryOption("result-dir");
 const QLatin1String screenshotOption("screenshot");
@@ -125,6 +134,69 @@ QString readAttachable(Values values, CommandLine& line) {
     line.applicationName = values.value(nameOption);
     return line.applicationName.isEmpty() ? QStringLiteral("attachable needs --name NAME")
                                           : QString();
+}
+
+/// Reads the options and the region of a search. Returns an error text.
+QString readSearch(Values values, CommandLine& line) {
+    try {
+        const auto options =
+            Vision::ImageLookupOptions::fromDescription(values.value(optionsOption));
+        // The form of JSON has ranges.
+        line.searchOptions = Vision::ImageLookupOptions::fromJson(options.toJson());
+    } catch (const std::runtime_error& error) {
+        return QStringLiteral("--options '%1': %2")
+            .arg(values.value(optionsOption), QString::fromUtf8(error.what()));
+    }
+    if (line.searchOptions.getMinScaleFactor() > line.searchOptions.getMaxScaleFactor())
+        return QStringLiteral("--options '%1': minScale is above maxScale")
+            .arg(values.value(optionsOption));
+    try {
+        line.searchRegion = Vision::SearchRegion(values.value(regionOption));
+    } catch (const std::runtime_error& error) {
+        return QStringLiteral("--region '%1': %2")
+            .arg(values.value(regionOption), QString::fromUtf8(error.what()));
+    }
+    return {};
+}
+
+QString readFindImage(Values values, CommandLine& line) {
+    line.haystack = values.positionalArguments().constFirst();
+    line.needles = values.positionalArguments().mid(1);
+    line.wantsBest = values.isSet(bestOption);
+    line.printsJson = values.isSet(jsonOption);
+    if (values.isSet(limitOption)) {
+        bool isNumber = false;
+        line.occurrenceLimit = values.value(limitOption).toInt(&isNumber);
+        if (!isNumber || line.occurrenceLimit < 1)
+            return QStringLiteral("--limit takes a number from 1 on, not '%1'")
+                .arg(values.value(limitOption));
+    }
+    line.annotatedFile = values.value(annotateOption);
+    if (values.isSet(annotateOption) && line.annotatedFile.isEmpty())
+        return QStringLiteral("--annotate needs a file");
+    if (!line.annotatedFile.isEmpty()) {
+        for (const QString& picture : values.positionalArguments()) {
+            if (isSameFile(picture, line.annotatedFile))
+                return QStringLiteral("--annotate %1 would write over '%2'")
+                    .arg(line.annotatedFile, picture);
+        }
+    }
+    return readSearch(values, line);
+}
+
+QString readCompare(Values values, CommandLine& line) {
+    using Comparison = CommandLine::Comparison;
+    static const QMap<QString, Comparison> kinds = {
+        {"text", Comparison::Text}, {"json", Comparison::Json}, {"xml", Comparison::Xml}};
+    const QStringList arguments = values.positionalArguments();
+    const auto kind = kinds.constFind(arguments.at(0));
+    if (kind == kinds.constEnd())
+        return QStringLiteral("compare takes text, json or xml, not '%1'").arg(arguments.at(0));
+    line.comparison = *kind;
+    line.expected = arguments.at(1);
+    line.actual = arguments.at(2);
+    line.comparisonOptions = values.values(optionOption);
+    return {};
 }
 
 QString readRun(Values values, CommandLine& line) {
@@ -234,6 +306,19 @@ const QList<CommandDescription>& commands() {
          false,
          true,
          readInspect},
+        {CommandLine::Command::Compare,
+         "compare",
+         "text|json|xml EXPECTED ACTUAL",
+         "Compares two files as a script would and prints what differs.",
+         {{optionOption,
+           "An option of the comparison: true or false, a word, or names with commas between; may "
+           "be given several times.",
+           "NAME=VALUE"}},
+         3,
+         3,
+         false,
+         false,
+         readCompare},
         {CommandLine::Command::Attachable,
          "attachable",
          "--name NAME PROGRAM [ARGUMENT...]",
@@ -244,6 +329,25 @@ const QList<CommandDescription>& commands() {
          false,
          true,
          readAttachable},
+        {CommandLine::Command::FindImage,
+         "find-image",
+         "HAYSTACK NEEDLE...",
+         "Finds pictures in a screenshot, as scripts do, and prints the places.",
+         {{optionsOption,
+           "How to search: \"tolerant: true, threshold: 97, multiscale: true, minScale: 80, "
+           "maxScale: 120\", or some of it.",
+           "OPTIONS"},
+          {regionOption, "Where to search; several rectangles are separated by commas.",
+           "LEFTxTOPxWIDTHxHEIGHT"},
+          {limitOption, "Prints so many occurrences at most; 100 unless given.", "N"},
+          {bestOption, "Finds the most similar places and the settings that find them."},
+          {jsonOption, "Prints JSON."},
+          {annotateOption, "Stores the screenshot with frames around what was found.", "FILE"}},
+         2,
+         -1,
+         false,
+         false,
+         readFindImage},
         {CommandLine::Command::Data,
          "data",
          "FILE",
@@ -284,14 +388,16 @@ QString generalHelp() {
                     .arg(fullSyntax(command), -width)
                     .arg(QLatin1String(command.summary));
     }
-    text +=
-        QStringLiteral(
-            "\n%1 COMMAND --help tells the options of a command.\n"
-            "%1 --version tells the version.\n\n"
-            "Exit code: 0 every test case ran and nothing failed, 1 a failed verdict or a script "
-            "error,\n2 wrong usage or a suite, journal or report that can't be read or written,\n"
-            "130 interrupted with Ctrl-C, 143 ended by SIGTERM.\n")
-            .arg(programName);
+    text += QStringLiteral(
+                "\n%1 COMMAND --help tells the options of a command.\n"
+                "%1 --version tells the version.\n\n"
+                "Exit code: 0 every test case ran and nothing failed, or compared files are equal, "
+                "1 a\n"
+                "failed verdict, a script error or a difference, 2 wrong usage or a file that "
+                "can't be\n"
+                "read or written, "
+                "130 interrupted with Ctrl-C, 143 ended by SIGTERM.\n")
+                .arg(programName);
     return text;
 }
 

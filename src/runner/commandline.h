@@ -3,6 +3,9 @@
 #include <QString>
 #include <QStringList>
 
+#include "vision/imagelookupoptions.h"
+#include "vision/searchregion.h"
+
 namespace Tamrix {
 
 /// What the program was asked to do. Plain data.
@@ -14,6 +17,8 @@ struct CommandLine {
         Report,      ///< make `reports` from `journal`
         Inspect,     ///< print the objects of `program`
         Attachable,  ///< keep `program` for runs to attach to as `applicationName`
+        FindImage,   ///< find `needles` in `haystack`
+        Compare,     ///< compare the files `expected` and `actual` as `comparison`
         Data         ///< print the table of `dataFile`
     };
 
@@ -47,6 +52,29 @@ struct CommandLine {
     QString screenshotFile;
     /// How long inspect waits before it looks, in seconds.
     double waitSeconds = 1;
+
+    /// Files of pictures.
+    QString haystack;
+    QStringList needles;
+    Vision::ImageLookupOptions searchOptions;
+    /// Empty for the whole haystack.
+    Vision::SearchRegion searchRegion;
+    /// How many occurrences are told.
+    int occurrenceLimit = 100;
+    /// Whether to find the settings that find the needles.
+    bool wantsBest = false;
+    /// Whether find-image prints JSON.
+    bool printsJson = false;
+    /// Where find-image stores the haystack with frames around what it found, empty for nowhere.
+    QString annotatedFile;
+
+    enum class Comparison { Text, Json, Xml };
+    Comparison comparison = Comparison::Text;
+    QString expected;
+    QString actual;
+    /// NAME=VALUE each, as given.
+    QStringList comparisonOptions;
+
     QString dataFile;
     /// Of a spreadsheet; empty for its first one.
     QString sheet;

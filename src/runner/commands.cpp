@@ -13,7 +13,9 @@
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportfactory.h"
 #include "runner/attachable.h"
+#include "runner/comparecommand.h"
 #include "runner/datacommand.h"
+#include "runner/findimage.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
 #include "runner/suite.h"
@@ -173,8 +175,12 @@ int execute(const CommandLine& commandLine) {
             return makeReports(commandLine);
         case CommandLine::Command::Inspect:
             return inspectApplication(commandLine);
+        case CommandLine::Command::Compare:
+            return compareFiles(commandLine);
         case CommandLine::Command::Attachable:
             return keepProgram(commandLine);
+        case CommandLine::Command::FindImage:
+            return findImage(commandLine);
         case CommandLine::Command::Data:
             return printTestData(commandLine);
         case CommandLine::Command::Show:

@@ -6,9 +6,9 @@ namespace Tamrix {
 
 /// The program's exit codes; a run that a signal ended has 128 and the signal's number.
 enum ExitCode {
-    ExitSuccess = 0,  ///< every test case ran and nothing failed
-    ExitFailure = 1,  ///< a failed verdict or a script error
-    ExitUsage = 2     ///< wrong usage, or a suite, journal or report can't be read or written
+    ExitSuccess = 0,  ///< every test case ran and nothing failed, or files are equal
+    ExitFailure = 1,  ///< a failed verdict, a script error or a difference of files
+    ExitUsage = 2     ///< wrong usage, or a file can't be read or written
 };
 
 /// Does what the command line asks for and returns the exit code. What goes wrong is told in one

@@ -19,16 +19,18 @@ namespace Tamrix {
 namespace {
 
 /// The tree in the wanted form; empty with `*error` set on failure.
-QByteArray formattedTree(const QByteArray& elements, CommandLine::TreeFormat format,
-                         QString* error) {
-    UIAbstraction::XmlExporter exporter(elements);
-    if (format == CommandLine::TreeFormat::Text)
-        return objectTreeText(exporter.elements()).toLocal8Bit();
-    if (format == CommandLine::TreeFormat::Json)
-        return objectTreeJson(exporter.elements());
+QByteArray formattedTree(RemoteModel& model, CommandLine::TreeFormat format, QString* error) {
+    if (format != CommandLine::TreeFormat::Xml) {
+        const Wire::ObjectListing listing = model.listing(error);
+        if (!error->isEmpty())
+            return {};
+        return format == CommandLine::TreeFormat::Json ? objectTreeJson(listing)
+                                                       : objectTreeText(listing).toLocal8Bit();
+    }
+    UIAbstraction::XmlExporter exporter(model.snapshot({}, false, error));
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    if (!exporter.toXml(&buffer))
+    if (error->isEmpty() && !exporter.toXml(&buffer))
         *error = exporter.errorMessage();
     return buffer.data();
 }
@@ -68,10 +70,7 @@ QString inspectWith(Applications& applications, const CommandLine& line) {
         return error;
     pause(applications, line.waitSeconds);
 
-    const QByteArray elements = application->model().snapshot({}, false, &error);
-    QByteArray tree;
-    if (error.isEmpty())
-        tree = formattedTree(elements, line.treeFormat, &error);
+    const QByteArray tree = formattedTree(application->model(), line.treeFormat, &error);
     if (error.isEmpty() && !line.screenshotFile.isEmpty())
         error = storeScreenshot(application->model(), line.screenshotFile);
     const QString end = application->endText();

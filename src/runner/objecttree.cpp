@@ -3,7 +3,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStringList>
 
 #include "base/textescape.h"
 
@@ -11,85 +10,76 @@ namespace Tamrix {
 
 namespace {
 
-using UIAbstraction::UIElement;
+using Wire::ListedObject;
+using Wire::ObjectListing;
 
-/// A property with the value that is worth telling, and how it is told.
-struct StateWord {
-    const char* property;
-    const char* value;
-    const char* word;
-};
-
-constexpr StateWord stateWords[] = {{"visible", "false", "hidden"},
-                                    {"enabled", "false", "disabled"},
-                                    {"checked", "true", "checked"},
-                                    {"readOnly", "true", "read only"}};
-
-QString stateText(const UIElement& element) {
-    QStringList words;
-    for (const StateWord& state : stateWords) {
-        if (element.concreteProperties().value(QLatin1String(state.property)) ==
-            QLatin1String(state.value))
-            words.append(QLatin1String(state.word));
-    }
-    return words.isEmpty() ? QString()
-                           : QStringLiteral(" (%1)").arg(words.join(QLatin1String(", ")));
+bool isVisible(const ListedObject& object) {
+    return (object.state & ListedObject::Visible) != 0;
 }
 
-QString lineText(const UIElement& element) {
-    QString line = element.concreteType();
-    if (!element.text().isEmpty()) {
-        QString text = element.text();
+bool isEnabled(const ListedObject& object) {
+    return (object.state & ListedObject::Enabled) != 0;
+}
+
+void appendLine(const ObjectListing& listing, const ListedObject& object, QString* tree) {
+    tree->append(QString(2 * object.depth, QLatin1Char(' ')));
+    tree->append(escapedForTerminal(listing.types.at(object.type)));
+    if (!object.text.isEmpty()) {
+        QString text = object.text;
         text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
             .replace(QLatin1Char('\n'), QLatin1String("\\n"));
-        line += QStringLiteral(" \"%1\"").arg(text);
+        tree->append(QLatin1String(" \""));
+        tree->append(escapedForTerminal(text));
+        tree->append(QLatin1Char('"'));
     }
-    line += stateText(element);
-    if (!element.realName().isEmpty())
-        line += QLatin1String("  ") + element.realName();
-    return escapedForTerminal(line);
+    if (!isVisible(object))
+        tree->append(QLatin1String(isEnabled(object) ? " (hidden)" : " (hidden, disabled)"));
+    else if (!isEnabled(object))
+        tree->append(QLatin1String(" (disabled)"));
+    if (!object.name.isEmpty()) {
+        tree->append(QLatin1String("  "));
+        tree->append(escapedForTerminal(object.name));
+    }
+    tree->append(QLatin1Char('\n'));
 }
 
-void appendText(const QList<UIElement*>& elements, int depth, QString& text) {
-    for (const UIElement* element : elements) {
-        text += QString(2 * depth, QLatin1Char(' ')) + lineText(*element) + QLatin1Char('\n');
-        appendText(element->children(), depth + 1, text);
-    }
+QString boolText(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
-QJsonObject toJson(const UIElement& element) {
-    const QRect rect = element.geometry().rect();
-    QJsonObject properties;
-    const QHash<QString, QString> known = element.concreteProperties();
-    for (auto property = known.cbegin(); property != known.cend(); ++property)
-        properties.insert(property.key(), property.value());
+/// The object at `*index` with all below it; `*index` is behind these afterwards.
+QJsonObject toJson(const ObjectListing& listing, int* index) {
+    const ListedObject& object = listing.objects.at((*index)++);
+    const QRect rect = object.geometry;
     QJsonArray children;
-    for (const UIElement* child : element.children())
-        children.append(toJson(*child));
+    while (*index < listing.objects.size() && listing.objects.at(*index).depth > object.depth)
+        children.append(toJson(listing, index));
     return {
-        {QStringLiteral("type"), element.concreteType()},
-        {QStringLiteral("text"), element.text()},
-        {QStringLiteral("name"), element.realName()},
+        {QStringLiteral("type"), listing.types.at(object.type)},
+        {QStringLiteral("text"), object.text},
+        {QStringLiteral("name"), object.name},
         {QStringLiteral("geometry"), QJsonArray{rect.x(), rect.y(), rect.width(), rect.height()}},
-        {QStringLiteral("properties"), properties},
+        {QStringLiteral("properties"),
+         QJsonObject{{QStringLiteral("visible"), boolText(isVisible(object))},
+                     {QStringLiteral("enabled"), boolText(isEnabled(object))}}},
         {QStringLiteral("children"), children}};
 }
 
 }  // namespace
 
-QString objectTreeText(const QList<const UIElement*>& elements) {
+QString objectTreeText(const ObjectListing& listing) {
     QString text;
-    for (const UIElement* element : elements) {
-        text += lineText(*element) + QLatin1Char('\n');
-        appendText(element->children(), 1, text);
-    }
+    constexpr int usualLine = 96;
+    text.reserve(usualLine * listing.objects.size());
+    for (const ListedObject& object : listing.objects)
+        appendLine(listing, object, &text);
     return text;
 }
 
-QByteArray objectTreeJson(const QList<const UIElement*>& elements) {
+QByteArray objectTreeJson(const ObjectListing& listing) {
     QJsonArray array;
-    for (const UIElement* element : elements)
-        array.append(toJson(*element));
+    for (int index = 0; index < listing.objects.size();)
+        array.append(toJson(listing, &index));
     return QJsonDocument(array).toJson();
 }
 

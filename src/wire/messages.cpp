@@ -313,6 +313,36 @@ QDataStream& operator>>(QDataStream& stream, Snapshot& body) {
     return stream >> body.handle >> body.withImages;
 }
 
+QDataStream& operator<<(QDataStream& stream, const ObjectListing& body) {
+    writeTexts(stream, body.types);
+    stream << static_cast<quint32>(body.objects.size());
+    for (const ListedObject& object : body.objects)
+        stream << object.depth << object.type << object.state << object.geometry << object.text
+               << object.name;
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
+    constexpr int objectSize = 2 * 4 + 1 + 4 * 4 + 2 * textSize;
+    body.types = readTexts(stream);
+    const int count = readCount(stream, objectSize);
+    body.objects.resize(count);
+    int deepest = 0;
+    for (ListedObject& object : body.objects) {
+        stream >> object.depth >> object.type >> object.state >> object.geometry;
+        object.text = readText(stream);
+        object.name = readText(stream);
+        // A child comes behind its parent, and each type is listed.
+        if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
+            object.type >= body.types.size())
+            setCorrupt(stream);
+        if (stream.status() != QDataStream::Ok)
+            break;
+        deepest = object.depth + 1;
+    }
+    return stream;
+}
+
 QDataStream& operator<<(QDataStream& stream, const MouseEvent& body) {
     return stream << body.handle << body.mask << body.x << body.y << body.button << body.modifiers
                   << body.buttonChange << body.press;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <QVector>
 #include <memory>
 
 #include "wire/protocol.h"
@@ -164,6 +165,30 @@ struct Snapshot {
     bool withImages = false;
 };
 
+/// One line of an ObjectListing.
+struct ListedObject {
+    enum State { Visible = 1, Enabled = 2 };
+
+    /// How many objects of the listing it is below.
+    qint32 depth = 0;
+    /// Index into ObjectListing::types.
+    qint32 type = 0;
+    /// Of State.
+    quint8 state = 0;
+    /// On the screen.
+    QRect geometry;
+    QString text;
+    /// The name that finds it.
+    QString name;
+};
+
+/// All objects that a person can see a part of, parents first: what Snapshot tells of them, in a
+/// tenth of the bytes.
+struct ObjectListing {
+    QStringList types;
+    QVector<ListedObject> objects;
+};
+
 /// As RunnerInterface::mouseEvent. Coordinates are relative to the target, or to the screen without
 /// one. Button: 1 left, 2 right, 4 middle, as Qt::MouseButton. Modifiers as Qt::KeyboardModifiers.
 struct MouseEvent {
@@ -238,6 +263,7 @@ TAMRIX_WIRE_OPERATORS(ClassInfo);
 TAMRIX_WIRE_OPERATORS(PropertyAccess);
 TAMRIX_WIRE_OPERATORS(Invoke);
 TAMRIX_WIRE_OPERATORS(Snapshot);
+TAMRIX_WIRE_OPERATORS(ObjectListing);
 TAMRIX_WIRE_OPERATORS(MouseEvent);
 TAMRIX_WIRE_OPERATORS(KeyEvent);
 TAMRIX_WIRE_OPERATORS(Highlight);

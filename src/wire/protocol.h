@@ -69,6 +69,7 @@ enum class MessageType : quint16 {
     UninstallHandler = 51,     ///< EventHandler -> no body
     SendEvent = 52,            ///< SendEvent -> no body
     EnvironmentVariable = 53,  ///< Text (name) -> Text
+    ListObjects = 55,          ///< no body -> ObjectListing
     Quit = 54                  ///< no body -> no body; then the windows are asked to close
 };
 

@@ -61,6 +61,30 @@ int checkNames(AgentClient* client, const QList<UIElement*>& elements) {
     return count;
 }
 
+/// The lines of a listing, made from the tree.
+void appendLines(const QList<UIElement*>& elements, int depth, QStringList* lines) {
+    for (const UIElement* element : elements) {
+        const QHash<QString, QString> properties = element->concreteProperties();
+        lines->append(QStringList{QString::number(depth), element->concreteType(), element->text(),
+                                  element->realName(), properties["visible"], properties["enabled"]}
+                          .join('|'));
+        appendLines(element->children(), depth + 1, lines);
+    }
+}
+
+QStringList listing(AgentClient* client) {
+    const auto listing = client->request<Wire::ObjectListing>(Wire::MessageType::ListObjects);
+    QStringList lines;
+    for (const Wire::ListedObject& object : listing.objects) {
+        const auto flag = [&](int bit) { return object.state & bit ? "true" : "false"; };
+        lines.append(QStringList{QString::number(object.depth), listing.types.at(object.type),
+                                 object.text, object.name, flag(Wire::ListedObject::Visible),
+                                 flag(Wire::ListedObject::Enabled)}
+                         .join('|'));
+    }
+    return lines;
+}
+
 class NamesTest : public testing::TestWithParam<const char*> {};
 
 TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
@@ -71,6 +95,9 @@ TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     const QList<UIElement*> elements = snapshot(&client);
     EXPECT_GT(checkNames(&client, elements), 5);
+    QStringList lines;
+    appendLines(elements, 0, &lines);
+    EXPECT_EQ(listing(&client), lines);
     qDeleteAll(elements);
 }
 

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <QImage>
+
 #include "e2e/runnerprocess.h"
 #include "runner/suitefolder.h"
 #include "support/files.h"
@@ -135,6 +137,51 @@ TEST_F(Commands, ReportDoesNotWriteOverItsJournal) {
         EXPECT_EQ(report.exitCode(), 2) << qPrintable(target);
         EXPECT_EQ(Tamrix::Test::readFile(journal), before);
     }
+}
+
+// The pictures of the documentation.
+TEST_F(Commands, FindsPicturesInPictures) {
+    const QString folder = TAMRIX_TEST_SOURCE_DIR "/docs/images/";
+    const QString order = folder + "order.png";
+    const QString annotated = suite.path("found.png");
+    suite.write("text.png", "no picture\n");
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        /// What standard output, or for exit code 2 standard error, is or contains.
+        QString text;
+    } rows[] = {
+        {{"save.png", "round.png"}, 0, "53x14x24x24\n243x184x80x25\n"},
+        {{"save-large.png"}, 1, "Not found\n"},
+        {{"save-large.png", "--best"}, 0, "243x184x80x25  score 99.748\n"},
+        {{"round.png", "--options", "tolerant: true, threshold: 99", "--limit", "1"},
+         0,
+         "15x14x24x24  score 99.667\n"},
+        {{"save.png", "--region", "0x0x200x100", "--json"}, 1, "\"occurrences\" : []"},
+        {{"save.png", "--annotate", annotated}, 0, "243x184x80x25\n"},
+        {{"absent.png"}, 2, "'" + folder + "absent.png' can't be read"},
+        {{suite.path("text.png")}, 2, "text.png' can't be read: "},
+        {{"save.png", "--region", "1000x0x9x9"}, 2, "1000x0x9x9 lies outside '" + order + "'"},
+        {{"save.png", "--annotate", suite.path("x/y.png")}, 2, "x/y.png' can't be written: "},
+        {{"save.png", "--annotate", suite.path("x.abc")}, 2, "x.abc' can't be written: "},
+    };
+    for (const auto& row : rows) {
+        QStringList arguments = row.arguments;
+        for (QString& each : arguments) {
+            if (each.endsWith(".png") && !each.startsWith('/'))
+                each.prepend(folder);
+        }
+        RunnerProcess runner;
+        runner.run(QStringList{"find-image", order} + arguments);
+        EXPECT_EQ(runner.exitCode(), row.exitCode) << qPrintable(arguments.join(' '));
+        const QString text = row.exitCode == 2 ? runner.errors() : runner.output();
+        EXPECT_TRUE(text.contains(row.text)) << qPrintable(text);
+    }
+    const QImage image(annotated);
+    EXPECT_EQ(image.size(), QImage(order).size());
+    EXPECT_EQ(image.pixelColor(242, 184), QColor(Qt::red));
+    EXPECT_EQ(image.pixel(243, 184), QImage(order).pixel(243, 184));
+    EXPECT_FALSE(QFile::exists(suite.path("x.abc")));
 }
 
 TEST_F(Commands, ReaderThatGoesAwayDoesNotTakeTheReportsWithIt) {

@@ -45,6 +45,20 @@ TEST(CommandLine, ListAndReport) {
     EXPECT_EQ(report.reports.size(), 2);
 }
 
+TEST(CommandLine, FindImage) {
+    const CommandLine line =
+        parse({"find-image", "desk.png", "--options", "tolerant: true", "a.png", "b.png",
+               "--region=1x2x3x4", "--limit", "7", "--best"});
+    ASSERT_EQ(line.error, QString());
+    EXPECT_EQ(line.command, CommandLine::Command::FindImage);
+    EXPECT_EQ(line.haystack, QString("desk.png"));
+    EXPECT_EQ(line.needles, QStringList({"a.png", "b.png"}));
+    EXPECT_TRUE(line.searchOptions.getTolerant());
+    EXPECT_EQ(line.searchRegion.description(), QString("1x2x3x4"));
+    EXPECT_EQ(line.occurrenceLimit, 7);
+    EXPECT_TRUE(line.wantsBest);
+}
+
 TEST(CommandLine, HelpAndVersionAreShown) {
     EXPECT_EQ(parse({"--version"}).text, QString("tamrixrunner 7.1.0\n"));
     EXPECT_EQ(parse({"--help"}).text, parse({"-h"}).text);
@@ -104,6 +118,18 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--wait takes a number of seconds, not 'soon' (see tamrixrunner inspect --help)"},
         {{"inspect", "--json", "--xml", "program"},
          "--json and --xml exclude each other (see tamrixrunner inspect --help)"},
+        {{"find-image", "a", "b", "--options", "threshold: 101"},
+         "--options 'threshold: 101': threshold must lie in the [0,100] range (see tamrixrunner "
+         "find-image --help)"},
+        {{"find-image", "a", "b", "--options", "minScale: 300"},
+         "--options 'minScale: 300': minScale is above maxScale (see tamrixrunner find-image "
+         "--help)"},
+        {{"find-image", "a", "b", "--region", "1x2x0x4"},
+         "--region '1x2x0x4': Invalid rectangle: 1x2x0x4 (see tamrixrunner find-image --help)"},
+        {{"find-image", "a", "b", "--limit", "0"},
+         "--limit takes a number from 1 on, not '0' (see tamrixrunner find-image --help)"},
+        {{"find-image", "a", "/x/b", "--annotate", "/x/../x/b"},
+         "--annotate /x/../x/b would write over '/x/b' (see tamrixrunner find-image --help)"},
     };
     for (const auto& row : rows) {
         const CommandLine line = parse(row.arguments);

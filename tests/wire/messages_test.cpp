@@ -60,6 +60,23 @@ TEST(Messages, FieldsFindTheirPlaces) {
     EXPECT_EQ(hello.token, "");
 }
 
+TEST(Messages, RefuseListingsThatNameNoPlaceOrType) {
+    const auto isRead = [](int firstDepth, int secondDepth, int type) {
+        ObjectListing listing{{"QWidget"}, QVector<ListedObject>(2)};
+        listing.objects[0].depth = firstDepth;
+        listing.objects[1].depth = secondDepth;
+        listing.objects[1].type = type;
+        return decode(encode(listing), &listing);
+    };
+    EXPECT_TRUE(isRead(0, 1, 0));
+    EXPECT_TRUE(isRead(0, 0, 0));
+    EXPECT_FALSE(isRead(1, 0, 0)) << "the first is below nothing";
+    EXPECT_FALSE(isRead(0, 2, 0)) << "a level is left out";
+    EXPECT_FALSE(isRead(0, -1, 0));
+    EXPECT_FALSE(isRead(0, 1, 1)) << "there is one type";
+    EXPECT_FALSE(isRead(0, 1, -1));
+}
+
 TEST(Values, TravelAsWhatScriptsKnow) {
     const struct {
         QVariant given;

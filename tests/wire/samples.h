@@ -57,6 +57,9 @@ void forEachSample(const Use& use) {
     use(MessageType::Reply, ObjectInfoList{object, {8, "QLabel", QString()}});
     use(MessageType::Reply,
         LookUpResult{object, true, "it is hidden", {{"QLabel", "text", "wanted", "actual"}}});
+    use(MessageType::Reply, ObjectListing{QStringList{"QWidget", "QLabel"},
+                                          {{0, 0, 3, QRect(1, 2, 3, 4), QString(), "{type='a'}"},
+                                           {1, 1, 2, QRect(), "text", "{type='b'}"}}});
     use(MessageType::Reply, ClassInfo{"QPushButton",
                                       QStringList{"QWidget"},
                                       {{"text", "QString", true}},

@@ -1,6 +1,5 @@
 #include "agent/core/nameindex.h"
 
-#include <QMap>
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -16,7 +15,8 @@ namespace {
 constexpr int longestText = 60;
 
 QString quoted(QString value) {
-    value.replace('\\', QLatin1String("\\\\")).replace('\'', QLatin1String("\\'"));
+    if (value.contains('\\') || value.contains('\''))
+        value.replace('\\', QLatin1String("\\\\")).replace('\'', QLatin1String("\\'"));
     return '\'' + value + '\'';
 }
 
@@ -30,43 +30,44 @@ NameIndex::NameIndex() {
     const QVector<Element> roots = Session::self()->topLevels();
     struct Pending {
         Element element;
+        int parent;
         int container;
     };
     QVector<Element> children;
     constexpr size_t usualCount = 1024;
     m_entries.reserve(usualCount);
     for (int root = 0; root < roots.size(); ++root) {
-        std::vector<Pending> left{{roots[root], -1}};
+        std::vector<Pending> left{{roots[root], -1, -1}};
         while (!left.empty()) {
             const Pending next = left.back();
             left.pop_back();
-            add(next.element, next.container, root);
+            add(next.element, next.parent, next.container, root);
             // What hangs in one of the toolkit's inner workings has its container around that.
-            const bool isInternal = m_entries.back().choice == Internal;
-            const int container = isInternal || next.element.toolkit->isInternal(next.element)
-                                      ? next.container
-                                      : static_cast<int>(m_entries.size()) - 1;
+            const int index = count() - 1;
+            const int container = isInternal(index) ? next.container : index;
             children.clear();
             next.element.toolkit->children(next.element, true, &children);
             for (auto child = children.crbegin(); child != children.crend(); ++child)
-                left.push_back({*child, container});
+                left.push_back({*child, index, container});
         }
     }
     addLabels();
     makeGroups();
 }
 
-void NameIndex::add(const Element& element, int container, int root) {
+void NameIndex::add(const Element& element, int parent, int container, int root) {
     const Toolkit* const toolkit = element.toolkit;
     Entry entry;
     entry.element = element;
+    entry.parent = parent;
     entry.container = container;
     entry.root = root;
-    const int index = static_cast<int>(m_entries.size());
+    const int index = count();
     entry.rootEntry =
         !m_entries.empty() && m_entries.back().root == root ? m_entries.back().rootEntry : index;
     const bool isVisible = toolkit->isVisible(element);
-    entry.choice = !isVisible ? Hidden : toolkit->isInternal(element) ? Internal : Visible;
+    entry.isInternal = toolkit->isInternal(element);
+    entry.choice = !isVisible ? Hidden : entry.isInternal ? Internal : Visible;
 
     // Classes are few: their names are made once.
     const QMetaObject* const metaObject = element.isItem() ? nullptr : element.object->metaObject();
@@ -90,13 +91,21 @@ void NameIndex::add(const Element& element, int container, int root) {
     const Element field = toolkit->labelledField(element);
     if (!field.isNull())
         m_labels.insert(field, index);
-    m_places.insert(element, index);
     m_entries.push_back(std::move(entry));
+}
+
+int NameIndex::indexOf(const Element& element) {
+    if (m_places.isEmpty()) {
+        m_places.reserve(count());
+        for (int index = 0; index < count(); ++index)
+            m_places.insert(at(index).element, index);
+    }
+    return m_places.value(element, -1);
 }
 
 void NameIndex::addLabels() {
     for (auto label = m_labels.cbegin(); label != m_labels.cend(); ++label) {
-        const int field = m_places.value(label.key(), -1);
+        const int field = indexOf(label.key());
         if (field >= 0 && label.key().toolkit->buddy(label.key()) ==
                               m_entries[static_cast<size_t>(label.value())].element)
             m_entries[static_cast<size_t>(field)].values[ByLabel] =
@@ -119,10 +128,11 @@ void NameIndex::makeGroups() {
     }
 }
 
-void NameIndex::divide(Group* group, int base) {
-    if (group->isDivided)
-        return;
-    group->isDivided = true;
+const NameIndex::Division& NameIndex::divide(Group* group, int base) {
+    if (group->division >= 0)
+        return m_divisions[static_cast<size_t>(group->division)];
+    group->division = static_cast<int>(m_divisions.size());
+    Division& division = m_divisions.emplace_back();
     struct Member {
         int index;
         int root;
@@ -132,8 +142,8 @@ void NameIndex::divide(Group* group, int base) {
     for (int index = group->head; index >= 0;
          index = m_entries[static_cast<size_t>(index)].next[base]) {
         const Entry& entry = m_entries[static_cast<size_t>(index)];
-        ++group->inRoot[entry.choice][entry.root];
-        ++group->inContainer[entry.choice][entry.container];
+        ++division.inRoot[entry.choice][entry.root];
+        ++division.inContainer[entry.choice][entry.container];
         const QPoint place = entry.element.toolkit->globalBounds(entry.element).topLeft();
         members[entry.choice].push_back({index, entry.root, place});
     }
@@ -150,29 +160,39 @@ void NameIndex::divide(Group* group, int base) {
             m_entries[static_cast<size_t>(member.index)].rank[base] = rank;
         }
     }
+    return division;
 }
 
 QString NameIndex::nameOf(const Entry& entry, Base base, const QString& container, bool withWindow,
                           int occurrence, bool saysHidden) const {
-    // In the order of their properties.
-    static const char* const s_names[] = {"name", "text", "buddy"};
-    QMap<QString, QString> parts;
-    parts.insert(QStringLiteral("type"), quoted(m_typeNames[entry.type]));
-    if (base != ByType)
-        parts.insert(QString::fromLatin1(s_names[base]), quoted(entry.values[base]));
-    if (!container.isEmpty())
-        parts.insert(QStringLiteral("container"), container);
-    if (withWindow)
-        parts.insert(QStringLiteral("window"),
-                     m_entries[static_cast<size_t>(entry.rootEntry)].name);
-    if (occurrence > 1)
-        parts.insert(QStringLiteral("occurrence"), quoted(QString::number(occurrence)));
-    if (saysHidden)
-        parts.insert(QStringLiteral("visible"), quoted(QStringLiteral("false")));
     QString name;
-    for (auto part = parts.cbegin(); part != parts.cend(); ++part)
-        name += (name.isEmpty() ? '{' : ' ') + part.key() + '=' + part.value();
-    return name + '}';
+    constexpr int usualSize = 128;
+    name.reserve(usualSize);
+    const auto append = [&name](const char* property, const QString& value) {
+        name += name.isEmpty() ? QLatin1Char('{') : QLatin1Char(' ');
+        name += QLatin1String(property);
+        name += QLatin1Char('=');
+        name += value;
+    };
+    // In the order of the properties' names.
+    if (base == ByLabel)
+        append("buddy", quoted(entry.values[base]));
+    if (!container.isEmpty())
+        append("container", container);
+    if (base == ByName)
+        append("name", quoted(entry.values[base]));
+    if (occurrence > 1)
+        append("occurrence", quoted(QString::number(occurrence)));
+    if (base == ByText)
+        append("text", quoted(entry.values[base]));
+    append("type", quoted(m_typeNames[entry.type]));
+    if (saysHidden)
+        append("visible", quoted(QStringLiteral("false")));
+    if (withWindow)
+        append("window", at(entry.rootEntry).name);
+    name += QLatin1Char('}');
+    name.squeeze();
+    return name;
 }
 
 QString NameIndex::makeName(Entry* entry) {
@@ -206,11 +226,11 @@ QString NameIndex::makeName(Entry* entry) {
         realName(entry->rootEntry);
     for (const Base base : bases) {
         Group* const group = groupOf(base);
-        divide(group, base);
+        const Division& division = divide(group, base);
         const bool saysHidden = rivals(group) > 0;
         if (group->counts[entry->choice] == 1)
             return nameOf(*entry, base, QString(), false, 1, saysHidden);
-        if (hasWindow && group->inRoot[entry->choice].value(entry->root) == 1)
+        if (hasWindow && division.inRoot[entry->choice].value(entry->root) == 1)
             return nameOf(*entry, base, QString(), true, 1, saysHidden);
     }
     if (entry->container >= 0 && entry->container != entry->rootEntry) {
@@ -219,18 +239,19 @@ QString NameIndex::makeName(Entry* entry) {
         const bool isPlain = container.count('{') == 1 && !container.contains(" occurrence=");
         for (const Base base : bases) {
             Group* const group = groupOf(base);
-            if (isPlain && group->inContainer[entry->choice].value(entry->container) == 1)
+            if (isPlain &&
+                divide(group, base).inContainer[entry->choice].value(entry->container) == 1)
                 return nameOf(*entry, base, container, false, 1, rivals(group) > 0);
         }
     }
     const Base base = bases.first();
     Group* const group = groupOf(base);
-    const bool isInSeveral = group->inRoot[entry->choice].size() > 1;
+    const QHash<int, int>& inRoot = divide(group, base).inRoot[entry->choice];
+    const bool isInSeveral = inRoot.size() > 1;
     int occurrence = entry->rank[base];
     if (isInSeveral && !hasWindow) {
         // Counted through all windows.
-        for (auto it = group->inRoot[entry->choice].cbegin();
-             it != group->inRoot[entry->choice].cend(); ++it)
+        for (auto it = inRoot.cbegin(); it != inRoot.cend(); ++it)
             occurrence += it.key() < entry->root ? it.value() : 0;
     }
     return nameOf(*entry, base, QString(), isInSeveral && hasWindow, occurrence, rivals(group) > 0);
@@ -243,6 +264,12 @@ QString NameIndex::realName(int index) {
     if (entry.name.isEmpty())
         entry.name = makeName(&entry);
     return entry.name;
+}
+
+QString NameIndex::text(int index) const {
+    const Entry& entry = at(index);
+    return entry.values[ByText].isEmpty() ? entry.element.toolkit->text(entry.element)
+                                          : entry.values[ByText];
 }
 
 QString NameIndex::realName(const Element& element) {

@@ -3,7 +3,9 @@
 #include <QHash>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
 #include <QVector>
+#include <deque>
 #include <vector>
 
 #include "agent/core/element.h"
@@ -23,10 +25,22 @@ class NameIndex {
 public:
     NameIndex();
 
+    // The objects by number, parents first, children in order of creation.
+    int count() const { return static_cast<int>(m_entries.size()); }
+    const Element& element(int index) const { return at(index).element; }
+    /// -1 for a top-level object.
+    int parent(int index) const { return at(index).parent; }
+    bool isInternal(int index) const { return at(index).isInternal; }
+    bool isVisible(int index) const { return at(index).choice != Hidden; }
+    /// The number of the type, an index into typeNames().
+    int type(int index) const { return at(index).type; }
+    const QStringList& typeNames() const { return m_typeNames; }
+    QString text(int index) const;
+
     /// A name that finds the element; empty for an element that is in no window and no tree.
     QString realName(const Element& element);
     /// The element's place among all, -1 for none; as the other function wants it.
-    int indexOf(const Element& element) const { return m_places.value(element, -1); }
+    int indexOf(const Element& element);
     QString realName(int index);
 
 private:
@@ -41,6 +55,8 @@ private:
         Element element;
         int type = 0;
         Choice choice = Visible;
+        bool isInternal = false;
+        int parent = -1;
         /// The number of the window, and the entries of window and container.
         int root = 0;
         int rootEntry = -1;
@@ -65,31 +81,38 @@ private:
                    static_cast<uint>(key.base);
         }
     };
+    /// Those that one and the same name is true of.
     struct Group {
         int head = -1;
         int counts[choiceCount] = {0, 0, 0};
-        bool isDivided = false;
-        /// How many there are below each root and in each container.
+        /// Index into m_divisions, -1 before it is needed: most groups have one member.
+        int division = -1;
+    };
+    /// How many of a group there are below each root and in each container.
+    struct Division {
         QHash<int, int> inRoot[choiceCount];
         QHash<int, int> inContainer[choiceCount];
     };
 
-    void add(const Element& element, int container, int root);
+    const Entry& at(int index) const { return m_entries[static_cast<size_t>(index)]; }
+    void add(const Element& element, int parent, int container, int root);
     void addLabels();
     void makeGroups();
-    void divide(Group* group, int base);
+    const Division& divide(Group* group, int base);
     QString makeName(Entry* entry);
     QString nameOf(const Entry& entry, Base base, const QString& container, bool withWindow,
                    int occurrence, bool saysHidden) const;
 
     std::vector<Entry> m_entries;
+    /// Made when it is first needed.
     QHash<Element, int> m_places;
     QHash<const QMetaObject*, int> m_classes;
     QHash<QString, int> m_types;
-    QVector<QString> m_typeNames;
+    QStringList m_typeNames;
     /// Fields with the labels that name them.
     QHash<Element, int> m_labels;
     QHash<Key, Group> m_groups;
+    std::deque<Division> m_divisions;
 };
 
 }  // namespace Tamrix::Agent

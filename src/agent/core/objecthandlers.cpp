@@ -1,6 +1,7 @@
 #include <QRect>
 
 #include "agent/core/handlers.h"
+#include "agent/core/listing.h"
 #include "agent/core/lookup.h"
 #include "agent/core/nameindex.h"
 #include "agent/core/readiness.h"
@@ -127,6 +128,10 @@ void tellTree(const Wire::Snapshot& request, const ResponderPtr& responder) {
     responder->replyBody(value);
 }
 
+void listObjects(const QByteArray& /*body*/, const ResponderPtr& responder) {
+    responder->replyBody(makeListing());
+}
+
 }  // namespace
 
 void appendShownChildren(const Element& element, bool withPlainObjects,
@@ -150,6 +155,7 @@ void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::GlobalBounds, tellBounds);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::RealName, tellRealName);
     session->setBodyHandler<Wire::Snapshot>(Wire::MessageType::Snapshot, tellTree);
+    session->setHandler(Wire::MessageType::ListObjects, listObjects);
 }
 
 }  // namespace Tamrix::Agent

@@ -69,6 +69,9 @@ WidgetFacts makeFacts(const QWidget* widget) {
     facts.holdsItems =
         qobject_cast<const QAbstractItemView*>(widget) || qobject_cast<const QComboBox*>(widget) ||
         qobject_cast<const QTabBar*>(widget) || qobject_cast<const QGraphicsView*>(widget);
+    const QByteArray type = widget->metaObject()->className();
+    facts.isInternal = (type.startsWith('Q') && type.contains("Private")) ||
+                       type == "QDesktopWidget" || type == "QAbstractScrollAreaScrollBarContainer";
     return facts;
 }
 

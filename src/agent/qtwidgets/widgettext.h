@@ -32,6 +32,8 @@ struct WidgetFacts {
     bool isEditable = false;
     /// Whether widgets of the class show items.
     bool holdsItems = false;
+    /// Whether the class is of the toolkit's inner workings.
+    bool isInternal = false;
 };
 
 const WidgetFacts& factsOf(const QWidget* widget);

@@ -273,13 +273,13 @@ bool WidgetToolkit::isInternal(const Element& element) const {
     const QWidget* const widget = widgetOf(element);
     if (!widget)
         return actionOf(element)->isSeparator();
+    if (factsOf(widget).isInternal)
+        return true;
     const QString name = widget->objectName();
-    const QByteArray type = widget->metaObject()->className();
-    return name.startsWith(QLatin1String("qt_scrollarea_")) ||
-           name == QLatin1String("qt_tabwidget_stackedwidget") ||
-           name == QLatin1String("qt_rubberband") ||
-           (type.startsWith('Q') && type.contains("Private")) || type == "QDesktopWidget" ||
-           type == "QAbstractScrollAreaScrollBarContainer";
+    return name.startsWith(QLatin1String("qt_")) &&
+           (name.startsWith(QLatin1String("qt_scrollarea_")) ||
+            name == QLatin1String("qt_tabwidget_stackedwidget") ||
+            name == QLatin1String("qt_rubberband"));
 }
 
 QVariant WidgetToolkit::property(const Element& element, const QString& name, bool* isKnown) const {

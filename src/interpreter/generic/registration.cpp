@@ -4,6 +4,7 @@
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/applicationfunctions.h"
+#include "interpreter/generic/comparisonfunctions.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
@@ -132,9 +133,12 @@ const FunctionRow testFunctions[] = {
      "Passes when both values are equal; returns whether they are"},
     {"xcompare", testXCompare, "value1 value2", "comment",
      "As compare, for values that are expected to differ"},
-    {"compareTextFiles"},
-    {"compareXMLFiles"},
-    {"compareJSONFiles"},
+    {"compareTextFiles", testCompareTextFiles, "expected actual", "options",
+     "Passes when both text files have the same lines; returns whether they do"},
+    {"compareXMLFiles", testCompareXMLFiles, "expected actual", "options",
+     "Passes when both XML files are the same document; returns whether they are"},
+    {"compareJSONFiles", testCompareJSONFiles, "expected actual", "",
+     "Passes when both JSON files hold the same value; returns whether they do"},
     {"vp"},
     {"xvp"},
     {"vpWithObject"},

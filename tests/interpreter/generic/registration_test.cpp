@@ -46,6 +46,7 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
     EXPECT_EQ(namesOf("^test\\."),
               "test.pass test.xpass test.fail test.breakpoint test.xfail test.fatal test.log "
               "test.warning test.skip test.verify test.xverify test.compare test.xcompare "
+              "test.compareTextFiles test.compareXMLFiles test.compareJSONFiles "
               "test.exception test.resultCount test.stackTrace test.fixateResultContext "
               "test.restoreResultContext test.startSection test.endSection test.attachFile");
     EXPECT_EQ(namesOf("^tamrixinfo\\."),

@@ -264,6 +264,12 @@ QByteArray RemoteModel::snapshot(SharedPtr<Object> object, bool withImages, QStr
     return answer.value.toByteArray();
 }
 
+Wire::ObjectListing RemoteModel::listing(QString* error) {
+    Wire::ObjectListing listing;
+    m_link->ask(MessageType::ListObjects, QByteArray(), &listing, error);
+    return listing;
+}
+
 SharedPtr<Object> RemoteModel::globalBounds(SharedPtr<Object> object, QString* error) {
     Wire::ObjectHandle request;
     Wire::Value answer;

@@ -65,6 +65,8 @@ public:
     /// Asks the application's windows to close.
     bool quit(QString* error);
     QByteArray snapshot(SharedPtr<Object> object, bool withImages, QString* error);
+    /// All objects with their names; empty on failure.
+    Wire::ObjectListing listing(QString* error);
     /// The events that came: callback and object.
     std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents();
 

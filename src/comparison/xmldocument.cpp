@@ -1,0 +1,65 @@
+#include "comparison/xmldocument.h"
+
+#include <algorithm>
+
+#include "base/xmldepth.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// Turns off that TinyXML makes one blank of all white space in a text, which would decide over the
+/// options of a comparison.
+class KeptWhiteSpace {
+public:
+    KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(false); }
+    ~KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(m_before); }
+    KeptWhiteSpace(const KeptWhiteSpace&) = delete;
+    KeptWhiteSpace& operator=(const KeptWhiteSpace&) = delete;
+
+private:
+    bool m_before = TiXmlBase::IsWhiteSpaceCondensed();
+};
+
+QByteArray asUtf8(const QByteArray& bytes) {
+    const char* position = bytes.constBegin();
+    const char* const end = bytes.constEnd();
+    int valid = validUtf8Length(position, end);
+    if (valid == bytes.size())
+        return bytes;
+    QByteArray text;
+    for (;; valid = validUtf8Length(position, end)) {
+        text.append(position, valid);
+        position += valid;
+        if (position == end)
+            return text;
+        text.append(QString(QLatin1String(position, 1)).toUtf8());
+        ++position;
+    }
+}
+
+}  // namespace
+
+bool parseXmlDocument(const QByteArray& bytes, TiXmlDocument* document, QString* error) {
+    const auto fail = [error](const QString& problem, int row) {
+        *error = QStringLiteral("%1 Row: %2").arg(problem, QString::number(row));
+        return false;
+    };
+    const QByteArray text = asUtf8(bytes);
+    const XmlDepth depth = xmlDepth(text);
+    if (!depth.problem.isEmpty())
+        return fail(depth.problem, depth.row);
+
+    const KeptWhiteSpace keptWhiteSpace;
+    const char* const rest = document->Parse(text.constData(), nullptr, TIXML_ENCODING_UTF8);
+    if (document->Error())
+        return fail(QString::fromUtf8(document->ErrorDesc()), document->ErrorRow());
+    // The parser ends at text outside of all elements and tells nobody.
+    if (rest && *rest) {
+        return fail(QStringLiteral("Text outside of the document's elements."),
+                    1 + static_cast<int>(std::count(text.constData(), rest, '\n')));
+    }
+    return true;
+}
+
+}  // namespace Tamrix

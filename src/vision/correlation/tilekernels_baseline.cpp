@@ -1,0 +1,1 @@
+#include "vision/correlation/tilekernelsimpl.h"  // for plain x86-64

@@ -1,0 +1,192 @@
+#include "vision/fastcorrelation.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "vision/correlation/correlationsearch.h"
+#include "vision/correlation/occurrencescan.h"
+#include "vision/correlation/tileworkers.h"
+#include "vision/normcorrmatcher.h"
+
+namespace Tamrix::Vision::BasicImageLookup {
+namespace {
+
+// A cut serves needles down to this part of its largest one's width.
+constexpr double classRange = 0.7;
+
+// Bytes for each pixel that spectra may take, besides the channels and their running sums.
+constexpr double mostSpectrumBytes = 10;
+
+// What rounding can do to a truncated score.
+constexpr double tiny = 1e-12;
+
+bool fits(const Haystack& haystack, QSize size) {
+    return !haystack.positionsOf(size).isEmpty();
+}
+
+// The search for one needle and where its first position is.
+class OneSearch {
+public:
+    OneSearch(Haystack& haystack, const Resize& resize, ScaleTiles& tiles)
+        : m_haystack(haystack),
+          m_positions(haystack.positionsOf(resize.image.size())),
+          m_needle(resize.image),
+          m_search(haystack.picture(), checked(resize), tiles.take(haystack, resize.image.size()),
+                   workerCount()) {}
+
+    CorrelationSearch& search() { return m_search; }
+    QPoint origin() const { return m_positions.topLeft(); }
+
+    OccurrenceScan scan(int limit) const {
+        std::function<bool(const QRect&)> isAllowed;
+        if (m_haystack.region().rectangles().size() > 1)
+            isAllowed = [this](const QRect& rect) { return m_haystack.allows(rect); };
+        return {origin(), m_positions.size(), m_needle.size(), limit, std::move(isAllowed)};
+    }
+
+    bool allows(int x, int y) const {
+        return m_haystack.allows(QRect(origin() + QPoint(x, y), m_needle.size()));
+    }
+
+    double score(QPoint place) const {
+        const QPoint at = place - origin();
+        return exactScore(m_haystack.picture(), m_needle, at.x(), at.y());
+    }
+
+private:
+    const SearchNeedle& checked(const Resize& resize) const {
+        if (m_needle.visiblePixels() == 0)
+            throw TooMuchTransparency(resize.image);
+        return m_needle;
+    }
+
+    Haystack& m_haystack;
+    const QRect m_positions;
+    const SearchNeedle m_needle;
+    CorrelationSearch m_search;
+};
+
+}  // namespace
+
+ScaleTiles::ScaleTiles(Haystack& haystack, const QList<Resize*>& sizes, int searches) {
+    for (const Resize* const resize : sizes) {
+        const QSize size = resize->image.size();
+        if (!fits(haystack, size))
+            continue;
+        const bool isNear =
+            !m_classes.empty() && size.width() >= classRange * m_classes.back().largest.width();
+        if (!isNear)
+            m_classes.push_back({size, size, false, 0, nullptr});
+        Class& common = m_classes.back();
+        common.largest = common.largest.expandedTo(size);
+        common.smallest = common.smallest.boundedTo(size);
+        common.searches += searches;
+    }
+    const QSize box = haystack.boundingBox().size();
+    for (Class& common : m_classes) {
+        const TileGrid grid(box, common.smallest, common.largest);
+        const double most = mostSpectrumBytes * box.width() * box.height();
+        const bool isShared = common.searches > searches;
+        common.keepsSpectra =
+            isShared && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
+    }
+}
+
+std::shared_ptr<const SharedTiles> ScaleTiles::take(Haystack& haystack, QSize size) {
+    const SearchPicture& picture = haystack.picture();
+    const std::lock_guard lock(m_mutex);
+    const auto common = std::find_if(m_classes.begin(), m_classes.end(), [&](const Class& each) {
+        return each.smallest.boundedTo(size) == each.smallest &&
+               each.largest.expandedTo(size) == each.largest;
+    });
+    if (!common->tiles)
+        common->tiles = std::make_shared<SharedTiles>(picture, common->smallest, common->largest,
+                                                      common->keepsSpectra);
+    std::shared_ptr<const SharedTiles> tiles = common->tiles;
+    if (--common->searches == 0)
+        common->tiles.reset();
+    return tiles;
+}
+
+QPair<int, bool> fastOccurrenceAt(Haystack& haystack, const Resize& resize, double threshold,
+                                  QPoint position, ScaleTiles& tiles) {
+    const QRect positions = haystack.positionsOf(resize.image.size());
+    if (!positions.contains(position))
+        return {0, false};
+    OneSearch one(haystack, resize, tiles);
+    const bool isFound = one.score(position) >= threshold;
+    const QPoint at = position - one.origin();
+    OccurrenceScan scan = one.scan(positions.width() * positions.height());
+    // Its neighbours are no earlier occurrences.
+    if (isFound)
+        scan.avoid(position);
+    PositionBitmap accepted(positions.size());
+    const int rows = at.y() + 1;
+    one.search().markAccepted(ScoreTest::atLeast(threshold), rows, accepted, [&](int complete) {
+        return scan.advance(accepted, complete, complete == rows ? at.x() : positions.width());
+    });
+    return {scan.occurrences().size(), isFound};
+}
+
+QList<QRect> fastAllOccurrences(Haystack& haystack, const Resize& resize, double threshold,
+                                int limit, ScaleTiles& tiles) {
+    const QRect positions = haystack.positionsOf(resize.image.size());
+    if (positions.isEmpty())
+        return {};
+    OneSearch one(haystack, resize, tiles);
+    OccurrenceScan scan = one.scan(limit);
+    PositionBitmap accepted(positions.size());
+    one.search().markAccepted(ScoreTest::atLeast(threshold), positions.height(), accepted,
+                              [&](int complete) { return scan.advance(accepted, complete); });
+    return scan.occurrences();
+}
+
+double fastBestScore(Haystack& haystack, const Resize& resize, double required, BestBar& bar,
+                     ScaleTiles& tiles) {
+    if (!fits(haystack, resize.image.size()))
+        return 0;
+    OneSearch one(haystack, resize, tiles);
+    const auto raise = [](std::atomic<double>& value, double to) {
+        double from = value;
+        while (from < to && !value.compare_exchange_weak(from, to)) {
+        }
+    };
+    std::atomic<double> best = 0;
+    CorrelationSearch::RisingBar rising;
+    rising.bar = [&] {
+        const double own = best;
+        if (own >= bar.cap)
+            return 2.0;  // No score is higher.
+        // The next score that counts as better is a step away.
+        return std::max(bar.floor - tiny, own > 0 ? own + scoreStep - tiny : 0);
+    };
+    rising.offer = [&](double score) {
+        const double truncated = truncatedScore(score);
+        raise(best, truncated);
+        if (truncated >= required && required <= bar.cap)
+            raise(bar.floor, std::min(truncated, bar.cap));
+    };
+    rising.isAllowed = [&](int x, int y) { return one.allows(x, y); };
+    one.search().offerBest(rising);
+    return best;
+}
+
+QList<QPair<double, QRect>> fastOccurrencesFrom(Haystack& haystack, const Resize& resize,
+                                                double bar, int limit, ScaleTiles& tiles) {
+    const QRect positions = haystack.positionsOf(resize.image.size());
+    if (positions.isEmpty())
+        return {};
+    OneSearch one(haystack, resize, tiles);
+    const auto isEnough = [bar](double score) { return truncatedScore(score) >= bar; };
+    const ScoreTest test = {bar - tiny, bar + 1.1 * scoreStep, isEnough};
+    OccurrenceScan scan = one.scan(limit - 1);
+    PositionBitmap accepted(positions.size());
+    one.search().markAccepted(test, positions.height(), accepted,
+                              [&](int complete) { return scan.advance(accepted, complete); });
+    QList<QPair<double, QRect>> scored;
+    for (const QRect& rect : scan.occurrences())
+        scored.append({truncatedScore(one.score(rect.topLeft())), rect});
+    return scored;
+}
+
+}  // namespace Tamrix::Vision::BasicImageLookup

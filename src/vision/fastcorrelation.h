@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QList>
+#include <QPair>
+#include <QPoint>
+#include <QRect>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "vision/basicimagelookup.h"
+#include "vision/correlation/sharedtiles.h"
+#include "vision/haystack.h"
+
+/// The fast correlation search for a needle at one size: the results of the plain one, see
+/// normcorrmatcher.h, from exact scores.
+namespace Tamrix::Vision::BasicImageLookup {
+
+/// The cuts of a haystack into tiles for the sizes of a multi-scale search. Sizes near each other
+/// share a cut and its spectra, which are freed when the last of them has been searched. May be
+/// used by several threads.
+class ScaleTiles {
+public:
+    /// `sizes` from the widest to the narrowest; each is searched `searches` times at most.
+    ScaleTiles(Haystack& haystack, const QList<Resize*>& sizes, int searches);
+
+    /// The cut for one search of this size, which must fit in the haystack's bounding box.
+    std::shared_ptr<const SharedTiles> take(Haystack& haystack, QSize size);
+
+private:
+    struct Class {
+        QSize largest;
+        QSize smallest;
+        bool keepsSpectra = false;
+        /// Searches that are to come.
+        int searches = 0;
+        std::shared_ptr<const SharedTiles> tiles;
+    };
+
+    std::mutex m_mutex;
+    std::vector<Class> m_classes;
+};
+
+/// How many occurrences lie before the position, and whether there is one at it.
+QPair<int, bool> fastOccurrenceAt(Haystack& haystack, const Resize& resize, double threshold,
+                                  QPoint position, ScaleTiles& tiles);
+
+/// The occurrences in the order of text, at most limit + 1.
+QList<QRect> fastAllOccurrences(Haystack& haystack, const Resize& resize, double threshold,
+                                int limit, ScaleTiles& tiles);
+
+/// What the sizes of a best search know of each other.
+struct BestBar {
+    /// All scores from here on are equally good.
+    double cap;
+    /// Scores below don't matter.
+    std::atomic<double> floor;
+};
+
+/// The highest truncated score of an allowed position, 0 if none reaches the bar's floor. A score
+/// from `required` on raises the floor for the other sizes; not if `required` is above the bar's
+/// cap.
+double fastBestScore(Haystack& haystack, const Resize& resize, double required, BestBar& bar,
+                     ScaleTiles& tiles);
+
+/// At most `limit` occurrences whose truncated scores are `bar` or more, with these scores.
+QList<QPair<double, QRect>> fastOccurrencesFrom(Haystack& haystack, const Resize& resize,
+                                                double bar, int limit, ScaleTiles& tiles);
+
+}  // namespace Tamrix::Vision::BasicImageLookup

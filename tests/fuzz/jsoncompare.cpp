@@ -1,0 +1,24 @@
+// Two JSON texts compared, and one of them in one layout.
+
+#include "comparison/jsoncompare.h"
+
+#include "comparison/difftext.h"
+#include "fuzz/compareinput.h"
+#include "fuzz/fuzztarget.h"
+#include "fuzz/quietqt.h"
+
+int fuzzTarget(const std::uint8_t* data, std::size_t size) {
+    Tamrix::Fuzz::silenceQt();
+    const auto [first, second] = Tamrix::Fuzz::twoDocuments(data, size);
+    const QString a = Tamrix::toUtfString(first);
+    const QString b = Tamrix::toUtfString(second);
+    QString message;
+    QString formatted;
+    const bool equal = Tamrix::compareJson(a, b, &message);
+    fuzzRequire(equal == message.isEmpty(), "a difference has a message");
+    if (equal) {
+        fuzzRequire(Tamrix::compareJson(b, a, &message), "equality goes both ways");
+        fuzzRequire(Tamrix::formatJson(a, &formatted), "what can be compared can be formatted");
+    }
+    return 0;
+}
