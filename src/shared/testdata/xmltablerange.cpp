@@ -6,23 +6,12 @@
 #include <iostream>
 
 #include "base/xmldepth.h"
+#include "shared/testdata/keptwhitespace.h"
 #include "shared/testdata/tablerange.h"
 
 namespace Tamrix {
 
 namespace {
-
-/// Keeps white space in texts while a document is parsed.
-class KeptWhiteSpace {
-public:
-    KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(false); }
-    ~KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(m_before); }
-    KeptWhiteSpace(const KeptWhiteSpace&) = delete;
-    KeptWhiteSpace& operator=(const KeptWhiteSpace&) = delete;
-
-private:
-    bool m_before = TiXmlBase::IsWhiteSpaceCondensed();
-};
 
 std::string textOf(TiXmlElement* cell, const char* name) {
     TiXmlElement* const element = cell->FirstChildElement(name);

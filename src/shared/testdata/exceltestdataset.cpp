@@ -1,0 +1,139 @@
+#include "shared/testdata/exceltestdataset.h"
+
+#include <QFile>
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+#include "base/textescape.h"
+#include "platform/spreadsheet/workbook.h"
+
+namespace Tamrix {
+
+namespace {
+
+QString toQString(const Swinder::UString& text) {
+    return QString(reinterpret_cast<const QChar*>(text.data()), text.length());
+}
+
+/// What a cell contributes to the table; empty for a cell that isn't there or holds nothing.
+QString textAt(Swinder::Sheet* sheet, unsigned column, unsigned row) {
+    const Swinder::Cell* const cell = sheet->cell(column, row, false);
+    if (!cell || cell->value().type() == Swinder::Value::Empty)
+        return QString(QLatin1String(""));
+    return cellToString(cell);
+}
+
+struct TablePlace {
+    unsigned column;
+    unsigned row;
+};
+
+/// The first cell with a text along the diagonals from the top left corner, of one diagonal the
+/// highest.
+std::optional<TablePlace> findTable(Swinder::Sheet* sheet) {
+    constexpr unsigned diagonals = 50;
+    for (unsigned diagonal = 0; diagonal < diagonals; ++diagonal) {
+        for (unsigned row = 0; row <= diagonal; ++row) {
+            if (!textAt(sheet, diagonal - row, row).isEmpty())
+                return TablePlace{diagonal - row, row};
+        }
+    }
+    return std::nullopt;
+}
+
+Swinder::Sheet* findSheet(Swinder::Workbook& workbook, const QString& name) {
+    if (name.isEmpty()) {
+        if (workbook.sheetCount() == 0)
+            qWarning("no sheets found");
+        return workbook.sheet(0);
+    }
+    for (unsigned index = 0; index < workbook.sheetCount(); ++index) {
+        if (toQString(workbook.sheet(index)->name()) == name)
+            return workbook.sheet(index);
+    }
+    std::fprintf(stderr, "tamrixrunner: sheet not found: %s\n",
+                 escapedForTerminal(name).toLocal8Bit().constData());
+    return nullptr;
+}
+
+/// From the table's first cell to the right, as far as there is a text.
+TestDataRecord* readHeader(TestDataSet* set, Swinder::Sheet* sheet, TablePlace place) {
+    auto header = std::make_unique<TestDataRecord>(set, -1);
+    for (unsigned column = place.column;; ++column) {
+        const QString text = textAt(sheet, column, place.row);
+        if (text.isEmpty())
+            return header.release();
+        header->addValue(text);
+    }
+}
+
+/// The rows below the header and as wide as it, up to one that is empty.
+void readRecords(TestDataSet* set, Swinder::Sheet* sheet, TablePlace place) {
+    const auto width = static_cast<unsigned>(set->header()->count());
+    for (unsigned row = place.row + 1; row < Swinder::Sheet::maxRows; ++row) {
+        auto record = std::make_unique<TestDataRecord>(set, set->count());
+        bool isEmpty = true;
+        for (unsigned column = 0; column < width; ++column) {
+            const QString text = textAt(sheet, place.column + column, row);
+            isEmpty = isEmpty && text.isEmpty();
+            record->addValue(text);
+        }
+        if (isEmpty)
+            return;
+        set->addRecord(record.release());
+    }
+}
+
+}  // namespace
+
+QString cellToString(const Swinder::Cell* cell) {
+    constexpr int precision = 6;
+    const Swinder::Value value = cell ? cell->value() : Swinder::Value();
+    switch (value.type()) {
+        case Swinder::Value::Boolean:
+            return QLatin1String(value.asBoolean() ? "true" : "false");
+        case Swinder::Value::Integer:
+            return QString::number(value.asInteger());
+        case Swinder::Value::Float:
+            return QString::number(value.asFloat(), 'g', precision);
+        case Swinder::Value::String:
+        case Swinder::Value::RichText:
+            return toQString(value.asString());
+        default:
+            return QLatin1String("?");
+    }
+}
+
+ExcelTestDataSet::ExcelTestDataSet(const QString& path, const QString& sheet)
+    : TestDataSet(path, '$', true) {
+    // 1. Load the file.
+    const QByteArray localPath = QFile::encodeName(path);
+    Swinder::Workbook workbook(nullptr);
+    if (!workbook.load(localPath.constData())) {
+        qWarning("Couldn't load %s", localPath.constData());
+        qWarning("%s: %s", localPath.constData(), workbook.errorText().c_str());
+        return;
+    }
+    // 2. Without its password it tells nothing.
+    if (workbook.isPasswordProtected()) {
+        qWarning("passwd protected");
+        return;
+    }
+    // 3. Choose the sheet.
+    Swinder::Sheet* const chosen = findSheet(workbook, sheet);
+    if (!chosen)
+        return;
+    // 4. Find the table's top left cell.
+    const std::optional<TablePlace> place = findTable(chosen);
+    if (!place) {
+        qWarning("no table found");
+        return;
+    }
+    // 5. The header,
+    setHeader(readHeader(this, chosen, *place));
+    // 6. and the records.
+    readRecords(this, chosen, *place);
+}
+
+}  // namespace Tamrix

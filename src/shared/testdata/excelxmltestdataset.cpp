@@ -1,0 +1,256 @@
+#include "shared/testdata/excelxmltestdataset.h"
+
+#include <minizip/unzip.h>
+#include <tinyxml.h>
+
+#include <QFile>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "base/textescape.h"
+#include "shared/testdata/excelarchive.h"
+#include "shared/testdata/excelxmlpart.h"
+#include "shared/testdata/keptwhitespace.h"
+
+namespace Tamrix {
+
+namespace {
+
+class Archive {
+public:
+    explicit Archive(const QString& path)
+        : m_handle(unzOpen(QFile::encodeName(path).constData())) {}
+    ~Archive() {
+        if (m_handle)
+            unzClose(m_handle);
+    }
+    Archive(const Archive&) = delete;
+    Archive& operator=(const Archive&) = delete;
+
+    bool isOpen() const { return m_handle != nullptr; }
+    ExcelXmlPart part(const std::string& name) {
+        return ExcelXmlPart(extractFromZipArchive(m_handle, name.c_str()));
+    }
+
+private:
+    unzFile m_handle;
+};
+
+void tell(const char* what, const QString& detail) {
+    std::fprintf(stderr, "tamrixrunner: %s%s\n", what,
+                 escapedForTerminal(detail).toLocal8Bit().constData());
+}
+
+QString textOf(const TiXmlElement* element) {
+    const char* const text = element ? element->GetText() : nullptr;
+    return QString::fromUtf8(text ? text : "");
+}
+
+/// The column, from 1, that the capital letters at the start of a cell's name give; 0 when there
+/// are none. Throws std::runtime_error when there is no such column.
+unsigned columnOf(const char* name) {
+    unsigned column = 0;
+    for (const char* letter = name; *letter >= 'A' && *letter <= 'Z'; ++letter) {
+        column = column * 26 + static_cast<unsigned>(*letter - 'A') + 1;
+        if (column > ExcelXmlTestDataSet::maxColumns)
+            throw std::runtime_error(std::string(name) + " lies beyond the last column");
+    }
+    return column;
+}
+
+class Reader {
+public:
+    Reader(TestDataSet* set, const QString& path, const QString& sheet)
+        : m_set(set), m_path(path), m_sheet(sheet) {}
+
+    void read() {
+        // 1. Open the archive.
+        Archive archive(m_path);
+        if (!archive.isOpen()) {
+            tell(".xlsx file is corrupt: ", m_path + " can't be opened as an archive");
+            return;
+        }
+        // 2. The shared strings.
+        try {
+            readSharedStrings(archive);
+        } catch (const std::runtime_error& error) {
+            if (std::strcmp(error.what(), notInArchive) != 0)
+                tell("testData Shared Strings: ", QString::fromUtf8(error.what()));
+        }
+        // 3. The workbook.
+        QString id;
+        try {
+            id = readSheetId(archive);
+        } catch (const std::runtime_error& error) {
+            tell(".xlsx file is corrupt: ", QString::fromUtf8(error.what()).trimmed());
+            return;
+        }
+        if (id.isEmpty())
+            return;
+        // 4. The sheet.
+        try {
+            readSheet(archive.part("xl/worksheets/sheet" + id.toStdString() + ".xml"));
+        } catch (const std::runtime_error& error) {
+            tell("testData Sheet: ", QString::fromUtf8(error.what()).trimmed());
+        }
+    }
+
+private:
+    void readSharedStrings(Archive& archive) {
+        archive.part("xl/sharedStrings.xml")
+            .forEach({"sst", "si"}, [this](const TiXmlElement& item) {
+                QString text;
+                const auto addTexts = [&text](const TiXmlElement& parent) {
+                    for (const TiXmlElement* part = parent.FirstChildElement("t"); part;
+                         part = part->NextSiblingElement("t"))
+                        text += textOf(part);
+                };
+                addTexts(item);
+                for (const TiXmlElement* run = item.FirstChildElement("r"); run;
+                     run = run->NextSiblingElement("r"))
+                    addTexts(*run);
+                m_strings.push_back(text);
+            });
+    }
+
+    /// The id of the sheet, empty when there is none, which was told then.
+    QString readSheetId(Archive& archive) const {
+        const ExcelXmlPart workbook = archive.part("xl/workbook.xml");
+        const std::vector<std::pair<ExcelXmlPart::Path, const char*>> needed = {
+            {{"workbook"}, "No <workbook>"},
+            {{"workbook", "sheets"}, "No <sheets>"},
+            {{"workbook", "sheets", "sheet"}, "No <sheet>"},
+        };
+        for (const auto& [path, problem] : needed) {
+            if (!workbook.has(path))
+                throw std::runtime_error(problem);
+        }
+        bool isFound = false;
+        QString id;
+        workbook.forEach({"workbook", "sheets", "sheet"}, [&](const TiXmlElement& sheet) {
+            const QString name = QString::fromUtf8(sheet.Attribute("name"));
+            if (isFound || (!m_sheet.isEmpty() && name != m_sheet))
+                return;
+            isFound = true;
+            id = QString::fromUtf8(sheet.Attribute("sheetId"));
+        });
+        if (!isFound)
+            tell("sheet not found: ", m_sheet);
+        else if (id.isEmpty())
+            throw std::runtime_error("a <sheet> has no sheetId");
+        return id;
+    }
+
+    void readSheet(const ExcelXmlPart& sheet) {
+        // 5. The width: the column of the second of the two cells that give the dimension.
+        sheet.forEach({"worksheet", "dimension"}, [this](const TiXmlElement& dimension) {
+            const char* const range = dimension.Attribute("ref");
+            const char* const colon = range ? std::strchr(range, ':') : nullptr;
+            // A single cell has no second one.
+            m_width = colon ? columnOf(colon + 1) : 1;
+        });
+        // 6. The rows.
+        sheet.forEach({"worksheet", "sheetData", "row"},
+                      [this](const TiXmlElement& row) { readRow(row); });
+    }
+
+    void readRow(const TiXmlElement& row) {
+        const char* const name = row.Attribute("r");
+        bool isNumber = false;
+        const unsigned number = QByteArray(name).toUInt(&isNumber);
+        if (isNumber && number > ExcelXmlTestDataSet::maxRows)
+            throw std::runtime_error("row " + std::string(name) + " lies beyond the last row");
+        while (isNumber && m_nextRow < number)
+            addRow(newRow());
+
+        // 7. The cells.
+        std::unique_ptr<TestDataRecord> record = newRow(0);
+        for (const TiXmlElement* cell = row.FirstChildElement("c"); cell;
+             cell = cell->NextSiblingElement("c")) {
+            const char* const place = cell->Attribute("r");
+            const unsigned column = place ? columnOf(place) : 0;
+            if (column > 0)
+                fillEmptyCells(*record, column - 1);
+            addValue(*record, valueOf(*cell));
+        }
+        fillEmptyCells(*record, m_width);
+        // 8. The first row is the header.
+        addRow(std::move(record));
+    }
+
+    /// Which value a cell has is told by the first letter of its type alone, so that "str", the
+    /// text of a formula, is taken for a shared string too.
+    QString valueOf(const TiXmlElement& cell) {
+        const char* const type = cell.Attribute("t");
+        if (type && *type == 's') {
+            unsigned index = 0;
+            const QByteArray text = textOf(cell.FirstChildElement()).toUtf8();
+            if (std::sscanf(text.constData(), "%u ", &index) == 1)
+                return sharedString(index);
+        }
+        return textOf(cell.FirstChildElement("v"));
+    }
+
+    QString sharedString(unsigned index) {
+        if (index < m_strings.size())
+            return m_strings[index];
+        if (!std::exchange(m_hasToldOfStrings, true))
+            tell("testData Sheet: ", QString(QLatin1String("no shared string %1")).arg(index));
+        return QString(QLatin1String(""));
+    }
+
+    std::unique_ptr<TestDataRecord> newRow(unsigned width) {
+        const int index = m_set->header() ? m_set->count() : -1;
+        auto record = std::make_unique<TestDataRecord>(m_set, index);
+        fillEmptyCells(*record, width);
+        return record;
+    }
+    std::unique_ptr<TestDataRecord> newRow() { return newRow(m_width); }
+
+    void fillEmptyCells(TestDataRecord& record, unsigned width) {
+        while (static_cast<unsigned>(record.count()) < width)
+            addValue(record, QString(QLatin1String("")));
+    }
+
+    void addValue(TestDataRecord& record, const QString& value) {
+        if (++m_values > ExcelXmlTestDataSet::maxValues)
+            throw std::runtime_error("the table is too large");
+        record.addValue(value);
+    }
+
+    void addRow(std::unique_ptr<TestDataRecord> record) {
+        ++m_nextRow;
+        if (m_set->header())
+            m_set->addRecord(record.release());
+        else
+            m_set->setHeader(record.release());
+    }
+
+    TestDataSet* m_set;
+    QString m_path;
+    QString m_sheet;
+    std::vector<QString> m_strings;
+    bool m_hasToldOfStrings = false;
+    unsigned m_width = 0;
+    unsigned m_nextRow = 1;
+    qint64 m_values = 0;
+};
+
+}  // namespace
+
+ExcelXmlTestDataSet::ExcelXmlTestDataSet(const QString& path, const QString& sheet)
+    : TestDataSet(path, ',', true) {
+    const KeptWhiteSpace kept;
+    try {
+        Reader(this, path, sheet).read();
+    } catch (const std::bad_alloc&) {
+        tell("testData Sheet: ", QLatin1String("not enough memory"));
+    }
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+#include <minizip/unzip.h>
+#include <minizip/zip.h>
+#include <tinyxml.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "shared/testdata/excelarchive.h"
+#include "shared/testdata/excelxmlpart.h"
+#include "shared/testdata/testdataset.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+
+using Entries = std::vector<std::pair<QByteArray, QByteArray>>;
+
+void writeArchive(const QString& path, const Entries& entries) {
+    const zipFile archive = zipOpen(QFile::encodeName(path).constData(), APPEND_STATUS_CREATE);
+    for (const auto& [name, contents] : entries) {
+        zipOpenNewFileInZip(archive, name.constData(), nullptr, nullptr, 0, nullptr, 0, nullptr,
+                            Z_DEFLATED, Z_BEST_SPEED);
+        zipWriteInFileInZip(archive, contents.constData(), static_cast<unsigned>(contents.size()));
+        zipCloseFileInZip(archive);
+    }
+    zipClose(archive, nullptr);
+}
+
+const QByteArray workbookXml =
+    "<workbook><sheets><sheet name='A' sheetId='1'/></sheets></workbook>";
+const QByteArray stringsXml =
+    "<sst><si><t>plain</t></si>"
+    "<si><r><t>a</t></r><t xml:space='preserve'> b&amp;</t><r><x/><t>c</t></r><rPh><t>d</t></rPh>"
+    "</si></sst>";
+
+QString tableOf(const TestDataSet& set) {
+    QString text;
+    const auto add = [&text](const TestDataRecord* record) {
+        for (int column = 0; record && column < record->count(); ++column)
+            text += (column ? "|" : "") + record->valueAsString(column);
+        text += "\n";
+    };
+    if (set.header())
+        add(set.header());
+    for (int row = 0; row < set.count(); ++row) {
+        EXPECT_EQ(set.record(row)->index(), row);
+        add(set.record(row));
+    }
+    return text;
+}
+
+/// The table of a sheet, one row a line, and what was written to stderr.
+std::pair<QString, QString> read(const QString& path, const QString& sheet = QString()) {
+    testing::internal::CaptureStderr();
+    const SharedPtr<TestDataSet> set(TestDataSet::createTestDataSetExcel(path, sheet));
+    QString messages = QString::fromStdString(testing::internal::GetCapturedStderr());
+    if (!set)
+        return {"null", messages};
+    EXPECT_TRUE(set->isReadOnly());
+    EXPECT_EQ(set->dataName(), path);
+    return {tableOf(*set), messages};
+}
+
+const QString folder = TAMRIX_TEST_SOURCE_DIR "/tests/platform/spreadsheet/data/";
+
+TEST(Excel, ReadsTheSameTableFromEveryWriter) {
+    // Numbers of .xls files are told with six digits, those of .xlsx files as they are stored.
+    const QString people =
+        "name|age|score|note\n"
+        "Ada|36|1.5|first & last\n"
+        "Jürgen|-7|1234567|Привет\n"
+        "|%1|0.1|  spaces  \n";
+    const struct {
+        const char* file;
+        const char* large;
+    } rows[] = {{"tables-perl.xls", "1e+10"},
+                {"tables-perl.xlsx", "10000000000"},
+                {"tables-office.xls", "1e+10"},
+                {"tables-office.xlsx", "10000000000"}};
+    for (const auto& row : rows) {
+        const std::pair expected(people.arg(row.large), QString());
+        EXPECT_EQ(read(folder + row.file), expected) << row.file;
+        EXPECT_EQ(read(folder + row.file, "People"), expected) << row.file;
+        EXPECT_EQ(read(folder + row.file, "people"),
+                  std::pair(QString(), QString("tamrixrunner: sheet not found: people\n")));
+    }
+}
+
+TEST(Excel, FindsATableAwayFromTheCorner) {
+    EXPECT_EQ(read(folder + "tables-perl.xls", "Бlad 2").first,
+              "key|value\nday|44197.5\nrich|plain\nsum|3\n");
+    EXPECT_EQ(read(folder + "tables-perl.xlsx", "Бlad 2").first,
+              "|||\n|||\n||key|value\n||day|44197.5\n||rich|plain\n||sum|3\n|||\n"
+              "||behind the table|\n");
+    EXPECT_EQ(read(folder + "tables-office.xls", "Results").first,
+              "kind|result\nnumber|3\ntext|aж\nno text|\ntruth|true\nerror|?\nrich|plain\n"
+              "boolean|0\ndate|44197.5\n");
+}
+
+TEST(Excel, ChoosesTheReaderBySuffix) {
+    for (const char* name : {"a.XLS", "a.csv", "xlsx"})
+        EXPECT_EQ(read(name).first, "null");
+    EXPECT_EQ(read("/nonexistent/a.xls").second,
+              "Couldn't load /nonexistent/a.xls\n"
+              "/nonexistent/a.xls: No such file or directory\n");
+    EXPECT_EQ(read("/nonexistent/a.xlsx").second,
+              "tamrixrunner: .xlsx file is corrupt: /nonexistent/a.xlsx can't be opened as an "
+              "archive\n");
+}
+
+TEST(ExcelXml, ReadsSheets) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xlsx");
+    const struct {
+        QByteArray sheet;
+        const char* table;
+        const char* messages;
+    } rows[] = {
+        {"<dimension ref='A1:C3'/><sheetData><row r='1'><c r='A1' t='s'><v>0</v></c></row>"
+         "<row r='3'><c r='B3' t='s'><v>1</v></c></row></sheetData>",
+         "plain||\n||\n|a b&c|\n", ""},
+        // The text that stands directly in the item comes first.
+        {"<sheetData><row r='2'><c r='B2'><v> 1</v></c><c><v/></c><c r='D2' t='b'><v>1</v></c>"
+         "</row></sheetData>",
+         "\n| 1||1\n", ""},
+        {"<dimension ref='B2'/><sheetData><row><c r='A1'/></row><row/></sheetData>", "\n\n", ""},
+        {"<dimension ref='A1:B1'/><sheetData><row r='1'><c r='C1'><v>x</v></c></row>"
+         "<row r='2'/></sheetData>",
+         "||x\n|\n", ""},
+        {"<sheetData><row><c r='A1' t='str'><f>A2</f><v>x</v></c><c t='str'><v>1</v></c>"
+         "<c t='inlineStr'><is><t>x</t></is></c></row></sheetData>",
+         "x| b&ac|\n", ""},
+        {"<sheetData><row><c t='s'><v>7</v></c><c t='s'><v>8</v></c></row></sheetData>", "|\n",
+         "tamrixrunner: testData Sheet: no shared string 7\n"},
+        {"<sheetData><row r='1048577'/></sheetData>", "",
+         "tamrixrunner: testData Sheet: row 1048577 lies beyond the last row\n"},
+        {"<sheetData><row><c r='XFE1'/></row></sheetData>", "",
+         "tamrixrunner: testData Sheet: XFE1 lies beyond the last column\n"},
+        {"<dimension ref='A1:XFD9'/><sheetData><row r='1048576'/></sheetData>", nullptr,
+         "tamrixrunner: testData Sheet: the table is too large\n"},
+        {"<sheetData>\n<row></sheetData>", "",
+         "tamrixrunner: testData Sheet: line 2: an end tag of sheetData that ends nothing\n"},
+    };
+    for (const auto& row : rows) {
+        writeArchive(path,
+                     {{"xl/workbook.xml", workbookXml},
+                      {"xl/sharedStrings.xml", stringsXml},
+                      {"xl/worksheets/sheet1.xml", "<worksheet>" + row.sheet + "</worksheet>"}});
+        const auto [table, messages] = read(path);
+        if (row.table) {
+            EXPECT_EQ(table, row.table) << row.sheet.constData();
+        }
+        EXPECT_EQ(messages, row.messages);
+    }
+}
+
+TEST(ExcelXml, TellsWhatIsMissing) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xlsx");
+    const struct {
+        const char* workbook;
+        const char* messages;
+    } rows[] = {
+        {"<x/>", "tamrixrunner: .xlsx file is corrupt: No <workbook>\n"},
+        {"<workbook/>", "tamrixrunner: .xlsx file is corrupt: No <sheets>\n"},
+        {"<workbook><sheets/></workbook>", "tamrixrunner: .xlsx file is corrupt: No <sheet>\n"},
+        {"<workbook><sheets><sheet/></sheets></workbook>",
+         "tamrixrunner: .xlsx file is corrupt: a <sheet> has no sheetId\n"},
+        {workbookXml, "tamrixrunner: testData Sheet: file is not contained in the archive!\n"},
+    };
+    for (const auto& row : rows) {
+        writeArchive(path, {{"xl/workbook.xml", row.workbook}});
+        EXPECT_EQ(read(path), std::pair(QString(), QString(row.messages)));
+    }
+    writeArchive(path, {{"xl/sharedStrings.xml", "<sst>"}});
+    EXPECT_EQ(read(path).second,
+              "tamrixrunner: testData Shared Strings: line 1: element sst has no end\n"
+              "tamrixrunner: .xlsx file is corrupt: file is not contained in the archive!\n");
+    EXPECT_TRUE(TiXmlBase::IsWhiteSpaceCondensed());
+}
+
+TEST(ExcelXmlPart, RefusesWhatTinyXmlMustNotGet) {
+    const auto problemOf = [](const QByteArray& text) -> std::string {
+        try {
+            ExcelXmlPart(text).forEach({"a", "b"}, [](const TiXmlElement&) {});
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "";
+    };
+    QByteArray attributes;
+    for (int i = 0; i <= ExcelXmlPart::maxAttributes; ++i)
+        attributes += " x" + QByteArray::number(i) + "=''";
+    const QByteArray large(static_cast<int>(ExcelXmlPart::maxElementSize), 'x');
+    const struct {
+        QByteArray text;
+        const char* problem;
+    } rows[] = {
+        {"\xef\xbb\xbf<?xml version='1.0'?><!-- <a> --><a c='>'><b d = \"'\"/><![CDATA[</b>]]></a>",
+         ""},
+        {"<!DOCTYPE a [<!ENTITY x 'y'>]><a/>", "line 1: a document type, which is not allowed"},
+        {"<a><b\n>", "line 2: element b has no end"},
+        {"<a></b></a>", "line 1: an end tag of b that ends nothing"},
+        {"<a b=c/>", "line 1: an attribute's value without quotes"},
+        {"<a><b", "line 1: a tag has no end"},
+        {"<a" + attributes + "/>", "line 1: too many attributes"},
+        {QByteArray("<a>").repeated(1001), "line 1: elements are nested too deep"},
+        {"<a><b>" + large + "</b></a>", "line 1: an element is too large"},
+        {"<a>\n<b>\xff</b></a>", "line 2: A byte that is not UTF-8."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(problemOf(row.text), row.problem) << row.text.left(50).constData();
+}
+
+TEST(ExcelArchive, ChecksWhatItUnpacks) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.zip");
+    const auto extract = [&path](const char* name) -> QByteArray {
+        unzFile archive = unzOpen(QFile::encodeName(path).constData());
+        QByteArray result;
+        try {
+            result = extractFromZipArchive(archive, name);
+        } catch (const std::runtime_error& error) {
+            result = error.what();
+        }
+        unzClose(archive);
+        return result;
+    };
+    const QByteArray contents(100000, 'x');
+    writeArchive(path, {{"a", contents}, {"empty", ""}});
+    EXPECT_EQ(extract("a"), contents);
+    EXPECT_EQ(extract("empty"), "");
+    EXPECT_EQ(extract("A"), notInArchive);
+
+    // The size and the check sum stand in the entry itself and in the directory.
+    const QByteArray sound = readFile(path);
+    const int entry = 0;
+    const int directory = sound.indexOf("PK\1\2");
+    const auto withNumber = [&sound](int offset, int inEntry, quint32 number) {
+        QByteArray changed = sound;
+        for (int i = 0; i < 4; ++i) {
+            changed[offset + i] = static_cast<char>(number >> (8 * i));
+            changed[inEntry + i] = static_cast<char>(number >> (8 * i));
+        }
+        return changed;
+    };
+    ASSERT_TRUE(writeFile(path, withNumber(directory + 24, entry + 22, 1000)));
+    EXPECT_EQ(extract("a"), "crc check failed! ");
+    ASSERT_TRUE(writeFile(path, withNumber(directory + 24, entry + 22, 100001)));
+    EXPECT_EQ(extract("a"), "unknown error when extracting data 'a'.");
+    ASSERT_TRUE(writeFile(path, withNumber(directory + 24, entry + 22, (512U << 20) + 1)));
+    EXPECT_EQ(extract("a"), "a is larger than 512 MiB");
+    ASSERT_TRUE(writeFile(path, withNumber(directory + 16, entry + 14, 5)));
+    EXPECT_EQ(extract("a"), "crc check failed! ");
+
+    void* none = nullptr;
+    EXPECT_THROW(extractFromZipArchive(none, "a"), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace Tamrix
