@@ -72,16 +72,17 @@ TestDataRecord* readHeader(TestDataSet* set, Swinder::Sheet* sheet, TablePlace p
 void readRecords(TestDataSet* set, Swinder::Sheet* sheet, TablePlace place) {
     const auto width = static_cast<unsigned>(set->header()->count());
     for (unsigned row = place.row + 1; row < Swinder::Sheet::maxRows; ++row) {
-        auto record = std::make_unique<TestDataRecord>(set, set->count());
+        QVector<QString> values;
+        values.reserve(static_cast<int>(width));
         bool isEmpty = true;
         for (unsigned column = 0; column < width; ++column) {
             const QString text = textAt(sheet, place.column + column, row);
             isEmpty = isEmpty && text.isEmpty();
-            record->addValue(text);
+            values.append(text);
         }
         if (isEmpty)
             return;
-        set->addRecord(record.release());
+        set->addRecord(new TestDataRecord(set, set->count(), values));
     }
 }
 

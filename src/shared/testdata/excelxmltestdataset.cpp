@@ -4,12 +4,14 @@
 #include <tinyxml.h>
 
 #include <QFile>
+#include <QVector>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/textescape.h"
@@ -153,6 +155,8 @@ private:
             const char* const colon = range ? std::strchr(range, ':') : nullptr;
             // A single cell has no second one.
             m_width = colon ? columnOf(colon + 1) : 1;
+            m_emptyRow.clear();
+            fillEmptyCells(m_emptyRow, m_width);
         });
         // 6. The rows.
         sheet.forEach({"worksheet", "sheetData", "row"},
@@ -166,21 +170,25 @@ private:
         if (isNumber && number > ExcelXmlTestDataSet::maxRows)
             throw std::runtime_error("row " + std::string(name) + " lies beyond the last row");
         while (isNumber && m_nextRow < number)
-            addRow(newRow());
+            addRow(m_emptyRow);
 
         // 7. The cells.
-        std::unique_ptr<TestDataRecord> record = newRow(0);
+        QVector<QString> values;
+        values.reserve(static_cast<int>(m_width));
         for (const TiXmlElement* cell = row.FirstChildElement("c"); cell;
              cell = cell->NextSiblingElement("c")) {
             const char* const place = cell->Attribute("r");
             const unsigned column = place ? columnOf(place) : 0;
             if (column > 0)
-                fillEmptyCells(*record, column - 1);
-            addValue(*record, valueOf(*cell));
+                fillEmptyCells(values, column - 1);
+            values.append(valueOf(*cell));
         }
-        fillEmptyCells(*record, m_width);
+        fillEmptyCells(values, m_width);
+        m_valueCount += values.size();
+        if (m_valueCount > ExcelXmlTestDataSet::maxValues)
+            throw std::runtime_error("the table is too large");
         // 8. The first row is the header.
-        addRow(std::move(record));
+        addRow(values);
     }
 
     /// Which value a cell has is told by the first letter of its type alone, so that "str", the
@@ -204,31 +212,20 @@ private:
         return QString(QLatin1String(""));
     }
 
-    std::unique_ptr<TestDataRecord> newRow(unsigned width) {
-        const int index = m_set->header() ? m_set->count() : -1;
-        auto record = std::make_unique<TestDataRecord>(m_set, index);
-        fillEmptyCells(*record, width);
-        return record;
-    }
-    std::unique_ptr<TestDataRecord> newRow() { return newRow(m_width); }
-
-    void fillEmptyCells(TestDataRecord& record, unsigned width) {
-        while (static_cast<unsigned>(record.count()) < width)
-            addValue(record, QString(QLatin1String("")));
+    static void fillEmptyCells(QVector<QString>& values, unsigned width) {
+        const QString empty(QLatin1String(""));
+        while (static_cast<unsigned>(values.size()) < width)
+            values.append(empty);
     }
 
-    void addValue(TestDataRecord& record, const QString& value) {
-        if (++m_values > ExcelXmlTestDataSet::maxValues)
-            throw std::runtime_error("the table is too large");
-        record.addValue(value);
-    }
-
-    void addRow(std::unique_ptr<TestDataRecord> record) {
+    void addRow(const QVector<QString>& values) {
         ++m_nextRow;
-        if (m_set->header())
-            m_set->addRecord(record.release());
+        const int index = m_set->header() ? m_set->count() : -1;
+        auto row = std::make_unique<TestDataRecord>(m_set, index, values);
+        if (index < 0)
+            m_set->setHeader(row.release());
         else
-            m_set->setHeader(record.release());
+            m_set->addRecord(row.release());
     }
 
     TestDataSet* m_set;
@@ -238,7 +235,9 @@ private:
     bool m_hasToldOfStrings = false;
     unsigned m_width = 0;
     unsigned m_nextRow = 1;
-    qint64 m_values = 0;
+    qint64 m_valueCount = 0;
+    /// Shared by all rows that the file leaves out.
+    QVector<QString> m_emptyRow;
 };
 
 }  // namespace

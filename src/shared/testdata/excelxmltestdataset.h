@@ -10,8 +10,8 @@ class TAMRIX_EXPORT ExcelXmlTestDataSet : public TestDataSet {
 public:
     static constexpr unsigned maxColumns = 16384;
     static constexpr unsigned maxRows = 1048576;
-    /// A table with more values than this is not read to its end: rows that a file leaves out take
-    /// memory all the same.
+    /// A table with more values than this is not read to its end: cells that a row leaves out take
+    /// memory all the same. Rows that are left out as a whole don't count.
     static constexpr qint64 maxValues = qint64(1) << 25;
 
     /// Reads the sheet of that name, the first one if it is empty. What goes wrong is told on

@@ -23,6 +23,9 @@ public:
     /// renumbers it later.
     TestDataRecord(TestDataSet* set, int index) : m_set(set), m_index(index) {}
 
+    /// A row of the values; rows may share them.
+    TestDataRecord(TestDataSet* set, int index, const QVector<QString>& values)
+        : m_set(set), m_values(values), m_index(index) {}
     /// The row of a line in the text of `set`.
     TestDataRecord(TestDataSet* set, int index, const TextLine& line);
 
