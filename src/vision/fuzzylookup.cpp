@@ -270,7 +270,7 @@ QPair<ImageLookupOptions, QList<QRect>> fuzzyBestOccurrences(Haystack& haystack,
             known.insert(rect.topLeft());
             const auto behind = std::partition_point(
                 rects.begin(), rects.end(),
-                [&](const QRect& each) { return isLowerOccurrence(each, rect); });
+                [&place = rect](const QRect& each) { return isLowerOccurrence(each, place); });
             rects.insert(behind, rect);
         }
     };
