@@ -26,15 +26,15 @@ const std::vector<XmlOptionDescription>& xmlCompareOptionDescriptions() {
 
 bool readWhitespaceHandling(const QString& value, bool* normalize, bool* trim) {
     struct Row {
-        QLatin1String value;
+        const char* value;
         bool normalize;
         bool trim;
     };
-    static constexpr Row table[] = {{QLatin1String("normalize"), true, false},
-                                    {QLatin1String("trim"), false, true},
-                                    {QLatin1String("preserve"), false, false}};
-    const Row* const row = std::find_if(std::begin(table), std::end(table),
-                                        [&value](const Row& each) { return each.value == value; });
+    static constexpr Row table[] = {
+        {"normalize", true, false}, {"trim", false, true}, {"preserve", false, false}};
+    const Row* const row =
+        std::find_if(std::begin(table), std::end(table),
+                     [&value](const Row& each) { return value == QLatin1String(each.value); });
     if (row == std::end(table))
         return false;
     *normalize = row->normalize;

@@ -87,8 +87,7 @@ ScaleTiles::ScaleTiles(Haystack& haystack, const QList<Resize*>& sizes, int sear
         const TileGrid grid(box, common.smallest, common.largest);
         const double most = mostSpectrumBytes * box.width() * box.height();
         const bool isShared = common.searches > searches;
-        common.keepsSpectra =
-            isShared && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
+        common.keepsSpectra = isShared && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
     }
 }
 
@@ -141,34 +140,100 @@ QList<QRect> fastAllOccurrences(Haystack& haystack, const Resize& resize, double
     return scan.occurrences();
 }
 
-double fastBestScore(Haystack& haystack, const Resize& resize, double required, BestBar& bar,
-                     ScaleTiles& tiles) {
-    if (!fits(haystack, resize.image.size()))
-        return 0;
-    OneSearch one(haystack, resize, tiles);
-    const auto raise = [](std::atomic<double>& value, double to) {
-        double from = value;
-        while (from < to && !value.compare_exchange_weak(from, to)) {
+namespace {
+
+// Raises the value to `to`, if it is lower.
+void raise(std::atomic<double>& value, double to) {
+    double from = value;
+    while (from < to && !value.compare_exchange_weak(from, to)) {
+    }
+}
+
+// The best positions of one size while they are found, by several threads.
+class BestPositions {
+public:
+    explicit BestPositions(double cap) : m_cap(cap) {}
+
+    struct Position {
+        double score;
+        QPoint place;
+    };
+
+    // The score that the next position must have to be of interest.
+    double bar() const {
+        const double best = m_best;
+        if (!m_hasOverflowed)
+            return std::min(best, m_cap) - tiny;
+        // Places that are as good don't count any more, and none is better than the cap.
+        return best >= m_cap ? 2 : best + scoreStep - tiny;
+    }
+
+    void take(double truncated, int x, int y) {
+        const std::lock_guard lock(m_mutex);
+        if (truncated < std::min(m_best.load(), m_cap))
+            return;
+        if (truncated > m_best && m_best < m_cap) {
+            m_positions.clear();
+            m_hasOverflowed = false;
         }
-    };
-    std::atomic<double> best = 0;
+        raise(m_best, truncated);
+        if (m_positions.size() < mostNoted)
+            m_positions.push_back({truncated, {x, y}});
+        else
+            m_hasOverflowed = true;
+    }
+
+    // When all threads are done.
+    double best() const { return m_best; }
+    bool hasOverflowed() const { return m_hasOverflowed; }
+    const std::vector<Position>& positions() const { return m_positions; }
+
+private:
+    static constexpr std::size_t mostNoted = 256;
+
+    const double m_cap;
+    std::atomic<double> m_best = 0;
+    std::atomic<bool> m_hasOverflowed = false;
+    std::mutex m_mutex;
+    std::vector<Position> m_positions;
+};
+
+QList<QPair<double, QRect>> withScores(const OneSearch& one, const OccurrenceScan& scan) {
+    QList<QPair<double, QRect>> scored;
+    for (const QRect& rect : scan.occurrences())
+        scored.append({truncatedScore(one.score(rect.topLeft())), rect});
+    return scored;
+}
+
+}  // namespace
+
+BestOfSize fastBestOfSize(Haystack& haystack, const Resize& resize, double required, int limit,
+                          BestBar& bar, ScaleTiles& tiles) {
+    if (!fits(haystack, resize.image.size()))
+        return {};
+    OneSearch one(haystack, resize, tiles);
+    BestPositions best(bar.cap);
     CorrelationSearch::RisingBar rising;
-    rising.bar = [&] {
-        const double own = best;
-        if (own >= bar.cap)
-            return 2.0;  // No score is higher.
-        // The next score that counts as better is a step away.
-        return std::max(bar.floor - tiny, own > 0 ? own + scoreStep - tiny : 0);
-    };
-    rising.offer = [&](double score) {
+    rising.bar = [&] { return std::max(bar.floor - tiny, best.bar()); };
+    rising.offer = [&](double score, int x, int y) {
         const double truncated = truncatedScore(score);
-        raise(best, truncated);
+        best.take(truncated, x, y);
         if (truncated >= required && required <= bar.cap)
             raise(bar.floor, std::min(truncated, bar.cap));
     };
     rising.isAllowed = [&](int x, int y) { return one.allows(x, y); };
     one.search().offerBest(rising);
-    return best;
+    BestOfSize result;
+    result.score = best.best();
+    if (!best.hasOverflowed()) {
+        PositionBitmap accepted(one.search().positions());
+        for (const BestPositions::Position& position : best.positions())
+            accepted.set(position.place.x(), position.place.y());
+        OccurrenceScan scan = one.scan(limit);
+        scan.advance(accepted, accepted.size().height());
+        result.occurrences = withScores(one, scan).mid(0, limit);
+    }
+    return result;
 }
 
 QList<QPair<double, QRect>> fastOccurrencesFrom(Haystack& haystack, const Resize& resize,
@@ -179,14 +244,11 @@ QList<QPair<double, QRect>> fastOccurrencesFrom(Haystack& haystack, const Resize
     OneSearch one(haystack, resize, tiles);
     const auto isEnough = [bar](double score) { return truncatedScore(score) >= bar; };
     const ScoreTest test = {bar - tiny, bar + 1.1 * scoreStep, isEnough};
-    OccurrenceScan scan = one.scan(limit - 1);
+    OccurrenceScan scan = one.scan(limit - 1);  // which ends behind `limit`
     PositionBitmap accepted(positions.size());
     one.search().markAccepted(test, positions.height(), accepted,
                               [&](int complete) { return scan.advance(accepted, complete); });
-    QList<QPair<double, QRect>> scored;
-    for (const QRect& rect : scan.occurrences())
-        scored.append({truncatedScore(one.score(rect.topLeft())), rect});
-    return scored;
+    return withScores(one, scan);
 }
 
 }  // namespace Tamrix::Vision::BasicImageLookup

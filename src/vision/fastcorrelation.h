@@ -7,6 +7,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "vision/basicimagelookup.h"
@@ -58,11 +59,20 @@ struct BestBar {
     std::atomic<double> floor;
 };
 
-/// The highest truncated score of an allowed position, 0 if none reaches the bar's floor. A score
-/// from `required` on raises the floor for the other sizes; not if `required` is above the bar's
-/// cap.
-double fastBestScore(Haystack& haystack, const Resize& resize, double required, BestBar& bar,
-                     ScaleTiles& tiles);
+/// The places of a size with the highest score.
+struct BestOfSize {
+    /// The highest truncated score of an allowed position, 0 if none reaches the bar's floor.
+    double score = 0;
+    /// At most as many as were asked for, in the order of text, with their truncated scores. Not
+    /// there when there were too many places as good as this to be noted: fastOccurrencesFrom()
+    /// finds them.
+    std::optional<QList<QPair<double, QRect>>> occurrences;
+};
+
+/// Finds the best places of a size. A score from `required` on raises the bar's floor for the other
+/// sizes; not if `required` is above the bar's cap.
+BestOfSize fastBestOfSize(Haystack& haystack, const Resize& resize, double required, int limit,
+                          BestBar& bar, ScaleTiles& tiles);
 
 /// At most `limit` occurrences whose truncated scores are `bar` or more, with these scores.
 QList<QPair<double, QRect>> fastOccurrencesFrom(Haystack& haystack, const Resize& resize,

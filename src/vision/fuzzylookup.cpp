@@ -1,6 +1,7 @@
 #include "vision/fuzzylookup.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "vision/fastcorrelation.h"
@@ -170,8 +171,8 @@ struct BestSearch {
 template <typename Consume>
 void BestSearch::forEachSizeFast(Consume consume) const {
     ScaleTiles tiles(haystack, sizes, 2);
-    std::vector<double> highest(sizes.size(), cap);
-    std::vector<int> order(sizes.size());
+    // Without a rising bar all scores from the cap on are looked for.
+    std::vector<BestOfSize> best(sizes.size(), BestOfSize{cap, std::nullopt});
     BestBar bar{cap, start};
     if (start < cap) {
         // No size accepts a score below 0.99 before another one has raised the bar.
@@ -184,19 +185,21 @@ void BestSearch::forEachSizeFast(Consume consume) const {
                               [this](const Resize* resize) { return resize == &needle; });
         const auto search = [&](Resize* resize) {
             const double least = acceptsAnyScore ? 0 : required(resize);
-            return fastBestScore(haystack, *resize, least, bar, tiles);
+            return fastBestOfSize(haystack, *resize, least, limit, bar, tiles);
         };
-        forEachSize(searched, needle, search, [&](Resize* resize, double score) {
-            highest[sizes.indexOf(resize)] = std::min(score, cap);
+        forEachSize(searched, needle, search, [&](Resize* resize, const BestOfSize& found) {
+            best[sizes.indexOf(resize)] = found;
         });
     }
     // 2. The occurrences.
     const double floor = bar.floor;
     const auto list = [&](Resize* resize) {
-        const double score = highest[sizes.indexOf(resize)];
+        const auto& [highest, occurrences] = best[sizes.indexOf(resize)];
+        const double score = std::min(highest, cap);
         if (score < floor || (start < cap && score <= start))
             return QList<Scored>();
-        return fastOccurrencesFrom(haystack, *resize, score, limit, tiles);
+        return occurrences ? *occurrences
+                           : fastOccurrencesFrom(haystack, *resize, score, limit, tiles);
     };
     forEachSize(sizes, needle, list, consume);
 }
@@ -267,7 +270,7 @@ QPair<ImageLookupOptions, QList<QRect>> fuzzyBestOccurrences(Haystack& haystack,
             known.insert(rect.topLeft());
             const auto behind = std::partition_point(
                 rects.begin(), rects.end(),
-                [&](const QRect& each) { return isLowerOccurrence(each, rect); });
+                [&place = rect](const QRect& each) { return isLowerOccurrence(each, place); });
             rects.insert(behind, rect);
         }
     };

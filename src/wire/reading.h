@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QString>
+#include <QtEndian>
 
 #include "wire/protocol.h"
 
@@ -30,13 +31,12 @@ inline int readCount(QDataStream& stream, int elementSize) {
 
 /// Whether the length that comes next can be true; looks without taking it.
 inline bool hasWholeBlock(QDataStream& stream) {
-    QByteArray head = stream.device()->peek(4);
-    if (head.size() < 4) {
+    char head[sizeof(quint32)];
+    if (stream.device()->peek(head, sizeof head) < qint64(sizeof head)) {
         stream.setStatus(QDataStream::ReadPastEnd);
         return false;
     }
-    quint32 length = 0;
-    QDataStream(head) >> length;
+    const auto length = qFromBigEndian<quint32>(head);
     constexpr quint32 nullBlock = 0xffffffff;
     if (length != nullBlock && length > stream.device()->bytesAvailable() - 4) {
         setCorrupt(stream);

@@ -20,8 +20,8 @@ std::vector<Pair> pairsOf(const std::vector<Run>& runs, const Lines& first, cons
     std::vector<Pair> pairs;
     for (const Run& run : runs) {
         const Lines& lines = run.operation == Insert ? second : first;
-        for (int i = 0; i < run.count; ++i)
-            pairs.emplace_back(run.operation, lines.at(static_cast<std::size_t>(run.begin + i)));
+        for (int i = run.begin; i < run.begin + run.count; ++i)
+            pairs.emplace_back(run.operation, lines.at(static_cast<std::size_t>(i)));
     }
     return pairs;
 }

@@ -91,8 +91,9 @@ void testDataGet(Call& call) {
     if (!file.open(QIODevice::ReadOnly))
         refuse(name, QStringLiteral("can't be read: %1").arg(file.errorString()));
     if (file.size() > mostTransportBytes)
-        refuse(name,
-               QStringLiteral("is larger than %1 bytes, which can be sent").arg(mostTransportBytes));
+        refuse(
+            name,
+            QStringLiteral("is larger than %1 bytes, which can be sent").arg(mostTransportBytes));
     const QByteArray bytes = file.readAll();
     if (file.error() != QFile::NoError)
         refuse(name, QStringLiteral("can't be read: %1").arg(file.errorString()));

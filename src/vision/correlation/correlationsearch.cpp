@@ -97,7 +97,7 @@ void CorrelationSearch::markAccepted(const ScoreTest& test, int rows, PositionBi
         for (int y = 0; y < rows; ++y) {
             for (int x = 0; x < m_positions.width(); ++x) {
                 if (test.accepts(exactScore(m_picture, m_needle, x, y, test.lowest)))
-                    accepted.row(y)[x / 8] |= 1U << (x % 8);
+                    accepted.set(x, y);
             }
         }
         done(rows);
@@ -278,8 +278,13 @@ void CorrelationSearch::offerBest(const RisingBar& rising) {
 }
 
 void CorrelationSearch::offer(const RisingBar& rising, int x, int y) {
-    if (rising.isAllowed(x, y))
-        rising.offer(exactScore(m_picture, m_needle, x, y, rising.bar()));
+    if (!rising.isAllowed(x, y))
+        return;
+    const double bar = rising.bar();
+    // What is below the bar may be the score of one channel only.
+    const double score = exactScore(m_picture, m_needle, x, y, bar);
+    if (score >= bar)
+        rising.offer(score, x, y);
 }
 
 void CorrelationSearch::offerPair(const RisingBar& rising, int pair, Worker& worker) {

@@ -45,12 +45,11 @@ public:
     void markAccepted(const ScoreTest& test, int rows, PositionBitmap& accepted,
                       const std::function<bool(int)>& done);
 
-    /// Lets `raise` see the scores that could be above the bar: bar() tells the score that is to be
-    /// beaten, and offer() takes the exact score of a position at which `isAllowed` holds. Both are
-    /// called by all threads of the search.
+    /// bar() tells the score from which on positions are of interest, and offer() takes the exact
+    /// scores of those for which isAllowed() holds. All are called by all threads of the search.
     struct RisingBar {
         std::function<double()> bar;
-        std::function<void(double score)> offer;
+        std::function<void(double score, int x, int y)> offer;
         std::function<bool(int x, int y)> isAllowed;
     };
     void offerBest(const RisingBar& rising);

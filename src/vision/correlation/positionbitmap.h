@@ -24,6 +24,7 @@ public:
     const std::uint64_t* words(int y) const { return m_words.data() + y * (m_stride / 8); }
     int wordsPerRow() const { return static_cast<int>(m_stride / 8); }
 
+    void set(int x, int y) { row(y)[x / 8] |= 1U << (x % 8); }
     bool test(int x, int y) const { return words(y)[x / 64] >> (x % 64) & 1; }
 
 private:

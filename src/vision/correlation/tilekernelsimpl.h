@@ -366,6 +366,8 @@ inline ExactSums exactSums(const std::uint8_t* pixels, std::ptrdiff_t stride,
 }
 
 extern const TileKernels kernels;
+// Each source that includes this has a namespace of its own.
+// NOLINTNEXTLINE(misc-definitions-in-headers)
 const TileKernels kernels = {lanes == 8 ? "avx2" : "baseline",
                              lanes,
                              splitPixels,

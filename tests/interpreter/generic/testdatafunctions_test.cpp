@@ -2,8 +2,8 @@
 
 #include <QTemporaryDir>
 
-#include "interpreter/generic/apitest.h"
 #include "base/bytetext.h"
+#include "interpreter/generic/apitest.h"
 #include "support/environmentguard.h"
 #include "support/files.h"
 
@@ -26,14 +26,16 @@ private:
 class TestDataFunctions : public ApiTest {
 protected:
     TestDataFunctions() {
-        EXPECT_TRUE(writeFile(folder.filePath("case/testdata/local.tsv"), "name\tage\nAda\t36\nBob"));
+        EXPECT_TRUE(
+            writeFile(folder.filePath("case/testdata/local.tsv"), "name\tage\nAda\t36\nBob"));
         EXPECT_TRUE(writeFile(folder.filePath("shared/testdata/local.tsv"), "wrong\n"));
         EXPECT_TRUE(writeFile(folder.filePath("shared/testdata/shared.txt"), "a;b\n1;2\n"));
         EXPECT_TRUE(writeFile(folder.filePath("shared/testdata/plain.txt"), "text\n"));
     }
 
     SharedPtr<ScriptArgument> row(const char* name, int index) {
-        EXPECT_FALSE(context.call(testDataDataSet, {text(name)})) << context.errorMessage().toStdString();
+        EXPECT_FALSE(context.call(testDataDataSet, {text(name)}))
+            << context.errorMessage().toStdString();
         return new RowArgument(context.result->toTestDataSet(), index);
     }
 
@@ -55,31 +57,31 @@ TEST_F(TestDataFunctions, ReadsTablesOfTheSuite) {
     EXPECT_EQ(call(testDataField, {row("shared.txt", 0), text("b")}), "2");
 
     EXPECT_TRUE(writeFile("testdata/folder.csv/x"));
-    expectRefusals(
-        {{testDataDataSet, {}, "dataset() requires a name argument"},
-         {testDataDataSet, {integer(1)}, "dataset() requires a name argument"},
-         {testDataDataSet, {text("none.csv")}, "File 'none.csv' couldn't be found."},
-         {testDataDataSet,
-          {text("folder.csv")},
-          "Data set 'testdata/folder.csv' couldn't be parsed."},
-         {testDataDataSetExcel,
-          {text("a"), integer(1)},
-          "datasetExcel() requires either a filename or a filename and a sheet name"},
-         {testDataDataSetExcel,
-          {text("local.tsv"), text("x")},
-          "Data set 'testdata/local.tsv' couldn't be parsed."},
-         {testDataField, {ada}, "field() expects two arguments"},
-         {testDataField, {text("x"), text("age")}, "Invalid test data record"},
-         {testDataField, {ada, integer(-1)}, "Invalid field index -1"},
-         {testDataField, {ada, integer(2)}, "Invalid field index 2"},
-         {testDataField, {ada, text("none")}, "Invalid field: none"},
-         {testDataField,
-          {ada, new FakeArgument(1.0)},
-          "Field argument must be of a string or a number"},
-         {testDataFieldNames, {}, "fieldNames() expects a recordset argument"},
-         {testDataFieldNames, {text("x")}, "Invalid test data record"}});
-    EXPECT_EQ(call(testDataDataSet, {text("plain.txt")}),
-              "Data set '" + folder.filePath("shared/testdata/plain.txt") + "' couldn't be parsed.");
+    expectRefusals({{testDataDataSet, {}, "dataset() requires a name argument"},
+                    {testDataDataSet, {integer(1)}, "dataset() requires a name argument"},
+                    {testDataDataSet, {text("none.csv")}, "File 'none.csv' couldn't be found."},
+                    {testDataDataSet,
+                     {text("folder.csv")},
+                     "Data set 'testdata/folder.csv' couldn't be parsed."},
+                    {testDataDataSetExcel,
+                     {text("a"), integer(1)},
+                     "datasetExcel() requires either a filename or a filename and a sheet name"},
+                    {testDataDataSetExcel,
+                     {text("local.tsv"), text("x")},
+                     "Data set 'testdata/local.tsv' couldn't be parsed."},
+                    {testDataField, {ada}, "field() expects two arguments"},
+                    {testDataField, {text("x"), text("age")}, "Invalid test data record"},
+                    {testDataField, {ada, integer(-1)}, "Invalid field index -1"},
+                    {testDataField, {ada, integer(2)}, "Invalid field index 2"},
+                    {testDataField, {ada, text("none")}, "Invalid field: none"},
+                    {testDataField,
+                     {ada, new FakeArgument(1.0)},
+                     "Field argument must be of a string or a number"},
+                    {testDataFieldNames, {}, "fieldNames() expects a recordset argument"},
+                    {testDataFieldNames, {text("x")}, "Invalid test data record"}});
+    EXPECT_EQ(
+        call(testDataDataSet, {text("plain.txt")}),
+        "Data set '" + folder.filePath("shared/testdata/plain.txt") + "' couldn't be parsed.");
 }
 
 TEST_F(TestDataFunctions, MakesFoldersForNewFiles) {
@@ -124,15 +126,14 @@ TEST_F(TestDataFunctions, ExchangesFilesWithTheApplication) {
     EXPECT_EQ(call(testDataRemove, {text("local.tsv")}), "true");
     files["broken"] = "2x";
     QFile::remove("local.tsv");
-    expectRefusals(
-        {{testDataExists, {text("local.tsv")}, "it has no such file"},
-         {testDataGet, {text("local.tsv")}, "Failed to fetch file 'local.tsv'"},
-         {testDataGet, {text("broken")}, "Failed to fetch file 'broken'"},
-         {testDataPut, {text("none")}, "File 'none' couldn't be found."},
-         {testDataPut, {}, "put() takes a string argument"},
-         {testDataGet, {integer(1)}, "get() takes a string argument"},
-         {testDataExists, {}, "exists() takes a string argument"},
-         {testDataRemove, {text("a"), text("b")}, "remove() takes a string argument"}});
+    expectRefusals({{testDataExists, {text("local.tsv")}, "it has no such file"},
+                    {testDataGet, {text("local.tsv")}, "Failed to fetch file 'local.tsv'"},
+                    {testDataGet, {text("broken")}, "Failed to fetch file 'broken'"},
+                    {testDataPut, {text("none")}, "File 'none' couldn't be found."},
+                    {testDataPut, {}, "put() takes a string argument"},
+                    {testDataGet, {integer(1)}, "get() takes a string argument"},
+                    {testDataExists, {}, "exists() takes a string argument"},
+                    {testDataRemove, {text("a"), text("b")}, "remove() takes a string argument"}});
     EXPECT_FALSE(QFile::exists("local.tsv") || QFile::exists("broken"));
 }
 

@@ -78,9 +78,7 @@ public:
                     }
                     break;
                 case State::Inside:
-                    if (c == QLatin1Char(separator))
-                        append(c);
-                    else if (c != '"')
+                    if (c != '"' || c == QLatin1Char(separator))
                         append(c);
                     else if (i + 1 < line.size())
                         state = State::QuoteSeen;

@@ -73,7 +73,8 @@ double best(const Case& sample, double start) {
     CorrelationSearch search(picture, needle,
                              std::make_shared<SharedTiles>(picture, size, size, false), 1);
     double bar = start;
-    search.offerBest({[&] { return bar; }, [&](double score) { bar = std::max(bar, score); },
+    search.offerBest({[&] { return bar; },
+                      [&](double score, int, int) { bar = std::max(bar, score); },
                       [](int, int) { return true; }});
     return bar;
 }

@@ -162,5 +162,113 @@ TEST(FuzzyLookup, PlainAndFastSearchFindTheSameBest) {
     }
 }
 
+QList<int> widths(const QList<Resize*>& sizes) {
+    QList<int> list;
+    for (const Resize* const size : sizes)
+        list.append(size->image.width());
+    return list;
+}
+
+TEST(FuzzyLookup, SizesStepByFourThroughTheNeedlesOwnWidth) {
+    Needle ten(QImage(10, 6, QImage::Format_RGB32));
+    EXPECT_EQ(widths(ten.getResizes(0.5, 2)), (QList<int>{22, 18, 14, 10, 6}));
+    EXPECT_EQ(ten.getResizes(1, 1), (QList<Resize*>{&ten}));
+    Needle odd(QImage(101, 6, QImage::Format_RGB32));
+    EXPECT_EQ(widths(odd.getResizes(0.5, 0.5)), (QList<int>{49}));
+    EXPECT_EQ(odd.getResizes(0.5, 0.5), odd.getResizes(0.5, 0.5));
+    EXPECT_THROW(odd.getResizes(1.1, 1), std::runtime_error);
+}
+
+// A grey picture with a pattern at each of the places.
+QImage withPattern(const QList<QPoint>& places, const QImage& pattern) {
+    QImage image(200, 120, QImage::Format_RGB32);
+    image.fill(qRgb(20, 200, 90));
+    QPainter painter(&image);
+    for (const QPoint& place : places)
+        painter.drawImage(place, pattern);
+    return image;
+}
+
+QImage noise(QSize size) {
+    Random random(11);
+    return Pictures::picture(size, Look::Noise, random).convertToFormat(QImage::Format_ARGB32);
+}
+
+TEST(FuzzyLookup, NumbersOccurrences) {
+    const QImage pattern = noise({16, 12});
+    const Engine engine{{pattern, pattern},
+                        SearchRegion(QRect(0, 0, 200, 120)),
+                        withPattern({{10, 10}, {100, 10}, {30, 70}}, pattern)};
+    Engine one = engine;
+    one.needles.removeLast();
+    const ImageLookupOptions exact = options("tolerant: true, threshold: 100");
+    EXPECT_EQ(one.all(exact),
+              (QList<QRect>{{10, 10, 16, 12}, {100, 10, 16, 12}, {30, 70, 16, 12}}));
+    EXPECT_EQ(one.all(exact, 2).size(), 2);
+    EXPECT_EQ(one.at(exact, {30, 70}), 3);
+    EXPECT_EQ(one.at(exact, {31, 70}), 0);
+    // Two needles at one place are two occurrences, two sizes of one needle are one.
+    EXPECT_EQ(engine.all(exact).size(), 6);
+    EXPECT_EQ(one.all(options("tolerant: true, multiscale: true, threshold: 99.9")).size(), 3);
+    EXPECT_EQ(engine.at(exact, {30, 70}), 5);
+    Engine outside = one;
+    outside.region = SearchRegion(QRect(150, 60, 500, 500));
+    EXPECT_TRUE(outside.all(exact).isEmpty());
+    EXPECT_THROW(outside.at(exact, {10, 10}), std::runtime_error);
+    outside.region = SearchRegion();
+    EXPECT_TRUE(outside.all(exact).isEmpty());
+}
+
+TEST(FuzzyLookup, TellsTheChangeOfSettings) {
+    const QImage pattern = noise({16, 12});
+    QImage changed = pattern;
+    changed.setPixel(3, 3, changed.pixel(3, 3) ^ 0xffffffU);
+    Engine engine{{pattern}, SearchRegion(QRect(0, 0, 200, 120)), withPattern({{50, 40}}, changed)};
+    const double score = correlationScore(engine.haystack, pattern, {50, 40});
+    const auto [found, rects] = engine.best({}, options("multiscale: false"));
+    EXPECT_EQ(rects, (QList<QRect>{{50, 40, 16, 12}}));
+    EXPECT_TRUE(found.getTolerant());
+    EXPECT_FALSE(found.hasField(ImageLookupOptions::Multiscale));
+    EXPECT_NEAR(found.getThreshold(), score, 0.0011);
+    // What the defaults have already is not told again, and what the call fixes neither.
+    EXPECT_TRUE(engine.best(options("tolerant: true"), options("threshold: 90, multiscale: false"))
+                    .first.isNull());
+    // The exact pass comes first where the defaults are exact.
+    engine.haystack = withPattern({{50, 40}}, pattern);
+    EXPECT_TRUE(engine.best({}, {}).first.isNull());
+    EXPECT_EQ(engine.best({}, {}).second.size(), 1);
+    EXPECT_TRUE(engine.best({}, options("tolerant: false")).first.isNull());
+}
+
+TEST(FuzzyLookup, KeepsTheKindOfFailures) {
+    QImage clear(8, 8, QImage::Format_ARGB32);
+    clear.fill(qRgba(1, 2, 3, 127));
+    Engine engine{{noise({8, 8}), clear}, SearchRegion(QRect(0, 0, 60, 60)), noise({60, 60})};
+    try {
+        engine.all(options("tolerant: true"));
+        FAIL() << "Nothing is visible.";
+    } catch (const BadImage& failure) {
+        EXPECT_STREQ(failure.what(), "The image has too much transparency");
+    }
+    EXPECT_THROW(engine.best(options("tolerant: true"), {}), TooMuchTransparency);
+    engine.region = SearchRegion(QRect(0, 0, 5, 5));
+    EXPECT_TRUE(engine.all(options("tolerant: true")).isEmpty());
+}
+
+TEST(FuzzyLookup, NestedSearchesEndOnASmallPool) {
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    const int before = pool->maxThreadCount();
+    pool->setMaxThreadCount(1);
+    const Engine engine = randomEngine(4, 3);
+    const ImageLookupOptions multiscale = options("tolerant: true, multiscale: true");
+    const QList<QRect> fast = engine.all(multiscale);
+    engine.best({}, {});
+    {
+        const PlainSearch plain;
+        EXPECT_EQ(engine.all(multiscale), fast);
+    }
+    pool->setMaxThreadCount(before);
+}
+
 }  // namespace
 }  // namespace Tamrix::Vision::BasicImageLookup

@@ -1,7 +1,8 @@
 """The same table in every format gives the same records."""
 
 # Further formats of the table go here.
-TABLES = ["people.tsv", "people.csv"]
+# The spreadsheets were written by Spreadsheet::WriteExcel and Excel::Writer::XLSX.
+TABLES = ["people.tsv", "people.csv", "people.xls", "people.xlsx"]
 
 FIELDS = ["name", "age", "quote"]
 PEOPLE = [["Ada, Countess", "36", 'said "hi"'], ["Müller", "50", "two\nlines"]]
