@@ -2,24 +2,12 @@
 
 #include <algorithm>
 
+#include "base/keptwhitespace.h"
 #include "base/xmldepth.h"
 
 namespace Tamrix {
 
 namespace {
-
-/// Turns off that TinyXML makes one blank of all white space in a text, which would decide over the
-/// options of a comparison.
-class KeptWhiteSpace {
-public:
-    KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(false); }
-    ~KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(m_before); }
-    KeptWhiteSpace(const KeptWhiteSpace&) = delete;
-    KeptWhiteSpace& operator=(const KeptWhiteSpace&) = delete;
-
-private:
-    bool m_before = TiXmlBase::IsWhiteSpaceCondensed();
-};
 
 QByteArray asUtf8(const QByteArray& bytes) {
     const char* position = bytes.constBegin();

@@ -14,10 +14,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/keptwhitespace.h"
 #include "base/textescape.h"
 #include "shared/testdata/excelarchive.h"
 #include "shared/testdata/excelxmlpart.h"
-#include "shared/testdata/keptwhitespace.h"
 
 namespace Tamrix {
 

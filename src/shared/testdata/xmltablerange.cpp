@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "base/keptwhitespace.h"
 #include "base/xmldepth.h"
-#include "shared/testdata/keptwhitespace.h"
 #include "shared/testdata/tablerange.h"
 
 namespace Tamrix {

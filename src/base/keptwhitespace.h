@@ -4,8 +4,8 @@
 
 namespace Tamrix {
 
-/// Lets TinyXML keep white space in texts until the end of the scope, and then do as before. The
-/// setting is one of the whole process: script thread only.
+/// Lets TinyXML keep white space in texts, which it makes one blank of otherwise, until the end of
+/// the scope, and then do as before. The setting is one of the whole process: script thread only.
 class KeptWhiteSpace {
 public:
     KeptWhiteSpace() { TiXmlBase::SetCondenseWhiteSpace(false); }
