@@ -113,6 +113,7 @@ private:
     void scanMarkup() {
         const bool hasNext = m_position + 1 < m_text.size();
         if (m_depth > 0 && startsWith("</")) {
+            noteBlankText();
             --m_depth;
             skipBehind(">", m_position, "An end tag");
         } else if (startsWithIgnoringCase("<?xml")) {
@@ -126,6 +127,17 @@ private:
         } else {
             skipBehind(">", m_position + 1, "Markup");
         }
+    }
+
+    /// At an end tag.
+    void noteBlankText() {
+        const std::string_view content =
+            m_text.substr(m_contentStart, m_position - m_contentStart);
+        if (!content.empty() && std::all_of(content.begin(), content.end(), isSpace))
+            m_result.blankTexts.push_back(
+                {static_cast<int>(m_contentStart), static_cast<int>(content.size())});
+        // What comes now follows an element.
+        m_contentStart = m_text.size();
     }
 
     void scanDeclaration() {
@@ -158,12 +170,12 @@ private:
         }
         ++m_position;
         skipName();
-        while (!m_finished) {
+        for (int attributes = 0; !m_finished; ++attributes) {
             skipSpace();
             if (atEnd()) {
                 m_finished = true;
             } else if (current() == '>') {
-                ++m_position;
+                m_contentStart = ++m_position;
                 return;
             } else if (current() == '/') {
                 // Anything but "/>" is an error.
@@ -171,6 +183,9 @@ private:
                 m_position += 2;
                 --m_depth;
                 return;
+            } else if (attributes == maxXmlAttributes) {
+                refuse(QStringLiteral("An element has more than %1 attributes.").arg(attributes),
+                       start);
             } else {
                 skipAttribute();
             }
@@ -216,6 +231,8 @@ private:
     std::string_view m_text;
     std::size_t m_position = 0;
     int m_depth = 0;
+    /// Behind the start tag that was read last, if nothing but text was read since.
+    std::size_t m_contentStart = 0;
     /// Nothing behind this place is parsed.
     bool m_finished = false;
     XmlDepth m_result;
@@ -243,11 +260,26 @@ XmlDepth xmlDepth(const QByteArray& document) {
     const int nul = document.indexOf('\0');
     if (nul >= 0)
         return {0, QStringLiteral("A NUL byte, which no XML has (only UTF-8 can be read)."),
-                rowAt(nul)};
+                rowAt(nul), {}};
     const int valid = validUtf8Length(begin, begin + document.size());
     if (valid < document.size())
-        return {0, QStringLiteral("A byte that is not UTF-8."), rowAt(valid)};
+        return {0, QStringLiteral("A byte that is not UTF-8."), rowAt(valid), {}};
     return Scanner({begin, static_cast<std::size_t>(document.size())}).scan();
+}
+
+QByteArray withBlankTexts(const QByteArray& document, const XmlDepth& depth) {
+    if (depth.blankTexts.empty())
+        return document;
+    QByteArray text;
+    int copied = 0;
+    for (const XmlDepth::Span& blank : depth.blankTexts) {
+        text.append(document.constData() + copied, blank.position - copied);
+        copied = blank.position + blank.length;
+        text.append("<![CDATA[")
+            .append(document.constData() + blank.position, blank.length)
+            .append("]]>");
+    }
+    return text.append(document.constData() + copied, document.size() - copied);
 }
 
 }  // namespace Tamrix

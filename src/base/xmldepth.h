@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <vector>
 
 #include "base/export.h"
 
@@ -16,17 +17,31 @@ struct XmlDepth {
     QString problem;
     /// The line of the problem, from 1.
     int row = 0;
+
+    struct Span {
+        int position;
+        int length;
+    };
+    /// The texts of white space alone that are all what their element has, in bytes.
+    std::vector<Span> blankTexts;
 };
 
 /// How deep elements may lie inside each other for xmlDepth().
 constexpr int maxXmlDepth = 1000;
+/// How many attributes an element may have for xmlDepth().
+constexpr int maxXmlAttributes = 1000;
 
 /// Looks for what TinyXML can't cope with: elements nested deeper than maxXmlDepth (its parser and
-/// all that walks its tree recurse), a NUL byte (it stops there), bytes that are not UTF-8 (it
+/// all that walks its tree recurse), more than maxXmlAttributes of one element (it compares each with
+/// each), a NUL byte (it stops there), bytes that are not UTF-8 (it
 /// reads past the end of the text, and loops on some), and comments, CDATA sections, declarations
 /// and other markup without an end (it takes some for complete and fails an assertion on others).
 /// Everything else that is wrong with a document is left for the parser to tell. Any thread.
 TAMRIX_EXPORT XmlDepth xmlDepth(const QByteArray& document);
+
+/// The document with the texts of XmlDepth::blankTexts as CDATA sections: TinyXML drops them
+/// otherwise, whatever it is told about white space. Rows stay the same. Any thread.
+TAMRIX_EXPORT QByteArray withBlankTexts(const QByteArray& document, const XmlDepth& depth);
 
 /// The length of the text at the start of [begin, end) that is UTF-8.
 TAMRIX_EXPORT int validUtf8Length(const char* begin, const char* end);

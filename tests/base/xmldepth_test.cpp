@@ -47,6 +47,20 @@ TEST(XmlDepth, RefusesElementsBeyondTheLimit) {
     EXPECT_EQ(xmlDepth(deepest).problem, "");
     EXPECT_EQ(xmlDepth(deepest + "\n<b/>").problem, "Elements are nested deeper than 1000.");
     EXPECT_EQ(xmlDepth(deepest + "\n<b/>").row, 2);
+
+    const QByteArray most = "<a" + QByteArray(" b=''").repeated(maxXmlAttributes);
+    EXPECT_EQ(xmlDepth(most + "/>").problem, "");
+    EXPECT_EQ(xmlDepth(most + " b=''/>").problem, "An element has more than 1000 attributes.");
+}
+
+TEST(XmlDepth, FindsTextsOfWhiteSpaceAlone) {
+    const QByteArray document =
+        "<a> <b>\n\t</b> <c> <!-- --> </c><d/> <e>  x</e><f></f> <g h='>'> </g></a>";
+    EXPECT_EQ(withBlankTexts(document, xmlDepth(document)),
+              "<a> <b><![CDATA[\n\t]]></b> <c> <!-- --> </c><d/> <e>  x</e><f></f> "
+              "<g h='>'><![CDATA[ ]]></g></a>");
+    const QByteArray none = "<!-- <a> </a> --><![CDATA[<a> </a>]]></a> </a>";
+    EXPECT_EQ(withBlankTexts(none, xmlDepth(none)), none);
 }
 
 }  // namespace

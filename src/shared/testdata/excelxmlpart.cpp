@@ -121,7 +121,7 @@ private:
                 leave();
                 return;
             }
-            if (attributes == ExcelXmlPart::maxAttributes)
+            if (attributes == maxXmlAttributes)
                 fail("too many attributes");
             readAttribute();
         }
@@ -200,7 +200,7 @@ void ExcelXmlPart::forEach(const Path& path,
         if (!depth.problem.isEmpty())
             failAt(text, begin, depth.problem.toStdString());
         TiXmlDocument tree;
-        tree.Parse(copy.constData(), nullptr, TIXML_ENCODING_UTF8);
+        tree.Parse(withBlankTexts(copy, depth).constData(), nullptr, TIXML_ENCODING_UTF8);
         if (tree.Error() || !tree.RootElement())
             failAt(text, begin, tree.ErrorDesc());
         handle(*tree.RootElement());

@@ -18,11 +18,10 @@ public:
 
     /// An element and what it holds may take up this much, in bytes, to be handed out.
     static constexpr std::size_t maxElementSize = std::size_t(8) << 20;
-    /// More attributes than this make an element invalid: TinyXML compares each with each.
-    static constexpr int maxAttributes = 1000;
 
     /// Throws std::runtime_error with the line when the document isn't well-formed, declares a
-    /// document type (so there are no entities but XML's own) or nests deeper than maxXmlDepth.
+    /// document type (so there are no entities but XML's own), nests deeper than maxXmlDepth or has
+    /// an element of more than maxXmlAttributes.
     explicit ExcelXmlPart(QByteArray document);
 
     bool has(const Path& path) const;

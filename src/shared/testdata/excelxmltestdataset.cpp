@@ -201,7 +201,13 @@ private:
             if (std::sscanf(text.constData(), "%u ", &index) == 1)
                 return sharedString(index);
         }
-        return textOf(cell.FirstChildElement("v"));
+        const TiXmlElement* const value = cell.FirstChildElement("v");
+        // A text inside of its cell counts as no value, which is meant; but nobody shall wonder.
+        if (!value && cell.FirstChildElement("is") && !std::exchange(m_hasToldOfInlineTexts, true))
+            tell("testData Sheet: ", QLatin1String("cells of the type inlineStr are read as empty, "
+                                                   "the first one is ") +
+                                         QString::fromUtf8(cell.Attribute("r")));
+        return textOf(value);
     }
 
     QString sharedString(unsigned index) {
@@ -233,6 +239,7 @@ private:
     QString m_sheet;
     std::vector<QString> m_strings;
     bool m_hasToldOfStrings = false;
+    bool m_hasToldOfInlineTexts = false;
     unsigned m_width = 0;
     unsigned m_nextRow = 1;
     qint64 m_valueCount = 0;

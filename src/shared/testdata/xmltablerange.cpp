@@ -47,11 +47,12 @@ bool XmlTableRange::loadContentFromXml(const std::string& xml) {
     // 1. With the white space that texts have,
     const KeptWhiteSpace kept;
     // 2. the document is parsed,
-    const XmlDepth depth = xmlDepth(QByteArray::fromStdString(xml));
+    const QByteArray bytes = QByteArray::fromStdString(xml);
+    const XmlDepth depth = xmlDepth(bytes);
     if (!depth.problem.isEmpty())
         return failAt(depth.row, 1, depth.problem.toStdString());
     TiXmlDocument document;
-    document.Parse(xml.c_str(), nullptr, TIXML_ENCODING_UTF8);
+    document.Parse(withBlankTexts(bytes, depth).constData(), nullptr, TIXML_ENCODING_UTF8);
     if (document.Error())
         return failAt(document.ErrorRow(), document.ErrorCol(), document.ErrorDesc());
     // 3. in which the first row tells the number of columns.

@@ -38,6 +38,10 @@ TEST(TableRange, IsToldAsXmlAndReadBack) {
     EXPECT_EQ(read.backgroundColor(0, 0), CellColor());
     EXPECT_EQ(read.text(2, 0), "");
     EXPECT_EQ(read.contentAsXml(3), xml);
+    ASSERT_TRUE(read.loadContentFromXml(
+        "<table><row><cell><text> \n</text></cell><cell><text/></cell></row></table>"));
+    EXPECT_EQ(read.text(0, 0), " \n");
+    EXPECT_EQ(read.text(0, 1), "");
     EXPECT_EQ(grid.contentAsXml(0), "");
     EXPECT_THAT(Grid(3, 3, 0, 1).contentAsXml(3),
                 testing::EndsWith("<table hasText=\"1\" hasBackgroundColor=\"1\" />\n"));
