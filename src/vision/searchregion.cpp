@@ -16,13 +16,20 @@ namespace {
 
 const char* const rectanglesKey = "rectangles";
 
-/// Whether the coordinates of the last pixel are integers, too.
+/// Whether the coordinates of the last pixel and their distance are integers, too.
 bool hasFarCorner(int left, int top, int width, int height) {
-    const auto fits = [](int first, int count) {
-        const qint64 last = qint64(first) + count - 1;
-        return last >= std::numeric_limits<int>::min() && last <= std::numeric_limits<int>::max();
+    const auto isInteger = [](qint64 value) {
+        return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
+    };
+    const auto fits = [&isInteger](int first, int count) {
+        return isInteger(qint64(count) - 1) && isInteger(qint64(first) + count - 1);
     };
     return fits(left, width) && fits(top, height);
+}
+
+/// Made from its corners: from a size Qt counts one pixel too far on the way. Needs hasFarCorner().
+QRect rectangleOf(int left, int top, int width, int height) {
+    return {QPoint(left, top), QPoint(left + (width - 1), top + (height - 1))};
 }
 
 QRect parseRectangle(const QString& text) {
@@ -35,7 +42,7 @@ QRect parseRectangle(const QString& text) {
     const int left = parseInt(pieces.at(0));
     if (width < 1 || height < 1 || !hasFarCorner(left, top, width, height))
         failParsing(QStringLiteral("Invalid rectangle: %1").arg(text));
-    return {left, top, width, height};
+    return rectangleOf(left, top, width, height);
 }
 
 QString describeRectangle(const QRect& rectangle) {
@@ -132,7 +139,7 @@ QRect rectFromJson(const Json::Value& value) {
         failParsing(
             QStringLiteral("Invalid rectangle: %1x%2x%3x%4").arg(x).arg(y).arg(width).arg(height));
     }
-    return {x, y, width, height};
+    return rectangleOf(x, y, width, height);
 }
 
 QPoint pointFromJson(const Json::Value& value) {

@@ -28,6 +28,8 @@ TEST(SearchRegion, FormsAreReadAsTheyAreWritten) {
     EXPECT_EQ(region.rectangles(), (QList<QRect>{{-1, 2, 3, 4}, {5, 6, 7, 8}}));
     EXPECT_EQ(region.description(), text);
     EXPECT_EQ(SearchRegion(region.toJson()).description(), text);
+    const QString largest = "1x1x2147483647x2147483647";
+    EXPECT_EQ(SearchRegion(SearchRegion(largest).toJson()).description(), largest);
     EXPECT_TRUE(SearchRegion(QString()).isEmpty());
     EXPECT_EQ(pointFromJson(pointToJson({-3, 4})), QPoint(-3, 4));
 }
