@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(, WaysIn, testing::Values(WayIn::Plugin, WayIn::Hook),
 
 TEST(WayInTest, BothWaysAtOnceStartOneAgent) {
     AgentClient client("widgets_target", {}, WayIn::Plugin,
-                       {{"LD_PRELOAD", TAMRIX_TEST_PREFIX "/lib/libtamrixhook.so"}});
+                       {{"LD_PRELOAD", hookPreload()}});
     ASSERT_TRUE(client.accept());
     const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
     EXPECT_FALSE(client.acceptHello(1000));

@@ -14,6 +14,10 @@
 
 namespace Tamrix {
 
+QString hookPreload() {
+    return TAMRIX_TEST_PREFIX "/lib/libtamrixhook.so:" + qEnvironmentVariable("LD_PRELOAD");
+}
+
 namespace {
 
 constexpr char token[] = "token-of-a-test";
@@ -28,7 +32,7 @@ QMap<QString, QString> environmentFor(WayIn wayIn, const QString& socket) {
         variables.insert("QT_PLUGIN_PATH", prefix + "/lib/qtplugins");
         variables.insert("QT_QPA_GENERIC_PLUGINS", "tamrixagent");
     } else {
-        variables.insert("LD_PRELOAD", prefix + "/lib/libtamrixhook.so");
+        variables.insert("LD_PRELOAD", hookPreload());
     }
     return variables;
 }

@@ -15,6 +15,9 @@ namespace Tamrix {
 /// How a program gets the agent.
 enum class WayIn { Plugin, Hook };
 
+/// The value of LD_PRELOAD with the hook in front of what the test itself has preloaded.
+QString hookPreload();
+
 /// A program with the agent in it, and the runner's end of the connection, for tests: no event
 /// loop, every call waits. The program is killed at the end.
 class AgentClient {

@@ -91,6 +91,8 @@ assert {'text', 'class_', 'resize', 'setValue'} <= set(dir(b))
 assert object.properties(b)['text'] == 'Cancel'
 assert [child for child in object.children(object.parent(b))] == [b]
 assert isNull(object.createNull('Button')) and not object.createNull('Button')
+# The button must not hold itself.
+b.tags = []
 )py"),
               "");
     const std::pair<const char*, const char*> rows[] = {
