@@ -25,9 +25,6 @@ constexpr double tileNanoseconds = 6;
 constexpr double exactNanoseconds = 0.15;
 constexpr double exactStartNanoseconds = 60;
 
-// Below this bar a best search asks for bounds at once: most positions are candidates.
-constexpr double lowBar = 0.9;
-
 // A window's sum of squares fits in 32 bits up to this many pixels.
 constexpr int mostPixelsOfSum = 65535;
 
@@ -292,26 +289,19 @@ void CorrelationSearch::offerPair(const RisingBar& rising, int pair, Worker& wor
         return;
     const double bar = rising.bar();
     constexpr double never = 2;
-    // 1. The first channel. While few positions reach the bar, all of them are tried.
-    if (bar > lowBar) {
-        const std::size_t count = judge(Green, pair, bar, never, false, false, worker);
-        if (count <= affordablePositions()) {
-            if (count > 0)
-                offerCandidates(rising, worker);
-            return;
-        }
-    }
-    // 2. Bounds from all channels.
     worker.boundsStride = m_tiles->grid().step().width() + 8;
     if (worker.bounds.isEmpty())
         worker.bounds = Scratch<float>(worker.boundsStride * m_tiles->grid().step().height() * 2);
-    std::size_t count = 0;
+    // 1. Bounds from the channels, until few positions are left that may reach the bar.
     for (const Channel channel : channels) {
-        count = judge(channel, pair, bar, never, channel != channels[0], true, worker);
+        const bool isRefinement = channel != channels[0];
+        const std::size_t count = judge(channel, pair, bar, never, isRefinement, true, worker);
         if (count == 0)
             return;
+        if (count <= affordablePositions())
+            break;
     }
-    // 3. The position with the highest bound first: the bar rises, and the rest is cut off.
+    // 2. The position with the highest bound first: the bar rises, and the rest is cut off.
     offerByBounds(rising, worker);
 }
 
@@ -328,12 +318,6 @@ void CorrelationSearch::forEachCandidate(const Worker& worker, Visit visit) {
             }
         }
     }
-}
-
-void CorrelationSearch::offerCandidates(const RisingBar& rising, const Worker& worker) {
-    forEachCandidate(worker, [&](int side, int x, int y) {
-        offer(rising, worker.areas[side].x() + x, worker.areas[side].y() + y);
-    });
 }
 
 void CorrelationSearch::offerByBounds(const RisingBar& rising, const Worker& worker) {

@@ -64,7 +64,6 @@ private:
     void decide(const ScoreTest& test, int side, bool usesCertain, Worker& worker);
     void offer(const RisingBar& rising, int x, int y);
     void offerPair(const RisingBar& rising, int pair, Worker& worker);
-    void offerCandidates(const RisingBar& rising, const Worker& worker);
     void offerByBounds(const RisingBar& rising, const Worker& worker);
     template <typename Visit>
     static void forEachCandidate(const Worker& worker, Visit visit);

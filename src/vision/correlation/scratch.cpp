@@ -2,6 +2,8 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <mutex>
 #include <new>
@@ -21,6 +23,8 @@ struct Pool {
     std::mutex mutex;
     std::vector<Block> free;
     std::size_t bytes = 0;
+    std::size_t inUse = 0;
+    std::size_t mostInUse = 0;
 };
 
 // Never destroyed: threads of a pool may give memory back while the process ends.
@@ -33,24 +37,62 @@ std::size_t roundedUp(std::size_t bytes, std::size_t step) {
     return (bytes + step - 1) / step * step;
 }
 
+bool isLarge(std::size_t bytes) {
+    return bytes >= hugePage;
+}
+
+// Pages of the system on a boundary of huge pages: an allocator would not give them all back.
+void* mapPages(std::size_t bytes) {
+    const std::size_t reserved = bytes + hugePage;
+    void* const area = mmap(nullptr, reserved, PROT_READ | PROT_WRITE,
+                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (area == MAP_FAILED)
+        throw std::bad_alloc();
+    char* const begin = static_cast<char*>(area);
+    const auto address = reinterpret_cast<std::uintptr_t>(begin);
+    const std::size_t before = roundedUp(address, hugePage) - address;
+    if (before > 0)
+        munmap(begin, before);
+    munmap(begin + before + bytes, reserved - before - bytes);
+    madvise(begin + before, bytes, MADV_HUGEPAGE);
+    return begin + before;
+}
+
 void* allocate(std::size_t& bytes) {
     // What is aligned for huge pages is not rounded up to them: that would be memory for nothing.
     constexpr std::size_t granularity = std::size_t(64) << 10;
-    const bool isLarge = bytes >= hugePage;
-    bytes = roundedUp(bytes, isLarge ? granularity : 4096);
-    void* const memory = std::aligned_alloc(isLarge ? hugePage : 64, bytes);
+    bytes = roundedUp(bytes, isLarge(bytes) ? granularity : 4096);
+    if (isLarge(bytes))
+        return mapPages(bytes);
+    void* const memory = std::aligned_alloc(64, bytes);
     if (!memory)
         throw std::bad_alloc();
-    if (isLarge)
-        madvise(memory, bytes, MADV_HUGEPAGE);
     return memory;
+}
+
+void release(const Block& block) noexcept {
+    if (isLarge(block.bytes))
+        munmap(block.memory, block.bytes);
+    else
+        std::free(block.memory);
+}
+
+void releaseOldest(Pool& shared) noexcept {
+    shared.bytes -= shared.free.front().bytes;
+    release(shared.free.front());
+    shared.free.erase(shared.free.begin());
+}
+
+void noteUse(Pool& shared, std::size_t bytes) {
+    shared.inUse += bytes;
+    shared.mostInUse = std::max(shared.mostInUse, shared.inUse);
 }
 
 }  // namespace
 
 void* take(std::size_t& bytes) {
+    Pool& shared = pool();
     {
-        Pool& shared = pool();
         const std::lock_guard lock(shared.mutex);
         auto best = shared.free.end();
         for (auto block = shared.free.begin(); block != shared.free.end(); ++block) {
@@ -64,30 +106,35 @@ void* take(std::size_t& bytes) {
             shared.bytes -= bytes;
             *best = shared.free.back();
             shared.free.pop_back();
+            noteUse(shared, bytes);
             return memory;
         }
+        // What is kept but doesn't fit makes room, so that there is never more than was in use.
+        while (!shared.free.empty() && shared.inUse + bytes + shared.bytes > shared.mostInUse)
+            releaseOldest(shared);
     }
-    return allocate(bytes);
+    void* const memory = allocate(bytes);
+    const std::lock_guard lock(shared.mutex);
+    noteUse(shared, bytes);
+    return memory;
 }
 
 void giveBack(void* memory, std::size_t bytes) noexcept {
     Pool& shared = pool();
     const std::lock_guard lock(shared.mutex);
-    // What doesn't fit in drives the smaller and older blocks out only as far as it is needed.
-    while (!shared.free.empty() && shared.bytes + bytes > mostKept) {
-        shared.bytes -= shared.free.front().bytes;
-        std::free(shared.free.front().memory);
-        shared.free.erase(shared.free.begin());
-    }
+    shared.inUse -= bytes;
+    // What doesn't fit in drives the older blocks out only as far as it is needed.
+    while (!shared.free.empty() && shared.bytes + bytes > mostKept)
+        releaseOldest(shared);
     if (shared.bytes + bytes > mostKept) {
-        std::free(memory);
+        release({memory, bytes});
         return;
     }
     try {
         shared.free.push_back({memory, bytes});
         shared.bytes += bytes;
     } catch (const std::bad_alloc&) {
-        std::free(memory);  // The pool is only a convenience.
+        release({memory, bytes});  // The pool is only a convenience.
     }
 }
 

@@ -7,7 +7,9 @@ SharedTiles::SharedTiles(const SearchPicture& picture, QSize smallest, QSize lar
     : m_picture(picture),
       m_grid(picture.size(), smallest, largest),
       m_shape(m_grid.tileSize().width(), m_grid.tileSize().height()),
-      m_kept(keepsSpectra ? m_grid.pairs() : 0) {}
+      m_kept(keepsSpectra ? m_grid.pairs() : 0),
+      m_spectra(keepsSpectra ? Scratch<float>(m_shape.floats() * m_grid.pairs())
+                             : Scratch<float>()) {}
 
 std::size_t SharedTiles::keptBytes(const TileGrid& grid) {
     const QSize size = grid.tileSize();
@@ -18,11 +20,10 @@ SharedTiles::Spectrum SharedTiles::spectrum(Channel channel, TileContent content
                                             float* work, Scratch<float>& spectrum) const {
     if (!m_kept.empty() && channel == Green && content == TileContent::Value) {
         Kept& kept = m_kept[pair];
-        std::call_once(kept.once, [&] {
-            kept.values = Scratch<float>(m_shape.floats());
-            kept.energy = transform(channel, content, pair, work, kept.values.data());
-        });
-        return {kept.values.data(), kept.energy};
+        float* const values = m_spectra.data() + m_shape.floats() * pair;
+        std::call_once(kept.once,
+                       [&] { kept.energy = transform(channel, content, pair, work, values); });
+        return {values, kept.energy};
     }
     if (spectrum.isEmpty())
         spectrum = Scratch<float>(m_shape.floats());

@@ -37,7 +37,6 @@ public:
 private:
     struct Kept {
         std::once_flag once;
-        Scratch<float> values;
         double energy = 0;
     };
 
@@ -48,6 +47,8 @@ private:
     TileGrid m_grid;
     TileShape m_shape;
     mutable std::vector<Kept> m_kept;
+    /// The spectra of all pairs, if they are kept.
+    mutable Scratch<float> m_spectra;
 };
 
 }  // namespace Tamrix::Vision

@@ -185,12 +185,12 @@ inline std::size_t judgeBlock(const TileJudgement& job, const JudgedTile& tile, 
         const Floats most = greater(value + error, zero), least = greater(value - error, zero);
         const Floats square = most * most;
         const unsigned passed = bitsOf(square >= all(job.candidateFactor) * lowEnergy) & before;
-        if constexpr (HasBounds) {
-            // Lanes beyond the tile's edge land in the row's padding.
-            const Floats bound = square * all(job.boundFactor) / lowEnergy;
-            store(bounds, job.isRefinement ? lesser(bound, load(bounds)) : bound);
-        }
         if (passed) {
+            if constexpr (HasBounds) {
+                // Lanes beyond the tile's edge land in the row's padding.
+                const Floats bound = square * all(job.boundFactor) / lowEnergy;
+                store(bounds, job.isRefinement ? lesser(bound, load(bounds)) : bound);
+            }
             const Floats lower = least * least;
             unsigned sure = bitsOf(lower >= all(job.certainFactor) * highEnergy) & passed;
             if (job.isRefinement)
