@@ -316,9 +316,10 @@ QDataStream& operator>>(QDataStream& stream, Snapshot& body) {
 QDataStream& operator<<(QDataStream& stream, const ObjectListing& body) {
     writeTexts(stream, body.types);
     stream << static_cast<quint32>(body.objects.size());
+    // Names are long and of Latin letters mostly: as UTF-8 they are half as much.
     for (const ListedObject& object : body.objects)
-        stream << object.depth << object.type << object.state << object.geometry << object.text
-               << object.name;
+        stream << object.depth << object.type << object.state << object.geometry
+               << object.text.toUtf8() << object.name.toUtf8();
     return stream;
 }
 
@@ -330,8 +331,8 @@ QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
     int deepest = 0;
     for (ListedObject& object : body.objects) {
         stream >> object.depth >> object.type >> object.state >> object.geometry;
-        object.text = readText(stream);
-        object.name = readText(stream);
+        object.text = QString::fromUtf8(readBytes(stream));
+        object.name = QString::fromUtf8(readBytes(stream));
         // A child comes behind its parent, and each type is listed.
         if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
             object.type >= body.types.size())
