@@ -142,10 +142,6 @@ endif()
 #   DRIVES_PROGRAMS: it starts programs with the agent.
 function(tamrix_test name)
     cmake_parse_arguments(ARG "DRIVES_PROGRAMS" "" "SOURCES;LINK" ${ARGN})
-    set(environment "LC_ALL=C.UTF-8")
-    if(ARG_DRIVES_PROGRAMS)
-        list(APPEND environment ${TAMRIX_PROGRAMS_ENVIRONMENT})
-    endif()
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
@@ -155,6 +151,11 @@ function(tamrix_test name)
         TAMRIX_TEST_PREFIX="${TAMRIX_PREFIX_DIR}"
         TAMRIX_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler)
+    if(ARG_DRIVES_PROGRAMS AND TAMRIX_PROGRAMS_ENVIRONMENT)
+        # The property ENVIRONMENT takes but one variable here.
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR "env;${TAMRIX_PROGRAMS_ENVIRONMENT}")
+    endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
-        PROPERTIES TIMEOUT 120 ENVIRONMENT "${environment}")
+        PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")
 endfunction()
