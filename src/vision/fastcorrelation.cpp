@@ -14,8 +14,13 @@ namespace {
 // A cut serves needles down to this part of its largest one's width.
 constexpr double classRange = 0.7;
 
-// Bytes for each pixel that spectra may take, besides the channels and their running sums.
-constexpr double mostSpectrumBytes = 10;
+// Bytes for each pixel that kept spectra may take, besides the channels and their running sums.
+constexpr double mostSpectrumBytes = 6.5;
+
+// When several sizes are searched at once, a tile shall have at most this part of the haystack's
+// pixels, unless that is very little.
+constexpr double largestPart = 1.0 / 8;
+constexpr double littleTile = 256 * 256;
 
 // What rounding can do to a truncated score.
 constexpr double tiny = 1e-12;
@@ -76,19 +81,30 @@ ScaleTiles::ScaleTiles(Haystack& haystack, const QList<Resize*>& sizes, int sear
         const bool isNear =
             !m_classes.empty() && size.width() >= classRange * m_classes.back().largest.width();
         if (!isNear)
-            m_classes.push_back({size, size, false, 0, nullptr});
+            m_classes.push_back({size, size, {}, false, 0, nullptr});
         Class& common = m_classes.back();
         common.largest = common.largest.expandedTo(size);
         common.smallest = common.smallest.boundedTo(size);
         common.searches += searches;
     }
     const QSize box = haystack.boundingBox().size();
+    const double pixels = double(box.width()) * box.height();
+    m_mostSpectrumBytes = mostSpectrumBytes * pixels;
     for (Class& common : m_classes) {
-        const TileGrid grid(box, common.smallest, common.largest);
-        const double most = mostSpectrumBytes * box.width() * box.height();
-        const bool isShared = common.searches > searches;
-        common.keepsSpectra = isShared && static_cast<double>(SharedTiles::keptBytes(grid)) <= most;
+        common.isShared = common.searches > searches;
+        const double fewValues =
+            sizes.size() > 1 ? std::max(littleTile, largestPart * pixels) : TileGrid::unlimited;
+        common.grid = TileGrid(box, common.smallest, common.largest, fewValues);
     }
+}
+
+bool ScaleTiles::hasRoomFor(const Class& common) const {
+    auto bytes = static_cast<double>(SharedTiles::keptBytes(common.grid));
+    for (const auto& each : m_kept) {
+        if (const auto tiles = each.lock())
+            bytes += static_cast<double>(SharedTiles::keptBytes(tiles->grid()));
+    }
+    return bytes <= m_mostSpectrumBytes;
 }
 
 std::shared_ptr<const SharedTiles> ScaleTiles::take(Haystack& haystack, QSize size) {
@@ -98,10 +114,15 @@ std::shared_ptr<const SharedTiles> ScaleTiles::take(Haystack& haystack, QSize si
         return each.smallest.boundedTo(size) == each.smallest &&
                each.largest.expandedTo(size) == each.largest;
     });
-    if (!common->tiles)
-        common->tiles = std::make_shared<SharedTiles>(picture, common->smallest, common->largest,
-                                                      common->keepsSpectra);
     std::shared_ptr<const SharedTiles> tiles = common->tiles;
+    if (!tiles) {
+        const bool keepsSpectra = common->isShared && hasRoomFor(*common);
+        tiles = std::make_shared<SharedTiles>(picture, common->grid, keepsSpectra);
+        if (keepsSpectra) {
+            common->tiles = tiles;
+            m_kept.emplace_back(tiles);
+        }
+    }
     if (--common->searches == 0)
         common->tiles.reset();
     return tiles;

@@ -19,8 +19,9 @@
 namespace Tamrix::Vision::BasicImageLookup {
 
 /// The cuts of a haystack into tiles for the sizes of a multi-scale search. Sizes near each other
-/// share a cut and its spectra, which are freed when the last of them has been searched. May be
-/// used by several threads.
+/// share a cut and its spectra, which are freed when the last of them has been searched. The
+/// spectra of all cuts together take at most some haystacks' memory: a search for which there is no
+/// room at its time makes its spectra itself. May be used by several threads.
 class ScaleTiles {
 public:
     /// `sizes` from the widest to the narrowest; each is searched `searches` times at most.
@@ -33,14 +34,23 @@ private:
     struct Class {
         QSize largest;
         QSize smallest;
-        bool keepsSpectra = false;
+        TileGrid grid;
+        /// Whether several searches share the spectra.
+        bool isShared = false;
         /// Searches that are to come.
         int searches = 0;
+        /// With spectra; null until the first search for which there was room.
         std::shared_ptr<const SharedTiles> tiles;
     };
 
+    bool hasRoomFor(const Class& common) const;
+
+    /// Most bytes that kept spectra may take.
+    double m_mostSpectrumBytes;
     std::mutex m_mutex;
     std::vector<Class> m_classes;
+    /// All cuts whose spectra may still be there.
+    std::vector<std::weak_ptr<const SharedTiles>> m_kept;
 };
 
 /// How many occurrences lie before the position, and whether there is one at it.

@@ -55,6 +55,8 @@ struct CorrelationSearch::Worker {
     Scratch<float> work;
     Scratch<float> line;
     Scratch<float> energyWork;
+    /// Running sums of squares of both tiles in the channels behind the first.
+    Scratch<std::uint32_t> sums;
     /// Spectra that are not kept; allocated when needed.
     Scratch<float> spectrum;
     Scratch<float> squareSpectrum;
@@ -146,7 +148,7 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
     TileJudgement job;
     job.shape = &shape;
     job.correlation = worker.work.data();
-    const float* const needle = needleSpectrum(channel);
+    const float* const needle = needleSpectrum(channel, worker);
     const SharedTiles::Spectrum spectrum =
         m_tiles->spectrum(channel, TileContent::Value, pair, worker.work.data(), worker.spectrum);
     kernels.correlateRows(shape, spectrum.values, needle, columns, worker.line.data(),
@@ -158,7 +160,7 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
 
     if (m_needle.hasHoles()) {
         job.energy = worker.energyWork.data();
-        const float* const mask = maskSpectrum();
+        const float* const mask = maskSpectrum(worker);
         const SharedTiles::Spectrum squares = m_tiles->spectrum(channel, TileContent::Square, pair,
                                                                 job.energy, worker.squareSpectrum);
         kernels.correlateRows(shape, squares.values, mask, columns, worker.line.data(), job.energy);
@@ -170,7 +172,7 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
             static_cast<float>(roundingUnit * (transformError * energyNorms + 2 * energyMiddle));
         job.lowestEnergy = static_cast<float>(visible);
     } else {
-        job.sumsStride = m_picture.sumsStride();
+        takeSums(channel, worker, job);
         job.bandHeight = std::max(1, mostPixelsOfSum / size.width());
     }
     job.needleWidth = size.width();
@@ -195,8 +197,6 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
             continue;
         tile.columns = area.width();
         tile.rows = area.height();
-        if (!m_needle.hasHoles())
-            tile.sums = m_picture.sums(channel) + area.y() * m_picture.sumsStride() + area.x();
         tile.candidates = worker.candidates[side];
         tile.certain = worker.certainOf(side);
     }
@@ -206,6 +206,32 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
         job.tiles[1].bounds = worker.bounds.data() + half;
     }
     return kernels.judge(job);
+}
+
+// The running sums that energies come from. Those of the first channel are made once for the
+// picture, those of the others for the tiles that need them, which is seldom: a table takes as much
+// memory as the picture.
+void CorrelationSearch::takeSums(Channel channel, Worker& worker, TileJudgement& job) {
+    const QSize tile = m_tiles->grid().tileSize();
+    const std::ptrdiff_t stride = tile.width() + 16;
+    const std::ptrdiff_t half = stride * (tile.height() + 1) + 16;
+    const bool isFirst = channel == channels[0];
+    job.sumsStride = isFirst ? m_picture.sumsStride() : stride;
+    if (!isFirst && worker.sums.isEmpty())
+        worker.sums = Scratch<std::uint32_t>(half * 2);
+    for (int side = 0; side < 2; ++side) {
+        const QRect& area = worker.areas[side];
+        if (area.isEmpty())
+            continue;
+        if (isFirst) {
+            job.tiles[side].sums = m_picture.sums() + area.y() * m_picture.sumsStride() + area.x();
+            continue;
+        }
+        std::uint32_t* const table = worker.sums.data() + half * side;
+        const QSize window = area.size() + m_needle.size() - QSize(1, 1);
+        m_picture.sumSquares(channel, QRect(area.topLeft(), window), stride, table);
+        job.tiles[side].sums = table;
+    }
 }
 
 void CorrelationSearch::markPair(const ScoreTest& test, int pair, Worker& worker) {
@@ -346,36 +372,35 @@ void CorrelationSearch::offerByBounds(const RisingBar& rising, const Worker& wor
     }
 }
 
-const float* CorrelationSearch::needleSpectrum(Channel channel) {
+const float* CorrelationSearch::needleSpectrum(Channel channel, Worker& worker) {
     NeedleSpectra::Spectrum& spectrum = m_spectra->channels[channel];
     std::call_once(spectrum.once, [&] {
         const TileShape& shape = m_tiles->shape();
         // The transforms there and back multiply everything with the number of values.
         const float factor =
             1 / (static_cast<float>(shape.width) * static_cast<float>(shape.height));
-        transformNeedle(m_needle.values(channel, factor), spectrum.values);
+        transformNeedle(m_needle.values(channel, factor), worker.work.data(), spectrum.values);
     });
     return spectrum.values.data();
 }
 
-const float* CorrelationSearch::maskSpectrum() {
+const float* CorrelationSearch::maskSpectrum(Worker& worker) {
     NeedleSpectra::Spectrum& spectrum = m_spectra->mask;
     std::call_once(spectrum.once, [&] {
         const TileShape& shape = m_tiles->shape();
         const float factor =
             1 / (static_cast<float>(shape.width) * static_cast<float>(shape.height));
-        transformNeedle(m_needle.mask(factor), spectrum.values);
+        transformNeedle(m_needle.mask(factor), worker.energyWork.data(), spectrum.values);
     });
     return spectrum.values.data();
 }
 
-void CorrelationSearch::transformNeedle(const std::vector<float>& values,
+void CorrelationSearch::transformNeedle(const std::vector<float>& values, float* work,
                                         Scratch<float>& spectrum) const {
     const TileShape& shape = m_tiles->shape();
-    Scratch<float> work(shape.floats());
     spectrum = Scratch<float>(shape.floats());
     const QSize size = m_needle.size();
-    tileKernels().transformValues(shape, values.data(), size.width(), size.height(), work.data(),
+    tileKernels().transformValues(shape, values.data(), size.width(), size.height(), work,
                                   spectrum.data());
 }
 

@@ -67,9 +67,11 @@ private:
     void offerByBounds(const RisingBar& rising, const Worker& worker);
     template <typename Visit>
     static void forEachCandidate(const Worker& worker, Visit visit);
-    const float* needleSpectrum(Channel channel);
-    const float* maskSpectrum();
-    void transformNeedle(const std::vector<float>& values, Scratch<float>& spectrum) const;
+    void takeSums(Channel channel, Worker& worker, TileJudgement& job);
+    const float* needleSpectrum(Channel channel, Worker& worker);
+    const float* maskSpectrum(Worker& worker);
+    void transformNeedle(const std::vector<float>& values, float* work,
+                         Scratch<float>& spectrum) const;
     double exactTime() const;
     bool isDirectCheaper() const;
     std::size_t affordablePositions() const;

@@ -46,18 +46,22 @@ SearchPicture::SearchPicture(const QImage& image, const QRect& box)
     std::memset(m_planes.data() + m_stride * m_height * channels.size(), padding, 64);
 }
 
-const std::uint32_t* SearchPicture::sums(Channel channel) const {
-    Sums& sums = m_sums[channel];
-    std::call_once(sums.once, [&] {
-        sums.table = Scratch<std::uint32_t>(std::size_t(m_sumsStride) * (m_height + 1) + 16);
-        std::uint32_t* row = sums.table.data();
-        std::fill_n(row, m_sumsStride, 0U);
-        for (int y = 0; y < m_height; ++y, row += m_sumsStride) {
-            row[m_sumsStride] = 0;
-            tileKernels().addSquares(pixels(channel, 0, y), m_width, row, row + m_sumsStride);
-        }
+const std::uint32_t* SearchPicture::sums() const {
+    std::call_once(m_sumsOnce, [&] {
+        m_sums = Scratch<std::uint32_t>(std::size_t(m_sumsStride) * (m_height + 1) + 16);
+        sumSquares(channels[0], QRect(0, 0, m_width, m_height), m_sumsStride, m_sums.data());
     });
-    return sums.table.data();
+    return m_sums.data();
+}
+
+void SearchPicture::sumSquares(Channel channel, const QRect& window, std::ptrdiff_t stride,
+                               std::uint32_t* table) const {
+    std::fill_n(table, stride, 0U);
+    for (int y = 0; y < window.height(); ++y, table += stride) {
+        table[stride] = 0;
+        tileKernels().addSquares(pixels(channel, window.x(), window.y() + y), window.width(), table,
+                                 table + stride);
+    }
 }
 
 TilePixels SearchPicture::tileAt(Channel channel, QPoint origin, const TileShape& shape) const {

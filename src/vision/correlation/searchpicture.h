@@ -33,26 +33,26 @@ public:
     }
     std::ptrdiff_t stride() const { return m_stride; }
 
-    /// Running sums of squares of value + 1 modulo 2^32: at (x, y) the sum of all pixels left of x
-    /// and above y.
-    const std::uint32_t* sums(Channel channel) const;
+    /// Running sums of squares of value + 1 modulo 2^32 of the first channel, which every search
+    /// needs: at (x, y) the sum of all pixels left of x and above y.
+    const std::uint32_t* sums() const;
     std::ptrdiff_t sumsStride() const { return m_sumsStride; }
+    /// The same of the part `window` of any channel, into a table of `stride` * (height + 1) words
+    /// and 16 more. `stride` is at least the width and 9.
+    void sumSquares(Channel channel, const QRect& window, std::ptrdiff_t stride,
+                    std::uint32_t* table) const;
 
     /// The pixels that a tile with this first pixel covers.
     TilePixels tileAt(Channel channel, QPoint origin, const TileShape& shape) const;
 
 private:
-    struct Sums {
-        std::once_flag once;
-        Scratch<std::uint32_t> table;
-    };
-
     int m_width;
     int m_height;
     std::ptrdiff_t m_stride;
     std::ptrdiff_t m_sumsStride;
     Scratch<std::uint8_t> m_planes;
-    mutable std::array<Sums, 3> m_sums;
+    mutable std::once_flag m_sumsOnce;
+    mutable Scratch<std::uint32_t> m_sums;
 };
 
 }  // namespace Tamrix::Vision

@@ -2,10 +2,9 @@
 
 namespace Tamrix::Vision {
 
-SharedTiles::SharedTiles(const SearchPicture& picture, QSize smallest, QSize largest,
-                         bool keepsSpectra)
+SharedTiles::SharedTiles(const SearchPicture& picture, const TileGrid& grid, bool keepsSpectra)
     : m_picture(picture),
-      m_grid(picture.size(), smallest, largest),
+      m_grid(grid),
       m_shape(m_grid.tileSize().width(), m_grid.tileSize().height()),
       m_kept(keepsSpectra ? m_grid.pairs() : 0),
       m_spectra(keepsSpectra ? Scratch<float>(m_shape.floats() * m_grid.pairs())

@@ -15,7 +15,7 @@ namespace Tamrix::Vision {
 /// needed and shared by the searches that use the same cut. May be used by several threads.
 class SharedTiles {
 public:
-    SharedTiles(const SearchPicture& picture, QSize smallest, QSize largest, bool keepsSpectra);
+    SharedTiles(const SearchPicture& picture, const TileGrid& grid, bool keepsSpectra);
 
     struct Spectrum {
         const float* values;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 
 namespace Tamrix::Vision {
 namespace {
@@ -30,7 +29,7 @@ TileGrid::TileGrid(QSize picture, QSize smallest, QSize largest, QSize tileSize)
     m_down = countOf(picture.height() - smallest.height() + 1, m_step.height());
 }
 
-TileGrid::TileGrid(QSize picture, QSize smallest, QSize largest) {
+TileGrid::TileGrid(QSize picture, QSize smallest, QSize largest, double fewValues) {
     double best = std::numeric_limits<double>::infinity();
     for (const int width : tileLengths) {
         if (width < largest.width() + 7)
@@ -39,7 +38,8 @@ TileGrid::TileGrid(QSize picture, QSize smallest, QSize largest) {
             if (height < largest.height() + 7)
                 continue;
             const TileGrid grid(picture, smallest, largest, QSize(width, height));
-            const double cost = grid.cost();
+            const double values = grid.values();
+            const double cost = grid.cost() * (values > fewValues ? 1 + values / fewValues : 1);
             if (cost < best) {
                 best = cost;
                 *this = grid;
@@ -62,9 +62,9 @@ QPoint TileGrid::originOf(int tile) const {
 }
 
 double TileGrid::cost() const {
-    const double values = double(m_tileSize.width()) * m_tileSize.height();
-    const double crowding = values > cachedValues ? 1 + 0.15 * std::log2(values / cachedValues) : 1;
-    return pairs() * values * (std::log2(values) + 4) * crowding;
+    const double crowding =
+        values() > cachedValues ? 1 + 0.15 * std::log2(values() / cachedValues) : 1;
+    return pairs() * values() * (std::log2(values()) + 4) * crowding;
 }
 
 }  // namespace Tamrix::Vision

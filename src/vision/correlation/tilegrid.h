@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <QSize>
+#include <limits>
 
 namespace Tamrix::Vision {
 
@@ -11,8 +12,10 @@ class TileGrid {
 public:
     TileGrid() = default;
     /// A grid for needles from `smallest` to `largest`, chosen by the work that it makes. Both fit
-    /// in the picture.
-    TileGrid(QSize picture, QSize smallest, QSize largest);
+    /// in the picture. Tiles of more than `fewValues` values are taken only where smaller ones make
+    /// far more work, for the sake of memory.
+    TileGrid(QSize picture, QSize smallest, QSize largest, double fewValues = unlimited);
+    static constexpr double unlimited = std::numeric_limits<double>::infinity();
 
     /// Size of a tile, a multiple of 32 in both directions.
     QSize tileSize() const { return m_tileSize; }
@@ -30,6 +33,8 @@ public:
 
     /// The time of a search over the grid, as a number of values transformed.
     double cost() const;
+    /// Values of a tile.
+    double values() const { return double(m_tileSize.width()) * m_tileSize.height(); }
 
 private:
     TileGrid(QSize picture, QSize smallest, QSize largest, QSize tileSize);

@@ -65,8 +65,8 @@ struct JudgedTile {
     /// Bit maps with one bit for each position; the tile's first position is the lowest bit.
     std::uint8_t* candidates = nullptr;
     std::uint8_t* certain = nullptr;
-    /// If not null, takes upper bounds of the candidates' squared scores; the lowest of all channels
-    /// stays.
+    /// If not null, takes upper bounds of the candidates' squared scores; the lowest of all
+    /// channels stays.
     float* bounds = nullptr;
 };
 

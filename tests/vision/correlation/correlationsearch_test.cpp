@@ -52,8 +52,10 @@ PositionBitmap accepted(const Case& sample, double threshold, int workers = 1) {
     const SearchPicture picture(sample.haystack, sample.haystack.rect());
     const SearchNeedle needle(sample.needle);
     const QSize size = needle.size();
-    CorrelationSearch search(picture, needle,
-                             std::make_shared<SharedTiles>(picture, size, size, false), workers);
+    CorrelationSearch search(
+        picture, needle,
+        std::make_shared<SharedTiles>(picture, TileGrid(picture.size(), size, size), false),
+        workers);
     PositionBitmap bitmap(search.positions());
     int complete = 0;
     search.markAccepted(ScoreTest::atLeast(threshold), bitmap.size().height(), bitmap,
@@ -70,8 +72,9 @@ double best(const Case& sample, double start) {
     const SearchPicture picture(sample.haystack, sample.haystack.rect());
     const SearchNeedle needle(sample.needle);
     const QSize size = needle.size();
-    CorrelationSearch search(picture, needle,
-                             std::make_shared<SharedTiles>(picture, size, size, false), 1);
+    CorrelationSearch search(
+        picture, needle,
+        std::make_shared<SharedTiles>(picture, TileGrid(picture.size(), size, size), false), 1);
     double bar = start;
     search.offerBest({[&] { return bar; },
                       [&](double score, int, int) { bar = std::max(bar, score); },
@@ -157,7 +160,7 @@ TEST_P(Kernels, ErrorsOfTransformsStayFarBelowTheBound) {
             job.needleHeight = needle.size().height();
             job.bandHeight = 65535 / job.needleWidth;
             job.candidatesStride = bits.stride();
-            job.tiles[0] = {columns, rows, picture.sums(Green), bits.row(0), bits.row(0), nullptr};
+            job.tiles[0] = {columns, rows, picture.sums(), bits.row(0), bits.row(0), nullptr};
             kernels.judge(job);
             const double unit = std::sqrt(energy * needle.energy(Green)) / (1 << 24);
             for (int y = 0; y < rows; y += 3) {
