@@ -131,8 +131,7 @@ private:
 
     /// At an end tag.
     void noteBlankText() {
-        const std::string_view content =
-            m_text.substr(m_contentStart, m_position - m_contentStart);
+        const std::string_view content = m_text.substr(m_contentStart, m_position - m_contentStart);
         if (!content.empty() && std::all_of(content.begin(), content.end(), isSpace))
             m_result.blankTexts.push_back(
                 {static_cast<int>(m_contentStart), static_cast<int>(content.size())});
@@ -259,8 +258,10 @@ XmlDepth xmlDepth(const QByteArray& document) {
     };
     const int nul = document.indexOf('\0');
     if (nul >= 0)
-        return {0, QStringLiteral("A NUL byte, which no XML has (only UTF-8 can be read)."),
-                rowAt(nul), {}};
+        return {0,
+                QStringLiteral("A NUL byte, which no XML has (only UTF-8 can be read)."),
+                rowAt(nul),
+                {}};
     const int valid = validUtf8Length(begin, begin + document.size());
     if (valid < document.size())
         return {0, QStringLiteral("A byte that is not UTF-8."), rowAt(valid), {}};

@@ -56,8 +56,7 @@ INSTANTIATE_TEST_SUITE_P(, WaysIn, testing::Values(WayIn::Plugin, WayIn::Hook),
                          });
 
 TEST(WayInTest, BothWaysAtOnceStartOneAgent) {
-    AgentClient client("widgets_target", {}, WayIn::Plugin,
-                       {{"LD_PRELOAD", hookPreload()}});
+    AgentClient client("widgets_target", {}, WayIn::Plugin, {{"LD_PRELOAD", hookPreload()}});
     ASSERT_TRUE(client.accept());
     const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
     EXPECT_FALSE(client.acceptHello(1000));

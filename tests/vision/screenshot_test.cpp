@@ -157,8 +157,7 @@ TEST(ScreenshotTest, RotatesPixmaps) {
     static char* arguments[] = {name, nullptr};
     static int count = 1;
     // Never destroyed: Qt would leave its screen behind, which counts as a leak.
-    [[maybe_unused]] static const auto* const s_application =
-        new QGuiApplication(count, arguments);
+    [[maybe_unused]] static const auto* const s_application = new QGuiApplication(count, arguments);
     EXPECT_EQ(Screenshot::rotated(QPixmap(100, 50), 2).size(), QSize(50, 100));
 }
 
