@@ -1,14 +1,16 @@
 #include "vision/correlation/tileworkers.h"
 
 #include <QRunnable>
-#include <QSemaphore>
 #include <QThreadPool>
 #include <algorithm>
 #include <atomic>
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <semaphore>
 #include <vector>
+
+#include "vision/correlation/handover.h"
 
 namespace Tamrix::Vision {
 namespace {
@@ -45,12 +47,13 @@ private:
 
 class Helper : public QRunnable {
 public:
-    Helper(Share& share, int worker, QSemaphore& ended)
+    Helper(Share& share, int worker, std::counting_semaphore<>& ended)
         : m_share(share), m_worker(worker), m_ended(ended) {
         setAutoDelete(false);
     }
 
     void run() override {
+        Handover::receive();
         m_share.take(m_worker);
         m_ended.release();
     }
@@ -58,7 +61,7 @@ public:
 private:
     Share& m_share;
     const int m_worker;
-    QSemaphore& m_ended;
+    std::counting_semaphore<>& m_ended;
 };
 
 }  // namespace
@@ -69,17 +72,19 @@ int workerCount() {
 
 void forEachIndex(int count, int workers, const std::function<void(int, int)>& work) {
     Share share(count, work);
-    QSemaphore ended;
+    std::counting_semaphore<> ended(0);
     std::vector<std::unique_ptr<Helper>> helpers;
     int started = 0;
     for (int worker = 1; worker < std::min(workers, count); ++worker) {
         helpers.push_back(std::make_unique<Helper>(share, worker, ended));
+        Handover::publish();
         if (!QThreadPool::globalInstance()->tryStart(helpers.back().get()))
             break;
         ++started;
     }
     share.take(0);
-    ended.acquire(started);
+    for (; started > 0; --started)
+        ended.acquire();
     share.rethrow();
 }
 
