@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "base/export.h"
-#include "vision/correlation/handover.h"
 
 /// Tasks in the global thread pool whose exceptions reach whoever asks for the result.
 namespace Tamrix::Vision {
@@ -97,8 +96,6 @@ public:
 
     template <typename... Arguments>
     ResultOrException<R> operator()(Arguments&&... arguments) const {
-        Handover::receive();
-        const PublishAtEnd end;
         try {
             return ResultOrException<R>(
                 std::invoke(m_function, std::forward<Arguments>(arguments)...));
@@ -110,13 +107,6 @@ public:
     }
 
 private:
-    struct PublishAtEnd {
-        PublishAtEnd() = default;
-        ~PublishAtEnd() { Handover::publish(); }
-        PublishAtEnd(const PublishAtEnd&) = delete;
-        PublishAtEnd& operator=(const PublishAtEnd&) = delete;
-    };
-
     F m_function;
 };
 
@@ -141,9 +131,7 @@ public:
     /// Waits for the first result; throws the exception in its place.
     T result() const {
         const WaitingThread waiting;
-        const ResultOrException<T> end = m_future.result();
-        Handover::receive();
-        return end.value();
+        return m_future.result().value();
     }
 
     /// Waits for all results, which are in the order of the sequence; throws the first exception in
@@ -164,11 +152,8 @@ public:
     void forEach(int count, Consume consume) const {
         const WaitingThread waiting;
         const Finish finish(m_future);
-        for (int i = 0; i < count; ++i) {
-            const ResultOrException<T> end = m_future.resultAt(i);
-            Handover::receive();
-            consume(i, end);
-        }
+        for (int i = 0; i < count; ++i)
+            consume(i, m_future.resultAt(i));
     }
 
     void waitForFinished() const {
@@ -182,10 +167,7 @@ private:
     class Finish {
     public:
         explicit Finish(const TaskFuture& future) : m_future(future) {}
-        ~Finish() {
-            m_future.waitForFinished();
-            Handover::receive();
-        }
+        ~Finish() { m_future.waitForFinished(); }
         Finish(const Finish&) = delete;
         Finish& operator=(const Finish&) = delete;
 
@@ -203,7 +185,6 @@ auto run(F function, Arguments... arguments) {
     const auto call = [function, arguments...]() -> R {
         return std::invoke(function, arguments...);
     };
-    Handover::publish();
     return Future<R>(QtConcurrent::run(ExceptionalFunctor<R, decltype(call)>(call)));
 }
 
@@ -212,7 +193,6 @@ auto run(F function, Arguments... arguments) {
 template <typename Sequence, typename F>
 auto mapped(const Sequence& sequence, F function) {
     using R = std::decay_t<std::invoke_result_t<F, typename Sequence::const_reference>>;
-    Handover::publish();
     return Future<R>(QtConcurrent::mapped(sequence, ExceptionalFunctor<R, F>(function)));
 }
 

@@ -189,6 +189,31 @@ TEST(CorrelationSearch, ThreadsFindTheSame) {
             std::equal(alone.words(y), alone.words(y) + alone.wordsPerRow(), together.words(y)));
 }
 
+TEST(CorrelationSearch, SearchesShareKeptSpectra) {
+    Random random(8);
+    const QImage image = Pictures::picture(QSize(400, 300), Look::Contrast, random);
+    const SearchPicture picture(image, image.rect());
+    const QSize smallest(20, 20);
+    const QSize largest(30, 24);
+    // Tiles small enough to be several pairs.
+    const TileGrid grid(picture.size(), smallest, largest, 64 * 64);
+    ASSERT_GT(grid.pairs(), 1);
+    const auto kept = std::make_shared<SharedTiles>(picture, grid, true);
+    for (const QSize size : {largest, smallest}) {
+        const QImage part = image.copy(QRect(QPoint(123, 77), size));
+        const SearchNeedle needle(part);
+        CorrelationSearch search(picture, needle, kept, 1);
+        PositionBitmap shared(search.positions());
+        search.markAccepted(ScoreTest::atLeast(0.9), shared.size().height(), shared,
+                            [](int) { return true; });
+        const PositionBitmap own = accepted({image, part}, 0.9);
+        EXPECT_TRUE(shared.test(123, 77));
+        for (int y = 0; y < own.size().height(); ++y)
+            ASSERT_TRUE(std::equal(own.words(y), own.words(y) + own.wordsPerRow(), shared.words(y)))
+                << y;
+    }
+}
+
 TEST(CorrelationSearch, PicturesOfOddSizesReachThePerfectScore) {
     Random random(3);
     for (const auto& [haystack, needle] :
