@@ -10,8 +10,6 @@
 #include <semaphore>
 #include <vector>
 
-#include "vision/correlation/handover.h"
-
 namespace Tamrix::Vision {
 namespace {
 
@@ -53,7 +51,6 @@ public:
     }
 
     void run() override {
-        Handover::receive();
         m_share.take(m_worker);
         m_ended.release();
     }
@@ -77,7 +74,6 @@ void forEachIndex(int count, int workers, const std::function<void(int, int)>& w
     int started = 0;
     for (int worker = 1; worker < std::min(workers, count); ++worker) {
         helpers.push_back(std::make_unique<Helper>(share, worker, ended));
-        Handover::publish();
         if (!QThreadPool::globalInstance()->tryStart(helpers.back().get()))
             break;
         ++started;
