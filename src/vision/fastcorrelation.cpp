@@ -15,7 +15,7 @@ namespace {
 constexpr double classRange = 0.7;
 
 // Bytes for each pixel that kept spectra may take, besides the channels and their running sums.
-constexpr double mostSpectrumBytes = 6.5;
+constexpr double mostSpectrumBytes = 5;
 
 // When several sizes are searched at once, a tile shall have at most this part of the haystack's
 // pixels, unless that is very little.

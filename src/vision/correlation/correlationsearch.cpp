@@ -57,9 +57,6 @@ struct CorrelationSearch::Worker {
     Scratch<float> energyWork;
     /// Running sums of squares of both tiles in the channels behind the first.
     Scratch<std::uint32_t> sums;
-    /// Spectra that are not kept; allocated when needed.
-    Scratch<float> spectrum;
-    Scratch<float> squareSpectrum;
 
     /// For each tile of a pair: its positions and where its bits stand.
     std::array<QRect, 2> areas;
@@ -149,21 +146,20 @@ std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, d
     job.shape = &shape;
     job.correlation = worker.work.data();
     const float* const needle = needleSpectrum(channel, worker);
-    const SharedTiles::Spectrum spectrum =
-        m_tiles->spectrum(channel, TileContent::Value, pair, worker.work.data(), worker.spectrum);
-    kernels.correlateRows(shape, spectrum.values, needle, columns, worker.line.data(),
-                          job.correlation);
+    const SharedTiles::Norms tiles = m_tiles->correlate(
+        channel, TileContent::Value, pair, needle, columns, worker.line.data(), job.correlation);
     const double middle = double(valueMiddle) * m_needle.sum(channel);
-    const double norms = std::sqrt(needleEnergy * spectrum.energy);
+    const double norms = std::sqrt(needleEnergy * tiles.energy);
     job.correlationMiddle = static_cast<float>(middle);
-    job.correlationError = static_cast<float>(roundingUnit * (transformError * norms + 2 * middle));
+    const double lost = std::sqrt(needleEnergy * tiles.lostEnergy);
+    job.correlationError =
+        static_cast<float>(roundingUnit * (transformError * norms + 2 * middle) + lost);
 
     if (m_needle.hasHoles()) {
         job.energy = worker.energyWork.data();
         const float* const mask = maskSpectrum(worker);
-        const SharedTiles::Spectrum squares = m_tiles->spectrum(channel, TileContent::Square, pair,
-                                                                job.energy, worker.squareSpectrum);
-        kernels.correlateRows(shape, squares.values, mask, columns, worker.line.data(), job.energy);
+        const SharedTiles::Norms squares = m_tiles->correlate(
+            channel, TileContent::Square, pair, mask, columns, worker.line.data(), job.energy);
         const auto visible = static_cast<double>(m_needle.visiblePixels());
         const double energyMiddle = double(squareMiddle) * visible;
         const double energyNorms = std::sqrt(visible * squares.energy);

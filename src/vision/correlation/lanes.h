@@ -8,7 +8,10 @@
 // Everything stands in a namespace of the instruction set: an inline function that was compiled for
 // one must never be taken for the other's when the program is linked. For the same reason nothing
 // of the standard library with code in its headers is used here.
-#ifdef __AVX2__
+#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#define TAMRIX_AVX512
+#define TAMRIX_KERNELS KernelsAvx512
+#elif defined(__AVX2__)
 #define TAMRIX_KERNELS KernelsAvx2
 #else
 #define TAMRIX_KERNELS KernelsBaseline
@@ -63,6 +66,15 @@ inline Floats lesser(Floats a, Floats b) {
 
 #ifdef __AVX2__
 
+inline Floats floatsOfHalves(const std::uint16_t* from) {
+    return _mm256_cvtph_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
+}
+
+inline void storeAsHalves(std::uint16_t* to, Floats value) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to),
+                     _mm256_cvtps_ph(value, _MM_FROUND_TO_NEAREST_INT));
+}
+
 inline Floats loadBytes(const std::uint8_t* from) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
     return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(bytes));
@@ -70,7 +82,11 @@ inline Floats loadBytes(const std::uint8_t* from) {
 
 /// One bit for each lane whose comparison held.
 inline unsigned bitsOf(Integers comparison) {
+#ifdef TAMRIX_AVX512
+    return _mm256_movepi32_mask(reinterpret_cast<__m256i>(comparison));
+#else
     return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(comparison)));
+#endif
 }
 
 inline void transpose(Floats* r) {
@@ -94,6 +110,31 @@ inline void transpose(Floats* r) {
 
 #else
 
+/// What brings the exponent of half precision to single precision's.
+constexpr float halfExponent = 0x1p112F;
+
+inline Floats floatsOfHalves(const std::uint16_t* from) {
+    const __m128i value = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+    const __m128i half = _mm_unpacklo_epi16(value, _mm_setzero_si128());
+    const __m128i sign = _mm_slli_epi32(_mm_and_si128(half, _mm_set1_epi32(0x8000)), 16);
+    const __m128i rest = _mm_slli_epi32(_mm_and_si128(half, _mm_set1_epi32(0x7fff)), 13);
+    const __m128 scaled = _mm_mul_ps(_mm_castsi128_ps(rest), _mm_set1_ps(halfExponent));
+    return _mm_or_ps(scaled, _mm_castsi128_ps(sign));
+}
+
+inline void storeAsHalves(std::uint16_t* to, Floats value) {
+    const __m128i bits = _mm_castps_si128(value);
+    const __m128i sign = _mm_and_si128(_mm_srai_epi32(bits, 16), _mm_set1_epi32(-0x8000));
+    const __m128 size = _mm_and_ps(value, _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)));
+    const __m128i scaled = _mm_castps_si128(_mm_mul_ps(size, _mm_set1_ps(1 / halfExponent)));
+    // To the nearest, and in the middle to the even one.
+    const __m128i odd = _mm_and_si128(_mm_srli_epi32(scaled, 13), _mm_set1_epi32(1));
+    const __m128i rounded =
+        _mm_srli_epi32(_mm_add_epi32(_mm_add_epi32(scaled, odd), _mm_set1_epi32(0x0fff)), 13);
+    const __m128i half = _mm_or_si128(rounded, sign);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packs_epi32(half, half));
+}
+
 inline Floats loadBytes(const std::uint8_t* from) {
     int bytes;
     __builtin_memcpy(&bytes, from, sizeof bytes);
@@ -113,11 +154,107 @@ inline void transpose(Floats* r) {
 
 #endif
 
+#ifdef TAMRIX_AVX512
+
+/// Complex numbers, one in each lane: the real parts, then the imaginary parts in one register.
+struct Complex {
+    using Parts = float __attribute__((vector_size(lanes * 8)));
+    Parts parts;
+};
+
+/// A complex number that all lanes are multiplied with.
+struct Factor {
+    Complex::Parts re;
+    Complex::Parts im;  ///< with the sign that each part takes
+};
+
+inline Complex::Parts both(float re, float im) {
+    return Complex::Parts{re, re, re, re, re, re, re, re, im, im, im, im, im, im, im, im};
+}
+
+inline Complex::Parts swapped(Complex a) {
+    return __builtin_shufflevector(a.parts, a.parts, 8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5,
+                                   6, 7);
+}
+
+inline Complex loadComplex(const float* from) {
+    Complex value;
+    __builtin_memcpy(&value, from, sizeof value);
+    return value;
+}
+
+inline void store(float* to, Complex value) {
+    __builtin_memcpy(to, &value, sizeof value);
+}
+
+/// Half precision in the layout of store().
+inline Complex loadHalves(const std::uint16_t* from) {
+    return {_mm512_cvtph_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)))};
+}
+
+inline void storeHalves(std::uint16_t* to, Complex value) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to),
+                        _mm512_cvtps_ph(value.parts, _MM_FROUND_TO_NEAREST_INT));
+}
+
+inline Complex squaredParts(Complex a) {
+    return {a.parts * a.parts};
+}
+
+inline float sumOfParts(Complex a) {
+    float sum = 0;
+    for (int k = 0; k < lanes * 2; ++k)
+        sum += a.parts[k];
+    return sum;
+}
+
+inline Complex operator+(Complex a, Complex b) {
+    return {a.parts + b.parts};
+}
+inline Complex operator-(Complex a, Complex b) {
+    return {a.parts - b.parts};
+}
+inline Complex operator*(float a, Complex b) {
+    return {a * b.parts};
+}
+
+inline Factor factorOf(float re, float im) {
+    return {both(re, re), both(-im, im)};
+}
+
+inline Complex multiplied(Complex a, Factor b) {
+    return {a.parts * b.re + swapped(a) * b.im};
+}
+
+inline Complex multipliedByConjugate(Complex a, Factor b) {
+    return {a.parts * b.re - swapped(a) * b.im};
+}
+
+inline Complex multipliedByConjugate(Complex a, Complex b) {
+    const Complex::Parts re =
+        __builtin_shufflevector(b.parts, b.parts, 0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7);
+    const Complex::Parts im = __builtin_shufflevector(b.parts, b.parts, 8, 9, 10, 11, 12, 13, 14,
+                                                      15, 8, 9, 10, 11, 12, 13, 14, 15);
+    return {a.parts * re + swapped(a) * both(1, -1) * im};
+}
+
+inline Complex timesI(Complex a) {
+    return {swapped(a) * both(-1, 1)};
+}
+inline Complex timesMinusI(Complex a) {
+    return {swapped(a) * both(1, -1)};
+}
+
+#else
+
 /// Complex numbers, one in each lane.
 struct Complex {
     Floats re;
     Floats im;
 };
+
+/// A complex number that all lanes are multiplied with.
+using Factor = Complex;
 
 inline Complex loadComplex(const float* from) {
     return {load(from), load(from + lanes)};
@@ -128,22 +265,56 @@ inline void store(float* to, Complex value) {
     store(to + lanes, value.im);
 }
 
+/// Half precision in the layout of store().
+inline Complex loadHalves(const std::uint16_t* from) {
+    return {floatsOfHalves(from), floatsOfHalves(from + lanes)};
+}
+
+inline void storeHalves(std::uint16_t* to, Complex value) {
+    storeAsHalves(to, value.re);
+    storeAsHalves(to + lanes, value.im);
+}
+
+inline Complex squaredParts(Complex a) {
+    return {a.re * a.re, a.im * a.im};
+}
+
+inline float sumOfParts(Complex a) {
+    float sum = 0;
+    for (int k = 0; k < lanes; ++k)
+        sum += a.re[k] + a.im[k];
+    return sum;
+}
+
 inline Complex operator+(Complex a, Complex b) {
     return {a.re + b.re, a.im + b.im};
 }
 inline Complex operator-(Complex a, Complex b) {
     return {a.re - b.re, a.im - b.im};
 }
-inline Complex operator*(Floats a, Complex b) {
+inline Complex operator*(float a, Complex b) {
     return {a * b.re, a * b.im};
 }
 
-inline Complex multiplied(Complex a, Complex b) {
+inline Factor factorOf(float re, float im) {
+    return {all(re), all(im)};
+}
+
+inline Complex multiplied(Complex a, Factor b) {
     return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
 inline Complex multipliedByConjugate(Complex a, Complex b) {
     return {a.re * b.re + a.im * b.im, a.im * b.re - a.re * b.im};
 }
+
+inline Complex timesI(Complex a) {
+    return {-a.im, a.re};
+}
+inline Complex timesMinusI(Complex a) {
+    return {a.im, -a.re};
+}
+
+#endif
 
 }  // namespace Tamrix::Vision::TAMRIX_KERNELS

@@ -15,9 +15,9 @@ constexpr int step = 2 * lanes;
 template <Direction D>
 inline Complex turned(Complex a) {
     if constexpr (D == Direction::Forward)
-        return {a.im, -a.re};
+        return timesMinusI(a);
     else
-        return {-a.im, a.re};
+        return timesI(a);
 }
 
 /// The transform of R numbers in place.
@@ -29,8 +29,8 @@ inline void butterfly(Complex* x) {
         x[0] = sum;
     } else if constexpr (R == 3) {
         const Complex sum = x[1] + x[2];
-        const Complex middle = x[0] - all(0.5F) * sum;
-        const Complex side = turned<D>(all(0.86602540378443864676F) * (x[1] - x[2]));
+        const Complex middle = x[0] - 0.5F * sum;
+        const Complex side = turned<D>(0.86602540378443864676F * (x[1] - x[2]));
         x[0] = x[0] + sum;
         x[1] = middle + side;
         x[2] = middle - side;
@@ -43,8 +43,8 @@ inline void butterfly(Complex* x) {
         x[3] = b - d;
     } else {
         static_assert(R == 5);
-        const Floats c1 = all(0.30901699437494742410F), c2 = all(-0.80901699437494742410F);
-        const Floats s1 = all(0.95105651629515357212F), s2 = all(0.58778525229247312917F);
+        constexpr float c1 = 0.30901699437494742410F, c2 = -0.80901699437494742410F;
+        constexpr float s1 = 0.95105651629515357212F, s2 = 0.58778525229247312917F;
         const Complex a = x[1] + x[4], b = x[1] - x[4], c = x[2] + x[3], d = x[2] - x[3];
         const Complex m1 = x[0] + c1 * a + c2 * c, m2 = x[0] + c2 * a + c1 * c;
         const Complex n1 = turned<D>(s1 * b + s2 * d), n2 = turned<D>(s2 * b - s1 * d);
@@ -62,10 +62,10 @@ template <int R, Direction D>
 inline void runPass(float* data, int length, const TransformPlan::Pass& pass) {
     const int quarter = pass.span / R;
     for (int j = 0; j < quarter; ++j) {
-        Complex factor[R];
+        Factor factor[R];
         for (int k = 1; k < R; ++k) {
             const float* const twiddle = pass.twiddles + (j * (R - 1) + k - 1) * 2;
-            factor[k] = {all(twiddle[0]), all(twiddle[1])};
+            factor[k] = factorOf(twiddle[0], twiddle[1]);
         }
         for (int base = j; base < length; base += pass.span) {
             float* const first = data + static_cast<long>(base) * step;

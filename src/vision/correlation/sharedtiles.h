@@ -12,15 +12,19 @@
 namespace Tamrix::Vision {
 
 /// A cut of a picture into tiles with the spectra of its first channel, which are made when first
-/// needed and shared by the searches that use the same cut. May be used by several threads.
+/// needed and shared by the searches that use the same cut. What is kept has half precision: it is
+/// half as much to keep and to read, and its errors are known. May be used by several threads.
 class SharedTiles {
 public:
     SharedTiles(const SearchPicture& picture, const TileGrid& grid, bool keepsSpectra);
 
-    struct Spectrum {
-        const float* values;
+    /// What the error of a correlation depends on.
+    struct Norms {
         /// Sum of the squares of what was transformed.
-        double energy;
+        double energy = 0;
+        /// Sum of the squares of what the tiles would change by if the kept spectrum were
+        /// transformed back, in comparison with single precision.
+        double lostEnergy = 0;
     };
 
     /// What the spectra of a cut take when they are kept.
@@ -29,26 +33,27 @@ public:
     const TileGrid& grid() const { return m_grid; }
     const TileShape& shape() const { return m_shape; }
 
-    /// The transform of a pair of tiles: the kept one, or one that is made in `spectrum`, which is
-    /// allocated if it is empty. `work` holds a tile.
-    Spectrum spectrum(Channel channel, TileContent content, int pair, float* work,
-                      Scratch<float>& spectrum) const;
+    /// The correlation of a pair of tiles with the needle of this spectrum, up to the backward
+    /// column passes and for the first `columns` columns, in `work`, which holds a tile. `line`
+    /// holds shape().lineFloats().
+    Norms correlate(Channel channel, TileContent content, int pair, const float* needle,
+                    int columns, float* line, float* work) const;
 
 private:
     struct Kept {
         std::once_flag once;
-        double energy = 0;
+        Norms norms;
     };
 
-    double transform(Channel channel, TileContent content, int pair, float* work,
-                     float* spectrum) const;
+    double transformColumns(Channel channel, TileContent content, int pair, float* work) const;
 
     const SearchPicture& m_picture;
     TileGrid m_grid;
     TileShape m_shape;
     mutable std::vector<Kept> m_kept;
-    /// The spectra of all pairs, if they are kept.
-    mutable Scratch<float> m_spectra;
+    /// The spectra of all pairs, if they are kept, in multiples of m_unit.
+    mutable Scratch<std::uint16_t> m_spectra;
+    float m_unit;
 };
 
 }  // namespace Tamrix::Vision

@@ -109,7 +109,6 @@ struct TileJudgement {
 /// The inner loops of the search, compiled for several instruction sets. All functions may be
 /// called from any thread.
 struct TileKernels {
-    const char* name;
     /// Values of a vector.
     int lanes;
 
@@ -122,21 +121,31 @@ struct TileKernels {
     void (*addSquares)(const std::uint8_t* pixels, int count, const std::uint32_t* above,
                        std::uint32_t* sums);
 
-    /// The transform of the first tile as real part and the second as imaginary part (a tile
-    /// without pixels is zero). `work` holds shape.floats(). Returns the sum of the squares of what
-    /// was transformed.
-    double (*transformTiles)(const TileShape& shape, const TilePixels& first,
-                             const TilePixels& second, TileContent content, float* work,
-                             float* spectrum);
+    /// The forward column passes of the first tile as real part and the second as imaginary part (a
+    /// tile without pixels is zero), to `work`, which holds shape.floats(). Returns the sum of the
+    /// squares of what was transformed.
+    double (*transformColumns)(const TileShape& shape, const TilePixels& first,
+                               const TilePixels& second, TileContent content, float* work);
 
-    /// The transform of `rows` rows of `columns` values.
+    /// The whole transform of `rows` rows of `columns` values.
     void (*transformValues)(const TileShape& shape, const float* values, int columns, int rows,
                             float* work, float* spectrum);
 
-    /// Multiplies `tiles` with the conjugate of `needle` and does the backward row passes, for the
-    /// first `columns` columns. `line` holds shape.lineFloats().
-    void (*correlateRows)(const TileShape& shape, const float* tiles, const float* needle,
-                          int columns, float* line, float* correlation);
+    /// The forward row passes behind transformColumns(), with what comes out rounded to half
+    /// precision (IEEE 754 binary16) in multiples of `unit`; at most 65504 of them. `halves` holds
+    /// shape.floats(), `line` shape.lineFloats(). Returns the sum of the squares of what rounding
+    /// took or added.
+    double (*keepRows)(const TileShape& shape, const float* work, float unit, float* line,
+                       std::uint16_t* halves);
+
+    /// The forward row passes behind transformColumns(), the multiplication with the conjugate of
+    /// `needle`, and the backward row passes for the first `columns` columns, all in `work`.
+    void (*correlateRows)(const TileShape& shape, const float* needle, int columns, float* line,
+                          float* work);
+
+    /// The same from the rows that keepRows() kept; `work` is only written.
+    void (*correlateKeptRows)(const TileShape& shape, const std::uint16_t* halves, float unit,
+                              const float* needle, int columns, float* line, float* work);
 
     /// Does the backward column passes and judges all positions. Returns the number of candidates.
     std::size_t (*judge)(const TileJudgement& judgement);
@@ -147,7 +156,7 @@ struct TileKernels {
 };
 
 /// What instruction sets the kernels can use. The results of a search are the same with all.
-enum class InstructionSet { Baseline, Avx2 };
+enum class InstructionSet { Baseline, Avx2, Avx512 };
 
 /// Whether this processor has them and the kernels were built for them.
 bool isSupported(InstructionSet set);
@@ -155,8 +164,10 @@ bool isSupported(InstructionSet set);
 /// The kernels in use: the best that the processor supports, or what was set.
 const TileKernels& tileKernels();
 
-/// For tests and diagnosis: uses the kernels of `set`, which must be supported, in the whole
-/// process from the next search on.
+/// For tests and diagnosis: uses the kernels of `set`, or the best if it is not supported, in the
+/// whole process from the next search on.
 void setInstructionSet(InstructionSet set);
+/// Back to the best that the processor supports.
+void setBestInstructionSet();
 
 }  // namespace Tamrix::Vision

@@ -21,19 +21,28 @@ inline void transposeSquare(const float* from, float* to) {
     }
     transpose(re);
     transpose(im);
-    for (int k = 0; k < lanes; ++k)
-        store(to + k * step, Complex{re[k], im[k]});
+    for (int k = 0; k < lanes; ++k) {
+        store(to + k * step, re[k]);
+        store(to + k * step + lanes, im[k]);
+    }
 }
 
-/// The forward row passes: from blocks of columns to blocks of rows.
-inline void transformRows(const TileShape& shape, float* work, float* spectrum) {
-    for (int rows = 0; rows < shape.height; rows += lanes) {
-        float* const line = spectrum + static_cast<long>(rows) * shape.width * 2;
-        for (int block = 0; block < shape.width / lanes; ++block) {
-            const float* const square = columnBlock(shape, work, block) + rows * step;
-            transposeSquare(square, line + static_cast<long>(block) * lanes * step);
-        }
-        transformForward(shape.rowPlan, line);
+/// One line of blocks of rows from blocks of columns, transformed.
+inline void transformLine(const TileShape& shape, const float* work, int rows, float* line) {
+    for (int block = 0; block < shape.width / lanes; ++block) {
+        const float* const square = work + (static_cast<long>(block) * shape.height + rows) * step;
+        transposeSquare(square, line + static_cast<long>(block) * lanes * step);
+    }
+    transformForward(shape.rowPlan, line);
+}
+
+/// A line transformed back, its first columns to blocks of columns.
+inline void transformLineBack(const TileShape& shape, float* line, int rows, int columns,
+                              float* work) {
+    transformBackward(shape.rowPlan, line);
+    for (int block = 0; block * lanes < columns; ++block) {
+        float* const square = columnBlock(shape, work, block) + rows * step;
+        transposeSquare(line + static_cast<long>(block) * lanes * step, square);
     }
 }
 
@@ -68,8 +77,8 @@ inline Floats loadBlock(const TilePixels& tile, int column, int height, float* t
 }
 
 template <TileContent Content>
-inline double transformTilesOf(const TileShape& shape, const TilePixels& first,
-                               const TilePixels& second, float* work, float* spectrum) {
+inline double transformColumnsOf(const TileShape& shape, const TilePixels& first,
+                                 const TilePixels& second, float* work) {
     double sum = 0;
     for (int block = 0; block < shape.width / lanes; ++block) {
         float* const data = columnBlock(shape, work, block);
@@ -84,16 +93,14 @@ inline double transformTilesOf(const TileShape& shape, const TilePixels& first,
             sum += static_cast<double>(squares[k]);
         transformForward(shape.columnPlan, data);
     }
-    transformRows(shape, work, spectrum);
     return sum;
 }
 
-inline double transformTiles(const TileShape& shape, const TilePixels& first,
-                             const TilePixels& second, TileContent content, float* work,
-                             float* spectrum) {
+inline double transformColumns(const TileShape& shape, const TilePixels& first,
+                               const TilePixels& second, TileContent content, float* work) {
     return content == TileContent::Value
-               ? transformTilesOf<TileContent::Value>(shape, first, second, work, spectrum)
-               : transformTilesOf<TileContent::Square>(shape, first, second, work, spectrum);
+               ? transformColumnsOf<TileContent::Value>(shape, first, second, work)
+               : transformColumnsOf<TileContent::Square>(shape, first, second, work);
 }
 
 inline void transformValues(const TileShape& shape, const float* values, int columns, int rows,
@@ -107,23 +114,50 @@ inline void transformValues(const TileShape& shape, const float* values, int col
     }
     for (int block = 0; block * lanes < columns; ++block)
         transformForward(shape.columnPlan, columnBlock(shape, work, block));
-    transformRows(shape, work, spectrum);
+    for (int row = 0; row < shape.height; row += lanes)
+        transformLine(shape, work, row, spectrum + static_cast<long>(row) * shape.width * 2);
 }
 
-inline void correlateRows(const TileShape& shape, const float* tiles, const float* needle,
-                          int columns, float* line, float* correlation) {
-    for (int rows = 0; rows < shape.height; rows += lanes) {
-        const long start = static_cast<long>(rows) * shape.width * 2;
-        for (long at = 0; at < static_cast<long>(shape.width) * step; at += step) {
-            const Complex tile = loadComplex(tiles + start + at);
-            const Complex other = loadComplex(needle + start + at);
-            store(line + at, multipliedByConjugate(tile, other));
+inline double keepRows(const TileShape& shape, const float* work, float unit, float* line,
+                       std::uint16_t* halves) {
+    const long lineLength = static_cast<long>(shape.width) * step;
+    double sum = 0;
+    for (int rows = 0; rows < shape.height; rows += lanes, halves += lineLength) {
+        transformLine(shape, work, rows, line);
+        Complex squares = {};
+        for (long at = 0; at < lineLength; at += step) {
+            const Complex value = loadComplex(line + at);
+            storeHalves(halves + at, 1 / unit * value);
+            squares = squares + squaredParts(value - unit * loadHalves(halves + at));
         }
-        transformBackward(shape.rowPlan, line);
-        for (int block = 0; block * lanes < columns; ++block) {
-            float* const square = columnBlock(shape, correlation, block) + rows * step;
-            transposeSquare(line + static_cast<long>(block) * lanes * step, square);
+        sum += static_cast<double>(sumOfParts(squares));
+    }
+    return sum;
+}
+
+inline void correlateRows(const TileShape& shape, const float* needle, int columns, float* line,
+                          float* work) {
+    const long lineLength = static_cast<long>(shape.width) * step;
+    for (int rows = 0; rows < shape.height; rows += lanes, needle += lineLength) {
+        transformLine(shape, work, rows, line);
+        for (long at = 0; at < lineLength; at += step) {
+            const Complex tile = loadComplex(line + at);
+            store(line + at, multipliedByConjugate(tile, loadComplex(needle + at)));
         }
+        transformLineBack(shape, line, rows, columns, work);
+    }
+}
+
+inline void correlateKeptRows(const TileShape& shape, const std::uint16_t* halves, float unit,
+                              const float* needle, int columns, float* line, float* work) {
+    const long lineLength = static_cast<long>(shape.width) * step;
+    for (int rows = 0; rows < shape.height;
+         rows += lanes, needle += lineLength, halves += lineLength) {
+        for (long at = 0; at < lineLength; at += step) {
+            const Complex tile = unit * loadHalves(halves + at);
+            store(line + at, multipliedByConjugate(tile, loadComplex(needle + at)));
+        }
+        transformLineBack(shape, line, rows, columns, work);
     }
 }
 
@@ -296,40 +330,40 @@ inline void addSquares(const std::uint8_t* pixels, int count, const std::uint32_
 }
 
 #ifdef __AVX2__
-using Halves = __m256i;
-inline Halves loadHalves(const std::int16_t* from) {
-    return _mm256_loadu_si256(reinterpret_cast<const Halves*>(from));
+using Shorts = __m256i;
+inline Shorts loadShorts(const std::int16_t* from) {
+    return _mm256_loadu_si256(reinterpret_cast<const Shorts*>(from));
 }
-inline Halves halvesOf(const std::uint8_t* from) {
+inline Shorts shortsOf(const std::uint8_t* from) {
     return _mm256_add_epi16(
         _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from))),
         _mm256_set1_epi16(1));
 }
-inline Halves both(Halves a, Halves b) {
+inline Shorts masked(Shorts a, Shorts b) {
     return _mm256_and_si256(a, b);
 }
-inline Halves addProducts(Halves sum, Halves a, Halves b) {
+inline Shorts addProducts(Shorts sum, Shorts a, Shorts b) {
     return _mm256_add_epi32(sum, _mm256_madd_epi16(a, b));
 }
 #else
-using Halves = __m128i;
-inline Halves loadHalves(const std::int16_t* from) {
-    return _mm_loadu_si128(reinterpret_cast<const Halves*>(from));
+using Shorts = __m128i;
+inline Shorts loadShorts(const std::int16_t* from) {
+    return _mm_loadu_si128(reinterpret_cast<const Shorts*>(from));
 }
-inline Halves halvesOf(const std::uint8_t* from) {
+inline Shorts shortsOf(const std::uint8_t* from) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
     return _mm_add_epi16(_mm_unpacklo_epi8(bytes, _mm_setzero_si128()), _mm_set1_epi16(1));
 }
-inline Halves both(Halves a, Halves b) {
+inline Shorts masked(Shorts a, Shorts b) {
     return _mm_and_si128(a, b);
 }
-inline Halves addProducts(Halves sum, Halves a, Halves b) {
+inline Shorts addProducts(Shorts sum, Shorts a, Shorts b) {
     return _mm_add_epi32(sum, _mm_madd_epi16(a, b));
 }
 #endif
 
-inline std::uint64_t total(Halves sums) {
-    std::uint32_t values[sizeof(Halves) / 4];
+inline std::uint64_t total(Shorts sums) {
+    std::uint32_t values[sizeof(Shorts) / 4];
     __builtin_memcpy(values, &sums, sizeof sums);
     std::uint64_t sum = 0;
     for (const std::uint32_t value : values)
@@ -339,23 +373,23 @@ inline std::uint64_t total(Halves sums) {
 
 inline ExactSums exactSums(const std::uint8_t* pixels, std::ptrdiff_t stride,
                            const ExactNeedle& needle) {
-    constexpr int halves = sizeof(Halves) / 2;
+    constexpr int shorts = sizeof(Shorts) / 2;
     // A lane grows by at most 2 * 256 * 256 with each vector; the sums are emptied before 2^32.
-    const int vectors = (needle.stride + halves - 1) / halves;
+    const int vectors = (needle.stride + shorts - 1) / shorts;
     const int mostRows = 32000 / vectors > 0 ? 32000 / vectors : 1;
     ExactSums sums;
     for (int y = 0; y < needle.rows;) {
         const int end = needle.rows - y < mostRows ? needle.rows : y + mostRows;
-        Halves product = {};
-        Halves energy = {};
+        Shorts product = {};
+        Shorts energy = {};
         for (; y < end; ++y) {
             const std::uint8_t* const row = pixels + y * stride;
             const std::int16_t* const values = needle.values + static_cast<long>(y) * needle.stride;
             const std::int16_t* const mask = needle.mask + static_cast<long>(y) * needle.stride;
-            for (int x = 0; x < needle.stride; x += halves) {
-                const Halves value = halvesOf(row + x);
-                const Halves visible = both(value, loadHalves(mask + x));
-                product = addProducts(product, value, loadHalves(values + x));
+            for (int x = 0; x < needle.stride; x += shorts) {
+                const Shorts value = shortsOf(row + x);
+                const Shorts visible = masked(value, loadShorts(mask + x));
+                product = addProducts(product, value, loadShorts(values + x));
                 energy = addProducts(energy, visible, visible);
             }
         }
@@ -368,14 +402,8 @@ inline ExactSums exactSums(const std::uint8_t* pixels, std::ptrdiff_t stride,
 extern const TileKernels kernels;
 // Each source that includes this has a namespace of its own.
 // NOLINTNEXTLINE(misc-definitions-in-headers)
-const TileKernels kernels = {lanes == 8 ? "avx2" : "baseline",
-                             lanes,
-                             splitPixels,
-                             addSquares,
-                             transformTiles,
-                             transformValues,
-                             correlateRows,
-                             judge,
-                             exactSums};
+const TileKernels kernels = {lanes,           splitPixels, addSquares,    transformColumns,
+                             transformValues, keepRows,    correlateRows, correlateKeptRows,
+                             judge,           exactSums};
 
 }  // namespace Tamrix::Vision::TAMRIX_KERNELS

@@ -1,0 +1,1 @@
+#include "vision/correlation/tilekernelsimpl.h"  // compiled with AVX-512
