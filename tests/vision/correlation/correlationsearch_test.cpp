@@ -274,6 +274,32 @@ TEST(CorrelationSearch, SearchesShareKeptSpectra) {
     }
 }
 
+// Kept spectra are rounded, and no position may be lost by that: each is found with its own score
+// as the threshold.
+TEST(CorrelationSearch, KeptSpectraLoseNothing) {
+    Random random(9);
+    for (const Look look : {Look::Contrast, Look::Widgets, Look::Dark, Look::Noise}) {
+        // In grey the first channel alone could reject what all channels accept.
+        const QImage image = Pictures::picture(QSize(300, 200), look, random)
+                                 .convertToFormat(QImage::Format_Grayscale8)
+                                 .convertToFormat(QImage::Format_RGB32);
+        const SearchPicture picture(image, image.rect());
+        const SearchNeedle needle(image.copy(40, 30, 30, 24));
+        const TileGrid grid(picture.size(), needle.size(), needle.size(), 64 * 64);
+        const auto kept = std::make_shared<SharedTiles>(picture, grid, true);
+        CorrelationSearch search(picture, needle, kept, 1);
+        for (int y = 5; y < search.positions().height(); y += 31) {
+            for (int x = 3; x < search.positions().width(); x += 29) {
+                const double score = exactScore(picture, needle, x, y);
+                PositionBitmap found(search.positions());
+                search.markAccepted(ScoreTest::atLeast(score), found.size().height(), found,
+                                    [](int) { return true; });
+                EXPECT_TRUE(found.test(x, y)) << x << ", " << y << ": " << score;
+            }
+        }
+    }
+}
+
 TEST(CorrelationSearch, PicturesOfOddSizesReachThePerfectScore) {
     Random random(3);
     for (const auto& [haystack, needle] :
