@@ -7,7 +7,8 @@
 namespace Tamrix::Vision::TAMRIX_KERNELS {
 
 /// Where the rows of block `block` of columns start.
-inline float* columnBlock(const TileShape& shape, float* tile, int block) {
+template <typename Float>
+inline Float* columnBlock(const TileShape& shape, Float* tile, int block) {
     return tile + static_cast<long>(block) * shape.height * step;
 }
 
@@ -30,7 +31,7 @@ inline void transposeSquare(const float* from, float* to) {
 /// One line of blocks of rows from blocks of columns, transformed.
 inline void transformLine(const TileShape& shape, const float* work, int rows, float* line) {
     for (int block = 0; block < shape.width / lanes; ++block) {
-        const float* const square = work + (static_cast<long>(block) * shape.height + rows) * step;
+        const float* const square = columnBlock(shape, work, block) + rows * step;
         transposeSquare(square, line + static_cast<long>(block) * lanes * step);
     }
     transformForward(shape.rowPlan, line);
