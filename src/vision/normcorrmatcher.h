@@ -72,6 +72,7 @@ QList<QPair<double, QRect>> normCorrBestOccurrencesImpl(Haystack& haystack, Resi
 
 /// Scores of best searches are truncated to such steps, so that equal pictures tie.
 inline constexpr double scoreStep = 0.00001;
+/// A score of exactly 1 becomes 0.99999, as the step is no binary fraction: this is meant.
 double truncatedScore(double score);
 
 }  // namespace Tamrix::Vision::BasicImageLookup

@@ -67,9 +67,11 @@ TEST(MarkedProcesses, AllThatCameOfAProgramAreEnded) {
         "setsid sleep 600 & (trap '' TERM; while true; do sleep 600; done) & echo ready; wait",
         {{runMarkVariable, "test-run:7"}});
     const ProcessFilter filter{"test-run:7", true};
-    for (int round = 0; round < 500 && findProcesses(filter).size() < 4; ++round)
+    // Counted once: a process that just becomes another program shows no mark for a moment.
+    std::size_t found = 0;
+    for (int round = 0; round < 500 && (found = findProcesses(filter).size()) < 4; ++round)
         process->waitForEnd(10);
-    EXPECT_GE(findProcesses(filter).size(), 4U);
+    EXPECT_GE(found, 4U);
     EXPECT_TRUE(findProcesses({"test-run:70", true}).empty());
     EXPECT_EQ(endProcesses({"test-run:"}, 200), 0);
     EXPECT_TRUE(findProcesses(filter).empty());
