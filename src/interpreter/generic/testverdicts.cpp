@@ -63,8 +63,9 @@ TestResult::ResultType verdictType(bool passed, bool xMode) {
 
 /// The second half of verify and compare: result, failure action, bool result.
 void finishVerdict(ScriptContext* context, bool passed, bool xMode, const QString& message,
-                   const QString& detail, const QString& comment) {
-    addScriptResult(context, verdictType(passed, xMode), message, detail, comment);
+                   const QString& detail, const QString& comment,
+                   const QString& explanation = QString()) {
+    addScriptResult(context, verdictType(passed, xMode), message, detail, comment, explanation);
     const bool wanted = !xMode;
     if (passed != wanted && failureAction(context, message, detail, comment))
         return;

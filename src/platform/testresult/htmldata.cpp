@@ -254,6 +254,8 @@ void HtmlData::addResult(QJsonObject& object, const ReportEntry& entry) {
     if (entry.echo)
         object.insert(QStringLiteral("echo"), true);
     insertText(object, "comment", shown(commentText(entry)));
+    // A difference may lie in the line ends.
+    insertText(object, "explanation", escapedForTerminal(entry.explanation));
     addStack(object, entry.callStack);
 }
 

@@ -13,7 +13,7 @@ namespace Tamrix {
 
 namespace {
 
-/// With each of the four texts of an entry no longer than this, its line stays below the limit,
+/// With each of the five texts of an entry no longer than this, its line stays below the limit,
 /// since a code unit takes six bytes at most.
 constexpr int longestText = 2 * 1024 * 1024;
 
@@ -70,6 +70,13 @@ void JournalReport::addLongEntry(const ReportEntry& entry) {
             write(Journal::entryLine(part));
             start += length;
         }
+        return;
+    }
+    // What follows from the rest goes first.
+    part.explanation = shortened(entry.explanation);
+    const QByteArray line = Journal::entryLine(part);
+    if (line.size() <= Journal::longestLine) {
+        write(line);
         return;
     }
     part.message = shortened(entry.message);

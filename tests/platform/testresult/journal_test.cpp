@@ -112,6 +112,7 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
         entry.detail = randomText(random, 20);
         entry.extra = randomText(random, 5);
         entry.path = randomText(random, 5);
+        entry.explanation = randomText(random, 5);
         entry.value = int(random());
         entry.callStack = {{randomText(random, 5) + "f", int(random())}};
         entry.echo = random() % 2 == 0;
@@ -140,6 +141,7 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
         entry.detail = wellFormed(entry.detail);
         entry.extra = wellFormed(entry.extra);
         entry.path = wellFormed(entry.path);
+        entry.explanation = wellFormed(entry.explanation);
         for (LineInfo& position : entry.callStack)
             position = LineInfo(wellFormed(position.fileName()), position.lineNumber());
         ASSERT_EQ(recorded.entries[i], entry) << i;
@@ -240,7 +242,7 @@ TEST_F(JournalTest, WritesNoLineThatTheReaderRefuses) {
     const QString huge = QString(3 * 1024 * 1024, QChar(0)) + QString(10, 'x');
     ReportEntry result;
     result.type = TestResult::Fail;
-    result.message = result.detail = result.extra = result.path = huge;
+    result.message = result.detail = result.extra = result.path = result.explanation = huge;
     ReportEntry output;
     output.kind = Kind::Output;
     // The surrogate pair lies where the text is taken apart.
