@@ -4,6 +4,7 @@
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/textdifference.h"
 #include "interpreter/generic/verdictsupport.h"
 
 namespace Tamrix {
@@ -111,7 +112,9 @@ void compare(ScriptContext* context, bool xMode) {
     const QString comment = optionalText(context, 2);
     const bool passed = context->valuesEqual(left, right);
     const QString message = "Comparison" + screenshotForResult(verdictType(passed, xMode));
-    finishVerdict(context, passed, xMode, message, comparisonDetail(left, right, passed), comment);
+    const bool isFailure = !passed && !xMode;
+    finishVerdict(context, passed, xMode, message, comparisonDetail(left, right, passed), comment,
+                  isFailure ? explainDifference(left->toString(), right->toString()) : QString());
 }
 
 }  // namespace
