@@ -3,6 +3,7 @@
 #include <QFileDevice>
 #include <QStringList>
 
+#include "base/filewriting.h"
 #include "base/textescape.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
@@ -250,11 +251,13 @@ void ConsoleReport::flush() {
     m_isRunningLineShown = wantsRunningLine;
     m_pending.clear();
 
-    const bool isWritten = m_device->write(text) == text.size();
-    auto* file = qobject_cast<QFileDevice*>(m_device);
-    if ((!isWritten || (file && !file->flush())) && m_error.isEmpty()) {
+    QString reason;
+    auto* const file = qobject_cast<QFileDevice*>(m_device);
+    const bool isWritten =
+        file ? writeAll(file, text, &reason) : m_device->write(text) == text.size();
+    if (!isWritten && m_error.isEmpty()) {
         m_error = QStringLiteral("The console report could not be written: %1")
-                      .arg(m_device->errorString());
+                      .arg(file ? reason : m_device->errorString());
     }
 }
 

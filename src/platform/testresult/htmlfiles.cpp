@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QTemporaryFile>
 
+#include "base/filewriting.h"
+
 namespace Tamrix {
 
 namespace {
@@ -67,9 +69,11 @@ HtmlFiles::Copy HtmlFiles::makeCopy(const QString& source) {
 
     const QDir directory(QDir(m_folder).filePath(subfolder));
     QTemporaryFile output(directory.filePath(QStringLiteral(".copy-XXXXXX")));
+    QString reason;
     const auto fail = [&] {
-        m_error = QStringLiteral("The attachment '%1' can't be copied into '%2': %3")
-                      .arg(source, directory.path(), output.errorString());
+        m_error =
+            QStringLiteral("The attachment '%1' can't be copied into '%2': %3")
+                .arg(source, directory.path(), reason.isEmpty() ? output.errorString() : reason);
         return Copy();
     };
     if (!directory.mkpath(QStringLiteral(".")) || !output.open())
@@ -80,7 +84,7 @@ HtmlFiles::Copy HtmlFiles::makeCopy(const QString& source) {
         if (block.isEmpty())
             break;
         hash.addData(block);
-        if (output.write(block) != block.size())
+        if (!writeAll(&output, block, &reason))
             return fail();
     }
     if (input.error() != QFileDevice::NoError)
@@ -95,7 +99,7 @@ HtmlFiles::Copy HtmlFiles::makeCopy(const QString& source) {
     output.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                           QFileDevice::ReadGroup | QFileDevice::ReadOther);
     output.setAutoRemove(false);
-    if (!output.flush() || !output.rename(directory.filePath(name))) {
+    if (!output.rename(directory.filePath(name))) {
         output.setAutoRemove(true);
         return fail();
     }

@@ -1,11 +1,13 @@
 #include "platform/testresult/journalreport.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QFile>
 #include <cerrno>
 
+#include "base/filewriting.h"
 #include "platform/testresult/journalformat.h"
 #include "platform/testresult/reporttarget.h"
 
@@ -32,10 +34,15 @@ JournalReport::JournalReport(const QString& path) {
         return;
     m_descriptor = ::open(QFile::encodeName(m_path).constData(),
                           O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
-    if (m_descriptor < 0)
-        fail(errno);
-    else
-        write(Journal::headerLine(QDateTime::currentDateTime()));
+    struct stat status;
+    if (m_descriptor < 0 || ::fstat(m_descriptor, &status) != 0) {
+        fail(qt_error_string(errno));
+        return;
+    }
+    m_isRegularFile = S_ISREG(status.st_mode);
+    m_device = status.st_dev;
+    m_inode = status.st_ino;
+    write(Journal::headerLine(QDateTime::currentDateTime()));
 }
 
 JournalReport::~JournalReport() {
@@ -90,24 +97,25 @@ void JournalReport::addLongEntry(const ReportEntry& entry) {
 }
 
 void JournalReport::write(const QByteArray& line) {
-    const char* data = line.constData();
-    std::size_t rest = std::size_t(line.size());
-    while (rest > 0 && m_descriptor >= 0) {
-        const ssize_t written = ::write(m_descriptor, data, rest);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0) {
-            fail(errno);
-            return;
-        }
-        data += written;
-        rest -= std::size_t(written);
-    }
+    if (m_descriptor < 0)
+        return;
+    QString reason;
+    if (!writeAll(m_descriptor, line, &reason))
+        fail(reason);
+    else if (hasVanished())
+        fail(QStringLiteral("the file was removed or replaced; from now on nothing is recorded"));
 }
 
-void JournalReport::fail(int errorNumber) {
-    m_error = QStringLiteral("The journal '%1' could not be written: %2")
-                  .arg(m_path, qt_error_string(errorNumber));
+bool JournalReport::hasVanished() const {
+    if (!m_isRegularFile)
+        return false;
+    struct stat status;
+    return ::stat(QFile::encodeName(m_path).constData(), &status) != 0 ||
+           status.st_dev != m_device || status.st_ino != m_inode;
+}
+
+void JournalReport::fail(const QString& reason) {
+    m_error = QStringLiteral("The journal '%1' could not be written: %2").arg(m_path, reason);
     close();
 }
 
@@ -118,7 +126,7 @@ void JournalReport::close() {
     m_descriptor = -1;
     // Network file systems may tell only now that a write failed.
     if (::close(descriptor) != 0 && errno != EINTR && m_error.isEmpty())
-        fail(errno);
+        fail(qt_error_string(errno));
 }
 
 }  // namespace Tamrix

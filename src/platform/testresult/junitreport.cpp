@@ -4,6 +4,7 @@
 #include <QXmlStreamWriter>
 #include <algorithm>
 
+#include "base/filewriting.h"
 #include "base/textescape.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
@@ -167,13 +168,8 @@ void JUnitReport::add(const ReportEntry& entry) {
 void JUnitReport::finish() {
     if (!m_error.isEmpty())
         return;
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_error =
-            QStringLiteral("The report '%1' can't be written: %2").arg(m_path, file.errorString());
-        return;
-    }
-    QXmlStreamWriter xml(&file);
+    QByteArray text;
+    QXmlStreamWriter xml(&text);
     xml.setAutoFormatting(true);
     xml.setAutoFormattingIndent(2);
     xml.writeStartDocument();
@@ -187,9 +183,12 @@ void JUnitReport::finish() {
         writeSuite(xml, suite);
     xml.writeEndElement();
     xml.writeEndDocument();
-    if (xml.hasError() || !file.commit())
-        m_error =
-            QStringLiteral("The report '%1' can't be written: %2").arg(m_path, file.errorString());
+    QSaveFile file(m_path);
+    QString reason;
+    if (!file.open(QIODevice::WriteOnly) || !writeAll(&file, text, &reason) || !file.commit()) {
+        m_error = QStringLiteral("The report '%1' can't be written: %2")
+                      .arg(m_path, reason.isEmpty() ? file.errorString() : reason);
+    }
 }
 
 void JUnitReport::addLine(Texts& texts, const QString& line) {

@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <functional>
 
 #include <QBuffer>
+#include <QDir>
 #include <QTemporaryDir>
 
 #include "platform/testresult/journalformat.h"
@@ -281,6 +284,36 @@ TEST_F(JournalTest, TellsWriteErrors) {
         addSampleRun(&journal);
         journal.finish();
         EXPECT_EQ(journal.errorText(), row.error);
+    }
+}
+
+TEST_F(JournalTest, NoticesThatItsFileIsGone) {
+    const QString folder = directory.filePath("f");
+    const QString other = directory.filePath("other");
+    const struct {
+        const char* description;
+        std::function<bool()> change;
+        bool isGone;
+    } rows[] = {
+        {"removed", [&] { return QFile::remove(folder + "/j"); }, true},
+        {"renamed", [&] { return QFile::rename(folder + "/j", folder + "/k"); }, true},
+        {"replaced",
+         [&] {
+             return writeFile(other) && ::rename(qPrintable(other), qPrintable(folder + "/j")) == 0;
+         },
+         true},
+        {"folder removed", [&] { return QDir(folder).removeRecursively(); }, true},
+        {"read by somebody", [&] { return !readFile(folder + "/j").isEmpty(); }, false},
+    };
+    for (const auto& row : rows) {
+        JournalReport journal(folder + "/j");
+        addSampleRun(&journal);
+        EXPECT_EQ(journal.errorText(), QString());
+        EXPECT_TRUE(row.change()) << row.description;
+        addSampleRun(&journal);
+        journal.finish();
+        EXPECT_EQ(journal.errorText().contains("removed or replaced"), row.isGone)
+            << row.description;
     }
 }
 
