@@ -5,6 +5,7 @@
 
 #include "base/filewriting.h"
 #include "base/textescape.h"
+#include "platform/testresult/longtext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"
@@ -27,6 +28,8 @@ struct OutcomeLabel {
 };
 
 constexpr int indentWidth = 2;
+/// Of longer texts of a result, the ends are shown.
+constexpr int longestText = 16 * 1024;
 
 const OutcomeLabel outcomeLabels[] = {
     {CaseOutcome::Passed, "PASS ", green},
@@ -131,7 +134,8 @@ void ConsoleReport::addFrame(const ReportEntry& entry, const CaseTally& tally) {
 void ConsoleReport::addResult(const ReportEntry& entry, const CaseTally& tally) {
     if (m_announcedId != tally.id)
         announceCase(tally);
-    QStringList lines = describeResult(entry).split(QLatin1Char('\n'));
+    QStringList lines =
+        describeResult(withLimitedTexts(entry, longestText)).split(QLatin1Char('\n'));
     if (entry.echo)
         lines.first() += QLatin1String(" (the end of the skipped case)");
     addLine(lines.takeFirst(), resultIndent(), resultColour(entry));

@@ -8,7 +8,7 @@
 #include "base/filewriting.h"
 #include "base/textescape.h"
 #include "platform/testresult/htmldata.h"
-#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/runsummary.h"
@@ -75,14 +75,14 @@ void HtmlReport::add(const ReportEntry& entry) {
 void HtmlReport::finish() {
     if (!m_error.isEmpty())
         return;
-    HtmlFiles files(m_folder);
+    ReportFiles files(m_folder, QStringLiteral("attachments"));
     if (writePage(files))
         files.removeUnused();
     else
         files.removeNew();
 }
 
-bool HtmlReport::writePage(HtmlFiles& files) {
+bool HtmlReport::writePage(ReportFiles& files) {
     HtmlData data(m_tally, m_entries, &files);
     const QString title = data.title();
     const std::map<QByteArray, QByteArray> parts = {

@@ -1,11 +1,15 @@
 #include "platform/testresult/junitreport.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 #include <algorithm>
 
 #include "base/filewriting.h"
 #include "base/textescape.h"
+#include "platform/testresult/longtext.h"
+#include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
@@ -15,6 +19,11 @@ namespace Tamrix {
 namespace {
 
 using Kind = ReportEntry::Kind;
+
+// Readers of XML refuse texts of ten million characters, and servers show far less.
+constexpr int longestMessage = 1000;
+constexpr int longestText = 64 * 1024;
+constexpr int longestElement = 1024 * 1024;
 
 QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 3);
@@ -82,6 +91,11 @@ Totals totalsOf(const SuiteTally& suite) {
     return totals;
 }
 
+/// The form in which the consumers look for files.
+QString attachmentLine(const QString& path) {
+    return QStringLiteral("[[ATTACHMENT|%1]]").arg(path);
+}
+
 void writeText(QXmlStreamWriter& xml, const QString& name, const QString& text) {
     if (!text.isEmpty())
         xml.writeTextElement(name, escapedForXml(text));
@@ -97,45 +111,13 @@ void writeTotals(QXmlStreamWriter& xml, const Totals& totals) {
     writeAttribute(xml, "errors", QString::number(totals.errors));
 }
 
-/// Writes the one element for all that went wrong: the consumers read no more than one.
-void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
-    const CaseOutcome outcome = testCase.outcome();
-    const char* element = outcomeElement(outcome);
-    if (!element)
-        return;
-    QString message;
-    QString type;
-    if (outcome == CaseOutcome::Skipped) {
-        message = testCase.skipText;
-    } else if (outcome == CaseOutcome::Incomplete) {
-        type = QStringLiteral("Incomplete");
-        message = QStringLiteral("The run ended before this did");
-    } else if (outcome == CaseOutcome::Interrupted) {
-        type = QStringLiteral("Interrupted");
-        message = QStringLiteral("The run was interrupted");
-    } else {
-        const ReportEntry& first = testCase.failures.front();
-        type = resultTypeName(first.type);
-        message = messageText(first);
-        if (testCase.failures.size() > 1)
-            message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
-    }
-
-    xml.writeStartElement(QLatin1String(element));
-    writeAttribute(xml, "message", message);
-    if (!type.isEmpty())
-        writeAttribute(xml, "type", type);
-    QStringList descriptions;
-    for (const ReportEntry& failure : testCase.failures)
-        descriptions += describeResult(failure);
-    xml.writeCharacters(escapedForXml(descriptions.join(QLatin1String("\n\n"))));
-    xml.writeEndElement();
-}
-
 }  // namespace
 
 JUnitReport::JUnitReport(const QString& path) {
     m_path = prepareReportTarget(path, &m_error);
+    const QFileInfo file(m_path);
+    m_files =
+        std::make_unique<ReportFiles>(file.path(), file.fileName() + QStringLiteral("-texts"));
 }
 
 JUnitReport::~JUnitReport() = default;
@@ -151,8 +133,7 @@ void JUnitReport::add(const ReportEntry& entry) {
             break;
         case Kind::Attachment:
         case Kind::VideoEnd:
-            // The form in which the consumers look for files.
-            addLine(texts, QStringLiteral("[[ATTACHMENT|%1]]").arg(entry.path));
+            addLine(texts, attachmentLine(entry.path));
             break;
         case Kind::Output:
             if (entry.extra == QLatin1String("stderr"))
@@ -183,6 +164,16 @@ void JUnitReport::finish() {
         writeSuite(xml, suite);
     xml.writeEndElement();
     xml.writeEndDocument();
+    m_error = m_files->errorText();
+    if (m_error.isEmpty())
+        writeFile(text);
+    if (m_error.isEmpty())
+        m_files->removeUnused();
+    else
+        m_files->removeNew();
+}
+
+void JUnitReport::writeFile(const QByteArray& text) {
     QSaveFile file(m_path);
     QString reason;
     if (!file.open(QIODevice::WriteOnly) || !writeAll(&file, text, &reason) || !file.commit()) {
@@ -197,7 +188,7 @@ void JUnitReport::addLine(Texts& texts, const QString& line) {
     texts.out += line + QLatin1Char('\n');
 }
 
-void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) const {
+void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) {
     const CaseTally& self = suite.outside;
     const Totals totals = totalsOf(suite);
     xml.writeStartElement(QStringLiteral("testsuite"));
@@ -218,7 +209,7 @@ void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) con
 }
 
 void JUnitReport::writeCase(QXmlStreamWriter& xml, const CaseTally& testCase,
-                            const QString& suiteName, bool isSuiteItself) const {
+                            const QString& suiteName, bool isSuiteItself) {
     xml.writeStartElement(QStringLiteral("testcase"));
     writeAttribute(xml, "name", testCase.name);
     writeAttribute(xml, "classname", suiteName);
@@ -233,12 +224,67 @@ void JUnitReport::writeCase(QXmlStreamWriter& xml, const CaseTally& testCase,
     xml.writeEndElement();
 }
 
-void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) const {
-    const auto texts = m_texts.find(id);
-    if (texts == m_texts.end())
+void JUnitReport::writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
+    const CaseOutcome outcome = testCase.outcome();
+    const char* element = outcomeElement(outcome);
+    if (!element)
         return;
-    writeText(xml, QStringLiteral("system-out"), texts->second.out);
-    writeText(xml, QStringLiteral("system-err"), texts->second.err);
+    QString message;
+    QString type;
+    if (outcome == CaseOutcome::Skipped) {
+        message = testCase.skipText;
+    } else if (outcome == CaseOutcome::Incomplete) {
+        type = QStringLiteral("Incomplete");
+        message = QStringLiteral("The run ended before this did");
+    } else if (outcome == CaseOutcome::Interrupted) {
+        type = QStringLiteral("Interrupted");
+        message = QStringLiteral("The run was interrupted");
+    } else {
+        const ReportEntry& first = testCase.failures.front();
+        type = resultTypeName(first.type);
+        message = messageText(first);
+        if (testCase.failures.size() > 1)
+            message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
+    }
+
+    xml.writeStartElement(QLatin1String(element));
+    writeAttribute(xml, "message", limitedText(message, longestMessage));
+    if (!type.isEmpty())
+        writeAttribute(xml, "type", type);
+    QStringList descriptions;
+    const auto store = [this](const QString& text, const QString& name) {
+        return storeWhole(text, name);
+    };
+    for (const ReportEntry& failure : testCase.failures)
+        descriptions += describeResult(withLimitedTexts(failure, longestText, store));
+    const QString text = descriptions.join(QLatin1String("\n\n"));
+    xml.writeCharacters(escapedForXml(limited(text, QStringLiteral("failures"))));
+    xml.writeEndElement();
+}
+
+QString JUnitReport::storeWhole(const QString& text, const QString& name) {
+    const QString path = m_files->store(text, name + QLatin1String(".txt")).path;
+    if (!path.isEmpty())
+        m_wholes += QFileInfo(m_path).dir().filePath(path);
+    return path;
+}
+
+QString JUnitReport::limited(const QString& text, const QString& name) {
+    return text.size() <= longestElement
+               ? text
+               : limitedText(text, longestElement, storeWhole(text, name));
+}
+
+void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) {
+    const Texts& texts = m_texts[id];
+    const QString err = limited(texts.err, QStringLiteral("system-err"));
+    Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
+    // The servers look for files here.
+    for (const QString& whole : qAsConst(m_wholes))
+        addLine(out, attachmentLine(whole));
+    m_wholes.clear();
+    writeText(xml, QStringLiteral("system-out"), out.out);
+    writeText(xml, QStringLiteral("system-err"), err);
 }
 
 }  // namespace Tamrix

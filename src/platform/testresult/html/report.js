@@ -166,6 +166,14 @@
             isShown, (inside) => fillFile(inside, file));
     }
 
+    // Links to the texts that stand in parts only.
+    function wholesElement(entry) {
+        const links = make("p", "note");
+        for (const whole of entry.wholes || [])
+            links.append(link(`The whole ${whole.name}`, whole.path), " ");
+        return links;
+    }
+
     // What helps to understand a result: of the differences of two texts, lines that only one of
     // them has begin with "-" and "+".
     function explanationElement(text) {
@@ -185,7 +193,7 @@
                     (entry.message ? ": " : "") + firstLine(entry.detail)) : ""),
             timeOf(entry)];
         if (!entry.detail && !entry.comment && !entry.explanation && !entry.stack &&
-            !entry.screenshot && !entry.echo)
+            !entry.screenshot && !entry.echo && !entry.wholes)
             return make("div", "entry flat", ...summary);
         return foldable(entry.failure && isOpen ? "entry failure" : "entry", summary, isOpen,
             (inside) => {
@@ -195,6 +203,8 @@
                     inside.append(make("p", "comment", entry.comment));
                 if (entry.explanation)
                     inside.append(explanationElement(entry.explanation));
+                if (entry.wholes)
+                    inside.append(wholesElement(entry));
                 if (entry.echo)
                     inside.append(make("p", "comment", "This is how the skipped case ended."));
                 if (entry.stack)
@@ -208,7 +218,8 @@
         return foldable("entry", [make("span", "badge", entry.label),
             make("span", "what", make("span", "more-text", firstLine(entry.message.trim()))),
             timeOf(entry)], false,
-            (inside) => inside.append(make("pre", "output", entry.message)));
+            (inside) => inside.append(make("pre", "output", entry.message),
+                wholesElement(entry)));
     }
 
     // Entries as a tree: sections hold what happened in them. A section without an end, as a run
