@@ -4,9 +4,14 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# A second build takes seconds, also in another checkout. Precompiled headers are cached like objects;
+# for that ccache must take their macros for those of the command line.
 find_program(TAMRIX_CCACHE ccache)
 if(TAMRIX_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${TAMRIX_CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        ${TAMRIX_CCACHE})
 endif()
 
 add_library(tamrix-compiler INTERFACE)
@@ -30,3 +35,7 @@ if(TAMRIX_SANITIZERS)
         -fsanitize=${TAMRIX_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(tamrix-compiler INTERFACE -fsanitize=${TAMRIX_SANITIZERS})
 endif()
+
+# Tests are compiled often and run shortly: most of the time goes into what they test.
+add_library(tamrix-tests-compiler INTERFACE)
+target_compile_options(tamrix-tests-compiler INTERFACE -O0)

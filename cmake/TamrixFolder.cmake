@@ -40,6 +40,7 @@ function(tamrix_folder name)
     add_library(${name} OBJECT ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE tamrix-compiler)
+    tamrix_precompile_folder(${name} LINK ${ARG_LINK})
     tamrix_check_headers(${name} LINK ${ARG_LINK})
 endfunction()
 
@@ -80,6 +81,7 @@ function(tamrix_plugin name)
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} tamrix-compiler)
+    tamrix_reuse_precompiled(${name} core)
     tamrix_check_headers(${name} LINK ${ARG_LINK})
     add_dependencies(tamrix-product ${name})
     install(TARGETS ${name} LIBRARY DESTINATION lib)
@@ -150,7 +152,9 @@ function(tamrix_test name)
     target_compile_definitions(${name} PRIVATE
         TAMRIX_TEST_PREFIX="${TAMRIX_PREFIX_DIR}"
         TAMRIX_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler)
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler
+        tamrix-tests-compiler)
+    tamrix_reuse_precompiled(${name} tests)
     if(ARG_DRIVES_PROGRAMS AND TAMRIX_PROGRAMS_ENVIRONMENT)
         # The property ENVIRONMENT takes but one variable here.
         set_target_properties(${name} PROPERTIES

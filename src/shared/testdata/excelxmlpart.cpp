@@ -72,7 +72,7 @@ private:
     void goBehind(std::string_view end, std::size_t beginSize, const char* what) {
         const std::size_t found = m_text.find(end, m_position + beginSize);
         if (found == std::string_view::npos)
-            fail(std::string(what) + " has no end");
+            fail((std::string(what) += " has no end"));
         m_position = found + end.size();
     }
 
