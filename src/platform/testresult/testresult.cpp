@@ -83,7 +83,7 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
 
 void TestResult::addResult(const QDateTime& time, ResultType type, const QString& message,
                            const QString& detail, const std::vector<LineInfo>& callStack,
-                           const QString& extra, int value) {
+                           const QString& extra, int value, const QString& explanation) {
     if (m_complete)
         return;
     ReportEntry entry;
@@ -95,6 +95,7 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
     entry.callStack = callStack;
     entry.extra = extra;
     entry.value = value;
+    entry.explanation = explanation;
 
     if (type == SectionStart) {
         openSection(std::move(entry));

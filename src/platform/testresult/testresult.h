@@ -69,9 +69,11 @@ public:
                    const QString& detail, const LineInfo& location,
                    const QString& extra = QString(), int value = -1);
     /// `callStack` has the innermost position first; an empty one is a result without position.
+    /// `explanation` is what reports show beside the detail, see ReportEntry.
     void addResult(const QDateTime& time, ResultType type, const QString& message,
                    const QString& detail, const std::vector<LineInfo>& callStack,
-                   const QString& extra = QString(), int value = -1);
+                   const QString& extra = QString(), int value = -1,
+                   const QString& explanation = QString());
 
     void startSection(const QString& title, const QString& description, const LineInfo& location);
     /// Ends the innermost section. Returns an error text when none is open, else an empty string.
