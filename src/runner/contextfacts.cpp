@@ -5,6 +5,7 @@
 #include "base/environment.h"
 #include "platform/objectmodel/inspector.h"
 #include "runner/runner.h"
+#include "base/wholetext.h"
 #include "runner/shellwords.h"
 
 namespace Tamrix {
@@ -181,7 +182,7 @@ QString Runner::readOutput(const SharedPtr<ApplicationContext>& context,
     *available = application && application->program();
     if (!*available)
         return {};
-    return QString::fromLocal8Bit((application->program()->output().*stream)());
+    return wholeLocal8Bit((application->program()->output().*stream)());
 }
 
 QString Runner::readStdout(SharedPtr<ApplicationContext> context, bool* available) {

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <limits>
 
+#include "base/wholetext.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/objectvalues.h"
@@ -173,7 +174,7 @@ SharedPtr<NativeScriptObject> ScriptContext::execute(
 // Values and results
 
 SharedPtr<ScriptArgument> ScriptContext::createBytes(const QByteArray& value) {
-    return createString(QString::fromUtf8(value));
+    return createString(wholeUtf8(value));
 }
 
 void ScriptContext::setListResult(const QStringList& values) {

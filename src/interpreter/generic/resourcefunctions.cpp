@@ -5,7 +5,8 @@
 #include <memory>
 
 #include "base/standardpath.h"
-#include "interpreter/bridge/scriptcontext.h"
+#include "base/wholetext.h"
+#include "interpreter/bridge/currentcontextsaver.h"
 #include "shared/resources/testresource.h"
 
 namespace Tamrix {
@@ -43,7 +44,7 @@ void sourceFile(ScriptContext* context) {
         context->setError("Couldn't open file " + name);
         return;
     }
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = wholeUtf8(file.readAll());
     // 2. Nothing to run is no error.
     if (text.isEmpty())
         return;

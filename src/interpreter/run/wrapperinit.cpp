@@ -3,6 +3,8 @@
 #include <memory>
 
 #include "base/environment.h"
+#include "base/wholetext.h"
+#include "interpreter/bridge/currentcontextsaver.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/scriptlanguage.h"
@@ -57,8 +59,9 @@ void addExtensionScripts(const QStringList& paths) {
         QFile file(expandPrefix(entry));
         if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
             continue;
-        // Read up to a first NUL.
-        text += QString::fromUtf8(file.readAll().constData());
+        const QString whole = wholeUtf8(file.readAll());
+        // Up to a first NUL: this is meant.
+        text += whole.left(whole.indexOf(QChar(0)));
         text += '\n';
         suffix = QFileInfo(file.fileName()).suffix();
     }
@@ -134,7 +137,7 @@ bool ScriptTestCase::initWrapper(const QString& wrapperName, TestResult* result,
             return false;
         }
         // b. Decode it.
-        const QString text = QString::fromUtf8(file.readAll());
+        const QString text = wholeUtf8(file.readAll());
 
         // c., d. A script of a language runs in that language.
         const ScriptLanguageInformation* language = ScriptLanguageInformation::forFile(path);

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/textescape.h"
+#include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"
@@ -297,7 +298,7 @@ void HtmlData::addText(QJsonObject& object, const HtmlFiles::Copy& copy) {
         return;
     }
     m_textBudget -= text.size();
-    object.insert(QStringLiteral("text"), shown(QString::fromUtf8(text)));
+    object.insert(QStringLiteral("text"), shown(wholeUtf8(text)));
     if (text.size() < size) {
         object.insert(
             QStringLiteral("note"),

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "base/environment.h"
+#include "base/blocking.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
@@ -14,6 +14,7 @@
 #include "plugins/python/objectcalls.h"
 #include "plugins/python/objecttype.h"
 #include "plugins/python/overlay.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -68,6 +69,18 @@ void runExitFunctions() {
         atexit ? PyObject_CallMethod(atexit.get(), "_run_exitfuncs", nullptr) : nullptr);
     if (!result)
         PyErr_Print();
+}
+
+/// Other threads of the script run while its own one waits. Every other thread of the process, and
+/// the time outside of test cases, has nothing to give up.
+void* leaveLock() {
+    const PythonInterpreter* const interpreter = PythonInterpreter::active();
+    const bool isHeld = interpreter && interpreter->isScriptThread() && PyGILState_Check();
+    return isHeld ? PyEval_SaveThread() : nullptr;
+}
+
+void enterLock(void* state) {
+    PyEval_RestoreThread(static_cast<PyThreadState*>(state));
 }
 
 PyRef import(const char* name) {
@@ -156,6 +169,7 @@ PythonRuntime::PythonRuntime() {
         PyErr_Print();
         throw std::runtime_error("Python started but could not be set up");
     }
+    BlockingSection::setLock({leaveLock, enterLock});
     std::atexit(runExitFunctions);
 }
 
