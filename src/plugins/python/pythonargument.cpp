@@ -188,12 +188,6 @@ std::optional<QVariant> PythonArgument::toVariant() const {
     const QDateTime time = fromPyDateTime(object());
     if (time.isValid())
         return time;
-    // A list may hold itself.
-    if (Py_EnterRecursiveCall(" while a value is passed to an application") != 0)
-        throw PythonErrorSet();
-    struct Leave {
-        ~Leave() { Py_LeaveRecursiveCall(); }
-    } const leave;
     return ScriptArgument::toVariant();
 }
 

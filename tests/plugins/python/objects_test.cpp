@@ -107,13 +107,28 @@ b.tags = []
          "TypeError: A value of type 'builtin_function_or_method' can't be passed "
          "to an application"},
         {"c = []\nc.append(c)\nb.tags = c",
-         "RecursionError: maximum recursion depth exceeded while a value is passed to an "
-         "application"},
+         "tamrix.Error: Button.tags() failed: A value for an application is nested deeper than 16: "
+         "does a part of it hold itself?"},
+        {"c = {}\nc['c'] = (1, c)\nb.setValue(c)",
+         "tamrix.Error: Button.setValue() failed: A value for an application is nested deeper than "
+         "16: does a part of it hold itself?"},
         {"b.geometry.q", "AttributeError: 'QRect' has no property or method 'q'"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code), error) << code;
     EXPECT_TRUE(run("b.unreadable").startsWith("tamrix.Error: "));
+}
+
+TEST_F(PythonObjects, NamesThatHoldThemselvesAreErrors) {
+    ASSERT_EQ(run("d = {'type': 'Button'}\nd['container'] = d"), "");
+    for (const char* call :
+         {"object.exists", "findObject", "findAllObjects", "waitForObject", "waitForObjectExists"})
+        EXPECT_EQ(run(QString(call) + "(d)"),
+                  "tamrix.Error: " + QString(call) +
+                      "() failed: The name of an object is nested deeper than 16: does a part of "
+                      "it hold itself?");
+    // No more does a script that calls itself through functions of the system.
+    EXPECT_TRUE(run("def again(): waitFor(again)\nagain()").contains("RecursionError"));
 }
 
 TEST_F(PythonObjects, CallMethods) {
