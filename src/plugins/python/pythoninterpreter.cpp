@@ -13,6 +13,7 @@
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
+#include "shared/resources/testresource.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -164,8 +165,9 @@ void PythonInterpreter::setScriptArguments(const QString& scriptPath,
     const PyRef list = toPyList(QStringList(scriptPath) + arguments);
     if (!list || PySys_SetObject("argv", list.get()) < 0)
         PyErr_Print();
-    // Modules beside the script are found behind those of the configured folders.
-    const QString error = addToSearchPath(QFileInfo(QFileInfo(scriptPath).absolutePath()));
+    // A module that findFile() finds is the one that import finds.
+    const QString error = PythonRuntime::self().setSearchPath(
+        scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
     if (!error.isEmpty())
         qWarning("Could not add the script's folder to the search path: %s",
                  error.toLocal8Bit().constData());

@@ -103,17 +103,6 @@ PyRef copyOfEnvironment() {
     return checked(PyObject_CallMethod(environment().get(), "copy", nullptr));
 }
 
-/// Makes the dictionary equal to the snapshot.
-void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
-    const PyRef keys = checked(PyDict_Keys(dictionary));
-    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(keys.get()); ++index) {
-        PyObject* const key = PyList_GET_ITEM(keys.get(), index);
-        if (PyDict_Contains(snapshot, key) == 0)
-            checked(PyDict_DelItem(dictionary, key));
-    }
-    checked(PyDict_Update(dictionary, snapshot));
-}
-
 /// An attribute that is text; empty when there is none.
 QString textAttribute(PyObject* object, const char* name) {
     const PyRef text = PyRef::steal(object ? PyObject_GetAttrString(object, name) : nullptr);
@@ -150,6 +139,16 @@ bool isOfLibrary(PyObject* modules, PyObject* name, SourceFiles& files) {
 }
 
 }  // namespace
+
+void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
+    const PyRef keys = checked(PyDict_Keys(dictionary));
+    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(keys.get()); ++index) {
+        PyObject* const key = PyList_GET_ITEM(keys.get(), index);
+        if (PyDict_Contains(snapshot, key) == 0)
+            checked(PyDict_DelItem(dictionary, key));
+    }
+    checked(PyDict_Update(dictionary, snapshot));
+}
 
 PythonRuntime& PythonRuntime::self() {
     // Never destroyed: objects of Python live on after static destruction has begun.
@@ -191,15 +190,24 @@ void PythonRuntime::takeSnapshot() {
 }
 
 QString PythonRuntime::addToSearchPath(const QString& directory) {
+    return changeSearchPath(m_searchPath + QStringList(directory));
+}
+
+QString PythonRuntime::setSearchPath(const QStringList& directories) {
+    return changeSearchPath(directories + m_searchPath);
+}
+
+QString PythonRuntime::changeSearchPath(QStringList directories) {
+    directories.removeDuplicates();
     PyObject* const path = PySys_GetObject("path");
-    const PyRef entry = toPyString(directory);
     if (!path || !PyList_Check(path))
         return QStringLiteral("sys.path is no list");
-    if (!entry || PyList_Insert(path, m_searchPathCount, entry.get()) < 0) {
+    const PyRef entries = toPyList(directories);
+    if (!entries || PyList_SetSlice(path, 0, m_searchPath.size(), entries.get()) < 0) {
         PyErr_Clear();
         return QStringLiteral("sys.path can't be changed");
     }
-    ++m_searchPathCount;
+    m_searchPath = directories;
     return {};
 }
 
@@ -213,7 +221,7 @@ void PythonRuntime::restore() {
         checked(PySys_SetObject("path", path.get()));
         const PyRef arguments = checked(Py_BuildValue("[s]", ""));
         checked(PySys_SetObject("argv", arguments.get()));
-        m_searchPathCount = 0;
+        m_searchPath.clear();
         // Hooks.
         for (const char* name : {"excepthook", "displayhook", "unraisablehook"})
             checked(
