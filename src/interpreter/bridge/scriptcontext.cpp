@@ -50,6 +50,7 @@ void ScriptContext::setError(const QString& message, ErrorType type) {
     if (!message.isEmpty() || !m_errorMessage.isEmpty())
         m_errorMessage = message;
     m_errorType = type;
+    m_isSkip = false;
     m_errorFrame = DebuggerFrame();
 }
 

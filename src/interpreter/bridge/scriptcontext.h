@@ -58,6 +58,11 @@ public:
     virtual void setError(const QString& message, ErrorType type = GeneralError);
     /// A general error that stands at a frame of its own.
     virtual void setError(const QString& message, const DebuggerFrame& frame);
+    /// Ends the test case as a skipped one, by a FatalError; a result has told the reason.
+    void setSkip(const QString& message) {
+        setError(message, FatalError);
+        m_isSkip = true;
+    }
     /// Clears the language's own pending error.
     virtual void clearError() = 0;
     /// Stores the value that the script call returns.
@@ -116,15 +121,21 @@ public:
     void setArguments(const std::vector<SharedPtr<ScriptArgument>>& arguments);
     void clearArguments();
     int argumentCount() const { return static_cast<int>(m_arguments.size()); }
-    /// Null for an index past the end.
+    /// Null for an index past the end, and for an optional argument that was left out though others
+    /// behind it were given.
     SharedPtr<ScriptArgument> argument(int index) const;
 
     QString errorMessage() const { return m_errorMessage; }
     bool hasError() const { return !m_errorMessage.isEmpty(); }
+    /// Whether the script gave arguments by name: each then stands at the place of its parameter,
+    /// also of a function that otherwise tells its forms by the number of arguments.
+    bool hasNamedArguments() const { return m_hasNamedArguments; }
     ErrorType errorType() const { return m_errorType; }
     DebuggerFrame errorFrame() const { return m_errorFrame; }
 
     /// The result sink of the test case, null when there is none: results are then dropped.
+    /// Whether the error is that of setSkip().
+    bool isSkip() const { return m_isSkip; }
     TestResult* testResult() const { return m_testResult; }
 
     static ScriptContext* current() { return s_current; }
@@ -188,6 +199,8 @@ public:
 
     // The script functions test.fixateResultContext and test.restoreResultContext.
     void fixateResultContext();
+    /// Ends what an exception has left open.
+    void dropFixatedResultContexts() { m_fixatedResultContexts.clear(); }
     void restoreResultContext();
 
 protected:
@@ -196,6 +209,7 @@ protected:
 
     /// A plug-in whose contexts are reused moves the arguments in without a copy.
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
+    bool m_hasNamedArguments = false;
 
 private:
     int call(Function function);
@@ -210,6 +224,7 @@ private:
     DebuggerFrame m_errorFrame;
     std::deque<LineInfo> m_fixatedResultContexts;
 
+    bool m_isSkip = false;
 public:
     /// Fills the tables with all functions of the library. Called on the first context of the
     /// process; calling it again changes nothing.

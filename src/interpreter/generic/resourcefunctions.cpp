@@ -50,10 +50,7 @@ void sourceFile(ScriptContext* context) {
         return;
     // 3. It runs in a context of its own,
     const std::unique_ptr<ScriptContext> subContext(context->createSubContext());
-    struct Restore {
-        ScriptContext* context;
-        ~Restore() { ScriptContext::setCurrent(context); }
-    } const restore{context};
+    const CurrentContextSaver saver;
     ScriptContext::setCurrent(subContext.get());
     // 4. whose error becomes that of the caller.
     QString error;

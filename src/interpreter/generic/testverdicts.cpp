@@ -36,8 +36,7 @@ void logSimpleResult(ScriptContext* context, TestResult::ResultType type) {
     if (type == TestResult::Skipped) {
         if (TestResult* result = context->testResult())
             result->addResult(type, message, detail, context->lineInfoForResult(), "testcase");
-        context->setError(formatThrowMessage(message, detail, QString()),
-                          ScriptContext::FatalError);
+        context->setSkip(formatThrowMessage(message, detail, QString()));
         return;
     }
 

@@ -6,7 +6,6 @@
 #include "base/wholetext.h"
 #include "interpreter/bridge/currentcontextsaver.h"
 #include "interpreter/bridge/interpreter.h"
-#include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/run/scripttestcase.h"
 #include "interpreter/run/wrapperdescriptor.h"
@@ -16,18 +15,6 @@
 namespace Tamrix {
 
 namespace {
-
-/// Makes the script context that was current before current again.
-class CurrentContextSaver {
-public:
-    CurrentContextSaver() : m_context(ScriptContext::current()) {}
-    ~CurrentContextSaver() { ScriptContext::setCurrent(m_context); }
-    CurrentContextSaver(const CurrentContextSaver&) = delete;
-    CurrentContextSaver& operator=(const CurrentContextSaver&) = delete;
-
-private:
-    ScriptContext* m_context;
-};
 
 /// The entries of one wrapper in the installation's settings.
 class WrapperEntries {
