@@ -5,9 +5,9 @@
 #include <limits>
 
 #include "base/environment.h"
+#include "base/wholetext.h"
 #include "platform/objectmodel/inspector.h"
 #include "runner/runner.h"
-#include "base/wholetext.h"
 #include "runner/shellwords.h"
 
 namespace Tamrix {

@@ -124,18 +124,18 @@ public:
     /// Null for an index past the end, and for an optional argument that was left out though others
     /// behind it were given.
     SharedPtr<ScriptArgument> argument(int index) const;
-
-    QString errorMessage() const { return m_errorMessage; }
-    bool hasError() const { return !m_errorMessage.isEmpty(); }
     /// Whether the script gave arguments by name: each then stands at the place of its parameter,
     /// also of a function that otherwise tells its forms by the number of arguments.
     bool hasNamedArguments() const { return m_hasNamedArguments; }
+
+    QString errorMessage() const { return m_errorMessage; }
+    bool hasError() const { return !m_errorMessage.isEmpty(); }
     ErrorType errorType() const { return m_errorType; }
+    /// Whether the error is that of setSkip().
+    bool isSkip() const { return m_isSkip; }
     DebuggerFrame errorFrame() const { return m_errorFrame; }
 
     /// The result sink of the test case, null when there is none: results are then dropped.
-    /// Whether the error is that of setSkip().
-    bool isSkip() const { return m_isSkip; }
     TestResult* testResult() const { return m_testResult; }
 
     static ScriptContext* current() { return s_current; }
@@ -196,20 +196,20 @@ public:
     /// the full one is wanted and there is a debugger, else the calling line.
     std::vector<LineInfo> callStackForResult(bool wantFullStack) const;
     const std::deque<LineInfo>& fixatedResultContexts() const { return m_fixatedResultContexts; }
+    /// Ends what an exception has left open.
+    void dropFixatedResultContexts() { m_fixatedResultContexts.clear(); }
 
     // The script functions test.fixateResultContext and test.restoreResultContext.
     void fixateResultContext();
-    /// Ends what an exception has left open.
-    void dropFixatedResultContexts() { m_fixatedResultContexts.clear(); }
     void restoreResultContext();
 
 protected:
     /// A plug-in binds its context to the result sink here.
     TestResult* m_testResult = nullptr;
+    bool m_hasNamedArguments = false;
 
     /// A plug-in whose contexts are reused moves the arguments in without a copy.
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
-    bool m_hasNamedArguments = false;
 
 private:
     int call(Function function);
@@ -221,10 +221,10 @@ private:
     std::vector<SharedPtr<ScriptArgument>> m_arguments;
     QString m_errorMessage;
     ErrorType m_errorType = GeneralError;
+    bool m_isSkip = false;
     DebuggerFrame m_errorFrame;
     std::deque<LineInfo> m_fixatedResultContexts;
 
-    bool m_isSkip = false;
 public:
     /// Fills the tables with all functions of the library. Called on the first context of the
     /// process; calling it again changes nothing.

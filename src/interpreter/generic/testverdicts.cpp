@@ -206,7 +206,7 @@ void testStackTrace(ScriptContext* context) {
     const int count = context->argumentCount();
     bool numeric = count <= 2;
     for (int index = 0; numeric && index < count; ++index)
-        numeric = context->argument(index)->isNumber();
+        numeric = !context->argument(index) || context->argument(index)->isNumber();
     if (!numeric) {
         context->setError("test::stackTrace() takes 0, 1 or 2 numeric arguments");
         return;
@@ -216,7 +216,7 @@ void testStackTrace(ScriptContext* context) {
         constexpr long long most = std::numeric_limits<int>::max();
         return static_cast<int>(std::clamp(context->argument(index)->toInt(), -1LL, most));
     };
-    const int start = count > 0 ? std::max(limit(0), 0) : 0;
+    const int start = context->argument(0) ? std::max(limit(0), 0) : 0;
     const int maximum = count > 1 ? limit(1) : -1;
     Debugger* const debugger = Debugger::self();
     context->setStackTraceResult(debugger ? debugger->stackTrace(start, maximum)

@@ -48,11 +48,11 @@ Namespaces callingNamespaces(PythonInterpreter& interpreter) {
 void PythonContext::Call::keepOuter() {
     m_outer = std::make_unique<Outer>();
     m_outer->arguments.swap(m_context.argumentStorage());
-    m_outer->errorMessage = m_context.errorMessage();
     m_outer->areNamed = m_context.m_hasNamedArguments;
+    m_outer->errorMessage = m_context.errorMessage();
     m_outer->errorType = m_context.errorType();
-    m_outer->result = std::move(m_context.m_result);
     m_outer->isSkip = m_context.isSkip();
+    m_outer->result = std::move(m_context.m_result);
 }
 
 void PythonContext::Call::restoreOuter() {

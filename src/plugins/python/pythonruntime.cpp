@@ -168,8 +168,8 @@ PythonRuntime::PythonRuntime() {
         PyErr_Print();
         throw std::runtime_error("Python started but could not be set up");
     }
-    BlockingSection::setLock({leaveLock, enterLock});
     std::atexit(runExitFunctions);
+    BlockingSection::setLock({leaveLock, enterLock});
 }
 
 bool PythonRuntime::addTamrixModule() {
