@@ -47,8 +47,9 @@ std::unique_ptr<ReportGenerator> createConsole(const CommandLine& line) {
     return std::make_unique<ConsoleReport>(std::move(output), verbosity, wantsColour());
 }
 
-/// Makes the reports. Returns an error text.
+/// Makes the reports, of which each tells when it fails. Returns an error text.
 QString openReports(const QStringList& descriptions, CompositeReport& reports) {
+    reports.setErrorHandler([](const QString& error) { tell(error); });
     for (const QString& description : descriptions) {
         QString error;
         std::unique_ptr<ReportGenerator> report = createReportGenerator(description, &error);
@@ -59,13 +60,10 @@ QString openReports(const QStringList& descriptions, CompositeReport& reports) {
     return {};
 }
 
-/// Ends the reports; false after telling which of them could not be written.
+/// Ends the reports; false when one of them could not be written.
 bool finishReports(CompositeReport& reports) {
     reports.finish();
-    const QStringList errors = reports.errorText().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    for (const QString& error : errors)
-        tell(error);
-    return errors.isEmpty();
+    return reports.errorText().isEmpty();
 }
 
 int runSuite(const CommandLine& line) {

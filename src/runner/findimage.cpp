@@ -2,6 +2,7 @@
 
 #include <json/json.h>
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
@@ -14,6 +15,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "base/filewriting.h"
 #include "runner/commandline.h"
 #include "runner/commands.h"
 #include "runner/terminal.h"
@@ -195,9 +197,14 @@ void storeAnnotated(const QString& file, const QImage& haystack, const Findings&
     if (!output.open(QIODevice::WriteOnly))
         failWithReason(output.errorString());
     const QString suffix = QFileInfo(file).suffix();
-    QImageWriter writer(&output, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
     if (!writer.write(image))
         failWithReason(writer.errorString());
+    QString reason;
+    if (!writeAll(&output, bytes.data(), &reason))
+        failWithReason(reason);
     if (!output.commit())
         failWithReason(output.errorString());
 }

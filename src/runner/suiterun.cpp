@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "base/environment.h"
+#include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
@@ -185,9 +186,10 @@ void SuiteRun::attachOutput() {
             const QString path = calculateTargetFileName(
                 folder.filePath(), QFileInfo(QStringLiteral("%1-%2.txt").arg(name, stream)));
             QFile file(path);
-            if (error.isEmpty() && (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
-                                    file.write(text) != text.size() || !file.flush()))
+            if (error.isEmpty() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
                 error = file.errorString();
+            if (error.isEmpty() && !writeAll(&file, text, &error))
+                file.remove();
             if (!error.isEmpty()) {
                 qWarning("The output of '%s' can't be attached: %s", qUtf8Printable(name),
                          qUtf8Printable(error));

@@ -64,6 +64,27 @@ TEST_F(KilledRun, TheJournalHoldsEverythingUpToThen) {
     EXPECT_TRUE(console.contains("2 cases: 1 failed, 1 incomplete")) << qPrintable(console);
 }
 
+TEST_F(KilledRun, AJournalThatVanishesIsToldAtOnceAndTheRunGoesOn) {
+    suite.write("suite/b/test.py", R"(
+import os
+def main():
+    os.remove(os.environ["JOURNAL"])
+    test.log("the first that is lost")
+    os.write(2, b"MARK\n")
+)");
+    runner.setVariable("JOURNAL", suite.path("journal.jsonl"));
+    runner.run({"run", suite.path("suite"), "--report", "json:" + suite.path("journal.jsonl"),
+                "--report", "junit:" + suite.path("junit.xml")});
+    EXPECT_EQ(runner.exitCode(), 2);
+    EXPECT_EQ(runner.errors(),
+              QString("tamrixrunner: The journal '%1' could not be written: the file was removed "
+                      "or replaced; from now on nothing is recorded\nMARK\n")
+                  .arg(suite.path("journal.jsonl")));
+    EXPECT_TRUE(runner.output().contains("3 cases: 1 passed, 2 failed"))
+        << qPrintable(runner.output());
+    EXPECT_TRUE(Tamrix::Test::readFile(suite.path("junit.xml")).contains("must not run"));
+}
+
 TEST_F(KilledRun, FromOutsideAtAnyMoment) {
     suite.write("suite/b/test.py",
                 "def main():\n"

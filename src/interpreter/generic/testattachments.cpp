@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "base/filewriting.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/runneraccess.h"
@@ -26,17 +27,15 @@ QString copyInBlocks(const QString& sourcePath, const QString& targetPath) {
     if (!target.open(QIODevice::WriteOnly))
         return QString("Opening '%1' for writing failed: %2").arg(targetPath, target.errorString());
 
-    QByteArray block(blockSize, Qt::Uninitialized);
     QString error;
-    qint64 size = 0;
-    while (error.isEmpty() && (size = source.read(block.data(), blockSize)) > 0) {
-        if (target.write(block.constData(), size) != size)
-            error = QString("Writing to '%1' failed: %2").arg(targetPath, target.errorString());
+    QString reason;
+    QByteArray block;
+    while (error.isEmpty() && !(block = source.read(blockSize)).isEmpty()) {
+        if (!writeAll(&target, block, &reason))
+            error = QString("Writing to '%1' failed: %2").arg(targetPath, reason);
     }
-    if (error.isEmpty() && size < 0)
+    if (error.isEmpty() && source.error() != QFileDevice::NoError)
         error = QString("Reading from '%1' failed: %2").arg(sourcePath, source.errorString());
-    if (error.isEmpty() && !target.flush())
-        error = QString("Writing to '%1' failed: %2").arg(targetPath, target.errorString());
     if (!error.isEmpty())
         target.remove();
     return error;

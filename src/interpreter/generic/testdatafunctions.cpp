@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "base/bytetext.h"
+#include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
@@ -124,7 +125,9 @@ QString storeFetched(const QString& file, const QString& encoded) {
     if (!TestData::checkAndMakeDir(QFileInfo(file).path(), true) ||
         !target.open(QIODevice::WriteOnly))
         return target.errorString();
-    target.write(bytes);
+    QString error;
+    if (!writeAll(&target, bytes, &error))
+        return error;
     return target.commit() ? QString() : target.errorString();
 }
 

@@ -4,6 +4,7 @@
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/textdifference.h"
 #include "interpreter/generic/verdictsupport.h"
 
 namespace Tamrix {
@@ -62,8 +63,9 @@ TestResult::ResultType verdictType(bool passed, bool xMode) {
 
 /// The second half of verify and compare: result, failure action, bool result.
 void finishVerdict(ScriptContext* context, bool passed, bool xMode, const QString& message,
-                   const QString& detail, const QString& comment) {
-    addScriptResult(context, verdictType(passed, xMode), message, detail, comment);
+                   const QString& detail, const QString& comment,
+                   const QString& explanation = QString()) {
+    addScriptResult(context, verdictType(passed, xMode), message, detail, comment, explanation);
     const bool wanted = !xMode;
     if (passed != wanted && failureAction(context, message, detail, comment))
         return;
@@ -109,7 +111,9 @@ void compare(ScriptContext* context, bool xMode) {
     const QString comment = optionalText(context, 2);
     const bool passed = context->valuesEqual(left, right);
     const QString message = "Comparison" + screenshotForResult(verdictType(passed, xMode));
-    finishVerdict(context, passed, xMode, message, comparisonDetail(left, right, passed), comment);
+    const bool isFailure = !passed && !xMode;
+    finishVerdict(context, passed, xMode, message, comparisonDetail(left, right, passed), comment,
+                  isFailure ? explainDifference(left->toString(), right->toString()) : QString());
 }
 
 }  // namespace

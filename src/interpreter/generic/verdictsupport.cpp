@@ -35,10 +35,11 @@ QString screenshotForResult(TestResult::ResultType type) {
 }
 
 void addScriptResult(ScriptContext* context, TestResult::ResultType type, const QString& message,
-                     const QString& detail, const QString& comment) {
+                     const QString& detail, const QString& comment, const QString& explanation) {
     if (TestResult* result = context->testResult())
         result->addResult(QDateTime::currentDateTime(), type, message, detail,
-                          context->callStackForResult(wantCallStackForResult(type)), comment);
+                          context->callStackForResult(wantCallStackForResult(type)), comment, -1,
+                          explanation);
 }
 
 QString formatThrowMessage(const QString& message, const QString& detail, const QString& comment) {

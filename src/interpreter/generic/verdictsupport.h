@@ -18,11 +18,12 @@ TAMRIX_EXPORT bool wantCallStackForResult(int type);
 /// append to the result's message, else an empty text.
 TAMRIX_EXPORT QString screenshotForResult(TestResult::ResultType type);
 
-/// Adds a result now, at the position and with the call stack that its type wants. Dropped without
-/// a result sink.
+/// Adds a result now, at the position and with the call stack that its type wants. `explanation` is
+/// what reports show beside the detail. Dropped without a result sink.
 TAMRIX_EXPORT void addScriptResult(ScriptContext* context, TestResult::ResultType type,
                                    const QString& message, const QString& detail,
-                                   const QString& comment = QString());
+                                   const QString& comment = QString(),
+                                   const QString& explanation = QString());
 
 /// The text with which a verdict ends the script: "%1: %2" with message and detail, or "%1: %2, %3"
 /// with message, comment and detail.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -8,12 +9,16 @@
 
 namespace Tamrix {
 
-/// Several report generators as one. Owns them.
+/// Several report generators as one. Owns them. One that can't write any more doesn't hinder the
+/// others.
 class TAMRIX_EXPORT CompositeReport : public ReportGenerator {
 public:
     /// Null is passed over.
     void append(std::unique_ptr<ReportGenerator> generator);
-    bool isEmpty() const { return m_generators.empty(); }
+    /// Is called with a generator's error text when it fails, once for each, and at once. It must
+    /// not add entries.
+    void setErrorHandler(std::function<void(const QString&)> handler);
+    bool isEmpty() const { return m_parts.empty(); }
 
     /// All operations go to the generators in the order in which they were appended.
     void add(const ReportEntry& entry) override;
@@ -24,7 +29,15 @@ public:
     QIODevice* openVideo(const QString& targetPath, QString* error) override;
 
 private:
-    std::vector<std::unique_ptr<ReportGenerator>> m_generators;
+    struct Part {
+        std::unique_ptr<ReportGenerator> generator;
+        bool hasFailed = false;
+    };
+
+    void noticeFailure(Part& part);
+
+    std::vector<Part> m_parts;
+    std::function<void(const QString&)> m_errorHandler;
 };
 
 }  // namespace Tamrix

@@ -3,7 +3,9 @@
 #include <QFileDevice>
 #include <QStringList>
 
+#include "base/filewriting.h"
 #include "base/textescape.h"
+#include "platform/testresult/longtext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"
@@ -26,6 +28,8 @@ struct OutcomeLabel {
 };
 
 constexpr int indentWidth = 2;
+/// Of longer texts of a result, the ends are shown.
+constexpr int longestText = 16 * 1024;
 
 const OutcomeLabel outcomeLabels[] = {
     {CaseOutcome::Passed, "PASS ", green},
@@ -130,7 +134,8 @@ void ConsoleReport::addFrame(const ReportEntry& entry, const CaseTally& tally) {
 void ConsoleReport::addResult(const ReportEntry& entry, const CaseTally& tally) {
     if (m_announcedId != tally.id)
         announceCase(tally);
-    QStringList lines = describeResult(entry).split(QLatin1Char('\n'));
+    QStringList lines =
+        describeResult(withLimitedTexts(entry, longestText)).split(QLatin1Char('\n'));
     if (entry.echo)
         lines.first() += QLatin1String(" (the end of the skipped case)");
     addLine(lines.takeFirst(), resultIndent(), resultColour(entry));
@@ -250,11 +255,13 @@ void ConsoleReport::flush() {
     m_isRunningLineShown = wantsRunningLine;
     m_pending.clear();
 
-    const bool isWritten = m_device->write(text) == text.size();
-    auto* file = qobject_cast<QFileDevice*>(m_device);
-    if ((!isWritten || (file && !file->flush())) && m_error.isEmpty()) {
+    QString reason;
+    auto* const file = qobject_cast<QFileDevice*>(m_device);
+    const bool isWritten =
+        file ? writeAll(file, text, &reason) : m_device->write(text) == text.size();
+    if (!isWritten && m_error.isEmpty()) {
         m_error = QStringLiteral("The console report could not be written: %1")
-                      .arg(m_device->errorString());
+                      .arg(file ? reason : m_device->errorString());
     }
 }
 

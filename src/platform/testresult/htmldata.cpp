@@ -7,6 +7,7 @@
 
 #include "base/textescape.h"
 #include "base/wholetext.h"
+#include "platform/testresult/longtext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/runsummary.h"
@@ -19,6 +20,12 @@ using Kind = ReportEntry::Kind;
 
 /// How much text of attachments stands in the page itself, in bytes; the rest is linked.
 constexpr qint64 allTexts = 8 * 1024 * 1024;
+/// The same for what results say and scripts write, in characters. A single text has at most
+/// `longestText`, and when there have been many, `longestLateText`.
+constexpr qint64 allEntryTexts = 8 * 1024 * 1024;
+constexpr int longestText = 64 * 1024;
+constexpr int longestLateText = 4 * 1024;
+constexpr int longestBrief = 400;
 
 const char* outcomeId(CaseOutcome outcome) {
     switch (outcome) {
@@ -82,7 +89,7 @@ QString briefText(const CaseTally& tally) {
         return tally.skipText;
     ReportEntry first = tally.failures.front();
     takeScreenshotNote(&first.message);
-    return messageText(first);
+    return messageText(first).left(longestBrief);
 }
 
 QString labelOf(const ReportEntry& entry) {
@@ -123,12 +130,13 @@ const char* kindOf(const ReportEntry& entry) {
 
 }  // namespace
 
-HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, HtmlFiles* files)
+HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, ReportFiles* files)
     : m_tally(tally),
       m_entries(entries),
       m_files(files),
       m_excerpts(tally.suites().empty() ? QDateTime() : tally.suites().front().outside.start),
-      m_textBudget(allTexts) {}
+      m_textBudget(allTexts),
+      m_entryBudget(allEntryTexts) {}
 
 QString HtmlData::title() const {
     QStringList names;
@@ -217,8 +225,28 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     m_rows.append(row);
 }
 
-QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& rowStart) {
-    QJsonObject object{{QStringLiteral("kind"), QLatin1String(kindOf(entry))}};
+ReportEntry HtmlData::limitedEntry(const ReportEntry& entry, QJsonObject& object) {
+    QJsonArray wholes;
+    const auto store = [&](const QString& text, const QString& name) {
+        const QString path = m_files->store(text, name + QLatin1String(".txt")).path;
+        if (!path.isEmpty()) {
+            wholes.append(
+                QJsonObject{{QStringLiteral("name"), name}, {QStringLiteral("path"), path}});
+        }
+        return path;
+    };
+    const ReportEntry limited =
+        withLimitedTexts(entry, m_entryBudget > 0 ? longestText : longestLateText, store);
+    m_entryBudget -= qint64(limited.message.size()) + limited.detail.size() + limited.extra.size() +
+                     limited.explanation.size();
+    if (!wholes.isEmpty())
+        object.insert(QStringLiteral("wholes"), wholes);
+    return limited;
+}
+
+QJsonObject HtmlData::entryObject(const ReportEntry& whole, const QDateTime& rowStart) {
+    QJsonObject object{{QStringLiteral("kind"), QLatin1String(kindOf(whole))}};
+    const ReportEntry entry = limitedEntry(whole, object);
     const bool hasTime = entry.time.isValid() && rowStart.isValid();
     object.insert(QStringLiteral("at"),
                   hasTime ? std::max<qint64>(0, rowStart.msecsTo(entry.time)) : 0);
@@ -255,6 +283,8 @@ void HtmlData::addResult(QJsonObject& object, const ReportEntry& entry) {
     if (entry.echo)
         object.insert(QStringLiteral("echo"), true);
     insertText(object, "comment", shown(commentText(entry)));
+    // A difference may lie in the line ends.
+    insertText(object, "explanation", escapedForTerminal(entry.explanation));
     addStack(object, entry.callStack);
 }
 
@@ -276,7 +306,7 @@ void HtmlData::addStack(QJsonObject& object, const CallStack& callStack) {
 
 QJsonObject HtmlData::fileObject(const QString& source, bool isImage) {
     QJsonObject object{{QStringLiteral("name"), shown(QFileInfo(source).fileName())}};
-    const HtmlFiles::Copy copy = m_files->copy(source);
+    const ReportFiles::Copy copy = m_files->copy(source);
     if (copy.path.isEmpty()) {
         insertText(object, "problem", shown(copy.problem));
         return object;
@@ -289,7 +319,7 @@ QJsonObject HtmlData::fileObject(const QString& source, bool isImage) {
     return object;
 }
 
-void HtmlData::addText(QJsonObject& object, const HtmlFiles::Copy& copy) {
+void HtmlData::addText(QJsonObject& object, const ReportFiles::Copy& copy) {
     qint64 size = 0;
     const QByteArray text = m_files->endOfText(copy, &size);
     if (text.size() > m_textBudget) {

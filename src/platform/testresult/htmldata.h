@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/runtally.h"
 #include "platform/testresult/scriptexcerpts.h"
@@ -28,7 +28,7 @@ using EntriesById = std::map<int, std::vector<ReportEntry>>;
 class HtmlData {
 public:
     /// `tally` and `entries` must live longer. Attachments are copied by `files`, not owned.
-    HtmlData(const RunTally& tally, const EntriesById& entries, HtmlFiles* files);
+    HtmlData(const RunTally& tally, const EntriesById& entries, ReportFiles* files);
 
     /// The name of the run: those of its suites.
     QString title() const;
@@ -38,20 +38,25 @@ public:
 
 private:
     void addRow(const CaseTally& tally, int suite, bool isCase);
-    QJsonObject entryObject(const ReportEntry& entry, const QDateTime& rowStart);
+    QJsonObject entryObject(const ReportEntry& whole, const QDateTime& rowStart);
     void addResult(QJsonObject& object, const ReportEntry& entry);
     void addStack(QJsonObject& object, const CallStack& callStack);
     QJsonObject fileObject(const QString& source, bool isImage);
-    void addText(QJsonObject& object, const HtmlFiles::Copy& copy);
+    void addText(QJsonObject& object, const ReportFiles::Copy& copy);
+    /// The entry with texts that the page can hold; links to the whole ones go to `object`.
+    ReportEntry limitedEntry(const ReportEntry& entry, QJsonObject& object);
 
     const RunTally& m_tally;
     const EntriesById& m_entries;
-    HtmlFiles* m_files;
+    ReportFiles* m_files;
     ScriptExcerpts m_excerpts;
     QJsonArray m_rows;
     /// The lists of the rows, as JSON.
     QByteArray m_rowEntries;
+    /// How much the page may still hold: of attached texts in bytes, of the texts of entries in
+    /// characters.
     qint64 m_textBudget;
+    qint64 m_entryBudget;
 };
 
 }  // namespace Tamrix

@@ -5,9 +5,10 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include "base/filewriting.h"
 #include "base/textescape.h"
 #include "platform/testresult/htmldata.h"
-#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/runsummary.h"
@@ -74,14 +75,14 @@ void HtmlReport::add(const ReportEntry& entry) {
 void HtmlReport::finish() {
     if (!m_error.isEmpty())
         return;
-    HtmlFiles files(m_folder);
+    ReportFiles files(m_folder, QStringLiteral("attachments"));
     if (writePage(files))
         files.removeUnused();
     else
         files.removeNew();
 }
 
-bool HtmlReport::writePage(HtmlFiles& files) {
+bool HtmlReport::writePage(ReportFiles& files) {
     HtmlData data(m_tally, m_entries, &files);
     const QString title = data.title();
     const std::map<QByteArray, QByteArray> parts = {
@@ -93,25 +94,25 @@ bool HtmlReport::writePage(HtmlFiles& files) {
     if (!m_error.isEmpty())
         return false;
 
-    QSaveFile page(m_page);
-    bool isWritten = page.open(QIODevice::WriteOnly);
+    QByteArray text;
     // Only the template is searched for "{{NAME}}", never what takes its place.
     const QByteArray frame = resource("page.html");
-    int position = 0;
-    while (isWritten && position < frame.size()) {
+    for (int position = 0; position < frame.size();) {
         const int begin = frame.indexOf("{{", position);
-        const int end = begin < 0 ? frame.size() : begin;
-        page.write(frame.constData() + position, end - position);
-        position = end;
+        text += frame.mid(position, begin < 0 ? -1 : begin - position);
         if (begin < 0)
             break;
         const int close = frame.indexOf("}}", begin);
-        page.write(parts.at(frame.mid(begin + 2, close - begin - 2)));
+        text += parts.at(frame.mid(begin + 2, close - begin - 2));
         position = close + 2;
     }
-    if (!isWritten || !page.commit()) {
-        m_error =
-            QStringLiteral("The report '%1' can't be written: %2").arg(m_page, page.errorString());
+    QSaveFile page(m_page);
+    QString reason;
+    const bool isWritten =
+        page.open(QIODevice::WriteOnly) && writeAll(&page, text, &reason) && page.commit();
+    if (!isWritten) {
+        m_error = QStringLiteral("The report '%1' can't be written: %2")
+                      .arg(m_page, reason.isEmpty() ? page.errorString() : reason);
         return false;
     }
     return true;

@@ -10,7 +10,7 @@
 
 namespace Tamrix {
 
-class HtmlFiles;
+class ReportFiles;
 
 /// A page for people: the run's cases with a filter, and for each failure the lines of the script,
 /// the calls, the screenshot and what the application wrote. It is a folder with index.html and
@@ -33,7 +33,7 @@ public:
     QString errorText() const override { return m_error; }
 
 private:
-    bool writePage(HtmlFiles& files);
+    bool writePage(ReportFiles& files);
 
     QString m_folder;
     QString m_page;

@@ -285,6 +285,7 @@ QByteArray entryLine(const ReportEntry& entry) {
     if (entry.value != -1)
         appendNumber(line, "value", entry.value);
     appendText(line, "path", entry.path);
+    appendText(line, "explanation", entry.explanation);
     if (entry.echo)
         line += ",\"echo\":true";
     line += "}\n";
@@ -327,6 +328,7 @@ QString parseEntry(const QByteArray& line, ReportEntry* entry, bool* isJson) {
     entry->extra = fields.text("extra");
     entry->value = fields.number("value", -1);
     entry->path = fields.text("path");
+    entry->explanation = fields.text("explanation");
     entry->echo = fields.flag("echo");
     if (!fields.errorText().isEmpty())
         return fields.errorText();

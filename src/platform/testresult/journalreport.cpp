@@ -1,11 +1,13 @@
 #include "platform/testresult/journalreport.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QFile>
 #include <cerrno>
 
+#include "base/filewriting.h"
 #include "platform/testresult/journalformat.h"
 #include "platform/testresult/reporttarget.h"
 
@@ -13,7 +15,7 @@ namespace Tamrix {
 
 namespace {
 
-/// With each of the four texts of an entry no longer than this, its line stays below the limit,
+/// With each of the five texts of an entry no longer than this, its line stays below the limit,
 /// since a code unit takes six bytes at most.
 constexpr int longestText = 2 * 1024 * 1024;
 
@@ -32,10 +34,15 @@ JournalReport::JournalReport(const QString& path) {
         return;
     m_descriptor = ::open(QFile::encodeName(m_path).constData(),
                           O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
-    if (m_descriptor < 0)
-        fail(errno);
-    else
-        write(Journal::headerLine(QDateTime::currentDateTime()));
+    struct stat status;
+    if (m_descriptor < 0 || ::fstat(m_descriptor, &status) != 0) {
+        fail(qt_error_string(errno));
+        return;
+    }
+    m_isRegularFile = S_ISREG(status.st_mode);
+    m_device = status.st_dev;
+    m_inode = status.st_ino;
+    write(Journal::headerLine(QDateTime::currentDateTime()));
 }
 
 JournalReport::~JournalReport() {
@@ -72,6 +79,13 @@ void JournalReport::addLongEntry(const ReportEntry& entry) {
         }
         return;
     }
+    // What follows from the rest goes first.
+    part.explanation = shortened(entry.explanation);
+    const QByteArray line = Journal::entryLine(part);
+    if (line.size() <= Journal::longestLine) {
+        write(line);
+        return;
+    }
     part.message = shortened(entry.message);
     part.detail = shortened(entry.detail);
     part.extra = shortened(entry.extra);
@@ -83,24 +97,25 @@ void JournalReport::addLongEntry(const ReportEntry& entry) {
 }
 
 void JournalReport::write(const QByteArray& line) {
-    const char* data = line.constData();
-    std::size_t rest = std::size_t(line.size());
-    while (rest > 0 && m_descriptor >= 0) {
-        const ssize_t written = ::write(m_descriptor, data, rest);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0) {
-            fail(errno);
-            return;
-        }
-        data += written;
-        rest -= std::size_t(written);
-    }
+    if (m_descriptor < 0)
+        return;
+    QString reason;
+    if (!writeAll(m_descriptor, line, &reason))
+        fail(reason);
+    else if (hasVanished())
+        fail(QStringLiteral("the file was removed or replaced; from now on nothing is recorded"));
 }
 
-void JournalReport::fail(int errorNumber) {
-    m_error = QStringLiteral("The journal '%1' could not be written: %2")
-                  .arg(m_path, qt_error_string(errorNumber));
+bool JournalReport::hasVanished() const {
+    if (!m_isRegularFile)
+        return false;
+    struct stat status;
+    return ::stat(QFile::encodeName(m_path).constData(), &status) != 0 ||
+           status.st_dev != m_device || status.st_ino != m_inode;
+}
+
+void JournalReport::fail(const QString& reason) {
+    m_error = QStringLiteral("The journal '%1' could not be written: %2").arg(m_path, reason);
     close();
 }
 
@@ -111,7 +126,7 @@ void JournalReport::close() {
     m_descriptor = -1;
     // Network file systems may tell only now that a write failed.
     if (::close(descriptor) != 0 && errno != EINTR && m_error.isEmpty())
-        fail(errno);
+        fail(qt_error_string(errno));
 }
 
 }  // namespace Tamrix

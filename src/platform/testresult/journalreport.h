@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include "base/export.h"
 #include "platform/testresult/reportgenerator.h"
 
@@ -9,9 +11,10 @@ namespace Tamrix {
 /// handed to the operating system before add() returns, so that a run that is killed at any moment
 /// loses none of them; JournalReader makes other reports of the file.
 ///
-/// A write error ends the journal: nothing is written behind a line that may be broken, and
-/// errorText() tells the cause. Texts of a line that would be longer than the reader takes are
-/// shortened with a visible mark; script output is spread over several entries instead.
+/// A write error ends the journal, and so does a file that somebody removes or replaces: nothing is
+/// written behind a line that may be broken, and errorText() tells the cause. Texts of a line that
+/// would be longer than the reader takes are shortened with a visible mark; script output is spread
+/// over several entries instead.
 class TAMRIX_EXPORT JournalReport : public ReportGenerator {
 public:
     /// Replaces the file at `path` and writes the header; a relative path counts from the current
@@ -28,11 +31,16 @@ public:
 private:
     void addLongEntry(const ReportEntry& entry);
     void write(const QByteArray& line);
-    void fail(int errorNumber);
+    /// Whether the path leads to another file by now, or to none.
+    bool hasVanished() const;
+    void fail(const QString& reason);
     void close();
 
     QString m_path;
     int m_descriptor = -1;
+    bool m_isRegularFile = false;
+    dev_t m_device = 0;
+    ino_t m_inode = 0;
     QString m_error;
 };
 

@@ -1,10 +1,15 @@
 #include "platform/testresult/junitreport.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 #include <algorithm>
 
+#include "base/filewriting.h"
 #include "base/textescape.h"
+#include "platform/testresult/longtext.h"
+#include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
@@ -14,6 +19,11 @@ namespace Tamrix {
 namespace {
 
 using Kind = ReportEntry::Kind;
+
+// Readers of XML refuse texts of ten million characters, and servers show far less.
+constexpr int longestMessage = 1000;
+constexpr int longestText = 64 * 1024;
+constexpr int longestElement = 1024 * 1024;
 
 QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 3);
@@ -81,6 +91,11 @@ Totals totalsOf(const SuiteTally& suite) {
     return totals;
 }
 
+/// The form in which the consumers look for files.
+QString attachmentLine(const QString& path) {
+    return QStringLiteral("[[ATTACHMENT|%1]]").arg(path);
+}
+
 void writeText(QXmlStreamWriter& xml, const QString& name, const QString& text) {
     if (!text.isEmpty())
         xml.writeTextElement(name, escapedForXml(text));
@@ -96,8 +111,120 @@ void writeTotals(QXmlStreamWriter& xml, const Totals& totals) {
     writeAttribute(xml, "errors", QString::number(totals.errors));
 }
 
-/// Writes the one element for all that went wrong: the consumers read no more than one.
-void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
+}  // namespace
+
+JUnitReport::JUnitReport(const QString& path) {
+    m_path = prepareReportTarget(path, &m_error);
+    const QFileInfo file(m_path);
+    m_files =
+        std::make_unique<ReportFiles>(file.path(), file.fileName() + QStringLiteral("-texts"));
+}
+
+JUnitReport::~JUnitReport() = default;
+
+void JUnitReport::add(const ReportEntry& entry) {
+    Texts& texts = m_texts[m_tally.add(entry).id];
+    switch (entry.kind) {
+        case Kind::Result:
+            // Failures have an element of their own, and so has the skip of a case.
+            if (entry.type == TestResult::Log || entry.type == TestResult::Warning ||
+                (entry.type == TestResult::Skipped && !isCaseSkip(entry)))
+                addLine(texts, describeResult(entry));
+            break;
+        case Kind::Attachment:
+        case Kind::VideoEnd:
+            addLine(texts, attachmentLine(entry.path));
+            break;
+        case Kind::Output:
+            if (entry.extra == QLatin1String("stderr"))
+                texts.err += entry.message;
+            else
+                texts.out += entry.message;
+            break;
+        default:
+            break;
+    }
+}
+
+void JUnitReport::finish() {
+    if (!m_error.isEmpty())
+        return;
+    QByteArray text;
+    QXmlStreamWriter xml(&text);
+    xml.setAutoFormatting(true);
+    xml.setAutoFormattingIndent(2);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("testsuites"));
+    Totals totals;
+    for (const SuiteTally& suite : m_tally.suites())
+        totals.add(totalsOf(suite));
+    writeTotals(xml, totals);
+    writeAttribute(xml, "time", secondsText(m_tally.seconds()));
+    for (const SuiteTally& suite : m_tally.suites())
+        writeSuite(xml, suite);
+    xml.writeEndElement();
+    xml.writeEndDocument();
+    m_error = m_files->errorText();
+    if (m_error.isEmpty())
+        writeFile(text);
+    if (m_error.isEmpty())
+        m_files->removeUnused();
+    else
+        m_files->removeNew();
+}
+
+void JUnitReport::writeFile(const QByteArray& text) {
+    QSaveFile file(m_path);
+    QString reason;
+    if (!file.open(QIODevice::WriteOnly) || !writeAll(&file, text, &reason) || !file.commit()) {
+        m_error = QStringLiteral("The report '%1' can't be written: %2")
+                      .arg(m_path, reason.isEmpty() ? file.errorString() : reason);
+    }
+}
+
+void JUnitReport::addLine(Texts& texts, const QString& line) {
+    if (!texts.out.isEmpty() && !texts.out.endsWith(QLatin1Char('\n')))
+        texts.out += QLatin1Char('\n');
+    texts.out += line + QLatin1Char('\n');
+}
+
+void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) {
+    const CaseTally& self = suite.outside;
+    const Totals totals = totalsOf(suite);
+    xml.writeStartElement(QStringLiteral("testsuite"));
+    writeAttribute(xml, "name", self.name);
+    writeTotals(xml, totals);
+    writeAttribute(xml, "skipped", QString::number(totals.skipped));
+    writeAttribute(xml, "time", secondsText(self.seconds()));
+    if (self.start.isValid()) {
+        writeAttribute(xml, "timestamp",
+                       self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
+    }
+    if (needsOwnCase(suite))
+        writeCase(xml, self, self.name, true);
+    for (const CaseTally& testCase : suite.cases)
+        writeCase(xml, testCase, self.name, false);
+    writeTexts(xml, self.id);
+    xml.writeEndElement();
+}
+
+void JUnitReport::writeCase(QXmlStreamWriter& xml, const CaseTally& testCase,
+                            const QString& suiteName, bool isSuiteItself) {
+    xml.writeStartElement(QStringLiteral("testcase"));
+    writeAttribute(xml, "name", testCase.name);
+    writeAttribute(xml, "classname", suiteName);
+    if (!isSuiteItself) {
+        if (!testCase.path.isEmpty())
+            writeAttribute(xml, "file", testCase.path);
+        writeAttribute(xml, "time", secondsText(testCase.seconds()));
+    }
+    writeOutcome(xml, testCase);
+    if (!isSuiteItself)
+        writeTexts(xml, testCase.id);
+    xml.writeEndElement();
+}
+
+void JUnitReport::writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
     const CaseOutcome outcome = testCase.outcome();
     const char* element = outcomeElement(outcome);
     if (!element)
@@ -121,125 +248,43 @@ void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
     }
 
     xml.writeStartElement(QLatin1String(element));
-    writeAttribute(xml, "message", message);
+    writeAttribute(xml, "message", limitedText(message, longestMessage));
     if (!type.isEmpty())
         writeAttribute(xml, "type", type);
     QStringList descriptions;
+    const auto store = [this](const QString& text, const QString& name) {
+        return storeWhole(text, name);
+    };
     for (const ReportEntry& failure : testCase.failures)
-        descriptions += describeResult(failure);
-    xml.writeCharacters(escapedForXml(descriptions.join(QLatin1String("\n\n"))));
+        descriptions += describeResult(withLimitedTexts(failure, longestText, store));
+    const QString text = descriptions.join(QLatin1String("\n\n"));
+    xml.writeCharacters(escapedForXml(limited(text, QStringLiteral("failures"))));
     xml.writeEndElement();
 }
 
-}  // namespace
-
-JUnitReport::JUnitReport(const QString& path) {
-    m_path = prepareReportTarget(path, &m_error);
+QString JUnitReport::storeWhole(const QString& text, const QString& name) {
+    const QString path = m_files->store(text, name + QLatin1String(".txt")).path;
+    if (!path.isEmpty())
+        m_wholes += QFileInfo(m_path).dir().filePath(path);
+    return path;
 }
 
-JUnitReport::~JUnitReport() = default;
-
-void JUnitReport::add(const ReportEntry& entry) {
-    Texts& texts = m_texts[m_tally.add(entry).id];
-    switch (entry.kind) {
-        case Kind::Result:
-            // Failures have an element of their own, and so has the skip of a case.
-            if (entry.type == TestResult::Log || entry.type == TestResult::Warning ||
-                (entry.type == TestResult::Skipped && !isCaseSkip(entry)))
-                addLine(texts, describeResult(entry));
-            break;
-        case Kind::Attachment:
-        case Kind::VideoEnd:
-            // The form in which the consumers look for files.
-            addLine(texts, QStringLiteral("[[ATTACHMENT|%1]]").arg(entry.path));
-            break;
-        case Kind::Output:
-            if (entry.extra == QLatin1String("stderr"))
-                texts.err += entry.message;
-            else
-                texts.out += entry.message;
-            break;
-        default:
-            break;
-    }
+QString JUnitReport::limited(const QString& text, const QString& name) {
+    return text.size() <= longestElement
+               ? text
+               : limitedText(text, longestElement, storeWhole(text, name));
 }
 
-void JUnitReport::finish() {
-    if (!m_error.isEmpty())
-        return;
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_error =
-            QStringLiteral("The report '%1' can't be written: %2").arg(m_path, file.errorString());
-        return;
-    }
-    QXmlStreamWriter xml(&file);
-    xml.setAutoFormatting(true);
-    xml.setAutoFormattingIndent(2);
-    xml.writeStartDocument();
-    xml.writeStartElement(QStringLiteral("testsuites"));
-    Totals totals;
-    for (const SuiteTally& suite : m_tally.suites())
-        totals.add(totalsOf(suite));
-    writeTotals(xml, totals);
-    writeAttribute(xml, "time", secondsText(m_tally.seconds()));
-    for (const SuiteTally& suite : m_tally.suites())
-        writeSuite(xml, suite);
-    xml.writeEndElement();
-    xml.writeEndDocument();
-    if (xml.hasError() || !file.commit())
-        m_error =
-            QStringLiteral("The report '%1' can't be written: %2").arg(m_path, file.errorString());
-}
-
-void JUnitReport::addLine(Texts& texts, const QString& line) {
-    if (!texts.out.isEmpty() && !texts.out.endsWith(QLatin1Char('\n')))
-        texts.out += QLatin1Char('\n');
-    texts.out += line + QLatin1Char('\n');
-}
-
-void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) const {
-    const CaseTally& self = suite.outside;
-    const Totals totals = totalsOf(suite);
-    xml.writeStartElement(QStringLiteral("testsuite"));
-    writeAttribute(xml, "name", self.name);
-    writeTotals(xml, totals);
-    writeAttribute(xml, "skipped", QString::number(totals.skipped));
-    writeAttribute(xml, "time", secondsText(self.seconds()));
-    if (self.start.isValid()) {
-        writeAttribute(xml, "timestamp",
-                       self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
-    }
-    if (needsOwnCase(suite))
-        writeCase(xml, self, self.name, true);
-    for (const CaseTally& testCase : suite.cases)
-        writeCase(xml, testCase, self.name, false);
-    writeTexts(xml, self.id);
-    xml.writeEndElement();
-}
-
-void JUnitReport::writeCase(QXmlStreamWriter& xml, const CaseTally& testCase,
-                            const QString& suiteName, bool isSuiteItself) const {
-    xml.writeStartElement(QStringLiteral("testcase"));
-    writeAttribute(xml, "name", testCase.name);
-    writeAttribute(xml, "classname", suiteName);
-    if (!isSuiteItself) {
-        if (!testCase.path.isEmpty())
-            writeAttribute(xml, "file", testCase.path);
-        writeAttribute(xml, "time", secondsText(testCase.seconds()));
-    }
-    writeOutcome(xml, testCase);
-    if (!isSuiteItself)
-        writeTexts(xml, testCase.id);
-    xml.writeEndElement();
-}
-
-void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) const {
-    const auto texts = m_texts.find(id);
-    if (texts == m_texts.end())
-        return;
-    writeText(xml, QStringLiteral("system-out"), texts->second.out);
-    writeText(xml, QStringLiteral("system-err"), texts->second.err);
+void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) {
+    const Texts& texts = m_texts[id];
+    const QString err = limited(texts.err, QStringLiteral("system-err"));
+    Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
+    // The servers look for files here.
+    for (const QString& whole : qAsConst(m_wholes))
+        addLine(out, attachmentLine(whole));
+    m_wholes.clear();
+    writeText(xml, QStringLiteral("system-out"), out.out);
+    writeText(xml, QStringLiteral("system-err"), err);
 }
 
 }  // namespace Tamrix

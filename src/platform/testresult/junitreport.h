@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 
 #include "base/export.h"
 #include "platform/testresult/reportgenerator.h"
@@ -10,9 +11,12 @@ class QXmlStreamWriter;
 
 namespace Tamrix {
 
+class ReportFiles;
+
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
 /// one failure or error element. What happened outside the cases becomes a testcase of the suite's
-/// own name when it failed. Keeps the run in memory until finish().
+/// own name when it failed. Of texts that are too long for readers of XML the file holds the ends,
+/// and the folder FILE-texts beside it the whole. Keeps the run in memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
 public:
     /// A relative path counts from the current working directory. Missing folders are created; the
@@ -34,16 +38,26 @@ private:
     };
 
     void addLine(Texts& texts, const QString& line);
-    void writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) const;
+    void writeFile(const QByteArray& text);
+    void writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite);
     void writeCase(QXmlStreamWriter& xml, const CaseTally& testCase, const QString& suiteName,
-                   bool isSuiteItself) const;
-    void writeTexts(QXmlStreamWriter& xml, int id) const;
+                   bool isSuiteItself);
+    /// Writes the one element for all that went wrong: the consumers read no more than one.
+    void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase);
+    void writeTexts(QXmlStreamWriter& xml, int id);
+    /// A text that an element can hold.
+    QString limited(const QString& text, const QString& name);
+    /// The place of a whole text beside the report, which writeTexts() mentions.
+    QString storeWhole(const QString& text, const QString& name);
 
     QString m_path;
     QString m_error;
     RunTally m_tally;
     /// By CaseTally::id.
     std::map<int, Texts> m_texts;
+    std::unique_ptr<ReportFiles> m_files;
+    /// Paths of the whole texts of the case that is being written.
+    QStringList m_wholes;
 };
 
 }  // namespace Tamrix

@@ -20,7 +20,7 @@ struct TAMRIX_EXPORT ReportEntry {
         CaseEnd,       ///< extra: "finished" or "interrupted"
         SectionStart,  ///< message: title, detail: description, extra: kind, value
         SectionEnd,    ///< message, extra: title and kind of the section that ends
-        Result,        ///< type, message, detail, callStack, extra, value
+        Result,        ///< type, message, detail, callStack, extra, value, explanation
         Attachment,    ///< type: the attachment type's number, message, path, callStack
         VideoStart,    ///< message, path, callStack
         VideoEnd,      ///< message, path, callStack
@@ -40,6 +40,9 @@ struct TAMRIX_EXPORT ReportEntry {
     QString extra;
     int value = -1;
     QString path;
+    /// What helps to understand a result, in lines of its own: the difference of two texts, the
+    /// values behind a condition. Message and detail say what they say without it.
+    QString explanation;
     /// The entry repeats what another one has said already and counts for nothing: the script
     /// error with which a skipped test case comes to its end.
     bool echo = false;

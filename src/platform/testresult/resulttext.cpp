@@ -47,6 +47,8 @@ QString describeResult(const ReportEntry& entry) {
     const QString comment = commentText(entry);
     if (!comment.isEmpty())
         lines += comment;
+    if (!entry.explanation.isEmpty())
+        lines += entry.explanation;
     for (std::size_t i = 1; i < entry.callStack.size(); ++i) {
         const QString caller = positionText(entry.callStack[i]);
         if (!caller.isEmpty())

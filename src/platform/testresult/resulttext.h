@@ -24,6 +24,7 @@ TAMRIX_EXPORT QString commentText(const ReportEntry& entry);
 ///     FILE:LINE: TYPE: MESSAGE
 ///     DETAIL
 ///     Comment: COMMENT
+///     EXPLANATION
 ///     called from FILE:LINE
 ///
 /// Lines that would be empty are left out; the last form stands once for each further position of

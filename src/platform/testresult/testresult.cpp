@@ -82,12 +82,13 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
 
 void TestResult::addResult(const QDateTime& time, ResultType type, const QString& message,
                            const QString& detail, const std::vector<LineInfo>& callStack,
-                           const QString& extra, int value) {
+                           const QString& extra, int value, const QString& explanation) {
     if (m_complete)
         return;
     ReportEntry entry = resultEntry(time, type, message, detail, callStack);
     entry.extra = extra;
     entry.value = value;
+    entry.explanation = explanation;
 
     if (type == SectionStart) {
         openSection(std::move(entry));

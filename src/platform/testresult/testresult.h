@@ -67,9 +67,11 @@ public:
                    const QString& detail, const LineInfo& location,
                    const QString& extra = QString(), int value = -1);
     /// `callStack` has the innermost position first; an empty one is a result without position.
+    /// `explanation` is what reports show beside the detail, see ReportEntry.
     void addResult(const QDateTime& time, ResultType type, const QString& message,
                    const QString& detail, const std::vector<LineInfo>& callStack,
-                   const QString& extra = QString(), int value = -1);
+                   const QString& extra = QString(), int value = -1,
+                   const QString& explanation = QString());
 
     /// Adds the script error by which a skip ends the script: the entry is marked as an echo, and
     /// neither count() nor lastScenarioHasError() regards it.

@@ -1,10 +1,12 @@
 #include "platform/testresult/testvp.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImageWriter>
 #include <memory>
 
+#include "base/filewriting.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 
@@ -94,12 +96,17 @@ QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType ty
         qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
         return QString();
     }
-    QImageWriter writer(file.get(), "png");
-    const bool isWritten = writer.write(picture);
-    file->close();
-    if (!isWritten || file->error() != QFileDevice::NoError) {
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, "png");
+    QString reason;
+    if (!writer.write(picture))
+        reason = writer.errorString();
+    else
+        writeAll(file.get(), bytes.data(), &reason);
+    if (!reason.isEmpty()) {
         qWarning("The screenshot '%s' could not be written: %s", qUtf8Printable(path),
-                 qUtf8Printable(isWritten ? file->errorString() : writer.errorString()));
+                 qUtf8Printable(reason));
         file->remove();
         return QString();
     }

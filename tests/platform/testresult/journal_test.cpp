@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <functional>
 
 #include <QBuffer>
+#include <QDir>
 #include <QTemporaryDir>
 
 #include "platform/testresult/journalformat.h"
@@ -112,6 +115,7 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
         entry.detail = randomText(random, 20);
         entry.extra = randomText(random, 5);
         entry.path = randomText(random, 5);
+        entry.explanation = randomText(random, 5);
         entry.value = int(random());
         entry.callStack = {{randomText(random, 5) + "f", int(random())}};
         entry.echo = random() % 2 == 0;
@@ -140,6 +144,7 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
         entry.detail = wellFormed(entry.detail);
         entry.extra = wellFormed(entry.extra);
         entry.path = wellFormed(entry.path);
+        entry.explanation = wellFormed(entry.explanation);
         for (LineInfo& position : entry.callStack)
             position = LineInfo(wellFormed(position.fileName()), position.lineNumber());
         ASSERT_EQ(recorded.entries[i], entry) << i;
@@ -240,7 +245,7 @@ TEST_F(JournalTest, WritesNoLineThatTheReaderRefuses) {
     const QString huge = QString(3 * 1024 * 1024, QChar(0)) + QString(10, 'x');
     ReportEntry result;
     result.type = TestResult::Fail;
-    result.message = result.detail = result.extra = result.path = huge;
+    result.message = result.detail = result.extra = result.path = result.explanation = huge;
     ReportEntry output;
     output.kind = Kind::Output;
     // The surrogate pair lies where the text is taken apart.
@@ -279,6 +284,36 @@ TEST_F(JournalTest, TellsWriteErrors) {
         addSampleRun(&journal);
         journal.finish();
         EXPECT_EQ(journal.errorText(), row.error);
+    }
+}
+
+TEST_F(JournalTest, NoticesThatItsFileIsGone) {
+    const QString folder = directory.filePath("f");
+    const QString other = directory.filePath("other");
+    const struct {
+        const char* description;
+        std::function<bool()> change;
+        bool isGone;
+    } rows[] = {
+        {"removed", [&] { return QFile::remove(folder + "/j"); }, true},
+        {"renamed", [&] { return QFile::rename(folder + "/j", folder + "/k"); }, true},
+        {"replaced",
+         [&] {
+             return writeFile(other) && ::rename(qPrintable(other), qPrintable(folder + "/j")) == 0;
+         },
+         true},
+        {"folder removed", [&] { return QDir(folder).removeRecursively(); }, true},
+        {"read by somebody", [&] { return !readFile(folder + "/j").isEmpty(); }, false},
+    };
+    for (const auto& row : rows) {
+        JournalReport journal(folder + "/j");
+        addSampleRun(&journal);
+        EXPECT_EQ(journal.errorText(), QString());
+        EXPECT_TRUE(row.change()) << row.description;
+        addSampleRun(&journal);
+        journal.finish();
+        EXPECT_EQ(journal.errorText().contains("removed or replaced"), row.isGone)
+            << row.description;
     }
 }
 

@@ -8,6 +8,7 @@
 #include "platform/testresult/samplerun.h"
 #include "platform/testresult/testresult.h"
 #include "support/files.h"
+#include "support/filesizelimit.h"
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
@@ -67,6 +68,64 @@ TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     EXPECT_TRUE(readFile(directory.filePath("r/j.xml")).contains("<testsuites"));
     EXPECT_TRUE(readFile(directory.filePath("r/h/index.html")).contains("suite_shop"));
     EXPECT_TRUE(readFile(directory.filePath("r/c.txt")).startsWith("Suite suite_shop\n"));
+}
+
+TEST(ReportFactory, NamesTheReasonWhenADiskBecomesFull) {
+    QTemporaryDir directory;
+    const QString attached = directory.filePath("attached.txt");
+    ASSERT_TRUE(writeFile(attached, QByteArray(9000, 'x')));
+    for (const char* format : {"json", "html", "junit", "console"}) {
+        QString error;
+        const QString path = directory.filePath(format);
+        const auto report = createReportGenerator(QString(format) + ':' + path, &error);
+        ASSERT_TRUE(report);
+        {
+            const FileSizeLimit full(5000);
+            TestResult result(report.get());
+            result.startCase("c", "/c");
+            for (int i = 0; i < 40; ++i)
+                result.addResult(TestResult::Fail, QString(200, 'x'), "", LineInfo());
+            result.addAttachment(TestResult::FileAttachment, "", attached, {});
+            result.endCase();
+            report->finish();
+        }
+        EXPECT_TRUE(report->errorText().endsWith(": File too large"))
+            << format << ": " << report->errorText().toStdString();
+        EXPECT_TRUE(report->errorText().contains(path)) << report->errorText().toStdString();
+    }
+    // What is written at the end leaves nothing behind.
+    EXPECT_FALSE(QFile::exists(directory.filePath("junit")));
+    EXPECT_TRUE(QDir(directory.filePath("html")).isEmpty());
+}
+
+TEST(CompositeReport, TellsFailuresWhenTheyHappenAndGoesOn) {
+    class Failing : public ReportGenerator {
+    public:
+        explicit Failing(int good) : m_good(good) {}
+        void add(const ReportEntry&) override { --m_good; }
+        QString errorText() const override { return m_good < 0 ? "full" : QString(); }
+
+    private:
+        int m_good;
+    };
+    CompositeReport all;
+    QStringList told;
+    all.setErrorHandler([&told](const QString& error) { told += error; });
+    QTemporaryDir directory;
+    QString error;
+    all.append(std::make_unique<Failing>(1));
+    all.append(createReportGenerator("json:" + directory.filePath("j"), &error));
+    all.add({});
+    EXPECT_EQ(told, QStringList());
+    all.add({});
+    EXPECT_EQ(told, QStringList{"full"});
+    EXPECT_TRUE(QFile::remove(directory.filePath("j")));
+    all.add({});
+    all.finish();
+    EXPECT_EQ(told.size(), 2);
+    EXPECT_EQ(told.last(), QString("The journal '%1' could not be written: the file was removed or "
+                                   "replaced; from now on nothing is recorded")
+                               .arg(directory.filePath("j")));
 }
 
 TEST(CompositeReport, JoinsErrorsAndOpensVideos) {

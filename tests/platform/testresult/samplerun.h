@@ -24,7 +24,8 @@ inline void PrintTo(const ReportEntry& entry, std::ostream* stream) {
 inline bool operator==(const ReportEntry& a, const ReportEntry& b) {
     return a.kind == b.kind && a.type == b.type && a.time == b.time && a.message == b.message &&
            a.detail == b.detail && a.callStack == b.callStack && a.extra == b.extra &&
-           a.value == b.value && a.path == b.path && a.echo == b.echo;
+           a.value == b.value && a.path == b.path && a.explanation == b.explanation &&
+           a.echo == b.echo;
 }
 
 namespace Test {
@@ -70,7 +71,7 @@ inline void addSampleRun(ReportGenerator* report) {
 
     result.startCase("tst_basket", "/s/tst_basket/test.py");
     result.addResult(now, TestResult::Fail, "Comparison", "'1' and '2' are not equal", calls,
-                     "the total");
+                     "the total", -1, "@@ -1 +1 @@\n-1\n+2");
     result.addResult(TestResult::Error, "Script Error", "NameError: x\nis not defined",
                      LineInfo("/s/tst_basket/test.py", 12));
     result.endCase();

@@ -166,6 +166,25 @@
             isShown, (inside) => fillFile(inside, file));
     }
 
+    // Links to the texts that stand in parts only.
+    function wholesElement(entry) {
+        const links = make("p", "note");
+        for (const whole of entry.wholes || [])
+            links.append(link(`The whole ${whole.name}`, whole.path), " ");
+        return links;
+    }
+
+    // What helps to understand a result: of the differences of two texts, lines that only one of
+    // them has begin with "-" and "+".
+    function explanationElement(text) {
+        const classes = { "-": "removed", "+": "added", "@": "place" };
+        const isDifference = text.split("\n").some((line) => line.startsWith("@@ "));
+        const block = make("pre", "explanation");
+        appendAll(block, text.split("\n"), (line) =>
+            make("span", (isDifference && classes[line[0]]) || "", line + "\n"));
+        return block;
+    }
+
     function resultElement(entry, row, isOpen) {
         const kind = entry.label.toLowerCase().replace(/[^a-z0-9]+/g, "-");
         const summary = [make("span", `badge ${kind}`, entry.label),
@@ -173,7 +192,8 @@
                 entry.detail ? make("span", "more-text",
                     (entry.message ? ": " : "") + firstLine(entry.detail)) : ""),
             timeOf(entry)];
-        if (!entry.detail && !entry.comment && !entry.stack && !entry.screenshot && !entry.echo)
+        if (!entry.detail && !entry.comment && !entry.explanation && !entry.stack &&
+            !entry.screenshot && !entry.echo && !entry.wholes)
             return make("div", "entry flat", ...summary);
         return foldable(entry.failure && isOpen ? "entry failure" : "entry", summary, isOpen,
             (inside) => {
@@ -181,6 +201,10 @@
                     inside.append(make("pre", "detail", entry.detail));
                 if (entry.comment)
                     inside.append(make("p", "comment", entry.comment));
+                if (entry.explanation)
+                    inside.append(explanationElement(entry.explanation));
+                if (entry.wholes)
+                    inside.append(wholesElement(entry));
                 if (entry.echo)
                     inside.append(make("p", "comment", "This is how the skipped case ended."));
                 if (entry.stack)
@@ -194,7 +218,8 @@
         return foldable("entry", [make("span", "badge", entry.label),
             make("span", "what", make("span", "more-text", firstLine(entry.message.trim()))),
             timeOf(entry)], false,
-            (inside) => inside.append(make("pre", "output", entry.message)));
+            (inside) => inside.append(make("pre", "output", entry.message),
+                wholesElement(entry)));
     }
 
     // Entries as a tree: sections hold what happened in them. A section without an end, as a run
@@ -300,7 +325,7 @@
         if (row.text === undefined) {
             const texts = [row.name, row.path];
             for (const entry of data.entries[row.id]) {
-                texts.push(entry.message, entry.detail, entry.comment);
+                texts.push(entry.message, entry.detail, entry.comment, entry.explanation);
                 if (entry.file)
                     texts.push(entry.file.name, entry.file.text);
             }

@@ -1,4 +1,4 @@
-#include "platform/testresult/htmlfiles.h"
+#include "platform/testresult/reportfiles.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -7,11 +7,11 @@
 #include <QRegularExpression>
 #include <QTemporaryFile>
 
+#include "base/filewriting.h"
+
 namespace Tamrix {
 
 namespace {
-
-const QLatin1String subfolder("attachments");
 
 constexpr qint64 shownEnd = 64 * 1024;
 constexpr qint64 blockSize = 256 * 1024;
@@ -19,9 +19,9 @@ constexpr int digestLength = 16;
 constexpr int longestName = 80;
 
 /// The name of a copy: digits of the contents, and what is harmless of the file's own name.
-QString copyName(const QByteArray& digest, const QString& source) {
+QString copyName(const QByteArray& digest, const QString& ownName) {
     static const QRegularExpression s_unsafe(QStringLiteral("[^A-Za-z0-9._-]+"));
-    const QString name = QFileInfo(source).fileName().replace(s_unsafe, QStringLiteral("_"));
+    const QString name = QString(ownName).replace(s_unsafe, QStringLiteral("_"));
     // The end of a long name holds the suffix.
     return QString::fromLatin1(digest.toHex().left(digestLength)) + QLatin1Char('-') +
            name.right(longestName);
@@ -46,9 +46,19 @@ QString sourceProblem(const QString& source) {
 
 }  // namespace
 
-HtmlFiles::HtmlFiles(const QString& folder) : m_folder(folder) {}
+ReportFiles::ReportFiles(const QString& folder, const QString& subfolder)
+    : m_folder(folder), m_subfolder(subfolder) {}
 
-HtmlFiles::Copy HtmlFiles::copy(const QString& source) {
+QDir ReportFiles::directory() const {
+    return QDir(QDir(m_folder).filePath(m_subfolder));
+}
+
+void ReportFiles::fail(const QString& what, const QString& reason) {
+    m_error =
+        QStringLiteral("%1 can't be written to '%2': %3").arg(what, directory().path(), reason);
+}
+
+ReportFiles::Copy ReportFiles::copy(const QString& source) {
     const auto known = m_copies.constFind(source);
     if (known != m_copies.constEnd())
         return *known;
@@ -57,7 +67,7 @@ HtmlFiles::Copy HtmlFiles::copy(const QString& source) {
     return made;
 }
 
-HtmlFiles::Copy HtmlFiles::makeCopy(const QString& source) {
+ReportFiles::Copy ReportFiles::makeCopy(const QString& source) {
     QString problem = sourceProblem(source);
     QFile input(source);
     if (problem.isEmpty() && !input.open(QIODevice::ReadOnly))
@@ -65,45 +75,70 @@ HtmlFiles::Copy HtmlFiles::makeCopy(const QString& source) {
     if (!problem.isEmpty() || !m_error.isEmpty())
         return {QString(), problem};
 
-    const QDir directory(QDir(m_folder).filePath(subfolder));
-    QTemporaryFile output(directory.filePath(QStringLiteral(".copy-XXXXXX")));
-    const auto fail = [&] {
-        m_error = QStringLiteral("The attachment '%1' can't be copied into '%2': %3")
-                      .arg(source, directory.path(), output.errorString());
-        return Copy();
-    };
-    if (!directory.mkpath(QStringLiteral(".")) || !output.open())
-        return fail();
+    const QString what = QStringLiteral("The attachment '%1'").arg(source);
+    QTemporaryFile output;
+    if (!open(output, what))
+        return {};
     QCryptographicHash hash(QCryptographicHash::Sha256);
     for (;;) {
         const QByteArray block = input.read(blockSize);
         if (block.isEmpty())
             break;
         hash.addData(block);
-        if (output.write(block) != block.size())
-            return fail();
+        QString reason;
+        if (!writeAll(&output, block, &reason)) {
+            fail(what, reason);
+            return {};
+        }
     }
     if (input.error() != QFileDevice::NoError)
         return {QString(), readProblem(source, input.errorString())};
+    return keep(output, copyName(hash.result(), QFileInfo(source).fileName()), what);
+}
 
-    const QString name = copyName(hash.result(), source);
+ReportFiles::Copy ReportFiles::store(const QString& text, const QString& name) {
+    const QString what = QStringLiteral("The text '%1'").arg(name);
+    QTemporaryFile output;
+    if (!m_error.isEmpty() || !open(output, what))
+        return {};
+    const QByteArray bytes = text.toUtf8();
+    QString reason;
+    if (!writeAll(&output, bytes, &reason)) {
+        fail(what, reason);
+        return {};
+    }
+    const QByteArray digest = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+    return keep(output, copyName(digest, name), what);
+}
+
+bool ReportFiles::open(QTemporaryFile& file, const QString& what) {
+    file.setFileTemplate(directory().filePath(QStringLiteral(".copy-XXXXXX")));
+    if (directory().mkpath(QStringLiteral(".")) && file.open())
+        return true;
+    fail(what, file.errorString());
+    return false;
+}
+
+ReportFiles::Copy ReportFiles::keep(QTemporaryFile& file, const QString& name,
+                                    const QString& what) {
     m_usedNames.insert(name);
-    const Copy made{subfolder + QLatin1Char('/') + name, QString()};
+    const Copy made{m_subfolder + QLatin1Char('/') + name, QString()};
     // The name tells the contents: a file that has it already is the same.
-    if (directory.exists(name))
+    if (directory().exists(name))
         return made;
-    output.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                          QFileDevice::ReadGroup | QFileDevice::ReadOther);
-    output.setAutoRemove(false);
-    if (!output.flush() || !output.rename(directory.filePath(name))) {
-        output.setAutoRemove(true);
-        return fail();
+    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup |
+                        QFileDevice::ReadOther);
+    file.setAutoRemove(false);
+    if (!file.rename(directory().filePath(name))) {
+        file.setAutoRemove(true);
+        fail(what, file.errorString());
+        return {};
     }
     m_newNames.append(name);
     return made;
 }
 
-QByteArray HtmlFiles::endOfText(const Copy& copy, qint64* size) const {
+QByteArray ReportFiles::endOfText(const Copy& copy, qint64* size) const {
     QFile file(QDir(m_folder).filePath(copy.path));
     *size = 0;
     if (!file.open(QIODevice::ReadOnly))
@@ -117,24 +152,22 @@ QByteArray HtmlFiles::endOfText(const Copy& copy, qint64* size) const {
     return text.mid(text.indexOf('\n') + 1);
 }
 
-void HtmlFiles::removeUnused() {
+void ReportFiles::removeUnused() {
     static const QRegularExpression s_ours(
         QStringLiteral("^[0-9a-f]{%1}-[A-Za-z0-9._-]*$").arg(digestLength));
-    QDir directory(QDir(m_folder).filePath(subfolder));
-    const QStringList names = directory.entryList(QDir::Files);
+    const QStringList names = directory().entryList(QDir::Files);
     for (const QString& name : names) {
         if (s_ours.match(name).hasMatch() && !m_usedNames.contains(name))
-            directory.remove(name);
+            directory().remove(name);
     }
     // Stays when it is not empty.
-    QDir(m_folder).rmdir(subfolder);
+    QDir(m_folder).rmdir(m_subfolder);
 }
 
-void HtmlFiles::removeNew() {
-    QDir directory(QDir(m_folder).filePath(subfolder));
+void ReportFiles::removeNew() {
     for (const QString& name : qAsConst(m_newNames))
-        directory.remove(name);
-    QDir(m_folder).rmdir(subfolder);
+        directory().remove(name);
+    QDir(m_folder).rmdir(m_subfolder);
 }
 
 }  // namespace Tamrix

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "platform/testresult/reportgenerator.h"
+
+// Texts that are too long for a report: it shows their ends, and where the whole is. The journal
+// keeps them as they are.
+
+namespace Tamrix {
+
+/// The text when it has no more than `longest` characters. Otherwise its first and its last part
+/// with a line between that says how much is left out, and where the whole text is unless `place`
+/// is empty.
+QString limitedText(const QString& text, int longest, const QString& place = QString());
+
+/// Stores a whole text, of which `name` says what it is ("detail"), and returns its place for the
+/// reader; empty when there is none.
+using StoreText = std::function<QString(const QString& text, const QString& name)>;
+
+/// The entry with message, detail, comment and explanation as limitedText() makes them, each whole
+/// one stored. Without `store` the texts have no place.
+ReportEntry withLimitedTexts(const ReportEntry& entry, int longest,
+                             const StoreText& store = StoreText());
+
+}  // namespace Tamrix
