@@ -1,12 +1,11 @@
 #include "runner/applications.h"
 
-#include <poll.h>
-
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QScopedValueRollback>
 #include <algorithm>
 
+#include "base/blocking.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/remote/remotelink.h"
@@ -278,7 +277,7 @@ void Applications::waitForNews(int milliseconds) {
         if (application->valid)
             watched.push_back({application->connection().descriptor(), POLLIN, 0});
     }
-    ::poll(watched.data(), watched.size(), milliseconds);
+    blockingPoll(watched.data(), watched.size(), milliseconds);
     work();
     QCoreApplication::processEvents();
 }

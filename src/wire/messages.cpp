@@ -1,5 +1,6 @@
 #include "wire/messages.h"
 
+#include "base/wholetext.h"
 #include "wire/reading.h"
 #include "wire/value.h"
 
@@ -331,8 +332,8 @@ QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
     int deepest = 0;
     for (ListedObject& object : body.objects) {
         stream >> object.depth >> object.type >> object.state >> object.geometry;
-        object.text = QString::fromUtf8(readBytes(stream));
-        object.name = QString::fromUtf8(readBytes(stream));
+        object.text = wholeUtf8(readBytes(stream));
+        object.name = wholeUtf8(readBytes(stream));
         // A child comes behind its parent, and each type is listed.
         if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
             object.type >= body.types.size())

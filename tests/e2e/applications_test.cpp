@@ -93,6 +93,7 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         {"exit",
          "clickOn('Exit')\n    waitForObject(\"{type='QPushButton' text='x'}\")",
          {"it exited with code 3"}},
+        {"frozen", "test.log('frozen %s' % a.isFrozen(2147484))", {"frozen False"}},
         {"kill",
          "os.kill(a.pid(), signal.SIGKILL)\n    object.exists(\"{type='QLabel'}\")\n    "
          "test.log('alive %s' % a.isRunning())\n    a.detach()",
@@ -141,6 +142,27 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         for (const QString& text : row.texts)
             EXPECT_TRUE(results.contains(text)) << row.name << ": " << qPrintable(results);
     }
+}
+
+TEST_F(ApplicationRun, WhatEventHandlersRaiseIsTold) {
+    for (const char* name : {"raising", "skipping_in_wait", "skipping_between_calls"}) {
+        const QString path = QString("/tests/e2e/suites/handlers/%1/test.py").arg(name);
+        suite.write(QString("suite/%1/test.py").arg(name),
+                    Tamrix::Test::readFile(TAMRIX_TEST_SOURCE_DIR + path));
+    }
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
+    EXPECT_TRUE(runner.output().contains("1 passed, 2 skipped")) << qPrintable(runner.output());
+
+    std::vector<int> lines;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        if (entry["type"] == 14)
+            lines.push_back(entry["callStack"][0]["line"].asInt());
+    }
+    EXPECT_EQ(lines, (std::vector{2, 6}));
+    EXPECT_TRUE(resultsOf("raising").contains("ValueError: in a callable"));
+    EXPECT_TRUE(resultsOf("skipping_in_wait").contains("cleaned up"));
 }
 
 TEST_F(ApplicationRun, FailedStartsAreTold) {

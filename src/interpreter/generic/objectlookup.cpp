@@ -138,8 +138,10 @@ void waitForObjectItem(ScriptContext* context) {
     const SharedPtr<ScriptArgument> second = context->argument(2);
     const bool byText = first && first->isString();
     const bool byPlace = !byText && first && first->isInteger() && second && second->isInteger();
-    const int timeoutIndex = byText ? 2 : 3;
-    if (!isObjectOrName(view) || (!byText && !byPlace) ||
+    // By its name, a time-out stands behind the column that an item's text has not.
+    const bool isPlaced = context->hasNamedArguments() || (!second && context->argument(3));
+    const int timeoutIndex = byText && !isPlaced ? 2 : 3;
+    if (!isObjectOrName(view) || (!byText && !byPlace) || (byText && isPlaced && second) ||
         context->argumentCount() > timeoutIndex + 1) {
         context->setError(
             "waitForObjectItem() requires an object name (or reference) and either an item "

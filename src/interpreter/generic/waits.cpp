@@ -1,7 +1,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QThread>
 
+#include "base/blocking.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
@@ -98,7 +98,7 @@ void waitFor(ScriptContext* context) {
             return;
         }
         // f. a pause.
-        QThread::usleep(waitForPause(elapsed));
+        blockingSleep(waitForPause(elapsed));
     }
 }
 

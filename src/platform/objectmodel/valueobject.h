@@ -37,6 +37,9 @@ private:
     QVariant m_value;
 };
 
+/// How deep lists and maps in a value may be nested in each other to be passed to an application.
+inline constexpr int maximalValueDepth = 16;
+
 /// The value behind an argument of a remote call: a ValueObject's value, or the object itself as a
 /// variant of SharedPtr<Object>. Invalid for null.
 TAMRIX_EXPORT QVariant argumentValue(const SharedPtr<Object>& object);

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 
 #include "base/textescape.h"
+#include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 
 namespace Tamrix {
@@ -70,7 +71,7 @@ const ScriptExcerpts::Script& ScriptExcerpts::script(const QString& path) {
         script.problem =
             QStringLiteral("The file '%1' can't be read: %2").arg(path, file.errorString());
     else {
-        QString text = QString::fromUtf8(file.readAll());
+        QString text = wholeUtf8(file.readAll());
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         script.lines = text.split(QLatin1Char('\n'));
         // Behind the last line feed there is no line.

@@ -124,11 +124,11 @@ PyRef writeProperty(const SharedPtr<Object>& object, const QString& name, PyObje
     const SharedPtr<Object> written = objectOfValue(argument, property->typeName());
     if (!written) {
         PyErr_SetString(PyExc_TypeError, Inspector::self()->lastError().toUtf8().constData());
-        return {};
+        throw PythonErrorSet();
     }
     if (!property->set(object, written)) {
         raiseLastError();
-        return {};
+        throw PythonErrorSet();
     }
     return PyRef::borrow(Py_None);
 }
