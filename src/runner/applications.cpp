@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/blocking.h"
+#include "base/environment.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/remote/remotelink.h"
@@ -52,6 +53,15 @@ QString Applications::useDisplay(const QString& display) {
         error = m_privateDisplay.start(m_runId, m_server.folder());
     m_displayEnvironment = m_privateDisplay.environment();
     return error;
+}
+
+QString Applications::display() const {
+    for (const auto& [name, value] : m_displayEnvironment) {
+        if (name == QLatin1String("DISPLAY"))
+            return value;
+    }
+    const QString wayland = Environment::getVariable(QStringLiteral("WAYLAND_DISPLAY"));
+    return wayland.isEmpty() ? Environment::getVariable(QStringLiteral("DISPLAY")) : wayland;
 }
 
 // Starting

@@ -76,12 +76,15 @@ SharedPtr<Object> Runner::waitForName(const QString& name, bool wantReady, int t
     const ObjectName wanted = ObjectMap::self()->objectName(name);
     if (!wanted.isValid())
         return {};
-    return waitUntilFound(
+    SharedPtr<Object> object = waitUntilFound(
         m_applications.current(), QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
             return model.lookUp(wanted, wantReady, isLastLook, answer, error, lookTimeout);
         });
+    if (object)
+        object->setFoundAs(name);
+    return object;
 }
 
 SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool, int timeout) {

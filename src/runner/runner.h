@@ -143,6 +143,8 @@ public:
                             QString* error) override;
 
 private:
+    /// The application, of which the results have been told.
+    SharedPtr<ApplicationContext> noted(const SharedPtr<Application>& application);
     /// One look for an object. False when the application gave no answer in time or refused.
     using Look = std::function<bool(RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
                                     RequestError* error, int lookTimeout)>;

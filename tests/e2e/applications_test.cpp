@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QTemporaryDir>
 #include <QThread>
 #include <csignal>
@@ -215,15 +216,56 @@ TEST_F(ApplicationRun, NothingStaysOfARunThatIsKilledOrInterrupted) {
 }
 
 TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
-    addCase("shown",
-            "def main():\n    a = startApplication('faulty')\n"
-            "    waitForObject(\"{type='QLabel'}\")\n"
-            "    test.log(a.environmentVariable('QT_QPA_PLATFORM'))\n"
-            "    test.fail('look')\n");
+    addCase("shown", R"(
+def main():
+    a = startApplication("faulty")
+    button = waitForObject("{type='QPushButton' text='Modal'}")
+    click(button)
+    waitForObject("{text='Close it'}")
+    test.log(a.environmentVariable('QT_QPA_PLATFORM'))
+    test.fail("look")
+    test.fail("and again")
+)");
     runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results"), "--aut-display",
                 "auto"});
     EXPECT_TRUE(resultsOf("shown").contains("xcb"));
-    EXPECT_TRUE(QFile::exists(suite.path("results/suite/shown/attachments/screenshot_fail_1.png")));
+    const QString folder = suite.path("results/suite/shown/attachments/");
+    const QImage whole(folder + "screenshot_fail_1.png");
+    const QImage windows(folder + "windows.png");
+    EXPECT_EQ(whole.size(), QSize(1280, 1024));
+    EXPECT_LT(windows.width(), 1000);
+    EXPECT_GT(windows.width(), 20);
+    int red = 0;
+    for (int y = 0; y < windows.height(); ++y)
+        for (int x = 0; x < windows.width(); ++x)
+            red += windows.pixelColor(x, y) == QColor(Qt::red);
+    EXPECT_GT(red, 50) << "the click is marked";
+    // Both failures have the objects, which are the same.
+    EXPECT_TRUE(Tamrix::Test::readFile(folder + "objects.json").contains("Close it"));
+    EXPECT_FALSE(QFile::exists(folder + "objects_1.json"));
+    QStringList actions;
+    QStringList attachments;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        const QString message = QString::fromStdString(entry["message"].asString());
+        if (entry["kind"] == "action")
+            actions += message + ' ' + QString::fromStdString(entry["detail"].asString()) + ' ' +
+                       QString::number(entry["callStack"][0]["line"].asInt());
+        if (entry["kind"] == "attachment" && entry["extra"] == "result")
+            attachments += QString::number(entry["type"].asInt());
+    }
+    EXPECT_EQ(actions.join('\n'),
+              "startApplication \"faulty\" 5\n"
+              "waitForObject \"{type='QPushButton' text='Modal'}\" 6\n"
+              "click {type='QPushButton' text='Modal'} 7\n"
+              "waitForObject \"{text='Close it'}\" 8");
+    EXPECT_EQ(attachments.join(' '), "2 4 2 4");
+    // The same again without actions.
+    RunnerProcess without;
+    prepare(without);
+    without.run(
+        {"run", suite.path("suite"), "--result-dir", suite.path("results"), "--no-actions"});
+    EXPECT_FALSE(resultsOf("shown").contains("\"action\""));
 }
 
 TEST_F(ApplicationRun, InspectPrintsNamesThatFind) {

@@ -1,5 +1,6 @@
 #include <QtGlobal>
 
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
@@ -82,6 +83,7 @@ ObjectList allOccurrences(ObjectName name, const SharedPtr<Object>& first) {
 }  // namespace
 
 void waitForObject(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObject");
     // 1. The arguments.
     const SharedPtr<ScriptArgument> wanted = context->argument(0);
     if (!isObjectOrName(wanted) || context->argumentCount() > 2) {
@@ -104,6 +106,7 @@ void waitForObject(ScriptContext* context) {
 }
 
 void waitForObjectExists(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObjectExists");
     const int count = context->argumentCount();
     if (count < 1 || count > 2) {
         context->setError("Function waitForObjectExists() requires 1 or 2 arguments");
@@ -132,6 +135,7 @@ void waitForObjectExists(ScriptContext* context) {
 }
 
 void waitForObjectItem(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObjectItem");
     // The view, then the item as text or as row and column, then the time-out.
     const SharedPtr<ScriptArgument> view = context->argument(0);
     const SharedPtr<ScriptArgument> first = context->argument(1);

@@ -31,6 +31,8 @@ constexpr KindName kindNames[] = {
     {Kind::VideoStart, "videoStart"},
     {Kind::VideoEnd, "videoEnd"},
     {Kind::Output, "output"},
+    {Kind::Action, "action"},
+    {Kind::Environment, "environment"},
 };
 
 const char* kindName(Kind kind) {

@@ -111,6 +111,9 @@ QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType ty
         file->remove();
         return QString();
     }
+    const ResultTypeInfo* const info = resultTypeInfo(type);
+    if (info && info->isFailure && services.keepMoment)
+        services.keepMoment(runner, directoryPath);
     return screenshotNote(QDir::toNativeSeparators(path));
 }
 
