@@ -30,6 +30,7 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
         return failedLookup(Inspector::noApplicationText);
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
     const QDeadlineTimer deadline(wait);
+    const QString waited = QString::number(wait);
     bool isLastLook = false;
     while (true) {
         // 1. A look.
@@ -47,22 +48,16 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
         if (!isAnswered && error.kind == RequestError::Kind::TimedOut) {
             return failedLookup(QStringLiteral("%1 not found within %2 ms: the application '%3' "
                                                "does not answer")
-                                    .arg(what)
-                                    .arg(wait)
-                                    .arg(application->name));
+                                    .arg(what, waited, application->name));
         }
         if (!isAnswered)
             return failedLookup(error.text);
         // 3. The end of the wait. The last look finds out what matched nearly.
         if (isLastLook || (answer.object && deadline.hasExpired())) {
             return failedLookup(answer.object ? QStringLiteral("%1 is not ready after %2 ms: %3")
-                                                    .arg(what)
-                                                    .arg(wait)
-                                                    .arg(answer.obstacle)
+                                                    .arg(what, waited, answer.obstacle)
                                               : QStringLiteral("%1 not found within %2 ms. %3")
-                                                    .arg(what)
-                                                    .arg(wait)
-                                                    .arg(answer.missText));
+                                                    .arg(what, waited, answer.missText));
         }
         isLastLook = deadline.hasExpired();
         if (isLastLook)
@@ -107,9 +102,9 @@ SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int time
 
 SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                             int column, int timeout) {
-    const QString what = item.isNull()
-                             ? QStringLiteral("The item in row %1, column %2").arg(row).arg(column)
-                             : QStringLiteral("Item '%1'").arg(item);
+    const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
+                                             .arg(QString::number(row), QString::number(column))
+                                       : QStringLiteral("Item '%1'").arg(item);
     return waitUntilFound(
         m_applications.owner(object), what, true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {

@@ -72,8 +72,7 @@ QString Call::takeText(const char* name) {
 void Call::takeEnd() const {
     if (!isAtEnd())
         failArgument(QStringLiteral("%1 arguments are too many, %2 were used")
-                         .arg(m_arguments.size())
-                         .arg(m_next));
+                         .arg(QString::number(m_arguments.size()), QString::number(m_next)));
 }
 
 QString notReadyText(const Element& element, const QString& obstacle) {

@@ -53,7 +53,8 @@ QString itemNotFoundText(const WantedItem& item, const SharedPtr<ScriptArgument>
     // The two blanks in front of "in row" are meant: the item's text is missing between them.
     QString text = "Item " + item.text;
     if (item.text.isNull())
-        text += QStringLiteral(" in row %1 and column %2").arg(item.row).arg(item.column);
+        text += QStringLiteral(" in row %1 and column %2")
+                    .arg(QString::number(item.row), QString::number(item.column));
     if (view->isObject())
         text += " in object " + object->realName() + " of type " + object->className();
     else

@@ -329,9 +329,9 @@ void HtmlData::addText(QJsonObject& object, const ReportFiles::Copy& copy) {
     m_textBudget -= text.size();
     object.insert(QStringLiteral("text"), shown(QString::fromUtf8(text)));
     if (text.size() < size) {
-        object.insert(
-            QStringLiteral("note"),
-            QStringLiteral("The last %1 KiB of %2 KiB.").arg(text.size() / 1024).arg(size / 1024));
+        object.insert(QStringLiteral("note"),
+                      QStringLiteral("The last %1 KiB of %2 KiB.")
+                          .arg(QString::number(text.size() / 1024), QString::number(size / 1024)));
     }
 }
 

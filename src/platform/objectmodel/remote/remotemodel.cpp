@@ -125,8 +125,8 @@ bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
         if (!answer->obstacle.isEmpty())
             answer->missText = std::exchange(answer->obstacle, QString());
         else if (text.isNull())
-            answer->missText =
-                QStringLiteral("There is no item at row %1, column %2").arg(row).arg(column);
+            answer->missText = QStringLiteral("There is no item at row %1, column %2")
+                                   .arg(QString::number(row), QString::number(column));
         else
             answer->missText = QStringLiteral("There is no item '%1'").arg(text);
     }
