@@ -1,6 +1,7 @@
 // The waits of Runner for objects: first a look at once, then one every 50 ms.
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <algorithm>
 
 #include "interpreter/bridge/testsettingstype.h"
@@ -15,6 +16,31 @@ namespace {
 constexpr int lookInterval = 50;
 /// How long an application may take to answer a single look, also when the wait is shorter.
 constexpr int minimalLookTimeout = 1000;
+
+/// What an object that is waited for had otherwise than expected when it was seen last.
+class LastSight {
+public:
+    /// Takes what a look saw, and adds for how long that stands or, when the object is not there
+    /// any more, what it was before.
+    void complete(LookUpAnswer* answer) {
+        if (answer->object && !answer->isReady) {
+            if (answer->obstacle != m_text || !m_since.isValid())
+                m_since.start();
+            m_text = answer->obstacle;
+            m_last.start();
+            answer->obstacle += QStringLiteral(", for the last %1 ms").arg(m_since.elapsed());
+        } else if (!answer->object && m_last.isValid()) {
+            answer->missText += QStringLiteral(". It was there until %1 ms before: %2")
+                                    .arg(QString::number(m_last.elapsed()), m_text);
+        }
+    }
+
+private:
+    QString m_text;
+    /// When it was seen so first and last.
+    QElapsedTimer m_since;
+    QElapsedTimer m_last;
+};
 
 }  // namespace
 
@@ -54,8 +80,8 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
             return failedLookup(error.text);
         // 3. The end of the wait. The last look finds out what matched nearly.
         if (isLastLook || (answer.object && deadline.hasExpired())) {
-            return failedLookup(answer.object ? QStringLiteral("%1 is not ready after %2 ms: %3")
-                                                    .arg(what, waited, answer.obstacle)
+            return failedLookup(answer.object ? QStringLiteral("%1 is %2 after %3 ms: %4")
+                                                    .arg(what, answer.lack, waited, answer.obstacle)
                                               : QStringLiteral("%1 not found within %2 ms. %3")
                                                     .arg(what, waited, answer.missText));
         }
@@ -112,6 +138,26 @@ SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QStr
         m_applications.owner(object), what, true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
+        });
+}
+
+SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                            const ObjectName& properties, int timeout) {
+    const ObjectName name = object ? ObjectName() : ObjectMap::self()->objectName(realName);
+    if (!object && !name.isValid())
+        return {};
+    LastSight sight;
+    return waitUntilFound(
+        object ? m_applications.owner(object) : m_applications.current(),
+        object ? QStringLiteral("The %1").arg(object->className())
+               : QStringLiteral("Object '%1'").arg(realName),
+        true, timeout,
+        [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
+            int lookTimeout) {
+            if (!model.expect(object, name, properties, isLastLook, answer, error, lookTimeout))
+                return false;
+            sight.complete(answer);
+            return true;
         });
 }
 

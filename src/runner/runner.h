@@ -98,6 +98,8 @@ public:
                                           int timeout) override;
     SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                         int column, int timeout) override;
+    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                        const ObjectName& properties, int timeout) override;
 
     // Objects and input: applicationinput.cpp.
     bool objectHasComponents(int remoteId) override;

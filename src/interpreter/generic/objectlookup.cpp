@@ -16,29 +16,12 @@ namespace Tamrix {
 
 namespace {
 
-bool isObjectOrName(const SharedPtr<ScriptArgument>& argument) {
-    return argument && (argument->isObject() || isStringOrObjectName(argument));
-}
-
 /// What a wait for an object ends with.
 void setLookupResult(ScriptContext* context, const SharedPtr<Object>& object) {
     if (object)
         context->setObjectResult(object);
     else
         context->setError(Inspector::self()->lastError(), ScriptContext::LookupError);
-}
-
-/// Reads the time-out of a wait, which may be missing; false with the error set when it is none.
-bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argument, int* timeout) {
-    *timeout = TestSettingsType::s_waitForObjectTimeout;
-    if (!argument)
-        return true;
-    if (!argument->isNumber()) {
-        context->setError("Invalid type of timeout value");
-        return false;
-    }
-    *timeout = roundedMilliseconds(argument->toDouble());
-    return true;
 }
 
 /// An item of a view: its text, or row and column.

@@ -103,10 +103,10 @@ PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     const QString name = GlobalFunctionHolder::unwrap(self)->name();
     return askApplication(name,
                           [&](PythonInterpreter& interpreter) {
-                               ActionRecord record(&interpreter.context(), name);
+                              ActionRecord record(&interpreter.context(), name);
                               const QList<const Method*> methods = globalMethods(name);
                               PyRef values = givenArguments(name, tuple, named);
-                               noteArguments(record, values.get());
+                              noteArguments(record, values.get());
                               if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
                                   values = withObject(interpreter, values.get());
                               // Which of several methods is meant is the application's to say.
