@@ -43,10 +43,10 @@ public:
     void setReadyTimeout(int milliseconds);
 
     // Look-ups, once, without waiting. Nothing that matches is no failure.
-    bool lookUp(const ObjectName& name, bool wantReady, bool wantNearMisses, LookUpAnswer* answer,
+    bool lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
+                LookUpAnswer* answer, RequestError* error, int timeout = -1);
+    bool lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                 RequestError* error, int timeout = -1);
-    bool lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer* answer, RequestError* error,
-                int timeout = -1);
     /// An item of a view; see Wire::FindItem.
     bool findItem(SharedPtr<Object> view, const QString& text, int row, int column, bool wantReady,
                   LookUpAnswer* answer, RequestError* error, int timeout = -1);
