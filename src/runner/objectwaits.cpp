@@ -50,7 +50,7 @@ SharedPtr<Object> Runner::failedLookup(const QString& text) {
 }
 
 SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& application,
-                                         const QString& what, bool wantReady, int timeout,
+                                         const QString& what, Wire::Wanted wanted, int timeout,
                                          const Look& look) {
     if (!application)
         return failedLookup(Inspector::noApplicationText);
@@ -65,7 +65,7 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
         RequestError error;
         const bool isAnswered = look(application->model(), isLastLook, &answer, &error,
                                      std::max(left, minimalLookTimeout));
-        if (answer.object && (answer.isReady || !wantReady))
+        if (answer.object && (answer.isReady || wanted == Wire::Wanted::Existence))
             return answer.object;
         // 2. What no further look can change.
         const QString end = application->endText();
@@ -98,34 +98,35 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
     }
 }
 
-SharedPtr<Object> Runner::waitForName(const QString& name, bool wantReady, int timeout) {
-    const ObjectName wanted = ObjectMap::self()->objectName(name);
-    if (!wanted.isValid())
+SharedPtr<Object> Runner::waitForName(const QString& name, Wire::Wanted wanted, int timeout) {
+    const ObjectName objectName = ObjectMap::self()->objectName(name);
+    if (!objectName.isValid())
         return {};
     SharedPtr<Object> object = waitUntilFound(
-        m_applications.current(), QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
+        m_applications.current(), QStringLiteral("Object '%1'").arg(name), wanted, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
-            return model.lookUp(wanted, wantReady, isLastLook, answer, error, lookTimeout);
+            return model.lookUp(objectName, wanted, isLastLook, answer, error, lookTimeout);
         });
     if (object)
         object->setFoundAs(name);
     return object;
 }
 
-SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool, int timeout) {
-    return waitForName(realName, true, timeout);
+SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool ready, int timeout) {
+    return waitForName(realName, ready ? Wire::Wanted::Readiness : Wire::Wanted::Reach, timeout);
 }
 
 SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int timeout) {
-    return waitForName(realName, false, timeout);
+    return waitForName(realName, Wire::Wanted::Existence, timeout);
 }
 
 SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
     return waitUntilFound(
-        m_applications.owner(object), QStringLiteral("The object"), true, timeout,
+        m_applications.owner(object), QStringLiteral("The object"), Wire::Wanted::Readiness,
+        timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
-            return model.lookUp(object, true, answer, error, lookTimeout);
+            return model.lookUp(object, Wire::Wanted::Readiness, answer, error, lookTimeout);
         });
 }
 
@@ -135,7 +136,7 @@ SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QStr
                                              .arg(QString::number(row), QString::number(column))
                                        : QStringLiteral("Item '%1'").arg(item);
     return waitUntilFound(
-        m_applications.owner(object), what, true, timeout,
+        m_applications.owner(object), what, Wire::Wanted::Readiness, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
         });
@@ -151,7 +152,7 @@ SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QStr
         object ? m_applications.owner(object) : m_applications.current(),
         object ? QStringLiteral("The %1").arg(object->className())
                : QStringLiteral("Object '%1'").arg(realName),
-        true, timeout,
+        Wire::Wanted::Readiness, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
             if (!model.expect(object, name, properties, isLastLook, answer, error, lookTimeout))

@@ -232,11 +232,18 @@ QDataStream& operator>>(QDataStream& stream, Query& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const LookUp& body) {
-    return stream << body.handle << body.query << body.wantReady << body.wantNearMisses;
+    return stream << body.handle << body.query << static_cast<quint8>(body.wanted)
+                  << body.wantNearMisses;
 }
 
 QDataStream& operator>>(QDataStream& stream, LookUp& body) {
-    return stream >> body.handle >> body.query >> body.wantReady >> body.wantNearMisses;
+    quint8 wanted = 0;
+    stream >> body.handle >> body.query >> wanted >> body.wantNearMisses;
+    if (wanted > static_cast<quint8>(Wanted::Readiness))
+        setCorrupt(stream);
+    else
+        body.wanted = static_cast<Wanted>(wanted);
+    return stream;
 }
 
 QDataStream& operator<<(QDataStream& stream, const LookUpResult& body) {

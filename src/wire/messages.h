@@ -78,12 +78,20 @@ struct Query {
     qint32 occurrence = 1;
 };
 
+/// What is asked of an object beside being there.
+enum class Wanted : quint8 {
+    Existence = 0,
+    /// Ready for input, whatever lies over its middle: for what looks at its own point later.
+    Reach = 1,
+    /// Ready for input in its middle.
+    Readiness = 2
+};
+
 /// Looks once. By handle when it is not 0, else by query.
 struct LookUp {
     quint64 handle = 0;
     Query query;
-    /// Also looks whether the object is ready for input.
-    bool wantReady = false;
+    Wanted wanted = Wanted::Existence;
     /// Also names what matched nearly, when nothing matches.
     bool wantNearMisses = false;
 };
@@ -101,7 +109,7 @@ struct NearMiss {
 struct LookUpResult {
     /// Handle 0: nothing matches.
     ObjectInfo object;
-    /// Meaningless without wantReady.
+    /// Meaningless where existence was wanted.
     bool isReady = false;
     /// What is missing for being ready: "it is not visible"; empty when ready.
     QString obstacle;

@@ -190,7 +190,7 @@ TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
     }
     const Wire::LookUpResult none = findItem({"type=QListWidget"}, "four");
     EXPECT_EQ(none.object.handle, 0U);
-    EXPECT_EQ(none.obstacle, "it has no item 'four'");
+    EXPECT_EQ(none.obstacle, "QListWidget has no item 'four'");
     // Items are objects of a look-up too, those far down a long model are not.
     EXPECT_NE(m_client.find({"type=QTableViewItem", "text=cell"}).handle, 0U);
     EXPECT_EQ(m_client.find({"type=QTableViewItem", "text=deep"}).handle, 0U);

@@ -30,7 +30,8 @@ public:
     QString errorText() const { return m_errorText; }
     /// The object that the name means; null for none.
     Element find();
-    /// Up to three objects that differ in the fewest criteria, and in what.
+    /// Up to three objects of the wanted type, or of which at least half of the name is true, that
+    /// differ in the fewest criteria, and in what.
     QList<Wire::NearMiss> nearMisses();
     /// In what the element differs, whatever else there is; nothing when it matches.
     QList<Wire::NearMiss> differences(const Element& element);
@@ -42,6 +43,7 @@ private:
     static Element pick(std::vector<Match>* matches, int occurrence);
     void add(const Wire::Criterion& wanted);
     bool mayItemsMatch() const;
+    bool maySeeOfHidden() const;
     bool typeMatches(const Criterion& criterion, const Element& element);
     bool relationMatches(const Criterion& criterion, const Element& element) const;
     bool matches(const Criterion& criterion, const Element& element);

@@ -76,6 +76,8 @@ public:
     virtual QVector<Element> topLevels() const = 0;
     /// Whether a toolkit has items of this type.
     virtual bool isItemType(const QString& typeName) const = 0;
+    /// As Toolkit::showsOfHidden(), of all toolkits.
+    virtual bool showsOfHidden(const QString& typeName) const = 0;
     /// The element's handle, made on first use; the same for the same element ever after.
     virtual quint64 handle(const Element& element) = 0;
     /// Handle, type and name, as they travel; handle 0 for a null element.

@@ -1,6 +1,8 @@
 #include "agent/functions/call.h"
 
-#include "agent/core/readiness.h"
+#include <cmath>
+
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -18,6 +20,9 @@ bool isNumber(const QVariant& value) {
             return false;
     }
 }
+
+/// The largest number that an argument can be, the highest of the modifiers.
+constexpr double mostNumber = Qt::GroupSwitchModifier;
 
 bool isText(const QVariant& value) {
     return value.type() == QVariant::String;
@@ -59,7 +64,17 @@ int Call::takeNumber(const char* name) {
     const QVariant value = take(name);
     if (!isNumber(value))
         failArgument(QStringLiteral("the argument %1 is no number").arg(QLatin1String(name)));
-    return value.toInt();
+    // Also false for what is no number.
+    const double real = value.toDouble();
+    if (!(std::abs(real) <= mostNumber))
+        failArgument(QStringLiteral("the argument %1 is out of range: %2")
+                         .arg(QLatin1String(name), value.toString()));
+    return qRound(real);
+}
+
+QPoint Call::takePoint(const char* x, const char* y) {
+    const int left = takeNumber(x);
+    return boundedPoint(QPointF(left, takeNumber(y)));
 }
 
 QString Call::takeText(const char* name) {
@@ -67,6 +82,23 @@ QString Call::takeText(const char* name) {
     if (!isText(value) && !isNumber(value))
         failArgument(QStringLiteral("the argument %1 is no text").arg(QLatin1String(name)));
     return value.toString();
+}
+
+ItemPath Call::takePath(const char* name) {
+    const bool isList = !isAtEnd() && m_arguments.at(m_next).type() == QVariant::List;
+    if (!isList)
+        return ItemPath::ofText(takeText(name));
+    QStringList steps;
+    const QVariantList values = take(name).toList();
+    for (const QVariant& value : values) {
+        if (!isText(value) && !isNumber(value))
+            failArgument(
+                QStringLiteral("a step of the argument %1 is no text").arg(QLatin1String(name)));
+        steps.append(value.toString());
+    }
+    if (steps.isEmpty())
+        failArgument(QStringLiteral("the argument %1 has no steps").arg(QLatin1String(name)));
+    return ItemPath::ofSteps(steps);
 }
 
 void Call::takeEnd() const {
@@ -93,10 +125,10 @@ bool failIfGone(const Call& call, const ElementRef& element) {
     return true;
 }
 
-void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
+void whenReady(const Call& call, const Element& element, const Aim& aim,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act) {
     const ElementRef ref(element);
-    waitUntilReady(element, offset ? &*offset : nullptr, call.timeout(),
+    waitUntilReady(element, aim, call.timeout(),
                    [responder = call.responder(), ref, act](const Readiness& readiness) {
                        if (readiness.isReady) {
                            act(ref, readiness.point);

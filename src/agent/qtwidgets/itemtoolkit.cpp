@@ -14,6 +14,7 @@
 
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemplace.h"
+#include "agent/qtwidgets/openlist.h"
 #include "agent/qtwidgets/widgettext.h"
 #include "agent/qtwidgets/widgettoolkit.h"
 
@@ -203,6 +204,11 @@ bool ItemToolkit::isVisible(const Element& item) const {
     return placeOfItem(item).widget != nullptr;
 }
 
+QString ItemToolkit::hiddenReason(const Element& item) const {
+    const Element holder = Session::self()->element(item.object);
+    return holder.toolkit->hiddenReason(holder);
+}
+
 bool ItemToolkit::isEnabled(const Element& item) const {
     if (!holderOf(item)->isEnabled())
         return false;
@@ -243,13 +249,15 @@ QWindow* ItemToolkit::nativeWindow(const Element& item) const {
     return nativeWindowOf(place.widget ? place.widget : holderOf(item));
 }
 
-Element ItemToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element ItemToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                               Qt::MouseButton /*button*/) const {
     const ItemPlace place = placeOfItem(inWindowOf);
     return elementInWindowAt(place.widget ? place.widget : holderOf(inWindowOf), globalPoint);
 }
 
-bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const {
-    if (Toolkit::receivesThrough(item, hit))
+bool ItemToolkit::receivesThrough(const Element& item, const Element& hit,
+                                  Qt::MouseButton button) const {
+    if (Toolkit::receivesThrough(item, hit, button))
         return true;
     // In the list of a combo box, the entries are those of the list's own view.
     if (item.kind == ComboBoxItem && hit.kind == ModelItem)
@@ -265,6 +273,12 @@ bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const
 Element ItemToolkit::blockedBy(const Element& item) const {
     const ItemPlace place = placeOfItem(item);
     return blockerOf(place.widget ? place.widget : holderOf(item));
+}
+
+Element ItemToolkit::openListOver(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return Session::self()->element(
+        Agent::openListOver(place.widget ? place.widget : holderOf(item)));
 }
 
 bool ItemToolkit::scrollIntoView(const Element& item) const {

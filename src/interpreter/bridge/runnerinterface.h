@@ -77,7 +77,8 @@ public:
     // Waiting.
     /// Sleeps, with the runner's snooze factor applied.
     virtual void snooze(double seconds) = 0;
-    /// Polls until the object is there and ready. The bool is always true.
+    /// Polls until the object is there and ready. `ready` false: whatever lies over its middle, for
+    /// what waits for a point of its own.
     virtual SharedPtr<Object> waitForObjectByName(const QString& realName, bool ready,
                                                   int timeout) = 0;
     virtual SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool ready, int timeout) = 0;

@@ -69,8 +69,9 @@ PyRef withObject(PythonInterpreter& interpreter, PyObject* tuple) {
     if (!isStringOrObjectName(first))
         return PyRef::borrow(tuple);
     SharedPtr<Object> object;
+    // Whether the point that is used is free, the function looks itself.
     if (RunnerInterface* runner = interpreter.runner())
-        object = runner->waitForObjectByName(serializeObjectName(first), true,
+        object = runner->waitForObjectByName(serializeObjectName(first), false,
                                              TestSettingsType::s_waitForObjectTimeout);
     if (!object)
         raise(ScriptContext::LookupError, Inspector::self()->lastError());

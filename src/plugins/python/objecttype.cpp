@@ -159,7 +159,9 @@ PyObject* objectRepr(PyObject* self) {
     const SharedPtr<Object> object = ObjectHolder::unwrap(self);
     return askApplication("repr",
                           [&](PythonInterpreter&) {
-                              const QString name = object->realName();
+                              const auto* const value =
+                                  dynamic_cast<const ValueObject*>(object.get());
+                              const QString name = value ? value->text() : object->realName();
                               return toPyString(
                                   name.isEmpty() ? "<" + object->className() + " object>" : name);
                           })

@@ -62,11 +62,11 @@ bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
     return true;
 }
 
-bool RemoteModel::lookUp(const ObjectName& name, bool wantReady, bool wantNearMisses,
+bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
                          LookUpAnswer* answer, RequestError* error, int timeout) {
     *answer = {};
     Wire::LookUp request;
-    request.wantReady = wantReady;
+    request.wanted = wanted;
     request.wantNearMisses = wantNearMisses;
     QString fault;
     if (!makeQuery(name, &request.query, &fault)) {
@@ -81,11 +81,11 @@ bool RemoteModel::lookUp(const ObjectName& name, bool wantReady, bool wantNearMi
     return true;
 }
 
-bool RemoteModel::lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer* answer,
+bool RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                          RequestError* error, int timeout) {
     *answer = {};
     Wire::LookUp request;
-    request.wantReady = wantReady;
+    request.wanted = wanted;
     QString fault;
     if (!m_link->handleOf(object, &request.handle, &fault)) {
         *error = refusedHere(fault);
@@ -174,7 +174,7 @@ SharedPtr<Object> RemoteModel::objectById(int remoteId, QString* error) {
 SharedPtr<Object> RemoteModel::findObject(const ObjectName& name, QString* error) {
     LookUpAnswer answer;
     RequestError failure;
-    if (!lookUp(name, false, true, &answer, &failure))
+    if (!lookUp(name, Wire::Wanted::Existence, true, &answer, &failure))
         *error = failure.text;
     else if (!answer.object)
         *error = answer.missText;

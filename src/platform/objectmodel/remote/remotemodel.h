@@ -45,10 +45,10 @@ public:
     void setReadyTimeout(int milliseconds);
 
     // Look-ups, once, without waiting. Nothing that matches is no failure.
-    bool lookUp(const ObjectName& name, bool wantReady, bool wantNearMisses, LookUpAnswer* answer,
+    bool lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
+                LookUpAnswer* answer, RequestError* error, int timeout = -1);
+    bool lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                 RequestError* error, int timeout = -1);
-    bool lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer* answer, RequestError* error,
-                int timeout = -1);
     /// Ready means that the object, or without one that of the name, has the properties; the
     /// obstacle is what it has otherwise.
     bool expect(SharedPtr<Object> object, const ObjectName& name, const ObjectName& properties,
