@@ -22,13 +22,14 @@ void addEntry(zipFile archive, const char* name, const char* data, std::size_t s
     zipCloseFileInZip(archive);
 }
 
-/// The input takes the place of the three documents.
+/// The input takes the place of all documents but the first.
 void writeArchive(const std::string& path, const std::uint8_t* data, std::size_t size) {
     const std::string workbook =
-        "<workbook><sheets><sheet name='A' sheetId='1'/></sheets></workbook>";
+        "<workbook><sheets><sheet name='A' sheetId='1' r:id='a'/></sheets></workbook>";
     const auto* const text = reinterpret_cast<const char*>(data);
     const zipFile archive = zipOpen(path.c_str(), APPEND_STATUS_CREATE);
     addEntry(archive, "xl/workbook.xml", workbook.data(), workbook.size());
+    addEntry(archive, "xl/_rels/workbook.xml.rels", text, size);
     addEntry(archive, "xl/sharedStrings.xml", text, size);
     addEntry(archive, "xl/worksheets/sheet1.xml", text, size);
     zipClose(archive, nullptr);
