@@ -107,9 +107,9 @@ private:
                 put(name, PyTuple_GET_ITEM(tuple, next++));
         }
         if (next < count)
-            refuse(m_function, QString("takes (%1), not %2 arguments without a name")
-                                   .arg(QLatin1String(m_function.parameters))
-                                   .arg(count));
+            refuse(m_function,
+                   QString("takes (%1), not %2 arguments without a name")
+                       .arg(QLatin1String(m_function.parameters), QString::number(count)));
     }
 
     void takeNamed(PyObject* named) {
