@@ -183,7 +183,8 @@ TEST_F(ScriptTestCaseTest, ScreenshotOfAScriptError) {
     desktop.fill(Qt::green);
     TestVP::setScreenshotServices(
         {[&](RunnerInterface*) { return desktop; },
-         [&](RunnerInterface*) { return folder.filePath("screenshots"); }});
+         [&](RunnerInterface*) { return folder.filePath("screenshots"); },
+         {}});
     FakeInterpreter::s_duringCall = [&](FakeInterpreter& interpreter, const QString&) {
         interpreter.setErrorImage(ownImage);
     };
