@@ -1,6 +1,9 @@
 // The operations of Runner on the objects of the current application, and its input.
 
+#include <exception>
+
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
@@ -116,14 +119,26 @@ void Runner::objectNotFound(const QString& name, const QString&, QString* error)
 // One call of the script at a time holds the object model.
 
 bool Runner::acquireRemoteObjectModel() {
-    if (m_callDepth++ == 0)
-        m_applications.startCall();
+    if (m_callDepth++ > 0)
+        return true;
+    m_applications.startCall();
+    noteCall();
     return true;
 }
 
 void Runner::releaseRemoteObjectModel() {
-    if (--m_callDepth == 0)
-        work();
+    if (--m_callDepth > 0)
+        return;
+    // The call that started the first application was not noted before.
+    if (!m_lastCall.isValid() && std::uncaught_exceptions() == 0)
+        noteCall();
+    work();
+}
+
+void Runner::noteCall() {
+    const ScriptContext* const context = ScriptContext::current();
+    if (context && m_applications.programs().isAnyRunning())
+        m_lastCall = context->lineInfoForResult();
 }
 
 }  // namespace Tamrix

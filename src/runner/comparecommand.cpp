@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "comparison/filecomparison.h"
 #include "runner/commands.h"
 #include "runner/terminal.h"
@@ -95,7 +96,7 @@ int compareFiles(const CommandLine& commandLine) {
     const FileComparison comparison = compare(commandLine, options);
     if (!comparison.error.isEmpty())
         return failWith(comparison.error);
-    QByteArray text = comparison.detail.toLocal8Bit();
+    QByteArray text = escapedForTerminal(comparison.detail).toLocal8Bit();
     if (!text.endsWith('\n'))
         text += '\n';
     if (!writeBytes(stdout, text))

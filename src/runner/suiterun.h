@@ -54,8 +54,8 @@ private:
     /// Loads the suite's map of object names, so that each case starts with the same one.
     QString loadObjectMap();
     void endApplications();
-    /// Attaches what the case's applications wrote to the report.
-    void attachOutput();
+    /// Attaches what programs wrote to the report.
+    void attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& programs);
 
     Suite m_suite;
     SuiteRunOptions m_options;
