@@ -2,19 +2,21 @@
 
 #include <cstdlib>
 
+#include "base/nativebytes.h"
+
 namespace Tamrix {
 
 QString Environment::getVariable(const QString& name) {
-    const char* value = ::getenv(name.toUtf8().constData());
-    return value ? QString::fromUtf8(value) : QString();
+    const char* value = ::getenv(toNativeBytes(name).constData());
+    return value ? fromNativeBytes(value) : QString();
 }
 
 void Environment::setVariable(const QString& name, const QString& value) {
-    ::setenv(name.toUtf8().constData(), value.toUtf8().constData(), 1);
+    ::setenv(toNativeBytes(name).constData(), toNativeBytes(value).constData(), 1);
 }
 
 void Environment::unsetVariable(const QString& name) {
-    ::unsetenv(name.toUtf8().constData());
+    ::unsetenv(toNativeBytes(name).constData());
 }
 
 QString expandPrefix(QString text) {

@@ -27,6 +27,11 @@ bool isForbiddenInXml(const QString& text, int index) {
     return unit < 0x20 || unit >= 0xfffe || isLoneSurrogate(text, index);
 }
 
+/// Whether a lone surrogate stands for a byte: see nativebytes.h.
+bool isNativeByte(ushort unit) {
+    return unit >= 0xdc80 && unit <= 0xdcff;
+}
+
 /// Replaces the code units for which `isBad` holds by \xNN or \uNNNN.
 template <typename Predicate>
 QString escaped(const QString& text, Predicate isBad) {
@@ -41,8 +46,8 @@ QString escaped(const QString& text, Predicate isBad) {
         const ushort unit = text.at(index).unicode();
         if (!isBad(text, index))
             result += text.at(index);
-        else if (unit < 0x100)
-            result += QStringLiteral("\\x%1").arg(unit, 2, 16, QLatin1Char('0'));
+        else if (unit < 0x100 || isNativeByte(unit))
+            result += QStringLiteral("\\x%1").arg(unit & 0xff, 2, 16, QLatin1Char('0'));
         else
             result += QStringLiteral("\\u%1").arg(unit, 4, 16, QLatin1Char('0'));
     }

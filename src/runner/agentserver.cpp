@@ -4,13 +4,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QRandomGenerator>
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include "wire/framechannel.h"
@@ -19,8 +15,12 @@ namespace Tamrix {
 
 namespace {
 
-/// Longest path of a folder in which a socket's name still fits into an address.
-constexpr int maximalFolderLength = 80;
+/// The process at the other end of a local socket.
+pid_t peerOf(int descriptor) {
+    ucred peer{};
+    socklen_t size = sizeof(peer);
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : -1;
+}
 
 }  // namespace
 
@@ -33,43 +33,21 @@ QString randomToken() {
     return token;
 }
 
-QString makePrivateFolder(QString* error) {
-    const QStringList places = {QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR")),
-                                QDir::tempPath(), QStringLiteral("/tmp")};
-    QString reason;
-    for (const QString& place : places) {
-        QByteArray name = (place + QLatin1String("/tamrix-XXXXXX")).toLocal8Bit();
-        if (place.isEmpty() || name.size() > maximalFolderLength)
-            continue;
-        // Made with mode 0700.
-        if (::mkdtemp(name.data()))
-            return QString::fromLocal8Bit(name);
-        reason = QStringLiteral("%1: %2").arg(place, QString::fromLocal8Bit(std::strerror(errno)));
-    }
-    *error = QStringLiteral("no folder for the agents' socket can be made (%1)").arg(reason);
-    return {};
-}
-
-AgentServer::AgentServer() : m_token(randomToken()) {}
+AgentServer::AgentServer(const QString& runId) : m_runId(runId), m_token(randomToken()) {}
 
 AgentServer::~AgentServer() {
     if (m_listener >= 0)
         ::close(m_listener);
-    // With what programs left there.
-    if (!m_folder.isEmpty())
-        QDir(m_folder).removeRecursively();
 }
 
 QString AgentServer::socketPath() const {
-    return m_folder + QLatin1String("/agents");
+    return folder() + QLatin1String("/agents");
 }
 
 bool AgentServer::listen(QString* error) {
     if (m_listener >= 0)
         return true;
-    if (m_folder.isEmpty())
-        m_folder = makePrivateFolder(error);
-    if (m_folder.isEmpty())
+    if (!m_folder.make(m_runId, error))
         return false;
     m_listener = Wire::listenLocalSocket(socketPath(), error);
     return m_listener >= 0;
@@ -92,7 +70,7 @@ void AgentServer::acceptPeers() {
         const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (descriptor < 0)
             return;
-        Peer peer{std::make_shared<AgentConnection>(descriptor, m_token), {}};
+        Peer peer{std::make_shared<AgentConnection>(descriptor, m_token), peerOf(descriptor), {}};
         peer.sinceConnect.start();
         m_peers.push_back(std::move(peer));
     }
@@ -104,15 +82,17 @@ bool AgentServer::readPeer(Peer& peer) {
             m_accepted.push_back(std::move(peer.connection));
             return true;
         case AgentConnection::State::Closed:
-            m_refusal = peer.connection->errorText();
+            m_refusal = {peer.process, peer.connection->errorText(), peer.connection->isRefused()};
             return true;
         case AgentConnection::State::Greeting:
             break;
     }
     if (peer.sinceConnect.elapsed() <= helloTimeout)
         return false;
-    m_refusal =
-        QStringLiteral("a connection was made, but no hello came within %1 ms").arg(helloTimeout);
+    m_refusal = {
+        peer.process,
+        QStringLiteral("a connection was made, but no hello came within %1 ms").arg(helloTimeout),
+        false};
     return true;
 }
 
@@ -120,7 +100,7 @@ std::vector<std::shared_ptr<AgentConnection>> AgentServer::takeAccepted() {
     return std::exchange(m_accepted, {});
 }
 
-QString AgentServer::takeRefusal() {
+AgentServer::Refusal AgentServer::takeRefusal() {
     return std::exchange(m_refusal, {});
 }
 

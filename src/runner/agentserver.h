@@ -1,11 +1,14 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <QElapsedTimer>
 #include <QString>
 #include <memory>
 #include <vector>
 
 #include "platform/objectmodel/remote/agentconnection.h"
+#include "runner/privatefolder.h"
 
 namespace Tamrix {
 
@@ -16,7 +19,7 @@ public:
     /// How long a peer may take to say hello, in milliseconds.
     static constexpr int helloTimeout = 5000;
 
-    AgentServer();
+    explicit AgentServer(const QString& runId);
     /// Removes socket and folder.
     ~AgentServer();
     AgentServer(const AgentServer&) = delete;
@@ -26,7 +29,7 @@ public:
     bool listen(QString* error);
     /// To be polled for reading; -1 before listen().
     int descriptor() const { return m_listener; }
-    QString folder() const { return m_folder; }
+    QString folder() const { return m_folder.path(); }
     QString socketPath() const;
     /// What agents have to show: random, new for each server.
     QString token() const { return m_token; }
@@ -36,12 +39,22 @@ public:
     void work();
     /// The connections that were opened since the last call.
     std::vector<std::shared_ptr<AgentConnection>> takeAccepted();
-    /// Why a peer was refused last, empty when none was since the last call.
-    QString takeRefusal();
+    /// A peer that was not let in.
+    struct Refusal {
+        /// -1 when unknown.
+        pid_t process = -1;
+        /// Empty for none.
+        QString text;
+        /// It is no agent, or one with another version or token, so that trying again won't help.
+        bool isFinal = false;
+    };
+    /// The last one since the last call.
+    Refusal takeRefusal();
 
 private:
     struct Peer {
         std::shared_ptr<AgentConnection> connection;
+        pid_t process = -1;
         QElapsedTimer sinceConnect;
     };
 
@@ -49,17 +62,14 @@ private:
     /// Reads from a peer; true when nothing more is to be expected of it.
     bool readPeer(Peer& peer);
 
+    QString m_runId;
     QString m_token;
-    QString m_folder;
+    PrivateFolder m_folder;
     int m_listener = -1;
     std::vector<Peer> m_peers;
     std::vector<std::shared_ptr<AgentConnection>> m_accepted;
-    QString m_refusal;
+    Refusal m_refusal;
 };
-
-/// A new folder below the user's runtime folder, or that for temporary files, which only this user
-/// can enter. Empty with `*error` set on failure.
-QString makePrivateFolder(QString* error);
 
 /// Random letters and digits, as hard to guess as 128 random bits.
 QString randomToken();

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QList>
 #include <QStringList>
+#include <utility>
 
 #include "base/blocking.h"
 #include "runner/shellwords.h"
@@ -49,6 +50,7 @@ Application::Application(int id, const QString& name, std::shared_ptr<AgentConne
     commandLine = isMainProcess() ? m_program->start().commandLine()
                                   : commandWords(hello).join(QLatin1Char(' '));
     m_model.connection().setEndText([this] { return endText(); });
+    m_model.connection().setStallTest([this] { return isStalled(); });
     if (isMainProcess())
         m_model.connection().setProcessDescriptor(m_program->endDescriptor());
 }
@@ -56,6 +58,7 @@ Application::Application(int id, const QString& name, std::shared_ptr<AgentConne
 Application::~Application() {
     // The objects that a script still holds keep the connection.
     m_model.connection().setEndText({});
+    m_model.connection().setStallTest({});
     m_model.connection().setIdleHook({});
     m_model.connection().setProcessDescriptor(-1);
 }
@@ -65,12 +68,25 @@ bool Application::isMainProcess() {
 }
 
 void Application::work() {
-    valid = connection().pump() == AgentConnection::State::Open &&
-            !(isMainProcess() && m_program->process().hasEnded());
+    if (m_program)
+        m_program->noteApplication(name, isExitExpected);
+    valid = connection().pump() == AgentConnection::State::Open;
+    if (!isMainProcess() || !m_program->process().hasEnded())
+        return;
+    // A child that the process forked may hold the other end open.
+    if (valid)
+        connection().close(QStringLiteral("the process has ended"));
+    connection().setProcessDescriptor(-1);
+    valid = false;
 }
 
 bool Application::isRunning() {
     return isMainProcess() ? !m_program->process().hasEnded() : isProcessRunning(pid);
+}
+
+bool Application::isStalled() {
+    const qint64 before = std::exchange(m_lastCpuTime, cpuTime(pid));
+    return m_lastCpuTime == before && processState(pid) != "R";
 }
 
 QString Application::endText() {
@@ -90,8 +106,7 @@ QString Application::endText() {
     if (!isMainProcess())
         return QStringLiteral("The application '%1' has ended").arg(name);
     m_program->output().waitForEnd(200);
-    return QStringLiteral("The application '%1' has ended: %2%3")
-        .arg(name, m_program->process().endText(), m_program->lastErrorText());
+    return m_program->endText();
 }
 
 void Application::detach() {
@@ -122,8 +137,12 @@ QString processDirectory(pid_t process) {
     return QFileInfo(QStringLiteral("/proc/%1/cwd").arg(process)).symLinkTarget();
 }
 
+QByteArray processState(pid_t process) {
+    return statusFields(process).value(0);
+}
+
 bool isProcessRunning(pid_t process) {
-    const QByteArray state = statusFields(process).value(0);
+    const QByteArray state = processState(process);
     return !state.isEmpty() && state != "Z" && state != "X";
 }
 

@@ -37,9 +37,13 @@ public:
     void detach();
 
 private:
+    /// Whether the process has done nothing since the last call: it is stopped, or waits.
+    bool isStalled();
+
     RemoteModel m_model;
     std::shared_ptr<StartedProgram> m_program;
     bool m_isDetached = false;
+    qint64 m_lastCpuTime = -1;
 };
 
 /// What /proc tells of a process. Each is -1 or empty when the process is gone.
@@ -47,6 +51,8 @@ qint64 residentMemory(pid_t process);
 /// Milliseconds of CPU time, in the program and for it.
 qint64 cpuTime(pid_t process);
 QString processDirectory(pid_t process);
+/// "R" for one that runs or waits for a processor, "T" for one that is stopped, and so on.
+QByteArray processState(pid_t process);
 /// Zombies are not running.
 bool isProcessRunning(pid_t process);
 

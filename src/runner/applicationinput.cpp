@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
@@ -118,15 +119,29 @@ void Runner::objectNotFound(const QString& name, const QString&, QString* error)
 // One call of the script at a time holds the object model.
 
 bool Runner::acquireRemoteObjectModel() {
-    if (m_callDepth++ == 0)
-        m_applications.startCall();
+    if (m_callDepth++ > 0)
+        return true;
+    m_applications.startCall();
+    noteCall();
     return true;
 }
 
 void Runner::releaseRemoteObjectModel() {
+    if (--m_callDepth > 0)
+        return;
+    // The call that started the first application was not noted before.
+    const bool isUnwinding = std::uncaught_exceptions() != 0;
+    if (!m_lastCall.isValid() && !isUnwinding)
+        noteCall();
     // No handler runs beside an exception that is on its way.
-    if (--m_callDepth == 0 && std::uncaught_exceptions() == 0)
+    if (!isUnwinding)
         work();
+}
+
+void Runner::noteCall() {
+    const ScriptContext* const context = ScriptContext::current();
+    if (context && m_applications.programs().isAnyRunning())
+        m_lastCall = context->lineInfoForResult();
 }
 
 }  // namespace Tamrix

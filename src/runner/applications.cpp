@@ -12,6 +12,7 @@
 #include "platform/objectmodel/remote/remotelink.h"
 #include "platform/objectmodel/remote/remoteobject.h"
 #include "runner/attachable.h"
+#include "runner/foreigntoolkit.h"
 #include "runner/interrupt.h"
 
 namespace Tamrix {
@@ -28,13 +29,17 @@ constexpr int closePollInterval = 10;
 
 }  // namespace
 
-Applications::Applications() : m_runId(randomToken()) {}
+Applications::Applications() : m_runId(randomToken()), m_server(m_runId) {}
 
 Applications::~Applications() {
     endAll();
 }
 
 QString Applications::prepare() {
+    if (m_server.descriptor() >= 0)
+        return {};
+    clearLeftFolders();
+    clearLeftSockets();
     QString error;
     if (m_server.listen(&error))
         m_watch.start(m_runId, m_server.folder());
@@ -71,29 +76,29 @@ SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int t
     *error = prepare();
     if (!error->isEmpty())
         return {};
-    const QString mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
     ApplicationStart start = wanted;
+    start.program.mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
     start.program.environment =
         m_displayEnvironment + wanted.program.environment +
-        agentEnvironment(m_server.socketPath(), m_server.token(), wanted.preloadsAgent) +
-        ProgramEnvironment{{QLatin1String(runMarkVariable), mark}};
+        agentEnvironment(m_server.socketPath(), m_server.token(), wanted.preloadsAgent);
     std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
     if (!process)
         return {};
-    const auto program = std::make_shared<StartedProgram>(start, std::move(process), mark);
-    m_programs.push_back(program);
-    SharedPtr<Application> application =
-        waitForStart(program, timeout < 0 ? defaultStartTimeout : timeout, error);
-    if (application) {
-        const auto isIt = [&](const auto& launched) { return launched == application; };
-        m_launched.erase(std::remove_if(m_launched.begin(), m_launched.end(), isIt),
-                         m_launched.end());
+    const auto program = std::make_shared<StartedProgram>(start, std::move(process));
+    m_programs.add(program);
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    const SharedPtr<Application> application = waitForStart(program, deadline, wait, error);
+    if (application && greet(*application, deadline, wait, error)) {
+        dropLaunched(application);
         setCurrent(application);
-    } else {
-        program->end(terminatePatience);
-        m_programs.erase(std::find(m_programs.begin(), m_programs.end(), program));
+        program->watch();
+        return application;
     }
-    return application;
+    program->end(terminatePatience);
+    m_programs.remove(program);
+    forgetAll(program.get());
+    return {};
 }
 
 SharedPtr<Application> Applications::firstOf(const StartedProgram* program) {
@@ -104,10 +109,25 @@ SharedPtr<Application> Applications::firstOf(const StartedProgram* program) {
     return {};
 }
 
+void Applications::dropLaunched(const SharedPtr<Application>& application) {
+    m_launched.erase(std::remove(m_launched.begin(), m_launched.end(), application),
+                     m_launched.end());
+}
+
+void Applications::forgetAll(const StartedProgram* program) {
+    while (const SharedPtr<Application> application = firstOf(program)) {
+        application->detach();
+        dropLaunched(application);
+        m_applications.removeOne(application);
+    }
+}
+
 SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedProgram>& program,
-                                                  int timeout, QString* error) {
+                                                  const QDeadlineTimer& deadline, int timeout,
+                                                  QString* error) {
     m_server.takeRefusal();
-    const QDeadlineTimer deadline(timeout);
+    ForeignToolkitWatch foreignToolkit;
+    QString refusal;
     while (true) {
         // In this order: a program may connect and end at once.
         const bool isAlive = program->isAlive();
@@ -119,30 +139,62 @@ SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedP
                          .arg(program->start().name);
             return {};
         }
-        if (!isAlive || deadline.hasExpired()) {
-            *error = startFailure(*program, timeout);
+        const AgentServer::Refusal refused = m_server.takeRefusal();
+        if (!refused.text.isEmpty())
+            refusal = QStringLiteral("\nA connection was refused: ") + refused.text;
+        const bool isHopeless = refused.isFinal && program->includes(refused.process);
+        const QString toolkit = isAlive && foreignToolkit.isLookDue()
+                                    ? foreignToolkit.look(program->processes())
+                                    : QString();
+        if (!isAlive || isHopeless || !toolkit.isEmpty() || deadline.hasExpired()) {
+            *error = startFailure(*program, toolkit, isHopeless ? -1 : timeout) + refusal +
+                     program->lastErrorText();
             return {};
         }
         waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
     }
 }
 
-QString Applications::startFailure(StartedProgram& program, int timeout) {
-    const QString refusal = m_server.takeRefusal();
-    QString text;
+QString Applications::startFailure(StartedProgram& program, const QString& toolkit, int timeout) {
+    const QString name = program.start().name;
     if (program.process().hasEnded()) {
         program.output().waitForEnd(500);
-        text = QStringLiteral("'%1' ended before its agent connected: %2")
-                   .arg(program.start().name, program.process().endText());
-    } else {
-        text = QStringLiteral(
-                   "'%1' was started, but no agent in it connected within %2 ms; is it a program "
-                   "with Qt 5?")
-                   .arg(program.start().name, QString::number(timeout));
+        return QStringLiteral("'%1' ended before its agent connected: %2")
+            .arg(name, program.process().endText());
     }
-    if (!refusal.isEmpty())
-        text += QStringLiteral("\nA connection was refused: ") + refusal;
-    return text + program.lastErrorText();
+    if (!toolkit.isEmpty()) {
+        return QStringLiteral(
+                   "'%1' was started, but it is a program with %2, and only programs with Qt 5 "
+                   "take an agent")
+            .arg(name, toolkit);
+    }
+    if (timeout < 0)
+        return QStringLiteral("'%1' was started, but its agent can't be used").arg(name);
+    return QStringLiteral(
+               "'%1' was started, but no agent in it connected within %2 ms; is it a program "
+               "with Qt 5?")
+        .arg(name, QString::number(timeout));
+}
+
+bool Applications::greet(Application& application, const QDeadlineTimer& deadline, int timeout,
+                         QString* error) {
+    const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
+    RequestError failure;
+    if (application.model().readGlobalClass(left, &failure))
+        return true;
+    switch (failure.kind) {
+        case RequestError::Kind::Aborted:
+            *error = QStringLiteral("the run was interrupted while '%1' was waited for")
+                         .arg(application.name);
+            break;
+        case RequestError::Kind::TimedOut:
+            *error = QStringLiteral("'%1' has connected, but does not answer within %2 ms")
+                         .arg(application.name, QString::number(timeout));
+            break;
+        default:
+            *error = failure.text;
+    }
+    return false;
 }
 
 SharedPtr<Application> Applications::attach(const QString& name, int timeout, QString* error) {
@@ -150,11 +202,18 @@ SharedPtr<Application> Applications::attach(const QString& name, int timeout, QS
     if (!connection)
         return {};
     connection->setIdleHook([this] { return !isInterrupted(); });
-    if (!connection->waitForHello(timeout < 0 ? defaultStartTimeout : timeout)) {
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    if (!connection->waitForHello(wait)) {
         *error = QStringLiteral("'%1' can't be attached to: %2").arg(name, connection->errorText());
         return {};
     }
     SharedPtr<Application> application = add(std::move(connection), name);
+    if (!greet(*application, deadline, wait, error)) {
+        application->detach();
+        m_applications.removeOne(application);
+        return {};
+    }
     setCurrent(application);
     return application;
 }
@@ -167,6 +226,8 @@ SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) 
         if (!m_launched.empty()) {
             SharedPtr<Application> application = m_launched.front();
             m_launched.pop_front();
+            if (!greet(*application, deadline, wait, error))
+                return {};
             if (!m_current || !m_current->valid)
                 setCurrent(application);
             return application;
@@ -183,14 +244,6 @@ SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) 
 
 // Contexts
 
-std::shared_ptr<StartedProgram> Applications::programOf(pid_t process) {
-    for (const std::shared_ptr<StartedProgram>& program : m_programs) {
-        if (program->process().pid() == process || program->includes(process))
-            return program;
-    }
-    return nullptr;
-}
-
 QString Applications::uniqueName(const QString& name) {
     QString unique = name;
     for (int number = 2; find(unique); ++number)
@@ -200,7 +253,7 @@ QString Applications::uniqueName(const QString& name) {
 
 SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connection,
                                          const QString& name) {
-    const auto program = programOf(static_cast<pid_t>(connection->hello().pid));
+    const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
     AgentConnection* const added = connection.get();
     SharedPtr<Application> application(
         new Application(++m_lastId, uniqueName(name), std::move(connection), program));
@@ -270,7 +323,7 @@ void Applications::work() {
     const QScopedValueRollback<bool> working(m_isWorking, true);
     m_server.work();
     for (std::shared_ptr<AgentConnection>& connection : m_server.takeAccepted()) {
-        const auto program = programOf(static_cast<pid_t>(connection->hello().pid));
+        const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
         const QString name = program && !firstOf(program.get())
                                  ? program->start().name
                                  : connection->hello().program.section(QLatin1Char('/'), -1);
@@ -278,6 +331,7 @@ void Applications::work() {
     }
     for (const SharedPtr<Application>& application : qAsConst(m_applications))
         application->work();
+    m_programs.work();
 }
 
 void Applications::waitForNews(int milliseconds) {
@@ -320,16 +374,15 @@ bool Applications::askToClose() {
 
 QStringList Applications::endAll() {
     startCall();
+    work();
+    m_programs.setEndCause(StartedPrograms::EndCause::AskedToClose);
     const QDeadlineTimer deadline(askToClose() ? closePatience : 0);
-    const auto isAlive = [](const auto& program) { return program->isAlive(); };
-    while (!deadline.hasExpired() && std::any_of(m_programs.begin(), m_programs.end(), isAlive))
+    while (!deadline.hasExpired() && m_programs.isAnyAlive())
         waitForNews(closePollInterval);
 
-    QStringList left;
-    for (const std::shared_ptr<StartedProgram>& program : m_programs) {
-        if (program->end(terminatePatience) > 0)
-            left.append(program->start().name);
-    }
+    work();
+    m_programs.setEndCause(StartedPrograms::EndCause::Terminated);
+    const QStringList left = m_programs.endAll(terminatePatience);
     setCurrent(nullptr);
     for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
         if (application->valid)
@@ -337,7 +390,6 @@ QStringList Applications::endAll() {
     }
     m_applications.clear();
     m_launched.clear();
-    m_programs.clear();
     return left;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QList>
 #include <QString>
 #include <deque>
@@ -11,6 +12,7 @@
 #include "runner/applicationstart.h"
 #include "runner/privatedisplay.h"
 #include "runner/runwatch.h"
+#include "runner/startedprograms.h"
 
 namespace Tamrix {
 
@@ -73,8 +75,7 @@ public:
     /// A call of the script begins: interrupts from before don't end its waits.
     void startCall();
 
-    /// The programs that were started since the last endAll().
-    const std::vector<std::shared_ptr<StartedProgram>>& programs() const { return m_programs; }
+    StartedPrograms& programs() { return m_programs; }
     /// Ends all applications that were started: asks them to close, then terminates, then kills
     /// them. Drops the connections to all others. Returns names of those that could not be ended.
     QStringList endAll();
@@ -83,11 +84,20 @@ private:
     QString prepare();
     SharedPtr<Application> add(std::shared_ptr<AgentConnection> connection, const QString& name);
     QString uniqueName(const QString& name);
-    std::shared_ptr<StartedProgram> programOf(pid_t process);
     SharedPtr<Application> firstOf(const StartedProgram* program);
-    SharedPtr<Application> waitForStart(const std::shared_ptr<StartedProgram>& program, int timeout,
+    SharedPtr<Application> waitForStart(const std::shared_ptr<StartedProgram>& program,
+                                        const QDeadlineTimer& deadline, int timeout,
                                         QString* error);
-    QString startFailure(StartedProgram& program, int timeout);
+    /// `toolkit` is the one that takes no agent, empty when that is not why. `timeout` is -1 when
+    /// the wait ended before.
+    QString startFailure(StartedProgram& program, const QString& toolkit, int timeout);
+    /// Asks what scripts need first. False with `*error` set when the application, though
+    /// connected, does not answer in time.
+    bool greet(Application& application, const QDeadlineTimer& deadline, int timeout,
+               QString* error);
+    void dropLaunched(const SharedPtr<Application>& application);
+    /// Drops the applications of a program that did not come to be used.
+    void forgetAll(const StartedProgram* program);
     /// False when no application took the request.
     bool askToClose();
 
@@ -97,7 +107,7 @@ private:
     AgentServer m_server;
     PrivateDisplay m_privateDisplay;
     ProgramEnvironment m_displayEnvironment;
-    std::vector<std::shared_ptr<StartedProgram>> m_programs;
+    StartedPrograms m_programs;
     QList<SharedPtr<Application>> m_applications;
     std::deque<SharedPtr<Application>> m_launched;
     SharedPtr<Application> m_current;

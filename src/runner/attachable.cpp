@@ -5,8 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 #include <array>
@@ -14,6 +17,7 @@
 #include "runner/agentserver.h"
 #include "runner/applicationstart.h"
 #include "runner/interrupt.h"
+#include "runner/privatefolder.h"
 #include "runner/runwatch.h"
 #include "runner/shellwords.h"
 #include "runner/startedprogram.h"
@@ -31,20 +35,31 @@ using Wire::MessageType;
 constexpr int pollInterval = 100;
 constexpr int connectTimeout = 20000;
 constexpr int endPatience = 2000;
+/// How long a run may leave an answer unread.
+constexpr int readTimeout = 10000;
+/// How many requests of a run are handed on before the first of them is answered.
+constexpr int openLimit = 32;
+/// How much may be queued for a run: less than two of the longest answers.
+constexpr int queueLimit = 400 * 1024 * 1024;
+/// The age from which on a socket that nobody listens at was left behind, in seconds.
+constexpr int socketAge = 10;
 
 bool isGoodName(const QString& name) {
     static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9._-]{1,40}\\z"));
     return form.match(name).hasMatch();
 }
 
-/// The user's folder for sockets of kept programs, made when it is not there. Empty with `*error`
-/// set when it can't be trusted.
-QString attachableFolder(QString* error) {
+/// Where the sockets of kept programs are, whether it is there or not.
+QString attachableFolderPath() {
     const QString runtime = QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR"));
-    const QString folder = runtime.isEmpty()
-                               ? QStringLiteral("%1/tamrix-attachable-%2")
-                                     .arg(QDir::tempPath(), QString::number(::getuid()))
-                               : runtime + QLatin1String("/tamrix-attachable");
+    return runtime.isEmpty()
+               ? QDir::tempPath() + QStringLiteral("/tamrix-attachable-%1").arg(::getuid())
+               : runtime + QLatin1String("/tamrix-attachable");
+}
+
+/// The folder, made when it is not there. Empty with `*error` set when it can't be trusted.
+QString attachableFolder(QString* error) {
+    const QString folder = attachableFolderPath();
     const QByteArray path = folder.toLocal8Bit();
     ::mkdir(path.constData(), S_IRWXU);
     struct stat info {};
@@ -103,19 +118,39 @@ public:
     void addAgent(int descriptor);
     /// A run connected.
     void addRun(int descriptor);
-    /// Takes what has come from both sides. False when the agent has gone.
-    bool work();
-    int agentDescriptor() const { return m_agent ? m_agent->descriptor() : -1; }
-    int runDescriptor() const { return m_run ? m_run->descriptor() : -1; }
+    /// Takes what has come from both sides.
+    void work();
+    /// Why the agent that was there has gone; empty as long as it has not.
+    QString agentEnd() const {
+        return m_agent && !m_agent->isOpen() ? m_agent->errorText() : QString();
+    }
+    // What to wait for.
+    pollfd agentWait() const { return waitOn(m_agent.get(), true); }
+    pollfd runWait() const { return waitOn(m_run.get(), takesRequests()); }
 
 private:
+    static pollfd waitOn(const FrameChannel* side, bool reads) {
+        if (!side)
+            return {-1, 0, 0};
+        const int events = (reads ? POLLIN : 0) | (side->hasQueued() ? POLLOUT : 0);
+        return {side->descriptor(), static_cast<short>(events), 0};
+    }
+    /// The agent is always read, since it waits for that. A run is read as long as the agent takes
+    /// its requests, and the run the answers.
+    bool takesRequests() const {
+        return m_run && m_agent && m_open.size() < openLimit && !m_agent->hasQueued() &&
+               !m_run->hasQueued();
+    }
     void workOnAgent();
     void workOnRun();
+    void dropIdleRun();
 
     QString m_token;
     QString m_refusal;
     std::unique_ptr<FrameChannel> m_agent;
     std::unique_ptr<FrameChannel> m_run;
+    /// By when the run has to have read something of what is queued for it.
+    QDeadlineTimer m_runReads{QDeadlineTimer::Forever};
     Wire::Hello m_hello;
     bool m_isWelcome = false;
     quint32 m_lastSequence = 0;
@@ -150,6 +185,7 @@ void Keeper::addAgent(int descriptor) {
         m_refusal = QStringLiteral("another process of the program is connected");
     } else {
         channel->setMaximalBodySize(Wire::maximalBodySize);
+        channel->setLongAnswersFail(true);
         channel->send(0, MessageType::Welcome, {});
         m_hello = hello;
         // A run does not know the token, and has shown that it may come in by reaching the socket.
@@ -180,31 +216,51 @@ void Keeper::workOnAgent() {
         const auto request = m_open.constFind(frame->sequence);
         if (!m_run || !m_isWelcome || (!isEvent && request == m_open.constEnd()))
             continue;
-        m_run->send(isEvent ? 0 : *request, frame->type, frame->body);
+        m_run->enqueue(isEvent ? 0 : *request, frame->type, frame->body);
         m_open.remove(frame->sequence);
     }
 }
 
 void Keeper::workOnRun() {
-    m_run->receive();
-    while (const std::optional<Frame> frame = m_run->takeFrame()) {
+    if (takesRequests())
+        m_run->receive();
+    while (takesRequests()) {
+        const std::optional<Frame> frame = m_run->takeFrame();
+        if (!frame)
+            break;
         if (frame->type == MessageType::Welcome) {
             m_isWelcome = true;
             continue;
         }
         m_open.insert(++m_lastSequence, frame->sequence);
-        m_agent->send(m_lastSequence, frame->type, frame->body);
+        m_agent->enqueue(m_lastSequence, frame->type, frame->body);
     }
-    if (!m_run->isOpen())
-        m_run.reset();
 }
 
-bool Keeper::work() {
-    if (m_agent)
-        workOnAgent();
-    if (m_run && m_agent)
-        workOnRun();
-    return !m_agent || m_agent->isOpen();
+/// The next run need not wait for one that has gone, or takes no answers.
+void Keeper::dropIdleRun() {
+    if (!m_run->hasQueued())
+        m_runReads.setRemainingTime(-1);
+    else if (m_runReads.isForever())
+        m_runReads.setRemainingTime(readTimeout);
+    if (m_run->isOpen() && !m_runReads.hasExpired() && m_run->queuedSize() < queueLimit)
+        return;
+    m_run.reset();
+    m_open.clear();
+    m_runReads.setRemainingTime(-1);
+}
+
+void Keeper::work() {
+    if (!m_agent)
+        return;
+    m_agent->flush();
+    if (m_run)
+        m_run->flush();
+    workOnAgent();
+    if (!m_run)
+        return;
+    workOnRun();
+    dropIdleRun();
 }
 
 /// Listens at a socket, or takes the place of a keeper that was killed.
@@ -231,24 +287,30 @@ void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) 
         (keeper.*add)(descriptor);
 }
 
-/// Works until the program has ended, the process is interrupted, or no agent came.
+/// Works until the program has ended, the process is interrupted, no agent came, or it went.
 void keep(StartedProgram& program, Keeper& keeper, const Listener& agents, const Listener& runs,
           QString* error) {
     const QDeadlineTimer deadline(connectTimeout);
+    const QString name = program.start().name;
     while (program.isAlive() && Interrupt::signalNumber() == 0) {
         std::array<pollfd, 4> watched{{{agents.descriptor(), POLLIN, 0},
                                        // Runs come in only when there is an agent for them.
                                        {keeper.hasAgent() ? runs.descriptor() : -1, POLLIN, 0},
-                                       {keeper.agentDescriptor(), POLLIN, 0},
-                                       {keeper.runDescriptor(), POLLIN, 0}}};
+                                       keeper.agentWait(),
+                                       keeper.runWait()}};
         ::poll(watched.data(), watched.size(), pollInterval);
         acceptOn(watched[0], keeper, &Keeper::addAgent);
         acceptOn(watched[1], keeper, &Keeper::addRun);
-        if (!keeper.work())
-            program.process().waitForEnd(endPatience);
+        keeper.work();
+        // A program that ends closes its connection first.
+        const QString end = keeper.agentEnd();
+        if (!end.isEmpty() && !program.process().waitForEnd(endPatience)) {
+            *error = QStringLiteral("the agent in '%1' is lost: %2").arg(name, end);
+            return;
+        }
         if (!keeper.hasAgent() && deadline.hasExpired()) {
             *error = QStringLiteral("no agent in '%1' connected within %2 ms%3")
-                         .arg(program.start().name, QString::number(connectTimeout),
+                         .arg(name, QString::number(connectTimeout),
                               keeper.refusal().isEmpty() ? QString()
                                                          : QStringLiteral(": ") + keeper.refusal());
             return;
@@ -268,32 +330,46 @@ int keepAttachable(const AttachableOptions& options, QString* error) {
     ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, error);
     if (!error->isEmpty())
         return -1;
-    const QString folder = makePrivateFolder(error);
-    if (folder.isEmpty())
-        return -1;
-
     const QString runId = randomToken();
     // Clears up behind everything else, the folder included.
     RunWatch watch;
-    watch.start(runId, folder);
+    PrivateFolder folder;
+    clearLeftFolders();
+    clearLeftSockets();
+    if (!folder.make(runId, error))
+        return -1;
+    watch.start(runId, folder.path());
+    const QString socket = folder.path() + QLatin1String("/agents");
     Listener agents;
-    if (!agents.listen(folder + QLatin1String("/agents"), error))
+    if (!agents.listen(socket, error))
         return -1;
     Keeper keeper(randomToken());
-    const QString mark = runId + QLatin1String(":1");
     start.program.keepsOutput = false;
-    start.program.environment =
-        agentEnvironment(folder + QLatin1String("/agents"), keeper.token(), start.preloadsAgent) +
-        ProgramEnvironment{{QLatin1String(runMarkVariable), mark}};
+    start.program.environment = agentEnvironment(socket, keeper.token(), start.preloadsAgent);
+    start.program.mark = runId + QLatin1String(":1");
     std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
     if (!process)
         return -1;
     Interrupt::install();
-    StartedProgram program(start, std::move(process), mark);
+    StartedProgram program(start, std::move(process));
     keep(program, keeper, agents, runs, error);
     program.end(endPatience);
     return Interrupt::signalNumber() != 0 ? Interrupt::exitCode(Interrupt::signalNumber())
                                           : program.process().exitCode();
+}
+
+void clearLeftSockets() {
+    QString ignored;
+    const QDir folder(attachableFolderPath());
+    const QDateTime justNow = QDateTime::currentDateTime().addSecs(-socketAge);
+    for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.sock")}, QDir::System)) {
+        const int descriptor = Wire::connectLocalSocket(file.filePath(), &ignored);
+        if (descriptor >= 0)
+            ::close(descriptor);
+        // A new one may not listen yet.
+        else if (file.lastModified() < justNow)
+            ::unlink(QFile::encodeName(file.filePath()).constData());
+    }
 }
 
 std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QString* error) {

@@ -31,4 +31,7 @@ int keepAttachable(const AttachableOptions& options, QString* error);
 /// program of this name is kept.
 std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QString* error);
 
+/// Removes the sockets of keepers that were killed.
+void clearLeftSockets();
+
 }  // namespace Tamrix

@@ -26,11 +26,17 @@ void OutputTail::append(const char* bytes, qint64 size) {
         m_bytes.remove(0, static_cast<int>(m_bytes.size() - limit));
 }
 
+void OutputTail::shrink(qint64 size) {
+    m_kept = std::min(m_kept, size);
+    m_bytes = m_bytes.right(static_cast<int>(m_kept));
+    m_bytes.squeeze();
+}
+
 QByteArray OutputTail::content() const {
-    if (m_total <= limit)
+    if (m_total <= m_kept)
         return m_bytes;
-    return "[" + QByteArray::number(m_total - limit) + " bytes before this are left out]\n" +
-           m_bytes.right(static_cast<int>(limit));
+    return "[" + QByteArray::number(m_total - m_kept) + " bytes before this are left out]\n" +
+           m_bytes.right(static_cast<int>(m_kept));
 }
 
 ChildOutput::ChildOutput(int standardOutput, int standardError)
@@ -47,6 +53,12 @@ ChildOutput::ChildOutput(int standardOutput, int standardError)
 }
 
 ChildOutput::~ChildOutput() {
+    join();
+}
+
+void ChildOutput::join() {
+    if (!m_thread.joinable())
+        return;
     const std::uint64_t one = 1;
     // An event counter takes eight bytes at once.
     [[maybe_unused]] const ssize_t written = ::write(m_wake, &one, sizeof(one));
@@ -54,6 +66,23 @@ ChildOutput::~ChildOutput() {
     for (const int descriptor : m_descriptors)
         ::close(descriptor);
     ::close(m_wake);
+}
+
+bool ChildOutput::settle() {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_hasEnded)
+            return false;
+    }
+    join();
+    for (OutputTail& tail : m_tails)
+        tail.shrink(OutputTail::limit);
+    return true;
+}
+
+void ChildOutput::keepLittle() {
+    for (OutputTail& tail : m_tails)
+        tail.shrink(littleSize);
 }
 
 void ChildOutput::read() {

@@ -14,6 +14,8 @@ public:
     static constexpr qint64 limit = 1024 * 1024;
 
     void append(const char* bytes, qint64 size);
+    /// Drops what is kept but for the last `size` bytes, and keeps no more memory than it needs.
+    void shrink(qint64 size);
     /// What is kept, behind a line that tells what was left out when that is not all.
     QByteArray content() const;
     qint64 total() const { return m_total; }
@@ -21,6 +23,7 @@ public:
 private:
     QByteArray m_bytes;
     qint64 m_total = 0;
+    qint64 m_kept = limit;
 };
 
 /// Reads a program's standard output and error all the time, in a thread of its own, so that the
@@ -41,11 +44,19 @@ public:
     /// Waits until both streams have ended, at most this long: what a program wrote just before it
     /// ended is still to be read then.
     void waitForEnd(int milliseconds) const;
+    /// Once both streams have ended, gives back the thread and the descriptors, which nothing needs
+    /// any more; what was read stays. False before that.
+    bool settle();
+    /// Keeps only the last `littleSize` bytes of each stream. Behind settle() only.
+    void keepLittle();
+    static constexpr qint64 littleSize = 16 * 1024;
 
 private:
     void read();
     /// Reads what is there; false at the end of the stream.
     bool readStream(int descriptor, OutputTail& tail);
+
+    void join();
 
     int m_descriptors[2];
     int m_wake;

@@ -14,6 +14,8 @@
 #include <vector>
 
 #include "base/blocking.h"
+#include "base/nativebytes.h"
+#include "runner/markedprocesses.h"
 
 namespace Tamrix {
 
@@ -63,7 +65,7 @@ private:
     std::array<int, 2> m_ends{};
 };
 
-QList<QByteArray> environmentEntries(const ProgramEnvironment& changes) {
+QList<QByteArray> environmentEntries(const ProgramStart& start) {
     QMap<QByteArray, QByteArray> variables;
     for (char** entry = environ; entry && *entry; ++entry) {
         const QByteArray text(*entry);
@@ -71,12 +73,14 @@ QList<QByteArray> environmentEntries(const ProgramEnvironment& changes) {
         if (separator > 0)
             variables.insert(text.left(separator), text.mid(separator + 1));
     }
-    for (const auto& [name, value] : changes) {
+    for (const auto& [name, value] : start.environment) {
         if (value.isNull())
-            variables.remove(name.toUtf8());
+            variables.remove(toNativeBytes(name));
         else
-            variables.insert(name.toUtf8(), value.toUtf8());
+            variables.insert(toNativeBytes(name), toNativeBytes(value));
     }
+    if (!start.mark.isEmpty())
+        variables.insert(runMarkVariable, start.mark.toLatin1());
     QList<QByteArray> entries;
     for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
         entries.append(variable.key() + '=' + variable.value());
@@ -109,6 +113,8 @@ struct ChildPlan {
     int failure;
     pid_t parent;
     int signalAtRunnersEnd;
+    /// 0 for none.
+    unsigned long long markLimit;
 };
 
 [[noreturn]] void runChild(const ChildPlan& plan) {
@@ -118,6 +124,8 @@ struct ChildPlan {
     ::prctl(PR_SET_PDEATHSIG, plan.signalAtRunnersEnd);
     if (::getppid() != plan.parent)
         ::_exit(1);
+    if (plan.markLimit != 0)
+        markThisProcess(plan.markLimit);
     for (int signal = 1; signal < NSIG; ++signal)
         ::signal(signal, SIG_DFL);
     sigset_t none;
@@ -138,19 +146,11 @@ struct ChildPlan {
     ::_exit(127);
 }
 
-QString signalText(int signal) {
-    const char* name = ::sigabbrev_np(signal);
-    const char* description = ::sigdescr_np(signal);
-    if (!name || !description)
-        return QStringLiteral("signal %1").arg(signal);
-    return QStringLiteral("SIG%1 (%2)").arg(QLatin1String(name), QLatin1String(description));
-}
-
 }  // namespace
 
 std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QString* error) {
     const TextArray arguments(commandLine(start));
-    const TextArray environment(environmentEntries(start.environment));
+    const TextArray environment(environmentEntries(start));
     const QByteArray workingDirectory = start.workingDirectory.toLocal8Bit();
     Pipe output;
     Pipe errors;
@@ -173,7 +173,8 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QSt
                          errors.writeEnd(),
                          failurePipe.writeEnd(),
                          ::getpid(),
-                         start.signalAtRunnersEnd};
+                         start.signalAtRunnersEnd,
+                         start.mark.isEmpty() ? 0 : limitOfMark(start.mark.toStdString())};
     const pid_t pid = ::fork();
     if (pid == 0)
         runChild(plan);
@@ -222,22 +223,12 @@ bool ChildProcess::hasEnded() {
             return false;
         // Someone else in this process, as a script's os.wait(), took how it ended.
         m_hasEnded = true;
-        m_endText = QStringLiteral("it ended");
     } else if (info.si_pid != 0) {
-        setEnd(info.si_code, info.si_status);
+        m_hasEnded = true;
+        m_end =
+            info.si_code == CLD_EXITED ? endByExit(info.si_status) : endBySignal(info.si_status);
     }
     return m_hasEnded;
-}
-
-void ChildProcess::setEnd(int code, int status) {
-    m_hasEnded = true;
-    if (code == CLD_EXITED) {
-        m_exitCode = status;
-        m_endText = QStringLiteral("it exited with code %1").arg(status);
-    } else {
-        m_exitCode = 128 + status;
-        m_endText = QStringLiteral("it was ended by %1").arg(signalText(status));
-    }
 }
 
 bool ChildProcess::waitForEnd(int milliseconds) {

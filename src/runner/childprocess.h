@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "runner/childoutput.h"
+#include "runner/processend.h"
 
 namespace Tamrix {
 
@@ -26,6 +27,9 @@ struct ProgramStart {
     QString workingDirectory;
     /// On top of the environment of this process.
     ProgramEnvironment environment;
+    /// By which the program and all that comes of it are found: see markedprocesses.h. Empty for
+    /// none.
+    QString mark;
     /// Otherwise the program writes where this process does.
     bool keepsOutput = true;
     /// What the program gets when this process ends, however that happens.
@@ -50,20 +54,20 @@ public:
     bool waitForEnd(int milliseconds);
     /// How it ended: "it exited with code 3", "it was ended by SIGSEGV (Segmentation fault)". Empty
     /// while it runs.
-    QString endText() const { return m_endText; }
+    QString endText() const { return m_hasEnded ? m_end.text : QString(); }
     /// The exit code as a shell tells it: 128 and the signal's number for one that a signal ended.
-    int exitCode() const { return m_exitCode; }
+    int exitCode() const { return m_end.exitCode; }
+    /// The signal that ended it, 0 for none.
+    int endSignal() const { return m_end.signal; }
     /// Null when the output is not kept.
-    const ChildOutput* output() const { return m_output.get(); }
+    ChildOutput* output() const { return m_output.get(); }
 
 private:
     explicit ChildProcess(pid_t pid) : m_pid(pid) {}
-    void setEnd(int code, int status);
 
     pid_t m_pid;
     bool m_hasEnded = false;
-    int m_exitCode = -1;
-    QString m_endText;
+    ProcessEnd m_end;
     std::unique_ptr<ChildOutput> m_output;
 };
 

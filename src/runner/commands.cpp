@@ -18,8 +18,10 @@
 #include "runner/findimage.h"
 #include "runner/inspect.h"
 #include "runner/interrupt.h"
+#include "runner/lostrun.h"
 #include "runner/suite.h"
 #include "runner/suiterun.h"
+#include "runner/supervision.h"
 #include "runner/terminal.h"
 
 namespace Tamrix {
@@ -38,9 +40,8 @@ bool wantsColour() {
            qgetenv("TERM") != "dumb";
 }
 
-std::unique_ptr<ReportGenerator> createConsole(const CommandLine& line) {
-    auto output = std::make_unique<QFile>();
-    output->open(stdout, QIODevice::WriteOnly);
+std::unique_ptr<ReportGenerator> createConsole(const CommandLine& line,
+                                               std::unique_ptr<QIODevice> output) {
     const auto verbosity = line.quiet     ? ConsoleReport::Verbosity::Quiet
                            : line.verbose ? ConsoleReport::Verbosity::Verbose
                                           : ConsoleReport::Verbosity::Normal;
@@ -66,22 +67,17 @@ bool finishReports(CompositeReport& reports) {
     return reports.errorText().isEmpty();
 }
 
-int runSuite(const CommandLine& line) {
-    QString error;
-    const Suite suite = loadSuite(line.suite, &error);
-    if (!error.isEmpty())
-        return failWith(error);
-    const QList<SuiteCase> cases = selectCases(suite, line.cases, &error);
-    if (!error.isEmpty())
-        return failWith(error);
-    if (!line.resultDirectory.isEmpty() && !QDir().mkpath(line.resultDirectory))
-        return failWith(QStringLiteral("the folder '%1' can't be made").arg(line.resultDirectory));
+int runCases(const CommandLine& line, const Suite& suite, const QList<SuiteCase>& cases,
+             const RunJournal& journal) {
     CompositeReport reports;
-    error = openReports(line.reports, reports);
+    QString error = openReports(line.reports, reports);
     if (!error.isEmpty())
         return failWith(error);
+    reports.append(journal.createWriter());
     // Behind the others: what a person has seen is in the journal, even if the process is killed.
-    reports.append(createConsole(line));
+    auto output = std::make_unique<QFile>();
+    output->open(stdout, QIODevice::WriteOnly);
+    reports.append(createConsole(line, std::move(output)));
 
     SuiteRunOptions options;
     options.failFast = line.failFast;
@@ -109,6 +105,31 @@ int runSuite(const CommandLine& line) {
     return run.hasFailed() ? ExitFailure : ExitSuccess;
 }
 
+int runSuite(const CommandLine& line) {
+    QString error;
+    const Suite suite = loadSuite(line.suite, &error);
+    if (!error.isEmpty())
+        return failWith(error);
+    const QList<SuiteCase> cases = selectCases(suite, line.cases, &error);
+    if (!error.isEmpty())
+        return failWith(error);
+    if (!line.resultDirectory.isEmpty() && !QDir().mkpath(line.resultDirectory))
+        return failWith(QStringLiteral("the folder '%1' can't be made").arg(line.resultDirectory));
+
+    const RunJournal journal(line.reports);
+    const std::optional<Supervision::End> end = Supervision::begin();
+    if (!end) {
+        const int exitCode = runCases(line, suite, cases, journal);
+        Supervision::markOrderly();
+        return exitCode;
+    }
+    if (end->isOrderly)
+        return end->exitCode;
+    finishLostRun(journal, {end->text, line.reports, cases.size(),
+                            [&](auto output) { return createConsole(line, std::move(output)); }});
+    return ExitUsage;
+}
+
 int keepProgram(const CommandLine& line) {
     QString error;
     const int exitCode = keepAttachable({line.applicationName, line.program}, &error);
@@ -122,7 +143,7 @@ int listCases(const CommandLine& line) {
         return failWith(error);
     QString text;
     for (const SuiteCase& each : suite.cases)
-        text += each.name + QLatin1Char('\n');
+        text += displayName(each) + QLatin1Char('\n');
     return show(text);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "comparison/filecomparison.h"
 #include "runner/commands.h"
 #include "runner/terminal.h"
@@ -97,7 +98,7 @@ int compareFiles(const CommandLine& commandLine) {
         return failWith(comparison.error);
     for (const QString& file : comparison.invalidFiles)
         tell(file);
-    QByteArray text = comparison.detail.toLocal8Bit();
+    QByteArray text = escapedForTerminal(comparison.detail).toLocal8Bit();
     if (!text.endsWith('\n'))
         text += '\n';
     if (!writeBytes(stdout, text))

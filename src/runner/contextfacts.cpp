@@ -142,12 +142,24 @@ bool Runner::isValidContext(SharedPtr<ApplicationContext> context) {
 
 // Facts
 
+SharedPtr<Application> Runner::running(const SharedPtr<ApplicationContext>& context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    // The number of a process that has ended may be that of another one.
+    if (application && application->isRunning())
+        return application;
+    QString reason = application ? application->endText() : Inspector::noApplicationText;
+    if (reason.isEmpty())
+        reason = QStringLiteral("The application '%1' has ended").arg(application->name);
+    Inspector::self()->setLastError(reason);
+    return {};
+}
+
 qint64 Runner::usedMemory(SharedPtr<ApplicationContext> context) {
-    return context ? residentMemory(context->pid) : -1;
+    return running(context) ? residentMemory(context->pid) : -1;
 }
 
 qint64 Runner::totalTime(SharedPtr<ApplicationContext> context) {
-    return context ? cpuTime(context->pid) : -1;
+    return running(context) ? cpuTime(context->pid) : -1;
 }
 
 QString Runner::environmentVariable(SharedPtr<ApplicationContext> context, const QString& name) {
@@ -162,7 +174,7 @@ QString Runner::environmentVariable(SharedPtr<ApplicationContext> context, const
 }
 
 QString Runner::currentDirectory(SharedPtr<ApplicationContext> context) {
-    return context ? processDirectory(context->pid) : QString();
+    return running(context) ? processDirectory(context->pid) : QString();
 }
 
 QString Runner::host(SharedPtr<ApplicationContext>) {

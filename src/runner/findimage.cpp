@@ -16,6 +16,8 @@
 #include <stdexcept>
 
 #include "base/filewriting.h"
+#include "base/nativebytes.h"
+#include "base/textescape.h"
 #include "runner/commandline.h"
 #include "runner/commands.h"
 #include "runner/terminal.h"
@@ -50,15 +52,18 @@ struct Findings {
     QList<Occurrence> occurrences;
 };
 
+/// Throws a std::runtime_error whose text may hold names of files.
+[[noreturn]] void fail(const QString& text) {
+    throw std::runtime_error(toNativeBytes(text).toStdString());
+}
+
 /// Throws a std::runtime_error that names the file.
 Picture loadPicture(const QString& file) {
     QImageReader reader(file);
     reader.setDecideFormatFromContent(true);
     const QImage image = reader.read();
     if (image.isNull()) {
-        throw std::runtime_error(QStringLiteral("the picture '%1' can't be read: %2")
-                                     .arg(file, reader.errorString())
-                                     .toStdString());
+        fail(QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
     }
     return {file, Vision::searchable(image)};
 }
@@ -71,11 +76,9 @@ SearchRegion regionToSearch(const CommandLine& line, const Picture& haystack) {
     const QList<QRect>& rectangles = line.searchRegion.rectangles();
     if (std::none_of(rectangles.begin(), rectangles.end(),
                      [&](const QRect& each) { return each.intersects(whole); })) {
-        throw std::runtime_error(
-            QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
-                .arg(line.searchRegion.description(), haystack.file, QString::number(whole.width()),
-                     QString::number(whole.height()))
-                .toStdString());
+        fail(QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
+                 .arg(line.searchRegion.description(), haystack.file,
+                      QString::number(whole.width()), QString::number(whole.height())));
     }
     return line.searchRegion;
 }
@@ -147,7 +150,7 @@ QByteArray textOf(const Findings& findings, const CommandLine& line) {
         if (findings.options.getTolerant())
             text += QStringLiteral("  score %1").arg(Vision::unparseDouble(occurrence.score));
         if (line.needles.size() > 1 && !occurrence.needle.isEmpty())
-            text += QStringLiteral("  ") + occurrence.needle;
+            text += QStringLiteral("  ") + escapedForTerminal(occurrence.needle);
         text += QLatin1Char('\n');
     }
     return text.toLocal8Bit();
@@ -188,9 +191,7 @@ void storeAnnotated(const QString& file, const QImage& haystack, const Findings&
     painter.end();
 
     const auto failWithReason = [&](const QString& reason) {
-        throw std::runtime_error(QStringLiteral("the picture '%1' can't be written: %2")
-                                     .arg(file, reason)
-                                     .toStdString());
+        fail(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
     };
     QSaveFile output(file);
     if (!output.open(QIODevice::WriteOnly))
@@ -234,9 +235,9 @@ int findImage(const CommandLine& commandLine) {
             return failWith(QStringLiteral("standard output can't be written"));
         return findings.occurrences.isEmpty() ? ExitFailure : ExitSuccess;
     } catch (const Vision::BadImage& exception) {
-        return failWith(culprit(exception, needles) + QString::fromUtf8(exception.what()));
+        return failWith(culprit(exception, needles) + fromNativeBytes(exception.what()));
     } catch (const std::exception& exception) {
-        return failWith(QString::fromUtf8(exception.what()));
+        return failWith(fromNativeBytes(exception.what()));
     }
 }
 

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "runner/supervision.h"
+
 namespace Tamrix {
 
 namespace {
@@ -18,7 +20,7 @@ struct Watched {
     struct sigaction previous {};
 };
 
-Watched s_watched[] = {{SIGINT}, {SIGTERM}};
+Watched s_watched[] = {{SIGINT}, {SIGTERM}, {SIGHUP}};
 Watched& s_keyboardInterrupt = s_watched[0];
 
 /// How often a signal asks before the process ends at once.
@@ -64,11 +66,17 @@ void handle(int signal, siginfo_t* info, void* context) {
         errno = savedErrno;
         return;
     }
+    if (Supervision::isSecondDelivery(signal, *info)) {
+        errno = savedErrno;
+        return;
+    }
     int none = 0;
     s_firstSignal.compare_exchange_strong(none, signal);
     const int count = ++s_signalCount;
-    if (count >= patience)
+    if (count >= patience) {
+        Supervision::markOrderly();
         ::_exit(Interrupt::exitCode(s_firstSignal));
+    }
     if (count == patience - 1) {
         static const char text[] = "\ntamrixrunner: interrupt once more to end at once\n";
         // Nothing can be done about a text that can't be written.
@@ -81,7 +89,7 @@ void handle(int signal, siginfo_t* info, void* context) {
             return;
         }
     }
-    // Languages handle Ctrl-C and leave SIGTERM alone: the script shall end in the same way.
+    // Languages handle Ctrl-C and leave the others alone: the script shall end in the same way.
     if (isFunction(s_keyboardInterrupt.previous))
         call(s_keyboardInterrupt.previous, s_keyboardInterrupt.signal, info, context);
     errno = savedErrno;

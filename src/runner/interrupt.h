@@ -4,7 +4,8 @@
 
 namespace Tamrix {
 
-/// The request to end the run early: Ctrl-C (SIGINT) or SIGTERM. Process-wide.
+/// The request to end the run early: Ctrl-C (SIGINT), SIGTERM, or SIGHUP when the terminal goes
+/// away. Process-wide.
 ///
 /// The first signal is remembered and handed on to the handler that the script's language has for
 /// Ctrl-C, so that the script is interrupted in its own way. The second one does the same again,
@@ -19,7 +20,8 @@ public:
     /// The first signal that asked the run to end, 0 as long as none did. Any thread.
     static int signalNumber();
 
-    /// How a process that ended by the signal reports it: 130 for Ctrl-C, 143 for SIGTERM.
+    /// How a process that ended by the signal reports it: 130 for Ctrl-C, 143 for SIGTERM,
+    /// 129 for SIGHUP.
     static int exitCode(int signal) { return 128 + signal; }
 
     /// Forgets the signals so far and takes the handlers off again: for tests.

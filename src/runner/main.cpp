@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <csignal>
 
+#include "base/nativebytes.h"
 #include "runner/commandline.h"
 #include "runner/commands.h"
 #include "runner/installation.h"
@@ -9,6 +10,7 @@ int main(int argc, char* argv[]) {
     // A reader that goes away must not take the reports with it.
     std::signal(SIGPIPE, SIG_IGN);
     Tamrix::useUnicodeLocale();
+    Tamrix::useNativeBytesForLocale();
     const QCoreApplication application(argc, argv);
     Tamrix::setInstallationPrefix();
     return Tamrix::execute(Tamrix::parseCommandLine(QCoreApplication::arguments()));

@@ -2,8 +2,10 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -15,6 +17,14 @@ namespace Tamrix {
 namespace {
 
 constexpr std::chrono::milliseconds pollInterval(10);
+/// How long after a look that found none the next one follows.
+constexpr std::chrono::milliseconds secondLook(3);
+
+// A limit that is a mark, from its highest bit: 01, 42 bits for the run, 20 for the program.
+constexpr int programBits = 20;
+constexpr rlim_t markBit = rlim_t{1} << 62;
+constexpr rlim_t programMask = (rlim_t{1} << programBits) - 1;
+constexpr rlim_t runMask = markBit - 1 - programMask;
 
 std::string readWholeFile(const std::string& path) {
     std::string content;
@@ -63,7 +73,37 @@ std::string environmentValue(const std::string& entries, const std::string& name
     return {};
 }
 
+/// Whether a process carries the mark in its limit.
+bool hasLimitOf(pid_t process, const ProcessFilter& filter) {
+    rlimit limit{};
+    if (::prlimit(process, RLIMIT_RTTIME, nullptr, &limit) != 0)
+        return false;
+    const rlim_t wanted = limitOfMark(filter.mark);
+    return filter.isWholeMark ? limit.rlim_cur == wanted
+                              : (limit.rlim_cur & ~programMask) == (wanted & ~programMask);
+}
+
 }  // namespace
+
+unsigned long long limitOfMark(const std::string& mark) {
+    const size_t separator = std::min(mark.rfind(':'), mark.size());
+    // FNV-1a, which spreads the run's name over all bits.
+    rlim_t hash = 0xcbf29ce484222325;
+    for (const char c : mark.substr(0, separator))
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
+    const char* const number =
+        separator < mark.size() ? mark.c_str() + separator + 1 : mark.c_str() + separator;
+    return markBit | (hash & runMask) | (std::strtoull(number, nullptr, 10) & programMask);
+}
+
+void markThisProcess(unsigned long long limit) {
+    rlimit current{};
+    if (::getrlimit(RLIMIT_RTTIME, &current) != 0 || current.rlim_max < limit)
+        return;
+    current.rlim_cur = limit;
+    // The hard limit stays, so that this can't fail.
+    ::setrlimit(RLIMIT_RTTIME, &current);
+}
 
 bool isMeant(pid_t process, const ProcessFilter& filter) {
     if (process == ::getpid())
@@ -76,6 +116,8 @@ bool isMeant(pid_t process, const ProcessFilter& filter) {
         return true;
     if (filter.mark.empty())
         return false;
+    if (hasLimitOf(process, filter))
+        return true;
     const std::string mark = environmentValue(readWholeFile(folder + "/environ"), runMarkVariable);
     return filter.isWholeMark ? mark == filter.mark : mark.rfind(filter.mark, 0) == 0;
 }
@@ -95,23 +137,27 @@ int endProcesses(const ProcessFilter& filter, int patience) {
     using Clock = std::chrono::steady_clock;
     const auto killTime = Clock::now() + std::chrono::milliseconds(patience);
     const auto lastTime = killTime + std::chrono::seconds(1);
+    std::vector<pid_t> asked;
     std::vector<pid_t> processes = findProcesses(filter);
-    if (patience > 0) {
-        for (const pid_t process : processes) {
-            ::kill(process, SIGTERM);
-            // A stopped process takes the request when it goes on.
-            ::kill(process, SIGCONT);
-        }
-    }
-    while (!processes.empty()) {
+    // A process can be missed that comes up during a look, or shows no mark for the moment in which
+    // it becomes another program.
+    bool isSure = false;
+    while (!processes.empty() || !isSure) {
+        isSure = processes.empty();
         const auto now = Clock::now();
         if (now >= lastTime)
             break;
-        if (now >= killTime) {
-            for (const pid_t process : processes)
+        for (const pid_t process : processes) {
+            if (now >= killTime) {
                 ::kill(process, SIGKILL);
+            } else if (std::find(asked.begin(), asked.end(), process) == asked.end()) {
+                ::kill(process, SIGTERM);
+                // A stopped process takes the request when it goes on.
+                ::kill(process, SIGCONT);
+                asked.push_back(process);
+            }
         }
-        std::this_thread::sleep_for(pollInterval);
+        std::this_thread::sleep_for(isSure ? secondLook : pollInterval);
         processes = findProcesses(filter);
     }
     return static_cast<int>(processes.size());

@@ -8,8 +8,6 @@
 #include <QStandardPaths>
 #include <QtEndian>
 
-#include "runner/markedprocesses.h"
-
 namespace Tamrix {
 
 namespace {
@@ -117,8 +115,7 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
         return QStringLiteral("the display's cookie can't be written to '%1'").arg(m_cookieFile);
 
     // The run's mark with number 0: not that of an application.
-    const ProgramEnvironment mark = {{QLatin1String(runMarkVariable), runId + QLatin1String(":0")}};
-    display.environment = mark;
+    display.mark = runId + QLatin1String(":0");
     // The number of a display that is free goes to standard output.
     display.arguments = QStringList{QStringLiteral("-displayfd"),   QStringLiteral("1"),
                                     QStringLiteral("-screen"),      QStringLiteral("0"),
@@ -134,7 +131,8 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
     bus.arguments = QStringList{QStringLiteral("--session"), QStringLiteral("--nofork"),
                                 QStringLiteral("--nopidfile"), QStringLiteral("--print-address")};
     // The services that the bus starts belong to the display.
-    bus.environment = mark + environment();
+    bus.mark = display.mark;
+    bus.environment = environment();
     bus.signalAtRunnersEnd = SIGTERM;
     m_busAddress = startHelper(bus, &m_bus, &error);
     return error;

@@ -23,6 +23,7 @@ void Runner::setTestCase(const QString& name, const QString& scriptPath) {
     m_caseName = name;
     m_scriptPath = scriptPath;
     m_imageSearchFixTarget = 0;
+    m_lastCall = LineInfo();
 }
 
 QString Runner::objectMapPath() {
@@ -53,9 +54,22 @@ void Runner::processEvents() {
 
 void Runner::work() {
     m_applications.work();
+    reportUnexpectedEnds();
     runHandlers();
     if (Debugger* const debugger = Debugger::self())
         debugger->checkForPauseMessage();
+}
+
+void Runner::reportUnexpectedEnds() {
+    for (const UnexpectedEnd& end : m_applications.programs().takeUnexpectedEnds()) {
+        if (!m_testResult)
+            continue;
+        m_testResult->addResult(
+            end.isCrash ? TestResult::Error : TestResult::Warning,
+            end.isCrash ? QStringLiteral("An application has crashed")
+                        : QStringLiteral("An application has ended with an exit code"),
+            end.text, m_lastCall.isValid() ? m_lastCall : LineInfo(m_scriptPath, 0));
+    }
 }
 
 void Runner::runHandlers() {

@@ -5,6 +5,7 @@
 
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/runnerinterface.h"
+#include "platform/testresult/lineinfo.h"
 #include "runner/applications.h"
 
 namespace Tamrix {
@@ -30,6 +31,9 @@ public:
     /// Where applications and the map of object names are looked for.
     void setPlaces(const ApplicationPlaces& places) { m_places = places; }
     Applications& applications() { return m_applications; }
+    /// Reports programs that ended without being asked to, at the last line of the script that
+    /// called a function: an Error for a crash, a Warning for an exit code other than 0.
+    void reportUnexpectedEnds();
     const Applications& applications() const { return m_applications; }
 
     // Waiting and facts: runner.cpp.
@@ -111,6 +115,7 @@ public:
     void stopHighlight() override;
     FunctionCallResult<QSharedPointer<BackgroundTask>> startVideoCapture(
         SharedPtr<ApplicationContext> context, QIODevice* device) override;
+    /// Also notes where the script is, for what goes wrong with applications meanwhile.
     bool acquireRemoteObjectModel() override;
     void releaseRemoteObjectModel() override;
     SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) override;
@@ -147,6 +152,10 @@ public:
 private:
     /// The application, of which the results have been told.
     SharedPtr<ApplicationContext> noted(const SharedPtr<Application>& application);
+    /// The application of a context as long as its process runs; else null with the inspector's
+    /// error set.
+    SharedPtr<Application> running(const SharedPtr<ApplicationContext>& context);
+
     /// One look for an object. False when the application gave no answer in time or refused.
     using Look = std::function<bool(RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
                                     RequestError* error, int lookTimeout)>;
@@ -165,6 +174,7 @@ private:
     /// Takes what has come from applications, runs the handlers of events, and lets the debugger
     /// look whether it is to pause.
     void work();
+    void noteCall();
     void runHandlers();
     void runHandler(const QString& callback);
 
@@ -177,6 +187,8 @@ private:
     ApplicationPlaces m_places;
     Applications m_applications;
     int m_callDepth = 0;
+    /// Where the last call of the script stands that began while an application ran.
+    LineInfo m_lastCall;
     bool m_isRunningHandlers = false;
 };
 

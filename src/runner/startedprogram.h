@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <memory>
+#include <vector>
 
 #include "runner/applicationstart.h"
 #include "runner/childprocess.h"
@@ -12,9 +13,8 @@ namespace Tamrix {
 /// A program that a test case started, with all processes that came of it.
 class StartedProgram {
 public:
-    /// `mark` is the value of runMarkVariable in the program's environment.
-    StartedProgram(ApplicationStart start, std::unique_ptr<ChildProcess> process,
-                   const QString& mark);
+    /// The program's start has a mark.
+    StartedProgram(ApplicationStart start, std::unique_ptr<ChildProcess> process);
     /// Ends what is left of it, without patience.
     ~StartedProgram();
     StartedProgram(const StartedProgram&) = delete;
@@ -23,13 +23,34 @@ public:
     const ApplicationStart& start() const { return m_start; }
     ChildProcess& process() { return *m_process; }
     const ChildOutput& output() const { return *m_process->output(); }
-    /// A descriptor that becomes readable when the program ends, -1 when there is none to be had.
+
+    /// An application of this program is connected under a name; `isExitExpected` once the script
+    /// wants it to end.
+    void noteApplication(const QString& name, bool isExitExpected);
+    /// The script works with the program from now on: its end is of interest, whenever it was.
+    void watch() { m_isWatched = true; }
+    bool isWatched() const { return m_isWatched; }
+    bool isExitExpected() const { return m_isExitExpected; }
+    /// "The application 'x' has ended: it was ended by SIGSEGV (Segmentation fault)", with the last
+    /// lines of its standard error.
+    QString endText() const;
+
+    /// A descriptor that becomes readable when the program ends, -1 when there is none to be had or
+    /// it has ended.
     int endDescriptor() const { return m_endDescriptor; }
 
+    /// All that run now.
+    std::vector<pid_t> processes() const;
     /// Whether a process is the program or came of it.
     bool includes(pid_t process) const;
     /// Whether any of the processes still runs.
     bool isAlive();
+    /// To be called now and then: gives back what a program that has ended needs no more. True once
+    /// nothing of it runs any more and all its output has been read.
+    bool settle();
+    bool hasSettled() const { return m_hasSettled; }
+    /// Keeps only the last lines of the output of a program that has settled.
+    void keepLittleOutput();
     /// Ends all of them: asks first, kills after `patience` milliseconds. Returns the number of
     /// those that are left all the same.
     int end(int patience);
@@ -39,11 +60,18 @@ public:
 
 private:
     ProcessFilter filter() const;
+    bool isGone();
 
     ApplicationStart m_start;
     std::unique_ptr<ChildProcess> m_process;
-    std::string m_mark;
     int m_endDescriptor;
+    /// No process is left, so that the session's number may be somebody else's.
+    bool m_isGone = false;
+    bool m_hasSettled = false;
+    /// Empty before one has connected.
+    QString m_applicationName;
+    bool m_isWatched = false;
+    bool m_isExitExpected = false;
 };
 
 }  // namespace Tamrix

@@ -1,11 +1,16 @@
 #include "runner/suite.h"
 
+#include <dirent.h>
+
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <memory>
 #include <numeric>
 #include <vector>
 
+#include "base/textescape.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "runner/naturalorder.h"
 
@@ -27,8 +32,22 @@ QString findScript(const QString& directory) {
     return {};
 }
 
-QList<SuiteCase> findCases(const QDir& suite) {
-    QStringList names = suite.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+/// The names of the folders in a folder, without hidden ones. Qt leaves out those whose names are
+/// not UTF-8.
+QStringList folderNames(const QDir& folder) {
+    QStringList names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+        ::opendir(QFile::encodeName(folder.path()).constData()), ::closedir);
+    while (const dirent* const entry = listing ? ::readdir(listing.get()) : nullptr) {
+        const QString name = QFile::decodeName(entry->d_name);
+        if (!name.startsWith(QLatin1Char('.')) && QFileInfo(folder.filePath(name)).isDir())
+            names.append(name);
+    }
+    return names;
+}
+
+QList<SuiteCase> findCases(const QDir& suite, QString* error) {
+    QStringList names = folderNames(suite);
     std::sort(names.begin(), names.end(), naturallyBefore);
 
     QList<SuiteCase> cases;
@@ -36,6 +55,11 @@ QList<SuiteCase> findCases(const QDir& suite) {
         if (name == sharedFolderName)
             continue;
         const QString directory = suite.absoluteFilePath(name);
+        // Whether there is a script in it can't be known.
+        if (!QFileInfo(directory).isExecutable()) {
+            *error = QStringLiteral("the folder '%1' can't be read").arg(directory);
+            return {};
+        }
         const QString script = findScript(directory);
         if (!script.isEmpty())
             cases.append({name, directory, script});
@@ -46,6 +70,14 @@ QList<SuiteCase> findCases(const QDir& suite) {
 int indexOf(const QList<SuiteCase>& cases, const QString& name) {
     const auto found = std::find_if(cases.begin(), cases.end(),
                                     [&](const SuiteCase& each) { return each.name == name; });
+    return found == cases.end() ? -1 : static_cast<int>(found - cases.begin());
+}
+
+/// The same for a name as it is displayed.
+int indexOfDisplayName(const QList<SuiteCase>& cases, const QString& name) {
+    const auto found = std::find_if(cases.begin(), cases.end(), [&](const SuiteCase& each) {
+        return displayName(each) == name;
+    });
     return found == cases.end() ? -1 : static_cast<int>(found - cases.begin());
 }
 
@@ -101,6 +133,12 @@ QStringList nearestNames(const QList<SuiteCase>& cases, const QString& name) {
 
 }  // namespace
 
+QString displayName(const SuiteCase& testCase) {
+    QString name = escapedForTerminal(testCase.name);
+    return name.replace(QLatin1Char('\n'), QLatin1String("\\n"))
+        .replace(QLatin1Char('\t'), QLatin1String("\\t"));
+}
+
 Suite loadSuite(const QString& path, QString* error) {
     const QFileInfo info(QDir::cleanPath(QDir::current().absoluteFilePath(path)));
     if (!info.isDir()) {
@@ -118,8 +156,8 @@ Suite loadSuite(const QString& path, QString* error) {
     suite.config = readSuiteConfig(suite.directory, error);
     if (!error->isEmpty())
         return {};
-    suite.cases = findCases(QDir(suite.directory));
-    if (!applyOrder(suite.config, suite.cases, error))
+    suite.cases = findCases(QDir(suite.directory), error);
+    if (!error->isEmpty() || !applyOrder(suite.config, suite.cases, error))
         return {};
     if (suite.cases.isEmpty()) {
         *error = QStringLiteral(
@@ -139,6 +177,9 @@ QList<SuiteCase> selectCases(const Suite& suite, const QStringList& names, QStri
         // A shell's completion puts a slash behind a folder's name.
         while (name.size() > 1 && name.endsWith(QLatin1Char('/')))
             name.chop(1);
+        const int escaped = indexOfDisplayName(suite.cases, name);
+        if (indexOf(suite.cases, name) < 0 && escaped >= 0)
+            name = suite.cases.at(escaped).name;
         if (indexOf(suite.cases, name) < 0) {
             const QStringList near = nearestNames(suite.cases, name);
             *error = QStringLiteral("the suite '%1' has no test case '%2'").arg(suite.name, name);

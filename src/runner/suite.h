@@ -29,13 +29,16 @@ struct Suite {
     QList<SuiteCase> cases;
 };
 
+/// The case's name without characters that control a terminal or end a line.
+QString displayName(const SuiteCase& testCase);
+
 /// Loads the suite in a folder, which may be given relative to the working directory. On failure
 /// (no folder, a faulty config.xml, no test case) `*error` is set to one line and the suite is
 /// empty; on success it is left empty.
 Suite loadSuite(const QString& path, QString* error);
 
-/// The suite's cases with these names, in the suite's order; all of them for no names. An unknown
-/// name gives an empty list and sets `*error`.
+/// The suite's cases with these names, as they are or as they are displayed, in the suite's order;
+/// all of them for no names. An unknown name gives an empty list and sets `*error`.
 QList<SuiteCase> selectCases(const Suite& suite, const QStringList& names, QString* error);
 
 }  // namespace Tamrix

@@ -201,19 +201,27 @@ void SuiteRun::keepFailureMoment(const QString& folder) {
 }
 
 void SuiteRun::endApplications() {
-    if (caseHasFailed())
-        attachOutput();
-    for (const QString& name : m_runner.applications().endAll()) {
+    Applications& applications = m_runner.applications();
+    applications.work();
+    m_runner.reportUnexpectedEnds();
+    const SharedPtr<Application> current = applications.current();
+    const auto programs = applications.programs().ofInterest(
+        current ? current->sharedProgram() : std::shared_ptr<StartedProgram>());
+    for (const QString& name : applications.endAll()) {
         m_result.addResult(TestResult::Warning, QStringLiteral("Application can't be ended"), name,
                            LineInfo());
     }
+    // What crashed when it was asked to close.
+    m_runner.reportUnexpectedEnds();
+    if (caseHasFailed())
+        attachOutput(programs);
 }
 
-void SuiteRun::attachOutput() {
+void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& programs) {
     QString error;
     const QFileInfo folder =
         attachmentResultsPath(m_runner.currentResultDirectory(), m_runner.testCasePath(), &error);
-    for (const auto& program : m_runner.applications().programs()) {
+    for (const auto& program : programs) {
         const QString name = program->start().name;
         const std::pair<QString, QByteArray> streams[] = {
             {QStringLiteral("stdout"), program->output().standardOutput()},

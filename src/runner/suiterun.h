@@ -62,8 +62,8 @@ private:
     void endApplications();
     /// Tells the results where the suite runs.
     void noteEnvironment();
-    /// Attaches what the case's applications wrote to the report.
-    void attachOutput();
+    /// Attaches what programs wrote to the report.
+    void attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& programs);
 
     Suite m_suite;
     SuiteRunOptions m_options;

@@ -1,5 +1,6 @@
 #include "runner/terminal.h"
 
+#include "base/textescape.h"
 #include "runner/commands.h"
 
 namespace Tamrix {
@@ -10,7 +11,8 @@ bool writeBytes(FILE* stream, const QByteArray& bytes) {
 }
 
 void tell(const QString& text) {
-    writeBytes(stderr, QStringLiteral("tamrixrunner: %1\n").arg(text).toLocal8Bit());
+    writeBytes(stderr,
+               QStringLiteral("tamrixrunner: %1\n").arg(escapedForTerminal(text)).toLocal8Bit());
 }
 
 int failWith(const QString& text) {

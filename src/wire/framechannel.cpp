@@ -9,6 +9,7 @@
 
 #include <QElapsedTimer>
 #include <QtEndian>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -21,6 +22,21 @@ constexpr int headSize = 4 + 4 + 2;
 
 /// What is read from the socket at once.
 constexpr int blockSize = 64 * 1024;
+/// How many blocks are read in a row: a peer that sends all the time must not keep the reader.
+constexpr int blockCount = 64;
+
+QByteArray encodedFrame(quint32 sequence, MessageType type, const QByteArray& body) {
+    QByteArray bytes(headSize, Qt::Uninitialized);
+    qToBigEndian(static_cast<quint32>(body.size()), bytes.data());
+    qToBigEndian(sequence, bytes.data() + 4);
+    qToBigEndian(static_cast<quint16>(type), bytes.data() + 8);
+    return bytes + body;
+}
+
+QString longMessageText(qint64 length, quint32 limit) {
+    return QStringLiteral("a message of %1 bytes came, at most %2 are taken")
+        .arg(QString::number(length), QString::number(limit));
+}
 
 QString systemError() {
     return QString::fromLocal8Bit(std::strerror(errno));
@@ -73,10 +89,13 @@ void FrameChannel::close(const QString& reason) {
 
 bool FrameChannel::receive() {
     char block[blockSize];
-    while (isOpen()) {
+    for (int blocks = 0; isOpen() && blocks < blockCount;) {
         const ssize_t count = ::recv(m_descriptor, block, sizeof(block), 0);
         if (count > 0) {
-            m_received.append(block, static_cast<int>(count));
+            ++blocks;
+            const auto skipped = std::min(m_skippedSize, static_cast<quint32>(count));
+            m_skippedSize -= skipped;
+            m_received.append(block + skipped, static_cast<int>(count - skipped));
             // A frame too long to be taken is found before the rest of it is read.
             if (m_received.size() - m_taken >= headSize &&
                 qFromBigEndian<quint32>(m_received.constData() + m_taken) > m_maximalBodySize)
@@ -91,7 +110,33 @@ bool FrameChannel::receive() {
             close(QStringLiteral("the connection can't be read: %1").arg(systemError()));
         }
     }
-    return false;
+    return isOpen();
+}
+
+void FrameChannel::dropTaken() {
+    // Now and then only: each time would move the rest each time.
+    if (m_taken < m_received.size() && m_taken <= blockSize)
+        return;
+    m_received.remove(0, m_taken);
+    m_taken = 0;
+    // What a large message needed is not kept for small ones.
+    if (m_received.isEmpty() && m_received.capacity() > blockCount * blockSize / 4)
+        m_received.clear();
+}
+
+Frame FrameChannel::failLongAnswer(quint32 length) {
+    Frame frame;
+    frame.sequence = qFromBigEndian<quint32>(m_received.constData() + m_taken + 4);
+    frame.type = MessageType::Failure;
+    frame.body = encode(
+        Failure{FailureCode::Failed, QStringLiteral("The application's answer is too long: ") +
+                                         longMessageText(length, m_maximalBodySize)});
+    m_taken += headSize;
+    const auto here = std::min(length, static_cast<quint32>(m_received.size() - m_taken));
+    m_taken += static_cast<int>(here);
+    m_skippedSize = length - here;
+    dropTaken();
+    return frame;
 }
 
 std::optional<Frame> FrameChannel::takeFrame() {
@@ -100,9 +145,11 @@ std::optional<Frame> FrameChannel::takeFrame() {
         return std::nullopt;
     const char* const head = m_received.constData() + m_taken;
     const auto length = qFromBigEndian<quint32>(head);
+    const auto type = static_cast<MessageType>(qFromBigEndian<quint16>(head + 8));
     if (length > m_maximalBodySize) {
-        close(QStringLiteral("a message of %1 bytes came, at most %2 are taken")
-                  .arg(QString::number(length), QString::number(m_maximalBodySize)));
+        if (m_longAnswersFail && type == MessageType::Reply)
+            return failLongAnswer(length);
+        close(longMessageText(length, m_maximalBodySize));
         m_received.clear();
         m_taken = 0;
         return std::nullopt;
@@ -111,50 +158,66 @@ std::optional<Frame> FrameChannel::takeFrame() {
         return std::nullopt;
     Frame frame;
     frame.sequence = qFromBigEndian<quint32>(head + 4);
-    frame.type = static_cast<MessageType>(qFromBigEndian<quint16>(head + 8));
+    frame.type = type;
     frame.body = QByteArray(head + headSize, static_cast<int>(length));
     m_taken += headSize + static_cast<int>(length);
-    // Taken frames are dropped now and then only: each time would move the rest each time.
-    if (m_taken == m_received.size() || m_taken > blockSize) {
-        m_received.remove(0, m_taken);
-        m_taken = 0;
-    }
+    dropTaken();
     return frame;
 }
 
-bool FrameChannel::send(quint32 sequence, MessageType type, const QByteArray& body, int timeout) {
+bool FrameChannel::enqueue(quint32 sequence, MessageType type, const QByteArray& body) {
     if (!isOpen())
         return false;
-    QByteArray bytes(headSize, Qt::Uninitialized);
-    qToBigEndian(static_cast<quint32>(body.size()), bytes.data());
-    qToBigEndian(sequence, bytes.data() + 4);
-    qToBigEndian(static_cast<quint16>(type), bytes.data() + 8);
-    bytes += body;
+    // The other side would close the connection.
+    if (type == MessageType::Reply && static_cast<quint32>(body.size()) > maximalBodySize) {
+        const Failure failure{
+            FailureCode::Failed,
+            QStringLiteral("The application's answer is too long: it has %1 bytes of at most %2")
+                .arg(QString::number(body.size()), QString::number(maximalBodySize))};
+        return enqueue(sequence, MessageType::Failure, encode(failure));
+    }
+    const QByteArray bytes = encodedFrame(sequence, type, body);
+    if (hasQueued()) {
+        m_queued.append(bytes);
+    } else {
+        m_queued = bytes;
+        m_sent = 0;
+    }
+    return flush();
+}
 
+bool FrameChannel::flush() {
+    while (isOpen() && hasQueued()) {
+        const ssize_t count = ::send(m_descriptor, m_queued.constData() + m_sent,
+                                     static_cast<size_t>(m_queued.size() - m_sent), MSG_NOSIGNAL);
+        if (count >= 0)
+            m_sent += static_cast<int>(count);
+        else if (errno == EAGAIN || errno == EWOULDBLOCK)
+            return true;
+        else if (errno != EINTR)
+            close(QStringLiteral("the connection can't be written: %1").arg(systemError()));
+    }
+    m_queued.clear();
+    m_sent = 0;
+    return isOpen();
+}
+
+bool FrameChannel::send(quint32 sequence, MessageType type, const QByteArray& body, int timeout) {
+    if (!enqueue(sequence, type, body))
+        return false;
     QElapsedTimer timer;
     timer.start();
-    int sent = 0;
-    while (sent < bytes.size()) {
-        const ssize_t count = ::send(m_descriptor, bytes.constData() + sent,
-                                     static_cast<size_t>(bytes.size() - sent), MSG_NOSIGNAL);
-        if (count >= 0) {
-            sent += static_cast<int>(count);
-            continue;
-        }
-        if (errno == EINTR)
-            continue;
-        if (errno != EAGAIN && errno != EWOULDBLOCK) {
-            close(QStringLiteral("the connection can't be written: %1").arg(systemError()));
-            return false;
-        }
+    while (hasQueued()) {
         const int left = timeout - static_cast<int>(timer.elapsed());
         pollfd waiting{m_descriptor, POLLOUT, 0};
         if (left <= 0 || (::poll(&waiting, 1, left) == 0)) {
             close(QStringLiteral("the other side read nothing for %1 ms").arg(timeout));
             return false;
         }
+        if (!flush())
+            return false;
     }
-    return true;
+    return isOpen();
 }
 
 int connectLocalSocket(const QString& path, QString* error) {

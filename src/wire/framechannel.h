@@ -37,27 +37,52 @@ public:
 
     /// Longest body that is taken; lowered until the peer has shown its token.
     void setMaximalBodySize(quint32 size) { m_maximalBodySize = size; }
+    /// Makes a Failure of an answer that is too long, and passes over its body: the channel stays
+    /// open. Other messages that are too long still close it.
+    void setLongAnswersFail(bool on) { m_longAnswersFail = on; }
 
-    /// Reads what is there, without waiting. False when the channel is closed now; frames that came
-    /// before that can still be taken.
+    /// Reads what is there, some megabytes at most, without waiting. False when the channel is
+    /// closed now; frames that came before that can still be taken.
     bool receive();
     /// The next whole frame that was received.
     std::optional<Frame> takeFrame();
 
-    /// Sends a frame, waiting up to `timeout` milliseconds for the peer to read. False when the
-    /// channel is closed now; a frame that could be sent in part only closes it.
+    /// Sends a frame behind those that are queued, waiting up to `timeout` milliseconds for the
+    /// peer to read. False when the channel is closed now; a frame that could be sent in part only
+    /// closes it.
     bool send(quint32 sequence, MessageType type, const QByteArray& body, int timeout = 10000);
     template <typename Body>
     bool sendBody(quint32 sequence, MessageType type, const Body& body) {
         return send(sequence, type, encode(body));
     }
 
+    /// Queues a frame and sends without waiting; flush() sends the rest. False when the channel is
+    /// closed now.
+    bool enqueue(quint32 sequence, MessageType type, const QByteArray& body);
+    /// Sends what the peer takes of what is queued, without waiting. False when the channel is
+    /// closed now.
+    bool flush();
+    /// Whether the socket is to be watched for writing, and then flush() to be called.
+    bool hasQueued() const { return queuedSize() > 0; }
+    /// In bytes.
+    int queuedSize() const { return m_queued.size() - m_sent; }
+
     /// Closes the socket; `reason` becomes the error text when there is none yet.
     void close(const QString& reason = QString());
 
 private:
+    /// Takes the head of an answer that is too long.
+    Frame failLongAnswer(quint32 length);
+    void dropTaken();
+
     int m_descriptor;
     quint32 m_maximalBodySize = maximalBodySize;
+    bool m_longAnswersFail = false;
+    /// Of the body that is passed over.
+    quint32 m_skippedSize = 0;
+    QByteArray m_queued;
+    /// How much of `m_queued` has been sent.
+    int m_sent = 0;
     QByteArray m_received;
     /// Where the first frame that was not taken begins.
     int m_taken = 0;

@@ -2,87 +2,20 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QThread>
 #include <csignal>
 
-#include "e2e/journal.h"
-#include "e2e/runnerprocess.h"
+#include "e2e/applicationrun.h"
 #include "platform/testresult/testresult.h"
-#include "runner/suitefolder.h"
-#include "support/files.h"
-#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
-using Tamrix::Test::RunnerProcess;
-
-class ApplicationRun : public testing::Test {
-protected:
-    ApplicationRun() {
-        suite.write("suite/config.xml",
-                    "<suite><applications><application name='faulty' path='" FAULTY_TARGET
-                    "'/></applications></suite>");
-        prepare(runner);
-    }
-    ~ApplicationRun() override {
-        EXPECT_EQ(leftProcesses(), QStringList());
-        EXPECT_EQ(QDir(runtime.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-                  QStringList());
-    }
-
-    void prepare(RunnerProcess& process) const {
-        process.setVariable("QT_QPA_PLATFORM", "offscreen");
-        process.setVariable("XDG_RUNTIME_DIR", runtime.path());
-        process.setVariable("TAMRIX_TEST_MARK", runtime.path());
-    }
-
-    void addCase(const QString& name, const QByteArray& script) {
-        suite.write("suite/" + name + "/test.py", "import os, signal, time\n\n" + script);
-    }
-
-    /// Processes that came of the runner: the variable is in the environment of all of them.
-    QStringList leftProcesses() const {
-        const QByteArray mark = "TAMRIX_TEST_MARK=" + runtime.path().toLocal8Bit() + '\0';
-        QStringList left;
-        for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
-            if (entry.toInt() > 0 &&
-                Tamrix::Test::readFile("/proc/" + entry + "/environ").contains(mark))
-                left.append(
-                    Tamrix::Test::readFile("/proc/" + entry + "/cmdline").replace('\0', ' '));
-        }
-        return left;
-    }
-
-    /// The messages and details of a case's results.
-    QString resultsOf(const QString& name) const {
-        QString texts;
-        bool isInside = false;
-        for (const Json::Value& entry :
-             Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
-            if (entry["kind"].asString() == "caseStart")
-                isInside = QString::fromStdString(entry["message"].asString()) == name;
-            if (isInside)
-                texts += QString::fromStdString(entry.toStyledString());
-        }
-        return texts;
-    }
-
-    QTemporaryDir runtime;
-    Tamrix::Test::SuiteFolder suite;
-    RunnerProcess runner;
-};
-
-const char* const click =
-    "def clickOn(text):\n"
-    "    button = waitForObject(\"{type='QPushButton' text='%s'}\" % text, 5000)\n"
-    "    mousePress(button)\n"
-    "    mouseRelease(button)\n\n";
+using Test::ApplicationRun;
+using Test::RunnerProcess;
 
 TEST_F(ApplicationRun, FaultsAreTold) {
     const struct {
@@ -110,11 +43,11 @@ TEST_F(ApplicationRun, FaultsAreTold) {
          {"does not answer"}},
         {"modal",
          "clickOn('Modal')\n    waitForObject(\"{text='Close it'}\")\n    "
-         "test.log('dialog')\n    waitForObject(\"{text='Crash'}\", 300)",
-         {"dialog", "is not ready after 300 ms", "modal"}},
+         "test.log('dialog')\n    waitForObject(\"{text='Crash'}\", 2000)",
+         {"dialog", "is not ready after 2000 ms", "modal"}},
         {"disabled",
-         "waitForObject(\"{text='Disabled'}\", 300)",
-         {"Object '{text='Disabled'}' is not ready after 300 ms: it is disabled"}},
+         "waitForObject(\"{text='Disabled'}\", 2000)",
+         {"Object '{text='Disabled'}' is not ready after 2000 ms: it is disabled"}},
         {"markers",
          "waitForObject(\"{text='http%3A%2F%2Fx'}\", 100)",
          {"Object '{text='http%3A%2F%2Fx'}' not found within 100 ms. "}},
@@ -122,21 +55,21 @@ TEST_F(ApplicationRun, FaultsAreTold) {
          "clickOn('Fork')\n    waitForObject(\"{text='Crash'}\")\n    test.log('there')",
          {"there"}},
         {"child",
-         "clickOn('Child')\n    c = waitForApplicationLaunch(10000)\n    "
+         "clickOn('Child')\n    c = waitForApplicationLaunch(60000)\n    "
          "setApplicationContext(c)\n    waitForObject(\"{text='label of child'}\")\n    "
          "test.log('child of %s %s' % (c.pid() != a.pid(), len(applicationContextList())))",
          {"child of True 2"}},
         {"stubborn", "startApplication('faulty stubborn')\n    test.log('started')", {"started"}},
         {"much",
          "b = startApplication('faulty much')\n    "
+         "waitFor(lambda: b.readStdout().endswith('the end\\n'), 60000)\n    "
          "test.log('read', b.readStdout()[-8:])\n    test.fail('so it is attached')",
          {"the end", "faulty-stdout.txt"}},
         {"again", "test.log('still', waitForObject(\"{type='QLabel'}\").text)", {"label of"}},
     };
     for (const auto& row : table) {
-        addCase(row.name, QByteArray(click) +
-                              "def main():\n    a = startApplication('faulty')\n    " + row.script +
-                              "\n");
+        addCase(row.name, "def main():\n    a = startApplication('faulty')\n    " +
+                              QByteArray(row.script) + "\n");
     }
     runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
@@ -222,21 +155,23 @@ def main():
 TEST_F(ApplicationRun, FailedStartsAreTold) {
     const struct {
         const char* program;
+        int timeout;
         const char* text;
     } table[] = {
-        {"faulty early",
+        {"faulty early", 60000,
          "it exited with code 7\\nThe last lines of its standard error:\\n"
          "about to start\\nno configuration"},
-        {"faulty silent", "no agent in it connected within 1500 ms"},
-        {"faulty version", "version 99"},
-        {"faulty token", "shows a token that is not of this run"},
-        {"faulty garbage", "a message of"},
-        {"none-such", "'none-such' was not found"},
+        {"faulty silent", 1500, "no agent in it connected within 1500 ms"},
+        {"faulty version", 60000, "version 99"},
+        {"faulty token", 60000, "shows a token that is not of this run"},
+        {"faulty garbage", 5000, "a message of"},
+        {"none-such", 60000, "'none-such' was not found"},
     };
     for (const auto& row : table) {
-        addCase(
-            QByteArray(row.program).replace(' ', '_'),
-            "def main():\n    startApplication('" + QByteArray(row.program) + "', '', -1, 1500)\n");
+        addCase(QString(row.program).replace(' ', '_'),
+                QString("def main():\n    startApplication('%1', '', -1, %2)\n")
+                    .arg(row.program, QString::number(row.timeout))
+                    .toUtf8());
     }
     runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
@@ -247,11 +182,11 @@ TEST_F(ApplicationRun, FailedStartsAreTold) {
 }
 
 TEST_F(ApplicationRun, NothingStaysOfARunThatIsKilledOrInterrupted) {
-    addCase("wait", QByteArray(click) +
-                        "def main():\n    a = startApplication('faulty')\n    clickOn('Fork')\n"
-                        "    waitForObject(\"{type='QLabel'}\")\n"
-                        "    print('ready ' + a.environmentVariable('DISPLAY'))\n"
-                        "    waitForObject(\"{text='never'}\", 60000)\n");
+    addCase("wait",
+            "def main():\n    a = startApplication('faulty')\n    clickOn('Fork')\n"
+            "    waitForObject(\"{type='QLabel'}\")\n"
+            "    print('ready ' + a.environmentVariable('DISPLAY'))\n"
+            "    waitForObject(\"{text='never'}\", 60000)\n");
     for (const int signal : {SIGKILL, SIGTERM}) {
         RunnerProcess run;
         prepare(run);
@@ -261,11 +196,41 @@ TEST_F(ApplicationRun, NothingStaysOfARunThatIsKilledOrInterrupted) {
         run.finish();
         EXPECT_EQ(run.exitCode(), signal == SIGKILL ? -1 - SIGKILL : 143);
         // The watch of a killed run ends behind it.
-        for (int round = 0; round < 500 && !leftProcesses().isEmpty(); ++round)
+        for (int round = 0; round < 6000 && !leftProcesses().isEmpty(); ++round)
             QThread::msleep(10);
         const QString display = run.output().section("ready :", 1).section('\n', 0, 0).trimmed();
         EXPECT_FALSE(QFile::exists("/tmp/.X11-unix/X" + display)) << qPrintable(display);
     }
+}
+
+TEST_F(ApplicationRun, WhatAKilledRunAndItsWatchLeftIsClearedByTheNext) {
+    addCase("wait", R"py(
+def main():
+    startApplication('faulty')
+    clickOn('Fork')
+    waitForObject("{type='QLabel'}")
+    print('ready', flush=True)
+    waitForObject("{text='never'}", 60000)
+)py");
+    addCase("next", "def main():\n    startApplication('faulty')\n");
+    RunnerProcess killed;
+    prepare(killed);
+    killed.start({"run", suite.path("suite"), "wait"});
+    ASSERT_TRUE(killed.waitForOutput("ready")) << qPrintable(killed.output() + killed.errors());
+    for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
+        const QByteArray process = "/proc/" + entry.toLatin1();
+        const bool isOurs = Tamrix::Test::readFile(process + "/environ")
+                                .contains("TAMRIX_TEST_MARK=" + runtime.path().toLocal8Bit());
+        if (isOurs && Tamrix::Test::readFile(process + "/cmdline").contains("/tamrixwatch"))
+            ::kill(entry.toInt(), SIGKILL);
+    }
+    killed.sendSignal(SIGKILL);
+    killed.finish();
+    EXPECT_FALSE(leftProcesses().isEmpty());
+    EXPECT_EQ(QDir(runtime.path()).entryList({"tamrix-*"}).size(), 1);
+
+    runner.run({"run", suite.path("suite"), "next"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output() + runner.errors());
 }
 
 TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
@@ -352,7 +317,7 @@ TEST_F(ApplicationRun, AttachesToAProgramAndLeavesItThere) {
     keeper.start({"attachable", "--name", "kept", FAULTY_TARGET, "of the keeper"});
     addCase("attach",
             "def main():\n"
-            "    end = time.time() + 20\n"
+            "    end = time.time() + 60\n"
             "    while True:\n"
             "        try:\n"
             "            a = attachToApplication('kept')\n"

@@ -200,5 +200,48 @@ TEST_F(Commands, ReaderThatGoesAwayDoesNotTakeTheReportsWithIt) {
     EXPECT_EQ(errors.count('\n'), 1) << qPrintable(errors);
 }
 
+TEST_F(Commands, NamesThatControlATerminalOrAreNotUnicodeCanBeUsed) {
+    // What a shell makes, since Qt's own texts can't hold such names.
+    RunnerProcess shell;
+    shell.setProgram("/bin/sh");
+    shell.setWorkingDirectory(suite.path());
+    shell.setVariable("RUNNER", TAMRIX_TEST_PREFIX "/bin/tamrixrunner");
+    shell.setVariable("LC_ALL", "C.UTF-8");
+    shell.run({"-c", R"sh(
+name=$(printf 'caf\351\033[31m')
+mkdir "s$name" "s$name/t$name" "s$name/u
+v"
+echo "
+import os
+def main():
+    test.log(os.path.basename(os.getcwd()))" > "s$name/t$name/test.py"
+cp "s$name/t$name/test.py" "s$name/u
+v/test.py"
+"$RUNNER" list "s$name"
+"$RUNNER" list "s$name" | while IFS= read -r case; do
+    "$RUNNER" run "s$name" "$case" --report "json:j$name" || echo "failed: run"
+    "$RUNNER" report "j$name" --to console > /dev/null || echo "failed: report"
+done
+"$RUNNER" run "s$name" "t$name" || echo "failed: run by its name"
+printf '{"a": 1}\n' > "d$name"
+printf 'a,b\n1,2\n' > "d$name.csv"
+"$RUNNER" compare json "d$name" "d$name" || echo "failed: compare"
+"$RUNNER" data "d$name.csv" || echo "failed: data"
+for command in list run data inspect "report --to console" "compare text /dev/null" \
+        "attachable --name n"; do
+    "$RUNNER" $command "none$name"
+done
+"$RUNNER" find-image "none$name" needle
+rm -r ./*caf*
+)sh"});
+    const QString all = shell.output() + shell.errors();
+    EXPECT_FALSE(all.contains("failed: ")) << qPrintable(all);
+    EXPECT_FALSE(all.contains('\x1b')) << qPrintable(all);
+    EXPECT_FALSE(all.contains(QChar::ReplacementCharacter)) << qPrintable(all);
+    EXPECT_TRUE(shell.output().startsWith("tcaf\\xe9\\x1b[31m\nu\\nv\n")) << qPrintable(all);
+    EXPECT_EQ(shell.errors().count("none"), 8) << qPrintable(shell.errors());
+    EXPECT_EQ(shell.errors().count("nonecaf\\xe9\\x1b[31m"), 8) << qPrintable(shell.errors());
+}
+
 }  // namespace
 }  // namespace Tamrix

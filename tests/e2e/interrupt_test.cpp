@@ -24,10 +24,17 @@ protected:
         suite.write("suite/c/test.py", "def main():\n    test.fail('must not run')\n");
     }
 
-    void start(const QByteArray& script) {
+    /// `starter` is a program that becomes the runner.
+    void start(const QByteArray& script, const QString& starter = {}) {
         suite.write("suite/b/test.py", script);
-        runner.start({"run", suite.path("suite"), "--result-dir", suite.path("results"), "--report",
-                      "junit:" + suite.path("junit.xml")});
+        QStringList arguments = {"run",          suite.path("suite"),
+                                 "--result-dir", suite.path("results"),
+                                 "--report",     "junit:" + suite.path("junit.xml")};
+        if (!starter.isEmpty()) {
+            arguments.prepend(TAMRIX_TEST_PREFIX "/bin/tamrixrunner");
+            runner.setProgram(starter);
+        }
+        runner.start(arguments);
         ASSERT_TRUE(runner.waitForOutput("ready")) << qPrintable(runner.output() + runner.errors());
     }
 
@@ -100,6 +107,36 @@ TEST_F(InterruptedRun, ByTermination) {
     expectInterrupted(143);
 }
 
+TEST_F(InterruptedRun, WhenTheTerminalGoesAway) {
+    start(R"py(
+import time
+def main():
+    print('ready')
+    time.sleep(600)
+def cleanup():
+    test.log('cleaned up')
+)py");
+    runner.sendSignal(SIGHUP);
+    expectInterrupted(129);
+    EXPECT_TRUE(Tamrix::Test::readFile(suite.path("results/journal.jsonl")).contains("cleaned up"));
+}
+
+TEST_F(InterruptedRun, OnceByASignalToAllItsProcesses) {
+    start(R"py(
+import time
+def main():
+    print('ready')
+    time.sleep(600)
+def cleanup():
+    time.sleep(0.5)
+    test.log('cleaned up')
+)py",
+          "setsid");
+    runner.sendSignalToGroup(SIGTERM);
+    expectInterrupted(143);
+    EXPECT_TRUE(Tamrix::Test::readFile(suite.path("results/journal.jsonl")).contains("cleaned up"));
+}
+
 TEST_F(InterruptedRun, AlthoughTheScriptCatchesTheInterrupt) {
     start(
         "import time\n"
@@ -145,11 +182,13 @@ TEST_F(InterruptedRun, ACaseWithItsOwnHandlerGetsTheSignalItselfAndTheNextDoesNo
                 "    time.sleep(600)\n");
     suite.write("suite/d/test.py", "def main():\n    test.fail('must not run')\n");
     start(
-        "import signal, time\n"
+        "import signal\n"
         "def main():\n"
-        "    signal.signal(signal.SIGINT, lambda *arguments: test.log('own handler'))\n"
+        "    seen = []\n"
+        "    signal.signal(signal.SIGINT, lambda *arguments: seen.append(1))\n"
         "    print('ready')\n"
-        "    time.sleep(1)\n");
+        "    if waitFor(lambda: seen == [1], 60000):\n"
+        "        test.log('own handler')\n");
     runner.sendSignal(SIGINT);
     ASSERT_TRUE(runner.waitForOutput("second")) << qPrintable(runner.output());
     runner.sendSignal(SIGINT);

@@ -37,15 +37,17 @@ protected:
 };
 
 TEST_F(KilledRun, TheJournalHoldsEverythingUpToThen) {
+    // The parent of the script's process is the one that was started.
     suite.write("suite/b/test.py",
-                "import os, signal\n"
+                "import os, signal, time\n"
                 "def main():\n"
                 "    test.startSection('open')\n"
                 "    for count in range(500):\n"
                 "        test.log('entry %d' % count)\n"
                 "    print('a line without end', end='')\n"
                 "    test.pass_('the last one')\n"
-                "    os.kill(os.getpid(), signal.SIGKILL)\n");
+                "    os.kill(os.getppid(), signal.SIGKILL)\n"
+                "    time.sleep(600)\n");
     runner.run({"run", suite.path("suite"), "--report", "json:" + suite.path("journal.jsonl")});
     EXPECT_EQ(runner.exitCode(), -1 - SIGKILL);
 
@@ -83,6 +85,63 @@ def main():
     EXPECT_TRUE(runner.output().contains("3 cases: 1 passed, 2 failed"))
         << qPrintable(runner.output());
     EXPECT_TRUE(Tamrix::Test::readFile(suite.path("junit.xml")).contains("must not run"));
+}
+
+TEST_F(KilledRun, AScriptThatEndsItsProcessIsTold) {
+    const struct {
+        const char* name;
+        const char* end;
+        QString text;
+    } table[] = {
+        {"_exit", "os._exit(0)", "it exited with code 0"},
+        // What is torn down before its time may crash on the way out.
+        {"exit of a library", "ctypes.CDLL(None).exit(0)", "it "},
+        {"thread", "threading.Thread(target=lambda: os._exit(7)).start(); time.sleep(600)",
+         "it exited with code 7"},
+        {"signal", "os.kill(os.getpid(), signal.SIGSEGV)",
+         "it was ended by SIGSEGV (Segmentation fault)"},
+    };
+    for (const auto& row : table) {
+        suite.write("suite/b/test.py",
+                    "import ctypes, os, signal, threading, time\n"
+                    "def main():\n"
+                    "    test.startSection('open')\n"
+                    "    print('before')\n"
+                    "    " +
+                        QByteArray(row.end) + "\n");
+        // With a journal of the user's own, and without.
+        for (const bool hasJournal : {true, false}) {
+            QStringList arguments = {"run", suite.path("suite"), "--report",
+                                     "junit:" + suite.path("direct.xml")};
+            if (hasJournal)
+                arguments += {"--report", "json:" + suite.path("journal.jsonl")};
+            RunnerProcess run;
+            run.run(arguments);
+            EXPECT_EQ(run.exitCode(), 2) << row.name;
+            EXPECT_TRUE(run.errors().startsWith(
+                "tamrixrunner: the process that ran the test cases ended before its time: " +
+                row.text))
+                << qPrintable(run.errors());
+            EXPECT_TRUE(run.errors().endsWith("\ntamrixrunner: 1 test case(s) did not run\n"))
+                << qPrintable(run.errors());
+            // Each line stands there once.
+            const QString output = run.output();
+            for (const char* text : {"Fail: first", "before", "2 cases: 1 failed, 1 "})
+                EXPECT_EQ(output.count(text), 1) << row.name << ": " << qPrintable(output);
+            EXPECT_TRUE(output.contains("Error: The process of the run has ended"))
+                << qPrintable(output);
+            const QString junit =
+                QString::fromUtf8(Tamrix::Test::readFile(suite.path("direct.xml")));
+            // The second error is the suite's, whose rest did not run.
+            EXPECT_TRUE(junit.contains("<testsuites tests=\"3\" failures=\"1\" errors=\"2\""))
+                << qPrintable(junit.left(300));
+            EXPECT_TRUE(junit.contains(row.text)) << qPrintable(junit);
+        }
+        const auto entries = Tamrix::Test::readJournal(suite.path("journal.jsonl"));
+        ASSERT_GE(entries.size(), 4u);
+        EXPECT_EQ(entries[entries.size() - 4]["message"], "The process of the run has ended");
+        EXPECT_EQ(entries[entries.size() - 1]["kind"], "suiteEnd");
+    }
 }
 
 TEST_F(KilledRun, FromOutsideAtAnyMoment) {

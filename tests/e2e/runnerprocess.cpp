@@ -76,6 +76,10 @@ void RunnerProcess::sendSignal(int signal) {
     ::kill(static_cast<pid_t>(m_process.processId()), signal);
 }
 
+void RunnerProcess::sendSignalToGroup(int signal) {
+    ::kill(-static_cast<pid_t>(m_process.processId()), signal);
+}
+
 void RunnerProcess::finish() {
     if (m_process.state() != QProcess::NotRunning &&
         !m_process.waitForFinished(patienceMilliseconds)) {

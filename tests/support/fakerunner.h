@@ -32,6 +32,8 @@ public:
     SharedPtr<ApplicationContext> defaultContext;
     SharedPtr<ApplicationContext> currentContext;
     bool detaches = false;
+    /// Why facts that need a running application can't be told; empty when they can.
+    QString factError;
     /// Null when the application's output is not kept.
     QString output;
     /// What all waits for objects give; a failing one sets the inspector's error to lookupError.
@@ -90,12 +92,14 @@ public:
         currentContext = context;
     }
     QList<SharedPtr<ApplicationContext>> applicationContexts() override { return contexts; }
-    qint64 usedMemory(SharedPtr<ApplicationContext>) override { return 1LL << 40; }
-    qint64 totalTime(SharedPtr<ApplicationContext>) override { return 1LL << 41; }
+    qint64 usedMemory(SharedPtr<ApplicationContext>) override { return fact(1LL << 40); }
+    qint64 totalTime(SharedPtr<ApplicationContext>) override { return fact(1LL << 41); }
     QString environmentVariable(SharedPtr<ApplicationContext>, const QString& name) override {
         return "value of " + name;
     }
-    QString currentDirectory(SharedPtr<ApplicationContext>) override { return "/cwd"; }
+    QString currentDirectory(SharedPtr<ApplicationContext>) override {
+        return fact(QString("/cwd"));
+    }
     QString host(SharedPtr<ApplicationContext>) override { return "host"; }
     int port(SharedPtr<ApplicationContext>) override { return 4711; }
     bool isRunning(SharedPtr<ApplicationContext> context) override { return context->valid; }
@@ -244,6 +248,12 @@ public:
     bool isVideoCaptureEnabled() override { return false; }
 
 private:
+    template <typename T>
+    T fact(T value) const {
+        if (!factError.isEmpty())
+            Inspector::self()->setLastError(factError);
+        return value;
+    }
     template <typename T>
     static T fail(QString* error, T value) {
         *error = "not connected";

@@ -78,6 +78,52 @@ TEST_F(FrameChannelTest, RefusesLongFramesBeforeTheirBodiesCome) {
     EXPECT_EQ(channel->errorText(), "a message of 11 bytes came, at most 10 are taken");
 }
 
+TEST_F(FrameChannelTest, PassesOverAnAnswerThatIsTooLong) {
+    channel->setMaximalBodySize(100);
+    channel->setLongAnswersFail(true);
+    const QByteArray head("\0\0\0\x96\0\0\0\7\0\x0a", 10);
+    const QByteArray ping("\0\0\0\0\0\0\0\x8\0\x1e", 10);
+    // However the body is cut, what stands behind it is read.
+    for (const int first : {0, 1, 149, 150}) {
+        write(head + QByteArray(first, 'x'));
+        EXPECT_TRUE(channel->receive());
+        const auto failure = channel->takeFrame();
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->sequence, 7u);
+        EXPECT_EQ(failure->type, MessageType::Failure);
+        EXPECT_FALSE(channel->takeFrame());
+        write(QByteArray(150 - first, 'x') + ping);
+        EXPECT_TRUE(channel->receive());
+        const auto next = channel->takeFrame();
+        ASSERT_TRUE(next);
+        EXPECT_EQ(next->sequence, 8u);
+        EXPECT_FALSE(channel->takeFrame());
+    }
+    // Only answers have somebody to be told.
+    write(QByteArray("\0\0\0\x96\0\0\0\7\0\x14", 10));
+    channel->receive();
+    EXPECT_FALSE(channel->takeFrame());
+    EXPECT_FALSE(channel->isOpen());
+}
+
+TEST_F(FrameChannelTest, QueuesWhatThePeerDoesNotTake) {
+    const QByteArray body(3'000'000, 'x');
+    EXPECT_TRUE(channel->enqueue(1, MessageType::Reply, body));
+    EXPECT_TRUE(channel->hasQueued());
+    EXPECT_TRUE(channel->enqueue(2, MessageType::Reply, "second"));
+    FrameChannel other(takeOther());
+    std::vector<Frame> frames;
+    while (frames.size() < 2 && channel->flush()) {
+        other.receive();
+        while (auto frame = other.takeFrame())
+            frames.push_back(*frame);
+    }
+    ASSERT_EQ(frames.size(), 2u);
+    EXPECT_EQ(frames[0].body, body);
+    EXPECT_EQ(frames[1].body, "second");
+    EXPECT_FALSE(channel->hasQueued());
+}
+
 TEST_F(FrameChannelTest, SendsMoreThanTheSocketHolds) {
     const QByteArray body(3'000'000, 'x');
     std::thread reader([&, descriptor = takeOther()] {

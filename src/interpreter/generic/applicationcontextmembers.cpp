@@ -29,6 +29,12 @@ void askRunner(ScriptContext* context, const char* function, Ask ask) {
         ask(runner, application);
 }
 
+/// The same for a fact that only a running application has.
+template <typename Ask>
+void askFact(ScriptContext* context, const char* function, Ask ask) {
+    reportFailureOf(context, [&] { askRunner(context, function, ask); });
+}
+
 void readOutput(ScriptContext* context, const char* function,
                 QString (RunnerInterface::*read)(ApplicationPtr, bool*), const char* notAvailable) {
     askRunner(context, function, [&](RunnerInterface* runner, const ApplicationPtr& application) {
@@ -65,7 +71,7 @@ void applicationPid(ScriptContext* context) {
 }
 
 void applicationCwd(ScriptContext* context) {
-    askRunner(context, "cwd", [&](auto* runner, const auto& application) {
+    askFact(context, "cwd", [&](auto* runner, const auto& application) {
         context->setStringResult(runner->currentDirectory(application));
     });
 }
@@ -77,13 +83,13 @@ void applicationIsRunning(ScriptContext* context) {
 }
 
 void applicationUsedMemory(ScriptContext* context) {
-    askRunner(context, "usedMemory", [&](auto* runner, const auto& application) {
+    askFact(context, "usedMemory", [&](auto* runner, const auto& application) {
         context->setInt64Result(runner->usedMemory(application));
     });
 }
 
 void applicationTotalTime(ScriptContext* context) {
-    askRunner(context, "totalTime", [&](auto* runner, const auto& application) {
+    askFact(context, "totalTime", [&](auto* runner, const auto& application) {
         context->setInt64Result(runner->totalTime(application));
     });
 }
@@ -115,7 +121,7 @@ void applicationOsName(ScriptContext* context) {
 }
 
 void applicationEnvironmentVariable(ScriptContext* context) {
-    askRunner(context, "environmentVariable", [&](auto* runner, const auto& application) {
+    askFact(context, "environmentVariable", [&](auto* runner, const auto& application) {
         if (context->argumentCount() == 2)
             context->setStringResult(
                 runner->environmentVariable(application, context->argument(1)->toString()));
@@ -134,6 +140,13 @@ void applicationPort(ScriptContext* context) {
     askRunner(context, "port", [&](auto* runner, const auto& application) {
         context->setIntegerResult(runner->port(application));
     });
+}
+
+void applicationExpectExit(ScriptContext* context) {
+    if (const ApplicationPtr application = applicationOf(context)) {
+        application->isExitExpected = true;
+        context->setNullResult();
+    }
 }
 
 void applicationDetach(ScriptContext* context) {

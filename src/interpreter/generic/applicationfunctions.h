@@ -42,6 +42,7 @@ TAMRIX_EXPORT void applicationOsName(ScriptContext* context);
 TAMRIX_EXPORT void applicationEnvironmentVariable(ScriptContext* context);
 TAMRIX_EXPORT void applicationHost(ScriptContext* context);
 TAMRIX_EXPORT void applicationPort(ScriptContext* context);
+TAMRIX_EXPORT void applicationExpectExit(ScriptContext* context);
 TAMRIX_EXPORT void applicationDetach(ScriptContext* context);
 
 }  // namespace Tamrix

@@ -61,7 +61,7 @@ void objectParent(ScriptContext* context) {
 
 void objectProperties(ScriptContext* context) {
     if (const SharedPtr<Object> object = onlyObject(context))
-        context->setObjectPropertiesResult(object);
+        reportFailureOf(context, [&] { context->setObjectPropertiesResult(object); });
 }
 
 void objectTopLevelObjects(ScriptContext* context) {
@@ -93,7 +93,7 @@ void objectGlobalBounds(ScriptContext* context) {
 void objectObjectName(ScriptContext* context) {
     if (const SharedPtr<Object> object = onlyObject(
             context, QStringLiteral("objectName() requires an object reference argument")))
-        context->setStringResult(object->objectName());
+        reportFailureOf(context, [&] { context->setStringResult(object->objectName()); });
 }
 
 void objectIsPointer(ScriptContext* context) {

@@ -228,6 +228,8 @@ const FunctionRow applicationContextFunctions[] = {
      "The value of a variable in its environment"},
     {"host", applicationHost, "context", "", "The machine that it runs on"},
     {"port", applicationPort, "context", "", "The port of its connection"},
+    {"expectExit", applicationExpectExit, "context", "",
+     "From now on it may end, in whatever way, without that being reported"},
     {"detach", applicationDetach, "context", "", "Drops the connection; the application runs on"},
 };
 

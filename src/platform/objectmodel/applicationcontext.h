@@ -19,6 +19,8 @@ public:
     int pid = -1;
     bool valid = false;
     QDateTime startTime;
+    /// The script wants the application to end, however that happens: its end is no finding.
+    bool isExitExpected = false;
 
     /// "AUT '%1' (pid %2, started %3)" with the start time in ISO form.
     QString displayString() const;

@@ -39,6 +39,10 @@ int sayToRunner(const QString& what) {
     if (what == "version")
         hello.version = 99;
     channel.sendBody(0, Wire::MessageType::Hello, hello);
+    if (what == "leaves") {
+        ::sleep(1);
+        channel.close();
+    }
     ::pause();
     return 0;
 }
@@ -61,6 +65,21 @@ void leaveChildBehind() {
     }
 }
 
+/// Leaves a process that has nothing of this one: no parent, session or environment.
+void leaveDaemonBehind() {
+    if (::fork() != 0)
+        return;
+    ::setsid();
+    if (::fork() != 0)
+        ::_exit(0);
+    char* const none[] = {nullptr};
+    char name[] = "sleep";
+    char time[] = "777.25";
+    char* const arguments[] = {name, time, nullptr};
+    ::execve("/bin/sleep", arguments, none);
+    ::_exit(1);
+}
+
 void openDialog(QWidget* parent) {
     QDialog dialog(parent);
     dialog.setWindowTitle("Modal");
@@ -69,10 +88,23 @@ void openDialog(QWidget* parent) {
     dialog.exec();
 }
 
-/// A window that does not close, of a program that takes no request to end.
-class StubbornWindow : public QWidget {
+/// A window that does on closing what the program's argument names.
+class Window : public QWidget {
+public:
+    explicit Window(const QString& what) : m_what(what) {}
+
 protected:
-    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+    void closeEvent(QCloseEvent* event) override {
+        if (m_what == "stubborn")
+            event->ignore();
+        else if (m_what == "crashes-at-close")
+            ::raise(SIGSEGV);
+        else if (m_what == "exits-at-close")
+            ::_exit(5);
+    }
+
+private:
+    QString m_what;
 };
 
 }  // namespace
@@ -80,11 +112,13 @@ protected:
 int main(int argc, char** argv) {
     const QString what = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     std::fprintf(stderr, "about to start\n");
+    ::signal(SIGUSR1, [](int) { ::_exit(3); });
     if (what == "early") {
         std::fprintf(stderr, "no configuration\n");
         return 7;
     }
-    if (what == "version" || what == "token" || what == "garbage")
+    const QStringList liars = {"version", "token", "garbage", "mute", "leaves"};
+    if (liars.contains(what))
         return sayToRunner(what);
     if (what == "silent")
         return ::pause();
@@ -94,8 +128,8 @@ int main(int argc, char** argv) {
     if (what == "stubborn")
         ::signal(SIGTERM, SIG_IGN);
 
-    std::unique_ptr<QWidget> window(what == "stubborn" ? new StubbornWindow : new QWidget);
-    auto* const layout = new QVBoxLayout(window.get());
+    Window window(what);
+    auto* const layout = new QVBoxLayout(&window);
     const auto add = [&](const char* text, auto act) {
         auto* const button = new QPushButton(text);
         layout->addWidget(button);
@@ -108,8 +142,9 @@ int main(int argc, char** argv) {
         while (true)
             ::pause();
     });
-    add("Modal", [&] { openDialog(window.get()); });
+    add("Modal", [&] { openDialog(&window); });
     add("Fork", [] { leaveChildBehind(); });
+    add("Daemon", [] { leaveDaemonBehind(); });
     add("Child", [argv] { QProcess::startDetached(argv[0], {"child"}); });
     add("Disabled", [] {})->setEnabled(false);
     auto* const label = new QLabel("label of " + what);
@@ -117,6 +152,6 @@ int main(int argc, char** argv) {
     const auto later = [label](auto act) { QTimer::singleShot(400, label, act); };
     add("Rename later", [=] { later([label] { label->setText("renamed"); }); });
     add("Remove later", [=] { later([label] { delete label; }); });
-    window->show();
+    window.show();
     return QApplication::exec();
 }

@@ -54,6 +54,7 @@ TEST_F(ApplicationFunctions, RefuseWrongArguments) {
         {plain<connectTo>, {text("u")}, "connectTo failed"},
         {applicationName, {one}, "Invalid application context reference"},
         {applicationDetach, {one}, "Invalid application context reference"},
+        {applicationExpectExit, {one}, "Invalid application context reference"},
         {applicationIsFrozen,
          {value(application)},
          "isFrozen() requires an integer timeout[secs] argument"},
@@ -173,6 +174,14 @@ TEST_F(ApplicationFunctions, ReadFacts) {
         EXPECT_EQ(call(function, {self}), expected);
     EXPECT_EQ(call(applicationIsFrozen, {self, integer(3)}), "true");
     EXPECT_EQ(call(applicationEnvironmentVariable, {self, text("HOME")}), "value of HOME");
+    for (const auto function : {applicationCwd, applicationUsedMemory, applicationTotalTime}) {
+        runner.factError = "it has ended";
+        EXPECT_EQ(call(function, {self}), "it has ended");
+        runner.factError.clear();
+    }
+    EXPECT_FALSE(application->isExitExpected);
+    call(applicationExpectExit, {self});
+    EXPECT_TRUE(application->isExitExpected);
     runner.output = "";
     EXPECT_EQ(call(applicationReadStdout, {self}), "");
     EXPECT_FALSE(context.hasError());

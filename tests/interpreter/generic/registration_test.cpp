@@ -57,7 +57,7 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
               "tamrixinfo.resultDir");
     EXPECT_EQ(namesOf("->").remove("ApplicationContext->"),
               "name commandLine pid cwd isRunning startTime usedMemory totalTime isFrozen "
-              "readStdout readStderr osName environmentVariable host port detach");
+              "readStdout readStderr osName environmentVariable host port expectExit detach");
     EXPECT_TRUE(ScriptContext::hasGlobalFunction("source"));
     // What is not built yet is no name at all.
     EXPECT_FALSE(ScriptContext::hasGlobalFunction("runFeatureFile"));

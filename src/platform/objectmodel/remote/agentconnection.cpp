@@ -89,6 +89,7 @@ bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered
 }
 
 void AgentConnection::takeHello(const Frame& frame) {
+    m_isRefused = true;
     Wire::Hello hello;
     Wire::Text reason;
     // One that stands between runner and agent may have none to offer.
@@ -116,8 +117,10 @@ void AgentConnection::takeHello(const Frame& frame) {
         close(refusal);
         return;
     }
+    m_isRefused = false;
     m_hello = hello;
     m_channel.setMaximalBodySize(Wire::maximalBodySize);
+    m_channel.setLongAnswersFail(true);
     m_state = m_channel.send(0, MessageType::Welcome, {}) ? State::Open : State::Closed;
 }
 
@@ -184,6 +187,10 @@ bool AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& dead
                       {},
                       QStringLiteral("The application did not answer within %1 ms").arg(timeout)};
             return false;
+        } else if (hasStalled()) {
+            *error = {
+                RequestError::Kind::Stalled, {}, QStringLiteral("The application does not answer")};
+            return false;
         } else {
             goesOn = waitForBytes(deadline, &hasProcessEnded);
         }
@@ -191,6 +198,13 @@ bool AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& dead
     if (!isAnswered)
         *error = disconnected();
     return isAnswered;
+}
+
+bool AgentConnection::hasStalled() {
+    if (m_patience == Patience::UntilTimeout || !m_nextStallTest.hasExpired())
+        return false;
+    m_nextStallTest.setRemainingTime(stallInterval);
+    return !m_isStalled || m_isStalled();
 }
 
 // Requests
@@ -255,7 +269,7 @@ bool AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& deadlin
 }
 
 bool AgentConnection::request(MessageType type, const QByteArray& body, int timeout,
-                              QByteArray* reply, RequestError* error) {
+                              QByteArray* reply, RequestError* error, Patience patience) {
     if (m_isRequesting) {
         *error = {RequestError::Kind::Aborted,
                   {},
@@ -266,7 +280,20 @@ bool AgentConnection::request(MessageType type, const QByteArray& body, int time
         *error = disconnected();
         return false;
     }
+    if (static_cast<quint32>(body.size()) > Wire::maximalBodySize) {
+        *error = {RequestError::Kind::Refused, Wire::FailureCode::BadArgument,
+                  QStringLiteral("The request is too long: it has %1 bytes of at most %2")
+                      .arg(QString::number(body.size()), QString::number(Wire::maximalBodySize))};
+        return false;
+    }
     const QScopedValueRollback<bool> requesting(m_isRequesting, true);
+    m_patience = patience;
+    // The first test only begins the interval that the second one looks at.
+    if (patience == Patience::WhileItRuns) {
+        m_nextStallTest.setRemainingTime(stallInterval);
+        if (m_isStalled)
+            m_isStalled();
+    }
     const QDeadlineTimer deadline(timeout);
     if (!syncBefore(type, deadline, timeout, error))
         return false;

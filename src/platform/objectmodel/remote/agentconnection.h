@@ -35,6 +35,14 @@ public:
     using IdleHook = std::function<bool()>;
 
     static constexpr int idleInterval = 50;
+
+    /// How long a request waits.
+    enum class Patience {
+        UntilTimeout,  ///< for its answer
+        WhileItRuns    ///< no longer than a second for an application that does nothing
+    };
+    static constexpr int stallInterval = 1000;
+
     /// More events than that without takeEvents() end the connection.
     static constexpr int maximalEventCount = 100'000;
 
@@ -52,6 +60,8 @@ public:
     int descriptor() const { return m_channel.descriptor(); }
     /// Why the connection is closed.
     QString errorText() const { return m_channel.errorText(); }
+    /// Whether it is closed since what the peer said is not the hello of an agent of this run.
+    bool isRefused() const { return m_isRefused; }
     /// What the peer told of itself; meaningful once open.
     const Wire::Hello& hello() const { return m_hello; }
 
@@ -72,19 +82,22 @@ public:
     /// A descriptor that becomes readable when the process ends, such as a pidfd: waits see the end
     /// at once. Not owned; -1 for none.
     void setProcessDescriptor(int descriptor) { m_processDescriptor = descriptor; }
+    /// Tells whether the process has done nothing and wants to do nothing since the last call, as
+    /// one that is stopped. Asked once each stallInterval; without it no answer is reason enough.
+    void setStallTest(const std::function<bool()>& isStalled) { m_isStalled = isStalled; }
     int syncTimeout() const { return m_syncTimeout; }
     void setSyncTimeout(int milliseconds) { m_syncTimeout = milliseconds; }
 
     /// Sends a request and waits for its answer, up to `timeout` ms. False on failure. An answer
     /// that comes after its request was given up is dropped.
     bool request(Wire::MessageType type, const QByteArray& body, int timeout, QByteArray* reply,
-                 RequestError* error);
+                 RequestError* error, Patience patience = Patience::UntilTimeout);
     /// The same with the answer's body read.
     template <typename Reply>
     bool request(Wire::MessageType type, const QByteArray& body, int timeout, Reply* reply,
-                 RequestError* error) {
+                 RequestError* error, Patience patience = Patience::UntilTimeout) {
         QByteArray bytes;
-        if (!request(type, body, timeout, &bytes, error))
+        if (!request(type, body, timeout, &bytes, error, patience))
             return false;
         if (Wire::decode(bytes, reply))
             return true;
@@ -97,6 +110,8 @@ public:
     /// The events that came, in order; they are given once.
     std::vector<Wire::EventFired> takeEvents();
 
+    /// How the application, or the connection to it, has ended; meaningful once it has.
+    RequestError disconnected() const;
     /// "The application's answer to request 32 can't be read".
     static RequestError unreadableAnswer(Wire::MessageType type);
 
@@ -115,7 +130,8 @@ private:
                   int timeout, Wire::Frame* answer, RequestError* error);
     bool syncBefore(Wire::MessageType type, const QDeadlineTimer& deadline, int timeout,
                     RequestError* error);
-    RequestError disconnected() const;
+    /// Whether a request with little patience ends now.
+    bool hasStalled();
 
     quint16 m_number;
     State m_state = State::Greeting;
@@ -124,11 +140,15 @@ private:
     Wire::Hello m_hello;
     IdleHook m_idleHook;
     std::function<QString()> m_endText;
+    std::function<bool()> m_isStalled;
+    Patience m_patience = Patience::UntilTimeout;
+    QDeadlineTimer m_nextStallTest;
     QDeadlineTimer m_nextIdle;
     int m_processDescriptor = -1;
     int m_syncTimeout = 5000;
     quint32 m_lastSequence = 0;
     bool m_isRequesting = false;
+    bool m_isRefused = false;
     /// Input was injected and may not have taken effect yet.
     bool m_isSyncDue = false;
     std::vector<Wire::EventFired> m_events;

@@ -21,11 +21,20 @@ RemoteLink::RemoteLink(std::shared_ptr<AgentConnection> connection)
 // Classes
 
 const Class* RemoteLink::classByName(const QString& name, QString* error) {
+    RequestError failure;
+    const Class* const described = readClass(name, m_requestTimeout, &failure);
+    if (!failure.text.isEmpty())
+        *error = failure.text;
+    return described;
+}
+
+const Class* RemoteLink::readClass(const QString& name, int timeout, RequestError* error) {
     const auto known = m_classes.constFind(name);
     if (known != m_classes.cend())
         return *known;
     Wire::ClassInfo info;
-    if (!ask(MessageType::DescribeClass, encode(Wire::Text{name}), &info, error))
+    if (!m_connection->request(MessageType::DescribeClass, encode(Wire::Text{name}), timeout, &info,
+                               error))
         return nullptr;
     const Class* const described = info.name.isEmpty() ? nullptr : internClass(info);
     // A plug-in that the application loads later may bring a class that is unknown now.

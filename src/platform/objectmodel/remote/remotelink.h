@@ -49,6 +49,9 @@ public:
     /// Described once for each connection. Null when the application knows no such class, or can't
     /// be asked: `*error` is set in the latter case only.
     const Class* classByName(const QString& name, QString* error);
+    /// The same with a time-out of its own. Null with `error->text` empty when there is no such
+    /// class.
+    const Class* readClass(const QString& name, int timeout, RequestError* error);
 
     /// An object of the application; null for handle 0.
     SharedPtr<Object> object(const Wire::ObjectInfo& info);

@@ -50,10 +50,11 @@ void RemoteModel::setReadyTimeout(int milliseconds) {
 // Look-ups
 
 bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
-                         LookUpAnswer* answer, QList<Wire::NearMiss>* misses, RequestError* error) {
+                         LookUpAnswer* answer, QList<Wire::NearMiss>* misses, RequestError* error,
+                         AgentConnection::Patience patience) {
     Wire::LookUpResult result;
     if (!m_link->connection().request(type, body, timeout < 0 ? requestTimeout() : timeout, &result,
-                                      error))
+                                      error, patience))
         return false;
     answer->object = m_link->object(result.object);
     answer->isReady = result.isReady;
@@ -63,7 +64,8 @@ bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
 }
 
 bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
-                         LookUpAnswer* answer, RequestError* error, int timeout) {
+                         LookUpAnswer* answer, RequestError* error, int timeout,
+                         AgentConnection::Patience patience) {
     *answer = {};
     Wire::LookUp request;
     request.wanted = wanted;
@@ -74,7 +76,7 @@ bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantN
         return false;
     }
     QList<Wire::NearMiss> misses;
-    if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error))
+    if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error, patience))
         return false;
     if (!answer->object)
         answer->missText = missText(name, misses);
@@ -174,7 +176,9 @@ SharedPtr<Object> RemoteModel::objectById(int remoteId, QString* error) {
 SharedPtr<Object> RemoteModel::findObject(const ObjectName& name, QString* error) {
     LookUpAnswer answer;
     RequestError failure;
-    if (!lookUp(name, Wire::Wanted::Existence, true, &answer, &failure))
+    // This one does not wait for objects, so it does not wait for a stopped application either.
+    if (!lookUp(name, Wire::Wanted::Existence, true, &answer, &failure, -1,
+                AgentConnection::Patience::WhileItRuns))
         *error = failure.text;
     else if (!answer.object)
         *error = answer.missText;
@@ -195,6 +199,10 @@ const Class* RemoteModel::classByName(const QString& name) {
     if (!error.isEmpty())
         Inspector::self()->setLastError(error);
     return known;
+}
+
+bool RemoteModel::readGlobalClass(int timeout, RequestError* error) {
+    return m_link->readClass(globalClassName(), timeout, error) || error->text.isEmpty();
 }
 
 const Class* RemoteModel::globalClass() {

@@ -46,7 +46,8 @@ public:
 
     // Look-ups, once, without waiting. Nothing that matches is no failure.
     bool lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
-                LookUpAnswer* answer, RequestError* error, int timeout = -1);
+                LookUpAnswer* answer, RequestError* error, int timeout = -1,
+                AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
     bool lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                 RequestError* error, int timeout = -1);
     /// Ready means that the object, or without one that of the name, has the properties; the
@@ -58,6 +59,9 @@ public:
                   LookUpAnswer* answer, RequestError* error, int timeout = -1);
     /// The object with this RemoteObjectBase::remoteId(), null when it is gone.
     SharedPtr<Object> objectById(int remoteId, QString* error);
+
+    /// Gets the class that describes the application's global functions, which scripts need first.
+    bool readGlobalClass(int timeout, RequestError* error);
 
     // What the runner does with the application. False, null or a null text on failure.
     /// A screen rectangle.
@@ -101,7 +105,8 @@ public:
 private:
     /// A request whose answer is a LookUpResult.
     bool lookUp(Wire::MessageType type, const QByteArray& body, int timeout, LookUpAnswer* answer,
-                QList<Wire::NearMiss>* misses, RequestError* error);
+                QList<Wire::NearMiss>* misses, RequestError* error,
+                AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
     bool handlerRequest(Wire::MessageType type, const SharedPtr<Object>& object,
                         const QString& className, const QString& event, const QString& callback,
                         QString* error);

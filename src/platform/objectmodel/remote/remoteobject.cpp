@@ -49,6 +49,13 @@ QString RemoteObject::description() const {
                                    : QStringLiteral(" '%1'").arg(m_info.objectName));
 }
 
+QString RemoteObject::objectName() const {
+    // Known here, but no fact of an application that is not there any more.
+    if (!m_link->connection().isOpen())
+        Inspector::self()->setLastError(m_link->connection().disconnected().text);
+    return m_info.objectName;
+}
+
 QString RemoteObject::realName() const {
     ErrorForInspector error;
     Wire::Text name;

@@ -19,7 +19,7 @@ public:
     RemoteObject(std::shared_ptr<RemoteLink> link, const Wire::ObjectInfo& info);
     ~RemoteObject() override;
 
-    QString objectName() const override { return m_info.objectName; }
+    QString objectName() const override;
     QString realName() const override;
     QString className() const override { return m_info.className; }
     ObjectList children() const override;

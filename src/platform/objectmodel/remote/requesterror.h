@@ -11,6 +11,7 @@ struct RequestError {
     enum class Kind {
         Disconnected,  ///< the connection or the process has ended
         TimedOut,      ///< no answer in time; the connection stands
+        Stalled,       ///< the same for a request with little patience
         Aborted,       ///< the idle hook gave up
         Refused,       ///< the application answered that it can't: see `code`
         Malformed      ///< the answer can't be read

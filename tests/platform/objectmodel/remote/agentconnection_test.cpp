@@ -144,8 +144,8 @@ TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
          Kind::Disconnected,
          "The connection to the application has ended: the other side closed the connection",
          false},
-        {[](FakeAgent& agent, const Frame& frame) {
-             agent.sendBytes(frameHead(0x10000001, frame.sequence, MessageType::Reply));
+        {[](FakeAgent& agent, const Frame&) {
+             agent.sendBytes(frameHead(0x10000001, 0, MessageType::EventFired));
          },
          Kind::Disconnected,
          "The connection to the application has ended: a message of 268435457 bytes came, at most "
@@ -191,6 +191,53 @@ TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
         EXPECT_EQ(error.text, row.text);
     }
     ::close(processEnd);
+}
+
+TEST(AgentConnection, AnAnswerThatIsTooLongFailsItsRequestOnly) {
+    const FakeAgent agent(FakeAgent::serving([](FakeAgent& self, const Frame& frame) {
+        // The body of the long one ends in the middle of the time.
+        if (frame.type == MessageType::RealName)
+            self.sendBytes(
+                frameHead(Wire::maximalBodySize + 1, frame.sequence, MessageType::Reply));
+        else
+            self.reply(frame, "right");
+    }));
+    AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+    ASSERT_TRUE(connection.waitForHello(patience));
+    QByteArray reply;
+    RequestError error;
+    EXPECT_FALSE(connection.request(MessageType::RealName, {}, patience, &reply, &error));
+    EXPECT_TRUE(error.isRefused(Wire::FailureCode::Failed));
+    EXPECT_EQ(error.text,
+              "The application's answer is too long: a message of 268435457 bytes came, at most "
+              "268435456 are taken");
+    EXPECT_TRUE(connection.isOpen());
+    // Nor is a request sent that the application would refuse.
+    EXPECT_FALSE(connection.request(MessageType::WriteProperty,
+                                    QByteArray(Wire::maximalBodySize + 1, 'x'), patience, &reply,
+                                    &error));
+    EXPECT_EQ(error.text, "The request is too long: it has 268435457 bytes of at most 268435456");
+    EXPECT_TRUE(connection.isOpen());
+}
+
+TEST(AgentConnection, LittlePatienceEndsWithAnApplicationThatDoesNothing) {
+    const FakeAgent agent(FakeAgent::serving([](FakeAgent&, const Frame&) {}));
+    AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+    ASSERT_TRUE(connection.waitForHello(patience));
+    for (const int busyTests : {0, 2}) {
+        int tests = 0;
+        connection.setStallTest([&] { return tests++ > busyTests; });
+        QByteArray reply;
+        RequestError error;
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(connection.request(MessageType::LookUp, {}, patience, &reply, &error,
+                                        AgentConnection::Patience::WhileItRuns));
+        EXPECT_EQ(error.kind, Kind::Stalled);
+        EXPECT_EQ(tests, busyTests + 2);
+        EXPECT_GE(timer.elapsed(), (busyTests + 1) * AgentConnection::stallInterval - 100);
+        EXPECT_LT(timer.elapsed(), patience);
+    }
 }
 
 TEST(AgentConnection, SyncsBeforeTheRequestAfterInput) {

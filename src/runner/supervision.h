@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <csignal>
+#include <optional>
+
+namespace Tamrix {
+
+/// A run works in a child process, so that whatever the script does to its process, the exit code
+/// and the reports tell of it. The process that was started, the supervisor, only waits. The two
+/// share the terminal and the process group; signals that only the supervisor gets are handed on.
+class Supervision {
+public:
+    /// How the child ended.
+    struct End {
+        /// It said so before: its exit code is the run's.
+        bool isOrderly = false;
+        int exitCode = 0;
+        /// "it exited with code 3", "it was ended by SIGKILL (Killed)".
+        QString text;
+    };
+
+    /// Forks. Nothing in the child, which goes on as the run. The supervisor gets to know the end;
+    /// when it is killed, the child is killed, too. Without a child to be had, the run goes on
+    /// unsupervised in this process. Call it while there is one thread only.
+    static std::optional<End> begin();
+
+    /// In the child: from now on its end is in order. Safe in signal handlers.
+    static void markOrderly();
+
+    /// In the child: whether a signal is the second of the two that come when a whole process group
+    /// is sent one, since the supervisor hands on its own. Safe in signal handlers.
+    static bool isSecondDelivery(int signal, const siginfo_t& info);
+};
+
+}  // namespace Tamrix
