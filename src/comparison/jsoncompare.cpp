@@ -45,8 +45,7 @@ QString textOf(const Json::Value& value) {
 bool compareArrays(const Json::Value& a, const Json::Value& b, QString* message) {
     if (a.size() != b.size()) {
         *message = QStringLiteral("Different number of array elements: %1 not equal to %2")
-                       .arg(a.size())
-                       .arg(b.size());
+                       .arg(QString::number(a.size()), QString::number(b.size()));
         return false;
     }
     for (Json::ArrayIndex i = 0; i < a.size(); ++i) {
@@ -72,8 +71,7 @@ bool compareJsonObjectMembers(const Json::Value& first, const Json::Value& secon
 bool compareObjects(const Json::Value& a, const Json::Value& b, QString* message) {
     if (a.size() != b.size()) {
         *message = QStringLiteral("Different number of name-value pairs: %1 not equal to %2")
-                       .arg(a.size())
-                       .arg(b.size());
+                       .arg(QString::number(a.size()), QString::number(b.size()));
         return false;
     }
     // All names of one are in the other and their numbers agree, so looking from the other side

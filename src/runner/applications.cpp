@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/blocking.h"
+#include "base/environment.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/remote/remotelink.h"
@@ -54,6 +55,15 @@ QString Applications::useDisplay(const QString& display) {
     return error;
 }
 
+QString Applications::display() const {
+    for (const auto& [name, value] : m_displayEnvironment) {
+        if (name == QLatin1String("DISPLAY"))
+            return value;
+    }
+    const QString wayland = Environment::getVariable(QStringLiteral("WAYLAND_DISPLAY"));
+    return wayland.isEmpty() ? Environment::getVariable(QStringLiteral("DISPLAY")) : wayland;
+}
+
 // Starting
 
 SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int timeout,
@@ -61,7 +71,7 @@ SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int t
     *error = prepare();
     if (!error->isEmpty())
         return {};
-    const QString mark = QStringLiteral("%1:%2").arg(m_runId).arg(++m_lastProgram);
+    const QString mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
     ApplicationStart start = wanted;
     start.program.environment =
         m_displayEnvironment + wanted.program.environment +
@@ -128,8 +138,7 @@ QString Applications::startFailure(StartedProgram& program, int timeout) {
         text = QStringLiteral(
                    "'%1' was started, but no agent in it connected within %2 ms; is it a program "
                    "with Qt 5?")
-                   .arg(program.start().name)
-                   .arg(timeout);
+                   .arg(program.start().name, QString::number(timeout));
     }
     if (!refusal.isEmpty())
         text += QStringLiteral("\nA connection was refused: ") + refusal;
@@ -185,7 +194,7 @@ std::shared_ptr<StartedProgram> Applications::programOf(pid_t process) {
 QString Applications::uniqueName(const QString& name) {
     QString unique = name;
     for (int number = 2; find(unique); ++number)
-        unique = QStringLiteral("%1_%2").arg(name).arg(number);
+        unique = QStringLiteral("%1_%2").arg(name, QString::number(number));
     return unique;
 }
 

@@ -35,6 +35,8 @@ public:
     /// display and a session bus of this run's own, ":N" for a display that is there. Returns an
     /// error text, empty on success.
     QString useDisplay(const QString& display);
+    /// The display on which applications appear, for a person: ":0"; empty without one.
+    QString display() const;
 
     // Waiting ones. They end early when the run is interrupted. Null on failure, with `*error` set.
     /// Starts a program and waits until it, or a process that came of it, has connected. Nothing

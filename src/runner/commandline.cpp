@@ -27,6 +27,7 @@ const QLatin1String helpOption("help");
 const QLatin1String jsonOption("json");
 const QLatin1String limitOption("limit");
 const QLatin1String nameOption("name");
+const QLatin1String noActionsOption("no-actions");
 const QLatin1String optionsOption("options");
 const QLatin1String optionOption("option");
 const QLatin1String quietOption("quiet");
@@ -203,6 +204,7 @@ QString readRun(Values values, CommandLine& line) {
     line.suite = values.positionalArguments().constFirst();
     line.cases = values.positionalArguments().mid(1);
     line.failFast = values.isSet(failFastOption);
+    line.recordsActions = !values.isSet(noActionsOption);
     line.verbose = values.isSet(verboseOption);
     line.quiet = values.isSet(quietOption);
     if (line.verbose && line.quiet)
@@ -262,7 +264,8 @@ const QList<CommandDescription>& commands() {
            "Keeps attachments and the run's journal (journal.jsonl) in this folder.", "DIR"},
           displayDescription(),
           {failFastOption, "Ends the run behind the first test case that fails."},
-          {verboseOption, "Shows every result, not only the failures."},
+          {noActionsOption, "Leaves clicks, typing, waits and the like out of the reports."},
+          {verboseOption, "Shows every result and action, not only the failures."},
           {quietOption, "Shows failures and the summary only."}},
          1,
          -1,
@@ -385,8 +388,7 @@ QString generalHelp() {
         width = std::max(width, static_cast<int>(fullSyntax(command).size()));
     for (const CommandDescription& command : commands()) {
         text += QStringLiteral("  %1  %2\n")
-                    .arg(fullSyntax(command), -width)
-                    .arg(QLatin1String(command.summary));
+                    .arg(fullSyntax(command).leftJustified(width), QLatin1String(command.summary));
     }
     text += QStringLiteral(
                 "\n%1 COMMAND --help tells the options of a command.\n"

@@ -37,6 +37,7 @@ struct CommandLine {
     /// Absolute, empty when none was given.
     QString resultDirectory;
     bool failFast = false;
+    bool recordsActions = true;
     bool verbose = false;
     bool quiet = false;
     QStringList scriptArguments;

@@ -85,6 +85,7 @@ int runSuite(const CommandLine& line) {
 
     SuiteRunOptions options;
     options.failFast = line.failFast;
+    options.recordsActions = line.recordsActions;
     options.resultDirectory = line.resultDirectory;
     options.scriptArguments = line.scriptArguments;
     options.display = line.display;

@@ -7,6 +7,7 @@
 #include "base/environment.h"
 #include "base/wholetext.h"
 #include "platform/objectmodel/inspector.h"
+#include "platform/testresult/testresult.h"
 #include "runner/runner.h"
 #include "runner/shellwords.h"
 
@@ -44,7 +45,17 @@ SharedPtr<ApplicationContext> Runner::startApplication(const QString& program, c
     const ApplicationStart start = resolveApplication(program, m_places, error);
     if (!error->isEmpty())
         return {};
-    return m_applications.start(start, timeout, error);
+    return noted(m_applications.start(start, timeout, error));
+}
+
+SharedPtr<ApplicationContext> Runner::noted(const SharedPtr<Application>& application) {
+    if (application && m_testResult) {
+        const Wire::Hello& hello = application->connection().hello();
+        m_testResult->addEnvironment(
+            QStringLiteral("Application '%1'").arg(application->name),
+            QStringLiteral("%1, Qt %2, %3").arg(hello.program, hello.qtVersion, hello.platform));
+    }
+    return application;
 }
 
 SharedPtr<ApplicationContext> Runner::attachToApplication(const QString& name, const QString& host,
@@ -52,7 +63,7 @@ SharedPtr<ApplicationContext> Runner::attachToApplication(const QString& name, c
     *error = hostProblem(host);
     if (!error->isEmpty())
         return {};
-    return m_applications.attach(name, timeout, error);
+    return noted(m_applications.attach(name, timeout, error));
 }
 
 SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& program,

@@ -1,6 +1,7 @@
 // The waits of Runner for objects: first a look at once, then one every 50 ms.
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <algorithm>
 
 #include "interpreter/bridge/testsettingstype.h"
@@ -16,6 +17,31 @@ constexpr int lookInterval = 50;
 /// How long an application may take to answer a single look, also when the wait is shorter.
 constexpr int minimalLookTimeout = 1000;
 
+/// What an object that is waited for had otherwise than expected when it was seen last.
+class LastSight {
+public:
+    /// Takes what a look saw, and adds for how long that stands or, when the object is not there
+    /// any more, what it was before.
+    void complete(LookUpAnswer* answer) {
+        if (answer->object && !answer->isReady) {
+            if (answer->obstacle != m_text || !m_since.isValid())
+                m_since.start();
+            m_text = answer->obstacle;
+            m_last.start();
+            answer->obstacle += QStringLiteral(", for the last %1 ms").arg(m_since.elapsed());
+        } else if (!answer->object && m_last.isValid()) {
+            answer->missText += QStringLiteral(". It was there until %1 ms before: %2")
+                                    .arg(QString::number(m_last.elapsed()), m_text);
+        }
+    }
+
+private:
+    QString m_text;
+    /// When it was seen so first and last.
+    QElapsedTimer m_since;
+    QElapsedTimer m_last;
+};
+
 }  // namespace
 
 SharedPtr<Object> Runner::failedLookup(const QString& text) {
@@ -30,6 +56,7 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
         return failedLookup(Inspector::noApplicationText);
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
     const QDeadlineTimer deadline(wait);
+    const QString waited = QString::number(wait);
     bool isLastLook = false;
     while (true) {
         // 1. A look.
@@ -47,22 +74,16 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
         if (!isAnswered && error.kind == RequestError::Kind::TimedOut) {
             return failedLookup(QStringLiteral("%1 not found within %2 ms: the application '%3' "
                                                "does not answer")
-                                    .arg(what)
-                                    .arg(wait)
-                                    .arg(application->name));
+                                    .arg(what, waited, application->name));
         }
         if (!isAnswered)
             return failedLookup(error.text);
         // 3. The end of the wait. The last look finds out what matched nearly.
         if (isLastLook || (answer.object && deadline.hasExpired())) {
-            return failedLookup(answer.object ? QStringLiteral("%1 is not ready after %2 ms: %3")
-                                                    .arg(what)
-                                                    .arg(wait)
-                                                    .arg(answer.obstacle)
+            return failedLookup(answer.object ? QStringLiteral("%1 is %2 after %3 ms: %4")
+                                                    .arg(what, answer.lack, waited, answer.obstacle)
                                               : QStringLiteral("%1 not found within %2 ms. %3")
-                                                    .arg(what)
-                                                    .arg(wait)
-                                                    .arg(answer.missText));
+                                                    .arg(what, waited, answer.missText));
         }
         isLastLook = deadline.hasExpired();
         if (isLastLook)
@@ -81,12 +102,15 @@ SharedPtr<Object> Runner::waitForName(const QString& name, bool wantReady, int t
     const ObjectName wanted = ObjectMap::self()->objectName(name);
     if (!wanted.isValid())
         return {};
-    return waitUntilFound(
+    SharedPtr<Object> object = waitUntilFound(
         m_applications.current(), QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
             return model.lookUp(wanted, wantReady, isLastLook, answer, error, lookTimeout);
         });
+    if (object)
+        object->setFoundAs(name);
+    return object;
 }
 
 SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool, int timeout) {
@@ -107,13 +131,33 @@ SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int time
 
 SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                             int column, int timeout) {
-    const QString what = item.isNull()
-                             ? QStringLiteral("The item in row %1, column %2").arg(row).arg(column)
-                             : QStringLiteral("Item '%1'").arg(item);
+    const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
+                                             .arg(QString::number(row), QString::number(column))
+                                       : QStringLiteral("Item '%1'").arg(item);
     return waitUntilFound(
         m_applications.owner(object), what, true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
+        });
+}
+
+SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                            const ObjectName& properties, int timeout) {
+    const ObjectName name = object ? ObjectName() : ObjectMap::self()->objectName(realName);
+    if (!object && !name.isValid())
+        return {};
+    LastSight sight;
+    return waitUntilFound(
+        object ? m_applications.owner(object) : m_applications.current(),
+        object ? QStringLiteral("The %1").arg(object->className())
+               : QStringLiteral("Object '%1'").arg(realName),
+        true, timeout,
+        [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
+            int lookTimeout) {
+            if (!model.expect(object, name, properties, isLastLook, answer, error, lookTimeout))
+                return false;
+            sight.complete(answer);
+            return true;
         });
 }
 

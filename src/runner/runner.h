@@ -98,6 +98,8 @@ public:
                                           int timeout) override;
     SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                         int column, int timeout) override;
+    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                        const ObjectName& properties, int timeout) override;
 
     // Objects and input: applicationinput.cpp.
     bool objectHasComponents(int remoteId) override;
@@ -143,6 +145,8 @@ public:
                             QString* error) override;
 
 private:
+    /// The application, of which the results have been told.
+    SharedPtr<ApplicationContext> noted(const SharedPtr<Application>& application);
     /// One look for an object. False when the application gave no answer in time or refused.
     using Look = std::function<bool(RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
                                     RequestError* error, int lookTimeout)>;

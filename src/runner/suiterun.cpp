@@ -2,10 +2,13 @@
 
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QSysInfo>
 #include <QTextCodec>
 #include <algorithm>
+#include <utility>
 
 #include "base/environment.h"
 #include "base/filewriting.h"
@@ -19,6 +22,7 @@
 #include "platform/testresult/testvp.h"
 #include "runner/interrupt.h"
 #include "runner/processstate.h"
+#include "runner/shellwords.h"
 #include "vision/screenshot.h"
 
 namespace Tamrix {
@@ -34,8 +38,8 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
                                            : SharedPtr<Application>();
 }
 
-/// The desktop as the current application sees it; a null image when it does not answer.
-QImage grabCurrentApplication(RunnerInterface* runner) {
+/// The desktop as the current application sees it; a null one when it does not answer.
+Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
     RequestError ignored;
     if (!application || !application->connection().ping(pingTimeout, &ignored))
@@ -43,7 +47,7 @@ QImage grabCurrentApplication(RunnerInterface* runner) {
     QString error;
     const QVariant picture =
         application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
-    return Screenshot::fromVariant(picture).image();
+    return Screenshot::fromVariant(picture);
 }
 
 /// Where pictures that go with results are kept: where attachments of the case are, too. Without an
@@ -66,8 +70,11 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.setSuite(suite.name);
     m_runner.setResultDirectory(options.resultDirectory);
     m_runner.setTestResult(&m_result);
+    m_result.setRecordsActions(options.recordsActions);
     m_runner.setPlaces({suite.config, suite.directory});
-    TestVP::setScreenshotServices({grabCurrentApplication, screenshotDirectory});
+    TestVP::setScreenshotServices(
+        {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
+         [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
 }
 
 SuiteRun::~SuiteRun() {
@@ -97,6 +104,7 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
     Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
     Interrupt::install();
     m_result.startSuite(m_suite.name, m_suite.directory);
+    noteEnvironment();
 
     int started = 0;
     for (const SuiteCase& testCase : cases) {
@@ -113,9 +121,30 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
     m_result.setComplete();
 }
 
+void SuiteRun::noteEnvironment() {
+    const auto quoted = [](const QStringList& words) {
+        QStringList all;
+        for (const QString& word : words)
+            all.append(quotedShellWord(word));
+        return all.join(QLatin1Char(' '));
+    };
+    m_result.addEnvironment(QStringLiteral("Tamrix"), QStringLiteral(TAMRIX_VERSION));
+    m_result.addEnvironment(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
+    m_result.addEnvironment(
+        QStringLiteral("System"),
+        QStringLiteral("%1, %2 %3, %4")
+            .arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion(),
+                 QSysInfo::currentCpuArchitecture()));
+    m_result.addEnvironment(QStringLiteral("Host"), QSysInfo::machineHostName());
+    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications().display());
+    m_result.addEnvironment(QStringLiteral("Command"), quoted(QCoreApplication::arguments()));
+    m_result.addEnvironment(QStringLiteral("Script arguments"), quoted(m_options.scriptArguments));
+}
+
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.setTestCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
+    m_failureMoment.reset();
     const QString mapError = loadObjectMap();
     if (!mapError.isEmpty()) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
@@ -158,6 +187,17 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     // A script that forked and let its child fall out of the case: the run goes on once only.
     if (::getpid() != process)
         ::_exit(1);
+}
+
+QImage SuiteRun::grabDesktop() {
+    m_desktop = grabCurrentApplication(&m_runner);
+    return m_desktop.image();
+}
+
+void SuiteRun::keepFailureMoment(const QString& folder) {
+    const Screenshot desktop = std::exchange(m_desktop, Screenshot());
+    if (const SharedPtr<Application> application = liveApplication(&m_runner))
+        m_failureMoment.keep(*application, desktop, folder, &m_result);
 }
 
 void SuiteRun::endApplications() {

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include "platform/testresult/testresult.h"
+#include "runner/failuremoment.h"
 #include "runner/runner.h"
 #include "runner/suite.h"
 
@@ -14,6 +15,8 @@ namespace Tamrix {
 struct SuiteRunOptions {
     /// Ends the run behind the first case that fails.
     bool failFast = false;
+    /// Whether the results tell what scripts do to applications.
+    bool recordsActions = true;
     /// Where attachments go: absolute, or empty for the suite's own folder.
     QString resultDirectory;
     /// For the scripts.
@@ -53,7 +56,12 @@ private:
     bool caseHasFailed() const;
     /// Loads the suite's map of object names, so that each case starts with the same one.
     QString loadObjectMap();
+    /// A picture of the desktop for a result; null when the application gives none.
+    QImage grabDesktop();
+    void keepFailureMoment(const QString& folder);
     void endApplications();
+    /// Tells the results where the suite runs.
+    void noteEnvironment();
     /// Attaches what the case's applications wrote to the report.
     void attachOutput();
 
@@ -61,6 +69,9 @@ private:
     SuiteRunOptions m_options;
     Runner m_runner;
     TestResult m_result;
+    FailureMoment m_failureMoment;
+    /// The last picture of the desktop, until the failure that it belongs to is told.
+    Screenshot m_desktop;
     bool m_hasFailed = false;
     int m_interruptedBy = 0;
     int m_skippedCases = 0;

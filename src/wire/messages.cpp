@@ -252,6 +252,14 @@ QDataStream& operator>>(QDataStream& stream, LookUpResult& body) {
     return stream;
 }
 
+QDataStream& operator<<(QDataStream& stream, const Expect& body) {
+    return stream << body.handle << body.query << body.properties << body.wantNearMisses;
+}
+
+QDataStream& operator>>(QDataStream& stream, Expect& body) {
+    return stream >> body.handle >> body.query >> body.properties >> body.wantNearMisses;
+}
+
 QDataStream& operator<<(QDataStream& stream, const FindItem& body) {
     return stream << body.handle << body.text << body.row << body.column << body.wantReady;
 }

@@ -94,6 +94,7 @@ struct NearMiss {
     QString object;
     QString property;
     QString wanted;
+    /// Null when it has no such property.
     QString actual;
 };
 
@@ -115,6 +116,17 @@ struct FindItem {
     qint32 row = -1;
     qint32 column = -1;
     bool wantReady = false;
+};
+
+/// Looks once for an object, by handle when it is not 0, else by query, and compares it. Criteria
+/// of `properties` that the object does not fit come back as near misses, each with the value that
+/// it has; those of an object that is not there as with LookUp.
+struct Expect {
+    quint64 handle = 0;
+    Query query;
+    Query properties;
+    /// Also names what matched nearly, when nothing matches the query.
+    bool wantNearMisses = false;
 };
 
 struct PropertyInfo {
@@ -259,6 +271,7 @@ TAMRIX_WIRE_OPERATORS(Query);
 TAMRIX_WIRE_OPERATORS(LookUp);
 TAMRIX_WIRE_OPERATORS(LookUpResult);
 TAMRIX_WIRE_OPERATORS(FindItem);
+TAMRIX_WIRE_OPERATORS(Expect);
 TAMRIX_WIRE_OPERATORS(ClassInfo);
 TAMRIX_WIRE_OPERATORS(PropertyAccess);
 TAMRIX_WIRE_OPERATORS(Invoke);

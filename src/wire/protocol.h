@@ -70,7 +70,8 @@ enum class MessageType : quint16 {
     SendEvent = 52,            ///< SendEvent -> no body
     EnvironmentVariable = 53,  ///< Text (name) -> Text
     ListObjects = 55,          ///< no body -> ObjectListing
-    Quit = 54                  ///< no body -> no body; then the windows are asked to close
+    Quit = 54,                 ///< no body -> no body; then the windows are asked to close
+    Expect = 56                ///< Expect -> LookUpResult
 };
 
 /// Why a request failed.

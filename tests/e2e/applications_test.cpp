@@ -4,12 +4,15 @@
 
 #include <QDir>
 #include <QFile>
+#include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <csignal>
 
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
+#include "platform/testresult/testresult.h"
 #include "runner/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
@@ -112,6 +115,9 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         {"disabled",
          "waitForObject(\"{text='Disabled'}\", 300)",
          {"Object '{text='Disabled'}' is not ready after 300 ms: it is disabled"}},
+        {"markers",
+         "waitForObject(\"{text='http%3A%2F%2Fx'}\", 100)",
+         {"Object '{text='http%3A%2F%2Fx'}' not found within 100 ms. "}},
         {"fork",
          "clickOn('Fork')\n    waitForObject(\"{text='Crash'}\")\n    test.log('there')",
          {"there"}},
@@ -160,6 +166,57 @@ TEST_F(ApplicationRun, WhatEventHandlersRaiseIsTold) {
     EXPECT_EQ(lines, (std::vector{2, 6}));
     EXPECT_TRUE(resultsOf("raising").contains("ValueError: in a callable"));
     EXPECT_TRUE(resultsOf("skipping_in_wait").contains("cleaned up"));
+}
+
+TEST_F(ApplicationRun, ExpectationsWaitAndTellWhatTheySawLast) {
+    addCase("expect", QByteArray(click) + R"(
+def main():
+    startApplication('faulty')
+    label = {"type": "QLabel"}
+    test.expect({"text": "Disabled"}, {"enabled": False, "type": "QPushButton"})
+    test.expect(label, {"text*": "label *"}, 5000, comment="a wildcard")
+    clickOn("Rename later")
+    test.expect(label, "{text~='^re.*d$'}", 5000)
+    test.expect({"text": "Disabled"}, {"enabled": True, "visible": True, "colour": "red"}, 300)
+    known = waitForObject(label)
+    test.expect(known, {"text": "%1"}, 300)
+    clickOn("Remove later")
+    test.expect(label, {"text": "x"}, 1200, "removed")
+    test.expect(known, {"text": "x"})
+    test.expect({"text": "none"}, {"enabled": True}, 200)
+    clickOn("Crash")
+    test.expect({"text": "Crash"}, {"enabled": False})
+)");
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
+    // How often it passes and how it fails.
+    QStringList failures;
+    int passes = 0;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        if (entry["type"].asInt() == TestResult::Pass)
+            ++passes;
+        if (entry["type"].asInt() == TestResult::Fail)
+            failures.append(QString::fromStdString(entry["detail"].asString()));
+    }
+    EXPECT_EQ(passes, 3);
+    const char* const patterns[] = {
+        R"(^Object '\{text='Disabled'\}' is not as expected after 300 ms: it has no colour, wanted )"
+        R"('red'; enabled is 'false', wanted 'true', for the last \d{3,} ms$)",
+        R"(^The QLabel is not as expected after 300 ms: text is 'renamed', wanted '%1', for the )"
+        R"(last \d{3,} ms$)",
+        R"(^Object '\{type='QLabel'\}' not found within 1200 ms\. No object matches )"
+        R"(\{type='QLabel'\}.* It was there until \d{3,} ms before: text is 'renamed', wanted 'x'$)",
+        "^the QLabel does not exist any more$",
+        R"(^Object '\{text='none'\}' not found within 200 ms)",
+        "SIGSEGV",
+    };
+    ASSERT_EQ(failures.size(), static_cast<int>(std::size(patterns)))
+        << qPrintable(failures.join('\n'));
+    for (std::size_t index = 0; index < std::size(patterns); ++index) {
+        const QString& failure = failures[static_cast<int>(index)];
+        EXPECT_TRUE(failure.contains(QRegularExpression(patterns[index]))) << qPrintable(failure);
+    }
 }
 
 TEST_F(ApplicationRun, FailedStartsAreTold) {
@@ -212,15 +269,56 @@ TEST_F(ApplicationRun, NothingStaysOfARunThatIsKilledOrInterrupted) {
 }
 
 TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
-    addCase("shown",
-            "def main():\n    a = startApplication('faulty')\n"
-            "    waitForObject(\"{type='QLabel'}\")\n"
-            "    test.log(a.environmentVariable('QT_QPA_PLATFORM'))\n"
-            "    test.fail('look')\n");
+    addCase("shown", R"(
+def main():
+    a = startApplication("faulty")
+    button = waitForObject("{type='QPushButton' text='Modal'}")
+    click(button)
+    waitForObject("{text='Close it'}")
+    test.log(a.environmentVariable('QT_QPA_PLATFORM'))
+    test.fail("look")
+    test.fail("and again")
+)");
     runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results"), "--aut-display",
                 "auto"});
     EXPECT_TRUE(resultsOf("shown").contains("xcb"));
-    EXPECT_TRUE(QFile::exists(suite.path("results/suite/shown/attachments/screenshot_fail_1.png")));
+    const QString folder = suite.path("results/suite/shown/attachments/");
+    const QImage whole(folder + "screenshot_fail_1.png");
+    const QImage windows(folder + "windows.png");
+    EXPECT_EQ(whole.size(), QSize(1280, 1024));
+    EXPECT_LT(windows.width(), 1000);
+    EXPECT_GT(windows.width(), 20);
+    int red = 0;
+    for (int y = 0; y < windows.height(); ++y)
+        for (int x = 0; x < windows.width(); ++x)
+            red += windows.pixelColor(x, y) == QColor(Qt::red);
+    EXPECT_GT(red, 50) << "the click is marked";
+    // Both failures have the objects, which are the same.
+    EXPECT_TRUE(Tamrix::Test::readFile(folder + "objects.json").contains("Close it"));
+    EXPECT_FALSE(QFile::exists(folder + "objects_1.json"));
+    QStringList actions;
+    QStringList attachments;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        const QString message = QString::fromStdString(entry["message"].asString());
+        if (entry["kind"] == "action")
+            actions += message + ' ' + QString::fromStdString(entry["detail"].asString()) + ' ' +
+                       QString::number(entry["callStack"][0]["line"].asInt());
+        if (entry["kind"] == "attachment" && entry["extra"] == "result")
+            attachments += QString::number(entry["type"].asInt());
+    }
+    EXPECT_EQ(actions.join('\n'),
+              "startApplication \"faulty\" 5\n"
+              "waitForObject \"{type='QPushButton' text='Modal'}\" 6\n"
+              "click {type='QPushButton' text='Modal'} 7\n"
+              "waitForObject \"{text='Close it'}\" 8");
+    EXPECT_EQ(attachments.join(' '), "2 4 2 4");
+    // The same again without actions.
+    RunnerProcess without;
+    prepare(without);
+    without.run(
+        {"run", suite.path("suite"), "--result-dir", suite.path("results"), "--no-actions"});
+    EXPECT_FALSE(resultsOf("shown").contains("\"action\""));
 }
 
 TEST_F(ApplicationRun, InspectPrintsNamesThatFind) {

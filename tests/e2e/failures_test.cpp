@@ -41,6 +41,10 @@ protected:
             .pattern("(\\n +called from <SUITE>/recursion/test\\.py:2){5,}", "\\1")
             .pattern("(\\ncalled from <SUITE>/recursion/test\\.py:2){5,}", "\\1")
             .pattern("(,\\{\"file\":\"<SUITE>/recursion/test\\.py\",\"line\":2\\}){5,}", "\\1")
+            // The machine.
+            .pattern("\\{\"kind\":\"environment\"[^\\n]*\\n", "")
+            // How long actions take.
+            .pattern("(\"kind\":\"action\".*\"value\":)\\d+", "\\1<TIME>")
             .pattern("Tamrix \\d+\\.\\d+\\.\\d+", "Tamrix <VERSION>");
         EXPECT_TRUE(compareWithGolden(golden + "/console.txt", normalised(runner.output())));
         EXPECT_TRUE(compareWithGolden(golden + "/journal.jsonl", normalised(read(journal))));

@@ -25,6 +25,7 @@ TEST(CommandLine, RunWithEverything) {
     EXPECT_EQ(line.suite, QString("my suite"));
     EXPECT_EQ(line.cases, QStringList({"case 1", "case2"}));
     EXPECT_TRUE(line.failFast);
+    EXPECT_TRUE(line.recordsActions);
     EXPECT_TRUE(line.verbose);
     EXPECT_FALSE(line.quiet);
     // The folder's own journal stands first.

@@ -31,10 +31,16 @@ protected:
         const Suite suite = loadSuite(folder.path("suite"), &error);
         ASSERT_EQ(error, QString());
         SuiteRun suiteRun(suite, options, &report);
+        ASSERT_EQ(suiteRun.prepare(), QString());
         suiteRun.run(suite.cases);
         hasFailed = suiteRun.hasFailed();
         interruptedBy = suiteRun.interruptedBy();
         skippedCases = suiteRun.skippedCases();
+        std::erase_if(report.entries, [this](const ReportEntry& entry) {
+            if (entry.kind == Kind::Environment)
+                facts.insert(entry.message, entry.detail);
+            return entry.kind == Kind::Environment;
+        });
     }
 
     std::vector<Kind> kinds() const {
@@ -45,11 +51,26 @@ protected:
     }
 
     Tamrix::Test::SuiteFolder folder;
+    /// Without what tells of the environment, which stands in `facts`.
     Tamrix::Test::RecordingReport report;
+    QMap<QString, QString> facts;
     bool hasFailed = false;
     int interruptedBy = 0;
     int skippedCases = 0;
 };
+
+TEST_F(SuiteRunTest, TellsWhereItRuns) {
+    folder.write("suite/a/test.py", "def main(): pass\n");
+    SuiteRunOptions options;
+    options.display = ":7";
+    options.scriptArguments = QStringList{"a b", "c"};
+    run(options);
+    EXPECT_EQ(facts.value("Tamrix"), TAMRIX_VERSION);
+    EXPECT_EQ(facts.value("Qt"), qVersion());
+    EXPECT_EQ(facts.value("Script arguments"), "'a b' c");
+    EXPECT_TRUE(facts.value("System").contains(QSysInfo::kernelVersion()));
+    EXPECT_EQ(facts.value("Display"), ":7");
+}
 
 TEST_F(SuiteRunTest, EveryCaseIsFramedAndAMissingPluginIsAResult) {
     folder.write("suite/a/test.py", "def main(): pass\n");

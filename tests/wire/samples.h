@@ -42,6 +42,7 @@ void forEachSample(const Use& use) {
     use(MessageType::LookUp, LookUp{7, query, true, true});
     use(MessageType::FindItem, FindItem{7, "a.b", 1, 2, true});
     use(MessageType::FindItem, FindItem{7, QString(), 1, 2, true});
+    use(MessageType::Expect, Expect{7, query, query, true});
     use(MessageType::Children, ObjectHandle{7});
     use(MessageType::WriteProperty, PropertyAccess{7, "text", arguments});
     use(MessageType::Invoke, Invoke{7, "click", arguments, 5});

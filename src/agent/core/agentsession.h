@@ -31,7 +31,7 @@ public:
     bool isItemType(const QString& typeName) const override;
     quint64 handle(const Element& element) override { return m_handles.handle(element); }
     Wire::ObjectInfo info(const Element& element) override;
-    Element find(quint64 handle, QString* text) override { return m_handles.find(handle, text); }
+    Element find(quint64 handle, QString* error) override { return m_handles.find(handle, error); }
     QString describe(const Element& element) const override;
 
     bool isOpen() const { return m_channel.isOpen(); }

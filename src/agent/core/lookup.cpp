@@ -245,7 +245,29 @@ QString ObjectFinder::actualText(const Criterion& criterion, const Element& elem
         return Session::self()->describe(relatedElement(element, criterion.property));
     bool isKnown = false;
     const QVariant value = propertyValue(element, criterion.property, &isKnown);
-    return isKnown ? valueText(value) : QStringLiteral("no such property");
+    if (!isKnown)
+        return QString();
+    const QString text = valueText(value);
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+Wire::NearMiss ObjectFinder::missOf(const Criterion& criterion, const Element& element) const {
+    Wire::NearMiss miss;
+    miss.object = Session::self()->describe(element);
+    miss.property = criterion.property;
+    miss.wanted = criterion.finder ? QStringLiteral("another object") : criterion.wanted;
+    miss.actual = actualText(criterion, element);
+    return miss;
+}
+
+QList<Wire::NearMiss> ObjectFinder::differences(const Element& element) {
+    resolveRelations();
+    QList<Wire::NearMiss> misses;
+    for (const Criterion& criterion : m_criteria) {
+        if (!matches(criterion, element))
+            misses.append(missOf(criterion, element));
+    }
+    return misses;
 }
 
 QList<Wire::NearMiss> ObjectFinder::nearMisses() {
@@ -292,15 +314,8 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
         });
     }
     QList<Wire::NearMiss> misses;
-    for (const Near& near : nearest) {
-        Wire::NearMiss miss;
-        miss.object = Session::self()->describe(near.element);
-        miss.property = near.criterion->property;
-        miss.wanted =
-            near.criterion->finder ? QStringLiteral("another object") : near.criterion->wanted;
-        miss.actual = actualText(*near.criterion, near.element);
-        misses.append(miss);
-    }
+    for (const Near& near : nearest)
+        misses.append(missOf(*near.criterion, near.element));
     return misses;
 }
 

@@ -32,6 +32,8 @@ public:
     Element find();
     /// Up to three objects that differ in the fewest criteria, and in what.
     QList<Wire::NearMiss> nearMisses();
+    /// In what the element differs, whatever else there is; nothing when it matches.
+    QList<Wire::NearMiss> differences(const Element& element);
 
 private:
     struct Criterion;
@@ -44,7 +46,9 @@ private:
     bool relationMatches(const Criterion& criterion, const Element& element) const;
     bool matches(const Criterion& criterion, const Element& element);
     bool matches(const Element& element);
+    /// Null when the element has no such property.
     QString actualText(const Criterion& criterion, const Element& element) const;
+    Wire::NearMiss missOf(const Criterion& criterion, const Element& element) const;
     /// Finds the objects that criteria name; false when one isn't there.
     bool resolveRelations();
     /// The object below which all matches are, if the name says one; null if it doesn't.

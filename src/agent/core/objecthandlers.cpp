@@ -69,6 +69,33 @@ void findItem(const Wire::FindItem& request, const ResponderPtr& responder) {
     responder->replyBody(result);
 }
 
+/// Answers with the object and what it has otherwise than expected.
+void expect(const Wire::Expect& request, const ResponderPtr& responder) {
+    Wire::LookUpResult result;
+    Element element;
+    if (request.handle != 0) {
+        element = Session::self()->findOrFail(request.handle, responder);
+        if (element.isNull())
+            return;
+    }
+    ObjectFinder finder(request.query);
+    ObjectFinder comparison(request.properties);
+    for (const ObjectFinder* each : {&finder, &comparison}) {
+        if (!each->errorText().isEmpty()) {
+            responder->fail(Wire::FailureCode::BadArgument, each->errorText());
+            return;
+        }
+    }
+    if (element.isNull())
+        element = finder.find();
+    result.object = Session::self()->info(element);
+    if (!element.isNull())
+        result.nearMisses = comparison.differences(element);
+    else if (request.wantNearMisses)
+        result.nearMisses = finder.nearMisses();
+    responder->replyBody(result);
+}
+
 Wire::ObjectInfoList infos(const QVector<Element>& elements) {
     Wire::ObjectInfoList list;
     for (const Element& element : elements)
@@ -148,6 +175,7 @@ void appendShownChildren(const Element& element, bool withPlainObjects,
 
 void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::LookUp>(Wire::MessageType::LookUp, lookUp);
+    session->setBodyHandler<Wire::Expect>(Wire::MessageType::Expect, expect);
     session->setBodyHandler<Wire::FindItem>(Wire::MessageType::FindItem, findItem);
     session->setHandler(Wire::MessageType::TopLevelObjects, listTopLevels);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::Children, listChildren);

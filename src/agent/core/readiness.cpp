@@ -88,7 +88,8 @@ QString coverAt(const Element& element, const QPoint& point) {
             return QString();
     }
     const QPoint local = point - toolkit->globalBounds(element).topLeft();
-    const QString place = QStringLiteral("the point (%1, %2)").arg(local.x()).arg(local.y());
+    const QString place = QStringLiteral("the point (%1, %2)")
+                              .arg(QString::number(local.x()), QString::number(local.y()));
     if (cover.isNull())
         return place + QStringLiteral(" is outside of what can be clicked");
     return session->describe(cover) + QStringLiteral(" covers ") + place;

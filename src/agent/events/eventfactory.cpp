@@ -136,10 +136,8 @@ std::vector<std::unique_ptr<QEvent>> makeEvents(const QString& name, const QVari
         const QStringList types = argumentTypes(kind);
         if (types.size() != arguments.size()) {
             *error = QStringLiteral("%1 takes %2 arguments (%3), not %4")
-                         .arg(name)
-                         .arg(types.size())
-                         .arg(types.join(QStringLiteral(", ")))
-                         .arg(arguments.size());
+                         .arg(name, QString::number(types.size()), types.join(QStringLiteral(", ")),
+                              QString::number(arguments.size()));
             return {};
         }
         Maker maker{arguments, globalOrigin, QString(), {}};

@@ -48,10 +48,10 @@ Element Call::takeObject() {
     if (value.userType() != qMetaTypeId<Wire::ObjectInfo>())
         failArgument(QStringLiteral("the argument object is no object"));
     const auto info = value.value<Wire::ObjectInfo>();
-    QString text;
-    const Element element = Session::self()->find(info.handle, &text);
+    QString error;
+    const Element element = Session::self()->find(info.handle, &error);
     if (element.isNull())
-        throw CallError(Wire::FailureCode::StaleObject, text);
+        throw CallError(Wire::FailureCode::StaleObject, error);
     return element;
 }
 
@@ -72,8 +72,7 @@ QString Call::takeText(const char* name) {
 void Call::takeEnd() const {
     if (!isAtEnd())
         failArgument(QStringLiteral("%1 arguments are too many, %2 were used")
-                         .arg(m_arguments.size())
-                         .arg(m_next));
+                         .arg(QString::number(m_arguments.size()), QString::number(m_next)));
 }
 
 QString notReadyText(const Element& element, const QString& obstacle) {
@@ -81,9 +80,17 @@ QString notReadyText(const Element& element, const QString& obstacle) {
 }
 
 QString notReadyText(const ElementRef& element, const QString& obstacle) {
-    QString text;
-    const Element found = Session::self()->find(element.handle(), &text);
-    return found.isNull() ? text : notReadyText(found, obstacle);
+    QString error;
+    const Element found = Session::self()->find(element.handle(), &error);
+    return found.isNull() ? error : notReadyText(found, obstacle);
+}
+
+bool failIfGone(const Call& call, const ElementRef& element) {
+    QString error;
+    if (!Session::self()->find(element.handle(), &error).isNull())
+        return false;
+    call.responder()->fail(Wire::FailureCode::StaleObject, error);
+    return true;
 }
 
 void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,

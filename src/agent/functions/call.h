@@ -59,8 +59,10 @@ private:
 
 /// "QPushButton 'OK' is not ready: it is disabled".
 QString notReadyText(const Element& element, const QString& obstacle);
-/// The same, for an element that may be gone.
+/// The same, or that the element is gone.
 QString notReadyText(const ElementRef& element, const QString& obstacle);
+/// Fails the call when the element is gone; false when it is there.
+bool failIfGone(const Call& call, const ElementRef& element);
 
 /// Calls `act` with the point to use when the element is ready; fails the call when it is not in
 /// time.

@@ -94,6 +94,8 @@ bool selectComboItem(const Call& call, const Element& element, const QString& te
         auto* const queue = StepQueue::create();
         queue->waitFor([ref, text] { return rowOf(ref, text) >= 0; }, call.timeout(),
                        [ref, call, text] {
+                           if (failIfGone(call, ref))
+                               return;
                            call.responder()->fail(
                                Wire::FailureCode::NotFound,
                                QStringLiteral("%1 has no item '%2'")

@@ -81,6 +81,17 @@ bool isWithinClosed(const ElementRef& ref, const Element& item) {
     return false;
 }
 
+void failNotFound(const Call& call, const ElementRef& view, const QString& text) {
+    if (failIfGone(call, view))
+        return;
+    QString reason;
+    const Element found = itemOf(view, text, &reason);
+    if (reason.isEmpty())
+        reason = found.isNull() ? QStringLiteral("there is no item '%1'").arg(text)
+                                : QStringLiteral("'%1' is in a closed item").arg(text);
+    call.responder()->fail(Wire::FailureCode::NotFound, reason);
+}
+
 /// Adds steps that wait for the item, opening what holds it, and click it.
 void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view, const QString& text) {
     const auto isThere = [view, text] {
@@ -97,20 +108,14 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view, co
                 queue, [view, text] { expandTowards(view, text); }, Qt::QueuedConnection);
             return false;
         },
-        call.timeout(),
-        [call, view, text] {
-            QString reason;
-            const Element found = itemOf(view, text, &reason);
-            if (reason.isEmpty())
-                reason = found.isNull() ? QStringLiteral("there is no item '%1'").arg(text)
-                                        : QStringLiteral("'%1' is in a closed item").arg(text);
-            call.responder()->fail(Wire::FailureCode::NotFound, reason);
-        });
+        call.timeout(), [call, view, text] { failNotFound(call, view, text); });
     queue->add([queue, call, view, text] {
         QString reason;
         const Element item = itemOf(view, text, &reason);
-        if (item.isNull())
+        if (item.isNull()) {
+            failNotFound(call, view, text);
             return;
+        }
         queue->hold();
         const QPointer<StepQueue> guard(queue);
         waitUntilReady(item, nullptr, call.timeout(),

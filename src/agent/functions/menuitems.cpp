@@ -51,6 +51,8 @@ QRect placeOf(const QWidget* menu, QAction* action) {
 }
 
 void failNotFound(const MenuWay& way) {
+    if (failIfGone(way.call, way.menu))
+        return;
     QStringList texts;
     if (const QWidget* const widget = way.widget()) {
         const QList<QAction*> actions = widget->actions();

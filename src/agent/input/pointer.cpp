@@ -45,7 +45,7 @@ void Pointer::press(Qt::MouseButton button) {
     if (m_buttons == Qt::NoButton)
         m_grabber = m_window;
     m_buttons |= button;
-    m_hasPressed = true;
+    m_lastPress = m_position;
     m_pressTime = eventTime();
     queue(QEvent::MouseButtonPress, button);
 }
@@ -65,7 +65,7 @@ void Pointer::release(Qt::MouseButton button) {
 void Pointer::separateClicks() {
     const ulong interval = QGuiApplication::styleHints()->mouseDoubleClickInterval();
     const ulong passed = eventTime() - m_pressTime;
-    if (m_hasPressed && passed <= interval)
+    if (m_lastPress && passed <= interval)
         advanceEventTime(interval - passed + 1);
 }
 

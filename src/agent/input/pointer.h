@@ -3,6 +3,7 @@
 #include <QPoint>
 #include <QPointer>
 #include <QWindow>
+#include <optional>
 
 namespace Tamrix::Agent {
 
@@ -15,6 +16,8 @@ public:
 
     QPoint position() const { return m_position; }
     Qt::MouseButtons buttons() const { return m_buttons; }
+    /// Where a button was pressed last, for reports; nothing before the first press.
+    std::optional<QPoint> lastPress() const { return m_lastPress; }
 
     /// Moves to the window's point, leaving one window and entering the other; with a button down
     /// the window where it was pressed gets the event. A null window: the one at that point.
@@ -35,7 +38,7 @@ private:
     /// Has the mouse until all buttons are up.
     QPointer<QWindow> m_grabber;
     Qt::MouseButtons m_buttons;
-    bool m_hasPressed = false;
+    std::optional<QPoint> m_lastPress;
     ulong m_pressTime = 0;
 };
 

@@ -8,6 +8,7 @@
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
 #include "agent/input/idlewatch.h"
+#include "agent/input/pointer.h"
 #include "agent/input/windowstack.h"
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
@@ -31,6 +32,26 @@ void desktopScreenshot(const QVariantList& /*arguments*/, const ResponderPtr& re
                         QStringLiteral("there is no screen to take a picture of"));
     else
         replyPicture(picture, responder);
+}
+
+QVariantList numbers(const QRect& rect) {
+    return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
+/// Where the application's windows are on the screen, and where a button was pressed last:
+/// "windows" is a list of lists of x, y, width and height, "lastPress" a list of x and y if there
+/// was one.
+void screenLayout(const QVariantList& /*arguments*/, const ResponderPtr& responder) {
+    QVariantList windows;
+    const QVector<QWindow*> stack = windowStack();
+    for (const QWindow* window : stack) {
+        if (!window->property(internalWindowProperty).isValid())
+            windows.append(QVariant(numbers(window->frameGeometry())));
+    }
+    QVariantMap layout{{QStringLiteral("windows"), windows}};
+    if (const std::optional<QPoint> press = Pointer::self().lastPress())
+        layout.insert(QStringLiteral("lastPress"), QVariantList{press->x(), press->y()});
+    responder->replyBody(Wire::Value{layout});
 }
 
 /// The element that the first argument names; null when the request has failed.
@@ -136,6 +157,7 @@ struct NativeFunction {
 
 constexpr NativeFunction nativeFunctions[] = {
     {"desktopScreenshot", desktopScreenshot},
+    {"screenLayout", screenLayout},
     {"grabObjectScreenshot", grabObjectScreenshot},
     {"getPixmapAsImage", getPixmapAsImage},
 };

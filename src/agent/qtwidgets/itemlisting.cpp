@@ -97,9 +97,9 @@ QModelIndex findIndex(const QAbstractItemModel* model, const QModelIndex& parent
 }
 
 QString noSuchItem(const QString& text, int row, int column) {
-    return text.isNull()
-               ? QStringLiteral("it has no item in row %1 and column %2").arg(row).arg(column)
-               : QStringLiteral("it has no item '%1'").arg(text);
+    return text.isNull() ? QStringLiteral("it has no item in row %1 and column %2")
+                               .arg(QString::number(row), QString::number(column))
+                         : QStringLiteral("it has no item '%1'").arg(text);
 }
 
 /// The item of a list of sections, tabs or entries, by text or number.

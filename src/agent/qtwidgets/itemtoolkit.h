@@ -9,16 +9,9 @@ class QWidget;
 namespace Tamrix::Agent {
 
 /// Items of views, headers, combo boxes and tab bars. They are no QObjects, so their types are
-/// names of ours:
-///
-///     QListViewItem    entry of a QListView or QListWidget
-///     QTreeViewItem    entry of a QTreeView or QTreeWidget; below it the entries that it expands
-///     to QTableViewItem   cell of a QTableView or QTableWidget QItemViewItem    entry of another
-///     QAbstractItemView QHeaderViewItem  section of a header QComboBoxItem    entry of a combo
-///     box, visible while its list is open QTabBarItem      tab of a tab bar
-///
-/// Every one is of the type "QModelItem" too. Besides the vocabulary items have the properties row,
-/// column, toolTip and, where it makes sense, checked, selected, current and expanded.
+/// names of ours, `itemTypes` in the source, and every one is of the type "QModelItem" too. Besides
+/// the vocabulary items have the properties row, column, toolTip and, where it makes sense,
+/// checked, selected, current and expanded.
 class ItemToolkit : public Toolkit {
 public:
     ItemToolkit();

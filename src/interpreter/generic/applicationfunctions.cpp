@@ -1,5 +1,6 @@
 #include "interpreter/generic/applicationfunctions.h"
 
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/objectarguments.h"
@@ -10,6 +11,7 @@ namespace Tamrix {
 namespace {
 
 void runApplication(ScriptContext* context, const char* functionName, bool attach) {
+    const ActionRecord record(context, functionName);
     const QString function = QLatin1String(functionName);
     // 1. One to four arguments, the first not empty.
     const int count = context->argumentCount();
@@ -56,6 +58,7 @@ void attachToApplication(ScriptContext* context) {
 }
 
 void waitForApplicationLaunch(ScriptContext* context) {
+    const ActionRecord record(context, "waitForApplicationLaunch");
     if (context->argumentCount() > 1) {
         context->setError("waitForApplicationLaunch() takes zero or one argument");
         return;

@@ -1,3 +1,4 @@
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/objectvalues.h"
 #include "interpreter/bridge/runnerinterface.h"
@@ -135,6 +136,7 @@ void uninstallEventHandler(ScriptContext* context) {
 }
 
 void sendEvent(ScriptContext* context) {
+    const ActionRecord record(context, "sendEvent");
     // 1. The event's type and the object.
     const int count = context->argumentCount();
     if (count < 2) {

@@ -1,5 +1,6 @@
 #include "interpreter/generic/inputfunctions.h"
 
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/objectarguments.h"
@@ -120,6 +121,7 @@ bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArgument
 }
 
 void mouseAction(ScriptContext* context, const char* function, bool buttonChange, bool press) {
+    const ActionRecord record(context, function);
     MouseArguments mouse;
     if (!readMouseArguments(context, buttonChange, &mouse))
         return;
@@ -135,6 +137,7 @@ void mouseAction(ScriptContext* context, const char* function, bool buttonChange
 }
 
 bool keyAction(ScriptContext* context, const char* function, bool press) {
+    const ActionRecord record(context, function);
     if (context->argumentCount() != 1) {
         context->setError("One string argument expected");
         return false;

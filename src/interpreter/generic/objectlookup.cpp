@@ -1,5 +1,6 @@
 #include <QtGlobal>
 
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
@@ -15,29 +16,12 @@ namespace Tamrix {
 
 namespace {
 
-bool isObjectOrName(const SharedPtr<ScriptArgument>& argument) {
-    return argument && (argument->isObject() || isStringOrObjectName(argument));
-}
-
 /// What a wait for an object ends with.
 void setLookupResult(ScriptContext* context, const SharedPtr<Object>& object) {
     if (object)
         context->setObjectResult(object);
     else
         context->setError(Inspector::self()->lastError(), ScriptContext::LookupError);
-}
-
-/// Reads the time-out of a wait, which may be missing; false with the error set when it is none.
-bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argument, int* timeout) {
-    *timeout = TestSettingsType::s_waitForObjectTimeout;
-    if (!argument)
-        return true;
-    if (!argument->isNumber()) {
-        context->setError("Invalid type of timeout value");
-        return false;
-    }
-    *timeout = roundedMilliseconds(argument->toDouble());
-    return true;
 }
 
 /// An item of a view: its text, or row and column.
@@ -53,7 +37,8 @@ QString itemNotFoundText(const WantedItem& item, const SharedPtr<ScriptArgument>
     // The two blanks in front of "in row" are meant: the item's text is missing between them.
     QString text = "Item " + item.text;
     if (item.text.isNull())
-        text += QStringLiteral(" in row %1 and column %2").arg(item.row).arg(item.column);
+        text += QStringLiteral(" in row %1 and column %2")
+                    .arg(QString::number(item.row), QString::number(item.column));
     if (view->isObject())
         text += " in object " + object->realName() + " of type " + object->className();
     else
@@ -81,6 +66,7 @@ ObjectList allOccurrences(ObjectName name, const SharedPtr<Object>& first) {
 }  // namespace
 
 void waitForObject(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObject");
     // 1. The arguments.
     const SharedPtr<ScriptArgument> wanted = context->argument(0);
     if (!isObjectOrName(wanted) || context->argumentCount() > 2) {
@@ -103,6 +89,7 @@ void waitForObject(ScriptContext* context) {
 }
 
 void waitForObjectExists(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObjectExists");
     const int count = context->argumentCount();
     if (count < 1 || count > 2) {
         context->setError("Function waitForObjectExists() requires 1 or 2 arguments");
@@ -131,6 +118,7 @@ void waitForObjectExists(ScriptContext* context) {
 }
 
 void waitForObjectItem(ScriptContext* context) {
+    const ActionRecord record(context, "waitForObjectItem");
     // The view, then the item as text or as row and column, then the time-out.
     const SharedPtr<ScriptArgument> view = context->argument(0);
     const SharedPtr<ScriptArgument> first = context->argument(1);

@@ -164,6 +164,10 @@ const FunctionRow testFunctions[] = {
     {"attachImage"},
     {"startVideoCapture"},
     {"stopVideoCapture"},
+    {"expect", testExpect, "objectOrName properties", "timeout comment",
+     "Passes as soon as the object is there and has all the properties; returns whether it had "
+     "them "
+     "in time"},
 };
 
 const FunctionRow objectMapFunctions[] = {

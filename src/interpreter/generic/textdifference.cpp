@@ -123,8 +123,20 @@ private:
     int m_lineCount = 0;
 };
 
+/// Lines that differ stand together: those of the first text in front of those of the second.
+void putDeletesFirst(std::vector<Diff::Run>* runs) {
+    const auto isEqual = [](const Diff::Run& run) { return run.operation == Diff::Equal; };
+    const auto isDelete = [](const Diff::Run& run) { return run.operation == Diff::Delete; };
+    for (auto begin = runs->begin(); begin != runs->end();) {
+        const auto end = std::find_if(begin, runs->end(), isEqual);
+        std::stable_partition(begin, end, isDelete);
+        begin = std::find_if_not(end, runs->end(), isEqual);
+    }
+}
+
 QString unifiedDifference(const Diff::Lines& first, const Diff::Lines& second) {
-    const std::vector<Diff::Run> runs = Diff::diff(first, second);
+    std::vector<Diff::Run> runs = Diff::diff(first, second);
+    putDeletesFirst(&runs);
     UnifiedText text;
     for (std::size_t index = 0; index < runs.size(); ++index) {
         const Diff::Run& run = runs[index];

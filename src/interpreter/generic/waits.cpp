@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 
 #include "base/blocking.h"
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
@@ -39,6 +40,7 @@ unsigned long waitForPause(qint64 elapsed) {
 }
 
 bool snooze(ScriptContext* context) {
+    const ActionRecord record(context, "snooze");
     if (context->argumentCount() != 1 || !context->argument(0)->isNumber()) {
         context->setError("snooze() requires a time argument");
         return false;
@@ -49,6 +51,7 @@ bool snooze(ScriptContext* context) {
 }
 
 void waitFor(ScriptContext* context) {
+    const ActionRecord record(context, "waitFor");
     // 1. The condition and the time-out in milliseconds, where -1 is no limit.
     const int count = context->argumentCount();
     if (count < 1 || count > 2) {

@@ -43,10 +43,14 @@ auto Inspector::ask(Ask ask) {
 SharedPtr<Object> Inspector::findObject(const QString& name) {
     return ask([&](ObjectModel& model, QString* error) -> SharedPtr<Object> {
         const ObjectName objectName = ObjectMap::self()->objectName(name);
-        if (objectName.isValid())
-            return model.findObject(objectName, error);
-        *error = m_lastError;
-        return {};
+        if (!objectName.isValid()) {
+            *error = m_lastError;
+            return {};
+        }
+        SharedPtr<Object> object = model.findObject(objectName, error);
+        if (object)
+            object->setFoundAs(name);
+        return object;
     });
 }
 

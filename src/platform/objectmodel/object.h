@@ -34,6 +34,10 @@ public:
 
     quint64 handle() const { return m_handle; }
 
+    /// The name by which it was looked up, for reports; empty when it was got in another way.
+    QString foundAs() const { return m_foundAs; }
+    void setFoundAs(const QString& name) { m_foundAs = name; }
+
     /// By default whether the handle is zero: there is no object behind it.
     virtual bool isNull() const;
     virtual QString objectName() const;
@@ -65,6 +69,7 @@ public:
 private:
     quint64 m_handle;
     const Class* m_class;
+    QString m_foundAs;
 };
 
 /// An object that lives in an application.

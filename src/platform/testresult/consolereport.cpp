@@ -104,6 +104,14 @@ void ConsoleReport::add(const ReportEntry& entry) {
                                  entry.message, entry.path),
                         resultIndent());
             break;
+        case Kind::Action:
+            if (isVerbose) {
+                addLine(QStringLiteral("Action: ") + describeAction(entry), resultIndent(),
+                        entry.extra == QLatin1String("failed") ? yellow : "");
+            }
+            break;
+        case Kind::Environment:
+            break;
         case Kind::Output:
             if (m_verbosity != Verbosity::Quiet)
                 addOutput(entry);
@@ -259,10 +267,14 @@ void ConsoleReport::flush() {
     auto* const file = qobject_cast<QFileDevice*>(m_device);
     const bool isWritten =
         file ? writeAll(file, text, &reason) : m_device->write(text) == text.size();
-    if (!isWritten && m_error.isEmpty()) {
-        m_error = QStringLiteral("The console report could not be written: %1")
-                      .arg(file ? reason : m_device->errorString());
-    }
+    if (isWritten || !m_error.isEmpty())
+        return;
+    if (!file)
+        reason = m_device->errorString();
+    const QString name = file ? file->fileName() : QString();
+    m_error = name.isEmpty()
+                  ? QStringLiteral("The console report could not be written: %1").arg(reason)
+                  : QStringLiteral("The report '%1' can't be written: %2").arg(name, reason);
 }
 
 }  // namespace Tamrix

@@ -26,6 +26,8 @@ constexpr qint64 allEntryTexts = 8 * 1024 * 1024;
 constexpr int longestText = 64 * 1024;
 constexpr int longestLateText = 4 * 1024;
 constexpr int longestBrief = 400;
+/// More actions than these are left to the journal: a browser has to hold them all.
+constexpr int mostActions = 20000;
 
 const char* outcomeId(CaseOutcome outcome) {
     switch (outcome) {
@@ -97,9 +99,16 @@ QString labelOf(const ReportEntry& entry) {
         case Kind::Result:
             return resultTypeName(entry.type);
         case Kind::Attachment:
-            return entry.type == TestResult::OutputAttachment  ? QStringLiteral("Application")
-                   : entry.type == TestResult::ImageAttachment ? QStringLiteral("Picture")
-                                                               : QStringLiteral("File");
+            switch (entry.type) {
+                case TestResult::OutputAttachment:
+                    return QStringLiteral("Application");
+                case TestResult::ImageAttachment:
+                    return QStringLiteral("Picture");
+                case TestResult::ObjectsAttachment:
+                    return QStringLiteral("Objects");
+                default:
+                    return QStringLiteral("File");
+            }
         case Kind::VideoStart:
             return QStringLiteral("Video starts");
         case Kind::VideoEnd:
@@ -107,6 +116,8 @@ QString labelOf(const ReportEntry& entry) {
         case Kind::Output:
             return entry.extra == QLatin1String("stderr") ? QStringLiteral("Script errors")
                                                           : QStringLiteral("Script output");
+        case Kind::Action:
+            return QStringLiteral("Action");
         default:
             return QString();
     }
@@ -123,6 +134,8 @@ const char* kindOf(const ReportEntry& entry) {
             return "file";
         case Kind::Output:
             return "output";
+        case Kind::Action:
+            return "action";
         default:
             return "result";
     }
@@ -130,9 +143,11 @@ const char* kindOf(const ReportEntry& entry) {
 
 }  // namespace
 
-HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, ReportFiles* files)
+HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, const RunFacts& environment,
+                   ReportFiles* files)
     : m_tally(tally),
       m_entries(entries),
+      m_environment(environment),
       m_files(files),
       m_excerpts(tally.suites().empty() ? QDateTime() : tally.suites().front().outside.start),
       m_textBudget(allTexts),
@@ -165,10 +180,20 @@ QByteArray HtmlData::json() {
         outcomes.append(QJsonObject{{QStringLiteral("id"), QLatin1String(outcomeId(outcome))},
                                     {QStringLiteral("label"), outcomeText(outcome)}});
     }
+    QStringList noteTexts{outsideSummary(m_tally), endSummary(m_tally)};
+    if (m_actionCount > mostActions) {
+        noteTexts += QStringLiteral("Actions that are not shown, only in the journal: %1")
+                         .arg(m_actionCount - mostActions);
+    }
     QJsonArray notes;
-    for (const QString& note : {outsideSummary(m_tally), endSummary(m_tally)}) {
+    for (const QString& note : qAsConst(noteTexts)) {
         if (!note.isEmpty())
             notes.append(note);
+    }
+    QJsonArray environment;
+    for (const auto& [name, fact] : m_environment) {
+        environment.append(QJsonObject{{QStringLiteral("name"), shown(name)},
+                                       {QStringLiteral("fact"), shown(fact)}});
     }
     const QDateTime start =
         m_tally.suites().empty() ? QDateTime() : m_tally.suites().front().outside.start;
@@ -176,6 +201,7 @@ QByteArray HtmlData::json() {
                      {QStringLiteral("summary"), caseSummary(m_tally)},
                      {QStringLiteral("isGood"), isGood(m_tally)},
                      {QStringLiteral("notes"), notes},
+                     {QStringLiteral("environment"), environment},
                      {QStringLiteral("milliseconds"), milliseconds(m_tally.seconds())},
                      {QStringLiteral("outcomes"), outcomes},
                      {QStringLiteral("suites"), suites}};
@@ -192,7 +218,7 @@ QByteArray HtmlData::json() {
         text += separator + toJson(excerpt);
         separator = ",\n";
     }
-    text += "]}\n";
+    text += "],\n\"trees\":" + toJson(m_trees.all()) + "}\n";
     // In JSON the character stands in texts only. It could end the element, or begin a comment.
     return text.replace("<", "\\u003c");
 }
@@ -217,6 +243,8 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     if (entries != m_entries.end()) {
         const char* separator = "\n";
         for (const ReportEntry& entry : entries->second) {
+            if (entry.kind == Kind::Action && ++m_actionCount > mostActions)
+                continue;
             m_rowEntries += separator + toJson(entryObject(entry, tally.start));
             separator = ",\n";
         }
@@ -266,11 +294,18 @@ QJsonObject HtmlData::entryObject(const ReportEntry& whole, const QDateTime& row
         object.insert(QStringLiteral("screenshot"), fileObject(screenshot, true));
     if (entry.kind == Kind::Result)
         addResult(object, entry);
+    if (entry.kind == Kind::Action)
+        addAction(object, entry);
     if (entry.kind == Kind::Attachment || entry.kind == Kind::VideoEnd) {
         const bool isAttachment = entry.kind == Kind::Attachment;
-        object.insert(
-            QStringLiteral("file"),
-            fileObject(entry.path, isAttachment && entry.type == TestResult::ImageAttachment));
+        if (isAttachment && entry.type == TestResult::ObjectsAttachment)
+            object.insert(QStringLiteral("file"), objectsObject(entry.path));
+        else
+            object.insert(
+                QStringLiteral("file"),
+                fileObject(entry.path, isAttachment && entry.type == TestResult::ImageAttachment));
+        if (isAttachment && entry.extra == QLatin1String("result"))
+            object.insert(QStringLiteral("belongsToResult"), true);
         if (isAttachment && entry.type == TestResult::OutputAttachment)
             object.insert(QStringLiteral("isApplicationOutput"), true);
     }
@@ -286,6 +321,15 @@ void HtmlData::addResult(QJsonObject& object, const ReportEntry& entry) {
     // A difference may lie in the line ends.
     insertText(object, "explanation", escapedForTerminal(entry.explanation));
     addStack(object, entry.callStack);
+}
+
+void HtmlData::addAction(QJsonObject& object, const ReportEntry& entry) {
+    object.insert(QStringLiteral("took"), std::max(0, entry.value));
+    if (entry.extra == QLatin1String("failed"))
+        object.insert(QStringLiteral("failed"), true);
+    // No lines of scripts: there may be very many actions.
+    if (!entry.callStack.empty())
+        insertText(object, "position", shown(positionText(entry.callStack.front())));
 }
 
 void HtmlData::addStack(QJsonObject& object, const CallStack& callStack) {
@@ -319,6 +363,22 @@ QJsonObject HtmlData::fileObject(const QString& source, bool isImage) {
     return object;
 }
 
+QJsonObject HtmlData::objectsObject(const QString& source) {
+    const ReportFiles::Copy copy = m_files->copy(source);
+    QJsonObject object{{QStringLiteral("name"), shown(QFileInfo(source).fileName())}};
+    if (copy.path.isEmpty()) {
+        insertText(object, "problem", shown(copy.problem));
+        return object;
+    }
+    object.insert(QStringLiteral("path"), copy.path);
+    const int tree = m_trees.indexOf(copy.path, m_files->text(copy, m_textBudget), &m_textBudget);
+    if (tree >= 0)
+        object.insert(QStringLiteral("tree"), tree);
+    else
+        object.insert(QStringLiteral("note"), QStringLiteral("The objects are not shown here."));
+    return object;
+}
+
 void HtmlData::addText(QJsonObject& object, const ReportFiles::Copy& copy) {
     qint64 size = 0;
     const QByteArray text = m_files->endOfText(copy, &size);
@@ -330,9 +390,9 @@ void HtmlData::addText(QJsonObject& object, const ReportFiles::Copy& copy) {
     m_textBudget -= text.size();
     object.insert(QStringLiteral("text"), shown(wholeUtf8(text)));
     if (text.size() < size) {
-        object.insert(
-            QStringLiteral("note"),
-            QStringLiteral("The last %1 KiB of %2 KiB.").arg(text.size() / 1024).arg(size / 1024));
+        object.insert(QStringLiteral("note"),
+                      QStringLiteral("The last %1 KiB of %2 KiB.")
+                          .arg(QString::number(text.size() / 1024), QString::number(size / 1024)));
     }
 }
 

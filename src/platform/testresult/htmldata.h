@@ -3,9 +3,12 @@
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QString>
 #include <map>
+#include <utility>
 #include <vector>
 
+#include "platform/testresult/objecttrees.h"
 #include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/runtally.h"
@@ -16,19 +19,27 @@ namespace Tamrix {
 /// The entries of a run by CaseTally::id.
 using EntriesById = std::map<int, std::vector<ReportEntry>>;
 
+/// Facts about a run: name and fact.
+using RunFacts = std::vector<std::pair<QString, QString>>;
+
 /// Makes the data that the page of an HTML report shows. What it holds is told by html/report.js,
 /// which reads it: one object with
 ///
 ///     title, summary, notes, isGood, start, milliseconds, results
+///     environment facts about the run: name and fact
 ///     outcomes    id and label of each outcome, in the order of summaries
 ///     suites      name and path
 ///     rows        a case each, or what happened outside the cases of a suite
 ///     entries     for each row, the list of what happened
 ///     excerpts    lines of scripts; positions refer to them by index
+///     trees       objects of applications: a list each of depth, description and name; files refer
+///                 to them by index
 class HtmlData {
 public:
-    /// `tally` and `entries` must live longer. Attachments are copied by `files`, not owned.
-    HtmlData(const RunTally& tally, const EntriesById& entries, ReportFiles* files);
+    /// `tally`, `entries` and `environment` must live longer. Attachments are copied by `files`,
+    /// not owned.
+    HtmlData(const RunTally& tally, const EntriesById& entries, const RunFacts& environment,
+             ReportFiles* files);
 
     /// The name of the run: those of its suites.
     QString title() const;
@@ -40,7 +51,9 @@ private:
     void addRow(const CaseTally& tally, int suite, bool isCase);
     QJsonObject entryObject(const ReportEntry& whole, const QDateTime& rowStart);
     void addResult(QJsonObject& object, const ReportEntry& entry);
+    void addAction(QJsonObject& object, const ReportEntry& entry);
     void addStack(QJsonObject& object, const CallStack& callStack);
+    QJsonObject objectsObject(const QString& source);
     QJsonObject fileObject(const QString& source, bool isImage);
     void addText(QJsonObject& object, const ReportFiles::Copy& copy);
     /// The entry with texts that the page can hold; links to the whole ones go to `object`.
@@ -48,8 +61,10 @@ private:
 
     const RunTally& m_tally;
     const EntriesById& m_entries;
+    const RunFacts& m_environment;
     ReportFiles* m_files;
     ScriptExcerpts m_excerpts;
+    ObjectTrees m_trees;
     QJsonArray m_rows;
     /// The lists of the rows, as JSON.
     QByteArray m_rowEntries;
@@ -57,6 +72,7 @@ private:
     /// characters.
     qint64 m_textBudget;
     qint64 m_entryBudget;
+    int m_actionCount = 0;
 };
 
 }  // namespace Tamrix

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 
 #include "base/filewriting.h"
 #include "base/textescape.h"
@@ -64,12 +65,22 @@ void HtmlReport::add(const ReportEntry& entry) {
     std::vector<ReportEntry>& entries = m_entries[m_tally.add(entry).id];
     if (isFrame(entry))
         return;
+    if (entry.kind == Kind::Environment) {
+        addEnvironment(entry);
+        return;
+    }
     // Scripts write in small pieces.
     if (entry.kind == Kind::Output && !entries.empty() && entries.back().kind == Kind::Output &&
         entries.back().extra == entry.extra)
         entries.back().message += entry.message;
     else
         entries.push_back(entry);
+}
+
+void HtmlReport::addEnvironment(const ReportEntry& entry) {
+    std::pair fact(entry.message, entry.detail);
+    if (std::find(m_environment.begin(), m_environment.end(), fact) == m_environment.end())
+        m_environment.push_back(std::move(fact));
 }
 
 void HtmlReport::finish() {
@@ -83,7 +94,7 @@ void HtmlReport::finish() {
 }
 
 bool HtmlReport::writePage(ReportFiles& files) {
-    HtmlData data(m_tally, m_entries, &files);
+    HtmlData data(m_tally, m_entries, m_environment, &files);
     const QString title = data.title();
     const std::map<QByteArray, QByteArray> parts = {
         {"title", escapedForHtml(title)},           {"style", resource("report.css")},

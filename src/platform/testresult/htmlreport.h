@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "base/export.h"
@@ -33,6 +34,7 @@ public:
     QString errorText() const override { return m_error; }
 
 private:
+    void addEnvironment(const ReportEntry& entry);
     bool writePage(ReportFiles& files);
 
     QString m_folder;
@@ -41,6 +43,8 @@ private:
     RunTally m_tally;
     /// By CaseTally::id.
     std::map<int, std::vector<ReportEntry>> m_entries;
+    /// Facts about the run, each once: name and fact.
+    std::vector<std::pair<QString, QString>> m_environment;
 };
 
 }  // namespace Tamrix

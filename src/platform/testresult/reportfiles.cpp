@@ -152,6 +152,13 @@ QByteArray ReportFiles::endOfText(const Copy& copy, qint64* size) const {
     return text.mid(text.indexOf('\n') + 1);
 }
 
+QByteArray ReportFiles::text(const Copy& copy, qint64 mostBytes) const {
+    QFile file(QDir(m_folder).filePath(copy.path));
+    if (!file.open(QIODevice::ReadOnly) || file.size() > mostBytes)
+        return {};
+    return file.readAll();
+}
+
 void ReportFiles::removeUnused() {
     static const QRegularExpression s_ours(
         QStringLiteral("^[0-9a-f]{%1}-[A-Za-z0-9._-]*$").arg(digestLength));

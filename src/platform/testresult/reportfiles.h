@@ -37,6 +37,9 @@ public:
     /// The end of a copied text of at most 64 KiB. `*size` receives the size of the whole in bytes.
     QByteArray endOfText(const Copy& copy, qint64* size) const;
 
+    /// All of a copied text; empty when it has more bytes than that.
+    QByteArray text(const Copy& copy, qint64 mostBytes) const;
+
     /// The first failure to write; empty when there was none.
     QString errorText() const { return m_error; }
 

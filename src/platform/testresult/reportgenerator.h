@@ -21,10 +21,18 @@ struct TAMRIX_EXPORT ReportEntry {
         SectionStart,  ///< message: title, detail: description, extra: kind, value
         SectionEnd,    ///< message, extra: title and kind of the section that ends
         Result,        ///< type, message, detail, callStack, extra, value, explanation
-        Attachment,    ///< type: the attachment type's number, message, path, callStack
-        VideoStart,    ///< message, path, callStack
-        VideoEnd,      ///< message, path, callStack
-        Output         ///< message: text that the script wrote, extra: "stdout" or "stderr"
+        /// type: the attachment type's number, message, path, callStack, extra: "result" for one
+        /// that belongs to the result that comes next
+        Attachment,
+        VideoStart,  ///< message, path, callStack
+        VideoEnd,    ///< message, path, callStack
+        Output,      ///< message: text that the script wrote, extra: "stdout" or "stderr"
+        /// What the script did to an application. message: the function, detail: the object and
+        /// other arguments, value: how long it took in milliseconds, extra: "failed" or empty,
+        /// callStack; the time is that of its end
+        Action,
+        /// A fact about the run. message: what it is about, detail: the fact
+        Environment
     };
 
     Kind kind = Kind::Result;

@@ -57,6 +57,16 @@ QString describeResult(const ReportEntry& entry) {
     return lines.join(QLatin1Char('\n'));
 }
 
+QString describeAction(const ReportEntry& entry) {
+    const QString position =
+        entry.callStack.empty() ? QString() : positionText(entry.callStack.front());
+    const QString seconds = QString::number(entry.value / 1000.0, 'f', 2);
+    const bool hasFailed = entry.extra == QLatin1String("failed");
+    return (position.isEmpty() ? QString() : position + QLatin1String(": ")) + messageText(entry) +
+           QLatin1String(" (") + seconds +
+           (hasFailed ? QStringLiteral(" s, failed)") : QStringLiteral(" s)"));
+}
+
 QString screenshotNote(const QString& path) {
     return screenshotBeginning + path + screenshotEnd;
 }

@@ -31,6 +31,10 @@ TAMRIX_EXPORT QString commentText(const ReportEntry& entry);
 /// the call stack. Texts may have lines of their own.
 TAMRIX_EXPORT QString describeResult(const ReportEntry& entry);
 
+/// An action on one line: "FILE:LINE: FUNCTION: ARGUMENTS (0.05 s)", with ", failed" behind the
+/// time where it did.
+TAMRIX_EXPORT QString describeAction(const ReportEntry& entry);
+
 /// What a message ends with when a screenshot belongs to it: " (Screenshot in 'PATH')".
 TAMRIX_EXPORT QString screenshotNote(const QString& path);
 

@@ -37,8 +37,7 @@ QJsonObject ScriptExcerpts::excerpt(const LineInfo& position) {
     QString problem = source.problem;
     if (problem.isEmpty() && position.lineNumber() > source.lines.size()) {
         problem = QStringLiteral("The file '%1' has no line %2 any more.")
-                      .arg(position.fileName())
-                      .arg(position.lineNumber());
+                      .arg(position.fileName(), QString::number(position.lineNumber()));
     }
     if (!problem.isEmpty())
         return {{QStringLiteral("problem"), escapedForTerminal(problem)}};

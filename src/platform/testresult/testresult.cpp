@@ -142,6 +142,11 @@ void TestResult::addAttachment(AttachmentType type, const QString& message, cons
     addFile(ReportEntry::Kind::Attachment, type, message, path, callStack);
 }
 
+void TestResult::addResultAttachment(AttachmentType type, const QString& message,
+                                     const QString& path) {
+    addFile(ReportEntry::Kind::Attachment, type, message, path, {}, QStringLiteral("result"));
+}
+
 void TestResult::addStartVideo(const QString& message, const QString& path,
                                const std::vector<LineInfo>& callStack) {
     addFile(ReportEntry::Kind::VideoStart, 0, message, path, callStack);
@@ -159,6 +164,31 @@ void TestResult::addOutput(const QString& stream, const QString& text) {
     entry.kind = ReportEntry::Kind::Output;
     entry.message = text;
     entry.extra = stream;
+    forward(std::move(entry));
+}
+
+void TestResult::addAction(const QString& function, const QString& what, int milliseconds,
+                           bool hasFailed, const LineInfo& position) {
+    if (!m_recordsActions)
+        return;
+    ReportEntry entry;
+    entry.kind = ReportEntry::Kind::Action;
+    entry.message = function;
+    entry.detail = what;
+    entry.value = milliseconds;
+    if (hasFailed)
+        entry.extra = QStringLiteral("failed");
+    entry.callStack = {position};
+    forward(std::move(entry));
+}
+
+void TestResult::addEnvironment(const QString& name, const QString& fact) {
+    if (fact.isEmpty())
+        return;
+    ReportEntry entry;
+    entry.kind = ReportEntry::Kind::Environment;
+    entry.message = name;
+    entry.detail = fact;
     forward(std::move(entry));
 }
 
@@ -191,9 +221,11 @@ void TestResult::forward(ReportEntry entry) {
 }
 
 void TestResult::addFile(ReportEntry::Kind kind, int type, const QString& message,
-                         const QString& path, const std::vector<LineInfo>& callStack) {
+                         const QString& path, const std::vector<LineInfo>& callStack,
+                         const QString& extra) {
     ReportEntry entry;
     entry.kind = kind;
+    entry.extra = extra;
     entry.type = type;
     entry.message = message;
     entry.path = path;

@@ -36,7 +36,8 @@ public:
     enum AttachmentType {
         FileAttachment = 1,
         ImageAttachment = 2,
-        OutputAttachment = 3  ///< what an application wrote to its standard output or error
+        OutputAttachment = 3,  ///< what an application wrote to its standard output or error
+        ObjectsAttachment = 4  ///< the objects of an application, as JSON
     };
 
     /// `generator` is not owned, must live longer, and may be null; entries are then only counted.
@@ -89,12 +90,24 @@ public:
 
     void addAttachment(AttachmentType type, const QString& message, const QString& path,
                        const std::vector<LineInfo>& callStack);
+    /// An attachment that belongs to the result that comes next.
+    void addResultAttachment(AttachmentType type, const QString& message, const QString& path);
     void addStartVideo(const QString& message, const QString& path,
                        const std::vector<LineInfo>& callStack);
     void addEndVideo(const QString& message, const QString& path,
                      const std::vector<LineInfo>& callStack);
     /// Text that the script wrote; `stream` is "stdout" or "stderr".
     void addOutput(const QString& stream, const QString& text);
+
+    /// What the script did to an application, at its end; see ReportEntry::Kind::Action.
+    void addAction(const QString& function, const QString& what, int milliseconds, bool hasFailed,
+                   const LineInfo& position);
+    /// Whether addAction() does anything; it does unless somebody switches it off.
+    bool recordsActions() const { return m_recordsActions; }
+    void setRecordsActions(bool on) { m_recordsActions = on; }
+
+    /// A fact about the run: a version, a display, arguments. `name` says what it is about.
+    void addEnvironment(const QString& name, const QString& fact);
 
     /// No more entries are taken; late tasks ask isComplete() before they write.
     /// What is open then gets no end: end the suite first.
@@ -116,7 +129,7 @@ private:
 
     void forward(ReportEntry entry);
     void addFile(ReportEntry::Kind kind, int type, const QString& message, const QString& path,
-                 const std::vector<LineInfo>& callStack);
+                 const std::vector<LineInfo>& callStack, const QString& extra = QString());
     void openSection(ReportEntry entry);
     void endSectionOfKind(ReportEntry entry);
     void closeInnermostSection(ReportEntry entry);
@@ -127,6 +140,7 @@ private:
 
     ReportGenerator* m_generator;
     bool m_complete = false;
+    bool m_recordsActions = true;
     bool m_suiteOpen = false;
     bool m_caseOpen = false;
     std::vector<OpenSection> m_openSections;

@@ -22,6 +22,9 @@ public:
         /// The folder for pictures of the running test case, beside the report; it need not exist.
         /// An empty text when there is none.
         std::function<QString(RunnerInterface*)> directory;
+        /// Keeps in that folder what else shows the moment of a failure, once its picture of the
+        /// desktop is stored.
+        std::function<void(RunnerInterface*, const QString& directory)> keepMoment;
     };
     static void setScreenshotServices(const ScreenshotServices& services);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/objectclass.h"
@@ -90,12 +91,22 @@ PyRef givenArguments(const QString& name, PyObject* tuple, PyObject* named) {
     return PyRef::borrow(tuple);
 }
 
+/// What the results tell of the call: its arguments as the script gave them.
+void noteArguments(ActionRecord& record, PyObject* tuple) {
+    ScriptArgument::List arguments;
+    for (Py_ssize_t index = 0; record.isWanted() && index < PyTuple_GET_SIZE(tuple); ++index)
+        arguments.push_back(new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(tuple, index))));
+    record.setArguments(arguments);
+}
+
 PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     const QString name = GlobalFunctionHolder::unwrap(self)->name();
     return askApplication(name,
                           [&](PythonInterpreter& interpreter) {
+                              ActionRecord record(&interpreter.context(), name);
                               const QList<const Method*> methods = globalMethods(name);
                               PyRef values = givenArguments(name, tuple, named);
+                              noteArguments(record, values.get());
                               if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
                                   values = withObject(interpreter, values.get());
                               // Which of several methods is meant is the application's to say.

@@ -260,10 +260,10 @@ QHash<QString, PyRef>& functionObjects() {
 
 PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Target> target,
                          const void* address) {
-    const QString key = QStringLiteral("%1::%2/%3/%4")
-                            .arg(signature.owner, signature.name)
-                            .arg(int(target->kind))
-                            .arg(reinterpret_cast<quintptr>(address));
+    const QString key =
+        QStringLiteral("%1::%2/%3/%4")
+            .arg(signature.owner, signature.name, QString::number(int(target->kind)),
+                 QString::number(reinterpret_cast<quintptr>(address)));
     const auto known = functionObjects().constFind(key);
     if (known != functionObjects().constEnd())
         return *known;

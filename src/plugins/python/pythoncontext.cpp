@@ -288,9 +288,8 @@ bool PythonContext::evaluate(const QString& text, const QString& fileName) {
     QString message = error.message;
     if (!error.callStack.empty())
         message = QStringLiteral("%1:%2: %3")
-                      .arg(error.callStack.front().fileName())
-                      .arg(error.callStack.front().lineNumber())
-                      .arg(message);
+                      .arg(error.callStack.front().fileName(),
+                           QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
 }

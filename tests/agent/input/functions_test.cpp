@@ -112,6 +112,26 @@ TEST_P(InputTest, AModalDialogBlocksTheRestAndIsAnswered) {
     EXPECT_EQ(program().takeLog(), "no");
 }
 
+TEST_P(InputTest, EveryFunctionTellsThatTheObjectIsGone) {
+    EXPECT_EQ(program().call("click", "Modal"), "");
+    const Wire::ObjectInfo button = program().client().find({"type=QPushButton", "text=Yes"});
+    EXPECT_EQ(program().call("click", button), "");
+    const struct {
+        const char* function;
+        QVariantList arguments;
+    } rows[] = {
+        {"click", {}}, {"click", {1, 2}}, {"doubleClick", {}}, {"drag", {1, 2, 3, 4}},
+        {"hover", {}}, {"fill", {"x"}},   {"typeText", {"x"}}, {"press", {"Return"}},
+        {"check", {}}, {"uncheck", {}},   {"closeWindow", {}}, {"selectItem", {"x"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(program().call(row.function, button, row.arguments),
+                  "the QPushButton does not exist any more")
+            << row.function;
+        EXPECT_EQ(program().client().lastCode(), Wire::FailureCode::StaleObject);
+    }
+}
+
 TEST_P(InputTest, AClickMayEndTheProgram) {
     EXPECT_EQ(program().call("click", "Exit"), "");
     EXPECT_EQ(program().client().waitForEnd(), 7 << 8);

@@ -45,8 +45,8 @@ TEST(TextDifference, ShowsTheDifferingLinesWithThoseAroundThem) {
         {numbers(20), numbers(20).replace("\n10\n", "\nten\n"),
          "@@ -7,7 +7,7 @@\n 7\n 8\n 9\n-10\n+ten\n 11\n 12\n 13"},
         // Two places are told together when they are near each other.
-        {numbers(30), numbers(30).replace("\n2\n", "\n").replace("\n9\n", "\n9\nx\n"),
-         "@@ -1,12 +1,12 @@\n 1\n-2\n 3\n 4\n 5\n 6\n 7\n 8\n 9\n+x\n 10\n 11\n 12"},
+        {numbers(30), numbers(30).replace("\n2\n", "\n").replace("\n8\n", "\n8\nx\n"),
+         "@@ -1,11 +1,11 @@\n 1\n-2\n 3\n 4\n 5\n 6\n 7\n 8\n+x\n 9\n 10\n 11"},
         {numbers(30), numbers(30).replace("\n2\n", "\n").replace("\n29\n", "\ny\n"),
          "@@ -1,5 +1,4 @@\n 1\n-2\n 3\n 4\n 5\n"
          "@@ -26,5 +25,5 @@\n 26\n 27\n 28\n-29\n+y\n 30"},

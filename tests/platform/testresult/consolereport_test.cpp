@@ -102,7 +102,7 @@ TEST_F(ConsoleReportTest, TellsOnceThatItCannotWrite) {
     addSampleRun(&report);
     report.finish();
     EXPECT_EQ(report.errorText(),
-              "The console report could not be written: No space left on device");
+              "The report '/dev/full' can't be written: No space left on device");
 }
 
 }  // namespace

@@ -32,6 +32,10 @@ const leave = () =>
     document.body.textContent = "BEGIN" + encodeURIComponent(JSON.stringify(seen)) + "END";
 frame.addEventListener("load", async () => {
     const page = frame.contentDocument;
+    frame.contentWindow.addEventListener("error", (event) => {
+        seen.error = event.message;
+        leave();
+    });
     const one = (selector) => page.querySelector(selector);
     const isVisible = (element) => element.checkVisibility();
     const cases = () => [...page.querySelectorAll(".case")].filter(isVisible)
@@ -92,7 +96,7 @@ TEST_F(HtmlBrowserTest, ShowsFailuresAndFilters) {
     const QJsonObject seen = visit("", R"(
         seen.all = cases();
         // The first failure stands open, with its screenshot, lines and the application's output.
-        const image = one(".case[open] .failure img");
+        const image = one(".case[open] .failure img[alt^=screenshot]");
         await until(() => image.complete);
         seen.imageWidth = image.naturalWidth;
         seen.detail = one(".case[open] .failure .detail").textContent;
@@ -148,6 +152,92 @@ TEST_F(HtmlBrowserTest, ShowsFailuresAndFilters) {
     EXPECT_EQ(seen["found"].toString(), "tst_lost");
     EXPECT_TRUE(seen["isFolded"].toBool());
     EXPECT_TRUE(seen["section"].toString().contains("last words \\x1b[31m"));
+}
+
+TEST_F(HtmlBrowserTest, ShowsTheMomentOfAFailure) {
+    const QJsonObject seen = visit("", R"(
+        const copied = [];
+        Object.defineProperty(frame.contentWindow.navigator, "clipboard", { value: {
+            writeText: (text) => { copied.push(text); return Promise.resolve(); } } });
+        const failure = one(".case[open] .failure");
+        seen.pictures = [...failure.querySelectorAll(".pictures figcaption")]
+            .map((caption) => caption.textContent).join(" ");
+        seen.explanation = failure.querySelector(".explanation").textContent;
+        seen.removed = failure.querySelector(".explanation .removed").textContent;
+        // The objects, with a search and names to copy.
+        const objects = [...failure.querySelectorAll(".entry")].find(
+            (element) => element.textContent.includes("objects.json"));
+        objects.querySelector("summary").click();
+        await until(() => objects.querySelector(".object"));
+        const shown = () => [...objects.querySelectorAll(".object")]
+            .map((line) => line.querySelector(".what").textContent).join("|");
+        seen.objects = shown();
+        const search = objects.querySelector("input");
+        search.value = "TEXT='pay";
+        search.dispatchEvent(new frame.contentWindow.Event("input"));
+        seen.found = shown();
+        objects.querySelector(".object .copy").click();
+        [...failure.querySelectorAll(".copy")].pop().click();
+        await until(() => copied.length === 2);
+        seen.name = copied[0];
+        seen.failure = copied[1];
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_EQ(seen["pictures"].toString(), "windows.png screenshot_fail_1.png");
+    EXPECT_EQ(seen["explanation"].toString(), "@@ -1 +1 @@\n-<script>\\x0d\n+2\n");
+    EXPECT_EQ(seen["removed"].toString(), "-<script>\\x0d\n");
+    EXPECT_EQ(seen["objects"].toString(),
+              "QMainWindow \"Shop\"|QPushButton \"Pay\\n<b>\" (hidden, disabled)|QLabel");
+    EXPECT_EQ(seen["found"].toString(), "QPushButton \"Pay\\n<b>\" (hidden, disabled)");
+    EXPECT_EQ(seen["name"].toString(), "{text='Pay'}");
+    const QString text = seen["failure"].toString();
+    EXPECT_TRUE(text.startsWith("tst_basket: " + directory.path()));
+    EXPECT_TRUE(text.contains("helper.py:11: Fail: Comparison\n'<script>")) << text.toStdString();
+    EXPECT_TRUE(text.contains("\nComment: the total\n@@ -1 +1 @@\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("\ncalled from ")) << text.toStdString();
+}
+
+TEST_F(HtmlBrowserTest, ShowsActionsAlongTheTimeAndTheRunItself) {
+    const QJsonObject seen = visit("", R"(
+        const open = async (scope, title) => {
+            const section = [...scope.querySelectorAll(".section")].find(
+                (element) => element.querySelector(".what").textContent.startsWith(title));
+            section.querySelector("summary").click();
+            await until(() => section.querySelector(".inside"));
+            return section;
+        };
+        const timeline = await open(one(".case[open]"), "Actions (3");
+        seen.lines = [...timeline.querySelectorAll(".line")].slice(1)
+            .map((line) => line.querySelector(".what").textContent).join("|");
+        seen.failed = [...timeline.querySelectorAll(".line.failed")].length;
+        const bars = [...timeline.querySelectorAll(".bar")].map((bar) => bar.getBoundingClientRect());
+        seen.isLonger = bars[0].width > 2 * bars[1].width;
+        seen.isLater = bars[3].left > bars[2].left;
+        const all = await open(one(".case[open]"), "Everything that happened");
+        const group = [...all.querySelectorAll(".entry")].find(
+            (element) => element.textContent.includes("3 actions"));
+        group.querySelector("summary").click();
+        await until(() => group.querySelector(".action"));
+        seen.action = group.querySelector(".action.failed").textContent;
+        const about = one(".about");
+        seen.environment = (await open(about, "Environment")).querySelector("dl").textContent;
+        const slowest = await open(about, "Slowest cases");
+        seen.slowest = slowest.querySelectorAll(".line").length;
+        slowest.querySelector("a").click();
+        seen.address = frame.contentWindow.location.hash;
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_EQ(seen["lines"].toString(),
+              "startApplication \"shop\"|click {text='<b>'}|waitForObject {text='gone'}|"
+              "Fail: Comparison|Error: Script Error");
+    EXPECT_EQ(seen["failed"].toInt(), 3);
+    EXPECT_TRUE(seen["isLonger"].toBool());
+    EXPECT_TRUE(seen["isLater"].toBool());
+    EXPECT_TRUE(seen["action"].toString().contains("tst_basket/test.py:4took 0.30 s"))
+        << seen["action"].toString().toStdString();
+    EXPECT_EQ(seen["environment"].toString(), "Qt5.15.8Qt6 <b>");
+    EXPECT_EQ(seen["slowest"].toInt(), 4);
+    EXPECT_EQ(seen["address"].toString(), "#case=tst_basket");
 }
 
 TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {

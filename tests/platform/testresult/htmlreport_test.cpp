@@ -106,7 +106,7 @@ TEST_F(HtmlReportTest, HoldsAnyTextWithoutHarm) {
         dataOf(report([&random](ReportGenerator* html) {
             for (int i = 0; i < 20; ++i) {
                 ReportEntry any;
-                any.kind = Kind(random() % 11);
+                any.kind = Kind(random() % 13);
                 any.type = int(random() % 16);
                 any.message = randomText(random, 12);
                 any.detail = randomText(random, 12);

@@ -11,6 +11,13 @@
 
 namespace Tamrix::Test {
 
+/// Objects as `tamrixrunner inspect --json` prints them.
+inline const char* const objectsJson =
+    R"([{"type":"QMainWindow","text":"Shop","name":"{type='QMainWindow'}",
+"properties":{"visible":"true","enabled":"true"},"children":[
+{"type":"QPushButton","text":"Pay\n<b>","name":"{text='Pay'}","properties":{"visible":"false","enabled":"false"},"children":[]},
+{"type":"QLabel","text":"","name":"","properties":{"visible":"true","enabled":"true"},"children":[]}]}])";
+
 /// A run for the HTML report with what can belong to a failure: scripts, a screenshot and the
 /// application's output, which are files made below `directory`. It ends without its end, as after
 /// a kill. False when a file can't be made.
@@ -19,6 +26,8 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
     const QString script = suite + "/tst_basket/test.py";
     const QString helper = suite + "/shared/scripts/helper.py";
     const QString picture = directory + "/out/screenshot_fail_1.png";
+    const QString windows = directory + "/out/windows.png";
+    const QString objects = directory + "/out/objects.json";
     const QString output = directory + "/out/calculator-stderr.txt";
     QByteArray lines;
     for (int line = 1; line <= 12; ++line)
@@ -26,7 +35,8 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
     QImage image(640, 400, QImage::Format_RGB32);
     image.fill(QColor(70, 120, 180));
     if (!writeFile(script, lines) || !writeFile(helper, lines) ||
-        !writeFile(output, "Calculator: no key <7>\n") || !image.save(picture))
+        !writeFile(output, "Calculator: no key <7>\n") || !image.save(picture) ||
+        !image.copy(100, 100, 200, 150).save(windows) || !writeFile(objects, objectsJson))
         return false;
     // Older than the run, so that the report trusts their lines; the helper was changed since.
     QFile file(script);
@@ -37,6 +47,8 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
     FixedClock clock(report);
     TestResult result(&clock);
     result.startSuite("suite_shop", suite);
+    for (const char* fact : {"5.15.8", "5.15.8", "6 <b>"})
+        result.addEnvironment("Qt", fact);
     result.addResult(TestResult::Warning, "No application", "", LineInfo());
 
     result.startCase("tst_login", suite + "/tst_login/test.py");
@@ -50,10 +62,16 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
     result.endCase();
 
     result.startCase("tst_basket", script);
+    result.addAction("startApplication", "\"shop\"", 800, false, LineInfo(script, 2));
+    result.addAction("click", "{text='<b>'}", 20, false, LineInfo(script, 3));
+    result.addAction("waitForObject", "{text='gone'}", 300, true, LineInfo(script, 4));
     result.startSection("Pay", "", LineInfo(script, 3));
+    result.addResultAttachment(TestResult::ImageAttachment, "Windows", windows);
+    result.addResultAttachment(TestResult::ObjectsAttachment, "Objects", objects);
     result.addResult(QDateTime(), TestResult::Fail, "Comparison" + screenshotNote(picture),
                      "'<script>window.hacked = 1</script>'\nand '2' are not equal",
-                     CallStack{{helper, 11}, {script, 6}}, "the total");
+                     CallStack{{helper, 11}, {script, 6}}, "the total", -1,
+                     "@@ -1 +1 @@\n-<script>\r\n+2");
     result.endSection(LineInfo(script, 9));
     result.addResult(TestResult::Error, "Script Error", "NameError: x\nis not defined",
                      LineInfo(script, 99));

@@ -133,7 +133,7 @@ TEST_F(JUnitReportTest, StaysWellFormedWhateverTheTexts) {
         const QByteArray xml = report([&](ReportGenerator* junit) {
             for (int i = 0; i < 20; ++i) {
                 ReportEntry entry;
-                entry.kind = Kind(random() % 11);
+                entry.kind = Kind(random() % 13);
                 entry.type = int(random() % 16);
                 entry.message = randomText(random, 12);
                 entry.detail = randomText(random, 12);

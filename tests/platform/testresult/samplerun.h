@@ -57,10 +57,13 @@ inline void addSampleRun(ReportGenerator* report) {
     const QDateTime now = QDateTime::currentDateTime();
 
     result.startSuite("suite_shop", "/s");
+    result.addEnvironment("Qt", "5.15.8");
     result.addResult(TestResult::Warning, "No application", "", LineInfo());
     result.startCase("tst_login", script);
     result.addOutput("stdout", "logging in\n");
+    result.addAction("startApplication", "\"shop --fast\"", 1234, false, LineInfo(script, 2));
     result.startSection("Form", "with two fields", LineInfo(script, 3));
+    result.addAction("click", "{name='ok'}, \"Ctrl\"", 56, true, LineInfo(script, 4));
     result.addResult(TestResult::Pass, "Comparison", "'1' and '1' are equal", LineInfo(script, 4));
     result.addResult(TestResult::ExpectedFail, "Not verified", "False expression",
                      LineInfo(script, 5), "known since May");

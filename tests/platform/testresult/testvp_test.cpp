@@ -40,8 +40,10 @@ TEST(TestVP, WantsAScreenshotByFlag) {
 class LogScreenshotTest : public testing::Test {
 protected:
     LogScreenshotTest() {
-        TestVP::setScreenshotServices({[this](RunnerInterface*) { return desktop; },
-                                       [this](RunnerInterface*) { return folder; }});
+        TestVP::setScreenshotServices(
+            {[this](RunnerInterface*) { return desktop; },
+             [this](RunnerInterface*) { return folder; },
+             [this](RunnerInterface*, const QString& place) { moments += place; }});
     }
     ~LogScreenshotTest() override { TestVP::setScreenshotServices({}); }
 
@@ -54,6 +56,8 @@ protected:
     QTemporaryDir directory;
     QString folder = directory.filePath("pictures/tst");
     QImage desktop = picture(5);
+    /// The folders of moments that were to be kept.
+    QStringList moments;
     /// No operation of it is called here.
     RunnerInterface* runner = reinterpret_cast<RunnerInterface*>(this);
     Tamrix::Test::WarningRecorder warnings;
@@ -69,6 +73,17 @@ TEST_F(LogScreenshotTest, StoresPicturesUnderNewNames) {
     EXPECT_EQ(QImage(folder + "/screenshot_fail_1.png").width(), 3);
     EXPECT_EQ(QImage(folder + "/screenshot_fail_2.png").width(), 5);
     EXPECT_TRUE(warnings.messages().isEmpty());
+}
+
+TEST_F(LogScreenshotTest, KeepsTheMomentOfFailuresOnly) {
+    for (const TestResult::ResultType type :
+         {TestResult::Pass, TestResult::Warning, TestResult::ExpectedFail})
+        TestVP::logScreenshot(runner, type, QImage());
+    EXPECT_EQ(moments, QStringList());
+    for (const TestResult::ResultType type :
+         {TestResult::Fail, TestResult::Error, TestResult::Fatal, TestResult::UnexpectedPass})
+        TestVP::logScreenshot(runner, type, QImage());
+    EXPECT_EQ(moments, QStringList({folder, folder, folder, folder}));
 }
 
 TEST_F(LogScreenshotTest, GivesNoTextWhenNothingIsStored) {

@@ -106,8 +106,7 @@ void AgentConnection::takeHello(const Frame& frame) {
         refusal = QStringLiteral(
                       "the agent in the application speaks version %1 of the protocol, the runner "
                       "version %2: both must be of the same installation")
-                      .arg(hello.version)
-                      .arg(Wire::protocolVersion);
+                      .arg(QString::number(hello.version), QString::number(Wire::protocolVersion));
     } else if (hello.token != m_token) {
         refusal = QStringLiteral("the agent of process %1 shows a token that is not of this run")
                       .arg(hello.pid);

@@ -99,6 +99,32 @@ bool RemoteModel::lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer*
     return true;
 }
 
+bool RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
+                         const ObjectName& properties, bool wantNearMisses, LookUpAnswer* answer,
+                         RequestError* error, int timeout) {
+    *answer = {};
+    Wire::Expect request;
+    request.wantNearMisses = wantNearMisses;
+    QString fault;
+    const bool isNamed = !object;
+    if (!(isNamed ? makeQuery(name, &request.query, &fault)
+                  : m_link->handleOf(object, &request.handle, &fault)) ||
+        !makeQuery(properties, &request.properties, &fault)) {
+        *error = refusedHere(fault);
+        return false;
+    }
+    QList<Wire::NearMiss> misses;
+    if (!lookUp(MessageType::Expect, encode(request), timeout, answer, &misses, error))
+        return false;
+    answer->lack = QStringLiteral("not as expected");
+    answer->isReady = answer->object && misses.isEmpty();
+    if (answer->object)
+        answer->obstacle = differenceText(misses);
+    else
+        answer->missText = missText(name, misses);
+    return true;
+}
+
 bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row, int column,
                            bool wantReady, LookUpAnswer* answer, RequestError* error, int timeout) {
     *answer = {};
@@ -125,8 +151,8 @@ bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
         if (!answer->obstacle.isEmpty())
             answer->missText = std::exchange(answer->obstacle, QString());
         else if (text.isNull())
-            answer->missText =
-                QStringLiteral("There is no item at row %1, column %2").arg(row).arg(column);
+            answer->missText = QStringLiteral("There is no item at row %1, column %2")
+                                   .arg(QString::number(row), QString::number(column));
         else
             answer->missText = QStringLiteral("There is no item '%1'").arg(text);
     }

@@ -145,9 +145,36 @@
             make("figcaption", "", link(file.name, file.path)));
     }
 
+    // The objects of an application: a search, and each name to be copied.
+    function treeElement(tree) {
+        const list = make("div", "tree");
+        const search = make("input");
+        search.type = "search";
+        search.placeholder = `Search ${tree.length} objects`;
+        search.setAttribute("aria-label", search.placeholder);
+        const show = () => {
+            const wanted = search.value.toLowerCase();
+            list.replaceChildren();
+            appendAll(list, tree.filter(([, text, name]) =>
+                `${text} ${name}`.toLowerCase().includes(wanted)), ([depth, text, name]) => {
+                const line = make("div", "object", make("span", "what", text));
+                line.style.paddingLeft = `${wanted === "" ? depth : 0}em`;
+                if (name)
+                    line.append(make("code", "", name), copyButton("Copy", () => name));
+                return line;
+            });
+        };
+        search.addEventListener("input", show);
+        show();
+        return make("div", "objects", search, list);
+    }
+
     function fillFile(inside, file) {
         if (file.problem) {
             inside.append(make("p", "problem", file.problem));
+        } else if (file.tree !== undefined) {
+            inside.append(treeElement(data.trees[file.tree]),
+                make("p", "note", link(file.name, file.path)));
         } else if (file.kind === "image") {
             inside.append(pictureElement(file));
         } else {
@@ -164,6 +191,44 @@
         const isShown = isOpen || file.kind === "image" || file.problem;
         return foldable("entry", [make("span", "badge", entry.label), brief, timeOf(entry)],
             isShown, (inside) => fillFile(inside, file));
+    }
+
+    // Copying needs the clipboard, which a browser may keep from a page that was opened as a file.
+    function copyText(text) {
+        if (navigator.clipboard)
+            return navigator.clipboard.writeText(text).catch(() => copySelection(text));
+        return Promise.resolve(copySelection(text));
+    }
+
+    function copySelection(text) {
+        const area = make("textarea", "copied", text);
+        (document.querySelector("dialog[open]") || document.body).append(area);
+        area.select();
+        document.execCommand("copy");
+        area.remove();
+    }
+
+    function copyButton(label, textOf) {
+        const button = make("button", "copy", label);
+        button.type = "button";
+        button.addEventListener("click", (event) => {
+            // It may stand in a summary.
+            event.preventDefault();
+            copyText(textOf()).then(() => {
+                button.textContent = "Copied";
+                setTimeout(() => { button.textContent = label; }, 1500);
+            });
+        });
+        return button;
+    }
+
+    // A failure as text, for a message to somebody.
+    function failureText(entry, row) {
+        const stack = entry.stack || [];
+        return [`${row.name}: ${stack.length > 0 ? `${stack[0].position}: ` : ""}` +
+            `${entry.label}: ${entry.message}`, entry.detail, entry.comment, entry.explanation,
+            ...stack.slice(1).map((call) => `called from ${call.position}`),
+        ].filter(Boolean).join("\n");
     }
 
     // Links to the texts that stand in parts only.
@@ -185,6 +250,21 @@
         return block;
     }
 
+    // What shows the moment of a result: the application's windows beside the whole display, and
+    // the objects.
+    function fillMoment(inside, entry) {
+        const attached = entry.attached || [];
+        const pictures = make("div", "pictures");
+        for (const { file } of attached.filter(({ file }) => file.kind === "image"))
+            fillFile(pictures, file);
+        if (entry.screenshot)
+            fillFile(pictures, entry.screenshot);
+        if (pictures.firstChild)
+            inside.append(pictures);
+        for (const other of attached.filter(({ file }) => file.kind !== "image"))
+            inside.append(fileElement(other, false));
+    }
+
     function resultElement(entry, row, isOpen) {
         const kind = entry.label.toLowerCase().replace(/[^a-z0-9]+/g, "-");
         const summary = [make("span", `badge ${kind}`, entry.label),
@@ -193,7 +273,7 @@
                     (entry.message ? ": " : "") + firstLine(entry.detail)) : ""),
             timeOf(entry)];
         if (!entry.detail && !entry.comment && !entry.explanation && !entry.stack &&
-            !entry.screenshot && !entry.echo && !entry.wholes)
+            !entry.screenshot && !entry.echo && !entry.wholes && !entry.attached)
             return make("div", "entry flat", ...summary);
         return foldable(entry.failure && isOpen ? "entry failure" : "entry", summary, isOpen,
             (inside) => {
@@ -209,8 +289,9 @@
                     inside.append(make("p", "comment", "This is how the skipped case ended."));
                 if (entry.stack)
                     inside.append(stackElement(entry, row));
-                if (entry.screenshot)
-                    fillFile(inside, entry.screenshot);
+                fillMoment(inside, entry);
+                if (entry.failure)
+                    inside.append(copyButton("Copy this text", () => failureText(entry, row)));
             });
     }
 
@@ -220,6 +301,93 @@
             timeOf(entry)], false,
             (inside) => inside.append(make("pre", "output", entry.message),
                 wholesElement(entry)));
+    }
+
+    // Attachments of a result stand in front of it.
+    for (const entries of data.entries) {
+        let waiting = [];
+        for (const entry of entries) {
+            if (entry.belongsToResult) {
+                waiting.push(entry);
+            } else if (entry.kind === "result") {
+                if (waiting.length > 0)
+                    entry.attached = waiting;
+                waiting = [];
+            }
+        }
+    }
+
+    // --- Actions -----------------------------------------------------------------------------
+
+    function actionText(entry) {
+        return make("span", "what", make("b", "", entry.message), entry.detail
+            ? make("span", "more", ` ${entry.detail}`) : "");
+    }
+
+    function actionElement(entry, row) {
+        const position = make("span", "position", shortPath(entry.position || "", row));
+        position.title = entry.position || "";
+        return make("div", `entry flat action ${entry.failed ? "failed" : ""}`,
+            make("span", "badge", entry.failed ? "Action failed" : "Action"), actionText(entry),
+            position, make("span", "time", `took ${duration(entry.took)}`), timeOf(entry));
+    }
+
+    // What the script did, and what failed, along the time of the case.
+    function timelineElement(items, row) {
+        const last = items[items.length - 1];
+        const total = Math.max(row.milliseconds, last.at, 1);
+        const percent = (milliseconds) => `${(100 * milliseconds / total).toFixed(2)}%`;
+        const scale = make("div", "scale");
+        for (let part = 0; part <= 4; ++part)
+            scale.append(make("span", "", duration(total * part / 4)));
+        const timeline = make("div", "timeline",
+            make("div", "line", make("span", "what"), make("span", "took"), scale));
+        appendAll(timeline, items, (entry) => {
+            const took = entry.took || 0;
+            const bar = make("span", "bar");
+            bar.style.left = percent(Math.max(0, entry.at - took));
+            bar.style.width = percent(Math.min(took, entry.at));
+            const isAction = entry.kind === "action";
+            const text = isAction ? actionText(entry)
+                : make("span", "what", `${entry.label}: ${entry.message}`);
+            const line = make("div", isAction ? "line" : "line result", text,
+                make("span", "took", isAction ? duration(took) : ""),
+                make("span", "track", bar));
+            if (entry.failed || !isAction)
+                line.classList.add("failed");
+            line.title = `${entry.time}  ${entry.position || ""}`;
+            return line;
+        });
+        return timeline;
+    }
+
+    // Actions that follow each other, folded.
+    function withActionsGrouped(nodes) {
+        const grouped = [];
+        for (const node of nodes) {
+            const before = grouped[grouped.length - 1];
+            if (node.entry.kind !== "action")
+                grouped.push(node);
+            else if (before && before.actions)
+                before.actions.push(node.entry);
+            else
+                grouped.push({ entry: { kind: "actions" }, actions: [node.entry] });
+        }
+        return grouped;
+    }
+
+    function actionsElement(actions, row) {
+        if (actions.length === 1)
+            return actionElement(actions[0], row);
+        const first = actions[0];
+        const took = actions.reduce((sum, action) => sum + action.took, 0);
+        const failures = actions.filter((action) => action.failed).length;
+        return foldable("entry", [make("span", "badge", "Actions"),
+            make("span", "what", `${actions.length} actions`, make("span", "more-text",
+                `: ${first.message} ${firstLine(first.detail || "")} ...`)),
+            failures > 0 ? make("span", "badge failed", `${failures} failed`) : "",
+            make("span", "time", `took ${duration(took)}`), timeOf(first)], false,
+            (inside) => appendAll(inside, actions, (action) => actionElement(action, row)));
     }
 
     // Entries as a tree: sections hold what happened in them. A section without an end, as a run
@@ -256,7 +424,8 @@
             node.failures > 0, (inside) => {
                 if (entry.detail)
                     inside.append(make("p", "comment", entry.detail));
-                appendAll(inside, node.children, (child) => nodeElement(child, row));
+                appendAll(inside, withActionsGrouped(node.children),
+                    (child) => nodeElement(child, row));
             });
     }
 
@@ -268,6 +437,8 @@
             return fileElement(node.entry, false);
         case "output":
             return outputElement(node.entry);
+        case "actions":
+            return actionsElement(node.actions, row);
         default:
             return resultElement(node.entry, row, false);
         }
@@ -286,11 +457,18 @@
         }
         if (row.outcome !== "passed") {
             const files = entries.filter((entry) => entry.isApplicationOutput ||
-                (entry.file && entry.file.kind === "image"));
+                (entry.file && entry.file.kind === "image" && !entry.belongsToResult));
             appendAll(body, files, (entry) => fileElement(entry, false));
         }
-        const addTree = (inside) =>
-            appendAll(inside, treeOf(entries), (node) => nodeElement(node, row));
+        const actions = entries.filter((entry) => entry.kind === "action");
+        if (actions.length > 0) {
+            const items = entries.filter((entry) => entry.kind === "action" || entry.failure);
+            body.append(foldable("entry section",
+                [make("span", "what", `Actions (${actions.length})`)], false,
+                (inside) => inside.append(timelineElement(items, row))));
+        }
+        const addTree = (inside) => appendAll(inside, withActionsGrouped(treeOf(entries)),
+            (node) => nodeElement(node, row));
         if (failures.length > 0) {
             body.append(foldable("entry section",
                 [make("span", "what", `Everything that happened (${entries.length})`)], false,
@@ -461,8 +639,42 @@
         return head;
     }
 
+    function environmentElement() {
+        return foldable("entry section", [make("span", "what", "Environment")], false,
+            (inside) => {
+                const table = make("dl", "environment");
+                for (const { name, fact } of data.environment)
+                    table.append(make("dt", "", name), make("dd", "", fact));
+                inside.append(table);
+            });
+    }
+
+    // The cases that took longest, each with its share of the longest time.
+    function slowestElement() {
+        const slowest = [...data.rows].sort((a, b) => b.milliseconds - a.milliseconds)
+            .slice(0, 10).filter((row) => row.outcome && row.milliseconds > 0);
+        return foldable("entry section", [make("span", "what", "Slowest cases")], false,
+            (inside) => {
+                const table = make("div", "timeline");
+                for (const row of slowest) {
+                    const name = link(row.name, `#${new URLSearchParams({ case: row.name })}`);
+                    const bar = make("span", "bar");
+                    bar.style.width = `${100 * row.milliseconds / slowest[0].milliseconds}%`;
+                    table.append(make("div", "line", make("span", "what", name),
+                        make("span", "took", duration(row.milliseconds)),
+                        make("span", "track", bar)));
+                }
+                inside.append(table);
+            });
+    }
+
+    const about = make("div", "about");
+    if (data.environment.length > 0)
+        about.append(environmentElement());
+    if (data.rows.filter((row) => row.outcome).length > 1)
+        about.append(slowestElement());
     document.getElementById("report").append(
-        headElement(), shareElement(), filterElement(), list);
+        headElement(), shareElement(), about, filterElement(), list);
     loadFilter();
     window.addEventListener("hashchange", loadFilter);
     // Whoever opens the report after a bad night wants to see the first failure.

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QString>
+
+#include "base/export.h"
+#include "interpreter/bridge/scriptargument.h"
+#include "platform/testresult/lineinfo.h"
+
+namespace Tamrix {
+
+class ScriptContext;
+
+/// The time in which a script function works on an application. Its end becomes an entry of the
+/// results, unless these leave actions out; the record then costs nothing. Script thread only.
+class TAMRIX_EXPORT ActionRecord {
+public:
+    /// For a function whose arguments and error are those of the context. It has failed when the
+    /// context has an error in the end.
+    ActionRecord(ScriptContext* context, const char* function);
+    /// For a function of an application, which has its arguments elsewhere: setArguments() takes
+    /// them. It has failed when an exception ends it.
+    ActionRecord(ScriptContext* context, const QString& function);
+    ~ActionRecord();
+    ActionRecord(const ActionRecord&) = delete;
+    ActionRecord& operator=(const ActionRecord&) = delete;
+
+    /// Whether arguments are wanted.
+    bool isWanted() const { return m_isWanted; }
+    void setArguments(const ScriptArgument::List& arguments);
+
+private:
+    bool hasFailed() const;
+
+    ScriptContext* m_context;
+    bool m_isWanted;
+    bool m_usesContext;
+    int m_exceptionsBefore = 0;
+    QString m_function;
+    QString m_arguments;
+    LineInfo m_position;
+    QElapsedTimer m_timer;
+};
+
+/// How an action tells its arguments: names of objects, texts and numbers, with commas between.
+/// Asks no application. Throws what the language throws when a value has no text.
+TAMRIX_EXPORT QString actionArguments(const ScriptArgument::List& arguments);
+
+}  // namespace Tamrix
