@@ -282,6 +282,10 @@ void ScriptContext::restoreResultContext() {
     setNullResult();
 }
 
+QString ScriptContext::explainArgument(const char*) {
+    return {};
+}
+
 Gherkin::ScriptActions* ScriptContext::gherkinScriptActions(const QString&) {
     return nullptr;
 }

@@ -106,6 +106,9 @@ public:
     virtual bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const = 0;
     /// The language's own truth test.
     virtual bool isTrue(SharedPtr<ScriptArgument> value) = 0;
+    /// The source text of the running call's argument and the values in it, for people; empty where
+    /// the language can't tell. Only the argument of that parameter is looked at. By default empty.
+    virtual QString explainArgument(const char* parameter);
     /// Evaluates script code that is wanted to raise an exception. Gives the text for the passed
     /// case and the text for the failed case; the second is empty when the code did as wanted.
     virtual std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) = 0;

@@ -80,10 +80,13 @@ void verify(ScriptContext* context, bool xMode) {
     }
     const QString comment = optionalText(context, 1);
     const bool passed = context->isTrue(context->argument(0));
+    // At once: what it tells of may change.
+    const bool isFailure = passed == xMode;
+    const QString explanation = isFailure ? context->explainArgument("condition") : QString();
     const QString message =
         (passed ? "Verified" : "Not verified") + screenshotForResult(verdictType(passed, xMode));
     finishVerdict(context, passed, xMode, message, passed ? "True expression" : "False expression",
-                  comment);
+                  comment, explanation);
 }
 
 QString comparisonDetail(const SharedPtr<ScriptArgument>& left,

@@ -309,6 +309,11 @@ QString pythonName(const QString& name) {
     return keywords.contains(name) ? name + '_' : name;
 }
 
+bool isNativeFunction(PyObject* object) {
+    return PyCFunction_Check(object) && PyCFunction_GET_SELF(object) &&
+           Py_IS_TYPE(PyCFunction_GET_SELF(object), targetType());
+}
+
 PyRef makeFunction(const NativeSignature& signature, ScriptContext::Function function) {
     auto target = std::make_unique<Target>();
     target->kind = Kind::Table;

@@ -23,6 +23,9 @@ struct NativeSignature {
 /// The name as scripts write it: a keyword of Python gets an underscore behind it.
 QString pythonName(const QString& name);
 
+/// Whether the object is a function that one of the following made.
+bool isNativeFunction(PyObject* object);
+
 // Python functions over native ones. A function object lives for the process: making it a second
 // time for the same owner, name and native function gives the same object. Null with the error
 // indicator set on failure.

@@ -1,5 +1,6 @@
 #include "plugins/python/pythoncontext.h"
 
+#include "plugins/python/conditionsource.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
@@ -217,6 +218,10 @@ bool PythonContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const
 
 bool PythonContext::isTrue(SharedPtr<ScriptArgument> value) {
     return value->toBool();
+}
+
+QString PythonContext::explainArgument(const char* parameter) {
+    return explainCall(parameter, m_interpreter.files());
 }
 
 bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) {

@@ -10,22 +10,6 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Longest text of a value in a listing.
-constexpr int maximumValueLength = 200;
-
-QString shortened(const QString& text) {
-    return text.size() <= maximumValueLength ? text : text.left(maximumValueLength) + "...";
-}
-
-/// repr(value), or what stands for it when that raises.
-QString representation(PyObject* value) {
-    const PyRef text = PyRef::steal(PyObject_Repr(value));
-    if (text)
-        return shortened(fromPyString(text.get()));
-    PyErr_Clear();
-    return QStringLiteral("<no representation>");
-}
-
 QString typeNameOf(PyObject* value) {
     const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
     return name.mid(name.lastIndexOf('.') + 1);
