@@ -188,7 +188,8 @@
         const file = entry.file;
         const brief = make("span", "what", entry.message,
             make("span", "note", (entry.message ? ": " : "") + file.name));
-        const isShown = isOpen || file.kind === "image" || file.problem;
+        const isShown = isOpen || file.problem ||
+            (file.kind === "image" && !entry.belongsToResult);
         return foldable("entry", [make("span", "badge", entry.label), brief, timeOf(entry)],
             isShown, (inside) => fillFile(inside, file));
     }
@@ -321,7 +322,7 @@
 
     function actionText(entry) {
         return make("span", "what", make("b", "", entry.message), entry.detail
-            ? make("span", "more", ` ${entry.detail}`) : "");
+            ? ` ${entry.detail}` : "");
     }
 
     function actionElement(entry, row) {
