@@ -218,6 +218,7 @@ def main():
     // Both failures have the objects, which are the same.
     EXPECT_TRUE(Tamrix::Test::readFile(folder + "objects.json").contains("Close it"));
     EXPECT_FALSE(QFile::exists(folder + "objects_1.json"));
+    EXPECT_FALSE(QFile::exists(folder + "windows_1.png"));
     QStringList actions;
     QStringList attachments;
     for (const Json::Value& entry :
