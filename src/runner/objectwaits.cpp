@@ -16,6 +16,13 @@ constexpr int lookInterval = 50;
 /// How long an application may take to answer a single look, also when the wait is shorter.
 constexpr int minimalLookTimeout = 1000;
 
+/// The object, for which reports have a name now; null stays null.
+SharedPtr<Object> knownAs(const SharedPtr<Object>& object, const QString& name) {
+    if (object)
+        object->setFoundAs(name);
+    return object;
+}
+
 }  // namespace
 
 SharedPtr<Object> Runner::failedLookup(const QString& text) {
@@ -81,15 +88,13 @@ SharedPtr<Object> Runner::waitForName(const QString& name, bool wantReady, int t
     const ObjectName wanted = ObjectMap::self()->objectName(name);
     if (!wanted.isValid())
         return {};
-    SharedPtr<Object> object = waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.current(), QStringLiteral("Object '%1'").arg(name), wantReady, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
             return model.lookUp(wanted, wantReady, isLastLook, answer, error, lookTimeout);
         });
-    if (object)
-        object->setFoundAs(name);
-    return object;
+    return knownAs(found, name);
 }
 
 SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool, int timeout) {
@@ -101,11 +106,12 @@ SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int
 }
 
 SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
-    return waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.owner(object), QStringLiteral("The object"), true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.lookUp(object, true, answer, error, lookTimeout);
         });
+    return knownAs(found, object ? object->foundAs() : QString());
 }
 
 SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
@@ -113,11 +119,12 @@ SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QStr
     const QString what = item.isNull()
                              ? QStringLiteral("The item in row %1, column %2").arg(row).arg(column)
                              : QStringLiteral("Item '%1'").arg(item);
-    return waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.owner(object), what, true, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
         });
+    return knownAs(found, what);
 }
 
 }  // namespace Tamrix

@@ -195,7 +195,7 @@ TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
 def main():
     a = startApplication("faulty")
     button = waitForObject("{type='QPushButton' text='Modal'}")
-    click(button)
+    click(waitForObject(button))
     waitForObject("{text='Close it'}")
     test.log(a.environmentVariable('QT_QPA_PLATFORM'))
     test.fail("look")
@@ -233,6 +233,7 @@ def main():
     EXPECT_EQ(actions.join('\n'),
               "startApplication \"faulty\" 5\n"
               "waitForObject \"{type='QPushButton' text='Modal'}\" 6\n"
+              "waitForObject {type='QPushButton' text='Modal'} 7\n"
               "click {type='QPushButton' text='Modal'} 7\n"
               "waitForObject \"{text='Close it'}\" 8");
     EXPECT_EQ(attachments.join(' '), "2 4 2 4");
