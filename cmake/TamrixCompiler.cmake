@@ -16,7 +16,8 @@ endif()
 
 add_library(tamrix-compiler INTERFACE)
 target_compile_options(tamrix-compiler INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual)
+    -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
+    -Wnon-virtual-dtor -Woverloaded-virtual)
 # A call inside one of our shared libraries is a plain call, and may be inlined.
 target_compile_options(tamrix-compiler INTERFACE -fno-semantic-interposition -fno-plt)
 # Nothing that is built names the folder in which it was built.
@@ -34,6 +35,10 @@ if(TAMRIX_SANITIZERS)
     target_compile_options(tamrix-compiler INTERFACE
         -fsanitize=${TAMRIX_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(tamrix-compiler INTERFACE -fsanitize=${TAMRIX_SANITIZERS})
+endif()
+if(TAMRIX_LIBFUZZER)
+    # Tells the fuzzer which edges of the code an input reaches.
+    target_compile_options(tamrix-compiler INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # Tests are compiled often and run shortly: most of the time goes into what they test.

@@ -150,7 +150,11 @@ private:
             skipSpace();
             if (startsWithIgnoringCase("version") || startsWithIgnoringCase("encoding") ||
                 startsWithIgnoringCase("standalone")) {
+                const std::size_t begin = m_position;
                 skipAttribute();
+                // There are no references here, and TinyXML ends at a faulty one without a word.
+                if (m_text.substr(begin, m_position - begin).find('&') != std::string_view::npos)
+                    m_finished = true;
                 continue;
             }
             while (!atEnd() && current() != '>' && !isSpace(current()))

@@ -45,9 +45,29 @@ bool readForComparison(const QString& path, QIODevice::OpenMode mode, QByteArray
     return false;
 }
 
-QByteArray formattedForDiff(const QString& text) {
+/// One file of a comparison of JSON.
+struct JsonFile {
+    QString path;
+    QString text;
+    /// Why it can't be decoded.
+    QString problem;
+};
+
+QString problemOf(const JsonFile& file) {
+    QString problem = file.problem;
+    Json::Value value;
+    if (problem.isEmpty())
+        readJSON(file.text, &value, &problem);
+    return problem;
+}
+
+/// Nothing for a file that is no JSON, which is noted.
+QByteArray formattedForDiff(const JsonFile& file, QStringList* invalidFiles) {
     QString formatted;
-    return formatJson(text, &formatted) ? listifyQString(formatted) : QByteArray();
+    if (file.problem.isEmpty() && formatJson(file.text, &formatted))
+        return listifyQString(formatted);
+    invalidFiles->append(QStringLiteral("'%1': %2").arg(file.path, problemOf(file).simplified()));
+    return {};
 }
 
 /// Appends the differences to the detail; false with an error when they don't fit in a text.
@@ -107,16 +127,23 @@ FileComparison compareJsonFiles(const QString& expected, const QString& actual) 
     if (!readForComparison(expected, QIODevice::Text, &bytes[0], &comparison) ||
         !readForComparison(actual, QIODevice::Text, &bytes[1], &comparison))
         return comparison;
-    const QString texts[2] = {toUtfString(bytes[0]), toUtfString(bytes[1])};
-
+    JsonFile files[2] = {{expected, {}, {}}, {actual, {}, {}}};
     QString difference;
-    comparison.equal = compareJson(texts[0], texts[1], &difference);
+    for (int side : {0, 1}) {
+        if (!decodeJson(bytes[side], &files[side].text, &files[side].problem) &&
+            difference.isEmpty())
+            difference = files[side].problem;
+    }
+
+    comparison.equal =
+        difference.isEmpty() && compareJson(files[0].text, files[1].text, &difference);
     comparison.message = QStringLiteral("JSON Comparison");
     if (comparison.equal) {
         comparison.detail = QStringLiteral("Files are equal");
         return comparison;
     }
-    const QByteArray formatted[2] = {formattedForDiff(texts[0]), formattedForDiff(texts[1])};
+    const QByteArray formatted[2] = {formattedForDiff(files[0], &comparison.invalidFiles),
+                                     formattedForDiff(files[1], &comparison.invalidFiles)};
     QByteArray detail = QStringLiteral("Files differ: %1 ").arg(difference).toUtf8() + diffHeading;
     bool differ = false;
     if (!appendDiff(formatted[0], formatted[1], &detail, &differ, &comparison))

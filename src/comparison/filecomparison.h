@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "base/export.h"
 #include "comparison/xmlcompareoptions.h"
@@ -17,6 +18,9 @@ struct FileComparison {
     QString message;
     /// What was found, for the result's detail.
     QString detail;
+    /// What is wrong with each file that is no JSON, beginning with its name. The detail's words
+    /// don't say which file they are about.
+    QStringList invalidFiles;
 };
 
 /// Compares line by line. Unless `strictLineEndings`, a CRLF is as good as a line feed.

@@ -8,6 +8,9 @@
 #include <limits>
 #include <stdexcept>
 
+#include "comparison/difftext.h"
+#include "comparison/jsonsyntax.h"
+
 namespace Tamrix {
 
 namespace {
@@ -42,8 +45,7 @@ QString textOf(const Json::Value& value) {
 bool compareArrays(const Json::Value& a, const Json::Value& b, QString* message) {
     if (a.size() != b.size()) {
         *message = QStringLiteral("Different number of array elements: %1 not equal to %2")
-                       .arg(a.size())
-                       .arg(b.size());
+                       .arg(QString::number(a.size()), QString::number(b.size()));
         return false;
     }
     for (Json::ArrayIndex i = 0; i < a.size(); ++i) {
@@ -69,13 +71,24 @@ bool compareJsonObjectMembers(const Json::Value& first, const Json::Value& secon
 bool compareObjects(const Json::Value& a, const Json::Value& b, QString* message) {
     if (a.size() != b.size()) {
         *message = QStringLiteral("Different number of name-value pairs: %1 not equal to %2")
-                       .arg(a.size())
-                       .arg(b.size());
+                       .arg(QString::number(a.size()), QString::number(b.size()));
         return false;
     }
     // All names of one are in the other and their numbers agree, so looking from the other side
     // as well could find nothing, and would take twice the time on every level of nesting.
     return compareJsonObjectMembers(a, b, a.getMemberNames(), message);
+}
+
+/// In the reader's layout; empty when there is no problem.
+QString textOf(const JsonProblem& problem) {
+    return problem.reason.isEmpty() ? QString()
+                                    : QStringLiteral("* Line %1, Column %2\n  %3\n")
+                                          .arg(QString::number(problem.line),
+                                               QString::number(problem.column), problem.reason);
+}
+
+QString invalidJson(const QString& problem) {
+    return QStringLiteral("Invalid JSON: %1").arg(problem);
 }
 
 }  // namespace
@@ -92,16 +105,31 @@ bool readJSON(const QString& text, Json::Value* out, QString* error) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
         Json::Reader reader(Json::Features::strictMode());
+        // The reader's own words come first; it lets pass some of what is no JSON.
         if (reader.parse(bytes.constBegin(), bytes.constEnd(), *out, true))
+            problem = textOf(jsonProblem(bytes));
+        else
+            problem = QString::fromStdString(reader.getFormattedErrorMessages());
+        if (problem.isEmpty())
             return true;
-        problem = QString::fromStdString(reader.getFormattedErrorMessages());
 #pragma GCC diagnostic pop
     } catch (const std::exception& exception) {
         // The reader throws when values are nested too deep for it.
         problem = QString::fromUtf8(exception.what());
     }
-    *error = QStringLiteral("Invalid JSON: %1").arg(problem);
+    *error = invalidJson(problem);
     return false;
+}
+
+bool decodeJson(const QByteArray& bytes, QString* text, QString* error) {
+    // All mistakes of the encoding would be decoded to one and the same character.
+    const QString problem = textOf(jsonEncodingProblem(bytes));
+    if (!problem.isEmpty()) {
+        *error = invalidJson(problem);
+        return false;
+    }
+    *text = toUtfString(bytes);
+    return true;
 }
 
 bool compareJson(const QString& expected, const QString& actual, QString* message) {

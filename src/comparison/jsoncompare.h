@@ -2,6 +2,7 @@
 
 #include <json/value.h>
 
+#include <QByteArray>
 #include <QString>
 
 #include "base/export.h"
@@ -11,7 +12,12 @@ namespace Tamrix {
 // Values of JSON texts compared. Texts that are nested too deep for the reader, or that name a
 // number beyond all ranges, are errors like any other. Any thread.
 
-/// Reads strict JSON: an array or object without comments. False with the reason in `*error`.
+/// Decodes the bytes of a file as toUtfString() does. False with the reason in `*error` when they
+/// are not UTF-8 and no byte order mark tells of another encoding.
+TAMRIX_EXPORT bool decodeJson(const QByteArray& bytes, QString* text, QString* error);
+
+/// Reads strict JSON: an array or object, and nothing else but white space. False with the place
+/// and the reason in `*error`.
 TAMRIX_EXPORT bool readJSON(const QString& text, Json::Value* out, QString* error);
 
 /// Whether both texts hold equal values; else `*message` says what is wrong with a text or names

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QStringList>
 
+#include "base/blocking.h"
 #include "runner/shellwords.h"
 
 namespace Tamrix {
@@ -81,7 +82,7 @@ QString Application::endText() {
     QElapsedTimer timer;
     timer.start();
     while (isRunning() && timer.elapsed() < endPatience)
-        ::usleep(5000);
+        blockingSleep(5000);
     if (isRunning()) {
         return QStringLiteral("The connection to the application '%1' has ended: %2")
             .arg(name, connection().errorText());

@@ -1,5 +1,7 @@
 // The operations of Runner on the objects of the current application, and its input.
 
+#include <exception>
+
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
@@ -122,7 +124,8 @@ bool Runner::acquireRemoteObjectModel() {
 }
 
 void Runner::releaseRemoteObjectModel() {
-    if (--m_callDepth == 0)
+    // No handler runs beside an exception that is on its way.
+    if (--m_callDepth == 0 && std::uncaught_exceptions() == 0)
         work();
 }
 

@@ -1,12 +1,11 @@
 #include "runner/applications.h"
 
-#include <poll.h>
-
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QScopedValueRollback>
 #include <algorithm>
 
+#include "base/blocking.h"
 #include "base/environment.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
@@ -72,7 +71,7 @@ SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int t
     *error = prepare();
     if (!error->isEmpty())
         return {};
-    const QString mark = QStringLiteral("%1:%2").arg(m_runId).arg(++m_lastProgram);
+    const QString mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
     ApplicationStart start = wanted;
     start.program.environment =
         m_displayEnvironment + wanted.program.environment +
@@ -139,8 +138,7 @@ QString Applications::startFailure(StartedProgram& program, int timeout) {
         text = QStringLiteral(
                    "'%1' was started, but no agent in it connected within %2 ms; is it a program "
                    "with Qt 5?")
-                   .arg(program.start().name)
-                   .arg(timeout);
+                   .arg(program.start().name, QString::number(timeout));
     }
     if (!refusal.isEmpty())
         text += QStringLiteral("\nA connection was refused: ") + refusal;
@@ -196,7 +194,7 @@ std::shared_ptr<StartedProgram> Applications::programOf(pid_t process) {
 QString Applications::uniqueName(const QString& name) {
     QString unique = name;
     for (int number = 2; find(unique); ++number)
-        unique = QStringLiteral("%1_%2").arg(name).arg(number);
+        unique = QStringLiteral("%1_%2").arg(name, QString::number(number));
     return unique;
 }
 
@@ -289,7 +287,7 @@ void Applications::waitForNews(int milliseconds) {
         if (application->valid)
             watched.push_back({application->connection().descriptor(), POLLIN, 0});
     }
-    ::poll(watched.data(), watched.size(), milliseconds);
+    blockingPoll(watched.data(), watched.size(), milliseconds);
     work();
     QCoreApplication::processEvents();
 }

@@ -41,10 +41,10 @@ bool isGoodName(const QString& name) {
 /// set when it can't be trusted.
 QString attachableFolder(QString* error) {
     const QString runtime = QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR"));
-    const QString folder =
-        runtime.isEmpty()
-            ? QStringLiteral("%1/tamrix-attachable-%2").arg(QDir::tempPath()).arg(::getuid())
-            : runtime + QLatin1String("/tamrix-attachable");
+    const QString folder = runtime.isEmpty()
+                               ? QStringLiteral("%1/tamrix-attachable-%2")
+                                     .arg(QDir::tempPath(), QString::number(::getuid()))
+                               : runtime + QLatin1String("/tamrix-attachable");
     const QByteArray path = folder.toLocal8Bit();
     ::mkdir(path.constData(), S_IRWXU);
     struct stat info {};
@@ -139,11 +139,11 @@ void Keeper::addAgent(int descriptor) {
         hello.magic != Wire::magicNumber) {
         m_refusal = QStringLiteral("the other side is no agent");
     } else if (hello.version != Wire::protocolVersion) {
-        m_refusal = QStringLiteral(
-                        "the agent in the application speaks version %1 of the protocol, this "
-                        "program version %2")
-                        .arg(hello.version)
-                        .arg(Wire::protocolVersion);
+        m_refusal =
+            QStringLiteral(
+                "the agent in the application speaks version %1 of the protocol, this "
+                "program version %2")
+                .arg(QString::number(hello.version), QString::number(Wire::protocolVersion));
     } else if (hello.token != m_token) {
         m_refusal = QStringLiteral("the agent shows a wrong token");
     } else if (m_agent) {
@@ -248,9 +248,8 @@ void keep(StartedProgram& program, Keeper& keeper, const Listener& agents, const
             program.process().waitForEnd(endPatience);
         if (!keeper.hasAgent() && deadline.hasExpired()) {
             *error = QStringLiteral("no agent in '%1' connected within %2 ms%3")
-                         .arg(program.start().name)
-                         .arg(connectTimeout)
-                         .arg(keeper.refusal().isEmpty() ? QString()
+                         .arg(program.start().name, QString::number(connectTimeout),
+                              keeper.refusal().isEmpty() ? QString()
                                                          : QStringLiteral(": ") + keeper.refusal());
             return;
         }

@@ -13,6 +13,9 @@
 #include <csignal>
 #include <cstdint>
 
+#include "base/blocking.h"
+#include "base/wholetext.h"
+
 namespace Tamrix {
 
 void OutputTail::append(const char* bytes, qint64 size) {
@@ -99,7 +102,7 @@ QByteArray ChildOutput::standardError() const {
 }
 
 QString ChildOutput::lastErrorLines(int count) const {
-    const QString text = QString::fromLocal8Bit(standardError()).trimmed();
+    const QString text = wholeLocal8Bit(standardError()).trimmed();
     const QStringList lines = text.split(QLatin1Char('\n'));
     return lines.mid(std::max(0, lines.size() - count)).join(QLatin1Char('\n'));
 }
@@ -112,7 +115,7 @@ void ChildOutput::waitForEnd(int milliseconds) const {
             if (m_hasEnded)
                 return;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        blockingSleep(2000);
     }
 }
 

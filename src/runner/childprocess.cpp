@@ -13,6 +13,8 @@
 #include <cstring>
 #include <vector>
 
+#include "base/blocking.h"
+
 namespace Tamrix {
 
 namespace {
@@ -244,7 +246,7 @@ bool ChildProcess::waitForEnd(int milliseconds) {
     while (!hasEnded()) {
         if (timer.elapsed() >= milliseconds)
             return false;
-        ::usleep(5000);
+        blockingSleep(5000);
     }
     return true;
 }

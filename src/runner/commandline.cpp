@@ -388,8 +388,7 @@ QString generalHelp() {
         width = std::max(width, static_cast<int>(fullSyntax(command).size()));
     for (const CommandDescription& command : commands()) {
         text += QStringLiteral("  %1  %2\n")
-                    .arg(fullSyntax(command), -width)
-                    .arg(QLatin1String(command.summary));
+                    .arg(fullSyntax(command).leftJustified(width), QLatin1String(command.summary));
     }
     text += QStringLiteral(
                 "\n%1 COMMAND --help tells the options of a command.\n"

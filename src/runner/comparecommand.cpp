@@ -95,6 +95,8 @@ int compareFiles(const CommandLine& commandLine) {
     const FileComparison comparison = compare(commandLine, options);
     if (!comparison.error.isEmpty())
         return failWith(comparison.error);
+    for (const QString& file : comparison.invalidFiles)
+        tell(file);
     QByteArray text = comparison.detail.toLocal8Bit();
     if (!text.endsWith('\n'))
         text += '\n';

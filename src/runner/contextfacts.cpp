@@ -1,8 +1,11 @@
 // The operations of Runner on applications and their contexts.
 
 #include <QFileInfo>
+#include <algorithm>
+#include <limits>
 
 #include "base/environment.h"
+#include "base/wholetext.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/testresult/testresult.h"
 #include "runner/runner.h"
@@ -96,6 +99,9 @@ bool Runner::detachApplication(SharedPtr<ApplicationContext> context) {
     if (!application || !isValidContext(context))
         return false;
     application->detach();
+    // The script goes on with what is left.
+    if (m_applications.current() == application)
+        m_applications.setCurrent(m_applications.first());
     return true;
 }
 
@@ -177,8 +183,10 @@ bool Runner::isFrozen(SharedPtr<ApplicationContext> context, int timeoutSeconds)
     const SharedPtr<Application> application = m_applications.checked(context);
     if (!application || !isValidContext(context))
         return false;
+    const auto milliseconds = static_cast<int>(
+        std::clamp<qint64>(timeoutSeconds * 1000LL, 0, std::numeric_limits<int>::max()));
     RequestError error;
-    return !application->connection().ping(timeoutSeconds * 1000, &error) &&
+    return !application->connection().ping(milliseconds, &error) &&
            error.kind == RequestError::Kind::TimedOut;
 }
 
@@ -192,7 +200,7 @@ QString Runner::readOutput(const SharedPtr<ApplicationContext>& context,
     *available = application && application->program();
     if (!*available)
         return {};
-    return QString::fromLocal8Bit((application->program()->output().*stream)());
+    return wholeLocal8Bit((application->program()->output().*stream)());
 }
 
 QString Runner::readStdout(SharedPtr<ApplicationContext> context, bool* available) {

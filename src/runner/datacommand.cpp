@@ -144,6 +144,10 @@ int printTestData(const CommandLine& commandLine) {
                 .arg(file));
     if (!set || !set->header())
         return failWith(QStringLiteral("no table can be read from '%1'").arg(file));
+    // Half a table would be taken for the whole one.
+    if (!set->isComplete())
+        return failWith(
+            QStringLiteral("'%1' can't be read as a whole, so nothing of it is printed").arg(file));
     return printSet(*set, commandLine.tableFormat)
                ? ExitSuccess
                : failWith(QStringLiteral("standard output can't be written"));

@@ -73,9 +73,8 @@ SearchRegion regionToSearch(const CommandLine& line, const Picture& haystack) {
                      [&](const QRect& each) { return each.intersects(whole); })) {
         throw std::runtime_error(
             QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
-                .arg(line.searchRegion.description(), haystack.file)
-                .arg(whole.width())
-                .arg(whole.height())
+                .arg(line.searchRegion.description(), haystack.file, QString::number(whole.width()),
+                     QString::number(whole.height()))
                 .toStdString());
     }
     return line.searchRegion;

@@ -67,7 +67,8 @@ QString startHelper(const ProgramStart& start, std::unique_ptr<ChildProcess>* pr
         }
         ::usleep(5000);
     }
-    *error = QStringLiteral("'%1' was not ready within %2 ms").arg(start.program).arg(startTimeout);
+    *error = QStringLiteral("'%1' was not ready within %2 ms")
+                 .arg(start.program, QString::number(startTimeout));
     return {};
 }
 

@@ -74,23 +74,19 @@ void Runner::runHandler(const QString& callback) {
     Interpreter* const interpreter = Interpreter::self();
     if (!interpreter)
         return;
-    // What a callable raises goes to standard error.
-    if (interpreter->isCallableAvailable(callback)) {
-        interpreter->invokeCallable(callback);
-        return;
-    }
+    const bool isCallable = interpreter->isCallableAvailable(callback);
     // A handler that was taken out while its event was on the way.
-    if (!interpreter->hasFunction(callback))
+    if (!isCallable && !interpreter->hasFunction(callback))
         return;
-    ScriptContext* const context = ScriptContext::current();
-    const bool isCalled = interpreter->callFunction(callback, {});
-    ScriptContext::setCurrent(context);
-    if (!isCalled && m_testResult) {
-        m_testResult->addResult(
-            QDateTime::currentDateTime(), TestResult::Error,
-            QStringLiteral("Script Error in the event handler '%1'").arg(callback),
-            interpreter->errorMessage(), interpreter->errorCallStack());
-    }
+    const bool isDone =
+        isCallable ? interpreter->invokeCallable(callback) : interpreter->invokeFunction(callback);
+    if (isDone || !m_testResult)
+        return;
+    const Interpreter::CallbackError& error = interpreter->callbackError();
+    m_testResult->addResult(QDateTime::currentDateTime(), TestResult::Warning,
+                            isCallable ? QStringLiteral("Script Error in an event handler")
+                                       : "Script Error in the event handler '" + callback + "'",
+                            error.message, error.callStack);
 }
 
 }  // namespace Tamrix

@@ -98,6 +98,8 @@ public:
                                           int timeout) override;
     SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
                                         int column, int timeout) override;
+    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                        const ObjectName& properties, int timeout) override;
 
     // Objects and input: applicationinput.cpp.
     bool objectHasComponents(int remoteId) override;
@@ -152,8 +154,8 @@ private:
     static SharedPtr<Object> failedLookup(const QString& text);
     /// `what` names the object in messages.
     SharedPtr<Object> waitUntilFound(const SharedPtr<Application>& application, const QString& what,
-                                     bool wantReady, int timeout, const Look& look);
-    SharedPtr<Object> waitForName(const QString& name, bool wantReady, int timeout);
+                                     Wire::Wanted wanted, int timeout, const Look& look);
+    SharedPtr<Object> waitForName(const QString& name, Wire::Wanted wanted, int timeout);
     /// The model of the object's application, of the current one for null; null with `*error` set
     /// when there is none or it ended.
     RemoteModel* modelOf(const SharedPtr<Object>& object, QString* error);

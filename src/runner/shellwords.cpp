@@ -34,7 +34,7 @@ QStringList splitShellWords(const QString& text, QString* error) {
         }
     }
     if (!quote.isNull()) {
-        *error = QStringLiteral("a quote (%1) is not closed in '%2'").arg(quote).arg(text);
+        *error = QStringLiteral("a quote (%1) is not closed in '%2'").arg(quote, text);
         return {};
     }
     if (inWord)

@@ -47,10 +47,8 @@ QRect parseRectangle(const QString& text) {
 
 QString describeRectangle(const QRect& rectangle) {
     return QStringLiteral("%1x%2x%3x%4")
-        .arg(rectangle.left())
-        .arg(rectangle.top())
-        .arg(rectangle.width())
-        .arg(rectangle.height());
+        .arg(QString::number(rectangle.left()), QString::number(rectangle.top()),
+             QString::number(rectangle.width()), QString::number(rectangle.height()));
 }
 
 int requiredInteger(const Json::Value& value, const std::string& key) {
@@ -136,8 +134,9 @@ QRect rectFromJson(const Json::Value& value) {
     const int y = requiredInteger(value, "y");
     const int x = requiredInteger(value, "x");
     if (!hasFarCorner(x, y, width, height)) {
-        failParsing(
-            QStringLiteral("Invalid rectangle: %1x%2x%3x%4").arg(x).arg(y).arg(width).arg(height));
+        failParsing(QStringLiteral("Invalid rectangle: %1x%2x%3x%4")
+                        .arg(QString::number(x), QString::number(y), QString::number(width),
+                             QString::number(height)));
     }
     return rectangleOf(x, y, width, height);
 }

@@ -35,9 +35,8 @@ bool makeAddress(const QString& path, sockaddr_un* address, QString* error) {
         *error = QStringLiteral(
                      "the path '%1' is no path for a local socket: it has %2 bytes of "
                      "at most %3")
-                     .arg(path)
-                     .arg(bytes.size())
-                     .arg(sizeof(address->sun_path) - 1);
+                     .arg(path, QString::number(bytes.size()),
+                          QString::number(sizeof(address->sun_path) - 1));
         return false;
     }
     std::memcpy(address->sun_path, bytes.constData(), static_cast<size_t>(bytes.size()));
@@ -103,8 +102,7 @@ std::optional<Frame> FrameChannel::takeFrame() {
     const auto length = qFromBigEndian<quint32>(head);
     if (length > m_maximalBodySize) {
         close(QStringLiteral("a message of %1 bytes came, at most %2 are taken")
-                  .arg(length)
-                  .arg(m_maximalBodySize));
+                  .arg(QString::number(length), QString::number(m_maximalBodySize)));
         m_received.clear();
         m_taken = 0;
         return std::nullopt;

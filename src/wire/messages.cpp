@@ -1,5 +1,6 @@
 #include "wire/messages.h"
 
+#include "base/wholetext.h"
 #include "wire/reading.h"
 #include "wire/value.h"
 
@@ -231,11 +232,18 @@ QDataStream& operator>>(QDataStream& stream, Query& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const LookUp& body) {
-    return stream << body.handle << body.query << body.wantReady << body.wantNearMisses;
+    return stream << body.handle << body.query << static_cast<quint8>(body.wanted)
+                  << body.wantNearMisses;
 }
 
 QDataStream& operator>>(QDataStream& stream, LookUp& body) {
-    return stream >> body.handle >> body.query >> body.wantReady >> body.wantNearMisses;
+    quint8 wanted = 0;
+    stream >> body.handle >> body.query >> wanted >> body.wantNearMisses;
+    if (wanted > static_cast<quint8>(Wanted::Readiness))
+        setCorrupt(stream);
+    else
+        body.wanted = static_cast<Wanted>(wanted);
+    return stream;
 }
 
 QDataStream& operator<<(QDataStream& stream, const LookUpResult& body) {
@@ -249,6 +257,14 @@ QDataStream& operator>>(QDataStream& stream, LookUpResult& body) {
     body.obstacle = readText(stream);
     body.nearMisses = readList<NearMiss>(stream, 4 * textSize);
     return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Expect& body) {
+    return stream << body.handle << body.query << body.properties << body.wantNearMisses;
+}
+
+QDataStream& operator>>(QDataStream& stream, Expect& body) {
+    return stream >> body.handle >> body.query >> body.properties >> body.wantNearMisses;
 }
 
 QDataStream& operator<<(QDataStream& stream, const FindItem& body) {
@@ -331,8 +347,8 @@ QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
     int deepest = 0;
     for (ListedObject& object : body.objects) {
         stream >> object.depth >> object.type >> object.state >> object.geometry;
-        object.text = QString::fromUtf8(readBytes(stream));
-        object.name = QString::fromUtf8(readBytes(stream));
+        object.text = wholeUtf8(readBytes(stream));
+        object.name = wholeUtf8(readBytes(stream));
         // A child comes behind its parent, and each type is listed.
         if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
             object.type >= body.types.size())

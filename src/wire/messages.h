@@ -78,12 +78,20 @@ struct Query {
     qint32 occurrence = 1;
 };
 
+/// What is asked of an object beside being there.
+enum class Wanted : quint8 {
+    Existence = 0,
+    /// Ready for input, whatever lies over its middle: for what looks at its own point later.
+    Reach = 1,
+    /// Ready for input in its middle.
+    Readiness = 2
+};
+
 /// Looks once. By handle when it is not 0, else by query.
 struct LookUp {
     quint64 handle = 0;
     Query query;
-    /// Also looks whether the object is ready for input.
-    bool wantReady = false;
+    Wanted wanted = Wanted::Existence;
     /// Also names what matched nearly, when nothing matches.
     bool wantNearMisses = false;
 };
@@ -94,13 +102,14 @@ struct NearMiss {
     QString object;
     QString property;
     QString wanted;
+    /// Null when it has no such property.
     QString actual;
 };
 
 struct LookUpResult {
     /// Handle 0: nothing matches.
     ObjectInfo object;
-    /// Meaningless without wantReady.
+    /// Meaningless where existence was wanted.
     bool isReady = false;
     /// What is missing for being ready: "it is not visible"; empty when ready.
     QString obstacle;
@@ -115,6 +124,17 @@ struct FindItem {
     qint32 row = -1;
     qint32 column = -1;
     bool wantReady = false;
+};
+
+/// Looks once for an object, by handle when it is not 0, else by query, and compares it. Criteria
+/// of `properties` that the object does not fit come back as near misses, each with the value that
+/// it has; those of an object that is not there as with LookUp.
+struct Expect {
+    quint64 handle = 0;
+    Query query;
+    Query properties;
+    /// Also names what matched nearly, when nothing matches the query.
+    bool wantNearMisses = false;
 };
 
 struct PropertyInfo {
@@ -259,6 +279,7 @@ TAMRIX_WIRE_OPERATORS(Query);
 TAMRIX_WIRE_OPERATORS(LookUp);
 TAMRIX_WIRE_OPERATORS(LookUpResult);
 TAMRIX_WIRE_OPERATORS(FindItem);
+TAMRIX_WIRE_OPERATORS(Expect);
 TAMRIX_WIRE_OPERATORS(ClassInfo);
 TAMRIX_WIRE_OPERATORS(PropertyAccess);
 TAMRIX_WIRE_OPERATORS(Invoke);

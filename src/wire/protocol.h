@@ -12,7 +12,7 @@ namespace Tamrix::Wire {
 inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
 
 /// Raised with every change of an encoding. Both sides must have the same.
-inline constexpr quint16 protocolVersion = 1;
+inline constexpr quint16 protocolVersion = 2;
 
 /// The encoding of Qt's own types, fixed whatever Qt the application uses.
 inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;
@@ -70,7 +70,8 @@ enum class MessageType : quint16 {
     SendEvent = 52,            ///< SendEvent -> no body
     EnvironmentVariable = 53,  ///< Text (name) -> Text
     ListObjects = 55,          ///< no body -> ObjectListing
-    Quit = 54                  ///< no body -> no body; then the windows are asked to close
+    Quit = 54,                 ///< no body -> no body; then the windows are asked to close
+    Expect = 56                ///< Expect -> LookUpResult
 };
 
 /// Why a request failed.

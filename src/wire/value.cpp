@@ -2,10 +2,12 @@
 
 #include <QColor>
 #include <QDateTime>
+#include <QLocale>
 #include <QMetaEnum>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QVector>
 
 #include "wire/messages.h"
 #include "wire/reading.h"
@@ -29,7 +31,10 @@ enum Kind : quint8 {
     Colour = 10,
     List = 11,
     Map = 12,
-    Remote = 13
+    Remote = 13,
+    RealPoint = 14,
+    RealSize = 15,
+    RealRectangle = 16
 };
 
 /// How a date's clock stands to UTC.
@@ -153,6 +158,12 @@ public:
                 return readMap(depth);
             case Remote:
                 return readAs<ObjectInfo>();
+            case RealPoint:
+                return readAs<QPointF>();
+            case RealSize:
+                return readAs<QSizeF>();
+            case RealRectangle:
+                return readAs<QRectF>();
             default:
                 setCorrupt(m_stream);
                 return {};
@@ -258,19 +269,28 @@ void writeValue(QDataStream& stream, const QVariant& value) {
             writeDate(stream, value.toDateTime());
             return;
         case QMetaType::QPoint:
-        case QMetaType::QPointF:
             writeKind(stream, Point);
-            stream << value.toPointF().toPoint();
+            stream << value.toPoint();
+            return;
+        case QMetaType::QPointF:
+            writeKind(stream, RealPoint);
+            stream << value.toPointF();
             return;
         case QMetaType::QSize:
-        case QMetaType::QSizeF:
             writeKind(stream, Size);
-            stream << value.toSizeF().toSize();
+            stream << value.toSize();
+            return;
+        case QMetaType::QSizeF:
+            writeKind(stream, RealSize);
+            stream << value.toSizeF();
             return;
         case QMetaType::QRect:
-        case QMetaType::QRectF:
             writeKind(stream, Rectangle);
-            stream << value.toRectF().toRect();
+            stream << value.toRect();
+            return;
+        case QMetaType::QRectF:
+            writeKind(stream, RealRectangle);
+            stream << value.toRectF();
             return;
         case QMetaType::QColor:
             writeKind(stream, Colour);
@@ -299,6 +319,32 @@ void writeValue(QDataStream& stream, const QVariant& value) {
         default:
             writeConverted(stream, value);
     }
+}
+
+QString geometryText(const QVariant& value) {
+    QVector<qreal> numbers;
+    switch (value.userType()) {
+        case QMetaType::QPoint:
+        case QMetaType::QPointF:
+            numbers = {value.toPointF().x(), value.toPointF().y()};
+            break;
+        case QMetaType::QSize:
+        case QMetaType::QSizeF:
+            numbers = {value.toSizeF().width(), value.toSizeF().height()};
+            break;
+        case QMetaType::QRect:
+        case QMetaType::QRectF: {
+            const QRectF rect = value.toRectF();
+            numbers = {rect.x(), rect.y(), rect.width(), rect.height()};
+            break;
+        }
+        default:
+            return {};
+    }
+    QStringList texts;
+    for (const qreal number : qAsConst(numbers))
+        texts.append(QString::number(number, 'g', QLocale::FloatingPointShortest));
+    return texts.join(QLatin1String(", "));
 }
 
 QVariant readValue(QDataStream& stream) {

@@ -102,7 +102,7 @@ TEST_F(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
         EXPECT_FALSE(m_client.read(gone, "text").isValid());
         EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::StaleObject);
     }
-    EXPECT_TRUE(m_client.lastError().contains("QListViewItem"));
+    EXPECT_EQ(m_client.lastError(), "the QListViewItem does not exist any more");
 }
 
 TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
@@ -118,6 +118,48 @@ TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
     EXPECT_EQ(result.nearMisses[0].actual, "Off");
     EXPECT_EQ(m_client.find({"text~=("}).handle, 0U);
     EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
+}
+
+TEST_F(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
+    const struct {
+        QStringList expected;
+        QStringList differences;
+    } rows[] = {
+        {{"enabled=false", "text~=^O.f$", "type=QPushButton"}, {}},
+        {{"enabled=True", "text*=o*", "window=Targets"},
+         {"text is Off, wanted o*", "enabled is false, wanted True"}},
+        {{"colour=red", "toolTip=x"}, {"colour is (none), wanted red", "toolTip is , wanted x"}},
+    };
+    const quint64 off = m_client.find({"text=Off"}).handle;
+    for (const auto& row : rows) {
+        // By name, and the same by handle.
+        for (const quint64 handle : {quint64(0), off}) {
+            Wire::Expect request;
+            request.handle = handle;
+            if (handle == 0)
+                request.query = makeQuery({"type=QPushButton", "text=Off"});
+            request.properties = makeQuery(row.expected);
+            const auto result =
+                m_client.request<Wire::LookUpResult>(Wire::MessageType::Expect, request);
+            EXPECT_EQ(result.object.handle, off);
+            QStringList differences;
+            for (const Wire::NearMiss& miss : result.nearMisses) {
+                EXPECT_EQ(miss.object, "QPushButton 'Off'");
+                differences.append(QString("%1 is %2, wanted %3")
+                                       .arg(miss.property,
+                                            miss.actual.isNull() ? "(none)" : miss.actual,
+                                            miss.wanted));
+            }
+            EXPECT_EQ(differences, row.differences);
+        }
+    }
+    Wire::Expect missing;
+    missing.query = makeQuery({"type=QPushButton", "text=off"});
+    missing.properties = makeQuery({"enabled=true"});
+    missing.wantNearMisses = true;
+    const auto none = m_client.request<Wire::LookUpResult>(Wire::MessageType::Expect, missing);
+    EXPECT_EQ(none.object.handle, 0U);
+    EXPECT_FALSE(none.nearMisses.isEmpty());
 }
 
 TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
@@ -148,7 +190,7 @@ TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
     }
     const Wire::LookUpResult none = findItem({"type=QListWidget"}, "four");
     EXPECT_EQ(none.object.handle, 0U);
-    EXPECT_EQ(none.obstacle, "it has no item 'four'");
+    EXPECT_EQ(none.obstacle, "QListWidget has no item 'four'");
     // Items are objects of a look-up too, those far down a long model are not.
     EXPECT_NE(m_client.find({"type=QTableViewItem", "text=cell"}).handle, 0U);
     EXPECT_EQ(m_client.find({"type=QTableViewItem", "text=deep"}).handle, 0U);

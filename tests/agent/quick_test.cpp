@@ -37,7 +37,7 @@ TEST(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
     for (const QStringList& name : {QStringList{"text=Press label"}, QStringList{"name=far"}}) {
         Wire::LookUp lookUp;
         lookUp.query = makeQuery(name);
-        lookUp.wantReady = true;
+        lookUp.wanted = Wire::Wanted::Readiness;
         Wire::LookUpResult result;
         for (int look = 0; look < 20 && !result.isReady; ++look)
             result = client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, lookUp);

@@ -30,6 +30,7 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
         {"\n<!-- ", 0, "A comment without an end.", 2},
         {"<a><![CDATA[</a>", 1, "A CDATA section", 1},
         {"<?xml version='1.0' ", 0, "A declaration", 1},
+        {"<?xml version='&#'?><a/>", 0, "A declaration", 1},
         {"<a/><", 1, "Markup without an end.", 1},
     };
     for (const Case& each : cases) {

@@ -35,8 +35,11 @@ TEST(JsonCompare, NamesTheFirstDifference) {
         {"[0.30000001]", "[0.3]", "Different values: 0.3000000"},
         {"[1", "[2", "Invalid JSON: * Line 1, Column 3"},
         {"[1]", "[1,]", "Invalid JSON: "},
-        {"[1] // one", "[1]", ""},
+        {"[1] // one", "[1]", "Invalid JSON: * Line 1, Column 5\n  Comments are not allowed.\n"},
         {"[/* one */ 1]", "[1]", "Invalid JSON: "},
+        {"[1]\n[2]", "[1]\n[3]",
+         "Invalid JSON: * Line 2, Column 1\n  Extra text behind the value."},
+        {"[01]", "[1]", "Invalid JSON: * Line 1, Column 3\n  A number begins with '0'."},
         {"0", "0", "Invalid JSON: "},
         {"", "", "Invalid JSON: "},
     };
@@ -60,6 +63,25 @@ TEST(JsonCompare, TakesDeepValuesUpToTheReadersLimit) {
     const QString tooDeep = nested("[", "]", 100000);
     EXPECT_FALSE(compareJson("[]", tooDeep, &message));
     EXPECT_EQ(message, "Invalid JSON: Exceeded stackLimit in readValue().");
+}
+
+TEST(JsonCompare, DecodesUtf8Only) {
+    const struct {
+        QByteArray bytes;
+        const char* problem;
+    } rows[] = {
+        {"[\"\xc3\xa4\"]", ""},
+        {"\xef\xbb\xbf[\"\xc3\xa4\"]", ""},
+        {QByteArray("\xff\xfe[\0\xe4\0]\0", 8), ""},
+        {"[\"a\",\r\n\"\xe4\"]", "Invalid JSON: * Line 2, Column 2\n  A byte that is not UTF-8.\n"},
+    };
+    for (const auto& row : rows) {
+        QString text;
+        QString problem;
+        EXPECT_EQ(decodeJson(row.bytes, &text, &problem), !*row.problem);
+        EXPECT_EQ(problem, row.problem);
+        EXPECT_EQ(text.contains(QChar(0xe4)), !*row.problem) << row.bytes.constData();
+    }
 }
 
 TEST(JsonCompare, FormatsInOneLayout) {

@@ -5,12 +5,14 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <csignal>
 
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
+#include "platform/testresult/testresult.h"
 #include "runner/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
@@ -94,6 +96,7 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         {"exit",
          "clickOn('Exit')\n    waitForObject(\"{type='QPushButton' text='x'}\")",
          {"it exited with code 3"}},
+        {"frozen", "test.log('frozen %s' % a.isFrozen(2147484))", {"frozen False"}},
         {"kill",
          "os.kill(a.pid(), signal.SIGKILL)\n    object.exists(\"{type='QLabel'}\")\n    "
          "test.log('alive %s' % a.isRunning())\n    a.detach()",
@@ -112,6 +115,9 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         {"disabled",
          "waitForObject(\"{text='Disabled'}\", 300)",
          {"Object '{text='Disabled'}' is not ready after 300 ms: it is disabled"}},
+        {"markers",
+         "waitForObject(\"{text='http%3A%2F%2Fx'}\", 100)",
+         {"Object '{text='http%3A%2F%2Fx'}' not found within 100 ms. "}},
         {"fork",
          "clickOn('Fork')\n    waitForObject(\"{text='Crash'}\")\n    test.log('there')",
          {"there"}},
@@ -138,6 +144,78 @@ TEST_F(ApplicationRun, FaultsAreTold) {
         const QString results = resultsOf(row.name);
         for (const QString& text : row.texts)
             EXPECT_TRUE(results.contains(text)) << row.name << ": " << qPrintable(results);
+    }
+}
+
+TEST_F(ApplicationRun, WhatEventHandlersRaiseIsTold) {
+    for (const char* name : {"raising", "skipping_in_wait", "skipping_between_calls"}) {
+        const QString path = QString("/tests/e2e/suites/handlers/%1/test.py").arg(name);
+        suite.write(QString("suite/%1/test.py").arg(name),
+                    Tamrix::Test::readFile(TAMRIX_TEST_SOURCE_DIR + path));
+    }
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
+    EXPECT_TRUE(runner.output().contains("1 passed, 2 skipped")) << qPrintable(runner.output());
+
+    std::vector<int> lines;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        if (entry["type"] == 14)
+            lines.push_back(entry["callStack"][0]["line"].asInt());
+    }
+    EXPECT_EQ(lines, (std::vector{2, 6}));
+    EXPECT_TRUE(resultsOf("raising").contains("ValueError: in a callable"));
+    EXPECT_TRUE(resultsOf("skipping_in_wait").contains("cleaned up"));
+}
+
+TEST_F(ApplicationRun, ExpectationsWaitAndTellWhatTheySawLast) {
+    addCase("expect", QByteArray(click) + R"(
+def main():
+    startApplication('faulty')
+    label = {"type": "QLabel"}
+    test.expect({"text": "Disabled"}, {"enabled": False, "type": "QPushButton"})
+    test.expect(label, {"text*": "label *"}, 5000, comment="a wildcard")
+    clickOn("Rename later")
+    test.expect(label, "{text~='^re.*d$'}", 5000)
+    test.expect({"text": "Disabled"}, {"enabled": True, "visible": True, "colour": "red"}, 300)
+    known = waitForObject(label)
+    test.expect(known, {"text": "%1"}, 300)
+    clickOn("Remove later")
+    test.expect(label, {"text": "x"}, 1200, "removed")
+    test.expect(known, {"text": "x"})
+    test.expect({"text": "none"}, {"enabled": True}, 200)
+    clickOn("Crash")
+    test.expect({"text": "Crash"}, {"enabled": False})
+)");
+    runner.run({"run", suite.path("suite"), "--result-dir", suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
+    // How often it passes and how it fails.
+    QStringList failures;
+    int passes = 0;
+    for (const Json::Value& entry :
+         Tamrix::Test::readJournal(suite.path("results/journal.jsonl"))) {
+        if (entry["type"].asInt() == TestResult::Pass)
+            ++passes;
+        if (entry["type"].asInt() == TestResult::Fail)
+            failures.append(QString::fromStdString(entry["detail"].asString()));
+    }
+    EXPECT_EQ(passes, 3);
+    const char* const patterns[] = {
+        R"(^Object '\{text='Disabled'\}' is not as expected after 300 ms: it has no colour, wanted )"
+        R"('red'; enabled is 'false', wanted 'true', for the last \d{3,} ms$)",
+        R"(^The QLabel is not as expected after 300 ms: text is 'renamed', wanted '%1', for the )"
+        R"(last \d{3,} ms$)",
+        R"(^Object '\{type='QLabel'\}' not found within 1200 ms\. No object matches )"
+        R"(\{type='QLabel'\}.* It was there until \d{3,} ms before: text is 'renamed', wanted 'x'$)",
+        "^the QLabel does not exist any more$",
+        R"(^Object '\{text='none'\}' not found within 200 ms)",
+        "SIGSEGV",
+    };
+    ASSERT_EQ(failures.size(), static_cast<int>(std::size(patterns)))
+        << qPrintable(failures.join('\n'));
+    for (std::size_t index = 0; index < std::size(patterns); ++index) {
+        const QString& failure = failures[static_cast<int>(index)];
+        EXPECT_TRUE(failure.contains(QRegularExpression(patterns[index]))) << qPrintable(failure);
     }
 }
 

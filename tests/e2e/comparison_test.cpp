@@ -87,5 +87,33 @@ TEST(Comparison, WrongOptionsAndFilesEndWithExitCode2) {
     }
 }
 
+TEST(Comparison, FilesThatAreNoJsonAreNamed) {
+    const Tamrix::Test::SuiteFolder folder;
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.path("sound.json"), "[1]\n"));
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.path("lines.json"), "[1]\n[2]\n"));
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.path("latin.json"), "[\"\xe4\"]\n"));
+    const QString extraText = "Invalid JSON: * Line 2, Column 1 Extra text behind the value.\n";
+    const QString badByte = "Invalid JSON: * Line 1, Column 3 A byte that is not UTF-8.\n";
+    const struct {
+        const char* expected;
+        const char* actual;
+        QString errors;
+    } rows[] = {
+        {"sound.json", "lines.json", "tamrixrunner: 'lines.json': " + extraText},
+        {"latin.json", "sound.json", "tamrixrunner: 'latin.json': " + badByte},
+        {"lines.json", "latin.json",
+         "tamrixrunner: 'lines.json': " + extraText + "tamrixrunner: 'latin.json': " + badByte},
+    };
+    for (const auto& row : rows) {
+        RunnerProcess runner;
+        runner.setWorkingDirectory(folder.path("."));
+        runner.run({"compare", "json", row.expected, row.actual});
+        EXPECT_EQ(runner.exitCode(), 1);
+        EXPECT_TRUE(runner.output().startsWith("Files differ: Invalid JSON: * Line "))
+            << qPrintable(runner.output());
+        EXPECT_EQ(runner.errors(), row.errors);
+    }
+}
+
 }  // namespace
 }  // namespace Tamrix

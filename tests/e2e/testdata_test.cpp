@@ -6,6 +6,7 @@
 #include "runner/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
+#include "support/ziparchive.h"
 
 namespace Tamrix {
 namespace {
@@ -74,6 +75,35 @@ TEST(TestData, IsPrintedAtTheTerminal) {
         EXPECT_EQ(runner.exitCode(), row.exitCode);
         EXPECT_EQ(runner.output(), row.output);
         EXPECT_EQ(runner.errors(), row.errors);
+    }
+}
+
+TEST(TestData, NothingIsPrintedOfHalfATable) {
+    const SuiteFolder folder;
+    const QString workbook = folder.path("a.xlsx");
+    Tamrix::Test::writeArchive(
+        workbook,
+        {{"xl/workbook.xml", "<workbook><sheets><sheet name='A' sheetId='1'/></sheets></workbook>"},
+         {"xl/worksheets/sheet1.xml",
+          "<worksheet><sheetData><row><c><v>a</v></c></row><row><c "
+          "r='XFE2'/></row></sheetData></worksheet>"}});
+    folder.write("line.csv", "a,b\n1,2\n");
+    ASSERT_TRUE(QFile::resize(folder.path("line.csv"), 65 << 20));
+    const struct {
+        const char* file;
+        const char* reason;
+    } rows[] = {
+        {"a.xlsx", "tamrixrunner: testData Sheet: XFE2 lies beyond the last column\n"},
+        {"line.csv", "Couldn't read line.csv: it has a line of more than 64 MiB\n"},
+    };
+    for (const auto& row : rows) {
+        RunnerProcess runner;
+        runner.setWorkingDirectory(folder.path("."));
+        runner.run({"data", row.file});
+        EXPECT_EQ(runner.exitCode(), 2);
+        EXPECT_EQ(runner.output(), QString());
+        EXPECT_EQ(runner.errors(), QString(row.reason) + "tamrixrunner: '" + row.file +
+                                       "' can't be read as a whole, so nothing of it is printed\n");
     }
 }
 

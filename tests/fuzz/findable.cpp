@@ -1,4 +1,4 @@
-// A target with a fault that mutations find at once, for the test of the driver.
+// A target with a fault, for the tests of what runs targets.
 
 #include "fuzz/fuzztarget.h"
 

@@ -36,6 +36,8 @@ void tryFrame(const Frame& frame) {
             return tryBody<EventFired>(frame.body);
         case MessageType::LookUp:
             return tryBody<LookUp>(frame.body);
+        case MessageType::Expect:
+            return tryBody<Expect>(frame.body);
         case MessageType::FindItem:
             return tryBody<FindItem>(frame.body);
         case MessageType::WriteProperty:

@@ -23,8 +23,15 @@ Json::Value parseJson(const std::string& text) {
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value value;
     std::string errors;
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, &errors))
-        throw std::runtime_error(errors);
+    bool isParsed = false;
+    try {
+        isParsed = reader->parse(text.data(), text.data() + text.size(), &value, &errors);
+    } catch (const Json::RuntimeError& error) {
+        // Values that lie too deep in each other are thrown, whatever else is returned.
+        errors = error.what();
+    }
+    if (!isParsed)
+        throw std::runtime_error("no JSON: " + errors);
     return value;
 }
 

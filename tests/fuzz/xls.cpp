@@ -30,10 +30,10 @@ int fuzzTarget(const std::uint8_t* data, std::size_t size) {
     const Bytes input(data, size);
     BiffContents contents;
     try {
-        if (CompoundFile::hasSignature(input))
-            readBiff(CompoundFile(input).stream(u"Workbook"), contents);
-        else
+        if (!CompoundFile::hasSignature(input))
             readBiff(input, contents);
+        else if (const auto stream = CompoundFile(input).stream(u"Workbook"))
+            readBiff(*stream, contents);
     } catch (const FormatError&) {
         return 0;
     }

@@ -1,6 +1,5 @@
 // An .xlsx file: an archive, or, when the first bytes are others, a sheet in an archive.
 
-#include <fcntl.h>
 #include <minizip/zip.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,38 +16,20 @@ using namespace Tamrix;
 
 namespace {
 
-/// What goes wrong is told on stderr, where the driver's own messages shall stand alone.
-class QuietStderr {
-public:
-    QuietStderr() : m_before(::dup(STDERR_FILENO)) {
-        const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-        ::dup2(nowhere, STDERR_FILENO);
-        ::close(nowhere);
-    }
-    ~QuietStderr() {
-        ::dup2(m_before, STDERR_FILENO);
-        ::close(m_before);
-    }
-    QuietStderr(const QuietStderr&) = delete;
-    QuietStderr& operator=(const QuietStderr&) = delete;
-
-private:
-    int m_before;
-};
-
 void addEntry(zipFile archive, const char* name, const char* data, std::size_t size) {
     zipOpenNewFileInZip(archive, name, nullptr, nullptr, 0, nullptr, 0, nullptr, 0, 0);
     zipWriteInFileInZip(archive, data, static_cast<unsigned>(size));
     zipCloseFileInZip(archive);
 }
 
-/// The input takes the place of the three documents.
+/// The input takes the place of all documents but the first.
 void writeArchive(const std::string& path, const std::uint8_t* data, std::size_t size) {
     const std::string workbook =
-        "<workbook><sheets><sheet name='A' sheetId='1'/></sheets></workbook>";
+        "<workbook><sheets><sheet name='A' sheetId='1' r:id='a'/></sheets></workbook>";
     const auto* const text = reinterpret_cast<const char*>(data);
     const zipFile archive = zipOpen(path.c_str(), APPEND_STATUS_CREATE);
     addEntry(archive, "xl/workbook.xml", workbook.data(), workbook.size());
+    addEntry(archive, "xl/_rels/workbook.xml.rels", text, size);
     addEntry(archive, "xl/sharedStrings.xml", text, size);
     addEntry(archive, "xl/worksheets/sheet1.xml", text, size);
     zipClose(archive, nullptr);
@@ -68,12 +49,9 @@ int fuzzTarget(const std::uint8_t* data, std::size_t size) {
         writeArchive(s_path, data, size);
 
     int count = 0;
-    {
-        const QuietStderr quiet;
-        const ExcelXmlTestDataSet set(QString::fromStdString(s_path), QString());
-        for (int row = 0; row < set.count(); row += 1 + set.count() / 10)
-            count += set.record(row)->valueAsString(0).size();
-    }
+    const ExcelXmlTestDataSet set(QString::fromStdString(s_path), QString());
+    for (int row = 0; row < set.count(); row += 1 + set.count() / 10)
+        count += set.record(row)->valueAsString(0).size();
     fuzzRequire(count >= 0, "the records are there");
     return 0;
 }

@@ -151,13 +151,13 @@ public:
 };
 
 /// An interpreter whose scripts are lists of functions and what becomes of them, one a line:
-///     NAME                      the function NAME exists and succeeds
-///     NAME error LINE MESSAGE   it fails there
-///     NAME line LINE            it succeeds but leaves that line as the error's
-///     NAME text                 a line "syntax error LINE MESSAGE" makes checkSyntax() fail, a
-///     line
-///                               "evaluation error LINE MESSAGE" or "evaluation line LINE" tells of
-///                               evaluate() itself
+///
+///     NAME                       the function NAME exists and succeeds
+///     NAME error LINE MESSAGE    it fails there
+///     NAME line LINE             it succeeds but leaves that line as the error's
+///     syntax error LINE MESSAGE  makes checkSyntax() fail
+///
+/// The name "evaluation" means evaluate() itself.
 class TAMRIX_EXPORT FakeInterpreter : public Interpreter {
 public:
     FakeInterpreter(RunnerInterface* runner, Language language);

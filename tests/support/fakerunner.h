@@ -119,6 +119,12 @@ public:
         return lookUp(QString("wait for item '%1' row %2 column %3").arg(item).arg(row).arg(column),
                       timeout);
     }
+    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                        const ObjectName& properties, int timeout) override {
+        return lookUp(QString("wait until %1 has %2")
+                          .arg(object ? object->realName() : realName, properties.qualifiedName()),
+                      timeout);
+    }
     bool isValidContext(SharedPtr<ApplicationContext> context) override { return context->valid; }
     QString readStdout(SharedPtr<ApplicationContext>, bool* available) override {
         *available = !output.isNull();
@@ -251,7 +257,7 @@ private:
         return started;
     }
     SharedPtr<Object> lookUp(const QString& what, int timeout) {
-        calls.append(QString("%1 for %2 ms").arg(what).arg(timeout));
+        calls.append(what + " for " + QString::number(timeout) + " ms");
         if (!found)
             refuse();
         return found;

@@ -171,6 +171,13 @@ void addFields(QGridLayout* grid) {
     editable->setEditable(true);
     editable->addItems({QStringLiteral("first"), QStringLiteral("second")});
     grid->addWidget(editable, 4, 2);
+    auto* const completing = named<QLineEdit>("completing");
+    completing->setCompleter(
+        new QCompleter({QStringLiteral("alpha"), QStringLiteral("alpine")}, completing));
+    grid->addWidget(completing, 10, 0);
+    auto* const date = named<QDateEdit>("date");
+    date->setCalendarPopup(true);
+    grid->addWidget(date, 10, 1);
 }
 
 void addChoices(QGridLayout* grid) {
@@ -300,6 +307,10 @@ void addMenus() {
     QAction* const open =
         file->addAction(QStringLiteral("&Open..."), s_window, [] { log(QStringLiteral("open")); });
     open->setShortcut(QKeySequence(QStringLiteral("Ctrl+O")));
+    file->addAction(QStringLiteral("Save"), s_window, [] { log(QStringLiteral("save")); });
+    file->addAction(QStringLiteral("Save &As..."), s_window,
+                    [] { log(QStringLiteral("save as")); });
+    file->addAction(QStringLiteral("v1.0"), s_window, [] { log(QStringLiteral("v1.0")); });
     QMenu* const recent = file->addMenu(QStringLiteral("Recent"));
     recent->setObjectName(QStringLiteral("recent"));
     // Filled when it opens.

@@ -94,7 +94,9 @@ TEST(Values, TravelAsWhatScriptsKnow) {
         {QDateTime({2024, 7, 1}, {12, 0}, QTimeZone("Europe/Berlin")),
          QDateTime({2024, 7, 1}, {12, 0}, Qt::OffsetFromUTC, 7200)},
         {QDateTime({1900, 1, 1}, {0, 0}), QDateTime({1900, 1, 1}, {0, 0})},
-        {QPointF(1.6, 2.2), QPoint(2, 2)},
+        {QPointF(1.6, 2.2), QPointF(1.6, 2.2)},
+        {QSizeF(0.25, 1e300), QSizeF(0.25, 1e300)},
+        {QRectF(-0.5, 1, 1e300, 2), QRectF(-0.5, 1, 1e300, 2)},
         {QVariant::fromValue(static_cast<void*>(nullptr)), QVariant()},
     };
     for (const auto& row : rows)

@@ -26,6 +26,9 @@ void forEachSample(const Use& use) {
         QPoint(1, -2),
         QSize(3, 4),
         QRect(1, 2, 3, 4),
+        QPointF(0.25, -2),
+        QSizeF(3.5, 4),
+        QRectF(1, 2, 0.5, 4),
         QColor(1, 2, 3, 4),
         QVariantMap{{"list", QVariantList{1, QVariantList{}}}, {"null", QVariant()}},
         QVariant::fromValue(object)};
@@ -39,9 +42,10 @@ void forEachSample(const Use& use) {
     use(MessageType::Refusal, Text{"why"});
     use(MessageType::Failure, Failure{FailureCode::NotReady, "it is disabled"});
     use(MessageType::EventFired, EventFired{"callback", object});
-    use(MessageType::LookUp, LookUp{7, query, true, true});
+    use(MessageType::LookUp, LookUp{7, query, Wanted::Reach, true});
     use(MessageType::FindItem, FindItem{7, "a.b", 1, 2, true});
     use(MessageType::FindItem, FindItem{7, QString(), 1, 2, true});
+    use(MessageType::Expect, Expect{7, query, query, true});
     use(MessageType::Children, ObjectHandle{7});
     use(MessageType::WriteProperty, PropertyAccess{7, "text", arguments});
     use(MessageType::Invoke, Invoke{7, "click", arguments, 5});

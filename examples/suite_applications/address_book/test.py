@@ -24,9 +24,9 @@ def main():
 
     test.startSection("A selected entry can be removed")
     remove = "{type='QAction' text='Remove Entry'}"
-    test.verify(not findObject(remove).enabled, "nothing is selected yet")
+    test.expect(remove, {"enabled": False})
     selectItem(table, "Ada")
-    test.verify(findObject(remove).enabled, "Ada is selected")
+    test.expect(remove, {"enabled": True})
     selectItem("{type='QMenuBar'}", "Tools.Remove Entry")
     test.verify(waitFor(lambda: not object.exists("{text='Ada'}"), 5000), "Ada is gone")
     test.endSection()

@@ -235,6 +235,12 @@ bool AgentSession::isItemType(const QString& typeName) const {
                        [&typeName](const auto& toolkit) { return toolkit->isItemType(typeName); });
 }
 
+bool AgentSession::showsOfHidden(const QString& typeName) const {
+    return std::any_of(m_toolkits.cbegin(), m_toolkits.cend(), [&typeName](const auto& toolkit) {
+        return toolkit->showsOfHidden(typeName);
+    });
+}
+
 Wire::ObjectInfo AgentSession::info(const Element& element) {
     Wire::ObjectInfo info;
     if (element.isNull())
@@ -251,6 +257,8 @@ QString AgentSession::describe(const Element& element) const {
     QString label = element.toolkit->text(element);
     if (label.isEmpty())
         label = element.toolkit->name(element);
+    if (label.isEmpty())
+        label = element.toolkit->hint(element).value;
     constexpr int longest = 40;
     if (label.size() > longest)
         label = label.left(longest) + QStringLiteral("...");

@@ -29,9 +29,10 @@ public:
     Element element(QObject* object) const override;
     QVector<Element> topLevels() const override;
     bool isItemType(const QString& typeName) const override;
+    bool showsOfHidden(const QString& typeName) const override;
     quint64 handle(const Element& element) override { return m_handles.handle(element); }
     Wire::ObjectInfo info(const Element& element) override;
-    Element find(quint64 handle, QString* text) override { return m_handles.find(handle, text); }
+    Element find(quint64 handle, QString* error) override { return m_handles.find(handle, error); }
     QString describe(const Element& element) const override;
 
     bool isOpen() const { return m_channel.isOpen(); }

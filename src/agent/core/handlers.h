@@ -6,7 +6,7 @@ class Session;
 
 // Each registers the handlers of a family of requests with the session; called once at the start.
 
-/// LookUp, FindItem, TopLevelObjects, Children, Parent, RealName, GlobalBounds, Snapshot.
+/// LookUp, Expect, FindItem, TopLevelObjects, Children, Parent, RealName, GlobalBounds, Snapshot.
 void registerObjectHandlers(Session* session);
 /// DescribeClass, ReadProperty, ReadProperties, WriteProperty, Invoke of methods and functions.
 void registerPropertyHandlers(Session* session);

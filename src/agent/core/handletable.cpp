@@ -47,12 +47,12 @@ quint64 HandleTable::handle(const Element& element) {
     return m_last;
 }
 
-Element HandleTable::find(quint64 handle, QString* text) {
+Element HandleTable::find(quint64 handle, QString* error) {
     const auto found = m_entries.constFind(handle);
     const Element element = found == m_entries.cend() ? Element() : elementOf(*found);
     if (element.isNull())
-        *text = found == m_entries.cend() ? QStringLiteral("the object")
-                                          : QStringLiteral("the %1").arg(found->typeName);
+        *error = QStringLiteral("the %1 does not exist any more")
+                     .arg(found == m_entries.cend() ? QStringLiteral("object") : found->typeName);
     return element;
 }
 

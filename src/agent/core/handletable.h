@@ -16,9 +16,9 @@ class HandleTable {
 public:
     /// The element's handle, made on first use.
     quint64 handle(const Element& element);
-    /// The element of a handle; null when it is gone or there never was one. `*text` is then a name
-    /// for people of what it was.
-    Element find(quint64 handle, QString* text);
+    /// The element of a handle; null when it is gone or there never was one. `*error` is then the
+    /// sentence that says so and what it was.
+    Element find(quint64 handle, QString* error);
     int size() const { return m_entries.size(); }
 
 private:

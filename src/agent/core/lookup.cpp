@@ -106,6 +106,14 @@ bool ObjectFinder::mayItemsMatch() const {
     return true;
 }
 
+bool ObjectFinder::maySeeOfHidden() const {
+    for (const Criterion& criterion : m_criteria) {
+        if (criterion.cost == Cost::Type && criterion.isPlain)
+            return Session::self()->showsOfHidden(criterion.wanted);
+    }
+    return true;
+}
+
 bool ObjectFinder::typeMatches(const Criterion& criterion, const Element& element) {
     if (element.isItem())
         return criterion.textMatches(element.toolkit->typeName(element));
@@ -229,8 +237,8 @@ Element ObjectFinder::find() {
         collect({root}, &visible, &others);
         return pick(visible.empty() ? &others : &visible, m_occurrence);
     }
-    // Mostly what is looked for is visible.
-    if (!m_asksVisible) {
+    // Mostly what is looked for is visible, and below a window that is there.
+    if (!m_asksVisible && !maySeeOfHidden()) {
         collect(nativeRoots(), &visible, &others);
         if (!visible.empty())
             return pick(&visible, m_occurrence);
@@ -245,7 +253,29 @@ QString ObjectFinder::actualText(const Criterion& criterion, const Element& elem
         return Session::self()->describe(relatedElement(element, criterion.property));
     bool isKnown = false;
     const QVariant value = propertyValue(element, criterion.property, &isKnown);
-    return isKnown ? valueText(value) : QStringLiteral("no such property");
+    if (!isKnown)
+        return QString();
+    const QString text = valueText(value);
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+Wire::NearMiss ObjectFinder::missOf(const Criterion& criterion, const Element& element) const {
+    Wire::NearMiss miss;
+    miss.object = Session::self()->describe(element);
+    miss.property = criterion.property;
+    miss.wanted = criterion.finder ? QStringLiteral("another object") : criterion.wanted;
+    miss.actual = actualText(criterion, element);
+    return miss;
+}
+
+QList<Wire::NearMiss> ObjectFinder::differences(const Element& element) {
+    resolveRelations();
+    QList<Wire::NearMiss> misses;
+    for (const Criterion& criterion : m_criteria) {
+        if (!matches(criterion, element))
+            misses.append(missOf(criterion, element));
+    }
+    return misses;
 }
 
 QList<Wire::NearMiss> ObjectFinder::nearMisses() {
@@ -256,27 +286,44 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
         // Fewer is nearer.
         int differing;
         bool isOtherType;
+        /// Of the criteria that tell objects apart, how many hold and how many there are.
+        int equal;
+        int telling;
         bool isUnlike;
         bool isHidden;
 
+        /// The same type, or at least half of what the name says of the object itself.
+        bool isNear(bool asksType) const {
+            return (asksType && !isOtherType) || (equal > 0 && 2 * equal >= telling);
+        }
         auto rank() const { return std::make_tuple(differing, isOtherType, isUnlike, isHidden); }
     };
     if (!m_errorText.isEmpty())
         return {};
     resolveRelations();
+    const auto isTelling = [](const Criterion& criterion) {
+        return criterion.cost != Cost::Relation && criterion.property != QLatin1String("visible") &&
+               criterion.property != QLatin1String("enabled");
+    };
+    const bool asksType =
+        std::any_of(m_criteria.cbegin(), m_criteria.cend(),
+                    [](const Criterion& criterion) { return criterion.cost == Cost::Type; });
     std::vector<Near> nearest;
     for (const Element& root : Session::self()->topLevels()) {
         walkTree(root, mayItemsMatch(), [&](const Element& element) {
-            Near near{element, nullptr, 0, false, false, true};
+            Near near{element, nullptr, 0, false, 0, 0, false, true};
             for (const Criterion& criterion : m_criteria) {
-                if (matches(criterion, element))
+                const bool isEqual = matches(criterion, element);
+                near.telling += isTelling(criterion) ? 1 : 0;
+                near.equal += isTelling(criterion) && isEqual ? 1 : 0;
+                if (isEqual)
                     continue;
                 ++near.differing;
                 near.isOtherType = near.isOtherType || criterion.cost == Cost::Type;
                 if (!near.criterion || near.criterion->cost == Cost::Type)
                     near.criterion = &criterion;
             }
-            if (!near.criterion || near.differing == static_cast<int>(m_criteria.size()))
+            if (!near.criterion || !near.isNear(asksType))
                 return;
             if (nearest.size() == most && nearest.back().differing < near.differing)
                 return;
@@ -292,15 +339,8 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
         });
     }
     QList<Wire::NearMiss> misses;
-    for (const Near& near : nearest) {
-        Wire::NearMiss miss;
-        miss.object = Session::self()->describe(near.element);
-        miss.property = near.criterion->property;
-        miss.wanted =
-            near.criterion->finder ? QStringLiteral("another object") : near.criterion->wanted;
-        miss.actual = actualText(*near.criterion, near.element);
-        misses.append(miss);
-    }
+    for (const Near& near : nearest)
+        misses.append(missOf(*near.criterion, near.element));
     return misses;
 }
 

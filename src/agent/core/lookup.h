@@ -30,8 +30,11 @@ public:
     QString errorText() const { return m_errorText; }
     /// The object that the name means; null for none.
     Element find();
-    /// Up to three objects that differ in the fewest criteria, and in what.
+    /// Up to three objects of the wanted type, or of which at least half of the name is true, that
+    /// differ in the fewest criteria, and in what.
     QList<Wire::NearMiss> nearMisses();
+    /// In what the element differs, whatever else there is; nothing when it matches.
+    QList<Wire::NearMiss> differences(const Element& element);
 
 private:
     struct Criterion;
@@ -40,11 +43,14 @@ private:
     static Element pick(std::vector<Match>* matches, int occurrence);
     void add(const Wire::Criterion& wanted);
     bool mayItemsMatch() const;
+    bool maySeeOfHidden() const;
     bool typeMatches(const Criterion& criterion, const Element& element);
     bool relationMatches(const Criterion& criterion, const Element& element) const;
     bool matches(const Criterion& criterion, const Element& element);
     bool matches(const Element& element);
+    /// Null when the element has no such property.
     QString actualText(const Criterion& criterion, const Element& element) const;
+    Wire::NearMiss missOf(const Criterion& criterion, const Element& element) const;
     /// Finds the objects that criteria name; false when one isn't there.
     bool resolveRelations();
     /// The object below which all matches are, if the name says one; null if it doesn't.

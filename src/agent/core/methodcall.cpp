@@ -55,8 +55,8 @@ Choice prepare(QObject* object, const QMetaMethod& method, const QVariantList& a
                                      types[index], object->metaObject(), &converted);
         if (fit == Fit::None) {
             *error = QStringLiteral("argument %1 of %2 can't be %3")
-                         .arg(index + 1)
-                         .arg(methodText(method), describeValue(arguments[index]));
+                         .arg(QString::number(index + 1), methodText(method),
+                              describeValue(arguments[index]));
             return choice;
         }
         unfitness += static_cast<int>(fit);
@@ -95,9 +95,8 @@ Choice choose(const Element& element, const Wire::Invoke& call, Wire::FailureCod
                      .arg(Session::self()->describe(element), call.method);
     } else if (error->isEmpty()) {
         *error = QStringLiteral("there is no %1 with %2 arguments, but %3")
-                     .arg(call.method)
-                     .arg(call.arguments.size())
-                     .arg(others.join(QLatin1String(", ")));
+                     .arg(call.method, QString::number(call.arguments.size()),
+                          others.join(QLatin1String(", ")));
     }
     return best;
 }

@@ -88,6 +88,9 @@ void NameIndex::add(const Element& element, int parent, int container, int root)
     entry.values[ByName] = toolkit->name(element);
     if (toolkit->isTextLasting(element))
         entry.values[ByText] = nameableText(toolkit->text(element));
+    const Toolkit::Hint hint = toolkit->hint(element);
+    entry.values[ByHint] = nameableText(hint.value);
+    entry.hintName = hint.name;
     const Element field = toolkit->labelledField(element);
     if (!field.isNull())
         m_labels.insert(field, index);
@@ -120,7 +123,7 @@ void NameIndex::makeGroups() {
         for (int base = 0; base < baseCount; ++base) {
             if (base != ByType && entry.values[base].isEmpty())
                 continue;
-            Group& group = m_groups[Key{entry.type, base, entry.values[base]}];
+            Group& group = m_groups[keyOf(entry, base)];
             entry.next[base] = group.head;
             group.head = static_cast<int>(index);
             ++group.counts[entry.choice];
@@ -163,8 +166,73 @@ const NameIndex::Division& NameIndex::divide(Group* group, int base) {
     return division;
 }
 
-QString NameIndex::nameOf(const Entry& entry, Base base, const QString& container, bool withWindow,
-                          int occurrence, bool saysHidden) const {
+NameIndex::Key NameIndex::keyOf(const Entry& entry, int base) {
+    return {entry.type, base, entry.values[base], base == ByHint ? entry.hintName : nullptr};
+}
+
+int NameIndex::Rivals::sum(const int (&counts)[choiceCount]) const {
+    int sum = 0;
+    for (int choice = 0; choice < choiceCount; ++choice)
+        sum += choices[choice] ? counts[choice] : 0;
+    return sum;
+}
+
+int NameIndex::Rivals::sum(const QHash<int, int> (&counts)[choiceCount], int key) const {
+    int sum = 0;
+    for (int choice = 0; choice < choiceCount; ++choice)
+        sum += choices[choice] ? counts[choice].value(key) : 0;
+    return sum;
+}
+
+/// By the rules of ObjectFinder: visible objects go first, others are matches when there are none
+/// of these; a name that says `visible` means all of which this is true.
+NameIndex::Rivals NameIndex::rivalsOf(const Entry& entry, const Group& group) {
+    Rivals rivals;
+    rivals.choices[entry.choice] = true;
+    const bool isAlone = group.counts[entry.choice] ==
+                         group.counts[Visible] + group.counts[Hidden] + group.counts[Internal];
+    if (entry.choice == Visible || isAlone)
+        return rivals;
+    if (entry.choice == Hidden) {
+        const bool isHidden = group.counts[Visible] + group.counts[Internal] > 0;
+        rivals.visible = isHidden ? "false" : nullptr;
+        return rivals;
+    }
+    rivals.visible = "true";
+    rivals.choices[Visible] = true;
+    return rivals;
+}
+
+int NameIndex::occurrenceOf(const Entry& entry, Base base, const Rivals& rivals,
+                            bool throughWindows) {
+    const auto place = [base](const Entry& each) {
+        const QPoint point = each.element.toolkit->globalBounds(each.element).topLeft();
+        return std::make_tuple(each.root, point.y(), point.x());
+    };
+    Group* const group = &m_groups[keyOf(entry, base)];
+    const bool isOfOneChoice = !(rivals.choices[Visible] && rivals.choices[Internal]);
+    if (isOfOneChoice) {
+        const QHash<int, int>& inRoot = divide(group, base).inRoot[entry.choice];
+        int occurrence = entry.rank[base];
+        for (auto it = inRoot.cbegin(); throughWindows && it != inRoot.cend(); ++it)
+            occurrence += it.key() < entry.root ? it.value() : 0;
+        return occurrence;
+    }
+    // Of two choices together: few entries are of the toolkit's inner workings.
+    int occurrence = 1;
+    const auto own = place(entry);
+    for (int index = group->head; index >= 0; index = at(index).next[base]) {
+        const Entry& other = at(index);
+        if (&other == &entry || !rivals.choices[other.choice] ||
+            (!throughWindows && other.root != entry.root))
+            continue;
+        const auto others = place(other);
+        occurrence += others < own || (others == own && &other < &entry) ? 1 : 0;
+    }
+    return occurrence;
+}
+
+QString NameIndex::nameOf(const Entry& entry, Base base, const Words& words) const {
     QString name;
     constexpr int usualSize = 128;
     name.reserve(usualSize);
@@ -174,21 +242,27 @@ QString NameIndex::nameOf(const Entry& entry, Base base, const QString& containe
         name += QLatin1Char('=');
         name += value;
     };
+    const auto appendHint = [&](const char* property) {
+        if (base == ByHint && qstrcmp(entry.hintName, property) == 0)
+            append(property, quoted(entry.values[base]));
+    };
     // In the order of the properties' names.
     if (base == ByLabel)
         append("buddy", quoted(entry.values[base]));
-    if (!container.isEmpty())
-        append("container", container);
+    if (!words.container.isEmpty())
+        append("container", words.container);
+    appendHint("iconName");
     if (base == ByName)
         append("name", quoted(entry.values[base]));
-    if (occurrence > 1)
-        append("occurrence", quoted(QString::number(occurrence)));
+    if (words.occurrence > 1)
+        append("occurrence", quoted(QString::number(words.occurrence)));
     if (base == ByText)
         append("text", quoted(entry.values[base]));
+    appendHint("toolTip");
     append("type", quoted(m_typeNames[entry.type]));
-    if (saysHidden)
-        append("visible", quoted(QStringLiteral("false")));
-    if (withWindow)
+    if (words.visible)
+        append("visible", quoted(QString::fromLatin1(words.visible)));
+    if (words.withWindow)
         append("window", at(entry.rootEntry).name);
     name += QLatin1Char('}');
     name.squeeze();
@@ -198,7 +272,7 @@ QString NameIndex::nameOf(const Entry& entry, Base base, const QString& containe
 QString NameIndex::makeName(Entry* entry) {
     const bool isRoot = &m_entries[static_cast<size_t>(entry->rootEntry)] == entry;
     QVector<Base> bases;
-    for (const Base base : {ByName, ByText, ByLabel}) {
+    for (const Base base : {ByName, ByText, ByLabel, ByHint}) {
         if (!entry->values[base].isEmpty())
             bases.append(base);
     }
@@ -207,54 +281,52 @@ QString NameIndex::makeName(Entry* entry) {
     if (!isRoot && bases.size() > 1)
         bases.removeLast();
 
-    const auto groupOf = [&](Base base) {
-        return &m_groups[Key{entry->type, base, entry->values[base]}];
-    };
-    // Matches of a better choice hide this one unless the name says that it is hidden.
-    const auto rivals = [&](const Group* group) {
-        return entry->choice == Visible ? 0 : group->counts[Visible] + group->counts[Internal];
-    };
+    const auto groupOf = [&](Base base) { return &m_groups[keyOf(*entry, base)]; };
     for (const Base base : bases) {
-        const Group* const group = groupOf(base);
-        if (group->counts[entry->choice] == 1 && rivals(group) == 0)
-            return nameOf(*entry, base, QString(), false, 1, false);
+        const Rivals rivals = rivalsOf(*entry, *groupOf(base));
+        if (!rivals.visible && rivals.sum(groupOf(base)->counts) == 1)
+            return nameOf(*entry, base, Words());
     }
     const bool hasWindow = !isRoot && !entry->element.toolkit->window(entry->element).isNull() &&
                            entry->element.toolkit->window(entry->element) ==
                                m_entries[static_cast<size_t>(entry->rootEntry)].element;
     if (hasWindow)
         realName(entry->rootEntry);
+    Words words;
     for (const Base base : bases) {
         Group* const group = groupOf(base);
-        const Division& division = divide(group, base);
-        const bool saysHidden = rivals(group) > 0;
-        if (group->counts[entry->choice] == 1)
-            return nameOf(*entry, base, QString(), false, 1, saysHidden);
-        if (hasWindow && division.inRoot[entry->choice].value(entry->root) == 1)
-            return nameOf(*entry, base, QString(), true, 1, saysHidden);
+        const Rivals rivals = rivalsOf(*entry, *group);
+        words.visible = rivals.visible;
+        words.withWindow = rivals.sum(group->counts) > 1;
+        if (!words.withWindow)
+            return nameOf(*entry, base, words);
+        if (hasWindow && rivals.sum(divide(group, base).inRoot, entry->root) == 1)
+            return nameOf(*entry, base, words);
     }
+    words.withWindow = false;
     if (entry->container >= 0 && entry->container != entry->rootEntry) {
         // Only a container of a plain name makes a name that people understand.
-        const QString container = realName(entry->container);
-        const bool isPlain = container.count('{') == 1 && !container.contains(" occurrence=");
+        words.container = realName(entry->container);
+        const bool isPlain =
+            words.container.count('{') == 1 && !words.container.contains(" occurrence=");
         for (const Base base : bases) {
             Group* const group = groupOf(base);
-            if (isPlain &&
-                divide(group, base).inContainer[entry->choice].value(entry->container) == 1)
-                return nameOf(*entry, base, container, false, 1, rivals(group) > 0);
+            const Rivals rivals = rivalsOf(*entry, *group);
+            words.visible = rivals.visible;
+            if (isPlain && rivals.sum(divide(group, base).inContainer, entry->container) == 1)
+                return nameOf(*entry, base, words);
         }
+        words.container.clear();
     }
     const Base base = bases.first();
     Group* const group = groupOf(base);
-    const QHash<int, int>& inRoot = divide(group, base).inRoot[entry->choice];
-    const bool isInSeveral = inRoot.size() > 1;
-    int occurrence = entry->rank[base];
-    if (isInSeveral && !hasWindow) {
-        // Counted through all windows.
-        for (auto it = inRoot.cbegin(); it != inRoot.cend(); ++it)
-            occurrence += it.key() < entry->root ? it.value() : 0;
-    }
-    return nameOf(*entry, base, QString(), isInSeveral && hasWindow, occurrence, rivals(group) > 0);
+    const Rivals rivals = rivalsOf(*entry, *group);
+    const bool isInSeveral =
+        rivals.sum(group->counts) > rivals.sum(divide(group, base).inRoot, entry->root);
+    words.visible = rivals.visible;
+    words.withWindow = isInSeveral && hasWindow;
+    words.occurrence = occurrenceOf(*entry, base, rivals, isInSeveral && !hasWindow);
+    return nameOf(*entry, base, words);
 }
 
 QString NameIndex::realName(int index) {

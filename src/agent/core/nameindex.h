@@ -17,8 +17,9 @@ namespace Tamrix::Agent {
 /// a whole tree.
 ///
 /// A name says the type and, in this order, the first of these that an object has: its name, its
-/// text if a person does not type it, the label that names it. If that does not suffice, it says
-/// the window too, or the container, and at last the occurrence. Windows are told apart by type
+/// text if a person does not type it, the label that names it, the tool tip or icon of what has no
+/// text. If that does not suffice, it says the window too, or the container, and at last the
+/// occurrence. Windows are told apart by type
 /// before their titles, which change. What the rules of ObjectFinder find first needs no more words
 /// than that.
 class NameIndex {
@@ -45,8 +46,8 @@ public:
 
 private:
     /// What a name says beside the type.
-    enum Base { ByName, ByText, ByLabel, ByType };
-    static constexpr int baseCount = 4;
+    enum Base { ByName, ByText, ByLabel, ByHint, ByType };
+    static constexpr int baseCount = 5;
     /// By which a look-up prefers some matches to others.
     enum Choice { Visible, Hidden, Internal };
     static constexpr int choiceCount = 3;
@@ -62,19 +63,24 @@ private:
         int rootEntry = -1;
         int container = -1;
         QString values[baseCount];
+        /// The property whose value the hint is.
+        const char* hintName = nullptr;
         /// The next one of which the same name is true, for each base.
-        int next[baseCount] = {-1, -1, -1, -1};
+        int next[baseCount] = {-1, -1, -1, -1, -1};
         /// Place among these within the window, from 1.
-        int rank[baseCount] = {0, 0, 0, 0};
+        int rank[baseCount] = {0, 0, 0, 0, 0};
         QString name;
     };
     struct Key {
         int type;
         int base;
         QString value;
+        /// One of few literals; null for other bases.
+        const char* hintName;
 
         bool operator==(const Key& other) const {
-            return type == other.type && base == other.base && value == other.value;
+            return type == other.type && base == other.base && value == other.value &&
+                   hintName == other.hintName;
         }
         friend uint qHash(const Key& key, uint seed) {
             return qHash(key.value, seed) + static_cast<uint>(key.type) * 31U +
@@ -98,10 +104,29 @@ private:
     void add(const Element& element, int parent, int container, int root);
     void addLabels();
     void makeGroups();
+    static Key keyOf(const Entry& entry, int base);
     const Division& divide(Group* group, int base);
+    /// Among which a look-up picks when it is after the entry, by a name that is true of the group.
+    struct Rivals {
+        /// What the name says of `visible`: "true", "false", or nothing.
+        const char* visible = nullptr;
+        /// The choices that count.
+        bool choices[choiceCount] = {};
+
+        int sum(const int (&counts)[choiceCount]) const;
+        int sum(const QHash<int, int> (&counts)[choiceCount], int key) const;
+    };
+    static Rivals rivalsOf(const Entry& entry, const Group& group);
+    int occurrenceOf(const Entry& entry, Base base, const Rivals& rivals, bool throughWindows);
     QString makeName(Entry* entry);
-    QString nameOf(const Entry& entry, Base base, const QString& container, bool withWindow,
-                   int occurrence, bool saysHidden) const;
+    /// What a name says beside type and base.
+    struct Words {
+        QString container;
+        bool withWindow = false;
+        int occurrence = 1;
+        const char* visible = nullptr;
+    };
+    QString nameOf(const Entry& entry, Base base, const Words& words) const;
 
     std::vector<Entry> m_entries;
     /// Made when it is first needed.

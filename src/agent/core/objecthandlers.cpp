@@ -16,14 +16,15 @@ namespace Tamrix::Agent {
 namespace {
 
 /// Answers with what was found and, if wanted, whether it is ready.
-void answerFound(const Element& element, bool wantReady, const ResponderPtr& responder) {
+void answerFound(const Element& element, Wire::Wanted wanted, const ResponderPtr& responder) {
     Wire::LookUpResult result;
     result.object = Session::self()->info(element);
-    if (!wantReady) {
+    if (wanted == Wire::Wanted::Existence) {
         responder->replyBody(result);
         return;
     }
-    lookIfReady(element, nullptr, [result, responder](const Readiness& readiness) mutable {
+    const Aim aim = wanted == Wire::Wanted::Reach ? Aim::withoutPoint() : Aim();
+    lookIfReady(element, aim, [result, responder](const Readiness& readiness) mutable {
         result.isReady = readiness.isReady;
         result.obstacle = readiness.obstacle;
         responder->replyBody(result);
@@ -34,7 +35,7 @@ void lookUp(const Wire::LookUp& request, const ResponderPtr& responder) {
     if (request.handle != 0) {
         const Element element = Session::self()->findOrFail(request.handle, responder);
         if (!element.isNull())
-            answerFound(element, request.wantReady, responder);
+            answerFound(element, request.wanted, responder);
         return;
     }
     ObjectFinder finder(request.query);
@@ -44,7 +45,7 @@ void lookUp(const Wire::LookUp& request, const ResponderPtr& responder) {
     }
     const Element element = finder.find();
     if (!element.isNull()) {
-        answerFound(element, request.wantReady, responder);
+        answerFound(element, request.wanted, responder);
         return;
     }
     Wire::LookUpResult result;
@@ -58,14 +59,42 @@ void findItem(const Wire::FindItem& request, const ResponderPtr& responder) {
     if (view.isNull())
         return;
     QString reason;
-    const Element item =
-        view.toolkit->item(view, request.text, request.row, request.column, &reason);
+    const Element item = view.toolkit->item(view, ItemPath::ofText(request.text), request.row,
+                                            request.column, &reason);
     if (!item.isNull()) {
-        answerFound(item, request.wantReady, responder);
+        answerFound(item, request.wantReady ? Wire::Wanted::Readiness : Wire::Wanted::Existence,
+                    responder);
         return;
     }
     Wire::LookUpResult result;
     result.obstacle = reason;
+    responder->replyBody(result);
+}
+
+/// Answers with the object and what it has otherwise than expected.
+void expect(const Wire::Expect& request, const ResponderPtr& responder) {
+    Wire::LookUpResult result;
+    Element element;
+    if (request.handle != 0) {
+        element = Session::self()->findOrFail(request.handle, responder);
+        if (element.isNull())
+            return;
+    }
+    ObjectFinder finder(request.query);
+    ObjectFinder comparison(request.properties);
+    for (const ObjectFinder* each : {&finder, &comparison}) {
+        if (!each->errorText().isEmpty()) {
+            responder->fail(Wire::FailureCode::BadArgument, each->errorText());
+            return;
+        }
+    }
+    if (element.isNull())
+        element = finder.find();
+    result.object = Session::self()->info(element);
+    if (!element.isNull())
+        result.nearMisses = comparison.differences(element);
+    else if (request.wantNearMisses)
+        result.nearMisses = finder.nearMisses();
     responder->replyBody(result);
 }
 
@@ -148,6 +177,7 @@ void appendShownChildren(const Element& element, bool withPlainObjects,
 
 void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::LookUp>(Wire::MessageType::LookUp, lookUp);
+    session->setBodyHandler<Wire::Expect>(Wire::MessageType::Expect, expect);
     session->setBodyHandler<Wire::FindItem>(Wire::MessageType::FindItem, findItem);
     session->setHandler(Wire::MessageType::TopLevelObjects, listTopLevels);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::Children, listChildren);

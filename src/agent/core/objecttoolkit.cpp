@@ -134,7 +134,8 @@ QWindow* ObjectToolkit::nativeWindow(const Element& element) const {
     return windowOf(element);
 }
 
-Element ObjectToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element ObjectToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                                 Qt::MouseButton /*button*/) const {
     return globalBounds(inWindowOf).contains(globalPoint) ? inWindowOf : Element();
 }
 

@@ -22,7 +22,8 @@ public:
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;
-    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                      Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
     QImage grab(const Element& element) const override;
 };

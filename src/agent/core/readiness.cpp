@@ -4,7 +4,6 @@
 #include <QHash>
 #include <QTimer>
 #include <memory>
-#include <optional>
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
@@ -54,12 +53,21 @@ Readiness notReady(const QString& obstacle) {
     return Readiness{false, obstacle, QPoint()};
 }
 
+bool isPopup(const QWindow* window) {
+    return window->type() == Qt::Popup;
+}
+
+QString invisibleText(const QString& reason) {
+    return reason.isEmpty() ? QStringLiteral("it is not visible")
+                            : QStringLiteral("it is not visible: %1").arg(reason);
+}
+
 /// The wanted point, on the screen. The middle of an element that shows in part only is where it
 /// shows.
-QPoint pointOf(const Element& element, const std::optional<QPoint>& offset) {
+QPoint pointOf(const Element& element, const Aim& aim) {
     const QRect bounds = element.toolkit->globalBounds(element);
-    if (offset)
-        return bounds.topLeft() + *offset;
+    if (aim.offset)
+        return bounds.topLeft() + *aim.offset;
     const QRect area = clickArea(element);
     const QRect visible = element.toolkit->visibleBounds(element) & area;
     return visible.isEmpty() || visible.contains(area.center()) ? area.center() : visible.center();
@@ -73,7 +81,7 @@ bool isWithin(const Element& element, const Element& hit) {
 }
 
 /// What lies over the point; empty for nothing.
-QString coverAt(const Element& element, const QPoint& point) {
+QString coverAt(const Element& element, const QPoint& point, Qt::MouseButton button) {
     const Session* const session = Session::self();
     const Toolkit* const toolkit = element.toolkit;
     Element cover;
@@ -82,28 +90,45 @@ QString coverAt(const Element& element, const QPoint& point) {
     if (over != nullptr) {
         cover = session->element(contentOf(over));
     } else {
-        cover = toolkit->elementAt(element, point);
+        cover = toolkit->elementAt(element, point, button);
         if (!cover.isNull() &&
-            (toolkit->receivesThrough(element, cover) || isWithin(element, cover)))
+            (toolkit->receivesThrough(element, cover, button) || isWithin(element, cover)))
             return QString();
     }
     const QPoint local = point - toolkit->globalBounds(element).topLeft();
-    const QString place = QStringLiteral("the point (%1, %2)").arg(local.x()).arg(local.y());
+    const QString place = QStringLiteral("the point (%1, %2)")
+                              .arg(QString::number(local.x()), QString::number(local.y()));
     if (cover.isNull())
         return place + QStringLiteral(" is outside of what can be clicked");
     return session->describe(cover) + QStringLiteral(" covers ") + place;
 }
 
+/// What hinders at once, whatever the place is.
+QString obstacleTo(const Element& element, const Aim& aim) {
+    QString obstacle = obstacleOf(element);
+    if (!obstacle.isEmpty() || !aim.mindsOpenLists)
+        return obstacle;
+    const Element owner = element.toolkit->openListOver(element);
+    if (owner.isNull())
+        return obstacle;
+    const bool isList = owner.toolkit->nativeWindow(owner) != nullptr &&
+                        !isPopup(owner.toolkit->nativeWindow(owner));
+    return QStringLiteral("it is blocked by the %1%2")
+        .arg(isList ? QStringLiteral("list of ") : QStringLiteral("open "),
+             Session::self()->describe(owner));
+}
+
 /// The second look: `before` is where it was at the first one.
-Readiness look(const Element& element, const std::optional<QPoint>& offset, const QRect& before) {
-    const QString obstacle = obstacleOf(element);
+Readiness look(const Element& element, const Aim& aim, const QRect& before) {
+    const QString obstacle = obstacleTo(element, aim);
     if (!obstacle.isEmpty())
         return notReady(obstacle);
     const QRect bounds = element.toolkit->globalBounds(element);
     if (bounds != before)
         return notReady(QStringLiteral("it is moving"));
-    const QPoint point = pointOf(element, offset);
-    const QString cover = coverAt(element, point);
+    const QPoint point = pointOf(element, aim);
+    const QString cover =
+        aim.button == Qt::NoButton ? QString() : coverAt(element, point, aim.button);
     if (!cover.isEmpty())
         return notReady(cover);
     return Readiness{true, QString(), point};
@@ -114,9 +139,9 @@ const QString& goneText() {
     return s_text;
 }
 
-void lookTwice(const Element& element, const std::optional<QPoint>& offset, const Done& done) {
+void lookTwice(const Element& element, const Aim& aim, const Done& done) {
     const ElementRef ref(element);
-    const QString obstacle = obstacleOf(element);
+    const QString obstacle = obstacleTo(element, aim);
     if (!obstacle.isEmpty()) {
         done(notReady(obstacle));
         return;
@@ -124,19 +149,19 @@ void lookTwice(const Element& element, const std::optional<QPoint>& offset, cons
     const Place before = places().value(ref.handle());
     const qint64 age = before.time == 0 ? lookLifetime + 1 : now() - before.time;
     if (age >= lookInterval && age <= lookLifetime) {
-        const Readiness readiness = look(element, offset, before.bounds);
+        const Readiness readiness = look(element, aim, before.bounds);
         rememberPlace(ref.handle(), element.toolkit->globalBounds(element));
         done(readiness);
         return;
     }
     const QRect bounds = element.toolkit->globalBounds(element);
-    QTimer::singleShot(lookInterval, Session::self(), [ref, offset, bounds, done] {
+    QTimer::singleShot(lookInterval, Session::self(), [ref, aim, bounds, done] {
         const Element same = ref.get();
         if (same.isNull()) {
             done(notReady(goneText()));
             return;
         }
-        const Readiness readiness = look(same, offset, bounds);
+        const Readiness readiness = look(same, aim, bounds);
         rememberPlace(ref.handle(), same.toolkit->globalBounds(same));
         done(readiness);
     });
@@ -144,7 +169,7 @@ void lookTwice(const Element& element, const std::optional<QPoint>& offset, cons
 
 struct Wait {
     ElementRef element;
-    std::optional<QPoint> offset;
+    Aim aim;
     int timeout = 0;
     Done done;
     QElapsedTimer clock;
@@ -157,7 +182,7 @@ void poll(const std::shared_ptr<Wait>& wait) {
         return;
     }
     element.toolkit->scrollIntoView(element);
-    lookTwice(element, wait->offset, [wait](const Readiness& readiness) {
+    lookTwice(element, wait->aim, [wait](const Readiness& readiness) {
         const bool isOver =
             readiness.obstacle == goneText() || wait->clock.hasExpired(wait->timeout);
         if (readiness.isReady || isOver)
@@ -167,20 +192,19 @@ void poll(const std::shared_ptr<Wait>& wait) {
     });
 }
 
-std::optional<QPoint> optionalOf(const QPoint* offset) {
-    return offset == nullptr ? std::nullopt : std::make_optional(*offset);
-}
-
 }  // namespace
 
 QString obstacleOf(const Element& element) {
     const Toolkit* const toolkit = element.toolkit;
     if (!toolkit->isVisible(element))
-        return QStringLiteral("it is not visible");
+        return invisibleText(toolkit->hiddenReason(element));
     if (toolkit->visibleBounds(element).isEmpty()) {
         toolkit->scrollIntoView(element);
-        if (toolkit->visibleBounds(element).isEmpty())
-            return QStringLiteral("it is not visible: it is scrolled out of sight");
+        if (toolkit->visibleBounds(element).isEmpty()) {
+            const QString reason = toolkit->hiddenReason(element);
+            return invisibleText(reason.isEmpty() ? QStringLiteral("it is scrolled out of sight")
+                                                  : reason);
+        }
     }
     if (!toolkit->isEnabled(element))
         return QStringLiteral("it is disabled");
@@ -191,14 +215,14 @@ QString obstacleOf(const Element& element) {
     return QString();
 }
 
-void lookIfReady(const Element& element, const QPoint* offset, const Done& done) {
-    lookTwice(element, optionalOf(offset), done);
+void lookIfReady(const Element& element, const Aim& aim, const Done& done) {
+    lookTwice(element, aim, done);
 }
 
-void waitUntilReady(const Element& element, const QPoint* offset, int timeout, Done done) {
+void waitUntilReady(const Element& element, const Aim& aim, int timeout, Done done) {
     auto wait = std::make_shared<Wait>();
     wait->element = ElementRef(element);
-    wait->offset = optionalOf(offset);
+    wait->aim = aim;
     wait->timeout = timeout;
     wait->done = std::move(done);
     wait->clock.start();

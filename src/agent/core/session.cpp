@@ -5,11 +5,10 @@ namespace Tamrix::Agent {
 Responder::~Responder() = default;
 
 Element Session::findOrFail(quint64 handle, const ResponderPtr& responder) {
-    QString text;
-    const Element element = find(handle, &text);
+    QString error;
+    const Element element = find(handle, &error);
     if (element.isNull())
-        responder->fail(Wire::FailureCode::StaleObject,
-                        QStringLiteral("%1 does not exist any more").arg(text));
+        responder->fail(Wire::FailureCode::StaleObject, error);
     return element;
 }
 

@@ -76,12 +76,14 @@ public:
     virtual QVector<Element> topLevels() const = 0;
     /// Whether a toolkit has items of this type.
     virtual bool isItemType(const QString& typeName) const = 0;
+    /// As Toolkit::showsOfHidden(), of all toolkits.
+    virtual bool showsOfHidden(const QString& typeName) const = 0;
     /// The element's handle, made on first use; the same for the same element ever after.
     virtual quint64 handle(const Element& element) = 0;
     /// Handle, type and name, as they travel; handle 0 for a null element.
     virtual Wire::ObjectInfo info(const Element& element) = 0;
-    /// The element of a handle, null when it is gone; `*text` then says what it was.
-    virtual Element find(quint64 handle, QString* text) = 0;
+    /// The element of a handle, null when it is gone; `*error` is then the sentence that says so.
+    virtual Element find(quint64 handle, QString* error) = 0;
     /// As above, and fails the request with StaleObject when it is gone.
     Element findOrFail(quint64 handle, const ResponderPtr& responder);
     /// A name for people in messages: type, then text or name in quotes.

@@ -3,6 +3,7 @@
 #include <QMetaProperty>
 
 #include "agent/core/classnames.h"
+#include "agent/core/session.h"
 
 namespace Tamrix::Agent {
 
@@ -39,6 +40,18 @@ QStringList Toolkit::superTypes(const Element& element) const {
 
 QString Toolkit::name(const Element& element) const {
     return element.isItem() ? QString() : element.object->objectName();
+}
+
+Toolkit::Hint Toolkit::hint(const Element& /*element*/) const {
+    return {};
+}
+
+QString Toolkit::hiddenReason(const Element& /*element*/) const {
+    return {};
+}
+
+bool Toolkit::showsOfHidden(const QString& /*typeName*/) const {
+    return false;
 }
 
 bool Toolkit::isTextLasting(const Element& /*element*/) const {
@@ -78,13 +91,18 @@ QStringList Toolkit::propertyNames(const Element& element) const {
     return names;
 }
 
-bool Toolkit::receivesThrough(const Element& element, const Element& hit) const {
+bool Toolkit::receivesThrough(const Element& element, const Element& hit,
+                              Qt::MouseButton /*button*/) const {
     // The element or something in it.
     for (Element each = hit; !each.isNull(); each = each.toolkit->parent(each)) {
         if (each == element)
             return true;
     }
     return false;
+}
+
+Element Toolkit::openListOver(const Element& /*element*/) const {
+    return {};
 }
 
 bool Toolkit::scrollIntoView(const Element& /*element*/) const {
@@ -95,9 +113,9 @@ bool Toolkit::isItemType(const QString& /*typeName*/) const {
     return false;
 }
 
-Element Toolkit::item(const Element& /*view*/, const QString& /*text*/, int /*row*/, int /*column*/,
+Element Toolkit::item(const Element& view, const ItemPath& /*path*/, int /*row*/, int /*column*/,
                       QString* reason) const {
-    *reason = QStringLiteral("it has no items");
+    *reason = QStringLiteral("%1 has no items").arg(Session::self()->describe(view));
     return {};
 }
 

@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include "agent/core/element.h"
+#include "agent/core/itempath.h"
 #include "base/export.h"
 #include "wire/messages.h"
 
@@ -51,11 +52,24 @@ public:
     virtual QString name(const Element& element) const;
     /// What a person reads on it: label, title, content of a field. Mnemonic markers are left out.
     virtual QString text(const Element& element) const = 0;
+    /// What tells an element without text from others, a person reads it off a picture or a tool
+    /// tip. Empty where there is none, and for elements with a text.
+    struct Hint {
+        /// A property.
+        const char* name = nullptr;
+        QString value;
+    };
+    virtual Hint hint(const Element& element) const;
     /// Whether the text tells the element from others: false for what a person types.
     virtual bool isTextLasting(const Element& element) const;
     /// Whether it is shown: itself, its parents, its window. What is only scrolled out of sight is
     /// visible, so that scrolling does not change what a name means; its visibleBounds() are empty.
     virtual bool isVisible(const Element& element) const = 0;
+    /// Why an element that a person could expect to see is not seen: "its menu 'File' is closed".
+    /// Empty where there is nothing to tell.
+    virtual QString hiddenReason(const Element& element) const;
+    /// Whether elements of the type may be seen though they hang below a window that is hidden.
+    virtual bool showsOfHidden(const QString& typeName) const;
     virtual bool isEnabled(const Element& element) const = 0;
     /// Whether it is of the toolkit's inner workings, left out of names and trees.
     virtual bool isInternal(const Element& element) const;
@@ -73,14 +87,19 @@ public:
     virtual QRect visibleBounds(const Element& element) const = 0;
     /// The native window that gets the input for the element, null when it has none.
     virtual QWindow* nativeWindow(const Element& element) const = 0;
-    /// What would get a click at this point of the screen, within the element's own window: the
-    /// element's own or another one. Null for none.
-    virtual Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const = 0;
+    /// What would get a click of the button at this point of the screen, within the element's own
+    /// window: the element's own or another one. Null for none.
+    virtual Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                              Qt::MouseButton button) const = 0;
     /// Whether a click at `hit` reaches `element`: it is the element, part of it, or passes clicks
     /// on (a label of a button).
-    virtual bool receivesThrough(const Element& element, const Element& hit) const;
+    virtual bool receivesThrough(const Element& element, const Element& hit,
+                                 Qt::MouseButton button) const;
     /// The modal window that keeps input from the element; null for none.
     virtual Element blockedBy(const Element& element) const = 0;
+    /// The field or box whose open list takes the next click beside it, and closes, or another open
+    /// popup; null when none is in the way of the element.
+    virtual Element openListOver(const Element& element) const;
     /// Brings the element into the viewports that hold it. False when nothing had to be done.
     virtual bool scrollIntoView(const Element& element) const;
     /// A picture of the element and its children, at the screen's density; null for none.
@@ -89,9 +108,9 @@ public:
     // Items.
     /// Whether items of this type exist: a look-up leaves items out when its type is none.
     virtual bool isItemType(const QString& typeName) const;
-    /// The item of a view, menu, bar or box; `text` null: by row and column. Null when there is
-    /// none, with a reason.
-    virtual Element item(const Element& view, const QString& text, int row, int column,
+    /// The item of a view, menu, bar or box; `path` null: by row and column. Null when there is
+    /// none, with the reason in a whole sentence.
+    virtual Element item(const Element& view, const ItemPath& path, int row, int column,
                          QString* reason) const;
 };
 

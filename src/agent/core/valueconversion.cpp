@@ -1,6 +1,11 @@
 #include "agent/core/valueconversion.h"
 
 #include <QMetaEnum>
+#include <QPointF>
+#include <QRectF>
+#include <QSizeF>
+#include <cmath>
+#include <limits>
 
 #include "agent/core/session.h"
 #include "agent/core/vocabulary.h"
@@ -16,6 +21,33 @@ bool isObject(const QVariant& value) {
 bool isNumber(int type) {
     return (type >= QMetaType::Int && type <= QMetaType::Double) ||
            (type >= QMetaType::Long && type <= QMetaType::Float);
+}
+
+/// Whether Qt may round what is real in the value for a type of integers.
+bool isInRange(const QVariant& value, int typeId) {
+    constexpr double most = std::numeric_limits<int>::max();
+    constexpr double mostLong = 9e18;
+    const auto isWithin = [](double number, double bound) { return std::abs(number) <= bound; };
+    switch (value.userType()) {
+        case QMetaType::Float:
+        case QMetaType::Double:
+            return typeId == QMetaType::Double || typeId == QMetaType::Float || !isNumber(typeId) ||
+                   isWithin(value.toDouble(), mostLong);
+        case QMetaType::QPointF:
+            return typeId != QMetaType::QPoint ||
+                   (isWithin(value.toPointF().x(), most) && isWithin(value.toPointF().y(), most));
+        case QMetaType::QSizeF:
+            return typeId != QMetaType::QSize || (isWithin(value.toSizeF().width(), most) &&
+                                                  isWithin(value.toSizeF().height(), most));
+        case QMetaType::QRectF: {
+            const QRectF rect = value.toRectF();
+            return typeId != QMetaType::QRect ||
+                   (isWithin(rect.left(), most / 2) && isWithin(rect.top(), most / 2) &&
+                    isWithin(rect.right(), most / 2) && isWithin(rect.bottom(), most / 2));
+        }
+        default:
+            return true;
+    }
 }
 
 /// The object of a handle as a pointer of class `typeName` ("QWidget*").
@@ -52,8 +84,8 @@ QMetaEnum findEnum(const QMetaObject* scope, const QByteArray& typeName) {
 }
 
 Fit convertEnum(const QVariant& value, const QMetaEnum& metaEnum, QVariant* converted) {
-    bool isGood = false;
-    int number = value.toInt(&isGood);
+    bool isGood = isInRange(value, QMetaType::Int);
+    int number = isGood ? value.toInt(&isGood) : 0;
     if (value.userType() == QMetaType::QString && !isGood) {
         QByteArray keys = value.toString().toUtf8();
         keys = keys.mid(keys.lastIndexOf(':') + 1);
@@ -90,7 +122,7 @@ Fit convertValue(const QVariant& value, int typeId, const QByteArray& typeName,
         return text == QLatin1String("true") || text == QLatin1String("false") ? Fit::Converted
                                                                                : Fit::None;
     }
-    if (!converted->convert(typeId))
+    if (!isInRange(value, typeId) || !converted->convert(typeId))
         return Fit::None;
     // A number that doesn't fit would become another one.
     if (isNumber(from) && isNumber(typeId) && converted->toDouble() != value.toDouble())

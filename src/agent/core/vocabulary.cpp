@@ -4,6 +4,7 @@
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
+#include "wire/value.h"
 
 namespace Tamrix::Agent {
 
@@ -164,7 +165,8 @@ QString valueText(const QVariant& value) {
         return value.value<Wire::ObjectInfo>().objectName;
     if (value.userType() == QMetaType::QStringList)
         return value.toStringList().join(QLatin1String(", "));
-    return value.toString();
+    const QString numbers = Wire::geometryText(value);
+    return numbers.isNull() ? value.toString() : numbers;
 }
 
 QString normalizedWanted(const QVariant& value, const QString& wanted) {

@@ -41,7 +41,8 @@ Element relatedElement(const Element& element, const QString& property);
 
 /// A value as it travels: pointers to QObjects become Wire::ObjectInfo, also in lists.
 QVariant toWireValue(const QVariant& value);
-/// A value as a text to compare with and to show: "true", "12", "1.5"; an object's name.
+/// A value as a text to compare with and to show: "true", "12", "1.5"; the numbers of a rectangle;
+/// an object's name.
 QString valueText(const QVariant& value);
 /// The wanted text in the form in which valueText() writes the value: for a bool, "1" and "True"
 /// are "true".

@@ -7,10 +7,13 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
+#include <cmath>
+#include <limits>
 
 #include "agent/core/globalfunctions.h"
 #include "agent/events/eventnames.h"
 #include "agent/input/keynames.h"
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -23,14 +26,21 @@ struct Maker {
     QString error;
     std::vector<std::unique_ptr<QEvent>> events;
 
-    int number(int index) const { return arguments.at(index).toInt(); }
-    QPoint point(int first) const { return QPoint(number(first), number(first + 1)); }
+    /// 0 for what is no number of an integer's size.
+    int number(int index) const {
+        const double real = arguments.at(index).toDouble();
+        return std::abs(real) <= std::numeric_limits<int>::max() ? static_cast<int>(real) : 0;
+    }
+    QPoint point(int first) const {
+        return boundedPoint(
+            QPointF(arguments.at(first).toDouble(), arguments.at(first + 1).toDouble()));
+    }
     /// One of the types of the event's class, by name or number.
     QEvent::Type type(int index, const char* className) {
         const QVariant& value = arguments.at(index);
         const QString text = value.toString();
         const std::optional<QEvent::Type> named = eventTypeOf(text);
-        const int type = named ? *named : value.toInt();
+        const int type = named ? *named : number(index);
         if (!eventTypesOf(QString::fromLatin1(className)).contains(type))
             error = QStringLiteral("'%1' is no type of %2").arg(text, QLatin1String(className));
         return static_cast<QEvent::Type>(type);
@@ -136,10 +146,8 @@ std::vector<std::unique_ptr<QEvent>> makeEvents(const QString& name, const QVari
         const QStringList types = argumentTypes(kind);
         if (types.size() != arguments.size()) {
             *error = QStringLiteral("%1 takes %2 arguments (%3), not %4")
-                         .arg(name)
-                         .arg(types.size())
-                         .arg(types.join(QStringLiteral(", ")))
-                         .arg(arguments.size());
+                         .arg(name, QString::number(types.size()), types.join(QStringLiteral(", ")),
+                              QString::number(arguments.size()));
             return {};
         }
         Maker maker{arguments, globalOrigin, QString(), {}};

@@ -1,6 +1,8 @@
 #include "agent/functions/call.h"
 
-#include "agent/core/readiness.h"
+#include <cmath>
+
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -18,6 +20,9 @@ bool isNumber(const QVariant& value) {
             return false;
     }
 }
+
+/// The largest number that an argument can be, the highest of the modifiers.
+constexpr double mostNumber = Qt::GroupSwitchModifier;
 
 bool isText(const QVariant& value) {
     return value.type() == QVariant::String;
@@ -48,10 +53,10 @@ Element Call::takeObject() {
     if (value.userType() != qMetaTypeId<Wire::ObjectInfo>())
         failArgument(QStringLiteral("the argument object is no object"));
     const auto info = value.value<Wire::ObjectInfo>();
-    QString text;
-    const Element element = Session::self()->find(info.handle, &text);
+    QString error;
+    const Element element = Session::self()->find(info.handle, &error);
     if (element.isNull())
-        throw CallError(Wire::FailureCode::StaleObject, text);
+        throw CallError(Wire::FailureCode::StaleObject, error);
     return element;
 }
 
@@ -59,7 +64,17 @@ int Call::takeNumber(const char* name) {
     const QVariant value = take(name);
     if (!isNumber(value))
         failArgument(QStringLiteral("the argument %1 is no number").arg(QLatin1String(name)));
-    return value.toInt();
+    // Also false for what is no number.
+    const double real = value.toDouble();
+    if (!(std::abs(real) <= mostNumber))
+        failArgument(QStringLiteral("the argument %1 is out of range: %2")
+                         .arg(QLatin1String(name), value.toString()));
+    return qRound(real);
+}
+
+QPoint Call::takePoint(const char* x, const char* y) {
+    const int left = takeNumber(x);
+    return boundedPoint(QPointF(left, takeNumber(y)));
 }
 
 QString Call::takeText(const char* name) {
@@ -69,11 +84,27 @@ QString Call::takeText(const char* name) {
     return value.toString();
 }
 
+ItemPath Call::takePath(const char* name) {
+    const bool isList = !isAtEnd() && m_arguments.at(m_next).type() == QVariant::List;
+    if (!isList)
+        return ItemPath::ofText(takeText(name));
+    QStringList steps;
+    const QVariantList values = take(name).toList();
+    for (const QVariant& value : values) {
+        if (!isText(value) && !isNumber(value))
+            failArgument(
+                QStringLiteral("a step of the argument %1 is no text").arg(QLatin1String(name)));
+        steps.append(value.toString());
+    }
+    if (steps.isEmpty())
+        failArgument(QStringLiteral("the argument %1 has no steps").arg(QLatin1String(name)));
+    return ItemPath::ofSteps(steps);
+}
+
 void Call::takeEnd() const {
     if (!isAtEnd())
         failArgument(QStringLiteral("%1 arguments are too many, %2 were used")
-                         .arg(m_arguments.size())
-                         .arg(m_next));
+                         .arg(QString::number(m_arguments.size()), QString::number(m_next)));
 }
 
 QString notReadyText(const Element& element, const QString& obstacle) {
@@ -81,15 +112,23 @@ QString notReadyText(const Element& element, const QString& obstacle) {
 }
 
 QString notReadyText(const ElementRef& element, const QString& obstacle) {
-    QString text;
-    const Element found = Session::self()->find(element.handle(), &text);
-    return found.isNull() ? text : notReadyText(found, obstacle);
+    QString error;
+    const Element found = Session::self()->find(element.handle(), &error);
+    return found.isNull() ? error : notReadyText(found, obstacle);
 }
 
-void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
+bool failIfGone(const Call& call, const ElementRef& element) {
+    QString error;
+    if (!Session::self()->find(element.handle(), &error).isNull())
+        return false;
+    call.responder()->fail(Wire::FailureCode::StaleObject, error);
+    return true;
+}
+
+void whenReady(const Call& call, const Element& element, const Aim& aim,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act) {
     const ElementRef ref(element);
-    waitUntilReady(element, offset ? &*offset : nullptr, call.timeout(),
+    waitUntilReady(element, aim, call.timeout(),
                    [responder = call.responder(), ref, act](const Readiness& readiness) {
                        if (readiness.isReady) {
                            act(ref, readiness.point);

@@ -7,6 +7,8 @@
 #include <functional>
 #include <optional>
 
+#include "agent/core/itempath.h"
+#include "agent/core/readiness.h"
 #include "agent/core/session.h"
 #include "agent/input/elementref.h"
 #include "agent/input/stepqueue.h"
@@ -44,7 +46,10 @@ public:
     /// Throws also when the object is gone.
     Element takeObject();
     int takeNumber(const char* name);
+    QPoint takePoint(const char* x, const char* y);
     QString takeText(const char* name);
+    /// A text, or a list of steps.
+    ItemPath takePath(const char* name);
     void takeEnd() const;
 
 private:
@@ -59,12 +64,14 @@ private:
 
 /// "QPushButton 'OK' is not ready: it is disabled".
 QString notReadyText(const Element& element, const QString& obstacle);
-/// The same, for an element that may be gone.
+/// The same, or that the element is gone.
 QString notReadyText(const ElementRef& element, const QString& obstacle);
+/// Fails the call when the element is gone; false when it is there.
+bool failIfGone(const Call& call, const ElementRef& element);
 
 /// Calls `act` with the point to use when the element is ready; fails the call when it is not in
 /// time.
-void whenReady(const Call& call, const Element& element, const std::optional<QPoint>& offset,
+void whenReady(const Call& call, const Element& element, const Aim& aim,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act);
 
 /// Adds a step that answers the call. Comes before the last input, which may end the program.

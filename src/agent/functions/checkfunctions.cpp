@@ -94,14 +94,15 @@ void setChecked(Call& call, State wanted) {
         throw CallError(
             Wire::FailureCode::Unsupported,
             QStringLiteral("%1 can't be unchecked: check another one instead").arg(name));
-    whenReady(call, element, offsetOf(element), [=](const ElementRef& ref, const QPoint& point) {
-        auto* const queue = StepQueue::create();
-        addActivation(queue, ref);
-        addAnswer(queue, call);
-        for (int i = 0; i < mostClicks; ++i)
-            addClickUnless(queue, ref, point, wanted);
-        run(queue, call);
-    });
+    whenReady(call, element, Aim{offsetOf(element)},
+              [=](const ElementRef& ref, const QPoint& point) {
+                  auto* const queue = StepQueue::create();
+                  addActivation(queue, ref);
+                  addAnswer(queue, call);
+                  for (int i = 0; i < mostClicks; ++i)
+                      addClickUnless(queue, ref, point, wanted);
+                  run(queue, call);
+              });
 }
 
 }  // namespace

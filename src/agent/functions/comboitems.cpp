@@ -3,7 +3,6 @@
 #include <QPointer>
 #include <QStyleOptionComboBox>
 
-#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
 #include "agent/input/activation.h"
@@ -18,11 +17,11 @@ QComboBox* boxOf(const ElementRef& ref) {
     return qobject_cast<QComboBox*>(ref.get().object);
 }
 
-int rowOf(const ElementRef& ref, const QString& text) {
-    const QComboBox* const box = boxOf(ref);
-    return box == nullptr
-               ? -1
-               : box->findText(unescapeItemText(text), Qt::MatchExactly | Qt::MatchCaseSensitive);
+int rowOf(const ElementRef& ref, const ItemPath& path) {
+    const Element box = ref.get();
+    QString reason;
+    const Element item = box.isNull() ? Element() : box.toolkit->item(box, path, -1, -1, &reason);
+    return item.index.row();
 }
 
 /// Where a click opens the box: an editable one has a field in its middle.
@@ -44,29 +43,30 @@ bool isOpen(const ElementRef& ref) {
 
 /// Adds the click on the item of the open list. Its move is a long one: the list takes the release
 /// of a click near the one that opened it for the end of that.
-void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, const QString& text) {
+void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, const ItemPath& path) {
     // An item that shows in part would move when the mouse comes over it.
-    queue->call([ref, text] {
+    queue->call([ref, path] {
         QComboBox* const box = boxOf(ref);
         if (box != nullptr)
             box->view()->scrollTo(
-                box->model()->index(rowOf(ref, text), box->modelColumn(), box->rootModelIndex()),
+                box->model()->index(rowOf(ref, path), box->modelColumn(), box->rootModelIndex()),
                 QAbstractItemView::PositionAtCenter);
     });
-    queue->add([queue, call, ref, text] {
+    queue->add([queue, call, ref, path] {
         const Element box = ref.get();
         QString reason;
-        const Element item = box.isNull() || rowOf(ref, text) < 0
-                                 ? Element()
-                                 : box.toolkit->item(box, QString(), rowOf(ref, text), -1, &reason);
+        const Element item =
+            box.isNull() || rowOf(ref, path) < 0
+                ? Element()
+                : box.toolkit->item(box, ItemPath(), rowOf(ref, path), -1, &reason);
         if (item.isNull()) {
             call.responder()->fail(Wire::FailureCode::NotFound,
-                                   QStringLiteral("the item '%1' is gone").arg(text));
+                                   QStringLiteral("the item '%1' is gone").arg(path.text()));
             return;
         }
         queue->hold();
         const QPointer<StepQueue> guard(queue);
-        waitUntilReady(item, nullptr, call.timeout(),
+        waitUntilReady(item, Aim(), call.timeout(),
                        [guard, call, target = ElementRef(item)](const Readiness& readiness) {
                            if (guard == nullptr)
                                return;
@@ -86,18 +86,22 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, con
 
 }  // namespace
 
-bool selectComboItem(const Call& call, const Element& element, const QString& text) {
+bool selectComboItem(const Call& call, const Element& element, const ItemPath& path) {
     const auto* const box = element.isItem() ? nullptr : qobject_cast<QComboBox*>(element.object);
     if (box == nullptr)
         return false;
-    whenReady(call, element, arrowOf(box), [=](const ElementRef& ref, const QPoint& point) {
+    // An open list may cover the arrow.
+    const Aim aim = box->view()->isVisible() ? Aim::withoutPoint() : Aim{arrowOf(box)};
+    whenReady(call, element, aim, [=](const ElementRef& ref, const QPoint& point) {
         auto* const queue = StepQueue::create();
-        queue->waitFor([ref, text] { return rowOf(ref, text) >= 0; }, call.timeout(),
-                       [ref, call, text] {
+        queue->waitFor([ref, path] { return rowOf(ref, path) >= 0; }, call.timeout(),
+                       [ref, call, path] {
+                           if (failIfGone(call, ref))
+                               return;
                            call.responder()->fail(
                                Wire::FailureCode::NotFound,
                                QStringLiteral("%1 has no item '%2'")
-                                   .arg(Session::self()->describe(ref.get()), text));
+                                   .arg(Session::self()->describe(ref.get()), path.text()));
                        });
         addActivation(queue, ref);
         queue->add([queue, ref, point] {
@@ -110,7 +114,7 @@ bool selectComboItem(const Call& call, const Element& element, const QString& te
                                Wire::FailureCode::NotReady,
                                notReadyText(ref, QStringLiteral("its list does not open")));
                        });
-        addItemClick(queue, call, ref, text);
+        addItemClick(queue, call, ref, path);
         run(queue, call);
     });
     return true;

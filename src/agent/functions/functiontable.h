@@ -36,9 +36,12 @@ void testDataRemove(Call& call);
 
 // menuitems.cpp
 /// The part of selectItem() for QMenu and QMenuBar; false for other elements.
-bool selectMenuItem(const Call& call, const Element& element, const QString& text);
+bool selectMenuItem(const Call& call, const Element& element, const ItemPath& path);
+// quickmenus.cpp
+/// The part of selectItem() for the menus and bars of Qt Quick; false for other elements.
+bool selectQuickMenuItem(const Call& call, const Element& element, const ItemPath& path);
 // comboitems.cpp
 /// The part of selectItem() for combo boxes; false for other elements.
-bool selectComboItem(const Call& call, const Element& element, const QString& text);
+bool selectComboItem(const Call& call, const Element& element, const ItemPath& path);
 
 }  // namespace Tamrix::Agent

@@ -3,11 +3,11 @@
 #include <QMenuBar>
 #include <QPointer>
 
-#include "agent/core/itempath.h"
 #include "agent/core/readiness.h"
 #include "agent/functions/functiontable.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
+#include "agent/qtwidgets/actionplace.h"
 
 namespace Tamrix::Agent {
 
@@ -17,31 +17,31 @@ namespace {
 struct MenuWay {
     Call call;
     ElementRef menu;
-    QStringList parts;
+    ItemPath path;
 
     QWidget* widget() const { return qobject_cast<QWidget*>(menu.get().object); }
 };
 
-/// As a person reads it: without mnemonic markers and the shortcut behind a tab.
-QString plainText(const QAction* action) {
-    QString text = action->text().section(u'\t', 0, 0);
-    for (int i = 0; i < text.size(); ++i)
-        // Of "&&" the second one stays.
-        if (text.at(i) == u'&')
-            text.remove(i, 1);
-    return text;
-}
+/// The entry of the menu that is the next step of the way, and the way behind it.
+struct Entry {
+    QAction* action = nullptr;
+    ItemPath::Fit fit;
+};
 
-QAction* actionOf(const MenuWay& way) {
+Entry entryOf(const MenuWay& way) {
+    Entry entry;
     const QWidget* const widget = way.widget();
     if (widget == nullptr)
-        return nullptr;
-    const QString wanted = unescapeItemText(way.parts.first());
+        return entry;
     const QList<QAction*> actions = widget->actions();
-    for (QAction* action : actions)
-        if (action->isVisible() && !action->isSeparator() && plainText(action) == wanted)
-            return action;
-    return nullptr;
+    for (QAction* action : actions) {
+        if (!action->isVisible() || action->isSeparator())
+            continue;
+        ItemPath::Fit fit = way.path.fit(actionText(action));
+        if (!fit.isNone() && (entry.action == nullptr || fit.rank < entry.fit.rank))
+            entry = Entry{action, std::move(fit)};
+    }
+    return entry;
 }
 
 QRect placeOf(const QWidget* menu, QAction* action) {
@@ -51,17 +51,19 @@ QRect placeOf(const QWidget* menu, QAction* action) {
 }
 
 void failNotFound(const MenuWay& way) {
+    if (failIfGone(way.call, way.menu))
+        return;
     QStringList texts;
     if (const QWidget* const widget = way.widget()) {
         const QList<QAction*> actions = widget->actions();
         for (const QAction* action : actions)
             if (action->isVisible() && !action->isSeparator())
-                texts.append(plainText(action));
+                texts.append(actionText(action));
     }
     way.call.responder()->fail(
         Wire::FailureCode::NotFound,
         QStringLiteral("%1 has no item '%2'; it has: %3")
-            .arg(Session::self()->describe(way.menu.get()), unescapeItemText(way.parts.first()),
+            .arg(Session::self()->describe(way.menu.get()), way.path.text(),
                  texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral(", "))));
 }
 
@@ -69,19 +71,20 @@ void addWay(StepQueue* queue, const MenuWay& way);
 
 /// Adds the click on the item at the point, and what comes after it.
 void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
-    QAction* const action = actionOf(way);
+    const Entry entry = entryOf(way);
+    QAction* const action = entry.action;
     if (action == nullptr) {
         failNotFound(way);
         return;
     }
-    const QString name = plainText(action);
+    const QString name = actionText(action);
     if (!action->isEnabled()) {
         way.call.responder()->fail(
             Wire::FailureCode::NotReady,
             QStringLiteral("the menu item '%1' is not ready: it is disabled").arg(name));
         return;
     }
-    if (way.parts.size() == 1) {
+    if (entry.fit.rest.isNull()) {
         addAnswer(queue, way.call);
         addClick(queue, way.menu, point);
         return;
@@ -101,22 +104,18 @@ void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
             Wire::FailureCode::NotReady,
             QStringLiteral("the menu item '%1' is not ready: its menu does not open").arg(name));
     });
-    queue->add([queue, way, inner] {
-        MenuWay next = way;
-        next.menu = ElementRef(Session::self()->element(inner));
-        next.parts.removeFirst();
-        addWay(queue, next);
-    });
+    queue->add([queue, next = MenuWay{way.call, ElementRef(Session::self()->element(inner)),
+                                      entry.fit.rest}] { addWay(queue, next); });
 }
 
 /// Adds the steps for the first item of the way.
 void addWay(StepQueue* queue, const MenuWay& way) {
     // Menus are often filled when they open.
-    queue->waitFor([way] { return actionOf(way) != nullptr; }, way.call.timeout(),
+    queue->waitFor([way] { return entryOf(way).action != nullptr; }, way.call.timeout(),
                    [way] { failNotFound(way); });
     queue->add([queue, way] {
         const Element menu = way.menu.get();
-        QAction* const action = actionOf(way);
+        QAction* const action = entryOf(way).action;
         if (menu.isNull() || action == nullptr) {
             failNotFound(way);
             return;
@@ -124,29 +123,30 @@ void addWay(StepQueue* queue, const MenuWay& way) {
         const QPoint offset = placeOf(way.widget(), action).center();
         queue->hold();
         const QPointer<StepQueue> guard(queue);
-        waitUntilReady(menu, &offset, way.call.timeout(), [guard, way](const Readiness& readiness) {
-            if (guard == nullptr)
-                return;
-            guard->resume();
-            if (readiness.isReady)
-                addItem(guard, way, readiness.point);
-            else
-                way.call.responder()->fail(Wire::FailureCode::NotReady,
-                                           notReadyText(way.menu, readiness.obstacle));
-        });
+        waitUntilReady(
+            menu, Aim{offset}, way.call.timeout(), [guard, way](const Readiness& readiness) {
+                if (guard == nullptr)
+                    return;
+                guard->resume();
+                if (readiness.isReady)
+                    addItem(guard, way, readiness.point);
+                else
+                    way.call.responder()->fail(Wire::FailureCode::NotReady,
+                                               notReadyText(way.menu, readiness.obstacle));
+            });
     });
 }
 
 }  // namespace
 
-bool selectMenuItem(const Call& call, const Element& element, const QString& text) {
+bool selectMenuItem(const Call& call, const Element& element, const ItemPath& path) {
     const bool isMenu = !element.isItem() && (qobject_cast<QMenu*>(element.object) != nullptr ||
                                               qobject_cast<QMenuBar*>(element.object) != nullptr);
     if (!isMenu)
         return false;
     auto* const queue = StepQueue::create();
     addActivation(queue, ElementRef(element));
-    addWay(queue, MenuWay{call, ElementRef(element), splitItemPath(text)});
+    addWay(queue, MenuWay{call, ElementRef(element), path});
     run(queue, call);
     return true;
 }

@@ -28,8 +28,7 @@ Qt::MouseButton buttonOf(const QString& name) {
 std::optional<QPoint> takeOffset(Call* call) {
     if (!call->hasNumber() || !call->hasNumber(1))
         return std::nullopt;
-    const int x = call->takeNumber("x");
-    return QPoint(x, call->takeNumber("y"));
+    return call->takePoint("x", "y");
 }
 
 /// Reads "[, button][, modifiers]" and the end.
@@ -74,13 +73,14 @@ void clickTimes(Call& call, int count) {
     const Element element = call.takeObject();
     const std::optional<QPoint> offset = takeOffset(&call);
     const MouseStyle style = takeStyle(&call);
-    whenReady(call, element, offset, [=](const ElementRef& ref, const QPoint& point) {
-        auto* const queue = StepQueue::create();
-        addActivation(queue, ref);
-        addAnswer(queue, call);
-        addClick(queue, ref, point, style, count);
-        run(queue, call);
-    });
+    whenReady(call, element, Aim{offset, style.button},
+              [=](const ElementRef& ref, const QPoint& point) {
+                  auto* const queue = StepQueue::create();
+                  addActivation(queue, ref);
+                  addAnswer(queue, call);
+                  addClick(queue, ref, point, style, count);
+                  run(queue, call);
+              });
 }
 
 }  // namespace
@@ -95,25 +95,24 @@ void doubleClick(Call& call) {
 
 void drag(Call& call) {
     const Element element = call.takeObject();
-    const int x = call.takeNumber("x");
-    const int y = call.takeNumber("y");
-    const int dx = call.takeNumber("dx");
-    const int dy = call.takeNumber("dy");
+    const QPoint from = call.takePoint("x", "y");
+    const QPoint way = call.takePoint("dx", "dy");
     const MouseStyle style = takeStyle(&call);
-    whenReady(call, element, QPoint(x, y), [=](const ElementRef& ref, const QPoint& point) {
-        auto* const queue = StepQueue::create();
-        addActivation(queue, ref);
-        addAnswer(queue, call);
-        addDrag(queue, ref, point, point + QPoint(dx, dy), style);
-        run(queue, call);
-    });
+    whenReady(call, element, Aim{from, style.button},
+              [=](const ElementRef& ref, const QPoint& point) {
+                  auto* const queue = StepQueue::create();
+                  addActivation(queue, ref);
+                  addAnswer(queue, call);
+                  addDrag(queue, ref, point, point + way, style);
+                  run(queue, call);
+              });
 }
 
 void hover(Call& call) {
     const Element element = call.takeObject();
     const std::optional<QPoint> offset = takeOffset(&call);
     call.takeEnd();
-    whenReady(call, element, offset, [=](const ElementRef& ref, const QPoint& point) {
+    whenReady(call, element, Aim{offset}, [=](const ElementRef& ref, const QPoint& point) {
         auto* const queue = StepQueue::create();
         addAnswer(queue, call);
         addMove(queue, ref, point);

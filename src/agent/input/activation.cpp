@@ -46,13 +46,6 @@ void activateAnyway(const ElementRef& ref) {
             windowToActivate(ref));
 }
 
-/// The widget that really takes the focus for this one.
-QWidget* focusTaker(QWidget* widget) {
-    while (widget->focusProxy() != nullptr)
-        widget = widget->focusProxy();
-    return widget;
-}
-
 void giveFocus(const ElementRef& ref, Qt::FocusReason reason) {
     const Element element = ref.get();
     if (element.isNull())
@@ -72,6 +65,12 @@ void giveFocus(const ElementRef& ref, Qt::FocusReason reason) {
 }
 
 }  // namespace
+
+QWidget* focusTaker(QWidget* widget) {
+    while (widget->focusProxy() != nullptr)
+        widget = widget->focusProxy();
+    return widget;
+}
 
 void addActivation(StepQueue* queue, const ElementRef& element) {
     queue->call([element] { activate(element); });

@@ -11,6 +11,7 @@
 #include "agent/input/pointer.h"
 #include "agent/input/stepqueue.h"
 #include "agent/input/windowstack.h"
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -29,7 +30,7 @@ void answerAndRun(StepQueue* queue, const ResponderPtr& responder) {
 bool findPlace(const Wire::MouseEvent& request, const ResponderPtr& responder, QWindow** window,
                QPoint* position) {
     *window = nullptr;
-    const QPoint given(request.x, request.y);
+    const QPoint given = boundedPoint(QPointF(request.x, request.y));
     if (request.handle == 0) {
         if ((request.mask & hasCoordinates) != 0)
             *position = given;

@@ -5,10 +5,12 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <algorithm>
 
 #include "agent/core/objecttoolkit.h"
 #include "agent/core/session.h"
+#include "agent/qtquick/pressdelivery.h"
+#include "agent/qtquick/quickitems.h"
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -25,41 +27,7 @@ QQuickWindow* windowOf(const Element& element) {
 
 /// In coordinates of the window.
 QRect rectInWindow(const QQuickItem* item) {
-    return item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toAlignedRect();
-}
-
-/// Texts say that they do, for the links in them.
-bool takesClicks(const QQuickItem* item) {
-    return item->acceptedMouseButtons() != Qt::NoButton && !item->inherits("QQuickText");
-}
-
-/// Child items as they are painted, the last on top.
-QList<QQuickItem*> stackedChildren(const QQuickItem* item) {
-    QList<QQuickItem*> children = item->childItems();
-    std::stable_sort(children.begin(), children.end(),
-                     [](const QQuickItem* a, const QQuickItem* b) { return a->z() < b->z(); });
-    return children;
-}
-
-/// The topmost item at a point of the window, of those that take clicks if `wantsClicks`.
-QQuickItem* findAt(QQuickItem* item, const QPointF& scenePoint, bool wantsClicks) {
-    const QPointF inside = item->mapFromScene(scenePoint);
-    if (!item->isVisible() || (item->clip() && !item->contains(inside)))
-        return nullptr;
-    const QList<QQuickItem*> children = stackedChildren(item);
-    const auto firstBelow = std::find_if(children.cbegin(), children.cend(),
-                                         [](const QQuickItem* child) { return child->z() >= 0; });
-    for (auto child = children.cend(); child != firstBelow;) {
-        if (QQuickItem* const found = findAt(*--child, scenePoint, wantsClicks))
-            return found;
-    }
-    if (item->contains(inside) && (!wantsClicks || (takesClicks(item) && item->isEnabled())))
-        return item;
-    for (auto child = firstBelow; child != children.cbegin();) {
-        if (QQuickItem* const found = findAt(*--child, scenePoint, wantsClicks))
-            return found;
-    }
-    return nullptr;
+    return boundedAlignedRect(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())));
 }
 
 /// Moves a Flickable so that the item is seen; false when it is seen already.
@@ -118,12 +86,7 @@ QString QuickToolkit::name(const Element& element) const {
 }
 
 QString QuickToolkit::text(const Element& element) const {
-    for (const char* name : {"text", "title"}) {
-        const QVariant value = element.object->property(name);
-        if (value.userType() == QMetaType::QString)
-            return value.toString();
-    }
-    return {};
+    return quickTextOf(element.object);
 }
 
 bool QuickToolkit::isTextLasting(const Element& element) const {
@@ -139,7 +102,8 @@ bool QuickToolkit::isVisible(const Element& element) const {
 
 bool QuickToolkit::isEnabled(const Element& element) const {
     const QQuickItem* const item = itemOf(element);
-    return !item || item->isEnabled();
+    // The enabled of a mouse area is another one than that of items.
+    return !item || (item->isEnabled() && item->property("enabled").toBool());
 }
 
 QRect QuickToolkit::globalBounds(const Element& element) const {
@@ -168,7 +132,8 @@ QWindow* QuickToolkit::nativeWindow(const Element& element) const {
     return windowOf(element);
 }
 
-Element QuickToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element QuickToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                                Qt::MouseButton button) const {
     QQuickWindow* const window = windowOf(inWindowOf);
     if (!window || !window->isVisible())
         return {};
@@ -176,27 +141,30 @@ Element QuickToolkit::elementAt(const Element& inWindowOf, const QPoint& globalP
     if (!QRectF(QPointF(0, 0), QSizeF(window->size())).contains(point))
         return {};
     QQuickItem* const content = window->contentItem();
-    QQuickItem* hit = findAt(content, point, true);
+    QQuickItem* hit = pressTaker(content, point, Press{button, itemOf(inWindowOf)});
     if (!hit)
-        hit = findAt(content, point, false);
+        hit = topmostItem(content, point);
     return !hit || hit == content ? element(window) : element(hit);
 }
 
-bool QuickToolkit::receivesThrough(const Element& element, const Element& hit) const {
-    if (Toolkit::receivesThrough(element, hit))
+bool QuickToolkit::receivesThrough(const Element& element, const Element& hit,
+                                   Qt::MouseButton button) const {
+    if (Toolkit::receivesThrough(element, hit, button))
         return true;
     // What takes no clicks passes them on, to what is below it or beside it in the same control.
     const QQuickItem* const item = itemOf(element);
     const QQuickItem* const taker = hit.toolkit == this ? itemOf(hit) : nullptr;
-    if (!item || takesClicks(item))
+    if (!item || takesPress(item, button))
         return false;
     if (!taker)
         return hit.object == windowOf(element);
-    return taker->isAncestorOf(item) || !takesClicks(taker) ||
+    return taker->isAncestorOf(item) || !takesPress(taker, button) ||
            (taker->parentItem() && taker->parentItem()->isAncestorOf(item));
 }
 
 Element QuickToolkit::blockedBy(const Element& element) const {
+    if (QQuickItem* const popup = modalPopupOver(windowOf(element), itemOf(element)))
+        return Toolkit::element(popup);
     return Session::self()->element(blockingWindow(windowOf(element)));
 }
 
@@ -208,6 +176,19 @@ bool QuickToolkit::scrollIntoView(const Element& element) const {
             hasMoved = scrollFlickable(each, item) || hasMoved;
     }
     return hasMoved;
+}
+
+Element QuickToolkit::item(const Element& view, const ItemPath& path, int row, int column,
+                           QString* reason) const {
+    QQuickItem* const holder = itemOf(view);
+    if (!holder)
+        return Toolkit::item(view, path, row, column, reason);
+    const Element found = element(findQuickItem(holder, path, row));
+    if (found.isNull())
+        *reason = Session::self()->describe(view) +
+                  (path.isNull() ? QStringLiteral(" has no item in row %1").arg(row)
+                                 : QStringLiteral(" has no item '%1'").arg(path.text()));
+    return found;
 }
 
 QImage QuickToolkit::grab(const Element& element) const {

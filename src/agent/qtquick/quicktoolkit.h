@@ -25,11 +25,15 @@ public:
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;
-    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
-    bool receivesThrough(const Element& element, const Element& hit) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                      Qt::MouseButton button) const override;
+    bool receivesThrough(const Element& element, const Element& hit,
+                         Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
+    Element item(const Element& view, const ItemPath& path, int row, int column,
+                 QString* reason) const override;
 };
 
 }  // namespace Tamrix::Agent

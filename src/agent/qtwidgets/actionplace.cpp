@@ -6,6 +6,8 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include "agent/qtwidgets/widgettext.h"
+
 namespace Tamrix::Agent {
 
 namespace {
@@ -32,6 +34,10 @@ ActionPlace placeIn(QWidget* widget, const QAction* action) {
 }
 
 }  // namespace
+
+QString actionText(const QAction* action) {
+    return withoutMnemonic(action->text().section('\t', 0, 0));
+}
 
 ActionPlace placeOf(const QAction* action) {
     ActionPlace place;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 
 class QAction;
 class QWidget;
@@ -14,6 +15,10 @@ struct ActionPlace {
     /// Its part that shows the action, in its own coordinates.
     QRect rect;
 };
+
+/// The label of an action as a person reads it: without mnemonic markers, and the shortcut that may
+/// stand behind a tab.
+QString actionText(const QAction* action);
 
 /// The visible place of an action; of several the first, a menu or menu bar before others.
 ActionPlace placeOf(const QAction* action);

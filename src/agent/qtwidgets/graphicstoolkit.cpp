@@ -11,7 +11,9 @@
 
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemtoolkit.h"
+#include "agent/qtwidgets/openlist.h"
 #include "agent/qtwidgets/widgettoolkit.h"
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -61,8 +63,7 @@ Element makeElement(QGraphicsItem* item, QGraphicsView* view) {
 QRect boundsInView(const Element& element) {
     const QGraphicsView* const view = viewOf(element);
     const QGraphicsItem* const item = itemOf(element);
-    return view ? view->mapFromScene(item->mapToScene(item->boundingRect())).boundingRect()
-                : QRect();
+    return view ? rectInView(view, item->mapToScene(item->boundingRect())) : QRect();
 }
 
 }  // namespace
@@ -145,6 +146,11 @@ bool GraphicsToolkit::isVisible(const Element& element) const {
     return view && view->isVisible() && itemOf(element)->isVisible();
 }
 
+QString GraphicsToolkit::hiddenReason(const Element& element) const {
+    const Element view = Session::self()->element(viewOf(element));
+    return view.isNull() ? QString() : view.toolkit->hiddenReason(view);
+}
+
 bool GraphicsToolkit::isEnabled(const Element& element) const {
     const QGraphicsView* const view = viewOf(element);
     return view && view->isEnabled() && itemOf(element)->isEnabled();
@@ -186,7 +192,8 @@ QWindow* GraphicsToolkit::nativeWindow(const Element& element) const {
     return view ? nativeWindowOf(view) : nullptr;
 }
 
-Element GraphicsToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element GraphicsToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                                   Qt::MouseButton /*button*/) const {
     const QGraphicsView* const view = viewOf(inWindowOf);
     return view ? elementInWindowAt(view, globalPoint) : Element();
 }
@@ -194,6 +201,11 @@ Element GraphicsToolkit::elementAt(const Element& inWindowOf, const QPoint& glob
 Element GraphicsToolkit::blockedBy(const Element& element) const {
     const QGraphicsView* const view = viewOf(element);
     return view ? blockerOf(view) : Element();
+}
+
+Element GraphicsToolkit::openListOver(const Element& element) const {
+    const QGraphicsView* const view = viewOf(element);
+    return view ? Session::self()->element(Agent::openListOver(view)) : Element();
 }
 
 bool GraphicsToolkit::scrollIntoView(const Element& element) const {
@@ -217,6 +229,13 @@ bool GraphicsToolkit::isItemType(const QString& typeName) const {
     return typeName.startsWith(QLatin1String("QGraphics"));
 }
 
+QRect rectInView(const QGraphicsView* view, const QPolygonF& scenePolygon) {
+    QPolygon polygon;
+    for (const QPointF& point : view->viewportTransform().map(scenePolygon))
+        polygon.append(boundedPoint(point));
+    return polygon.boundingRect();
+}
+
 void appendGraphicsItems(QWidget* widget, QVector<Element>* elements) {
     auto* const view = qobject_cast<QGraphicsView*>(widget);
     if (!view || !view->scene() || view->scene()->views().first() != view)
@@ -237,7 +256,7 @@ Element graphicsItemAt(const QWidget* widget, const QPoint& point) {
     const auto* const proxy = qgraphicsitem_cast<QGraphicsProxyWidget*>(item);
     if (!proxy || !proxy->widget())
         return makeElement(item, view);
-    const QPoint inside = proxy->mapFromScene(view->mapToScene(point)).toPoint();
+    const QPoint inside = boundedPoint(proxy->mapFromScene(view->mapToScene(point)));
     QWidget* const child = proxy->widget()->childAt(inside);
     return Session::self()->element(child ? child : proxy->widget());
 }

@@ -2,6 +2,8 @@
 
 #include "agent/core/toolkit.h"
 
+class QGraphicsView;
+class QPolygonF;
 class QWidget;
 
 namespace Tamrix::Agent {
@@ -26,19 +28,24 @@ public:
     QStringList superTypes(const Element& element) const override;
     QString text(const Element& element) const override;
     bool isVisible(const Element& element) const override;
+    QString hiddenReason(const Element& element) const override;
     bool isEnabled(const Element& element) const override;
     QVariant property(const Element& element, const QString& name, bool* isKnown) const override;
     QStringList propertyNames(const Element& element) const override;
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;
-    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                      Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
+    Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
     bool isItemType(const QString& typeName) const override;
 };
 
+/// The rectangle around a polygon of the scene, in coordinates of the view's viewport.
+QRect rectInView(const QGraphicsView* view, const QPolygonF& scenePolygon);
 /// Appends the items at the top level of a graphics view's scene; nothing for other widgets.
 void appendGraphicsItems(QWidget* widget, QVector<Element>* elements);
 /// The item, or the widget in the scene, at a point of a graphics view's viewport; null for none.

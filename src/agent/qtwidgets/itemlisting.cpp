@@ -7,10 +7,8 @@
 #include <QTabBar>
 #include <QTreeView>
 
-#include "agent/core/itempath.h"
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemtoolkit.h"
-#include "agent/qtwidgets/widgettext.h"
 
 namespace Tamrix::Agent {
 
@@ -21,16 +19,6 @@ constexpr int mostCells = 1000;
 
 /// Items are of the toolkit that knows no object; it is found by its one instance.
 const Toolkit* s_toolkit = nullptr;
-
-Element makeItem(QWidget* holder, int kind, const QModelIndex& index, int number) {
-    Element item;
-    item.toolkit = s_toolkit;
-    item.object = holder;
-    item.kind = kind;
-    item.index = index;
-    item.number = number;
-    return item;
-}
 
 /// Some view that lists only some columns.
 int firstColumn(const QAbstractItemView* view) {
@@ -76,45 +64,17 @@ void appendModelItems(QAbstractItemView* view, const QModelIndex& parent,
     }
 }
 
-/// The item among the children of `parent`, followed down the path.
-QModelIndex findIndex(const QAbstractItemModel* model, const QModelIndex& parent, int column,
-                      const QStringList& path) {
-    const int rows = model->rowCount(parent);
-    const int columns = column >= 0 ? column + 1 : model->columnCount(parent);
-    for (int row = 0; row < rows; ++row) {
-        for (int each = std::max(column, 0); each < columns; ++each) {
-            const QModelIndex index = model->index(row, each, parent);
-            if (index.data(Qt::DisplayRole).toString() != path.first())
-                continue;
-            if (path.size() == 1)
-                return index;
-            const QModelIndex below = findIndex(model, index, column, path.mid(1));
-            if (below.isValid())
-                return below;
-        }
-    }
-    return {};
-}
-
-QString noSuchItem(const QString& text, int row, int column) {
-    return text.isNull()
-               ? QStringLiteral("it has no item in row %1 and column %2").arg(row).arg(column)
-               : QStringLiteral("it has no item '%1'").arg(text);
-}
-
-/// The item of a list of sections, tabs or entries, by text or number.
-template <typename TextOf>
-int findNumber(int count, const QString& text, int number, TextOf textOf) {
-    if (text.isNull())
-        return number < count ? number : -1;
-    for (int index = 0; index < count; ++index) {
-        if (textOf(index) == text)
-            return index;
-    }
-    return -1;
-}
-
 }  // namespace
+
+Element makeItem(QWidget* holder, ItemKind kind, const QModelIndex& index, int number) {
+    Element item;
+    item.toolkit = s_toolkit;
+    item.object = holder;
+    item.kind = kind;
+    item.index = index;
+    item.number = number;
+    return item;
+}
 
 ItemToolkit::ItemToolkit() {
     s_toolkit = this;
@@ -181,50 +141,6 @@ Element currentItemOf(QWidget* holder) {
         return bar->currentIndex() >= 0 ? makeItem(bar, Tab, QModelIndex(), bar->currentIndex())
                                         : Element();
     return {};
-}
-
-Element findItem(QWidget* holder, const QString& text, int row, int column, QString* reason) {
-    const QStringList path = itemTexts(text);
-    Element found;
-    if (auto* const header = qobject_cast<QHeaderView*>(holder)) {
-        const int wanted = header->orientation() == Qt::Vertical ? row : column;
-        const int section = findNumber(
-            header->count(), text.isNull() ? QString() : path.join('.'), wanted, [&](int index) {
-                return header->model()->headerData(index, header->orientation()).toString();
-            });
-        if (section >= 0)
-            found = makeItem(header, HeaderSection, QModelIndex(), section);
-    } else if (auto* const view = qobject_cast<QAbstractItemView*>(holder)) {
-        if (view->model()) {
-            const int only = qobject_cast<QListView*>(view) ? firstColumn(view) : -1;
-            const QModelIndex index =
-                text.isNull() ? view->model()->index(row, std::max(column, only), view->rootIndex())
-                              : findIndex(view->model(), view->rootIndex(), only, path);
-            if (index.isValid())
-                found = makeItem(view, ModelItem, index, -1);
-        }
-    } else if (auto* const box = qobject_cast<QComboBox*>(holder)) {
-        const int entry =
-            text.isNull()
-                ? (row < box->count() ? row : -1)
-                : box->findText(path.join('.'), Qt::MatchFixedString | Qt::MatchCaseSensitive);
-        if (entry >= 0)
-            found =
-                makeItem(box, ComboBoxItem,
-                         box->model()->index(entry, box->modelColumn(), box->rootModelIndex()), -1);
-    } else if (auto* const bar = qobject_cast<QTabBar*>(holder)) {
-        const int tab = findNumber(bar->count(), text.isNull() ? QString() : path.join('.'),
-                                   std::max(row, column),
-                                   [&](int index) { return withoutMnemonic(bar->tabText(index)); });
-        if (tab >= 0)
-            found = makeItem(bar, Tab, QModelIndex(), tab);
-    } else {
-        *reason = QStringLiteral("it has no items");
-        return found;
-    }
-    if (found.isNull())
-        *reason = noSuchItem(text, row, column);
-    return found;
 }
 
 }  // namespace Tamrix::Agent

@@ -10,9 +10,11 @@
 #include <QTableView>
 #include <QToolButton>
 #include <QTreeView>
+#include <algorithm>
 
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemplace.h"
+#include "agent/qtwidgets/openlist.h"
 #include "agent/qtwidgets/widgettext.h"
 #include "agent/qtwidgets/widgettoolkit.h"
 
@@ -20,26 +22,36 @@ namespace Tamrix::Agent {
 
 namespace {
 
-constexpr const char* typeNames[] = {"QListViewItem", "QTreeViewItem",   "QTableViewItem",
-                                     "QItemViewItem", "QHeaderViewItem", "QComboBoxItem",
-                                     "QTabBarItem"};
+/// A type of items. They are no QObjects, so the names are ours.
+struct ItemType {
+    const char* name;
+    ItemKind kind;
+    /// What the view is; null for any.
+    const QMetaObject* view;
+};
+
+/// Of several that fit the first one counts.
+const ItemType itemTypes[] = {
+    {"QListViewItem", ModelItem, &QListView::staticMetaObject},
+    // Below it are the entries that it expands to.
+    {"QTreeViewItem", ModelItem, &QTreeView::staticMetaObject},
+    // A cell.
+    {"QTableViewItem", ModelItem, &QTableView::staticMetaObject},
+    {"QItemViewItem", ModelItem, nullptr},
+    {"QHeaderViewItem", HeaderSection, nullptr},
+    // Visible while the list of the box is open.
+    {"QComboBoxItem", ComboBoxItem, nullptr},
+    {"QTabBarItem", Tab, nullptr},
+};
+/// The type that every item is of, too.
 constexpr char commonType[] = "QModelItem";
 
 const char* typeOf(const Element& item) {
-    switch (item.kind) {
-        case ModelItem:
-            if (qobject_cast<const QListView*>(item.object))
-                return typeNames[0];
-            if (qobject_cast<const QTreeView*>(item.object))
-                return typeNames[1];
-            return typeNames[qobject_cast<const QTableView*>(item.object) ? 2 : 3];
-        case HeaderSection:
-            return typeNames[4];
-        case ComboBoxItem:
-            return typeNames[5];
-        default:
-            return typeNames[6];
-    }
+    const auto* const found =
+        std::find_if(std::begin(itemTypes), std::end(itemTypes), [&item](const ItemType& type) {
+            return type.kind == item.kind && (!type.view || type.view->cast(item.object));
+        });
+    return found == std::end(itemTypes) ? commonType : found->name;
 }
 
 QWidget* holderOf(const Element& item) {
@@ -192,6 +204,11 @@ bool ItemToolkit::isVisible(const Element& item) const {
     return placeOfItem(item).widget != nullptr;
 }
 
+QString ItemToolkit::hiddenReason(const Element& item) const {
+    const Element holder = Session::self()->element(item.object);
+    return holder.toolkit->hiddenReason(holder);
+}
+
 bool ItemToolkit::isEnabled(const Element& item) const {
     if (!holderOf(item)->isEnabled())
         return false;
@@ -232,13 +249,15 @@ QWindow* ItemToolkit::nativeWindow(const Element& item) const {
     return nativeWindowOf(place.widget ? place.widget : holderOf(item));
 }
 
-Element ItemToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element ItemToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                               Qt::MouseButton /*button*/) const {
     const ItemPlace place = placeOfItem(inWindowOf);
     return elementInWindowAt(place.widget ? place.widget : holderOf(inWindowOf), globalPoint);
 }
 
-bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const {
-    if (Toolkit::receivesThrough(item, hit))
+bool ItemToolkit::receivesThrough(const Element& item, const Element& hit,
+                                  Qt::MouseButton button) const {
+    if (Toolkit::receivesThrough(item, hit, button))
         return true;
     // In the list of a combo box, the entries are those of the list's own view.
     if (item.kind == ComboBoxItem && hit.kind == ModelItem)
@@ -254,6 +273,12 @@ bool ItemToolkit::receivesThrough(const Element& item, const Element& hit) const
 Element ItemToolkit::blockedBy(const Element& item) const {
     const ItemPlace place = placeOfItem(item);
     return blockerOf(place.widget ? place.widget : holderOf(item));
+}
+
+Element ItemToolkit::openListOver(const Element& item) const {
+    const ItemPlace place = placeOfItem(item);
+    return Session::self()->element(
+        Agent::openListOver(place.widget ? place.widget : holderOf(item)));
 }
 
 bool ItemToolkit::scrollIntoView(const Element& item) const {
@@ -280,8 +305,9 @@ QImage ItemToolkit::grab(const Element& item) const {
 }
 
 bool ItemToolkit::isItemType(const QString& typeName) const {
-    return std::any_of(std::begin(typeNames), std::end(typeNames),
-                       [&typeName](const char* each) { return typeName == QLatin1String(each); });
+    return std::any_of(
+        std::begin(itemTypes), std::end(itemTypes),
+        [&typeName](const ItemType& each) { return typeName == QLatin1String(each.name); });
 }
 
 }  // namespace Tamrix::Agent

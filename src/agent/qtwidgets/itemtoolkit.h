@@ -2,23 +2,18 @@
 
 #include <QStringList>
 
+#include "agent/core/itempath.h"
 #include "agent/core/toolkit.h"
 
+class QTreeView;
 class QWidget;
 
 namespace Tamrix::Agent {
 
 /// Items of views, headers, combo boxes and tab bars. They are no QObjects, so their types are
-/// names of ours:
-///
-///     QListViewItem    entry of a QListView or QListWidget
-///     QTreeViewItem    entry of a QTreeView or QTreeWidget; below it the entries that it expands
-///     to QTableViewItem   cell of a QTableView or QTableWidget QItemViewItem    entry of another
-///     QAbstractItemView QHeaderViewItem  section of a header QComboBoxItem    entry of a combo
-///     box, visible while its list is open QTabBarItem      tab of a tab bar
-///
-/// Every one is of the type "QModelItem" too. Besides the vocabulary items have the properties row,
-/// column, toolTip and, where it makes sense, checked, selected, current and expanded.
+/// names of ours, `itemTypes` in the source, and every one is of the type "QModelItem" too. Besides
+/// the vocabulary items have the properties row, column, toolTip and, where it makes sense,
+/// checked, selected, current and expanded.
 class ItemToolkit : public Toolkit {
 public:
     ItemToolkit();
@@ -35,15 +30,19 @@ public:
     QStringList superTypes(const Element& element) const override;
     QString text(const Element& element) const override;
     bool isVisible(const Element& element) const override;
+    QString hiddenReason(const Element& element) const override;
     bool isEnabled(const Element& element) const override;
     QVariant property(const Element& element, const QString& name, bool* isKnown) const override;
     QStringList propertyNames(const Element& element) const override;
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;
-    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
-    bool receivesThrough(const Element& element, const Element& hit) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                      Qt::MouseButton button) const override;
+    bool receivesThrough(const Element& element, const Element& hit,
+                         Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
+    Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
     bool isItemType(const QString& typeName) const override;
@@ -59,7 +58,12 @@ void appendItems(QWidget* holder, QVector<Element>* elements);
 Element itemAt(const QWidget* widget, const QPoint& point);
 /// The current item of a view, combo box or tab bar; null for none.
 Element currentItemOf(QWidget* holder);
-/// The item with a path of texts, or for a null text at a row and column. Null with a reason.
-Element findItem(QWidget* holder, const QString& text, int row, int column, QString* reason);
+/// The item at the end of a path, or for a null path at a row and column. Null for none.
+Element findItem(QWidget* holder, const ItemPath& path, int row, int column);
+/// Opens the next closed item of a tree on the way to an item: a model may make what is below it
+/// only then. False when there is none.
+bool expandTowards(QTreeView* tree, const ItemPath& path);
+/// An item by its index in a view's or box's model, or by its number among tabs and sections.
+Element makeItem(QWidget* holder, ItemKind kind, const QModelIndex& index, int number = -1);
 
 }  // namespace Tamrix::Agent

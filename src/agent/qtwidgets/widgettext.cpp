@@ -46,7 +46,7 @@ TextSource textSourceOf(const QWidget* widget) {
         {qobject_cast<const QProgressBar*>(widget) != nullptr, TextSource::ProgressBar},
         {qobject_cast<const QMenu*>(widget) != nullptr, TextSource::Menu},
         {qobject_cast<const QStatusBar*>(widget) != nullptr, TextSource::StatusBar},
-        {qobject_cast<const QDockWidget*>(widget) != nullptr, TextSource::WindowTitle},
+        {qobject_cast<const QDockWidget*>(widget) != nullptr, TextSource::DockTitle},
         {qobject_cast<const QMdiSubWindow*>(widget) != nullptr, TextSource::WindowTitle},
         // Widgets of other makers.
         {hasTextProperty(widget, "text"), TextSource::TextProperty},
@@ -105,19 +105,6 @@ const WidgetFacts& factsOf(const QWidget* widget) {
     return found->facts;
 }
 
-QString withoutMnemonic(const QString& label) {
-    if (!label.contains('&'))
-        return label;
-    QString text;
-    text.reserve(label.size());
-    for (int index = 0; index < label.size(); ++index) {
-        if (label[index] == '&' && ++index == label.size())
-            break;
-        text += label[index];
-    }
-    return text;
-}
-
 QString textOf(const QWidget* widget) {
     switch (factsOf(widget).textSource) {
         case TextSource::Button:
@@ -147,6 +134,8 @@ QString textOf(const QWidget* widget) {
             return static_cast<const QStatusBar*>(widget)->currentMessage();
         case TextSource::WindowTitle:
             return widget->windowTitle();
+        case TextSource::DockTitle:
+            return withoutMnemonic(widget->windowTitle());
         case TextSource::TextProperty:
             return widget->property("text").toString();
         case TextSource::TitleProperty:

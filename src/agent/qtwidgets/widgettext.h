@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "agent/core/mnemonic.h"
+
 class QWidget;
 
 namespace Tamrix::Agent {
@@ -21,6 +23,7 @@ enum class TextSource : quint8 {
     Menu,
     StatusBar,
     WindowTitle,
+    DockTitle,
     TextProperty,
     TitleProperty
 };
@@ -40,7 +43,5 @@ const WidgetFacts& factsOf(const QWidget* widget);
 
 /// What a person reads on the widget; the title of a window that has no text of its own.
 QString textOf(const QWidget* widget);
-/// A label as it is shown: "&Save" is "Save", "A && B" is "A & B".
-QString withoutMnemonic(const QString& label);
 
 }  // namespace Tamrix::Agent

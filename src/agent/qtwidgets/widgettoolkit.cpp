@@ -1,10 +1,12 @@
 #include "agent/qtwidgets/widgettoolkit.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QGraphicsProxyWidget>
 #include <QGraphicsScene>
 #include <QGraphicsView>
+#include <QIcon>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -15,13 +17,16 @@
 #include <QTabWidget>
 #include <QToolBar>
 #include <QWindow>
+#include <algorithm>
+#include <vector>
 
-#include "agent/core/itempath.h"
 #include "agent/core/objecttoolkit.h"
 #include "agent/core/session.h"
 #include "agent/qtwidgets/actionplace.h"
 #include "agent/qtwidgets/graphicstoolkit.h"
+#include "agent/qtwidgets/hiddenreason.h"
 #include "agent/qtwidgets/itemtoolkit.h"
+#include "agent/qtwidgets/openlist.h"
 #include "agent/qtwidgets/widgettext.h"
 
 namespace Tamrix::Agent {
@@ -43,22 +48,24 @@ QWidget* showingWidget(const Element& element) {
     return widget ? widget : placeOf(actionOf(element)).widget;
 }
 
-/// Texts of actions may have a shortcut behind a tab.
-QString actionText(const QAction* action) {
-    return withoutMnemonic(action->text().section('\t', 0, 0));
-}
-
-/// The first action with this text, in the menus below too for a path "menu.entry".
-QAction* findAction(const QList<QAction*>& actions, const QStringList& path) {
+/// The action that the path means, in the menus below too. Null for none.
+QAction* findAction(const QList<QAction*>& actions, const ItemPath& path) {
+    std::vector<std::pair<ItemPath::Fit, QAction*>> candidates;
     for (QAction* action : actions) {
-        if (actionText(action) != path.first())
-            continue;
-        if (path.size() == 1)
+        ItemPath::Fit fit = path.fit(actionText(action));
+        if (!fit.isNone() && !action->isSeparator())
+            candidates.emplace_back(std::move(fit), action);
+    }
+    std::stable_sort(candidates.begin(), candidates.end(), [](const auto& left, const auto& right) {
+        return left.first.rank < right.first.rank;
+    });
+    for (const auto& [fit, action] : candidates) {
+        if (fit.rest.isNull())
             return action;
-        if (action->menu()) {
-            if (QAction* const below = findAction(action->menu()->actions(), path.mid(1)))
-                return below;
-        }
+        if (!action->menu())
+            continue;
+        if (QAction* const below = findAction(action->menu()->actions(), fit.rest))
+            return below;
     }
     return nullptr;
 }
@@ -74,7 +81,17 @@ QGraphicsView* viewAround(const QWidget* widget) {
 QRect rectInViewport(const QWidget* widget, const QRect& rect, const QGraphicsView* view) {
     const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
     const QRect inWindow(widget->mapTo(widget->window(), rect.topLeft()), rect.size());
-    return view->mapFromScene(proxy->mapToScene(QRectF(inWindow))).boundingRect();
+    return rectInView(view, proxy->mapToScene(QRectF(inWindow)));
+}
+
+bool hasIcon(const QObject* object) {
+    return qobject_cast<const QAbstractButton*>(object) || qobject_cast<const QAction*>(object);
+}
+
+/// The name of the icon of a button or action in the desktop's theme; empty for a picture of the
+/// application's own.
+QString iconNameOf(const QObject* object) {
+    return object->property("icon").value<QIcon>().name();
 }
 
 }  // namespace
@@ -252,6 +269,18 @@ QString WidgetToolkit::text(const Element& element) const {
     return widget ? textOf(widget) : actionText(actionOf(element));
 }
 
+Toolkit::Hint WidgetToolkit::hint(const Element& element) const {
+    const auto* const button = qobject_cast<QAbstractButton*>(element.object);
+    const QAction* const action = widgetOf(element) ? nullptr : actionOf(element);
+    if ((!button && !action) || !text(element).isEmpty())
+        return {};
+    const QString toolTip = button ? button->toolTip() : action->toolTip();
+    if (!toolTip.isEmpty())
+        return {"toolTip", toolTip};
+    const QString icon = iconNameOf(element.object);
+    return icon.isEmpty() ? Hint() : Hint{"iconName", icon};
+}
+
 bool WidgetToolkit::isTextLasting(const Element& element) const {
     const QWidget* const widget = widgetOf(element);
     return !widget || !factsOf(widget).isEditable;
@@ -260,6 +289,16 @@ bool WidgetToolkit::isTextLasting(const Element& element) const {
 bool WidgetToolkit::isVisible(const Element& element) const {
     const QWidget* const widget = widgetOf(element);
     return widget ? widget->isVisible() : placeOf(actionOf(element)).widget != nullptr;
+}
+
+QString WidgetToolkit::hiddenReason(const Element& element) const {
+    const QWidget* const widget = widgetOf(element);
+    return widget ? reasonForHiding(widget) : reasonForHiding(actionOf(element));
+}
+
+bool WidgetToolkit::showsOfHidden(const QString& typeName) const {
+    // An action at home in a closed menu may be a button of a tool bar.
+    return typeName.contains(QLatin1String("Action"));
 }
 
 bool WidgetToolkit::isEnabled(const Element& element) const {
@@ -283,6 +322,10 @@ bool WidgetToolkit::isInternal(const Element& element) const {
 }
 
 QVariant WidgetToolkit::property(const Element& element, const QString& name, bool* isKnown) const {
+    if (name == QLatin1String("iconName") && hasIcon(element.object)) {
+        *isKnown = true;
+        return iconNameOf(element.object);
+    }
     if (name == QLatin1String("currentItem") && widgetOf(element)) {
         const Element item = currentItemOf(widgetOf(element));
         if (factsOf(widgetOf(element)).holdsItems) {
@@ -312,22 +355,35 @@ QWindow* WidgetToolkit::nativeWindow(const Element& element) const {
     return widget ? nativeWindowOf(widget) : nullptr;
 }
 
-Element WidgetToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint) const {
+Element WidgetToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                                 Qt::MouseButton /*button*/) const {
     const QWidget* const widget = showingWidget(inWindowOf);
     return widget ? elementInWindowAt(widget, globalPoint) : Element();
 }
 
-bool WidgetToolkit::receivesThrough(const Element& element, const Element& hit) const {
-    if (Toolkit::receivesThrough(element, hit))
+bool WidgetToolkit::receivesThrough(const Element& element, const Element& hit,
+                                    Qt::MouseButton button) const {
+    if (Toolkit::receivesThrough(element, hit, button))
         return true;
+    if (hit.isItem())
+        return false;
+    // An entry of a menu may be at home in another one.
+    if (const QWidget* const widget = widgetOf(element)) {
+        auto* const action = qobject_cast<QAction*>(hit.object);
+        return action && widget->actions().contains(action);
+    }
     // An action in a bar is a button.
-    const QWidget* const widget = widgetOf(element) ? nullptr : showingWidget(element);
-    return widget && !hit.isItem() && hit.object == widget;
+    return hit.object == showingWidget(element);
 }
 
 Element WidgetToolkit::blockedBy(const Element& element) const {
     const QWidget* const widget = showingWidget(element);
     return widget ? blockerOf(widget) : Element();
+}
+
+Element WidgetToolkit::openListOver(const Element& element) const {
+    const QWidget* const widget = showingWidget(element);
+    return widget ? Toolkit::element(Agent::openListOver(widget)) : Element();
 }
 
 bool WidgetToolkit::scrollIntoView(const Element& element) const {
@@ -342,23 +398,27 @@ QImage WidgetToolkit::grab(const Element& element) const {
     return place.widget ? place.widget->grab(place.rect).toImage() : QImage();
 }
 
-Element WidgetToolkit::item(const Element& view, const QString& text, int row, int column,
+Element WidgetToolkit::item(const Element& view, const ItemPath& path, int row, int column,
                             QString* reason) const {
     QWidget* const widget = widgetOf(view);
-    if (!widget)
-        return Toolkit::item(view, text, row, column, reason);
-    if (qobject_cast<QMenu*>(widget) || qobject_cast<QMenuBar*>(widget) ||
-        qobject_cast<QToolBar*>(widget)) {
-        const QList<QAction*> actions = widget->actions();
-        QAction* const action =
-            text.isNull() ? actions.value(row) : findAction(actions, itemTexts(text));
-        if (!action)
-            *reason = QStringLiteral("it has no such entry");
-        return element(action);
-    }
-    if (auto* const tabs = qobject_cast<QTabWidget*>(widget))
-        return findItem(tabs->tabBar(), text, row, column, reason);
-    return findItem(widget, text, row, column, reason);
+    const auto* const tabs = qobject_cast<QTabWidget*>(widget);
+    const bool isMenu = qobject_cast<QMenu*>(widget) || qobject_cast<QMenuBar*>(widget) ||
+                        qobject_cast<QToolBar*>(widget);
+    if (!widget || !(isMenu || tabs || factsOf(widget).holdsItems))
+        return Toolkit::item(view, path, row, column, reason);
+    Element found;
+    if (isMenu)
+        found = element(path.isNull() ? widget->actions().value(row)
+                                      : findAction(widget->actions(), path));
+    else
+        found = findItem(tabs ? tabs->tabBar() : widget, path, row, column);
+    if (found.isNull())
+        *reason = Session::self()->describe(view) +
+                  (path.isNull()
+                       ? QStringLiteral(" has no item in row %1 and column %2")
+                             .arg(QString::number(row), QString::number(column))
+                       : QStringLiteral(" has no item '%1'").arg(path.text()));
+    return found;
 }
 
 }  // namespace Tamrix::Agent

@@ -22,20 +22,26 @@ public:
     Element buddy(const Element& element) const override;
     Element labelledField(const Element& element) const override;
     QString text(const Element& element) const override;
+    Hint hint(const Element& element) const override;
     bool isTextLasting(const Element& element) const override;
     bool isVisible(const Element& element) const override;
+    QString hiddenReason(const Element& element) const override;
+    bool showsOfHidden(const QString& typeName) const override;
     bool isEnabled(const Element& element) const override;
     bool isInternal(const Element& element) const override;
     QVariant property(const Element& element, const QString& name, bool* isKnown) const override;
     QRect globalBounds(const Element& element) const override;
     QRect visibleBounds(const Element& element) const override;
     QWindow* nativeWindow(const Element& element) const override;
-    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint) const override;
-    bool receivesThrough(const Element& element, const Element& hit) const override;
+    Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
+                      Qt::MouseButton button) const override;
+    bool receivesThrough(const Element& element, const Element& hit,
+                         Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
+    Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
-    Element item(const Element& view, const QString& text, int row, int column,
+    Element item(const Element& view, const ItemPath& path, int row, int column,
                  QString* reason) const override;
 };
 

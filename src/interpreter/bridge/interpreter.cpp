@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <set>
 
+#include "interpreter/bridge/currentcontextsaver.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/runnerinterface.h"
-#include "interpreter/bridge/scriptcontext.h"
 #include "shared/resources/testresource.h"
 
 namespace Tamrix {
@@ -44,6 +44,7 @@ void Interpreter::clearError() {
     m_resultMessage.clear();
     m_errorFile.clear();
     m_errorImage = QImage();
+    m_errorIsSkip = false;
     m_errorLine = -1;
     m_errorCallStack.clear();
 }
@@ -146,16 +147,33 @@ bool Interpreter::isCallableAvailable(const QString& identifier) const {
 bool Interpreter::invokeCallable(const QString& identifier) {
     // A copy: the callable may take itself out of the table.
     const SharedPtr<ScriptArgument> callable = m_callables.value(identifier);
-    if (!callable)
-        return false;
-    ScriptContext* const context = ScriptContext::current();
+    if (!callable || invoke(callable))
+        return bool(callable);
+    std::fprintf(stderr, "Callable invoke exception: %s\n",
+                 m_callbackError.message.toLocal8Bit().constData());
+    std::fflush(stderr);
+    return false;
+}
+
+bool Interpreter::invokeFunction(const QString& name) {
+    const CurrentContextSaver saver;
+    m_callbackError = {};
+    if (callFunction(name, ObjectList()))
+        return true;
+    m_callbackError = {errorMessage(), errorCallStack()};
+    return false;
+}
+
+bool Interpreter::invoke(SharedPtr<ScriptArgument> callable) {
+    const CurrentContextSaver saver;
+    m_callbackError = {};
     QString error;
     callable->call({}, &error);
-    ScriptContext::setCurrent(context);
-    if (error.isEmpty())
-        return true;
-    std::fprintf(stderr, "Callable invoke exception: %s\n", error.toLocal8Bit().constData());
-    std::fflush(stderr);
+    return error.isEmpty() || failCallback(error);
+}
+
+bool Interpreter::failCallback(const QString& message) {
+    m_callbackError.message = message;
     return false;
 }
 

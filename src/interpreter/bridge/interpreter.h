@@ -84,13 +84,18 @@ public:
     virtual void setDebugger(Debugger* debugger);
     virtual bool isCallableAvailable(const QString& identifier) const;
     /// Calls a registered callable without arguments. False when it is unknown or raised an error,
-    /// which is printed to standard error. ScriptContext::current() is the same afterwards.
+    /// which is printed to standard error and kept in callbackError(). An exception that ends the
+    /// script passes. ScriptContext::current() is the same afterwards.
     virtual bool invokeCallable(const QString& identifier);
+    /// The same for a function of the script; nothing is printed.
+    virtual bool invokeFunction(const QString& name);
 
     RunnerInterface* runner() const { return m_runner; }
     Debugger* debugger() const { return m_debugger; }
     QString errorMessage() const { return m_errorMessage; }
     QString resultMessage() const { return m_resultMessage; }
+    /// Whether the error is the one by which a skip ends the script, and no other that came of it.
+    bool errorIsSkip() const { return m_errorIsSkip; }
     /// A screenshot of a failed image or text search, logged with the script error; null otherwise.
     QImage errorImage() const { return m_errorImage; }
     void setErrorImage(const QImage& image) { m_errorImage = image; }
@@ -102,10 +107,23 @@ public:
     const std::vector<LineInfo>& errorCallStack() const;
     /// Stores the valid positions of the stack.
     void setErrorCallStack(const std::vector<LineInfo>& stack);
+    void setErrorIsSkip(bool isSkip) { m_errorIsSkip = isSkip; }
 
     /// Adds, in this order and as far as they are directories: `sharedScriptsDir`, the user's
     /// "GlobalScriptDirs", the parts of TAMRIX_SCRIPT_DIR.
     void addDefaultSearchPaths(const QFileInfo& sharedScriptsDir);
+
+    /// The error of the last callable or function that was invoked.
+    struct CallbackError {
+        QString message;
+        /// Innermost position first; empty when the language did not tell.
+        std::vector<LineInfo> callStack;
+    };
+    const CallbackError& callbackError() const { return m_callbackError; }
+    /// Where the error arose that ScriptArgument::call() gives: a language that knows it says so.
+    void setCallErrorStack(const std::vector<LineInfo>& stack) {
+        m_callbackError.callStack = stack;
+    }
 
     /// Tells in which applications a type is known; empty without a runner.
     QString formattedTypeError(const QString& typeName) const;
@@ -124,6 +142,11 @@ public:
     /// Registers the native functions and classes of the library with this interpreter.
     void initNativeAPI();
 
+protected:
+    /// Calls without arguments; false with callbackError() set when an error was raised.
+    bool invoke(SharedPtr<ScriptArgument> callable);
+    bool failCallback(const QString& message);
+
 private:
     static Interpreter* s_self;
 
@@ -131,6 +154,8 @@ private:
     QString m_errorMessage;
     QImage m_errorImage;
     QString m_resultMessage;
+    bool m_errorIsSkip = false;
+    CallbackError m_callbackError;
     int m_errorLine = -1;
     QString m_errorFile;
     Debugger* m_debugger = nullptr;

@@ -5,12 +5,13 @@
 namespace Tamrix {
 
 /// Holds the runner's remote object model for the time of one script call. Without a runner, and
-/// after an acquire that gave nothing, it does nothing.
+/// after an acquire that gave nothing, it does nothing. Giving it back may run event handlers of
+/// the script, and an exception by which one of them ends the script passes.
 class RemoteObjectModelHolder {
 public:
     explicit RemoteObjectModelHolder(RunnerInterface* runner)
         : m_runner(runner && runner->acquireRemoteObjectModel() ? runner : nullptr) {}
-    ~RemoteObjectModelHolder() {
+    ~RemoteObjectModelHolder() noexcept(false) {
         if (m_runner)
             m_runner->releaseRemoteObjectModel();
     }

@@ -13,6 +13,7 @@
 #include "base/shared.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "platform/objectmodel/object.h"
+#include "platform/objectmodel/objectname.h"
 
 class QIODevice;
 
@@ -76,7 +77,8 @@ public:
     // Waiting.
     /// Sleeps, with the runner's snooze factor applied.
     virtual void snooze(double seconds) = 0;
-    /// Polls until the object is there and ready. The bool is always true.
+    /// Polls until the object is there and ready. `ready` false: whatever lies over its middle, for
+    /// what waits for a point of its own.
     virtual SharedPtr<Object> waitForObjectByName(const QString& realName, bool ready,
                                                   int timeout) = 0;
     virtual SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool ready, int timeout) = 0;
@@ -87,6 +89,12 @@ public:
     /// null).
     virtual SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item,
                                                 int row, int column, int timeout) = 0;
+    /// Polls until the object, or without one that of the name, exists, ready or not, and has all
+    /// the properties, each compared as in a name. On failure the inspector's error tells what it
+    /// had otherwise, and for how long. A runner that does not wait for properties has nothing to
+    /// do here: it always fails.
+    virtual SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                                const ObjectName& properties, int timeout);
     virtual bool isValidContext(SharedPtr<ApplicationContext> context) = 0;
     /// What the application wrote; `*available` is false when its output is not kept.
     virtual QString readStdout(SharedPtr<ApplicationContext> context, bool* available) = 0;

@@ -1,8 +1,49 @@
 #include "interpreter/bridge/scriptargument.h"
 
+#include <string>
+
 #include "platform/objectmodel/valueobject.h"
 
 namespace Tamrix {
+
+namespace {
+
+/// How far a walk over a value and what it holds goes.
+struct Limits {
+    /// Names the value in messages.
+    const char* what;
+    int levels;
+    /// Lists and maps. Such as stand in several places multiply with each level.
+    int containers;
+};
+
+constexpr Limits nameLimits = {"The name of an object", maximalNameDepth, 10'000};
+constexpr Limits valueLimits = {"A value for an application", maximalValueDepth, 1'000'000};
+
+/// One level of a walk.
+class Level {
+public:
+    explicit Level(const Limits& limits) {
+        if (s_depth == 0)
+            s_visited = 0;
+        if (s_depth >= limits.levels)
+            throw NestingError(std::string(limits.what) + " is nested deeper than " +
+                               std::to_string(limits.levels) + ": does a part of it hold itself?");
+        if (++s_visited > limits.containers)
+            throw NestingError(std::string(limits.what) + " holds more than " +
+                               std::to_string(limits.containers) + " lists and maps");
+        ++s_depth;
+    }
+    ~Level() { --s_depth; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+private:
+    inline static int s_depth = 0;
+    inline static int s_visited = 0;
+};
+
+}  // namespace
 
 bool ScriptArgument::isStringLike() const {
     return isString();
@@ -19,6 +60,7 @@ const Class* ScriptArgument::toClass() const {
 QString ScriptArgument::toRealName() const {
     if (!isMap())
         return toString();
+    const Level level(nameLimits);
     QMap<QString, PropertyValue> properties;
     for (const auto& [name, value] : toMap())
         properties.insert(name, value->toPropertyValue());
@@ -57,6 +99,7 @@ std::optional<QVariant> ScriptArgument::toVariant() const {
     if (isObject())
         return argumentValue(toObject());
     if (isList()) {
+        const Level level(valueLimits);
         QVariantList values;
         for (const SharedPtr<ScriptArgument>& entry : toList()) {
             const std::optional<QVariant> value = entry->toVariant();
@@ -67,6 +110,7 @@ std::optional<QVariant> ScriptArgument::toVariant() const {
         return values;
     }
     if (isMap()) {
+        const Level level(valueLimits);
         QVariantMap values;
         for (const auto& [name, entry] : toMap()) {
             const std::optional<QVariant> value = entry->toVariant();

@@ -4,6 +4,7 @@
 #include <QVariant>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <vector>
 
 #include "base/export.h"
@@ -15,6 +16,13 @@
 #include "shared/testdata/testdataset.h"
 
 namespace Tamrix {
+
+/// Thrown where a value of a script holds others in more levels than can be passed on, as a list or
+/// map that holds itself does. The text tells the limit.
+class TAMRIX_EXPORT NestingError : public std::length_error {
+public:
+    using std::length_error::length_error;
+};
 
 /// One value of a script, wrapped by the language's plug-in. Script thread only.
 ///
@@ -57,20 +65,20 @@ public:
     /// The data set of a value made by ScriptContext::createTestDataSet(), else null.
     virtual SharedPtr<TestDataSet> toTestDataSet() const = 0;
     virtual SharedPtr<ApplicationContext> toApplicationContext() const = 0;
-    /// The text of a string, the qualified name of a map of properties.
+    /// The text of a string, the qualified name of a map of properties. Throws NestingError.
     virtual QString toRealName() const;
     /// Calls a callable and returns its result. A raised error lands in `*error`, which the caller
     /// starts as an empty string; the result is then null.
     virtual SharedPtr<ScriptArgument> call(const List& arguments, QString* error) = 0;
     /// Names a callable: the same text for the same script function over the run.
     virtual QString callableIdentifier() const;
-    /// The value as the wanted value of a property in an object's name.
+    /// The value as the wanted value of a property in an object's name. Throws NestingError.
     virtual PropertyValue toPropertyValue() const;
     /// The record behind a value that is one row of a data set, else null. Owned by its set.
     virtual const TestDataRecord* toTestDataRecord() const;
     /// The value as an application takes it: bool, number, text, list, map, objects as
     /// SharedPtr<Object>; a language adds what it has beyond that. Nothing for any other value, and
-    /// for one that holds such a value.
+    /// for one that holds such a value. Throws NestingError.
     virtual std::optional<QVariant> toVariant() const;
 
     /// The native object as a T, null when it is of another class.
@@ -84,7 +92,7 @@ public:
 TAMRIX_EXPORT bool isStringOrObjectName(const SharedPtr<ScriptArgument>& argument);
 
 /// The object's name that the value stands for: toRealName() of a map that is not a string,
-/// toString() of anything else, an empty string for null.
+/// toString() of anything else, an empty string for null. Throws NestingError.
 TAMRIX_EXPORT QString serializeObjectName(const SharedPtr<ScriptArgument>& argument);
 
 }  // namespace Tamrix

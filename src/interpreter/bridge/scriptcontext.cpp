@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <limits>
 
+#include "base/wholetext.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/objectvalues.h"
@@ -49,6 +50,7 @@ void ScriptContext::setError(const QString& message, ErrorType type) {
     if (!message.isEmpty() || !m_errorMessage.isEmpty())
         m_errorMessage = message;
     m_errorType = type;
+    m_isSkip = false;
     m_errorFrame = DebuggerFrame();
 }
 
@@ -173,7 +175,7 @@ SharedPtr<NativeScriptObject> ScriptContext::execute(
 // Values and results
 
 SharedPtr<ScriptArgument> ScriptContext::createBytes(const QByteArray& value) {
-    return createString(QString::fromUtf8(value));
+    return createString(wholeUtf8(value));
 }
 
 void ScriptContext::setListResult(const QStringList& values) {

@@ -58,6 +58,11 @@ public:
     virtual void setError(const QString& message, ErrorType type = GeneralError);
     /// A general error that stands at a frame of its own.
     virtual void setError(const QString& message, const DebuggerFrame& frame);
+    /// Ends the test case as a skipped one, by a FatalError; a result has told the reason.
+    void setSkip(const QString& message) {
+        setError(message, FatalError);
+        m_isSkip = true;
+    }
     /// Clears the language's own pending error.
     virtual void clearError() = 0;
     /// Stores the value that the script call returns.
@@ -116,12 +121,18 @@ public:
     void setArguments(const std::vector<SharedPtr<ScriptArgument>>& arguments);
     void clearArguments();
     int argumentCount() const { return static_cast<int>(m_arguments.size()); }
-    /// Null for an index past the end.
+    /// Null for an index past the end, and for an optional argument that was left out though others
+    /// behind it were given.
     SharedPtr<ScriptArgument> argument(int index) const;
+    /// Whether the script gave arguments by name: each then stands at the place of its parameter,
+    /// also of a function that otherwise tells its forms by the number of arguments.
+    bool hasNamedArguments() const { return m_hasNamedArguments; }
 
     QString errorMessage() const { return m_errorMessage; }
     bool hasError() const { return !m_errorMessage.isEmpty(); }
     ErrorType errorType() const { return m_errorType; }
+    /// Whether the error is that of setSkip().
+    bool isSkip() const { return m_isSkip; }
     DebuggerFrame errorFrame() const { return m_errorFrame; }
 
     /// The result sink of the test case, null when there is none: results are then dropped.
@@ -185,6 +196,8 @@ public:
     /// the full one is wanted and there is a debugger, else the calling line.
     std::vector<LineInfo> callStackForResult(bool wantFullStack) const;
     const std::deque<LineInfo>& fixatedResultContexts() const { return m_fixatedResultContexts; }
+    /// Ends what an exception has left open.
+    void dropFixatedResultContexts() { m_fixatedResultContexts.clear(); }
 
     // The script functions test.fixateResultContext and test.restoreResultContext.
     void fixateResultContext();
@@ -193,6 +206,7 @@ public:
 protected:
     /// A plug-in binds its context to the result sink here.
     TestResult* m_testResult = nullptr;
+    bool m_hasNamedArguments = false;
 
     /// A plug-in whose contexts are reused moves the arguments in without a copy.
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
@@ -207,6 +221,7 @@ private:
     std::vector<SharedPtr<ScriptArgument>> m_arguments;
     QString m_errorMessage;
     ErrorType m_errorType = GeneralError;
+    bool m_isSkip = false;
     DebuggerFrame m_errorFrame;
     std::deque<LineInfo> m_fixatedResultContexts;
 

@@ -35,16 +35,26 @@ QString convertInstallEventHandlerCallbackArg(const SharedPtr<ScriptArgument>& c
                    : interpreter->unregisterCallable(callback);
 }
 
+/// The arguments that were not left out: an object or type, the first parameter, may be.
+ScriptArgument::List givenArguments(ScriptContext* context) {
+    ScriptArgument::List given;
+    for (int index = 0; index < context->argumentCount(); ++index) {
+        if (context->argument(index))
+            given.push_back(context->argument(index));
+    }
+    return given;
+}
+
 /// The checks of all arguments but the callback; returns an error text, empty when they are right.
-QString readHandlerArguments(ScriptContext* context, RunnerInterface* runner, QString* event,
-                             HandlerTarget* target) {
-    const int count = context->argumentCount();
-    const SharedPtr<ScriptArgument> eventArgument = context->argument(count - 2);
+QString readHandlerArguments(const ScriptArgument::List& arguments, RunnerInterface* runner,
+                             QString* event, HandlerTarget* target) {
+    const std::size_t count = arguments.size();
+    const SharedPtr<ScriptArgument> eventArgument = arguments[count - 2];
     if (!eventArgument->isString())
         return count == 2 ? QStringLiteral("Event name has be specified as a string")
                           : QStringLiteral("Event type has to be specified as a string");
     *event = eventArgument->toString();
-    const SharedPtr<ScriptArgument> first = context->argument(0);
+    const SharedPtr<ScriptArgument> first = arguments.front();
     const bool isGlobal = count == 2;
     if (isGlobal || first->isObject() || first->isString()) {
         if (!runner->applicationContext(QString()))
@@ -68,8 +78,8 @@ QString readHandlerArguments(ScriptContext* context, RunnerInterface* runner, QS
 void changeEventHandler(ScriptContext* context, const char* function, bool install,
                         HandlerOperation operation) {
     // 1. Two arguments are a handler for all objects, three name an object or a type first.
-    const int count = context->argumentCount();
-    if (count != 2 && count != 3) {
+    const ScriptArgument::List arguments = givenArguments(context);
+    if (arguments.size() != 2 && arguments.size() != 3) {
         context->setError("installEventHandler([object|typeName,] event, callback)");
         return;
     }
@@ -79,14 +89,13 @@ void changeEventHandler(ScriptContext* context, const char* function, bool insta
     // 2. Object or type, and the event.
     QString event;
     HandlerTarget target;
-    const QString error = readHandlerArguments(context, runner, &event, &target);
+    const QString error = readHandlerArguments(arguments, runner, &event, &target);
     if (!error.isEmpty()) {
         context->setError(error);
         return;
     }
     // 3. The callback.
-    const QString callback =
-        convertInstallEventHandlerCallbackArg(context->argument(count - 1), install);
+    const QString callback = convertInstallEventHandlerCallbackArg(arguments.back(), install);
     if (callback.isEmpty()) {
         context->setError("Event handler must be a callable or a non-empty string");
         return;

@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "base/wholetext.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
@@ -56,7 +57,7 @@ QString readGestureByName(const QString& name, QString* error) {
     for (const QString& folder : gestureFolders(Interpreter::currentRunner())) {
         QFile file(folder + '/' + name + ".gesture");
         if (file.open(QIODevice::ReadOnly))
-            return QString::fromUtf8(file.readAll());
+            return wholeUtf8(file.readAll());
     }
     *error = "Couldn't open file " + name;
     return {};

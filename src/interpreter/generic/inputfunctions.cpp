@@ -36,8 +36,55 @@ bool takeNumber(ScriptContext* context, const char* what, int* next, int* number
     return true;
 }
 
+/// Whether the arguments stand at the places of their parameters: some were given by name, or some
+/// in the middle were left out.
+bool areArgumentsPlaced(ScriptContext* context) {
+    bool arePlaced = context->hasNamedArguments();
+    for (int index = 0; index < context->argumentCount(); ++index)
+        arePlaced = arePlaced || !context->argument(index);
+    return arePlaced;
+}
+
+/// Reads [object, x, y, button, modifiers], each of which may be left out; false with the error
+/// set.
+bool readPlacedMouseArguments(ScriptContext* context, bool buttonChange, MouseArguments* mouse) {
+    const SharedPtr<ScriptArgument> target = context->argument(0);
+    const bool hasPlace = context->argument(1) && context->argument(2);
+    const bool hasPart = context->argument(1) || context->argument(2);
+    if ((target && !target->isObject() && !isStringOrObjectName(target)) || hasPart != hasPlace ||
+        (!buttonChange && !hasPlace) || context->argumentCount() > (buttonChange ? 5 : 3)) {
+        context->setError("Overload not found");
+        return false;
+    }
+    if (target) {
+        mouse->target = findObjectOf(context, target);
+        if (!mouse->target)
+            return false;
+        mouse->mask |= WithTarget;
+    }
+    if (hasPlace)
+        mouse->mask |= WithCoordinates;
+    const struct {
+        const char* name;
+        int* number;
+    } numbers[] = {{"x", &mouse->x},
+                   {"y", &mouse->y},
+                   {"button", &mouse->button},
+                   {"modifiers", &mouse->modifiers}};
+    int next = 1;
+    for (const auto& [name, number] : numbers) {
+        if (!context->argument(next))
+            ++next;
+        else if (!takeNumber(context, name, &next, number))
+            return false;
+    }
+    return true;
+}
+
 /// Picks the overload step by step; false with the error set when there is none.
 bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArguments* mouse) {
+    if (areArgumentsPlaced(context))
+        return readPlacedMouseArguments(context, buttonChange, mouse);
     const int count = context->argumentCount();
     int next = 0;
     // 1. A target, as object or by name.

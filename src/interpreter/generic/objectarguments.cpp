@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "interpreter/bridge/testsettingstype.h"
+
 namespace Tamrix {
 
 namespace {
@@ -23,6 +25,22 @@ int roundedMilliseconds(double milliseconds) {
     if (std::isnan(milliseconds))
         return 0;
     return static_cast<int>(std::clamp<double>(std::round(milliseconds), s_leastInt, s_mostInt));
+}
+
+bool isObjectOrName(const SharedPtr<ScriptArgument>& argument) {
+    return argument && (argument->isObject() || isStringOrObjectName(argument));
+}
+
+bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argument, int* timeout) {
+    *timeout = TestSettingsType::s_waitForObjectTimeout;
+    if (!argument)
+        return true;
+    if (!argument->isNumber()) {
+        context->setError("Invalid type of timeout value");
+        return false;
+    }
+    *timeout = roundedMilliseconds(argument->toDouble());
+    return true;
 }
 
 QString optionalText(const SharedPtr<ScriptArgument>& argument) {

@@ -18,6 +18,13 @@ int intOf(const SharedPtr<ScriptArgument>& argument, int missing = 0);
 /// A number of milliseconds rounded to the nearest integer, halves away from zero.
 int roundedMilliseconds(double milliseconds);
 
+/// Whether the value is an object or names one.
+bool isObjectOrName(const SharedPtr<ScriptArgument>& argument);
+
+/// Reads the time-out of a wait for an object, which may be missing; false with the error set when
+/// it is none.
+bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argument, int* timeout);
+
 /// The text of an argument, empty for null.
 QString optionalText(const SharedPtr<ScriptArgument>& argument);
 

@@ -38,13 +38,13 @@ bool highlightObject(ScriptContext* context) {
         context->setError("highlightObject() requires at least 1 and at most 3 arguments");
         return false;
     }
-    if (count > 1 && !context->argument(1)->isNumber()) {
+    if (context->argument(1) && !context->argument(1)->isNumber()) {
         context->setError("Invalid type of timeout value");
         return false;
     }
     const int milliseconds = intOf(context->argument(1), defaultHighlightTime);
     const bool endless = milliseconds < 1;
-    const bool block = count > 2 && context->isTrue(context->argument(2));
+    const bool block = context->argument(2) && context->isTrue(context->argument(2));
     if (block && endless) {
         context->setError("indefinite blocking highlight can never return");
         return false;

@@ -16,29 +16,12 @@ namespace Tamrix {
 
 namespace {
 
-bool isObjectOrName(const SharedPtr<ScriptArgument>& argument) {
-    return argument && (argument->isObject() || isStringOrObjectName(argument));
-}
-
 /// What a wait for an object ends with.
 void setLookupResult(ScriptContext* context, const SharedPtr<Object>& object) {
     if (object)
         context->setObjectResult(object);
     else
         context->setError(Inspector::self()->lastError(), ScriptContext::LookupError);
-}
-
-/// Reads the time-out of a wait, which may be missing; false with the error set when it is none.
-bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argument, int* timeout) {
-    *timeout = TestSettingsType::s_waitForObjectTimeout;
-    if (!argument)
-        return true;
-    if (!argument->isNumber()) {
-        context->setError("Invalid type of timeout value");
-        return false;
-    }
-    *timeout = roundedMilliseconds(argument->toDouble());
-    return true;
 }
 
 /// An item of a view: its text, or row and column.
@@ -54,7 +37,8 @@ QString itemNotFoundText(const WantedItem& item, const SharedPtr<ScriptArgument>
     // The two blanks in front of "in row" are meant: the item's text is missing between them.
     QString text = "Item " + item.text;
     if (item.text.isNull())
-        text += QStringLiteral(" in row %1 and column %2").arg(item.row).arg(item.column);
+        text += QStringLiteral(" in row %1 and column %2")
+                    .arg(QString::number(item.row), QString::number(item.column));
     if (view->isObject())
         text += " in object " + object->realName() + " of type " + object->className();
     else
@@ -141,8 +125,10 @@ void waitForObjectItem(ScriptContext* context) {
     const SharedPtr<ScriptArgument> second = context->argument(2);
     const bool byText = first && first->isString();
     const bool byPlace = !byText && first && first->isInteger() && second && second->isInteger();
-    const int timeoutIndex = byText ? 2 : 3;
-    if (!isObjectOrName(view) || (!byText && !byPlace) ||
+    // By its name, a time-out stands behind the column that an item's text has not.
+    const bool isPlaced = context->hasNamedArguments() || (!second && context->argument(3));
+    const int timeoutIndex = byText && !isPlaced ? 2 : 3;
+    if (!isObjectOrName(view) || (!byText && !byPlace) || (byText && isPlaced && second) ||
         context->argumentCount() > timeoutIndex + 1) {
         context->setError(
             "waitForObjectItem() requires an object name (or reference) and either an item "

@@ -56,10 +56,10 @@ const FunctionRow globalFunctions[] = {
     {"cast", castObject, "object typeName", "",
      "The object as one of another type, null when it is none"},
     {"source", sourceFile, "fileName", "", "Runs another script file as if it stood here"},
-    {"installEventHandler", installEventHandler, "", "",
-     "Calls a callback when an event happens: installEventHandler([object|typeName,] event, "
+    {"installEventHandler", installEventHandler, "", "objectOrType event callback",
+     "Calls a callback when an event happens: installEventHandler([objectOrType,] event, "
      "callback)"},
-    {"uninstallEventHandler", uninstallEventHandler, "", "",
+    {"uninstallEventHandler", uninstallEventHandler, "", "objectOrType event callback",
      "Takes back installEventHandler with the same arguments"},
     {"runFeatureFile"},
     {"_tamrix_connect_to_remote_system"},
@@ -164,6 +164,10 @@ const FunctionRow testFunctions[] = {
     {"attachImage"},
     {"startVideoCapture"},
     {"stopVideoCapture"},
+    {"expect", testExpect, "objectOrName properties", "timeout comment",
+     "Passes as soon as the object is there and has all the properties; returns whether it had "
+     "them "
+     "in time"},
 };
 
 const FunctionRow objectMapFunctions[] = {

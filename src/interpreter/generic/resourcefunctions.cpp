@@ -5,7 +5,8 @@
 #include <memory>
 
 #include "base/standardpath.h"
-#include "interpreter/bridge/scriptcontext.h"
+#include "base/wholetext.h"
+#include "interpreter/bridge/currentcontextsaver.h"
 #include "shared/resources/testresource.h"
 
 namespace Tamrix {
@@ -43,16 +44,13 @@ void sourceFile(ScriptContext* context) {
         context->setError("Couldn't open file " + name);
         return;
     }
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = wholeUtf8(file.readAll());
     // 2. Nothing to run is no error.
     if (text.isEmpty())
         return;
     // 3. It runs in a context of its own,
     const std::unique_ptr<ScriptContext> subContext(context->createSubContext());
-    struct Restore {
-        ScriptContext* context;
-        ~Restore() { ScriptContext::setCurrent(context); }
-    } const restore{context};
+    const CurrentContextSaver saver;
     ScriptContext::setCurrent(subContext.get());
     // 4. whose error becomes that of the caller.
     QString error;

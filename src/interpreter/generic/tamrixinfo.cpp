@@ -38,7 +38,9 @@ void infoTestSuiteName(ScriptContext* context) {
 }
 
 void infoVersionString(ScriptContext* context) {
-    context->setStringResult(QStringLiteral("%1.%2.%3").arg(major).arg(minor).arg(patch));
+    context->setStringResult(
+        QStringLiteral("%1.%2.%3")
+            .arg(QString::number(major), QString::number(minor), QString::number(patch)));
 }
 
 void infoVersion(ScriptContext* context) {

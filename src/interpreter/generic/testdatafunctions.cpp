@@ -105,8 +105,7 @@ bool copyTestData(ScriptContext* context, const QString& file, QString* out) {
     }
     if (source.size() > mostTransportBytes || bytes.size() > mostTransportBytes) {
         context->setError(QStringLiteral("Could not send file %1: it is larger than %2 bytes")
-                              .arg(path)
-                              .arg(mostTransportBytes));
+                              .arg(path, QString::number(mostTransportBytes)));
         return false;
     }
     const auto value =

@@ -37,8 +37,7 @@ void logSimpleResult(ScriptContext* context, TestResult::ResultType type) {
     if (type == TestResult::Skipped) {
         if (TestResult* result = context->testResult())
             result->addResult(type, message, detail, context->lineInfoForResult(), "testcase");
-        context->setError(formatThrowMessage(message, detail, QString()),
-                          ScriptContext::FatalError);
+        context->setSkip(formatThrowMessage(message, detail, QString()));
         return;
     }
 
@@ -211,7 +210,7 @@ void testStackTrace(ScriptContext* context) {
     const int count = context->argumentCount();
     bool numeric = count <= 2;
     for (int index = 0; numeric && index < count; ++index)
-        numeric = context->argument(index)->isNumber();
+        numeric = !context->argument(index) || context->argument(index)->isNumber();
     if (!numeric) {
         context->setError("test::stackTrace() takes 0, 1 or 2 numeric arguments");
         return;
@@ -221,7 +220,7 @@ void testStackTrace(ScriptContext* context) {
         constexpr long long most = std::numeric_limits<int>::max();
         return static_cast<int>(std::clamp(context->argument(index)->toInt(), -1LL, most));
     };
-    const int start = count > 0 ? std::max(limit(0), 0) : 0;
+    const int start = context->argument(0) ? std::max(limit(0), 0) : 0;
     const int maximum = count > 1 ? limit(1) : -1;
     Debugger* const debugger = Debugger::self();
     context->setStackTraceResult(debugger ? debugger->stackTrace(start, maximum)

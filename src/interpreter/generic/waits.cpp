@@ -1,7 +1,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QThread>
 
+#include "base/blocking.h"
 #include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
@@ -101,7 +101,7 @@ void waitFor(ScriptContext* context) {
             return;
         }
         // f. a pause.
-        QThread::usleep(waitForPause(elapsed));
+        blockingSleep(waitForPause(elapsed));
     }
 }
 

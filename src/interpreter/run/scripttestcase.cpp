@@ -106,7 +106,10 @@ bool ScriptTestCase::evaluate(const QString& scriptText) {
         return false;
     }
     if (!ip->evaluate(scriptText, path)) {
-        if (testResult())
+        if (testResult() && ip->errorIsSkip())
+            testResult()->addSkipEcho(TestResult::Fatal, "Evaluation error", ip->errorMessage(),
+                                      ip->errorCallStack());
+        else if (testResult())
             testResult()->addResult(QDateTime::currentDateTime(), TestResult::Fatal,
                                     "Evaluation error", ip->errorMessage(), ip->errorCallStack());
         return false;
@@ -161,15 +164,17 @@ bool ScriptTestCase::internalRun(const QString& name, bool optional) {
         message += TestVP::logScreenshot(m_runner, TestResult::Error,
                                          isSearchError(detail) ? ip->errorImage() : QImage());
     }
-    if (!result)
-        return false;
-    const ScriptContext* const context = ScriptContext::current();
-    const QDateTime now = QDateTime::currentDateTime();
-    if (context && !context->fixatedResultContexts().empty())
-        result->addResult(now, TestResult::Error, message, detail,
-                          context->fixatedResultContexts().back());
-    else
-        result->addResult(now, TestResult::Error, message, detail, ip->errorCallStack());
+    ScriptContext* const context = ScriptContext::current();
+    const bool isFixated = context && !context->fixatedResultContexts().empty();
+    const std::vector<LineInfo> stack =
+        isFixated ? CallStack{context->fixatedResultContexts().back()} : ip->errorCallStack();
+    // What runs next stands at its own lines.
+    if (isFixated)
+        context->dropFixatedResultContexts();
+    if (result && ip->errorIsSkip())
+        result->addSkipEcho(TestResult::Error, message, detail, stack);
+    else if (result)
+        result->addResult(QDateTime::currentDateTime(), TestResult::Error, message, detail, stack);
     return false;
 }
 

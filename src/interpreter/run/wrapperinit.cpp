@@ -3,8 +3,9 @@
 #include <memory>
 
 #include "base/environment.h"
+#include "base/wholetext.h"
+#include "interpreter/bridge/currentcontextsaver.h"
 #include "interpreter/bridge/interpreter.h"
-#include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/run/scripttestcase.h"
 #include "interpreter/run/wrapperdescriptor.h"
@@ -14,18 +15,6 @@
 namespace Tamrix {
 
 namespace {
-
-/// Makes the script context that was current before current again.
-class CurrentContextSaver {
-public:
-    CurrentContextSaver() : m_context(ScriptContext::current()) {}
-    ~CurrentContextSaver() { ScriptContext::setCurrent(m_context); }
-    CurrentContextSaver(const CurrentContextSaver&) = delete;
-    CurrentContextSaver& operator=(const CurrentContextSaver&) = delete;
-
-private:
-    ScriptContext* m_context;
-};
 
 /// The entries of one wrapper in the installation's settings.
 class WrapperEntries {
@@ -57,8 +46,9 @@ void addExtensionScripts(const QStringList& paths) {
         QFile file(expandPrefix(entry));
         if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
             continue;
-        // Read up to a first NUL.
-        text += QString::fromUtf8(file.readAll().constData());
+        const QString whole = wholeUtf8(file.readAll());
+        // Up to a first NUL: this is meant.
+        text += whole.left(whole.indexOf(QChar(0)));
         text += '\n';
         suffix = QFileInfo(file.fileName()).suffix();
     }
@@ -134,7 +124,7 @@ bool ScriptTestCase::initWrapper(const QString& wrapperName, TestResult* result,
             return false;
         }
         // b. Decode it.
-        const QString text = QString::fromUtf8(file.readAll());
+        const QString text = wholeUtf8(file.readAll());
 
         // c., d. A script of a language runs in that language.
         const ScriptLanguageInformation* language = ScriptLanguageInformation::forFile(path);

@@ -82,8 +82,7 @@ private:
         }
         if (++m_references > maximalReferences) {
             return fail(QStringLiteral("The symbolic name '%1' has more than %2 references")
-                            .arg(m_path.value(0, name))
-                            .arg(maximalReferences));
+                            .arg(m_path.value(0, name), QString::number(maximalReferences)));
         }
         m_path.append(name);
         const ObjectName resolved = resolveProperties(entry->properties(), depth);
@@ -144,8 +143,7 @@ QString addEntry(const QString& line, int lineNumber, ParsedMap* map) {
         return QStringLiteral("the symbolic name '%1' does not start with ':'").arg(name);
     if (map->names.contains(name)) {
         return QStringLiteral("the symbolic name '%1' stands in line %2 already")
-            .arg(name)
-            .arg(map->lines.value(name));
+            .arg(name, QString::number(map->lines.value(name)));
     }
     QMap<QString, PropertyValue> properties;
     QString error;
@@ -272,7 +270,8 @@ bool ObjectMap::load(const QString& path) {
     }
     QStringList lines;
     for (const auto& fault : map.faults)
-        lines.append(QStringLiteral("%1, line %2: ").arg(path).arg(fault.line) + fault.text);
+        lines.append(QStringLiteral("%1, line %2: ").arg(path, QString::number(fault.line)) +
+                     fault.text);
     Inspector::self()->setLastError(lines.join('\n'));
     return false;
 }

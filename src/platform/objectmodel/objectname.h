@@ -67,6 +67,10 @@ TAMRIX_EXPORT bool parseNameByProperties(const QString& realName,
                                          QMap<QString, PropertyValue>* properties,
                                          QString* error = nullptr);
 
+/// What no application could look for: a malformed wildcard or regular expression, an occurrence
+/// that is no number from 1. Empty for a good name.
+TAMRIX_EXPORT QString nameFault(const ObjectName& name);
+
 /// How deep real names may be nested in each other.
 inline constexpr int maximalNameDepth = 16;
 

@@ -1,3 +1,4 @@
+#include "base/boundedgeometry.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/valueobject.h"
@@ -20,9 +21,10 @@ const Class* objectModelScreenRectangleClass() {
 QRect unwrapRemoteScreenRectangleAsQRect(SharedPtr<Object> object) {
     const auto* const value = dynamic_cast<const ValueObject*>(object.get());
     if (!value || (value->className() != screenRectangleName() &&
-                   value->className() != QLatin1String("QRect")))
+                   value->className() != QLatin1String("QRect") &&
+                   value->className() != QLatin1String("QRectF")))
         return {};
-    return value->value().toRectF().toRect();
+    return boundedRect(value->value().toRectF());
 }
 
 SharedPtr<Object> createRemoteScreenRectangle(const QRect& rectangle) {

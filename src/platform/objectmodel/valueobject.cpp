@@ -8,6 +8,7 @@
 
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
+#include "wire/value.h"
 
 namespace Tamrix {
 
@@ -58,14 +59,28 @@ const std::vector<ValueType>& valueTypes() {
         {"QVariantList", {Type::QVariantList, Type::QStringList}, {}},
         {"QVariantMap", {Type::QVariantMap, Type::QVariantHash}, {}},
         {"QPoint",
-         {Type::QPoint, Type::QPointF},
+         {Type::QPoint},
          {{"x", "int", [](const QVariant& v) { return QVariant(v.toPoint().x()); }},
           {"y", "int", [](const QVariant& v) { return QVariant(v.toPoint().y()); }}}},
+        {"QPointF",
+         {Type::QPointF},
+         {{"x", "double", [](const QVariant& v) { return QVariant(v.toPointF().x()); }},
+          {"y", "double", [](const QVariant& v) { return QVariant(v.toPointF().y()); }}}},
         {"QSize",
-         {Type::QSize, Type::QSizeF},
+         {Type::QSize},
          {{"width", "int", [](const QVariant& v) { return QVariant(v.toSize().width()); }},
           {"height", "int", [](const QVariant& v) { return QVariant(v.toSize().height()); }}}},
-        {"QRect", {Type::QRect, Type::QRectF}, rectangleProperties()},
+        {"QSizeF",
+         {Type::QSizeF},
+         {{"width", "double", [](const QVariant& v) { return QVariant(v.toSizeF().width()); }},
+          {"height", "double", [](const QVariant& v) { return QVariant(v.toSizeF().height()); }}}},
+        {"QRect", {Type::QRect}, rectangleProperties()},
+        {"QRectF",
+         {Type::QRectF},
+         {{"x", "double", [](const QVariant& v) { return QVariant(v.toRectF().x()); }},
+          {"y", "double", [](const QVariant& v) { return QVariant(v.toRectF().y()); }},
+          {"width", "double", [](const QVariant& v) { return QVariant(v.toRectF().width()); }},
+          {"height", "double", [](const QVariant& v) { return QVariant(v.toRectF().height()); }}}},
         // A rectangle that is to be one of the screen is told so: its variant looks like any other.
         {"ScreenRectangle", {}, rectangleProperties()},
         {"QColor",
@@ -130,6 +145,12 @@ QVariant ValueObject::toVariant() const {
         default:
             return m_value;
     }
+}
+
+QString ValueObject::text() const {
+    const QString numbers = Wire::geometryText(m_value);
+    const QString content = numbers.isNull() ? m_value.toString() : numbers;
+    return content.isNull() ? QString() : QStringLiteral("%1(%2)").arg(className(), content);
 }
 
 SharedPtr<Object> ValueObject::readProperty(const Property& property) const {

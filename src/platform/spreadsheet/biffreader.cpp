@@ -13,6 +13,7 @@ namespace Swinder {
 
 namespace {
 
+constexpr std::uint16_t biff5 = 0x0500;
 constexpr std::uint16_t biff8 = 0x0600;
 constexpr std::uint16_t globalsSubstream = 0x0005;
 constexpr std::uint16_t worksheetSubstream = 0x0010;
@@ -78,8 +79,13 @@ private:
     static void requireBegin(const Record& record, std::uint16_t kind) {
         if (record.type != RecordType::BeginOfFile)
             throw FormatError(atOffset("a part of the workbook has no beginning", record.offset));
-        if (u16At(record.data, 0) != biff8)
-            throw FormatError("it is of a version before Excel 97");
+        const std::uint16_t version = u16At(record.data, 0);
+        if (version == biff5)
+            throw FormatError(
+                "it is a workbook of Excel 5 or 95; only Excel 97 and later are read");
+        if (version != biff8)
+            throw FormatError(
+                atOffset("a part of the workbook is of another version", record.offset));
         if (u16At(record.data, 2) != kind)
             throw FormatError(atOffset("a part of the workbook is of another kind", record.offset));
     }
@@ -185,6 +191,8 @@ private:
                                   : Value::fromBoolean(part(record.data, 6, 2)[0] != 0));
                 break;
             case RecordType::Formula:
+            case RecordType::FormulaOfExcel3:
+            case RecordType::FormulaOfExcel4:
                 readFormula(record);
                 break;
             case RecordType::String:

@@ -194,7 +194,7 @@ CompoundFile::Entry CompoundFile::entry(std::uint32_t number) const {
     return entry;
 }
 
-std::vector<std::uint8_t> CompoundFile::stream(std::u16string_view name) const {
+std::optional<std::vector<std::uint8_t>> CompoundFile::stream(std::u16string_view name) const {
     // A folder's entries are a tree. Its order isn't relied on, so that a file whose writer sorted
     // in another way can be read too.
     const Entry root = entry(0);
@@ -219,7 +219,7 @@ std::vector<std::uint8_t> CompoundFile::stream(std::u16string_view name) const {
         toSee.push_back(found.right);
         toSee.push_back(found.left);
     }
-    throw FormatError("the compound file holds no workbook of Excel 97 or later");
+    return std::nullopt;
 }
 
 }  // namespace Swinder

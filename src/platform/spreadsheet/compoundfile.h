@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -19,9 +20,9 @@ public:
 
     static bool hasSignature(Bytes file);
 
-    /// The contents of a stream of the root folder; letter case doesn't count.
-    /// Throws FormatError when there is no such stream or its chain is damaged.
-    std::vector<std::uint8_t> stream(std::u16string_view name) const;
+    /// The contents of a stream of the root folder, nothing when there is no such stream; letter
+    /// case doesn't count. Throws FormatError when the folder or the stream's chain is damaged.
+    std::optional<std::vector<std::uint8_t>> stream(std::u16string_view name) const;
 
 private:
     using Table = std::vector<std::uint32_t>;

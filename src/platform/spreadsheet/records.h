@@ -23,7 +23,9 @@ enum class RecordType : std::uint16_t {
     Label = 0x0204,
     BoolErr = 0x0205,
     String = 0x0207,
+    FormulaOfExcel3 = 0x0206,  ///< as far as it is read, like Formula; some writers still use it
     Rk = 0x027e,
+    FormulaOfExcel4 = 0x0406,  ///< likewise
     BeginOfFile = 0x0809,
 };
 

@@ -4,9 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <new>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/spreadsheet/biffreader.h"
@@ -53,9 +57,24 @@ private:
     int m_descriptor;
 };
 
+/// Up to Excel 4 the records were the file, without folders around them.
+bool isBareSheet(Bytes file) {
+    constexpr std::uint16_t beginnings[] = {0x0009, 0x0209, 0x0409};
+    return file.size() >= 2 && std::find(std::begin(beginnings), std::end(beginnings),
+                                         u16At(file, 0)) != std::end(beginnings);
+}
+
 std::vector<std::uint8_t> readWorkbookStream(const char* path) {
     const std::vector<std::uint8_t> file = File(path).read();
-    return CompoundFile(file).stream(u"Workbook");
+    if (isBareSheet(file))
+        throw FormatError("it is a sheet of Excel 4 or earlier; only Excel 97 and later are read");
+    const CompoundFile compound(file);
+    // A file for old and new programs has both, and the old one is not of this version.
+    for (const std::u16string_view name : {u"Workbook", u"Book"}) {
+        if (auto stream = compound.stream(name))
+            return *std::move(stream);
+    }
+    throw FormatError("the compound file holds no workbook");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/textescape.h"
+#include "base/wholetext.h"
 #include "platform/testresult/longtext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
@@ -387,11 +388,11 @@ void HtmlData::addText(QJsonObject& object, const ReportFiles::Copy& copy) {
         return;
     }
     m_textBudget -= text.size();
-    object.insert(QStringLiteral("text"), shown(QString::fromUtf8(text)));
+    object.insert(QStringLiteral("text"), shown(wholeUtf8(text)));
     if (text.size() < size) {
-        object.insert(
-            QStringLiteral("note"),
-            QStringLiteral("The last %1 KiB of %2 KiB.").arg(text.size() / 1024).arg(size / 1024));
+        object.insert(QStringLiteral("note"),
+                      QStringLiteral("The last %1 KiB of %2 KiB.")
+                          .arg(QString::number(text.size() / 1024), QString::number(size / 1024)));
     }
 }
 

@@ -303,8 +303,7 @@ QString checkHeader(const QByteArray& line, bool* isJson) {
     const int found = fields.number("version", -1);
     if (fields.errorText().isEmpty() && found != version) {
         return QStringLiteral("the journal has version %1, this program reads version %2")
-            .arg(found)
-            .arg(version);
+            .arg(QString::number(found), QString::number(version));
     }
     return fields.errorText();
 }

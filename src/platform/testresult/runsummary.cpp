@@ -14,7 +14,8 @@ QString joinedCounts(CountOf countOf) {
     QStringList results;
     for (const ResultTypeInfo& info : resultTypes) {
         if (const int count = countOf(info.type))
-            results += QStringLiteral("%1 %2").arg(QLatin1String(info.category)).arg(count);
+            results +=
+                QStringLiteral("%1 %2").arg(QLatin1String(info.category), QString::number(count));
     }
     return results.join(QLatin1String(", "));
 }
@@ -31,7 +32,7 @@ QString caseSummary(const RunTally& tally) {
     QStringList outcomes;
     for (const CaseOutcome outcome : caseOutcomes) {
         if (const int count = tally.caseCount(outcome))
-            outcomes += QStringLiteral("%1 %2").arg(count).arg(outcomeText(outcome));
+            outcomes += QStringLiteral("%1 %2").arg(QString::number(count), outcomeText(outcome));
     }
     QString cases =
         caseCount == 1 ? QStringLiteral("1 case") : QStringLiteral("%1 cases").arg(caseCount);

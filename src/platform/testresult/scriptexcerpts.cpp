@@ -5,6 +5,7 @@
 #include <QJsonArray>
 
 #include "base/textescape.h"
+#include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 
 namespace Tamrix {
@@ -36,8 +37,7 @@ QJsonObject ScriptExcerpts::excerpt(const LineInfo& position) {
     QString problem = source.problem;
     if (problem.isEmpty() && position.lineNumber() > source.lines.size()) {
         problem = QStringLiteral("The file '%1' has no line %2 any more.")
-                      .arg(position.fileName())
-                      .arg(position.lineNumber());
+                      .arg(position.fileName(), QString::number(position.lineNumber()));
     }
     if (!problem.isEmpty())
         return {{QStringLiteral("problem"), escapedForTerminal(problem)}};
@@ -71,7 +71,7 @@ const ScriptExcerpts::Script& ScriptExcerpts::script(const QString& path) {
         script.problem =
             QStringLiteral("The file '%1' can't be read: %2").arg(path, file.errorString());
     else {
-        QString text = QString::fromUtf8(file.readAll());
+        QString text = wholeUtf8(file.readAll());
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         script.lines = text.split(QLatin1Char('\n'));
         // Behind the last line feed there is no line.

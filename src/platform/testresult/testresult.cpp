@@ -58,7 +58,6 @@ void TestResult::startCase(const QString& name, const QString& scriptPath) {
 }
 
 void TestResult::endCase(bool interrupted) {
-    m_skipText.clear();
     if (!m_caseOpen)
         return;
     closeSections(0);
@@ -86,13 +85,7 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
                            const QString& extra, int value, const QString& explanation) {
     if (m_complete)
         return;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::Result;
-    entry.type = type;
-    entry.time = time;
-    entry.message = message;
-    entry.detail = detail;
-    entry.callStack = callStack;
+    ReportEntry entry = resultEntry(time, type, message, detail, callStack);
     entry.extra = extra;
     entry.value = value;
     entry.explanation = explanation;
@@ -106,15 +99,15 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
         return;
     }
 
-    entry.echo = isSkipEcho(type, detail);
-    if (entry.echo) {
-        m_skipText.clear();
-    } else {
-        ++m_counts[type];
-        m_lastScenarioHasError = m_lastScenarioHasError || isFailure(entry);
-    }
-    if (isCaseSkip(entry))
-        m_skipText = QStringLiteral("%1: %2").arg(message, detail);
+    ++m_counts[type];
+    m_lastScenarioHasError = m_lastScenarioHasError || isFailure(entry);
+    forward(std::move(entry));
+}
+
+void TestResult::addSkipEcho(ResultType type, const QString& message, const QString& detail,
+                             const std::vector<LineInfo>& callStack) {
+    ReportEntry entry = resultEntry(QDateTime::currentDateTime(), type, message, detail, callStack);
+    entry.echo = true;
     forward(std::move(entry));
 }
 
@@ -276,8 +269,16 @@ void TestResult::closeSections(std::size_t depth) {
         closeInnermostSection(ReportEntry());
 }
 
-bool TestResult::isSkipEcho(int type, const QString& detail) const {
-    return type == Error && !m_skipText.isNull() && detail.contains(m_skipText);
+ReportEntry TestResult::resultEntry(const QDateTime& time, ResultType type, const QString& message,
+                                    const QString& detail, const std::vector<LineInfo>& callStack) {
+    ReportEntry entry;
+    entry.kind = ReportEntry::Kind::Result;
+    entry.type = type;
+    entry.time = time;
+    entry.message = message;
+    entry.detail = detail;
+    entry.callStack = callStack;
+    return entry;
 }
 
 }  // namespace Tamrix

@@ -15,9 +15,7 @@ namespace Tamrix {
 /// generator at once, so that nothing is lost when the process ends. Script thread only.
 ///
 /// A skipped test case: a result of type Skipped with the extra text "testcase" ends the script
-/// with a script error of the text "message: detail", which is reported as an Error result in its
-/// turn. The first Error after the skip whose detail contains that text is its echo: the entry is
-/// marked so, and neither count() nor lastScenarioHasError() regards it.
+/// with a script error, which is reported in its turn with addSkipEcho().
 class TAMRIX_EXPORT TestResult {
 public:
     /// The numbers are part of the report formats.
@@ -76,6 +74,11 @@ public:
                    const QString& extra = QString(), int value = -1,
                    const QString& explanation = QString());
 
+    /// Adds the script error by which a skip ends the script: the entry is marked as an echo, and
+    /// neither count() nor lastScenarioHasError() regards it.
+    void addSkipEcho(ResultType type, const QString& message, const QString& detail,
+                     const std::vector<LineInfo>& callStack);
+
     void startSection(const QString& title, const QString& description, const LineInfo& location);
     /// Ends the innermost section. Returns an error text when none is open, else an empty string.
     QString endSection(const LineInfo& location);
@@ -132,7 +135,8 @@ private:
     void closeInnermostSection(ReportEntry entry);
     /// Ends the sections inside the outermost `depth` ones.
     void closeSections(std::size_t depth);
-    bool isSkipEcho(int type, const QString& detail) const;
+    static ReportEntry resultEntry(const QDateTime& time, ResultType type, const QString& message,
+                                   const QString& detail, const std::vector<LineInfo>& callStack);
 
     ReportGenerator* m_generator;
     bool m_complete = false;
@@ -142,9 +146,6 @@ private:
     std::vector<OpenSection> m_openSections;
     QMap<int, int> m_counts;
     bool m_lastScenarioHasError = false;
-    /// The text with which a skipped test case ends as a script error; null while it is not
-    /// skipped.
-    QString m_skipText;
 };
 
 }  // namespace Tamrix

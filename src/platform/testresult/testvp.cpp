@@ -26,7 +26,8 @@ std::unique_ptr<QFile> createScreenshotFile(const QDir& directory, TestResult::R
     const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
     auto file = std::make_unique<QFile>();
     for (int number = 1;; ++number) {
-        *path = directory.filePath(QStringLiteral("screenshot_%1_%2.png").arg(kind).arg(number));
+        *path = directory.filePath(
+            QStringLiteral("screenshot_%1_%2.png").arg(kind, QString::number(number)));
         file->setFileName(*path);
         // Another process may take the name between a look and the opening, so that the opening
         // itself decides.

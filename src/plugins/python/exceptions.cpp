@@ -40,10 +40,13 @@ bool addExceptions(PyObject* module) {
     return true;
 }
 
-void raiseScriptError(ScriptContext::ErrorType type, const QString& message) {
+PyRef raiseScriptError(ScriptContext::ErrorType type, const QString& message) {
     const PyRef text = toPyString(message);
-    if (text)
-        PyErr_SetObject(s_classes[type], text.get());
+    PyRef exception =
+        PyRef::steal(text ? PyObject_CallOneArg(s_classes[type], text.get()) : nullptr);
+    if (exception)
+        PyErr_SetObject(s_classes[type], exception.get());
+    return exception;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -13,7 +13,8 @@ namespace Tamrix::PythonPlugin {
 /// False with the error indicator set on failure.
 bool addExceptions(PyObject* module);
 
-/// Raises the exception for a kind of script error.
-void raiseScriptError(ScriptContext::ErrorType type, const QString& message);
+/// Raises the exception for a kind of script error, and returns it; null when another one had to be
+/// raised.
+PyRef raiseScriptError(ScriptContext::ErrorType type, const QString& message);
 
 }  // namespace Tamrix::PythonPlugin

@@ -13,9 +13,9 @@ PyFrameObject* asFrame(PyObject* frame) {
     return reinterpret_cast<PyFrameObject*>(frame);
 }
 
-/// The frame, or the first one outwards, that runs code of a file.
-PyRef firstInFile(PyRef frame, SourceFiles& files) {
-    while (frame && files.path(frameFileName(frame.get()).get()).isNull())
+/// The frame, or the first one outwards, that runs code of a script.
+PyRef firstInScript(PyRef frame, SourceFiles& files) {
+    while (frame && !files.isScript(frameFileName(frame.get()).get()))
         frame = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame.get()))));
     return frame;
 }
@@ -65,12 +65,12 @@ const QStringList& SourceFiles::libraryFolders() {
 }
 
 PyRef innermostFrame(SourceFiles& files) {
-    return firstInFile(PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame())), files);
+    return firstInScript(PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame())), files);
 }
 
 PyRef outerFrame(PyObject* frame, SourceFiles& files) {
-    return firstInFile(PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame)))),
-                       files);
+    return firstInScript(PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame)))),
+                         files);
 }
 
 PyRef frameFileName(PyObject* frame) {

@@ -33,9 +33,10 @@ private:
     QStringList m_libraryFolders;
 };
 
-/// The innermost frame that runs code of a file, null when there is none.
+/// The innermost frame that runs code of a script, null when there is none. Python's library and
+/// installed packages are passed over, as they are in the stacks of exceptions and by the debugger.
 PyRef innermostFrame(SourceFiles& files);
-/// The next frame outwards that runs code of a file.
+/// The next frame outwards that runs code of a script.
 PyRef outerFrame(PyObject* frame, SourceFiles& files);
 
 /// The file name in a frame's code object, as Python keeps it.

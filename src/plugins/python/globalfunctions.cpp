@@ -13,41 +13,13 @@
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/objectcalls.h"
 #include "plugins/python/objecttype.h"
+#include "plugins/python/offeredfunctions.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
 
 namespace {
-
-/// What the agents offer, so that the names are there before an application is connected.
-constexpr struct Offered {
-    const char* name;
-    const char* parameters;
-    const char* description;
-    bool takesObject = true;
-} offeredFunctions[] = {
-    {"click", "object[, x, y][, button][, modifiers]", "Clicks the object"},
-    {"doubleClick", "object[, x, y][, button][, modifiers]", "Clicks the object twice"},
-    {"drag", "object, x, y, dx, dy", "Drags from a point of the object by a distance"},
-    {"hover", "object[, x, y]", "Moves the mouse over the object"},
-    {"fill", "object, text", "Sets the whole text of a field"},
-    {"typeText", "object, text", "Types a text into the object"},
-    {"press", "object, keys", "Presses keys: \"Ctrl+A\", \"Return\""},
-    {"selectItem", "object, text",
-     "Selects an item of a menu, list, tree, combo box or tab bar by its text"},
-    {"check", "object", "Checks a box or button that can be checked"},
-    {"uncheck", "object", "Takes the check away"},
-    {"closeWindow", "object", "Closes the object's window"},
-    {"clipboardText", "", "The text on the clipboard", false},
-};
-
-const Offered* offeredFunction(const QString& name) {
-    const auto* const found =
-        std::find_if(std::begin(offeredFunctions), std::end(offeredFunctions),
-                     [&](const Offered& function) { return name == function.name; });
-    return found == std::end(offeredFunctions) ? nullptr : found;
-}
 
 class GlobalFunction : public Shared {
 public:
@@ -82,7 +54,7 @@ QList<const Method*> globalMethods(const QString& name) {
 /// Whether the function's first argument is an object: of functions that this table does not know,
 /// it is one unless a method of the name takes a text there.
 bool takesObject(const QString& name, const QList<const Method*>& methods) {
-    if (const Offered* offered = offeredFunction(name))
+    if (const OfferedFunction* offered = offeredFunction(name))
         return offered->takesObject;
     return std::none_of(methods.begin(), methods.end(), [](const Method* method) {
         return method->signature().argumentCount() > 0 &&
@@ -97,8 +69,9 @@ PyRef withObject(PythonInterpreter& interpreter, PyObject* tuple) {
     if (!isStringOrObjectName(first))
         return PyRef::borrow(tuple);
     SharedPtr<Object> object;
+    // Whether the point that is used is free, the function looks itself.
     if (RunnerInterface* runner = interpreter.runner())
-        object = runner->waitForObjectByName(serializeObjectName(first), true,
+        object = runner->waitForObjectByName(serializeObjectName(first), false,
                                              TestSettingsType::s_waitForObjectTimeout);
     if (!object)
         raise(ScriptContext::LookupError, Inspector::self()->lastError());
@@ -108,6 +81,15 @@ PyRef withObject(PythonInterpreter& interpreter, PyObject* tuple) {
     for (Py_ssize_t index = 1; index < count; ++index)
         PyTuple_SET_ITEM(resolved.get(), index, Py_NewRef(PyTuple_GET_ITEM(tuple, index)));
     return resolved;
+}
+
+/// What the application's function is called with. Only of those that all agents offer the names of
+/// parameters are known.
+PyRef givenArguments(const QString& name, PyObject* tuple, PyObject* named) {
+    if (const OfferedFunction* offered = offeredFunction(name))
+        return orderedArguments(*offered, tuple, named);
+    refuseNamedArguments(name, named);
+    return PyRef::borrow(tuple);
 }
 
 /// What the results tell of the call: its arguments as the script gave them.
@@ -123,13 +105,11 @@ PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     return askApplication(name,
                           [&](PythonInterpreter& interpreter) {
                               ActionRecord record(&interpreter.context(), name);
-                              noteArguments(record, tuple);
-                              refuseNamedArguments(name, named);
                               const QList<const Method*> methods = globalMethods(name);
-                              const bool byName =
-                                  PyTuple_GET_SIZE(tuple) > 0 && takesObject(name, methods);
-                              const PyRef values =
-                                  byName ? withObject(interpreter, tuple) : PyRef::borrow(tuple);
+                              PyRef values = givenArguments(name, tuple, named);
+                              noteArguments(record, values.get());
+                              if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
+                                  values = withObject(interpreter, values.get());
                               // Which of several methods is meant is the application's to say.
                               return callResult(methods.first()->invoke(
                                   nullptr, callArguments(name, values.get(), nullptr)));
@@ -148,7 +128,7 @@ PyObject* functionName(PyObject* self, void*) {
 
 PyObject* functionDoc(PyObject* self, void*) {
     const QString name = GlobalFunctionHolder::unwrap(self)->name();
-    const Offered* const offered = offeredFunction(name);
+    const OfferedFunction* const offered = offeredFunction(name);
     return toPyString(offered ? QStringLiteral("%1(%2)\n\n%3")
                                     .arg(name, QLatin1String(offered->parameters),
                                          QLatin1String(offered->description))
@@ -180,8 +160,8 @@ bool addGlobalFunctionType(PyObject* module) {
 }
 
 void publishGlobalFunctions(PythonInterpreter& interpreter, ObjectModel* model) {
-    for (const Offered& function : offeredFunctions)
-        publish(interpreter, function.name);
+    for (const QString& name : offeredFunctionNames())
+        publish(interpreter, name);
     const Class* const globalClass = model ? model->globalClass() : nullptr;
     for (int index = 0; globalClass && index < globalClass->numMethods(); ++index)
         publish(interpreter, globalClass->method(index)->name());

@@ -1,6 +1,7 @@
 #include "plugins/python/nativefunction.h"
 
 #include <QHash>
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -35,9 +36,14 @@ struct Target {
     };
     QString displayName;
     QStringList parameters;
+    int requiredCount = 0;
     std::string name;
     std::string doc;
     PyMethodDef definition;
+
+    bool isOptional(std::size_t index) const {
+        return int(index) >= requiredCount && int(index) < parameters.size();
+    }
 };
 
 /// The "self" of the function object.
@@ -45,21 +51,27 @@ struct TargetObject {
     PyObject_HEAD const Target* target;
 };
 
-// Arguments by name
+// Arguments by name, and such as are left out
 
-/// The arguments in the order of the parameters, named ones at their places. Throws PythonErrorSet
-/// with a TypeError that names what is wrong.
+/// The arguments in the order of the parameters, named ones at their places. One that is left out,
+/// or None where an argument is optional, is null; at the end there are none of these. Throws
+/// PythonErrorSet with a TypeError that names what is wrong.
 class BoundArguments {
 public:
     BoundArguments(const Target& target, PyObject* const* arguments, Py_ssize_t positional,
                    PyObject* names)
         : m_values(arguments, arguments + positional) {
-        for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(names); ++index)
+        const Py_ssize_t named = names ? PyTuple_GET_SIZE(names) : 0;
+        for (Py_ssize_t index = 0; index < named; ++index)
             bind(target, PyTuple_GET_ITEM(names, index), arguments[positional + index]);
         for (std::size_t index = 0; index < m_values.size(); ++index) {
-            if (!m_values[index])
+            if (target.isOptional(index) && m_values[index] == Py_None)
+                m_values[index] = nullptr;
+            else if (!m_values[index] && !target.isOptional(index))
                 refuse(target, "needs an argument '%1'", target.parameters.at(int(index)));
         }
+        while (!m_values.empty() && !m_values.back())
+            m_values.pop_back();
     }
 
     PyObject* const* data() const { return m_values.data(); }
@@ -88,6 +100,16 @@ private:
 
     std::vector<PyObject*> m_values;
 };
+
+/// Whether an argument that may be left out is None.
+bool leavesOut(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
+    const Py_ssize_t end = std::min<Py_ssize_t>(count, target.parameters.size());
+    for (Py_ssize_t index = target.requiredCount; index < end; ++index) {
+        if (arguments[index] == Py_None)
+            return true;
+    }
+    return false;
+}
 
 // The call
 
@@ -166,12 +188,12 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
     }
     PythonContext& context = interpreter->context();
     try {
-        if (!names) {
+        if (!names && !leavesOut(target, arguments, count)) {
             PythonContext::Call call(context, arguments, count);
             return run<kind>(target, *interpreter, call, first);
         }
         const BoundArguments bound(target, arguments, count, names);
-        PythonContext::Call call(context, bound.data(), bound.count());
+        PythonContext::Call call(context, bound.data(), bound.count(), names != nullptr);
         return run<kind>(target, *interpreter, call, first);
     } catch (const PythonErrorSet&) {
         return nullptr;
@@ -238,10 +260,10 @@ QHash<QString, PyRef>& functionObjects() {
 
 PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Target> target,
                          const void* address) {
-    const QString key = QStringLiteral("%1::%2/%3/%4")
-                            .arg(signature.owner, signature.name)
-                            .arg(int(target->kind))
-                            .arg(reinterpret_cast<quintptr>(address));
+    const QString key =
+        QStringLiteral("%1::%2/%3/%4")
+            .arg(signature.owner, signature.name, QString::number(int(target->kind)),
+                 QString::number(reinterpret_cast<quintptr>(address)));
     const auto known = functionObjects().constFind(key);
     if (known != functionObjects().constEnd())
         return *known;
@@ -250,6 +272,7 @@ PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Targe
         signature.owner.isEmpty() ? signature.name : signature.owner + "." + signature.name;
     for (const QString& name : signature.required + signature.optional)
         target->parameters.append(pythonName(name));
+    target->requiredCount = signature.required.size();
     target->name = pythonName(signature.name).toStdString();
     target->doc = docText(signature, target->kind);
     target->definition = {

@@ -75,8 +75,7 @@ const Method* chooseOverload(const BoundMethod& bound, PyObject* tuple) {
     }
     if (!chosen)
         raiseTypeError(QStringLiteral("%1() takes %2, not %3 arguments")
-                           .arg(bound.displayName(), known.join(" or "))
-                           .arg(count));
+                           .arg(bound.displayName(), known.join(" or "), QString::number(count)));
     return chosen;
 }
 
@@ -115,10 +114,9 @@ ObjectList callArguments(const QString& function, PyObject* tuple, const Method*
         SharedPtr<Object> argument = objectOfValue(
             value, typed ? method->signature().argument(place).typeName() : QString());
         if (!argument)
-            raiseTypeError(QStringLiteral("%1() argument %2: %3")
-                               .arg(function)
-                               .arg(place + 1)
-                               .arg(Inspector::self()->lastError()));
+            raiseTypeError(
+                QStringLiteral("%1() argument %2: %3")
+                    .arg(function, QString::number(place + 1), Inspector::self()->lastError()));
         arguments.push_back(std::move(argument));
     }
     return arguments;

@@ -124,11 +124,11 @@ PyRef writeProperty(const SharedPtr<Object>& object, const QString& name, PyObje
     const SharedPtr<Object> written = objectOfValue(argument, property->typeName());
     if (!written) {
         PyErr_SetString(PyExc_TypeError, Inspector::self()->lastError().toUtf8().constData());
-        return {};
+        throw PythonErrorSet();
     }
     if (!property->set(object, written)) {
         raiseLastError();
-        return {};
+        throw PythonErrorSet();
     }
     return PyRef::borrow(Py_None);
 }
@@ -159,7 +159,9 @@ PyObject* objectRepr(PyObject* self) {
     const SharedPtr<Object> object = ObjectHolder::unwrap(self);
     return askApplication("repr",
                           [&](PythonInterpreter&) {
-                              const QString name = object->realName();
+                              const auto* const value =
+                                  dynamic_cast<const ValueObject*>(object.get());
+                              const QString name = value ? value->text() : object->realName();
                               return toPyString(
                                   name.isEmpty() ? "<" + object->className() + " object>" : name);
                           })

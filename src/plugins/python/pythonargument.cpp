@@ -6,6 +6,7 @@
 #include "plugins/python/conversion.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/objecttype.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
 
@@ -188,12 +189,6 @@ std::optional<QVariant> PythonArgument::toVariant() const {
     const QDateTime time = fromPyDateTime(object());
     if (time.isValid())
         return time;
-    // A list may hold itself.
-    if (Py_EnterRecursiveCall(" while a value is passed to an application") != 0)
-        throw PythonErrorSet();
-    struct Leave {
-        ~Leave() { Py_LeaveRecursiveCall(); }
-    } const leave;
     return ScriptArgument::toVariant();
 }
 
@@ -212,7 +207,11 @@ SharedPtr<ScriptArgument> PythonArgument::call(const List& arguments, QString* e
     // An exception that ends the script is not the caller's to report.
     if (!isOrdinaryError())
         throw PythonErrorSet();
-    *error = takeScriptError().message;
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    const ScriptError raised = takeScriptError(interpreter ? &interpreter->files() : nullptr);
+    if (interpreter)
+        interpreter->setCallErrorStack(raised.callStack);
+    *error = raised.message;
     return {};
 }
 

@@ -48,19 +48,27 @@ Namespaces callingNamespaces(PythonInterpreter& interpreter) {
 void PythonContext::Call::keepOuter() {
     m_outer = std::make_unique<Outer>();
     m_outer->arguments.swap(m_context.argumentStorage());
+    m_outer->areNamed = m_context.m_hasNamedArguments;
     m_outer->errorMessage = m_context.errorMessage();
     m_outer->errorType = m_context.errorType();
+    m_outer->isSkip = m_context.isSkip();
     m_outer->result = std::move(m_context.m_result);
 }
 
 void PythonContext::Call::restoreOuter() {
     m_context.argumentStorage().swap(m_outer->arguments);
-    m_context.setError(m_outer->errorMessage, m_outer->errorType);
+    m_context.m_hasNamedArguments = m_outer->areNamed;
+    if (m_outer->isSkip)
+        m_context.setSkip(m_outer->errorMessage);
+    else
+        m_context.setError(m_outer->errorMessage, m_outer->errorType);
     m_context.m_result = std::move(m_outer->result);
 }
 
 PyObject* PythonContext::Call::raise() {
-    raiseScriptError(m_context.errorType(), m_context.errorMessage());
+    const PyRef exception = raiseScriptError(m_context.errorType(), m_context.errorMessage());
+    if (m_context.isSkip())
+        m_context.m_interpreter.setSkip(exception);
     return nullptr;
 }
 
@@ -275,9 +283,8 @@ bool PythonContext::evaluate(const QString& text, const QString& fileName) {
     QString message = error.message;
     if (!error.callStack.empty())
         message = QStringLiteral("%1:%2: %3")
-                      .arg(error.callStack.front().fileName())
-                      .arg(error.callStack.front().lineNumber())
-                      .arg(message);
+                      .arg(error.callStack.front().fileName(),
+                           QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
 }

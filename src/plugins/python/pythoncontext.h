@@ -27,13 +27,17 @@ public:
     /// away at the end.
     class Call {
     public:
-        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count)
+        /// An argument that is null was left out. `areNamed` tells that some were given by name.
+        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count,
+             bool areNamed = false)
             : m_context(context) {
             if (context.m_depth++ > 0)
                 keepOuter();
+            context.m_hasNamedArguments = areNamed;
             for (Py_ssize_t index = 0; index < count; ++index)
                 context.argumentStorage().push_back(
-                    context.takeArgument(PyRef::borrow(arguments[index])));
+                    arguments[index] ? context.takeArgument(PyRef::borrow(arguments[index]))
+                                     : SharedPtr<ScriptArgument>());
             setCurrent(&context);
         }
         ~Call() {
@@ -61,8 +65,10 @@ public:
         /// State of a call that is running already.
         struct Outer {
             std::vector<SharedPtr<ScriptArgument>> arguments;
+            bool areNamed;
             QString errorMessage;
             ErrorType errorType;
+            bool isSkip;
             PyRef result;
         };
         void keepOuter();
@@ -125,7 +131,7 @@ private:
         while (!storage.empty()) {
             SharedPtr<ScriptArgument> argument = std::move(storage.back());
             storage.pop_back();
-            if (argument->referenceCount() == 1) {
+            if (argument && argument->referenceCount() == 1) {
                 static_cast<PythonArgument*>(argument.get())->rebind(PyRef());
                 m_spareArguments.push_back(std::move(argument));
             }

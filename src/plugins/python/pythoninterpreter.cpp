@@ -13,6 +13,7 @@
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
+#include "shared/resources/testresource.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -37,6 +38,19 @@ void setAttribute(PyObject* object, const QString& name, const PyRef& value) {
 int lineOfNul(const QString& text) {
     const int place = text.indexOf(QChar(0));
     return place < 0 ? -1 : text.leftRef(place).count('\n') + 1;
+}
+
+/// A NUL is an error at its line, as any other that the compiler finds.
+void raiseNul(PyObject* file, int line) {
+    const PyRef text = PyRef::steal(
+        PyUnicode_FromFormat("line %d holds a NUL character, which no script may have", line));
+    const PyRef position = PyRef::steal(Py_BuildValue("(OiOO)", file, line, Py_None, Py_None));
+    const PyRef error =
+        PyRef::steal(text && position ? PyObject_CallFunctionObjArgs(PyExc_SyntaxError, text.get(),
+                                                                     position.get(), nullptr)
+                                      : nullptr);
+    if (error)
+        PyErr_SetObject(PyExc_SyntaxError, error.get());
 }
 
 /// The Python class that stands for a class of the library with member functions.
@@ -87,6 +101,8 @@ PythonInterpreter::~PythonInterpreter() {
             PyErr_Clear();
     }
     m_module = PyRef();
+    m_skip = PyRef();
+    m_initialNames = PyRef();
     if (last) {
         PythonRuntime::self().restore();
         m_output.flush();
@@ -161,14 +177,30 @@ void PythonInterpreter::setScriptArguments(const QString& scriptPath,
                                            const QStringList& arguments) {
     Interpreter::setScriptArguments(scriptPath, arguments);
     setScriptName(scriptPath);
+    startScript();
     const PyRef list = toPyList(QStringList(scriptPath) + arguments);
     if (!list || PySys_SetObject("argv", list.get()) < 0)
         PyErr_Print();
-    // Modules beside the script are found behind those of the configured folders.
-    const QString error = addToSearchPath(QFileInfo(QFileInfo(scriptPath).absolutePath()));
+    // A module that findFile() finds is the one that import finds.
+    const QString error = PythonRuntime::self().setSearchPath(
+        scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
     if (!error.isEmpty())
-        qWarning("Could not add the script's folder to the search path: %s",
-                 error.toLocal8Bit().constData());
+        qWarning("Could not set the search path: %s", error.toLocal8Bit().constData());
+}
+
+void PythonInterpreter::startScript() {
+    m_exited = false;
+    m_skip = PyRef();
+    clearCallables();
+    try {
+        const PyRef names = moduleNamespace();
+        if (m_initialNames)
+            restoreDictionary(names.get(), m_initialNames.get());
+        else
+            m_initialNames = checked(PyDict_Copy(names.get()));
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+    }
 }
 
 void PythonInterpreter::publishFunctionsOfApplication() {
@@ -193,14 +225,13 @@ PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, i
     if (m_compiledCode && start == Py_file_input && text == m_compiledText &&
         fileName == m_compiledFile)
         return m_compiledCode;
-    if (lineOfNul(text) >= 0) {
-        PyErr_Format(PyExc_SyntaxError, "line %d holds a NUL character, which no script may have",
-                     lineOfNul(text));
-        return {};
-    }
     const PyRef file = toPyString(fileName);
     if (!file)
         return {};
+    if (const int line = lineOfNul(text); line >= 0) {
+        raiseNul(file.get(), line);
+        return {};
+    }
     // The text is decoded already: a coding line in it means nothing any more.
     PyCompilerFlags flags = _PyCompilerFlags_INIT;
     flags.cf_flags = PyCF_IGNORE_COOKIE;
@@ -218,10 +249,7 @@ bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName
     clearError();
     if (compile(text, fileName, Py_file_input))
         return true;
-    finish(PyRef());
-    if (lineOfNul(text) >= 0)
-        setErrorLine(lineOfNul(text));
-    return false;
+    return finish(PyRef());
 }
 
 bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, int, int) {
@@ -239,7 +267,7 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
     } catch (const PythonErrorSet&) {
         // Python refused something before the script ran; its exception tells what.
     }
-    return finish(result);
+    return finish(result, !fileName.isEmpty());
 }
 
 PyRef PythonInterpreter::scriptFunction(const QString& name) {
@@ -258,6 +286,7 @@ bool PythonInterpreter::hasFunction(const QString& name) {
 
 bool PythonInterpreter::callFunction(const QString& name, const ObjectList& arguments) {
     clearError();
+    m_skip = PyRef();
     const PyRef function = scriptFunction(name);
     // After sys.exit() only the cleaning up is left to do.
     if (m_exited && (name != "cleanup" || !function))
@@ -271,11 +300,44 @@ bool PythonInterpreter::callFunction(const QString& name, const ObjectList& argu
         PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
                          ObjectHolder::wrap(arguments[index]).release());
     ScriptContext::setCurrent(m_context.get());
-    return finish(
-        PyRef::steal(tuple ? PyObject_Call(function.get(), tuple.get(), nullptr) : nullptr));
+    const PyRef result =
+        PyRef::steal(tuple ? PyObject_Call(function.get(), tuple.get(), nullptr) : nullptr);
+    return finish(result) && (!result || hasRun(name, function.get(), result.get()));
 }
 
-bool PythonInterpreter::finish(const PyRef& result) {
+bool PythonInterpreter::invokeFunction(const QString& name) {
+    const PyRef function = scriptFunction(name);
+    if (function)
+        return invoke(new PythonArgument(function));
+    return m_exited || failCallback("The script has no function '" + name + "'");
+}
+
+bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject* result) {
+    const bool isAsync = PyCoro_CheckExact(result) || PyAsyncGen_CheckExact(result);
+    if (!isAsync && !PyGen_CheckExact(result))
+        return true;
+    if (PyCoro_CheckExact(result)) {
+        // The error tells more than the warning of a coroutine that was never awaited.
+        const PyRef closed = PyRef::steal(PyObject_CallMethod(result, "close", nullptr));
+        PyErr_Clear();
+    }
+    setErrorMessage(
+        name + (isAsync ? "() is asynchronous and nothing of it has run: let a plain function call "
+                          "asyncio.run()"
+                        : "() is a generator and nothing of it has run: take its 'yield' away"));
+    setErrorPosition(function);
+    return false;
+}
+
+void PythonInterpreter::setErrorPosition(PyObject* function) {
+    if (!PyFunction_Check(function))
+        return;
+    auto* const code = reinterpret_cast<PyCodeObject*>(PyFunction_GET_CODE(function));
+    setErrorFile(m_files.path(code->co_filename));
+    setErrorLine(code->co_firstlineno);
+}
+
+bool PythonInterpreter::finish(const PyRef& result, bool hasFile) {
     m_output.flush();
     if (result)
         return true;
@@ -285,9 +347,15 @@ bool PythonInterpreter::finish(const PyRef& result) {
         return true;
     }
     setErrorMessage(error.message);
-    if (error.callStack.empty()) {
-        // Code without a file has a line all the same, which tells that it failed.
+    setErrorIsSkip(m_skip && error.exception.get() == m_skip.get());
+    if (error.callStack.empty() || !hasFile) {
+        // Code without a file has a line all the same, which tells that it failed. Where else the
+        // error stands, the message tells.
         setErrorLine(error.outermostLine);
+        if (!error.callStack.empty())
+            setErrorMessage(QStringLiteral("%1\nin %2:%3")
+                                .arg(error.message, error.callStack.front().fileName(),
+                                     QString::number(error.callStack.front().lineNumber())));
         return false;
     }
     setErrorFile(error.callStack.front().fileName());

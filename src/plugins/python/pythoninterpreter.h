@@ -56,6 +56,12 @@ public:
             publishFunctionsOfApplication();
     }
 
+    /// Remembers the exception by which test.skip() ends the script. It is told by what it is: what
+    /// else is raised on its way is an error.
+    void setSkip(const PyRef& exception) {
+        m_skip = exception;
+    }
+
     /// The script's globals.
     PyRef moduleNamespace();
     /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
@@ -76,12 +82,20 @@ public:
     Language language() const override {
         return Python;
     }
+    bool invokeFunction(const QString& name) override;
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
 
 private:
     /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
     /// otherwise the error fields tell what happened.
-    bool finish(const PyRef& result);
+    bool finish(const PyRef& result, bool hasFile = true);
+    /// Whether a call of a script function ran it. A coroutine or generator has only been made: the
+    /// error fields then say what to do.
+    bool hasRun(const QString& name, PyObject* function, PyObject* result);
+    /// The error stands where the function is defined.
+    void setErrorPosition(PyObject* function);
+    /// Takes away what an earlier script has left: its names, its callbacks, its end by sys.exit().
+    void startScript();
     PyRef scriptFunction(const QString& name);
     void publishFunctionsOfApplication();
 
@@ -95,6 +109,7 @@ private:
     std::unique_ptr<PythonContext> m_context;
     std::unique_ptr<PythonDebugger> m_debugger;
     PyRef m_module;
+    PyRef m_skip;
     /// Only compared: it may be gone.
     ObjectModel* m_knownModel = nullptr;
     /// The text that was compiled last, so that checking and evaluating compile it once.
@@ -102,6 +117,8 @@ private:
     QString m_compiledFile;
     PyRef m_compiledCode;
     bool m_exited = false;
+    /// The script's globals from before the first script: what init scripts defined.
+    PyRef m_initialNames;
 };
 
 }  // namespace Tamrix::PythonPlugin

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "base/environment.h"
+#include "base/blocking.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
@@ -14,6 +14,7 @@
 #include "plugins/python/objectcalls.h"
 #include "plugins/python/objecttype.h"
 #include "plugins/python/overlay.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -70,6 +71,18 @@ void runExitFunctions() {
         PyErr_Print();
 }
 
+/// Other threads of the script run while its own one waits. Every other thread of the process, and
+/// the time outside of test cases, has nothing to give up.
+void* leaveLock() {
+    const PythonInterpreter* const interpreter = PythonInterpreter::active();
+    const bool isHeld = interpreter && interpreter->isScriptThread() && PyGILState_Check();
+    return isHeld ? PyEval_SaveThread() : nullptr;
+}
+
+void enterLock(void* state) {
+    PyEval_RestoreThread(static_cast<PyThreadState*>(state));
+}
+
 PyRef import(const char* name) {
     return checked(PyImport_ImportModule(name));
 }
@@ -88,17 +101,6 @@ PyRef environment() {
 
 PyRef copyOfEnvironment() {
     return checked(PyObject_CallMethod(environment().get(), "copy", nullptr));
-}
-
-/// Makes the dictionary equal to the snapshot.
-void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
-    const PyRef keys = checked(PyDict_Keys(dictionary));
-    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(keys.get()); ++index) {
-        PyObject* const key = PyList_GET_ITEM(keys.get(), index);
-        if (PyDict_Contains(snapshot, key) == 0)
-            checked(PyDict_DelItem(dictionary, key));
-    }
-    checked(PyDict_Update(dictionary, snapshot));
 }
 
 /// An attribute that is text; empty when there is none.
@@ -138,6 +140,16 @@ bool isOfLibrary(PyObject* modules, PyObject* name, SourceFiles& files) {
 
 }  // namespace
 
+void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
+    const PyRef keys = checked(PyDict_Keys(dictionary));
+    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(keys.get()); ++index) {
+        PyObject* const key = PyList_GET_ITEM(keys.get(), index);
+        if (PyDict_Contains(snapshot, key) == 0)
+            checked(PyDict_DelItem(dictionary, key));
+    }
+    checked(PyDict_Update(dictionary, snapshot));
+}
+
 PythonRuntime& PythonRuntime::self() {
     // Never destroyed: objects of Python live on after static destruction has begun.
     static auto* const instance = new PythonRuntime;
@@ -157,6 +169,7 @@ PythonRuntime::PythonRuntime() {
         throw std::runtime_error("Python started but could not be set up");
     }
     std::atexit(runExitFunctions);
+    BlockingSection::setLock({leaveLock, enterLock});
 }
 
 bool PythonRuntime::addTamrixModule() {
@@ -177,15 +190,24 @@ void PythonRuntime::takeSnapshot() {
 }
 
 QString PythonRuntime::addToSearchPath(const QString& directory) {
+    return changeSearchPath(m_searchPath + QStringList(directory));
+}
+
+QString PythonRuntime::setSearchPath(const QStringList& directories) {
+    return changeSearchPath(directories + m_searchPath);
+}
+
+QString PythonRuntime::changeSearchPath(QStringList directories) {
+    directories.removeDuplicates();
     PyObject* const path = PySys_GetObject("path");
-    const PyRef entry = toPyString(directory);
     if (!path || !PyList_Check(path))
         return QStringLiteral("sys.path is no list");
-    if (!entry || PyList_Insert(path, m_searchPathCount, entry.get()) < 0) {
+    const PyRef entries = toPyList(directories);
+    if (!entries || PyList_SetSlice(path, 0, m_searchPath.size(), entries.get()) < 0) {
         PyErr_Clear();
         return QStringLiteral("sys.path can't be changed");
     }
-    ++m_searchPathCount;
+    m_searchPath = directories;
     return {};
 }
 
@@ -199,7 +221,7 @@ void PythonRuntime::restore() {
         checked(PySys_SetObject("path", path.get()));
         const PyRef arguments = checked(Py_BuildValue("[s]", ""));
         checked(PySys_SetObject("argv", arguments.get()));
-        m_searchPathCount = 0;
+        m_searchPath.clear();
         // Hooks.
         for (const char* name : {"excepthook", "displayhook", "unraisablehook"})
             checked(

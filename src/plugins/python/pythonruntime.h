@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "plugins/python/pyref.h"
 
@@ -20,6 +21,8 @@ public:
     /// Adds a folder to the module path behind those that were added before, in front of Python's
     /// own. Returns an error text, empty on success.
     QString addToSearchPath(const QString& directory);
+    /// Puts folders in front of those that were added before; each stands once.
+    QString setSearchPath(const QStringList& directories);
 
     /// Undoes what the test case changed: module path, arguments, builtins, streams, hooks, the
     /// recursion limit, the environment's variables, SIGINT, and every module that it imported or
@@ -29,6 +32,7 @@ public:
 private:
     PythonRuntime();
     void takeSnapshot();
+    QString changeSearchPath(QStringList directories);
     void dropImportedModules();
     bool addTamrixModule();
 
@@ -39,7 +43,11 @@ private:
     PyRef m_modules;
     PyRef m_interruptHandler;
     int m_recursionLimit = 0;
-    int m_searchPathCount = 0;
+    /// What was added to the front of sys.path.
+    QStringList m_searchPath;
 };
+
+/// Makes the dictionary equal to the snapshot. Throws PythonErrorSet.
+void restoreDictionary(PyObject* dictionary, PyObject* snapshot);
 
 }  // namespace Tamrix::PythonPlugin

@@ -123,17 +123,13 @@ std::vector<LineInfo> callStackOf(PyObject* exception, SourceFiles& files) {
         lines.push_back({syntaxError, true});
     std::reverse(lines.begin(), lines.end());
 
-    const auto innermostScript =
-        std::find_if(lines.begin(), lines.end(), [](const Line& line) { return line.script; });
     std::vector<LineInfo> stack;
-    if (innermostScript == lines.end()) {
-        if (!lines.empty())
-            stack.push_back(lines.front().position);
-        return stack;
+    for (const Line& line : lines) {
+        if (line.script && stack.size() < maximumStackLines)
+            stack.push_back(line.position);
     }
-    for (auto line = innermostScript; line != lines.end() && stack.size() < maximumStackLines;
-         ++line)
-        stack.push_back(line->position);
+    if (stack.empty() && !lines.empty())
+        stack.push_back(lines.front().position);
     return stack;
 }
 
@@ -165,6 +161,7 @@ ScriptError takeScriptError(SourceFiles* files) {
     const PyRef exception = PyRef::steal(value);
     const PyRef tracebackReference = PyRef::steal(traceback);
     ScriptError error;
+    error.exception = exception;
     if (!exception)
         return error;
     if (traceback)

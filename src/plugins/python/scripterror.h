@@ -10,10 +10,12 @@ namespace Tamrix::PythonPlugin {
 
 /// What a person is told of an exception.
 struct ScriptError {
+    /// The exception itself, null when none was set.
+    PyRef exception;
     /// "NAME: text", with notes and the exceptions that led to it below.
     QString message;
-    /// Script lines, innermost first. Lines of Python's library inside the innermost script line
-    /// are left out; when no line is in a script, the innermost line stands alone.
+    /// Script lines, innermost first. Lines of Python's library are left out; when no line is in a
+    /// script, the innermost line stands alone.
     std::vector<LineInfo> callStack;
     /// The line of the outermost code that was running, also of code without a file; 0 when no
     /// code was.

@@ -49,8 +49,8 @@ PyObject* dataSetItem(PyObject* self, Py_ssize_t index) {
 
 PyObject* dataSetRepr(PyObject* self) {
     const SharedPtr<TestDataSet> set = DataSetHolder::unwrap(self);
-    return toPyString(
-               QString("<data set '%1' with %2 records>").arg(set->dataName()).arg(set->count()))
+    return toPyString(QString("<data set '%1' with %2 records>")
+                          .arg(set->dataName(), QString::number(set->count())))
         .release();
 }
 

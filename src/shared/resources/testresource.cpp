@@ -21,12 +21,26 @@ QString directoryOf(const QString& path) {
     return QDir::cleanPath(info.isDir() ? info.absoluteFilePath() : info.absolutePath());
 }
 
-QString firstExisting(const QStringList& paths) {
-    for (const QString& path : paths) {
-        if (QFile::exists(path))
-            return path;
+/// What stands in front of a file's name in each place where files of a kind are looked for, in
+/// order.
+QStringList searchPlaces(const QString& fileType) {
+    // With the variable unset the first and the third place lie in the root folder.
+    const QString suite = Environment::getVariable(QStringLiteral("TAMRIX_SUITE_DIR"));
+    const QString shared = QStringLiteral("shared/") + fileType + '/';
+    QStringList places = {
+        suite + '/',
+        fileType + '/',
+        suite + '/' + shared,
+        QStringLiteral("../") + shared,
+        QStringLiteral("../../") + shared,
+        shared,
+    };
+    if (fileType == QLatin1String("scripts")) {
+        places += {QString(), scriptModulePath(QString())};
+        for (const QString& directory : globalScriptDirectories() + environmentScriptDirectories())
+            places.append(directory + '/');
     }
-    return {};
+    return places;
 }
 
 }  // namespace
@@ -122,26 +136,23 @@ QFileInfoList TestResource::locateCollection(Type type, const QString& name,
 }
 
 QString findTestSuiteFile(const QString& name, const QString& fileType) {
-    // With the variable unset the first two places lie in the root folder.
-    const QString suite = Environment::getVariable(QStringLiteral("TAMRIX_SUITE_DIR"));
-    const QString shared = QStringLiteral("shared/") + fileType + '/' + name;
-    const QString found = firstExisting({
-        suite + '/' + name,
-        fileType + '/' + name,
-        suite + '/' + shared,
-        QStringLiteral("../") + shared,
-        QStringLiteral("../../") + shared,
-        shared,
-    });
-    if (!found.isEmpty() || fileType != QLatin1String("scripts"))
-        return found;
+    for (const QString& place : searchPlaces(fileType)) {
+        if (QFile::exists(place + name))
+            return place + name;
+    }
+    return {};
+}
 
-    // The order of the interpreter's search path, so that a name that is found here is the one that
-    // the language's import finds.
-    QStringList paths = {name, scriptModulePath(name)};
-    for (const QString& directory : globalScriptDirectories() + environmentScriptDirectories())
-        paths.append(directory + '/' + name);
-    return firstExisting(paths);
+QStringList scriptSearchFolders() {
+    QStringList folders;
+    for (const QString& place : searchPlaces(QStringLiteral("scripts"))) {
+        // Without a suite the first place is the root folder, which holds no modules.
+        const QFileInfo folder(QDir::cleanPath(QDir::current().absoluteFilePath(place)));
+        if (folder.isDir() && !folder.isRoot())
+            folders.append(folder.filePath());
+    }
+    folders.removeDuplicates();
+    return folders;
 }
 
 QString scriptModulePath(const QString& name) {

@@ -41,6 +41,10 @@ public:
 /// The path of a suite's file, or an empty string. `fileType` is "scripts" or "testdata".
 TAMRIX_EXPORT QString findTestSuiteFile(const QString& name, const QString& fileType);
 
+/// The folders in which findTestSuiteFile() looks for scripts, absolute and in its order, as far as
+/// they are there: a language's import looks in them, too, so that both find the same file.
+TAMRIX_EXPORT QStringList scriptSearchFolders();
+
 /// The path of a script module of the installation.
 TAMRIX_EXPORT QString scriptModulePath(const QString& name);
 

@@ -38,6 +38,8 @@ void require(int error, const char* name) {
 /// Room is made as data comes, so that a size that is only claimed costs nothing.
 QByteArray readCurrentFile(void* archive, int size, const char* name) {
     constexpr int firstStep = 64 << 10;
+    // What was really read counts, not what the archive says.
+    const auto packedBegin = static_cast<qint64>(unzGetCurrentFileZStreamPos64(archive));
     QByteArray bytes;
     while (bytes.size() < size) {
         const int done = bytes.size();
@@ -47,6 +49,11 @@ QByteArray readCurrentFile(void* archive, int size, const char* name) {
         if (count <= 0)
             fail(count < 0 ? count : UNZ_INTERNALERROR, name);
         bytes.resize(done + count);
+        const auto packedEnd = static_cast<qint64>(unzGetCurrentFileZStreamPos64(archive));
+        if (bytes.size() > freeEntrySize &&
+            bytes.size() > (packedEnd - packedBegin) * maxPackedRatio)
+            throw std::runtime_error(std::string(name) + " unpacks to more than " +
+                                     std::to_string(maxPackedRatio) + " times its size");
     }
     return bytes;
 }

@@ -24,11 +24,38 @@ std::string_view viewOf(const QByteArray& bytes) {
                              ": " + problem);
 }
 
+std::string limitText(const char* what, std::ptrdiff_t limit, const char* unit) {
+    return std::string(what) + ' ' + std::to_string(limit) + ' ' + unit;
+}
+
+/// A name without the prefix, which has its colon or is empty.
+std::string_view withoutPrefix(std::string_view name, std::string_view prefix) {
+    return name.starts_with(prefix) ? name.substr(prefix.size()) : name;
+}
+
+/// Takes the prefix from all names of the tree, without recursion.
+void removePrefix(TiXmlElement* root, const std::string& prefix) {
+    if (prefix.empty())
+        return;
+    TiXmlNode* node = root;
+    while (node) {
+        if (node->ToElement())
+            node->SetValue(std::string(withoutPrefix(node->ValueStr(), prefix)));
+        if (node->FirstChild()) {
+            node = node->FirstChild();
+            continue;
+        }
+        while (node != root && !node->NextSibling())
+            node = node->Parent();
+        node = node == root ? nullptr : node->NextSibling();
+    }
+}
+
 /// Walks over a document without making anything of it, and finds the elements at a path.
 class Walker {
 public:
-    /// Gets the text of an element and its place in the document.
-    using Handler = std::function<void(std::string_view, std::size_t)>;
+    /// Gets the text of an element, its place in the document and the root element's prefix.
+    using Handler = std::function<void(std::string_view, std::size_t, std::string_view)>;
 
     Walker(std::string_view text, const Path& path, const Handler& handler)
         : m_text(text), m_path(path), m_handler(handler) {}
@@ -147,8 +174,10 @@ private:
         if (m_names.size() == static_cast<std::size_t>(maxXmlDepth))
             fail("elements are nested too deep");
         // The names that match are the first ones always.
+        if (m_names.empty())
+            m_prefix = name.substr(0, name.find(':') + 1);
         if (m_matching == m_names.size() && m_matching < m_path.size() &&
-            m_path[m_matching] == name) {
+            m_path[m_matching] == withoutPrefix(name, m_prefix)) {
             if (++m_matching == m_path.size())
                 m_begin = begin;
         }
@@ -161,7 +190,7 @@ private:
         m_names.pop_back();
         m_matching = std::min(m_matching, m_names.size());
         if (isMatch)
-            m_handler(m_text.substr(m_begin, m_position - m_begin), m_begin);
+            m_handler(m_text.substr(m_begin, m_position - m_begin), m_begin, m_prefix);
     }
 
     std::string_view m_text;
@@ -170,6 +199,8 @@ private:
     std::size_t m_position = 0;
     /// The elements that are open, and how many of them match the path.
     std::vector<std::string_view> m_names;
+    /// Of the root element, with its colon; empty for none.
+    std::string_view m_prefix;
     std::size_t m_matching = 0;
     /// Where the element at the path begins.
     std::size_t m_begin = 0;
@@ -178,13 +209,18 @@ private:
 }  // namespace
 
 ExcelXmlPart::ExcelXmlPart(QByteArray document) : m_document(std::move(document)) {
+    // What TinyXML does with files of its own only.
+    if (m_document.contains('\r'))
+        m_document.replace("\r\n", "\n").replace('\r', '\n');
     const Walker::Handler none;
     Walker(viewOf(m_document), {}, none).walk();
 }
 
 bool ExcelXmlPart::has(const Path& path) const {
     bool isFound = false;
-    const Walker::Handler note = [&isFound](std::string_view, std::size_t) { isFound = true; };
+    const Walker::Handler note = [&isFound](std::string_view, std::size_t, std::string_view) {
+        isFound = true;
+    };
     Walker(viewOf(m_document), path, note).walk();
     return isFound;
 }
@@ -192,9 +228,13 @@ bool ExcelXmlPart::has(const Path& path) const {
 void ExcelXmlPart::forEach(const Path& path,
                            const std::function<void(const TiXmlElement&)>& handle) const {
     const std::string_view text = viewOf(m_document);
-    const Walker::Handler parse = [text, &handle](std::string_view element, std::size_t begin) {
+    const Walker::Handler parse = [text, &handle](std::string_view element, std::size_t begin,
+                                                  std::string_view prefix) {
         if (element.size() > maxElementSize)
-            failAt(text, begin, "an element is too large");
+            failAt(text, begin,
+                   limitText("an element is larger than", maxElementSize >> 20, "MiB"));
+        if (std::count(element.begin(), element.end(), '<') > maxElementTags)
+            failAt(text, begin, limitText("an element holds more than", maxElementTags, "tags"));
         const QByteArray copy(element.data(), static_cast<int>(element.size()));
         const XmlDepth depth = xmlDepth(copy);
         if (!depth.problem.isEmpty())
@@ -203,6 +243,7 @@ void ExcelXmlPart::forEach(const Path& path,
         tree.Parse(withBlankTexts(copy, depth).constData(), nullptr, TIXML_ENCODING_UTF8);
         if (tree.Error() || !tree.RootElement())
             failAt(text, begin, tree.ErrorDesc());
+        removePrefix(tree.RootElement(), std::string(prefix));
         handle(*tree.RootElement());
     };
     Walker(text, path, parse).walk();

@@ -17,6 +17,7 @@
 #include "base/keptwhitespace.h"
 #include "base/textescape.h"
 #include "shared/testdata/excelarchive.h"
+#include "shared/testdata/excelsheetchoice.h"
 #include "shared/testdata/excelxmlpart.h"
 
 namespace Tamrix {
@@ -48,9 +49,14 @@ void tell(const char* what, const QString& detail) {
                  escapedForTerminal(detail).toLocal8Bit().constData());
 }
 
+/// All empty texts are one and the same.
 QString textOf(const TiXmlElement* element) {
     const char* const text = element ? element->GetText() : nullptr;
-    return QString::fromUtf8(text ? text : "");
+    return text && *text ? QString::fromUtf8(text) : QString(QLatin1String(""));
+}
+
+std::string tooMany(const char* what) {
+    return "there are more than " + std::to_string(ExcelXmlTestDataSet::maxValues) + ' ' + what;
 }
 
 /// The column, from 1, that the capital letters at the start of a cell's name give; 0 when there
@@ -73,36 +79,63 @@ public:
     void read() {
         // 1. Open the archive.
         Archive archive(m_path);
-        if (!archive.isOpen()) {
-            tell(".xlsx file is corrupt: ", m_path + " can't be opened as an archive");
-            return;
-        }
+        if (!archive.isOpen())
+            return fail(".xlsx file is corrupt: ", m_path + " can't be opened as an archive");
         // 2. The shared strings.
         try {
             readSharedStrings(archive);
         } catch (const std::runtime_error& error) {
             if (std::strcmp(error.what(), notInArchive) != 0)
-                tell("testData Shared Strings: ", QString::fromUtf8(error.what()));
+                fail("testData Shared Strings: ", QString::fromUtf8(error.what()));
         }
         // 3. The workbook.
-        QString id;
+        ExcelSheetChoice choice;
         try {
-            id = readSheetId(archive);
+            choice = chooseExcelSheet(archive.part("xl/workbook.xml"), m_sheet);
         } catch (const std::runtime_error& error) {
-            tell(".xlsx file is corrupt: ", QString::fromUtf8(error.what()).trimmed());
-            return;
+            return fail(".xlsx file is corrupt: ", QString::fromUtf8(error.what()).trimmed());
         }
-        if (id.isEmpty())
-            return;
+        if (choice.part.isEmpty())
+            return fail("sheet not found: ", m_sheet);
+        checkRelationship(archive, choice);
         // 4. The sheet.
         try {
-            readSheet(archive.part("xl/worksheets/sheet" + id.toStdString() + ".xml"));
+            readSheet(archive.part(choice.part.toStdString()));
         } catch (const std::runtime_error& error) {
-            tell("testData Sheet: ", QString::fromUtf8(error.what()).trimmed());
+            QString problem = QString::fromUtf8(error.what()).trimmed();
+            if (std::strcmp(error.what(), notInArchive) == 0)
+                problem +=
+                    QStringLiteral(" (%1, the part of sheet '%2')").arg(choice.part, choice.name);
+            fail("testData Sheet: ", problem);
         }
     }
 
 private:
+    /// Tells it, and that the table is not all that the file has.
+    void fail(const char* what, const QString& detail) {
+        m_set->setIncomplete();
+        tell(what, detail);
+    }
+
+    /// The part is chosen by the sheet's number whatever the relationships say, which is meant; but
+    /// nobody shall wonder about another sheet's table.
+    void checkRelationship(Archive& archive, const ExcelSheetChoice& choice) const {
+        if (choice.relationship.isEmpty())
+            return;
+        QString related;
+        try {
+            related =
+                relatedExcelPart(archive.part("xl/_rels/workbook.xml.rels"), choice.relationship);
+        } catch (const std::runtime_error&) {
+            // Nothing is read by them, so it doesn't matter that they are missing or damaged.
+        }
+        if (!related.isEmpty() && related != choice.part)
+            tell("testData Sheet: ",
+                 QStringLiteral("sheet '%1' is read from %2, but the workbook's relationships "
+                                "name %3 for it")
+                     .arg(choice.name, choice.part, related));
+    }
+
     void readSharedStrings(Archive& archive) {
         archive.part("xl/sharedStrings.xml")
             .forEach({"sst", "si"}, [this](const TiXmlElement& item) {
@@ -116,36 +149,10 @@ private:
                 for (const TiXmlElement* run = item.FirstChildElement("r"); run;
                      run = run->NextSiblingElement("r"))
                     addTexts(*run);
+                if (m_strings.size() == std::size_t(ExcelXmlTestDataSet::maxValues))
+                    throw std::runtime_error(tooMany("shared strings"));
                 m_strings.push_back(text);
             });
-    }
-
-    /// The id of the sheet, empty when there is none, which was told then.
-    QString readSheetId(Archive& archive) const {
-        const ExcelXmlPart workbook = archive.part("xl/workbook.xml");
-        const std::vector<std::pair<ExcelXmlPart::Path, const char*>> needed = {
-            {{"workbook"}, "No <workbook>"},
-            {{"workbook", "sheets"}, "No <sheets>"},
-            {{"workbook", "sheets", "sheet"}, "No <sheet>"},
-        };
-        for (const auto& [path, problem] : needed) {
-            if (!workbook.has(path))
-                throw std::runtime_error(problem);
-        }
-        bool isFound = false;
-        QString id;
-        workbook.forEach({"workbook", "sheets", "sheet"}, [&](const TiXmlElement& sheet) {
-            const QString name = QString::fromUtf8(sheet.Attribute("name"));
-            if (isFound || (!m_sheet.isEmpty() && name != m_sheet))
-                return;
-            isFound = true;
-            id = QString::fromUtf8(sheet.Attribute("sheetId"));
-        });
-        if (!isFound)
-            tell("sheet not found: ", m_sheet);
-        else if (id.isEmpty())
-            throw std::runtime_error("a <sheet> has no sheetId");
-        return id;
     }
 
     void readSheet(const ExcelXmlPart& sheet) {
@@ -167,8 +174,9 @@ private:
         const char* const name = row.Attribute("r");
         bool isNumber = false;
         const unsigned number = QByteArray(name).toUInt(&isNumber);
-        if (isNumber && number > ExcelXmlTestDataSet::maxRows)
-            throw std::runtime_error("row " + std::string(name) + " lies beyond the last row");
+        const unsigned last = isNumber ? number : m_nextRow;
+        if (last > ExcelXmlTestDataSet::maxRows)
+            throw std::runtime_error("row " + std::to_string(last) + " lies beyond the last row");
         while (isNumber && m_nextRow < number)
             addRow(m_emptyRow);
 
@@ -186,7 +194,7 @@ private:
         fillEmptyCells(values, m_width);
         m_valueCount += values.size();
         if (m_valueCount > ExcelXmlTestDataSet::maxValues)
-            throw std::runtime_error("the table is too large");
+            throw std::runtime_error(tooMany("values"));
         // 8. The first row is the header.
         addRow(values);
     }
@@ -196,10 +204,11 @@ private:
     QString valueOf(const TiXmlElement& cell) {
         const char* const type = cell.Attribute("t");
         if (type && *type == 's') {
-            unsigned index = 0;
+            // Wide enough for any number: what is too large becomes the largest one.
+            unsigned long long index = 0;
             const QByteArray text = textOf(cell.FirstChildElement()).toUtf8();
-            if (std::sscanf(text.constData(), "%u ", &index) == 1)
-                return sharedString(index);
+            if (std::sscanf(text.constData(), "%llu ", &index) == 1)
+                return sharedString(index, text);
         }
         const TiXmlElement* const value = cell.FirstChildElement("v");
         // A text inside of its cell counts as no value, which is meant; but nobody shall wonder.
@@ -210,11 +219,11 @@ private:
         return textOf(value);
     }
 
-    QString sharedString(unsigned index) {
+    QString sharedString(unsigned long long index, const QByteArray& text) {
         if (index < m_strings.size())
             return m_strings[index];
         if (!std::exchange(m_hasToldOfStrings, true))
-            tell("testData Sheet: ", QString(QLatin1String("no shared string %1")).arg(index));
+            fail("testData Sheet: ", QLatin1String("no shared string ") + QString::fromUtf8(text));
         return QString(QLatin1String(""));
     }
 
@@ -255,6 +264,7 @@ ExcelXmlTestDataSet::ExcelXmlTestDataSet(const QString& path, const QString& she
     try {
         Reader(this, path, sheet).read();
     } catch (const std::bad_alloc&) {
+        setIncomplete();
         tell("testData Sheet: ", QLatin1String("not enough memory"));
     }
 }

@@ -15,7 +15,7 @@ public:
     static constexpr qint64 maxValues = qint64(1) << 25;
 
     /// Reads the sheet of that name, the first one if it is empty. What goes wrong is told on
-    /// stderr and leaves the table as far as it was read. Throws nothing.
+    /// stderr and leaves the table as far as it was read, incomplete. Throws nothing.
     ExcelXmlTestDataSet(const QString& path, const QString& sheet);
 };
 

@@ -71,6 +71,9 @@ public:
     QString dataName() const { return m_dataName; }
     bool isReadOnly() const { return m_readOnly; }
     char getSep() const { return m_separator; }
+    /// Whether the whole file could be read. What is wrong else was told when it was found.
+    bool isComplete() const { return m_isComplete; }
+    void setIncomplete() { m_isComplete = false; }
     /// The number of records; the header doesn't count.
     int count() const { return static_cast<int>(m_records.size()); }
     /// The record, null when out of range.
@@ -126,6 +129,7 @@ private:
     QMap<QString, int> m_columns;
     char m_separator;
     bool m_readOnly;
+    bool m_isComplete = true;
 };
 
 }  // namespace Tamrix

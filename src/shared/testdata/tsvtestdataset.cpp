@@ -62,6 +62,8 @@ void TsvTestDataSet::parse(TsvParser* parser, char separator) {
         for (QString line; !(line = parser->nextLine()).isEmpty();)
             parser->parseRecord(this, line, separator);
     }
+    if (!parser->isOpen())
+        setIncomplete();
     if (!header()) {
         auto* const first = new TestDataRecord(this, -1);
         first->addValue(QStringLiteral("1"));

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QTextStream>
 #include <algorithm>
+#include <cstring>
 
 #include "shared/tsvparser/plainutf8.h"
 
@@ -26,6 +27,7 @@ std::shared_ptr<const DelimitedText> DelimitedText::read(QFile* file, QString* e
     // A device or a pipe doesn't tell its size before.
     constexpr qint64 pieceSize = 1 << 20;
     QByteArray bytes;
+    int lineBegin = 0;
     if (file->size() <= mostBytes)
         bytes.reserve(static_cast<int>(file->size()));
     while (bytes.size() <= mostBytes && file->size() <= mostBytes) {
@@ -35,6 +37,15 @@ std::shared_ptr<const DelimitedText> DelimitedText::read(QFile* file, QString* e
         bytes.resize(size + static_cast<int>(std::max<qint64>(count, 0)));
         if (count <= 0)
             break;
+        // In whatever encoding: a newline has this byte.
+        const void* const newline =
+            ::memrchr(bytes.constData() + size, '\n', static_cast<std::size_t>(count));
+        if (newline)
+            lineBegin = static_cast<int>(static_cast<const char*>(newline) - bytes.constData());
+        if (bytes.size() - lineBegin > mostLineBytes) {
+            *error = tooLongLine();
+            return {};
+        }
     }
     if (file->error() != QFile::NoError) {
         *error = file->errorString();
@@ -45,6 +56,10 @@ std::shared_ptr<const DelimitedText> DelimitedText::read(QFile* file, QString* e
         return {};
     }
     return std::make_shared<const DelimitedText>(bytes);
+}
+
+QString DelimitedText::tooLongLine() {
+    return QStringLiteral("it has a line of more than %1 MiB").arg(mostLineBytes >> 20);
 }
 
 QString DelimitedText::text(const TextLine& line) const {

@@ -17,6 +17,9 @@ class TAMRIX_EXPORT DelimitedText {
 public:
     /// What is larger can't be read.
     static constexpr qint64 mostBytes = (qint64{1} << 30) - 64;
+    /// Nor what has a line of more than this many bytes: such a file is no text, and each line may
+    /// have to be held in memory several times.
+    static constexpr qint64 mostLineBytes = qint64{64} << 20;
 
     /// Decodes as QTextStream does with the codec "UTF-8": a byte-order mark tells of other
     /// encodings, mistakes become replacement characters.
@@ -33,6 +36,9 @@ public:
         return use(m_bytes.constData() + m_begin,
                    static_cast<std::size_t>(m_bytes.size() - m_begin));
     }
+
+    /// Why a text with a longer line than mostLineBytes can't be read.
+    static QString tooLongLine();
 
     /// The text of a line.
     QString text(const TextLine& line) const;

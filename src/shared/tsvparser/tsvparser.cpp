@@ -19,10 +19,15 @@ void TsvParser::open(const QString& path) {
     }
     QString error;
     m_text = DelimitedText::read(&file, &error);
-    if (m_text)
-        m_name = path;
-    else
-        qWarning("Couldn't read %s: %s", path.toLocal8Bit().constData(), qPrintable(error));
+    m_name = path;
+    if (!m_text)
+        giveUp(error);
+}
+
+void TsvParser::giveUp(const QString& error) {
+    qWarning("Couldn't read %s: %s", m_name.toLocal8Bit().constData(), qPrintable(error));
+    m_text.reset();
+    m_name.clear();
 }
 
 bool TsvParser::isScannable(char separator) {
@@ -53,9 +58,15 @@ bool TsvParser::scanLine(char separator, TextLine* line, const Unit* text, std::
 }
 
 bool TsvParser::nextLine(char separator, TextLine* line) {
-    return m_text && m_text->visit([&](const auto* text, std::size_t size) {
+    const bool isThere = m_text && m_text->visit([&](const auto* text, std::size_t size) {
         return scanLine(separator, line, text, size);
     });
+    // Quotes may hold newlines, so that a line may be longer than it was in the file.
+    if (isThere && line->length > DelimitedText::mostLineBytes) {
+        giveUp(DelimitedText::tooLongLine());
+        return false;
+    }
+    return isThere;
 }
 
 QString TsvParser::nextLine() {

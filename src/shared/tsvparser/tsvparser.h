@@ -27,7 +27,8 @@ public:
     /// The path of the file; empty when it couldn't be read.
     QString name() const { return m_name; }
 
-    /// The next logical line; empty at the end.
+    /// The next logical line; empty at the end. A line of more than DelimitedText::mostLineBytes
+    /// is told by a warning, and everything acts on an empty file from then on.
     QString nextLine();
     /// The same line where it lies in text(), with its separators counted; false at the end. The
     /// separator is one for which isScannable() holds.
@@ -53,6 +54,7 @@ public:
     void rewind();
 
 private:
+    void giveUp(const QString& error);
     template <typename Unit>
     bool scanLine(char separator, TextLine* line, const Unit* text, std::size_t size);
     std::size_t position() const;

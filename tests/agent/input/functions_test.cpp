@@ -112,6 +112,26 @@ TEST_P(InputTest, AModalDialogBlocksTheRestAndIsAnswered) {
     EXPECT_EQ(program().takeLog(), "no");
 }
 
+TEST_P(InputTest, EveryFunctionTellsThatTheObjectIsGone) {
+    EXPECT_EQ(program().call("click", "Modal"), "");
+    const Wire::ObjectInfo button = program().client().find({"type=QPushButton", "text=Yes"});
+    EXPECT_EQ(program().call("click", button), "");
+    const struct {
+        const char* function;
+        QVariantList arguments;
+    } rows[] = {
+        {"click", {}}, {"click", {1, 2}}, {"doubleClick", {}}, {"drag", {1, 2, 3, 4}},
+        {"hover", {}}, {"fill", {"x"}},   {"typeText", {"x"}}, {"press", {"Return"}},
+        {"check", {}}, {"uncheck", {}},   {"closeWindow", {}}, {"selectItem", {"x"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(program().call(row.function, button, row.arguments),
+                  "the QPushButton does not exist any more")
+            << row.function;
+        EXPECT_EQ(program().client().lastCode(), Wire::FailureCode::StaleObject);
+    }
+}
+
 TEST_P(InputTest, AClickMayEndTheProgram) {
     EXPECT_EQ(program().call("click", "Exit"), "");
     EXPECT_EQ(program().client().waitForEnd(), 7 << 8);
@@ -182,7 +202,7 @@ TEST_P(InputTest, KeysComeAsFromAKeyboard) {
 TEST_P(InputTest, ItemsAreSelected) {
     struct {
         const char* object;
-        const char* text;
+        QVariant text;
         const char* error;
         const char* log;
     } const cases[] = {
@@ -191,10 +211,21 @@ TEST_P(InputTest, ItemsAreSelected) {
         {"combo", "Nowhere", "QComboBox 'Choice 2' has no item 'Nowhere'", ""},
         {"menubar", "File.Open\\.\\.\\.", "", "open"},
         {"menubar", "File.Recent.a\\.txt", "", "a.txt"},
+        {"menubar", "File.Save As...", "", "save as"},
+        {"menubar", "&File.Save &As", "", "save as"},
+        {"menubar", "File.Save", "", "save"},
+        {"menubar", "File.Open", "", "open"},
+        {"menubar", "File.v1.0", "", "v1.0"},
+        {"menubar", QVariantList({"File", "v1.0"}), "", "v1.0"},
+        {"menubar", QVariantList({"File", "Recent", "a.txt"}), "", "a.txt"},
+        {"menubar", QVariantList({"File.v1.0"}),
+         "QMenuBar has no item 'File.v1.0'; it has: File, Other", ""},
         {"menubar", "File.Locked", "the menu item 'Locked' is not ready: it is disabled", ""},
         {"menubar", "Other.Some", "QMenu 'Other' has no item 'Some'; it has: Nothing", ""},
         {"list", "Row 77", "", ""},
-        {"tree", "Fruit.Kind.Apple", "", ""},
+        {"tree", "v1.0.Kind.Pear", "", ""},
+        {"tree", QVariantList({"Fruit", "Kind", "Apple"}), "", ""},
+        {"list", "Row 177", "QListWidget 'list' has no item 'Row 177'", ""},
         {"table", "Cell 20-1", "", ""},
         {"tabs", "Three", "", ""},
         {"editable", "second", "", ""},
@@ -205,8 +236,9 @@ TEST_P(InputTest, ItemsAreSelected) {
         const Wire::ObjectInfo target =
             qstrcmp(row.object, "menubar") == 0 ? bar : program().object(row.object);
         const int timeout = *row.error == '\0' ? 5000 : 300;
-        EXPECT_EQ(program().call("selectItem", target, {row.text}, timeout), row.error) << row.text;
-        EXPECT_EQ(program().takeLog(), row.log) << row.text;
+        EXPECT_EQ(program().call("selectItem", target, {row.text}, timeout), row.error)
+            << row.text.toString().toStdString();
+        EXPECT_EQ(program().takeLog(), row.log) << row.text.toString().toStdString();
         if (*row.error != '\0')
             for (int i = 0; i < 2; ++i)
                 program().call("press", "main", {"Escape"});
@@ -219,6 +251,34 @@ TEST_P(InputTest, ItemsAreSelected) {
         EXPECT_TRUE(program().client().read(program().item(view, text), "selected").toBool())
             << text;
     }
+}
+
+TEST_P(InputTest, OpenListsAreNotClickedAway) {
+    EXPECT_EQ(program().call("fill", "completing", {"alp"}), "");
+    EXPECT_EQ(program().call("click", "Plain"), "");
+    EXPECT_EQ(program().takeLog(), "clicked");
+    EXPECT_EQ(program().call("typeText", "completing", {"h"}), "");
+    EXPECT_EQ(program().read("completing", "text").toString(), "alph");
+    EXPECT_EQ(program().call("click", "Toggle", {}, 300),
+              "QPushButton 'Toggle' is not ready: it is blocked by the list of QLineEdit 'alph'");
+    EXPECT_EQ(program().call("fill", "line", {"x"}, 300),
+              "QLineEdit 'old' is not ready: it is blocked by the list of QLineEdit 'alph'");
+    for (const char* const key : {"Down", "Return"})
+        EXPECT_EQ(program().call("press", "completing", {key}), "");
+    EXPECT_EQ(program().read("completing", "text").toString(), "alpha");
+    EXPECT_EQ(program().call("click", "combo"), "");
+    EXPECT_EQ(program().call("click", "Toggle", {}, 300),
+              "QPushButton 'Toggle' is not ready: it is blocked by the list of QComboBox 'Choice "
+              "0'");
+    EXPECT_EQ(program().call("selectItem", "combo", {"Choice 1"}), "");
+    const Wire::ObjectInfo file = program().client().find({"type=QAction", "text=File"});
+    EXPECT_EQ(program().call("click", file), "");
+    EXPECT_EQ(program().call("click", "Toggle", {}, 300),
+              "QPushButton 'Toggle' is not ready: it is blocked by the open QMenu 'File'");
+    EXPECT_EQ(program().call("press", "main", {"Escape"}), "");
+    program().takeLog();
+    EXPECT_EQ(program().call("click", "Toggle"), "");
+    EXPECT_EQ(program().takeLog(), "toggled");
 }
 
 TEST_P(InputTest, ChecksAreSet) {

@@ -4,9 +4,13 @@
 
 namespace Tamrix {
 
-InputProgram::InputProgram(const QString& program, const QString& platform, const QString& display)
-    : m_client(program, {}, WayIn::Plugin,
-               {{"QT_QPA_PLATFORM", platform}, {"DISPLAY", display}, {"LC_ALL", "C.UTF-8"}}) {
+InputProgram::InputProgram(const QString& program, const QString& platform, const QString& display,
+                           const QStringList& arguments)
+    : m_client(program, arguments, WayIn::Plugin,
+               {{"QT_QPA_PLATFORM", platform},
+                {"DISPLAY", display},
+                {"LC_ALL", "C.UTF-8"},
+                {"QT_QUICK_BACKEND", "software"}}) {
     m_client.accept();
     sync();
 }

@@ -10,7 +10,8 @@ namespace Tamrix {
 class InputProgram {
 public:
     /// `platform` "xcb" needs a display, ":99".
-    InputProgram(const QString& program, const QString& platform, const QString& display);
+    InputProgram(const QString& program, const QString& platform, const QString& display,
+                 const QStringList& arguments = {});
 
     AgentClient& client() { return m_client; }
 

@@ -14,8 +14,8 @@ protected:
         const QString platform = GetParam();
         if (platform == "xcb")
             m_display = std::make_unique<TestDisplay>();
-        m_program = std::make_unique<InputProgram>(target(), platform,
-                                                   m_display ? m_display->name() : QString());
+        m_program = std::make_unique<InputProgram>(
+            target(), platform, m_display ? m_display->name() : QString(), arguments());
         ASSERT_NE(program().object("main").handle, 0U)
             << program().client().lastError().toStdString();
     }
@@ -24,7 +24,8 @@ protected:
         m_display.reset();
     }
 
-    virtual const char* target() const { return "input_target"; }
+    virtual QString target() const { return "input_target"; }
+    virtual QStringList arguments() const { return {}; }
     InputProgram& program() { return *m_program; }
 
 private:

@@ -8,7 +8,7 @@ namespace {
 
 class QuickInputTest : public InputTest {
 protected:
-    const char* target() const override { return "inputquick_target"; }
+    QString target() const override { return "inputquick_target"; }
 };
 
 INSTANTIATE_TEST_SUITE_P(Platforms, QuickInputTest, testing::Values("offscreen", "xcb"),

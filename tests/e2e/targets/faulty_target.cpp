@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QProcess>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <csignal>
 #include <cstdio>
@@ -111,7 +112,11 @@ int main(int argc, char** argv) {
     add("Fork", [] { leaveChildBehind(); });
     add("Child", [argv] { QProcess::startDetached(argv[0], {"child"}); });
     add("Disabled", [] {})->setEnabled(false);
-    layout->addWidget(new QLabel("label of " + what));
+    auto* const label = new QLabel("label of " + what);
+    layout->addWidget(label);
+    const auto later = [label](auto act) { QTimer::singleShot(400, label, act); };
+    add("Rename later", [=] { later([label] { label->setText("renamed"); }); });
+    add("Remove later", [=] { later([label] { delete label; }); });
     window->show();
     return QApplication::exec();
 }

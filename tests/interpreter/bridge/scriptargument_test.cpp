@@ -33,6 +33,32 @@ TEST(ScriptArgument, NamesObjects) {
     EXPECT_FALSE(isStringOrObjectName(nullptr));
 }
 
+/// A map, or a list, that holds `value` in so many levels.
+SharedPtr<ScriptArgument> nested(int levels, bool asMap, SharedPtr<ScriptArgument> value) {
+    for (int level = 0; level < levels; ++level)
+        value = asMap ? map({{"container", value}}) : list({value});
+    return value;
+}
+
+TEST(ScriptArgument, DepthHasALimit) {
+    EXPECT_EQ(nested(16, true, text("x"))->toRealName(),
+              QString("{container=").repeated(16) + "'x'" + QString("}").repeated(16));
+    EXPECT_THROW(nested(17, true, text("x"))->toRealName(), NestingError);
+    EXPECT_THROW(serializeObjectName(nested(17, true, text("x"))), NestingError);
+    for (const bool asMap : {false, true}) {
+        EXPECT_TRUE(nested(16, asMap, text("x"))->toVariant());
+        EXPECT_THROW(nested(17, asMap, text("x"))->toVariant(), NestingError);
+    }
+    // A refused value leaves nothing behind.
+    EXPECT_TRUE(nested(16, true, text("x"))->toVariant());
+
+    // Few objects, but without end when each place is visited.
+    SharedPtr<ScriptArgument> wide = text("x");
+    for (int level = 0; level < 16; ++level)
+        wide = map({{"a", wide}, {"b", wide}, {"c", wide}});
+    EXPECT_THROW(wide->toRealName(), NestingError);
+}
+
 TEST(ScriptArgument, BecomesPropertyValue) {
     struct {
         SharedPtr<ScriptArgument> value;

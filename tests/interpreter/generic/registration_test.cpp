@@ -48,7 +48,8 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
               "test.warning test.skip test.verify test.xverify test.compare test.xcompare "
               "test.compareTextFiles test.compareXMLFiles test.compareJSONFiles "
               "test.exception test.resultCount test.stackTrace test.fixateResultContext "
-              "test.restoreResultContext test.startSection test.endSection test.attachFile");
+              "test.restoreResultContext test.startSection test.endSection test.attachFile "
+              "test.expect");
     EXPECT_EQ(namesOf("^tamrixinfo\\."),
               "tamrixinfo.testCase tamrixinfo.testCaseName tamrixinfo.testSuiteName "
               "tamrixinfo.version_str tamrixinfo.version tamrixinfo.major tamrixinfo.minor "

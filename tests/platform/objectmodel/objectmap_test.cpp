@@ -67,6 +67,8 @@ TEST_F(ObjectMapTest, FaultsNameFileAndLine) {
         {":A\t{a='1'}\n:B {a='1'}\n", "line 2: there is no tab between symbolic and real name"},
         {"A\t{a='1'}\n", "line 1: the symbolic name 'A' does not start with ':'"},
         {":A\t{a='1'}\n\n:A\t{a='2'}\n", "line 3: the symbolic name ':A' stands in line 1 already"},
+        {":%2\t{a='1'}\n:%2\t{a='2'}\n",
+         "line 2: the symbolic name ':%2' stands in line 1 already"},
         {":A\t{a=1}\n",
          "line 1: the real name of ':A' is malformed: expected \"'\" or '{' for the value of 'a' "
          "at character 4"},

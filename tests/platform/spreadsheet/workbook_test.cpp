@@ -129,6 +129,9 @@ TEST_F(WorkbookTest, ReadsEveryKindOfCell) {
         {cell(0x205, 0, 0, "\1\0"s), "boolean true"},
         {cell(0x205, 0, 0, "\x2a\1"s), "error 42"},
         {cell(0x006, 0, 0, f64(0.25) + u32(0)), "float 0.25"},
+        {cell(0x206, 0, 0, f64(2.5) + u32(0)), "float 2.5"},
+        {cell(0x406, 0, 0, f64(3.5) + u32(0)), "float 3.5"},
+        {cell(0x406, 0, 0, result(0, 0)) + record(0x207, label), "text ab"},
         {cell(0x006, 0, 0, result(1, 1)), "boolean true"},
         {cell(0x006, 0, 0, result(2, 7)), "error 7"},
         {cell(0x006, 0, 0, result(3, 0)), "text "},
@@ -174,6 +177,14 @@ TEST_F(WorkbookTest, ReadsEveryLayoutOfACompoundFile) {
     }
 }
 
+TEST_F(WorkbookTest, ReadsTheStreamOfOtherWriters) {
+    const std::string stream = workbookStream(cell(0x203, 2, 1, f64(5)));
+    for (const char* name : {"Book", "BOOK", "WORKBOOK"}) {
+        ASSERT_EQ(load(compoundFile(stream, Layout::Plain, name)), loaded) << name;
+        EXPECT_EQ(at(1, 2), "integer 5");
+    }
+}
+
 TEST_F(WorkbookTest, TellsThatAPasswordIsNeeded) {
     ASSERT_EQ(load(compoundFile(workbookStream("garbage", record(0x2f, "")))), loaded);
     EXPECT_TRUE(workbook.isPasswordProtected());
@@ -204,8 +215,7 @@ TEST_F(WorkbookTest, RefusesDamagedFiles) {
         {with(sound, table + 4, u32(1)), "a chain of sectors has no end (sector 1)"},
         {with(sound, table + 16, u32(0xfffffffe)),
          "a chain of sectors ends before its stream (sector 4294967294)"},
-        {with(sound, directory + 128, "V"),
-         "the compound file holds no workbook of Excel 97 or later"},
+        {with(sound, directory + 128, "V"), "the compound file holds no workbook"},
         {with(sound, directory + 128, "V").replace(directory + 128 + 68, 4, u32(1)),
          "the folder of the compound file leads in a circle"},
         {with(sound, directory + 128 + 120, u32(0x7fffffff)),
@@ -216,7 +226,12 @@ TEST_F(WorkbookTest, RefusesDamagedFiles) {
         {with(listed, 3 * 512 + 0, u32(0xffffffff)).replace(3 * 512 + 508, 4, u32(2)),
          "the list of allocation tables has no end (sector 2)"},
 
-        {compoundFile(beginning(5, 0x0500)), "it is of a version before Excel 97"},
+        {compoundFile(beginning(5, 0x0500), Layout::Plain, "Book"),
+         "it is a workbook of Excel 5 or 95; only Excel 97 and later are read"},
+        {compoundFile(beginning(5, 0x0700)),
+         "a part of the workbook is of another version (offset 0 of the workbook stream)"},
+        {record(0x0409, std::string(6, '\0')),
+         "it is a sheet of Excel 4 or earlier; only Excel 97 and later are read"},
         {withCells(beginning(0x10)), "it ends too early"},
         {withCells(cell(0xfd, 0, 0, u32(0))),
          "a cell's shared text doesn't exist (offset 57 of the workbook stream)"},

@@ -55,7 +55,8 @@ enum class Layout { Plain, Small, TableInList };
 
 /// A compound file with one stream. Sectors: 0 allocation table, 1 directory, 2 table of small
 /// sectors or list of allocation tables, 3 and on the stream, up to 125 sectors of 512 bytes.
-inline std::string compoundFile(std::string stream, Layout layout = Layout::Plain) {
+inline std::string compoundFile(std::string stream, Layout layout = Layout::Plain,
+                                const std::string& streamName = "Workbook") {
     constexpr std::size_t sectorSize = 512;
     constexpr std::uint32_t end = 0xfffffffe;
     constexpr std::uint32_t none = 0xffffffff;
@@ -95,7 +96,7 @@ inline std::string compoundFile(std::string stream, Layout layout = Layout::Plai
         return bytes;
     };
     const std::string directory = entry("Root Entry", 5, 1, isSmall ? 3 : end, isSmall ? size : 0) +
-                                  entry("Workbook", 2, none, isSmall ? 0 : 3, size);
+                                  entry(streamName, 2, none, isSmall ? 0 : 3, size);
 
     std::string smallTable;
     for (std::uint32_t number = 1; isSmall && number <= (size + 63) / 64; ++number)

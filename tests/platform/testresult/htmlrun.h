@@ -81,8 +81,8 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
 
     result.startCase("tst_print", suite + "/tst_print/test.py");
     result.addResult(TestResult::Skipped, "No printer", "here", LineInfo(script, 1), "testcase");
-    result.addResult(TestResult::Error, "Script Error", "FatalError: No printer: here",
-                     LineInfo(script, 1));
+    result.addSkipEcho(TestResult::Error, "Script Error", "FatalError: No printer: here",
+                       {LineInfo(script, 1)});
     result.endCase();
 
     result.startCase("tst_lost", suite + "/tst_lost/test.py");

@@ -81,8 +81,8 @@ inline void addSampleRun(ReportGenerator* report) {
 
     result.startCase("tst_print", "/s/tst_print/test.py");
     result.addResult(TestResult::Skipped, "No printer", "here", LineInfo("/s/t.py", 1), "testcase");
-    result.addResult(TestResult::Error, "Script Error", "FatalError: No printer: here",
-                     LineInfo("/s/t.py", 1));
+    result.addSkipEcho(TestResult::Error, "Script Error", "FatalError: No printer: here",
+                       {LineInfo("/s/t.py", 1)});
     result.endCase();
 
     result.startCase("tst_lost", "/s/tst_lost/test.py");

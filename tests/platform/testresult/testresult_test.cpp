@@ -161,25 +161,17 @@ TEST_F(TestResultTest, CountsByCategoryWithinACase) {
 TEST_F(TestResultTest, TheErrorThatEndsASkippedCaseCountsForNothing) {
     result.startCase("one", "/one");
     result.addResult(TestResult::Skipped, "No printer", "here", LineInfo(), "testcase");
-    result.addResult(TestResult::Error, "Script Error", "another error", LineInfo());
-    result.addResult(TestResult::Error, "Script Error", "tamrix.FatalError: No printer: here\n",
+    // Whatever an error's text repeats, it is one.
+    result.addResult(TestResult::Error, "Script Error",
+                     "ValueError: broken\nwhile handling tamrix.FatalError: No printer: here",
                      LineInfo());
-    result.addResult(TestResult::Error, "Script Error", "No printer: here", LineInfo());
+    result.addSkipEcho(TestResult::Error, "Script Error", "tamrix.FatalError: No printer: here",
+                       {LineInfo("/one", 3)});
     const auto results = report.results();
     EXPECT_FALSE(results[1].echo);
     EXPECT_TRUE(results[2].echo);
-    EXPECT_FALSE(results[3].echo);
-    EXPECT_EQ(result.count("errors"), 2);
-
-    // A skipped scenario skips no case, and a skip does not reach into the next case.
-    result.startCase("two", "/two");
-    result.addResult(TestResult::Skipped, "scenario", "", LineInfo(), "scenario");
-    result.addResult(TestResult::Error, "Script Error", "scenario: ", LineInfo());
-    EXPECT_FALSE(report.results().back().echo);
-    result.addResult(TestResult::Skipped, "late", "", LineInfo(), "testcase");
-    result.startCase("three", "/three");
-    result.addResult(TestResult::Error, "Script Error", "late: ", LineInfo());
-    EXPECT_FALSE(report.results().back().echo);
+    EXPECT_EQ(results[2].callStack, CallStack{LineInfo("/one", 3)});
+    EXPECT_EQ(result.count("errors"), 1);
 }
 
 TEST_F(TestResultTest, RemembersAnErrorOfTheScenario) {
@@ -197,7 +189,7 @@ TEST_F(TestResultTest, RemembersAnErrorOfTheScenario) {
         result.clearLastScenarioError();
     }
     result.addResult(TestResult::Skipped, "a", "b", LineInfo(), "testcase");
-    result.addResult(TestResult::Error, "Script Error", "a: b", LineInfo());
+    result.addSkipEcho(TestResult::Error, "Script Error", "a: b", {});
     EXPECT_FALSE(result.lastScenarioHasError());
 }
 

@@ -104,6 +104,26 @@ TEST_F(PythonDebugging, StacksAreTheSameWithAndWithoutTracing) {
     debugger->setInteractive(true);
     EXPECT_EQ(stops(), "");
     EXPECT_EQ(s_seen, (QStringList{"2 4 | 4 test.py", "2 4 | 4 test.py"}));
+
+    // Python's library between the script's lines, and around the call itself.
+    s_seen.clear();
+    ASSERT_EQ(run("import functools, json\n"
+                  "def inner(*_):\n"
+                  "    look()\n"
+                  "    return 0\n"
+                  "def main():\n"
+                  "    json.loads('{}', object_hook=inner)\n"
+                  "    json.loads('{}', object_hook=lambda *_: functools.reduce(inner, [1, 2]))\n"
+                  "    json.loads('{}', object_hook=look)\n"),
+              "");
+    EXPECT_EQ(stops(), "");
+    const QStringList traced = s_seen;
+    debugger->setInteractive(false);
+    s_seen.clear();
+    EXPECT_EQ(stops(), "");
+    EXPECT_EQ(s_seen, traced);
+    EXPECT_EQ(traced.mid(0, 2), (QStringList{"3 6 | 6 test.py", "3 7 7 | 7 test.py"}));
+    EXPECT_TRUE(traced.value(2).startsWith("8 |")) << qPrintable(traced.value(2));
 }
 
 TEST_F(PythonDebugging, ShowsVariables) {

@@ -96,6 +96,13 @@ TEST_F(PythonErrors, CodeWithoutAFileHasALine) {
     EXPECT_EQ(interpreter->errorLine(), 2);
     EXPECT_FALSE(interpreter->evaluate("x = (\n", QString()));
     EXPECT_EQ(interpreter->errorLine(), 1);
+    // Its own line counts, wherever the error arose; the message tells where.
+    EXPECT_FALSE(interpreter->evaluate("import json\n\njson.loads('{')\n", QString()));
+    EXPECT_EQ(interpreter->errorLine(), 3);
+    EXPECT_EQ(interpreter->errorFile("none"), "none");
+    EXPECT_THAT(interpreter->errorMessage().toStdString(), HasSubstr("/json/"));
+    EXPECT_FALSE(interpreter->evaluate(QString("x = 1\ny = ") + QChar(0), QString()));
+    EXPECT_EQ(interpreter->errorLine(), 2);
 }
 
 TEST_F(PythonErrors, ExitEndsTheCase) {
@@ -115,6 +122,73 @@ TEST_F(PythonErrors, ExitEndsTheCase) {
     EXPECT_TRUE(call("main"));
     EXPECT_TRUE(call("cleanup"));
     EXPECT_EQ(results(), QStringList("7 cleaned: "));
+}
+
+TEST_F(PythonErrors, TheNextScriptStartsAfresh) {
+    ASSERT_TRUE(interpreter->evaluate("shared = 1\n", QString()));  // an init script
+    interpreter->setScriptArguments(script(), {});
+    ASSERT_EQ(run("import sys\n"
+                  "def main(): sys.exit(0)\n"
+                  "def cleanup(): test.fail('of another script')\n"),
+              "");
+    EXPECT_TRUE(call("main"));
+    interpreter->setScriptArguments(script(), {});
+    EXPECT_FALSE(interpreter->hasFunction("main"));
+    EXPECT_FALSE(interpreter->hasFunction("cleanup"));
+    ASSERT_EQ(run("def main(): test.log('runs', str(shared))\n"), "");
+    EXPECT_TRUE(call("main"));
+    EXPECT_EQ(results(), QStringList("7 runs: 1"));
+}
+
+TEST_F(PythonErrors, FunctionsThatDoNotRunAreErrors) {
+    const struct {
+        const char* code;
+        const char* error;
+    } rows[] = {
+        {"async def main():\n    test.fail('x')\n",
+         "main() is asynchronous and nothing of it has run: let a plain function call "
+         "asyncio.run()"},
+        {"async def main():\n    yield 1\n",
+         "main() is asynchronous and nothing of it has run: let a plain function call "
+         "asyncio.run()"},
+        {"def main():\n    test.fail('x')\n    yield 1\n",
+         "main() is a generator and nothing of it has run: take its 'yield' away"},
+        {"import asyncio\nasync def work(): pass\ndef main(): asyncio.run(work())\n", nullptr},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(run("\n\n" + QString(row.code)), "");
+        EXPECT_EQ(call("main"), row.error == nullptr) << row.code;
+        if (row.error) {
+            EXPECT_EQ(interpreter->errorMessage(), row.error);
+            EXPECT_EQ(lines(), std::vector{3});
+        }
+    }
+    EXPECT_TRUE(results().isEmpty());
+}
+
+TEST_F(PythonErrors, OnlyTheSkipItselfEndsACaseAsSkipped) {
+    const struct {
+        const char* body;
+        bool ends;
+        bool isSkip;
+    } rows[] = {
+        {"test.skip('s')", true, true},
+        {"try: test.skip('s')\n    finally: print('x')", true, true},
+        {"try: test.skip('s')\n    except BaseException as e: raise e", true, true},
+        {"test.exception(lambda: test.skip('s'))", true, true},
+        {"try: test.skip('s')\n    finally: raise ValueError('database is broken')", true, false},
+        {"try: test.skip('s')\n    except BaseException as e: raise KeyError from e", true, false},
+        {"try: test.skip('s')\n    except BaseException: pass\n    raise tamrix.FatalError('s: ')",
+         true, false},
+        {"try: test.skip('')\n    except BaseException: pass", false, false},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(run("import tamrix\ndef main():\n    " + QString(row.body) + "\n"), "");
+        EXPECT_EQ(call("main"), !row.ends) << row.body;
+        EXPECT_EQ(interpreter->errorIsSkip(), row.isSkip) << row.body;
+    }
+    EXPECT_FALSE(interpreter->evaluate("test.skip('while it loads')\n", script()));
+    EXPECT_TRUE(interpreter->errorIsSkip());
 }
 
 TEST_F(PythonErrors, FatalErrorsPassEverything) {

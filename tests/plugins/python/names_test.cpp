@@ -31,17 +31,72 @@ TEST_F(PythonNames, ArgumentsByName) {
            [](ScriptContext* context) {
                QStringList words;
                for (int index = 0; index < context->argumentCount(); ++index)
-                   words.append(context->argument(index)->toString());
+                   words.append(context->argument(index) ? context->argument(index)->toString()
+                                                         : QString("-"));
                s_seen.append(words.join(' '));
                return true;
            },
-           {"first", "from"}, {"third"});
-    EXPECT_EQ(run("show(1, third=3, from_=2)\nshow(from_=2, first=1)"), "");
-    EXPECT_EQ(s_seen, (QStringList{"1 2 3", "1 2"}));
+           {"first", "from"}, {"third", "fourth"});
+    EXPECT_EQ(run("show(1, third=3, from_=2)\nshow(from_=2, first=1)\nshow(1, 2, fourth=4)\n"
+                  "show(fourth=4, third=3, from_=2, first=1)"),
+              "");
+    EXPECT_EQ(s_seen, (QStringList{"1 2 3", "1 2", "1 2 - 4", "1 2 3 4"}));
+    // None leaves out what may be left out, and is a value elsewhere.
+    s_seen.clear();
+    EXPECT_EQ(run("show(1, 2, None)\nshow(1, 2, None, None)\nshow(1, 2, None, 4)\n"
+                  "show(1, 2, third=None)\nshow(None, None)\nshow(1, 2, None, 4, None)"),
+              "");
+    EXPECT_EQ(s_seen, (QStringList{"1 2", "1 2", "1 2 - 4", "1 2", "None None", "1 2 - 4 None"}));
     EXPECT_EQ(run("show(1, other=2)"), "TypeError: show() has no argument 'other'");
     EXPECT_EQ(run("show(1, first=2)"),
               "TypeError: show() got several values for the argument 'first'");
     EXPECT_EQ(run("show(1, third=2)"), "TypeError: show() needs an argument 'from_'");
+}
+
+TEST_F(PythonNames, OptionalArgumentsOfAllFunctions) {
+    runner.started = SharedPtr<ApplicationContext>(new ApplicationContext);
+    runner.started->id = 1;
+    runner.found = SharedPtr<Object>(new Object(7, nullptr));
+    runner.takesInput = true;
+    const struct {
+        const char* code;
+        const char* call;
+    } rows[] = {
+        {"startApplication('p', timeout=3000)", "start p host '' port -1 timeout 3000"},
+        {"startApplication('p', None, None, None)", "start p host '' port -1 timeout -1"},
+        {"attachToApplication(timeout=5, name='n')", "attach n host '' port -1 timeout 5"},
+        {"waitForObject(':n', None)", "wait for :n for 20000 ms"},
+        {"waitForObject(timeout=7, objectOrName=':n')", "wait for :n for 7 ms"},
+        {"waitForObjectExists(':n', timeout=None)", "wait until exists :n for 20000 ms"},
+        {"waitForObjectItem(':n', 'i', timeout=5)", "wait for item 'i' row -1 column -1 for 5 ms"},
+        {"waitForObjectItem(':n', 'i', None, 5)", "wait for item 'i' row -1 column -1 for 5 ms"},
+        {"waitForObjectItem(':n', 1, column=2)", "wait for item '' row 1 column 2 for 20000 ms"},
+        {"highlightObject(':n', block=True)", "snooze 3"},
+        {"highlightObject(':n', None, None)", "highlight  for 3000"},
+        {"mousePress(button=2)", "mouse - mask 0 at 0,0 button 2 modifiers 0 change 1 press 1"},
+        {"mousePress(y=2, x=1)", "mouse - mask 8 at 1,2 button 1 modifiers 0 change 1 press 1"},
+        {"mouseRelease(1, 2)", "mouse - mask 0 at 0,0 button 1 modifiers 2 change 1 press 0"},
+        {"mouseMove(x=3, y=4)", "mouse - mask 8 at 3,4 button 1 modifiers 0 change 0 press 0"},
+    };
+    for (const auto& row : rows) {
+        runner.calls.clear();
+        EXPECT_EQ(run(row.code), "") << row.code;
+        EXPECT_TRUE(runner.calls.contains(row.call))
+            << row.code << ": " << qPrintable(runner.calls.join("; "));
+    }
+    for (const char* wrong :
+         {"mousePress(x=1)", "mouseMove(x=1)", "mousePress(1, 2, button=1)", "mouseMove(y=1)"})
+        EXPECT_EQ(run(wrong), "tamrix.Error: Overload not found") << wrong;
+    EXPECT_TRUE(run("waitForObjectItem(':n', 'i', column=2)").startsWith("tamrix.Error: waitFor"));
+
+    EXPECT_EQ(run("test.verify(True, None)\ntest.verify(comment='c', condition=True)\n"
+                  "test.compare(None, None, comment=None)\ntest.log('m', None)\n"
+                  "assert test.stackTrace(maximum=1, start=None) == test.stackTrace(0, 1)"),
+              "");
+    EXPECT_EQ(report.results().at(0).extra, "");
+    EXPECT_EQ(report.results().at(1).extra, "c");
+    EXPECT_EQ(results().mid(2),
+              (QStringList{"10 Comparison: 'None' and 'None' are equal", "7 m: "}));
 }
 
 struct Point : NativeScriptObject {

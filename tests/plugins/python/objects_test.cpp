@@ -107,13 +107,28 @@ b.tags = []
          "TypeError: A value of type 'builtin_function_or_method' can't be passed "
          "to an application"},
         {"c = []\nc.append(c)\nb.tags = c",
-         "RecursionError: maximum recursion depth exceeded while a value is passed to an "
-         "application"},
+         "tamrix.Error: Button.tags() failed: A value for an application is nested deeper than 16: "
+         "does a part of it hold itself?"},
+        {"c = {}\nc['c'] = (1, c)\nb.setValue(c)",
+         "tamrix.Error: Button.setValue() failed: A value for an application is nested deeper than "
+         "16: does a part of it hold itself?"},
         {"b.geometry.q", "AttributeError: 'QRect' has no property or method 'q'"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code), error) << code;
     EXPECT_TRUE(run("b.unreadable").startsWith("tamrix.Error: "));
+}
+
+TEST_F(PythonObjects, NamesThatHoldThemselvesAreErrors) {
+    ASSERT_EQ(run("d = {'type': 'Button'}\nd['container'] = d"), "");
+    for (const char* call :
+         {"object.exists", "findObject", "findAllObjects", "waitForObject", "waitForObjectExists"})
+        EXPECT_EQ(run(QString(call) + "(d)"),
+                  "tamrix.Error: " + QString(call) +
+                      "() failed: The name of an object is nested deeper than 16: does a part of "
+                      "it hold itself?");
+    // No more does a script that calls itself through functions of the system.
+    EXPECT_TRUE(run("def again(): waitFor(again)\nagain()").contains("RecursionError"));
 }
 
 TEST_F(PythonObjects, CallMethods) {
@@ -165,6 +180,36 @@ assert press('a') == 'a' and 'Clicks' in click.__doc__ and click.__name__ == 'cl
     ASSERT_EQ(runner.calls.size(), 3);
     EXPECT_TRUE(runner.calls[0].startsWith("wait for :OK for "));
     EXPECT_TRUE(runner.calls[1].startsWith("wait for {type='Button'} for "));
+    s_seen.clear();
+    const std::pair<const char*, const char*> named[] = {
+        {"click(b, modifiers='Ctrl')", "QString:left QString:Ctrl"},
+        {"click(b, modifiers=0x04000000)", "QString:left int:67108864"},
+        {"click(modifiers=1, button=2, object=b)", "QString:right int:1"},
+        {"click(b, 3, 4, modifiers='Alt')", "int:3 int:4 QString:left QString:Alt"},
+        {"click(b, y=4, x=3)", "int:3 int:4"},
+        {"click(b, button=4)", "int:4"},
+        {"click(b, 'right', modifiers='Shift')", "QString:right QString:Shift"},
+        {"click(b, None, None, 'right', None)", "QString:right"},
+    };
+    EXPECT_EQ(run("b = theButton()"), "");
+    for (const auto& [code, arguments] : named) {
+        EXPECT_EQ(run(code), "") << code;
+        EXPECT_EQ(s_seen.takeLast(), QString("- click ok ") + arguments) << code;
+    }
+    const std::pair<const char*, const char*> refused[] = {
+        {"click(b, x=3)", "TypeError: click() needs an argument 'y'"},
+        {"click(button=1)", "TypeError: click() needs an argument 'object'"},
+        {"click(b, colour=1)", "TypeError: click() has no argument 'colour'"},
+        {"click(b, object=b)", "TypeError: click() got several values for the argument 'object'"},
+        {"click(b, button=3, modifiers=1)",
+         "TypeError: click() 3 is no mouse button: 1 is left, 2 right, 4 middle"},
+        {"click(b, 1, 2, 3, 4, 5, modifiers=1)",
+         "TypeError: click() takes (object[, x, y][, button][, modifiers]), not 6 arguments "
+         "without a name"},
+        {"lookAt(object=b)", "TypeError: lookAt() takes no named arguments"},
+    };
+    for (const auto& [code, error] : refused)
+        EXPECT_EQ(run(code), error) << code;
     EXPECT_EQ(run("fill(theButton(), 'x')"),
               "tamrix.Error: The application has no function 'fill'");
     failure = "it is not ready: it is disabled";

@@ -1,38 +1,26 @@
 #include <gtest/gtest.h>
 #include <minizip/unzip.h>
-#include <minizip/zip.h>
 #include <tinyxml.h>
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <stdexcept>
+#include <string>
 #include <utility>
-#include <vector>
 
 #include "base/xmldepth.h"
+#include "platform/spreadsheet/workbookbuilder.h"
 #include "shared/testdata/excelarchive.h"
 #include "shared/testdata/excelxmlpart.h"
 #include "shared/testdata/testdataset.h"
 #include "support/files.h"
 #include "support/printqt.h"
+#include "support/ziparchive.h"
 
 namespace Tamrix {
 namespace {
 
 using namespace Test;
-
-using Entries = std::vector<std::pair<QByteArray, QByteArray>>;
-
-void writeArchive(const QString& path, const Entries& entries) {
-    const zipFile archive = zipOpen(QFile::encodeName(path).constData(), APPEND_STATUS_CREATE);
-    for (const auto& [name, contents] : entries) {
-        zipOpenNewFileInZip(archive, name.constData(), nullptr, nullptr, 0, nullptr, 0, nullptr,
-                            Z_DEFLATED, Z_BEST_SPEED);
-        zipWriteInFileInZip(archive, contents.constData(), static_cast<unsigned>(contents.size()));
-        zipCloseFileInZip(archive);
-    }
-    zipClose(archive, nullptr);
-}
 
 const QByteArray workbookXml =
     "<workbook><sheets><sheet name='A' sheetId='1'/></sheets></workbook>";
@@ -105,6 +93,26 @@ TEST(Excel, FindsATableAwayFromTheCorner) {
               "boolean|0\ndate|44197.5\n");
 }
 
+TEST(Excel, CellsShareALongText) {
+    using namespace Swinder::Test;
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xls");
+    const std::string text(3000, 'x');
+    const std::string strings =
+        record(0xfc, u32(3) + u32(1) + u16(static_cast<unsigned>(text.size())) + '\0' + text);
+    std::string cells;
+    for (unsigned row = 0; row < 3; ++row)
+        cells += cell(0xfd, row, 0, u32(0));
+    ASSERT_TRUE(
+        writeFile(path, QByteArray::fromStdString(compoundFile(workbookStream(cells, strings)))));
+    const SharedPtr<TestDataSet> set(TestDataSet::createTestDataSetExcel(path, ""));
+    ASSERT_EQ(set->count(), 2);
+    const QString first = set->record(0)->valueAsString(0);
+    EXPECT_EQ(first, QString::fromStdString(text));
+    // A few bytes of the file may not become a text each.
+    EXPECT_EQ(set->record(1)->valueAsString(0).constData(), first.constData());
+}
+
 TEST(Excel, ChoosesTheReaderBySuffix) {
     for (const char* name : {"a.XLS", "a.csv", "xlsx"})
         EXPECT_EQ(read(name).first, "null");
@@ -143,6 +151,13 @@ TEST(ExcelXml, ReadsSheets) {
         {"<sheetData><row><c t='s'><v>2</v></c><c><v> </v></c></row></sheetData>", "a b| \n", ""},
         {"<sheetData><row><c t='s'><v>7</v></c><c t='s'><v>8</v></c></row></sheetData>", "|\n",
          "tamrixrunner: testData Sheet: no shared string 7\n"},
+        {"<sheetData><row><c t='s'><v>4294967297</v></c></row></sheetData>", "\n",
+         "tamrixrunner: testData Sheet: no shared string 4294967297\n"},
+        {"<sheetData><row><c t='s'><v>18446744073709551617</v></c></row></sheetData>", "\n",
+         "tamrixrunner: testData Sheet: no shared string 18446744073709551617\n"},
+        {"<sheetData><row><c t='s'><v>-4294967295</v></c></row></sheetData>", "\n",
+         "tamrixrunner: testData Sheet: no shared string -4294967295\n"},
+        {"<sheetData><row><c><v>a\r\nb\rc&#13;</v></c></row></sheetData>", "a\nb\nc\r\n", ""},
         {"<sheetData><row r='1048577'/></sheetData>", "",
          "tamrixrunner: testData Sheet: row 1048577 lies beyond the last row\n"},
         {"<sheetData><row><c r='XFE1'/></row></sheetData>", "",
@@ -161,6 +176,57 @@ TEST(ExcelXml, ReadsSheets) {
     }
 }
 
+TEST(ExcelXml, ReadsElementsWithAPrefix) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xlsx");
+    writeArchive(path,
+                 {{"xl/workbook.xml",
+                   "<x:workbook xmlns:x='m'><x:sheets>"
+                   "<x:sheet name='A' sheetId='1'/></x:sheets></x:workbook>"},
+                  {"xl/sharedStrings.xml",
+                   "<s:sst><s:si><s:t>a</s:t><s:r><s:t>b</s:t></s:r><o:t>no</o:t></s:si></s:sst>"},
+                  {"xl/worksheets/sheet1.xml",
+                   "<x:worksheet><x:dimension ref='A1:B1'/><x:sheetData><x:row r='1'>"
+                   "<x:c t='s'><x:v>0</x:v></x:c><x:c><o:v>no</o:v><x:v>2</x:v></x:c></x:row>"
+                   "<o:row r='2'/></x:sheetData></x:worksheet>"}});
+    EXPECT_EQ(read(path), std::pair(QString("ab|2\n"), QString()));
+}
+
+TEST(ExcelXml, TellsWhenTheRelationshipsNameAnotherPart) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xlsx");
+    const QByteArray workbook =
+        "<workbook><sheets><sheet name='A' sheetId='1' r:id='rId3'/></sheets></workbook>";
+    const QByteArray sheet =
+        "<worksheet><sheetData><row><c><v>1</v></c></row></sheetData></worksheet>";
+    const QString readFrom =
+        "tamrixrunner: testData Sheet: sheet 'A' is read from xl/worksheets/sheet1.xml, but the "
+        "workbook's relationships name %1 for it\n";
+    const struct {
+        const char* target;
+        QString messages;
+    } rows[] = {
+        {"worksheets/sheet1.xml", ""},
+        {"/xl/worksheets/sheet1.xml", ""},
+        {"./worksheets/../worksheets/sheet1.xml", ""},
+        {"worksheets/sheet2.xml", readFrom.arg("xl/worksheets/sheet2.xml")},
+        {"/sheet.xml", readFrom.arg("sheet.xml")},
+    };
+    for (const auto& row : rows) {
+        writeArchive(path, {{"xl/workbook.xml", workbook},
+                            {"xl/_rels/workbook.xml.rels",
+                             QByteArray("<Relationships><Relationship Id='rId2' Target='x'/>"
+                                        "<Relationship Id='rId3' Target='") +
+                                 row.target + "'/></Relationships>"},
+                            {"xl/worksheets/sheet1.xml", sheet}});
+        EXPECT_EQ(read(path), std::pair(QString("1\n"), row.messages)) << row.target;
+    }
+    writeArchive(path, {{"xl/workbook.xml", workbook},
+                        {"xl/_rels/workbook.xml.rels", "<Relationships>"},
+                        {"xl/worksheets/sheet1.xml", sheet}});
+    EXPECT_EQ(read(path), std::pair(QString("1\n"), QString()));
+}
+
 TEST(ExcelXml, LimitsWhatAFileLeavesOut) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("a.xlsx");
@@ -176,7 +242,34 @@ TEST(ExcelXml, LimitsWhatAFileLeavesOut) {
     EXPECT_EQ(readRows("<row r='1048576'/>"), std::pair(1048575, std::string()));
     EXPECT_EQ(
         readRows(QByteArray("<row/>").repeated(2049)),
-        std::pair(2047, std::string("tamrixrunner: testData Sheet: the table is too large\n")));
+        std::pair(2047, std::string("tamrixrunner: testData Sheet: there are more than 33554432 "
+                                    "values\n")));
+    writeArchive(path, {{"xl/workbook.xml", workbookXml},
+                        {"xl/worksheets/sheet1.xml", "<worksheet><sheetData>" +
+                                                         QByteArray("<row/>").repeated(1048577) +
+                                                         "</sheetData></worksheet>"}});
+    EXPECT_EQ(read(path).second,
+              "tamrixrunner: testData Sheet: row 1048577 lies beyond the last row\n");
+}
+
+TEST(ExcelXml, SaysWhetherTheTableIsComplete) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.xlsx");
+    const auto isComplete = [&path](const QByteArray& cell, const QByteArray& strings) {
+        writeArchive(path, {{"xl/workbook.xml", workbookXml},
+                            {"xl/sharedStrings.xml", strings},
+                            {"xl/worksheets/sheet1.xml", "<worksheet><sheetData><row>" + cell +
+                                                             "</row></sheetData></worksheet>"}});
+        testing::internal::CaptureStderr();
+        const SharedPtr<TestDataSet> set(TestDataSet::createTestDataSetExcel(path, ""));
+        testing::internal::GetCapturedStderr();
+        return set->isComplete();
+    };
+    EXPECT_TRUE(isComplete("<c t='s'><v>0</v></c>", stringsXml));
+    EXPECT_FALSE(isComplete("<c t='s'><v>3</v></c>", stringsXml));
+    EXPECT_FALSE(isComplete("<c r='XFE1'/>", stringsXml));
+    EXPECT_FALSE(isComplete("<c>", stringsXml));
+    EXPECT_FALSE(isComplete("<c/>", "<sst><si>"));
 }
 
 TEST(ExcelXml, TellsWhatIsMissing) {
@@ -191,7 +284,9 @@ TEST(ExcelXml, TellsWhatIsMissing) {
         {"<workbook><sheets/></workbook>", "tamrixrunner: .xlsx file is corrupt: No <sheet>\n"},
         {"<workbook><sheets><sheet/></sheets></workbook>",
          "tamrixrunner: .xlsx file is corrupt: a <sheet> has no sheetId\n"},
-        {workbookXml, "tamrixrunner: testData Sheet: file is not contained in the archive!\n"},
+        {workbookXml,
+         "tamrixrunner: testData Sheet: file is not contained in the archive! "
+         "(xl/worksheets/sheet1.xml, the part of sheet 'A')\n"},
     };
     for (const auto& row : rows) {
         writeArchive(path, {{"xl/workbook.xml", row.workbook}});
@@ -230,7 +325,9 @@ TEST(ExcelXmlPart, RefusesWhatTinyXmlMustNotGet) {
         {"<a><b", "line 1: a tag has no end"},
         {"<a" + attributes + "/>", "line 1: too many attributes"},
         {QByteArray("<a>").repeated(1001), "line 1: elements are nested too deep"},
-        {"<a><b>" + large + "</b></a>", "line 1: an element is too large"},
+        {"<a><b>" + large + "</b></a>", "line 1: an element is larger than 8 MiB"},
+        {"<a><b>" + QByteArray("<c/>").repeated(300000) + "</b></a>",
+         "line 1: an element holds more than 300000 tags"},
         {"<a>\n<b>\xff</b></a>", "line 2: A byte that is not UTF-8."},
     };
     for (const auto& row : rows)
@@ -277,6 +374,12 @@ TEST(ExcelArchive, ChecksWhatItUnpacks) {
     EXPECT_EQ(extract("a"), "a is larger than 512 MiB");
     ASSERT_TRUE(writeFile(path, withNumber(directory + 16, entry + 14, 5)));
     EXPECT_EQ(extract("a"), "crc check failed! ");
+
+    // Zeros are packed a thousand to one.
+    writeArchive(path, {{"much", QByteArray(freeEntrySize + 1, '0')},
+                        {"little", QByteArray(freeEntrySize, '0')}});
+    EXPECT_EQ(extract("much"), "much unpacks to more than 100 times its size");
+    EXPECT_EQ(extract("little").size(), freeEntrySize);
 
     void* none = nullptr;
     EXPECT_THROW(extractFromZipArchive(none, "a"), std::runtime_error);

@@ -63,6 +63,31 @@ protected:
     QTemporaryDir folder;
 };
 
+TEST_F(TsvParserTest, RefusesLinesThatAreTooLong) {
+    const int most = static_cast<int>(DelimitedText::mostLineBytes);
+    const struct {
+        QByteArray text;
+        bool isRead;
+    } rows[] = {
+        {"a\n" + QByteArray(most, 'x') + "\nc", true},
+        {"a\n" + QByteArray(most + 1, 'x') + "\nc", false},
+        {QByteArray(most + 1, '\0'), false},
+        // Each line of the file is short, but a quote has no end.
+        {"a\n\"" + QByteArray("x\n").repeated(most / 2 + 1), false},
+    };
+    for (const auto& row : rows) {
+        const QString path = store(row.text);
+        testing::internal::CaptureStderr();
+        const SharedPtr<TestDataSet> set(TestDataSet::createTestDataSet(path));
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  row.isRead ? ""
+                             : "Couldn't read " + path.toStdString() +
+                                   ": it has a line of more than 64 MiB\n");
+        ASSERT_TRUE(set);
+        EXPECT_EQ(set->isComplete(), row.isRead);
+    }
+}
+
 TEST_F(TsvParserTest, ReadsRows) {
     struct Case {
         QByteArray text;

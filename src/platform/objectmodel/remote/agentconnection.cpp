@@ -1,9 +1,9 @@
 #include "platform/objectmodel/remote/agentconnection.h"
 
-#include <poll.h>
-
 #include <QScopedValueRollback>
 #include <algorithm>
+
+#include "base/blocking.h"
 
 namespace Tamrix {
 
@@ -106,8 +106,7 @@ void AgentConnection::takeHello(const Frame& frame) {
         refusal = QStringLiteral(
                       "the agent in the application speaks version %1 of the protocol, the runner "
                       "version %2: both must be of the same installation")
-                      .arg(hello.version)
-                      .arg(Wire::protocolVersion);
+                      .arg(QString::number(hello.version), QString::number(Wire::protocolVersion));
     } else if (hello.token != m_token) {
         refusal = QStringLiteral("the agent of process %1 shows a token that is not of this run")
                       .arg(hello.pid);
@@ -141,7 +140,7 @@ std::vector<Wire::EventFired> AgentConnection::takeEvents() {
 bool AgentConnection::waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded) {
     pollfd watched[] = {{m_channel.descriptor(), POLLIN, 0}, {m_processDescriptor, POLLIN, 0}};
     const qint64 left = std::min(deadline.remainingTime(), m_nextIdle.remainingTime());
-    ::poll(watched, std::size(watched), static_cast<int>(std::max<qint64>(left, 0)));
+    blockingPoll(watched, std::size(watched), static_cast<int>(std::max<qint64>(left, 0)));
     *hasProcessEnded = watched[1].revents != 0;
     m_channel.receive();
     // Answers that come at once never wait for the hook.
@@ -212,11 +211,20 @@ RequestError AgentConnection::unreadableAnswer(MessageType type) {
                 .arg(static_cast<int>(type))};
 }
 
+bool AgentConnection::send(quint32 sequence, MessageType type, const QByteArray& body) {
+    // A small message goes at once, a large one as fast as the application reads.
+    constexpr int smallSize = 64 * 1024;
+    if (body.size() <= smallSize)
+        return m_channel.send(sequence, type, body);
+    const BlockingSection section;
+    return m_channel.send(sequence, type, body);
+}
+
 bool AgentConnection::exchange(MessageType type, const QByteArray& body,
                                const QDeadlineTimer& deadline, int timeout, Frame* answer,
                                RequestError* error) {
     const quint32 sequence = ++m_lastSequence;
-    if (m_channel.send(sequence, type, body))
+    if (send(sequence, type, body))
         return waitForAnswer(sequence, deadline, timeout, answer, error);
     m_state = State::Closed;
     *error = disconnected();

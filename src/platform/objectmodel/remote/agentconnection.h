@@ -110,6 +110,7 @@ private:
     bool waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded);
     bool waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline, int timeout,
                        Wire::Frame* answer, RequestError* error);
+    bool send(quint32 sequence, Wire::MessageType type, const QByteArray& body);
     bool exchange(Wire::MessageType type, const QByteArray& body, const QDeadlineTimer& deadline,
                   int timeout, Wire::Frame* answer, RequestError* error);
     bool syncBefore(Wire::MessageType type, const QDeadlineTimer& deadline, int timeout,

@@ -66,6 +66,19 @@ bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error) {
     return true;
 }
 
+QString nameFault(const ObjectName& name) {
+    Wire::Query unused;
+    QString fault;
+    return makeQuery(name, &unused, &fault) ? QString() : fault;
+}
+
+QString differenceText(const QList<Wire::NearMiss>& differences) {
+    QStringList parts;
+    for (const Wire::NearMiss& each : differences)
+        parts.append(difference(each));
+    return parts.join(QStringLiteral("; "));
+}
+
 QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses) {
     QStringList lines;
     QString lastObject;

@@ -15,4 +15,7 @@ bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error);
 /// that matched nearly, one object a line.
 QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses);
 
+/// "text is 'a', wanted 'b'; it has no size, wanted '3'": what differs on one object.
+QString differenceText(const QList<Wire::NearMiss>& differences);
+
 }  // namespace Tamrix

@@ -12,6 +12,9 @@ namespace Tamrix {
 
 using Wire::MessageType;
 
+// What goes out must not be refused for its depth on the other side.
+static_assert(maximalValueDepth == Wire::maximalDepth);
+
 RemoteLink::RemoteLink(std::shared_ptr<AgentConnection> connection)
     : m_connection(std::move(connection)) {}
 

@@ -62,11 +62,11 @@ bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
     return true;
 }
 
-bool RemoteModel::lookUp(const ObjectName& name, bool wantReady, bool wantNearMisses,
+bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
                          LookUpAnswer* answer, RequestError* error, int timeout) {
     *answer = {};
     Wire::LookUp request;
-    request.wantReady = wantReady;
+    request.wanted = wanted;
     request.wantNearMisses = wantNearMisses;
     QString fault;
     if (!makeQuery(name, &request.query, &fault)) {
@@ -81,11 +81,11 @@ bool RemoteModel::lookUp(const ObjectName& name, bool wantReady, bool wantNearMi
     return true;
 }
 
-bool RemoteModel::lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer* answer,
+bool RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                          RequestError* error, int timeout) {
     *answer = {};
     Wire::LookUp request;
-    request.wantReady = wantReady;
+    request.wanted = wanted;
     QString fault;
     if (!m_link->handleOf(object, &request.handle, &fault)) {
         *error = refusedHere(fault);
@@ -96,6 +96,32 @@ bool RemoteModel::lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer*
         return false;
     if (!answer->object)
         answer->missText = QStringLiteral("The object is gone");
+    return true;
+}
+
+bool RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
+                         const ObjectName& properties, bool wantNearMisses, LookUpAnswer* answer,
+                         RequestError* error, int timeout) {
+    *answer = {};
+    Wire::Expect request;
+    request.wantNearMisses = wantNearMisses;
+    QString fault;
+    const bool isNamed = !object;
+    if (!(isNamed ? makeQuery(name, &request.query, &fault)
+                  : m_link->handleOf(object, &request.handle, &fault)) ||
+        !makeQuery(properties, &request.properties, &fault)) {
+        *error = refusedHere(fault);
+        return false;
+    }
+    QList<Wire::NearMiss> misses;
+    if (!lookUp(MessageType::Expect, encode(request), timeout, answer, &misses, error))
+        return false;
+    answer->lack = QStringLiteral("not as expected");
+    answer->isReady = answer->object && misses.isEmpty();
+    if (answer->object)
+        answer->obstacle = differenceText(misses);
+    else
+        answer->missText = missText(name, misses);
     return true;
 }
 
@@ -125,8 +151,8 @@ bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
         if (!answer->obstacle.isEmpty())
             answer->missText = std::exchange(answer->obstacle, QString());
         else if (text.isNull())
-            answer->missText =
-                QStringLiteral("There is no item at row %1, column %2").arg(row).arg(column);
+            answer->missText = QStringLiteral("There is no item at row %1, column %2")
+                                   .arg(QString::number(row), QString::number(column));
         else
             answer->missText = QStringLiteral("There is no item '%1'").arg(text);
     }
@@ -148,7 +174,7 @@ SharedPtr<Object> RemoteModel::objectById(int remoteId, QString* error) {
 SharedPtr<Object> RemoteModel::findObject(const ObjectName& name, QString* error) {
     LookUpAnswer answer;
     RequestError failure;
-    if (!lookUp(name, false, true, &answer, &failure))
+    if (!lookUp(name, Wire::Wanted::Existence, true, &answer, &failure))
         *error = failure.text;
     else if (!answer.object)
         *error = answer.missText;

@@ -21,6 +21,8 @@ struct LookUpAnswer {
     bool isReady = false;
     /// What is missing for being ready: "it is not visible".
     QString obstacle;
+    /// What the object is as long as it isn't what was wanted.
+    QString lack = QStringLiteral("not ready");
     /// Why nothing matches, with the nearest misses when they were asked for.
     QString missText;
 };
@@ -43,10 +45,14 @@ public:
     void setReadyTimeout(int milliseconds);
 
     // Look-ups, once, without waiting. Nothing that matches is no failure.
-    bool lookUp(const ObjectName& name, bool wantReady, bool wantNearMisses, LookUpAnswer* answer,
+    bool lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
+                LookUpAnswer* answer, RequestError* error, int timeout = -1);
+    bool lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
                 RequestError* error, int timeout = -1);
-    bool lookUp(SharedPtr<Object> object, bool wantReady, LookUpAnswer* answer, RequestError* error,
-                int timeout = -1);
+    /// Ready means that the object, or without one that of the name, has the properties; the
+    /// obstacle is what it has otherwise.
+    bool expect(SharedPtr<Object> object, const ObjectName& name, const ObjectName& properties,
+                bool wantNearMisses, LookUpAnswer* answer, RequestError* error, int timeout = -1);
     /// An item of a view; see Wire::FindItem.
     bool findItem(SharedPtr<Object> view, const QString& text, int row, int column, bool wantReady,
                   LookUpAnswer* answer, RequestError* error, int timeout = -1);

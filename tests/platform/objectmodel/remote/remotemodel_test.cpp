@@ -151,9 +151,10 @@ TEST(RemoteModel, TellsWhatDifferedWhenNothingMatches) {
 
     LookUpAnswer answer;
     RequestError failure;
-    EXPECT_TRUE(application.model->lookUp(name, true, false, &answer, &failure));
+    EXPECT_TRUE(application.model->lookUp(name, Wire::Wanted::Readiness, false, &answer, &failure));
     EXPECT_EQ(answer.missText, "No object matches {text='Save' type~='^QPush'}");
-    EXPECT_TRUE(application.model->lookUp(application.find(), true, &answer, &failure));
+    EXPECT_TRUE(
+        application.model->lookUp(application.find(), Wire::Wanted::Readiness, &answer, &failure));
     EXPECT_EQ(answer.obstacle, "it is disabled");
 
     // Faults of the name are found before anything is sent.

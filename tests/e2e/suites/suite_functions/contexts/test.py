@@ -60,3 +60,7 @@ def main():
     gallery.detach()
     fails("Cannot switch to invalid application context", setApplicationContext, gallery)
     fails("detach() failed", gallery.detach)
+    test.compare(currentApplicationContext(), calculator)
+    calculator.detach()
+    test.compare(currentApplicationContext(), None, "none is left")
+    fails("No application is connected", findObject, "{type='QComboBox'}")

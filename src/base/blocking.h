@@ -1,0 +1,40 @@
+#pragma once
+
+#include <poll.h>
+
+#include "base/export.h"
+
+namespace Tamrix {
+
+/// A time in which the calling thread waits for something outside of the process. The runtime of a
+/// script language with a lock of its own gives the lock up meanwhile, so that other threads of the
+/// script run. Stands around the waiting call alone: whatever may reach script code or its values
+/// is done before or behind it.
+class TAMRIX_EXPORT BlockingSection {
+public:
+    BlockingSection();
+    /// Leaves errno as the waiting call has set it.
+    ~BlockingSection();
+    BlockingSection(const BlockingSection&) = delete;
+    BlockingSection& operator=(const BlockingSection&) = delete;
+
+    /// What gives the lock up and takes it again: `leave` returns what `enter` is to be given, null
+    /// when there was nothing to give up, as on any thread that does not have the lock.
+    struct Lock {
+        void* (*leave)();
+        void (*enter)(void* state);
+    };
+    /// Of the process; the last one counts. Set while nothing waits.
+    static void setLock(const Lock& lock);
+
+private:
+    void* m_state;
+};
+
+/// poll() as a blocking section.
+TAMRIX_EXPORT int blockingPoll(pollfd* watched, nfds_t count, int milliseconds);
+
+/// Sleeps, as a blocking section; a signal may end the sleep early.
+TAMRIX_EXPORT void blockingSleep(unsigned long microseconds);
+
+}  // namespace Tamrix

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace Tamrix {
+
+// Bytes from a file, a pipe or a connection as text. QString::fromUtf8() and fromLocal8Bit() of a
+// QByteArray end at the first NUL without a word; these go to the end. What is not sound becomes
+// U+FFFD.
+
+inline QString wholeUtf8(const QByteArray& bytes) {
+    return QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+inline QString wholeLocal8Bit(const QByteArray& bytes) {
+    return QString::fromLocal8Bit(bytes.constData(), bytes.size());
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,133 @@
+// What the documents show works: their Python blocks run, against real programs where they need
+// them.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <memory>
+#include <vector>
+
+#include "e2e/runnerprocess.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Tamrix::Test::readFile;
+using Tamrix::Test::RunnerProcess;
+using Tamrix::Test::writeFile;
+
+/// A block of Python in a document. In the line before it may stand
+///
+///     <!-- Tested in CASE -->    it is the script of a copy of this test case
+///
+/// with ", fails" behind the case where its last line is meant to fail, and ", behind CODE" where
+/// CODE is to run before. A block without a function main() is the body of one.
+struct Block {
+    /// Document and line, for messages.
+    QString place;
+    QString caseFolder;
+    bool isToFail = false;
+    QString codeBefore;
+    QStringList lines;
+
+    QByteArray script() const {
+        QString text;
+        const bool isWhole = !lines.filter(QRegularExpression("^def main\\(")).isEmpty();
+        if (!isWhole)
+            text = "def main():\n    " + (codeBefore.isEmpty() ? "pass" : codeBefore) + '\n';
+        for (const QString& line : lines)
+            text += (isWhole || line.isEmpty() ? line : "    " + line) + '\n';
+        return text.toUtf8();
+    }
+};
+
+/// False when the comment says something else.
+bool readSetUp(const QString& comment, Block* block) {
+    static const QRegularExpression pattern(
+        "^<!-- Tested in ([^ ,]+)(, fails)?(?:, behind (.+))? -->$");
+    const QRegularExpressionMatch match = pattern.match(comment);
+    block->caseFolder = match.captured(1);
+    block->isToFail = !match.captured(2).isEmpty();
+    block->codeBefore = match.captured(3);
+    return match.hasMatch();
+}
+
+std::vector<Block> blocksOf(const QString& document) {
+    std::vector<Block> blocks;
+    const QStringList lines = QString::fromUtf8(readFile(document)).split('\n');
+    for (int index = 0; index < lines.size(); ++index) {
+        if (lines[index] != "```python")
+            continue;
+        Block block;
+        block.place = QFileInfo(document).fileName() + ':' + QString::number(index + 1);
+        const QString before = lines.value(index - 1);
+        EXPECT_TRUE(readSetUp(before, &block) || !before.startsWith("<!--")) << qPrintable(before);
+        for (++index; index < lines.size() && lines[index] != "```"; ++index)
+            block.lines.append(lines[index]);
+        blocks.push_back(block);
+    }
+    return blocks;
+}
+
+/// A block on its way.
+struct BlockRun {
+    Block block;
+    QTemporaryDir folder;
+    RunnerProcess runner;
+
+    void start() {
+        const QString source = TAMRIX_TEST_SOURCE_DIR "/" + block.caseFolder;
+        QString testCase = folder.filePath("suite/case");
+        if (!block.caseFolder.isEmpty()) {
+            const QString suite = QFileInfo(source).path();
+            ASSERT_EQ(QProcess::execute("cp", {"-r", suite, folder.path()}), 0)
+                << qPrintable(suite);
+            testCase =
+                folder.filePath(QFileInfo(suite).fileName() + '/' + QFileInfo(source).fileName());
+            ASSERT_TRUE(QFile::exists(testCase + "/test.py")) << qPrintable(block.place);
+        }
+        ASSERT_TRUE(writeFile(testCase + "/test.py", block.script()));
+        // The programs find none of the user's settings and leave none.
+        for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            runner.setVariable(name, folder.path());
+        runner.setVariable("QT_QPA_PLATFORM", "offscreen");
+        runner.start({"run", QFileInfo(testCase).path(), QFileInfo(testCase).fileName(),
+                      "--result-dir", folder.filePath("results")});
+    }
+
+    void finish() {
+        runner.finish();
+        EXPECT_EQ(runner.exitCode(), block.isToFail ? 1 : 0)
+            << qPrintable(block.place + ":\n" + runner.output() + runner.errors());
+        const QString lastLine = "/test.py:" + QString::number(block.script().count('\n')) + ": ";
+        EXPECT_TRUE(!block.isToFail || runner.output().contains(lastLine))
+            << qPrintable(block.place + ":\n" + runner.output());
+    }
+};
+
+TEST(Documents, EveryPythonBlockRuns) {
+    const QDir docs(TAMRIX_TEST_SOURCE_DIR "/docs");
+    QStringList documents{TAMRIX_TEST_SOURCE_DIR "/README.md"};
+    for (const QString& name : docs.entryList({"*.md"}, QDir::Files))
+        documents.append(docs.filePath(name));
+    // All at once: one of them waits for what is not there.
+    std::vector<std::unique_ptr<BlockRun>> runs;
+    for (const QString& document : documents) {
+        for (const Block& block : blocksOf(document)) {
+            runs.push_back(std::make_unique<BlockRun>());
+            runs.back()->block = block;
+            runs.back()->start();
+        }
+    }
+    EXPECT_GE(runs.size(), 5U);
+    for (const auto& run : runs)
+        run->finish();
+}
+
+}  // namespace
+}  // namespace Tamrix
