@@ -78,31 +78,44 @@ QImage windowsPicture(const Screenshot& desktop, const QList<QRect>& windows,
     return picture;
 }
 
+void FailureMoment::reset() {
+    *this = FailureMoment();
+}
+
 void FailureMoment::keep(Application& application, const Screenshot& desktop, const QString& folder,
                          TestResult* result) {
-    if (!desktop.image().isNull()) {
-        QString error;
-        const QVariantMap layout =
-            application.model().nativeRequest(QStringLiteral("screenLayout"), {}, &error).toMap();
-        if (!error.isEmpty())
-            qWarning("No picture of the windows is stored: %s", qUtf8Printable(error));
-        QList<QRect> windows;
-        const QVariantList rects = layout.value(QStringLiteral("windows")).toList();
-        for (const QVariant& rect : rects)
-            windows.append(rectOf(rect.toList()));
-        std::optional<QPoint> press;
-        const QVariantList point = layout.value(QStringLiteral("lastPress")).toList();
-        if (point.size() == 2)
-            press = QPoint(point.at(0).toInt(), point.at(1).toInt());
-        const QImage picture = windowsPicture(desktop, windows, press);
-        const QString path = picture.isNull()
-                                 ? QString()
-                                 : storeFile(folder, QStringLiteral("windows.png"), pngOf(picture));
-        if (!path.isEmpty())
-            result->addResultAttachment(TestResult::ImageAttachment,
-                                        QStringLiteral("The application's windows"), path);
-    }
+    if (!desktop.image().isNull())
+        keepWindows(application, desktop, folder, result);
     keepObjects(application, folder, result);
+}
+
+void FailureMoment::keepWindows(Application& application, const Screenshot& desktop,
+                                const QString& folder, TestResult* result) {
+    QString error;
+    const QVariantMap layout =
+        application.model().nativeRequest(QStringLiteral("screenLayout"), {}, &error).toMap();
+    if (!error.isEmpty()) {
+        qWarning("No picture of the windows is stored: %s", qUtf8Printable(error));
+        return;
+    }
+    QList<QRect> windows;
+    const QVariantList rects = layout.value(QStringLiteral("windows")).toList();
+    for (const QVariant& rect : rects)
+        windows.append(rectOf(rect.toList()));
+    std::optional<QPoint> press;
+    const QVariantList point = layout.value(QStringLiteral("lastPress")).toList();
+    if (point.size() == 2)
+        press = QPoint(point.at(0).toInt(), point.at(1).toInt());
+    const QImage picture = windowsPicture(desktop, windows, press);
+    if (picture.isNull())
+        return;
+    if (picture != m_lastPicture) {
+        m_lastPicture = picture;
+        m_lastPictureFile = storeFile(folder, QStringLiteral("windows.png"), pngOf(picture));
+    }
+    if (!m_lastPictureFile.isEmpty())
+        result->addResultAttachment(TestResult::ImageAttachment,
+                                    QStringLiteral("The application's windows"), m_lastPictureFile);
 }
 
 void FailureMoment::keepObjects(Application& application, const QString& folder,

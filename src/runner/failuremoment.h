@@ -22,13 +22,17 @@ public:
               TestResult* result);
 
     /// Another test case begins, or another folder is in use.
-    void reset() { m_lastObjects.clear(); }
+    void reset();
 
 private:
+    void keepWindows(Application& application, const Screenshot& desktop, const QString& folder,
+                     TestResult* result);
     void keepObjects(Application& application, const QString& folder, TestResult* result);
 
-    /// The last listing and its file: of a script that fails again and again at the same view, one
-    /// file is enough.
+    // The last ones and their files: of a script that fails again and again at the same view, one
+    // file of each is enough.
+    QImage m_lastPicture;
+    QString m_lastPictureFile;
     QByteArray m_lastObjects;
     QString m_lastObjectsFile;
 };

@@ -17,6 +17,13 @@ constexpr int lookInterval = 50;
 /// How long an application may take to answer a single look, also when the wait is shorter.
 constexpr int minimalLookTimeout = 1000;
 
+/// The object, for which reports have a name now; null stays null.
+SharedPtr<Object> knownAs(const SharedPtr<Object>& object, const QString& name) {
+    if (object)
+        object->setFoundAs(name);
+    return object;
+}
+
 /// What an object that is waited for had otherwise than expected when it was seen last.
 class LastSight {
 public:
@@ -102,15 +109,13 @@ SharedPtr<Object> Runner::waitForName(const QString& name, Wire::Wanted wanted, 
     const ObjectName objectName = ObjectMap::self()->objectName(name);
     if (!objectName.isValid())
         return {};
-    SharedPtr<Object> object = waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.current(), QStringLiteral("Object '%1'").arg(name), wanted, timeout,
         [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
             int lookTimeout) {
             return model.lookUp(objectName, wanted, isLastLook, answer, error, lookTimeout);
         });
-    if (object)
-        object->setFoundAs(name);
-    return object;
+    return knownAs(found, name);
 }
 
 SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool ready, int timeout) {
@@ -122,12 +127,13 @@ SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int
 }
 
 SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
-    return waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.owner(object), QStringLiteral("The object"), Wire::Wanted::Readiness,
         timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.lookUp(object, Wire::Wanted::Readiness, answer, error, lookTimeout);
         });
+    return knownAs(found, object ? object->foundAs() : QString());
 }
 
 SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
@@ -135,11 +141,12 @@ SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QStr
     const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
                                              .arg(QString::number(row), QString::number(column))
                                        : QStringLiteral("Item '%1'").arg(item);
-    return waitUntilFound(
+    const SharedPtr<Object> found = waitUntilFound(
         m_applications.owner(object), what, Wire::Wanted::Readiness, timeout,
         [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
             return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
         });
+    return knownAs(found, what);
 }
 
 SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QString& realName,

@@ -238,7 +238,7 @@ TEST_F(ApplicationRun, APrivateDisplayShowsAFailuresMoment) {
 def main():
     a = startApplication("faulty")
     button = waitForObject("{type='QPushButton' text='Modal'}")
-    click(button)
+    click(waitForObject(button))
     waitForObject("{text='Close it'}")
     test.log(a.environmentVariable('QT_QPA_PLATFORM'))
     test.fail("look")
@@ -261,6 +261,7 @@ def main():
     // Both failures have the objects, which are the same.
     EXPECT_TRUE(Tamrix::Test::readFile(folder + "objects.json").contains("Close it"));
     EXPECT_FALSE(QFile::exists(folder + "objects_1.json"));
+    EXPECT_FALSE(QFile::exists(folder + "windows_1.png"));
     QStringList actions;
     QStringList attachments;
     for (const Json::Value& entry :
@@ -275,6 +276,7 @@ def main():
     EXPECT_EQ(actions.join('\n'),
               "startApplication \"faulty\" 5\n"
               "waitForObject \"{type='QPushButton' text='Modal'}\" 6\n"
+              "waitForObject {type='QPushButton' text='Modal'} 7\n"
               "click {type='QPushButton' text='Modal'} 7\n"
               "waitForObject \"{text='Close it'}\" 8");
     EXPECT_EQ(attachments.join(' '), "2 4 2 4");

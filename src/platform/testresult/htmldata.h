@@ -22,8 +22,8 @@ using EntriesById = std::map<int, std::vector<ReportEntry>>;
 /// Facts about a run: name and fact.
 using RunFacts = std::vector<std::pair<QString, QString>>;
 
-/// Makes the data that the page of an HTML report shows. What it holds is told by html/report.js,
-/// which reads it: one object with
+/// Makes the data that the page of an HTML report shows. What it holds is told by the scripts in
+/// html/, which read it: one object with
 ///
 ///     title, summary, notes, isGood, start, milliseconds, results
 ///     environment facts about the run: name and fact

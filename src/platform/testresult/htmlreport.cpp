@@ -31,6 +31,15 @@ QByteArray resource(const char* name) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// The page's script: files that share their names, in this order.
+QByteArray script() {
+    QByteArray text;
+    for (const char* const name :
+         {"elements.js", "results.js", "actions.js", "cases.js", "report.js"})
+        text += resource(name);
+    return text;
+}
+
 QByteArray escapedForHtml(const QString& text) {
     return escapedForTerminal(text).toHtmlEscaped().toUtf8();
 }
@@ -97,9 +106,11 @@ bool HtmlReport::writePage(ReportFiles& files) {
     HtmlData data(m_tally, m_entries, m_environment, &files);
     const QString title = data.title();
     const std::map<QByteArray, QByteArray> parts = {
-        {"title", escapedForHtml(title)},           {"style", resource("report.css")},
-        {"fallback", fallbackText(m_tally, title)}, {"data", data.json()},
-        {"script", resource("report.js")},
+        {"title", escapedForHtml(title)},
+        {"style", resource("report.css")},
+        {"fallback", fallbackText(m_tally, title)},
+        {"data", data.json()},
+        {"script", script()},
     };
     m_error = files.errorText();
     if (!m_error.isEmpty())

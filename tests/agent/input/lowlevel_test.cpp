@@ -172,6 +172,29 @@ TEST_P(LowLevelTest, PicturesShowTheScreenAndItsObjects) {
     EXPECT_EQ(client().lastError(), "the agent knows no native request 'blub'");
 }
 
+TEST_P(LowLevelTest, TellsTheWindowsAndTheLastPress) {
+    const auto layout = [this] {
+        return client()
+            .request<Wire::Value>(MessageType::NativeRequest,
+                                  Wire::NativeRequest{"screenLayout", {}})
+            .value.toMap();
+    };
+    EXPECT_FALSE(layout().contains("lastPress"));
+    const QRect plain = bounds("Plain");
+    QRect all;
+    const QVariantList windows = layout()["windows"].toList();
+    for (const QVariant& window : windows) {
+        const QVariantList numbers = window.toList();
+        all |= QRect(numbers.value(0).toInt(), numbers.value(1).toInt(), numbers.value(2).toInt(),
+                     numbers.value(3).toInt());
+    }
+    EXPECT_TRUE(all.contains(plain));
+    EXPECT_EQ(program().call("click", "Plain", {4, 5}), "");
+    EXPECT_EQ(program().call("hover", "Busy"), "");
+    const QPoint press = plain.topLeft() + QPoint(4, 5);
+    EXPECT_EQ(layout()["lastPress"], QVariant(QVariantList{press.x(), press.y()}));
+}
+
 TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     const Wire::ObjectInfo plain = program().object("Plain");
     const int before = client().request<Wire::ObjectInfoList>(MessageType::TopLevelObjects).size();

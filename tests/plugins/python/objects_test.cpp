@@ -220,6 +220,40 @@ assert press('a') == 'a' and 'Clicks' in click.__doc__ and click.__name__ == 'cl
     EXPECT_EQ(run("click(':OK')"), "tamrix.LookupError: it is not there");
 }
 
+TEST_F(PythonObjects, CallsOfGlobalFunctionsAreActions) {
+    nextResult = "text";
+    EXPECT_EQ(run(R"py(
+click({'type': 'Button'}, 3, 4.5)
+click(theButton())
+own("it's")
+
+failed = 0
+try:
+    fill(":OK", 'x')
+except Exception:
+    failed = 1
+assert failed
+
+click(
+    ":OK",
+    True)
+)py"),
+              "");
+    QStringList actions;
+    for (const ReportEntry& entry : report.entries) {
+        if (entry.kind == ReportEntry::Kind::Action)
+            actions += QStringLiteral("%1 %2 %3 %4")
+                           .arg(QString::number(entry.callStack.at(0).lineNumber()), entry.message,
+                                entry.detail, entry.extra);
+    }
+    EXPECT_EQ(actions.join('\n'),
+              "2 click {type='Button'}, 3, 4.5 \n"
+              "3 click Button 'ok' \n"
+              "4 own \"it's\" \n"
+              "8 fill \":OK\", \"x\" failed\n"
+              "13 click \":OK\", True ");
+}
+
 TEST_F(PythonObjects, GlobalFunctionsFollowTheApplication) {
     Inspector::self()->setModel(nullptr);
     EXPECT_EQ(run("click(theButton())"), "tamrix.Error: No application is connected");
