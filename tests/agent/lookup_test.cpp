@@ -116,6 +116,26 @@ TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
     EXPECT_EQ(result.nearMisses[0].property, "text");
     EXPECT_EQ(result.nearMisses[0].wanted, "off");
     EXPECT_EQ(result.nearMisses[0].actual, "Off");
+    // Near is what is of the type, or shares half of what the name says of the object itself.
+    const struct {
+        QStringList criteria;
+        QString nearest;
+    } cases[] = {
+        {{"type=QToolButton", "text=Off"}, "QPushButton 'Off'"},
+        {{"type=QCheckBox", "text=Off"}, "QPushButton 'Off'"},
+        {{"type=QCheckBox", "text=Of"}, "QCheckBox 'Check'"},
+        {{"text=Nothing at all"}, ""},
+        {{"text=Nothing at all", "window=Targets"}, ""},
+        {{"text=Nothing at all", "visible=true", "enabled=true"}, ""},
+        {{"text=Off", "window=Other"}, "QPushButton 'Off'"},
+    };
+    for (const auto& row : cases) {
+        request.query = makeQuery(row.criteria);
+        const QList<Wire::NearMiss> misses =
+            m_client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, request).nearMisses;
+        EXPECT_EQ(misses.isEmpty() ? QString() : misses.first().object, row.nearest)
+            << row.criteria.join(' ').toStdString();
+    }
     EXPECT_EQ(m_client.find({"text~=("}).handle, 0U);
     EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
 }

@@ -114,7 +114,7 @@ TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
 
 INSTANTIATE_TEST_SUITE_P(
     , NamesTest,
-    testing::Values("widgets_target", "input_target", "/usr/bin/speedcrunch",
+    testing::Values("widgets_target", "input_target", "parts_target", "/usr/bin/speedcrunch",
                     "widgets/calculator/calculator", "widgets/lineedits/lineedits",
                     "widgets/styles/styles", "layouts/basiclayouts/basiclayouts",
                     "itemviews/simpletreemodel/simpletreemodel",

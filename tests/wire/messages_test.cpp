@@ -47,6 +47,9 @@ TEST(Messages, FieldsFindTheirPlaces) {
     ASSERT_TRUE(decode(encode(FindItem{7, QString(), 1, 2, true}), &item));
     EXPECT_TRUE(item.text.isNull()) << "null means by row and column";
     EXPECT_EQ(item.column, 2);
+    LookUp lookUp;
+    lookUp.wanted = static_cast<Wanted>(3);
+    EXPECT_FALSE(decode(encode(lookUp), &lookUp)) << "nothing that can be wanted";
     MouseEvent mouse;
     ASSERT_TRUE(decode(encode(MouseEvent{7, 9, -1, 2, 4, 8, false, true}), &mouse));
     EXPECT_EQ(mouse.x, -1);

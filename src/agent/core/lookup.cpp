@@ -296,7 +296,7 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
         bool isNear(bool asksType) const {
             return (asksType && !isOtherType) || (equal > 0 && 2 * equal >= telling);
         }
-        auto rank() const { return std::make_tuple(differing, isOtherType, isUnlike, isHidden); }
+        auto rank() const { return std::make_tuple(differing, isUnlike, isOtherType, isHidden); }
     };
     if (!m_errorText.isEmpty())
         return {};
@@ -327,7 +327,8 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
                 return;
             if (nearest.size() == most && nearest.back().differing < near.differing)
                 return;
-            near.isUnlike = !actualText(*near.criterion, element)
+            near.isUnlike = near.criterion->cost != Cost::Type &&
+                            !actualText(*near.criterion, element)
                                  .contains(near.criterion->wanted, Qt::CaseInsensitive);
             near.isHidden = !element.toolkit->isVisible(element);
             const auto place = std::upper_bound(

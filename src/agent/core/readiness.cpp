@@ -198,6 +198,9 @@ QString obstacleOf(const Element& element) {
     const Toolkit* const toolkit = element.toolkit;
     if (!toolkit->isVisible(element))
         return invisibleText(toolkit->hiddenReason(element));
+    const QRect bounds = toolkit->globalBounds(element);
+    if (toolkit->visibleBounds(element).isEmpty() && bounds.isEmpty())
+        return QStringLiteral("it has no size");
     if (toolkit->visibleBounds(element).isEmpty()) {
         toolkit->scrollIntoView(element);
         if (toolkit->visibleBounds(element).isEmpty()) {
