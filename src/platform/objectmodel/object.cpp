@@ -81,11 +81,14 @@ SharedPtr<Object> Object::readProperty(const Property& property) const {
 std::vector<std::pair<QString, SharedPtr<Object>>> Object::readProperties() const {
     std::vector<std::pair<QString, SharedPtr<Object>>> values;
     const Class* const known = objectClass();
+    const QString errorBefore = Inspector::self()->lastError();
     for (int index = 0; known && index < known->numProperties(); ++index) {
         const Property& property = *known->property(index);
         if (SharedPtr<Object> value = readProperty(property))
             values.emplace_back(property.name(), value);
     }
+    // One that can't be read is left out, which is no failure of the others.
+    Inspector::self()->setLastError(errorBefore);
     return values;
 }
 

@@ -73,6 +73,11 @@ TEST_F(ResourceFunctions, SourcesInAContextOfItsOwn) {
     EXPECT_EQ(context.errorType(), ScriptContext::GeneralError);
     EXPECT_EQ(ScriptContext::current(), &context);
 
+    // A NUL is the language's to refuse; what stands behind it is not lost.
+    ASSERT_TRUE(writeFile(folder.filePath("nul.fake"), QByteArray("before\0behind", 13)));
+    EXPECT_TRUE(context.call(sourceFile, {text("nul.fake")}));
+    EXPECT_EQ(seenText, QString("before") + QChar(0) + "behind");
+
     EXPECT_FALSE(context.call(sourceFile, {text("empty.fake")}));
     EXPECT_TRUE(context.call(sourceFile, {text("none.fake")}));
     EXPECT_EQ(context.errorMessage(), "Couldn't open file none.fake");

@@ -173,6 +173,21 @@ TEST_F(ScriptTestCaseTest, ScriptErrorsAreResults) {
     };
     EXPECT_FALSE(run("main error 5 boom\n"));
     EXPECT_EQ(results().last(), "9|Script Error|boom|/suite/tst/test.fake:20");
+    // It ends with the function that left it open.
+    EXPECT_TRUE(context.fixatedResultContexts().empty());
+}
+
+TEST_F(ScriptTestCaseTest, OnlyTheErrorOfASkipIsItsEcho) {
+    bool isSkip = true;
+    FakeInterpreter::s_duringCall = [&](FakeInterpreter& interpreter, const QString&) {
+        interpreter.setErrorIsSkip(isSkip);
+    };
+    EXPECT_FALSE(run("main error 5 no printer: here\n"));
+    EXPECT_TRUE(report.results().back().echo);
+    isSkip = false;
+    EXPECT_FALSE(run("main error 5 broken while handling no printer: here\n"));
+    EXPECT_FALSE(report.results().back().echo);
+    EXPECT_EQ(result.count("errors"), 1);
 }
 
 TEST_F(ScriptTestCaseTest, ScreenshotOfAScriptError) {

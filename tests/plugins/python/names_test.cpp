@@ -298,6 +298,35 @@ assert len(errors) == 1 and errors[0].startswith('test.log() was called from ano
     EXPECT_TRUE(results().isEmpty());
 }
 
+TEST_F(PythonNames, ImportFindsWhatFindFileFinds) {
+    const QString root = QFileInfo(folder.path()).canonicalFilePath();
+    const EnvironmentGuard suite("TAMRIX_SUITE_DIR", root + "/suite");
+    const EnvironmentGuard scripts("TAMRIX_SCRIPT_DIR", root + "/env");
+    const char* const places[] = {"suite", "suite/shared/scripts", "suite/tst", "env"};
+    int number = 0;
+    for (const char* first : places) {
+        for (const char* second : places) {
+            ++number;
+            for (const char* place : {first, second})
+                ASSERT_TRUE(
+                    writeFile(QString("%1/%2/module%3.py").arg(root, place).arg(number), ""));
+        }
+    }
+    const WorkingDirectory inCase(root + "/suite/tst");
+    interpreter->addDefaultSearchPaths(QFileInfo(root + "/suite/shared/scripts"));
+    interpreter->setScriptArguments(root + "/suite/tst/test.py", {});
+    EXPECT_EQ(run(QString(R"py(
+import importlib, os, sys
+for number in range(1, %1 + 1):
+    found = os.path.realpath(findFile('scripts', 'module%d.py' % number))
+    imported = importlib.import_module('module%d' % number).__file__
+    assert found == os.path.realpath(imported), (found, imported)
+assert len(set(sys.path)) == len(sys.path), sys.path
+)py")
+                      .arg(number)),
+              "");
+}
+
 TEST_F(PythonNames, ACaseLeavesNothingBehind) {
     QDir(folder.path()).mkdir("modules");
     ASSERT_TRUE(writeFile(folder.filePath("modules/stateful.py"), "count = 0\n"));

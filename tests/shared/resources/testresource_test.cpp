@@ -88,6 +88,12 @@ TEST_F(TestResourceTest, FindsScriptsInOrder) {
                  {root + "/global2/m.py", root + "/global2/m.py"},
                  {root + "/env1/m.py", root + "/env1/m.py"},
                  {root + "/env2/m.py", root + "/env2/m.py"}});
+    // A language's import looks in the same folders.
+    EXPECT_EQ(scriptSearchFolders(),
+              (QStringList{suite, testCase + "/scripts", suite + "/shared/scripts",
+                           root + "/shared/scripts", testCase + "/shared/scripts", testCase,
+                           root + "/prefix/scriptmodules", root + "/global1", root + "/global2",
+                           root + "/env1", root + "/env2"}));
     ASSERT_TRUE(writeFile(root + "/env1/only.tsv"));
     EXPECT_EQ(findTestSuiteFile("only.tsv", "testdata"), QString());
     EXPECT_EQ(environmentScriptDirectories(), (QStringList{root + "/env1", root + "/env2"}));
