@@ -50,6 +50,8 @@ public:
     pid_t pid() const { return m_pid; }
     /// Looks whether the program has ended, without waiting.
     bool hasEnded();
+    /// Whether hasEnded() has seen that; for where each look would count.
+    bool wasSeenEnded() const { return m_hasEnded; }
     /// Waits for the end, at most this long.
     bool waitForEnd(int milliseconds);
     /// How it ended: "it exited with code 3", "it was ended by SIGSEGV (Segmentation fault)". Empty

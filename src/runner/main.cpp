@@ -5,12 +5,14 @@
 #include "runner/commandline.h"
 #include "runner/commands.h"
 #include "runner/installation.h"
+#include "runner/terminal.h"
 
 int main(int argc, char* argv[]) {
     // A reader that goes away must not take the reports with it.
     std::signal(SIGPIPE, SIG_IGN);
     Tamrix::useUnicodeLocale();
     Tamrix::useNativeBytesForLocale();
+    Tamrix::escapeWarnings();
     const QCoreApplication application(argc, argv);
     Tamrix::setInstallationPrefix();
     return Tamrix::execute(Tamrix::parseCommandLine(QCoreApplication::arguments()));

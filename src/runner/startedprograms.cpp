@@ -57,11 +57,17 @@ std::vector<StartedPrograms::Pointer> StartedPrograms::ofInterest(const Pointer&
 // Ends
 
 void StartedPrograms::work() {
+    const bool isSettlingDue = m_nextSettling.hasExpired();
+    if (isSettlingDue) {
+        for (const Running& each : m_running)
+            each.program->process().hasEnded();
+    }
     noteEnds();
-    if (!m_nextSettling.hasExpired())
+    if (!isSettlingDue)
         return;
     const auto hasSettled = [this](const Running& each) {
-        if (!each.program->settle())
+        // One that has ended just now is to be noted first.
+        if ((each.program->isWatched() && !each.isEndNoted) || !each.program->settle())
             return false;
         if (!isRecent(each.program))
             each.program->keepLittleOutput();
@@ -74,7 +80,9 @@ void StartedPrograms::work() {
 
 void StartedPrograms::noteEnds() {
     for (Running& each : m_running) {
-        if (each.isEndNoted || !each.program->isWatched() || !each.program->process().hasEnded())
+        // Every call of a script comes here; whoever works with the program looks before.
+        if (each.isEndNoted || !each.program->isWatched() ||
+            !each.program->process().wasSeenEnded())
             continue;
         each.isEndNoted = true;
         if (!each.program->isExitExpected())

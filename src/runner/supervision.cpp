@@ -49,16 +49,22 @@ Supervision::End waitFor(pid_t child) {
     const sigset_t signals = waitedSignals();
     int status = 0;
     pid_t ended = 0;
+    int lastSignal = 0;
     while ((ended = ::waitpid(child, &status, WNOHANG)) == 0 || (ended < 0 && errno == EINTR)) {
         siginfo_t info{};
         const int signal = ::sigwaitinfo(&signals, &info);
+        if (signal <= 0 || signal == SIGCHLD)
+            continue;
+        lastSignal = signal;
         // The terminal sends its own signals to the child as well.
-        if (signal > 0 && signal != SIGCHLD && info.si_code != SI_KERNEL)
+        if (info.si_code != SI_KERNEL)
             ::sigqueue(child, signal, {});
     }
-    Supervision::End end;
-    end.isOrderly = s_shared->isOrderly;
     const ProcessEnd how = ended == child ? processEnd(status) : ProcessEnd();
+    Supervision::End end;
+    // A signal from outside that came before, or in spite of, the handlers of the run.
+    const bool isAsked = how.signal != 0 && how.signal == lastSignal;
+    end.isOrderly = s_shared->isOrderly || isAsked;
     end.exitCode = how.exitCode;
     end.text = how.text;
     return end;

@@ -13,7 +13,7 @@ class Supervision {
 public:
     /// How the child ended.
     struct End {
-        /// It said so before: its exit code is the run's.
+        /// It said so before, or a signal to the run ended it: its exit code is the run's.
         bool isOrderly = false;
         int exitCode = 0;
         /// "it exited with code 3", "it was ended by SIGKILL (Killed)".

@@ -15,6 +15,14 @@ void tell(const QString& text) {
                QStringLiteral("tamrixrunner: %1\n").arg(escapedForTerminal(text)).toLocal8Bit());
 }
 
+void escapeWarnings() {
+    qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+            const QString text = qFormatLogMessage(type, context, escapedForTerminal(message));
+            writeBytes(stderr, text.toLocal8Bit() + '\n');
+        });
+}
+
 int failWith(const QString& text) {
     tell(text);
     return ExitUsage;

@@ -12,6 +12,9 @@ bool writeBytes(FILE* stream, const QByteArray& bytes);
 /// Tells what goes wrong with the run itself, on a line of standard error.
 void tell(const QString& text);
 
+/// From now on Qt's warnings go to standard error without what could control a terminal.
+void escapeWarnings();
+
 /// Tells it and returns ExitUsage.
 int failWith(const QString& text);
 

@@ -9,7 +9,6 @@ namespace Tamrix {
 namespace {
 
 using Test::ApplicationRun;
-using Test::RunnerProcess;
 
 /// "Error at line 3: it was ended by SIGSEGV" for each failure and warning of a case.
 QStringList findings(const std::vector<Json::Value>& entries, const QString& name) {

@@ -11,11 +11,13 @@ namespace Tamrix {
 namespace {
 
 std::unique_ptr<ChildProcess> startShell(const QString& script,
-                                         const ProgramEnvironment& environment = {}) {
+                                         const ProgramEnvironment& environment = {},
+                                         const QString& mark = {}) {
     ProgramStart start;
     start.program = "/bin/sh";
     start.arguments = QStringList{"-c", script};
     start.environment = environment;
+    start.mark = mark;
     QString error;
     std::unique_ptr<ChildProcess> process = ChildProcess::start(start, &error);
     EXPECT_EQ(error, "");
@@ -62,16 +64,17 @@ TEST(ChildProcess, FailsWithTheReason) {
 }
 
 TEST(MarkedProcesses, AllThatCameOfAProgramAreEnded) {
-    // One in a session of its own, one that takes no request to end.
+    // One in a session of its own and without an environment, one that takes no request to end, one
+    // without the limit that is a mark.
     const auto process = startShell(
-        "setsid sleep 600 & (trap '' TERM; while true; do sleep 600; done) & echo ready; wait",
-        {{runMarkVariable, "test-run:7"}});
+        "env -i setsid sleep 600 & (trap '' TERM; while true; do sleep 600; done) &"
+        "prlimit --rttime=unlimited setsid sleep 600 & wait",
+        {}, "test-run:7");
     const ProcessFilter filter{"test-run:7", true};
-    // Counted once: a process that just becomes another program shows no mark for a moment.
     std::size_t found = 0;
-    for (int round = 0; round < 500 && (found = findProcesses(filter).size()) < 4; ++round)
+    for (int round = 0; round < 6000 && (found = findProcesses(filter).size()) < 5; ++round)
         process->waitForEnd(10);
-    EXPECT_GE(found, 4U);
+    EXPECT_GE(found, 5U);
     EXPECT_TRUE(findProcesses({"test-run:70", true}).empty());
     EXPECT_EQ(endProcesses({"test-run:"}, 200), 0);
     EXPECT_TRUE(findProcesses(filter).empty());

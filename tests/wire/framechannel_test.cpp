@@ -106,6 +106,20 @@ TEST_F(FrameChannelTest, PassesOverAnAnswerThatIsTooLong) {
     EXPECT_FALSE(channel->isOpen());
 }
 
+TEST_F(FrameChannelTest, SendsAFailureInPlaceOfAnAnswerThatIsTooLong) {
+    const QByteArray body(static_cast<int>(maximalBodySize) + 1, Qt::Uninitialized);
+    EXPECT_TRUE(channel->send(7, MessageType::Reply, body));
+    FrameChannel other(takeOther());
+    other.receive();
+    const auto frame = other.takeFrame();
+    ASSERT_TRUE(frame);
+    Failure failure;
+    EXPECT_EQ(frame->sequence, 7u);
+    ASSERT_TRUE(frame->type == MessageType::Failure && decode(frame->body, &failure));
+    EXPECT_EQ(failure.text,
+              "The application's answer is too long: it has 268435457 bytes of at most 268435456");
+}
+
 TEST_F(FrameChannelTest, QueuesWhatThePeerDoesNotTake) {
     const QByteArray body(3'000'000, 'x');
     EXPECT_TRUE(channel->enqueue(1, MessageType::Reply, body));

@@ -8,6 +8,7 @@
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/objectvalues.h"
 #include "interpreter/bridge/remoteobjectmodelholder.h"
+#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 
 namespace Tamrix {
@@ -210,9 +211,16 @@ void ScriptContext::setStackTraceResult(const std::vector<ScriptLocation>& trace
 }
 
 void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
-    std::map<QString, SharedPtr<ScriptArgument>> map;
+    Inspector::self()->setLastError(QString());
     // All at once: the application is asked one time only.
-    for (const auto& [name, value] : object->readProperties())
+    const auto properties = object->readProperties();
+    // One that can't be read is left out; without any, the application could not be asked.
+    if (properties.empty() && !Inspector::self()->lastError().isEmpty()) {
+        setError(Inspector::self()->lastError());
+        return;
+    }
+    std::map<QString, SharedPtr<ScriptArgument>> map;
+    for (const auto& [name, value] : properties)
         map.emplace(name, valueOfObject(this, value));
     const Class* const objectClass = object->objectClass();
     const int count = objectClass ? objectClass->numProperties() : 0;

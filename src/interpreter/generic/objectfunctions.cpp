@@ -61,7 +61,7 @@ void objectParent(ScriptContext* context) {
 
 void objectProperties(ScriptContext* context) {
     if (const SharedPtr<Object> object = onlyObject(context))
-        reportFailureOf(context, [&] { context->setObjectPropertiesResult(object); });
+        context->setObjectPropertiesResult(object);
 }
 
 void objectTopLevelObjects(ScriptContext* context) {
