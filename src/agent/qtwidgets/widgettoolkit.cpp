@@ -414,10 +414,9 @@ Element WidgetToolkit::item(const Element& view, const ItemPath& path, int row, 
         found = findItem(tabs ? tabs->tabBar() : widget, path, row, column);
     if (found.isNull())
         *reason = Session::self()->describe(view) +
-                  (path.isNull()
-                       ? QStringLiteral(" has no item in row %1 and column %2")
-                             .arg(QString::number(row), QString::number(column))
-                       : QStringLiteral(" has no item '%1'").arg(path.text()));
+                  (path.isNull() ? QStringLiteral(" has no item in row %1 and column %2")
+                                       .arg(QString::number(row), QString::number(column))
+                                 : QStringLiteral(" has no item '%1'").arg(path.text()));
     return found;
 }
 
