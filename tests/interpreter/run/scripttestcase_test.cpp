@@ -181,10 +181,9 @@ TEST_F(ScriptTestCaseTest, ScreenshotOfAScriptError) {
     ownImage.fill(Qt::red);
     QImage desktop(5, 5, QImage::Format_RGB32);
     desktop.fill(Qt::green);
-    TestVP::setScreenshotServices(
-        {[&](RunnerInterface*) { return desktop; },
-         [&](RunnerInterface*) { return folder.filePath("screenshots"); },
-         {}});
+    TestVP::setScreenshotServices({[&](RunnerInterface*) { return desktop; },
+                                   [&](RunnerInterface*) { return folder.filePath("screenshots"); },
+                                   {}});
     FakeInterpreter::s_duringCall = [&](FakeInterpreter& interpreter, const QString&) {
         interpreter.setErrorImage(ownImage);
     };
