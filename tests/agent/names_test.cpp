@@ -120,7 +120,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "itemviews/simpletreemodel/simpletreemodel",
                     "itemviews/spreadsheet/spreadsheet", "graphicsview/diagramscene/diagramscene",
                     "richtext/textedit/textedit", "mainwindows/mainwindow/mainwindow",
-                    "mainwindows/mdi/mdi", "dialogs/tabdialog/tabdialog"));
+                    "mainwindows/mdi/mdi", "gestures/imagegestures/imagegestures",
+                    "dialogs/tabdialog/tabdialog"));
 
 TEST(NamesOfOneProgramTest, AreAsShortAsTheyCanBe) {
     AgentClient client("widgets_target");

@@ -74,8 +74,12 @@ void ObjectToolkit::children(const Element& element, bool /*withItems*/,
                              QVector<Element>* elements) const {
     for (QObject* child : element.object->children()) {
         // Windows are top-level elements wherever they hang.
-        if (!child->isWidgetType() && !child->isWindowType())
-            elements->append(Session::self()->element(child));
+        if (child->isWidgetType() || child->isWindowType())
+            continue;
+        // An action of a group is at home in a menu.
+        const Element below = Session::self()->element(child);
+        if (below.toolkit == this || below.toolkit->parent(below) == element)
+            elements->append(below);
     }
 }
 

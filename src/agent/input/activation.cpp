@@ -29,7 +29,10 @@ QWindow* windowToActivate(const ElementRef& ref) {
 
 bool isActive(const ElementRef& ref) {
     const QWindow* const window = windowToActivate(ref);
-    return window == nullptr || window == topLevelOf(QGuiApplication::focusWindow());
+    const QWindow* const focused = topLevelOf(QGuiApplication::focusWindow());
+    // An open popup has the keys until it is closed: taking them from it closes it at once.
+    return window == nullptr || window == focused ||
+           (focused != nullptr && focused->type() == Qt::Popup);
 }
 
 void activate(const ElementRef& ref) {

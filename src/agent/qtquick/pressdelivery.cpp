@@ -135,14 +135,16 @@ QQuickItem* topmostItem(QQuickItem* item, const QPointF& scenePoint) {
     return findAt(item, scenePoint, [](const QQuickItem*) { return true; });
 }
 
-QQuickItem* modalPopupOver(const QQuickWindow* window, const QQuickItem* item) {
-    const QList<QQuickItem*> layers = window->contentItem()->childItems();
+QQuickItem* modalPopupOver(const QQuickItem* item) {
+    if (!item->window())
+        return nullptr;
+    const QList<QQuickItem*> layers = item->window()->contentItem()->childItems();
     for (const QQuickItem* layer : layers) {
         if (!layer->inherits("QQuickOverlay") || !layer->isVisible())
             continue;
         const QList<QQuickItem*> children = stackedChildren(layer);
         for (auto child = children.crbegin(); child != children.crend(); ++child) {
-            if (item && (*child == item || (*child)->isAncestorOf(item)))
+            if (*child == item || (*child)->isAncestorOf(item))
                 return nullptr;
             if (isOpenModal(*child))
                 return *child;

@@ -4,7 +4,6 @@
 #include <QPointF>
 
 class QQuickItem;
-class QQuickWindow;
 
 namespace Tamrix::Agent {
 
@@ -28,8 +27,8 @@ QQuickItem* pressTaker(QQuickItem* item, const QPointF& scenePoint, const Press&
 /// The topmost item at a point of the scene, whether it takes clicks or not. Null for none.
 QQuickItem* topmostItem(QQuickItem* item, const QPointF& scenePoint);
 
-/// The item of the open modal popup, dialog or drawer that keeps input from the item, or from all
-/// of the window for a null item; null for none.
-QQuickItem* modalPopupOver(const QQuickWindow* window, const QQuickItem* item);
+/// The item of the open modal popup, dialog or drawer that keeps input from the item; null for
+/// none.
+QQuickItem* modalPopupOver(const QQuickItem* item);
 
 }  // namespace Tamrix::Agent

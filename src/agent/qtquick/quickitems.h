@@ -4,6 +4,7 @@
 
 #include "agent/core/itempath.h"
 
+class QObject;
 class QQuickItem;
 
 namespace Tamrix::Agent {

@@ -163,8 +163,11 @@ bool QuickToolkit::receivesThrough(const Element& element, const Element& hit,
 }
 
 Element QuickToolkit::blockedBy(const Element& element) const {
-    if (QQuickItem* const popup = modalPopupOver(windowOf(element), itemOf(element)))
-        return Toolkit::element(popup);
+    // A popup is part of its window, which can be closed and activated all the same.
+    if (const QQuickItem* const item = itemOf(element)) {
+        if (QQuickItem* const popup = modalPopupOver(item))
+            return Toolkit::element(popup);
+    }
     return Session::self()->element(blockingWindow(windowOf(element)));
 }
 

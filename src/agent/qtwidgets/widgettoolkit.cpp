@@ -223,8 +223,12 @@ void WidgetToolkit::children(const Element& parent, bool withItems,
 
 Element WidgetToolkit::parent(const Element& child) const {
     QWidget* const widget = widgetOf(child);
-    if (!widget)
-        return element(homeOf(actionOf(child)));
+    if (!widget) {
+        QWidget* const home = homeOf(actionOf(child));
+        QObject* const owner = actionOf(child)->parent();
+        const bool isInGroup = !home && owner && !owner->isWidgetType();
+        return isInGroup ? Session::self()->element(owner) : element(home);
+    }
     if (widget->isWindow())
         return Session::self()->element(widget->graphicsProxyWidget());
     return element(widget->parentWidget());

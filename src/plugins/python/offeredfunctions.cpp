@@ -22,7 +22,7 @@ constexpr OfferedFunction functions[] = {
     {"typeText", "object, text", "Types a text into the object"},
     {"press", "object, keys", "Presses keys: \"Ctrl+A\", \"Return\""},
     {"selectItem", "object, text",
-     "Selects an item of a menu, list, tree, combo box or tab bar by its text"},
+     "Selects an item of a menu, list, tree, combo box or tab bar by its text or a list of steps"},
     {"check", "object", "Checks a box or button that can be checked"},
     {"uncheck", "object", "Takes the check away"},
     {"closeWindow", "object", "Closes the object's window"},

@@ -122,6 +122,7 @@ TEST_P(PopupsTest, CoverWhatIsBelowThemAndBlockWhenTheyAreModal) {
         if (row.inside) {
             EXPECT_EQ(click(row.inside), row.inside);
         }
+        EXPECT_EQ(program().call("press", "main", {"F5"}, 500), "");
         program().client().invoke(window, "setOpen", {row.popup, false});
         EXPECT_EQ(click("covered"), "covered");
     }

@@ -60,6 +60,7 @@ def main():
 
     test.startSection("Using")
     test.compare(seven.text, "7")
+    test.compare(repr(seven.pos), "QPoint(%d, %d)" % (seven.x, seven.y))
     display.maxLength = 20
     test.compare(display.maxLength, 20)
     seven.text = "Seven"

@@ -8,5 +8,5 @@ def main():
     press(editor, "Return")
     display = waitForObject("{type='ResultDisplay'}")
     test.verify(waitFor(lambda: "144" in display.plainText, 5000), "12 times 12")
-    selectItem("{type='QMenuBar'}", "Edit.Clear Expression")
+    selectItem("{type='QMenuBar'}", ["Edit", "Clear Expression"])
     test.verify(waitFor(lambda: editor.plainText == "", 5000), "a menu clears the editor")
