@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -46,11 +48,11 @@ public:
 
     XmlDepth scan() {
         while (m_position < m_text.size() && !m_finished) {
-            const std::size_t markup = m_text.find('<', m_position);
-            if (markup == std::string_view::npos)
-                break;
+            const std::size_t markup = std::min(m_text.find('<', m_position), m_text.size());
+            checkReferences(m_position, markup);
             m_position = markup;
-            scanMarkup();
+            if (!atEnd() && !m_finished)
+                scanMarkup();
         }
         return m_result;
     }
@@ -108,6 +110,30 @@ private:
             refuse(QStringLiteral("%1 without an end.").arg(QLatin1String(what)), m_position);
         else
             m_position = found + end.size();
+    }
+
+    /// TinyXML takes any "&#" for the beginning of a reference that goes on to the next ";", over
+    /// markup too, and what it makes of numbers that no character has is lost.
+    void checkReferences(std::size_t begin, std::size_t end) {
+        const std::string_view text = m_text.substr(0, end);
+        for (std::size_t at = text.find("&#", begin); at != std::string_view::npos && !m_finished;
+             at = text.find("&#", at + 2)) {
+            if (!isCharacterReference(text.substr(at + 2)))
+                refuse(QStringLiteral("A reference to a character that is none."), at);
+        }
+    }
+
+    /// Whether there are a number and a ";" behind "&#". TinyXML keeps the characters that XML
+    /// forbids, NUL among them.
+    static bool isCharacterReference(std::string_view text) {
+        const bool isHexadecimal = text.starts_with('x');
+        text.remove_prefix(isHexadecimal ? 1 : 0);
+        std::uint32_t number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number,
+                                                  isHexadecimal ? 16 : 10);
+        const bool isCharacter = number <= 0x10ffff && (number >> 11 != 0xd800 >> 11);
+        return error == std::errc() && isCharacter && end != text.data() + text.size() &&
+               *end == ';';
     }
 
     void scanMarkup() {
@@ -218,6 +244,8 @@ private:
         } else if (current() == '"' || current() == '\'') {
             const std::size_t closing = m_text.find(current(), m_position + 1);
             m_finished = closing == std::string_view::npos;
+            if (!m_finished)
+                checkReferences(m_position + 1, closing);
             m_position = closing + 1;
         } else {
             while (!atEnd() && !isSpace(current()) && current() != '/' && current() != '>') {

@@ -30,7 +30,19 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
         {"\n<!-- ", 0, "A comment without an end.", 2},
         {"<a><![CDATA[</a>", 1, "A CDATA section", 1},
         {"<?xml version='1.0' ", 0, "A declaration", 1},
-        {"<?xml version='&#'?><a/>", 0, "A declaration", 1},
+        {"<?xml version='&amp;'?><a/>", 0, "A declaration", 1},
+        // TinyXML would take "&#</a>#65;" for one letter, and nest the elements.
+        {"<a>&#</a>#65;<a>\n&#</a>#65;", 1, "A reference to a character", 1},
+        {"<a b='&#9;' c=\"&#x1F600;\">&#65;&#x41;&#1;&#0;&lt;&x;</a>", 1, "", 0},
+        {"<a\nb='&#' c='#65;'/>", 1, "A reference to a character", 2},
+        {"<a>&#;</a>", 1, "A reference to a character", 1},
+        {"<a>&#x;</a>", 1, "A reference to a character", 1},
+        {"<a>&#65 ;</a>", 1, "A reference to a character", 1},
+        {"<a>&#-1;</a>", 1, "A reference to a character", 1},
+        {"<a>&#xD800;</a>", 1, "A reference to a character", 1},
+        {"<a>&#x110000;</a>", 1, "A reference to a character", 1},
+        {"<a>&#99999999999999999999;</a>", 1, "A reference to a character", 1},
+        {"<a><!-- &# --><![CDATA[&#]]></a>", 1, "", 0},
         {"<a/><", 1, "Markup without an end.", 1},
     };
     for (const Case& each : cases) {
