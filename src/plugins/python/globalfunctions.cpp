@@ -105,9 +105,9 @@ PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     return askApplication(name,
                           [&](PythonInterpreter& interpreter) {
                               ActionRecord record(&interpreter.context(), name);
-                              const QList<const Method*> methods = globalMethods(name);
                               PyRef values = givenArguments(name, tuple, named);
                               noteArguments(record, values.get());
+                              const QList<const Method*> methods = globalMethods(name);
                               if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
                                   values = withObject(interpreter, values.get());
                               // Which of several methods is meant is the application's to say.
