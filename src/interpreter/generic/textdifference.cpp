@@ -144,13 +144,14 @@ QString unifiedDifference(const Diff::Lines& first, const Diff::Lines& second) {
         // Equal lines are told behind what differs and in front of it.
         const int behind = index == 0 ? 0 : linesAround;
         const int before = index + 1 == runs.size() ? 0 : linesAround;
+        const auto begin = lines.begin() + run.begin;
         for (int line = 0; line < run.count; ++line) {
             if (text.isFull())
                 return text.finish(QStringLiteral("(further differences are left out)"));
             if (run.operation == Diff::Equal && line >= behind && line < run.count - before)
                 text.pass();
             else
-                text.append(run.operation, lines[static_cast<std::size_t>(run.begin + line)]);
+                text.append(run.operation, begin[line]);
         }
     }
     return text.finish();
