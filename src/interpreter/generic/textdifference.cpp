@@ -1,6 +1,8 @@
 #include "interpreter/generic/textdifference.h"
 
 #include <algorithm>
+#include <iterator>
+#include <tuple>
 
 #include "comparison/diff.h"
 #include "comparison/difftext.h"
@@ -20,7 +22,7 @@ constexpr int mostToldLines = 1000;
 constexpr int mostToldCharacters = 200 * 1000;
 constexpr int longestToldLine = 2000;
 /// Matching takes time in proportion to the lines times the differences.
-constexpr std::size_t mostMatchedLines = 50000;
+constexpr std::ptrdiff_t mostMatchedLines = 20000;
 
 int commonBeginning(const QString& first, const QString& second) {
     const int shorter = std::min(first.size(), second.size());
@@ -144,13 +146,14 @@ QString unifiedDifference(const Diff::Lines& first, const Diff::Lines& second) {
         // Equal lines are told behind what differs and in front of it.
         const int behind = index == 0 ? 0 : linesAround;
         const int before = index + 1 == runs.size() ? 0 : linesAround;
+        const auto begin = lines.begin() + run.begin;
         for (int line = 0; line < run.count; ++line) {
             if (text.isFull())
                 return text.finish(QStringLiteral("(further differences are left out)"));
             if (run.operation == Diff::Equal && line >= behind && line < run.count - before)
                 text.pass();
             else
-                text.append(run.operation, lines[static_cast<std::size_t>(run.begin + line)]);
+                text.append(run.operation, begin[line]);
         }
     }
     return text.finish();
@@ -171,6 +174,17 @@ QString firstDifferingLine(const Diff::Lines& first, const Diff::Lines& second) 
                            .arg(QString::number(first.size()), QString::number(second.size())));
 }
 
+/// The lines of the shorter text between those that both begin with and those that both end with.
+std::ptrdiff_t linesToMatch(const Diff::Lines& first, const Diff::Lines& second) {
+    const auto& [shorter, longer] =
+        first.size() < second.size() ? std::tie(first, second) : std::tie(second, first);
+    const auto begin = std::mismatch(shorter.begin(), shorter.end(), longer.begin()).first;
+    // The reversed range from the last line back to `begin`.
+    const auto end =
+        std::mismatch(shorter.rbegin(), std::reverse_iterator(begin), longer.rbegin()).first;
+    return end.base() - begin;
+}
+
 QString linesDifference(const QString& first, const QString& second) {
     const QByteArray firstBytes = first.toUtf8();
     const QByteArray secondBytes = second.toUtf8();
@@ -179,7 +193,7 @@ QString linesDifference(const QString& first, const QString& second) {
         return firstDifference(first, second);
     const Diff::Lines firstLines = splitLines(firstBytes);
     const Diff::Lines secondLines = splitLines(secondBytes);
-    return std::min(firstLines.size(), secondLines.size()) > mostMatchedLines
+    return linesToMatch(firstLines, secondLines) > mostMatchedLines
                ? firstDifferingLine(firstLines, secondLines)
                : unifiedDifference(firstLines, secondLines);
 }

@@ -153,6 +153,23 @@ TEST_F(HtmlReportTest, ShowsTheEndOfALongText) {
     EXPECT_EQ(file["note"].toString(), "The last 63 KiB of 117 KiB.");
 }
 
+TEST_F(HtmlReportTest, LeavesVeryManyActionsToTheJournal) {
+    const QJsonObject data = dataOf(report([](ReportGenerator* html) {
+        TestResult result(html);
+        for (const char* name : {"first", "second"}) {
+            result.startCase(name, "/c");
+            for (int count = 0; count < 10003; ++count)
+                result.addAction("click", "b", 1, false, LineInfo("/c", 1));
+            result.addResult(TestResult::Fail, "last", "", LineInfo());
+        }
+    }));
+    EXPECT_EQ(data["notes"].toArray()[1].toString(),
+              "Actions that are not shown, only in the journal: 6");
+    const QJsonArray second = data["entries"].toArray()[1].toArray();
+    EXPECT_EQ(second.size(), 9998);
+    EXPECT_EQ(second.last().toObject()["message"].toString(), "last");
+}
+
 TEST_F(HtmlReportTest, ReplacesAnEarlierReportAsAWhole) {
     ASSERT_TRUE(writeFile(directory.filePath("a.txt"), "one"));
     ASSERT_TRUE(writeFile(directory.filePath("b.txt"), "two"));
