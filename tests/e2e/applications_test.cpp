@@ -102,7 +102,7 @@ TEST_F(ApplicationRun, WhatEventHandlersRaiseIsTold) {
 }
 
 TEST_F(ApplicationRun, ExpectationsWaitAndTellWhatTheySawLast) {
-    addCase("expect", QByteArray(click) + R"(
+    addCase("expect", R"(
 def main():
     startApplication('faulty')
     label = {"type": "QLabel"}
