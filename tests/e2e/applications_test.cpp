@@ -102,12 +102,12 @@ TEST_F(ApplicationRun, WhatEventHandlersRaiseIsTold) {
 }
 
 TEST_F(ApplicationRun, ExpectationsWaitAndTellWhatTheySawLast) {
-    addCase("expect", QByteArray(click) + R"(
+    addCase("expect", R"(
 def main():
     startApplication('faulty')
     label = {"type": "QLabel"}
     test.expect({"text": "Disabled"}, {"enabled": False, "type": "QPushButton"})
-    test.expect(label, {"text*": "label *"}, 5000, comment="a wildcard")
+    test.expect(label, {"text*": "label *"}, comment="a wildcard")
     clickOn("Rename later")
     test.expect(label, "{text~='^re.*d$'}", 5000)
     test.expect({"text": "Disabled"}, {"enabled": True, "visible": True, "colour": "red"}, 300)

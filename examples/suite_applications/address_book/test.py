@@ -24,9 +24,9 @@ def main():
 
     test.startSection("A selected entry can be removed")
     remove = "{type='QAction' text='Remove Entry'}"
-    test.expect(remove, {"enabled": False})
+    test.expect(remove, {"enabled": False}, comment="nothing is selected yet")
     selectItem(table, "Ada")
-    test.expect(remove, {"enabled": True})
+    test.expect(remove, {"enabled": True}, comment="Ada is selected")
     selectItem("{type='QMenuBar'}", "Tools.Remove Entry")
     test.verify(waitFor(lambda: not object.exists("{text='Ada'}"), 5000), "Ada is gone")
     test.endSection()
