@@ -7,8 +7,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <cstdio>
+#include <QIODevice>
 
+#include "base/filewriting.h"
 #include "platform/testresult/compositereport.h"
 #include "platform/testresult/journalcompletion.h"
 #include "platform/testresult/journalreader.h"
@@ -38,15 +39,22 @@ private:
     JournalReport m_journal;
 };
 
-/// Standard output behind what was written to it before.
-class RestOfOutput : public QFile {
+/// Standard output behind what was written to it before. No QFile, whose descriptor the report
+/// would write to past writeData().
+class RestOfOutput : public QIODevice {
 public:
-    bool open() { return QFile::open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered); }
+    bool open() { return QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
     void beginWriting() { m_isWriting = true; }
 
 protected:
+    qint64 readData(char*, qint64) override { return -1; }
     qint64 writeData(const char* data, qint64 size) override {
-        return m_isWriting ? QFile::writeData(data, size) : size;
+        QString reason;
+        if (!m_isWriting ||
+            writeAll(STDOUT_FILENO, QByteArray(data, static_cast<int>(size)), &reason))
+            return size;
+        setErrorString(reason);
+        return -1;
     }
 
 private:

@@ -274,11 +274,11 @@ def main():
             attachments += QString::number(entry["type"].asInt());
     }
     EXPECT_EQ(actions.join('\n'),
-              "startApplication \"faulty\" 5\n"
-              "waitForObject \"{type='QPushButton' text='Modal'}\" 6\n"
-              "waitForObject {type='QPushButton' text='Modal'} 7\n"
-              "click {type='QPushButton' text='Modal'} 7\n"
-              "waitForObject \"{text='Close it'}\" 8");
+              "startApplication \"faulty\" 10\n"
+              "waitForObject \"{type='QPushButton' text='Modal'}\" 11\n"
+              "waitForObject {type='QPushButton' text='Modal'} 12\n"
+              "click {type='QPushButton' text='Modal'} 12\n"
+              "waitForObject \"{text='Close it'}\" 13");
     EXPECT_EQ(attachments.join(' '), "2 4 2 4");
     // The same again without actions.
     RunnerProcess without;
