@@ -125,9 +125,9 @@ std::vector<int> rowsWithText(const QQuickItem* view, const ItemPath& path) {
             add(entryRank(entries[row], path), row);
     }
     std::sort(ranked.begin(), ranked.end());
-    std::vector<int> rows;
-    for (const auto& [rank, row] : ranked)
-        rows.push_back(row);
+    std::vector<int> rows(ranked.size());
+    std::transform(ranked.begin(), ranked.end(), rows.begin(),
+                   [](const auto& each) { return each.second; });
     return rows;
 }
 
