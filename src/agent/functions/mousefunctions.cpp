@@ -35,6 +35,7 @@ std::optional<QPoint> takeOffset(Call* call) {
 MouseStyle takeStyle(Call* call) {
     MouseStyle style;
     QString modifiers;
+    bool mayBeButton = false;
     if (call->hasNumber()) {
         const int number = call->takeNumber("button");
         style.button = static_cast<Qt::MouseButton>(number);
@@ -46,15 +47,17 @@ MouseStyle takeStyle(Call* call) {
     } else if (call->hasText()) {
         const QString text = call->takeText("button");
         const Qt::MouseButton button = buttonOf(text);
-        if (button != Qt::NoButton)
+        if (button != Qt::NoButton) {
             style.button = button;
-        else if (call->isAtEnd())
+        } else if (call->isAtEnd()) {
             modifiers = text;
-        else
+            mayBeButton = !text.contains(QLatin1Char('+'));
+        } else {
             throw CallError(Wire::FailureCode::BadArgument,
                             QStringLiteral("'%1' is no mouse button: \"left\", \"right\" or "
                                            "\"middle\"")
                                 .arg(text));
+        }
     }
     if (call->hasNumber())
         style.modifiers = Qt::KeyboardModifiers(call->takeNumber("modifiers"));
@@ -63,8 +66,11 @@ MouseStyle takeStyle(Call* call) {
     call->takeEnd();
     QString error;
     Qt::KeyboardModifiers named;
-    if (!parseModifiers(modifiers, &named, &error))
+    if (!parseModifiers(modifiers, &named, &error)) {
+        if (mayBeButton)
+            error = QStringLiteral("'%1' is neither a mouse button nor a modifier").arg(modifiers);
         throw CallError(Wire::FailureCode::BadArgument, error);
+    }
     style.modifiers |= named;
     return style;
 }

@@ -164,10 +164,9 @@ const FunctionRow testFunctions[] = {
     {"attachImage"},
     {"startVideoCapture"},
     {"stopVideoCapture"},
-    {"expect", testExpect, "objectOrName properties", "timeout comment",
+    {"expect", testExpect, "nameOrObject properties", "timeout comment",
      "Passes as soon as the object is there and has all the properties; returns whether it had "
-     "them "
-     "in time"},
+     "them in time"},
 };
 
 const FunctionRow objectMapFunctions[] = {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QRegularExpression>
 
 #include "support/fakelanguage.h"
@@ -75,6 +76,34 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
     context.names.clear();
     context.initFunctions();
     EXPECT_EQ(context.names, first);
+}
+
+TEST(Registration, ArgumentsHaveTheNamesThatAreDocumented) {
+    ListingContext().initFunctions();
+    QFile document(TAMRIX_TEST_SOURCE_DIR "/docs/scripts.md");
+    ASSERT_TRUE(document.open(QIODevice::ReadOnly));
+    // Calls with plain arguments in the first column of a table: `object.children(object)`.
+    const QRegularExpression call("`([\\w.]+)\\(([\\w=, ]*)\\)`");
+    int checked = 0;
+    for (const QString& line : QString::fromUtf8(document.readAll()).split('\n')) {
+        if (!line.startsWith("| `"))
+            continue;
+        auto found = call.globalMatch(line.section(" | ", 0, 0));
+        while (found.hasNext()) {
+            const QRegularExpressionMatch match = found.next();
+            const auto description =
+                ScriptContext::functionDescription(match.captured(1).replace(".", "::"));
+            const QStringList known =
+                description.requiredParameters + description.optionalParameters;
+            if (description.text.isEmpty())
+                continue;
+            for (const QString& argument : match.captured(2).split(", ", Qt::SkipEmptyParts))
+                EXPECT_TRUE(known.contains(argument.section('=', 0, 0)))
+                    << qPrintable(match.captured(0)) << ": " << qPrintable(known.join(' '));
+            ++checked;
+        }
+    }
+    EXPECT_GT(checked, 30);
 }
 
 }  // namespace
