@@ -19,7 +19,8 @@ def serves_during(what, function, *arguments):
         function(*arguments)
     except RuntimeError:
         pass
-    test.verify(served - before > 20, "%s: %d" % (what, served - before))
+    # A function that keeps the lock lets one turn pass at most; on a busy machine there are not many.
+    test.verify(served - before > 5, "%s: %d" % (what, served - before))
 
 
 def main():
