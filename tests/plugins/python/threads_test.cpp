@@ -49,10 +49,10 @@ TEST_F(PythonThreads, RunWhileAFunctionWaits) {
     });
     EXPECT_EQ(run(R"py(
 assert counted(holdLock) <= 1
-assert counted(sleepAside) > 5
-assert counted(pollAside) > 5
-assert counted(waitFor, "False", 300) > 5
-assert counted(waitFor, lambda: False, 300) > 5
+assert counted(sleepAside) > 20
+assert counted(pollAside) > 20
+assert counted(waitFor, "False", 300) > 20
+assert counted(waitFor, lambda: False, 300) > 20
 )py"),
               "");
 }

@@ -19,8 +19,7 @@ def serves_during(what, function, *arguments):
         function(*arguments)
     except RuntimeError:
         pass
-    # A function that keeps the lock lets one turn pass at most; on a busy machine there are not many.
-    test.verify(served - before > 5, "%s: %d" % (what, served - before))
+    test.verify(served - before > 20, "%s: %d" % (what, served - before))
 
 
 def main():
@@ -37,7 +36,7 @@ def main():
     serves_during("highlightObject", highlightObject, button, 400, True)
 
     def many_requests():
-        for _ in range(500):
+        for _ in range(2000):
             button.text
     serves_during("requests", many_requests)
     ends.set()
