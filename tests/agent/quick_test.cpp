@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QRect>
 
 #include "support/agentclient.h"
@@ -43,6 +44,18 @@ TEST(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
             result = client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, lookUp);
         EXPECT_TRUE(result.isReady) << result.obstacle.toStdString();
     }
+}
+
+TEST(QuickTest, AProgramWithoutWidgetsGetsNone) {
+    AgentClient client("quick_target");
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    ASSERT_NE(client.find({"text=Scene"}).handle, 0U);
+    QFile maps(QString("/proc/%1/maps").arg(client.pid()));
+    ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
+    const QByteArray libraries = maps.readAll();
+    EXPECT_TRUE(libraries.contains("libtamrixagentquick.so"));
+    EXPECT_FALSE(libraries.contains("libtamrixagentwidgets.so"));
+    EXPECT_FALSE(libraries.contains("libQt5Widgets.so"));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <exception>
 #include <tuple>
 
-#include "agent/core/quicklibrary.h"
+#include "agent/core/toolkitlibraries.h"
 
 namespace Tamrix::Agent {
 
@@ -140,7 +140,7 @@ void AgentSession::workOnNext() {
     m_isScheduled = false;
     if (m_current != 0 || m_requests.isEmpty())
         return;
-    loadQuickWhereItIs(this);
+    loadToolkitLibraries(this);
     const Wire::Frame frame = m_requests.dequeue();
     m_current = ++m_lastNumber;
     auto responder = std::make_shared<FrameResponder>(this, frame.sequence, m_current);
@@ -226,15 +226,14 @@ QVector<Element> AgentSession::topLevels() const {
     return elements;
 }
 
-bool AgentSession::isItemType(const QString& typeName) const {
-    return std::any_of(m_toolkits.cbegin(), m_toolkits.cend(),
-                       [&typeName](const auto& toolkit) { return toolkit->isItemType(typeName); });
-}
-
-bool AgentSession::showsOfHidden(const QString& typeName) const {
-    return std::any_of(m_toolkits.cbegin(), m_toolkits.cend(), [&typeName](const auto& toolkit) {
-        return toolkit->showsOfHidden(typeName);
-    });
+TypeTraits AgentSession::traitsOf(const QString& typeName) const {
+    TypeTraits traits;
+    for (const auto& toolkit : m_toolkits) {
+        const TypeTraits each = toolkit->traitsOf(typeName);
+        traits.areItems |= each.areItems;
+        traits.showBelowHidden |= each.showBelowHidden;
+    }
+    return traits;
 }
 
 Wire::ObjectInfo AgentSession::info(const Element& element) {

@@ -28,8 +28,7 @@ public:
     void addToolkit(std::unique_ptr<Toolkit> toolkit) override;
     Element element(QObject* object) const override;
     QVector<Element> topLevels() const override;
-    bool isItemType(const QString& typeName) const override;
-    bool showsOfHidden(const QString& typeName) const override;
+    TypeTraits traitsOf(const QString& typeName) const override;
     quint64 handle(const Element& element) override { return m_handles.handle(element); }
     Wire::ObjectInfo info(const Element& element) override;
     Outcome<Element> find(quint64 handle) override { return m_handles.find(handle); }

@@ -42,7 +42,7 @@ struct Found {
 Found findType(const QString& name) {
     Found found;
     QSet<const QMetaObject*> seen;
-    const bool isItemType = Session::self()->isItemType(name);
+    const bool isItemType = Session::self()->traitsOf(name).areItems;
     for (const Element& root : Session::self()->topLevels()) {
         walkTree(root, isItemType, [&](const Element& element) {
             if (element.isItem()) {

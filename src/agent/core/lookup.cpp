@@ -97,7 +97,7 @@ void ObjectFinder::add(const Wire::Criterion& wanted) {
 bool ObjectFinder::mayItemsMatch() const {
     for (const Criterion& criterion : m_criteria) {
         if (criterion.cost == Cost::Type && criterion.isPlain &&
-            !Session::self()->isItemType(criterion.wanted))
+            !Session::self()->traitsOf(criterion.wanted).areItems)
             return false;
         // Items have no names.
         if (criterion.cost == Cost::Name && criterion.isPlain && !criterion.wanted.isEmpty())
@@ -109,7 +109,7 @@ bool ObjectFinder::mayItemsMatch() const {
 bool ObjectFinder::maySeeOfHidden() const {
     for (const Criterion& criterion : m_criteria) {
         if (criterion.cost == Cost::Type && criterion.isPlain)
-            return Session::self()->showsOfHidden(criterion.wanted);
+            return Session::self()->traitsOf(criterion.wanted).showBelowHidden;
     }
     return true;
 }

@@ -91,7 +91,7 @@ void NameIndex::add(const Element& element, int parent, int container, int root)
     const Toolkit::Hint hint = toolkit->hint(element);
     entry.values[ByHint] = nameableText(hint.value);
     entry.hintName = hint.name;
-    const Element field = toolkit->labelledField(element);
+    const Element field = toolkit->related(element, Toolkit::Relation::LabelledField);
     if (!field.isNull())
         m_labels.insert(field, index);
     m_entries.push_back(std::move(entry));
@@ -109,10 +109,10 @@ int NameIndex::indexOf(const Element& element) {
 void NameIndex::addLabels() {
     for (auto label = m_labels.cbegin(); label != m_labels.cend(); ++label) {
         const int field = indexOf(label.key());
-        if (field >= 0 && label.key().toolkit->buddy(label.key()) ==
-                              m_entries[static_cast<size_t>(label.value())].element)
-            m_entries[static_cast<size_t>(field)].values[ByLabel] =
-                m_entries[static_cast<size_t>(label.value())].values[ByText];
+        const Entry& entry = m_entries[static_cast<size_t>(label.value())];
+        if (field >= 0 &&
+            label.key().toolkit->related(label.key(), Toolkit::Relation::Label) == entry.element)
+            m_entries[static_cast<size_t>(field)].values[ByLabel] = entry.values[ByText];
     }
 }
 

@@ -6,7 +6,7 @@
 #include <QWindow>
 
 #include "agent/core/session.h"
-#include "agent/input/windowstack.h"
+#include "agent/core/windowstack.h"
 
 namespace Tamrix::Agent {
 
@@ -65,7 +65,7 @@ void ObjectToolkit::topLevels(QVector<Element>* elements) const {
     elements->append(element(QCoreApplication::instance()));
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         const Element top = Session::self()->element(window);
-        if (top.toolkit == this && !window->inherits("QWidgetWindow"))
+        if (top.toolkit == this)
             elements->append(top);
     }
 }
@@ -116,7 +116,6 @@ bool ObjectToolkit::isEnabled(const Element& /*element*/) const {
 bool ObjectToolkit::isInternal(const Element& element) const {
     const QByteArray name = element.object->metaObject()->className();
     return (name.startsWith('Q') && name.contains("Private")) ||
-           element.object->inherits("QLayout") || element.object->inherits("QStyle") ||
            element.object->property(internalWindowProperty).isValid();
 }
 

@@ -1,8 +1,9 @@
+#include "agent/core/propertyhandlers.h"
+
 #include <QMetaProperty>
 
 #include "agent/core/classinfo.h"
 #include "agent/core/globalfunctions.h"
-#include "agent/core/handlers.h"
 #include "agent/core/methodcall.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"

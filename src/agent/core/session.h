@@ -13,6 +13,7 @@
 namespace Tamrix::Agent {
 
 class Toolkit;
+struct TypeTraits;
 
 /// The one answer to a request, and the end of its work. Shared by whoever works on the request;
 /// the session takes the next request when finish() was called, or when the last copy is gone: a
@@ -74,10 +75,8 @@ public:
     /// Every top-level element of all toolkits, visible or not: shown ones in the order in which
     /// they were first shown, then those that never were.
     virtual QVector<Element> topLevels() const = 0;
-    /// Whether a toolkit has items of this type.
-    virtual bool isItemType(const QString& typeName) const = 0;
-    /// As Toolkit::showsOfHidden(), of all toolkits.
-    virtual bool showsOfHidden(const QString& typeName) const = 0;
+    /// What any of the toolkits knows of a type.
+    virtual TypeTraits traitsOf(const QString& typeName) const = 0;
     /// The element's handle, made on first use; the same for the same element ever after.
     virtual quint64 handle(const Element& element) = 0;
     /// Handle, type and name, as they travel; handle 0 for a null element.

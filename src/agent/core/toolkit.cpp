@@ -18,55 +18,51 @@ Element Toolkit::element(QObject* object) const {
     return element;
 }
 
-Element Toolkit::buddy(const Element& /*element*/) const {
+Element ToolkitTree::related(const Element& /*element*/, Relation /*relation*/) const {
     return {};
 }
 
-Element Toolkit::labelledField(const Element& /*element*/) const {
-    return {};
-}
-
-bool Toolkit::isAlive(const Element& /*element*/) const {
+bool ToolkitTree::isAlive(const Element& /*element*/) const {
     return true;
 }
 
-QString Toolkit::typeName(const Element& element) const {
+QString ToolkitNames::typeName(const Element& element) const {
     return typeNameOf(element.object->metaObject());
 }
 
-QStringList Toolkit::superTypes(const Element& element) const {
+QStringList ToolkitNames::superTypes(const Element& element) const {
     return superTypesOf(element.object->metaObject());
 }
 
-QString Toolkit::name(const Element& element) const {
+QString ToolkitNames::name(const Element& element) const {
     return element.isItem() ? QString() : element.object->objectName();
 }
 
-Toolkit::Hint Toolkit::hint(const Element& /*element*/) const {
+ToolkitNames::Hint ToolkitNames::hint(const Element& /*element*/) const {
     return {};
 }
 
-QString Toolkit::hiddenReason(const Element& /*element*/) const {
+QString ToolkitLook::hiddenReason(const Element& /*element*/) const {
     return {};
 }
 
-bool Toolkit::showsOfHidden(const QString& /*typeName*/) const {
-    return false;
+TypeTraits ToolkitNames::traitsOf(const QString& /*typeName*/) const {
+    return {};
 }
 
-bool Toolkit::isTextLasting(const Element& /*element*/) const {
+bool ToolkitNames::isTextLasting(const Element& /*element*/) const {
     return true;
 }
 
-bool Toolkit::isInternal(const Element& /*element*/) const {
+bool ToolkitLook::isInternal(const Element& /*element*/) const {
     return false;
 }
 
-bool Toolkit::isPlain(const Element& /*element*/) const {
+bool ToolkitLook::isPlain(const Element& /*element*/) const {
     return false;
 }
 
-QVariant Toolkit::property(const Element& element, const QString& name, bool* isKnown) const {
+QVariant ToolkitLook::property(const Element& element, const QString& name, bool* isKnown) const {
     *isKnown = false;
     if (element.isItem())
         return {};
@@ -76,7 +72,7 @@ QVariant Toolkit::property(const Element& element, const QString& name, bool* is
     return *isKnown ? element.object->property(bytes.constData()) : QVariant();
 }
 
-QStringList Toolkit::propertyNames(const Element& element) const {
+QStringList ToolkitLook::propertyNames(const Element& element) const {
     QStringList names;
     if (element.isItem())
         return names;
@@ -91,8 +87,8 @@ QStringList Toolkit::propertyNames(const Element& element) const {
     return names;
 }
 
-bool Toolkit::receivesThrough(const Element& element, const Element& hit,
-                              Qt::MouseButton /*button*/) const {
+bool ToolkitPlace::receivesThrough(const Element& element, const Element& hit,
+                                   Qt::MouseButton /*button*/) const {
     // The element or something in it.
     for (Element each = hit; !each.isNull(); each = each.toolkit->parent(each)) {
         if (each == element)
@@ -101,22 +97,90 @@ bool Toolkit::receivesThrough(const Element& element, const Element& hit,
     return false;
 }
 
-Element Toolkit::openListOver(const Element& /*element*/) const {
+Element ToolkitPlace::openListOver(const Element& /*element*/) const {
     return {};
 }
 
-bool Toolkit::scrollIntoView(const Element& /*element*/) const {
+bool ToolkitPlace::scrollIntoView(const Element& /*element*/) const {
     return false;
 }
 
-bool Toolkit::isItemType(const QString& /*typeName*/) const {
-    return false;
+Outcome<Field> ToolkitAct::field(const Element& element) const {
+    return fail(
+        FailureKind::Refused,
+        QStringLiteral("%1 is no field that takes text").arg(Session::self()->describe(element)));
 }
 
-Element Toolkit::item(const Element& view, const ItemPath& /*path*/, int /*row*/, int /*column*/,
-                      QString* reason) const {
-    *reason = QStringLiteral("%1 has no items").arg(Session::self()->describe(view));
+Outcome<CheckMark> ToolkitAct::checkMark(const Element& element) const {
+    const auto boolProperty = [&element](const char* name, bool* isKnown) {
+        return element.toolkit->property(element, QString::fromLatin1(name), isKnown).toBool();
+    };
+    const bool isExclusive =
+        !element.isItem() && element.object->property("autoExclusive").toBool();
+    // Boxes that may have three states.
+    const QVariant state = element.isItem() ? QVariant() : element.object->property("checkState");
+    if (state.isValid())
+        return CheckMark{checkStateOf(state), isExclusive};
+    bool isKnown = false;
+    const bool isCheckable = boolProperty("checkable", &isKnown) || !isKnown;
+    const bool isChecked = boolProperty("checked", &isKnown);
+    if (!isCheckable || !isKnown)
+        return fail(FailureKind::Refused,
+                    QStringLiteral("%1 can't be checked").arg(Session::self()->describe(element)));
+    return CheckMark{isChecked ? CheckState::Checked : CheckState::Unchecked, isExclusive};
+}
+
+QRect ToolkitAct::clickArea(const Element& element, ClickPurpose /*purpose*/) const {
+    return element.toolkit->globalBounds(element);
+}
+
+void ToolkitAct::takeFocus(const Element& /*element*/, Qt::FocusReason /*reason*/) const {}
+
+void ToolkitAct::tellTyping(const Element& /*element*/, Typing /*typing*/) const {}
+
+std::function<void()> ToolkitAct::closerOf(const Element& /*element*/) const {
     return {};
+}
+
+int ToolkitAct::quietTime() const {
+    return 2;
+}
+
+CheckState checkStateOf(const QVariant& state) {
+    switch (state.toInt()) {
+        case Qt::Unchecked:
+            return CheckState::Unchecked;
+        case Qt::PartiallyChecked:
+            return CheckState::Partly;
+        default:
+            return CheckState::Checked;
+    }
+}
+
+Menu::~Menu() = default;
+
+Outcome<Element> Menu::element() const {
+    return Session::self()->find(m_element.handle());
+}
+
+Outcome<Element> ToolkitItems::item(const Element& view, const ItemPath& /*path*/, int /*row*/,
+                                    int /*column*/) const {
+    return fail(FailureKind::Refused,
+                QStringLiteral("%1 has no items").arg(Session::self()->describe(view)));
+}
+
+bool ToolkitItems::isWithinClosed(const Element& /*item*/) const {
+    return false;
+}
+
+void ToolkitItems::openTowards(const Element& /*view*/, const ItemPath& /*path*/) const {}
+
+std::optional<ItemPopup> ToolkitItems::itemPopup(const Element& /*view*/) const {
+    return std::nullopt;
+}
+
+std::shared_ptr<const Menu> ToolkitItems::menu(const Element& /*element*/) const {
+    return nullptr;
 }
 
 }  // namespace Tamrix::Agent

@@ -84,7 +84,7 @@ Element relatedElement(const Element& element, const QString& property) {
         case Word::Container:
             return containerOf(element);
         case Word::Buddy:
-            return element.toolkit->buddy(element);
+            return element.toolkit->related(element, Toolkit::Relation::Label);
         default:
             return {};
     }

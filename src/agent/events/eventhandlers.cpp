@@ -1,6 +1,7 @@
+#include "agent/events/eventhandlers.h"
+
 #include <QCoreApplication>
 
-#include "agent/core/handlers.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
 #include "agent/events/eventfactory.h"

@@ -72,8 +72,9 @@ bool EventWatch::matches(const Entry& entry, QObject* object, int type) {
         return false;
     if (!entry.handler.className.isEmpty())
         return isOfClass(element, entry.handler.className);
-    // The window behind a top-level widget has the same events once more.
-    return !object->inherits("QWidgetWindow") && !element.toolkit->isInternal(element);
+    // What only stands for another object, as the window behind a widget does, has the same events
+    // once more.
+    return element.object == object && !element.toolkit->isInternal(element);
 }
 
 bool EventWatch::eventFilter(QObject* object, QEvent* event) {

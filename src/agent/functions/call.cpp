@@ -106,32 +106,24 @@ void Call::takeEnd() const {
                          .arg(QString::number(m_arguments.size()), QString::number(m_next)));
 }
 
-QString notReadyText(const Element& element, const QString& obstacle) {
-    return QStringLiteral("%1 is not ready: %2").arg(Session::self()->describe(element), obstacle);
-}
-
-QString notReadyText(const ElementRef& element, const QString& obstacle) {
-    const Outcome<Element> found = Session::self()->find(element.handle());
-    return found ? notReadyText(*found, obstacle) : found.error().text;
-}
-
-bool failIfGone(const Call& call, const ElementRef& element) {
-    return Session::self()->findOrFail(element.handle(), call.responder()).isNull();
+void failNotReady(const Call& call, const ElementRef& element, const QString& obstacle) {
+    const Element found = Session::self()->findOrFail(element.handle(), call.responder());
+    if (!found.isNull())
+        call.responder()->fail(
+            FailureKind::NotReady,
+            QStringLiteral("%1 is not ready: %2").arg(Session::self()->describe(found), obstacle));
 }
 
 void whenReady(const Call& call, const Element& element, const Aim& aim,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act) {
-    const ElementRef ref(element);
     waitUntilReady(element, aim, call.timeout(),
-                   [responder = call.responder(), ref, act](const Readiness& readiness) {
+                   [call, ref = ElementRef(element), act](const Readiness& readiness) {
                        if (readiness.isReady) {
                            act(ref, readiness.point);
                            return;
                        }
-                       responder->fail(
-                           ref.get().isNull() ? FailureKind::Gone : FailureKind::NotReady,
-                           notReadyText(ref, readiness.obstacle));
-                       responder->finish();
+                       failNotReady(call, ref, readiness.obstacle);
+                       call.responder()->finish();
                    });
 }
 

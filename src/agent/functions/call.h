@@ -7,11 +7,11 @@
 #include <functional>
 #include <optional>
 
+#include "agent/core/elementref.h"
 #include "agent/core/itempath.h"
-#include "agent/core/readiness.h"
 #include "agent/core/session.h"
-#include "agent/input/elementref.h"
 #include "agent/input/stepqueue.h"
+#include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
 
@@ -62,12 +62,8 @@ private:
     int m_next = 0;
 };
 
-/// "QPushButton 'OK' is not ready: it is disabled".
-QString notReadyText(const Element& element, const QString& obstacle);
-/// The same, or that the element is gone.
-QString notReadyText(const ElementRef& element, const QString& obstacle);
-/// Fails the call when the element is gone; false when it is there.
-bool failIfGone(const Call& call, const ElementRef& element);
+/// Fails the call: "QPushButton 'OK' is not ready: it is disabled", or that the element is gone.
+void failNotReady(const Call& call, const ElementRef& element, const QString& obstacle);
 
 /// Calls `act` with the point to use when the element is ready; fails the call when it is not in
 /// time.

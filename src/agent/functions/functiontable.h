@@ -1,5 +1,6 @@
 #pragma once
 
+#include "agent/core/contract/items.h"
 #include "agent/functions/call.h"
 
 /// The global functions, each in the file of its family. Each reads its arguments, waits until the
@@ -35,13 +36,8 @@ void testDataExists(Call& call);
 void testDataRemove(Call& call);
 
 // menuitems.cpp
-/// The part of selectItem() for QMenu and QMenuBar; false for other elements.
-bool selectMenuItem(const Call& call, const Element& element, const ItemPath& path);
-// quickmenus.cpp
-/// The part of selectItem() for the menus and bars of Qt Quick; false for other elements.
-bool selectQuickMenuItem(const Call& call, const Element& element, const ItemPath& path);
-// comboitems.cpp
-/// The part of selectItem() for combo boxes; false for other elements.
-bool selectComboItem(const Call& call, const Element& element, const ItemPath& path);
+/// selectItem() in a menu or menu bar.
+void selectInMenu(const Call& call, const Element& element, const std::shared_ptr<const Menu>& menu,
+                  const ItemPath& path);
 
 }  // namespace Tamrix::Agent

@@ -1,96 +1,131 @@
 #include <QPointer>
-#include <QTreeView>
 
-#include "agent/core/readiness.h"
+#include "agent/core/toolkit.h"
 #include "agent/functions/functiontable.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
-#include "agent/qtwidgets/itemtoolkit.h"
+#include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
 
 namespace {
 
-/// Qt Quick's combo boxes make their items when their popup opens.
-bool hasOwnPopup(const Element& element) {
-    return !element.isItem() && element.object->inherits("QQuickComboBox");
+/// A view or box, and the way to the item in it.
+struct ItemWay {
+    Call call;
+    ElementRef view;
+    ItemPath path;
+};
+
+Outcome<Element> itemOf(const ItemWay& way) {
+    const Outcome<Element> view = Session::self()->find(way.view.handle());
+    return view ? view->toolkit->item(*view, way.path, -1, -1) : view;
 }
 
-Element itemOf(const ElementRef& ref, const ItemPath& path, QString* reason) {
-    const Element view = ref.get();
-    return view.isNull() ? Element() : view.toolkit->item(view, path, -1, -1, reason);
+bool isWithinClosed(const Element& item) {
+    return item.toolkit->isWithinClosed(item);
 }
 
-/// Opens what is closed on the way to an item.
-void openTowards(const ElementRef& ref, const ItemPath& path) {
-    auto* const tree = qobject_cast<QTreeView*>(ref.get().object);
-    if (tree != nullptr && tree->model() != nullptr)
-        expandTowards(tree, path);
+void openTowards(const ItemWay& way) {
+    const Element view = way.view.get();
+    if (!view.isNull())
+        view.toolkit->openTowards(view, way.path);
 }
 
-bool isWithinClosed(const ElementRef& ref, const Element& item) {
-    const auto* const tree = qobject_cast<QTreeView*>(ref.get().object);
-    if (tree == nullptr || !item.index.isValid())
-        return false;
-    for (QModelIndex above = item.index.parent(); above.isValid() && above != tree->rootIndex();
-         above = above.parent())
-        if (!tree->isExpanded(above))
-            return true;
-    return false;
+void failNotFound(const ItemWay& way) {
+    const Outcome<Element> item = itemOf(way);
+    if (!item)
+        way.call.responder()->fail(
+            item.error().kind == FailureKind::Gone ? FailureKind::Gone : FailureKind::NotFound,
+            item.error().text);
+    else
+        way.call.responder()->fail(FailureKind::NotFound,
+                                   QStringLiteral("'%1' is in a closed item").arg(way.path.text()));
 }
 
-void failNotFound(const Call& call, const ElementRef& view, const ItemPath& path) {
-    if (failIfGone(call, view))
-        return;
-    QString reason;
-    const Element found = itemOf(view, path, &reason);
-    if (reason.isEmpty())
-        reason = found.isNull() ? QStringLiteral("there is no item '%1'").arg(path.text())
-                                : QStringLiteral("'%1' is in a closed item").arg(path.text());
-    call.responder()->fail(FailureKind::NotFound, reason);
-}
+/// How the mouse comes to an item.
+enum class Approach {
+    Straight,
+    /// A list takes the release of a click near the one that opened it for the end of that.
+    FromAside
+};
 
 /// Adds steps that wait for the item, opening what holds it, and click it.
-void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view,
-                  const ItemPath& path) {
-    const auto isThere = [view, path] {
-        QString reason;
-        const Element item = itemOf(view, path, &reason);
-        return !item.isNull() && !isWithinClosed(view, item);
-    };
+void addItemClick(StepQueue* queue, const ItemWay& way, Approach approach) {
     queue->waitFor(
-        [queue, view, path, isThere] {
-            if (isThere())
+        [queue, way] {
+            const Outcome<Element> item = itemOf(way);
+            if (item && !isWithinClosed(*item))
                 return true;
             // Code of the application runs below it.
             QMetaObject::invokeMethod(
-                queue, [view, path] { openTowards(view, path); }, Qt::QueuedConnection);
+                queue, [way] { openTowards(way); }, Qt::QueuedConnection);
             return false;
         },
-        call.timeout(), [call, view, path] { failNotFound(call, view, path); });
-    queue->add([queue, call, view, path] {
-        QString reason;
-        const Element item = itemOf(view, path, &reason);
-        if (item.isNull()) {
-            failNotFound(call, view, path);
+        way.call.timeout(), [way] { failNotFound(way); });
+    queue->add([queue, way, approach] {
+        const Outcome<Element> item = itemOf(way);
+        if (!item) {
+            failNotFound(way);
             return;
         }
         queue->hold();
         const QPointer<StepQueue> guard(queue);
-        waitUntilReady(item, Aim(), call.timeout(),
-                       [guard, call, ref = ElementRef(item)](const Readiness& readiness) {
+        waitUntilReady(*item, Aim(), way.call.timeout(),
+                       [guard, way, approach, ref = ElementRef(*item)](const Readiness& readiness) {
                            if (guard == nullptr)
                                return;
                            guard->resume();
                            if (!readiness.isReady) {
-                               call.responder()->fail(FailureKind::NotReady,
-                                                      notReadyText(ref, readiness.obstacle));
+                               failNotReady(way.call, ref, readiness.obstacle);
                                return;
                            }
-                           addAnswer(guard, call);
+                           constexpr QPoint detour(30, 0);
+                           addAnswer(guard, way.call);
+                           if (approach == Approach::FromAside)
+                               addMove(guard, ref, readiness.point + detour);
                            addClick(guard, ref, readiness.point);
                        });
     });
+}
+
+bool isOpen(const ElementRef& ref) {
+    const Element box = ref.get();
+    return !box.isNull() && box.toolkit->itemPopup(box).value_or(ItemPopup()).isOpen;
+}
+
+void selectInView(const ItemWay& way) {
+    // A view whose middle is covered by an item's editor is still a view: its items count.
+    auto* const queue = StepQueue::create();
+    addActivation(queue, way.view);
+    addItemClick(queue, way, Approach::Straight);
+    run(queue, way.call);
+}
+
+void selectInPopup(const Call& call, const Element& box, const ItemPopup& popup,
+                   const ItemPath& path) {
+    // An open list may cover what opens it.
+    const Aim aim = popup.isOpen ? Aim::withoutPoint() : Aim{popup.button};
+    whenReady(
+        call, box, aim,
+        [call, path, knowsItems = popup.knowsItems](const ElementRef& ref, const QPoint& point) {
+            const ItemWay way{call, ref, path};
+            auto* const queue = StepQueue::create();
+            if (knowsItems)
+                queue->waitFor([way] { return itemOf(way).has_value(); }, call.timeout(),
+                               [way] { failNotFound(way); });
+            addActivation(queue, ref);
+            queue->add([queue, ref, point] {
+                if (!isOpen(ref))
+                    addClick(queue, ref, point);
+            });
+            queue->waitFor(
+                [ref] { return isOpen(ref); }, call.timeout(),
+                [call, ref] { failNotReady(call, ref, QStringLiteral("its list does not open")); });
+            queue->call([way] { openTowards(way); });
+            addItemClick(queue, way, Approach::FromAside);
+            run(queue, call);
+        });
 }
 
 }  // namespace
@@ -99,24 +134,13 @@ void selectItem(Call& call) {
     const Element element = call.takeObject();
     const ItemPath path = call.takePath("text");
     call.takeEnd();
-    if (selectMenuItem(call, element, path) || selectQuickMenuItem(call, element, path) ||
-        selectComboItem(call, element, path))
-        return;
-    // A view whose middle is covered by an item's editor is still a view: its items count.
-    if (!hasOwnPopup(element)) {
-        auto* const queue = StepQueue::create();
-        addActivation(queue, ElementRef(element));
-        addItemClick(queue, call, ElementRef(element), path);
-        run(queue, call);
-        return;
-    }
-    whenReady(call, element, Aim(), [=](const ElementRef& ref, const QPoint& point) {
-        auto* const queue = StepQueue::create();
-        addActivation(queue, ref);
-        addClick(queue, ref, point);
-        addItemClick(queue, call, ref, path);
-        run(queue, call);
-    });
+    const std::optional<ItemPopup> popup = element.toolkit->itemPopup(element);
+    if (const std::shared_ptr<const Menu> menu = element.toolkit->menu(element))
+        selectInMenu(call, element, menu, path);
+    else if (popup)
+        selectInPopup(call, element, *popup, path);
+    else
+        selectInView(ItemWay{call, ElementRef(element), path});
 }
 
 }  // namespace Tamrix::Agent

@@ -1,61 +1,19 @@
-#include <QAbstractSpinBox>
 #include <QClipboard>
-#include <QComboBox>
 #include <QGuiApplication>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTextEdit>
 
+#include "agent/core/toolkit.h"
 #include "agent/functions/functiontable.h"
 #include "agent/input/activation.h"
 #include "agent/input/keyboard.h"
-#include "agent/qtwidgets/openlist.h"
 
 namespace Tamrix::Agent {
 
 namespace {
 
-struct Field {
-    bool isField = false;
-    bool isReadOnly = false;
-};
-
-template <typename Widget>
-bool readField(QObject* object, Field* field) {
-    const auto* const widget = qobject_cast<Widget*>(object);
-    if (widget == nullptr)
-        return false;
-    *field = Field{true, widget->isReadOnly()};
-    return true;
-}
-
-Field fieldOf(QObject* object) {
-    Field field;
-    if (readField<QLineEdit>(object, &field) || readField<QTextEdit>(object, &field) ||
-        readField<QPlainTextEdit>(object, &field) || readField<QAbstractSpinBox>(object, &field))
-        return field;
-    if (const auto* const box = qobject_cast<QComboBox*>(object))
-        return Field{box->isEditable(), box->isEditable() && box->lineEdit()->isReadOnly()};
-    if (object->inherits("QQuickTextInput") || object->inherits("QQuickTextEdit"))
-        return Field{true, object->property("readOnly").toBool()};
-    if (object->inherits("QQuickSpinBox"))
-        return Field{true, !object->property("editable").toBool()};
-    if (object->inherits("QQuickComboBox"))
-        return Field{object->property("editable").toBool(), false};
-    return field;
-}
-
-/// Boxes of Qt Quick hold the field that takes their text; others are it themselves.
-Element innerField(const Element& element) {
-    auto* const content = element.object->property("contentItem").value<QObject*>();
-    const bool isField = content != nullptr && content->inherits("QQuickTextInput");
-    return isField ? Session::self()->element(content) : element;
-}
-
-/// What is typed may open a list that is wanted, also in a field that was filled before.
-void keepListOf(const ElementRef& ref) {
-    if (auto* const widget = qobject_cast<QWidget*>(ref.get().object))
-        Agent::keepListOf(focusTaker(widget));
+void tellTyping(const ElementRef& ref, Typing typing) {
+    const Element element = ref.get();
+    if (!element.isNull())
+        element.toolkit->tellTyping(element, typing);
 }
 
 void addTyping(StepQueue* queue, const QString& text) {
@@ -70,17 +28,11 @@ void fill(Call& call) {
     const Element element = call.takeObject();
     const QString text = call.takeText("text");
     call.takeEnd();
-    const Field field = element.isItem() ? Field() : fieldOf(element.object);
-    const QString name = Session::self()->describe(element);
-    if (!field.isField)
-        throw CallError(FailureKind::Refused,
-                        QStringLiteral("%1 is no field that takes text").arg(name));
-    if (field.isReadOnly)
-        throw CallError(FailureKind::Refused, QStringLiteral("%1 is read only").arg(name));
-    // What is typed becomes its value at the end of the line only.
-    const bool isSpinBox = !element.isItem() && element.object->inherits("QQuickSpinBox");
-    whenReady(call, innerField(element), Aim::ofTyping(),
-              [=](const ElementRef& ref, const QPoint&) {
+    const Outcome<Field> field = element.toolkit->field(element);
+    if (!field)
+        throw CallError(field.error());
+    whenReady(call, field->target, Aim::ofTyping(),
+              [=, endsWithReturn = field->endsWithReturn](const ElementRef& ref, const QPoint&) {
                   auto* const queue = StepQueue::create();
                   addFocus(queue, ref, Qt::OtherFocusReason);
                   addAnswer(queue, call);
@@ -93,15 +45,11 @@ void fill(Call& call) {
                           Keyboard::self().pressCombination(keys);
                       });
                   addTyping(queue, text);
-                  if (isSpinBox)
+                  if (endsWithReturn)
                       queue->add([keys = parseKeys(QStringLiteral("Return"), &error)] {
                           Keyboard::self().pressCombination(keys);
                       });
-                  // A list of completions would take the next click.
-                  queue->call([ref] {
-                      if (auto* const widget = qobject_cast<QWidget*>(ref.get().object))
-                          closeListOf(focusTaker(widget));
-                  });
+                  queue->call([ref] { tellTyping(ref, Typing::Fill); });
                   run(queue, call);
               });
 }
@@ -113,7 +61,7 @@ void typeText(Call& call) {
     whenReady(call, element, Aim::ofTyping(), [=](const ElementRef& ref, const QPoint&) {
         auto* const queue = StepQueue::create();
         addFocus(queue, ref, Qt::OtherFocusReason);
-        queue->add([ref] { keepListOf(ref); });
+        queue->add([ref] { tellTyping(ref, Typing::Type); });
         addAnswer(queue, call);
         addTyping(queue, text);
         run(queue, call);
@@ -130,7 +78,7 @@ void press(Call& call) {
     whenReady(call, element, Aim::withoutPoint(), [=](const ElementRef& ref, const QPoint&) {
         auto* const queue = StepQueue::create();
         addFocus(queue, ref, Qt::OtherFocusReason);
-        queue->add([ref] { keepListOf(ref); });
+        queue->add([ref] { tellTyping(ref, Typing::Type); });
         addAnswer(queue, call);
         queue->add([keys] { Keyboard::self().pressCombination(keys); });
         run(queue, call);

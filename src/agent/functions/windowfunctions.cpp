@@ -1,9 +1,9 @@
 #include <qpa/qwindowsysteminterface.h>
-#include <QMdiSubWindow>
 
-#include "agent/core/readiness.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/windowstack.h"
 #include "agent/functions/functiontable.h"
-#include "agent/input/windowstack.h"
+#include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
 
@@ -25,7 +25,8 @@ void closeWindow(Call& call) {
     call.takeEnd();
     // The window, not the element, has to be reachable.
     const Element window = element.toolkit->window(element);
-    const bool isInner = qobject_cast<QMdiSubWindow*>(element.object) != nullptr;
+    const std::function<void()> close = element.toolkit->closerOf(element);
+    const bool isInner = static_cast<bool>(close);
     if (window.isNull() && !isInner)
         throw CallError(
             FailureKind::Refused,
@@ -33,22 +34,17 @@ void closeWindow(Call& call) {
     const ElementRef ref(isInner ? element : window);
 
     auto* const queue = StepQueue::create();
-    queue->waitFor(
-        [ref] { return isClosable(ref); }, call.timeout(),
-        [ref, call] {
-            const Element late = ref.get();
-            const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
-            call.responder()->fail(
-                late.isNull() ? FailureKind::Gone : FailureKind::NotReady,
-                notReadyText(ref,
-                             obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle));
-        });
+    queue->waitFor([ref] { return isClosable(ref); }, call.timeout(),
+                   [ref, call] {
+                       const Element late = ref.get();
+                       const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
+                       failNotReady(
+                           call, ref,
+                           obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle);
+                   });
     addAnswer(queue, call);
     if (isInner)
-        queue->call([ref] {
-            if (auto* const inner = qobject_cast<QMdiSubWindow*>(ref.get().object))
-                inner->close();
-        });
+        queue->call(close);
     else
         queue->add([ref] {
             const Element open = ref.get();

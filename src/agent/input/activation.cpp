@@ -3,10 +3,10 @@
 #include <qpa/qwindowsysteminterface.h>
 #include <QGuiApplication>
 #include <QPointer>
-#include <QWidget>
 #include <QWindow>
 
-#include "agent/input/windowstack.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/windowstack.h"
 
 namespace Tamrix::Agent {
 
@@ -49,31 +49,7 @@ void activateAnyway(const ElementRef& ref) {
             windowToActivate(ref));
 }
 
-void giveFocus(const ElementRef& ref, Qt::FocusReason reason) {
-    const Element element = ref.get();
-    if (element.isNull())
-        return;
-    if (auto* const widget = qobject_cast<QWidget*>(element.object)) {
-        QWidget* const taker = focusTaker(widget);
-        const QWidget* const focused = widget->window()->focusWidget();
-        const bool hasFocus = focused != nullptr && (focused == taker || widget == focused ||
-                                                     widget->isAncestorOf(focused));
-        if (!hasFocus && taker->focusPolicy() != Qt::NoFocus)
-            taker->setFocus(reason);
-    } else if (element.object->property("activeFocus").isValid() &&
-               !element.object->property("activeFocus").toBool()) {
-        QMetaObject::invokeMethod(element.object, "forceActiveFocus",
-                                  Q_ARG(Qt::FocusReason, reason));
-    }
-}
-
 }  // namespace
-
-QWidget* focusTaker(QWidget* widget) {
-    while (widget->focusProxy() != nullptr)
-        widget = widget->focusProxy();
-    return widget;
-}
 
 void addActivation(StepQueue* queue, const ElementRef& element) {
     queue->call([element] { activate(element); });
@@ -84,7 +60,11 @@ void addActivation(StepQueue* queue, const ElementRef& element) {
 
 void addFocus(StepQueue* queue, const ElementRef& element, Qt::FocusReason reason) {
     addActivation(queue, element);
-    queue->call([element, reason] { giveFocus(element, reason); });
+    queue->call([ref = element, reason] {
+        const Element target = ref.get();
+        if (!target.isNull())
+            target.toolkit->takeFocus(target, reason);
+    });
 }
 
 }  // namespace Tamrix::Agent

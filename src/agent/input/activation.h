@@ -1,14 +1,9 @@
 #pragma once
 
-#include "agent/input/elementref.h"
+#include "agent/core/elementref.h"
 #include "agent/input/stepqueue.h"
 
-class QWidget;
-
 namespace Tamrix::Agent {
-
-/// The widget that really takes the focus for this one.
-QWidget* focusTaker(QWidget* widget);
 
 /// Adds steps that make the element's window the active one, as a click into it does where a window
 /// manager runs: raises it and waits until it has the focus. Nothing for popups, blocked windows

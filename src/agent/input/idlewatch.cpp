@@ -6,9 +6,11 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QWindow>
+#include <algorithm>
 #include <climits>
 
 #include "agent/core/session.h"
+#include "agent/core/toolkit.h"
 
 namespace Tamrix::Agent {
 
@@ -16,14 +18,16 @@ namespace {
 
 constexpr int longestWait = 500;
 
-/// How long nothing may happen before the application counts as idle. Windows that a scene graph
-/// paints are updated by a timer of 5 ms.
+/// How long nothing may happen, in ms, before the application counts as idle.
 int quietTime() {
+    int time = 0;
     const QWindowList windows = QGuiApplication::topLevelWindows();
-    for (const QWindow* window : windows)
-        if (window->isVisible() && window->inherits("QQuickWindow"))
-            return 8;
-    return 2;
+    for (QWindow* window : windows) {
+        const Element element = Session::self()->element(window);
+        if (window->isVisible() && !element.isNull())
+            time = std::max(time, element.toolkit->quietTime());
+    }
+    return time;
 }
 
 QEvent::Type markerType() {

@@ -1,16 +1,17 @@
+#include "agent/input/inputhandlers.h"
+
 #include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QGuiApplication>
 
-#include "agent/core/handlers.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
+#include "agent/core/windowstack.h"
 #include "agent/input/activation.h"
 #include "agent/input/idlewatch.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/pointer.h"
 #include "agent/input/stepqueue.h"
-#include "agent/input/windowstack.h"
 #include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
@@ -96,7 +97,7 @@ void addActivationOfAny(StepQueue* queue) {
         return;
     const QVector<QWindow*> windows = windowStack();
     for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
-        const Element element = Session::self()->element(contentOf(*it));
+        const Element element = Session::self()->element(*it);
         const bool takesFocus = (*it)->type() != Qt::ToolTip && (*it)->type() != Qt::Popup;
         if (!takesFocus || element.isNull() || !element.toolkit->blockedBy(element).isNull())
             continue;

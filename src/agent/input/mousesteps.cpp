@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "agent/core/toolkit.h"
 #include "agent/input/keyboard.h"
 #include "agent/input/pointer.h"
 

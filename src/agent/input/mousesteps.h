@@ -2,7 +2,7 @@
 
 #include <QPoint>
 
-#include "agent/input/elementref.h"
+#include "agent/core/elementref.h"
 #include "agent/input/stepqueue.h"
 
 namespace Tamrix::Agent {

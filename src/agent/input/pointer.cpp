@@ -5,9 +5,9 @@
 #include <QGuiApplication>
 #include <QStyleHints>
 
+#include "agent/core/windowstack.h"
 #include "agent/input/eventtime.h"
 #include "agent/input/keyboard.h"
-#include "agent/input/windowstack.h"
 
 namespace Tamrix::Agent {
 

@@ -7,7 +7,7 @@
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
-#include "agent/input/windowstack.h"
+#include "agent/core/windowstack.h"
 
 namespace Tamrix::Agent {
 
@@ -22,7 +22,7 @@ QImage composedWindows(const QRect& desktop, double density) {
     for (QWindow* window : windows) {
         if (window->property(internalWindowProperty).isValid())
             continue;
-        const Element element = Session::self()->element(contentOf(window));
+        const Element element = Session::self()->element(window);
         if (element.isNull())
             continue;
         const QRect bounds = element.toolkit->globalBounds(element);

@@ -3,7 +3,8 @@
 #include <QPainter>
 #include <QRasterWindow>
 
-#include "agent/input/windowstack.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/windowstack.h"
 
 namespace Tamrix::Agent {
 

@@ -3,7 +3,7 @@
 #include <QTimer>
 #include <memory>
 
-#include "agent/input/elementref.h"
+#include "agent/core/elementref.h"
 
 class QWindow;
 

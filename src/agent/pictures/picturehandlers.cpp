@@ -1,15 +1,16 @@
+#include "agent/pictures/picturehandlers.h"
+
 #include <QBitmap>
 #include <QBuffer>
 #include <QIcon>
 #include <QImage>
 #include <QPixmap>
 
-#include "agent/core/handlers.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
+#include "agent/core/windowstack.h"
 #include "agent/input/idlewatch.h"
 #include "agent/input/pointer.h"
-#include "agent/input/windowstack.h"
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
 #include "vision/screenshot.h"

@@ -1,5 +1,5 @@
-#include "agent/core/quicklibrary.h"
 #include "agent/core/session.h"
+#include "agent/core/toolkitlibraries.h"
 #include "agent/qtquick/quicktoolkit.h"
 
 void tamrixAgentAddQuick(Tamrix::Agent::Session* session) {

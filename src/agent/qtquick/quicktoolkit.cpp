@@ -181,19 +181,6 @@ bool QuickToolkit::scrollIntoView(const Element& element) const {
     return hasMoved;
 }
 
-Element QuickToolkit::item(const Element& view, const ItemPath& path, int row, int column,
-                           QString* reason) const {
-    QQuickItem* const holder = itemOf(view);
-    if (!holder)
-        return Toolkit::item(view, path, row, column, reason);
-    const Element found = element(findQuickItem(holder, path, row));
-    if (found.isNull())
-        *reason = Session::self()->describe(view) +
-                  (path.isNull() ? QStringLiteral(" has no item in row %1").arg(row)
-                                 : QStringLiteral(" has no item '%1'").arg(path.text()));
-    return found;
-}
-
 QImage QuickToolkit::grab(const Element& element) const {
     QQuickWindow* const window = windowOf(element);
     const QQuickItem* const item = itemOf(element);

@@ -32,8 +32,15 @@ public:
     Element blockedBy(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
-    Element item(const Element& view, const ItemPath& path, int row, int column,
-                 QString* reason) const override;
+
+    // quickact.cpp
+    Outcome<Field> field(const Element& element) const override;
+    void takeFocus(const Element& element, Qt::FocusReason reason) const override;
+    int quietTime() const override;
+    Outcome<Element> item(const Element& view, const ItemPath& path, int row,
+                          int column) const override;
+    std::optional<ItemPopup> itemPopup(const Element& view) const override;
+    std::shared_ptr<const Menu> menu(const Element& element) const override;
 };
 
 }  // namespace Tamrix::Agent

@@ -225,8 +225,16 @@ QImage GraphicsToolkit::grab(const Element& element) const {
     return shown.isValid() ? view->viewport()->grab(shown).toImage() : QImage();
 }
 
-bool GraphicsToolkit::isItemType(const QString& typeName) const {
-    return typeName.startsWith(QLatin1String("QGraphics"));
+TypeTraits GraphicsToolkit::traitsOf(const QString& typeName) const {
+    TypeTraits traits;
+    traits.areItems = typeName.startsWith(QLatin1String("QGraphics"));
+    return traits;
+}
+
+void GraphicsToolkit::takeFocus(const Element& element, Qt::FocusReason reason) const {
+    // Keys for an item go to the view that shows it.
+    if (element.isItem())
+        focusWidget(viewOf(element), reason);
 }
 
 QRect rectInView(const QGraphicsView* view, const QPolygonF& scenePolygon) {

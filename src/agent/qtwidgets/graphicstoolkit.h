@@ -26,6 +26,7 @@ public:
     bool isAlive(const Element& element) const override;
     QString typeName(const Element& element) const override;
     QStringList superTypes(const Element& element) const override;
+    TypeTraits traitsOf(const QString& typeName) const override;
     QString text(const Element& element) const override;
     bool isVisible(const Element& element) const override;
     QString hiddenReason(const Element& element) const override;
@@ -41,7 +42,7 @@ public:
     Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
-    bool isItemType(const QString& typeName) const override;
+    void takeFocus(const Element& element, Qt::FocusReason reason) const override;
 };
 
 /// The rectangle around a polygon of the scene, in coordinates of the view's viewport.

@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "agent/core/session.h"
+#include "agent/qtwidgets/clickarea.h"
 #include "agent/qtwidgets/itemplace.h"
 #include "agent/qtwidgets/openlist.h"
 #include "agent/qtwidgets/widgettext.h"
@@ -304,10 +305,50 @@ QImage ItemToolkit::grab(const Element& item) const {
     return place.widget ? place.widget->grab(place.rect).toImage() : QImage();
 }
 
-bool ItemToolkit::isItemType(const QString& typeName) const {
-    return std::any_of(
+TypeTraits ItemToolkit::traitsOf(const QString& typeName) const {
+    TypeTraits traits;
+    traits.areItems = std::any_of(
         std::begin(itemTypes), std::end(itemTypes),
         [&typeName](const ItemType& each) { return typeName == QLatin1String(each.name); });
+    return traits;
+}
+
+Outcome<CheckMark> ItemToolkit::checkMark(const Element& item) const {
+    const QVariant state = item.index.data(Qt::CheckStateRole);
+    const bool isCheckable = item.index.flags().testFlag(Qt::ItemIsUserCheckable);
+    if (isCheckable && state.isValid())
+        return CheckMark{checkStateOf(state)};
+    return fail(FailureKind::Refused,
+                QStringLiteral("%1 can't be checked").arg(Session::self()->describe(item)));
+}
+
+QRect ItemToolkit::clickArea(const Element& item, ClickPurpose purpose) const {
+    const QRect bounds = globalBounds(item);
+    const QAbstractItemView* const view = viewOf(item);
+    const QRect mark = view && item.index.isValid() && purpose == ClickPurpose::Mark
+                           ? markOfItem(view, item.index, bounds) & bounds
+                           : QRect();
+    return mark.isEmpty() ? bounds : mark;
+}
+
+void ItemToolkit::takeFocus(const Element& item, Qt::FocusReason reason) const {
+    focusWidget(holderOf(item), reason);
+}
+
+void ItemToolkit::tellTyping(const Element& item, Typing typing) const {
+    tellTypingInto(holderOf(item), typing);
+}
+
+bool ItemToolkit::isWithinClosed(const Element& item) const {
+    const auto* const tree = qobject_cast<QTreeView*>(item.object);
+    if (!tree || !item.index.isValid())
+        return false;
+    for (QModelIndex above = item.index.parent(); above.isValid() && above != tree->rootIndex();
+         above = above.parent()) {
+        if (!tree->isExpanded(above))
+            return true;
+    }
+    return false;
 }
 
 }  // namespace Tamrix::Agent

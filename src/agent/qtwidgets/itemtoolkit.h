@@ -28,6 +28,7 @@ public:
     bool isAlive(const Element& element) const override;
     QString typeName(const Element& element) const override;
     QStringList superTypes(const Element& element) const override;
+    TypeTraits traitsOf(const QString& typeName) const override;
     QString text(const Element& element) const override;
     bool isVisible(const Element& element) const override;
     QString hiddenReason(const Element& element) const override;
@@ -45,7 +46,12 @@ public:
     Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
-    bool isItemType(const QString& typeName) const override;
+
+    Outcome<CheckMark> checkMark(const Element& item) const override;
+    QRect clickArea(const Element& item, ClickPurpose purpose) const override;
+    void takeFocus(const Element& item, Qt::FocusReason reason) const override;
+    void tellTyping(const Element& item, Typing typing) const override;
+    bool isWithinClosed(const Element& item) const override;
 };
 
 /// Kinds of items, for Element::kind.

@@ -13,12 +13,7 @@
 #include <QPixmap>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QToolBar>
 #include <QWindow>
-#include <algorithm>
-#include <vector>
 
 #include "agent/core/objecttoolkit.h"
 #include "agent/core/session.h"
@@ -48,28 +43,6 @@ QWidget* showingWidget(const Element& element) {
     return widget ? widget : placeOf(actionOf(element)).widget;
 }
 
-/// The action that the path means, in the menus below too. Null for none.
-QAction* findAction(const QList<QAction*>& actions, const ItemPath& path) {
-    std::vector<std::pair<ItemPath::Fit, QAction*>> candidates;
-    for (QAction* action : actions) {
-        ItemPath::Fit fit = path.fit(actionText(action));
-        if (!fit.isNone() && !action->isSeparator())
-            candidates.emplace_back(std::move(fit), action);
-    }
-    std::stable_sort(candidates.begin(), candidates.end(), [](const auto& left, const auto& right) {
-        return left.first.rank < right.first.rank;
-    });
-    for (const auto& [fit, action] : candidates) {
-        if (fit.rest.isNull())
-            return action;
-        if (!action->menu())
-            continue;
-        if (QAction* const below = findAction(action->menu()->actions(), fit.rest))
-            return below;
-    }
-    return nullptr;
-}
-
 /// The view that shows the graphics scene in which the widget is; null for a widget in none.
 QGraphicsView* viewAround(const QWidget* widget) {
     const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
@@ -82,6 +55,27 @@ QRect rectInViewport(const QWidget* widget, const QRect& rect, const QGraphicsVi
     const QGraphicsProxyWidget* const proxy = widget->window()->graphicsProxyWidget();
     const QRect inWindow(widget->mapTo(widget->window(), rect.topLeft()), rect.size());
     return rectInView(view, proxy->mapToScene(QRectF(inWindow)));
+}
+
+/// The label that names a field: it stands beside the field, or one level above it.
+QWidget* labelOf(const QWidget* field) {
+    if (!field->parentWidget() || field->isWindow())
+        return nullptr;
+    const QWidget* around = field->parentWidget();
+    for (int level = 0; level < 2 && around; ++level, around = around->parentWidget()) {
+        for (QObject* sibling : around->children()) {
+            auto* const label = qobject_cast<QLabel*>(sibling);
+            if (label && label->buddy() == field)
+                return label;
+        }
+    }
+    return nullptr;
+}
+
+QWidget* labelledBy(const QWidget* label) {
+    return factsOf(label).textSource == TextSource::Label
+               ? static_cast<const QLabel*>(label)->buddy()
+               : nullptr;
 }
 
 bool hasIcon(const QObject* object) {
@@ -245,27 +239,18 @@ Element WidgetToolkit::window(const Element& child) const {
     return proxy.isNull() ? element(widget->window()) : proxy.toolkit->window(proxy);
 }
 
-Element WidgetToolkit::buddy(const Element& field) const {
-    QWidget* const widget = widgetOf(field);
-    if (!widget || !widget->parentWidget() || widget->isWindow())
+Element WidgetToolkit::related(const Element& from, Relation relation) const {
+    QWidget* const widget = widgetOf(from);
+    if (!widget)
         return {};
-    // A label stands beside its field, or one level above it.
-    QWidget* around = widget->parentWidget();
-    for (int level = 0; level < 2 && around; ++level, around = around->parentWidget()) {
-        for (QObject* sibling : around->children()) {
-            const auto* const label = qobject_cast<QLabel*>(sibling);
-            if (label && label->buddy() == widget)
-                return element(sibling);
-        }
-    }
-    return {};
+    return element(relation == Relation::Label ? labelOf(widget) : labelledBy(widget));
 }
 
-Element WidgetToolkit::labelledField(const Element& label) const {
-    const QWidget* const widget = widgetOf(label);
-    if (!widget || factsOf(widget).textSource != TextSource::Label)
-        return {};
-    return element(static_cast<const QLabel*>(widget)->buddy());
+TypeTraits WidgetToolkit::traitsOf(const QString& typeName) const {
+    TypeTraits traits;
+    // An action at home in a closed menu may be a button of a tool bar.
+    traits.showBelowHidden = typeName.contains(QLatin1String("Action"));
+    return traits;
 }
 
 QString WidgetToolkit::text(const Element& element) const {
@@ -273,7 +258,7 @@ QString WidgetToolkit::text(const Element& element) const {
     return widget ? textOf(widget) : actionText(actionOf(element));
 }
 
-Toolkit::Hint WidgetToolkit::hint(const Element& element) const {
+ToolkitNames::Hint WidgetToolkit::hint(const Element& element) const {
     const auto* const button = qobject_cast<QAbstractButton*>(element.object);
     const QAction* const action = widgetOf(element) ? nullptr : actionOf(element);
     if ((!button && !action) || !text(element).isEmpty())
@@ -298,11 +283,6 @@ bool WidgetToolkit::isVisible(const Element& element) const {
 QString WidgetToolkit::hiddenReason(const Element& element) const {
     const QWidget* const widget = widgetOf(element);
     return widget ? reasonForHiding(widget) : reasonForHiding(actionOf(element));
-}
-
-bool WidgetToolkit::showsOfHidden(const QString& typeName) const {
-    // An action at home in a closed menu may be a button of a tool bar.
-    return typeName.contains(QLatin1String("Action"));
 }
 
 bool WidgetToolkit::isEnabled(const Element& element) const {
@@ -400,28 +380,6 @@ QImage WidgetToolkit::grab(const Element& element) const {
         return widget->grab().toImage();
     const ActionPlace place = placeOf(actionOf(element));
     return place.widget ? place.widget->grab(place.rect).toImage() : QImage();
-}
-
-Element WidgetToolkit::item(const Element& view, const ItemPath& path, int row, int column,
-                            QString* reason) const {
-    QWidget* const widget = widgetOf(view);
-    const auto* const tabs = qobject_cast<QTabWidget*>(widget);
-    const bool isMenu = qobject_cast<QMenu*>(widget) || qobject_cast<QMenuBar*>(widget) ||
-                        qobject_cast<QToolBar*>(widget);
-    if (!widget || !(isMenu || tabs || factsOf(widget).holdsItems))
-        return Toolkit::item(view, path, row, column, reason);
-    Element found;
-    if (isMenu)
-        found = element(path.isNull() ? widget->actions().value(row)
-                                      : findAction(widget->actions(), path));
-    else
-        found = findItem(tabs ? tabs->tabBar() : widget, path, row, column);
-    if (found.isNull())
-        *reason = Session::self()->describe(view) +
-                  (path.isNull() ? QStringLiteral(" has no item in row %1 and column %2")
-                                       .arg(QString::number(row), QString::number(column))
-                                 : QStringLiteral(" has no item '%1'").arg(path.text()));
-    return found;
 }
 
 }  // namespace Tamrix::Agent

@@ -19,14 +19,13 @@ public:
                   QVector<Element>* elements) const override;
     Element parent(const Element& element) const override;
     Element window(const Element& element) const override;
-    Element buddy(const Element& element) const override;
-    Element labelledField(const Element& element) const override;
+    Element related(const Element& element, Relation relation) const override;
+    TypeTraits traitsOf(const QString& typeName) const override;
     QString text(const Element& element) const override;
     Hint hint(const Element& element) const override;
     bool isTextLasting(const Element& element) const override;
     bool isVisible(const Element& element) const override;
     QString hiddenReason(const Element& element) const override;
-    bool showsOfHidden(const QString& typeName) const override;
     bool isEnabled(const Element& element) const override;
     bool isInternal(const Element& element) const override;
     QVariant property(const Element& element, const QString& name, bool* isKnown) const override;
@@ -41,8 +40,21 @@ public:
     Element openListOver(const Element& element) const override;
     bool scrollIntoView(const Element& element) const override;
     QImage grab(const Element& element) const override;
-    Element item(const Element& view, const ItemPath& path, int row, int column,
-                 QString* reason) const override;
+
+    // widgetact.cpp
+    Outcome<Field> field(const Element& element) const override;
+    Outcome<CheckMark> checkMark(const Element& element) const override;
+    QRect clickArea(const Element& element, ClickPurpose purpose) const override;
+    void takeFocus(const Element& element, Qt::FocusReason reason) const override;
+    void tellTyping(const Element& element, Typing typing) const override;
+    std::function<void()> closerOf(const Element& element) const override;
+
+    // widgetitems.cpp
+    Outcome<Element> item(const Element& view, const ItemPath& path, int row,
+                          int column) const override;
+    void openTowards(const Element& view, const ItemPath& path) const override;
+    std::optional<ItemPopup> itemPopup(const Element& view) const override;
+    std::shared_ptr<const Menu> menu(const Element& element) const override;
 };
 
 /// A rectangle of a widget on the screen, also of a widget in a graphics scene.
@@ -56,6 +68,10 @@ Element blockerOf(const QWidget* widget);
 /// Scrolls the scroll areas around the widget so that this part of it is seen. False when nothing
 /// moved.
 bool scrollWidgetIntoView(QWidget* widget, const QRect& rect);
+/// Gives the widget the keyboard's focus, or the one that takes it for this one.
+void focusWidget(QWidget* widget, Qt::FocusReason reason);
+/// As Toolkit::tellTyping().
+void tellTypingInto(QWidget* widget, Typing typing);
 /// What of the window of `widget` is at a point of the screen: a widget, or an item of one.
 Element elementInWindowAt(const QWidget* widget, const QPoint& globalPoint);
 

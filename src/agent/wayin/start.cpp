@@ -10,9 +10,13 @@
 #include <cstdio>
 
 #include "agent/core/agentsession.h"
-#include "agent/core/handlers.h"
 #include "agent/core/objecttoolkit.h"
-#include "agent/qtwidgets/widgettoolkits.h"
+#include "agent/core/propertyhandlers.h"
+#include "agent/core/toolkitlibraries.h"
+#include "agent/events/eventhandlers.h"
+#include "agent/input/inputhandlers.h"
+#include "agent/pictures/picturehandlers.h"
+#include "agent/readiness/objecthandlers.h"
 #include "wire/framechannel.h"
 #include "wire/protocol.h"
 
@@ -57,7 +61,7 @@ void connectToRunner() {
     ::pthread_atfork(nullptr, nullptr, leaveConnectionInChild);
     s_session = new AgentSession(descriptor, QString::fromLocal8Bit(qgetenv(Wire::tokenVariable)));
     s_session->addToolkit(std::make_unique<ObjectToolkit>());
-    addWidgetToolkits(s_session);
+    loadToolkitLibraries(s_session);
     registerObjectHandlers(s_session);
     registerPropertyHandlers(s_session);
     registerInputHandlers(s_session);

@@ -1,8 +1,6 @@
-#include "agent/input/windowstack.h"
+#include "agent/core/windowstack.h"
 
-#include <QApplication>
 #include <QGuiApplication>
-#include <QWidget>
 #include <algorithm>
 
 namespace Tamrix::Agent {
@@ -104,16 +102,6 @@ QWindow* windowOver(QWindow* window, const QPoint& position) {
 QWindow* topLevelOf(QWindow* window) {
     while (window != nullptr && window->parent() != nullptr)
         window = window->parent();
-    return window;
-}
-
-QObject* contentOf(QWindow* window) {
-    if (qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) {
-        const QWidgetList widgets = QApplication::topLevelWidgets();
-        for (QWidget* widget : widgets)
-            if (widget->windowHandle() == window)
-                return widget;
-    }
     return window;
 }
 

@@ -1,15 +1,14 @@
-#include "agent/core/readiness.h"
+#include "agent/readiness/readiness.h"
 
 #include <QElapsedTimer>
 #include <QHash>
 #include <QTimer>
 #include <memory>
 
+#include "agent/core/elementref.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
-#include "agent/input/clickarea.h"
-#include "agent/input/elementref.h"
-#include "agent/input/windowstack.h"
+#include "agent/core/windowstack.h"
 
 namespace Tamrix::Agent {
 
@@ -68,7 +67,7 @@ QPoint pointOf(const Element& element, const Aim& aim) {
     const QRect bounds = element.toolkit->globalBounds(element);
     if (aim.offset)
         return bounds.topLeft() + *aim.offset;
-    const QRect area = clickArea(element);
+    const QRect area = element.toolkit->clickArea(element, ClickPurpose::Use);
     const QRect visible = element.toolkit->visibleBounds(element) & area;
     return visible.isEmpty() || visible.contains(area.center()) ? area.center() : visible.center();
 }
@@ -88,7 +87,7 @@ QString coverAt(const Element& element, const QPoint& point, Qt::MouseButton but
     QWindow* const window = toolkit->nativeWindow(element);
     QWindow* const over = window == nullptr ? nullptr : windowOver(window, point);
     if (over != nullptr) {
-        cover = session->element(contentOf(over));
+        cover = session->element(over);
     } else {
         cover = toolkit->elementAt(element, point, button);
         if (!cover.isNull() &&

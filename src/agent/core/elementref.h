@@ -1,7 +1,6 @@
 #pragma once
 
 #include "agent/core/session.h"
-#include "agent/core/toolkit.h"
 
 namespace Tamrix::Agent {
 

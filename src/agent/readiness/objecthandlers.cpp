@@ -1,15 +1,16 @@
+#include "agent/readiness/objecthandlers.h"
+
 #include <QRect>
 
-#include "agent/core/handlers.h"
 #include "agent/core/listing.h"
 #include "agent/core/lookup.h"
 #include "agent/core/nameindex.h"
-#include "agent/core/readiness.h"
 #include "agent/core/session.h"
 #include "agent/core/snapshot.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/vocabulary.h"
 #include "agent/core/walk.h"
+#include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
 
@@ -58,16 +59,15 @@ void findItem(const Wire::FindItem& request, const ResponderPtr& responder) {
     const Element view = Session::self()->findOrFail(request.handle, responder);
     if (view.isNull())
         return;
-    QString reason;
-    const Element item = view.toolkit->item(view, ItemPath::ofText(request.text), request.row,
-                                            request.column, &reason);
-    if (!item.isNull()) {
-        answerFound(item, request.wantReady ? Wire::Wanted::Readiness : Wire::Wanted::Existence,
+    const Outcome<Element> item =
+        view.toolkit->item(view, ItemPath::ofText(request.text), request.row, request.column);
+    if (item) {
+        answerFound(*item, request.wantReady ? Wire::Wanted::Readiness : Wire::Wanted::Existence,
                     responder);
         return;
     }
     Wire::LookUpResult result;
-    result.obstacle = reason;
+    result.obstacle = item.error().text;
     responder->replyBody(result);
 }
 
@@ -164,18 +164,6 @@ void listObjects(const QByteArray& /*body*/, const ResponderPtr& responder) {
 }
 
 }  // namespace
-
-void appendShownChildren(const Element& element, bool withPlainObjects,
-                         QVector<Element>* elements) {
-    QVector<Element> children;
-    element.toolkit->children(element, true, &children);
-    for (const Element& child : children) {
-        if (child.toolkit->isInternal(child))
-            appendShownChildren(child, withPlainObjects, elements);
-        else if (withPlainObjects || !child.toolkit->isPlain(child))
-            elements->append(child);
-    }
-}
 
 void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::LookUp>(Wire::MessageType::LookUp, lookUp);

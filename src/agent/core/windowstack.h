@@ -25,7 +25,4 @@ QWindow* windowOver(QWindow* window, const QPoint& position);
 /// The window itself or the one that it is embedded in, seen from the screen.
 QWindow* topLevelOf(QWindow* window);
 
-/// The widget that the window shows, else the window itself.
-QObject* contentOf(QWindow* window);
-
 }  // namespace Tamrix::Agent

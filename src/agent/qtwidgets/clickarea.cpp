@@ -1,4 +1,4 @@
-#include "agent/input/clickarea.h"
+#include "agent/qtwidgets/clickarea.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -7,8 +7,6 @@
 #include <QStyleOptionButton>
 #include <QStyleOptionGroupBox>
 #include <QStyleOptionViewItem>
-
-#include "agent/core/toolkit.h"
 
 namespace Tamrix::Agent {
 
@@ -40,39 +38,28 @@ QRect groupMark(const QGroupBox* box) {
                                                       QStyle::SC_GroupBoxCheckBox, box));
 }
 
-QRect itemMark(const QAbstractItemView* view, const Element& item, const QRect& bounds) {
+}  // namespace
+
+QRect actingPart(const QWidget* widget, ClickPurpose purpose) {
+    if (const auto* const box = qobject_cast<const QCheckBox*>(widget))
+        return buttonArea(box, QStyle::SE_CheckBoxClickRect);
+    if (const auto* const radio = qobject_cast<const QRadioButton*>(widget))
+        return buttonArea(radio, QStyle::SE_RadioButtonClickRect);
+    const auto* const group = qobject_cast<const QGroupBox*>(widget);
+    return group && group->isCheckable() && purpose == ClickPurpose::Mark ? groupMark(group)
+                                                                          : QRect();
+}
+
+QRect markOfItem(const QAbstractItemView* view, const QModelIndex& index, const QRect& bounds) {
     QStyleOptionViewItem option;
     option.initFrom(view);
     option.rect = QRect(QPoint(0, 0), bounds.size());
     option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
-    option.text = item.index.data().toString();
+    option.text = index.data().toString();
     option.viewItemPosition = QStyleOptionViewItem::OnlyOne;
     const QRect mark =
         view->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, view);
     return mark.translated(bounds.topLeft());
-}
-
-QRect specialArea(const Element& element, const QRect& bounds, bool forMark) {
-    if (element.isItem()) {
-        const auto* const view = qobject_cast<QAbstractItemView*>(element.object);
-        return forMark && view != nullptr && element.index.isValid()
-                   ? itemMark(view, element, bounds)
-                   : QRect();
-    }
-    if (const auto* const box = qobject_cast<QCheckBox*>(element.object))
-        return buttonArea(box, QStyle::SE_CheckBoxClickRect);
-    if (const auto* const radio = qobject_cast<QRadioButton*>(element.object))
-        return buttonArea(radio, QStyle::SE_RadioButtonClickRect);
-    const auto* const group = qobject_cast<QGroupBox*>(element.object);
-    return group != nullptr && group->isCheckable() && forMark ? groupMark(group) : QRect();
-}
-
-}  // namespace
-
-QRect clickArea(const Element& element, bool forMark) {
-    const QRect bounds = element.toolkit->globalBounds(element);
-    const QRect area = specialArea(element, bounds, forMark) & bounds;
-    return area.isEmpty() ? bounds : area;
 }
 
 }  // namespace Tamrix::Agent
