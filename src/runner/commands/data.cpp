@@ -1,14 +1,14 @@
-#include "runner/commands/datacommand.h"
+// "tamrixrunner data": the table of a test data file, as scripts see it.
 
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QMap>
 #include <algorithm>
 #include <vector>
 
 #include "base/textescape.h"
-#include "runner/commands/commandline.h"
-#include "runner/commands/commands.h"
+#include "runner/commands/command.h"
 #include "runner/processes/terminal.h"
 #include "shared/testdata/testdata.h"
 #include "shared/testdata/testdataset.h"
@@ -16,6 +16,31 @@
 namespace Tamrix {
 
 namespace {
+
+enum class TableFormat { Table, Csv, Json };
+
+struct DataSettings {
+    QString file;
+    /// Of a spreadsheet; empty for its first one.
+    QString sheet;
+    TableFormat format = TableFormat::Table;
+};
+
+Outcome<> readFormat(const QStringList& values, DataSettings& settings) {
+    static const QMap<QString, TableFormat> formats = {
+        {"table", TableFormat::Table}, {"csv", TableFormat::Csv}, {"json", TableFormat::Json}};
+    const auto format = formats.constFind(values.constLast());
+    if (format == formats.constEnd())
+        return wrongUsage(
+            QStringLiteral("--as takes table, csv or json, not '%1'").arg(values.constLast()));
+    settings.format = *format;
+    return {};
+}
+
+Outcome<> readArguments(const CommandArguments& arguments, DataSettings& settings) {
+    settings.file = arguments.own.constFirst();
+    return {};
+}
 
 /// The rows of the table with the header as row -1; null for none.
 const TestDataRecord* rowOf(const TestDataSet& set, int index) {
@@ -110,33 +135,31 @@ bool printJson(const TestDataSet& set) {
            writeBytes(stdout, "\n]}\n");
 }
 
-bool printSet(const TestDataSet& set, CommandLine::TableFormat format) {
+bool printSet(const TestDataSet& set, TableFormat format) {
     switch (format) {
-        case CommandLine::TableFormat::Csv:
+        case TableFormat::Csv:
             return printCsv(set);
-        case CommandLine::TableFormat::Json:
+        case TableFormat::Json:
             return printJson(set);
-        case CommandLine::TableFormat::Table:
+        case TableFormat::Table:
             break;
     }
     return printTable(set);
 }
 
-}  // namespace
-
-int printTestData(const CommandLine& commandLine) {
-    const QString& file = commandLine.dataFile;
+int printTestData(const DataSettings& settings) {
+    const QString& file = settings.file;
     const QString problem = TestData::unreadableReason(file);
     if (!problem.isEmpty())
         return failWith(QStringLiteral("'%1' can't be read: %2").arg(file, problem));
     const QString suffix = QFileInfo(file).suffix();
     const bool isSpreadsheet = suffix == QLatin1String("xls") || suffix == QLatin1String("xlsx");
-    if (!commandLine.sheet.isEmpty() && !isSpreadsheet)
+    if (!settings.sheet.isEmpty() && !isSpreadsheet)
         return failWith(
             QStringLiteral("'%1' has no sheets: only .xls and .xlsx files have them").arg(file));
-    const SharedPtr<TestDataSet> set(
-        isSpreadsheet ? TestDataSet::createTestDataSetExcel(file, commandLine.sheet)
-                      : TestDataSet::createTestDataSet(file));
+    const SharedPtr<TestDataSet> set(isSpreadsheet
+                                         ? TestDataSet::createTestDataSetExcel(file, settings.sheet)
+                                         : TestDataSet::createTestDataSet(file));
     if (!set && !isSpreadsheet)
         return failWith(
             QStringLiteral("'%1' is no table: its first lines hold no separator (comma, "
@@ -148,9 +171,22 @@ int printTestData(const CommandLine& commandLine) {
     if (!set->isComplete())
         return failWith(
             QStringLiteral("'%1' can't be read as a whole, so nothing of it is printed").arg(file));
-    return printSet(*set, commandLine.tableFormat)
+    return printSet(*set, settings.format)
                ? ExitSuccess
                : failWith(QStringLiteral("standard output can't be written"));
+}
+
+}  // namespace
+
+Command dataCommand() {
+    return makeCommand<DataSettings>(
+        {{"data", "FILE", "Prints the table of a test data file as scripts see it.", 1, 1},
+         {{"sheet", "NAME", "The sheet of a spreadsheet; the first one unless given.", nullptr,
+           textTo(&DataSettings::sheet)},
+          {"as", "table|csv|json", "How: %1 (the default), csv or json.", "table", readFormat}},
+         {},
+         readArguments,
+         printTestData});
 }
 
 }  // namespace Tamrix
