@@ -255,7 +255,7 @@ TEST_F(Verdicts, SectionsAndCounts) {
     EXPECT_EQ(report.entries.back().kind, ReportEntry::Kind::SectionStart);
     EXPECT_EQ(report.entries.back().callStack, CallStack{context.frames[0]});
     context.call(testEndSection);
-    EXPECT_EQ(outcome(), "");
+    EXPECT_EQ(outcome(), "null");
     context.call(testEndSection);
     EXPECT_TRUE(context.hasError());
     context.call(testEndSection, {text("x")});
