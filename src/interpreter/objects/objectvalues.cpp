@@ -1,10 +1,11 @@
-#include "interpreter/bridge/objectvalues.h"
+#include "interpreter/objects/objectvalues.h"
 
 #include <QDateTime>
 #include <limits>
 
 #include "interpreter/bridge/scriptcontext.h"
 #include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/valueobject.h"
 
 namespace Tamrix {
@@ -132,6 +133,28 @@ SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value, const QS
     else if (value->isNumber() && typeName == QLatin1String("QString"))
         variant = value->toString();
     return Inspector::self()->createObject(*variant);
+}
+
+void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
+    Inspector::self()->setLastError(QString());
+    // All at once: the application is asked one time only.
+    const auto properties = object->readProperties();
+    // One that can't be read is left out; without any, the application could not be asked.
+    if (properties.empty() && !Inspector::self()->lastError().isEmpty()) {
+        setError(Inspector::self()->lastError());
+        return;
+    }
+    std::map<QString, SharedPtr<ScriptArgument>> map;
+    for (const auto& [name, value] : properties)
+        map.emplace(name, valueOfObject(this, value));
+    const Class* const objectClass = object->objectClass();
+    const int count = objectClass ? objectClass->numProperties() : 0;
+    for (int index = 0; index < count; ++index) {
+        const QString name = objectClass->property(index)->name();
+        if (map.count(name) == 0)
+            qWarning("Error reading %s property", name.toLocal8Bit().constData());
+    }
+    setResult(createMap(map));
 }
 
 }  // namespace Tamrix
