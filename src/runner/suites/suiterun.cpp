@@ -13,7 +13,6 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/inspector.h"
@@ -23,6 +22,7 @@
 #include "runner/processes/interrupt.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
+#include "runner/suites/runsettings.h"
 #include "vision/screenshot.h"
 
 namespace Tamrix {
@@ -85,9 +85,6 @@ QString SuiteRun::prepare() {
     const QString error = loadObjectMap();
     if (!error.isEmpty())
         return error;
-    // A failure shows the moment in which it happened unless the script asks otherwise.
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnError, true);
     return m_runner.applications().useDisplay(m_options.display);
 }
 
@@ -144,6 +141,7 @@ void SuiteRun::noteEnvironment() {
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.setTestCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
+    startRunSettings(m_suite.config, &m_result);
     m_failureMoment.reset();
     const QString mapError = loadObjectMap();
     if (!mapError.isEmpty()) {
