@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <tuple>
 
 #include "base/export.h"
 #include "platform/testresult/verificationoptions.h"
@@ -8,7 +9,7 @@
 namespace Tamrix {
 
 /// The settings of a run that verdicts and waits consult. They are process-wide, belong to the
-/// script thread, and a change lasts to the end of the process.
+/// script thread, and a change lasts until it is taken back: nothing here does so of itself.
 class TAMRIX_EXPORT TestSettingsType {
 public:
     /// Milliseconds.
@@ -21,6 +22,19 @@ public:
     static bool s_textNotFoundDebugging;
     static QString s_testCaseName;
     static VerificationOptions s_vpOptions;
+};
+
+/// Remembers all settings and sets them back when it goes: around a test case, whose changes are
+/// none of the next one's business. Script thread only.
+class TAMRIX_EXPORT TestSettingsGuard {
+public:
+    TestSettingsGuard();
+    ~TestSettingsGuard();
+    TestSettingsGuard(const TestSettingsGuard&) = delete;
+    TestSettingsGuard& operator=(const TestSettingsGuard&) = delete;
+
+private:
+    std::tuple<int, bool, bool, bool, bool, bool, bool, QString, VerificationOptions> m_values;
 };
 
 }  // namespace Tamrix
