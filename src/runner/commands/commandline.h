@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-#include "vision/imagelookupoptions.h"
-#include "vision/searchregion.h"
+#include "vision/search/imagelookupoptions.h"
+#include "vision/search/searchregion.h"
 
 namespace Tamrix {
 

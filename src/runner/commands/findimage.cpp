@@ -21,9 +21,9 @@
 #include "runner/commands/commandline.h"
 #include "runner/commands/commands.h"
 #include "runner/processes/terminal.h"
-#include "vision/correlation.h"
-#include "vision/imagelookup.h"
-#include "vision/parallel.h"
+#include "vision/search/correlationscore.h"
+#include "vision/search/imagelookup.h"
+#include "vision/search/parallel.h"
 
 namespace Tamrix {
 
