@@ -1,4 +1,4 @@
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ struct Case {
     int row;
 };
 
-TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
+TEST(TinyXmlCheck, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
     const Case cases[] = {
         {"", 0, "", 0},
         {"<a><b/><b c='>' d=\"</a>\"/></a><e/>", 2, "", 0},
@@ -51,7 +51,7 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
         {"<a/><", 1, "Markup without an end.", 1},
     };
     for (const Case& each : cases) {
-        const XmlDepth found = xmlDepth(each.document);
+        const TinyXmlCheck found = checkForTinyXml(each.document);
         EXPECT_EQ(found.depth, each.depth) << each.document.constData();
         EXPECT_TRUE(each.problem.isEmpty() ? found.problem.isEmpty()
                                            : found.problem.contains(each.problem))
@@ -60,26 +60,27 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
     }
 }
 
-TEST(XmlDepth, RefusesElementsBeyondTheLimit) {
+TEST(TinyXmlCheck, RefusesElementsBeyondTheLimit) {
     const QByteArray deepest = QByteArray("<a>").repeated(maxXmlDepth);
-    EXPECT_EQ(xmlDepth(deepest).problem, "");
-    EXPECT_EQ(xmlDepth(deepest + "\n<b/>").problem, "Elements are nested deeper than 1000.");
-    EXPECT_EQ(xmlDepth(deepest + "\n<b/>").row, 2);
+    EXPECT_EQ(checkForTinyXml(deepest).problem, "");
+    EXPECT_EQ(checkForTinyXml(deepest + "\n<b/>").problem, "Elements are nested deeper than 1000.");
+    EXPECT_EQ(checkForTinyXml(deepest + "\n<b/>").row, 2);
 
     const QByteArray most = "<a" + QByteArray(" b=''").repeated(maxXmlAttributes);
-    EXPECT_EQ(xmlDepth(most + "/>").problem, "");
-    EXPECT_EQ(xmlDepth(most + " b=''/>").problem, "An element has more than 1000 attributes.");
+    EXPECT_EQ(checkForTinyXml(most + "/>").problem, "");
+    EXPECT_EQ(checkForTinyXml(most + " b=''/>").problem,
+              "An element has more than 1000 attributes.");
 }
 
-TEST(XmlDepth, FindsTextsOfWhiteSpaceAlone) {
+TEST(TinyXmlCheck, FindsTextsOfWhiteSpaceAlone) {
     const QByteArray document =
         "<a> <b>\n\t</b> <c> <!-- --> </c><d/> <e>  x</e><f></f> <g h='>'> </g>"
         "<i>\xEF\xBB\xBF </i></a>";
-    EXPECT_EQ(withBlankTexts(document, xmlDepth(document)),
+    EXPECT_EQ(withBlankTexts(document, checkForTinyXml(document)),
               "<a> <b><![CDATA[\n\t]]></b> <c> <!-- --> </c><d/> <e>  x</e><f></f> "
               "<g h='>'><![CDATA[ ]]></g><i><![CDATA[\xEF\xBB\xBF ]]></i></a>");
     const QByteArray none = "<!-- <a> </a> --><![CDATA[<a> </a>]]></a> </a>";
-    EXPECT_EQ(withBlankTexts(none, xmlDepth(none)), none);
+    EXPECT_EQ(withBlankTexts(none, checkForTinyXml(none)), none);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace Tamrix {
 
 /// What the bytes of an XML document tell before TinyXML gets them. Plain data.
-struct XmlDepth {
+struct TinyXmlCheck {
     /// The greatest number of elements inside each other, as far as the document was read.
     int depth = 0;
     /// Why TinyXML must not get the document, in words behind which a row can stand; empty when it
@@ -27,9 +27,9 @@ struct XmlDepth {
     std::vector<Span> blankTexts;
 };
 
-/// How deep elements may lie inside each other for xmlDepth().
+/// How deep elements may lie inside each other for checkForTinyXml().
 constexpr int maxXmlDepth = 1000;
-/// How many attributes an element may have for xmlDepth().
+/// How many attributes an element may have for checkForTinyXml().
 constexpr int maxXmlAttributes = 1000;
 
 /// Looks for what TinyXML can't cope with: elements nested deeper than maxXmlDepth (its parser and
@@ -40,13 +40,10 @@ constexpr int maxXmlAttributes = 1000;
 /// declarations and other markup without an end (it takes some for complete and fails an assertion
 /// on others). Everything else that is wrong with a document is left for the parser to tell. Any
 /// thread.
-TAMRIX_EXPORT XmlDepth xmlDepth(const QByteArray& document);
+TAMRIX_EXPORT TinyXmlCheck checkForTinyXml(const QByteArray& document);
 
-/// The document with the texts of XmlDepth::blankTexts as CDATA sections: TinyXML drops them
+/// The document with the texts of TinyXmlCheck::blankTexts as CDATA sections: TinyXML drops them
 /// otherwise, whatever it is told about white space. Rows stay the same. Any thread.
-TAMRIX_EXPORT QByteArray withBlankTexts(const QByteArray& document, const XmlDepth& depth);
-
-/// The length of the text at the start of [begin, end) that is UTF-8.
-TAMRIX_EXPORT int validUtf8Length(const char* begin, const char* end);
+TAMRIX_EXPORT QByteArray withBlankTexts(const QByteArray& document, const TinyXmlCheck& check);
 
 }  // namespace Tamrix

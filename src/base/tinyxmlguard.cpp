@@ -1,4 +1,4 @@
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 
 #include <algorithm>
 #include <array>
@@ -8,38 +8,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/utf8.h"
+
 namespace Tamrix {
 
 namespace {
-
-bool isContinuation(unsigned char byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
-/// The length of the UTF-8 character at the start of the text, 0 when there is none. Overlong forms
-/// and surrogates are none.
-int utf8CharacterLength(const char* begin, const char* end) {
-    const auto byte = [begin](int index) { return static_cast<unsigned char>(begin[index]); };
-    const auto available = end - begin;
-    if (byte(0) < 0x80)
-        return 1;
-    if (byte(0) >= 0xC2 && byte(0) <= 0xDF)
-        return available >= 2 && isContinuation(byte(1)) ? 2 : 0;
-    if (byte(0) >= 0xE0 && byte(0) <= 0xEF) {
-        if (available < 3 || !isContinuation(byte(1)) || !isContinuation(byte(2)) ||
-            (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xED && byte(1) > 0x9F))
-            return 0;
-        return 3;
-    }
-    if (byte(0) >= 0xF0 && byte(0) <= 0xF4) {
-        if (available < 4 || !isContinuation(byte(1)) || !isContinuation(byte(2)) ||
-            !isContinuation(byte(3)) || (byte(0) == 0xF0 && byte(1) < 0x90) ||
-            (byte(0) == 0xF4 && byte(1) > 0x8F))
-            return 0;
-        return 4;
-    }
-    return 0;
-}
 
 /// Walks over markup exactly as TinyXML does, oddities included, so that what is counted here is
 /// how deep it will recurse. Where TinyXML gives up with an error, the walk ends as well.
@@ -47,7 +20,7 @@ class Scanner {
 public:
     explicit Scanner(std::string_view text) : m_text(text) {}
 
-    XmlDepth scan() {
+    TinyXmlCheck scan() {
         while (m_position < m_text.size() && !m_finished) {
             const std::size_t markup = std::min(m_text.find('<', m_position), m_text.size());
             checkReferences(m_position, markup);
@@ -286,23 +259,12 @@ private:
     std::size_t m_contentStart = 0;
     /// Nothing behind this place is parsed.
     bool m_finished = false;
-    XmlDepth m_result;
+    TinyXmlCheck m_result;
 };
 
 }  // namespace
 
-int validUtf8Length(const char* begin, const char* end) {
-    const char* position = begin;
-    while (position < end) {
-        const int length = utf8CharacterLength(position, end);
-        if (length == 0)
-            break;
-        position += length;
-    }
-    return static_cast<int>(position - begin);
-}
-
-XmlDepth xmlDepth(const QByteArray& document) {
+TinyXmlCheck checkForTinyXml(const QByteArray& document) {
     const char* const begin = document.constData();
     const auto rowAt = [&document](int position) {
         return 1 +
@@ -320,12 +282,12 @@ XmlDepth xmlDepth(const QByteArray& document) {
     return Scanner({begin, static_cast<std::size_t>(document.size())}).scan();
 }
 
-QByteArray withBlankTexts(const QByteArray& document, const XmlDepth& depth) {
-    if (depth.blankTexts.empty())
+QByteArray withBlankTexts(const QByteArray& document, const TinyXmlCheck& check) {
+    if (check.blankTexts.empty())
         return document;
     QByteArray text;
     int copied = 0;
-    for (const XmlDepth::Span& blank : depth.blankTexts) {
+    for (const TinyXmlCheck::Span& blank : check.blankTexts) {
         text.append(document.constData() + copied, blank.position - copied);
         copied = blank.position + blank.length;
         text.append("<![CDATA[")
