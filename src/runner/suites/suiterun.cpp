@@ -23,7 +23,7 @@
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
 #include "runner/suites/runsettings.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 
