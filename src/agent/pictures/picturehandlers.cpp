@@ -13,7 +13,7 @@
 #include "agent/input/pointer.h"
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix::Agent {
 

@@ -3,18 +3,33 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
+#include <tuple>
+#include <vector>
 
 #include "base/environment.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "runner/coreapplication.h"
 #include "runner/processes/interrupt.h"
 #include "runner/suites/suitefolder.h"
+#include "support/outcomes.h"
 #include "support/printqt.h"
 #include "support/recordingreport.h"
 
 namespace Tamrix {
 namespace {
 
-using Kind = ReportEntry::Kind;
+/// Calls a function when a case has a result, while the case still runs.
+class ReportOfCases : public Tamrix::Test::RecordingReport {
+public:
+    void add(const ReportEntry& entry) override {
+        RecordingReport::add(entry);
+        if (onResult && eventOf<ResultAdded>(entry))
+            onResult();
+    }
+
+    std::function<void()> onResult;
+};
 
 /// Runs suites in an installation without any language plug-in: every case that comes so far as to
 /// be loaded ends with that result.
@@ -27,32 +42,25 @@ protected:
     ~SuiteRunTest() override { Interrupt::reset(); }
 
     void run(const SuiteRunOptions& options = {}) {
-        QString error;
-        const Suite suite = loadSuite(folder.path("suite"), &error);
-        ASSERT_EQ(error, QString());
-        SuiteRun suiteRun(suite, options, &report);
-        ASSERT_EQ(suiteRun.prepare(), QString());
-        suiteRun.run(suite.cases);
+        const auto suite = loadSuite(folder.path("suite"));
+        ASSERT_EQ(Tamrix::Test::errorOf(suite), QString());
+        SuiteRun suiteRun(*suite, options, &report);
+        ASSERT_EQ(Tamrix::Test::errorOf(suiteRun.prepare()), QString());
+        suiteRun.run(suite->cases);
         hasFailed = suiteRun.hasFailed();
         interruptedBy = suiteRun.interruptedBy();
         skippedCases = suiteRun.skippedCases();
         std::erase_if(report.entries, [this](const ReportEntry& entry) {
-            if (entry.kind == Kind::Environment)
-                facts.insert(entry.message, entry.detail);
-            return entry.kind == Kind::Environment;
+            const auto* fact = eventOf<EnvironmentFact>(entry);
+            if (fact)
+                facts.insert(fact->name, fact->fact);
+            return fact != nullptr;
         });
-    }
-
-    std::vector<Kind> kinds() const {
-        std::vector<Kind> all;
-        for (const ReportEntry& entry : report.entries)
-            all.push_back(entry.kind);
-        return all;
     }
 
     Tamrix::Test::SuiteFolder folder;
     /// Without what tells of the environment, which stands in `facts`.
-    Tamrix::Test::RecordingReport report;
+    ReportOfCases report;
     QMap<QString, QString> facts;
     bool hasFailed = false;
     int interruptedBy = 0;
@@ -76,14 +84,11 @@ TEST_F(SuiteRunTest, EveryCaseIsFramedAndAMissingPluginIsAResult) {
     folder.write("suite/a/test.py", "def main(): pass\n");
     folder.write("suite/b/test.py", "def main(): pass\n");
     run();
-    EXPECT_EQ(kinds(),
-              (std::vector<Kind>{Kind::SuiteStart, Kind::CaseStart, Kind::Result, Kind::CaseEnd,
-                                 Kind::CaseStart, Kind::Result, Kind::CaseEnd, Kind::SuiteEnd}));
-    EXPECT_EQ(report.entries.at(0).message, QString("suite"));
-    EXPECT_EQ(report.entries.at(0).path, folder.path("suite"));
-    EXPECT_EQ(report.entries.at(4).message, QString("b"));
-    EXPECT_EQ(report.entries.at(4).path, folder.path("suite/b/test.py"));
-    const ReportEntry& result = report.entries.at(5);
+    ASSERT_EQ(report.kinds(), (QStringList{"suiteStart", "caseStart", "result", "caseEnd",
+                                           "caseStart", "result", "caseEnd", "suiteEnd"}));
+    EXPECT_EQ(report.all<SuiteStarted>().at(0), (SuiteStarted{"suite", folder.path("suite")}));
+    EXPECT_EQ(report.all<CaseStarted>().at(1), (CaseStarted{"b", folder.path("suite/b/test.py")}));
+    const ResultAdded result = report.results().at(1);
     EXPECT_EQ(result.message, QString("Failed to load script language plugin"));
     ASSERT_EQ(result.callStack.size(), 1u);
     EXPECT_EQ(result.callStack.front().fileName(), folder.path("suite/b/test.py"));
@@ -107,7 +112,7 @@ TEST_F(SuiteRunTest, ScriptThatIsNoUtf8IsAResult) {
     folder.write("suite/a/test.py", "# \xfcml\n");
     run();
     ASSERT_EQ(report.results().size(), 1u);
-    const ReportEntry result = report.results().front();
+    const ResultAdded result = report.results().front();
     EXPECT_EQ(result.type, TestResult::Fatal);
     EXPECT_EQ(result.message, QString("Can't read test script"));
     EXPECT_EQ(result.detail, QString("the file is not encoded in UTF-8"));
@@ -115,13 +120,33 @@ TEST_F(SuiteRunTest, ScriptThatIsNoUtf8IsAResult) {
     EXPECT_TRUE(hasFailed);
 }
 
+TEST_F(SuiteRunTest, EachCaseStartsWithTheSameSettings) {
+    folder.write("suite/a/test.py", "def main(): pass\n");
+    folder.write("suite/b/test.py", "def main(): pass\n");
+    using Settings = TestSettingsType;
+    std::vector<std::tuple<int, bool, QString, bool>> seen;
+    report.onResult = [&] {
+        seen.emplace_back(Settings::s_waitForObjectTimeout, Settings::s_breakOnFailure,
+                          Settings::s_testCaseName,
+                          Settings::s_vpOptions.testFlag(VerificationOptions::LogScreenshotOnFail));
+        Settings::s_waitForObjectTimeout = 7;
+        Settings::s_breakOnFailure = true;
+        Settings::s_testCaseName = "changed";
+        Settings::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, false);
+    };
+    run();
+    const auto expected = std::make_tuple(20000, false, QString(), true);
+    EXPECT_EQ(seen, (std::vector{expected, expected}));
+    EXPECT_EQ(Settings::s_waitForObjectTimeout, 20000);
+}
+
 TEST_F(SuiteRunTest, NoCaseStartsAfterASignal) {
     folder.write("suite/a/test.py");
     Interrupt::install();
     ::raise(SIGTERM);
     run();
-    EXPECT_EQ(kinds(), (std::vector<Kind>{Kind::SuiteStart, Kind::SuiteEnd}));
-    EXPECT_EQ(report.entries.back().extra, QString("interrupted"));
+    EXPECT_EQ(report.kinds(), (QStringList{"suiteStart", "suiteEnd"}));
+    EXPECT_TRUE(report.all<SuiteEnded>().at(0).isInterrupted);
     EXPECT_EQ(interruptedBy, SIGTERM);
     EXPECT_EQ(skippedCases, 1);
     EXPECT_FALSE(hasFailed);
