@@ -19,8 +19,8 @@
 #include "platform/objectmodel/valueobject.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/testresult.h"
-#include "runner/objecttree.h"
-#include "runner/runner.h"
+#include "runner/applications/objecttree.h"
+#include "runner/services/runner.h"
 
 namespace {
 

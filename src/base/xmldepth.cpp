@@ -1,6 +1,7 @@
 #include "base/xmldepth.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <charconv>
 #include <cstdint>
@@ -83,18 +84,24 @@ private:
         return byte >= 127 || std::isalnum(byte) || std::strchr("_-.:", byte);
     }
 
-    void skipSpace() {
-        while (!atEnd()) {
-            // Marks of byte order count as white space.
-            if (startsWith("\xEF\xBB\xBF") || startsWith("\xEF\xBF\xBE") ||
-                startsWith("\xEF\xBF\xBF"))
-                m_position += 3;
-            else if (isSpace(current()))
-                ++m_position;
-            else
-                return;
-        }
+    /// The length of the white space at a place, 0 when there is none. Marks of byte order, and the
+    /// two characters that are none, count as white space for TinyXML.
+    std::size_t spaceAt(std::size_t position) const {
+        const std::string_view text = m_text.substr(position);
+        if (text.starts_with("\xEF\xBB\xBF") || text.starts_with("\xEF\xBF\xBE") ||
+            text.starts_with("\xEF\xBF\xBF"))
+            return 3;
+        return !text.empty() && isSpace(text.front()) ? 1 : 0;
     }
+
+    /// Where what is no white space begins.
+    std::size_t behindSpace(std::size_t position) const {
+        while (const std::size_t length = spaceAt(position))
+            position += length;
+        return position;
+    }
+
+    void skipSpace() { m_position = behindSpace(m_position); }
 
     void refuse(const QString& problem, std::size_t position) {
         m_result.problem = problem;
@@ -113,14 +120,28 @@ private:
     }
 
     /// TinyXML takes any "&#" for the beginning of a reference that goes on to the next ";", over
-    /// markup too, and what it makes of numbers that no character has is lost.
+    /// markup too; what it makes of numbers that no character has is lost, and so is any other "&"
+    /// that begins none of the references it knows.
     void checkReferences(std::size_t begin, std::size_t end) {
         const std::string_view text = m_text.substr(0, end);
-        for (std::size_t at = text.find("&#", begin); at != std::string_view::npos && !m_finished;
-             at = text.find("&#", at + 2)) {
-            if (!isCharacterReference(text.substr(at + 2)))
-                refuse(QStringLiteral("A reference to a character that is none."), at);
+        for (std::size_t at = text.find('&', begin); at != std::string_view::npos && !m_finished;
+             at = text.find('&', at + 1)) {
+            const std::string_view reference = text.substr(at + 1);
+            if (reference.starts_with('#')) {
+                if (!isCharacterReference(reference.substr(1)))
+                    refuse(QStringLiteral("A reference to a character that is none."), at);
+            } else if (!isEntityReference(reference)) {
+                refuse(QStringLiteral("An & that begins no reference; the character is &amp;."),
+                       at);
+            }
         }
+    }
+
+    static bool isEntityReference(std::string_view text) {
+        static constexpr std::array<std::string_view, 5> known{"amp;", "lt;", "gt;", "quot;",
+                                                               "apos;"};
+        return std::any_of(known.begin(), known.end(),
+                           [text](std::string_view name) { return text.starts_with(name); });
     }
 
     /// Whether there are a number and a ";" behind "&#". TinyXML keeps the characters that XML
@@ -157,10 +178,9 @@ private:
 
     /// At an end tag.
     void noteBlankText() {
-        const std::string_view content = m_text.substr(m_contentStart, m_position - m_contentStart);
-        if (!content.empty() && std::all_of(content.begin(), content.end(), isSpace))
+        if (m_contentStart < m_position && behindSpace(m_contentStart) == m_position)
             m_result.blankTexts.push_back(
-                {static_cast<int>(m_contentStart), static_cast<int>(content.size())});
+                {static_cast<int>(m_contentStart), static_cast<int>(m_position - m_contentStart)});
         // What comes now follows an element.
         m_contentStart = m_text.size();
     }

@@ -22,7 +22,8 @@ struct XmlDepth {
         int position;
         int length;
     };
-    /// The texts of white space alone that are all what their element has, in bytes.
+    /// The texts of white space alone, marks of byte order included, that are all what their
+    /// element has, in bytes.
     std::vector<Span> blankTexts;
 };
 
@@ -35,9 +36,10 @@ constexpr int maxXmlAttributes = 1000;
 /// all that walks its tree recurse), more than maxXmlAttributes of one element (it compares each
 /// with each), a NUL byte (it stops there), bytes that are not UTF-8 (it reads past the end of the
 /// text, and loops on some), references to characters that are none (it takes what follows for a
-/// part of them), and comments, CDATA sections, declarations and other markup without an end (it
-/// takes some for complete and fails an assertion on others). Everything else that is wrong with a
-/// document is left for the parser to tell. Any thread.
+/// part of them), an & that begins no reference (it drops it), and comments, CDATA sections,
+/// declarations and other markup without an end (it takes some for complete and fails an assertion
+/// on others). Everything else that is wrong with a document is left for the parser to tell. Any
+/// thread.
 TAMRIX_EXPORT XmlDepth xmlDepth(const QByteArray& document);
 
 /// The document with the texts of XmlDepth::blankTexts as CDATA sections: TinyXML drops them

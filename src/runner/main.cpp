@@ -2,10 +2,10 @@
 #include <csignal>
 
 #include "base/nativebytes.h"
-#include "runner/commandline.h"
-#include "runner/commands.h"
+#include "runner/commands/commandline.h"
+#include "runner/commands/commands.h"
 #include "runner/installation.h"
-#include "runner/terminal.h"
+#include "runner/processes/terminal.h"
 
 int main(int argc, char* argv[]) {
     // A reader that goes away must not take the reports with it.

@@ -129,7 +129,7 @@ Frame FrameChannel::failLongAnswer(quint32 length) {
     frame.sequence = qFromBigEndian<quint32>(m_received.constData() + m_taken + 4);
     frame.type = MessageType::Failure;
     frame.body = encode(
-        Failure{FailureCode::Failed, QStringLiteral("The application's answer is too long: ") +
+        Failure{FailureKind::Failed, QStringLiteral("The application's answer is too long: ") +
                                          longMessageText(length, m_maximalBodySize)});
     m_taken += headSize;
     const auto here = std::min(length, static_cast<quint32>(m_received.size() - m_taken));
@@ -171,7 +171,7 @@ bool FrameChannel::enqueue(quint32 sequence, MessageType type, const QByteArray&
     // The other side would close the connection.
     if (type == MessageType::Reply && static_cast<quint32>(body.size()) > maximalBodySize) {
         const Failure failure{
-            FailureCode::Failed,
+            FailureKind::Failed,
             QStringLiteral("The application's answer is too long: it has %1 bytes of at most %2")
                 .arg(QString::number(body.size()), QString::number(maximalBodySize))};
         return enqueue(sequence, MessageType::Failure, encode(failure));

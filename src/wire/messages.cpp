@@ -89,17 +89,37 @@ void readQuery(QDataStream& stream, Query& query, int depth) {
 
 // Elements of lists.
 
+QDataStream& operator<<(QDataStream& stream, const NearMiss::Difference& difference) {
+    return stream << difference.property << difference.wanted << difference.actual;
+}
+
+QDataStream& operator>>(QDataStream& stream, NearMiss::Difference& difference) {
+    difference.property = readText(stream);
+    difference.wanted = readText(stream);
+    difference.actual = readText(stream);
+    return stream;
+}
+
 QDataStream& operator<<(QDataStream& stream, const NearMiss& miss) {
-    return stream << miss.object << miss.property << miss.wanted << miss.actual;
+    stream << miss.object << miss.handle;
+    writeList(stream, miss.differences);
+    return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, NearMiss& miss) {
     miss.object = readText(stream);
-    miss.property = readText(stream);
-    miss.wanted = readText(stream);
-    miss.actual = readText(stream);
+    stream >> miss.handle;
+    miss.differences = readList<NearMiss::Difference>(stream, 3 * textSize);
     return stream;
 }
+
+namespace {
+
+QList<NearMiss> readNearMisses(QDataStream& stream) {
+    return readList<NearMiss>(stream, 2 * textSize + 8);
+}
+
+}  // namespace
 
 QDataStream& operator<<(QDataStream& stream, const PropertyInfo& property) {
     return stream << property.name << property.typeName << property.isWritable;
@@ -212,14 +232,20 @@ QDataStream& operator>>(QDataStream& stream, Hello& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const Failure& body) {
-    return stream << static_cast<quint16>(body.code) << body.text;
+    stream << static_cast<quint16>(body.kind) << body.text;
+    writeList(stream, body.nearMisses);
+    return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, Failure& body) {
-    quint16 code = 0;
-    stream >> code;
-    body.code = static_cast<FailureCode>(code);
+    quint16 kind = 0;
+    stream >> kind;
+    if (kind > static_cast<quint16>(FailureKind::Failed))
+        setCorrupt(stream);
+    else
+        body.kind = static_cast<FailureKind>(kind);
     body.text = readText(stream);
+    body.nearMisses = readNearMisses(stream);
     return stream;
 }
 
@@ -257,7 +283,7 @@ QDataStream& operator<<(QDataStream& stream, const LookUpResult& body) {
 QDataStream& operator>>(QDataStream& stream, LookUpResult& body) {
     stream >> body.object >> body.isReady;
     body.obstacle = readText(stream);
-    body.nearMisses = readList<NearMiss>(stream, 4 * textSize);
+    body.nearMisses = readNearMisses(stream);
     return stream;
 }
 

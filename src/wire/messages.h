@@ -9,6 +9,7 @@
 #include <QVector>
 #include <memory>
 
+#include "base/outcome.h"
 #include "wire/protocol.h"
 
 /// The bodies of the messages, as plain data with `<<` and `>>` on QDataStream. Reading checks each
@@ -55,10 +56,9 @@ struct Hello {
     QString osName;
 };
 
-struct Failure {
-    FailureCode code = FailureCode::Failed;
-    QString text;
-};
+// Why a request failed travels as what the caller gets.
+using Failure = Tamrix::Failure;
+using NearMiss = Tamrix::NearMiss;
 
 struct Query;
 
@@ -96,16 +96,6 @@ struct LookUp {
     bool wantNearMisses = false;
 };
 
-/// What differed on an object that matched nearly.
-struct NearMiss {
-    /// A name for people: type and text.
-    QString object;
-    QString property;
-    QString wanted;
-    /// Null when it has no such property.
-    QString actual;
-};
-
 struct LookUpResult {
     /// Handle 0: nothing matches.
     ObjectInfo object;
@@ -127,8 +117,8 @@ struct FindItem {
 };
 
 /// Looks once for an object, by handle when it is not 0, else by query, and compares it. Criteria
-/// of `properties` that the object does not fit come back as near misses, each with the value that
-/// it has; those of an object that is not there as with LookUp.
+/// of `properties` that the object does not fit come back as the differences of one near miss;
+/// those of an object that is not there as with LookUp.
 struct Expect {
     quint64 handle = 0;
     Query query;
@@ -267,6 +257,7 @@ struct EventFired {
     QDataStream& operator<<(QDataStream& stream, const Type& body); \
     QDataStream& operator>>(QDataStream& stream, Type& body)
 // NOLINTEND(bugprone-macro-parentheses)
+TAMRIX_WIRE_OPERATORS(NearMiss::Difference);
 TAMRIX_WIRE_OPERATORS(NearMiss);
 TAMRIX_WIRE_OPERATORS(PropertyInfo);
 TAMRIX_WIRE_OPERATORS(MethodInfo);

@@ -39,7 +39,7 @@ enum class MessageType : quint16 {
 
     // Answers, agent to runner.
     Reply = 10,
-    Failure = 11,  ///< Failure
+    Failure = 11,  ///< Failure, its kind as the number of FailureKind
 
     // Without request, agent to runner. Sequence 0.
     EventFired = 20,  ///< EventFired
@@ -72,19 +72,6 @@ enum class MessageType : quint16 {
     ListObjects = 55,          ///< no body -> ObjectListing
     Quit = 54,                 ///< no body -> no body; then the windows are asked to close
     Expect = 56                ///< Expect -> LookUpResult
-};
-
-/// Why a request failed.
-enum class FailureCode : quint16 {
-    BadRequest = 1,   ///< a body that can't be read, an unknown type
-    StaleObject = 2,  ///< the object of the handle is gone
-    NotFound = 3,
-    NotReady = 4,  ///< the object was not ready in time
-    NoSuchProperty = 5,
-    NoSuchMethod = 6,
-    BadArgument = 7,
-    Unsupported = 8,  ///< the object can't do what was asked
-    Failed = 9        ///< everything else
 };
 
 }  // namespace Tamrix::Wire

@@ -100,7 +100,7 @@ TEST_F(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
     m_client.invoke(window, "removeList");
     for (const Wire::ObjectInfo& gone : {list, two}) {
         EXPECT_FALSE(m_client.read(gone, "text").isValid());
-        EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::StaleObject);
+        EXPECT_EQ(m_client.lastKind(), FailureKind::Gone);
     }
     EXPECT_EQ(m_client.lastError(), "the QListViewItem does not exist any more");
 }
@@ -113,9 +113,12 @@ TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
     ASSERT_FALSE(result.nearMisses.isEmpty());
     EXPECT_LE(result.nearMisses.size(), 3);
     EXPECT_EQ(result.nearMisses[0].object, "QPushButton 'Off'");
-    EXPECT_EQ(result.nearMisses[0].property, "text");
-    EXPECT_EQ(result.nearMisses[0].wanted, "off");
-    EXPECT_EQ(result.nearMisses[0].actual, "Off");
+    EXPECT_EQ(result.nearMisses[0].handle, m_client.find({"text=Off"}).handle);
+    ASSERT_EQ(result.nearMisses[0].differences.size(), 1);
+    const NearMiss::Difference& difference = result.nearMisses[0].differences[0];
+    EXPECT_EQ(difference.property, "text");
+    EXPECT_EQ(difference.wanted, "off");
+    EXPECT_EQ(difference.actual, "Off");
     // Near is what is of the type, or shares half of what the name says of the object itself.
     const struct {
         QStringList criteria;
@@ -131,13 +134,13 @@ TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
     };
     for (const auto& row : cases) {
         request.query = makeQuery(row.criteria);
-        const QList<Wire::NearMiss> misses =
+        const QList<NearMiss> misses =
             m_client.request<Wire::LookUpResult>(Wire::MessageType::LookUp, request).nearMisses;
         EXPECT_EQ(misses.isEmpty() ? QString() : misses.first().object, row.nearest)
             << row.criteria.join(' ').toStdString();
     }
     EXPECT_EQ(m_client.find({"text~=("}).handle, 0U);
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::BadArgument);
 }
 
 TEST_F(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
@@ -163,12 +166,15 @@ TEST_F(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
                 m_client.request<Wire::LookUpResult>(Wire::MessageType::Expect, request);
             EXPECT_EQ(result.object.handle, off);
             QStringList differences;
-            for (const Wire::NearMiss& miss : result.nearMisses) {
+            EXPECT_EQ(result.nearMisses.isEmpty(), row.differences.isEmpty());
+            for (const NearMiss& miss : result.nearMisses) {
                 EXPECT_EQ(miss.object, "QPushButton 'Off'");
-                differences.append(QString("%1 is %2, wanted %3")
-                                       .arg(miss.property,
-                                            miss.actual.isNull() ? "(none)" : miss.actual,
-                                            miss.wanted));
+                EXPECT_EQ(miss.handle, off);
+                for (const auto& each : miss.differences)
+                    differences.append(QString("%1 is %2, wanted %3")
+                                           .arg(each.property,
+                                                each.actual.isNull() ? "(none)" : each.actual,
+                                                each.wanted));
             }
             EXPECT_EQ(differences, row.differences);
         }

@@ -37,7 +37,7 @@ TEST_F(ObjectsTest, PropertiesAreReadAsTestersKnowThem) {
     EXPECT_EQ(m_client.read(box, "window").value<Wire::ObjectInfo>().handle, m_window.handle);
     EXPECT_EQ(m_client.read(m_client.find({"type=QComboBox"}), "currentText"), "red");
     EXPECT_FALSE(m_client.read(box, "nonsense").isValid());
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::NoSuchProperty);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
     EXPECT_EQ(m_client.lastError(), "QCheckBox 'Check' has no property 'nonsense'");
     const QVariantMap all =
         m_client
@@ -55,14 +55,14 @@ TEST_F(ObjectsTest, PropertiesAreWrittenOrRefused) {
     EXPECT_TRUE(write({"type=QGroupBox"}, "alignment", "AlignHCenter"));
 
     EXPECT_FALSE(write({"type=QSpinBox"}, "value", "many"));
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::BadArgument);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::BadArgument);
     EXPECT_TRUE(m_client.lastError().contains("is of type int and can't be 'many'"));
     EXPECT_FALSE(write({"type=QSpinBox"}, "visibleRegion", 1));
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::NoSuchProperty);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
     EXPECT_FALSE(write({"type=QSpinBox"}, "type", "x"));
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::Unsupported);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
     EXPECT_FALSE(write({"type=QListViewItem"}, "text", "x"));
-    EXPECT_EQ(m_client.lastCode(), Wire::FailureCode::Unsupported);
+    EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
 }
 
 TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
@@ -74,17 +74,17 @@ TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     const struct {
         QString method;
         QVariantList arguments;
-        Wire::FailureCode code;
+        FailureKind kind;
         QString text;
     } cases[] = {
-        {"subtract", {}, Wire::FailureCode::NoSuchMethod, "has no method 'subtract'"},
-        {"add", {1}, Wire::FailureCode::BadArgument, "add(int,int), add(QString,QString)"},
-        {"echo", {"text"}, Wire::FailureCode::BadArgument, "argument 1 of echo(QObject*)"},
-        {"fail", {}, Wire::FailureCode::Failed, "exception"},
+        {"subtract", {}, FailureKind::Refused, "has no method 'subtract'"},
+        {"add", {1}, FailureKind::BadArgument, "add(int,int), add(QString,QString)"},
+        {"echo", {"text"}, FailureKind::BadArgument, "argument 1 of echo(QObject*)"},
+        {"fail", {}, FailureKind::Failed, "exception"},
     };
     for (const auto& each : cases) {
         EXPECT_FALSE(m_client.invoke(m_window, each.method, each.arguments).isValid());
-        EXPECT_EQ(m_client.lastCode(), each.code) << each.method.toStdString();
+        EXPECT_EQ(m_client.lastKind(), each.kind) << each.method.toStdString();
         EXPECT_TRUE(m_client.lastError().contains(each.text)) << m_client.lastError().toStdString();
     }
 }

@@ -33,7 +33,7 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
         {"<?xml version='&amp;'?><a/>", 0, "A declaration", 1},
         // TinyXML would take "&#</a>#65;" for one letter, and nest the elements.
         {"<a>&#</a>#65;<a>\n&#</a>#65;", 1, "A reference to a character", 1},
-        {"<a b='&#9;' c=\"&#x1F600;\">&#65;&#x41;&#1;&#0;&lt;&x;</a>", 1, "", 0},
+        {"<a b='&#9;' c=\"&#x1F600;\">&#65;&#x41;&#1;&#0;&lt;</a>", 1, "", 0},
         {"<a\nb='&#' c='#65;'/>", 1, "A reference to a character", 2},
         {"<a>&#;</a>", 1, "A reference to a character", 1},
         {"<a>&#x;</a>", 1, "A reference to a character", 1},
@@ -42,7 +42,12 @@ TEST(XmlDepth, CountsWhatTheParserWillNestAndRefusesWhatItCanNotTake) {
         {"<a>&#xD800;</a>", 1, "A reference to a character", 1},
         {"<a>&#x110000;</a>", 1, "A reference to a character", 1},
         {"<a>&#99999999999999999999;</a>", 1, "A reference to a character", 1},
-        {"<a><!-- &# --><![CDATA[&#]]></a>", 1, "", 0},
+        {"<a><!-- &# & --><![CDATA[&# &]]></a>", 1, "", 0},
+        {"<a b='&amp;&lt;&gt;&quot;&apos;'>&apos;&amp;</a>", 1, "", 0},
+        // TinyXML would drop these.
+        {"<a>AT\n&T</a>", 1, "An & that begins no reference", 2},
+        {"<a>&nbsp;</a>", 1, "An & that begins no reference", 1},
+        {"<a b='x &amp'/>", 1, "An & that begins no reference", 1},
         {"<a/><", 1, "Markup without an end.", 1},
     };
     for (const Case& each : cases) {
@@ -68,10 +73,11 @@ TEST(XmlDepth, RefusesElementsBeyondTheLimit) {
 
 TEST(XmlDepth, FindsTextsOfWhiteSpaceAlone) {
     const QByteArray document =
-        "<a> <b>\n\t</b> <c> <!-- --> </c><d/> <e>  x</e><f></f> <g h='>'> </g></a>";
+        "<a> <b>\n\t</b> <c> <!-- --> </c><d/> <e>  x</e><f></f> <g h='>'> </g>"
+        "<i>\xEF\xBB\xBF </i></a>";
     EXPECT_EQ(withBlankTexts(document, xmlDepth(document)),
               "<a> <b><![CDATA[\n\t]]></b> <c> <!-- --> </c><d/> <e>  x</e><f></f> "
-              "<g h='>'><![CDATA[ ]]></g></a>");
+              "<g h='>'><![CDATA[ ]]></g><i><![CDATA[\xEF\xBB\xBF ]]></i></a>");
     const QByteArray none = "<!-- <a> </a> --><![CDATA[<a> </a>]]></a> </a>";
     EXPECT_EQ(withBlankTexts(none, xmlDepth(none)), none);
 }

@@ -7,7 +7,7 @@
 #include <QImage>
 
 #include "e2e/runnerprocess.h"
-#include "runner/suitefolder.h"
+#include "runner/suites/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
 

@@ -4,7 +4,7 @@
 
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
-#include "runner/suitefolder.h"
+#include "runner/suites/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
 

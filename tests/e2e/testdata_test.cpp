@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "e2e/runnerprocess.h"
-#include "runner/suitefolder.h"
+#include "runner/suites/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
 #include "support/ziparchive.h"

@@ -1,10 +1,10 @@
 // A suite's config.xml, and the same text as the words of a command line.
 
-#include "runner/suiteconfig.h"
+#include "runner/suites/suiteconfig.h"
 
 #include "fuzz/fuzztarget.h"
 #include "fuzz/quietqt.h"
-#include "runner/shellwords.h"
+#include "runner/processes/shellwords.h"
 
 using namespace Tamrix;
 

@@ -71,7 +71,7 @@ public:
 
     /// What the last request failed with; empty after a success.
     QString lastError() const { return m_failure.text; }
-    Wire::FailureCode lastCode() const { return m_failure.code; }
+    FailureKind lastKind() const { return m_failure.kind; }
 
     int pid() const { return m_pid; }
     QString socketPath() const { return m_folder.filePath("socket"); }

@@ -69,9 +69,9 @@ public:
     void reply(const Wire::Frame& request, const QByteArray& body = {}) {
         m_channel->send(request.sequence, Wire::MessageType::Reply, body);
     }
-    void fail(const Wire::Frame& request, Wire::FailureCode code, const QString& text) {
+    void fail(const Wire::Frame& request, FailureKind kind, const QString& text) {
         m_channel->sendBody(request.sequence, Wire::MessageType::Failure,
-                            Wire::Failure{code, text});
+                            Wire::Failure{kind, text});
     }
     void fire(const QString& callback, const Wire::ObjectInfo& object) {
         m_channel->sendBody(0, Wire::MessageType::EventFired, Wire::EventFired{callback, object});

@@ -40,7 +40,8 @@ void forEachSample(const Use& use) {
     use(MessageType::Hello, Hello{magicNumber, protocolVersion, "token", 12, 11, "/bin/app",
                                   QStringList{"-a", "b"}, "5.15.8", "xcb", "Debian"});
     use(MessageType::Refusal, Text{"why"});
-    use(MessageType::Failure, Failure{FailureCode::NotReady, "it is disabled"});
+    const NearMiss miss{"QPushButton 'a'", 8, {{"text", "b", "a"}, {"size", "3", QString()}}};
+    use(MessageType::Failure, Failure{FailureKind::NotReady, "it is disabled", {miss}});
     use(MessageType::EventFired, EventFired{"callback", object});
     use(MessageType::LookUp, LookUp{7, query, Wanted::Reach, true});
     use(MessageType::FindItem, FindItem{7, "a.b", 1, 2, true});
@@ -59,8 +60,7 @@ void forEachSample(const Use& use) {
 
     use(MessageType::Reply, Value{arguments});
     use(MessageType::Reply, ObjectInfoList{object, {8, "QLabel", QString()}});
-    use(MessageType::Reply,
-        LookUpResult{object, true, "it is hidden", {{"QLabel", "text", "wanted", "actual"}}});
+    use(MessageType::Reply, LookUpResult{object, true, "it is hidden", {miss}});
     use(MessageType::Reply, ObjectListing{QStringList{"QWidget", "QLabel"},
                                           {{0, 0, 3, QRect(1, 2, 3, 4), QString(), "{type='a'}"},
                                            {1, 1, 2, QRect(), "text", "{type='b'}"}}});

@@ -28,17 +28,14 @@ public:
     FrameResponder& operator=(const FrameResponder&) = delete;
     ~FrameResponder() override {
         if (!m_isAnswered)
-            FrameResponder::fail(Wire::FailureCode::Failed,
+            FrameResponder::fail(FailureKind::Failed,
                                  QStringLiteral("the request was not answered"));
         FrameResponder::finish();
     }
 
     void reply(const QByteArray& body) override { answer(Wire::MessageType::Reply, body); }
-    void fail(Wire::FailureCode code, const QString& text) override {
-        Wire::Failure failure;
-        failure.code = code;
-        failure.text = text;
-        answer(Wire::MessageType::Failure, Wire::encode(failure));
+    void fail(FailureKind kind, const QString& text) override {
+        answer(Wire::MessageType::Failure, Wire::encode(Wire::Failure{kind, text}));
     }
     void finish() override {
         if (m_session)
@@ -149,18 +146,17 @@ void AgentSession::workOnNext() {
     auto responder = std::make_shared<FrameResponder>(this, frame.sequence, m_current);
     const Handler handler = m_handlers.value(static_cast<int>(frame.type));
     if (!handler) {
-        responder->fail(Wire::FailureCode::BadRequest,
-                        QStringLiteral("the agent knows no request of type %1")
-                            .arg(static_cast<int>(frame.type)));
+        responder->fail(FailureKind::Failed, QStringLiteral("the agent knows no request of type %1")
+                                                 .arg(static_cast<int>(frame.type)));
         return;
     }
     // Code of the application runs below the handler; nothing it throws may pass Qt's event loop.
     try {
         handler(frame.body, responder);
     } catch (const std::exception& error) {
-        responder->fail(Wire::FailureCode::Failed, QString::fromLocal8Bit(error.what()));
+        responder->fail(FailureKind::Failed, QString::fromLocal8Bit(error.what()));
     } catch (...) {
-        responder->fail(Wire::FailureCode::Failed,
+        responder->fail(FailureKind::Failed,
                         QStringLiteral("the application threw an exception of unknown type"));
     }
 }

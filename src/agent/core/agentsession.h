@@ -32,7 +32,7 @@ public:
     bool showsOfHidden(const QString& typeName) const override;
     quint64 handle(const Element& element) override { return m_handles.handle(element); }
     Wire::ObjectInfo info(const Element& element) override;
-    Element find(quint64 handle, QString* error) override { return m_handles.find(handle, error); }
+    Outcome<Element> find(quint64 handle) override { return m_handles.find(handle); }
     QString describe(const Element& element) const override;
 
     bool isOpen() const { return m_channel.isOpen(); }

@@ -47,13 +47,14 @@ quint64 HandleTable::handle(const Element& element) {
     return m_last;
 }
 
-Element HandleTable::find(quint64 handle, QString* error) {
+Outcome<Element> HandleTable::find(quint64 handle) {
     const auto found = m_entries.constFind(handle);
     const Element element = found == m_entries.cend() ? Element() : elementOf(*found);
-    if (element.isNull())
-        *error = QStringLiteral("the %1 does not exist any more")
-                     .arg(found == m_entries.cend() ? QStringLiteral("object") : found->typeName);
-    return element;
+    if (!element.isNull())
+        return element;
+    return fail(FailureKind::Gone,
+                QStringLiteral("the %1 does not exist any more")
+                    .arg(found == m_entries.cend() ? QStringLiteral("object") : found->typeName));
 }
 
 void HandleTable::dropDead() {

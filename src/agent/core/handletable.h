@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "agent/core/element.h"
+#include "base/outcome.h"
 
 namespace Tamrix::Agent {
 
@@ -16,9 +17,9 @@ class HandleTable {
 public:
     /// The element's handle, made on first use.
     quint64 handle(const Element& element);
-    /// The element of a handle; null when it is gone or there never was one. `*error` is then the
-    /// sentence that says so and what it was.
-    Element find(quint64 handle, QString* error);
+    /// The element of a handle. When it is gone or there never was one, a failure of kind Gone with
+    /// the sentence that says so and what it was.
+    Outcome<Element> find(quint64 handle);
     int size() const { return m_entries.size(); }
 
 private:

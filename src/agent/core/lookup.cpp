@@ -259,26 +259,30 @@ QString ObjectFinder::actualText(const Criterion& criterion, const Element& elem
     return text.isNull() ? QStringLiteral("") : text;
 }
 
-Wire::NearMiss ObjectFinder::missOf(const Criterion& criterion, const Element& element) const {
-    Wire::NearMiss miss;
-    miss.object = Session::self()->describe(element);
-    miss.property = criterion.property;
-    miss.wanted = criterion.finder ? QStringLiteral("another object") : criterion.wanted;
-    miss.actual = actualText(criterion, element);
+NearMiss::Difference ObjectFinder::differenceOf(const Criterion& criterion,
+                                                const Element& element) const {
+    return {criterion.property,
+            criterion.finder ? QStringLiteral("another object") : criterion.wanted,
+            actualText(criterion, element)};
+}
+
+NearMiss ObjectFinder::missOf(const Element& element) {
+    return {Session::self()->describe(element), Session::self()->handle(element), {}};
+}
+
+std::optional<NearMiss> ObjectFinder::differences(const Element& element) {
+    resolveRelations();
+    NearMiss miss = missOf(element);
+    for (const Criterion& criterion : m_criteria) {
+        if (!matches(criterion, element))
+            miss.differences.append(differenceOf(criterion, element));
+    }
+    if (miss.differences.isEmpty())
+        return std::nullopt;
     return miss;
 }
 
-QList<Wire::NearMiss> ObjectFinder::differences(const Element& element) {
-    resolveRelations();
-    QList<Wire::NearMiss> misses;
-    for (const Criterion& criterion : m_criteria) {
-        if (!matches(criterion, element))
-            misses.append(missOf(criterion, element));
-    }
-    return misses;
-}
-
-QList<Wire::NearMiss> ObjectFinder::nearMisses() {
+QList<NearMiss> ObjectFinder::nearMisses() {
     constexpr size_t most = 3;
     struct Near {
         Element element;
@@ -339,9 +343,11 @@ QList<Wire::NearMiss> ObjectFinder::nearMisses() {
                 nearest.pop_back();
         });
     }
-    QList<Wire::NearMiss> misses;
-    for (const Near& near : nearest)
-        misses.append(missOf(*near.criterion, near.element));
+    QList<NearMiss> misses;
+    for (const Near& near : nearest) {
+        misses.append(missOf(near.element));
+        misses.last().differences.append(differenceOf(*near.criterion, near.element));
+    }
     return misses;
 }
 

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QVector>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "agent/core/element.h"
@@ -32,9 +33,9 @@ public:
     Element find();
     /// Up to three objects of the wanted type, or of which at least half of the name is true, that
     /// differ in the fewest criteria, and in what.
-    QList<Wire::NearMiss> nearMisses();
+    QList<NearMiss> nearMisses();
     /// In what the element differs, whatever else there is; nothing when it matches.
-    QList<Wire::NearMiss> differences(const Element& element);
+    std::optional<NearMiss> differences(const Element& element);
 
 private:
     struct Criterion;
@@ -50,7 +51,8 @@ private:
     bool matches(const Element& element);
     /// Null when the element has no such property.
     QString actualText(const Criterion& criterion, const Element& element) const;
-    Wire::NearMiss missOf(const Criterion& criterion, const Element& element) const;
+    NearMiss::Difference differenceOf(const Criterion& criterion, const Element& element) const;
+    static NearMiss missOf(const Element& element);
     /// Finds the objects that criteria name; false when one isn't there.
     bool resolveRelations();
     /// The object below which all matches are, if the name says one; null if it doesn't.

@@ -66,12 +66,12 @@ Choice prepare(QObject* object, const QMetaMethod& method, const QVariantList& a
     return choice;
 }
 
-/// The method to call; none with a code and a text.
-Choice choose(const Element& element, const Wire::Invoke& call, Wire::FailureCode* code,
-              QString* error) {
+/// The method to call.
+Outcome<Choice> choose(const Element& element, const Wire::Invoke& call) {
     const QMetaObject* const metaObject = element.object->metaObject();
     const QByteArray name = call.method.toUtf8();
     Choice best;
+    QString error;
     QStringList others;
     // Methods of derived classes first.
     for (int index = metaObject->methodCount() - 1; index >= 0; --index) {
@@ -82,23 +82,22 @@ Choice choose(const Element& element, const Wire::Invoke& call, Wire::FailureCod
             others.prepend(methodText(method));
             continue;
         }
-        const Choice choice = prepare(element.object, method, call.arguments, error);
+        const Choice choice = prepare(element.object, method, call.arguments, &error);
         if (choice.isFound() && (!best.isFound() || choice.unfitness < best.unfitness))
             best = choice;
     }
     if (best.isFound())
         return best;
-    *code = Wire::FailureCode::BadArgument;
-    if (error->isEmpty() && others.isEmpty()) {
-        *code = Wire::FailureCode::NoSuchMethod;
-        *error = QStringLiteral("%1 has no method '%2'")
-                     .arg(Session::self()->describe(element), call.method);
-    } else if (error->isEmpty()) {
-        *error = QStringLiteral("there is no %1 with %2 arguments, but %3")
-                     .arg(call.method, QString::number(call.arguments.size()),
-                          others.join(QLatin1String(", ")));
-    }
-    return best;
+    if (!error.isEmpty())
+        return fail(FailureKind::BadArgument, error);
+    if (others.isEmpty())
+        return fail(FailureKind::Refused,
+                    QStringLiteral("%1 has no method '%2'")
+                        .arg(Session::self()->describe(element), call.method));
+    return fail(FailureKind::BadArgument,
+                QStringLiteral("there is no %1 with %2 arguments, but %3")
+                    .arg(call.method, QString::number(call.arguments.size()),
+                         others.join(QLatin1String(", "))));
 }
 
 /// Calls; the result is invalid for a method without one, or with one that can't be handed over.
@@ -131,21 +130,18 @@ QVariant invoke(QObject* object, Choice* choice) {
 
 void callMethod(const Element& element, const Wire::Invoke& call, const ResponderPtr& responder) {
     if (element.isItem()) {
-        responder->fail(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 is an item and has no methods")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(FailureKind::Refused, QStringLiteral("%1 is an item and has no methods")
+                                                  .arg(Session::self()->describe(element)));
         return;
     }
     if (call.arguments.size() > mostArguments) {
-        responder->fail(Wire::FailureCode::BadArgument,
+        responder->fail(FailureKind::BadArgument,
                         QStringLiteral("%1 arguments are too many").arg(call.arguments.size()));
         return;
     }
-    Wire::FailureCode code{};
-    QString error;
-    Choice choice = choose(element, call, &code, &error);
-    if (!choice.isFound()) {
-        responder->fail(code, error);
+    Outcome<Choice> choice = choose(element, call);
+    if (!choice) {
+        responder->fail(choice.error().kind, choice.error().text);
         return;
     }
     QTimer watch;
@@ -156,7 +152,7 @@ void callMethod(const Element& element, const Wire::Invoke& call, const Responde
     });
     watch.start(patience);
     Wire::Value value;
-    value.value = toWireValue(invoke(element.object, &choice));
+    value.value = toWireValue(invoke(element.object, &*choice));
     responder->replyBody(value);
 }
 

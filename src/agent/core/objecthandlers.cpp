@@ -40,7 +40,7 @@ void lookUp(const Wire::LookUp& request, const ResponderPtr& responder) {
     }
     ObjectFinder finder(request.query);
     if (!finder.errorText().isEmpty()) {
-        responder->fail(Wire::FailureCode::BadArgument, finder.errorText());
+        responder->fail(FailureKind::BadArgument, finder.errorText());
         return;
     }
     const Element element = finder.find();
@@ -84,17 +84,19 @@ void expect(const Wire::Expect& request, const ResponderPtr& responder) {
     ObjectFinder comparison(request.properties);
     for (const ObjectFinder* each : {&finder, &comparison}) {
         if (!each->errorText().isEmpty()) {
-            responder->fail(Wire::FailureCode::BadArgument, each->errorText());
+            responder->fail(FailureKind::BadArgument, each->errorText());
             return;
         }
     }
     if (element.isNull())
         element = finder.find();
     result.object = Session::self()->info(element);
-    if (!element.isNull())
-        result.nearMisses = comparison.differences(element);
-    else if (request.wantNearMisses)
+    if (!element.isNull()) {
+        if (const std::optional<NearMiss> miss = comparison.differences(element))
+            result.nearMisses.append(*miss);
+    } else if (request.wantNearMisses) {
         result.nearMisses = finder.nearMisses();
+    }
     responder->replyBody(result);
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 void failUnknown(const Element& element, const QString& name, const ResponderPtr& responder) {
     responder->fail(
-        Wire::FailureCode::NoSuchProperty,
+        FailureKind::Refused,
         QStringLiteral("%1 has no property '%2'").arg(Session::self()->describe(element), name));
 }
 
@@ -91,8 +91,7 @@ void writeProperty(const Wire::PropertyAccess& request, const ResponderPtr& resp
     const QString what = QStringLiteral("the property '%1' of %2")
                              .arg(request.name, Session::self()->describe(element));
     if (!property.isValid() || !property.isWritable()) {
-        responder->fail(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 can't be written").arg(what));
+        responder->fail(FailureKind::Refused, QStringLiteral("%1 can't be written").arg(what));
         return;
     }
     QVariant converted;
@@ -100,7 +99,7 @@ void writeProperty(const Wire::PropertyAccess& request, const ResponderPtr& resp
                                  element.object->metaObject(), &converted);
     if (fit == Fit::None) {
         responder->fail(
-            Wire::FailureCode::BadArgument,
+            FailureKind::BadArgument,
             QStringLiteral("%1 is of type %2 and can't be %3")
                 .arg(what, QString::fromUtf8(property.typeName()), describeValue(request.value)));
         return;
@@ -112,7 +111,7 @@ void writeProperty(const Wire::PropertyAccess& request, const ResponderPtr& resp
     if (property.write(element.object, converted))
         responder->reply();
     else
-        responder->fail(Wire::FailureCode::Failed,
+        responder->fail(FailureKind::Failed,
                         QStringLiteral("%1 refused %2").arg(what, describeValue(request.value)));
 }
 

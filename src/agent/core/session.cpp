@@ -5,11 +5,10 @@ namespace Tamrix::Agent {
 Responder::~Responder() = default;
 
 Element Session::findOrFail(quint64 handle, const ResponderPtr& responder) {
-    QString error;
-    const Element element = find(handle, &error);
-    if (element.isNull())
-        responder->fail(Wire::FailureCode::StaleObject, error);
-    return element;
+    const Outcome<Element> element = find(handle);
+    if (!element)
+        responder->fail(element.error().kind, element.error().text);
+    return element.value_or(Element());
 }
 
 }  // namespace Tamrix::Agent

@@ -16,13 +16,13 @@ class Toolkit;
 
 /// The one answer to a request, and the end of its work. Shared by whoever works on the request;
 /// the session takes the next request when finish() was called, or when the last copy is gone: a
-/// request that was not answered by then fails with FailureCode::Failed.
+/// request that was not answered by then fails with FailureKind::Failed.
 class TAMRIX_EXPORT Responder {
 public:
     virtual ~Responder();
 
     virtual void reply(const QByteArray& body = QByteArray()) = 0;
-    virtual void fail(Wire::FailureCode code, const QString& text) = 0;
+    virtual void fail(FailureKind kind, const QString& text) = 0;
     /// Lets the session go on with the next request. Work that was answered may go on before this
     /// call: input is injected between answer and end.
     virtual void finish() = 0;
@@ -60,7 +60,7 @@ public:
             if (Wire::decode(bytes, &body))
                 handler(body, responder);
             else
-                responder->fail(Wire::FailureCode::BadRequest,
+                responder->fail(FailureKind::Failed,
                                 QStringLiteral("the request's body can't be read"));
         });
     }
@@ -82,9 +82,9 @@ public:
     virtual quint64 handle(const Element& element) = 0;
     /// Handle, type and name, as they travel; handle 0 for a null element.
     virtual Wire::ObjectInfo info(const Element& element) = 0;
-    /// The element of a handle, null when it is gone; `*error` is then the sentence that says so.
-    virtual Element find(quint64 handle, QString* error) = 0;
-    /// As above, and fails the request with StaleObject when it is gone.
+    /// The element of a handle; a failure of kind Gone when it does not exist any more.
+    virtual Outcome<Element> find(quint64 handle) = 0;
+    /// As above, and fails the request when it is gone.
     Element findOrFail(quint64 handle, const ResponderPtr& responder);
     /// A name for people in messages: type, then text or name in quotes.
     virtual QString describe(const Element& element) const = 0;

@@ -54,9 +54,8 @@ bool isInRange(const QVariant& value, int typeId) {
 Fit convertObject(const QVariant& value, const QByteArray& typeName, QVariant* converted) {
     void* pointer = nullptr;
     if (isObject(value)) {
-        QString text;
         const Element element =
-            Session::self()->find(value.value<Wire::ObjectInfo>().handle, &text);
+            Session::self()->find(value.value<Wire::ObjectInfo>().handle).value_or(Element());
         const QByteArray wanted = QByteArray(typeName).replace('*', "").replace("const", "");
         if (element.isNull() || element.isItem() ||
             !element.object->inherits(wanted.trimmed().constData()))

@@ -16,7 +16,7 @@ void handleInstall(EventWatch* watch, const Wire::EventHandler& request,
                    const ResponderPtr& responder) {
     const QSet<int> types = eventTypesOf(request.event);
     if (types.isEmpty()) {
-        responder->fail(Wire::FailureCode::BadArgument,
+        responder->fail(FailureKind::BadArgument,
                         QStringLiteral("unknown event '%1'").arg(request.event));
         return;
     }
@@ -26,9 +26,8 @@ void handleInstall(EventWatch* watch, const Wire::EventHandler& request,
         if (element.isNull())
             return;
         if (element.isItem()) {
-            responder->fail(Wire::FailureCode::Unsupported,
-                            QStringLiteral("%1 has no events of its own")
-                                .arg(Session::self()->describe(element)));
+            responder->fail(FailureKind::Refused, QStringLiteral("%1 has no events of its own")
+                                                      .arg(Session::self()->describe(element)));
             return;
         }
         object = element.object;
@@ -42,7 +41,7 @@ void handleUninstall(EventWatch* watch, const Wire::EventHandler& request,
     if (watch->uninstall(request))
         responder->reply();
     else
-        responder->fail(Wire::FailureCode::NotFound,
+        responder->fail(FailureKind::NotFound,
                         QStringLiteral("there is no such handler for '%1'").arg(request.event));
 }
 
@@ -51,9 +50,8 @@ void handleSendEvent(const Wire::SendEvent& request, const ResponderPtr& respond
     if (element.isNull())
         return;
     if (element.isItem()) {
-        responder->fail(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 takes no events of its own")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(FailureKind::Refused, QStringLiteral("%1 takes no events of its own")
+                                                  .arg(Session::self()->describe(element)));
         return;
     }
     QString error;
@@ -61,7 +59,7 @@ void handleSendEvent(const Wire::SendEvent& request, const ResponderPtr& respond
     std::vector<std::unique_ptr<QEvent>> events =
         makeEvents(request.event, request.arguments, origin, &error);
     if (events.empty()) {
-        responder->fail(Wire::FailureCode::BadArgument, error);
+        responder->fail(FailureKind::BadArgument, error);
         return;
     }
     responder->reply();

@@ -31,7 +31,7 @@ bool isText(const QVariant& value) {
 }  // namespace
 
 void Call::failArgument(const QString& text) const {
-    throw CallError(Wire::FailureCode::BadArgument, text);
+    throw CallError(FailureKind::BadArgument, text);
 }
 
 QVariant Call::take(const char* name) {
@@ -53,11 +53,10 @@ Element Call::takeObject() {
     if (value.userType() != qMetaTypeId<Wire::ObjectInfo>())
         failArgument(QStringLiteral("the argument object is no object"));
     const auto info = value.value<Wire::ObjectInfo>();
-    QString error;
-    const Element element = Session::self()->find(info.handle, &error);
-    if (element.isNull())
-        throw CallError(Wire::FailureCode::StaleObject, error);
-    return element;
+    const Outcome<Element> element = Session::self()->find(info.handle);
+    if (!element)
+        throw CallError(element.error());
+    return *element;
 }
 
 int Call::takeNumber(const char* name) {
@@ -112,17 +111,12 @@ QString notReadyText(const Element& element, const QString& obstacle) {
 }
 
 QString notReadyText(const ElementRef& element, const QString& obstacle) {
-    QString error;
-    const Element found = Session::self()->find(element.handle(), &error);
-    return found.isNull() ? error : notReadyText(found, obstacle);
+    const Outcome<Element> found = Session::self()->find(element.handle());
+    return found ? notReadyText(*found, obstacle) : found.error().text;
 }
 
 bool failIfGone(const Call& call, const ElementRef& element) {
-    QString error;
-    if (!Session::self()->find(element.handle(), &error).isNull())
-        return false;
-    call.responder()->fail(Wire::FailureCode::StaleObject, error);
-    return true;
+    return Session::self()->findOrFail(element.handle(), call.responder()).isNull();
 }
 
 void whenReady(const Call& call, const Element& element, const Aim& aim,
@@ -134,9 +128,9 @@ void whenReady(const Call& call, const Element& element, const Aim& aim,
                            act(ref, readiness.point);
                            return;
                        }
-                       responder->fail(ref.get().isNull() ? Wire::FailureCode::StaleObject
-                                                          : Wire::FailureCode::NotReady,
-                                       notReadyText(ref, readiness.obstacle));
+                       responder->fail(
+                           ref.get().isNull() ? FailureKind::Gone : FailureKind::NotReady,
+                           notReadyText(ref, readiness.obstacle));
                        responder->finish();
                    });
 }

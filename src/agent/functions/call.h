@@ -18,14 +18,14 @@ namespace Tamrix::Agent {
 /// Ends a call of a global function with a failure; callGlobalFunction() turns it into the answer.
 class CallError : public std::exception {
 public:
-    CallError(Wire::FailureCode code, QString text) : m_code(code), m_text(std::move(text)) {}
-    Wire::FailureCode code() const { return m_code; }
-    QString text() const { return m_text; }
+    explicit CallError(Failure failure) : m_failure(std::move(failure)) {}
+    CallError(FailureKind kind, const QString& text) : CallError(Failure{kind, text}) {}
+    FailureKind kind() const { return m_failure.kind; }
+    QString text() const { return m_failure.text; }
     const char* what() const noexcept override { return "a global function failed"; }
 
 private:
-    Wire::FailureCode m_code;
-    QString m_text;
+    Failure m_failure;
 };
 
 /// A call of a global function on its way. The take...() functions read one argument after another;

@@ -83,8 +83,7 @@ void setChecked(Call& call, State wanted) {
     const State state = stateOf(element);
     const QString name = Session::self()->describe(element);
     if (state == State::NotCheckable)
-        throw CallError(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 can't be checked").arg(name));
+        throw CallError(FailureKind::Refused, QStringLiteral("%1 can't be checked").arg(name));
     if (state == wanted) {
         call.responder()->replyBody(Wire::Value());
         call.responder()->finish();
@@ -92,7 +91,7 @@ void setChecked(Call& call, State wanted) {
     }
     if (wanted == State::Unchecked && state == State::Checked && staysChecked(element))
         throw CallError(
-            Wire::FailureCode::Unsupported,
+            FailureKind::Refused,
             QStringLiteral("%1 can't be unchecked: check another one instead").arg(name));
     whenReady(call, element, Aim{offsetOf(element)},
               [=](const ElementRef& ref, const QPoint& point) {

@@ -60,7 +60,7 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, con
                 ? Element()
                 : box.toolkit->item(box, ItemPath(), rowOf(ref, path), -1, &reason);
         if (item.isNull()) {
-            call.responder()->fail(Wire::FailureCode::NotFound,
+            call.responder()->fail(FailureKind::NotFound,
                                    QStringLiteral("the item '%1' is gone").arg(path.text()));
             return;
         }
@@ -72,7 +72,7 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& ref, con
                                return;
                            guard->resume();
                            if (!readiness.isReady) {
-                               call.responder()->fail(Wire::FailureCode::NotReady,
+                               call.responder()->fail(FailureKind::NotReady,
                                                       notReadyText(target, readiness.obstacle));
                                return;
                            }
@@ -99,7 +99,7 @@ bool selectComboItem(const Call& call, const Element& element, const ItemPath& p
                            if (failIfGone(call, ref))
                                return;
                            call.responder()->fail(
-                               Wire::FailureCode::NotFound,
+                               FailureKind::NotFound,
                                QStringLiteral("%1 has no item '%2'")
                                    .arg(Session::self()->describe(ref.get()), path.text()));
                        });
@@ -111,7 +111,7 @@ bool selectComboItem(const Call& call, const Element& element, const ItemPath& p
         queue->waitFor([ref] { return isOpen(ref); }, call.timeout(),
                        [ref, call] {
                            call.responder()->fail(
-                               Wire::FailureCode::NotReady,
+                               FailureKind::NotReady,
                                notReadyText(ref, QStringLiteral("its list does not open")));
                        });
         addItemClick(queue, call, ref, path);

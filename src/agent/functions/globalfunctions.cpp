@@ -90,16 +90,16 @@ void callGlobalFunction(const Wire::Invoke& call, const ResponderPtr& responder)
             function.run(running);
         } catch (const CallError& error) {
             QString text = error.text();
-            if (error.code() == Wire::FailureCode::BadArgument)
+            if (error.kind() == FailureKind::BadArgument)
                 text =
                     QStringLiteral("%1: %2; usage: %1(%3)")
                         .arg(call.method, text, QLatin1String(descriptionOf(function).parameters));
-            responder->fail(error.code(), text);
+            responder->fail(error.kind(), text);
             responder->finish();
         }
         return;
     }
-    responder->fail(Wire::FailureCode::NoSuchMethod,
+    responder->fail(FailureKind::Refused,
                     QStringLiteral("there is no global function '%1'").arg(call.method));
     responder->finish();
 }

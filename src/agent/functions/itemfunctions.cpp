@@ -47,7 +47,7 @@ void failNotFound(const Call& call, const ElementRef& view, const ItemPath& path
     if (reason.isEmpty())
         reason = found.isNull() ? QStringLiteral("there is no item '%1'").arg(path.text())
                                 : QStringLiteral("'%1' is in a closed item").arg(path.text());
-    call.responder()->fail(Wire::FailureCode::NotFound, reason);
+    call.responder()->fail(FailureKind::NotFound, reason);
 }
 
 /// Adds steps that wait for the item, opening what holds it, and click it.
@@ -83,7 +83,7 @@ void addItemClick(StepQueue* queue, const Call& call, const ElementRef& view,
                                return;
                            guard->resume();
                            if (!readiness.isReady) {
-                               call.responder()->fail(Wire::FailureCode::NotReady,
+                               call.responder()->fail(FailureKind::NotReady,
                                                       notReadyText(ref, readiness.obstacle));
                                return;
                            }

@@ -61,7 +61,7 @@ void failNotFound(const MenuWay& way) {
                 texts.append(actionText(action));
     }
     way.call.responder()->fail(
-        Wire::FailureCode::NotFound,
+        FailureKind::NotFound,
         QStringLiteral("%1 has no item '%2'; it has: %3")
             .arg(Session::self()->describe(way.menu.get()), way.path.text(),
                  texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral(", "))));
@@ -80,7 +80,7 @@ void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
     const QString name = actionText(action);
     if (!action->isEnabled()) {
         way.call.responder()->fail(
-            Wire::FailureCode::NotReady,
+            FailureKind::NotReady,
             QStringLiteral("the menu item '%1' is not ready: it is disabled").arg(name));
         return;
     }
@@ -91,7 +91,7 @@ void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
     }
     const QPointer<QMenu> inner = action->menu();
     if (inner == nullptr) {
-        way.call.responder()->fail(Wire::FailureCode::NotFound,
+        way.call.responder()->fail(FailureKind::NotFound,
                                    QStringLiteral("the menu item '%1' has no items").arg(name));
         return;
     }
@@ -101,7 +101,7 @@ void addItem(StepQueue* queue, const MenuWay& way, const QPoint& point) {
     const auto isOpen = [inner] { return inner != nullptr && inner->isVisible(); };
     queue->waitFor(isOpen, way.call.timeout(), [way, name] {
         way.call.responder()->fail(
-            Wire::FailureCode::NotReady,
+            FailureKind::NotReady,
             QStringLiteral("the menu item '%1' is not ready: its menu does not open").arg(name));
     });
     queue->add([queue, next = MenuWay{way.call, ElementRef(Session::self()->element(inner)),
@@ -131,7 +131,7 @@ void addWay(StepQueue* queue, const MenuWay& way) {
                 if (readiness.isReady)
                     addItem(guard, way, readiness.point);
                 else
-                    way.call.responder()->fail(Wire::FailureCode::NotReady,
+                    way.call.responder()->fail(FailureKind::NotReady,
                                                notReadyText(way.menu, readiness.obstacle));
             });
     });

@@ -34,7 +34,7 @@ MouseStyle takeStyle(Call* call) {
         const bool isOne = number > 0 && (number & (number - 1)) == 0;
         if (!isOne || (number & static_cast<int>(Qt::AllButtons)) == 0)
             throw CallError(
-                Wire::FailureCode::BadArgument,
+                FailureKind::BadArgument,
                 QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle").arg(number));
     } else if (call->hasText()) {
         const QString text = call->takeText("button");
@@ -45,7 +45,7 @@ MouseStyle takeStyle(Call* call) {
             modifiers = text;
             mayBeButton = !text.contains(QLatin1Char('+'));
         } else {
-            throw CallError(Wire::FailureCode::BadArgument,
+            throw CallError(FailureKind::BadArgument,
                             QStringLiteral("'%1' is no mouse button: \"left\", \"right\" or "
                                            "\"middle\"")
                                 .arg(text));
@@ -61,7 +61,7 @@ MouseStyle takeStyle(Call* call) {
     if (!parseModifiers(modifiers, &named, &error)) {
         if (mayBeButton)
             error = QStringLiteral("'%1' is neither a mouse button nor a modifier").arg(modifiers);
-        throw CallError(Wire::FailureCode::BadArgument, error);
+        throw CallError(FailureKind::BadArgument, error);
     }
     style.modifiers |= named;
     return style;

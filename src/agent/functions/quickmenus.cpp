@@ -78,7 +78,7 @@ void failNotFound(const QuickWay& way) {
     const QString title =
         way.menu == nullptr ? QString() : withoutMnemonic(way.menu->property("title").toString());
     way.call.responder()->fail(
-        Wire::FailureCode::NotFound,
+        FailureKind::NotFound,
         QStringLiteral("the menu%1 has no item '%2'; it has: %3")
             .arg(title.isEmpty() ? title : QStringLiteral(" '%1'").arg(title), way.path.text(),
                  texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QStringLiteral(", "))));
@@ -97,7 +97,7 @@ void addEntry(StepQueue* queue, const QuickWay& way, const QuickEntry& entry, co
     const QString name = entry.element.toolkit->text(entry.element);
     const QPointer<QObject> menu = menuBelow(entry.element);
     if (menu == nullptr) {
-        way.call.responder()->fail(Wire::FailureCode::NotFound,
+        way.call.responder()->fail(FailureKind::NotFound,
                                    QStringLiteral("the menu item '%1' has no items").arg(name));
         return;
     }
@@ -107,7 +107,7 @@ void addEntry(StepQueue* queue, const QuickWay& way, const QuickEntry& entry, co
     const auto isOpen = [menu] { return menu != nullptr && menu->property("opened").toBool(); };
     queue->waitFor(isOpen, way.call.timeout(), [way, name] {
         way.call.responder()->fail(
-            Wire::FailureCode::NotReady,
+            FailureKind::NotReady,
             QStringLiteral("the menu item '%1' is not ready: its menu does not open").arg(name));
     });
     queue->add(
@@ -135,7 +135,7 @@ void addQuickWay(StepQueue* queue, const QuickWay& way) {
                 if (readiness.isReady)
                     addEntry(guard, way, entry, readiness.point);
                 else
-                    way.call.responder()->fail(Wire::FailureCode::NotReady,
+                    way.call.responder()->fail(FailureKind::NotReady,
                                                notReadyText(ref, readiness.obstacle));
             });
     });

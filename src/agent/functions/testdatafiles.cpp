@@ -22,7 +22,7 @@ QString folderPath() {
 }
 
 [[noreturn]] void refuse(const QString& name, const QString& reason) {
-    throw CallError(Wire::FailureCode::Failed,
+    throw CallError(FailureKind::Failed,
                     QStringLiteral("the test data file '%1' %2").arg(name, reason));
 }
 
@@ -73,7 +73,7 @@ void testDataPut(Call& call) {
     const QString path = pathOf(name);
     QByteArray bytes;
     if (!decodedQByteArray(encoded, &bytes))
-        throw CallError(Wire::FailureCode::BadArgument,
+        throw CallError(FailureKind::BadArgument,
                         QStringLiteral("the argument encodedBytes holds no bytes"));
     QSaveFile file(path);
     if (!QDir().mkpath(QFileInfo(path).path()))

@@ -73,11 +73,10 @@ void fill(Call& call) {
     const Field field = element.isItem() ? Field() : fieldOf(element.object);
     const QString name = Session::self()->describe(element);
     if (!field.isField)
-        throw CallError(Wire::FailureCode::Unsupported,
+        throw CallError(FailureKind::Refused,
                         QStringLiteral("%1 is no field that takes text").arg(name));
     if (field.isReadOnly)
-        throw CallError(Wire::FailureCode::Unsupported,
-                        QStringLiteral("%1 is read only").arg(name));
+        throw CallError(FailureKind::Refused, QStringLiteral("%1 is read only").arg(name));
     // What is typed becomes its value at the end of the line only.
     const bool isSpinBox = !element.isItem() && element.object->inherits("QQuickSpinBox");
     whenReady(call, innerField(element), Aim::ofTyping(),
@@ -127,7 +126,7 @@ void press(Call& call) {
     const KeyCombination keys = parseKeys(call.takeText("keys"), &error);
     call.takeEnd();
     if (keys.isEmpty())
-        throw CallError(Wire::FailureCode::BadArgument, error);
+        throw CallError(FailureKind::BadArgument, error);
     whenReady(call, element, Aim::withoutPoint(), [=](const ElementRef& ref, const QPoint&) {
         auto* const queue = StepQueue::create();
         addFocus(queue, ref, Qt::OtherFocusReason);

@@ -28,7 +28,7 @@ void closeWindow(Call& call) {
     const bool isInner = qobject_cast<QMdiSubWindow*>(element.object) != nullptr;
     if (window.isNull() && !isInner)
         throw CallError(
-            Wire::FailureCode::Unsupported,
+            FailureKind::Refused,
             QStringLiteral("%1 is in no window").arg(Session::self()->describe(element)));
     const ElementRef ref(isInner ? element : window);
 
@@ -39,7 +39,7 @@ void closeWindow(Call& call) {
             const Element late = ref.get();
             const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
             call.responder()->fail(
-                late.isNull() ? Wire::FailureCode::StaleObject : Wire::FailureCode::NotReady,
+                late.isNull() ? FailureKind::Gone : FailureKind::NotReady,
                 notReadyText(ref,
                              obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle));
         });

@@ -15,8 +15,7 @@ public:
     quint64 handle() const { return m_handle; }
     /// Null when it is gone.
     Element get() const {
-        QString text;
-        return m_handle == 0 ? Element() : Session::self()->find(m_handle, &text);
+        return m_handle == 0 ? Element() : Session::self()->find(m_handle).value_or(Element());
     }
 
 private:

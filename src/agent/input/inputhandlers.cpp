@@ -44,9 +44,8 @@ bool findPlace(const Wire::MouseEvent& request, const ResponderPtr& responder, Q
     *window = element.toolkit->nativeWindow(element);
     const QRect bounds = element.toolkit->globalBounds(element);
     if (*window == nullptr || bounds.isEmpty()) {
-        responder->fail(Wire::FailureCode::NotReady,
-                        QStringLiteral("%1 is not ready: it is not visible")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
+                                                   .arg(Session::self()->describe(element)));
         return false;
     }
     *position = (request.mask & hasCoordinates) != 0 ? bounds.topLeft() + given : bounds.center();
@@ -58,7 +57,7 @@ void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& respo
     constexpr int allButtons = Qt::AllButtons;
     if (request.buttonChange && (request.button <= 0 || (request.button & allButtons) == 0 ||
                                  (request.button & (request.button - 1)) != 0)) {
-        responder->fail(Wire::FailureCode::BadArgument,
+        responder->fail(FailureKind::BadArgument,
                         QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
                             .arg(request.button));
         return;
@@ -110,7 +109,7 @@ void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder
     QString error;
     const KeyCombination keys = parseKeys(request.key, &error);
     if (keys.isEmpty()) {
-        responder->fail(Wire::FailureCode::BadArgument, error);
+        responder->fail(FailureKind::BadArgument, error);
         return;
     }
     auto* const queue = StepQueue::create();

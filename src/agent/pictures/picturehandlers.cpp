@@ -28,7 +28,7 @@ void replyPicture(const Picture& picture, const ResponderPtr& responder) {
 void desktopScreenshot(const QVariantList& /*arguments*/, const ResponderPtr& responder) {
     const Picture picture = desktopPicture();
     if (picture.image.isNull())
-        responder->fail(Wire::FailureCode::Failed,
+        responder->fail(FailureKind::Failed,
                         QStringLiteral("there is no screen to take a picture of"));
     else
         replyPicture(picture, responder);
@@ -71,9 +71,8 @@ void replyGrab(quint64 handle, const ResponderPtr& responder) {
     picture.image = element.toolkit->grab(element);
     const QRect bounds = element.toolkit->globalBounds(element);
     if (picture.image.isNull() || bounds.isEmpty()) {
-        responder->fail(Wire::FailureCode::NotReady,
-                        QStringLiteral("%1 is not ready: it is not visible")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
+                                                   .arg(Session::self()->describe(element)));
         return;
     }
     picture.origin = bounds.topLeft();
@@ -139,7 +138,7 @@ void getPixmapAsImage(const QVariantList& arguments, const ResponderPtr& respond
     const QImage image = ownPicture(element);
     if (image.isNull()) {
         responder->fail(
-            Wire::FailureCode::Unsupported,
+            FailureKind::Refused,
             QStringLiteral("%1 has no picture of its own").arg(Session::self()->describe(element)));
         return;
     }
@@ -168,7 +167,7 @@ void handleNativeRequest(const Wire::NativeRequest& request, const ResponderPtr&
             function.run(request.arguments, responder);
             return;
         }
-    responder->fail(Wire::FailureCode::Unsupported,
+    responder->fail(FailureKind::Refused,
                     QStringLiteral("the agent knows no native request '%1'").arg(request.name));
 }
 
@@ -178,9 +177,8 @@ void handleHighlight(Highlight* highlight, const Wire::Highlight& request,
     if (element.isNull())
         return;
     if (!element.toolkit->isVisible(element) || element.toolkit->visibleBounds(element).isEmpty()) {
-        responder->fail(Wire::FailureCode::NotReady,
-                        QStringLiteral("%1 is not ready: it is not visible")
-                            .arg(Session::self()->describe(element)));
+        responder->fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
+                                                   .arg(Session::self()->describe(element)));
         return;
     }
     highlight->start(element, request.milliseconds);

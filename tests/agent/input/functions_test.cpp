@@ -132,7 +132,7 @@ TEST_P(InputTest, EveryFunctionTellsThatTheObjectIsGone) {
         EXPECT_EQ(program().call(row.function, button, row.arguments),
                   "the QPushButton does not exist any more")
             << row.function;
-        EXPECT_EQ(program().client().lastCode(), Wire::FailureCode::StaleObject);
+        EXPECT_EQ(program().client().lastKind(), FailureKind::Gone);
     }
 }
 

@@ -281,7 +281,7 @@ bool AgentConnection::request(MessageType type, const QByteArray& body, int time
         return false;
     }
     if (static_cast<quint32>(body.size()) > Wire::maximalBodySize) {
-        *error = {RequestError::Kind::Refused, Wire::FailureCode::BadArgument,
+        *error = {RequestError::Kind::Refused, FailureKind::BadArgument,
                   QStringLiteral("The request is too long: it has %1 bytes of at most %2")
                       .arg(QString::number(body.size()), QString::number(Wire::maximalBodySize))};
         return false;
@@ -302,7 +302,7 @@ bool AgentConnection::request(MessageType type, const QByteArray& body, int time
     if (isAnswered && answer.type == MessageType::Failure) {
         Wire::Failure failure;
         if (Wire::decode(answer.body, &failure))
-            *error = {RequestError::Kind::Refused, failure.code, failure.text};
+            *error = {RequestError::Kind::Refused, failure.kind, failure.text};
         else
             *error = unreadableAnswer(type);
         return false;

@@ -18,14 +18,14 @@ QString shown(QString text) {
     return '\'' + text + '\'';
 }
 
-QString difference(const Wire::NearMiss& miss) {
-    if (miss.property == QLatin1String(occurrenceProperty))
+QString partText(const NearMiss::Difference& part) {
+    if (part.property == QLatin1String(occurrenceProperty))
         return QStringLiteral("%1 objects match, wanted occurrence %2")
-            .arg(miss.actual, miss.wanted);
-    if (miss.actual.isNull())
-        return QStringLiteral("it has no %1, wanted %2").arg(miss.property, shown(miss.wanted));
+            .arg(part.actual, part.wanted);
+    if (part.actual.isNull())
+        return QStringLiteral("it has no %1, wanted %2").arg(part.property, shown(part.wanted));
     return QStringLiteral("%1 is %2, wanted %3")
-        .arg(miss.property, shown(miss.actual), shown(miss.wanted));
+        .arg(part.property, shown(part.actual), shown(part.wanted));
 }
 
 }  // namespace
@@ -72,25 +72,19 @@ QString nameFault(const ObjectName& name) {
     return makeQuery(name, &unused, &fault) ? QString() : fault;
 }
 
-QString differenceText(const QList<Wire::NearMiss>& differences) {
+QString differenceText(const NearMiss& miss) {
     QStringList parts;
-    for (const Wire::NearMiss& each : differences)
-        parts.append(difference(each));
+    for (const NearMiss::Difference& part : miss.differences)
+        parts.append(partText(part));
     return parts.join(QStringLiteral("; "));
 }
 
-QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses) {
+QString missText(const ObjectName& name, const QList<NearMiss>& misses) {
     QStringList lines;
-    QString lastObject;
-    for (const Wire::NearMiss& miss : misses) {
-        // What differs on the same object stands in its one line.
-        if (!lines.isEmpty() && miss.object == lastObject && !miss.object.isEmpty())
-            lines.last() += QStringLiteral("; ") + difference(miss);
-        else
-            lines.append(miss.object.isEmpty()
-                             ? difference(miss)
-                             : miss.object + QStringLiteral(": ") + difference(miss));
-        lastObject = miss.object;
+    for (const NearMiss& miss : misses) {
+        const QString object =
+            miss.object.isEmpty() ? QString() : miss.object + QStringLiteral(": ");
+        lines.append(object + differenceText(miss));
     }
     QString text = QStringLiteral("No object matches ") + name.qualifiedName();
     if (lines.size() == 1)

@@ -13,9 +13,9 @@ bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error);
 
 /// Why nothing matches, for people: "No object matches {...}", then what differed on the objects
 /// that matched nearly, one object a line.
-QString missText(const ObjectName& name, const QList<Wire::NearMiss>& misses);
+QString missText(const ObjectName& name, const QList<NearMiss>& misses);
 
-/// "text is 'a', wanted 'b'; it has no size, wanted '3'": what differs on one object.
-QString differenceText(const QList<Wire::NearMiss>& differences);
+/// "text is 'a', wanted 'b'; it has no size, wanted '3'".
+QString differenceText(const NearMiss& miss);
 
 }  // namespace Tamrix

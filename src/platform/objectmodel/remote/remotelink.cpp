@@ -172,8 +172,8 @@ SharedPtr<Object> RemoteLink::invoke(quint64 handle, const QString& method,
                               &answer, &failure))
         return valueObject(answer.value);
     *error = failure.text;
-    Inspector::self()->setLastErrorIsLookup(failure.isRefused(Wire::FailureCode::NotReady) ||
-                                            failure.isRefused(Wire::FailureCode::NotFound));
+    Inspector::self()->setLastErrorIsLookup(failure.isRefused(FailureKind::NotReady) ||
+                                            failure.isRefused(FailureKind::NotFound));
     return {};
 }
 

@@ -21,7 +21,7 @@ const QString& globalClassName() {
 
 /// A failure that was found before anything was sent.
 RequestError refusedHere(const QString& text) {
-    return {RequestError::Kind::Refused, Wire::FailureCode::BadArgument, text};
+    return {RequestError::Kind::Refused, FailureKind::BadArgument, text};
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ void RemoteModel::setReadyTimeout(int milliseconds) {
 // Look-ups
 
 bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
-                         LookUpAnswer* answer, QList<Wire::NearMiss>* misses, RequestError* error,
+                         LookUpAnswer* answer, QList<NearMiss>* misses, RequestError* error,
                          AgentConnection::Patience patience) {
     Wire::LookUpResult result;
     if (!m_link->connection().request(type, body, timeout < 0 ? requestTimeout() : timeout, &result,
@@ -75,7 +75,7 @@ bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantN
         *error = refusedHere(fault);
         return false;
     }
-    QList<Wire::NearMiss> misses;
+    QList<NearMiss> misses;
     if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error, patience))
         return false;
     if (!answer->object)
@@ -93,7 +93,7 @@ bool RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAn
         *error = refusedHere(fault);
         return false;
     }
-    QList<Wire::NearMiss> misses;
+    QList<NearMiss> misses;
     if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error))
         return false;
     if (!answer->object)
@@ -115,14 +115,14 @@ bool RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
         *error = refusedHere(fault);
         return false;
     }
-    QList<Wire::NearMiss> misses;
+    QList<NearMiss> misses;
     if (!lookUp(MessageType::Expect, encode(request), timeout, answer, &misses, error))
         return false;
     answer->lack = QStringLiteral("not as expected");
     answer->isReady = answer->object && misses.isEmpty();
-    if (answer->object)
-        answer->obstacle = differenceText(misses);
-    else
+    if (answer->object && !misses.isEmpty())
+        answer->obstacle = differenceText(misses.first());
+    else if (!answer->object)
         answer->missText = missText(name, misses);
     return true;
 }
@@ -140,11 +140,11 @@ bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
         *error = refusedHere(fault);
         return false;
     }
-    QList<Wire::NearMiss> misses;
+    QList<NearMiss> misses;
     const bool isAnswered =
         lookUp(MessageType::FindItem, encode(request), timeout, answer, &misses, error);
     // An item that is not there is no failure here, as with other look-ups.
-    if (!isAnswered && error->isRefused(Wire::FailureCode::NotFound)) {
+    if (!isAnswered && error->isRefused(FailureKind::NotFound)) {
         answer->missText = error->text;
         return true;
     }

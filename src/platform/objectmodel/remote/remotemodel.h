@@ -105,7 +105,7 @@ public:
 private:
     /// A request whose answer is a LookUpResult.
     bool lookUp(Wire::MessageType type, const QByteArray& body, int timeout, LookUpAnswer* answer,
-                QList<Wire::NearMiss>* misses, RequestError* error,
+                QList<NearMiss>* misses, RequestError* error,
                 AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
     bool handlerRequest(Wire::MessageType type, const SharedPtr<Object>& object,
                         const QString& className, const QString& event, const QString& callback,

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "wire/protocol.h"
+#include "base/outcome.h"
 
 namespace Tamrix {
 
@@ -19,13 +19,11 @@ struct RequestError {
 
     Kind kind = Kind::Disconnected;
     /// Meaningful for Refused only.
-    Wire::FailureCode code = Wire::FailureCode::Failed;
+    FailureKind code = FailureKind::Failed;
     /// For the tester.
     QString text;
 
-    bool isRefused(Wire::FailureCode wanted) const {
-        return kind == Kind::Refused && code == wanted;
-    }
+    bool isRefused(FailureKind wanted) const { return kind == Kind::Refused && code == wanted; }
 };
 
 }  // namespace Tamrix

@@ -39,7 +39,7 @@ TEST(AgentConnection, RefusesWhoeverIsNoAgentOfThisRun) {
              hello.version = 7;
              agent.sayHello(hello);
          },
-         "the agent in the application speaks version 7 of the protocol, the runner version 2: "
+         "the agent in the application speaks version 7 of the protocol, the runner version 3: "
          "both must be of the same installation",
          true},
         {[](FakeAgent& agent) {
@@ -168,7 +168,7 @@ TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
         {[](FakeAgent& agent, const Frame& frame) { agent.reply(frame, "no text"); },
          Kind::Malformed, "The application's answer to request 37 can't be read", false},
         {[](FakeAgent& agent, const Frame& frame) {
-             agent.fail(frame, Wire::FailureCode::StaleObject, "It is gone");
+             agent.fail(frame, FailureKind::Gone, "It is gone");
          },
          Kind::Refused, "It is gone", false},
         {[](FakeAgent&, const Frame&) {}, Kind::Disconnected,
@@ -207,7 +207,7 @@ TEST(AgentConnection, AnAnswerThatIsTooLongFailsItsRequestOnly) {
     QByteArray reply;
     RequestError error;
     EXPECT_FALSE(connection.request(MessageType::RealName, {}, patience, &reply, &error));
-    EXPECT_TRUE(error.isRefused(Wire::FailureCode::Failed));
+    EXPECT_TRUE(error.isRefused(FailureKind::Failed));
     EXPECT_EQ(error.text,
               "The application's answer is too long: a message of 268435457 bytes came, at most "
               "268435456 are taken");

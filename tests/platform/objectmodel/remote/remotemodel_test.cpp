@@ -34,10 +34,11 @@ void answer(FakeAgent& agent, const Frame& frame) {
             if (request.handle == 7 || (criteria.size() == 1 && criteria[0].text == "QPushButton"))
                 result.object = button;
             else if (request.wantNearMisses)
-                result.nearMisses = {{"QPushButton 'Save as'", "text", "Save", "Save as"},
-                                     {"QPushButton 'Save as'", "enabled", "true", "false"},
-                                     {"QLabel", "text", "Save", QString()},
-                                     {QString(), "occurrence", "3", "2"}};
+                result.nearMisses = {{"QPushButton 'Save as'",
+                                      8,
+                                      {{"text", "Save", "Save as"}, {"enabled", "true", "false"}}},
+                                     {"QLabel", 9, {{"text", "Save", QString()}}},
+                                     {QString(), 0, {{"occurrence", "3", "2"}}}};
             result.obstacle = "it is disabled";
             agent.reply(frame, encode(result));
             return;
@@ -67,7 +68,7 @@ void answer(FakeAgent& agent, const Frame& frame) {
             return;
         }
         case MessageType::Children:
-            agent.fail(frame, Wire::FailureCode::StaleObject, "QPushButton 'ok' is gone");
+            agent.fail(frame, FailureKind::Gone, "QPushButton 'ok' is gone");
             return;
         case MessageType::Parent:
             agent.reply(frame, encode(Wire::ObjectInfo()));

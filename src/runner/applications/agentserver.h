@@ -1,0 +1,77 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <QElapsedTimer>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "platform/objectmodel/remote/agentconnection.h"
+#include "runner/processes/privatefolder.h"
+
+namespace Tamrix {
+
+/// The socket at which the agents of a run's applications announce themselves, in a folder of its
+/// own that only this user can enter. Script thread only; never waits.
+class AgentServer {
+public:
+    /// How long a peer may take to say hello, in milliseconds.
+    static constexpr int helloTimeout = 5000;
+
+    explicit AgentServer(const QString& runId);
+    /// Removes socket and folder.
+    ~AgentServer();
+    AgentServer(const AgentServer&) = delete;
+    AgentServer& operator=(const AgentServer&) = delete;
+
+    /// Listens, unless it does already. False with `*error` set on failure.
+    bool listen(QString* error);
+    /// To be polled for reading; -1 before listen().
+    int descriptor() const { return m_listener; }
+    QString folder() const { return m_folder.path(); }
+    QString socketPath() const;
+    /// What agents have to show: random, new for each server.
+    QString token() const { return m_token; }
+
+    /// Lets in who knocks and reads hellos. Who is no agent, or one with another version or token,
+    /// is refused with a text that says why.
+    void work();
+    /// The connections that were opened since the last call.
+    std::vector<std::shared_ptr<AgentConnection>> takeAccepted();
+    /// A peer that was not let in.
+    struct Refusal {
+        /// -1 when unknown.
+        pid_t process = -1;
+        /// Empty for none.
+        QString text;
+        /// It is no agent, or one with another version or token, so that trying again won't help.
+        bool isFinal = false;
+    };
+    /// The last one since the last call.
+    Refusal takeRefusal();
+
+private:
+    struct Peer {
+        std::shared_ptr<AgentConnection> connection;
+        pid_t process = -1;
+        QElapsedTimer sinceConnect;
+    };
+
+    void acceptPeers();
+    /// Reads from a peer; true when nothing more is to be expected of it.
+    bool readPeer(Peer& peer);
+
+    QString m_runId;
+    QString m_token;
+    PrivateFolder m_folder;
+    int m_listener = -1;
+    std::vector<Peer> m_peers;
+    std::vector<std::shared_ptr<AgentConnection>> m_accepted;
+    Refusal m_refusal;
+};
+
+/// Random letters and digits, as hard to guess as 128 random bits.
+QString randomToken();
+
+}  // namespace Tamrix

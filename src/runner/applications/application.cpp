@@ -1,0 +1,149 @@
+#include "runner/applications/application.h"
+
+#include <unistd.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QList>
+#include <QStringList>
+#include <utility>
+
+#include "base/blocking.h"
+#include "runner/processes/shellwords.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// How long a process may take to end behind its connection.
+constexpr int endPatience = 1000;
+
+QStringList commandWords(const Wire::Hello& hello) {
+    QStringList words{quotedShellWord(hello.program)};
+    // The first argument is the program's name.
+    for (const QString& argument : hello.arguments.mid(1))
+        words.append(quotedShellWord(argument));
+    return words;
+}
+
+/// The fields of /proc/PID/stat from the state on, which is the third one and has index 0 here.
+QList<QByteArray> statusFields(pid_t process) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray line = file.readAll();
+    return line.mid(line.lastIndexOf(')') + 2).split(' ');
+}
+
+}  // namespace
+
+Application::Application(int id, const QString& name, std::shared_ptr<AgentConnection> connection,
+                         std::shared_ptr<StartedProgram> program)
+    : m_model(std::move(connection)), m_program(std::move(program)) {
+    const Wire::Hello& hello = m_model.connection().hello();
+    this->id = id;
+    this->name = name;
+    pid = static_cast<int>(hello.pid);
+    valid = true;
+    startTime = QDateTime::currentDateTime();
+    commandLine = isMainProcess() ? m_program->start().commandLine()
+                                  : commandWords(hello).join(QLatin1Char(' '));
+    m_model.connection().setEndText([this] { return endText(); });
+    m_model.connection().setStallTest([this] { return isStalled(); });
+    if (isMainProcess())
+        m_model.connection().setProcessDescriptor(m_program->endDescriptor());
+}
+
+Application::~Application() {
+    // The objects that a script still holds keep the connection.
+    m_model.connection().setEndText({});
+    m_model.connection().setStallTest({});
+    m_model.connection().setIdleHook({});
+    m_model.connection().setProcessDescriptor(-1);
+}
+
+bool Application::isMainProcess() {
+    return m_program && m_program->process().pid() == pid;
+}
+
+void Application::work() {
+    if (m_program)
+        m_program->noteApplication(name, isExitExpected);
+    valid = connection().pump() == AgentConnection::State::Open;
+    if (!isMainProcess() || !m_program->process().hasEnded())
+        return;
+    // A child that the process forked may hold the other end open.
+    if (valid)
+        connection().close(QStringLiteral("the process has ended"));
+    connection().setProcessDescriptor(-1);
+    valid = false;
+}
+
+bool Application::isRunning() {
+    return isMainProcess() ? !m_program->process().hasEnded() : isProcessRunning(pid);
+}
+
+bool Application::isStalled() {
+    const qint64 before = std::exchange(m_lastCpuTime, cpuTime(pid));
+    return m_lastCpuTime == before && processState(pid) != "R";
+}
+
+QString Application::endText() {
+    work();
+    if (valid)
+        return {};
+    if (m_isDetached)
+        return QStringLiteral("The application '%1' was detached").arg(name);
+    QElapsedTimer timer;
+    timer.start();
+    while (isRunning() && timer.elapsed() < endPatience)
+        blockingSleep(5000);
+    if (isRunning()) {
+        return QStringLiteral("The connection to the application '%1' has ended: %2")
+            .arg(name, connection().errorText());
+    }
+    if (!isMainProcess())
+        return QStringLiteral("The application '%1' has ended").arg(name);
+    m_program->output().waitForEnd(200);
+    return m_program->endText();
+}
+
+void Application::detach() {
+    m_isDetached = true;
+    connection().close(QStringLiteral("it was detached"));
+    valid = false;
+}
+
+qint64 residentMemory(pid_t process) {
+    QFile file(QStringLiteral("/proc/%1/statm").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    // Pages: size, resident, ...
+    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
+}
+
+qint64 cpuTime(pid_t process) {
+    const QList<QByteArray> fields = statusFields(process);
+    constexpr int userTime = 11;
+    constexpr int systemTime = 12;
+    if (fields.size() <= systemTime)
+        return -1;
+    const qint64 ticks = fields.at(userTime).toLongLong() + fields.at(systemTime).toLongLong();
+    return ticks * 1000 / ::sysconf(_SC_CLK_TCK);
+}
+
+QString processDirectory(pid_t process) {
+    return QFileInfo(QStringLiteral("/proc/%1/cwd").arg(process)).symLinkTarget();
+}
+
+QByteArray processState(pid_t process) {
+    return statusFields(process).value(0);
+}
+
+bool isProcessRunning(pid_t process) {
+    const QByteArray state = processState(process);
+    return !state.isEmpty() && state != "Z" && state != "X";
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/objectmodel/applicationcontext.h"
+#include "platform/objectmodel/remote/remotemodel.h"
+#include "runner/applications/startedprogram.h"
+
+namespace Tamrix {
+
+/// One process of an application under test that is, or was, connected. Script thread only.
+class Application : public ApplicationContext {
+public:
+    /// `program` is null for a process that this run did not start. A program has several
+    /// applications when its children announce themselves, too.
+    Application(int id, const QString& name, std::shared_ptr<AgentConnection> connection,
+                std::shared_ptr<StartedProgram> program);
+    ~Application() override;
+
+    AgentConnection& connection() { return m_model.connection(); }
+    RemoteModel& model() { return m_model; }
+    /// Null when this run did not start it.
+    StartedProgram* program() { return m_program.get(); }
+    const std::shared_ptr<StartedProgram>& sharedProgram() const { return m_program; }
+    /// Whether this is the process that the run itself started.
+    bool isMainProcess();
+
+    /// Takes what has come and brings `valid` up to date.
+    void work();
+    /// Whether the process is there, connected or not.
+    bool isRunning();
+    /// Why it can't be asked any more: "The application 'x' has ended: it was ended by SIGSEGV
+    /// (Segmentation fault)", with the last lines of standard error. Empty while it is connected.
+    /// Waits a moment for a process that is about to end.
+    QString endText();
+    /// Drops the connection and leaves the process alone.
+    void detach();
+
+private:
+    /// Whether the process has done nothing since the last call: it is stopped, or waits.
+    bool isStalled();
+
+    RemoteModel m_model;
+    std::shared_ptr<StartedProgram> m_program;
+    bool m_isDetached = false;
+    qint64 m_lastCpuTime = -1;
+};
+
+/// What /proc tells of a process. Each is -1 or empty when the process is gone.
+qint64 residentMemory(pid_t process);
+/// Milliseconds of CPU time, in the program and for it.
+qint64 cpuTime(pid_t process);
+QString processDirectory(pid_t process);
+/// "R" for one that runs or waits for a processor, "T" for one that is stopped, and so on.
+QByteArray processState(pid_t process);
+/// Zombies are not running.
+bool isProcessRunning(pid_t process);
+
+}  // namespace Tamrix

@@ -1,0 +1,396 @@
+#include "runner/applications/applications.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QScopedValueRollback>
+#include <algorithm>
+
+#include "base/blocking.h"
+#include "base/environment.h"
+#include "interpreter/bridge/testsettingstype.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/remote/remotelink.h"
+#include "platform/objectmodel/remote/remoteobject.h"
+#include "runner/applications/attachable.h"
+#include "runner/applications/foreigntoolkit.h"
+#include "runner/processes/interrupt.h"
+
+namespace Tamrix {
+
+namespace {
+
+// How long an application is asked to close, and then to terminate, before it is killed.
+constexpr int closePatience = 2000;
+constexpr int terminatePatience = 1000;
+/// How long the request to close may take.
+constexpr int quitTimeout = 500;
+constexpr int pollInterval = 50;
+constexpr int closePollInterval = 10;
+
+}  // namespace
+
+Applications::Applications() : m_runId(randomToken()), m_server(m_runId) {}
+
+Applications::~Applications() {
+    endAll();
+}
+
+QString Applications::prepare() {
+    if (m_server.descriptor() >= 0)
+        return {};
+    clearLeftFolders();
+    clearLeftSockets();
+    QString error;
+    if (m_server.listen(&error))
+        m_watch.start(m_runId, m_server.folder());
+    return error;
+}
+
+QString Applications::useDisplay(const QString& display) {
+    if (display.isEmpty() || display == QLatin1String("inherit"))
+        return {};
+    if (display != QLatin1String("auto")) {
+        m_displayEnvironment = displayEnvironment(display);
+        return {};
+    }
+    QString error = prepare();
+    if (error.isEmpty())
+        error = m_privateDisplay.start(m_runId, m_server.folder());
+    m_displayEnvironment = m_privateDisplay.environment();
+    return error;
+}
+
+QString Applications::display() const {
+    for (const auto& [name, value] : m_displayEnvironment) {
+        if (name == QLatin1String("DISPLAY"))
+            return value;
+    }
+    const QString wayland = Environment::getVariable(QStringLiteral("WAYLAND_DISPLAY"));
+    return wayland.isEmpty() ? Environment::getVariable(QStringLiteral("DISPLAY")) : wayland;
+}
+
+// Starting
+
+SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int timeout,
+                                           QString* error) {
+    *error = prepare();
+    if (!error->isEmpty())
+        return {};
+    ApplicationStart start = wanted;
+    start.program.mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
+    start.program.environment =
+        m_displayEnvironment + wanted.program.environment +
+        agentEnvironment(m_server.socketPath(), m_server.token(), wanted.preloadsAgent);
+    std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
+    if (!process)
+        return {};
+    const auto program = std::make_shared<StartedProgram>(start, std::move(process));
+    m_programs.add(program);
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    const SharedPtr<Application> application = waitForStart(program, deadline, wait, error);
+    if (application && greet(*application, deadline, wait, error)) {
+        dropLaunched(application);
+        setCurrent(application);
+        program->watch();
+        return application;
+    }
+    program->end(terminatePatience);
+    m_programs.remove(program);
+    forgetAll(program.get());
+    return {};
+}
+
+SharedPtr<Application> Applications::firstOf(const StartedProgram* program) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->program() == program)
+            return application;
+    }
+    return {};
+}
+
+void Applications::dropLaunched(const SharedPtr<Application>& application) {
+    m_launched.erase(std::remove(m_launched.begin(), m_launched.end(), application),
+                     m_launched.end());
+}
+
+void Applications::forgetAll(const StartedProgram* program) {
+    while (const SharedPtr<Application> application = firstOf(program)) {
+        application->detach();
+        dropLaunched(application);
+        m_applications.removeOne(application);
+    }
+}
+
+SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedProgram>& program,
+                                                  const QDeadlineTimer& deadline, int timeout,
+                                                  QString* error) {
+    m_server.takeRefusal();
+    ForeignToolkitWatch foreignToolkit;
+    QString refusal;
+    while (true) {
+        // In this order: a program may connect and end at once.
+        const bool isAlive = program->isAlive();
+        work();
+        if (SharedPtr<Application> application = firstOf(program.get()))
+            return application;
+        if (isInterrupted()) {
+            *error = QStringLiteral("the run was interrupted while '%1' started")
+                         .arg(program->start().name);
+            return {};
+        }
+        const AgentServer::Refusal refused = m_server.takeRefusal();
+        if (!refused.text.isEmpty())
+            refusal = QStringLiteral("\nA connection was refused: ") + refused.text;
+        const bool isHopeless = refused.isFinal && program->includes(refused.process);
+        const QString toolkit = isAlive && foreignToolkit.isLookDue()
+                                    ? foreignToolkit.look(program->processes())
+                                    : QString();
+        if (!isAlive || isHopeless || !toolkit.isEmpty() || deadline.hasExpired()) {
+            *error = startFailure(*program, toolkit, isHopeless ? -1 : timeout) + refusal +
+                     program->lastErrorText();
+            return {};
+        }
+        waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
+    }
+}
+
+QString Applications::startFailure(StartedProgram& program, const QString& toolkit, int timeout) {
+    const QString name = program.start().name;
+    if (program.process().hasEnded()) {
+        program.output().waitForEnd(500);
+        return QStringLiteral("'%1' ended before its agent connected: %2")
+            .arg(name, program.process().endText());
+    }
+    if (!toolkit.isEmpty()) {
+        return QStringLiteral(
+                   "'%1' was started, but it is a program with %2, and only programs with Qt 5 "
+                   "take an agent")
+            .arg(name, toolkit);
+    }
+    if (timeout < 0)
+        return QStringLiteral("'%1' was started, but its agent can't be used").arg(name);
+    return QStringLiteral(
+               "'%1' was started, but no agent in it connected within %2 ms; is it a program "
+               "with Qt 5?")
+        .arg(name, QString::number(timeout));
+}
+
+bool Applications::greet(Application& application, const QDeadlineTimer& deadline, int timeout,
+                         QString* error) {
+    const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
+    RequestError failure;
+    if (application.model().readGlobalClass(left, &failure))
+        return true;
+    switch (failure.kind) {
+        case RequestError::Kind::Aborted:
+            *error = QStringLiteral("the run was interrupted while '%1' was waited for")
+                         .arg(application.name);
+            break;
+        case RequestError::Kind::TimedOut:
+            *error = QStringLiteral("'%1' has connected, but does not answer within %2 ms")
+                         .arg(application.name, QString::number(timeout));
+            break;
+        default:
+            *error = failure.text;
+    }
+    return false;
+}
+
+SharedPtr<Application> Applications::attach(const QString& name, int timeout, QString* error) {
+    std::shared_ptr<AgentConnection> connection = connectToAttachable(name, error);
+    if (!connection)
+        return {};
+    connection->setIdleHook([this] { return !isInterrupted(); });
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    if (!connection->waitForHello(wait)) {
+        *error = QStringLiteral("'%1' can't be attached to: %2").arg(name, connection->errorText());
+        return {};
+    }
+    SharedPtr<Application> application = add(std::move(connection), name);
+    if (!greet(*application, deadline, wait, error)) {
+        application->detach();
+        m_applications.removeOne(application);
+        return {};
+    }
+    setCurrent(application);
+    return application;
+}
+
+SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) {
+    const int wait = timeout < 0 ? defaultStartTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    while (true) {
+        work();
+        if (!m_launched.empty()) {
+            SharedPtr<Application> application = m_launched.front();
+            m_launched.pop_front();
+            if (!greet(*application, deadline, wait, error))
+                return {};
+            if (!m_current || !m_current->valid)
+                setCurrent(application);
+            return application;
+        }
+        if (isInterrupted() || deadline.hasExpired()) {
+            *error = isInterrupted()
+                         ? QStringLiteral("the run was interrupted")
+                         : QStringLiteral("no application was launched within %1 ms").arg(wait);
+            return {};
+        }
+        waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
+    }
+}
+
+// Contexts
+
+QString Applications::uniqueName(const QString& name) {
+    QString unique = name;
+    for (int number = 2; find(unique); ++number)
+        unique = QStringLiteral("%1_%2").arg(name, QString::number(number));
+    return unique;
+}
+
+SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connection,
+                                         const QString& name) {
+    const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
+    AgentConnection* const added = connection.get();
+    SharedPtr<Application> application(
+        new Application(++m_lastId, uniqueName(name), std::move(connection), program));
+    // A request lets the others work, and ends when the run is interrupted.
+    added->setIdleHook([this] {
+        work();
+        return !isInterrupted();
+    });
+    m_applications.append(application);
+    return application;
+}
+
+QList<SharedPtr<Application>> Applications::live() {
+    work();
+    QList<SharedPtr<Application>> applications;
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            applications.append(application);
+    }
+    return applications;
+}
+
+SharedPtr<Application> Applications::find(int id) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->id == id)
+            return application;
+    }
+    return {};
+}
+
+SharedPtr<Application> Applications::find(const QString& name) {
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->name == name && application->valid)
+            return application;
+    }
+    return {};
+}
+
+SharedPtr<Application> Applications::first() {
+    return live().value(0);
+}
+
+void Applications::setCurrent(SharedPtr<Application> application) {
+    m_current = application;
+    Inspector::self()->setModel(application ? &application->model() : nullptr);
+}
+
+SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>& context) {
+    return context ? dynamicPointerCast<Application>(context) : SharedPtr<Application>();
+}
+
+SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
+    if (const auto remote = dynamicPointerCast<RemoteObject>(object)) {
+        for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+            if (&application->connection() == &remote->link().connection())
+                return application;
+        }
+    }
+    return m_current;
+}
+
+// Working and waiting
+
+void Applications::work() {
+    if (m_isWorking)
+        return;
+    const QScopedValueRollback<bool> working(m_isWorking, true);
+    m_server.work();
+    for (std::shared_ptr<AgentConnection>& connection : m_server.takeAccepted()) {
+        const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
+        const QString name = program && !firstOf(program.get())
+                                 ? program->start().name
+                                 : connection->hello().program.section(QLatin1Char('/'), -1);
+        m_launched.push_back(add(std::move(connection), name));
+    }
+    for (const SharedPtr<Application>& application : qAsConst(m_applications))
+        application->work();
+    m_programs.work();
+}
+
+void Applications::waitForNews(int milliseconds) {
+    work();
+    std::vector<pollfd> watched{{m_server.descriptor(), POLLIN, 0}};
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            watched.push_back({application->connection().descriptor(), POLLIN, 0});
+    }
+    blockingPoll(watched.data(), watched.size(), milliseconds);
+    work();
+    QCoreApplication::processEvents();
+}
+
+void Applications::startCall() {
+    m_interruptBeforeCall = Interrupt::signalNumber();
+    // A script may change the setting at any time.
+    if (m_current)
+        m_current->model().setReadyTimeout(TestSettingsType::s_waitForObjectTimeout);
+}
+
+bool Applications::isInterrupted() const {
+    return Interrupt::signalNumber() != m_interruptBeforeCall;
+}
+
+// Ending
+
+bool Applications::askToClose() {
+    bool wasAsked = false;
+    for (const SharedPtr<Application>& application : live()) {
+        if (!application->program())
+            continue;
+        application->connection().setSyncTimeout(quitTimeout);
+        application->model().setRequestTimeout(quitTimeout);
+        QString ignored;
+        wasAsked = application->model().quit(&ignored) || wasAsked;
+    }
+    return wasAsked;
+}
+
+QStringList Applications::endAll() {
+    startCall();
+    work();
+    m_programs.setEndCause(StartedPrograms::EndCause::AskedToClose);
+    const QDeadlineTimer deadline(askToClose() ? closePatience : 0);
+    while (!deadline.hasExpired() && m_programs.isAnyAlive())
+        waitForNews(closePollInterval);
+
+    work();
+    m_programs.setEndCause(StartedPrograms::EndCause::Terminated);
+    const QStringList left = m_programs.endAll(terminatePatience);
+    setCurrent(nullptr);
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (application->valid)
+            application->detach();
+    }
+    m_applications.clear();
+    m_launched.clear();
+    return left;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QList>
+#include <QString>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "runner/applications/agentserver.h"
+#include "runner/applications/application.h"
+#include "runner/applications/applicationstart.h"
+#include "runner/applications/privatedisplay.h"
+#include "runner/applications/startedprograms.h"
+#include "runner/processes/runwatch.h"
+
+namespace Tamrix {
+
+/// The applications of a run: starts them, lets their processes in, and ends them. Script thread
+/// only.
+///
+/// A process of an application that announces itself becomes a context at once, whether somebody
+/// waits for it or not.
+class Applications {
+public:
+    /// How long an application may take to connect unless the script says otherwise, in
+    /// milliseconds.
+    static constexpr int defaultStartTimeout = 20000;
+
+    Applications();
+    /// Ends all.
+    ~Applications();
+    Applications(const Applications&) = delete;
+    Applications& operator=(const Applications&) = delete;
+
+    /// Sets where applications appear: "inherit" for the display of this process, "auto" for a
+    /// display and a session bus of this run's own, ":N" for a display that is there. Returns an
+    /// error text, empty on success.
+    QString useDisplay(const QString& display);
+    /// The display on which applications appear, for a person: ":0"; empty without one.
+    QString display() const;
+
+    // Waiting ones. They end early when the run is interrupted. Null on failure, with `*error` set.
+    /// Starts a program and waits until it, or a process that came of it, has connected. Nothing
+    /// stays of a program that did not.
+    SharedPtr<Application> start(const ApplicationStart& start, int timeout, QString* error);
+    /// Connects to a program that "tamrixrunner attachable" keeps under this name.
+    SharedPtr<Application> attach(const QString& name, int timeout, QString* error);
+    /// The next process of an application that announced itself without being waited for by
+    /// start(). It becomes the current one only when there is none.
+    SharedPtr<Application> waitForLaunch(int timeout, QString* error);
+
+    /// Those that are connected, in the order in which they came.
+    QList<SharedPtr<Application>> live();
+    /// Null when there is none.
+    SharedPtr<Application> find(int id);
+    SharedPtr<Application> find(const QString& name);
+    /// The first that is connected.
+    SharedPtr<Application> first();
+    /// The target of operations; null when there is none.
+    SharedPtr<Application> current() const { return m_current; }
+    /// Also for the inspector.
+    void setCurrent(SharedPtr<Application> application);
+    /// The one whose object this is; the current one for null and for objects of none.
+    SharedPtr<Application> owner(const SharedPtr<Object>& object);
+    /// The application itself when it is one of these, null for null and others.
+    SharedPtr<Application> checked(const SharedPtr<ApplicationContext>& context);
+
+    /// Lets in who knocks and takes what has come from everywhere, without waiting.
+    void work();
+    /// work(), then waits until something comes, at most this long.
+    void waitForNews(int milliseconds);
+    /// Whether the run was interrupted since the script's last call from outside began.
+    bool isInterrupted() const;
+    /// A call of the script begins: interrupts from before don't end its waits.
+    void startCall();
+
+    StartedPrograms& programs() { return m_programs; }
+    /// Ends all applications that were started: asks them to close, then terminates, then kills
+    /// them. Drops the connections to all others. Returns names of those that could not be ended.
+    QStringList endAll();
+
+private:
+    QString prepare();
+    SharedPtr<Application> add(std::shared_ptr<AgentConnection> connection, const QString& name);
+    QString uniqueName(const QString& name);
+    SharedPtr<Application> firstOf(const StartedProgram* program);
+    SharedPtr<Application> waitForStart(const std::shared_ptr<StartedProgram>& program,
+                                        const QDeadlineTimer& deadline, int timeout,
+                                        QString* error);
+    /// `toolkit` is the one that takes no agent, empty when that is not why. `timeout` is -1 when
+    /// the wait ended before.
+    QString startFailure(StartedProgram& program, const QString& toolkit, int timeout);
+    /// Asks what scripts need first. False with `*error` set when the application, though
+    /// connected, does not answer in time.
+    bool greet(Application& application, const QDeadlineTimer& deadline, int timeout,
+               QString* error);
+    void dropLaunched(const SharedPtr<Application>& application);
+    /// Drops the applications of a program that did not come to be used.
+    void forgetAll(const StartedProgram* program);
+    /// False when no application took the request.
+    bool askToClose();
+
+    QString m_runId;
+    // In this order: the watch clears up behind everything else, programs use the display.
+    RunWatch m_watch;
+    AgentServer m_server;
+    PrivateDisplay m_privateDisplay;
+    ProgramEnvironment m_displayEnvironment;
+    StartedPrograms m_programs;
+    QList<SharedPtr<Application>> m_applications;
+    std::deque<SharedPtr<Application>> m_launched;
+    SharedPtr<Application> m_current;
+    int m_lastId = 0;
+    int m_lastProgram = 0;
+    int m_interruptBeforeCall = 0;
+    bool m_isWorking = false;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "runner/applications/configuredapplication.h"
+#include "runner/processes/childprocess.h"
+
+namespace Tamrix {
+
+/// Where startApplication() looks for programs.
+struct ApplicationPlaces {
+    /// Empty without a suite.
+    QString suiteDirectory;
+    /// The suite's config.xml, empty when it has none, and the applications in it.
+    QString configFile;
+    QList<ConfiguredApplication> configured;
+};
+
+/// What is to be started, for which name.
+struct ApplicationStart {
+    /// The name of the context: that of config.xml, else that of the program's file.
+    QString name;
+    ProgramStart program;
+    /// Whether the agent comes in by a preloaded library.
+    bool preloadsAgent = false;
+
+    /// Program and arguments, quoted as a shell takes them.
+    QString commandLine() const;
+};
+
+/// Finds out what to start. The text is a program with arguments, in the quotes of a shell; the
+/// program is, in this order,
+/// 1. the name of an application in the suite's config.xml, whose arguments come first,
+/// 2. a path, if it has a "/": from the working directory, then from the suite's folder,
+/// 3. the name of a program in PATH.
+/// A text that as a whole is one of the first two needs no quotes. On failure `*error` says where
+/// the program was looked for or why it can't be executed.
+ApplicationStart resolveApplication(const QString& text, const ApplicationPlaces& places,
+                                    QString* error);
+
+/// What a program's environment needs for the agent to be loaded and to find the runner.
+ProgramEnvironment agentEnvironment(const QString& socketPath, const QString& token,
+                                    bool preloadsAgent);
+
+}  // namespace Tamrix

@@ -1,0 +1,391 @@
+#include "runner/applications/attachable.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QDateTime>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+#include <array>
+
+#include "runner/applications/agentserver.h"
+#include "runner/applications/applicationstart.h"
+#include "runner/applications/startedprogram.h"
+#include "runner/processes/interrupt.h"
+#include "runner/processes/privatefolder.h"
+#include "runner/processes/runwatch.h"
+#include "runner/processes/shellwords.h"
+#include "wire/framechannel.h"
+#include "wire/messages.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Wire::Frame;
+using Wire::FrameChannel;
+using Wire::MessageType;
+
+constexpr int pollInterval = 100;
+constexpr int connectTimeout = 20000;
+constexpr int endPatience = 2000;
+/// How long a run may leave an answer unread.
+constexpr int readTimeout = 10000;
+/// How many requests of a run are handed on before the first of them is answered.
+constexpr int openLimit = 32;
+/// How much may be queued for a run: less than two of the longest answers.
+constexpr int queueLimit = 400 * 1024 * 1024;
+/// The age from which on a socket that nobody listens at was left behind, in seconds.
+constexpr int socketAge = 10;
+
+bool isGoodName(const QString& name) {
+    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9._-]{1,40}\\z"));
+    return form.match(name).hasMatch();
+}
+
+/// Where the sockets of kept programs are, whether it is there or not.
+QString attachableFolderPath() {
+    const QString runtime = QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR"));
+    return runtime.isEmpty()
+               ? QDir::tempPath() + QStringLiteral("/tamrix-attachable-%1").arg(::getuid())
+               : runtime + QLatin1String("/tamrix-attachable");
+}
+
+/// The folder, made when it is not there. Empty with `*error` set when it can't be trusted.
+QString attachableFolder(QString* error) {
+    const QString folder = attachableFolderPath();
+    const QByteArray path = folder.toLocal8Bit();
+    ::mkdir(path.constData(), S_IRWXU);
+    struct stat info {};
+    if (::lstat(path.constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
+        info.st_uid == ::getuid() && (info.st_mode & (S_IRWXG | S_IRWXO)) == 0)
+        return folder;
+    *error = QStringLiteral("'%1' is not a folder that only this user can enter").arg(folder);
+    return {};
+}
+
+QString socketOf(const QString& name, QString* error) {
+    if (!isGoodName(name)) {
+        *error = QStringLiteral(
+                     "'%1' is no name for an attachable program: letters, digits, '.', '_' and '-'")
+                     .arg(name);
+        return {};
+    }
+    const QString folder = attachableFolder(error);
+    return folder.isEmpty() ? QString() : QStringLiteral("%1/%2.sock").arg(folder, name);
+}
+
+/// A listening socket with its file, which goes with the object.
+class Listener {
+public:
+    ~Listener() {
+        if (m_descriptor < 0)
+            return;
+        ::close(m_descriptor);
+        ::unlink(m_path.toLocal8Bit().constData());
+    }
+    Listener() = default;
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    bool listen(const QString& path, QString* error) {
+        m_path = path;
+        m_descriptor = Wire::listenLocalSocket(path, error);
+        return m_descriptor >= 0;
+    }
+    int descriptor() const { return m_descriptor; }
+
+private:
+    QString m_path;
+    int m_descriptor = -1;
+};
+
+/// Hands messages over between the agent of the kept program and one run at a time.
+class Keeper {
+public:
+    explicit Keeper(const QString& token) : m_token(token) {}
+
+    bool hasAgent() const { return m_agent != nullptr; }
+    QString token() const { return m_token; }
+    QString refusal() const { return m_refusal; }
+    /// Someone connected where the agent is awaited.
+    void addAgent(int descriptor);
+    /// A run connected.
+    void addRun(int descriptor);
+    /// Takes what has come from both sides.
+    void work();
+    /// Why the agent that was there has gone; empty as long as it has not.
+    QString agentEnd() const {
+        return m_agent && !m_agent->isOpen() ? m_agent->errorText() : QString();
+    }
+    // What to wait for.
+    pollfd agentWait() const { return waitOn(m_agent.get(), true); }
+    pollfd runWait() const { return waitOn(m_run.get(), takesRequests()); }
+
+private:
+    static pollfd waitOn(const FrameChannel* side, bool reads) {
+        if (!side)
+            return {-1, 0, 0};
+        const int events = (reads ? POLLIN : 0) | (side->hasQueued() ? POLLOUT : 0);
+        return {side->descriptor(), static_cast<short>(events), 0};
+    }
+    /// The agent is always read, since it waits for that. A run is read as long as the agent takes
+    /// its requests, and the run the answers.
+    bool takesRequests() const {
+        return m_run && m_agent && m_open.size() < openLimit && !m_agent->hasQueued() &&
+               !m_run->hasQueued();
+    }
+    void workOnAgent();
+    void workOnRun();
+    void dropIdleRun();
+
+    QString m_token;
+    QString m_refusal;
+    std::unique_ptr<FrameChannel> m_agent;
+    std::unique_ptr<FrameChannel> m_run;
+    /// By when the run has to have read something of what is queued for it.
+    QDeadlineTimer m_runReads{QDeadlineTimer::Forever};
+    Wire::Hello m_hello;
+    bool m_isWelcome = false;
+    quint32 m_lastSequence = 0;
+    /// The sequence numbers of the current run's requests, by that on the agent's side. An answer
+    /// that is not in here belongs to a run that went away.
+    QHash<quint32, quint32> m_open;
+};
+
+void Keeper::addAgent(int descriptor) {
+    auto channel = std::make_unique<FrameChannel>(descriptor);
+    channel->setMaximalBodySize(Wire::maximalHelloSize);
+    const QDeadlineTimer deadline(AgentServer::helloTimeout);
+    std::optional<Frame> frame;
+    while (!(frame = channel->takeFrame()) && channel->isOpen() && !deadline.hasExpired()) {
+        pollfd waiting{channel->descriptor(), POLLIN, 0};
+        ::poll(&waiting, 1, static_cast<int>(deadline.remainingTime()));
+        channel->receive();
+    }
+    Wire::Hello hello;
+    if (!frame || frame->type != MessageType::Hello || !Wire::decode(frame->body, &hello) ||
+        hello.magic != Wire::magicNumber) {
+        m_refusal = QStringLiteral("the other side is no agent");
+    } else if (hello.version != Wire::protocolVersion) {
+        m_refusal =
+            QStringLiteral(
+                "the agent in the application speaks version %1 of the protocol, this "
+                "program version %2")
+                .arg(QString::number(hello.version), QString::number(Wire::protocolVersion));
+    } else if (hello.token != m_token) {
+        m_refusal = QStringLiteral("the agent shows a wrong token");
+    } else if (m_agent) {
+        m_refusal = QStringLiteral("another process of the program is connected");
+    } else {
+        channel->setMaximalBodySize(Wire::maximalBodySize);
+        channel->setLongAnswersFail(true);
+        channel->send(0, MessageType::Welcome, {});
+        m_hello = hello;
+        // A run does not know the token, and has shown that it may come in by reaching the socket.
+        m_hello.token.clear();
+        m_agent = std::move(channel);
+        return;
+    }
+    channel->sendBody(0, MessageType::Refusal, Wire::Text{m_refusal});
+}
+
+void Keeper::addRun(int descriptor) {
+    auto channel = std::make_unique<FrameChannel>(descriptor);
+    if (m_run && m_run->isOpen()) {
+        channel->sendBody(0, MessageType::Refusal,
+                          Wire::Text{QStringLiteral("another run is attached")});
+        return;
+    }
+    m_open.clear();
+    m_isWelcome = false;
+    m_run = std::move(channel);
+    m_run->sendBody(0, MessageType::Hello, m_hello);
+}
+
+void Keeper::workOnAgent() {
+    m_agent->receive();
+    while (const std::optional<Frame> frame = m_agent->takeFrame()) {
+        const bool isEvent = frame->type == MessageType::EventFired;
+        const auto request = m_open.constFind(frame->sequence);
+        if (!m_run || !m_isWelcome || (!isEvent && request == m_open.constEnd()))
+            continue;
+        m_run->enqueue(isEvent ? 0 : *request, frame->type, frame->body);
+        m_open.remove(frame->sequence);
+    }
+}
+
+void Keeper::workOnRun() {
+    if (takesRequests())
+        m_run->receive();
+    while (takesRequests()) {
+        const std::optional<Frame> frame = m_run->takeFrame();
+        if (!frame)
+            break;
+        if (frame->type == MessageType::Welcome) {
+            m_isWelcome = true;
+            continue;
+        }
+        m_open.insert(++m_lastSequence, frame->sequence);
+        m_agent->enqueue(m_lastSequence, frame->type, frame->body);
+    }
+}
+
+/// The next run need not wait for one that has gone, or takes no answers.
+void Keeper::dropIdleRun() {
+    if (!m_run->hasQueued())
+        m_runReads.setRemainingTime(-1);
+    else if (m_runReads.isForever())
+        m_runReads.setRemainingTime(readTimeout);
+    if (m_run->isOpen() && !m_runReads.hasExpired() && m_run->queuedSize() < queueLimit)
+        return;
+    m_run.reset();
+    m_open.clear();
+    m_runReads.setRemainingTime(-1);
+}
+
+void Keeper::work() {
+    if (!m_agent)
+        return;
+    m_agent->flush();
+    if (m_run)
+        m_run->flush();
+    workOnAgent();
+    if (!m_run)
+        return;
+    workOnRun();
+    dropIdleRun();
+}
+
+/// Listens at a socket, or takes the place of a keeper that was killed.
+bool listenForRuns(const QString& name, Listener& listener, QString* error) {
+    const QString path = socketOf(name, error);
+    if (path.isEmpty())
+        return false;
+    QString ignored;
+    const int other = Wire::connectLocalSocket(path, &ignored);
+    if (other >= 0) {
+        ::close(other);
+        *error = QStringLiteral("a program named '%1' is attachable already").arg(name);
+        return false;
+    }
+    ::unlink(path.toLocal8Bit().constData());
+    return listener.listen(path, error);
+}
+
+void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) {
+    if ((listener.revents & POLLIN) == 0)
+        return;
+    const int descriptor = ::accept4(listener.fd, nullptr, nullptr, SOCK_CLOEXEC);
+    if (descriptor >= 0)
+        (keeper.*add)(descriptor);
+}
+
+/// Works until the program has ended, the process is interrupted, no agent came, or it went.
+void keep(StartedProgram& program, Keeper& keeper, const Listener& agents, const Listener& runs,
+          QString* error) {
+    const QDeadlineTimer deadline(connectTimeout);
+    const QString name = program.start().name;
+    while (program.isAlive() && Interrupt::signalNumber() == 0) {
+        std::array<pollfd, 4> watched{{{agents.descriptor(), POLLIN, 0},
+                                       // Runs come in only when there is an agent for them.
+                                       {keeper.hasAgent() ? runs.descriptor() : -1, POLLIN, 0},
+                                       keeper.agentWait(),
+                                       keeper.runWait()}};
+        ::poll(watched.data(), watched.size(), pollInterval);
+        acceptOn(watched[0], keeper, &Keeper::addAgent);
+        acceptOn(watched[1], keeper, &Keeper::addRun);
+        keeper.work();
+        // A program that ends closes its connection first.
+        const QString end = keeper.agentEnd();
+        if (!end.isEmpty() && !program.process().waitForEnd(endPatience)) {
+            *error = QStringLiteral("the agent in '%1' is lost: %2").arg(name, end);
+            return;
+        }
+        if (!keeper.hasAgent() && deadline.hasExpired()) {
+            *error = QStringLiteral("no agent in '%1' connected within %2 ms%3")
+                         .arg(name, QString::number(connectTimeout),
+                              keeper.refusal().isEmpty() ? QString()
+                                                         : QStringLiteral(": ") + keeper.refusal());
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+int keepAttachable(const AttachableOptions& options, QString* error) {
+    Listener runs;
+    if (!listenForRuns(options.name, runs, error))
+        return -1;
+    QStringList words;
+    for (const QString& word : options.command)
+        words.append(quotedShellWord(word));
+    ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, error);
+    if (!error->isEmpty())
+        return -1;
+    const QString runId = randomToken();
+    // Clears up behind everything else, the folder included.
+    RunWatch watch;
+    PrivateFolder folder;
+    clearLeftFolders();
+    clearLeftSockets();
+    if (!folder.make(runId, error))
+        return -1;
+    watch.start(runId, folder.path());
+    const QString socket = folder.path() + QLatin1String("/agents");
+    Listener agents;
+    if (!agents.listen(socket, error))
+        return -1;
+    Keeper keeper(randomToken());
+    start.program.keepsOutput = false;
+    start.program.environment = agentEnvironment(socket, keeper.token(), start.preloadsAgent);
+    start.program.mark = runId + QLatin1String(":1");
+    std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
+    if (!process)
+        return -1;
+    Interrupt::install();
+    StartedProgram program(start, std::move(process));
+    keep(program, keeper, agents, runs, error);
+    program.end(endPatience);
+    return Interrupt::signalNumber() != 0 ? Interrupt::exitCode(Interrupt::signalNumber())
+                                          : program.process().exitCode();
+}
+
+void clearLeftSockets() {
+    QString ignored;
+    const QDir folder(attachableFolderPath());
+    const QDateTime justNow = QDateTime::currentDateTime().addSecs(-socketAge);
+    for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.sock")}, QDir::System)) {
+        const int descriptor = Wire::connectLocalSocket(file.filePath(), &ignored);
+        if (descriptor >= 0)
+            ::close(descriptor);
+        // A new one may not listen yet.
+        else if (file.lastModified() < justNow)
+            ::unlink(QFile::encodeName(file.filePath()).constData());
+    }
+}
+
+std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QString* error) {
+    const QString path = socketOf(name, error);
+    if (path.isEmpty())
+        return nullptr;
+    QString reason;
+    const int descriptor = Wire::connectLocalSocket(path, &reason);
+    if (descriptor < 0) {
+        *error = QStringLiteral(
+                     "no program named '%1' is attachable; start it with \"tamrixrunner attachable "
+                     "--name %1 PROGRAM\" (%2)")
+                     .arg(name, reason);
+        return nullptr;
+    }
+    return std::make_shared<AgentConnection>(descriptor, QString());
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+#include <csignal>
+#include <memory>
+
+#include "runner/processes/childoutput.h"
+#include "runner/processes/processend.h"
+
+namespace Tamrix {
+
+/// Changes of the environment for a program, in order: a name with its value, or with the null text
+/// to take the variable out.
+using ProgramEnvironment = QList<QPair<QString, QString>>;
+
+/// What a program is started with.
+struct ProgramStart {
+    /// Path of the program's file.
+    QString program;
+    QStringList arguments;
+    /// Empty for that of this process.
+    QString workingDirectory;
+    /// On top of the environment of this process.
+    ProgramEnvironment environment;
+    /// By which the program and all that comes of it are found: see markedprocesses.h. Empty for
+    /// none.
+    QString mark;
+    /// Otherwise the program writes where this process does.
+    bool keepsOutput = true;
+    /// What the program gets when this process ends, however that happens.
+    int signalAtRunnersEnd = SIGKILL;
+};
+
+/// A program that this one started, in a session of its own and with nothing to read on standard
+/// input. Script thread only.
+class ChildProcess {
+public:
+    /// Null when the program can't be started, with `*error` saying why.
+    static std::unique_ptr<ChildProcess> start(const ProgramStart& start, QString* error);
+    /// Leaves the program as it is.
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    pid_t pid() const { return m_pid; }
+    /// Looks whether the program has ended, without waiting.
+    bool hasEnded();
+    /// Whether hasEnded() has seen that; for where each look would count.
+    bool wasSeenEnded() const { return m_hasEnded; }
+    /// Waits for the end, at most this long.
+    bool waitForEnd(int milliseconds);
+    /// How it ended: "it exited with code 3", "it was ended by SIGSEGV (Segmentation fault)". Empty
+    /// while it runs.
+    QString endText() const { return m_hasEnded ? m_end.text : QString(); }
+    /// The exit code as a shell tells it: 128 and the signal's number for one that a signal ended.
+    int exitCode() const { return m_end.exitCode; }
+    /// The signal that ended it, 0 for none.
+    int endSignal() const { return m_end.signal; }
+    /// Null when the output is not kept.
+    ChildOutput* output() const { return m_output.get(); }
+
+private:
+    explicit ChildProcess(pid_t pid) : m_pid(pid) {}
+
+    pid_t m_pid;
+    bool m_hasEnded = false;
+    ProcessEnd m_end;
+    std::unique_ptr<ChildOutput> m_output;
+};
+
+}  // namespace Tamrix

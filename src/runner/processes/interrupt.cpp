@@ -1,0 +1,179 @@
+#include "runner/processes/interrupt.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+
+#include "runner/processes/supervision.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// One of the signals that end a run, and what was installed for it below our handler.
+struct Watched {
+    int signal;
+    bool installed = false;
+    struct sigaction previous {};
+};
+
+Watched s_watched[] = {{SIGINT}, {SIGTERM}, {SIGHUP}};
+Watched& s_keyboardInterrupt = s_watched[0];
+
+/// How often a signal asks before the process ends at once.
+constexpr int patience = 3;
+
+/// The process that the handlers were installed in. Children that a script forks have them, too.
+std::atomic<pid_t> s_process{0};
+std::atomic<int> s_firstSignal{0};
+std::atomic<int> s_signalCount{0};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler uses them");
+
+bool isFunction(const struct sigaction& action) {
+    return (action.sa_flags & SA_SIGINFO) != 0 ||
+           (action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN);
+}
+
+void call(const struct sigaction& action, int signal, siginfo_t* info, void* context) {
+    if ((action.sa_flags & SA_SIGINFO) != 0)
+        action.sa_sigaction(signal, info, context);
+    else
+        action.sa_handler(signal);
+}
+
+/// A signal to a forked child, which is none of the run's business: what happens is what would have
+/// happened without our handlers.
+void handleInChild(const struct sigaction& previous, int signal, siginfo_t* info, void* context) {
+    if (isFunction(previous)) {
+        call(previous, signal, info, context);
+    } else {
+        ::sigaction(signal, &previous, nullptr);
+        ::raise(signal);  // Takes effect when this handler returns.
+    }
+}
+
+/// Only what is safe in a signal handler.
+void handle(int signal, siginfo_t* info, void* context) {
+    const int savedErrno = errno;
+    if (::getpid() != s_process) {
+        for (const Watched& watched : s_watched) {
+            if (watched.signal == signal)
+                handleInChild(watched.previous, signal, info, context);
+        }
+        errno = savedErrno;
+        return;
+    }
+    if (Supervision::isSecondDelivery(signal, *info)) {
+        errno = savedErrno;
+        return;
+    }
+    int none = 0;
+    s_firstSignal.compare_exchange_strong(none, signal);
+    const int count = ++s_signalCount;
+    if (count >= patience) {
+        Supervision::markOrderly();
+        ::_exit(Interrupt::exitCode(s_firstSignal));
+    }
+    if (count == patience - 1) {
+        static const char text[] = "\ntamrixrunner: interrupt once more to end at once\n";
+        // Nothing can be done about a text that can't be written.
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, sizeof text - 1);
+    }
+    for (const Watched& watched : s_watched) {
+        if (watched.signal == signal && isFunction(watched.previous)) {
+            call(watched.previous, signal, info, context);
+            errno = savedErrno;
+            return;
+        }
+    }
+    // Languages handle Ctrl-C and leave the others alone: the script shall end in the same way.
+    if (isFunction(s_keyboardInterrupt.previous))
+        call(s_keyboardInterrupt.previous, s_keyboardInterrupt.signal, info, context);
+    errno = savedErrno;
+}
+
+bool isOurs(const struct sigaction& action) {
+    return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == handle;
+}
+
+sigset_t watchedSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const Watched& watched : s_watched)
+        sigaddset(&set, watched.signal);
+    return set;
+}
+
+/// Holds the watched signals back and returns the mask that was in force.
+sigset_t block() {
+    const sigset_t set = watchedSignals();
+    sigset_t oldMask;
+    pthread_sigmask(SIG_BLOCK, &set, &oldMask);
+    return oldMask;
+}
+
+void putOnTop() {
+    s_process = ::getpid();
+    struct sigaction ours;
+    std::memset(&ours, 0, sizeof ours);
+    ours.sa_sigaction = handle;
+    // No SA_RESTART: a script that waits in a system call has to notice.
+    ours.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    ours.sa_mask = watchedSignals();
+    for (Watched& watched : s_watched) {
+        struct sigaction current;
+        ::sigaction(watched.signal, nullptr, &current);
+        const bool ignored =
+            !watched.installed && !(current.sa_flags & SA_SIGINFO) && current.sa_handler == SIG_IGN;
+        if (ignored || isOurs(current))
+            continue;
+        watched.previous = current;
+        watched.installed = true;
+        ::sigaction(watched.signal, &ours, nullptr);
+    }
+}
+
+void takeOff() {
+    for (Watched& watched : s_watched) {
+        struct sigaction current;
+        ::sigaction(watched.signal, nullptr, &current);
+        if (isOurs(current))
+            ::sigaction(watched.signal, &watched.previous, nullptr);
+    }
+}
+
+}  // namespace
+
+void Interrupt::install() {
+    const sigset_t oldMask = block();
+    putOnTop();
+    pthread_sigmask(SIG_SETMASK, &oldMask, nullptr);
+}
+
+int Interrupt::signalNumber() {
+    return s_firstSignal;
+}
+
+void Interrupt::reset() {
+    const sigset_t oldMask = block();
+    takeOff();
+    for (Watched& watched : s_watched)
+        watched = {watched.signal};
+    s_firstSignal = 0;
+    s_signalCount = 0;
+    pthread_sigmask(SIG_SETMASK, &oldMask, nullptr);
+}
+
+Interrupt::Aside::Aside() : m_oldMask(block()) {
+    takeOff();
+}
+
+Interrupt::Aside::~Aside() {
+    putOnTop();
+    pthread_sigmask(SIG_SETMASK, &m_oldMask, nullptr);
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,127 @@
+#include "runner/processes/supervision.h"
+
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <ctime>
+
+#include "runner/processes/processend.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// How far apart the two signals of one to the whole group may be.
+constexpr long long deliveryMilliseconds = 1000;
+
+/// Seen by both processes.
+struct SharedState {
+    std::atomic<bool> isOrderly;
+};
+static_assert(std::atomic<bool>::is_always_lock_free, "two processes and a signal handler use it");
+
+SharedState* s_shared = nullptr;
+/// -1 in a process that has none.
+std::atomic<pid_t> s_supervisor{-1};
+
+/// When signals came that may have come twice, in milliseconds; 0 for none.
+struct Deliveries {
+    std::atomic<long long> byItself{0};
+    std::atomic<long long> handedOn{0};
+};
+std::array<Deliveries, NSIG> s_deliveries;
+static_assert(std::atomic<long long>::is_always_lock_free, "a signal handler uses them");
+
+sigset_t waitedSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+        sigaddset(&set, signal);
+    return set;
+}
+
+Supervision::End waitFor(pid_t child) {
+    const sigset_t signals = waitedSignals();
+    int status = 0;
+    pid_t ended = 0;
+    int lastSignal = 0;
+    while ((ended = ::waitpid(child, &status, WNOHANG)) == 0 || (ended < 0 && errno == EINTR)) {
+        siginfo_t info{};
+        const int signal = ::sigwaitinfo(&signals, &info);
+        if (signal <= 0 || signal == SIGCHLD)
+            continue;
+        lastSignal = signal;
+        // The terminal sends its own signals to the child as well.
+        if (info.si_code != SI_KERNEL)
+            ::sigqueue(child, signal, {});
+    }
+    const ProcessEnd how = ended == child ? processEnd(status) : ProcessEnd();
+    Supervision::End end;
+    // A signal from outside that came before, or in spite of, the handlers of the run.
+    const bool isAsked = how.signal != 0 && how.signal == lastSignal;
+    end.isOrderly = s_shared->isOrderly || isAsked;
+    end.exitCode = how.exitCode;
+    end.text = how.text;
+    return end;
+}
+
+}  // namespace
+
+std::optional<Supervision::End> Supervision::begin() {
+    void* const memory = ::mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        return std::nullopt;
+    s_shared = new (memory) SharedState{false};
+    // A process that is started with SIGCHLD ignored never learns how its children end.
+    struct sigaction childAction {};
+    struct sigaction defaultAction {};
+    defaultAction.sa_handler = SIG_DFL;
+    ::sigaction(SIGCHLD, &defaultAction, &childAction);
+    const sigset_t waited = waitedSignals();
+    sigset_t before;
+    ::sigprocmask(SIG_BLOCK, &waited, &before);
+
+    const pid_t supervisor = ::getpid();
+    const pid_t child = ::fork();
+    if (child > 0)
+        return waitFor(child);
+    if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != supervisor)
+            ::_exit(1);
+        s_supervisor = supervisor;
+    }
+    ::sigaction(SIGCHLD, &childAction, nullptr);
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    return std::nullopt;
+}
+
+void Supervision::markOrderly() {
+    if (s_shared)
+        s_shared->isOrderly = true;
+}
+
+bool Supervision::isSecondDelivery(int signal, const siginfo_t& info) {
+    if (s_supervisor < 0 || info.si_code == SI_KERNEL || signal <= 0 || signal >= NSIG)
+        return false;
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    const long long now = time.tv_sec * 1000LL + time.tv_nsec / 1000000;
+    Deliveries& deliveries = s_deliveries[static_cast<size_t>(signal)];
+    const bool isHandedOn = info.si_code == SI_QUEUE && info.si_pid == s_supervisor;
+    std::atomic<long long>& other = isHandedOn ? deliveries.byItself : deliveries.handedOn;
+    if (other != 0 && now - other < deliveryMilliseconds) {
+        other = 0;
+        return true;
+    }
+    (isHandedOn ? deliveries.handedOn : deliveries.byItself) = now;
+    return false;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,236 @@
+// The operations of Runner on applications and their contexts.
+
+#include <QFileInfo>
+#include <algorithm>
+#include <limits>
+
+#include "base/environment.h"
+#include "base/wholetext.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/testresult/testresult.h"
+#include "runner/processes/shellwords.h"
+#include "runner/services/runner.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// Applications run on this machine only.
+QString hostProblem(const QString& host) {
+    const QStringList local = {QString(), QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
+                               QStringLiteral("::1")};
+    return local.contains(host)
+               ? QString()
+               : QStringLiteral(
+                     "applications can be started and attached to on this machine only, "
+                     "not on '%1'")
+                     .arg(host);
+}
+
+/// "--name=value" each: the form in which helper programs take options.
+QStringList optionArguments(const QMap<QString, QString>& options) {
+    QStringList arguments;
+    for (auto option = options.cbegin(); option != options.cend(); ++option)
+        arguments.append(QStringLiteral("--%1=%2").arg(option.key(), option.value()));
+    return arguments;
+}
+
+}  // namespace
+
+SharedPtr<ApplicationContext> Runner::startApplication(const QString& program, const QString& host,
+                                                       int, int timeout, QString* error) {
+    *error = hostProblem(host);
+    if (!error->isEmpty())
+        return {};
+    const ApplicationStart start = resolveApplication(program, m_places, error);
+    if (!error->isEmpty())
+        return {};
+    return noted(m_applications.start(start, timeout, error));
+}
+
+SharedPtr<ApplicationContext> Runner::noted(const SharedPtr<Application>& application) {
+    if (application && m_testResult) {
+        const Wire::Hello& hello = application->connection().hello();
+        m_testResult->addEnvironment(
+            QStringLiteral("Application '%1'").arg(application->name),
+            QStringLiteral("%1, Qt %2, %3").arg(hello.program, hello.qtVersion, hello.platform));
+    }
+    return application;
+}
+
+SharedPtr<ApplicationContext> Runner::attachToApplication(const QString& name, const QString& host,
+                                                          int, int timeout, QString* error) {
+    *error = hostProblem(host);
+    if (!error->isEmpty())
+        return {};
+    return noted(m_applications.attach(name, timeout, error));
+}
+
+SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& program,
+                                                              const QStringList& arguments,
+                                                              const QString& host, int, int timeout,
+                                                              QString* error) {
+    *error = hostProblem(host);
+    if (!error->isEmpty())
+        return {};
+    const QString path = Environment::getVariable(QLatin1String(prefixVariable)) +
+                         QLatin1String("/lib/exec/") + program;
+    if (!QFileInfo(path).isExecutable()) {
+        *error = QStringLiteral("the helper program '%1' is not installed: there is no '%2'")
+                     .arg(program, path);
+        return {};
+    }
+    ApplicationStart start;
+    start.name = program;
+    start.program.program = path;
+    start.program.arguments = arguments;
+    return m_applications.start(start, timeout, error);
+}
+
+SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& program,
+                                                              const QMap<QString, QString>& options,
+                                                              const QString& host, int port,
+                                                              int timeout, QString* error) {
+    return startSpecialApplication(program, optionArguments(options), host, port, timeout, error);
+}
+
+bool Runner::detachApplication(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    if (!application || !isValidContext(context))
+        return false;
+    application->detach();
+    // The script goes on with what is left.
+    if (m_applications.current() == application)
+        m_applications.setCurrent(m_applications.first());
+    return true;
+}
+
+SharedPtr<ApplicationContext> Runner::waitForApplicationLaunch(int timeout, QString* error) {
+    return m_applications.waitForLaunch(timeout, error);
+}
+
+// Contexts
+
+SharedPtr<ApplicationContext> Runner::defaultApplicationContext() {
+    return m_applications.first();
+}
+
+SharedPtr<ApplicationContext> Runner::applicationContext(const QString& name) {
+    if (name.isEmpty())
+        return m_applications.current();
+    m_applications.work();
+    return m_applications.find(name);
+}
+
+void Runner::setCurrentApplicationContext(SharedPtr<ApplicationContext> context) {
+    m_applications.setCurrent(m_applications.checked(context));
+}
+
+QList<SharedPtr<ApplicationContext>> Runner::applicationContexts() {
+    QList<SharedPtr<ApplicationContext>> contexts;
+    for (const SharedPtr<Application>& application : m_applications.live())
+        contexts.append(application);
+    return contexts;
+}
+
+bool Runner::isValidContext(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    if (application)
+        application->work();
+    return application && application->valid;
+}
+
+// Facts
+
+SharedPtr<Application> Runner::running(const SharedPtr<ApplicationContext>& context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    // The number of a process that has ended may be that of another one.
+    if (application && application->isRunning())
+        return application;
+    QString reason = application ? application->endText() : Inspector::noApplicationText;
+    if (reason.isEmpty())
+        reason = QStringLiteral("The application '%1' has ended").arg(application->name);
+    Inspector::self()->setLastError(reason);
+    return {};
+}
+
+qint64 Runner::usedMemory(SharedPtr<ApplicationContext> context) {
+    return running(context) ? residentMemory(context->pid) : -1;
+}
+
+qint64 Runner::totalTime(SharedPtr<ApplicationContext> context) {
+    return running(context) ? cpuTime(context->pid) : -1;
+}
+
+QString Runner::environmentVariable(SharedPtr<ApplicationContext> context, const QString& name) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    if (!application)
+        return {};
+    QString error;
+    const QString value = application->model().environmentVariable(name, &error);
+    if (!error.isEmpty())
+        Inspector::self()->setLastError(error);
+    return value;
+}
+
+QString Runner::currentDirectory(SharedPtr<ApplicationContext> context) {
+    return running(context) ? processDirectory(context->pid) : QString();
+}
+
+QString Runner::host(SharedPtr<ApplicationContext>) {
+    return QStringLiteral("localhost");
+}
+
+int Runner::port(SharedPtr<ApplicationContext>) {
+    // Applications are connected through a local socket, which has none.
+    return 0;
+}
+
+bool Runner::isRunning(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    return application && application->isRunning();
+}
+
+bool Runner::isFrozen(SharedPtr<ApplicationContext> context, int timeoutSeconds) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    if (!application || !isValidContext(context))
+        return false;
+    const auto milliseconds = static_cast<int>(
+        std::clamp<qint64>(timeoutSeconds * 1000LL, 0, std::numeric_limits<int>::max()));
+    RequestError error;
+    return !application->connection().ping(milliseconds, &error) &&
+           error.kind == RequestError::Kind::TimedOut;
+}
+
+int Runner::pid(SharedPtr<ApplicationContext> context) {
+    return context ? context->pid : -1;
+}
+
+QString Runner::readOutput(const SharedPtr<ApplicationContext>& context,
+                           QByteArray (ChildOutput::*stream)() const, bool* available) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    *available = application && application->program();
+    if (!*available)
+        return {};
+    return wholeLocal8Bit((application->program()->output().*stream)());
+}
+
+QString Runner::readStdout(SharedPtr<ApplicationContext> context, bool* available) {
+    return readOutput(context, &ChildOutput::standardOutput, available);
+}
+
+QString Runner::readStderr(SharedPtr<ApplicationContext> context, bool* available) {
+    return readOutput(context, &ChildOutput::standardError, available);
+}
+
+QString Runner::osName(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_applications.checked(context);
+    return application ? application->connection().hello().osName : QString();
+}
+
+bool Runner::isTypeKnownInContext(const QString& typeName, int contextId) {
+    const SharedPtr<Application> application = m_applications.find(contextId);
+    return application && application->model().classByName(typeName);
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,282 @@
+#include "runner/suites/suiterun.h"
+
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSysInfo>
+#include <QTextCodec>
+#include <algorithm>
+#include <utility>
+
+#include "base/environment.h"
+#include "base/filewriting.h"
+#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/bridge/testsettingstype.h"
+#include "interpreter/generic/testfunctions.h"
+#include "interpreter/run/scripttestcase.h"
+#include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectmap.h"
+#include "platform/testresult/resulttypes.h"
+#include "platform/testresult/testvp.h"
+#include "runner/processes/interrupt.h"
+#include "runner/processes/processstate.h"
+#include "runner/processes/shellwords.h"
+#include "vision/screenshot.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// How long an application may take to show that it can take a picture.
+constexpr int pingTimeout = 2000;
+
+SharedPtr<Application> liveApplication(RunnerInterface* runner) {
+    const SharedPtr<ApplicationContext> context = runner->applicationContext(QString());
+    return runner->isValidContext(context) ? staticPointerCast<Application>(context)
+                                           : SharedPtr<Application>();
+}
+
+/// The desktop as the current application sees it; a null one when it does not answer.
+Screenshot grabCurrentApplication(RunnerInterface* runner) {
+    const SharedPtr<Application> application = liveApplication(runner);
+    RequestError ignored;
+    if (!application || !application->connection().ping(pingTimeout, &ignored))
+        return {};
+    QString error;
+    const QVariant picture =
+        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
+    return Screenshot::fromVariant(picture);
+}
+
+/// Where pictures that go with results are kept: where attachments of the case are, too. Without an
+/// application there is nothing to be taken.
+QString screenshotDirectory(RunnerInterface* runner) {
+    if (!liveApplication(runner))
+        return {};
+    QString error;
+    const QFileInfo directory =
+        attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
+    if (!error.isEmpty())
+        qWarning("No screenshots: %s", error.toLocal8Bit().constData());
+    return directory.filePath();
+}
+
+}  // namespace
+
+SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
+    : m_suite(suite), m_options(options), m_result(report) {
+    m_runner.setSuite(suite.name);
+    m_runner.setResultDirectory(options.resultDirectory);
+    m_runner.setTestResult(&m_result);
+    m_result.setRecordsActions(options.recordsActions);
+    m_runner.setPlaces({suite.directory, suite.config.fileName, suite.config.applications});
+    TestVP::setScreenshotServices(
+        {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
+         [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
+}
+
+SuiteRun::~SuiteRun() {
+    TestVP::setScreenshotServices({});
+}
+
+QString SuiteRun::prepare() {
+    const QString error = loadObjectMap();
+    if (!error.isEmpty())
+        return error;
+    // A failure shows the moment in which it happened unless the script asks otherwise.
+    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
+    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnError, true);
+    return m_runner.applications().useDisplay(m_options.display);
+}
+
+QString SuiteRun::loadObjectMap() {
+    const QString path = m_runner.objectMapPath();
+    ObjectMap::self()->clear();
+    if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
+        return {};
+    return Inspector::self()->lastError();
+}
+
+void SuiteRun::run(const QList<SuiteCase>& cases) {
+    const ProcessState stateBeforeRun;
+    Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
+    Interrupt::install();
+    m_result.startSuite(m_suite.name, m_suite.directory);
+    noteEnvironment();
+
+    int started = 0;
+    for (const SuiteCase& testCase : cases) {
+        m_interruptedBy = Interrupt::signalNumber();
+        if (m_interruptedBy != 0 || (m_options.failFast && m_hasFailed))
+            break;
+        ++started;
+        runCase(testCase);
+    }
+    m_interruptedBy = Interrupt::signalNumber();
+    m_skippedCases = cases.size() - started;
+
+    m_result.endSuite(m_interruptedBy != 0);
+    m_result.setComplete();
+}
+
+void SuiteRun::noteEnvironment() {
+    const auto quoted = [](const QStringList& words) {
+        QStringList all;
+        for (const QString& word : words)
+            all.append(quotedShellWord(word));
+        return all.join(QLatin1Char(' '));
+    };
+    m_result.addEnvironment(QStringLiteral("Tamrix"), QStringLiteral(TAMRIX_VERSION));
+    m_result.addEnvironment(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
+    m_result.addEnvironment(
+        QStringLiteral("System"),
+        QStringLiteral("%1, %2 %3, %4")
+            .arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion(),
+                 QSysInfo::currentCpuArchitecture()));
+    m_result.addEnvironment(QStringLiteral("Host"), QSysInfo::machineHostName());
+    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications().display());
+    m_result.addEnvironment(QStringLiteral("Command"), quoted(QCoreApplication::arguments()));
+    m_result.addEnvironment(QStringLiteral("Script arguments"), quoted(m_options.scriptArguments));
+}
+
+void SuiteRun::runCase(const SuiteCase& testCase) {
+    m_runner.setTestCase(testCase.name, testCase.script);
+    m_result.startCase(testCase.name, testCase.script);
+    m_failureMoment.reset();
+    const QString mapError = loadObjectMap();
+    if (!mapError.isEmpty()) {
+        m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
+                           mapError, LineInfo());
+    }
+    {
+        const ProcessState stateBeforeCase;
+        if (QDir::setCurrent(testCase.directory)) {
+            runScript(testCase);
+        } else {
+            m_result.addResult(TestResult::Fatal, QStringLiteral("Can't enter test case folder"),
+                               testCase.directory, LineInfo(testCase.script, 0));
+        }
+        ScriptContext::setCurrent(nullptr);
+    }
+    endApplications();
+    // Above what the script or its language left there.
+    Interrupt::install();
+    if (caseHasFailed())
+        m_hasFailed = true;
+    m_result.endCase(Interrupt::signalNumber() != 0);
+}
+
+void SuiteRun::runScript(const SuiteCase& testCase) {
+    const pid_t process = ::getpid();
+    QString text;
+    if (!readScript(testCase.script, &text))
+        return;
+
+    ScriptTestCase script(&m_result, QDir(testCase.directory), &m_runner,
+                          m_options.scriptArguments);
+    bool loaded;
+    {
+        const Interrupt::Aside aside;
+        loaded = script.load(testCase.script, Debugger::Run);
+    }
+    if (loaded && script.evaluate(text))
+        script.run();
+
+    // A script that forked and let its child fall out of the case: the run goes on once only.
+    if (::getpid() != process)
+        ::_exit(1);
+}
+
+QImage SuiteRun::grabDesktop() {
+    m_desktop = grabCurrentApplication(&m_runner);
+    return m_desktop.image();
+}
+
+void SuiteRun::keepFailureMoment(const QString& folder) {
+    const Screenshot desktop = std::exchange(m_desktop, Screenshot());
+    if (const SharedPtr<Application> application = liveApplication(&m_runner))
+        m_failureMoment.keep(*application, desktop, folder, &m_result);
+}
+
+void SuiteRun::endApplications() {
+    Applications& applications = m_runner.applications();
+    applications.work();
+    m_runner.reportUnexpectedEnds();
+    const SharedPtr<Application> current = applications.current();
+    const auto programs = applications.programs().ofInterest(
+        current ? current->sharedProgram() : std::shared_ptr<StartedProgram>());
+    for (const QString& name : applications.endAll()) {
+        m_result.addResult(TestResult::Warning, QStringLiteral("Application can't be ended"), name,
+                           LineInfo());
+    }
+    // What crashed when it was asked to close.
+    m_runner.reportUnexpectedEnds();
+    if (caseHasFailed())
+        attachOutput(programs);
+}
+
+void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& programs) {
+    QString error;
+    const QFileInfo folder =
+        attachmentResultsPath(m_runner.currentResultDirectory(), m_runner.testCasePath(), &error);
+    for (const auto& program : programs) {
+        const QString name = program->start().name;
+        const std::pair<QString, QByteArray> streams[] = {
+            {QStringLiteral("stdout"), program->output().standardOutput()},
+            {QStringLiteral("stderr"), program->output().standardError()}};
+        for (const auto& [stream, text] : streams) {
+            if (text.isEmpty())
+                continue;
+            if (error.isEmpty())
+                error = ensureResultPathExists(folder);
+            const QString path = calculateTargetFileName(
+                folder.filePath(), QFileInfo(QStringLiteral("%1-%2.txt").arg(name, stream)));
+            QFile file(path);
+            if (error.isEmpty() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+                error = file.errorString();
+            if (error.isEmpty() && !writeAll(&file, text, &error))
+                file.remove();
+            if (!error.isEmpty()) {
+                qWarning("The output of '%s' can't be attached: %s", qUtf8Printable(name),
+                         qUtf8Printable(error));
+                return;
+            }
+            m_result.addAttachment(
+                TestResult::OutputAttachment,
+                QStringLiteral("What the application '%1' wrote to %2").arg(name, stream), path,
+                {});
+        }
+    }
+}
+
+bool SuiteRun::readScript(const QString& path, QString* text) {
+    QFile file(path);
+    QString problem;
+    if (file.open(QIODevice::ReadOnly)) {
+        const QByteArray bytes = file.readAll();
+        QTextCodec::ConverterState state;
+        *text =
+            QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+        if (file.error() != QFileDevice::NoError)
+            problem = file.errorString();
+        else if (state.invalidChars > 0 || state.remainingChars > 0)
+            problem = QStringLiteral("the file is not encoded in UTF-8");
+    } else {
+        problem = file.errorString();
+    }
+    if (problem.isEmpty())
+        return true;
+    m_result.addResult(TestResult::Fatal, QStringLiteral("Can't read test script"), problem,
+                       LineInfo(path, 0));
+    return false;
+}
+
+bool SuiteRun::caseHasFailed() const {
+    return std::any_of(resultTypes.begin(), resultTypes.end(), [this](const ResultTypeInfo& type) {
+        return type.isFailure && m_result.count(QLatin1String(type.category)) > 0;
+    });
+}
+
+}  // namespace Tamrix

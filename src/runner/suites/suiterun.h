@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "platform/testresult/testresult.h"
+#include "runner/services/runner.h"
+#include "runner/suites/failuremoment.h"
+#include "runner/suites/suite.h"
+
+namespace Tamrix {
+
+/// What a run is asked to do beside its cases.
+struct SuiteRunOptions {
+    /// Ends the run behind the first case that fails.
+    bool failFast = false;
+    /// Whether the results tell what scripts do to applications.
+    bool recordsActions = true;
+    /// Where attachments go: absolute, or empty for the suite's own folder.
+    QString resultDirectory;
+    /// For the scripts.
+    QStringList scriptArguments;
+    /// Where applications appear: see Applications::useDisplay().
+    QString display;
+};
+
+/// Runs test cases of a suite one after the other in this process, each in its own folder as
+/// working directory and with a fresh interpreter, and hands what happens to a report generator.
+/// Script thread only; one run at a time.
+class SuiteRun {
+public:
+    /// `report` is not owned and outlives the run.
+    SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
+    ~SuiteRun();
+
+    /// What has to be right before anything runs: the display for applications and the suite's map
+    /// of object names. Returns an error text, empty on success. Call it before run().
+    QString prepare();
+
+    /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
+    /// signal asked to end. Call it once. TAMRIX_PREFIX has to be set.
+    void run(const QList<SuiteCase>& cases);
+
+    /// Whether a case that ran had a failed verdict or a script error.
+    bool hasFailed() const { return m_hasFailed; }
+    /// The signal that ended the run early, 0 when none did.
+    int interruptedBy() const { return m_interruptedBy; }
+    /// The number of cases that did not start because the run ended before them.
+    int skippedCases() const { return m_skippedCases; }
+
+private:
+    void runCase(const SuiteCase& testCase);
+    void runScript(const SuiteCase& testCase);
+    bool readScript(const QString& path, QString* text);
+    bool caseHasFailed() const;
+    /// Loads the suite's map of object names, so that each case starts with the same one.
+    QString loadObjectMap();
+    /// A picture of the desktop for a result; null when the application gives none.
+    QImage grabDesktop();
+    void keepFailureMoment(const QString& folder);
+    void endApplications();
+    /// Tells the results where the suite runs.
+    void noteEnvironment();
+    /// Attaches what programs wrote to the report.
+    void attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& programs);
+
+    Suite m_suite;
+    SuiteRunOptions m_options;
+    Runner m_runner;
+    TestResult m_result;
+    FailureMoment m_failureMoment;
+    /// The last picture of the desktop, until the failure that it belongs to is told.
+    Screenshot m_desktop;
+    bool m_hasFailed = false;
+    int m_interruptedBy = 0;
+    int m_skippedCases = 0;
+};
+
+}  // namespace Tamrix

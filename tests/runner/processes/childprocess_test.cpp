@@ -1,0 +1,85 @@
+#include "runner/processes/childprocess.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "runner/processes/markedprocesses.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+std::unique_ptr<ChildProcess> startShell(const QString& script,
+                                         const ProgramEnvironment& environment = {},
+                                         const QString& mark = {}) {
+    ProgramStart start;
+    start.program = "/bin/sh";
+    start.arguments = QStringList{"-c", script};
+    start.environment = environment;
+    start.mark = mark;
+    QString error;
+    std::unique_ptr<ChildProcess> process = ChildProcess::start(start, &error);
+    EXPECT_EQ(error, "");
+    return process;
+}
+
+TEST(ChildProcess, TellsHowItEndedAndWhatItWrote) {
+    const auto exited = startShell("echo out; echo \"$VALUE\" >&2; exit 3", {{"VALUE", "ü"}});
+    ASSERT_TRUE(exited->waitForEnd(10000));
+    exited->output()->waitForEnd(10000);
+    EXPECT_EQ(exited->endText(), "it exited with code 3");
+    EXPECT_EQ(exited->output()->standardOutput(), "out\n");
+    EXPECT_EQ(exited->output()->lastErrorLines(5), "ü");
+
+    const auto killed = startShell("kill -SEGV $$");
+    ASSERT_TRUE(killed->waitForEnd(10000));
+    EXPECT_EQ(killed->endText(), "it was ended by SIGSEGV (Segmentation fault)");
+    EXPECT_EQ(killed->exitCode(), 128 + SIGSEGV);
+}
+
+TEST(ChildProcess, KeepsTheEndOfMuchOutputWhileNobodyReads) {
+    const auto process = startShell("head -c 3000000 /dev/zero | tr '\\0' x; echo end");
+    ASSERT_TRUE(process->waitForEnd(20000));
+    process->output()->waitForEnd(10000);
+    const QByteArray output = process->output()->standardOutput();
+    EXPECT_TRUE(output.startsWith("[1951428 bytes before this are left out]\nxxx"))
+        << output.left(60).constData();
+    EXPECT_TRUE(output.endsWith("xend\n"));
+}
+
+TEST(ChildProcess, FailsWithTheReason) {
+    ProgramStart start;
+    start.program = "/bin/sh";
+    start.workingDirectory = "/no/such/folder";
+    QString error;
+    EXPECT_FALSE(ChildProcess::start(start, &error));
+    EXPECT_EQ(error,
+              "'/bin/sh' can't be started in the folder '/no/such/folder': No such file or "
+              "directory");
+    start = {};
+    start.program = "/etc/passwd";
+    EXPECT_FALSE(ChildProcess::start(start, &error));
+    EXPECT_EQ(error, "'/etc/passwd' can't be executed: Permission denied");
+}
+
+TEST(MarkedProcesses, AllThatCameOfAProgramAreEnded) {
+    // One in a session of its own and without an environment, one that takes no request to end, one
+    // without the limit that is a mark.
+    const auto process = startShell(
+        "env -i setsid sleep 600 & (trap '' TERM; while true; do sleep 600; done) &"
+        "prlimit --rttime=unlimited setsid sleep 600 & wait",
+        {}, "test-run:7");
+    const ProcessFilter filter{"test-run:7", true};
+    std::size_t found = 0;
+    for (int round = 0; round < 6000 && (found = findProcesses(filter).size()) < 5; ++round)
+        process->waitForEnd(10);
+    EXPECT_GE(found, 5U);
+    EXPECT_TRUE(findProcesses({"test-run:70", true}).empty());
+    EXPECT_EQ(endProcesses({"test-run:"}, 200), 0);
+    EXPECT_TRUE(findProcesses(filter).empty());
+    EXPECT_TRUE(process->hasEnded());
+}
+
+}  // namespace
+}  // namespace Tamrix

@@ -1,0 +1,141 @@
+#include "runner/suites/suiteconfig.h"
+
+#include <gtest/gtest.h>
+
+#include "runner/suites/suitefolder.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+TEST(SuiteConfig, ReadsEverythingItDescribes) {
+    QString error;
+    const SuiteConfig config = parseSuiteConfig(R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- a comment -->
+<suite>
+  <cases>
+    <case name="second"/>
+    <case name="füßling"></case>
+  </cases>
+  <settings>
+    <setting name="retryDuration" value="200"/>
+    <setting name="empty" value=""/>
+  </settings>
+  <applications>
+    <application name="address book" path="bin/addressbook">
+      <argument>--fresh</argument>
+      <argument> with &lt;blanks&gt; </argument>
+      <argument></argument>
+      <workingDirectory>data</workingDirectory>
+      <variable name="LANG" value="C"/>
+      <variable name="EMPTY" value=""/>
+    </application>
+    <application name="other" path="/usr/bin/other"/>
+  </applications>
+</suite>
+)",
+                                                "config.xml", &error);
+    ASSERT_EQ(error, QString());
+    ASSERT_EQ(config.cases.size(), 2);
+    EXPECT_EQ(config.cases.at(0).name, QString("second"));
+    EXPECT_EQ(config.cases.at(0).line, 5);
+    EXPECT_EQ(config.cases.at(1).name, QString("füßling"));
+    ASSERT_EQ(config.settings.size(), 2);
+    EXPECT_EQ(config.settings.at(0).name, QString("retryDuration"));
+    EXPECT_EQ(config.settings.at(0).value, QString("200"));
+    EXPECT_EQ(config.settings.at(1).value, QString(""));
+    ASSERT_EQ(config.applications.size(), 2);
+    const ConfiguredApplication& application = config.applications.at(0);
+    EXPECT_EQ(application.name, QString("address book"));
+    EXPECT_EQ(application.path, QString("bin/addressbook"));
+    EXPECT_EQ(application.arguments, QStringList({"--fresh", " with <blanks> ", ""}));
+    EXPECT_EQ(application.workingDirectory, QString("data"));
+    EXPECT_EQ(application.environment,
+              (QList<QPair<QString, QString>>{{"LANG", "C"}, {"EMPTY", ""}}));
+    EXPECT_EQ(config.applications.at(1).name, QString("other"));
+}
+
+TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
+    const struct {
+        const char* text;
+        const char* error;
+    } rows[] = {
+        {"", "1: Premature end of document."},
+        {"no xml", "1: Start tag expected."},
+        {"<suite>\n<cases>\n</suite>", "3: Opening and ending tag mismatch."},
+        {"<suite/>\n<suite/>", "2: Extra content at end of document."},
+        {"<tests/>", "1: the root element is <tests>, not <suite>"},
+        {"<suite version=\"2\"/>", "1: unknown attribute \"version\" of <suite>"},
+        {"<suite>\n<case name=\"a\"/></suite>", "2: unknown element <case> in <suite>"},
+        {"<suite>text</suite>", "1: unexpected text in <suite>"},
+        {"<suite><cases>\n<case/></cases></suite>", "2: <case> needs the attribute \"name\""},
+        {"<suite><cases>\n<case name=\"\"/></cases></suite>",
+         "2: <case> needs the attribute \"name\""},
+        {"<suite><cases><case name=\"a\"/>\n<case name=\"a\"/></cases></suite>",
+         "2: case 'a' is listed twice"},
+        {"<suite><cases><case name=\"a\">\n<x/></case></cases></suite>",
+         "2: unknown element <x> in <case>"},
+        {"<suite><settings>\n<setting name=\"a\"/></settings></suite>",
+         "2: <setting> needs the attribute \"value\""},
+        {"<suite><settings><setting name=\"a\" value=\"1\"/></settings>\n"
+         "<settings><setting name=\"a\" value=\"2\"/></settings></suite>",
+         "2: setting 'a' is listed twice"},
+        {"<suite><applications>\n<application name=\"a\"/></applications></suite>",
+         "2: <application> needs the attribute \"path\""},
+        {"<suite><applications><application name=\"a\" path=\"b\">\n<argument><b/></argument>"
+         "</application></applications></suite>",
+         "2: unknown element <b> in <argument>"},
+        {"<suite><applications><application name=\"a\" path=\"b\">\n"
+         "<variable name=\"x=y\" value=\"\"/></application></applications></suite>",
+         "2: a variable's name can't hold \"=\": 'x=y'"},
+        {"<suite><applications><application name=\"a\" path=\"b\"><workingDirectory>x"
+         "</workingDirectory>\n<workingDirectory>y</workingDirectory></application></applications>"
+         "</suite>",
+         "2: a second <workingDirectory>"},
+        {"<!DOCTYPE suite [\n<!ENTITY a \"aaaa\">]>\n<suite>&a;</suite>",
+         "2: a document type declaration is not allowed"},
+        {"<suite>\xff</suite>", "1: Encountered incorrectly encoded content."},
+    };
+    for (const auto& row : rows) {
+        QString error;
+        const SuiteConfig config = parseSuiteConfig(row.text, "s/config.xml", &error);
+        EXPECT_EQ(error, QLatin1String("s/config.xml:") + row.error) << row.text;
+        EXPECT_TRUE(config.cases.isEmpty()) << row.text;
+        EXPECT_TRUE(config.settings.isEmpty()) << row.text;
+    }
+}
+
+TEST(SuiteConfig, FileMayBeAbsentButNotTooLargeOrUnreadable) {
+    const Tamrix::Test::SuiteFolder suite;
+    QString error;
+    EXPECT_TRUE(readSuiteConfig(suite.path(), &error).cases.isEmpty());
+    EXPECT_EQ(error, QString());
+
+    QByteArray text = "<suite>";
+    text += QByteArray(static_cast<int>(maximalSuiteConfigSize) - text.size() - 8, ' ');
+    text += "</suite>";
+    suite.write("config.xml", text);
+    readSuiteConfig(suite.path(), &error);
+    EXPECT_EQ(error, QString());
+
+    suite.write("config.xml", text + ' ');
+    readSuiteConfig(suite.path(), &error);
+    EXPECT_EQ(error, suite.path("config.xml") + " is larger than 1048576 bytes");
+
+    error.clear();
+    QFile::remove(suite.path("config.xml"));
+    QDir(suite.path()).mkdir("config.xml");
+    readSuiteConfig(suite.path(), &error);
+    EXPECT_TRUE(error.startsWith(suite.path("config.xml") + " can't be read: "))
+        << qPrintable(error);
+
+    error.clear();
+    QDir(suite.path()).rmdir("config.xml");
+    QFile::link("nowhere", suite.path("config.xml"));
+    readSuiteConfig(suite.path(), &error);
+    EXPECT_TRUE(error.startsWith(suite.path("config.xml") + " can't be read: "))
+        << qPrintable(error);
+}
+
+}  // namespace
+}  // namespace Tamrix
