@@ -23,9 +23,9 @@ protected:
     QString takeActions() {
         QStringList lines;
         for (const ActionEnded& action : report.all<ActionEnded>())
-            lines +=
-                QStringList{action.function, action.arguments, action.hasFailed ? "failed" : ""}
-                    .join('|');
+            lines += QStringList{action.function, action.arguments,
+                                 action.hasFailed ? QStringLiteral("failed") : QString()}
+                         .join('|');
         report.entries.clear();
         return lines.join('\n');
     }
