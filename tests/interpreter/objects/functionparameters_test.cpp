@@ -67,15 +67,13 @@ TEST(FunctionParameters, BringArgumentsIntoTheirOrder) {
     };
     FakeContext context;
     for (const auto& row : rows) {
-        const auto values =
-            FunctionParameters(row.parameters).ordered(context, "f", row.arguments);
+        const auto values = FunctionParameters(row.parameters).ordered(context, "f", row.arguments);
         EXPECT_EQ(values ? written(list(*values)) : errorText(values), row.outcome);
     }
     for (const auto& [parameters, startWithObject] :
          {std::pair("object[, x]", true), std::pair("object", true), std::pair("file", false),
           std::pair("", false), std::pair("objects", false)})
-        EXPECT_EQ(FunctionParameters::startWithObject(parameters), startWithObject)
-            << parameters;
+        EXPECT_EQ(FunctionParameters::startWithObject(parameters), startWithObject) << parameters;
 }
 
 }  // namespace
