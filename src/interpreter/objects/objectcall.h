@@ -17,7 +17,8 @@ namespace Tamrix {
 
 // What all ways from a script to an application's objects have in common. Script thread only.
 
-/// The arguments of a call as the script wrote them. None is a null pointer.
+/// The arguments of a call as the script wrote them. What it gave as its null is a value of it, no
+/// null pointer.
 struct CallArguments {
     ScriptArgument::List positional;
     NamedArguments named;
