@@ -90,11 +90,11 @@ ObjectResult<ScriptArgument::List> inOrder(ScriptContext& context, const QString
 }
 
 ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArguments arguments) {
-    // 1. The function of the current application.
+    // 1. The function is looked up in the current application.
     ObjectModel* const model = Inspector::self()->model();
     const QList<const Method*> methods = methodsOf(model, name);
     const Description description = describe(name, methods);
-    // 2. The arguments in its order.
+    // 2. The arguments are brought into its order.
     ObjectResult<ScriptArgument::List> values =
         inOrder(context, name, description, std::move(arguments));
     if (!values)
@@ -103,7 +103,7 @@ ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArgume
         return objectError(Kind::Failed, Inspector::noApplicationText);
     if (methods.isEmpty())
         return objectError(Kind::Failed, "The application has no function '" + name + "'");
-    // 3. The object of a name.
+    // 3. A name gives way to the object that it finds.
     const bool takesObject = description.isKnown()
                                  ? FunctionParameters::startWithObject(description.parameters)
                                  : seemsToTakeObject(methods);
@@ -113,7 +113,7 @@ ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArgume
             return object;
         values->front() = *object;
     }
-    // 4. Which of several methods is meant is the application's to say.
+    // 4. The application is called, which chooses among several methods of the name.
     const ObjectResult<ObjectList> objects = objectsOfArguments(name, *values);
     if (!objects)
         return tl::unexpected(objects.error());
@@ -146,7 +146,8 @@ ObjectResult<Value> callGlobalFunction(ScriptContext& context, const QString& na
                           [&] {
                               ActionRecord record(&context, name);
                               record.setArguments(arguments.positional, arguments.named);
-                              ObjectResult<Value> result = call(context, name, arguments);
+                              ObjectResult<Value> result =
+                                  call(context, name, std::move(arguments));
                               if (!result)
                                   record.setFailed();
                               return result;
