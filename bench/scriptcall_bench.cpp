@@ -111,6 +111,8 @@ double turn(PyObject* loop, PyObject* function, int calls = callsPerTurn) {
 
 // Objects
 
+constexpr char clickParameters[] = "object[, x, y][, button][, modifiers]";
+
 Tamrix::SharedPtr<Tamrix::Object> s_button;
 
 bool theButton(Tamrix::ScriptContext* context) {
@@ -121,7 +123,8 @@ bool theButton(Tamrix::ScriptContext* context) {
 /// The class of the button, and that of the global functions.
 void describe(Tamrix::Class* button, Tamrix::Class* global) {
     button->addProperty("text", "QString");
-    global->addMethod("click", Tamrix::Signature({Tamrix::Argument("Object")}));
+    global->addMethod("click", Tamrix::Signature({Tamrix::Argument("Object")}))
+        .describe(clickParameters, "Clicks the object");
 }
 
 /// An application with a button, in this process.
@@ -153,7 +156,8 @@ void answer(Tamrix::Test::FakeAgent& agent, const Tamrix::Wire::Frame& frame) {
             if (name.text == "QPushButton")
                 info.properties = {{"text", "QString", true}};
             else
-                info.methods = {{"click", "void", {"Object"}}};
+                info.methods = {
+                    {"click", "void", {"Object"}, clickParameters, "Clicks the object"}};
             agent.reply(frame, encode(info));
             break;
         }

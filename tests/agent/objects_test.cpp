@@ -66,8 +66,20 @@ TEST_F(ObjectsTest, PropertiesAreWrittenOrRefused) {
 }
 
 TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
-    EXPECT_EQ(m_client.invoke(m_window, "add", {1, 2}), 3);
-    EXPECT_EQ(m_client.invoke(m_window, "add", {"a", "b"}), "ab");
+    const struct {
+        QVariantList arguments;
+        QVariant sum;
+    } overloads[] = {
+        {{1, 2}, 3},
+        {{"a", "b"}, "ab"},
+        {{2.0, 3}, 5},
+        {{true, 1}, 2},
+        {{1, "b"}, "1b"},
+        // No number is cut for an overload: it is better taken as a text.
+        {{2.5, 1}, "2.51"},
+    };
+    for (const auto& each : overloads)
+        EXPECT_EQ(m_client.invoke(m_window, "add", each.arguments), each.sum);
     const QVariant same = m_client.invoke(m_window, "echo", {QVariant::fromValue(m_window)});
     EXPECT_EQ(same.value<Wire::ObjectInfo>().handle, m_window.handle);
 
@@ -79,6 +91,7 @@ TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     } cases[] = {
         {"subtract", {}, FailureKind::Refused, "has no method 'subtract'"},
         {"add", {1}, FailureKind::BadArgument, "add(int,int), add(QString,QString)"},
+        {"add", {1, QVariantList{}}, FailureKind::BadArgument, "argument 2 of add("},
         {"echo", {"text"}, FailureKind::BadArgument, "argument 1 of echo(QObject*)"},
         {"fail", {}, FailureKind::Failed, "exception"},
     };

@@ -2,19 +2,15 @@
 
 #include <QElapsedTimer>
 #include <QString>
-#include <utility>
-#include <vector>
 
 #include "base/export.h"
+#include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/scriptargument.h"
 #include "platform/testresult/lineinfo.h"
 
 namespace Tamrix {
 
 class ScriptContext;
-
-/// Arguments that a script gave by name, in its order.
-using NamedArguments = std::vector<std::pair<QString, SharedPtr<ScriptArgument>>>;
 
 /// The time in which a script function works on an application. Its end becomes an entry of the
 /// results, unless these leave actions out; the record then costs nothing. Script thread only.

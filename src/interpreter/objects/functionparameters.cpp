@@ -3,7 +3,6 @@
 #include <QMap>
 #include <algorithm>
 #include <iterator>
-#include <map>
 
 #include "wire/applicationfunctions.h"
 
@@ -11,7 +10,7 @@ namespace Tamrix {
 
 namespace {
 
-const QString s_object = QStringLiteral("object");
+const QLatin1String s_object("object");
 const QString s_button = QStringLiteral("button");
 const QString s_modifiers = QStringLiteral("modifiers");
 
@@ -127,26 +126,19 @@ FunctionParameters::FunctionParameters(const QString& text) : m_text(text) {
     }
 }
 
-const FunctionParameters& FunctionParameters::of(const QString& text) {
-    static std::map<QString, FunctionParameters> s_read;
-    const auto known = s_read.find(text);
-    return known != s_read.end() ? known->second
-                                 : s_read.emplace(text, FunctionParameters(text)).first->second;
+bool FunctionParameters::startWithObject(const QString& text) {
+    const int end = s_object.size();
+    return text.startsWith(s_object) && (text.size() == end || !text.at(end).isLetterOrNumber());
 }
 
-bool FunctionParameters::startWithObject() const {
-    return !m_groups.empty() && m_groups.front().names.first() == s_object;
+bool FunctionParameters::areOrdered(const CallArguments& arguments) {
+    return arguments.named.empty() &&
+           std::none_of(arguments.positional.begin(), arguments.positional.end(),
+                        [](const SharedPtr<ScriptArgument>& value) { return value->isNull(); });
 }
 
 ObjectResult<ScriptArgument::List> FunctionParameters::ordered(
     ScriptContext& context, const QString& function, const CallArguments& arguments) const {
-    const bool isPlain =
-        arguments.named.empty() &&
-        std::none_of(arguments.positional.begin(), arguments.positional.end(),
-                     [](const SharedPtr<ScriptArgument>& value) { return value->isNull(); });
-    // The application knows the forms of its functions by itself.
-    if (isPlain)
-        return arguments.positional;
     Slots taken(*this);
     taken.takePositional(arguments.positional);
     for (const auto& [name, value] : arguments.named)

@@ -14,11 +14,14 @@ namespace Tamrix {
 /// may be left out, all of a bracket together.
 class TAMRIX_EXPORT FunctionParameters {
 public:
-    /// Those of this text, read once in the process.
-    static const FunctionParameters& of(const QString& text);
+    explicit FunctionParameters(const QString& text);
 
-    /// Whether the first one is an object, which may be given by its name.
-    bool startWithObject() const;
+    /// Whether the first one is an object, which may be given by its name. Told of the text, since
+    /// each call asks.
+    static bool startWithObject(const QString& text);
+
+    /// Whether there is nothing to be brought into order: no names, no null of the language.
+    static bool areOrdered(const CallArguments& arguments);
 
     /// The arguments in the order in which the application takes them: named ones at their places,
     /// such as are left out or the language's null not at all. Modifiers without a button get the
@@ -27,8 +30,6 @@ public:
                                                const CallArguments& arguments) const;
 
 private:
-    explicit FunctionParameters(const QString& text);
-
     /// Parameters that are given together or not at all.
     struct Group {
         QStringList names;

@@ -43,13 +43,13 @@ const QHash<QString, Description>& commonFunctions() {
     return s_functions;
 }
 
-/// What the application tells of its function, else what is known of it before one is connected.
+/// What the application tells of its function, with each of its overloads, else what is known of it
+/// before one is connected.
 Description describe(const QString& name, const QList<const Method*>& methods) {
-    for (const Method* method : methods) {
-        if (!method->description().isEmpty())
-            return {method->parameters(), method->description()};
-    }
-    return commonFunctions().value(name);
+    if (!methods.isEmpty() && methods.first()->isDescribed())
+        return {methods.first()->parameters(), methods.first()->description()};
+    const auto known = commonFunctions().constFind(name);
+    return known == commonFunctions().constEnd() ? Description() : *known;
 }
 
 /// Of functions that nobody describes, the first argument is an object unless a method of the name
@@ -75,35 +75,45 @@ ObjectResult<Value> objectOfName(ScriptContext& context, const Value& argument) 
     return context.createObject(object);
 }
 
-ObjectResult<Value> call(ScriptContext& context, const QString& name,
-                         const CallArguments& arguments) {
-    // 1. The function of the current application.
+/// The arguments in the order of the function.
+ObjectResult<ScriptArgument::List> inOrder(ScriptContext& context, const QString& name,
+                                           const Description& description,
+                                           CallArguments arguments) {
+    // The application knows the forms of its functions by itself.
+    if (FunctionParameters::areOrdered(arguments))
+        return std::move(arguments.positional);
+    if (description.isKnown())
+        return FunctionParameters(description.parameters).ordered(context, name, arguments);
+    if (const ObjectResult<void> plain = refuseNamed(name, arguments); !plain)
+        return tl::unexpected(plain.error());
+    return std::move(arguments.positional);
+}
+
+ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArguments arguments) {
+    // 1. The function is looked up in the current application.
     ObjectModel* const model = Inspector::self()->model();
     const QList<const Method*> methods = methodsOf(model, name);
     const Description description = describe(name, methods);
-    const FunctionParameters& parameters = FunctionParameters::of(description.parameters);
-    // 2. The arguments in its order. Only where it is described the names of parameters are known.
-    ObjectResult<ScriptArgument::List> values = arguments.positional;
-    if (description.isKnown())
-        values = parameters.ordered(context, name, arguments);
-    else if (const ObjectResult<void> plain = refuseNamed(name, arguments); !plain)
-        return tl::unexpected(plain.error());
+    // 2. The arguments are brought into its order.
+    ObjectResult<ScriptArgument::List> values =
+        inOrder(context, name, description, std::move(arguments));
     if (!values)
         return tl::unexpected(values.error());
     if (!model)
         return objectError(Kind::Failed, Inspector::noApplicationText);
     if (methods.isEmpty())
         return objectError(Kind::Failed, "The application has no function '" + name + "'");
-    // 3. The object of a name.
-    const bool takesObject =
-        description.isKnown() ? parameters.startWithObject() : seemsToTakeObject(methods);
+    // 3. A name gives way to the object that it finds.
+    const bool takesObject = description.isKnown()
+                                 ? FunctionParameters::startWithObject(description.parameters)
+                                 : seemsToTakeObject(methods);
     if (takesObject && !values->empty()) {
         ObjectResult<Value> object = objectOfName(context, values->front());
         if (!object)
             return object;
         values->front() = *object;
     }
-    // 4. Which of several methods is meant is the application's to say.
+    // 4. The application is called, which chooses among several methods of the name.
     const ObjectResult<ObjectList> objects = objectsOfArguments(name, *values);
     if (!objects)
         return tl::unexpected(objects.error());
@@ -131,12 +141,13 @@ QString globalFunctionHelp(const QString& name) {
 }
 
 ObjectResult<Value> callGlobalFunction(ScriptContext& context, const QString& name,
-                                       const CallArguments& arguments) {
+                                       CallArguments arguments) {
     return askApplication([&] { return name; },
                           [&] {
                               ActionRecord record(&context, name);
                               record.setArguments(arguments.positional, arguments.named);
-                              ObjectResult<Value> result = call(context, name, arguments);
+                              ObjectResult<Value> result =
+                                  call(context, name, std::move(arguments));
                               if (!result)
                                   record.setFailed();
                               return result;

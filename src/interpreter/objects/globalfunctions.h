@@ -26,7 +26,8 @@ TAMRIX_EXPORT QString globalFunctionHelp(const QString& name);
 
 /// Calls the function; a first argument that is an object may be given by its name, for which the
 /// runner waits. The call becomes an action of the results.
-TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> callGlobalFunction(
-    ScriptContext& context, const QString& name, const CallArguments& arguments);
+TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> callGlobalFunction(ScriptContext& context,
+                                                                         const QString& name,
+                                                                         CallArguments arguments);
 
 }  // namespace Tamrix

@@ -4,7 +4,7 @@
 #include <exception>
 
 #include "base/export.h"
-#include "interpreter/bridge/actionrecord.h"
+#include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/remoteobjectmodelholder.h"
 #include "interpreter/bridge/scriptargument.h"
@@ -16,12 +16,6 @@
 namespace Tamrix {
 
 // What all ways from a script to an application's objects have in common. Script thread only.
-
-/// The arguments of a call as the script wrote them. None is a null pointer.
-struct CallArguments {
-    ScriptArgument::List positional;
-    NamedArguments named;
-};
 
 /// Runs `work`, which uses an object and gives an ObjectResult, in the way in which a native
 /// function is run: with the runner's object model taken. A std::exception becomes an error that

@@ -56,6 +56,7 @@ public:
     /// parameters the first.
     QString parameters() const { return m_parameters; }
     QString description() const { return m_description; }
+    bool isDescribed() const { return !m_description.isEmpty(); }
     void describe(const QString& parameters, const QString& description) {
         m_parameters = parameters;
         m_description = description;

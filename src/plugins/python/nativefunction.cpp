@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "interpreter/bridge/callarguments.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
@@ -35,15 +36,10 @@ struct Target {
         NativeScriptType::Constructor constructor;
     };
     QString displayName;
-    QStringList parameters;
-    int requiredCount = 0;
+    Parameters parameters;
     std::string name;
     std::string doc;
     PyMethodDef definition;
-
-    bool isOptional(std::size_t index) const {
-        return int(index) >= requiredCount && int(index) < parameters.size();
-    }
 };
 
 /// The "self" of the function object.
@@ -51,60 +47,23 @@ struct TargetObject {
     PyObject_HEAD const Target* target;
 };
 
-// Arguments by name, and such as are left out
+// Arguments
 
-/// The arguments in the order of the parameters, named ones at their places. One that is left out,
-/// or None where an argument is optional, is null; at the end there are none of these. Throws
-/// PythonErrorSet with a TypeError that names what is wrong.
-class BoundArguments {
-public:
-    BoundArguments(const Target& target, PyObject* const* arguments, Py_ssize_t positional,
-                   PyObject* names)
-        : m_values(arguments, arguments + positional) {
-        const Py_ssize_t named = names ? PyTuple_GET_SIZE(names) : 0;
-        for (Py_ssize_t index = 0; index < named; ++index)
-            bind(target, PyTuple_GET_ITEM(names, index), arguments[positional + index]);
-        for (std::size_t index = 0; index < m_values.size(); ++index) {
-            if (target.isOptional(index) && m_values[index] == Py_None)
-                m_values[index] = nullptr;
-            else if (!m_values[index] && !target.isOptional(index))
-                refuse(target, "needs an argument '%1'", target.parameters.at(int(index)));
-        }
-        while (!m_values.empty() && !m_values.back())
-            m_values.pop_back();
-    }
-
-    PyObject* const* data() const { return m_values.data(); }
-    Py_ssize_t count() const { return static_cast<Py_ssize_t>(m_values.size()); }
-
-private:
-    void bind(const Target& target, PyObject* name, PyObject* value) {
-        const QString text = fromPyString(name);
-        const int place = target.parameters.indexOf(text);
-        if (place < 0)
-            refuse(target, "has no argument '%1'", text);
-        if (place >= int(m_values.size()))
-            m_values.resize(place + 1, nullptr);
-        else if (m_values[place])
-            refuse(target, "got several values for the argument '%1'", text);
-        m_values[place] = value;
-    }
-
-    [[noreturn]] static void refuse(const Target& target, const char* problem,
-                                    const QString& argument) {
-        PyErr_SetString(
-            PyExc_TypeError,
-            (target.displayName + "() " + QString(problem).arg(argument)).toUtf8().constData());
-        throw PythonErrorSet();
-    }
-
-    std::vector<PyObject*> m_values;
-};
+/// Arguments as the script wrote them: `count` without a name, then those of the names.
+CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
+    CallArguments given;
+    for (Py_ssize_t index = 0; index < count; ++index)
+        given.positional.push_back(new PythonArgument(PyRef::borrow(arguments[index])));
+    for (Py_ssize_t index = 0; names && index < PyTuple_GET_SIZE(names); ++index)
+        given.named.emplace_back(fromPyString(PyTuple_GET_ITEM(names, index)),
+                                 new PythonArgument(PyRef::borrow(arguments[count + index])));
+    return given;
+}
 
 /// Whether an argument that may be left out is None.
 bool leavesOut(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
-    const Py_ssize_t end = std::min<Py_ssize_t>(count, target.parameters.size());
-    for (Py_ssize_t index = target.requiredCount; index < end; ++index) {
+    const Py_ssize_t end = std::min<Py_ssize_t>(count, target.parameters.names.size());
+    for (Py_ssize_t index = target.parameters.requiredCount; index < end; ++index) {
         if (arguments[index] == Py_None)
             return true;
     }
@@ -192,8 +151,13 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
             PythonContext::Call call(context, arguments, count);
             return run<kind>(target, *interpreter, call, first);
         }
-        const BoundArguments bound(target, arguments, count, names);
-        PythonContext::Call call(context, bound.data(), bound.count(), names != nullptr);
+        Outcome<ScriptArgument::List> bound = bindArguments(
+            target.displayName, target.parameters, givenArguments(arguments, count, names));
+        if (!bound) {
+            PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
+            return nullptr;
+        }
+        PythonContext::Call call(context, std::move(*bound), names != nullptr);
         return run<kind>(target, *interpreter, call, first);
     } catch (const PythonErrorSet&) {
         return nullptr;
@@ -271,8 +235,8 @@ PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Targe
     target->displayName =
         signature.owner.isEmpty() ? signature.name : signature.owner + "." + signature.name;
     for (const QString& name : signature.required + signature.optional)
-        target->parameters.append(pythonName(name));
-    target->requiredCount = signature.required.size();
+        target->parameters.names.append(pythonName(name));
+    target->parameters.requiredCount = signature.required.size();
     target->name = pythonName(signature.name).toStdString();
     target->doc = docText(signature, target->kind);
     target->definition = {

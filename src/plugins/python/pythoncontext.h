@@ -27,18 +27,18 @@ public:
     /// away at the end.
     class Call {
     public:
-        /// An argument that is null was left out. `areNamed` tells that some were given by name.
-        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count,
-             bool areNamed = false)
+        Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count)
             : m_context(context) {
-            if (context.m_depth++ > 0)
-                keepOuter();
-            context.m_hasNamedArguments = areNamed;
+            enter(false);
             for (Py_ssize_t index = 0; index < count; ++index)
                 context.argumentStorage().push_back(
-                    arguments[index] ? context.takeArgument(PyRef::borrow(arguments[index]))
-                                     : SharedPtr<ScriptArgument>());
-            setCurrent(&context);
+                    context.takeArgument(PyRef::borrow(arguments[index])));
+        }
+        /// An argument that is null was left out. `areNamed` tells that some were given by name.
+        Call(PythonContext& context, ScriptArgument::List arguments, bool areNamed)
+            : m_context(context) {
+            enter(areNamed);
+            context.argumentStorage() = std::move(arguments);
         }
         ~Call() {
             --m_context.m_depth;
@@ -71,6 +71,12 @@ public:
             bool isSkip;
             PyRef result;
         };
+        void enter(bool areNamed) {
+            if (m_context.m_depth++ > 0)
+                keepOuter();
+            m_context.m_hasNamedArguments = areNamed;
+            setCurrent(&m_context);
+        }
         void keepOuter();
         void restoreOuter();
         PyObject* raise();

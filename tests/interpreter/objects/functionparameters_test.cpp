@@ -27,8 +27,6 @@ TEST(FunctionParameters, BringArgumentsIntoTheirOrder) {
         {"", {}, "[]"},
         {"object, text", {{b, text("t")}, {}}, "[b, t]"},
         {"object, text", {{b}, {{"text", text("t")}}}, "[b, t]"},
-        // Where nothing is to be done, the application knows its forms by itself.
-        {"object", {{b, b, b}, {}}, "[b, b, b]"},
         {s_clickParameters, {{b}, {{"modifiers", text("Ctrl")}}}, "[b, left, Ctrl]"},
         {s_clickParameters, {{b}, {{"modifiers", integer(67108864)}}}, "[b, left, int 67108864]"},
         {s_clickParameters,
@@ -69,15 +67,13 @@ TEST(FunctionParameters, BringArgumentsIntoTheirOrder) {
     };
     FakeContext context;
     for (const auto& row : rows) {
-        const auto values =
-            FunctionParameters::of(row.parameters).ordered(context, "f", row.arguments);
+        const auto values = FunctionParameters(row.parameters).ordered(context, "f", row.arguments);
         EXPECT_EQ(values ? written(list(*values)) : errorText(values), row.outcome);
     }
     for (const auto& [parameters, startWithObject] :
          {std::pair("object[, x]", true), std::pair("object", true), std::pair("file", false),
-          std::pair("", false), std::pair("[object]", true), std::pair("objects", false)})
-        EXPECT_EQ(FunctionParameters::of(parameters).startWithObject(), startWithObject)
-            << parameters;
+          std::pair("", false), std::pair("objects", false)})
+        EXPECT_EQ(FunctionParameters::startWithObject(parameters), startWithObject) << parameters;
 }
 
 }  // namespace

@@ -100,7 +100,6 @@ b.tags = []
          "AttributeError: 'Button' has no property or method 'txet'; the nearest: "
          "'text'"},
         {"b.q = 1", "AttributeError: 'Button' has no property or method 'q'"},
-        {"b.geometry = 1", "AttributeError: The property 'geometry' of 'Button' can't be written"},
         {"del b.text", "AttributeError: The property 'text' of 'Button' can't be deleted"},
         {"b.resize = 1", "AttributeError: 'resize' of 'Button' is a method: call it instead"},
         {"b.text = len",
@@ -181,14 +180,10 @@ assert press('a') == 'a' and 'Clicks' in click.__doc__ and click.__name__ == 'cl
     EXPECT_TRUE(runner.calls[0].startsWith("wait for :OK for "));
     EXPECT_TRUE(runner.calls[1].startsWith("wait for {type='Button'} for "));
     s_seen.clear();
+    // By name and with None: what these mean is told below the languages.
     const std::pair<const char*, const char*> named[] = {
-        {"click(b, modifiers='Ctrl')", "QString:left QString:Ctrl"},
         {"click(b, modifiers=0x04000000)", "QString:left int:67108864"},
         {"click(modifiers=1, button=2, object=b)", "QString:right int:1"},
-        {"click(b, 3, 4, modifiers='Alt')", "int:3 int:4 QString:left QString:Alt"},
-        {"click(b, y=4, x=3)", "int:3 int:4"},
-        {"click(b, button=4)", "int:4"},
-        {"click(b, 'right', modifiers='Shift')", "QString:right QString:Shift"},
         {"click(b, None, None, 'right', None)", "QString:right"},
     };
     EXPECT_EQ(run("b = theButton()"), "");
@@ -198,14 +193,6 @@ assert press('a') == 'a' and 'Clicks' in click.__doc__ and click.__name__ == 'cl
     }
     const std::pair<const char*, const char*> refused[] = {
         {"click(b, x=3)", "TypeError: click() needs an argument 'y'"},
-        {"click(button=1)", "TypeError: click() needs an argument 'object'"},
-        {"click(b, colour=1)", "TypeError: click() has no argument 'colour'"},
-        {"click(b, object=b)", "TypeError: click() got several values for the argument 'object'"},
-        {"click(b, button=3, modifiers=1)",
-         "TypeError: click() 3 is no mouse button: 1 is left, 2 right, 4 middle"},
-        {"click(b, 1, 2, 3, 4, 5, modifiers=1)",
-         "TypeError: click() takes (object[, x, y][, button][, modifiers]), not 6 arguments "
-         "without a name"},
         {"lookAt(object=b)", "TypeError: lookAt() takes no named arguments"},
     };
     for (const auto& [code, error] : refused)
@@ -226,7 +213,7 @@ TEST_F(PythonObjects, CallsOfGlobalFunctionsAreActions) {
 click({'type': 'Button'}, 3, 4.5)
 click(theButton())
 own("it's")
-
+click(object=':OK', modifiers=None)
 failed = 0
 try:
     fill(":OK", 'x')
@@ -249,6 +236,7 @@ click(
               "2 click {type='Button'}, 3, 4.5 \n"
               "3 click Button 'ok' \n"
               "4 own \"it's\" \n"
+              "5 click object=\":OK\", modifiers=None \n"
               "8 fill \":OK\", \"x\" failed\n"
               "13 click \":OK\", True ");
 }

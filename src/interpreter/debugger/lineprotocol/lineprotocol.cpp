@@ -9,7 +9,10 @@ namespace Tamrix {
 void LineProtocol::stopped(const ScriptPosition& position, const StopReason& reason) {
     print(std::visit(
         Overloaded{
-            [&](const LineReached&) { return "@" + positionText(position); },
+            [&](const LineReached&) {
+                const std::string text = positionText(position);
+                return "@" + text;
+            },
             [&](const ObjectNotFound& object) {
                 const std::string fields =
                     "@objLookupError " + positionFields(position) + '\t' + escaped(object.name);
@@ -33,7 +36,8 @@ void LineProtocol::stopped(const ScriptPosition& position, const StopReason& rea
 }
 
 void LineProtocol::passed(const ScriptPosition& position) {
-    print("#" + positionText(position));
+    const std::string text = positionText(position);
+    print("#" + text);
 }
 
 void LineProtocol::notify(const QString& key, const QString& value) {
