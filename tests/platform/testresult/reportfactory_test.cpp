@@ -19,16 +19,14 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
     QTemporaryDir directory;
     ASSERT_TRUE(writeFile(directory.filePath("f")));
     const QString blocked = directory.filePath("f/r");
+    const QString known = "console, html, json, junit";
     const struct {
         QString text;
         QString error;
     } rows[] = {
-        {"", "Unknown report format '' in ''; the known ones are console, html, json, junit"},
-        {"htm:x",
-         "Unknown report format 'htm' in 'htm:x'; the known ones are console, html, json, junit"},
-        {"out.xml",
-         "Unknown report format 'out.xml' in 'out.xml'; the known ones are console, html, json, "
-         "junit"},
+        {"", "Unknown report format '' in ''; the known ones are " + known},
+        {"htm:x", "Unknown report format 'htm' in 'htm:x'; the known ones are " + known},
+        {"out.xml", "Unknown report format 'out.xml' in 'out.xml'; the known ones are " + known},
         {"json", "The report format 'json' needs a path: json:PATH"},
         {"junit:", "The report format 'junit' needs a path: junit:PATH"},
         {"junit:" + blocked,
