@@ -27,10 +27,10 @@ struct DataSettings {
 };
 
 Outcome<> readFormat(const QStringList& values, DataSettings& settings) {
-    static const QMap<QString, TableFormat> formats = {
+    static const QMap<QString, TableFormat> s_formats = {
         {"table", TableFormat::Table}, {"csv", TableFormat::Csv}, {"json", TableFormat::Json}};
-    const auto format = formats.constFind(values.constLast());
-    if (format == formats.constEnd())
+    const auto format = s_formats.constFind(values.constLast());
+    if (format == s_formats.constEnd())
         return wrongUsage(
             QStringLiteral("--as takes table, csv or json, not '%1'").arg(values.constLast()));
     settings.format = *format;
