@@ -149,9 +149,8 @@ bool printSet(const TestDataSet& set, TableFormat format) {
 
 int printTestData(const DataSettings& settings) {
     const QString& file = settings.file;
-    const QString problem = TestData::unreadableReason(file);
-    if (!problem.isEmpty())
-        return failWith(QStringLiteral("'%1' can't be read: %2").arg(file, problem));
+    if (const Outcome<> readable = TestData::checkReadable(file); !readable)
+        return failWith(QStringLiteral("'%1' can't be read: %2").arg(file, readable.error().text));
     const QString suffix = QFileInfo(file).suffix();
     const bool isSpreadsheet = suffix == QLatin1String("xls") || suffix == QLatin1String("xlsx");
     if (!settings.sheet.isEmpty() && !isSpreadsheet)

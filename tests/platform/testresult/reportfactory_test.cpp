@@ -42,9 +42,9 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
         {"console:/", "The report '/' can't be written: it is a directory"},
     };
     for (const auto& row : rows) {
-        QString error;
-        EXPECT_EQ(createReportGenerator(row.text, &error), nullptr) << row.text.toStdString();
-        EXPECT_EQ(error, row.error);
+        const auto report = createReportGenerator(row.text);
+        ASSERT_FALSE(report) << row.text.toStdString();
+        EXPECT_EQ(report.error().text, row.error);
     }
 }
 
@@ -54,9 +54,9 @@ TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     CompositeReport all;
     for (const char* text :
          {"json:r/a:b.journal", "html:r/h", "junit:r/j.xml", "console:r/c.txt"}) {
-        QString error;
-        all.append(createReportGenerator(text, &error));
-        EXPECT_EQ(error, QString());
+        auto report = createReportGenerator(text);
+        ASSERT_TRUE(report) << report.error().text.toStdString();
+        all.append(*std::move(report));
     }
     const WorkingDirectory inCase("/");
     addSampleRun(&all);
@@ -73,10 +73,10 @@ TEST(ReportFactory, NamesTheReasonWhenADiskBecomesFull) {
     const QString attached = directory.filePath("attached.txt");
     ASSERT_TRUE(writeFile(attached, QByteArray(9000, 'x')));
     for (const char* format : {"json", "html", "junit", "console"}) {
-        QString error;
         const QString path = directory.filePath(format);
-        const auto report = createReportGenerator(QString(format) + ':' + path, &error);
-        ASSERT_TRUE(report);
+        const auto created = createReportGenerator(QString(format) + ':' + path);
+        ASSERT_TRUE(created);
+        const std::unique_ptr<ReportGenerator>& report = *created;
         {
             const FileSizeLimit full(5000);
             TestResult result(report.get());
@@ -110,9 +110,8 @@ TEST(CompositeReport, TellsFailuresWhenTheyHappenAndGoesOn) {
     QStringList told;
     all.setErrorHandler([&told](const QString& error) { told += error; });
     QTemporaryDir directory;
-    QString error;
     all.append(std::make_unique<Failing>(1));
-    all.append(createReportGenerator("json:" + directory.filePath("j"), &error));
+    all.append(createReportGenerator("json:" + directory.filePath("j")).value());
     all.add({});
     EXPECT_EQ(told, QStringList());
     all.add({});
@@ -134,7 +133,7 @@ TEST(CompositeReport, JoinsErrorsAndOpensVideos) {
     EXPECT_NE(video, nullptr);
 
     for (const char* text : {"json:/dev/full", "junit:/dev/full/x", "console:-"})
-        all.append(createReportGenerator(text, &error));
+        all.append(createReportGenerator(text).value_or(nullptr));
     EXPECT_EQ(all.openVideo("/nowhere/v", &error), nullptr);
     EXPECT_EQ(error, "Opening '/nowhere/v' for writing failed: No such file or directory");
 
