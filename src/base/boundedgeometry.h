@@ -2,7 +2,6 @@
 
 #include <QPoint>
 #include <QRect>
-#include <QSize>
 #include <cmath>
 
 namespace Tamrix {
@@ -23,10 +22,6 @@ inline int boundedInt(double value) {
 
 inline QPoint boundedPoint(const QPointF& point) {
     return {boundedInt(point.x()), boundedInt(point.y())};
-}
-
-inline QSize boundedSize(const QSizeF& size) {
-    return {boundedInt(size.width()), boundedInt(size.height())};
 }
 
 /// The rectangle between the rounded edges.

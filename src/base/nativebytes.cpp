@@ -13,8 +13,8 @@ constexpr int utf8Mib = 106;
 constexpr ushort byteBase = 0xdc00;
 
 QTextCodec* utf8() {
-    static QTextCodec* const codec = QTextCodec::codecForMib(utf8Mib);
-    return codec;
+    static QTextCodec* const s_codec = QTextCodec::codecForMib(utf8Mib);
+    return s_codec;
 }
 
 /// UTF-8 as it stands: no byte order mark is taken off or put in front.

@@ -6,7 +6,7 @@ namespace Tamrix {
 
 const std::vector<XmlOptionDescription>& xmlCompareOptionDescriptions() {
     using Options = XmlCompareOptions;
-    static const std::vector<XmlOptionDescription> table = {
+    static const std::vector<XmlOptionDescription> s_table = {
         {.name = "ignoreNodeOrder", .flag = &Options::ignoreNodeOrder},
         {.name = "ignoreAttributeOrder", .flag = &Options::ignoreAttributeOrder},
         {.name = "ignoreComments", .flag = &Options::ignoreComments},
@@ -21,7 +21,7 @@ const std::vector<XmlOptionDescription>& xmlCompareOptionDescriptions() {
         {.name = "filteredAttributes", .names = &Options::filteredAttributes},
         {.name = "filteredElements", .names = &Options::filteredElements},
     };
-    return table;
+    return s_table;
 }
 
 bool readWhitespaceHandling(const QString& value, bool* normalize, bool* trim) {

@@ -5,10 +5,10 @@
 namespace Tamrix::Test {
 
 QString FakeArgument::typeName() const {
-    static const char* const names[] = {"null",  "bool",    "int",      "double", "string",
-                                        "list",  "map",     "function", "object", "native",
-                                        "table", "context", "class"};
-    return names[m_value.index()];
+    static const char* const s_names[] = {"null",  "bool",    "int",      "double", "string",
+                                          "list",  "map",     "function", "object", "native",
+                                          "table", "context", "class"};
+    return s_names[m_value.index()];
 }
 
 double FakeArgument::toDouble() const {

@@ -11,8 +11,8 @@ namespace Tamrix::Test {
 // "KIND: text", which stands for an exception of a language.
 
 inline QString kindName(ObjectError::Kind kind) {
-    static const char* const names[] = {"no member", "bad argument", "not found", "failed"};
-    return names[static_cast<int>(kind)];
+    static const char* const s_names[] = {"no member", "bad argument", "not found", "failed"};
+    return s_names[static_cast<int>(kind)];
 }
 
 template <typename T>

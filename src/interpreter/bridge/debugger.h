@@ -107,7 +107,6 @@ public:
     /// Whether long searches report their progress with notify(). On for a program, off at a
     /// terminal, which would be flooded.
     bool progressNotification() const { return m_progressNotification; }
-    void setProgressNotification(bool on) { m_progressNotification = on; }
 
     /// The search state behind a not-found stop; not owned.
     void setInternalDebugger(InternalDebugger* debugger) { m_internalDebugger = debugger; }
@@ -168,7 +167,6 @@ protected:
     /// installed brings them up to date here.
     virtual void updateFrames();
 
-    void setStartFlag(bool on) { m_startFlag = on; }
     void clearFrames() { m_frames.clear(); }
 
 private:

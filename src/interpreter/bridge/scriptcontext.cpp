@@ -22,8 +22,8 @@ struct FunctionTables {
 };
 
 FunctionTables& tables() {
-    static FunctionTables instance;
-    return instance;
+    static FunctionTables s_instance;
+    return s_instance;
 }
 
 /// What each call starts with.

@@ -58,8 +58,8 @@ Languages makeLanguages() {
 }
 
 const Languages& languages() {
-    static const Languages rows = makeLanguages();
-    return rows;
+    static const Languages s_rows = makeLanguages();
+    return s_rows;
 }
 
 template <typename Predicate>

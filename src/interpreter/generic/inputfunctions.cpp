@@ -120,7 +120,10 @@ bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArgument
     return true;
 }
 
-void mouseAction(ScriptContext* context, const char* function, bool buttonChange, bool press) {
+enum class MouseAction { Press, Release, Move };
+
+void mouseAction(ScriptContext* context, const char* function, MouseAction action) {
+    const bool buttonChange = action != MouseAction::Move;
     const ActionRecord record(context, function);
     MouseArguments mouse;
     if (!readMouseArguments(context, buttonChange, &mouse))
@@ -130,7 +133,7 @@ void mouseAction(ScriptContext* context, const char* function, bool buttonChange
         return;
     // 4. The runner moves the mouse.
     if (runner->mouseEvent(mouse.target, mouse.mask, mouse.x, mouse.y, mouse.button,
-                           mouse.modifiers, buttonChange, press))
+                           mouse.modifiers, buttonChange, action == MouseAction::Press))
         context->setBoolResult(true);
     else
         context->setError(Inspector::self()->lastError());
@@ -161,15 +164,15 @@ bool keyAction(ScriptContext* context, const char* function, bool press) {
 }  // namespace
 
 void mousePress(ScriptContext* context) {
-    mouseAction(context, "mousePress", true, true);
+    mouseAction(context, "mousePress", MouseAction::Press);
 }
 
 void mouseRelease(ScriptContext* context) {
-    mouseAction(context, "mouseRelease", true, false);
+    mouseAction(context, "mouseRelease", MouseAction::Release);
 }
 
 void mouseMove(ScriptContext* context) {
-    mouseAction(context, "mouseMove", false, false);
+    mouseAction(context, "mouseMove", MouseAction::Move);
 }
 
 bool keyPress(ScriptContext* context) {

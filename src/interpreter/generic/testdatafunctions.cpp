@@ -45,7 +45,7 @@ void giveDataSet(ScriptContext* context, Read read) {
     if (path.isEmpty())
         return;
     // A loop over the empty table of a file that can't be read would pass.
-    TestDataSet* const set = TestData::unreadableReason(path).isEmpty() ? read(path) : nullptr;
+    TestDataSet* const set = TestData::checkReadable(path) ? read(path) : nullptr;
     if (set)
         context->setTestDataSetResult(set);
     else

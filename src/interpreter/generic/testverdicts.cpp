@@ -53,39 +53,40 @@ void logSimpleResult(ScriptContext* context, TestResult::ResultType type) {
     context->setBoolResult(type == TestResult::Pass || type == TestResult::Log);
 }
 
-/// The result types of a verdict: expected ones, and in xMode those of a verdict that is wanted to
-/// fail.
-TestResult::ResultType verdictType(bool passed, bool xMode) {
-    if (xMode)
+/// What the script wants of a verdict.
+enum class Wanted { Pass, Failure };
+
+TestResult::ResultType verdictType(bool passed, Wanted wanted) {
+    if (wanted == Wanted::Failure)
         return passed ? TestResult::UnexpectedPass : TestResult::ExpectedFail;
     return passed ? TestResult::Pass : TestResult::Fail;
 }
 
 /// The second half of verify and compare: result, failure action, bool result.
-void finishVerdict(ScriptContext* context, bool passed, bool xMode, const QString& message,
+void finishVerdict(ScriptContext* context, bool passed, Wanted wanted, const QString& message,
                    const QString& detail, const QString& comment,
                    const QString& explanation = QString()) {
-    addScriptResult(context, verdictType(passed, xMode), message, detail, comment, explanation);
-    const bool wanted = !xMode;
-    if (passed != wanted && failureAction(context, message, detail, comment))
+    addScriptResult(context, verdictType(passed, wanted), message, detail, comment, explanation);
+    if (passed != (wanted == Wanted::Pass) && failureAction(context, message, detail, comment))
         return;
     context->setBoolResult(passed);
 }
 
-void verify(ScriptContext* context, bool xMode) {
+void verify(ScriptContext* context, Wanted wanted) {
     const int count = context->argumentCount();
     if (count < 1 || count > 2) {
-        context->setError(QString(xMode ? "xverify" : "verify") + "() expects 1-2 arguments");
+        context->setError(QString(wanted == Wanted::Pass ? "verify" : "xverify") +
+                          "() expects 1-2 arguments");
         return;
     }
     const QString comment = optionalText(context, 1);
     const bool passed = context->isTrue(context->argument(0));
     // At once: what it tells of may change.
-    const bool isFailure = passed == xMode;
+    const bool isFailure = passed != (wanted == Wanted::Pass);
     const QString explanation = isFailure ? context->explainArgument("condition") : QString();
     const QString message =
-        (passed ? "Verified" : "Not verified") + screenshotForResult(verdictType(passed, xMode));
-    finishVerdict(context, passed, xMode, message, passed ? "True expression" : "False expression",
+        (passed ? "Verified" : "Not verified") + screenshotForResult(verdictType(passed, wanted));
+    finishVerdict(context, passed, wanted, message, passed ? "True expression" : "False expression",
                   comment, explanation);
 }
 
@@ -102,10 +103,11 @@ QString comparisonDetail(const SharedPtr<ScriptArgument>& left,
     return QStringLiteral("'%1' and '%2' are not equal").arg(leftText, rightText);
 }
 
-void compare(ScriptContext* context, bool xMode) {
+void compare(ScriptContext* context, Wanted wanted) {
     const int count = context->argumentCount();
     if (count < 2 || count > 3) {
-        context->setError(QString(xMode ? "xcompare" : "compare") + "() expects 2-3 arguments");
+        context->setError(QString(wanted == Wanted::Pass ? "compare" : "xcompare") +
+                          "() expects 2-3 arguments");
         return;
     }
     // The language's comparison may run script code: the arguments are held here.
@@ -113,9 +115,9 @@ void compare(ScriptContext* context, bool xMode) {
     const SharedPtr<ScriptArgument> right = context->argument(1);
     const QString comment = optionalText(context, 2);
     const bool passed = context->valuesEqual(left, right);
-    const QString message = "Comparison" + screenshotForResult(verdictType(passed, xMode));
-    const bool isFailure = !passed && !xMode;
-    finishVerdict(context, passed, xMode, message, comparisonDetail(left, right, passed), comment,
+    const QString message = "Comparison" + screenshotForResult(verdictType(passed, wanted));
+    const bool isFailure = !passed && wanted == Wanted::Pass;
+    finishVerdict(context, passed, wanted, message, comparisonDetail(left, right, passed), comment,
                   isFailure ? explainDifference(left->toString(), right->toString()) : QString());
 }
 
@@ -154,19 +156,19 @@ void testSkip(ScriptContext* context) {
 }
 
 void testVerify(ScriptContext* context) {
-    verify(context, false);
+    verify(context, Wanted::Pass);
 }
 
 void testXVerify(ScriptContext* context) {
-    verify(context, true);
+    verify(context, Wanted::Failure);
 }
 
 void testCompare(ScriptContext* context) {
-    compare(context, false);
+    compare(context, Wanted::Pass);
 }
 
 void testXCompare(ScriptContext* context) {
-    compare(context, true);
+    compare(context, Wanted::Failure);
 }
 
 void testException(ScriptContext* context) {
@@ -181,7 +183,7 @@ void testException(ScriptContext* context) {
     const auto [passText, failText] = context->evaluateForException(context->argument(0));
     const bool passed = failText.isEmpty();
     // 3. The verdict
-    const TestResult::ResultType type = verdictType(passed, false);
+    const TestResult::ResultType type = verdictType(passed, Wanted::Pass);
     const QString message = "Exception" + screenshotForResult(type);
     const QString detail = passed ? passText : failText;
     // 4. becomes a result,

@@ -47,10 +47,10 @@ bool isScriptValue(const QVariant& value) {
 
 /// Names of the types whose values a script's value is turned into.
 bool isIntegerType(const QString& typeName) {
-    static const QStringList names = {"int",      "uint",      "qlonglong", "qulonglong", "long",
-                                      "ulong",    "short",     "ushort",    "char",       "uchar",
-                                      "longlong", "ulonglong", "qint64",    "quint64"};
-    return names.contains(typeName);
+    static const QStringList s_names = {"int",      "uint",      "qlonglong", "qulonglong", "long",
+                                        "ulong",    "short",     "ushort",    "char",       "uchar",
+                                        "longlong", "ulonglong", "qint64",    "quint64"};
+    return s_names.contains(typeName);
 }
 
 bool isFloatType(const QString& typeName) {

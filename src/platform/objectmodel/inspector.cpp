@@ -22,8 +22,8 @@ constexpr struct {
 const QString Inspector::noApplicationText = QStringLiteral("No application is connected");
 
 Inspector* Inspector::self() {
-    static Inspector inspector;
-    return &inspector;
+    static Inspector s_inspector;
+    return &s_inspector;
 }
 
 template <typename Ask>

@@ -201,8 +201,8 @@ QString newSymbolicName(const ObjectName& name, const QMap<QString, ObjectName>&
 }  // namespace
 
 ObjectMap* ObjectMap::self() {
-    static ObjectMap map;
-    return &map;
+    static ObjectMap s_map;
+    return &s_map;
 }
 
 ObjectName ObjectMap::objectName(const QString& name) {

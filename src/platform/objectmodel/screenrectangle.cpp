@@ -8,8 +8,8 @@ namespace Tamrix {
 namespace {
 
 const QString& screenRectangleName() {
-    static const QString name = QStringLiteral("ScreenRectangle");
-    return name;
+    static const QString s_name = QStringLiteral("ScreenRectangle");
+    return s_name;
 }
 
 }  // namespace

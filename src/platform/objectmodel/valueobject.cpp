@@ -29,13 +29,13 @@ struct ValueType {
 };
 
 const std::vector<ReadableProperty>& rectangleProperties() {
-    static const std::vector<ReadableProperty> properties = {
+    static const std::vector<ReadableProperty> s_properties = {
         {"x", "int", [](const QVariant& v) { return QVariant(v.toRect().x()); }},
         {"y", "int", [](const QVariant& v) { return QVariant(v.toRect().y()); }},
         {"width", "int", [](const QVariant& v) { return QVariant(v.toRect().width()); }},
         {"height", "int", [](const QVariant& v) { return QVariant(v.toRect().height()); }},
     };
-    return properties;
+    return s_properties;
 }
 
 QColor colour(const QVariant& value) {
@@ -45,7 +45,7 @@ QColor colour(const QVariant& value) {
 /// The types of values: which variants are of them, and what testers read on them.
 const std::vector<ValueType>& valueTypes() {
     using Type = QMetaType;
-    static const std::vector<ValueType> types = {
+    static const std::vector<ValueType> s_types = {
         {"void", {Type::UnknownType, Type::Void, Type::Nullptr}, {}},
         {"bool", {Type::Bool}, {}},
         {"int",
@@ -91,12 +91,12 @@ const std::vector<ValueType>& valueTypes() {
           {"blue", "int", [](const QVariant& v) { return QVariant(colour(v).blue()); }},
           {"alpha", "int", [](const QVariant& v) { return QVariant(colour(v).alpha()); }}}},
     };
-    return types;
+    return s_types;
 }
 
 /// One class for each of the types above, in their order.
 const std::vector<std::unique_ptr<Class>>& valueClasses() {
-    static const std::vector<std::unique_ptr<Class>> classes = [] {
+    static const std::vector<std::unique_ptr<Class>> s_classes = [] {
         std::vector<std::unique_ptr<Class>> made;
         for (const ValueType& type : valueTypes()) {
             made.push_back(std::make_unique<Class>(QLatin1String(type.className)));
@@ -107,7 +107,7 @@ const std::vector<std::unique_ptr<Class>>& valueClasses() {
         }
         return made;
     }();
-    return classes;
+    return s_classes;
 }
 
 /// Null for a variant of none of the types.

@@ -13,41 +13,43 @@ namespace Tamrix {
 
 namespace {
 
-using Generator = std::unique_ptr<ReportGenerator>;
+using Generator = Outcome<std::unique_ptr<ReportGenerator>>;
 
-Generator createConsoleReport(const QString& path, ConsoleReport::Verbosity verbosity,
-                              QString* error) {
+Generator createConsoleReport(const ReportDescription& description,
+                              ConsoleReport::Verbosity verbosity) {
     auto file = std::make_unique<QFile>();
     bool isOpen = false;
-    if (path.isEmpty() || path == QLatin1String("-")) {
+    if (description.isStandardOutput()) {
         file->setFileName(QStringLiteral("standard output"));
         isOpen = file->open(stdout, QIODevice::WriteOnly);
     } else {
-        file->setFileName(prepareReportTarget(path, error));
-        if (!error->isEmpty())
-            return nullptr;
+        QString error;
+        file->setFileName(prepareReportTarget(description.path, &error));
+        if (!error.isEmpty())
+            return fail(FailureKind::Failed, error);
         isOpen = file->open(QIODevice::WriteOnly);
     }
     if (!isOpen) {
-        *error = QStringLiteral("The report '%1' can't be written: %2")
-                     .arg(file->fileName(), file->errorString());
-        return nullptr;
+        return fail(FailureKind::Failed, QStringLiteral("The report '%1' can't be written: %2")
+                                             .arg(file->fileName(), file->errorString()));
     }
     return std::make_unique<ConsoleReport>(std::move(file), verbosity, false);
 }
 
 /// A generator that tells at once when its file can't be written.
 template <typename Report>
-Generator createFileReport(const QString& path, ConsoleReport::Verbosity, QString* error) {
-    auto report = std::make_unique<Report>(path);
-    *error = report->errorText();
-    return error->isEmpty() ? std::move(report) : nullptr;
+Generator createFileReport(const ReportDescription& description, ConsoleReport::Verbosity) {
+    auto report = std::make_unique<Report>(description.path);
+    const QString error = report->errorText();
+    if (!error.isEmpty())
+        return fail(FailureKind::Failed, error);
+    return report;
 }
 
 struct Format {
     const char* name;
     bool needsPath;
-    Generator (*create)(const QString& path, ConsoleReport::Verbosity verbosity, QString* error);
+    Generator (*create)(const ReportDescription& description, ConsoleReport::Verbosity verbosity);
 };
 
 const Format formats[] = {
@@ -67,32 +69,33 @@ const Format* findFormat(const QString& name) {
 
 }  // namespace
 
-QString parseReportDescription(const QString& text, ReportDescription* description) {
+Outcome<ReportDescription> parseReportDescription(const QString& text) {
     const int colon = text.indexOf(QLatin1Char(':'));
-    description->format = text.left(colon);
-    description->path = colon < 0 ? QString() : text.mid(colon + 1);
+    ReportDescription description{text.left(colon), colon < 0 ? QString() : text.mid(colon + 1)};
 
-    const Format* format = findFormat(description->format);
+    const Format* format = findFormat(description.format);
     if (!format) {
         QStringList names;
         for (const Format& known : formats)
             names += QLatin1String(known.name);
-        return QStringLiteral("Unknown report format '%1' in '%2'; the known ones are %3")
-            .arg(description->format, text, names.join(QLatin1String(", ")));
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("Unknown report format '%1' in '%2'; the known ones are %3")
+                        .arg(description.format, text, names.join(QLatin1String(", "))));
     }
-    if (format->needsPath && description->path.isEmpty())
-        return QStringLiteral("The report format '%1' needs a path: %1:PATH")
-            .arg(description->format);
-    return QString();
+    if (format->needsPath && description.path.isEmpty()) {
+        return fail(
+            FailureKind::BadArgument,
+            QStringLiteral("The report format '%1' needs a path: %1:PATH").arg(description.format));
+    }
+    return description;
 }
 
-std::unique_ptr<ReportGenerator> createReportGenerator(const QString& text, QString* error,
-                                                       ConsoleReport::Verbosity verbosity) {
-    ReportDescription description;
-    *error = parseReportDescription(text, &description);
-    if (!error->isEmpty())
-        return nullptr;
-    return findFormat(description.format)->create(description.path, verbosity, error);
+Outcome<std::unique_ptr<ReportGenerator>> createReportGenerator(
+    const QString& text, ConsoleReport::Verbosity verbosity) {
+    const Outcome<ReportDescription> description = parseReportDescription(text);
+    if (!description)
+        return fail(description.error());
+    return findFormat(description->format)->create(*description, verbosity);
 }
 
 }  // namespace Tamrix

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/export.h"
+#include "base/outcome.h"
 #include "platform/testresult/consolereport.h"
 #include "platform/testresult/reportgenerator.h"
 
@@ -13,14 +14,16 @@ namespace Tamrix {
 struct ReportDescription {
     QString format;
     QString path;
+
+    bool isStandardOutput() const { return path.isEmpty() || path == QLatin1String("-"); }
 };
 
-/// Takes a "FORMAT:PATH" apart. Returns an error text, empty on success: an unknown format, or a
-/// missing path where the format needs one. Does not touch the file.
-TAMRIX_EXPORT QString parseReportDescription(const QString& text, ReportDescription* description);
+/// Takes a "FORMAT:PATH" apart. Fails for an unknown format, or a missing path where the format
+/// needs one. Does not touch the file.
+TAMRIX_EXPORT Outcome<ReportDescription> parseReportDescription(const QString& text);
 
-/// Makes the report generator that a "FORMAT:PATH" names; null with `*error` set when the
-/// description is wrong or the file can't be written.
+/// Makes the report generator that a "FORMAT:PATH" names. Fails when the description is wrong or
+/// the file can't be written.
 ///
 ///     console        on standard output; also "console:" and "console:-"
 ///     console:PATH   the same text in a file
@@ -29,8 +32,7 @@ TAMRIX_EXPORT QString parseReportDescription(const QString& text, ReportDescript
 ///     junit:PATH     JUnit XML, written at the end
 ///
 /// `verbosity` concerns the console format, which is written without colour.
-TAMRIX_EXPORT std::unique_ptr<ReportGenerator> createReportGenerator(
-    const QString& text, QString* error,
-    ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal);
+TAMRIX_EXPORT Outcome<std::unique_ptr<ReportGenerator>> createReportGenerator(
+    const QString& text, ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal);
 
 }  // namespace Tamrix

@@ -56,12 +56,12 @@ void publish(PythonInterpreter& interpreter, const QString& name) {
 }  // namespace
 
 bool addGlobalFunctionType(PyObject* module) {
-    static PyGetSetDef attributes[] = {{"__name__", functionName, nullptr, nullptr, nullptr},
-                                       {"__doc__", functionDoc, nullptr, nullptr, nullptr},
-                                       {nullptr, nullptr, nullptr, nullptr, nullptr}};
+    static PyGetSetDef s_attributes[] = {{"__name__", functionName, nullptr, nullptr, nullptr},
+                                         {"__doc__", functionDoc, nullptr, nullptr, nullptr},
+                                         {nullptr, nullptr, nullptr, nullptr, nullptr}};
     const PyType_Slot slots[] = {{Py_tp_call, reinterpret_cast<void*>(callGlobal)},
                                  {Py_tp_repr, reinterpret_cast<void*>(functionRepr)},
-                                 {Py_tp_getset, attributes},
+                                 {Py_tp_getset, s_attributes},
                                  {0, nullptr}};
     PyTypeObject* const type = GlobalFunctionHolder::makeType("tamrix.GlobalFunction", slots);
     return type && PyModule_AddType(module, type) == 0;

@@ -17,8 +17,8 @@ struct NativeClass {
 
 /// By type identifier. The classes live for the process: their objects may outlive a test case.
 QMap<void*, NativeClass>& classes() {
-    static auto* const instance = new QMap<void*, NativeClass>;
-    return *instance;
+    static auto* const s_instance = new QMap<void*, NativeClass>;
+    return *s_instance;
 }
 
 void setItem(const PyRef& dictionary, const QString& name, const PyRef& value) {
@@ -57,14 +57,14 @@ int setClassAttribute(PyObject* pythonClass, PyObject* name, PyObject* value) {
 
 /// The class of the class objects, base of those that have static properties.
 PyObject* baseMetaclass() {
-    static PyObject* const metaclass = [] {
+    static PyObject* const s_metaclass = [] {
         PyType_Slot slots[] = {{Py_tp_setattro, reinterpret_cast<void*>(setClassAttribute)},
                                {0, nullptr}};
         PyType_Spec definition{"tamrix.NativeClass", 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE,
                                slots};
         return PyType_FromSpecWithBases(&definition, reinterpret_cast<PyObject*>(&PyType_Type));
     }();
-    return metaclass;
+    return s_metaclass;
 }
 
 /// The class's attributes: constructor, methods, static methods, properties.
@@ -125,7 +125,7 @@ PyTypeObject* pythonClassOf(void* typeId) {
             return reinterpret_cast<PyTypeObject*>(found->pythonClass.get());
         typeId = found->super;
     }
-    return NativeHolder::type;
+    return NativeHolder::s_type;
 }
 
 }  // namespace
@@ -143,7 +143,7 @@ PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType&
         NativeClass& entry = classes()[typeId];
         entry.super = type.super();
         auto* const base = reinterpret_cast<PyObject*>(type.super() ? pythonClassOf(type.super())
-                                                                    : NativeHolder::type);
+                                                                    : NativeHolder::s_type);
         const PyRef metaclass = makeMetaclass(name, type, Py_TYPE(base));
         const PyRef attributes = classNamespace(name, type);
         const PyRef pyName = checked(toPyString(name).release());
@@ -156,7 +156,7 @@ PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType&
 }
 
 PyRef wrapNative(SharedPtr<NativeScriptObject> object) {
-    PyTypeObject* const type = object ? pythonClassOf(object->typeId()) : NativeHolder::type;
+    PyTypeObject* const type = object ? pythonClassOf(object->typeId()) : NativeHolder::s_type;
     return NativeHolder::wrap(std::move(object), type);
 }
 

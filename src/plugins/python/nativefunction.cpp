@@ -115,7 +115,8 @@ bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t cou
                 return false;
             }
             if (given && PyType_Check(arguments[0]) &&
-                PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(arguments[0]), NativeHolder::type))
+                PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(arguments[0]),
+                                 NativeHolder::s_type))
                 return true;
             break;
         default:
@@ -191,15 +192,15 @@ Entry entryOf(Kind kind) {
 // Function objects
 
 PyTypeObject* targetType() {
-    static PyTypeObject* type = nullptr;
-    if (!type) {
+    static PyTypeObject* s_type = nullptr;
+    if (!s_type) {
         PyType_Slot slots[] = {{Py_tp_doc, const_cast<char*>("A function of the test system")},
                                {0, nullptr}};
         PyType_Spec definition{"tamrix.NativeFunction", sizeof(TargetObject), 0,
                                Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-        type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
+        s_type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
     }
-    return type;
+    return s_type;
 }
 
 /// The text from which Python makes signature and help.
@@ -218,8 +219,8 @@ std::string docText(const NativeSignature& signature, Kind kind) {
 
 /// All targets, by what makes them different.
 QHash<QString, PyRef>& functionObjects() {
-    static auto* const instance = new QHash<QString, PyRef>;
-    return *instance;
+    static auto* const s_instance = new QHash<QString, PyRef>;
+    return *s_instance;
 }
 
 PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Target> target,
@@ -262,7 +263,7 @@ PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Targe
 }  // namespace
 
 QString pythonName(const QString& name) {
-    static const QStringList keywords = [] {
+    static const QStringList s_keywords = [] {
         QStringList found;
         const PyRef module = checked(PyImport_ImportModule("keyword"));
         const PyRef list = checked(PyObject_GetAttrString(module.get(), "kwlist"));
@@ -270,7 +271,7 @@ QString pythonName(const QString& name) {
             found.append(fromPyString(PyList_GET_ITEM(list.get(), index)));
         return found;
     }();
-    return keywords.contains(name) ? name + '_' : name;
+    return s_keywords.contains(name) ? name + '_' : name;
 }
 
 bool isNativeFunction(PyObject* object) {

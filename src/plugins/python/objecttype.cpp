@@ -95,13 +95,13 @@ int objectTruth(PyObject* self) {
 }  // namespace
 
 bool addObjectType(PyObject* module) {
-    static PyMethodDef methods[] = {
+    static PyMethodDef s_methods[] = {
         {"__dir__", listAttributes, METH_NOARGS, "The object's properties and methods"},
         {nullptr, nullptr, 0, nullptr}};
     const PyType_Slot slots[] = {
         {Py_tp_getattro, slot(getAttribute)},
         {Py_tp_setattro, slot(setAttribute)},
-        {Py_tp_methods, methods},
+        {Py_tp_methods, s_methods},
         {Py_tp_repr, slot(objectRepr)},
         {Py_tp_richcompare, slot(objectCompare)},
         {Py_tp_hash, slot(objectHash)},

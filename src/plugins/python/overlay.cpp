@@ -100,7 +100,7 @@ PyObject* listAttributes(PyObject* self, PyObject*) {
 }
 
 bool makeOverlayType() {
-    static PyMethodDef methods[] = {
+    static PyMethodDef s_methods[] = {
         {"__mro_entries__", baseClasses, METH_O, "What derived classes derive from"},
         {"__instancecheck__", checkInstance, METH_O, "isinstance()"},
         {"__subclasscheck__", checkSubclass, METH_O, "issubclass()"},
@@ -114,7 +114,7 @@ bool makeOverlayType() {
                            {Py_tp_hash, slot(hash)},
                            {Py_tp_richcompare, slot(compare)},
                            {Py_nb_or, slot(unionOf)},
-                           {Py_tp_methods, methods},
+                           {Py_tp_methods, s_methods},
                            {0, nullptr}};
     PyType_Spec definition{"tamrix.Namespace", sizeof(OverlayObject), 0,
                            Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
@@ -140,7 +140,7 @@ PyObject* prepareModule(PyObject*, PyObject* module) {
 /// Every module that comes from a source file passes here before it runs. What tells the suite's
 /// files from others is imported first: it can't be told while it is being imported.
 bool hookIntoImport() {
-    static PyMethodDef prepare = {"prepareModule", prepareModule, METH_O, nullptr};
+    static PyMethodDef s_prepare = {"prepareModule", prepareModule, METH_O, nullptr};
     static constexpr const char* hook = R"py(
 import sysconfig
 sysconfig.get_paths()
@@ -152,7 +152,7 @@ def hook(prepare, run=SourceFileLoader.exec_module):
     SourceFileLoader.exec_module = exec_module
 hook(prepare)
 )py";
-    const PyRef function = PyRef::steal(PyCFunction_New(&prepare, nullptr));
+    const PyRef function = PyRef::steal(PyCFunction_New(&s_prepare, nullptr));
     const PyRef names = PyRef::steal(PyDict_New());
     if (!function || !names || PyDict_SetItemString(names.get(), "prepare", function.get()) < 0 ||
         PyDict_SetItemString(names.get(), "__builtins__", PyEval_GetBuiltins()) < 0)

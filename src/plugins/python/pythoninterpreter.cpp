@@ -55,7 +55,7 @@ void raiseNul(PyObject* file, int line) {
 
 /// The Python class that stands for a class of the library with member functions.
 PyTypeObject* classOfMembers(const QString& className) {
-    return className == "ApplicationContext" ? ApplicationContextHolder::type : nullptr;
+    return className == "ApplicationContext" ? ApplicationContextHolder::s_type : nullptr;
 }
 
 }  // namespace

@@ -152,8 +152,8 @@ void restoreDictionary(PyObject* dictionary, PyObject* snapshot) {
 
 PythonRuntime& PythonRuntime::self() {
     // Never destroyed: objects of Python live on after static destruction has begun.
-    static auto* const instance = new PythonRuntime;
-    return *instance;
+    static auto* const s_instance = new PythonRuntime;
+    return *s_instance;
 }
 
 PythonRuntime::PythonRuntime() {

@@ -71,18 +71,18 @@ PyObject* bufferProperty(PyObject*, void*) {
 /// A text stream of one of the two kinds.
 template <ScriptOutput::Stream stream>
 PyRef makeStream(const char* typeName) {
-    static PyMethodDef methods[] = {
+    static PyMethodDef s_methods[] = {
         {"write", writeMethod<stream>, METH_O, "Writes text to the test results"},
         {"flush", flushMethod, METH_NOARGS, "Passes on a line that is not whole yet"},
         {"fileno", filenoMethod<stream>, METH_NOARGS, "Descriptor of the process's own stream"},
         {"writable", trueMethod, METH_NOARGS, "True"},
         {"isatty", falseMethod, METH_NOARGS, "False"},
         {nullptr, nullptr, 0, nullptr}};
-    static PyGetSetDef properties[] = {
+    static PyGetSetDef s_properties[] = {
         {"encoding", encodingProperty, nullptr, "utf-8", nullptr},
         {"buffer", bufferProperty<stream>, nullptr, "The process's own binary stream", nullptr},
         {nullptr, nullptr, nullptr, nullptr, nullptr}};
-    PyType_Slot slots[] = {{Py_tp_methods, methods}, {Py_tp_getset, properties}, {0, nullptr}};
+    PyType_Slot slots[] = {{Py_tp_methods, s_methods}, {Py_tp_getset, s_properties}, {0, nullptr}};
     PyType_Spec definition{typeName, 0, 0, Py_TPFLAGS_DEFAULT, slots};
     const PyRef io = PyRef::steal(PyImport_ImportModule("io"));
     const PyRef base = PyRef::steal(io ? PyObject_GetAttrString(io.get(), "TextIOBase") : nullptr);

@@ -127,12 +127,12 @@ PyTypeObject* makeRecordType() {
 }
 
 PyTypeObject* makeLocationType() {
-    static PyStructSequence_Field fields[] = {{"fileName", "Path of the script file"},
-                                              {"line", "Line, counted from 1"},
-                                              {nullptr, nullptr}};
-    static PyStructSequence_Desc description{"tamrix.Location", "A position in a script", fields,
-                                             2};
-    return PyStructSequence_NewType(&description);
+    static PyStructSequence_Field s_fields[] = {{"fileName", "Path of the script file"},
+                                                {"line", "Line, counted from 1"},
+                                                {nullptr, nullptr}};
+    static PyStructSequence_Desc s_description{"tamrix.Location", "A position in a script",
+                                               s_fields, 2};
+    return PyStructSequence_NewType(&s_description);
 }
 
 }  // namespace

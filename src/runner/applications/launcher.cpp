@@ -6,8 +6,8 @@
 namespace Tamrix {
 
 const QList<const Launcher*>& Launcher::all() {
-    static const QList<const Launcher*> launchers = {&pluginLauncher(), &preloadLauncher()};
-    return launchers;
+    static const QList<const Launcher*> s_launchers = {&pluginLauncher(), &preloadLauncher()};
+    return s_launchers;
 }
 
 const Launcher* Launcher::find(const QString& name) {

@@ -29,8 +29,8 @@ public:
 }  // namespace
 
 const Launcher& pluginLauncher() {
-    static const PluginLauncher launcher;
-    return launcher;
+    static const PluginLauncher s_launcher;
+    return s_launcher;
 }
 
 }  // namespace Tamrix

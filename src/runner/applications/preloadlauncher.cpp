@@ -23,8 +23,8 @@ public:
 }  // namespace
 
 const Launcher& preloadLauncher() {
-    static const PreloadLauncher launcher;
-    return launcher;
+    static const PreloadLauncher s_launcher;
+    return s_launcher;
 }
 
 }  // namespace Tamrix

@@ -23,11 +23,11 @@ struct CompareSettings {
 };
 
 Outcome<> readArguments(const CommandArguments& arguments, CompareSettings& settings) {
-    static const QMap<QString, Comparison> kinds = {
+    static const QMap<QString, Comparison> s_kinds = {
         {"text", Comparison::Text}, {"json", Comparison::Json}, {"xml", Comparison::Xml}};
     const QString& name = arguments.own.at(0);
-    const auto kind = kinds.constFind(name);
-    if (kind == kinds.constEnd())
+    const auto kind = s_kinds.constFind(name);
+    if (kind == s_kinds.constEnd())
         return wrongUsage(QStringLiteral("compare takes text, json or xml, not '%1'").arg(name));
     settings.comparison = *kind;
     settings.expected = arguments.own.at(1);

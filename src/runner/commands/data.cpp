@@ -27,10 +27,10 @@ struct DataSettings {
 };
 
 Outcome<> readFormat(const QStringList& values, DataSettings& settings) {
-    static const QMap<QString, TableFormat> formats = {
+    static const QMap<QString, TableFormat> s_formats = {
         {"table", TableFormat::Table}, {"csv", TableFormat::Csv}, {"json", TableFormat::Json}};
-    const auto format = formats.constFind(values.constLast());
-    if (format == formats.constEnd())
+    const auto format = s_formats.constFind(values.constLast());
+    if (format == s_formats.constEnd())
         return wrongUsage(
             QStringLiteral("--as takes table, csv or json, not '%1'").arg(values.constLast()));
     settings.format = *format;
@@ -149,9 +149,8 @@ bool printSet(const TestDataSet& set, TableFormat format) {
 
 int printTestData(const DataSettings& settings) {
     const QString& file = settings.file;
-    const QString problem = TestData::unreadableReason(file);
-    if (!problem.isEmpty())
-        return failWith(QStringLiteral("'%1' can't be read: %2").arg(file, problem));
+    if (const Outcome<> readable = TestData::checkReadable(file); !readable)
+        return failWith(QStringLiteral("'%1' can't be read: %2").arg(file, readable.error().text));
     const QString suffix = QFileInfo(file).suffix();
     const bool isSpreadsheet = suffix == QLatin1String("xls") || suffix == QLatin1String("xlsx");
     if (!settings.sheet.isEmpty() && !isSpreadsheet)

@@ -29,9 +29,8 @@ Outcome<> readArguments(const CommandArguments& arguments, ReportSettings& setti
 
 /// Whether a report would write over the journal that it is made from.
 bool overwritesJournal(const QString& description, const QString& journal) {
-    ReportDescription report;
-    parseReportDescription(description, &report);
-    return !report.path.isEmpty() && isSameFile(report.path, journal);
+    const Outcome<ReportDescription> report = parseReportDescription(description);
+    return report && !report->path.isEmpty() && isSameFile(report->path, journal);
 }
 
 int makeReports(const ReportSettings& settings) {

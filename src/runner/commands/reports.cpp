@@ -1,7 +1,5 @@
 #include "runner/commands/reports.h"
 
-#include <memory>
-
 #include "platform/testresult/compositereport.h"
 #include "platform/testresult/reportfactory.h"
 #include "runner/commands/option.h"
@@ -12,14 +10,12 @@ namespace Tamrix {
 
 Outcome<> addReports(const QStringList& descriptions, QStringList* reports) {
     for (const QString& report : descriptions) {
-        ReportDescription description;
-        const QString problem = parseReportDescription(report, &description);
-        if (!problem.isEmpty())
-            return wrongUsage(problem);
+        const Outcome<ReportDescription> description = parseReportDescription(report);
+        if (!description)
+            return wrongUsage(description.error().text);
         for (const QString& other : qAsConst(*reports)) {
-            ReportDescription otherDescription;
-            parseReportDescription(other, &otherDescription);
-            if (isSameFile(description.path, otherDescription.path)) {
+            const Outcome<ReportDescription> earlier = parseReportDescription(other);
+            if (earlier && isSameFile(description->path, earlier->path)) {
                 return wrongUsage(QStringLiteral("the reports '%1' and '%2' have the same path")
                                       .arg(other, report));
             }
@@ -32,11 +28,10 @@ Outcome<> addReports(const QStringList& descriptions, QStringList* reports) {
 Outcome<> openReports(const QStringList& descriptions, CompositeReport& reports) {
     reports.setErrorHandler([](const QString& error) { tell(error); });
     for (const QString& description : descriptions) {
-        QString error;
-        std::unique_ptr<ReportGenerator> report = createReportGenerator(description, &error);
+        auto report = createReportGenerator(description);
         if (!report)
-            return fail(FailureKind::Failed, error);
-        reports.append(std::move(report));
+            return fail(report.error());
+        reports.append(*std::move(report));
     }
     return {};
 }

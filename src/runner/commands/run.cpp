@@ -52,9 +52,8 @@ Outcome<> readResultDirectory(const QStringList& values, RunSettings& settings) 
 }
 
 bool isStandardOutput(const QString& report) {
-    ReportDescription description;
-    return parseReportDescription(report, &description).isEmpty() &&
-           (description.path.isEmpty() || description.path == QLatin1String("-"));
+    const Outcome<ReportDescription> description = parseReportDescription(report);
+    return description && description->isStandardOutput();
 }
 
 Outcome<> readArguments(const CommandArguments& arguments, RunSettings& settings) {

@@ -78,9 +78,9 @@ void handle(int signal, siginfo_t* info, void* context) {
         ::_exit(Interrupt::exitCode(s_firstSignal));
     }
     if (count == patience - 1) {
-        static const char text[] = "\ntamrixrunner: interrupt once more to end at once\n";
+        static const char s_text[] = "\ntamrixrunner: interrupt once more to end at once\n";
         // Nothing can be done about a text that can't be written.
-        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, sizeof text - 1);
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, s_text, sizeof s_text - 1);
     }
     for (const Watched& watched : s_watched) {
         if (watched.signal == signal && isFunction(watched.previous)) {

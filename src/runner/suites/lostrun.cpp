@@ -80,20 +80,20 @@ private:
 };
 
 bool writesToStandardOutput(const QString& description) {
-    ReportDescription report;
-    parseReportDescription(description, &report);
-    return report.path.isEmpty() || report.path == QLatin1String("-");
+    const Outcome<ReportDescription> report = parseReportDescription(description);
+    return report && report->isStandardOutput();
 }
 
 }  // namespace
 
 RunJournal::RunJournal(const QStringList& reports) {
     for (const QString& description : reports) {
-        ReportDescription report;
-        parseReportDescription(description, &report);
-        const QFileInfo file(report.path);
+        const Outcome<ReportDescription> report = parseReportDescription(description);
+        if (!report || report->format != QLatin1String("json"))
+            continue;
         // Not a pipe or a terminal, of which nothing can be read again.
-        if (report.format != QLatin1String("json") || (file.exists() && !file.isFile()))
+        const QFileInfo file(report->path);
+        if (file.exists() && !file.isFile())
             continue;
         m_description = description;
         m_path = file.absoluteFilePath();
@@ -129,11 +129,11 @@ void finishLostRun(const RunJournal& journal, const LostRun& run) {
     for (const QString& description : run.reports) {
         if (journal.isReport(description) || writesToStandardOutput(description))
             continue;
-        QString error;
-        std::unique_ptr<ReportGenerator> report = createReportGenerator(description, &error);
-        if (!report)
-            tell(error);
-        reports.append(std::move(report));
+        auto report = createReportGenerator(description);
+        if (report)
+            reports.append(*std::move(report));
+        else
+            tell(report.error().text);
     }
     auto output = std::make_unique<RestOfOutput>();
     RestOfOutput* const rest = output.get();

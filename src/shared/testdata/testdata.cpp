@@ -18,14 +18,16 @@ bool checkAndMakeDir(const QString& path, bool make) {
     return true;
 }
 
-QString unreadableReason(const QString& path) {
+Outcome<> checkReadable(const QString& path) {
     const QFileInfo info(path);
     if (!info.exists())
-        return QStringLiteral("there is no such file");
+        return fail(FailureKind::NotFound, QStringLiteral("there is no such file"));
     if (info.isDir())
-        return QStringLiteral("it is a folder");
+        return fail(FailureKind::BadArgument, QStringLiteral("it is a folder"));
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(FailureKind::Failed, file.errorString());
+    return {};
 }
 
 }  // namespace Tamrix::TestData

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include "base/export.h"
+#include "base/outcome.h"
 
 namespace Tamrix::TestData {
 
@@ -10,8 +11,8 @@ namespace Tamrix::TestData {
 /// set; false then tells that this failed.
 TAMRIX_EXPORT bool checkAndMakeDir(const QString& path, bool make);
 
-/// Why the file can't be read as test data: it isn't there, is no file or may not be read. Empty
-/// when nothing is known against it.
-TAMRIX_EXPORT QString unreadableReason(const QString& path);
+/// Fails when the file can't be read as test data: it isn't there, is no file or may not be read.
+/// The text is a reason alone, for behind a colon.
+TAMRIX_EXPORT Outcome<> checkReadable(const QString& path);
 
 }  // namespace Tamrix::TestData

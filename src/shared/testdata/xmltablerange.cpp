@@ -84,13 +84,13 @@ int XmlTableRange::sourceRowCount() const {
 }
 
 const XmlTableRange::Cell& XmlTableRange::cell(int row, int column) const {
-    static const Cell nothing;
+    static const Cell s_nothing;
     const bool isThere =
         row >= 0 && row < sourceRowCount() && column >= 0 && column < m_columnCount;
     return isThere
                ? m_cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columnCount) +
                          static_cast<std::size_t>(column)]
-               : nothing;
+               : s_nothing;
 }
 
 CellColor XmlTableRange::sourceBackgroundColor(int row, int column) const {

@@ -44,9 +44,9 @@ class HugeTexts : public testing::Test {
 protected:
     /// Two compared texts of five million characters each, an explanation and output as long.
     void report(const QString& description) {
-        QString error;
-        const auto generator = createReportGenerator(description, &error);
-        ASSERT_TRUE(generator) << error.toStdString();
+        const auto created = createReportGenerator(description);
+        ASSERT_TRUE(created) << created.error().text.toStdString();
+        const std::unique_ptr<ReportGenerator>& generator = *created;
         TestResult result(generator.get());
         result.startSuite("s", "/s");
         result.startCase("c", "/c");

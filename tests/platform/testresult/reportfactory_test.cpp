@@ -19,16 +19,14 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
     QTemporaryDir directory;
     ASSERT_TRUE(writeFile(directory.filePath("f")));
     const QString blocked = directory.filePath("f/r");
+    const QString known = "console, html, json, junit";
     const struct {
         QString text;
         QString error;
     } rows[] = {
-        {"", "Unknown report format '' in ''; the known ones are console, html, json, junit"},
-        {"htm:x",
-         "Unknown report format 'htm' in 'htm:x'; the known ones are console, html, json, junit"},
-        {"out.xml",
-         "Unknown report format 'out.xml' in 'out.xml'; the known ones are console, html, json, "
-         "junit"},
+        {"", "Unknown report format '' in ''; the known ones are " + known},
+        {"htm:x", "Unknown report format 'htm' in 'htm:x'; the known ones are " + known},
+        {"out.xml", "Unknown report format 'out.xml' in 'out.xml'; the known ones are " + known},
         {"json", "The report format 'json' needs a path: json:PATH"},
         {"junit:", "The report format 'junit' needs a path: junit:PATH"},
         {"junit:" + blocked,
@@ -44,9 +42,9 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
         {"console:/", "The report '/' can't be written: it is a directory"},
     };
     for (const auto& row : rows) {
-        QString error;
-        EXPECT_EQ(createReportGenerator(row.text, &error), nullptr) << row.text.toStdString();
-        EXPECT_EQ(error, row.error);
+        const auto report = createReportGenerator(row.text);
+        ASSERT_FALSE(report) << row.text.toStdString();
+        EXPECT_EQ(report.error().text, row.error);
     }
 }
 
@@ -56,9 +54,9 @@ TEST(ReportFactory, MakesReportsThatAWorkingDirectoryDoesNotMove) {
     CompositeReport all;
     for (const char* text :
          {"json:r/a:b.journal", "html:r/h", "junit:r/j.xml", "console:r/c.txt"}) {
-        QString error;
-        all.append(createReportGenerator(text, &error));
-        EXPECT_EQ(error, QString());
+        auto report = createReportGenerator(text);
+        ASSERT_TRUE(report) << report.error().text.toStdString();
+        all.append(*std::move(report));
     }
     const WorkingDirectory inCase("/");
     addSampleRun(&all);
@@ -75,10 +73,10 @@ TEST(ReportFactory, NamesTheReasonWhenADiskBecomesFull) {
     const QString attached = directory.filePath("attached.txt");
     ASSERT_TRUE(writeFile(attached, QByteArray(9000, 'x')));
     for (const char* format : {"json", "html", "junit", "console"}) {
-        QString error;
         const QString path = directory.filePath(format);
-        const auto report = createReportGenerator(QString(format) + ':' + path, &error);
-        ASSERT_TRUE(report);
+        const auto created = createReportGenerator(QString(format) + ':' + path);
+        ASSERT_TRUE(created);
+        const std::unique_ptr<ReportGenerator>& report = *created;
         {
             const FileSizeLimit full(5000);
             TestResult result(report.get());
@@ -112,9 +110,8 @@ TEST(CompositeReport, TellsFailuresWhenTheyHappenAndGoesOn) {
     QStringList told;
     all.setErrorHandler([&told](const QString& error) { told += error; });
     QTemporaryDir directory;
-    QString error;
     all.append(std::make_unique<Failing>(1));
-    all.append(createReportGenerator("json:" + directory.filePath("j"), &error));
+    all.append(createReportGenerator("json:" + directory.filePath("j")).value());
     all.add({});
     EXPECT_EQ(told, QStringList());
     all.add({});
@@ -136,7 +133,7 @@ TEST(CompositeReport, JoinsErrorsAndOpensVideos) {
     EXPECT_NE(video, nullptr);
 
     for (const char* text : {"json:/dev/full", "junit:/dev/full/x", "console:-"})
-        all.append(createReportGenerator(text, &error));
+        all.append(createReportGenerator(text).value_or(nullptr));
     EXPECT_EQ(all.openVideo("/nowhere/v", &error), nullptr);
     EXPECT_EQ(error, "Opening '/nowhere/v' for writing failed: No such file or directory");
 

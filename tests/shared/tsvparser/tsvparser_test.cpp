@@ -177,14 +177,14 @@ public:
     explicit RandomText(unsigned seed) : m_random(seed) {}
 
     QByteArray make(char separator) {
-        static const char* const pieces[] = {
+        static const char* const s_pieces[] = {
             "\"",   "\"",           "\"\"",         "\n",
             "\r\n", "\r",           "abc",          " ",
             "x",    "\xc3\xa4",     "\xe2\x82\xac", "\xf0\x9f\x98\x80",
             "0",    "longer value", "\xef\xbb\xbf", "\xe2\x82",
             "\xc3", "\xff",         "\xed\xa0\x80", "\xc0\x80"};
         // Some texts are sound, others hold mistakes.
-        const int count = pick(2) == 0 ? 14 : static_cast<int>(std::size(pieces));
+        const int count = pick(2) == 0 ? 14 : static_cast<int>(std::size(s_pieces));
         const int quotes = pick(3);
         QByteArray text;
         static constexpr int sizes[] = {5, 70, 300, 3000};
@@ -196,7 +196,7 @@ public:
             if (piece >= count)
                 text += separator;
             else if (piece >= 3 || pick(3) < quotes)
-                text += pieces[piece];
+                text += s_pieces[piece];
         }
         if (pick(30) == 0)
             text.append('\0');

@@ -153,11 +153,12 @@ TEST(ScreenshotTest, RotatedPixelsKeepTheirNativePlace) {
 
 TEST(ScreenshotTest, RotatesPixmaps) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    static char name[] = "screenshot_test";
-    static char* arguments[] = {name, nullptr};
-    static int count = 1;
+    static char s_name[] = "screenshot_test";
+    static char* s_arguments[] = {s_name, nullptr};
+    static int s_count = 1;
     // Never destroyed: Qt would leave its screen behind, which counts as a leak.
-    [[maybe_unused]] static const auto* const s_application = new QGuiApplication(count, arguments);
+    [[maybe_unused]] static const auto* const s_application =
+        new QGuiApplication(s_count, s_arguments);
     EXPECT_EQ(Screenshot::rotated(QPixmap(100, 50), 2).size(), QSize(50, 100));
 }
 

@@ -15,8 +15,8 @@ namespace {
 
 /// The class that describes the application's global functions and events.
 const QString& globalClassName() {
-    static const QString name = QStringLiteral("Global");
-    return name;
+    static const QString s_name = QStringLiteral("Global");
+    return s_name;
 }
 
 /// A failure that was found before anything was sent.

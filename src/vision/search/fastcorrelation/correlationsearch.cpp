@@ -135,7 +135,9 @@ void CorrelationSearch::markAccepted(const ScoreTest& test, int rows, PositionBi
 // Finds the correlation of one channel and judges its positions. Returns how many candidates are
 // left.
 std::size_t CorrelationSearch::judge(Channel channel, int pair, double lowest, double certain,
-                                     bool isRefinement, bool wantsBounds, Worker& worker) {
+                                     bool wantsBounds, Worker& worker) {
+    // The first channel finds candidates, the others look at what it left.
+    const bool isRefinement = channel != channels[0];
     const TileKernels& kernels = tileKernels();
     const TileShape& shape = m_tiles->shape();
     const QSize size = m_needle.size();
@@ -234,11 +236,11 @@ void CorrelationSearch::markPair(const ScoreTest& test, int pair, Worker& worker
     if (worker.areas[0].isEmpty() && worker.areas[1].isEmpty())
         return;
     // 1. The first channel: a position passes only if each channel does.
-    std::size_t count = judge(Green, pair, test.lowest, test.certain, false, false, worker);
+    std::size_t count = judge(channels[0], pair, test.lowest, test.certain, false, worker);
     // 2. The others, while too many positions are left for exact sums.
     bool isJudgedInAll = false;
     for (std::size_t next = 1; count > affordablePositions() && next < channels.size(); ++next) {
-        count = judge(channels[next], pair, test.lowest, test.certain, true, false, worker);
+        count = judge(channels[next], pair, test.lowest, test.certain, false, worker);
         isJudgedInAll = next + 1 == channels.size();
     }
     // 3. Exact sums for what is left and not certain.
@@ -316,8 +318,7 @@ void CorrelationSearch::offerPair(const RisingBar& rising, int pair, Worker& wor
         worker.bounds = Scratch<float>(worker.boundsStride * m_tiles->grid().step().height() * 2);
     // 1. Bounds from the channels, until few positions are left that may reach the bar.
     for (const Channel channel : channels) {
-        const bool isRefinement = channel != channels[0];
-        const std::size_t count = judge(channel, pair, bar, never, isRefinement, true, worker);
+        const std::size_t count = judge(channel, pair, bar, never, true, worker);
         if (count == 0)
             return;
         if (count <= affordablePositions())

@@ -58,8 +58,8 @@ private:
     struct Worker;
     struct NeedleSpectra;
 
-    std::size_t judge(Channel channel, int pair, double lowest, double certain, bool isRefinement,
-                      bool wantsBounds, Worker& worker);
+    std::size_t judge(Channel channel, int pair, double lowest, double certain, bool wantsBounds,
+                      Worker& worker);
     void markPair(const ScoreTest& test, int pair, Worker& worker);
     void decide(const ScoreTest& test, int side, bool usesCertain, Worker& worker);
     void offer(const RisingBar& rising, int x, int y);
