@@ -44,7 +44,7 @@ protected:
         TestResult result(&report);
         TestSettingsType::initialize(&result, {}, properties, {});
         QStringList warnings;
-        for (const ReportEntry& entry : report.results()) {
+        for (const ResultAdded& entry : report.results()) {
             EXPECT_EQ(entry.type, TestResult::Warning);
             EXPECT_EQ(entry.detail, "");
             warnings.append(entry.message);

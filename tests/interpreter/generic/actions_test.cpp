@@ -18,12 +18,14 @@ protected:
     /// "FUNCTION|ARGUMENTS|failed|LINE" of what was recorded since the last call, each on a line.
     QString taken() {
         QStringList lines;
-        for (const ReportEntry& entry : report.entries) {
-            EXPECT_EQ(entry.kind, ReportEntry::Kind::Action);
-            EXPECT_GE(entry.value, 0);
-            lines += QStringList{entry.message, entry.detail, entry.extra,
-                                 QString::number(entry.callStack.at(0).lineNumber())}
-                         .join('|');
+        const std::vector<ActionEnded> actions = report.all<ActionEnded>();
+        EXPECT_EQ(actions.size(), report.entries.size());
+        for (const ActionEnded& action : actions) {
+            EXPECT_GE(action.milliseconds, 0);
+            lines +=
+                QStringList{action.function, action.arguments, action.hasFailed ? "failed" : "",
+                            QString::number(action.position.lineNumber())}
+                    .join('|');
         }
         report.entries.clear();
         return lines.join('\n');

@@ -240,11 +240,10 @@ click(
 )py"),
               "");
     QStringList actions;
-    for (const ReportEntry& entry : report.entries) {
-        if (entry.kind == ReportEntry::Kind::Action)
-            actions += QStringLiteral("%1 %2 %3 %4")
-                           .arg(QString::number(entry.callStack.at(0).lineNumber()), entry.message,
-                                entry.detail, entry.extra);
+    for (const ActionEnded& action : report.all<ActionEnded>()) {
+        actions += QStringLiteral("%1 %2 %3 %4")
+                       .arg(QString::number(action.position.lineNumber()), action.function,
+                            action.arguments, action.hasFailed ? "failed" : "");
     }
     EXPECT_EQ(actions.join('\n'),
               "2 click {type='Button'}, 3, 4.5 \n"

@@ -5,7 +5,15 @@
 
 namespace Tamrix {
 
-// How texts stand in the lines that the debugger prints for its front end.
+// How texts stand in the lines of the protocol.
+
+enum class ProtocolDialect {
+    Terminal,  ///< for a person: no prefix, the local encoding
+    Machine    ///< for a program over a pipe: each line with a prefix, UTF-8
+};
+
+/// What stands in front of every line.
+const char* linePrefix(ProtocolDialect dialect);
 
 /// For names and values: backslash, newline, ",", "#" and "=" get a backslash in front (newline
 /// becomes backslash and "n").
@@ -15,8 +23,7 @@ QString escapeForVariablePrinting(QString text);
 /// quote, everything else as a backslash escape ("\n", "\t", "\xHH", "\uHHHH").
 QString escapeNonPrintable(const QString& text);
 
-/// The text's bytes in the dialect: the local encoding at a terminal (`verbose`), UTF-8 for a front
-/// end.
-std::string encodeForDialect(const QString& text, bool verbose);
+/// The text's bytes in the encoding of the dialect.
+std::string encodeForDialect(const QString& text, ProtocolDialect dialect);
 
 }  // namespace Tamrix

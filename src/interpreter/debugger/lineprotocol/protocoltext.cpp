@@ -1,8 +1,12 @@
-#include "interpreter/debugger/protocoltext.h"
+#include "interpreter/debugger/lineprotocol/protocoltext.h"
 
 #include "base/stringconversion.h"
 
 namespace Tamrix {
+
+const char* linePrefix(ProtocolDialect dialect) {
+    return dialect == ProtocolDialect::Terminal ? "" : "TDBG:";
+}
 
 QString escapeForVariablePrinting(QString text) {
     // The backslash comes first: the others add backslashes of their own.
@@ -35,8 +39,9 @@ QString escapeNonPrintable(const QString& text) {
     return escaped;
 }
 
-std::string encodeForDialect(const QString& text, bool verbose) {
-    return verbose ? utf8ToLocal8Bit(text.toStdString()) : text.toStdString();
+std::string encodeForDialect(const QString& text, ProtocolDialect dialect) {
+    return dialect == ProtocolDialect::Terminal ? utf8ToLocal8Bit(text.toStdString())
+                                                : text.toStdString();
 }
 
 }  // namespace Tamrix

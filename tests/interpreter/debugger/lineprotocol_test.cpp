@@ -1,9 +1,10 @@
-// What a debugger prints.
+// What a debugger prints with the line protocol as its front end.
 
 #include <gtest/gtest.h>
 
 #include <functional>
 
+#include "interpreter/debugger/lineprotocol/lineprotocol.h"
 #include "interpreter/debugger/testdebugger.h"
 
 namespace Tamrix {
@@ -11,10 +12,10 @@ namespace {
 
 using Test::TestDebugger;
 
-class DebuggerEvents : public testing::TestWithParam<bool> {
+class LineProtocolTest : public testing::TestWithParam<bool> {
 protected:
-    DebuggerEvents() { tamrix_verbose_debugger = GetParam(); }
-    ~DebuggerEvents() override {
+    LineProtocolTest() { tamrix_verbose_debugger = GetParam(); }
+    ~LineProtocolTest() override {
         tamrix_verbose_debugger = true;
         tamrix_hl_debugger = false;
     }
@@ -39,18 +40,18 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Dialects, DebuggerEvents, testing::Bool(), [](const auto& dialect) {
+INSTANTIATE_TEST_SUITE_P(Dialects, LineProtocolTest, testing::Bool(), [](const auto& dialect) {
     return dialect.param ? "Terminal" : "FrontEnd";
 });
 
-TEST_P(DebuggerEvents, PrintsThePosition) {
+TEST_P(LineProtocolTest, PrintsThePosition) {
     EXPECT_EQ(printedBy([](Debugger& debugger) { EXPECT_TRUE(debugger.stop()); }),
               "P@line 3, column 4, /nowhere/a b.py:\n");
     EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.stopWithObjectName("", "detail"); }),
               "P@line 3, column 4, /nowhere/a b.py:\n");
 }
 
-TEST_P(DebuggerEvents, PrintsFailedLookUps) {
+TEST_P(LineProtocolTest, PrintsFailedLookUps) {
     EXPECT_EQ(printedBy([](Debugger& debugger) {
                   EXPECT_TRUE(debugger.stopWithObjectName("{a='1,#2\\\n'}", ""));
               }),
@@ -71,7 +72,7 @@ TEST_P(DebuggerEvents, PrintsFailedLookUps) {
               "P@textLookupError 3\t4\t/nowhere/a b.py\t/tmp/\\#.png\n");
 }
 
-TEST_P(DebuggerEvents, PrintsMissingStepsAndNotifications) {
+TEST_P(LineProtocolTest, PrintsMissingStepsAndNotifications) {
     // Neither needs a position.
     EXPECT_EQ(
         printedBy([](Debugger& debugger) { debugger.missingStep(12, "I am, #1 \\"); }, QString()),
@@ -80,7 +81,7 @@ TEST_P(DebuggerEvents, PrintsMissingStepsAndNotifications) {
               "P@notify a\\=b\tc\\,d\\ne\n");
 }
 
-TEST_P(DebuggerEvents, SaysNothingOutsideOfSourcesAndFrames) {
+TEST_P(LineProtocolTest, SaysNothingOutsideOfSourcesAndFrames) {
     const auto stopAll = [](Debugger& debugger) {
         EXPECT_TRUE(debugger.stop());
         EXPECT_TRUE(debugger.stopWithObjectName("n", "d"));
@@ -97,7 +98,7 @@ TEST_P(DebuggerEvents, SaysNothingOutsideOfSourcesAndFrames) {
     EXPECT_EQ(printedBy(debugger, stopAll), "") << "no frame";
 }
 
-TEST_P(DebuggerEvents, HighlightsWithoutHalting) {
+TEST_P(LineProtocolTest, HighlightsWithoutHalting) {
     const auto highlight = [](Debugger& debugger) { debugger.stopAndRun(); };
     TestDebugger debugger;
     debugger.setDebuggerMode(Debugger::Step);
@@ -118,15 +119,45 @@ TEST_P(DebuggerEvents, HighlightsWithoutHalting) {
     EXPECT_EQ(debugger.debuggerMode(), Debugger::Step);
 }
 
-TEST_P(DebuggerEvents, DialectIsThatOfTheConstruction) {
-    const TestDebugger debugger;
+TEST_P(LineProtocolTest, DialectIsThatOfTheConstruction) {
+    TestDebugger debugger;
     tamrix_verbose_debugger = !GetParam();
-    EXPECT_EQ(debugger.isVerbose(), GetParam());
-    EXPECT_EQ(debugger.prefix(), GetParam() ? "" : "TDBG:");
     EXPECT_EQ(debugger.progressNotification(), !GetParam());
+    EXPECT_EQ(printedBy(debugger, [](Debugger& other) { other.notify("a", "b"); }),
+              "P@notify a\tb\n");
 }
 
-TEST_P(DebuggerEvents, PathsAreInTheEncodingOfTheDialect) {
+TEST_P(LineProtocolTest, AnswersCommandsAndTellsFailuresElsewhere) {
+    const QString path = QString::fromUtf8("/nowhere/\u00fc.py");
+    const std::string shown = GetParam() ? "/nowhere/??.py" : "/nowhere/\u00fc.py";
+    const BreakPointReply known{path, 3, false};
+    const struct {
+        DebuggerCommand command;
+        Outcome<BreakPointReply> answer;
+        std::string out;
+        std::string err;
+    } rows[] = {
+        {SetBreakPoint(), known, "break ok: Set break point " + shown + ":3\n", ""},
+        {SetBreakPoint(), BreakPointReply{path, 4, true},
+         "break ok: Set buffered break point " + shown + ":4\n", ""},
+        {DeleteBreakPoint(), known, "delete ok: Deleted break point " + shown + ":3\n", ""},
+        {DeleteBreakPoint(), fail(FailureKind::NotFound, "unknown source file " + path), "",
+         "delete error: unknown source file " + shown + "\n"},
+        {SetBreakPoint(), fail(FailureKind::BadArgument, "invalid line number"), "",
+         "break error: invalid line number\n"},
+    };
+    const std::string prefix = GetParam() ? "" : "TDBG:";
+    LineProtocol protocol(GetParam() ? ProtocolDialect::Terminal : ProtocolDialect::Machine);
+    for (const auto& row : rows) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        protocol.reply(row.command, row.answer);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), row.err.empty() ? "" : prefix + row.err);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), row.out.empty() ? "" : prefix + row.out);
+    }
+}
+
+TEST_P(LineProtocolTest, PathsAreInTheEncodingOfTheDialect) {
     // The C locale of a test has no umlauts.
     EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.stop(); },
                         QString::fromUtf8("/nowhere/\u00fc.py")),
