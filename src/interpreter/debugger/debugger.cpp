@@ -224,6 +224,22 @@ bool Debugger::hasBreakPoint(int line, int sourceId) const {
            m_breakPoints.cend();
 }
 
+bool Debugger::wantsStop(const DebuggerFrame& position) const {
+    switch (m_mode) {
+        case None:
+            return false;
+        case Step:
+            return true;
+        case Next:
+            if (frameDepth() <= m_stepDepth)
+                return true;
+            break;
+        case Run:
+            break;
+    }
+    return hasBreakPoint(position.line, position.sourceId);
+}
+
 void Debugger::bufferBreakPoint(const QString& file, int line) {
     m_bufferedBreakPoints[sanitizedFilePath(file)].push_back(line);
 }
