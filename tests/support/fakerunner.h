@@ -44,6 +44,8 @@ public:
     bool takesInput = false;
     QString highlightError;
     SharedPtr<Object> bounds;
+    /// Components of objects, by their remote ids.
+    QMap<int, QStringList> components;
 
     // What the library did.
     /// Calls with their arguments: "snooze 1.5".
@@ -139,8 +141,8 @@ public:
         return output;
     }
     QString osName(SharedPtr<ApplicationContext>) override { return "os"; }
-    bool objectHasComponents(int) override { return false; }
-    QStringList fetchObjectComponents(int) override { return {}; }
+    bool objectHasComponents(int remoteId) override { return components.contains(remoteId); }
+    QStringList fetchObjectComponents(int remoteId) override { return components.value(remoteId); }
     QString testCasePath() override { return casePath; }
     QString settingsGroup() override { return group; }
     QString defaultDevice() override { return device; }
