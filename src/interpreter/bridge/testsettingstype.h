@@ -10,7 +10,7 @@
 #include "interpreter/bridge/ocrtestsettings.h"
 #include "platform/testresult/verificationoptions.h"
 #include "shared/ocr/options.h"
-#include "vision/imagelookupoptions.h"
+#include "vision/search/imagelookupoptions.h"
 
 namespace Tamrix {
 

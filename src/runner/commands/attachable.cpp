@@ -16,9 +16,8 @@ Outcome<> readArguments(const CommandArguments& arguments, AttachableOptions& op
 }
 
 int keepProgram(const AttachableOptions& options) {
-    QString error;
-    const int exitCode = keepAttachable(options, &error);
-    return error.isEmpty() ? exitCode : failWith(error);
+    const Outcome<int> exitCode = keepAttachable(options);
+    return exitCode ? *exitCode : failWith(exitCode.error().text);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
 #include "shared/uiabstraction/xmlexporter.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 
@@ -84,18 +84,17 @@ void pause(Applications& applications, double seconds) {
 
 /// Returns an error text, empty on success.
 QString inspectWith(Applications& applications, const InspectSettings& settings) {
-    QString error = applications.useDisplay(settings.display);
-    if (!error.isEmpty())
-        return error;
-    QStringList words;
-    for (const QString& word : settings.program)
-        words.append(quotedShellWord(word));
-    const ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, &error);
-    if (!error.isEmpty())
-        return error;
-    const SharedPtr<Application> application = applications.start(start, -1, &error);
-    if (!application)
-        return error;
+    if (const Outcome<> used = applications.useDisplay(settings.display); !used)
+        return used.error().text;
+    const Outcome<ApplicationStart> start =
+        resolveApplication(quotedShellWords(settings.program), {});
+    if (!start)
+        return start.error().text;
+    const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
+    if (!started)
+        return started.error().text;
+    const SharedPtr<Application>& application = *started;
+    QString error;
     pause(applications, settings.waitSeconds);
 
     const QByteArray tree = formattedTree(application->model(), settings.format, &error);

@@ -17,12 +17,11 @@ Outcome<> readArguments(const CommandArguments& arguments, ListSettings& setting
 }
 
 int listCases(const ListSettings& settings) {
-    QString error;
-    const Suite suite = loadSuite(settings.suite, &error);
-    if (!error.isEmpty())
-        return failWith(error);
+    const Outcome<Suite> suite = loadSuite(settings.suite);
+    if (!suite)
+        return failWith(suite.error().text);
     QString text;
-    for (const SuiteCase& each : suite.cases)
+    for (const SuiteCase& each : suite->cases)
         text += displayName(each) + QLatin1Char('\n');
     return show(text);
 }

@@ -105,9 +105,8 @@ int runCases(const RunSettings& settings, const Suite& suite, const QList<SuiteC
     options.scriptArguments = settings.scriptArguments;
     options.display = settings.display;
     SuiteRun run(suite, options, &reports);
-    const QString error = run.prepare();
-    if (!error.isEmpty())
-        return failWith(error);
+    if (const Outcome<> prepared = run.prepare(); !prepared)
+        return failWith(prepared.error().text);
     run.run(cases);
 
     const bool reported = finishReports(reports);
@@ -125,13 +124,12 @@ int runCases(const RunSettings& settings, const Suite& suite, const QList<SuiteC
 }
 
 int runSuite(const RunSettings& settings) {
-    QString error;
-    const Suite suite = loadSuite(settings.suite, &error);
-    if (!error.isEmpty())
-        return failWith(error);
-    const QList<SuiteCase> cases = selectCases(suite, settings.cases, &error);
-    if (!error.isEmpty())
-        return failWith(error);
+    const Outcome<Suite> suite = loadSuite(settings.suite);
+    if (!suite)
+        return failWith(suite.error().text);
+    const Outcome<QList<SuiteCase>> cases = selectCases(*suite, settings.cases);
+    if (!cases)
+        return failWith(cases.error().text);
     const QString& directory = settings.resultDirectory;
     if (!directory.isEmpty() && !QDir().mkpath(directory))
         return failWith(QStringLiteral("the folder '%1' can't be made").arg(directory));
@@ -139,13 +137,13 @@ int runSuite(const RunSettings& settings) {
     const RunJournal journal(settings.reports);
     const std::optional<Supervision::End> end = Supervision::begin();
     if (!end) {
-        const int exitCode = runCases(settings, suite, cases, journal);
+        const int exitCode = runCases(settings, *suite, *cases, journal);
         Supervision::markOrderly();
         return exitCode;
     }
     if (end->isOrderly)
         return end->exitCode;
-    finishLostRun(journal, {end->text, settings.reports, cases.size(), [&](auto output) {
+    finishLostRun(journal, {end->text, settings.reports, cases->size(), [&](auto output) {
                                 return createConsole(settings.verbosity, std::move(output));
                             }});
     return ExitUsage;
