@@ -17,6 +17,8 @@ public:
     bool takesInput = false;
     QString highlightError;
     SharedPtr<Object> bounds;
+    /// Components of objects, by their remote ids.
+    QMap<int, QStringList> components;
 
     SharedPtr<Object> waitForObjectByName(const QString& realName, bool, int timeout) override {
         const SharedPtr<Object> object = lookUp("wait for " + realName, timeout);
@@ -39,8 +41,8 @@ public:
                           .arg(object ? object->realName() : realName, properties.qualifiedName()),
                       timeout);
     }
-    bool objectHasComponents(int) override { return false; }
-    QStringList fetchObjectComponents(int) override { return {}; }
+    bool objectHasComponents(int remoteId) override { return components.contains(remoteId); }
+    QStringList fetchObjectComponents(int remoteId) override { return components.value(remoteId); }
     bool keyEvent(const QString& key, bool press) override {
         calls.append((press ? "press " : "release ") + key);
         return takesInput || refuse();

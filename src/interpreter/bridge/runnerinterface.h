@@ -103,7 +103,8 @@ public:
 
     // Variable views of the debugger.
     virtual bool objectHasComponents(int remoteId) = 0;
-    /// Components as type#name=value, in the order in which they are listed.
+    /// Components as type#name=value, in the order in which they are listed; the name of one that
+    /// has components itself has a "+" in front.
     virtual QStringList fetchObjectComponents(int remoteId) = 0;
 
     // Facts of the run.

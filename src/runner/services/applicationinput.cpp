@@ -101,8 +101,10 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
         if (!value)
             continue;
         const QVariant known = value->toVariant();
-        lines.append(QStringLiteral("%1#%2=%3")
-                         .arg(value->className(), name,
+        // An object has components in its turn, which the mark says; a value has none.
+        const bool isObject = !known.isValid() && !value->isNull();
+        lines.append(QStringLiteral("%1#%2%3=%4")
+                         .arg(value->className(), QLatin1String(isObject ? "+" : ""), name,
                               known.isValid() ? known.toString() : value->objectName()));
     }
     return lines;

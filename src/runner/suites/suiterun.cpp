@@ -13,6 +13,7 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/inspector.h"
@@ -115,6 +116,8 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
 
     m_result.endSuite(m_interruptedBy != 0);
     m_result.setComplete();
+    // What the last case has set ends with it as well.
+    TestSettingsType::reset();
 }
 
 void SuiteRun::noteEnvironment() {

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "shared/ocr/language.h"
 #include "shared/ocr/typedexception.h"
 #include "support/printqt.h"
 
@@ -143,6 +144,13 @@ TEST(OcrOptions, LayersAreStacked) {
               TesseractOptions::LstmOnly);
     EXPECT_EQ(stack(TesseractOptions::Auto, TesseractOptions::SingleLine),
               TesseractOptions::SingleLine);
+}
+
+TEST(OcrOptions, ALanguageHasThreeNames) {
+    EXPECT_EQ(written(Language("deu", "German", "Deutsch").toJson()),
+              R"({"code":"deu","displayName":"Deutsch","recordedName":"German"})");
+    EXPECT_EQ(written(Language("eng").toJson()),
+              R"({"code":"eng","displayName":"eng","recordedName":"eng"})");
 }
 
 }  // namespace
