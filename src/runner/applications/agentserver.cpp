@@ -44,13 +44,16 @@ QString AgentServer::socketPath() const {
     return folder() + QLatin1String("/agents");
 }
 
-bool AgentServer::listen(QString* error) {
+Outcome<> AgentServer::listen() {
     if (m_listener >= 0)
-        return true;
-    if (!m_folder.make(m_runId, error))
-        return false;
-    m_listener = Wire::listenLocalSocket(socketPath(), error);
-    return m_listener >= 0;
+        return {};
+    if (const Outcome<> made = m_folder.make(m_runId); !made)
+        return made;
+    QString error;
+    m_listener = Wire::listenLocalSocket(socketPath(), &error);
+    if (m_listener < 0)
+        return fail(FailureKind::Failed, error);
+    return {};
 }
 
 void AgentServer::work() {

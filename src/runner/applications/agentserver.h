@@ -25,8 +25,8 @@ public:
     AgentServer(const AgentServer&) = delete;
     AgentServer& operator=(const AgentServer&) = delete;
 
-    /// Listens, unless it does already. False with `*error` set on failure.
-    bool listen(QString* error);
+    /// Listens, unless it does already.
+    Outcome<> listen();
     /// To be polled for reading; -1 before listen().
     int descriptor() const { return m_listener; }
     QString folder() const { return m_folder.path(); }

@@ -19,12 +19,9 @@ namespace {
 /// How long a process may take to end behind its connection.
 constexpr int endPatience = 1000;
 
-QStringList commandWords(const Wire::Hello& hello) {
-    QStringList words{quotedShellWord(hello.program)};
+QString commandLineOf(const Wire::Hello& hello) {
     // The first argument is the program's name.
-    for (const QString& argument : hello.arguments.mid(1))
-        words.append(quotedShellWord(argument));
-    return words;
+    return quotedShellWords(QStringList{hello.program} + hello.arguments.mid(1));
 }
 
 /// The fields of /proc/PID/stat from the state on, which is the third one and has index 0 here.
@@ -47,8 +44,7 @@ Application::Application(int id, const QString& name, std::shared_ptr<AgentConne
     pid = static_cast<int>(hello.pid);
     valid = true;
     startTime = QDateTime::currentDateTime();
-    commandLine = isMainProcess() ? m_program->start().commandLine()
-                                  : commandWords(hello).join(QLatin1Char(' '));
+    commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(hello);
     m_model.connection().setEndText([this] { return endText(); });
     m_model.connection().setStallTest([this] { return isStalled(); });
     if (isMainProcess())

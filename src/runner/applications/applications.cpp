@@ -35,29 +35,29 @@ Applications::~Applications() {
     endAll();
 }
 
-QString Applications::prepare() {
+Outcome<> Applications::prepare() {
     if (m_server.descriptor() >= 0)
         return {};
     clearLeftFolders();
     clearLeftSockets();
-    QString error;
-    if (m_server.listen(&error))
+    const Outcome<> listening = m_server.listen();
+    if (listening)
         m_watch.start(m_runId, m_server.folder());
-    return error;
+    return listening;
 }
 
-QString Applications::useDisplay(const QString& display) {
+Outcome<> Applications::useDisplay(const QString& display) {
     if (display.isEmpty() || display == QLatin1String("inherit"))
         return {};
     if (display != QLatin1String("auto")) {
         m_displayEnvironment = displayEnvironment(display);
         return {};
     }
-    QString error = prepare();
-    if (error.isEmpty())
-        error = m_privateDisplay.start(m_runId, m_server.folder());
+    if (const Outcome<> prepared = prepare(); !prepared)
+        return prepared;
+    const Outcome<> started = m_privateDisplay.start(m_runId, m_server.folder());
     m_displayEnvironment = m_privateDisplay.environment();
-    return error;
+    return started;
 }
 
 QString Applications::display() const {
@@ -71,34 +71,33 @@ QString Applications::display() const {
 
 // Starting
 
-SharedPtr<Application> Applications::start(const ApplicationStart& wanted, int timeout,
-                                           QString* error) {
-    *error = prepare();
-    if (!error->isEmpty())
-        return {};
+Outcome<SharedPtr<Application>> Applications::start(const ApplicationStart& wanted, int timeout) {
+    if (const Outcome<> prepared = prepare(); !prepared)
+        return fail(prepared.error());
     ApplicationStart start = wanted;
     start.program.mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
-    start.program.environment =
-        m_displayEnvironment + wanted.program.environment +
-        agentEnvironment(m_server.socketPath(), m_server.token(), wanted.preloadsAgent);
-    std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
+    start.program.environment = m_displayEnvironment + wanted.program.environment;
+    start.launcher->prepare(&start.program, {m_server.socketPath(), m_server.token()});
+    Outcome<std::unique_ptr<ChildProcess>> process = ChildProcess::start(start.program);
     if (!process)
-        return {};
-    const auto program = std::make_shared<StartedProgram>(start, std::move(process));
+        return fail(process.error());
+    const auto program = std::make_shared<StartedProgram>(start, std::move(*process));
     m_programs.add(program);
     const int wait = timeout < 0 ? defaultStartTimeout : timeout;
     const QDeadlineTimer deadline(wait);
-    const SharedPtr<Application> application = waitForStart(program, deadline, wait, error);
-    if (application && greet(*application, deadline, wait, error)) {
-        dropLaunched(application);
-        setCurrent(application);
-        program->watch();
-        return application;
+    const Outcome<SharedPtr<Application>> application = waitForStart(program, deadline, wait);
+    const Outcome<> greeted =
+        application ? greet(**application, deadline, wait) : fail(application.error());
+    if (!greeted) {
+        program->end(terminatePatience);
+        m_programs.remove(program);
+        forgetAll(program.get());
+        return fail(greeted.error());
     }
-    program->end(terminatePatience);
-    m_programs.remove(program);
-    forgetAll(program.get());
-    return {};
+    dropLaunched(*application);
+    setCurrent(*application);
+    program->watch();
+    return application;
 }
 
 SharedPtr<Application> Applications::firstOf(const StartedProgram* program) {
@@ -122,9 +121,8 @@ void Applications::forgetAll(const StartedProgram* program) {
     }
 }
 
-SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedProgram>& program,
-                                                  const QDeadlineTimer& deadline, int timeout,
-                                                  QString* error) {
+Outcome<SharedPtr<Application>> Applications::waitForStart(
+    const std::shared_ptr<StartedProgram>& program, const QDeadlineTimer& deadline, int timeout) {
     m_server.takeRefusal();
     ForeignToolkitWatch foreignToolkit;
     QString refusal;
@@ -135,9 +133,9 @@ SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedP
         if (SharedPtr<Application> application = firstOf(program.get()))
             return application;
         if (isInterrupted()) {
-            *error = QStringLiteral("the run was interrupted while '%1' started")
-                         .arg(program->start().name);
-            return {};
+            return fail(FailureKind::Failed,
+                        QStringLiteral("the run was interrupted while '%1' started")
+                            .arg(program->start().name));
         }
         const AgentServer::Refusal refused = m_server.takeRefusal();
         if (!refused.text.isEmpty())
@@ -147,9 +145,11 @@ SharedPtr<Application> Applications::waitForStart(const std::shared_ptr<StartedP
                                     ? foreignToolkit.look(program->processes())
                                     : QString();
         if (!isAlive || isHopeless || !toolkit.isEmpty() || deadline.hasExpired()) {
-            *error = startFailure(*program, toolkit, isHopeless ? -1 : timeout) + refusal +
-                     program->lastErrorText();
-            return {};
+            const FailureKind kind = !isAlive                           ? FailureKind::Ended
+                                     : isHopeless || !toolkit.isEmpty() ? FailureKind::Refused
+                                                                        : FailureKind::TimedOut;
+            return fail(kind, startFailure(*program, toolkit, isHopeless ? -1 : timeout) + refusal +
+                                  program->lastErrorText());
         }
         waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
     }
@@ -176,49 +176,50 @@ QString Applications::startFailure(StartedProgram& program, const QString& toolk
         .arg(name, QString::number(timeout));
 }
 
-bool Applications::greet(Application& application, const QDeadlineTimer& deadline, int timeout,
-                         QString* error) {
+Outcome<> Applications::greet(Application& application, const QDeadlineTimer& deadline,
+                              int timeout) {
     const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
     RequestError failure;
     if (application.model().readGlobalClass(left, &failure))
-        return true;
+        return {};
     switch (failure.kind) {
         case RequestError::Kind::Aborted:
-            *error = QStringLiteral("the run was interrupted while '%1' was waited for")
-                         .arg(application.name);
-            break;
+            return fail(FailureKind::Failed,
+                        QStringLiteral("the run was interrupted while '%1' was waited for")
+                            .arg(application.name));
         case RequestError::Kind::TimedOut:
-            *error = QStringLiteral("'%1' has connected, but does not answer within %2 ms")
-                         .arg(application.name, QString::number(timeout));
-            break;
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("'%1' has connected, but does not answer within %2 ms")
+                            .arg(application.name, QString::number(timeout)));
         default:
-            *error = failure.text;
+            return fail(FailureKind::Failed, failure.text);
     }
-    return false;
 }
 
-SharedPtr<Application> Applications::attach(const QString& name, int timeout, QString* error) {
-    std::shared_ptr<AgentConnection> connection = connectToAttachable(name, error);
-    if (!connection)
-        return {};
+Outcome<SharedPtr<Application>> Applications::attach(const QString& name, int timeout) {
+    Outcome<std::shared_ptr<AgentConnection>> connected = connectToAttachable(name);
+    if (!connected)
+        return fail(connected.error());
+    std::shared_ptr<AgentConnection> connection = std::move(*connected);
     connection->setIdleHook([this] { return !isInterrupted(); });
     const int wait = timeout < 0 ? defaultStartTimeout : timeout;
     const QDeadlineTimer deadline(wait);
     if (!connection->waitForHello(wait)) {
-        *error = QStringLiteral("'%1' can't be attached to: %2").arg(name, connection->errorText());
-        return {};
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("'%1' can't be attached to: %2").arg(name, connection->errorText()));
     }
     SharedPtr<Application> application = add(std::move(connection), name);
-    if (!greet(*application, deadline, wait, error)) {
+    if (const Outcome<> greeted = greet(*application, deadline, wait); !greeted) {
         application->detach();
         m_applications.removeOne(application);
-        return {};
+        return fail(greeted.error());
     }
     setCurrent(application);
     return application;
 }
 
-SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) {
+Outcome<SharedPtr<Application>> Applications::waitForLaunch(int timeout) {
     const int wait = timeout < 0 ? defaultStartTimeout : timeout;
     const QDeadlineTimer deadline(wait);
     while (true) {
@@ -226,17 +227,17 @@ SharedPtr<Application> Applications::waitForLaunch(int timeout, QString* error) 
         if (!m_launched.empty()) {
             SharedPtr<Application> application = m_launched.front();
             m_launched.pop_front();
-            if (!greet(*application, deadline, wait, error))
-                return {};
+            if (const Outcome<> greeted = greet(*application, deadline, wait); !greeted)
+                return fail(greeted.error());
             if (!m_current || !m_current->valid)
                 setCurrent(application);
             return application;
         }
-        if (isInterrupted() || deadline.hasExpired()) {
-            *error = isInterrupted()
-                         ? QStringLiteral("the run was interrupted")
-                         : QStringLiteral("no application was launched within %1 ms").arg(wait);
-            return {};
+        if (isInterrupted())
+            return fail(FailureKind::Failed, QStringLiteral("the run was interrupted"));
+        if (deadline.hasExpired()) {
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("no application was launched within %1 ms").arg(wait));
         }
         waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
     }

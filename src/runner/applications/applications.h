@@ -34,21 +34,20 @@ public:
     Applications& operator=(const Applications&) = delete;
 
     /// Sets where applications appear: "inherit" for the display of this process, "auto" for a
-    /// display and a session bus of this run's own, ":N" for a display that is there. Returns an
-    /// error text, empty on success.
-    QString useDisplay(const QString& display);
+    /// display and a session bus of this run's own, ":N" for a display that is there.
+    Outcome<> useDisplay(const QString& display);
     /// The display on which applications appear, for a person: ":0"; empty without one.
     QString display() const;
 
-    // Waiting ones. They end early when the run is interrupted. Null on failure, with `*error` set.
+    // Waiting ones. They end early when the run is interrupted, as failures.
     /// Starts a program and waits until it, or a process that came of it, has connected. Nothing
     /// stays of a program that did not.
-    SharedPtr<Application> start(const ApplicationStart& start, int timeout, QString* error);
+    Outcome<SharedPtr<Application>> start(const ApplicationStart& start, int timeout);
     /// Connects to a program that "tamrixrunner attachable" keeps under this name.
-    SharedPtr<Application> attach(const QString& name, int timeout, QString* error);
+    Outcome<SharedPtr<Application>> attach(const QString& name, int timeout);
     /// The next process of an application that announced itself without being waited for by
     /// start(). It becomes the current one only when there is none.
-    SharedPtr<Application> waitForLaunch(int timeout, QString* error);
+    Outcome<SharedPtr<Application>> waitForLaunch(int timeout);
 
     /// Those that are connected, in the order in which they came.
     QList<SharedPtr<Application>> live();
@@ -81,20 +80,18 @@ public:
     QStringList endAll();
 
 private:
-    QString prepare();
+    Outcome<> prepare();
     SharedPtr<Application> add(std::shared_ptr<AgentConnection> connection, const QString& name);
     QString uniqueName(const QString& name);
     SharedPtr<Application> firstOf(const StartedProgram* program);
-    SharedPtr<Application> waitForStart(const std::shared_ptr<StartedProgram>& program,
-                                        const QDeadlineTimer& deadline, int timeout,
-                                        QString* error);
+    Outcome<SharedPtr<Application>> waitForStart(const std::shared_ptr<StartedProgram>& program,
+                                                 const QDeadlineTimer& deadline, int timeout);
     /// `toolkit` is the one that takes no agent, empty when that is not why. `timeout` is -1 when
     /// the wait ended before.
     QString startFailure(StartedProgram& program, const QString& toolkit, int timeout);
-    /// Asks what scripts need first. False with `*error` set when the application, though
-    /// connected, does not answer in time.
-    bool greet(Application& application, const QDeadlineTimer& deadline, int timeout,
-               QString* error);
+    /// Asks what scripts need first. Fails when the application, though connected, does not answer
+    /// in time.
+    Outcome<> greet(Application& application, const QDeadlineTimer& deadline, int timeout);
     void dropLaunched(const SharedPtr<Application>& application);
     /// Drops the applications of a program that did not come to be used.
     void forgetAll(const StartedProgram* program);

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "base/outcome.h"
 #include "runner/applications/configuredapplication.h"
 #include "runner/processes/childprocess.h"
 
@@ -22,8 +23,8 @@ struct ApplicationStart {
     /// The name of the context: that of config.xml, else that of the program's file.
     QString name;
     ProgramStart program;
-    /// Whether the agent comes in by a preloaded library.
-    bool preloadsAgent = false;
+    /// How the agent comes in. Not null.
+    const Launcher* launcher = &Launcher::standard();
 
     /// Program and arguments, quoted as a shell takes them.
     QString commandLine() const;
@@ -34,13 +35,8 @@ struct ApplicationStart {
 /// 1. the name of an application in the suite's config.xml, whose arguments come first,
 /// 2. a path, if it has a "/": from the working directory, then from the suite's folder,
 /// 3. the name of a program in PATH.
-/// A text that as a whole is one of the first two needs no quotes. On failure `*error` says where
-/// the program was looked for or why it can't be executed.
-ApplicationStart resolveApplication(const QString& text, const ApplicationPlaces& places,
-                                    QString* error);
-
-/// What a program's environment needs for the agent to be loaded and to find the runner.
-ProgramEnvironment agentEnvironment(const QString& socketPath, const QString& token,
-                                    bool preloadsAgent);
+/// A text that as a whole is one of the first two needs no quotes. A failure says where the program
+/// was looked for or why it can't be executed.
+Outcome<ApplicationStart> resolveApplication(const QString& text, const ApplicationPlaces& places);
 
 }  // namespace Tamrix

@@ -57,8 +57,8 @@ QString attachableFolderPath() {
                : runtime + QLatin1String("/tamrix-attachable");
 }
 
-/// The folder, made when it is not there. Empty with `*error` set when it can't be trusted.
-QString attachableFolder(QString* error) {
+/// The folder, made when it is not there. Fails when it can't be trusted.
+Outcome<QString> attachableFolder() {
     const QString folder = attachableFolderPath();
     const QByteArray path = folder.toLocal8Bit();
     ::mkdir(path.constData(), S_IRWXU);
@@ -66,19 +66,22 @@ QString attachableFolder(QString* error) {
     if (::lstat(path.constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
         info.st_uid == ::getuid() && (info.st_mode & (S_IRWXG | S_IRWXO)) == 0)
         return folder;
-    *error = QStringLiteral("'%1' is not a folder that only this user can enter").arg(folder);
-    return {};
+    return fail(FailureKind::Refused,
+                QStringLiteral("'%1' is not a folder that only this user can enter").arg(folder));
 }
 
-QString socketOf(const QString& name, QString* error) {
+Outcome<QString> socketOf(const QString& name) {
     if (!isGoodName(name)) {
-        *error = QStringLiteral(
-                     "'%1' is no name for an attachable program: letters, digits, '.', '_' and '-'")
-                     .arg(name);
-        return {};
+        return fail(
+            FailureKind::BadArgument,
+            QStringLiteral(
+                "'%1' is no name for an attachable program: letters, digits, '.', '_' and '-'")
+                .arg(name));
     }
-    const QString folder = attachableFolder(error);
-    return folder.isEmpty() ? QString() : QStringLiteral("%1/%2.sock").arg(folder, name);
+    const Outcome<QString> folder = attachableFolder();
+    if (!folder)
+        return folder;
+    return QStringLiteral("%1/%2.sock").arg(*folder, name);
 }
 
 /// A listening socket with its file, which goes with the object.
@@ -94,10 +97,13 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    bool listen(const QString& path, QString* error) {
+    Outcome<> listen(const QString& path) {
         m_path = path;
-        m_descriptor = Wire::listenLocalSocket(path, error);
-        return m_descriptor >= 0;
+        QString error;
+        m_descriptor = Wire::listenLocalSocket(path, &error);
+        if (m_descriptor < 0)
+            return fail(FailureKind::Failed, error);
+        return {};
     }
     int descriptor() const { return m_descriptor; }
 
@@ -264,19 +270,19 @@ void Keeper::work() {
 }
 
 /// Listens at a socket, or takes the place of a keeper that was killed.
-bool listenForRuns(const QString& name, Listener& listener, QString* error) {
-    const QString path = socketOf(name, error);
-    if (path.isEmpty())
-        return false;
+Outcome<> listenForRuns(const QString& name, Listener& listener) {
+    const Outcome<QString> path = socketOf(name);
+    if (!path)
+        return fail(path.error());
     QString ignored;
-    const int other = Wire::connectLocalSocket(path, &ignored);
+    const int other = Wire::connectLocalSocket(*path, &ignored);
     if (other >= 0) {
         ::close(other);
-        *error = QStringLiteral("a program named '%1' is attachable already").arg(name);
-        return false;
+        return fail(FailureKind::Refused,
+                    QStringLiteral("a program named '%1' is attachable already").arg(name));
     }
-    ::unlink(path.toLocal8Bit().constData());
-    return listener.listen(path, error);
+    ::unlink(path->toLocal8Bit().constData());
+    return listener.listen(*path);
 }
 
 void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) {
@@ -287,9 +293,10 @@ void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) 
         (keeper.*add)(descriptor);
 }
 
-/// Works until the program has ended, the process is interrupted, no agent came, or it went.
-void keep(StartedProgram& program, Keeper& keeper, const Listener& agents, const Listener& runs,
-          QString* error) {
+/// Works until the program has ended or the process is interrupted. Fails when no agent came, or
+/// it went.
+Outcome<> keep(StartedProgram& program, Keeper& keeper, const Listener& agents,
+               const Listener& runs) {
     const QDeadlineTimer deadline(connectTimeout);
     const QString name = program.start().name;
     while (program.isAlive() && Interrupt::signalNumber() == 0) {
@@ -305,55 +312,55 @@ void keep(StartedProgram& program, Keeper& keeper, const Listener& agents, const
         // A program that ends closes its connection first.
         const QString end = keeper.agentEnd();
         if (!end.isEmpty() && !program.process().waitForEnd(endPatience)) {
-            *error = QStringLiteral("the agent in '%1' is lost: %2").arg(name, end);
-            return;
+            return fail(FailureKind::Ended,
+                        QStringLiteral("the agent in '%1' is lost: %2").arg(name, end));
         }
         if (!keeper.hasAgent() && deadline.hasExpired()) {
-            *error = QStringLiteral("no agent in '%1' connected within %2 ms%3")
-                         .arg(name, QString::number(connectTimeout),
-                              keeper.refusal().isEmpty() ? QString()
-                                                         : QStringLiteral(": ") + keeper.refusal());
-            return;
+            const QString reason =
+                keeper.refusal().isEmpty() ? QString() : QStringLiteral(": ") + keeper.refusal();
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("no agent in '%1' connected within %2 ms%3")
+                            .arg(name, QString::number(connectTimeout), reason));
         }
     }
+    return {};
 }
 
 }  // namespace
 
-int keepAttachable(const AttachableOptions& options, QString* error) {
+Outcome<int> keepAttachable(const AttachableOptions& options) {
     Listener runs;
-    if (!listenForRuns(options.name, runs, error))
-        return -1;
-    QStringList words;
-    for (const QString& word : options.command)
-        words.append(quotedShellWord(word));
-    ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, error);
-    if (!error->isEmpty())
-        return -1;
+    if (const Outcome<> listening = listenForRuns(options.name, runs); !listening)
+        return fail(listening.error());
+    Outcome<ApplicationStart> start = resolveApplication(quotedShellWords(options.command), {});
+    if (!start)
+        return fail(start.error());
     const QString runId = randomToken();
     // Clears up behind everything else, the folder included.
     RunWatch watch;
     PrivateFolder folder;
     clearLeftFolders();
     clearLeftSockets();
-    if (!folder.make(runId, error))
-        return -1;
+    if (const Outcome<> made = folder.make(runId); !made)
+        return fail(made.error());
     watch.start(runId, folder.path());
     const QString socket = folder.path() + QLatin1String("/agents");
     Listener agents;
-    if (!agents.listen(socket, error))
-        return -1;
+    if (const Outcome<> listening = agents.listen(socket); !listening)
+        return fail(listening.error());
     Keeper keeper(randomToken());
-    start.program.keepsOutput = false;
-    start.program.environment = agentEnvironment(socket, keeper.token(), start.preloadsAgent);
-    start.program.mark = runId + QLatin1String(":1");
-    std::unique_ptr<ChildProcess> process = ChildProcess::start(start.program, error);
+    start->program.keepsOutput = false;
+    start->launcher->prepare(&start->program, {socket, keeper.token()});
+    start->program.mark = runId + QLatin1String(":1");
+    Outcome<std::unique_ptr<ChildProcess>> process = ChildProcess::start(start->program);
     if (!process)
-        return -1;
+        return fail(process.error());
     Interrupt::install();
-    StartedProgram program(start, std::move(process));
-    keep(program, keeper, agents, runs, error);
+    StartedProgram program(*start, std::move(*process));
+    const Outcome<> kept = keep(program, keeper, agents, runs);
     program.end(endPatience);
+    if (!kept)
+        return fail(kept.error());
     return Interrupt::signalNumber() != 0 ? Interrupt::exitCode(Interrupt::signalNumber())
                                           : program.process().exitCode();
 }
@@ -372,18 +379,19 @@ void clearLeftSockets() {
     }
 }
 
-std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QString* error) {
-    const QString path = socketOf(name, error);
-    if (path.isEmpty())
-        return nullptr;
+Outcome<std::shared_ptr<AgentConnection>> connectToAttachable(const QString& name) {
+    const Outcome<QString> path = socketOf(name);
+    if (!path)
+        return fail(path.error());
     QString reason;
-    const int descriptor = Wire::connectLocalSocket(path, &reason);
+    const int descriptor = Wire::connectLocalSocket(*path, &reason);
     if (descriptor < 0) {
-        *error = QStringLiteral(
-                     "no program named '%1' is attachable; start it with \"tamrixrunner attachable "
-                     "--name %1 PROGRAM\" (%2)")
-                     .arg(name, reason);
-        return nullptr;
+        return fail(
+            FailureKind::NotFound,
+            QStringLiteral(
+                "no program named '%1' is attachable; start it with \"tamrixrunner attachable "
+                "--name %1 PROGRAM\" (%2)")
+                .arg(name, reason));
     }
     return std::make_shared<AgentConnection>(descriptor, QString());
 }

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <memory>
 
+#include "base/outcome.h"
 #include "platform/objectmodel/remote/agentconnection.h"
 
 namespace Tamrix {
@@ -23,13 +24,13 @@ struct AttachableOptions {
     QStringList command;
 };
 
-/// Starts the program and keeps it until it ends or this process is interrupted. Returns the exit
-/// code of the program, or sets `*error`.
-int keepAttachable(const AttachableOptions& options, QString* error);
+/// Starts the program and keeps it until it ends or this process is interrupted. Gives the exit
+/// code of the program.
+Outcome<int> keepAttachable(const AttachableOptions& options);
 
-/// Connects to the keeper of a program; its hello is still to come. Null with `*error` set when no
+/// Connects to the keeper of a program; its hello is still to come. Fails when no
 /// program of this name is kept.
-std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QString* error);
+Outcome<std::shared_ptr<AgentConnection>> connectToAttachable(const QString& name);
 
 /// Removes the sockets of keepers that were killed.
 void clearLeftSockets();

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "runner/applications/launcher.h"
+
 namespace Tamrix {
 
 /// An application under test as a suite's config.xml describes it. Plain data; paths stand as they
@@ -15,9 +17,8 @@ struct ConfiguredApplication {
     QStringList arguments;
     /// Empty when the file says nothing.
     QString workingDirectory;
-    /// hook="preload": the agent comes in by a preloaded library, for a program that passes over
-    /// Qt's plug-ins.
-    bool preloadsAgent = false;
+    /// The way in that the attribute "hook" names. Not null.
+    const Launcher* launcher = &Launcher::standard();
     QList<QPair<QString, QString>> environment;
 };
 

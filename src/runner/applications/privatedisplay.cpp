@@ -40,13 +40,12 @@ bool writeCookieFile(const QString& path) {
            file.write(entry) == entry.size() && file.flush();
 }
 
-/// Starts a helper program and waits until it has written a line, which comes back. On failure
-/// `*error` is set.
-QString startHelper(const ProgramStart& start, std::unique_ptr<ChildProcess>* process,
-                    QString* error) {
-    *process = ChildProcess::start(start, error);
-    if (!*process)
-        return {};
+/// Starts a helper program and waits until it has written a line, which comes back.
+Outcome<QString> startHelper(const ProgramStart& start, std::unique_ptr<ChildProcess>* process) {
+    Outcome<std::unique_ptr<ChildProcess>> started = ChildProcess::start(start);
+    if (!started)
+        return fail(started.error());
+    *process = std::move(*started);
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < startTimeout) {
@@ -58,26 +57,24 @@ QString startHelper(const ProgramStart& start, std::unique_ptr<ChildProcess>* pr
         if (lineEnd > 0)
             return QString::fromLocal8Bit(output.left(lineEnd)).trimmed();
         if (hasEnded) {
-            *error = QStringLiteral("'%1' did not start: %2: %3")
-                         .arg(start.program, (*process)->endText(),
-                              (*process)->output()->lastErrorLines(5));
-            return {};
+            return fail(FailureKind::Ended, QStringLiteral("'%1' did not start: %2: %3")
+                                                .arg(start.program, (*process)->endText(),
+                                                     (*process)->output()->lastErrorLines(5)));
         }
         ::usleep(5000);
     }
-    *error = QStringLiteral("'%1' was not ready within %2 ms")
-                 .arg(start.program, QString::number(startTimeout));
-    return {};
+    return fail(FailureKind::TimedOut, QStringLiteral("'%1' was not ready within %2 ms")
+                                           .arg(start.program, QString::number(startTimeout)));
 }
 
 /// The path of a program that a private display needs.
-QString findHelper(const QString& name, const QString& package, QString* error) {
+Outcome<QString> findHelper(const QString& name, const QString& package) {
     const QString path = QStandardPaths::findExecutable(name);
     if (path.isEmpty()) {
-        *error = QStringLiteral(
-                     "a display of its own needs the program '%1', which is not in PATH "
-                     "(Debian package %2)")
-                     .arg(name, package);
+        return fail(FailureKind::NotFound,
+                    QStringLiteral("a display of its own needs the program '%1', which is not in "
+                                   "PATH (Debian package %2)")
+                        .arg(name, package));
     }
     return path;
 }
@@ -100,19 +97,25 @@ ProgramEnvironment displayEnvironment(const QString& display) {
             {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")}};
 }
 
-QString PrivateDisplay::start(const QString& runId, const QString& folder) {
-    QString error;
+Outcome<> PrivateDisplay::start(const QString& runId, const QString& folder) {
+    const Outcome<QString> displayProgram =
+        findHelper(QStringLiteral("Xvfb"), QStringLiteral("xvfb"));
+    if (!displayProgram)
+        return fail(displayProgram.error());
+    const Outcome<QString> busProgram =
+        findHelper(QStringLiteral("dbus-daemon"), QStringLiteral("dbus"));
+    if (!busProgram)
+        return fail(busProgram.error());
     ProgramStart display;
+    display.program = *displayProgram;
     ProgramStart bus;
-    display.program = findHelper(QStringLiteral("Xvfb"), QStringLiteral("xvfb"), &error);
-    if (error.isEmpty())
-        bus.program = findHelper(QStringLiteral("dbus-daemon"), QStringLiteral("dbus"), &error);
-    if (!error.isEmpty())
-        return error;
+    bus.program = *busProgram;
     m_folder = folder;
     m_cookieFile = folder + QLatin1String("/cookie");
     if (!writeCookieFile(m_cookieFile))
-        return QStringLiteral("the display's cookie can't be written to '%1'").arg(m_cookieFile);
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("the display's cookie can't be written to '%1'").arg(m_cookieFile));
 
     // The run's mark with number 0: not that of an application.
     display.mark = runId + QLatin1String(":0");
@@ -123,10 +126,10 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
                                     QStringLiteral("tcp"),          QStringLiteral("-noreset"),
                                     QStringLiteral("-auth"),        m_cookieFile};
     display.signalAtRunnersEnd = SIGTERM;
-    m_name = startHelper(display, &m_display, &error);
-    if (!error.isEmpty())
-        return error;
-    m_name.prepend(QLatin1Char(':'));
+    const Outcome<QString> number = startHelper(display, &m_display);
+    if (!number)
+        return fail(number.error());
+    m_name = QLatin1Char(':') + *number;
 
     bus.arguments = QStringList{QStringLiteral("--session"), QStringLiteral("--nofork"),
                                 QStringLiteral("--nopidfile"), QStringLiteral("--print-address")};
@@ -134,8 +137,11 @@ QString PrivateDisplay::start(const QString& runId, const QString& folder) {
     bus.mark = display.mark;
     bus.environment = environment();
     bus.signalAtRunnersEnd = SIGTERM;
-    m_busAddress = startHelper(bus, &m_bus, &error);
-    return error;
+    const Outcome<QString> address = startHelper(bus, &m_bus);
+    if (!address)
+        return fail(address.error());
+    m_busAddress = *address;
+    return {};
 }
 
 ProgramEnvironment PrivateDisplay::environment() const {

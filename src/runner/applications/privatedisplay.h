@@ -3,6 +3,7 @@
 #include <QString>
 #include <memory>
 
+#include "base/outcome.h"
 #include "runner/processes/childprocess.h"
 
 namespace Tamrix {
@@ -17,8 +18,8 @@ public:
     PrivateDisplay& operator=(const PrivateDisplay&) = delete;
 
     /// Starts both, marked as the run's. `folder` takes the file with the cookie and is the
-    /// session's runtime folder. Returns an error text, empty on success.
-    QString start(const QString& runId, const QString& folder);
+    /// session's runtime folder.
+    Outcome<> start(const QString& runId, const QString& folder);
 
     /// What brings a program to this display and bus.
     ProgramEnvironment environment() const;

@@ -1,4 +1,4 @@
-#include "runner/commands/inspect.h"
+// "tamrixrunner inspect": the objects of a program.
 
 #include <QBuffer>
 #include <QDeadlineTimer>
@@ -6,26 +6,54 @@
 
 #include "runner/applications/applications.h"
 #include "runner/applications/objecttree.h"
-#include "runner/commands/commandline.h"
-#include "runner/commands/commands.h"
+#include "runner/commands/command.h"
+#include "runner/commands/displayoption.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
 #include "shared/uiabstraction/xmlexporter.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 
 namespace {
 
+enum class TreeFormat { Text, Json, Xml };
+
+struct InspectSettings {
+    /// A program and its arguments.
+    QStringList program;
+    /// "inherit", "auto" or ":N".
+    QString display;
+    TreeFormat format = TreeFormat::Text;
+    /// Where a picture of the screen is stored, empty for nowhere.
+    QString screenshotFile;
+    /// How long to wait before looking.
+    double waitSeconds = 0;
+};
+
+Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
+    bool isNumber = false;
+    settings.waitSeconds = values.constLast().toDouble(&isNumber);
+    if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
+        return wrongUsage(
+            QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
+    return {};
+}
+
+Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& settings) {
+    settings.program = arguments.own;
+    return {};
+}
+
 /// The tree in the wanted form; empty with `*error` set on failure.
-QByteArray formattedTree(RemoteModel& model, CommandLine::TreeFormat format, QString* error) {
-    if (format != CommandLine::TreeFormat::Xml) {
+QByteArray formattedTree(RemoteModel& model, TreeFormat format, QString* error) {
+    if (format != TreeFormat::Xml) {
         const Wire::ObjectListing listing = model.listing(error);
         if (!error->isEmpty())
             return {};
-        return format == CommandLine::TreeFormat::Json ? objectTreeJson(listing)
-                                                       : objectTreeText(listing).toLocal8Bit();
+        return format == TreeFormat::Json ? objectTreeJson(listing)
+                                          : objectTreeText(listing).toLocal8Bit();
     }
     UIAbstraction::XmlExporter exporter(model.snapshot({}, false, error));
     QBuffer buffer;
@@ -55,24 +83,23 @@ void pause(Applications& applications, double seconds) {
 }
 
 /// Returns an error text, empty on success.
-QString inspectWith(Applications& applications, const CommandLine& line) {
-    QString error = applications.useDisplay(line.display);
-    if (!error.isEmpty())
-        return error;
-    QStringList words;
-    for (const QString& word : line.program)
-        words.append(quotedShellWord(word));
-    const ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, &error);
-    if (!error.isEmpty())
-        return error;
-    const SharedPtr<Application> application = applications.start(start, -1, &error);
-    if (!application)
-        return error;
-    pause(applications, line.waitSeconds);
+QString inspectWith(Applications& applications, const InspectSettings& settings) {
+    if (const Outcome<> used = applications.useDisplay(settings.display); !used)
+        return used.error().text;
+    const Outcome<ApplicationStart> start =
+        resolveApplication(quotedShellWords(settings.program), {});
+    if (!start)
+        return start.error().text;
+    const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
+    if (!started)
+        return started.error().text;
+    const SharedPtr<Application>& application = *started;
+    QString error;
+    pause(applications, settings.waitSeconds);
 
-    const QByteArray tree = formattedTree(application->model(), line.treeFormat, &error);
-    if (error.isEmpty() && !line.screenshotFile.isEmpty())
-        error = storeScreenshot(application->model(), line.screenshotFile);
+    const QByteArray tree = formattedTree(application->model(), settings.format, &error);
+    if (error.isEmpty() && !settings.screenshotFile.isEmpty())
+        error = storeScreenshot(application->model(), settings.screenshotFile);
     const QString end = application->endText();
     if (!error.isEmpty() && !end.isEmpty())
         error = end;
@@ -81,16 +108,34 @@ QString inspectWith(Applications& applications, const CommandLine& line) {
     return error;
 }
 
-}  // namespace
-
-int inspectApplication(const CommandLine& commandLine) {
+int inspectApplication(const InspectSettings& settings) {
     Interrupt::install();
     Applications applications;
-    const QString error = inspectWith(applications, commandLine);
+    const QString error = inspectWith(applications, settings);
     applications.endAll();
     if (Interrupt::signalNumber() != 0)
         return Interrupt::exitCode(Interrupt::signalNumber());
     return error.isEmpty() ? ExitSuccess : failWith(error);
+}
+
+}  // namespace
+
+Command inspectCommand() {
+    return makeCommand<InspectSettings>(
+        {{"inspect", "PROGRAM [ARGUMENT...]",
+          "Starts a program and prints its objects with the names that find them.", 1,
+          CommandSyntax::anyNumber, CommandTail::Program},
+         {displayOption(&InspectSettings::display),
+          {"json", nullptr, "Prints JSON.", nullptr,
+           setTo(&InspectSettings::format, TreeFormat::Json)},
+          {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,
+           setTo(&InspectSettings::format, TreeFormat::Xml)},
+          {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
+           textTo(&InspectSettings::screenshotFile)},
+          {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},
+         {{"json", "xml"}},
+         readArguments,
+         inspectApplication});
 }
 
 }  // namespace Tamrix

@@ -148,7 +148,12 @@ struct ChildPlan {
 
 }  // namespace
 
-std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QString* error) {
+Outcome<std::unique_ptr<ChildProcess>> ChildProcess::start(const ProgramStart& start) {
+    const auto startFailure = [&start](int number) {
+        return fail(FailureKind::Failed,
+                    QStringLiteral("'%1' can't be started: %2")
+                        .arg(start.program, QString::fromLocal8Bit(std::strerror(number))));
+    };
     const TextArray arguments(commandLine(start));
     const TextArray environment(environmentEntries(start));
     const QByteArray workingDirectory = start.workingDirectory.toLocal8Bit();
@@ -157,11 +162,10 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QSt
     Pipe failurePipe;
     const int input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (!output.isOpen() || !errors.isOpen() || !failurePipe.isOpen() || input < 0) {
-        *error = QStringLiteral("'%1' can't be started: %2")
-                     .arg(start.program, QString::fromLocal8Bit(std::strerror(errno)));
+        const int openError = errno;
         if (input >= 0)
             ::close(input);
-        return nullptr;
+        return startFailure(openError);
     }
 
     const ChildPlan plan{arguments.data()[0],
@@ -183,11 +187,8 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QSt
     output.closeWriteEnd();
     errors.closeWriteEnd();
     failurePipe.closeWriteEnd();
-    if (pid < 0) {
-        *error = QStringLiteral("'%1' can't be started: %2")
-                     .arg(start.program, QString::fromLocal8Bit(std::strerror(forkError)));
-        return nullptr;
-    }
+    if (pid < 0)
+        return startFailure(forkError);
 
     // The pipe closes when the program runs.
     StartFailure failure;
@@ -197,11 +198,11 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const ProgramStart& start, QSt
     if (size == sizeof(failure)) {
         ::waitpid(pid, nullptr, 0);
         const QString reason = QString::fromLocal8Bit(std::strerror(failure.number));
-        *error = failure.isDirectory
-                     ? QStringLiteral("'%1' can't be started in the folder '%2': %3")
-                           .arg(start.program, start.workingDirectory, reason)
-                     : QStringLiteral("'%1' can't be executed: %2").arg(start.program, reason);
-        return nullptr;
+        return fail(FailureKind::Failed,
+                    failure.isDirectory
+                        ? QStringLiteral("'%1' can't be started in the folder '%2': %3")
+                              .arg(start.program, start.workingDirectory, reason)
+                        : QStringLiteral("'%1' can't be executed: %2").arg(start.program, reason));
     }
     std::unique_ptr<ChildProcess> process(new ChildProcess(pid));
     if (start.keepsOutput) {

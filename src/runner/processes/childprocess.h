@@ -9,6 +9,7 @@
 #include <csignal>
 #include <memory>
 
+#include "base/outcome.h"
 #include "runner/processes/childoutput.h"
 #include "runner/processes/processend.h"
 
@@ -38,10 +39,12 @@ struct ProgramStart {
 
 /// A program that this one started, in a session of its own and with nothing to read on standard
 /// input. Script thread only.
+///
+/// By hand, since QProcess reads output in an event loop only, which a busy script does not run,
+/// handles SIGCHLD, which is the script's, and can't let the program end with this process.
 class ChildProcess {
 public:
-    /// Null when the program can't be started, with `*error` saying why.
-    static std::unique_ptr<ChildProcess> start(const ProgramStart& start, QString* error);
+    static Outcome<std::unique_ptr<ChildProcess>> start(const ProgramStart& start);
     /// Leaves the program as it is.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;

@@ -66,9 +66,9 @@ PrivateFolder::~PrivateFolder() {
         ::close(m_lock);
 }
 
-bool PrivateFolder::make(const QString& runId, QString* error) {
+Outcome<> PrivateFolder::make(const QString& runId) {
     if (!m_path.isEmpty())
-        return true;
+        return {};
     QString reason;
     for (const QString& place : places()) {
         QByteArray name =
@@ -86,13 +86,12 @@ bool PrivateFolder::make(const QString& runId, QString* error) {
         const QByteArray id = runId.toLatin1();
         if (m_lock >= 0 && ::flock(m_lock, LOCK_EX) == 0 &&
             ::write(m_lock, id.constData(), static_cast<size_t>(id.size())) == id.size())
-            return true;
-        *error =
-            QStringLiteral("the folder '%1' can't be used: %2").arg(m_path, qt_error_string(errno));
-        return false;
+            return {};
+        return fail(FailureKind::Failed, QStringLiteral("the folder '%1' can't be used: %2")
+                                             .arg(m_path, qt_error_string(errno)));
     }
-    *error = QStringLiteral("no folder for the agents' socket can be made (%1)").arg(reason);
-    return false;
+    return fail(FailureKind::Failed,
+                QStringLiteral("no folder for the agents' socket can be made (%1)").arg(reason));
 }
 
 void clearLeftFolders() {

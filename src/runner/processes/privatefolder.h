@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "base/outcome.h"
+
 namespace Tamrix {
 
 /// A folder of a run below the user's runtime folder, or that for temporary files, which only this
@@ -15,8 +17,8 @@ public:
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;
 
-    /// Makes the folder, unless it is there. False with `*error` set on failure.
-    bool make(const QString& runId, QString* error);
+    /// Makes the folder, unless it is there.
+    Outcome<> make(const QString& runId);
     /// Empty before make().
     QString path() const { return m_path; }
 

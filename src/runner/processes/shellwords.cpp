@@ -2,7 +2,7 @@
 
 namespace Tamrix {
 
-QStringList splitShellWords(const QString& text, QString* error) {
+Outcome<QStringList> splitShellWords(const QString& text) {
     QStringList words;
     QString word;
     // A word may be empty when it is quoted.
@@ -34,8 +34,8 @@ QStringList splitShellWords(const QString& text, QString* error) {
         }
     }
     if (!quote.isNull()) {
-        *error = QStringLiteral("a quote (%1) is not closed in '%2'").arg(quote, text);
-        return {};
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("a quote (%1) is not closed in '%2'").arg(quote, text));
     }
     if (inWord)
         words.append(word);
@@ -53,6 +53,13 @@ QString quotedShellWord(const QString& word) {
     QString quoted = word;
     quoted.replace(QLatin1Char('\''), QLatin1String("'\\''"));
     return QLatin1Char('\'') + quoted + QLatin1Char('\'');
+}
+
+QString quotedShellWords(const QStringList& words) {
+    QStringList quoted;
+    for (const QString& word : words)
+        quoted.append(quotedShellWord(word));
+    return quoted.join(QLatin1Char(' '));
 }
 
 }  // namespace Tamrix

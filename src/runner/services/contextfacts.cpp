@@ -16,15 +16,24 @@ namespace Tamrix {
 namespace {
 
 /// Applications run on this machine only.
-QString hostProblem(const QString& host) {
+Outcome<> checkHost(const QString& host) {
     const QStringList local = {QString(), QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
                                QStringLiteral("::1")};
-    return local.contains(host)
-               ? QString()
-               : QStringLiteral(
-                     "applications can be started and attached to on this machine only, "
-                     "not on '%1'")
-                     .arg(host);
+    if (local.contains(host))
+        return {};
+    return fail(FailureKind::Refused,
+                QStringLiteral("applications can be started and attached to on this machine only, "
+                               "not on '%1'")
+                    .arg(host));
+}
+
+/// What a script gets: null with `*error` set on failure.
+SharedPtr<ApplicationContext> handedOver(const Outcome<SharedPtr<Application>>& application,
+                                         QString* error) {
+    if (application)
+        return *application;
+    *error = application.error().text;
+    return {};
 }
 
 /// "--name=value" each: the form in which helper programs take options.
@@ -39,40 +48,42 @@ QStringList optionArguments(const QMap<QString, QString>& options) {
 
 SharedPtr<ApplicationContext> Runner::startApplication(const QString& program, const QString& host,
                                                        int, int timeout, QString* error) {
-    *error = hostProblem(host);
-    if (!error->isEmpty())
-        return {};
-    const ApplicationStart start = resolveApplication(program, m_places, error);
-    if (!error->isEmpty())
-        return {};
-    return noted(m_applications.start(start, timeout, error));
+    const auto started = [&]() -> Outcome<SharedPtr<Application>> {
+        if (const Outcome<> checked = checkHost(host); !checked)
+            return fail(checked.error());
+        const Outcome<ApplicationStart> start = resolveApplication(program, m_places);
+        if (!start)
+            return fail(start.error());
+        return noted(m_applications.start(*start, timeout));
+    };
+    return handedOver(started(), error);
 }
 
-SharedPtr<ApplicationContext> Runner::noted(const SharedPtr<Application>& application) {
-    if (application && m_testResult) {
-        const Wire::Hello& hello = application->connection().hello();
+Outcome<SharedPtr<Application>> Runner::noted(const Outcome<SharedPtr<Application>>& connected) {
+    if (connected && m_testResult) {
+        const Wire::Hello& hello = (*connected)->connection().hello();
         m_testResult->addEnvironment(
-            QStringLiteral("Application '%1'").arg(application->name),
+            QStringLiteral("Application '%1'").arg((*connected)->name),
             QStringLiteral("%1, Qt %2, %3").arg(hello.program, hello.qtVersion, hello.platform));
     }
-    return application;
+    return connected;
 }
 
 SharedPtr<ApplicationContext> Runner::attachToApplication(const QString& name, const QString& host,
                                                           int, int timeout, QString* error) {
-    *error = hostProblem(host);
-    if (!error->isEmpty())
-        return {};
-    return noted(m_applications.attach(name, timeout, error));
+    const Outcome<> checked = checkHost(host);
+    return handedOver(checked ? noted(m_applications.attach(name, timeout)) : fail(checked.error()),
+                      error);
 }
 
 SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& program,
                                                               const QStringList& arguments,
                                                               const QString& host, int, int timeout,
                                                               QString* error) {
-    *error = hostProblem(host);
-    if (!error->isEmpty())
+    if (const Outcome<> checked = checkHost(host); !checked) {
+        *error = checked.error().text;
         return {};
+    }
     const QString path = Environment::getVariable(QLatin1String(prefixVariable)) +
                          QLatin1String("/lib/exec/") + program;
     if (!QFileInfo(path).isExecutable()) {
@@ -84,7 +95,7 @@ SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& pro
     start.name = program;
     start.program.program = path;
     start.program.arguments = arguments;
-    return m_applications.start(start, timeout, error);
+    return handedOver(m_applications.start(start, timeout), error);
 }
 
 SharedPtr<ApplicationContext> Runner::startSpecialApplication(const QString& program,
@@ -106,7 +117,7 @@ bool Runner::detachApplication(SharedPtr<ApplicationContext> context) {
 }
 
 SharedPtr<ApplicationContext> Runner::waitForApplicationLaunch(int timeout, QString* error) {
-    return m_applications.waitForLaunch(timeout, error);
+    return handedOver(m_applications.waitForLaunch(timeout), error);
 }
 
 // Contexts

@@ -151,7 +151,7 @@ public:
 
 private:
     /// The application, of which the results have been told.
-    SharedPtr<ApplicationContext> noted(const SharedPtr<Application>& application);
+    Outcome<SharedPtr<Application>> noted(const Outcome<SharedPtr<Application>>& connected);
     /// The application of a context as long as its process runs; else null with the inspector's
     /// error set.
     SharedPtr<Application> running(const SharedPtr<ApplicationContext>& context);

@@ -46,7 +46,7 @@ QStringList folderNames(const QDir& folder) {
     return names;
 }
 
-QList<SuiteCase> findCases(const QDir& suite, QString* error) {
+Outcome<QList<SuiteCase>> findCases(const QDir& suite) {
     QStringList names = folderNames(suite);
     std::sort(names.begin(), names.end(), naturallyBefore);
 
@@ -56,10 +56,9 @@ QList<SuiteCase> findCases(const QDir& suite, QString* error) {
             continue;
         const QString directory = suite.absoluteFilePath(name);
         // Whether there is a script in it can't be known.
-        if (!QFileInfo(directory).isExecutable()) {
-            *error = QStringLiteral("the folder '%1' can't be read").arg(directory);
-            return {};
-        }
+        if (!QFileInfo(directory).isExecutable())
+            return fail(FailureKind::Failed,
+                        QStringLiteral("the folder '%1' can't be read").arg(directory));
         const QString script = findScript(directory);
         if (!script.isEmpty())
             cases.append({name, directory, script});
@@ -82,18 +81,18 @@ int indexOfDisplayName(const QList<SuiteCase>& cases, const QString& name) {
 }
 
 /// Moves the listed cases to the front, in the order of the list.
-bool applyOrder(const SuiteConfig& config, QList<SuiteCase>& cases, QString* error) {
+Outcome<> applyOrder(const SuiteConfig& config, QList<SuiteCase>& cases) {
     int position = 0;
     for (const SuiteConfig::ListedCase& listed : config.cases) {
         const int index = indexOf(cases, listed.name);
         if (index < 0) {
-            *error = QStringLiteral("%1:%2: the suite has no test case '%3'")
-                         .arg(config.fileName, QString::number(listed.line), listed.name);
-            return false;
+            return fail(FailureKind::NotFound,
+                        QStringLiteral("%1:%2: the suite has no test case '%3'")
+                            .arg(config.fileName, QString::number(listed.line), listed.name));
         }
         cases.move(index, position++);
     }
-    return true;
+    return {};
 }
 
 /// The number of single-character changes that turn one text into the other.
@@ -139,37 +138,40 @@ QString displayName(const SuiteCase& testCase) {
         .replace(QLatin1Char('\t'), QLatin1String("\\t"));
 }
 
-Suite loadSuite(const QString& path, QString* error) {
+Outcome<Suite> loadSuite(const QString& path) {
     const QFileInfo info(QDir::cleanPath(QDir::current().absoluteFilePath(path)));
     if (!info.isDir()) {
-        *error = info.exists() ? QStringLiteral("'%1' is not a folder").arg(path)
-                               : QStringLiteral("there is no suite '%1'").arg(path);
-        return {};
+        return info.exists() ? fail(FailureKind::BadArgument,
+                                    QStringLiteral("'%1' is not a folder").arg(path))
+                             : fail(FailureKind::NotFound,
+                                    QStringLiteral("there is no suite '%1'").arg(path));
     }
     Suite suite;
     suite.directory = info.absoluteFilePath();
     suite.name = info.fileName();
-    if (!info.isReadable() || !info.isExecutable()) {
-        *error = QStringLiteral("the suite '%1' can't be read").arg(path);
-        return {};
-    }
-    suite.config = readSuiteConfig(suite.directory, error);
-    if (!error->isEmpty())
-        return {};
-    suite.cases = findCases(QDir(suite.directory), error);
-    if (!error->isEmpty() || !applyOrder(suite.config, suite.cases, error))
-        return {};
+    if (!info.isReadable() || !info.isExecutable())
+        return fail(FailureKind::Failed, QStringLiteral("the suite '%1' can't be read").arg(path));
+    const Outcome<SuiteConfig> config = readSuiteConfig(suite.directory);
+    if (!config)
+        return fail(config.error());
+    suite.config = *config;
+    const Outcome<QList<SuiteCase>> cases = findCases(QDir(suite.directory));
+    if (!cases)
+        return fail(cases.error());
+    suite.cases = *cases;
+    const Outcome<> ordered = applyOrder(suite.config, suite.cases);
+    if (!ordered)
+        return fail(ordered.error());
     if (suite.cases.isEmpty()) {
-        *error = QStringLiteral(
-                     "the suite '%1' has no test case: no folder in it holds a script "
-                     "named \"test\" (for example test.py)")
-                     .arg(path);
-        return {};
+        return fail(FailureKind::NotFound,
+                    QStringLiteral("the suite '%1' has no test case: no folder in it holds a "
+                                   "script named \"test\" (for example test.py)")
+                        .arg(path));
     }
     return suite;
 }
 
-QList<SuiteCase> selectCases(const Suite& suite, const QStringList& names, QString* error) {
+Outcome<QList<SuiteCase>> selectCases(const Suite& suite, const QStringList& names) {
     if (names.isEmpty())
         return suite.cases;
     QStringList wanted;
@@ -182,11 +184,11 @@ QList<SuiteCase> selectCases(const Suite& suite, const QStringList& names, QStri
             name = suite.cases.at(escaped).name;
         if (indexOf(suite.cases, name) < 0) {
             const QStringList near = nearestNames(suite.cases, name);
-            *error = QStringLiteral("the suite '%1' has no test case '%2'").arg(suite.name, name);
+            QString text =
+                QStringLiteral("the suite '%1' has no test case '%2'").arg(suite.name, name);
             if (!near.isEmpty())
-                *error +=
-                    QStringLiteral("; did you mean %1?").arg(near.join(QLatin1String(" or ")));
-            return {};
+                text += QStringLiteral("; did you mean %1?").arg(near.join(QLatin1String(" or ")));
+            return fail(FailureKind::NotFound, text);
         }
         wanted.append(name);
     }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "base/outcome.h"
 #include "runner/suites/suiteconfig.h"
 
 namespace Tamrix {
@@ -32,13 +33,12 @@ struct Suite {
 /// The case's name without characters that control a terminal or end a line.
 QString displayName(const SuiteCase& testCase);
 
-/// Loads the suite in a folder, which may be given relative to the working directory. On failure
-/// (no folder, a faulty config.xml, no test case) `*error` is set to one line and the suite is
-/// empty; on success it is left empty.
-Suite loadSuite(const QString& path, QString* error);
+/// Loads the suite in a folder, which may be given relative to the working directory. Without a
+/// folder, with a faulty config.xml and without a test case it fails with one line.
+Outcome<Suite> loadSuite(const QString& path);
 
 /// The suite's cases with these names, as they are or as they are displayed, in the suite's order;
-/// all of them for no names. An unknown name gives an empty list and sets `*error`.
-QList<SuiteCase> selectCases(const Suite& suite, const QStringList& names, QString* error);
+/// all of them for no names. Fails for an unknown name.
+Outcome<QList<SuiteCase>> selectCases(const Suite& suite, const QStringList& names);
 
 }  // namespace Tamrix

@@ -11,6 +11,14 @@ namespace Tamrix {
 
 namespace {
 
+/// "'plugin' or 'preload'"
+QString launcherNames() {
+    QStringList names;
+    for (const Launcher* launcher : Launcher::all())
+        names.append(QLatin1Char('\'') + launcher->name() + QLatin1Char('\''));
+    return names.join(QLatin1String(" or "));
+}
+
 /// One reading of one file. The first error ends it: it is raised in the XML reader, so that every
 /// loop over the document comes to its end.
 class SuiteConfigReader {
@@ -19,7 +27,7 @@ public:
         m_config.fileName = fileName;
     }
 
-    SuiteConfig read(QString* error);
+    Outcome<SuiteConfig> read();
 
 private:
     struct Child {
@@ -27,7 +35,7 @@ private:
         std::function<void()> read;
     };
 
-    void fail(const QString& message);
+    void giveUp(const QString& message);
     void readDocument();
     void readChildren(const std::vector<Child>& children);
     QString attribute(const char* name);
@@ -47,20 +55,19 @@ private:
     QString m_error;
 };
 
-SuiteConfig SuiteConfigReader::read(QString* error) {
+Outcome<SuiteConfig> SuiteConfigReader::read() {
     readDocument();
     // What follows the root element is checked as well: a second root is an error.
     while (!m_xml.atEnd() && m_error.isEmpty())
         m_xml.readNext();
     if (m_error.isEmpty() && m_xml.hasError())
-        fail(m_xml.errorString());
-    if (m_error.isEmpty())
-        return m_config;
-    *error = m_error;
-    return {};
+        giveUp(m_xml.errorString());
+    if (!m_error.isEmpty())
+        return fail(FailureKind::BadArgument, m_error);
+    return m_config;
 }
 
-void SuiteConfigReader::fail(const QString& message) {
+void SuiteConfigReader::giveUp(const QString& message) {
     if (!m_error.isEmpty())
         return;
     m_error =
@@ -74,10 +81,10 @@ void SuiteConfigReader::readDocument() {
         m_xml.readNext();
         if (m_xml.isDTD()) {
             // Nothing here needs one, and entities are a way to blow up a small file.
-            fail(QStringLiteral("a document type declaration is not allowed"));
+            giveUp(QStringLiteral("a document type declaration is not allowed"));
         } else if (m_xml.isStartElement()) {
             if (m_xml.name() != QLatin1String("suite")) {
-                fail(QStringLiteral("the root element is <%1>, not <suite>").arg(m_xml.name()));
+                giveUp(QStringLiteral("the root element is <%1>, not <suite>").arg(m_xml.name()));
                 return;
             }
             checkAttributes({});
@@ -108,7 +115,7 @@ void SuiteConfigReader::readChildren(const std::vector<Child>& children) {
         if (m_xml.isEndElement())
             return;
         if (m_xml.isCharacters() && !m_xml.isWhitespace()) {
-            fail(QStringLiteral("unexpected text in <%1>").arg(parent));
+            giveUp(QStringLiteral("unexpected text in <%1>").arg(parent));
         } else if (m_xml.isStartElement()) {
             const Child* known = nullptr;
             for (const Child& child : children) {
@@ -118,7 +125,7 @@ void SuiteConfigReader::readChildren(const std::vector<Child>& children) {
             if (known)
                 known->read();
             else
-                fail(QStringLiteral("unknown element <%1> in <%2>").arg(m_xml.name(), parent));
+                giveUp(QStringLiteral("unknown element <%1> in <%2>").arg(m_xml.name(), parent));
         }
     }
 }
@@ -127,8 +134,8 @@ void SuiteConfigReader::readChildren(const std::vector<Child>& children) {
 QString SuiteConfigReader::attribute(const char* name) {
     const QString value = m_xml.attributes().value(QLatin1String(name)).toString();
     if (value.isEmpty()) {
-        fail(QStringLiteral("<%1> needs the attribute \"%2\"")
-                 .arg(m_xml.name(), QLatin1String(name)));
+        giveUp(QStringLiteral("<%1> needs the attribute \"%2\"")
+                   .arg(m_xml.name(), QLatin1String(name)));
     }
     return value;
 }
@@ -136,15 +143,15 @@ QString SuiteConfigReader::attribute(const char* name) {
 void SuiteConfigReader::checkAttributes(const QStringList& known) {
     for (const QXmlStreamAttribute& attribute : m_xml.attributes()) {
         if (!known.contains(attribute.qualifiedName().toString())) {
-            fail(QStringLiteral("unknown attribute \"%1\" of <%2>")
-                     .arg(attribute.qualifiedName(), m_xml.name()));
+            giveUp(QStringLiteral("unknown attribute \"%1\" of <%2>")
+                       .arg(attribute.qualifiedName(), m_xml.name()));
         }
     }
 }
 
 void SuiteConfigReader::checkUnique(QSet<QString>& names, const QString& name, const char* what) {
     if (names.contains(name))
-        fail(QStringLiteral("%1 '%2' is listed twice").arg(QLatin1String(what), name));
+        giveUp(QStringLiteral("%1 '%2' is listed twice").arg(QLatin1String(what), name));
     names.insert(name);
 }
 
@@ -158,7 +165,7 @@ QString SuiteConfigReader::readText() {
         if (m_xml.isEndElement())
             return text;
         if (m_xml.isStartElement())
-            fail(QStringLiteral("unknown element <%1> in <%2>").arg(m_xml.name(), element));
+            giveUp(QStringLiteral("unknown element <%1> in <%2>").arg(m_xml.name(), element));
         else if (m_xml.isCharacters())
             text += m_xml.text();
     }
@@ -180,7 +187,7 @@ void SuiteConfigReader::readSetting() {
     SuiteConfig::Setting setting;
     setting.name = attribute("name");
     if (!m_xml.attributes().hasAttribute(QLatin1String("value")))
-        fail(QStringLiteral("<setting> needs the attribute \"value\""));
+        giveUp(QStringLiteral("<setting> needs the attribute \"value\""));
     setting.value = m_xml.attributes().value(QLatin1String("value")).toString();
     checkUnique(m_settingNames, setting.name, "setting");
     m_config.settings.append(setting);
@@ -193,9 +200,10 @@ void SuiteConfigReader::readApplication() {
     application.name = attribute("name");
     application.path = attribute("path");
     const QString hook = m_xml.attributes().value(QLatin1String("hook")).toString();
-    application.preloadsAgent = hook == QLatin1String("preload");
-    if (!application.preloadsAgent && !hook.isEmpty() && hook != QLatin1String("plugin"))
-        fail(QStringLiteral("hook is 'plugin' or 'preload', not '%1'").arg(hook));
+    if (const Launcher* const launcher = Launcher::find(hook))
+        application.launcher = launcher;
+    else if (!hook.isEmpty())
+        giveUp(QStringLiteral("hook is %1, not '%2'").arg(launcherNames(), hook));
     checkUnique(m_applicationNames, application.name, "application");
 
     QSet<QString> variableNames;
@@ -204,17 +212,17 @@ void SuiteConfigReader::readApplication() {
         {"workingDirectory",
          [&] {
              if (!application.workingDirectory.isEmpty())
-                 fail(QStringLiteral("a second <workingDirectory>"));
+                 giveUp(QStringLiteral("a second <workingDirectory>"));
              application.workingDirectory = readText();
              if (application.workingDirectory.isEmpty())
-                 fail(QStringLiteral("<workingDirectory> is empty"));
+                 giveUp(QStringLiteral("<workingDirectory> is empty"));
          }},
         {"variable",
          [&] {
              checkAttributes({QStringLiteral("name"), QStringLiteral("value")});
              const QString name = attribute("name");
              if (name.contains(QLatin1Char('=')))
-                 fail(QStringLiteral("a variable's name can't hold \"=\": '%1'").arg(name));
+                 giveUp(QStringLiteral("a variable's name can't hold \"=\": '%1'").arg(name));
              checkUnique(variableNames, name, "variable");
              application.environment.append(
                  {name, m_xml.attributes().value(QLatin1String("value")).toString()});
@@ -226,31 +234,31 @@ void SuiteConfigReader::readApplication() {
 
 }  // namespace
 
-SuiteConfig parseSuiteConfig(const QByteArray& text, const QString& fileName, QString* error) {
-    return SuiteConfigReader(text, fileName).read(error);
+Outcome<SuiteConfig> parseSuiteConfig(const QByteArray& text, const QString& fileName) {
+    return SuiteConfigReader(text, fileName).read();
 }
 
-SuiteConfig readSuiteConfig(const QString& suiteDirectory, QString* error) {
+Outcome<SuiteConfig> readSuiteConfig(const QString& suiteDirectory) {
     const QString fileName = suiteDirectory + QLatin1String("/config.xml");
     QFile file(fileName);
     if (!QFileInfo::exists(fileName) && !QFileInfo(fileName).isSymLink())
-        return {};
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("%1 can't be read: %2").arg(fileName, file.errorString());
-        return {};
-    }
+        return SuiteConfig();
+    const auto readFailure = [&] {
+        return fail(FailureKind::Failed,
+                    QStringLiteral("%1 can't be read: %2").arg(fileName, file.errorString()));
+    };
+    if (!file.open(QIODevice::ReadOnly))
+        return readFailure();
     // One byte more than allowed tells a file that is too large, also one without a size.
     const QByteArray text = file.read(maximalSuiteConfigSize + 1);
-    if (file.error() != QFileDevice::NoError) {
-        *error = QStringLiteral("%1 can't be read: %2").arg(fileName, file.errorString());
-        return {};
-    }
+    if (file.error() != QFileDevice::NoError)
+        return readFailure();
     if (text.size() > maximalSuiteConfigSize) {
-        *error = QStringLiteral("%1 is larger than %2 bytes")
-                     .arg(fileName, QString::number(maximalSuiteConfigSize));
-        return {};
+        return fail(FailureKind::Refused,
+                    QStringLiteral("%1 is larger than %2 bytes")
+                        .arg(fileName, QString::number(maximalSuiteConfigSize)));
     }
-    return parseSuiteConfig(text, fileName, error);
+    return parseSuiteConfig(text, fileName);
 }
 
 }  // namespace Tamrix

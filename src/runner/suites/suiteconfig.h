@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "base/outcome.h"
 #include "runner/applications/configuredapplication.h"
 
 namespace Tamrix {
@@ -33,12 +34,12 @@ struct SuiteConfig {
 /// The largest config.xml that is read, in bytes.
 inline constexpr qint64 maximalSuiteConfigSize = 1024 * 1024;
 
-/// Reads the text of a config.xml. `fileName` is for messages. On failure an empty object comes
-/// back and `*error` says what is wrong, as FILE:LINE: TEXT; on success it is left empty.
-SuiteConfig parseSuiteConfig(const QByteArray& text, const QString& fileName, QString* error);
+/// Reads the text of a config.xml. `fileName` is for messages. A failure says what is wrong, as
+/// FILE:LINE: TEXT.
+Outcome<SuiteConfig> parseSuiteConfig(const QByteArray& text, const QString& fileName);
 
 /// Reads `suiteDirectory`/config.xml; a suite without one has an empty configuration. Fails as
 /// parseSuiteConfig() does.
-SuiteConfig readSuiteConfig(const QString& suiteDirectory, QString* error);
+Outcome<SuiteConfig> readSuiteConfig(const QString& suiteDirectory);
 
 }  // namespace Tamrix

@@ -13,7 +13,6 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/inspector.h"
@@ -23,7 +22,8 @@
 #include "runner/processes/interrupt.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
-#include "vision/screenshot.h"
+#include "runner/suites/runsettings.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 
@@ -81,22 +81,18 @@ SuiteRun::~SuiteRun() {
     TestVP::setScreenshotServices({});
 }
 
-QString SuiteRun::prepare() {
-    const QString error = loadObjectMap();
-    if (!error.isEmpty())
-        return error;
-    // A failure shows the moment in which it happened unless the script asks otherwise.
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnError, true);
+Outcome<> SuiteRun::prepare() {
+    if (const Outcome<> loaded = loadObjectMap(); !loaded)
+        return loaded;
     return m_runner.applications().useDisplay(m_options.display);
 }
 
-QString SuiteRun::loadObjectMap() {
+Outcome<> SuiteRun::loadObjectMap() {
     const QString path = m_runner.objectMapPath();
     ObjectMap::self()->clear();
     if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
         return {};
-    return Inspector::self()->lastError();
+    return fail(FailureKind::Failed, Inspector::self()->lastError());
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
@@ -122,12 +118,6 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
 }
 
 void SuiteRun::noteEnvironment() {
-    const auto quoted = [](const QStringList& words) {
-        QStringList all;
-        for (const QString& word : words)
-            all.append(quotedShellWord(word));
-        return all.join(QLatin1Char(' '));
-    };
     m_result.addEnvironment(QStringLiteral("Tamrix"), QStringLiteral(TAMRIX_VERSION));
     m_result.addEnvironment(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
     m_result.addEnvironment(
@@ -137,18 +127,20 @@ void SuiteRun::noteEnvironment() {
                  QSysInfo::currentCpuArchitecture()));
     m_result.addEnvironment(QStringLiteral("Host"), QSysInfo::machineHostName());
     m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications().display());
-    m_result.addEnvironment(QStringLiteral("Command"), quoted(QCoreApplication::arguments()));
-    m_result.addEnvironment(QStringLiteral("Script arguments"), quoted(m_options.scriptArguments));
+    m_result.addEnvironment(QStringLiteral("Command"),
+                            quotedShellWords(QCoreApplication::arguments()));
+    m_result.addEnvironment(QStringLiteral("Script arguments"),
+                            quotedShellWords(m_options.scriptArguments));
 }
 
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.setTestCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
+    startRunSettings(m_suite.config, &m_result);
     m_failureMoment.reset();
-    const QString mapError = loadObjectMap();
-    if (!mapError.isEmpty()) {
+    if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
-                           mapError, LineInfo());
+                           loaded.error().text, LineInfo());
     }
     {
         const ProcessState stateBeforeCase;

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "base/outcome.h"
 #include "platform/testresult/testresult.h"
 #include "runner/services/runner.h"
 #include "runner/suites/failuremoment.h"
@@ -35,8 +36,8 @@ public:
     ~SuiteRun();
 
     /// What has to be right before anything runs: the display for applications and the suite's map
-    /// of object names. Returns an error text, empty on success. Call it before run().
-    QString prepare();
+    /// of object names. Call it before run().
+    Outcome<> prepare();
 
     /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
     /// signal asked to end. Call it once. TAMRIX_PREFIX has to be set.
@@ -55,7 +56,7 @@ private:
     bool readScript(const QString& path, QString* text);
     bool caseHasFailed() const;
     /// Loads the suite's map of object names, so that each case starts with the same one.
-    QString loadObjectMap();
+    Outcome<> loadObjectMap();
     /// A picture of the desktop for a result; null when the application gives none.
     QImage grabDesktop();
     void keepFailureMoment(const QString& folder);

@@ -256,7 +256,7 @@ TEST_F(Verdicts, SectionsAndCounts) {
     ASSERT_EQ(sections.size(), 1u);
     EXPECT_EQ(sections[0].callStack, CallStack{context.frames[0]});
     context.call(testEndSection);
-    EXPECT_EQ(outcome(), "");
+    EXPECT_EQ(outcome(), "null");
     context.call(testEndSection);
     EXPECT_TRUE(context.hasError());
     context.call(testEndSection, {text("x")});

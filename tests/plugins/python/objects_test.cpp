@@ -146,7 +146,7 @@ b.setValue(2.0)
     EXPECT_EQ(run("assert b.resize(True, 4) is None"), "");
     EXPECT_EQ(s_seen,
               (QStringList{"ok resize int:3 int:4", "ok setValue int:5", "ok setValue QString:five",
-                           "ok setValue int:2", "ok resize bool:true int:4"}));
+                           "ok setValue double:2", "ok resize bool:true int:4"}));
     failure = "the object is gone";
     const std::pair<const char*, const char*> rows[] = {
         {"b.resize(1, 2)", "tamrix.Error: the object is gone"},

@@ -6,10 +6,13 @@
 
 #include "runner/processes/shellwords.h"
 #include "runner/suites/suitefolder.h"
+#include "support/outcomes.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
+
+using Tamrix::Test::errorOf;
 
 TEST(ShellWords, AreSplitAsAShellDoes) {
     const struct {
@@ -23,16 +26,12 @@ TEST(ShellWords, AreSplitAsAShellDoes) {
         {"a\\ b \\' 'c\\d' \"e\\\"f\\g\"", {"a b", "'", "c\\d", "e\"f\\g"}},
     };
     for (const auto& row : table) {
-        QString error;
-        EXPECT_EQ(splitShellWords(row.text, &error), row.words) << row.text;
-        EXPECT_EQ(error, "");
-        QStringList quoted;
-        for (const QString& word : row.words)
-            quoted.append(quotedShellWord(word));
-        EXPECT_EQ(splitShellWords(quoted.join(' '), &error), row.words) << row.text;
+        const auto words = splitShellWords(row.text);
+        ASSERT_EQ(errorOf(words), "");
+        EXPECT_EQ(*words, row.words) << row.text;
+        EXPECT_EQ(splitShellWords(quotedShellWords(row.words)).value(), row.words) << row.text;
     }
-    QString error;
-    EXPECT_TRUE(splitShellWords("a 'b", &error).isEmpty());
+    const QString error = errorOf(splitShellWords("a 'b"));
     EXPECT_TRUE(error.contains("'a 'b'")) << qPrintable(error);
 }
 
@@ -52,8 +51,9 @@ protected:
     }
 
     ApplicationStart resolve(const QString& text) {
-        error.clear();
-        return resolveApplication(text, places, &error);
+        const auto start = resolveApplication(text, places);
+        error = errorOf(start);
+        return start.value_or(ApplicationStart());
     }
 
     Tamrix::Test::SuiteFolder suite;

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 
+#include "support/outcomes.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -19,10 +20,9 @@ StartedPrograms::Pointer startShell(const QString& script) {
     start.program.program = "/bin/sh";
     start.program.arguments = QStringList{"-c", script};
     start.program.mark = QString("started-programs-%1:%2").arg(::getpid()).arg(++s_number);
-    QString error;
-    auto process = ChildProcess::start(start.program, &error);
-    EXPECT_EQ(error, "");
-    return std::make_shared<StartedProgram>(start, std::move(process));
+    auto process = ChildProcess::start(start.program);
+    EXPECT_EQ(Tamrix::Test::errorOf(process), "");
+    return std::make_shared<StartedProgram>(start, std::move(process.value()));
 }
 
 void workUntilSettled(StartedPrograms& programs) {

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "runner/processes/markedprocesses.h"
+#include "support/outcomes.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -18,10 +19,9 @@ std::unique_ptr<ChildProcess> startShell(const QString& script,
     start.arguments = QStringList{"-c", script};
     start.environment = environment;
     start.mark = mark;
-    QString error;
-    std::unique_ptr<ChildProcess> process = ChildProcess::start(start, &error);
-    EXPECT_EQ(error, "");
-    return process;
+    Outcome<std::unique_ptr<ChildProcess>> process = ChildProcess::start(start);
+    EXPECT_EQ(Tamrix::Test::errorOf(process), "");
+    return process ? std::move(*process) : nullptr;
 }
 
 TEST(ChildProcess, TellsHowItEndedAndWhatItWrote) {
@@ -52,15 +52,13 @@ TEST(ChildProcess, FailsWithTheReason) {
     ProgramStart start;
     start.program = "/bin/sh";
     start.workingDirectory = "/no/such/folder";
-    QString error;
-    EXPECT_FALSE(ChildProcess::start(start, &error));
-    EXPECT_EQ(error,
+    EXPECT_EQ(Tamrix::Test::errorOf(ChildProcess::start(start)),
               "'/bin/sh' can't be started in the folder '/no/such/folder': No such file or "
               "directory");
     start = {};
     start.program = "/etc/passwd";
-    EXPECT_FALSE(ChildProcess::start(start, &error));
-    EXPECT_EQ(error, "'/etc/passwd' can't be executed: Permission denied");
+    EXPECT_EQ(Tamrix::Test::errorOf(ChildProcess::start(start)),
+              "'/etc/passwd' can't be executed: Permission denied");
 }
 
 TEST(MarkedProcesses, AllThatCameOfAProgramAreEnded) {

@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include "runner/suites/suitefolder.h"
+#include "support/outcomes.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
+
+using Tamrix::Test::errorOf;
 
 QStringList names(const QList<SuiteCase>& cases) {
     QStringList all;
@@ -26,8 +29,7 @@ TEST(Suite, AFolderThatCannotBeReadIsTold) {
     ASSERT_EQ(::chmod(folder.path().toLocal8Bit(), 0755), 0);
     const uid_t user = ::geteuid();
     ASSERT_TRUE(user != 0 || ::setresuid(65534, 65534, 0) == 0);
-    QString error;
-    loadSuite(folder.path(), &error);
+    const QString error = errorOf(loadSuite(folder.path()));
     ASSERT_TRUE(user != 0 || ::setresuid(0, 0, 0) == 0);
     EXPECT_EQ(error, QString("the folder '%1' can't be read").arg(folder.path("b")));
     ::chmod(folder.path("b").toLocal8Bit(), 0755);
@@ -41,9 +43,9 @@ TEST(Suite, CasesAreFoldersWithAScriptInNaturalOrder) {
           "other/Test.py", "test.py", ".hidden/test.py", "folder/test.py/x"})
         folder.write(file);
 
-    QString error;
-    const Suite suite = loadSuite(folder.path(), &error);
-    ASSERT_EQ(error, QString());
+    const auto loaded = loadSuite(folder.path());
+    ASSERT_EQ(errorOf(loaded), QString());
+    const Suite& suite = *loaded;
     EXPECT_EQ(suite.name, QFileInfo(folder.path()).fileName());
     EXPECT_EQ(suite.directory, folder.path());
     EXPECT_EQ(names(suite.cases), QStringList({"both", "case2", "case10", "über uns"}));
@@ -59,12 +61,13 @@ TEST(Suite, ConfigFixesTheOrderOfTheListedCases) {
         folder.write(file);
     folder.write("config.xml",
                  "<suite><cases><case name=\"d\"/><case name=\"b\"/></cases></suite>");
-    QString error;
-    EXPECT_EQ(names(loadSuite(folder.path(), &error).cases), QStringList({"d", "b", "a", "c"}));
+    const auto loaded = loadSuite(folder.path());
+    ASSERT_EQ(errorOf(loaded), QString());
+    EXPECT_EQ(names(loaded->cases), QStringList({"d", "b", "a", "c"}));
 
     folder.write("config.xml", "<suite><cases>\n<case name=\"e\"/></cases></suite>");
-    EXPECT_TRUE(loadSuite(folder.path(), &error).cases.isEmpty());
-    EXPECT_EQ(error, folder.path("config.xml") + ":2: the suite has no test case 'e'");
+    EXPECT_EQ(errorOf(loadSuite(folder.path())),
+              folder.path("config.xml") + ":2: the suite has no test case 'e'");
 }
 
 TEST(Suite, PathMayBeRelativeOrALink) {
@@ -73,14 +76,14 @@ TEST(Suite, PathMayBeRelativeOrALink) {
     ASSERT_TRUE(QFile::link("my suite", folder.path("link")));
     const QString before = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(folder.path("my suite")));
-    QString error;
-    const Suite here = loadSuite(".", &error);
-    const Suite link = loadSuite("../link/", &error);
+    const auto here = loadSuite(".");
+    const auto link = loadSuite("../link/");
     QDir::setCurrent(before);
-    EXPECT_EQ(here.name, QString("my suite"));
-    EXPECT_EQ(here.directory, folder.path("my suite"));
-    EXPECT_EQ(link.name, QString("link"));
-    EXPECT_EQ(link.cases.at(0).script, folder.path("link/case/test.py"));
+    ASSERT_EQ(errorOf(here) + errorOf(link), QString());
+    EXPECT_EQ(here->name, QString("my suite"));
+    EXPECT_EQ(here->directory, folder.path("my suite"));
+    EXPECT_EQ(link->name, QString("link"));
+    EXPECT_EQ(link->cases.at(0).script, folder.path("link/case/test.py"));
 }
 
 TEST(Suite, WhatIsNoSuiteIsNamed) {
@@ -101,9 +104,8 @@ TEST(Suite, WhatIsNoSuiteIsNamed) {
         {"faulty", "%1/config.xml:1: unknown element <x> in <suite>"},
     };
     for (const auto& row : rows) {
-        QString error;
-        EXPECT_TRUE(loadSuite(folder.path(row.name), &error).cases.isEmpty()) << row.name;
-        EXPECT_EQ(error, QString(row.error).arg(folder.path(row.name)));
+        EXPECT_EQ(errorOf(loadSuite(folder.path(row.name))),
+                  QString(row.error).arg(folder.path(row.name)));
     }
 }
 
@@ -125,9 +127,9 @@ TEST(Suite, NamedCasesKeepTheOrderOfTheSuite) {
         {{"xyzxyz"}, {}, "the suite 's' has no test case 'xyzxyz'"},
     };
     for (const auto& row : rows) {
-        QString error;
-        EXPECT_EQ(names(selectCases(suite, row.wanted, &error)), row.selected);
-        EXPECT_EQ(error, QString(row.error));
+        const auto selected = selectCases(suite, row.wanted);
+        EXPECT_EQ(errorOf(selected), QString(row.error));
+        EXPECT_EQ(names(selected.value_or(QList<SuiteCase>())), row.selected);
     }
 }
 

@@ -3,14 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "runner/suites/suitefolder.h"
+#include "support/outcomes.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
+using Tamrix::Test::errorOf;
+
 TEST(SuiteConfig, ReadsEverythingItDescribes) {
-    QString error;
-    const SuiteConfig config = parseSuiteConfig(R"(<?xml version="1.0" encoding="UTF-8"?>
+    const auto read = parseSuiteConfig(R"(<?xml version="1.0" encoding="UTF-8"?>
 <!-- a comment -->
 <suite>
   <cases>
@@ -30,12 +32,13 @@ TEST(SuiteConfig, ReadsEverythingItDescribes) {
       <variable name="LANG" value="C"/>
       <variable name="EMPTY" value=""/>
     </application>
-    <application name="other" path="/usr/bin/other"/>
+    <application name="other" path="/usr/bin/other" hook="preload"/>
   </applications>
 </suite>
 )",
-                                                "config.xml", &error);
-    ASSERT_EQ(error, QString());
+                                       "config.xml");
+    ASSERT_EQ(errorOf(read), QString());
+    const SuiteConfig& config = *read;
     ASSERT_EQ(config.cases.size(), 2);
     EXPECT_EQ(config.cases.at(0).name, QString("second"));
     EXPECT_EQ(config.cases.at(0).line, 5);
@@ -52,7 +55,9 @@ TEST(SuiteConfig, ReadsEverythingItDescribes) {
     EXPECT_EQ(application.workingDirectory, QString("data"));
     EXPECT_EQ(application.environment,
               (QList<QPair<QString, QString>>{{"LANG", "C"}, {"EMPTY", ""}}));
+    EXPECT_EQ(application.launcher->name(), QString("plugin"));
     EXPECT_EQ(config.applications.at(1).name, QString("other"));
+    EXPECT_EQ(config.applications.at(1).launcher->name(), QString("preload"));
 }
 
 TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
@@ -92,47 +97,45 @@ TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
          "</workingDirectory>\n<workingDirectory>y</workingDirectory></application></applications>"
          "</suite>",
          "2: a second <workingDirectory>"},
+        {"<suite><applications>\n<application name=\"a\" path=\"b\" hook=\"fish\"/></applications>"
+         "</suite>",
+         "2: hook is 'plugin' or 'preload', not 'fish'"},
         {"<!DOCTYPE suite [\n<!ENTITY a \"aaaa\">]>\n<suite>&a;</suite>",
          "2: a document type declaration is not allowed"},
         {"<suite>\xff</suite>", "1: Encountered incorrectly encoded content."},
     };
     for (const auto& row : rows) {
-        QString error;
-        const SuiteConfig config = parseSuiteConfig(row.text, "s/config.xml", &error);
-        EXPECT_EQ(error, QLatin1String("s/config.xml:") + row.error) << row.text;
-        EXPECT_TRUE(config.cases.isEmpty()) << row.text;
-        EXPECT_TRUE(config.settings.isEmpty()) << row.text;
+        EXPECT_EQ(errorOf(parseSuiteConfig(row.text, "s/config.xml")),
+                  QLatin1String("s/config.xml:") + row.error)
+            << row.text;
     }
 }
 
 TEST(SuiteConfig, FileMayBeAbsentButNotTooLargeOrUnreadable) {
     const Tamrix::Test::SuiteFolder suite;
-    QString error;
-    EXPECT_TRUE(readSuiteConfig(suite.path(), &error).cases.isEmpty());
-    EXPECT_EQ(error, QString());
+    const auto absent = readSuiteConfig(suite.path());
+    ASSERT_EQ(errorOf(absent), QString());
+    EXPECT_TRUE(absent->cases.isEmpty());
 
     QByteArray text = "<suite>";
     text += QByteArray(static_cast<int>(maximalSuiteConfigSize) - text.size() - 8, ' ');
     text += "</suite>";
     suite.write("config.xml", text);
-    readSuiteConfig(suite.path(), &error);
-    EXPECT_EQ(error, QString());
+    EXPECT_EQ(errorOf(readSuiteConfig(suite.path())), QString());
 
     suite.write("config.xml", text + ' ');
-    readSuiteConfig(suite.path(), &error);
-    EXPECT_EQ(error, suite.path("config.xml") + " is larger than 1048576 bytes");
+    EXPECT_EQ(errorOf(readSuiteConfig(suite.path())),
+              suite.path("config.xml") + " is larger than 1048576 bytes");
 
-    error.clear();
     QFile::remove(suite.path("config.xml"));
     QDir(suite.path()).mkdir("config.xml");
-    readSuiteConfig(suite.path(), &error);
+    QString error = errorOf(readSuiteConfig(suite.path()));
     EXPECT_TRUE(error.startsWith(suite.path("config.xml") + " can't be read: "))
         << qPrintable(error);
 
-    error.clear();
     QDir(suite.path()).rmdir("config.xml");
     QFile::link("nowhere", suite.path("config.xml"));
-    readSuiteConfig(suite.path(), &error);
+    error = errorOf(readSuiteConfig(suite.path()));
     EXPECT_TRUE(error.startsWith(suite.path("config.xml") + " can't be read: "))
         << qPrintable(error);
 }

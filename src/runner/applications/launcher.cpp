@@ -1,0 +1,29 @@
+#include "runner/applications/launcher.h"
+
+#include "base/environment.h"
+#include "runner/applications/launchers.h"
+
+namespace Tamrix {
+
+const QList<const Launcher*>& Launcher::all() {
+    static const QList<const Launcher*> launchers = {&pluginLauncher(), &preloadLauncher()};
+    return launchers;
+}
+
+const Launcher* Launcher::find(const QString& name) {
+    for (const Launcher* launcher : all()) {
+        if (launcher->name() == name)
+            return launcher;
+    }
+    return nullptr;
+}
+
+QString joinedWithOthers(const QString& ours, const QString& variable, QLatin1Char separator,
+                         ListPlace place) {
+    const QString others = Environment::getVariable(variable);
+    if (others.isEmpty())
+        return ours;
+    return place == ListPlace::InFront ? ours + separator + others : others + separator + ours;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "runner/applications/launcher.h"
+
+namespace Tamrix {
+
+// The ways into programs, each defined in its own file.
+
+/// "plugin": Qt loads the agent as one of its plug-ins.
+const Launcher& pluginLauncher();
+/// "preload": the dynamic linker loads a hook, for programs that pass over Qt's plug-ins.
+const Launcher& preloadLauncher();
+
+}  // namespace Tamrix

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/fakecalls.h"
+
+namespace Tamrix::Test {
+
+/// Facts of a run without a suite, and time that passes at once.
+class FakeFacts : public virtual FakeCalls {
+public:
+    QString casePath;
+    QString caseName = "tst_fake";
+    QString suiteName = "suite_fake";
+    QString resultDirectory;
+    QString group = "the group";
+    QString device = "the device";
+    bool ideMode = false;
+    bool hasObjectModel = false;
+    TestResult* result = nullptr;
+
+    int acquired = 0;
+    int released = 0;
+    int processedEvents = 0;
+
+    void snooze(double seconds) override { calls.append(QString("snooze %1").arg(seconds)); }
+    void processEvents() override { ++processedEvents; }
+    QString testCasePath() override { return casePath; }
+    QString settingsGroup() override { return group; }
+    QString defaultDevice() override { return device; }
+    QString testCaseName() override { return caseName; }
+    QString testSuiteName() override { return suiteName; }
+    void setImageSearchFixTarget(int) override {}
+    int imageSearchFixTarget() override { return 0; }
+    QString objectMapPath() override { return {}; }
+    QString currentResultDirectory() override { return resultDirectory; }
+    QStringList filterArguments() override { return {}; }
+    std::vector<unsigned> scenarioIndices() override { return {}; }
+    bool isIDEMode() override { return ideMode; }
+    unsigned runLevel() override { return 0; }
+    TestResult* testResult() override { return result; }
+    bool isVideoCaptureEnabled() override { return false; }
+    bool acquireRemoteObjectModel() override {
+        ++acquired;
+        return hasObjectModel;
+    }
+    void releaseRemoteObjectModel() override { ++released; }
+};
+
+}  // namespace Tamrix::Test
