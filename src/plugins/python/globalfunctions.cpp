@@ -111,8 +111,8 @@ PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
                               if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
                                   values = withObject(interpreter, values.get());
                               // Which of several methods is meant is the application's to say.
-                              return callResult(methods.first()->invoke(
-                                  nullptr, callArguments(name, values.get(), nullptr)));
+                              return callResult(Inspector::self()->take(methods.first()->invoke(
+                                  nullptr, callArguments(name, values.get(), nullptr))));
                           })
         .release();
 }

@@ -90,7 +90,8 @@ PyObject* callMethod(PyObject* self, PyObject* tuple, PyObject* named) {
                    if (!method->deprecationMessage().isEmpty())
                        logDeprecationWarning(&interpreter, method,
                                              "(" + joinArguments(method->signature(), ", ") + ")");
-                   return callResult(method->invoke(bound->object(), arguments));
+                   return callResult(
+                       Inspector::self()->take(method->invoke(bound->object(), arguments)));
                })
         .release();
 }

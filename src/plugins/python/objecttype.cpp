@@ -126,7 +126,7 @@ PyRef writeProperty(const SharedPtr<Object>& object, const QString& name, PyObje
         PyErr_SetString(PyExc_TypeError, Inspector::self()->lastError().toUtf8().constData());
         throw PythonErrorSet();
     }
-    if (!property->set(object, written)) {
+    if (!Inspector::self()->take(object->writeProperty(*property, written))) {
         raiseLastError();
         throw PythonErrorSet();
     }

@@ -33,7 +33,6 @@ PyRef askApplication(const QString& function, Work work) {
     interpreter->output().flush();
     try {
         const RemoteObjectModelHolder holder(interpreter->runner());
-        Inspector::self()->setLastErrorIsLookup(false);
         return work(*interpreter);
     } catch (const PythonErrorSet&) {
         return {};

@@ -49,8 +49,11 @@ bool AgentServer::listen(QString* error) {
         return true;
     if (!m_folder.make(m_runId, error))
         return false;
-    m_listener = Wire::listenLocalSocket(socketPath(), error);
-    return m_listener >= 0;
+    const Outcome<int> listener = Wire::listenLocalSocket(socketPath());
+    m_listener = listener.value_or(-1);
+    if (!listener)
+        *error = listener.error().text;
+    return listener.has_value();
 }
 
 void AgentServer::work() {

@@ -179,20 +179,17 @@ QString Applications::startFailure(StartedProgram& program, const QString& toolk
 bool Applications::greet(Application& application, const QDeadlineTimer& deadline, int timeout,
                          QString* error) {
     const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
-    RequestError failure;
-    if (application.model().readGlobalClass(left, &failure))
+    const Outcome<> greeted = application.model().readGlobalClass(left);
+    if (greeted)
         return true;
-    switch (failure.kind) {
-        case RequestError::Kind::Aborted:
-            *error = QStringLiteral("the run was interrupted while '%1' was waited for")
-                         .arg(application.name);
-            break;
-        case RequestError::Kind::TimedOut:
-            *error = QStringLiteral("'%1' has connected, but does not answer within %2 ms")
-                         .arg(application.name, QString::number(timeout));
-            break;
-        default:
-            *error = failure.text;
+    if (greeted.error().kind == FailureKind::TimedOut) {
+        *error = QStringLiteral("'%1' has connected, but does not answer within %2 ms")
+                     .arg(application.name, QString::number(timeout));
+    } else if (isInterrupted()) {
+        *error = QStringLiteral("the run was interrupted while '%1' was waited for")
+                     .arg(application.name);
+    } else {
+        *error = greeted.error().text;
     }
     return false;
 }
@@ -366,8 +363,7 @@ bool Applications::askToClose() {
             continue;
         application->connection().setSyncTimeout(quitTimeout);
         application->model().setRequestTimeout(quitTimeout);
-        QString ignored;
-        wasAsked = application->model().quit(&ignored) || wasAsked;
+        wasAsked = application->model().quit() || wasAsked;
     }
     return wasAsked;
 }

@@ -96,8 +96,11 @@ public:
 
     bool listen(const QString& path, QString* error) {
         m_path = path;
-        m_descriptor = Wire::listenLocalSocket(path, error);
-        return m_descriptor >= 0;
+        const Outcome<int> descriptor = Wire::listenLocalSocket(path);
+        m_descriptor = descriptor.value_or(-1);
+        if (!descriptor)
+            *error = descriptor.error().text;
+        return descriptor.has_value();
     }
     int descriptor() const { return m_descriptor; }
 
@@ -268,10 +271,8 @@ bool listenForRuns(const QString& name, Listener& listener, QString* error) {
     const QString path = socketOf(name, error);
     if (path.isEmpty())
         return false;
-    QString ignored;
-    const int other = Wire::connectLocalSocket(path, &ignored);
-    if (other >= 0) {
-        ::close(other);
+    if (const Outcome<int> other = Wire::connectLocalSocket(path)) {
+        ::close(*other);
         *error = QStringLiteral("a program named '%1' is attachable already").arg(name);
         return false;
     }
@@ -359,13 +360,11 @@ int keepAttachable(const AttachableOptions& options, QString* error) {
 }
 
 void clearLeftSockets() {
-    QString ignored;
     const QDir folder(attachableFolderPath());
     const QDateTime justNow = QDateTime::currentDateTime().addSecs(-socketAge);
     for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.sock")}, QDir::System)) {
-        const int descriptor = Wire::connectLocalSocket(file.filePath(), &ignored);
-        if (descriptor >= 0)
-            ::close(descriptor);
+        if (const Outcome<int> descriptor = Wire::connectLocalSocket(file.filePath()))
+            ::close(*descriptor);
         // A new one may not listen yet.
         else if (file.lastModified() < justNow)
             ::unlink(QFile::encodeName(file.filePath()).constData());
@@ -376,16 +375,15 @@ std::shared_ptr<AgentConnection> connectToAttachable(const QString& name, QStrin
     const QString path = socketOf(name, error);
     if (path.isEmpty())
         return nullptr;
-    QString reason;
-    const int descriptor = Wire::connectLocalSocket(path, &reason);
-    if (descriptor < 0) {
+    const Outcome<int> descriptor = Wire::connectLocalSocket(path);
+    if (!descriptor) {
         *error = QStringLiteral(
                      "no program named '%1' is attachable; start it with \"tamrixrunner attachable "
                      "--name %1 PROGRAM\" (%2)")
-                     .arg(name, reason);
+                     .arg(name, descriptor.error().text);
         return nullptr;
     }
-    return std::make_shared<AgentConnection>(descriptor, QString());
+    return std::make_shared<AgentConnection>(*descriptor, QString());
 }
 
 }  // namespace Tamrix

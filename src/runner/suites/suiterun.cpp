@@ -41,13 +41,11 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
 /// The desktop as the current application sees it; a null one when it does not answer.
 Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
-    RequestError ignored;
-    if (!application || !application->connection().ping(pingTimeout, &ignored))
+    if (!application || !application->connection().ping(pingTimeout))
         return {};
-    QString error;
-    const QVariant picture =
-        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
-    return Screenshot::fromVariant(picture);
+    const Outcome<QVariant> picture =
+        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+    return picture ? Screenshot::fromVariant(*picture) : Screenshot();
 }
 
 /// Where pictures that go with results are kept: where attachments of the case are, too. Without an
@@ -94,9 +92,10 @@ QString SuiteRun::prepare() {
 QString SuiteRun::loadObjectMap() {
     const QString path = m_runner.objectMapPath();
     ObjectMap::self()->clear();
-    if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
+    if (!QFileInfo::exists(path))
         return {};
-    return Inspector::self()->lastError();
+    const Outcome<> loaded = ObjectMap::self()->load(path);
+    return loaded ? QString() : loaded.error().text;
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
