@@ -2,7 +2,6 @@
 #include <csignal>
 
 #include "base/nativebytes.h"
-#include "runner/commands/commandline.h"
 #include "runner/commands/commands.h"
 #include "runner/installation.h"
 #include "runner/processes/terminal.h"
@@ -15,5 +14,5 @@ int main(int argc, char* argv[]) {
     Tamrix::escapeWarnings();
     const QCoreApplication application(argc, argv);
     Tamrix::setInstallationPrefix();
-    return Tamrix::execute(Tamrix::parseCommandLine(QCoreApplication::arguments()));
+    return Tamrix::execute(QCoreApplication::arguments());
 }

@@ -134,13 +134,15 @@ QDataStream& operator>>(QDataStream& stream, PropertyInfo& property) {
 QDataStream& operator<<(QDataStream& stream, const MethodInfo& method) {
     stream << method.name << method.returnType;
     writeTexts(stream, method.argumentTypes);
-    return stream;
+    return stream << method.parameters << method.description;
 }
 
 QDataStream& operator>>(QDataStream& stream, MethodInfo& method) {
     method.name = readText(stream);
     method.returnType = readText(stream);
     method.argumentTypes = readTexts(stream);
+    method.parameters = readText(stream);
+    method.description = readText(stream);
     return stream;
 }
 
@@ -316,7 +318,7 @@ QDataStream& operator>>(QDataStream& stream, ClassInfo& body) {
     body.name = readText(stream);
     body.superClasses = readTexts(stream);
     body.properties = readList<PropertyInfo>(stream, 2 * textSize + 1);
-    body.methods = readList<MethodInfo>(stream, 3 * textSize);
+    body.methods = readList<MethodInfo>(stream, 5 * textSize);
     body.events = readList<EventInfo>(stream, 2 * textSize);
     return stream;
 }

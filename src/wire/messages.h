@@ -137,6 +137,9 @@ struct MethodInfo {
     QString name;
     QString returnType;
     QStringList argumentTypes;
+    /// Of global functions, see ApplicationFunction.
+    QString parameters = {};
+    QString description = {};
 };
 
 struct EventInfo {

@@ -110,6 +110,20 @@ TEST_F(Commands, ScriptArgumentsReachTheScript) {
         << qPrintable(runner.output());
 }
 
+TEST_F(Commands, RunTakesItsOptionsAmongItsArguments) {
+    RunnerProcess runner;
+    runner.run({"run", "--no-actions", suite.path("suite"), "--report",
+                "junit:" + suite.path("a:b.xml"), "last", "--report=json:" + suite.path("x/../j"),
+                "--result-dir", suite.path("out/"), "good", "--verbose", "--", "--quiet"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    EXPECT_TRUE(runner.output().contains("good") && runner.output().contains("last runs"))
+        << qPrintable(runner.output());
+    EXPECT_FALSE(runner.output().contains("bad")) << "a case that was not named";
+    EXPECT_TRUE(runner.output().contains("well")) << "what --verbose shows";
+    for (const char* file : {"a:b.xml", "j", "out/journal.jsonl"})
+        EXPECT_TRUE(QFile::exists(suite.path(file))) << file;
+}
+
 TEST_F(Commands, ReportThatCantBeWrittenInTheEndIsTold) {
     // The folder is there when the run starts and gone when the report is written.
     suite.write("suite/remover/test.py",

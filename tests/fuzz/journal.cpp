@@ -4,7 +4,7 @@
 
 #include "fuzz/fuzztarget.h"
 #include "fuzz/quietqt.h"
-#include "platform/testresult/journalformat.h"
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportgenerator.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -79,9 +78,9 @@ public:
     }
     void sendBytes(const QByteArray& bytes) {
         // The bytes of a test fit the socket's buffer.
-        EXPECT_EQ(::send(m_channel->descriptor(), bytes.constData(),
-                         static_cast<size_t>(bytes.size()), MSG_NOSIGNAL),
-                  bytes.size());
+        if (::send(m_channel->descriptor(), bytes.constData(), static_cast<size_t>(bytes.size()),
+                   MSG_NOSIGNAL) != bytes.size())
+            throw std::runtime_error("the bytes were not sent");
     }
     void hangUp() { m_channel->close(); }
 

@@ -1,5 +1,7 @@
 #include "support/fakelanguage.h"
 
+#include "interpreter/objects/objectidentity.h"
+
 namespace Tamrix::Test {
 
 QString FakeArgument::typeName() const {
@@ -26,7 +28,7 @@ QString FakeArgument::toString() const {
         return QString::number(toInt());
     if (has<double>())
         return QString::number(toDouble());
-    return get<QString>();
+    return isNull() ? "null" : get<QString>();
 }
 
 SharedPtr<NativeScriptObject> FakeArgument::toNative(void* typeId) const {
@@ -104,10 +106,14 @@ bool FakeContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
 }
 
 bool FakeContext::isTrue(SharedPtr<ScriptArgument> value) {
+    if (value->isObject())
+        return isTrueObject(value->toObject());
     return value->isBool() ? value->toBool() : value->toInt() != 0 || !value->toString().isEmpty();
 }
 
 bool FakeContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) {
+    if (left->isObject() && right->isObject())
+        return isSameObject(left->toObject(), right->toObject());
     return left->typeName() == right->typeName() && left->toString() == right->toString();
 }
 

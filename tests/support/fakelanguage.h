@@ -55,6 +55,7 @@ public:
         return get<SharedPtr<ApplicationContext>>();
     }
     SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
+    bool isNull() const override { return has<std::monostate>(); }
     using ScriptArgument::toNative;
 
 private:
@@ -140,6 +141,8 @@ public:
     }
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     bool isTrue(SharedPtr<ScriptArgument> value) override;
+    /// The keyword "end" has an underscore behind it.
+    QString scriptName(const QString& name) const override { return name == "end" ? "end_" : name; }
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument>) override {
         return exceptionOutcome;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <vector>
 
 #include "platform/testresult/reportgenerator.h"
@@ -12,14 +13,29 @@ class RecordingReport : public ReportGenerator {
 public:
     void add(const ReportEntry& entry) override { entries.push_back(entry); }
 
-    /// The entries of kind Result, in order.
-    std::vector<ReportEntry> results() const {
-        std::vector<ReportEntry> found;
+    /// The events of a type, in order.
+    template <typename Event>
+    std::vector<Event> all() const {
+        std::vector<Event> found;
         for (const ReportEntry& entry : entries) {
-            if (entry.kind == ReportEntry::Kind::Result)
-                found.push_back(entry);
+            if (const auto* event = eventOf<Event>(entry))
+                found.push_back(*event);
         }
         return found;
+    }
+
+    std::vector<ResultAdded> results() const { return all<ResultAdded>(); }
+
+    /// What kinds of events there were, from one on.
+    QStringList kinds(std::size_t from = 0) const {
+        static const char* const s_names[std::variant_size_v<ReportEvent>] = {
+            "suiteStart", "suiteEnd", "caseStart",  "caseEnd",    "sectionStart",
+            "sectionEnd", "result",   "attachment", "videoStart", "videoEnd",
+            "output",     "action",   "environment"};
+        QStringList kinds;
+        for (std::size_t index = from; index < entries.size(); ++index)
+            kinds += s_names[entries[index].event.index()];
+        return kinds;
     }
 
     std::vector<ReportEntry> entries;

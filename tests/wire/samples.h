@@ -67,7 +67,7 @@ void forEachSample(const Use& use) {
     use(MessageType::Reply, ClassInfo{"QPushButton",
                                       QStringList{"QWidget"},
                                       {{"text", "QString", true}},
-                                      {{"click", "void", {"int", "bool"}}},
+                                      {{"click", "void", {"int", "bool"}, "x[, y]", "Clicks"}},
                                       {{"clicked", {"bool"}}}});
 }
 

@@ -1,15 +1,18 @@
 #include "agent/core/globalfunctions.h"
 
+#include <iterator>
+#include <string_view>
+
 #include "agent/functions/functiontable.h"
+#include "wire/applicationfunctions.h"
 
 namespace Tamrix::Agent {
 
 namespace {
 
+/// What runs a function of Wire::applicationFunctions, which tells its parameters and its help.
 struct Function {
     const char* name;
-    /// For people, after a wrong call.
-    const char* usage;
     const char* returnType;
     /// The arguments of each overload, apart by "|".
     const char* overloads;
@@ -22,28 +25,42 @@ constexpr char mouseOverloads[] =
     "Object,int,int,int,QString|Object,int,int,QString,QString";
 
 constexpr Function functions[] = {
-    {"click", "click(object[, x, y][, button][, modifiers])", "void", mouseOverloads, click},
-    {"doubleClick", "doubleClick(object[, x, y][, button][, modifiers])", "void", mouseOverloads,
-     doubleClick},
-    {"drag", "drag(object, x, y, dx, dy[, button][, modifiers])", "void",
+    {"click", "void", mouseOverloads, click},
+    {"doubleClick", "void", mouseOverloads, doubleClick},
+    {"drag", "void",
      "Object,int,int,int,int|Object,int,int,int,int,int|Object,int,int,int,int,int,int|"
      "Object,int,int,int,int,QString|Object,int,int,int,int,QString,QString",
      drag},
-    {"hover", "hover(object[, x, y])", "void", "Object|Object,int,int", hover},
-    {"fill", "fill(object, text)", "void", "Object,QString", fill},
-    {"typeText", "typeText(object, text)", "void", "Object,QString", typeText},
-    {"press", "press(object, keys)", "void", "Object,QString", press},
-    {"selectItem", "selectItem(object, text)", "void", "Object,QString|Object,QVariantList",
-     selectItem},
-    {"check", "check(object)", "void", "Object", check},
-    {"uncheck", "uncheck(object)", "void", "Object", uncheck},
-    {"closeWindow", "closeWindow(object)", "void", "Object", closeWindow},
-    {"clipboardText", "clipboardText()", "QString", "", clipboardText},
-    {"testDataPut", "testDataPut(file, encodedBytes)", "QString", "QString,QString", testDataPut},
-    {"testDataGet", "testDataGet(file)", "QString", "QString", testDataGet},
-    {"testDataExists", "testDataExists(file)", "bool", "QString", testDataExists},
-    {"testDataRemove", "testDataRemove(file)", "bool", "QString", testDataRemove},
+    {"hover", "void", "Object|Object,int,int", hover},
+    {"fill", "void", "Object,QString", fill},
+    {"typeText", "void", "Object,QString", typeText},
+    {"press", "void", "Object,QString", press},
+    {"selectItem", "void", "Object,QString|Object,QVariantList", selectItem},
+    {"check", "void", "Object", check},
+    {"uncheck", "void", "Object", uncheck},
+    {"closeWindow", "void", "Object", closeWindow},
+    {"clipboardText", "QString", "", clipboardText},
+    {"testDataPut", "QString", "QString,QString", testDataPut},
+    {"testDataGet", "QString", "QString", testDataGet},
+    {"testDataExists", "bool", "QString", testDataExists},
+    {"testDataRemove", "bool", "QString", testDataRemove},
 };
+
+/// Both tables name the same functions in the same order.
+constexpr bool areTablesEqual() {
+    if (std::size(functions) != std::size(Wire::applicationFunctions))
+        return false;
+    for (std::size_t index = 0; index < std::size(functions); ++index) {
+        if (std::string_view(functions[index].name) != Wire::applicationFunctions[index].name)
+            return false;
+    }
+    return true;
+}
+static_assert(areTablesEqual());
+
+const Wire::ApplicationFunction& descriptionOf(const Function& function) {
+    return Wire::applicationFunctions[&function - std::begin(functions)];
+}
 
 }  // namespace
 
@@ -56,6 +73,8 @@ QList<Wire::MethodInfo> globalFunctions() {
             method.name = QString::fromLatin1(function.name);
             method.returnType = QString::fromLatin1(function.returnType);
             method.argumentTypes = overload.split(u',', Qt::SkipEmptyParts);
+            method.parameters = QString::fromLatin1(descriptionOf(function).parameters);
+            method.description = QString::fromLatin1(descriptionOf(function).description);
             methods.append(method);
         }
     }
@@ -72,8 +91,9 @@ void callGlobalFunction(const Wire::Invoke& call, const ResponderPtr& responder)
         } catch (const CallError& error) {
             QString text = error.text();
             if (error.kind() == FailureKind::BadArgument)
-                text = QStringLiteral("%1: %2; usage: %3")
-                           .arg(call.method, text, QLatin1String(function.usage));
+                text =
+                    QStringLiteral("%1: %2; usage: %1(%3)")
+                        .arg(call.method, text, QLatin1String(descriptionOf(function).parameters));
             responder->fail(error.kind(), text);
             responder->finish();
         }

@@ -2,26 +2,18 @@
 #include "agent/input/activation.h"
 #include "agent/input/keynames.h"
 #include "agent/input/mousesteps.h"
+#include "wire/applicationfunctions.h"
 
 namespace Tamrix::Agent {
 
 namespace {
 
-struct ButtonName {
-    const char* name;
-    Qt::MouseButton button;
-};
-
-constexpr ButtonName buttonNames[] = {
-    {"left", Qt::LeftButton}, {"right", Qt::RightButton},     {"middle", Qt::MiddleButton},
-    {"back", Qt::BackButton}, {"forward", Qt::ForwardButton},
-};
-
 /// Qt::NoButton for what names none.
 Qt::MouseButton buttonOf(const QString& name) {
-    for (const ButtonName& entry : buttonNames)
+    for (const Wire::MouseButtonName& entry : Wire::mouseButtonNames) {
         if (name.compare(QLatin1String(entry.name), Qt::CaseInsensitive) == 0)
-            return entry.button;
+            return static_cast<Qt::MouseButton>(entry.number);
+    }
     return Qt::NoButton;
 }
 

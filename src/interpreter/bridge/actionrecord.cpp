@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "interpreter/bridge/scriptcontext.h"
+#include "platform/objectmodel/valueobject.h"
 #include "platform/testresult/testresult.h"
 
 namespace Tamrix {
@@ -25,29 +26,51 @@ QString objectText(const SharedPtr<Object>& object) {
                           : QStringLiteral("%1 '%2'").arg(object->className(), name);
 }
 
-QString argumentText(const SharedPtr<ScriptArgument>& argument) {
-    if (!argument)
-        return QStringLiteral("null");
+QString argumentText(const SharedPtr<ScriptArgument>& argument, int depth = 0);
+
+QString listText(const SharedPtr<ScriptArgument>& list, int depth) {
+    if (depth >= maximalValueDepth)
+        return QStringLiteral("[...]");
+    QString text(QLatin1Char('['));
+    for (const SharedPtr<ScriptArgument>& element : list->toList()) {
+        if (text.size() > 1)
+            text += QLatin1String(", ");
+        if (text.size() > longestArgument)
+            break;
+        text += argumentText(element, depth + 1);
+    }
+    return text + QLatin1Char(']');
+}
+
+/// As the script wrote the value. `depth`: in how many lists it stands.
+QString argumentText(const SharedPtr<ScriptArgument>& argument, int depth) {
     if (argument->isObject())
         return objectText(argument->toObject());
     if (argument->isString())
         return QLatin1Char('"') + argument->toString() + QLatin1Char('"');
-    if (argument->isBool() || argument->isNumber())
+    if (argument->isBool() || argument->isNumber() || argument->isNull())
         return argument->toString();
-    // Any other value may have code of the script behind its text.
-    return isStringOrObjectName(argument) ? serializeObjectName(argument) : argument->typeName();
+    if (isStringOrObjectName(argument))
+        return serializeObjectName(argument);
+    if (argument->isList())
+        return listText(argument, depth);
+    // What is no value for an application may have code of the script behind its text.
+    return argument->toVariant() ? argument->toString() : argument->typeName();
+}
+
+QString shortened(const QString& text) {
+    return text.size() > longestArgument ? text.left(longestArgument) + QStringLiteral("...")
+                                         : text;
 }
 
 }  // namespace
 
-QString actionArguments(const ScriptArgument::List& arguments) {
+QString actionArguments(const ScriptArgument::List& positional, const NamedArguments& named) {
     QStringList texts;
-    for (const SharedPtr<ScriptArgument>& argument : arguments) {
-        QString text = argumentText(argument);
-        if (text.size() > longestArgument)
-            text = text.left(longestArgument) + QStringLiteral("...");
-        texts.append(text);
-    }
+    for (const SharedPtr<ScriptArgument>& argument : positional)
+        texts.append(shortened(argumentText(argument)));
+    for (const auto& [name, argument] : named)
+        texts.append(name + QLatin1Char('=') + shortened(argumentText(argument)));
     return texts.join(QLatin1String(", "));
 }
 
@@ -56,10 +79,21 @@ ActionRecord::ActionRecord(ScriptContext* context, const char* function)
     m_usesContext = true;
     if (!m_isWanted)
         return;
-    ScriptArgument::List arguments;
-    for (int index = 0; index < context->argumentCount(); ++index)
-        arguments.push_back(context->argument(index));
-    setArguments(arguments);
+    const ScriptContext::FunctionDescription description =
+        ScriptContext::functionDescription(m_function);
+    const QStringList names = description.requiredParameters + description.optionalParameters;
+    ScriptArgument::List positional;
+    NamedArguments named;
+    for (int index = 0; index < context->argumentCount(); ++index) {
+        const SharedPtr<ScriptArgument> argument = context->argument(index);
+        // What stands behind one that was left out is told by the name of its parameter.
+        const bool isBehindGap = static_cast<int>(positional.size()) < index;
+        if (argument && isBehindGap)
+            named.emplace_back(names.value(index), argument);
+        else if (argument)
+            positional.push_back(argument);
+    }
+    setArguments(positional, named);
 }
 
 ActionRecord::ActionRecord(ScriptContext* context, const QString& function)
@@ -84,13 +118,14 @@ ActionRecord::~ActionRecord() {
 }
 
 bool ActionRecord::hasFailed() const {
-    return std::uncaught_exceptions() > m_exceptionsBefore ||
+    return m_hasFailed || std::uncaught_exceptions() > m_exceptionsBefore ||
            (m_usesContext && m_context->hasError());
 }
 
-void ActionRecord::setArguments(const ScriptArgument::List& arguments) {
+void ActionRecord::setArguments(const ScriptArgument::List& positional,
+                                const NamedArguments& named) {
     if (m_isWanted)
-        m_arguments = actionArguments(arguments);
+        m_arguments = actionArguments(positional, named);
 }
 
 }  // namespace Tamrix

@@ -2,6 +2,8 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <utility>
+#include <vector>
 
 #include "base/export.h"
 #include "interpreter/bridge/scriptargument.h"
@@ -11,6 +13,9 @@ namespace Tamrix {
 
 class ScriptContext;
 
+/// Arguments that a script gave by name, in its order.
+using NamedArguments = std::vector<std::pair<QString, SharedPtr<ScriptArgument>>>;
+
 /// The time in which a script function works on an application. Its end becomes an entry of the
 /// results, unless these leave actions out; the record then costs nothing. Script thread only.
 class TAMRIX_EXPORT ActionRecord {
@@ -19,15 +24,14 @@ public:
     /// context has an error in the end.
     ActionRecord(ScriptContext* context, const char* function);
     /// For a function of an application, which has its arguments elsewhere: setArguments() takes
-    /// them. It has failed when an exception ends it.
+    /// them. It has failed when setFailed() says so or an exception ends it.
     ActionRecord(ScriptContext* context, const QString& function);
     ~ActionRecord();
     ActionRecord(const ActionRecord&) = delete;
     ActionRecord& operator=(const ActionRecord&) = delete;
 
-    /// Whether arguments are wanted.
-    bool isWanted() const { return m_isWanted; }
-    void setArguments(const ScriptArgument::List& arguments);
+    void setArguments(const ScriptArgument::List& positional, const NamedArguments& named = {});
+    void setFailed() { m_hasFailed = true; }
 
 private:
     bool hasFailed() const;
@@ -35,6 +39,7 @@ private:
     ScriptContext* m_context;
     bool m_isWanted;
     bool m_usesContext;
+    bool m_hasFailed = false;
     int m_exceptionsBefore = 0;
     QString m_function;
     QString m_arguments;
@@ -42,8 +47,10 @@ private:
     QElapsedTimer m_timer;
 };
 
-/// How an action tells its arguments: names of objects, texts and numbers, with commas between.
-/// Asks no application. Throws what the language throws when a value has no text.
-TAMRIX_EXPORT QString actionArguments(const ScriptArgument::List& arguments);
+/// How an action tells its arguments: names of objects, texts, numbers, lists of these and the
+/// language's null, with commas between; of long ones the beginning. Asks no application. Throws
+/// what the language throws when a value has no text.
+TAMRIX_EXPORT QString actionArguments(const ScriptArgument::List& positional,
+                                      const NamedArguments& named = {});
 
 }  // namespace Tamrix

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <deque>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,19 +15,23 @@
 
 namespace Tamrix {
 
+class DebuggerFrontEnd;
 class InternalDebugger;
 class Interpreter;
+struct ScriptPosition;
+struct StopReason;
 
-/// True means that a person drives the debugger at a terminal, false a front end over a pipe.
-/// It selects the prefix, the prompt and the encoding; read when a Debugger is constructed.
+/// True means that a person drives the debugger at a terminal, false a program over a pipe. Read
+/// when a Debugger is constructed: it selects the dialect of the line protocol.
 extern TAMRIX_EXPORT bool tamrix_verbose_debugger;
 
 /// Enables Debugger::stopAndRun(), with which a host highlights each line without halting.
 extern TAMRIX_EXPORT bool tamrix_hl_debugger;
 
 /// The language-neutral half of the script debugger: position, frame stack, sources, break points,
-/// modes and the stop operations. A language plug-in derives from it and calls it from its trace
-/// hook. One per process at a time; script thread only, except for the SIGINT handler of run().
+/// modes and the stop operations, which tell its front end and take commands from there. A language
+/// plug-in derives from it and calls it from its trace hook. One per process at a time; script
+/// thread only, except for the SIGINT handler of run().
 class TAMRIX_EXPORT Debugger : public QObject {
 public:
     /// One entry of a stack trace that scripts see.
@@ -47,7 +52,8 @@ public:
         Run = 3    ///< stop at break points only
     };
 
-    /// Makes itself self(). `interpreter` is not owned and may be null.
+    /// Makes itself self(), with the line protocol as its front end. `interpreter` is not owned and
+    /// may be null.
     explicit Debugger(Interpreter* interpreter);
     /// Clears self().
     ~Debugger() override;
@@ -55,12 +61,16 @@ public:
     static Debugger* self();
     static void setSelf(Debugger* debugger);
 
+    /// Whom the debugger tells of stops and takes commands from; not null. Not while a command loop
+    /// runs.
+    void setFrontEnd(std::unique_ptr<DebuggerFrontEnd> frontEnd);
+
     // Operations that a language's debugger overrides to mirror the state into its trace hook.
     virtual void setCurrentLine(int line);
     virtual void setCurrentColumn(int column);
     virtual void setCurrentSourceId(int sourceId);
-    /// Tells the front end where the script stands and runs the command loop if interactive. Does
-    /// nothing without a source or outside any frame. Always true.
+    /// Tells the front end that the script stands here, and why, and runs the command loop if
+    /// interactive. Does nothing without a source or outside any frame. Always true.
     virtual bool stop();
     /// As stop(), for an object that was not found.
     virtual bool stopWithObjectName(const QString& objectName, const QString& detail);
@@ -87,9 +97,6 @@ public:
     bool isInteractive() const { return m_interactive; }
     DbgMode debuggerMode() const { return m_mode; }
     int stepDepth() const { return m_stepDepth; }
-    bool isVerbose() const { return m_verbose; }
-    /// What stands in front of every printed line.
-    QString prefix() const { return m_prefix; }
     /// True until the front end lets the script run for the first time; for the subclass.
     bool startFlag() const { return m_startFlag; }
     bool objectNotFoundDebugging() const { return m_objectNotFoundDebugging; }
@@ -97,7 +104,7 @@ public:
     bool textNotFoundDebugging() const { return m_textNotFoundDebugging; }
     int skipCurrentError() const { return m_skipCurrentError; }
     bool breakOnMissingStep() const { return m_breakOnMissingStep; }
-    /// Whether long searches report their progress with notify(). On for a front end, off at a
+    /// Whether long searches report their progress with notify(). On for a program, off at a
     /// terminal, which would be flooded.
     bool progressNotification() const { return m_progressNotification; }
     void setProgressNotification(bool on) { m_progressNotification = on; }
@@ -129,6 +136,8 @@ public:
     static QString currentFile();
 
     bool hasBreakPoint(int line, int sourceId) const;
+    /// Whether the mode, or a break point, wants the script to stop at a line that it has reached.
+    bool wantsStop(const DebuggerFrame& position) const;
     /// Keeps a break point for a file that has no source id yet.
     void bufferBreakPoint(const QString& file, int line);
 
@@ -138,15 +147,17 @@ public:
     /// skip - 1 frames from the top. Values of `maxDepth` below 1 mean no limit.
     std::vector<Location> stackTrace(int skip, int maxDepth);
 
-    // Events that are printed for the front end.
+    // What the front end is told of beside stop() and stopWithObjectName().
     bool stopWithSearchImage(const QString& imageName, int target, const QString& screenshotFile);
     bool stopWithSearchText(const QString& screenshotFile);
+    /// Tells the front end of a line that the script passes, if the host asked for that.
     void stopAndRun();
     void missingStep(int line, const std::string& text);
     void notify(const QString& key, const QString& value);
     void checkForPauseMessage();
 
-    /// The command loop. Until there are commands it returns at once.
+    /// The command loop: performs what the front end commands until a command lets the script go on
+    /// or no more commands come.
     void prompt();
 
     /// The path made absolute against the working folder, with links resolved.
@@ -162,15 +173,10 @@ protected:
 
 private:
     bool canStop();
-    void stopAtCurrentLine(const QString& name, const QString& detail);
-    /// Prints the position; with a name the object that was not found, and the detail if there is
-    /// one.
-    void printCurrentLine(char marker, const QString& name, const QString& detail);
+    ScriptPosition currentPosition() const;
+    /// Tells the front end and runs the command loop if interactive. Always true.
+    bool stopWith(const StopReason& reason);
     void promptIfInteractive();
-    /// The text in the dialect's encoding, as it is or with escapes.
-    std::string encoded(const QString& text) const;
-    std::string escaped(const QString& text) const;
-    std::string currentPath() const;
 
     int m_line = -1;
     int m_column = -1;
@@ -183,8 +189,7 @@ private:
     QMap<QString, std::vector<int>> m_bufferedBreakPoints;
     QMap<int, QString> m_sources;
     int m_stepDepth = 0;
-    bool m_verbose;
-    QString m_prefix;
+    std::unique_ptr<DebuggerFrontEnd> m_frontEnd;
     bool m_startFlag = true;
     bool m_objectNotFoundDebugging = false;
     bool m_imageNotFoundDebugging = false;

@@ -87,6 +87,10 @@ const TestDataRecord* ScriptArgument::toTestDataRecord() const {
     return nullptr;
 }
 
+bool ScriptArgument::isNull() const {
+    return false;
+}
+
 std::optional<QVariant> ScriptArgument::toVariant() const {
     if (isBool())
         return toBool();

@@ -80,6 +80,8 @@ public:
     /// SharedPtr<Object>; a language adds what it has beyond that. Nothing for any other value, and
     /// for one that holds such a value. Throws NestingError.
     virtual std::optional<QVariant> toVariant() const;
+    /// Whether it is the value by which the language says that there is none. By default false.
+    virtual bool isNull() const;
 
     /// The native object as a T, null when it is of another class.
     template <typename T>

@@ -6,10 +6,7 @@
 #include "base/wholetext.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
-#include "interpreter/bridge/objectvalues.h"
 #include "interpreter/bridge/remoteobjectmodelholder.h"
-#include "platform/objectmodel/inspector.h"
-#include "platform/objectmodel/objectclass.h"
 
 namespace Tamrix {
 
@@ -210,27 +207,6 @@ void ScriptContext::setStackTraceResult(const std::vector<ScriptLocation>& trace
     setResult(createList(list));
 }
 
-void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
-    // All at once: the application is asked one time only. One that can't be read is left out.
-    const Outcome<PropertyList> properties = object->readProperties();
-    if (!properties) {
-        Inspector::self()->keep(properties.error());
-        setError(properties.error().text);
-        return;
-    }
-    std::map<QString, SharedPtr<ScriptArgument>> map;
-    for (const auto& [name, value] : *properties)
-        map.emplace(name, valueOfObject(this, value));
-    const Class* const objectClass = object->objectClass();
-    const int count = objectClass ? objectClass->numProperties() : 0;
-    for (int index = 0; index < count; ++index) {
-        const QString name = objectClass->property(index)->name();
-        if (map.count(name) == 0)
-            qWarning("Error reading %s property", name.toLocal8Bit().constData());
-    }
-    setResult(createMap(map));
-}
-
 // Positions
 
 LineInfo ScriptContext::lineInfo() const {
@@ -287,6 +263,10 @@ void ScriptContext::restoreResultContext() {
     }
     m_fixatedResultContexts.pop_back();
     setNullResult();
+}
+
+QString ScriptContext::scriptName(const QString& name) const {
+    return name;
 }
 
 QString ScriptContext::explainArgument(const char*) {

@@ -106,6 +106,9 @@ public:
     virtual bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const = 0;
     /// The language's own truth test.
     virtual bool isTrue(SharedPtr<ScriptArgument> value) = 0;
+    /// How scripts write a name of the library or of an application. By default as it is; a
+    /// language whose keywords can't be such names changes these.
+    virtual QString scriptName(const QString& name) const;
     /// The source text of the running call's argument and the values in it, for people; empty where
     /// the language can't tell. Only the argument of that parameter is looked at. By default empty.
     virtual QString explainArgument(const char* parameter);

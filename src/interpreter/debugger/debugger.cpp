@@ -7,6 +7,7 @@
 #include "base/standardpath.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/debugger/interruptstop.h"
+#include "interpreter/debugger/lineprotocol/lineprotocol.h"
 
 namespace Tamrix {
 
@@ -22,9 +23,9 @@ int s_nextSourceId = 1;
 
 Debugger::Debugger(Interpreter* interpreter)
     : m_interpreter(interpreter),
-      m_verbose(tamrix_verbose_debugger),
-      m_prefix(m_verbose ? QString() : QStringLiteral("TDBG:")),
-      m_progressNotification(!m_verbose) {
+      m_frontEnd(std::make_unique<LineProtocol>(
+          tamrix_verbose_debugger ? ProtocolDialect::Terminal : ProtocolDialect::Machine)),
+      m_progressNotification(!tamrix_verbose_debugger) {
     s_self = this;
 }
 
@@ -39,6 +40,10 @@ Debugger* Debugger::self() {
 
 void Debugger::setSelf(Debugger* debugger) {
     s_self = debugger;
+}
+
+void Debugger::setFrontEnd(std::unique_ptr<DebuggerFrontEnd> frontEnd) {
+    m_frontEnd = std::move(frontEnd);
 }
 
 void Debugger::shutDown() {
@@ -217,6 +222,22 @@ void Debugger::setBreakPoint(int line, int sourceId, bool set) {
 bool Debugger::hasBreakPoint(int line, int sourceId) const {
     return std::find(m_breakPoints.cbegin(), m_breakPoints.cend(), std::pair(line, sourceId)) !=
            m_breakPoints.cend();
+}
+
+bool Debugger::wantsStop(const DebuggerFrame& position) const {
+    switch (m_mode) {
+        case None:
+            return false;
+        case Step:
+            return true;
+        case Next:
+            if (frameDepth() <= m_stepDepth)
+                return true;
+            break;
+        case Run:
+            break;
+    }
+    return hasBreakPoint(position.line, position.sourceId);
 }
 
 void Debugger::bufferBreakPoint(const QString& file, int line) {

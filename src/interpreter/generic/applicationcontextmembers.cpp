@@ -19,14 +19,29 @@ ApplicationPtr applicationOf(ScriptContext* context) {
     return application;
 }
 
-/// Asks the runner about the context that is argument 0.
+/// The same for a function that takes no arguments beside the context.
+ApplicationPtr applicationAlone(ScriptContext* context, const char* function) {
+    ApplicationPtr application = applicationOf(context);
+    if (application && context->argumentCount() > 1) {
+        context->setError(QLatin1String(function) + QStringLiteral("() takes no arguments"));
+        return {};
+    }
+    return application;
+}
+
+/// Asks the runner about an application, if there is one.
 template <typename Ask>
-void askRunner(ScriptContext* context, const char* function, Ask ask) {
-    const ApplicationPtr application = applicationOf(context);
+void askRunnerAbout(const ApplicationPtr& application, const char* function, Ask ask) {
     if (!application)
         return;
     if (RunnerInterface* runner = runnerFor(function))
         ask(runner, application);
+}
+
+/// Asks the runner about the context that is the only argument.
+template <typename Ask>
+void askRunner(ScriptContext* context, const char* function, Ask ask) {
+    askRunnerAbout(applicationAlone(context, function), function, ask);
 }
 
 /// The same for a fact that only a running application has.
@@ -50,17 +65,17 @@ void readOutput(ScriptContext* context, const char* function,
 }  // namespace
 
 void applicationName(ScriptContext* context) {
-    if (const ApplicationPtr application = applicationOf(context))
+    if (const ApplicationPtr application = applicationAlone(context, "name"))
         context->setStringResult(application->name);
 }
 
 void applicationCommandLine(ScriptContext* context) {
-    if (const ApplicationPtr application = applicationOf(context))
+    if (const ApplicationPtr application = applicationAlone(context, "commandLine"))
         context->setStringResult(application->commandLine);
 }
 
 void applicationStartTime(ScriptContext* context) {
-    if (const ApplicationPtr application = applicationOf(context))
+    if (const ApplicationPtr application = applicationAlone(context, "startTime"))
         context->setDateTimeResult(application->startTime);
 }
 
@@ -95,12 +110,15 @@ void applicationTotalTime(ScriptContext* context) {
 }
 
 void applicationIsFrozen(ScriptContext* context) {
-    askRunner(context, "isFrozen", [&](auto* runner, const auto& application) {
+    askRunnerAbout(applicationOf(context), "isFrozen", [&](auto* runner, const auto& application) {
         const SharedPtr<ScriptArgument> timeout = context->argument(1);
-        if (timeout && timeout->isInteger())
-            context->setBoolResult(runner->isFrozen(application, intOf(timeout)));
-        else
+        if (context->argumentCount() != 2 || !timeout || !timeout->isInteger())
             context->setError("isFrozen() requires an integer timeout[secs] argument");
+        else if (timeout->toInt() < 0)
+            context->setError("isFrozen() requires a timeout[secs] of 0 or more, not " +
+                              timeout->toString());
+        else
+            context->setBoolResult(runner->isFrozen(application, intOf(timeout)));
     });
 }
 
@@ -121,12 +139,15 @@ void applicationOsName(ScriptContext* context) {
 }
 
 void applicationEnvironmentVariable(ScriptContext* context) {
-    askFact(context, "environmentVariable", [&](auto* runner, const auto& application) {
-        if (context->argumentCount() == 2)
-            context->setStringResult(
-                runner->environmentVariable(application, context->argument(1)->toString()));
-        else
-            context->setError("environmentVariable() requires a name argument");
+    reportFailureOf(context, [&] {
+        askRunnerAbout(applicationOf(context), "environmentVariable",
+                       [&](auto* runner, const auto& application) {
+                           if (context->argumentCount() == 2)
+                               context->setStringResult(runner->environmentVariable(
+                                   application, context->argument(1)->toString()));
+                           else
+                               context->setError("environmentVariable() requires a name argument");
+                       });
     });
 }
 
@@ -143,7 +164,7 @@ void applicationPort(ScriptContext* context) {
 }
 
 void applicationExpectExit(ScriptContext* context) {
-    if (const ApplicationPtr application = applicationOf(context)) {
+    if (const ApplicationPtr application = applicationAlone(context, "expectExit")) {
         application->isExitExpected = true;
         context->setNullResult();
     }

@@ -16,7 +16,8 @@ void runApplication(ScriptContext* context, const char* functionName, bool attac
     // 1. One to four arguments, the first not empty.
     const int count = context->argumentCount();
     // 2. Program, host, port, time-out.
-    const QString program = optionalText(context->argument(0));
+    const SharedPtr<ScriptArgument> first = context->argument(0);
+    const QString program = first && !first->isNull() ? first->toString() : QString();
     if (count < 1 || count > 4 || program.isEmpty()) {
         context->setError(QStringLiteral("Empty application specified to %1").arg(function));
         return;

@@ -1,11 +1,11 @@
 #include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/interpreter.h"
-#include "interpreter/bridge/objectvalues.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectarguments.h"
 #include "interpreter/generic/runneraccess.h"
+#include "interpreter/objects/objectvalues.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 

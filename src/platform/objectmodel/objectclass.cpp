@@ -82,8 +82,9 @@ void Class::addProperty(const QString& name, const QString& typeName, bool isWri
     m_properties.push_back(std::make_unique<Property>(name, typeName, isWritable));
 }
 
-void Class::addMethod(const QString& name, Signature signature) {
+Method& Class::addMethod(const QString& name, Signature signature) {
     m_methods.push_back(std::make_unique<Method>(name, std::move(signature)));
+    return *m_methods.back();
 }
 
 void Class::addEvent(const QString& name, Signature signature) {

@@ -51,6 +51,16 @@ public:
     const Signature& signature() const { return m_signature; }
     QString deprecationMessage() const { return m_deprecationMessage; }
 
+    /// For people: the parameters, those that may be left out in brackets ("object[, x, y]"), and
+    /// what the method does. Both empty where the application does not tell; of a method without
+    /// parameters the first.
+    QString parameters() const { return m_parameters; }
+    QString description() const { return m_description; }
+    void describe(const QString& parameters, const QString& description) {
+        m_parameters = parameters;
+        m_description = description;
+    }
+
     /// Calls the method on `self`; null `self` calls a global method of the current application.
     /// See Object::invokeMethod for the result.
     Outcome<SharedPtr<Object>> invoke(SharedPtr<Object> self, const ObjectList& arguments) const;
@@ -59,6 +69,8 @@ private:
     QString m_name;
     Signature m_signature;
     QString m_deprecationMessage;
+    QString m_parameters;
+    QString m_description;
 };
 
 /// An event that objects of a class can get.
@@ -128,7 +140,8 @@ public:
     // Filling: each is added behind those that are there.
     void addProperty(const QString& name, const QString& typeName = QString(),
                      bool isWritable = false);
-    void addMethod(const QString& name, Signature signature);
+    /// The added method, to be described.
+    Method& addMethod(const QString& name, Signature signature);
     void addEvent(const QString& name, Signature signature);
     void setSuperClasses(const QStringList& names) { m_superClasses = names; }
 

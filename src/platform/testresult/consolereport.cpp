@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include "base/filewriting.h"
+#include "base/overloaded.h"
 #include "base/textescape.h"
 #include "platform/testresult/longtext.h"
 #include "platform/testresult/resulttext.h"
@@ -13,8 +14,6 @@
 namespace Tamrix {
 
 namespace {
-
-using Kind = ReportEntry::Kind;
 
 const char* const green = "\x1b[32m";
 const char* const red = "\x1b[31m";
@@ -44,10 +43,10 @@ QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 2) + QLatin1String(" s");
 }
 
-const char* resultColour(const ReportEntry& entry) {
-    if (isFailure(entry))
+const char* resultColour(const ResultAdded& result) {
+    if (isFailure(result))
         return red;
-    switch (entry.type) {
+    switch (result.type) {
         case TestResult::Pass:
             return green;
         case TestResult::ExpectedFail:
@@ -74,49 +73,35 @@ ConsoleReport::~ConsoleReport() = default;
 
 void ConsoleReport::add(const ReportEntry& entry) {
     const CaseTally& tally = m_tally.add(entry);
-    const bool isVerbose = m_verbosity == Verbosity::Verbose;
-    switch (entry.kind) {
-        case Kind::SuiteStart:
-        case Kind::SuiteEnd:
-        case Kind::CaseStart:
-        case Kind::CaseEnd:
-            addFrame(entry, tally);
-            break;
-        case Kind::SectionStart:
-        case Kind::SectionEnd:
-            addSection(entry);
-            break;
-        case Kind::Result:
-            if (isVerbose || isFailure(entry))
-                addResult(entry, tally);
-            break;
-        case Kind::Attachment:
-            if (isVerbose)
-                addLine(QStringLiteral("Attached: %1: %2").arg(entry.message, entry.path),
-                        resultIndent());
-            break;
-        case Kind::VideoStart:
-        case Kind::VideoEnd:
-            if (isVerbose)
-                addLine(QStringLiteral("%1: %2: %3")
-                            .arg(entry.kind == Kind::VideoStart ? QStringLiteral("Video starts")
-                                                                : QStringLiteral("Video ends"),
-                                 entry.message, entry.path),
-                        resultIndent());
-            break;
-        case Kind::Action:
-            if (isVerbose) {
-                addLine(QStringLiteral("Action: ") + describeAction(entry), resultIndent(),
-                        entry.extra == QLatin1String("failed") ? yellow : "");
-            }
-            break;
-        case Kind::Environment:
-            break;
-        case Kind::Output:
-            if (m_verbosity != Verbosity::Quiet)
-                addOutput(entry);
-            break;
-    }
+    std::visit(
+        Overloaded{
+            [&](const SuiteStarted&) { startLevel(tally, Verbosity::Normal); },
+            [](const SuiteEnded&) {},
+            [&](const CaseStarted&) { startLevel(tally, Verbosity::Verbose); },
+            [&](const CaseEnded&) {
+                if (m_verbosity != Verbosity::Quiet)
+                    addCaseLine(tally);
+            },
+            [this](const SectionStarted& section) { startSection(section); },
+            [this](const SectionEnded& section) { endSection(section); },
+            [&](const ResultAdded& result) { addResult(result, tally); },
+            [this](const FileAttached& file) {
+                addDetail(QStringLiteral("Attached: %1: %2").arg(file.message, file.path));
+            },
+            [this](const VideoStarted& video) {
+                addDetail(QStringLiteral("Video starts: %1: %2").arg(video.message, video.path));
+            },
+            [this](const VideoEnded& video) {
+                addDetail(QStringLiteral("Video ends: %1: %2").arg(video.message, video.path));
+            },
+            [this](const OutputWritten& output) { addOutput(output); },
+            [this](const ActionEnded& action) {
+                addDetail(QStringLiteral("Action: ") + describeAction(action),
+                          action.hasFailed ? yellow : "");
+            },
+            [](const EnvironmentFact&) {},
+        },
+        entry.event);
     flush();
 }
 
@@ -126,49 +111,45 @@ void ConsoleReport::finish() {
     flush();
 }
 
-void ConsoleReport::addFrame(const ReportEntry& entry, const CaseTally& tally) {
-    if (entry.kind == Kind::CaseStart || entry.kind == Kind::SuiteStart)
-        m_sectionDepth = 0;
-    if (m_verbosity == Verbosity::Quiet)
-        return;
-    if (entry.kind == Kind::SuiteStart || m_verbosity == Verbosity::Verbose) {
-        if (entry.kind == Kind::SuiteStart || entry.kind == Kind::CaseStart)
-            announceCase(tally);
-    }
-    if (entry.kind == Kind::CaseEnd)
-        addCaseLine(tally);
+void ConsoleReport::startLevel(const CaseTally& tally, Verbosity announcedFrom) {
+    m_sectionDepth = 0;
+    if (m_verbosity >= announcedFrom)
+        announceCase(tally);
 }
 
-void ConsoleReport::addResult(const ReportEntry& entry, const CaseTally& tally) {
+void ConsoleReport::startSection(const SectionStarted& section) {
+    addDetail(QStringLiteral("Section: ") + messageText(section.title, section.description));
+    ++m_sectionDepth;
+}
+
+void ConsoleReport::endSection(const SectionEnded& section) {
+    m_sectionDepth = qMax(0, m_sectionDepth - 1);
+    addDetail(QStringLiteral("End of section: ") + section.title);
+}
+
+void ConsoleReport::addResult(const ResultAdded& result, const CaseTally& tally) {
+    if (m_verbosity != Verbosity::Verbose && !isFailure(result))
+        return;
     if (m_announcedId != tally.id)
         announceCase(tally);
     QStringList lines =
-        describeResult(withLimitedTexts(entry, longestText)).split(QLatin1Char('\n'));
-    if (entry.echo)
+        describeResult(withLimitedTexts(result, longestText)).split(QLatin1Char('\n'));
+    if (result.isEcho)
         lines.first() += QLatin1String(" (the end of the skipped case)");
-    addLine(lines.takeFirst(), resultIndent(), resultColour(entry));
+    addLine(lines.takeFirst(), resultIndent(), resultColour(result));
     for (const QString& line : qAsConst(lines))
         addLine(line, resultIndent() + 2);
 }
 
-void ConsoleReport::addSection(const ReportEntry& entry) {
-    const bool isStart = entry.kind == Kind::SectionStart;
-    if (!isStart)
-        m_sectionDepth = qMax(0, m_sectionDepth - 1);
-    if (m_verbosity == Verbosity::Verbose) {
-        const QString title = isStart ? messageText(entry) : entry.message;
-        addLine(
-            (isStart ? QStringLiteral("Section: ") : QStringLiteral("End of section: ")) + title,
-            resultIndent());
-    }
-    if (isStart)
-        ++m_sectionDepth;
+void ConsoleReport::addDetail(const QString& text, const char* colour) {
+    if (m_verbosity == Verbosity::Verbose)
+        addLine(text, resultIndent(), colour);
 }
 
-void ConsoleReport::addOutput(const ReportEntry& entry) {
-    if (entry.message.isEmpty())
+void ConsoleReport::addOutput(const OutputWritten& output) {
+    if (m_verbosity == Verbosity::Quiet || output.text.isEmpty())
         return;
-    m_pending += entry.message.toUtf8();
+    m_pending += output.text.toUtf8();
     m_isAtLineStart = m_pending.endsWith('\n');
 }
 

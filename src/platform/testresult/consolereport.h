@@ -37,10 +37,14 @@ public:
     QString errorText() const override { return m_error; }
 
 private:
-    void addFrame(const ReportEntry& entry, const CaseTally& tally);
-    void addResult(const ReportEntry& entry, const CaseTally& tally);
-    void addSection(const ReportEntry& entry);
-    void addOutput(const ReportEntry& entry);
+    /// A suite or case starts, which has a line of its own from a verbosity on.
+    void startLevel(const CaseTally& tally, Verbosity announcedFrom);
+    void startSection(const SectionStarted& section);
+    void endSection(const SectionEnded& section);
+    void addResult(const ResultAdded& result, const CaseTally& tally);
+    /// A line of what only the verbose report tells.
+    void addDetail(const QString& text, const char* colour = "");
+    void addOutput(const OutputWritten& output);
     void announceCase(const CaseTally& tally);
     void addCaseLine(const CaseTally& testCase);
     void addIncompleteCases();

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "base/overloaded.h"
 #include "base/textescape.h"
 #include "base/wholetext.h"
 #include "platform/testresult/longtext.h"
@@ -15,8 +16,6 @@
 namespace Tamrix {
 
 namespace {
-
-using Kind = ReportEntry::Kind;
 
 /// How much text of attachments stands in the page itself, in bytes; the rest is linked.
 constexpr qint64 allTexts = 8 * 1024 * 1024;
@@ -89,56 +88,42 @@ QByteArray toJson(const QJsonArray& array) {
 QString briefText(const CaseTally& tally) {
     if (tally.failures.empty())
         return tally.skipText;
-    ReportEntry first = tally.failures.front();
-    takeScreenshotNote(&first.message);
-    return messageText(first).left(longestBrief);
+    const ResultAdded& first = tally.failures.front();
+    QString message = first.message;
+    takeScreenshotNote(&message);
+    return messageText(message, first.detail).left(longestBrief);
 }
 
-QString labelOf(const ReportEntry& entry) {
-    switch (entry.kind) {
-        case Kind::Result:
-            return resultTypeName(entry.type);
-        case Kind::Attachment:
-            switch (entry.type) {
-                case TestResult::OutputAttachment:
-                    return QStringLiteral("Application");
-                case TestResult::ImageAttachment:
-                    return QStringLiteral("Picture");
-                case TestResult::ObjectsAttachment:
-                    return QStringLiteral("Objects");
-                default:
-                    return QStringLiteral("File");
-            }
-        case Kind::VideoStart:
-            return QStringLiteral("Video starts");
-        case Kind::VideoEnd:
-            return QStringLiteral("Video ends");
-        case Kind::Output:
-            return entry.extra == QLatin1String("stderr") ? QStringLiteral("Script errors")
-                                                          : QStringLiteral("Script output");
-        case Kind::Action:
-            return QStringLiteral("Action");
+QString labelOf(const FileAttached& file) {
+    switch (file.type) {
+        case TestResult::OutputAttachment:
+            return QStringLiteral("Application");
+        case TestResult::ImageAttachment:
+            return QStringLiteral("Picture");
+        case TestResult::ObjectsAttachment:
+            return QStringLiteral("Objects");
         default:
-            return QString();
+            return QStringLiteral("File");
     }
 }
 
-const char* kindOf(const ReportEntry& entry) {
-    switch (entry.kind) {
-        case Kind::SectionStart:
-            return "sectionStart";
-        case Kind::SectionEnd:
-            return "sectionEnd";
-        case Kind::Attachment:
-        case Kind::VideoEnd:
-            return "file";
-        case Kind::Output:
-            return "output";
-        case Kind::Action:
-            return "action";
-        default:
-            return "result";
-    }
+/// What every entry of the page has: its kind, which tells the scripts of the page how to show it,
+/// its label and its message.
+void insertHead(QJsonObject& object, const char* kind, const QString& label,
+                const QString& message) {
+    object.insert(QStringLiteral("kind"), QLatin1String(kind));
+    object.insert(QStringLiteral("label"), label);
+    object.insert(QStringLiteral("message"), shown(message));
+}
+
+void insertAction(QJsonObject& object, const ActionEnded& action) {
+    insertHead(object, "action", QStringLiteral("Action"), action.function);
+    insertText(object, "detail", shown(action.arguments));
+    object.insert(QStringLiteral("took"), std::max(0, action.milliseconds));
+    if (action.hasFailed)
+        object.insert(QStringLiteral("failed"), true);
+    // No lines of scripts: there may be very many actions.
+    insertText(object, "position", shown(positionText(action.position)));
 }
 
 }  // namespace
@@ -191,9 +176,9 @@ QByteArray HtmlData::json() {
             notes.append(note);
     }
     QJsonArray environment;
-    for (const auto& [name, fact] : m_environment) {
-        environment.append(QJsonObject{{QStringLiteral("name"), shown(name)},
-                                       {QStringLiteral("fact"), shown(fact)}});
+    for (const EnvironmentFact& fact : m_environment) {
+        environment.append(QJsonObject{{QStringLiteral("name"), shown(fact.name)},
+                                       {QStringLiteral("fact"), shown(fact.fact)}});
     }
     const QDateTime start =
         m_tally.suites().empty() ? QDateTime() : m_tally.suites().front().outside.start;
@@ -243,7 +228,7 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     if (entries != m_entries.end()) {
         const char* separator = "\n";
         for (const ReportEntry& entry : entries->second) {
-            if (entry.kind == Kind::Action && ++m_actionCount > mostActions)
+            if (eventOf<ActionEnded>(entry) && ++m_actionCount > mostActions)
                 continue;
             m_rowEntries += separator + toJson(entryObject(entry, tally.start));
             separator = ",\n";
@@ -253,7 +238,7 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     m_rows.append(row);
 }
 
-ReportEntry HtmlData::limitedEntry(const ReportEntry& entry, QJsonObject& object) {
+ReportEvent HtmlData::limitedEvent(const ReportEvent& event, QJsonObject& object) {
     QJsonArray wholes;
     const auto store = [&](const QString& text, const QString& name) {
         const QString path = m_files->store(text, name + QLatin1String(".txt")).path;
@@ -263,73 +248,82 @@ ReportEntry HtmlData::limitedEntry(const ReportEntry& entry, QJsonObject& object
         }
         return path;
     };
-    const ReportEntry limited =
-        withLimitedTexts(entry, m_entryBudget > 0 ? longestText : longestLateText, store);
-    m_entryBudget -= qint64(limited.message.size()) + limited.detail.size() + limited.extra.size() +
-                     limited.explanation.size();
+    const ReportEvent limited =
+        withLimitedTexts(event, m_entryBudget > 0 ? longestText : longestLateText, store);
+    m_entryBudget -= textSize(limited);
     if (!wholes.isEmpty())
         object.insert(QStringLiteral("wholes"), wholes);
     return limited;
 }
 
-QJsonObject HtmlData::entryObject(const ReportEntry& whole, const QDateTime& rowStart) {
-    QJsonObject object{{QStringLiteral("kind"), QLatin1String(kindOf(whole))}};
-    const ReportEntry entry = limitedEntry(whole, object);
+QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& rowStart) {
+    QJsonObject object;
+    const ReportEvent limited = limitedEvent(entry.event, object);
     const bool hasTime = entry.time.isValid() && rowStart.isValid();
     object.insert(QStringLiteral("at"),
                   hasTime ? std::max<qint64>(0, rowStart.msecsTo(entry.time)) : 0);
     insertText(
         object, "time",
         entry.time.isValid() ? entry.time.toString(QStringLiteral("HH:mm:ss.zzz")) : QString());
-    if (entry.kind == Kind::SectionEnd)
-        return object;
-
-    object.insert(QStringLiteral("label"), labelOf(entry));
-    QString message = entry.message;
-    const QString screenshot =
-        entry.kind == Kind::Result ? takeScreenshotNote(&message) : QString();
-    object.insert(QStringLiteral("message"), shown(message));
-    insertText(object, "detail", shown(entry.detail));
-    if (!screenshot.isEmpty())
-        object.insert(QStringLiteral("screenshot"), fileObject(screenshot, true));
-    if (entry.kind == Kind::Result)
-        addResult(object, entry);
-    if (entry.kind == Kind::Action)
-        addAction(object, entry);
-    if (entry.kind == Kind::Attachment || entry.kind == Kind::VideoEnd) {
-        const bool isAttachment = entry.kind == Kind::Attachment;
-        if (isAttachment && entry.type == TestResult::ObjectsAttachment)
-            object.insert(QStringLiteral("file"), objectsObject(entry.path));
-        else
-            object.insert(
-                QStringLiteral("file"),
-                fileObject(entry.path, isAttachment && entry.type == TestResult::ImageAttachment));
-        if (isAttachment && entry.extra == QLatin1String("result"))
-            object.insert(QStringLiteral("belongsToResult"), true);
-        if (isAttachment && entry.type == TestResult::OutputAttachment)
-            object.insert(QStringLiteral("isApplicationOutput"), true);
-    }
+    std::visit(Overloaded{
+                   [&](const SectionStarted& section) {
+                       insertHead(object, "sectionStart", QString(), section.title);
+                       insertText(object, "detail", shown(section.description));
+                   },
+                   [&](const SectionEnded&) {
+                       object.insert(QStringLiteral("kind"), QStringLiteral("sectionEnd"));
+                   },
+                   [&](const ResultAdded& result) { addResult(object, result); },
+                   [&](const FileAttached& file) { addFile(object, file); },
+                   [&](const VideoStarted& video) {
+                       insertHead(object, "result", QStringLiteral("Video starts"), video.message);
+                   },
+                   [&](const VideoEnded& video) {
+                       insertHead(object, "file", QStringLiteral("Video ends"), video.message);
+                       object.insert(QStringLiteral("file"), fileObject(video.path, false));
+                   },
+                   [&](const OutputWritten& output) {
+                       insertHead(object, "output",
+                                  output.stream == OutputStream::StandardError
+                                      ? QStringLiteral("Script errors")
+                                      : QStringLiteral("Script output"),
+                                  output.text);
+                   },
+                   [&](const ActionEnded& action) { insertAction(object, action); },
+                   // Frames and facts stand elsewhere on the page.
+                   [](const auto&) {},
+               },
+               limited);
     return object;
 }
 
-void HtmlData::addResult(QJsonObject& object, const ReportEntry& entry) {
-    if (isFailure(entry))
+void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
+    QString message = result.message;
+    const QString screenshot = takeScreenshotNote(&message);
+    insertHead(object, "result", resultTypeName(result.type), message);
+    insertText(object, "detail", shown(result.detail));
+    if (!screenshot.isEmpty())
+        object.insert(QStringLiteral("screenshot"), fileObject(screenshot, true));
+    if (isFailure(result))
         object.insert(QStringLiteral("failure"), true);
-    if (entry.echo)
+    if (result.isEcho)
         object.insert(QStringLiteral("echo"), true);
-    insertText(object, "comment", shown(commentText(entry)));
+    insertText(object, "comment", shown(commentText(result)));
     // A difference may lie in the line ends.
-    insertText(object, "explanation", escapedForTerminal(entry.explanation));
-    addStack(object, entry.callStack);
+    insertText(object, "explanation", escapedForTerminal(result.explanation));
+    addStack(object, result.callStack);
 }
 
-void HtmlData::addAction(QJsonObject& object, const ReportEntry& entry) {
-    object.insert(QStringLiteral("took"), std::max(0, entry.value));
-    if (entry.extra == QLatin1String("failed"))
-        object.insert(QStringLiteral("failed"), true);
-    // No lines of scripts: there may be very many actions.
-    if (!entry.callStack.empty())
-        insertText(object, "position", shown(positionText(entry.callStack.front())));
+void HtmlData::addFile(QJsonObject& object, const FileAttached& file) {
+    insertHead(object, "file", labelOf(file), file.message);
+    object.insert(QStringLiteral("file"),
+                  file.type == TestResult::ObjectsAttachment
+                      ? objectsObject(file.path)
+                      : fileObject(file.path, file.type == TestResult::ImageAttachment));
+    if (file.belongsToResult)
+        object.insert(QStringLiteral("belongsToResult"), true);
+    if (file.type == TestResult::OutputAttachment)
+        object.insert(QStringLiteral("isApplicationOutput"), true);
 }
 
 void HtmlData::addStack(QJsonObject& object, const CallStack& callStack) {

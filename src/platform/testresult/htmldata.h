@@ -5,12 +5,11 @@
 #include <QJsonObject>
 #include <QString>
 #include <map>
-#include <utility>
 #include <vector>
 
 #include "platform/testresult/objecttrees.h"
+#include "platform/testresult/reportevent.h"
 #include "platform/testresult/reportfiles.h"
-#include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/runtally.h"
 #include "platform/testresult/scriptexcerpts.h"
 
@@ -19,8 +18,7 @@ namespace Tamrix {
 /// The entries of a run by CaseTally::id.
 using EntriesById = std::map<int, std::vector<ReportEntry>>;
 
-/// Facts about a run: name and fact.
-using RunFacts = std::vector<std::pair<QString, QString>>;
+using RunFacts = std::vector<EnvironmentFact>;
 
 /// Makes the data that the page of an HTML report shows. What it holds is told by the scripts in
 /// html/, which read it: one object with
@@ -49,15 +47,15 @@ public:
 
 private:
     void addRow(const CaseTally& tally, int suite, bool isCase);
-    QJsonObject entryObject(const ReportEntry& whole, const QDateTime& rowStart);
-    void addResult(QJsonObject& object, const ReportEntry& entry);
-    void addAction(QJsonObject& object, const ReportEntry& entry);
+    QJsonObject entryObject(const ReportEntry& entry, const QDateTime& rowStart);
+    void addResult(QJsonObject& object, const ResultAdded& result);
+    void addFile(QJsonObject& object, const FileAttached& file);
     void addStack(QJsonObject& object, const CallStack& callStack);
     QJsonObject objectsObject(const QString& source);
     QJsonObject fileObject(const QString& source, bool isImage);
     void addText(QJsonObject& object, const ReportFiles::Copy& copy);
-    /// The entry with texts that the page can hold; links to the whole ones go to `object`.
-    ReportEntry limitedEntry(const ReportEntry& entry, QJsonObject& object);
+    /// The event with texts that the page can hold; links to the whole ones go to `object`.
+    ReportEvent limitedEvent(const ReportEvent& event, QJsonObject& object);
 
     const RunTally& m_tally;
     const EntriesById& m_entries;

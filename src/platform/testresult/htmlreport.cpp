@@ -3,10 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
 
-#include "base/filewriting.h"
+#include "base/overloaded.h"
 #include "base/textescape.h"
 #include "platform/testresult/htmldata.h"
 #include "platform/testresult/reportfiles.h"
@@ -17,13 +16,6 @@
 namespace Tamrix {
 
 namespace {
-
-using Kind = ReportEntry::Kind;
-
-bool isFrame(const ReportEntry& entry) {
-    return entry.kind == Kind::SuiteStart || entry.kind == Kind::SuiteEnd ||
-           entry.kind == Kind::CaseStart || entry.kind == Kind::CaseEnd;
-}
 
 QByteArray resource(const char* name) {
     QFile file(QStringLiteral(":/tamrix/htmlreport/") + QLatin1String(name));
@@ -72,24 +64,31 @@ HtmlReport::~HtmlReport() = default;
 
 void HtmlReport::add(const ReportEntry& entry) {
     std::vector<ReportEntry>& entries = m_entries[m_tally.add(entry).id];
-    if (isFrame(entry))
-        return;
-    if (entry.kind == Kind::Environment) {
-        addEnvironment(entry);
-        return;
-    }
-    // Scripts write in small pieces.
-    if (entry.kind == Kind::Output && !entries.empty() && entries.back().kind == Kind::Output &&
-        entries.back().extra == entry.extra)
-        entries.back().message += entry.message;
-    else
-        entries.push_back(entry);
+    std::visit(Overloaded{
+                   // The tally knows the frame of the run.
+                   [](const SuiteStarted&) {},
+                   [](const SuiteEnded&) {},
+                   [](const CaseStarted&) {},
+                   [](const CaseEnded&) {},
+                   [this](const EnvironmentFact& fact) { addFact(fact); },
+                   [&](const OutputWritten& output) {
+                       // Scripts write in small pieces.
+                       auto* const last = entries.empty()
+                                              ? nullptr
+                                              : std::get_if<OutputWritten>(&entries.back().event);
+                       if (last && last->stream == output.stream)
+                           last->text += output.text;
+                       else
+                           entries.push_back(entry);
+                   },
+                   [&](const auto&) { entries.push_back(entry); },
+               },
+               entry.event);
 }
 
-void HtmlReport::addEnvironment(const ReportEntry& entry) {
-    std::pair fact(entry.message, entry.detail);
+void HtmlReport::addFact(const EnvironmentFact& fact) {
     if (std::find(m_environment.begin(), m_environment.end(), fact) == m_environment.end())
-        m_environment.push_back(std::move(fact));
+        m_environment.push_back(fact);
 }
 
 void HtmlReport::finish() {
@@ -128,16 +127,8 @@ bool HtmlReport::writePage(ReportFiles& files) {
         text += parts.at(frame.mid(begin + 2, close - begin - 2));
         position = close + 2;
     }
-    QSaveFile page(m_page);
-    QString reason;
-    const bool isWritten =
-        page.open(QIODevice::WriteOnly) && writeAll(&page, text, &reason) && page.commit();
-    if (!isWritten) {
-        m_error = QStringLiteral("The report '%1' can't be written: %2")
-                      .arg(m_page, reason.isEmpty() ? page.errorString() : reason);
-        return false;
-    }
-    return true;
+    m_error = writeReport(m_page, text);
+    return m_error.isEmpty();
 }
 
 }  // namespace Tamrix

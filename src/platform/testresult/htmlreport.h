@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <map>
-#include <utility>
 #include <vector>
 
 #include "base/export.h"
@@ -34,7 +33,7 @@ public:
     QString errorText() const override { return m_error; }
 
 private:
-    void addEnvironment(const ReportEntry& entry);
+    void addFact(const EnvironmentFact& fact);
     bool writePage(ReportFiles& files);
 
     QString m_folder;
@@ -43,8 +42,8 @@ private:
     RunTally m_tally;
     /// By CaseTally::id.
     std::map<int, std::vector<ReportEntry>> m_entries;
-    /// Facts about the run, each once: name and fact.
-    std::vector<std::pair<QString, QString>> m_environment;
+    /// Facts about the run, each once.
+    std::vector<EnvironmentFact> m_environment;
 };
 
 }  // namespace Tamrix

@@ -3,7 +3,8 @@
 #include <QFile>
 #include <vector>
 
-#include "platform/testresult/journalformat.h"
+#include "base/overloaded.h"
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/testresult.h"
@@ -12,78 +13,65 @@ namespace Tamrix {
 
 namespace {
 
-using Kind = ReportEntry::Kind;
-
 /// Sees what is open at the end of a journal.
 class OpenLevels : public ReportGenerator {
 public:
     void add(const ReportEntry& entry) override {
         ++m_entryCount;
-        switch (entry.kind) {
-            case Kind::SuiteStart:
-                m_isSuiteOpen = true;
-                break;
-            case Kind::CaseStart:
-                ++m_caseCount;
-                m_case = entry;
-                m_isCaseOpen = true;
-                break;
-            case Kind::SectionStart:
-                m_sections.push_back(entry);
-                break;
-            case Kind::SectionEnd:
-                if (!m_sections.empty())
-                    m_sections.pop_back();
-                break;
-            case Kind::CaseEnd:
-                m_isCaseOpen = false;
-                m_sections.clear();
-                break;
-            case Kind::SuiteEnd:
-                m_isSuiteOpen = false;
-                break;
-            default:
-                break;
-        }
+        std::visit(Overloaded{
+                       [this](const SuiteStarted&) { m_isSuiteOpen = true; },
+                       [this](const CaseStarted& testCase) {
+                           ++m_caseCount;
+                           m_script = testCase.script;
+                           m_isCaseOpen = true;
+                       },
+                       [this](const SectionStarted& section) { m_sections.push_back(section); },
+                       [this](const SectionEnded&) {
+                           if (!m_sections.empty())
+                               m_sections.pop_back();
+                       },
+                       [this](const CaseEnded&) {
+                           m_isCaseOpen = false;
+                           m_sections.clear();
+                       },
+                       [this](const SuiteEnded&) { m_isSuiteOpen = false; },
+                       // The others open and end nothing.
+                       [](const auto&) {},
+                   },
+                   entry.event);
     }
 
     int entryCount() const { return m_entryCount; }
     int caseCount() const { return m_caseCount; }
 
     /// The result, at the script of the open case, and the ends.
-    std::vector<ReportEntry> completion(const QString& message, const QString& detail) const {
-        std::vector<ReportEntry> entries;
-        const auto append = [&](Kind kind) -> ReportEntry& {
-            entries.emplace_back();
-            entries.back().kind = kind;
-            entries.back().time = QDateTime::currentDateTime();
-            return entries.back();
-        };
-        ReportEntry& result = append(Kind::Result);
+    std::vector<ReportEvent> completion(const QString& message, const QString& detail) const {
+        ResultAdded result;
         result.type = TestResult::Error;
         result.message = message;
         result.detail = detail;
         if (m_isCaseOpen)
-            result.callStack = {LineInfo(m_case.path, 0)};
+            result.callStack = {LineInfo(m_script, 0)};
+        std::vector<ReportEvent> events{result};
         for (auto section = m_sections.rbegin(); section != m_sections.rend(); ++section) {
-            ReportEntry& end = append(Kind::SectionEnd);
-            end.type = TestResult::SectionEnd;
-            end.message = section->message;
-            end.extra = section->extra;
+            SectionEnded end;
+            end.title = section->title;
+            end.kind = section->kind;
+            events.emplace_back(end);
         }
         // The case came to its end, in its own way; the suite did not.
         if (m_isCaseOpen)
-            append(Kind::CaseEnd).extra = QStringLiteral("finished");
+            events.emplace_back(CaseEnded{false});
         if (m_isSuiteOpen)
-            append(Kind::SuiteEnd).extra = QStringLiteral("interrupted");
-        return entries;
+            events.emplace_back(SuiteEnded{true});
+        return events;
     }
 
 private:
-    ReportEntry m_case;
+    QString m_script;
     bool m_isSuiteOpen = false;
     bool m_isCaseOpen = false;
-    std::vector<ReportEntry> m_sections;
+    std::vector<SectionStarted> m_sections;
     int m_entryCount = 0;
     int m_caseCount = 0;
 };
@@ -125,8 +113,8 @@ JournalCompletion completeJournal(const QString& path, const QString& message,
         return failed();
     completion.entryCount = levels.entryCount();
     completion.caseCount = levels.caseCount();
-    for (const ReportEntry& entry : levels.completion(message, detail)) {
-        const QByteArray line = Journal::entryLine(entry);
+    for (const ReportEvent& event : levels.completion(message, detail)) {
+        const QByteArray line = Journal::entryLine({QDateTime::currentDateTime(), event});
         if (file.write(line) != line.size())
             return failed();
     }

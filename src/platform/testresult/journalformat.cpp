@@ -12,37 +12,6 @@ namespace Tamrix::Journal {
 
 namespace {
 
-using Kind = ReportEntry::Kind;
-
-struct KindName {
-    Kind kind;
-    const char* name;
-};
-
-constexpr KindName kindNames[] = {
-    {Kind::SuiteStart, "suiteStart"},
-    {Kind::SuiteEnd, "suiteEnd"},
-    {Kind::CaseStart, "caseStart"},
-    {Kind::CaseEnd, "caseEnd"},
-    {Kind::SectionStart, "sectionStart"},
-    {Kind::SectionEnd, "sectionEnd"},
-    {Kind::Result, "result"},
-    {Kind::Attachment, "attachment"},
-    {Kind::VideoStart, "videoStart"},
-    {Kind::VideoEnd, "videoEnd"},
-    {Kind::Output, "output"},
-    {Kind::Action, "action"},
-    {Kind::Environment, "environment"},
-};
-
-const char* kindName(Kind kind) {
-    for (const KindName& row : kindNames) {
-        if (row.kind == kind)
-            return row.name;
-    }
-    return "";
-}
-
 /// Appends the code point as UTF-8.
 void appendUtf8(QByteArray& line, uint c) {
     if (c < 0x80) {
@@ -248,17 +217,6 @@ private:
     QString m_error;
 };
 
-QString readKind(const QString& name, Kind* kind) {
-    for (const KindName& row : kindNames) {
-        if (name == QLatin1String(row.name)) {
-            *kind = row.kind;
-            return QString();
-        }
-    }
-    return name.isEmpty() ? QStringLiteral("the entry has no \"kind\"")
-                          : QStringLiteral("unknown kind \"%1\"").arg(name);
-}
-
 }  // namespace
 
 const char* const beginning = "{\"format\":\"tamrix-journal\",\"version\":";
@@ -271,24 +229,23 @@ QByteArray headerLine(const QDateTime& created) {
     return line;
 }
 
-QByteArray entryLine(const ReportEntry& entry) {
+QByteArray lineOf(const Fields& fields) {
     QByteArray line;
-    line.reserve(256 + entry.message.size() + entry.detail.size());
-    line += "{\"kind\":\"";
-    line += kindName(entry.kind);
-    line += '"';
-    appendTime(line, "time", entry.time);
-    if (entry.type != 0 || entry.kind == Kind::Result)
-        appendNumber(line, "type", entry.type);
-    appendText(line, "message", entry.message);
-    appendText(line, "detail", entry.detail);
-    appendCallStack(line, entry.callStack);
-    appendText(line, "extra", entry.extra);
-    if (entry.value != -1)
-        appendNumber(line, "value", entry.value);
-    appendText(line, "path", entry.path);
-    appendText(line, "explanation", entry.explanation);
-    if (entry.echo)
+    line.reserve(256 + fields.message.size() + fields.detail.size());
+    line += "{\"kind\":";
+    appendString(line, fields.kind);
+    appendTime(line, "time", fields.time);
+    if (fields.type)
+        appendNumber(line, "type", *fields.type);
+    appendText(line, "message", fields.message);
+    appendText(line, "detail", fields.detail);
+    appendCallStack(line, fields.callStack);
+    appendText(line, "extra", fields.extra);
+    if (fields.value != -1)
+        appendNumber(line, "value", fields.value);
+    appendText(line, "path", fields.path);
+    appendText(line, "explanation", fields.explanation);
+    if (fields.isEcho)
         line += ",\"echo\":true";
     line += "}\n";
     return line;
@@ -308,7 +265,7 @@ QString checkHeader(const QByteArray& line, bool* isJson) {
     return fields.errorText();
 }
 
-QString parseEntry(const QByteArray& line, ReportEntry* entry, bool* isJson) {
+QString parseFields(const QByteArray& line, Fields* fields, bool* isJson) {
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(line, &parseError);
     *isJson = document.isObject();
@@ -318,25 +275,20 @@ QString parseEntry(const QByteArray& line, ReportEntry* entry, bool* isJson) {
                    : parseError.errorString();
     }
     // Fields that this program does not know are passed over: later ones of the same version.
-    FieldReader fields(document.object());
-    *entry = ReportEntry();
-    const QString kind = fields.text("kind");
-    entry->time = fields.time("time");
-    entry->type = fields.number("type", 0);
-    entry->message = fields.text("message");
-    entry->detail = fields.text("detail");
-    entry->callStack = fields.callStack("callStack");
-    entry->extra = fields.text("extra");
-    entry->value = fields.number("value", -1);
-    entry->path = fields.text("path");
-    entry->explanation = fields.text("explanation");
-    entry->echo = fields.flag("echo");
-    if (!fields.errorText().isEmpty())
-        return fields.errorText();
-    const QString kindError = readKind(kind, &entry->kind);
-    if (kindError.isEmpty() && entry->kind == Kind::Result && !fields.has("type"))
-        return QStringLiteral("the result has no \"type\"");
-    return kindError;
+    FieldReader reader(document.object());
+    fields->kind = reader.text("kind");
+    fields->time = reader.time("time");
+    if (reader.has("type"))
+        fields->type = reader.number("type", 0);
+    fields->message = reader.text("message");
+    fields->detail = reader.text("detail");
+    fields->callStack = reader.callStack("callStack");
+    fields->extra = reader.text("extra");
+    fields->value = reader.number("value", -1);
+    fields->path = reader.text("path");
+    fields->explanation = reader.text("explanation");
+    fields->isEcho = reader.flag("echo");
+    return reader.errorText();
 }
 
 }  // namespace Tamrix::Journal

@@ -2,7 +2,7 @@
 
 #include <QFile>
 
-#include "platform/testresult/journalformat.h"
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/reportgenerator.h"
 
 namespace Tamrix {

@@ -8,7 +8,7 @@
 #include <cerrno>
 
 #include "base/filewriting.h"
-#include "platform/testresult/journalformat.h"
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/reporttarget.h"
 
 namespace Tamrix {
@@ -64,36 +64,37 @@ void JournalReport::finish() {
 }
 
 void JournalReport::addLongEntry(const ReportEntry& entry) {
-    ReportEntry part = entry;
-    if (entry.kind == ReportEntry::Kind::Output) {
-        int start = 0;
-        while (start < entry.message.size()) {
-            int length = qMin(longestText, entry.message.size() - start);
-            // A surrogate pair stays in one piece.
-            if (start + length < entry.message.size() &&
-                entry.message.at(start + length - 1).isHighSurrogate())
-                --length;
-            part.message = entry.message.mid(start, length);
-            write(Journal::entryLine(part));
-            start += length;
-        }
+    if (const auto* output = eventOf<OutputWritten>(entry)) {
+        addLongOutput(entry.time, *output);
         return;
     }
+    Journal::Fields fields = Journal::fieldsOf(entry);
     // What follows from the rest goes first.
-    part.explanation = shortened(entry.explanation);
-    const QByteArray line = Journal::entryLine(part);
+    fields.explanation = shortened(fields.explanation);
+    const QByteArray line = Journal::lineOf(fields);
     if (line.size() <= Journal::longestLine) {
         write(line);
         return;
     }
-    part.message = shortened(entry.message);
-    part.detail = shortened(entry.detail);
-    part.extra = shortened(entry.extra);
-    part.path = shortened(entry.path);
+    for (QString* const text : {&fields.message, &fields.detail, &fields.extra, &fields.path})
+        *text = shortened(*text);
     const std::size_t deepest = 1000;
-    if (part.callStack.size() > deepest)
-        part.callStack.resize(deepest);
-    write(Journal::entryLine(part));
+    if (fields.callStack.size() > deepest)
+        fields.callStack.resize(deepest);
+    write(Journal::lineOf(fields));
+}
+
+void JournalReport::addLongOutput(const QDateTime& time, const OutputWritten& output) {
+    const QString& text = output.text;
+    int start = 0;
+    while (start < text.size()) {
+        int length = qMin(longestText, text.size() - start);
+        // A surrogate pair stays in one piece.
+        if (start + length < text.size() && text.at(start + length - 1).isHighSurrogate())
+            --length;
+        write(Journal::entryLine({time, OutputWritten{output.stream, text.mid(start, length)}}));
+        start += length;
+    }
 }
 
 void JournalReport::write(const QByteArray& line) {

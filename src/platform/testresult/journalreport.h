@@ -30,6 +30,7 @@ public:
 
 private:
     void addLongEntry(const ReportEntry& entry);
+    void addLongOutput(const QDateTime& time, const OutputWritten& output);
     void write(const QByteArray& line);
     /// Whether the path leads to another file by now, or to none.
     bool hasVanished() const;

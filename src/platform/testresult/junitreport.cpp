@@ -2,23 +2,19 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <QXmlStreamWriter>
 #include <algorithm>
 
-#include "base/filewriting.h"
-#include "base/textescape.h"
+#include "base/overloaded.h"
 #include "platform/testresult/longtext.h"
 #include "platform/testresult/reportfiles.h"
 #include "platform/testresult/reporttarget.h"
+#include "platform/testresult/reportxml.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 
 namespace Tamrix {
 
 namespace {
-
-using Kind = ReportEntry::Kind;
 
 // Readers of XML refuse texts of ten million characters, and servers show far less.
 constexpr int longestMessage = 1000;
@@ -96,19 +92,10 @@ QString attachmentLine(const QString& path) {
     return QStringLiteral("[[ATTACHMENT|%1]]").arg(path);
 }
 
-void writeText(QXmlStreamWriter& xml, const QString& name, const QString& text) {
-    if (!text.isEmpty())
-        xml.writeTextElement(name, escapedForXml(text));
-}
-
-void writeAttribute(QXmlStreamWriter& xml, const char* name, const QString& value) {
-    xml.writeAttribute(QLatin1String(name), escapedForXml(value));
-}
-
-void writeTotals(QXmlStreamWriter& xml, const Totals& totals) {
-    writeAttribute(xml, "tests", QString::number(totals.tests));
-    writeAttribute(xml, "failures", QString::number(totals.failures));
-    writeAttribute(xml, "errors", QString::number(totals.errors));
+void writeTotals(ReportXml& xml, const Totals& totals) {
+    xml.addAttribute("tests", totals.tests);
+    xml.addAttribute("failures", totals.failures);
+    xml.addAttribute("errors", totals.errors);
 }
 
 }  // namespace
@@ -124,62 +111,47 @@ JUnitReport::~JUnitReport() = default;
 
 void JUnitReport::add(const ReportEntry& entry) {
     Texts& texts = m_texts[m_tally.add(entry).id];
-    switch (entry.kind) {
-        case Kind::Result:
-            // Failures have an element of their own, and so has the skip of a case.
-            if (entry.type == TestResult::Log || entry.type == TestResult::Warning ||
-                (entry.type == TestResult::Skipped && !isCaseSkip(entry)))
-                addLine(texts, describeResult(entry));
-            break;
-        case Kind::Attachment:
-        case Kind::VideoEnd:
-            addLine(texts, attachmentLine(entry.path));
-            break;
-        case Kind::Output:
-            if (entry.extra == QLatin1String("stderr"))
-                texts.err += entry.message;
-            else
-                texts.out += entry.message;
-            break;
-        default:
-            break;
-    }
+    std::visit(Overloaded{
+                   [&](const ResultAdded& result) {
+                       // Failures have an element of their own, and so has the skip of a case.
+                       if (result.type == TestResult::Log || result.type == TestResult::Warning ||
+                           (result.type == TestResult::Skipped && !isCaseSkip(result)))
+                           addLine(texts, describeResult(result));
+                   },
+                   [&](const FileAttached& file) { addLine(texts, attachmentLine(file.path)); },
+                   [&](const VideoEnded& video) { addLine(texts, attachmentLine(video.path)); },
+                   [&](const OutputWritten& output) {
+                       (output.stream == OutputStream::StandardError ? texts.err : texts.out) +=
+                           output.text;
+                   },
+                   // The format has no place for the others.
+                   [](const auto&) {},
+               },
+               entry.event);
 }
 
 void JUnitReport::finish() {
     if (!m_error.isEmpty())
         return;
     QByteArray text;
-    QXmlStreamWriter xml(&text);
-    xml.setAutoFormatting(true);
-    xml.setAutoFormattingIndent(2);
-    xml.writeStartDocument();
-    xml.writeStartElement(QStringLiteral("testsuites"));
+    ReportXml xml(&text);
+    xml.startElement("testsuites");
     Totals totals;
     for (const SuiteTally& suite : m_tally.suites())
         totals.add(totalsOf(suite));
     writeTotals(xml, totals);
-    writeAttribute(xml, "time", secondsText(m_tally.seconds()));
+    xml.addAttribute("time", secondsText(m_tally.seconds()));
     for (const SuiteTally& suite : m_tally.suites())
         writeSuite(xml, suite);
-    xml.writeEndElement();
-    xml.writeEndDocument();
+    xml.endElement();
+    xml.endDocument();
     m_error = m_files->errorText();
     if (m_error.isEmpty())
-        writeFile(text);
+        m_error = writeReport(m_path, text);
     if (m_error.isEmpty())
         m_files->removeUnused();
     else
         m_files->removeNew();
-}
-
-void JUnitReport::writeFile(const QByteArray& text) {
-    QSaveFile file(m_path);
-    QString reason;
-    if (!file.open(QIODevice::WriteOnly) || !writeAll(&file, text, &reason) || !file.commit()) {
-        m_error = QStringLiteral("The report '%1' can't be written: %2")
-                      .arg(m_path, reason.isEmpty() ? file.errorString() : reason);
-    }
 }
 
 void JUnitReport::addLine(Texts& texts, const QString& line) {
@@ -188,43 +160,42 @@ void JUnitReport::addLine(Texts& texts, const QString& line) {
     texts.out += line + QLatin1Char('\n');
 }
 
-void JUnitReport::writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite) {
+void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     const CaseTally& self = suite.outside;
     const Totals totals = totalsOf(suite);
-    xml.writeStartElement(QStringLiteral("testsuite"));
-    writeAttribute(xml, "name", self.name);
+    xml.startElement("testsuite");
+    xml.addAttribute("name", self.name);
     writeTotals(xml, totals);
-    writeAttribute(xml, "skipped", QString::number(totals.skipped));
-    writeAttribute(xml, "time", secondsText(self.seconds()));
+    xml.addAttribute("skipped", totals.skipped);
+    xml.addAttribute("time", secondsText(self.seconds()));
     if (self.start.isValid()) {
-        writeAttribute(xml, "timestamp",
-                       self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
+        xml.addAttribute("timestamp", self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
     }
     if (needsOwnCase(suite))
         writeCase(xml, self, self.name, true);
     for (const CaseTally& testCase : suite.cases)
         writeCase(xml, testCase, self.name, false);
     writeTexts(xml, self.id);
-    xml.writeEndElement();
+    xml.endElement();
 }
 
-void JUnitReport::writeCase(QXmlStreamWriter& xml, const CaseTally& testCase,
-                            const QString& suiteName, bool isSuiteItself) {
-    xml.writeStartElement(QStringLiteral("testcase"));
-    writeAttribute(xml, "name", testCase.name);
-    writeAttribute(xml, "classname", suiteName);
+void JUnitReport::writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
+                            bool isSuiteItself) {
+    xml.startElement("testcase");
+    xml.addAttribute("name", testCase.name);
+    xml.addAttribute("classname", suiteName);
     if (!isSuiteItself) {
         if (!testCase.path.isEmpty())
-            writeAttribute(xml, "file", testCase.path);
-        writeAttribute(xml, "time", secondsText(testCase.seconds()));
+            xml.addAttribute("file", testCase.path);
+        xml.addAttribute("time", secondsText(testCase.seconds()));
     }
     writeOutcome(xml, testCase);
     if (!isSuiteItself)
         writeTexts(xml, testCase.id);
-    xml.writeEndElement();
+    xml.endElement();
 }
 
-void JUnitReport::writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase) {
+void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
     const CaseOutcome outcome = testCase.outcome();
     const char* element = outcomeElement(outcome);
     if (!element)
@@ -240,26 +211,26 @@ void JUnitReport::writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase)
         type = QStringLiteral("Interrupted");
         message = QStringLiteral("The run was interrupted");
     } else {
-        const ReportEntry& first = testCase.failures.front();
+        const ResultAdded& first = testCase.failures.front();
         type = resultTypeName(first.type);
-        message = messageText(first);
+        message = messageText(first.message, first.detail);
         if (testCase.failures.size() > 1)
             message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
     }
 
-    xml.writeStartElement(QLatin1String(element));
-    writeAttribute(xml, "message", limitedText(message, longestMessage));
+    xml.startElement(element);
+    xml.addAttribute("message", limitedText(message, longestMessage));
     if (!type.isEmpty())
-        writeAttribute(xml, "type", type);
+        xml.addAttribute("type", type);
     QStringList descriptions;
     const auto store = [this](const QString& text, const QString& name) {
         return storeWhole(text, name);
     };
-    for (const ReportEntry& failure : testCase.failures)
+    for (const ResultAdded& failure : testCase.failures)
         descriptions += describeResult(withLimitedTexts(failure, longestText, store));
     const QString text = descriptions.join(QLatin1String("\n\n"));
-    xml.writeCharacters(escapedForXml(limited(text, QStringLiteral("failures"))));
-    xml.writeEndElement();
+    xml.addText(limited(text, QStringLiteral("failures")));
+    xml.endElement();
 }
 
 QString JUnitReport::storeWhole(const QString& text, const QString& name) {
@@ -275,7 +246,7 @@ QString JUnitReport::limited(const QString& text, const QString& name) {
                : limitedText(text, longestElement, storeWhole(text, name));
 }
 
-void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) {
+void JUnitReport::writeTexts(ReportXml& xml, int id) {
     const Texts& texts = m_texts[id];
     const QString err = limited(texts.err, QStringLiteral("system-err"));
     Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
@@ -283,8 +254,8 @@ void JUnitReport::writeTexts(QXmlStreamWriter& xml, int id) {
     for (const QString& whole : qAsConst(m_wholes))
         addLine(out, attachmentLine(whole));
     m_wholes.clear();
-    writeText(xml, QStringLiteral("system-out"), out.out);
-    writeText(xml, QStringLiteral("system-err"), err);
+    xml.addTextElement("system-out", out.out);
+    xml.addTextElement("system-err", err);
 }
 
 }  // namespace Tamrix

@@ -7,11 +7,10 @@
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/runtally.h"
 
-class QXmlStreamWriter;
-
 namespace Tamrix {
 
 class ReportFiles;
+class ReportXml;
 
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
 /// one failure or error element. What happened outside the cases becomes a testcase of the suite's
@@ -38,13 +37,12 @@ private:
     };
 
     void addLine(Texts& texts, const QString& line);
-    void writeFile(const QByteArray& text);
-    void writeSuite(QXmlStreamWriter& xml, const SuiteTally& suite);
-    void writeCase(QXmlStreamWriter& xml, const CaseTally& testCase, const QString& suiteName,
+    void writeSuite(ReportXml& xml, const SuiteTally& suite);
+    void writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
                    bool isSuiteItself);
     /// Writes the one element for all that went wrong: the consumers read no more than one.
-    void writeOutcome(QXmlStreamWriter& xml, const CaseTally& testCase);
-    void writeTexts(QXmlStreamWriter& xml, int id);
+    void writeOutcome(ReportXml& xml, const CaseTally& testCase);
+    void writeTexts(ReportXml& xml, int id);
     /// A text that an element can hold.
     QString limited(const QString& text, const QString& name);
     /// The place of a whole text beside the report, which writeTexts() mentions.

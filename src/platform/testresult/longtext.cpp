@@ -1,6 +1,7 @@
 #include "platform/testresult/longtext.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace Tamrix {
 
@@ -25,6 +26,60 @@ int beginOfEnd(const QString& text, int wanted) {
     return text.at(wanted).isLowSurrogate() ? wanted + 1 : wanted;
 }
 
+/// A text of an event that may be long, and the name under which it is stored.
+struct EventText {
+    QString* text;
+    const char* name;
+};
+using EventTexts = std::vector<EventText>;
+
+EventTexts textsOf(ResultAdded& result) {
+    return {{&result.message, "message"},
+            {&result.detail, "detail"},
+            {&result.comment, "comment"},
+            {&result.explanation, "explanation"}};
+}
+
+EventTexts textsOf(SectionStarted& section) {
+    return {{&section.title, "message"}, {&section.description, "detail"}};
+}
+
+EventTexts textsOf(FileAttached& file) {
+    return {{&file.message, "message"}};
+}
+
+EventTexts textsOf(VideoStarted& video) {
+    return {{&video.message, "message"}};
+}
+
+EventTexts textsOf(VideoEnded& video) {
+    return {{&video.message, "message"}};
+}
+
+EventTexts textsOf(OutputWritten& output) {
+    return {{&output.text, "message"}};
+}
+
+EventTexts textsOf(ActionEnded& action) {
+    return {{&action.function, "message"}, {&action.arguments, "detail"}};
+}
+
+/// The others have names and paths only.
+template <typename Event>
+EventTexts textsOf(Event&) {
+    return {};
+}
+
+void limit(const EventTexts& texts, int longest, const StoreText& store) {
+    for (const EventText& row : texts) {
+        if (row.text->size() > longest) {
+            const QString place =
+                store ? store(*row.text, QString::fromLatin1(row.name)) : QString();
+            *row.text = limitedText(*row.text, longest, place);
+        }
+    }
+}
+
 }  // namespace
 
 QString limitedText(const QString& text, int longest, const QString& place) {
@@ -40,24 +95,23 @@ QString limitedText(const QString& text, int longest, const QString& place) {
            note + QStringLiteral("]\n") + text.mid(end);
 }
 
-ReportEntry withLimitedTexts(const ReportEntry& entry, int longest, const StoreText& store) {
-    const struct {
-        QString ReportEntry::*text;
-        const char* name;
-    } texts[] = {
-        {&ReportEntry::message, "message"},
-        {&ReportEntry::detail, "detail"},
-        {&ReportEntry::extra, "comment"},
-        {&ReportEntry::explanation, "explanation"},
-    };
-    ReportEntry limited = entry;
-    for (const auto& row : texts) {
-        const QString& text = entry.*row.text;
-        if (text.size() > longest)
-            limited.*row.text = limitedText(
-                text, longest, store ? store(text, QString::fromLatin1(row.name)) : QString());
-    }
+ResultAdded withLimitedTexts(const ResultAdded& result, int longest, const StoreText& store) {
+    ResultAdded limited = result;
+    limit(textsOf(limited), longest, store);
     return limited;
+}
+
+ReportEvent withLimitedTexts(const ReportEvent& event, int longest, const StoreText& store) {
+    ReportEvent limited = event;
+    std::visit([&](auto& typed) { limit(textsOf(typed), longest, store); }, limited);
+    return limited;
+}
+
+qint64 textSize(ReportEvent event) {
+    qint64 size = 0;
+    for (const EventText& row : std::visit([](auto& typed) { return textsOf(typed); }, event))
+        size += row.text->size();
+    return size;
 }
 
 }  // namespace Tamrix

@@ -3,7 +3,7 @@
 #include <QString>
 #include <functional>
 
-#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/reportevent.h"
 
 // Texts that are too long for a report: it shows their ends, and where the whole is. The journal
 // keeps them as they are.
@@ -19,9 +19,15 @@ QString limitedText(const QString& text, int longest, const QString& place = QSt
 /// reader; empty when there is none.
 using StoreText = std::function<QString(const QString& text, const QString& name)>;
 
-/// The entry with message, detail, comment and explanation as limitedText() makes them, each whole
+/// The result with message, detail, comment and explanation as limitedText() makes them, each whole
 /// one stored. Without `store` the texts have no place.
-ReportEntry withLimitedTexts(const ReportEntry& entry, int longest,
+ResultAdded withLimitedTexts(const ResultAdded& result, int longest,
                              const StoreText& store = StoreText());
+
+/// The same for whatever texts an event has that may be long.
+ReportEvent withLimitedTexts(const ReportEvent& event, int longest, const StoreText& store);
+
+/// How many characters these texts have together.
+qint64 textSize(ReportEvent event);
 
 }  // namespace Tamrix

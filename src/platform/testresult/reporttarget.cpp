@@ -2,6 +2,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSaveFile>
+
+#include "base/filewriting.h"
 
 namespace Tamrix {
 
@@ -23,6 +26,15 @@ QString prepareReportTarget(const QString& path, QString* error) {
             QStringLiteral("The report '%1' can't be written: permission denied").arg(absolutePath);
     }
     return absolutePath;
+}
+
+QString writeReport(const QString& path, const QByteArray& contents) {
+    QSaveFile file(path);
+    QString reason;
+    if (file.open(QIODevice::WriteOnly) && writeAll(&file, contents, &reason) && file.commit())
+        return QString();
+    return QStringLiteral("The report '%1' can't be written: %2")
+        .arg(path, reason.isEmpty() ? file.errorString() : reason);
 }
 
 }  // namespace Tamrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace Tamrix {
@@ -8,5 +9,9 @@ namespace Tamrix {
 /// absolute path, since a test case changes the working directory. With `*error` set, the path
 /// can't take a report, and the text says why.
 QString prepareReportTarget(const QString& path, QString* error);
+
+/// Writes a report that is written at the end: beside its place, and moved there when it is whole.
+/// Returns an error text, empty on success.
+QString writeReport(const QString& path, const QByteArray& contents);
 
 }  // namespace Tamrix

@@ -19,52 +19,50 @@ QString positionText(const LineInfo& position) {
     return position.fileName() + QLatin1Char(':') + QString::number(position.lineNumber());
 }
 
-QString messageText(const ReportEntry& entry) {
-    if (entry.message.isEmpty() || entry.detail.isEmpty())
-        return entry.message + entry.detail;
-    return entry.message + QLatin1String(": ") + entry.detail;
+QString messageText(const QString& message, const QString& detail) {
+    if (message.isEmpty() || detail.isEmpty())
+        return message + detail;
+    return message + QLatin1String(": ") + detail;
 }
 
-QString commentText(const ReportEntry& entry) {
-    const ResultTypeInfo* info = resultTypeInfo(entry.type);
-    if (entry.extra.isEmpty() || entry.type == TestResult::Skipped)
-        return QString();
-    return info && info->isVerdict ? QStringLiteral("Comment: ") + entry.extra : entry.extra;
+QString commentText(const ResultAdded& result) {
+    const ResultTypeInfo* info = resultTypeInfo(result.type);
+    if (result.comment.isEmpty() || !info || !info->isVerdict)
+        return result.comment;
+    return QStringLiteral("Comment: ") + result.comment;
 }
 
-QString describeResult(const ReportEntry& entry) {
-    QString first = resultTypeName(entry.type);
-    if (!entry.message.isEmpty())
-        first += QLatin1String(": ") + entry.message;
+QString describeResult(const ResultAdded& result) {
+    QString first = resultTypeName(result.type);
+    if (!result.message.isEmpty())
+        first += QLatin1String(": ") + result.message;
     const QString position =
-        entry.callStack.empty() ? QString() : positionText(entry.callStack.front());
+        result.callStack.empty() ? QString() : positionText(result.callStack.front());
     if (!position.isEmpty())
         first.prepend(position + QLatin1String(": "));
 
     QStringList lines{first};
-    if (!entry.detail.isEmpty())
-        lines += entry.detail;
-    const QString comment = commentText(entry);
+    if (!result.detail.isEmpty())
+        lines += result.detail;
+    const QString comment = commentText(result);
     if (!comment.isEmpty())
         lines += comment;
-    if (!entry.explanation.isEmpty())
-        lines += entry.explanation;
-    for (std::size_t i = 1; i < entry.callStack.size(); ++i) {
-        const QString caller = positionText(entry.callStack[i]);
+    if (!result.explanation.isEmpty())
+        lines += result.explanation;
+    for (std::size_t i = 1; i < result.callStack.size(); ++i) {
+        const QString caller = positionText(result.callStack[i]);
         if (!caller.isEmpty())
             lines += QStringLiteral("called from ") + caller;
     }
     return lines.join(QLatin1Char('\n'));
 }
 
-QString describeAction(const ReportEntry& entry) {
-    const QString position =
-        entry.callStack.empty() ? QString() : positionText(entry.callStack.front());
-    const QString seconds = QString::number(entry.value / 1000.0, 'f', 2);
-    const bool hasFailed = entry.extra == QLatin1String("failed");
-    return (position.isEmpty() ? QString() : position + QLatin1String(": ")) + messageText(entry) +
-           QLatin1String(" (") + seconds +
-           (hasFailed ? QStringLiteral(" s, failed)") : QStringLiteral(" s)"));
+QString describeAction(const ActionEnded& action) {
+    const QString position = positionText(action.position);
+    const QString seconds = QString::number(action.milliseconds / 1000.0, 'f', 2);
+    return (position.isEmpty() ? QString() : position + QLatin1String(": ")) +
+           messageText(action.function, action.arguments) + QLatin1String(" (") + seconds +
+           (action.hasFailed ? QStringLiteral(" s, failed)") : QStringLiteral(" s)"));
 }
 
 QString screenshotNote(const QString& path) {

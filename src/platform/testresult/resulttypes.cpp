@@ -29,16 +29,13 @@ QString resultTypeName(int type) {
     return QStringLiteral("Result %1").arg(type);
 }
 
-bool isFailure(const ReportEntry& entry) {
-    if (entry.kind != ReportEntry::Kind::Result || entry.echo)
-        return false;
-    const ResultTypeInfo* info = resultTypeInfo(entry.type);
-    return info && info->isFailure;
+bool isFailure(const ResultAdded& result) {
+    const ResultTypeInfo* info = resultTypeInfo(result.type);
+    return !result.isEcho && info && info->isFailure;
 }
 
-bool isCaseSkip(const ReportEntry& entry) {
-    return entry.kind == ReportEntry::Kind::Result && entry.type == TestResult::Skipped &&
-           entry.extra == QLatin1String("testcase");
+bool isCaseSkip(const ResultAdded& result) {
+    return result.type == TestResult::Skipped && result.skipped == QLatin1String("testcase");
 }
 
 }  // namespace Tamrix

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "base/export.h"
-#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/reportevent.h"
 #include "platform/testresult/testresult.h"
 
 namespace Tamrix {
@@ -31,10 +31,10 @@ TAMRIX_EXPORT const ResultTypeInfo* resultTypeInfo(int type);
 /// The name of a kind of result, "Result N" for a number that is none.
 TAMRIX_EXPORT QString resultTypeName(int type);
 
-/// Whether the entry is a failed verdict or a script error that counts.
-TAMRIX_EXPORT bool isFailure(const ReportEntry& entry);
+/// Whether the result is a failed verdict or a script error that counts.
+TAMRIX_EXPORT bool isFailure(const ResultAdded& result);
 
-/// Whether the entry says that the whole test case is skipped.
-TAMRIX_EXPORT bool isCaseSkip(const ReportEntry& entry);
+/// Whether the result says that the whole test case is skipped.
+TAMRIX_EXPORT bool isCaseSkip(const ResultAdded& result);
 
 }  // namespace Tamrix

@@ -16,20 +16,20 @@ double secondsBetween(const QDateTime& start, const QDateTime& end) {
     return double(std::max<qint64>(0, start.msecsTo(end))) / 1000;
 }
 
-void endTally(CaseTally& tally, const ReportEntry& entry) {
+void endTally(CaseTally& tally, bool isInterrupted) {
     tally.isEnded = true;
-    tally.isInterrupted = entry.extra == QLatin1String("interrupted");
+    tally.isInterrupted = isInterrupted;
 }
 
-void addResult(CaseTally& tally, const ReportEntry& entry) {
-    if (entry.echo)
+void addResult(CaseTally& tally, const ResultAdded& result) {
+    if (result.isEcho)
         return;
-    ++tally.counts[entry.type];
-    if (isFailure(entry))
-        tally.failures.push_back(entry);
-    if (isCaseSkip(entry)) {
+    ++tally.counts[result.type];
+    if (isFailure(result))
+        tally.failures.push_back(result);
+    if (isCaseSkip(result)) {
         tally.isSkipped = true;
-        tally.skipText = messageText(entry);
+        tally.skipText = messageText(result.message, result.detail);
     }
 }
 
@@ -70,34 +70,27 @@ double CaseTally::seconds() const {
 }
 
 const CaseTally& RunTally::add(const ReportEntry& entry) {
-    using Kind = ReportEntry::Kind;
-    if (entry.kind == Kind::SuiteStart)
-        startSuite(entry);
-    CaseTally& suite = suiteSelf(entry);
+    if (const auto* started = eventOf<SuiteStarted>(entry))
+        startSuite(*started, entry.time);
+    CaseTally& suite = suiteSelf(entry.time);
     suite.end = entry.time;
 
-    if (entry.kind == Kind::CaseStart) {
-        CaseTally& started = m_suites.back().cases.emplace_back();
-        started.id = m_nextId++;
-        started.name = entry.message;
-        started.path = entry.path;
-        started.start = entry.time;
-        m_runningCase = &started;
-    }
-    if (entry.kind == Kind::SuiteEnd) {
-        endTally(suite, entry);
+    if (const auto* started = eventOf<CaseStarted>(entry))
+        startCase(*started, entry.time);
+    if (const auto* ended = eventOf<SuiteEnded>(entry)) {
+        endTally(suite, ended->isInterrupted);
         m_runningCase = nullptr;
         return suite;
     }
 
     CaseTally& tally = m_runningCase ? *m_runningCase : suite;
     tally.end = entry.time;
-    if (entry.kind == Kind::Result) {
-        addResult(tally, entry);
-        m_anyFailure = m_anyFailure || isFailure(entry);
+    if (const auto* result = eventOf<ResultAdded>(entry)) {
+        addResult(tally, *result);
+        m_anyFailure = m_anyFailure || isFailure(*result);
     }
-    if (entry.kind == Kind::CaseEnd && m_runningCase) {
-        endTally(tally, entry);
+    if (const auto* ended = eventOf<CaseEnded>(entry); ended && m_runningCase) {
+        endTally(tally, ended->isInterrupted);
         m_runningCase = nullptr;
     }
     return tally;
@@ -155,21 +148,30 @@ double RunTally::seconds() const {
                : secondsBetween(m_suites.front().outside.start, m_suites.back().outside.end);
 }
 
-void RunTally::startSuite(const ReportEntry& entry) {
+void RunTally::startSuite(const SuiteStarted& suite, const QDateTime& time) {
     CaseTally& started = m_suites.emplace_back().outside;
     started.id = m_nextId++;
-    started.name = entry.message;
-    started.path = entry.path;
-    started.start = entry.time;
+    started.name = suite.name;
+    started.path = suite.folder;
+    started.start = time;
     m_runningCase = nullptr;
 }
 
-CaseTally& RunTally::suiteSelf(const ReportEntry& entry) {
+void RunTally::startCase(const CaseStarted& testCase, const QDateTime& time) {
+    CaseTally& started = m_suites.back().cases.emplace_back();
+    started.id = m_nextId++;
+    started.name = testCase.name;
+    started.path = testCase.script;
+    started.start = time;
+    m_runningCase = &started;
+}
+
+CaseTally& RunTally::suiteSelf(const QDateTime& time) {
     // What comes after the end of a suite still counts for it.
     if (m_suites.empty()) {
         CaseTally& unnamed = m_suites.emplace_back().outside;
         unnamed.id = m_nextId++;
-        unnamed.start = entry.time;
+        unnamed.start = time;
         // Nobody started it, so that nobody has to end it.
         unnamed.isEnded = true;
     }

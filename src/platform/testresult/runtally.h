@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/export.h"
-#include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/reportevent.h"
 
 namespace Tamrix {
 
@@ -45,7 +45,7 @@ struct TAMRIX_EXPORT CaseTally {
     /// Results by TestResult::ResultType, without echoes.
     QMap<int, int> counts;
     /// The failed verdicts and script errors as they were added.
-    std::vector<ReportEntry> failures;
+    std::vector<ResultAdded> failures;
     bool isSkipped = false;
     /// Message and detail of the skip.
     QString skipText;
@@ -86,8 +86,10 @@ public:
     double seconds() const;
 
 private:
-    void startSuite(const ReportEntry& entry);
-    CaseTally& suiteSelf(const ReportEntry& entry);
+    void startSuite(const SuiteStarted& suite, const QDateTime& time);
+    void startCase(const CaseStarted& testCase, const QDateTime& time);
+    /// The running suite, or one without a name that starts at `time`.
+    CaseTally& suiteSelf(const QDateTime& time);
 
     std::deque<SuiteTally> m_suites;
     CaseTally* m_runningCase = nullptr;

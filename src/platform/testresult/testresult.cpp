@@ -6,16 +6,6 @@
 
 namespace Tamrix {
 
-namespace {
-
-const QString& endText(bool interrupted) {
-    static const QString s_finished = QStringLiteral("finished");
-    static const QString s_interrupted = QStringLiteral("interrupted");
-    return interrupted ? s_interrupted : s_finished;
-}
-
-}  // namespace
-
 TestResult::TestResult(ReportGenerator* generator) : m_generator(generator) {}
 
 TestResult::~TestResult() {
@@ -26,11 +16,7 @@ TestResult::~TestResult() {
 void TestResult::startSuite(const QString& name, const QString& path) {
     endSuite();
     m_suiteOpen = true;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::SuiteStart;
-    entry.message = name;
-    entry.path = path;
-    forward(std::move(entry));
+    forward(SuiteStarted{name, path});
 }
 
 void TestResult::endSuite(bool interrupted) {
@@ -39,10 +25,7 @@ void TestResult::endSuite(bool interrupted) {
     if (!m_suiteOpen)
         return;
     m_suiteOpen = false;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::SuiteEnd;
-    entry.extra = endText(interrupted);
-    forward(std::move(entry));
+    forward(SuiteEnded{interrupted});
 }
 
 void TestResult::startCase(const QString& name, const QString& scriptPath) {
@@ -50,11 +33,7 @@ void TestResult::startCase(const QString& name, const QString& scriptPath) {
     closeSections(0);
     m_caseOpen = true;
     m_counts.clear();
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::CaseStart;
-    entry.message = name;
-    entry.path = scriptPath;
-    forward(std::move(entry));
+    forward(CaseStarted{name, scriptPath});
 }
 
 void TestResult::endCase(bool interrupted) {
@@ -62,10 +41,7 @@ void TestResult::endCase(bool interrupted) {
         return;
     closeSections(0);
     m_caseOpen = false;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::CaseEnd;
-    entry.extra = endText(interrupted);
-    forward(std::move(entry));
+    forward(CaseEnded{interrupted});
 }
 
 void TestResult::addResult(ResultType type, const QString& message, const QString& detail,
@@ -85,30 +61,37 @@ void TestResult::addResult(const QDateTime& time, ResultType type, const QString
                            const QString& extra, int value, const QString& explanation) {
     if (m_complete)
         return;
-    ReportEntry entry = resultEntry(time, type, message, detail, callStack);
-    entry.extra = extra;
-    entry.value = value;
-    entry.explanation = explanation;
-
     if (type == SectionStart) {
-        openSection(std::move(entry));
+        openSection({message, detail, extra, value, callStack}, time);
         return;
     }
     if (type == SectionEnd) {
-        endSectionOfKind(std::move(entry));
+        endSectionOfKind({message, detail, extra, callStack}, time);
         return;
     }
 
+    ResultAdded result;
+    result.type = type;
+    result.message = message;
+    result.detail = detail;
+    result.callStack = callStack;
+    (type == Skipped ? result.skipped : result.comment) = extra;
+    result.value = value;
+    result.explanation = explanation;
     ++m_counts[type];
-    m_lastScenarioHasError = m_lastScenarioHasError || isFailure(entry);
-    forward(std::move(entry));
+    m_lastScenarioHasError = m_lastScenarioHasError || isFailure(result);
+    forward(std::move(result), time);
 }
 
 void TestResult::addSkipEcho(ResultType type, const QString& message, const QString& detail,
                              const std::vector<LineInfo>& callStack) {
-    ReportEntry entry = resultEntry(QDateTime::currentDateTime(), type, message, detail, callStack);
-    entry.echo = true;
-    forward(std::move(entry));
+    ResultAdded echo;
+    echo.type = type;
+    echo.message = message;
+    echo.detail = detail;
+    echo.callStack = callStack;
+    echo.isEcho = true;
+    forward(std::move(echo));
 }
 
 void TestResult::startSection(const QString& title, const QString& description,
@@ -119,9 +102,9 @@ void TestResult::startSection(const QString& title, const QString& description,
 QString TestResult::endSection(const LineInfo& location) {
     if (m_openSections.empty())
         return QStringLiteral("There is no open section");
-    ReportEntry entry;
-    entry.callStack = {location};
-    closeInnermostSection(std::move(entry));
+    SectionEnded end;
+    end.callStack = {location};
+    closeInnermostSection(std::move(end));
     return QString();
 }
 
@@ -139,57 +122,38 @@ int TestResult::count(const QString& category) const {
 
 void TestResult::addAttachment(AttachmentType type, const QString& message, const QString& path,
                                const std::vector<LineInfo>& callStack) {
-    addFile(ReportEntry::Kind::Attachment, type, message, path, callStack);
+    forward(FileAttached{type, message, path, callStack});
 }
 
 void TestResult::addResultAttachment(AttachmentType type, const QString& message,
                                      const QString& path) {
-    addFile(ReportEntry::Kind::Attachment, type, message, path, {}, QStringLiteral("result"));
+    forward(FileAttached{type, message, path, {}, true});
 }
 
 void TestResult::addStartVideo(const QString& message, const QString& path,
                                const std::vector<LineInfo>& callStack) {
-    addFile(ReportEntry::Kind::VideoStart, 0, message, path, callStack);
+    forward(VideoStarted{message, path, callStack});
 }
 
 void TestResult::addEndVideo(const QString& message, const QString& path,
                              const std::vector<LineInfo>& callStack) {
-    addFile(ReportEntry::Kind::VideoEnd, 0, message, path, callStack);
+    forward(VideoEnded{message, path, callStack});
 }
 
-void TestResult::addOutput(const QString& stream, const QString& text) {
-    if (text.isEmpty())
-        return;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::Output;
-    entry.message = text;
-    entry.extra = stream;
-    forward(std::move(entry));
+void TestResult::addOutput(OutputStream stream, const QString& text) {
+    if (!text.isEmpty())
+        forward(OutputWritten{stream, text});
 }
 
 void TestResult::addAction(const QString& function, const QString& what, int milliseconds,
                            bool hasFailed, const LineInfo& position) {
-    if (!m_recordsActions)
-        return;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::Action;
-    entry.message = function;
-    entry.detail = what;
-    entry.value = milliseconds;
-    if (hasFailed)
-        entry.extra = QStringLiteral("failed");
-    entry.callStack = {position};
-    forward(std::move(entry));
+    if (m_recordsActions)
+        forward(ActionEnded{function, what, milliseconds, hasFailed, position});
 }
 
 void TestResult::addEnvironment(const QString& name, const QString& fact) {
-    if (fact.isEmpty())
-        return;
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::Environment;
-    entry.message = name;
-    entry.detail = fact;
-    forward(std::move(entry));
+    if (!fact.isEmpty())
+        forward(EnvironmentFact{name, fact});
 }
 
 void TestResult::setComplete() {
@@ -212,73 +176,43 @@ void TestResult::clearLastScenarioError() {
     m_lastScenarioHasError = false;
 }
 
-void TestResult::forward(ReportEntry entry) {
+void TestResult::forward(ReportEvent event, const QDateTime& time) {
     if (m_complete || !m_generator)
         return;
-    if (!entry.time.isValid())
-        entry.time = QDateTime::currentDateTime();
-    m_generator->add(entry);
+    m_generator->add({time.isValid() ? time : QDateTime::currentDateTime(), std::move(event)});
 }
 
-void TestResult::addFile(ReportEntry::Kind kind, int type, const QString& message,
-                         const QString& path, const std::vector<LineInfo>& callStack,
-                         const QString& extra) {
-    ReportEntry entry;
-    entry.kind = kind;
-    entry.extra = extra;
-    entry.type = type;
-    entry.message = message;
-    entry.path = path;
-    entry.callStack = callStack;
-    forward(std::move(entry));
+void TestResult::openSection(SectionStarted section, const QDateTime& time) {
+    m_openSections.push_back({section.title, section.kind});
+    forward(std::move(section), time);
 }
 
-void TestResult::openSection(ReportEntry entry) {
-    m_openSections.push_back({entry.message, entry.extra});
-    entry.kind = ReportEntry::Kind::SectionStart;
-    forward(std::move(entry));
-}
-
-void TestResult::endSectionOfKind(ReportEntry entry) {
+void TestResult::endSectionOfKind(SectionEnded end, const QDateTime& time) {
     const auto match = std::find_if(m_openSections.rbegin(), m_openSections.rend(),
-                                    [&entry](const OpenSection& section) {
-                                        return entry.extra.isEmpty() || section.kind == entry.extra;
+                                    [&end](const OpenSection& section) {
+                                        return end.kind.isEmpty() || section.kind == end.kind;
                                     });
     if (match == m_openSections.rend()) {
         // The script has closed more sections than it opened: this one has its end already.
         qWarning("There is no open section of the kind '%s' that '%s' could end",
-                 qUtf8Printable(entry.extra), qUtf8Printable(entry.message));
+                 qUtf8Printable(end.kind), qUtf8Printable(end.title));
         return;
     }
     closeSections(std::size_t(m_openSections.rend() - match));
-    closeInnermostSection(std::move(entry));
+    closeInnermostSection(std::move(end), time);
 }
 
-void TestResult::closeInnermostSection(ReportEntry entry) {
+void TestResult::closeInnermostSection(SectionEnded end, const QDateTime& time) {
     const OpenSection section = m_openSections.back();
     m_openSections.pop_back();
-    entry.kind = ReportEntry::Kind::SectionEnd;
-    entry.type = SectionEnd;
-    entry.message = section.title;
-    entry.extra = section.kind;
-    forward(std::move(entry));
+    end.title = section.title;
+    end.kind = section.kind;
+    forward(std::move(end), time);
 }
 
 void TestResult::closeSections(std::size_t depth) {
     while (m_openSections.size() > depth)
-        closeInnermostSection(ReportEntry());
-}
-
-ReportEntry TestResult::resultEntry(const QDateTime& time, ResultType type, const QString& message,
-                                    const QString& detail, const std::vector<LineInfo>& callStack) {
-    ReportEntry entry;
-    entry.kind = ReportEntry::Kind::Result;
-    entry.type = type;
-    entry.time = time;
-    entry.message = message;
-    entry.detail = detail;
-    entry.callStack = callStack;
-    return entry;
+        closeInnermostSection({});
 }
 
 }  // namespace Tamrix

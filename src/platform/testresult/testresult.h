@@ -11,8 +11,8 @@
 
 namespace Tamrix {
 
-/// The result sink of a run: every operation becomes one ReportEntry that goes to the report
-/// generator at once, so that nothing is lost when the process ends. Script thread only.
+/// The result sink of a run: every operation becomes one event that goes to the report generator at
+/// once, so that nothing is lost when the process ends. Script thread only.
 ///
 /// A skipped test case: a result of type Skipped with the extra text "testcase" ends the script
 /// with a script error, which is reported in its turn with addSkipEcho().
@@ -55,8 +55,8 @@ public:
     void startCase(const QString& name, const QString& scriptPath);
     void endCase(bool interrupted = false);
 
-    /// Adds a result. `extra` is the comment of a verdict or tells a kind ("testcase" for a skipped
-    /// test case), `value` is -1 unless the kind of result has a number of its own.
+    /// Adds a result. `extra` is a comment, or of a skip what is skipped ("testcase"), `value` is
+    /// -1 unless the kind of result has a number of its own.
     ///
     /// Types SectionStart and SectionEnd open and close sections in the same nesting as
     /// startSection(); `extra` then names the kind of section. A SectionEnd with a kind ends the
@@ -68,7 +68,7 @@ public:
                    const QString& detail, const LineInfo& location,
                    const QString& extra = QString(), int value = -1);
     /// `callStack` has the innermost position first; an empty one is a result without position.
-    /// `explanation` is what reports show beside the detail, see ReportEntry.
+    /// `explanation` is what reports show beside the detail, see ResultAdded.
     void addResult(const QDateTime& time, ResultType type, const QString& message,
                    const QString& detail, const std::vector<LineInfo>& callStack,
                    const QString& extra = QString(), int value = -1,
@@ -96,10 +96,10 @@ public:
                        const std::vector<LineInfo>& callStack);
     void addEndVideo(const QString& message, const QString& path,
                      const std::vector<LineInfo>& callStack);
-    /// Text that the script wrote; `stream` is "stdout" or "stderr".
-    void addOutput(const QString& stream, const QString& text);
+    /// Text that the script wrote.
+    void addOutput(OutputStream stream, const QString& text);
 
-    /// What the script did to an application, at its end; see ReportEntry::Kind::Action.
+    /// What the script did to an application, at its end; see ActionEnded.
     void addAction(const QString& function, const QString& what, int milliseconds, bool hasFailed,
                    const LineInfo& position);
     /// Whether addAction() does anything; it does unless somebody switches it off.
@@ -127,16 +127,13 @@ private:
         QString kind;
     };
 
-    void forward(ReportEntry entry);
-    void addFile(ReportEntry::Kind kind, int type, const QString& message, const QString& path,
-                 const std::vector<LineInfo>& callStack, const QString& extra = QString());
-    void openSection(ReportEntry entry);
-    void endSectionOfKind(ReportEntry entry);
-    void closeInnermostSection(ReportEntry entry);
+    /// Hands the event to the generator; without a time it happened now.
+    void forward(ReportEvent event, const QDateTime& time = QDateTime());
+    void openSection(SectionStarted section, const QDateTime& time);
+    void endSectionOfKind(SectionEnded end, const QDateTime& time);
+    void closeInnermostSection(SectionEnded end, const QDateTime& time = QDateTime());
     /// Ends the sections inside the outermost `depth` ones.
     void closeSections(std::size_t depth);
-    static ReportEntry resultEntry(const QDateTime& time, ResultType type, const QString& message,
-                                   const QString& detail, const std::vector<LineInfo>& callStack);
 
     ReportGenerator* m_generator;
     bool m_complete = false;

@@ -1,20 +1,9 @@
 #include "plugins/python/globalfunctions.h"
 
-#include <algorithm>
-
-#include "interpreter/bridge/actionrecord.h"
-#include "interpreter/bridge/runnerinterface.h"
-#include "interpreter/bridge/testsettingstype.h"
-#include "platform/objectmodel/objectclass.h"
-#include "platform/objectmodel/objectmodel.h"
+#include "interpreter/objects/globalfunctions.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/exceptions.h"
 #include "plugins/python/holder.h"
 #include "plugins/python/nativefunction.h"
-#include "plugins/python/objectcalls.h"
-#include "plugins/python/objecttype.h"
-#include "plugins/python/offeredfunctions.h"
-#include "plugins/python/pythonargument.h"
 #include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
@@ -33,87 +22,12 @@ private:
 
 using GlobalFunctionHolder = Holder<GlobalFunction>;
 
-[[noreturn]] void raise(ScriptContext::ErrorType type, const QString& text) {
-    raiseScriptError(type, text);
-    throw PythonErrorSet();
-}
-
-/// The methods of this name in the current application.
-QList<const Method*> globalMethods(const QString& name) {
-    ObjectModel* const model = Inspector::self()->model();
-    if (!model)
-        raise(ScriptContext::GeneralError, Inspector::noApplicationText);
-    const Class* const globalClass = model->globalClass();
-    QList<const Method*> methods =
-        globalClass ? globalClass->methodsByName(name) : QList<const Method*>();
-    if (methods.isEmpty())
-        raise(ScriptContext::GeneralError, "The application has no function '" + name + "'");
-    return methods;
-}
-
-/// Whether the function's first argument is an object: of functions that this table does not know,
-/// it is one unless a method of the name takes a text there.
-bool takesObject(const QString& name, const QList<const Method*>& methods) {
-    if (const OfferedFunction* offered = offeredFunction(name))
-        return offered->takesObject;
-    return std::none_of(methods.begin(), methods.end(), [](const Method* method) {
-        return method->signature().argumentCount() > 0 &&
-               method->signature().argument(0).typeName() == QLatin1String("QString");
-    });
-}
-
-/// The arguments with the object in place of its name.
-PyRef withObject(PythonInterpreter& interpreter, PyObject* tuple) {
-    const SharedPtr<ScriptArgument> first(
-        new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(tuple, 0))));
-    if (!isStringOrObjectName(first))
-        return PyRef::borrow(tuple);
-    SharedPtr<Object> object;
-    // Whether the point that is used is free, the function looks itself.
-    if (RunnerInterface* runner = interpreter.runner())
-        object = runner->waitForObjectByName(serializeObjectName(first), false,
-                                             TestSettingsType::s_waitForObjectTimeout);
-    if (!object)
-        raise(ScriptContext::LookupError, Inspector::self()->lastError());
-    const Py_ssize_t count = PyTuple_GET_SIZE(tuple);
-    PyRef resolved = checked(PyTuple_New(count));
-    PyTuple_SET_ITEM(resolved.get(), 0, checked(ObjectHolder::wrap(object).release()).release());
-    for (Py_ssize_t index = 1; index < count; ++index)
-        PyTuple_SET_ITEM(resolved.get(), index, Py_NewRef(PyTuple_GET_ITEM(tuple, index)));
-    return resolved;
-}
-
-/// What the application's function is called with. Only of those that all agents offer the names of
-/// parameters are known.
-PyRef givenArguments(const QString& name, PyObject* tuple, PyObject* named) {
-    if (const OfferedFunction* offered = offeredFunction(name))
-        return orderedArguments(*offered, tuple, named);
-    refuseNamedArguments(name, named);
-    return PyRef::borrow(tuple);
-}
-
-/// What the results tell of the call: its arguments as the script gave them.
-void noteArguments(ActionRecord& record, PyObject* tuple) {
-    ScriptArgument::List arguments;
-    for (Py_ssize_t index = 0; record.isWanted() && index < PyTuple_GET_SIZE(tuple); ++index)
-        arguments.push_back(new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(tuple, index))));
-    record.setArguments(arguments);
-}
-
 PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     const QString name = GlobalFunctionHolder::unwrap(self)->name();
-    return askApplication(name,
-                          [&](PythonInterpreter& interpreter) {
-                              ActionRecord record(&interpreter.context(), name);
-                              PyRef values = givenArguments(name, tuple, named);
-                              noteArguments(record, values.get());
-                              const QList<const Method*> methods = globalMethods(name);
-                              if (PyTuple_GET_SIZE(values.get()) > 0 && takesObject(name, methods))
-                                  values = withObject(interpreter, values.get());
-                              // Which of several methods is meant is the application's to say.
-                              return callResult(Inspector::self()->take(methods.first()->invoke(
-                                  nullptr, callArguments(name, values.get(), nullptr))));
-                          })
+    return useObject([&] { return name; },
+                     [&](ScriptContext& context) {
+                         return callGlobalFunction(context, name, callArguments(tuple, named));
+                     })
         .release();
 }
 
@@ -127,13 +41,7 @@ PyObject* functionName(PyObject* self, void*) {
 }
 
 PyObject* functionDoc(PyObject* self, void*) {
-    const QString name = GlobalFunctionHolder::unwrap(self)->name();
-    const OfferedFunction* const offered = offeredFunction(name);
-    return toPyString(offered ? QStringLiteral("%1(%2)\n\n%3")
-                                    .arg(name, QLatin1String(offered->parameters),
-                                         QLatin1String(offered->description))
-                              : "A function of the application")
-        .release();
+    return toPyString(globalFunctionHelp(GlobalFunctionHolder::unwrap(self)->name())).release();
 }
 
 void publish(PythonInterpreter& interpreter, const QString& name) {
@@ -160,11 +68,8 @@ bool addGlobalFunctionType(PyObject* module) {
 }
 
 void publishGlobalFunctions(PythonInterpreter& interpreter, ObjectModel* model) {
-    for (const QString& name : offeredFunctionNames())
+    for (const QString& name : globalFunctionNames(model))
         publish(interpreter, name);
-    const Class* const globalClass = model ? model->globalClass() : nullptr;
-    for (int index = 0; globalClass && index < globalClass->numMethods(); ++index)
-        publish(interpreter, globalClass->method(index)->name());
 }
 
 }  // namespace Tamrix::PythonPlugin

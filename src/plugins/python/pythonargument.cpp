@@ -181,7 +181,7 @@ const TestDataRecord* PythonArgument::toTestDataRecord() const {
 }
 
 std::optional<QVariant> PythonArgument::toVariant() const {
-    if (object() == Py_None)
+    if (isNull())
         return QVariant();
     if (PyBytes_Check(object()))
         return QByteArray(PyBytes_AS_STRING(object()),

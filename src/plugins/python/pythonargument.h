@@ -45,6 +45,7 @@ public:
     const TestDataRecord* toTestDataRecord() const override;
     /// Also None, bytes and datetime.
     std::optional<QVariant> toVariant() const override;
+    bool isNull() const override { return object() == Py_None; }
 
     using ScriptArgument::toNative;
 

@@ -220,6 +220,10 @@ bool PythonContext::isTrue(SharedPtr<ScriptArgument> value) {
     return value->toBool();
 }
 
+QString PythonContext::scriptName(const QString& name) const {
+    return pythonName(name);
+}
+
 QString PythonContext::explainArgument(const char* parameter) {
     return explainCall(parameter, m_interpreter.files());
 }

@@ -111,6 +111,7 @@ public:
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     bool isTrue(SharedPtr<ScriptArgument> value) override;
+    QString scriptName(const QString& name) const override;
     QString explainArgument(const char* parameter) override;
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;

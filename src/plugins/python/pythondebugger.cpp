@@ -131,7 +131,7 @@ void PythonDebugger::traceEvent(PyObject* frame, int event) {
             break;
         case PyTrace_LINE:
             setCurrentLine(frameLine(frame));
-            if (wantsStop()) {
+            if (wantsStop(currentFrame())) {
                 m_stopping = true;
                 stop();
                 m_stopping = false;
@@ -143,23 +143,6 @@ void PythonDebugger::traceEvent(PyObject* frame, int event) {
         default:
             break;
     }
-}
-
-bool PythonDebugger::wantsStop() const {
-    const DebuggerFrame position = currentFrame();
-    switch (debuggerMode()) {
-        case None:
-            return false;
-        case Step:
-            return true;
-        case Next:
-            if (frameDepth() <= stepDepth())
-                return true;
-            break;
-        case Run:
-            break;
-    }
-    return hasBreakPoint(position.line, position.sourceId);
 }
 
 // Variables

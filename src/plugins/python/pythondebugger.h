@@ -28,7 +28,6 @@ protected:
 private:
     static int trace(PyObject* self, PyFrameObject* frame, int event, PyObject* argument);
     void traceEvent(PyObject* frame, int event);
-    bool wantsStop() const;
     int sourceIdOf(PyObject* frame);
     void readFrames();
 

@@ -1,6 +1,9 @@
 #include "plugins/python/scriptcall.h"
 
+#include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
+#include "plugins/python/methodtype.h"
+#include "plugins/python/pythonargument.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -17,11 +20,53 @@ void raiseNativeException(const QString& function, const QString& text) {
     raiseScriptError(ScriptContext::GeneralError, function + "() failed: " + text);
 }
 
-void raiseLastError() {
-    const Inspector* const inspector = Inspector::self();
-    raiseScriptError(
-        inspector->lastErrorIsLookup() ? ScriptContext::LookupError : ScriptContext::GeneralError,
-        inspector->lastError());
+void raiseObjectError(const ObjectError& error) {
+    switch (error.kind) {
+        case ObjectError::Kind::NoMember:
+            PyErr_SetString(PyExc_AttributeError, error.text.toUtf8().constData());
+            break;
+        case ObjectError::Kind::BadArgument:
+            PyErr_SetString(PyExc_TypeError, error.text.toUtf8().constData());
+            break;
+        case ObjectError::Kind::NotFound:
+            raiseScriptError(ScriptContext::LookupError, error.text);
+            break;
+        case ObjectError::Kind::Failed:
+            raiseScriptError(ScriptContext::GeneralError, error.text);
+            break;
+    }
+}
+
+PyRef pythonValue(const SharedPtr<ScriptArgument>& value) {
+    return PyRef::borrow(static_cast<const PythonArgument*>(value.get())->object());
+}
+
+PyRef pythonValue(const Member& member) {
+    const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&member);
+    return value ? pythonValue(*value) : MethodHolder::wrap(std::get<1>(member));
+}
+
+PyRef pythonValue(const QString& text) {
+    return toPyString(text);
+}
+
+PyRef pythonValue(const QStringList& texts) {
+    return toPyList(texts);
+}
+
+CallArguments callArguments(PyObject* tuple, PyObject* named) {
+    CallArguments arguments;
+    const Py_ssize_t count = PyTuple_GET_SIZE(tuple);
+    arguments.positional.reserve(static_cast<std::size_t>(count));
+    for (Py_ssize_t index = 0; index < count; ++index)
+        arguments.positional.push_back(
+            new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(tuple, index))));
+    PyObject* key = nullptr;
+    PyObject* value = nullptr;
+    Py_ssize_t position = 0;
+    while (named && PyDict_Next(named, &position, &key, &value))
+        arguments.named.emplace_back(fromPyString(key), new PythonArgument(PyRef::borrow(value)));
+    return arguments;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <exception>
 
-#include "interpreter/bridge/remoteobjectmodelholder.h"
-#include "platform/objectmodel/inspector.h"
+#include "interpreter/objects/members.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/pythoninterpreter.h"
 
@@ -16,30 +14,39 @@ namespace Tamrix::PythonPlugin {
 void raiseRefusedCall(const QString& function);
 /// Raises that `function` threw an exception with this text.
 void raiseNativeException(const QString& function, const QString& text);
-/// Raises the inspector's last error, as a LookupError when it says so.
-void raiseLastError();
+/// Raises Python's exception for the kind of error.
+void raiseObjectError(const ObjectError& error);
 
-/// Runs `work`, which asks the application and returns a PyRef, in the way in which a native
-/// function is run: on the script's thread only, with the runner's object model held and what the
-/// script has printed written. `function` names it in messages. Null with the error indicator set
-/// when it was refused or has failed.
-template <typename Work>
-PyRef askApplication(const QString& function, Work work) {
+/// The Python object of a value.
+PyRef pythonValue(const SharedPtr<ScriptArgument>& value);
+PyRef pythonValue(const Member& member);
+PyRef pythonValue(const QString& text);
+PyRef pythonValue(const QStringList& texts);
+
+/// Arguments as the script wrote them; `named` may be null.
+CallArguments callArguments(PyObject* tuple, PyObject* named);
+
+/// Runs `work`, which uses an object in a context and gives an ObjectResult of what there is a
+/// pythonValue() of: on the script's thread only, and with what the script has printed written.
+/// Null with the error indicator set when it was refused or has failed. `function` gives the name
+/// for messages.
+template <typename Name, typename Work>
+PyRef useObject(Name function, Work work) {
     PythonInterpreter* const interpreter = PythonInterpreter::active();
     if (!interpreter || !interpreter->isScriptThread()) {
-        raiseRefusedCall(function);
+        raiseRefusedCall(function());
         return {};
     }
     interpreter->output().flush();
     try {
-        const RemoteObjectModelHolder holder(interpreter->runner());
-        return work(*interpreter);
+        const auto result = work(interpreter->context());
+        if (result)
+            return pythonValue(*result);
+        raiseObjectError(result.error());
     } catch (const PythonErrorSet&) {
-        return {};
-    } catch (const std::exception& exception) {
-        raiseNativeException(function, QString::fromUtf8(exception.what()));
-        return {};
+        // The script gets the exception that is set.
     }
+    return {};
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -126,7 +126,7 @@ void ScriptOutput::pass(int length) {
     m_pending.remove(0, length);
     if (m_result)
         m_result->addOutput(
-            m_stream == Stdout ? QStringLiteral("stdout") : QStringLiteral("stderr"), text);
+            m_stream == Stdout ? OutputStream::StandardOutput : OutputStream::StandardError, text);
     else
         writeToProcess(m_stream, text);
 }

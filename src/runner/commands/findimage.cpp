@@ -1,4 +1,4 @@
-#include "runner/commands/findimage.h"
+// "tamrixrunner find-image": pictures in another one.
 
 #include <json/json.h>
 
@@ -18,8 +18,8 @@
 #include "base/filewriting.h"
 #include "base/nativebytes.h"
 #include "base/textescape.h"
-#include "runner/commands/commandline.h"
-#include "runner/commands/commands.h"
+#include "runner/commands/command.h"
+#include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
 #include "vision/correlation.h"
 #include "vision/imagelookup.h"
@@ -32,6 +32,75 @@ namespace {
 using Vision::ImageLookupImplementation;
 using Vision::ImageLookupOptions;
 using Vision::SearchRegion;
+
+struct FindImageSettings {
+    // Files of pictures.
+    QString haystack;
+    QStringList needles;
+    ImageLookupOptions options;
+    /// Empty for the whole haystack.
+    SearchRegion region;
+    /// How many occurrences are told.
+    int limit = 0;
+    /// Whether to find the settings that find the needles.
+    bool wantsBest = false;
+    bool printsJson = false;
+    /// Where the haystack is stored with frames around what was found, empty for nowhere.
+    QString annotatedFile;
+};
+
+Outcome<> readSearchOptions(const QStringList& values, FindImageSettings& settings) {
+    const auto wrongOptions = [&](const QString& problem) {
+        return wrongUsage(QStringLiteral("--options '%1': %2").arg(values.constLast(), problem));
+    };
+    try {
+        const auto options = ImageLookupOptions::fromDescription(values.constLast());
+        // The form of JSON has ranges.
+        settings.options = ImageLookupOptions::fromJson(options.toJson());
+    } catch (const std::runtime_error& error) {
+        return wrongOptions(QString::fromUtf8(error.what()));
+    }
+    if (settings.options.getMinScaleFactor() > settings.options.getMaxScaleFactor())
+        return wrongOptions(QStringLiteral("minScale is above maxScale"));
+    return {};
+}
+
+Outcome<> readRegion(const QStringList& values, FindImageSettings& settings) {
+    try {
+        settings.region = SearchRegion(values.constLast());
+    } catch (const std::runtime_error& error) {
+        return wrongUsage(QStringLiteral("--region '%1': %2")
+                              .arg(values.constLast(), QString::fromUtf8(error.what())));
+    }
+    return {};
+}
+
+Outcome<> readLimit(const QStringList& values, FindImageSettings& settings) {
+    bool isNumber = false;
+    settings.limit = values.constLast().toInt(&isNumber);
+    if (!isNumber || settings.limit < 1)
+        return wrongUsage(
+            QStringLiteral("--limit takes a number from 1 on, not '%1'").arg(values.constLast()));
+    return {};
+}
+
+Outcome<> readAnnotatedFile(const QStringList& values, FindImageSettings& settings) {
+    settings.annotatedFile = values.constLast();
+    if (settings.annotatedFile.isEmpty())
+        return wrongUsage(QStringLiteral("--annotate needs a file"));
+    return {};
+}
+
+Outcome<> readArguments(const CommandArguments& arguments, FindImageSettings& settings) {
+    settings.haystack = arguments.own.constFirst();
+    settings.needles = arguments.own.mid(1);
+    for (const QString& picture : arguments.own) {
+        if (!settings.annotatedFile.isEmpty() && isSameFile(picture, settings.annotatedFile))
+            return wrongUsage(QStringLiteral("--annotate %1 would write over '%2'")
+                                  .arg(settings.annotatedFile, picture));
+    }
+    return {};
+}
 
 struct Picture {
     QString file;
@@ -53,7 +122,7 @@ struct Findings {
 };
 
 /// Throws a std::runtime_error whose text may hold names of files.
-[[noreturn]] void fail(const QString& text) {
+[[noreturn]] void giveUp(const QString& text) {
     throw std::runtime_error(toNativeBytes(text).toStdString());
 }
 
@@ -63,24 +132,25 @@ Picture loadPicture(const QString& file) {
     reader.setDecideFormatFromContent(true);
     const QImage image = reader.read();
     if (image.isNull()) {
-        fail(QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
+        giveUp(
+            QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
     }
     return {file, Vision::searchable(image)};
 }
 
 /// The whole picture unless a region was given, which must not lie outside of it altogether.
-SearchRegion regionToSearch(const CommandLine& line, const Picture& haystack) {
+SearchRegion regionToSearch(const FindImageSettings& settings, const Picture& haystack) {
     const QRect whole = haystack.image.rect();
-    if (line.searchRegion.isEmpty())
+    if (settings.region.isEmpty())
         return SearchRegion(whole);
-    const QList<QRect>& rectangles = line.searchRegion.rectangles();
+    const QList<QRect>& rectangles = settings.region.rectangles();
     if (std::none_of(rectangles.begin(), rectangles.end(),
                      [&](const QRect& each) { return each.intersects(whole); })) {
-        fail(QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
-                 .arg(line.searchRegion.description(), haystack.file,
-                      QString::number(whole.width()), QString::number(whole.height())));
+        giveUp(QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
+                   .arg(settings.region.description(), haystack.file,
+                        QString::number(whole.width()), QString::number(whole.height())));
     }
-    return line.searchRegion;
+    return settings.region;
 }
 
 /// The score of a needle, at the size of the rectangle; nothing when it can't have that size.
@@ -108,25 +178,26 @@ Occurrence scored(const QImage& haystack, const QList<Picture>& needles, const Q
     return occurrence;
 }
 
-Findings search(const CommandLine& line, const Picture& haystack, const QList<Picture>& needles) {
+Findings search(const FindImageSettings& settings, const Picture& haystack,
+                const QList<Picture>& needles) {
     QList<QImage> images;
     for (const Picture& needle : needles)
         images.append(needle.image);
     const std::unique_ptr<ImageLookupImplementation> engine(ImageLookupImplementation::get());
     const std::unique_ptr<ImageLookupImplementation::Cache> cache(engine->newCache(images, true));
-    const SearchRegion region = regionToSearch(line, haystack);
+    const SearchRegion region = regionToSearch(settings, haystack);
 
     Findings findings;
-    findings.options = line.searchOptions;
+    findings.options = settings.options;
     QList<QRect> rectangles;
-    if (line.wantsBest) {
+    if (settings.wantsBest) {
         const auto best = engine->bestOccurrences(haystack.image, region, cache.get(), {},
-                                                  line.searchOptions, line.occurrenceLimit, {});
-        findings.options = ImageLookupOptions::overlay(best.first, line.searchOptions);
+                                                  settings.options, settings.limit, {});
+        findings.options = ImageLookupOptions::overlay(best.first, settings.options);
         rectangles = best.second;
     } else {
-        rectangles = engine->allOccurrences(haystack.image, region, cache.get(), line.searchOptions,
-                                            line.occurrenceLimit);
+        rectangles = engine->allOccurrences(haystack.image, region, cache.get(), settings.options,
+                                            settings.limit);
     }
     for (const QRect& rectangle : qAsConst(rectangles)) {
         findings.occurrences.append(findings.options.getTolerant()
@@ -136,11 +207,11 @@ Findings search(const CommandLine& line, const Picture& haystack, const QList<Pi
     return findings;
 }
 
-QByteArray textOf(const Findings& findings, const CommandLine& line) {
+QByteArray textOf(const Findings& findings, const FindImageSettings& settings) {
     if (findings.occurrences.isEmpty())
         return "Not found\n";
     QString text;
-    if (line.wantsBest) {
+    if (settings.wantsBest) {
         text = findings.options.isNull() ? QStringLiteral("Found without any options\n")
                                          : QStringLiteral("Found with --options \"%1\"\n")
                                                .arg(findings.options.description());
@@ -149,7 +220,7 @@ QByteArray textOf(const Findings& findings, const CommandLine& line) {
         text += SearchRegion(occurrence.rectangle).description();
         if (findings.options.getTolerant())
             text += QStringLiteral("  score %1").arg(Vision::unparseDouble(occurrence.score));
-        if (line.needles.size() > 1 && !occurrence.needle.isEmpty())
+        if (settings.needles.size() > 1 && !occurrence.needle.isEmpty())
             text += QStringLiteral("  ") + escapedForTerminal(occurrence.needle);
         text += QLatin1Char('\n');
     }
@@ -191,7 +262,7 @@ void storeAnnotated(const QString& file, const QImage& haystack, const Findings&
     painter.end();
 
     const auto failWithReason = [&](const QString& reason) {
-        fail(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
+        giveUp(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
     };
     QSaveFile output(file);
     if (!output.open(QIODevice::WriteOnly))
@@ -218,19 +289,17 @@ QString culprit(const Vision::BadImage& exception, const QList<Picture>& needles
     return {};
 }
 
-}  // namespace
-
-int findImage(const CommandLine& commandLine) {
+int findImage(const FindImageSettings& settings) {
     QList<Picture> needles;
     try {
-        const Picture haystack = loadPicture(commandLine.haystack);
-        for (const QString& file : commandLine.needles)
+        const Picture haystack = loadPicture(settings.haystack);
+        for (const QString& file : settings.needles)
             needles.append(loadPicture(file));
-        const Findings findings = search(commandLine, haystack, needles);
-        if (!commandLine.annotatedFile.isEmpty())
-            storeAnnotated(commandLine.annotatedFile, haystack.image, findings);
+        const Findings findings = search(settings, haystack, needles);
+        if (!settings.annotatedFile.isEmpty())
+            storeAnnotated(settings.annotatedFile, haystack.image, findings);
         const QByteArray output =
-            commandLine.printsJson ? jsonOf(findings) : textOf(findings, commandLine);
+            settings.printsJson ? jsonOf(findings) : textOf(findings, settings);
         if (!writeBytes(stdout, output))
             return failWith(QStringLiteral("standard output can't be written"));
         return findings.occurrences.isEmpty() ? ExitFailure : ExitSuccess;
@@ -239,6 +308,30 @@ int findImage(const CommandLine& commandLine) {
     } catch (const std::exception& exception) {
         return failWith(fromNativeBytes(exception.what()));
     }
+}
+
+}  // namespace
+
+Command findImageCommand() {
+    return makeCommand<FindImageSettings>(
+        {{"find-image", "HAYSTACK NEEDLE...",
+          "Finds pictures in a screenshot, as scripts do, and prints the places.", 2,
+          CommandSyntax::anyNumber},
+         {{"options", "OPTIONS",
+           "How to search: \"tolerant: true, threshold: 97, multiscale: true, minScale: 80, "
+           "maxScale: 120\", or some of it.",
+           nullptr, readSearchOptions},
+          {"region", "LEFTxTOPxWIDTHxHEIGHT",
+           "Where to search; several rectangles are separated by commas.", nullptr, readRegion},
+          {"limit", "N", "Prints so many occurrences at most; %1 unless given.", "100", readLimit},
+          {"best", nullptr, "Finds the most similar places and the settings that find them.",
+           nullptr, setTo(&FindImageSettings::wantsBest, true)},
+          {"json", nullptr, "Prints JSON.", nullptr, setTo(&FindImageSettings::printsJson, true)},
+          {"annotate", "FILE", "Stores the screenshot with frames around what was found.", nullptr,
+           readAnnotatedFile}},
+         {},
+         readArguments,
+         findImage});
 }
 
 }  // namespace Tamrix

@@ -1,4 +1,4 @@
-#include "runner/commands/inspect.h"
+// "tamrixrunner inspect": the objects of a program.
 
 #include <QBuffer>
 #include <QDeadlineTimer>
@@ -6,8 +6,8 @@
 
 #include "runner/applications/applications.h"
 #include "runner/applications/objecttree.h"
-#include "runner/commands/commandline.h"
-#include "runner/commands/commands.h"
+#include "runner/commands/command.h"
+#include "runner/commands/displayoption.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
@@ -18,14 +18,42 @@ namespace Tamrix {
 
 namespace {
 
+enum class TreeFormat { Text, Json, Xml };
+
+struct InspectSettings {
+    /// A program and its arguments.
+    QStringList program;
+    /// "inherit", "auto" or ":N".
+    QString display;
+    TreeFormat format = TreeFormat::Text;
+    /// Where a picture of the screen is stored, empty for nowhere.
+    QString screenshotFile;
+    /// How long to wait before looking.
+    double waitSeconds = 0;
+};
+
+Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
+    bool isNumber = false;
+    settings.waitSeconds = values.constLast().toDouble(&isNumber);
+    if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
+        return wrongUsage(
+            QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
+    return {};
+}
+
+Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& settings) {
+    settings.program = arguments.own;
+    return {};
+}
+
 /// The tree in the wanted form.
-Outcome<QByteArray> formattedTree(RemoteModel& model, CommandLine::TreeFormat format) {
-    if (format != CommandLine::TreeFormat::Xml) {
+Outcome<QByteArray> formattedTree(RemoteModel& model, TreeFormat format) {
+    if (format != TreeFormat::Xml) {
         const Outcome<Wire::ObjectListing> listing = model.listing();
         if (!listing)
             return fail(listing.error());
-        return format == CommandLine::TreeFormat::Json ? objectTreeJson(*listing)
-                                                       : objectTreeText(*listing).toLocal8Bit();
+        return format == TreeFormat::Json ? objectTreeJson(*listing)
+                                          : objectTreeText(*listing).toLocal8Bit();
     }
     const Outcome<QByteArray> elements = model.snapshot({});
     if (!elements)
@@ -59,12 +87,12 @@ void pause(Applications& applications, double seconds) {
 }
 
 /// Returns an error text, empty on success.
-QString inspectWith(Applications& applications, const CommandLine& line) {
-    QString error = applications.useDisplay(line.display);
+QString inspectWith(Applications& applications, const InspectSettings& settings) {
+    QString error = applications.useDisplay(settings.display);
     if (!error.isEmpty())
         return error;
     QStringList words;
-    for (const QString& word : line.program)
+    for (const QString& word : settings.program)
         words.append(quotedShellWord(word));
     const ApplicationStart start = resolveApplication(words.join(QLatin1Char(' ')), {}, &error);
     if (!error.isEmpty())
@@ -72,13 +100,13 @@ QString inspectWith(Applications& applications, const CommandLine& line) {
     const SharedPtr<Application> application = applications.start(start, -1, &error);
     if (!application)
         return error;
-    pause(applications, line.waitSeconds);
+    pause(applications, settings.waitSeconds);
 
-    const Outcome<QByteArray> tree = formattedTree(application->model(), line.treeFormat);
+    const Outcome<QByteArray> tree = formattedTree(application->model(), settings.format);
     if (!tree)
         error = tree.error().text;
-    if (tree && !line.screenshotFile.isEmpty())
-        error = storeScreenshot(application->model(), line.screenshotFile);
+    else if (!settings.screenshotFile.isEmpty())
+        error = storeScreenshot(application->model(), settings.screenshotFile);
     const QString end = application->endText();
     if (!error.isEmpty() && !end.isEmpty())
         error = end;
@@ -87,16 +115,34 @@ QString inspectWith(Applications& applications, const CommandLine& line) {
     return error;
 }
 
-}  // namespace
-
-int inspectApplication(const CommandLine& commandLine) {
+int inspectApplication(const InspectSettings& settings) {
     Interrupt::install();
     Applications applications;
-    const QString error = inspectWith(applications, commandLine);
+    const QString error = inspectWith(applications, settings);
     applications.endAll();
     if (Interrupt::signalNumber() != 0)
         return Interrupt::exitCode(Interrupt::signalNumber());
     return error.isEmpty() ? ExitSuccess : failWith(error);
+}
+
+}  // namespace
+
+Command inspectCommand() {
+    return makeCommand<InspectSettings>(
+        {{"inspect", "PROGRAM [ARGUMENT...]",
+          "Starts a program and prints its objects with the names that find them.", 1,
+          CommandSyntax::anyNumber, CommandTail::Program},
+         {displayOption(&InspectSettings::display),
+          {"json", nullptr, "Prints JSON.", nullptr,
+           setTo(&InspectSettings::format, TreeFormat::Json)},
+          {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,
+           setTo(&InspectSettings::format, TreeFormat::Xml)},
+          {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
+           textTo(&InspectSettings::screenshotFile)},
+          {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},
+         {{"json", "xml"}},
+         readArguments,
+         inspectApplication});
 }
 
 }  // namespace Tamrix

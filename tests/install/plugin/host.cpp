@@ -14,8 +14,8 @@ namespace {
 class PrintingReport : public Tamrix::ReportGenerator {
 public:
     void add(const Tamrix::ReportEntry& entry) override {
-        if (!entry.message.isEmpty())
-            std::printf("%s\n", qPrintable(entry.message));
+        if (const auto* result = Tamrix::eventOf<Tamrix::ResultAdded>(entry))
+            std::printf("%s\n", qPrintable(result->message));
     }
 };
 

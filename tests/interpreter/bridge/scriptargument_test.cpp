@@ -67,7 +67,7 @@ TEST(ScriptArgument, BecomesPropertyValue) {
     } const rows[] = {
         {text("{a='b'}"), "{a='b'}", false},  // a string stands as it is
         {number(1.5), "1.5", false},         {map({{"a", text("b")}}), "{a='b'}", true},
-        {boolean(false), "false", false},    {new FakeArgument, "", false},
+        {boolean(false), "false", false},    {new FakeArgument, "null", false},
     };
     for (const auto& row : rows) {
         const PropertyValue value = row.value->toPropertyValue();

@@ -8,11 +8,13 @@
 #include "support/fakelanguage.h"
 #include "support/files.h"
 #include "support/printqt.h"
+#include "support/scriptedfrontend.h"
 
 namespace Tamrix {
 namespace {
 
 using Test::FakeContext;
+using Test::ScriptedFrontEnd;
 using Test::TestDebugger;
 using Test::WorkingDirectory;
 using Test::writeFile;
@@ -185,9 +187,9 @@ TEST_F(DebuggerTest, FramesAreBroughtUpToDateBeforeTheyAreRead) {
     EXPECT_EQ(Debugger::currentFile(), a);
     EXPECT_EQ(lazy.callStack(), (Stack{{a, 5}}));
     EXPECT_EQ(lazy.stackTrace(0, 1), (Locations{{a, 5}}));
-    testing::internal::CaptureStdout();
+    ScriptedFrontEnd& frontEnd = ScriptedFrontEnd::install(lazy);
     lazy.stop();
-    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(frontEnd.take(), "5");
 }
 
 }  // namespace

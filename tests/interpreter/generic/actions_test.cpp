@@ -18,12 +18,14 @@ protected:
     /// "FUNCTION|ARGUMENTS|failed|LINE" of what was recorded since the last call, each on a line.
     QString taken() {
         QStringList lines;
-        for (const ReportEntry& entry : report.entries) {
-            EXPECT_EQ(entry.kind, ReportEntry::Kind::Action);
-            EXPECT_GE(entry.value, 0);
-            lines += QStringList{entry.message, entry.detail, entry.extra,
-                                 QString::number(entry.callStack.at(0).lineNumber())}
-                         .join('|');
+        const std::vector<ActionEnded> actions = report.all<ActionEnded>();
+        EXPECT_EQ(actions.size(), report.entries.size());
+        for (const ActionEnded& action : actions) {
+            EXPECT_GE(action.milliseconds, 0);
+            lines +=
+                QStringList{action.function, action.arguments, action.hasFailed ? "failed" : "",
+                            QString::number(action.position.lineNumber())}
+                    .join('|');
         }
         report.entries.clear();
         return lines.join('\n');
@@ -44,6 +46,11 @@ TEST_F(Actions, AreToldWithTheirObjectsAndOutcomes) {
     runner.takesInput = true;
     runner.found = button({});
     const auto done = [](const List&, QString*) { return boolean(true); };
+    context.initFunctions();
+    // A list that seems to hold itself.
+    SharedPtr<ScriptArgument> endless = list({});
+    for (int level = 0; level < 100; ++level)
+        endless = list({endless, endless});
     const struct {
         ScriptContext::Function function;
         List arguments;
@@ -68,7 +75,18 @@ TEST_F(Actions, AreToldWithTheirObjectsAndOutcomes) {
         {startApplication, {text("shop %1 --x")}, "startApplication|\"shop %1 --x\"|failed|7"},
         {waitForApplicationLaunch, {}, "waitForApplicationLaunch||failed|7"},
         {plain<keyPress>, {integer(1)}, "keyPress|1|failed|7"},
+        // Lists and the language's null as they were written.
+        {sendEvent,
+         {text("QWheelEvent"), object(button("b")),
+          list({text("a"), integer(1), list({boolean(false), new FakeArgument})})},
+         "sendEvent|\"QWheelEvent\", b, [\"a\", 1, [false, null]]|failed|7"},
+        // What stands behind a gap is told with the name of its parameter.
+        {waitForObjectItem,
+         {text("list"), text("item"), nullptr, integer(50)},
+         "waitForObjectItem|\"list\", \"item\", timeout=50||7"},
         {waitForObject, {text(QString(1000, 'n'))}, nullptr},
+        {waitForObject, {list(List(1000, list({text("n")})))}, nullptr},
+        {waitForObject, {endless}, nullptr},
     };
     for (const auto& row : rows) {
         context.call(row.function, row.arguments);

@@ -42,13 +42,14 @@ TEST_F(Attachments, GoBesideTheTestCase) {
     const QString source = folder.filePath("data.tar.gz");
     EXPECT_EQ(attach({text(source)}), "");
     EXPECT_EQ(attach({text(source), text("again")}), "");
-    ASSERT_EQ(report.entries.size(), 2u);
-    EXPECT_EQ(report.entries[0].path, folder.filePath("suite/attachments/data.tar.gz"));
-    EXPECT_EQ(report.entries[0].message, "Attached File");
-    EXPECT_EQ(report.entries[0].type, TestResult::FileAttachment);
-    EXPECT_EQ(report.entries[1].path, folder.filePath("suite/attachments/data_1.tar.gz"));
-    EXPECT_EQ(report.entries[1].message, "again");
-    EXPECT_EQ(readFile(report.entries[1].path), readFile(source));
+    const auto files = report.all<FileAttached>();
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].path, folder.filePath("suite/attachments/data.tar.gz"));
+    EXPECT_EQ(files[0].message, "Attached File");
+    EXPECT_EQ(files[0].type, TestResult::FileAttachment);
+    EXPECT_EQ(files[1].path, folder.filePath("suite/attachments/data_1.tar.gz"));
+    EXPECT_EQ(files[1].message, "again");
+    EXPECT_EQ(readFile(files[1].path), readFile(source));
 }
 
 TEST_F(Attachments, GoBelowTheResultDirectory) {
@@ -57,10 +58,11 @@ TEST_F(Attachments, GoBelowTheResultDirectory) {
     ASSERT_TRUE(writeFile(folder.filePath("plain"), "x"));
     EXPECT_EQ(attach({text("plain")}), "");
     EXPECT_EQ(attach({text("plain")}), "");
-    EXPECT_EQ(report.entries[0].path, folder.filePath("results/suite/tst_one/attachments/plain"));
+    const auto files = report.all<FileAttached>();
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].path, folder.filePath("results/suite/tst_one/attachments/plain"));
     // The point behind a calculated name without suffix stays.
-    EXPECT_EQ(report.entries[1].path,
-              folder.filePath("results/suite/tst_one/attachments/plain_1."));
+    EXPECT_EQ(files[1].path, folder.filePath("results/suite/tst_one/attachments/plain_1."));
 
     runner.resultDirectory = "relative";
     EXPECT_EQ(attach({text("plain")}),

@@ -38,10 +38,10 @@ protected:
         reported.call(function, arguments);
         QString outcome =
             reported.hasError() ? reported.errorMessage() : reported.result->toString();
-        for (const ReportEntry& entry : report.results()) {
+        for (const ResultAdded& entry : report.results()) {
             outcome += QStringLiteral("\n%1|%2|%3")
                            .arg(QString::number(entry.type), entry.message, entry.detail);
-            EXPECT_TRUE(entry.extra.isEmpty());
+            EXPECT_TRUE(entry.comment.isEmpty());
             EXPECT_EQ(entry.value, -1);
             EXPECT_EQ(entry.callStack.front().lineNumber(), 7);
         }

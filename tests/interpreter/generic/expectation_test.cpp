@@ -21,9 +21,9 @@ protected:
     QString lastResult() const {
         if (report.results().empty())
             return "none";
-        const ReportEntry entry = report.results().back();
+        const ResultAdded entry = report.results().back();
         return QString("%1|%2|%3|%4")
-            .arg(QString::number(entry.type), entry.message, entry.detail, entry.extra);
+            .arg(QString::number(entry.type), entry.message, entry.detail, entry.comment);
     }
 
     RecordingReport report;

@@ -27,15 +27,15 @@ protected:
         TestSettingsType::s_vpOptions.setFlag(VerificationOptions::ThrowOnFailure, true);
     }
 
-    /// The last result as "type|message|detail|extra".
+    /// The last result as "type|message|detail|comment", of a skip with what is skipped.
     QString lastResult() const {
         const auto results = report.results();
         if (results.empty())
             return "none";
-        const ReportEntry& entry = results.back();
+        const ResultAdded& entry = results.back();
         return QStringLiteral("%1|%2|%3|%4")
             .arg(entry.type)
-            .arg(entry.message, entry.detail, entry.extra);
+            .arg(entry.message, entry.detail, entry.comment + entry.skipped);
     }
 
     /// What the script gets: "error: ..." or the result.
@@ -252,10 +252,11 @@ TEST_F(Verdicts, StackTrace) {
 
 TEST_F(Verdicts, SectionsAndCounts) {
     context.call(testStartSection, {text("Title"), text("what it is")});
-    EXPECT_EQ(report.entries.back().kind, ReportEntry::Kind::SectionStart);
-    EXPECT_EQ(report.entries.back().callStack, CallStack{context.frames[0]});
+    const auto sections = report.all<SectionStarted>();
+    ASSERT_EQ(sections.size(), 1u);
+    EXPECT_EQ(sections[0].callStack, CallStack{context.frames[0]});
     context.call(testEndSection);
-    EXPECT_EQ(outcome(), "");
+    EXPECT_EQ(outcome(), "null");
     context.call(testEndSection);
     EXPECT_TRUE(context.hasError());
     context.call(testEndSection, {text("x")});

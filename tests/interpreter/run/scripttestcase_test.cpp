@@ -52,7 +52,7 @@ protected:
     /// All results as "type|message|detail|file:line ...".
     QStringList results() const {
         QStringList lines;
-        for (const ReportEntry& entry : report.results()) {
+        for (const ResultAdded& entry : report.results()) {
             QStringList stack;
             for (const LineInfo& position : entry.callStack)
                 stack.append(QString(position.fileName()).replace(folder.path(), "") + ":" +
@@ -183,10 +183,10 @@ TEST_F(ScriptTestCaseTest, OnlyTheErrorOfASkipIsItsEcho) {
         interpreter.setErrorIsSkip(isSkip);
     };
     EXPECT_FALSE(run("main error 5 no printer: here\n"));
-    EXPECT_TRUE(report.results().back().echo);
+    EXPECT_TRUE(report.results().back().isEcho);
     isSkip = false;
     EXPECT_FALSE(run("main error 5 broken while handling no printer: here\n"));
-    EXPECT_FALSE(report.results().back().echo);
+    EXPECT_FALSE(report.results().back().isEcho);
     EXPECT_EQ(result.count("errors"), 1);
 }
 

@@ -22,7 +22,7 @@ protected:
         TestResult result(&report);
         const bool ok = evalInitScript(&result, text);
         QStringList messages;
-        for (const ReportEntry& entry : report.results()) {
+        for (const ResultAdded& entry : report.results()) {
             EXPECT_EQ(entry.type, TestResult::Error);
             EXPECT_EQ(entry.detail, "");
             messages.append(entry.message);

@@ -42,7 +42,7 @@ protected:
         const auto results = report.results();
         if (results.empty())
             return "none";
-        const ReportEntry& entry = results.back();
+        const ResultAdded& entry = results.back();
         return QStringLiteral("%1|%2|%3|%4:%5")
             .arg(entry.type)
             .arg(entry.message, QString(entry.detail).replace(folder.path(), ""),

@@ -51,9 +51,9 @@ TEST_F(ConsoleReportTest, ColouredReportShowsTheRunningCaseAndTakesItAway) {
     result.startSuite("s", "/s");
     result.startCase("one", "/one");
     EXPECT_TRUE(buffer.data().endsWith("Suite s\n  ...   one"));
-    result.addOutput("stdout", "half a ");
+    result.addOutput(OutputStream::StandardOutput, "half a ");
     EXPECT_TRUE(buffer.data().endsWith("one\r\x1b[Khalf a "));
-    result.addOutput("stdout", "line\n");
+    result.addOutput(OutputStream::StandardOutput, "line\n");
     EXPECT_TRUE(buffer.data().endsWith("half a line\n  ...   one"));
     result.endCase();
     EXPECT_TRUE(buffer.data().endsWith("one\r\x1b[K  \x1b[32mPASS  one  (1.50 s)\x1b[0m\n"));
@@ -65,7 +65,7 @@ TEST_F(ConsoleReportTest, MessagesCannotControlTheTerminalAndOutputIsVerbatim) {
     result.startCase(QString("c\x1b[2J"), "/c");
     const QString wild =
         QString::fromUtf8("a\tb\nc\x1b[2J\r\x07\x7f\xc2\x9b") + QChar(0xd800) + QChar(0);
-    result.addOutput("stdout", QStringLiteral("\x1b[1mbold\r\n"));
+    result.addOutput(OutputStream::StandardOutput, QStringLiteral("\x1b[1mbold\r\n"));
     result.addResult(TestResult::Fail, wild, "", LineInfo());
     EXPECT_EQ(buffer.data().toStdString(),
               "\x1b[1mbold\r\n"

@@ -17,7 +17,6 @@
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
-using Kind = ReportEntry::Kind;
 
 namespace {
 
@@ -104,17 +103,8 @@ TEST_F(HtmlReportTest, HoldsAnyTextWithoutHarm) {
     std::mt19937 random(5);
     for (int run = 0; run < 100; ++run) {
         dataOf(report([&random](ReportGenerator* html) {
-            for (int i = 0; i < 20; ++i) {
-                ReportEntry any;
-                any.kind = Kind(random() % 13);
-                any.type = int(random() % 16);
-                any.message = randomText(random, 12);
-                any.detail = randomText(random, 12);
-                any.extra = randomText(random, 12);
-                any.path = randomText(random, 12);
-                any.callStack = {{randomText(random, 12), int(random() % 9)}};
-                html->add(any);
-            }
+            for (int i = 0; i < 20; ++i)
+                html->add({QDateTime(), randomEvent(random)});
         }));
     }
 }

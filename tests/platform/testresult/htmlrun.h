@@ -52,8 +52,8 @@ inline bool addHtmlRun(ReportGenerator* report, const QString& directory) {
     result.addResult(TestResult::Warning, "No application", "", LineInfo());
 
     result.startCase("tst_login", suite + "/tst_login/test.py");
-    result.addOutput("stdout", "logging ");
-    result.addOutput("stdout", "in\n");
+    result.addOutput(OutputStream::StandardOutput, "logging ");
+    result.addOutput(OutputStream::StandardOutput, "in\n");
     result.startSection("Form", "with two fields", LineInfo(script, 3));
     result.addResult(TestResult::Pass, "Comparison", "'1' and '1' are equal", LineInfo(script, 1));
     result.addResult(TestResult::ExpectedFail, "Not verified", "False expression",

@@ -10,7 +10,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include "platform/testresult/journalformat.h"
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/samplerun.h"
@@ -21,8 +21,6 @@
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
-
-using Kind = ReportEntry::Kind;
 
 namespace {
 
@@ -60,11 +58,12 @@ protected:
 TEST_F(JournalTest, IsJsonLinesThatOtherProgramsRead) {
     JournalReport journal(path);
     addSampleRun(&journal);
-    ReportEntry entry;
-    entry.message = QStringLiteral("a\"b\\\n\x01/") + QChar(0x2028) + QString::fromUtf8("\xc3\xa4");
-    entry.callStack = {{"/t.py", 3}, LineInfo(), {"/u.py", -1}};
-    entry.value = 0;
-    journal.add(entry);
+    ResultAdded result;
+    result.message =
+        QStringLiteral("a\"b\\\n\x01/") + QChar(0x2028) + QString::fromUtf8("\xc3\xa4");
+    result.callStack = {{"/t.py", 3}, LineInfo(), {"/u.py", -1}};
+    result.value = 0;
+    journal.add({QDateTime(), result});
 
     const auto normalised = Normaliser()
                                 .pattern("\"created\":\"[^\"]*\"", "\"created\":\"<TIME>\"")
@@ -81,9 +80,8 @@ TEST_F(JournalTest, TellsLocalTimesWithTheirOffset) {
         {QTime(3, 1), "T03:01:00.000+02:00"},
     };
     for (const auto& [time, text] : rows) {
-        ReportEntry entry;
-        entry.time = QDateTime(QDate(2024, 3, 31), time);
-        const QByteArray line = Journal::entryLine(entry);
+        const QByteArray line =
+            Journal::entryLine({QDateTime(QDate(2024, 3, 31), time), CaseEnded{}});
         EXPECT_TRUE(line.contains(text)) << line.toStdString();
     }
 }
@@ -96,38 +94,35 @@ TEST_F(JournalTest, ReplaysTheRun) {
         journal.add(entry);
     ASSERT_TRUE(reader.replay(path)) << reader.errorText().toStdString();
     EXPECT_FALSE(reader.isCut());
+    // A position that is none is left out.
     for (ReportEntry& entry : direct.entries) {
-        if (entry.callStack == CallStack{LineInfo()})
-            entry.callStack.clear();
+        auto* const result = std::get_if<ResultAdded>(&entry.event);
+        if (result && result->callStack == CallStack{LineInfo()})
+            result->callStack.clear();
     }
     EXPECT_EQ(recorded.entries, direct.entries);
 }
 
 TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
     std::mt19937 random(20240501);
+    std::mt19937 again(20240501);
     std::vector<ReportEntry> entries;
+    std::vector<ReportEntry> expected;
     for (int i = 0; i < 3000; ++i) {
-        ReportEntry entry;
-        entry.kind = Kind(random() % 13);
-        entry.type = 6 + int(random() % 9);
-        entry.time = QDateTime::fromMSecsSinceEpoch(qint64(random()) * 500, Qt::LocalTime);
-        entry.message = randomText(random, 20);
-        entry.detail = randomText(random, 20);
-        entry.extra = randomText(random, 5);
-        entry.path = randomText(random, 5);
-        entry.explanation = randomText(random, 5);
-        entry.value = int(random());
-        entry.callStack = {{randomText(random, 5) + "f", int(random())}};
-        entry.echo = random() % 2 == 0;
-        entries.push_back(entry);
+        const auto time = QDateTime::fromMSecsSinceEpoch(qint64(i) * 500000000, Qt::LocalTime);
+        entries.push_back({time, randomEvent(random)});
+        expected.push_back({time, randomEvent(again, wellFormed)});
     }
     // Every single code unit, too.
     for (int unit = 0; unit < 0x10000; unit += 64) {
-        ReportEntry entry;
+        ResultAdded result;
         for (int i = 0; i < 64; ++i)
-            entry.message += QString(QChar(unit + i)) + "|";
-        entry.detail = QString(QChar(unit == 0xfec0 ? 0xfeff : unit)) + "begins";
-        entries.push_back(entry);
+            result.message += QString(QChar(unit + i)) + "|";
+        result.detail = QString(QChar(unit == 0xfec0 ? 0xfeff : unit)) + "begins";
+        entries.push_back({QDateTime(), result});
+        result.message = wellFormed(result.message);
+        result.detail = wellFormed(result.detail);
+        expected.push_back({QDateTime(), result});
     }
     {
         JournalReport journal(path);
@@ -137,18 +132,47 @@ TEST_F(JournalTest, KeepsTextsOfAnyCodeUnits) {
         EXPECT_EQ(journal.errorText(), QString());
     }
     ASSERT_TRUE(reader.replay(path)) << reader.errorText().toStdString();
-    ASSERT_EQ(recorded.entries.size(), entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        ReportEntry& entry = entries[i];
-        entry.message = wellFormed(entry.message);
-        entry.detail = wellFormed(entry.detail);
-        entry.extra = wellFormed(entry.extra);
-        entry.path = wellFormed(entry.path);
-        entry.explanation = wellFormed(entry.explanation);
-        for (LineInfo& position : entry.callStack)
-            position = LineInfo(wellFormed(position.fileName()), position.lineNumber());
-        ASSERT_EQ(recorded.entries[i], entry) << i;
-    }
+    ASSERT_EQ(recorded.entries.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        ASSERT_EQ(recorded.entries[i], expected[i]) << i;
+}
+
+TEST_F(JournalTest, ReadsWhatAnEarlierProgramWrote) {
+    // Never renewed, unlike a golden file: journals that people keep look like this.
+    const QString earlier = TAMRIX_TEST_SOURCE_DIR "/tests/platform/testresult/version1.journal";
+    ASSERT_TRUE(reader.replay(earlier)) << reader.errorText().toStdString();
+    QList<QByteArray> lines = readFile(earlier).trimmed().split('\n');
+    ASSERT_EQ(int(recorded.entries.size()), lines.size() - 1);
+    for (std::size_t i = 0; i < recorded.entries.size(); ++i)
+        EXPECT_EQ(Journal::entryLine(recorded.entries[i]), lines[int(i) + 1] + '\n');
+
+    EXPECT_EQ(recorded.all<SuiteStarted>(), (std::vector<SuiteStarted>{{"suite_shop", "/s"}}));
+    EXPECT_EQ(recorded.all<SuiteEnded>(), std::vector<SuiteEnded>{{true}});
+    EXPECT_EQ(recorded.all<CaseStarted>()[0], (CaseStarted{"tst_login", "/s/tst_login/test.py"}));
+    EXPECT_EQ(recorded.all<CaseEnded>()[0], CaseEnded{false});
+    const CallStack stack{{"/s/a.feature", 4}};
+    EXPECT_EQ(recorded.all<SectionStarted>()[0],
+              (SectionStarted{"Pay", "as a guest", "scenario", 0, stack}));
+    EXPECT_EQ(recorded.all<SectionEnded>()[0],
+              (SectionEnded{"Pay", "as a guest", "scenario", stack}));
+    const std::vector<ResultAdded> results = recorded.results();
+    EXPECT_EQ(results[0].type, TestResult::Fail);
+    EXPECT_EQ(results[0].comment, "the total");
+    EXPECT_EQ(results[0].explanation, "@@ -1 +1 @@\n-1\n+2");
+    EXPECT_EQ(results[0].callStack.size(), 2u);
+    EXPECT_EQ(results[1].skipped, "testcase");
+    EXPECT_EQ(results[1].value, 3);
+    EXPECT_TRUE(results[2].isEcho);
+    EXPECT_EQ(recorded.all<FileAttached>()[0],
+              (FileAttached{2, "Failure", "/r/p.png", CallStack(), true}));
+    EXPECT_EQ(recorded.all<VideoStarted>()[0], (VideoStarted{"Video", "/r/v.mp4", stack}));
+    EXPECT_EQ(recorded.all<VideoEnded>()[0], (VideoEnded{"Video", "/r/v.mp4", stack}));
+    EXPECT_EQ(recorded.all<OutputWritten>()[0],
+              (OutputWritten{OutputStream::StandardOutput, "a\n"}));
+    EXPECT_EQ(recorded.all<OutputWritten>()[1].stream, OutputStream::StandardError);
+    EXPECT_EQ(recorded.all<ActionEnded>()[0],
+              (ActionEnded{"click", "{name='ok'}", 56, true, LineInfo("/s/a.feature", 4)}));
+    EXPECT_EQ(recorded.all<EnvironmentFact>()[0], (EnvironmentFact{"Qt", "5.15.8"}));
 }
 
 TEST_F(JournalTest, EveryBeginningOfAJournalReplays) {
@@ -219,7 +243,7 @@ TEST_F(JournalTest, PassesOverFieldsOfALaterProgram) {
         replay("{\"format\":\"tamrix-journal\",\"version\":1,\"host\":\"h\"}\n"
                "{\"kind\":\"output\",\"message\":\"x\",\"thread\":[1,{}]}\r\n"));
     ASSERT_EQ(recorded.entries.size(), 1u);
-    EXPECT_EQ(recorded.entries[0].message, "x");
+    EXPECT_EQ(recorded.all<OutputWritten>()[0].text, "x");
 }
 
 TEST_F(JournalTest, RefusesAnEndlessLine) {
@@ -243,26 +267,26 @@ TEST_F(JournalTest, RefusesAnEndlessLine) {
 
 TEST_F(JournalTest, WritesNoLineThatTheReaderRefuses) {
     const QString huge = QString(3 * 1024 * 1024, QChar(0)) + QString(10, 'x');
-    ReportEntry result;
+    ResultAdded result;
     result.type = TestResult::Fail;
-    result.message = result.detail = result.extra = result.path = result.explanation = huge;
-    ReportEntry output;
-    output.kind = Kind::Output;
+    result.message = result.detail = result.comment = result.explanation = huge;
+    OutputWritten output;
     // The surrogate pair lies where the text is taken apart.
-    output.message = QString(2 * 1024 * 1024 - 1, QChar(1)) +
-                     QString::fromUtf8("\xf0\x9f\x98\x80") + QString(10 * 1024 * 1024, QChar(2));
+    output.text = QString(2 * 1024 * 1024 - 1, QChar(1)) + QString::fromUtf8("\xf0\x9f\x98\x80") +
+                  QString(10 * 1024 * 1024, QChar(2));
     {
         JournalReport journal(path);
-        journal.add(result);
-        journal.add(output);
+        journal.add({QDateTime(), result});
+        journal.add({QDateTime(), output});
     }
     ASSERT_TRUE(reader.replay(path)) << reader.errorText().toStdString();
-    EXPECT_TRUE(recorded.entries[0].detail.endsWith("[... 1048686 characters left out]"))
-        << recorded.entries[0].detail.right(60).toStdString();
+    const QString detail = recorded.results()[0].detail;
+    EXPECT_TRUE(detail.endsWith("[... 1048686 characters left out]"))
+        << detail.right(60).toStdString();
     QString joined;
-    for (std::size_t i = 1; i < recorded.entries.size(); ++i)
-        joined += recorded.entries[i].message;
-    EXPECT_TRUE(joined == output.message);
+    for (const OutputWritten& part : recorded.all<OutputWritten>())
+        joined += part.text;
+    EXPECT_TRUE(joined == output.text);
 }
 
 TEST_F(JournalTest, TellsWriteErrors) {
@@ -340,7 +364,7 @@ TEST_F(JournalTest, LosesNothingWhenTheRunIsKilled) {
     ASSERT_TRUE(WIFSIGNALED(status));
     ASSERT_TRUE(reader.replay(path)) << reader.errorText().toStdString();
     ASSERT_FALSE(recorded.entries.empty());
-    EXPECT_EQ(recorded.entries.back().message, "before the kill");
+    EXPECT_EQ(recorded.results().back().message, "before the kill");
 }
 
 }  // namespace

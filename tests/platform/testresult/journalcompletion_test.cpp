@@ -13,8 +13,6 @@
 using namespace Tamrix;
 using namespace Tamrix::Test;
 
-using Kind = ReportEntry::Kind;
-
 namespace {
 
 const QByteArray header = "{\"format\":\"tamrix-journal\",\"version\":1}\n";
@@ -24,20 +22,21 @@ const QByteArray caseEnd = "{\"kind\":\"caseEnd\",\"extra\":\"finished\"}\n";
 const QByteArray section = "{\"kind\":\"sectionStart\",\"message\":\"t\",\"extra\":\"k\"}\n";
 const QByteArray sectionEnd = "{\"kind\":\"sectionEnd\",\"message\":\"t\",\"extra\":\"k\"}\n";
 
-/// The kinds of entries, with the file of a position.
-QStringList shapeOf(const std::vector<ReportEntry>& entries, size_t from) {
-    const QMap<Kind, QString> names = {{Kind::Result, "result"},
-                                       {Kind::SectionEnd, "sectionEnd"},
-                                       {Kind::CaseEnd, "caseEnd"},
-                                       {Kind::SuiteEnd, "suiteEnd"}};
-    QStringList shape;
-    for (size_t index = from; index < entries.size(); ++index) {
-        const ReportEntry& entry = entries[index];
-        shape.append(names.value(entry.kind, "other"));
-        if (entry.kind == Kind::Result && !entry.callStack.empty())
-            shape.back() += " at " + entry.callStack[0].fileName();
-        if (entry.kind == Kind::CaseEnd || entry.kind == Kind::SuiteEnd)
-            shape.back() += ' ' + entry.extra;
+/// The kinds of entries from one on, with the file of a position and what an end says.
+QStringList shapeOf(const RecordingReport& recorded, size_t from) {
+    QStringList shape = recorded.kinds(from);
+    const auto endOf = [](bool isInterrupted) {
+        return isInterrupted ? QStringLiteral(" interrupted") : QStringLiteral(" finished");
+    };
+    for (size_t index = from; index < recorded.entries.size(); ++index) {
+        const ReportEntry& entry = recorded.entries[index];
+        QString& text = shape[static_cast<int>(index - from)];
+        if (const auto* result = eventOf<ResultAdded>(entry); result && !result->callStack.empty())
+            text += " at " + result->callStack[0].fileName();
+        if (const auto* end = eventOf<CaseEnded>(entry))
+            text += endOf(end->isInterrupted);
+        if (const auto* end = eventOf<SuiteEnded>(entry))
+            text += endOf(end->isInterrupted);
     }
     return shape;
 }
@@ -73,7 +72,7 @@ TEST(JournalCompletion, EndsWhatIsOpen) {
         JournalReader reader(&recorded);
         ASSERT_TRUE(reader.replay(path)) << reader.errorText().toStdString();
         EXPECT_FALSE(reader.isCut());
-        EXPECT_EQ(shapeOf(recorded.entries, static_cast<size_t>(row.entries)).join(','), row.shape)
+        EXPECT_EQ(shapeOf(recorded, static_cast<size_t>(row.entries)).join(','), row.shape)
             << row.journal.constData();
     }
 }

@@ -14,7 +14,6 @@
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
-using Kind = ReportEntry::Kind;
 
 namespace {
 
@@ -119,7 +118,7 @@ TEST_F(JUnitReportTest, ReplacesCharactersThatXmlForbids) {
         const QByteArray xml = report([&row](ReportGenerator* junit) {
             TestResult result(junit);
             result.startCase("c", "/c");
-            result.addOutput("stdout", row.text);
+            result.addOutput(OutputStream::StandardOutput, row.text);
         });
         EXPECT_EQ(elementTexts(xml, "system-out"), QStringList{row.escaped});
         EXPECT_EQ(schemaErrors(), "");
@@ -131,17 +130,8 @@ TEST_F(JUnitReportTest, StaysWellFormedWhateverTheTexts) {
     for (int run = 0; run < 300; ++run) {
         QString output;
         const QByteArray xml = report([&](ReportGenerator* junit) {
-            for (int i = 0; i < 20; ++i) {
-                ReportEntry entry;
-                entry.kind = Kind(random() % 13);
-                entry.type = int(random() % 16);
-                entry.message = randomText(random, 12);
-                entry.detail = randomText(random, 12);
-                entry.extra = random() % 2 ? randomText(random, 12) : QString("testcase");
-                entry.path = randomText(random, 12);
-                entry.callStack = {{randomText(random, 12), int(random() % 9)}};
-                junit->add(entry);
-            }
+            for (int i = 0; i < 20; ++i)
+                junit->add({QDateTime(), randomEvent(random)});
         });
         elementTexts(xml, "system-out");
         if (run % 50 == 0) {

@@ -53,7 +53,7 @@ protected:
         result.addResult(QDateTime::currentDateTime(), TestResult::Fail, "Comparison", detail,
                          CallStack{}, "", -1, explanation);
         result.addResult(TestResult::Log, detail, "", LineInfo());
-        result.addOutput("stdout", output);
+        result.addOutput(OutputStream::StandardOutput, output);
         result.endSuite();
         generator->finish();
         EXPECT_EQ(generator->errorText(), QString());

@@ -7,33 +7,42 @@
 
 using namespace Tamrix;
 using namespace Tamrix::Test;
-using Kind = ReportEntry::Kind;
 
 namespace {
 
-ReportEntry entryOf(Kind kind, const QString& message = QString(),
-                    const QString& extra = QString()) {
-    ReportEntry entry;
-    entry.kind = kind;
-    entry.message = message;
-    entry.extra = extra;
-    return entry;
+/// An event at an unknown time.
+ReportEntry entryOf(ReportEvent event) {
+    return {QDateTime(), std::move(event)};
 }
 
-ReportEntry resultOf(int type, const QString& extra = QString(), bool echo = false) {
-    ReportEntry entry = entryOf(Kind::Result, "message", extra);
-    entry.type = type;
-    entry.echo = echo;
-    return entry;
+ReportEntry resultOf(int type) {
+    ResultAdded result;
+    result.type = type;
+    result.message = "message";
+    return entryOf(result);
+}
+
+ReportEntry skipOf(const QString& what) {
+    ResultAdded result;
+    result.type = TestResult::Skipped;
+    result.skipped = what;
+    return entryOf(result);
+}
+
+ReportEntry echoOf(int type) {
+    ResultAdded result;
+    result.type = type;
+    result.isEcho = true;
+    return entryOf(result);
 }
 
 TEST(RunTally, GivesACaseItsOutcome) {
     const ReportEntry pass = resultOf(TestResult::Pass);
     const ReportEntry fail = resultOf(TestResult::Fail);
     const ReportEntry error = resultOf(TestResult::Error);
-    const ReportEntry skip = resultOf(TestResult::Skipped, "testcase");
-    const ReportEntry finished = entryOf(Kind::CaseEnd, "", "finished");
-    const ReportEntry interrupted = entryOf(Kind::CaseEnd, "", "interrupted");
+    const ReportEntry skip = skipOf("testcase");
+    const ReportEntry finished = entryOf(CaseEnded{false});
+    const ReportEntry interrupted = entryOf(CaseEnded{true});
     const struct {
         const char* description;
         std::vector<ReportEntry> entries;
@@ -53,19 +62,13 @@ TEST(RunTally, GivesACaseItsOutcome) {
         {"script error", {error, finished}, CaseOutcome::Error, true},
         {"fatal", {resultOf(TestResult::Fatal), finished}, CaseOutcome::Error, true},
         {"the first failure decides", {fail, error, finished}, CaseOutcome::Failed, true},
-        {"skip",
-         {skip, resultOf(TestResult::Error, "", true), finished},
-         CaseOutcome::Skipped,
-         false},
+        {"skip", {skip, echoOf(TestResult::Error), finished}, CaseOutcome::Skipped, false},
         {"failure before a skip", {fail, skip, finished}, CaseOutcome::Failed, true},
         {"error in the clean-up of a skipped case",
          {skip, error, finished},
          CaseOutcome::Error,
          true},
-        {"skipped scenario",
-         {resultOf(TestResult::Skipped, "scenario"), finished},
-         CaseOutcome::Passed,
-         false},
+        {"skipped scenario", {skipOf("scenario"), finished}, CaseOutcome::Passed, false},
         {"killed", {pass}, CaseOutcome::Incomplete, false},
         {"killed after a failure", {fail}, CaseOutcome::Incomplete, true},
         {"interrupted after a failure", {fail, interrupted}, CaseOutcome::Interrupted, true},
@@ -73,8 +76,8 @@ TEST(RunTally, GivesACaseItsOutcome) {
     };
     for (const auto& row : rows) {
         RunTally tally;
-        tally.add(entryOf(Kind::SuiteStart, "suite"));
-        tally.add(entryOf(Kind::CaseStart, "case"));
+        tally.add(entryOf(SuiteStarted{"suite", ""}));
+        tally.add(entryOf(CaseStarted{"case", ""}));
         for (const ReportEntry& entry : row.entries)
             tally.add(entry);
         EXPECT_EQ(tally.suites().front().cases.front().outcome(), row.outcome) << row.description;
@@ -102,15 +105,15 @@ TEST(RunTally, AddsUpARun) {
     EXPECT_EQ(basket.seconds(), 1.5);
     ASSERT_EQ(basket.failures.size(), 2u);
     EXPECT_EQ(basket.failures[0].callStack.size(), 2u);
-    EXPECT_EQ(basket.failures[0].extra, "the total");
+    EXPECT_EQ(basket.failures[0].comment, "the total");
     EXPECT_EQ(tally.suites().front().cases[2].skipText, "No printer: here");
 }
 
 TEST(RunTally, CountsFailuresOutsideTheCases) {
     RunTally tally;
-    tally.add(entryOf(Kind::SuiteStart, "suite"));
+    tally.add(entryOf(SuiteStarted{"suite", ""}));
     tally.add(resultOf(TestResult::Fatal));
-    tally.add(entryOf(Kind::SuiteEnd, "", "interrupted"));
+    tally.add(entryOf(SuiteEnded{true}));
     tally.add(resultOf(TestResult::Error));
     EXPECT_TRUE(tally.anyFailure());
     EXPECT_TRUE(tally.isInterrupted());
@@ -123,11 +126,8 @@ TEST(RunTally, TakesEntriesInAnyOrder) {
     std::mt19937 random(7);
     for (int run = 0; run < 200; ++run) {
         RunTally tally;
-        for (int i = 0; i < 30; ++i) {
-            ReportEntry entry = resultOf(int(random() % 16));
-            entry.kind = Kind(random() % 11);
-            tally.add(entry);
-        }
+        for (int i = 0; i < 30; ++i)
+            tally.add(entryOf(randomEvent(random)));
         EXPECT_LE(tally.caseCount(CaseOutcome::Passed), tally.caseCount());
         EXPECT_EQ(tally.seconds(), 0);
     }

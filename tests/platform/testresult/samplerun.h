@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "platform/testresult/journalentry.h"
 #include "platform/testresult/reportgenerator.h"
 #include "platform/testresult/testresult.h"
 #include "support/printqt.h"
@@ -16,16 +17,7 @@ inline void PrintTo(const LineInfo& position, std::ostream* stream) {
 }
 
 inline void PrintTo(const ReportEntry& entry, std::ostream* stream) {
-    *stream << "kind " << int(entry.kind) << " type " << entry.type << " '"
-            << entry.message.toStdString() << "' '" << entry.detail.toStdString() << "' extra '"
-            << entry.extra.toStdString() << "'";
-}
-
-inline bool operator==(const ReportEntry& a, const ReportEntry& b) {
-    return a.kind == b.kind && a.type == b.type && a.time == b.time && a.message == b.message &&
-           a.detail == b.detail && a.callStack == b.callStack && a.extra == b.extra &&
-           a.value == b.value && a.path == b.path && a.explanation == b.explanation &&
-           a.echo == b.echo;
+    *stream << Journal::entryLine(entry).toStdString();
 }
 
 namespace Test {
@@ -60,7 +52,7 @@ inline void addSampleRun(ReportGenerator* report) {
     result.addEnvironment("Qt", "5.15.8");
     result.addResult(TestResult::Warning, "No application", "", LineInfo());
     result.startCase("tst_login", script);
-    result.addOutput("stdout", "logging in\n");
+    result.addOutput(OutputStream::StandardOutput, "logging in\n");
     result.addAction("startApplication", "\"shop --fast\"", 1234, false, LineInfo(script, 2));
     result.startSection("Form", "with two fields", LineInfo(script, 3));
     result.addAction("click", "{name='ok'}, \"Ctrl\"", 56, true, LineInfo(script, 4));
@@ -69,7 +61,7 @@ inline void addSampleRun(ReportGenerator* report) {
                      LineInfo(script, 5), "known since May");
     result.endSection(LineInfo(script, 6));
     result.addAttachment(TestResult::FileAttachment, "Attached File", "/r/a.txt", calls);
-    result.addOutput("stderr", "no line feed");
+    result.addOutput(OutputStream::StandardError, "no line feed");
     result.endCase();
 
     result.startCase("tst_basket", "/s/tst_basket/test.py");
@@ -104,6 +96,53 @@ inline QString randomText(std::mt19937& random, int longest) {
         text += QChar(ushort(unit));
     }
     return text;
+}
+
+/// Any event with something in all its fields; `adapt` is applied to each text.
+template <typename Adapt>
+ReportEvent randomEvent(std::mt19937& random, Adapt adapt) {
+    const auto text = [&] { return adapt(randomText(random, 12)); };
+    const auto position = [&] { return LineInfo(text() + "f", int(random())); };
+    const auto flag = [&] { return random() % 2 == 0; };
+    ResultAdded result;
+    result.type = int(random() % 16);
+    result.message = text();
+    result.detail = text();
+    result.callStack = {position(), position()};
+    if (result.type == TestResult::Skipped)
+        result.skipped = flag() ? text() : QStringLiteral("testcase");
+    else
+        result.comment = text();
+    result.value = int(random());
+    result.explanation = text();
+    result.isEcho = flag();
+    // One after the other: the order in which arguments are evaluated is open.
+    QString texts[4];
+    for (QString& each : texts)
+        each = text();
+    const CallStack stack{position()};
+    const int number = int(random());
+    const bool isSet = flag();
+    const ReportEvent events[] = {
+        SuiteStarted{texts[0], texts[1]},
+        SuiteEnded{isSet},
+        CaseStarted{texts[0], texts[1]},
+        CaseEnded{isSet},
+        SectionStarted{texts[0], texts[1], texts[2], number, stack},
+        SectionEnded{texts[0], texts[1], texts[2], stack},
+        result,
+        FileAttached{number % 6, texts[0], texts[1], stack, isSet},
+        VideoStarted{texts[0], texts[1], stack},
+        VideoEnded{texts[0], texts[1], stack},
+        OutputWritten{isSet ? OutputStream::StandardError : OutputStream::StandardOutput, texts[0]},
+        ActionEnded{texts[0], texts[1], number, isSet, stack.front()},
+        EnvironmentFact{texts[0], texts[1]},
+    };
+    return events[random() % std::size(events)];
+}
+
+inline ReportEvent randomEvent(std::mt19937& random) {
+    return randomEvent(random, [](const QString& text) { return text; });
 }
 
 }  // namespace Test

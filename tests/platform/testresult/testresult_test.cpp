@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "base/overloaded.h"
 #include "support/recordingreport.h"
 #include "support/warningrecorder.h"
 
@@ -9,7 +10,6 @@ using namespace Tamrix;
 using Tamrix::Test::RecordingReport;
 using Tamrix::Test::WarningRecorder;
 using testing::ElementsAre;
-using Kind = ReportEntry::Kind;
 
 namespace {
 
@@ -17,25 +17,22 @@ namespace {
 /// ")title" for sections, messages for results.
 std::vector<std::string> course(const RecordingReport& report) {
     std::vector<std::string> texts;
+    const auto add = [&texts](const char* mark, const QString& text) {
+        texts.push_back(mark + text.toStdString());
+    };
+    const auto end = [](bool isInterrupted) { return isInterrupted ? "interrupted" : "finished"; };
     for (const ReportEntry& entry : report.entries) {
-        switch (entry.kind) {
-            case Kind::SuiteStart:
-            case Kind::CaseStart:
-                texts.push_back("[" + entry.message.toStdString());
-                break;
-            case Kind::SuiteEnd:
-            case Kind::CaseEnd:
-                texts.push_back("]" + entry.extra.toStdString());
-                break;
-            case Kind::SectionStart:
-                texts.push_back("(" + entry.message.toStdString());
-                break;
-            case Kind::SectionEnd:
-                texts.push_back(")" + entry.message.toStdString());
-                break;
-            default:
-                texts.push_back(entry.message.toStdString());
-        }
+        std::visit(Overloaded{
+                       [&](const SuiteStarted& suite) { add("[", suite.name); },
+                       [&](const SuiteEnded& suite) { add("]", end(suite.isInterrupted)); },
+                       [&](const CaseStarted& testCase) { add("[", testCase.name); },
+                       [&](const CaseEnded& testCase) { add("]", end(testCase.isInterrupted)); },
+                       [&](const SectionStarted& section) { add("(", section.title); },
+                       [&](const SectionEnded& section) { add(")", section.title); },
+                       [&](const ResultAdded& result) { add("", result.message); },
+                       [&](const auto&) { add("unexpected", ""); },
+                   },
+                   entry.event);
     }
     return texts;
 }
@@ -59,32 +56,30 @@ TEST_F(TestResultTest, CarriesWhatItIsGiven) {
     result.addAttachment(TestResult::ImageAttachment, "picture", "/p.png", stack);
     result.addEndVideo("end", "/v.mp4", CallStack());
 
-    ASSERT_EQ(report.entries.size(), 4u);
-    const ReportEntry& fail = report.entries[0];
-    EXPECT_EQ(fail.time, time);
+    ASSERT_EQ(report.kinds(), (QStringList{"result", "result", "attachment", "videoEnd"}));
+    EXPECT_EQ(report.entries[0].time, time);
+    const ResultAdded fail = report.results()[0];
     EXPECT_EQ(fail.type, 11);
     EXPECT_EQ(fail.message, "message");
     EXPECT_EQ(fail.detail, "detail");
     EXPECT_EQ(fail.callStack, stack);
-    EXPECT_EQ(fail.extra, "comment");
+    EXPECT_EQ(fail.comment, "comment");
     EXPECT_EQ(fail.value, 5);
-    EXPECT_TRUE(report.entries[1].callStack.empty());
-    EXPECT_EQ(report.entries[2].kind, Kind::Attachment);
-    EXPECT_EQ(report.entries[2].type, 2);
-    EXPECT_EQ(report.entries[2].path, "/p.png");
+    EXPECT_TRUE(report.results()[1].callStack.empty());
+    EXPECT_EQ(report.all<FileAttached>()[0], (FileAttached{2, "picture", "/p.png", stack, false}));
     EXPECT_TRUE(report.entries[2].time.isValid());
-    EXPECT_EQ(report.entries[3].kind, Kind::VideoEnd);
+    EXPECT_EQ(report.all<VideoEnded>()[0], (VideoEnded{"end", "/v.mp4", {}}));
 }
 
 TEST_F(TestResultTest, SectionsOfBothKindsShareOneNesting) {
     add(TestResult::SectionStart, "A", "feature");
     result.startSection("B", "b", LineInfo("/t.py", 1));
     EXPECT_EQ(result.endSection(LineInfo("/t.py", 2)), QString());
-    EXPECT_EQ(report.entries.back().callStack, CallStack({{"/t.py", 2}}));
+    EXPECT_EQ(report.all<SectionEnded>().back().callStack, CallStack({{"/t.py", 2}}));
     result.startSection("C", "left open by a script error", LineInfo());
     // The end of a row has no text of its own.
     add(TestResult::SectionEnd, QString(), "feature");
-    EXPECT_EQ(report.entries.back().extra, "feature");
+    EXPECT_EQ(report.all<SectionEnded>().back().kind, "feature");
     EXPECT_EQ(result.endSection(LineInfo()), "There is no open section");
     EXPECT_THAT(course(report), ElementsAre("(A", "(B", ")B", "(C", ")C", ")A"));
 }
@@ -168,8 +163,8 @@ TEST_F(TestResultTest, TheErrorThatEndsASkippedCaseCountsForNothing) {
     result.addSkipEcho(TestResult::Error, "Script Error", "tamrix.FatalError: No printer: here",
                        {LineInfo("/one", 3)});
     const auto results = report.results();
-    EXPECT_FALSE(results[1].echo);
-    EXPECT_TRUE(results[2].echo);
+    EXPECT_FALSE(results[1].isEcho);
+    EXPECT_TRUE(results[2].isEcho);
     EXPECT_EQ(results[2].callStack, CallStack{LineInfo("/one", 3)});
     EXPECT_EQ(result.count("errors"), 1);
 }
@@ -197,7 +192,7 @@ TEST_F(TestResultTest, TakesNothingWhenComplete) {
     result.startSuite("s", "/s");
     result.setComplete();
     add(TestResult::Fail, "late");
-    result.addOutput("stdout", "late");
+    result.addOutput(OutputStream::StandardOutput, "late");
     result.addEndVideo("late", "/v", CallStack());
     result.endSuite();
     EXPECT_TRUE(result.isComplete());

@@ -84,7 +84,7 @@ TEST_F(PythonConditions, AnotherFileTellsNothing) {
     EXPECT_EQ(run("zero = 0\n\ntest.verify(zero)\n"), "");
     QFile::remove(script());
     EXPECT_EQ(run("zero = 0\n\ntest.verify(zero)\n"), "");
-    for (const ReportEntry& entry : report.results())
+    for (const ResultAdded& entry : report.results())
         EXPECT_EQ(entry.explanation, "");
     EXPECT_EQ(results().value(0), "11 Not verified: False expression");
 }

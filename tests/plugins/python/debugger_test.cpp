@@ -1,14 +1,14 @@
 #include "interpreter/bridge/debugger.h"
 
 #include "plugins/python/pythontest.h"
+#include "support/scriptedfrontend.h"
 
 namespace Tamrix {
 namespace {
 
 using namespace Test;
 
-/// Python's debugger is driven through Debugger alone. Its stops are seen in the lines that it
-/// prints for a front end.
+/// Python's debugger is driven through Debugger alone, and seen through a front end.
 class PythonDebugging : public PythonTest {
 protected:
     PythonDebugging() : debugger(interpreter->debugger()) {
@@ -18,14 +18,8 @@ protected:
 
     /// Calls main() and gives the lines at which it stopped.
     QString stops() {
-        testing::internal::CaptureStdout();
         EXPECT_TRUE(interpreter->callFunction("main", ObjectList()));
-        std::fflush(stdout);
-        const QString printed = QString::fromStdString(testing::internal::GetCapturedStdout());
-        QStringList lines;
-        for (const QString& line : printed.split('\n', Qt::SkipEmptyParts))
-            lines.append(line.section("line ", 1).section(',', 0, 0));
-        return lines.join(' ');
+        return frontEnd.take(" ");
     }
 
     const char* const text =
@@ -42,6 +36,7 @@ protected:
         "def fail():\n"              // 11
         "    raise ValueError()\n";  // 12
     Debugger* debugger;
+    ScriptedFrontEnd& frontEnd = ScriptedFrontEnd::install(*debugger);
 };
 
 TEST_F(PythonDebugging, StopsByMode) {
@@ -79,6 +74,16 @@ TEST_F(PythonDebugging, StopsAtBreakPoints) {
     debugger->next(1);
     debugger->setBreakPoint(2, id, true);
     EXPECT_EQ(stops(), "5 2 6 7 8 9 2 10");
+}
+
+TEST_F(PythonDebugging, GoesOnAsItsFrontEndCommands) {
+    debugger->setInteractive(true);
+    debugger->step();
+    frontEnd.commands = {Resume{Resume::Step}, Resume{Resume::Return},     Resume{Resume::Next},
+                         Resume{Resume::Next}, SetBreakPoint{script(), 3}, Resume{Resume::Run},
+                         Resume{Resume::Next}, Resume{Resume::Run}};
+    EXPECT_EQ(stops(), QString("5 2 6 7 8 %1:3 3 10").arg(script()));
+    EXPECT_TRUE(frontEnd.commands.empty());
 }
 
 TEST_F(PythonDebugging, StacksAreTheSameWithAndWithoutTracing) {

@@ -227,8 +227,13 @@ TEST_F(PythonErrors, OutputStandsInOrder) {
                   "assert sys.stdout.encoding == 'utf-8' and not sys.stdout.isatty()\n"),
               "");
     QStringList seen;
-    for (const ReportEntry& entry : report.entries)
-        seen.append(entry.extra + ":" + entry.message);
+    for (const ReportEntry& entry : report.entries) {
+        if (const auto* output = eventOf<OutputWritten>(entry))
+            seen.append((output->stream == OutputStream::StandardError ? "stderr:" : "stdout:") +
+                        output->text);
+        if (const auto* logged = eventOf<ResultAdded>(entry))
+            seen.append(":" + logged->message);
+    }
     EXPECT_EQ(seen, (QStringList{"stdout:one two\n", "stdout:cut", ":between", "stderr:to err",
                                  "stdout:last"}));
     EXPECT_EQ(run("print(1, file=sys.stdout, flush=True)\nsys.stdout.write(5)"),
@@ -251,7 +256,7 @@ TEST_F(PythonErrors, PositionsThroughNativeCode) {
                   "outer()\n"
                   "exec('test.log(1 and \"in exec\")')\n"),
               "");
-    const std::vector<ReportEntry> entries = report.results();
+    const std::vector<ResultAdded> entries = report.results();
     const auto linesOf = [&](std::size_t index) {
         QStringList found;
         for (const LineInfo& position : entries.at(index).callStack)

@@ -93,8 +93,8 @@ TEST_F(PythonNames, OptionalArgumentsOfAllFunctions) {
                   "test.compare(None, None, comment=None)\ntest.log('m', None)\n"
                   "assert test.stackTrace(maximum=1, start=None) == test.stackTrace(0, 1)"),
               "");
-    EXPECT_EQ(report.results().at(0).extra, "");
-    EXPECT_EQ(report.results().at(1).extra, "c");
+    EXPECT_EQ(report.results().at(0).comment, "");
+    EXPECT_EQ(report.results().at(1).comment, "c");
     EXPECT_EQ(results().mid(2),
               (QStringList{"10 Comparison: 'None' and 'None' are equal", "7 m: "}));
 }

@@ -146,7 +146,7 @@ b.setValue(2.0)
     EXPECT_EQ(run("assert b.resize(True, 4) is None"), "");
     EXPECT_EQ(s_seen,
               (QStringList{"ok resize int:3 int:4", "ok setValue int:5", "ok setValue QString:five",
-                           "ok setValue int:2", "ok resize bool:true int:4"}));
+                           "ok setValue double:2", "ok resize bool:true int:4"}));
     failure = "the object is gone";
     const std::pair<const char*, const char*> rows[] = {
         {"b.resize(1, 2)", "tamrix.Error: the object is gone"},
@@ -240,11 +240,10 @@ click(
 )py"),
               "");
     QStringList actions;
-    for (const ReportEntry& entry : report.entries) {
-        if (entry.kind == ReportEntry::Kind::Action)
-            actions += QStringLiteral("%1 %2 %3 %4")
-                           .arg(QString::number(entry.callStack.at(0).lineNumber()), entry.message,
-                                entry.detail, entry.extra);
+    for (const ActionEnded& action : report.all<ActionEnded>()) {
+        actions += QStringLiteral("%1 %2 %3 %4")
+                       .arg(QString::number(action.position.lineNumber()), action.function,
+                            action.arguments, action.hasFailed ? "failed" : "");
     }
     EXPECT_EQ(actions.join('\n'),
               "2 click {type='Button'}, 3, 4.5 \n"

@@ -50,7 +50,7 @@ protected:
     /// Results as "type message: detail".
     QStringList results() const {
         QStringList lines;
-        for (const ReportEntry& entry : report.results())
+        for (const ResultAdded& entry : report.results())
             lines.append(
                 QStringLiteral("%1 %2: %3").arg(entry.type).arg(entry.message, entry.detail));
         return lines;

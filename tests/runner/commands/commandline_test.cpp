@@ -2,74 +2,135 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <utility>
+#include <vector>
 
+#include "runner/commands/commands.h"
 #include "runner/coreapplication.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
-CommandLine parse(const QStringList& arguments) {
+Outcome<Action> parse(const QStringList& arguments,
+                      const std::vector<Command>& commands = allCommands()) {
     // The parser's help asks the application for the program's name.
     Tamrix::Test::coreApplication();
-    return parseCommandLine(QStringList("tamrixrunner") + arguments);
+    return parseCommandLine(QStringList("tamrixrunner") + arguments, commands);
 }
 
-TEST(CommandLine, RunWithEverything) {
-    const CommandLine line = parse({"run", "--fail-fast", "my suite", "--report", "junit:a:b.xml",
-                                    "case 1", "--report=json:/tmp/../j", "--result-dir", "out/",
-                                    "case2", "--verbose", "--", "--quiet", "--", "x"});
-    ASSERT_EQ(line.error, QString());
-    EXPECT_EQ(line.command, CommandLine::Command::Run);
-    EXPECT_EQ(line.suite, QString("my suite"));
-    EXPECT_EQ(line.cases, QStringList({"case 1", "case2"}));
-    EXPECT_TRUE(line.failFast);
-    EXPECT_TRUE(line.recordsActions);
-    EXPECT_TRUE(line.verbose);
-    EXPECT_FALSE(line.quiet);
-    // The folder's own journal stands first.
-    EXPECT_EQ(line.reports, QStringList({"json:" + QDir::current().filePath("out/journal.jsonl"),
-                                         "junit:a:b.xml", "json:/tmp/../j"}));
-    EXPECT_EQ(line.resultDirectory, QDir::current().filePath("out"));
-    EXPECT_EQ(line.scriptArguments, QStringList({"--quiet", "--", "x"}));
+/// What a command line prints, "exit code: output".
+QString printed(const QStringList& arguments) {
+    const Outcome<Action> action = parse(arguments);
+    if (!action)
+        return action.error().text;
+    testing::internal::CaptureStdout();
+    const int exitCode = (*action)();
+    const QString output = QString::fromStdString(testing::internal::GetCapturedStdout());
+    return QString("%1: %2").arg(QString::number(exitCode), output);
 }
 
-TEST(CommandLine, ListAndReport) {
-    const CommandLine list = parse({"list", "s"});
-    EXPECT_EQ(list.command, CommandLine::Command::List);
-    EXPECT_EQ(list.suite, QString("s"));
+/// A command with options of all kinds that prints what it was asked for.
+struct EchoSettings {
+    QString text;
+    QStringList all;
+    int count = 0;
+    bool isSet = false;
+    QStringList arguments;
+    QStringList script;
+};
 
-    const CommandLine report = parse({"report", "j", "--to", "junit:a", "--to", "json:b"});
-    EXPECT_EQ(report.command, CommandLine::Command::Report);
-    EXPECT_EQ(report.journal, QString("j"));
-    EXPECT_EQ(report.reports.size(), 2);
+Outcome<> readCount(const QStringList& values, EchoSettings& settings) {
+    settings.count = values.constLast().toInt();
+    return settings.count > 0 ? Outcome<>() : wrongUsage("--count is above 0");
 }
 
-TEST(CommandLine, FindImage) {
-    const CommandLine line =
-        parse({"find-image", "desk.png", "--options", "tolerant: true", "a.png", "b.png",
-               "--region=1x2x3x4", "--limit", "7", "--best"});
-    ASSERT_EQ(line.error, QString());
-    EXPECT_EQ(line.command, CommandLine::Command::FindImage);
-    EXPECT_EQ(line.haystack, QString("desk.png"));
-    EXPECT_EQ(line.needles, QStringList({"a.png", "b.png"}));
-    EXPECT_TRUE(line.searchOptions.getTolerant());
-    EXPECT_EQ(line.searchRegion.description(), QString("1x2x3x4"));
-    EXPECT_EQ(line.occurrenceLimit, 7);
-    EXPECT_TRUE(line.wantsBest);
+Outcome<> readArguments(const CommandArguments& arguments, EchoSettings& settings) {
+    settings.arguments = arguments.own;
+    settings.script = arguments.script;
+    return arguments.own.contains("wrong") ? wrongUsage("no wrong argument") : Outcome<>();
+}
+
+EchoSettings lastEcho;
+
+int echo(const EchoSettings& settings) {
+    lastEcho = settings;
+    return 7;
+}
+
+Command echoCommand(CommandTail tail) {
+    return makeCommand<EchoSettings>(
+        {{"echo", "WORD...", "Echoes.", 1, 3, tail},
+         {{"text", "TEXT", "Any text.", nullptr, textTo(&EchoSettings::text)},
+          {"all", "TEXT", "Texts.", nullptr, allTo(&EchoSettings::all)},
+          {"count", "N", "Counts; %1 unless given.", "3", readCount},
+          {"set", nullptr, "Sets.", nullptr, setTo(&EchoSettings::isSet, true)},
+          {"unset", nullptr, "Does not.", nullptr, setTo(&EchoSettings::isSet, false)}},
+         {{"set", "unset"}},
+         readArguments,
+         echo});
+}
+
+TEST(CommandLine, ValuesReachTheCommandsSettings) {
+    const std::vector<Command> commands = {echoCommand(CommandTail::ScriptArguments)};
+    const auto action =
+        parse({"echo", "--set", "my word", "--text", "a", "--all", "b:c", "w 1", "--all=d",
+               "--text", "e/", "w2", "--count", "5", "--", "--set", "--", "x"},
+              commands);
+    ASSERT_TRUE(action) << qPrintable(action.error().text);
+    EXPECT_EQ((*action)(), 7);
+    // Of several values the last one counts where only one is wanted.
+    EXPECT_EQ(lastEcho.text, QString("e/"));
+    EXPECT_EQ(lastEcho.all, QStringList({"b:c", "d"}));
+    EXPECT_EQ(lastEcho.count, 5);
+    EXPECT_TRUE(lastEcho.isSet);
+    EXPECT_EQ(lastEcho.arguments, QStringList({"my word", "w 1", "w2"}));
+    EXPECT_EQ(lastEcho.script, QStringList({"--set", "--", "x"}));
+
+    ASSERT_TRUE(parse({"echo", "word"}, commands));
+    (*parse({"echo", "word"}, commands))();
+    EXPECT_EQ(lastEcho.count, 3) << "the default value is read";
+    EXPECT_EQ(lastEcho.text, QString());
+    EXPECT_FALSE(lastEcho.isSet);
+}
+
+TEST(CommandLine, ProgramGetsAllThatStandsBehindItsName) {
+    const std::vector<Command> commands = {echoCommand(CommandTail::Program)};
+    const auto action = parse({"echo", "--set", "program", "--text", "--"}, commands);
+    ASSERT_TRUE(action) << qPrintable(action.error().text);
+    (*action)();
+    EXPECT_TRUE(lastEcho.isSet);
+    EXPECT_EQ(lastEcho.arguments, QStringList({"program", "--text", "--"}));
+}
+
+TEST(CommandLine, ReadersRefuseWrongUsage) {
+    const std::vector<Command> commands = {echoCommand(CommandTail::Nothing)};
+    const std::pair<QStringList, const char*> rows[] = {
+        {{"w", "--count", "0"}, "--count is above 0 (see tamrixrunner echo --help)"},
+        {{"w", "wrong"}, "no wrong argument (see tamrixrunner echo --help)"},
+        {{"w", "--set", "--unset"},
+         "--set and --unset exclude each other (see tamrixrunner echo --help)"},
+    };
+    for (const auto& [arguments, error] : rows) {
+        const auto action = parse(QStringList("echo") + arguments, commands);
+        ASSERT_FALSE(action) << error;
+        EXPECT_EQ(action.error().text, QString(error));
+        EXPECT_EQ(action.error().kind, FailureKind::BadArgument);
+    }
 }
 
 TEST(CommandLine, HelpAndVersionAreShown) {
-    EXPECT_EQ(parse({"--version"}).text, QString("tamrixrunner 7.1.0\n"));
-    EXPECT_EQ(parse({"--help"}).text, parse({"-h"}).text);
+    EXPECT_EQ(printed({"--version"}), QString("0: tamrixrunner 7.1.0\n"));
+    EXPECT_EQ(printed({"--help"}), printed({"-h"}));
     for (const char* word : {"run SUITE [CASE...] [-- ARGUMENT...]", "list SUITE", "Exit code:"})
-        EXPECT_TRUE(parse({"--help"}).text.contains(word)) << word;
+        EXPECT_TRUE(printed({"--help"}).contains(word)) << word;
     // Also where the rest would be wrong.
-    const QString help = parse({"run", "--help"}).text;
-    EXPECT_TRUE(help.startsWith("Usage: tamrixrunner run SUITE")) << qPrintable(help);
+    const QString help = printed({"run", "--help"});
+    EXPECT_TRUE(help.startsWith("0: Usage: tamrixrunner run SUITE")) << qPrintable(help);
     for (const char* word : {"--report <FORMAT:PATH>", "--result-dir <DIR>", "--fail-fast"})
         EXPECT_TRUE(help.contains(word)) << word;
+    EXPECT_TRUE(printed({"find-image", "--help"}).simplified().contains("100 unless given"))
+        << "the default";
 }
 
 TEST(CommandLine, WrongUsageIsOneLine) {
@@ -133,9 +194,9 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--annotate /x/../x/b would write over '/x/b' (see tamrixrunner find-image --help)"},
     };
     for (const auto& row : rows) {
-        const CommandLine line = parse(row.arguments);
-        EXPECT_EQ(line.error, QString(row.error)) << qPrintable(row.arguments.join(' '));
-        EXPECT_EQ(line.text, QString());
+        const Outcome<Action> action = parse(row.arguments);
+        ASSERT_FALSE(action) << qPrintable(row.arguments.join(' '));
+        EXPECT_EQ(action.error().text, QString(row.error)) << qPrintable(row.arguments.join(' '));
     }
 }
 

@@ -14,8 +14,6 @@
 namespace Tamrix {
 namespace {
 
-using Kind = ReportEntry::Kind;
-
 /// Runs suites in an installation without any language plug-in: every case that comes so far as to
 /// be loaded ends with that result.
 class SuiteRunTest : public testing::Test {
@@ -37,17 +35,11 @@ protected:
         interruptedBy = suiteRun.interruptedBy();
         skippedCases = suiteRun.skippedCases();
         std::erase_if(report.entries, [this](const ReportEntry& entry) {
-            if (entry.kind == Kind::Environment)
-                facts.insert(entry.message, entry.detail);
-            return entry.kind == Kind::Environment;
+            const auto* fact = eventOf<EnvironmentFact>(entry);
+            if (fact)
+                facts.insert(fact->name, fact->fact);
+            return fact != nullptr;
         });
-    }
-
-    std::vector<Kind> kinds() const {
-        std::vector<Kind> all;
-        for (const ReportEntry& entry : report.entries)
-            all.push_back(entry.kind);
-        return all;
     }
 
     Tamrix::Test::SuiteFolder folder;
@@ -76,14 +68,11 @@ TEST_F(SuiteRunTest, EveryCaseIsFramedAndAMissingPluginIsAResult) {
     folder.write("suite/a/test.py", "def main(): pass\n");
     folder.write("suite/b/test.py", "def main(): pass\n");
     run();
-    EXPECT_EQ(kinds(),
-              (std::vector<Kind>{Kind::SuiteStart, Kind::CaseStart, Kind::Result, Kind::CaseEnd,
-                                 Kind::CaseStart, Kind::Result, Kind::CaseEnd, Kind::SuiteEnd}));
-    EXPECT_EQ(report.entries.at(0).message, QString("suite"));
-    EXPECT_EQ(report.entries.at(0).path, folder.path("suite"));
-    EXPECT_EQ(report.entries.at(4).message, QString("b"));
-    EXPECT_EQ(report.entries.at(4).path, folder.path("suite/b/test.py"));
-    const ReportEntry& result = report.entries.at(5);
+    ASSERT_EQ(report.kinds(), (QStringList{"suiteStart", "caseStart", "result", "caseEnd",
+                                           "caseStart", "result", "caseEnd", "suiteEnd"}));
+    EXPECT_EQ(report.all<SuiteStarted>().at(0), (SuiteStarted{"suite", folder.path("suite")}));
+    EXPECT_EQ(report.all<CaseStarted>().at(1), (CaseStarted{"b", folder.path("suite/b/test.py")}));
+    const ResultAdded result = report.results().at(1);
     EXPECT_EQ(result.message, QString("Failed to load script language plugin"));
     ASSERT_EQ(result.callStack.size(), 1u);
     EXPECT_EQ(result.callStack.front().fileName(), folder.path("suite/b/test.py"));
@@ -107,7 +96,7 @@ TEST_F(SuiteRunTest, ScriptThatIsNoUtf8IsAResult) {
     folder.write("suite/a/test.py", "# \xfcml\n");
     run();
     ASSERT_EQ(report.results().size(), 1u);
-    const ReportEntry result = report.results().front();
+    const ResultAdded result = report.results().front();
     EXPECT_EQ(result.type, TestResult::Fatal);
     EXPECT_EQ(result.message, QString("Can't read test script"));
     EXPECT_EQ(result.detail, QString("the file is not encoded in UTF-8"));
@@ -120,8 +109,8 @@ TEST_F(SuiteRunTest, NoCaseStartsAfterASignal) {
     Interrupt::install();
     ::raise(SIGTERM);
     run();
-    EXPECT_EQ(kinds(), (std::vector<Kind>{Kind::SuiteStart, Kind::SuiteEnd}));
-    EXPECT_EQ(report.entries.back().extra, QString("interrupted"));
+    EXPECT_EQ(report.kinds(), (QStringList{"suiteStart", "suiteEnd"}));
+    EXPECT_TRUE(report.all<SuiteEnded>().at(0).isInterrupted);
     EXPECT_EQ(interruptedBy, SIGTERM);
     EXPECT_EQ(skippedCases, 1);
     EXPECT_FALSE(hasFailed);

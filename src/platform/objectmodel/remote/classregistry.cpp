@@ -19,7 +19,8 @@ std::unique_ptr<Class> makeClass(const Wire::ClassInfo& info) {
     for (const Wire::PropertyInfo& property : info.properties)
         made->addProperty(property.name, property.typeName, property.isWritable);
     for (const Wire::MethodInfo& method : info.methods)
-        made->addMethod(method.name, signature(method.argumentTypes));
+        made->addMethod(method.name, signature(method.argumentTypes))
+            .describe(method.parameters, method.description);
     for (const Wire::EventInfo& event : info.events)
         made->addEvent(event.name, signature(event.argumentTypes));
     return made;

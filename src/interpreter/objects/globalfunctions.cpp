@@ -1,0 +1,151 @@
+#include "interpreter/objects/globalfunctions.h"
+
+#include <QHash>
+#include <algorithm>
+
+#include "interpreter/bridge/actionrecord.h"
+#include "interpreter/bridge/runnerinterface.h"
+#include "interpreter/bridge/testsettingstype.h"
+#include "interpreter/objects/functionparameters.h"
+#include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/objectmodel.h"
+#include "wire/applicationfunctions.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Kind = ObjectError::Kind;
+using Value = SharedPtr<ScriptArgument>;
+
+/// Null when no application can tell it.
+const Class* globalClassOf(ObjectModel* model) {
+    return model ? model->globalClass().value_or(nullptr) : nullptr;
+}
+
+QList<const Method*> methodsOf(ObjectModel* model, const QString& name) {
+    const Class* const globalClass = globalClassOf(model);
+    return globalClass ? globalClass->methodsByName(name) : QList<const Method*>();
+}
+
+/// Parameters and help of a function.
+struct Description {
+    QString parameters;
+    QString help;
+
+    bool isKnown() const { return !help.isEmpty(); }
+};
+
+/// The functions that all applications have, by name.
+const QHash<QString, Description>& commonFunctions() {
+    static const QHash<QString, Description> s_functions = [] {
+        QHash<QString, Description> functions;
+        for (const Wire::ApplicationFunction& function : Wire::applicationFunctions)
+            functions.insert(QLatin1String(function.name), {QLatin1String(function.parameters),
+                                                            QLatin1String(function.description)});
+        return functions;
+    }();
+    return s_functions;
+}
+
+/// What the application tells of its function, else what is known of it before one is connected.
+Description describe(const QString& name, const QList<const Method*>& methods) {
+    for (const Method* method : methods) {
+        if (!method->description().isEmpty())
+            return {method->parameters(), method->description()};
+    }
+    return commonFunctions().value(name);
+}
+
+/// Of functions that nobody describes, the first argument is an object unless a method of the name
+/// takes a text there.
+bool seemsToTakeObject(const QList<const Method*>& methods) {
+    return std::none_of(methods.begin(), methods.end(), [](const Method* method) {
+        return method->signature().argumentCount() > 0 &&
+               method->signature().argument(0).typeName() == QLatin1String("QString");
+    });
+}
+
+/// The object in place of its name.
+ObjectResult<Value> objectOfName(ScriptContext& context, const Value& argument) {
+    if (!isStringOrObjectName(argument))
+        return argument;
+    SharedPtr<Object> object;
+    // Whether the point that is used is free, the function looks itself.
+    if (RunnerInterface* runner = Interpreter::currentRunner())
+        object = runner->waitForObjectByName(serializeObjectName(argument), false,
+                                             TestSettingsType::s_waitForObjectTimeout);
+    if (!object)
+        return objectError(Kind::NotFound, Inspector::self()->lastError());
+    return context.createObject(object);
+}
+
+ObjectResult<Value> call(ScriptContext& context, const QString& name,
+                         const CallArguments& arguments) {
+    // 1. The function of the current application.
+    ObjectModel* const model = Inspector::self()->model();
+    const QList<const Method*> methods = methodsOf(model, name);
+    const Description description = describe(name, methods);
+    const FunctionParameters& parameters = FunctionParameters::of(description.parameters);
+    // 2. The arguments in its order. Only where it is described the names of parameters are known.
+    ObjectResult<ScriptArgument::List> values = arguments.positional;
+    if (description.isKnown())
+        values = parameters.ordered(context, name, arguments);
+    else if (const ObjectResult<void> plain = refuseNamed(name, arguments); !plain)
+        return tl::unexpected(plain.error());
+    if (!values)
+        return tl::unexpected(values.error());
+    if (!model)
+        return objectError(Kind::Failed, Inspector::noApplicationText);
+    if (methods.isEmpty())
+        return objectError(Kind::Failed, "The application has no function '" + name + "'");
+    // 3. The object of a name.
+    const bool takesObject =
+        description.isKnown() ? parameters.startWithObject() : seemsToTakeObject(methods);
+    if (takesObject && !values->empty()) {
+        ObjectResult<Value> object = objectOfName(context, values->front());
+        if (!object)
+            return object;
+        values->front() = *object;
+    }
+    // 4. Which of several methods is meant is the application's to say.
+    const ObjectResult<ObjectList> objects = objectsOfArguments(name, *values);
+    if (!objects)
+        return tl::unexpected(objects.error());
+    return scriptValue(context, methods.first()->invoke(nullptr, *objects));
+}
+
+}  // namespace
+
+QStringList globalFunctionNames(ObjectModel* model) {
+    QStringList names;
+    for (const Wire::ApplicationFunction& function : Wire::applicationFunctions)
+        names.append(QLatin1String(function.name));
+    const Class* const globalClass = globalClassOf(model);
+    for (int index = 0; globalClass && index < globalClass->numMethods(); ++index)
+        names.append(globalClass->method(index)->name());
+    names.removeDuplicates();
+    return names;
+}
+
+QString globalFunctionHelp(const QString& name) {
+    const Description description = describe(name, methodsOf(Inspector::self()->model(), name));
+    return description.isKnown()
+               ? QStringLiteral("%1(%2)\n\n%3").arg(name, description.parameters, description.help)
+               : QStringLiteral("A function of the application");
+}
+
+ObjectResult<Value> callGlobalFunction(ScriptContext& context, const QString& name,
+                                       const CallArguments& arguments) {
+    return askApplication([&] { return name; },
+                          [&] {
+                              ActionRecord record(&context, name);
+                              record.setArguments(arguments.positional, arguments.named);
+                              ObjectResult<Value> result = call(context, name, arguments);
+                              if (!result)
+                                  record.setFailed();
+                              return result;
+                          });
+}
+
+}  // namespace Tamrix

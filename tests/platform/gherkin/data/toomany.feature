@@ -1,0 +1,13 @@
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
+No feature
