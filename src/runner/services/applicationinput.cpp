@@ -11,25 +11,23 @@
 
 namespace Tamrix {
 
-RemoteModel* Runner::modelOf(const SharedPtr<Object>& object, QString* error) {
+Outcome<RemoteModel*> Runner::modelOf(const SharedPtr<Object>& object) {
     const SharedPtr<Application> application = m_applications.owner(object);
-    *error = application ? application->endText() : Inspector::noApplicationText;
-    return error->isEmpty() ? &application->model() : nullptr;
+    if (!application)
+        return Inspector::noApplication();
+    const QString end = application->endText();
+    if (!end.isEmpty())
+        return fail(FailureKind::Ended, end);
+    return &application->model();
 }
 
 bool Runner::keyEvent(const QString& key, bool press) {
-    QString error;
-    RemoteModel* const model = modelOf({}, &error);
-    if (model && model->keyEvent(key, press, &error))
-        return true;
-    Inspector::self()->setLastError(error);
-    return false;
+    const Outcome<RemoteModel*> model = modelOf({});
+    return Inspector::self()->take(model ? (*model)->keyEvent(key, press) : fail(model.error()));
 }
 
 bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
                         bool buttonChange, bool press) {
-    QString error;
-    RemoteModel* const model = modelOf(target, &error);
     Wire::MouseEvent event;
     event.mask = mask;
     event.x = x;
@@ -38,36 +36,27 @@ bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int bu
     event.modifiers = modifiers;
     event.buttonChange = buttonChange;
     event.press = press;
-    if (model && model->mouseEvent(target, event, &error))
-        return true;
-    Inspector::self()->setLastError(error);
-    return false;
+    const Outcome<RemoteModel*> model = modelOf(target);
+    return Inspector::self()->take(model ? (*model)->mouseEvent(target, event)
+                                         : fail(model.error()));
 }
 
 QString Runner::highlightObject(SharedPtr<Object> object, int milliseconds) {
-    QString error;
-    if (RemoteModel* const model = modelOf(object, &error))
-        model->highlight(object, milliseconds, &error);
-    return error;
+    const Outcome<RemoteModel*> model = modelOf(object);
+    if (!model)
+        return model.error().text;
+    const Outcome<> outcome = (*model)->highlight(object, milliseconds);
+    return outcome ? QString() : outcome.error().text;
 }
 
 void Runner::stopHighlight() {
-    QString error;
-    if (RemoteModel* const model = modelOf({}, &error))
-        model->stopHighlight(&error);
-    if (!error.isEmpty())
-        Inspector::self()->setLastError(error);
+    const Outcome<RemoteModel*> model = modelOf({});
+    Inspector::self()->take(model ? (*model)->stopHighlight() : fail(model.error()));
 }
 
 SharedPtr<Object> Runner::objectGlobalBounds(SharedPtr<Object> object) {
-    QString error;
-    RemoteModel* const model = modelOf(object, &error);
-    SharedPtr<Object> bounds;
-    if (model)
-        bounds = model->globalBounds(object, &error);
-    if (!bounds)
-        Inspector::self()->setLastError(error);
-    return bounds;
+    const Outcome<RemoteModel*> model = modelOf(object);
+    return Inspector::self()->take(model ? (*model)->globalBounds(object) : fail(model.error()));
 }
 
 FunctionCallResult<QSharedPointer<BackgroundTask>> Runner::startVideoCapture(
@@ -78,17 +67,17 @@ FunctionCallResult<QSharedPointer<BackgroundTask>> Runner::startVideoCapture(
 
 // Variable views of the debugger.
 
-std::vector<std::pair<QString, SharedPtr<Object>>> Runner::components(int remoteId) {
-    QString error;
-    RemoteModel* const model = modelOf({}, &error);
-    SharedPtr<Object> object;
-    if (model)
-        object = model->objectById(remoteId, &error);
-    if (!object) {
-        Inspector::self()->setLastError(error);
-        return {};
-    }
-    return object->readProperties();
+PropertyList Runner::components(int remoteId) {
+    const auto read = [&]() -> Outcome<PropertyList> {
+        const Outcome<RemoteModel*> model = modelOf({});
+        if (!model)
+            return fail(model.error());
+        const Outcome<SharedPtr<Object>> object = (*model)->objectById(remoteId);
+        if (!object)
+            return fail(object.error());
+        return (*object)->readProperties();
+    };
+    return Inspector::self()->take(read());
 }
 
 bool Runner::objectHasComponents(int remoteId) {

@@ -161,7 +161,7 @@ SharedPtr<Application> Runner::running(const SharedPtr<ApplicationContext>& cont
     QString reason = application ? application->endText() : Inspector::noApplicationText;
     if (reason.isEmpty())
         reason = QStringLiteral("The application '%1' has ended").arg(application->name);
-    Inspector::self()->setLastError(reason);
+    Inspector::self()->keep(Failure{FailureKind::Ended, reason});
     return {};
 }
 
@@ -177,11 +177,7 @@ QString Runner::environmentVariable(SharedPtr<ApplicationContext> context, const
     const SharedPtr<Application> application = m_applications.checked(context);
     if (!application)
         return {};
-    QString error;
-    const QString value = application->model().environmentVariable(name, &error);
-    if (!error.isEmpty())
-        Inspector::self()->setLastError(error);
-    return value;
+    return Inspector::self()->take(application->model().environmentVariable(name));
 }
 
 QString Runner::currentDirectory(SharedPtr<ApplicationContext> context) {
@@ -208,9 +204,8 @@ bool Runner::isFrozen(SharedPtr<ApplicationContext> context, int timeoutSeconds)
         return false;
     const auto milliseconds = static_cast<int>(
         std::clamp<qint64>(timeoutSeconds * 1000LL, 0, std::numeric_limits<int>::max()));
-    RequestError error;
-    return !application->connection().ping(milliseconds, &error) &&
-           error.kind == RequestError::Kind::TimedOut;
+    const Outcome<> answer = application->connection().ping(milliseconds);
+    return !answer && answer.error().kind == FailureKind::TimedOut;
 }
 
 int Runner::pid(SharedPtr<ApplicationContext> context) {
@@ -241,7 +236,7 @@ QString Runner::osName(SharedPtr<ApplicationContext> context) {
 
 bool Runner::isTypeKnownInContext(const QString& typeName, int contextId) {
     const SharedPtr<Application> application = m_applications.find(contextId);
-    return application && application->model().classByName(typeName);
+    return application && Inspector::self()->take(application->model().classByName(typeName));
 }
 
 }  // namespace Tamrix

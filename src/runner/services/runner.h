@@ -156,19 +156,19 @@ private:
     /// error set.
     SharedPtr<Application> running(const SharedPtr<ApplicationContext>& context);
 
-    /// One look for an object. False when the application gave no answer in time or refused.
-    using Look = std::function<bool(RemoteModel& model, bool isLastLook, LookUpAnswer* answer,
-                                    RequestError* error, int lookTimeout)>;
+    /// One look for an object. Fails when the application gave no answer in time or refused.
+    using Look =
+        std::function<Outcome<LookUpAnswer>(RemoteModel& model, bool isLastLook, int lookTimeout)>;
 
-    static SharedPtr<Object> failedLookup(const QString& text);
     /// `what` names the object in messages.
-    SharedPtr<Object> waitUntilFound(const SharedPtr<Application>& application, const QString& what,
-                                     Wire::Wanted wanted, int timeout, const Look& look);
+    Outcome<SharedPtr<Object>> waitUntilFound(const SharedPtr<Application>& application,
+                                              const QString& what, Wire::Wanted wanted, int timeout,
+                                              const Look& look);
     SharedPtr<Object> waitForName(const QString& name, Wire::Wanted wanted, int timeout);
-    /// The model of the object's application, of the current one for null; null with `*error` set
-    /// when there is none or it ended.
-    RemoteModel* modelOf(const SharedPtr<Object>& object, QString* error);
-    std::vector<std::pair<QString, SharedPtr<Object>>> components(int remoteId);
+    /// The model of the object's application, of the current one for null; a failure when there is
+    /// none or it ended.
+    Outcome<RemoteModel*> modelOf(const SharedPtr<Object>& object);
+    PropertyList components(int remoteId);
     QString readOutput(const SharedPtr<ApplicationContext>& context,
                        QByteArray (ChildOutput::*stream)() const, bool* available);
     /// Takes what has come from applications, runs the handlers of events, and lets the debugger

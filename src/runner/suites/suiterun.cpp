@@ -16,7 +16,6 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
-#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
@@ -41,13 +40,11 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
 /// The desktop as the current application sees it; a null one when it does not answer.
 Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
-    RequestError ignored;
-    if (!application || !application->connection().ping(pingTimeout, &ignored))
+    if (!application || !application->connection().ping(pingTimeout))
         return {};
-    QString error;
-    const QVariant picture =
-        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
-    return Screenshot::fromVariant(picture);
+    const Outcome<QVariant> picture =
+        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+    return picture ? Screenshot::fromVariant(*picture) : Screenshot();
 }
 
 /// Where pictures that go with results are kept: where attachments of the case are, too. Without an
@@ -93,9 +90,9 @@ Outcome<> SuiteRun::prepare() {
 Outcome<> SuiteRun::loadObjectMap() {
     const QString path = m_runner.objectMapPath();
     ObjectMap::self()->clear();
-    if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
+    if (!QFileInfo::exists(path))
         return {};
-    return fail(FailureKind::Failed, Inspector::self()->lastError());
+    return ObjectMap::self()->load(path);
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
