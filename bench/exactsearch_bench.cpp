@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "desktoppicture.h"
-#include "vision/basicimagelookup.h"
+#include "vision/search/basicimagelookup.h"
 
 using Tamrix::Vision::SearchMethod;
 using Tamrix::Vision::SearchRegion;

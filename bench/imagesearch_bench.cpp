@@ -19,8 +19,8 @@
 #include <vector>
 
 #include "desktoppicture.h"
-#include "vision/basicimagelookup.h"
-#include "vision/imagelookup.h"
+#include "vision/search/basicimagelookup.h"
+#include "vision/search/imagelookup.h"
 #ifdef TAMRIX_HAVE_OPENCV
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

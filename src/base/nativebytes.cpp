@@ -2,6 +2,8 @@
 
 #include <QTextCodec>
 
+#include "base/utf8.h"
+
 namespace Tamrix {
 
 namespace {
@@ -18,22 +20,6 @@ QTextCodec* utf8() {
 /// UTF-8 as it stands: no byte order mark is taken off or put in front.
 QTextCodec::ConverterState plainState() {
     return QTextCodec::ConverterState(QTextCodec::IgnoreHeader);
-}
-
-/// The number of bytes of the character at the start, 0 when there is no whole one.
-int characterSize(const char* bytes, int size) {
-    const auto first = static_cast<uchar>(*bytes);
-    const int wanted = first < 0x80   ? 1
-                       : first < 0xc2 ? 0
-                       : first < 0xe0 ? 2
-                       : first < 0xf0 ? 3
-                       : first < 0xf5 ? 4
-                                      : 0;
-    if (wanted == 0 || wanted > size)
-        return 0;
-    QTextCodec::ConverterState state = plainState();
-    utf8()->toUnicode(bytes, wanted, &state);
-    return state.invalidChars == 0 && state.remainingChars == 0 ? wanted : 0;
 }
 
 bool isByte(QChar unit) {
@@ -55,7 +41,7 @@ QString decode(const char* bytes, int size) {
         text += utf8()->toUnicode(bytes + start, end - start, &part);
     };
     for (int position = 0; position < size;) {
-        const int length = characterSize(bytes + position, size - position);
+        const int length = utf8CharacterLength(bytes + position, bytes + size);
         if (length > 0) {
             position += length;
             continue;

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/xmldepth.h"
+#include "base/utf8.h"
 
 namespace Tamrix {
 

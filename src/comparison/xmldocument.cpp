@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "base/keptwhitespace.h"
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
+#include "base/utf8.h"
 
 namespace Tamrix {
 
@@ -34,9 +35,9 @@ bool parseXmlDocument(const QByteArray& bytes, TiXmlDocument* document, QString*
         return false;
     };
     const QByteArray text = asUtf8(bytes);
-    const XmlDepth depth = xmlDepth(text);
-    if (!depth.problem.isEmpty())
-        return fail(depth.problem, depth.row);
+    const TinyXmlCheck check = checkForTinyXml(text);
+    if (!check.problem.isEmpty())
+        return fail(check.problem, check.row);
 
     const KeptWhiteSpace keptWhiteSpace;
     const char* const rest = document->Parse(text.constData(), nullptr, TIXML_ENCODING_UTF8);

@@ -4,6 +4,7 @@
 
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
+#include "platform/testresult/testresult.h"
 #include "runner/suites/suitefolder.h"
 #include "support/printqt.h"
 
@@ -36,6 +37,26 @@ TEST(Isolation, TheSecondCaseFindsNoTraceOfTheFirst) {
     EXPECT_EQ(shape,
               QStringList({"suiteStart", "caseStart", "sectionStart", "sectionEnd", "caseEnd",
                            "caseStart", "output", "output", "caseEnd", "suiteEnd"}));
+}
+
+TEST(Isolation, EachCaseStartsWithTheSettingsOfTheSuite) {
+    const QTemporaryDir results;
+    RunnerProcess runner;
+    runner.run({"run", TAMRIX_TEST_SOURCE_DIR "/tests/e2e/suites/settings", "--report",
+                "json:" + results.filePath("journal.jsonl")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.output());
+    QStringList told;
+    for (const Json::Value& entry : Tamrix::Test::readJournal(results.filePath("journal.jsonl"))) {
+        if (entry["kind"] == "result" && entry["type"].asInt() != TestResult::Pass)
+            told.append(QString::fromStdString(entry["message"].asString()));
+    }
+    const QStringList warnings{
+        "Unexpected boolean value for TestSettings property 'logScreenshotOnPass'. 'on' was "
+        "evaluated to 'false'.",
+        "TestSettings property 'waitForever' in config.xml could not be found."};
+    const QStringList first{"this failure is wanted", "and throws"};
+    const QStringList second{"this failure is wanted, too", "and does not throw"};
+    EXPECT_EQ(told, warnings + first + warnings + second);
 }
 
 TEST(Isolation, AForkedChildDoesNotRunTheRestOfTheSuite) {

@@ -14,7 +14,7 @@
 
 #include "fuzz/fuzztarget.h"
 #include "fuzz/quietqt.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 using Tamrix::Screenshot;
 

@@ -9,8 +9,8 @@
 #include <stdexcept>
 
 #include "fuzz/fuzztarget.h"
-#include "vision/imagelookupoptions.h"
-#include "vision/searchregion.h"
+#include "vision/search/imagelookupoptions.h"
+#include "vision/search/searchregion.h"
 
 using Tamrix::Vision::ImageLookupOptions;
 using Tamrix::Vision::SearchRegion;

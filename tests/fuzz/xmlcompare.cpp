@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 #include "comparison/xmldocument.h"
 #include "fuzz/compareinput.h"
 #include "fuzz/fuzztarget.h"
@@ -39,11 +39,11 @@ int depthOf(const TiXmlDocument& document) {
 }
 
 void checkDepth(const QByteArray& bytes) {
-    const Tamrix::XmlDepth depth = Tamrix::xmlDepth(bytes);
+    const Tamrix::TinyXmlCheck check = Tamrix::checkForTinyXml(bytes);
     TiXmlDocument document;
     QString error;
-    if (depth.problem.isEmpty() && Tamrix::parseXmlDocument(bytes, &document, &error))
-        fuzzRequire(depthOf(document) == depth.depth, "the depth is the one that the parser makes");
+    if (check.problem.isEmpty() && Tamrix::parseXmlDocument(bytes, &document, &error))
+        fuzzRequire(depthOf(document) == check.depth, "the depth is the one that the parser makes");
 }
 
 bool isSame(const QByteArray& a, const QByteArray& b, const XmlCompareOptions& options) {

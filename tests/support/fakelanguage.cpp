@@ -187,6 +187,11 @@ void FakeInterpreter::addNativeFunction(const QString& name, bool (*)(ScriptCont
         name + "(" + requiredParameters.join(", ") + "; " + optionalParameters.join(", ") + ")\n";
 }
 
+void FakeInterpreter::addNativeType(const QString& name, void* typeId,
+                                    const NativeScriptType& type) {
+    nativeClasses.push_back({name, typeId, type});
+}
+
 QString FakeInterpreter::addToSearchPath(const QFileInfo& directory) {
     searchPath.append(directory.filePath());
     return directory.fileName() == "refused" ? QString("it is refused") : QString();

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <variant>
+#include <vector>
 
 #include "base/export.h"
 #include "interpreter/bridge/debugger.h"
@@ -176,6 +177,12 @@ public:
 
     QStringList searchPath;
     QString nativeFunctions;
+    struct NativeClass {
+        QString name;
+        void* typeId;
+        NativeScriptType type;
+    };
+    std::vector<NativeClass> nativeClasses;
 
     bool evaluate(const QString& text, const QString& fileName, int line, int column) override;
     bool callFunction(const QString& name, const ObjectList& arguments) override;
@@ -185,7 +192,7 @@ public:
                            const QStringList& requiredParameters,
                            const QStringList& optionalParameters,
                            const QString& description) override;
-    void addNativeType(const QString&, void*, const NativeScriptType&) override {}
+    void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     void initTestFunctions(TestResult*) override { s_calls.append("initTestFunctions"); }
     void initUtilFunctions() override { s_calls.append("initUtilFunctions"); }
     QString addToSearchPath(const QFileInfo& directory) override;

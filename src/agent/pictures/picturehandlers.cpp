@@ -12,7 +12,7 @@
 #include "agent/input/windowstack.h"
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix::Agent {
 

@@ -3,6 +3,7 @@
 
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/applicationfunctions.h"
 #include "interpreter/generic/comparisonfunctions.h"
 #include "interpreter/generic/inputfunctions.h"
@@ -295,6 +296,13 @@ void addNative(Interpreter* interpreter, const NativeRow& row) {
                                        parameters(row.optional), row.description);
 }
 
+/// Registers a native class under a name that the debugger's views of variables leave out.
+template <typename NativeClass>
+void addNativeClass(Interpreter* interpreter, const QString& name) {
+    interpreter->addNativeType(name, NativeClass::staticTypeId(), NativeClass::type());
+    interpreter->addSelfDefinedVariableName(name);
+}
+
 }  // namespace
 
 void ScriptContext::initFunctions() {
@@ -320,8 +328,10 @@ void ScriptContext::initFunctions() {
 void Interpreter::initNativeAPI() {
     for (const NativeRow& row : nativeFunctions)
         addNative(this, row);
-    // Native classes stand here; "testSettings" is hidden from the debugger's view.
-    addSelfDefinedVariableName("testSettings");
+    addNativeClass<TestSettingsType>(this, "testSettings");
+    // What testSettings holds; scripts get the objects from it.
+    addNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
+    addNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");
     addNative(this, grabDesktopScreenshotRow);
 }
 

@@ -1,6 +1,7 @@
 #include "plugins/python/nativeclasses.h"
 
 #include <QMap>
+#include <algorithm>
 
 #include "plugins/python/conversion.h"
 #include "plugins/python/nativefunction.h"
@@ -39,10 +40,39 @@ PyRef bound(const PyRef& function) {
     return checked(PyInstanceMethod_New(function.get()));
 }
 
+/// Setting an attribute of a class object. The classes that the test system defines itself take
+/// nothing but their properties: a slip in a name is no new attribute.
+int setClassAttribute(PyObject* pythonClass, PyObject* name, PyObject* value) {
+    const auto all = classes();
+    const bool isOwn = std::any_of(all.cbegin(), all.cend(), [&](const NativeClass& entry) {
+        return entry.pythonClass.get() == pythonClass;
+    });
+    if (isOwn && !PyObject_HasAttr(reinterpret_cast<PyObject*>(Py_TYPE(pythonClass)), name)) {
+        PyErr_Format(PyExc_AttributeError, "%s has no property '%U'",
+                     reinterpret_cast<PyTypeObject*>(pythonClass)->tp_name, name);
+        return -1;
+    }
+    return PyType_Type.tp_setattro(pythonClass, name, value);
+}
+
+/// The class of the class objects, base of those that have static properties.
+PyObject* baseMetaclass() {
+    static PyObject* const metaclass = [] {
+        PyType_Slot slots[] = {{Py_tp_setattro, reinterpret_cast<void*>(setClassAttribute)},
+                               {0, nullptr}};
+        PyType_Spec definition{"tamrix.NativeClass", 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE,
+                               slots};
+        return PyType_FromSpecWithBases(&definition, reinterpret_cast<PyObject*>(&PyType_Type));
+    }();
+    return metaclass;
+}
+
 /// The class's attributes: constructor, methods, static methods, properties.
 PyRef classNamespace(const QString& name, const NativeScriptType& type) {
     const PyRef attributes = checked(PyDict_New());
     setItem(attributes, "__module__", toPyString("tamrix"));
+    // Objects of the class have its properties and no others.
+    setItem(attributes, "__slots__", PyRef::steal(PyTuple_New(0)));
     setItem(attributes, "__new__", makeConstructor({name, {}, {}, {}, {}}, type.constructor()));
     const auto methods = type.methods();
     for (auto it = methods.cbegin(); it != methods.cend(); ++it)
@@ -67,7 +97,7 @@ PyRef classNamespace(const QString& name, const NativeScriptType& type) {
 }
 
 /// The class of the class: static properties are properties of the class object.
-PyRef makeMetaclass(const QString& name, const NativeScriptType& type, PyObject* baseMetaclass) {
+PyRef makeMetaclass(const QString& name, const NativeScriptType& type, PyTypeObject* base) {
     const PyRef attributes = checked(PyDict_New());
     setItem(attributes, "__module__", toPyString("tamrix"));
     const auto properties = type.staticProperties();
@@ -78,8 +108,11 @@ PyRef makeMetaclass(const QString& name, const NativeScriptType& type, PyObject*
                              it->setter ? makeStaticAccessor(signature, it->setter) : PyRef()));
     }
     const PyRef metaName = checked(toPyString(name + "Type").release());
+    const PyRef metaBase = checked(
+        PyRef::borrow(base == &PyType_Type ? baseMetaclass() : reinterpret_cast<PyObject*>(base))
+            .release());
     return checked(PyObject_CallFunction(reinterpret_cast<PyObject*>(&PyType_Type), "O(O)O",
-                                         metaName.get(), baseMetaclass, attributes.get()));
+                                         metaName.get(), metaBase.get(), attributes.get()));
 }
 
 /// The Python class of the type, or of the next base type that has one.
@@ -111,8 +144,7 @@ PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType&
         entry.super = type.super();
         auto* const base = reinterpret_cast<PyObject*>(type.super() ? pythonClassOf(type.super())
                                                                     : NativeHolder::type);
-        const PyRef metaclass =
-            makeMetaclass(name, type, reinterpret_cast<PyObject*>(Py_TYPE(base)));
+        const PyRef metaclass = makeMetaclass(name, type, Py_TYPE(base));
         const PyRef attributes = classNamespace(name, type);
         const PyRef pyName = checked(toPyString(name).release());
         entry.pythonClass = checked(

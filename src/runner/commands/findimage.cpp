@@ -21,9 +21,9 @@
 #include "runner/commands/command.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/correlation.h"
-#include "vision/imagelookup.h"
-#include "vision/parallel.h"
+#include "vision/search/correlationscore.h"
+#include "vision/search/imagelookup.h"
+#include "vision/search/parallel.h"
 
 namespace Tamrix {
 

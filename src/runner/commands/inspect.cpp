@@ -12,7 +12,7 @@
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
 #include "shared/uiabstraction/xmlexporter.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "runner/applications/application.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 

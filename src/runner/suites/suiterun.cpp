@@ -13,7 +13,6 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/objectmap.h"
@@ -22,7 +21,8 @@
 #include "runner/processes/interrupt.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
-#include "vision/screenshot.h"
+#include "runner/suites/runsettings.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 
@@ -81,9 +81,6 @@ SuiteRun::~SuiteRun() {
 Outcome<> SuiteRun::prepare() {
     if (const Outcome<> loaded = loadObjectMap(); !loaded)
         return loaded;
-    // A failure shows the moment in which it happened unless the script asks otherwise.
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
-    TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnError, true);
     return m_runner.applications().useDisplay(m_options.display);
 }
 
@@ -136,6 +133,7 @@ void SuiteRun::noteEnvironment() {
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.setTestCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
+    startRunSettings(m_suite.config, &m_result);
     m_failureMoment.reset();
     if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
@@ -143,7 +141,6 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
     }
     {
         const ProcessState stateBeforeCase;
-        const TestSettingsGuard settingsBeforeCase;
         if (QDir::setCurrent(testCase.directory)) {
             runScript(testCase);
         } else {

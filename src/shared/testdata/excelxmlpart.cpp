@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 
 namespace Tamrix {
 
@@ -236,11 +236,11 @@ void ExcelXmlPart::forEach(const Path& path,
         if (std::count(element.begin(), element.end(), '<') > maxElementTags)
             failAt(text, begin, limitText("an element holds more than", maxElementTags, "tags"));
         const QByteArray copy(element.data(), static_cast<int>(element.size()));
-        const XmlDepth depth = xmlDepth(copy);
-        if (!depth.problem.isEmpty())
-            failAt(text, begin, depth.problem.toStdString());
+        const TinyXmlCheck check = checkForTinyXml(copy);
+        if (!check.problem.isEmpty())
+            failAt(text, begin, check.problem.toStdString());
         TiXmlDocument tree;
-        tree.Parse(withBlankTexts(copy, depth).constData(), nullptr, TIXML_ENCODING_UTF8);
+        tree.Parse(withBlankTexts(copy, check).constData(), nullptr, TIXML_ENCODING_UTF8);
         if (tree.Error() || !tree.RootElement())
             failAt(text, begin, tree.ErrorDesc());
         removePrefix(tree.RootElement(), std::string(prefix));

@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "base/keptwhitespace.h"
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 #include "shared/testdata/tablerange.h"
 
 namespace Tamrix {
@@ -48,11 +48,11 @@ bool XmlTableRange::loadContentFromXml(const std::string& xml) {
     const KeptWhiteSpace kept;
     // 2. the document is parsed,
     const QByteArray bytes = QByteArray::fromStdString(xml);
-    const XmlDepth depth = xmlDepth(bytes);
-    if (!depth.problem.isEmpty())
-        return failAt(depth.row, 1, depth.problem.toStdString());
+    const TinyXmlCheck check = checkForTinyXml(bytes);
+    if (!check.problem.isEmpty())
+        return failAt(check.row, 1, check.problem.toStdString());
     TiXmlDocument document;
-    document.Parse(withBlankTexts(bytes, depth).constData(), nullptr, TIXML_ENCODING_UTF8);
+    document.Parse(withBlankTexts(bytes, check).constData(), nullptr, TIXML_ENCODING_UTF8);
     if (document.Error())
         return failAt(document.ErrorRow(), document.ErrorCol(), document.ErrorDesc());
     // 3. in which the first row tells the number of columns.

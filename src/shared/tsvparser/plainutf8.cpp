@@ -3,38 +3,22 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/utf8.h"
+
 namespace Tamrix {
 
 namespace {
 
-/// The length of the sequence at the beginning, which is not ASCII; 0 when it is wrong.
-std::size_t sequenceLength(const unsigned char* at, std::size_t left) {
-    struct Form {
-        unsigned char mask;
-        unsigned char lead;
-        std::size_t length;
-        std::uint32_t smallest;
-    };
-    static constexpr Form forms[] = {
-        {0xe0, 0xc0, 2, 0x80}, {0xf0, 0xe0, 3, 0x800}, {0xf8, 0xf0, 4, 0x10000}};
-    constexpr std::uint32_t byteOrderMark = 0xfeff;
-    for (const Form& form : forms) {
-        if ((at[0] & form.mask) != form.lead)
-            continue;
-        if (left < form.length)
-            return 0;
-        std::uint32_t point = at[0] & static_cast<unsigned char>(~form.mask);
-        for (std::size_t i = 1; i < form.length; ++i) {
-            if ((at[i] & 0xc0) != 0x80)
-                return 0;
-            point = point << 6 | (at[i] & 0x3f);
-        }
-        const bool isSurrogate = point >= 0xd800 && point <= 0xdfff;
-        const bool isGood =
-            point >= form.smallest && point <= 0x10ffff && !isSurrogate && point != byteOrderMark;
-        return isGood ? form.length : 0;
-    }
-    return 0;
+bool isByteOrderMark(const unsigned char* at) {
+    return at[0] == 0xef && at[1] == 0xbb && at[2] == 0xbf;
+}
+
+/// The length of the sequence at the beginning, which is not ASCII; 0 when it is wrong or a
+/// byte-order mark.
+int sequenceLength(const unsigned char* at, std::size_t left) {
+    const char* const bytes = reinterpret_cast<const char*>(at);
+    const int length = utf8CharacterLength(bytes, bytes + left);
+    return length == 3 && isByteOrderMark(at) ? 0 : length;
 }
 
 }  // namespace
@@ -56,10 +40,10 @@ bool isPlainUtf8(const char* bytes, std::size_t size) {
         while (at < size && text[at] < 0x80)
             ++at;
         while (at < size && text[at] >= 0x80) {
-            const std::size_t length = sequenceLength(text + at, size - at);
+            const int length = sequenceLength(text + at, size - at);
             if (length == 0)
                 return false;
-            at += length;
+            at += static_cast<std::size_t>(length);
         }
     }
     return true;

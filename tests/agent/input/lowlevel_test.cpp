@@ -7,7 +7,7 @@
 
 #include "agent/input/inputtest.h"
 #include "support/printqt.h"
-#include "vision/screenshot.h"
+#include "vision/screenshot/screenshot.h"
 
 namespace Tamrix {
 namespace {

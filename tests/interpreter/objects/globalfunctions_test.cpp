@@ -22,8 +22,10 @@ protected:
     /// The actions of the results, each on a line: function, arguments, "failed".
     QString takeActions() {
         QStringList lines;
-        for (const ReportEntry& entry : report.entries)
-            lines += QStringList{entry.message, entry.detail, entry.extra}.join('|');
+        for (const ActionEnded& action : report.all<ActionEnded>())
+            lines += QStringList{action.function, action.arguments,
+                                 action.hasFailed ? QStringLiteral("failed") : QString()}
+                         .join('|');
         report.entries.clear();
         return lines.join('\n');
     }

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "base/xmldepth.h"
+#include "base/tinyxmlguard.h"
 #include "platform/spreadsheet/workbookbuilder.h"
 #include "shared/testdata/excelarchive.h"
 #include "shared/testdata/excelxmlpart.h"

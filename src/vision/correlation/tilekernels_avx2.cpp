@@ -1,1 +1,0 @@
-#include "vision/correlation/tilekernelsimpl.h"  // compiled with AVX2 and FMA

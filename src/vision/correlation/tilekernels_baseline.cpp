@@ -1,1 +1,0 @@
-#include "vision/correlation/tilekernelsimpl.h"  // for plain x86-64

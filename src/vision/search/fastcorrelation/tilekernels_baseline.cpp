@@ -1,0 +1,1 @@
+#include "vision/search/fastcorrelation/tilekernelsimpl.h"  // for plain x86-64
