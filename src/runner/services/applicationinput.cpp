@@ -1,18 +1,12 @@
-// The operations of Runner on the objects of the current application, and its input.
+#include "runner/services/applicationinput.h"
 
-#include <exception>
-
-#include "interpreter/bridge/debugger.h"
-#include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
-#include "runner/services/runner.h"
 
 namespace Tamrix {
 
-Outcome<RemoteModel*> Runner::modelOf(const SharedPtr<Object>& object) {
-    const SharedPtr<Application> application = m_applications.owner(object);
+Outcome<RemoteModel*> ApplicationInput::modelOf(const SharedPtr<Object>& object) {
+    const SharedPtr<Application> application = m_state.applications.owner(object);
     if (!application)
         return Inspector::noApplication();
     const QString end = application->endText();
@@ -21,13 +15,13 @@ Outcome<RemoteModel*> Runner::modelOf(const SharedPtr<Object>& object) {
     return &application->model();
 }
 
-bool Runner::keyEvent(const QString& key, bool press) {
+bool ApplicationInput::keyEvent(const QString& key, bool press) {
     const Outcome<RemoteModel*> model = modelOf({});
     return Inspector::self()->take(model ? (*model)->keyEvent(key, press) : fail(model.error()));
 }
 
-bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
-                        bool buttonChange, bool press) {
+bool ApplicationInput::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button,
+                                  int modifiers, bool buttonChange, bool press) {
     Wire::MouseEvent event;
     event.mask = mask;
     event.x = x;
@@ -41,7 +35,7 @@ bool Runner::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int bu
                                          : fail(model.error()));
 }
 
-QString Runner::highlightObject(SharedPtr<Object> object, int milliseconds) {
+QString ApplicationInput::highlightObject(SharedPtr<Object> object, int milliseconds) {
     const Outcome<RemoteModel*> model = modelOf(object);
     if (!model)
         return model.error().text;
@@ -49,17 +43,17 @@ QString Runner::highlightObject(SharedPtr<Object> object, int milliseconds) {
     return outcome ? QString() : outcome.error().text;
 }
 
-void Runner::stopHighlight() {
+void ApplicationInput::stopHighlight() {
     const Outcome<RemoteModel*> model = modelOf({});
     Inspector::self()->take(model ? (*model)->stopHighlight() : fail(model.error()));
 }
 
-SharedPtr<Object> Runner::objectGlobalBounds(SharedPtr<Object> object) {
+SharedPtr<Object> ApplicationInput::objectGlobalBounds(SharedPtr<Object> object) {
     const Outcome<RemoteModel*> model = modelOf(object);
     return Inspector::self()->take(model ? (*model)->globalBounds(object) : fail(model.error()));
 }
 
-FunctionCallResult<QSharedPointer<BackgroundTask>> Runner::startVideoCapture(
+FunctionCallResult<QSharedPointer<BackgroundTask>> ApplicationInput::startVideoCapture(
     SharedPtr<ApplicationContext>, QIODevice*) {
     return FunctionCallResult<QSharedPointer<BackgroundTask>>::error(
         QStringLiteral("Videos can't be captured"));
@@ -67,7 +61,7 @@ FunctionCallResult<QSharedPointer<BackgroundTask>> Runner::startVideoCapture(
 
 // Variable views of the debugger.
 
-PropertyList Runner::components(int remoteId) {
+PropertyList ApplicationInput::components(int remoteId) {
     const auto read = [&]() -> Outcome<PropertyList> {
         const Outcome<RemoteModel*> model = modelOf({});
         if (!model)
@@ -80,11 +74,11 @@ PropertyList Runner::components(int remoteId) {
     return Inspector::self()->take(read());
 }
 
-bool Runner::objectHasComponents(int remoteId) {
+bool ApplicationInput::objectHasComponents(int remoteId) {
     return !components(remoteId).empty();
 }
 
-QStringList Runner::fetchObjectComponents(int remoteId) {
+QStringList ApplicationInput::fetchObjectComponents(int remoteId) {
     QStringList lines;
     for (const auto& [name, value] : components(remoteId)) {
         if (!value)
@@ -95,42 +89,6 @@ QStringList Runner::fetchObjectComponents(int remoteId) {
                               known.isValid() ? known.toString() : value->objectName()));
     }
     return lines;
-}
-
-void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
-    // The script stops only where the test and a front end both want it; else it fails at once.
-    Debugger* const debugger = Debugger::self();
-    if (debugger && debugger->objectNotFoundDebugging() &&
-        TestSettingsType::s_objectNotFoundDebugging)
-        debugger->stopWithObjectName(name, *error);
-}
-
-// One call of the script at a time holds the object model.
-
-bool Runner::acquireRemoteObjectModel() {
-    if (m_callDepth++ > 0)
-        return true;
-    m_applications.startCall();
-    noteCall();
-    return true;
-}
-
-void Runner::releaseRemoteObjectModel() {
-    if (--m_callDepth > 0)
-        return;
-    // The call that started the first application was not noted before.
-    const bool isUnwinding = std::uncaught_exceptions() != 0;
-    if (!m_lastCall.isValid() && !isUnwinding)
-        noteCall();
-    // No handler runs beside an exception that is on its way.
-    if (!isUnwinding)
-        work();
-}
-
-void Runner::noteCall() {
-    const ScriptContext* const context = ScriptContext::current();
-    if (context && m_applications.programs().isAnyRunning())
-        m_lastCall = context->lineInfoForResult();
 }
 
 }  // namespace Tamrix

@@ -1,4 +1,4 @@
-// The waits of Runner for objects: first a look at once, then one every 50 ms.
+#include "runner/services/objectwaits.h"
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -7,7 +7,6 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
-#include "runner/services/runner.h"
 
 namespace Tamrix {
 
@@ -53,9 +52,9 @@ private:
 
 }  // namespace
 
-Outcome<SharedPtr<Object>> Runner::waitUntilFound(const SharedPtr<Application>& application,
-                                                  const QString& what, Wire::Wanted wanted,
-                                                  int timeout, const Look& look) {
+Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Application>& application,
+                                                       const QString& what, Wire::Wanted wanted,
+                                                       int timeout, const Look& look) {
     if (!application)
         return Inspector::noApplication();
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
@@ -95,18 +94,18 @@ Outcome<SharedPtr<Object>> Runner::waitUntilFound(const SharedPtr<Application>& 
         if (isLastLook)
             continue;
         // 4. What has come meanwhile, and a pause.
-        work();
-        if (m_applications.isInterrupted()) {
+        m_state.background.work();
+        if (m_state.applications.isInterrupted()) {
             return fail(
                 FailureKind::Failed,
                 QStringLiteral("the run was interrupted while %1 was waited for").arg(what));
         }
-        m_applications.waitForNews(
+        m_state.applications.waitForNews(
             static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 0, lookInterval)));
     }
 }
 
-SharedPtr<Object> Runner::waitForName(const QString& name, Wire::Wanted wanted, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForName(const QString& name, Wire::Wanted wanted, int timeout) {
     const ObjectName objectName = ObjectMap::self()->objectName(name);
     if (!objectName.isValid())
         return {};
@@ -114,43 +113,45 @@ SharedPtr<Object> Runner::waitForName(const QString& name, Wire::Wanted wanted, 
         return model.lookUp(objectName, wanted, isLastLook, lookTimeout);
     };
     return handedOver(
-        waitUntilFound(m_applications.current(), QStringLiteral("Object '%1'").arg(name), wanted,
-                       timeout, look),
+        waitUntilFound(m_state.applications.current(), QStringLiteral("Object '%1'").arg(name),
+                       wanted, timeout, look),
         name);
 }
 
-SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool ready, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectByName(const QString& realName, bool ready,
+                                                   int timeout) {
     return waitForName(realName, ready ? Wire::Wanted::Readiness : Wire::Wanted::Reach, timeout);
 }
 
-SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectExists(const QString& realName, bool, int timeout) {
     return waitForName(realName, Wire::Wanted::Existence, timeout);
 }
 
-SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObject(SharedPtr<Object> object, bool, int timeout) {
     const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
         return model.lookUp(object, Wire::Wanted::Readiness, lookTimeout);
     };
-    return handedOver(waitUntilFound(m_applications.owner(object), QStringLiteral("The object"),
-                                     Wire::Wanted::Readiness, timeout, look),
-                      object ? object->foundAs() : QString());
+    return handedOver(
+        waitUntilFound(m_state.applications.owner(object), QStringLiteral("The object"),
+                       Wire::Wanted::Readiness, timeout, look),
+        object ? object->foundAs() : QString());
 }
 
-SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
-                                            int column, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectItem(SharedPtr<Object> object, const QString& item,
+                                                 int row, int column, int timeout) {
     const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
                                              .arg(QString::number(row), QString::number(column))
                                        : QStringLiteral("Item '%1'").arg(item);
     const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
         return model.findItem(object, item, row, column, true, lookTimeout);
     };
-    return handedOver(
-        waitUntilFound(m_applications.owner(object), what, Wire::Wanted::Readiness, timeout, look),
-        what);
+    return handedOver(waitUntilFound(m_state.applications.owner(object), what,
+                                     Wire::Wanted::Readiness, timeout, look),
+                      what);
 }
 
-SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QString& realName,
-                                            const ObjectName& properties, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                                 const ObjectName& properties, int timeout) {
     const ObjectName name = object ? ObjectName() : ObjectMap::self()->objectName(realName);
     if (!object && !name.isValid())
         return {};
@@ -163,7 +164,7 @@ SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QStr
         return answer;
     };
     return Inspector::self()->take(
-        waitUntilFound(object ? m_applications.owner(object) : m_applications.current(),
+        waitUntilFound(object ? m_state.applications.owner(object) : m_state.applications.current(),
                        object ? QStringLiteral("The %1").arg(object->className())
                               : QStringLiteral("Object '%1'").arg(realName),
                        Wire::Wanted::Readiness, timeout, look));

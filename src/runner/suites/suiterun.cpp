@@ -64,11 +64,11 @@ QString screenshotDirectory(RunnerInterface* runner) {
 
 SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
     : m_suite(suite), m_options(options), m_result(report) {
-    m_runner.setSuite(suite.name);
-    m_runner.setResultDirectory(options.resultDirectory);
-    m_runner.setTestResult(&m_result);
+    m_runner.facts.suiteName = suite.name;
+    m_runner.facts.resultDirectory = options.resultDirectory;
+    m_runner.facts.testResult = &m_result;
+    m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
-    m_runner.setPlaces({suite.directory, suite.config.fileName, suite.config.applications});
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
          [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
@@ -81,7 +81,7 @@ SuiteRun::~SuiteRun() {
 Outcome<> SuiteRun::prepare() {
     if (const Outcome<> loaded = loadObjectMap(); !loaded)
         return loaded;
-    return m_runner.applications().useDisplay(m_options.display);
+    return m_runner.applications.useDisplay(m_options.display);
 }
 
 Outcome<> SuiteRun::loadObjectMap() {
@@ -123,7 +123,7 @@ void SuiteRun::noteEnvironment() {
             .arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion(),
                  QSysInfo::currentCpuArchitecture()));
     m_result.addEnvironment(QStringLiteral("Host"), QSysInfo::machineHostName());
-    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications().display());
+    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications.display());
     m_result.addEnvironment(QStringLiteral("Command"),
                             quotedShellWords(QCoreApplication::arguments()));
     m_result.addEnvironment(QStringLiteral("Script arguments"),
@@ -131,7 +131,7 @@ void SuiteRun::noteEnvironment() {
 }
 
 void SuiteRun::runCase(const SuiteCase& testCase) {
-    m_runner.setTestCase(testCase.name, testCase.script);
+    m_runner.startCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
     startRunSettings(m_suite.config, &m_result);
     m_failureMoment.reset();
@@ -190,7 +190,7 @@ void SuiteRun::keepFailureMoment(const QString& folder) {
 }
 
 void SuiteRun::endApplications() {
-    Applications& applications = m_runner.applications();
+    Applications& applications = m_runner.applications;
     applications.work();
     m_runner.reportUnexpectedEnds();
     const SharedPtr<Application> current = applications.current();
