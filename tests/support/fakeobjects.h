@@ -1,88 +1,77 @@
 #pragma once
 
-#include "platform/objectmodel/inspector.h"
-#include "support/fakecalls.h"
+#include "interpreter/objects/globalfunctions.h"
+#include "interpreter/objects/members.h"
+#include "interpreter/objects/objectidentity.h"
+#include "support/fakelanguage.h"
 
 namespace Tamrix::Test {
 
-/// Waits that end at once and input that goes nowhere; both fail by default, with the text in
-/// lookupError as the inspector's error.
-class FakeObjects : public virtual FakeCalls {
-public:
-    /// What all waits for objects give.
-    SharedPtr<Object> found;
-    QString lookupError = "it is not there";
-    /// What waitForObjectByName() gives instead when it is set.
-    SharedPtr<Object> foundByName;
-    bool takesInput = false;
-    QString highlightError;
-    SharedPtr<Object> bounds;
+// What scripts of the fake language do with objects. Each gives the value as text, or the error as
+// "KIND: text", which stands for an exception of a language.
 
-    SharedPtr<Object> waitForObjectByName(const QString& realName, bool, int timeout) override {
-        const SharedPtr<Object> object = lookUp("wait for " + realName, timeout);
-        return foundByName ? foundByName : object;
-    }
-    SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool, int timeout) override {
-        return lookUp("wait for object " + object->realName(), timeout);
-    }
-    SharedPtr<Object> waitForObjectExists(const QString& realName, bool, int timeout) override {
-        return lookUp("wait until exists " + realName, timeout);
-    }
-    SharedPtr<Object> waitForObjectItem(SharedPtr<Object>, const QString& item, int row, int column,
-                                        int timeout) override {
-        return lookUp(QString("wait for item '%1' row %2 column %3").arg(item).arg(row).arg(column),
-                      timeout);
-    }
-    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
-                                        const ObjectName& properties, int timeout) override {
-        return lookUp(QString("wait until %1 has %2")
-                          .arg(object ? object->realName() : realName, properties.qualifiedName()),
-                      timeout);
-    }
-    bool objectHasComponents(int) override { return false; }
-    QStringList fetchObjectComponents(int) override { return {}; }
-    bool keyEvent(const QString& key, bool press) override {
-        calls.append((press ? "press " : "release ") + key);
-        return takesInput || refuse();
-    }
-    bool mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button, int modifiers,
-                    bool buttonChange, bool press) override {
-        calls.append(QString("mouse %1 mask %2 at %3,%4 button %5 modifiers %6 change %7 press %8")
-                         .arg(target ? target->objectName() : "-")
-                         .arg(mask)
-                         .arg(x)
-                         .arg(y)
-                         .arg(button)
-                         .arg(modifiers)
-                         .arg(buttonChange)
-                         .arg(press));
-        return takesInput || refuse();
-    }
-    QString highlightObject(SharedPtr<Object> object, int milliseconds) override {
-        calls.append(QString("highlight %1 for %2").arg(object->objectName()).arg(milliseconds));
-        return highlightError;
-    }
-    void stopHighlight() override { calls.append("stop highlight"); }
-    SharedPtr<Object> objectGlobalBounds(SharedPtr<Object>) override {
-        if (!bounds)
-            refuse();
-        return bounds;
-    }
-    void objectNotFound(const QString& name, const QString& function, QString*) override {
-        calls.append("not found " + name + " in " + function);
-    }
+inline QString kindName(ObjectError::Kind kind) {
+    static const char* const names[] = {"no member", "bad argument", "not found", "failed"};
+    return names[static_cast<int>(kind)];
+}
 
-private:
-    SharedPtr<Object> lookUp(const QString& what, int timeout) {
-        calls.append(what + " for " + QString::number(timeout) + " ms");
-        if (!found)
-            refuse();
-        return found;
+template <typename T>
+QString errorText(const ObjectResult<T>& result) {
+    return kindName(result.error().kind) + ": " + result.error().text;
+}
+
+/// The language's way to write a value: its type in front of all that is no text.
+inline QString written(const SharedPtr<ScriptArgument>& value) {
+    if (value->isObject())
+        return objectText(value->toObject()).value();
+    if (value->isList()) {
+        QStringList elements;
+        for (const auto& element : value->toList())
+            elements.append(written(element));
+        return "[" + elements.join(", ") + "]";
     }
-    bool refuse() const {
-        Inspector::self()->setLastError(lookupError);
-        return false;
+    if (value->isMap()) {
+        QStringList entries;
+        for (const auto& [name, entry] : value->toMap())
+            entries.append(name + ": " + written(entry));
+        return "{" + entries.join(", ") + "}";
     }
-};
+    return value->isString() || value->isNull() ? value->toString()
+                                                : value->typeName() + " " + value->toString();
+}
+
+inline QString written(const ObjectResult<SharedPtr<ScriptArgument>>& result) {
+    return result ? written(*result) : errorText(result);
+}
+
+/// object.name
+inline QString get(FakeContext& context, const SharedPtr<Object>& object, const QString& name) {
+    const ObjectResult<Member> member = readMember(context, object, name);
+    if (!member)
+        return errorText(member);
+    const auto* const method = std::get_if<SharedPtr<BoundMethod>>(&*member);
+    return method ? (*method)->text() : written(std::get<0>(*member));
+}
+
+/// object.name = value; empty on success. A null value deletes.
+inline QString set(FakeContext& context, const SharedPtr<Object>& object, const QString& name,
+                   const SharedPtr<ScriptArgument>& value) {
+    const ObjectResult<void> done = writeMember(context, object, name, value);
+    return done ? QString() : errorText(done);
+}
+
+/// object.name(arguments)
+inline QString call(FakeContext& context, const SharedPtr<Object>& object, const QString& name,
+                    const CallArguments& arguments) {
+    const ObjectResult<Member> member = readMember(context, object, name);
+    if (!member)
+        return errorText(member);
+    return written(std::get<1>(*member)->call(context, arguments));
+}
+
+/// name(arguments)
+inline QString call(FakeContext& context, const QString& name, const CallArguments& arguments) {
+    return written(callGlobalFunction(context, name, arguments));
+}
 
 }  // namespace Tamrix::Test

@@ -2,8 +2,8 @@
 
 #include "support/fakeapplications.h"
 #include "support/fakefacts.h"
-#include "support/fakeobjects.h"
 #include "support/fakeremotesystems.h"
+#include "support/fakerunnerobjects.h"
 
 namespace Tamrix::Test {
 
