@@ -48,9 +48,8 @@ int fail(const QString& text) {
 
 /// What "tamrixrunner inspect" does: the tree of all objects with their names, as text.
 bool inspect(RemoteModel& model) {
-    QString error;
-    const QString text = Tamrix::objectTreeText(model.listing(&error));
-    return text.contains(QLatin1String(wantedText));
+    const auto listing = model.listing();
+    return listing && Tamrix::objectTreeText(*listing).contains(QLatin1String(wantedText));
 }
 
 }  // namespace
@@ -73,9 +72,10 @@ int main(int argc, char** argv) {
 
     const auto call = [&](const char* method, const Tamrix::ObjectList& arguments) {
         const auto methods = target->objectClass()->methodsByName(method);
-        const auto result =
-            methods.isEmpty() ? nullptr : methods.front()->invoke(target, arguments);
-        return result ? result->toVariant().toDouble() : -1;
+        if (methods.isEmpty())
+            return -1.0;
+        const auto result = methods.front()->invoke(target, arguments);
+        return result ? (*result)->toVariant().toDouble() : -1.0;
     };
     const int objects = static_cast<int>(call("objectCount", {}));
 
@@ -89,10 +89,8 @@ int main(int argc, char** argv) {
     Tamrix::TestResult result(&journal);
     for (int turn = 0; turn < 11; ++turn) {
         for (int each = 0; each < 100; ++each) {
-            pings.push_back(microseconds([&] {
-                RequestError requestError;
-                return model->connection().ping(5000, &requestError);
-            }));
+            pings.push_back(
+                microseconds([&] { return model->connection().ping(5000).has_value(); }));
             lookUps.push_back(
                 microseconds([&] { return bool(Inspector::self()->findObject(name)); }));
             actions.push_back(microseconds([&] {

@@ -133,7 +133,7 @@ struct OwnApplication {
         describe(model.objectClass("QPushButton"), model.editableGlobalClass());
         button = model.addObject("QPushButton", "ok");
         button->setProperty("text", QVariant("OK"));
-        model.onCall = [](const auto&, const auto&, const auto&, QString*) {
+        model.onCall = [](const auto&, const auto&, const auto&) {
             return Tamrix::Inspector::self()->createObject(QVariant());
         };
     }

@@ -42,28 +42,38 @@ QString systemError() {
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-/// Fills an address; false when the path is too long for one.
-bool makeAddress(const QString& path, sockaddr_un* address, QString* error) {
+/// Fails when the path is too long for an address.
+Outcome<sockaddr_un> makeAddress(const QString& path) {
     const QByteArray bytes = path.toLocal8Bit();
-    std::memset(address, 0, sizeof(*address));
-    address->sun_family = AF_UNIX;
-    if (bytes.isEmpty() || static_cast<size_t>(bytes.size()) >= sizeof(address->sun_path)) {
-        *error = QStringLiteral(
-                     "the path '%1' is no path for a local socket: it has %2 bytes of "
-                     "at most %3")
-                     .arg(path, QString::number(bytes.size()),
-                          QString::number(sizeof(address->sun_path) - 1));
-        return false;
+    sockaddr_un address;
+    std::memset(&address, 0, sizeof(address));
+    address.sun_family = AF_UNIX;
+    if (bytes.isEmpty() || static_cast<size_t>(bytes.size()) >= sizeof(address.sun_path)) {
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("the path '%1' is no path for a local socket: it has %2 bytes "
+                                   "of at most %3")
+                        .arg(path, QString::number(bytes.size()),
+                             QString::number(sizeof(address.sun_path) - 1)));
     }
-    std::memcpy(address->sun_path, bytes.constData(), static_cast<size_t>(bytes.size()));
-    return true;
+    std::memcpy(address.sun_path, bytes.constData(), static_cast<size_t>(bytes.size()));
+    return address;
 }
 
-int openSocket(QString* error) {
+/// A socket that `attach` connects or binds to the address; `failure` is what it says, with the
+/// path and the system's reason, when it can't.
+Outcome<int> openSocket(const QString& path, const QString& failure,
+                        bool (*attach)(int descriptor, const sockaddr_un& address)) {
+    const Outcome<sockaddr_un> address = makeAddress(path);
+    if (!address)
+        return fail(address.error());
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0)
-        *error = QStringLiteral("no local socket: %1").arg(systemError());
-    return descriptor;
+        return fail(FailureKind::Failed, QStringLiteral("no local socket: %1").arg(systemError()));
+    if (attach(descriptor, *address))
+        return descriptor;
+    const QString reason = systemError();
+    ::close(descriptor);
+    return fail(FailureKind::Failed, failure.arg(path, reason));
 }
 
 }  // namespace
@@ -220,35 +230,22 @@ bool FrameChannel::send(quint32 sequence, MessageType type, const QByteArray& bo
     return isOpen();
 }
 
-int connectLocalSocket(const QString& path, QString* error) {
-    sockaddr_un address;
-    if (!makeAddress(path, &address, error))
-        return -1;
-    const int descriptor = openSocket(error);
-    if (descriptor < 0)
-        return -1;
-    if (::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
-        *error = QStringLiteral("no connection to '%1': %2").arg(path, systemError());
-        ::close(descriptor);
-        return -1;
-    }
-    return descriptor;
+Outcome<int> connectLocalSocket(const QString& path) {
+    return openSocket(path, QStringLiteral("no connection to '%1': %2"),
+                      [](int descriptor, const sockaddr_un& address) {
+                          return ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address),
+                                           sizeof(address)) == 0;
+                      });
 }
 
-int listenLocalSocket(const QString& path, QString* error) {
-    sockaddr_un address;
-    if (!makeAddress(path, &address, error))
-        return -1;
-    const int descriptor = openSocket(error);
-    if (descriptor < 0)
-        return -1;
-    if (::bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0 ||
-        ::chmod(address.sun_path, S_IRUSR | S_IWUSR) != 0 || ::listen(descriptor, 64) != 0) {
-        *error = QStringLiteral("can't listen at '%1': %2").arg(path, systemError());
-        ::close(descriptor);
-        return -1;
-    }
-    return descriptor;
+Outcome<int> listenLocalSocket(const QString& path) {
+    return openSocket(path, QStringLiteral("can't listen at '%1': %2"),
+                      [](int descriptor, const sockaddr_un& address) {
+                          return ::bind(descriptor, reinterpret_cast<const sockaddr*>(&address),
+                                        sizeof(address)) == 0 &&
+                                 ::chmod(address.sun_path, S_IRUSR | S_IWUSR) == 0 &&
+                                 ::listen(descriptor, 64) == 0;
+                      });
 }
 
 }  // namespace Tamrix::Wire

@@ -89,9 +89,9 @@ private:
     QString m_errorText;
 };
 
-/// Connects to a listening local socket. -1 on failure, with `*error` set.
-int connectLocalSocket(const QString& path, QString* error);
-/// Listens at a new local socket that only this user can reach. -1 on failure, with `*error` set.
-int listenLocalSocket(const QString& path, QString* error);
+/// Connects to a listening local socket; the descriptor is the caller's.
+Outcome<int> connectLocalSocket(const QString& path);
+/// Listens at a new local socket that only this user can reach; the descriptor is the caller's.
+Outcome<int> listenLocalSocket(const QString& path);
 
 }  // namespace Tamrix::Wire

@@ -29,9 +29,9 @@ protected:
     std::unique_ptr<Wire::FrameChannel> connect() {
         const QDeadlineTimer deadline(60000);
         while (!deadline.hasExpired()) {
-            QString ignored;
-            auto channel = std::make_unique<Wire::FrameChannel>(Wire::connectLocalSocket(
-                runtime.filePath("tamrix-attachable/kept.sock"), &ignored));
+            auto channel = std::make_unique<Wire::FrameChannel>(
+                Wire::connectLocalSocket(runtime.filePath("tamrix-attachable/kept.sock"))
+                    .value_or(-1));
             while (channel->isOpen() && !deadline.hasExpired()) {
                 pollfd waiting{channel->descriptor(), POLLIN, 0};
                 ::poll(&waiting, 1, 100);

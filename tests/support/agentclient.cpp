@@ -83,8 +83,7 @@ Wire::Query makeQuery(const QStringList& criteria, int occurrence) {
 
 AgentClient::AgentClient(const QString& program, const QStringList& arguments, WayIn wayIn,
                          const QMap<QString, QString>& environment) {
-    QString error;
-    m_listener = Wire::listenLocalSocket(socketPath(), &error);
+    m_listener = Wire::listenLocalSocket(socketPath()).value_or(-1);
     const QString path = program.contains('/')
                              ? program
                              : QStringLiteral(TAMRIX_TEST_PREFIX "/tests/targets/") + program;

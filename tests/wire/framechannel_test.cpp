@@ -160,25 +160,27 @@ TEST_F(FrameChannelTest, GivesUpOnAPeerThatReadsNothing) {
 TEST(LocalSocket, IsForThisUserOnly) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("socket");
-    QString error;
-    EXPECT_EQ(connectLocalSocket(path, &error), -1);
-    EXPECT_EQ(error, QString("no connection to '%1': No such file or directory").arg(path));
-    const int listening = listenLocalSocket(path, &error);
-    ASSERT_GE(listening, 0) << error.toStdString();
+    const auto errorText = [](const Outcome<int>& outcome) {
+        return outcome ? QString("none") : outcome.error().text;
+    };
+    EXPECT_EQ(errorText(connectLocalSocket(path)),
+              QString("no connection to '%1': No such file or directory").arg(path));
+    const Outcome<int> listening = listenLocalSocket(path);
+    ASSERT_TRUE(listening) << listening.error().text.toStdString();
     struct stat status;
     ASSERT_EQ(::stat(path.toLocal8Bit(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
-    const int connected = connectLocalSocket(path, &error);
-    EXPECT_GE(connected, 0);
-    ::close(connected);
-    EXPECT_EQ(listenLocalSocket(path, &error), -1);
-    EXPECT_EQ(error, QString("can't listen at '%1': Address already in use").arg(path));
-    ::close(listening);
+    const Outcome<int> connected = connectLocalSocket(path);
+    ASSERT_TRUE(connected);
+    ::close(*connected);
+    EXPECT_EQ(errorText(listenLocalSocket(path)),
+              QString("can't listen at '%1': Address already in use").arg(path));
+    ::close(*listening);
 
     const QString longPath = QString("%2").repeated(100);
-    EXPECT_EQ(connectLocalSocket(longPath, &error), -1);
-    EXPECT_EQ(error, "the path '" + longPath +
-                         "' is no path for a local socket: it has 200 bytes of at most 107");
+    EXPECT_EQ(errorText(connectLocalSocket(longPath)),
+              "the path '" + longPath +
+                  "' is no path for a local socket: it has 200 bytes of at most 107");
 }
 
 }  // namespace

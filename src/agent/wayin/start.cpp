@@ -50,16 +50,15 @@ void stop() {
 void connectToRunner() {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return;
-    QString error;
-    const int descriptor =
-        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)), &error);
-    if (descriptor < 0) {
-        std::fprintf(stderr, "tamrixagent: %s\n", qPrintable(error));
+    const Outcome<int> descriptor =
+        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)));
+    if (!descriptor) {
+        std::fprintf(stderr, "tamrixagent: %s\n", qPrintable(descriptor.error().text));
         return;
     }
-    s_descriptor = descriptor;
+    s_descriptor = *descriptor;
     ::pthread_atfork(nullptr, nullptr, leaveConnectionInChild);
-    s_session = new AgentSession(descriptor, QString::fromLocal8Bit(qgetenv(Wire::tokenVariable)));
+    s_session = new AgentSession(*descriptor, QString::fromLocal8Bit(qgetenv(Wire::tokenVariable)));
     s_session->addToolkit(std::make_unique<ObjectToolkit>());
     loadToolkitLibraries(s_session);
     registerObjectHandlers(s_session);

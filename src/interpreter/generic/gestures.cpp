@@ -84,8 +84,8 @@ void readGesture(ScriptContext* context) {
     }
     ObjectList arguments;
     arguments.push_back(inspector->createObject(text));
-    if (const SharedPtr<Object> gesture = builder->construct(arguments))
-        context->setObjectResult(gesture);
+    if (const Outcome<SharedPtr<Object>> gesture = builder->construct(arguments))
+        context->setObjectResult(*gesture);
     else
         context->setError("GestureBuilder( xml )");
 }

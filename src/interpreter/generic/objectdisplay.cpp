@@ -85,19 +85,18 @@ bool saveObjectSnapshot(ScriptContext* context) {
         context->setError("Second argument must be a string with dump file location to write");
         return false;
     }
-    QByteArray elements;
-    QString error;
-    const bool fetched =
-        wanted->isObject() ? requestObjectSnapshot(wanted->toObject(), &elements, &error)
-                           : requestObjectSnapshot(serializeObjectName(wanted), &elements, &error);
-    if (fetched) {
-        UIAbstraction::XmlExporter exporter(elements);
-        if (!exporter.toXml(context->argument(1)->toString()))
-            error = exporter.errorMessage();
+    const Outcome<QByteArray> elements = wanted->isObject()
+                                             ? requestObjectSnapshot(wanted->toObject())
+                                             : requestObjectSnapshot(serializeObjectName(wanted));
+    if (!elements) {
+        context->setError(elements.error().text);
+        return false;
     }
-    if (!error.isEmpty())
-        context->setError(error);
-    return error.isEmpty();
+    UIAbstraction::XmlExporter exporter(*elements);
+    if (exporter.toXml(context->argument(1)->toString()))
+        return true;
+    context->setError(exporter.errorMessage());
+    return false;
 }
 
 }  // namespace Tamrix

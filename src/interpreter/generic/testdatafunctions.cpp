@@ -66,7 +66,7 @@ SharedPtr<Object> callApplication(const QString& name, const QStringList& argume
     ObjectList objects;
     for (const QString& argument : arguments)
         objects.push_back(inspector->createObject(argument));
-    return methods.first()->invoke(nullptr, objects);
+    return inspector->take(methods.first()->invoke(nullptr, objects));
 }
 
 /// The value that a function of the application gives back; nothing with the error set.

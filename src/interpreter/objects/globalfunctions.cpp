@@ -18,8 +18,13 @@ namespace {
 using Kind = ObjectError::Kind;
 using Value = SharedPtr<ScriptArgument>;
 
+/// Null when no application can tell it.
+const Class* globalClassOf(ObjectModel* model) {
+    return model ? model->globalClass().value_or(nullptr) : nullptr;
+}
+
 QList<const Method*> methodsOf(ObjectModel* model, const QString& name) {
-    const Class* const globalClass = model ? model->globalClass() : nullptr;
+    const Class* const globalClass = globalClassOf(model);
     return globalClass ? globalClass->methodsByName(name) : QList<const Method*>();
 }
 
@@ -126,7 +131,7 @@ QStringList globalFunctionNames(ObjectModel* model) {
     QStringList names;
     for (const Wire::ApplicationFunction& function : Wire::applicationFunctions)
         names.append(QLatin1String(function.name));
-    const Class* const globalClass = model ? model->globalClass() : nullptr;
+    const Class* const globalClass = globalClassOf(model);
     for (int index = 0; globalClass && index < globalClass->numMethods(); ++index)
         names.append(globalClass->method(index)->name());
     names.removeDuplicates();

@@ -24,7 +24,7 @@ ObjectResult<const Class*> classOf(const SharedPtr<Object>& object) {
     Inspector::self()->setLastError(QString());
     const Class* const objectClass = object->objectClass();
     if (!objectClass && !Inspector::self()->lastError().isEmpty())
-        return applicationError();
+        return applicationError({FailureKind::Failed, Inspector::self()->lastError()});
     return objectClass;
 }
 
@@ -67,11 +67,11 @@ ObjectResult<Member> readMember(ScriptContext& context, const SharedPtr<Object>&
         if (!objectClass)
             return tl::unexpected(objectClass.error());
         if (const Property* property = *objectClass ? (*objectClass)->property(name) : nullptr)
-            return scriptValue(context, property->get(object)).map(asMember);
+            return scriptValue(context, object->readProperty(*property)).map(asMember);
         if (hasMethod(*objectClass, name))
             return Member(std::in_place_index<1>, new BoundMethod(object, name));
         // One object may have more than its class.
-        if (const SharedPtr<Object> value = Property(name).get(object))
+        if (const Outcome<SharedPtr<Object>> value = object->readProperty(Property(name)))
             return scriptValue(context, value).map(asMember);
         return noMember(context, object, name);
     });
@@ -90,7 +90,7 @@ ObjectResult<void> writeMember(ScriptContext& context, const SharedPtr<Object>& 
         // One object may have more than its class.
         const Property own(name, QString(), true);
         const Property* property = *objectClass ? (*objectClass)->property(name) : nullptr;
-        if (!property && own.get(object))
+        if (!property && object->readProperty(own))
             property = &own;
         if (!property)
             return noMember(context, object, name);
@@ -102,8 +102,8 @@ ObjectResult<void> writeMember(ScriptContext& context, const SharedPtr<Object>& 
         const SharedPtr<Object> written = objectOfValue(value, property->typeName());
         if (!written)
             return objectError(Kind::BadArgument, Inspector::self()->lastError());
-        if (!property->set(object, written))
-            return applicationError();
+        if (const Outcome<> outcome = object->writeProperty(*property, written); !outcome)
+            return applicationError(outcome.error());
         return {};
     });
 }

@@ -4,18 +4,19 @@
 
 namespace Tamrix {
 
-tl::unexpected<ObjectError> applicationError() {
-    const Inspector* const inspector = Inspector::self();
+tl::unexpected<ObjectError> applicationError(const Failure& failure) {
+    Inspector* const inspector = Inspector::self();
+    inspector->keep(failure);
     return objectError(
         inspector->lastErrorIsLookup() ? ObjectError::Kind::NotFound : ObjectError::Kind::Failed,
-        inspector->lastError());
+        failure.text);
 }
 
 ObjectResult<SharedPtr<ScriptArgument>> scriptValue(ScriptContext& context,
-                                                    const SharedPtr<Object>& value) {
+                                                    const Outcome<SharedPtr<Object>>& value) {
     if (!value)
-        return applicationError();
-    return valueOfObject(&context, value);
+        return applicationError(value.error());
+    return valueOfObject(&context, *value);
 }
 
 ObjectResult<ObjectList> objectsOfArguments(const QString& function,

@@ -24,7 +24,6 @@ template <typename Name, typename Work>
 auto askApplication(Name function, Work work) -> decltype(work()) {
     try {
         const RemoteObjectModelHolder holder(Interpreter::currentRunner());
-        Inspector::self()->setLastErrorIsLookup(false);
         return work();
     } catch (const std::exception& exception) {
         return objectError(ObjectError::Kind::Failed,
@@ -32,13 +31,12 @@ auto askApplication(Name function, Work work) -> decltype(work()) {
     }
 }
 
-/// The inspector's last error, of what has just failed in an application.
-TAMRIX_EXPORT tl::unexpected<ObjectError> applicationError();
+/// Why an application could not do what was asked.
+TAMRIX_EXPORT tl::unexpected<ObjectError> applicationError(const Failure& failure);
 
-/// What the script gets for a property's value or the result of a call; the application's error for
-/// null.
-TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> scriptValue(ScriptContext& context,
-                                                                  const SharedPtr<Object>& value);
+/// What the script gets for a property's value or the result of a call.
+TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> scriptValue(
+    ScriptContext& context, const Outcome<SharedPtr<Object>>& value);
 
 /// The values as objects of a call. An error names the function and the place of a value that no
 /// application takes.

@@ -136,16 +136,15 @@ SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value, const QS
 }
 
 void ScriptContext::setObjectPropertiesResult(SharedPtr<Object> object) {
-    Inspector::self()->setLastError(QString());
-    // All at once: the application is asked one time only.
-    const auto properties = object->readProperties();
-    // One that can't be read is left out; without any, the application could not be asked.
-    if (properties.empty() && !Inspector::self()->lastError().isEmpty()) {
-        setError(Inspector::self()->lastError());
+    // All at once: the application is asked one time only. One that can't be read is left out.
+    const Outcome<PropertyList> properties = object->readProperties();
+    if (!properties) {
+        Inspector::self()->keep(properties.error());
+        setError(properties.error().text);
         return;
     }
     std::map<QString, SharedPtr<ScriptArgument>> map;
-    for (const auto& [name, value] : properties)
+    for (const auto& [name, value] : *properties)
         map.emplace(name, valueOfObject(this, value));
     const Class* const objectClass = object->objectClass();
     const int count = objectClass ? objectClass->numProperties() : 0;

@@ -1,6 +1,5 @@
 #include "platform/objectmodel/inmemorymodel.h"
 
-#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/valueobject.h"
 #include "wire/textmatch.h"
 
@@ -59,26 +58,22 @@ QString InMemoryObject::realName() const {
     return name.qualifiedName();
 }
 
-SharedPtr<Object> InMemoryObject::readProperty(const Property& property) const {
-    return m_properties.contains(property.name()) ? m_properties.value(property.name())
-                                                  : Object::readProperty(property);
+Outcome<SharedPtr<Object>> InMemoryObject::readProperty(const Property& property) const {
+    if (m_properties.contains(property.name()))
+        return m_properties.value(property.name());
+    return Object::readProperty(property);
 }
 
-bool InMemoryObject::writeProperty(const Property& property, SharedPtr<Object> value) const {
+Outcome<> InMemoryObject::writeProperty(const Property& property, SharedPtr<Object> value) const {
     if (!property.isWritable())
         return Object::writeProperty(property, value);
     m_properties.insert(property.name(), value);
-    return true;
+    return {};
 }
 
-SharedPtr<Object> InMemoryObject::invokeMethod(const Method& method,
-                                               const ObjectList& arguments) const {
-    QString error;
-    SharedPtr<Object> result =
-        m_model->call(const_cast<InMemoryObject*>(this), method.name(), arguments, &error);
-    if (!result)
-        Inspector::self()->setLastError(error);
-    return result;
+Outcome<SharedPtr<Object>> InMemoryObject::invokeMethod(const Method& method,
+                                                        const ObjectList& arguments) const {
+    return m_model->call(const_cast<InMemoryObject*>(this), method.name(), arguments);
 }
 
 void InMemoryObject::setProperty(const QString& name, SharedPtr<Object> value) {
@@ -113,7 +108,7 @@ SharedPtr<Object> InMemoryModel::findObject(const QString& realName) const {
     return findBelow(m_topLevelObjects, realName);
 }
 
-SharedPtr<Object> InMemoryModel::findObject(const ObjectName& name, QString* error) {
+Outcome<SharedPtr<Object>> InMemoryModel::findObject(const ObjectName& name) {
     ObjectList matches;
     collect(m_topLevelObjects, &matches);
     int occurrence = 1;
@@ -123,16 +118,20 @@ SharedPtr<Object> InMemoryModel::findObject(const ObjectName& name, QString* err
         const Wire::TextMatch match(it->text(), it->modifiers());
         SharedPtr<Object> wanted;
         if (!match.errorText().isEmpty()) {
-            *error =
-                QStringLiteral("The property '%1' of a name: %2").arg(property, match.errorText());
-            return {};
+            return fail(
+                FailureKind::BadArgument,
+                QStringLiteral("The property '%1' of a name: %2").arg(property, match.errorText()));
         }
         if (property == "occurrence") {
             occurrence = it->text().toInt();
             continue;
         }
-        if (it->isRealName() && !(wanted = findObject(ObjectName(it->text()), error)))
-            return {};
+        if (it->isRealName()) {
+            const Outcome<SharedPtr<Object>> found = findObject(ObjectName(it->text()));
+            if (!found)
+                return found;
+            wanted = *found;
+        }
         const auto differs = [&](const SharedPtr<Object>& object) {
             const auto& candidate = static_cast<const InMemoryObject&>(*object);
             if (property == "type") {
@@ -153,17 +152,17 @@ SharedPtr<Object> InMemoryModel::findObject(const ObjectName& name, QString* err
         matches.erase(std::remove_if(matches.begin(), matches.end(), differs), matches.end());
     }
     if (occurrence < 1 || occurrence > static_cast<int>(matches.size())) {
-        *error = QStringLiteral("No object matches %1").arg(name.qualifiedName());
-        return {};
+        return fail(FailureKind::NotFound,
+                    QStringLiteral("No object matches %1").arg(name.qualifiedName()));
     }
     return matches[static_cast<size_t>(occurrence - 1)];
 }
 
-ObjectList InMemoryModel::topLevelObjects(QString*) {
+Outcome<ObjectList> InMemoryModel::topLevelObjects() {
     return m_topLevelObjects;
 }
 
-const Class* InMemoryModel::classByName(const QString& name) {
+Outcome<const Class*> InMemoryModel::classByName(const QString& name) {
     for (const auto& known : m_classes) {
         if (known->name() == name)
             return known.get();
@@ -171,57 +170,58 @@ const Class* InMemoryModel::classByName(const QString& name) {
     return nullptr;
 }
 
-SharedPtr<Object> InMemoryModel::call(SharedPtr<Object> self, const QString& method,
-                                      const ObjectList& arguments, QString* error) {
+Outcome<const Class*> InMemoryModel::globalClass() {
+    return &m_globalClass;
+}
+
+Outcome<SharedPtr<Object>> InMemoryModel::call(SharedPtr<Object> self, const QString& method,
+                                               const ObjectList& arguments) {
     if (onCall)
-        return onCall(self, method, arguments, error);
-    *error = QStringLiteral("There is no function '%1'").arg(method);
-    return {};
+        return onCall(self, method, arguments);
+    return fail(FailureKind::Refused, QStringLiteral("There is no function '%1'").arg(method));
 }
 
-SharedPtr<Object> InMemoryModel::invokeGlobal(const QString& method, const ObjectList& arguments,
-                                              QString* error) {
-    return call(nullptr, method, arguments, error);
+Outcome<SharedPtr<Object>> InMemoryModel::invokeGlobal(const QString& method,
+                                                       const ObjectList& arguments) {
+    return call(nullptr, method, arguments);
 }
 
-SharedPtr<Object> InMemoryModel::construct(const Class* objectClass, const ObjectList& arguments,
-                                           QString* error) {
-    return call(new Object(0, objectClass), QStringLiteral("new"), arguments, error);
+Outcome<SharedPtr<Object>> InMemoryModel::construct(const Class* objectClass,
+                                                    const ObjectList& arguments) {
+    return call(new Object(0, objectClass), QStringLiteral("new"), arguments);
 }
 
-QVariant InMemoryModel::nativeRequest(const QString& name, const QVariantList& arguments,
-                                      QString* error) {
+Outcome<QVariant> InMemoryModel::nativeRequest(const QString& name, const QVariantList& arguments) {
     if (onNativeRequest)
-        return onNativeRequest(name, arguments, error);
-    *error = QStringLiteral("There is no request '%1'").arg(name);
-    return {};
+        return onNativeRequest(name, arguments);
+    return fail(FailureKind::Refused, QStringLiteral("There is no request '%1'").arg(name));
 }
 
-bool InMemoryModel::installEventHandler(SharedPtr<Object> object, const QString& className,
-                                        const QString& event, const QString& callback, QString*) {
+Outcome<> InMemoryModel::installEventHandler(SharedPtr<Object> object, const QString& className,
+                                             const QString& event, const QString& callback) {
     journal.append(QStringLiteral("install|%1|%2|%3|%4")
                        .arg(object ? object->objectName() : QString(), className, event, callback));
-    return true;
+    return {};
 }
 
-bool InMemoryModel::uninstallEventHandler(SharedPtr<Object> object, const QString& className,
-                                          const QString& event, const QString& callback, QString*) {
+Outcome<> InMemoryModel::uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                                               const QString& event, const QString& callback) {
     journal.append(QStringLiteral("uninstall|%1|%2|%3|%4")
                        .arg(object ? object->objectName() : QString(), className, event, callback));
-    return true;
+    return {};
 }
 
-bool InMemoryModel::sendEvent(const Event* event, SharedPtr<Object> target,
-                              const ObjectList& parameters, QString*) {
+Outcome<> InMemoryModel::sendEvent(const Event* event, SharedPtr<Object> target,
+                                   const ObjectList& parameters) {
     journal.append(QStringLiteral("send|%1|%2|%3")
                        .arg(target ? target->objectName() : QString(), event->name(),
                             QString::number(parameters.size())));
-    return true;
+    return {};
 }
 
-QByteArray InMemoryModel::snapshot(SharedPtr<Object>, QString* error) {
+Outcome<QByteArray> InMemoryModel::snapshot(SharedPtr<Object>) {
     if (snapshotBytes.isNull())
-        *error = QStringLiteral("There is no snapshot");
+        return fail(FailureKind::Failed, QStringLiteral("There is no snapshot"));
     return snapshotBytes;
 }
 

@@ -30,11 +30,11 @@ public:
     ObjectList children() const override { return m_children; }
     SharedPtr<Object> parent() const override { return m_parent; }
     int remoteId() const override { return static_cast<int>(handle()); }
-    SharedPtr<Object> readProperty(const Property& property) const override;
+    Outcome<SharedPtr<Object>> readProperty(const Property& property) const override;
     /// Sets a property that the class has as a writable one.
-    bool writeProperty(const Property& property, SharedPtr<Object> value) const override;
-    SharedPtr<Object> invokeMethod(const Method& method,
-                                   const ObjectList& arguments) const override;
+    Outcome<> writeProperty(const Property& property, SharedPtr<Object> value) const override;
+    Outcome<SharedPtr<Object>> invokeMethod(const Method& method,
+                                            const ObjectList& arguments) const override;
 
     void setProperty(const QString& name, SharedPtr<Object> value);
     void setProperty(const QString& name, const QVariant& value);
@@ -61,8 +61,8 @@ private:
 /// matches the first in the order of the tree, parents before children, is meant.
 class TAMRIX_EXPORT InMemoryModel : public ObjectModel {
 public:
-    using Calls = std::function<SharedPtr<Object>(SharedPtr<Object> self, const QString& method,
-                                                  const ObjectList& arguments, QString* error)>;
+    using Calls = std::function<Outcome<SharedPtr<Object>>(
+        SharedPtr<Object> self, const QString& method, const ObjectList& arguments)>;
 
     InMemoryModel();
 
@@ -75,8 +75,6 @@ public:
     SharedPtr<InMemoryObject> addObject(const QString& className, const QString& name,
                                         SharedPtr<InMemoryObject> parent = nullptr);
 
-    ObjectList topLevelObjects() const { return m_topLevelObjects; }
-
     /// The object with this real name, null when there is none.
     SharedPtr<Object> findObject(const QString& realName) const;
 
@@ -84,7 +82,7 @@ public:
     /// for construct(). Calls fail while it is not set.
     Calls onCall;
     /// What native requests give; they fail while it is not set.
-    std::function<QVariant(const QString& name, const QVariantList& arguments, QString* error)>
+    std::function<Outcome<QVariant>(const QString& name, const QVariantList& arguments)>
         onNativeRequest;
     /// What snapshot() gives; null bytes make it fail.
     QByteArray snapshotBytes;
@@ -93,31 +91,28 @@ public:
     QStringList journal;
 
     // ObjectModel
-    SharedPtr<Object> findObject(const ObjectName& name, QString* error) override;
-    ObjectList topLevelObjects(QString* error) override;
-    const Class* classByName(const QString& name) override;
-    const Class* globalClass() override { return &m_globalClass; }
-    SharedPtr<Object> invokeGlobal(const QString& method, const ObjectList& arguments,
-                                   QString* error) override;
-    SharedPtr<Object> construct(const Class* objectClass, const ObjectList& arguments,
-                                QString* error) override;
-    QVariant nativeRequest(const QString& name, const QVariantList& arguments,
-                           QString* error) override;
-    bool installEventHandler(SharedPtr<Object> object, const QString& className,
-                             const QString& event, const QString& callback,
-                             QString* error) override;
-    bool uninstallEventHandler(SharedPtr<Object> object, const QString& className,
-                               const QString& event, const QString& callback,
-                               QString* error) override;
-    bool sendEvent(const Event* event, SharedPtr<Object> target, const ObjectList& parameters,
-                   QString* error) override;
-    QByteArray snapshot(SharedPtr<Object> object, QString* error) override;
+    Outcome<SharedPtr<Object>> findObject(const ObjectName& name) override;
+    Outcome<ObjectList> topLevelObjects() override;
+    Outcome<const Class*> classByName(const QString& name) override;
+    Outcome<const Class*> globalClass() override;
+    Outcome<SharedPtr<Object>> invokeGlobal(const QString& method,
+                                            const ObjectList& arguments) override;
+    Outcome<SharedPtr<Object>> construct(const Class* objectClass,
+                                         const ObjectList& arguments) override;
+    Outcome<QVariant> nativeRequest(const QString& name, const QVariantList& arguments) override;
+    Outcome<> installEventHandler(SharedPtr<Object> object, const QString& className,
+                                  const QString& event, const QString& callback) override;
+    Outcome<> uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                                    const QString& event, const QString& callback) override;
+    Outcome<> sendEvent(const Event* event, SharedPtr<Object> target,
+                        const ObjectList& parameters) override;
+    Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
 
 private:
     friend class InMemoryObject;
 
-    SharedPtr<Object> call(SharedPtr<Object> self, const QString& method,
-                           const ObjectList& arguments, QString* error);
+    Outcome<SharedPtr<Object>> call(SharedPtr<Object> self, const QString& method,
+                                    const ObjectList& arguments);
 
     std::vector<std::unique_ptr<Class>> m_classes;
     Class m_globalClass;

@@ -26,51 +26,54 @@ Inspector* Inspector::self() {
     return &s_inspector;
 }
 
+void Inspector::keep(const Failure& failure) {
+    m_lastError = failure.text;
+    m_lastErrorIsLookup =
+        failure.kind == FailureKind::NotFound || failure.kind == FailureKind::NotReady;
+}
+
+bool Inspector::take(const Outcome<>& outcome) {
+    if (!outcome)
+        keep(outcome.error());
+    return outcome.has_value();
+}
+
 template <typename Ask>
 auto Inspector::ask(Ask ask) {
-    QString error = noApplicationText;
-    decltype(ask(*m_model, &error)) answer{};
-    if (m_model) {
-        error.clear();
-        answer = ask(*m_model, &error);
-    }
-    // An answer without error does not clear the last one.
-    if (!error.isEmpty())
-        m_lastError = error;
-    return answer;
+    using Answer = decltype(ask(*m_model));
+    return take(m_model ? ask(*m_model) : Answer(noApplication()));
 }
 
 SharedPtr<Object> Inspector::findObject(const QString& name) {
-    return ask([&](ObjectModel& model, QString* error) -> SharedPtr<Object> {
-        const ObjectName objectName = ObjectMap::self()->objectName(name);
-        if (!objectName.isValid()) {
-            *error = m_lastError;
-            return {};
-        }
-        SharedPtr<Object> object = model.findObject(objectName, error);
+    return ask([&](ObjectModel& model) -> Outcome<SharedPtr<Object>> {
+        const Outcome<ObjectName> objectName = ObjectMap::self()->resolve(name);
+        if (!objectName)
+            return fail(objectName.error());
+        Outcome<SharedPtr<Object>> object = model.findObject(*objectName);
         if (object)
-            object->setFoundAs(name);
+            (*object)->setFoundAs(name);
         return object;
     });
 }
 
 ObjectList Inspector::topLevelObjects() {
-    return ask([](ObjectModel& model, QString* error) { return model.topLevelObjects(error); });
+    return ask([](ObjectModel& model) { return model.topLevelObjects(); });
 }
 
 const Class* Inspector::classByName(const QString& name) {
     if (const Class* const valueClass = ValueObject::valueClass(name))
         return valueClass;
-    return ask([&](ObjectModel& model, QString* error) {
-        const Class* const known = model.classByName(name);
-        if (!known)
-            *error = QStringLiteral("The application knows no class '%1'").arg(name);
+    return ask([&](ObjectModel& model) -> Outcome<const Class*> {
+        const Outcome<const Class*> known = model.classByName(name);
+        if (known && !*known)
+            return fail(FailureKind::Failed,
+                        QStringLiteral("The application knows no class '%1'").arg(name));
         return known;
     });
 }
 
 const Class* Inspector::globalClass() {
-    return ask([](ObjectModel& model, QString*) { return model.globalClass(); });
+    return ask([](ObjectModel& model) { return model.globalClass(); });
 }
 
 const Class* Inspector::classByTypeNumber(int number) {
@@ -90,32 +93,28 @@ SharedPtr<Object> Inspector::createObject(const QVariant& value) {
 }
 
 QVariant Inspector::nativeRequest(const QString& name, const QVariantList& arguments) {
-    return ask([&](ObjectModel& model, QString* error) {
-        return model.nativeRequest(name, arguments, error);
-    });
+    return ask([&](ObjectModel& model) { return model.nativeRequest(name, arguments); });
 }
 
 bool Inspector::installEventHandler(SharedPtr<Object> object, const Class* objectClass,
                                     const QString& event, const QString& callback) {
-    return ask([&](ObjectModel& model, QString* error) {
+    return ask([&](ObjectModel& model) {
         return model.installEventHandler(object, objectClass ? objectClass->name() : QString(),
-                                         event, callback, error);
+                                         event, callback);
     });
 }
 
 bool Inspector::uninstallEventHandler(SharedPtr<Object> object, const Class* objectClass,
                                       const QString& event, const QString& callback) {
-    return ask([&](ObjectModel& model, QString* error) {
+    return ask([&](ObjectModel& model) {
         return model.uninstallEventHandler(object, objectClass ? objectClass->name() : QString(),
-                                           event, callback, error);
+                                           event, callback);
     });
 }
 
 bool Inspector::sendEvent(const Event* event, SharedPtr<Object> target,
                           const ObjectList& parameters) {
-    return ask([&](ObjectModel& model, QString* error) {
-        return model.sendEvent(event, target, parameters, error);
-    });
+    return ask([&](ObjectModel& model) { return model.sendEvent(event, target, parameters); });
 }
 
 void Inspector::addExtensionScript(const QString& text, const QString& suffix) {
@@ -160,26 +159,27 @@ void Inspector::reset() {
     m_model = model;
 }
 
-bool requestObjectSnapshot(SharedPtr<Object> object, QByteArray* elements, QString* error) {
+Outcome<QByteArray> requestObjectSnapshot(SharedPtr<Object> object) {
     ObjectModel* const model = Inspector::self()->model();
-    if (!model || !object) {
-        *error = model ? QStringLiteral("There is no object of which to take a snapshot")
-                       : Inspector::noApplicationText;
-        return false;
-    }
-    QString reason;
-    *elements = model->snapshot(object, &reason);
-    if (!reason.isEmpty())
-        *error = reason;
-    return reason.isEmpty();
+    if (!model)
+        return Inspector::noApplication();
+    if (!object)
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("There is no object of which to take a snapshot"));
+    return model->snapshot(object);
 }
 
-bool requestObjectSnapshot(const QString& name, QByteArray* elements, QString* error) {
-    const SharedPtr<Object> object = Inspector::self()->findObject(name);
-    if (object)
-        return requestObjectSnapshot(object, elements, error);
-    *error = Inspector::self()->lastError();
-    return false;
+Outcome<QByteArray> requestObjectSnapshot(const QString& name) {
+    ObjectModel* const model = Inspector::self()->model();
+    if (!model)
+        return Inspector::noApplication();
+    const Outcome<ObjectName> objectName = ObjectMap::self()->resolve(name);
+    if (!objectName)
+        return fail(objectName.error());
+    const Outcome<SharedPtr<Object>> object = model->findObject(*objectName);
+    if (!object)
+        return fail(object.error());
+    return requestObjectSnapshot(*object);
 }
 
 }  // namespace Tamrix

@@ -35,6 +35,9 @@ public:
 
     /// What operations that need an application say without one.
     static const QString noApplicationText;
+    static tl::unexpected<Failure> noApplication() {
+        return fail(FailureKind::Failed, noApplicationText);
+    }
 
     static Inspector* self();
 
@@ -70,15 +73,28 @@ public:
                                const QString& event, const QString& callback);
     bool sendEvent(const Event* event, SharedPtr<Object> target, const ObjectList& parameters);
 
+    // The edge between outcomes, which callers decide about, and the last error, which scripts ask
+    // for. Below it nobody sets the last error.
+    /// Makes a failure the last error.
+    void keep(const Failure& failure);
+    /// The outcome's value; of a failure, which is kept, a default one: null, empty.
+    template <typename T>
+    T take(Outcome<T> outcome) {
+        if (outcome)
+            return *std::move(outcome);
+        keep(outcome.error());
+        return T();
+    }
+    /// Whether it was a success; a failure is kept.
+    bool take(const Outcome<>& outcome);
+
     /// Why the last look-up failed.
     QString lastError() const { return m_lastError; }
-    /// An empty text clears it.
-    void setLastError(const QString& text) { m_lastError = text; }
+    /// An empty text clears it. For failures of no special kind; keep() has one.
+    void setLastError(const QString& text) { keep(Failure{FailureKind::Failed, text}); }
     /// Whether the last failure was that something was not there, or not ready, in time: scripts
-    /// then get a look-up error. A model says so before it returns from a failing operation; who
-    /// wants to know clears it before the operation.
+    /// then get a look-up error.
     bool lastErrorIsLookup() const { return m_lastErrorIsLookup; }
-    void setLastErrorIsLookup(bool isLookup) { m_lastErrorIsLookup = isLookup; }
 
     // What wrappers set. A later call replaces an earlier one for the same class or type.
     /// Scripts that extend the object model, in a language named by its file suffix.
@@ -105,7 +121,7 @@ public:
 private:
     Inspector() = default;
 
-    /// Asks the model, when there is one, and keeps the error text.
+    /// Asks the model, when there is one, and keeps the failure.
     template <typename Ask>
     auto ask(Ask ask);
 
@@ -118,9 +134,8 @@ private:
 };
 
 /// Fetches the tree below an object, or below the object of that name, in the stream form of
-/// UIAbstraction::UIElement::elementsFromByteArray. False with `*error` set on failure.
-TAMRIX_EXPORT bool requestObjectSnapshot(SharedPtr<Object> object, QByteArray* elements,
-                                         QString* error);
-TAMRIX_EXPORT bool requestObjectSnapshot(const QString& name, QByteArray* elements, QString* error);
+/// UIAbstraction::UIElement::elementsFromByteArray.
+TAMRIX_EXPORT Outcome<QByteArray> requestObjectSnapshot(SharedPtr<Object> object);
+TAMRIX_EXPORT Outcome<QByteArray> requestObjectSnapshot(const QString& name);
 
 }  // namespace Tamrix

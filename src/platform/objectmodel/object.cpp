@@ -7,11 +7,11 @@ namespace Tamrix {
 
 namespace {
 
-void setUnsupported(const Object& object, const QString& what) {
+Failure unsupported(const Object& object, const QString& what) {
     const QString name = object.className();
-    Inspector::self()->setLastError(
-        name.isEmpty() ? QStringLiteral("The object %1").arg(what)
-                       : QStringLiteral("The object of class '%1' %2").arg(name, what));
+    return {FailureKind::Refused,
+            name.isEmpty() ? QStringLiteral("The object %1").arg(what)
+                           : QStringLiteral("The object of class '%1' %2").arg(name, what)};
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ SharedPtr<Object> Object::queryInterface(const QString& name) const {
     const Class* const known = objectClass();
     if (known && known->isOrDerivesFrom(name))
         return {const_cast<Object*>(this)};
-    setUnsupported(*this, QStringLiteral("has no interface '%1'").arg(name));
+    Inspector::self()->keep(unsupported(*this, QStringLiteral("has no interface '%1'").arg(name)));
     return {};
 }
 
@@ -73,34 +73,29 @@ QVariant Object::toVariant() const {
     return {};
 }
 
-SharedPtr<Object> Object::readProperty(const Property& property) const {
-    setUnsupported(*this, QStringLiteral("has no property '%1'").arg(property.name()));
-    return {};
+Outcome<SharedPtr<Object>> Object::readProperty(const Property& property) const {
+    return fail(unsupported(*this, QStringLiteral("has no property '%1'").arg(property.name())));
 }
 
-std::vector<std::pair<QString, SharedPtr<Object>>> Object::readProperties() const {
-    std::vector<std::pair<QString, SharedPtr<Object>>> values;
+Outcome<PropertyList> Object::readProperties() const {
+    PropertyList values;
     const Class* const known = objectClass();
-    const QString errorBefore = Inspector::self()->lastError();
     for (int index = 0; known && index < known->numProperties(); ++index) {
         const Property& property = *known->property(index);
-        if (SharedPtr<Object> value = readProperty(property))
-            values.emplace_back(property.name(), value);
+        // One that can't be read is left out, which is no failure of the others.
+        if (const Outcome<SharedPtr<Object>> value = readProperty(property))
+            values.emplace_back(property.name(), *value);
     }
-    // One that can't be read is left out, which is no failure of the others.
-    Inspector::self()->setLastError(errorBefore);
     return values;
 }
 
-bool Object::writeProperty(const Property& property, SharedPtr<Object>) const {
-    setUnsupported(*this,
-                   QStringLiteral("has no property '%1' that can be set").arg(property.name()));
-    return false;
+Outcome<> Object::writeProperty(const Property& property, SharedPtr<Object>) const {
+    return fail(unsupported(
+        *this, QStringLiteral("has no property '%1' that can be set").arg(property.name())));
 }
 
-SharedPtr<Object> Object::invokeMethod(const Method& method, const ObjectList&) const {
-    setUnsupported(*this, QStringLiteral("has no method '%1'").arg(method.name()));
-    return {};
+Outcome<SharedPtr<Object>> Object::invokeMethod(const Method& method, const ObjectList&) const {
+    return fail(unsupported(*this, QStringLiteral("has no method '%1'").arg(method.name())));
 }
 
 }  // namespace Tamrix

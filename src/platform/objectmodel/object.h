@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "base/outcome.h"
 #include "base/shared.h"
 #include "platform/objectmodel/objectattribute.h"
 
@@ -22,9 +23,12 @@ public:
     using std::vector<SharedPtr<Object>>::vector;
 };
 
+/// Names of properties with their values.
+using PropertyList = std::vector<std::pair<QString, SharedPtr<Object>>>;
+
 /// Handle on one object of an application, or a value that came from one. Script thread only.
 ///
-/// Operations that ask the application and fail return null or false and leave the reason in
+/// Operations that ask the application return an Outcome, or null and the like with the reason in
 /// Inspector::lastError(); the base class has no application and fails with all of them.
 class TAMRIX_EXPORT Object : public Shared {
 public:
@@ -58,13 +62,15 @@ public:
     /// The value: bool, number, text, bytes, date, list or map. Invalid for everything else.
     virtual QVariant toVariant() const;
 
-    /// The value of one of the object's properties, null when it can't be read.
-    virtual SharedPtr<Object> readProperty(const Property& property) const;
+    /// The value of one of the object's properties, never null.
+    virtual Outcome<SharedPtr<Object>> readProperty(const Property& property) const;
     /// All properties that can be read, in the order of the class.
-    virtual std::vector<std::pair<QString, SharedPtr<Object>>> readProperties() const;
-    virtual bool writeProperty(const Property& property, SharedPtr<Object> value) const;
-    /// Calls a method. A method without a result gives an object of class "void" that isNull().
-    virtual SharedPtr<Object> invokeMethod(const Method& method, const ObjectList& arguments) const;
+    virtual Outcome<PropertyList> readProperties() const;
+    virtual Outcome<> writeProperty(const Property& property, SharedPtr<Object> value) const;
+    /// Calls a method. The result is never null: without one, it is an object of class "void" that
+    /// isNull().
+    virtual Outcome<SharedPtr<Object>> invokeMethod(const Method& method,
+                                                    const ObjectList& arguments) const;
 
 private:
     quint64 m_handle;

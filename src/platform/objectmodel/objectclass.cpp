@@ -22,39 +22,24 @@ const Entry* entryAt(const std::vector<std::unique_ptr<Entry>>& entries, int ind
     return index >= 0 && index < static_cast<int>(entries.size()) ? entries[index].get() : nullptr;
 }
 
-/// Null, with the inspector's error set, when no application is connected.
-ObjectModel* currentModel() {
-    ObjectModel* const model = Inspector::self()->model();
-    if (!model)
-        Inspector::self()->setLastError(Inspector::noApplicationText);
-    return model;
-}
-
 }  // namespace
 
 const Class* Argument::type() const {
     return Inspector::self()->classByName(m_typeName);
 }
 
-SharedPtr<Object> Method::invoke(SharedPtr<Object> self, const ObjectList& arguments) const {
+Outcome<SharedPtr<Object>> Method::invoke(SharedPtr<Object> self,
+                                          const ObjectList& arguments) const {
     if (self)
         return self->invokeMethod(*this, arguments);
-    ObjectModel* const model = currentModel();
+    ObjectModel* const model = Inspector::self()->model();
     if (!model)
-        return {};
-    QString error;
-    SharedPtr<Object> result = model->invokeGlobal(m_name, arguments, &error);
-    if (!result)
-        Inspector::self()->setLastError(error);
-    return result;
+        return Inspector::noApplication();
+    return model->invokeGlobal(m_name, arguments);
 }
 
 SharedPtr<Object> Property::get(SharedPtr<Object> object) const {
-    return object ? object->readProperty(*this) : SharedPtr<Object>();
-}
-
-bool Property::set(SharedPtr<Object> object, SharedPtr<Object> value) const {
-    return object && object->writeProperty(*this, value);
+    return object ? Inspector::self()->take(object->readProperty(*this)) : SharedPtr<Object>();
 }
 
 bool Class::isOrDerivesFrom(const QString& name) const {
@@ -86,15 +71,11 @@ const Event* Class::event(const QString& type) const {
     return findNamed(m_events, type);
 }
 
-SharedPtr<Object> Class::construct(const ObjectList& arguments) const {
-    ObjectModel* const model = currentModel();
+Outcome<SharedPtr<Object>> Class::construct(const ObjectList& arguments) const {
+    ObjectModel* const model = Inspector::self()->model();
     if (!model)
-        return {};
-    QString error;
-    SharedPtr<Object> object = model->construct(this, arguments, &error);
-    if (!object)
-        Inspector::self()->setLastError(error);
-    return object;
+        return Inspector::noApplication();
+    return model->construct(this, arguments);
 }
 
 void Class::addProperty(const QString& name, const QString& typeName, bool isWritable) {

@@ -63,8 +63,8 @@ public:
     }
 
     /// Calls the method on `self`; null `self` calls a global method of the current application.
-    /// Null on failure, with Inspector::lastError() set; see Object::invokeMethod for the result.
-    SharedPtr<Object> invoke(SharedPtr<Object> self, const ObjectList& arguments) const;
+    /// See Object::invokeMethod for the result.
+    Outcome<SharedPtr<Object>> invoke(SharedPtr<Object> self, const ObjectList& arguments) const;
 
 private:
     QString m_name;
@@ -99,10 +99,9 @@ public:
     /// Empty when it is not known.
     QString typeName() const { return m_typeName; }
     bool isWritable() const { return m_isWritable; }
-    /// The property's value on `object`, null when it can't be read or `object` is null.
+    /// The property's value on `object`, null when it can't be read, with Inspector::lastError()
+    /// set, or `object` is null.
     SharedPtr<Object> get(SharedPtr<Object> object) const;
-    /// False when the value can't be written or `object` is null.
-    bool set(SharedPtr<Object> object, SharedPtr<Object> value) const;
 
 private:
     QString m_name;
@@ -136,8 +135,8 @@ public:
     const Method* method(int index) const;
     /// Null when the class knows no such event.
     const Event* event(const QString& type) const;
-    /// Makes an object of the class in the current application. Null on failure.
-    SharedPtr<Object> construct(const ObjectList& arguments) const;
+    /// Makes an object of the class in the current application.
+    Outcome<SharedPtr<Object>> construct(const ObjectList& arguments) const;
 
     // Filling: each is added behind those that are there.
     void addProperty(const QString& name, const QString& typeName = QString(),

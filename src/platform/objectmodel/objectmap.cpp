@@ -205,12 +205,16 @@ ObjectMap* ObjectMap::self() {
     return &s_map;
 }
 
-ObjectName ObjectMap::objectName(const QString& name) {
+Outcome<ObjectName> ObjectMap::resolve(const QString& name) const {
     Resolver resolver(m_names);
     const ObjectName resolved = resolver.resolve(name);
     if (!resolved.isValid())
-        Inspector::self()->setLastError(resolver.errorText());
+        return fail(FailureKind::BadArgument, resolver.errorText());
     return resolved;
+}
+
+ObjectName ObjectMap::objectName(const QString& name) {
+    return Inspector::self()->take(resolve(name));
 }
 
 QString ObjectMap::realName(const QString& name) {
@@ -244,13 +248,13 @@ QString ObjectMap::symbolicName(SharedPtr<Object> object, bool createIfMissing) 
     return object ? symbolicName(object->realName(), createIfMissing) : QString();
 }
 
-bool ObjectMap::load(const QString& path) {
+Outcome<> ObjectMap::load(const QString& path) {
     clear();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        Inspector::self()->setLastError(
+        return fail(
+            FailureKind::Failed,
             QStringLiteral("The object map '%1' can't be read: %2").arg(path, file.errorString()));
-        return false;
     }
     QTextCodec::ConverterState state;
     const QByteArray bytes = file.readAll();
@@ -266,14 +270,13 @@ bool ObjectMap::load(const QString& path) {
         findUnresolved(&map);
     if (map.faults.empty()) {
         m_names = map.names;
-        return true;
+        return {};
     }
     QStringList lines;
     for (const auto& fault : map.faults)
         lines.append(QStringLiteral("%1, line %2: ").arg(path, QString::number(fault.line)) +
                      fault.text);
-    Inspector::self()->setLastError(lines.join('\n'));
-    return false;
+    return fail(FailureKind::Failed, lines.join('\n'));
 }
 
 void ObjectMap::clear() {

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include "base/export.h"
+#include "base/outcome.h"
 #include "platform/objectmodel/object.h"
 #include "platform/objectmodel/objectname.h"
 
@@ -22,8 +23,10 @@ public:
     static ObjectMap* self();
 
     /// The name that `name`, a symbolic or a real one, stands for, with every symbolic name in it
-    /// replaced. Invalid (without properties) when the name is malformed, unknown or refers to
-    /// itself; Inspector::lastError() then says which.
+    /// replaced. Fails when the name is malformed, unknown or refers to itself.
+    Outcome<ObjectName> resolve(const QString& name) const;
+    /// The same for scripts: invalid (without properties) on failure, with Inspector::lastError()
+    /// set.
     ObjectName objectName(const QString& name);
     /// The real name in text form; empty on failure, as objectName().
     QString realName(const QString& name);
@@ -35,9 +38,9 @@ public:
     QString symbolicName(SharedPtr<Object> object, bool createIfMissing = false);
     QStringList symbolicNames() const { return m_names.keys(); }
 
-    /// Replaces the map by a file's entries. On failure the map is empty, and lastError() of the
-    /// inspector names file, line and fault.
-    bool load(const QString& path);
+    /// Replaces the map by a file's entries. On failure, which names file, line and fault, the map
+    /// is empty.
+    Outcome<> load(const QString& path);
     void clear();
 
     /// Entries of the text form, by symbolic name; faulty lines are left out and named in `*error`

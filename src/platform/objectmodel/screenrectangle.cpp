@@ -30,7 +30,7 @@ QRect unwrapRemoteScreenRectangleAsQRect(SharedPtr<Object> object) {
 SharedPtr<Object> createRemoteScreenRectangle(const QRect& rectangle) {
     const Class* const rectangleClass = objectModelScreenRectangleClass();
     if (!rectangleClass) {
-        Inspector::self()->setLastError(Inspector::noApplicationText);
+        Inspector::self()->keep(Inspector::noApplication().value());
         return {};
     }
     return {new ValueObject(rectangle, rectangleClass)};

@@ -153,13 +153,13 @@ QString ValueObject::text() const {
     return content.isNull() ? QString() : QStringLiteral("%1(%2)").arg(className(), content);
 }
 
-SharedPtr<Object> ValueObject::readProperty(const Property& property) const {
+Outcome<SharedPtr<Object>> ValueObject::readProperty(const Property& property) const {
     for (const ValueType& type : valueTypes()) {
         if (className() != QLatin1String(type.className))
             continue;
         for (const ReadableProperty& each : type.properties) {
             if (property.name() == QLatin1String(each.name))
-                return {new ValueObject(each.read(m_value))};
+                return SharedPtr<Object>(new ValueObject(each.read(m_value)));
         }
     }
     return Object::readProperty(property);

@@ -25,7 +25,7 @@ public:
     bool isNull() const override { return !m_value.isValid(); }
     ObjectAttribute objectAttribute() const override;
     QVariant toVariant() const override;
-    SharedPtr<Object> readProperty(const Property& property) const override;
+    Outcome<SharedPtr<Object>> readProperty(const Property& property) const override;
 
     /// The value as it is, also where toVariant() has none: points, sizes, rectangles, colours.
     QVariant value() const { return m_value; }

@@ -29,6 +29,7 @@ struct OutcomeLabel {
 constexpr int indentWidth = 2;
 /// Of longer texts of a result, the ends are shown.
 constexpr int longestText = 16 * 1024;
+constexpr int mostLines = 200;
 
 const OutcomeLabel outcomeLabels[] = {
     {CaseOutcome::Passed, "PASS ", green},
@@ -133,7 +134,7 @@ void ConsoleReport::addResult(const ResultAdded& result, const CaseTally& tally)
     if (m_announcedId != tally.id)
         announceCase(tally);
     QStringList lines =
-        describeResult(withLimitedTexts(result, longestText)).split(QLatin1Char('\n'));
+        describeResult(withLimitedTexts(result, {longestText, mostLines})).split(QLatin1Char('\n'));
     if (result.isEcho)
         lines.first() += QLatin1String(" (the end of the skipped case)");
     addLine(lines.takeFirst(), resultIndent(), resultColour(result));

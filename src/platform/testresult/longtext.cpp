@@ -26,6 +26,37 @@ int beginOfEnd(const QString& text, int wanted) {
     return text.at(wanted).isLowSurrogate() ? wanted + 1 : wanted;
 }
 
+/// The part of a text that is left out.
+struct Cut {
+    int begin;
+    int end;
+};
+
+Cut cutCharacters(const QString& text, int most) {
+    const int begin = endOfBeginning(text, most / 2);
+    return {begin, std::max(begin, beginOfEnd(text, text.size() - most / 2))};
+}
+
+int lineCount(const QString& text) {
+    return text.count(QLatin1Char('\n')) + (text.endsWith(QLatin1Char('\n')) ? 0 : 1);
+}
+
+/// Leaves that many lines of a text that has more.
+Cut cutLines(const QString& text, int most) {
+    int begin = 0;
+    for (int line = 0; line < most - most / 2; ++line)
+        begin = text.indexOf(QLatin1Char('\n'), begin) + 1;
+    // In front of the line feed that ends the last line, if there is one.
+    int end = text.endsWith(QLatin1Char('\n')) ? text.size() - 1 : text.size();
+    for (int line = 0; line < most / 2; ++line)
+        end = text.lastIndexOf(QLatin1Char('\n'), end - 1);
+    return {begin, end + 1};
+}
+
+bool exceeds(const QString& text, TextLimit limit) {
+    return text.size() > limit.characters || lineCount(text) > limit.lines;
+}
+
 /// A text of an event that may be long, and the name under which it is stored.
 struct EventText {
     QString* text;
@@ -70,40 +101,47 @@ EventTexts textsOf(Event&) {
     return {};
 }
 
-void limit(const EventTexts& texts, int longest, const StoreText& store) {
+void limitTexts(const EventTexts& texts, TextLimit limit, const StoreText& store) {
     for (const EventText& row : texts) {
-        if (row.text->size() > longest) {
+        if (exceeds(*row.text, limit)) {
             const QString place =
                 store ? store(*row.text, QString::fromLatin1(row.name)) : QString();
-            *row.text = limitedText(*row.text, longest, place);
+            *row.text = limitedText(*row.text, limit, place);
         }
     }
 }
 
 }  // namespace
 
-QString limitedText(const QString& text, int longest, const QString& place) {
-    if (text.size() <= longest)
+QString limitedText(const QString& text, TextLimit limit, const QString& place) {
+    if (!exceeds(text, limit))
         return text;
-    const int begin = endOfBeginning(text, longest / 2);
-    const int end = std::max(begin, beginOfEnd(text, text.size() - longest / 2));
-    QString note = QStringLiteral("[... %1 characters left out").arg(end - begin);
+    const bool hasManyLines = lineCount(text) > limit.lines;
+    Cut cut = hasManyLines ? cutLines(text, limit.lines) : cutCharacters(text, limit.characters);
+    // Few lines may be long, too.
+    if (hasManyLines && text.size() - (cut.end - cut.begin) > limit.characters) {
+        const Cut characters = cutCharacters(text, limit.characters);
+        cut = {std::min(cut.begin, characters.begin), std::max(cut.end, characters.end)};
+    }
+    const QString left = text.mid(cut.begin, cut.end - cut.begin);
+    QString note = hasManyLines ? QStringLiteral("[... %1 lines left out").arg(lineCount(left))
+                                : QStringLiteral("[... %1 characters left out").arg(left.size());
     if (!place.isEmpty())
         note += QStringLiteral("; the whole text: ") + place;
-    const QString beginning = text.left(begin);
+    const QString beginning = text.left(cut.begin);
     return beginning + (beginning.endsWith(QLatin1Char('\n')) ? QString() : QStringLiteral("\n")) +
-           note + QStringLiteral("]\n") + text.mid(end);
+           note + QStringLiteral("]\n") + text.mid(cut.end);
 }
 
-ResultAdded withLimitedTexts(const ResultAdded& result, int longest, const StoreText& store) {
+ResultAdded withLimitedTexts(const ResultAdded& result, TextLimit limit, const StoreText& store) {
     ResultAdded limited = result;
-    limit(textsOf(limited), longest, store);
+    limitTexts(textsOf(limited), limit, store);
     return limited;
 }
 
-ReportEvent withLimitedTexts(const ReportEvent& event, int longest, const StoreText& store) {
+ReportEvent withLimitedTexts(const ReportEvent& event, TextLimit limit, const StoreText& store) {
     ReportEvent limited = event;
-    std::visit([&](auto& typed) { limit(textsOf(typed), longest, store); }, limited);
+    std::visit([&](auto& typed) { limitTexts(textsOf(typed), limit, store); }, limited);
     return limited;
 }
 

@@ -49,10 +49,10 @@ Outcome<> AgentServer::listen() {
         return {};
     if (const Outcome<> made = m_folder.make(m_runId); !made)
         return made;
-    QString error;
-    m_listener = Wire::listenLocalSocket(socketPath(), &error);
-    if (m_listener < 0)
-        return fail(FailureKind::Failed, error);
+    const Outcome<int> listener = Wire::listenLocalSocket(socketPath());
+    if (!listener)
+        return fail(listener.error());
+    m_listener = *listener;
     return {};
 }
 

@@ -179,21 +179,20 @@ QString Applications::startFailure(StartedProgram& program, const QString& toolk
 Outcome<> Applications::greet(Application& application, const QDeadlineTimer& deadline,
                               int timeout) {
     const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
-    RequestError failure;
-    if (application.model().readGlobalClass(left, &failure))
+    const Outcome<> greeted = application.model().readGlobalClass(left);
+    if (greeted)
         return {};
-    switch (failure.kind) {
-        case RequestError::Kind::Aborted:
-            return fail(FailureKind::Failed,
-                        QStringLiteral("the run was interrupted while '%1' was waited for")
-                            .arg(application.name));
-        case RequestError::Kind::TimedOut:
-            return fail(FailureKind::TimedOut,
-                        QStringLiteral("'%1' has connected, but does not answer within %2 ms")
-                            .arg(application.name, QString::number(timeout)));
-        default:
-            return fail(FailureKind::Failed, failure.text);
+    if (greeted.error().kind == FailureKind::TimedOut) {
+        return fail(FailureKind::TimedOut,
+                    QStringLiteral("'%1' has connected, but does not answer within %2 ms")
+                        .arg(application.name, QString::number(timeout)));
     }
+    if (isInterrupted()) {
+        return fail(FailureKind::Failed,
+                    QStringLiteral("the run was interrupted while '%1' was waited for")
+                        .arg(application.name));
+    }
+    return greeted;
 }
 
 Outcome<SharedPtr<Application>> Applications::attach(const QString& name, int timeout) {
@@ -367,8 +366,7 @@ bool Applications::askToClose() {
             continue;
         application->connection().setSyncTimeout(quitTimeout);
         application->model().setRequestTimeout(quitTimeout);
-        QString ignored;
-        wasAsked = application->model().quit(&ignored) || wasAsked;
+        wasAsked = application->model().quit() || wasAsked;
     }
     return wasAsked;
 }

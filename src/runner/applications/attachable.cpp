@@ -99,10 +99,10 @@ public:
 
     Outcome<> listen(const QString& path) {
         m_path = path;
-        QString error;
-        m_descriptor = Wire::listenLocalSocket(path, &error);
-        if (m_descriptor < 0)
-            return fail(FailureKind::Failed, error);
+        const Outcome<int> descriptor = Wire::listenLocalSocket(path);
+        if (!descriptor)
+            return fail(descriptor.error());
+        m_descriptor = *descriptor;
         return {};
     }
     int descriptor() const { return m_descriptor; }
@@ -274,10 +274,8 @@ Outcome<> listenForRuns(const QString& name, Listener& listener) {
     const Outcome<QString> path = socketOf(name);
     if (!path)
         return fail(path.error());
-    QString ignored;
-    const int other = Wire::connectLocalSocket(*path, &ignored);
-    if (other >= 0) {
-        ::close(other);
+    if (const Outcome<int> other = Wire::connectLocalSocket(*path)) {
+        ::close(*other);
         return fail(FailureKind::Refused,
                     QStringLiteral("a program named '%1' is attachable already").arg(name));
     }
@@ -366,13 +364,11 @@ Outcome<int> keepAttachable(const AttachableOptions& options) {
 }
 
 void clearLeftSockets() {
-    QString ignored;
     const QDir folder(attachableFolderPath());
     const QDateTime justNow = QDateTime::currentDateTime().addSecs(-socketAge);
     for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.sock")}, QDir::System)) {
-        const int descriptor = Wire::connectLocalSocket(file.filePath(), &ignored);
-        if (descriptor >= 0)
-            ::close(descriptor);
+        if (const Outcome<int> descriptor = Wire::connectLocalSocket(file.filePath()))
+            ::close(*descriptor);
         // A new one may not listen yet.
         else if (file.lastModified() < justNow)
             ::unlink(QFile::encodeName(file.filePath()).constData());
@@ -383,17 +379,16 @@ Outcome<std::shared_ptr<AgentConnection>> connectToAttachable(const QString& nam
     const Outcome<QString> path = socketOf(name);
     if (!path)
         return fail(path.error());
-    QString reason;
-    const int descriptor = Wire::connectLocalSocket(*path, &reason);
-    if (descriptor < 0) {
+    const Outcome<int> descriptor = Wire::connectLocalSocket(*path);
+    if (!descriptor) {
         return fail(
             FailureKind::NotFound,
             QStringLiteral(
                 "no program named '%1' is attachable; start it with \"tamrixrunner attachable "
                 "--name %1 PROGRAM\" (%2)")
-                .arg(name, reason));
+                .arg(name, descriptor.error().text));
     }
-    return std::make_shared<AgentConnection>(descriptor, QString());
+    return std::make_shared<AgentConnection>(*descriptor, QString());
 }
 
 }  // namespace Tamrix

@@ -46,30 +46,34 @@ Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& sett
     return {};
 }
 
-/// The tree in the wanted form; empty with `*error` set on failure.
-QByteArray formattedTree(RemoteModel& model, TreeFormat format, QString* error) {
+/// The tree in the wanted form.
+Outcome<QByteArray> formattedTree(RemoteModel& model, TreeFormat format) {
     if (format != TreeFormat::Xml) {
-        const Wire::ObjectListing listing = model.listing(error);
-        if (!error->isEmpty())
-            return {};
-        return format == TreeFormat::Json ? objectTreeJson(listing)
-                                          : objectTreeText(listing).toLocal8Bit();
+        const Outcome<Wire::ObjectListing> listing = model.listing();
+        if (!listing)
+            return fail(listing.error());
+        return format == TreeFormat::Json ? objectTreeJson(*listing)
+                                          : objectTreeText(*listing).toLocal8Bit();
     }
-    UIAbstraction::XmlExporter exporter(model.snapshot({}, false, error));
+    const Outcome<QByteArray> elements = model.snapshot({});
+    if (!elements)
+        return elements;
+    UIAbstraction::XmlExporter exporter(*elements);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    if (error->isEmpty() && !exporter.toXml(&buffer))
-        *error = exporter.errorMessage();
+    if (!exporter.toXml(&buffer))
+        return fail(FailureKind::Failed, exporter.errorMessage());
     return buffer.data();
 }
 
 /// Stores a picture of the screen. Returns an error text, empty on success.
 QString storeScreenshot(RemoteModel& model, const QString& fileName) {
-    QString error;
-    const QVariant picture = model.nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
-    const QImage image = Screenshot::fromVariant(picture).image();
-    if (!error.isEmpty() || image.isNull())
-        return QStringLiteral("no picture of the screen came: %1").arg(error);
+    const Outcome<QVariant> picture = model.nativeRequest(QStringLiteral("desktopScreenshot"), {});
+    if (!picture)
+        return QStringLiteral("no picture of the screen came: %1").arg(picture.error().text);
+    const QImage image = Screenshot::fromVariant(*picture).image();
+    if (image.isNull())
+        return QStringLiteral("no picture of the screen came: it is empty");
     if (!image.save(fileName, fileName.contains(QLatin1Char('.')) ? nullptr : "PNG"))
         return QStringLiteral("the picture of the screen can't be written to '%1'").arg(fileName);
     return {};
@@ -97,13 +101,15 @@ QString inspectWith(Applications& applications, const InspectSettings& settings)
     QString error;
     pause(applications, settings.waitSeconds);
 
-    const QByteArray tree = formattedTree(application->model(), settings.format, &error);
-    if (error.isEmpty() && !settings.screenshotFile.isEmpty())
+    const Outcome<QByteArray> tree = formattedTree(application->model(), settings.format);
+    if (!tree)
+        error = tree.error().text;
+    else if (!settings.screenshotFile.isEmpty())
         error = storeScreenshot(application->model(), settings.screenshotFile);
     const QString end = application->endText();
     if (!error.isEmpty() && !end.isEmpty())
         error = end;
-    if (error.isEmpty() && !writeBytes(stdout, tree))
+    if (error.isEmpty() && !writeBytes(stdout, *tree))
         error = QStringLiteral("standard output can't be written");
     return error;
 }

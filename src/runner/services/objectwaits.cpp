@@ -1,4 +1,4 @@
-// The waits of Runner for objects: first a look at once, then one every 50 ms.
+#include "runner/services/objectwaits.h"
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -7,7 +7,6 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
-#include "runner/services/runner.h"
 
 namespace Tamrix {
 
@@ -17,8 +16,10 @@ constexpr int lookInterval = 50;
 /// How long an application may take to answer a single look, also when the wait is shorter.
 constexpr int minimalLookTimeout = 1000;
 
-/// The object, for which reports have a name now; null stays null.
-SharedPtr<Object> knownAs(const SharedPtr<Object>& object, const QString& name) {
+/// Hands what a wait gave to the script: the object, for which reports have a name now, or null
+/// with the failure kept.
+SharedPtr<Object> handedOver(const Outcome<SharedPtr<Object>>& found, const QString& name) {
+    SharedPtr<Object> object = Inspector::self()->take(found);
     if (object)
         object->setFoundAs(name);
     return object;
@@ -51,16 +52,11 @@ private:
 
 }  // namespace
 
-SharedPtr<Object> Runner::failedLookup(const QString& text) {
-    Inspector::self()->setLastError(text);
-    return {};
-}
-
-SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& application,
-                                         const QString& what, Wire::Wanted wanted, int timeout,
-                                         const Look& look) {
+Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Application>& application,
+                                                       const QString& what, Wire::Wanted wanted,
+                                                       int timeout, const Look& look) {
     if (!application)
-        return failedLookup(Inspector::noApplicationText);
+        return Inspector::noApplication();
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
     const QDeadlineTimer deadline(wait);
     const QString waited = QString::number(wait);
@@ -68,105 +64,110 @@ SharedPtr<Object> Runner::waitUntilFound(const SharedPtr<Application>& applicati
     while (true) {
         // 1. A look.
         const auto left = static_cast<int>(deadline.remainingTime());
-        LookUpAnswer answer;
-        RequestError error;
-        const bool isAnswered = look(application->model(), isLastLook, &answer, &error,
-                                     std::max(left, minimalLookTimeout));
-        if (answer.object && (answer.isReady || wanted == Wire::Wanted::Existence))
-            return answer.object;
+        const Outcome<LookUpAnswer> answer =
+            look(application->model(), isLastLook, std::max(left, minimalLookTimeout));
+        if (answer && answer->object && (answer->isReady || wanted == Wire::Wanted::Existence))
+            return answer->object;
         // 2. What no further look can change.
         const QString end = application->endText();
         if (!end.isEmpty())
-            return failedLookup(end);
-        if (!isAnswered && error.kind == RequestError::Kind::TimedOut) {
-            return failedLookup(QStringLiteral("%1 not found within %2 ms: the application '%3' "
-                                               "does not answer")
-                                    .arg(what, waited, application->name));
+            return fail(FailureKind::Ended, end);
+        if (!answer && answer.error().kind == FailureKind::TimedOut) {
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("%1 not found within %2 ms: the application '%3' "
+                                       "does not answer")
+                            .arg(what, waited, application->name));
         }
-        if (!isAnswered)
-            return failedLookup(error.text);
+        if (!answer)
+            return fail(answer.error());
         // 3. The end of the wait. The last look finds out what matched nearly.
-        if (isLastLook || (answer.object && deadline.hasExpired())) {
-            return failedLookup(answer.object ? QStringLiteral("%1 is %2 after %3 ms: %4")
-                                                    .arg(what, answer.lack, waited, answer.obstacle)
-                                              : QStringLiteral("%1 not found within %2 ms. %3")
-                                                    .arg(what, waited, answer.missText));
+        if (answer->object && (isLastLook || deadline.hasExpired())) {
+            return fail(FailureKind::NotReady,
+                        QStringLiteral("%1 is %2 after %3 ms: %4")
+                            .arg(what, answer->lack, waited, answer->obstacle));
+        }
+        if (isLastLook) {
+            return fail(FailureKind::NotFound, QStringLiteral("%1 not found within %2 ms. %3")
+                                                   .arg(what, waited, answer->missText));
         }
         isLastLook = deadline.hasExpired();
         if (isLastLook)
             continue;
         // 4. What has come meanwhile, and a pause.
-        work();
-        if (m_applications.isInterrupted())
-            return failedLookup(
+        m_state.background.work();
+        if (m_state.applications.isInterrupted()) {
+            return fail(
+                FailureKind::Failed,
                 QStringLiteral("the run was interrupted while %1 was waited for").arg(what));
-        m_applications.waitForNews(
+        }
+        m_state.applications.waitForNews(
             static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 0, lookInterval)));
     }
 }
 
-SharedPtr<Object> Runner::waitForName(const QString& name, Wire::Wanted wanted, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForName(const QString& name, Wire::Wanted wanted, int timeout) {
     const ObjectName objectName = ObjectMap::self()->objectName(name);
     if (!objectName.isValid())
         return {};
-    const SharedPtr<Object> found = waitUntilFound(
-        m_applications.current(), QStringLiteral("Object '%1'").arg(name), wanted, timeout,
-        [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
-            int lookTimeout) {
-            return model.lookUp(objectName, wanted, isLastLook, answer, error, lookTimeout);
-        });
-    return knownAs(found, name);
+    const auto look = [&](RemoteModel& model, bool isLastLook, int lookTimeout) {
+        return model.lookUp(objectName, wanted, isLastLook, lookTimeout);
+    };
+    return handedOver(
+        waitUntilFound(m_state.applications.current(), QStringLiteral("Object '%1'").arg(name),
+                       wanted, timeout, look),
+        name);
 }
 
-SharedPtr<Object> Runner::waitForObjectByName(const QString& realName, bool ready, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectByName(const QString& realName, bool ready,
+                                                   int timeout) {
     return waitForName(realName, ready ? Wire::Wanted::Readiness : Wire::Wanted::Reach, timeout);
 }
 
-SharedPtr<Object> Runner::waitForObjectExists(const QString& realName, bool, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectExists(const QString& realName, bool, int timeout) {
     return waitForName(realName, Wire::Wanted::Existence, timeout);
 }
 
-SharedPtr<Object> Runner::waitForObject(SharedPtr<Object> object, bool, int timeout) {
-    const SharedPtr<Object> found = waitUntilFound(
-        m_applications.owner(object), QStringLiteral("The object"), Wire::Wanted::Readiness,
-        timeout,
-        [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
-            return model.lookUp(object, Wire::Wanted::Readiness, answer, error, lookTimeout);
-        });
-    return knownAs(found, object ? object->foundAs() : QString());
+SharedPtr<Object> ObjectWaits::waitForObject(SharedPtr<Object> object, bool, int timeout) {
+    const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
+        return model.lookUp(object, Wire::Wanted::Readiness, lookTimeout);
+    };
+    return handedOver(
+        waitUntilFound(m_state.applications.owner(object), QStringLiteral("The object"),
+                       Wire::Wanted::Readiness, timeout, look),
+        object ? object->foundAs() : QString());
 }
 
-SharedPtr<Object> Runner::waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
-                                            int column, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForObjectItem(SharedPtr<Object> object, const QString& item,
+                                                 int row, int column, int timeout) {
     const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
                                              .arg(QString::number(row), QString::number(column))
                                        : QStringLiteral("Item '%1'").arg(item);
-    const SharedPtr<Object> found = waitUntilFound(
-        m_applications.owner(object), what, Wire::Wanted::Readiness, timeout,
-        [&](RemoteModel& model, bool, LookUpAnswer* answer, RequestError* error, int lookTimeout) {
-            return model.findItem(object, item, row, column, true, answer, error, lookTimeout);
-        });
-    return knownAs(found, what);
+    const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
+        return model.findItem(object, item, row, column, true, lookTimeout);
+    };
+    return handedOver(waitUntilFound(m_state.applications.owner(object), what,
+                                     Wire::Wanted::Readiness, timeout, look),
+                      what);
 }
 
-SharedPtr<Object> Runner::waitForProperties(SharedPtr<Object> object, const QString& realName,
-                                            const ObjectName& properties, int timeout) {
+SharedPtr<Object> ObjectWaits::waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                                 const ObjectName& properties, int timeout) {
     const ObjectName name = object ? ObjectName() : ObjectMap::self()->objectName(realName);
     if (!object && !name.isValid())
         return {};
     LastSight sight;
-    return waitUntilFound(
-        object ? m_applications.owner(object) : m_applications.current(),
-        object ? QStringLiteral("The %1").arg(object->className())
-               : QStringLiteral("Object '%1'").arg(realName),
-        Wire::Wanted::Readiness, timeout,
-        [&](RemoteModel& model, bool isLastLook, LookUpAnswer* answer, RequestError* error,
-            int lookTimeout) {
-            if (!model.expect(object, name, properties, isLastLook, answer, error, lookTimeout))
-                return false;
-            sight.complete(answer);
-            return true;
-        });
+    const auto look = [&](RemoteModel& model, bool isLastLook, int lookTimeout) {
+        Outcome<LookUpAnswer> answer =
+            model.expect(object, name, properties, isLastLook, lookTimeout);
+        if (answer)
+            sight.complete(&*answer);
+        return answer;
+    };
+    return Inspector::self()->take(
+        waitUntilFound(object ? m_state.applications.owner(object) : m_state.applications.current(),
+                       object ? QStringLiteral("The %1").arg(object->className())
+                              : QStringLiteral("Object '%1'").arg(realName),
+                       Wire::Wanted::Readiness, timeout, look));
 }
 
 }  // namespace Tamrix

@@ -91,13 +91,13 @@ void FailureMoment::keep(Application& application, const Screenshot& desktop, co
 
 void FailureMoment::keepWindows(Application& application, const Screenshot& desktop,
                                 const QString& folder, TestResult* result) {
-    QString error;
-    const QVariantMap layout =
-        application.model().nativeRequest(QStringLiteral("screenLayout"), {}, &error).toMap();
-    if (!error.isEmpty()) {
-        qWarning("No picture of the windows is stored: %s", qUtf8Printable(error));
+    const Outcome<QVariant> answer =
+        application.model().nativeRequest(QStringLiteral("screenLayout"), {});
+    if (!answer) {
+        qWarning("No picture of the windows is stored: %s", qUtf8Printable(answer.error().text));
         return;
     }
+    const QVariantMap layout = answer->toMap();
     QList<QRect> windows;
     const QVariantList rects = layout.value(QStringLiteral("windows")).toList();
     for (const QVariant& rect : rects)
@@ -120,13 +120,13 @@ void FailureMoment::keepWindows(Application& application, const Screenshot& desk
 
 void FailureMoment::keepObjects(Application& application, const QString& folder,
                                 TestResult* result) {
-    QString error;
-    const Wire::ObjectListing listing = application.model().listing(&error);
-    if (!error.isEmpty()) {
-        qWarning("The objects of the application are not stored: %s", qUtf8Printable(error));
+    const Outcome<Wire::ObjectListing> listing = application.model().listing();
+    if (!listing) {
+        qWarning("The objects of the application are not stored: %s",
+                 qUtf8Printable(listing.error().text));
         return;
     }
-    const QByteArray objects = objectTreeJson(listing);
+    const QByteArray objects = objectTreeJson(*listing);
     if (objects != m_lastObjects) {
         m_lastObjects = objects;
         m_lastObjectsFile = storeFile(folder, QStringLiteral("objects.json"), objects);

@@ -16,7 +16,6 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/run/scripttestcase.h"
-#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
@@ -42,13 +41,11 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
 /// The desktop as the current application sees it; a null one when it does not answer.
 Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
-    RequestError ignored;
-    if (!application || !application->connection().ping(pingTimeout, &ignored))
+    if (!application || !application->connection().ping(pingTimeout))
         return {};
-    QString error;
-    const QVariant picture =
-        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {}, &error);
-    return Screenshot::fromVariant(picture);
+    const Outcome<QVariant> picture =
+        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+    return picture ? Screenshot::fromVariant(*picture) : Screenshot();
 }
 
 /// Where pictures that go with results are kept: where attachments of the case are, too. Without an
@@ -68,11 +65,11 @@ QString screenshotDirectory(RunnerInterface* runner) {
 
 SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
     : m_suite(suite), m_options(options), m_result(report) {
-    m_runner.setSuite(suite.name);
-    m_runner.setResultDirectory(options.resultDirectory);
-    m_runner.setTestResult(&m_result);
+    m_runner.facts.suiteName = suite.name;
+    m_runner.facts.resultDirectory = options.resultDirectory;
+    m_runner.facts.testResult = &m_result;
+    m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
-    m_runner.setPlaces({suite.directory, suite.config.fileName, suite.config.applications});
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
          [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
@@ -85,15 +82,15 @@ SuiteRun::~SuiteRun() {
 Outcome<> SuiteRun::prepare() {
     if (const Outcome<> loaded = loadObjectMap(); !loaded)
         return loaded;
-    return m_runner.applications().useDisplay(m_options.display);
+    return m_runner.applications.useDisplay(m_options.display);
 }
 
 Outcome<> SuiteRun::loadObjectMap() {
     const QString path = m_runner.objectMapPath();
     ObjectMap::self()->clear();
-    if (!QFileInfo::exists(path) || ObjectMap::self()->load(path))
+    if (!QFileInfo::exists(path))
         return {};
-    return fail(FailureKind::Failed, Inspector::self()->lastError());
+    return ObjectMap::self()->load(path);
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
@@ -129,7 +126,7 @@ void SuiteRun::noteEnvironment() {
             .arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion(),
                  QSysInfo::currentCpuArchitecture()));
     m_result.addEnvironment(QStringLiteral("Host"), QSysInfo::machineHostName());
-    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications().display());
+    m_result.addEnvironment(QStringLiteral("Display"), m_runner.applications.display());
     m_result.addEnvironment(QStringLiteral("Command"),
                             quotedShellWords(QCoreApplication::arguments()));
     m_result.addEnvironment(QStringLiteral("Script arguments"),
@@ -137,7 +134,7 @@ void SuiteRun::noteEnvironment() {
 }
 
 void SuiteRun::runCase(const SuiteCase& testCase) {
-    m_runner.setTestCase(testCase.name, testCase.script);
+    m_runner.startCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
     startRunSettings(m_suite.config, &m_result);
     m_failureMoment.reset();
@@ -196,7 +193,7 @@ void SuiteRun::keepFailureMoment(const QString& folder) {
 }
 
 void SuiteRun::endApplications() {
-    Applications& applications = m_runner.applications();
+    Applications& applications = m_runner.applications;
     applications.work();
     m_runner.reportUnexpectedEnds();
     const SharedPtr<Application> current = applications.current();

@@ -23,9 +23,9 @@ using namespace Tamrix;
 
 /// Connects where an agent does and says something else. Then waits to be ended.
 int sayToRunner(const QString& what) {
-    QString error;
     const int descriptor =
-        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)), &error);
+        Wire::connectLocalSocket(QString::fromLocal8Bit(qgetenv(Wire::connectVariable)))
+            .value_or(-1);
     if (what == "garbage") {
         const QByteArray bytes = QByteArray("GET / HTTP/1.1\r\n").repeated(1000);
         [[maybe_unused]] const ssize_t written =

@@ -174,7 +174,7 @@ TEST_F(InputFunctions, ReadGestures) {
     EXPECT_EQ(call(readGesture, {text("swipe")}), "Loading GestureBuilder");
     model.objectClass("GestureBuilder");
     EXPECT_EQ(call(readGesture, {text("swipe")}), "GestureBuilder( xml )");
-    model.onCall = [&](const auto&, const QString& method, const ObjectList& arguments, QString*) {
+    model.onCall = [&](const auto&, const QString& method, const ObjectList& arguments) {
         EXPECT_EQ(method, "new");
         EXPECT_EQ(arguments.at(0)->toVariant(), "suite/tst_a/gestures/swipe.gesture");
         return SharedPtr<Object>(button);

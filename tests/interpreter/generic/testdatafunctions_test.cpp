@@ -97,16 +97,15 @@ TEST_F(TestDataFunctions, MakesFoldersForNewFiles) {
 
 TEST_F(TestDataFunctions, ExchangesFilesWithTheApplication) {
     QMap<QString, QString> files;
-    model.onCall = [&](const SharedPtr<Object>&, const QString& method, const ObjectList& arguments,
-                       QString* error) -> SharedPtr<Object> {
+    model.onCall = [&](const SharedPtr<Object>&, const QString& method,
+                       const ObjectList& arguments) -> Outcome<SharedPtr<Object>> {
         const QString name = arguments.at(0)->toVariant().toString();
         QVariant result = true;
         if (method == "testDataPut") {
             files[name] = arguments.at(1)->toVariant().toString();
             result = "/there/" + name;
         } else if (!files.contains(name)) {
-            *error = "it has no such file";
-            return {};
+            return fail(FailureKind::Failed, "it has no such file");
         } else if (method == "testDataGet") {
             result = files[name];
         } else if (method == "testDataRemove") {

@@ -37,8 +37,10 @@ protected:
         button->setProperty("end", QVariant("right"));
         button->setProperty("both", QVariant(true));
         button->setProperty("ofItsOwn", QVariant(3));
-        model.onCall = [this](const auto& self, const QString& method, const ObjectList& arguments,
-                              QString* error) { return answer(self, method, arguments, error); };
+        model.onCall = [this](const auto& self, const QString& method,
+                              const ObjectList& arguments) {
+            return answer(self, method, arguments);
+        };
         Inspector::self()->setModel(&model);
         runner.hasObjectModel = true;
         runner.found = button;
@@ -48,13 +50,12 @@ protected:
         EXPECT_EQ(runner.acquired, runner.released);
         Inspector::self()->setModel(nullptr);
         Inspector::self()->setLastError(QString());
-        Inspector::self()->setLastErrorIsLookup(false);
         Interpreter::setSelf(nullptr);
     }
 
     /// Notes the call; the result is what `nextResult` says, null with a text for a failure.
-    SharedPtr<Object> answer(const SharedPtr<Object>& self, const QString& method,
-                             const ObjectList& arguments, QString* error) {
+    Outcome<SharedPtr<Object>> answer(const SharedPtr<Object>& self, const QString& method,
+                                      const ObjectList& arguments) {
         QStringList words{self ? self->objectName() : "-", method};
         for (const SharedPtr<Object>& argument : arguments)
             words.append(argument->handle()
@@ -64,9 +65,7 @@ protected:
         seen.append(words.join(' '));
         if (failure.isEmpty())
             return Inspector::self()->createObject(nextResult);
-        *error = failure;
-        Inspector::self()->setLastErrorIsLookup(isLookup);
-        return {};
+        return fail(isLookup ? FailureKind::NotReady : FailureKind::Failed, failure);
     }
 
     QString takeSeen() {

@@ -24,7 +24,7 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
         file.close();
-        return map->load(path());
+        return Inspector::self()->take(map->load(path()));
     }
     QString path() const { return m_folder.filePath("objectnames.tsv"); }
     QString lastError() const { return Inspector::self()->lastError(); }
@@ -82,7 +82,7 @@ TEST_F(ObjectMapTest, FaultsNameFileAndLine) {
         EXPECT_EQ(lastError().section('\n', 0, 0), path() + ", " + row.fault);
         EXPECT_TRUE(map->symbolicNames().isEmpty());
     }
-    EXPECT_FALSE(map->load("/nowhere"));
+    EXPECT_FALSE(Inspector::self()->take(map->load("/nowhere")));
     EXPECT_EQ(lastError(), "The object map '/nowhere' can't be read: No such file or directory");
 
     // Each name doubles the one before: the whole would have 2^16 parts.

@@ -10,11 +10,13 @@
 #include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/objectname.h"
 #include "platform/objectmodel/valueobject.h"
+#include "support/failuretext.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
+using Test::failureText;
 using testing::HasSubstr;
 
 TEST(ObjectName, OrdersAndQuotesProperties) {
@@ -163,12 +165,12 @@ TEST_F(InspectorOnModel, ValuesAreObjects) {
     EXPECT_EQ(unwrapRemoteScreenRectangleAsQRect(inspector->createObject(rectangle)), rectangle);
     EXPECT_TRUE(unwrapRemoteScreenRectangleAsQRect(nullptr).isNull());
     EXPECT_FALSE(onScreen->toVariant().isValid());
-    const auto properties = onScreen->readProperties();
+    const PropertyList properties = onScreen->readProperties().value();
     ASSERT_EQ(properties.size(), 4u);
     EXPECT_EQ(properties[3].first, "height");
     EXPECT_EQ(properties[3].second->toVariant(), 40);
-    EXPECT_EQ(inspector->createObject(QColor(1, 2, 3))->readProperties()[0].second->toVariant(),
-              "#010203");
+    const SharedPtr<Object> colour = inspector->createObject(QColor(1, 2, 3));
+    EXPECT_EQ(colour->readProperties().value()[0].second->toVariant(), "#010203");
 
     inspector->setModel(nullptr);
     EXPECT_EQ(createRemoteScreenRectangle(rectangle), nullptr);
@@ -176,36 +178,52 @@ TEST_F(InspectorOnModel, ValuesAreObjects) {
     EXPECT_EQ(lastError(), "No application is connected");
 }
 
+TEST_F(InspectorOnModel, KeepsFailuresWithWhatScriptsMakeOfTheirKind) {
+    const struct {
+        FailureKind kind;
+        bool isLookup;
+    } rows[] = {
+        {FailureKind::NotFound, true}, {FailureKind::NotReady, true}, {FailureKind::Gone, false},
+        {FailureKind::Refused, false}, {FailureKind::Failed, false},
+    };
+    for (const auto& row : rows) {
+        model.onCall = [&](const auto&, const QString&, const auto&) {
+            return fail(row.kind, "why");
+        };
+        EXPECT_FALSE(Inspector::self()->take(Method("go", {}).invoke(nullptr, {})));
+        EXPECT_EQ(lastError(), "why");
+        EXPECT_EQ(Inspector::self()->lastErrorIsLookup(), row.isLookup);
+    }
+    // A text alone is of no kind.
+    Inspector::self()->keep(Failure{FailureKind::NotFound, "not there"});
+    Inspector::self()->setLastError("other");
+    EXPECT_FALSE(Inspector::self()->lastErrorIsLookup());
+}
+
 TEST_F(InspectorOnModel, CallsReachTheModel) {
-    model.onCall = [](SharedPtr<Object> self, const QString& method, const ObjectList& arguments,
-                      QString* error) -> SharedPtr<Object> {
+    model.onCall = [](const SharedPtr<Object>& self, const QString& method,
+                      const ObjectList& arguments) -> Outcome<SharedPtr<Object>> {
         if (method == "fail")
-            *error = "it fails";
-        else
-            return Inspector::self()->createObject((self ? self->objectName() : "") + method +
-                                                   argumentValue(arguments.at(0)).toString());
-        return {};
+            return fail(FailureKind::Failed, "it fails");
+        return Inspector::self()->createObject((self ? self->objectName() : "") + method +
+                                               argumentValue(arguments.at(0)).toString());
     };
     const auto button = model.addObject("Button", "ok");
     const ObjectList arguments{Inspector::self()->createObject(5)};
-    EXPECT_EQ(Method("go", {}).invoke(button, arguments)->toVariant(), "okgo5");
-    EXPECT_EQ(Method("go", {}).invoke(nullptr, arguments)->toVariant(), "go5");
-    EXPECT_EQ(button->objectClass()->construct(arguments)->toVariant(), "new5");
-    EXPECT_EQ(Method("fail", {}).invoke(button, {}), nullptr);
-    EXPECT_EQ(lastError(), "it fails");
+    EXPECT_EQ(Method("go", {}).invoke(button, arguments).value()->toVariant(), "okgo5");
+    EXPECT_EQ(Method("go", {}).invoke(nullptr, arguments).value()->toVariant(), "go5");
+    EXPECT_EQ(button->objectClass()->construct(arguments).value()->toVariant(), "new5");
+    EXPECT_EQ(failureText(Method("fail", {}).invoke(button, {})), "it fails");
 
     EXPECT_TRUE(button->cast(model.objectClass("Widget")) == button);
     EXPECT_EQ(button->cast(model.objectClass("Window")), nullptr);
-    EXPECT_FALSE(Property("text").set(button, arguments[0]));
-    EXPECT_EQ(lastError(), "The object of class 'Button' has no property 'text' that can be set");
+    EXPECT_EQ(failureText(button->writeProperty(Property("text"), arguments[0])),
+              "The object of class 'Button' has no property 'text' that can be set");
 
-    QByteArray elements;
-    QString error;
-    EXPECT_FALSE(requestObjectSnapshot("{name='none'}", &elements, &error));
-    EXPECT_EQ(error, "No object matches {name='none'}");
+    EXPECT_EQ(failureText(requestObjectSnapshot("{name='none'}")),
+              "No object matches {name='none'}");
     model.snapshotBytes = "tree";
-    EXPECT_TRUE(requestObjectSnapshot("{name='ok'}", &elements, &error));
-    EXPECT_EQ(elements, "tree");
+    EXPECT_EQ(requestObjectSnapshot("{name='ok'}").value_or(""), "tree");
 }
 
 TEST(ApplicationContext, ShowsItselfWhateverItsName) {

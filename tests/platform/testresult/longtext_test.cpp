@@ -24,7 +24,7 @@ TEST(LongText, ShowsBothEndsAndTellsWhatIsLeftOut) {
     const QString smile = QString::fromUtf8("\xf0\x9f\x98\x80");
     const struct {
         QString text;
-        int longest;
+        TextLimit limit;
         QString place;
         QString shown;
     } rows[] = {
@@ -33,11 +33,21 @@ TEST(LongText, ShowsBothEndsAndTellsWhatIsLeftOut) {
         {"0123456789x", 4, "a/b", "01\n[... 7 characters left out; the whole text: a/b]\n9x"},
         // At the ends of lines, where these are near.
         {"ab\ncdefghij\nk\nlmn", 8, "", "ab\n[... 11 characters left out]\nlmn"},
+        // By lines, of which the last one may have no end.
+        {"a\nb\nc\nd\n", {99, 4}, "", "a\nb\nc\nd\n"},
+        {"a\nb\nc\nd\ne", {99, 4}, "", "a\nb\n[... 1 lines left out]\nd\ne"},
+        {"a\nb\nc\nd\ne\nf\n",
+         {99, 3},
+         "x",
+         "a\nb\n[... 3 lines left out; the whole text: x]\nf\n"},
+        {"\n\n\n\n", {99, 2}, "", "\n[... 2 lines left out]\n\n"},
+        // Few lines that are long are cut within.
+        {"abcdefgh\nb\nc\nijklmnop", {8, 2}, "", "abcd\n[... 4 lines left out]\nmnop"},
         // Never half a character.
         {smile.repeated(9), 6, "", smile + "\n[... 14 characters left out]\n" + smile},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(limitedText(row.text, row.longest, row.place), row.shown);
+        EXPECT_EQ(limitedText(row.text, row.limit, row.place), row.shown);
 }
 
 class HugeTexts : public testing::Test {

@@ -33,8 +33,10 @@ protected:
         global->addMethod("own", Signature({Argument("QString")}));
         global->addMethod("lookAt", Signature({Argument("QObject")}));
         global->addMethod("len", Signature({Argument("QObject")}));
-        model.onCall = [this](const auto& self, const QString& method, const ObjectList& arguments,
-                              QString* error) { return answer(self, method, arguments, error); };
+        model.onCall = [this](const auto& self, const QString& method,
+                              const ObjectList& arguments) {
+            return answer(self, method, arguments);
+        };
         Inspector::self()->setModel(&model);
         runner.found = button;
         s_button = button;
@@ -50,8 +52,8 @@ protected:
     }
 
     /// Notes the call; the result is what `nextResult` says, null with a text for a failure.
-    SharedPtr<Object> answer(const SharedPtr<Object>& self, const QString& method,
-                             const ObjectList& arguments, QString* error) {
+    Outcome<SharedPtr<Object>> answer(const SharedPtr<Object>& self, const QString& method,
+                                      const ObjectList& arguments) {
         QStringList words{self ? self->objectName() : "-", method};
         for (const SharedPtr<Object>& argument : arguments)
             words.append(argument->handle()
@@ -60,9 +62,7 @@ protected:
                                                     argument->toVariant().toString()));
         s_seen.append(words.join(' '));
         if (!failure.isEmpty()) {
-            *error = failure;
-            Inspector::self()->setLastErrorIsLookup(isLookup);
-            return {};
+            return fail(isLookup ? FailureKind::NotReady : FailureKind::Failed, failure);
         }
         return Inspector::self()->createObject(nextResult);
     }
@@ -246,7 +246,7 @@ TEST_F(PythonObjects, GlobalFunctionsFollowTheApplication) {
     EXPECT_EQ(run("click(theButton())"), "tamrix.Error: No application is connected");
     InMemoryModel other;
     other.editableGlobalClass()->addMethod("special", Signature());
-    other.onCall = [](const auto&, const auto&, const auto&, QString*) {
+    other.onCall = [](const auto&, const auto&, const auto&) {
         return Inspector::self()->createObject(5);
     };
     static InMemoryModel* s_other;

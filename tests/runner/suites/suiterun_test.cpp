@@ -3,12 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <functional>
-#include <tuple>
-#include <vector>
 
 #include "base/environment.h"
-#include "interpreter/bridge/testsettingstype.h"
 #include "runner/coreapplication.h"
 #include "runner/processes/interrupt.h"
 #include "runner/suites/suitefolder.h"
@@ -18,18 +14,6 @@
 
 namespace Tamrix {
 namespace {
-
-/// Calls a function when a case has a result, while the case still runs.
-class ReportOfCases : public Tamrix::Test::RecordingReport {
-public:
-    void add(const ReportEntry& entry) override {
-        RecordingReport::add(entry);
-        if (onResult && eventOf<ResultAdded>(entry))
-            onResult();
-    }
-
-    std::function<void()> onResult;
-};
 
 /// Runs suites in an installation without any language plug-in: every case that comes so far as to
 /// be loaded ends with that result.
@@ -60,7 +44,7 @@ protected:
 
     Tamrix::Test::SuiteFolder folder;
     /// Without what tells of the environment, which stands in `facts`.
-    ReportOfCases report;
+    Tamrix::Test::RecordingReport report;
     QMap<QString, QString> facts;
     bool hasFailed = false;
     int interruptedBy = 0;
@@ -118,26 +102,6 @@ TEST_F(SuiteRunTest, ScriptThatIsNoUtf8IsAResult) {
     EXPECT_EQ(result.detail, QString("the file is not encoded in UTF-8"));
     EXPECT_EQ(result.callStack.front(), LineInfo(folder.path("suite/a/test.py"), 0));
     EXPECT_TRUE(hasFailed);
-}
-
-TEST_F(SuiteRunTest, EachCaseStartsWithTheSameSettings) {
-    folder.write("suite/a/test.py", "def main(): pass\n");
-    folder.write("suite/b/test.py", "def main(): pass\n");
-    using Settings = TestSettingsType;
-    std::vector<std::tuple<int, bool, QString, bool>> seen;
-    report.onResult = [&] {
-        seen.emplace_back(Settings::s_waitForObjectTimeout, Settings::s_breakOnFailure,
-                          Settings::s_testCaseName,
-                          Settings::s_vpOptions.testFlag(VerificationOptions::LogScreenshotOnFail));
-        Settings::s_waitForObjectTimeout = 7;
-        Settings::s_breakOnFailure = true;
-        Settings::s_testCaseName = "changed";
-        Settings::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, false);
-    };
-    run();
-    const auto expected = std::make_tuple(20000, false, QString(), true);
-    EXPECT_EQ(seen, (std::vector{expected, expected}));
-    EXPECT_EQ(Settings::s_waitForObjectTimeout, 20000);
 }
 
 TEST_F(SuiteRunTest, NoCaseStartsAfterASignal) {

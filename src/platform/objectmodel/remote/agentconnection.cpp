@@ -171,33 +171,29 @@ bool AgentConnection::waitForHello(int timeout) {
     return m_state == State::Open;
 }
 
-bool AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline, int timeout,
-                                    Frame* answer, RequestError* error) {
+Outcome<Frame> AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline,
+                                              int timeout) {
+    Frame answer;
     bool hasProcessEnded = false;
     bool isAnswered = false;
     bool goesOn = true;
-    while (takeFrames(sequence, answer, &isAnswered) && !isAnswered) {
+    while (takeFrames(sequence, &answer, &isAnswered) && !isAnswered) {
         if (hasProcessEnded) {
             close(QStringLiteral("the process has ended"));
         } else if (!goesOn) {
-            *error = {RequestError::Kind::Aborted, {}, QStringLiteral("The wait was given up")};
-            return false;
+            return fail(FailureKind::Failed, QStringLiteral("The wait was given up"));
         } else if (deadline.hasExpired()) {
-            *error = {RequestError::Kind::TimedOut,
-                      {},
-                      QStringLiteral("The application did not answer within %1 ms").arg(timeout)};
-            return false;
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("The application did not answer within %1 ms").arg(timeout));
         } else if (hasStalled()) {
-            *error = {
-                RequestError::Kind::Stalled, {}, QStringLiteral("The application does not answer")};
-            return false;
+            return fail(FailureKind::TimedOut, QStringLiteral("The application does not answer"));
         } else {
             goesOn = waitForBytes(deadline, &hasProcessEnded);
         }
     }
     if (!isAnswered)
-        *error = disconnected();
-    return isAnswered;
+        return fail(disconnected());
+    return answer;
 }
 
 bool AgentConnection::hasStalled() {
@@ -209,18 +205,16 @@ bool AgentConnection::hasStalled() {
 
 // Requests
 
-RequestError AgentConnection::disconnected() const {
+Failure AgentConnection::disconnected() const {
     const QString endText = m_endText ? m_endText() : QString();
     if (!endText.isEmpty())
-        return {RequestError::Kind::Disconnected, {}, endText};
-    return {RequestError::Kind::Disconnected,
-            {},
+        return {FailureKind::Ended, endText};
+    return {FailureKind::Ended,
             QStringLiteral("The connection to the application has ended: %1").arg(errorText())};
 }
 
-RequestError AgentConnection::unreadableAnswer(MessageType type) {
-    return {RequestError::Kind::Malformed,
-            {},
+Failure AgentConnection::unreadableAnswer(MessageType type) {
+    return {FailureKind::Failed,
             QStringLiteral("The application's answer to request %1 can't be read")
                 .arg(static_cast<int>(type))};
 }
@@ -234,57 +228,52 @@ bool AgentConnection::send(quint32 sequence, MessageType type, const QByteArray&
     return m_channel.send(sequence, type, body);
 }
 
-bool AgentConnection::exchange(MessageType type, const QByteArray& body,
-                               const QDeadlineTimer& deadline, int timeout, Frame* answer,
-                               RequestError* error) {
+Outcome<Frame> AgentConnection::exchange(MessageType type, const QByteArray& body,
+                                         const QDeadlineTimer& deadline, int timeout) {
     const quint32 sequence = ++m_lastSequence;
     if (send(sequence, type, body))
-        return waitForAnswer(sequence, deadline, timeout, answer, error);
+        return waitForAnswer(sequence, deadline, timeout);
     m_state = State::Closed;
-    *error = disconnected();
-    return false;
+    return fail(disconnected());
 }
 
-bool AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& deadline, int timeout,
-                                 RequestError* error) {
+Outcome<> AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& deadline,
+                                      int timeout) {
     // A ping asks whether the application answers at all, at rest or not.
     if (!m_isSyncDue || type == MessageType::Ping)
-        return true;
+        return {};
     const auto left = static_cast<int>(std::min<qint64>(m_syncTimeout, deadline.remainingTime()));
-    Frame answer;
-    if (!exchange(MessageType::Sync, {}, QDeadlineTimer(left), left, &answer, error)) {
-        if (error->kind != RequestError::Kind::TimedOut)
-            return false;
+    const QDeadlineTimer syncDeadline(left);
+    const Outcome<Frame> answer = exchange(MessageType::Sync, {}, syncDeadline, left);
+    if (!answer) {
+        // An application that does nothing will not come to rest either.
+        const bool isStalled = !syncDeadline.hasExpired();
+        if (answer.error().kind != FailureKind::TimedOut || isStalled)
+            return fail(answer.error());
+        // Sent now, the request would act after its failure was told.
         if (deadline.hasExpired()) {
-            // Sent now, the request would act after its failure was told.
-            error->text =
-                QStringLiteral(
-                    "The application did not come to rest within %1 ms after the last input")
-                    .arg(timeout);
-            return false;
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("The application did not come to rest within %1 ms after "
+                                       "the last input")
+                            .arg(timeout));
         }
     }
     m_isSyncDue = false;
-    return true;
+    return {};
 }
 
-bool AgentConnection::request(MessageType type, const QByteArray& body, int timeout,
-                              QByteArray* reply, RequestError* error, Patience patience) {
+Outcome<QByteArray> AgentConnection::request(MessageType type, const QByteArray& body, int timeout,
+                                             Patience patience) {
     if (m_isRequesting) {
-        *error = {RequestError::Kind::Aborted,
-                  {},
-                  QStringLiteral("Another request to the application is under way")};
-        return false;
+        return fail(FailureKind::Failed,
+                    QStringLiteral("Another request to the application is under way"));
     }
-    if (m_state != State::Open) {
-        *error = disconnected();
-        return false;
-    }
+    if (m_state != State::Open)
+        return fail(disconnected());
     if (static_cast<quint32>(body.size()) > Wire::maximalBodySize) {
-        *error = {RequestError::Kind::Refused, FailureKind::BadArgument,
-                  QStringLiteral("The request is too long: it has %1 bytes of at most %2")
-                      .arg(QString::number(body.size()), QString::number(Wire::maximalBodySize))};
-        return false;
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("The request is too long: it has %1 bytes of at most %2")
+                        .arg(QString::number(body.size()), QString::number(Wire::maximalBodySize)));
     }
     const QScopedValueRollback<bool> requesting(m_isRequesting, true);
     m_patience = patience;
@@ -295,28 +284,27 @@ bool AgentConnection::request(MessageType type, const QByteArray& body, int time
             m_isStalled();
     }
     const QDeadlineTimer deadline(timeout);
-    if (!syncBefore(type, deadline, timeout, error))
-        return false;
-    Frame answer;
-    const bool isAnswered = exchange(type, body, deadline, timeout, &answer, error);
-    if (isAnswered && answer.type == MessageType::Failure) {
-        Wire::Failure failure;
-        if (Wire::decode(answer.body, &failure))
-            *error = {RequestError::Kind::Refused, failure.kind, failure.text};
-        else
-            *error = unreadableAnswer(type);
-        return false;
+    const Outcome<> sync = syncBefore(type, deadline, timeout);
+    if (!sync)
+        return fail(sync.error());
+    const Outcome<Frame> answer = exchange(type, body, deadline, timeout);
+    if (answer && answer->type == MessageType::Failure) {
+        Failure failure;
+        return fail(Wire::decode(answer->body, &failure) ? failure : unreadableAnswer(type));
     }
     // Also a request that was given up may still act.
     if (injectsInput(type, body))
         m_isSyncDue = true;
-    *reply = answer.body;
-    return isAnswered;
+    if (!answer)
+        return fail(answer.error());
+    return answer->body;
 }
 
-bool AgentConnection::ping(int timeout, RequestError* error) {
-    QByteArray reply;
-    return request(MessageType::Ping, QByteArray(), timeout, &reply, error);
+Outcome<> AgentConnection::ping(int timeout) {
+    const Outcome<QByteArray> answer = request(MessageType::Ping, QByteArray(), timeout);
+    if (!answer)
+        return fail(answer.error());
+    return {};
 }
 
 }  // namespace Tamrix

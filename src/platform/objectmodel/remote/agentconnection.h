@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/export.h"
-#include "platform/objectmodel/remote/requesterror.h"
+#include "base/outcome.h"
 #include "wire/framechannel.h"
 #include "wire/messages.h"
 
@@ -88,32 +88,35 @@ public:
     int syncTimeout() const { return m_syncTimeout; }
     void setSyncTimeout(int milliseconds) { m_syncTimeout = milliseconds; }
 
-    /// Sends a request and waits for its answer, up to `timeout` ms. False on failure. An answer
-    /// that comes after its request was given up is dropped.
-    bool request(Wire::MessageType type, const QByteArray& body, int timeout, QByteArray* reply,
-                 RequestError* error, Patience patience = Patience::UntilTimeout);
+    /// Sends a request and waits for its answer, up to `timeout` ms. An answer that comes after its
+    /// request was given up is dropped. What the application refuses has the kind that it gave;
+    /// TimedOut is no answer in time, also none with little patience, and Ended the end of the
+    /// connection or of the process. When the idle hook gave up, or the answer can't be read, the
+    /// kind is Failed.
+    Outcome<QByteArray> request(Wire::MessageType type, const QByteArray& body, int timeout,
+                                Patience patience = Patience::UntilTimeout);
     /// The same with the answer's body read.
     template <typename Reply>
-    bool request(Wire::MessageType type, const QByteArray& body, int timeout, Reply* reply,
-                 RequestError* error, Patience patience = Patience::UntilTimeout) {
-        QByteArray bytes;
-        if (!request(type, body, timeout, &bytes, error, patience))
-            return false;
-        if (Wire::decode(bytes, reply))
-            return true;
-        *error = unreadableAnswer(type);
-        return false;
+    Outcome<Reply> ask(Wire::MessageType type, const QByteArray& body, int timeout,
+                       Patience patience = Patience::UntilTimeout) {
+        const Outcome<QByteArray> bytes = request(type, body, timeout, patience);
+        if (!bytes)
+            return fail(bytes.error());
+        Reply reply;
+        if (!Wire::decode(*bytes, &reply))
+            return fail(unreadableAnswer(type));
+        return reply;
     }
     /// Whether the application's event loop answers within `timeout` ms.
-    bool ping(int timeout, RequestError* error);
+    Outcome<> ping(int timeout);
 
     /// The events that came, in order; they are given once.
     std::vector<Wire::EventFired> takeEvents();
 
     /// How the application, or the connection to it, has ended; meaningful once it has.
-    RequestError disconnected() const;
+    Failure disconnected() const;
     /// "The application's answer to request 32 can't be read".
-    static RequestError unreadableAnswer(Wire::MessageType type);
+    static Failure unreadableAnswer(Wire::MessageType type);
 
 private:
     /// Frames that have come: false when the connection is closed now. `wanted` is the sequence of
@@ -123,13 +126,12 @@ private:
     void takeEvent(const Wire::Frame& frame);
     /// Waits a moment for bytes. False when the idle hook gave up.
     bool waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded);
-    bool waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline, int timeout,
-                       Wire::Frame* answer, RequestError* error);
+    Outcome<Wire::Frame> waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline,
+                                       int timeout);
     bool send(quint32 sequence, Wire::MessageType type, const QByteArray& body);
-    bool exchange(Wire::MessageType type, const QByteArray& body, const QDeadlineTimer& deadline,
-                  int timeout, Wire::Frame* answer, RequestError* error);
-    bool syncBefore(Wire::MessageType type, const QDeadlineTimer& deadline, int timeout,
-                    RequestError* error);
+    Outcome<Wire::Frame> exchange(Wire::MessageType type, const QByteArray& body,
+                                  const QDeadlineTimer& deadline, int timeout);
+    Outcome<> syncBefore(Wire::MessageType type, const QDeadlineTimer& deadline, int timeout);
     /// Whether a request with little patience ends now.
     bool hasStalled();
 

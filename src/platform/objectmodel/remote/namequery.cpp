@@ -30,17 +30,17 @@ QString partText(const NearMiss::Difference& part) {
 
 }  // namespace
 
-bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error) {
-    *query = {};
+Outcome<Wire::Query> makeQuery(const ObjectName& name) {
+    Wire::Query query;
     const auto properties = name.properties();
     for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
         const PropertyValue& value = it.value();
         if (it.key() == QLatin1String(occurrenceProperty)) {
-            query->occurrence = value.text().toInt();
-            if (query->occurrence < 1 || value.modifiers() != PropertyValue::Plain) {
-                *error = QStringLiteral("The occurrence in a name is a number from 1, not '%1'")
-                             .arg(value.text());
-                return false;
+            query.occurrence = value.text().toInt();
+            if (query.occurrence < 1 || value.modifiers() != PropertyValue::Plain) {
+                return fail(FailureKind::BadArgument,
+                            QStringLiteral("The occurrence in a name is a number from 1, not '%1'")
+                                .arg(value.text()));
             }
             continue;
         }
@@ -50,26 +50,26 @@ bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error) {
         criterion.text = value.text();
         if (value.isRealName() && isMultiPropertyName(value.text())) {
             criterion.text.clear();
-            criterion.object = std::make_shared<Wire::Query>();
-            if (!makeQuery(ObjectName(value.text()), criterion.object.get(), error))
-                return false;
+            const Outcome<Wire::Query> object = makeQuery(ObjectName(value.text()));
+            if (!object)
+                return object;
+            criterion.object = std::make_shared<Wire::Query>(*object);
         } else {
             const QString fault = Wire::TextMatch(value.text(), value.modifiers()).errorText();
             if (!fault.isEmpty()) {
-                *error = QStringLiteral("The property '%1' of the name %2: %3")
-                             .arg(it.key(), name.qualifiedName(), fault);
-                return false;
+                return fail(FailureKind::BadArgument,
+                            QStringLiteral("The property '%1' of the name %2: %3")
+                                .arg(it.key(), name.qualifiedName(), fault));
             }
         }
-        query->criteria.append(criterion);
+        query.criteria.append(criterion);
     }
-    return true;
+    return query;
 }
 
 QString nameFault(const ObjectName& name) {
-    Wire::Query unused;
-    QString fault;
-    return makeQuery(name, &unused, &fault) ? QString() : fault;
+    const Outcome<Wire::Query> query = makeQuery(name);
+    return query ? QString() : query.error().text;
 }
 
 QString differenceText(const NearMiss& miss) {

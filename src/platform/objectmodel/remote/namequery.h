@@ -7,9 +7,9 @@
 
 namespace Tamrix {
 
-/// A name as the application looks for it. False when an occurrence is no number from 1, or a
-/// wildcard or expression is malformed; `*error` then names the property.
-bool makeQuery(const ObjectName& name, Wire::Query* query, QString* error);
+/// A name as the application looks for it. Fails when an occurrence is no number from 1, or a
+/// wildcard or expression is malformed; the text names the property.
+Outcome<Wire::Query> makeQuery(const ObjectName& name);
 
 /// Why nothing matches, for people: "No object matches {...}", then what differed on the objects
 /// that matched nearly, one object a line.

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/classregistry.h"
 #include "platform/objectmodel/remote/remoteobject.h"
@@ -20,23 +19,16 @@ RemoteLink::RemoteLink(std::shared_ptr<AgentConnection> connection)
 
 // Classes
 
-const Class* RemoteLink::classByName(const QString& name, QString* error) {
-    RequestError failure;
-    const Class* const described = readClass(name, m_requestTimeout, &failure);
-    if (!failure.text.isEmpty())
-        *error = failure.text;
-    return described;
-}
-
-const Class* RemoteLink::readClass(const QString& name, int timeout, RequestError* error) {
+Outcome<const Class*> RemoteLink::classByName(const QString& name, int timeout) {
     const auto known = m_classes.constFind(name);
     if (known != m_classes.cend())
         return *known;
-    Wire::ClassInfo info;
-    if (!m_connection->request(MessageType::DescribeClass, encode(Wire::Text{name}), timeout, &info,
-                               error))
-        return nullptr;
-    const Class* const described = info.name.isEmpty() ? nullptr : internClass(info);
+    const auto info =
+        m_connection->ask<Wire::ClassInfo>(MessageType::DescribeClass, encode(Wire::Text{name}),
+                                           timeout < 0 ? m_requestTimeout : timeout);
+    if (!info)
+        return fail(info.error());
+    const Class* const described = info->name.isEmpty() ? nullptr : internClass(*info);
     // A plug-in that the application loads later may bring a class that is unknown now.
     if (described)
         m_classes.insert(name, described);
@@ -92,89 +84,104 @@ SharedPtr<Object> RemoteLink::valueObject(const QVariant& wireValue) {
     if (SharedPtr<Object> found = object(info))
         return found;
     // A property that could hold an object, and holds none.
-    QString ignored;
-    return {new Object(0, classByName(info.className, &ignored))};
+    return {new Object(0, classByName(info.className).value_or(nullptr))};
 }
 
-SharedPtr<Object> RemoteLink::askValue(MessageType type, const QByteArray& body, QString* error) {
-    Wire::Value answer;
-    return ask(type, body, &answer, error) ? valueObject(answer.value) : SharedPtr<Object>();
+// Requests
+
+Outcome<> RemoteLink::tell(MessageType type, const QByteArray& body) {
+    const Outcome<QByteArray> answer = m_connection->request(type, body, m_requestTimeout);
+    if (!answer)
+        return fail(answer.error());
+    return {};
+}
+
+Outcome<SharedPtr<Object>> RemoteLink::askValue(MessageType type, const QByteArray& body) {
+    const auto answer = ask<Wire::Value>(type, body);
+    if (!answer)
+        return fail(answer.error());
+    return valueObject(answer->value);
 }
 
 // Values that go over
 
-bool RemoteLink::handleOf(const SharedPtr<Object>& object, quint64* handle, QString* error) const {
+Outcome<quint64> RemoteLink::handleOf(const SharedPtr<Object>& object) const {
     const auto* const remote = dynamic_cast<const RemoteObject*>(object.get());
-    if (!remote || &remote->link() != this) {
-        *error = remote ? QStringLiteral(
-                              "The object %1 belongs to another application or to a "
-                              "connection that has ended")
-                              .arg(remote->description())
-                        : QStringLiteral("This is no object of the application");
-        return false;
+    if (!remote)
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("This is no object of the application"));
+    if (&remote->link() != this) {
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("The object %1 belongs to another application or to a "
+                                   "connection that has ended")
+                        .arg(remote->description()));
     }
-    *handle = remote->wireHandle();
-    return true;
+    return remote->wireHandle();
 }
 
-bool RemoteLink::wireValue(const QVariant& value, QVariant* result, QString* error) const {
+Outcome<QVariant> RemoteLink::wireValue(const QVariant& value) const {
     if (value.userType() == qMetaTypeId<SharedPtr<Object>>()) {
         const auto object = value.value<SharedPtr<Object>>();
         Wire::ObjectInfo info;
-        if (object && !object->isNull() && !handleOf(object, &info.handle, error))
-            return false;
-        *result = QVariant::fromValue(info);
-        return true;
+        if (object && !object->isNull()) {
+            const Outcome<quint64> handle = handleOf(object);
+            if (!handle)
+                return fail(handle.error());
+            info.handle = *handle;
+        }
+        return QVariant::fromValue(info);
     }
     if (value.userType() == QMetaType::QVariantList) {
-        QVariantList list = value.toList();
-        for (QVariant& each : list) {
-            if (!wireValue(QVariant(each), &each, error))
-                return false;
+        QVariantList list;
+        for (const QVariant& each : value.toList()) {
+            const Outcome<QVariant> converted = wireValue(each);
+            if (!converted)
+                return converted;
+            list.append(*converted);
         }
-        *result = list;
-    } else if (value.userType() == QMetaType::QVariantMap) {
+        // Not as an element of a new list.
+        return QVariant(list);
+    }
+    if (value.userType() == QMetaType::QVariantMap) {
         QVariantMap map = value.toMap();
         for (QVariant& each : map) {
-            if (!wireValue(QVariant(each), &each, error))
-                return false;
+            const Outcome<QVariant> converted = wireValue(each);
+            if (!converted)
+                return converted;
+            each = *converted;
         }
-        *result = map;
-    } else {
-        *result = value;
+        return QVariant(map);
     }
-    return true;
+    return value;
 }
 
-bool RemoteLink::wireValues(const ObjectList& arguments, QVariantList* results,
-                            QString* error) const {
+Outcome<QVariantList> RemoteLink::wireValues(const ObjectList& arguments) const {
+    QVariantList values;
     for (const SharedPtr<Object>& argument : arguments) {
-        QVariant value;
-        if (!wireValue(argumentValue(argument), &value, error))
-            return false;
-        results->append(value);
+        const Outcome<QVariant> value = wireValue(argumentValue(argument));
+        if (!value)
+            return fail(value.error());
+        values.append(*value);
     }
-    return true;
+    return values;
 }
 
-SharedPtr<Object> RemoteLink::invoke(quint64 handle, const QString& method,
-                                     const ObjectList& arguments, QString* error) {
+Outcome<SharedPtr<Object>> RemoteLink::invoke(quint64 handle, const QString& method,
+                                              const ObjectList& arguments) {
+    const Outcome<QVariantList> values = wireValues(arguments);
+    if (!values)
+        return fail(values.error());
     Wire::Invoke call;
     call.handle = handle;
     call.method = method;
     call.timeout = m_readyTimeout;
-    if (!wireValues(arguments, &call.arguments, error))
-        return {};
-    Wire::Value answer;
-    RequestError failure;
+    call.arguments = *values;
     // The application first waits for its object, then has the usual time.
-    if (m_connection->request(MessageType::Invoke, encode(call), m_readyTimeout + m_requestTimeout,
-                              &answer, &failure))
-        return valueObject(answer.value);
-    *error = failure.text;
-    Inspector::self()->setLastErrorIsLookup(failure.isRefused(FailureKind::NotReady) ||
-                                            failure.isRefused(FailureKind::NotFound));
-    return {};
+    const auto answer = m_connection->ask<Wire::Value>(MessageType::Invoke, encode(call),
+                                                       m_readyTimeout + m_requestTimeout);
+    if (!answer)
+        return fail(answer.error());
+    return valueObject(answer->value);
 }
 
 }  // namespace Tamrix

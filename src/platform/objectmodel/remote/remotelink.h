@@ -26,32 +26,22 @@ public:
     int readyTimeout() const { return m_readyTimeout; }
     void setReadyTimeout(int milliseconds) { m_readyTimeout = milliseconds; }
 
-    // Requests with the usual time-out. False on failure, with `*error` set.
+    // Requests with the usual time-out.
     template <typename Reply>
-    bool ask(Wire::MessageType type, const QByteArray& body, Reply* reply, QString* error) {
-        RequestError failure;
-        if (m_connection->request(type, body, m_requestTimeout, reply, &failure))
-            return true;
-        *error = failure.text;
-        return false;
+    Outcome<Reply> ask(Wire::MessageType type, const QByteArray& body) {
+        return m_connection->ask<Reply>(type, body, m_requestTimeout);
     }
     /// A request without answer body.
-    bool tell(Wire::MessageType type, const QByteArray& body, QString* error) {
-        QByteArray nothing;
-        return ask(type, body, &nothing, error);
-    }
-    /// A request that is answered by a value; null on failure.
-    SharedPtr<Object> askValue(Wire::MessageType type, const QByteArray& body, QString* error);
+    Outcome<> tell(Wire::MessageType type, const QByteArray& body);
+    /// A request that is answered by a value.
+    Outcome<SharedPtr<Object>> askValue(Wire::MessageType type, const QByteArray& body);
     /// Calls a method of an object, or a global function for handle 0.
-    SharedPtr<Object> invoke(quint64 handle, const QString& method, const ObjectList& arguments,
-                             QString* error);
+    Outcome<SharedPtr<Object>> invoke(quint64 handle, const QString& method,
+                                      const ObjectList& arguments);
 
-    /// Described once for each connection. Null when the application knows no such class, or can't
-    /// be asked: `*error` is set in the latter case only.
-    const Class* classByName(const QString& name, QString* error);
-    /// The same with a time-out of its own. Null with `error->text` empty when there is no such
-    /// class.
-    const Class* readClass(const QString& name, int timeout, RequestError* error);
+    /// Described once for each connection. Null when the application knows no such class. A
+    /// time-out of -1 is the usual one.
+    Outcome<const Class*> classByName(const QString& name, int timeout = -1);
 
     /// An object of the application; null for handle 0.
     SharedPtr<Object> object(const Wire::ObjectInfo& info);
@@ -59,11 +49,11 @@ public:
     /// A value as an object: an object of the application, or a ValueObject.
     SharedPtr<Object> valueObject(const QVariant& wireValue);
 
-    /// The object's handle on the wire. False for null and for an object of something else.
-    bool handleOf(const SharedPtr<Object>& object, quint64* handle, QString* error) const;
-    /// A value as it travels. False when it holds an object that is not of this application.
-    bool wireValue(const QVariant& value, QVariant* result, QString* error) const;
-    bool wireValues(const ObjectList& arguments, QVariantList* results, QString* error) const;
+    /// The object's handle on the wire. Fails for null and for an object of something else.
+    Outcome<quint64> handleOf(const SharedPtr<Object>& object) const;
+    /// A value as it travels. Fails when it holds an object that is not of this application.
+    Outcome<QVariant> wireValue(const QVariant& value) const;
+    Outcome<QVariantList> wireValues(const ObjectList& arguments) const;
 
 private:
     QVariant localValue(const QVariant& wireValue);

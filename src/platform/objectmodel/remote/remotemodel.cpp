@@ -1,6 +1,5 @@
 #include "platform/objectmodel/remote/remotemodel.h"
 
-#include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/namequery.h"
 #include "platform/objectmodel/remote/remotelink.h"
@@ -17,11 +16,6 @@ namespace {
 const QString& globalClassName() {
     static const QString s_name = QStringLiteral("Global");
     return s_name;
-}
-
-/// A failure that was found before anything was sent.
-RequestError refusedHere(const QString& text) {
-    return {RequestError::Kind::Refused, FailureKind::BadArgument, text};
 }
 
 }  // namespace
@@ -49,230 +43,216 @@ void RemoteModel::setReadyTimeout(int milliseconds) {
 
 // Look-ups
 
-bool RemoteModel::lookUp(MessageType type, const QByteArray& body, int timeout,
-                         LookUpAnswer* answer, QList<NearMiss>* misses, RequestError* error,
-                         AgentConnection::Patience patience) {
-    Wire::LookUpResult result;
-    if (!m_link->connection().request(type, body, timeout < 0 ? requestTimeout() : timeout, &result,
-                                      error, patience))
-        return false;
-    answer->object = m_link->object(result.object);
-    answer->isReady = result.isReady;
-    answer->obstacle = result.obstacle;
-    *misses = result.nearMisses;
-    return true;
+Outcome<RemoteModel::Found> RemoteModel::lookUp(MessageType type, const QByteArray& body,
+                                                int timeout, AgentConnection::Patience patience) {
+    const auto result = m_link->connection().ask<Wire::LookUpResult>(
+        type, body, timeout < 0 ? requestTimeout() : timeout, patience);
+    if (!result)
+        return fail(result.error());
+    Found found;
+    found.answer.object = m_link->object(result->object);
+    found.answer.isReady = result->isReady;
+    found.answer.obstacle = result->obstacle;
+    found.misses = result->nearMisses;
+    return found;
 }
 
-bool RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
-                         LookUpAnswer* answer, RequestError* error, int timeout,
-                         AgentConnection::Patience patience) {
-    *answer = {};
-    Wire::LookUp request;
-    request.wanted = wanted;
-    request.wantNearMisses = wantNearMisses;
-    QString fault;
-    if (!makeQuery(name, &request.query, &fault)) {
-        *error = refusedHere(fault);
-        return false;
-    }
-    QList<NearMiss> misses;
-    if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error, patience))
-        return false;
-    if (!answer->object)
-        answer->missText = missText(name, misses);
-    return true;
+Outcome<LookUpAnswer> RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted,
+                                          bool wantNearMisses, int timeout,
+                                          AgentConnection::Patience patience) {
+    const Outcome<Wire::Query> query = makeQuery(name);
+    if (!query)
+        return fail(query.error());
+    const Wire::LookUp request{0, *query, wanted, wantNearMisses};
+    Outcome<Found> found = lookUp(MessageType::LookUp, encode(request), timeout, patience);
+    if (!found)
+        return fail(found.error());
+    if (!found->answer.object)
+        found->answer.missText = missText(name, found->misses);
+    return found->answer;
 }
 
-bool RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
-                         RequestError* error, int timeout) {
-    *answer = {};
-    Wire::LookUp request;
-    request.wanted = wanted;
-    QString fault;
-    if (!m_link->handleOf(object, &request.handle, &fault)) {
-        *error = refusedHere(fault);
-        return false;
-    }
-    QList<NearMiss> misses;
-    if (!lookUp(MessageType::LookUp, encode(request), timeout, answer, &misses, error))
-        return false;
-    if (!answer->object)
-        answer->missText = QStringLiteral("The object is gone");
-    return true;
+Outcome<LookUpAnswer> RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted,
+                                          int timeout) {
+    const Outcome<quint64> handle = m_link->handleOf(object);
+    if (!handle)
+        return fail(handle.error());
+    const Wire::LookUp request{*handle, {}, wanted, false};
+    Outcome<Found> found = lookUp(MessageType::LookUp, encode(request), timeout);
+    if (!found)
+        return fail(found.error());
+    if (!found->answer.object)
+        found->answer.missText = QStringLiteral("The object is gone");
+    return found->answer;
 }
 
-bool RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
-                         const ObjectName& properties, bool wantNearMisses, LookUpAnswer* answer,
-                         RequestError* error, int timeout) {
-    *answer = {};
-    Wire::Expect request;
-    request.wantNearMisses = wantNearMisses;
-    QString fault;
-    const bool isNamed = !object;
-    if (!(isNamed ? makeQuery(name, &request.query, &fault)
-                  : m_link->handleOf(object, &request.handle, &fault)) ||
-        !makeQuery(properties, &request.properties, &fault)) {
-        *error = refusedHere(fault);
-        return false;
+Outcome<LookUpAnswer> RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
+                                          const ObjectName& properties, bool wantNearMisses,
+                                          int timeout) {
+    const Outcome<quint64> handle = object ? m_link->handleOf(object) : Outcome<quint64>(0);
+    const Outcome<Wire::Query> query = object ? Wire::Query() : makeQuery(name);
+    const Outcome<Wire::Query> wanted = makeQuery(properties);
+    if (!handle)
+        return fail(handle.error());
+    for (const auto* const each : {&query, &wanted}) {
+        if (!*each)
+            return fail(each->error());
     }
-    QList<NearMiss> misses;
-    if (!lookUp(MessageType::Expect, encode(request), timeout, answer, &misses, error))
-        return false;
-    answer->lack = QStringLiteral("not as expected");
-    answer->isReady = answer->object && misses.isEmpty();
-    if (answer->object && !misses.isEmpty())
-        answer->obstacle = differenceText(misses.first());
-    else if (!answer->object)
-        answer->missText = missText(name, misses);
-    return true;
+    const Wire::Expect request{*handle, *query, *wanted, wantNearMisses};
+    Outcome<Found> found = lookUp(MessageType::Expect, encode(request), timeout);
+    if (!found)
+        return fail(found.error());
+    LookUpAnswer& answer = found->answer;
+    answer.lack = QStringLiteral("not as expected");
+    answer.isReady = answer.object && found->misses.isEmpty();
+    if (!answer.object)
+        answer.missText = missText(name, found->misses);
+    else if (!answer.isReady)
+        answer.obstacle = differenceText(found->misses.first());
+    return answer;
 }
 
-bool RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row, int column,
-                           bool wantReady, LookUpAnswer* answer, RequestError* error, int timeout) {
-    *answer = {};
-    Wire::FindItem request;
-    request.text = text;
-    request.row = row;
-    request.column = column;
-    request.wantReady = wantReady;
-    QString fault;
-    if (!m_link->handleOf(view, &request.handle, &fault)) {
-        *error = refusedHere(fault);
-        return false;
+Outcome<LookUpAnswer> RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
+                                            int column, bool wantReady, int timeout) {
+    const Outcome<quint64> handle = m_link->handleOf(view);
+    if (!handle)
+        return fail(handle.error());
+    const Wire::FindItem request{*handle, text, row, column, wantReady};
+    Outcome<Found> found = lookUp(MessageType::FindItem, encode(request), timeout);
+    if (!found) {
+        // An item that is not there is no failure here, as with other look-ups.
+        if (found.error().kind != FailureKind::NotFound)
+            return fail(found.error());
+        LookUpAnswer answer;
+        answer.missText = found.error().text;
+        return answer;
     }
-    QList<NearMiss> misses;
-    const bool isAnswered =
-        lookUp(MessageType::FindItem, encode(request), timeout, answer, &misses, error);
-    // An item that is not there is no failure here, as with other look-ups.
-    if (!isAnswered && error->isRefused(FailureKind::NotFound)) {
-        answer->missText = error->text;
-        return true;
-    }
-    if (isAnswered && !answer->object) {
+    LookUpAnswer& answer = found->answer;
+    if (!answer.object) {
         // The application tells there why it found none.
-        if (!answer->obstacle.isEmpty())
-            answer->missText = std::exchange(answer->obstacle, QString());
+        if (!answer.obstacle.isEmpty())
+            answer.missText = std::exchange(answer.obstacle, QString());
         else if (text.isNull())
-            answer->missText = QStringLiteral("There is no item at row %1, column %2")
-                                   .arg(QString::number(row), QString::number(column));
+            answer.missText = QStringLiteral("There is no item at row %1, column %2")
+                                  .arg(QString::number(row), QString::number(column));
         else
-            answer->missText = QStringLiteral("There is no item '%1'").arg(text);
+            answer.missText = QStringLiteral("There is no item '%1'").arg(text);
     }
-    return isAnswered;
+    return answer;
 }
 
-SharedPtr<Object> RemoteModel::objectById(int remoteId, QString* error) {
-    Wire::LookUp request;
-    request.handle = static_cast<quint64>(remoteId);
-    Wire::LookUpResult result;
+Outcome<SharedPtr<Object>> RemoteModel::objectById(int remoteId) {
     if (remoteId <= 0)
-        *error = QStringLiteral("%1 is no object's number").arg(remoteId);
-    else if (m_link->ask(MessageType::LookUp, encode(request), &result, error) &&
-             result.object.handle == 0)
-        *error = QStringLiteral("The object %1 is gone").arg(remoteId);
-    return m_link->object(result.object);
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("%1 is no object's number").arg(remoteId));
+    const Wire::LookUp request{static_cast<quint64>(remoteId), {}, Wire::Wanted::Existence, false};
+    const auto result = m_link->ask<Wire::LookUpResult>(MessageType::LookUp, encode(request));
+    if (!result)
+        return fail(result.error());
+    if (result->object.handle == 0)
+        return fail(FailureKind::Gone, QStringLiteral("The object %1 is gone").arg(remoteId));
+    return m_link->object(result->object);
 }
 
-SharedPtr<Object> RemoteModel::findObject(const ObjectName& name, QString* error) {
-    LookUpAnswer answer;
-    RequestError failure;
+Outcome<SharedPtr<Object>> RemoteModel::findObject(const ObjectName& name) {
     // This one does not wait for objects, so it does not wait for a stopped application either.
-    if (!lookUp(name, Wire::Wanted::Existence, true, &answer, &failure, -1,
-                AgentConnection::Patience::WhileItRuns))
-        *error = failure.text;
-    else if (!answer.object)
-        *error = answer.missText;
-    return answer.object;
+    const Outcome<LookUpAnswer> answer =
+        lookUp(name, Wire::Wanted::Existence, true, -1, AgentConnection::Patience::WhileItRuns);
+    if (!answer)
+        return fail(answer.error());
+    if (!answer->object)
+        return fail(FailureKind::NotFound, answer->missText);
+    return answer->object;
 }
 
-ObjectList RemoteModel::topLevelObjects(QString* error) {
-    Wire::ObjectInfoList infos;
-    m_link->ask(MessageType::TopLevelObjects, {}, &infos, error);
-    return m_link->objects(infos);
+Outcome<ObjectList> RemoteModel::topLevelObjects() {
+    const auto infos = m_link->ask<Wire::ObjectInfoList>(MessageType::TopLevelObjects, {});
+    if (!infos)
+        return fail(infos.error());
+    return m_link->objects(*infos);
 }
 
 // Classes and calls
 
-const Class* RemoteModel::classByName(const QString& name) {
-    QString error;
-    const Class* const known = m_link->classByName(name, &error);
-    if (!error.isEmpty())
-        Inspector::self()->setLastError(error);
-    return known;
+Outcome<const Class*> RemoteModel::classByName(const QString& name) {
+    return m_link->classByName(name);
 }
 
-bool RemoteModel::readGlobalClass(int timeout, RequestError* error) {
-    return m_link->readClass(globalClassName(), timeout, error) || error->text.isEmpty();
+Outcome<> RemoteModel::readGlobalClass(int timeout) {
+    const Outcome<const Class*> global = m_link->classByName(globalClassName(), timeout);
+    if (!global)
+        return fail(global.error());
+    return {};
 }
 
-const Class* RemoteModel::globalClass() {
+Outcome<const Class*> RemoteModel::globalClass() {
     return classByName(globalClassName());
 }
 
-SharedPtr<Object> RemoteModel::invokeGlobal(const QString& method, const ObjectList& arguments,
-                                            QString* error) {
-    return m_link->invoke(0, method, arguments, error);
+Outcome<SharedPtr<Object>> RemoteModel::invokeGlobal(const QString& method,
+                                                     const ObjectList& arguments) {
+    return m_link->invoke(0, method, arguments);
 }
 
-SharedPtr<Object> RemoteModel::construct(const Class* objectClass, const ObjectList& arguments,
-                                         QString* error) {
-    const Class* const global = m_link->classByName(globalClassName(), error);
+Outcome<SharedPtr<Object>> RemoteModel::construct(const Class* objectClass,
+                                                  const ObjectList& arguments) {
+    const Outcome<const Class*> global = globalClass();
     if (!global)
-        return {};
-    if (global->methodsByName(objectClass->name()).isEmpty()) {
-        *error = QStringLiteral("The application can't make objects of class '%1'")
-                     .arg(objectClass->name());
-        return {};
+        return fail(global.error());
+    if (!*global || (*global)->methodsByName(objectClass->name()).isEmpty()) {
+        return fail(FailureKind::Refused,
+                    QStringLiteral("The application can't make objects of class '%1'")
+                        .arg(objectClass->name()));
     }
-    return m_link->invoke(0, objectClass->name(), arguments, error);
+    return m_link->invoke(0, objectClass->name(), arguments);
 }
 
-QVariant RemoteModel::nativeRequest(const QString& name, const QVariantList& arguments,
-                                    QString* error) {
-    Wire::NativeRequest request;
-    request.name = name;
-    QVariant wireArguments;
-    if (!m_link->wireValue(arguments, &wireArguments, error))
-        return {};
-    request.arguments = wireArguments.toList();
-    Wire::Value answer;
-    m_link->ask(MessageType::NativeRequest, encode(request), &answer, error);
-    return answer.value;
+Outcome<QVariant> RemoteModel::nativeRequest(const QString& name, const QVariantList& arguments) {
+    const Outcome<QVariant> wireArguments = m_link->wireValue(arguments);
+    if (!wireArguments)
+        return wireArguments;
+    const Wire::NativeRequest request{name, wireArguments->toList()};
+    const auto answer = m_link->ask<Wire::Value>(MessageType::NativeRequest, encode(request));
+    if (!answer)
+        return fail(answer.error());
+    return answer->value;
 }
 
 // Events
 
-bool RemoteModel::handlerRequest(MessageType type, const SharedPtr<Object>& object,
-                                 const QString& className, const QString& event,
-                                 const QString& callback, QString* error) {
-    Wire::EventHandler handler;
-    if (object && !m_link->handleOf(object, &handler.handle, error))
-        return false;
-    handler.className = className;
-    handler.event = event;
-    handler.callback = callback;
-    return m_link->tell(type, encode(handler), error);
+Outcome<> RemoteModel::handlerRequest(MessageType type, const SharedPtr<Object>& object,
+                                      const QString& className, const QString& event,
+                                      const QString& callback) {
+    Wire::EventHandler handler{0, className, event, callback};
+    if (object) {
+        const Outcome<quint64> handle = m_link->handleOf(object);
+        if (!handle)
+            return fail(handle.error());
+        handler.handle = *handle;
+    }
+    return m_link->tell(type, encode(handler));
 }
 
-bool RemoteModel::installEventHandler(SharedPtr<Object> object, const QString& className,
-                                      const QString& event, const QString& callback,
-                                      QString* error) {
-    return handlerRequest(MessageType::InstallHandler, object, className, event, callback, error);
+Outcome<> RemoteModel::installEventHandler(SharedPtr<Object> object, const QString& className,
+                                           const QString& event, const QString& callback) {
+    return handlerRequest(MessageType::InstallHandler, object, className, event, callback);
 }
 
-bool RemoteModel::uninstallEventHandler(SharedPtr<Object> object, const QString& className,
-                                        const QString& event, const QString& callback,
-                                        QString* error) {
-    return handlerRequest(MessageType::UninstallHandler, object, className, event, callback, error);
+Outcome<> RemoteModel::uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                                             const QString& event, const QString& callback) {
+    return handlerRequest(MessageType::UninstallHandler, object, className, event, callback);
 }
 
-bool RemoteModel::sendEvent(const Event* event, SharedPtr<Object> target,
-                            const ObjectList& parameters, QString* error) {
-    Wire::SendEvent request;
-    request.event = event->name();
-    return m_link->handleOf(target, &request.handle, error) &&
-           m_link->wireValues(parameters, &request.arguments, error) &&
-           m_link->tell(MessageType::SendEvent, encode(request), error);
+Outcome<> RemoteModel::sendEvent(const Event* event, SharedPtr<Object> target,
+                                 const ObjectList& parameters) {
+    const Outcome<quint64> handle = m_link->handleOf(target);
+    if (!handle)
+        return fail(handle.error());
+    const Outcome<QVariantList> arguments = m_link->wireValues(parameters);
+    if (!arguments)
+        return fail(arguments.error());
+    return m_link->tell(MessageType::SendEvent,
+                        encode(Wire::SendEvent{*handle, event->name(), *arguments}));
 }
 
 std::vector<std::pair<QString, SharedPtr<Object>>> RemoteModel::takeEvents() {
@@ -284,65 +264,76 @@ std::vector<std::pair<QString, SharedPtr<Object>>> RemoteModel::takeEvents() {
 
 // What the runner does with the application
 
-QByteArray RemoteModel::snapshot(SharedPtr<Object> object, QString* error) {
-    return snapshot(object, false, error);
+Outcome<QByteArray> RemoteModel::snapshot(SharedPtr<Object> object) {
+    return snapshot(object, false);
 }
 
-QByteArray RemoteModel::snapshot(SharedPtr<Object> object, bool withImages, QString* error) {
-    Wire::Snapshot request;
-    request.withImages = withImages;
-    if (object && !m_link->handleOf(object, &request.handle, error))
-        return {};
-    Wire::Value answer;
-    m_link->ask(MessageType::Snapshot, encode(request), &answer, error);
-    return answer.value.toByteArray();
+Outcome<QByteArray> RemoteModel::snapshot(SharedPtr<Object> object, bool withImages) {
+    Wire::Snapshot request{0, withImages};
+    if (object) {
+        const Outcome<quint64> handle = m_link->handleOf(object);
+        if (!handle)
+            return fail(handle.error());
+        request.handle = *handle;
+    }
+    const auto answer = m_link->ask<Wire::Value>(MessageType::Snapshot, encode(request));
+    if (!answer)
+        return fail(answer.error());
+    return answer->value.toByteArray();
 }
 
-Wire::ObjectListing RemoteModel::listing(QString* error) {
-    Wire::ObjectListing listing;
-    m_link->ask(MessageType::ListObjects, QByteArray(), &listing, error);
-    return listing;
+Outcome<Wire::ObjectListing> RemoteModel::listing() {
+    return m_link->ask<Wire::ObjectListing>(MessageType::ListObjects, QByteArray());
 }
 
-SharedPtr<Object> RemoteModel::globalBounds(SharedPtr<Object> object, QString* error) {
-    Wire::ObjectHandle request;
-    Wire::Value answer;
-    if (!m_link->handleOf(object, &request.handle, error) ||
-        !m_link->ask(MessageType::GlobalBounds, encode(request), &answer, error))
-        return {};
-    return {new ValueObject(answer.value.toRect(),
-                            ValueObject::valueClass(QStringLiteral("ScreenRectangle")))};
+Outcome<SharedPtr<Object>> RemoteModel::globalBounds(SharedPtr<Object> object) {
+    const Outcome<quint64> handle = m_link->handleOf(object);
+    if (!handle)
+        return fail(handle.error());
+    const auto answer =
+        m_link->ask<Wire::Value>(MessageType::GlobalBounds, encode(Wire::ObjectHandle{*handle}));
+    if (!answer)
+        return fail(answer.error());
+    return SharedPtr<Object>(new ValueObject(
+        answer->value.toRect(), ValueObject::valueClass(QStringLiteral("ScreenRectangle"))));
 }
 
-bool RemoteModel::mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event, QString* error) {
+Outcome<> RemoteModel::mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event) {
     event.handle = 0;
-    return (!target || m_link->handleOf(target, &event.handle, error)) &&
-           m_link->tell(MessageType::MouseEvent, encode(event), error);
+    if (target) {
+        const Outcome<quint64> handle = m_link->handleOf(target);
+        if (!handle)
+            return fail(handle.error());
+        event.handle = *handle;
+    }
+    return m_link->tell(MessageType::MouseEvent, encode(event));
 }
 
-bool RemoteModel::keyEvent(const QString& key, bool press, QString* error) {
-    return m_link->tell(MessageType::KeyEvent, encode(Wire::KeyEvent{key, press}), error);
+Outcome<> RemoteModel::keyEvent(const QString& key, bool press) {
+    return m_link->tell(MessageType::KeyEvent, encode(Wire::KeyEvent{key, press}));
 }
 
-bool RemoteModel::highlight(SharedPtr<Object> object, int milliseconds, QString* error) {
-    Wire::Highlight request;
-    request.milliseconds = milliseconds;
-    return m_link->handleOf(object, &request.handle, error) &&
-           m_link->tell(MessageType::Highlight, encode(request), error);
+Outcome<> RemoteModel::highlight(SharedPtr<Object> object, int milliseconds) {
+    const Outcome<quint64> handle = m_link->handleOf(object);
+    if (!handle)
+        return fail(handle.error());
+    return m_link->tell(MessageType::Highlight, encode(Wire::Highlight{*handle, milliseconds}));
 }
 
-bool RemoteModel::stopHighlight(QString* error) {
-    return m_link->tell(MessageType::StopHighlight, {}, error);
+Outcome<> RemoteModel::stopHighlight() {
+    return m_link->tell(MessageType::StopHighlight, {});
 }
 
-QString RemoteModel::environmentVariable(const QString& name, QString* error) {
-    Wire::Text answer;
-    m_link->ask(MessageType::EnvironmentVariable, encode(Wire::Text{name}), &answer, error);
-    return answer.text;
+Outcome<QString> RemoteModel::environmentVariable(const QString& name) {
+    const auto answer =
+        m_link->ask<Wire::Text>(MessageType::EnvironmentVariable, encode(Wire::Text{name}));
+    if (!answer)
+        return fail(answer.error());
+    return answer->text;
 }
 
-bool RemoteModel::quit(QString* error) {
-    return m_link->tell(MessageType::Quit, {}, error);
+Outcome<> RemoteModel::quit() {
+    return m_link->tell(MessageType::Quit, {});
 }
 
 }  // namespace Tamrix

@@ -28,10 +28,7 @@ struct LookUpAnswer {
 };
 
 /// The objects of an application over a connection. The model may end before its objects: they
-/// share the connection.
-///
-/// Operations with `RequestError*` are for the runner, which has to know why something failed; they
-/// give false on failure. A time-out of -1 is requestTimeout().
+/// share the connection. A time-out of -1 is requestTimeout().
 class TAMRIX_EXPORT RemoteModel : public ObjectModel {
 public:
     explicit RemoteModel(std::shared_ptr<AgentConnection> connection);
@@ -45,71 +42,73 @@ public:
     void setReadyTimeout(int milliseconds);
 
     // Look-ups, once, without waiting. Nothing that matches is no failure.
-    bool lookUp(const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses,
-                LookUpAnswer* answer, RequestError* error, int timeout = -1,
-                AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
-    bool lookUp(SharedPtr<Object> object, Wire::Wanted wanted, LookUpAnswer* answer,
-                RequestError* error, int timeout = -1);
+    Outcome<LookUpAnswer> lookUp(
+        const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses, int timeout = -1,
+        AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
+    Outcome<LookUpAnswer> lookUp(SharedPtr<Object> object, Wire::Wanted wanted, int timeout = -1);
     /// Ready means that the object, or without one that of the name, has the properties; the
     /// obstacle is what it has otherwise.
-    bool expect(SharedPtr<Object> object, const ObjectName& name, const ObjectName& properties,
-                bool wantNearMisses, LookUpAnswer* answer, RequestError* error, int timeout = -1);
+    Outcome<LookUpAnswer> expect(SharedPtr<Object> object, const ObjectName& name,
+                                 const ObjectName& properties, bool wantNearMisses,
+                                 int timeout = -1);
     /// An item of a view; see Wire::FindItem.
-    bool findItem(SharedPtr<Object> view, const QString& text, int row, int column, bool wantReady,
-                  LookUpAnswer* answer, RequestError* error, int timeout = -1);
-    /// The object with this RemoteObjectBase::remoteId(), null when it is gone.
-    SharedPtr<Object> objectById(int remoteId, QString* error);
+    Outcome<LookUpAnswer> findItem(SharedPtr<Object> view, const QString& text, int row, int column,
+                                   bool wantReady, int timeout = -1);
+    /// The object with this RemoteObjectBase::remoteId().
+    Outcome<SharedPtr<Object>> objectById(int remoteId);
 
     /// Gets the class that describes the application's global functions, which scripts need first.
-    bool readGlobalClass(int timeout, RequestError* error);
+    Outcome<> readGlobalClass(int timeout);
 
-    // What the runner does with the application. False, null or a null text on failure.
+    // What the runner does with the application.
     /// A screen rectangle.
-    SharedPtr<Object> globalBounds(SharedPtr<Object> object, QString* error);
+    Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object);
     /// `event.handle` is set here from `target`; null means the screen.
-    bool mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event, QString* error);
-    bool keyEvent(const QString& key, bool press, QString* error);
-    bool highlight(SharedPtr<Object> object, int milliseconds, QString* error);
-    bool stopHighlight(QString* error);
-    QString environmentVariable(const QString& name, QString* error);
+    Outcome<> mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event);
+    Outcome<> keyEvent(const QString& key, bool press);
+    Outcome<> highlight(SharedPtr<Object> object, int milliseconds);
+    Outcome<> stopHighlight();
+    Outcome<QString> environmentVariable(const QString& name);
     /// Asks the application's windows to close.
-    bool quit(QString* error);
-    QByteArray snapshot(SharedPtr<Object> object, bool withImages, QString* error);
-    /// All objects with their names; empty on failure.
-    Wire::ObjectListing listing(QString* error);
+    Outcome<> quit();
+    Outcome<QByteArray> snapshot(SharedPtr<Object> object, bool withImages);
+    /// All objects with their names.
+    Outcome<Wire::ObjectListing> listing();
     /// The events that came: callback and object.
     std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents();
 
     // ObjectModel
-    SharedPtr<Object> findObject(const ObjectName& name, QString* error) override;
-    ObjectList topLevelObjects(QString* error) override;
-    const Class* classByName(const QString& name) override;
-    const Class* globalClass() override;
-    SharedPtr<Object> invokeGlobal(const QString& method, const ObjectList& arguments,
-                                   QString* error) override;
+    Outcome<SharedPtr<Object>> findObject(const ObjectName& name) override;
+    Outcome<ObjectList> topLevelObjects() override;
+    Outcome<const Class*> classByName(const QString& name) override;
+    Outcome<const Class*> globalClass() override;
+    Outcome<SharedPtr<Object>> invokeGlobal(const QString& method,
+                                            const ObjectList& arguments) override;
     /// Through the global function that has the class's name.
-    SharedPtr<Object> construct(const Class* objectClass, const ObjectList& arguments,
-                                QString* error) override;
-    QVariant nativeRequest(const QString& name, const QVariantList& arguments,
-                           QString* error) override;
-    bool installEventHandler(SharedPtr<Object> object, const QString& className,
-                             const QString& event, const QString& callback,
-                             QString* error) override;
-    bool uninstallEventHandler(SharedPtr<Object> object, const QString& className,
-                               const QString& event, const QString& callback,
-                               QString* error) override;
-    bool sendEvent(const Event* event, SharedPtr<Object> target, const ObjectList& parameters,
-                   QString* error) override;
-    QByteArray snapshot(SharedPtr<Object> object, QString* error) override;
+    Outcome<SharedPtr<Object>> construct(const Class* objectClass,
+                                         const ObjectList& arguments) override;
+    Outcome<QVariant> nativeRequest(const QString& name, const QVariantList& arguments) override;
+    Outcome<> installEventHandler(SharedPtr<Object> object, const QString& className,
+                                  const QString& event, const QString& callback) override;
+    Outcome<> uninstallEventHandler(SharedPtr<Object> object, const QString& className,
+                                    const QString& event, const QString& callback) override;
+    Outcome<> sendEvent(const Event* event, SharedPtr<Object> target,
+                        const ObjectList& parameters) override;
+    Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
 
 private:
+    /// What a LookUpResult told.
+    struct Found {
+        LookUpAnswer answer;
+        QList<NearMiss> misses;
+    };
     /// A request whose answer is a LookUpResult.
-    bool lookUp(Wire::MessageType type, const QByteArray& body, int timeout, LookUpAnswer* answer,
-                QList<NearMiss>* misses, RequestError* error,
-                AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
-    bool handlerRequest(Wire::MessageType type, const SharedPtr<Object>& object,
-                        const QString& className, const QString& event, const QString& callback,
-                        QString* error);
+    Outcome<Found> lookUp(
+        Wire::MessageType type, const QByteArray& body, int timeout,
+        AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
+    Outcome<> handlerRequest(Wire::MessageType type, const SharedPtr<Object>& object,
+                             const QString& className, const QString& event,
+                             const QString& callback);
 
     std::shared_ptr<RemoteLink> m_link;
 };

@@ -20,22 +20,6 @@ quint64 combinedHandle(const RemoteLink& link, quint64 wireHandle) {
     return (static_cast<quint64>(link.connection().number()) << connectionShift) ^ wireHandle;
 }
 
-/// Hands a failure's text to the inspector.
-class ErrorForInspector {
-public:
-    ErrorForInspector() = default;
-    ErrorForInspector(const ErrorForInspector&) = delete;
-    ErrorForInspector& operator=(const ErrorForInspector&) = delete;
-    ~ErrorForInspector() {
-        if (!m_text.isEmpty())
-            Inspector::self()->setLastError(m_text);
-    }
-    operator QString*() { return &m_text; }
-
-private:
-    QString m_text;
-};
-
 }  // namespace
 
 RemoteObject::RemoteObject(std::shared_ptr<RemoteLink> link, const Wire::ObjectInfo& info)
@@ -52,54 +36,49 @@ QString RemoteObject::description() const {
 QString RemoteObject::objectName() const {
     // Known here, but no fact of an application that is not there any more.
     if (!m_link->connection().isOpen())
-        Inspector::self()->setLastError(m_link->connection().disconnected().text);
+        Inspector::self()->keep(m_link->connection().disconnected());
     return m_info.objectName;
 }
 
+template <typename Reply>
+Reply RemoteObject::ask(MessageType type) const {
+    return Inspector::self()->take(
+        m_link->ask<Reply>(type, encode(Wire::ObjectHandle{m_info.handle})));
+}
+
 QString RemoteObject::realName() const {
-    ErrorForInspector error;
-    Wire::Text name;
-    m_link->ask(MessageType::RealName, encode(Wire::ObjectHandle{m_info.handle}), &name, error);
-    return name.text;
+    return ask<Wire::Text>(MessageType::RealName).text;
 }
 
 ObjectList RemoteObject::children() const {
-    ErrorForInspector error;
-    Wire::ObjectInfoList infos;
-    m_link->ask(MessageType::Children, encode(Wire::ObjectHandle{m_info.handle}), &infos, error);
-    return m_link->objects(infos);
+    return m_link->objects(ask<Wire::ObjectInfoList>(MessageType::Children));
 }
 
 SharedPtr<Object> RemoteObject::parent() const {
-    ErrorForInspector error;
-    Wire::ObjectInfo info;
-    m_link->ask(MessageType::Parent, encode(Wire::ObjectHandle{m_info.handle}), &info, error);
-    return m_link->object(info);
+    return m_link->object(ask<Wire::ObjectInfo>(MessageType::Parent));
 }
 
 const Class* RemoteObject::objectClass() const {
-    if (!m_describedClass) {
-        ErrorForInspector error;
-        m_describedClass = m_link->classByName(m_info.className, error);
-    }
+    if (!m_describedClass)
+        m_describedClass = Inspector::self()->take(m_link->classByName(m_info.className));
     return m_describedClass;
 }
 
-SharedPtr<Object> RemoteObject::readProperty(const Property& property) const {
-    ErrorForInspector error;
-    Wire::PropertyAccess access;
-    access.handle = m_info.handle;
-    access.name = property.name();
-    return m_link->askValue(MessageType::ReadProperty, encode(access), error);
+Wire::PropertyAccess RemoteObject::access(const Property& property) const {
+    return {m_info.handle, property.name(), {}};
 }
 
-std::vector<std::pair<QString, SharedPtr<Object>>> RemoteObject::readProperties() const {
-    ErrorForInspector error;
-    Wire::Value answer;
-    m_link->ask(MessageType::ReadProperties, encode(Wire::ObjectHandle{m_info.handle}), &answer,
-                error);
-    QVariantMap values = answer.value.toMap();
-    std::vector<std::pair<QString, SharedPtr<Object>>> properties;
+Outcome<SharedPtr<Object>> RemoteObject::readProperty(const Property& property) const {
+    return m_link->askValue(MessageType::ReadProperty, encode(access(property)));
+}
+
+Outcome<PropertyList> RemoteObject::readProperties() const {
+    const auto answer = m_link->ask<Wire::Value>(MessageType::ReadProperties,
+                                                 encode(Wire::ObjectHandle{m_info.handle}));
+    if (!answer)
+        return fail(answer.error());
+    QVariantMap values = answer->value.toMap();
+    PropertyList properties;
     const auto add = [&](const QString& name, const QVariant& value) {
         properties.emplace_back(name, m_link->valueObject(value));
     };
@@ -118,19 +97,18 @@ std::vector<std::pair<QString, SharedPtr<Object>>> RemoteObject::readProperties(
     return properties;
 }
 
-bool RemoteObject::writeProperty(const Property& property, SharedPtr<Object> value) const {
-    ErrorForInspector error;
-    Wire::PropertyAccess access;
-    access.handle = m_info.handle;
-    access.name = property.name();
-    return m_link->wireValue(argumentValue(value), &access.value, error) &&
-           m_link->tell(MessageType::WriteProperty, encode(access), error);
+Outcome<> RemoteObject::writeProperty(const Property& property, SharedPtr<Object> value) const {
+    const Outcome<QVariant> wireValue = m_link->wireValue(argumentValue(value));
+    if (!wireValue)
+        return fail(wireValue.error());
+    Wire::PropertyAccess written = access(property);
+    written.value = *wireValue;
+    return m_link->tell(MessageType::WriteProperty, encode(written));
 }
 
-SharedPtr<Object> RemoteObject::invokeMethod(const Method& method,
-                                             const ObjectList& arguments) const {
-    ErrorForInspector error;
-    return m_link->invoke(m_info.handle, method.name(), arguments, error);
+Outcome<SharedPtr<Object>> RemoteObject::invokeMethod(const Method& method,
+                                                      const ObjectList& arguments) const {
+    return m_link->invoke(m_info.handle, method.name(), arguments);
 }
 
 }  // namespace Tamrix

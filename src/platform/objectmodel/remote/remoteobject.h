@@ -27,11 +27,11 @@ public:
     /// Asked of the application on first use; null when that fails.
     const Class* objectClass() const override;
     int remoteId() const override { return static_cast<int>(m_info.handle); }
-    SharedPtr<Object> readProperty(const Property& property) const override;
-    std::vector<std::pair<QString, SharedPtr<Object>>> readProperties() const override;
-    bool writeProperty(const Property& property, SharedPtr<Object> value) const override;
-    SharedPtr<Object> invokeMethod(const Method& method,
-                                   const ObjectList& arguments) const override;
+    Outcome<SharedPtr<Object>> readProperty(const Property& property) const override;
+    Outcome<PropertyList> readProperties() const override;
+    Outcome<> writeProperty(const Property& property, SharedPtr<Object> value) const override;
+    Outcome<SharedPtr<Object>> invokeMethod(const Method& method,
+                                            const ObjectList& arguments) const override;
 
     /// The application's own handle; handle() differs for objects of different connections.
     quint64 wireHandle() const { return m_info.handle; }
@@ -40,6 +40,11 @@ public:
     QString description() const;
 
 private:
+    /// Asks about this object; a default answer with the failure kept by the inspector.
+    template <typename Reply>
+    Reply ask(Wire::MessageType type) const;
+    Wire::PropertyAccess access(const Property& property) const;
+
     std::shared_ptr<RemoteLink> m_link;
     Wire::ObjectInfo m_info;
     mutable const Class* m_describedClass = nullptr;

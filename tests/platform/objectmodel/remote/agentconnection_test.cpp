@@ -6,16 +6,18 @@
 #include <QElapsedTimer>
 #include <QtEndian>
 
+#include "support/failuretext.h"
 #include "support/fakeagent.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
+using Test::failureText;
 using Test::FakeAgent;
 using Wire::Frame;
 using Wire::MessageType;
-using Kind = RequestError::Kind;
+using Kind = FailureKind;
 
 /// Long enough for every answer that comes at all.
 constexpr int patience = 20000;
@@ -103,23 +105,22 @@ TEST(AgentConnection, GivesUpAnswersAndDropsThemWhenTheyComeLate) {
     ASSERT_TRUE(connection.waitForHello(patience)) << connection.errorText().toStdString();
     EXPECT_EQ(connection.hello().program, "/bin/fake");
 
-    QByteArray reply;
-    RequestError error;
-    EXPECT_FALSE(connection.request(MessageType::RealName, {}, 30, &reply, &error));
-    EXPECT_EQ(error.kind, Kind::TimedOut);
-    EXPECT_EQ(error.text, "The application did not answer within 30 ms");
+    Outcome<QByteArray> reply = connection.request(MessageType::RealName, {}, 30);
+    ASSERT_FALSE(reply);
+    EXPECT_EQ(reply.error().kind, Kind::TimedOut);
+    EXPECT_EQ(reply.error().text, "The application did not answer within 30 ms");
 
     int rounds = 0;
     connection.setIdleHook([&] { return ++rounds < 3; });
-    EXPECT_FALSE(connection.request(MessageType::RealName, {}, patience, &reply, &error));
-    EXPECT_EQ(error.kind, Kind::Aborted);
+    EXPECT_EQ(failureText(connection.request(MessageType::RealName, {}, patience)),
+              "The wait was given up");
     connection.setIdleHook([&] {
-        EXPECT_FALSE(connection.ping(1, &error)) << "one request at a time";
+        EXPECT_FALSE(connection.ping(1)) << "one request at a time";
         return true;
     });
 
-    EXPECT_TRUE(connection.request(MessageType::Parent, {}, patience, &reply, &error));
-    EXPECT_EQ(reply, "right");
+    reply = connection.request(MessageType::Parent, {}, patience);
+    EXPECT_EQ(reply.value_or("none"), "right");
     const auto events = connection.takeEvents();
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].object.objectName, "w");
@@ -134,44 +135,44 @@ TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
         const char* text;
         bool hasProcessEnded;
     } rows[] = {
-        {[](FakeAgent& agent, const Frame&) { agent.hangUp(); }, Kind::Disconnected,
+        {[](FakeAgent& agent, const Frame&) { agent.hangUp(); }, Kind::Ended,
          "The connection to the application has ended: the other side closed the connection",
          false},
         {[](FakeAgent& agent, const Frame& frame) {
              agent.sendBytes(frameHead(100, frame.sequence, MessageType::Reply) + "cut");
              agent.hangUp();
          },
-         Kind::Disconnected,
+         Kind::Ended,
          "The connection to the application has ended: the other side closed the connection",
          false},
         {[](FakeAgent& agent, const Frame&) {
              agent.sendBytes(frameHead(0x10000001, 0, MessageType::EventFired));
          },
-         Kind::Disconnected,
+         Kind::Ended,
          "The connection to the application has ended: a message of 268435457 bytes came, at most "
          "268435456 are taken",
          false},
         {[](FakeAgent& agent, const Frame&) {
              agent.sendBytes(frameHead(0, 99, MessageType::Reply));
          },
-         Kind::Disconnected,
+         Kind::Ended,
          "The connection to the application has ended: the application sent a message of type 10 "
          "that nobody asked for",
          false},
         {[](FakeAgent& agent, const Frame&) {
              agent.sendBytes(frameHead(1, 0, MessageType::EventFired) + "x");
          },
-         Kind::Disconnected,
+         Kind::Ended,
          "The connection to the application has ended: the application sent an event that can't "
          "be read",
          false},
-        {[](FakeAgent& agent, const Frame& frame) { agent.reply(frame, "no text"); },
-         Kind::Malformed, "The application's answer to request 37 can't be read", false},
+        {[](FakeAgent& agent, const Frame& frame) { agent.reply(frame, "no text"); }, Kind::Failed,
+         "The application's answer to request 37 can't be read", false},
         {[](FakeAgent& agent, const Frame& frame) {
              agent.fail(frame, FailureKind::Gone, "It is gone");
          },
-         Kind::Refused, "It is gone", false},
-        {[](FakeAgent&, const Frame&) {}, Kind::Disconnected,
+         Kind::Gone, "It is gone", false},
+        {[](FakeAgent&, const Frame&) {}, Kind::Ended,
          "The connection to the application has ended: the process has ended", true},
     };
     for (const auto& row : rows) {
@@ -180,15 +181,14 @@ TEST(AgentConnection, FaultsOfThePeerEndTheRequestAtOnce) {
         ASSERT_TRUE(connection.waitForHello(patience));
         if (row.hasProcessEnded)
             connection.setProcessDescriptor(processEnd);
-        Wire::Text name;
-        RequestError error;
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(connection.request(MessageType::RealName, Wire::encode(Wire::ObjectHandle{1}),
-                                        patience, &name, &error));
+        const auto name = connection.ask<Wire::Text>(MessageType::RealName,
+                                                     Wire::encode(Wire::ObjectHandle{1}), patience);
         EXPECT_LT(timer.elapsed(), patience / 2);
-        EXPECT_EQ(error.kind, row.kind) << row.text;
-        EXPECT_EQ(error.text, row.text);
+        ASSERT_FALSE(name);
+        EXPECT_EQ(name.error().kind, row.kind) << row.text;
+        EXPECT_EQ(name.error().text, row.text);
     }
     ::close(processEnd);
 }
@@ -204,19 +204,14 @@ TEST(AgentConnection, AnAnswerThatIsTooLongFailsItsRequestOnly) {
     }));
     AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
     ASSERT_TRUE(connection.waitForHello(patience));
-    QByteArray reply;
-    RequestError error;
-    EXPECT_FALSE(connection.request(MessageType::RealName, {}, patience, &reply, &error));
-    EXPECT_TRUE(error.isRefused(FailureKind::Failed));
-    EXPECT_EQ(error.text,
+    EXPECT_EQ(failureText(connection.request(MessageType::RealName, {}, patience)),
               "The application's answer is too long: a message of 268435457 bytes came, at most "
               "268435456 are taken");
     EXPECT_TRUE(connection.isOpen());
     // Nor is a request sent that the application would refuse.
-    EXPECT_FALSE(connection.request(MessageType::WriteProperty,
-                                    QByteArray(Wire::maximalBodySize + 1, 'x'), patience, &reply,
-                                    &error));
-    EXPECT_EQ(error.text, "The request is too long: it has 268435457 bytes of at most 268435456");
+    EXPECT_EQ(failureText(connection.request(MessageType::WriteProperty,
+                                             QByteArray(Wire::maximalBodySize + 1, 'x'), patience)),
+              "The request is too long: it has 268435457 bytes of at most 268435456");
     EXPECT_TRUE(connection.isOpen());
 }
 
@@ -227,13 +222,13 @@ TEST(AgentConnection, LittlePatienceEndsWithAnApplicationThatDoesNothing) {
     for (const int busyTests : {0, 2}) {
         int tests = 0;
         connection.setStallTest([&] { return tests++ > busyTests; });
-        QByteArray reply;
-        RequestError error;
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(connection.request(MessageType::LookUp, {}, patience, &reply, &error,
-                                        AgentConnection::Patience::WhileItRuns));
-        EXPECT_EQ(error.kind, Kind::Stalled);
+        const Outcome<QByteArray> reply = connection.request(
+            MessageType::LookUp, {}, patience, AgentConnection::Patience::WhileItRuns);
+        ASSERT_FALSE(reply);
+        EXPECT_EQ(reply.error().kind, Kind::TimedOut);
+        EXPECT_EQ(reply.error().text, "The application does not answer");
         EXPECT_EQ(tests, busyTests + 2);
         EXPECT_GE(timer.elapsed(), (busyTests + 1) * AgentConnection::stallInterval - 100);
         EXPECT_LT(timer.elapsed(), patience);
@@ -253,21 +248,18 @@ TEST(AgentConnection, SyncsBeforeTheRequestAfterInput) {
         }));
         AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
         ASSERT_TRUE(connection.waitForHello(patience));
-        QByteArray reply;
-        RequestError error;
         const auto send = [&](MessageType type, const QByteArray& body, int timeout = patience) {
-            return connection.request(type, body, timeout, &reply, &error);
+            return connection.request(type, body, timeout);
         };
         Wire::Invoke call;
         EXPECT_TRUE(send(MessageType::Invoke, Wire::encode(call)));
-        EXPECT_TRUE(connection.ping(patience, &error));
+        EXPECT_TRUE(connection.ping(patience));
         call.handle = 4;
         EXPECT_TRUE(send(MessageType::Invoke, Wire::encode(call)));
         EXPECT_TRUE(send(MessageType::KeyEvent, {}));
         EXPECT_TRUE(send(MessageType::Quit, {}));
         // A busy application: first the whole time is over, then only that of the Sync.
-        EXPECT_FALSE(send(MessageType::LookUp, {}, 20));
-        EXPECT_EQ(error.text,
+        EXPECT_EQ(failureText(send(MessageType::LookUp, {}, 20)),
                   "The application did not come to rest within 20 ms after the last input");
         connection.setSyncTimeout(20);
         EXPECT_TRUE(send(MessageType::LookUp, {}));

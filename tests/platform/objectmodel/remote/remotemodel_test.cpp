@@ -9,12 +9,14 @@
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/remoteobject.h"
 #include "platform/objectmodel/valueobject.h"
+#include "support/failuretext.h"
 #include "support/fakeagent.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
+using Test::failureText;
 using Test::FakeAgent;
 using Wire::decode;
 using Wire::encode;
@@ -120,8 +122,7 @@ struct Application {
         model->setReadyTimeout(1234);
     }
     SharedPtr<Object> find() {
-        QString error;
-        return model->findObject(ObjectName(QString("{type='QPushButton'}")), &error);
+        return model->findObject(ObjectName(QString("{type='QPushButton'}"))).value_or(nullptr);
     }
 
     FakeAgent agent;
@@ -139,24 +140,24 @@ QString lastError() {
 
 TEST(RemoteModel, TellsWhatDifferedWhenNothingMatches) {
     Application application;
-    QString error;
     const ObjectName name(QString("{text='Save' type~='^QPush'}"));
-    EXPECT_EQ(application.model->findObject(name, &error), nullptr);
+    const Outcome<SharedPtr<Object>> found = application.model->findObject(name);
+    ASSERT_FALSE(found);
+    EXPECT_EQ(found.error().kind, FailureKind::NotFound);
     EXPECT_EQ(
-        error,
+        found.error().text,
         "No object matches {text='Save' type~='^QPush'}. Nearest:\n"
         "  QPushButton 'Save as': text is 'Save as', wanted 'Save'; enabled is 'false', wanted "
         "'true'\n"
         "  QLabel: it has no text, wanted 'Save'\n"
         "  2 objects match, wanted occurrence 3");
 
-    LookUpAnswer answer;
-    RequestError failure;
-    EXPECT_TRUE(application.model->lookUp(name, Wire::Wanted::Readiness, false, &answer, &failure));
-    EXPECT_EQ(answer.missText, "No object matches {text='Save' type~='^QPush'}");
-    EXPECT_TRUE(
-        application.model->lookUp(application.find(), Wire::Wanted::Readiness, &answer, &failure));
-    EXPECT_EQ(answer.obstacle, "it is disabled");
+    Outcome<LookUpAnswer> answer = application.model->lookUp(name, Wire::Wanted::Readiness, false);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->missText, "No object matches {text='Save' type~='^QPush'}");
+    answer = application.model->lookUp(application.find(), Wire::Wanted::Readiness);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->obstacle, "it is disabled");
 
     // Faults of the name are found before anything is sent.
     const struct {
@@ -169,8 +170,8 @@ TEST(RemoteModel, TellsWhatDifferedWhenNothingMatches) {
          "character 1"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(application.model->findObject(ObjectName(QString(row.name)), &error), nullptr);
-        EXPECT_EQ(error, row.error);
+        EXPECT_EQ(failureText(application.model->findObject(ObjectName(QString(row.name)))),
+                  row.error);
     }
 }
 
@@ -187,12 +188,12 @@ TEST(RemoteModel, FindsItemsOrTellsWhyNot) {
     };
     const SharedPtr<Object> view = application.find();
     for (const auto& row : rows) {
-        LookUpAnswer answer;
-        RequestError error;
-        EXPECT_TRUE(application.model->findItem(view, row.text, 1, 2, true, &answer, &error));
-        EXPECT_EQ(answer.missText, row.missText);
-        EXPECT_EQ(answer.obstacle, "");
-        EXPECT_EQ(bool(answer.object), answer.missText.isEmpty());
+        const Outcome<LookUpAnswer> answer =
+            application.model->findItem(view, row.text, 1, 2, true);
+        ASSERT_TRUE(answer);
+        EXPECT_EQ(answer->missText, row.missText);
+        EXPECT_EQ(answer->obstacle, "");
+        EXPECT_EQ(bool(answer->object), answer->missText.isEmpty());
     }
 }
 
@@ -206,7 +207,7 @@ TEST(RemoteModel, ObjectsKnowTheirApplication) {
     EXPECT_EQ(object->handle(), one.find()->handle());
     EXPECT_EQ(static_cast<RemoteObject&>(*object).remoteId(), 7);
     EXPECT_EQ(object->objectClass(), foreign->objectClass()) << "equal classes are one";
-    EXPECT_EQ(one.model->classByName("QNothing"), nullptr);
+    EXPECT_EQ(one.model->classByName("QNothing").value(), nullptr);
     EXPECT_TRUE(object->isA(object->objectClass()));
     EXPECT_TRUE(object->queryInterface("QWidget") == object);
 
@@ -215,15 +216,14 @@ TEST(RemoteModel, ObjectsKnowTheirApplication) {
     EXPECT_EQ(lastError(), "QPushButton 'ok' is gone");
 
     const Method click("click", {});
-    EXPECT_EQ(click.invoke(object, {value(3), object, nullptr})->toVariant(), "7|click|1234|3|7|");
-    EXPECT_EQ(click.invoke(object, {foreign}), nullptr);
-    EXPECT_EQ(lastError(),
+    EXPECT_EQ(click.invoke(object, {value(3), object, nullptr}).value()->toVariant(),
+              "7|click|1234|3|7|");
+    EXPECT_EQ(failureText(click.invoke(object, {foreign})),
               "The object QPushButton 'ok' belongs to another application or to a "
               "connection that has ended");
-    QString error;
-    EXPECT_EQ(one.model->invokeGlobal("nothing", {}, &error)->className(), "void");
-    EXPECT_EQ(one.model->construct(object->objectClass(), {}, &error), nullptr);
-    EXPECT_EQ(error, "The application can't make objects of class 'QPushButton'");
+    EXPECT_EQ(one.model->invokeGlobal("nothing", {}).value()->className(), "void");
+    EXPECT_EQ(failureText(one.model->construct(object->objectClass(), {})),
+              "The application can't make objects of class 'QPushButton'");
 
     // Objects outlive the model, and say what happened.
     one.model.reset();
@@ -248,7 +248,7 @@ TEST(RemoteModel, ValuesComeBackAsObjects) {
     EXPECT_EQ(list[2].value<SharedPtr<Object>>()->handle(), object->handle());
 
     QStringList names;
-    for (const auto& [name, each] : object->readProperties())
+    for (const auto& [name, each] : object->readProperties().value())
         names += name + '=' + each->toVariant().toString();
     EXPECT_EQ(names, (QStringList{"text=t", "down=true", "aDynamic=1"}));
 }

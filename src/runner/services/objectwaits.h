@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+
+#include "interpreter/bridge/runnerinterface.h"
+#include "runner/services/runstate.h"
+
+namespace Tamrix {
+
+/// The waits of the runner for objects: first a look at once, then one every 50 ms. They end early
+/// when the run is interrupted.
+class ObjectWaits : public virtual RunnerInterface {
+public:
+    explicit ObjectWaits(RunState& state) : m_state(state) {}
+
+    SharedPtr<Object> waitForObjectByName(const QString& realName, bool ready,
+                                          int timeout) override;
+    SharedPtr<Object> waitForObject(SharedPtr<Object> object, bool ready, int timeout) override;
+    SharedPtr<Object> waitForObjectExists(const QString& realName, bool ready,
+                                          int timeout) override;
+    SharedPtr<Object> waitForObjectItem(SharedPtr<Object> object, const QString& item, int row,
+                                        int column, int timeout) override;
+    SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
+                                        const ObjectName& properties, int timeout) override;
+
+private:
+    /// One look for an object. Fails when the application gave no answer in time or refused.
+    using Look =
+        std::function<Outcome<LookUpAnswer>(RemoteModel& model, bool isLastLook, int lookTimeout)>;
+
+    /// `what` names the object in messages.
+    Outcome<SharedPtr<Object>> waitUntilFound(const SharedPtr<Application>& application,
+                                              const QString& what, Wire::Wanted wanted, int timeout,
+                                              const Look& look);
+    SharedPtr<Object> waitForName(const QString& name, Wire::Wanted wanted, int timeout);
+
+    RunState& m_state;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include "runner/applications/applicationstart.h"
+
+namespace Tamrix {
+
+class TestResult;
+
+/// Facts of a run, set by the one who runs the suite.
+struct RunFacts {
+    QString suiteName;
+    QString caseName;
+    QString scriptPath;
+    /// An absolute path, or empty when no folder for results was chosen.
+    QString resultDirectory;
+    /// Not owned, may be null.
+    TestResult* testResult = nullptr;
+    /// Where applications and the map of object names are looked for.
+    ApplicationPlaces places;
+};
+
+}  // namespace Tamrix
