@@ -27,8 +27,8 @@ void checkRange(const RegularExpression::Range& range, std::string_view text) {
 }
 
 void matchCucumber(const std::string& expression, const std::string& text) {
-    static const ParameterTypes types;
-    if (const auto arguments = CucumberExpression(expression, types).match(text))
+    static const ParameterTypes s_types;
+    if (const auto arguments = CucumberExpression(expression, s_types).match(text))
         for (const Argument& argument : *arguments)
             checkRange(argument.range, text);
 }
