@@ -53,8 +53,10 @@ void ParameterTypes::add(std::string_view name, std::vector<std::string> pattern
         const RegularExpression expression(pattern);
         // Groups have other numbers in the whole expression.
         if (expression.hasBackReferences())
-            throw ExpressionError("The parameter type " + quotedName +
-                                  " refers back to a group: " + pattern);
+            throw ExpressionError(std::string("The parameter type ")
+                                      .append(quotedName)
+                                      .append(" refers back to a group: ")
+                                      .append(pattern));
         type.groupCount += expression.groupCount();
     }
     m_types.emplace(type.name, std::move(type));

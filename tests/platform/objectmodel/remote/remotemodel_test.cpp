@@ -248,7 +248,9 @@ TEST(RemoteModel, ValuesComeBackAsObjects) {
     EXPECT_EQ(list[2].value<SharedPtr<Object>>()->handle(), object->handle());
 
     QStringList names;
-    for (const auto& [name, each] : object->readProperties().value())
+    const auto properties = object->readProperties();
+    ASSERT_TRUE(properties);
+    for (const auto& [name, each] : *properties)
         names += name + '=' + each->toVariant().toString();
     EXPECT_EQ(names, (QStringList{"text=t", "down=true", "aDynamic=1"}));
 }
