@@ -112,6 +112,23 @@ TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
     qDeleteAll(elements);
 }
 
+TEST(TopLevelObjects, ComeInTheSameOrderInEachRun) {
+    // Menus that were never opened have no window; Qt keeps them in a set.
+    for (int run = 0; run < 2; ++run) {
+        AgentClient client(
+            "/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/mainwindows/dockwidgets/dockwidgets");
+        ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+        QStringList titles;
+        for (const Wire::ObjectInfo& each :
+             client.request<Wire::ObjectInfoList>(Wire::MessageType::TopLevelObjects)) {
+            if (each.className == "QMenu")
+                titles.append(client.read(each, "title").toString());
+        }
+        titles.removeAll("");
+        EXPECT_EQ(titles, QStringList({"&File", "&Edit", "&View", "&Help"}));
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     , NamesTest,
     testing::Values("widgets_target", "input_target", "parts_target", "/usr/bin/speedcrunch",

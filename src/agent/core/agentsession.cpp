@@ -196,6 +196,18 @@ Element AgentSession::element(QObject* object) const {
     return {};
 }
 
+/// The way down to an element that has no window yet, as a menu that was never opened: the native
+/// window of the object that all is below, then the places among the children.
+QVector<int> AgentSession::pathTo(const Element& element, const QWindowList& windows) const {
+    QVector<int> path;
+    QObject* object = element.object;
+    for (; object && object->parent(); object = object->parent())
+        path.prepend(object->parent()->children().indexOf(object));
+    const Element root = object ? this->element(object) : Element();
+    path.prepend(root.isNull() ? -1 : windows.indexOf(root.toolkit->nativeWindow(root)));
+    return path;
+}
+
 QVector<Element> AgentSession::topLevels() const {
     QVector<Element> elements;
     for (const auto& toolkit : m_toolkits)
@@ -208,17 +220,18 @@ QVector<Element> AgentSession::topLevels() const {
         int window;
         QString type;
         QString name;
+        QVector<int> path;
     };
     std::vector<Place> places;
     places.reserve(static_cast<size_t>(elements.size()));
     for (const Element& each : elements) {
         const int index = windows.indexOf(each.toolkit->nativeWindow(each));
         places.push_back({each, index < 0 ? windows.size() : index, each.toolkit->typeName(each),
-                          each.toolkit->name(each)});
+                          each.toolkit->name(each), pathTo(each, windows)});
     }
     std::stable_sort(places.begin(), places.end(), [](const Place& left, const Place& right) {
-        return std::tie(left.window, left.type, left.name) <
-               std::tie(right.window, right.type, right.name);
+        return std::tie(left.window, left.type, left.name, left.path) <
+               std::tie(right.window, right.type, right.name, right.path);
     });
     elements.clear();
     for (const Place& place : places)

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QQueue>
 #include <QSocketNotifier>
+#include <QWindow>
 #include <memory>
 #include <vector>
 
@@ -42,6 +43,7 @@ public:
     void finish(quint64 number);
 
 private:
+    QVector<int> pathTo(const Element& element, const QWindowList& windows) const;
     void sayHello(const QString& token);
     void read();
     void takeHandshake(const Wire::Frame& frame);
