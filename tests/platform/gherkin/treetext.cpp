@@ -46,7 +46,7 @@ private:
     }
 
     void line(Location location, const std::string& what) {
-        text.append(static_cast<std::size_t>(2 * m_depth), ' ');
+        text.append(std::size_t{2} * static_cast<std::size_t>(m_depth), ' ');
         text += std::to_string(location.line) + ":" + std::to_string(location.column) + " " + what +
                 "\n";
     }
