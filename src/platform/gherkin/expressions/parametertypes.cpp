@@ -40,7 +40,8 @@ ParameterTypes::ParameterTypes() {
 }
 
 void ParameterTypes::add(std::string_view name, std::vector<std::string> patterns) {
-    const std::string quotedName = "'" + std::string(name) + "'";
+    // g++ 12 sees an overlap in a literal in front of a temporary text.
+    const std::string quotedName = std::string("'").append(name).append("'");
     if (name.find_first_of(forbiddenInNames) != std::string_view::npos)
         throw ExpressionError("The name of a parameter type may not hold any of " +
                               std::string(forbiddenInNames) + ": " + quotedName);
