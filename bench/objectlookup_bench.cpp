@@ -26,7 +26,6 @@ namespace {
 
 using Tamrix::Inspector;
 using Tamrix::RemoteModel;
-using Tamrix::RequestError;
 
 const char* const wantedText = "Button 97.48";
 

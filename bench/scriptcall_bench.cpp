@@ -236,7 +236,8 @@ void measureObjects(Tamrix::Interpreter* interpreter, PyObject* text, PyObject* 
     for (int count = 0; count < turns; ++count) {
         texts.plain = std::min(texts.plain, plainTurn([&] { property.get(s_button); }));
         texts.script = std::min(texts.script, turn(text, bare, requestsPerTurn));
-        calls.plain = std::min(calls.plain, plainTurn([&] { method.invoke({}, {s_button}); }));
+        calls.plain =
+            std::min(calls.plain, plainTurn([&] { (void)method.invoke({}, {s_button}); }));
         calls.script = std::min(calls.script, turn(clicks, bare, requestsPerTurn));
     }
     std::printf("\nobjects of an agent, ns\n%-14s %12s %12s %8s\n", "", "bare request", "script",
