@@ -76,7 +76,8 @@ public:
     /// As stop(), for an object that was not found. True only when a command has let the script go
     /// on: without a person or program to ask, a look-up fails at once.
     virtual bool stopWithObjectName(const QString& objectName, const QString& detail);
-    /// Mode Run; the first SIGINT from now on enters stop(), the next one ends the process.
+    /// Mode Run; the first SIGINT from now on enters interrupt(), the next one has the effect that
+    /// it has without debugger.
     virtual bool run();
     /// Mode Next: stop at the next line whose frame depth is at most `depth`.
     virtual bool next(int depth);
@@ -94,6 +95,11 @@ public:
     /// The interpreter ends: forgets it, restores SIGINT as it was before the first run() and takes
     /// itself out of the signal handler. Does not delete: the plug-in that made the debugger does.
     virtual void shutDown();
+    /// SIGINT has come during a run. Called in the signal handler, and stops there by default,
+    /// which is safe only while the script thread is in nobody's code that must not be entered
+    /// twice. A language that can stop at its next line overrides it with what a signal handler may
+    /// do.
+    virtual void interrupt();
 
     Interpreter* interpreter() const { return m_interpreter; }
     bool isInteractive() const { return m_interactive; }

@@ -28,6 +28,10 @@ bool Debugger::stop() {
     return true;
 }
 
+void Debugger::interrupt() {
+    stop();
+}
+
 bool Debugger::stopWithObjectName(const QString& objectName, const QString& detail) {
     return objectName.isEmpty() ? stopWith(LineReached())
                                 : stopWith(ObjectNotFound{objectName, detail});
