@@ -27,7 +27,7 @@ class TestResult;
 ///
 /// All operations are called on the script thread. A blocking one returns when it is done and lets
 /// the runner work meanwhile. None throws: a `QString*` named `error`, never null, is set on
-/// failure and otherwise left empty; a SharedPtr is null on failure, with Inspector::lastError()
+/// failure and otherwise left empty, unless stated; a SharedPtr is null on failure, with Inspector::lastError()
 /// set for object look-ups. Time-outs are milliseconds unless stated; -1 asks for the default.
 class TAMRIX_EXPORT RunnerInterface {
 public:
@@ -185,7 +185,8 @@ public:
     virtual SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) = 0;
     /// The live result sink, may be null.
     virtual TestResult* testResult() = 0;
-    /// Enters the debugging of a failed look-up.
+    /// Enters the debugging of a failed look-up. `*error` holds why it failed; when it comes back
+    /// empty, the look-up is made again.
     virtual void objectNotFound(const QString& name, const QString& function, QString* error) = 0;
     /// Whether video capture is switched on for the whole run.
     virtual bool isVideoCaptureEnabled() = 0;

@@ -162,7 +162,7 @@ void sendEvent(ScriptContext* context) {
         return;
     }
     // 3. The object, by name perhaps.
-    const SharedPtr<Object> target = findObjectOf(context, context->argument(1));
+    const SharedPtr<Object> target = findObjectOf(context, context->argument(1), QStringLiteral("sendEvent"));
     if (!target)
         return;
     // 4. As many parameters as the event has; a mouse event may leave some out.

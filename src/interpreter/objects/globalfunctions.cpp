@@ -7,6 +7,7 @@
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/objects/functionparameters.h"
+#include "interpreter/objects/namelookup.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/objectmodel.h"
 #include "wire/applicationfunctions.h"
@@ -67,17 +68,20 @@ bool seemsToTakeObject(const QList<const Method*>& methods) {
 }
 
 /// The object in place of its name.
-ObjectResult<Value> objectOfName(ScriptContext& context, const Value& argument) {
-    if (!isStringOrObjectName(argument))
+ObjectResult<Value> objectOfName(ScriptContext& context, const QString& function,
+                                 const Value& argument) {
+    RunnerInterface* const runner = Interpreter::currentRunner();
+    if (!isStringOrObjectName(argument) || !runner)
         return argument;
-    SharedPtr<Object> object;
+    const QString name = serializeObjectName(argument);
     // Whether the point that is used is free, the function looks itself.
-    if (RunnerInterface* runner = Interpreter::currentRunner())
-        object = runner->waitForObjectByName(serializeObjectName(argument), false,
-                                             TestSettingsType::s_waitForObjectTimeout);
+    const Outcome<SharedPtr<Object>> object = lookUp(name, function, [&] {
+        return outcomeOf(runner->waitForObjectByName(name, false,
+                                                     TestSettingsType::s_waitForObjectTimeout));
+    });
     if (!object)
-        return objectError(Kind::NotFound, Inspector::self()->lastError());
-    return context.createObject(object);
+        return objectError(Kind::NotFound, object.error().text);
+    return context.createObject(*object);
 }
 
 /// The arguments in the order of the function.
@@ -113,7 +117,7 @@ ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArgume
                                  ? FunctionParameters::startWithObject(description.parameters)
                                  : seemsToTakeObject(methods);
     if (takesObject && !values->empty()) {
-        ObjectResult<Value> object = objectOfName(context, values->front());
+        ObjectResult<Value> object = objectOfName(context, name, values->front());
         if (!object)
             return object;
         values->front() = *object;
