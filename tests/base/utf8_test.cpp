@@ -77,7 +77,7 @@ TEST(Utf8, FilesAreReadWhole) {
          "a\n\xc3\xa4",
          QString::fromUtf8("a\n\xc3\xa4"), 0},
         {QByteArray("a\0b", 3), QString("a") + QChar(0) + "b", 0},
-        {"a\nb\xe4\nc", QString("a\nb") + QChar::ReplacementCharacter + "\nc", 2},
+        {"a\nb\xe4\nc", QString("a\nb") + QChar(QChar::ReplacementCharacter) + "\nc", 2},
     };
     const QString path = folder.filePath("file");
     for (const auto& row : rows) {
