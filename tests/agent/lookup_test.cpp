@@ -25,9 +25,9 @@ protected:
                                 int column = -1) {
         Wire::FindItem request;
         request.handle = m_client.find(view).handle;
-        request.text = text;
-        request.row = row;
-        request.column = column;
+        request.item.text = text;
+        request.item.row = row;
+        request.item.column = column;
         return m_client.request<Wire::LookUpResult>(Wire::MessageType::FindItem, request);
     }
     QRect bounds(const Wire::ObjectInfo& object) {

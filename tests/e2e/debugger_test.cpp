@@ -4,8 +4,10 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QThread>
 #include <csignal>
 
+#include "e2e/applicationrun.h"
 #include "e2e/documentblock.h"
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
@@ -70,12 +72,10 @@ TEST(DebuggerDialogues, TheSessionOfTheDocumentGoesAsRecorded) {
     EXPECT_TRUE(block.compare(shown(recorded + runner.takeOutput())));
 }
 
-class DebuggedRun : public testing::Test {
+class DebuggedRun : public ApplicationRun {
 protected:
-    void start(const QByteArray& script, const QByteArray& config = {}) {
+    void start(const QByteArray& script) {
         suite.write("suite/a/test.py", script);
-        if (!config.isEmpty())
-            suite.write("suite/config.xml", config);
         runner.startDialogue(
             {"run", "--debugger", suite.path("suite"), "--result-dir", suite.path("results")});
     }
@@ -90,9 +90,6 @@ protected:
     QString results() const {
         return messagesOf(readJournal(suite.path("results/journal.jsonl")), "result");
     }
-
-    SuiteFolder suite;
-    RunnerProcess runner;
 };
 
 TEST_F(DebuggedRun, StopsWhereAScriptAsksForIt) {
@@ -134,6 +131,92 @@ TEST_F(DebuggedRun, EachCaseIsDebuggedAnew) {
     expect("run", "");
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 0);
+}
+
+/// A suite with a map of names in which the calculator's display has a wrong one.
+class DebuggedApplication : public DebuggedRun {
+protected:
+    DebuggedApplication() {
+        suite.write("suite/config.xml",
+                    "<suite><applications><application name='calculator' "
+                    "path='/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/widgets/calculator/"
+                    "calculator'/></applications></suite>");
+        writeMap("QTextEdit");
+    }
+
+    void writeMap(const QByteArray& type) {
+        suite.write("suite/shared/objectnames.tsv", ":Display\t{type='" + type + "'}\n");
+    }
+    /// Starts the script and lets it run into its first look-up.
+    void startAndRun(const QByteArray& look) {
+        start(
+            "def main():\n"
+            "    testSettings.objectNotFoundDebugging = True\n"
+            "    testSettings.waitForObjectTimeout = 100\n"
+            "    startApplication('calculator')\n"
+            "    " +
+            look +
+            "\n"
+            "    test.pass_('went on')\n");
+        expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+        expect("enableObjectNotFoundDebugging", "");
+        expectStop("run");
+    }
+    void expectStop(const QByteArray& command) {
+        const QString said = answer(runner, command + '\n');
+        static const QRegularExpression event(
+            "^TDBG:@objLookupError 5\t-?\\d+\t.*/a/test.py\t:Display\t"
+            "Object ':Display' not found within 100 ms.*\n$");
+        EXPECT_TRUE(event.match(said).hasMatch()) << qPrintable(said + runner.errors());
+    }
+};
+
+TEST_F(DebuggedApplication, ANameThatFindsNothingIsMendedInTheMap) {
+    // Each in its own way: a wait, a function of the application with the act in one request.
+    for (const char* look : {"waitForObject(':Display')", "click(':Display')"}) {
+        writeMap("QTextEdit");
+        startAndRun(look);
+        // Nothing has changed.
+        expectStop("continue");
+        expectStop("next");
+        writeMap("QLineEdit");
+        expect("continue", "");
+        runner.finish();
+        EXPECT_EQ(runner.exitCode(), 0) << look << qPrintable(runner.errors());
+        EXPECT_EQ(results(), "went on");
+    }
+}
+
+TEST_F(DebuggedApplication, AnErrorTakesItsCourseWhereThatIsWanted) {
+    startAndRun("waitForObject(':Display')");
+    answer(runner, "continue skipCurrentError\n");
+    // The debugger may stop for the error, too.
+    answer(runner, "run\n");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(results().startsWith("Script Error")) << qPrintable(runner.errors());
+}
+
+TEST_F(DebuggedApplication, AFaultyMapIsTold) {
+    startAndRun("waitForObject(':Display')");
+    suite.write("suite/shared/objectnames.tsv", "nonsense\n");
+    const QString said = answer(runner, "continue\n");
+    EXPECT_TRUE(said.startsWith("TDBG:@notify ObjectMap\t" + suite.path("suite")))
+        << qPrintable(said);
+    EXPECT_TRUE(said.contains("\nTDBG:@objLookupError 5\t")) << qPrintable(said);
+    runner.type("continue skipCurrentError\nrun\n");
+    runner.finish();
+}
+
+TEST_F(DebuggedApplication, QuittingEndsTheApplicationsOfTheRun) {
+    startAndRun("waitForObject(':Display')");
+    runner.type("quit\n");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    EXPECT_EQ(results(), "The run was ended in the debugger") << qPrintable(runner.errors());
+    // What is left is cleared up behind the process.
+    for (int tenths = 0; tenths < 100 && !leftProcesses().isEmpty(); ++tenths)
+        QThread::msleep(100);
 }
 
 TEST_F(DebuggedRun, AnInterruptStopsItAndTheNextOneEndsIt) {

@@ -37,6 +37,9 @@ public:
     void fail(FailureKind kind, const QString& text) override {
         answer(Wire::MessageType::Failure, Wire::encode(Wire::Failure{kind, text}));
     }
+    void miss(const Wire::Missed& missed) override {
+        answer(Wire::MessageType::Missed, Wire::encode(missed));
+    }
     void finish() override {
         if (m_session)
             m_session->finish(m_number);

@@ -49,6 +49,9 @@ public:
     /// start(). It becomes the current one only when there is none.
     Outcome<SharedPtr<Application>> waitForLaunch(int timeout);
 
+    /// Takes an application that is connected in whatever way. It does not become the current one.
+    SharedPtr<Application> add(std::unique_ptr<Access> access, const QString& name);
+
     /// Those that are connected, in the order in which they came.
     QList<SharedPtr<Application>> live();
     /// Null when there is none.

@@ -20,7 +20,7 @@ protected:
     QString mouse(const QString& name, int mask, QPoint point, bool isChange, bool isPress,
                   int button = 1) {
         Wire::MouseEvent event;
-        event.handle = name.isEmpty() ? 0 : program().object(name).handle;
+        event.target.handle = name.isEmpty() ? 0 : program().object(name).handle;
         event.mask = mask;
         event.x = point.x();
         event.y = point.y();
@@ -198,7 +198,7 @@ TEST_P(LowLevelTest, TellsTheWindowsAndTheLastPress) {
 TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     const Wire::ObjectInfo plain = program().object("Plain");
     const int before = client().request<Wire::ObjectInfoList>(MessageType::TopLevelObjects).size();
-    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{plain.handle, -1}));
+    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{{plain.handle}, -1}));
     program().sync();
     const QRect place = bounds("Plain");
     if (QString(GetParam()) == "xcb") {  // the offscreen platform shows no such windows
@@ -210,7 +210,7 @@ TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     EXPECT_EQ(program().call("click", "Plain", {1, 1}), "");
     EXPECT_EQ(program().takeLog(), "clicked|clicked");
     client().exchange(MessageType::StopHighlight);
-    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{plain.handle, 100}));
+    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{{plain.handle}, 100}));
     // Neither a frame that is there nor one that has been keeps the program from its end.
     EXPECT_EQ(program().call("closeWindow", "Plain"), "");
     EXPECT_EQ(client().waitForEnd(), 0);

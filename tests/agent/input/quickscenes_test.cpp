@@ -157,11 +157,11 @@ TEST_P(ListsTest, ItemsAreSelectedThatAreNotMadeYet) {
     EXPECT_EQ(program().client().read(item, "text"), "Row 100");
     Wire::FindItem byRow;
     byRow.handle = program().object("ofArray").handle;
-    byRow.row = 60;
+    byRow.item.row = 60;
     byRow.wantReady = true;
     const auto found = program().client().request<Wire::LookUpResult>(MessageType::FindItem, byRow);
     EXPECT_TRUE(found.isReady) << found.obstacle.toStdString();
-    byRow.row = 200;
+    byRow.item.row = 200;
     EXPECT_EQ(program().client().request<Wire::LookUpResult>(MessageType::FindItem, byRow).obstacle,
               "QQuickListView 'ofArray' has no item in row 200");
 }

@@ -95,6 +95,9 @@ public:
     /// kind is Failed.
     Outcome<QByteArray> request(Wire::MessageType type, const QByteArray& body, int timeout,
                                 Patience patience = Patience::UntilTimeout);
+    /// The same with the answer as it is, a Reply, a Failure or Missed. Fails only without one.
+    Outcome<Wire::Frame> answerTo(Wire::MessageType type, const QByteArray& body, int timeout,
+                                  Patience patience = Patience::UntilTimeout);
     /// The same with the answer's body read.
     template <typename Reply>
     Outcome<Reply> ask(Wire::MessageType type, const QByteArray& body, int timeout,
