@@ -50,7 +50,7 @@ public:
     virtual SharedPtr<ApplicationContext> startSpecialApplication(
         const QString& program, const QMap<QString, QString>& options, const QString& host,
         int port, int timeout, QString* error) = 0;
-    /// Drops the connection; false on failure.
+    /// Closes the connection; false on failure.
     virtual bool detachApplication(SharedPtr<ApplicationContext> context) = 0;
     virtual SharedPtr<ApplicationContext> waitForApplicationLaunch(int timeout, QString* error) = 0;
     /// The first started or default context.

@@ -35,8 +35,8 @@ SharedPtr<Object> highlightedObject(ScriptContext* context, RunnerInterface* run
     }
     const QString name = serializeObjectName(argument);
     const Outcome<SharedPtr<Object>> object = lookUp(name, QStringLiteral("highlightObject"), [&] {
-        return outcomeOf(runner->waitForObjectExists(name, true,
-                                                     TestSettingsType::s_waitForObjectTimeout));
+        return outcomeOf(
+            runner->waitForObjectExists(name, true, TestSettingsType::s_waitForObjectTimeout));
     });
     if (!object)
         context->setError(object.error().text);

@@ -26,8 +26,9 @@ void setLookupResult(ScriptContext* context, const Outcome<SharedPtr<Object>>& o
 }
 
 /// Waits until the object of a name is there and ready.
-Outcome<SharedPtr<Object>> waitForName(RunnerInterface* runner, const SharedPtr<ScriptArgument>& name,
-                                       const char* function, int timeout) {
+Outcome<SharedPtr<Object>> waitForName(RunnerInterface* runner,
+                                       const SharedPtr<ScriptArgument>& name, const char* function,
+                                       int timeout) {
     const QString text = serializeObjectName(name);
     return lookUp(text, QLatin1String(function),
                   [&] { return outcomeOf(runner->waitForObjectByName(text, true, timeout)); });
@@ -184,9 +185,9 @@ void findObject(ScriptContext* context) {
         return;
     }
     const QString name = serializeObjectName(context->argument(0));
-    const Outcome<SharedPtr<Object>> object =
-        lookUp(name, QStringLiteral("findObject"),
-               [&] { return outcomeOf(Inspector::self()->findObject(name)); });
+    const Outcome<SharedPtr<Object>> object = lookUp(name, QStringLiteral("findObject"), [&] {
+        return outcomeOf(Inspector::self()->findObject(name));
+    });
     if (object) {
         context->setObjectResult(*object);
         return;

@@ -20,8 +20,8 @@ namespace Tamrix {
 TAMRIX_EXPORT bool looksAgain(const QString& name, const QString& function, const Failure& failure);
 
 /// Looks for the object of a name, waiting or not, or does something with it by its name: `look`
-/// gives an Outcome, and is called again as long as it fails and the runner wants it. The object map
-/// may have changed then, so `look` resolves the name itself. `function` is the script's.
+/// gives an Outcome, and is called again as long as it fails and the runner wants it. The object
+/// map may have changed then, so `look` resolves the name itself. `function` is the script's.
 template <typename Look>
 auto lookUp(const QString& name, const QString& function, Look look) -> decltype(look()) {
     while (true) {

@@ -25,7 +25,7 @@ public:
     /// Whether this is the process that the run itself started.
     bool isMainProcess();
 
-    /// Takes what has come and brings `valid` up to date.
+    /// Processes pending messages and updates `valid`.
     void work();
     /// Whether the process is there, connected or not.
     bool isRunning();
@@ -33,7 +33,7 @@ public:
     /// (Segmentation fault)", with the last lines of standard error. Empty while it is connected.
     /// Waits a moment for a process that is about to end.
     QString endText();
-    /// Drops the connection and leaves the process alone.
+    /// Closes the connection and leaves the process alone.
     void detach();
     /// Also ends the program, if this run has started it, and drops the connection.
     void stop(const QString& message) override;

@@ -16,8 +16,8 @@
 
 namespace Tamrix {
 
-/// The applications of a run: starts them, lets their processes in, and ends them. Script thread
-/// only.
+/// The applications of a run: starts them, accepts the connections of their processes, and ends
+/// them. Script thread only.
 ///
 /// A process of an application that announces itself becomes a context at once, whether somebody
 /// waits for it or not.
@@ -68,7 +68,7 @@ public:
     /// The application itself when it is one of these, null for null and others.
     SharedPtr<Application> checked(const SharedPtr<ApplicationContext>& context);
 
-    /// Lets in who knocks and takes what has come from everywhere, without waiting.
+    /// Accepts connections and processes everything that is pending, without waiting.
     void work();
     /// work(), then waits until something comes, at most this long.
     void waitForNews(int milliseconds);

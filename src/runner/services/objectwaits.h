@@ -7,7 +7,7 @@
 
 namespace Tamrix {
 
-/// The waits of the runner for objects: first a look at once, then one every 50 ms. They end early
+/// The runner's waits for objects. They poll, first at once and then every 50 ms, and end early
 /// when the run is interrupted.
 class ObjectWaits : public virtual RunnerInterface {
 public:

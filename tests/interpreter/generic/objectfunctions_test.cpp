@@ -189,7 +189,7 @@ TEST_F(ObjectFunctions, NamesThatFindNothingCanBeLookedForAgain) {
     runner.furtherLooks = 1;
     EXPECT_EQ(call(findObject, {missingName}), "No object matches " + none);
     EXPECT_EQ(runner.misses, (QStringList{none + " in findObject: No object matches " + none,
-                                           none + " in findObject: No object matches " + none}));
+                                          none + " in findObject: No object matches " + none}));
     // That nothing is there is an answer of these.
     runner.misses.clear();
     call(objectExists, {missingName});

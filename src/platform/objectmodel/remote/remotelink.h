@@ -15,7 +15,7 @@ namespace Tamrix {
 class Class;
 
 /// What a model and its objects share: the connection, what is known of the application's classes,
-/// and how values go over and come back. Kept alive by the objects; script thread only.
+/// and how values are converted in both directions. Kept alive by the objects; script thread only.
 class RemoteLink : public std::enable_shared_from_this<RemoteLink> {
 public:
     explicit RemoteLink(std::shared_ptr<AgentConnection> connection);
