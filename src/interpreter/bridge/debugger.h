@@ -137,7 +137,8 @@ public:
     bool hasBreakPoint(int line, int sourceId) const;
     /// Whether the mode, or a break point, wants the script to stop at a line that it has reached.
     bool wantsStop(const DebuggerFrame& position) const;
-    /// Keeps a break point for a file that has no source id yet.
+    /// Keeps a break point for a file that has no source id yet. One with a bare file name is for
+    /// every file of that name.
     void bufferBreakPoint(const QString& file, int line);
 
     /// Positions for results, innermost first, without the bottom frame; empty outside any frame.
@@ -184,7 +185,9 @@ private:
     Interpreter* m_interpreter;
     std::deque<DebuggerFrame> m_frames;
     std::vector<std::pair<int, int>> m_breakPoints;
+    /// By sanitized path.
     QMap<QString, std::vector<int>> m_bufferedBreakPoints;
+    QMap<QString, std::vector<int>> m_breakPointsByFileName;
     QMap<int, QString> m_sources;
     int m_stepDepth = 0;
     std::unique_ptr<DebuggerFrontEnd> m_frontEnd;
