@@ -28,7 +28,10 @@ const QString exampleSuite =
 const QString prompt = "tamrixrunner dbg> ";
 
 QString shown(const QString& text) {
-    return Normaliser().path(exampleSuite, "SUITE").pattern("\\d+\\.\\d+ s\\b", "0.05 s")(text);
+    return Normaliser()
+        .path(exampleSuite, "SUITE")
+        .pattern("\\d+\\.\\d+ s\\b", "0.05 s")
+        .pattern("0x[0-9a-f]+", "0x7f0000000000")(text);
 }
 
 QByteArray typed(QString command) {
@@ -102,7 +105,7 @@ TEST_F(DebuggedRun, StopsWhereAScriptAsksForIt) {
     expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
     expect("run", "TDBG:@line 2, SUITE/a/test.py:\n");
     expect("run", "TDBG:@line 5, SUITE/a/test.py:\n");
-    expect("eval test.fail('asked')", "TDBG:eval\n");
+    expect("eval test.fail('asked')", "TDBG:evalFalse\n");
     expect("run", "");
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 1);
@@ -206,6 +209,46 @@ TEST_F(DebuggedApplication, AFaultyMapIsTold) {
     EXPECT_TRUE(said.contains("\nTDBG:@objLookupError 5\t")) << qPrintable(said);
     runner.type("continue skipCurrentError\nrun\n");
     runner.finish();
+}
+
+TEST_F(DebuggedApplication, ItsObjectsAreListedWithTheirProperties) {
+    writeMap("QLineEdit");
+    start(
+        "def main():\n"
+        "    startApplication('calculator')\n"
+        "    display = waitForObject(':Display')\n"
+        "    test.breakpoint()\n");
+    expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+    expect("run", "TDBG:@line 4, SUITE/a/test.py:\n");
+    const QString top = answer(runner, "print variables\n");
+    EXPECT_TRUE(top.contains("#+display")) << qPrintable(top);
+    const QString members = answer(runner, "print variables +display\n");
+    EXPECT_TRUE(members.startsWith("TDBG:symb.+display:{")) << qPrintable(members);
+    EXPECT_TRUE(members.contains("#display.text=0,")) << qPrintable(members);
+    EXPECT_TRUE(members.contains("#display.readOnly=true,")) << qPrintable(members);
+    expect("run", "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+}
+
+TEST_F(DebuggedRun, StopsForAnErrorThatNothingCatches) {
+    start(
+        "def fails():\n"
+        "    value = 3\n"
+        "    raise ValueError('wrong')\n"
+        "def main():\n"
+        "    try:\n"
+        "        fails()\n"
+        "    except ValueError:\n"
+        "        pass\n"
+        "    fails()\n");
+    expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+    expect("run", "TDBG:@line 3, SUITE/a/test.py:\n");
+    expect("bt", "TDBG:SUITE/a/test.py: 9\n");
+    expect("eval value", "TDBG:eval3\n");
+    expect("run", "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 1);
 }
 
 TEST_F(DebuggedApplication, QuittingEndsTheApplicationsOfTheRun) {
