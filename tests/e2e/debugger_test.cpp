@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QThread>
+#include <QUrl>
 #include <csignal>
 
 #include "e2e/applicationrun.h"
@@ -77,10 +78,16 @@ TEST(DebuggerDialogues, TheSessionOfTheDocumentGoesAsRecorded) {
 
 class DebuggedRun : public ApplicationRun {
 protected:
-    void start(const QByteArray& script) {
+    /// `starter` is a program that becomes the runner.
+    void start(const QByteArray& script, const QString& starter = {}) {
         suite.write("suite/a/test.py", script);
-        runner.startDialogue(
-            {"run", "--debugger", suite.path("suite"), "--result-dir", suite.path("results")});
+        QStringList arguments = {"run", "--debugger", suite.path("suite"), "--result-dir",
+                                 suite.path("results")};
+        if (!starter.isEmpty()) {
+            arguments.prepend(TAMRIX_TEST_PREFIX "/bin/tamrixrunner");
+            runner.setProgram(starter);
+        }
+        runner.startDialogue(arguments);
     }
     /// Lets the program perform the command and expects what it says then.
     void expect(const QByteArray& command, const QString& wanted) {
@@ -190,6 +197,15 @@ TEST_F(DebuggedApplication, ANameThatFindsNothingIsMendedInTheMap) {
     }
 }
 
+TEST_F(DebuggedApplication, CodeMendsWhatTheNameIsToFind) {
+    startAndRun("waitForObject(':Display')");
+    const QString code = "open('" + suite.path("suite/shared/objectnames.tsv") +
+                         "', 'w').write(\":Display\\t{type='QLineEdit'}\\n\")";
+    expect("continue updateReferences " + QUrl::toPercentEncoding(code), "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+}
+
 TEST_F(DebuggedApplication, AnErrorTakesItsCourseWhereThatIsWanted) {
     startAndRun("waitForObject(':Display')");
     answer(runner, "continue skipCurrentError\n");
@@ -262,25 +278,51 @@ TEST_F(DebuggedApplication, QuittingEndsTheApplicationsOfTheRun) {
         QThread::msleep(100);
 }
 
-TEST_F(DebuggedRun, AnInterruptStopsItAndTheNextOneEndsIt) {
-    start(
-        "import time\n"
-        "def main():\n"
-        "    print('ready')\n"
-        "    while True:\n"
-        "        time.sleep(0.01)\n"
-        "def cleanup():\n"
-        "    test.log('cleaned up')\n");
-    expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
-    runner.type("run\n");
-    ASSERT_TRUE(runner.waitForErrors("ready"));
+/// Interrupts a script that runs.
+class InterruptedDebugging : public DebuggedRun {
+protected:
+    void startAndRun(const QString& starter) {
+        start(
+            "import time\n"
+            "def main():\n"
+            "    print('ready')\n"
+            "    while True:\n"
+            "        time.sleep(0.01)\n"
+            "def cleanup():\n"
+            "    test.log('cleaned up')\n",
+            starter);
+        expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+        runner.type("run\n");
+        EXPECT_TRUE(runner.waitForErrors("ready"));
+    }
+    void expectStop() {
+        EXPECT_TRUE(runner.waitForOutput("TDBG:@line ")) << qPrintable(runner.errors());
+        EXPECT_EQ(answer(runner, "bt\n").count("TDBG:@line "), 1) << "and no further one";
+    }
+    void expectOrderlyEnd() {
+        runner.finish();
+        EXPECT_EQ(runner.exitCode(), 130) << qPrintable(runner.errors());
+        EXPECT_EQ(results(), "Script Error cleaned up") << qPrintable(runner.errors());
+    }
+};
+
+TEST_F(InterruptedDebugging, StopsTheScriptAndTheNextOneEndsTheRun) {
+    startAndRun({});
     runner.sendSignal(SIGINT);
-    ASSERT_TRUE(runner.waitForOutput("TDBG:@line ")) << qPrintable(runner.errors());
+    expectStop();
     // The script stands still.
     runner.sendSignal(SIGINT);
-    runner.finish();
-    EXPECT_EQ(runner.exitCode(), 130) << qPrintable(runner.errors());
-    EXPECT_EQ(results(), "Script Error cleaned up") << qPrintable(runner.errors());
+    expectOrderlyEnd();
+}
+
+TEST_F(InterruptedDebugging, StopsItOnceBySignalsToAllItsProcesses) {
+    startAndRun("setsid");
+    runner.sendSignalToGroup(SIGINT);
+    expectStop();
+    // Not taken for the other half of the first one.
+    QThread::msleep(1100);
+    runner.sendSignalToGroup(SIGINT);
+    expectOrderlyEnd();
 }
 
 TEST(DebuggerTerminal, LinesAreEditedAndComeBack) {
