@@ -1,7 +1,6 @@
 #include "plugins/python/pythondebugger.h"
 
 #include <algorithm>
-#include <atomic>
 
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptionhandlers.h"
@@ -15,16 +14,6 @@ namespace {
 
 /// The number of the last state of break points that a debugger of this process had.
 unsigned s_lastState = 0;
-
-/// Who is to stop as soon as Python can; null when nobody is.
-std::atomic<PythonDebugger*> s_interrupted{nullptr};
-static_assert(std::atomic<PythonDebugger*>::is_always_lock_free, "a signal handler uses it");
-
-int stopInterrupted(void*) {
-    if (PythonDebugger* const debugger = s_interrupted.exchange(nullptr))
-        debugger->stop();
-    return 0;
-}
 
 /// Keeps an exception that is on its way while the debugger asks Python something.
 class ErrorAside {
@@ -107,15 +96,7 @@ void PythonDebugger::setBreakPoint(int line, int sourceId, bool set) {
     m_hook.redecide();
 }
 
-void PythonDebugger::interrupt() {
-    s_interrupted = this;
-    // Python's own way for signal handlers: the call is made by the script's thread, which has
-    // Python's lock then.
-    Py_AddPendingCall(stopInterrupted, nullptr);
-}
-
 void PythonDebugger::shutDown() {
-    s_interrupted = nullptr;
     setInteractive(false);
     m_watcher.reset();
     m_toldError = PyRef();

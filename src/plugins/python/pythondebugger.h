@@ -37,8 +37,6 @@ public:
     void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
-    /// Stops as soon as Python is between two instructions.
-    void interrupt() override;
 
     /// The frames of scripts at which the debugger looks, the innermost first: of an error that it
     /// has stopped for, else those that run.
