@@ -8,13 +8,15 @@ namespace Tamrix {
 
 /// A run works in a child process, so that whatever the script does to its process, the exit code
 /// and the reports tell of it. The process that was started, the supervisor, only waits. The two
-/// share the terminal and the process group; signals that only the supervisor gets are handed on.
+/// share the terminal and the process group; signals that only the supervisor gets are forwarded.
 class Supervision {
 public:
     /// How the child ended.
     struct End {
         /// It said so before, or a signal to the run ended it: its exit code is the run's.
         bool isOrderly = false;
+        /// Its user ended it before all was done.
+        bool isQuit = false;
         int exitCode = 0;
         /// "it exited with code 3", "it was ended by SIGKILL (Killed)".
         QString text;
@@ -28,8 +30,11 @@ public:
     /// In the child: from now on its end is in order. Safe in signal handlers.
     static void markOrderly();
 
+    /// In the child, which exits then: the user ends the run here.
+    static void markQuit();
+
     /// In the child: whether a signal is the second of the two that come when a whole process group
-    /// is sent one, since the supervisor hands on its own. Safe in signal handlers.
+    /// is sent one, since the supervisor forwards its own. Safe in signal handlers.
     static bool isSecondDelivery(int signal, const siginfo_t& info);
 };
 

@@ -6,12 +6,13 @@
 #include <QDir>
 #include <QFile>
 #include <QSysInfo>
-#include <QTextCodec>
 #include <algorithm>
 #include <utility>
 
 #include "base/environment.h"
 #include "base/filewriting.h"
+#include "base/utf8file.h"
+#include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
@@ -41,10 +42,10 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
 /// The desktop as the current application sees it; a null one when it does not answer.
 Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
-    if (!application || !application->connection().ping(pingTimeout))
+    if (!application || !application->access().ping(pingTimeout))
         return {};
     const Outcome<QVariant> picture =
-        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+        application->access().nativeRequest(QStringLiteral("desktopScreenshot"), {});
     return picture ? Screenshot::fromVariant(*picture) : Screenshot();
 }
 
@@ -171,14 +172,27 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     bool loaded;
     {
         const Interrupt::Aside aside;
-        loaded = script.load(testCase.script, Debugger::Run);
+        prepareDebuggers(m_options.debugger);
+        loaded = script.load(testCase.script, isDebugged() ? Debugger::Step : Debugger::Run);
     }
+    if (loaded && isDebugged())
+        startDebugging(testCase);
     if (loaded && script.evaluate(text))
         script.run();
 
     // A script that forked and let its child fall out of the case: the run goes on once only.
     if (::getpid() != process)
         ::_exit(1);
+}
+
+void SuiteRun::startDebugging(const SuiteCase& testCase) {
+    if (Debugger* const debugger = ScriptTestCase::ip->debugger()) {
+        debugger->setFrontEnd(createFrontEnd(m_options.debugger));
+        return;
+    }
+    m_result.addResult(TestResult::Warning, QStringLiteral("The script can't be debugged"),
+                       QStringLiteral("Its language has no debugger"),
+                       LineInfo(testCase.script, 0));
 }
 
 QImage SuiteRun::grabDesktop() {
@@ -244,22 +258,13 @@ void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& 
 }
 
 bool SuiteRun::readScript(const QString& path, QString* text) {
-    QFile file(path);
-    QString problem;
-    if (file.open(QIODevice::ReadOnly)) {
-        const QByteArray bytes = file.readAll();
-        QTextCodec::ConverterState state;
-        *text =
-            QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-        if (file.error() != QFileDevice::NoError)
-            problem = file.errorString();
-        else if (state.invalidChars > 0 || state.remainingChars > 0)
-            problem = QStringLiteral("the file is not encoded in UTF-8");
-    } else {
-        problem = file.errorString();
-    }
-    if (problem.isEmpty())
+    const Outcome<Utf8Text> content = readUtf8File(path);
+    if (content && content->faultyLine == 0) {
+        *text = content->text;
         return true;
+    }
+    const QString problem =
+        content ? QStringLiteral("the file is not encoded in UTF-8") : content.error().text;
     m_result.addResult(TestResult::Fatal, QStringLiteral("Can't read test script"), problem,
                        LineInfo(path, 0));
     return false;
