@@ -203,9 +203,8 @@ std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
     if (lines.empty())
         return lines;
     const std::vector<int> own = linesOf(code);
-    std::erase_if(lines, [&own](int line) {
-        return !std::binary_search(own.begin(), own.end(), line);
-    });
+    std::erase_if(lines,
+                  [&own](int line) { return !std::binary_search(own.begin(), own.end(), line); });
     return lines;
 }
 
@@ -274,8 +273,7 @@ bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
     }
     for (PyRef frame = runningFrame(); frame; frame = nextOutwards(frame)) {
         if (std::find(m_catching.begin(), m_catching.end(), frame.get()) != m_catching.end() ||
-            mayBeAnswer(exception, frameCode(frame.get())) ||
-            mayCatch(frame.get(), exception))
+            mayBeAnswer(exception, frameCode(frame.get())) || mayCatch(frame.get(), exception))
             return true;
     }
     return false;
