@@ -3,7 +3,7 @@
 #include <QElapsedTimer>
 
 #include "interpreter/bridge/debugger.h"
-#include "platform/objectmodel/inmemorymodel.h"
+#include "support/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "plugins/python/pythontest.h"
 #include "runner/coreapplication.h"
