@@ -37,6 +37,8 @@ public:
     void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
+    /// Stops at the next line. Only sets flags.
+    void interrupt() override;
 
     /// The frames of scripts at which the debugger looks, the innermost first: of an error that it
     /// has stopped for, else those that run.

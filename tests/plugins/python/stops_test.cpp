@@ -192,6 +192,23 @@ TEST_F(PythonStops, Errors) {
                                   Normaliser().path(folder.path(), "<FOLDER>")(stops)));
 }
 
+/// The first Ctrl-C stops at the next line, whatever the script is doing; the second one ends it.
+TEST_F(PythonStops, AtCtrlC) {
+    const QString file = scripts.filePath("interrupted.py");
+    ASSERT_TRUE(interpreter->evaluate(readFile(file), file))
+        << qPrintable(interpreter->errorMessage());
+    debugger.run();
+    frontEnd.commands = {Resume::Next, Resume::Next, Resume::Return};
+    EXPECT_TRUE(interpreter->callFunction("main", ObjectList()))
+        << qPrintable(interpreter->errorMessage());
+    EXPECT_TRUE(compareWithGolden("python/stops/interrupted.txt", frontEnd.take("\n") + "\n"));
+    // Nothing has asked for a further run.
+    debugger.setDebuggerMode(Debugger::Run);
+    EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
+    EXPECT_EQ(interpreter->errorMessage(), "KeyboardInterrupt");
+    EXPECT_EQ(frontEnd.take(), "");
+}
+
 /// A recursion that Python would endure does not end the process because a debugger looks on.
 TEST_F(PythonStops, DeepRecursion) {
     ASSERT_EQ(run("import sys\n"

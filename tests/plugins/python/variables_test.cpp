@@ -63,8 +63,9 @@ TEST_F(PythonVariables, AreListedByPath) {
         for (const char* path : {"",
                                  "^1",
                                  "+^1.table",
-                                 "^1.table.a%2Eb",
+                                 "^1.table.key",
                                  "+^1.table.[(1, 2)]",
+                                 "+^1.table.['a.b'].['c d']",
                                  "^1.items",
                                  "+^1.items.2",
                                  "+^1.numbers",
@@ -107,8 +108,9 @@ TEST_F(PythonVariables, ListedPathsLeadBack) {
 
 TEST_F(PythonVariables, NothingIsBelowWhatIsNotThere) {
     lookIn("main", [&] {
-        for (const char* path : {"nobody", "captured.z", "^9", "^1.items.x", "^1.items.-1",
-                                 "^1.items.99", "^1.table.[", "setting.x", "..", "@", "^", "+"})
+        for (const char* path :
+             {"nobody", "captured.z", "^9", "^1.items.x", "^1.items.-1", "^1.items.99",
+              "^1.table.[", "^1.table.[']", "^1.table.[exit()]", "setting.x", "..", "@", "^", "+"})
             EXPECT_EQ(listing(path), QString(path) + ":\n");
     });
 }
@@ -162,7 +164,8 @@ TEST_F(PythonVariables, ObjectsOfApplicationsAreExpandable) {
               "");
     QString text;
     lookIn("main", [&] {
-        for (const char* path : {"", "+window", "+held", "+held.window", "window", "+window.title"})
+        for (const char* path :
+             {"", "+window", "+held", "+held.['window']", "window", "+window.title"})
             text += listing(path);
     });
     EXPECT_TRUE(compareWithGolden("python/objects.txt", withoutAddresses(text)));
