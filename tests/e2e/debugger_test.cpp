@@ -342,6 +342,15 @@ TEST(DebuggerTerminal, LinesAreEditedAndComeBack) {
     EXPECT_TRUE(session.screen().contains("KeyboardInterrupt")) << session.screen().constData();
 }
 
+TEST(DebuggerTerminal, CtrlDEndsTheRun) {
+    TerminalSession session(TAMRIX_TEST_PREFIX "/bin/tamrixrunner",
+                            {"debug", exampleSuite, "average"});
+    ASSERT_TRUE(session.waitFor(prompt.toLatin1())) << session.screen().constData();
+    session.type("\x04");
+    EXPECT_EQ(session.finish(), 0) << session.screen().constData();
+    EXPECT_TRUE(session.screen().contains("The run was ended in the debugger"));
+}
+
 TEST(DebuggerTerminal, TheScriptHasTheTerminalWhileItRuns) {
     SuiteFolder suite;
     suite.write("suite/a/test.py",
