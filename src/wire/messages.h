@@ -9,6 +9,7 @@
 #include <QVector>
 #include <memory>
 
+#include "base/export.h"
 #include "base/outcome.h"
 #include "wire/protocol.h"
 
@@ -335,7 +336,9 @@ TAMRIX_WIRE_OPERATORS(NearMiss);
 TAMRIX_WIRE_OPERATORS(PropertyInfo);
 TAMRIX_WIRE_OPERATORS(MethodInfo);
 TAMRIX_WIRE_OPERATORS(EventInfo);
-TAMRIX_WIRE_OPERATORS(ObjectInfo);
+// Exported: for a type in variants, Qt 6 asks for them wherever it is known.
+TAMRIX_EXPORT QDataStream& operator<<(QDataStream& stream, const ObjectInfo& body);
+TAMRIX_EXPORT QDataStream& operator>>(QDataStream& stream, ObjectInfo& body);
 TAMRIX_WIRE_OPERATORS(ObjectInfoList);
 TAMRIX_WIRE_OPERATORS(Value);
 TAMRIX_WIRE_OPERATORS(ObjectHandle);

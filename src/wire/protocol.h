@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QtGlobal>
 
 #include "wire/connection.h"

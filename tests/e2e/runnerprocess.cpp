@@ -53,20 +53,42 @@ RunnerProcess& RunnerProcess::run(const QStringList& arguments) {
 }
 
 void RunnerProcess::start(const QStringList& arguments) {
+    start(arguments, QIODevice::ReadOnly);
+}
+
+void RunnerProcess::startDialogue(const QStringList& arguments) {
+    start(arguments, QIODevice::ReadWrite);
+}
+
+void RunnerProcess::type(const QByteArray& text) {
+    m_process.write(text);
+    m_process.waitForBytesWritten(patienceMilliseconds);
+}
+
+void RunnerProcess::start(const QStringList& arguments, QIODevice::OpenMode mode) {
     m_process.setArguments(arguments);
-    m_process.start(QIODevice::ReadOnly);
+    m_process.start(mode);
     if (!m_process.waitForStarted(patienceMilliseconds))
         ADD_FAILURE() << "can't start: " << qPrintable(m_process.errorString());
 }
 
 bool RunnerProcess::waitForOutput(const QString& text) {
+    return waitFor(text, m_output);
+}
+
+bool RunnerProcess::waitForErrors(const QString& text) {
+    return waitFor(text, m_errors);
+}
+
+bool RunnerProcess::waitFor(const QString& text, const QString& stream) {
     QElapsedTimer timer;
     timer.start();
     readAll();
-    while (!m_output.contains(text)) {
+    while (!stream.contains(text)) {
         if (m_process.state() == QProcess::NotRunning || timer.elapsed() > patienceMilliseconds)
             return false;
-        m_process.waitForReadyRead(1000);
+        // Either stream may have something.
+        m_process.waitForReadyRead(50);
         readAll();
     }
     return true;

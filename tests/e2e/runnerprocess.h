@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <utility>
 
 namespace Tamrix::Test {
 
@@ -25,9 +26,14 @@ public:
     RunnerProcess& run(const QStringList& arguments);
 
     void start(const QStringList& arguments);
+    /// The same with a pipe as standard input, for type() and closeInput().
+    void startDialogue(const QStringList& arguments);
+    void type(const QByteArray& text);
+    void closeInput() { m_process.closeWriteChannel(); }
     /// Waits until the program has written the text to standard output; false when it ends or a
     /// minute passes without.
     bool waitForOutput(const QString& text);
+    bool waitForErrors(const QString& text);
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     // To one that runs.
     void sendSignal(int signal);
@@ -40,9 +46,13 @@ public:
     /// so that -10 stands for SIGKILL.
     int exitCode() const { return m_exitCode; }
     QString output() const { return m_output; }
+    /// What was written since the last call.
+    QString takeOutput() { return std::exchange(m_output, QString()); }
     QString errors() const { return m_errors; }
 
 private:
+    void start(const QStringList& arguments, QIODevice::OpenMode mode);
+    bool waitFor(const QString& text, const QString& stream);
     void readAll();
 
     QTemporaryDir m_settings;

@@ -2,13 +2,29 @@
 
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <memory>
+#include <variant>
 
 #include "base/overloaded.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/debugger/frontend.h"
 
 namespace Tamrix::Test {
+
+// What a scripted front end commands.
+using Resume = Debugger::Resume;
+struct SetBreakPoint {
+    QString file;
+    int line = 0;
+};
+struct DeleteBreakPoint {
+    QString file;
+    int line = 0;
+};
+/// Anything else that is to be done while the script stands still.
+using Look = std::function<void(Debugger&)>;
+using DebuggerCommand = std::variant<Resume, SetBreakPoint, DeleteBreakPoint, Look>;
 
 /// A front end that keeps what it is told, and commands what a test has written down for it.
 class ScriptedFrontEnd : public DebuggerFrontEnd {
@@ -50,18 +66,17 @@ public:
 
     void notify(const QString& key, const QString& value) override { told += key + "=" + value; }
 
-    std::optional<DebuggerCommand> waitForCommand() override {
-        if (commands.empty())
-            return std::nullopt;
-        const DebuggerCommand next = commands.front();
-        commands.pop_front();
-        return next;
-    }
-
-    void reply(const DebuggerCommand&, const Outcome<BreakPointReply>& answer) override {
-        told += !answer ? answer.error().text
-                        : QStringLiteral("%1:%2%3").arg(answer->file, QString::number(answer->line),
-                                                        answer->isBuffered ? " buffered" : "");
+    bool performCommands(Debugger& debugger) override {
+        while (!commands.empty()) {
+            const DebuggerCommand command = commands.front();
+            commands.pop_front();
+            if (const auto* how = std::get_if<Resume>(&command)) {
+                debugger.resume(*how);
+                return true;
+            }
+            perform(debugger, command);
+        }
+        return false;
     }
 
     /// What was told since the last call, parts of it with "; " between them.
@@ -73,6 +88,21 @@ public:
 
     QStringList told;
     std::deque<DebuggerCommand> commands;
+
+private:
+    void perform(Debugger& debugger, const DebuggerCommand& command) {
+        if (const auto* look = std::get_if<Look>(&command))
+            (*look)(debugger);
+        if (const auto* set = std::get_if<SetBreakPoint>(&command))
+            tell(debugger.addBreakPoint(set->file, set->line));
+        if (const auto* deletion = std::get_if<DeleteBreakPoint>(&command))
+            tell(debugger.deleteBreakPoint(deletion->file, deletion->line));
+    }
+    void tell(const Outcome<Debugger::BreakPointPlace>& place) {
+        told += !place ? place.error().text
+                       : QStringLiteral("%1:%2%3").arg(place->file, QString::number(place->line),
+                                                       place->isBuffered ? " buffered" : "");
+    }
 };
 
 }  // namespace Tamrix::Test

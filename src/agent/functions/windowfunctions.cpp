@@ -1,8 +1,7 @@
-#include <qpa/qwindowsysteminterface.h>
-
 #include "agent/core/toolkit.h"
 #include "agent/core/windowstack.h"
 #include "agent/functions/functiontable.h"
+#include "agent/input/windowsystem.h"
 #include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
@@ -55,8 +54,7 @@ void closeWindow(Call& call) {
         queue->add([ref] {
             const Element open = ref.get();
             if (!open.isNull())
-                QWindowSystemInterface::handleCloseEvent<
-                    QWindowSystemInterface::AsynchronousDelivery>(windowOf(open));
+                WindowSystem::self().close(windowOf(open));
         });
     run(queue, call);
 }

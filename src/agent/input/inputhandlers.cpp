@@ -1,6 +1,5 @@
 #include "agent/input/inputhandlers.h"
 
-#include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QGuiApplication>
 
@@ -12,6 +11,7 @@
 #include "agent/input/keyboard.h"
 #include "agent/input/pointer.h"
 #include "agent/input/stepqueue.h"
+#include "agent/input/windowsystem.h"
 #include "agent/readiness/target.h"
 #include "base/boundedgeometry.h"
 
@@ -21,6 +21,14 @@ namespace {
 
 /// The bit of a mouse event's mask that says that x and y are given.
 constexpr int hasCoordinates = 8;
+
+/// Whether input of this kind can be made; fails the request when not.
+bool canBeMade(WindowSystem::Use use, const ResponderPtr& responder) {
+    const QString obstacle = WindowSystem::self().obstacle(use);
+    if (!obstacle.isEmpty())
+        responder->fail(FailureKind::Refused, obstacle);
+    return obstacle.isEmpty();
+}
 
 /// Answers, runs the steps, ends the request.
 void answerAndRun(StepQueue* queue, const ResponderPtr& responder) {
@@ -90,6 +98,8 @@ void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& respo
                             .arg(request.button));
         return;
     }
+    if (!canBeMade(WindowSystem::Use::Mouse, responder))
+        return;
     if (request.target.isNothing()) {
         runMouseEvent(request, Element(), responder);
         return;
@@ -121,6 +131,8 @@ void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder
         responder->fail(FailureKind::BadArgument, error);
         return;
     }
+    if (!canBeMade(WindowSystem::Use::Keys, responder))
+        return;
     auto* const queue = StepQueue::create();
     addActivationOfAny(queue);
     if (request.press)
@@ -133,6 +145,10 @@ void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder
 }
 
 void handleQuit(const ResponderPtr& responder) {
+    if (!canBeMade(WindowSystem::Use::Closing, responder)) {
+        responder->finish();
+        return;
+    }
     auto* const queue = StepQueue::create();
     queue->add([] {
         const QVector<QWindow*> windows = windowStack();
@@ -141,8 +157,7 @@ void handleQuit(const ResponderPtr& responder) {
             if ((*it)->property(internalWindowProperty).isValid())
                 continue;
             isAnyAsked = true;
-            QWindowSystemInterface::handleCloseEvent<QWindowSystemInterface::AsynchronousDelivery>(
-                *it);
+            WindowSystem::self().close(*it);
         }
         if (!isAnyAsked)
             QMetaObject::invokeMethod(

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/export.h"
+#include "base/outcome.h"
 #include "interpreter/bridge/debuggerframe.h"
 #include "platform/testresult/lineinfo.h"
 
@@ -72,9 +73,11 @@ public:
     /// Tells the front end that the script stands here, and why, and runs the command loop if
     /// interactive. Does nothing without a source or outside any frame. Always true.
     virtual bool stop();
-    /// As stop(), for an object that was not found.
+    /// As stop(), for an object that was not found. True only when a command has let the script go
+    /// on: without a person or program to ask, a look-up fails at once.
     virtual bool stopWithObjectName(const QString& objectName, const QString& detail);
-    /// Mode Run; the first SIGINT from now on enters stop(), the next one ends the process.
+    /// Mode Run; the first SIGINT from now on enters interrupt(), the next one has the effect that
+    /// it has without debugger.
     virtual bool run();
     /// Mode Next: stop at the next line whose frame depth is at most `depth`.
     virtual bool next(int depth);
@@ -92,6 +95,11 @@ public:
     /// The interpreter ends: forgets it, restores SIGINT as it was before the first run() and takes
     /// itself out of the signal handler. Does not delete: the plug-in that made the debugger does.
     virtual void shutDown();
+    /// SIGINT has come during a run. Called in the signal handler, and stops there by default,
+    /// which is safe only while the script thread is in nobody's code that must not be entered
+    /// twice. A language that can stop at its next line overrides it with what a signal handler may
+    /// do.
+    virtual void interrupt();
 
     Interpreter* interpreter() const { return m_interpreter; }
     bool isInteractive() const { return m_interactive; }
@@ -102,8 +110,16 @@ public:
     bool objectNotFoundDebugging() const { return m_objectNotFoundDebugging; }
     bool imageNotFoundDebugging() const { return m_imageNotFoundDebugging; }
     bool textNotFoundDebugging() const { return m_textNotFoundDebugging; }
+    /// 1 when the last stop was left by the wish that the error which it was for takes its course.
     int skipCurrentError() const { return m_skipCurrentError; }
     bool breakOnMissingStep() const { return m_breakOnMissingStep; }
+    // What the front end sets.
+    void setObjectNotFoundDebugging(bool on) { m_objectNotFoundDebugging = on; }
+    void setImageNotFoundDebugging(bool on) { m_imageNotFoundDebugging = on; }
+    void setTextNotFoundDebugging(bool on) { m_textNotFoundDebugging = on; }
+    void setSkipCurrentError(int value) { m_skipCurrentError = value; }
+    void setBreakOnMissingStep(bool on) { m_breakOnMissingStep = on; }
+    void clearStartFlag() { m_startFlag = false; }
     /// Whether long searches report their progress with notify(). On for a program, off at a
     /// terminal, which would be flooded.
     bool progressNotification() const { return m_progressNotification; }
@@ -137,7 +153,8 @@ public:
     bool hasBreakPoint(int line, int sourceId) const;
     /// Whether the mode, or a break point, wants the script to stop at a line that it has reached.
     bool wantsStop(const DebuggerFrame& position) const;
-    /// Keeps a break point for a file that has no source id yet.
+    /// Keeps a break point for a file that has no source id yet. One with a bare file name is for
+    /// every file of that name.
     void bufferBreakPoint(const QString& file, int line);
 
     /// Positions for results, innermost first, without the bottom frame; empty outside any frame.
@@ -146,7 +163,8 @@ public:
     /// skip - 1 frames from the top. Values of `maxDepth` below 1 mean no limit.
     std::vector<Location> stackTrace(int skip, int maxDepth);
 
-    // What the front end is told of beside stop() and stopWithObjectName().
+    // What the front end is told of beside stop() and stopWithObjectName(). True only when a
+    // command has let the script go on, as there.
     bool stopWithSearchImage(const QString& imageName, int target, const QString& screenshotFile);
     bool stopWithSearchText(const QString& screenshotFile);
     /// Tells the front end of a line that the script passes, if the host asked for that.
@@ -155,9 +173,34 @@ public:
     void notify(const QString& key, const QString& value);
     void checkForPauseMessage();
 
-    /// The command loop: performs what the front end commands until a command lets the script go on
-    /// or no more commands come.
-    void prompt();
+    /// The command loop: performs what the front end commands until a command lets the script go
+    /// on, which it returns, or no more commands come.
+    bool prompt();
+
+    // What front ends command.
+    /// How the script goes on.
+    enum class Resume {
+        Next,    ///< to the next line that is not in a function called from here
+        Return,  ///< until the current function has returned
+        Step,    ///< to the next line
+        Run      ///< to the next break point
+    };
+    void resume(Resume mode);
+    /// Where a break point is, or was.
+    struct BreakPointPlace {
+        /// The path of the source, or for a file that is not loaded yet the path made absolute.
+        QString file;
+        int line = 0;
+        /// It takes effect once the file is loaded.
+        bool isBuffered = false;
+    };
+    /// `file` as findSourceId() takes it.
+    BreakPointPlace addBreakPoint(const QString& file, int line);
+    /// Break points of files that are not loaded yet can't be deleted.
+    Outcome<BreakPointPlace> deleteBreakPoint(const QString& file, int line);
+    /// Runs code of the script's language in the script that stands still, without stops, and gives
+    /// what became of it: the text of a result or of a failure.
+    QString evaluate(const QString& code);
 
     /// The path made absolute against the working folder, with links resolved.
     static QString sanitizedFilePath(const QString& path);
@@ -172,9 +215,10 @@ protected:
 private:
     bool canStop();
     ScriptPosition currentPosition() const;
-    /// Tells the front end and runs the command loop if interactive. Always true.
+    /// Tells the front end and runs the command loop if interactive. Whether a command has let the
+    /// script go on.
     bool stopWith(const StopReason& reason);
-    void promptIfInteractive();
+    bool promptIfInteractive();
 
     int m_line = -1;
     int m_column = -1;
@@ -184,7 +228,9 @@ private:
     Interpreter* m_interpreter;
     std::deque<DebuggerFrame> m_frames;
     std::vector<std::pair<int, int>> m_breakPoints;
+    /// By sanitized path.
     QMap<QString, std::vector<int>> m_bufferedBreakPoints;
+    QMap<QString, std::vector<int>> m_breakPointsByFileName;
     QMap<int, QString> m_sources;
     int m_stepDepth = 0;
     std::unique_ptr<DebuggerFrontEnd> m_frontEnd;

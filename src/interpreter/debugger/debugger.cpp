@@ -189,6 +189,8 @@ void Debugger::setCode(int sourceId, const QString& file) {
     // too.
     for (const int line : m_bufferedBreakPoints.value(path))
         setBreakPoint(line, sourceId, true);
+    for (const int line : m_breakPointsByFileName.value(QFileInfo(path).fileName()))
+        setBreakPoint(line, sourceId, true);
 }
 
 int Debugger::findSourceId(const QString& file) const {
@@ -241,7 +243,10 @@ bool Debugger::wantsStop(const DebuggerFrame& position) const {
 }
 
 void Debugger::bufferBreakPoint(const QString& file, int line) {
-    m_bufferedBreakPoints[sanitizedFilePath(file)].push_back(line);
+    const bool isBareName = QFileInfo(file).fileName() == file;
+    QMap<QString, std::vector<int>>& buffer =
+        isBareName ? m_breakPointsByFileName : m_bufferedBreakPoints;
+    buffer[isBareName ? file : sanitizedFilePath(file)].push_back(line);
 }
 
 }  // namespace Tamrix

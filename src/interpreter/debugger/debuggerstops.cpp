@@ -15,15 +15,21 @@ ScriptPosition Debugger::currentPosition() const {
 }
 
 bool Debugger::stopWith(const StopReason& reason) {
-    if (canStop()) {
-        m_frontEnd->stopped(currentPosition(), reason);
-        promptIfInteractive();
-    }
-    return true;
+    if (!canStop())
+        return false;
+    // Only `continue` sets it: a stop that is left in another way must not find an old one.
+    m_skipCurrentError = 0;
+    m_frontEnd->stopped(currentPosition(), reason);
+    return promptIfInteractive();
 }
 
 bool Debugger::stop() {
-    return stopWith(LineReached());
+    stopWith(LineReached());
+    return true;
+}
+
+void Debugger::interrupt() {
+    stop();
 }
 
 bool Debugger::stopWithObjectName(const QString& objectName, const QString& detail) {
@@ -65,9 +71,12 @@ void Debugger::notify(const QString& key, const QString& value) {
 
 void Debugger::checkForPauseMessage() {}
 
-void Debugger::promptIfInteractive() {
-    if (m_interactive)
-        prompt();
+bool Debugger::prompt() {
+    return m_frontEnd->performCommands(*this);
+}
+
+bool Debugger::promptIfInteractive() {
+    return m_interactive && prompt();
 }
 
 }  // namespace Tamrix

@@ -17,9 +17,10 @@ std::atomic<Debugger*> s_target{nullptr};
 const Debugger* s_owner = nullptr;
 struct sigaction s_previous;
 
-void handleInterrupt(int) {
+void handleInterrupt(int signal) {
+    sigaction(signal, &s_previous, nullptr);
     if (Debugger* debugger = s_target.exchange(nullptr))
-        debugger->stop();
+        debugger->interrupt();
 }
 
 }  // namespace
@@ -29,9 +30,9 @@ void stopOnInterrupt(Debugger* debugger) {
     struct sigaction action = {};
     action.sa_handler = handleInterrupt;
     sigemptyset(&action.sa_mask);
-    // The default action holds from the handler's first instruction on, and the signal is not held
-    // back while the handler runs: a second one ends the process even while the script is stopped.
-    action.sa_flags = SA_RESETHAND | SA_NODEFER | SA_RESTART;
+    // The signal is not held back while the handler runs: a second one has its effect even while
+    // the script is stopped in there.
+    action.sa_flags = SA_NODEFER | SA_RESTART;
     sigaction(SIGINT, &action, s_owner ? nullptr : &s_previous);
     s_owner = debugger;
 }

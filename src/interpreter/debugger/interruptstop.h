@@ -6,9 +6,8 @@ class Debugger;
 
 // SIGINT during a run that is debugged. One debugger at a time receives it.
 
-/// The next SIGINT calls `debugger`->stop(), the one behind it has the signal's default action and
-/// ends the process. The stop runs inside the signal handler: it is safe only while the script
-/// thread is in the language's own code.
+/// The next SIGINT calls `debugger`->interrupt(), in the signal handler. The one behind it does
+/// what it would have done without debugger, which by default ends the process.
 void stopOnInterrupt(Debugger* debugger);
 
 /// If `debugger` was the last one given to stopOnInterrupt(), SIGINT is handled again as before the

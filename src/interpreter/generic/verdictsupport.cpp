@@ -50,7 +50,8 @@ QString formatThrowMessage(const QString& message, const QString& detail, const 
 
 void launchDebugger() {
     Debugger* const debugger = Debugger::self();
-    if (debugger && debugger->isInteractive())
+    // Not in code that the debugger itself evaluates.
+    if (debugger && debugger->isInteractive() && debugger->debuggerMode() != Debugger::None)
         debugger->stop();
 }
 

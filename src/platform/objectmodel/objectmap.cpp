@@ -1,5 +1,7 @@
 #include "platform/objectmodel/objectmap.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <vector>
 
 #include "base/utf8file.h"
@@ -197,6 +199,15 @@ QString newSymbolicName(const ObjectName& name, const QMap<QString, ObjectName>&
     return symbolic;
 }
 
+/// Tells two states of a file apart; empty when there is none.
+QString stampOf(const QString& path) {
+    const QFileInfo file(path);
+    return file.exists() ? QStringLiteral("%1 %2").arg(
+                               QString::number(file.lastModified().toMSecsSinceEpoch()),
+                               QString::number(file.size()))
+                         : QString();
+}
+
 }  // namespace
 
 ObjectMap* ObjectMap::self() {
@@ -240,6 +251,7 @@ QString ObjectMap::symbolicName(const QString& name, bool createIfMissing) {
         return {};
     const QString symbolic = newSymbolicName(wanted, m_names);
     m_names.insert(symbolic, wanted);
+    m_madeNames.append(symbolic);
     return symbolic;
 }
 
@@ -249,6 +261,8 @@ QString ObjectMap::symbolicName(SharedPtr<Object> object, bool createIfMissing) 
 
 Outcome<> ObjectMap::load(const QString& path) {
     clear();
+    // In front of the reading: what is written meanwhile counts as a change.
+    m_fileStamp = stampOf(path);
     const Outcome<Utf8Text> content = readUtf8File(path);
     if (!content) {
         return fail(FailureKind::Failed, QStringLiteral("The object map '%1' can't be read: %2")
@@ -271,8 +285,27 @@ Outcome<> ObjectMap::load(const QString& path) {
     return fail(FailureKind::Failed, lines.join('\n'));
 }
 
+Outcome<> ObjectMap::loadIfChanged(const QString& path) {
+    const QString stamp = stampOf(path);
+    if (stamp == m_fileStamp)
+        return {};
+    // A faulty file is not read once more before it has changed again.
+    m_fileStamp = stamp;
+    ObjectMap changed;
+    if (const Outcome<> loaded = changed.load(path); !loaded)
+        return loaded;
+    for (const QString& name : qAsConst(m_madeNames)) {
+        if (!changed.m_names.contains(name)) {
+            changed.m_names.insert(name, m_names.value(name));
+            changed.m_madeNames.append(name);
+        }
+    }
+    *this = changed;
+    return {};
+}
+
 void ObjectMap::clear() {
-    m_names.clear();
+    *this = ObjectMap();
 }
 
 QMap<QString, ObjectName> ObjectMap::parseSerializedMap(const QString& text, QString* error) {

@@ -41,6 +41,10 @@ public:
     /// Replaces the map by a file's entries. On failure, which names file, line and fault, the map
     /// is empty.
     Outcome<> load(const QString& path);
+    /// Does the same if the file is not any more what load() has read, or there was none, going by
+    /// its time stamp. On failure the map stays as it is. Names that were made beside the file are
+    /// kept.
+    Outcome<> loadIfChanged(const QString& path);
     void clear();
 
     /// Entries of the text form, by symbolic name; faulty lines are left out and named in `*error`
@@ -51,6 +55,10 @@ public:
 
 private:
     QMap<QString, ObjectName> m_names;
+    /// Those of them that were made beside the file.
+    QStringList m_madeNames;
+    /// Of the file that was read; empty without one.
+    QString m_fileStamp;
 };
 
 /// Whether the values of this property of a name are texts: "text", "name", "type"...

@@ -61,14 +61,15 @@ const char* resultColour(const ResultAdded& result) {
 
 }  // namespace
 
-ConsoleReport::ConsoleReport(QIODevice* device, Verbosity verbosity, bool colour)
-    : m_device(device), m_verbosity(verbosity), m_colour(colour) {}
+ConsoleReport::ConsoleReport(QIODevice* device, Verbosity verbosity, Decoration decoration)
+    : m_device(device), m_verbosity(verbosity), m_decoration(decoration) {}
 
-ConsoleReport::ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity, bool colour)
+ConsoleReport::ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity,
+                             Decoration decoration)
     : m_ownDevice(std::move(device)),
       m_device(m_ownDevice.get()),
       m_verbosity(verbosity),
-      m_colour(colour) {}
+      m_decoration(decoration) {}
 
 ConsoleReport::~ConsoleReport() = default;
 
@@ -213,7 +214,7 @@ void ConsoleReport::addLine(const QString& text, int indent, const char* colour)
         m_pending += '\n';
     m_isAtLineStart = true;
     const QByteArray margin(indent * indentWidth, ' ');
-    const bool isColoured = m_colour && *colour;
+    const bool isColoured = m_decoration != Decoration::None && *colour;
     for (const QString& line : escapedForTerminal(text).split(QLatin1Char('\n'))) {
         if (!line.isEmpty()) {
             m_pending += margin;
@@ -230,8 +231,8 @@ int ConsoleReport::resultIndent() const {
 
 void ConsoleReport::flush() {
     const CaseTally* running = m_tally.runningCase();
-    const bool wantsRunningLine =
-        m_colour && m_verbosity == Verbosity::Normal && running && m_isAtLineStart;
+    const bool wantsRunningLine = m_decoration == Decoration::ColoursAndRunningCase &&
+                                  m_verbosity == Verbosity::Normal && running && m_isAtLineStart;
     if (m_pending.isEmpty() && wantsRunningLine == m_isRunningLineShown)
         return;
     QByteArray text;

@@ -24,11 +24,17 @@ public:
         Verbose  ///< also every result, section and attachment as it happens
     };
 
-    /// `colour` asks for colours, and for a line that shows the running case and goes away again;
-    /// only a terminal takes both. `device` is open for writing and not owned.
-    ConsoleReport(QIODevice* device, Verbosity verbosity, bool colour);
+    /// What only a terminal takes.
+    enum class Decoration {
+        None,
+        Colours,
+        ColoursAndRunningCase  ///< also a line that shows the running case and goes away again
+    };
+
+    /// `device` is open for writing and not owned.
+    ConsoleReport(QIODevice* device, Verbosity verbosity, Decoration decoration);
     /// Owns the device.
-    ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity, bool colour);
+    ConsoleReport(std::unique_ptr<QIODevice> device, Verbosity verbosity, Decoration decoration);
     ~ConsoleReport() override;
 
     void add(const ReportEntry& entry) override;
@@ -59,7 +65,7 @@ private:
     std::unique_ptr<QIODevice> m_ownDevice;
     QIODevice* m_device;
     Verbosity m_verbosity;
-    bool m_colour;
+    Decoration m_decoration;
     RunTally m_tally;
     QByteArray m_pending;
     /// Whether the script's output, which may end anywhere, has ended with a line feed.

@@ -33,7 +33,8 @@ Generator createConsoleReport(const ReportDescription& description,
         return fail(FailureKind::Failed, QStringLiteral("The report '%1' can't be written: %2")
                                              .arg(file->fileName(), file->errorString()));
     }
-    return std::make_unique<ConsoleReport>(std::move(file), verbosity, false);
+    return std::make_unique<ConsoleReport>(std::move(file), verbosity,
+                                           ConsoleReport::Decoration::None);
 }
 
 /// A generator that tells at once when its file can't be written.

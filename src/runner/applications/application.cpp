@@ -16,7 +16,7 @@ namespace Tamrix {
 
 namespace {
 
-/// How long a process may take to end behind its connection.
+/// How long a process may take to end, behind its connection or when it is asked to.
 constexpr int endPatience = 1000;
 
 QString commandLineOf(const ApplicationFacts& facts) {
@@ -108,6 +108,14 @@ void Application::detach() {
     m_isDetached = true;
     m_access->close(QStringLiteral("it was detached"));
     valid = false;
+}
+
+void Application::stop(const QString& message) {
+    ApplicationContext::stop(message);
+    isExitExpected = true;
+    if (m_program)
+        m_program->end(endPatience);
+    detach();
 }
 
 qint64 residentMemory(pid_t process) {

@@ -35,6 +35,8 @@ public:
     QString endText();
     /// Closes the connection and leaves the process alone.
     void detach();
+    /// Also ends the program, if this run has started it, and drops the connection.
+    void stop(const QString& message) override;
 
 private:
     /// Whether the process has done nothing since the last call: it is stopped, or waits.

@@ -5,6 +5,7 @@
 // The commands in the order of the help. Each NAME is the function NAMECommand() of a file.
 #define TAMRIX_FOR_EACH_COMMAND(DO) \
     DO(run)                         \
+    DO(debug)                       \
     DO(list)                        \
     DO(report)                      \
     DO(inspect)                     \

@@ -22,6 +22,7 @@ constexpr long long deliveryMilliseconds = 1000;
 /// Seen by both processes.
 struct SharedState {
     std::atomic<bool> isOrderly;
+    std::atomic<bool> isQuit;
 };
 static_assert(std::atomic<bool>::is_always_lock_free, "two processes and a signal handler use it");
 
@@ -65,6 +66,7 @@ Supervision::End waitFor(pid_t child) {
     // A signal from outside that came before, or in spite of, the handlers of the run.
     const bool isAsked = how.signal != 0 && how.signal == lastSignal;
     end.isOrderly = s_shared->isOrderly || isAsked;
+    end.isQuit = s_shared->isQuit;
     end.exitCode = how.exitCode;
     end.text = how.text;
     return end;
@@ -77,7 +79,7 @@ std::optional<Supervision::End> Supervision::begin() {
                                 MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED)
         return std::nullopt;
-    s_shared = new (memory) SharedState{false};
+    s_shared = new (memory) SharedState{false, false};
     // A process that is started with SIGCHLD ignored never learns how its children end.
     struct sigaction childAction {};
     struct sigaction defaultAction {};
@@ -105,6 +107,11 @@ std::optional<Supervision::End> Supervision::begin() {
 void Supervision::markOrderly() {
     if (s_shared)
         s_shared->isOrderly = true;
+}
+
+void Supervision::markQuit() {
+    if (s_shared)
+        s_shared->isQuit = true;
 }
 
 bool Supervision::isSecondDelivery(int signal, const siginfo_t& info) {

@@ -15,6 +15,8 @@ public:
     struct End {
         /// It said so before, or a signal to the run ended it: its exit code is the run's.
         bool isOrderly = false;
+        /// Its user ended it before all was done.
+        bool isQuit = false;
         int exitCode = 0;
         /// "it exited with code 3", "it was ended by SIGKILL (Killed)".
         QString text;
@@ -27,6 +29,9 @@ public:
 
     /// In the child: from now on its end is in order. Safe in signal handlers.
     static void markOrderly();
+
+    /// In the child, which exits then: the user ends the run here.
+    static void markQuit();
 
     /// In the child: whether a signal is the second of the two that come when a whole process group
     /// is sent one, since the supervisor forwards its own. Safe in signal handlers.

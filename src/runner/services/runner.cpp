@@ -1,7 +1,6 @@
 #include "runner/services/runner.h"
 
-#include "interpreter/bridge/debugger.h"
-#include "interpreter/bridge/testsettingstype.h"
+#include "interpreter/debugger/missingobject.h"
 
 namespace Tamrix {
 
@@ -28,11 +27,8 @@ bool Runner::acquireRemoteObjectModel() {
 }
 
 void Runner::objectNotFound(const QString& name, const QString&, QString* error) {
-    // The script stops only where the test and a front end both want it; else it fails at once.
-    Debugger* const debugger = Debugger::self();
-    if (debugger && debugger->objectNotFoundDebugging() &&
-        TestSettingsType::s_objectNotFoundDebugging)
-        debugger->stopWithObjectName(name, *error);
+    if (stopForMissingObject(name, *error, objectMapPath()))
+        error->clear();
 }
 
 }  // namespace Tamrix

@@ -39,10 +39,11 @@ private:
     JournalReport m_journal;
 };
 
-/// Standard output behind what was written to it before. No QFile, whose descriptor the report
+/// A stream behind what was written to it before. No QFile, whose descriptor the report
 /// would write to past writeData().
 class RestOfOutput : public QIODevice {
 public:
+    explicit RestOfOutput(int descriptor) : m_descriptor(descriptor) {}
     bool open() { return QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
     void beginWriting() { m_isWriting = true; }
 
@@ -51,13 +52,14 @@ protected:
     qint64 writeData(const char* data, qint64 size) override {
         QString reason;
         if (!m_isWriting ||
-            writeAll(STDOUT_FILENO, QByteArray(data, static_cast<int>(size)), &reason))
+            writeAll(m_descriptor, QByteArray(data, static_cast<int>(size)), &reason))
             return size;
         setErrorString(reason);
         return -1;
     }
 
 private:
+    int m_descriptor;
     bool m_isWriting = false;
 };
 
@@ -114,13 +116,8 @@ std::unique_ptr<ReportGenerator> RunJournal::createWriter() const {
 }
 
 void finishLostRun(const RunJournal& journal, const LostRun& run) {
-    tell(QStringLiteral("the process that ran the test cases ended before its time: %1")
-             .arg(run.end));
-    const JournalCompletion completion =
-        completeJournal(journal.path(), QStringLiteral("The process of the run has ended"),
-                        QStringLiteral("Something in this test case ended the process that ran "
-                                       "it, as os._exit() does: %1")
-                            .arg(run.end));
+    tell(run.notice);
+    const JournalCompletion completion = completeJournal(journal.path(), run.message, run.detail);
     if (!completion.error.isEmpty()) {
         tell(QStringLiteral("no reports of it can be made: %1").arg(completion.error));
         return;
@@ -135,7 +132,7 @@ void finishLostRun(const RunJournal& journal, const LostRun& run) {
         else
             tell(report.error().text);
     }
-    auto output = std::make_unique<RestOfOutput>();
+    auto output = std::make_unique<RestOfOutput>(run.consoleDescriptor);
     RestOfOutput* const rest = output.get();
     if (output->open()) {
         reports.append(std::make_unique<ContinuedReport>(run.createConsole(std::move(output)), rest,

@@ -37,10 +37,15 @@ private:
 
 /// What is to be told of a run whose process has ended before its time.
 struct LostRun {
-    /// "it exited with code 0".
-    QString end;
+    /// For standard error.
+    QString notice;
+    /// Of the Error that the running case gets.
+    QString message;
+    QString detail;
     QStringList reports;
     int selectedCases = 0;
+    /// Where the console report was written to.
+    int consoleDescriptor = 1;
     /// Makes the console report on a device.
     std::function<std::unique_ptr<ReportGenerator>(std::unique_ptr<QIODevice>)> createConsole;
 };

@@ -12,6 +12,7 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "base/utf8file.h"
+#include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
@@ -171,14 +172,27 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     bool loaded;
     {
         const Interrupt::Aside aside;
-        loaded = script.load(testCase.script, Debugger::Run);
+        prepareDebuggers(m_options.debugger);
+        loaded = script.load(testCase.script, isDebugged() ? Debugger::Step : Debugger::Run);
     }
+    if (loaded && isDebugged())
+        startDebugging(testCase);
     if (loaded && script.evaluate(text))
         script.run();
 
     // A script that forked and let its child fall out of the case: the run goes on once only.
     if (::getpid() != process)
         ::_exit(1);
+}
+
+void SuiteRun::startDebugging(const SuiteCase& testCase) {
+    if (Debugger* const debugger = ScriptTestCase::ip->debugger()) {
+        debugger->setFrontEnd(createFrontEnd(m_options.debugger));
+        return;
+    }
+    m_result.addResult(TestResult::Warning, QStringLiteral("The script can't be debugged"),
+                       QStringLiteral("Its language has no debugger"),
+                       LineInfo(testCase.script, 0));
 }
 
 QImage SuiteRun::grabDesktop() {

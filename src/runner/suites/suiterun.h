@@ -6,6 +6,7 @@
 
 #include "base/outcome.h"
 #include "platform/testresult/testresult.h"
+#include "runner/debugging/frontends.h"
 #include "runner/services/runner.h"
 #include "runner/suites/failuremoment.h"
 #include "runner/suites/suite.h"
@@ -24,6 +25,8 @@ struct SuiteRunOptions {
     QStringList scriptArguments;
     /// Where applications appear: see Applications::useDisplay().
     QString display;
+    /// Who drives the debugger, in which each case then stops at its first line.
+    DebuggerDialogue debugger = DebuggerDialogue::None;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
@@ -53,8 +56,11 @@ public:
 private:
     void runCase(const SuiteCase& testCase);
     void runScript(const SuiteCase& testCase);
+    /// Hands the debugger of the language to whoever drives it.
+    void startDebugging(const SuiteCase& testCase);
     bool readScript(const QString& path, QString* text);
     bool caseHasFailed() const;
+    bool isDebugged() const { return m_options.debugger != DebuggerDialogue::None; }
     /// Loads the suite's map of object names, so that each case starts with the same one.
     Outcome<> loadObjectMap();
     /// A picture of the desktop for a result; null when the application gives none.

@@ -52,8 +52,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Platforms, LowLevelTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(LowLevelTest);
 
 TEST_P(LowLevelTest, SingleMouseEventsArriveInTheirPlaces) {
     const QPoint pad = bounds("pad").topLeft();
@@ -78,7 +77,7 @@ TEST_P(LowLevelTest, ThingsAreDraggedAndDropped) {
                              {from.width() / 2, from.height() / 2, way.x(), way.y()}),
               "");
     // The offscreen platform ends every drag at once.
-    const bool hasDrags = QString(GetParam()) == "xcb";
+    const bool hasDrags = QString(GetParam().platform) == "xcb";
     EXPECT_EQ(program().takeLog(), hasDrags ? "drop Drag me|dragged" : "not dragged");
     EXPECT_EQ(program().call("click", "Plain"), "");
     EXPECT_EQ(program().takeLog(), "clicked");
@@ -201,7 +200,7 @@ TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{{plain.handle}, -1}));
     program().sync();
     const QRect place = bounds("Plain");
-    if (QString(GetParam()) == "xcb") {  // the offscreen platform shows no such windows
+    if (QString(GetParam().platform) == "xcb") {  // the offscreen platform shows no such windows
         const QImage screen = picture("desktopScreenshot").image();
         EXPECT_EQ(screen.pixelColor(place.topLeft() - QPoint(1, -5)), QColor(Qt::red));
     }

@@ -1,4 +1,4 @@
-// Scenes of Qt Quick, each a file that qmlscene shows.
+// Scenes of Qt Quick, each a file that a program of Qt shows.
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ class SceneTest : public InputTest {
 protected:
     explicit SceneTest(const char* scene) : m_scene(scene) {}
 
-    QString target() const override { return "/usr/lib/qt5/bin/qmlscene"; }
+    QString target() const override { return sceneViewer(qtVersion()); }
     QStringList arguments() const override {
         return {QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/tests/agent/input/scenes/") + m_scene};
     }
@@ -54,11 +54,9 @@ struct ListsTest : SceneTest {
     ListsTest() : SceneTest("lists.qml") {}
 };
 
-const auto platforms = testing::Values("offscreen", "xcb");
-const auto platformName = [](const auto& row) { return std::string(row.param); };
-INSTANTIATE_TEST_SUITE_P(Platforms, CoversTest, platforms, platformName);
-INSTANTIATE_TEST_SUITE_P(Platforms, PopupsTest, platforms, platformName);
-INSTANTIATE_TEST_SUITE_P(Platforms, ListsTest, platforms, platformName);
+TAMRIX_FOR_EACH_PLATFORM(CoversTest);
+TAMRIX_FOR_EACH_PLATFORM(PopupsTest);
+TAMRIX_FOR_EACH_PLATFORM(ListsTest);
 
 TEST_P(CoversTest, AreWhatTakesAClickAndNothingElse) {
     const struct {

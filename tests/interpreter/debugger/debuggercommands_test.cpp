@@ -9,8 +9,7 @@
 namespace Tamrix {
 namespace {
 
-using Test::ScriptedFrontEnd;
-using Test::TestDebugger;
+using namespace Test;
 
 class DebuggerCommands : public testing::Test {
 protected:
@@ -26,7 +25,7 @@ protected:
 
 TEST_F(DebuggerCommands, EachWayOnHasItsModeAndDepth) {
     const struct {
-        Resume::Mode command;
+        Resume command;
         int frames;
         Debugger::DbgMode mode;
         int stepDepth;
@@ -44,21 +43,9 @@ TEST_F(DebuggerCommands, EachWayOnHasItsModeAndDepth) {
         frontEnd.commands = {Resume{row.command}};
         debugger.stop();
         EXPECT_EQ(frontEnd.take(), "3");
-        EXPECT_EQ(debugger.debuggerMode(), row.mode) << row.command;
-        EXPECT_EQ(debugger.stepDepth(), row.stepDepth) << row.command;
+        EXPECT_EQ(debugger.debuggerMode(), row.mode) << int(row.command);
+        EXPECT_EQ(debugger.stepDepth(), row.stepDepth) << int(row.command);
     }
-    debugger.shutDown();
-}
-
-TEST_F(DebuggerCommands, OnlyRunningEndsTheStart) {
-    for (const Resume::Mode mode : {Resume::Next, Resume::Return, Resume::Step}) {
-        frontEnd.commands = {Resume{mode}};
-        debugger.stop();
-        EXPECT_TRUE(debugger.startFlag()) << mode;
-    }
-    frontEnd.commands = {Resume{Resume::Run}};
-    debugger.stop();
-    EXPECT_FALSE(debugger.startFlag());
     debugger.shutDown();
 }
 
@@ -95,14 +82,39 @@ TEST_F(DebuggerCommands, EveryStopTellsItsReasonAndWaits) {
     for (const bool isInteractive : {true, false}) {
         debugger.setInteractive(isInteractive);
         for (const auto& row : rows) {
+            debugger.setSkipCurrentError(1);
             frontEnd.commands = {Resume{Resume::Step}};
             row.stop(debugger);
             EXPECT_EQ(frontEnd.take(), row.told);
             // A missing step waits in any case.
             const bool hasWaited = isInteractive || QString(row.told).contains("no step");
             EXPECT_EQ(frontEnd.commands.empty(), hasWaited) << row.told << isInteractive;
+            // No stop finds an old wish. A missing step is none that has an error.
+            const bool isStop = !QString(row.told).contains("no step");
+            EXPECT_EQ(debugger.skipCurrentError(), isStop ? 0 : 1) << row.told;
         }
     }
+}
+
+TEST_F(DebuggerCommands, AFailedSearchKnowsWhetherSomebodyCouldMendIt) {
+    const std::function<bool()> stops[] = {
+        [this] { return debugger.stopWithObjectName("n", "d"); },
+        [this] { return debugger.stopWithSearchImage("i", 2, "/s"); },
+        [this] { return debugger.stopWithSearchText("/s"); }};
+    for (const auto& stop : stops) {
+        frontEnd.commands = {Resume::Step};
+        EXPECT_TRUE(stop());
+        EXPECT_FALSE(stop()) << "the commands have ended";
+        debugger.setInteractive(false);
+        frontEnd.commands = {Resume::Step};
+        EXPECT_FALSE(stop());
+        debugger.setInteractive(true);
+    }
+    frontEnd.commands = {Resume::Step};
+    debugger.popFrame();
+    debugger.popFrame();
+    EXPECT_FALSE(stops[0]()) << "outside of any frame";
+    EXPECT_TRUE(debugger.stop()) << "whatever becomes of it";
 }
 
 TEST_F(DebuggerCommands, AHighlightedLineGoesOnWhateverIsCommanded) {

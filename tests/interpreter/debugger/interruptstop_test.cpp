@@ -72,6 +72,22 @@ TEST(InterruptStop, RunInstallsTheHandlerAgain) {
         ExitedWithCode(0), "^stop 1;stop 2;$");
 }
 
+TEST(InterruptStop, SecondOneIsTheHostsWhereItHasAHandler) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGINT, hostHandler);
+            InterruptedDebugger debugger;
+            debugger.interruptedAgain = true;
+            debugger.run();
+            std::raise(SIGINT);
+            std::raise(SIGINT);
+            debugger.run();
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^stop 1;host;host;stop 2;host;$");
+}
+
 TEST(InterruptStop, ShutDownAndDestructionGiveTheSignalBackToTheHost) {
     EXPECT_EXIT(
         {

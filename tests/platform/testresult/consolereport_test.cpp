@@ -22,7 +22,7 @@ protected:
     static QString sampleRun(Verbosity verbosity) {
         QBuffer output;
         output.open(QIODevice::WriteOnly);
-        ConsoleReport report(&output, verbosity, false);
+        ConsoleReport report(&output, verbosity, ConsoleReport::Decoration::None);
         addSampleRun(&report);
         report.finish();
         return QString::fromUtf8(output.data());
@@ -45,7 +45,8 @@ TEST_F(ConsoleReportTest, TellsARunByVerbosity) {
 }
 
 TEST_F(ConsoleReportTest, ColouredReportShowsTheRunningCaseAndTakesItAway) {
-    ConsoleReport report(&buffer, Verbosity::Normal, true);
+    ConsoleReport report(&buffer, Verbosity::Normal,
+                         ConsoleReport::Decoration::ColoursAndRunningCase);
     FixedClock clock(&report);
     TestResult result(&clock);
     result.startSuite("s", "/s");
@@ -60,7 +61,7 @@ TEST_F(ConsoleReportTest, ColouredReportShowsTheRunningCaseAndTakesItAway) {
 }
 
 TEST_F(ConsoleReportTest, MessagesCannotControlTheTerminalAndOutputIsVerbatim) {
-    ConsoleReport report(&buffer, Verbosity::Normal, false);
+    ConsoleReport report(&buffer, Verbosity::Normal, ConsoleReport::Decoration::None);
     TestResult result(&report);
     result.startCase(QString("c\x1b[2J"), "/c");
     const QString wild =
@@ -75,7 +76,7 @@ TEST_F(ConsoleReportTest, MessagesCannotControlTheTerminalAndOutputIsVerbatim) {
 }
 
 TEST_F(ConsoleReportTest, FailuresOutsideTheCasesAndInterruptionsAreTold) {
-    ConsoleReport report(&buffer, Verbosity::Quiet, false);
+    ConsoleReport report(&buffer, Verbosity::Quiet, ConsoleReport::Decoration::None);
     FixedClock clock(&report);
     TestResult result(&clock);
     result.startSuite("s", "/s");
@@ -98,7 +99,7 @@ Time: 2.00 s
 TEST_F(ConsoleReportTest, TellsOnceThatItCannotWrite) {
     QFile full("/dev/full");
     ASSERT_TRUE(full.open(QIODevice::WriteOnly));
-    ConsoleReport report(&full, Verbosity::Verbose, false);
+    ConsoleReport report(&full, Verbosity::Verbose, ConsoleReport::Decoration::None);
     addSampleRun(&report);
     report.finish();
     EXPECT_EQ(report.errorText(),

@@ -157,6 +157,13 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report", "console:-"},
          "the console report always goes to standard output; 'console:-' would write it twice (see "
          "tamrixrunner run --help)"},
+        {{"run", "s", "--debugger", "--report", "console:-"},
+         "standard output belongs to the debugger; 'console:-' can't be written there (see "
+         "tamrixrunner run --help)"},
+        {{"debug", "s"}, "debug needs SUITE CASE (see tamrixrunner debug --help)"},
+        {{"debug", "s", "a", "b"}, "unexpected argument 'b' (see tamrixrunner debug --help)"},
+        {{"debug", "s", "a", "--fail-fast"},
+         "Unknown option 'fail-fast' (see tamrixrunner debug --help)"},
         {{"run", "s", "--result-dir", "/a", "--report", "json:/a/../a/journal.jsonl"},
          "the reports 'json:/a/journal.jsonl' and 'json:/a/../a/journal.jsonl' have the same path "
          "(see tamrixrunner run --help)"},

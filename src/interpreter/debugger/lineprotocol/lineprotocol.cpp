@@ -1,91 +1,97 @@
 #include "interpreter/debugger/lineprotocol/lineprotocol.h"
 
-#include <cstdio>
-
 #include "base/overloaded.h"
+#include "base/protocolescapes.h"
+#include "interpreter/bridge/debugger.h"
+#include "interpreter/debugger/lineprotocol/command.h"
 
 namespace Tamrix {
 
+LineProtocol::LineProtocol(ProtocolDialect dialect, ProtocolSurroundings surroundings)
+    : m_output(dialect), m_surroundings(std::move(surroundings)) {
+    if (!m_surroundings.input)
+        m_surroundings.input = std::make_unique<StandardInput>();
+}
+
 void LineProtocol::stopped(const ScriptPosition& position, const StopReason& reason) {
-    print(std::visit(
+    m_output.print(std::visit(
         Overloaded{
             [&](const LineReached&) {
                 const std::string text = positionText(position);
                 return "@" + text;
             },
             [&](const ObjectNotFound& object) {
-                const std::string fields =
-                    "@objLookupError " + positionFields(position) + '\t' + escaped(object.name);
+                const std::string fields = "@objLookupError " + positionFields(position) + '\t' +
+                                           m_output.escaped(object.name);
                 return object.detail.isEmpty()
                            ? fields
-                           : fields + '\t' + encoded(escapeNonPrintable(object.detail));
+                           : fields + '\t' + m_output.encoded(escapeNonPrintable(object.detail));
             },
             [&](const ImageNotFound& image) {
-                return "@imgLookupError " + positionFields(position) + '\t' + escaped(image.name) +
-                       '\t' + std::to_string(image.target) + '\t' + escaped(image.screenshot);
+                return "@imgLookupError " + positionFields(position) + '\t' +
+                       m_output.escaped(image.name) + '\t' + std::to_string(image.target) + '\t' +
+                       m_output.escaped(image.screenshot);
             },
             [&](const TextNotFound& text) {
                 return "@textLookupError " + positionFields(position) + '\t' +
-                       escaped(text.screenshot);
+                       m_output.escaped(text.screenshot);
             },
             [&](const StepMissing& step) {
                 return "@missingStep " + std::to_string(position.line) + ' ' + step.text;
             },
         },
         reason));
+    if (m_surroundings.showPosition)
+        m_surroundings.showPosition(position);
 }
 
 void LineProtocol::passed(const ScriptPosition& position) {
     const std::string text = positionText(position);
-    print("#" + text);
+    m_output.print("#" + text);
 }
 
 void LineProtocol::notify(const QString& key, const QString& value) {
-    print("@notify " + escaped(key) + '\t' + escaped(value));
+    m_output.print("@notify " + m_output.escaped(key) + '\t' + m_output.escaped(value));
 }
 
-std::optional<DebuggerCommand> LineProtocol::waitForCommand() {
-    return std::nullopt;
-}
-
-void LineProtocol::reply(const DebuggerCommand& command, const Outcome<BreakPointReply>& answer) {
-    const bool isDeletion = std::holds_alternative<DeleteBreakPoint>(command);
-    const std::string word = isDeletion ? "delete" : "break";
-    if (!answer) {
-        const std::string line =
-            linePrefix(m_dialect) + word + " error: " + encoded(answer.error().text);
-        // Meant: failures of these commands do not go where their successes go.
-        std::fprintf(stderr, "%s\n", line.c_str());
-        return;
+bool LineProtocol::performCommands(Debugger& debugger) {
+    while (true) {
+        const CommandInput::Line line = m_surroundings.input->readLine(promptText(debugger));
+        switch (line.end) {
+            case CommandInput::End::None:
+                break;
+            case CommandInput::End::OfInput:
+                endProcess(m_surroundings.aboutToQuit);
+            case CommandInput::End::Interrupted:
+                return false;
+            case CommandInput::End::TooLong:
+                m_output.fail("Command of more than " + std::to_string(CommandInput::maximalSize) +
+                              " bytes");
+                continue;
+        }
+        const CommandCall call{
+            debugger, m_output, QString::fromStdString(line.text), {}, m_surroundings.aboutToQuit};
+        if (performCommand(call) == CommandEffect::Resumes)
+            return true;
     }
-    const char* const what = isDeletion           ? "Deleted break point "
-                             : answer->isBuffered ? "Set buffered break point "
-                                                  : "Set break point ";
-    print(word + " ok: " + what + encoded(answer->file) + ':' + std::to_string(answer->line));
 }
 
-std::string LineProtocol::encoded(const QString& text) const {
-    return encodeForDialect(text, m_dialect);
-}
-
-std::string LineProtocol::escaped(const QString& text) const {
-    return encoded(escapeForVariablePrinting(text));
-}
-
-void LineProtocol::print(const std::string& text) const {
-    const std::string line = linePrefix(m_dialect) + text + '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fflush(stdout);
+std::string LineProtocol::promptText(Debugger& debugger) const {
+    if (m_output.dialect() == ProtocolDialect::Machine)
+        return {};
+    const DebuggerFrame frame = debugger.currentFrame();
+    return "\n@" + positionText({debugger.findSourceId(frame.sourceId), frame.line, frame.column}) +
+           "\n\ntamrixrunner dbg> ";
 }
 
 std::string LineProtocol::positionText(const ScriptPosition& position) const {
     return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) +
-           ", " + encoded(position.file) + ':';
+           ", " + m_output.encoded(position.file) + ':';
 }
 
 std::string LineProtocol::positionFields(const ScriptPosition& position) const {
     return std::to_string(position.line) + '\t' + std::to_string(position.column) + '\t' +
-           encoded(position.file);
+           m_output.encoded(position.file);
 }
 
 }  // namespace Tamrix

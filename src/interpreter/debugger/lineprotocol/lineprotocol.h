@@ -1,35 +1,47 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
 
 #include "interpreter/debugger/frontend.h"
-#include "interpreter/debugger/lineprotocol/protocoltext.h"
+#include "interpreter/debugger/lineprotocol/commandinput.h"
+#include "interpreter/debugger/lineprotocol/protocoloutput.h"
 
 namespace Tamrix {
 
-/// The front end of lines on standard output: one line for each stop and notification, flushed at
-/// once. Nobody commands over it, so that every script goes on behind its stops.
+/// What surrounds the protocol in a program.
+struct ProtocolSurroundings {
+    /// Where commands come from; standard input for null.
+    std::unique_ptr<CommandInput> input;
+    /// Called before a command, or the end of the input, ends the process with exit code 0.
+    std::function<void()> aboutToQuit;
+    /// Called behind the line that tells of a stop, to show more of it.
+    std::function<void(const ScriptPosition&)> showPosition;
+};
+
+/// The front end of lines: commands come in on standard input, answers and events go out on
+/// standard output, some failures on standard error. command.cpp has the table of commands.
 class TAMRIX_EXPORT LineProtocol : public DebuggerFrontEnd {
 public:
-    explicit LineProtocol(ProtocolDialect dialect) : m_dialect(dialect) {}
+    explicit LineProtocol(ProtocolDialect dialect, ProtocolSurroundings surroundings = {});
 
     void stopped(const ScriptPosition& position, const StopReason& reason) override;
     void passed(const ScriptPosition& position) override;
     void notify(const QString& key, const QString& value) override;
-    std::optional<DebuggerCommand> waitForCommand() override;
-    void reply(const DebuggerCommand& command, const Outcome<BreakPointReply>& answer) override;
+    /// The end of the input ends the process.
+    bool performCommands(Debugger& debugger) override;
 
 private:
-    std::string encoded(const QString& text) const;
-    std::string escaped(const QString& text) const;
-    /// Prints a line behind the dialect's prefix and flushes.
-    void print(const std::string& text) const;
+    /// What a person sees in front of a command.
+    std::string promptText(Debugger& debugger) const;
     /// "line 3, column 4, FILE:"
     std::string positionText(const ScriptPosition& position) const;
     /// The fields with which a failed look-up is told: line, column and path.
     std::string positionFields(const ScriptPosition& position) const;
 
-    ProtocolDialect m_dialect;
+    ProtocolOutput m_output;
+    ProtocolSurroundings m_surroundings;
 };
 
 }  // namespace Tamrix

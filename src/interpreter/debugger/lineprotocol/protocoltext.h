@@ -15,14 +15,6 @@ enum class ProtocolDialect {
 /// What stands in front of every line.
 const char* linePrefix(ProtocolDialect dialect);
 
-/// For names and values: backslash, newline, ",", "#" and "=" get a backslash in front (newline
-/// becomes backslash and "n").
-QString escapeForVariablePrinting(QString text);
-
-/// For the details of a failed look-up: printable ASCII as it is but for backslash and double
-/// quote, everything else as a backslash escape ("\n", "\t", "\xHH", "\uHHHH").
-QString escapeNonPrintable(const QString& text);
-
 /// The text's bytes in the encoding of the dialect.
 std::string encodeForDialect(const QString& text, ProtocolDialect dialect);
 

@@ -1,0 +1,195 @@
+#include "runner/commands/caserun.h"
+
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <cstdio>
+#include <memory>
+
+#include "platform/testresult/compositereport.h"
+#include "platform/testresult/reportfactory.h"
+#include "runner/commands/displayoption.h"
+#include "runner/commands/reports.h"
+#include "runner/processes/interrupt.h"
+#include "runner/processes/supervision.h"
+#include "runner/processes/terminal.h"
+#include "runner/suites/lostrun.h"
+#include "runner/suites/suite.h"
+#include "runner/suites/suiterun.h"
+
+namespace Tamrix {
+
+namespace {
+
+using Verbosity = ConsoleReport::Verbosity;
+
+Outcome<> readResultDirectory(const QStringList& values, CaseRunSettings& settings) {
+    if (values.constLast().isEmpty())
+        return wrongUsage(QStringLiteral("--result-dir needs a folder"));
+    settings.resultDirectory =
+        QDir::cleanPath(QDir::current().absoluteFilePath(values.constLast()));
+    return {};
+}
+
+bool isStandardOutput(const QString& report) {
+    const Outcome<ReportDescription> description = parseReportDescription(report);
+    return description && description->isStandardOutput();
+}
+
+/// Where the console report goes: standard output may be a program's that debugs the run.
+int consoleDescriptor(const CaseRunSettings& settings) {
+    return settings.debugger == DebuggerDialogue::Machine ? STDERR_FILENO : STDOUT_FILENO;
+}
+
+std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings,
+                                               std::unique_ptr<QIODevice> output) {
+    using Decoration = ConsoleReport::Decoration;
+    const bool wantsColours = ::isatty(consoleDescriptor(settings)) &&
+                              qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
+    // The line that shows the running case is no place to type commands behind.
+    const Decoration colours = settings.debugger == DebuggerDialogue::None
+                                   ? Decoration::ColoursAndRunningCase
+                                   : Decoration::Colours;
+    return std::make_unique<ConsoleReport>(std::move(output), settings.verbosity,
+                                           wantsColours ? colours : Decoration::None);
+}
+
+/// The run itself, in the process of the cases.
+int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<SuiteCase>& cases,
+            const RunJournal& journal) {
+    CompositeReport reports;
+    if (const Outcome<> opened = openReports(settings.reports, reports); !opened)
+        return failWith(opened.error().text);
+    reports.append(journal.createWriter());
+    // Behind the others: what a person has seen is in the journal, even if the process is killed.
+    auto output = std::make_unique<QFile>();
+    output->open(consoleDescriptor(settings) == STDERR_FILENO ? stderr : stdout,
+                 QIODevice::WriteOnly);
+    reports.append(createConsole(settings, std::move(output)));
+
+    SuiteRunOptions options;
+    options.failFast = settings.failFast;
+    options.recordsActions = settings.recordsActions;
+    options.resultDirectory = settings.resultDirectory;
+    options.scriptArguments = settings.scriptArguments;
+    options.display = settings.display;
+    options.debugger = settings.debugger;
+    SuiteRun run(suite, options, &reports);
+    if (const Outcome<> prepared = run.prepare(); !prepared)
+        return failWith(prepared.error().text);
+    run.run(cases);
+
+    const bool reported = finishReports(reports);
+    if (run.skippedCases() > 0) {
+        tell(QStringLiteral("%1: %2 test case(s) did not run")
+                 .arg(run.interruptedBy() ? QStringLiteral("interrupted")
+                                          : QStringLiteral("ended at the first failure"),
+                      QString::number(run.skippedCases())));
+    }
+    if (run.interruptedBy())
+        return Interrupt::exitCode(run.interruptedBy());
+    if (!reported)
+        return ExitUsage;
+    return run.hasFailed() ? ExitFailure : ExitSuccess;
+}
+
+/// What the reports tell of a run whose process has ended before its time, as its user wanted or
+/// not.
+LostRun lostRun(const CaseRunSettings& settings, const Supervision::End& end, int selectedCases) {
+    LostRun lost;
+    if (end.isQuit) {
+        lost.notice = QStringLiteral("the run was ended in the debugger");
+        lost.message = QStringLiteral("The run was ended in the debugger");
+        lost.detail = QStringLiteral(
+            "The script stood still when its debugger was told to quit, or "
+            "lost whoever drove it");
+    } else {
+        lost.notice =
+            QStringLiteral("the process that ran the test cases ended before its time: %1")
+                .arg(end.text);
+        lost.message = QStringLiteral("The process of the run has ended");
+        lost.detail = QStringLiteral(
+                          "Something in this test case ended the process that ran it, as "
+                          "os._exit() does: %1")
+                          .arg(end.text);
+    }
+    lost.reports = settings.reports;
+    lost.selectedCases = selectedCases;
+    lost.consoleDescriptor = consoleDescriptor(settings);
+    lost.createConsole = [&settings](auto output) {
+        return createConsole(settings, std::move(output));
+    };
+    return lost;
+}
+
+}  // namespace
+
+std::vector<Option<CaseRunSettings>> caseRunOptions() {
+    return {{"report", reportValueName,
+             "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML) "
+             "or console; may be given several times.",
+             nullptr, allTo(&CaseRunSettings::reports)},
+            {"result-dir", "DIR",
+             "Keeps attachments and the run's journal (journal.jsonl) in this folder.", nullptr,
+             readResultDirectory},
+            displayOption(&CaseRunSettings::display),
+            {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
+             nullptr, setTo(&CaseRunSettings::recordsActions, false)},
+            {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,
+             setTo(&CaseRunSettings::verbosity, Verbosity::Verbose)},
+            {"quiet", nullptr, "Shows failures and the summary only.", nullptr,
+             setTo(&CaseRunSettings::verbosity, Verbosity::Quiet)}};
+}
+
+std::vector<std::pair<const char*, const char*>> exclusiveCaseRunOptions() {
+    return {{"verbose", "quiet"}};
+}
+
+Outcome<> readCaseRunArguments(const CommandArguments& arguments, CaseRunSettings& settings) {
+    settings.suite = arguments.own.constFirst();
+    settings.cases = arguments.own.mid(1);
+    settings.scriptArguments = arguments.script;
+    const QStringList wanted = std::exchange(settings.reports, {});
+    for (const QString& report : wanted) {
+        if (!isStandardOutput(report))
+            continue;
+        return wrongUsage((settings.debugger == DebuggerDialogue::Machine
+                               ? QStringLiteral("standard output belongs to the debugger; '%1' "
+                                                "can't be written there")
+                               : QStringLiteral("the console report always goes to standard "
+                                                "output; '%1' would write it twice"))
+                              .arg(report));
+    }
+    if (!settings.resultDirectory.isEmpty()) {
+        settings.reports.append(
+            QStringLiteral("json:%1/journal.jsonl").arg(settings.resultDirectory));
+    }
+    return addReports(wanted, &settings.reports);
+}
+
+int runCases(const CaseRunSettings& settings) {
+    const Outcome<Suite> suite = loadSuite(settings.suite);
+    if (!suite)
+        return failWith(suite.error().text);
+    const Outcome<QList<SuiteCase>> cases = selectCases(*suite, settings.cases);
+    if (!cases)
+        return failWith(cases.error().text);
+    const QString& directory = settings.resultDirectory;
+    if (!directory.isEmpty() && !QDir().mkpath(directory))
+        return failWith(QStringLiteral("the folder '%1' can't be made").arg(directory));
+
+    const RunJournal journal(settings.reports);
+    const std::optional<Supervision::End> end = Supervision::begin();
+    if (!end) {
+        const int exitCode = runHere(settings, *suite, *cases, journal);
+        Supervision::markOrderly();
+        return exitCode;
+    }
+    if (end->isOrderly)
+        return end->exitCode;
+    finishLostRun(journal, lostRun(settings, *end, cases->size()));
+    return end->isQuit ? ExitSuccess : ExitUsage;
+}
+
+}  // namespace Tamrix
