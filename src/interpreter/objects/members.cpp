@@ -21,10 +21,11 @@ struct MemberName {
 /// The object's class, null when it has none; an application that can't tell it any more is an
 /// error.
 ObjectResult<const Class*> classOf(const SharedPtr<Object>& object) {
-    const Outcome<const Class*> objectClass = object->describedClass();
-    if (!objectClass)
-        return applicationError(objectClass.error());
-    return *objectClass;
+    Inspector::self()->setLastError(QString());
+    const Class* const objectClass = object->objectClass();
+    if (!objectClass && !Inspector::self()->lastError().isEmpty())
+        return applicationError({FailureKind::Failed, Inspector::self()->lastError()});
+    return objectClass;
 }
 
 bool hasMethod(const Class* objectClass, const QString& name) {

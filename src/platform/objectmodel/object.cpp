@@ -52,10 +52,6 @@ const Class* Object::objectClass() const {
     return m_class;
 }
 
-Outcome<const Class*> Object::describedClass() const {
-    return objectClass();
-}
-
 ObjectAttribute Object::objectAttribute() const {
     return ObjectAttribute(ObjectAttribute::Kind::Pointer);
 }

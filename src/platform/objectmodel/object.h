@@ -54,8 +54,6 @@ public:
     /// Null for a top-level object.
     virtual SharedPtr<Object> parent() const;
     virtual const Class* objectClass() const;
-    /// The same, with the reason when an application can't tell it. Null for an object without one.
-    virtual Outcome<const Class*> describedClass() const;
     virtual ObjectAttribute objectAttribute() const;
     /// The object as one of another class: itself when it isA() that class, null otherwise.
     virtual SharedPtr<Object> cast(const Class* other) const;

@@ -58,16 +58,10 @@ SharedPtr<Object> RemoteObject::parent() const {
     return m_link->object(ask<Wire::ObjectInfo>(MessageType::Parent));
 }
 
-Outcome<const Class*> RemoteObject::describedClass() const {
-    if (m_describedClass)
-        return m_describedClass;
-    const Outcome<const Class*> described = m_link->classByName(m_info.className);
-    m_describedClass = described.value_or(nullptr);
-    return described;
-}
-
 const Class* RemoteObject::objectClass() const {
-    return Inspector::self()->take(describedClass());
+    if (!m_describedClass)
+        m_describedClass = Inspector::self()->take(m_link->classByName(m_info.className));
+    return m_describedClass;
 }
 
 Wire::PropertyAccess RemoteObject::access(const Property& property) const {

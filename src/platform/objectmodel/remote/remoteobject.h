@@ -26,7 +26,6 @@ public:
     SharedPtr<Object> parent() const override;
     /// Asked of the application on first use; null when that fails.
     const Class* objectClass() const override;
-    Outcome<const Class*> describedClass() const override;
     int remoteId() const override { return static_cast<int>(m_info.handle); }
     Outcome<SharedPtr<Object>> readProperty(const Property& property) const override;
     Outcome<PropertyList> readProperties() const override;
