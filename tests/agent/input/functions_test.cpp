@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
+
 #include "agent/input/inputtest.h"
 #include "support/printqt.h"
 
@@ -254,6 +256,20 @@ TEST_P(InputTest, ItemsAreSelected) {
         EXPECT_TRUE(program().client().read(program().item(view, text), "selected").toBool())
             << text;
     }
+}
+
+TEST_P(InputTest, WhatCantComeToPassIsNotWaitedFor) {
+    constexpr int longTime = 60000;
+    const Wire::ObjectInfo bar = program().client().find({"type=QMenuBar"});
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(program().call("selectItem", bar, {""}, longTime),
+              "QMenuBar has no item ''; it has: File, Other");
+    // The window goes while it is waited for.
+    EXPECT_EQ(program().call("click", "CloseLater"), "");
+    EXPECT_EQ(program().call("closeWindow", program().object("shortLived"), {}, longTime),
+              "the QWidget does not exist any more");
+    EXPECT_LT(timer.elapsed(), longTime / 2);
 }
 
 TEST_P(InputTest, OpenListsAreNotClickedAway) {
