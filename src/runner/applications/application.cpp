@@ -43,6 +43,8 @@ Application::Application(int id, const QString& name, std::shared_ptr<AgentConne
     this->name = name;
     pid = static_cast<int>(hello.pid);
     valid = true;
+    if (!hello.qtVersion.isEmpty())
+        toolkitVersion = QLatin1String("Qt ") + hello.qtVersion;
     startTime = QDateTime::currentDateTime();
     commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(hello);
     m_model.connection().setEndText([this] { return endText(); });

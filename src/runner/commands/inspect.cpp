@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "runner/applications/applications.h"
 #include "runner/applications/objecttree.h"
 #include "runner/commands/command.h"
@@ -46,14 +47,19 @@ Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& sett
     return {};
 }
 
-/// The tree in the wanted form.
-Outcome<QByteArray> formattedTree(RemoteModel& model, TreeFormat format) {
+/// The tree in the wanted form. For people, what the program is made with stands above it.
+Outcome<QByteArray> formattedTree(Application& application, TreeFormat format) {
+    RemoteModel& model = application.model();
     if (format != TreeFormat::Xml) {
         const Outcome<Wire::ObjectListing> listing = model.listing();
         if (!listing)
             return fail(listing.error());
-        return format == TreeFormat::Json ? objectTreeJson(*listing)
-                                          : objectTreeText(*listing).toLocal8Bit();
+        if (format == TreeFormat::Json)
+            return objectTreeJson(*listing);
+        const QString platform = application.connection().hello().platform;
+        return QStringLiteral("%1, %2\n%3")
+            .arg(application.toolkitVersion, escapedForTerminal(platform), objectTreeText(*listing))
+            .toLocal8Bit();
     }
     const Outcome<QByteArray> elements = model.snapshot({});
     if (!elements)
@@ -101,7 +107,7 @@ QString inspectWith(Applications& applications, const InspectSettings& settings)
     QString error;
     pause(applications, settings.waitSeconds);
 
-    const Outcome<QByteArray> tree = formattedTree(application->model(), settings.format);
+    const Outcome<QByteArray> tree = formattedTree(*application, settings.format);
     if (!tree)
         error = tree.error().text;
     else if (!settings.screenshotFile.isEmpty())

@@ -65,7 +65,8 @@ Outcome<SharedPtr<Application>> ApplicationServices::noted(
         const Wire::Hello& hello = (*connected)->connection().hello();
         m_state.facts.testResult->addEnvironment(
             QStringLiteral("Application '%1'").arg((*connected)->name),
-            QStringLiteral("%1, Qt %2, %3").arg(hello.program, hello.qtVersion, hello.platform));
+            QStringLiteral("%1, %2, %3")
+                .arg(hello.program, (*connected)->toolkitVersion, hello.platform));
     }
     return connected;
 }
@@ -119,7 +120,7 @@ bool ApplicationServices::detachApplication(SharedPtr<ApplicationContext> contex
 
 SharedPtr<ApplicationContext> ApplicationServices::waitForApplicationLaunch(int timeout,
                                                                             QString* error) {
-    return handedOver(m_state.applications.waitForLaunch(timeout), error);
+    return handedOver(noted(m_state.applications.waitForLaunch(timeout)), error);
 }
 
 // Contexts
