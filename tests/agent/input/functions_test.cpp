@@ -9,7 +9,7 @@
 namespace Tamrix {
 namespace {
 
-TAMRIX_FOR_EACH_PLATFORM(InputTest);
+TAMRIX_FOR_EACH_PLATFORM(InputTest, {"offscreen", "xcb", "wayland"});
 
 TEST_P(InputTest, MouseFunctionsGiveTheEventsOfAPerson) {
     struct {
@@ -167,8 +167,9 @@ TEST_P(InputTest, FieldsAreFilled) {
     EXPECT_EQ(program().read("line", "text").toString(), "");
     Wire::Invoke clipboard;
     clipboard.method = "clipboardText";
+    // A compositor gives the clipboard only for input that it knows.
     EXPECT_EQ(program().client().request<Wire::Value>(Wire::MessageType::Invoke, clipboard).value,
-              "one twoone two");
+              isWayland() ? "" : "one twoone two");
 }
 
 TEST_P(InputTest, KeysComeAsFromAKeyboard) {
