@@ -76,6 +76,11 @@ QString ValueTexts::bounded(PyObject* value, int depth) {
         if (writesAs(value, *type))
             return containerText(value, depth);
     }
+    // Where a function is kept tells nobody anything.
+    if (PyFunction_Check(value)) {
+        auto* const function = reinterpret_cast<PyFunctionObject*>(value);
+        return QStringLiteral("<function %1>").arg(fromPyString(function->func_qualname));
+    }
     return scriptText(value);
 }
 
