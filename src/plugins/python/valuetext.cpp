@@ -30,6 +30,13 @@ bool writesAs(PyObject* value, const PyTypeObject& type) {
     return Py_TYPE(value)->tp_repr == type.tp_repr;
 }
 
+/// Whether the representation is made without anything of a script, and short.
+bool isPlain(PyObject* value) {
+    return PyLong_CheckExact(value) || PyFloat_CheckExact(value) || PyComplex_CheckExact(value) ||
+           PyBool_Check(value) || value == Py_None || PyModule_CheckExact(value) ||
+           PyCFunction_CheckExact(value) || writesAs(value, PyType_Type);
+}
+
 /// Of the representation, as much as is shown.
 QString firstCharacters(const PyRef& text) {
     if (PyUnicode_GetLength(text.get()) <= longest)
@@ -80,6 +87,11 @@ QString ValueTexts::bounded(PyObject* value, int depth) {
     if (PyFunction_Check(value)) {
         auto* const function = reinterpret_cast<PyFunctionObject*>(value);
         return QStringLiteral("<function %1>").arg(fromPyString(function->func_qualname));
+    }
+    if (isPlain(value)) {
+        if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
+            return firstCharacters(text);
+        PyErr_Clear();
     }
     return scriptText(value);
 }
