@@ -36,6 +36,8 @@ public:
         return started;
     }
     using FakeRunner::startSpecialApplication;
+    bool isRunning(SharedPtr<ApplicationContext>) override { return running; }
+    bool running = false;
     void setImageSearchFixTarget(int target) override {
         calls.append("fix target " + QString::number(target));
     }
@@ -297,6 +299,8 @@ TEST_F(ProtocolCommands, LaunchingApplications) {
     dialogue->note("An application");
     runner.started = SharedPtr<ApplicationContext>(new ApplicationContext);
     text += said(commands.mid(3, 2));
+    runner.running = true;
+    text += said(commands.mid(3, 3));
     dialogue->note(runner.calls.join("\n-- "));
     EXPECT_TRUE(compareWithGolden("debugger/launch.txt", text + dialogue->take()));
 }
