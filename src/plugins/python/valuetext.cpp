@@ -124,7 +124,7 @@ QString ValueTexts::containerText(PyObject* value, int depth) {
 
 QString ValueTexts::scriptText(PyObject* value) {
     const std::chrono::milliseconds time = std::min(m_left, timeForOne);
-    if (time <= time.zero())
+    if (time <= std::chrono::milliseconds::zero())
         return QStringLiteral("<no representation: others took too long>");
     const auto start = std::chrono::steady_clock::now();
     PyRef text;

@@ -124,17 +124,19 @@ TEST_F(PythonVariables, SlowValuesDoNotStall) {
         QElapsedTimer timer;
         timer.start();
         all = listing("");
+        listing("keys");
         slow = listing("slow");
         elapsed = timer.elapsed();
     });
-    EXPECT_LT(elapsed, 1500);
+    EXPECT_LT(elapsed, 2000);
     EXPECT_TRUE(all.contains("int number = 1\n")) << "what needs no code of the script";
-    EXPECT_EQ(slow,
-              "slow:\n"
-              "    Bad +slow.0 = <no representation: not in time>\n"
-              "    Bad +slow.1 = <no representation: not in time>\n"
-              "    Bad +slow.2 = <no representation: not in time>\n"
-              "    Bad +slow.3 = <no representation: others took too long>\n");
+    EXPECT_TRUE(
+        slow.startsWith("slow:\n"
+                        "    Bad +slow.0 = <no representation: not in time>\n"
+                        "    Bad +slow.1 = <no representation: not in time>\n"))
+        << qPrintable(slow);
+    EXPECT_TRUE(slow.endsWith("    Bad +slow.3 = <no representation: others took too long>\n"))
+        << qPrintable(slow);
 }
 
 /// A hundred megabytes: those of the script's own code take their time, the others none.

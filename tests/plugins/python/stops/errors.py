@@ -17,6 +17,13 @@ def nativeInTry():
         cleaned.append("native")
 
 
+def wrongCall():
+    try:
+        findNothing(unasked="for")
+    finally:
+        cleaned.append("call")
+
+
 def plain():
     return 1 / 0
 

@@ -113,6 +113,7 @@ def late():
     slow = [Bad(sleep), Bad(loop), Bad(sleep), Bad(sleep)]
     many = [Bad(sleep) for _ in range(150)]
     number = 1
+    keys = {Bad(sleep): number for _ in range(150)}
     look()
 
 
