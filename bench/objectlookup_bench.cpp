@@ -1,6 +1,7 @@
 // What looking up objects in a program of 10,000 objects costs: beside a plain loop with the same
-// two comparisons inside that program, and beside a ping, the shortest request there is. And what
-// it costs to tell an action in the journal, beside the look-up of its object.
+// two comparisons inside that program, and beside a ping, the shortest request there is. What it
+// costs to tell an action in the journal, beside the look-up of its object. And what a click by
+// name costs in one request, beside a wait for the object and a click on it.
 //
 // Times are microseconds, the medians of turns that alternate, all in one run.
 
@@ -28,6 +29,7 @@ using Tamrix::Inspector;
 using Tamrix::RemoteModel;
 
 const char* const wantedText = "Button 97.48";
+constexpr int clickTimeout = 20000;
 
 double microseconds(const std::function<bool()>& work) {
     QElapsedTimer timer;
@@ -83,6 +85,8 @@ int main(int argc, char** argv) {
     std::vector<double> loops;
     std::vector<double> inspections;
     std::vector<double> actions;
+    std::vector<double> clicks;
+    std::vector<double> twoStepClicks;
     const QTemporaryDir folder;
     Tamrix::JournalReport journal(folder.filePath("journal"));
     Tamrix::TestResult result(&journal);
@@ -99,6 +103,20 @@ int main(int argc, char** argv) {
         }
         loops.push_back(call("plainLoop", {Inspector::self()->createObject("QPushButton"),
                                            Inspector::self()->createObject(wantedText)}));
+        for (int each = 0; each < 5; ++each) {
+            const auto click = [&](auto&& call) {
+                return microseconds([&] {
+                    const auto clicked = call();
+                    return clicked && clicked->has_value();
+                });
+            };
+            clicks.push_back(
+                click([&] { return runner.callWithName(name, "click", {}, clickTimeout); }));
+            // What a runner does that knows no better.
+            twoStepClicks.push_back(click([&] {
+                return runner.RunnerInterface::callWithName(name, "click", {}, clickTimeout);
+            }));
+        }
         inspections.push_back(microseconds([&] { return inspect(*model); }));
     }
 
@@ -120,5 +138,8 @@ int main(int argc, char** argv) {
     const double action = median(actions);
     std::printf("  action in the journal         %10.1f   (%.1f %% of findObject; at most 5)\n",
                 action, 100 * action / lookUp);
+    const double click = median(clicks);
+    std::printf("  click by name                 %10.1f   (%.2f of wait and click, %.1f)\n", click,
+                click / median(twoStepClicks), median(twoStepClicks));
     return 0;
 }

@@ -29,11 +29,11 @@
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/scriptlanguage.h"
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/remotemodel.h"
 #include "support/fakeagent.h"
 #include "support/fakerunner.h"
+#include "support/inmemorymodel.h"
 
 namespace {
 

@@ -8,11 +8,33 @@ add_custom_target(tamrix-product)
 # Compiles every header of the project alone; not part of the normal build.
 add_custom_target(tamrix-headers)
 
-# tamrix_check_headers(NAME [LINK target...])
+# Some targets are made twice: NAME for Qt 5, and NAME-qt6 for applications with Qt 6 when TAMRIX_QT6
+# is on. Only what is loaded into applications needs it.
+
+# tamrix_for_qt6(VARIABLE target...): sets the variable to the names for Qt 6: of ours those that are
+# made twice, and of Qt itself.
+function(tamrix_for_qt6 variable)
+    set(names "")
+    foreach(name IN LISTS ARGN)
+        if(TARGET ${name}-qt6)
+            list(APPEND names ${name}-qt6)
+        else()
+            string(REGEX REPLACE "^Qt5::" "Qt6::" name ${name})
+            list(APPEND names ${name})
+        endif()
+    endforeach()
+    set(${variable} ${names} PARENT_SCOPE)
+endfunction()
+
+# tamrix_check_headers(NAME [QT6] [LINK target...])
 #   Lets tamrix-headers compile each header of the current folder as a file of its own, twice
-#   included, with what the folder's sources are compiled with.
+#   included, with what the folder's sources are compiled with. QT6: with Qt 6, too.
 function(tamrix_check_headers name)
-    cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+    cmake_parse_arguments(ARG "QT6" "" "LINK" ${ARGN})
+    if(ARG_QT6 AND TAMRIX_QT6)
+        tamrix_for_qt6(link ${ARG_LINK})
+        tamrix_check_headers(${name}-qt6 LINK ${link})
+    endif()
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
     file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.h)
     set(sources "")
@@ -32,11 +54,15 @@ function(tamrix_check_headers name)
     endif()
 endfunction()
 
-# tamrix_folder(NAME SOURCES file... [LINK target...])
+# tamrix_folder(NAME [QT6] SOURCES file... [LINK target...])
 #   Compiles the sources of the current folder as the object library NAME. src/ is the only include
-#   root. LINK names what the sources need: folders and external libraries.
+#   root. LINK names what the sources need: folders and external libraries. QT6: made twice.
 function(tamrix_folder name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "QT6" "" "SOURCES;LINK" ${ARGN})
+    if(ARG_QT6 AND TAMRIX_QT6)
+        tamrix_for_qt6(link ${ARG_LINK})
+        tamrix_folder(${name}-qt6 SOURCES ${ARG_SOURCES} LINK ${link})
+    endif()
     add_library(${name} OBJECT ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE tamrix-compiler)
@@ -44,11 +70,16 @@ function(tamrix_folder name)
     tamrix_check_headers(${name} LINK ${ARG_LINK})
 endfunction()
 
-# tamrix_shared_library(NAME FOLDERS folder... [LINK target...])
+# tamrix_shared_library(NAME [QT6] FOLDERS folder... [LINK target...])
 #   Links folders to the shared library NAME, which finds its companions beside itself. Others link
-#   it as Tamrix::NAME, see TamrixInstall.cmake.
+#   it as Tamrix::NAME, see TamrixInstall.cmake. QT6: made twice, of folders that are.
 function(tamrix_shared_library name)
-    cmake_parse_arguments(ARG "" "" "FOLDERS;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "QT6" "" "FOLDERS;LINK" ${ARGN})
+    if(ARG_QT6 AND TAMRIX_QT6)
+        tamrix_for_qt6(folders ${ARG_FOLDERS})
+        tamrix_for_qt6(link ${ARG_LINK})
+        tamrix_shared_library(${name}-qt6 FOLDERS ${folders} LINK ${link})
+    endif()
     add_library(${name} SHARED)
     foreach(folder IN LISTS ARG_FOLDERS)
         target_sources(${name} PRIVATE $<TARGET_OBJECTS:${folder}>)

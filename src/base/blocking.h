@@ -7,7 +7,7 @@
 namespace Tamrix {
 
 /// A time in which the calling thread waits for something outside of the process. The runtime of a
-/// script language with a lock of its own gives the lock up meanwhile, so that other threads of the
+/// script language with a lock of its own releases it meanwhile, so that other threads of the
 /// script run. Stands around the waiting call alone: whatever may reach script code or its values
 /// is done before or behind it.
 class TAMRIX_EXPORT BlockingSection {
@@ -18,8 +18,8 @@ public:
     BlockingSection(const BlockingSection&) = delete;
     BlockingSection& operator=(const BlockingSection&) = delete;
 
-    /// What gives the lock up and takes it again: `leave` returns what `enter` is to be given, null
-    /// when there was nothing to give up, as on any thread that does not have the lock.
+    /// The functions that release and reacquire the lock: `leave` returns the argument of `enter`,
+    /// null when nothing was released, as on any thread that does not hold the lock.
     struct Lock {
         void* (*leave)();
         void (*enter)(void* state);

@@ -6,7 +6,7 @@ namespace Tamrix::Wire {
 
 /// Where the agent finds its runner: the path of a local socket.
 inline constexpr char connectVariable[] = "TAMRIX_AGENT_CONNECT";
-/// What the agent shows to be let in.
+/// The token by which the agent authenticates itself in the handshake.
 inline constexpr char tokenVariable[] = "TAMRIX_AGENT_TOKEN";
 
 }  // namespace Tamrix::Wire

@@ -35,10 +35,10 @@ public:
     int descriptor() const { return m_descriptor; }
     QString errorText() const { return m_errorText; }
 
-    /// Longest body that is taken; lowered until the peer has shown its token.
+    /// The longest body that is accepted, in bytes; lowered until the peer is authenticated.
     void setMaximalBodySize(quint32 size) { m_maximalBodySize = size; }
-    /// Makes a Failure of an answer that is too long, and passes over its body: the channel stays
-    /// open. Other messages that are too long still close it.
+    /// Turns an oversized reply into a Failure and skips its body: the channel stays open. Other
+    /// oversized messages still close it.
     void setLongAnswersFail(bool on) { m_longAnswersFail = on; }
 
     /// Reads what is there, some megabytes at most, without waiting. False when the channel is
@@ -71,14 +71,14 @@ public:
     void close(const QString& reason = QString());
 
 private:
-    /// Takes the head of an answer that is too long.
+    /// Handles the head of an oversized reply.
     Frame failLongAnswer(quint32 length);
     void dropTaken();
 
     int m_descriptor;
     quint32 m_maximalBodySize = maximalBodySize;
     bool m_longAnswersFail = false;
-    /// Of the body that is passed over.
+    /// Of the body that is skipped.
     quint32 m_skippedSize = 0;
     QByteArray m_queued;
     /// How much of `m_queued` has been sent.

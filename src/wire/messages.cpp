@@ -259,18 +259,59 @@ QDataStream& operator>>(QDataStream& stream, Query& body) {
     return stream;
 }
 
+namespace {
+
+Wanted readWanted(QDataStream& stream) {
+    quint8 wanted = 0;
+    stream >> wanted;
+    if (wanted > static_cast<quint8>(Wanted::Readiness))
+        setCorrupt(stream);
+    return stream.status() == QDataStream::Ok ? static_cast<Wanted>(wanted) : Wanted::Existence;
+}
+
+}  // namespace
+
 QDataStream& operator<<(QDataStream& stream, const LookUp& body) {
     return stream << body.handle << body.query << static_cast<quint8>(body.wanted)
                   << body.wantNearMisses;
 }
 
 QDataStream& operator>>(QDataStream& stream, LookUp& body) {
-    quint8 wanted = 0;
-    stream >> body.handle >> body.query >> wanted >> body.wantNearMisses;
-    if (wanted > static_cast<quint8>(Wanted::Readiness))
-        setCorrupt(stream);
-    else
-        body.wanted = static_cast<Wanted>(wanted);
+    stream >> body.handle >> body.query;
+    body.wanted = readWanted(stream);
+    return stream >> body.wantNearMisses;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ItemAddress& body) {
+    return stream << body.text << body.row << body.column;
+}
+
+QDataStream& operator>>(QDataStream& stream, ItemAddress& body) {
+    body.text = readText(stream);
+    return stream >> body.row >> body.column;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Target& body) {
+    return stream << body.handle << body.query << body.isItem << body.item
+                  << static_cast<quint8>(body.wanted) << body.timeout << body.wantNearMisses;
+}
+
+QDataStream& operator>>(QDataStream& stream, Target& body) {
+    stream >> body.handle >> body.query >> body.isItem >> body.item;
+    body.wanted = readWanted(stream);
+    return stream >> body.timeout >> body.wantNearMisses;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Missed& body) {
+    stream << body.object << body.obstacle;
+    writeList(stream, body.nearMisses);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, Missed& body) {
+    stream >> body.object;
+    body.obstacle = readText(stream);
+    body.nearMisses = readNearMisses(stream);
     return stream;
 }
 
@@ -296,13 +337,52 @@ QDataStream& operator>>(QDataStream& stream, Expect& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const FindItem& body) {
-    return stream << body.handle << body.text << body.row << body.column << body.wantReady;
+    return stream << body.handle << body.item << body.wantReady;
 }
 
 QDataStream& operator>>(QDataStream& stream, FindItem& body) {
-    stream >> body.handle;
-    body.text = readText(stream);
-    return stream >> body.row >> body.column >> body.wantReady;
+    return stream >> body.handle >> body.item >> body.wantReady;
+}
+
+QDataStream& operator<<(QDataStream& stream, const Match& body) {
+    return stream << body.object << body.bounds << body.isVisible;
+}
+
+QDataStream& operator>>(QDataStream& stream, Match& body) {
+    return stream >> body.object >> body.bounds >> body.isVisible;
+}
+
+QDataStream& operator<<(QDataStream& stream, const MatchList& body) {
+    stream << body.count;
+    writeList(stream, body.matches);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, MatchList& body) {
+    constexpr int matchSize = 8 + 2 * textSize + 4 * 4 + 1;
+    stream >> body.count;
+    body.matches = readList<Match>(stream, matchSize);
+    if (body.count < body.matches.size())
+        setCorrupt(stream);
+    return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ScreenPoint& body) {
+    return stream << body.x << body.y;
+}
+
+QDataStream& operator>>(QDataStream& stream, ScreenPoint& body) {
+    return stream >> body.x >> body.y;
+}
+
+QDataStream& operator<<(QDataStream& stream, const TextList& body) {
+    writeTexts(stream, body.texts);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, TextList& body) {
+    body.texts = readTexts(stream);
+    return stream;
 }
 
 QDataStream& operator<<(QDataStream& stream, const ClassInfo& body) {
@@ -349,12 +429,37 @@ QDataStream& operator>>(QDataStream& stream, Invoke& body) {
     return stream >> body.timeout;
 }
 
+QDataStream& operator<<(QDataStream& stream, const Act& body) {
+    stream << body.target << body.method;
+    writeValues(stream, body.arguments);
+    return stream << body.timeout;
+}
+
+QDataStream& operator>>(QDataStream& stream, Act& body) {
+    stream >> body.target;
+    body.method = readText(stream);
+    body.arguments = readValues(stream);
+    return stream >> body.timeout;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ActResult& body) {
+    stream << body.object;
+    writeValue(stream, body.value);
+    return stream;
+}
+
+QDataStream& operator>>(QDataStream& stream, ActResult& body) {
+    stream >> body.object;
+    body.value = readValue(stream);
+    return stream;
+}
+
 QDataStream& operator<<(QDataStream& stream, const Snapshot& body) {
-    return stream << body.handle << body.withImages;
+    return stream << body.target << body.withImages;
 }
 
 QDataStream& operator>>(QDataStream& stream, Snapshot& body) {
-    return stream >> body.handle >> body.withImages;
+    return stream >> body.target >> body.withImages;
 }
 
 QDataStream& operator<<(QDataStream& stream, const ObjectListing& body) {
@@ -389,12 +494,12 @@ QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const MouseEvent& body) {
-    return stream << body.handle << body.mask << body.x << body.y << body.button << body.modifiers
+    return stream << body.target << body.mask << body.x << body.y << body.button << body.modifiers
                   << body.buttonChange << body.press;
 }
 
 QDataStream& operator>>(QDataStream& stream, MouseEvent& body) {
-    return stream >> body.handle >> body.mask >> body.x >> body.y >> body.button >>
+    return stream >> body.target >> body.mask >> body.x >> body.y >> body.button >>
            body.modifiers >> body.buttonChange >> body.press;
 }
 
@@ -408,11 +513,11 @@ QDataStream& operator>>(QDataStream& stream, KeyEvent& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const Highlight& body) {
-    return stream << body.handle << body.milliseconds;
+    return stream << body.target << body.milliseconds;
 }
 
 QDataStream& operator>>(QDataStream& stream, Highlight& body) {
-    return stream >> body.handle >> body.milliseconds;
+    return stream >> body.target >> body.milliseconds;
 }
 
 QDataStream& operator<<(QDataStream& stream, const NativeRequest& body) {

@@ -9,6 +9,7 @@
 #include <QVector>
 #include <memory>
 
+#include "base/export.h"
 #include "base/outcome.h"
 #include "wire/protocol.h"
 
@@ -87,6 +88,41 @@ enum class Wanted : quint8 {
     Readiness = 2
 };
 
+/// An item of a view, list, tree, menu, tab bar or combo box: by text, or for a null text by row
+/// and column, from 0. Nested items: "parent.child", a "." in a text escaped as "\.".
+struct ItemAddress {
+    QString text;
+    qint32 row = -1;
+    qint32 column = -1;
+};
+
+/// What something is done with: the object of a handle that is not 0, else the one that the query
+/// finds, or an item in it; nothing when there is neither. The application waits until it is there
+/// and as wanted, and acts at once: request and act are one. Where that does not come to pass, the
+/// answer is Missed.
+struct Target {
+    quint64 handle = 0;
+    Query query = {};
+    bool isItem = false;
+    ItemAddress item = {};
+    Wanted wanted = Wanted::Existence;
+    /// How long is waited for it, in ms; 0 for one look.
+    qint32 timeout = 0;
+    /// Also names what matched nearly, when nothing matches.
+    bool wantNearMisses = false;
+
+    bool isNothing() const { return handle == 0 && query.criteria.isEmpty(); }
+};
+
+/// Why nothing was done with a target.
+struct Missed {
+    /// Handle 0: it is not there. Else it was not as wanted.
+    ObjectInfo object;
+    /// What is missing for being ready, "it is not visible"; of an item, why there is none.
+    QString obstacle;
+    QList<NearMiss> nearMisses;
+};
+
 /// Looks once. By handle when it is not 0, else by query.
 struct LookUp {
     quint64 handle = 0;
@@ -106,14 +142,38 @@ struct LookUpResult {
     QList<NearMiss> nearMisses;
 };
 
-/// An item of a view, list, tree, menu, tab bar or combo box: by text, or for a null text by row
-/// and column, from 0. Nested items: "parent.child", a "." in a text escaped as "\.".
 struct FindItem {
     quint64 handle = 0;
-    QString text;
-    qint32 row = -1;
-    qint32 column = -1;
+    ItemAddress item;
     bool wantReady = false;
+};
+
+/// Where the objects are that a query matches.
+struct Match {
+    ObjectInfo object;
+    /// On the screen.
+    QRect bounds;
+    bool isVisible = false;
+};
+
+/// What a query matches, whatever occurrence it says, in the order in which occurrences count.
+struct MatchList {
+    /// All of them; only the first of many are listed.
+    qint32 count = 0;
+    QList<Match> matches;
+};
+
+/// How many matches are listed.
+inline constexpr int listedMatches = 100;
+
+/// A point on the screen.
+struct ScreenPoint {
+    qint32 x = 0;
+    qint32 y = 0;
+};
+
+struct TextList {
+    QStringList texts;
 };
 
 /// Looks once for an object, by handle when it is not 0, else by query, and compares it. Criteria
@@ -172,9 +232,23 @@ struct Invoke {
     qint32 timeout = 20000;
 };
 
+/// Calls a global function with the target as its first argument. `timeout` is that of Invoke; the
+/// time that the target took counts.
+struct Act {
+    Target target;
+    QString method;
+    QVariantList arguments;
+    qint32 timeout = 20000;
+};
+
+struct ActResult {
+    ObjectInfo object;
+    QVariant value;
+};
+
 struct Snapshot {
-    /// 0 for all top-level objects.
-    quint64 handle = 0;
+    /// Nothing for all top-level objects.
+    Target target;
     bool withImages = false;
 };
 
@@ -205,7 +279,7 @@ struct ObjectListing {
 /// As RunnerInterface::mouseEvent. Coordinates are relative to the target, or to the screen without
 /// one. Button: 1 left, 2 right, 4 middle, as Qt::MouseButton. Modifiers as Qt::KeyboardModifiers.
 struct MouseEvent {
-    quint64 handle = 0;
+    Target target;
     qint32 mask = 0;
     qint32 x = 0;
     qint32 y = 0;
@@ -222,7 +296,7 @@ struct KeyEvent {
 };
 
 struct Highlight {
-    quint64 handle = 0;
+    Target target;
     /// -1: until StopHighlight.
     qint32 milliseconds = -1;
 };
@@ -262,7 +336,9 @@ TAMRIX_WIRE_OPERATORS(NearMiss);
 TAMRIX_WIRE_OPERATORS(PropertyInfo);
 TAMRIX_WIRE_OPERATORS(MethodInfo);
 TAMRIX_WIRE_OPERATORS(EventInfo);
-TAMRIX_WIRE_OPERATORS(ObjectInfo);
+// Exported: for a type in variants, Qt 6 asks for them wherever it is known.
+TAMRIX_EXPORT QDataStream& operator<<(QDataStream& stream, const ObjectInfo& body);
+TAMRIX_EXPORT QDataStream& operator>>(QDataStream& stream, ObjectInfo& body);
 TAMRIX_WIRE_OPERATORS(ObjectInfoList);
 TAMRIX_WIRE_OPERATORS(Value);
 TAMRIX_WIRE_OPERATORS(ObjectHandle);
@@ -270,13 +346,22 @@ TAMRIX_WIRE_OPERATORS(Text);
 TAMRIX_WIRE_OPERATORS(Hello);
 TAMRIX_WIRE_OPERATORS(Failure);
 TAMRIX_WIRE_OPERATORS(Query);
+TAMRIX_WIRE_OPERATORS(ItemAddress);
+TAMRIX_WIRE_OPERATORS(Target);
+TAMRIX_WIRE_OPERATORS(Missed);
 TAMRIX_WIRE_OPERATORS(LookUp);
 TAMRIX_WIRE_OPERATORS(LookUpResult);
 TAMRIX_WIRE_OPERATORS(FindItem);
 TAMRIX_WIRE_OPERATORS(Expect);
+TAMRIX_WIRE_OPERATORS(Match);
+TAMRIX_WIRE_OPERATORS(MatchList);
+TAMRIX_WIRE_OPERATORS(ScreenPoint);
+TAMRIX_WIRE_OPERATORS(TextList);
 TAMRIX_WIRE_OPERATORS(ClassInfo);
 TAMRIX_WIRE_OPERATORS(PropertyAccess);
 TAMRIX_WIRE_OPERATORS(Invoke);
+TAMRIX_WIRE_OPERATORS(Act);
+TAMRIX_WIRE_OPERATORS(ActResult);
 TAMRIX_WIRE_OPERATORS(Snapshot);
 TAMRIX_WIRE_OPERATORS(ObjectListing);
 TAMRIX_WIRE_OPERATORS(MouseEvent);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QtGlobal>
 
 #include "wire/connection.h"
@@ -12,7 +13,7 @@ namespace Tamrix::Wire {
 inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
 
 /// Raised with every change of an encoding. Both sides must have the same.
-inline constexpr quint16 protocolVersion = 3;
+inline constexpr quint16 protocolVersion = 4;
 
 /// The encoding of Qt's own types, fixed whatever Qt the application uses.
 inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;
@@ -30,7 +31,8 @@ inline constexpr int maximalDepth = 16;
 inline constexpr quint32 maximalCount = 1'000'000;
 
 /// Types of messages. The struct of the same name in messages.h is the body; "->" names that of the
-/// reply. A request is answered by a Reply or a Failure with its sequence number.
+/// reply. A request is answered by a Reply or a Failure with its sequence number, one with a target
+/// perhaps by Missed.
 enum class MessageType : quint16 {
     // Handshake. Sequence 0.
     Hello = 1,    ///< agent to runner, first message
@@ -40,6 +42,7 @@ enum class MessageType : quint16 {
     // Answers, agent to runner.
     Reply = 10,
     Failure = 11,  ///< Failure, its kind as the number of FailureKind
+    Missed = 12,   ///< Missed: the target was not there, or not as wanted, in time
 
     // Without request, agent to runner. Sequence 0.
     EventFired = 20,  ///< EventFired
@@ -71,7 +74,11 @@ enum class MessageType : quint16 {
     EnvironmentVariable = 53,  ///< Text (name) -> Text
     ListObjects = 55,          ///< no body -> ObjectListing
     Quit = 54,                 ///< no body -> no body; then the windows are asked to close
-    Expect = 56                ///< Expect -> LookUpResult
+    Expect = 56,               ///< Expect -> LookUpResult
+    Act = 57,                  ///< Act -> ActResult, answered before the input is delivered
+    FindMatches = 58,          ///< Query -> MatchList
+    ObjectAt = 59,             ///< ScreenPoint -> ObjectInfo, handle 0 for none
+    ListNames = 60             ///< ObjectHandle -> TextList, the best first; none is checked
 };
 
 }  // namespace Tamrix::Wire

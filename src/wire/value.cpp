@@ -87,16 +87,16 @@ QDateTime readDate(QDataStream& stream) {
 
 /// Whether the type is one of flags that its class declares with Q_FLAG.
 bool isFlagsType(int type) {
-    const QMetaObject* const declaring = QMetaType::metaObjectForType(type);
-    const QByteArray name = QMetaType::typeName(type);
-    return declaring && QMetaType::sizeOf(type) == sizeof(int) &&
+    const QMetaObject* const declaring = QMetaType(type).metaObject();
+    const QByteArray name = QMetaType(type).name();
+    return declaring && QMetaType(type).sizeOf() == sizeof(int) &&
            declaring->indexOfEnumerator(name.mid(name.lastIndexOf(':') + 1)) >= 0;
 }
 
 /// Values that are of no kind of their own.
 void writeConverted(QDataStream& stream, const QVariant& value) {
     const int type = value.userType();
-    if (QMetaType::typeFlags(type) & QMetaType::IsEnumeration) {
+    if (QMetaType(type).flags() & QMetaType::IsEnumeration) {
         writeKind(stream, Integer);
         stream << value.toLongLong();
     } else if (isFlagsType(type)) {

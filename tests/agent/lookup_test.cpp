@@ -6,12 +6,13 @@
 
 #include "support/agentclient.h"
 #include "support/printqt.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
 namespace {
 
-class LookUpTest : public testing::Test {
+class LookUpTest : public QtTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_client.accept()) << m_client.errorOutput().toStdString();
@@ -25,9 +26,9 @@ protected:
                                 int column = -1) {
         Wire::FindItem request;
         request.handle = m_client.find(view).handle;
-        request.text = text;
-        request.row = row;
-        request.column = column;
+        request.item.text = text;
+        request.item.row = row;
+        request.item.column = column;
         return m_client.request<Wire::LookUpResult>(Wire::MessageType::FindItem, request);
     }
     QRect bounds(const Wire::ObjectInfo& object) {
@@ -36,10 +37,12 @@ protected:
             .value.toRect();
     }
 
-    AgentClient m_client{"widgets_target"};
+    AgentClient m_client{forQt("widgets_target", GetParam())};
 };
 
-TEST_F(LookUpTest, NamesFindWhatTheySay) {
+TAMRIX_FOR_EACH_QT(LookUpTest);
+
+TEST_P(LookUpTest, NamesFindWhatTheySay) {
     const struct {
         QStringList criteria;
         QString type;
@@ -72,7 +75,7 @@ TEST_F(LookUpTest, NamesFindWhatTheySay) {
     }
 }
 
-TEST_F(LookUpTest, OrderIsThatOfTheScreenAndHiddenOnesComeLast) {
+TEST_P(LookUpTest, OrderIsThatOfTheScreenAndHiddenOnesComeLast) {
     const Wire::ObjectInfo first = m_client.find({"text=Twin"});
     const Wire::ObjectInfo second = m_client.find({"text=Twin"}, 2);
     ASSERT_NE(second.handle, 0U);
@@ -85,7 +88,7 @@ TEST_F(LookUpTest, OrderIsThatOfTheScreenAndHiddenOnesComeLast) {
     EXPECT_NE(m_client.find({"type=QAction", "text=a.txt"}).handle, 0U);
 }
 
-TEST_F(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
+TEST_P(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
     const Wire::ObjectInfo list = m_client.find({"type=QListWidget"});
     EXPECT_EQ(m_client.find({"type=QListWidget"}).handle, list.handle);
     const Wire::ObjectInfo item = findItem({"type=QListWidget"}, "one").object;
@@ -105,7 +108,7 @@ TEST_F(LookUpTest, TheSameObjectHasTheSameHandleUntilItIsGone) {
     EXPECT_EQ(m_client.lastError(), "the QListViewItem does not exist any more");
 }
 
-TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
+TEST_P(LookUpTest, NearMissesNameWhatDiffers) {
     Wire::LookUp request;
     request.query = makeQuery({"type=QPushButton", "text=off"});
     request.wantNearMisses = true;
@@ -143,7 +146,7 @@ TEST_F(LookUpTest, NearMissesNameWhatDiffers) {
     EXPECT_EQ(m_client.lastKind(), FailureKind::BadArgument);
 }
 
-TEST_F(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
+TEST_P(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
     const struct {
         QStringList expected;
         QStringList differences;
@@ -188,7 +191,7 @@ TEST_F(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
     EXPECT_FALSE(none.nearMisses.isEmpty());
 }
 
-TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
+TEST_P(LookUpTest, ItemsAreFoundByTextAndPlace) {
     showViews();
     const struct {
         QStringList view;
@@ -222,7 +225,7 @@ TEST_F(LookUpTest, ItemsAreFoundByTextAndPlace) {
     EXPECT_EQ(m_client.find({"type=QTableViewItem", "text=deep"}).handle, 0U);
 }
 
-TEST_F(LookUpTest, GraphicsItemsAreSeen) {
+TEST_P(LookUpTest, GraphicsItemsAreSeen) {
     showViews();
     for (const char* type :
          {"QGraphicsRectItem", "QGraphicsSimpleTextItem", "QGraphicsProxyWidget"})

@@ -9,6 +9,7 @@
 #include "shared/uiabstraction/uielement.h"
 #include "support/agentclient.h"
 #include "support/printqt.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
@@ -92,7 +93,31 @@ QStringList listing(AgentClient* client) {
     return lines;
 }
 
-class NamesTest : public testing::TestWithParam<const char*> {};
+/// Targets for each version of Qt, programs of Debian as they are.
+std::vector<QString> programs() {
+    std::vector<QString> list = {"/usr/bin/speedcrunch",
+                                 "widgets/calculator/calculator",
+                                 "widgets/lineedits/lineedits",
+                                 "widgets/styles/styles",
+                                 "layouts/basiclayouts/basiclayouts",
+                                 "itemviews/simpletreemodel/simpletreemodel",
+                                 "itemviews/spreadsheet/spreadsheet",
+                                 "graphicsview/diagramscene/diagramscene",
+                                 "richtext/textedit/textedit",
+                                 "mainwindows/mainwindow/mainwindow",
+                                 "mainwindows/mdi/mdi",
+                                 "gestures/imagegestures/imagegestures",
+                                 "dialogs/tabdialog/tabdialog"};
+    for (const int version : qtVersions()) {
+        for (const char* target : {"widgets_target", "input_target", "parts_target"})
+            list.push_back(forQt(target, version));
+        if (version == 6)
+            list.insert(list.end(), {"/usr/bin/focuswriter", "/usr/lib/qt6/bin/designer"});
+    }
+    return list;
+}
+
+class NamesTest : public testing::TestWithParam<QString> {};
 
 TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
     QString program = GetParam();
@@ -129,19 +154,13 @@ TEST(TopLevelObjects, ComeInTheSameOrderInEachRun) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , NamesTest,
-    testing::Values("widgets_target", "input_target", "parts_target", "/usr/bin/speedcrunch",
-                    "widgets/calculator/calculator", "widgets/lineedits/lineedits",
-                    "widgets/styles/styles", "layouts/basiclayouts/basiclayouts",
-                    "itemviews/simpletreemodel/simpletreemodel",
-                    "itemviews/spreadsheet/spreadsheet", "graphicsview/diagramscene/diagramscene",
-                    "richtext/textedit/textedit", "mainwindows/mainwindow/mainwindow",
-                    "mainwindows/mdi/mdi", "gestures/imagegestures/imagegestures",
-                    "dialogs/tabdialog/tabdialog"));
+INSTANTIATE_TEST_SUITE_P(, NamesTest, testing::ValuesIn(programs()));
 
-TEST(NamesOfOneProgramTest, AreAsShortAsTheyCanBe) {
-    AgentClient client("widgets_target");
+using NamesOfOneProgramTest = QtTest;
+TAMRIX_FOR_EACH_QT(NamesOfOneProgramTest);
+
+TEST_P(NamesOfOneProgramTest, AreAsShortAsTheyCanBe) {
+    AgentClient client(forQt("widgets_target", GetParam()));
     ASSERT_TRUE(client.accept());
     const struct {
         QStringList criteria;

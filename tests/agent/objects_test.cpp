@@ -4,12 +4,13 @@
 
 #include "support/agentclient.h"
 #include "support/printqt.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
 namespace {
 
-class ObjectsTest : public testing::Test {
+class ObjectsTest : public QtTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_client.accept()) << m_client.errorOutput().toStdString();
@@ -25,11 +26,13 @@ protected:
                                                  Wire::Text{name});
     }
 
-    AgentClient m_client{"widgets_target"};
+    AgentClient m_client{forQt("widgets_target", GetParam())};
     Wire::ObjectInfo m_window;
 };
 
-TEST_F(ObjectsTest, PropertiesAreReadAsTestersKnowThem) {
+TAMRIX_FOR_EACH_QT(ObjectsTest);
+
+TEST_P(ObjectsTest, PropertiesAreReadAsTestersKnowThem) {
     const Wire::ObjectInfo box = m_client.find({"name=check"});
     EXPECT_EQ(m_client.read(box, "text"), "Check");
     EXPECT_EQ(m_client.read(box, "type"), "QCheckBox");
@@ -47,7 +50,7 @@ TEST_F(ObjectsTest, PropertiesAreReadAsTestersKnowThem) {
         EXPECT_TRUE(all.contains(name)) << name;
 }
 
-TEST_F(ObjectsTest, PropertiesAreWrittenOrRefused) {
+TEST_P(ObjectsTest, PropertiesAreWrittenOrRefused) {
     EXPECT_TRUE(write({"type=QSpinBox"}, "value", "7"));
     EXPECT_EQ(m_client.read(m_client.find({"type=QSpinBox"}), "value"), 7);
     EXPECT_TRUE(write({"buddy=Name:"}, "text", "new"));
@@ -65,7 +68,7 @@ TEST_F(ObjectsTest, PropertiesAreWrittenOrRefused) {
     EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
 }
 
-TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
+TEST_P(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     const struct {
         QVariantList arguments;
         QVariant sum;
@@ -80,6 +83,9 @@ TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     };
     for (const auto& each : overloads)
         EXPECT_EQ(m_client.invoke(m_window, "add", each.arguments), each.sum);
+    // Types that are registered when they are asked for, and one that can't be.
+    EXPECT_EQ(m_client.invoke(m_window, "spread", {"Wide", 2}), "widewide");
+    EXPECT_EQ(m_client.invoke(m_window, "spread", {0, 1}), "narrow");
     const QVariant same = m_client.invoke(m_window, "echo", {QVariant::fromValue(m_window)});
     EXPECT_EQ(same.value<Wire::ObjectInfo>().handle, m_window.handle);
 
@@ -93,6 +99,7 @@ TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
         {"add", {1}, FailureKind::BadArgument, "add(int,int), add(QString,QString)"},
         {"add", {1, QVariantList{}}, FailureKind::BadArgument, "argument 2 of add("},
         {"echo", {"text"}, FailureKind::BadArgument, "argument 1 of echo(QObject*)"},
+        {"weigh", {1, 2}, FailureKind::BadArgument, "argument 2 of weigh(int,Window::Odd)"},
         {"fail", {}, FailureKind::Failed, "exception"},
     };
     for (const auto& each : cases) {
@@ -102,7 +109,7 @@ TEST_F(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     }
 }
 
-TEST_F(ObjectsTest, AMethodThatOpensADialogIsAnsweredWhileItRuns) {
+TEST_P(ObjectsTest, AMethodThatOpensADialogIsAnsweredWhileItRuns) {
     EXPECT_FALSE(m_client.invoke(m_window, "openDialog").isValid());
     EXPECT_EQ(m_client.lastError(), "");
     const Wire::ObjectInfo button = m_client.find({"text=Close it"});
@@ -111,7 +118,7 @@ TEST_F(ObjectsTest, AMethodThatOpensADialogIsAnsweredWhileItRuns) {
     EXPECT_EQ(m_client.find({"text=Close it"}).handle, 0U);
 }
 
-TEST_F(ObjectsTest, ClassesAreDescribed) {
+TEST_P(ObjectsTest, ClassesAreDescribed) {
     const Wire::ClassInfo box = describe("QCheckBox");
     EXPECT_EQ(box.superClasses, (QStringList{"QAbstractButton", "QWidget", "QObject"}));
     const auto has = [](const auto& list, const QString& name) {

@@ -7,13 +7,17 @@
 
 #include "support/agentclient.h"
 #include "support/printqt.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
 namespace {
 
-TEST(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
-    AgentClient client("quick_target");
+using QuickTest = QtTest;
+TAMRIX_FOR_EACH_QT(QuickTest);
+
+TEST_P(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
+    AgentClient client(forQt("quick_target", GetParam()));
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     const auto bounds = [&client](const Wire::ObjectInfo& object) {
         return client
@@ -46,16 +50,17 @@ TEST(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
     }
 }
 
-TEST(QuickTest, AProgramWithoutWidgetsGetsNone) {
-    AgentClient client("quick_target");
+TEST_P(QuickTest, AProgramWithoutWidgetsGetsNone) {
+    AgentClient client(forQt("quick_target", GetParam()));
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     ASSERT_NE(client.find({"text=Scene"}).handle, 0U);
     QFile maps(QString("/proc/%1/maps").arg(client.pid()));
     ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
     const QByteArray libraries = maps.readAll();
-    EXPECT_TRUE(libraries.contains("libtamrixagentquick.so"));
-    EXPECT_FALSE(libraries.contains("libtamrixagentwidgets.so"));
-    EXPECT_FALSE(libraries.contains("libQt5Widgets.so"));
+    EXPECT_EQ(libraries.contains("libtamrixagentquick.so"), GetParam() == 5);
+    EXPECT_EQ(libraries.contains("libtamrixagentquick-qt6.so"), GetParam() == 6);
+    EXPECT_FALSE(libraries.contains("libtamrixagentwidgets"));
+    EXPECT_FALSE(libraries.contains("Widgets.so"));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "support/agentclient.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
@@ -16,31 +17,49 @@ namespace {
 
 const QMap<QString, QString> refused = {{"TAMRIX_AUTS", "another"}};
 
-class WaysIn : public testing::TestWithParam<WayIn> {};
+struct Way {
+    WayIn wayIn;
+    int qtVersion;
+};
+
+std::vector<Way> ways() {
+    std::vector<Way> list;
+    for (const int version : qtVersions()) {
+        for (const WayIn wayIn : {WayIn::Plugin, WayIn::Hook})
+            list.push_back({wayIn, version});
+    }
+    return list;
+}
+
+class WaysIn : public testing::TestWithParam<Way> {
+protected:
+    static QString target(const QString& name) { return forQt(name, GetParam().qtVersion); }
+    static WayIn wayIn() { return GetParam().wayIn; }
+};
 
 TEST_P(WaysIn, AProgramAnnouncesItself) {
-    AgentClient client("widgets_target", {"an argument"}, GetParam());
+    AgentClient client(target("widgets_target"), {"an argument"}, wayIn());
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     EXPECT_EQ(client.hello().pid, client.pid());
     EXPECT_EQ(client.hello().parentPid, ::getpid());
-    EXPECT_EQ(QFileInfo(client.hello().program).fileName(), "widgets_target");
+    EXPECT_EQ(QFileInfo(client.hello().program).fileName(), target("widgets_target"));
     EXPECT_EQ(client.hello().arguments, QStringList{"an argument"});
-    EXPECT_EQ(client.hello().qtVersion, qVersion());
+    EXPECT_EQ(client.hello().qtVersion.section('.', 0, 0).toInt(), GetParam().qtVersion);
     EXPECT_EQ(client.hello().platform, "offscreen");
     EXPECT_TRUE(client.exchange(Wire::MessageType::Ping));
 }
 
 TEST_P(WaysIn, ARefusedProgramIsLeftAlone) {
-    AgentClient client("widgets_target", {}, GetParam(), refused);
+    AgentClient client(target("widgets_target"), {}, wayIn(), refused);
     EXPECT_FALSE(client.acceptHello(1500));
     QFile maps(QString("/proc/%1/maps").arg(client.pid()));
     ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(maps.readAll().contains("libtamrixagent.so"));
+    EXPECT_FALSE(maps.readAll().contains(forQt("libtamrixagent", GetParam().qtVersion).toUtf8() + ".so"));
 }
 
 TEST_P(WaysIn, AllowedChildrenAnnounceThemselvesToo) {
     for (const char* how : {"child", "shell"}) {
-        AgentClient client("processes_target", {how}, GetParam());
+        AgentClient client(target("processes_target"), {how}, wayIn());
         ASSERT_TRUE(client.accept());
         const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
         ASSERT_TRUE(client.accept()) << how << client.errorOutput().toStdString();
@@ -50,37 +69,41 @@ TEST_P(WaysIn, AllowedChildrenAnnounceThemselvesToo) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, WaysIn, testing::Values(WayIn::Plugin, WayIn::Hook),
-                         [](const auto& test) {
-                             return test.param == WayIn::Plugin ? "Plugin" : "Hook";
-                         });
+INSTANTIATE_TEST_SUITE_P(, WaysIn, testing::ValuesIn(ways()), [](const auto& test) {
+    return (test.param.wayIn == WayIn::Plugin ? "Plugin" : "Hook") + qtName(test.param.qtVersion);
+});
 
-TEST(WayInTest, BothWaysAtOnceStartOneAgent) {
-    AgentClient client("widgets_target", {}, WayIn::Plugin, {{"LD_PRELOAD", hookPreload()}});
+using WayInTest = QtTest;
+TAMRIX_FOR_EACH_QT(WayInTest);
+
+TEST_P(WayInTest, BothWaysAtOnceStartOneAgent) {
+    AgentClient client(forQt("widgets_target", GetParam()), {}, WayIn::Plugin, {{"LD_PRELOAD", hookPreload()}});
     ASSERT_TRUE(client.accept());
     const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
     EXPECT_FALSE(client.acceptHello(1000));
 }
 
-TEST(WayInTest, APythonProgramGetsIn) {
+TEST_P(WayInTest, APythonProgramGetsIn) {
     AgentClient client("/usr/bin/python3",
                        {"-c",
-                        "from PyQt5.QtWidgets import QApplication, QPushButton\n"
-                        "a = QApplication(['x'])\nb = QPushButton('Py')\nb.show()\na.exec_()"});
+                        QString("from PyQt%1.QtWidgets import QApplication, QPushButton\n"
+                                "a = QApplication(['x'])\nb = QPushButton('Py')\nb.show()\n"
+                                "a.exec()")
+                            .arg(GetParam())});
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     EXPECT_NE(client.find({"type=QPushButton", "text=Py"}).handle, 0U);
 }
 
-TEST(WayInTest, ARunnerThatIsNotThereTakesOneLine) {
-    AgentClient client("processes_target", {"twice"}, WayIn::Plugin,
+TEST_P(WayInTest, ARunnerThatIsNotThereTakesOneLine) {
+    AgentClient client(forQt("processes_target", GetParam()), {"twice"}, WayIn::Plugin,
                        {{"TAMRIX_AGENT_CONNECT", "/nowhere/socket"}});
     EXPECT_EQ(client.waitForEnd(1500), -1) << "the program must live on";
     EXPECT_EQ(client.errorOutput().count("tamrixagent:"), 1);
     EXPECT_TRUE(client.errorOutput().contains("/nowhere/socket"));
 }
 
-TEST(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
-    AgentClient client("widgets_target");
+TEST_P(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
+    AgentClient client(forQt("widgets_target", GetParam()));
     ASSERT_TRUE(client.acceptHello());
     Wire::Text text;
     text.text = "version 1 here, 7 there";
@@ -91,9 +114,9 @@ TEST(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
     EXPECT_EQ(client.waitForEnd(300), -1);
 }
 
-TEST(WayInTest, GarbageAndALostRunnerDoNoHarm) {
+TEST_P(WayInTest, GarbageAndALostRunnerDoNoHarm) {
     for (const bool isGreeted : {false, true}) {
-        AgentClient client("widgets_target");
+        AgentClient client(forQt("widgets_target", GetParam()));
         ASSERT_TRUE(isGreeted ? client.accept() : client.acceptHello());
         const std::array<char, 100> garbage{'x', 'y'};
         ASSERT_GT(::write(client.channel().descriptor(), garbage.data(), garbage.size()), 0);
@@ -102,8 +125,8 @@ TEST(WayInTest, GarbageAndALostRunnerDoNoHarm) {
     }
 }
 
-TEST(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
-    AgentClient client("processes_target", {"fork"});
+TEST_P(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
+    AgentClient client(forQt("processes_target", GetParam()), {"fork"});
     ASSERT_TRUE(client.accept());
     ::usleep(600 * 1000);
     for (int round = 0; round < 20; ++round)
@@ -112,8 +135,8 @@ TEST(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
     EXPECT_EQ(client.errorOutput().count("tamrixagent"), 0);
 }
 
-TEST(WayInTest, ASecondApplicationObjectRunsWithoutAgent) {
-    AgentClient client("processes_target", {"twice"});
+TEST_P(WayInTest, ASecondApplicationObjectRunsWithoutAgent) {
+    AgentClient client(forQt("processes_target", GetParam()), {"twice"});
     ASSERT_TRUE(client.accept());
     EXPECT_FALSE(client.nextFrame(3000));
     EXPECT_FALSE(client.channel().isOpen());

@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTextCodec>
+
+#include "base/utf8file.h"
+#include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
@@ -58,6 +63,34 @@ TEST(Utf8, AgreesWithQtOnEveryShortSequence) {
             }
         }
     }
+}
+
+TEST(Utf8, FilesAreReadWhole) {
+    const QTemporaryDir folder;
+    const struct {
+        QByteArray bytes;
+        QString text;
+        int faultyLine;
+    } rows[] = {
+        {"", "", 0},
+        {"\xef\xbb\xbf"
+         "a\n\xc3\xa4",
+         QString::fromUtf8("a\n\xc3\xa4"), 0},
+        {QByteArray("a\0b", 3), QString("a") + QChar(0) + "b", 0},
+        {"a\nb\xe4\nc", QString("a\nb") + QChar(QChar::ReplacementCharacter) + "\nc", 2},
+    };
+    const QString path = folder.filePath("file");
+    for (const auto& row : rows) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(row.bytes);
+        file.close();
+        const Outcome<Utf8Text> content = readUtf8File(path);
+        ASSERT_TRUE(content);
+        EXPECT_EQ(content->text, row.text);
+        EXPECT_EQ(content->faultyLine, row.faultyLine);
+    }
+    EXPECT_EQ(readUtf8File(folder.filePath("none")).error().text, "No such file or directory");
 }
 
 }  // namespace

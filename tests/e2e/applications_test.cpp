@@ -10,6 +10,7 @@
 
 #include "e2e/applicationrun.h"
 #include "platform/testresult/testresult.h"
+#include "support/golden.h"
 
 namespace Tamrix {
 namespace {
@@ -303,6 +304,34 @@ TEST_F(ApplicationRun, InspectPrintsNamesThatFind) {
     prepare(run);
     run.run({"run", suite.path("suite")});
     EXPECT_EQ(run.exitCode(), 0) << qPrintable(run.output() + run.errors());
+}
+
+TEST_F(ApplicationRun, InspectTellsTheNamesOfOneObject) {
+    const struct {
+        const char* what;
+        QString object;
+        int exitCode;
+    } rows[] = {
+        {"one that is named", "{text='Disabled'}", 0},
+        {"one of several", "{type='QPushButton' occurrence='2'}", 0},
+        {"the one at a point", "5,5", 0},
+        {"none", "{text='Disable' type='QPushButton'}", 1},
+        {"nothing at a point", "-5000,5", 1},
+        {"no name", "Disabled", 2},
+    };
+    QString texts;
+    for (const auto& row : rows) {
+        RunnerProcess inspection;
+        prepare(inspection);
+        inspection.run(
+            {"inspect", "--wait", "0.3", "--names", row.object, FAULTY_TARGET, "of names"});
+        EXPECT_EQ(inspection.exitCode(), row.exitCode) << qPrintable(inspection.errors());
+        texts += QString("# %1: %2\n%3%4\n")
+                     .arg(row.what, row.object, inspection.output(), inspection.errors());
+    }
+    const auto normalised =
+        Tamrix::Test::Normaliser().pattern("at -?\\d+,-?\\d+, \\d+x\\d+", "at X,Y, WxH");
+    EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/names.txt", normalised(texts)));
 }
 
 TEST_F(ApplicationRun, AFaultyMapOfNamesEndsTheRunBeforeItStarts) {

@@ -38,6 +38,12 @@ void tryFrame(const Frame& frame) {
             return tryBody<LookUp>(frame.body);
         case MessageType::Expect:
             return tryBody<Expect>(frame.body);
+        case MessageType::Missed:
+            return tryBody<Missed>(frame.body);
+        case MessageType::Act:
+            return tryBody<Act>(frame.body);
+        case MessageType::FindMatches:
+            return tryBody<Query>(frame.body);
         case MessageType::FindItem:
             return tryBody<FindItem>(frame.body);
         case MessageType::WriteProperty:
@@ -61,6 +67,9 @@ void tryFrame(const Frame& frame) {
             tryBody<ObjectInfoList>(frame.body);
             tryBody<LookUpResult>(frame.body);
             tryBody<ClassInfo>(frame.body);
+            tryBody<ActResult>(frame.body);
+            tryBody<MatchList>(frame.body);
+            tryBody<TextList>(frame.body);
     }
 }
 

@@ -73,6 +73,9 @@ public:
         m_channel->sendBody(request.sequence, Wire::MessageType::Failure,
                             Wire::Failure{kind, text});
     }
+    void miss(const Wire::Frame& request, const Wire::Missed& missed) {
+        m_channel->sendBody(request.sequence, Wire::MessageType::Missed, missed);
+    }
     void fire(const QString& callback, const Wire::ObjectInfo& object) {
         m_channel->sendBody(0, Wire::MessageType::EventFired, Wire::EventFired{callback, object});
     }

@@ -1,8 +1,20 @@
 #include "support/fakelanguage.h"
 
+#include <QHash>
+
 #include "interpreter/objects/objectidentity.h"
 
 namespace Tamrix::Test {
+
+namespace {
+
+/// The base classes of native classes, by type identifier.
+QHash<void*, void*>& superTypes() {
+    static QHash<void*, void*> s_types;
+    return s_types;
+}
+
+}  // namespace
 
 QString FakeArgument::typeName() const {
     static const char* const s_names[] = {"null",  "bool",    "int",      "double", "string",
@@ -33,7 +45,13 @@ QString FakeArgument::toString() const {
 
 SharedPtr<NativeScriptObject> FakeArgument::toNative(void* typeId) const {
     const auto native = get<SharedPtr<NativeScriptObject>>();
-    return native && native->typeId() == typeId ? native : SharedPtr<NativeScriptObject>();
+    if (!native)
+        return {};
+    for (void* type = native->typeId(); type; type = superTypes().value(type)) {
+        if (type == typeId)
+            return native;
+    }
+    return {};
 }
 
 SharedPtr<ScriptArgument> FakeArgument::call(const List& arguments, QString* error) {
@@ -190,6 +208,7 @@ void FakeInterpreter::addNativeFunction(const QString& name, bool (*)(ScriptCont
 void FakeInterpreter::addNativeType(const QString& name, void* typeId,
                                     const NativeScriptType& type) {
     nativeClasses.push_back({name, typeId, type});
+    superTypes().insert(typeId, type.super());
 }
 
 QString FakeInterpreter::addToSearchPath(const QFileInfo& directory) {

@@ -12,6 +12,11 @@ public:
     /// What all waits for objects give.
     SharedPtr<Object> found;
     QString lookupError = "it is not there";
+    /// What objectNotFound() was told of, "NAME in FUNCTION: why" each.
+    QStringList misses;
+    /// After how many of them it wants another look, and what that gives.
+    int furtherLooks = 0;
+    SharedPtr<Object> foundLater;
     /// What waitForObjectByName() gives instead when it is set.
     SharedPtr<Object> foundByName;
     bool takesInput = false;
@@ -70,8 +75,13 @@ public:
             refuse();
         return bounds;
     }
-    void objectNotFound(const QString& name, const QString& function, QString*) override {
-        calls.append("not found " + name + " in " + function);
+    void objectNotFound(const QString& name, const QString& function, QString* error) override {
+        misses.append(name + " in " + function + ": " + *error);
+        if (furtherLooks == 0)
+            return;
+        --furtherLooks;
+        found = foundLater;
+        error->clear();
     }
 
 private:
@@ -82,7 +92,7 @@ private:
         return found;
     }
     bool refuse() const {
-        Inspector::self()->setLastError(lookupError);
+        Inspector::self()->keep(Failure{FailureKind::NotFound, lookupError});
         return false;
     }
 };

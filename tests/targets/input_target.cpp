@@ -40,8 +40,8 @@ protected:
                                                                                        : "double";
                 log(QStringLiteral("%1%2 %3,%4 %5 %6")
                         .arg(modifierText(mouse->modifiers()), QLatin1String(name))
-                        .arg(mouse->x())
-                        .arg(mouse->y())
+                        .arg(mouse->pos().x())
+                        .arg(mouse->pos().y())
                         .arg(mouse->button())
                         .arg(mouse->buttons()));
                 break;

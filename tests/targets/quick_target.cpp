@@ -35,7 +35,7 @@ Window {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     QGuiApplication application(argc, argv);
     QQmlEngine engine;
     QQmlComponent component(&engine);

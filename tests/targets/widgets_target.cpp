@@ -31,6 +31,11 @@ class Window : public QMainWindow {
     Q_OBJECT
 
 public:
+    enum class Spread { Narrow, Wide };
+    Q_ENUM(Spread)
+    /// Known to nobody who handles variants.
+    struct Odd {};
+
     Window() {
         setWindowTitle("Targets");
         QMenu* const file = menuBar()->addMenu("&File");
@@ -56,6 +61,10 @@ public:
         connect(&button, &QPushButton::clicked, &dialog, &QDialog::accept);
         return dialog.exec();
     }
+    Q_INVOKABLE QString spread(Window::Spread spread, int times) const {
+        return QString(spread == Spread::Wide ? "wide" : "narrow").repeated(times);
+    }
+    Q_INVOKABLE void weigh(int weight, Window::Odd /*odd*/) const { Q_UNUSED(weight) }
     Q_INVOKABLE void fail() const { throw 1; }
 
 public Q_SLOTS:

@@ -44,14 +44,19 @@ TEST(Messages, ComeOutAsTheyWentInAndInNoOtherLength) {
 
 TEST(Messages, FieldsFindTheirPlaces) {
     FindItem item;
-    ASSERT_TRUE(decode(encode(FindItem{7, QString(), 1, 2, true}), &item));
-    EXPECT_TRUE(item.text.isNull()) << "null means by row and column";
-    EXPECT_EQ(item.column, 2);
+    ASSERT_TRUE(decode(encode(FindItem{7, {QString(), 1, 2}, true}), &item));
+    EXPECT_TRUE(item.item.text.isNull()) << "null means by row and column";
+    EXPECT_EQ(item.item.column, 2);
     LookUp lookUp;
     lookUp.wanted = static_cast<Wanted>(3);
     EXPECT_FALSE(decode(encode(lookUp), &lookUp)) << "nothing that can be wanted";
+    Target target;
+    target.wanted = static_cast<Wanted>(3);
+    EXPECT_FALSE(decode(encode(target), &target));
+    MatchList matches{0, {Match()}};
+    EXPECT_FALSE(decode(encode(matches), &matches)) << "more than there are";
     MouseEvent mouse;
-    ASSERT_TRUE(decode(encode(MouseEvent{7, 9, -1, 2, 4, 8, false, true}), &mouse));
+    ASSERT_TRUE(decode(encode(MouseEvent{{7}, 9, -1, 2, 4, 8, false, true}), &mouse));
     EXPECT_EQ(mouse.x, -1);
     EXPECT_EQ(mouse.button, 4);
     EXPECT_TRUE(mouse.press && !mouse.buttonChange);

@@ -42,18 +42,23 @@ void forEachSample(const Use& use) {
     use(MessageType::Refusal, Text{"why"});
     const NearMiss miss{"QPushButton 'a'", 8, {{"text", "b", "a"}, {"size", "3", QString()}}};
     use(MessageType::Failure, Failure{FailureKind::NotReady, "it is disabled", {miss}});
+    use(MessageType::Missed, Missed{object, "it is disabled", {miss}});
     use(MessageType::EventFired, EventFired{"callback", object});
     use(MessageType::LookUp, LookUp{7, query, Wanted::Reach, true});
-    use(MessageType::FindItem, FindItem{7, "a.b", 1, 2, true});
-    use(MessageType::FindItem, FindItem{7, QString(), 1, 2, true});
+    use(MessageType::FindItem, FindItem{7, {"a.b", 1, 2}, true});
+    use(MessageType::FindItem, FindItem{7, {QString(), 1, 2}, true});
     use(MessageType::Expect, Expect{7, query, query, true});
     use(MessageType::Children, ObjectHandle{7});
     use(MessageType::WriteProperty, PropertyAccess{7, "text", arguments});
     use(MessageType::Invoke, Invoke{7, "click", arguments, 5});
-    use(MessageType::Snapshot, Snapshot{7, true});
-    use(MessageType::MouseEvent, MouseEvent{7, 9, -1, 2, 4, 0x02000000, true, true});
+    const Target target{7, query, true, {"a.b", 1, 2}, Wanted::Reach, 5, true};
+    use(MessageType::Act, Act{target, "click", arguments, 5});
+    use(MessageType::FindMatches, query);
+    use(MessageType::ObjectAt, ScreenPoint{1, 2});
+    use(MessageType::Snapshot, Snapshot{target, true});
+    use(MessageType::MouseEvent, MouseEvent{target, 9, -1, 2, 4, 0x02000000, true, true});
     use(MessageType::KeyEvent, KeyEvent{"Return", true});
-    use(MessageType::Highlight, Highlight{7, 100});
+    use(MessageType::Highlight, Highlight{target, 100});
     use(MessageType::NativeRequest, NativeRequest{"desktopScreenshot", arguments});
     use(MessageType::InstallHandler, EventHandler{7, "QWidget", "clicked", "callback"});
     use(MessageType::SendEvent, SendEvent{7, "QMouseEvent", arguments});
@@ -61,6 +66,9 @@ void forEachSample(const Use& use) {
     use(MessageType::Reply, Value{arguments});
     use(MessageType::Reply, ObjectInfoList{object, {8, "QLabel", QString()}});
     use(MessageType::Reply, LookUpResult{object, true, "it is hidden", {miss}});
+    use(MessageType::Reply, ActResult{object, arguments});
+    use(MessageType::Reply, MatchList{2, {{object, QRect(1, 2, 3, 4), true}}});
+    use(MessageType::Reply, TextList{QStringList{"a", "b"}});
     use(MessageType::Reply, ObjectListing{QStringList{"QWidget", "QLabel"},
                                           {{0, 0, 3, QRect(1, 2, 3, 4), QString(), "{type='a'}"},
                                            {1, 1, 2, QRect(), "text", "{type='b'}"}}});

@@ -37,6 +37,9 @@ public:
     void fail(FailureKind kind, const QString& text) override {
         answer(Wire::MessageType::Failure, Wire::encode(Wire::Failure{kind, text}));
     }
+    void miss(const Wire::Missed& missed) override {
+        answer(Wire::MessageType::Missed, Wire::encode(missed));
+    }
     void finish() override {
         if (m_session)
             m_session->finish(m_number);
@@ -225,9 +228,10 @@ QVector<Element> AgentSession::topLevels() const {
     std::vector<Place> places;
     places.reserve(static_cast<size_t>(elements.size()));
     for (const Element& each : elements) {
-        const int index = windows.indexOf(each.toolkit->nativeWindow(each));
-        places.push_back({each, index < 0 ? windows.size() : index, each.toolkit->typeName(each),
-                          each.toolkit->name(each), pathTo(each, windows)});
+        const auto index = windows.indexOf(each.toolkit->nativeWindow(each));
+        const auto window = static_cast<int>(index < 0 ? windows.size() : index);
+        places.push_back({each, window, each.toolkit->typeName(each), each.toolkit->name(each),
+                          pathTo(each, windows)});
     }
     std::stable_sort(places.begin(), places.end(), [](const Place& left, const Place& right) {
         return std::tie(left.window, left.type, left.name, left.path) <

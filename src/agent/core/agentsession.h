@@ -15,9 +15,9 @@
 
 namespace Tamrix::Agent {
 
-/// The session over a socket. Says hello when it is made and takes requests once it was welcomed.
-/// When the connection ends, whoever ends it, it goes silent: the application lives on as if
-/// nothing had been there.
+/// The session over a socket. Starts the handshake when it is made, and accepts requests once that
+/// has succeeded. When the connection ends, whichever side ends it, the session becomes inactive:
+/// the application lives on as without an agent.
 class AgentSession : public Session {
 public:
     /// Takes over a connected socket.

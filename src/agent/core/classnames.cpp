@@ -9,6 +9,17 @@ namespace {
 /// What Qt Quick appends to the names of classes that it makes, and of windows that scenes make.
 constexpr const char* generatedSuffixes[] = {"_QMLTYPE_", "_QML_", "QmlImpl"};
 
+/// Qt 6 has classes of their own for scenes that import an older version: "QQuickPre64TextInput".
+QString withoutRevision(const QString& name) {
+    const QLatin1String before("QQuickPre");
+    if (!name.startsWith(before))
+        return name;
+    int end = before.size();
+    while (end < name.size() && name.at(end).isDigit())
+        ++end;
+    return end == before.size() || end == name.size() ? name : QLatin1String("QQuick") + name.mid(end);
+}
+
 }  // namespace
 
 QString typeNameOf(const QMetaObject* metaObject) {
@@ -19,7 +30,8 @@ QString typeNameOf(const QMetaObject* metaObject) {
         if (end)
             break;
     }
-    return end ? QString::fromUtf8(name, static_cast<int>(end - name)) : QString::fromUtf8(name);
+    return withoutRevision(end ? QString::fromUtf8(name, static_cast<int>(end - name))
+                               : QString::fromUtf8(name));
 }
 
 QStringList superTypesOf(const QMetaObject* metaObject) {

@@ -67,7 +67,7 @@ void HandleTable::dropDead() {
             it = m_handles.erase(it);
         }
     }
-    m_limit = std::max(1024, 2 * m_entries.size());
+    m_limit = std::max(1024, 2 * static_cast<int>(m_entries.size()));
 }
 
 }  // namespace Tamrix::Agent

@@ -16,7 +16,7 @@ QStringList splitText(const QString& text) {
         const QChar character = text.at(i);
         const bool isEscape = character == u'\\' && i + 1 < text.size() && text.at(i + 1) == u'.';
         if (isEscape) {
-            parts.last() += text.midRef(i, 2);
+            parts.last() += text.mid(i, 2);
             ++i;
         } else if (character == u'.') {
             parts.append(QString());
@@ -58,9 +58,10 @@ bool meanSame(QStringView left, QStringView right) {
 }  // namespace
 
 ItemPath::ItemPath(const QStringList& parts, bool mayJoin) : m_parts(parts), m_mayJoin(mayJoin) {
+    const auto size = static_cast<int>(parts.size());
     if (mayJoin)
-        addStep(parts.size());
-    for (int length = mayJoin ? std::min(parts.size() - 1, mostSteps) : 1; length > 0; --length)
+        addStep(size);
+    for (int length = mayJoin ? std::min(size - 1, mostSteps) : 1; length > 0; --length)
         addStep(length);
 }
 

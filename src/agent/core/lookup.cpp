@@ -188,19 +188,16 @@ bool ObjectFinder::resolveRelations() {
     return areFound;
 }
 
-/// The occurrence-th of the matches in the stable order, which they are in by creation already.
-Element ObjectFinder::pick(std::vector<Match>* matches, int occurrence) {
-    if (occurrence < 1 || static_cast<size_t>(occurrence) > matches->size())
-        return {};
-    if (matches->size() > 1) {
-        for (Match& match : *matches)
-            match.place = match.element.toolkit->globalBounds(match.element).topLeft();
-        std::stable_sort(matches->begin(), matches->end(), [](const Match& a, const Match& b) {
-            return std::make_tuple(a.window, a.place.y(), a.place.x()) <
-                   std::make_tuple(b.window, b.place.y(), b.place.x());
-        });
-    }
-    return (*matches)[static_cast<size_t>(occurrence) - 1].element;
+/// Brings the matches, which are in the order of creation, into the stable order.
+void ObjectFinder::order(std::vector<Match>* matches) {
+    if (matches->size() < 2)
+        return;
+    for (Match& match : *matches)
+        match.place = match.element.toolkit->globalBounds(match.element).topLeft();
+    std::stable_sort(matches->begin(), matches->end(), [](const Match& a, const Match& b) {
+        return std::make_tuple(a.window, a.place.y(), a.place.x()) <
+               std::make_tuple(b.window, b.place.y(), b.place.x());
+    });
 }
 
 Element ObjectFinder::knownRoot() const {
@@ -227,25 +224,40 @@ void ObjectFinder::collect(const QVector<Element>& roots, std::vector<Match>* vi
     }
 }
 
-Element ObjectFinder::find() {
-    if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
-        return {};
+std::vector<ObjectFinder::Match> ObjectFinder::orderedMatches() {
     std::vector<Match> visible;
     std::vector<Match> others;
+    if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
+        return visible;
     const Element root = knownRoot();
     if (!root.isNull()) {
         collect({root}, &visible, &others);
-        return pick(visible.empty() ? &others : &visible, m_occurrence);
+    } else {
+        // Mostly what is looked for is visible, and below a window that is there.
+        if (!m_asksVisible && !maySeeOfHidden())
+            collect(nativeRoots(), &visible, &others);
+        if (visible.empty()) {
+            others.clear();
+            collect(Session::self()->topLevels(), &visible, &others);
+        }
     }
-    // Mostly what is looked for is visible, and below a window that is there.
-    if (!m_asksVisible && !maySeeOfHidden()) {
-        collect(nativeRoots(), &visible, &others);
-        if (!visible.empty())
-            return pick(&visible, m_occurrence);
-        others.clear();
-    }
-    collect(Session::self()->topLevels(), &visible, &others);
-    return pick(visible.empty() ? &others : &visible, m_occurrence);
+    std::vector<Match>& matches = visible.empty() ? others : visible;
+    order(&matches);
+    return std::move(matches);
+}
+
+Element ObjectFinder::find() {
+    const std::vector<Match> matches = orderedMatches();
+    if (m_occurrence < 1 || static_cast<size_t>(m_occurrence) > matches.size())
+        return {};
+    return matches[static_cast<size_t>(m_occurrence) - 1].element;
+}
+
+QVector<Element> ObjectFinder::findAll() {
+    QVector<Element> elements;
+    for (const Match& match : orderedMatches())
+        elements.append(match.element);
+    return elements;
 }
 
 QString ObjectFinder::actualText(const Criterion& criterion, const Element& element) const {

@@ -31,6 +31,9 @@ public:
     QString errorText() const { return m_errorText; }
     /// The object that the name means; null for none.
     Element find();
+    /// All objects of which the name is true, whatever occurrence it says, in the order in which
+    /// occurrences count.
+    QVector<Element> findAll();
     /// Up to three objects of the wanted type, or of which at least half of the name is true, that
     /// differ in the fewest criteria, and in what.
     QList<NearMiss> nearMisses();
@@ -41,7 +44,9 @@ private:
     struct Criterion;
     struct Match;
 
-    static Element pick(std::vector<Match>* matches, int occurrence);
+    /// The matches that count, in their order.
+    std::vector<Match> orderedMatches();
+    static void order(std::vector<Match>* matches);
     void add(const Wire::Criterion& wanted);
     bool mayItemsMatch() const;
     bool maySeeOfHidden() const;

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "agent/core/classinfo.h"
+#include "agent/core/qtversion.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/valueconversion.h"
 #include "agent/core/vocabulary.h"
@@ -28,20 +29,6 @@ struct Choice {
 
     bool isFound() const { return unfitness >= 0; }
 };
-
-/// The type of a parameter, registered with Qt's type system if it can be.
-int parameterType(QObject* object, const QMetaMethod& method, int parameter) {
-    int type = method.parameterType(parameter);
-    if (type == QMetaType::UnknownType) {
-        void* arguments[] = {&type, &parameter};
-        const int offset = method.methodIndex();
-        QMetaObject::metacall(object, QMetaObject::RegisterMethodArgumentMetaType, offset,
-                              arguments);
-        if (type == -1)
-            type = QMetaType::UnknownType;
-    }
-    return type;
-}
 
 Choice prepare(QObject* object, const QMetaMethod& method, const QVariantList& arguments,
                QString* error) {
@@ -117,7 +104,7 @@ QVariant invoke(QObject* object, Choice* choice) {
     if (type == QMetaType::QVariant) {
         returned = QGenericReturnArgument("QVariant", &result);
     } else if (type != QMetaType::Void && type != QMetaType::UnknownType) {
-        result = QVariant(type, nullptr);
+        result = variantOfType(type, nullptr);
         returned = QGenericReturnArgument(choice->method.typeName(), result.data());
     }
     choice->method.invoke(object, Qt::DirectConnection, returned, arguments[0], arguments[1],

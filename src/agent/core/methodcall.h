@@ -7,7 +7,7 @@
 namespace Tamrix::Agent {
 
 /// Calls a public slot or invokable method of the element's object and answers with its result. Of
-/// several methods of the name the one is called whose types the arguments fit best. Fails with
+/// several overloads the one with the best rank for the arguments is called. Fails with
 /// NoSuchMethod, BadArgument or Unsupported (items have no methods).
 ///
 /// A method that opens an event loop of its own, as a modal dialog does, is answered without

@@ -344,6 +344,47 @@ QString NameIndex::text(int index) const {
                                           : entry.values[ByText];
 }
 
+QStringList NameIndex::names(const Element& element) {
+    QStringList names;
+    const int index = indexOf(element);
+    if (index < 0)
+        return names;
+    names.append(realName(index));
+    const Entry& entry = at(index);
+    QVector<Base> bases;
+    for (const Base base : {ByName, ByText, ByLabel, ByHint}) {
+        if (!entry.values[base].isEmpty())
+            bases.append(base);
+    }
+    // 1. By one of its own properties.
+    for (const Base base : bases)
+        names.append(nameOf(entry, base, Words()));
+    // 2. By where it is, too.
+    const bool isRoot = entry.rootEntry == index;
+    if (!isRoot) {
+        realName(entry.rootEntry);
+        Words withWindow;
+        withWindow.withWindow = true;
+        bases.append(ByType);
+        for (const Base base : qAsConst(bases))
+            names.append(nameOf(entry, base, withWindow));
+    }
+    if (entry.container >= 0 && entry.container != entry.rootEntry) {
+        Words inContainer;
+        inContainer.container = realName(entry.container);
+        names.append(nameOf(entry, bases.first(), inContainer));
+        names.append(nameOf(entry, ByType, inContainer));
+    }
+    // 3. By its type and the order on the screen.
+    const Rivals rivals = rivalsOf(entry, m_groups[keyOf(entry, ByType)]);
+    Words counted;
+    counted.visible = rivals.visible;
+    counted.occurrence = occurrenceOf(entry, ByType, rivals, true);
+    names.append(nameOf(entry, ByType, counted));
+    names.removeDuplicates();
+    return names;
+}
+
 QString NameIndex::realName(const Element& element) {
     return realName(indexOf(element));
 }

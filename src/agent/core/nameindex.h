@@ -40,6 +40,9 @@ public:
 
     /// A name that finds the element; empty for an element that is in no window and no tree.
     QString realName(const Element& element);
+    /// Names that may find the element, that of realName() first, then the shorter before the
+    /// longer ones; other objects may have some of them, too.
+    QStringList names(const Element& element);
     /// The element's place among all, -1 for none; as the other function wants it.
     int indexOf(const Element& element);
     QString realName(int index);

@@ -5,6 +5,7 @@
 #include "agent/core/classinfo.h"
 #include "agent/core/globalfunctions.h"
 #include "agent/core/methodcall.h"
+#include "agent/core/qtversion.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/valueconversion.h"
@@ -107,7 +108,7 @@ void writeProperty(const Wire::PropertyAccess& request, const ResponderPtr& resp
     }
     if (QByteArray(property.typeName()).endsWith('*')) {
         void* pointer = converted.value<void*>();
-        converted = QVariant(property.userType(), &pointer);
+        converted = variantOfType(property.userType(), &pointer);
     }
     if (property.write(element.object, converted))
         responder->reply();

@@ -24,6 +24,8 @@ public:
 
     virtual void reply(const QByteArray& body = QByteArray()) = 0;
     virtual void fail(FailureKind kind, const QString& text) = 0;
+    /// Nothing was done, since the request's target was not there or not as wanted.
+    virtual void miss(const Wire::Missed& missed) = 0;
     /// Lets the session go on with the next request. Work that was answered may go on before this
     /// call: input is injected between answer and end.
     virtual void finish() = 0;

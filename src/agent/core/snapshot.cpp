@@ -1,6 +1,7 @@
 #include "agent/core/snapshot.h"
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QImage>
 #include <QPair>
 
@@ -24,7 +25,7 @@ public:
         : m_stream(*stream), m_withImages(withImages), m_withAllProperties(withAllProperties) {}
 
     void writeAll(const QVector<Element>& elements) {
-        m_stream << elements.size();
+        m_stream << static_cast<qint32>(elements.size());
         for (const Element& element : elements)
             write(element);
     }

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <cstdio>
 
+#include "agent/core/qtversion.h"
 #include "agent/core/session.h"
 
 namespace Tamrix::Agent {
@@ -23,6 +24,7 @@ QString ownFolder() {
 /// A toolkit, and the library of ours that knows it.
 struct ToolkitLibrary {
     const char* toolkit;
+    /// Without what tells the version of Qt.
     const char* name;
     /// Its function, of the type of those in the header.
     const char* function;
@@ -32,8 +34,8 @@ struct ToolkitLibrary {
 };
 
 ToolkitLibrary s_libraries[] = {
-    {"libQt5Widgets.so.5", "libtamrixagentwidgets.so", "tamrixAgentAddWidgets", "widgets"},
-    {"libQt5Quick.so.5", "libtamrixagentquick.so", "tamrixAgentAddQuick", "Qt Quick"},
+    {widgetsLibrary, "libtamrixagentwidgets", "tamrixAgentAddWidgets", "widgets"},
+    {quickLibrary, "libtamrixagentquick", "tamrixAgentAddQuick", "Qt Quick"},
 };
 
 bool isInProcess(const char* library) {
@@ -45,7 +47,8 @@ bool isInProcess(const char* library) {
 
 void load(const ToolkitLibrary& entry, Session* session) {
     const QByteArray path =
-        QFile::encodeName(ownFolder() + QLatin1Char('/') + QLatin1String(entry.name));
+        QFile::encodeName(ownFolder() + QLatin1Char('/') + QLatin1String(entry.name) +
+                          QLatin1String(agentSuffix) + QLatin1String(".so"));
     void* const library = ::dlopen(path.constData(), RTLD_NOW | RTLD_LOCAL);
     void* const function = library ? ::dlsym(library, entry.function) : nullptr;
     if (function)

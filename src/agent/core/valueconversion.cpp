@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "agent/core/qtversion.h"
 #include "agent/core/session.h"
 #include "agent/core/vocabulary.h"
 
@@ -121,7 +122,7 @@ Fit convertValue(const QVariant& value, int typeId, const QByteArray& typeName,
         return text == QLatin1String("true") || text == QLatin1String("false") ? Fit::Converted
                                                                                : Fit::None;
     }
-    if (!isInRange(value, typeId) || !converted->convert(typeId))
+    if (!isInRange(value, typeId) || !convertVariant(converted, typeId))
         return Fit::None;
     // A number that doesn't fit would become another one.
     if (isNumber(from) && isNumber(typeId) && converted->toDouble() != value.toDouble())

@@ -144,7 +144,7 @@ QStringList allPropertyNames(const Element& element) {
 
 QVariant toWireValue(const QVariant& value) {
     const int type = value.userType();
-    if (QMetaType::typeFlags(type) & QMetaType::PointerToQObject) {
+    if (QMetaType(type).flags() & QMetaType::PointerToQObject) {
         QObject* const object = value.value<QObject*>();
         return object ? QVariant::fromValue(Session::self()->info(Session::self()->element(object)))
                       : QVariant();
@@ -155,7 +155,7 @@ QVariant toWireValue(const QVariant& value) {
             list.append(toWireValue(each));
         return list;
     }
-    if (QMetaType::typeFlags(type) & QMetaType::IsEnumeration)
+    if (QMetaType(type).flags() & QMetaType::IsEnumeration)
         return value.toInt();
     return value;
 }

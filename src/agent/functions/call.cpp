@@ -9,7 +9,7 @@ namespace Tamrix::Agent {
 namespace {
 
 bool isNumber(const QVariant& value) {
-    switch (static_cast<QMetaType::Type>(value.type())) {
+    switch (value.userType()) {
         case QMetaType::Int:
         case QMetaType::UInt:
         case QMetaType::LongLong:
@@ -25,7 +25,7 @@ bool isNumber(const QVariant& value) {
 constexpr double mostNumber = Qt::GroupSwitchModifier;
 
 bool isText(const QVariant& value) {
-    return value.type() == QVariant::String;
+    return value.userType() == QMetaType::QString;
 }
 
 }  // namespace
@@ -84,7 +84,7 @@ QString Call::takeText(const char* name) {
 }
 
 ItemPath Call::takePath(const char* name) {
-    const bool isList = !isAtEnd() && m_arguments.at(m_next).type() == QVariant::List;
+    const bool isList = !isAtEnd() && m_arguments.at(m_next).userType() == QMetaType::QVariantList;
     if (!isList)
         return ItemPath::ofText(takeText(name));
     QStringList steps;

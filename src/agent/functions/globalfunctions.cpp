@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "agent/functions/functiontable.h"
+#include "agent/input/windowsystem.h"
 #include "wire/applicationfunctions.h"
 
 namespace Tamrix::Agent {
@@ -17,7 +18,10 @@ struct Function {
     /// The arguments of each overload, apart by "|".
     const char* overloads;
     void (*run)(Call& call);
+    WindowSystem::Use uses = WindowSystem::Use::None;
 };
+
+using Use = WindowSystem::Use;
 
 constexpr char mouseOverloads[] =
     "Object|Object,int|Object,int,int|Object,int,int,int|Object,int,int,int,int|"
@@ -25,20 +29,20 @@ constexpr char mouseOverloads[] =
     "Object,int,int,int,QString|Object,int,int,QString,QString";
 
 constexpr Function functions[] = {
-    {"click", "void", mouseOverloads, click},
-    {"doubleClick", "void", mouseOverloads, doubleClick},
+    {"click", "void", mouseOverloads, click, Use::Mouse},
+    {"doubleClick", "void", mouseOverloads, doubleClick, Use::Mouse},
     {"drag", "void",
      "Object,int,int,int,int|Object,int,int,int,int,int|Object,int,int,int,int,int,int|"
      "Object,int,int,int,int,QString|Object,int,int,int,int,QString,QString",
-     drag},
-    {"hover", "void", "Object|Object,int,int", hover},
-    {"fill", "void", "Object,QString", fill},
-    {"typeText", "void", "Object,QString", typeText},
-    {"press", "void", "Object,QString", press},
-    {"selectItem", "void", "Object,QString|Object,QVariantList", selectItem},
-    {"check", "void", "Object", check},
-    {"uncheck", "void", "Object", uncheck},
-    {"closeWindow", "void", "Object", closeWindow},
+     drag, Use::Mouse},
+    {"hover", "void", "Object|Object,int,int", hover, Use::Mouse},
+    {"fill", "void", "Object,QString", fill, Use::Keys},
+    {"typeText", "void", "Object,QString", typeText, Use::Keys},
+    {"press", "void", "Object,QString", press, Use::Keys},
+    {"selectItem", "void", "Object,QString|Object,QVariantList", selectItem, Use::Mouse},
+    {"check", "void", "Object", check, Use::Mouse},
+    {"uncheck", "void", "Object", uncheck, Use::Mouse},
+    {"closeWindow", "void", "Object", closeWindow, Use::Closing},
     {"clipboardText", "QString", "", clipboardText},
     {"testDataPut", "QString", "QString,QString", testDataPut},
     {"testDataGet", "QString", "QString", testDataGet},
@@ -86,6 +90,9 @@ void callGlobalFunction(const Wire::Invoke& call, const ResponderPtr& responder)
         if (call.method != QLatin1String(function.name))
             continue;
         try {
+            const QString obstacle = WindowSystem::self().obstacle(function.uses);
+            if (!obstacle.isEmpty())
+                throw CallError(FailureKind::Refused, obstacle);
             Call running(call, responder);
             function.run(running);
         } catch (const CallError& error) {

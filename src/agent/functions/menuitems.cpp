@@ -38,14 +38,24 @@ std::optional<Step> nextStep(const MenuWay& way) {
 }
 
 void failNotFound(const MenuWay& way) {
-    if (const Outcome<Element> menu = way.menu->element(); !menu) {
+    const Outcome<Element> menu = way.menu->element();
+    if (!menu) {
         way.call.responder()->fail(menu.error().kind, menu.error().text);
         return;
     }
     QStringList texts;
+    bool isHidden = false;
     const QVector<MenuEntry> entries = way.menu->entries();
-    for (const MenuEntry& entry : entries)
+    for (const MenuEntry& entry : entries) {
         texts.append(entry.text);
+        isHidden = isHidden || (!entry.isShown && !way.path.fit(entry.text).isNone());
+    }
+    // The entries of a hidden bar are there, and hidden with it.
+    const QString obstacle = isHidden ? obstacleOf(*menu) : QString();
+    if (!obstacle.isEmpty()) {
+        failNotReady(way.call, ElementRef(*menu), obstacle);
+        return;
+    }
     way.call.responder()->fail(
         FailureKind::NotFound,
         QStringLiteral("%1 has no item '%2'; it has: %3")
@@ -125,9 +135,16 @@ void addWay(StepQueue* queue, const MenuWay& way) {
 
 void selectInMenu(const Call& call, const Element& element, const std::shared_ptr<const Menu>& menu,
                   const ItemPath& path) {
+    const MenuWay way{call, menu, path};
+    if (path.text().isEmpty()) {
+        // No entry has it, and none will.
+        failNotFound(way);
+        call.responder()->finish();
+        return;
+    }
     auto* const queue = StepQueue::create();
     addActivation(queue, ElementRef(element));
-    addWay(queue, MenuWay{call, menu, path});
+    addWay(queue, way);
     run(queue, call);
 }
 

@@ -1,8 +1,7 @@
-#include <qpa/qwindowsysteminterface.h>
-
 #include "agent/core/toolkit.h"
 #include "agent/core/windowstack.h"
 #include "agent/functions/functiontable.h"
+#include "agent/input/windowsystem.h"
 #include "agent/readiness/readiness.h"
 
 namespace Tamrix::Agent {
@@ -13,9 +12,10 @@ QWindow* windowOf(const Element& element) {
     return topLevelOf(element.toolkit->nativeWindow(element));
 }
 
-bool isClosable(const ElementRef& ref) {
+/// Whether there is nothing more to wait for: the window can be closed, or is gone.
+bool isDecided(const ElementRef& ref) {
     const Element element = ref.get();
-    return !element.isNull() && windowOf(element) != nullptr && obstacleOf(element).isEmpty();
+    return element.isNull() || (windowOf(element) != nullptr && obstacleOf(element).isEmpty());
 }
 
 }  // namespace
@@ -34,14 +34,19 @@ void closeWindow(Call& call) {
     const ElementRef ref(isInner ? element : window);
 
     auto* const queue = StepQueue::create();
-    queue->waitFor([ref] { return isClosable(ref); }, call.timeout(),
-                   [ref, call] {
-                       const Element late = ref.get();
-                       const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
-                       failNotReady(
-                           call, ref,
-                           obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle);
-                   });
+    const auto failLate = [ref, call] {
+        const Element late = ref.get();
+        const QString obstacle = late.isNull() ? QString() : obstacleOf(late);
+        failNotReady(call, ref,
+                     obstacle.isEmpty() ? QStringLiteral("it is not visible") : obstacle);
+    };
+    queue->waitFor([ref] { return isDecided(ref); }, call.timeout(), failLate);
+    queue->add([queue, ref, failLate] {
+        if (!ref.get().isNull())
+            return;
+        queue->abort();
+        failLate();
+    });
     addAnswer(queue, call);
     if (isInner)
         queue->call(close);
@@ -49,8 +54,7 @@ void closeWindow(Call& call) {
         queue->add([ref] {
             const Element open = ref.get();
             if (!open.isNull())
-                QWindowSystemInterface::handleCloseEvent<
-                    QWindowSystemInterface::AsynchronousDelivery>(windowOf(open));
+                WindowSystem::self().close(windowOf(open));
         });
     run(queue, call);
 }

@@ -1,12 +1,12 @@
 #include "agent/input/activation.h"
 
-#include <qpa/qwindowsysteminterface.h>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QWindow>
 
 #include "agent/core/toolkit.h"
 #include "agent/core/windowstack.h"
+#include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
 
@@ -45,8 +45,7 @@ void activate(const ElementRef& ref) {
 
 void activateAnyway(const ElementRef& ref) {
     if (!isActive(ref))
-        QWindowSystemInterface::handleWindowActivated<QWindowSystemInterface::AsynchronousDelivery>(
-            windowToActivate(ref));
+        WindowSystem::self().activate(windowToActivate(ref));
 }
 
 }  // namespace

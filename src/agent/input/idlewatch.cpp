@@ -1,6 +1,5 @@
 #include "agent/input/idlewatch.h"
 
-#include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QEvent>
@@ -11,6 +10,7 @@
 
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
+#include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
 
@@ -77,7 +77,7 @@ bool IdleWatch::event(QEvent* event) {
 }
 
 void IdleWatch::endRound() {
-    if (QWindowSystemInterface::windowSystemEventsQueued() > 0)
+    if (WindowSystem::self().queuedEvents() > 0)
         m_isQuiet = false;
     if (!m_isQuiet)
         m_quietClock.restart();

@@ -1,6 +1,5 @@
 #include "agent/input/inputhandlers.h"
 
-#include <qpa/qwindowsysteminterface.h>
 #include <QCoreApplication>
 #include <QGuiApplication>
 
@@ -12,6 +11,8 @@
 #include "agent/input/keyboard.h"
 #include "agent/input/pointer.h"
 #include "agent/input/stepqueue.h"
+#include "agent/input/windowsystem.h"
+#include "agent/readiness/target.h"
 #include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
@@ -21,64 +22,61 @@ namespace {
 /// The bit of a mouse event's mask that says that x and y are given.
 constexpr int hasCoordinates = 8;
 
+/// Whether input of this kind can be made; fails the request when not.
+bool canBeMade(WindowSystem::Use use, const ResponderPtr& responder) {
+    const QString obstacle = WindowSystem::self().obstacle(use);
+    if (!obstacle.isEmpty())
+        responder->fail(FailureKind::Refused, obstacle);
+    return obstacle.isEmpty();
+}
+
 /// Answers, runs the steps, ends the request.
 void answerAndRun(StepQueue* queue, const ResponderPtr& responder) {
     responder->reply();
     queue->start([responder] { responder->finish(); });
 }
 
-/// Where the event goes; false when the request has failed.
-bool findPlace(const Wire::MouseEvent& request, const ResponderPtr& responder, QWindow** window,
-               QPoint* position) {
-    *window = nullptr;
-    const QPoint given = boundedPoint(QPointF(request.x, request.y));
-    if (request.handle == 0) {
-        if ((request.mask & hasCoordinates) != 0)
-            *position = given;
-        else
-            *position = Pointer::self().position();
-        return true;
-    }
-    const Element element = Session::self()->findOrFail(request.handle, responder);
-    if (element.isNull())
-        return false;
-    *window = element.toolkit->nativeWindow(element);
-    const QRect bounds = element.toolkit->globalBounds(element);
-    if (*window == nullptr || bounds.isEmpty()) {
-        responder->fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
-                                                   .arg(Session::self()->describe(element)));
-        return false;
-    }
-    *position = (request.mask & hasCoordinates) != 0 ? bounds.topLeft() + given : bounds.center();
-    return true;
-}
-
-void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& responder) {
-    const auto button = static_cast<Qt::MouseButton>(request.button);
-    constexpr int allButtons = Qt::AllButtons;
-    if (request.buttonChange && (request.button <= 0 || (request.button & allButtons) == 0 ||
-                                 (request.button & (request.button - 1)) != 0)) {
-        responder->fail(FailureKind::BadArgument,
-                        QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
-                            .arg(request.button));
-        return;
-    }
+/// Where the event goes: a point of the screen, in an element of a window or in none.
+struct MousePlace {
+    Element element;
     QWindow* window = nullptr;
     QPoint position;
-    if (!findPlace(request, responder, &window, &position))
-        return;
+};
 
+/// The place for a null element is on the screen.
+Outcome<MousePlace> placeOf(const Wire::MouseEvent& request, const Element& element) {
+    const QPoint given = boundedPoint(QPointF(request.x, request.y));
+    const bool isGiven = (request.mask & hasCoordinates) != 0;
+    if (element.isNull())
+        return MousePlace{element, nullptr, isGiven ? given : Pointer::self().position()};
+    QWindow* const window = element.toolkit->nativeWindow(element);
+    const QRect bounds = element.toolkit->globalBounds(element);
+    if (window == nullptr || bounds.isEmpty())
+        return fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
+                                               .arg(Session::self()->describe(element)));
+    return MousePlace{element, window, isGiven ? bounds.topLeft() + given : bounds.center()};
+}
+
+void runMouseEvent(const Wire::MouseEvent& request, const Element& element,
+                   const ResponderPtr& responder) {
+    const Outcome<MousePlace> place = placeOf(request, element);
+    if (!place) {
+        responder->fail(place.error().kind, place.error().text);
+        return;
+    }
+    const auto button = static_cast<Qt::MouseButton>(request.button);
     auto* const queue = StepQueue::create();
-    if (request.handle != 0 && request.buttonChange && request.press)
-        addActivation(queue, ElementRef(Session::self()->findOrFail(request.handle, responder)));
+    if (!element.isNull() && request.buttonChange && request.press)
+        addActivation(queue, ElementRef(element));
     // Modifiers that are not held down anyway are pressed around the event.
     const Qt::KeyboardModifiers extra =
         Qt::KeyboardModifiers(request.modifiers) & ~Keyboard::self().modifiers();
     const QVector<Key> keys = keysOfModifiers(extra);
     for (const Key& key : keys)
         queue->add([key] { Keyboard::self().press(key); });
-    queue->add(
-        [target = QPointer<QWindow>(window), position] { Pointer::self().move(target, position); });
+    queue->add([target = QPointer<QWindow>(place->window), position = place->position] {
+        Pointer::self().move(target, position);
+    });
     if (request.buttonChange)
         queue->add([button, isPress = request.press] {
             if (isPress)
@@ -89,6 +87,26 @@ void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& respo
     for (auto it = keys.rbegin(); it != keys.rend(); ++it)
         queue->add([key = *it] { Keyboard::self().release(key); });
     answerAndRun(queue, responder);
+}
+
+void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& responder) {
+    constexpr int allButtons = Qt::AllButtons;
+    if (request.buttonChange && (request.button <= 0 || (request.button & allButtons) == 0 ||
+                                 (request.button & (request.button - 1)) != 0)) {
+        responder->fail(FailureKind::BadArgument,
+                        QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
+                            .arg(request.button));
+        return;
+    }
+    if (!canBeMade(WindowSystem::Use::Mouse, responder))
+        return;
+    if (request.target.isNothing()) {
+        runMouseEvent(request, Element(), responder);
+        return;
+    }
+    whenThere(request.target, responder, [request, responder](const Element& element) {
+        runMouseEvent(request, element, responder);
+    });
 }
 
 /// Without a window manager no window may have the focus: then the highest one that takes it does.
@@ -113,6 +131,8 @@ void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder
         responder->fail(FailureKind::BadArgument, error);
         return;
     }
+    if (!canBeMade(WindowSystem::Use::Keys, responder))
+        return;
     auto* const queue = StepQueue::create();
     addActivationOfAny(queue);
     if (request.press)
@@ -125,6 +145,10 @@ void handleKeyEvent(const Wire::KeyEvent& request, const ResponderPtr& responder
 }
 
 void handleQuit(const ResponderPtr& responder) {
+    if (!canBeMade(WindowSystem::Use::Closing, responder)) {
+        responder->finish();
+        return;
+    }
     auto* const queue = StepQueue::create();
     queue->add([] {
         const QVector<QWindow*> windows = windowStack();
@@ -133,8 +157,7 @@ void handleQuit(const ResponderPtr& responder) {
             if ((*it)->property(internalWindowProperty).isValid())
                 continue;
             isAnyAsked = true;
-            QWindowSystemInterface::handleCloseEvent<QWindowSystemInterface::AsynchronousDelivery>(
-                *it);
+            WindowSystem::self().close(*it);
         }
         if (!isAnyAsked)
             QMetaObject::invokeMethod(

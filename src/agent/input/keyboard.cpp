@@ -1,8 +1,6 @@
 #include "agent/input/keyboard.h"
 
-#include <qpa/qwindowsysteminterface.h>
-
-#include "agent/input/eventtime.h"
+#include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
 
@@ -60,9 +58,8 @@ void Keyboard::pressCombination(const KeyCombination& keys) {
 }
 
 void Keyboard::queue(bool isPress, const Key& key) {
-    QWindowSystemInterface::handleKeyEvent<QWindowSystemInterface::AsynchronousDelivery>(
-        nullptr, eventTime(), isPress ? QEvent::KeyPress : QEvent::KeyRelease, key.code,
-        m_modifiers, key.text);
+    WindowSystem::self().key(isPress ? QEvent::KeyPress : QEvent::KeyRelease, key.code, m_modifiers,
+                             key.text);
 }
 
 }  // namespace Tamrix::Agent

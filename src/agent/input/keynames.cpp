@@ -140,9 +140,10 @@ Key keyOfCharacter(uint character) {
             return Key{Qt::Key_Escape, QStringLiteral("\x1b")};
         case 0x7f:
             return Key{Qt::Key_Delete, QStringLiteral("\x7f")};
-        default:
-            return Key{static_cast<int>(QChar::toUpper(character)),
-                       QString::fromUcs4(&character, 1)};
+        default: {
+            const char32_t code = character;
+            return Key{static_cast<int>(QChar::toUpper(character)), QString::fromUcs4(&code, 1)};
+        }
     }
 }
 

@@ -1,17 +1,14 @@
 #include "agent/input/pointer.h"
 
-#include <private/qhighdpiscaling_p.h>
-#include <qpa/qwindowsysteminterface.h>
 #include <QGuiApplication>
 #include <QStyleHints>
 
 #include "agent/core/windowstack.h"
 #include "agent/input/eventtime.h"
 #include "agent/input/keyboard.h"
+#include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
-
-using Delivery = QWindowSystemInterface::AsynchronousDelivery;
 
 Pointer& Pointer::self() {
     static Pointer s_self;
@@ -28,14 +25,10 @@ void Pointer::move(QWindow* window, const QPoint& position) {
         QWindow* const entered = window != nullptr ? window : windowAt(position);
         if (entered != m_window) {
             if (m_window != nullptr)
-                QWindowSystemInterface::handleLeaveEvent<Delivery>(m_window);
+                WindowSystem::self().leave(m_window);
             m_window = entered;
-            if (m_window != nullptr) {
-                const QPointF local = m_window->mapFromGlobal(position);
-                QWindowSystemInterface::handleEnterEvent<Delivery>(
-                    m_window, QHighDpi::toNativeLocalPosition(local, m_window.data()),
-                    QHighDpi::toNativePixels(QPointF(position), m_window.data()));
-            }
+            if (m_window != nullptr)
+                WindowSystem::self().enter(m_window, position);
         }
     }
     queue(QEvent::MouseMove, Qt::NoButton);
@@ -73,11 +66,8 @@ void Pointer::queue(QEvent::Type type, Qt::MouseButton button) {
     QWindow* const window = target();
     if (window == nullptr)
         return;
-    const QPointF local = window->mapFromGlobal(m_position);
-    QWindowSystemInterface::handleMouseEvent<Delivery>(
-        window, eventTime(), QHighDpi::toNativeLocalPosition(local, window),
-        QHighDpi::toNativePixels(QPointF(m_position), window), m_buttons, button, type,
-        Keyboard::self().modifiers());
+    WindowSystem::self().mouse(window, m_position,
+                               {type, m_buttons, button, Keyboard::self().modifiers()});
 }
 
 }  // namespace Tamrix::Agent

@@ -1,9 +1,9 @@
 #include "agent/input/stepqueue.h"
 
-#include <qpa/qwindowsysteminterface.h>
 #include <QMetaObject>
 
 #include "agent/core/session.h"
+#include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
 
@@ -85,7 +85,7 @@ void StepQueue::start(Step done) {
 }
 
 bool StepQueue::isBusy() const {
-    return m_isHeld || QWindowSystemInterface::windowSystemEventsQueued() > 0;
+    return m_isHeld || WindowSystem::self().queuedEvents() > 0;
 }
 
 void StepQueue::tick() {

@@ -13,6 +13,7 @@
 #include "agent/input/pointer.h"
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
+#include "agent/readiness/target.h"
 #include "vision/screenshot/screenshot.h"
 
 namespace Tamrix::Agent {
@@ -172,17 +173,14 @@ void handleNativeRequest(const Wire::NativeRequest& request, const ResponderPtr&
                     QStringLiteral("the agent knows no native request '%1'").arg(request.name));
 }
 
-void handleHighlight(Highlight* highlight, const Wire::Highlight& request,
-                     const ResponderPtr& responder) {
-    const Element element = Session::self()->findOrFail(request.handle, responder);
-    if (element.isNull())
-        return;
+void startHighlight(Highlight* highlight, const Element& element, int milliseconds,
+                    const ResponderPtr& responder) {
     if (!element.toolkit->isVisible(element) || element.toolkit->visibleBounds(element).isEmpty()) {
         responder->fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
                                                    .arg(Session::self()->describe(element)));
         return;
     }
-    highlight->start(element, request.milliseconds);
+    highlight->start(element, milliseconds);
     responder->reply();
 }
 
@@ -195,7 +193,10 @@ void registerPictureHandlers(Session* session) {
     session->setBodyHandler<Wire::Highlight>(
         MessageType::Highlight,
         [highlight](const Wire::Highlight& request, const ResponderPtr& responder) {
-            handleHighlight(highlight, request, responder);
+            whenThere(request.target, responder,
+                      [highlight, responder, time = request.milliseconds](const Element& element) {
+                          startHighlight(highlight, element, time, responder);
+                      });
         });
     session->setHandler(MessageType::StopHighlight,
                         [highlight](const QByteArray&, const ResponderPtr& responder) {

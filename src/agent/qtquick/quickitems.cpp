@@ -94,7 +94,7 @@ int rowRank(const QAbstractItemModel* model, int row, const ItemPath& path) {
 }
 
 int entryRank(const QVariant& entry, const ItemPath& path) {
-    if (entry.type() != QVariant::Map)
+    if (entry.userType() != QMetaType::QVariantMap)
         return fitRank(entry, path);
     const QVariantMap values = entry.toMap();
     int best = -1;

@@ -6,6 +6,7 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include "agent/qtwidgets/qtversionwidgets.h"
 #include "agent/qtwidgets/widgettext.h"
 
 namespace Tamrix::Agent {
@@ -43,7 +44,7 @@ ActionPlace placeOf(const QAction* action) {
     ActionPlace place;
     if (!action->isVisible())
         return place;
-    for (QWidget* widget : action->associatedWidgets()) {
+    for (QWidget* widget : widgetsOf(action)) {
         if (place.widget && !isMenu(widget))
             continue;
         const ActionPlace here = placeIn(widget, action);
@@ -56,7 +57,7 @@ ActionPlace placeOf(const QAction* action) {
 }
 
 QWidget* homeOf(const QAction* action) {
-    const QList<QWidget*> widgets = action->associatedWidgets();
+    const QList<QWidget*> widgets = widgetsOf(action);
     for (QWidget* widget : widgets) {
         if (isMenu(widget))
             return widget;

@@ -16,6 +16,7 @@
 #include "agent/qtwidgets/clickarea.h"
 #include "agent/qtwidgets/itemplace.h"
 #include "agent/qtwidgets/openlist.h"
+#include "agent/qtwidgets/qtversionwidgets.h"
 #include "agent/qtwidgets/widgettext.h"
 #include "agent/qtwidgets/widgettoolkit.h"
 
@@ -73,7 +74,7 @@ QString modelText(const QAbstractItemView* view, const QModelIndex& index) {
     if (value.userType() == QMetaType::QString || !view)
         return value.toString();
     const auto* const delegate =
-        qobject_cast<const QStyledItemDelegate*>(view->itemDelegate(index));
+        qobject_cast<const QStyledItemDelegate*>(delegateOf(view, index));
     return delegate ? delegate->displayText(value, view->locale()) : value.toString();
 }
 

@@ -22,6 +22,7 @@
 #include "agent/qtwidgets/hiddenreason.h"
 #include "agent/qtwidgets/itemtoolkit.h"
 #include "agent/qtwidgets/openlist.h"
+#include "agent/qtwidgets/qtversionwidgets.h"
 #include "agent/qtwidgets/widgettext.h"
 
 namespace Tamrix::Agent {
@@ -201,7 +202,7 @@ void WidgetToolkit::children(const Element& parent, bool withItems,
             if (!static_cast<QWidget*>(child)->isWindow())
                 elements->append(element(child));
         } else if (const auto* const action = qobject_cast<QAction*>(child)) {
-            if (action->associatedWidgets().isEmpty() && homeOf(action) == widget)
+            if (widgetsOf(action).isEmpty() && homeOf(action) == widget)
                 elements->append(element(child));
         } else if (!child->isWindowType()) {
             elements->append(Session::self()->element(child));

@@ -10,7 +10,10 @@
 #include "agent/core/toolkit.h"
 #include "agent/core/vocabulary.h"
 #include "agent/core/walk.h"
+#include "agent/core/windowstack.h"
 #include "agent/readiness/readiness.h"
+#include "agent/readiness/target.h"
+#include "base/boundedgeometry.h"
 
 namespace Tamrix::Agent {
 
@@ -24,8 +27,7 @@ void answerFound(const Element& element, Wire::Wanted wanted, const ResponderPtr
         responder->replyBody(result);
         return;
     }
-    const Aim aim = wanted == Wire::Wanted::Reach ? Aim::withoutPoint() : Aim();
-    lookIfReady(element, aim, [result, responder](const Readiness& readiness) mutable {
+    lookIfReady(element, Aim::of(wanted), [result, responder](const Readiness& readiness) mutable {
         result.isReady = readiness.isReady;
         result.obstacle = readiness.obstacle;
         responder->replyBody(result);
@@ -59,8 +61,8 @@ void findItem(const Wire::FindItem& request, const ResponderPtr& responder) {
     const Element view = Session::self()->findOrFail(request.handle, responder);
     if (view.isNull())
         return;
-    const Outcome<Element> item =
-        view.toolkit->item(view, ItemPath::ofText(request.text), request.row, request.column);
+    const Outcome<Element> item = view.toolkit->item(view, ItemPath::ofText(request.item.text),
+                                                     request.item.row, request.item.column);
     if (item) {
         answerFound(*item, request.wantReady ? Wire::Wanted::Readiness : Wire::Wanted::Existence,
                     responder);
@@ -150,13 +152,42 @@ void tellRealName(const Wire::ObjectHandle& request, const ResponderPtr& respond
 }
 
 void tellTree(const Wire::Snapshot& request, const ResponderPtr& responder) {
-    const Element element =
-        request.handle == 0 ? Element() : Session::self()->findOrFail(request.handle, responder);
-    if (request.handle != 0 && element.isNull())
+    const auto tell = [responder, withImages = request.withImages](const Element& element) {
+        responder->replyBody(Wire::Value{takeSnapshot(element, withImages)});
+    };
+    if (request.target.isNothing())
+        tell(Element());
+    else
+        whenThere(request.target, responder, tell);
+}
+
+void tellMatches(const Wire::Query& request, const ResponderPtr& responder) {
+    ObjectFinder finder(request);
+    if (!finder.errorText().isEmpty()) {
+        responder->fail(FailureKind::BadArgument, finder.errorText());
         return;
-    Wire::Value value;
-    value.value = takeSnapshot(element, request.withImages);
-    responder->replyBody(value);
+    }
+    const QVector<Element> elements = finder.findAll();
+    Wire::MatchList list;
+    list.count = elements.size();
+    for (const Element& element : elements.mid(0, Wire::listedMatches))
+        list.matches.append({Session::self()->info(element), element.toolkit->globalBounds(element),
+                             element.toolkit->isVisible(element)});
+    responder->replyBody(list);
+}
+
+void tellObjectAt(const Wire::ScreenPoint& request, const ResponderPtr& responder) {
+    const QPoint point = boundedPoint(QPointF(request.x, request.y));
+    const Element window = Session::self()->element(windowAt(point));
+    const Element element =
+        window.isNull() ? window : window.toolkit->elementAt(window, point, Qt::LeftButton);
+    responder->replyBody(Session::self()->info(element));
+}
+
+void tellNames(const Wire::ObjectHandle& request, const ResponderPtr& responder) {
+    const Element element = Session::self()->findOrFail(request.handle, responder);
+    if (!element.isNull())
+        responder->replyBody(Wire::TextList{NameIndex().names(element)});
 }
 
 void listObjects(const QByteArray& /*body*/, const ResponderPtr& responder) {
@@ -176,6 +207,9 @@ void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::RealName, tellRealName);
     session->setBodyHandler<Wire::Snapshot>(Wire::MessageType::Snapshot, tellTree);
     session->setHandler(Wire::MessageType::ListObjects, listObjects);
+    session->setBodyHandler<Wire::Query>(Wire::MessageType::FindMatches, tellMatches);
+    session->setBodyHandler<Wire::ScreenPoint>(Wire::MessageType::ObjectAt, tellObjectAt);
+    session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::ListNames, tellNames);
 }
 
 }  // namespace Tamrix::Agent

@@ -24,7 +24,9 @@ using Done = std::function<void(const Readiness&)>;
 
 struct Place {
     QRect bounds;
-    qint64 time = 0;
+    /// When it was seen there first and last.
+    qint64 since = 0;
+    qint64 seen = 0;
 };
 
 qint64 now() {
@@ -43,9 +45,23 @@ QHash<quint64, Place>& places() {
 
 void rememberPlace(quint64 handle, const QRect& bounds) {
     QHash<quint64, Place>& all = places();
+    const qint64 time = now();
     for (auto it = all.begin(); it != all.end();)
-        it = now() - it->time > lookLifetime ? all.erase(it) : std::next(it);
-    all.insert(handle, Place{bounds, now()});
+        it = time - it->seen > lookLifetime ? all.erase(it) : std::next(it);
+    const auto known = all.constFind(handle);
+    const bool stands = known != all.cend() && known->bounds == bounds;
+    all.insert(handle, Place{bounds, stands ? known->since : time, time});
+}
+
+/// Where the element was seen long enough ago, and not too long, to tell whether it moves; none
+/// when it was not.
+std::optional<QRect> placeBefore(quint64 handle) {
+    const auto known = places().constFind(handle);
+    const qint64 time = now();
+    if (known == places().cend() || time - known->seen > lookLifetime ||
+        time - known->since < lookInterval)
+        return std::nullopt;
+    return known->bounds;
 }
 
 Readiness notReady(const QString& obstacle) {
@@ -145,16 +161,15 @@ void lookTwice(const Element& element, const Aim& aim, const Done& done) {
         done(notReady(obstacle));
         return;
     }
-    const Place before = places().value(ref.handle());
-    const qint64 age = before.time == 0 ? lookLifetime + 1 : now() - before.time;
-    if (age >= lookInterval && age <= lookLifetime) {
-        const Readiness readiness = look(element, aim, before.bounds);
+    if (const std::optional<QRect> before = placeBefore(ref.handle())) {
+        const Readiness readiness = look(element, aim, *before);
         rememberPlace(ref.handle(), element.toolkit->globalBounds(element));
         done(readiness);
         return;
     }
     const QRect bounds = element.toolkit->globalBounds(element);
-    QTimer::singleShot(lookInterval, Session::self(), [ref, aim, bounds, done] {
+    rememberPlace(ref.handle(), bounds);
+    QTimer::singleShot(lookInterval, Qt::PreciseTimer, Session::self(), [ref, aim, bounds, done] {
         const Element same = ref.get();
         if (same.isNull()) {
             done(notReady(goneText()));

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "agent/core/element.h"
+#include "wire/messages.h"
 
 namespace Tamrix::Agent {
 
@@ -29,6 +30,10 @@ struct Aim {
     bool mindsOpenLists = true;
 
     static Aim withoutPoint() { return Aim{std::nullopt, Qt::NoButton, false}; }
+    /// What a look that wants this much looks at.
+    static Aim of(Wire::Wanted wanted) {
+        return wanted == Wire::Wanted::Readiness ? Aim() : withoutPoint();
+    }
     static Aim ofTyping() { return Aim{std::nullopt, Qt::NoButton, true}; }
 };
 
@@ -37,8 +42,9 @@ struct Aim {
 /// point to be clicked is not covered by something else. The obstacle is the first of these, in
 /// this order, that is missing.
 ///
-/// The look before is remembered for each element, so a poll takes one look each; the first look at
-/// an element takes a second one some 20 ms later. `done` is called once, perhaps before this
+/// Since when an element stands still is remembered as long as it is looked at, so a poll takes one
+/// look each, and what a wait has found ready is clicked without another wait; the first look at an
+/// element takes a second one some 20 ms later. `done` is called once, perhaps before this
 /// returns, from the GUI thread.
 /// An element that is only scrolled away is scrolled into view.
 void lookIfReady(const Element& element, const Aim& aim,

@@ -35,11 +35,12 @@ bool isWanted() {
     return runner && *runner && isAllowedProgram(progname()) != 0;
 }
 
-void loadAgent(const char* relative) {
+void loadAgent(const char* relative, int qtMajor) {
     char folder[PATH_MAX];
     findOwnFolder(folder, sizeof(folder));
     char path[2 * PATH_MAX];
-    const int length = snprintf(path, sizeof(path), "%s%s/libtamrixagent.so", folder, relative);
+    const int length = snprintf(path, sizeof(path), "%s%s/libtamrixagent%s.so", folder, relative,
+                                qtMajor == 6 ? "-qt6" : "");
     if (length < 0 || static_cast<size_t>(length) >= sizeof(path))
         return;
     void* const library = ::dlopen(path, RTLD_NOW | RTLD_LOCAL);

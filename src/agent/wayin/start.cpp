@@ -14,6 +14,7 @@
 #include "agent/core/propertyhandlers.h"
 #include "agent/core/toolkitlibraries.h"
 #include "agent/events/eventhandlers.h"
+#include "agent/functions/acthandler.h"
 #include "agent/input/inputhandlers.h"
 #include "agent/pictures/picturehandlers.h"
 #include "agent/readiness/objecthandlers.h"
@@ -63,6 +64,7 @@ void connectToRunner() {
     loadToolkitLibraries(s_session);
     registerObjectHandlers(s_session);
     registerPropertyHandlers(s_session);
+    registerActHandler(s_session);
     registerInputHandlers(s_session);
     registerPictureHandlers(s_session);
     registerEventHandlers(s_session);

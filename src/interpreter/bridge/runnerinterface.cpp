@@ -1,6 +1,7 @@
 #include "interpreter/bridge/runnerinterface.h"
 
 #include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/objectmodel.h"
 
 namespace Tamrix {
 
@@ -8,9 +9,25 @@ SharedPtr<Object> RunnerInterface::waitForProperties(SharedPtr<Object> /*object*
                                                      const QString& /*realName*/,
                                                      const ObjectName& /*properties*/,
                                                      int /*timeout*/) {
-    Inspector::self()->setLastError(
-        QStringLiteral("This runner does not wait for the properties of objects"));
+    Inspector::self()->keep(
+        Failure{FailureKind::Refused,
+                QStringLiteral("This runner does not wait for the properties of objects")});
     return {};
+}
+
+Outcome<Outcome<SharedPtr<Object>>> RunnerInterface::callWithName(const QString& realName,
+                                                                  const QString& function,
+                                                                  const ObjectList& arguments,
+                                                                  int timeout) {
+    const SharedPtr<Object> object = waitForObjectByName(realName, false, timeout);
+    if (!object)
+        return fail(Inspector::self()->lastFailure());
+    ObjectModel* const model = Inspector::self()->model();
+    if (!model)
+        return Inspector::noApplication();
+    ObjectList all{object};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return model->invokeGlobal(function, all);
 }
 
 }  // namespace Tamrix

@@ -10,6 +10,7 @@
 
 #include "base/export.h"
 #include "base/functioncallresult.h"
+#include "base/outcome.h"
 #include "base/shared.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "platform/objectmodel/object.h"
@@ -27,8 +28,9 @@ class TestResult;
 ///
 /// All operations are called on the script thread. A blocking one returns when it is done and lets
 /// the runner work meanwhile. None throws: a `QString*` named `error`, never null, is set on
-/// failure and otherwise left empty; a SharedPtr is null on failure, with Inspector::lastError()
-/// set for object look-ups. Time-outs are milliseconds unless stated; -1 asks for the default.
+/// failure and otherwise left empty, unless stated; a SharedPtr is null on failure, with
+/// Inspector::lastError() set for object look-ups. Time-outs are milliseconds unless stated; -1
+/// asks for the default.
 class TAMRIX_EXPORT RunnerInterface {
 public:
     virtual ~RunnerInterface() = default;
@@ -48,7 +50,7 @@ public:
     virtual SharedPtr<ApplicationContext> startSpecialApplication(
         const QString& program, const QMap<QString, QString>& options, const QString& host,
         int port, int timeout, QString* error) = 0;
-    /// Drops the connection; false on failure.
+    /// Closes the connection; false on failure.
     virtual bool detachApplication(SharedPtr<ApplicationContext> context) = 0;
     virtual SharedPtr<ApplicationContext> waitForApplicationLaunch(int timeout, QString* error) = 0;
     /// The first started or default context.
@@ -95,6 +97,15 @@ public:
     /// do here: it always fails.
     virtual SharedPtr<Object> waitForProperties(SharedPtr<Object> object, const QString& realName,
                                                 const ObjectName& properties, int timeout);
+    /// Calls a global function of the current application with the object of that name as its
+    /// first argument, in front of `arguments`, as soon as it is there and can be reached. Fails
+    /// when that is not so in time; else the value is what the call gave. The time-out is one for
+    /// all that is waited for. A runner that can't wait and call at once need not implement it:
+    /// then it is one after the other.
+    virtual Outcome<Outcome<SharedPtr<Object>>> callWithName(const QString& realName,
+                                                             const QString& function,
+                                                             const ObjectList& arguments,
+                                                             int timeout);
     virtual bool isValidContext(SharedPtr<ApplicationContext> context) = 0;
     /// What the application wrote; `*available` is false when its output is not kept.
     virtual QString readStdout(SharedPtr<ApplicationContext> context, bool* available) = 0;
@@ -185,7 +196,8 @@ public:
     virtual SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) = 0;
     /// The live result sink, may be null.
     virtual TestResult* testResult() = 0;
-    /// Enters the debugging of a failed look-up.
+    /// Enters the debugging of a failed look-up. `*error` holds why it failed; when it comes back
+    /// empty, the look-up is made again.
     virtual void objectNotFound(const QString& name, const QString& function, QString* error) = 0;
     /// Whether video capture is switched on for the whole run.
     virtual bool isVideoCaptureEnabled() = 0;

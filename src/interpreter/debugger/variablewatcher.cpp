@@ -64,9 +64,11 @@ VariableWatcher::VariableBindings VariableWatcher::variableBindings(const QStrin
     return {};
 }
 
-void VariableWatcher::registerTamrixObject(const QString& path, SharedPtr<Object> object) {
-    if (objectHasComponents(object))
-        m_objects[path] = object;
+bool VariableWatcher::registerTamrixObject(const QString& path, SharedPtr<Object> object) {
+    if (!objectHasComponents(object))
+        return false;
+    m_objects[path] = object;
+    return true;
 }
 
 bool VariableWatcher::objectHasComponents(SharedPtr<Object> object) {

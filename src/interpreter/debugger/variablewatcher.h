@@ -40,7 +40,8 @@ public:
     VariableBindings variableBindings(const QString& path);
 
     /// Keeps an object of an application that stands at the path, if it has something below it.
-    void registerTamrixObject(const QString& path, SharedPtr<Object> object);
+    /// Whether it has.
+    bool registerTamrixObject(const QString& path, SharedPtr<Object> object);
     /// Whether the runner has components of the object. One that is of no application is told on
     /// standard error and has none.
     static bool objectHasComponents(SharedPtr<Object> object);

@@ -115,12 +115,12 @@ bool readEventParameters(ScriptContext* context, const Signature& signature,
         const int place = index - 2;
         const QString type =
             place < signature.argumentCount() ? signature.argument(place).typeName() : QString();
-        SharedPtr<Object> parameter = objectOfValue(context->argument(index), type);
+        const Outcome<SharedPtr<Object>> parameter = objectOfValue(context->argument(index), type);
         if (!parameter) {
-            context->setError(Inspector::self()->lastError());
+            context->setError(parameter.error().text);
             return false;
         }
-        parameters->push_back(parameter);
+        parameters->push_back(*parameter);
     }
     return true;
 }
@@ -162,7 +162,8 @@ void sendEvent(ScriptContext* context) {
         return;
     }
     // 3. The object, by name perhaps.
-    const SharedPtr<Object> target = findObjectOf(context, context->argument(1));
+    const SharedPtr<Object> target =
+        findObjectOf(context, context->argument(1), QStringLiteral("sendEvent"));
     if (!target)
         return;
     // 4. As many parameters as the event has; a mouse event may leave some out.

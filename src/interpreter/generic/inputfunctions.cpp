@@ -16,6 +16,11 @@ enum MouseMask { WithTarget = 1, WithCoordinates = 8 };
 
 constexpr int leftButton = 1;
 
+/// What the functions of this file are to those who are told of names that find nothing.
+QString mouseEventName() {
+    return QStringLiteral("mouseEvent");
+}
+
 struct MouseArguments {
     SharedPtr<Object> target;
     int mask = 0;
@@ -57,7 +62,7 @@ bool readPlacedMouseArguments(ScriptContext* context, bool buttonChange, MouseAr
         return false;
     }
     if (target) {
-        mouse->target = findObjectOf(context, target);
+        mouse->target = findObjectOf(context, target, mouseEventName());
         if (!mouse->target)
             return false;
         mouse->mask |= WithTarget;
@@ -90,7 +95,7 @@ bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArgument
     // 1. A target, as object or by name.
     if (count > 0 &&
         (context->argument(0)->isObject() || isStringOrObjectName(context->argument(0)))) {
-        mouse->target = findObjectOf(context, context->argument(0));
+        mouse->target = findObjectOf(context, context->argument(0), mouseEventName());
         if (!mouse->target)
             return false;
         mouse->mask |= WithTarget;

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "interpreter/bridge/testsettingstype.h"
+#include "interpreter/objects/namelookup.h"
 
 namespace Tamrix {
 
@@ -47,13 +48,16 @@ QString optionalText(const SharedPtr<ScriptArgument>& argument) {
     return argument ? argument->toString() : QString();
 }
 
-SharedPtr<Object> findObjectOf(ScriptContext* context, const SharedPtr<ScriptArgument>& argument) {
+SharedPtr<Object> findObjectOf(ScriptContext* context, const SharedPtr<ScriptArgument>& argument,
+                               const QString& function) {
     const QString name = serializeObjectName(argument);
     SharedPtr<Object> object;
     if (argument->isObject())
         object = argument->toObject();
     else if (isStringOrObjectName(argument))
-        object = Inspector::self()->findObject(name);
+        object = lookUp(name, function, [&] {
+                     return outcomeOf(Inspector::self()->findObject(name));
+                 }).value_or(nullptr);
     if (!object)
         context->setError("Can't find object named '" + name + "'");
     return object;

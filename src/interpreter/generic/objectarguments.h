@@ -29,8 +29,10 @@ bool readTimeout(ScriptContext* context, const SharedPtr<ScriptArgument>& argume
 QString optionalText(const SharedPtr<ScriptArgument>& argument);
 
 /// The object of an argument that is an object or names one; a name is looked up at once. Null,
-/// with the error "Can't find object named '...'" set, when there is none.
-SharedPtr<Object> findObjectOf(ScriptContext* context, const SharedPtr<ScriptArgument>& argument);
+/// with the error "Can't find object named '...'" set, when there is none. `function` is the
+/// script's.
+SharedPtr<Object> findObjectOf(ScriptContext* context, const SharedPtr<ScriptArgument>& argument,
+                               const QString& function);
 
 /// Runs `ask`, which asks the application for what may well be empty: only the inspector's last
 /// error tells a failure from that, and it becomes the error of the context. Without a failure the

@@ -4,6 +4,7 @@
 #include "interpreter/generic/objectarguments.h"
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/runneraccess.h"
+#include "interpreter/objects/namelookup.h"
 #include "platform/objectmodel/inspector.h"
 #include "shared/uiabstraction/xmlexporter.h"
 
@@ -12,6 +13,15 @@ namespace Tamrix {
 namespace {
 
 constexpr int defaultHighlightTime = 3000;
+
+/// The tree of the object that an argument is or names.
+Outcome<QByteArray> snapshotOf(const SharedPtr<ScriptArgument>& wanted) {
+    if (wanted->isObject())
+        return requestObjectSnapshot(wanted->toObject());
+    const QString name = serializeObjectName(wanted);
+    return lookUp(name, QStringLiteral("saveObjectSnapshot"),
+                  [&] { return requestObjectSnapshot(name); });
+}
 
 /// The object to highlight; null with the error set when there is none.
 SharedPtr<Object> highlightedObject(ScriptContext* context, RunnerInterface* runner) {
@@ -23,11 +33,14 @@ SharedPtr<Object> highlightedObject(ScriptContext* context, RunnerInterface* run
         context->setError("Cannot highlight an invalid object");
         return {};
     }
-    const SharedPtr<Object> object = runner->waitForObjectExists(
-        serializeObjectName(argument), true, TestSettingsType::s_waitForObjectTimeout);
+    const QString name = serializeObjectName(argument);
+    const Outcome<SharedPtr<Object>> object = lookUp(name, QStringLiteral("highlightObject"), [&] {
+        return outcomeOf(
+            runner->waitForObjectExists(name, true, TestSettingsType::s_waitForObjectTimeout));
+    });
     if (!object)
-        context->setError(Inspector::self()->lastError());
-    return object;
+        context->setError(object.error().text);
+    return object.value_or(nullptr);
 }
 
 }  // namespace
@@ -85,9 +98,7 @@ bool saveObjectSnapshot(ScriptContext* context) {
         context->setError("Second argument must be a string with dump file location to write");
         return false;
     }
-    const Outcome<QByteArray> elements = wanted->isObject()
-                                             ? requestObjectSnapshot(wanted->toObject())
-                                             : requestObjectSnapshot(serializeObjectName(wanted));
+    const Outcome<QByteArray> elements = snapshotOf(wanted);
     if (!elements) {
         context->setError(elements.error().text);
         return false;

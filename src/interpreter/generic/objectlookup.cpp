@@ -8,6 +8,7 @@
 #include "interpreter/generic/objectarguments.h"
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/runneraccess.h"
+#include "interpreter/objects/namelookup.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/objectmap.h"
@@ -17,11 +18,20 @@ namespace Tamrix {
 namespace {
 
 /// What a wait for an object ends with.
-void setLookupResult(ScriptContext* context, const SharedPtr<Object>& object) {
+void setLookupResult(ScriptContext* context, const Outcome<SharedPtr<Object>>& object) {
     if (object)
-        context->setObjectResult(object);
+        context->setObjectResult(*object);
     else
-        context->setError(Inspector::self()->lastError(), ScriptContext::LookupError);
+        context->setError(object.error().text, ScriptContext::LookupError);
+}
+
+/// Waits until the object of a name is there and ready.
+Outcome<SharedPtr<Object>> waitForName(RunnerInterface* runner,
+                                       const SharedPtr<ScriptArgument>& name, const char* function,
+                                       int timeout) {
+    const QString text = serializeObjectName(name);
+    return lookUp(text, QLatin1String(function),
+                  [&] { return outcomeOf(runner->waitForObjectByName(text, true, timeout)); });
 }
 
 /// An item of a view: its text, or row and column.
@@ -80,10 +90,9 @@ void waitForObject(ScriptContext* context) {
     RunnerInterface* const runner = runnerFor("waitForObject");
     if (!runner)
         return;
-    const SharedPtr<Object> found =
-        wanted->isObject()
-            ? runner->waitForObject(wanted->toObject(), true, timeout)
-            : runner->waitForObjectByName(serializeObjectName(wanted), true, timeout);
+    const Outcome<SharedPtr<Object>> found =
+        wanted->isObject() ? outcomeOf(runner->waitForObject(wanted->toObject(), true, timeout))
+                           : waitForName(runner, wanted, "waitForObject", timeout);
     // 3. The object, or why there is none.
     setLookupResult(context, found);
 }
@@ -112,9 +121,13 @@ void waitForObjectExists(ScriptContext* context) {
             return;
         }
     }
-    if (RunnerInterface* runner = runnerFor("waitForObjectExists"))
-        setLookupResult(context,
-                        runner->waitForObjectExists(serializeObjectName(name), true, timeout));
+    RunnerInterface* const runner = runnerFor("waitForObjectExists");
+    if (!runner)
+        return;
+    const QString text = serializeObjectName(name);
+    setLookupResult(context, lookUp(text, QStringLiteral("waitForObjectExists"), [&] {
+                        return outcomeOf(runner->waitForObjectExists(text, true, timeout));
+                    }));
 }
 
 void waitForObjectItem(ScriptContext* context) {
@@ -148,21 +161,21 @@ void waitForObjectItem(ScriptContext* context) {
     if (!runner)
         return;
     // A view that is given by name is waited for first.
-    const SharedPtr<Object> object =
-        view->isObject() ? view->toObject()
-                         : runner->waitForObjectByName(serializeObjectName(view), true, timeout);
+    const Outcome<SharedPtr<Object>> object =
+        view->isObject() ? outcomeOf(view->toObject())
+                         : waitForName(runner, view, "waitForObjectItem", timeout);
     if (!object) {
-        context->setError(Inspector::self()->lastError(), ScriptContext::LookupError);
+        setLookupResult(context, object);
         return;
     }
     const SharedPtr<Object> found =
-        runner->waitForObjectItem(object, item.text, item.row, item.column, timeout);
+        runner->waitForObjectItem(*object, item.text, item.row, item.column, timeout);
     if (found) {
         context->setObjectResult(found);
         return;
     }
     const QString error = Inspector::self()->lastError();
-    context->setError(error.isEmpty() ? itemNotFoundText(item, view, object) : error,
+    context->setError(error.isEmpty() ? itemNotFoundText(item, view, *object) : error,
                       ScriptContext::LookupError);
 }
 
@@ -172,16 +185,14 @@ void findObject(ScriptContext* context) {
         return;
     }
     const QString name = serializeObjectName(context->argument(0));
-    if (const SharedPtr<Object> object = Inspector::self()->findObject(name)) {
-        context->setObjectResult(object);
+    const Outcome<SharedPtr<Object>> object = lookUp(name, QStringLiteral("findObject"), [&] {
+        return outcomeOf(Inspector::self()->findObject(name));
+    });
+    if (object) {
+        context->setObjectResult(*object);
         return;
     }
-    // The debugging of look-ups gets its chance; what it says is not used.
-    if (RunnerInterface* runner = Interpreter::currentRunner()) {
-        QString unused;
-        runner->objectNotFound(name, QStringLiteral("findObject"), &unused);
-    }
-    QString error = Inspector::self()->lastError();
+    QString error = object.error().text;
     if (error.isEmpty()) {
         qWarning("Inspector::lastError() was empty when it should not be");
         error = QStringLiteral("Unknown lookup error");

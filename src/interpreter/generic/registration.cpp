@@ -6,9 +6,11 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/applicationfunctions.h"
 #include "interpreter/generic/comparisonfunctions.h"
+#include "interpreter/generic/imageobjects.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
+#include "interpreter/generic/screenshotfunctions.h"
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
@@ -100,7 +102,8 @@ const FunctionRow objectFunctions[] = {
     {"exists", objectExists, "name", "", "Whether there is such an object now"},
     {"children", objectChildren, "object", "", "A list of the object's children"},
     {"globalBounds", objectGlobalBounds, "object", "", "The object's rectangle on the screen"},
-    {"grabScreenshot"},
+    {"grabScreenshot", objectGrabScreenshot, "object", "options",
+     "A picture of the object as it is on the screen"},
     {"parent", objectParent, "object", "",
      "The object that this one is in, null for one at the top"},
     {"topLevelObjects", objectTopLevelObjects, "", "", "A list of the objects that have no parent"},
@@ -161,8 +164,9 @@ const FunctionRow testFunctions[] = {
     {"ocrTextNotPresent"},
     {"ocrTextPresent"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
-    {"attachDesktopScreenshot"},
-    {"attachImage"},
+    {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
+     "Adds a picture of the desktop to the results"},
+    {"attachImage", testAttachImage, "image", "message", "Adds a picture to the results"},
     {"startVideoCapture"},
     {"stopVideoCapture"},
     {"expect", testExpect, "nameOrObject properties", "timeout comment",
@@ -245,7 +249,7 @@ const NativeRow nativeFunctions[] = {
     {"startCAN", startCAN, "", "options host port timeoutms", "Starts a new FMI context"},
     {"connectTo", connectTo, "server", "tamrixhost tamrixport timeoutms",
      "Starts a new FMI context"},
-    {"saveDesktopScreenshot", nullptr, "filename", "format",
+    {"saveDesktopScreenshot", saveDesktopScreenshot, "filename", "format",
      "Saves a desktop screenshot to a file"},
     {"saveObjectSnapshot", saveObjectSnapshot, "object filename", "",
      "Saves an object screenshot to a file"},
@@ -268,7 +272,7 @@ const NativeRow nativeFunctions[] = {
 
 /// Registered last, behind the native classes.
 const NativeRow grabDesktopScreenshotRow = {
-    "grabDesktopScreenshot", nullptr, "", "",
+    "grabDesktopScreenshot", grabDesktopScreenshot, "", "",
     "Grabs the desktop screenshot and returns it as a ScriptImage object"};
 
 QStringList parameters(const char* names) {
@@ -296,10 +300,15 @@ void addNative(Interpreter* interpreter, const NativeRow& row) {
                                        parameters(row.optional), row.description);
 }
 
-/// Registers a native class under a name that the debugger's views of variables leave out.
 template <typename NativeClass>
 void addNativeClass(Interpreter* interpreter, const QString& name) {
     interpreter->addNativeType(name, NativeClass::staticTypeId(), NativeClass::type());
+}
+
+/// The same under a name that the debugger's views of variables leave out.
+template <typename NativeClass>
+void addHiddenNativeClass(Interpreter* interpreter, const QString& name) {
+    addNativeClass<NativeClass>(interpreter, name);
     interpreter->addSelfDefinedVariableName(name);
 }
 
@@ -328,10 +337,12 @@ void ScriptContext::initFunctions() {
 void Interpreter::initNativeAPI() {
     for (const NativeRow& row : nativeFunctions)
         addNative(this, row);
-    addNativeClass<TestSettingsType>(this, "testSettings");
+    addHiddenNativeClass<TestSettingsType>(this, "testSettings");
+    addNativeClass<ImageScriptObject>(this, "Image");
+    addNativeClass<ScreenshotScriptObject>(this, "Screenshot");
     // What testSettings holds; scripts get the objects from it.
-    addNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
-    addNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");
+    addHiddenNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
+    addHiddenNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");
     addNative(this, grabDesktopScreenshotRow);
 }
 

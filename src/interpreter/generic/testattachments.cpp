@@ -5,6 +5,8 @@
 #include "base/filewriting.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/generic/imagefiles.h"
+#include "interpreter/generic/imageobjects.h"
 #include "interpreter/generic/runneraccess.h"
 #include "interpreter/generic/testfunctions.h"
 #include "platform/testresult/testresult.h"
@@ -12,6 +14,9 @@
 namespace Tamrix {
 
 namespace {
+
+constexpr const char* noTextMessage =
+    "Informational message for the screenshot must be provided as string.";
 
 /// Copies block by block; returns why it failed, empty on success. A target that could not be
 /// written whole is removed.
@@ -56,6 +61,30 @@ QString attachFileArguments(ScriptContext* context, QString* path, QString* mess
         *message = context->argument(1)->toString();
     }
     return {};
+}
+
+/// The path of a new attachment of the running test case, named like `source`. The folder is made.
+Outcome<QString> attachmentPath(RunnerInterface* runner, const QFileInfo& source) {
+    QString error;
+    // 1. The folder that it goes to,
+    const QFileInfo folder =
+        attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
+    // 2. which is made when it is not there.
+    if (error.isEmpty())
+        error = ensureResultPathExists(folder);
+    if (!error.isEmpty())
+        return fail(FailureKind::Failed, error);
+    // 3. A name that is free there.
+    return calculateTargetFileName(folder.filePath(), source);
+}
+
+/// Adds an attachment to the results and ends the call.
+void addAttachment(ScriptContext* context, TestResult::AttachmentType type, const QString& message,
+                   const QString& path) {
+    if (TestResult* result = context->testResult())
+        result->addAttachment(type, message, QFileInfo(path).absoluteFilePath(),
+                              context->callStackForResult(false));
+    context->setNullResult();
 }
 
 /// The checks of the file; makes its path absolute.
@@ -139,30 +168,78 @@ void testAttachFile(ScriptContext* context) {
     RunnerInterface* const runner = runnerFor("attachFile");
     if (!runner)
         return;
-    // 3. The folder that it goes to,
-    const QFileInfo target =
-        attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
-    // 4. which is made when it is not there.
-    if (error.isEmpty())
-        error = ensureResultPathExists(target);
-    if (!error.isEmpty()) {
-        context->setError(error);
+    // 3. to 5. Its place.
+    const Outcome<QString> target = attachmentPath(runner, source);
+    if (!target) {
+        context->setError(target.error().text);
         return;
     }
-    // 5. A name that is free there.
-    const QString targetPath = calculateTargetFileName(target.filePath(), source);
     // 6. The copy.
-    error = copyInBlocks(source.filePath(), targetPath);
+    error = copyInBlocks(source.filePath(), *target);
     if (!error.isEmpty()) {
         context->setError(QString("Error copying file '%1' as attachment into report: %2.")
                               .arg(source.filePath(), error));
         return;
     }
     // 7. The result.
-    if (TestResult* result = context->testResult())
-        result->addAttachment(TestResult::FileAttachment, message, targetPath,
-                              context->callStackForResult(false));
-    context->setNullResult();
+    addAttachment(context, TestResult::FileAttachment, message, *target);
+}
+
+void testAttachImage(ScriptContext* context) {
+    const auto refuse = [context](const char* error) { context->setError(error); };
+    // 1. The picture.
+    if (context->argumentCount() < 1)
+        return refuse("Expected at least one argument");
+    if (context->argumentCount() > 2)
+        return refuse("Expected at most two arguments");
+    const auto picture = context->argument(0)->toNative<ImageScriptObject>();
+    if (!picture)
+        return refuse("The attachment argument must be an image");
+    // 2. The message.
+    QString message = QStringLiteral("Attached image");
+    if (context->argument(1)) {
+        if (!context->argument(1)->isString())
+            return refuse(noTextMessage);
+        message = context->argument(1)->toString();
+    }
+    RunnerInterface* const runner = runnerFor("attachImage");
+    if (!runner)
+        return;
+    // 3. Its place.
+    const Outcome<QString> target = attachmentPath(runner, QFileInfo("image.png"));
+    if (!target)
+        return context->setError(target.error().text);
+    // 4. The file.
+    const Outcome<> written = writeImageFile(picture->image, *target, "PNG");
+    if (!written)
+        return context->setError("Error writing image file: " + written.error().text);
+    // 5. The result.
+    addAttachment(context, TestResult::ImageAttachment, message, *target);
+}
+
+void testAttachDesktopScreenshot(ScriptContext* context) {
+    const auto refuse = [context](const char* error) { context->setError(error); };
+    // 1. The message.
+    if (context->argumentCount() < 1)
+        return refuse("Expected at least one argument");
+    if (!context->argument(0)->isString())
+        return refuse(noTextMessage);
+    const QString message = context->argument(0)->toString();
+    if (message.isEmpty())
+        return refuse("Informational message for the screenshot must not be empty.");
+    RunnerInterface* const runner = runnerFor("attachDesktopScreenshot");
+    if (!runner)
+        return;
+    // 2. Its place.
+    const Outcome<QString> target = attachmentPath(runner, QFileInfo("desktop_screenshot.png"));
+    if (!target)
+        return context->setError(target.error().text);
+    // 3. The file.
+    const QString error = saveScreenshotFromCurrentAutContext(QFileInfo(*target), "PNG");
+    if (!error.isEmpty())
+        return context->setError(error);
+    // 4. The result.
+    addAttachment(context, TestResult::ImageAttachment, message, *target);
 }
 
 }  // namespace Tamrix

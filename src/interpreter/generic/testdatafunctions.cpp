@@ -10,6 +10,7 @@
 #include "interpreter/bridge/scriptcontext.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/objectmodel.h"
 #include "shared/resources/testresource.h"
 #include "shared/testdata/testdata.h"
 #include "shared/testdata/testdataset.h"
@@ -52,30 +53,29 @@ void giveDataSet(ScriptContext* context, Read read) {
         context->setError("Data set '" + path + "' couldn't be parsed.");
 }
 
-/// Calls a function of the application. Null, with the inspector's last error set, on failure.
-SharedPtr<Object> callApplication(const QString& name, const QStringList& arguments) {
-    Inspector* const inspector = Inspector::self();
-    const Class* const globalClass = inspector->globalClass();
+/// Calls a function of the application.
+Outcome<SharedPtr<Object>> callApplication(const QString& name, const QStringList& arguments) {
+    ObjectModel* const model = Inspector::self()->model();
+    if (!model)
+        return Inspector::noApplication();
+    const Outcome<const Class*> globalClass = model->globalClass();
     if (!globalClass)
-        return {};
-    const QList<const Method*> methods = globalClass->methodsByName(name);
-    if (methods.isEmpty()) {
-        inspector->setLastError("The application has no function '" + name + "'");
-        return {};
-    }
+        return fail(globalClass.error());
+    if (!*globalClass || (*globalClass)->methodsByName(name).isEmpty())
+        return fail(FailureKind::Refused, "The application has no function '" + name + "'");
     ObjectList objects;
     for (const QString& argument : arguments)
-        objects.push_back(inspector->createObject(argument));
-    return inspector->take(methods.first()->invoke(nullptr, objects));
+        objects.push_back(Inspector::self()->createObject(argument));
+    return model->invokeGlobal(name, objects);
 }
 
 /// The value that a function of the application gives back; nothing with the error set.
 std::optional<QVariant> askApplication(ScriptContext* context, const QString& name,
                                        const QStringList& arguments) {
-    const SharedPtr<Object> result = callApplication(name, arguments);
+    const Outcome<SharedPtr<Object>> result = callApplication(name, arguments);
     if (result)
-        return result->toVariant();
-    context->setError(Inspector::self()->lastError());
+        return (*result)->toVariant();
+    context->setError(result.error().text);
     return std::nullopt;
 }
 
@@ -232,9 +232,10 @@ void testDataGet(ScriptContext* context) {
     if (!hasStrings(context, 1, 1, "get() takes a string argument"))
         return;
     const QString file = context->argument(0)->toString();
-    const SharedPtr<Object> result = callApplication(QStringLiteral("testDataGet"), {file});
-    const QString problem = result ? storeFetched(file, result->toVariant().toString())
-                                   : Inspector::self()->lastError();
+    const Outcome<SharedPtr<Object>> result =
+        callApplication(QStringLiteral("testDataGet"), {file});
+    const QString problem =
+        result ? storeFetched(file, (*result)->toVariant().toString()) : result.error().text;
     if (problem.isEmpty())
         return;
     // The error has no room for the reason.

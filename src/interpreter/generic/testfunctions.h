@@ -35,6 +35,8 @@ TAMRIX_EXPORT void testStartSection(ScriptContext* context);
 TAMRIX_EXPORT void testEndSection(ScriptContext* context);
 TAMRIX_EXPORT void testBreakpoint(ScriptContext* context);
 TAMRIX_EXPORT void testAttachFile(ScriptContext* context);
+TAMRIX_EXPORT void testAttachImage(ScriptContext* context);
+TAMRIX_EXPORT void testAttachDesktopScreenshot(ScriptContext* context);
 /// A verdict that waits until an object has the wanted properties.
 TAMRIX_EXPORT void testExpect(ScriptContext* context);
 

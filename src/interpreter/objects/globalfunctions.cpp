@@ -7,6 +7,7 @@
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/objects/functionparameters.h"
+#include "interpreter/objects/namelookup.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/objectmodel.h"
 #include "wire/applicationfunctions.h"
@@ -66,20 +67,6 @@ bool seemsToTakeObject(const QList<const Method*>& methods) {
     });
 }
 
-/// The object in place of its name.
-ObjectResult<Value> objectOfName(ScriptContext& context, const Value& argument) {
-    if (!isStringOrObjectName(argument))
-        return argument;
-    SharedPtr<Object> object;
-    // Whether the point that is used is free, the function looks itself.
-    if (RunnerInterface* runner = Interpreter::currentRunner())
-        object = runner->waitForObjectByName(serializeObjectName(argument), false,
-                                             TestSettingsType::s_waitForObjectTimeout);
-    if (!object)
-        return objectError(Kind::NotFound, Inspector::self()->lastError());
-    return context.createObject(object);
-}
-
 /// The arguments in the order of the function.
 ObjectResult<ScriptArgument::List> inOrder(ScriptContext& context, const QString& name,
                                            const Description& description,
@@ -92,6 +79,23 @@ ObjectResult<ScriptArgument::List> inOrder(ScriptContext& context, const QString
     if (const ObjectResult<void> plain = refuseNamed(name, arguments); !plain)
         return tl::unexpected(plain.error());
     return std::move(arguments.positional);
+}
+
+/// Calls a function whose first argument is an object's name.
+ObjectResult<Value> callWithName(ScriptContext& context, RunnerInterface& runner,
+                                 const QString& function, const ScriptArgument::List& values) {
+    const ObjectResult<ObjectList> others = objectsOfArguments(function, values, 1);
+    if (!others)
+        return tl::unexpected(others.error());
+    const QString name = serializeObjectName(values.front());
+    const Outcome<Outcome<SharedPtr<Object>>> result = lookUp(name, function, [&] {
+        return runner.callWithName(name, function, *others,
+                                   TestSettingsType::s_waitForObjectTimeout);
+    });
+    if (result)
+        return scriptValue(context, *result);
+    Inspector::self()->keep(result.error());
+    return objectError(Kind::NotFound, result.error().text);
 }
 
 ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArguments arguments) {
@@ -108,17 +112,14 @@ ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArgume
         return objectError(Kind::Failed, Inspector::noApplicationText);
     if (methods.isEmpty())
         return objectError(Kind::Failed, "The application has no function '" + name + "'");
-    // 3. A name gives way to the object that it finds.
+    // 3. The application is called, which chooses among several methods of the name. The object of
+    //    a name it finds itself.
     const bool takesObject = description.isKnown()
                                  ? FunctionParameters::startWithObject(description.parameters)
                                  : seemsToTakeObject(methods);
-    if (takesObject && !values->empty()) {
-        ObjectResult<Value> object = objectOfName(context, values->front());
-        if (!object)
-            return object;
-        values->front() = *object;
-    }
-    // 4. The application is called, which chooses among several methods of the name.
+    RunnerInterface* const runner = Interpreter::currentRunner();
+    if (takesObject && runner && !values->empty() && isStringOrObjectName(values->front()))
+        return callWithName(context, *runner, name, *values);
     const ObjectResult<ObjectList> objects = objectsOfArguments(name, *values);
     if (!objects)
         return tl::unexpected(objects.error());

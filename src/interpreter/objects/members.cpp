@@ -99,10 +99,10 @@ ObjectResult<void> writeMember(ScriptContext& context, const SharedPtr<Object>& 
                                QStringLiteral("The property '%1' of '%2' can't be %3")
                                    .arg(context.scriptName(name), object->className(),
                                         QLatin1String(value ? "written" : "deleted")));
-        const SharedPtr<Object> written = objectOfValue(value, property->typeName());
+        const Outcome<SharedPtr<Object>> written = objectOfValue(value, property->typeName());
         if (!written)
-            return objectError(Kind::BadArgument, Inspector::self()->lastError());
-        if (const Outcome<> outcome = object->writeProperty(*property, written); !outcome)
+            return objectError(Kind::BadArgument, written.error().text);
+        if (const Outcome<> outcome = object->writeProperty(*property, *written); !outcome)
             return applicationError(outcome.error());
         return {};
     });

@@ -5,11 +5,11 @@
 namespace Tamrix {
 
 tl::unexpected<ObjectError> applicationError(const Failure& failure) {
-    Inspector* const inspector = Inspector::self();
-    inspector->keep(failure);
-    return objectError(
-        inspector->lastErrorIsLookup() ? ObjectError::Kind::NotFound : ObjectError::Kind::Failed,
-        failure.text);
+    Inspector::self()->keep(failure);
+    const bool isLookup =
+        failure.kind == FailureKind::NotFound || failure.kind == FailureKind::NotReady;
+    return objectError(isLookup ? ObjectError::Kind::NotFound : ObjectError::Kind::Failed,
+                       failure.text);
 }
 
 ObjectResult<SharedPtr<ScriptArgument>> scriptValue(ScriptContext& context,
@@ -20,16 +20,15 @@ ObjectResult<SharedPtr<ScriptArgument>> scriptValue(ScriptContext& context,
 }
 
 ObjectResult<ObjectList> objectsOfArguments(const QString& function,
-                                            const ScriptArgument::List& values) {
+                                            const ScriptArgument::List& values, size_t first) {
     ObjectList objects;
-    for (const SharedPtr<ScriptArgument>& value : values) {
-        SharedPtr<Object> object = objectOfValue(value);
+    for (size_t index = first; index < values.size(); ++index) {
+        const Outcome<SharedPtr<Object>> object = objectOfValue(values[index]);
         if (!object)
             return objectError(ObjectError::Kind::BadArgument,
                                QStringLiteral("%1() argument %2: %3")
-                                   .arg(function, QString::number(objects.size() + 1),
-                                        Inspector::self()->lastError()));
-        objects.push_back(std::move(object));
+                                   .arg(function, QString::number(index + 1), object.error().text));
+        objects.push_back(*object);
     }
     return objects;
 }

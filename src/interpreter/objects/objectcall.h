@@ -38,10 +38,11 @@ TAMRIX_EXPORT tl::unexpected<ObjectError> applicationError(const Failure& failur
 TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> scriptValue(
     ScriptContext& context, const Outcome<SharedPtr<Object>>& value);
 
-/// The values as objects of a call. An error names the function and the place of a value that no
-/// application takes.
+/// The values from the one with this index on as objects of a call. An error names the function and
+/// the place of a value that no application takes.
 TAMRIX_EXPORT ObjectResult<ObjectList> objectsOfArguments(const QString& function,
-                                                          const ScriptArgument::List& values);
+                                                          const ScriptArgument::List& values,
+                                                          size_t first = 0);
 
 /// For a function whose parameters have no names: an error when there are arguments by name.
 TAMRIX_EXPORT ObjectResult<void> refuseNamed(const QString& function,

@@ -113,19 +113,18 @@ SharedPtr<ScriptArgument> valueOfObject(ScriptContext* context, SharedPtr<Object
     return isScriptValue(value) ? valueOfVariant(context, value) : context->createObject(object);
 }
 
-SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value) {
+Outcome<SharedPtr<Object>> objectOfValue(const SharedPtr<ScriptArgument>& value) {
     return objectOfValue(value, QString());
 }
 
-SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value, const QString& typeName) {
+Outcome<SharedPtr<Object>> objectOfValue(const SharedPtr<ScriptArgument>& value,
+                                         const QString& typeName) {
     if (value->isObject())
         return value->toObject();
     std::optional<QVariant> variant = value->toVariant();
-    if (!variant) {
-        Inspector::self()->setLastError("A value of type '" + value->typeName() +
-                                        "' can't be passed to an application");
-        return {};
-    }
+    if (!variant)
+        return fail(FailureKind::BadArgument, "A value of type '" + value->typeName() +
+                                                  "' can't be passed to an application");
     if (value->isNumber() && isIntegerType(typeName))
         variant = value->toInt();
     else if (value->isNumber() && isFloatType(typeName))

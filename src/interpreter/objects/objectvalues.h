@@ -3,6 +3,7 @@
 #include <QVariant>
 
 #include "base/export.h"
+#include "base/outcome.h"
 #include "base/shared.h"
 #include "interpreter/bridge/scriptargument.h"
 #include "platform/objectmodel/object.h"
@@ -26,12 +27,11 @@ TAMRIX_EXPORT SharedPtr<ScriptArgument> valueOfVariant(ScriptContext* context,
                                                        const QVariant& value);
 
 /// A script's value as an argument of a call to the application: an object as itself, everything
-/// else as a value. Null, with Inspector::lastError() set, when it is nothing that an application
-/// can take.
-TAMRIX_EXPORT SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value);
+/// else as a value. Fails when it is nothing that an application can take.
+TAMRIX_EXPORT Outcome<SharedPtr<Object>> objectOfValue(const SharedPtr<ScriptArgument>& value);
 
 /// The same for an argument of a known type: a number becomes one of that type, also a text.
-TAMRIX_EXPORT SharedPtr<Object> objectOfValue(const SharedPtr<ScriptArgument>& value,
-                                              const QString& typeName);
+TAMRIX_EXPORT Outcome<SharedPtr<Object>> objectOfValue(const SharedPtr<ScriptArgument>& value,
+                                                       const QString& typeName);
 
 }  // namespace Tamrix

@@ -32,8 +32,8 @@ public:
     virtual void missingStep(int line, const Step& step) = 0;
 };
 
-/// Gets what happens, in the order of the file. Each start has its end unless an exception ends the
-/// run.
+/// Is notified of each event of the run, in the order of the file. Each start has its end unless an
+/// exception ends the run.
 class TAMRIX_EXPORT ReportGenerator {
 public:
     virtual ~ReportGenerator();

@@ -11,8 +11,8 @@
 
 namespace Tamrix::Gherkin {
 
-/// Puts together the tree of a feature file from its lines, which come in an order that the grammar
-/// allows. What is taken to pieces is kept in lists until it is complete, and then moved to the
+/// Builds the syntax tree of a feature file from its lines, which come in an order that the grammar
+/// allows. Parsed pieces are kept in lists until they are complete, and then moved to the
 /// document's memory in one piece.
 class DocumentBuilder {
 public:

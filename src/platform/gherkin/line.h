@@ -27,7 +27,7 @@ struct Line {
     Location locationOf(std::string_view part) const;
 };
 
-/// Takes a text apart into its lines, which end with "\n" or "\r\n".
+/// Splits a text into its lines, which end with "\n" or "\r\n".
 class LineReader {
 public:
     explicit LineReader(std::string_view text) : m_rest(text) {}

@@ -10,8 +10,8 @@ namespace Tamrix::Gherkin {
 /// The longest text that may come of filling in a row, in bytes.
 constexpr std::size_t maxFilledSize = std::size_t(1) << 20;
 
-/// Puts the values of a row of examples in the places of its columns' names, "<name>". Without a
-/// row texts stay as they are. What is filled in isn't searched again.
+/// Substitutes the values of a row of examples for the placeholders of its columns, "<name>".
+/// Without a row texts stay as they are. What is filled in isn't searched again.
 class RowValues {
 public:
     RowValues() = default;

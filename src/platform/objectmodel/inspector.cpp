@@ -27,9 +27,7 @@ Inspector* Inspector::self() {
 }
 
 void Inspector::keep(const Failure& failure) {
-    m_lastError = failure.text;
-    m_lastErrorIsLookup =
-        failure.kind == FailureKind::NotFound || failure.kind == FailureKind::NotReady;
+    m_lastFailure = failure;
 }
 
 bool Inspector::take(const Outcome<>& outcome) {

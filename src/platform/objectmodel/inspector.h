@@ -89,12 +89,17 @@ public:
     bool take(const Outcome<>& outcome);
 
     /// Why the last look-up failed.
-    QString lastError() const { return m_lastError; }
+    QString lastError() const { return m_lastFailure.text; }
+    /// The same with its kind; without text when nothing has failed.
+    const Failure& lastFailure() const { return m_lastFailure; }
     /// An empty text clears it. For failures of no special kind; keep() has one.
     void setLastError(const QString& text) { keep(Failure{FailureKind::Failed, text}); }
     /// Whether the last failure was that something was not there, or not ready, in time: scripts
     /// then get a look-up error.
-    bool lastErrorIsLookup() const { return m_lastErrorIsLookup; }
+    bool lastErrorIsLookup() const {
+        return m_lastFailure.kind == FailureKind::NotFound ||
+               m_lastFailure.kind == FailureKind::NotReady;
+    }
 
     // What wrappers set. A later call replaces an earlier one for the same class or type.
     /// Scripts that extend the object model, in a language named by its file suffix.
@@ -126,8 +131,7 @@ private:
     auto ask(Ask ask);
 
     ObjectModel* m_model = nullptr;
-    QString m_lastError;
-    bool m_lastErrorIsLookup = false;
+    Failure m_lastFailure;
     QMap<QString, ClassSettings> m_classSettings;
     QMap<QString, QString> m_recorderFilters;
     QList<QPair<QString, QString>> m_extensionScripts;

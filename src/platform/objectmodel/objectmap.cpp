@@ -1,11 +1,10 @@
 #include "platform/objectmodel/objectmap.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
-#include <QTextCodec>
 #include <vector>
 
+#include "base/utf8file.h"
 #include "platform/objectmodel/inspector.h"
 
 namespace Tamrix {
@@ -264,21 +263,14 @@ Outcome<> ObjectMap::load(const QString& path) {
     clear();
     // In front of the reading: what is written meanwhile counts as a change.
     m_fileStamp = stampOf(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(
-            FailureKind::Failed,
-            QStringLiteral("The object map '%1' can't be read: %2").arg(path, file.errorString()));
+    const Outcome<Utf8Text> content = readUtf8File(path);
+    if (!content) {
+        return fail(FailureKind::Failed, QStringLiteral("The object map '%1' can't be read: %2")
+                                             .arg(path, content.error().text));
     }
-    QTextCodec::ConverterState state;
-    const QByteArray bytes = file.readAll();
-    const QString text =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    ParsedMap map = parseMap(text);
-    if (state.invalidChars > 0 || state.remainingChars > 0) {
-        const int invalid = text.indexOf(QChar::ReplacementCharacter);
-        map.faults.push_back({text.left(invalid).count('\n') + 1, QStringLiteral("no UTF-8 text")});
-    }
+    ParsedMap map = parseMap(content->text);
+    if (content->faultyLine > 0)
+        map.faults.push_back({content->faultyLine, QStringLiteral("no UTF-8 text")});
     // References are of use only when every name they may mean was read.
     if (map.faults.empty())
         findUnresolved(&map);

@@ -15,8 +15,8 @@ namespace Tamrix {
 ///
 /// The file has one entry a line: symbolic name, tab, real name, each with backslash, tab and line
 /// feed escaped as \\, \t and \n; a "\" before anything else stands for itself. Empty lines and
-/// lines that start with "#" are passed over. A real name may refer to others: a value in quotes
-/// that starts with ":" is the symbolic name of another object, also in names nested in each other.
+/// lines that start with "#" are ignored. A real name may refer to others: a value in quotes that
+/// starts with ":" is the symbolic name of another object, also in names nested in each other.
 /// Values of properties that are a text for sure (isTextProperty()) never refer to anything.
 class TAMRIX_EXPORT ObjectMap {
 public:

@@ -13,7 +13,7 @@ namespace Tamrix {
 /// others.
 class TAMRIX_EXPORT CompositeReport : public ReportGenerator {
 public:
-    /// Null is passed over.
+    /// Null is ignored.
     void append(std::unique_ptr<ReportGenerator> generator);
     /// Is called with a generator's error text when it fails, once for each, and at once. It must
     /// not add entries.

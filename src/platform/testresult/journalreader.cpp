@@ -1,6 +1,7 @@
 #include "platform/testresult/journalreader.h"
 
 #include <QFile>
+#include <optional>
 
 #include "platform/testresult/journalentry.h"
 #include "platform/testresult/reportgenerator.h"
@@ -9,34 +10,33 @@ namespace Tamrix {
 
 namespace {
 
-/// Takes a device apart into lines. QIODevice::readLine() with a limit would allocate as much as
-/// the limit for every line.
+/// What ended a line, or why it was not read to its end.
+enum class LineEnd { LineFeed, EndOfFile, TooLong };
+
+/// Splits what a device holds into lines. QIODevice::readLine() with a limit would allocate as much
+/// as the limit for every line.
 class LineSource {
 public:
     explicit LineSource(QIODevice* device) : m_device(device) {}
 
-    /// The next line without its line feed; false at the end or after an error. `*isWhole` tells
-    /// whether a line feed ended it, `*isTooLong` whether it passed the limit.
-    bool next(QByteArray* line, bool* isWhole, bool* isTooLong) {
+    /// Reads the next line without its line feed; nothing at the end or after an error.
+    std::optional<LineEnd> next(QByteArray* line) {
         line->clear();
-        *isWhole = *isTooLong = false;
         while (true) {
             const int end = m_block.indexOf('\n', m_position);
             const int length = (end < 0 ? m_block.size() : end) - m_position;
-            *isTooLong = line->size() + length > Journal::longestLine;
-            if (*isTooLong)
-                return true;
+            if (line->size() + length > Journal::longestLine)
+                return LineEnd::TooLong;
             line->append(m_block.constData() + m_position, length);
             m_position += length;
             if (end >= 0) {
                 ++m_position;
-                *isWhole = true;
-                return true;
+                return LineEnd::LineFeed;
             }
             m_block = m_device->read(blockSize);
             m_position = 0;
             if (m_block.isEmpty())
-                return !line->isEmpty();
+                return line->isEmpty() ? std::nullopt : std::optional(LineEnd::EndOfFile);
         }
     }
 
@@ -47,6 +47,47 @@ private:
     QByteArray m_block;
     int m_position = 0;
 };
+
+/// What a line of the journal gave.
+struct LineReading {
+    /// Why the line is no part of a journal; empty when it is one, be it cut.
+    QString error = {};
+    /// The run was killed while it wrote the line.
+    bool isCut = false;
+    std::optional<ReportEntry> entry = {};
+};
+
+/// The beginning of an object is never an object itself, so that a line without an end that is one
+/// lacks nothing but the line feed.
+bool isCutLine(LineEnd end, bool isJson) {
+    return end == LineEnd::EndOfFile && !isJson;
+}
+
+LineReading tooLongLine() {
+    return {.error = QStringLiteral("the line is longer than %1 bytes").arg(Journal::longestLine)};
+}
+
+LineReading readHeader(const QByteArray& line, LineEnd end) {
+    bool isJson = false;
+    LineReading reading;
+    reading.error = Journal::checkHeader(line, &isJson);
+    reading.isCut = isCutLine(end, isJson);
+    const QByteArray beginning = Journal::beginning;
+    if (reading.isCut && line.left(beginning.size()) == beginning.left(line.size()))
+        reading.error.clear();
+    return reading;
+}
+
+LineReading readEntry(const QByteArray& line, LineEnd end) {
+    bool isJson = false;
+    ReportEntry entry;
+    const QString error = Journal::parseEntry(line, &entry, &isJson);
+    if (isCutLine(end, isJson))
+        return {.isCut = true};
+    if (!error.isEmpty())
+        return {.error = error};
+    return {.entry = std::move(entry)};
+}
 
 }  // namespace
 
@@ -73,41 +114,23 @@ bool JournalReader::replay(QIODevice* device, const QString& name) {
     m_error.clear();
     LineSource source(device);
     QByteArray line;
-    bool isWhole = false;
-    bool isTooLong = false;
     int number = 0;
-    while (source.next(&line, &isWhole, &isTooLong)) {
+    while (const std::optional<LineEnd> end = source.next(&line)) {
         ++number;
-        const QString error =
-            isTooLong ? QStringLiteral("the line is longer than %1 bytes").arg(Journal::longestLine)
-                      : readLine(line, number == 1, isWhole);
-        if (!error.isEmpty()) {
-            m_error = QStringLiteral("%1:%2: %3").arg(name, QString::number(number), error);
+        const LineReading reading = *end == LineEnd::TooLong ? tooLongLine()
+                                    : number == 1            ? readHeader(line, *end)
+                                                             : readEntry(line, *end);
+        m_isCut = reading.isCut;
+        if (!reading.error.isEmpty()) {
+            m_error = QStringLiteral("%1:%2: %3").arg(name, QString::number(number), reading.error);
             return false;
         }
+        if (reading.entry)
+            m_generator->add(*reading.entry);
     }
     // Killed before the header was written.
     m_isCut = m_isCut || number == 0;
     return true;
-}
-
-QString JournalReader::readLine(const QByteArray& line, bool isFirst, bool isWhole) {
-    ReportEntry entry;
-    bool isJson = false;
-    QString error =
-        isFirst ? Journal::checkHeader(line, &isJson) : Journal::parseEntry(line, &entry, &isJson);
-    // The beginning of an object is never an object itself, so that a line without an end that is
-    // one lacks nothing but the line feed.
-    m_isCut = !isWhole && !isJson;
-    if (m_isCut) {
-        const QByteArray beginning = Journal::beginning;
-        const bool isJournal =
-            !isFirst || line.left(beginning.size()) == beginning.left(line.size());
-        return isJournal ? QString() : error;
-    }
-    if (error.isEmpty() && !isFirst)
-        m_generator->add(entry);
-    return error;
 }
 
 }  // namespace Tamrix

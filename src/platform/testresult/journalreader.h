@@ -32,8 +32,6 @@ public:
     QString errorText() const { return m_error; }
 
 private:
-    QString readLine(const QByteArray& line, bool isFirst, bool isWhole);
-
     ReportGenerator* m_generator;
     bool m_isCut = false;
     QString m_error;

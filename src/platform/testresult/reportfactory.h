@@ -18,8 +18,8 @@ struct ReportDescription {
     bool isStandardOutput() const { return path.isEmpty() || path == QLatin1String("-"); }
 };
 
-/// Takes a "FORMAT:PATH" apart. Fails for an unknown format, or a missing path where the format
-/// needs one. Does not touch the file.
+/// Parses a "FORMAT:PATH". Fails for an unknown format, or a missing path where the format needs
+/// one. Does not touch the file.
 TAMRIX_EXPORT Outcome<ReportDescription> parseReportDescription(const QString& text);
 
 /// Makes the report generator that a "FORMAT:PATH" names. Fails when the description is wrong or

@@ -13,6 +13,24 @@ PyFrameObject* asFrame(PyObject* frame) {
     return reinterpret_cast<PyFrameObject*>(frame);
 }
 
+PyCodeObject* asCode(const PyRef& code) {
+    return reinterpret_cast<PyCodeObject*>(code.get());
+}
+
+int columnAt(PyCodeObject* code, int instruction) {
+    int line = -1;
+    int column = -1;
+    int endLine = -1;
+    int endColumn = -1;
+    const bool isKnown =
+        PyCode_Addr2Location(code, instruction, &line, &column, &endLine, &endColumn) != 0;
+    return isKnown && column >= 0 ? column + 1 : -1;
+}
+
+int frameColumn(PyObject* frame) {
+    return columnAt(asCode(frameCode(frame)), PyFrame_GetLasti(asFrame(frame)));
+}
+
 /// The frame, or the first one outwards, that runs code of a script.
 PyRef firstInScript(PyRef frame, SourceFiles& files) {
     while (frame && !files.isScript(frameFileName(frame.get()).get()))
@@ -73,13 +91,45 @@ PyRef outerFrame(PyObject* frame, SourceFiles& files) {
                          files);
 }
 
+PyRef frameCode(PyObject* frame) {
+    return PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetCode(asFrame(frame))));
+}
+
 PyRef frameFileName(PyObject* frame) {
-    const PyRef code = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetCode(asFrame(frame))));
-    return PyRef::borrow(reinterpret_cast<PyCodeObject*>(code.get())->co_filename);
+    return PyRef::borrow(asCode(frameCode(frame))->co_filename);
 }
 
 int frameLine(PyObject* frame) {
     return PyFrame_GetLineNumber(asFrame(frame));
+}
+
+std::vector<ScriptFrame> runningFrames(SourceFiles& files) {
+    std::vector<ScriptFrame> frames;
+    for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
+        frames.push_back({frame, frameLine(frame.get()), frameColumn(frame.get())});
+    return frames;
+}
+
+std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files) {
+    // A traceback runs from the outermost frame inwards.
+    std::vector<ScriptFrame> frames;
+    for (auto* entry = reinterpret_cast<PyTracebackObject*>(traceback); entry;
+         entry = entry->tb_next) {
+        auto* const frame = reinterpret_cast<PyObject*>(entry->tb_frame);
+        if (!files.isScript(frameFileName(frame).get()))
+            continue;
+        // A frame that has raised the exception once more stands in it twice.
+        if (!frames.empty() && frames.back().frame.get() == frame)
+            frames.pop_back();
+        frames.push_back({PyRef::borrow(frame), entry->tb_lineno,
+                          columnAt(asCode(frameCode(frame)), entry->tb_lasti)});
+    }
+    std::reverse(frames.begin(), frames.end());
+    for (ScriptFrame& running : runningFrames(files)) {
+        if (frames.empty() || frames.back().frame.get() != running.frame.get())
+            frames.push_back(std::move(running));
+    }
+    return frames;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 #include "plugins/python/pyref.h"
 
@@ -39,9 +40,27 @@ PyRef innermostFrame(SourceFiles& files);
 /// The next frame outwards that runs code of a script.
 PyRef outerFrame(PyObject* frame, SourceFiles& files);
 
+/// A frame's code object.
+PyRef frameCode(PyObject* frame);
 /// The file name in a frame's code object, as Python keeps it.
 PyRef frameFileName(PyObject* frame);
 /// The line that a frame is at, counted from 1.
 int frameLine(PyObject* frame);
+
+/// A frame of a script's code and where it stands.
+struct ScriptFrame {
+    PyRef frame;
+    /// Counted from 1.
+    int line = -1;
+    /// Of the expression that runs, counted from 1 in bytes of UTF-8 as Python has it; -1 when
+    /// unknown.
+    int column = -1;
+};
+
+/// The frames that run code of scripts, the innermost first.
+std::vector<ScriptFrame> runningFrames(SourceFiles& files);
+/// The frames that an exception has left or is about to leave, the innermost first, and those that
+/// it has not reached yet. `traceback` may be null.
+std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files);
 
 }  // namespace Tamrix::PythonPlugin

@@ -3,7 +3,9 @@
 #include <QMap>
 #include <algorithm>
 
+#include "interpreter/generic/imageobjects.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/imageclass.h"
 #include "plugins/python/nativefunction.h"
 
 namespace Tamrix::PythonPlugin {
@@ -128,6 +130,13 @@ PyTypeObject* pythonClassOf(void* typeId) {
     return NativeHolder::s_type;
 }
 
+/// What the Python class of the type derives from; borrowed. Null with the error indicator set.
+PyTypeObject* baseOf(void* typeId, const NativeScriptType& type) {
+    if (type.super())
+        return pythonClassOf(type.super());
+    return typeId == ImageScriptObject::staticTypeId() ? imageBase() : NativeHolder::s_type;
+}
+
 }  // namespace
 
 bool addNativeBase(PyObject* module) {
@@ -142,8 +151,9 @@ PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType&
     try {
         NativeClass& entry = classes()[typeId];
         entry.super = type.super();
-        auto* const base = reinterpret_cast<PyObject*>(type.super() ? pythonClassOf(type.super())
-                                                                    : NativeHolder::s_type);
+        auto* const base = reinterpret_cast<PyObject*>(baseOf(typeId, type));
+        if (!base)
+            return {};
         const PyRef metaclass = makeMetaclass(name, type, Py_TYPE(base));
         const PyRef attributes = classNamespace(name, type);
         const PyRef pyName = checked(toPyString(name).release());

@@ -6,6 +6,7 @@
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/objecttype.h"
+#include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/valuetypes.h"
@@ -68,8 +69,11 @@ void PythonContext::Call::restoreOuter() {
 
 PyObject* PythonContext::Call::raise() {
     const PyRef exception = raiseScriptError(m_context.errorType(), m_context.errorMessage());
+    PythonInterpreter& interpreter = m_context.m_interpreter;
     if (m_context.isSkip())
-        m_context.m_interpreter.setSkip(exception);
+        interpreter.setSkip(exception);
+    interpreter.debugger().errorReplaced(exception.get(), m_context.errorMessage());
+    interpreter.debugger().errorRaised();
     return nullptr;
 }
 
@@ -236,6 +240,7 @@ bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<Script
 }
 
 std::pair<QString, QString> PythonContext::evaluateForException(SharedPtr<ScriptArgument> code) {
+    const PythonDebugger::CatchesErrors catching(m_interpreter.debugger());
     PyRef result;
     if (code->isString()) {
         const PyRef compiled =

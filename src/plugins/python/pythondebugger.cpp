@@ -1,65 +1,166 @@
 #include "plugins/python/pythondebugger.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "plugins/python/conversion.h"
-#include "plugins/python/frames.h"
+#include "plugins/python/exceptionhandlers.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/pythonvariables.h"
+#include "plugins/python/scripterror.h"
 
 namespace Tamrix::PythonPlugin {
 
 namespace {
 
-QString typeNameOf(PyObject* value) {
-    const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
-    return name.mid(name.lastIndexOf('.') + 1);
+/// The number of the last state of break points that a debugger of this process had.
+unsigned s_lastState = 0;
+
+/// Keeps an exception that is on its way while the debugger asks Python something.
+class ErrorAside {
+public:
+    ErrorAside() { PyErr_Fetch(&m_type, &m_value, &m_traceback); }
+    ~ErrorAside() {
+        if (m_type)
+            PyErr_Restore(m_type, m_value, m_traceback);
+    }
+    ErrorAside(const ErrorAside&) = delete;
+    ErrorAside& operator=(const ErrorAside&) = delete;
+
+private:
+    PyObject* m_type = nullptr;
+    PyObject* m_value = nullptr;
+    PyObject* m_traceback = nullptr;
+};
+
+PyRef runningFrame() {
+    return PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
 }
 
-/// The parts of a value that a listing can go into: entries of a dictionary, elements of a list or
-/// tuple, attributes of any other object. A mapping, or null.
-PyRef membersOf(PyObject* value) {
-    if (PyDict_Check(value))
-        return PyRef::borrow(value);
-    if (PyList_Check(value) || PyTuple_Check(value)) {
-        PyRef members = PyRef::steal(PyDict_New());
-        for (Py_ssize_t index = 0; members && index < PySequence_Fast_GET_SIZE(value); ++index) {
-            const PyRef key = PyRef::steal(PyLong_FromSsize_t(index));
-            if (!key || PyDict_SetItem(members.get(), key.get(),
-                                       PySequence_Fast_GET_ITEM(value, index)) < 0)
-                return {};
-        }
-        return members;
-    }
-    PyRef attributes = PyRef::steal(PyObject_GetAttrString(value, "__dict__"));
-    PyErr_Clear();
-    return attributes && PyDict_Check(attributes.get()) ? attributes : PyRef();
+PyRef nextOutwards(const PyRef& frame) {
+    return PyRef::steal(reinterpret_cast<PyObject*>(
+        PyFrame_GetBack(reinterpret_cast<PyFrameObject*>(frame.get()))));
 }
 
-/// The member whose name is the text.
-PyRef memberNamed(PyObject* members, const QString& name) {
-    const PyRef items = PyRef::steal(PyMapping_Items(members));
-    for (Py_ssize_t index = 0; items && index < PyList_GET_SIZE(items.get()); ++index) {
-        PyObject* const item = PyList_GET_ITEM(items.get(), index);
-        if (textOf(PyTuple_GET_ITEM(item, 0)) == name)
-            return PyRef::borrow(PyTuple_GET_ITEM(item, 1));
+bool isOneOf(PyObject* exception, std::initializer_list<PyObject*> types) {
+    return std::any_of(types.begin(), types.end(), [exception](PyObject* type) {
+        return PyErr_GivenExceptionMatches(exception, type) != 0;
+    });
+}
+
+/// Whether Python itself, which has no frames, may be waiting for the exception as an answer: code
+/// of an operator such as `__getitem__`, or an attribute that somebody asks after.
+bool mayBeAnswer(PyObject* exception, const PyRef& code) {
+    auto* const object = reinterpret_cast<PyCodeObject*>(code.get());
+    const QString name = fromPyString(object->co_name);
+    if (name.startsWith("__") && name.endsWith("__"))
+        return name != "__init__" && name != "__call__" && name != "__enter__";
+    if (!isOneOf(exception, {PyExc_AttributeError}))
+        return false;
+    for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(object->co_names); ++index) {
+        PyObject* const used = PyTuple_GET_ITEM(object->co_names, index);
+        if (PyUnicode_CompareWithASCIIString(used, "hasattr") == 0 ||
+            PyUnicode_CompareWithASCIIString(used, "getattr") == 0)
+            return true;
     }
-    PyErr_Clear();
-    return {};
+    return false;
 }
 
 }  // namespace
 
 PythonDebugger::PythonDebugger(PythonInterpreter& interpreter)
-    : Debugger(&interpreter), m_python(interpreter) {}
+    : Debugger(&interpreter), m_python(interpreter), m_state(++s_lastState) {}
 
-PythonDebugger::~PythonDebugger() {
-    PythonDebugger::setInteractive(false);
+PythonDebugger::~PythonDebugger() = default;
+
+void PythonDebugger::setInteractive(bool interactive) {
+    Debugger::setInteractive(interactive);
+    if (interactive)
+        m_hook.install();
+    else
+        m_hook.uninstall();
 }
 
-// Frames
+void PythonDebugger::setDebuggerMode(DbgMode mode) {
+    Debugger::setDebuggerMode(mode);
+    m_hook.redecide();
+}
 
-int PythonDebugger::sourceIdOf(PyObject* frame) {
-    const QString path = m_python.files().path(frameFileName(frame).get());
+void PythonDebugger::setBreakPoint(int line, int sourceId, bool set) {
+    Debugger::setBreakPoint(line, sourceId, set);
+    std::vector<int>& lines = m_breakLines[sourceId];
+    if (set)
+        lines.push_back(line);
+    else
+        std::erase(lines, line);
+    m_state = ++s_lastState;
+    m_hook.redecide();
+}
+
+void PythonDebugger::shutDown() {
+    setInteractive(false);
+    m_watcher.reset();
+    m_toldError = PyRef();
+    Debugger::shutDown();
+}
+
+// Stops
+
+PythonDebugger::Standstill::Standstill(PythonDebugger& debugger) : m_debugger(debugger) {
+    ++m_debugger.m_standstills;
+    m_pause.emplace(m_debugger.m_hook);
+}
+
+PythonDebugger::Standstill::~Standstill() {
+    m_pause.reset();
+    m_debugger.m_hook.redecide();
+    // Code that was evaluated at a stop may have stopped itself: the outer one goes on.
+    if (--m_debugger.m_standstills > 0)
+        m_debugger.updateFrames();
+    else
+        m_debugger.showFrames({});
+}
+
+bool PythonDebugger::stop() {
+    const Standstill standstill(*this);
+    return Debugger::stop();
+}
+
+bool PythonDebugger::stopWithObjectName(const QString& objectName, const QString& detail) {
+    const Standstill standstill(*this);
+    return Debugger::stopWithObjectName(objectName, detail);
+}
+
+bool PythonDebugger::stopsAtEachLine(const RunningFrame* caller) {
+    if (debuggerMode() != Next)
+        return debuggerMode() == Step;
+    // Counted inside out, and no further than to where the call is known to be too deep.
+    int depth = 1;
+    for (; caller && depth <= stepDepth(); caller = callerOf(caller)) {
+        if (currentFacts(codeOf(caller)).isScript)
+            ++depth;
+    }
+    return depth <= stepDepth();
+}
+
+bool PythonDebugger::wantsLines(PyCodeObject* code, const RunningFrame* caller) {
+    if (debuggerMode() == None)
+        return false;
+    const CodeFacts& facts = currentFacts(code);
+    return facts.isScript && (!facts.breakLines.empty() || stopsAtEachLine(caller));
+}
+
+void PythonDebugger::lineReached(PyObject* frame, const RunningFrame* caller) {
+    const PyRef code = frameCode(frame);
+    const CodeFacts& facts = currentFacts(reinterpret_cast<PyCodeObject*>(code.get()));
+    if (facts.isScript && debuggerMode() != None &&
+        (facts.hasBreakPoint(frameLine(frame)) || stopsAtEachLine(caller)))
+        stop();
+}
+
+// Sources and frames
+
+int PythonDebugger::sourceIdOf(PyObject* codeFileName) {
+    const QString path = m_python.files().path(codeFileName);
     const auto known = m_sourceIds.constFind(path);
     if (known != m_sourceIds.constEnd())
         return *known;
@@ -69,105 +170,128 @@ int PythonDebugger::sourceIdOf(PyObject* frame) {
     return id;
 }
 
-void PythonDebugger::readFrames() {
-    SourceFiles& files = m_python.files();
-    std::vector<DebuggerFrame> positions;
-    for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
-        positions.push_back({frameLine(frame.get()), -1, sourceIdOf(frame.get())});
+CodeFacts& PythonDebugger::currentFacts(PyCodeObject* code) {
+    CodeFacts& facts = factsOf(code);
+    if (facts.state == m_state)
+        return facts;
+    const ErrorAside aside;
+    facts.isScript = m_python.files().isScript(code->co_filename);
+    // A source that becomes known here may have break points, with which the state changes.
+    facts.breakLines = facts.isScript ? breakLinesOf(code) : std::vector<int>();
+    facts.state = m_state;
+    return facts;
+}
+
+std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
+    std::vector<int> lines = m_breakLines.value(sourceIdOf(code->co_filename));
+    if (lines.empty())
+        return lines;
+    const std::vector<int> own = linesOf(code);
+    std::erase_if(lines, [&own](int line) {
+        return !std::binary_search(own.begin(), own.end(), line);
+    });
+    return lines;
+}
+
+std::vector<ScriptFrame> PythonDebugger::frames() {
+    return m_errorFrames ? *m_errorFrames : runningFrames(m_python.files());
+}
+
+void PythonDebugger::updateFrames() {
+    showFrames(frames());
+}
+
+void PythonDebugger::showFrames(const std::vector<ScriptFrame>& frames) {
     clearFrames();
     Debugger::setCurrentLine(-1);
     Debugger::setCurrentColumn(-1);
     Debugger::setCurrentSourceId(-1);
-    for (auto position = positions.rbegin(); position != positions.rend(); ++position)
-        pushFrameAndSetCurrent(position->line, position->column, position->sourceId);
-}
-
-void PythonDebugger::updateFrames() {
-    if (!m_tracing)
-        readFrames();
-}
-
-// Tracing
-
-void PythonDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
-    if (interactive == m_tracing)
-        return;
-    if (interactive) {
-        // Frames that are running already have no events of their own.
-        readFrames();
-        const PyRef self = PyRef::steal(PyCapsule_New(this, nullptr, nullptr));
-        PyEval_SetTrace(trace, self.get());
-    } else {
-        PyEval_SetTrace(nullptr, nullptr);
-    }
-    m_tracing = interactive;
-}
-
-void PythonDebugger::shutDown() {
-    setInteractive(false);
-    Debugger::shutDown();
-}
-
-int PythonDebugger::trace(PyObject* self, PyFrameObject* frame, int event, PyObject*) {
-    auto* const debugger = static_cast<PythonDebugger*>(PyCapsule_GetPointer(self, nullptr));
-    if (!debugger)
-        return -1;
-    try {
-        debugger->traceEvent(reinterpret_cast<PyObject*>(frame), event);
-    } catch (const PythonErrorSet&) {
-        return -1;
-    }
-    return 0;
-}
-
-void PythonDebugger::traceEvent(PyObject* frame, int event) {
-    // Code in no file and the library's own code are passed through.
-    if (m_stopping || !m_python.files().isScript(frameFileName(frame).get()))
-        return;
-    switch (event) {
-        case PyTrace_CALL:
-            pushFrameAndSetCurrent(frameLine(frame), -1, sourceIdOf(frame));
-            break;
-        case PyTrace_LINE:
-            setCurrentLine(frameLine(frame));
-            if (wantsStop(currentFrame())) {
-                m_stopping = true;
-                stop();
-                m_stopping = false;
-            }
-            break;
-        case PyTrace_RETURN:
-            popFrameAndSetCurrent();
-            break;
-        default:
-            break;
-    }
+    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame)
+        pushFrameAndSetCurrent(frame->line, frame->column,
+                               sourceIdOf(frameFileName(frame->frame.get()).get()));
 }
 
 // Variables
 
+void PythonDebugger::initVariableWatcher() {
+    m_watcher.reset();
+}
+
 Debugger::VariableBindings PythonDebugger::variables(const QString& path) {
-    VariableBindings bindings;
-    const PyRef frame = innermostFrame(m_python.files());
-    if (!frame)
-        return bindings;
-    PyRef members = PyRef::steal(PyFrame_GetLocals(reinterpret_cast<PyFrameObject*>(frame.get())));
-    for (const QString& name : path.split('.', Qt::SkipEmptyParts)) {
-        const PyRef value = members ? memberNamed(members.get(), name) : PyRef();
-        members = value ? membersOf(value.get()) : PyRef();
+    const TraceHook::Pause pause(m_hook);
+    if (!m_watcher)
+        m_watcher = std::make_unique<PythonVariableWatcher>(m_python);
+    try {
+        return m_watcher->variableBindings(path);
+    } catch (const PythonErrorSet&) {
+        // Python has no memory left for its own containers.
+        PyErr_Print();
+        return {};
     }
-    const PyRef items = PyRef::steal(members ? PyMapping_Items(members.get()) : nullptr);
-    for (Py_ssize_t index = 0; items && index < PyList_GET_SIZE(items.get()); ++index) {
-        PyObject* const item = PyList_GET_ITEM(items.get(), index);
-        const QString name = textOf(PyTuple_GET_ITEM(item, 0));
-        PyObject* const value = PyTuple_GET_ITEM(item, 1);
-        if (path.isEmpty() && (name.startsWith("__") || m_python.isSelfDefinedVariableName(name)))
-            continue;
-        bindings.push_back({name, typeNameOf(value), representation(value)});
+}
+
+// Errors
+
+PythonDebugger::CatchesErrors::CatchesErrors(PythonDebugger& debugger) : m_debugger(debugger) {
+    m_debugger.m_catching.push_back(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
+}
+
+PythonDebugger::CatchesErrors::~CatchesErrors() {
+    m_debugger.m_catching.pop_back();
+}
+
+void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
+    // Some are no errors, and some are asked for by what can't be seen here.
+    if (!stopsForErrors() || exception == m_toldError.get() || m_python.isSkip(exception) ||
+        isOneOf(exception, {PyExc_StopIteration, PyExc_StopAsyncIteration, PyExc_GeneratorExit,
+                            PyExc_SystemExit, PyExc_KeyboardInterrupt}))
+        return;
+    if (!isCaught(exception, traceback))
+        stopForError(exception, traceback);
+}
+
+bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
+    for (auto* entry = reinterpret_cast<PyTracebackObject*>(traceback); entry;
+         entry = entry->tb_next) {
+        if (mayBeAnswer(exception, frameCode(reinterpret_cast<PyObject*>(entry->tb_frame))))
+            return true;
     }
-    PyErr_Clear();
-    return bindings;
+    for (PyRef frame = runningFrame(); frame; frame = nextOutwards(frame)) {
+        if (std::find(m_catching.begin(), m_catching.end(), frame.get()) != m_catching.end() ||
+            mayBeAnswer(exception, frameCode(frame.get())) ||
+            mayCatch(frame.get(), exception))
+            return true;
+    }
+    return false;
+}
+
+void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
+    m_toldError = PyRef::borrow(exception);
+    PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
+                  Py_XNewRef(traceback));
+    m_toldText = takeScriptError().message;
+    m_errorFrames = framesOfError(traceback, m_python.files());
+    stop();
+    m_errorFrames.reset();
+}
+
+void PythonDebugger::errorUncaught() {
+    PyObject* type = nullptr;
+    PyObject* value = nullptr;
+    PyObject* traceback = nullptr;
+    PyErr_Fetch(&type, &value, &traceback);
+    PyErr_NormalizeException(&type, &value, &traceback);
+    if (stopsForErrors() && value && value != m_toldError.get() && !m_python.isSkip(value) &&
+        !isOneOf(value, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
+        stopForError(value, traceback);
+    PyErr_Restore(type, value, traceback);
+    m_toldError = PyRef();
+    m_toldText.clear();
+}
+
+void PythonDebugger::errorReplaced(PyObject* exception, const QString& text) {
+    if (m_toldError && !m_toldText.isEmpty() && text.contains(m_toldText))
+        m_toldError = PyRef::borrow(exception);
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "plugins/python/conversion.h"
+#include "plugins/python/frameevaluation.h"
 #include "plugins/python/globalfunctions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
@@ -254,6 +255,12 @@ bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName
 
 bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, int, int) {
     clearError();
+    // The debugger evaluates without stops, where the script stands.
+    if (fileName.isEmpty() && m_debugger->debuggerMode() == Debugger::None) {
+        const std::vector<ScriptFrame> frames = m_debugger->frames();
+        if (!frames.empty())
+            return evaluateAt(frames.front().frame.get(), text);
+    }
     PyRef result;
     try {
         const PyRef names = moduleNamespace();
@@ -268,6 +275,15 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
         // Python refused something before the script ran; its exception tells what.
     }
     return finish(result, !fileName.isEmpty());
+}
+
+bool PythonInterpreter::evaluateAt(PyObject* frame, const QString& text) {
+    const Outcome<QString> result = evaluateInFrame(*this, frame, text);
+    m_output.flush();
+    setResultMessage(result ? *result : result.error().text);
+    if (!result)
+        setErrorMessage(result.error().text);
+    return bool(result);
 }
 
 PyRef PythonInterpreter::scriptFunction(const QString& name) {
@@ -341,13 +357,14 @@ bool PythonInterpreter::finish(const PyRef& result, bool hasFile) {
     m_output.flush();
     if (result)
         return true;
+    m_debugger->errorUncaught();
     const ScriptError error = takeScriptError(&m_files);
     if (error.isExit) {
         m_exited = true;
         return true;
     }
     setErrorMessage(error.message);
-    setErrorIsSkip(m_skip && error.exception.get() == m_skip.get());
+    setErrorIsSkip(isSkip(error.exception.get()));
     if (error.callStack.empty() || !hasFile) {
         // Code without a file has a line all the same, which tells that it failed. Where else the
         // error stands, the message tells.

@@ -29,6 +29,7 @@ public:
     static PythonInterpreter* active() { return s_active; }
 
     PythonContext& context() { return *m_context; }
+    PythonDebugger& debugger() { return *m_debugger; }
     SourceFiles& files() { return m_files; }
     ScriptOutput& output() { return m_output; }
     /// Whether the calling thread is the one on which the interpreter was made.
@@ -61,6 +62,9 @@ public:
     void setSkip(const PyRef& exception) {
         m_skip = exception;
     }
+    bool isSkip(PyObject* exception) const {
+        return m_skip && exception == m_skip.get();
+    }
 
     /// The script's globals.
     PyRef moduleNamespace();
@@ -86,6 +90,9 @@ public:
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
 
 private:
+    /// Code that a person writes while the script stands still at the frame. The result's text is
+    /// that of what became of it.
+    bool evaluateAt(PyObject* frame, const QString& text);
     /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
     /// otherwise the error fields tell what happened.
     bool finish(const PyRef& result, bool hasFile = true);

@@ -16,7 +16,7 @@ namespace Tamrix {
 /// own that only this user can enter. Script thread only; never waits.
 class AgentServer {
 public:
-    /// How long a peer may take to say hello, in milliseconds.
+    /// The time-out of a peer's handshake, in milliseconds.
     static constexpr int helloTimeout = 5000;
 
     explicit AgentServer(const QString& runId);
@@ -31,21 +31,21 @@ public:
     int descriptor() const { return m_listener; }
     QString folder() const { return m_folder.path(); }
     QString socketPath() const;
-    /// What agents have to show: random, new for each server.
+    /// The token with which agents authenticate themselves: random, new for each server.
     QString token() const { return m_token; }
 
-    /// Lets in who knocks and reads hellos. Who is no agent, or one with another version or token,
-    /// is refused with a text that says why.
+    /// Accepts connections and performs the handshake. Peers that are no agents, or have a wrong
+    /// version or token, are refused with a text that says why.
     void work();
     /// The connections that were opened since the last call.
     std::vector<std::shared_ptr<AgentConnection>> takeAccepted();
-    /// A peer that was not let in.
+    /// A peer that was refused.
     struct Refusal {
         /// -1 when unknown.
         pid_t process = -1;
         /// Empty for none.
         QString text;
-        /// It is no agent, or one with another version or token, so that trying again won't help.
+        /// It is no agent, or has a wrong version or token: trying again won't help.
         bool isFinal = false;
     };
     /// The last one since the last call.

@@ -19,9 +19,8 @@ namespace {
 /// How long a process may take to end, behind its connection or when it is asked to.
 constexpr int endPatience = 1000;
 
-QString commandLineOf(const Wire::Hello& hello) {
-    // The first argument is the program's name.
-    return quotedShellWords(QStringList{hello.program} + hello.arguments.mid(1));
+QString commandLineOf(const ApplicationFacts& facts) {
+    return quotedShellWords(QStringList{facts.program} + facts.arguments);
 }
 
 /// The fields of /proc/PID/stat from the state on, which is the third one and has index 0 here.
@@ -35,28 +34,28 @@ QList<QByteArray> statusFields(pid_t process) {
 
 }  // namespace
 
-Application::Application(int id, const QString& name, std::shared_ptr<AgentConnection> connection,
+Application::Application(int id, const QString& name, std::unique_ptr<Access> access,
                          std::shared_ptr<StartedProgram> program)
-    : m_model(std::move(connection)), m_program(std::move(program)) {
-    const Wire::Hello& hello = m_model.connection().hello();
+    : m_access(std::move(access)), m_program(std::move(program)) {
+    const ApplicationFacts facts = m_access->facts();
     this->id = id;
     this->name = name;
-    pid = static_cast<int>(hello.pid);
+    pid = static_cast<int>(facts.pid);
     valid = true;
     startTime = QDateTime::currentDateTime();
-    commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(hello);
-    m_model.connection().setEndText([this] { return endText(); });
-    m_model.connection().setStallTest([this] { return isStalled(); });
+    commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(facts);
+    m_access->setEndText([this] { return endText(); });
+    m_access->setStallTest([this] { return isStalled(); });
     if (isMainProcess())
-        m_model.connection().setProcessDescriptor(m_program->endDescriptor());
+        m_access->setProcessDescriptor(m_program->endDescriptor());
 }
 
 Application::~Application() {
     // The objects that a script still holds keep the connection.
-    m_model.connection().setEndText({});
-    m_model.connection().setStallTest({});
-    m_model.connection().setIdleHook({});
-    m_model.connection().setProcessDescriptor(-1);
+    m_access->setEndText({});
+    m_access->setStallTest({});
+    m_access->setIdleHook({});
+    m_access->setProcessDescriptor(-1);
 }
 
 bool Application::isMainProcess() {
@@ -66,13 +65,13 @@ bool Application::isMainProcess() {
 void Application::work() {
     if (m_program)
         m_program->noteApplication(name, isExitExpected);
-    valid = connection().pump() == AgentConnection::State::Open;
+    valid = m_access->takeNews();
     if (!isMainProcess() || !m_program->process().hasEnded())
         return;
     // A child that the process forked may hold the other end open.
     if (valid)
-        connection().close(QStringLiteral("the process has ended"));
-    connection().setProcessDescriptor(-1);
+        m_access->close(QStringLiteral("the process has ended"));
+    m_access->setProcessDescriptor(-1);
     valid = false;
 }
 
@@ -97,7 +96,7 @@ QString Application::endText() {
         blockingSleep(5000);
     if (isRunning()) {
         return QStringLiteral("The connection to the application '%1' has ended: %2")
-            .arg(name, connection().errorText());
+            .arg(name, m_access->endReason());
     }
     if (!isMainProcess())
         return QStringLiteral("The application '%1' has ended").arg(name);
@@ -107,7 +106,7 @@ QString Application::endText() {
 
 void Application::detach() {
     m_isDetached = true;
-    connection().close(QStringLiteral("it was detached"));
+    m_access->close(QStringLiteral("it was detached"));
     valid = false;
 }
 

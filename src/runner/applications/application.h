@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "platform/objectmodel/access.h"
 #include "platform/objectmodel/applicationcontext.h"
-#include "platform/objectmodel/remote/remotemodel.h"
 #include "runner/applications/startedprogram.h"
 
 namespace Tamrix {
@@ -13,19 +13,19 @@ class Application : public ApplicationContext {
 public:
     /// `program` is null for a process that this run did not start. A program has several
     /// applications when its children announce themselves, too.
-    Application(int id, const QString& name, std::shared_ptr<AgentConnection> connection,
+    Application(int id, const QString& name, std::unique_ptr<Access> access,
                 std::shared_ptr<StartedProgram> program);
     ~Application() override;
 
-    AgentConnection& connection() { return m_model.connection(); }
-    RemoteModel& model() { return m_model; }
+    /// Through which it is asked; also once it has ended.
+    Access& access() { return *m_access; }
     /// Null when this run did not start it.
     StartedProgram* program() { return m_program.get(); }
     const std::shared_ptr<StartedProgram>& sharedProgram() const { return m_program; }
     /// Whether this is the process that the run itself started.
     bool isMainProcess();
 
-    /// Takes what has come and brings `valid` up to date.
+    /// Processes pending messages and updates `valid`.
     void work();
     /// Whether the process is there, connected or not.
     bool isRunning();
@@ -33,7 +33,7 @@ public:
     /// (Segmentation fault)", with the last lines of standard error. Empty while it is connected.
     /// Waits a moment for a process that is about to end.
     QString endText();
-    /// Drops the connection and leaves the process alone.
+    /// Closes the connection and leaves the process alone.
     void detach();
     /// Also ends the program, if this run has started it, and drops the connection.
     void stop(const QString& message) override;
@@ -42,7 +42,7 @@ private:
     /// Whether the process has done nothing since the last call: it is stopped, or waits.
     bool isStalled();
 
-    RemoteModel m_model;
+    std::unique_ptr<Access> m_access;
     std::shared_ptr<StartedProgram> m_program;
     bool m_isDetached = false;
     qint64 m_lastCpuTime = -1;

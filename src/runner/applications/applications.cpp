@@ -9,8 +9,7 @@
 #include "base/environment.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "platform/objectmodel/inspector.h"
-#include "platform/objectmodel/remote/remotelink.h"
-#include "platform/objectmodel/remote/remoteobject.h"
+#include "platform/objectmodel/remote/remotemodel.h"
 #include "runner/applications/attachable.h"
 #include "runner/applications/foreigntoolkit.h"
 #include "runner/processes/interrupt.h"
@@ -179,7 +178,7 @@ QString Applications::startFailure(StartedProgram& program, const QString& toolk
 Outcome<> Applications::greet(Application& application, const QDeadlineTimer& deadline,
                               int timeout) {
     const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
-    const Outcome<> greeted = application.model().readGlobalClass(left);
+    const Outcome<> greeted = application.access().prepare(left);
     if (greeted)
         return {};
     if (greeted.error().kind == FailureKind::TimedOut) {
@@ -253,12 +252,15 @@ QString Applications::uniqueName(const QString& name) {
 
 SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connection,
                                          const QString& name) {
-    const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
-    AgentConnection* const added = connection.get();
+    return add(std::make_unique<RemoteModel>(std::move(connection)), name);
+}
+
+SharedPtr<Application> Applications::add(std::unique_ptr<Access> access, const QString& name) {
+    const auto program = m_programs.of(static_cast<pid_t>(access->facts().pid));
     SharedPtr<Application> application(
-        new Application(++m_lastId, uniqueName(name), std::move(connection), program));
+        new Application(++m_lastId, uniqueName(name), std::move(access), program));
     // A request lets the others work, and ends when the run is interrupted.
-    added->setIdleHook([this] {
+    application->access().setIdleHook([this] {
         work();
         return !isInterrupted();
     });
@@ -298,7 +300,7 @@ SharedPtr<Application> Applications::first() {
 
 void Applications::setCurrent(SharedPtr<Application> application) {
     m_current = application;
-    Inspector::self()->setModel(application ? &application->model() : nullptr);
+    Inspector::self()->setModel(application ? &application->access() : nullptr);
 }
 
 SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>& context) {
@@ -306,11 +308,9 @@ SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>
 }
 
 SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
-    if (const auto remote = dynamicPointerCast<RemoteObject>(object)) {
-        for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
-            if (&application->connection() == &remote->link().connection())
-                return application;
-        }
+    for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
+        if (object && application->access().owns(object))
+            return application;
     }
     return m_current;
 }
@@ -339,7 +339,7 @@ void Applications::waitForNews(int milliseconds) {
     std::vector<pollfd> watched{{m_server.descriptor(), POLLIN, 0}};
     for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
         if (application->valid)
-            watched.push_back({application->connection().descriptor(), POLLIN, 0});
+            watched.push_back({application->access().descriptor(), POLLIN, 0});
     }
     blockingPoll(watched.data(), watched.size(), milliseconds);
     work();
@@ -350,7 +350,7 @@ void Applications::startCall() {
     m_interruptBeforeCall = Interrupt::signalNumber();
     // A script may change the setting at any time.
     if (m_current)
-        m_current->model().setReadyTimeout(TestSettingsType::s_waitForObjectTimeout);
+        m_current->access().setReadyTimeout(TestSettingsType::s_waitForObjectTimeout);
 }
 
 bool Applications::isInterrupted() const {
@@ -364,9 +364,8 @@ bool Applications::askToClose() {
     for (const SharedPtr<Application>& application : live()) {
         if (!application->program())
             continue;
-        application->connection().setSyncTimeout(quitTimeout);
-        application->model().setRequestTimeout(quitTimeout);
-        wasAsked = application->model().quit() || wasAsked;
+        application->access().hurry(quitTimeout);
+        wasAsked = application->access().quit() || wasAsked;
     }
     return wasAsked;
 }

@@ -16,8 +16,8 @@
 
 namespace Tamrix {
 
-/// The applications of a run: starts them, lets their processes in, and ends them. Script thread
-/// only.
+/// The applications of a run: starts them, accepts the connections of their processes, and ends
+/// them. Script thread only.
 ///
 /// A process of an application that announces itself becomes a context at once, whether somebody
 /// waits for it or not.
@@ -49,6 +49,9 @@ public:
     /// start(). It becomes the current one only when there is none.
     Outcome<SharedPtr<Application>> waitForLaunch(int timeout);
 
+    /// Takes an application that is connected in whatever way. It does not become the current one.
+    SharedPtr<Application> add(std::unique_ptr<Access> access, const QString& name);
+
     /// Those that are connected, in the order in which they came.
     QList<SharedPtr<Application>> live();
     /// Null when there is none.
@@ -65,7 +68,7 @@ public:
     /// The application itself when it is one of these, null for null and others.
     SharedPtr<Application> checked(const SharedPtr<ApplicationContext>& context);
 
-    /// Lets in who knocks and takes what has come from everywhere, without waiting.
+    /// Accepts connections and processes everything that is pending, without waiting.
     void work();
     /// work(), then waits until something comes, at most this long.
     void waitForNews(int milliseconds);

@@ -12,9 +12,9 @@ namespace Tamrix {
 // Programs that are there before a run and stay behind it. "tamrixrunner attachable" starts one and
 // keeps it, with the connection to its agent, for as long as it runs. Under the program's name it
 // listens at a socket in a folder that only this user can enter. A run that connects there talks to
-// the agent as if the agent had connected itself: the keeper says the agent's hello, with an empty
-// token, and hands messages over, one run at a time. Answers that a run did not wait for are
-// dropped, so the next run starts clean.
+// the agent as if the agent had connected itself: the keeper performs the handshake in the agent's
+// place, with an empty token, and forwards messages, one run at a time. Answers that a run did not
+// wait for are dropped, so the next run starts clean.
 
 /// What "tamrixrunner attachable" is asked to do.
 struct AttachableOptions {

@@ -10,7 +10,7 @@ namespace Tamrix {
 /// Where an agent reports to.
 struct AgentAddress {
     QString socketPath;
-    /// What it has to show.
+    /// The token with which it authenticates itself.
     QString token;
 };
 

@@ -48,7 +48,8 @@ public:
     /// Those whose output tells about a failure: `current`, and the last ones that were started.
     std::vector<Pointer> ofInterest(const Pointer& current) const;
 
-    /// Takes what has come: never waits for a program, but for what one that has ended wrote last.
+    /// Processes what is pending. Never waits for a program, only for the last output of one that
+    /// has ended.
     void work();
     void setEndCause(EndCause cause) { m_endCause = cause; }
     /// Ends all that is left: asks, and kills after `patience` milliseconds. Returns the names of

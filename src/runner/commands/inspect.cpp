@@ -1,10 +1,11 @@
-// "tamrixrunner inspect": the objects of a program.
+// "tamrixrunner inspect": the objects of a program, or the names of one of them.
 
 #include <QBuffer>
 #include <QDeadlineTimer>
 #include <algorithm>
 
 #include "runner/applications/applications.h"
+#include "runner/applications/objectnames.h"
 #include "runner/applications/objecttree.h"
 #include "runner/commands/command.h"
 #include "runner/commands/displayoption.h"
@@ -26,6 +27,8 @@ struct InspectSettings {
     /// "inherit", "auto" or ":N".
     QString display;
     TreeFormat format = TreeFormat::Text;
+    /// Whose names are told in place of the tree: a name or a point; empty for the tree.
+    QString namesOf;
     /// Where a picture of the screen is stored, empty for nowhere.
     QString screenshotFile;
     /// How long to wait before looking.
@@ -47,15 +50,15 @@ Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& sett
 }
 
 /// The tree in the wanted form.
-Outcome<QByteArray> formattedTree(RemoteModel& model, TreeFormat format) {
+Outcome<QByteArray> formattedTree(Access& access, TreeFormat format) {
     if (format != TreeFormat::Xml) {
-        const Outcome<Wire::ObjectListing> listing = model.listing();
+        const Outcome<Wire::ObjectListing> listing = access.listing();
         if (!listing)
             return fail(listing.error());
         return format == TreeFormat::Json ? objectTreeJson(*listing)
                                           : objectTreeText(*listing).toLocal8Bit();
     }
-    const Outcome<QByteArray> elements = model.snapshot({});
+    const Outcome<QByteArray> elements = access.snapshot({});
     if (!elements)
         return elements;
     UIAbstraction::XmlExporter exporter(*elements);
@@ -67,8 +70,8 @@ Outcome<QByteArray> formattedTree(RemoteModel& model, TreeFormat format) {
 }
 
 /// Stores a picture of the screen. Returns an error text, empty on success.
-QString storeScreenshot(RemoteModel& model, const QString& fileName) {
-    const Outcome<QVariant> picture = model.nativeRequest(QStringLiteral("desktopScreenshot"), {});
+QString storeScreenshot(Access& access, const QString& fileName) {
+    const Outcome<QVariant> picture = access.nativeRequest(QStringLiteral("desktopScreenshot"), {});
     if (!picture)
         return QStringLiteral("no picture of the screen came: %1").arg(picture.error().text);
     const QImage image = Screenshot::fromVariant(*picture).image();
@@ -86,42 +89,61 @@ void pause(Applications& applications, double seconds) {
         applications.waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 50)));
 }
 
-/// Returns an error text, empty on success.
-QString inspectWith(Applications& applications, const InspectSettings& settings) {
+/// What is printed, and whether there was something to be told.
+struct Inspection {
+    QByteArray text;
+    bool isFound = true;
+};
+
+Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
+    if (settings.namesOf.isEmpty()) {
+        const Outcome<QByteArray> tree = formattedTree(access, settings.format);
+        if (!tree)
+            return fail(tree.error());
+        return Inspection{*tree, true};
+    }
+    const Outcome<ObjectNames> names = describeNames(access, settings.namesOf);
+    if (!names)
+        return fail(names.error());
+    return Inspection{names->text.toLocal8Bit(), names->isFound};
+}
+
+/// Gives the exit code of what went well, or else what went wrong.
+Outcome<int> inspectWith(Applications& applications, const InspectSettings& settings) {
     if (const Outcome<> used = applications.useDisplay(settings.display); !used)
-        return used.error().text;
+        return fail(used.error());
     const Outcome<ApplicationStart> start =
         resolveApplication(quotedShellWords(settings.program), {});
     if (!start)
-        return start.error().text;
+        return fail(start.error());
     const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
     if (!started)
-        return started.error().text;
+        return fail(started.error());
     const SharedPtr<Application>& application = *started;
-    QString error;
     pause(applications, settings.waitSeconds);
 
-    const Outcome<QByteArray> tree = formattedTree(application->model(), settings.format);
-    if (!tree)
-        error = tree.error().text;
-    else if (!settings.screenshotFile.isEmpty())
-        error = storeScreenshot(application->model(), settings.screenshotFile);
+    const Outcome<Inspection> inspection = look(application->access(), settings);
+    QString error = inspection ? QString() : inspection.error().text;
+    if (inspection && !settings.screenshotFile.isEmpty())
+        error = storeScreenshot(application->access(), settings.screenshotFile);
     const QString end = application->endText();
     if (!error.isEmpty() && !end.isEmpty())
         error = end;
-    if (error.isEmpty() && !writeBytes(stdout, *tree))
+    if (error.isEmpty() && !writeBytes(stdout, inspection->text))
         error = QStringLiteral("standard output can't be written");
-    return error;
+    if (!error.isEmpty())
+        return fail(FailureKind::Failed, error);
+    return inspection->isFound ? ExitSuccess : ExitFailure;
 }
 
 int inspectApplication(const InspectSettings& settings) {
     Interrupt::install();
     Applications applications;
-    const QString error = inspectWith(applications, settings);
+    const Outcome<int> code = inspectWith(applications, settings);
     applications.endAll();
     if (Interrupt::signalNumber() != 0)
         return Interrupt::exitCode(Interrupt::signalNumber());
-    return error.isEmpty() ? ExitSuccess : failWith(error);
+    return code ? *code : failWith(code.error().text);
 }
 
 }  // namespace
@@ -136,10 +158,13 @@ Command inspectCommand() {
            setTo(&InspectSettings::format, TreeFormat::Json)},
           {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Xml)},
+          {"names", "OBJECT",
+           "Prints the names of one object, given by a name or as a point X,Y of the screen.",
+           nullptr, textTo(&InspectSettings::namesOf)},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
           {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},
-         {{"json", "xml"}},
+         {{"json", "xml"}, {"json", "names"}, {"xml", "names"}},
          readArguments,
          inspectApplication});
 }

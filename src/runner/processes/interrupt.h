@@ -7,14 +7,14 @@ namespace Tamrix {
 /// The request to end the run early: Ctrl-C (SIGINT), SIGTERM, or SIGHUP when the terminal goes
 /// away. Process-wide.
 ///
-/// The first signal is remembered and handed on to the handler that the script's language has for
+/// The first signal is recorded and forwarded to the handler that the script's language has for
 /// Ctrl-C, so that the script is interrupted in its own way. The second one does the same again,
 /// for a script that goes on or a clean-up that hangs; the third one ends the process at once. A
 /// signal that the process was started to ignore (a background job of a shell script, say) stays
 /// ignored.
 class Interrupt {
 public:
-    /// Puts the handlers on top of those that are installed now, which get the signals handed on.
+    /// Installs the handlers; those that were installed before get the signals forwarded.
     static void install();
 
     /// The first signal that asked the run to end, 0 as long as none did. Any thread.
@@ -24,7 +24,7 @@ public:
     /// 129 for SIGHUP.
     static int exitCode(int signal) { return 128 + signal; }
 
-    /// Forgets the signals so far and takes the handlers off again: for tests.
+    /// Forgets the signals so far and uninstalls the handlers: for tests.
     static void reset();
 
     /// Steps aside while a language plug-in is loaded and installs its own handlers, which it may

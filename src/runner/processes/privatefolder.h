@@ -27,7 +27,7 @@ private:
     int m_lock = -1;
 };
 
-/// Clears up behind runs that could not do it, since they and their watches were killed: ends the
+/// Cleans up behind runs that could not, since they and their watches were killed: ends the
 /// processes with their marks and removes their folders.
 void clearLeftFolders();
 

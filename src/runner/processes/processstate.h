@@ -8,8 +8,8 @@
 namespace Tamrix {
 
 /// What a test case may change of the process and must not leave to the next one: the working
-/// directory, the environment, the locale and the mask for new files. The constructor remembers
-/// it, the destructor sets it back. Not while another thread uses any of them.
+/// directory, the environment, the locale and the mask for new files. The constructor saves it, the
+/// destructor restores it. Not while another thread uses any of them.
 class ProcessState {
 public:
     ProcessState();

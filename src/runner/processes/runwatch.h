@@ -10,7 +10,7 @@ namespace Tamrix {
 class RunWatch {
 public:
     RunWatch() = default;
-    /// Lets the watch clear up and waits for its end.
+    /// Lets the watch clean up and waits for its end.
     ~RunWatch();
     RunWatch(const RunWatch&) = delete;
     RunWatch& operator=(const RunWatch&) = delete;

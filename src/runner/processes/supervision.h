@@ -8,7 +8,7 @@ namespace Tamrix {
 
 /// A run works in a child process, so that whatever the script does to its process, the exit code
 /// and the reports tell of it. The process that was started, the supervisor, only waits. The two
-/// share the terminal and the process group; signals that only the supervisor gets are handed on.
+/// share the terminal and the process group; signals that only the supervisor gets are forwarded.
 class Supervision {
 public:
     /// How the child ended.
@@ -34,7 +34,7 @@ public:
     static void markQuit();
 
     /// In the child: whether a signal is the second of the two that come when a whole process group
-    /// is sent one, since the supervisor hands on its own. Safe in signal handlers.
+    /// is sent one, since the supervisor forwards its own. Safe in signal handlers.
     static bool isSecondDelivery(int signal, const siginfo_t& info);
 };
 

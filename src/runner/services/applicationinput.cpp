@@ -5,19 +5,19 @@
 
 namespace Tamrix {
 
-Outcome<RemoteModel*> ApplicationInput::modelOf(const SharedPtr<Object>& object) {
+Outcome<Access*> ApplicationInput::accessOf(const SharedPtr<Object>& object) {
     const SharedPtr<Application> application = m_state.applications.owner(object);
     if (!application)
         return Inspector::noApplication();
     const QString end = application->endText();
     if (!end.isEmpty())
         return fail(FailureKind::Ended, end);
-    return &application->model();
+    return &application->access();
 }
 
 bool ApplicationInput::keyEvent(const QString& key, bool press) {
-    const Outcome<RemoteModel*> model = modelOf({});
-    return Inspector::self()->take(model ? (*model)->keyEvent(key, press) : fail(model.error()));
+    const Outcome<Access*> access = accessOf({});
+    return Inspector::self()->take(access ? (*access)->keyEvent(key, press) : fail(access.error()));
 }
 
 bool ApplicationInput::mouseEvent(SharedPtr<Object> target, int mask, int x, int y, int button,
@@ -30,27 +30,27 @@ bool ApplicationInput::mouseEvent(SharedPtr<Object> target, int mask, int x, int
     event.modifiers = modifiers;
     event.buttonChange = buttonChange;
     event.press = press;
-    const Outcome<RemoteModel*> model = modelOf(target);
-    return Inspector::self()->take(model ? (*model)->mouseEvent(target, event)
-                                         : fail(model.error()));
+    const Outcome<Access*> access = accessOf(target);
+    return Inspector::self()->take(access ? (*access)->mouseEvent(Target::ofObject(target), event)
+                                          : fail(access.error()));
 }
 
 QString ApplicationInput::highlightObject(SharedPtr<Object> object, int milliseconds) {
-    const Outcome<RemoteModel*> model = modelOf(object);
-    if (!model)
-        return model.error().text;
-    const Outcome<> outcome = (*model)->highlight(object, milliseconds);
+    const Outcome<Access*> access = accessOf(object);
+    if (!access)
+        return access.error().text;
+    const Outcome<> outcome = (*access)->highlight(Target::ofObject(object), milliseconds);
     return outcome ? QString() : outcome.error().text;
 }
 
 void ApplicationInput::stopHighlight() {
-    const Outcome<RemoteModel*> model = modelOf({});
-    Inspector::self()->take(model ? (*model)->stopHighlight() : fail(model.error()));
+    const Outcome<Access*> access = accessOf({});
+    Inspector::self()->take(access ? (*access)->stopHighlight() : fail(access.error()));
 }
 
 SharedPtr<Object> ApplicationInput::objectGlobalBounds(SharedPtr<Object> object) {
-    const Outcome<RemoteModel*> model = modelOf(object);
-    return Inspector::self()->take(model ? (*model)->globalBounds(object) : fail(model.error()));
+    const Outcome<Access*> access = accessOf(object);
+    return Inspector::self()->take(access ? (*access)->globalBounds(object) : fail(access.error()));
 }
 
 FunctionCallResult<QSharedPointer<BackgroundTask>> ApplicationInput::startVideoCapture(
@@ -63,10 +63,10 @@ FunctionCallResult<QSharedPointer<BackgroundTask>> ApplicationInput::startVideoC
 
 PropertyList ApplicationInput::components(int remoteId) {
     const auto read = [&]() -> Outcome<PropertyList> {
-        const Outcome<RemoteModel*> model = modelOf({});
-        if (!model)
-            return fail(model.error());
-        const Outcome<SharedPtr<Object>> object = (*model)->objectById(remoteId);
+        const Outcome<Access*> access = accessOf({});
+        if (!access)
+            return fail(access.error());
+        const Outcome<SharedPtr<Object>> object = (*access)->objectById(remoteId);
         if (!object)
             return fail(object.error());
         return (*object)->readProperties();

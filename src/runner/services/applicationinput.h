@@ -22,9 +22,9 @@ public:
     SharedPtr<Object> objectGlobalBounds(SharedPtr<Object> object) override;
 
 private:
-    /// The model of the object's application, of the current one for null; a failure when there is
+    /// The access to the object's application, of the current one for null; a failure when there is
     /// none or it ended.
-    Outcome<RemoteModel*> modelOf(const SharedPtr<Object>& object);
+    Outcome<Access*> accessOf(const SharedPtr<Object>& object);
     PropertyList components(int remoteId);
 
     RunState& m_state;

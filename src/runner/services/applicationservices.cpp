@@ -62,10 +62,10 @@ SharedPtr<ApplicationContext> ApplicationServices::startApplication(const QStrin
 Outcome<SharedPtr<Application>> ApplicationServices::noted(
     const Outcome<SharedPtr<Application>>& connected) {
     if (connected && m_state.facts.testResult) {
-        const Wire::Hello& hello = (*connected)->connection().hello();
+        const ApplicationFacts facts = (*connected)->access().facts();
         m_state.facts.testResult->addEnvironment(
             QStringLiteral("Application '%1'").arg((*connected)->name),
-            QStringLiteral("%1, Qt %2, %3").arg(hello.program, hello.qtVersion, hello.platform));
+            QStringLiteral("%1, %2, %3").arg(facts.program, facts.toolkit, facts.platform));
     }
     return connected;
 }
@@ -180,7 +180,7 @@ QString ApplicationServices::environmentVariable(SharedPtr<ApplicationContext> c
     const SharedPtr<Application> application = m_state.applications.checked(context);
     if (!application)
         return {};
-    return Inspector::self()->take(application->model().environmentVariable(name));
+    return Inspector::self()->take(application->access().environmentVariable(name));
 }
 
 QString ApplicationServices::currentDirectory(SharedPtr<ApplicationContext> context) {
@@ -207,7 +207,7 @@ bool ApplicationServices::isFrozen(SharedPtr<ApplicationContext> context, int ti
         return false;
     const auto milliseconds = static_cast<int>(
         std::clamp<qint64>(timeoutSeconds * 1000LL, 0, std::numeric_limits<int>::max()));
-    const Outcome<> answer = application->connection().ping(milliseconds);
+    const Outcome<> answer = application->access().ping(milliseconds);
     return !answer && answer.error().kind == FailureKind::TimedOut;
 }
 
@@ -235,12 +235,12 @@ QString ApplicationServices::readStderr(SharedPtr<ApplicationContext> context, b
 
 QString ApplicationServices::osName(SharedPtr<ApplicationContext> context) {
     const SharedPtr<Application> application = m_state.applications.checked(context);
-    return application ? application->connection().hello().osName : QString();
+    return application ? application->access().facts().osName : QString();
 }
 
 bool ApplicationServices::isTypeKnownInContext(const QString& typeName, int contextId) {
     const SharedPtr<Application> application = m_state.applications.find(contextId);
-    return application && Inspector::self()->take(application->model().classByName(typeName));
+    return application && Inspector::self()->take(application->access().classByName(typeName));
 }
 
 }  // namespace Tamrix

@@ -68,7 +68,7 @@ void BackgroundWork::runHandlers() {
         return;
     const QScopedValueRollback<bool> running(m_isRunningHandlers, true);
     for (const SharedPtr<Application>& application : m_applications.live()) {
-        for (const auto& [callback, object] : application->model().takeEvents())
+        for (const auto& [callback, object] : application->access().takeEvents())
             runHandler(callback);
     }
 }

@@ -8,8 +8,9 @@
 
 namespace Tamrix {
 
-/// What goes on beside a script: takes what has come from applications, runs the handlers of their
-/// events, and reports those that ended. Script thread only; needs a QCoreApplication for waits.
+/// The work beside a script: processes pending messages of applications, dispatches their events to
+/// handlers, and reports applications that have ended. Script thread only; needs a QCoreApplication
+/// for waits.
 ///
 /// Handlers run at the end of the script's calls, in waits and in processEvents(), never while a
 /// request is under way.

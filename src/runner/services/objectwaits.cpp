@@ -18,8 +18,8 @@ constexpr int minimalLookTimeout = 1000;
 
 /// Hands what a wait gave to the script: the object, for which reports have a name now, or null
 /// with the failure kept.
-SharedPtr<Object> handedOver(const Outcome<SharedPtr<Object>>& found, const QString& name) {
-    SharedPtr<Object> object = Inspector::self()->take(found);
+SharedPtr<Object> handedOver(const Outcome<TargetAnswer>& found, const QString& name) {
+    SharedPtr<Object> object = Inspector::self()->take(found).object;
     if (object)
         object->setFoundAs(name);
     return object;
@@ -30,7 +30,7 @@ class LastSight {
 public:
     /// Takes what a look saw, and adds for how long that stands or, when the object is not there
     /// any more, what it was before.
-    void complete(LookUpAnswer* answer) {
+    void complete(TargetAnswer* answer) {
         if (answer->object && !answer->isReady) {
             if (answer->obstacle != m_text || !m_since.isValid())
                 m_since.start();
@@ -52,9 +52,14 @@ private:
 
 }  // namespace
 
-Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Application>& application,
-                                                       const QString& what, Wire::Wanted wanted,
-                                                       int timeout, const Look& look) {
+Failure ObjectWaits::interrupted(const QString& what) const {
+    return {FailureKind::Failed,
+            QStringLiteral("the run was interrupted while %1 was waited for").arg(what)};
+}
+
+Outcome<TargetAnswer> ObjectWaits::waitUntilFound(const SharedPtr<Application>& application,
+                                                  const QString& what, Wire::Wanted wanted,
+                                                  int timeout, const Look& look) {
     if (!application)
         return Inspector::noApplication();
     const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
@@ -64,10 +69,10 @@ Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Applicati
     while (true) {
         // 1. A look.
         const auto left = static_cast<int>(deadline.remainingTime());
-        const Outcome<LookUpAnswer> answer =
-            look(application->model(), isLastLook, std::max(left, minimalLookTimeout));
-        if (answer && answer->object && (answer->isReady || wanted == Wire::Wanted::Existence))
-            return answer->object;
+        const Outcome<TargetAnswer> answer =
+            look(application->access(), isLastLook, std::max(left, minimalLookTimeout));
+        if (answer && (answer->isReady || (answer->object && wanted == Wire::Wanted::Existence)))
+            return answer;
         // 2. What no further look can change.
         const QString end = application->endText();
         if (!end.isEmpty())
@@ -78,8 +83,10 @@ Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Applicati
                                        "does not answer")
                             .arg(what, waited, application->name));
         }
+        if (!answer && m_state.applications.isInterrupted())
+            return fail(interrupted(what));
         if (!answer)
-            return fail(answer.error());
+            return answer;
         // 3. The end of the wait. The last look finds out what matched nearly.
         if (answer->object && (isLastLook || deadline.hasExpired())) {
             return fail(FailureKind::NotReady,
@@ -95,11 +102,8 @@ Outcome<SharedPtr<Object>> ObjectWaits::waitUntilFound(const SharedPtr<Applicati
             continue;
         // 4. What has come meanwhile, and a pause.
         m_state.background.work();
-        if (m_state.applications.isInterrupted()) {
-            return fail(
-                FailureKind::Failed,
-                QStringLiteral("the run was interrupted while %1 was waited for").arg(what));
-        }
+        if (m_state.applications.isInterrupted())
+            return fail(interrupted(what));
         m_state.applications.waitForNews(
             static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 0, lookInterval)));
     }
@@ -109,13 +113,43 @@ SharedPtr<Object> ObjectWaits::waitForName(const QString& name, Wire::Wanted wan
     const ObjectName objectName = ObjectMap::self()->objectName(name);
     if (!objectName.isValid())
         return {};
-    const auto look = [&](RemoteModel& model, bool isLastLook, int lookTimeout) {
-        return model.lookUp(objectName, wanted, isLastLook, lookTimeout);
+    const auto look = [&](Access& access, bool isLastLook, int lookTimeout) {
+        Target target = Target::ofName(objectName, wanted);
+        target.wantNearMisses = isLastLook;
+        return access.lookUp(target, lookTimeout);
     };
     return handedOver(
         waitUntilFound(m_state.applications.current(), QStringLiteral("Object '%1'").arg(name),
                        wanted, timeout, look),
         name);
+}
+
+Outcome<Outcome<SharedPtr<Object>>> ObjectWaits::callWithName(const QString& realName,
+                                                              const QString& function,
+                                                              const ObjectList& arguments,
+                                                              int timeout) {
+    const Outcome<ObjectName> name = ObjectMap::self()->resolve(realName);
+    if (!name)
+        return fail(name.error());
+    const int wait = timeout < 0 ? TestSettingsType::s_waitForObjectTimeout : timeout;
+    const QDeadlineTimer deadline(wait);
+    const auto act = [&](Access& access, bool isLastLook, int) {
+        // Handlers of events have their turn between two requests.
+        constexpr qint64 mostAtOnce = 250;
+        const auto left = static_cast<int>(std::max<qint64>(deadline.remainingTime(), 0));
+        Target target = Target::ofName(*name, Wire::Wanted::Reach);
+        target.wantNearMisses = isLastLook;
+        target.timeout = static_cast<int>(std::min<qint64>(left, mostAtOnce));
+        return access.act(function, target, arguments, left);
+    };
+    const Outcome<TargetAnswer> done =
+        waitUntilFound(m_state.applications.current(), QStringLiteral("Object '%1'").arg(realName),
+                       Wire::Wanted::Reach, wait, act);
+    if (!done)
+        return fail(done.error());
+    if (done->object)
+        done->object->setFoundAs(realName);
+    return done->result;
 }
 
 SharedPtr<Object> ObjectWaits::waitForObjectByName(const QString& realName, bool ready,
@@ -128,8 +162,8 @@ SharedPtr<Object> ObjectWaits::waitForObjectExists(const QString& realName, bool
 }
 
 SharedPtr<Object> ObjectWaits::waitForObject(SharedPtr<Object> object, bool, int timeout) {
-    const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
-        return model.lookUp(object, Wire::Wanted::Readiness, lookTimeout);
+    const auto look = [&](Access& access, bool, int lookTimeout) {
+        return access.lookUp(Target::ofObject(object, Wire::Wanted::Readiness), lookTimeout);
     };
     return handedOver(
         waitUntilFound(m_state.applications.owner(object), QStringLiteral("The object"),
@@ -142,8 +176,10 @@ SharedPtr<Object> ObjectWaits::waitForObjectItem(SharedPtr<Object> object, const
     const QString what = item.isNull() ? QStringLiteral("The item in row %1, column %2")
                                              .arg(QString::number(row), QString::number(column))
                                        : QStringLiteral("Item '%1'").arg(item);
-    const auto look = [&](RemoteModel& model, bool, int lookTimeout) {
-        return model.findItem(object, item, row, column, true, lookTimeout);
+    const auto look = [&](Access& access, bool, int lookTimeout) {
+        Target target = Target::ofObject(object, Wire::Wanted::Readiness);
+        target.item = Wire::ItemAddress{item, row, column};
+        return access.lookUp(target, lookTimeout);
     };
     return handedOver(waitUntilFound(m_state.applications.owner(object), what,
                                      Wire::Wanted::Readiness, timeout, look),
@@ -156,18 +192,20 @@ SharedPtr<Object> ObjectWaits::waitForProperties(SharedPtr<Object> object, const
     if (!object && !name.isValid())
         return {};
     LastSight sight;
-    const auto look = [&](RemoteModel& model, bool isLastLook, int lookTimeout) {
-        Outcome<LookUpAnswer> answer =
-            model.expect(object, name, properties, isLastLook, lookTimeout);
+    const auto look = [&](Access& access, bool isLastLook, int lookTimeout) {
+        Target target{object, name};
+        target.wantNearMisses = isLastLook;
+        Outcome<TargetAnswer> answer = access.expect(target, properties, lookTimeout);
         if (answer)
             sight.complete(&*answer);
         return answer;
     };
-    return Inspector::self()->take(
+    const Outcome<TargetAnswer> found =
         waitUntilFound(object ? m_state.applications.owner(object) : m_state.applications.current(),
                        object ? QStringLiteral("The %1").arg(object->className())
                               : QStringLiteral("Object '%1'").arg(realName),
-                       Wire::Wanted::Readiness, timeout, look));
+                       Wire::Wanted::Readiness, timeout, look);
+    return Inspector::self()->take(found).object;
 }
 
 }  // namespace Tamrix

@@ -92,7 +92,7 @@ void FailureMoment::keep(Application& application, const Screenshot& desktop, co
 void FailureMoment::keepWindows(Application& application, const Screenshot& desktop,
                                 const QString& folder, TestResult* result) {
     const Outcome<QVariant> answer =
-        application.model().nativeRequest(QStringLiteral("screenLayout"), {});
+        application.access().nativeRequest(QStringLiteral("screenLayout"), {});
     if (!answer) {
         qWarning("No picture of the windows is stored: %s", qUtf8Printable(answer.error().text));
         return;
@@ -120,7 +120,7 @@ void FailureMoment::keepWindows(Application& application, const Screenshot& desk
 
 void FailureMoment::keepObjects(Application& application, const QString& folder,
                                 TestResult* result) {
-    const Outcome<Wire::ObjectListing> listing = application.model().listing();
+    const Outcome<Wire::ObjectListing> listing = application.access().listing();
     if (!listing) {
         qWarning("The objects of the application are not stored: %s",
                  qUtf8Printable(listing.error().text));

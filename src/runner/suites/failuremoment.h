@@ -10,9 +10,9 @@ namespace Tamrix {
 
 class TestResult;
 
-/// Keeps what shows the moment of a failure beside the picture of the whole display: the objects of
-/// the application, and the part of the display with its windows, in which the place is marked
-/// where the mouse was pressed last. Script thread only.
+/// Records the moment of a failure beside the picture of the whole display: the objects of the
+/// application, and the part of the display with its windows, in which the place is marked where
+/// the mouse was pressed last. Script thread only.
 class FailureMoment {
 public:
     /// Stores files in the folder, which is there, and attaches them to the result that comes next.

@@ -6,12 +6,12 @@
 #include <QDir>
 #include <QFile>
 #include <QSysInfo>
-#include <QTextCodec>
 #include <algorithm>
 #include <utility>
 
 #include "base/environment.h"
 #include "base/filewriting.h"
+#include "base/utf8file.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
@@ -42,10 +42,10 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
 /// The desktop as the current application sees it; a null one when it does not answer.
 Screenshot grabCurrentApplication(RunnerInterface* runner) {
     const SharedPtr<Application> application = liveApplication(runner);
-    if (!application || !application->connection().ping(pingTimeout))
+    if (!application || !application->access().ping(pingTimeout))
         return {};
     const Outcome<QVariant> picture =
-        application->model().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+        application->access().nativeRequest(QStringLiteral("desktopScreenshot"), {});
     return picture ? Screenshot::fromVariant(*picture) : Screenshot();
 }
 
@@ -258,22 +258,13 @@ void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& 
 }
 
 bool SuiteRun::readScript(const QString& path, QString* text) {
-    QFile file(path);
-    QString problem;
-    if (file.open(QIODevice::ReadOnly)) {
-        const QByteArray bytes = file.readAll();
-        QTextCodec::ConverterState state;
-        *text =
-            QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-        if (file.error() != QFileDevice::NoError)
-            problem = file.errorString();
-        else if (state.invalidChars > 0 || state.remainingChars > 0)
-            problem = QStringLiteral("the file is not encoded in UTF-8");
-    } else {
-        problem = file.errorString();
-    }
-    if (problem.isEmpty())
+    const Outcome<Utf8Text> content = readUtf8File(path);
+    if (content && content->faultyLine == 0) {
+        *text = content->text;
         return true;
+    }
+    const QString problem =
+        content ? QStringLiteral("the file is not encoded in UTF-8") : content.error().text;
     m_result.addResult(TestResult::Fatal, QStringLiteral("Can't read test script"), problem,
                        LineInfo(path, 0));
     return false;

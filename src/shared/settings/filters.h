@@ -39,7 +39,7 @@ TAMRIX_EXPORT bool filterListMatch(const FilterList& list, const QString& name, 
 
 /// Appends the filters of a file, one a line: the rule, "true" or "false" for each kind, and
 /// optionally "true" for a rule that is a regular expression, all separated by tabs. Other lines
-/// are passed over. False when the file can't be opened.
+/// are ignored. False when the file can't be opened.
 TAMRIX_EXPORT bool loadFiltersFromFile(FilterList& list, const QString& path);
 
 // Filters of the user, from a file in the folder of settings, else built-in ones. A file that is

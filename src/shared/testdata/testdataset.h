@@ -16,7 +16,7 @@ class TestDataSet;
 struct TextLine;
 
 /// One row of a TestDataSet, owned by it. Columns are counted from 0. A row that was read from text
-/// is taken apart when its values are wanted; like the set it is for one thread at a time.
+/// is parsed when its values are first wanted; like the set it is for one thread at a time.
 class TAMRIX_EXPORT TestDataRecord {
 public:
     /// A row without values. `index` is -1 for the header, else the row's number from 0; nothing

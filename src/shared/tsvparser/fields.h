@@ -6,10 +6,11 @@
 
 namespace Tamrix {
 
-/// Takes a logical line apart. Calls store(begin, end) with the text of each field, in order, which
-/// stays only until the next field. Quotes are taken away; what stands before and behind a quoted
-/// part is of the same field. A line of quotes that hold nothing has no field at all: a field is
-/// there once something was put into it, or when a separator stands before or behind it.
+/// Splits a logical line into its fields. Calls store(begin, end) with the text of each field, in
+/// order, which stays only until the next field. Quotes are taken away; what stands before and
+/// behind a quoted part is of the same field. A line of quotes that hold nothing has no field at
+/// all: a field is there once something was put into it, or when a separator stands before or
+/// behind it.
 template <typename Unit, typename Store>
 void splitFields(const Unit* at, const Unit* end, Unit separator, Store store) {
     const Unit quote = '"';

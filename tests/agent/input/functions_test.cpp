@@ -7,8 +7,7 @@
 namespace Tamrix {
 namespace {
 
-INSTANTIATE_TEST_SUITE_P(Platforms, InputTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(InputTest);
 
 TEST_P(InputTest, MouseFunctionsGiveTheEventsOfAPerson) {
     struct {

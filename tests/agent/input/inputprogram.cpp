@@ -22,7 +22,7 @@ Wire::ObjectInfo InputProgram::object(const QString& name) {
 Wire::ObjectInfo InputProgram::item(const QString& view, const QString& text) {
     Wire::FindItem request;
     request.handle = object(view).handle;
-    request.text = text;
+    request.item.text = text;
     return m_client.request<Wire::LookUpResult>(Wire::MessageType::FindItem, request).object;
 }
 

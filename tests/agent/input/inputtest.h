@@ -4,14 +4,38 @@
 
 #include "agent/input/inputprogram.h"
 #include "agent/input/testdisplay.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 
-/// Every test runs on both platforms, each with a program of its own.
-class InputTest : public testing::TestWithParam<const char*> {
+struct InputSetting {
+    const char* platform;
+    int qtVersion;
+};
+
+/// Both platforms with each version of Qt.
+inline std::vector<InputSetting> inputSettings() {
+    std::vector<InputSetting> settings;
+    for (const int version : qtVersions()) {
+        for (const char* platform : {"offscreen", "xcb"})
+            settings.push_back({platform, version});
+    }
+    return settings;
+}
+
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): it uses one itself.
+#define TAMRIX_FOR_EACH_PLATFORM(Test)                                            \
+    INSTANTIATE_TEST_SUITE_P(, Test, testing::ValuesIn(Tamrix::inputSettings()),  \
+                             [](const auto& row) {                                \
+                                 return row.param.platform +                      \
+                                        Tamrix::qtName(row.param.qtVersion);      \
+                             })
+
+/// Every test runs in all settings, each time with a program of its own.
+class InputTest : public testing::TestWithParam<InputSetting> {
 protected:
     void SetUp() override {
-        const QString platform = GetParam();
+        const QString platform = GetParam().platform;
         if (platform == "xcb")
             m_display = std::make_unique<TestDisplay>();
         m_program = std::make_unique<InputProgram>(
@@ -24,7 +48,8 @@ protected:
         m_display.reset();
     }
 
-    virtual QString target() const { return "input_target"; }
+    virtual QString target() const { return forQt("input_target", qtVersion()); }
+    static int qtVersion() { return GetParam().qtVersion; }
     virtual QStringList arguments() const { return {}; }
     InputProgram& program() { return *m_program; }
 

@@ -20,7 +20,7 @@ protected:
     QString mouse(const QString& name, int mask, QPoint point, bool isChange, bool isPress,
                   int button = 1) {
         Wire::MouseEvent event;
-        event.handle = name.isEmpty() ? 0 : program().object(name).handle;
+        event.target.handle = name.isEmpty() ? 0 : program().object(name).handle;
         event.mask = mask;
         event.x = point.x();
         event.y = point.y();
@@ -52,8 +52,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Platforms, LowLevelTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(LowLevelTest);
 
 TEST_P(LowLevelTest, SingleMouseEventsArriveInTheirPlaces) {
     const QPoint pad = bounds("pad").topLeft();
@@ -78,7 +77,7 @@ TEST_P(LowLevelTest, ThingsAreDraggedAndDropped) {
                              {from.width() / 2, from.height() / 2, way.x(), way.y()}),
               "");
     // The offscreen platform ends every drag at once.
-    const bool hasDrags = QString(GetParam()) == "xcb";
+    const bool hasDrags = QString(GetParam().platform) == "xcb";
     EXPECT_EQ(program().takeLog(), hasDrags ? "drop Drag me|dragged" : "not dragged");
     EXPECT_EQ(program().call("click", "Plain"), "");
     EXPECT_EQ(program().takeLog(), "clicked");
@@ -198,10 +197,10 @@ TEST_P(LowLevelTest, TellsTheWindowsAndTheLastPress) {
 TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     const Wire::ObjectInfo plain = program().object("Plain");
     const int before = client().request<Wire::ObjectInfoList>(MessageType::TopLevelObjects).size();
-    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{plain.handle, -1}));
+    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{{plain.handle}, -1}));
     program().sync();
     const QRect place = bounds("Plain");
-    if (QString(GetParam()) == "xcb") {  // the offscreen platform shows no such windows
+    if (QString(GetParam().platform) == "xcb") {  // the offscreen platform shows no such windows
         const QImage screen = picture("desktopScreenshot").image();
         EXPECT_EQ(screen.pixelColor(place.topLeft() - QPoint(1, -5)), QColor(Qt::red));
     }
@@ -210,7 +209,7 @@ TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     EXPECT_EQ(program().call("click", "Plain", {1, 1}), "");
     EXPECT_EQ(program().takeLog(), "clicked|clicked");
     client().exchange(MessageType::StopHighlight);
-    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{plain.handle, 100}));
+    EXPECT_TRUE(client().tell(MessageType::Highlight, Wire::Highlight{{plain.handle}, 100}));
     // Neither a frame that is there nor one that has been keeps the program from its end.
     EXPECT_EQ(program().call("closeWindow", "Plain"), "");
     EXPECT_EQ(client().waitForEnd(), 0);

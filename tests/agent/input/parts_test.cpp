@@ -18,7 +18,7 @@ using Wire::MessageType;
 
 class PartsTest : public InputTest {
 protected:
-    QString target() const override { return "parts_target"; }
+    QString target() const override { return forQt("parts_target", qtVersion()); }
     AgentClient& client() { return program().client(); }
     QString nameOf(const Wire::ObjectInfo& object) {
         return client()
@@ -33,8 +33,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Platforms, PartsTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(PartsTest);
 
 TEST_P(PartsTest, WhatIsHiddenSaysBehindWhat) {
     const struct {

@@ -8,11 +8,10 @@ namespace {
 
 class QuickInputTest : public InputTest {
 protected:
-    QString target() const override { return "inputquick_target"; }
+    QString target() const override { return forQt("inputquick_target", qtVersion()); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Platforms, QuickInputTest, testing::Values("offscreen", "xcb"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(QuickInputTest);
 
 TEST_P(QuickInputTest, ItemsTakeInputLikeWidgets) {
     struct {

@@ -1,4 +1,4 @@
-// Scenes of Qt Quick, each a file that qmlscene shows.
+// Scenes of Qt Quick, each a file that a program of Qt shows.
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ class SceneTest : public InputTest {
 protected:
     explicit SceneTest(const char* scene) : m_scene(scene) {}
 
-    QString target() const override { return "/usr/lib/qt5/bin/qmlscene"; }
+    QString target() const override { return sceneViewer(qtVersion()); }
     QStringList arguments() const override {
         return {QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/tests/agent/input/scenes/") + m_scene};
     }
@@ -54,11 +54,9 @@ struct ListsTest : SceneTest {
     ListsTest() : SceneTest("lists.qml") {}
 };
 
-const auto platforms = testing::Values("offscreen", "xcb");
-const auto platformName = [](const auto& row) { return std::string(row.param); };
-INSTANTIATE_TEST_SUITE_P(Platforms, CoversTest, platforms, platformName);
-INSTANTIATE_TEST_SUITE_P(Platforms, PopupsTest, platforms, platformName);
-INSTANTIATE_TEST_SUITE_P(Platforms, ListsTest, platforms, platformName);
+TAMRIX_FOR_EACH_PLATFORM(CoversTest);
+TAMRIX_FOR_EACH_PLATFORM(PopupsTest);
+TAMRIX_FOR_EACH_PLATFORM(ListsTest);
 
 TEST_P(CoversTest, AreWhatTakesAClickAndNothingElse) {
     const struct {
@@ -157,11 +155,11 @@ TEST_P(ListsTest, ItemsAreSelectedThatAreNotMadeYet) {
     EXPECT_EQ(program().client().read(item, "text"), "Row 100");
     Wire::FindItem byRow;
     byRow.handle = program().object("ofArray").handle;
-    byRow.row = 60;
+    byRow.item.row = 60;
     byRow.wantReady = true;
     const auto found = program().client().request<Wire::LookUpResult>(MessageType::FindItem, byRow);
     EXPECT_TRUE(found.isReady) << found.obstacle.toStdString();
-    byRow.row = 200;
+    byRow.item.row = 200;
     EXPECT_EQ(program().client().request<Wire::LookUpResult>(MessageType::FindItem, byRow).obstacle,
               "QQuickListView 'ofArray' has no item in row 200");
 }

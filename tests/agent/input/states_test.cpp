@@ -4,6 +4,7 @@
 
 #include "agent/input/inputprogram.h"
 #include "support/golden.h"
+#include "support/qtversions.h"
 
 namespace Tamrix {
 namespace {
@@ -43,6 +44,7 @@ const State states[] = {{"usable", 5000},  {"gone", 200},    {"vanishing", 1000}
 
 struct Toolkit {
     const char* name;
+    int qtVersion;
     QString program;
     QStringList arguments;
     /// The property of the main window that takes a state.
@@ -88,14 +90,22 @@ TEST_P(StatesTest, EachFunctionTellsWhatIsInItsWay) {
         QStringLiteral("agent/%1states.txt").arg(QLatin1String(GetParam().name)), points(table)));
 }
 
-INSTANTIATE_TEST_SUITE_P(, StatesTest,
-                         testing::Values(Toolkit{"widget", "states_target", {}, "state"},
-                                         Toolkit{"quick",
-                                                 "/usr/lib/qt5/bin/qmlscene",
-                                                 {TAMRIX_TEST_SOURCE_DIR
-                                                  "/tests/agent/input/scenes/states.qml"},
-                                                 "wanted"}),
-                         [](const auto& test) { return std::string(test.param.name); });
+std::vector<Toolkit> toolkits() {
+    std::vector<Toolkit> list;
+    for (const int version : qtVersions()) {
+        list.push_back({"widget", version, forQt("states_target", version), {}, "state"});
+        list.push_back({"quick",
+                        version,
+                        sceneViewer(version),
+                        {TAMRIX_TEST_SOURCE_DIR "/tests/agent/input/scenes/states.qml"},
+                        "wanted"});
+    }
+    return list;
+}
+
+INSTANTIATE_TEST_SUITE_P(, StatesTest, testing::ValuesIn(toolkits()), [](const auto& test) {
+    return test.param.name + qtName(test.param.qtVersion);
+});
 
 }  // namespace
 }  // namespace Tamrix

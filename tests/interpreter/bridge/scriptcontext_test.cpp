@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 
-#include "platform/objectmodel/inmemorymodel.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 #include "support/warningrecorder.h"
 

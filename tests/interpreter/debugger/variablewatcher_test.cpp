@@ -5,11 +5,11 @@
 #include <QTimer>
 
 #include "interpreter/debugger/testdebugger.h"
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "runner/coreapplication.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 #include "support/warningrecorder.h"
 

@@ -4,10 +4,10 @@
 
 #include <vector>
 
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 
 namespace Tamrix::Test {

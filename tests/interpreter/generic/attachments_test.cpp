@@ -3,6 +3,7 @@
 
 #include <QTemporaryDir>
 
+#include "interpreter/generic/imageobjects.h"
 #include "interpreter/generic/testfunctions.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"
@@ -95,6 +96,46 @@ TEST_F(Attachments, FailedCopyLeavesNothing) {
                             "Reading from '/proc/self/mem' failed: "));
     EXPECT_FALSE(QFile::exists(folder.filePath("suite/attachments/mem")));
     EXPECT_TRUE(report.entries.empty());
+}
+
+TEST_F(Attachments, PicturesAreWrittenBesideTheTestCase) {
+    interpreter.initNativeAPI();
+    const SharedPtr<ScriptArgument> picture(new FakeArgument(SharedPtr<NativeScriptObject>(
+        new ScreenshotScriptObject(QImage(3, 2, QImage::Format_RGB32), QPoint(), 1))));
+    const char* const noText =
+        "Informational message for the screenshot must be provided as string.";
+    const struct {
+        ScriptContext::Function function;
+        ScriptArgument::List arguments;
+        const char* error;
+    } rows[] = {
+        {testAttachImage, {}, "Expected at least one argument"},
+        {testAttachImage, {picture, picture, picture}, "Expected at most two arguments"},
+        {testAttachImage, {text("x")}, "The attachment argument must be an image"},
+        {testAttachImage, {picture, integer(1)}, noText},
+        {testAttachImage, {picture}, ""},
+        {testAttachImage, {picture, text("again")}, ""},
+        {testAttachDesktopScreenshot, {}, "Expected at least one argument"},
+        {testAttachDesktopScreenshot, {picture}, noText},
+        {testAttachDesktopScreenshot,
+         {text("")},
+         "Informational message for the screenshot must not be empty."},
+        {testAttachDesktopScreenshot,
+         {text("desk")},
+         "Screenshot taken from the desktop is invalid"},
+    };
+    for (const auto& row : rows) {
+        context.call(row.function, row.arguments);
+        EXPECT_EQ(context.errorMessage(), row.error);
+    }
+    const auto files = report.all<FileAttached>();
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].path, folder.filePath("suite/attachments/image.png"));
+    EXPECT_EQ(files[0].message, "Attached image");
+    EXPECT_EQ(files[0].type, TestResult::ImageAttachment);
+    EXPECT_EQ(files[1].path, folder.filePath("suite/attachments/image_1.png"));
+    EXPECT_EQ(files[1].message, "again");
+    EXPECT_EQ(QImage(files[1].path).size(), QSize(3, 2));
 }
 
 TEST_F(Attachments, NeedARunner) {

@@ -154,11 +154,51 @@ TEST_F(ObjectFunctions, FindWithoutWaiting) {
     EXPECT_EQ(resultObject(), button);
     EXPECT_EQ(call(findObject, {missingName}), "No object matches {name='none' type='Button'}");
     EXPECT_EQ(context.errorType(), ScriptContext::GeneralError);
-    EXPECT_EQ(runner.calls, QStringList("not found {name='none' type='Button'} in findObject"));
 
     EXPECT_EQ(call(objectExists, {buttonName}), "true");
     EXPECT_EQ(call(objectExists, {missingName}), "false");
     EXPECT_EQ(Inspector::self()->lastError(), "");
+}
+
+TEST_F(ObjectFunctions, NamesThatFindNothingCanBeLookedForAgain) {
+    const QString none = "{name='none' type='Button'}";
+    const struct {
+        ScriptContext::Function function;
+        ScriptArgument::List arguments;
+        QString name;
+    } rows[] = {
+        {waitForObject, {missingName}, "waitForObject"},
+        {waitForObjectExists, {missingName}, "waitForObjectExists"},
+        {waitForObjectItem, {missingName, text("a")}, "waitForObjectItem"},
+        {plain<highlightObject>, {missingName}, "highlightObject"},
+    };
+    for (const auto& row : rows) {
+        runner.misses.clear();
+        runner.found.reset();
+        runner.furtherLooks = 1;
+        runner.foundLater = button;
+        call(row.function, row.arguments);
+        EXPECT_FALSE(context.hasError()) << qPrintable(context.errorMessage());
+        EXPECT_EQ(runner.misses, QStringList(none + " in " + row.name + ": it is not there"));
+        // Without another look the error takes its course.
+        runner.found.reset();
+        EXPECT_EQ(call(row.function, row.arguments), "it is not there");
+    }
+    // These look at once. A name that stays wrong is asked about each time.
+    runner.misses.clear();
+    runner.furtherLooks = 1;
+    EXPECT_EQ(call(findObject, {missingName}), "No object matches " + none);
+    EXPECT_EQ(runner.misses, (QStringList{none + " in findObject: No object matches " + none,
+                                          none + " in findObject: No object matches " + none}));
+    // That nothing is there is an answer of these.
+    runner.misses.clear();
+    call(objectExists, {missingName});
+    call(findAllObjects, {missingName});
+    EXPECT_EQ(runner.misses, QStringList());
+    // No other name helps an application that has gone.
+    Inspector::self()->setModel(nullptr);
+    EXPECT_EQ(call(findObject, {missingName}), "No application is connected");
+    EXPECT_EQ(runner.misses, QStringList());
 }
 
 TEST_F(ObjectFunctions, FindAll) {

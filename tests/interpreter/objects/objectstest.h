@@ -4,12 +4,12 @@
 
 #include <QRect>
 
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/testresult/testresult.h"
 #include "support/fakeobjects.h"
 #include "support/fakerunner.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 #include "support/recordingreport.h"
 

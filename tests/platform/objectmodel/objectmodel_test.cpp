@@ -5,12 +5,12 @@
 #include <QRect>
 
 #include "platform/objectmodel/applicationcontext.h"
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/objectname.h"
 #include "platform/objectmodel/valueobject.h"
 #include "support/failuretext.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 
 namespace Tamrix {

@@ -131,28 +131,5 @@ TEST_F(PythonDebugging, StacksAreTheSameWithAndWithoutTracing) {
     EXPECT_TRUE(traced.value(2).startsWith("8 |")) << qPrintable(traced.value(2));
 }
 
-TEST_F(PythonDebugging, ShowsVariables) {
-    define("look", [](ScriptContext*) {
-        for (const char* path : {"", "table", "items.1", "none.x"}) {
-            QStringList words;
-            for (const auto& binding : Debugger::self()->variables(path))
-                words.append(binding.type + " " + binding.name + "=" + binding.value);
-            s_seen.append(words.join(", "));
-        }
-        return true;
-    });
-    EXPECT_EQ(run("class Thing:\n"
-                  "    def __init__(self): self.name = 'n'\n"
-                  "    def __repr__(self): raise ValueError()\n"
-                  "def main():\n"
-                  "    table = {'k': 1}\n"
-                  "    items = [0, Thing()]\n"
-                  "    look()\n"),
-              "");
-    EXPECT_EQ(stops(), "");
-    EXPECT_EQ(s_seen, (QStringList{"dict table={'k': 1}, list items=<no representation>", "int k=1",
-                                   "str name='n'", ""}));
-}
-
 }  // namespace
 }  // namespace Tamrix

@@ -1,8 +1,8 @@
 #include <QRect>
 
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "plugins/python/pythontest.h"
+#include "support/inmemorymodel.h"
 
 namespace Tamrix {
 namespace {

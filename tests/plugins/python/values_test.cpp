@@ -1,5 +1,5 @@
-#include "platform/objectmodel/inmemorymodel.h"
 #include "plugins/python/pythontest.h"
+#include "support/inmemorymodel.h"
 
 namespace Tamrix {
 namespace {

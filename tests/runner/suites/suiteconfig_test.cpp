@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "runner/applications/launcher.h"
 #include "runner/suites/suitefolder.h"
 #include "support/outcomes.h"
 #include "support/printqt.h"
@@ -97,9 +98,6 @@ TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
          "</workingDirectory>\n<workingDirectory>y</workingDirectory></application></applications>"
          "</suite>",
          "2: a second <workingDirectory>"},
-        {"<suite><applications>\n<application name=\"a\" path=\"b\" hook=\"fish\"/></applications>"
-         "</suite>",
-         "2: hook is 'plugin' or 'preload', not 'fish'"},
         {"<!DOCTYPE suite [\n<!ENTITY a \"aaaa\">]>\n<suite>&a;</suite>",
          "2: a document type declaration is not allowed"},
         {"<suite>\xff</suite>", "1: Encountered incorrectly encoded content."},
@@ -109,6 +107,18 @@ TEST(SuiteConfig, EveryFaultIsNamedWithItsLine) {
                   QLatin1String("s/config.xml:") + row.error)
             << row.text;
     }
+}
+
+TEST(SuiteConfig, AnUnknownHookIsToldWithAllThatThereAre) {
+    const QString error = errorOf(
+        parseSuiteConfig("<suite><applications>\n<application name=\"a\" path=\"b\" hook=\"fish\"/>"
+                         "</applications></suite>",
+                         "s/config.xml"));
+    EXPECT_TRUE(error.startsWith(QLatin1String("s/config.xml:2: hook is 'plugin' or 'preload'")))
+        << qPrintable(error);
+    EXPECT_TRUE(error.endsWith(QLatin1String(", not 'fish'"))) << qPrintable(error);
+    for (const Launcher* const launcher : Launcher::all())
+        EXPECT_TRUE(error.contains(QStringLiteral("'%1'").arg(launcher->name())));
 }
 
 TEST(SuiteConfig, FileMayBeAbsentButNotTooLargeOrUnreadable) {

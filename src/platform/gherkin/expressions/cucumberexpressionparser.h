@@ -6,7 +6,7 @@
 
 namespace Tamrix::Gherkin {
 
-/// A Cucumber Expression taken apart.
+/// The syntax tree of a Cucumber Expression.
 struct CucumberExpressionNode {
     enum class Type {
         /// Taken as it stands; without the backslashes of escapes.

@@ -9,7 +9,7 @@
 
 namespace Tamrix::Gherkin {
 
-/// A regular expression taken apart.
+/// The syntax tree of a regular expression.
 struct RegularExpressionNode {
     enum class Type {
         /// Matches without taking anything.

@@ -7,7 +7,7 @@
 
 namespace Tamrix::Gherkin {
 
-/// A regular expression as instructions for a matcher that goes back where it fails.
+/// A regular expression as instructions for a backtracking matcher.
 struct RegularExpressionProgram {
     enum class Operation {
         /// Takes a character: `character`; any; any but a line end; one of class `index`.

@@ -19,12 +19,18 @@ quint16 nextNumber() {
     return s_last;
 }
 
+bool isAnswer(MessageType type) {
+    return type == MessageType::Reply || type == MessageType::Failure ||
+           type == MessageType::Missed;
+}
+
 /// Whether the application acts only after its answer.
 bool injectsInput(MessageType type, const QByteArray& body) {
     switch (type) {
         case MessageType::MouseEvent:
         case MessageType::KeyEvent:
         case MessageType::SendEvent:
+        case MessageType::Act:
         case MessageType::Quit:
             return true;
         case MessageType::Invoke: {
@@ -73,8 +79,8 @@ bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered
             takeHello(*frame);
         } else if (frame->type == MessageType::EventFired) {
             takeEvent(*frame);
-        } else if ((frame->type != MessageType::Reply && frame->type != MessageType::Failure) ||
-                   frame->sequence == 0 || frame->sequence > m_lastSequence) {
+        } else if (!isAnswer(frame->type) || frame->sequence == 0 ||
+                   frame->sequence > m_lastSequence) {
             close(QStringLiteral("the application sent a message of type %1 that nobody asked for")
                       .arg(static_cast<int>(frame->type)));
         } else if (frame->sequence == wanted) {
@@ -264,6 +270,19 @@ Outcome<> AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& de
 
 Outcome<QByteArray> AgentConnection::request(MessageType type, const QByteArray& body, int timeout,
                                              Patience patience) {
+    const Outcome<Frame> answer = answerTo(type, body, timeout, patience);
+    if (!answer)
+        return fail(answer.error());
+    Failure failure;
+    if (answer->type == MessageType::Failure && Wire::decode(answer->body, &failure))
+        return fail(failure);
+    if (answer->type != MessageType::Reply)
+        return fail(unreadableAnswer(type));
+    return answer->body;
+}
+
+Outcome<Frame> AgentConnection::answerTo(MessageType type, const QByteArray& body, int timeout,
+                                         Patience patience) {
     if (m_isRequesting) {
         return fail(FailureKind::Failed,
                     QStringLiteral("Another request to the application is under way"));
@@ -288,16 +307,10 @@ Outcome<QByteArray> AgentConnection::request(MessageType type, const QByteArray&
     if (!sync)
         return fail(sync.error());
     const Outcome<Frame> answer = exchange(type, body, deadline, timeout);
-    if (answer && answer->type == MessageType::Failure) {
-        Failure failure;
-        return fail(Wire::decode(answer->body, &failure) ? failure : unreadableAnswer(type));
-    }
-    // Also a request that was given up may still act.
-    if (injectsInput(type, body))
+    // Also a request that was given up may still act, but none that failed.
+    if ((!answer || answer->type == MessageType::Reply) && injectsInput(type, body))
         m_isSyncDue = true;
-    if (!answer)
-        return fail(answer.error());
-    return answer->body;
+    return answer;
 }
 
 Outcome<> AgentConnection::ping(int timeout) {

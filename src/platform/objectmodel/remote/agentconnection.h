@@ -17,9 +17,9 @@ namespace Tamrix {
 /// The runner's end of the connection to the agent in one application. Script thread only; no
 /// thread and no event loop of its own.
 ///
-/// A new connection has no peer to trust: it takes nothing but a hello of limited size until the
-/// peer has shown the token. Once open it takes requests, one at a time, and keeps the events that
-/// come meanwhile.
+/// The peer of a new connection is not trusted: nothing but a hello of limited size is accepted
+/// until the token has authenticated it. An open connection takes requests, one at a time, and
+/// queues the events that come meanwhile.
 ///
 /// A request that injects input (calls of global functions, mouse and key events, sent events,
 /// Quit) is answered before the input takes effect. The next request is therefore preceded by a
@@ -30,7 +30,7 @@ class TAMRIX_EXPORT AgentConnection {
 public:
     enum class State { Greeting, Open, Closed };
 
-    /// Called during waits, at least every idleInterval ms; false gives the wait up. It may pump()
+    /// Called during waits, at least every idleInterval ms; false cancels the wait. It may pump()
     /// other connections, but makes no request on this one.
     using IdleHook = std::function<bool()>;
 
@@ -46,7 +46,7 @@ public:
     /// More events than that without takeEvents() end the connection.
     static constexpr int maximalEventCount = 100'000;
 
-    /// Owns `descriptor`, an accepted socket. `token` is what the peer has to show.
+    /// Owns `descriptor`, an accepted socket. `token` authenticates the peer.
     AgentConnection(int descriptor, const QString& token);
     ~AgentConnection();
     AgentConnection(const AgentConnection&) = delete;
@@ -60,7 +60,7 @@ public:
     int descriptor() const { return m_channel.descriptor(); }
     /// Why the connection is closed.
     QString errorText() const { return m_channel.errorText(); }
-    /// Whether it is closed since what the peer said is not the hello of an agent of this run.
+    /// Whether it is closed because the handshake failed: the peer is no agent of this run.
     bool isRefused() const { return m_isRefused; }
     /// What the peer told of itself; meaningful once open.
     const Wire::Hello& hello() const { return m_hello; }
@@ -69,7 +69,7 @@ public:
     /// within `timeout` ms, or the idle hook gives up. A peer of another version or with a wrong
     /// token is told so.
     bool waitForHello(int timeout);
-    /// Works off what has come, without waiting, in each state: hello, events, late answers.
+    /// Processes pending frames without waiting, in each state: hello, events, late answers.
     /// Returns the state after that.
     State pump();
     /// Closes for good. Requests fail from now on with this reason.
@@ -95,6 +95,9 @@ public:
     /// kind is Failed.
     Outcome<QByteArray> request(Wire::MessageType type, const QByteArray& body, int timeout,
                                 Patience patience = Patience::UntilTimeout);
+    /// The same with the answer as it is, a Reply, a Failure or Missed. Fails only without one.
+    Outcome<Wire::Frame> answerTo(Wire::MessageType type, const QByteArray& body, int timeout,
+                                  Patience patience = Patience::UntilTimeout);
     /// The same with the answer's body read.
     template <typename Reply>
     Outcome<Reply> ask(Wire::MessageType type, const QByteArray& body, int timeout,

@@ -2,8 +2,10 @@
 
 #include <limits>
 
+#include "platform/objectmodel/nearmisstext.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/classregistry.h"
+#include "platform/objectmodel/remote/namequery.h"
 #include "platform/objectmodel/remote/remoteobject.h"
 #include "platform/objectmodel/valueobject.h"
 
@@ -119,6 +121,27 @@ Outcome<quint64> RemoteLink::handleOf(const SharedPtr<Object>& object) const {
     return remote->wireHandle();
 }
 
+Outcome<Wire::Target> RemoteLink::wireTarget(const Target& target) const {
+    Wire::Target wireTarget;
+    if (target.object) {
+        const Outcome<quint64> handle = handleOf(target.object);
+        if (!handle)
+            return fail(handle.error());
+        wireTarget.handle = *handle;
+    } else if (target.name.isValid()) {
+        const Outcome<Wire::Query> query = makeQuery(target.name);
+        if (!query)
+            return fail(query.error());
+        wireTarget.query = *query;
+    }
+    wireTarget.isItem = target.item.has_value();
+    wireTarget.item = target.item.value_or(Wire::ItemAddress());
+    wireTarget.wanted = target.wanted;
+    wireTarget.timeout = target.timeout;
+    wireTarget.wantNearMisses = target.wantNearMisses;
+    return wireTarget;
+}
+
 Outcome<QVariant> RemoteLink::wireValue(const QVariant& value) const {
     if (value.userType() == qMetaTypeId<SharedPtr<Object>>()) {
         const auto object = value.value<SharedPtr<Object>>();
@@ -164,6 +187,35 @@ Outcome<QVariantList> RemoteLink::wireValues(const ObjectList& arguments) const 
         values.append(*value);
     }
     return values;
+}
+
+Outcome<RemoteLink::Targeted> RemoteLink::requestWithTarget(MessageType type,
+                                                            const QByteArray& body,
+                                                            const Target& target, int timeout) {
+    const Outcome<Wire::Frame> answer =
+        m_connection->answerTo(type, body, target.timeout + timeout);
+    if (!answer)
+        return fail(answer.error());
+    Targeted targeted;
+    targeted.answer.isReady = answer->type != MessageType::Missed;
+    if (answer->type == MessageType::Reply)
+        targeted.body = answer->body;
+    Failure failure;
+    if (answer->type == MessageType::Failure)
+        targeted.body =
+            fail(Wire::decode(answer->body, &failure) ? failure
+                                                      : AgentConnection::unreadableAnswer(type));
+    if (targeted.answer.isReady)
+        return targeted;
+    Wire::Missed missed;
+    if (!Wire::decode(answer->body, &missed))
+        return fail(AgentConnection::unreadableAnswer(type));
+    targeted.answer.object = object(missed.object);
+    targeted.answer.obstacle = missed.obstacle;
+    if (!targeted.answer.object)
+        targeted.answer.missText =
+            missed.obstacle.isEmpty() ? missText(target.name, missed.nearMisses) : missed.obstacle;
+    return targeted;
 }
 
 Outcome<SharedPtr<Object>> RemoteLink::invoke(quint64 handle, const QString& method,

@@ -6,6 +6,7 @@
 #include <QVariant>
 #include <memory>
 
+#include "platform/objectmodel/access.h"
 #include "platform/objectmodel/object.h"
 #include "platform/objectmodel/remote/agentconnection.h"
 
@@ -14,7 +15,7 @@ namespace Tamrix {
 class Class;
 
 /// What a model and its objects share: the connection, what is known of the application's classes,
-/// and how values go over and come back. Kept alive by the objects; script thread only.
+/// and how values are converted in both directions. Kept alive by the objects; script thread only.
 class RemoteLink : public std::enable_shared_from_this<RemoteLink> {
 public:
     explicit RemoteLink(std::shared_ptr<AgentConnection> connection);
@@ -49,6 +50,15 @@ public:
     /// A value as an object: an object of the application, or a ValueObject.
     SharedPtr<Object> valueObject(const QVariant& wireValue);
 
+    /// The target as it travels; with an object of something else it fails.
+    Outcome<Wire::Target> wireTarget(const Target& target) const;
+    /// A request with a target: what became of it, and when it was not missed, the answer's body.
+    struct Targeted {
+        TargetAnswer answer;
+        Outcome<QByteArray> body;
+    };
+    Outcome<Targeted> requestWithTarget(Wire::MessageType type, const QByteArray& body,
+                                        const Target& target, int timeout);
     /// The object's handle on the wire. Fails for null and for an object of something else.
     Outcome<quint64> handleOf(const SharedPtr<Object>& object) const;
     /// A value as it travels. Fails when it holds an object that is not of this application.

@@ -1,8 +1,12 @@
 #include "platform/objectmodel/remote/remotemodel.h"
 
+#include <algorithm>
+
+#include "platform/objectmodel/nearmisstext.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/objectmodel/remote/namequery.h"
 #include "platform/objectmodel/remote/remotelink.h"
+#include "platform/objectmodel/remote/remoteobject.h"
 #include "platform/objectmodel/valueobject.h"
 
 namespace Tamrix {
@@ -37,14 +41,52 @@ int RemoteModel::requestTimeout() const {
     return m_link->requestTimeout();
 }
 
+// The connection
+
+ApplicationFacts RemoteModel::facts() const {
+    const Wire::Hello& hello = connection().hello();
+    return {hello.pid,      hello.program, hello.arguments, QStringLiteral("Qt ") + hello.qtVersion,
+            hello.platform, hello.osName};
+}
+
+bool RemoteModel::takeNews() {
+    return connection().pump() == AgentConnection::State::Open;
+}
+
+bool RemoteModel::owns(const SharedPtr<Object>& object) const {
+    const auto* const remote = dynamic_cast<const RemoteObject*>(object.get());
+    return remote && &remote->link().connection() == &connection();
+}
+
+void RemoteModel::setIdleHook(const std::function<bool()>& hook) {
+    connection().setIdleHook(hook);
+}
+
+void RemoteModel::setEndText(const std::function<QString()>& endText) {
+    connection().setEndText(endText);
+}
+
+void RemoteModel::setStallTest(const std::function<bool()>& isStalled) {
+    connection().setStallTest(isStalled);
+}
+
+void RemoteModel::setProcessDescriptor(int descriptor) {
+    connection().setProcessDescriptor(descriptor);
+}
+
 void RemoteModel::setReadyTimeout(int milliseconds) {
     m_link->setReadyTimeout(milliseconds);
 }
 
+void RemoteModel::hurry(int milliseconds) {
+    connection().setSyncTimeout(milliseconds);
+    setRequestTimeout(milliseconds);
+}
+
 // Look-ups
 
-Outcome<RemoteModel::Found> RemoteModel::lookUp(MessageType type, const QByteArray& body,
-                                                int timeout, AgentConnection::Patience patience) {
+Outcome<RemoteModel::Found> RemoteModel::ask(MessageType type, const QByteArray& body, int timeout,
+                                             AgentConnection::Patience patience) {
     const auto result = m_link->connection().ask<Wire::LookUpResult>(
         type, body, timeout < 0 ? requestTimeout() : timeout, patience);
     if (!result)
@@ -57,86 +99,81 @@ Outcome<RemoteModel::Found> RemoteModel::lookUp(MessageType type, const QByteArr
     return found;
 }
 
-Outcome<LookUpAnswer> RemoteModel::lookUp(const ObjectName& name, Wire::Wanted wanted,
-                                          bool wantNearMisses, int timeout,
-                                          AgentConnection::Patience patience) {
-    const Outcome<Wire::Query> query = makeQuery(name);
-    if (!query)
-        return fail(query.error());
-    const Wire::LookUp request{0, *query, wanted, wantNearMisses};
-    Outcome<Found> found = lookUp(MessageType::LookUp, encode(request), timeout, patience);
-    if (!found)
-        return fail(found.error());
-    if (!found->answer.object)
-        found->answer.missText = missText(name, found->misses);
-    return found->answer;
-}
-
-Outcome<LookUpAnswer> RemoteModel::lookUp(SharedPtr<Object> object, Wire::Wanted wanted,
-                                          int timeout) {
-    const Outcome<quint64> handle = m_link->handleOf(object);
-    if (!handle)
-        return fail(handle.error());
-    const Wire::LookUp request{*handle, {}, wanted, false};
-    Outcome<Found> found = lookUp(MessageType::LookUp, encode(request), timeout);
-    if (!found)
-        return fail(found.error());
-    if (!found->answer.object)
-        found->answer.missText = QStringLiteral("The object is gone");
-    return found->answer;
-}
-
-Outcome<LookUpAnswer> RemoteModel::expect(SharedPtr<Object> object, const ObjectName& name,
-                                          const ObjectName& properties, bool wantNearMisses,
-                                          int timeout) {
-    const Outcome<quint64> handle = object ? m_link->handleOf(object) : Outcome<quint64>(0);
-    const Outcome<Wire::Query> query = object ? Wire::Query() : makeQuery(name);
-    const Outcome<Wire::Query> wanted = makeQuery(properties);
-    if (!handle)
-        return fail(handle.error());
-    for (const auto* const each : {&query, &wanted}) {
-        if (!*each)
-            return fail(each->error());
+Outcome<RemoteModel::Found> RemoteModel::lookUp(const Target& target, int timeout,
+                                                AgentConnection::Patience patience) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    const Wire::LookUp request{wireTarget->handle, wireTarget->query, target.wanted,
+                               target.wantNearMisses};
+    Outcome<Found> found = ask(MessageType::LookUp, encode(request), timeout, patience);
+    if (found && !found->answer.object) {
+        found->answer.missText = target.object ? QStringLiteral("The object is gone")
+                                               : missText(target.name, found->misses);
     }
-    const Wire::Expect request{*handle, *query, *wanted, wantNearMisses};
-    Outcome<Found> found = lookUp(MessageType::Expect, encode(request), timeout);
+    return found;
+}
+
+Outcome<TargetAnswer> RemoteModel::lookUp(const Target& target, int answerTimeout) {
+    if (target.item)
+        return findItem(target, answerTimeout);
+    const Outcome<Found> found =
+        lookUp(target, answerTimeout, AgentConnection::Patience::UntilTimeout);
     if (!found)
         return fail(found.error());
-    LookUpAnswer& answer = found->answer;
+    return found->answer;
+}
+
+Outcome<TargetAnswer> RemoteModel::expect(const Target& target, const ObjectName& properties,
+                                          int answerTimeout) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    const Outcome<Wire::Query> wanted = makeQuery(properties);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    if (!wanted)
+        return fail(wanted.error());
+    const Wire::Expect request{wireTarget->handle, wireTarget->query, *wanted,
+                               target.wantNearMisses};
+    Outcome<Found> found = ask(MessageType::Expect, encode(request), answerTimeout,
+                               AgentConnection::Patience::UntilTimeout);
+    if (!found)
+        return fail(found.error());
+    TargetAnswer& answer = found->answer;
     answer.lack = QStringLiteral("not as expected");
     answer.isReady = answer.object && found->misses.isEmpty();
     if (!answer.object)
-        answer.missText = missText(name, found->misses);
+        answer.missText = missText(target.name, found->misses);
     else if (!answer.isReady)
         answer.obstacle = differenceText(found->misses.first());
     return answer;
 }
 
-Outcome<LookUpAnswer> RemoteModel::findItem(SharedPtr<Object> view, const QString& text, int row,
-                                            int column, bool wantReady, int timeout) {
-    const Outcome<quint64> handle = m_link->handleOf(view);
+Outcome<TargetAnswer> RemoteModel::findItem(const Target& target, int timeout) {
+    const Outcome<quint64> handle = m_link->handleOf(target.object);
     if (!handle)
         return fail(handle.error());
-    const Wire::FindItem request{*handle, text, row, column, wantReady};
-    Outcome<Found> found = lookUp(MessageType::FindItem, encode(request), timeout);
+    const Wire::ItemAddress& item = *target.item;
+    const Wire::FindItem request{*handle, item, target.wanted != Wire::Wanted::Existence};
+    Outcome<Found> found = ask(MessageType::FindItem, encode(request), timeout,
+                               AgentConnection::Patience::UntilTimeout);
     if (!found) {
         // An item that is not there is no failure here, as with other look-ups.
         if (found.error().kind != FailureKind::NotFound)
             return fail(found.error());
-        LookUpAnswer answer;
+        TargetAnswer answer;
         answer.missText = found.error().text;
         return answer;
     }
-    LookUpAnswer& answer = found->answer;
+    TargetAnswer& answer = found->answer;
     if (!answer.object) {
         // The application tells there why it found none.
         if (!answer.obstacle.isEmpty())
             answer.missText = std::exchange(answer.obstacle, QString());
-        else if (text.isNull())
+        else if (item.text.isNull())
             answer.missText = QStringLiteral("There is no item at row %1, column %2")
-                                  .arg(QString::number(row), QString::number(column));
+                                  .arg(QString::number(item.row), QString::number(item.column));
         else
-            answer.missText = QStringLiteral("There is no item '%1'").arg(text);
+            answer.missText = QStringLiteral("There is no item '%1'").arg(item.text);
     }
     return answer;
 }
@@ -156,13 +193,14 @@ Outcome<SharedPtr<Object>> RemoteModel::objectById(int remoteId) {
 
 Outcome<SharedPtr<Object>> RemoteModel::findObject(const ObjectName& name) {
     // This one does not wait for objects, so it does not wait for a stopped application either.
-    const Outcome<LookUpAnswer> answer =
-        lookUp(name, Wire::Wanted::Existence, true, -1, AgentConnection::Patience::WhileItRuns);
-    if (!answer)
-        return fail(answer.error());
-    if (!answer->object)
-        return fail(FailureKind::NotFound, answer->missText);
-    return answer->object;
+    Target target = Target::ofName(name);
+    target.wantNearMisses = true;
+    const Outcome<Found> found = lookUp(target, -1, AgentConnection::Patience::WhileItRuns);
+    if (!found)
+        return fail(found.error());
+    if (!found->answer.object)
+        return fail(Failure{FailureKind::NotFound, found->answer.missText, found->misses});
+    return found->answer.object;
 }
 
 Outcome<ObjectList> RemoteModel::topLevelObjects() {
@@ -178,7 +216,7 @@ Outcome<const Class*> RemoteModel::classByName(const QString& name) {
     return m_link->classByName(name);
 }
 
-Outcome<> RemoteModel::readGlobalClass(int timeout) {
+Outcome<> RemoteModel::prepare(int timeout) {
     const Outcome<const Class*> global = m_link->classByName(globalClassName(), timeout);
     if (!global)
         return fail(global.error());
@@ -264,22 +302,65 @@ std::vector<std::pair<QString, SharedPtr<Object>>> RemoteModel::takeEvents() {
 
 // What the runner does with the application
 
-Outcome<QByteArray> RemoteModel::snapshot(SharedPtr<Object> object) {
-    return snapshot(object, false);
+Outcome<QByteArray> RemoteModel::askOf(const Target& target, MessageType type,
+                                       const QByteArray& body) {
+    const Outcome<RemoteLink::Targeted> targeted =
+        m_link->requestWithTarget(type, body, target, requestTimeout());
+    if (!targeted)
+        return fail(targeted.error());
+    if (!targeted->answer.isReady)
+        return missFailure(targeted->answer);
+    return targeted->body;
 }
 
-Outcome<QByteArray> RemoteModel::snapshot(SharedPtr<Object> object, bool withImages) {
-    Wire::Snapshot request{0, withImages};
-    if (object) {
-        const Outcome<quint64> handle = m_link->handleOf(object);
-        if (!handle)
-            return fail(handle.error());
-        request.handle = *handle;
+Outcome<> RemoteModel::tellOf(const Target& target, MessageType type, const QByteArray& body) {
+    const Outcome<QByteArray> done = askOf(target, type, body);
+    if (!done)
+        return fail(done.error());
+    return {};
+}
+
+Outcome<TargetAnswer> RemoteModel::act(const QString& function, const Target& target,
+                                       const ObjectList& arguments, int timeout) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    const Outcome<QVariantList> values = m_link->wireValues(arguments);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    if (!values)
+        return fail(values.error());
+    const Wire::Act request{*wireTarget, function, *values, timeout};
+    const int functionTime = std::max(timeout - target.timeout, 0);
+    Outcome<RemoteLink::Targeted> targeted = m_link->requestWithTarget(
+        MessageType::Act, encode(request), target, functionTime + requestTimeout());
+    if (!targeted)
+        return fail(targeted.error());
+    if (!targeted->answer.isReady)
+        return targeted->answer;
+    TargetAnswer& answer = targeted->answer;
+    Wire::ActResult result;
+    if (!targeted->body) {
+        answer.result = fail(targeted->body.error());
+    } else if (!Wire::decode(*targeted->body, &result)) {
+        answer.result = fail(AgentConnection::unreadableAnswer(MessageType::Act));
+    } else {
+        answer.object = m_link->object(result.object);
+        answer.result = m_link->valueObject(result.value);
     }
-    const auto answer = m_link->ask<Wire::Value>(MessageType::Snapshot, encode(request));
-    if (!answer)
-        return fail(answer.error());
-    return answer->value.toByteArray();
+    return answer;
+}
+
+Outcome<QByteArray> RemoteModel::snapshotOf(const Target& target, bool withImages) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    const Outcome<QByteArray> body =
+        askOf(target, MessageType::Snapshot, encode(Wire::Snapshot{*wireTarget, withImages}));
+    if (!body)
+        return body;
+    Wire::Value value;
+    if (!Wire::decode(*body, &value))
+        return fail(AgentConnection::unreadableAnswer(MessageType::Snapshot));
+    return value.value.toByteArray();
 }
 
 Outcome<Wire::ObjectListing> RemoteModel::listing() {
@@ -298,26 +379,24 @@ Outcome<SharedPtr<Object>> RemoteModel::globalBounds(SharedPtr<Object> object) {
         answer->value.toRect(), ValueObject::valueClass(QStringLiteral("ScreenRectangle"))));
 }
 
-Outcome<> RemoteModel::mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event) {
-    event.handle = 0;
-    if (target) {
-        const Outcome<quint64> handle = m_link->handleOf(target);
-        if (!handle)
-            return fail(handle.error());
-        event.handle = *handle;
-    }
-    return m_link->tell(MessageType::MouseEvent, encode(event));
+Outcome<> RemoteModel::mouseEvent(const Target& target, Wire::MouseEvent event) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    event.target = *wireTarget;
+    return tellOf(target, MessageType::MouseEvent, encode(event));
 }
 
 Outcome<> RemoteModel::keyEvent(const QString& key, bool press) {
     return m_link->tell(MessageType::KeyEvent, encode(Wire::KeyEvent{key, press}));
 }
 
-Outcome<> RemoteModel::highlight(SharedPtr<Object> object, int milliseconds) {
-    const Outcome<quint64> handle = m_link->handleOf(object);
-    if (!handle)
-        return fail(handle.error());
-    return m_link->tell(MessageType::Highlight, encode(Wire::Highlight{*handle, milliseconds}));
+Outcome<> RemoteModel::highlight(const Target& target, int milliseconds) {
+    const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
+    if (!wireTarget)
+        return fail(wireTarget.error());
+    return tellOf(target, MessageType::Highlight,
+                  encode(Wire::Highlight{*wireTarget, milliseconds}));
 }
 
 Outcome<> RemoteModel::stopHighlight() {
@@ -334,6 +413,62 @@ Outcome<QString> RemoteModel::environmentVariable(const QString& name) {
 
 Outcome<> RemoteModel::quit() {
     return m_link->tell(MessageType::Quit, {});
+}
+
+// Questions
+
+Outcome<NameMatches> RemoteModel::matchesOf(const ObjectName& name) {
+    const Outcome<Wire::Query> query = makeQuery(name);
+    if (!query)
+        return fail(query.error());
+    const auto list = m_link->ask<Wire::MatchList>(MessageType::FindMatches, encode(*query));
+    if (!list)
+        return fail(list.error());
+    NameMatches found;
+    found.count = list->count;
+    for (const Wire::Match& match : list->matches)
+        found.matches.push_back({m_link->object(match.object), match.bounds, match.isVisible});
+    return found;
+}
+
+Outcome<SharedPtr<Object>> RemoteModel::objectAt(const QPoint& point) {
+    const auto info = m_link->ask<Wire::ObjectInfo>(
+        MessageType::ObjectAt, encode(Wire::ScreenPoint{point.x(), point.y()}));
+    if (!info)
+        return fail(info.error());
+    return m_link->object(*info);
+}
+
+Outcome<QList<CheckedName>> RemoteModel::namesOf(const SharedPtr<Object>& object) {
+    const Outcome<quint64> handle = m_link->handleOf(object);
+    if (!handle)
+        return fail(handle.error());
+    const auto proposed =
+        m_link->ask<Wire::TextList>(MessageType::ListNames, encode(Wire::ObjectHandle{*handle}));
+    if (!proposed)
+        return fail(proposed.error());
+    QList<CheckedName> names;
+    QList<CheckedName> sharedNames;
+    for (const QString& text : proposed->texts) {
+        const ObjectName name(text);
+        const Outcome<SharedPtr<Object>> found = findObject(name);
+        const Outcome<NameMatches> matches = found ? matchesOf(name) : fail(found.error());
+        // One that finds another object, or nothing, is no name of this one.
+        if (!matches && matches.error().kind != FailureKind::NotFound)
+            return fail(matches.error());
+        if (matches && (*found)->handle() == object->handle())
+            (matches->count == 1 ? names : sharedNames).append({text, matches->count});
+    }
+    return names + sharedNames;
+}
+
+Outcome<QList<NearMiss>> RemoteModel::nearMissesOf(const ObjectName& name) {
+    Target target = Target::ofName(name);
+    target.wantNearMisses = true;
+    const Outcome<Found> found = lookUp(target, -1, AgentConnection::Patience::UntilTimeout);
+    if (!found)
+        return fail(found.error());
+    return found->misses;
 }
 
 }  // namespace Tamrix

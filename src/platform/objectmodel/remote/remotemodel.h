@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/export.h"
-#include "platform/objectmodel/objectmodel.h"
+#include "platform/objectmodel/access.h"
 #include "platform/objectmodel/objectname.h"
 #include "platform/objectmodel/remote/agentconnection.h"
 
@@ -13,23 +13,9 @@ namespace Tamrix {
 
 class RemoteLink;
 
-/// What a look-up gave.
-struct LookUpAnswer {
-    /// Null when nothing matches.
-    SharedPtr<Object> object;
-    /// Meaningful when readiness was asked for.
-    bool isReady = false;
-    /// What is missing for being ready: "it is not visible".
-    QString obstacle;
-    /// What the object is as long as it isn't what was wanted.
-    QString lack = QStringLiteral("not ready");
-    /// Why nothing matches, with the nearest misses when they were asked for.
-    QString missText;
-};
-
-/// The objects of an application over a connection. The model may end before its objects: they
-/// share the connection. A time-out of -1 is requestTimeout().
-class TAMRIX_EXPORT RemoteModel : public ObjectModel {
+/// An application over the connection to its agent. The model may end before its objects: they
+/// share the connection.
+class TAMRIX_EXPORT RemoteModel : public Access {
 public:
     explicit RemoteModel(std::shared_ptr<AgentConnection> connection);
     ~RemoteModel() override;
@@ -38,44 +24,44 @@ public:
     /// How long an answer may take, in milliseconds.
     void setRequestTimeout(int milliseconds);
     int requestTimeout() const;
-    /// How long calls wait in the application for their object to be ready.
-    void setReadyTimeout(int milliseconds);
 
-    // Look-ups, once, without waiting. Nothing that matches is no failure.
-    Outcome<LookUpAnswer> lookUp(
-        const ObjectName& name, Wire::Wanted wanted, bool wantNearMisses, int timeout = -1,
-        AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
-    Outcome<LookUpAnswer> lookUp(SharedPtr<Object> object, Wire::Wanted wanted, int timeout = -1);
-    /// Ready means that the object, or without one that of the name, has the properties; the
-    /// obstacle is what it has otherwise.
-    Outcome<LookUpAnswer> expect(SharedPtr<Object> object, const ObjectName& name,
-                                 const ObjectName& properties, bool wantNearMisses,
-                                 int timeout = -1);
-    /// An item of a view; see Wire::FindItem.
-    Outcome<LookUpAnswer> findItem(SharedPtr<Object> view, const QString& text, int row, int column,
-                                   bool wantReady, int timeout = -1);
-    /// The object with this RemoteObjectBase::remoteId().
-    Outcome<SharedPtr<Object>> objectById(int remoteId);
-
-    /// Gets the class that describes the application's global functions, which scripts need first.
-    Outcome<> readGlobalClass(int timeout);
-
-    // What the runner does with the application.
-    /// A screen rectangle.
-    Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object);
-    /// `event.handle` is set here from `target`; null means the screen.
-    Outcome<> mouseEvent(SharedPtr<Object> target, Wire::MouseEvent event);
-    Outcome<> keyEvent(const QString& key, bool press);
-    Outcome<> highlight(SharedPtr<Object> object, int milliseconds);
-    Outcome<> stopHighlight();
-    Outcome<QString> environmentVariable(const QString& name);
-    /// Asks the application's windows to close.
-    Outcome<> quit();
-    Outcome<QByteArray> snapshot(SharedPtr<Object> object, bool withImages);
-    /// All objects with their names.
-    Outcome<Wire::ObjectListing> listing();
-    /// The events that came: callback and object.
-    std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents();
+    // Access
+    ApplicationFacts facts() const override;
+    bool isOpen() const override { return connection().isOpen(); }
+    bool takeNews() override;
+    int descriptor() const override { return connection().descriptor(); }
+    void close(const QString& reason) override { connection().close(reason); }
+    QString endReason() const override { return connection().errorText(); }
+    bool owns(const SharedPtr<Object>& object) const override;
+    /// Gets the class that describes the application's global functions.
+    Outcome<> prepare(int timeout) override;
+    Outcome<> ping(int timeout) override { return connection().ping(timeout); }
+    void setIdleHook(const std::function<bool()>& hook) override;
+    void setEndText(const std::function<QString()>& endText) override;
+    void setStallTest(const std::function<bool()>& isStalled) override;
+    void setProcessDescriptor(int descriptor) override;
+    void setReadyTimeout(int milliseconds) override;
+    void hurry(int milliseconds) override;
+    Outcome<TargetAnswer> lookUp(const Target& target, int answerTimeout) override;
+    Outcome<TargetAnswer> expect(const Target& target, const ObjectName& properties,
+                                 int answerTimeout) override;
+    Outcome<SharedPtr<Object>> objectById(int remoteId) override;
+    Outcome<TargetAnswer> act(const QString& function, const Target& target,
+                              const ObjectList& arguments, int timeout) override;
+    Outcome<> mouseEvent(const Target& target, Wire::MouseEvent event) override;
+    Outcome<> keyEvent(const QString& key, bool press) override;
+    Outcome<> highlight(const Target& target, int milliseconds) override;
+    Outcome<> stopHighlight() override;
+    Outcome<> quit() override;
+    Outcome<QByteArray> snapshotOf(const Target& target, bool withImages) override;
+    Outcome<Wire::ObjectListing> listing() override;
+    Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object) override;
+    Outcome<QString> environmentVariable(const QString& name) override;
+    std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents() override;
+    Outcome<NameMatches> matchesOf(const ObjectName& name) override;
+    Outcome<SharedPtr<Object>> objectAt(const QPoint& point) override;
+    Outcome<QList<CheckedName>> namesOf(const SharedPtr<Object>& object) override;
+    Outcome<QList<NearMiss>> nearMissesOf(const ObjectName& name) override;
 
     // ObjectModel
     Outcome<SharedPtr<Object>> findObject(const ObjectName& name) override;
@@ -94,18 +80,21 @@ public:
                                     const QString& event, const QString& callback) override;
     Outcome<> sendEvent(const Event* event, SharedPtr<Object> target,
                         const ObjectList& parameters) override;
-    Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
 
 private:
     /// What a LookUpResult told.
     struct Found {
-        LookUpAnswer answer;
+        TargetAnswer answer;
         QList<NearMiss> misses;
     };
     /// A request whose answer is a LookUpResult.
-    Outcome<Found> lookUp(
-        Wire::MessageType type, const QByteArray& body, int timeout,
-        AgentConnection::Patience patience = AgentConnection::Patience::UntilTimeout);
+    Outcome<Found> ask(Wire::MessageType type, const QByteArray& body, int timeout,
+                       AgentConnection::Patience patience);
+    Outcome<Found> lookUp(const Target& target, int timeout, AgentConnection::Patience patience);
+    Outcome<TargetAnswer> findItem(const Target& target, int timeout);
+    // Requests with a target that fail when it is missed.
+    Outcome<QByteArray> askOf(const Target& target, Wire::MessageType type, const QByteArray& body);
+    Outcome<> tellOf(const Target& target, Wire::MessageType type, const QByteArray& body);
     Outcome<> handlerRequest(Wire::MessageType type, const SharedPtr<Object>& object,
                              const QString& className, const QString& event,
                              const QString& callback);

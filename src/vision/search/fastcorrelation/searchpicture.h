@@ -16,7 +16,7 @@ namespace Tamrix::Vision {
 enum Channel { Green, Red, Blue };
 inline constexpr std::array channels = {Green, Red, Blue};
 
-/// The part of an image that is searched, taken apart into channels, with running sums that are
+/// The part of an image that is searched, as planes of its channels, with running sums that are
 /// made when first asked for. May be used by several threads.
 class SearchPicture {
 public:

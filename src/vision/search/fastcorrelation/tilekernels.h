@@ -112,7 +112,7 @@ struct TileKernels {
     /// Values of a vector.
     int lanes;
 
-    /// Takes `count` pixels apart into the bytes of their blue, green and red.
+    /// Deinterleaves `count` pixels into planes of their blue, green and red bytes.
     void (*splitPixels)(const std::uint32_t* pixels, int count, std::uint8_t* blue,
                         std::uint8_t* green, std::uint8_t* red);
 

@@ -12,7 +12,7 @@ inline Float* columnBlock(const TileShape& shape, Float* tile, int block) {
     return tile + static_cast<long>(block) * shape.height * step;
 }
 
-/// Turns a square of lanes * lanes complex values over.
+/// Transposes a square of lanes * lanes complex values.
 inline void transposeSquare(const float* from, float* to) {
     Floats re[lanes];
     Floats im[lanes];

@@ -33,8 +33,11 @@ void answer(FakeAgent& agent, const Frame& frame) {
             decode(frame.body, &request);
             Wire::LookUpResult result;
             const auto& criteria = request.query.criteria;
-            if (request.handle == 7 || (criteria.size() == 1 && criteria[0].text == "QPushButton"))
+            const QString wanted = criteria.size() == 1 ? criteria[0].text : QString();
+            if (request.handle == 7 || wanted == "QPushButton" || wanted == "Shared")
                 result.object = button;
+            else if (wanted == "Other")
+                result.object = {8, "QPushButton", "other"};
             else if (request.wantNearMisses)
                 result.nearMisses = {{"QPushButton 'Save as'",
                                       8,
@@ -49,9 +52,9 @@ void answer(FakeAgent& agent, const Frame& frame) {
             Wire::FindItem request;
             decode(frame.body, &request);
             Wire::LookUpResult result;
-            if (request.text == "there")
+            if (request.item.text == "there")
                 result.object = button;
-            else if (request.text == "reason")
+            else if (request.item.text == "reason")
                 result.obstacle = "the list has 3 items";
             agent.reply(frame, encode(result));
             return;
@@ -108,6 +111,45 @@ void answer(FakeAgent& agent, const Frame& frame) {
                                                                     : QVariant(seen.join('|'))}));
             return;
         }
+        case MessageType::Act: {
+            Wire::Act act;
+            decode(frame.body, &act);
+            const auto& criteria = act.target.query.criteria;
+            if (act.target.handle == 0 && criteria[0].text == "none")
+                agent.miss(frame, {{}, {}, {{"QLabel", 9, {{"text", "none", "some"}}}}});
+            else if (act.target.handle == 0 && criteria[0].text == "hidden")
+                agent.miss(frame, {button, "it is not visible", {}});
+            else if (act.method == "fill")
+                agent.fail(frame, FailureKind::NotFound, "it has no field");
+            else
+                agent.reply(frame,
+                            encode(Wire::ActResult{
+                                button, QString("%1|%2|%3|%4")
+                                            .arg(act.method, act.arguments.value(0).toString())
+                                            .arg(act.target.timeout)
+                                            .arg(act.timeout)}));
+            return;
+        }
+        case MessageType::Highlight:
+            agent.miss(frame, {button, "it is not visible", {}});
+            return;
+        case MessageType::ListNames:
+            agent.reply(frame, encode(Wire::TextList{QStringList{"{type='Shared'}", "{type='None'}",
+                                                                 "{type='Other'}",
+                                                                 "{type='QPushButton'}"}}));
+            return;
+        case MessageType::FindMatches: {
+            Wire::Query query;
+            decode(frame.body, &query);
+            Wire::MatchList list;
+            list.count = query.criteria[0].text == "Shared" ? 2 : 1;
+            list.matches = {{button, QRect(1, 2, 3, 4), true}};
+            agent.reply(frame, encode(list));
+            return;
+        }
+        case MessageType::ObjectAt:
+            agent.reply(frame, encode(button));
+            return;
         default:
             agent.reply(frame);
     }
@@ -152,10 +194,13 @@ TEST(RemoteModel, TellsWhatDifferedWhenNothingMatches) {
         "  QLabel: it has no text, wanted 'Save'\n"
         "  2 objects match, wanted occurrence 3");
 
-    Outcome<LookUpAnswer> answer = application.model->lookUp(name, Wire::Wanted::Readiness, false);
+    EXPECT_EQ(found.error().nearMisses.size(), 3);
+
+    Outcome<TargetAnswer> answer = application.model->lookUp(Target::ofName(name), -1);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->missText, "No object matches {text='Save' type~='^QPush'}");
-    answer = application.model->lookUp(application.find(), Wire::Wanted::Readiness);
+    answer = application.model->lookUp(
+        Target::ofObject(application.find(), Wire::Wanted::Readiness), -1);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->obstacle, "it is disabled");
 
@@ -188,13 +233,70 @@ TEST(RemoteModel, FindsItemsOrTellsWhyNot) {
     };
     const SharedPtr<Object> view = application.find();
     for (const auto& row : rows) {
-        const Outcome<LookUpAnswer> answer =
-            application.model->findItem(view, row.text, 1, 2, true);
+        Target target = Target::ofObject(view, Wire::Wanted::Readiness);
+        target.item = Wire::ItemAddress{row.text, 1, 2};
+        const Outcome<TargetAnswer> answer = application.model->lookUp(target, -1);
         ASSERT_TRUE(answer);
         EXPECT_EQ(answer->missText, row.missText);
         EXPECT_EQ(answer->obstacle, "");
         EXPECT_EQ(bool(answer->object), answer->missText.isEmpty());
     }
+}
+
+TEST(RemoteModel, ActsOnWhatANameFinds) {
+    Application application;
+    const SharedPtr<Object> object = application.find();
+    Target target = Target::ofName(ObjectName(QString("{type='QPushButton'}")));
+    target.timeout = 20;
+    Outcome<TargetAnswer> answer = application.model->act("click", target, {value("left")}, 50);
+    ASSERT_TRUE(answer && answer->result) << failureText(answer).toStdString();
+    EXPECT_EQ((*answer->result)->toVariant(), "click|left|20|50");
+    EXPECT_EQ(answer->object->handle(), object->handle());
+    // That the function fails is something else than that there is nothing to call it with.
+    answer = application.model->act("fill", target, {}, 50);
+    ASSERT_TRUE(answer);
+    EXPECT_TRUE(answer->isReady);
+    EXPECT_EQ(failureText(answer->result), "it has no field");
+
+    const struct {
+        const char* name;
+        QString missText;
+        QString obstacle;
+        QString failure;
+    } rows[] = {
+        {"{text='none'}",
+         "No object matches {text='none'}. Nearest: QLabel: text is 'some', wanted 'none'", "",
+         "No object matches {text='none'}. Nearest: QLabel: text is 'some', wanted 'none'"},
+        {"{text='hidden'}", "", "it is not visible",
+         "QPushButton 'ok' is not ready: it is not visible"},
+    };
+    for (const auto& row : rows) {
+        target.name = ObjectName(QString(row.name));
+        answer = application.model->act("click", target, {}, 50);
+        ASSERT_TRUE(answer);
+        EXPECT_FALSE(answer->isReady);
+        EXPECT_EQ(answer->missText, row.missText);
+        EXPECT_EQ(answer->obstacle, row.obstacle);
+        EXPECT_EQ(missFailure(*answer).value().text, row.failure);
+    }
+    EXPECT_EQ(failureText(application.model->highlight(Target::ofObject(object), 5)),
+              "QPushButton 'ok' is not ready: it is not visible");
+}
+
+TEST(RemoteModel, NamesAreThoseThatTheLookUpFinds) {
+    Application application;
+    const SharedPtr<Object> object = application.find();
+    const auto names = application.model->namesOf(object);
+    ASSERT_TRUE(names) << failureText(names).toStdString();
+    QStringList texts;
+    for (const CheckedName& each : *names)
+        texts.append(QString("%1 %2").arg(each.name).arg(each.count));
+    // The one that is shared goes last; one that finds nothing or another object is none.
+    EXPECT_EQ(texts, (QStringList{"{type='QPushButton'} 1", "{type='Shared'} 2"}));
+    EXPECT_EQ((*application.model->objectAt({1, 2}))->handle(), object->handle());
+    const auto misses = application.model->nearMissesOf(ObjectName(QString("{text='Save'}")));
+    ASSERT_TRUE(misses);
+    EXPECT_EQ(misses->first().handle, 8U);
 }
 
 TEST(RemoteModel, ObjectsKnowTheirApplication) {

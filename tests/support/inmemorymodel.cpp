@@ -1,4 +1,4 @@
-#include "platform/objectmodel/inmemorymodel.h"
+#include "support/inmemorymodel.h"
 
 #include "platform/objectmodel/valueobject.h"
 #include "wire/textmatch.h"
@@ -219,7 +219,47 @@ Outcome<> InMemoryModel::sendEvent(const Event* event, SharedPtr<Object> target,
     return {};
 }
 
-Outcome<QByteArray> InMemoryModel::snapshot(SharedPtr<Object>) {
+ApplicationFacts InMemoryModel::facts() const {
+    ApplicationFacts facts;
+    facts.program = QStringLiteral("/bin/inmemory");
+    facts.toolkit = QStringLiteral("memory");
+    return facts;
+}
+
+bool InMemoryModel::owns(const SharedPtr<Object>& object) const {
+    const auto* const own = dynamic_cast<const InMemoryObject*>(object.get());
+    return own && own->m_model == this;
+}
+
+Outcome<TargetAnswer> InMemoryModel::lookUp(const Target& target, int /*answerTimeout*/) {
+    if (onLook)
+        onLook();
+    TargetAnswer answer;
+    const Outcome<SharedPtr<Object>> found =
+        target.object ? target.object : findObject(target.name);
+    if (!found && found.error().kind != FailureKind::NotFound)
+        return fail(found.error());
+    answer.object = found.value_or(nullptr);
+    if (!found)
+        answer.missText = found.error().text;
+    else if (obstacleOf && target.wanted != Wire::Wanted::Existence)
+        answer.obstacle = obstacleOf(**found);
+    answer.isReady = answer.object && answer.obstacle.isEmpty();
+    return answer;
+}
+
+Outcome<TargetAnswer> InMemoryModel::act(const QString& function, const Target& target,
+                                         const ObjectList& arguments, int timeout) {
+    Outcome<TargetAnswer> answer = lookUp(target, timeout);
+    if (!answer || !answer->isReady)
+        return answer;
+    ObjectList all{answer->object};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    answer->result = call(nullptr, function, all);
+    return answer;
+}
+
+Outcome<QByteArray> InMemoryModel::snapshotOf(const Target& /*target*/, bool /*withImages*/) {
     if (snapshotBytes.isNull())
         return fail(FailureKind::Failed, QStringLiteral("There is no snapshot"));
     return snapshotBytes;

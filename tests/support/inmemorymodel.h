@@ -7,10 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "base/export.h"
+#include "platform/objectmodel/access.h"
 #include "platform/objectmodel/object.h"
 #include "platform/objectmodel/objectclass.h"
-#include "platform/objectmodel/objectmodel.h"
 #include "platform/objectmodel/objectname.h"
 
 namespace Tamrix {
@@ -19,7 +18,7 @@ class InMemoryModel;
 
 /// An object of an InMemoryModel: its properties are other objects of the model or values; values
 /// may also be objects whose name is the value.
-class TAMRIX_EXPORT InMemoryObject : public RemoteObjectBase {
+class InMemoryObject : public RemoteObjectBase {
 public:
     InMemoryObject(InMemoryModel* model, quint64 handle, const Class* objectClass,
                    const QString& name);
@@ -52,14 +51,14 @@ private:
     mutable QMap<QString, SharedPtr<Object>> m_properties;
 };
 
-/// A tree of objects in this process, for tests of everything that handles objects without an
-/// application: set it with Inspector::setModel(). Outlives the objects that it makes. Script
-/// thread only.
+/// An application that is a tree of objects in this process, for tests of everything that handles
+/// objects and of runs: set it with Inspector::setModel(), or add it to the applications of a run.
+/// Outlives the objects that it makes. Script thread only.
 ///
 /// Names find objects by "type" (the class or a base), "name", "occurrence" and each property of
 /// the objects; "window", "container", "parent" and "ancestor" mean the objects above. Of several
 /// matches the first in the order of the tree, parents before children, is meant.
-class TAMRIX_EXPORT InMemoryModel : public ObjectModel {
+class InMemoryModel : public Access {
 public:
     using Calls = std::function<Outcome<SharedPtr<Object>>(
         SharedPtr<Object> self, const QString& method, const ObjectList& arguments)>;
@@ -84,8 +83,13 @@ public:
     /// What native requests give; they fail while it is not set.
     std::function<Outcome<QVariant>(const QString& name, const QVariantList& arguments)>
         onNativeRequest;
-    /// What snapshot() gives; null bytes make it fail.
+    /// What snapshots give; null bytes make them fail.
     QByteArray snapshotBytes;
+    /// What keeps an object from being used, "it is disabled"; asked at each look. All are ready
+    /// while it is not set.
+    std::function<QString(const Object& object)> obstacleOf;
+    /// Called before each look and act: the application goes on meanwhile.
+    std::function<void()> onLook;
     /// Installed handlers and sent events, one text each: "install|ok|Button|clicked|callback",
     /// "uninstall|...", "send|ok|clicked|2" with the number of parameters.
     QStringList journal;
@@ -106,7 +110,18 @@ public:
                                     const QString& event, const QString& callback) override;
     Outcome<> sendEvent(const Event* event, SharedPtr<Object> target,
                         const ObjectList& parameters) override;
-    Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
+    // Access
+    ApplicationFacts facts() const override;
+    bool isOpen() const override { return m_endReason.isEmpty(); }
+    bool takeNews() override { return isOpen(); }
+    void close(const QString& reason) override { m_endReason = reason; }
+    QString endReason() const override { return m_endReason; }
+    bool owns(const SharedPtr<Object>& object) const override;
+    Outcome<TargetAnswer> lookUp(const Target& target, int answerTimeout) override;
+    /// Calls onCall with the target in front. Does not wait.
+    Outcome<TargetAnswer> act(const QString& function, const Target& target,
+                              const ObjectList& arguments, int timeout) override;
+    Outcome<QByteArray> snapshotOf(const Target& target, bool withImages) override;
 
 private:
     friend class InMemoryObject;
@@ -118,6 +133,7 @@ private:
     Class m_globalClass;
     ObjectList m_topLevelObjects;
     quint64 m_lastHandle = 0;
+    QString m_endReason;
 };
 
 }  // namespace Tamrix

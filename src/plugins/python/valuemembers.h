@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "plugins/python/pyref.h"
+
+namespace Tamrix::PythonPlugin {
+
+/// A part of a value that a listing can go into.
+struct ValueMember {
+    /// As it stands in a path: names that could be mistaken for something else are escaped.
+    QString name;
+    PyRef value;
+};
+
+/// Some of the members of a value.
+struct ValueMembers {
+    std::vector<ValueMember> page;
+    /// Of all members.
+    Py_ssize_t count = 0;
+};
+
+/// Whether a value has members: entries of a dictionary, elements of a list, tuple or set,
+/// attributes of an object, a class or a module. Runs no code of scripts.
+bool hasMembers(PyObject* value);
+
+/// At most `limit` members from the one numbered `first`, in their order.
+ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit);
+
+/// The member with the name as it stands in paths; null when there is none.
+PyRef memberNamed(PyObject* value, const QString& name);
+
+/// A text as one part of a path: what separates parts and what a line of words can't hold is
+/// percent-encoded.
+QString pathPart(const QString& text);
+QString textOfPathPart(const QString& part);
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,130 @@
+#include "plugins/python/valuetext.h"
+
+#include <QStringList>
+#include <algorithm>
+
+#include "plugins/python/containers.h"
+#include "plugins/python/conversion.h"
+#include "plugins/python/timelimit.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// Characters of a value.
+constexpr Py_ssize_t longest = 200;
+/// Containers in containers.
+constexpr int deepest = 4;
+/// Bits of an int: writing one takes a time that grows with their square.
+constexpr std::size_t mostBits = 4000;
+/// For the script code of one value.
+constexpr std::chrono::milliseconds timeForOne{100};
+
+const QString more = QStringLiteral("...");
+
+QString cut(const QString& text) {
+    return text.size() <= longest ? text : text.left(longest) + more;
+}
+
+bool writesAs(PyObject* value, const PyTypeObject& type) {
+    return Py_TYPE(value)->tp_repr == type.tp_repr;
+}
+
+/// Of the representation, as much as is shown.
+QString firstCharacters(const PyRef& text) {
+    if (PyUnicode_GetLength(text.get()) <= longest)
+        return fromPyString(text.get());
+    return fromPyString(PyRef::steal(PyUnicode_Substring(text.get(), 0, longest)).get()) + more;
+}
+
+/// A text or bytes, cut before their representation is made.
+QString sliceText(PyObject* value) {
+    const Py_ssize_t length = PySequence_Size(value);
+    const PyRef part =
+        PyRef::steal(PySequence_GetSlice(value, 0, std::min<Py_ssize_t>(length, longest)));
+    const PyRef text = PyRef::steal(part ? PyObject_Repr(part.get()) : nullptr);
+    if (!text) {
+        PyErr_Clear();
+        return more;
+    }
+    const QString written = fromPyString(text.get());
+    return length <= longest ? cut(written) : cut(written.chopped(1)) + more;
+}
+
+}  // namespace
+
+QString ValueTexts::typeNameOf(PyObject* value) {
+    const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
+    return name.mid(name.lastIndexOf('.') + 1);
+}
+
+QString ValueTexts::textOf(PyObject* value) {
+    return cut(bounded(value, 0));
+}
+
+QString ValueTexts::bounded(PyObject* value, int depth) {
+    if (PyLong_Check(value) && writesAs(value, PyLong_Type)) {
+        const std::size_t bits = _PyLong_NumBits(value);
+        if (bits > mostBits)
+            return QStringLiteral("<int of %1 bits>").arg(bits);
+    }
+    if (writesAs(value, PyUnicode_Type) || writesAs(value, PyBytes_Type) ||
+        writesAs(value, PyByteArray_Type))
+        return sliceText(value);
+    for (const PyTypeObject* type :
+         {&PyList_Type, &PyTuple_Type, &PyDict_Type, &PySet_Type, &PyFrozenSet_Type}) {
+        if (writesAs(value, *type))
+            return containerText(value, depth);
+    }
+    return scriptText(value);
+}
+
+QString ValueTexts::containerText(PyObject* value, int depth) {
+    const Py_ssize_t count = containerSize(value);
+    if (PyAnySet_Check(value) && count == 0)
+        return typeNameOf(value) + "()";
+    QStringList texts;
+    int length = 0;
+    // Each element takes two characters at least.
+    for (const ContainerItem& item : containerItems(value, 0, depth < deepest ? longest / 2 : 0)) {
+        if (length > longest)
+            break;
+        QString text = bounded(item.value.get(), depth + 1);
+        if (item.key)
+            text.prepend(bounded(item.key.get(), depth + 1) + ": ");
+        length += text.size() + 2;
+        texts.append(text);
+    }
+    if (texts.size() < count)
+        texts.append(more);
+    const QString inner = texts.join(", ");
+    if (PyTuple_Check(value))
+        return "(" + inner + (count == 1 ? ",)" : ")");
+    if (PyList_Check(value))
+        return "[" + inner + "]";
+    return PyFrozenSet_CheckExact(value) ? "frozenset({" + inner + "})" : "{" + inner + "}";
+}
+
+QString ValueTexts::scriptText(PyObject* value) {
+    const std::chrono::milliseconds time = std::min(m_left, timeForOne);
+    if (time <= time.zero())
+        return QStringLiteral("<no representation: others took too long>");
+    const auto start = std::chrono::steady_clock::now();
+    PyRef text;
+    {
+        const TimeLimit limit(time);
+        text = PyRef::steal(PyObject_Repr(value));
+    }
+    m_left -= std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - start);
+    if (text)
+        return firstCharacters(text);
+    const QString reason =
+        TimeLimit::isExceeded()
+            ? QStringLiteral("not in time")
+            : QString::fromUtf8(reinterpret_cast<PyTypeObject*>(PyErr_Occurred())->tp_name);
+    PyErr_Clear();
+    return QStringLiteral("<no representation: %1>").arg(reason);
+}
+
+}  // namespace Tamrix::PythonPlugin

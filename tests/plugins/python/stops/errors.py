@@ -1,0 +1,134 @@
+"""Each function ends by an error or catches one; the golden file tells where that stops."""
+import contextlib
+
+cleaned = []
+
+
+def native():
+    findNothing()
+
+
+def nativeInTry():
+    try:
+        findNothing()
+    except (KeyError, UnicodeError, OSError):
+        return
+    finally:
+        cleaned.append("native")
+
+
+def plain():
+    return 1 / 0
+
+
+def deep():
+    try:
+        plain()
+    finally:
+        cleaned.append("deep")
+
+
+def caught():
+    try:
+        plain()
+    except ArithmeticError:
+        return
+
+
+def caughtBare():
+    try:
+        deep()
+    except:
+        return
+
+
+def caughtOutside():
+    caughtType = ZeroDivisionError
+    try:
+        wrongType()
+    except (KeyError, caughtType) as error:
+        return
+
+
+def wrongType():
+    try:
+        plain()
+    except KeyError:
+        return
+
+
+def raisedAgain():
+    try:
+        plain()
+    except ArithmeticError:
+        raise
+
+
+def replaced():
+    try:
+        plain()
+    except ArithmeticError as error:
+        raise ValueError("replaced") from error
+
+
+def suppressed():
+    with contextlib.suppress(ArithmeticError):
+        plain()
+
+
+def inWith():
+    with contextlib.nullcontext():
+        plain()
+
+
+def group():
+    try:
+        plain()
+    except* ArithmeticError:
+        pass
+
+
+def ofIteration():
+    class Numbers:
+        def __iter__(self): return self
+        def __next__(self): raise StopIteration
+        def __getattr__(self, name): raise AttributeError(name)
+        @property
+        def broken(self): raise AttributeError("broken")
+    numbers = Numbers()
+    next(numbers, 0)
+    hasattr(numbers, "broken")
+    return list(numbers), getattr(numbers, "other", 0)
+
+
+def missingAttribute():
+    return cleaned.nothing
+
+
+def inCallback():
+    called(lambda value: plain())
+
+
+def inVerdict():
+    test.exception(plain)
+    test.exception("plain()")
+
+
+def inSource():
+    source(brokenFile)
+
+
+def ofGenerator():
+    yield 1 / 0
+
+
+def viaGenerator():
+    return list(ofGenerator())
+
+
+def exits():
+    exit(3)
+
+
+def skips():
+    test.skip("not here")
