@@ -72,7 +72,7 @@ std::vector<ValueMember> PythonVariableWatcher::variablesOf(int level) {
 }
 
 std::optional<PythonVariableWatcher::Target> PythonVariableWatcher::find(const QString& path) {
-    QStringList parts = (path.startsWith('+') ? path.mid(1) : path).split('.');
+    QStringList parts = partsOfPath(path.startsWith('+') ? path.mid(1) : path);
     Target target;
     if (const std::optional<int> first = markedNumber(parts.last(), '@')) {
         target.first = *first;

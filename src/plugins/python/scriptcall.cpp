@@ -4,6 +4,7 @@
 #include "plugins/python/exceptions.h"
 #include "plugins/python/methodtype.h"
 #include "plugins/python/pythonargument.h"
+#include "plugins/python/pythondebugger.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -35,6 +36,8 @@ void raiseObjectError(const ObjectError& error) {
             raiseScriptError(ScriptContext::GeneralError, error.text);
             break;
     }
+    if (PythonInterpreter* const interpreter = PythonInterpreter::active())
+        interpreter->debugger().errorRaised();
 }
 
 PyRef pythonValue(const SharedPtr<ScriptArgument>& value) {

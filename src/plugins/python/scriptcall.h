@@ -14,7 +14,7 @@ namespace Tamrix::PythonPlugin {
 void raiseRefusedCall(const QString& function);
 /// Raises that `function` threw an exception with this text.
 void raiseNativeException(const QString& function, const QString& text);
-/// Raises Python's exception for the kind of error.
+/// Raises Python's exception for the kind of error. The debugger may stop there.
 void raiseObjectError(const ObjectError& error);
 
 /// The Python object of a value.

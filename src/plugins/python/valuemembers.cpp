@@ -14,18 +14,41 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Names that are longer stand as the beginning of their representation.
-constexpr Py_ssize_t longestName = 200;
-
 bool isSystemName(const QString& name) {
     return name.startsWith("__") && name.endsWith("__");
 }
 
-/// A key that is text stands as it is, others as their representation in brackets.
+/// Whether the representation of a key is code that gives the key.
+bool isWrittenAsCode(PyObject* key) {
+    if (PyTuple_CheckExact(key)) {
+        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
+            if (!isWrittenAsCode(item.value.get()))
+                return false;
+        }
+        return true;
+    }
+    return PyUnicode_CheckExact(key) || PyLong_CheckExact(key) || PyBytes_CheckExact(key) ||
+           PyFloat_CheckExact(key) || PyBool_Check(key) || key == Py_None;
+}
+
+/// An entry of a dictionary stands as code would ask for it.
 QString nameOfKey(PyObject* key) {
-    if (PyUnicode_Check(key) && PyUnicode_GetLength(key) <= longestName)
-        return pathPart(fromPyString(key));
-    return "[" + pathPart(ValueTexts().textOf(key)) + "]";
+    QString text = ValueTexts().textOf(key);
+    if (isWrittenAsCode(key) && !ValueTexts::isCut(text))
+        // Blanks behind one another would not come back.
+        return "[" + text.replace("  ", " \\x20") + "]";
+    return "[" + pathPart(text, QByteArrayLiteral("[]()'\"")) + "]";
+}
+
+/// The key that code in brackets gives; null when it is none.
+PyRef keyOfName(const QString& name) {
+    const PyRef ast = PyRef::steal(PyImport_ImportModule("ast"));
+    const PyRef text = toPyString(name.mid(1, name.size() - 2));
+    PyRef key = PyRef::steal(
+        ast && text ? PyObject_CallMethod(ast.get(), "literal_eval", "O", text.get()) : nullptr);
+    if (!key)
+        PyErr_Clear();
+    return key;
 }
 
 /// What a module, a class or an object keeps its attributes in; null without.
@@ -111,15 +134,19 @@ ValueMembers attributesAsMembers(PyObject* attributes, Py_ssize_t first, Py_ssiz
     return members;
 }
 
-/// The entry of a dictionary, null when there is none.
+/// The value of a key, null when there is none.
+PyRef valueAt(PyObject* dictionary, const PyRef& key) {
+    PyRef value = PyRef::borrow(key ? PyDict_GetItemWithError(dictionary, key.get()) : nullptr);
+    PyErr_Clear();
+    return value;
+}
+
+/// The entry of a dictionary, null when there is none. A text can stand without brackets as well.
 PyRef entryNamed(PyObject* dictionary, const QString& name) {
-    if (!name.startsWith('[')) {
-        const PyRef key = toPyString(textOfPathPart(name));
-        PyRef value =
-            PyRef::borrow(key ? PyDict_GetItemWithError(dictionary, key.get()) : nullptr);
-        PyErr_Clear();
+    if (!name.startsWith('['))
+        return valueAt(dictionary, toPyString(textOfPathPart(name)));
+    if (PyRef value = valueAt(dictionary, keyOfName(name)))
         return value;
-    }
     for (ContainerItem& item : containerItems(dictionary, 0, containerSize(dictionary))) {
         if (nameOfKey(item.key.get()) == name)
             return std::move(item.value);
@@ -127,9 +154,47 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
     return {};
 }
 
+/// Where the part in brackets at the beginning of the text ends, behind its bracket; the end of the
+/// text when it does not.
+int endOfBrackets(const QString& text, int begin) {
+    int depth = 0;
+    QChar quote;
+    for (int index = begin; index < text.size(); ++index) {
+        const QChar character = text.at(index);
+        if (!quote.isNull()) {
+            if (character == '\\')
+                ++index;
+            else if (character == quote)
+                quote = QChar();
+        } else if (character == '\'' || character == '"') {
+            quote = character;
+        } else if (character == '[' || character == '(') {
+            ++depth;
+        } else if ((character == ']' || character == ')') && --depth == 0) {
+            return index + 1;
+        }
+    }
+    return text.size();
+}
+
 }  // namespace
 
-QString pathPart(const QString& text) {
+QStringList partsOfPath(const QString& path) {
+    QStringList parts;
+    int begin = 0;
+    while (begin <= path.size()) {
+        int end = path.indexOf('.', begin);
+        if (begin < path.size() && path.at(begin) == '[')
+            end = path.indexOf('.', endOfBrackets(path, begin));
+        if (end < 0)
+            end = path.size();
+        parts.append(path.mid(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+QString pathPart(const QString& text, const QByteArray& furtherMarks) {
     // What begins a part that is no name.
     const QString marks = QStringLiteral("[@^+");
     QString part;
@@ -140,8 +205,10 @@ QString pathPart(const QString& text) {
         const bool isEscaped = character == '%' || character == '.' ||
                                (character.isSpace() && !isInnerBlank) ||
                                character.category() == QChar::Other_Control ||
-                               (index == 0 && marks.contains(character));
-        part += isEscaped ? QString::fromLatin1(QUrl::toPercentEncoding(character, {}, ".+"))
+                               (index == 0 && marks.contains(character)) ||
+                               furtherMarks.contains(character.toLatin1());
+        part += isEscaped ? QString::fromLatin1(
+                                QUrl::toPercentEncoding(character, {}, ".+" + furtherMarks))
                           : QString(character);
     }
     return part;

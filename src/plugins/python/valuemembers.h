@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <vector>
 
 #include "plugins/python/pyref.h"
@@ -9,7 +11,8 @@ namespace Tamrix::PythonPlugin {
 
 /// A part of a value that a listing can go into.
 struct ValueMember {
-    /// As it stands in a path: names that could be mistaken for something else are escaped.
+    /// As it stands in a path: an attribute as a pathPart(), an entry of a dictionary with its key in
+    /// brackets as code has it, another element as its number.
     QString name;
     PyRef value;
 };
@@ -31,9 +34,12 @@ ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit);
 /// The member with the name as it stands in paths; null when there is none.
 PyRef memberNamed(PyObject* value, const QString& name);
 
-/// A text as one part of a path: what separates parts and what a line of words can't hold is
-/// percent-encoded.
-QString pathPart(const QString& text);
+/// The parts of a path, which have "." between them. One in brackets may hold "." itself.
+QStringList partsOfPath(const QString& path);
+
+/// A text as one part of a path: what separates parts, what a line of words can't hold and
+/// `furtherMarks` are percent-encoded.
+QString pathPart(const QString& text, const QByteArray& furtherMarks = QByteArray());
 QString textOfPathPart(const QString& part);
 
 }  // namespace Tamrix::PythonPlugin

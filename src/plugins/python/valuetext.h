@@ -16,6 +16,9 @@ public:
     /// Python's representation, or in <> what there is instead of it. Never raises.
     QString textOf(PyObject* value);
 
+    /// Whether something is left out of the text.
+    static bool isCut(const QString& text) { return text.contains("..."); }
+
     /// The name of the value's type, without its module.
     static QString typeNameOf(PyObject* value);
 

@@ -3,11 +3,11 @@
 #include <QElapsedTimer>
 
 #include "interpreter/bridge/debugger.h"
-#include "platform/objectmodel/inmemorymodel.h"
 #include "platform/objectmodel/inspector.h"
 #include "plugins/python/pythontest.h"
 #include "runner/coreapplication.h"
 #include "support/golden.h"
+#include "support/inmemorymodel.h"
 
 namespace Tamrix {
 namespace {
@@ -61,7 +61,8 @@ TEST_F(PythonVariables, AreListedByPath) {
     QString text;
     lookIn("main", [&] {
         for (const char* path :
-             {"", "^1", "+^1.table", "^1.table.a%2Eb", "+^1.table.[(1, 2)]", "^1.items", "+^1.items.2",
+             {"", "^1", "+^1.table", "^1.table.key",
+              "+^1.table.[(1, 2)]", "+^1.table.['a.b'].['c d']", "^1.items", "+^1.items.2",
               "+^1.numbers", "+^1.cycle.1.1", "+captured", "+^1.more", "+^1.more.second.deep",
               "+^1.pair", "+^1.error", "+^1.liar", "+^1.bad", "+^1.longName", "+Point",
               "+large.@99999", "+large.@100000"})
@@ -92,7 +93,7 @@ TEST_F(PythonVariables, ListedPathsLeadBack) {
 TEST_F(PythonVariables, NothingIsBelowWhatIsNotThere) {
     lookIn("main", [&] {
         for (const char* path : {"nobody", "captured.z", "^9", "^1.items.x", "^1.items.-1",
-                                 "^1.items.99", "^1.table.[", "setting.x", "..", "@", "^", "+"})
+                                 "^1.items.99", "^1.table.[", "^1.table.[']", "^1.table.[exit()]", "setting.x", "..", "@", "^", "+"})
             EXPECT_EQ(listing(path), QString(path) + ":\n");
     });
 }
@@ -146,7 +147,7 @@ TEST_F(PythonVariables, ObjectsOfApplicationsAreExpandable) {
               "");
     QString text;
     lookIn("main", [&] {
-        for (const char* path : {"", "+window", "+held", "+held.window", "window", "+window.title"})
+        for (const char* path : {"", "+window", "+held", "+held.['window']", "window", "+window.title"})
             text += listing(path);
     });
     EXPECT_TRUE(compareWithGolden("python/objects.txt", withoutAddresses(text)));

@@ -74,7 +74,18 @@ def recurse():
 
 def main():
     hidden = "of the function"
-    table = {"key": 1, "a.b": 2, "two  blanks": 3, "[x]": 4, "": 5, 1: "one", (1, 2): Point(0)}
+    table = {
+        "key": 1,
+        "a.b": {"c d": [2]},
+        "two  blanks": [3],
+        "it's]": [4],
+        "": [5],
+        1: "one",
+        (1, "] (2)"): [6],
+        (1, 2): Point(0),
+        Point: [7],
+        2.5: [8],
+    }
     items = [0, "text", (1,), [], {}, None, 2.5, True]
     numbers = {3}
     nothing = set()
