@@ -68,10 +68,7 @@ void Debuggee::receive() {
 
 void Debuggee::takeLine(const QByteArray& line) {
     if (const std::optional<Notice> notice = readNotice(line)) {
-        // The progress of a search is for those who show bars.
-        if (notice->key != QLatin1String("Progress"))
-            m_surroundings.output(QStringLiteral("%1: %2\n").arg(notice->key, notice->value),
-                                  Stream::Output);
+        m_surroundings.notice(*notice);
         return;
     }
     if (m_reader) {

@@ -34,6 +34,8 @@ public:
         std::function<bool()> wait;
         /// Takes what the program writes beside the protocol.
         std::function<void(const QString& text, Stream stream)> output;
+        /// Takes what the debugger tells unasked; what it tells about a stop comes before the stop.
+        std::function<void(const Notice& notice)> notice;
     };
 
     Debuggee(std::unique_ptr<Program> program, Surroundings surroundings);

@@ -1,6 +1,7 @@
 // "source": a script's text, for clients that can't read its file themselves.
 
 #include <QFile>
+#include <QFileInfo>
 
 #include "dap/requests/request.h"
 
@@ -14,6 +15,9 @@ Outcome<SourceBody> source(Session&, const SourceArguments& arguments) {
     const QString path = arguments.source ? arguments.source->path.value_or(QString()) : QString();
     if (path.isEmpty())
         return fail(FailureKind::BadArgument, QStringLiteral("'source.path' is missing"));
+    // What is no file may keep a reader waiting, or never end.
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return fail(FailureKind::Refused, QStringLiteral("'%1' is no file").arg(path));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(FailureKind::NotFound,

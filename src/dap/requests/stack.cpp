@@ -25,10 +25,14 @@ Outcome<StackTraceBody> stackTrace(Session& session, const StackTraceArguments& 
 }
 
 Outcome<ScopesBody> scopes(Session& session, const ScopesArguments& arguments) {
-    // Only where the script stands the debugger knows variables.
-    if (arguments.frameId != Session::topFrameId || !session.debuggeeAt(arguments.frameId))
-        return ScopesBody();
-    return ScopesBody{{{"Variables", session.values().top(), false}}};
+    const Outcome<std::vector<StackFrame>> stack = session.stack();
+    if (!stack)
+        return fail(stack.error());
+    const int level = arguments.frameId - Session::topFrameId;
+    if (level < 0 || level >= static_cast<int>(stack->size()))
+        return fail(FailureKind::NotFound,
+                    QStringLiteral("there is no frame %1").arg(arguments.frameId));
+    return ScopesBody{{{"Variables", session.values().top(level), false}}};
 }
 
 Outcome<ExceptionInfoBody> exceptionInfo(Session& session, const Nothing&) {

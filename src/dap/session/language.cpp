@@ -95,6 +95,11 @@ QString memberExpression(const QString& value, const QString& name) {
     return {};
 }
 
+bool membersHaveExpressions(const QString& type) {
+    // Elements without an order are counted in listings only.
+    return type != QLatin1String("set") && type != QLatin1String("frozenset");
+}
+
 QString functionAt(const ScriptPlace& place) {
     const QString fileName = QFileInfo(place.file).fileName();
     const Language& language = languageOf(place.file);

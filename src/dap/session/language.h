@@ -23,6 +23,9 @@ bool isFailureText(const QString& text);
 /// Null when the name does not tell.
 QString memberExpression(const QString& value, const QString& name);
 
+/// Whether what reads a part of a value of this type can be told by its name.
+bool membersHaveExpressions(const QString& type);
+
 /// The name of the function in which a line of a file stands; the name of the file when it can't be
 /// told.
 QString functionAt(const ScriptPlace& place);

@@ -98,7 +98,8 @@ Outcome<> Session::start() {
             },
             [this](const QString& text, Debuggee::Stream stream) {
                 write(stream == Debuggee::Stream::Error ? "stderr" : "stdout", text);
-            }});
+            },
+            [this](const Notice& notice) { tell(notice); }});
     return {};
 }
 
@@ -153,6 +154,13 @@ void Session::tell(const JournalEvent& event) {
                    },
                },
                event);
+}
+
+void Session::tell(const Notice& notice) {
+    if (notice.key == QLatin1String("ScriptError"))
+        m_judge.errorTold(notice.value);
+    else if (notice.key != QLatin1String("Progress"))
+        write("console", QStringLiteral("%1: %2\n").arg(notice.key, notice.value));
 }
 
 void Session::handle(const Stop& stop) {

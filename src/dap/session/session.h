@@ -88,6 +88,7 @@ private:
     Outcome<> start();
     void readJournal();
     void tell(const JournalEvent& event);
+    void tell(const Notice& notice);
     void handle(const Stop& stop);
     void enterCase();
     void applyChanges();

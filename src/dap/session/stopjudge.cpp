@@ -46,6 +46,12 @@ StopJudgement StopJudge::judge(const Stop& stop, Debuggee& debuggee) {
             return *report;
         return PassedStop{Resume::SkipError};
     }
+    // An error that leaves the script.
+    if (const std::optional<QString> error = std::exchange(m_error, std::nullopt)) {
+        if (!m_filters.stopsAtScriptErrors())
+            return onwards();
+        return ReportedStop{"exception", "Script error", *error};
+    }
     // A verdict that failed at this line, after which the script was to stop.
     if (m_failure && m_failure->place == stop.place) {
         const ResultTold failure = *std::exchange(m_failure, std::nullopt);
@@ -65,7 +71,7 @@ StopJudgement StopJudge::judge(const Stop& stop, Debuggee& debuggee) {
         return ReportedStop{"step", "Stepped", {}};
     if (isBreakPoint)
         return onwards();
-    // Nothing here wanted it: the script itself, or an error that leaves it.
+    // Nothing here wanted it but the script itself.
     return ReportedStop{"breakpoint", "Stopped by the script", {}};
 }
 

@@ -47,6 +47,8 @@ public:
     /// pass break points.
     void resumed(Resume how, Debuggee& debuggee);
     void resultTold(const ResultTold& result);
+    /// The next stop is for an error that the script does not catch.
+    void errorTold(const QString& text) { m_error = text; }
     /// The client wants a stop, wherever that is.
     void pauseWanted() { m_isPauseWanted = true; }
     bool isPauseWanted() const { return m_isPauseWanted; }
@@ -76,6 +78,7 @@ private:
     std::optional<Step> m_step;
     /// The last failure since the script went on.
     std::optional<ResultTold> m_failure;
+    std::optional<QString> m_error;
     bool m_isPauseWanted = false;
 };
 

@@ -8,50 +8,74 @@ namespace Tamrix::Dap {
 
 namespace {
 
-/// In front of the names of what can be opened.
+// Marks in the names of listings.
 constexpr QLatin1Char expandableMark('+');
+/// In front of the number with which the rest of a long listing begins.
+constexpr QLatin1Char restMark('@');
+
+/// What names below a path begin with: the path without its mark, and without where in a long
+/// listing it begins.
+QString nameOfPath(const QString& path) {
+    const QString name = path.startsWith(expandableMark) ? path.mid(1) : path;
+    const int lastPart = name.lastIndexOf('.') + 1;
+    return name.midRef(lastPart).startsWith(restMark) ? name.left(lastPart - 1) : name;
+}
+
+/// The last part of a name, which holds the whole path.
+QString ownName(const QString& name, const QString& pathName) {
+    const bool isBelow = !pathName.isEmpty() && name.startsWith(pathName) &&
+                         name.size() > pathName.size() && name[pathName.size()] == '.';
+    return isBelow ? name.mid(pathName.size() + 1) : name;
+}
 
 }  // namespace
 
-int Values::top() {
-    return numberOf(QString(), QString());
+int Values::top(int level) {
+    Node node;
+    // A caller stands in paths by its number.
+    if (level > 0)
+        node.path = QStringLiteral("+^%1").arg(level);
+    node.isTop = true;
+    return numberOf(node);
 }
 
-int Values::numberOf(const QString& path, const QString& expression) {
-    const auto known = m_numbers.constFind(path);
+int Values::numberOf(const Node& node) {
+    const auto known = m_numbers.constFind(node.path);
     if (known != m_numbers.constEnd())
         return *known;
-    m_nodes[++m_lastNumber] = {path, expression, std::nullopt};
-    m_numbers.insert(path, m_lastNumber);
+    m_nodes[++m_lastNumber] = node;
+    m_numbers.insert(node.path, m_lastNumber);
     return m_lastNumber;
 }
 
 Variable Values::variableOf(const Binding& binding, const Node& parent) {
     const bool isExpandable = binding.name.startsWith(expandableMark);
-    QString name = isExpandable ? binding.name.mid(1) : binding.name;
-    // A name holds the whole path, of which the client wants the last part.
-    const QString parentName = parent.path.mid(1);
-    const bool isTop = parent.path.isEmpty();
-    if (!isTop && name.startsWith(parentName) && name.size() > parentName.size()) {
-        name.remove(0, parentName.size());
-        if (name.startsWith('.'))
-            name.remove(0, 1);
-    }
-    QString expression;
-    if (isTop)
-        expression = name;
-    else if (!parent.expression.isNull())
-        expression = memberExpression(parent.expression, name);
-
+    const QString name =
+        ownName(isExpandable ? binding.name.mid(1) : binding.name, nameOfPath(parent.path));
     Variable variable;
     variable.name = name;
     variable.value = binding.value.isNull() ? binding.type : binding.value;
     if (!binding.type.isEmpty())
         variable.type = binding.type;
-    if (!expression.isEmpty())
-        variable.evaluateName = expression;
-    if (isExpandable)
-        variable.variablesReference = numberOf(binding.name, expression);
+    QString expression;
+    if (name.startsWith(restMark)) {
+        // The rest is of the same value.
+        variable.name = QStringLiteral("...");
+        variable.type.reset();
+        expression = parent.expression;
+    } else {
+        if (parent.isTop && parent.path.isEmpty())
+            expression = name;
+        else if (!parent.expression.isNull())
+            expression = memberExpression(parent.expression, name);
+        if (!expression.isNull())
+            variable.evaluateName = expression;
+    }
+    if (isExpandable) {
+        const bool canReadMembers = membersHaveExpressions(binding.type);
+        variable.variablesReference =
+            numberOf({binding.name, false, canReadMembers ? expression : QString(), std::nullopt});
+    }
     return variable;
 }
 

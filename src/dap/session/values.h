@@ -16,8 +16,9 @@ namespace Tamrix::Dap {
 /// stand for what can be opened; they hold until the script goes on and are not used again.
 class Values {
 public:
-    /// The number of what stands at the top.
-    int top();
+    /// The number of what stands at the top of a function: where the script stands for 0, its
+    /// caller for 1, and so on.
+    int top(int level = 0);
     /// What stands below a number, of the debugger or from an earlier question.
     Outcome<std::vector<Variable>> below(int reference, Debuggee& debuggee);
     /// A value that is listed at the top or below, by the expression that reads it; nothing when
@@ -34,13 +35,15 @@ public:
 
 private:
     struct Node {
-        /// Of the debugger, empty for the top.
+        /// Of the debugger, empty for the variables where the script stands.
         QString path;
-        /// What reads it; null when nothing does.
+        /// Whether these are the variables of a function.
+        bool isTop = false;
+        /// What reads it where the script stands; null when nothing does.
         QString expression;
         std::optional<std::vector<Variable>> children;
     };
-    int numberOf(const QString& path, const QString& expression);
+    int numberOf(const Node& node);
     Variable variableOf(const Binding& binding, const Node& parent);
 
     std::map<int, Node> m_nodes;

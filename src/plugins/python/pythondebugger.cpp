@@ -271,6 +271,7 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
                   Py_XNewRef(traceback));
     m_toldText = takeScriptError().message;
     m_errorFrames = framesOfError(traceback, m_python.files());
+    notify(QStringLiteral("ScriptError"), m_toldText);
     stop();
     m_errorFrames.reset();
 }

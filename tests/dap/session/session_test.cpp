@@ -65,7 +65,7 @@ TEST_F(DapSession, StartsTheRunThatTheConfigurationTells) {
     ASSERT_EQ(script.starts.size(), 1u);
     const Dap::ProgramStart& started = script.starts[0];
     EXPECT_EQ(started.program, "tamrixrunner");
-    EXPECT_EQ(started.arguments.mid(0, 4).join(' '), "run --debugger --quiet --report");
+    EXPECT_EQ(started.arguments.mid(0, 4).join(' '), "run --debugger --no-console --report");
     EXPECT_EQ(started.arguments.mid(5),
               (QStringList{"--aut-display", ":7", folder.path(), "a", "b", "--", "--fast", "x y"}));
     EXPECT_EQ(started.environment, (Dap::TextMap{{"A", "1"}, {"B", std::nullopt}}));
@@ -235,6 +235,18 @@ TEST_F(DapSession, FailedVerdictsStopWithTheirText) {
               "setExceptionBreakpoints: there is no exception filter 'what'");
 }
 
+TEST_F(DapSession, ScriptErrorsStopIfThatIsWanted) {
+    const QByteArray stop =
+        "@notify ScriptError\tValueError: a\\,b\nTDBG:@line 2, column -1, " + file.toUtf8() + ':';
+    script.lines = {{file, 1}, {file, 2, {}, {}, {}, stop}, {file, 2, {}, {}, {}, stop}, {file, 3}};
+    start({}, {}, {"scriptError"});
+    const QJsonObject stopped = client.event("stopped");
+    EXPECT_EQ(stopped["description"], "Script error");
+    EXPECT_EQ(stopped["text"], "ValueError: a,b");
+    client.body("setExceptionBreakpoints", {{"filters", QJsonArray()}});
+    EXPECT_EQ(exitCodeAfter("continue"), 0);
+}
+
 TEST_F(DapSession, AnObjectThatIsNotFoundStopsWithTheNearMisses) {
     const QByteArray stop =
         "@objLookupError 2\t-1\t" + file.toUtf8() + "\t:button\tnearest: \\\"button2\\\"";
@@ -286,32 +298,46 @@ TEST_F(DapSession, TheStackCanBeReadInPieces) {
             .body("stackTrace", {{"threadId", 1}, {"startFrame", 1}, {"levels", 2}})["stackFrames"]
             .toArray();
     EXPECT_EQ(some, (QJsonArray{frames.at(1), frames.at(2)}));
-    // What is below the top can't be looked into.
-    EXPECT_TRUE(client.body("scopes", {{"frameId", 2}})["scopes"].toArray().isEmpty());
+    // Code can't be evaluated in what is below the top.
+    EXPECT_EQ(client.error("scopes", {{"frameId", 5}}), "scopes: there is no frame 5");
     EXPECT_EQ(client.error("evaluate", {{"expression", "x"}, {"frameId", 2}}),
               "evaluate: only the function in which the script stands can be looked into");
 }
 
 TEST_F(DapSession, VariablesAreReadALevelAndAPageAtATime) {
     setLines({1, 2, 3});
-    script.listings = {{"", "int#count=3,dict#+person={...},Button#+button"},
-                       {"+person", "str#person.'name'='Ann',list#+person.'tags'=[...]"},
-                       {"+person.'tags'", "int#person.'tags'.0=7,int#person.'tags'.1=8,#9 more"},
-                       {"+button", "str#button.text='OK'"}};
+    script.listings = {{"", "int#count=3,dict#+person={...},Button#+button,set#+seen={...}"},
+                       {"+person", "str#person.['name']='Ann',list#+person.['a.b']=[...]"},
+                       {"+person.['a.b']",
+                        "int#person.['a.b'].0=7,int#person.['a.b'].1=8,"
+                        "rest#+person.['a.b'].@2=9 more"},
+                       {"+person.['a.b'].@2", "int#person.['a.b'].2=9"},
+                       {"+button", "str#button.text='OK'"},
+                       {"+seen", "int#seen.0=1"}};
     start({2});
     client.stop();
     EXPECT_FALSE(script.commands.contains("print variables"));
     const QJsonObject top = client.variables();
-    EXPECT_EQ(top.keys(), (QStringList{"button", "count", "person"}));
+    EXPECT_EQ(top.keys(), (QStringList{"button", "count", "person", "seen"}));
     EXPECT_EQ(top["count"].toObject()["value"], "3");
     EXPECT_EQ(top["count"].toObject()["variablesReference"], 0);
     EXPECT_EQ(top["button"].toObject()["value"], "Button");
-    const int person = top["person"].toObject()["variablesReference"].toInt();
+    const auto reference = [](const QJsonValue& variable) {
+        return variable.toObject()["variablesReference"].toInt();
+    };
+    const int person = reference(top["person"]);
     const QJsonObject inside = client.variables(person);
-    EXPECT_EQ(inside["'name'"].toObject()["evaluateName"], "person['name']");
-    const int tags = inside["'tags'"].toObject()["variablesReference"].toInt();
-    EXPECT_EQ(client.variables(tags)["1"].toObject()["evaluateName"], "person['tags'][1]");
-    EXPECT_TRUE(client.variables(tags).contains("9 more"));
+    EXPECT_EQ(inside["['name']"].toObject()["evaluateName"], "person['name']");
+    const int tags = reference(inside["['a.b']"]);
+    const QJsonObject elements = client.variables(tags);
+    EXPECT_EQ(elements["1"].toObject()["evaluateName"], "person['a.b'][1]");
+    EXPECT_EQ(elements["..."].toObject()["value"], "9 more");
+    EXPECT_FALSE(elements["..."].toObject().contains("evaluateName"));
+    const QJsonObject rest = client.variables(reference(elements["..."]));
+    EXPECT_EQ(rest["2"].toObject()["evaluateName"], "person['a.b'][2]");
+    const QJsonObject seen = client.variables(reference(top["seen"]));
+    EXPECT_FALSE(seen["0"].toObject().contains("evaluateName"));
+
     const QJsonArray page =
         client
             .body("variables",
@@ -320,7 +346,7 @@ TEST_F(DapSession, VariablesAreReadALevelAndAPageAtATime) {
     ASSERT_EQ(page.size(), 1);
     EXPECT_EQ(page.at(0).toObject()["value"], "8");
     // Each level was asked for once.
-    EXPECT_EQ(script.commands.filter("print variables").size(), 3);
+    EXPECT_EQ(script.commands.filter("print variables").size(), 5);
 
     after("next");
     EXPECT_EQ(client.error("variables", {{"variablesReference", person}}),
@@ -328,10 +354,30 @@ TEST_F(DapSession, VariablesAreReadALevelAndAPageAtATime) {
                   .arg(person));
 }
 
+TEST_F(DapSession, CallersShowTheirOwnVariables) {
+    script.lines = {{file, 1}, called(11, 2)};
+    script.listings = {
+        {"", "int#x=1"}, {"+^1", "int#^1.x=2,list#+^1.y=[...]"}, {"+^1.y", "int#^1.y.0=3"}};
+    start({11});
+    client.stop();
+    const int outer = client.body("scopes", {{"frameId", 2}})["scopes"]
+                          .toArray()
+                          .at(0)
+                          .toObject()["variablesReference"]
+                          .toInt();
+    const QJsonObject variables = client.variables(outer);
+    EXPECT_EQ(variables["x"].toObject()["value"], "2");
+    EXPECT_FALSE(variables["x"].toObject().contains("evaluateName"));
+    const QJsonObject below =
+        client.variables(variables["y"].toObject()["variablesReference"].toInt());
+    EXPECT_EQ(below["0"].toObject()["value"], "3");
+    EXPECT_EQ(client.variables()["x"].toObject()["value"], "1");
+}
+
 TEST_F(DapSession, CodeIsEvaluatedAndValuesAreChanged) {
     setLines({1, 2});
     script.listings = {{"", "int#count=3,dict#+person={...}"},
-                       {"+person", "str#person.'name'='Ann',str#person.?=1"}};
+                       {"+person", "str#person.['name']='Ann',str#person.?=1"}};
     script.evaluate = [this](const QString& code, int) -> QString {
         if (code == "count = 4") {
             script.listings[""] = "int#count=4,dict#+person={...}";
@@ -446,6 +492,7 @@ TEST_F(DapSession, GivesTheTextOfASource) {
     EXPECT_EQ(client.body("source", source(path))["content"], "ä = 1\n");
     EXPECT_EQ(client.error("source", source("/no/such")),
               "source: '/no/such' can't be read: No such file or directory");
+    EXPECT_EQ(client.error("source", source("/dev/zero")), "source: '/dev/zero' is no file");
     EXPECT_EQ(client.error("source", {{"sourceReference", 1}}), "source: 'source.path' is missing");
 }
 
