@@ -11,7 +11,8 @@ Outcome<ProgramStart> runStart(const QString& runner, const LaunchArguments& arg
                     QStringLiteral("the suite '%1' is no folder").arg(arguments.suite));
     ProgramStart start;
     start.program = runner;
-    start.arguments = QStringList{"run", "--debugger", "--no-console", "--report", "json:" + journal};
+    start.arguments =
+        QStringList{"run", "--debugger", "--no-console", "--report", "json:" + journal};
     if (arguments.display)
         start.arguments << "--aut-display" << *arguments.display;
     start.arguments << arguments.suite;
