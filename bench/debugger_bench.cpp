@@ -156,9 +156,10 @@ void measure(Row& row, Debugger& debugger) {
     if (id > 0)
         debugger.setBreakPoint(row.line, id, false);
 
-    row.byBdb = std::min(
-        row.byBdb, timeOf(attribute(row.isFromFirstLine ? "withBdbFromTheFirstLine" : "withBdb"),
-                          Py_BuildValue("(Oisi)", function, row.count, file.constData(), row.line)));
+    row.byBdb =
+        std::min(row.byBdb,
+                 timeOf(attribute(row.isFromFirstLine ? "withBdbFromTheFirstLine" : "withBdb"),
+                        Py_BuildValue("(Oisi)", function, row.count, file.constData(), row.line)));
 }
 
 /// The time of one listing, of which the connections to applications have no part.

@@ -104,9 +104,9 @@ int main(int argc, char** argv) {
         loops.push_back(call("plainLoop", {Inspector::self()->createObject("QPushButton"),
                                            Inspector::self()->createObject(wantedText)}));
         for (int each = 0; each < 5; ++each) {
-            const auto click = [&](auto&& call) {
+            const auto click = [](auto&& clickOnce) {
                 return microseconds([&] {
-                    const auto clicked = call();
+                    const auto clicked = clickOnce();
                     return clicked && clicked->has_value();
                 });
             };

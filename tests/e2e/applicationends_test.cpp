@@ -183,7 +183,12 @@ TEST_F(ApplicationRun, OnesThatTakeNoAgentAreToldAtOnce) {
         int timeout;
         const char* text;
     } table[] = {
-        {FOREIGN_TARGET, 60000, "it is a program with Qt 6, and only programs with Qt 5"},
+        {FOREIGN_TARGET " libgtk-4.so.1", 60000,
+         "it is a program with GTK 4, and only programs with Qt 5 or Qt 6"},
+        {FOREIGN_TARGET " libQt6Core.so.6.2.4", 60000,
+         "it is a program with Qt 6.2.4, and agents for Qt 6 need 6.4 or later"},
+        {FOREIGN_TARGET, 60000, "it is a program with Qt 6.5.3 linked statically"},
+        {"faulty deaf", 60000, "that takes no plug-in from QT_PLUGIN_PATH"},
         {"faulty version", 60000, "its agent can't be used"},
         {"faulty token", 60000, "its agent can't be used"},
         // It says hello, and nothing else.

@@ -4,8 +4,11 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QThread>
+#include <QUrl>
 #include <csignal>
 
+#include "e2e/applicationrun.h"
 #include "e2e/documentblock.h"
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
@@ -26,7 +29,10 @@ const QString exampleSuite =
 const QString prompt = "tamrixrunner dbg> ";
 
 QString shown(const QString& text) {
-    return Normaliser().path(exampleSuite, "SUITE").pattern("\\d+\\.\\d+ s\\b", "0.05 s")(text);
+    return Normaliser()
+        .path(exampleSuite, "SUITE")
+        .pattern("\\d+\\.\\d+ s\\b", "0.05 s")
+        .pattern("0x[0-9a-f]+", "0x7f0000000000")(text);
 }
 
 QByteArray typed(QString command) {
@@ -70,14 +76,18 @@ TEST(DebuggerDialogues, TheSessionOfTheDocumentGoesAsRecorded) {
     EXPECT_TRUE(block.compare(shown(recorded + runner.takeOutput())));
 }
 
-class DebuggedRun : public testing::Test {
+class DebuggedRun : public ApplicationRun {
 protected:
-    void start(const QByteArray& script, const QByteArray& config = {}) {
+    /// `starter` is a program that becomes the runner.
+    void start(const QByteArray& script, const QString& starter = {}) {
         suite.write("suite/a/test.py", script);
-        if (!config.isEmpty())
-            suite.write("suite/config.xml", config);
-        runner.startDialogue(
-            {"run", "--debugger", suite.path("suite"), "--result-dir", suite.path("results")});
+        QStringList arguments = {"run", "--debugger", suite.path("suite"), "--result-dir",
+                                 suite.path("results")};
+        if (!starter.isEmpty()) {
+            arguments.prepend(TAMRIX_TEST_PREFIX "/bin/tamrixrunner");
+            runner.setProgram(starter);
+        }
+        runner.startDialogue(arguments);
     }
     /// Lets the program perform the command and expects what it says then.
     void expect(const QByteArray& command, const QString& wanted) {
@@ -90,9 +100,6 @@ protected:
     QString results() const {
         return messagesOf(readJournal(suite.path("results/journal.jsonl")), "result");
     }
-
-    SuiteFolder suite;
-    RunnerProcess runner;
 };
 
 TEST_F(DebuggedRun, StopsWhereAScriptAsksForIt) {
@@ -105,7 +112,7 @@ TEST_F(DebuggedRun, StopsWhereAScriptAsksForIt) {
     expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
     expect("run", "TDBG:@line 2, SUITE/a/test.py:\n");
     expect("run", "TDBG:@line 5, SUITE/a/test.py:\n");
-    expect("eval test.fail('asked')", "TDBG:eval\n");
+    expect("eval test.fail('asked')", "TDBG:evalFalse\n");
     expect("run", "");
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 1);
@@ -136,25 +143,186 @@ TEST_F(DebuggedRun, EachCaseIsDebuggedAnew) {
     EXPECT_EQ(runner.exitCode(), 0);
 }
 
-TEST_F(DebuggedRun, AnInterruptStopsItAndTheNextOneEndsIt) {
+/// A suite with a map of names in which the calculator's display has a wrong one.
+class DebuggedApplication : public DebuggedRun {
+protected:
+    DebuggedApplication() {
+        suite.write("suite/config.xml",
+                    "<suite><applications><application name='calculator' "
+                    "path='/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/widgets/calculator/"
+                    "calculator'/></applications></suite>");
+        writeMap("QTextEdit");
+    }
+
+    void writeMap(const QByteArray& type) {
+        suite.write("suite/shared/objectnames.tsv", ":Display\t{type='" + type + "'}\n");
+    }
+    /// Starts the script and lets it run into its first look-up.
+    void startAndRun(const QByteArray& look) {
+        start(
+            "def main():\n"
+            "    testSettings.objectNotFoundDebugging = True\n"
+            "    testSettings.waitForObjectTimeout = 100\n"
+            "    startApplication('calculator')\n"
+            "    " +
+            look +
+            "\n"
+            "    test.pass_('went on')\n");
+        expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+        expect("enableObjectNotFoundDebugging", "");
+        expectStop("run");
+    }
+    void expectStop(const QByteArray& command) {
+        const QString said = answer(runner, command + '\n');
+        static const QRegularExpression event(
+            "^TDBG:@objLookupError 5\t-?\\d+\t.*/a/test.py\t:Display\t"
+            "Object ':Display' not found within 100 ms.*\n$");
+        EXPECT_TRUE(event.match(said).hasMatch()) << qPrintable(said + runner.errors());
+    }
+};
+
+TEST_F(DebuggedApplication, ANameThatFindsNothingIsMendedInTheMap) {
+    // Each in its own way: a wait, a function of the application with the act in one request.
+    for (const char* look : {"waitForObject(':Display')", "click(':Display')"}) {
+        writeMap("QTextEdit");
+        startAndRun(look);
+        // Nothing has changed.
+        expectStop("continue");
+        expectStop("next");
+        writeMap("QLineEdit");
+        expect("continue", "");
+        runner.finish();
+        EXPECT_EQ(runner.exitCode(), 0) << look << qPrintable(runner.errors());
+        EXPECT_EQ(results(), "went on");
+    }
+}
+
+TEST_F(DebuggedApplication, CodeMendsWhatTheNameIsToFind) {
+    startAndRun("waitForObject(':Display')");
+    const QString code = "open('" + suite.path("suite/shared/objectnames.tsv") +
+                         "', 'w').write(\":Display\\t{type='QLineEdit'}\\n\")";
+    expect("continue updateReferences " + QUrl::toPercentEncoding(code), "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+}
+
+TEST_F(DebuggedApplication, AnErrorTakesItsCourseWhereThatIsWanted) {
+    startAndRun("waitForObject(':Display')");
+    answer(runner, "continue skipCurrentError\n");
+    // The debugger may stop for the error, too.
+    answer(runner, "run\n");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(results().startsWith("Script Error")) << qPrintable(runner.errors());
+}
+
+TEST_F(DebuggedApplication, AFaultyMapIsTold) {
+    startAndRun("waitForObject(':Display')");
+    suite.write("suite/shared/objectnames.tsv", "nonsense\n");
+    const QString said = answer(runner, "continue\n");
+    EXPECT_TRUE(said.startsWith("TDBG:@notify ObjectMap\t" + suite.path("suite")))
+        << qPrintable(said);
+    EXPECT_TRUE(said.contains("\nTDBG:@objLookupError 5\t")) << qPrintable(said);
+    runner.type("continue skipCurrentError\nrun\n");
+    runner.finish();
+}
+
+TEST_F(DebuggedApplication, ItsObjectsAreListedWithTheirProperties) {
+    writeMap("QLineEdit");
     start(
-        "import time\n"
         "def main():\n"
-        "    print('ready')\n"
-        "    while True:\n"
-        "        time.sleep(0.01)\n"
-        "def cleanup():\n"
-        "    test.log('cleaned up')\n");
+        "    startApplication('calculator')\n"
+        "    display = waitForObject(':Display')\n"
+        "    test.breakpoint()\n");
     expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
-    runner.type("run\n");
-    ASSERT_TRUE(runner.waitForErrors("ready"));
+    expect("run", "TDBG:@line 4, SUITE/a/test.py:\n");
+    const QString top = answer(runner, "print variables\n");
+    EXPECT_TRUE(top.contains("#+display")) << qPrintable(top);
+    const QString members = answer(runner, "print variables +display\n");
+    EXPECT_TRUE(members.startsWith("TDBG:symb.+display:{")) << qPrintable(members);
+    EXPECT_TRUE(members.contains("#display.text=0,")) << qPrintable(members);
+    EXPECT_TRUE(members.contains("#display.readOnly=true,")) << qPrintable(members);
+    expect("run", "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+}
+
+TEST_F(DebuggedRun, StopsForAnErrorThatNothingCatches) {
+    start(
+        "def fails():\n"
+        "    value = 3\n"
+        "    raise ValueError('wrong')\n"
+        "def main():\n"
+        "    try:\n"
+        "        fails()\n"
+        "    except ValueError:\n"
+        "        pass\n"
+        "    fails()\n");
+    expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+    expect("run", "TDBG:@line 3, SUITE/a/test.py:\n");
+    expect("bt", "TDBG:SUITE/a/test.py: 9\n");
+    expect("eval value", "TDBG:eval3\n");
+    expect("run", "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 1);
+}
+
+TEST_F(DebuggedApplication, QuittingEndsTheApplicationsOfTheRun) {
+    startAndRun("waitForObject(':Display')");
+    runner.type("quit\n");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    EXPECT_EQ(results(), "The run was ended in the debugger") << qPrintable(runner.errors());
+    // What is left is cleared up behind the process.
+    for (int tenths = 0; tenths < 100 && !leftProcesses().isEmpty(); ++tenths)
+        QThread::msleep(100);
+}
+
+/// Interrupts a script that runs.
+class InterruptedDebugging : public DebuggedRun {
+protected:
+    void startAndRun(const QString& starter) {
+        start(
+            "import time\n"
+            "def main():\n"
+            "    print('ready')\n"
+            "    while True:\n"
+            "        time.sleep(0.01)\n"
+            "def cleanup():\n"
+            "    test.log('cleaned up')\n",
+            starter);
+        expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+        runner.type("run\n");
+        EXPECT_TRUE(runner.waitForErrors("ready"));
+    }
+    void expectStop() {
+        EXPECT_TRUE(runner.waitForOutput("TDBG:@line ")) << qPrintable(runner.errors());
+        EXPECT_EQ(answer(runner, "bt\n").count("TDBG:@line "), 1) << "and no further one";
+    }
+    void expectOrderlyEnd() {
+        runner.finish();
+        EXPECT_EQ(runner.exitCode(), 130) << qPrintable(runner.errors());
+        EXPECT_EQ(results(), "Script Error cleaned up") << qPrintable(runner.errors());
+    }
+};
+
+TEST_F(InterruptedDebugging, StopsTheScriptAndTheNextOneEndsTheRun) {
+    startAndRun({});
     runner.sendSignal(SIGINT);
-    ASSERT_TRUE(runner.waitForOutput("TDBG:@line ")) << qPrintable(runner.errors());
+    expectStop();
     // The script stands still.
     runner.sendSignal(SIGINT);
-    runner.finish();
-    EXPECT_EQ(runner.exitCode(), 130) << qPrintable(runner.errors());
-    EXPECT_EQ(results(), "Script Error cleaned up") << qPrintable(runner.errors());
+    expectOrderlyEnd();
+}
+
+TEST_F(InterruptedDebugging, StopsItOnceBySignalsToAllItsProcesses) {
+    startAndRun("setsid");
+    runner.sendSignalToGroup(SIGINT);
+    expectStop();
+    // Not taken for the other half of the first one.
+    QThread::msleep(1100);
+    runner.sendSignalToGroup(SIGINT);
+    expectOrderlyEnd();
 }
 
 TEST(DebuggerTerminal, LinesAreEditedAndComeBack) {

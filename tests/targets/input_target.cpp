@@ -108,6 +108,14 @@ void addButtons(QGridLayout* grid) {
                                                                   : QStringLiteral("no"));
                                }),
                     1, 0);
+    // A window that never shows and is gone after a while.
+    grid->addWidget(makeButton("Close Later",
+                               [] {
+                                   auto* const window = new QWidget(s_window, Qt::Window);
+                                   window->setObjectName(QStringLiteral("shortLived"));
+                                   QTimer::singleShot(1000, window, &QObject::deleteLater);
+                               }),
+                    0, 3);
     grid->addWidget(makeButton("Exit", [] { ::_exit(7); }), 1, 1);
     auto* const moving = makeButton("Moving", [] { log(QStringLiteral("caught")); });
     auto* const field = new QWidget;

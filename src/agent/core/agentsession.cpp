@@ -8,9 +8,9 @@
 #include <QWindow>
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <tuple>
 
+#include "agent/core/guarded.h"
 #include "agent/core/toolkitlibraries.h"
 
 namespace Tamrix::Agent {
@@ -153,15 +153,7 @@ void AgentSession::workOnNext() {
                                                  .arg(static_cast<int>(frame.type)));
         return;
     }
-    // Code of the application runs below the handler; nothing it throws may pass Qt's event loop.
-    try {
-        handler(frame.body, responder);
-    } catch (const std::exception& error) {
-        responder->fail(FailureKind::Failed, QString::fromLocal8Bit(error.what()));
-    } catch (...) {
-        responder->fail(FailureKind::Failed,
-                        QStringLiteral("the application threw an exception of unknown type"));
-    }
+    guarded(responder, [&] { handler(frame.body, responder); });
 }
 
 void AgentSession::answer(quint32 sequence, Wire::MessageType type, const QByteArray& body) {

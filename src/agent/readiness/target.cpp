@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "agent/core/elementref.h"
+#include "agent/core/guarded.h"
 #include "agent/core/itempath.h"
 #include "agent/core/lookup.h"
 #include "agent/core/toolkit.h"
@@ -34,7 +35,7 @@ void lookLater(const SearchPtr& search, const Element& element, const QString& o
     const qint64 left = target.timeout - search->clock.elapsed();
     if (left > 0 && search->responder->isWanted()) {
         QTimer::singleShot(static_cast<int>(std::min<qint64>(left, pollInterval)), Session::self(),
-                           [search] { look(search); });
+                           [search] { guarded(search->responder, [&] { look(search); }); });
         return;
     }
     Wire::Missed missed;
@@ -87,10 +88,12 @@ void look(const SearchPtr& search) {
     lookIfReady(element, Aim::of(target.wanted),
                 [search, ref = ElementRef(element)](const Readiness& readiness) {
                     const Element same = ref.get();
-                    if (readiness.isReady && !same.isNull())
-                        search->act(same);
-                    else
-                        lookLater(search, same, readiness.obstacle);
+                    guarded(search->responder, [&] {
+                        if (readiness.isReady && !same.isNull())
+                            search->act(same);
+                        else
+                            lookLater(search, same, readiness.obstacle);
+                    });
                 });
 }
 

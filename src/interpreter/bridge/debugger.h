@@ -151,8 +151,6 @@ public:
     static QString currentFile();
 
     bool hasBreakPoint(int line, int sourceId) const;
-    /// Whether the mode, or a break point, wants the script to stop at a line that it has reached.
-    bool wantsStop(const DebuggerFrame& position) const;
     /// Keeps a break point for a file that has no source id yet. One with a bare file name is for
     /// every file of that name.
     void bufferBreakPoint(const QString& file, int line);

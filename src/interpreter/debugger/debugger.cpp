@@ -226,22 +226,6 @@ bool Debugger::hasBreakPoint(int line, int sourceId) const {
            m_breakPoints.cend();
 }
 
-bool Debugger::wantsStop(const DebuggerFrame& position) const {
-    switch (m_mode) {
-        case None:
-            return false;
-        case Step:
-            return true;
-        case Next:
-            if (frameDepth() <= m_stepDepth)
-                return true;
-            break;
-        case Run:
-            break;
-    }
-    return hasBreakPoint(position.line, position.sourceId);
-}
-
 void Debugger::bufferBreakPoint(const QString& file, int line) {
     const bool isBareName = QFileInfo(file).fileName() == file;
     QMap<QString, std::vector<int>>& buffer =

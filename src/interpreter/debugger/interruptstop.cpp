@@ -1,7 +1,5 @@
 #include "interpreter/debugger/interruptstop.h"
 
-#include <csignal>
-
 #include <atomic>
 
 #include "interpreter/bridge/debugger.h"
@@ -17,7 +15,12 @@ std::atomic<Debugger*> s_target{nullptr};
 const Debugger* s_owner = nullptr;
 struct sigaction s_previous;
 
-void handleInterrupt(int signal) {
+std::atomic<InterruptFilter> s_isPassedOver{nullptr};
+
+void handleInterrupt(int signal, siginfo_t* info, void*) {
+    const InterruptFilter isPassedOver = s_isPassedOver;
+    if (isPassedOver && isPassedOver(signal, *info))
+        return;
     sigaction(signal, &s_previous, nullptr);
     if (Debugger* debugger = s_target.exchange(nullptr))
         debugger->interrupt();
@@ -28,13 +31,17 @@ void handleInterrupt(int signal) {
 void stopOnInterrupt(Debugger* debugger) {
     s_target = debugger;
     struct sigaction action = {};
-    action.sa_handler = handleInterrupt;
+    action.sa_sigaction = handleInterrupt;
     sigemptyset(&action.sa_mask);
     // The signal is not held back while the handler runs: a second one has its effect even while
     // the script is stopped in there.
-    action.sa_flags = SA_NODEFER | SA_RESTART;
+    action.sa_flags = SA_SIGINFO | SA_NODEFER | SA_RESTART;
     sigaction(SIGINT, &action, s_owner ? nullptr : &s_previous);
     s_owner = debugger;
+}
+
+void setInterruptFilter(InterruptFilter isPassedOver) {
+    s_isPassedOver = isPassedOver;
 }
 
 void releaseInterrupt(const Debugger* debugger) {

@@ -74,6 +74,11 @@ void applicationCommandLine(ScriptContext* context) {
         context->setStringResult(application->commandLine);
 }
 
+void applicationToolkitVersion(ScriptContext* context) {
+    if (const ApplicationPtr application = applicationAlone(context, "toolkitVersion"))
+        context->setStringResult(application->toolkitVersion);
+}
+
 void applicationStartTime(ScriptContext* context) {
     if (const ApplicationPtr application = applicationAlone(context, "startTime"))
         context->setDateTimeResult(application->startTime);

@@ -29,6 +29,7 @@ TAMRIX_EXPORT bool connectTo(ScriptContext* context);
 // Members of ApplicationContext, which is argument 0: applicationcontextmembers.cpp.
 TAMRIX_EXPORT void applicationName(ScriptContext* context);
 TAMRIX_EXPORT void applicationCommandLine(ScriptContext* context);
+TAMRIX_EXPORT void applicationToolkitVersion(ScriptContext* context);
 TAMRIX_EXPORT void applicationPid(ScriptContext* context);
 TAMRIX_EXPORT void applicationCwd(ScriptContext* context);
 TAMRIX_EXPORT void applicationIsRunning(ScriptContext* context);

@@ -228,6 +228,8 @@ const FunctionRow applicationContextFunctions[] = {
     {"readStdout", applicationReadStdout, "context", "", "What it wrote to its standard output"},
     {"readStderr", applicationReadStderr, "context", "", "What it wrote to its standard error"},
     {"osName", applicationOsName, "context", "", "The operating system that it runs on"},
+    {"toolkitVersion", applicationToolkitVersion, "context", "",
+     "What it is made with, as \"Qt 6.4.2\""},
     {"environmentVariable", applicationEnvironmentVariable, "context name", "",
      "The value of a variable in its environment"},
     {"host", applicationHost, "context", "", "The machine that it runs on"},

@@ -47,7 +47,7 @@ Outcome<SharedPtr<Object>> Access::objectById(int /*remoteId*/) {
     return cannot("find objects by number");
 }
 
-Outcome<> Access::mouseEvent(const Target& /*target*/, Wire::MouseEvent /*event*/) {
+Outcome<> Access::mouseEvent(const Target& /*target*/, const Wire::MouseEvent& /*event*/) {
     return cannot("take mouse events");
 }
 

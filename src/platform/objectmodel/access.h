@@ -156,8 +156,8 @@ public:
     /// the target was missed, and what the function gave, the answer tells.
     virtual Outcome<TargetAnswer> act(const QString& function, const Target& target,
                                       const ObjectList& arguments, int timeout) = 0;
-    /// `event.target` is set from `target`; nothing means the screen.
-    virtual Outcome<> mouseEvent(const Target& target, Wire::MouseEvent event);
+    /// `target` stands for that of the event; nothing means the screen.
+    virtual Outcome<> mouseEvent(const Target& target, const Wire::MouseEvent& event);
     virtual Outcome<> keyEvent(const QString& key, bool press);
     /// -1 milliseconds: until stopHighlight().
     virtual Outcome<> highlight(const Target& target, int milliseconds);

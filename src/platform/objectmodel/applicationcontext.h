@@ -15,6 +15,8 @@ public:
     int id = -1;
     QString name;
     QString commandLine;
+    /// What it is made with, "Qt 6.4.2"; empty when unknown.
+    QString toolkitVersion;
     /// The process id, -1 when unknown.
     int pid = -1;
     bool valid = false;

@@ -22,8 +22,7 @@ Py_ssize_t containerSize(PyObject* container) {
     return PyDict_Check(container) ? PyDict_Size(container) : PySet_GET_SIZE(container);
 }
 
-std::vector<ContainerItem> containerItems(PyObject* container, Py_ssize_t first,
-                                          Py_ssize_t limit) {
+std::vector<ContainerItem> containerItems(PyObject* container, Py_ssize_t first, Py_ssize_t limit) {
     std::vector<ContainerItem> items;
     const Py_ssize_t end = first + std::min(limit, containerSize(container));
     if (isSequence(container)) {

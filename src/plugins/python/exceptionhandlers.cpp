@@ -114,7 +114,8 @@ public:
 private:
     /// Takes the next instruction with its argument.
     bool take() {
-        const auto* const bytes = reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(m_bytes.get()));
+        const auto* const bytes =
+            reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(m_bytes.get()));
         const auto count = static_cast<int>(PyBytes_GET_SIZE(m_bytes.get()) / 2);
         m_argument = 0;
         while (m_next < count) {
@@ -140,7 +141,8 @@ private:
             case LOAD_FAST:
             case LOAD_DEREF:
             case LOAD_CLASSDEREF:
-                return push(item(m_locals, PyTuple_GET_ITEM(m_code->co_localsplusnames, m_argument)));
+                return push(
+                    item(m_locals, PyTuple_GET_ITEM(m_code->co_localsplusnames, m_argument)));
             case LOAD_ATTR: {
                 if (m_stack.empty())
                     return false;

@@ -67,8 +67,8 @@ bool runStatements(const QString& text, PyObject* globals, PyObject* locals) {
     const PyRef ast = checked(PyImport_ImportModule("ast"));
     const PyRef globalType = checked(PyObject_GetAttrString(ast.get(), "Global"));
     const PyRef compile = PyRef::borrow(PyDict_GetItemString(PyEval_GetBuiltins(), "compile"));
-    const PyRef tree = checked(PyObject_CallMethod(ast.get(), "parse", "NO",
-                                                   toPyString(text).release(), file.get()));
+    const PyRef tree = checked(
+        PyObject_CallMethod(ast.get(), "parse", "NO", toPyString(text).release(), file.get()));
     const PyRef statements = checked(PyObject_GetAttrString(tree.get(), "body"));
     // A declaration holds for all statements behind it.
     const PyRef body = checked(PyList_New(0));
@@ -80,8 +80,8 @@ bool runStatements(const QString& text, PyObject* globals, PyObject* locals) {
         if (isDeclaration == 1)
             continue;
         const PyRef module = checked(PyObject_CallMethod(ast.get(), "Module", "O[]", body.get()));
-        const PyRef code = checked(
-            PyObject_CallFunction(compile.get(), "OOs", module.get(), file.get(), "exec"));
+        const PyRef code =
+            checked(PyObject_CallFunction(compile.get(), "OOs", module.get(), file.get(), "exec"));
         if (!runCode(code.get(), globals, locals))
             return false;
         const Py_ssize_t last = PyList_GET_SIZE(body.get()) - 1;

@@ -5,6 +5,7 @@
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptionhandlers.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/pythonsignals.h"
 #include "plugins/python/pythonvariables.h"
 #include "plugins/python/scripterror.h"
 
@@ -65,6 +66,14 @@ bool mayBeAnswer(PyObject* exception, const PyRef& code) {
     return false;
 }
 
+PyObject* stopAtNextLine(PyObject*, PyObject*) {
+    if (PythonInterpreter* const interpreter = PythonInterpreter::active())
+        interpreter->debugger().step();
+    Py_RETURN_NONE;
+}
+
+PyMethodDef s_stopHandler = {"stopAtNextLine", stopAtNextLine, METH_VARARGS, nullptr};
+
 }  // namespace
 
 PythonDebugger::PythonDebugger(PythonInterpreter& interpreter)
@@ -74,10 +83,12 @@ PythonDebugger::~PythonDebugger() = default;
 
 void PythonDebugger::setInteractive(bool interactive) {
     Debugger::setInteractive(interactive);
-    if (interactive)
+    if (interactive) {
         m_hook.install();
-    else
+        setSignalHandler(stopSignal(), s_stopHandler);
+    } else {
         m_hook.uninstall();
+    }
 }
 
 void PythonDebugger::setDebuggerMode(DbgMode mode) {
@@ -94,6 +105,11 @@ void PythonDebugger::setBreakPoint(int line, int sourceId, bool set) {
         std::erase(lines, line);
     m_state = ++s_lastState;
     m_hook.redecide();
+}
+
+void PythonDebugger::interrupt() {
+    // Python goes on to where it can be told.
+    PyErr_SetInterruptEx(stopSignal());
 }
 
 void PythonDebugger::shutDown() {
@@ -187,9 +203,8 @@ std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
     if (lines.empty())
         return lines;
     const std::vector<int> own = linesOf(code);
-    std::erase_if(lines, [&own](int line) {
-        return !std::binary_search(own.begin(), own.end(), line);
-    });
+    std::erase_if(lines,
+                  [&own](int line) { return !std::binary_search(own.begin(), own.end(), line); });
     return lines;
 }
 
@@ -258,8 +273,7 @@ bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
     }
     for (PyRef frame = runningFrame(); frame; frame = nextOutwards(frame)) {
         if (std::find(m_catching.begin(), m_catching.end(), frame.get()) != m_catching.end() ||
-            mayBeAnswer(exception, frameCode(frame.get())) ||
-            mayCatch(frame.get(), exception))
+            mayBeAnswer(exception, frameCode(frame.get())) || mayCatch(frame.get(), exception))
             return true;
     }
     return false;

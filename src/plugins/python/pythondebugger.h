@@ -21,9 +21,9 @@ namespace Tamrix::PythonPlugin {
 class PythonInterpreter;
 
 /// Python's half of the debugger. While it is interactive, a hook tells it of the lines of those
-/// calls that could have to stop: in mode Run of functions with a break point in them, when stepping
-/// of those at the depth of the step. No other line costs anything. The frames are read from Python
-/// when they are asked for.
+/// calls that could have to stop: in mode Run of functions with a break point in them, when
+/// stepping of those at the depth of the step. No other line costs anything. The frames are read
+/// from Python when they are asked for.
 class PythonDebugger final : public Debugger, private TraceListener {
 public:
     explicit PythonDebugger(PythonInterpreter& interpreter);
@@ -37,13 +37,15 @@ public:
     void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
+    /// Stops at the next line. Only sets flags.
+    void interrupt() override;
 
     /// The frames of scripts at which the debugger looks, the innermost first: of an error that it
     /// has stopped for, else those that run.
     std::vector<ScriptFrame> frames();
 
-    /// A native function raises the exception that is set: stops before the script's frames are left
-    /// if nothing in them catches it.
+    /// A native function raises the exception that is set: stops before the script's frames are
+    /// left if nothing in them catches it.
     void errorRaised() { m_hook.tellErrorSet(); }
     /// Nothing has caught the exception that is set: stops if the debugger has not done so before.
     void errorUncaught();

@@ -4,15 +4,11 @@
 
 #include <atomic>
 
+#include "plugins/python/pythonsignals.h"
+
 namespace Tamrix::PythonPlugin {
 
 namespace {
-
-/// A signal that nothing else in a test run uses. Python runs a signal's handler where it looks for
-/// Ctrl-C as well: between instructions, in waiting calls and in the representation of containers.
-int limitSignal() {
-    return SIGRTMAX - 2;
-}
 
 /// How soon the exception is raised once more.
 constexpr std::chrono::milliseconds repetition{20};
@@ -36,19 +32,7 @@ PyObject* handleSignal(PyObject*, PyObject*) {
     Py_RETURN_NONE;
 }
 
-/// Whether Python knows what to do at the signal.
-bool isHandlerSet() {
-    static PyMethodDef s_definition = {"timeLimit", handleSignal, METH_VARARGS, nullptr};
-    const PyRef module = PyRef::steal(PyImport_ImportModule("signal"));
-    const PyRef handler = PyRef::steal(module ? PyCFunction_New(&s_definition, nullptr) : nullptr);
-    const PyRef previous =
-        PyRef::steal(handler ? PyObject_CallMethod(module.get(), "signal", "iO", limitSignal(),
-                                                   handler.get())
-                             : nullptr);
-    if (!previous)
-        PyErr_Clear();
-    return bool(previous);
-}
+PyMethodDef s_handler = {"timeLimit", handleSignal, METH_VARARGS, nullptr};
 
 timespec toTimeSpec(std::chrono::milliseconds time) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
@@ -58,12 +42,12 @@ timespec toTimeSpec(std::chrono::milliseconds time) {
 }  // namespace
 
 TimeLimit::TimeLimit(std::chrono::milliseconds time) {
-    if (s_isArmed || !exceptionType() || !isHandlerSet())
+    if (s_isArmed || !exceptionType() || !setSignalHandler(timeLimitSignal(), s_handler))
         return;
     // The signal goes to this thread, so that it ends what the thread waits for.
     sigevent event = {};
     event.sigev_notify = SIGEV_THREAD_ID;
-    event.sigev_signo = limitSignal();
+    event.sigev_signo = timeLimitSignal();
     event._sigev_un._tid = gettid();
     if (timer_create(CLOCK_MONOTONIC, &event, &m_timer) != 0)
         return;

@@ -17,8 +17,8 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// A call of Python code takes some hundred bytes of the stack while the hook is installed, and none
-/// without it. The rest of the stack is for native functions.
+/// A call of Python code takes some hundred bytes of the stack while the hook is installed, and
+/// none without it. The rest of the stack is for native functions.
 constexpr std::size_t stackReserve = std::size_t(1) << 20;
 
 TraceHook* s_installed = nullptr;
@@ -170,7 +170,7 @@ int TraceHook::trace(PyObject*, PyFrameObject* frame, int event, PyObject* argum
         const Pause pause(*hook);
         if (event == PyTrace_LINE)
             hook->m_listener.lineReached(reinterpret_cast<PyObject*>(frame),
-                                            hook->m_thread->cframe->current_frame->previous);
+                                         hook->m_thread->cframe->current_frame->previous);
         else if (event == PyTrace_EXCEPTION)
             hook->m_listener.errorPasses(PyTuple_GET_ITEM(argument, 1),
                                          PyTuple_GET_ITEM(argument, 2));

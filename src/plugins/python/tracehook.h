@@ -31,8 +31,8 @@ public:
     virtual void errorPasses(PyObject* exception, PyObject* traceback) = 0;
 };
 
-/// Follows the calls of one thread. Python's trace function slows every instruction down while it is
-/// set, so the hook sets it only for calls whose lines are wanted: it stands in for the function
+/// Follows the calls of one thread. Python's trace function slows every instruction down while it
+/// is set, so the hook sets it only for calls whose lines are wanted: it stands in for the function
 /// that evaluates frames and decides for each of them. All other code runs at full speed, but for a
 /// few nanoseconds a call.
 ///

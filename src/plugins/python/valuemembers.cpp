@@ -109,8 +109,8 @@ ValueMembers itemsAsMembers(PyObject* container, Py_ssize_t first, Py_ssize_t li
     members.count = containerSize(container);
     Py_ssize_t index = first;
     for (ContainerItem& item : containerItems(container, first, limit)) {
-        members.page.push_back({item.key ? nameOfKey(item.key.get()) : QString::number(index),
-                                std::move(item.value)});
+        members.page.push_back(
+            {item.key ? nameOfKey(item.key.get()) : QString::number(index), std::move(item.value)});
         ++index;
     }
     return members;
@@ -207,9 +207,10 @@ QString pathPart(const QString& text, const QByteArray& furtherMarks) {
                                character.category() == QChar::Other_Control ||
                                (index == 0 && marks.contains(character)) ||
                                furtherMarks.contains(character.toLatin1());
-        part += isEscaped ? QString::fromLatin1(
-                                QUrl::toPercentEncoding(character, {}, ".+" + furtherMarks))
-                          : QString(character);
+        part +=
+            isEscaped
+                ? QString::fromLatin1(QUrl::toPercentEncoding(character, {}, ".+" + furtherMarks))
+                : QString(character);
     }
     return part;
 }

@@ -11,8 +11,8 @@ namespace Tamrix::PythonPlugin {
 
 /// A part of a value that a listing can go into.
 struct ValueMember {
-    /// As it stands in a path: an attribute as a pathPart(), an entry of a dictionary with its key in
-    /// brackets as code has it, another element as its number.
+    /// As it stands in a path: an attribute as a pathPart(), an entry of a dictionary with its key
+    /// in brackets as code has it, another element as its number.
     QString name;
     PyRef value;
 };

@@ -8,9 +8,9 @@
 namespace Tamrix::PythonPlugin {
 
 /// Writes values as a person looks at them while a script stands still. Long ones are cut before
-/// they are written, so that their length costs nothing. What script code of theirs takes, raises or
-/// returns does no harm: it has a limited time for each value, and for all values that one object
-/// writes.
+/// they are written, so that their length costs nothing. What script code of theirs takes, raises
+/// or returns does no harm: it has a limited time for each value, and for all values that one
+/// object writes.
 class ValueTexts {
 public:
     /// Python's representation, or in <> what there is instead of it. Never raises.

@@ -42,6 +42,7 @@ Application::Application(int id, const QString& name, std::unique_ptr<Access> ac
     this->name = name;
     pid = static_cast<int>(facts.pid);
     valid = true;
+    toolkitVersion = facts.toolkit;
     startTime = QDateTime::currentDateTime();
     commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(facts);
     m_access->setEndText([this] { return endText(); });

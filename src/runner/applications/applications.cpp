@@ -140,38 +140,35 @@ Outcome<SharedPtr<Application>> Applications::waitForStart(
         if (!refused.text.isEmpty())
             refusal = QStringLiteral("\nA connection was refused: ") + refused.text;
         const bool isHopeless = refused.isFinal && program->includes(refused.process);
-        const QString toolkit = isAlive && foreignToolkit.isLookDue()
-                                    ? foreignToolkit.look(program->processes())
-                                    : QString();
-        if (!isAlive || isHopeless || !toolkit.isEmpty() || deadline.hasExpired()) {
-            const FailureKind kind = !isAlive                           ? FailureKind::Ended
-                                     : isHopeless || !toolkit.isEmpty() ? FailureKind::Refused
-                                                                        : FailureKind::TimedOut;
-            return fail(kind, startFailure(*program, toolkit, isHopeless ? -1 : timeout) + refusal +
+        const QString obstacle = isAlive && foreignToolkit.isLookDue()
+                                     ? foreignToolkit.look(program->processes())
+                                     : QString();
+        if (!isAlive || isHopeless || !obstacle.isEmpty() || deadline.hasExpired()) {
+            const FailureKind kind = !isAlive                            ? FailureKind::Ended
+                                     : isHopeless || !obstacle.isEmpty() ? FailureKind::Refused
+                                                                         : FailureKind::TimedOut;
+            return fail(kind, startFailure(*program, obstacle, isHopeless ? -1 : timeout) + refusal +
                                   program->lastErrorText());
         }
         waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
     }
 }
 
-QString Applications::startFailure(StartedProgram& program, const QString& toolkit, int timeout) {
+QString Applications::startFailure(StartedProgram& program, const QString& obstacle,
+                                   int timeout) {
     const QString name = program.start().name;
     if (program.process().hasEnded()) {
         program.output().waitForEnd(500);
         return QStringLiteral("'%1' ended before its agent connected: %2")
             .arg(name, program.process().endText());
     }
-    if (!toolkit.isEmpty()) {
-        return QStringLiteral(
-                   "'%1' was started, but it is a program with %2, and only programs with Qt 5 "
-                   "take an agent")
-            .arg(name, toolkit);
-    }
+    if (!obstacle.isEmpty())
+        return QStringLiteral("'%1' was started, but %2").arg(name, obstacle);
     if (timeout < 0)
         return QStringLiteral("'%1' was started, but its agent can't be used").arg(name);
     return QStringLiteral(
                "'%1' was started, but no agent in it connected within %2 ms; is it a program "
-               "with Qt 5?")
+               "with Qt 5 or Qt 6?")
         .arg(name, QString::number(timeout));
 }
 

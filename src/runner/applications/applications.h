@@ -89,9 +89,9 @@ private:
     SharedPtr<Application> firstOf(const StartedProgram* program);
     Outcome<SharedPtr<Application>> waitForStart(const std::shared_ptr<StartedProgram>& program,
                                                  const QDeadlineTimer& deadline, int timeout);
-    /// `toolkit` is the one that takes no agent, empty when that is not why. `timeout` is -1 when
-    /// the wait ended before.
-    QString startFailure(StartedProgram& program, const QString& toolkit, int timeout);
+    /// `obstacle` is what keeps the agent out, empty when that is not why. `timeout` is -1 when the
+    /// wait ended before.
+    QString startFailure(StartedProgram& program, const QString& obstacle, int timeout);
     /// Asks what scripts need first. Fails when the application, though connected, does not answer
     /// in time.
     Outcome<> greet(Application& application, const QDeadlineTimer& deadline, int timeout);

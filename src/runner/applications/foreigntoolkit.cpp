@@ -1,45 +1,148 @@
 #include "runner/applications/foreigntoolkit.h"
 
 #include <QFile>
+#include <QRegularExpression>
+#include <string_view>
+
+#include "base/environment.h"
 
 namespace Tamrix {
 
 namespace {
 
-const char ownLibrary[] = "/libQt5Core.so";
-
-/// By how a library's file is called.
+/// What programs may be made with instead, by how a library's file is called.
 const struct {
     const char* library;
     const char* toolkit;
 } foreignLibraries[] = {
-    {"/libQt6Core.so", "Qt 6"},      {"/libQtCore.so.4", "Qt 4"}, {"/libgtk-4.so", "GTK 4"},
-    {"/libgtk-3.so", "GTK 3"},       {"/libtk8.", "Tk"},          {"/libfltk.so", "FLTK"},
-    {"/libgtk-x11-2.0.so", "GTK 2"},
+    {"/libQtCore.so.4", "Qt 4"},       {"/libgtk-4.so", "GTK 4"}, {"/libgtk-3.so", "GTK 3"},
+    {"/libgtk-x11-2.0.so", "GTK 2"}, {"/libtk8.", "Tk"},        {"/libfltk.so", "FLTK"},
 };
+
+/// What Qt tells of its own build: "Qt 6.4.2 (x86_64-little_endian-lp64 static release build; by ...".
+constexpr std::string_view buildName = "Qt ";
+constexpr std::string_view staticBuild = "-little_endian-lp64 static ";
+
+/// A version of Qt with an agent.
+struct DrivenQt {
+    int major;
+    /// Qt loads plug-ins that were built with its own minor version or an earlier one.
+    int oldestMinor;
+    const char* agent;
+};
+constexpr DrivenQt drivenVersions[] = {{5, 15, "/lib/libtamrixagent.so"},
+                                       {6, 4, "/lib/libtamrixagent-qt6.so"}};
+
+/// The Qt of a process, as the file of its core library is called.
+struct LoadedQt {
+    int major = 0;
+    /// -1 when the file does not tell.
+    int minor = -1;
+    QString version;
+};
+
+LoadedQt loadedQt(const QByteArray& maps) {
+    static const QRegularExpression s_library(
+        QStringLiteral("/libQt([56])Core\\.so(?:\\.\\d+\\.(\\d+))?(\\.\\d+)?"));
+    const QRegularExpressionMatch match = s_library.match(QString::fromLocal8Bit(maps));
+    LoadedQt qt;
+    qt.version = match.captured(1);
+    qt.major = qt.version.toInt();
+    if (match.capturedLength(2) > 0) {
+        qt.minor = match.captured(2).toInt();
+        qt.version += QLatin1Char('.') + match.captured(2) + match.captured(3);
+    }
+    return qt;
+}
+
+QString obstacleOf(const LoadedQt& qt, const QByteArray& maps) {
+    const DrivenQt& driven = drivenVersions[qt.major == 6 ? 1 : 0];
+    if (qt.minor >= 0 && qt.minor < driven.oldestMinor)
+        return QStringLiteral("it is a program with Qt %1, and agents for Qt %2 need %2.%3 or later")
+            .arg(qt.version, QString::number(driven.major), QString::number(driven.oldestMinor));
+    const QString prefix = Environment::getVariable(QLatin1String(prefixVariable));
+    if (!QFile::exists(prefix + QLatin1String(driven.agent)))
+        return QStringLiteral("it is a program with Qt %1, and this installation has no agent for "
+                              "Qt %2")
+            .arg(qt.version, QString::number(driven.major));
+    // Qt loads the plug-ins that the environment names right after that of the platform.
+    // One that took ours without the agent is not to be touched itself, but may start others.
+    if (!maps.contains("/platforms/lib") || maps.contains("/libtamrixagentplugin"))
+        return {};
+    if (maps.contains("/libtamrixhook.so"))
+        return QStringLiteral("it is a program with Qt %1 that takes neither the plug-in that "
+                              "QT_QPA_GENERIC_PLUGINS names nor the preloaded hook")
+            .arg(qt.version);
+    return QStringLiteral("it is a program with Qt %1 that takes no plug-in from QT_PLUGIN_PATH and "
+                          "QT_QPA_GENERIC_PLUGINS; hook=\"preload\" in config.xml may get the agent "
+                          "into it")
+        .arg(qt.version);
+}
 
 }  // namespace
 
-QString foreignToolkitOf(const std::vector<pid_t>& processes) {
+AgentProspect agentProspect(const QByteArray& maps) {
+    if (maps.contains("/libtamrixagent.so") || maps.contains("/libtamrixagent-qt6.so"))
+        return {true, {}};
+    const LoadedQt qt = loadedQt(maps);
+    if (qt.major != 0) {
+        const QString obstacle = obstacleOf(qt, maps);
+        return {obstacle.isEmpty(), obstacle};
+    }
+    for (const auto& [library, toolkit] : foreignLibraries) {
+        if (maps.contains(library))
+            return {false, QStringLiteral("it is a program with %1, and only programs with Qt 5 or "
+                                          "Qt 6 take an agent")
+                               .arg(QLatin1String(toolkit))};
+    }
+    return {};
+}
+
+QString staticQtVersion(const QString& programFile) {
+    QFile file(programFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const uchar* const data = file.map(0, file.size());
+    if (!data)
+        return {};
+    const std::string_view bytes(reinterpret_cast<const char*>(data),
+                                 static_cast<size_t>(file.size()));
+    const size_t build = bytes.find(staticBuild);
+    const size_t begin = build == std::string_view::npos ? build : bytes.rfind(buildName, build);
+    if (begin == std::string_view::npos)
+        return {};
+    static const QRegularExpression s_version(QStringLiteral("^Qt (\\d+\\.\\d+\\.\\d+) \\("));
+    return s_version.match(QString::fromLatin1(bytes.data() + begin, static_cast<int>(build - begin)))
+        .captured(1);
+}
+
+QString agentObstacle(const std::vector<pid_t>& processes) {
     QString found;
     for (const pid_t process : processes) {
-        QFile file(QStringLiteral("/proc/%1/maps").arg(process));
-        const QByteArray maps = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        if (maps.contains(ownLibrary))
+        const QString folder = QStringLiteral("/proc/%1/").arg(process);
+        QFile file(folder + QLatin1String("maps"));
+        const AgentProspect prospect =
+            agentProspect(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
+        if (prospect.isPossible)
             return {};
-        for (const auto& [library, toolkit] : foreignLibraries) {
-            if (found.isEmpty() && maps.contains(library))
-                found = QLatin1String(toolkit);
-        }
+        if (found.isEmpty())
+            found = prospect.obstacle;
+        if (!found.isEmpty())
+            continue;
+        const QString version = staticQtVersion(folder + QLatin1String("exe"));
+        if (!version.isEmpty())
+            found = QStringLiteral("it is a program with Qt %1 linked statically, into which no "
+                                   "plug-in can be loaded")
+                        .arg(version);
     }
     return found;
 }
 
 QString ForeignToolkitWatch::look(const std::vector<pid_t>& processes) {
     m_nextLook.setRemainingTime(lookInterval);
-    const QString toolkit = foreignToolkitOf(processes);
-    if (toolkit != m_seen) {
-        m_seen = toolkit;
+    const QString obstacle = agentObstacle(processes);
+    if (obstacle != m_seen) {
+        m_seen = obstacle;
         m_sure.setRemainingTime(patience);
     }
     return m_sure.hasExpired() ? m_seen : QString();

@@ -8,20 +8,34 @@
 
 namespace Tamrix {
 
-/// The toolkit, such as "Qt 6", whose libraries the processes have loaded and into which no agent
-/// comes. Empty when there is none, and when one of them has loaded Qt 5 as well.
-QString foreignToolkitOf(const std::vector<pid_t>& processes);
+/// What a process with these mappings (the text of /proc/PID/maps) tells of the agent's chances.
+struct AgentProspect {
+    /// A toolkit that takes one is there, and nothing is in the agent's way. False for a process
+    /// that has no toolkit yet.
+    bool isPossible = false;
+    /// Why none will come, for "'x' was started, but ...". Empty when one may.
+    QString obstacle;
+};
+AgentProspect agentProspect(const QByteArray& maps);
+
+/// The version of the Qt that is linked statically into the program of the file, "6.4.2"; empty for
+/// none. Reads the whole file.
+QString staticQtVersion(const QString& programFile);
+
+/// Why no agent comes into the processes. Empty when there is no reason, and when one may come into
+/// one of them.
+QString agentObstacle(const std::vector<pid_t>& processes);
 
 /// Finds out during the start of a program that no agent will come. A program may load its
 /// toolkits one after the other, so it is only sure after a while.
 class ForeignToolkitWatch {
 public:
-    /// How long a program may look like one of another toolkit, in milliseconds.
+    /// How long something may look to be in the agent's way, in milliseconds.
     static constexpr int patience = 1000;
     static constexpr int lookInterval = 250;
 
     bool isLookDue() const { return m_nextLook.hasExpired(); }
-    /// The toolkit when it is sure now, else empty.
+    /// The obstacle when it is sure now, else empty.
     QString look(const std::vector<pid_t>& processes);
 
 private:

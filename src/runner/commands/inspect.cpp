@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 #include <algorithm>
 
+#include "base/textescape.h"
 #include "runner/applications/applications.h"
 #include "runner/applications/objectnames.h"
 #include "runner/applications/objecttree.h"
@@ -49,14 +50,19 @@ Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& sett
     return {};
 }
 
-/// The tree in the wanted form.
+/// The tree in the wanted form. For people, what the program is made with stands above it.
 Outcome<QByteArray> formattedTree(Access& access, TreeFormat format) {
     if (format != TreeFormat::Xml) {
         const Outcome<Wire::ObjectListing> listing = access.listing();
         if (!listing)
             return fail(listing.error());
-        return format == TreeFormat::Json ? objectTreeJson(*listing)
-                                          : objectTreeText(*listing).toLocal8Bit();
+        if (format == TreeFormat::Json)
+            return objectTreeJson(*listing);
+        const ApplicationFacts facts = access.facts();
+        return QStringLiteral("%1, %2\n%3")
+            .arg(escapedForTerminal(facts.toolkit), escapedForTerminal(facts.platform),
+                 objectTreeText(*listing))
+            .toLocal8Bit();
     }
     const Outcome<QByteArray> elements = access.snapshot({});
     if (!elements)

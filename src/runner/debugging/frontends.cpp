@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/debugger/interruptstop.h"
 #include "interpreter/debugger/lineprotocol/lineprotocol.h"
 #include "runner/debugging/editedinput.h"
 #include "runner/debugging/sourceview.h"
@@ -29,6 +30,7 @@ std::unique_ptr<CommandInput> createInput(DebuggerDialogue dialogue) {
 
 void prepareDebuggers(DebuggerDialogue dialogue) {
     tamrix_verbose_debugger = dialogue != DebuggerDialogue::Machine;
+    setInterruptFilter(Supervision::isSecondDelivery);
 }
 
 std::unique_ptr<DebuggerFrontEnd> createFrontEnd(DebuggerDialogue dialogue) {

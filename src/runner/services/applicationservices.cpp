@@ -119,7 +119,7 @@ bool ApplicationServices::detachApplication(SharedPtr<ApplicationContext> contex
 
 SharedPtr<ApplicationContext> ApplicationServices::waitForApplicationLaunch(int timeout,
                                                                             QString* error) {
-    return handedOver(m_state.applications.waitForLaunch(timeout), error);
+    return handedOver(noted(m_state.applications.waitForLaunch(timeout)), error);
 }
 
 // Contexts

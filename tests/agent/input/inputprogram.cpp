@@ -4,13 +4,24 @@
 
 namespace Tamrix {
 
+namespace {
+
+QMap<QString, QString> withDisplay(QMap<QString, QString> environment, const QString& platform,
+                                   const QString& display) {
+    environment.insert("QT_QPA_PLATFORM", platform);
+    environment.insert(platform == "wayland" ? "WAYLAND_DISPLAY" : "DISPLAY", display);
+    // Qt 6.4 crashes on a field's focus where a compositor has no seat and it is to write through it.
+    environment.insert("QT_IM_MODULE", "compose");
+    environment.insert("LC_ALL", "C.UTF-8");
+    environment.insert("QT_QUICK_BACKEND", "software");
+    return environment;
+}
+
+}  // namespace
+
 InputProgram::InputProgram(const QString& program, const QString& platform, const QString& display,
-                           const QStringList& arguments)
-    : m_client(program, arguments, WayIn::Plugin,
-               {{"QT_QPA_PLATFORM", platform},
-                {"DISPLAY", display},
-                {"LC_ALL", "C.UTF-8"},
-                {"QT_QUICK_BACKEND", "software"}}) {
+                           const QStringList& arguments, const QMap<QString, QString>& environment)
+    : m_client(program, arguments, WayIn::Plugin, withDisplay(environment, platform, display)) {
     m_client.accept();
     sync();
 }

@@ -9,9 +9,10 @@ namespace Tamrix {
 /// A target on a platform, with what tests of input ask of it.
 class InputProgram {
 public:
-    /// `platform` "xcb" needs a display, ":99".
+    /// `platform` "xcb" needs a display, ":99", and "wayland" a socket.
     InputProgram(const QString& program, const QString& platform, const QString& display,
-                 const QStringList& arguments = {});
+                 const QStringList& arguments = {},
+                 const QMap<QString, QString>& environment = {});
 
     AgentClient& client() { return m_client; }
 

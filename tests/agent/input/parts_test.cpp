@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TAMRIX_FOR_EACH_PLATFORM(PartsTest);
+TAMRIX_FOR_EACH_PLATFORM(PartsTest, {"offscreen", "xcb", "wayland"});
 
 TEST_P(PartsTest, WhatIsHiddenSaysBehindWhat) {
     const struct {

@@ -11,7 +11,7 @@ protected:
     QString target() const override { return forQt("inputquick_target", qtVersion()); }
 };
 
-TAMRIX_FOR_EACH_PLATFORM(QuickInputTest);
+TAMRIX_FOR_EACH_PLATFORM(QuickInputTest, {"offscreen", "xcb", "wayland"});
 
 TEST_P(QuickInputTest, ItemsTakeInputLikeWidgets) {
     struct {

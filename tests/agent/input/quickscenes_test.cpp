@@ -56,7 +56,7 @@ struct ListsTest : SceneTest {
 
 TAMRIX_FOR_EACH_PLATFORM(CoversTest);
 TAMRIX_FOR_EACH_PLATFORM(PopupsTest);
-TAMRIX_FOR_EACH_PLATFORM(ListsTest);
+TAMRIX_FOR_EACH_PLATFORM(ListsTest, {"offscreen", "xcb", "wayland"});
 
 TEST_P(CoversTest, AreWhatTakesAClickAndNothingElse) {
     const struct {

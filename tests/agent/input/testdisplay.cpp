@@ -2,6 +2,8 @@
 
 #include <sys/prctl.h>
 
+#include <QFileInfo>
+#include <QThread>
 #include <csignal>
 
 namespace Tamrix {
@@ -10,8 +12,30 @@ void TestDisplay::Server::setupChildProcess() {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
-TestDisplay::TestDisplay() {
+TestDisplay::TestDisplay(const QString& platform) {
     m_server.setStandardErrorFile(QProcess::nullDevice());
+    if (platform == "xcb")
+        startXvfb();
+    else if (platform == "wayland")
+        startWeston();
+}
+
+void TestDisplay::startWeston() {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_RUNTIME_DIR", m_folder.path());
+    m_server.setProcessEnvironment(environment);
+    m_server.start("weston", {"--backend=headless-backend.so", "--socket=weston", "--idle-time=0",
+                              "--width=1280", "--height=1024"});
+    const QString socket = m_folder.filePath("weston");
+    for (int look = 0; look < 1000 && m_name.isEmpty(); ++look) {
+        if (QFileInfo::exists(socket))
+            m_name = socket;
+        else
+            QThread::msleep(10);
+    }
+}
+
+void TestDisplay::startXvfb() {
     m_server.start(
         QStringLiteral("Xvfb"),
         {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
@@ -27,6 +51,8 @@ TestDisplay::TestDisplay() {
 }
 
 TestDisplay::~TestDisplay() {
+    if (m_server.state() == QProcess::NotRunning)
+        return;
     m_server.terminate();
     m_server.waitForFinished();
 }

@@ -2,18 +2,20 @@
 
 #include <QProcess>
 #include <QString>
+#include <QTemporaryDir>
 
 namespace Tamrix {
 
-/// An Xvfb display without window manager, for the time of the object.
+/// An Xvfb display without window manager, or for the platform "wayland" a Weston compositor without
+/// screen, for the time of the object. Nothing for other platforms.
 class TestDisplay {
 public:
-    TestDisplay();
+    explicit TestDisplay(const QString& platform);
     ~TestDisplay();
     TestDisplay(const TestDisplay&) = delete;
     TestDisplay& operator=(const TestDisplay&) = delete;
 
-    /// ":99"; empty when it did not start.
+    /// ":99", for a compositor the path of its socket; empty when it did not start.
     QString name() const { return m_name; }
 
 private:
@@ -23,6 +25,10 @@ private:
         void setupChildProcess() override;
     };
 
+    void startXvfb();
+    void startWeston();
+
+    QTemporaryDir m_folder;
     Server m_server;
     QString m_name;
 };

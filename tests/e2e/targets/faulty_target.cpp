@@ -122,6 +122,8 @@ int main(int argc, char** argv) {
         return sayToRunner(what);
     if (what == "silent")
         return ::pause();
+    if (what == "deaf")
+        qunsetenv("QT_QPA_GENERIC_PLUGINS");
     QApplication application(argc, argv);
     if (what == "much")
         writeMuch();

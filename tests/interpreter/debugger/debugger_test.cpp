@@ -89,31 +89,6 @@ TEST_F(DebuggerTest, BreakPointsReachEverySourceOfTheirFile) {
     }
 }
 
-TEST_F(DebuggerTest, StopsByModeDepthAndBreakPoint) {
-    debugger.setBreakPoint(5, 1, true);
-    const struct {
-        Debugger::DbgMode mode;
-        int frames;
-        bool isWantedElsewhere;
-        bool isWantedAtBreakPoint;
-    } rows[] = {
-        {Debugger::None, 1, false, false}, {Debugger::Step, 3, true, true},
-        {Debugger::Next, 1, true, true},   {Debugger::Next, 2, true, true},
-        {Debugger::Next, 3, false, true},  {Debugger::Run, 1, false, true},
-    };
-    for (const auto& row : rows) {
-        while (debugger.frameDepth() > 0)
-            debugger.popFrame();
-        while (debugger.frameDepth() < row.frames)
-            debugger.pushFrame({1, 0, 1});
-        debugger.next(2);
-        debugger.setDebuggerMode(row.mode);
-        EXPECT_EQ(debugger.wantsStop({4, -1, 1}), row.isWantedElsewhere) << row.mode;
-        EXPECT_EQ(debugger.wantsStop({5, -1, 1}), row.isWantedAtBreakPoint) << row.mode;
-        EXPECT_EQ(debugger.wantsStop({5, -1, 2}), row.isWantedElsewhere) << row.mode;
-    }
-}
-
 TEST_F(DebuggerTest, GivesEachSourceAnIdOfItsOwn) {
     const int first = debugger.nextSourceId();
     EXPECT_GE(first, 1);

@@ -1,11 +1,13 @@
 // SIGINT during a run that is debugged. Each case runs in a process of its own.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
+#include "interpreter/debugger/interruptstop.h"
 #include "interpreter/debugger/testdebugger.h"
 
 namespace Tamrix {
@@ -86,6 +88,20 @@ TEST(InterruptStop, SecondOneIsTheHostsWhereItHasAHandler) {
             std::exit(0);
         },
         ExitedWithCode(0), "^stop 1;host;host;stop 2;host;$");
+}
+
+TEST(InterruptStop, PassesOverWhatTheHostSays) {
+    EXPECT_EXIT(
+        {
+            setInterruptFilter([](int, const siginfo_t& info) { return info.si_code == SI_QUEUE; });
+            InterruptedDebugger debugger;
+            debugger.run();
+            sigqueue(getpid(), SIGINT, {});
+            std::fprintf(stderr, "passed over;");
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^passed over;stop 1;$");
 }
 
 TEST(InterruptStop, ShutDownAndDestructionGiveTheSignalBackToTheHost) {

@@ -1,4 +1,5 @@
-// What a debugger prints with the line protocol as its front end.
+// When a debugger prints with the line protocol as its front end, and in which encoding. The lines
+// themselves are those of protocolcommands_test.cpp.
 
 #include <gtest/gtest.h>
 
@@ -52,43 +53,6 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Dialects, LineProtocolTest, testing::Bool(), [](const auto& dialect) {
     return dialect.param ? "Terminal" : "FrontEnd";
 });
-
-TEST_P(LineProtocolTest, PrintsThePosition) {
-    EXPECT_EQ(printedBy([](Debugger& debugger) { EXPECT_TRUE(debugger.stop()); }),
-              "P@line 3, column 4, /nowhere/a b.py:\n");
-    EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.stopWithObjectName("", "detail"); }),
-              "P@line 3, column 4, /nowhere/a b.py:\n");
-}
-
-TEST_P(LineProtocolTest, PrintsFailedLookUps) {
-    EXPECT_EQ(printedBy([](Debugger& debugger) {
-                  EXPECT_FALSE(debugger.stopWithObjectName("{a='1,#2\\\n'}", ""));
-              }),
-              "P@objLookupError 3\t4\t/nowhere/a b.py\t{a\\='1\\,\\#2\\\\\\n'}\n");
-    EXPECT_EQ(printedBy([](Debugger& debugger) {
-                  debugger.stopWithObjectName(
-                      "n", QString::fromUtf8("tab\t \"q\" \\ \n \x7f \r \u00e4 \u20ac ~,=#"));
-              }),
-              "P@objLookupError 3\t4\t/nowhere/a b.py\tn\t"
-              "tab\\t \\\"q\\\" \\\\ \\n \\x7f \\x0d \\xe4 \\u20ac ~,=#\n");
-    EXPECT_EQ(printedBy([](Debugger& debugger) {
-                  EXPECT_FALSE(debugger.stopWithSearchImage("a=b", 3, "/tmp/x,y.png"));
-              }),
-              "P@imgLookupError 3\t4\t/nowhere/a b.py\ta\\=b\t3\t/tmp/x\\,y.png\n");
-    EXPECT_EQ(printedBy([](Debugger& debugger) {
-                  EXPECT_FALSE(debugger.stopWithSearchText("/tmp/#.png"));
-              }),
-              "P@textLookupError 3\t4\t/nowhere/a b.py\t/tmp/\\#.png\n");
-}
-
-TEST_P(LineProtocolTest, PrintsMissingStepsAndNotifications) {
-    // Neither needs a position.
-    EXPECT_EQ(
-        printedBy([](Debugger& debugger) { debugger.missingStep(12, "I am, #1 \\"); }, QString()),
-        "P@missingStep 12 I am, #1 \\\n");
-    EXPECT_EQ(printedBy([](Debugger& debugger) { debugger.notify("a=b", "c,d\ne"); }, QString()),
-              "P@notify a\\=b\tc\\,d\\ne\n");
-}
 
 TEST_P(LineProtocolTest, SaysNothingOutsideOfSourcesAndFrames) {
     const auto stopAll = [](Debugger& debugger) {

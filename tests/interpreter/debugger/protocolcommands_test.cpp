@@ -1,4 +1,4 @@
-// Every command of the line protocol with its answers, failures included.
+// Every command of the line protocol with its answers, failures included, and every event.
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -8,11 +8,12 @@
 #include "interpreter/bridge/internaldebugger.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/debugger/testdebugger.h"
-#include "platform/objectmodel/inmemorymodel.h"
+
 #include "platform/objectmodel/inspector.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"
 #include "support/golden.h"
+#include "support/inmemorymodel.h"
 #include "support/printqt.h"
 #include "support/protocoldialogue.h"
 
@@ -325,6 +326,30 @@ TEST_F(ProtocolCommands, WhatIsNoCommand) {
     EXPECT_TRUE(compareWithGolden("debugger/unknown.txt",
                                   said({"", "   ", "Next", "  next2   please ", "\tprint\tline ",
                                         "help", QString::fromUtf8("\u00fc")})));
+}
+
+TEST_F(ProtocolCommands, WhatIsToldUnasked) {
+    tamrix_hl_debugger = true;
+    debugger.setInteractive(false);
+    for (const ProtocolDialect dialect : {ProtocolDialect::Machine, ProtocolDialect::Terminal}) {
+        dialogue.reset();
+        dialogue = std::make_unique<ProtocolDialogue>(debugger, dialect);
+        debugger.stop();
+        debugger.stopWithObjectName("", "no name, so a line");
+        debugger.stopWithObjectName("{a='1,#2\\\n'}", "");
+        debugger.stopWithObjectName(
+            "n", QString::fromUtf8("tab\t \"q\" \\ \n \x7f \r \u00e4 \u20ac ~,=#"));
+        debugger.stopWithSearchImage("a=b", 3, "/tmp/x,y.png");
+        debugger.stopWithSearchText("/tmp/#.png");
+        debugger.missingStep(12, "I am, #1 \\");
+        debugger.notify("a=b", "c,d\ne");
+        debugger.stopAndRun();
+        EXPECT_TRUE(compareWithGolden(dialect == ProtocolDialect::Machine
+                                          ? "debugger/events.txt"
+                                          : "debugger/events-terminal.txt",
+                                      dialogue->take()));
+    }
+    tamrix_hl_debugger = false;
 }
 
 TEST_F(ProtocolCommands, APersonSeesThePositionInFrontOfEachCommand) {

@@ -14,6 +14,7 @@ protected:
         made->id = 1;
         made->name = name;
         made->commandLine = QString(name) + " --quiet";
+        made->toolkitVersion = "Qt 6.4.2";
         made->pid = 42;
         made->valid = true;
         made->startTime = QDateTime({2026, 1, 2}, {3, 4, 5});
@@ -73,6 +74,9 @@ TEST_F(ApplicationFunctions, RefuseWrongArguments) {
         {startApplication, {new FakeArgument}, "Empty application specified to startApplication"},
         {applicationName, {value(application), one}, "name() takes no arguments"},
         {applicationCommandLine, {value(application), one}, "commandLine() takes no arguments"},
+        {applicationToolkitVersion,
+         {value(application), one},
+         "toolkitVersion() takes no arguments"},
         {applicationStartTime, {value(application), one}, "startTime() takes no arguments"},
         {applicationPid, {value(application), one}, "pid() takes no arguments"},
         {applicationUsedMemory, {value(application), one}, "usedMemory() takes no arguments"},
@@ -172,6 +176,7 @@ TEST_F(ApplicationFunctions, ReadFacts) {
     const std::pair<ScriptContext::Function, const char*> rows[] = {
         {applicationName, "calc"},
         {applicationCommandLine, "calc --quiet"},
+        {applicationToolkitVersion, "Qt 6.4.2"},
         {applicationPid, "99"},
         {applicationCwd, "/cwd"},
         {applicationIsRunning, "true"},

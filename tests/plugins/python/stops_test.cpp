@@ -57,16 +57,15 @@ class PythonStops : public PythonTest {
 protected:
     PythonStops() {
         interpreter->addToSearchPath(QFileInfo(scripts.path()));
-        define(
-            "called",
-            [](ScriptContext* context) {
-                QString error;
-                context->argument(0)->call({context->createInteger(1)}, &error);
-                if (!error.isEmpty())
-                    context->setError("The callback failed: " + error);
-                return !context->hasError();
-            },
-            {"callback"});
+        define("called",
+               [](ScriptContext* context) {
+                   QString error;
+                   context->argument(0)->call({context->createInteger(1)}, &error);
+                   if (!error.isEmpty())
+                       context->setError("The callback failed: " + error);
+                   return !context->hasError();
+               },
+               {"callback"});
         debugger.setInteractive(true);
     }
 
@@ -108,7 +107,8 @@ protected:
         EXPECT_TRUE(interpreter->evaluate(text, file)) << qPrintable(interpreter->errorMessage());
         if (!mode.endsWith("loading"))
             setMode(mode);
-        EXPECT_TRUE(interpreter->callFunction("main", ObjectList())) << qPrintable(interpreter->errorMessage());
+        EXPECT_TRUE(interpreter->callFunction("main", ObjectList()))
+            << qPrintable(interpreter->errorMessage());
         EXPECT_TRUE(frontEnd.commands.empty());
         EXPECT_EQ(debugger.frameDepth(), 0);
         return frontEnd.take("\n") + "\n";
@@ -192,6 +192,23 @@ TEST_F(PythonStops, Errors) {
                                   Normaliser().path(folder.path(), "<FOLDER>")(stops)));
 }
 
+/// The first Ctrl-C stops at the next line, whatever the script is doing; the second one ends it.
+TEST_F(PythonStops, AtCtrlC) {
+    const QString file = scripts.filePath("interrupted.py");
+    ASSERT_TRUE(interpreter->evaluate(readFile(file), file))
+        << qPrintable(interpreter->errorMessage());
+    debugger.run();
+    frontEnd.commands = {Resume::Next, Resume::Next, Resume::Return};
+    EXPECT_TRUE(interpreter->callFunction("main", ObjectList()))
+        << qPrintable(interpreter->errorMessage());
+    EXPECT_TRUE(compareWithGolden("python/stops/interrupted.txt", frontEnd.take("\n") + "\n"));
+    // Nothing has asked for a further run.
+    debugger.setDebuggerMode(Debugger::Run);
+    EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
+    EXPECT_EQ(interpreter->errorMessage(), "KeyboardInterrupt");
+    EXPECT_EQ(frontEnd.take(), "");
+}
+
 /// A recursion that Python would endure does not end the process because a debugger looks on.
 TEST_F(PythonStops, DeepRecursion) {
     ASSERT_EQ(run("import sys\n"
@@ -206,7 +223,8 @@ TEST_F(PythonStops, DeepRecursion) {
     debugger.setDebuggerMode(Debugger::Run);
     const int id = debugger.findSourceId("test.py");
     debugger.setBreakPoint(7, id, true);
-    EXPECT_TRUE(interpreter->callFunction("main", ObjectList())) << qPrintable(interpreter->errorMessage());
+    EXPECT_TRUE(interpreter->callFunction("main", ObjectList()))
+        << qPrintable(interpreter->errorMessage());
     EXPECT_EQ(frontEnd.told.size(), 1);
 }
 

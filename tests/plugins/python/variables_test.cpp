@@ -60,12 +60,27 @@ protected:
 TEST_F(PythonVariables, AreListedByPath) {
     QString text;
     lookIn("main", [&] {
-        for (const char* path :
-             {"", "^1", "+^1.table", "^1.table.key",
-              "+^1.table.[(1, 2)]", "+^1.table.['a.b'].['c d']", "^1.items", "+^1.items.2",
-              "+^1.numbers", "+^1.cycle.1.1", "+captured", "+^1.more", "+^1.more.second.deep",
-              "+^1.pair", "+^1.error", "+^1.liar", "+^1.bad", "+^1.longName", "+Point",
-              "+large.@99999", "+large.@100000"})
+        for (const char* path : {"",
+                                 "^1",
+                                 "+^1.table",
+                                 "^1.table.key",
+                                 "+^1.table.[(1, 2)]",
+                                 "+^1.table.['a.b'].['c d']",
+                                 "^1.items",
+                                 "+^1.items.2",
+                                 "+^1.numbers",
+                                 "+^1.cycle.1.1",
+                                 "+captured",
+                                 "+^1.more",
+                                 "+^1.more.second.deep",
+                                 "+^1.pair",
+                                 "+^1.error",
+                                 "+^1.liar",
+                                 "+^1.bad",
+                                 "+^1.longName",
+                                 "+Point",
+                                 "+large.@99999",
+                                 "+large.@100000"})
             text += listing(path);
     });
     EXPECT_TRUE(compareWithGolden("python/variables.txt", withoutAddresses(text)));
@@ -81,7 +96,8 @@ TEST_F(PythonVariables, ListedPathsLeadBack) {
             for (const auto& binding : debugger.variables(paths.takeFirst())) {
                 if (!binding.name.startsWith("+") || binding.name.count('.') > 4)
                     continue;
-                EXPECT_FALSE(debugger.variables(binding.name.simplified()).empty()) << qPrintable(binding.name);
+                EXPECT_FALSE(debugger.variables(binding.name.simplified()).empty())
+                    << qPrintable(binding.name);
                 paths.append(binding.name);
                 ++expanded;
             }
@@ -92,8 +108,9 @@ TEST_F(PythonVariables, ListedPathsLeadBack) {
 
 TEST_F(PythonVariables, NothingIsBelowWhatIsNotThere) {
     lookIn("main", [&] {
-        for (const char* path : {"nobody", "captured.z", "^9", "^1.items.x", "^1.items.-1",
-                                 "^1.items.99", "^1.table.[", "^1.table.[']", "^1.table.[exit()]", "setting.x", "..", "@", "^", "+"})
+        for (const char* path :
+             {"nobody", "captured.z", "^9", "^1.items.x", "^1.items.-1", "^1.items.99",
+              "^1.table.[", "^1.table.[']", "^1.table.[exit()]", "setting.x", "..", "@", "^", "+"})
             EXPECT_EQ(listing(path), QString(path) + ":\n");
     });
 }
@@ -147,7 +164,8 @@ TEST_F(PythonVariables, ObjectsOfApplicationsAreExpandable) {
               "");
     QString text;
     lookIn("main", [&] {
-        for (const char* path : {"", "+window", "+held", "+held.['window']", "window", "+window.title"})
+        for (const char* path :
+             {"", "+window", "+held", "+held.['window']", "window", "+window.title"})
             text += listing(path);
     });
     EXPECT_TRUE(compareWithGolden("python/objects.txt", withoutAddresses(text)));

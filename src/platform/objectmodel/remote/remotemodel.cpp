@@ -379,12 +379,13 @@ Outcome<SharedPtr<Object>> RemoteModel::globalBounds(SharedPtr<Object> object) {
         answer->value.toRect(), ValueObject::valueClass(QStringLiteral("ScreenRectangle"))));
 }
 
-Outcome<> RemoteModel::mouseEvent(const Target& target, Wire::MouseEvent event) {
+Outcome<> RemoteModel::mouseEvent(const Target& target, const Wire::MouseEvent& event) {
     const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
     if (!wireTarget)
         return fail(wireTarget.error());
-    event.target = *wireTarget;
-    return tellOf(target, MessageType::MouseEvent, encode(event));
+    Wire::MouseEvent sent = event;
+    sent.target = *wireTarget;
+    return tellOf(target, MessageType::MouseEvent, encode(sent));
 }
 
 Outcome<> RemoteModel::keyEvent(const QString& key, bool press) {

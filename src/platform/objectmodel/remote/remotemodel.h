@@ -48,7 +48,7 @@ public:
     Outcome<SharedPtr<Object>> objectById(int remoteId) override;
     Outcome<TargetAnswer> act(const QString& function, const Target& target,
                               const ObjectList& arguments, int timeout) override;
-    Outcome<> mouseEvent(const Target& target, Wire::MouseEvent event) override;
+    Outcome<> mouseEvent(const Target& target, const Wire::MouseEvent& event) override;
     Outcome<> keyEvent(const QString& key, bool press) override;
     Outcome<> highlight(const Target& target, int milliseconds) override;
     Outcome<> stopHighlight() override;

@@ -39,6 +39,7 @@ def main():
     calculator.readStdout()
     calculator.readStderr()
     test.verify(len(calculator.osName()) > 0)
+    test.verify(calculator.toolkitVersion().startswith("Qt 5.15."))
     test.verify(len(calculator.host()) > 0)
     calculator.port()
     test.verify(calculator.startTime() is not None)
