@@ -259,7 +259,9 @@ TEST_F(DebuggedRun, StopsForAnErrorThatNothingCatches) {
         "        pass\n"
         "    fails()\n");
     expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
-    expect("run", "TDBG:@line 3, SUITE/a/test.py:\n");
+    expect("run",
+           "TDBG:@notify ScriptError\tValueError: wrong\n"
+           "TDBG:@line 3, SUITE/a/test.py:\n");
     expect("bt", "TDBG:SUITE/a/test.py: 9\n");
     expect("eval value", "TDBG:eval3\n");
     expect("run", "");
