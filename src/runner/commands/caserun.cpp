@@ -44,6 +44,8 @@ int consoleDescriptor(const CaseRunSettings& settings) {
 
 std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings,
                                                std::unique_ptr<QIODevice> output) {
+    if (!settings.hasConsole)
+        return std::make_unique<CompositeReport>();
     using Decoration = ConsoleReport::Decoration;
     const bool wantsColours = ::isatty(consoleDescriptor(settings)) &&
                               qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
@@ -139,11 +141,13 @@ std::vector<Option<CaseRunSettings>> caseRunOptions() {
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,
              setTo(&CaseRunSettings::verbosity, Verbosity::Verbose)},
             {"quiet", nullptr, "Shows failures and the summary only.", nullptr,
-             setTo(&CaseRunSettings::verbosity, Verbosity::Quiet)}};
+             setTo(&CaseRunSettings::verbosity, Verbosity::Quiet)},
+            {"no-console", nullptr, "Leaves out the console report.", nullptr,
+             setTo(&CaseRunSettings::hasConsole, false)}};
 }
 
 std::vector<std::pair<const char*, const char*>> exclusiveCaseRunOptions() {
-    return {{"verbose", "quiet"}};
+    return {{"verbose", "quiet"}, {"no-console", "verbose"}, {"no-console", "quiet"}};
 }
 
 Outcome<> readCaseRunArguments(const CommandArguments& arguments, CaseRunSettings& settings) {

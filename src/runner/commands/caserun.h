@@ -24,6 +24,7 @@ struct CaseRunSettings {
     QString display;
     bool failFast = false;
     bool recordsActions = true;
+    bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;
     QStringList scriptArguments;
     DebuggerDialogue debugger = DebuggerDialogue::None;

@@ -170,6 +170,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report", "json:/a/b", "--report", "junit:/a/c/../b"},
          "the reports 'json:/a/b' and 'junit:/a/c/../b' have the same path (see tamrixrunner run "
          "--help)"},
+        {{"run", "s", "--no-console", "--quiet"},
+         "--no-console and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"run", "s", "--verbose", "--quiet"},
          "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"list"}, "list needs SUITE (see tamrixrunner list --help)"},

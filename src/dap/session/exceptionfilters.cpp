@@ -1,0 +1,53 @@
+#include "dap/session/exceptionfilters.h"
+
+#include <algorithm>
+
+#include "dap/session/language.h"
+
+namespace Tamrix::Dap {
+
+std::vector<ExceptionBreakpointsFilter> ExceptionFilters::offered() {
+    return {
+        {failedVerdict, "Failed Verdicts", "Stops where a verification fails.", true},
+        {scriptError, "Script Errors", "Stops where an error leaves the script.", true},
+        {objectNotFound, "Objects Not Found",
+         "Stops where an object is looked for in vain. Continuing looks again.", false},
+    };
+}
+
+Outcome<> ExceptionFilters::choose(const std::vector<QString>& names) {
+    const std::vector<ExceptionBreakpointsFilter> known = offered();
+    for (const QString& name : names) {
+        if (std::none_of(known.begin(), known.end(), [&](const ExceptionBreakpointsFilter& each) {
+                return each.filter == name;
+            }))
+            return fail(FailureKind::BadArgument,
+                        QStringLiteral("there is no exception filter '%1'").arg(name));
+    }
+    m_chosen = names;
+    return {};
+}
+
+Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const {
+    debuggee.setObjectNotFoundStops(stopsAtMissingObjects());
+    struct Switch {
+        const char* setting;
+        bool on;
+    };
+    const Switch switches[] = {
+        {"breakOnFailure", stopsAtFailedVerdicts()},
+        {"objectNotFoundDebugging", stopsAtMissingObjects()},
+    };
+    for (const Switch& each : switches) {
+        const Outcome<QString> set = debuggee.evaluate(switchCode(file, each.setting, each.on));
+        if (!set)
+            return fail(set.error());
+    }
+    return {};
+}
+
+bool ExceptionFilters::isOn(const char* name) const {
+    return std::find(m_chosen.begin(), m_chosen.end(), QLatin1String(name)) != m_chosen.end();
+}
+
+}  // namespace Tamrix::Dap

@@ -1,0 +1,127 @@
+#include "dap/session/language.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStringList>
+
+namespace Tamrix::Dap {
+
+namespace {
+
+struct Language {
+    const char* suffix;
+    const char* trueWord;
+    const char* falseWord;
+    /// Turns a value into one of the two words; "%1" stands for it. Null where the debugger's text
+    /// of a value has to tell.
+    const char* truth;
+    /// Where a function begins whose body is indented further; its name is the first group. Null
+    /// for languages whose bodies are found otherwise.
+    const char* function;
+};
+
+constexpr Language languages[] = {
+    {"py", "True", "False", "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
+};
+constexpr Language otherLanguage = {"", "true", "false", nullptr, nullptr};
+
+const Language& languageOf(const QString& file) {
+    const QString suffix = QFileInfo(file).suffix();
+    for (const Language& language : languages) {
+        if (suffix == QLatin1String(language.suffix))
+            return language;
+    }
+    return otherLanguage;
+}
+
+/// The texts of values that do not hold in the languages of scripts.
+bool isFalseText(const QString& text) {
+    static const QStringList s_texts = {"",     "false", "False", "0",         "0.0",
+                                        "null", "None",  "nil",   "undefined", "''",
+                                        "\"\"", "()",    "[]",    "{}",        "NaN"};
+    return s_texts.contains(text);
+}
+
+/// Sources are read up to this size.
+constexpr qint64 longestSource = 4 * 1024 * 1024;
+
+int indentOf(const QString& line) {
+    int indent = 0;
+    while (indent < line.size() && line[indent].isSpace())
+        ++indent;
+    return indent;
+}
+
+}  // namespace
+
+QString switchCode(const QString& file, const char* setting, bool on) {
+    const Language& language = languageOf(file);
+    return QStringLiteral("testSettings.%1 = %2")
+        .arg(QLatin1String(setting), QLatin1String(on ? language.trueWord : language.falseWord));
+}
+
+Outcome<bool> conditionHolds(Debuggee& debuggee, const QString& file, const QString& condition) {
+    const Language& language = languageOf(file);
+    const QString code =
+        language.truth ? QString::fromLatin1(language.truth).arg(condition) : condition;
+    const Outcome<QString> text = debuggee.evaluate(code);
+    if (!text)
+        return fail(text.error());
+    if (language.truth && *text != QLatin1String(language.trueWord) &&
+        *text != QLatin1String(language.falseWord))
+        return fail(FailureKind::BadArgument, *text);
+    return !isFalseText(*text);
+}
+
+bool isFailureText(const QString& text) {
+    // The debugger gives a failure as its kind and, behind a colon, its message.
+    static const QRegularExpression pattern(QStringLiteral(
+        "^(?:\\w+\\.)*\\w*(?:Error|Exception|Exit|Interrupt|Iteration|Warning)(?::|$)"));
+    return pattern.match(text).hasMatch();
+}
+
+QString memberExpression(const QString& value, const QString& name) {
+    static const QRegularExpression identifier(QStringLiteral("^[^\\W\\d]\\w*$"),
+                                               QRegularExpression::UseUnicodePropertiesOption);
+    // An index, or the key of an entry as it stands in code.
+    static const QRegularExpression index(QStringLiteral("^(?:-?\\d+|'.*'|\".*\")$"));
+    if (name.startsWith('[') && name.endsWith(']'))
+        return value + name;
+    if (index.match(name).hasMatch())
+        return QStringLiteral("%1[%2]").arg(value, name);
+    if (identifier.match(name).hasMatch())
+        return QStringLiteral("%1.%2").arg(value, name);
+    return {};
+}
+
+bool membersHaveExpressions(const QString& type) {
+    // Elements without an order are counted in listings only.
+    return type != QLatin1String("set") && type != QLatin1String("frozenset");
+}
+
+QString functionAt(const ScriptPlace& place) {
+    const QString fileName = QFileInfo(place.file).fileName();
+    const Language& language = languageOf(place.file);
+    QFile file(place.file);
+    if (!language.function || file.size() > longestSource || !file.open(QIODevice::ReadOnly))
+        return fileName;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+    if (place.line < 1 || place.line > lines.size())
+        return fileName;
+    // Outwards: each line above that is indented less than those below it is around them.
+    const QRegularExpression function(QString::fromLatin1(language.function));
+    int indent = indentOf(lines[place.line - 1]);
+    for (int index = place.line - 2; index >= 0 && indent > 0; --index) {
+        const QString& line = lines[index];
+        if (indentOf(line) == line.size() || indentOf(line) >= indent)
+            continue;
+        indent = indentOf(line);
+        const QRegularExpressionMatch match = function.match(line);
+        if (match.hasMatch())
+            return match.captured(1);
+    }
+    return fileName;
+}
+
+}  // namespace Tamrix::Dap

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "dap/program/program.h"
+#include "dap/protocol/messages.h"
+
+namespace Tamrix::Dap {
+
+/// What is started for a launch configuration, whose paths count from the working folder: a run of
+/// the suite under the debugger, with its journal in the given file. A suite that is no folder is a
+/// failure.
+Outcome<ProgramStart> runStart(const QString& runner, const LaunchArguments& arguments,
+                               const QString& journal);
+
+}  // namespace Tamrix::Dap

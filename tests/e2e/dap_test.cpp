@@ -1,0 +1,231 @@
+// Editors that debug scripts, over the Debug Adapter Protocol.
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QJsonArray>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "dap/protocol/stream.h"
+#include "e2e/runnerprocess.h"
+#include "support/dapclient.h"
+#include "support/dapprocess.h"
+#include "support/files.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+
+const QString suite = QDir(TAMRIX_TEST_SOURCE_DIR).canonicalPath() + "/tests/e2e/suites/debugging";
+const QString helper = suite + "/shared/scripts/keypad.py";
+
+QString script(const QString& testCase) {
+    return suite + '/' + testCase + "/test.py";
+}
+
+/// An editor and the server that it has started.
+class DapRun : public testing::Test {
+protected:
+    void launch(const QString& testCase, QJsonObject arguments = {}) {
+        arguments["suite"] = suite;
+        arguments["cases"] = QJsonArray{testCase};
+        client.launch(arguments);
+    }
+    void go() { client.body("configurationDone"); }
+    QString after(const QString& request) {
+        client.body(request, {{"threadId", 1}});
+        return client.stop();
+    }
+    int exitCodeOfRun() {
+        const int exitCode = client.event("exited")["exitCode"].toInt(-1);
+        client.event("terminated");
+        return exitCode;
+    }
+    /// Ends the session, and expects that the server ends as well.
+    void leave() {
+        client.body("disconnect");
+        EXPECT_EQ(process.exitCode(), 0) << process.errors().constData();
+    }
+    /// The functions of the stack, the innermost first, each with its line.
+    QString stack() {
+        QStringList frames;
+        for (const QJsonValue& each :
+             client.body("stackTrace", {{"threadId", 1}})["stackFrames"].toArray()) {
+            const QJsonObject frame = each.toObject();
+            frames.append(QStringLiteral("%1:%2").arg(frame["name"].toString(),
+                                                      QString::number(frame["line"].toInt())));
+        }
+        return frames.join(' ');
+    }
+    QString evaluated(const QString& expression) {
+        return client.body("evaluate", {{"expression", expression}, {"context", "watch"}})["result"]
+            .toString();
+    }
+    static int reference(const QJsonValue& variable) {
+        return variable.toObject()["variablesReference"].toInt();
+    }
+    static QString value(const QJsonValue& variable) {
+        return variable.toObject()["value"].toString();
+    }
+
+    DapProcess process{
+        TAMRIX_TEST_PREFIX "/bin/tamrixrunner", {"dap"}, {{"QT_QPA_PLATFORM", "offscreen"}}};
+    DapClient client{process.stream()};
+};
+
+TEST_F(DapRun, AWholeSessionWithAnApplication) {
+    launch("sums");
+    client.setBreakPoints(helper, {QJsonObject{{"line", 7}, {"condition", "key == '5'"}}});
+    client.body("setExceptionBreakpoints", {{"filters", QJsonArray{"failedVerdict"}}});
+    go();
+
+    EXPECT_EQ(client.stop(), "breakpoint keypad.py:7");
+    EXPECT_EQ(stack(), "press:7 add:8 main:15");
+    QJsonObject variables = client.variables();
+    EXPECT_EQ(value(variables["key"]), "'5'");
+    const QJsonObject typed = client.variables(reference(variables["typed"]));
+    const QJsonObject keys = client.variables(reference(typed["['keys']"]));
+    EXPECT_EQ(value(keys["1"]), "'+'");
+    EXPECT_EQ(keys["1"].toObject()["evaluateName"], "typed['keys'][1]");
+    const QJsonObject button = client.variables(reference(variables["button"]));
+    EXPECT_TRUE(value(button["text"]).contains('5')) << qPrintable(value(button["text"]));
+    EXPECT_EQ(evaluated("key + '!'"), "'5!'");
+    EXPECT_EQ(evaluated("typed['keys']"), "['7', '+']");
+
+    // What a caller holds.
+    const int caller = client.body("scopes", {{"frameId", 2}})["scopes"]
+                           .toArray()
+                           .at(0)
+                           .toObject()["variablesReference"]
+                           .toInt();
+    EXPECT_EQ(value(client.variables(caller)["text"]), "'7 + 5 ='");
+
+    EXPECT_EQ(after("stepOut"), "step test.py:9");
+    EXPECT_EQ(evaluated("typed['keys'][-1]"), "'='");
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 0);
+    EXPECT_EQ(client.output("stdout"), "the sum is 12\n");
+    EXPECT_TRUE(
+        client.output("console").contains("test.py:16: Pass: Comparison: "
+                                          "'12' and '12' are equal\n"))
+        << qPrintable(client.output("console"));
+    leave();
+
+    // All that was said is what the protocol knows.
+    const QTemporaryDir folder;
+    const QString dialogue = folder.filePath("dialogue");
+    ASSERT_TRUE(writeFile(dialogue, client.dialogue()));
+    QProcess check;
+    check.setProcessChannelMode(QProcess::MergedChannels);
+    check.start("/usr/bin/python3",
+                {TAMRIX_TEST_SOURCE_DIR "/tests/dap/debugprotocol/check.py", dialogue});
+    ASSERT_TRUE(check.waitForFinished());
+    EXPECT_EQ(check.exitCode(), 0) << check.readAll().constData();
+}
+
+TEST_F(DapRun, FailuresStopWhereTheyHappen) {
+    launch("verdicts");
+    client.body("setExceptionBreakpoints",
+                {{"filters", QJsonArray{"failedVerdict", "scriptError"}}});
+    go();
+    EXPECT_EQ(client.stop(), "exception test.py:5");
+    EXPECT_EQ(client.body("exceptionInfo", {{"threadId", 1}})["description"],
+              "Comparison: '1' and '2' are not equal");
+    EXPECT_EQ(after("next"), "step test.py:6");
+    EXPECT_EQ(after("continue"), "exception test.py:11");
+    EXPECT_TRUE(client.body("exceptionInfo", {{"threadId", 1}})["description"].toString().contains(
+        "ValueError: after all"));
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 1);
+    EXPECT_EQ(client.output("stderr"),
+              "test.py:5: Fail: Comparison: '1' and '2' are not equal\n"
+              "test.py:11: Error: Script Error: ValueError: after all\n");
+    leave();
+}
+
+TEST_F(DapRun, ARunningScriptIsPausedChangedAndRestarted) {
+    launch("endless", {{"stopOnEntry", true}});
+    go();
+    EXPECT_EQ(client.stop(), "entry test.py:1");
+    client.body("continue", {{"threadId", 1}});
+    while (!client.output("stdout").contains("ready"))
+        client.event("output");
+    client.body("pause", {{"threadId", 1}});
+    EXPECT_TRUE(client.stop().startsWith("pause test.py:")) << qPrintable(stack());
+    client.body("continue", {{"threadId", 1}});
+    // A break point that comes while it runs.
+    EXPECT_EQ(client.setBreakPoints(script("endless"), {10}).at(0).toObject()["verified"], false);
+    EXPECT_EQ(client.event("breakpoint")["breakpoint"].toObject()["verified"], true);
+    EXPECT_EQ(client.stop(), "breakpoint test.py:10");
+
+    client.body("restart");
+    EXPECT_EQ(client.stop(), "entry test.py:1");
+    EXPECT_EQ(after("continue"), "breakpoint test.py:10");
+    EXPECT_EQ(client.body("setExpression", {{"expression", "rounds"}, {"value", "-7"}})["value"],
+              "-7");
+    client.setBreakPoints(script("endless"), {});
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 0);
+    EXPECT_TRUE(client.output("stdout").endsWith("released\n"));
+    leave();
+}
+
+TEST_F(DapRun, DisconnectingEndsARunThatDoesNotEnd) {
+    launch("endless");
+    go();
+    while (!client.output("stdout").contains("ready"))
+        client.event("output");
+    leave();
+}
+
+TEST_F(DapRun, ARunThatCanNotBeginTellsWhy) {
+    launch("no_such_case");
+    go();
+    EXPECT_EQ(exitCodeOfRun(), 2);
+    EXPECT_TRUE(client.output("stderr").contains("no_such_case"))
+        << qPrintable(client.output("stderr"));
+    leave();
+}
+
+TEST_F(DapRun, AStreamThatIsNoneIsToldOnStandardError) {
+    client.writeRaw("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    EXPECT_EQ(process.exitCode(), 2);
+    EXPECT_EQ(process.errors(),
+              "tamrixrunner: the client can't be understood: the header of a message has a line "
+              "without a name: 'GET / HTTP/1.1'\n");
+}
+
+TEST(DapPort, ServesOneClientOnTheLoopback) {
+    RunnerProcess runner;
+    runner.start({"dap", "--port", "0"});
+    ASSERT_TRUE(runner.waitForErrors("\n"));
+    const int port = runner.errors().section(' ', -1).trimmed().toInt();
+    const int connection = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<in_port_t>(port));
+    ASSERT_EQ(::connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address), 0)
+        << qPrintable(runner.errors());
+    DapClient client(
+        {[&](const QByteArray& bytes) { Dap::DescriptorWriter(connection).write(bytes); },
+         [&] {
+             QByteArray bytes(4096, Qt::Uninitialized);
+             const ssize_t count = ::read(connection, bytes.data(), 4096);
+             return bytes.left(static_cast<int>(count));
+         }});
+    EXPECT_EQ(client.body("initialize", {{"adapterID", "x"}})["supportsLogPoints"], true);
+    client.body("disconnect");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0);
+    ::close(connection);
+}
+
+}  // namespace
+}  // namespace Tamrix
