@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <json/json.h>
+#include <clocale>
 
 #include <stdexcept>
 
@@ -93,6 +94,8 @@ public:
 class ProtocolCommands : public testing::Test {
 protected:
     ProtocolCommands() {
+        // The encoding of terminals, which an application takes from its environment.
+        std::setlocale(LC_ALL, "C.UTF-8");
         interpreter.setDebugger(&debugger);
         Interpreter::setSelf(&interpreter);
         debugger.setCode(1, "/nowhere/a.py");
@@ -105,6 +108,7 @@ protected:
         Interpreter::setSelf(nullptr);
         TestSettingsType::reset();
         Inspector::self()->setModel(nullptr);
+        std::setlocale(LC_ALL, "C");
     }
 
     /// What is said at a stop with these commands.
