@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <json/json.h>
-#include <clocale>
 
+#include <clocale>
 #include <stdexcept>
 
 #include "interpreter/bridge/internaldebugger.h"
