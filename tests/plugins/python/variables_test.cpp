@@ -198,9 +198,11 @@ TEST_F(PythonVariables, AreChangedByCode) {
                   "    look()\n"
                   "    return local, argument, total\n"
                   "def main():\n"
+                  "    greeting = None\n"
                   "    for number in range(1):\n"
                   "        result = inner('a')\n"
-                  "    if result != (5, ['b'], 7): raise ValueError(result)\n"),
+                  "    if result != (5, ['b'], 7): raise ValueError(result)\n"
+                  "    if greeting != [0]: raise ValueError(greeting)\n"),
               "");
     lookIn("main", [&] {
         const struct {
@@ -223,6 +225,12 @@ TEST_F(PythonVariables, AreChangedByCode) {
             {"local = 5; 1 / 0", "! ZeroDivisionError: division by zero"},
             {"if local", "! SyntaxError: expected ':' (<debugger>, line 1)"},
             {"exit(3)", "! SystemExit: 3"},
+            {"^1 number", "0"},
+            {"^1\tgreeting = [number]", ""},
+            {"^1 greeting", "[0]"},
+            {"^0 local", "5"},
+            {"^7 local", "! There is no frame 7 levels outwards"},
+            {"^99999999999 local", "! There is no frame 99999999999 levels outwards"},
             {"test.vrify", "! AttributeError: module 'test' has no attribute 'vrify'"},
         };
         for (const auto& row : rows)
