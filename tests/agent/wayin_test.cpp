@@ -47,6 +47,10 @@ TEST_P(WaysIn, AProgramAnnouncesItself) {
     EXPECT_EQ(client.hello().qtVersion.section('.', 0, 0).toInt(), GetParam().qtVersion);
     EXPECT_EQ(client.hello().platform, "offscreen");
     EXPECT_TRUE(client.exchange(Wire::MessageType::Ping));
+    // Qt tells of plug-ins of another version; what it says of its own platform is the program's.
+    QStringList lines = client.errorOutput().split('\n', Qt::SkipEmptyParts);
+    lines.removeAll("This plugin does not support propagateSizeHints()");
+    EXPECT_EQ(lines, QStringList());
 }
 
 TEST_P(WaysIn, ARefusedProgramIsLeftAlone) {
@@ -54,7 +58,8 @@ TEST_P(WaysIn, ARefusedProgramIsLeftAlone) {
     EXPECT_FALSE(client.acceptHello(1500));
     QFile maps(QString("/proc/%1/maps").arg(client.pid()));
     ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(maps.readAll().contains(forQt("libtamrixagent", GetParam().qtVersion).toUtf8() + ".so"));
+    EXPECT_FALSE(
+        maps.readAll().contains(forQt("libtamrixagent", GetParam().qtVersion).toUtf8() + ".so"));
 }
 
 TEST_P(WaysIn, AllowedChildrenAnnounceThemselvesToo) {
@@ -77,7 +82,8 @@ using WayInTest = QtTest;
 TAMRIX_FOR_EACH_QT(WayInTest);
 
 TEST_P(WayInTest, BothWaysAtOnceStartOneAgent) {
-    AgentClient client(forQt("widgets_target", GetParam()), {}, WayIn::Plugin, {{"LD_PRELOAD", hookPreload()}});
+    AgentClient client(forQt("widgets_target", GetParam()), {}, WayIn::Plugin,
+                       {{"LD_PRELOAD", hookPreload()}});
     ASSERT_TRUE(client.accept());
     const std::unique_ptr<Wire::FrameChannel> first = client.takeChannel();
     EXPECT_FALSE(client.acceptHello(1000));
@@ -85,11 +91,10 @@ TEST_P(WayInTest, BothWaysAtOnceStartOneAgent) {
 
 TEST_P(WayInTest, APythonProgramGetsIn) {
     AgentClient client("/usr/bin/python3",
-                       {"-c",
-                        QString("from PyQt%1.QtWidgets import QApplication, QPushButton\n"
-                                "a = QApplication(['x'])\nb = QPushButton('Py')\nb.show()\n"
-                                "a.exec()")
-                            .arg(GetParam())});
+                       {"-c", QString("from PyQt%1.QtWidgets import QApplication, QPushButton\n"
+                                      "a = QApplication(['x'])\nb = QPushButton('Py')\nb.show()\n"
+                                      "a.exec()")
+                                  .arg(GetParam())});
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     EXPECT_NE(client.find({"type=QPushButton", "text=Py"}).handle, 0U);
 }

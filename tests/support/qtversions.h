@@ -36,8 +36,8 @@ inline std::string qtName(int version) {
 class QtTest : public testing::TestWithParam<int> {};
 
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage): it uses one itself.
-#define TAMRIX_FOR_EACH_QT(Test)                                                   \
-    INSTANTIATE_TEST_SUITE_P(, Test, testing::ValuesIn(Tamrix::qtVersions()),      \
+#define TAMRIX_FOR_EACH_QT(Test)                                              \
+    INSTANTIATE_TEST_SUITE_P(, Test, testing::ValuesIn(Tamrix::qtVersions()), \
                              [](const auto& row) { return Tamrix::qtName(row.param); })
 
 }  // namespace Tamrix

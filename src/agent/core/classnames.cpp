@@ -17,7 +17,8 @@ QString withoutRevision(const QString& name) {
     int end = before.size();
     while (end < name.size() && name.at(end).isDigit())
         ++end;
-    return end == before.size() || end == name.size() ? name : QLatin1String("QQuick") + name.mid(end);
+    return end == before.size() || end == name.size() ? name
+                                                      : QLatin1String("QQuick") + name.mid(end);
 }
 
 }  // namespace

@@ -73,8 +73,7 @@ QString modelText(const QAbstractItemView* view, const QModelIndex& index) {
     const QVariant value = index.data(Qt::DisplayRole);
     if (value.userType() == QMetaType::QString || !view)
         return value.toString();
-    const auto* const delegate =
-        qobject_cast<const QStyledItemDelegate*>(delegateOf(view, index));
+    const auto* const delegate = qobject_cast<const QStyledItemDelegate*>(delegateOf(view, index));
     return delegate ? delegate->displayText(value, view->locale()) : value.toString();
 }
 

@@ -3,8 +3,8 @@
 #include "agent/wayin/agentloader.h"
 
 #if QT_VERSION_MAJOR == 5
-// Programs with Qt 6 look at this plug-in, too, and would tell on standard error that it is none for
-// them. They take no writable section for one of metadata, and Qt 5 does not mind.
+// Programs with Qt 6 look at this plug-in, too, and would tell on standard error that it is none
+// for them. They take no writable section for one of metadata, and Qt 5 does not mind.
 #undef QT_PLUGIN_METADATA_SECTION
 #define QT_PLUGIN_METADATA_SECTION __attribute__((section(".qtmetadata,\"aw\",@progbits#"), used))
 #endif

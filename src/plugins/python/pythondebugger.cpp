@@ -280,6 +280,9 @@ bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
 }
 
 void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
+    // A script that can't be compiled has no frame to stop in.
+    if (framesOfError(traceback, m_python.files()).empty())
+        return;
     m_toldError = PyRef::borrow(exception);
     PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
                   Py_XNewRef(traceback));

@@ -30,6 +30,13 @@ bool writesAs(PyObject* value, const PyTypeObject& type) {
     return Py_TYPE(value)->tp_repr == type.tp_repr;
 }
 
+/// Whether the representation is made without anything of a script, and short.
+bool isPlain(PyObject* value) {
+    return PyLong_CheckExact(value) || PyFloat_CheckExact(value) || PyComplex_CheckExact(value) ||
+           PyBool_Check(value) || value == Py_None || PyModule_CheckExact(value) ||
+           PyCFunction_CheckExact(value) || writesAs(value, PyType_Type);
+}
+
 /// Of the representation, as much as is shown.
 QString firstCharacters(const PyRef& text) {
     if (PyUnicode_GetLength(text.get()) <= longest)
@@ -75,6 +82,16 @@ QString ValueTexts::bounded(PyObject* value, int depth) {
          {&PyList_Type, &PyTuple_Type, &PyDict_Type, &PySet_Type, &PyFrozenSet_Type}) {
         if (writesAs(value, *type))
             return containerText(value, depth);
+    }
+    // Where a function is kept tells nobody anything.
+    if (PyFunction_Check(value)) {
+        auto* const function = reinterpret_cast<PyFunctionObject*>(value);
+        return QStringLiteral("<function %1>").arg(fromPyString(function->func_qualname));
+    }
+    if (isPlain(value)) {
+        if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
+            return firstCharacters(text);
+        PyErr_Clear();
     }
     return scriptText(value);
 }

@@ -147,15 +147,14 @@ Outcome<SharedPtr<Application>> Applications::waitForStart(
             const FailureKind kind = !isAlive                            ? FailureKind::Ended
                                      : isHopeless || !obstacle.isEmpty() ? FailureKind::Refused
                                                                          : FailureKind::TimedOut;
-            return fail(kind, startFailure(*program, obstacle, isHopeless ? -1 : timeout) + refusal +
-                                  program->lastErrorText());
+            return fail(kind, startFailure(*program, obstacle, isHopeless ? -1 : timeout) +
+                                  refusal + program->lastErrorText());
         }
         waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
     }
 }
 
-QString Applications::startFailure(StartedProgram& program, const QString& obstacle,
-                                   int timeout) {
+QString Applications::startFailure(StartedProgram& program, const QString& obstacle, int timeout) {
     const QString name = program.start().name;
     if (program.process().hasEnded()) {
         program.output().waitForEnd(500);

@@ -15,11 +15,12 @@ const struct {
     const char* library;
     const char* toolkit;
 } foreignLibraries[] = {
-    {"/libQtCore.so.4", "Qt 4"},       {"/libgtk-4.so", "GTK 4"}, {"/libgtk-3.so", "GTK 3"},
+    {"/libQtCore.so.4", "Qt 4"},     {"/libgtk-4.so", "GTK 4"}, {"/libgtk-3.so", "GTK 3"},
     {"/libgtk-x11-2.0.so", "GTK 2"}, {"/libtk8.", "Tk"},        {"/libfltk.so", "FLTK"},
 };
 
-/// What Qt tells of its own build: "Qt 6.4.2 (x86_64-little_endian-lp64 static release build; by ...".
+/// What Qt tells of its own build: "Qt 6.4.2 (x86_64-little_endian-lp64 static release build; by
+/// ...".
 constexpr std::string_view buildName = "Qt ";
 constexpr std::string_view staticBuild = "-little_endian-lp64 static ";
 
@@ -58,24 +59,28 @@ LoadedQt loadedQt(const QByteArray& maps) {
 QString obstacleOf(const LoadedQt& qt, const QByteArray& maps) {
     const DrivenQt& driven = drivenVersions[qt.major == 6 ? 1 : 0];
     if (qt.minor >= 0 && qt.minor < driven.oldestMinor)
-        return QStringLiteral("it is a program with Qt %1, and agents for Qt %2 need %2.%3 or later")
+        return QStringLiteral(
+                   "it is a program with Qt %1, and agents for Qt %2 need %2.%3 or later")
             .arg(qt.version, QString::number(driven.major), QString::number(driven.oldestMinor));
     const QString prefix = Environment::getVariable(QLatin1String(prefixVariable));
     if (!QFile::exists(prefix + QLatin1String(driven.agent)))
-        return QStringLiteral("it is a program with Qt %1, and this installation has no agent for "
-                              "Qt %2")
+        return QStringLiteral(
+                   "it is a program with Qt %1, and this installation has no agent for "
+                   "Qt %2")
             .arg(qt.version, QString::number(driven.major));
     // Qt loads the plug-ins that the environment names right after that of the platform.
     // One that took ours without the agent is not to be touched itself, but may start others.
     if (!maps.contains("/platforms/lib") || maps.contains("/libtamrixagentplugin"))
         return {};
     if (maps.contains("/libtamrixhook.so"))
-        return QStringLiteral("it is a program with Qt %1 that takes neither the plug-in that "
-                              "QT_QPA_GENERIC_PLUGINS names nor the preloaded hook")
+        return QStringLiteral(
+                   "it is a program with Qt %1 that takes neither the plug-in that "
+                   "QT_QPA_GENERIC_PLUGINS names nor the preloaded hook")
             .arg(qt.version);
-    return QStringLiteral("it is a program with Qt %1 that takes no plug-in from QT_PLUGIN_PATH and "
-                          "QT_QPA_GENERIC_PLUGINS; hook=\"preload\" in config.xml may get the agent "
-                          "into it")
+    return QStringLiteral(
+               "it is a program with Qt %1 that takes no plug-in from QT_PLUGIN_PATH and "
+               "QT_QPA_GENERIC_PLUGINS; hook=\"preload\" in config.xml may get the agent "
+               "into it")
         .arg(qt.version);
 }
 
@@ -112,7 +117,8 @@ QString staticQtVersion(const QString& programFile) {
     if (begin == std::string_view::npos)
         return {};
     static const QRegularExpression s_version(QStringLiteral("^Qt (\\d+\\.\\d+\\.\\d+) \\("));
-    return s_version.match(QString::fromLatin1(bytes.data() + begin, static_cast<int>(build - begin)))
+    return s_version
+        .match(QString::fromLatin1(bytes.data() + begin, static_cast<int>(build - begin)))
         .captured(1);
 }
 
@@ -131,8 +137,9 @@ QString agentObstacle(const std::vector<pid_t>& processes) {
             continue;
         const QString version = staticQtVersion(folder + QLatin1String("exe"));
         if (!version.isEmpty())
-            found = QStringLiteral("it is a program with Qt %1 linked statically, into which no "
-                                   "plug-in can be loaded")
+            found = QStringLiteral(
+                        "it is a program with Qt %1 linked statically, into which no "
+                        "plug-in can be loaded")
                         .arg(version);
     }
     return found;

@@ -9,8 +9,9 @@ namespace Tamrix {
 namespace {
 
 constexpr int linesAround = 2;
-/// No line of a script that a person reads is longer, and no file of one.
+/// In characters: longer lines are cut.
 constexpr int maximalLength = 500;
+/// In bytes: what is behind that counts as a line of its own.
 constexpr qint64 maximalLine = 1 << 20;
 
 QString shownLine(QByteArray bytes) {

@@ -10,7 +10,8 @@ QMap<QString, QString> withDisplay(QMap<QString, QString> environment, const QSt
                                    const QString& display) {
     environment.insert("QT_QPA_PLATFORM", platform);
     environment.insert(platform == "wayland" ? "WAYLAND_DISPLAY" : "DISPLAY", display);
-    // Qt 6.4 crashes on a field's focus where a compositor has no seat and it is to write through it.
+    // Qt 6.4 crashes on a field's focus where a compositor has no seat and it is to write through
+    // it.
     environment.insert("QT_IM_MODULE", "compose");
     environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("QT_QUICK_BACKEND", "software");

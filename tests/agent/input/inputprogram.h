@@ -11,8 +11,7 @@ class InputProgram {
 public:
     /// `platform` "xcb" needs a display, ":99", and "wayland" a socket.
     InputProgram(const QString& program, const QString& platform, const QString& display,
-                 const QStringList& arguments = {},
-                 const QMap<QString, QString>& environment = {});
+                 const QStringList& arguments = {}, const QMap<QString, QString>& environment = {});
 
     AgentClient& client() { return m_client; }
 

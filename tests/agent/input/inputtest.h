@@ -14,8 +14,8 @@ struct InputSetting {
 };
 
 /// The platforms with each version of Qt.
-inline std::vector<InputSetting> inputSettings(
-    const std::vector<const char*>& platforms = {"offscreen", "xcb"}) {
+inline std::vector<InputSetting> inputSettings(const std::vector<const char*>& platforms = {
+                                                   "offscreen", "xcb"}) {
     std::vector<InputSetting> settings;
     for (const int version : qtVersions()) {
         for (const char* platform : platforms)
@@ -25,12 +25,10 @@ inline std::vector<InputSetting> inputSettings(
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage): it uses one itself.
-#define TAMRIX_FOR_EACH_PLATFORM(Test, ...)                                                 \
-    INSTANTIATE_TEST_SUITE_P(, Test, testing::ValuesIn(Tamrix::inputSettings(__VA_ARGS__)), \
-                             [](const auto& row) {                                          \
-                                 return row.param.platform +                                \
-                                        Tamrix::qtName(row.param.qtVersion);                \
-                             })
+#define TAMRIX_FOR_EACH_PLATFORM(Test, ...)                            \
+    INSTANTIATE_TEST_SUITE_P(                                          \
+        , Test, testing::ValuesIn(Tamrix::inputSettings(__VA_ARGS__)), \
+        [](const auto& row) { return row.param.platform + Tamrix::qtName(row.param.qtVersion); })
 
 /// Every test runs in all settings, each time with a program of its own.
 class InputTest : public testing::TestWithParam<InputSetting> {

@@ -49,12 +49,9 @@ TEST_P(ScalingTest, InputArrivesWhereItIsAimed) {
     EXPECT_EQ(program.call("fill", "line", {"scaled"}), "");
     EXPECT_EQ(program.read("line", "text").toString(), "scaled");
     // Pictures have all pixels of the screen.
-    const Wire::NativeRequest request{
-        "grabObjectScreenshot", {program.object("pad").handle, 0, 0}};
+    const Wire::NativeRequest request{"grabObjectScreenshot", {program.object("pad").handle, 0, 0}};
     const Screenshot picture = Screenshot::fromVariant(
-        program.client()
-            .request<Wire::Value>(Wire::MessageType::NativeRequest, request)
-            .value);
+        program.client().request<Wire::Value>(Wire::MessageType::NativeRequest, request).value);
     EXPECT_EQ(program.client().lastError(), "");
     EXPECT_NEAR(picture.image().width(),
                 program.read("pad", "width").toInt() * QByteArray(factor).toDouble(), 1);

@@ -52,8 +52,7 @@ protected:
     QByteArray reply;
 };
 
-INSTANTIATE_TEST_SUITE_P(Platforms, TargetTest, testing::Values("offscreen"),
-                         [](const auto& row) { return std::string(row.param); });
+TAMRIX_FOR_EACH_PLATFORM(TargetTest, {"offscreen"});
 
 TEST_P(TargetTest, FunctionsAreCalledWithWhatIsFound) {
     const Wire::ObjectInfo plain = program().object("Plain");

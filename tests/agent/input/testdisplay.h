@@ -6,8 +6,8 @@
 
 namespace Tamrix {
 
-/// An Xvfb display without window manager, or for the platform "wayland" a Weston compositor without
-/// screen, for the time of the object. Nothing for other platforms.
+/// An Xvfb display without window manager, or for the platform "wayland" a Weston compositor
+/// without screen, for the time of the object. Nothing for other platforms.
 class TestDisplay {
 public:
     explicit TestDisplay(const QString& platform);

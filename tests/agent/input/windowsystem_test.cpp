@@ -33,9 +33,8 @@ TEST(WindowSystemTest, AMissingFunctionIsNamedAndCostsOnlyWhatNeedsIt) {
             return QByteArray(symbol).contains(row.missing) ? nullptr : &place;
         });
         for (const Use use : {Use::None, Use::Mouse, Use::Keys, Use::Closing}) {
-            const QString text =
-                QString("the program's Qt %1 has no function %2, which this needs")
-                    .arg(QLatin1String(qVersion()), row.function);
+            const QString text = QString("the program's Qt %1 has no function %2, which this needs")
+                                     .arg(QLatin1String(qVersion()), row.function);
             EXPECT_EQ(system.obstacle(use), use == row.use && use != Use::None ? text : "")
                 << row.missing;
         }

@@ -1,6 +1,6 @@
-// A program into which no agent comes, as far as one can see: it has a library of the name loaded that
-// its argument gives, and Qt linked statically when there is none. Plain C++, since a Qt that it really
-// used would be looked at instead. Waits to be ended.
+// A program into which no agent comes, as far as one can see: it has a library of the name loaded
+// that its argument gives, and Qt linked statically when there is none. Plain C++, since a Qt that
+// it really used would be looked at instead. Waits to be ended.
 
 #include <fcntl.h>
 #include <sys/mman.h>

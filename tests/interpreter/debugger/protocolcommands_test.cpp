@@ -8,7 +8,6 @@
 #include "interpreter/bridge/internaldebugger.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/debugger/testdebugger.h"
-
 #include "platform/objectmodel/inspector.h"
 #include "support/fakelanguage.h"
 #include "support/fakerunner.h"

@@ -118,21 +118,36 @@ TEST_F(PythonVariables, NothingIsBelowWhatIsNotThere) {
 /// One value may take a tenth of a second, all of a listing a quarter.
 TEST_F(PythonVariables, SlowValuesDoNotStall) {
     QString slow;
+    QString all;
     qint64 elapsed = 0;
     lookIn("late", [&] {
         QElapsedTimer timer;
         timer.start();
-        listing("");
+        all = listing("");
         slow = listing("slow");
         elapsed = timer.elapsed();
     });
     EXPECT_LT(elapsed, 1500);
+    EXPECT_TRUE(all.contains("int number = 1\n")) << "what needs no code of the script";
     EXPECT_EQ(slow,
               "slow:\n"
               "    Bad +slow.0 = <no representation: not in time>\n"
               "    Bad +slow.1 = <no representation: not in time>\n"
               "    Bad +slow.2 = <no representation: not in time>\n"
               "    Bad +slow.3 = <no representation: others took too long>\n");
+}
+
+/// A hundred megabytes: those of the script's own code take their time, the others none.
+TEST_F(PythonVariables, LongValuesAreCut) {
+    lookIn("big", [&] {
+        const Debugger::VariableBindings values = debugger.variables("long");
+        ASSERT_EQ(values.size(), 5U);
+        for (const auto& binding : values) {
+            EXPECT_LT(binding.value.size(), 250) << qPrintable(binding.name);
+            EXPECT_GT(binding.value.size(), 10) << qPrintable(binding.name);
+        }
+        EXPECT_TRUE(values.back().value.startsWith("[['z', 'z', "));
+    });
 }
 
 TEST_F(PythonVariables, ALongListIsListedQuickly) {

@@ -100,7 +100,7 @@ def main():
     longText = "a\n" * 10**6
     longNumber = 10**20000
     longName = {"n" * 300: 1}
-    bad = [Bad(each) for each in (fail, sys.exit, recurse, int, lambda: "y" * 10**8)]
+    bad = [Bad(each) for each in (fail, sys.exit, int, lambda: "y" * 10**4)]
 
     def inner():
         captured = point
@@ -112,4 +112,10 @@ def main():
 def late():
     slow = [Bad(sleep), Bad(loop), Bad(sleep), Bad(sleep)]
     many = [Bad(sleep) for _ in range(150)]
+    number = 1
+    look()
+
+
+def big():
+    long = [Bad(lambda: "y" * 10**8), Bad(recurse), "z" * 10**8, b"z" * 10**8, [["z"] * 10**7]]
     look()
