@@ -191,6 +191,28 @@ TEST_F(DapRun, ARunningScriptIsPausedChangedAndRestarted) {
     leave();
 }
 
+TEST_F(DapRun, EachCaseOfARunHasTheBreakPoints) {
+    client.launch({{"suite", suite}, {"cases", QJsonArray{"first", "second"}}});
+    client.setBreakPoints(suite + "/shared/scripts/counting.py",
+                          {QJsonObject{{"line", 7}, {"hitCondition", "% 4"}},
+                           QJsonObject{{"line", 8}, {"logMessage", "{total} up to {until}"}}});
+    go();
+    for (const QString testCase : {"first", "second"}) {
+        EXPECT_EQ(client.stop(), "breakpoint counting.py:7");
+        EXPECT_EQ(stack(), "count:7 main:7");
+        const QJsonArray threads = client.body("threads")["threads"].toArray();
+        EXPECT_EQ(threads.at(0).toObject()["name"], testCase);
+        EXPECT_EQ(evaluated("number"), "3");
+        // Out of the function: what is only logged on the way does not hold a step up.
+        EXPECT_EQ(after("stepOut"), "step test.py:8");
+        client.body("continue", {{"threadId", 1}});
+    }
+    EXPECT_EQ(exitCodeOfRun(), 0);
+    EXPECT_EQ(client.output("console").count("counting.py:8: 6 up to 4\n"), 2)
+        << qPrintable(client.output("console"));
+    leave();
+}
+
 TEST_F(DapRun, DisconnectingEndsARunThatDoesNotEnd) {
     launch("endless");
     go();
