@@ -41,8 +41,13 @@ void Server::wait(int milliseconds) {
     if (m_client.descriptor() >= 0 && !m_client.hasEnded())
         watched.push_back({m_client.descriptor(), POLLIN, 0});
     m_session.watch(&watched);
+    const int soon = 20;
+    int limit = milliseconds;
+    if (m_session.hasMoreToDo() && (limit < 0 || limit > soon))
+        limit = soon;
     // What can't be watched is looked at again and again.
-    const int limit = m_client.descriptor() < 0 ? 0 : milliseconds;
+    if (m_client.descriptor() < 0)
+        limit = 0;
     ::poll(watched.data(), watched.size(), limit);
     m_client.receive();
 }

@@ -7,14 +7,12 @@
 
 #include <QDir>
 #include <QJsonArray>
-#include <QProcess>
-#include <QTemporaryDir>
+#include <csignal>
 
 #include "dap/protocol/stream.h"
 #include "e2e/runnerprocess.h"
 #include "support/dapclient.h"
 #include "support/dapprocess.h"
-#include "support/files.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -117,16 +115,7 @@ TEST_F(DapRun, AWholeSessionWithAnApplication) {
         << qPrintable(client.output("console"));
     leave();
 
-    // All that was said is what the protocol knows.
-    const QTemporaryDir folder;
-    const QString dialogue = folder.filePath("dialogue");
-    ASSERT_TRUE(writeFile(dialogue, client.dialogue()));
-    QProcess check;
-    check.setProcessChannelMode(QProcess::MergedChannels);
-    check.start("/usr/bin/python3",
-                {TAMRIX_TEST_SOURCE_DIR "/tests/dap/debugprotocol/check.py", dialogue});
-    ASSERT_TRUE(check.waitForFinished());
-    EXPECT_EQ(check.exitCode(), 0) << check.readAll().constData();
+    EXPECT_TRUE(client.fitsProtocol());
 }
 
 TEST_F(DapRun, FailuresStopWhereTheyHappen) {
@@ -147,6 +136,32 @@ TEST_F(DapRun, FailuresStopWhereTheyHappen) {
               "test.py:5: Fail: Comparison: '1' and '2' are not equal\n"
               "test.py:11: Error: Script Error: ValueError: after all\n");
     leave();
+}
+
+TEST_F(DapRun, AnObjectThatIsNotFoundStopsBeforeItsError) {
+    launch("missing");
+    client.body("setExceptionBreakpoints", {{"filters", QJsonArray{"objectNotFound"}}});
+    go();
+    EXPECT_EQ(client.stop(), "exception test.py:7");
+    const QString details =
+        client.body("exceptionInfo", {{"threadId", 1}})["description"].toString();
+    EXPECT_TRUE(details.startsWith("{text='55' type='Button'}\n")) << qPrintable(details);
+    EXPECT_TRUE(details.contains("Nearest:\n")) << qPrintable(details);
+    // Looked for again, and not there again.
+    EXPECT_EQ(after("continue"), "exception test.py:7");
+    client.body("setExceptionBreakpoints", {{"filters", QJsonArray()}});
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 1);
+    leave();
+}
+
+TEST_F(DapRun, ASignalEndsServerAndRun) {
+    launch("endless");
+    go();
+    while (!client.output("stdout").contains("ready"))
+        client.event("output");
+    process.sendSignal(SIGTERM);
+    EXPECT_EQ(process.exitCode(), 0) << process.errors().constData();
 }
 
 TEST_F(DapRun, ARunningScriptIsPausedChangedAndRestarted) {
@@ -173,6 +188,28 @@ TEST_F(DapRun, ARunningScriptIsPausedChangedAndRestarted) {
     client.body("continue", {{"threadId", 1}});
     EXPECT_EQ(exitCodeOfRun(), 0);
     EXPECT_TRUE(client.output("stdout").endsWith("released\n"));
+    leave();
+}
+
+TEST_F(DapRun, EachCaseOfARunHasTheBreakPoints) {
+    client.launch({{"suite", suite}, {"cases", QJsonArray{"first", "second"}}});
+    client.setBreakPoints(suite + "/shared/scripts/counting.py",
+                          {QJsonObject{{"line", 7}, {"hitCondition", "% 4"}},
+                           QJsonObject{{"line", 8}, {"logMessage", "{total} up to {until}"}}});
+    go();
+    for (const QString testCase : {"first", "second"}) {
+        EXPECT_EQ(client.stop(), "breakpoint counting.py:7");
+        EXPECT_EQ(stack(), "count:7 main:7");
+        const QJsonArray threads = client.body("threads")["threads"].toArray();
+        EXPECT_EQ(threads.at(0).toObject()["name"], testCase);
+        EXPECT_EQ(evaluated("number"), "3");
+        // Out of the function: what is only logged on the way does not hold a step up.
+        EXPECT_EQ(after("stepOut"), "step test.py:8");
+        client.body("continue", {{"threadId", 1}});
+    }
+    EXPECT_EQ(exitCodeOfRun(), 0);
+    EXPECT_EQ(client.output("console").count("counting.py:8: 6 up to 4\n"), 2)
+        << qPrintable(client.output("console"));
     leave();
 }
 

@@ -1,10 +1,11 @@
 #include "support/dapclient.h"
 
-#include <gtest/gtest.h>
-
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "support/files.h"
 
 namespace Tamrix::Test {
 
@@ -126,6 +127,21 @@ QJsonObject DapClient::variables(int reference) {
     for (const QJsonValue& each : answer["variables"].toArray())
         byName.insert(each.toObject()["name"].toString(), each);
     return byName;
+}
+
+testing::AssertionResult DapClient::fitsProtocol() const {
+    const QTemporaryDir folder;
+    const QString messages = folder.filePath("messages");
+    if (!writeFile(messages, m_dialogue))
+        return testing::AssertionFailure() << "the messages can't be written";
+    QProcess check;
+    check.setProcessChannelMode(QProcess::MergedChannels);
+    check.start("/usr/bin/python3",
+                {TAMRIX_TEST_SOURCE_DIR "/tests/dap/debugprotocol/check.py", messages});
+    if (check.waitForFinished() && check.exitStatus() == QProcess::NormalExit &&
+        check.exitCode() == 0)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << check.readAll().constData();
 }
 
 }  // namespace Tamrix::Test

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
@@ -42,6 +44,8 @@ public:
 
     /// Every message that was sent or received, one a line.
     const QByteArray& dialogue() const { return m_dialogue; }
+    /// Whether all of them are what the protocol knows, by its schema.
+    testing::AssertionResult fitsProtocol() const;
     /// Writes bytes that may be no message.
     void writeRaw(const QByteArray& bytes) { m_stream.write(bytes); }
     /// The next message, whatever it is; an empty object at the end of the stream.

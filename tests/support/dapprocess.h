@@ -19,6 +19,7 @@ public:
 
     /// What speaks with it.
     DapClient::Stream stream();
+    void sendSignal(int signal) { m_program->signal(signal); }
     /// Waits for the end and returns the exit code.
     int exitCode();
     /// What it has written to standard error.

@@ -42,6 +42,8 @@ public:
         }
     }
 
+    bool hasTakenInput() override { return true; }
+
     void signal(int number) override {
         m_script.signalNumbers.append(number);
         if (number == SIGINT)

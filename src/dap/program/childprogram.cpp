@@ -1,11 +1,13 @@
 #include "dap/program/childprogram.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QElapsedTimer>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -108,6 +110,7 @@ public:
 
     std::vector<Piece> receive() override;
     void write(const QByteArray& bytes) override;
+    bool hasTakenInput() override;
     void signal(int number) override;
     std::optional<int> exitCode() override;
     void watch(std::vector<pollfd>* watched) const override;
@@ -123,6 +126,8 @@ private:
     Descriptor m_end;
     Descriptor m_input;
     std::array<Stream, 2> m_streams;
+    /// Since it had read what was written last; invalid before that.
+    QElapsedTimer m_sinceTaken;
     std::optional<int> m_exitCode;
     /// Its last words were received.
     bool m_isDrained = false;
@@ -169,9 +174,20 @@ std::vector<Program::Piece> ChildProgram::receive() {
 
 void ChildProgram::write(const QByteArray& bytes) {
     QString reason;
+    m_sinceTaken.invalidate();
     // A program that does not read any more has ended, or is about to.
     if (m_input.isOpen() && !writeAll(m_input.get(), bytes, &reason))
         m_input.close();
+}
+
+bool ChildProgram::hasTakenInput() {
+    const int millisecondsToAct = 100;
+    int left = 0;
+    if (m_input.isOpen() && ::ioctl(m_input.get(), FIONREAD, &left) == 0 && left > 0)
+        return false;
+    if (!m_sinceTaken.isValid())
+        m_sinceTaken.start();
+    return m_sinceTaken.elapsed() >= millisecondsToAct;
 }
 
 void ChildProgram::signal(int number) {

@@ -67,6 +67,8 @@ public:
     void quit();
 
     // At any time.
+    /// Whether what was commanded last has its effect: a script that was let go on runs.
+    bool hasTakenCommands() { return m_program->hasTakenInput(); }
     /// Asks a running script to stop at its next line.
     void interrupt();
     /// Asks the run to end: the script can clean up.

@@ -37,6 +37,8 @@ public:
     virtual std::vector<Piece> receive() = 0;
     /// Hands over what the program is to read. What an ended program would have read is dropped.
     virtual void write(const QByteArray& bytes) = 0;
+    /// Whether the program has read all of that, and had the time to do what it says.
+    virtual bool hasTakenInput() = 0;
     /// Sends a signal.
     virtual void signal(int number) = 0;
     /// The exit code, or 128 and the number of the signal that ended the program. Nothing as long

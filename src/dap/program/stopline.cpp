@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <QStringList>
+#include <algorithm>
 
 #include "base/protocolescapes.h"
 
@@ -32,11 +33,14 @@ std::optional<Stop> readFieldedStop(const QByteArray& line) {
         if (fields.size() <= fileField)
             return std::nullopt;
         const QString detail = fields.value(each.detailField);
-        return Stop{each.kind,
-                    {fields[fileField], fields[0].toInt()},
-                    unescapeVariablePrinting(fields.value(each.subjectField)),
-                    each.kind == StopKind::ObjectNotFound ? unescapeNonPrintable(detail)
-                                                          : unescapeVariablePrinting(detail)};
+        Stop stop;
+        stop.kind = each.kind;
+        stop.place = {fields[fileField], fields[0].toInt()};
+        stop.column = std::max(fields[1].toInt(), 0);
+        stop.subject = unescapeVariablePrinting(fields.value(each.subjectField));
+        stop.detail = each.kind == StopKind::ObjectNotFound ? unescapeNonPrintable(detail)
+                                                            : unescapeVariablePrinting(detail);
+        return stop;
     }
     return std::nullopt;
 }
@@ -74,7 +78,8 @@ Binding readBinding(const QString& text) {
 }  // namespace
 
 std::optional<Stop> readStop(const QByteArray& line) {
-    static const QRegularExpression reachedLine(QStringLiteral("^@line (-?\\d+), column -?\\d+, "));
+    static const QRegularExpression reachedLine(
+        QStringLiteral("^@line (-?\\d+), column (-?\\d+), "));
     static const QRegularExpression missingStep(QStringLiteral("^@missingStep (-?\\d+) "));
     if (!line.startsWith('@'))
         return std::nullopt;
@@ -84,17 +89,19 @@ std::optional<Stop> readStop(const QByteArray& line) {
     const QRegularExpressionMatch reached = reachedLine.match(text);
     if (reached.hasMatch() && text.endsWith(QLatin1Char(':'))) {
         const int end = reached.capturedEnd();
-        return Stop{StopKind::Line,
-                    {text.mid(end, text.size() - end - 1), reached.captured(1).toInt()},
-                    {},
-                    {}};
+        Stop stop;
+        stop.place = {text.mid(end, text.size() - end - 1), reached.captured(1).toInt()};
+        stop.column = std::max(reached.captured(2).toInt(), 0);
+        return stop;
     }
     const QRegularExpressionMatch missing = missingStep.match(text);
-    if (missing.hasMatch())
-        return Stop{StopKind::StepMissing,
-                    {{}, missing.captured(1).toInt()},
-                    text.mid(missing.capturedEnd()),
-                    {}};
+    if (missing.hasMatch()) {
+        Stop stop;
+        stop.kind = StopKind::StepMissing;
+        stop.place.line = missing.captured(1).toInt();
+        stop.subject = text.mid(missing.capturedEnd());
+        return stop;
+    }
     return std::nullopt;
 }
 

@@ -27,6 +27,8 @@ enum class StopKind {
 struct Stop {
     StopKind kind = StopKind::Line;
     ScriptPlace place;
+    /// From 1 on, 0 when unknown.
+    int column = 0;
     /// What was not found, or the step's text; may be empty.
     QString subject;
     /// More about it, may be empty.

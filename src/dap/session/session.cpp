@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "base/overloaded.h"
 #include "dap/session/language.h"
@@ -62,6 +63,7 @@ Outcome<> Session::restart(const std::optional<LaunchArguments>& arguments) {
         terminate();
         awaitEnd();
         m_debuggee.reset();
+        forgetStop();
     }
     if (arguments)
         m_launch = arguments;
@@ -85,7 +87,7 @@ Outcome<> Session::start() {
         return fail(program.error());
     m_caseCount = 0;
     m_caseName.clear();
-    m_takesInterrupt = m_isInterrupted = false;
+    m_takesInterrupt = m_wantsInterrupt = m_isInterrupted = false;
     m_isEntering = true;
     m_breakPoints.forgetDebugger();
     m_debuggee = std::make_unique<Debuggee>(
@@ -126,6 +128,7 @@ void Session::update() {
     readJournal();
     while (std::optional<Stop> stop = m_debuggee->takeStop())
         handle(*stop);
+    interruptInTime();
     if (const std::optional<int> exitCode = m_debuggee->exitCode())
         runEnded(*exitCode);
 }
@@ -143,7 +146,7 @@ void Session::tell(const JournalEvent& event) {
                        m_takesInterrupt = false;
                        m_judge.caseBegan();
                    },
-                   [this](const CaseEnded&) { m_takesInterrupt = false; },
+                   [this](const CaseEnded&) { m_takesInterrupt = m_wantsInterrupt = false; },
                    [this](const ResultTold& result) {
                        m_judge.resultTold(result);
                        write(result.isFailure ? "stderr" : "console", resultText(result),
@@ -165,6 +168,7 @@ void Session::tell(const Notice& notice) {
 
 void Session::handle(const Stop& stop) {
     m_stop = stop;
+    m_wantsInterrupt = false;
     const bool wasInterrupted = std::exchange(m_isInterrupted, false);
     if (m_isEntering) {
         ++m_caseCount;
@@ -228,10 +232,15 @@ void Session::report(const ReportedStop& stop) {
     m_client.send("stopped", event);
 }
 
-void Session::letGoOn(Resume how) {
+void Session::forgetStop() {
     m_stop.reset();
     m_reported.reset();
+    m_stack.reset();
     m_values.clear();
+}
+
+void Session::letGoOn(Resume how) {
+    forgetStop();
     m_lastResume = how;
     if (how == Resume::Continue || how == Resume::SkipError)
         m_takesInterrupt = true;
@@ -240,9 +249,7 @@ void Session::letGoOn(Resume how) {
 
 void Session::runEnded(int exitCode) {
     m_debuggee.reset();
-    m_stop.reset();
-    m_reported.reset();
-    m_values.clear();
+    forgetStop();
     m_client.send("exited", ExitedEvent{exitCode});
     m_client.send("terminated");
 }
@@ -302,6 +309,15 @@ void Session::interrupt() {
     if (!m_takesInterrupt)
         return;
     m_takesInterrupt = false;
+    m_wantsInterrupt = true;
+    interruptInTime();
+}
+
+void Session::interruptInTime() {
+    // A signal before the script runs again would end the run.
+    if (!m_wantsInterrupt || !m_debuggee->hasTakenCommands())
+        return;
+    m_wantsInterrupt = false;
     m_isInterrupted = true;
     m_debuggee->interrupt();
 }
@@ -346,18 +362,22 @@ QString Session::threadName() const {
 }
 
 Outcome<std::vector<StackFrame>> Session::stack() {
+    if (m_stack)
+        return *m_stack;
     const Outcome<Debuggee*> debuggee = debuggeeAt(std::nullopt);
     if (!debuggee)
         return fail(debuggee.error());
     const Outcome<std::vector<ScriptPlace>> callers = (*debuggee)->callers();
     if (!callers)
         return fail(callers.error());
-    std::vector<ScriptPlace> places = {m_stop->place};
-    places.insert(places.end(), callers->begin(), callers->end());
-    std::vector<StackFrame> frames;
-    for (const ScriptPlace& place : places)
-        frames.push_back({topFrameId + static_cast<int>(frames.size()), functionAt(place),
-                          sourceOf(place.file), clientLine(place.line), columnOfIndex(0)});
+    const auto frame = [this](const ScriptPlace& place, int level, int column) {
+        return StackFrame{topFrameId + level, functionAt(place), sourceOf(place.file),
+                          clientLine(place.line), columnOfIndex(std::max(column - 1, 0))};
+    };
+    std::vector<StackFrame> frames = {frame(m_stop->place, 0, m_stop->column)};
+    for (const ScriptPlace& place : *callers)
+        frames.push_back(frame(place, static_cast<int>(frames.size()), 0));
+    m_stack = frames;
     return frames;
 }
 

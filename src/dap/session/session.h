@@ -40,6 +40,9 @@ public:
     void update();
     /// Adds what poll() is to watch.
     void watch(std::vector<pollfd>* watched) const;
+    /// Whether something is to be done soon, although nothing may come: update() is called again
+    /// within some milliseconds then.
+    bool hasMoreToDo() const { return m_wantsInterrupt; }
     /// Whether the client has said good-bye.
     bool isOver() const { return m_isOver; }
 
@@ -95,8 +98,11 @@ private:
     void act(const StopJudgement& judgement);
     void report(const ReportedStop& stop);
     void letGoOn(Resume how);
+    /// What is known of where the script stands does not hold any more.
+    void forgetStop();
     /// Asks the script to stop at its next line, if that does not end the run.
     void interrupt();
+    void interruptInTime();
     void runEnded(int exitCode);
     /// Waits for the end of a run that was asked to end, and kills it when its time is over.
     void awaitEnd();
@@ -132,12 +138,16 @@ private:
     /// A signal stops the script and does not end the run: since the script went on to a break
     /// point, once, until the end of the case.
     bool m_takesInterrupt = false;
+    /// The signal is to be sent as soon as the script runs.
+    bool m_wantsInterrupt = false;
     /// The script was asked to stop, and has not yet.
     bool m_isInterrupted = false;
     Resume m_lastResume = Resume::Continue;
     /// Where the script stands, whether or not the client knows.
     std::optional<Stop> m_stop;
     std::optional<ReportedStop> m_reported;
+    /// Once somebody has asked for it.
+    std::optional<std::vector<StackFrame>> m_stack;
     bool m_isOver = false;
 };
 

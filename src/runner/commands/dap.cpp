@@ -1,9 +1,11 @@
 // "tamrixrunner dap": editors that speak the Debug Adapter Protocol debug scripts.
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <cstdio>
+#include <atomic>
+#include <csignal>
 
 #include "dap/listener.h"
 #include "dap/program/childprogram.h"
@@ -36,7 +38,29 @@ Outcome<> readArguments(const CommandArguments&, DapSettings&) {
     return {};
 }
 
+/// The client's stream, and an empty one in its place once a signal asks this process to end.
+std::atomic<int> s_input{-1};
+std::atomic<int> s_empty{-1};
+
+void endInput(int) {
+    ::dup2(s_empty, s_input);
+}
+
+/// From the first signal on the client counts as gone, so that the run ends in order. The second
+/// one ends this process.
+void endInputBySignals(int input) {
+    s_input = input;
+    s_empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    struct sigaction action = {};
+    action.sa_handler = endInput;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigemptyset(&action.sa_mask);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        ::sigaction(signal, &action, nullptr);
+}
+
 int serve(int input, int output) {
+    endInputBySignals(input);
     Dap::DescriptorReader reader(input);
     Dap::DescriptorWriter writer(output);
     Dap::Server server(reader, writer, QCoreApplication::applicationFilePath(),

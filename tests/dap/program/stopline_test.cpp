@@ -18,7 +18,7 @@ TEST(StopLine, TellsPlaceAndReason) {
         QString detail;
     };
     const Row rows[] = {
-        {"@line 3, column -1, /s/a, b: c/test.py:",
+        {"@line 3, column 7, /s/a, b: c/test.py:",
          StopKind::Line,
          {"/s/a, b: c/test.py", 3},
          "",
@@ -51,6 +51,7 @@ TEST(StopLine, TellsPlaceAndReason) {
         EXPECT_EQ(stop->kind, row.kind);
         EXPECT_EQ(stop->place.file, row.place.file);
         EXPECT_EQ(stop->place.line, row.place.line);
+        EXPECT_EQ(stop->column, row.line.contains("column 7") ? 7 : 0);
         EXPECT_EQ(stop->subject, row.subject);
         EXPECT_EQ(stop->detail, row.detail);
     }
