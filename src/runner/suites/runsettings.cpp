@@ -5,7 +5,8 @@
 
 namespace Tamrix {
 
-void startRunSettings(const SuiteConfig& config, TestResult* result) {
+void startRunSettings(const SuiteConfig& config, const QMap<QString, QString>& passwords,
+                      TestResult* result) {
     TestSettingsType::reset();
     // A failure shows the moment in which it happened unless somebody asks otherwise.
     TestSettingsType::s_vpOptions.setFlag(VerificationOptions::LogScreenshotOnFail, true);
@@ -13,7 +14,7 @@ void startRunSettings(const SuiteConfig& config, TestResult* result) {
     QMap<QString, QString> properties;
     for (const SuiteConfig::Setting& setting : config.settings)
         properties.insert(setting.name, setting.value);
-    TestSettingsType::initialize(result, {}, properties, {});
+    TestSettingsType::initialize(result, {}, properties, passwords);
 }
 
 }  // namespace Tamrix

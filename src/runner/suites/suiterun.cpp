@@ -23,6 +23,7 @@
 #include "runner/processes/interrupt.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
+#include "runner/suites/passwords.h"
 #include "runner/suites/runsettings.h"
 #include "vision/screenshot/screenshot.h"
 
@@ -95,6 +96,7 @@ Outcome<> SuiteRun::loadObjectMap() {
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
+    m_passwords = takePasswords();
     const ProcessState stateBeforeRun;
     Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
     Interrupt::install();
@@ -137,7 +139,7 @@ void SuiteRun::noteEnvironment() {
 void SuiteRun::runCase(const SuiteCase& testCase) {
     m_runner.startCase(testCase.name, testCase.script);
     m_result.startCase(testCase.name, testCase.script);
-    startRunSettings(m_suite.config, &m_result);
+    startRunSettings(m_suite.config, m_passwords, &m_result);
     m_failureMoment.reset();
     if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),

@@ -80,6 +80,7 @@ private:
     /// The last picture of the desktop, until the failure that it belongs to is told.
     Screenshot m_desktop;
     bool m_hasFailed = false;
+    QMap<QString, QString> m_passwords;
     int m_interruptedBy = 0;
     int m_skippedCases = 0;
 };

@@ -4,7 +4,9 @@
 
 #include "interpreter/bridge/testsettingstable.h"
 #include "interpreter/bridge/testsettingstype.h"
+#include "runner/suites/passwords.h"
 #include "runner/suites/suiteconfig.h"
+#include "support/environmentguard.h"
 #include "support/files.h"
 #include "support/printqt.h"
 
@@ -20,7 +22,7 @@ TEST_F(RunSettings, EachCaseStartsWithThoseOfTheSuite) {
     SuiteConfig config;
     config.settings = {{"waitForObjectTimeout", "500"}, {"logScreenshotOnFail", "no"}};
     for (int testCase = 0; testCase < 2; ++testCase) {
-        startRunSettings(config, nullptr);
+        startRunSettings(config, {}, nullptr);
         EXPECT_EQ(TestSettingsType::s_waitForObjectTimeout, 500);
         EXPECT_FALSE(TestSettingsType::s_breakOnFailure);
         EXPECT_EQ(TestSettingsType::getAUTWrappers("shop"), QStringList());
@@ -35,6 +37,20 @@ TEST_F(RunSettings, EachCaseStartsWithThoseOfTheSuite) {
     }
 }
 
+TEST_F(RunSettings, PasswordsLeaveTheEnvironment) {
+    const QString password = QStringLiteral("t\u00e4st = 1");
+    const Tamrix::Test::EnvironmentGuard ofShop("TAMRIX_PASSWORD_shop", password);
+    const Tamrix::Test::EnvironmentGuard withoutKey("TAMRIX_PASSWORD_", "x");
+    startRunSettings({}, takePasswords(), nullptr);
+    QString error;
+    EXPECT_EQ(TestSettingsType::getPassword("shop", &error), password);
+    EXPECT_EQ(error, "");
+    TestSettingsType::getPassword("", &error);
+    EXPECT_EQ(error, "No password available for key ''");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("TAMRIX_PASSWORD_shop"));
+    EXPECT_EQ(takePasswords().size(), 0);
+}
+
 /// The rows of the table with this head in a document.
 QStringList tableOf(const QString& document, const QString& head) {
     const QStringList lines = QString::fromUtf8(Test::readFile(document)).split('\n');
@@ -46,7 +62,7 @@ QStringList tableOf(const QString& document, const QString& head) {
 }
 
 TEST_F(RunSettings, TheDocumentListsThemAll) {
-    startRunSettings({}, nullptr);
+    startRunSettings({}, {}, nullptr);
     QStringList rows;
     for (const TestSetting& setting : testSettings) {
         const QString type = settingTypeName(setting);
