@@ -188,6 +188,7 @@ TEST_F(ApplicationRun, OnesThatTakeNoAgentAreToldAtOnce) {
         {FOREIGN_TARGET " libQt6Core.so.6.2.4", 60000,
          "it is a program with Qt 6.2.4, and agents for Qt 6 need 6.4 or later"},
         {FOREIGN_TARGET, 60000, "it is a program with Qt 6.5.3 linked statically"},
+        {"faulty busy", 1500, "has its agent, but its event loop did not run within 1500 ms"},
         {"faulty deaf", 60000, "that takes no plug-in from QT_PLUGIN_PATH"},
         {"faulty version", 60000, "its agent can't be used"},
         {"faulty token", 60000, "its agent can't be used"},

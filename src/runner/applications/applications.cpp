@@ -165,6 +165,12 @@ QString Applications::startFailure(StartedProgram& program, const QString& obsta
         return QStringLiteral("'%1' was started, but %2").arg(name, obstacle);
     if (timeout < 0)
         return QStringLiteral("'%1' was started, but its agent can't be used").arg(name);
+    if (isAgentLoaded(program.processes())) {
+        return QStringLiteral(
+                   "'%1' was started and has its agent, but its event loop did not run within %2 "
+                   "ms")
+            .arg(name, QString::number(timeout));
+    }
     return QStringLiteral(
                "'%1' was started, but no agent in it connected within %2 ms; is it a program "
                "with Qt 5 or Qt 6?")

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QRegularExpression>
+#include <algorithm>
 #include <string_view>
 
 #include "base/environment.h"
@@ -33,6 +34,15 @@ struct DrivenQt {
 };
 constexpr DrivenQt drivenVersions[] = {{5, 15, "/lib/libtamrixagent.so"},
                                        {6, 4, "/lib/libtamrixagent-qt6.so"}};
+
+bool hasAgent(const QByteArray& maps) {
+    return maps.contains("/libtamrixagent.so") || maps.contains("/libtamrixagent-qt6.so");
+}
+
+QByteArray mapsOf(pid_t process) {
+    QFile file(QStringLiteral("/proc/%1/maps").arg(process));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 /// The Qt of a process, as the file of its core library is called.
 struct LoadedQt {
@@ -87,7 +97,7 @@ QString obstacleOf(const LoadedQt& qt, const QByteArray& maps) {
 }  // namespace
 
 AgentProspect agentProspect(const QByteArray& maps) {
-    if (maps.contains("/libtamrixagent.so") || maps.contains("/libtamrixagent-qt6.so"))
+    if (hasAgent(maps))
         return {true, {}};
     const LoadedQt qt = loadedQt(maps);
     if (qt.major != 0) {
@@ -125,17 +135,14 @@ QString staticQtVersion(const QString& programFile) {
 QString agentObstacle(const std::vector<pid_t>& processes) {
     QString found;
     for (const pid_t process : processes) {
-        const QString folder = QStringLiteral("/proc/%1/").arg(process);
-        QFile file(folder + QLatin1String("maps"));
-        const AgentProspect prospect =
-            agentProspect(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
+        const AgentProspect prospect = agentProspect(mapsOf(process));
         if (prospect.isPossible)
             return {};
         if (found.isEmpty())
             found = prospect.obstacle;
         if (!found.isEmpty())
             continue;
-        const QString version = staticQtVersion(folder + QLatin1String("exe"));
+        const QString version = staticQtVersion(QStringLiteral("/proc/%1/exe").arg(process));
         if (!version.isEmpty())
             found = QStringLiteral(
                         "it is a program with Qt %1 linked statically, into which no "
@@ -143,6 +150,11 @@ QString agentObstacle(const std::vector<pid_t>& processes) {
                         .arg(version);
     }
     return found;
+}
+
+bool isAgentLoaded(const std::vector<pid_t>& processes) {
+    return std::any_of(processes.begin(), processes.end(),
+                       [](pid_t process) { return hasAgent(mapsOf(process)); });
 }
 
 QString ForeignToolkitWatch::look(const std::vector<pid_t>& processes) {

@@ -26,6 +26,10 @@ QString staticQtVersion(const QString& programFile);
 /// one of them.
 QString agentObstacle(const std::vector<pid_t>& processes);
 
+/// Whether the agent's library is loaded into one of the processes. It connects when the event loop
+/// runs.
+bool isAgentLoaded(const std::vector<pid_t>& processes);
+
 /// Finds out during the start of a program that no agent will come. A program may load its
 /// toolkits one after the other, so it is only sure after a while.
 class ForeignToolkitWatch {

@@ -125,6 +125,8 @@ int main(int argc, char** argv) {
     if (what == "deaf")
         qunsetenv("QT_QPA_GENERIC_PLUGINS");
     QApplication application(argc, argv);
+    if (what == "busy")
+        ::pause();
     if (what == "much")
         writeMuch();
     if (what == "stubborn")
