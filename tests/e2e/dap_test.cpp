@@ -53,7 +53,7 @@ protected:
     /// The functions of the stack, the innermost first, each with its line.
     QString stack() {
         QStringList frames;
-        for (const QJsonValue& each :
+        for (const auto& each :
              client.body("stackTrace", {{"threadId", 1}})["stackFrames"].toArray()) {
             const QJsonObject frame = each.toObject();
             frames.append(QStringLiteral("%1:%2").arg(frame["name"].toString(),
