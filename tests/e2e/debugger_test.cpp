@@ -347,7 +347,9 @@ TEST(DebuggerTerminal, CtrlDEndsTheRun) {
     ASSERT_TRUE(session.waitFor(prompt.toLatin1())) << session.screen().constData();
     session.type("\x04");
     EXPECT_EQ(session.finish(), 0) << session.screen().constData();
-    EXPECT_TRUE(session.screen().contains("The run was ended in the debugger"));
+    EXPECT_TRUE(
+        session.screen().contains("\r\ntamrixrunner: the run was ended in the debugger\r\n"))
+        << session.screen().constData();
 }
 
 TEST(DebuggerTerminal, TheScriptHasTheTerminalWhileItRuns) {

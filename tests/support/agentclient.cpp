@@ -88,6 +88,9 @@ AgentClient::AgentClient(const QString& program, const QStringList& arguments, W
                              ? program
                              : QStringLiteral(TAMRIX_TEST_PREFIX "/tests/targets/") + program;
     QMap<QString, QString> variables = environmentFor(wayIn, socketPath());
+    // Qt would tell on standard error that it makes one of its own.
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        variables.insert("XDG_RUNTIME_DIR", m_folder.path());
     for (auto it = environment.cbegin(); it != environment.cend(); ++it)
         variables.insert(it.key(), it.value());
     const QByteArray errorFile = m_folder.filePath("stderr").toLocal8Bit();

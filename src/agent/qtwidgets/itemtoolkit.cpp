@@ -116,30 +116,62 @@ QVariant itemProperty(const Element& item, const QString& name) {
     return {};
 }
 
-/// Whether the tab shows in full, not below the buttons that scroll; `*button` brings it nearer.
-bool showsTab(const QTabBar* bar, int tab, QToolButton** button) {
-    const QRect place = bar->tabRect(tab);
+/// The buttons that scroll a tab bar, and what they leave of it for tabs. Without buttons all of
+/// it.
+struct TabScroller {
+    QToolButton* backward = nullptr;
+    QToolButton* forward = nullptr;
+    /// Along the bar: the first and the last pixel that a tab can show at.
+    int first = 0;
+    int last = 0;
+    bool isVertical = false;
+};
+
+TabScroller scrollerOf(const QTabBar* bar) {
+    TabScroller scroller;
     const QList<QToolButton*> buttons =
         bar->findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
-    for (QToolButton* each : buttons) {
-        const bool isBefore =
-            each->arrowType() == Qt::LeftArrow || each->arrowType() == Qt::UpArrow;
-        if (!each->isVisible() || !each->isEnabled() || each->arrowType() == Qt::NoArrow)
+    for (QToolButton* button : buttons) {
+        const Qt::ArrowType arrow = button->arrowType();
+        if (!button->isVisible() || arrow == Qt::NoArrow)
             continue;
-        *button = each;
-        const bool isBelow = place.intersects(each->geometry());
-        const bool isOutside = isBefore ? place.left() < 0 || place.top() < 0
-                                        : !bar->rect().contains(place.bottomRight());
-        if (isBelow || isOutside)
-            return false;
+        scroller.isVertical = arrow == Qt::UpArrow || arrow == Qt::DownArrow;
+        const bool isBackward = arrow == Qt::LeftArrow || arrow == Qt::UpArrow;
+        (isBackward ? scroller.backward : scroller.forward) = button;
     }
-    return true;
+    scroller.last = (scroller.isVertical ? bar->height() : bar->width()) - 1;
+    for (const QToolButton* button : {scroller.backward, scroller.forward}) {
+        if (!button)
+            continue;
+        const QRect place = button->geometry();
+        const int begin = scroller.isVertical ? place.top() : place.left();
+        const int end = scroller.isVertical ? place.bottom() : place.right();
+        // Styles put both at one end, or one at each.
+        if (begin + end < scroller.last)
+            scroller.first = std::max(scroller.first, end + 1);
+        else
+            scroller.last = std::min(scroller.last, begin - 1);
+    }
+    return scroller;
+}
+
+/// The button that brings the tab nearer; null when it shows, or can't be brought. It shows when
+/// its middle does, where it is clicked: there may be no room for more.
+QToolButton* buttonTowards(const QTabBar* bar, int tab, const TabScroller& scroller) {
+    const QPoint center = bar->tabRect(tab).center();
+    const int middle = scroller.isVertical ? center.y() : center.x();
+    QToolButton* const button = middle < scroller.first  ? scroller.backward
+                                : middle > scroller.last ? scroller.forward
+                                                         : nullptr;
+    return button && button->isEnabled() ? button : nullptr;
 }
 
 bool scrollTabIntoView(const QTabBar* bar, int tab) {
     bool hasMoved = false;
-    QToolButton* button = nullptr;
-    for (int i = 0; i < bar->count() && !showsTab(bar, tab, &button); ++i) {
+    for (int i = 0; i < bar->count(); ++i) {
+        QToolButton* const button = buttonTowards(bar, tab, scrollerOf(bar));
+        if (!button)
+            break;
         button->click();
         hasMoved = true;
     }

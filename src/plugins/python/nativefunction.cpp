@@ -10,6 +10,7 @@
 #include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/pythoncontext.h"
+#include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scriptcall.h"
 
@@ -128,6 +129,43 @@ bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t cou
     return false;
 }
 
+/// Null with the error indicator set when the call was refused or has failed.
+template <Kind kind>
+PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
+                    PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
+    // What the script has printed stands before what the call will write.
+    interpreter.output().flush();
+    PyObject* first = nullptr;
+    if constexpr (hasFirst(kind)) {
+        if (!checkFirst(target, arguments, count))
+            return nullptr;
+        first = *arguments++;
+        --count;
+    }
+    PythonContext& context = interpreter.context();
+    try {
+        if (!names && !leavesOut(target, arguments, count)) {
+            PythonContext::Call call(context, arguments, count);
+            return run<kind>(target, interpreter, call, first);
+        }
+        Outcome<ScriptArgument::List> bound = bindArguments(
+            target.displayName, target.parameters, givenArguments(arguments, count, names));
+        if (!bound) {
+            PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
+            return nullptr;
+        }
+        PythonContext::Call call(context, std::move(*bound), names != nullptr);
+        return run<kind>(target, interpreter, call, first);
+    } catch (const PythonErrorSet&) {
+        return nullptr;
+    } catch (const std::exception& exception) {
+        raiseNativeException(target.displayName, QString::fromUtf8(exception.what()));
+    } catch (...) {
+        raiseNativeException(target.displayName, "unknown exception");
+    }
+    return nullptr;
+}
+
 template <Kind kind>
 PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t count,
                      PyObject* names) {
@@ -137,37 +175,10 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
         raiseRefusedCall(target.displayName);
         return nullptr;
     }
-    // What the script has printed stands before what the call will write.
-    interpreter->output().flush();
-    PyObject* first = nullptr;
-    if constexpr (hasFirst(kind)) {
-        if (!checkFirst(target, arguments, count))
-            return nullptr;
-        first = *arguments++;
-        --count;
-    }
-    PythonContext& context = interpreter->context();
-    try {
-        if (!names && !leavesOut(target, arguments, count)) {
-            PythonContext::Call call(context, arguments, count);
-            return run<kind>(target, *interpreter, call, first);
-        }
-        Outcome<ScriptArgument::List> bound = bindArguments(
-            target.displayName, target.parameters, givenArguments(arguments, count, names));
-        if (!bound) {
-            PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
-            return nullptr;
-        }
-        PythonContext::Call call(context, std::move(*bound), names != nullptr);
-        return run<kind>(target, *interpreter, call, first);
-    } catch (const PythonErrorSet&) {
-        return nullptr;
-    } catch (const std::exception& exception) {
-        raiseNativeException(target.displayName, QString::fromUtf8(exception.what()));
-    } catch (...) {
-        raiseNativeException(target.displayName, "unknown exception");
-    }
-    return nullptr;
+    PyObject* const result = tryTarget<kind>(target, *interpreter, arguments, count, names);
+    if (!result)
+        interpreter->debugger().errorRaised();
+    return result;
 }
 
 using Entry = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*);

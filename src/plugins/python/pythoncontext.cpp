@@ -73,7 +73,6 @@ PyObject* PythonContext::Call::raise() {
     if (m_context.isSkip())
         interpreter.setSkip(exception);
     interpreter.debugger().errorReplaced(exception.get(), m_context.errorMessage());
-    interpreter.debugger().errorRaised();
     return nullptr;
 }
 

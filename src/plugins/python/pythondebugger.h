@@ -24,6 +24,11 @@ class PythonInterpreter;
 /// calls that could have to stop: in mode Run of functions with a break point in them, when
 /// stepping of those at the depth of the step. No other line costs anything. The frames are read
 /// from Python when they are asked for.
+///
+/// An exception is seen where it is raised in such a call or by a native function, else when it
+/// leaves the innermost call. Whether something catches it is then read from the byte code of the
+/// calls that it has not left. Where that can't tell, as in a `with`, the decision waits until the
+/// exception has come further; one that has left all calls was caught by nothing.
 class PythonDebugger final : public Debugger, private TraceListener {
 public:
     explicit PythonDebugger(PythonInterpreter& interpreter);

@@ -1,5 +1,6 @@
 #include "plugins/python/pythoninterpreter.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 #include <stdexcept>
 
@@ -259,7 +260,7 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
     if (fileName.isEmpty() && m_debugger->debuggerMode() == Debugger::None) {
         const std::vector<ScriptFrame> frames = m_debugger->frames();
         if (!frames.empty())
-            return evaluateAt(frames.front().frame.get(), text);
+            return evaluateAt(frames, text);
     }
     PyRef result;
     try {
@@ -277,8 +278,17 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
     return finish(result, !fileName.isEmpty());
 }
 
-bool PythonInterpreter::evaluateAt(PyObject* frame, const QString& text) {
-    const Outcome<QString> result = evaluateInFrame(*this, frame, text);
+bool PythonInterpreter::evaluateAt(const std::vector<ScriptFrame>& frames, const QString& text) {
+    // As in the paths of variables, "^N" in front means the frame N levels outwards.
+    static const QRegularExpression s_level(QStringLiteral("^\\^(\\d+)\\s"));
+    const QRegularExpressionMatch level = s_level.match(text);
+    bool isNumber = true;
+    const std::size_t index = level.hasMatch() ? level.captured(1).toUInt(&isNumber) : 0;
+    const Outcome<QString> result =
+        isNumber && index < frames.size()
+            ? evaluateInFrame(*this, frames[index].frame.get(), text.mid(level.capturedLength()))
+            : fail(FailureKind::NotFound,
+                   QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1)));
     m_output.flush();
     setResultMessage(result ? *result : result.error().text);
     if (!result)

@@ -90,9 +90,9 @@ public:
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
 
 private:
-    /// Code that a person writes while the script stands still at the frame. The result's text is
-    /// that of what became of it.
-    bool evaluateAt(PyObject* frame, const QString& text);
+    /// Code that a person writes while the script stands still, the innermost frame first. The
+    /// result's text is that of what became of it.
+    bool evaluateAt(const std::vector<ScriptFrame>& frames, const QString& text);
     /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
     /// otherwise the error fields tell what happened.
     bool finish(const PyRef& result, bool hasFile = true);

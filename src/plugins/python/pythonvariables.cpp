@@ -107,9 +107,10 @@ std::optional<PythonVariableWatcher::Target> PythonVariableWatcher::find(const Q
 }
 
 VariableWatcher::VariableBindings PythonVariableWatcher::list(const Target& target) {
+    ValueTexts texts;
     ValueMembers members;
     if (target.value) {
-        members = membersOf(target.value.get(), target.first, limit);
+        members = membersOf(target.value.get(), target.first, limit, texts);
     } else {
         std::vector<ValueMember> variables = variablesOf(target.level);
         members.count = static_cast<Py_ssize_t>(variables.size());
@@ -118,7 +119,6 @@ VariableWatcher::VariableBindings PythonVariableWatcher::list(const Target& targ
         members.page.assign(std::make_move_iterator(variables.begin() + first),
                             std::make_move_iterator(variables.begin() + end));
     }
-    ValueTexts texts;
     VariableBindings bindings;
     for (const ValueMember& member : members.page)
         bindings.push_back(bind(below(target.path, member.name), member.value.get(), texts));

@@ -32,8 +32,8 @@ bool isWrittenAsCode(PyObject* key) {
 }
 
 /// An entry of a dictionary stands as code would ask for it.
-QString nameOfKey(PyObject* key) {
-    QString text = ValueTexts().textOf(key);
+QString nameOfKey(PyObject* key, ValueTexts& texts) {
+    QString text = texts.textOf(key);
     if (isWrittenAsCode(key) && !ValueTexts::isCut(text))
         // Blanks behind one another would not come back.
         return "[" + text.replace("  ", " \\x20") + "]";
@@ -94,23 +94,21 @@ std::vector<ValueMember> slotsOf(PyObject* value) {
                 slots.push_back({pathPart(fromPyString(key)), std::move(held)});
         }
     }
-    if (PyExceptionInstance_Check(value)) {
-        const PyRef arguments = PyRef::steal(PyObject_GetAttrString(value, "args"));
-        if (arguments)
-            slots.push_back({QStringLiteral("args"), arguments});
-        else
-            PyErr_Clear();
-    }
+    if (PyExceptionInstance_Check(value))
+        slots.push_back({QStringLiteral("args"),
+                         PyRef::borrow(reinterpret_cast<PyBaseExceptionObject*>(value)->args)});
     return slots;
 }
 
-ValueMembers itemsAsMembers(PyObject* container, Py_ssize_t first, Py_ssize_t limit) {
+ValueMembers itemsAsMembers(PyObject* container, Py_ssize_t first, Py_ssize_t limit,
+                            ValueTexts& texts) {
     ValueMembers members;
     members.count = containerSize(container);
     Py_ssize_t index = first;
     for (ContainerItem& item : containerItems(container, first, limit)) {
         members.page.push_back(
-            {item.key ? nameOfKey(item.key.get()) : QString::number(index), std::move(item.value)});
+            {item.key ? nameOfKey(item.key.get(), texts) : QString::number(index),
+             std::move(item.value)});
         ++index;
     }
     return members;
@@ -147,8 +145,9 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
         return valueAt(dictionary, toPyString(textOfPathPart(name)));
     if (PyRef value = valueAt(dictionary, keyOfName(name)))
         return value;
+    ValueTexts texts;
     for (ContainerItem& item : containerItems(dictionary, 0, containerSize(dictionary))) {
-        if (nameOfKey(item.key.get()) == name)
+        if (nameOfKey(item.key.get(), texts) == name)
             return std::move(item.value);
     }
     return {};
@@ -222,13 +221,14 @@ QString textOfPathPart(const QString& part) {
 bool hasMembers(PyObject* value) {
     if (isContainer(value))
         return containerSize(value) > 0;
+    ValueTexts texts;
     return !PyFunction_Check(value) && !PyCFunction_Check(value) &&
-           membersOf(value, 0, 1).count > 0;
+           membersOf(value, 0, 1, texts).count > 0;
 }
 
-ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit) {
+ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, ValueTexts& texts) {
     if (isContainer(value))
-        return itemsAsMembers(value, first, limit);
+        return itemsAsMembers(value, first, limit, texts);
 
     // Slots stand in front of the other attributes.
     std::vector<ValueMember> slots = slotsOf(value);

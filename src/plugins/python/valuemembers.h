@@ -9,6 +9,8 @@
 
 namespace Tamrix::PythonPlugin {
 
+class ValueTexts;
+
 /// A part of a value that a listing can go into.
 struct ValueMember {
     /// As it stands in a path: an attribute as a pathPart(), an entry of a dictionary with its key
@@ -28,8 +30,8 @@ struct ValueMembers {
 /// attributes of an object, a class or a module. Runs no code of scripts.
 bool hasMembers(PyObject* value);
 
-/// At most `limit` members from the one numbered `first`, in their order.
-ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit);
+/// At most `limit` members from the one numbered `first`, in their order. `texts` writes keys.
+ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, ValueTexts& texts);
 
 /// The member with the name as it stands in paths; null when there is none.
 PyRef memberNamed(PyObject* value, const QString& name);

@@ -44,12 +44,24 @@ QString firstCharacters(const PyRef& text) {
     return fromPyString(PyRef::steal(PyUnicode_Substring(text.get(), 0, longest)).get()) + more;
 }
 
+/// The beginning of a text or of bytes, read without code of a class derived from them.
+PyRef beginningOf(PyObject* value) {
+    if (PyUnicode_Check(value))
+        return PyRef::steal(PyUnicode_Substring(value, 0, longest));
+    if (PyBytes_Check(value))
+        return PyRef::steal(PyBytes_FromStringAndSize(PyBytes_AS_STRING(value),
+                                                      std::min(PyBytes_GET_SIZE(value), longest)));
+    return PyRef::steal(PyByteArray_FromStringAndSize(
+        PyByteArray_AS_STRING(value), std::min(PyByteArray_GET_SIZE(value), longest)));
+}
+
 /// A text or bytes, cut before their representation is made.
 QString sliceText(PyObject* value) {
-    const Py_ssize_t length = PySequence_Size(value);
-    const PyRef part =
-        PyRef::steal(PySequence_GetSlice(value, 0, std::min<Py_ssize_t>(length, longest)));
-    const PyRef text = PyRef::steal(part ? PyObject_Repr(part.get()) : nullptr);
+    const Py_ssize_t length = PyUnicode_Check(value) ? PyUnicode_GET_LENGTH(value)
+                              : PyBytes_Check(value) ? PyBytes_GET_SIZE(value)
+                                                     : PyByteArray_GET_SIZE(value);
+    const PyRef beginning = beginningOf(value);
+    const PyRef text = PyRef::steal(beginning ? PyObject_Repr(beginning.get()) : nullptr);
     if (!text) {
         PyErr_Clear();
         return more;
@@ -124,7 +136,7 @@ QString ValueTexts::containerText(PyObject* value, int depth) {
 
 QString ValueTexts::scriptText(PyObject* value) {
     const std::chrono::milliseconds time = std::min(m_left, timeForOne);
-    if (time <= time.zero())
+    if (time <= std::chrono::milliseconds::zero())
         return QStringLiteral("<no representation: others took too long>");
     const auto start = std::chrono::steady_clock::now();
     PyRef text;

@@ -48,6 +48,9 @@ CommandInput::Line EditedInput::readLine(const std::string& prompt) {
         rl_callback_read_char();
     }
     Line line = *std::exchange(s_line, std::nullopt);
+    // Ctrl-D leaves the cursor behind the prompt.
+    if (line.end == End::OfInput)
+        std::fputc('\n', stdout);
     if (line.end == End::None && line.text.find_first_not_of(" \t") != std::string::npos) {
         if (line.text != m_last)
             add_history(line.text.c_str());

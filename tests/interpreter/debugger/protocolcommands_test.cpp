@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <clocale>
 #include <stdexcept>
 
 #include "interpreter/bridge/internaldebugger.h"
@@ -36,6 +37,8 @@ public:
         return started;
     }
     using FakeRunner::startSpecialApplication;
+    bool isRunning(SharedPtr<ApplicationContext>) override { return running; }
+    bool running = false;
     void setImageSearchFixTarget(int target) override {
         calls.append("fix target " + QString::number(target));
     }
@@ -91,6 +94,8 @@ public:
 class ProtocolCommands : public testing::Test {
 protected:
     ProtocolCommands() {
+        // The encoding of terminals, which an application takes from its environment.
+        std::setlocale(LC_ALL, "C.UTF-8");
         interpreter.setDebugger(&debugger);
         Interpreter::setSelf(&interpreter);
         debugger.setCode(1, "/nowhere/a.py");
@@ -103,6 +108,7 @@ protected:
         Interpreter::setSelf(nullptr);
         TestSettingsType::reset();
         Inspector::self()->setModel(nullptr);
+        std::setlocale(LC_ALL, "C");
     }
 
     /// What is said at a stop with these commands.
@@ -297,6 +303,8 @@ TEST_F(ProtocolCommands, LaunchingApplications) {
     dialogue->note("An application");
     runner.started = SharedPtr<ApplicationContext>(new ApplicationContext);
     text += said(commands.mid(3, 2));
+    runner.running = true;
+    text += said(commands.mid(3, 3));
     dialogue->note(runner.calls.join("\n-- "));
     EXPECT_TRUE(compareWithGolden("debugger/launch.txt", text + dialogue->take()));
 }

@@ -86,6 +86,16 @@ TEST_F(PythonDebugging, GoesOnAsItsFrontEndCommands) {
     EXPECT_TRUE(frontEnd.commands.empty());
 }
 
+/// Of a function that runs already and had none.
+TEST_F(PythonDebugging, StopsAtBreakPointsThatAreSetInBetween) {
+    debugger->bufferBreakPoint(script(), 2);
+    debugger->setInteractive(true);
+    debugger->setDebuggerMode(Debugger::Run);
+    frontEnd.commands = {SetBreakPoint{script(), 8}, DeleteBreakPoint{script(), 2},
+                         Resume{Resume::Run}, SetBreakPoint{script(), 10}, Resume{Resume::Run}};
+    EXPECT_EQ(stops(), QString("2 %1:8 %1:2 8 %1:10 10").arg(script()));
+}
+
 TEST_F(PythonDebugging, StacksAreTheSameWithAndWithoutTracing) {
     define("look", [](ScriptContext*) {
         Debugger* const own = Debugger::self();

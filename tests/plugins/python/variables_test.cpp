@@ -124,17 +124,19 @@ TEST_F(PythonVariables, SlowValuesDoNotStall) {
         QElapsedTimer timer;
         timer.start();
         all = listing("");
+        listing("keys");
         slow = listing("slow");
         elapsed = timer.elapsed();
     });
-    EXPECT_LT(elapsed, 1500);
+    EXPECT_LT(elapsed, 2000);
     EXPECT_TRUE(all.contains("int number = 1\n")) << "what needs no code of the script";
-    EXPECT_EQ(slow,
-              "slow:\n"
-              "    Bad +slow.0 = <no representation: not in time>\n"
-              "    Bad +slow.1 = <no representation: not in time>\n"
-              "    Bad +slow.2 = <no representation: not in time>\n"
-              "    Bad +slow.3 = <no representation: others took too long>\n");
+    EXPECT_TRUE(
+        slow.startsWith("slow:\n"
+                        "    Bad +slow.0 = <no representation: not in time>\n"
+                        "    Bad +slow.1 = <no representation: not in time>\n"))
+        << qPrintable(slow);
+    EXPECT_TRUE(slow.endsWith("    Bad +slow.3 = <no representation: others took too long>\n"))
+        << qPrintable(slow);
 }
 
 /// A hundred megabytes: those of the script's own code take their time, the others none.
@@ -196,9 +198,11 @@ TEST_F(PythonVariables, AreChangedByCode) {
                   "    look()\n"
                   "    return local, argument, total\n"
                   "def main():\n"
+                  "    greeting = None\n"
                   "    for number in range(1):\n"
                   "        result = inner('a')\n"
-                  "    if result != (5, ['b'], 7): raise ValueError(result)\n"),
+                  "    if result != (5, ['b'], 7): raise ValueError(result)\n"
+                  "    if greeting != [0]: raise ValueError(greeting)\n"),
               "");
     lookIn("main", [&] {
         const struct {
@@ -221,6 +225,12 @@ TEST_F(PythonVariables, AreChangedByCode) {
             {"local = 5; 1 / 0", "! ZeroDivisionError: division by zero"},
             {"if local", "! SyntaxError: expected ':' (<debugger>, line 1)"},
             {"exit(3)", "! SystemExit: 3"},
+            {"^1 number", "0"},
+            {"^1\tgreeting = [number]", ""},
+            {"^1 greeting", "[0]"},
+            {"^0 local", "5"},
+            {"^7 local", "! There is no frame 7 levels outwards"},
+            {"^99999999999 local", "! There is no frame 99999999999 levels outwards"},
             {"test.vrify", "! AttributeError: module 'test' has no attribute 'vrify'"},
         };
         for (const auto& row : rows)

@@ -1,5 +1,7 @@
 """Each function ends by an error or catches one; the golden file tells where that stops."""
+import asyncio
 import contextlib
+import threading
 
 cleaned = []
 
@@ -15,6 +17,13 @@ def nativeInTry():
         return
     finally:
         cleaned.append("native")
+
+
+def wrongCall():
+    try:
+        findNothing(unasked="for")
+    finally:
+        cleaned.append("call")
 
 
 def plain():
@@ -124,6 +133,22 @@ def ofGenerator():
 
 def viaGenerator():
     return list(ofGenerator())
+
+
+async def failing():
+    await asyncio.sleep(0)
+    plain()
+
+
+def inCoroutine():
+    asyncio.run(failing())
+
+
+def inThread():
+    thread = threading.Thread(target=plain)
+    threading.excepthook = lambda arguments: None
+    thread.start()
+    thread.join()
 
 
 def exits():

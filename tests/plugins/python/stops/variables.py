@@ -52,6 +52,13 @@ class Liar(list):
     __iter__ = __len__
 
 
+class LyingText(str):
+    def __getitem__(self, index):
+        raise AssertionError("a listing does not ask for a part")
+
+    __len__ = __getitem__
+
+
 Pair = collections.namedtuple("Pair", "left right")
 
 
@@ -97,6 +104,8 @@ def main():
     pair = Pair(1, b"bytes")
     error = KeyError("missing")
     liar = Liar([7])
+    lyingText = LyingText("t")
+    changing = bytearray(b"b" * 300)
     longText = "a\n" * 10**6
     longNumber = 10**20000
     longName = {"n" * 300: 1}
@@ -113,6 +122,7 @@ def late():
     slow = [Bad(sleep), Bad(loop), Bad(sleep), Bad(sleep)]
     many = [Bad(sleep) for _ in range(150)]
     number = 1
+    keys = {Bad(sleep): number for _ in range(150)}
     look()
 
 
