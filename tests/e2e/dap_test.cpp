@@ -53,7 +53,7 @@ protected:
     /// The functions of the stack, the innermost first, each with its line.
     QString stack() {
         QStringList frames;
-        for (const QJsonValue& each :
+        for (const auto& each :
              client.body("stackTrace", {{"threadId", 1}})["stackFrames"].toArray()) {
             const QJsonObject frame = each.toObject();
             frames.append(QStringLiteral("%1:%2").arg(frame["name"].toString(),
@@ -126,6 +126,9 @@ TEST_F(DapRun, FailuresStopWhereTheyHappen) {
     EXPECT_EQ(client.stop(), "exception test.py:5");
     EXPECT_EQ(client.body("exceptionInfo", {{"threadId", 1}})["description"],
               "Comparison: '1' and '2' are not equal");
+    // Code that is evaluated does not stop.
+    EXPECT_EQ(evaluated("check(3)"), "None");
+    EXPECT_EQ(evaluated("test.breakpoint()"), "None");
     EXPECT_EQ(after("next"), "step test.py:6");
     EXPECT_EQ(after("continue"), "exception test.py:11");
     EXPECT_TRUE(client.body("exceptionInfo", {{"threadId", 1}})["description"].toString().contains(
@@ -134,6 +137,7 @@ TEST_F(DapRun, FailuresStopWhereTheyHappen) {
     EXPECT_EQ(exitCodeOfRun(), 1);
     EXPECT_EQ(client.output("stderr"),
               "test.py:5: Fail: Comparison: '1' and '2' are not equal\n"
+              "test.py:5: Fail: Comparison: '3' and '2' are not equal\n"
               "test.py:11: Error: Script Error: ValueError: after all\n");
     leave();
 }

@@ -124,7 +124,7 @@ QJsonObject DapClient::variables(int reference) {
     }
     QJsonObject byName;
     const QJsonObject answer = body("variables", {{"variablesReference", reference}});
-    for (const QJsonValue& each : answer["variables"].toArray())
+    for (const auto& each : answer["variables"].toArray())
         byName.insert(each.toObject()["name"].toString(), each);
     return byName;
 }

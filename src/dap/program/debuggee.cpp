@@ -74,6 +74,9 @@ void Debuggee::takeLine(const QByteArray& line) {
     if (m_reader) {
         if ((*m_reader)(line))
             m_reader = nullptr;
+        else if (readStop(line))
+            // Code that is evaluated came to a stop of its own, which would wait for ever.
+            m_program->write("continue\n");
         return;
     }
     if (std::optional<Stop> stop = readStop(line)) {

@@ -271,6 +271,7 @@ std::vector<Breakpoint> Session::setBreakPoints(const QString& path,
         }
     }
     std::vector<Breakpoint> result;
+    result.reserve(set.size());
     for (const ScriptBreakPoint* const each : set)
         result.push_back(described(*each));
     return result;

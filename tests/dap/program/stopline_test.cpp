@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
+
 #include "base/protocolescapes.h"
 #include "dap/program/outputlines.h"
 #include "support/printqt.h"

@@ -171,7 +171,7 @@ TEST_F(DapSession, BreakPointsTellTheirState) {
     client.stop();
     const auto states = [&](const QString& path, const QJsonArray& breakPoints) {
         QStringList result;
-        for (const QJsonValue& each : client.setBreakPoints(path, breakPoints)) {
+        for (const auto& each : client.setBreakPoints(path, breakPoints)) {
             const QJsonObject breakPoint = each.toObject();
             result += QString(breakPoint["verified"].toBool() ? "verified" : "not verified") + ' ' +
                       breakPoint["message"].toString();
@@ -425,7 +425,7 @@ TEST_F(DapSession, NamesAreCompleted) {
     const auto completed = [&](const QString& text, int column) {
         const QJsonObject answer = client.body("completions", {{"text", text}, {"column", column}});
         QString labels;
-        for (const QJsonValue& each : answer["targets"].toArray()) {
+        for (const auto& each : answer["targets"].toArray()) {
             const QJsonObject item = each.toObject();
             labels += QStringLiteral("%1@%2 ").arg(item["label"].toString(),
                                                    QString::number(item["start"].toInt()));
