@@ -16,8 +16,8 @@ class SimulatedProgram : public Dap::Program {
 public:
     SimulatedProgram(SimulatedScript& script, const Dap::ProgramStart& start)
         : m_script(script),
-          m_journal(start.arguments.value(start.arguments.indexOf("--report") + 1)
-                        .mid(QByteArray("json:").size())) {
+          m_journal(start.arguments.value(start.arguments.indexOf("--result-dir") + 1) +
+                    "/journal.jsonl") {
         EXPECT_TRUE(
             m_journal.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
         m_journal.write("{\"kind\":\"caseStart\",\"message\":\"a_case\"}\n");

@@ -5,14 +5,14 @@
 namespace Tamrix::Dap {
 
 Outcome<ProgramStart> runStart(const QString& runner, const LaunchArguments& arguments,
-                               const QString& journal) {
+                               const QString& resultFolder) {
     if (!QFileInfo(arguments.suite).isDir())
         return fail(FailureKind::NotFound,
                     QStringLiteral("the suite '%1' is no folder").arg(arguments.suite));
     ProgramStart start;
     start.program = runner;
     start.arguments =
-        QStringList{"run", "--debugger", "--no-console", "--report", "json:" + journal};
+        QStringList{"run", "--debugger", "--no-console", "--result-dir", resultFolder};
     if (arguments.display)
         start.arguments << "--aut-display" << *arguments.display;
     start.arguments << arguments.suite;

@@ -74,14 +74,13 @@ Outcome<> Session::restart(const std::optional<LaunchArguments>& arguments) {
 Outcome<> Session::start() {
     m_folder = std::make_unique<QTemporaryDir>();
     if (!m_folder->isValid())
-        return fail(FailureKind::Failed, QStringLiteral("a folder for the run's journal can't be "
+        return fail(FailureKind::Failed, QStringLiteral("a folder for the run's results can't be "
                                                         "made: %1")
                                              .arg(m_folder->errorString()));
-    const QString journal = m_folder->filePath(QStringLiteral("journal.jsonl"));
-    const Outcome<ProgramStart> start = runStart(m_setUp.runner, *m_launch, journal);
+    const Outcome<ProgramStart> start = runStart(m_setUp.runner, *m_launch, m_folder->path());
     if (!start)
         return fail(start.error());
-    m_journal = std::make_unique<JournalTail>(journal);
+    m_journal = std::make_unique<JournalTail>(m_folder->filePath(QStringLiteral("journal.jsonl")));
     Outcome<std::unique_ptr<Program>> program = m_setUp.start(*start);
     if (!program)
         return fail(program.error());

@@ -65,7 +65,7 @@ TEST_F(DapSession, StartsTheRunThatTheConfigurationTells) {
     ASSERT_EQ(script.starts.size(), 1u);
     const Dap::ProgramStart& started = script.starts[0];
     EXPECT_EQ(started.program, "tamrixrunner");
-    EXPECT_EQ(started.arguments.mid(0, 4).join(' '), "run --debugger --no-console --report");
+    EXPECT_EQ(started.arguments.mid(0, 4).join(' '), "run --debugger --no-console --result-dir");
     EXPECT_EQ(started.arguments.mid(5),
               (QStringList{"--aut-display", ":7", folder.path(), "a", "b", "--", "--fast", "x y"}));
     EXPECT_EQ(started.environment, (Dap::TextMap{{"A", "1"}, {"B", std::nullopt}}));
