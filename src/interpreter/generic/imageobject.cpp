@@ -144,6 +144,9 @@ bool load(ScriptContext* context) {
     return true;
 }
 
+// Members take their object as NativeScriptType says.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 bool width(Self self, ScriptContext* context) {
     if (!takesNothing(context, "width"))
         return false;
@@ -258,6 +261,8 @@ bool save(Self self, ScriptContext* context) {
     context->setNullResult();
     return true;
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 }  // namespace
 

@@ -14,6 +14,9 @@ SharedPtr<ScreenshotScriptObject> screenshotOf(const Self& self) {
     return staticPointerCast<ScreenshotScriptObject>(self);
 }
 
+// Members take their object as NativeScriptType says.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 bool copy(Self self, ScriptContext* context) {
     const Outcome<QRect> rect = rectArg(*context, screenshotOf(self)->image);
     if (!rect) {
@@ -48,6 +51,8 @@ bool nativeToImage(Self self, ScriptContext* context) {
 bool imageToNative(Self self, ScriptContext* context) {
     return mapPoint(self, context, "imageToNative", &Screenshot::imageToNative);
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 QTransform placedAt(QPoint origin, double scale) {
     QTransform transform;
