@@ -17,12 +17,20 @@ namespace {
 
 using Pair = QPair<QString, QString>;
 
+/// What a snapshot tells of each element beside its place in the tree.
+struct SnapshotContent {
+    enum class Pictures { Left, Taken };
+    enum class Properties { State, All };
+    Pictures pictures = Pictures::Left;
+    Properties properties = Properties::State;
+};
+
 /// Writes elements straight into the stream, in the order that UIElement::serialize() documents:
 /// making the elements first takes several times as long.
 class SnapshotWriter {
 public:
-    SnapshotWriter(QDataStream* stream, bool withImages, bool withAllProperties)
-        : m_stream(*stream), m_withImages(withImages), m_withAllProperties(withAllProperties) {}
+    SnapshotWriter(QDataStream* stream, SnapshotContent content)
+        : m_stream(*stream), m_content(content) {}
 
     void writeAll(const QVector<Element>& elements) {
         m_stream << static_cast<qint32>(elements.size());
@@ -43,8 +51,9 @@ private:
         m_stream << toolkit->isInternal(element) << false << isWindow;
         m_stream << text;
         m_stream << toolkit->globalBounds(element) << false;
-        m_stream << (m_withImages && toolkit->isVisible(element) ? toolkit->grab(element)
-                                                                 : QImage());
+        const bool hasPicture =
+            m_content.pictures == SnapshotContent::Pictures::Taken && toolkit->isVisible(element);
+        m_stream << (hasPicture ? toolkit->grab(element) : QImage());
         m_stream << m_names.realName(element) << QString();  // no symbolic name
         writeProperties(element);
         writeIdentifying(element, type, text);
@@ -73,7 +82,7 @@ private:
 
     void writeProperties(const Element& element) {
         QVector<Pair> pairs;
-        if (!m_withAllProperties) {
+        if (m_content.properties == SnapshotContent::Properties::State) {
             pairs.append({m_visible, boolText(element.toolkit->isVisible(element))});
             pairs.append({m_enabled, boolText(element.toolkit->isEnabled(element))});
             writePairs(pairs);
@@ -101,8 +110,7 @@ private:
     const QString& boolText(bool value) const { return value ? m_true : m_false; }
 
     QDataStream& m_stream;
-    bool m_withImages;
-    bool m_withAllProperties;
+    SnapshotContent m_content;
     const QString m_type = QStringLiteral("type");
     const QString m_name = QStringLiteral("name");
     const QString m_text = QStringLiteral("text");
@@ -133,7 +141,12 @@ QByteArray takeSnapshot(const Element& element, bool withImages) {
                 elements.append(each);
         }
     }
-    SnapshotWriter(&stream, withImages, !element.isNull()).writeAll(elements);
+    SnapshotContent content;
+    if (withImages)
+        content.pictures = SnapshotContent::Pictures::Taken;
+    if (!element.isNull())
+        content.properties = SnapshotContent::Properties::All;
+    SnapshotWriter(&stream, content).writeAll(elements);
     return bytes;
 }
 
