@@ -105,6 +105,8 @@ protected:
     }
     ~ProtocolCommands() override {
         debugger.shutDown();
+        // The debugger goes first.
+        interpreter.setDebugger(nullptr);
         Interpreter::setSelf(nullptr);
         TestSettingsType::reset();
         Inspector::self()->setModel(nullptr);
