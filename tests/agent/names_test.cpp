@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QSet>
+#include <QTemporaryDir>
 #include <memory>
 
 #include "platform/objectmodel/objectname.h"
@@ -123,7 +124,9 @@ TEST_P(NamesTest, EveryNameOfATreeFindsItsObject) {
     QString program = GetParam();
     if (program.contains('/') && !program.startsWith('/'))
         program.prepend("/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/");
-    AgentClient client(program);
+    // Programs that run once for each folder of temporary files would hand over to another test's.
+    const QTemporaryDir folder;
+    AgentClient client(program, {}, WayIn::Plugin, {{"TMPDIR", folder.path()}});
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
     QSet<quint64> seen;
     EXPECT_GT(

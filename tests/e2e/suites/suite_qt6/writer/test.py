@@ -1,7 +1,17 @@
 """A word processor that hides its menus while one writes."""
 
+import os
+import tempfile
+
 
 def main():
+    # A second one for the same folder would hand over to the first and end.
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
+        os.environ["TMPDIR"] = folder
+        write()
+
+
+def write():
     startApplication("focuswriter")
     editor = waitForObject("{type='QTextEdit'}")
     words = waitForObjectExists("{type='QLabel' text~='^Words'}")
