@@ -19,15 +19,14 @@ TestVP::ScreenshotServices& screenshotServices() {
     return s_services;
 }
 
-/// Makes a file of a new name for a screenshot; null when that fails, with `*path` the name that
-/// was tried last.
-std::unique_ptr<QFile> createScreenshotFile(const QDir& directory, TestResult::ResultType type,
-                                            QString* path) {
-    const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
+/// Makes a file of a new name, the base name with a number from 1, for a picture; null when that
+/// fails, with `*path` the name that was tried last.
+std::unique_ptr<QFile> createPictureFile(const QDir& directory, const QString& baseName,
+                                         QString* path) {
     auto file = std::make_unique<QFile>();
     for (int number = 1;; ++number) {
-        *path = directory.filePath(
-            QStringLiteral("screenshot_%1_%2.png").arg(kind, QString::number(number)));
+        *path =
+            directory.filePath(QStringLiteral("%1_%2.png").arg(baseName, QString::number(number)));
         file->setFileName(*path);
         // Another process may take the name between a look and the opening, so that the opening
         // itself decides.
@@ -36,6 +35,35 @@ std::unique_ptr<QFile> createScreenshotFile(const QDir& directory, TestResult::R
         if (!file->exists())
             return nullptr;
     }
+}
+
+/// Stores a picture; its path, or an empty text after a warning when that fails.
+QString storePicture(const QDir& directory, const QString& baseName, const QImage& picture) {
+    if (!directory.mkpath(QStringLiteral("."))) {
+        qWarning("No screenshot is stored: the directory '%s' could not be created",
+                 qUtf8Printable(directory.path()));
+        return QString();
+    }
+    QString path;
+    const std::unique_ptr<QFile> file = createPictureFile(directory, baseName, &path);
+    if (!file) {
+        qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
+        return QString();
+    }
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, "png");
+    QString reason;
+    if (!writer.write(picture))
+        reason = writer.errorString();
+    else
+        writeAll(file.get(), bytes.data(), &reason);
+    if (reason.isEmpty())
+        return path;
+    qWarning("The screenshot '%s' could not be written: %s", qUtf8Printable(path),
+             qUtf8Printable(reason));
+    file->remove();
+    return QString();
 }
 
 }  // namespace
@@ -86,35 +114,41 @@ QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType ty
         return QString();
     }
 
-    if (!directory.mkpath(QStringLiteral("."))) {
-        qWarning("No screenshot is stored: the directory '%s' could not be created",
-                 qUtf8Printable(directoryPath));
+    const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
+    const QString path =
+        storePicture(directory, QStringLiteral("screenshot_%1").arg(kind), picture);
+    if (path.isEmpty())
         return QString();
-    }
-    QString path;
-    const std::unique_ptr<QFile> file = createScreenshotFile(directory, type, &path);
-    if (!file) {
-        qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
-        return QString();
-    }
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, "png");
-    QString reason;
-    if (!writer.write(picture))
-        reason = writer.errorString();
-    else
-        writeAll(file.get(), bytes.data(), &reason);
-    if (!reason.isEmpty()) {
-        qWarning("The screenshot '%s' could not be written: %s", qUtf8Printable(path),
-                 qUtf8Printable(reason));
-        file->remove();
-        return QString();
-    }
     const ResultTypeInfo* const info = resultTypeInfo(type);
     if (info && info->isFailure && services.keepMoment)
         services.keepMoment(runner, directoryPath);
     return screenshotNote(QDir::toNativeSeparators(path));
+}
+
+void TestVP::attachPictures(TestResult* result, RunnerInterface* runner, const QImage& expected,
+                            const QImage& actual, const QImage& difference) {
+    const ScreenshotServices& services = screenshotServices();
+    const QString directory = runner && services.directory ? services.directory(runner) : QString();
+    if (directory.isEmpty())
+        return;
+    const struct {
+        const QImage& picture;
+        const char* baseName;
+        const char* message;
+    } rows[] = {
+        {expected, "expected", "Expected"},
+        {actual, "actual", "Actual"},
+        {difference, "difference", "Difference"},
+    };
+    for (const auto& row : rows) {
+        if (row.picture.isNull())
+            continue;
+        const QString path =
+            storePicture(QDir(directory), QLatin1String(row.baseName), row.picture);
+        if (!path.isEmpty())
+            result->addResultAttachment(TestResult::ImageAttachment, QLatin1String(row.message),
+                                        path);
+    }
 }
 
 }  // namespace Tamrix

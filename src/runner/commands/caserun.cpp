@@ -73,6 +73,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     SuiteRunOptions options;
     options.failFast = settings.failFast;
     options.recordsActions = settings.recordsActions;
+    options.renewsVerificationPoints = settings.renewsVerificationPoints;
     options.resultDirectory = settings.resultDirectory;
     options.scriptArguments = settings.scriptArguments;
     options.display = settings.display;

@@ -23,6 +23,8 @@ struct CaseRunSettings {
     /// "inherit", "auto" or ":N".
     QString display;
     bool failFast = false;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;

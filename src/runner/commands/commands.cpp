@@ -13,7 +13,8 @@
     DO(attachable)                  \
     DO(findImage)                   \
     DO(dap)                         \
-    DO(data)
+    DO(data)                        \
+    DO(vp)
 
 namespace Tamrix {
 
