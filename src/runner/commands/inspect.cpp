@@ -27,13 +27,21 @@ struct InspectSettings {
     /// "inherit", "auto" or ":N".
     QString display;
     TreeFormat format = TreeFormat::Text;
-    /// Whose names are told in place of the tree: a name or a point; empty for the tree.
-    QString namesOf;
+    /// Whose names are told in place of the tree; none for the tree.
+    std::optional<WantedObject> namesOf;
     /// Where a picture of the screen is stored, empty for nowhere.
     QString screenshotFile;
     /// How long to wait before looking.
     double waitSeconds = 0;
 };
+
+Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
+    const Outcome<WantedObject> wanted = readWantedObject(values.constLast());
+    if (!wanted)
+        return wrongUsage(QStringLiteral("--names: %1").arg(wanted.error().text));
+    settings.namesOf = *wanted;
+    return {};
+}
 
 Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& settings) {
     settings.program = arguments.own;
@@ -85,13 +93,13 @@ struct Inspection {
 };
 
 Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
-    if (settings.namesOf.isEmpty()) {
+    if (!settings.namesOf) {
         const Outcome<QByteArray> tree = formattedTree(access, settings.format);
         if (!tree)
             return fail(tree.error());
         return Inspection{*tree, true};
     }
-    const Outcome<ObjectNames> names = describeNames(access, settings.namesOf);
+    const Outcome<ObjectNames> names = describeNames(access, *settings.namesOf);
     if (!names)
         return fail(names.error());
     return Inspection{names->text.toLocal8Bit(), names->isFound};
@@ -149,7 +157,7 @@ Command inspectCommand() {
            setTo(&InspectSettings::format, TreeFormat::Xml)},
           {"names", "OBJECT",
            "Prints the names of one object, given by a name or as a point X,Y of the screen.",
-           nullptr, textTo(&InspectSettings::namesOf)},
+           nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
           waitOption(&InspectSettings::waitSeconds)},
