@@ -30,8 +30,8 @@ struct InspectSettings {
     /// The way into the program. Not null.
     const Launcher* launcher = &Launcher::standard();
     TreeFormat format = TreeFormat::Text;
-    /// Whose names are told in place of the tree: a name or a point; empty for the tree.
-    QString namesOf;
+    /// Whose names are told in place of the tree; none for the tree.
+    std::optional<WantedObject> namesOf;
     /// Where a picture of the screen is stored, empty for nowhere.
     QString screenshotFile;
     /// How long to wait before looking.
@@ -53,6 +53,14 @@ Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
         return {};
     return wrongUsage(QStringLiteral("--hook takes %1, not '%2'")
                           .arg(Launcher::namesText(), values.constLast()));
+}
+
+Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
+    const Outcome<WantedObject> wanted = readWantedObject(values.constLast());
+    if (!wanted)
+        return wrongUsage(QStringLiteral("--names: %1").arg(wanted.error().text));
+    settings.namesOf = *wanted;
+    return {};
 }
 
 Outcome<> readArguments(const CommandArguments& arguments, InspectSettings& settings) {
@@ -112,13 +120,13 @@ struct Inspection {
 };
 
 Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
-    if (settings.namesOf.isEmpty()) {
+    if (!settings.namesOf) {
         const Outcome<QByteArray> tree = formattedTree(access, settings.format);
         if (!tree)
             return fail(tree.error());
         return Inspection{*tree, true};
     }
-    const Outcome<ObjectNames> names = describeNames(access, settings.namesOf);
+    const Outcome<ObjectNames> names = describeNames(access, *settings.namesOf);
     if (!names)
         return fail(names.error());
     return Inspection{names->text.toLocal8Bit(), names->isFound};
@@ -179,7 +187,7 @@ Command inspectCommand() {
            setTo(&InspectSettings::format, TreeFormat::Xml)},
           {"names", "OBJECT",
            "Prints the names of one object, given by a name or as a point X,Y of the screen.",
-           nullptr, textTo(&InspectSettings::namesOf)},
+           nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
           {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},

@@ -1,9 +1,5 @@
 #include "platform/objectmodel/display/displaymodel.h"
 
-#include <poll.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <QDeadlineTimer>
 #include <QFile>
 #include <algorithm>
@@ -17,6 +13,8 @@
 
 namespace Tamrix {
 
+using Display::describe;
+using Display::otherTypeText;
 using Display::Session;
 using Display::Spot;
 using Display::WindowFacts;
@@ -50,12 +48,6 @@ const WindowFacts* modalWindowOf(const WindowFacts& window, const WindowList& wi
     return found == windows.end() ? nullptr : &*found;
 }
 
-/// Whether the process of the descriptor has ended.
-bool hasEnded(int process) {
-    pollfd watched{process, POLLIN, 0};
-    return process >= 0 && ::poll(&watched, 1, 0) > 0;
-}
-
 QVariantList numbers(const QRect& rect) {
     return {rect.x(), rect.y(), rect.width(), rect.height()};
 }
@@ -64,23 +56,17 @@ QVariantList numbers(const QRect& rect) {
 
 DisplayModel::DisplayModel(std::shared_ptr<Display::XConnection> connection,
                            const Display::ProcessTest& isOwn, ApplicationFacts facts)
-    : m_session(std::make_shared<Session>(std::move(connection), isOwn)),
-      m_facts(std::move(facts)),
-      m_process(
-          static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(m_facts.pid), 0))) {}
+    : m_session(std::make_shared<Session>(std::move(connection), isOwn, facts.pid)),
+      m_facts(std::move(facts)) {}
 
 DisplayModel::~DisplayModel() {
     m_session->close(QStringLiteral("the run has ended"));
-    if (m_process >= 0)
-        ::close(m_process);
 }
 
 // The connection
 
 bool DisplayModel::takeNews() {
     m_session->takeNews();
-    if (hasEnded(m_process))
-        m_session->close(QStringLiteral("the process has ended"));
     return isOpen();
 }
 
@@ -151,14 +137,17 @@ Outcome<DisplayModel::Look> DisplayModel::lookForName(const Target& target) {
     const Outcome<WindowName> name = WindowName::of(target.name);
     if (!name)
         return fail(name.error());
+    // No time will bring what is no window.
+    if (name->asksForOtherTypes())
+        return fail(FailureKind::NotFound, otherTypeText(target.name));
     const Outcome<WindowList> windows = m_session->windows();
     if (!windows)
         return fail(windows.error());
     Look look;
     const WindowFacts* const window = name->findIn(*windows);
     if (!window) {
-        look.answer.missText = missTextOf(
-            target.name, *name,
+        look.answer.missText = missText(
+            target.name,
             target.wantNearMisses ? name->nearMissesIn(*windows) : QList<NearMiss>());
         return look;
     }
@@ -189,7 +178,8 @@ Outcome<DisplayModel::Look> DisplayModel::waitFor(const Target& target) {
     const QDeadlineTimer deadline(target.timeout);
     while (true) {
         Outcome<Look> seen = look(target);
-        if (!seen || seen->answer.isReady || deadline.hasExpired() ||
+        const bool isGone = seen && target.object && !seen->answer.object;
+        if (!seen || isGone || seen->answer.isReady || deadline.hasExpired() ||
             !m_session->pause(lookInterval))
             return seen;
     }

@@ -96,8 +96,6 @@ private:
 
     std::shared_ptr<Display::Session> m_session;
     ApplicationFacts m_facts;
-    /// Readable when the process ends; -1 for none.
-    int m_process;
     int m_readyTimeout = 20000;
 };
 

@@ -1,5 +1,9 @@
 #include "platform/objectmodel/display/session.h"
 
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <QDeadlineTimer>
 #include <algorithm>
 
@@ -16,6 +20,8 @@ constexpr int settlePatience = 1000;
 constexpr int settlePause = 30;
 constexpr int pollInterval = 10;
 constexpr int idleInterval = 50;
+/// A program's windows go a moment before it has ended.
+constexpr int endPatience = 200;
 
 /// Who asks a window manager: a tool that speaks for the user.
 constexpr uint32_t userRequest = 2;
@@ -29,17 +35,21 @@ int nextNumber() {
     return ++s_last;
 }
 
-tl::unexpected<Failure> notReady(const WindowFacts& window, const QString& obstacle) {
-    return fail(FailureKind::NotReady,
-                QStringLiteral("%1 is not ready: %2").arg(describe(window), obstacle));
+/// Whether the process of the descriptor has ended.
+bool hasEnded(int process) {
+    pollfd watched{process, POLLIN, 0};
+    return process >= 0 && ::poll(&watched, 1, 0) > 0;
 }
 
 }  // namespace
 
-Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn)
+Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn,
+                 qint64 process)
     : m_connection(std::move(connection)),
       m_isOwn(std::move(isOwn)),
       m_number(nextNumber()),
+      m_process(
+          static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(process), 0))),
       m_grab(m_connection) {
     m_connection->setEventHandler(
         [this](const xcb_generic_event_t& event) { handleEvent(event); });
@@ -52,6 +62,8 @@ Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn)
 
 Session::~Session() {
     m_connection->setEventHandler({});
+    if (m_process >= 0)
+        ::close(m_process);
 }
 
 // The connection
@@ -76,6 +88,8 @@ void Session::takeNews() {
     m_connection->takeEvents();
     if (!m_connection->isOpen())
         close(m_connection->endReason());
+    if (hasEnded(m_process))
+        close(QStringLiteral("the process has ended"));
     if (m_highlight && m_highlight->isOver())
         m_highlight.reset();
 }
@@ -220,6 +234,18 @@ std::optional<QPoint> Session::lastPress() const {
 
 // Activation
 
+tl::unexpected<Failure> Session::unusable(const WindowFacts& window, const QString& obstacle) {
+    const bool isThere = isOpen() && factsOf(*m_connection, window.id).has_value();
+    if (!isThere)
+        waitUntil(endPatience, [this] { return !isOpen(); });
+    if (const Outcome<> open = checkOpen(); !open)
+        return fail(open.error());
+    if (!isThere)
+        return fail(FailureKind::Gone, QStringLiteral("%1 is gone").arg(describe(window)));
+    return fail(FailureKind::NotReady,
+                QStringLiteral("%1 is not ready: %2").arg(describe(window), obstacle));
+}
+
 bool Session::hasWindowManagerFor(const char* request) {
     const auto check = m_connection->numbers(m_connection->root(), "_NET_SUPPORTING_WM_CHECK");
     // The property may be there longer than the window manager.
@@ -253,7 +279,7 @@ bool Session::hasFocus(const WindowFacts& window) {
 
 Outcome<> Session::activate(const WindowFacts& window) {
     if (!window.isVisible && !hasWindowManagerFor("_NET_ACTIVE_WINDOW"))
-        return notReady(window, QStringLiteral("it is not visible"));
+        return unusable(window, QStringLiteral("it is not visible"));
     // Menus have the keys by themselves.
     if (window.isPopup || hasFocus(window))
         return {};
@@ -264,7 +290,7 @@ Outcome<> Session::activate(const WindowFacts& window) {
                                   toWindowManager);
         if (!waitUntil(windowPatience,
                        [&] { return activeWindow() == window.id && hasFocus(window); }))
-            return notReady(window, QStringLiteral("the window manager does not activate it"));
+            return unusable(window, QStringLiteral("the window manager does not activate it"));
         return {};
     }
     const uint32_t above = XCB_STACK_MODE_ABOVE;
@@ -276,7 +302,7 @@ Outcome<> Session::activate(const WindowFacts& window) {
                                   XCB_EVENT_MASK_NO_EVENT);
     }
     if (!waitUntil(windowPatience, [&] { return hasFocus(window); }))
-        return notReady(window, QStringLiteral("it does not take the keys"));
+        return unusable(window, QStringLiteral("it does not take the keys"));
     return {};
 }
 
@@ -299,7 +325,7 @@ Outcome<> Session::uncover(const WindowFacts* window, const QPoint& point) {
                                                       QString::number(point.y()));
     if (!m_connection->rootGeometry().contains(point)) {
         const QString obstacle = QStringLiteral("its point %1 is outside of the screen").arg(place);
-        return window ? notReady(*window, obstacle)
+        return window ? unusable(*window, obstacle)
                       : tl::unexpected<Failure>(Failure{
                             FailureKind::NotReady,
                             QStringLiteral("The point %1 is outside of the screen").arg(place)});
@@ -322,7 +348,7 @@ Outcome<> Session::uncover(const WindowFacts* window, const QPoint& point) {
         if (each.frame == cover)
             by = describe(each);
     }
-    return notReady(*window, QStringLiteral("it is covered at %1 by %2").arg(place, by));
+    return unusable(*window, QStringLiteral("it is covered at %1 by %2").arg(place, by));
 }
 
 Outcome<> Session::askToClose(const WindowFacts& window) {

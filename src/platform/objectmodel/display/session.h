@@ -17,7 +17,8 @@ namespace Tamrix::Display {
 /// it. Script thread only; nothing throws.
 class Session {
 public:
-    Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn);
+    /// The session ends with the process.
+    Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn, qint64 process);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -33,7 +34,7 @@ public:
     void setEndText(const std::function<QString()>& endText) { m_endText = endText; }
     /// A failure with the best reason there is, once it is closed.
     Outcome<> checkOpen();
-    /// Works off what the server has sent.
+    /// Works off what the server has sent, and sees whether the process has ended.
     void takeNews();
 
     void setIdleHook(const std::function<bool()>& hook) { m_idleHook = hook; }
@@ -76,10 +77,14 @@ private:
     bool waitUntil(int timeout, const std::function<bool()>& isDone);
     void settle();
     Outcome<WindowList> listNow();
+    /// Why nothing can be done with the window: the obstacle, unless it, or all, is gone.
+    tl::unexpected<Failure> unusable(const WindowFacts& window, const QString& obstacle);
 
     std::shared_ptr<XConnection> m_connection;
     ProcessTest m_isOwn;
     int m_number;
+    /// Readable when the process ends; -1 for none.
+    int m_process;
     QString m_endReason;
     std::function<QString()> m_endText;
     std::function<bool()> m_idleHook;

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "platform/objectmodel/display/windowclass.h"
-#include "platform/objectmodel/nearmisstext.h"
 #include "platform/objectmodel/remote/namequery.h"
 
 namespace Tamrix::Display {
@@ -135,14 +134,11 @@ bool WindowName::asksForOtherTypes() const {
     });
 }
 
-QString missTextOf(const ObjectName& name, const WindowName& compiled,
-                   const QList<NearMiss>& misses) {
-    if (!compiled.asksForOtherTypes())
-        return missText(name, misses);
-    return missText(name, {}) +
-           QStringLiteral(
-               ". Of an application without agent only windows are known, of the type 'Window'; what "
-               "is in them is found by its picture");
+QString otherTypeText(const ObjectName& name) {
+    return QStringLiteral(
+               "No object matches %1: of an application without agent only windows are known, of the "
+               "type 'Window'; what is in them is found by its picture")
+        .arg(name.qualifiedName());
 }
 
 QList<CheckedName> namesOf(const WindowFacts& window, const WindowList& windows) {

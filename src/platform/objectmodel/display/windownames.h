@@ -46,9 +46,8 @@ private:
     int m_occurrence = 1;
 };
 
-/// Why nothing matches, with the nearest misses and what is known of such applications at all.
-QString missTextOf(const ObjectName& name, const WindowName& compiled,
-                   const QList<NearMiss>& misses);
+/// Why nothing can match a name that asks for other types.
+QString otherTypeText(const ObjectName& name);
 
 /// Names that find the window among all, the best first: those that match nothing else, then the
 /// others with the occurrence.
