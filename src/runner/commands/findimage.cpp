@@ -7,12 +7,10 @@
 #include <QImage>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QPainter>
 #include <QSaveFile>
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 
 #include "base/filewriting.h"
@@ -21,9 +19,10 @@
 #include "runner/commands/command.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/search/correlationscore.h"
+#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
+#include "vision/search/placescore.h"
 
 namespace Tamrix {
 
@@ -153,31 +152,6 @@ SearchRegion regionToSearch(const FindImageSettings& settings, const Picture& ha
     return settings.region;
 }
 
-/// The score of a needle, at the size of the rectangle; nothing when it can't have that size.
-std::optional<double> scoreOf(const QImage& haystack, const QImage& needle,
-                              const QRect& rectangle) {
-    // Resized as a search does it.
-    const QImage resized = needle.width() == rectangle.width()
-                               ? needle
-                               : needle.scaledToWidth(rectangle.width(), Qt::SmoothTransformation);
-    if (resized.size() != rectangle.size())
-        return std::nullopt;
-    return Vision::correlationScore(haystack, resized, rectangle.topLeft());
-}
-
-/// The occurrence with its score, that of the needle which is most like it.
-Occurrence scored(const QImage& haystack, const QList<Picture>& needles, const QRect& rectangle) {
-    Occurrence occurrence = {rectangle, -1, {}};
-    for (const Picture& needle : needles) {
-        const std::optional<double> score = scoreOf(haystack, needle.image, rectangle);
-        if (score && *score > occurrence.score) {
-            occurrence.score = *score;
-            occurrence.needle = needle.file;
-        }
-    }
-    return occurrence;
-}
-
 Findings search(const FindImageSettings& settings, const Picture& haystack,
                 const QList<Picture>& needles) {
     QList<QImage> images;
@@ -200,9 +174,14 @@ Findings search(const FindImageSettings& settings, const Picture& haystack,
                                             settings.limit);
     }
     for (const QRect& rectangle : qAsConst(rectangles)) {
-        findings.occurrences.append(findings.options.getTolerant()
-                                        ? scored(haystack.image, needles, rectangle)
-                                        : Occurrence{rectangle, 0, {}});
+        Occurrence occurrence{rectangle, 0, {}};
+        if (findings.options.getTolerant()) {
+            const auto [score, needle] = Vision::scorePlace(haystack.image, images, rectangle);
+            occurrence.score = score;
+            if (needle >= 0)
+                occurrence.needle = needles.at(needle).file;
+        }
+        findings.occurrences.append(occurrence);
     }
     return findings;
 }
@@ -249,17 +228,8 @@ QByteArray jsonOf(const Findings& findings) {
 /// Throws a std::runtime_error that names the file.
 void storeAnnotated(const QString& file, const QImage& haystack, const Findings& findings) {
     QImage image = haystack.convertToFormat(QImage::Format_RGB32);
-    QPainter painter(&image);
-    for (const Occurrence& occurrence : findings.occurrences) {
-        // Around the pixels, so that they can be seen: red within white stands out everywhere.
-        const QRect frame = occurrence.rectangle.adjusted(-2, -2, 1, 1);
-        painter.setPen(Qt::white);
-        painter.drawRect(frame.adjusted(-1, -1, 1, 1));
-        painter.setPen(Qt::red);
-        painter.drawRect(frame);
-        painter.drawRect(frame.adjusted(1, 1, -1, -1));
-    }
-    painter.end();
+    for (const Occurrence& occurrence : findings.occurrences)
+        Vision::drawFrame(&image, occurrence.rectangle);
 
     const auto failWithReason = [&](const QString& reason) {
         giveUp(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
