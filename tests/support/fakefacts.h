@@ -13,6 +13,8 @@ public:
     QString resultDirectory;
     QString group = "the group";
     QString device = "the device";
+    QStringList tagFilters;
+    std::vector<unsigned> wantedScenarios;
     bool ideMode = false;
     bool hasObjectModel = false;
     TestResult* result = nullptr;
@@ -33,8 +35,8 @@ public:
     int imageSearchFixTarget() override { return fixTarget; }
     QString objectMapPath() override { return {}; }
     QString currentResultDirectory() override { return resultDirectory; }
-    QStringList filterArguments() override { return {}; }
-    std::vector<unsigned> scenarioIndices() override { return {}; }
+    QStringList filterArguments() override { return tagFilters; }
+    std::vector<unsigned> scenarioIndices() override { return wantedScenarios; }
     bool isIDEMode() override { return ideMode; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return result; }

@@ -1,6 +1,7 @@
 // The names under which scripts reach the library. Every name of the interface has its row; a row
 // without a function is not registered, so that a script is told that there is no such name.
 
+#include "interpreter/bdd/runfeaturefile.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
@@ -65,7 +66,8 @@ const FunctionRow globalFunctions[] = {
      "callback)"},
     {"uninstallEventHandler", uninstallEventHandler, "", "objectOrType event callback",
      "Takes back installEventHandler with the same arguments"},
-    {"runFeatureFile"},
+    {"runFeatureFile", runFeatureFile, "fileName", "",
+     "Runs the scenarios of a feature file with the step definitions of the scripts"},
     {"_tamrix_connect_to_remote_system"},
     {"_tamrix_close_remote_system_connection"},
     {"_tamrix_remote_get_environment_variable"},

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+#include <vector>
 
 #include "runner/applications/applicationstart.h"
 
@@ -17,6 +19,9 @@ struct RunFacts {
     QString resultDirectory;
     /// Not owned, may be null.
     TestResult* testResult = nullptr;
+    /// Which scenarios of features run.
+    QStringList tagFilters = {};
+    std::vector<unsigned> scenarios = {};
     /// Where applications and the map of object names are looked for.
     ApplicationPlaces places;
 };
