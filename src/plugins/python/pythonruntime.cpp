@@ -16,6 +16,7 @@
 #include "plugins/python/objecttype.h"
 #include "plugins/python/overlay.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/remotesystem.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -178,7 +179,7 @@ bool PythonRuntime::addTamrixModule() {
            addExceptions(m_module.get()) && addValueTypes(m_module.get()) &&
            addObjectType(m_module.get()) && addMethodType(m_module.get()) &&
            addGlobalFunctionType(m_module.get()) && addNativeBase(m_module.get()) &&
-           addOverlays(m_module.get());
+           addOverlays(m_module.get()) && addRemoteSystem(m_module.get());
 }
 
 void PythonRuntime::takeSnapshot() {
