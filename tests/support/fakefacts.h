@@ -15,6 +15,7 @@ public:
     QString device = "the device";
     bool ideMode = false;
     bool hasObjectModel = false;
+    bool recordsVideo = false;
     TestResult* result = nullptr;
 
     int acquired = 0;
@@ -37,7 +38,7 @@ public:
     bool isIDEMode() override { return ideMode; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return result; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return recordsVideo; }
     bool acquireRemoteObjectModel() override {
         ++acquired;
         return hasObjectModel;

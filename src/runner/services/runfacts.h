@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
+#include "base/shared.h"
+#include "runner/applications/application.h"
 #include "runner/applications/applicationstart.h"
 
 namespace Tamrix {
@@ -19,6 +22,10 @@ struct RunFacts {
     TestResult* testResult = nullptr;
     /// Where applications and the map of object names are looked for.
     ApplicationPlaces places;
+    /// Whether the run makes a video of each case by itself.
+    bool recordsVideo = false;
+    /// Called when a script has got an application, however; may be null.
+    std::function<void(const SharedPtr<Application>&)> onApplication;
 };
 
 }  // namespace Tamrix
