@@ -72,6 +72,8 @@ protected:
     QTemporaryDir folder;
     QString path = folder.filePath("a.mp4");
     const Tamrix::Test::EnvironmentGuard searchPath{"PATH", folder.filePath("bin") + ":/usr/bin:/bin"};
+    /// The run's watch.
+    const Tamrix::Test::EnvironmentGuard prefix{"TAMRIX_PREFIX", TAMRIX_TEST_PREFIX};
     Tamrix::Test::RecordingReport report;
     TestResult result{&report};
     Runner runner;
