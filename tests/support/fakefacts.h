@@ -17,6 +17,7 @@ public:
     std::vector<unsigned> wantedScenarios;
     bool ideMode = false;
     bool hasObjectModel = false;
+    bool recordsVideo = false;
     TestResult* result = nullptr;
     int fixTarget = 0;
 
@@ -40,7 +41,7 @@ public:
     bool isIDEMode() override { return ideMode; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return result; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return recordsVideo; }
     bool acquireRemoteObjectModel() override {
         ++acquired;
         return hasObjectModel;

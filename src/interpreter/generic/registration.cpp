@@ -17,6 +17,7 @@
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
 
@@ -190,8 +191,10 @@ const FunctionRow testFunctions[] = {
     {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
      "Adds a picture of the desktop to the results"},
     {"attachImage", testAttachImage, "image", "message", "Adds a picture to the results"},
-    {"startVideoCapture"},
-    {"stopVideoCapture"},
+    {"startVideoCapture", testStartVideoCapture, "", "message",
+     "Starts a video of the current application's display; returns its VideoCapture"},
+    {"stopVideoCapture", testStopVideoCapture, "", "message",
+     "Ends the video of the current application"},
     {"expect", testExpect, "nameOrObject properties", "timeout comment",
      "Passes as soon as the object is there and has all the properties; returns whether it had "
      "them in time"},
@@ -366,6 +369,7 @@ void Interpreter::initNativeAPI() {
     addHiddenNativeClass<TestSettingsType>(this, "testSettings");
     addNativeClass<ImageScriptObject>(this, "Image");
     addNativeClass<ScreenshotScriptObject>(this, "Screenshot");
+    addNativeClass<VideoCaptureScriptObject>(this, "VideoCapture");
     // What testSettings holds; scripts get the objects from it.
     addHiddenNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
     addHiddenNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");

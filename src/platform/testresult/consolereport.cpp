@@ -109,7 +109,9 @@ void ConsoleReport::add(const ReportEntry& entry) {
                 addDetail(QStringLiteral("Video starts: %1: %2").arg(video.message, video.path));
             },
             [this](const VideoEnded& video) {
-                addDetail(QStringLiteral("Video ends: %1: %2").arg(video.message, video.path));
+                addDetail((video.isDiscarded ? QStringLiteral("Video discarded: %1: %2")
+                                             : QStringLiteral("Video ends: %1: %2"))
+                              .arg(video.message, video.path));
             },
             [this](const OutputWritten& output) { addOutput(output); },
             [this](const ActionEnded& action) {

@@ -150,6 +150,7 @@ void copyFields(const auto& copy, auto& fields, Is<VideoStarted> auto& video) {
 void copyFields(const auto& copy, auto& fields, Is<VideoEnded> auto& video) {
     copy(fields.message, video.message);
     copy(fields.callStack, video.callStack);
+    copy(fields.extra, video.isDiscarded, "discarded", "", true);
     copy(fields.path, video.path);
 }
 

@@ -128,7 +128,14 @@ void JUnitReport::add(const ReportEntry& entry) {
                            addLine(texts, describeResult(result));
                    },
                    [&](const FileAttached& file) { addLine(texts, attachmentLine(file.path)); },
-                   [&](const VideoEnded& video) { addLine(texts, attachmentLine(video.path)); },
+                   // A run that was killed leaves a video without its end.
+                   [&](const VideoStarted& video) { texts.videos.append(video.path); },
+                   [&](const VideoEnded& video) {
+                       if (video.isDiscarded)
+                           texts.videos.removeOne(video.path);
+                       else if (!texts.videos.contains(video.path))
+                           texts.videos.append(video.path);
+                   },
                    [&](const OutputWritten& output) {
                        (output.stream == OutputStream::StandardError ? texts.err : texts.out) +=
                            output.text;
@@ -298,7 +305,9 @@ QString JUnitReport::limited(const QString& text, const QString& name) {
 void JUnitReport::writeTexts(ReportXml& xml, int id) {
     const Texts& texts = m_texts[id];
     const QString err = limited(texts.err, QStringLiteral("system-err"));
-    Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
+    Texts out{limited(texts.out, QStringLiteral("system-out")), QString(), {}};
+    for (const QString& video : texts.videos)
+        addLine(out, attachmentLine(video));
     // The servers look for files here.
     for (const QString& whole : qAsConst(m_wholes))
         addLine(out, attachmentLine(whole));

@@ -36,6 +36,8 @@ private:
     struct Texts {
         QString out;
         QString err;
+        /// Paths; each stands once, whether the video has an end or not.
+        QStringList videos;
     };
 
     void addLine(Texts& texts, const QString& line);

@@ -142,6 +142,8 @@ struct VideoEnded {
     QString message;
     QString path;
     CallStack callStack;
+    /// Nobody wants the video any more: reports leave it out, and the file is gone.
+    bool isDiscarded = false;
 
     bool operator==(const VideoEnded& other) const = default;
 };

@@ -148,6 +148,10 @@ void TestResult::addEndVideo(const QString& message, const QString& path,
     forward(VideoEnded{message, path, callStack});
 }
 
+void TestResult::addDiscardedVideo(const QString& message, const QString& path) {
+    forward(VideoEnded{message, path, {}, true});
+}
+
 void TestResult::addOutput(OutputStream stream, const QString& text) {
     if (!text.isEmpty())
         forward(OutputWritten{stream, text});

@@ -100,6 +100,8 @@ public:
                        const std::vector<LineInfo>& callStack);
     void addEndVideo(const QString& message, const QString& path,
                      const std::vector<LineInfo>& callStack);
+    /// Ends a video that no report is to show, since its file is gone.
+    void addDiscardedVideo(const QString& message, const QString& path);
     /// Text that the script wrote.
     void addOutput(OutputStream stream, const QString& text);
 

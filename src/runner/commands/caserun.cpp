@@ -43,6 +43,20 @@ Outcome<> readScenarios(const QStringList& values, CaseRunSettings& settings) {
     return {};
 }
 
+Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
+    const QString& value = values.constLast();
+    for (const auto& [name, mode] : {std::pair("on", VideoMode::On),
+                                     std::pair("off", VideoMode::Off),
+                                     std::pair("on-failure", VideoMode::OnFailure)}) {
+        if (value == QLatin1String(name)) {
+            settings.video = mode;
+            return {};
+        }
+    }
+    return wrongUsage(
+        QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+}
+
 bool isStandardOutput(const QString& report) {
     const Outcome<ReportDescription> description = parseReportDescription(report);
     return description && description->isStandardOutput();
@@ -90,6 +104,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     options.scriptArguments = settings.scriptArguments;
     options.display = settings.display;
     options.debugger = settings.debugger;
+    options.video = settings.video;
     SuiteRun run(suite, options, &reports);
     if (const Outcome<> prepared = run.prepare(); !prepared)
         return failWith(prepared.error().text);
@@ -157,6 +172,9 @@ std::vector<Option<CaseRunSettings>> caseRunOptions() {
              "Runs only the scenario with this number, counted from 0 in its feature file; may be "
              "given several times.",
              nullptr, readScenarios},
+            {"video", "on|off|on-failure",
+             "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
+             nullptr, readVideoMode},
             {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
              nullptr, setTo(&CaseRunSettings::recordsActions, false)},
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,

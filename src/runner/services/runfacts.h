@@ -2,8 +2,11 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
+#include "base/shared.h"
+#include "runner/applications/application.h"
 #include "runner/applications/applicationstart.h"
 
 namespace Tamrix {
@@ -24,6 +27,10 @@ struct RunFacts {
     std::vector<unsigned> scenarios = {};
     /// Where applications and the map of object names are looked for.
     ApplicationPlaces places;
+    /// Whether the run makes a video of each case by itself.
+    bool recordsVideo = false;
+    /// Called when a script has got an application, however; may be null.
+    std::function<void(const SharedPtr<Application>&)> onApplication;
 };
 
 }  // namespace Tamrix

@@ -24,6 +24,7 @@ public:
 
     using RunState::applications;
     using RunState::facts;
+    using RunState::recordings;
     /// A test case begins.
     void startCase(const QString& name, const QString& scriptPath);
     /// See BackgroundWork.
@@ -47,7 +48,7 @@ public:
     bool isIDEMode() override { return false; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return facts.testResult; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return facts.recordsVideo; }
     /// One call of the script at a time holds the object model. Also notes where the script is, for
     /// what goes wrong with applications meanwhile.
     bool acquireRemoteObjectModel() override;

@@ -67,7 +67,10 @@ QString screenshotDirectory(RunnerInterface* runner) {
 }  // namespace
 
 SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
-    : m_suite(suite), m_options(options), m_result(report) {
+    : m_suite(suite),
+      m_options(options),
+      m_result(report),
+      m_video(options.video, m_runner, m_result) {
     m_runner.facts.suiteName = suite.name;
     m_runner.facts.resultDirectory = options.resultDirectory;
     m_runner.facts.testResult = &m_result;
@@ -90,6 +93,8 @@ Outcome<> SuiteRun::prepare() {
     QString filterError;
     if (!allFilterByArgs(m_options.tagFilters, m_options.scenarios, &filterError))
         return fail(FailureKind::BadArgument, filterError);
+    if (const Outcome<> prepared = m_video.prepare(); !prepared)
+        return prepared;
     return m_runner.applications.useDisplay(m_options.display);
 }
 
@@ -147,6 +152,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
     m_result.startCase(testCase.name, testCase.script);
     startRunSettings(m_suite.config, m_passwords, &m_result);
     m_failureMoment.reset();
+    m_video.startCase();
     if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
                            loaded.error().text, LineInfo());
@@ -162,6 +168,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
         ScriptContext::setCurrent(nullptr);
     }
     endApplications();
+    m_video.endCase(caseHasFailed() || Interrupt::signalNumber() != 0);
     // Above what the script or its language left there.
     Interrupt::install();
     if (caseHasFailed())

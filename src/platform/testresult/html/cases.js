@@ -89,6 +89,8 @@ function fillCase(body, row) {
             : `${failures.length} failures`));
         appendAll(body, failures, (entry) => resultElement(entry, row, true));
     }
+    appendAll(body, entries.filter((entry) => entry.kind === "video"),
+        (entry) => videoElement(entry, row, failures.length > 0));
     if (row.outcome !== "passed") {
         const files = entries.filter((entry) => entry.isApplicationOutput ||
             (entry.file && entry.file.kind === "image" && !entry.belongsToResult));
