@@ -16,6 +16,7 @@ public:
     bool ideMode = false;
     bool hasObjectModel = false;
     TestResult* result = nullptr;
+    int fixTarget = 0;
 
     int acquired = 0;
     int released = 0;
@@ -28,8 +29,8 @@ public:
     QString defaultDevice() override { return device; }
     QString testCaseName() override { return caseName; }
     QString testSuiteName() override { return suiteName; }
-    void setImageSearchFixTarget(int) override {}
-    int imageSearchFixTarget() override { return 0; }
+    void setImageSearchFixTarget(int target) override { fixTarget = target; }
+    int imageSearchFixTarget() override { return fixTarget; }
     QString objectMapPath() override { return {}; }
     QString currentResultDirectory() override { return resultDirectory; }
     QStringList filterArguments() override { return {}; }

@@ -44,9 +44,14 @@ void Interpreter::clearError() {
     m_resultMessage.clear();
     m_errorFile.clear();
     m_errorImage = QImage();
+    m_makeErrorDetails = nullptr;
     m_errorIsSkip = false;
     m_errorLine = -1;
     m_errorCallStack.clear();
+}
+
+ResultDetails Interpreter::errorDetails() const {
+    return m_makeErrorDetails ? m_makeErrorDetails() : ResultDetails();
 }
 
 void Interpreter::setErrorMessage(const QString& message) {

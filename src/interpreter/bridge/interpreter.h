@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 #include "base/export.h"
@@ -13,6 +14,7 @@
 #include "interpreter/bridge/scriptargument.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/testresult/lineinfo.h"
+#include "platform/testresult/resultdetails.h"
 
 namespace Tamrix {
 
@@ -99,6 +101,10 @@ public:
     /// A screenshot of a failed image or text search, logged with the script error; null otherwise.
     QImage errorImage() const { return m_errorImage; }
     void setErrorImage(const QImage& image) { m_errorImage = image; }
+    /// What else helps to understand that failure. Made when it is asked for, as scripts may catch
+    /// the error; clearError() forgets it.
+    ResultDetails errorDetails() const;
+    void setErrorDetails(const std::function<ResultDetails()>& make) { m_makeErrorDetails = make; }
     QString scriptName() const { return m_scriptName; }
     void setScriptName(const QString& name) { m_scriptName = name; }
     QStringList scriptArguments() const { return m_scriptArguments; }
@@ -153,6 +159,7 @@ private:
     mutable std::vector<LineInfo> m_errorCallStack;
     QString m_errorMessage;
     QImage m_errorImage;
+    std::function<ResultDetails()> m_makeErrorDetails;
     QString m_resultMessage;
     bool m_errorIsSkip = false;
     CallbackError m_callbackError;

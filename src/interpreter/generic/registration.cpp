@@ -7,6 +7,7 @@
 #include "interpreter/generic/applicationfunctions.h"
 #include "interpreter/generic/comparisonfunctions.h"
 #include "interpreter/generic/imageobjects.h"
+#include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
@@ -159,8 +160,10 @@ const FunctionRow testFunctions[] = {
     {"restoreResultContext", testRestoreResultContext, "", "", "Ends the last fixateResultContext"},
     {"startSection", testStartSection, "title", "description", "Starts a section of the results"},
     {"endSection", testEndSection, "", "", "Ends the innermost section"},
-    {"imageNotPresent"},
-    {"imagePresent"},
+    {"imageNotPresent", testImageNotPresent, "image", "options region",
+     "Passes as soon as the image is not on the screen; returns whether it went in time"},
+    {"imagePresent", testImagePresent, "image", "options region",
+     "Passes as soon as the image is on the screen; returns whether it came in time"},
     {"ocrTextNotPresent"},
     {"ocrTextPresent"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
@@ -259,8 +262,9 @@ const NativeRow nativeFunctions[] = {
      "Highlights the specified object"},
     {"createVisualVP", nullptr, "object VPname", "",
      "Creates a visual verification point for an object"},
-    {"findImage", nullptr, "image", "options region", "Returns a position of the specified image"},
-    {"waitForImage", nullptr, "image", "options region",
+    {"findImage", findImage, "image", "options region",
+     "Returns a position of the specified image"},
+    {"waitForImage", waitForImage, "image", "options region",
      "Returns a position of the specified image"},
     {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
     {"findOcrText", nullptr, "text", "options region",

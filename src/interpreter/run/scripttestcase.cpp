@@ -158,11 +158,14 @@ bool ScriptTestCase::internalRun(const QString& name, bool optional) {
         return true;
 
     const QString detail = ip->errorMessage();
+    const bool isOfSearch = isSearchError(detail);
+    const ResultDetails details = isOfSearch ? ip->errorDetails() : ResultDetails();
     QString message = QStringLiteral("Script Error");
     if (TestVP::wantLogScreenshotForResult(TestSettingsType::s_vpOptions, TestResult::Error)) {
+        attachPictures(result, m_runner, details);
         // A null image asks for a fresh picture of the desktop.
         message += TestVP::logScreenshot(m_runner, TestResult::Error,
-                                         isSearchError(detail) ? ip->errorImage() : QImage());
+                                         isOfSearch ? ip->errorImage() : QImage());
     }
     ScriptContext* const context = ScriptContext::current();
     const bool isFixated = context && !context->fixatedResultContexts().empty();
@@ -174,7 +177,8 @@ bool ScriptTestCase::internalRun(const QString& name, bool optional) {
     if (result && ip->errorIsSkip())
         result->addSkipEcho(TestResult::Error, message, detail, stack);
     else if (result)
-        result->addResult(QDateTime::currentDateTime(), TestResult::Error, message, detail, stack);
+        result->addResult(QDateTime::currentDateTime(), TestResult::Error, message, detail, stack,
+                          QString(), -1, details.explanation);
     return false;
 }
 

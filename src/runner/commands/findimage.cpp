@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 
 #include "base/nativebytes.h"
@@ -15,9 +14,10 @@
 #include "runner/commands/picturefiles.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/search/correlationscore.h"
+#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
+#include "vision/search/placescore.h"
 
 namespace Tamrix {
 
@@ -108,31 +108,6 @@ struct Findings {
     QList<Occurrence> occurrences;
 };
 
-/// The score of a needle, at the size of the rectangle; nothing when it can't have that size.
-std::optional<double> scoreOf(const QImage& haystack, const QImage& needle,
-                              const QRect& rectangle) {
-    // Resized as a search does it.
-    const QImage resized = needle.width() == rectangle.width()
-                               ? needle
-                               : needle.scaledToWidth(rectangle.width(), Qt::SmoothTransformation);
-    if (resized.size() != rectangle.size())
-        return std::nullopt;
-    return Vision::correlationScore(haystack, resized, rectangle.topLeft());
-}
-
-/// The occurrence with its score, that of the needle which is most like it.
-Occurrence scored(const QImage& haystack, const QList<Picture>& needles, const QRect& rectangle) {
-    Occurrence occurrence = {rectangle, -1, {}};
-    for (const Picture& needle : needles) {
-        const std::optional<double> score = scoreOf(haystack, needle.image, rectangle);
-        if (score && *score > occurrence.score) {
-            occurrence.score = *score;
-            occurrence.needle = needle.file;
-        }
-    }
-    return occurrence;
-}
-
 Findings search(const FindImageSettings& settings, const Picture& haystack,
                 const QList<Picture>& needles) {
     QList<QImage> images;
@@ -155,9 +130,14 @@ Findings search(const FindImageSettings& settings, const Picture& haystack,
                                             settings.limit);
     }
     for (const QRect& rectangle : qAsConst(rectangles)) {
-        findings.occurrences.append(findings.options.getTolerant()
-                                        ? scored(haystack.image, needles, rectangle)
-                                        : Occurrence{rectangle, 0, {}});
+        Occurrence occurrence{rectangle, 0, {}};
+        if (findings.options.getTolerant()) {
+            const auto [score, needle] = Vision::scorePlace(haystack.image, images, rectangle);
+            occurrence.score = score;
+            if (needle >= 0)
+                occurrence.needle = needles.at(needle).file;
+        }
+        findings.occurrences.append(occurrence);
     }
     return findings;
 }

@@ -28,8 +28,8 @@ struct InspectSettings {
     /// "inherit", "auto" or ":N".
     QString display;
     TreeFormat format = TreeFormat::Text;
-    /// Whose names are told in place of the tree: a name or a point; empty for the tree.
-    QString namesOf;
+    /// Whose names are told in place of the tree; none for the tree.
+    std::optional<WantedObject> namesOf;
     /// Where a picture of the screen is stored, empty for nowhere.
     QString screenshotFile;
     /// How long to wait before looking.
@@ -42,6 +42,14 @@ Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
     if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
         return wrongUsage(
             QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
+    return {};
+}
+
+Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
+    const Outcome<WantedObject> wanted = readWantedObject(values.constLast());
+    if (!wanted)
+        return wrongUsage(QStringLiteral("--names: %1").arg(wanted.error().text));
+    settings.namesOf = *wanted;
     return {};
 }
 
@@ -102,13 +110,13 @@ struct Inspection {
 };
 
 Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
-    if (settings.namesOf.isEmpty()) {
+    if (!settings.namesOf) {
         const Outcome<QByteArray> tree = formattedTree(access, settings.format);
         if (!tree)
             return fail(tree.error());
         return Inspection{*tree, true};
     }
-    const Outcome<ObjectNames> names = describeNames(access, settings.namesOf);
+    const Outcome<ObjectNames> names = describeNames(access, *settings.namesOf);
     if (!names)
         return fail(names.error());
     return Inspection{names->text.toLocal8Bit(), names->isFound};
@@ -166,7 +174,7 @@ Command inspectCommand() {
            setTo(&InspectSettings::format, TreeFormat::Xml)},
           {"names", "OBJECT",
            "Prints the names of one object, given by a name or as a point X,Y of the screen.",
-           nullptr, textTo(&InspectSettings::namesOf)},
+           nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
           {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},

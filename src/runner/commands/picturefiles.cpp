@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QPainter>
 #include <QSaveFile>
 #include <algorithm>
 #include <stdexcept>
@@ -14,6 +13,7 @@
 #include "base/filewriting.h"
 #include "base/nativebytes.h"
 #include "runner/commands/option.h"
+#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 
 namespace Tamrix {
@@ -60,17 +60,8 @@ SearchRegion regionToSearch(const SearchRegion& region, const Picture& picture) 
 
 void storeFramed(const QString& file, const QImage& picture, const QList<QRect>& rectangles) {
     QImage image = picture.convertToFormat(QImage::Format_RGB32);
-    QPainter painter(&image);
-    for (const QRect& rectangle : rectangles) {
-        // Around the pixels, so that they can be seen: red within white stands out everywhere.
-        const QRect frame = rectangle.adjusted(-2, -2, 1, 1);
-        painter.setPen(Qt::white);
-        painter.drawRect(frame.adjusted(-1, -1, 1, 1));
-        painter.setPen(Qt::red);
-        painter.drawRect(frame);
-        painter.drawRect(frame.adjusted(1, 1, -1, -1));
-    }
-    painter.end();
+    for (const QRect& rectangle : rectangles)
+        Vision::drawFrame(&image, rectangle);
 
     const auto failWithReason = [&](const QString& reason) {
         giveUpOnPicture(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
