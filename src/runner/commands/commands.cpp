@@ -13,6 +13,7 @@
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
+    DO(findText)                    \
     DO(dap)                         \
     DO(data)
 
