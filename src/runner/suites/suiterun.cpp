@@ -78,12 +78,14 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.facts.scenarios = options.scenarios;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
+    TestVP::setRenewal(options.renewsVerificationPoints);
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
          [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
 }
 
 SuiteRun::~SuiteRun() {
+    TestVP::setRenewal(false);
     TestVP::setScreenshotServices({});
 }
 
