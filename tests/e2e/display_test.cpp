@@ -30,7 +30,7 @@ protected:
     /// Message and detail of what the script has logged, and of what the run has noticed.
     QString told() const {
         QString lines;
-        for (const Json::Value& entry : Test::readJournal(results.filePath("journal.jsonl"))) {
+        for (const Json::Value& entry : Tamrix::Test::readJournal(results.filePath("journal.jsonl"))) {
             const bool isText = entry["kind"].asString() == "result" && entry["type"] != 10;
             if (isText && !entry["detail"].asString().empty()) {
                 lines += QString::fromStdString(entry["message"].asString() + "\n    " +
@@ -43,7 +43,7 @@ protected:
     }
 
     static QString normalised(const QString& text) {
-        Test::Normaliser normaliser;
+        Tamrix::Test::Normaliser normaliser;
         normaliser.path(TAMRIX_TEST_SOURCE_DIR, "<SOURCES>")
             .pattern("display ':\\d+'", "display '<DISPLAY>'");
         return normaliser(text);
@@ -77,7 +77,7 @@ TEST_F(DisplayRun, ProgramsAreDrivenWithWindowManager) {
 TEST_F(DisplayRun, WhatCanNotBeDoneIsTold) {
     run("auto", {"faults"});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
-    EXPECT_TRUE(Test::compareWithGolden("e2e/display_faults.txt", normalised(told())));
+    EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/display_faults.txt", normalised(told())));
 }
 
 TEST_F(DisplayRun, TheServersEndIsTold) {
