@@ -68,7 +68,18 @@ TEST_F(DisplayRun, ProgramsAreDrivenWithWindowManager) {
     manager.setProcessEnvironment(environment);
     manager.start("openbox", {"--sm-disable"});
     ASSERT_TRUE(manager.waitForStarted());
+    // It manages windows once it says so.
+    QByteArray root;
+    for (int look = 0; look < 200 && !root.contains("window id"); ++look) {
+        QProcess properties;
+        properties.setProcessEnvironment(environment);
+        properties.start("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"});
+        properties.waitForFinished();
+        root = properties.readAllStandardOutput();
+    }
+    ASSERT_TRUE(root.contains("window id"));
     run(display.name(), driving);
+    EXPECT_EQ(manager.state(), QProcess::Running);
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
     manager.terminate();
     manager.waitForFinished();

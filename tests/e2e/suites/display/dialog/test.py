@@ -21,6 +21,14 @@ def main():
     press(w, "End")
     press(w, "Ctrl+V")
 
+    # The menu of the field is a window of its own.
+    click(w, w.width // 2, w.height // 2 - 10, "right")
+    menu = waitForObject({"type": "Window", "popup": True})
+    test.compare(menu.windowType, "popup_menu")
+    test.compare(menu.pid, a.pid())
+    press(menu, "Escape")
+    test.verify(waitFor(lambda: not object.exists({"popup": True}), 20000))
+
     test.verify(not a.isFrozen(5))
     os.kill(a.pid(), signal.SIGSTOP)
     test.verify(a.isFrozen(1))
