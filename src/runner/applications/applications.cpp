@@ -362,6 +362,22 @@ SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
     return m_current;
 }
 
+Outcome<QString> Applications::helperMark() {
+    if (const Outcome<> prepared = prepare(); !prepared)
+        return fail(prepared.error());
+    // With the number 0: not that of an application.
+    return m_runId + QLatin1String(":0");
+}
+
+QString Applications::environmentVariable(const QString& name) const {
+    for (auto entry = m_displayEnvironment.crbegin(); entry != m_displayEnvironment.crend();
+         ++entry) {
+        if (entry->first == name)
+            return entry->second;
+    }
+    return Environment::getVariable(name);
+}
+
 // Working and waiting
 
 void Applications::work() {

@@ -77,6 +77,12 @@ public:
     /// A call of the script begins: interrupts from before don't end its waits.
     void startCall();
 
+    /// What marks programs that help the run and belong to no application; the run's watch, which
+    /// is at work then, ends them.
+    Outcome<QString> helperMark();
+    /// A variable as applications get it.
+    QString environmentVariable(const QString& name) const;
+
     StartedPrograms& programs() { return m_programs; }
     /// Ends all applications that were started: asks them to close, then terminates, then kills
     /// them. Drops the connections to all others. Returns names of those that could not be ended.
