@@ -85,6 +85,12 @@ TEST_F(DisplayRun, ProgramsAreDrivenWithWindowManager) {
     manager.waitForFinished();
 }
 
+TEST_F(DisplayRun, TheExampleRuns) {
+    runner.run({"run", TAMRIX_TEST_SOURCE_DIR "/examples/suite_otherprograms", "--result-dir",
+                results.path(), "--aut-display", "auto"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
+}
+
 TEST_F(DisplayRun, WhatCanNotBeDoneIsTold) {
     run("auto", {"faults"});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
