@@ -14,6 +14,7 @@
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
 #include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
@@ -337,6 +338,7 @@ void ScriptContext::initFunctions() {
         describeFunction(QString("ApplicationContext::") + row.name, describe(row));
         addMemberFunction("ApplicationContext", row.name, row.function);
     }
+    TestInteraction::initFunctions(this);
 }
 
 void Interpreter::initNativeAPI() {

@@ -92,6 +92,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     options.display = settings.display;
     options.debugger = settings.debugger;
     options.video = settings.video;
+    options.isInteractive = settings.isInteractive;
     SuiteRun run(suite, options, &reports);
     if (const Outcome<> prepared = run.prepare(); !prepared)
         return failWith(prepared.error().text);
@@ -154,6 +155,9 @@ std::vector<Option<CaseRunSettings>> caseRunOptions() {
             {"video", "on|off|on-failure",
              "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
              nullptr, readVideoMode},
+            {"interactive", nullptr,
+             "Lets scripts ask the person in front of the screen (testInteraction).", nullptr,
+             setTo(&CaseRunSettings::isInteractive, true)},
             {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
              nullptr, setTo(&CaseRunSettings::recordsActions, false)},
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,

@@ -25,6 +25,7 @@ struct CaseRunSettings {
     QString display;
     bool failFast = false;
     VideoMode video = VideoMode::Off;
+    bool isInteractive = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;

@@ -16,6 +16,7 @@
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
@@ -75,12 +76,14 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.facts.testResult = &m_result;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
+    TestInteraction::setInteractive(options.isInteractive);
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
          [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
 }
 
 SuiteRun::~SuiteRun() {
+    TestInteraction::setInteractive(false);
     TestVP::setScreenshotServices({});
 }
 

@@ -29,6 +29,8 @@ struct SuiteRunOptions {
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
     VideoMode video = VideoMode::Off;
+    /// Whether somebody is there whom scripts may ask.
+    bool isInteractive = false;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
