@@ -140,6 +140,24 @@ void insertAction(QJsonObject& object, const ActionEnded& action) {
     insertText(object, "position", shown(positionText(action.position)));
 }
 
+void insertItem(QJsonObject& object, const ItemDescribed& item) {
+    object.insert(QStringLiteral("kind"), QStringLiteral("item"));
+    insertText(object, "keyword", shown(item.keyword));
+    insertText(object, "tags", shown(item.tags));
+    insertText(object, "argument", shown(item.argument));
+}
+
+void insertMatch(QJsonObject& object, const StepMatched& match) {
+    object.insert(QStringLiteral("kind"), QStringLiteral("match"));
+    insertText(object, "definition", shown(match.definition));
+    insertText(object, "position", shown(positionText(match.position)));
+    QJsonArray parameters;
+    for (const StepParameterRange& each : match.parameters)
+        parameters.append(QJsonArray{each.begin, each.end});
+    if (!parameters.isEmpty())
+        object.insert(QStringLiteral("parameters"), parameters);
+}
+
 }  // namespace
 
 HtmlData::HtmlData(const RunTally& tally, const EntriesById& entries, const RunFacts& environment,
@@ -296,6 +314,7 @@ QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& row
                    [&](const SectionStarted& section) {
                        insertHead(object, "sectionStart", QString(), section.title);
                        insertText(object, "detail", shown(section.description));
+                       insertText(object, "section", section.kind);
                    },
                    [&](const SectionEnded&) {
                        object.insert(QStringLiteral("kind"), QStringLiteral("sectionEnd"));
@@ -314,6 +333,8 @@ QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& row
                                   output.text);
                    },
                    [&](const ActionEnded& action) { insertAction(object, action); },
+                   [&](const ItemDescribed& item) { insertItem(object, item); },
+                   [&](const StepMatched& match) { insertMatch(object, match); },
                    // Frames and facts stand elsewhere on the page.
                    [](const auto&) {},
                },
@@ -333,6 +354,7 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     if (result.isEcho)
         object.insert(QStringLiteral("echo"), true);
     insertText(object, "comment", shown(commentText(result)));
+    insertText(object, "skipped", shown(result.skipped));
     // A difference may lie in the line ends.
     insertText(object, "explanation", escapedForTerminal(result.explanation));
     addStack(object, result.callStack);

@@ -108,6 +108,14 @@ QString TestResult::endSection(const LineInfo& location) {
     return QString();
 }
 
+void TestResult::describeItem(const ItemDescribed& item) {
+    forward(item);
+}
+
+void TestResult::addStepMatch(const StepMatched& match) {
+    forward(match);
+}
+
 int TestResult::count(const QString& category) const {
     const bool isTests = category == QLatin1String("tests");
     int total = isTests ? 0 : -1;

@@ -95,6 +95,9 @@ private:
     SharedPtr<Application> firstOf(const StartedProgram* program);
     Outcome<SharedPtr<Application>> waitForStart(const std::shared_ptr<StartedProgram>& program,
                                                  const QDeadlineTimer& deadline, int timeout);
+    /// The same for a program without agent, whose window is waited for.
+    Outcome<SharedPtr<Application>> waitForWindow(const std::shared_ptr<StartedProgram>& program,
+                                                  const QDeadlineTimer& deadline, int timeout);
     /// `obstacle` is what keeps the agent out, empty when that is not why. `timeout` is -1 when the
     /// wait ended before.
     QString startFailure(StartedProgram& program, const QString& obstacle, int timeout);

@@ -3,7 +3,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace Tamrix {
 
@@ -66,7 +68,10 @@ void StartedProgram::keepLittleOutput() {
 int StartedProgram::end(int patience) {
     if (isGone())
         return 0;
-    const int left = endProcesses(filter(), patience);
+    std::vector<pid_t> killed;
+    const int left = endProcesses(filter(), patience, &killed);
+    m_wasKilled =
+        m_wasKilled || std::find(killed.begin(), killed.end(), m_process->pid()) != killed.end();
     m_process->hasEnded();
     m_isGone = left == 0 && m_process->hasEnded();
     return left;

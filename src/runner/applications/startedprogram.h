@@ -54,6 +54,8 @@ public:
     /// Ends all of them: asks first, kills after `patience` milliseconds. Returns the number of
     /// those that are left all the same.
     int end(int patience);
+    /// end() has killed the program itself: asking was not enough.
+    bool wasKilled() const { return m_wasKilled; }
 
     /// The last lines of standard error, in a form to be appended to a message; empty without any.
     QString lastErrorText() const;
@@ -67,6 +69,7 @@ private:
     int m_endDescriptor;
     /// No process is left, so that the session's number may be somebody else's.
     bool m_isGone = false;
+    bool m_wasKilled = false;
     bool m_hasSettled = false;
     /// Empty before one has connected.
     QString m_applicationName;

@@ -93,8 +93,9 @@ void StartedPrograms::noteEnds() {
 void StartedPrograms::noteEnd(StartedProgram& program) {
     const ChildProcess& process = program.process();
     const int signal = process.endSignal();
-    const bool isOwnDoing = m_endCause == EndCause::Terminated &&
-                            (signal == 0 || signal == SIGTERM || signal == SIGKILL);
+    const bool isOwnDoing =
+        m_endCause == EndCause::Terminated &&
+        (signal == 0 || signal == SIGTERM || (signal == SIGKILL && program.wasKilled()));
     // Below 0: nobody knows, since the script itself waited for the process.
     if (process.exitCode() <= 0 || isOwnDoing)
         return;

@@ -29,6 +29,9 @@ struct CaseRunSettings {
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;
+    /// Which scenarios of features run.
+    QStringList tagFilters;
+    std::vector<unsigned> scenarios;
     QStringList scriptArguments;
     DebuggerDialogue debugger = DebuggerDialogue::None;
 };

@@ -83,6 +83,11 @@ bool hasLimitOf(pid_t process, const ProcessFilter& filter) {
                               : (limit.rlim_cur & ~programMask) == (wanted & ~programMask);
 }
 
+void noteOnce(std::vector<pid_t>* processes, pid_t process) {
+    if (processes && std::find(processes->begin(), processes->end(), process) == processes->end())
+        processes->push_back(process);
+}
+
 }  // namespace
 
 unsigned long long limitOfMark(const std::string& mark) {
@@ -133,7 +138,7 @@ std::vector<pid_t> findProcesses(const ProcessFilter& filter) {
     return processes;
 }
 
-int endProcesses(const ProcessFilter& filter, int patience) {
+int endProcesses(const ProcessFilter& filter, int patience, std::vector<pid_t>* killed) {
     using Clock = std::chrono::steady_clock;
     const auto killTime = Clock::now() + std::chrono::milliseconds(patience);
     const auto lastTime = killTime + std::chrono::seconds(1);
@@ -150,6 +155,7 @@ int endProcesses(const ProcessFilter& filter, int patience) {
         for (const pid_t process : processes) {
             if (now >= killTime) {
                 ::kill(process, SIGKILL);
+                noteOnce(killed, process);
             } else if (std::find(asked.begin(), asked.end(), process) == asked.end()) {
                 ::kill(process, SIGTERM);
                 // A stopped process takes the request when it goes on.

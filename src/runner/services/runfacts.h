@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <functional>
+#include <vector>
 
 #include "base/shared.h"
 #include "runner/applications/application.h"
@@ -20,6 +22,9 @@ struct RunFacts {
     QString resultDirectory;
     /// Not owned, may be null.
     TestResult* testResult = nullptr;
+    /// Which scenarios of features run.
+    QStringList tagFilters = {};
+    std::vector<unsigned> scenarios = {};
     /// Where applications and the map of object names are looked for.
     ApplicationPlaces places;
     /// Whether the run makes a video of each case by itself.

@@ -43,8 +43,8 @@ public:
     /// Of the suite's map, whether it has one or not; empty without a suite.
     QString objectMapPath() override;
     QString currentResultDirectory() override { return facts.resultDirectory; }
-    QStringList filterArguments() override { return {}; }
-    std::vector<unsigned> scenarioIndices() override { return {}; }
+    QStringList filterArguments() override { return facts.tagFilters; }
+    std::vector<unsigned> scenarioIndices() override { return facts.scenarios; }
     bool isIDEMode() override { return false; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return facts.testResult; }

@@ -12,6 +12,7 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "base/utf8file.h"
+#include "interpreter/bdd/gherkinfilter.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
@@ -74,6 +75,8 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.facts.suiteName = suite.name;
     m_runner.facts.resultDirectory = options.resultDirectory;
     m_runner.facts.testResult = &m_result;
+    m_runner.facts.tagFilters = options.tagFilters;
+    m_runner.facts.scenarios = options.scenarios;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
     TestInteraction::setInteractive(options.isInteractive);
@@ -90,6 +93,9 @@ SuiteRun::~SuiteRun() {
 Outcome<> SuiteRun::prepare() {
     if (const Outcome<> loaded = loadObjectMap(); !loaded)
         return loaded;
+    QString filterError;
+    if (!allFilterByArgs(m_options.tagFilters, m_options.scenarios, &filterError))
+        return fail(FailureKind::BadArgument, filterError);
     if (const Outcome<> prepared = m_video.prepare(); !prepared)
         return prepared;
     return m_runner.applications.useDisplay(m_options.display);
@@ -175,8 +181,9 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
 
 void SuiteRun::runScript(const SuiteCase& testCase) {
     const pid_t process = ::getpid();
+    const bool isFeature = isFeatureCase(testCase);
     QString text;
-    if (!readScript(testCase.script, &text))
+    if (!isFeature && !readScript(testCase.script, &text))
         return;
 
     ScriptTestCase script(&m_result, QDir(testCase.directory), &m_runner,
@@ -185,11 +192,13 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     {
         const Interrupt::Aside aside;
         prepareDebuggers(m_options.debugger);
-        loaded = script.load(testCase.script, isDebugged() ? Debugger::Step : Debugger::Run);
+        const Debugger::DbgMode mode = isDebugged() ? Debugger::Step : Debugger::Run;
+        loaded = isFeature ? script.loadFeature(testCase.script, mode)
+                           : script.load(testCase.script, mode);
     }
     if (loaded && isDebugged())
         startDebugging(testCase);
-    if (loaded && script.evaluate(text))
+    if (loaded && (isFeature || script.evaluate(text)))
         script.run();
 
     // A script that forked and let its child fall out of the case: the run goes on once only.

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 #include "base/outcome.h"
 #include "platform/testresult/testresult.h"
@@ -26,6 +27,9 @@ struct SuiteRunOptions {
     QStringList scriptArguments;
     /// Where applications appear: see Applications::useDisplay().
     QString display;
+    /// Which scenarios of features run; see gherkinFilterByArgs().
+    QStringList tagFilters = {};
+    std::vector<unsigned> scenarios = {};
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
     VideoMode video = VideoMode::Off;
@@ -42,8 +46,8 @@ public:
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
 
-    /// What has to be right before anything runs: the display for applications, what records it, and
-    /// the suite's map of object names. Call it before run().
+    /// What has to be right before anything runs: the display for applications, what records it, the
+    /// suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
     /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a

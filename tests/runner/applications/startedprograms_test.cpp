@@ -73,7 +73,7 @@ TEST(StartedPrograms, EndsThatNobodyAskedForAreTold) {
         {"kill -SEGV $$", true, true, Cause::None, "", false},
         {"exit 3", true, false, Cause::AskedToClose, "it exited with code 3", false},
         {"exit 3", true, false, Cause::Terminated, "", false},
-        {"kill -KILL $$", true, false, Cause::Terminated, "", false},
+        {"kill -KILL $$", true, false, Cause::Terminated, "it was ended by SIGKILL (Killed)", true},
         {"kill -SEGV $$", true, false, Cause::Terminated,
          "it was ended by SIGSEGV (Segmentation fault)", true},
     };
@@ -94,6 +94,19 @@ TEST(StartedPrograms, EndsThatNobodyAskedForAreTold) {
         EXPECT_EQ(ends[0].isCrash, row.isCrash);
         EXPECT_TRUE(programs.takeUnexpectedEnds().empty());
     }
+}
+
+TEST(StartedPrograms, KillingWhatDoesNotEndWhenAskedIsNoFinding) {
+    StartedPrograms programs;
+    const auto program = startShell("trap '' TERM; echo ready; while true; do sleep 1; done");
+    programs.add(program);
+    program->watch();
+    while (program->output().standardOutput().isEmpty())
+        ::usleep(1000);
+    programs.setEndCause(StartedPrograms::EndCause::Terminated);
+    EXPECT_TRUE(programs.endAll(50).isEmpty());
+    EXPECT_TRUE(program->wasKilled());
+    EXPECT_TRUE(programs.takeUnexpectedEnds().empty());
 }
 
 }  // namespace

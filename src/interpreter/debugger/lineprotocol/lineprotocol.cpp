@@ -65,8 +65,9 @@ bool LineProtocol::performCommands(Debugger& debugger) {
             case CommandInput::End::Interrupted:
                 return false;
             case CommandInput::End::TooLong:
-                m_output.fail("Command of more than " + std::to_string(CommandInput::maximalSize) +
-                              " bytes");
+                m_output.fail(QStringLiteral("Command of more than %1 bytes")
+                                  .arg(CommandInput::maximalSize)
+                                  .toStdString());
                 continue;
         }
         const CommandCall call{
