@@ -13,6 +13,8 @@ namespace Tamrix {
 namespace {
 
 constexpr int startTimeout = 30000;
+constexpr int endTimeout = 1000;
+constexpr int pollInterval = 100;
 
 /// The exit codes of the program.
 constexpr struct {
@@ -31,10 +33,16 @@ protected:
     void setupChildProcess() override { ::prctl(PR_SET_PDEATHSIG, SIGTERM); }
 };
 
+/// Waits for the end without limit, unless the run is to end before. False when it has not ended.
+bool waitForAnswer(QProcess& process) {
+    while (process.state() != QProcess::NotRunning && !isInterrupted())
+        process.waitForFinished(pollInterval);
+    return process.state() == QProcess::NotRunning;
+}
+
 tl::unexpected<Failure> failure(const QString& errors, const QString& otherwise) {
-    return fail(FailureKind::Failed,
-                QStringLiteral("Failed to display testInteraction dialog: ") +
-                    (errors.isEmpty() ? otherwise : errors));
+    return fail(FailureKind::Failed, QStringLiteral("Failed to display testInteraction dialog: ") +
+                                         (errors.isEmpty() ? otherwise : errors));
 }
 
 }  // namespace
@@ -52,7 +60,12 @@ Outcome<InteractionAnswer> executeTestInteractionTool(const QStringList& argumen
     bool hasFinished = false;
     {
         const BlockingSection blocking;
-        hasFinished = process.waitForStarted(startTimeout) && process.waitForFinished(-1);
+        hasFinished = process.waitForStarted(startTimeout) && waitForAnswer(process);
+    }
+    if (isInterrupted()) {
+        process.kill();
+        process.waitForFinished(endTimeout);
+        return failure(QString(), QStringLiteral("the run was interrupted"));
     }
     // 2. The answer.
     InteractionAnswer answer;
@@ -66,9 +79,9 @@ Outcome<InteractionAnswer> executeTestInteractionTool(const QStringList& argumen
                 return answer;
             }
         }
-        return failure(errors, QStringLiteral("'%1' exited with code %2")
-                                   .arg(testInteractionBinary(),
-                                        QString::number(process.exitCode())));
+        return failure(errors,
+                       QStringLiteral("'%1' exited with code %2")
+                           .arg(testInteractionBinary(), QString::number(process.exitCode())));
     }
     // 4. Or what went wrong.
     return failure(errors,
@@ -78,8 +91,7 @@ Outcome<InteractionAnswer> executeTestInteractionTool(const QStringList& argumen
 Outcome<> startTestInteractionTool(const QStringList& arguments) {
     if (QProcess::startDetached(testInteractionBinary(), arguments))
         return {};
-    return failure(QString(),
-                   QStringLiteral("'%1' can't be started").arg(testInteractionBinary()));
+    return failure(QString(), QStringLiteral("'%1' can't be started").arg(testInteractionBinary()));
 }
 
 }  // namespace Tamrix

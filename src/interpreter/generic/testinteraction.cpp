@@ -257,8 +257,7 @@ void interactionInput(ScriptContext* context) {
 }
 
 void interactionPassword(ScriptContext* context) {
-    if (!checkInteractive(context) ||
-        !checkMessageArg(context, "testInteraction::password(text)"))
+    if (!checkInteractive(context) || !checkMessageArg(context, "testInteraction::password(text)"))
         return;
     askForText(context, {QStringLiteral("password"), messageBoxTitleFromContext(*context),
                          textOf(*context, 0)});

@@ -209,8 +209,8 @@ void PythonContext::addConstant(const QString& name, int value) {
     const PyRef number = checked(PyLong_FromLong(value));
     const QString separator = QStringLiteral("::");
     if (name.contains(separator))
-        m_interpreter.defineInNamespace(name.section(separator, 0, 0),
-                                        name.section(separator, 1), number);
+        m_interpreter.defineInNamespace(name.section(separator, 0, 0), name.section(separator, 1),
+                                        number);
     else
         m_interpreter.defineGlobal(name, number);
 }

@@ -45,16 +45,15 @@ Outcome<> readScenarios(const QStringList& values, CaseRunSettings& settings) {
 
 Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
     const QString& value = values.constLast();
-    for (const auto& [name, mode] : {std::pair("on", VideoMode::On),
-                                     std::pair("off", VideoMode::Off),
-                                     std::pair("on-failure", VideoMode::OnFailure)}) {
+    for (const auto& [name, mode] :
+         {std::pair("on", VideoMode::On), std::pair("off", VideoMode::Off),
+          std::pair("on-failure", VideoMode::OnFailure)}) {
         if (value == QLatin1String(name)) {
             settings.video = mode;
             return {};
         }
     }
-    return wrongUsage(
-        QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+    return wrongUsage(QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
 }
 
 bool isStandardOutput(const QString& report) {

@@ -20,8 +20,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "testinteraction: %s\n", qUtf8Printable(request.error().text));
         return static_cast<int>(Answer::WrongUsage);
     }
-    const Answer answer = std::visit(
-        [&request](const auto& content) { return showDialog(request->title, content); },
-        request->content);
+    const Answer answer =
+        std::visit([&request](const auto& content) { return showDialog(request->title, content); },
+                   request->content);
     return static_cast<int>(answer);
 }

@@ -30,13 +30,12 @@ protected:
 
     void useTool(const QByteArray& end) {
         const QString path = testInteractionBinary();
-        ASSERT_TRUE(writeFile(path, "#!/bin/sh\nprintf '%s\\n' \"$@\" > " +
-                                        folder.filePath("part").toLocal8Bit() + "\nmv " +
-                                        folder.filePath("part").toLocal8Bit() + " " +
-                                        folder.filePath("arguments").toLocal8Bit() + "\n" + end +
-                                        "\n"));
-        ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner |
-                                                    QFile::ExeOwner));
+        ASSERT_TRUE(writeFile(
+            path, "#!/bin/sh\nprintf '%s\\n' \"$@\" > " + folder.filePath("part").toLocal8Bit() +
+                      "\nmv " + folder.filePath("part").toLocal8Bit() + " " +
+                      folder.filePath("arguments").toLocal8Bit() + "\n" + end + "\n"));
+        ASSERT_TRUE(
+            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
 
     /// What the script was started with; waits for one that nobody waits for.
@@ -162,9 +161,7 @@ TEST_F(TestInteractionTest, RefuseWrongArguments) {
         "testInteraction.input(message[, initialText]) expects one or two arguments";
     expectRefusals({
         {interactionInformation, {}, "testInteraction::information(text) expects one argument"},
-        {interactionPassword,
-         {one, one},
-         "testInteraction::password(text) expects one argument"},
+        {interactionPassword, {one, one}, "testInteraction::password(text) expects one argument"},
         {interactionQuestion,
          {wrong},
          "testInteraction::question(text) expected string as argument"},
@@ -188,9 +185,7 @@ TEST_F(TestInteractionTest, RefuseWrongArguments) {
          "testInteraction.input(message[, initialText]) expects a string as second argument"},
         {interactionNotification, {}, notification},
         {interactionNotification, {one, one}, notification},
-        {interactionShowImage,
-         {},
-         "testInteraction::showImage(image) requires an image argument"},
+        {interactionShowImage, {}, "testInteraction::showImage(image) requires an image argument"},
         {interactionShowImage,
          {one, one, one, one},
          "testInteraction::showImage(image) takes at most three arguments"},

@@ -22,15 +22,14 @@ QString read(const QStringList& arguments) {
             },
             [](const InputRequest& input) {
                 return QString("%1 %2 (%3)")
-                    .arg(input.isPassword ? "password" : "input", input.message,
-                         input.initialText);
+                    .arg(input.isPassword ? "password" : "input", input.message, input.initialText);
             },
             [](const ChoiceRequest& choice) {
                 return QString("%1: %2").arg(choice.message, choice.items.join('|'));
             },
             [](const NoticeRequest& notice) {
-                return QString("%1 %2 %3").arg(notice.text, notice.imageFile,
-                                               QString::number(notice.milliseconds));
+                return QString("%1 %2 %3")
+                    .arg(notice.text, notice.imageFile, QString::number(notice.milliseconds));
             },
         },
         request->content);
