@@ -17,6 +17,7 @@
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
 #include "interpreter/generic/verificationpoints.h"
 #include "interpreter/generic/videocapture.h"
 
@@ -366,6 +367,7 @@ void ScriptContext::initFunctions() {
         describeFunction(QString("ApplicationContext::") + row.name, describe(row));
         addMemberFunction("ApplicationContext", row.name, row.function);
     }
+    TestInteraction::initFunctions(this);
 }
 
 void Interpreter::initNativeAPI() {

@@ -27,6 +27,7 @@ struct CaseRunSettings {
     VideoMode video = VideoMode::Off;
     /// Whether verification points that differ are written anew.
     bool renewsVerificationPoints = false;
+    bool isInteractive = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;
