@@ -7,6 +7,7 @@
     DO(run)                         \
     DO(debug)                       \
     DO(list)                        \
+    DO(features)                    \
     DO(report)                      \
     DO(inspect)                     \
     DO(compare)                     \
