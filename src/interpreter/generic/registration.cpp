@@ -11,6 +11,7 @@
 #include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
+#include "interpreter/generic/ocrfunctions.h"
 #include "interpreter/generic/remotefunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
 #include "interpreter/generic/screenshotfunctions.h"
@@ -191,8 +192,10 @@ const FunctionRow testFunctions[] = {
      "Passes as soon as the image is not on the screen; returns whether it went in time"},
     {"imagePresent", testImagePresent, "image", "options region",
      "Passes as soon as the image is on the screen; returns whether it came in time"},
-    {"ocrTextNotPresent"},
-    {"ocrTextPresent"},
+    {"ocrTextNotPresent", testOcrTextNotPresent, "text", "options region",
+     "Passes as soon as the text can't be read on the screen; returns whether that was in time"},
+    {"ocrTextPresent", testOcrTextPresent, "text", "options region",
+     "Passes as soon as the text can be read on the screen; returns whether that was in time"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
     {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
      "Adds a picture of the desktop to the results"},
@@ -295,14 +298,15 @@ const NativeRow nativeFunctions[] = {
      "Returns a position of the specified image"},
     {"waitForImage", waitForImage, "image", "options region",
      "Returns a position of the specified image"},
-    {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
-    {"findOcrText", nullptr, "text", "options region",
+    {"getOcrText", getOcrText, "", "options region", "Returns all text found by OCR"},
+    {"findOcrText", findOcrText, "text", "options region",
      "Searches for the specified text in OCR results"},
-    {"waitForOcrText", nullptr, "text", "options region",
+    {"waitForOcrText", waitForOcrText, "text", "options region",
      "Waits for the specified text in OCR results"},
-    {"findAllOcrText", nullptr, "text", "options region",
+    {"findAllOcrText", findAllOcrText, "text", "options region",
      "Finds locations of all instances of the specified text in OCR results"},
-    {"getAllOcrText", nullptr, "", "options region", "Returns all word locations found by OCR"},
+    {"getAllOcrText", getAllOcrText, "", "options region",
+     "Returns all word locations found by OCR"},
 };
 
 /// Registered last, behind the native classes.
