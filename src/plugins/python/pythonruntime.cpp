@@ -6,6 +6,7 @@
 
 #include "base/blocking.h"
 #include "interpreter/bridge/scriptlanguage.h"
+#include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
 #include "plugins/python/frames.h"
@@ -162,7 +163,7 @@ PythonRuntime::PythonRuntime() {
     try {
         m_module = checked(PyImport_AddModule("tamrix") ? Py_NewRef(PyImport_AddModule("tamrix"))
                                                         : nullptr);
-        if (!addTamrixModule())
+        if (!addTamrixModule() || !addBddModule())
             throw PythonErrorSet();
         takeSnapshot();
     } catch (const PythonErrorSet&) {
