@@ -9,7 +9,8 @@
 namespace Tamrix {
 
 bool visualVerificationResult(ScriptContext* context, RunnerInterface* runner, bool passed,
-                              const QString& detail, const QString& comment, const QImage& image) {
+                              const QString& detail, const QString& comment, const QImage& image,
+                              const QString& explanation) {
     const TestResult::ResultType type = passed ? TestResult::Pass : TestResult::Fail;
     QString message = passed ? QStringLiteral("Verified") : QStringLiteral("Not verified");
     // 1. The picture that was looked at stands in the message.
@@ -18,7 +19,8 @@ bool visualVerificationResult(ScriptContext* context, RunnerInterface* runner, b
     // 2. The result.
     if (TestResult* const result = runner ? runner->testResult() : nullptr)
         result->addResult(QDateTime::currentDateTime(), type, message, detail,
-                          context->callStackForResult(wantCallStackForResult(type)), comment);
+                          context->callStackForResult(wantCallStackForResult(type)), comment, -1,
+                          explanation);
     // 3. A failure has its consequences.
     if (!passed && failureAction(context, message, detail, comment))
         return false;

@@ -15,10 +15,13 @@ class ScriptContext;
 /// when the options ask for one (a null image: the desktop as it is now), and does what a failure
 /// does to the run. `runner` and its results may be null: then there is no result to add.
 ///
+/// `explanation` is what reports show beside the detail.
+///
 /// Returns true with `passed` as the result of the call, false when the failure has set an error;
 /// the calling function then ends without a result. Script thread only.
 TAMRIX_EXPORT bool visualVerificationResult(ScriptContext* context, RunnerInterface* runner,
                                             bool passed, const QString& detail,
-                                            const QString& comment, const QImage& image);
+                                            const QString& comment, const QImage& image,
+                                            const QString& explanation = QString());
 
 }  // namespace Tamrix

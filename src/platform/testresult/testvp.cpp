@@ -19,14 +19,13 @@ TestVP::ScreenshotServices& screenshotServices() {
     return s_services;
 }
 
-/// Makes a file of a new name, the base name with a number from 1, for a picture; null when that
-/// fails, with `*path` the name that was tried last.
-std::unique_ptr<QFile> createPictureFile(const QDir& directory, const QString& baseName,
+/// Makes a file NAME_NUMBER.png that isn't there yet; null when that fails, with `*path` the name
+/// that was tried last.
+std::unique_ptr<QFile> createPictureFile(const QDir& directory, const QString& name,
                                          QString* path) {
     auto file = std::make_unique<QFile>();
     for (int number = 1;; ++number) {
-        *path =
-            directory.filePath(QStringLiteral("%1_%2.png").arg(baseName, QString::number(number)));
+        *path = directory.filePath(QStringLiteral("%1_%2.png").arg(name, QString::number(number)));
         file->setFileName(*path);
         // Another process may take the name between a look and the opening, so that the opening
         // itself decides.
@@ -37,33 +36,10 @@ std::unique_ptr<QFile> createPictureFile(const QDir& directory, const QString& b
     }
 }
 
-/// Stores a picture; its path, or an empty text after a warning when that fails.
-QString storePicture(const QDir& directory, const QString& baseName, const QImage& picture) {
-    if (!directory.mkpath(QStringLiteral("."))) {
-        qWarning("No screenshot is stored: the directory '%s' could not be created",
-                 qUtf8Printable(directory.path()));
-        return QString();
-    }
-    QString path;
-    const std::unique_ptr<QFile> file = createPictureFile(directory, baseName, &path);
-    if (!file) {
-        qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
-        return QString();
-    }
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, "png");
-    QString reason;
-    if (!writer.write(picture))
-        reason = writer.errorString();
-    else
-        writeAll(file.get(), bytes.data(), &reason);
-    if (reason.isEmpty())
-        return path;
-    qWarning("The screenshot '%s' could not be written: %s", qUtf8Printable(path),
-             qUtf8Printable(reason));
-    file->remove();
-    return QString();
+/// The folder for pictures of the running test case; an empty text when there is none.
+QString pictureFolder(RunnerInterface* runner) {
+    const TestVP::ScreenshotServices& services = screenshotServices();
+    return runner && services.directory ? services.directory(runner) : QString();
 }
 
 }  // namespace
@@ -98,39 +74,62 @@ bool TestVP::wantLogScreenshotForResult(const VerificationOptions& options,
 QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType type,
                               const QImage& image) {
     const ScreenshotServices& services = screenshotServices();
-    if (!runner || !services.directory)
+    const QString folder = pictureFolder(runner);
+    if (folder.isEmpty())
         return QString();
-    const QString directoryPath = services.directory(runner);
-    if (directoryPath.isEmpty())
-        return QString();
-    const QDir directory(directoryPath);
-
     QImage picture = image;
     if (picture.isNull() && services.grabDesktop)
         picture = services.grabDesktop(runner);
     if (picture.isNull()) {
         qWarning("No screenshot is stored in '%s': there is no picture of the desktop",
-                 qUtf8Printable(directoryPath));
+                 qUtf8Printable(folder));
         return QString();
     }
-
     const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
-    const QString path =
-        storePicture(directory, QStringLiteral("screenshot_%1").arg(kind), picture);
+    const QString path = storePicture(runner, QStringLiteral("screenshot_") + kind, picture);
     if (path.isEmpty())
         return QString();
     const ResultTypeInfo* const info = resultTypeInfo(type);
     if (info && info->isFailure && services.keepMoment)
-        services.keepMoment(runner, directoryPath);
+        services.keepMoment(runner, folder);
     return screenshotNote(QDir::toNativeSeparators(path));
+}
+
+QString TestVP::storePicture(RunnerInterface* runner, const QString& name, const QImage& picture) {
+    const QString folder = pictureFolder(runner);
+    if (folder.isEmpty())
+        return QString();
+    const QDir directory(folder);
+    if (!directory.mkpath(QStringLiteral("."))) {
+        qWarning("No screenshot is stored: the directory '%s' could not be created",
+                 qUtf8Printable(folder));
+        return QString();
+    }
+    QString path;
+    const std::unique_ptr<QFile> file = createPictureFile(directory, name, &path);
+    if (!file) {
+        qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
+        return QString();
+    }
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, "png");
+    QString reason;
+    if (!writer.write(picture))
+        reason = writer.errorString();
+    else
+        writeAll(file.get(), bytes.data(), &reason);
+    if (!reason.isEmpty()) {
+        qWarning("The screenshot '%s' could not be written: %s", qUtf8Printable(path),
+                 qUtf8Printable(reason));
+        file->remove();
+        return QString();
+    }
+    return path;
 }
 
 void TestVP::attachPictures(TestResult* result, RunnerInterface* runner, const QImage& expected,
                             const QImage& actual, const QImage& difference) {
-    const ScreenshotServices& services = screenshotServices();
-    const QString directory = runner && services.directory ? services.directory(runner) : QString();
-    if (directory.isEmpty())
-        return;
     const struct {
         const QImage& picture;
         const char* baseName;
@@ -143,8 +142,7 @@ void TestVP::attachPictures(TestResult* result, RunnerInterface* runner, const Q
     for (const auto& row : rows) {
         if (row.picture.isNull())
             continue;
-        const QString path =
-            storePicture(QDir(directory), QLatin1String(row.baseName), row.picture);
+        const QString path = storePicture(runner, QLatin1String(row.baseName), row.picture);
         if (!path.isEmpty())
             result->addResultAttachment(TestResult::ImageAttachment, QLatin1String(row.message),
                                         path);

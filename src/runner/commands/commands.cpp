@@ -7,11 +7,13 @@
     DO(run)                         \
     DO(debug)                       \
     DO(list)                        \
+    DO(features)                    \
     DO(report)                      \
     DO(inspect)                     \
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
+    DO(findText)                    \
     DO(dap)                         \
     DO(data)                        \
     DO(vp)

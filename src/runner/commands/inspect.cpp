@@ -26,6 +26,8 @@ struct InspectSettings {
     QStringList program;
     /// "inherit", "auto" or ":N".
     QString display;
+    /// The way into the program. Not null.
+    const Launcher* launcher = &Launcher::standard();
     TreeFormat format = TreeFormat::Text;
     /// Whose names are told in place of the tree; none for the tree.
     std::optional<WantedObject> namesOf;
@@ -34,6 +36,14 @@ struct InspectSettings {
     /// How long to wait before looking.
     double waitSeconds = 0;
 };
+
+Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
+    settings.launcher = Launcher::find(values.constLast());
+    if (settings.launcher)
+        return {};
+    return wrongUsage(QStringLiteral("--hook takes %1, not '%2'")
+                          .arg(Launcher::namesText(), values.constLast()));
+}
 
 Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
     const Outcome<WantedObject> wanted = readWantedObject(values.constLast());
@@ -109,10 +119,10 @@ Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
 Outcome<int> inspectWith(Applications& applications, const InspectSettings& settings) {
     if (const Outcome<> used = applications.useDisplay(settings.display); !used)
         return fail(used.error());
-    const Outcome<ApplicationStart> start =
-        resolveApplication(quotedShellWords(settings.program), {});
+    Outcome<ApplicationStart> start = resolveApplication(quotedShellWords(settings.program), {});
     if (!start)
         return fail(start.error());
+    start->launcher = settings.launcher;
     const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
     if (!started)
         return fail(started.error());
@@ -151,6 +161,9 @@ Command inspectCommand() {
           "Starts a program and prints its objects with the names that find them.", 1,
           CommandSyntax::anyNumber, CommandTail::Program},
          {displayOption(&InspectSettings::display),
+          {"hook", "NAME",
+           "How the program is reached, as in config.xml: %1, preload, or none for one without agent.",
+           "plugin", readHook},
           {"json", nullptr, "Prints JSON.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Json)},
           {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,

@@ -152,8 +152,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report", "junit"},
          "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "pdf:x"},
-         "Unknown report format 'pdf' in 'pdf:x'; the known ones are console, html, json, junit "
-         "(see tamrixrunner run --help)"},
+         "Unknown report format 'pdf' in 'pdf:x'; the known ones are console, cucumber-messages, "
+         "html, json, junit (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "console:-"},
          "the console report always goes to standard output; 'console:-' would write it twice (see "
          "tamrixrunner run --help)"},
@@ -174,6 +174,9 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--no-console and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"run", "s", "--verbose", "--quiet"},
          "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
+        {{"run", "s", "--scenario", "-1"},
+         "--scenario takes a number from 0 on, not '-1' (see tamrixrunner run --help)"},
+        {{"features"}, "features needs SUITE (see tamrixrunner features --help)"},
         {{"list"}, "list needs SUITE (see tamrixrunner list --help)"},
         {{"list", "a", "b"}, "unexpected argument 'b' (see tamrixrunner list --help)"},
         {{"list", "a", "--", "b"}, "list takes no script arguments (see tamrixrunner list --help)"},
@@ -183,6 +186,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "report needs at least one --to FORMAT:PATH (see tamrixrunner report --help)"},
         {{"run", "s", "--aut-display", "99"},
          "--aut-display takes auto, inherit or :N, not '99' (see tamrixrunner run --help)"},
+        {{"run", "s", "--video", "yes"},
+         "--video takes on, off or on-failure, not 'yes' (see tamrixrunner run --help)"},
         {{"attachable", "program"},
          "attachable needs --name NAME (see tamrixrunner attachable --help)"},
         {{"inspect", "--wait", "soon", "program", "--xml"},
