@@ -1,10 +1,9 @@
 #include "platform/verification/expectations.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <cmath>
 
 #include "base/overloaded.h"
+#include "platform/verification/pointnotation.h"
 #include "wire/textmatch.h"
 
 namespace Tamrix {
@@ -46,10 +45,7 @@ QString toleranceNote(double tolerance) {
 }  // namespace
 
 QString describedValue(const QJsonValue& value) {
-    if (value.isString())
-        return QStringLiteral("'%1'").arg(value.toString());
-    const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(list.mid(1, list.size() - 2));
+    return value.isString() ? QStringLiteral("'%1'").arg(value.toString()) : compactJson(value);
 }
 
 QString differenceFrom(const ExpectedValue& expected, const QJsonValue& observed) {
@@ -88,10 +84,7 @@ bool isRenewable(const ExpectedValue& expected) {
 }
 
 QString colorText(const CellColor& color) {
-    if (color == CellColor())
-        return QStringLiteral("none");
-    return QString::asprintf("#%02X%02X%02X%02X", unsigned(color.alpha), unsigned(color.red),
-                             unsigned(color.green), unsigned(color.blue));
+    return color == CellColor() ? QStringLiteral("none") : colorCode(color);
 }
 
 QString describedElement(const VisualElement& element) {

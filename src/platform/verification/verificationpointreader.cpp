@@ -288,8 +288,9 @@ VisualRules readRules(Members& members) {
     VisualRules rules;
     const QString place = members.placeOf("compare");
     QStringList compared;
-    for (const QJsonValue& entry : members.takeList("compare"))
-        compared.append(entry.toString());
+    const QJsonArray list = members.takeList("compare");
+    for (int index = 0; index < list.size(); ++index)
+        compared.append(list.at(index).toString());
     rules.compareTexts = compared.removeAll(QStringLiteral("text")) > 0;
     rules.comparePlaces = compared.removeAll(QStringLiteral("place")) > 0;
     rules.comparePictures = compared.removeAll(QStringLiteral("picture")) > 0;

@@ -4,26 +4,19 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QSaveFile>
 #include <QStringList>
 
 #include "base/overloaded.h"
+#include "platform/verification/pointnotation.h"
 #include "platform/verification/verificationpointfile.h"
 
 namespace Tamrix {
 
 namespace {
 
-/// A value as JSON text.
-QString json(const QJsonValue& value) {
-    const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(list.mid(1, list.size() - 2));
-}
-
 QString member(const char* name, const QJsonValue& value) {
-    return QStringLiteral("\"%1\": %2").arg(QLatin1String(name), json(value));
+    return QStringLiteral("\"%1\": %2").arg(QLatin1String(name), compactJson(value));
 }
 
 QString indent(int level) {
@@ -91,19 +84,13 @@ QString objectText(const ExpectedObject& object) {
                          2);
 }
 
-/// Also of no colour, which has none of the bytes set.
-QString backgroundText(const CellColor& color) {
-    return QString::asprintf("#%02X%02X%02X%02X", unsigned(color.alpha), unsigned(color.red),
-                             unsigned(color.green), unsigned(color.blue));
-}
-
 QString cellText(const ExpectedCell& cell) {
     const auto* const value = std::get_if<PlainValue>(&cell.text);
     if (value && value->value.isString() && !cell.background)
-        return json(value->value);
+        return compactJson(value->value);
     QStringList members = expectedMembers(cell.text);
     if (cell.background)
-        members.append(member("background", backgroundText(*cell.background)));
+        members.append(member("background", colorCode(*cell.background)));
     return inBraces(members);
 }
 
@@ -148,7 +135,7 @@ QStringList visualMembers(const VisualPoint& point) {
          {std::pair(rules.compareTexts, "text"), std::pair(rules.comparePlaces, "place"),
           std::pair(rules.comparePictures, "picture")}) {
         if (isCompared)
-            compared.append(json(QLatin1String(name)));
+            compared.append(compactJson(QLatin1String(name)));
     }
     QStringList members{
         member("object", point.name),
