@@ -97,6 +97,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     SuiteRunOptions options;
     options.failFast = settings.failFast;
     options.recordsActions = settings.recordsActions;
+    options.renewsVerificationPoints = settings.renewsVerificationPoints;
     options.resultDirectory = settings.resultDirectory;
     options.tagFilters = settings.tagFilters;
     options.scenarios = settings.scenarios;

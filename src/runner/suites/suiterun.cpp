@@ -79,6 +79,7 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.facts.scenarios = options.scenarios;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
+    TestVP::setRenewal(options.renewsVerificationPoints);
     TestInteraction::setInteractive(options.isInteractive);
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
@@ -86,6 +87,7 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
 }
 
 SuiteRun::~SuiteRun() {
+    TestVP::setRenewal(false);
     TestInteraction::setInteractive(false);
     TestVP::setScreenshotServices({});
 }

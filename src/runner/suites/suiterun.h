@@ -19,6 +19,8 @@ namespace Tamrix {
 struct SuiteRunOptions {
     /// Ends the run behind the first case that fails.
     bool failFast = false;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
     /// Whether the results tell what scripts do to applications.
     bool recordsActions = true;
     /// Where attachments go: absolute, or empty for the suite's own folder.
