@@ -14,6 +14,11 @@ def main():
     add("Ada", "12 St James's Square, London")
     add("Grace", "Arlington")
 
+    test.startSection("The tables hold what is expected")
+    selectItem("{type='QTabBar'}", "GHI")
+    test.vp("grace.vp")
+    test.endSection()
+
     test.startSection("The tab ABC has Ada alone")
     selectItem("{type='QTabBar'}", "ABC")
     table = waitForObject("{type='QTableView' visible='true'}")

@@ -9,6 +9,7 @@ def keys(text):
 def main():
     startApplication("calculator")
     display = waitForObject(":Display")
+    test.vp("display.vp", "as it starts")
 
     test.startSection("Sums")
     keys("7 + 5 =")

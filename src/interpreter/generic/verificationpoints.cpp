@@ -47,13 +47,13 @@ QString locateVerificationPointFile(const QString& name, const QString& currentF
     if (!current.isEmpty()) {
         const QString path = locateVP(name, current);
         if (QFileInfo::exists(path))
-            return path;
+            return QDir::cleanPath(path);
     }
     const QString script = QDir::isRelativePath(testCasePath)
                                ? QFileInfo(current).dir().filePath(testCasePath)
                                : testCasePath;
     const QString path = locateVP(name, script);
-    return QFileInfo::exists(path) ? path : QString();
+    return QFileInfo::exists(path) ? QDir::cleanPath(path) : QString();
 }
 
 /// Finds the file of the point; false with the error set when there is none.

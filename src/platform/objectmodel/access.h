@@ -100,9 +100,9 @@ struct CheckedName {
 /// - A display without an agent (DisplayModel) has its windows as objects, and acts by mouse, keys
 ///   and pictures; names of anything else it refuses.
 /// - Accessibility (AT-SPI) has trees, properties and actions, each asked for over D-Bus: it
-///   matches names on this side of the connection, keeps what it learnt for the time of one look, and waits
-///   in act() by looking again, as its objects can't do it themselves. What it can't ask, as who
-///   covers whom, it does not name as an obstacle.
+///   matches names on this side of the connection, keeps what it learnt for the time of one look,
+///   and waits in act() by looking again, as its objects can't do it themselves. What it can't ask,
+///   as who covers whom, it does not name as an obstacle.
 /// - A remote machine is this interface over a connection: the agent's messages, forwarded, with
 ///   facts() of the process there. Its process can't be watched, so `isOpen()` alone tells its end.
 class TAMRIX_EXPORT Access : public ObjectModel {
