@@ -27,8 +27,6 @@ constexpr int endPatience = 200;
 constexpr uint32_t userRequest = 2;
 constexpr uint32_t toWindowManager =
     XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-/// The upper bit of an event's type says who made it.
-constexpr uint8_t eventTypeMask = 0x7f;
 
 int nextNumber() {
     static int s_last = 0;
@@ -53,11 +51,6 @@ Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn,
       m_grab(m_connection) {
     m_connection->setEventHandler(
         [this](const xcb_generic_event_t& event) { handleEvent(event); });
-    // Programs answer pings there.
-    const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection->get(), m_connection->root(), XCB_CW_EVENT_MASK,
-                                 &mask);
-    m_connection->synchronize();
 }
 
 Session::~Session() {

@@ -93,6 +93,7 @@ Outcome<std::shared_ptr<XConnection>> XConnection::open(const DisplayAddress& ad
                         .arg(address.name, connectionErrorText(
                                                error != 0 ? error : XCB_CONN_CLOSED_INVALID_SCREEN)));
     }
+    made->watchRoot();
     return made;
 }
 
@@ -127,9 +128,14 @@ QString XConnection::endReason() const {
     return QStringLiteral("The connection to the display '%1' has ended").arg(m_name);
 }
 
-QRect XConnection::rootGeometry() {
+void XConnection::watchRoot() {
+    // Its size, and what is sent to it: programs answer there that they live.
+    const uint32_t mask =
+        XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
     const auto geometry = reply(xcb_get_geometry(m_connection, root()), xcb_get_geometry_reply);
-    return geometry ? QRect(0, 0, geometry->width, geometry->height) : QRect();
+    if (geometry)
+        m_rootGeometry = QRect(0, 0, geometry->width, geometry->height);
 }
 
 // Replies. The library's own wait has no end when the server is stopped.
@@ -220,6 +226,10 @@ void XConnection::sendMessage(xcb_window_t receiver, xcb_window_t window, const 
 
 void XConnection::takeEvents() {
     while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(*event);
+        if ((event->response_type & eventTypeMask) == XCB_CONFIGURE_NOTIFY &&
+            change.window == root())
+            m_rootGeometry = QRect(0, 0, change.width, change.height);
         if (m_handler)
             m_handler(*event);
     }
