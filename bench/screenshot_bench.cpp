@@ -1,5 +1,5 @@
-// A screenshot of an X display of 1920x1080, from the server to what a script gets, beside the copies
-// of its pixels that it is to cost. Starts an Xvfb of its own.
+// A screenshot of an X display of 1920x1080, from the server to what a script gets, beside the
+// copies of its pixels that it is to cost. Starts an Xvfb of its own.
 
 #include <unistd.h>
 
@@ -81,10 +81,10 @@ int measure(const QString& display) {
 int main() {
     QProcess server;
     server.setStandardErrorFile(QProcess::nullDevice());
-    server.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                          QStringLiteral("-screen"), QStringLiteral("0"),
-                                          QStringLiteral("1920x1080x24"), QStringLiteral("-nolisten"),
-                                          QStringLiteral("tcp")});
+    server.start(QStringLiteral("Xvfb"),
+                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                  QStringLiteral("0"), QStringLiteral("1920x1080x24"), QStringLiteral("-nolisten"),
+                  QStringLiteral("tcp")});
     QByteArray line;
     while (!line.endsWith('\n') && server.waitForReadyRead(20000))
         line += server.readAllStandardOutput();

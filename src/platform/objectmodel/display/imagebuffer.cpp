@@ -64,7 +64,7 @@ QImage unfilledImage(const QSize& size) {
     if (!buffer->memory)
         return {};
     auto* const memory = static_cast<uchar*>(buffer->memory.get());
-    return {memory,   size.width(), size.height(), bytesPerLine, QImage::Format_RGB32,
+    return {memory,   size.width(),    size.height(), bytesPerLine, QImage::Format_RGB32,
             giveBack, buffer.release()};
 }
 

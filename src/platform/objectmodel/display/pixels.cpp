@@ -27,9 +27,7 @@ bool isPlain(const PixelFormat& format) {
 class Channel {
 public:
     explicit Channel(quint32 mask)
-        : m_mask(mask),
-          m_shift(std::countr_zero(mask)),
-          m_most((mask >> m_shift)) {}
+        : m_mask(mask), m_shift(std::countr_zero(mask)), m_most((mask >> m_shift)) {}
 
     quint32 of(quint32 pixel) const {
         const quint64 value = (pixel & m_mask) >> m_shift;

@@ -61,7 +61,8 @@ public:
     /// The reply to a request; null when the request failed, as for a window that is gone, and when
     /// the connection has ended.
     template <typename Cookie, typename Reply>
-    Owned<Reply> reply(Cookie cookie, Reply* (*)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
+    Owned<Reply> reply(Cookie cookie,
+                       Reply* (*)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
         return Owned<Reply>(static_cast<Reply*>(waitForReply(cookie.sequence).release()));
     }
     /// Whether a checked request without reply went well.
