@@ -41,8 +41,8 @@ public:
     static Screenshot fromBmpZipData(const QByteArray& data, const QTransform& transform,
                                      double density);
 
-    /// Reads what toVariant() or toLocalVariant() made. What is missing has the default. The sender answers for a
-    /// "transform" of six finite numbers; any other list counts as the identity.
+    /// Reads what toVariant() or toLocalVariant() made. What is missing has the default. The sender
+    /// answers for a "transform" of six finite numbers; any other list counts as the identity.
     static Screenshot fromVariant(const QVariant& variant);
     /// A map: "image" is the image as BMP, compressed by qCompress(); "transform" a list of six
     /// numbers m11, m12, m21, m22, dx, dy; "density" a number. Invalid for a null image.
