@@ -179,7 +179,7 @@ TEST_F(FeatureSuite, IsListed) {
 TEST_F(FeatureSuite, IsCheckedWithoutRunning) {
     suite.write(
         "suite_shop/broken/test.feature",
-        "Feature: broken\n  Senario: x\n    Given a customer\n  Scenario: y\n    Gibt es\n");
+        "Feature: broken\n  Scenario: y\n    Given a customer\n    Gibt es\n  Senario: x\n");
     suite.write("suite_shop/twice/test.feature",
                 "Feature: twice\n  Scenario: x\n    Given a customer\n");
     suite.write(
