@@ -63,7 +63,7 @@ protected:
             for (const LineInfo& position : result.callStack)
                 text += "  " + positionText(position) + '\n';
             if (!result.explanation.isEmpty())
-                text += result.explanation;
+                text += result.explanation + '\n';
         }
         return shortened(text);
     }
