@@ -12,6 +12,7 @@
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
+    DO(cut)                         \
     DO(dap)                         \
     DO(data)
 

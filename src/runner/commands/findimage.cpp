@@ -2,18 +2,13 @@
 
 #include <json/json.h>
 
-#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
-#include <QImageReader>
-#include <QImageWriter>
-#include <QSaveFile>
 #include <algorithm>
 #include <limits>
 #include <memory>
 #include <stdexcept>
 
-#include "base/filewriting.h"
 #include "base/nativebytes.h"
 #include "base/textescape.h"
 #include "runner/commands/command.h"
@@ -22,6 +17,7 @@
 #include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
+#include "vision/search/picturefile.h"
 #include "vision/search/placescore.h"
 
 namespace Tamrix {
@@ -127,14 +123,10 @@ struct Findings {
 
 /// Throws a std::runtime_error that names the file.
 Picture loadPicture(const QString& file) {
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    const QImage image = reader.read();
-    if (image.isNull()) {
-        giveUp(
-            QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
-    }
-    return {file, Vision::searchable(image)};
+    const Outcome<QImage> image = Vision::readPicture(file);
+    if (!image)
+        giveUp(image.error().text);
+    return {file, Vision::searchable(*image)};
 }
 
 /// The whole picture unless a region was given, which must not lie outside of it altogether.
@@ -231,23 +223,13 @@ void storeAnnotated(const QString& file, const QImage& haystack, const Findings&
     for (const Occurrence& occurrence : findings.occurrences)
         Vision::drawFrame(&image, occurrence.rectangle);
 
-    const auto failWithReason = [&](const QString& reason) {
-        giveUp(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
-    };
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly))
-        failWithReason(output.errorString());
     const QString suffix = QFileInfo(file).suffix();
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
-    if (!writer.write(image))
-        failWithReason(writer.errorString());
-    QString reason;
-    if (!writeAll(&output, bytes.data(), &reason))
-        failWithReason(reason);
-    if (!output.commit())
-        failWithReason(output.errorString());
+    const Outcome<> written =
+        Vision::writePicture(image, file, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
+    if (!written) {
+        giveUp(QStringLiteral("the picture '%1' can't be written: %2")
+                   .arg(file, written.error().text));
+    }
 }
 
 /// What stands in front of the text of a failed search: the needle that it is about, if known.
