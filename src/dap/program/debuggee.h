@@ -57,11 +57,16 @@ public:
     Outcome<QString> evaluate(const QString& code);
     /// What stands below a path, everything at the top for the empty one.
     Outcome<std::vector<Binding>> variables(const QString& path);
+    /// The state of the search that failed, as JSON; `kind` is "ImageLookup" or "FindText".
+    Outcome<QByteArray> searchState(const QByteArray& kind);
+    /// Changes it. What is wrong with the state is a failure.
+    Outcome<> setSearchState(const QByteArray& kind, const QByteArray& state);
     /// From where the function in which the script stands was called, the innermost place first.
     Outcome<std::vector<ScriptPlace>> callers();
 
     // Commands, to a script that stands still.
     void setObjectNotFoundStops(bool on);
+    void setImageNotFoundStops(bool on);
     void resume(Resume how);
     /// Ends the run.
     void quit();
@@ -79,6 +84,8 @@ private:
     using AnswerReader = std::function<bool(const QByteArray& line)>;
     Outcome<> ask(const QByteArray& command, const AnswerReader& reader);
     Outcome<QByteArray> askBreakPoint(const QByteArray& command, const ScriptPlace& place);
+    /// What stands behind "COMMAND ok:" in the answer.
+    Outcome<QByteArray> askSearch(const QByteArray& command, const QByteArray& arguments);
     void command(const QByteArray& line);
     void takeLine(const QByteArray& line);
     void takeOutput(const QByteArray& text, Stream stream);
