@@ -61,7 +61,9 @@ TEST_P(RealPrograms, SuitesPass) {
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
-        {"tests/e2e/suites/suite_functions", {}}, {"tests/e2e/suites/suite_speedcrunch", {}},
+        {"examples/suite_pictures", {}},
+        {"tests/e2e/suites/suite_functions", {}},
+        {"tests/e2e/suites/suite_speedcrunch", {}},
     };
     for (const auto& [suite, cases] : suites) {
         runner.run(arguments(QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/") + suite) + cases);

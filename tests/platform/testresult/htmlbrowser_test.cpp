@@ -183,7 +183,7 @@ TEST_F(HtmlBrowserTest, ShowsTheMomentOfAFailure) {
         seen.failure = copied[1];
 )");
     EXPECT_EQ(seen["error"].toString(), "");
-    EXPECT_EQ(seen["pictures"].toString(), "windows.png screenshot_fail_1.png");
+    EXPECT_EQ(seen["pictures"].toString(), "Windows: windows.png screenshot_fail_1.png");
     EXPECT_EQ(seen["explanation"].toString(), "@@ -1 +1 @@\n-<script>\\x0d\n+2\n");
     EXPECT_EQ(seen["removed"].toString(), "-<script>\\x0d\n");
     EXPECT_EQ(seen["objects"].toString(),

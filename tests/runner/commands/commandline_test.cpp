@@ -203,6 +203,14 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--kind takes properties, table or visual, not 'sound' (see tamrixrunner vp --help)"},
         {{"inspect", "--json", "--xml", "program"},
          "--json and --xml exclude each other (see tamrixrunner inspect --help)"},
+        {{"cut", "a", "0", "0", "0", "1", "n", "--suite", "s"},
+         "WIDTH is a number from 1 on, not '0' (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "y", "1", "1", "n", "--suite", "s"},
+         "Y is a number from 0 on, not 'y' (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "0", "1", "1", "n"}, "--suite is missing (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "0", "1", "1", "x/../../n", "--suite", "s"},
+         "NAME is a file below the folder of search images, not 'x/../../n' (see tamrixrunner cut "
+         "--help)"},
         {{"find-image", "a", "b", "--options", "threshold: 101"},
          "--options 'threshold: 101': threshold must lie in the [0,100] range (see tamrixrunner "
          "find-image --help)"},
