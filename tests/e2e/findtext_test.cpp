@@ -84,7 +84,8 @@ TEST_F(FindText, FailsClearly) {
     } rows[] = {
         {{"/no/picture.png"},
          "tamrixrunner: the picture '/no/picture.png' can't be read: File not found\n"},
-        {{dialog, "--region", "5000x0x10x10"}, "tamrixrunner: the region 5000x0x10x10 lies outside "},
+        {{dialog, "--region", "5000x0x10x10"},
+         "tamrixrunner: the region 5000x0x10x10 lies outside "},
         {{dialog, "--engine", "Rekognition"}, "tamrixrunner: Rekognition API key ID is not set\n"},
         {{dialog, "--options", R"({"tesseract": {"mode": 0}})"},
          "tamrixrunner: Invalid engine mode: 0. Allowed modes: 3 1\n"},

@@ -1,5 +1,6 @@
-// What text recognition reads from outside. The first byte says what the rest is: 0 options in JSON,
-// 1 a reply of OCR.Space, 2 a reply of Rekognition, 3 the list of languages of an installation.
+// What text recognition reads from outside. The first byte says what the rest is: 0 options in
+// JSON, 1 a reply of OCR.Space, 2 a reply of Rekognition, 3 the list of languages of an
+// installation.
 
 #include <json/json.h>
 

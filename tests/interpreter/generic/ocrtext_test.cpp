@@ -1,5 +1,6 @@
 #include <json/json.h>
 
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <sstream>
 
@@ -40,9 +41,9 @@ public:
         return QSharedPointer<GenericResult>::create(region, lines);
     }
 
-    QList<GenericResult::Line> lines = {{{"Save", QRect(10, 20, 20, 10), 10},
-                                         {"as", QRect(40, 20, 10, 10), 10}},
-                                        {{"Save", QRect(10, 60, 20, 10), 10}}};
+    QList<GenericResult::Line> lines = {
+        {{"Save", QRect(10, 20, 20, 10), 10}, {"as", QRect(40, 20, 10, 10), 10}},
+        {{"Save", QRect(10, 60, 20, 10), 10}}};
     std::function<void()> onRead;
     int recognitions = 0;
     QStringList searchPaths;
@@ -191,9 +192,9 @@ TEST_F(OcrText, GivesVerdicts) {
         return outcome + ' ' + taken().filter(QRegularExpression("erified")).join('|');
     };
     EXPECT_EQ(verdict(testOcrTextPresent, "save", {{"occurrence", integer(2)}}),
-              "true 1 Verified: The phrase 'save', occurrence: 2 was found");
+              "true 10 Verified: The phrase 'save', occurrence: 2 was found");
     EXPECT_EQ(verdict(testOcrTextNotPresent, "x"),
-              "true 1 Verified: The phrase 'x', occurrence: 1 was not found");
+              "true 10 Verified: The phrase 'x', occurrence: 1 was not found");
     TestSettingsType::s_vpOptions = VerificationOptions();
     EXPECT_TRUE(verdict(testOcrTextPresent, "saved")
                     .contains("Could not find text 'saved', occurrence: 1 on the screen(s)."));
@@ -210,15 +211,19 @@ TEST_F(OcrText, FailuresOfEngines) {
     EXPECT_EQ(call(plain<getOcrText>), "Invalid JSON: x");
     const QString file = folder.filePath("results/suite/tst/attachments/invalidResponse.json");
     EXPECT_EQ(readFile(file), "{damaged");
-    EXPECT_EQ(taken(), QStringList{});
+    ASSERT_FALSE(report.entries.empty());
+    const auto* const attached = eventOf<FileAttached>(report.entries.back());
+    ASSERT_TRUE(attached);
+    EXPECT_EQ(attached->message, "Invalid OCR engine response");
+    EXPECT_EQ(attached->path, file);
     // The name is taken: the next one gets another.
     call(plain<getOcrText>);
-    EXPECT_TRUE(QFile::exists(
-        folder.filePath("results/suite/tst/attachments/invalidResponse_1.json")));
+    EXPECT_TRUE(
+        QFile::exists(folder.filePath("results/suite/tst/attachments/invalidResponse_1.json")));
     OCR::implemenations.clear();
     const EnvironmentGuard user("TAMRIX_USER_SETTINGS_DIR", folder.path());
-    writeFile(folder.filePath("ver1/ocr.ini"), "[General]\nDefaultEngine = \"OCRSpace\"\n");
-    EXPECT_EQ(find("x"), "OCR.Space API key is not set");
+    writeFile(folder.filePath("ver1/ocr.ini"), "[General]\nDefaultEngine = \"none\"\n");
+    EXPECT_EQ(find("x"), "Unknown OCR engine: none");
 }
 
 /// A search whose script stops in the debugger where it fails.

@@ -112,8 +112,9 @@ QByteArray spaceReply(const QByteArray& page) {
     return "{\"OCRExitCode\": 1, \"ParsedResults\": [" + page + "]}";
 }
 QByteArray spaceLines(const QByteArray& lines) {
-    return spaceReply("{\"FileParseExitCode\": 1, \"TextOverlay\": {\"HasOverlay\": true, \"Lines\": " +
-                      lines + "}}");
+    return spaceReply(
+        "{\"FileParseExitCode\": 1, \"TextOverlay\": {\"HasOverlay\": true, \"Lines\": " + lines +
+        "}}");
 }
 
 TEST_F(OcrServices, SpaceReadsWords) {
@@ -178,9 +179,9 @@ TEST_F(OcrServices, FailuresOfRequests) {
     EXPECT_NE(thrownText<ConnectionError>([&] { readBySpace(Options()); }), "");
     reply("500");
     EXPECT_NE(thrownText<ConnectionError>([&] { readByRekognition(Options()); }), "");
-    for (const auto& [body, text] : {std::pair<const char*, const char*>
-                                     {"[]", "Response is not a JSON object"},
-                                     {"{}", "The error response did not specify the "}}) {
+    for (const auto& [body, text] :
+         {std::pair<const char*, const char*>{"[]", "Response is not a JSON object"},
+          {"{}", "The error response did not specify the "}}) {
         reply("500", body);
         try {
             readByRekognition(Options());
@@ -255,7 +256,8 @@ TEST(OcrReplies, OfSpaceThatCannotBeUsed) {
         {spaceLines("[{}]"), "Words entry missing"},
         {spaceLines(R"([{"Words": [1]}])"), "Unexpected response: Word entry is not an object"},
         {spaceLines(R"([{"Words": [{"Height": 1.5}]}])"), "Height entry is not an integer"},
-        {spaceLines(R"([{"Words": [{"Height": 1, "Width": 1, "Top": 1, "Left": 1, "WordText": 1}]}])"),
+        {spaceLines(
+             R"([{"Words": [{"Height": 1, "Width": 1, "Top": 1, "Left": 1, "WordText": 1}]}])"),
          "WordText entry is not a string"},
         {QByteArray(100000, '['), ""},
         {"{\"a\": 1,}", ""},
@@ -297,7 +299,8 @@ TEST(OcrReplies, OfRekognitionThatCannotBeUsed) {
         {detections("1"), "TextDetection entry is not an object"},
         {detections("{}"), "Type entry missing"},
         {detections(R"({"Type": "LINE"})"), "Id entry missing"},
-        {detections(R"({"Type": "LINE", "Id": 1}, {"Type": "LINE", "Id": 1})"), "Duplicate line Id"},
+        {detections(R"({"Type": "LINE", "Id": 1}, {"Type": "LINE", "Id": 1})"),
+         "Duplicate line Id"},
         {detections(R"({"Type": "WORD"})"), "ParentId entry missing"},
         {detections(R"({"Type": "WORD", "ParentId": 1, "DetectedText": "x", "Geometry":
             {"BoundingBox": {"Left": 0, "Top": 0, "Width": 1, "Height": 1}}})"),

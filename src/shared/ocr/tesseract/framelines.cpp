@@ -98,8 +98,8 @@ public:
             std::fill_n(m_pixels.begin() + offset(row.start, row.line + next), row.end - row.start,
                         true);
     }
-    /// The row of a long line that a frame's side meets whose end is the point: the side touches it,
-    /// or stands at its end, where corners may be round. A letter's stroke in a narrow row does
+    /// The row of a long line that a frame's side meets whose end is the point: the side touches
+    /// it, or stands at its end, where corners may be round. A letter's stroke in a narrow row does
     /// neither.
     std::optional<int> rowMet(int x, int y) const {
         for (int row = y - cornerHeight; row <= y + cornerHeight; ++row) {
