@@ -18,6 +18,8 @@
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
+#include "interpreter/generic/verificationpoints.h"
 #include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
@@ -166,9 +168,13 @@ const FunctionRow testFunctions[] = {
      "Passes when both XML files are the same document; returns whether they are"},
     {"compareJSONFiles", testCompareJSONFiles, "expected actual", "",
      "Passes when both JSON files hold the same value; returns whether they do"},
-    {"vp"},
-    {"xvp"},
-    {"vpWithObject"},
+    {"vp", testVP, "name", "messageOrRecord",
+     "Passes when the application shows what a verification point of the suite expects; returns "
+     "whether it does"},
+    {"xvp", testXVP, "name", "messageOrRecord",
+     "As vp, for a verification point that is expected to differ"},
+    {"vpWithObject", testVPWithObject, "name objectOrName", "",
+     "As vp, with this object in place of the one that the verification point names"},
     {"exception", testException, "code", "comment",
      "Passes when the code raises an exception; returns whether it did"},
     {"resultCount", testResultCount, "category", "",
@@ -286,7 +292,7 @@ const NativeRow nativeFunctions[] = {
      "Saves an object screenshot to a file"},
     {"highlightObject", highlightObject, "object", "timeoutms block",
      "Highlights the specified object"},
-    {"createVisualVP", nullptr, "object VPname", "",
+    {"createVisualVP", createVisualVP, "object VPname", "",
      "Creates a visual verification point for an object"},
     {"findImage", findImage, "image", "options region",
      "Returns a position of the specified image"},
@@ -365,6 +371,7 @@ void ScriptContext::initFunctions() {
         describeFunction(QString("ApplicationContext::") + row.name, describe(row));
         addMemberFunction("ApplicationContext", row.name, row.function);
     }
+    TestInteraction::initFunctions(this);
 }
 
 void Interpreter::initNativeAPI() {
