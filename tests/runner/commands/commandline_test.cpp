@@ -223,6 +223,24 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--limit takes a number from 1 on, not '0' (see tamrixrunner find-image --help)"},
         {{"find-image", "a", "/x/b", "--annotate", "/x/../x/b"},
          "--annotate /x/../x/b would write over '/x/b' (see tamrixrunner find-image --help)"},
+        {{"find-text"}, "find-text needs PICTURE (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", " "}, "TEXT is empty (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--occurrence", "1"},
+         "--occurrence needs TEXT (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "b", "--occurrence", "0"},
+         "--occurrence takes a number from 1 on, not '0' (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--options", "{\"psm\": 11}"},
+         "--options '{\"psm\": 11}': Unknown keys: psm (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--region", "1"},
+         "--region '1': Rectangle descriptor must consist of four integers (see tamrixrunner "
+         "find-text --help)"},
+        {{"find-text", "a", "--annotate", "a"},
+         "--annotate a would write over 'a' (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--engine", "tesseract"},
+         "--engine: there is no engine 'tesseract'; there are: Tesseract, OCRSpace, Rekognition "
+         "(see tamrixrunner find-text --help)"},
+        {{"find-text", "--engines", "a"},
+         "--engines takes no picture (see tamrixrunner find-text --help)"},
     };
     for (const auto& row : rows) {
         const Outcome<Action> action = parse(row.arguments);
