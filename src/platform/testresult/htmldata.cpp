@@ -360,8 +360,7 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     addStack(object, result.callStack);
 }
 
-void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video,
-                        const QDateTime& rowStart) {
+void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video, const QDateTime& rowStart) {
     insertHead(object, "video", QStringLiteral("Video"), video.message);
     object.insert(QStringLiteral("file"), fileObject(video.path, false));
     // A run that was killed leaves a video without its end.

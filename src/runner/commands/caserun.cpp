@@ -45,16 +45,15 @@ Outcome<> readScenarios(const QStringList& values, CaseRunSettings& settings) {
 
 Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
     const QString& value = values.constLast();
-    for (const auto& [name, mode] : {std::pair("on", VideoMode::On),
-                                     std::pair("off", VideoMode::Off),
-                                     std::pair("on-failure", VideoMode::OnFailure)}) {
+    for (const auto& [name, mode] :
+         {std::pair("on", VideoMode::On), std::pair("off", VideoMode::Off),
+          std::pair("on-failure", VideoMode::OnFailure)}) {
         if (value == QLatin1String(name)) {
             settings.video = mode;
             return {};
         }
     }
-    return wrongUsage(
-        QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+    return wrongUsage(QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
 }
 
 bool isStandardOutput(const QString& report) {
@@ -98,6 +97,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     SuiteRunOptions options;
     options.failFast = settings.failFast;
     options.recordsActions = settings.recordsActions;
+    options.renewsVerificationPoints = settings.renewsVerificationPoints;
     options.resultDirectory = settings.resultDirectory;
     options.tagFilters = settings.tagFilters;
     options.scenarios = settings.scenarios;
@@ -105,6 +105,7 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<Sui
     options.display = settings.display;
     options.debugger = settings.debugger;
     options.video = settings.video;
+    options.isInteractive = settings.isInteractive;
     SuiteRun run(suite, options, &reports);
     if (const Outcome<> prepared = run.prepare(); !prepared)
         return failWith(prepared.error().text);
@@ -175,6 +176,9 @@ std::vector<Option<CaseRunSettings>> caseRunOptions() {
             {"video", "on|off|on-failure",
              "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
              nullptr, readVideoMode},
+            {"interactive", nullptr,
+             "Lets scripts ask the person in front of the screen (testInteraction).", nullptr,
+             setTo(&CaseRunSettings::isInteractive, true)},
             {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
              nullptr, setTo(&CaseRunSettings::recordsActions, false)},
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,

@@ -25,6 +25,9 @@ struct CaseRunSettings {
     QString display;
     bool failFast = false;
     VideoMode video = VideoMode::Off;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
+    bool isInteractive = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;

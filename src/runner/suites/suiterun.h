@@ -19,6 +19,8 @@ namespace Tamrix {
 struct SuiteRunOptions {
     /// Ends the run behind the first case that fails.
     bool failFast = false;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
     /// Whether the results tell what scripts do to applications.
     bool recordsActions = true;
     /// Where attachments go: absolute, or empty for the suite's own folder.
@@ -33,6 +35,8 @@ struct SuiteRunOptions {
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
     VideoMode video = VideoMode::Off;
+    /// Whether somebody is there whom scripts may ask.
+    bool isInteractive = false;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
@@ -44,8 +48,8 @@ public:
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
 
-    /// What has to be right before anything runs: the display for applications, what records it, the
-    /// suite's map of object names, and the tags of scenarios. Call it before run().
+    /// What has to be right before anything runs: the display for applications, what records it,
+    /// the suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
     /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
