@@ -156,7 +156,8 @@ function resultElement(entry, row, isOpen) {
                 (entry.message ? ": " : "") + firstLine(entry.detail)) : ""),
         timeOf(entry)];
     if (!entry.detail && !entry.comment && !entry.explanation && !entry.stack &&
-        !entry.screenshot && !entry.echo && !entry.wholes && !entry.attached)
+        !entry.screenshot && !entry.echo && !entry.wholes && !entry.attached &&
+        !videoOf.has(entry))
         return make("div", "entry flat", ...summary);
     return foldable(entry.failure && isOpen ? "entry failure" : "entry", summary, isOpen,
         (inside) => {
