@@ -325,6 +325,7 @@ TEST_F(HtmlBrowserTest, ShowsFeaturesAsATree) {
             .map((element) => element.textContent).join("|");
         seen.argument = one(".argument").textContent;
         one(".item.step summary").click();
+        await until(() => one(".item.step .comment"));
         seen.definition = one(".item.step .comment").textContent;
         const skipped = one(".item.skipped");
         seen.skipped = skipped.querySelector(".what").textContent;
