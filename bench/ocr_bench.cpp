@@ -1,5 +1,5 @@
-// How well and how fast text on screens is read: with our default options, with those that
-// docs/ocr.md advises, and by the program "tesseract" as it is. A word counts when it is read
+// How well and how fast text on screens is read: with our default options, with those for sparse
+// text, and by the program "tesseract" as it is. A word counts when it is read
 // exactly and lies in the widget that it is written in.
 
 #include <QApplication>
@@ -25,7 +25,7 @@ using Vision::SearchRegion;
 
 using Reader = std::function<QList<Word>(const QImage&)>;
 
-Options advisedOptions() {
+Options sparseOptions() {
     Options options = Options::defaults();
     options.tesseract.psm = OCR::TesseractOptions::SparseText;
     return options;
@@ -96,14 +96,14 @@ void measureAccuracy(const QString& folder, const char* keep) {
     Tally tallies[] = {
         {"default options",
          [](const QImage& image, const QString&) { return readWith(Options::defaults(), image); }},
-        {"advised options",
-         [](const QImage& image, const QString&) { return readWith(advisedOptions(), image); }},
+        {"psm 11",
+         [](const QImage& image, const QString&) { return readWith(sparseOptions(), image); }},
         {"program tesseract",
          [](const QImage&, const QString& file) { return readByProgram(file); }},
     };
     int lightWords = 0;
     int allWords = 0;
-    std::printf("%-28s %6s %10s %10s %10s\n", "dialog", "words", "default", "advised", "program");
+    std::printf("%-28s %6s %10s %10s %10s\n", "dialog", "words", "default", "psm 11", "program");
     int number = 0;
     for (const DialogPicture& picture : dialogPictures()) {
         const QString file =

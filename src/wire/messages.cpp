@@ -287,11 +287,11 @@ QDataStream& operator>>(QDataStream& stream, KeyEvent& body) {
 }
 
 QDataStream& operator<<(QDataStream& stream, const Highlight& body) {
-    return stream << body.target << body.milliseconds;
+    return stream << body.target << body.milliseconds << body.place;
 }
 
 QDataStream& operator>>(QDataStream& stream, Highlight& body) {
-    return stream >> body.target >> body.milliseconds;
+    return stream >> body.target >> body.milliseconds >> body.place;
 }
 
 QDataStream& operator<<(QDataStream& stream, const NativeRequest& body) {

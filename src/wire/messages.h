@@ -300,6 +300,8 @@ struct Highlight {
     Target target;
     /// -1: until StopHighlight.
     qint32 milliseconds = -1;
+    /// On the screen, when the target is nothing.
+    QRect place = {};
 };
 
 struct NativeRequest {

@@ -13,7 +13,7 @@ namespace Tamrix::Wire {
 inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
 
 /// Raised with every change of an encoding. Both sides must have the same.
-inline constexpr quint16 protocolVersion = 4;
+inline constexpr quint16 protocolVersion = 5;
 
 /// The encoding of Qt's own types, fixed whatever Qt the application uses.
 inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;

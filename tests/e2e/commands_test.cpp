@@ -198,6 +198,39 @@ TEST_F(Commands, FindsPicturesInPictures) {
     EXPECT_FALSE(QFile::exists(suite.path("x.abc")));
 }
 
+TEST_F(Commands, CutsSearchImagesOutOfScreenshots) {
+    const QString order = TAMRIX_TEST_SOURCE_DIR "/docs/images/order.png";
+    suite.write("suite/plain/test.py", "def main():\n    pass\n");
+    const QString shared = suite.path("suite/shared/searchImages/new/save.png");
+    const QString own = suite.path("suite/plain/searchImages/save.png");
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        QString text;
+    } rows[] = {
+        {{order, "20", "30", "40", "10", "new/save"}, 0, shared + '\n'},
+        {{order, "21", "30", "40", "10", "new/save"}, 2, "' is there already; --replace replaces"},
+        {{order, "25", "30", "40", "10", "new/save.png", "--replace"}, 0, shared + '\n'},
+        {{order, "20", "30", "4", "10", "save.png", "--case", "plain"}, 0, own + '\n'},
+        {{order, "20", "30", "4", "10", "save", "--case", "none"}, 2, "none"},
+        {{order, "20", "30", "2147483647", "10", "x"},
+         2,
+         "the place leaves '" + order + "', which"},
+        {{suite.path("none.png"), "0", "0", "1", "1", "x"}, 2, "none.png' can't be read: "},
+    };
+    for (const auto& row : rows) {
+        RunnerProcess runner;
+        runner.run(QStringList("cut") + row.arguments +
+                   QStringList{"--suite", suite.path("suite")});
+        EXPECT_EQ(runner.exitCode(), row.exitCode) << qPrintable(row.arguments.join(' '));
+        const QString text = row.exitCode == 2 ? runner.errors() : runner.output();
+        EXPECT_TRUE(text.contains(row.text)) << qPrintable(text);
+    }
+    EXPECT_EQ(QImage(shared).size(), QSize(40, 10));
+    EXPECT_EQ(QImage(shared).pixel(0, 0), QImage(order).pixel(25, 30));
+    EXPECT_EQ(QImage(own).size(), QSize(4, 10));
+}
+
 TEST_F(Commands, ReaderThatGoesAwayDoesNotTakeTheReportsWithIt) {
     suite.write("suite/chatty/test.py",
                 "def main():\n    for _ in range(20000):\n        print('x' * 100)\n");

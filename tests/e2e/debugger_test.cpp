@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QImage>
 #include <QRegularExpression>
 #include <QThread>
 #include <QUrl>
@@ -222,6 +223,50 @@ TEST_F(DebuggedApplication, AFaultyMapIsTold) {
     EXPECT_TRUE(said.contains("\nTDBG:@objLookupError 5\t")) << qPrintable(said);
     runner.type("continue skipCurrentError\nrun\n");
     runner.finish();
+}
+
+TEST_F(DebuggedApplication, AnImageThatIsNotFoundIsMendedWhileTheScriptStands) {
+    suite.write(
+        "suite/a/searchImages/seven.png",
+        readFile(TAMRIX_TEST_SOURCE_DIR "/examples/suite_pictures/shared/searchImages/twelve.png"));
+    start(
+        "def main():\n"
+        "    testSettings.imageNotFoundDebugging = True\n"
+        "    startApplication('calculator')\n"
+        "    click(findImage('seven', {'threshold': 100}, '{type=\\'Calculator\\'}'))\n"
+        "    test.compare(waitForObject('{type=\\'QLineEdit\\'}').text, '7')\n");
+    expect("", "TDBG:@line 1, SUITE/a/test.py:\n");
+    expect("enableImageNotFoundDebugging", "");
+    const QString stop = answer(runner, "run\n");
+    EXPECT_TRUE(stop.startsWith("TDBG:@imgLookupError 4\t")) << qPrintable(stop + runner.errors());
+    const QString screenshot = stop.trimmed().section('\t', -1);
+    EXPECT_FALSE(QImage(screenshot).isNull()) << qPrintable(stop);
+    const QString state = answer(runner, "getInterpreterStateFor ImageLookup\n");
+    EXPECT_TRUE(state.contains(R"("imageSearchOptions":{"threshold":100.0})")) << qPrintable(state);
+
+    // The button as it is on the screenshot becomes the image.
+    const QString button =
+        answer(runner, "eval " +
+                           QUrl::toPercentEncoding(
+                               "(lambda b: '%d %d %d %d' % (b.x, b.y, b.width, b.height))(object."
+                               "globalBounds(waitForObject(\"{type='Button' text='7'}\")))") +
+                           '\n');
+    const QStringList place =
+        QUrl::fromPercentEncoding(button.toUtf8()).section('\'', 1, 1).split(' ');
+    RunnerProcess cutter;
+    cutter.run(QStringList{"cut", screenshot} + place +
+               QStringList{"seven", "--case", "a", "--replace", "--suite", suite.path("suite")});
+    EXPECT_EQ(cutter.exitCode(), 0) << qPrintable(cutter.errors());
+    expect("setInterpreterStateFor ImageLookup " +
+               QUrl::toPercentEncoding(R"({"imageSearchOccurrence":0})"),
+           "TDBG:setInterpreterStateFor error: imageSearchOccurrence must be a positive integer\n");
+    expect("setInterpreterStateFor ImageLookup " +
+               QUrl::toPercentEncoding(R"({"imageSearchOptions":{"tolerant":true}})"),
+           "TDBG:setInterpreterStateFor ok:\n");
+    expect("continue", "");
+    runner.finish();
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
+    EXPECT_FALSE(QFile::exists(screenshot));
 }
 
 TEST_F(DebuggedApplication, ItsObjectsAreListedWithTheirProperties) {

@@ -30,7 +30,8 @@ protected:
     /// Message and detail of what the script has logged, and of what the run has noticed.
     QString told() const {
         QString lines;
-        for (const Json::Value& entry : Tamrix::Test::readJournal(results.filePath("journal.jsonl"))) {
+        for (const Json::Value& entry :
+             Tamrix::Test::readJournal(results.filePath("journal.jsonl"))) {
             const bool isText = entry["kind"].asString() == "result" && entry["type"] != 10;
             if (isText && !entry["detail"].asString().empty()) {
                 lines += QString::fromStdString(entry["message"].asString() + "\n    " +
@@ -102,7 +103,8 @@ TEST_F(DisplayRun, TheServersEndIsTold) {
     const QString text = told();
     for (const char* const part :
          {"title\n", "The connection to the display ':", "has ended",
-          "click\n    The connection to the application 'survivor' has ended: ", "running\n    True"})
+          "click\n    The connection to the application 'survivor' has ended: ",
+          "running\n    True"})
         EXPECT_TRUE(text.contains(part)) << part << qPrintable(text);
 }
 

@@ -140,7 +140,13 @@ private:
             print("@line " + QByteArray::number(current().number));
         else if (command.startsWith("print variables"))
             list(command.section(' ', 2));
-        else if (word != "enableObjectNotFoundDebugging")
+        else if (word == "getInterpreterStateFor")
+            print("getInterpreterStateFor ok: " + m_script.searchState + '\n');
+        else if (word == "setInterpreterStateFor")
+            print("setInterpreterStateFor " + (m_script.searchStateError.isEmpty()
+                                                   ? "ok:"
+                                                   : "error: " + m_script.searchStateError));
+        else if (word != "enableObjectNotFoundDebugging" && word != "enableImageNotFoundDebugging")
             fail("Unknown command: " + command.toUtf8());
     }
 

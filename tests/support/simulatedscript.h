@@ -38,6 +38,9 @@ public:
     std::function<QString(const QString& code, int line)> evaluate;
     /// What "print variables" gives for a path.
     std::map<QString, QByteArray> listings;
+    /// The state of the search at which it stands, and why a new one is refused, if it is.
+    QByteArray searchState;
+    QByteArray searchStateError;
     int exitCode = 0;
 
     // What happened.

@@ -58,7 +58,7 @@ void forEachSample(const Use& use) {
     use(MessageType::Snapshot, Snapshot{target, true});
     use(MessageType::MouseEvent, MouseEvent{target, 9, -1, 2, 4, 0x02000000, true, true});
     use(MessageType::KeyEvent, KeyEvent{"Return", true});
-    use(MessageType::Highlight, Highlight{target, 100});
+    use(MessageType::Highlight, Highlight{target, 100, QRect(5, 6, 7, 8)});
     use(MessageType::NativeRequest, NativeRequest{"desktopScreenshot", arguments});
     use(MessageType::InstallHandler, EventHandler{7, "QWidget", "clicked", "callback"});
     use(MessageType::SendEvent, SendEvent{7, "QMouseEvent", arguments});

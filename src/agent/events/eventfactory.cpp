@@ -71,7 +71,8 @@ void makeWheel(Maker& maker) {
 }
 
 void makeKey(Maker& maker) {
-    const Wire::KeyCombination keys = Wire::parseKeys(maker.arguments.at(0).toString(), &maker.error);
+    const Wire::KeyCombination keys =
+        Wire::parseKeys(maker.arguments.at(0).toString(), &maker.error);
     if (keys.isEmpty())
         return;
     Qt::KeyboardModifiers modifiers;

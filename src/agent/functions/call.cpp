@@ -1,5 +1,7 @@
 #include "agent/functions/call.h"
 
+#include "base/boundedgeometry.h"
+
 namespace Tamrix::Agent {
 
 Element Call::takeObject() {
@@ -11,6 +13,14 @@ Element Call::takeObject() {
     if (!element)
         throw CallError(element.error());
     return *element;
+}
+
+bool Call::hasRectangle() const {
+    return next().userType() == QMetaType::QRect;
+}
+
+QRect Call::takeRectangle() {
+    return boundedRect(take("object").toRect());
 }
 
 ItemPath Call::takePath(const char* name) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QRect>
 #include <QWindow>
 #include <functional>
 
@@ -28,6 +29,9 @@ public:
 
     /// Throws also when the object is gone.
     Element takeObject();
+    /// Whether the next argument is a rectangle of the screen.
+    bool hasRectangle() const;
+    QRect takeRectangle();
     /// A text, or a list of steps.
     ItemPath takePath(const char* name);
 

@@ -1,4 +1,5 @@
 #include "agent/functions/functiontable.h"
+#include "agent/functions/mousetarget.h"
 #include "agent/input/activation.h"
 #include "agent/input/mousesteps.h"
 #include "wire/mousearguments.h"
@@ -8,10 +9,10 @@ namespace Tamrix::Agent {
 namespace {
 
 void clickTimes(Call& call, int count) {
-    const Element element = call.takeObject();
+    const MouseTarget target = takeMouseTarget(&call);
     const std::optional<QPoint> offset = Wire::takeOffset(&call);
     const MouseStyle style = Wire::takeMouseStyle(&call);
-    whenReady(call, element, Aim{offset, style.button},
+    whenReady(call, target, Aim{offset, style.button},
               [=](const ElementRef& ref, const QPoint& point) {
                   auto* const queue = StepQueue::create();
                   addActivation(queue, ref);
@@ -32,11 +33,11 @@ void doubleClick(Call& call) {
 }
 
 void drag(Call& call) {
-    const Element element = call.takeObject();
+    const MouseTarget target = takeMouseTarget(&call);
     const QPoint from = call.takePoint("x", "y");
     const QPoint way = call.takePoint("dx", "dy");
     const MouseStyle style = Wire::takeMouseStyle(&call);
-    whenReady(call, element, Aim{from, style.button},
+    whenReady(call, target, Aim{from, style.button},
               [=](const ElementRef& ref, const QPoint& point) {
                   auto* const queue = StepQueue::create();
                   addActivation(queue, ref);
@@ -47,10 +48,10 @@ void drag(Call& call) {
 }
 
 void hover(Call& call) {
-    const Element element = call.takeObject();
+    const MouseTarget target = takeMouseTarget(&call);
     const std::optional<QPoint> offset = Wire::takeOffset(&call);
     call.takeEnd();
-    whenReady(call, element, Aim{offset}, [=](const ElementRef& ref, const QPoint& point) {
+    whenReady(call, target, Aim{offset}, [=](const ElementRef& ref, const QPoint& point) {
         auto* const queue = StepQueue::create();
         addAnswer(queue, call);
         addMove(queue, ref, point);

@@ -58,6 +58,19 @@ void Highlight::start(const Element& element, int milliseconds) {
     m_window->setTransientParent(topLevelOf(element.toolkit->nativeWindow(element)));
     follow();
     m_followTimer.start();
+    endAfter(milliseconds);
+}
+
+void Highlight::start(const QRect& place, int milliseconds) {
+    stop();
+    auto window = std::make_unique<FrameWindow>();
+    window->frame(place);
+    window->show();
+    m_window = std::move(window);
+    endAfter(milliseconds);
+}
+
+void Highlight::endAfter(int milliseconds) {
     if (milliseconds >= 0)
         m_endTimer.start(milliseconds);
 }

@@ -14,26 +14,37 @@
 #include "agent/pictures/desktoppicture.h"
 #include "agent/pictures/highlight.h"
 #include "agent/readiness/target.h"
+#include "base/boundedgeometry.h"
 #include "vision/screenshot/screenshot.h"
+#include "wire/sharedbytes.h"
 
 namespace Tamrix::Agent {
 
 namespace {
 
-void replyPicture(const Picture& picture, const ResponderPtr& responder) {
+/// `memory` is where the receiver can read the pixels from, see SharedBytes; empty for none.
+void replyPicture(const Picture& picture, const QString& memory, const ResponderPtr& responder) {
     const QTransform transform(1 / picture.scale, 0, 0, 1 / picture.scale, picture.origin.x(),
                                picture.origin.y());
     const Screenshot screenshot(picture.image, transform, picture.density);
-    responder->replyBody(Wire::Value{screenshot.toVariant(picture.origin, picture.scale)});
+    const QVariant withoutPixels =
+        memory.isEmpty() ? QVariant()
+                         : screenshot.toVariantWithoutPixels(picture.origin, picture.scale);
+    const QImage& image = picture.image;
+    const bool isShared = withoutPixels.isValid() &&
+                          Wire::writeSharedBytes(memory, image.constBits(), image.sizeInBytes());
+    responder->replyBody(Wire::Value{
+        isShared ? withoutPixels : screenshot.toVariant(picture.origin, picture.scale)});
 }
 
-void desktopScreenshot(const QVariantList& /*arguments*/, const ResponderPtr& responder) {
+/// An argument, if there is one, is the path of the receiver's memory.
+void desktopScreenshot(const QVariantList& arguments, const ResponderPtr& responder) {
     const Picture picture = desktopPicture();
     if (picture.image.isNull())
         responder->fail(FailureKind::Failed,
                         QStringLiteral("there is no screen to take a picture of"));
     else
-        replyPicture(picture, responder);
+        replyPicture(picture, arguments.value(0).toString(), responder);
 }
 
 QVariantList numbers(const QRect& rect) {
@@ -80,7 +91,7 @@ void replyGrab(quint64 handle, const ResponderPtr& responder) {
     picture.origin = bounds.topLeft();
     picture.scale = static_cast<double>(picture.image.width()) / bounds.width();
     picture.density = picture.image.devicePixelRatio();
-    replyPicture(picture, responder);
+    replyPicture(picture, QString(), responder);
 }
 
 /// Arguments: object, flags, delay. No flags have a meaning yet. The delay is the time that the
@@ -222,6 +233,11 @@ void registerPictureHandlers(Session* session) {
     session->setBodyHandler<Wire::Highlight>(
         MessageType::Highlight,
         [highlight](const Wire::Highlight& request, const ResponderPtr& responder) {
+            if (request.target.isNothing()) {
+                highlight->start(boundedRect(request.place), request.milliseconds);
+                responder->reply();
+                return;
+            }
             whenThere(request.target, responder,
                       [highlight, responder, time = request.milliseconds](const Element& element) {
                           startHighlight(highlight, element, time, responder);

@@ -192,6 +192,33 @@ Outcome<> Debuggee::setMissingStepStops(bool on) {
                [](const QByteArray& line) { return line.startsWith("breakOnMissingStep "); });
 }
 
+Outcome<QByteArray> Debuggee::askSearch(const QByteArray& command, const QByteArray& arguments) {
+    const QByteArray okay = command + " ok:";
+    const QByteArray error = command + " error: ";
+    QByteArray answer;
+    const Outcome<> asked = ask(command + ' ' + arguments, [&](const QByteArray& line) {
+        answer = line;
+        return line.startsWith(okay) || line.startsWith(error);
+    });
+    if (!asked)
+        return fail(asked.error());
+    if (answer.startsWith(error))
+        return fail(FailureKind::Refused, QString::fromUtf8(answer.mid(error.size())));
+    return answer.mid(okay.size()).trimmed();
+}
+
+Outcome<QByteArray> Debuggee::searchState(const QByteArray& kind) {
+    return askSearch("getInterpreterStateFor", kind);
+}
+
+Outcome<> Debuggee::setSearchState(const QByteArray& kind, const QByteArray& state) {
+    const Outcome<QByteArray> answer =
+        askSearch("setInterpreterStateFor", kind + ' ' + state.toPercentEncoding());
+    if (!answer)
+        return fail(answer.error());
+    return {};
+}
+
 Outcome<std::vector<ScriptPlace>> Debuggee::callers() {
     std::vector<ScriptPlace> places;
     // A stack has no last line, so that another answer behind it tells where it ends.
@@ -212,6 +239,10 @@ void Debuggee::command(const QByteArray& line) {
 
 void Debuggee::setObjectNotFoundStops(bool on) {
     command(on ? "enableObjectNotFoundDebugging" : "enableObjectNotFoundDebugging false");
+}
+
+void Debuggee::setImageNotFoundStops(bool on) {
+    command(on ? "enableImageNotFoundDebugging" : "enableImageNotFoundDebugging false");
 }
 
 void Debuggee::resume(Resume how) {

@@ -59,6 +59,10 @@ public:
     Outcome<std::vector<Binding>> variables(const QString& path);
     /// The file in which the script stands.
     Outcome<QString> currentFile();
+    /// The state of the search that failed, as JSON; `kind` is "ImageLookup" or "FindText".
+    Outcome<QByteArray> searchState(const QByteArray& kind);
+    /// Changes it. What is wrong with the state is a failure.
+    Outcome<> setSearchState(const QByteArray& kind, const QByteArray& state);
     /// From where the function in which the script stands was called, the innermost place first.
     Outcome<std::vector<ScriptPlace>> callers();
 
@@ -67,6 +71,7 @@ public:
 
     // Commands, to a script that stands still.
     void setObjectNotFoundStops(bool on);
+    void setImageNotFoundStops(bool on);
     void resume(Resume how);
     /// Ends the run.
     void quit();
@@ -84,6 +89,8 @@ private:
     using AnswerReader = std::function<bool(const QByteArray& line)>;
     Outcome<> ask(const QByteArray& command, const AnswerReader& reader);
     Outcome<QByteArray> askBreakPoint(const QByteArray& command, const ScriptPlace& place);
+    /// What stands behind "COMMAND ok:" in the answer.
+    Outcome<QByteArray> askSearch(const QByteArray& command, const QByteArray& arguments);
     void command(const QByteArray& line);
     void takeLine(const QByteArray& line);
     void takeOutput(const QByteArray& text, Stream stream);

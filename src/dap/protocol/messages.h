@@ -350,6 +350,35 @@ struct ExceptionInfoBody {
     }
 };
 
+// Searches that failed: beyond the protocol, described in docs/debugger.md
+
+/// The script stands where a search on the screen has failed.
+struct SearchFailure {
+    /// What was searched for.
+    QString subject;
+    /// The picture that was searched, a file that is there as long as the script stands.
+    QString screenshot;
+    /// How it was searched.
+    QJsonObject state;
+
+    template <typename Self, typename Visitor>
+    static void visitFields(Self& self, Visitor& visit) {
+        visit("subject", self.subject);
+        visit("screenshot", self.screenshot);
+        visit("state", self.state);
+    }
+};
+
+struct SetSearchStateArguments {
+    /// What is to be changed of the state.
+    QJsonObject state;
+
+    template <typename Self, typename Visitor>
+    static void visitFields(Self& self, Visitor& visit) {
+        visit("state", self.state);
+    }
+};
+
 // Values
 
 struct VariablesArguments {

@@ -16,6 +16,8 @@
     DO(setExpression)               \
     DO(completions)                 \
     DO(exceptionInfo)               \
+    DO(tamrixSearch)                \
+    DO(tamrixSetSearchState)        \
     DO(source)                      \
     DO(continue)                    \
     DO(next)                        \

@@ -12,6 +12,8 @@ std::vector<ExceptionBreakpointsFilter> ExceptionFilters::offered() {
         {scriptError, "Script Errors", "Stops where an error leaves the script.", true},
         {objectNotFound, "Objects Not Found",
          "Stops where an object is looked for in vain. Continuing looks again.", false},
+        {imageNotFound, "Images Not Found",
+         "Stops where an image is searched for in vain. Continuing searches again.", false},
         {missingStep, "Missing Steps",
          "Stops at a step of a feature file without a definition. Continuing loads what has been "
          "written and looks again.",
@@ -34,6 +36,7 @@ Outcome<> ExceptionFilters::choose(const std::vector<QString>& names) {
 
 Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const {
     debuggee.setObjectNotFoundStops(stopsAtMissingObjects());
+    debuggee.setImageNotFoundStops(stopsAtMissingImages());
     if (const Outcome<> set = debuggee.setMissingStepStops(isOn(missingStep)); !set)
         return set;
     struct Switch {
@@ -43,6 +46,7 @@ Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const
     const Switch switches[] = {
         {"breakOnFailure", stopsAtFailedVerdicts()},
         {"objectNotFoundDebugging", stopsAtMissingObjects()},
+        {"imageNotFoundDebugging", stopsAtMissingImages()},
     };
     for (const Switch& each : switches) {
         const Outcome<QString> set = debuggee.evaluate(switchCode(file, each.setting, each.on));

@@ -20,6 +20,7 @@ public:
     bool stopsAtFailedVerdicts() const { return isOn(failedVerdict); }
     bool stopsAtScriptErrors() const { return isOn(scriptError); }
     bool stopsAtMissingObjects() const { return isOn(objectNotFound); }
+    bool stopsAtMissingImages() const { return isOn(imageNotFound); }
 
     /// Tells the debugger, in a script that stands still in this file.
     Outcome<> apply(Debuggee& debuggee, const QString& file) const;
@@ -28,6 +29,7 @@ private:
     static constexpr char failedVerdict[] = "failedVerdict";
     static constexpr char scriptError[] = "scriptError";
     static constexpr char objectNotFound[] = "objectNotFound";
+    static constexpr char imageNotFound[] = "imageNotFound";
     static constexpr char missingStep[] = "missingStep";
 
     bool isOn(const char* name) const;

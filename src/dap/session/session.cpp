@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <algorithm>
 
 #include "base/overloaded.h"
@@ -20,6 +21,15 @@ QString resultText(const ResultTold& result) {
     if (!result.detail.isEmpty())
         text += QLatin1String(": ") + result.detail;
     return text + QLatin1Char('\n');
+}
+
+/// The name that the debugger has for the kind of search; empty for a stop that is due to none.
+QByteArray searchKind(const std::optional<Stop>& stop) {
+    if (stop && stop->kind == StopKind::ImageNotFound)
+        return "ImageLookup";
+    if (stop && stop->kind == StopKind::TextNotFound)
+        return "FindText";
+    return {};
 }
 
 }  // namespace
@@ -233,6 +243,27 @@ void Session::report(const ReportedStop& stop) {
     if (!stop.hitBreakPoints.empty())
         event.hitBreakpointIds = stop.hitBreakPoints;
     m_client.send("stopped", event);
+    if (const Outcome<SearchFailure> search = searchFailure())
+        m_client.send("tamrixSearchFailed", *search);
+}
+
+Outcome<SearchFailure> Session::searchFailure() {
+    const QByteArray kind = searchKind(m_stop);
+    if (!m_debuggee || !m_reported || kind.isEmpty())
+        return fail(FailureKind::NotReady,
+                    QStringLiteral("the script does not stand at a search that failed"));
+    const Outcome<QByteArray> state = m_debuggee->searchState(kind);
+    if (!state)
+        return fail(state.error());
+    return SearchFailure{m_stop->subject, m_stop->detail, QJsonDocument::fromJson(*state).object()};
+}
+
+Outcome<> Session::setSearchState(const QJsonObject& state) {
+    const Outcome<SearchFailure> search = searchFailure();
+    if (!search)
+        return fail(search.error());
+    return m_debuggee->setSearchState(searchKind(m_stop),
+                                      QJsonDocument(state).toJson(QJsonDocument::Compact));
 }
 
 void Session::forgetStop() {

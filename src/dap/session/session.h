@@ -74,6 +74,10 @@ public:
     Outcome<std::vector<StackFrame>> stack();
     /// The stop that the client sees; null while the script runs.
     const ReportedStop* reportedStop() const { return m_reported ? &*m_reported : nullptr; }
+    /// The search at which the script stands; a failure when it stands at none.
+    Outcome<SearchFailure> searchFailure();
+    /// Changes how it is made once more when the script goes on.
+    Outcome<> setSearchState(const QJsonObject& state);
     /// What is evaluated sees the function in which the script stands; another frame is a failure.
     Outcome<Debuggee*> debuggeeAt(const std::optional<int>& frameId);
     Values& values() { return m_values; }

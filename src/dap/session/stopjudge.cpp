@@ -85,7 +85,9 @@ StopJudgement StopJudge::judgeInterrupted(const Stop& stop, Debuggee& debuggee) 
 }
 
 std::optional<ReportedStop> StopJudge::judgeNotFound(const Stop& stop) const {
-    if (stop.kind == StopKind::ObjectNotFound && !m_filters.stopsAtMissingObjects())
+    // Switched off since the search began.
+    if ((stop.kind == StopKind::ObjectNotFound && !m_filters.stopsAtMissingObjects()) ||
+        (stop.kind == StopKind::ImageNotFound && !m_filters.stopsAtMissingImages()))
         return std::nullopt;
     for (const NotFoundText& text : notFoundTexts) {
         if (text.kind == stop.kind)

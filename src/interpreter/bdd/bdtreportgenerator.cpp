@@ -63,8 +63,9 @@ void BDTReportGenerator::errorInStep(const Gherkin::Step& step,
             m_logger->addResult(
                 TestResult::Error, QLatin1String(noStepDefinition),
                 QString::fromStdString(step.text), std::vector<LineInfo>{location(step.line)},
-                message.isEmpty() ? QString()
-                                  : QStringLiteral("A definition could begin so:\n") + message);
+                message.isEmpty()
+                    ? QString()
+                    : QStringLiteral("A definition could begin so:\n") + message.trimmed());
             break;
         case Kind::SeveralMatches:
             addError(QLatin1String(severalStepDefinitions), message, location(step.line));

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/objectarguments.h"
@@ -18,7 +19,7 @@ using Vision::SearchRegionSource;
 
 namespace {
 
-using Argument = SharedPtr<ScriptArgument>;
+using ScriptValue = SharedPtr<ScriptArgument>;
 
 /// Throws unless the condition holds.
 void require(bool condition, const std::string& message) {
@@ -45,49 +46,65 @@ auto readerOf(const Readers& readers, const Key& key) {
     return found == std::end(readers) ? nullptr : found;
 }
 
+/// The value as the script's language has it. JSON's own form is that of most languages.
+QString literal(const Json::Value& value) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    builder["precision"] = 9;
+    QString text = QString::fromStdString(Json::writeString(builder, value));
+    const Interpreter* const interpreter = Interpreter::self();
+    if (value.isObject() && interpreter && interpreter->language() == Interpreter::Python) {
+        // Only options have such values, and no option is a text.
+        text.replace(QLatin1String(":true"), QLatin1String(":True"))
+            .replace(QLatin1String(":false"), QLatin1String(":False"));
+    }
+    return text;
+}
+
 // The options of a call
 
-bool boolOf(const Argument& value, const char* key) {
+bool boolOf(const ScriptValue& value, const char* key) {
     require(value->isBool(), std::string(key) + " must be a boolean");
     return value->toBool();
 }
 
-double numberOf(const Argument& value, const char* key) {
+double numberOf(const ScriptValue& value, const char* key) {
     require(value->isNumber(), std::string(key) + " must be a number");
     return value->toDouble();
 }
 
-constexpr Reader<Argument> optionReaders[] = {
+constexpr Reader<ScriptValue> optionReaders[] = {
     // Meant: negative times pass. They mean that nothing is waited for.
     {"timeout",
-     [](FindImageDebugger& search, const Argument& value, const char*) {
+     [](FindImageDebugger& search, const ScriptValue& value, const char*) {
          search.timeout = intOf(value);
          require(search.timeout != 0, "Timeout must be a positive integer");
      }},
     {"interval",
-     [](FindImageDebugger& search, const Argument& value, const char*) {
+     [](FindImageDebugger& search, const ScriptValue& value, const char*) {
          search.interval = intOf(value);
          require(search.interval != 0, "Interval must be a positive integer");
      }},
     {"occurrence",
-     [](FindImageDebugger& search, const Argument& value, const char*) {
+     [](FindImageDebugger& search, const ScriptValue& value, const char*) {
          search.occurrence = intOf(value);
          require(search.occurrence > 0, "Occurrence must be a positive integer");
      }},
-    {"tolerant", [](FindImageDebugger& search, const Argument& value,
+    {"tolerant", [](FindImageDebugger& search, const ScriptValue& value,
                     const char* key) { search.options.setTolerant(boolOf(value, key)); }},
-    {"multiscale", [](FindImageDebugger& search, const Argument& value,
+    {"multiscale", [](FindImageDebugger& search, const ScriptValue& value,
                       const char* key) { search.options.setMultiscale(boolOf(value, key)); }},
-    {"saveScreenshots", [](FindImageDebugger& search, const Argument& value,
+    {"saveScreenshots", [](FindImageDebugger& search, const ScriptValue& value,
                            const char* key) { search.saveScreenshots = boolOf(value, key); }},
     // Meant: no range is checked here, unlike in JSON.
-    {"threshold", [](FindImageDebugger& search, const Argument& value,
+    {"threshold", [](FindImageDebugger& search, const ScriptValue& value,
                      const char* key) { search.options.setThreshold(numberOf(value, key)); }},
-    {"minScale", [](FindImageDebugger& search, const Argument& value,
+    {"minScale", [](FindImageDebugger& search, const ScriptValue& value,
                     const char* key) { search.options.setMinScaleFactor(numberOf(value, key)); }},
-    {"maxScale", [](FindImageDebugger& search, const Argument& value,
+    {"maxScale", [](FindImageDebugger& search, const ScriptValue& value,
                     const char* key) { search.options.setMaxScaleFactor(numberOf(value, key)); }},
-    {"message", [](FindImageDebugger& search, const Argument& value,
+    {"message", [](FindImageDebugger& search, const ScriptValue& value,
                    const char*) { search.message = value->toString(); }},
 };
 
@@ -144,8 +161,8 @@ constexpr Reader<Json::Value> stateReaders[] = {
 
 }  // namespace
 
-FindImageDebugger::FindImageDebugger(RunnerInterface* runner, const Argument& image,
-                                     const Argument& optionMap, const Argument& region)
+FindImageDebugger::FindImageDebugger(RunnerInterface* runner, const ScriptValue& image,
+                                     const ScriptValue& optionMap, const ScriptValue& region)
     : timeout(TestSettingsType::s_waitForObjectTimeout),
       m_runner(runner),
       m_fixTarget(runner->imageSearchFixTarget()) {
@@ -189,6 +206,21 @@ void FindImageDebugger::setState(const Json::Value& state) {
             unknown.append(QString::fromStdString(key));
     }
     requireNoUnknown(unknown);
+}
+
+QString FindImageDebugger::callText(const QString& function) const {
+    Json::Value arguments = options.toJson();
+    if (occurrence != 1)
+        arguments["occurrence"] = occurrence;
+    QStringList texts = {literal(imageName.toStdString())};
+    const Json::Value region = source->toJson();
+    // A rectangle or a picture is a value of the script's own.
+    const bool hasName = region.isString() || region.isArray();
+    if (!arguments.empty() || hasName)
+        texts += literal(arguments);
+    if (hasName)
+        texts += literal(region);
+    return QStringLiteral("%1(%2)").arg(function, texts.join(QStringLiteral(", ")));
 }
 
 ImageLookupOptions FindImageDebugger::effectiveOptions() const {

@@ -32,6 +32,10 @@ public:
     /// when all others have been taken.
     void setState(const Json::Value& state) override;
 
+    /// The call that makes the search as it is now, in the language of the script: what a person
+    /// has changed in the debugger is to be written there.
+    QString callText(const QString& function) const;
+
     /// The options of the call over those of the suite.
     Vision::ImageLookupOptions effectiveOptions() const;
 

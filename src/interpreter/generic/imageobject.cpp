@@ -8,11 +8,11 @@
 
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/imagearguments.h"
-#include "interpreter/generic/imagefiles.h"
 #include "interpreter/generic/imageobjects.h"
 #include "interpreter/generic/objectarguments.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/valueobject.h"
+#include "vision/search/picturefile.h"
 
 namespace Tamrix {
 
@@ -255,7 +255,7 @@ bool save(Self self, ScriptContext* context) {
     if (path.isEmpty())
         return refuse(context, QStringLiteral("Cannot save image file: No file name specified"));
     const Outcome<> written =
-        writeImageFile(imageOf(self), path, QFileInfo(path).suffix().toLatin1());
+        Vision::writePicture(imageOf(self), path, QFileInfo(path).suffix().toLatin1());
     if (!written)
         return refuse(context, written.error().text);
     context->setNullResult();

@@ -99,6 +99,7 @@ private:
     void setNotFoundError(const QImage& screenshot);
     bool finishFound();
 
+    QString callText() const { return m_search.callText(QLatin1String(m_kind.function)); }
     QString notFoundText() const;
     ImageSearchRecord record() const;
 
@@ -114,6 +115,8 @@ private:
     QStringList m_files;
     SearchArea m_area;
     QRect m_place;
+    /// Somebody has changed the search in the debugger.
+    bool m_isChanged = false;
 };
 
 bool ImageSearch::run() {
@@ -229,8 +232,10 @@ ImageSearch::Round ImageSearch::handleMissing() {
     }
     // 2. Somebody may put it right while the script stands still. The time goes on.
     const QImage screenshot = prepareErrorScreenshot(m_area, m_search);
+    const QString callBefore = callText();
     if (stopForMissingImage(m_search.imageName, target, screenshot)) {
         m_cache.reset();
+        m_isChanged = m_isChanged || callText() != callBefore;
         return Round::Again;
     }
     // 3. The error.
@@ -297,6 +302,8 @@ bool ImageSearch::finishFound() {
                             (reason.isEmpty() ? QStringLiteral("Unknown error") : reason));
         return false;
     }
+    if (m_isChanged && Debugger::self())
+        Debugger::self()->notify(QStringLiteral("imageSearchCall"), callText());
     place->setFoundAs(QStringLiteral("image '%1'").arg(m_search.imageName));
     m_context->setObjectResult(place);
     return true;

@@ -1,11 +1,13 @@
 #include "interpreter/generic/inputfunctions.h"
 
+#include "base/boundedgeometry.h"
 #include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/runnerinterface.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/generic/objectarguments.h"
 #include "interpreter/generic/runneraccess.h"
 #include "platform/objectmodel/inspector.h"
+#include "platform/objectmodel/valueobject.h"
 
 namespace Tamrix {
 
@@ -125,6 +127,21 @@ bool readMouseArguments(ScriptContext* context, bool buttonChange, MouseArgument
     return true;
 }
 
+/// A rectangle of the screen as the target means a point of the screen.
+void turnRectangleIntoPoint(MouseArguments* mouse) {
+    if (!isScreenRectangle(mouse->target))
+        return;
+    const QRect place = unwrapRemoteScreenRectangleAsQRect(mouse->target);
+    const bool hasOffset = (mouse->mask & WithCoordinates) != 0;
+    const QPoint point = hasOffset
+                             ? boundedPoint(QPointF(place.topLeft()) + QPointF(mouse->x, mouse->y))
+                             : place.center();
+    mouse->target = {};
+    mouse->mask = WithCoordinates;
+    mouse->x = point.x();
+    mouse->y = point.y();
+}
+
 enum class MouseAction { Press, Release, Move };
 
 void mouseAction(ScriptContext* context, const char* function, MouseAction action) {
@@ -136,6 +153,7 @@ void mouseAction(ScriptContext* context, const char* function, MouseAction actio
     RunnerInterface* const runner = runnerFor(function);
     if (!runner)
         return;
+    turnRectangleIntoPoint(&mouse);
     // 4. The runner moves the mouse.
     if (runner->mouseEvent(mouse.target, mouse.mask, mouse.x, mouse.y, mouse.button,
                            mouse.modifiers, buttonChange, action == MouseAction::Press))

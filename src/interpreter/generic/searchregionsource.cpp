@@ -50,11 +50,6 @@ bool isFilteredOut(const Object& object) {
 
 }  // namespace
 
-bool isScreenRectangle(const SharedPtr<Object>& object) {
-    const Class* const rectangleClass = objectModelScreenRectangleClass();
-    return object && rectangleClass && object->isA(rectangleClass);
-}
-
 QRect getSearchRect(RunnerInterface* runner, const SharedPtr<Object>& object) {
     if (isScreenRectangle(object))
         return unwrapRemoteScreenRectangleAsQRect(object);

@@ -143,8 +143,6 @@ private:
     QList<QSharedPointer<SearchRegionSource>> m_members;
 };
 
-/// Whether the object is of the class of what globalBounds() and searches give.
-TAMRIX_EXPORT bool isScreenRectangle(const SharedPtr<Object>& object);
 /// Where the object is, in native coordinates: a screen rectangle itself, else what the runner
 /// says.
 TAMRIX_EXPORT QRect getSearchRect(RunnerInterface* runner, const SharedPtr<Object>& object);

@@ -10,6 +10,7 @@
 #include "interpreter/generic/runneraccess.h"
 #include "interpreter/generic/testfunctions.h"
 #include "platform/testresult/testresult.h"
+#include "vision/search/picturefile.h"
 
 namespace Tamrix {
 
@@ -210,7 +211,7 @@ void testAttachImage(ScriptContext* context) {
     if (!target)
         return context->setError(target.error().text);
     // 4. The file.
-    const Outcome<> written = writeImageFile(picture->image, *target, "PNG");
+    const Outcome<> written = Vision::writePicture(picture->image, *target, "PNG");
     if (!written)
         return context->setError("Error writing image file: " + written.error().text);
     // 5. The result.

@@ -18,6 +18,11 @@ const Class* objectModelScreenRectangleClass() {
     return Inspector::self()->model() ? ValueObject::valueClass(screenRectangleName()) : nullptr;
 }
 
+bool isScreenRectangle(const SharedPtr<Object>& object) {
+    const Class* const rectangleClass = objectModelScreenRectangleClass();
+    return object && rectangleClass && object->isA(rectangleClass);
+}
+
 QRect unwrapRemoteScreenRectangleAsQRect(SharedPtr<Object> object) {
     const auto* const value = dynamic_cast<const ValueObject*>(object.get());
     if (!value || (value->className() != screenRectangleName() &&

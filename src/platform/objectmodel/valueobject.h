@@ -49,6 +49,8 @@ TAMRIX_EXPORT QVariant argumentValue(const SharedPtr<Object>& object);
 
 /// The class of screen rectangles, null when no application is connected.
 TAMRIX_EXPORT const Class* objectModelScreenRectangleClass();
+/// Whether the object is one of that class: what globalBounds() and searches give.
+TAMRIX_EXPORT bool isScreenRectangle(const SharedPtr<Object>& object);
 /// The rectangle behind an object of class "ScreenRectangle", "QRect" or, rounded, "QRectF"; an
 /// invalid rectangle for any other.
 TAMRIX_EXPORT QRect unwrapRemoteScreenRectangleAsQRect(SharedPtr<Object> object);

@@ -354,7 +354,8 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     if (result.isEcho)
         object.insert(QStringLiteral("echo"), true);
     insertText(object, "comment", shown(commentText(result)));
-    insertText(object, "skipped", shown(result.skipped));
+    if (!isCaseSkip(result))
+        insertText(object, "skipped", shown(result.skipped));
     // A difference may lie in the line ends.
     insertText(object, "explanation", escapedForTerminal(result.explanation));
     addStack(object, result.callStack);

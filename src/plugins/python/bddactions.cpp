@@ -55,9 +55,13 @@ QString BddActions::prepare(const QString& featureFile) {
     return m_files.load(featureFile);
 }
 
-Result BddActions::lookupAndExecuteStep(const Gherkin::Step& step) {
+void BddActions::noticeKeyword(const Gherkin::Step& step) {
     if (step.type != Gherkin::KeywordType::Conjunction)
         m_keywordType = step.type;
+}
+
+Result BddActions::lookupAndExecuteStep(const Gherkin::Step& step) {
+    noticeKeyword(step);
     Result result;
     result.location = {m_featureFile.toStdString(), step.line};
     std::vector<BddRegistry::Match> matches;
@@ -105,6 +109,7 @@ Result BddActions::execute(const Gherkin::Step& step, const BddRegistry::Match& 
 }
 
 std::vector<Gherkin::StepMatch> BddActions::findStep(const Gherkin::Step& step) {
+    noticeKeyword(step);
     std::vector<Gherkin::StepMatch> found;
     for (const BddRegistry::Match& match : m_registry.find(step.text))
         found.push_back(stepMatch(match));
@@ -119,8 +124,8 @@ std::vector<Gherkin::ScriptActions::Definition> BddActions::definitions() {
 }
 
 std::string BddActions::snippet(const Gherkin::Step& step) {
-    return stepSnippet(step,
-                       step.type == Gherkin::KeywordType::Conjunction ? m_keywordType : step.type);
+    noticeKeyword(step);
+    return stepSnippet(step, m_keywordType);
 }
 
 void BddActions::reload() {

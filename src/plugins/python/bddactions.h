@@ -37,6 +37,7 @@ public:
 private:
     Gherkin::LookupAndExecuteStepResult execute(const Gherkin::Step& step,
                                                 const BddRegistry::Match& match);
+    void noticeKeyword(const Gherkin::Step& step);
     void enterScope(Gherkin::HookType type, const Gherkin::HookSubject& subject);
 
     PythonInterpreter& m_interpreter;

@@ -119,6 +119,20 @@ QString BddStepFiles::load(const QString& featureFile) {
     return {};
 }
 
+void BddStepFiles::clear() {
+    PyObject* const modules = PyImport_GetModuleDict();
+    try {
+        for (auto loaded = m_loaded.cbegin(); loaded != m_loaded.cend(); ++loaded) {
+            const PyRef name = checked(toPyString(moduleName(loaded.key())).release());
+            if (PyDict_Contains(modules, name.get()) == 1)
+                checked(PyDict_DelItem(modules, name.get()));
+        }
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+    }
+    m_loaded.clear();
+}
+
 QString BddStepFiles::loadChanged() {
     for (const QString& path : files()) {
         const auto loaded = m_loaded.constFind(path);

@@ -25,7 +25,8 @@ public:
     QString load(const QString& featureFile);
     /// The same for those that are new or have changed.
     QString loadChanged();
-    void clear() { m_loaded.clear(); }
+    /// Forgets them, also as modules: the next test case loads its own.
+    void clear();
 
 private:
     /// How a file was when it was loaded.

@@ -101,8 +101,11 @@ class RemoteSystem:
 
         Gives a dictionary with "exitcode", "stdout" and "stderr". Options: "timeout" in seconds
         (30), "clearenv" (False), "encoding" ("UTF-8"), "keepLineEnding" (False)."""
+        if not isinstance(command, str):
+            command = [_os.fspath(word) if isinstance(word, _os.PathLike) else word
+                       for word in command]
         result = dict(_tamrix_remote_execute_command(
-            self._open(), list(command), _os.fspath(cwd), {} if env is None else dict(env),
+            self._open(), command, _os.fspath(cwd), {} if env is None else dict(env),
             {} if options is None else dict(options)))
         result["exitcode"] = int(result["exitcode"])
         return result

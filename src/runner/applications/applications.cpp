@@ -34,8 +34,8 @@ constexpr char withoutAgent[] =
     "; with hook=\"none\" in config.xml it is driven by its windows, pictures, mouse and keys";
 
 Failure interruptedStart(const StartedProgram& program) {
-    return {FailureKind::Failed, QStringLiteral("the run was interrupted while '%1' started")
-                                     .arg(program.start().name)};
+    return {FailureKind::Failed,
+            QStringLiteral("the run was interrupted while '%1' started").arg(program.start().name)};
 }
 
 }  // namespace

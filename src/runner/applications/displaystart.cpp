@@ -86,8 +86,8 @@ Outcome<std::unique_ptr<Access>> DisplayStart::look() {
     const Outcome<Display::WindowList> windows = Display::listWindows(*m_connection, isOwn);
     if (!windows)
         return fail(windows.error());
-    const auto shown = std::find_if(
-        windows->begin(), windows->end(), [&](const Display::WindowFacts& window) {
+    const auto shown =
+        std::find_if(windows->begin(), windows->end(), [&](const Display::WindowFacts& window) {
             // At the start, one of whose process nothing is known is likely another's.
             return window.isVisible && window.pid > 0 && isOwn(window.pid);
         });

@@ -7,7 +7,7 @@ namespace Tamrix {
 
 const QList<const Launcher*>& Launcher::all() {
     static const QList<const Launcher*> s_launchers = {&pluginLauncher(), &preloadLauncher(),
-                                                        &noneLauncher()};
+                                                       &noneLauncher()};
     return s_launchers;
 }
 

@@ -12,11 +12,12 @@ public:
     void prepare(ProgramStart* start, const AgentAddress& /*address*/) const override {
         // Toolkits that could appear elsewhere appear on the X display. What the start says counts
         // more.
-        start->environment = ProgramEnvironment{{QStringLiteral("WAYLAND_DISPLAY"), QString()},
-                                                {QStringLiteral("GDK_BACKEND"), QStringLiteral("x11")},
-                                                {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")},
-                                                {QStringLiteral("SDL_VIDEODRIVER"), QStringLiteral("x11")}} +
-                             start->environment;
+        start->environment =
+            ProgramEnvironment{{QStringLiteral("WAYLAND_DISPLAY"), QString()},
+                               {QStringLiteral("GDK_BACKEND"), QStringLiteral("x11")},
+                               {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")},
+                               {QStringLiteral("SDL_VIDEODRIVER"), QStringLiteral("x11")}} +
+            start->environment;
     }
 };
 

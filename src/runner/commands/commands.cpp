@@ -14,6 +14,7 @@
     DO(attachable)                  \
     DO(findImage)                   \
     DO(findText)                    \
+    DO(cut)                         \
     DO(dap)                         \
     DO(data)                        \
     DO(vp)

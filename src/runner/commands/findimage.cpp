@@ -14,7 +14,6 @@
 #include "runner/commands/picturefiles.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
 #include "vision/search/placescore.h"

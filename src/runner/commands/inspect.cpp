@@ -41,8 +41,8 @@ Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
     settings.launcher = Launcher::find(values.constLast());
     if (settings.launcher)
         return {};
-    return wrongUsage(QStringLiteral("--hook takes %1, not '%2'")
-                          .arg(Launcher::namesText(), values.constLast()));
+    return wrongUsage(
+        QStringLiteral("--hook takes %1, not '%2'").arg(Launcher::namesText(), values.constLast()));
 }
 
 Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
@@ -162,7 +162,8 @@ Command inspectCommand() {
           CommandSyntax::anyNumber, CommandTail::Program},
          {displayOption(&InspectSettings::display),
           {"hook", "NAME",
-           "How the program is reached, as in config.xml: %1, preload, or none for one without agent.",
+           "How the program is reached, as in config.xml: %1, preload, or none for one without "
+           "agent.",
            "plugin", readHook},
           {"json", nullptr, "Prints JSON.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Json)},

@@ -2,19 +2,15 @@
 
 #include <json/json.h>
 
-#include <QBuffer>
 #include <QFileInfo>
-#include <QImageReader>
-#include <QImageWriter>
-#include <QSaveFile>
 #include <algorithm>
 #include <stdexcept>
 
-#include "base/filewriting.h"
 #include "base/nativebytes.h"
 #include "runner/commands/option.h"
 #include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
+#include "vision/search/picturefile.h"
 
 namespace Tamrix {
 
@@ -25,14 +21,10 @@ void giveUpOnPicture(const QString& text) {
 }
 
 Picture loadPicture(const QString& file) {
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    const QImage image = reader.read();
-    if (image.isNull()) {
-        giveUpOnPicture(
-            QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
-    }
-    return {file, Vision::searchable(image)};
+    const Outcome<QImage> image = Vision::readPicture(file);
+    if (!image)
+        giveUpOnPicture(image.error().text);
+    return {file, Vision::searchable(*image)};
 }
 
 Outcome<SearchRegion> readRegionOption(const QString& value) {
@@ -63,23 +55,13 @@ void storeFramed(const QString& file, const QImage& picture, const QList<QRect>&
     for (const QRect& rectangle : rectangles)
         Vision::drawFrame(&image, rectangle);
 
-    const auto failWithReason = [&](const QString& reason) {
-        giveUpOnPicture(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
-    };
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly))
-        failWithReason(output.errorString());
     const QString suffix = QFileInfo(file).suffix();
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
-    if (!writer.write(image))
-        failWithReason(writer.errorString());
-    QString reason;
-    if (!writeAll(&output, bytes.data(), &reason))
-        failWithReason(reason);
-    if (!output.commit())
-        failWithReason(output.errorString());
+    const Outcome<> written =
+        Vision::writePicture(image, file, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
+    if (!written) {
+        giveUpOnPicture(QStringLiteral("the picture '%1' can't be written: %2")
+                            .arg(file, written.error().text));
+    }
 }
 
 QByteArray jsonText(const Json::Value& value) {

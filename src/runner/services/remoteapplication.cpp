@@ -34,6 +34,12 @@ Outcome<ApplicationStart> remoteApplication(const QString& text, const SshTarget
     Relay::RemoteProgram program{target, {}, {}};
     const QString first = words->takeFirst();
     if (const ConfiguredApplication* const known = findConfigured(places, first)) {
+        if (!known->launcher->bringsAgent()) {
+            return fail(FailureKind::Refused,
+                        QStringLiteral("application '%1' has hook=\"%2\" in %3: without an agent "
+                                       "it can be driven on this machine only")
+                            .arg(known->name, known->launcher->name(), places.configFile));
+        }
         start.name = known->name;
         program.start.words = QStringList{known->path} + known->arguments + *words;
         program.start.environment = known->environment;

@@ -109,8 +109,8 @@ QList<Match> GenericResult::getMatches(const QStringList& parts, Qt::CaseSensiti
 }
 
 /// The next words that are the next parts, with both iterators behind what was taken.
-QList<Word> GenericResult::nextMatchPart(PartIterator& part, PartIterator partEnd,
-                                         WordIterator& word, WordIterator wordEnd,
+QList<Word> GenericResult::nextMatchPart(PartIterator& part, const PartIterator& partEnd,
+                                         WordIterator& word, const WordIterator& wordEnd,
                                          Qt::CaseSensitivity cs) const {
     const auto fits = [&] {
         return word->text.compare(*part, cs) == 0 && m_searchRegion.contains(word->rect);
@@ -149,9 +149,9 @@ bool GenericResult::continues(const QList<Word>& taken, const QList<Word>& words
 
 /// Adds the matches that begin with what was taken and go on in the lines from `line` on: any of
 /// them, however far away, since other text may stand between.
-void GenericResult::getSubMatches(const QList<Word>& taken, PartIterator part, PartIterator partEnd,
-                                  LineIterator line, Qt::CaseSensitivity cs,
-                                  QList<Match>& matches) const {
+void GenericResult::getSubMatches(const QList<Word>& taken, const PartIterator& part,
+                                  const PartIterator& partEnd, LineIterator line,
+                                  Qt::CaseSensitivity cs, QList<Match>& matches) const {
     for (; line != m_lines.cend(); ++line) {
         auto word = line->cbegin();
         while (word != line->cend()) {

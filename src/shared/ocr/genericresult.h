@@ -35,10 +35,11 @@ private:
     using LineIterator = QList<Line>::const_iterator;
 
     QList<Match> getMatches(const QStringList& parts, Qt::CaseSensitivity cs) const;
-    QList<Word> nextMatchPart(PartIterator& part, PartIterator partEnd, WordIterator& word,
-                              WordIterator wordEnd, Qt::CaseSensitivity cs) const;
-    void getSubMatches(const QList<Word>& taken, PartIterator part, PartIterator partEnd,
-                       LineIterator line, Qt::CaseSensitivity cs, QList<Match>& matches) const;
+    QList<Word> nextMatchPart(PartIterator& part, const PartIterator& partEnd, WordIterator& word,
+                              const WordIterator& wordEnd, Qt::CaseSensitivity cs) const;
+    void getSubMatches(const QList<Word>& taken, const PartIterator& part,
+                       const PartIterator& partEnd, LineIterator line, Qt::CaseSensitivity cs,
+                       QList<Match>& matches) const;
     bool continues(const QList<Word>& taken, const QList<Word>& words) const;
 
     QList<Line> m_lines;

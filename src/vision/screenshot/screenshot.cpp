@@ -18,6 +18,12 @@ const QString transformKey = QStringLiteral("transform");
 const QString densityKey = QStringLiteral("density");
 const QString originKey = QStringLiteral("origin");
 const QString scaleKey = QStringLiteral("scale");
+const QString pixelsKey = QStringLiteral("pixels");
+// In "pixels".
+const QString widthKey = QStringLiteral("width");
+const QString heightKey = QStringLiteral("height");
+const QString formatKey = QStringLiteral("format");
+const QString bytesKey = QStringLiteral("bytes");
 
 constexpr int transformSize = 6;
 /// Speed is what counts between two processes of one machine.
@@ -62,6 +68,29 @@ QVariantMap withImage(const QVariant& image, const Screenshot& screenshot) {
     return {{imageKey, image},
             {transformKey, QVariantList{m.m11(), m.m12(), m.m21(), m.m22(), m.dx(), m.dy()}},
             {densityKey, screenshot.density()}};
+}
+
+/// The formats whose rows stand behind each other without gaps.
+bool isFormatOf32Bits(int format) {
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32 ||
+           format == QImage::Format_ARGB32_Premultiplied;
+}
+
+/// The image over the bytes themselves, which live as long as it does. Null for damaged ones.
+QImage imageFromPixels(const QVariantMap& pixels) {
+    constexpr int bytesPerPixel = 4;
+    const int width = pixels.value(widthKey).toInt();
+    const int height = pixels.value(heightKey).toInt();
+    const int format = pixels.value(formatKey).toInt();
+    const QByteArray bytes = pixels.value(bytesKey).toByteArray();
+    if (width <= 0 || height <= 0 || width > Vision::maxImageBytes / bytesPerPixel ||
+        !isFormatOf32Bits(format) || qint64(width) * height * bytesPerPixel != bytes.size())
+        return {};
+    const auto release = [](void* owner) { delete static_cast<QByteArray*>(owner); };
+    auto* const owner = new QByteArray(bytes);
+    const auto* const bits = reinterpret_cast<const uchar*>(owner->constData());
+    return QImage(bits, width, height, width * bytesPerPixel, static_cast<QImage::Format>(format),
+                  release, owner);
 }
 
 QImage imageFromBmp(const QByteArray& data) {
@@ -109,6 +138,8 @@ Screenshot Screenshot::fromVariant(const QVariant& variant) {
     // 3. The density.
     const double density = map.value(densityKey, 1.0).toDouble();
     // 4. The image, which within a process is there as it is.
+    if (map.contains(pixelsKey))
+        return Screenshot(imageFromPixels(map.value(pixelsKey).toMap()), transform, density);
     const QVariant image = map.value(imageKey);
     if (image.userType() == QMetaType::QImage)
         return Screenshot(image.value<QImage>(), transform, density);
@@ -127,6 +158,19 @@ QVariant Screenshot::toVariant() const {
 
 QVariant Screenshot::toLocalVariant() const {
     return m_image.isNull() ? QVariant() : withImage(m_image, *this);
+}
+
+QVariant Screenshot::toVariantWithoutPixels(QPoint origin, double scale) const {
+    if (m_image.isNull() || !isFormatOf32Bits(m_image.format()))
+        return {};
+    QVariantMap map = toLocalVariant().toMap();
+    map.remove(imageKey);
+    map.insert(pixelsKey, QVariantMap{{widthKey, m_image.width()},
+                                      {heightKey, m_image.height()},
+                                      {formatKey, static_cast<int>(m_image.format())}});
+    map.insert(originKey, origin);
+    map.insert(scaleKey, scale);
+    return map;
 }
 
 QVariant Screenshot::toVariant(QPoint origin, double scale) const {

@@ -41,8 +41,8 @@ public:
     static Screenshot fromBmpZipData(const QByteArray& data, const QTransform& transform,
                                      double density);
 
-    /// Reads what toVariant() or toLocalVariant() made. What is missing has the default. The sender answers for a
-    /// "transform" of six finite numbers; any other list counts as the identity.
+    /// Reads what toVariant() or toLocalVariant() made. What is missing has the default. The sender
+    /// answers for a "transform" of six finite numbers; any other list counts as the identity.
     static Screenshot fromVariant(const QVariant& variant);
     /// A map: "image" is the image as BMP, compressed by qCompress(); "transform" a list of six
     /// numbers m11, m12, m21, m22, dx, dy; "density" a number. Invalid for a null image.
@@ -50,6 +50,10 @@ public:
     /// The same with "origin", the native position of the image's top-left corner, and "scale",
     /// image pixels for each native unit, for receivers that use raw().
     QVariant toVariant(QPoint origin, double scale) const;
+    /// The same for receivers that get the pixels in another way: "pixels" is a map with the
+    /// "width", "height" and "format" of an image whose pixels have 32 bits, to which the receiver
+    /// adds them as "bytes". Invalid for an image of any other format.
+    QVariant toVariantWithoutPixels(QPoint origin, double scale) const;
     /// The same as toVariant() for receivers in this process: "image" is the image itself, whose
     /// pixels are shared.
     QVariant toLocalVariant() const;

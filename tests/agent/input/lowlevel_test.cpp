@@ -198,6 +198,50 @@ TEST_P(LowLevelTest, TellsTheWindowsAndTheLastPress) {
     EXPECT_EQ(layout()["lastPress"], QVariant(QVariantList{press.x(), press.y()}));
 }
 
+TEST_P(LowLevelTest, RectanglesOfTheScreenAreTargets) {
+    const auto call = [this](const QString& function, const QVariantList& arguments,
+                             int timeout = 200) {
+        Wire::Invoke request;
+        request.method = function;
+        request.arguments = arguments;
+        request.timeout = timeout;
+        client().request<Wire::Value>(MessageType::Invoke, request);
+        program().sync();
+        return client().lastError();
+    };
+    const QRect plain = bounds("Plain");
+    const QRect pad = bounds("pad");
+    EXPECT_EQ(call("click", {plain}), "");
+    EXPECT_EQ(call("click", {plain, 4, 5}), "");
+    EXPECT_EQ(program().takeLog(), "clicked|clicked");
+    // A place beside the rectangle, with another button.
+    const QRect corner(pad.topLeft(), QSize(2, 2));
+    EXPECT_EQ(call("click", {corner, 7, 8, 2}), "");
+    EXPECT_EQ(program().takeLog(), "enter|press 7,8 2 2|release 7,8 2 0");
+    EXPECT_EQ(call("hover", {corner, 20, 21}), "");
+    EXPECT_EQ(program().read("pad", "lastMove").toPoint(), QPoint(20, 21));
+
+    // What is there has to be ready, as where it has a name.
+    program().write("Disabled", "enabled", false);
+    const QPoint point = bounds("Disabled").center();
+    EXPECT_EQ(call("click", {bounds("Disabled")}),
+              QStringLiteral("The point %1, %2 of the screen is not ready: QPushButton 'Disabled' "
+                             "is there, and it is disabled")
+                  .arg(QString::number(point.x()), QString::number(point.y())));
+    EXPECT_EQ(call("click", {QRect(-5000, -5000, 10, 10)}),
+              "The point -4996, -4996 of the screen is not ready: no window of the application is "
+              "there");
+    EXPECT_TRUE(call("fill", {plain, "x"}).startsWith("fill: the argument object is no object"))
+        << "keys have no place";
+
+    Wire::Highlight highlight;
+    highlight.place = plain;
+    highlight.milliseconds = 50;
+    EXPECT_TRUE(client().tell(MessageType::Highlight, highlight));
+    EXPECT_EQ(call("click", {plain}), "");
+    EXPECT_EQ(program().takeLog(), "clicked");
+}
+
 TEST_P(LowLevelTest, AHighlightShowsAndIsInNobodysWay) {
     const Wire::ObjectInfo plain = program().object("Plain");
     const int before = client().request<Wire::ObjectInfoList>(MessageType::TopLevelObjects).size();

@@ -40,8 +40,8 @@ void TestDisplay::startXvfb(const QString& screen, const QStringList& options) {
     m_server.start(
         QStringLiteral("Xvfb"),
         QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                    QStringLiteral("0"), screen, QStringLiteral("-nolisten"),
-                    QStringLiteral("tcp"), QStringLiteral("-noreset")} +
+                    QStringLiteral("0"), screen, QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                    QStringLiteral("-noreset")} +
             options);
     if (!m_server.waitForStarted())
         return;

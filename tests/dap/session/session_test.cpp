@@ -263,6 +263,34 @@ TEST_F(DapSession, AnObjectThatIsNotFoundStopsWithTheNearMisses) {
               "exceptionInfo: the script does not stand at a failure or an error");
 }
 
+TEST_F(DapSession, ASearchForAnImageIsMendedWhereItStands) {
+    const QByteArray stop = "@imgLookupError 2\t-1\t" + file.toUtf8() + "\tsave.png\t3\t/tmp/a\\,b";
+    script.lines = {{file, 1}, {file, 2, {}, {}, {}, stop}, {file, 3}};
+    script.searchState = R"({"imageSearchOccurrence":1})";
+    start({}, {}, {"imageNotFound"});
+    EXPECT_TRUE(script.commands.contains("enableImageNotFoundDebugging"));
+    EXPECT_TRUE(script.commands.contains("eval testSettings.imageNotFoundDebugging%20%3D%20True"));
+    EXPECT_EQ(client.event("stopped")["description"], "Image not found");
+    const QJsonObject search{{"subject", "save.png"},
+                             {"screenshot", "/tmp/a,b"},
+                             {"state", QJsonObject{{"imageSearchOccurrence", 1}}}};
+    EXPECT_EQ(client.event("tamrixSearchFailed"), search);
+    EXPECT_EQ(client.body("tamrixSearch", {}), search);
+    const QJsonObject change{{"state", QJsonObject{{"imageSearchName", "a b"}}}};
+    EXPECT_EQ(client.body("tamrixSetSearchState", change), search);
+    EXPECT_TRUE(
+        script.commands.contains("setInterpreterStateFor ImageLookup "
+                                 "%7B%22imageSearchName%22%3A%22a%20b%22%7D"));
+    script.searchStateError = "Unknown keys: foo";
+    EXPECT_EQ(client.error("tamrixSetSearchState", change),
+              "tamrixSetSearchState: Unknown keys: foo");
+    EXPECT_EQ(client.error("tamrixSetSearchState", {{"state", 5}}),
+              "tamrixSetSearchState: 'state' is to be an object");
+    EXPECT_EQ(exitCodeAfter("continue"), 0);
+    EXPECT_EQ(client.error("tamrixSearch", {}),
+              "tamrixSearch: the script does not stand at a search that failed");
+}
+
 TEST_F(DapSession, TellsWhatTheScriptWritesInItsOrder) {
     script.lines = {{file, 1},
                     {file,

@@ -157,11 +157,11 @@ TEST_F(RunFeatureFileTest, RefusesWhatIsNoFeature) {
     EXPECT_EQ(run("no.feature"), "runFeatureFile() failed to open file 'no.feature'");
     const QString path = folder.filePath("x.feature");
     EXPECT_EQ(
-        runText("Feature: a\n  Scenario: b\n    Gibven c\n    When d\n").left(path.size() + 16),
+        runText("Feature: a\n  Scenario: b\n    Given x\n    Gibven c\n").left(path.size() + 16),
         "Syntax error in " + path);
     EXPECT_TRUE(context.errorMessage().endsWith("(got 'Gibven c')"))
         << context.errorMessage().toStdString();
-    EXPECT_EQ(context.errorFrame(), (DebuggerFrame{3, 0, -1})) << "without a debugger";
+    EXPECT_EQ(context.errorFrame(), (DebuggerFrame{4, 0, -1})) << "without a debugger";
     EXPECT_TRUE(report.entries.empty());
     EXPECT_EQ(runText(""),
               "Error running feature file in " + path + ":1: the file holds no feature");
@@ -187,7 +187,7 @@ TEST_F(RunFeatureFileTest, LetsAMissingStepBeWritten) {
     EXPECT_TRUE(report.results().empty());
     EXPECT_GT(debugger.findSourceId("x.feature"), 0);
 
-    EXPECT_NE(runText("Feature: a\n  Scenario: b\n    Bad c\n"), "");
+    EXPECT_NE(runText("Feature: a\n  Scenario: b\n    Given x\n    Bad c\n"), "");
     EXPECT_EQ(debugger.findSourceId(context.errorFrame().sourceId),
               Debugger::sanitizedFilePath(folder.filePath("x.feature")));
 }

@@ -66,7 +66,10 @@ TEST_F(ImageSearchStop, TheSearchIsMadeAgain) {
     EXPECT_EQ(grabs, 3);
     EXPECT_FALSE(QFile::exists(screenshot));
     EXPECT_FALSE(debugger.internalDebugger());
-    EXPECT_TRUE(frontEnd.take().startsWith("3 no image dot 3 in /"));
+    const QString told = frontEnd.take();
+    EXPECT_TRUE(told.startsWith("3 no image dot 3 in /"));
+    // What is to be written into the script.
+    EXPECT_TRUE(told.endsWith(R"(; imageSearchCall=findImage("other"))")) << told.toStdString();
 }
 
 TEST_F(ImageSearchStop, ChangedFilesAreReadAnew) {
@@ -81,18 +84,23 @@ TEST_F(ImageSearchStop, EachPartOfTheStateCounts) {
     const struct {
         const char* state;
         const char* place;
+        /// Empty when the call itself stays as it is.
+        const char* call;
     } rows[] = {
-        {R"({"imageSearchOccurrence":1})", "30x10x5x5"},
+        {R"({"imageSearchOccurrence":1})", "30x10x5x5", R"(findImage("dot"))"},
         {R"({"imageSearchRegion":{"x":0,"y":5,"width":20,"height":20},"imageSearchName":"other",)"
          R"("imageSearchOccurrence":1})",
-         "10x10x5x5"},
-        {R"({"imageSearchDefaults":{"tolerant":true,"threshold":99}})", "30x30x5x5"},
-        {R"({"imageSearchOptions":{"tolerant":true,"threshold":99}})", "30x30x5x5"},
+         "10x10x5x5", R"(findImage("other"))"},
+        {R"({"imageSearchDefaults":{"tolerant":true,"threshold":99}})", "30x30x5x5", ""},
+        {R"({"imageSearchOptions":{"tolerant":true,"threshold":99}})", "30x30x5x5",
+         R"(findImage("dot", {"occurrence":2,"threshold":99.0,"tolerant":true}))"},
     };
     for (const auto& row : rows) {
         TestSettingsType::s_image = {};
         frontEnd.commands = {setState(row.state), Resume::Run};
         EXPECT_EQ(find({{"occurrence", integer(2)}}), row.place) << row.state;
+        const QString told = frontEnd.take();
+        EXPECT_EQ(told.section("; imageSearchCall=", 1), row.call) << row.state;
     }
     TestSettingsType::s_image = {};
     frontEnd.take();

@@ -183,7 +183,7 @@ TEST_F(HtmlBrowserTest, ShowsTheMomentOfAFailure) {
         seen.failure = copied[1];
 )");
     EXPECT_EQ(seen["error"].toString(), "");
-    EXPECT_EQ(seen["pictures"].toString(), "windows.png screenshot_fail_1.png");
+    EXPECT_EQ(seen["pictures"].toString(), "Windows: windows.png screenshot_fail_1.png");
     EXPECT_EQ(seen["explanation"].toString(), "@@ -1 +1 @@\n-<script>\\x0d\n+2\n");
     EXPECT_EQ(seen["removed"].toString(), "-<script>\\x0d\n");
     EXPECT_EQ(seen["objects"].toString(),
@@ -325,6 +325,7 @@ TEST_F(HtmlBrowserTest, ShowsFeaturesAsATree) {
             .map((element) => element.textContent).join("|");
         seen.argument = one(".argument").textContent;
         one(".item.step summary").click();
+        await until(() => one(".item.step .comment"));
         seen.definition = one(".item.step .comment").textContent;
         const skipped = one(".item.skipped");
         seen.skipped = skipped.querySelector(".what").textContent;

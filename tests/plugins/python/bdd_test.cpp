@@ -28,6 +28,8 @@ protected:
 
     /// Runs scenario steps with step definitions; what became of them, see told().
     QString runSteps(const QByteArray& definitions, const QByteArray& steps) {
+        // As for the next test case.
+        interpreter->setScriptArguments(script(), {});
         writeSteps("import re\nfrom bdd import *\nfrom bdd import context\n" + definitions);
         writeFeature("Feature: f\n  Scenario: s\n" + steps);
         return runFeature();
@@ -61,7 +63,7 @@ protected:
             for (const LineInfo& position : result.callStack)
                 text += "  " + positionText(position) + '\n';
             if (!result.explanation.isEmpty())
-                text += result.explanation;
+                text += result.explanation + '\n';
         }
         return shortened(text);
     }
@@ -69,7 +71,7 @@ protected:
 
 TEST_F(PythonFeatures, HandsValuesToSteps) {
     EXPECT_EQ(runSteps("class Colour(str): pass\n"
-                       "parameter_type('colour', ['red|blue', 'dark (red|blue)'], Colour)\n"
+                       "parameter_type('colour', ['red|blue', 'dark (?:red|blue)'], Colour)\n"
                        "@parameter_type('flag', re.compile('on|off'))\n"
                        "def flag(text): return text == 'on'\n"
                        "@given('{int}, {float}, {word}, {string}, {}, {bigdecimal}')\n"
@@ -190,8 +192,6 @@ TEST_F(PythonFeatures, RefusesWrongRegistrations) {
         EXPECT_TRUE(told.startsWith("error ") && told.contains("steps/steps.py:4: ") &&
                     told.contains(row.error))
             << row.code << ": " << told.toStdString();
-        // The next row has a file of another length or another text.
-        interpreter->setScriptArguments(script(), {});
     }
 }
 
@@ -202,7 +202,6 @@ TEST_F(PythonFeatures, EndsWithTheScript) {
                                       "    Given a\n    Given a\n");
         EXPECT_FALSE(told.contains("no: ")) << told.toStdString();
         EXPECT_FALSE(told.contains("Script Error")) << told.toStdString();
-        interpreter->setScriptArguments(script(), {});
     }
     EXPECT_EQ(interpreter->errorMessage(), "");
 }
@@ -246,14 +245,14 @@ TEST_F(PythonFeatures, TakesStepsFromAllPlaces) {
 }
 
 TEST_F(PythonFeatures, TellsWhereAFileIsWrong) {
-    writeFeature("Feature: f\n  Scenario: s\n    Givven a\n");
-    EXPECT_TRUE(runFeature().startsWith("error x.feature:3: Error: Syntax error in "))
+    writeFeature("Feature: f\n  Scenario: s\n    * a\n    Givven a\n");
+    EXPECT_TRUE(runFeature().startsWith("error x.feature:4: tamrix.Error: Syntax error in "))
         << runFeature().toStdString();
     EXPECT_EQ(run("def main():\n    runFeatureFile('" + featureFile() + "')\n"), "");
     EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
     const std::vector<LineInfo>& stack = interpreter->errorCallStack();
     ASSERT_EQ(stack.size(), 2u);
-    EXPECT_EQ(shortened(positionText(stack[0])), "x.feature:3");
+    EXPECT_EQ(shortened(positionText(stack[0])), "x.feature:4");
     EXPECT_EQ(shortened(positionText(stack[1])), "test.py:2");
 }
 
@@ -338,20 +337,8 @@ TEST_F(PythonFeatureDebugging, EvaluatesWhereItStands) {
     const auto look = [&seen](const char* code) {
         return DebuggerCommand([&seen, code](Debugger& halted) { seen += halted.evaluate(code); });
     };
-    const auto variables = [&seen](const char* path) {
-        return DebuggerCommand([&seen, path](Debugger& halted) {
-            for (const Debugger::VariableBinding& each : halted.variables(path))
-                seen += each.name + "=" + each.value;
-        });
-    };
-    frontEnd->commands = {look("value + 1"),
-                          look("^2 callable(main)"),
-                          look("^1 callable(main)"),
-                          variables("^1"),
-                          Resume::Run,
-                          look("callable(main)"),
-                          variables(""),
-                          Resume::Run,
+    frontEnd->commands = {look("value + 1"), look("^2 callable(main)"), look("^1 callable(main)"),
+                          Resume::Run,       look("callable(main)"),    Resume::Run,
                           Resume::Run};
     stops(Debugger::Run);
     EXPECT_EQ(seen.join("|"), "2|True|True|True");

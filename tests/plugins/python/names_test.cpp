@@ -22,7 +22,7 @@ assert inspect.isbuiltin(source) and test.pass_.__name__ == 'pass_'
 )py"),
               "");
     // What the core doesn't have is no name.
-    EXPECT_EQ(run("runFeatureFile('x')"), "NameError: name 'runFeatureFile' is not defined");
+    EXPECT_EQ(run("objectMap.load('x')"), "NameError: name 'objectMap' is not defined");
     EXPECT_EQ(run("test.vp('x')"), "AttributeError: module 'test' has no attribute 'vp'");
 }
 

@@ -56,5 +56,18 @@ TEST(Launcher, BringsTheAgentInBesideWhatOthersBringIn) {
     EXPECT_FALSE(Launcher::find("fish"));
 }
 
+TEST(Launcher, WithoutAgentAProgramIsSentToTheXDisplay) {
+    const EnvironmentGuard wayland("WAYLAND_DISPLAY", "wayland-0");
+    const Launcher* const none = Launcher::find("none");
+    ASSERT_TRUE(none);
+    EXPECT_FALSE(none->bringsAgent());
+    const QMap<QString, QString> variables = environmentFrom(*none);
+    EXPECT_EQ(variables.value("GDK_BACKEND"), "x11");
+    EXPECT_TRUE(variables.contains("WAYLAND_DISPLAY"));
+    EXPECT_TRUE(variables.value("WAYLAND_DISPLAY").isNull());
+    EXPECT_EQ(variables.value("OWN"), "kept");
+    EXPECT_FALSE(variables.contains(Wire::tokenVariable));
+}
+
 }  // namespace
 }  // namespace Tamrix

@@ -203,6 +203,14 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--kind takes properties, table or visual, not 'sound' (see tamrixrunner vp --help)"},
         {{"inspect", "--json", "--xml", "program"},
          "--json and --xml exclude each other (see tamrixrunner inspect --help)"},
+        {{"cut", "a", "0", "0", "0", "1", "n", "--suite", "s"},
+         "WIDTH is a number from 1 on, not '0' (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "y", "1", "1", "n", "--suite", "s"},
+         "Y is a number from 0 on, not 'y' (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "0", "1", "1", "n"}, "--suite is missing (see tamrixrunner cut --help)"},
+        {{"cut", "a", "0", "0", "1", "1", "x/../../n", "--suite", "s"},
+         "NAME is a file below the folder of search images, not 'x/../../n' (see tamrixrunner cut "
+         "--help)"},
         {{"find-image", "a", "b", "--options", "threshold: 101"},
          "--options 'threshold: 101': threshold must lie in the [0,100] range (see tamrixrunner "
          "find-image --help)"},
@@ -215,6 +223,24 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--limit takes a number from 1 on, not '0' (see tamrixrunner find-image --help)"},
         {{"find-image", "a", "/x/b", "--annotate", "/x/../x/b"},
          "--annotate /x/../x/b would write over '/x/b' (see tamrixrunner find-image --help)"},
+        {{"find-text"}, "find-text needs PICTURE (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", " "}, "TEXT is empty (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--occurrence", "1"},
+         "--occurrence needs TEXT (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "b", "--occurrence", "0"},
+         "--occurrence takes a number from 1 on, not '0' (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--options", "{\"psm\": 11}"},
+         "--options '{\"psm\": 11}': Unknown keys: psm (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--region", "1"},
+         "--region '1': Rectangle descriptor must consist of four integers (see tamrixrunner "
+         "find-text --help)"},
+        {{"find-text", "a", "--annotate", "a"},
+         "--annotate a would write over 'a' (see tamrixrunner find-text --help)"},
+        {{"find-text", "a", "--engine", "tesseract"},
+         "--engine: there is no engine 'tesseract'; there are: Tesseract, OCRSpace, Rekognition "
+         "(see tamrixrunner find-text --help)"},
+        {{"find-text", "--engines", "a"},
+         "--engines takes no picture (see tamrixrunner find-text --help)"},
     };
     for (const auto& row : rows) {
         const Outcome<Action> action = parse(row.arguments);

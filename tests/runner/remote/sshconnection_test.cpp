@@ -52,6 +52,9 @@ TEST_F(SshConnectionTest, RefusesHostsThatAreUnknownOrHaveAnotherKey) {
     EXPECT_EQ(errorOfConnecting(server.port()),
               "the host 127.0.0.1:PORT is not in known_hosts; its key is ssh-ed25519 SHA256:HASH. "
               "Compare it with that of the machine, and connect once with 'ssh' to accept it");
+    // Nobody can switch that off.
+    ASSERT_TRUE(writeFile(server.home() + "/.ssh/config", "StrictHostKeyChecking no\n"));
+    EXPECT_TRUE(errorOfConnecting(server.port()).contains("is not in known_hosts"));
     // A changed key.
     server.makeKnown(server.port(), readFile(server.home() + "/.ssh/id_ed25519.pub"));
     EXPECT_EQ(errorOfConnecting(server.port()),

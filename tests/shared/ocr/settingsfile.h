@@ -19,8 +19,14 @@ inline Settings settingsFile(const QString& path, const QList<SettingsEntry>& en
     QFile::remove(path);
     {
         Settings settings(path);
-        for (const SettingsEntry& entry : entries)
-            settings.writeEntry(entry.group, entry.key, entry.value);
+        for (const SettingsEntry& entry : entries) {
+            bool isNumber = false;
+            const int number = entry.value.toInt(&isNumber);
+            if (isNumber)
+                settings.writeEntry(entry.group, entry.key, number);
+            else
+                settings.writeEntry(entry.group, entry.key, entry.value);
+        }
     }
     return Settings(path);
 }

@@ -13,6 +13,7 @@
 #include "shared/ocr/genericresult.h"
 #include "shared/ocr/recordingreporter.h"
 #include "shared/ocr/settingsfile.h"
+#include "shared/ocr/tesseract/framelines.h"
 #include "shared/ocr/tesseract/implementation.h"
 #include "shared/ocr/tesseract/languagedata.h"
 #include "shared/ocr/tesseract/libraries.h"
@@ -344,6 +345,47 @@ TEST_F(TesseractEngine, LibrariesThatDoNotFit) {
     const Tamrix::Test::EnvironmentGuard prefix("TAMRIX_PREFIX", folder.path());
     EXPECT_EQ(thrownText<SetupError>([&] { Implementation{none}; }),
               "The path to the tesseract engine is not configured");
+}
+
+/// A picture from a text of a row for each line: '.' is light, '#' dark, 'o' between.
+QImage drawn(const QStringList& rows) {
+    QImage image(rows.first().size(), rows.size(), QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QChar color = rows[y][x];
+            const int level = color == '.' ? 250 : color == '#' ? 20 : 150;
+            image.setPixel(x, y, qRgb(level, level, level));
+        }
+    }
+    return image;
+}
+
+TEST(FrameLines, LinesGoAndLettersStay) {
+    const QString blank(40, '.');
+    const QString line = "....." + QString(30, '#') + ".....";
+    const QString sides = "...#" + QString(32, '.') + "#...";
+    const QString letter = "...#" + QString(6, '.') + '#' + QString(25, '.') + "#...";
+    // A frame with round corners, a stroke of a letter in it.
+    QStringList rows = {blank, line};
+    for (int i = 0; i < 12; ++i)
+        rows.append(i > 1 && i < 10 ? letter : sides);
+    rows += QStringList{line, blank};
+    const QImage result = Tesseract::withoutFrameLines(drawn(rows));
+    for (int y = 0; y < result.height(); ++y) {
+        for (int x = 0; x < result.width(); ++x) {
+            const bool isLetter = x == 10 && y >= 4 && y < 12;
+            EXPECT_EQ(qGray(result.pixel(x, y)), isLetter ? 20 : 250) << x << ' ' << y;
+        }
+    }
+    // What is as thick as writing, or has several colours, is none.
+    const QString thick = QString(40, '#');
+    QString mixed;
+    for (int i = 0; i < 20; ++i)
+        mixed += "#o";
+    const QImage kept = drawn({blank, thick, thick, thick, blank, blank, blank, mixed, blank});
+    EXPECT_EQ(Tesseract::withoutFrameLines(kept), kept);
+    // Pictures without a line, or without room for one.
+    EXPECT_EQ(Tesseract::withoutFrameLines(drawn({"."})), drawn({"."}));
 }
 
 TEST(LocaleOverride, OfOneThread) {

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <string>
+
 #include "interpreter/debugger/lineprotocol/command.h"
 
 namespace Tamrix {
+
+class InternalDebugger;
 
 // The functions of the commands, a group for each file. What they do with wrong arguments they
 // answer themselves.
@@ -41,5 +45,8 @@ CommandEffect getInterpreterStateForCommand(const CommandCall& call);
 
 // launchcommand.cpp
 CommandEffect launchApplicationCommand(const CommandCall& call);
+
+/// The state of a search on one line, as JSON.
+std::string searchStateText(const InternalDebugger& search);
 
 }  // namespace Tamrix

@@ -3,7 +3,9 @@
 #include "base/overloaded.h"
 #include "base/protocolescapes.h"
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/internaldebugger.h"
 #include "interpreter/debugger/lineprotocol/command.h"
+#include "interpreter/debugger/lineprotocol/commandfunctions.h"
 
 namespace Tamrix {
 
@@ -41,8 +43,17 @@ void LineProtocol::stopped(const ScriptPosition& position, const StopReason& rea
             },
         },
         reason));
+    showSearch();
     if (m_surroundings.showPosition)
         m_surroundings.showPosition(position);
+}
+
+void LineProtocol::showSearch() {
+    const Debugger* const debugger = Debugger::self();
+    const InternalDebugger* const search = debugger ? debugger->internalDebugger() : nullptr;
+    // A program asks for it.
+    if (search && m_output.dialect() == ProtocolDialect::Terminal)
+        m_output.print(m_output.encoded(search->contextName()) + ": " + searchStateText(*search));
 }
 
 void LineProtocol::passed(const ScriptPosition& position) {

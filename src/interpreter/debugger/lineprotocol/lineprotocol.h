@@ -33,6 +33,8 @@ public:
     bool performCommands(Debugger& debugger) override;
 
 private:
+    /// Shows a person the search behind a stop, if there is one.
+    void showSearch();
     /// What a person sees in front of a command.
     std::string promptText(Debugger& debugger) const;
     /// "line 3, column 4, FILE:"

@@ -72,12 +72,16 @@ Outcome<std::string> stateText(const CommandCall& call) {
     const Outcome<InternalDebugger*> search = searchOfKind(call, call.arguments.first());
     if (!search)
         return fail(search.error());
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, (*search)->getState());
+    return searchStateText(**search);
 }
 
 }  // namespace
+
+std::string searchStateText(const InternalDebugger& search) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    return Json::writeString(builder, search.getState());
+}
 
 CommandEffect setInterpreterStateForCommand(const CommandCall& call) {
     const Outcome<> isSet = setState(call);

@@ -147,8 +147,7 @@ Outcome<DisplayModel::Look> DisplayModel::lookForName(const Target& target) {
     const WindowFacts* const window = name->findIn(*windows);
     if (!window) {
         look.answer.missText = missText(
-            target.name,
-            target.wantNearMisses ? name->nearMissesIn(*windows) : QList<NearMiss>());
+            target.name, target.wantNearMisses ? name->nearMissesIn(*windows) : QList<NearMiss>());
         return look;
     }
     look.answer.object = object(*window);
@@ -291,14 +290,15 @@ Outcome<SharedPtr<Object>> DisplayModel::invokeGlobal(const QString& method,
                                                       const ObjectList& arguments) {
     if (arguments.empty()) {
         const Outcome<Display::Act> refused = Display::readCall(method, {});
-        return fail(refused ? Failure{FailureKind::BadArgument,
-                                      QStringLiteral("%1: the argument object is missing").arg(method)}
-                            : refused.error());
+        return fail(refused
+                        ? Failure{FailureKind::BadArgument,
+                                  QStringLiteral("%1: the argument object is missing").arg(method)}
+                        : refused.error());
     }
     Target target = Target::ofObject(arguments.front(), Wire::Wanted::Reach);
     target.timeout = m_readyTimeout;
-    const Outcome<TargetAnswer> answer = act(
-        method, target, ObjectList(arguments.begin() + 1, arguments.end()), m_readyTimeout);
+    const Outcome<TargetAnswer> answer =
+        act(method, target, ObjectList(arguments.begin() + 1, arguments.end()), m_readyTimeout);
     if (!answer)
         return fail(answer.error());
     if (!answer->isReady)
@@ -312,8 +312,7 @@ Outcome<Spot> DisplayModel::spotOf(const Target& target) {
     const Outcome<Look> seen = waitFor(target);
     if (!seen)
         return fail(seen.error());
-    if (!seen->answer.object ||
-        (target.wanted != Wire::Wanted::Existence && !seen->answer.isReady))
+    if (!seen->answer.object || (target.wanted != Wire::Wanted::Existence && !seen->answer.isReady))
         return missFailure(seen->answer);
     return seen->spot;
 }
@@ -443,8 +442,8 @@ Outcome<SharedPtr<Object>> DisplayModel::globalBounds(SharedPtr<Object> object) 
     const Outcome<Spot> spot = spotOf(Target::ofObject(object));
     if (!spot)
         return fail(spot.error());
-    return SharedPtr<Object>(new ValueObject(
-        spot->bounds, ValueObject::valueClass(QStringLiteral("ScreenRectangle"))));
+    return SharedPtr<Object>(
+        new ValueObject(spot->bounds, ValueObject::valueClass(QStringLiteral("ScreenRectangle"))));
 }
 
 Outcome<QString> DisplayModel::environmentVariable(const QString& name) {
@@ -467,7 +466,8 @@ Outcome<QVariant> DisplayModel::screenshot(const QRect& rect) {
     const Outcome<QImage> image = m_session->picture(rect);
     if (!image)
         return fail(image.error());
-    const QPoint origin = rect.isNull() ? QPoint() : QPoint(std::max(rect.x(), 0), std::max(rect.y(), 0));
+    const QPoint origin =
+        rect.isNull() ? QPoint() : QPoint(std::max(rect.x(), 0), std::max(rect.y(), 0));
     return Screenshot(*image, QTransform::fromTranslate(origin.x(), origin.y())).toLocalVariant();
 }
 
@@ -495,8 +495,9 @@ Outcome<QVariant> DisplayModel::objectScreenshot(const QVariantList& arguments) 
     if (!spot)
         return fail(spot.error());
     if (spot->window && !spot->window->isVisible)
-        return fail(FailureKind::NotReady, QStringLiteral("%1 is not ready: it is not visible")
-                                               .arg(describe(*spot->window)));
+        return fail(
+            FailureKind::NotReady,
+            QStringLiteral("%1 is not ready: it is not visible").arg(describe(*spot->window)));
     return screenshot(spot->bounds);
 }
 
@@ -510,8 +511,9 @@ Outcome<QVariant> DisplayModel::nativeRequest(const QString& name, const QVarian
     if (name == QLatin1String("getPixmapAsImage"))
         return fail(FailureKind::Refused,
                     QStringLiteral("windows have no pictures of their own; take a screenshot"));
-    return fail(FailureKind::Refused,
-                QStringLiteral("an application without agent knows no native request '%1'").arg(name));
+    return fail(
+        FailureKind::Refused,
+        QStringLiteral("an application without agent knows no native request '%1'").arg(name));
 }
 
 // Events, for which there is nobody in the application

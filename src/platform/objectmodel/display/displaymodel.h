@@ -10,8 +10,8 @@
 namespace Tamrix {
 
 /// An application without agent, as the X display knows it that it is shown on: its objects are its
-/// top-level windows, its screen and its input are the display's. What would need to know what is in
-/// a window is refused with a text that says so. The model may end before its objects.
+/// top-level windows, its screen and its input are the display's. What would need to know what is
+/// in a window is refused with a text that says so. The model may end before its objects.
 class DisplayModel : public Access {
 public:
     /// `isOwn` tells the processes of the application; `facts` has the one that stands for it, with

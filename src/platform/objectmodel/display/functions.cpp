@@ -30,8 +30,8 @@ Outcome<> atPoint(Session& session, const Spot& spot, const std::optional<QPoint
     return act(**input, point);
 }
 
-/// Does something with the keyboard, once the spot has the keys: a window by being the active one, a
-/// part of the screen by a click.
+/// Does something with the keyboard, once the spot has the keys: a window by being the active one,
+/// a part of the screen by a click.
 template <typename Do>
 Outcome<> withKeys(Session& session, const Spot& spot, Do act) {
     const Outcome<> active =
@@ -181,7 +181,8 @@ Outcome<Act> readCall(const QString& function, const QVariantList& arguments) {
                                         Wire::applicationFunctions[index].parameters));
         }
     }
-    return fail(FailureKind::Refused, QStringLiteral("there is no global function '%1'").arg(function));
+    return fail(FailureKind::Refused,
+                QStringLiteral("there is no global function '%1'").arg(function));
 }
 
 }  // namespace Tamrix::Display

@@ -17,8 +17,8 @@ struct Spot {
 /// What a global function does once its object is ready.
 using Act = std::function<Outcome<>(Session& session, const Spot& spot)>;
 
-/// Reads a call of one of Wire::applicationFunctions. `arguments` are those behind the object. Fails
-/// for wrong arguments, with the usage, and for functions that need an agent, with why.
+/// Reads a call of one of Wire::applicationFunctions. `arguments` are those behind the object.
+/// Fails for wrong arguments, with the usage, and for functions that need an agent, with why.
 Outcome<Act> readCall(const QString& function, const QVariantList& arguments);
 
 }  // namespace Tamrix::Display

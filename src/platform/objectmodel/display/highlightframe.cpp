@@ -17,8 +17,7 @@ uint32_t redPixel(XConnection& connection) {
 
 /// The sides of a frame around the rectangle, within the screen.
 std::array<QRect, 4> sidesAround(const QRect& bounds, const QRect& screen) {
-    const QRect outer =
-        bounds.adjusted(-frameWidth, -frameWidth, frameWidth, frameWidth) & screen;
+    const QRect outer = bounds.adjusted(-frameWidth, -frameWidth, frameWidth, frameWidth) & screen;
     return {QRect(outer.left(), outer.top(), outer.width(), frameWidth),
             QRect(outer.left(), outer.bottom() - frameWidth + 1, outer.width(), frameWidth),
             QRect(outer.left(), outer.top(), frameWidth, outer.height()),

@@ -16,8 +16,8 @@ constexpr int groupMask = 3;
 constexpr int columnsPerGroup = 2;
 constexpr int reachableGroups = 2;
 
-/// A program reads the new layout when it handles the key's event; one whose key is taken for another
-/// symbol gets so long for that, in microseconds.
+/// A program reads the new layout when it handles the key's event; one whose key is taken for
+/// another symbol gets so long for that, in microseconds.
 constexpr unsigned long reusePause = 100000;
 /// How many keys are borrowed at most.
 constexpr size_t mostBorrowed = 24;
@@ -48,17 +48,15 @@ void KeyMap::load() {
     m_symbols.clear();
     m_free.clear();
     m_columns = mapping ? mapping->keysyms_per_keycode : 0;
-    if (!mapping ||
-        xcb_get_keyboard_mapping_keysyms_length(mapping.get()) < count * m_columns)
+    if (!mapping || xcb_get_keyboard_mapping_keysyms_length(mapping.get()) < count * m_columns)
         return;
     const xcb_keysym_t* const symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
     m_symbols.assign(symbols, symbols + count * m_columns);
     m_isStale = false;
     for (int key = 0; key < count; ++key) {
         const auto begin = m_symbols.begin() + key * m_columns;
-        const bool isFree = std::all_of(begin, begin + m_columns, [](quint32 symbol) {
-            return symbol == XKB_KEY_NoSymbol;
-        });
+        const bool isFree = std::all_of(begin, begin + m_columns,
+                                        [](quint32 symbol) { return symbol == XKB_KEY_NoSymbol; });
         if (isFree)
             m_free.push_back(static_cast<xcb_keycode_t>(first + key));
     }
@@ -85,9 +83,8 @@ std::optional<KeyStroke> KeyMap::find(quint32 keySym, int group, bool hasCapsLoc
             if (m_symbols[index] != keySym)
                 continue;
             const size_t key = index / static_cast<size_t>(m_columns);
-            return KeyStroke{
-                static_cast<xcb_keycode_t>(m_connection->setup()->min_keycode + key),
-                (level == 1) != flips};
+            return KeyStroke{static_cast<xcb_keycode_t>(m_connection->setup()->min_keycode + key),
+                             (level == 1) != flips};
         }
     }
     return std::nullopt;
@@ -101,16 +98,15 @@ Outcome<KeyStroke> KeyMap::strokeFor(quint32 keySym) {
     if (!m_connection->isOpen())
         return m_connection->ended();
     const int state = pointer ? pointer->mask : 0;
-    if (const auto stroke = find(keySym, state >> groupShift & groupMask,
-                                 (state & XCB_MOD_MASK_LOCK) != 0))
+    if (const auto stroke =
+            find(keySym, state >> groupShift & groupMask, (state & XCB_MOD_MASK_LOCK) != 0))
         return *stroke;
     return borrow(keySym);
 }
 
 Outcome<KeyStroke> KeyMap::borrow(quint32 keySym) {
-    const auto known = std::find_if(m_borrowed.begin(), m_borrowed.end(), [&](const Borrowed& each) {
-        return each.keySym == keySym;
-    });
+    const auto known = std::find_if(m_borrowed.begin(), m_borrowed.end(),
+                                    [&](const Borrowed& each) { return each.keySym == keySym; });
     if (known != m_borrowed.end())
         return KeyStroke{known->code, false};
     Borrowed taken{0, keySym};
@@ -137,8 +133,8 @@ Outcome<KeyStroke> KeyMap::borrow(quint32 keySym) {
 void KeyMap::assign(xcb_keycode_t code, quint32 keySym) {
     // The same in both levels of both layouts, whatever modifiers are down.
     const std::vector<xcb_keysym_t> symbols(columnsPerGroup * reachableGroups, keySym);
-    xcb_change_keyboard_mapping(m_connection->get(), 1, code,
-                                static_cast<uint8_t>(symbols.size()), symbols.data());
+    xcb_change_keyboard_mapping(m_connection->get(), 1, code, static_cast<uint8_t>(symbols.size()),
+                                symbols.data());
 }
 
 }  // namespace Tamrix::Display

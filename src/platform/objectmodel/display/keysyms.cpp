@@ -74,8 +74,9 @@ Outcome<quint32> keySymOf(const Wire::Key& key) {
     if (key.code > 0 && key.code <= highestCharacter)
         keySym = keySymOfCharacter(QChar::toLower(static_cast<uint>(key.code)));
     if (keySym == XKB_KEY_NoSymbol) {
-        return fail(FailureKind::BadArgument,
-                    QStringLiteral("X keyboards have no key of the number 0x%1").arg(key.code, 0, 16));
+        return fail(
+            FailureKind::BadArgument,
+            QStringLiteral("X keyboards have no key of the number 0x%1").arg(key.code, 0, 16));
     }
     return keySym;
 }

@@ -52,9 +52,9 @@ bool canShareMemory(XConnection& connection) {
     const auto version =
         connection.reply(xcb_shm_query_version(connection.get()), xcb_shm_query_version_reply);
     constexpr int firstMinorWithDescriptors = 2;
-    return version && (version->major_version > 1 ||
-                       (version->major_version == 1 &&
-                        version->minor_version >= firstMinorWithDescriptors));
+    return version &&
+           (version->major_version > 1 ||
+            (version->major_version == 1 && version->minor_version >= firstMinorWithDescriptors));
 }
 
 }  // namespace
@@ -122,9 +122,8 @@ Outcome<> ScreenGrab::fill(const QRect& rect) {
     if (!ensureMemory(byteCount))
         return noPicture();
     const auto picture = m_connection->reply(
-        xcb_shm_get_image(m_connection->get(), m_connection->root(),
-                          static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
-                          static_cast<uint16_t>(rect.width()),
+        xcb_shm_get_image(m_connection->get(), m_connection->root(), static_cast<int16_t>(rect.x()),
+                          static_cast<int16_t>(rect.y()), static_cast<uint16_t>(rect.width()),
                           static_cast<uint16_t>(rect.height()), allPlanes,
                           XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment, 0),
         xcb_shm_get_image_reply);

@@ -11,9 +11,9 @@
 
 namespace Tamrix::Display {
 
-/// Takes pictures of what a display shows, without the mouse's cursor. They come through memory that
-/// the server shares, which is kept for the next one, or else through the connection. Script thread
-/// only.
+/// Takes pictures of what a display shows, without the mouse's cursor. They come through memory
+/// that the server shares, which is kept for the next one, or else through the connection. Script
+/// thread only.
 class ScreenGrab {
 public:
     enum class Way { Any, OnlyConnection };
@@ -23,8 +23,8 @@ public:
     ScreenGrab(const ScreenGrab&) = delete;
     ScreenGrab& operator=(const ScreenGrab&) = delete;
 
-    /// The part of the screen in a rectangle, of which the screen shows all. Fails when the server is
-    /// gone, or its pixels are of a kind that is not known.
+    /// The part of the screen in a rectangle, of which the screen shows all. Fails when the server
+    /// is gone, or its pixels are of a kind that is not known.
     Outcome<QImage> grab(const QRect& rect);
     /// Only lets the server put the part into the shared memory.
     Outcome<> fill(const QRect& rect);

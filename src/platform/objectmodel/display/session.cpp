@@ -13,8 +13,8 @@ namespace Tamrix::Display {
 
 namespace {
 
-// How long is waited, in milliseconds: for a window to become what it was asked to be, for a program
-// to handle its input, and for one that can't tell.
+// How long is waited, in milliseconds: for a window to become what it was asked to be, for a
+// program to handle its input, and for one that can't tell.
 constexpr int windowPatience = 1000;
 constexpr int settlePatience = 1000;
 constexpr int settlePause = 30;
@@ -27,8 +27,6 @@ constexpr int endPatience = 200;
 constexpr uint32_t userRequest = 2;
 constexpr uint32_t toWindowManager =
     XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-/// The upper bit of an event's type says who made it.
-constexpr uint8_t eventTypeMask = 0x7f;
 
 int nextNumber() {
     static int s_last = 0;
@@ -43,21 +41,13 @@ bool hasEnded(int process) {
 
 }  // namespace
 
-Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn,
-                 qint64 process)
+Session::Session(std::shared_ptr<XConnection> connection, ProcessTest isOwn, qint64 process)
     : m_connection(std::move(connection)),
       m_isOwn(std::move(isOwn)),
       m_number(nextNumber()),
-      m_process(
-          static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(process), 0))),
+      m_process(static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(process), 0))),
       m_grab(m_connection) {
-    m_connection->setEventHandler(
-        [this](const xcb_generic_event_t& event) { handleEvent(event); });
-    // Programs answer pings there.
-    const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection->get(), m_connection->root(), XCB_CW_EVENT_MASK,
-                                 &mask);
-    m_connection->synchronize();
+    m_connection->setEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
 }
 
 Session::~Session() {
@@ -188,9 +178,9 @@ Outcome<> Session::ping(int timeout) {
                                    "answers (_NET_WM_PING)"));
     }
     const uint32_t number = ++m_lastPing;
-    m_connection->sendMessage(
-        asked->id, asked->id, "WM_PROTOCOLS",
-        {m_connection->atom("_NET_WM_PING"), number, asked->id, 0, 0}, XCB_EVENT_MASK_NO_EVENT);
+    m_connection->sendMessage(asked->id, asked->id, "WM_PROTOCOLS",
+                              {m_connection->atom("_NET_WM_PING"), number, asked->id, 0, 0},
+                              XCB_EVENT_MASK_NO_EVENT);
     const QDeadlineTimer deadline(timeout);
     while (m_lastAnswer < number) {
         if (const Outcome<> open = checkOpen(); !open)
@@ -252,8 +242,7 @@ tl::unexpected<Failure> Session::unusable(const WindowFacts& window, const QStri
 bool Session::hasWindowManagerFor(const char* request) {
     const auto check = m_connection->numbers(m_connection->root(), "_NET_SUPPORTING_WM_CHECK");
     // The property may be there longer than the window manager.
-    if (check.empty() ||
-        m_connection->numbers(check.front(), "_NET_SUPPORTING_WM_CHECK") != check)
+    if (check.empty() || m_connection->numbers(check.front(), "_NET_SUPPORTING_WM_CHECK") != check)
         return false;
     const auto supported = m_connection->numbers(m_connection->root(), "_NET_SUPPORTED");
     return std::find(supported.begin(), supported.end(), m_connection->atom(request)) !=
@@ -266,8 +255,8 @@ xcb_window_t Session::activeWindow() {
 }
 
 bool Session::hasFocus(const WindowFacts& window) {
-    const auto focus = m_connection->reply(xcb_get_input_focus(m_connection->get()),
-                                           xcb_get_input_focus_reply);
+    const auto focus =
+        m_connection->reply(xcb_get_input_focus(m_connection->get()), xcb_get_input_focus_reply);
     xcb_window_t each = focus ? focus->focus : noWindow;
     // The window itself, or one in it. The first numbers are no windows.
     while (each > XCB_INPUT_FOCUS_POINTER_ROOT && each != m_connection->root()) {
@@ -324,8 +313,8 @@ Outcome<> Session::activateAny() {
 }
 
 Outcome<> Session::uncover(const WindowFacts* window, const QPoint& point) {
-    const QString place = QStringLiteral("%1,%2").arg(QString::number(point.x()),
-                                                      QString::number(point.y()));
+    const QString place =
+        QStringLiteral("%1,%2").arg(QString::number(point.x()), QString::number(point.y()));
     if (!m_connection->rootGeometry().contains(point)) {
         const QString obstacle = QStringLiteral("its point %1 is outside of the screen").arg(place);
         return window ? unusable(*window, obstacle)

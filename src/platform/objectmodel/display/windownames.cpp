@@ -35,7 +35,8 @@ ObjectName nameOfForm(const QStringList& form, const WindowFacts& window) {
 QString normalized(const QString& wanted, const QVariant& value) {
     if (value.userType() != QMetaType::Bool)
         return wanted;
-    if (wanted == QLatin1String("1") || wanted.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
+    if (wanted == QLatin1String("1") ||
+        wanted.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
         return QStringLiteral("true");
     if (wanted == QLatin1String("0") ||
         wanted.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
@@ -70,19 +71,17 @@ bool WindowName::isTrueOf(const Criterion& criterion, const WindowFacts& window)
 }
 
 bool WindowName::isTrueOf(const WindowFacts& window) const {
-    return std::all_of(m_criteria.begin(), m_criteria.end(), [&](const Criterion& criterion) {
-        return isTrueOf(criterion, window);
-    });
+    return std::all_of(m_criteria.begin(), m_criteria.end(),
+                       [&](const Criterion& criterion) { return isTrueOf(criterion, window); });
 }
 
 WindowList WindowName::matchesIn(const WindowList& windows) const {
     WindowList matches;
     std::copy_if(windows.begin(), windows.end(), std::back_inserter(matches),
                  [this](const WindowFacts& window) { return isTrueOf(window); });
-    const bool asksVisible =
-        std::any_of(m_criteria.begin(), m_criteria.end(), [](const Criterion& criterion) {
-            return criterion.property == QLatin1String("visible");
-        });
+    const bool asksVisible = std::any_of(
+        m_criteria.begin(), m_criteria.end(),
+        [](const Criterion& criterion) { return criterion.property == QLatin1String("visible"); });
     const auto isHidden = [](const WindowFacts& window) { return !window.isVisible; };
     if (!asksVisible && !std::all_of(matches.begin(), matches.end(), isHidden))
         matches.erase(std::remove_if(matches.begin(), matches.end(), isHidden), matches.end());
@@ -136,8 +135,8 @@ bool WindowName::asksForOtherTypes() const {
 
 QString otherTypeText(const ObjectName& name) {
     return QStringLiteral(
-               "No object matches %1: of an application without agent only windows are known, of the "
-               "type 'Window'; what is in them is found by its picture")
+               "No object matches %1: of an application without agent only windows are known, of "
+               "the type 'Window'; what is in them is found by its picture")
         .arg(name.qualifiedName());
 }
 

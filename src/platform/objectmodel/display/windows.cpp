@@ -146,8 +146,7 @@ public:
         const auto said = m_connection.numbersOf(m_property);
         qint64 process = -1;
         if (m_isAsked)
-            process =
-                processIn(m_connection.reply(m_client, xcb_res_query_client_ids_reply).get());
+            process = processIn(m_connection.reply(m_client, xcb_res_query_client_ids_reply).get());
         if (process < 0 && !said.empty())
             process = said.front();
         return process;
@@ -166,9 +165,8 @@ private:
 QString typeName(XConnection& connection, const std::vector<uint32_t>& types) {
     if (types.empty())
         return QStringLiteral("normal");
-    const auto name =
-        connection.reply(xcb_get_atom_name(connection.get(), types.front()),
-                         xcb_get_atom_name_reply);
+    const auto name = connection.reply(xcb_get_atom_name(connection.get(), types.front()),
+                                       xcb_get_atom_name_reply);
     if (!name)
         return QStringLiteral("normal");
     QString text = QString::fromLatin1(xcb_get_atom_name_name(name.get()),
@@ -211,8 +209,7 @@ public:
             return std::nullopt;
         m_facts.isVisible = attributes->map_state == XCB_MAP_STATE_VIEWABLE;
         m_facts.isPopup = attributes->override_redirect != 0;
-        m_facts.geometry =
-            QRect(place->dst_x, place->dst_y, geometry->width, geometry->height);
+        m_facts.geometry = QRect(place->dst_x, place->dst_y, geometry->width, geometry->height);
         return m_facts;
     }
 
@@ -220,8 +217,7 @@ private:
     void readTexts() {
         const QByteArray title = m_connection.bytesOf(m_title);
         const QByteArray oldTitle = m_connection.bytesOf(m_oldTitle);
-        m_facts.title =
-            title.isEmpty() ? QString::fromLatin1(oldTitle) : QString::fromUtf8(title);
+        m_facts.title = title.isEmpty() ? QString::fromLatin1(oldTitle) : QString::fromUtf8(title);
         // Two texts, each with a null behind it.
         const QList<QByteArray> classes = m_connection.bytesOf(m_classes).split('\0');
         m_facts.instance = QString::fromLatin1(classes.value(0));

@@ -88,11 +88,13 @@ Outcome<std::shared_ptr<XConnection>> XConnection::open(const DisplayAddress& ad
     std::shared_ptr<XConnection> made(new XConnection(address.name, connection, screenNumber));
     const int error = xcb_connection_has_error(connection);
     if (error != 0 || !made->m_screen) {
-        return fail(FailureKind::Failed,
-                    QStringLiteral("the display '%1' can't be reached: %2")
-                        .arg(address.name, connectionErrorText(
-                                               error != 0 ? error : XCB_CONN_CLOSED_INVALID_SCREEN)));
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("the display '%1' can't be reached: %2")
+                .arg(address.name,
+                     connectionErrorText(error != 0 ? error : XCB_CONN_CLOSED_INVALID_SCREEN)));
     }
+    made->watchRoot();
     return made;
 }
 
@@ -127,9 +129,13 @@ QString XConnection::endReason() const {
     return QStringLiteral("The connection to the display '%1' has ended").arg(m_name);
 }
 
-QRect XConnection::rootGeometry() {
+void XConnection::watchRoot() {
+    // Its size, and what is sent to it: programs answer there that they live.
+    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
     const auto geometry = reply(xcb_get_geometry(m_connection, root()), xcb_get_geometry_reply);
-    return geometry ? QRect(0, 0, geometry->width, geometry->height) : QRect();
+    if (geometry)
+        m_rootGeometry = QRect(0, 0, geometry->width, geometry->height);
 }
 
 // Replies. The library's own wait has no end when the server is stopped.
@@ -174,9 +180,9 @@ xcb_atom_t XConnection::atom(const QByteArray& name) {
     const auto known = m_atoms.constFind(name);
     if (known != m_atoms.cend())
         return *known;
-    const auto answer =
-        reply(xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData()),
-              xcb_intern_atom_reply);
+    const auto answer = reply(
+        xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData()),
+        xcb_intern_atom_reply);
     if (!answer)
         return XCB_ATOM_NONE;
     m_atoms.insert(name, answer->atom);
@@ -220,6 +226,10 @@ void XConnection::sendMessage(xcb_window_t receiver, xcb_window_t window, const 
 
 void XConnection::takeEvents() {
     while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(*event);
+        if ((event->response_type & eventTypeMask) == XCB_CONFIGURE_NOTIFY &&
+            change.window == root())
+            m_rootGeometry = QRect(0, 0, change.width, change.height);
         if (m_handler)
             m_handler(*event);
     }

@@ -55,13 +55,14 @@ public:
     const xcb_setup_t* setup() const { return m_setup; }
     const xcb_screen_t& screen() const { return *m_screen; }
     xcb_window_t root() const { return m_screen->root; }
-    /// As it is now: a screen may get another size at any time. Empty without a server.
-    QRect rootGeometry();
+    /// As it is known from the events that were taken: a screen may get another size at any time.
+    QRect rootGeometry() const { return m_rootGeometry; }
 
     /// The reply to a request; null when the request failed, as for a window that is gone, and when
     /// the connection has ended.
     template <typename Cookie, typename Reply>
-    Owned<Reply> reply(Cookie cookie, Reply* (*)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
+    Owned<Reply> reply(Cookie cookie,
+                       Reply* (*)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
         return Owned<Reply>(static_cast<Reply*>(waitForReply(cookie.sequence).release()));
     }
     /// Whether a checked request without reply went well.
@@ -97,16 +98,20 @@ public:
 private:
     XConnection(const QString& name, xcb_connection_t* connection, int screenNumber);
     Owned<void> waitForReply(unsigned int sequence);
+    void watchRoot();
 
     QString m_name;
     xcb_connection_t* m_connection;
     const xcb_setup_t* m_setup = nullptr;
     const xcb_screen_t* m_screen = nullptr;
     bool m_isStuck = false;
+    QRect m_rootGeometry;
     QHash<QByteArray, xcb_atom_t> m_atoms;
     std::function<void(const xcb_generic_event_t&)> m_handler;
 };
 
+/// The upper bit of an event's type says who made it.
+inline constexpr uint8_t eventTypeMask = 0x7f;
 /// What the protocol has for no window.
 inline constexpr xcb_window_t noWindow = XCB_WINDOW_NONE;
 /// The server's current time, for requests and messages that need one.

@@ -245,7 +245,37 @@ Outcome<SharedPtr<Object>> RemoteModel::construct(const Class* objectClass,
     return m_link->invoke(0, objectClass->name(), arguments);
 }
 
+Outcome<QVariant> RemoteModel::withPixels(const QVariant& screenshot) const {
+    constexpr int bytesPerPixel = 4;
+    const QString pixelsKey = QStringLiteral("pixels");
+    QVariantMap map = screenshot.toMap();
+    // The application could not reach the memory.
+    if (!map.contains(pixelsKey))
+        return screenshot;
+    QVariantMap pixels = map.value(pixelsKey).toMap();
+    const qint64 width = pixels.value(QStringLiteral("width")).toInt();
+    const qint64 height = pixels.value(QStringLiteral("height")).toInt();
+    constexpr qint64 mostBytes = 512LL << 20;
+    const bool isGoodSize = width > 0 && height > 0 && height <= mostBytes / bytesPerPixel / width;
+    const QByteArray bytes =
+        isGoodSize ? m_pixels.read(width * height * bytesPerPixel) : QByteArray();
+    if (bytes.isEmpty())
+        return fail(FailureKind::Failed,
+                    QStringLiteral("the application's picture of %1x%2 pixels can't be read")
+                        .arg(QString::number(width), QString::number(height)));
+    pixels.insert(QStringLiteral("bytes"), bytes);
+    map.insert(pixelsKey, pixels);
+    return QVariant(map);
+}
+
 Outcome<QVariant> RemoteModel::nativeRequest(const QString& name, const QVariantList& arguments) {
+    if (name == QLatin1String("desktopScreenshot") && arguments.isEmpty()) {
+        const Wire::NativeRequest request{name, {m_pixels.path()}};
+        const auto answer = m_link->ask<Wire::Value>(MessageType::NativeRequest, encode(request));
+        if (!answer)
+            return fail(answer.error());
+        return withPixels(answer->value);
+    }
     const Outcome<QVariant> wireArguments = m_link->wireValue(arguments);
     if (!wireArguments)
         return wireArguments;
@@ -368,6 +398,9 @@ Outcome<Wire::ObjectListing> RemoteModel::listing() {
 }
 
 Outcome<SharedPtr<Object>> RemoteModel::globalBounds(SharedPtr<Object> object) {
+    // A place of the screen is where it is.
+    if (isScreenRectangle(object))
+        return object;
     const Outcome<quint64> handle = m_link->handleOf(object);
     if (!handle)
         return fail(handle.error());
@@ -393,6 +426,11 @@ Outcome<> RemoteModel::keyEvent(const QString& key, bool press) {
 }
 
 Outcome<> RemoteModel::highlight(const Target& target, int milliseconds) {
+    const QRect place = unwrapRemoteScreenRectangleAsQRect(target.object);
+    if (place.isValid()) {
+        return m_link->tell(MessageType::Highlight,
+                            encode(Wire::Highlight{Wire::Target(), milliseconds, place}));
+    }
     const Outcome<Wire::Target> wireTarget = m_link->wireTarget(target);
     if (!wireTarget)
         return fail(wireTarget.error());

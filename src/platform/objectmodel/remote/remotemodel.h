@@ -8,6 +8,7 @@
 #include "platform/objectmodel/access.h"
 #include "platform/objectmodel/objectname.h"
 #include "platform/objectmodel/remote/agentconnection.h"
+#include "wire/sharedbytes.h"
 
 namespace Tamrix {
 
@@ -99,7 +100,12 @@ private:
                              const QString& className, const QString& event,
                              const QString& callback);
 
+    /// Puts the pixels that the application has written to the memory into its answer.
+    Outcome<QVariant> withPixels(const QVariant& screenshot) const;
+
     std::shared_ptr<RemoteLink> m_link;
+    /// Through which pictures of the desktop come.
+    Wire::SharedBytes m_pixels;
 };
 
 }  // namespace Tamrix

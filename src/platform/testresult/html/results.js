@@ -38,7 +38,8 @@ function enlarge(file) {
     dialog.showModal();
 }
 
-function pictureElement(file) {
+// `title` says what the picture shows, if that is known.
+function pictureElement(file, title) {
     const image = make("img");
     image.src = file.path;
     image.alt = file.name;
@@ -49,7 +50,7 @@ function pictureElement(file) {
     image.addEventListener("error", () => button.replaceWith(
         make("p", "problem", `The picture '${file.path}' can't be shown.`)));
     return make("figure", "picture", button,
-        make("figcaption", "", link(file.name, file.path)));
+        make("figcaption", "", title ? `${title}: ` : "", link(file.name, file.path)));
 }
 
 // The objects of an application: a search, and each name to be copied.
@@ -76,14 +77,14 @@ function treeElement(tree) {
     return make("div", "objects", search, list);
 }
 
-function fillFile(inside, file) {
+function fillFile(inside, file, title) {
     if (file.problem) {
         inside.append(make("p", "problem", file.problem));
     } else if (file.tree !== undefined) {
         inside.append(treeElement(data.trees[file.tree]),
             make("p", "note", link(file.name, file.path)));
     } else if (file.kind === "image") {
-        inside.append(pictureElement(file));
+        inside.append(pictureElement(file, title));
     } else if (file.kind === "video") {
         inside.append(make("figure", "video", playerElement(file),
             make("figcaption", "", link(file.name, file.path))));
@@ -137,8 +138,8 @@ function explanationElement(text) {
 function fillMoment(inside, entry) {
     const attached = entry.attached || [];
     const pictures = make("div", "pictures");
-    for (const { file } of attached.filter(({ file }) => file.kind === "image"))
-        fillFile(pictures, file);
+    for (const { file, message } of attached.filter(({ file }) => file.kind === "image"))
+        fillFile(pictures, file, message);
     if (entry.screenshot)
         fillFile(pictures, entry.screenshot);
     if (pictures.firstChild)
@@ -155,7 +156,8 @@ function resultElement(entry, row, isOpen) {
                 (entry.message ? ": " : "") + firstLine(entry.detail)) : ""),
         timeOf(entry)];
     if (!entry.detail && !entry.comment && !entry.explanation && !entry.stack &&
-        !entry.screenshot && !entry.echo && !entry.wholes && !entry.attached)
+        !entry.screenshot && !entry.echo && !entry.wholes && !entry.attached &&
+        !videoOf.has(entry))
         return make("div", "entry flat", ...summary);
     return foldable(entry.failure && isOpen ? "entry failure" : "entry", summary, isOpen,
         (inside) => {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <optional>
 #include <vector>
 
 namespace Tamrix::Tesseract {
@@ -13,6 +14,8 @@ namespace {
 constexpr int shortestLine = 24;
 constexpr int shortestSide = 8;
 constexpr int thickestLine = 2;
+constexpr int cornerWidth = 4;
+constexpr int cornerHeight = 3;
 
 /// How much a line differs from what is beside it, and may differ from itself, in each channel.
 constexpr int leastContrast = 6;
@@ -95,21 +98,19 @@ public:
             std::fill_n(m_pixels.begin() + offset(row.start, row.line + next), row.end - row.start,
                         true);
     }
-    /// Whether the point is the end of a frame's side: it touches a long line, or stands at the end
-    /// of one, where corners may be round. A letter's stroke in a narrow row does neither.
-    bool meets(int x, int y) const {
+    /// The row of a long line that a frame's side meets whose end is the point: the side touches
+    /// it, or stands at its end, where corners may be round. A letter's stroke in a narrow row does
+    /// neither.
+    std::optional<int> rowMet(int x, int y) const {
         for (int row = y - cornerHeight; row <= y + cornerHeight; ++row) {
-            const bool isBeside = has(x - cornerWidth, row) && has(x + cornerWidth, row);
-            if (std::abs(row - y) <= 1 ? isNear(x, row) : !isBeside && isNear(x, row))
-                return true;
+            const bool isAtEnd = !(has(x - cornerWidth, row) && has(x + cornerWidth, row));
+            if (isNear(x, row) && (std::abs(row - y) <= 1 || isAtEnd))
+                return row;
         }
-        return false;
+        return std::nullopt;
     }
 
 private:
-    static constexpr int cornerWidth = 4;
-    static constexpr int cornerHeight = 3;
-
     bool has(int x, int y) const {
         return x >= 0 && y >= 0 && x < m_width && y < m_height &&
                m_pixels[std::size_t(offset(x, y))];
@@ -137,6 +138,18 @@ void erase(const Lines& lines, const FrameLine& found, QRgb* target) {
     }
 }
 
+/// Overwrites what is left between the end of an erased side and the row that it met.
+void eraseCorner(QImage& image, int x, int y, int row) {
+    const QRect corner(QPoint(x - cornerWidth, std::min(y, row)),
+                       QPoint(x + cornerWidth, std::max(y, row)));
+    const QRect inside = corner & image.rect();
+    const QRgb color = image.pixel(x, y);
+    for (int line = inside.top(); line <= inside.bottom(); ++line) {
+        for (int column = inside.left(); column <= inside.right(); ++column)
+            image.setPixel(column, line, color);
+    }
+}
+
 }  // namespace
 
 QImage withoutFrameLines(const QImage& image) {
@@ -159,10 +172,15 @@ QImage withoutFrameLines(const QImage& image) {
     // A short line that goes down from one long line to another is the side of a frame. A letter's
     // stroke in an underlined text meets one at its foot only.
     for (const FrameLine& column : findAlong(columns, shortestSide)) {
-        if (column.end - column.start >= shortestLine ||
-            (longRows.meets(column.line, column.start) &&
-             longRows.meets(column.line, column.end - 1)))
-            erase(columns, column, target);
+        const std::optional<int> top = longRows.rowMet(column.line, column.start);
+        const std::optional<int> bottom = longRows.rowMet(column.line, column.end - 1);
+        if (column.end - column.start < shortestLine && !(top && bottom))
+            continue;
+        erase(columns, column, target);
+        if (top)
+            eraseCorner(result, column.line, column.start, *top);
+        if (bottom)
+            eraseCorner(result, column.line, column.end - 1, *bottom);
     }
     return result;
 }

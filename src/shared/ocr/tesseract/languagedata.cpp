@@ -105,17 +105,9 @@ QString tessdataOf(const QString& dir) {
     return QStringLiteral("%1/tessdata").arg(dir);
 }
 
-LanguageData loadLanguagesFile(const QString& dir) {
-    // 1. The file.
-    const QString path = dir + QStringLiteral("/languageNames.xml");
-    QFile file(path);
-    if (!file.exists())
-        giveUp(QStringLiteral("Language map file '%1' does not exist").arg(path));
-    if (!file.open(QIODevice::ReadOnly))
-        giveUp(QStringLiteral("Language map file '%1' cannot be open: %2")
-                   .arg(path, file.errorString()));
-    // 2. Its root.
-    QXmlStreamReader xml(&file);
+LanguageData readLanguageMap(QIODevice* file, const QString& path) {
+    // The root.
+    QXmlStreamReader xml(file);
     const auto failParsing = [&path](const QString& problem) {
         giveUp(QStringLiteral("Language map file '%1' parsing failed: %2").arg(path, problem));
     };
@@ -124,7 +116,7 @@ LanguageData loadLanguagesFile(const QString& dir) {
                                    : QStringLiteral("The root element missing"));
     if (xml.name() != QLatin1String("languageMap"))
         failParsing(QStringLiteral("root element must be languageMap"));
-    // 3. What it holds. The mode that leaves the choice to the engine is always there.
+    // What it holds. The mode that leaves the choice to the engine is always there.
     LanguageData data;
     data.second.append(TesseractOptions::DefaultMode);
     while (xml.readNextStartElement()) {
@@ -138,6 +130,19 @@ LanguageData loadLanguagesFile(const QString& dir) {
     if (xml.hasError())
         failParsing(xml.errorString());
     return data;
+}
+
+LanguageData loadLanguagesFile(const QString& dir) {
+    // 1. The file.
+    const QString path = dir + QStringLiteral("/languageNames.xml");
+    QFile file(path);
+    if (!file.exists())
+        giveUp(QStringLiteral("Language map file '%1' does not exist").arg(path));
+    if (!file.open(QIODevice::ReadOnly))
+        giveUp(QStringLiteral("Language map file '%1' cannot be open: %2")
+                   .arg(path, file.errorString()));
+    // 2. and 3. What it holds.
+    return readLanguageMap(&file, path);
 }
 
 LanguageData loadLanguages(const QString& dir) {

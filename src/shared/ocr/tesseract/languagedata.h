@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIODevice>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -30,6 +31,10 @@ TAMRIX_EXPORT QString tesseractFlavorDir(const Settings& settings, const QString
 
 /// Where Tesseract finds its data files in such a folder.
 TAMRIX_EXPORT QString tessdataOf(const QString& dir);
+
+/// What a file "languageNames.xml" says that was opened. `path` is that of messages. Throws
+/// InitializationError when it can't be read.
+TAMRIX_EXPORT LanguageData readLanguageMap(QIODevice* file, const QString& path);
 
 /// What "languageNames.xml" says. Throws InitializationError, with its path, when it isn't there or
 /// can't be read.

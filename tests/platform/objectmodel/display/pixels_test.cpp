@@ -56,9 +56,10 @@ TEST(PixelsTest, WhatTheServerDoesNotGiveIsNotRead) {
     EXPECT_EQ(textOf(16, {70000, 70000}, plain),
               "the X server gave 16 bytes for a picture of 70000x70000 pixels");
     EXPECT_EQ(textOf(16, {0, 2}, plain), "the X server gave 16 bytes for a picture of 0x2 pixels");
-    EXPECT_EQ(textOf(16, {2, 2}, palette),
-              "pictures of a display with 8 bits a pixel and a palette can't be taken; 16, 24 and 30 "
-              "bits are fine");
+    EXPECT_EQ(
+        textOf(16, {2, 2}, palette),
+        "pictures of a display with 8 bits a pixel and a palette can't be taken; 16, 24 and 30 "
+        "bits are fine");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// What X servers differ in: depth, shared memory, the extension for input, keyboards; and their end.
+// What X servers differ in: depth, shared memory, the extension for input, keyboards; and their
+// end.
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
@@ -22,12 +23,12 @@ std::shared_ptr<XConnection> connectTo(const TestDisplay& display) {
 
 /// A window of this test in a colour of three bytes, without a border.
 xcb_window_t showWindow(XConnection& connection, const QRect& bounds, QRgb colour) {
-    const auto allocated = connection.reply(
-        xcb_alloc_color(connection.get(), connection.screen().default_colormap,
-                        static_cast<uint16_t>(qRed(colour) * 257),
-                        static_cast<uint16_t>(qGreen(colour) * 257),
-                        static_cast<uint16_t>(qBlue(colour) * 257)),
-        xcb_alloc_color_reply);
+    const auto allocated =
+        connection.reply(xcb_alloc_color(connection.get(), connection.screen().default_colormap,
+                                         static_cast<uint16_t>(qRed(colour) * 257),
+                                         static_cast<uint16_t>(qGreen(colour) * 257),
+                                         static_cast<uint16_t>(qBlue(colour) * 257)),
+                         xcb_alloc_color_reply);
     const uint32_t pixel = allocated ? allocated->pixel : 0;
     const xcb_window_t window = xcb_generate_id(connection.get());
     xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, connection.root(),
@@ -110,9 +111,9 @@ TEST(XServerTest, AllCharactersHaveAKeyForATime) {
     const TestDisplay display("xcb");
     const std::shared_ptr<XConnection> connection = connectTo(display);
     const auto symbolOf = [&](const KeyStroke& stroke) {
-        const auto mapping = connection->reply(
-            xcb_get_keyboard_mapping(connection->get(), stroke.code, 1),
-            xcb_get_keyboard_mapping_reply);
+        const auto mapping =
+            connection->reply(xcb_get_keyboard_mapping(connection->get(), stroke.code, 1),
+                              xcb_get_keyboard_mapping_reply);
         const xcb_keysym_t* const symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
         return symbols[stroke.withShift ? 1 : 0];
     };
@@ -144,11 +145,20 @@ TEST(XServerTest, KeysHaveTheSymbolsOfX) {
         const char* keys;
         quint32 symbol;
     } table[] = {
-        {"Return", XKB_KEY_Return},   {"Enter", XKB_KEY_KP_Enter}, {"F11", XKB_KEY_F11},
-        {"PgUp", XKB_KEY_Page_Up},    {"a", XKB_KEY_a},            {"A", XKB_KEY_a},
-        {"Ä", XKB_KEY_adiaeresis},    {"€", XKB_KEY_EuroSign},     {"+", XKB_KEY_plus},
-        {"Space", XKB_KEY_space},     {"Ctrl", XKB_KEY_Control_L}, {"Win", XKB_KEY_Super_L},
-        {"Left", XKB_KEY_Left},       {"Menu", XKB_KEY_Menu},
+        {"Return", XKB_KEY_Return},
+        {"Enter", XKB_KEY_KP_Enter},
+        {"F11", XKB_KEY_F11},
+        {"PgUp", XKB_KEY_Page_Up},
+        {"a", XKB_KEY_a},
+        {"A", XKB_KEY_a},
+        {"Ä", XKB_KEY_adiaeresis},
+        {"€", XKB_KEY_EuroSign},
+        {"+", XKB_KEY_plus},
+        {"Space", XKB_KEY_space},
+        {"Ctrl", XKB_KEY_Control_L},
+        {"Win", XKB_KEY_Super_L},
+        {"Left", XKB_KEY_Left},
+        {"Menu", XKB_KEY_Menu},
     };
     for (const auto& row : table) {
         QString error;
@@ -215,10 +225,11 @@ TEST(XServerTest, TheEndOfTheServerEndsAll) {
 
     const auto again = XConnection::open({display.name(), {}});
     ASSERT_FALSE(again);
-    EXPECT_EQ(again.error().text,
-              QString("the display '%1' can't be reached: there is no X server, or it lets nobody in "
-                      "without its cookie")
-                  .arg(display.name()));
+    EXPECT_EQ(
+        again.error().text,
+        QString("the display '%1' can't be reached: there is no X server, or it lets nobody in "
+                "without its cookie")
+            .arg(display.name()));
     EXPECT_EQ(XConnection::open({}).error().text, "there is no X display: DISPLAY is not set");
 }
 

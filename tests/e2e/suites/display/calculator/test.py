@@ -29,5 +29,5 @@ def main():
     bounds = object.globalBounds(w)
     test.compare([bounds.x, bounds.y, bounds.width, bounds.height], [w.x, w.y, width, height])
     closeWindow(w)
-    test.verify(waitFor(lambda: not a.isRunning(), 20000))
+    test.verify(waitFor(lambda: not a.isRunning(), 60000))
     test.exception(lambda: w.title)

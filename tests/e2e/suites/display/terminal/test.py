@@ -2,21 +2,34 @@
 import os
 
 
+def shows_change(window, act):
+    """Does something and waits until the window looks otherwise: a terminal answers no pings."""
+    before = object.grabScreenshot(window)
+    act()
+    test.verify(waitFor(lambda: object.grabScreenshot(window) != before, 60000))
+
+
 def main():
     file = os.path.abspath("typed.txt")
     a = startApplication("terminal -e 'cat > \"%s\"'" % file)
     w = waitForObject({"type": "Window", "class": "XTerm"})
-    typeText(w, "first line ÄÖ€\n\"second\"\n")
-    # Select the first word and paste it.
-    doubleClick(w, 12, 10)
-    click(w, 12, 10, "middle")
+    shows_change(w, lambda: typeText(w, "first line ÄÖ€\n\"second\"\n"))
+    snooze(0.5)
+    # Select the first word and paste it, then the line.
+    shows_change(w, lambda: doubleClick(w, 12, 10))
+    shows_change(w, lambda: click(w, 12, 10, "middle"))
     typeText(w, "\n")
-    drag(w, 3, 10, 200, 0)
-    mousePress(w, 12, 10, 4)
-    mouseRelease(w, 12, 10, 4)
+    snooze(0.5)
+    shows_change(w, lambda: drag(w, 3, 10, 200, 0))
+
+    def paste():
+        mousePress(w, 12, 10, 4)
+        mouseRelease(w, 12, 10, 4)
+
+    shows_change(w, paste)
     typeText(w, "\n")
     press(w, "Ctrl+D")
-    test.verify(waitFor(lambda: not a.isRunning(), 20000))
+    test.verify(waitFor(lambda: not a.isRunning(), 60000))
     with open(file, encoding="utf-8") as typed:
         lines = typed.read().split("\n")
     os.remove(file)

@@ -17,10 +17,10 @@ def main():
         typeText(window, "x")
         test.verify(object.exists({"title": window.title, "visible": True}))
     closeWindow(second)
-    test.verify(waitFor(lambda: not object.exists("{title='second'}"), 20000))
+    test.verify(waitFor(lambda: not object.exists("{title='second'}"), 60000))
     try:
         click(second)
     except Exception as error:
         test.log("gone", str(error))
     first.close()
-    test.verify(waitFor(lambda: not a.isRunning(), 20000))
+    test.verify(waitFor(lambda: not a.isRunning(), 60000))
