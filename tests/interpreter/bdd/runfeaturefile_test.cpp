@@ -111,7 +111,7 @@ protected:
         return Normaliser().path(data, "<DATA>")(text);
     }
 
-    const QString data = QFileInfo(QString(__FILE__)).absolutePath() + "/data";
+    const QString data = TAMRIX_TEST_SOURCE_DIR "/tests/interpreter/bdd/data";
     QTemporaryDir folder;
     RecordingReport report;
     TestResult result{&report};
