@@ -62,15 +62,6 @@ void KeyMap::load() {
     }
 }
 
-std::vector<quint32> KeyMap::symbolsOf(xcb_keycode_t code) const {
-    const size_t begin = static_cast<size_t>(code - m_connection->setup()->min_keycode) *
-                         static_cast<size_t>(m_columns);
-    if (begin + static_cast<size_t>(m_columns) > m_symbols.size())
-        return {};
-    return {m_symbols.begin() + static_cast<long>(begin),
-            m_symbols.begin() + static_cast<long>(begin) + m_columns};
-}
-
 std::optional<KeyStroke> KeyMap::find(quint32 keySym, int group, bool hasCapsLock) const {
     const int base = group * columnsPerGroup;
     if (group >= reachableGroups || base >= m_columns)
