@@ -69,7 +69,8 @@ std::optional<KeyStroke> KeyMap::find(quint32 keySym, int group, bool hasCapsLoc
     const bool flips = hasCapsLock && isLetter(keySym);
     // A key that gives it without Shift goes before one that does with it.
     for (int level = 0; level < columnsPerGroup && base + level < m_columns; ++level) {
-        for (size_t index = static_cast<size_t>(base + level); index < m_symbols.size();
+        const int first = base + level;
+        for (auto index = static_cast<size_t>(first); index < m_symbols.size();
              index += static_cast<size_t>(m_columns)) {
             if (m_symbols[index] != keySym)
                 continue;
