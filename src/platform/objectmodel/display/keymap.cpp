@@ -62,15 +62,6 @@ void KeyMap::load() {
     }
 }
 
-std::vector<quint32> KeyMap::symbolsOf(xcb_keycode_t code) const {
-    const size_t begin = static_cast<size_t>(code - m_connection->setup()->min_keycode) *
-                         static_cast<size_t>(m_columns);
-    if (begin + static_cast<size_t>(m_columns) > m_symbols.size())
-        return {};
-    return {m_symbols.begin() + static_cast<long>(begin),
-            m_symbols.begin() + static_cast<long>(begin) + m_columns};
-}
-
 std::optional<KeyStroke> KeyMap::find(quint32 keySym, int group, bool hasCapsLock) const {
     const int base = group * columnsPerGroup;
     if (group >= reachableGroups || base >= m_columns)
@@ -78,7 +69,8 @@ std::optional<KeyStroke> KeyMap::find(quint32 keySym, int group, bool hasCapsLoc
     const bool flips = hasCapsLock && isLetter(keySym);
     // A key that gives it without Shift goes before one that does with it.
     for (int level = 0; level < columnsPerGroup && base + level < m_columns; ++level) {
-        for (size_t index = static_cast<size_t>(base + level); index < m_symbols.size();
+        const int first = base + level;
+        for (auto index = static_cast<size_t>(first); index < m_symbols.size();
              index += static_cast<size_t>(m_columns)) {
             if (m_symbols[index] != keySym)
                 continue;

@@ -28,8 +28,6 @@ public:
     Outcome<KeyStroke> strokeFor(quint32 keySym);
     /// The layout may have changed.
     void markStale() { m_isStale = true; }
-    /// What a key gives without modifiers, in each of its columns.
-    std::vector<quint32> symbolsOf(xcb_keycode_t code) const;
 
 private:
     struct Borrowed {
