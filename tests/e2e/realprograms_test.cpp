@@ -56,7 +56,7 @@ TEST_P(RealPrograms, SuitesPass) {
         QStringList cases;
     } suites[] = {
 #ifdef TAMRIX_TEST_QT6
-        {"examples/suite_applications", {}},
+        {"examples/suite_applications", {}},      {"examples/suite_features", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},

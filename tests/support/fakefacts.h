@@ -13,8 +13,11 @@ public:
     QString resultDirectory;
     QString group = "the group";
     QString device = "the device";
+    QStringList tagFilters;
+    std::vector<unsigned> wantedScenarios;
     bool ideMode = false;
     bool hasObjectModel = false;
+    bool recordsVideo = false;
     TestResult* result = nullptr;
     int fixTarget = 0;
 
@@ -33,12 +36,12 @@ public:
     int imageSearchFixTarget() override { return fixTarget; }
     QString objectMapPath() override { return {}; }
     QString currentResultDirectory() override { return resultDirectory; }
-    QStringList filterArguments() override { return {}; }
-    std::vector<unsigned> scenarioIndices() override { return {}; }
+    QStringList filterArguments() override { return tagFilters; }
+    std::vector<unsigned> scenarioIndices() override { return wantedScenarios; }
     bool isIDEMode() override { return ideMode; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return result; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return recordsVideo; }
     bool acquireRemoteObjectModel() override {
         ++acquired;
         return hasObjectModel;

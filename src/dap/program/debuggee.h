@@ -61,8 +61,13 @@ public:
     Outcome<QByteArray> searchState(const QByteArray& kind);
     /// Changes it. What is wrong with the state is a failure.
     Outcome<> setSearchState(const QByteArray& kind, const QByteArray& state);
+    /// The file in which the script stands.
+    Outcome<QString> currentFile();
     /// From where the function in which the script stands was called, the innermost place first.
     Outcome<std::vector<ScriptPlace>> callers();
+
+    /// Whether a step of a feature file without a definition stops.
+    Outcome<> setMissingStepStops(bool on);
 
     // Commands, to a script that stands still.
     void setObjectNotFoundStops(bool on);

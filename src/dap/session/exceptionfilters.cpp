@@ -14,6 +14,10 @@ std::vector<ExceptionBreakpointsFilter> ExceptionFilters::offered() {
          "Stops where an object is looked for in vain. Continuing looks again.", false},
         {imageNotFound, "Images Not Found",
          "Stops where an image is searched for in vain. Continuing searches again.", false},
+        {missingStep, "Missing Steps",
+         "Stops at a step of a feature file without a definition. Continuing loads what has been "
+         "written and looks again.",
+         false},
     };
 }
 
@@ -33,6 +37,8 @@ Outcome<> ExceptionFilters::choose(const std::vector<QString>& names) {
 Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const {
     debuggee.setObjectNotFoundStops(stopsAtMissingObjects());
     debuggee.setImageNotFoundStops(stopsAtMissingImages());
+    if (const Outcome<> set = debuggee.setMissingStepStops(isOn(missingStep)); !set)
+        return set;
     struct Switch {
         const char* setting;
         bool on;

@@ -30,6 +30,7 @@ private:
     static constexpr char scriptError[] = "scriptError";
     static constexpr char objectNotFound[] = "objectNotFound";
     static constexpr char imageNotFound[] = "imageNotFound";
+    static constexpr char missingStep[] = "missingStep";
 
     bool isOn(const char* name) const;
 

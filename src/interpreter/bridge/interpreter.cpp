@@ -169,6 +169,15 @@ bool Interpreter::invokeFunction(const QString& name) {
     return false;
 }
 
+ScriptContext* Interpreter::scriptContext() {
+    return nullptr;
+}
+
+bool Interpreter::callLibraryFunction(const QString& name, const QStringList&) {
+    setErrorMessage("The language of the test case can't call '" + name + "' without a script");
+    return false;
+}
+
 bool Interpreter::invoke(SharedPtr<ScriptArgument> callable) {
     const CurrentContextSaver saver;
     m_callbackError = {};

@@ -20,6 +20,7 @@ namespace Tamrix {
 
 class Debugger;
 class RunnerInterface;
+class ScriptContext;
 class TestResult;
 
 /// Base of every language's interpreter: the current error, runner and debugger, the script's
@@ -91,6 +92,12 @@ public:
     virtual bool invokeCallable(const QString& identifier);
     /// The same for a function of the script; nothing is printed.
     virtual bool invokeFunction(const QString& name);
+    /// The context in which its scripts run, owned by the interpreter. Null, as by default, when
+    /// the language has none beside those of calls.
+    virtual ScriptContext* scriptContext();
+    /// Calls a function of the library as a script would that is not there; false on failure, with
+    /// the error fields set. By default a language can't.
+    virtual bool callLibraryFunction(const QString& name, const QStringList& arguments);
 
     RunnerInterface* runner() const { return m_runner; }
     Debugger* debugger() const { return m_debugger; }

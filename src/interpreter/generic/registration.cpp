@@ -1,6 +1,7 @@
 // The names under which scripts reach the library. Every name of the interface has its row; a row
 // without a function is not registered, so that a script is told that there is no such name.
 
+#include "interpreter/bdd/runfeaturefile.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
@@ -10,11 +11,16 @@
 #include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
+#include "interpreter/generic/ocrfunctions.h"
+#include "interpreter/generic/remotefunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
 #include "interpreter/generic/screenshotfunctions.h"
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
+#include "interpreter/generic/verificationpoints.h"
+#include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
 
@@ -65,23 +71,41 @@ const FunctionRow globalFunctions[] = {
      "callback)"},
     {"uninstallEventHandler", uninstallEventHandler, "", "objectOrType event callback",
      "Takes back installEventHandler with the same arguments"},
-    {"runFeatureFile"},
-    {"_tamrix_connect_to_remote_system"},
-    {"_tamrix_close_remote_system_connection"},
-    {"_tamrix_remote_get_environment_variable"},
-    {"_tamrix_remote_get_os_name"},
-    {"_tamrix_remote_execute_command"},
-    {"_tamrix_remote_get_directory_content"},
-    {"_tamrix_remote_get_path_property"},
-    {"_tamrix_remote_path_exists"},
-    {"_tamrix_remote_rename_path"},
-    {"_tamrix_remote_create_path"},
-    {"_tamrix_remote_delete_path"},
-    {"_tamrix_remote_create_file"},
-    {"_tamrix_remote_delete_file"},
-    {"_tamrix_remote_copy_path"},
-    {"_tamrix_remote_upload_file"},
-    {"_tamrix_remote_download_file"},
+    {"runFeatureFile", runFeatureFile, "fileName", "",
+     "Runs the scenarios of a feature file with the step definitions of the scripts"},
+    {"_tamrix_connect_to_remote_system", RemoteSystemApi::connectToRemoteSystem, "", "host port",
+     "Connects to a machine, or to the default one; returns a handle"},
+    {"_tamrix_close_remote_system_connection", RemoteSystemApi::closeRemoteSystemConnection,
+     "handle", "", "Ends a connection"},
+    {"_tamrix_remote_get_environment_variable", RemoteSystemApi::getEnvironmentVariable,
+     "handle envvarname", "", "The value of an environment variable"},
+    {"_tamrix_remote_get_os_name", RemoteSystemApi::getOSName, "handle", "",
+     "The operating system of the machine"},
+    {"_tamrix_remote_execute_command", RemoteSystemApi::executeCommand,
+     "handle command cwd env options", "",
+     "Runs a program to its end; returns its exit code and output"},
+    {"_tamrix_remote_get_directory_content", RemoteSystemApi::getRemoteDirectoryContent,
+     "handle remotePath", "", "The names of all that is in a folder"},
+    {"_tamrix_remote_get_path_property", RemoteSystemApi::getRemotePathProperty,
+     "handle remotePath propertyName", "", "What is known of a path"},
+    {"_tamrix_remote_path_exists", RemoteSystemApi::remotePathExists, "handle remotePath", "",
+     "Whether there is something under the path"},
+    {"_tamrix_remote_rename_path", RemoteSystemApi::remoteRenamePath,
+     "handle oldRemotePath newRemotePath", "", "Renames a file or folder"},
+    {"_tamrix_remote_create_path", RemoteSystemApi::remoteCreatePath, "handle remotePath",
+     "recursive", "Makes a folder"},
+    {"_tamrix_remote_delete_path", RemoteSystemApi::remoteDeletePath, "handle remotePath",
+     "recursive", "Removes a file or folder"},
+    {"_tamrix_remote_create_file", RemoteSystemApi::remoteCreateFile,
+     "handle remotePath content encoding", "", "Writes a text to a file"},
+    {"_tamrix_remote_delete_file", RemoteSystemApi::remoteDeleteFile, "handle remotePath", "",
+     "Removes a file"},
+    {"_tamrix_remote_copy_path", RemoteSystemApi::remoteCopyPath,
+     "handle srcRemotePath dstRemotePath", "", "Copies a file or folder on the machine"},
+    {"_tamrix_remote_upload_file", RemoteSystemApi::remoteUploadFile, "handle localPath remotePath",
+     "", "Copies a file to the machine"},
+    {"_tamrix_remote_download_file", RemoteSystemApi::remoteDownloadFile,
+     "handle remotePath localPath", "", "Copies a file from the machine"},
     {"startApplication", startApplication, "program", "host port timeout",
      "Starts an application; returns its context"},
     {"attachToApplication", attachToApplication, "name", "host port timeout",
@@ -144,9 +168,13 @@ const FunctionRow testFunctions[] = {
      "Passes when both XML files are the same document; returns whether they are"},
     {"compareJSONFiles", testCompareJSONFiles, "expected actual", "",
      "Passes when both JSON files hold the same value; returns whether they do"},
-    {"vp"},
-    {"xvp"},
-    {"vpWithObject"},
+    {"vp", testVP, "name", "messageOrRecord",
+     "Passes when the application shows what a verification point of the suite expects; returns "
+     "whether it does"},
+    {"xvp", testXVP, "name", "messageOrRecord",
+     "As vp, for a verification point that is expected to differ"},
+    {"vpWithObject", testVPWithObject, "name objectOrName", "",
+     "As vp, with this object in place of the one that the verification point names"},
     {"exception", testException, "code", "comment",
      "Passes when the code raises an exception; returns whether it did"},
     {"resultCount", testResultCount, "category", "",
@@ -164,14 +192,18 @@ const FunctionRow testFunctions[] = {
      "Passes as soon as the image is not on the screen; returns whether it went in time"},
     {"imagePresent", testImagePresent, "image", "options region",
      "Passes as soon as the image is on the screen; returns whether it came in time"},
-    {"ocrTextNotPresent"},
-    {"ocrTextPresent"},
+    {"ocrTextNotPresent", testOcrTextNotPresent, "text", "options region",
+     "Passes as soon as the text can't be read on the screen; returns whether that was in time"},
+    {"ocrTextPresent", testOcrTextPresent, "text", "options region",
+     "Passes as soon as the text can be read on the screen; returns whether that was in time"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
     {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
      "Adds a picture of the desktop to the results"},
     {"attachImage", testAttachImage, "image", "message", "Adds a picture to the results"},
-    {"startVideoCapture"},
-    {"stopVideoCapture"},
+    {"startVideoCapture", testStartVideoCapture, "", "message",
+     "Starts a video of the current application's display; returns its VideoCapture"},
+    {"stopVideoCapture", testStopVideoCapture, "", "message",
+     "Ends the video of the current application"},
     {"expect", testExpect, "nameOrObject properties", "timeout comment",
      "Passes as soon as the object is there and has all the properties; returns whether it had "
      "them in time"},
@@ -260,20 +292,21 @@ const NativeRow nativeFunctions[] = {
      "Saves an object screenshot to a file"},
     {"highlightObject", highlightObject, "object", "timeoutms block",
      "Highlights the specified object"},
-    {"createVisualVP", nullptr, "object VPname", "",
+    {"createVisualVP", createVisualVP, "object VPname", "",
      "Creates a visual verification point for an object"},
     {"findImage", findImage, "image", "options region",
      "Returns a position of the specified image"},
     {"waitForImage", waitForImage, "image", "options region",
      "Returns a position of the specified image"},
-    {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
-    {"findOcrText", nullptr, "text", "options region",
+    {"getOcrText", getOcrText, "", "options region", "Returns all text found by OCR"},
+    {"findOcrText", findOcrText, "text", "options region",
      "Searches for the specified text in OCR results"},
-    {"waitForOcrText", nullptr, "text", "options region",
+    {"waitForOcrText", waitForOcrText, "text", "options region",
      "Waits for the specified text in OCR results"},
-    {"findAllOcrText", nullptr, "text", "options region",
+    {"findAllOcrText", findAllOcrText, "text", "options region",
      "Finds locations of all instances of the specified text in OCR results"},
-    {"getAllOcrText", nullptr, "", "options region", "Returns all word locations found by OCR"},
+    {"getAllOcrText", getAllOcrText, "", "options region",
+     "Returns all word locations found by OCR"},
 };
 
 /// Registered last, behind the native classes.
@@ -338,6 +371,7 @@ void ScriptContext::initFunctions() {
         describeFunction(QString("ApplicationContext::") + row.name, describe(row));
         addMemberFunction("ApplicationContext", row.name, row.function);
     }
+    TestInteraction::initFunctions(this);
 }
 
 void Interpreter::initNativeAPI() {
@@ -346,6 +380,7 @@ void Interpreter::initNativeAPI() {
     addHiddenNativeClass<TestSettingsType>(this, "testSettings");
     addNativeClass<ImageScriptObject>(this, "Image");
     addNativeClass<ScreenshotScriptObject>(this, "Screenshot");
+    addNativeClass<VideoCaptureScriptObject>(this, "VideoCapture");
     // What testSettings holds; scripts get the objects from it.
     addHiddenNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
     addHiddenNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");

@@ -95,10 +95,10 @@ struct CheckedName {
 /// `answerTimeout` of -1 is the usual time for an answer.
 ///
 /// The agent's connection is one implementation (RemoteModel); the tests have one in memory. How
-/// others fit:
+/// others fit, or would:
 ///
-/// - A display without an agent has one object, the screen, and acts by mouse, keys and pictures:
-///   mouseEvent() without target, keyEvent(), nativeRequest("desktopScreenshot"); names it refuses.
+/// - A display without an agent (DisplayModel) has its windows as objects, and acts by mouse, keys
+///   and pictures; names of anything else it refuses.
 /// - Accessibility (AT-SPI) has trees, properties and actions, each asked for over D-Bus: it
 ///   matches names on this side of the connection, keeps what it learnt for the time of one look, and waits
 ///   in act() by looking again, as its objects can't do it themselves. What it can't ask, as who
@@ -165,9 +165,11 @@ public:
     virtual Outcome<> quit();
 
     // What there is.
-    /// Of nothing: of all objects.
+    /// Of nothing: of all objects. With images: a picture of the target, or of each window, in
+    /// which its parts are seen; none of the parts themselves.
     virtual Outcome<QByteArray> snapshotOf(const Target& target, bool withImages);
     Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
+    Outcome<QByteArray> snapshotWithPicture(SharedPtr<Object> object) override;
     /// All objects with their names.
     virtual Outcome<Wire::ObjectListing> listing();
     /// A screen rectangle.

@@ -78,13 +78,19 @@ bool needsOwnCase(const SuiteTally& suite) {
         [outcome](const CaseTally& testCase) { return testCase.outcome() == outcome; });
 }
 
-Totals totalsOf(const SuiteTally& suite) {
-    Totals totals;
-    if (needsOwnCase(suite))
-        totals.add(suite.outside.outcome());
-    for (const CaseTally& testCase : suite.cases)
-        totals.add(testCase.outcome());
-    return totals;
+/// Whether a case that runs scenarios needs an element of its own beside theirs.
+bool needsOwnElement(const CaseTally& testCase) {
+    const CaseOutcome outcome = testCase.outcome();
+    return testCase.scenarios.empty() || !testCase.failuresOutsideScenarios.empty() ||
+           outcome == CaseOutcome::Skipped || outcome == CaseOutcome::Incomplete ||
+           outcome == CaseOutcome::Interrupted;
+}
+
+/// How a case came out apart from its scenarios.
+CaseOutcome outcomeOutside(const CaseTally& testCase) {
+    Tally outside = testCase;
+    outside.failures = testCase.failuresOutsideScenarios;
+    return outside.outcome();
 }
 
 /// The form in which the consumers look for files.
@@ -110,7 +116,10 @@ JUnitReport::JUnitReport(const QString& path) {
 JUnitReport::~JUnitReport() = default;
 
 void JUnitReport::add(const ReportEntry& entry) {
-    Texts& texts = m_texts[m_tally.add(entry).id];
+    const Tally* tally = &m_tally.add(entry);
+    if (m_tally.scenario())
+        tally = m_tally.scenario();
+    Texts& texts = m_texts[tally->id];
     std::visit(Overloaded{
                    [&](const ResultAdded& result) {
                        // Failures have an element of their own, and so has the skip of a case.
@@ -119,7 +128,14 @@ void JUnitReport::add(const ReportEntry& entry) {
                            addLine(texts, describeResult(result));
                    },
                    [&](const FileAttached& file) { addLine(texts, attachmentLine(file.path)); },
-                   [&](const VideoEnded& video) { addLine(texts, attachmentLine(video.path)); },
+                   // A run that was killed leaves a video without its end.
+                   [&](const VideoStarted& video) { texts.videos.append(video.path); },
+                   [&](const VideoEnded& video) {
+                       if (video.isDiscarded)
+                           texts.videos.removeOne(video.path);
+                       else if (!texts.videos.contains(video.path))
+                           texts.videos.append(video.path);
+                   },
                    [&](const OutputWritten& output) {
                        (output.stream == OutputStream::StandardError ? texts.err : texts.out) +=
                            output.text;
@@ -137,8 +153,10 @@ void JUnitReport::finish() {
     ReportXml xml(&text);
     xml.startElement("testsuites");
     Totals totals;
-    for (const SuiteTally& suite : m_tally.suites())
-        totals.add(totalsOf(suite));
+    for (const SuiteTally& suite : m_tally.suites()) {
+        for (const Element& element : elementsOf(suite))
+            totals.add(element.outcome);
+    }
     writeTotals(xml, totals);
     xml.addAttribute("time", secondsText(m_tally.seconds()));
     for (const SuiteTally& suite : m_tally.suites())
@@ -162,7 +180,10 @@ void JUnitReport::addLine(Texts& texts, const QString& line) {
 
 void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     const CaseTally& self = suite.outside;
-    const Totals totals = totalsOf(suite);
+    const std::vector<Element> elements = elementsOf(suite);
+    Totals totals;
+    for (const Element& element : elements)
+        totals.add(element.outcome);
     xml.startElement("testsuite");
     xml.addAttribute("name", self.name);
     writeTotals(xml, totals);
@@ -171,39 +192,72 @@ void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     if (self.start.isValid()) {
         xml.addAttribute("timestamp", self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
     }
-    if (needsOwnCase(suite))
-        writeCase(xml, self, self.name, true);
-    for (const CaseTally& testCase : suite.cases)
-        writeCase(xml, testCase, self.name, false);
+    for (const Element& element : elements)
+        writeElement(xml, element);
+    // What a case without an element of its own has written belongs to no other one.
+    Texts& texts = m_texts[self.id];
+    for (const CaseTally& testCase : suite.cases) {
+        if (needsOwnElement(testCase))
+            continue;
+        texts.out += m_texts[testCase.id].out;
+        texts.err += m_texts[testCase.id].err;
+    }
     writeTexts(xml, self.id);
     xml.endElement();
 }
 
-void JUnitReport::writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
-                            bool isSuiteItself) {
-    xml.startElement("testcase");
-    xml.addAttribute("name", testCase.name);
-    xml.addAttribute("classname", suiteName);
-    if (!isSuiteItself) {
-        if (!testCase.path.isEmpty())
-            xml.addAttribute("file", testCase.path);
-        xml.addAttribute("time", secondsText(testCase.seconds()));
+std::vector<JUnitReport::Element> JUnitReport::elementsOf(const SuiteTally& suite) const {
+    const CaseTally& self = suite.outside;
+    std::vector<Element> elements;
+    if (needsOwnCase(suite))
+        elements.push_back({self.name, self.name, &self, &self.failures, self.outcome(), true});
+    for (const CaseTally& testCase : suite.cases) {
+        const std::vector<Element> ofCase = elementsOf(testCase, self.name);
+        elements.insert(elements.end(), ofCase.begin(), ofCase.end());
     }
-    writeOutcome(xml, testCase);
-    if (!isSuiteItself)
-        writeTexts(xml, testCase.id);
+    return elements;
+}
+
+std::vector<JUnitReport::Element> JUnitReport::elementsOf(const CaseTally& testCase,
+                                                          const QString& suiteName) const {
+    std::vector<Element> elements;
+    if (needsOwnElement(testCase)) {
+        elements.push_back({testCase.name, suiteName, &testCase, &testCase.failuresOutsideScenarios,
+                            outcomeOutside(testCase)});
+    }
+    for (const ScenarioTally& scenario : testCase.scenarios) {
+        elements.push_back(
+            {scenario.name,
+             QStringLiteral("%1.%2.%3").arg(suiteName, testCase.name, scenario.feature), &scenario,
+             &scenario.failures, scenario.outcome(), false, scenario.failedStep});
+    }
+    return elements;
+}
+
+void JUnitReport::writeElement(ReportXml& xml, const Element& element) {
+    xml.startElement("testcase");
+    xml.addAttribute("name", element.name);
+    xml.addAttribute("classname", element.className);
+    if (!element.isSuiteItself) {
+        if (!element.tally->path.isEmpty())
+            xml.addAttribute("file", element.tally->path);
+        xml.addAttribute("time", secondsText(element.tally->seconds()));
+    }
+    writeOutcome(xml, element);
+    if (!element.isSuiteItself)
+        writeTexts(xml, element.tally->id);
     xml.endElement();
 }
 
-void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
-    const CaseOutcome outcome = testCase.outcome();
-    const char* element = outcomeElement(outcome);
-    if (!element)
+void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
+    const CaseOutcome outcome = element.outcome;
+    const char* tag = outcomeElement(outcome);
+    if (!tag)
         return;
     QString message;
     QString type;
     if (outcome == CaseOutcome::Skipped) {
-        message = testCase.skipText;
+        message = element.tally->skipText;
     } else if (outcome == CaseOutcome::Incomplete) {
         type = QStringLiteral("Incomplete");
         message = QStringLiteral("The run ended before this did");
@@ -211,14 +265,16 @@ void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
         type = QStringLiteral("Interrupted");
         message = QStringLiteral("The run was interrupted");
     } else {
-        const ResultAdded& first = testCase.failures.front();
+        const ResultAdded& first = element.failures->front();
         type = resultTypeName(first.type);
         message = messageText(first.message, first.detail);
-        if (testCase.failures.size() > 1)
-            message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
+        if (!element.failedStep.isEmpty())
+            message = QStringLiteral("%1: %2").arg(element.failedStep, message);
+        if (element.failures->size() > 1)
+            message += QStringLiteral(" (and %1 more)").arg(element.failures->size() - 1);
     }
 
-    xml.startElement(element);
+    xml.startElement(tag);
     xml.addAttribute("message", limitedText(message, longestMessage));
     if (!type.isEmpty())
         xml.addAttribute("type", type);
@@ -226,7 +282,7 @@ void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
     const auto store = [this](const QString& text, const QString& name) {
         return storeWhole(text, name);
     };
-    for (const ResultAdded& failure : testCase.failures)
+    for (const ResultAdded& failure : *element.failures)
         descriptions += describeResult(withLimitedTexts(failure, longestText, store));
     const QString text = descriptions.join(QLatin1String("\n\n"));
     xml.addText(limited(text, QStringLiteral("failures")));
@@ -249,7 +305,9 @@ QString JUnitReport::limited(const QString& text, const QString& name) {
 void JUnitReport::writeTexts(ReportXml& xml, int id) {
     const Texts& texts = m_texts[id];
     const QString err = limited(texts.err, QStringLiteral("system-err"));
-    Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
+    Texts out{limited(texts.out, QStringLiteral("system-out")), QString(), {}};
+    for (const QString& video : texts.videos)
+        addLine(out, attachmentLine(video));
     // The servers look for files here.
     for (const QString& whole : qAsConst(m_wholes))
         addLine(out, attachmentLine(whole));

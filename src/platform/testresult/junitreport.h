@@ -13,9 +13,11 @@ class ReportFiles;
 class ReportXml;
 
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
-/// one failure or error element. What happened outside the cases becomes a testcase of the suite's
-/// own name when it failed. Of texts that are too long for readers of XML the file holds the ends,
-/// and the folder FILE-texts beside it the whole. Keeps the run in memory until finish().
+/// one failure or error element. A case that runs scenarios of features has one for each of these
+/// instead, and one of its own only for what went wrong outside of them. What happened outside the
+/// cases becomes a testcase of the suite's own name when it failed. Of texts that are too long for
+/// readers of XML the file holds the ends, and the folder FILE-texts beside it the whole. Keeps the
+/// run in memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
 public:
     /// A relative path counts from the current working directory. Missing folders are created; the
@@ -34,14 +36,28 @@ private:
     struct Texts {
         QString out;
         QString err;
+        /// Paths; each stands once, whether the video has an end or not.
+        QStringList videos;
     };
 
     void addLine(Texts& texts, const QString& line);
     void writeSuite(ReportXml& xml, const SuiteTally& suite);
-    void writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
-                   bool isSuiteItself);
+    /// A testcase element.
+    struct Element {
+        QString name;
+        QString className;
+        const Tally* tally = nullptr;
+        const std::vector<ResultAdded>* failures = nullptr;
+        CaseOutcome outcome = CaseOutcome::Passed;
+        bool isSuiteItself = false;
+        /// Of a scenario.
+        QString failedStep = QString();
+    };
+    std::vector<Element> elementsOf(const CaseTally& testCase, const QString& suiteName) const;
+    std::vector<Element> elementsOf(const SuiteTally& suite) const;
+    void writeElement(ReportXml& xml, const Element& element);
     /// Writes the one element for all that went wrong: the consumers read no more than one.
-    void writeOutcome(ReportXml& xml, const CaseTally& testCase);
+    void writeOutcome(ReportXml& xml, const Element& element);
     void writeTexts(ReportXml& xml, int id);
     /// A text that an element can hold.
     QString limited(const QString& text, const QString& name);

@@ -7,6 +7,7 @@
 #include "platform/testresult/htmlreport.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/junitreport.h"
+#include "platform/testresult/messages/messagesreport.h"
 #include "platform/testresult/reporttarget.h"
 
 namespace Tamrix {
@@ -55,6 +56,7 @@ struct Format {
 
 const Format formats[] = {
     {"console", false, createConsoleReport},
+    {"cucumber-messages", true, createFileReport<MessagesReport>},
     {"html", true, createFileReport<HtmlReport>},
     {"json", true, createFileReport<JournalReport>},
     {"junit", true, createFileReport<JUnitReport>},

@@ -7,6 +7,7 @@
 #include "platform/testresult/consolereport.h"
 #include "runner/commands/command.h"
 #include "runner/debugging/frontends.h"
+#include "runner/suites/casevideo.h"
 
 namespace Tamrix {
 
@@ -23,9 +24,16 @@ struct CaseRunSettings {
     /// "inherit", "auto" or ":N".
     QString display;
     bool failFast = false;
+    VideoMode video = VideoMode::Off;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
+    bool isInteractive = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;
+    /// Which scenarios of features run.
+    QStringList tagFilters;
+    std::vector<unsigned> scenarios;
     QStringList scriptArguments;
     DebuggerDialogue debugger = DebuggerDialogue::None;
 };

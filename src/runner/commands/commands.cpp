@@ -7,14 +7,17 @@
     DO(run)                         \
     DO(debug)                       \
     DO(list)                        \
+    DO(features)                    \
     DO(report)                      \
     DO(inspect)                     \
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
     DO(cut)                         \
+    DO(findText)                    \
     DO(dap)                         \
-    DO(data)
+    DO(data)                        \
+    DO(vp)
 
 namespace Tamrix {
 

@@ -2,7 +2,6 @@
 
 #include <json/json.h>
 
-#include <QFileInfo>
 #include <QImage>
 #include <algorithm>
 #include <limits>
@@ -12,12 +11,11 @@
 #include "base/nativebytes.h"
 #include "base/textescape.h"
 #include "runner/commands/command.h"
+#include "runner/commands/picturefiles.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
-#include "vision/search/picturefile.h"
 #include "vision/search/placescore.h"
 
 namespace Tamrix {
@@ -61,12 +59,10 @@ Outcome<> readSearchOptions(const QStringList& values, FindImageSettings& settin
 }
 
 Outcome<> readRegion(const QStringList& values, FindImageSettings& settings) {
-    try {
-        settings.region = SearchRegion(values.constLast());
-    } catch (const std::runtime_error& error) {
-        return wrongUsage(QStringLiteral("--region '%1': %2")
-                              .arg(values.constLast(), QString::fromUtf8(error.what())));
-    }
+    const Outcome<SearchRegion> region = readRegionOption(values.constLast());
+    if (!region)
+        return fail(region.error());
+    settings.region = *region;
     return {};
 }
 
@@ -97,11 +93,6 @@ Outcome<> readArguments(const CommandArguments& arguments, FindImageSettings& se
     return {};
 }
 
-struct Picture {
-    QString file;
-    QImage image;
-};
-
 /// A place that was found. The score, and which needle it is most like, are known after a tolerant
 /// search only.
 struct Occurrence {
@@ -116,34 +107,6 @@ struct Findings {
     QList<Occurrence> occurrences;
 };
 
-/// Throws a std::runtime_error whose text may hold names of files.
-[[noreturn]] void giveUp(const QString& text) {
-    throw std::runtime_error(toNativeBytes(text).toStdString());
-}
-
-/// Throws a std::runtime_error that names the file.
-Picture loadPicture(const QString& file) {
-    const Outcome<QImage> image = Vision::readPicture(file);
-    if (!image)
-        giveUp(image.error().text);
-    return {file, Vision::searchable(*image)};
-}
-
-/// The whole picture unless a region was given, which must not lie outside of it altogether.
-SearchRegion regionToSearch(const FindImageSettings& settings, const Picture& haystack) {
-    const QRect whole = haystack.image.rect();
-    if (settings.region.isEmpty())
-        return SearchRegion(whole);
-    const QList<QRect>& rectangles = settings.region.rectangles();
-    if (std::none_of(rectangles.begin(), rectangles.end(),
-                     [&](const QRect& each) { return each.intersects(whole); })) {
-        giveUp(QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
-                   .arg(settings.region.description(), haystack.file,
-                        QString::number(whole.width()), QString::number(whole.height())));
-    }
-    return settings.region;
-}
-
 Findings search(const FindImageSettings& settings, const Picture& haystack,
                 const QList<Picture>& needles) {
     QList<QImage> images;
@@ -151,7 +114,7 @@ Findings search(const FindImageSettings& settings, const Picture& haystack,
         images.append(needle.image);
     const std::unique_ptr<ImageLookupImplementation> engine(ImageLookupImplementation::get());
     const std::unique_ptr<ImageLookupImplementation::Cache> cache(engine->newCache(images, true));
-    const SearchRegion region = regionToSearch(settings, haystack);
+    const SearchRegion region = regionToSearch(settings.region, haystack);
 
     Findings findings;
     findings.options = settings.options;
@@ -210,26 +173,14 @@ QByteArray jsonOf(const Findings& findings) {
             entry["needle"] = occurrence.needle.toStdString();
         occurrences.append(entry);
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "    ";
-    builder["precision"] = 9;
-    builder["emitUTF8"] = true;
-    return QByteArray::fromStdString(Json::writeString(builder, value)) + '\n';
+    return jsonText(value);
 }
 
-/// Throws a std::runtime_error that names the file.
-void storeAnnotated(const QString& file, const QImage& haystack, const Findings& findings) {
-    QImage image = haystack.convertToFormat(QImage::Format_RGB32);
+QList<QRect> rectanglesOf(const Findings& findings) {
+    QList<QRect> rectangles;
     for (const Occurrence& occurrence : findings.occurrences)
-        Vision::drawFrame(&image, occurrence.rectangle);
-
-    const QString suffix = QFileInfo(file).suffix();
-    const Outcome<> written =
-        Vision::writePicture(image, file, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
-    if (!written) {
-        giveUp(QStringLiteral("the picture '%1' can't be written: %2")
-                   .arg(file, written.error().text));
-    }
+        rectangles.append(occurrence.rectangle);
+    return rectangles;
 }
 
 /// What stands in front of the text of a failed search: the needle that it is about, if known.
@@ -249,7 +200,7 @@ int findImage(const FindImageSettings& settings) {
             needles.append(loadPicture(file));
         const Findings findings = search(settings, haystack, needles);
         if (!settings.annotatedFile.isEmpty())
-            storeAnnotated(settings.annotatedFile, haystack.image, findings);
+            storeFramed(settings.annotatedFile, haystack.image, rectanglesOf(findings));
         const QByteArray output =
             settings.printsJson ? jsonOf(findings) : textOf(findings, settings);
         if (!writeBytes(stdout, output))

@@ -1,8 +1,6 @@
 // "tamrixrunner inspect": the objects of a program, or the names of one of them.
 
 #include <QBuffer>
-#include <QDeadlineTimer>
-#include <algorithm>
 
 #include "base/textescape.h"
 #include "runner/applications/applications.h"
@@ -10,6 +8,7 @@
 #include "runner/applications/objecttree.h"
 #include "runner/commands/command.h"
 #include "runner/commands/displayoption.h"
+#include "runner/commands/waitoption.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
@@ -27,6 +26,8 @@ struct InspectSettings {
     QStringList program;
     /// "inherit", "auto" or ":N".
     QString display;
+    /// The way into the program. Not null.
+    const Launcher* launcher = &Launcher::standard();
     TreeFormat format = TreeFormat::Text;
     /// Whose names are told in place of the tree; none for the tree.
     std::optional<WantedObject> namesOf;
@@ -36,13 +37,12 @@ struct InspectSettings {
     double waitSeconds = 0;
 };
 
-Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
-    bool isNumber = false;
-    settings.waitSeconds = values.constLast().toDouble(&isNumber);
-    if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
-        return wrongUsage(
-            QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
-    return {};
+Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
+    settings.launcher = Launcher::find(values.constLast());
+    if (settings.launcher)
+        return {};
+    return wrongUsage(QStringLiteral("--hook takes %1, not '%2'")
+                          .arg(Launcher::namesText(), values.constLast()));
 }
 
 Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
@@ -96,13 +96,6 @@ QString storeScreenshot(Access& access, const QString& fileName) {
     return {};
 }
 
-/// Lets the program settle.
-void pause(Applications& applications, double seconds) {
-    const QDeadlineTimer deadline(static_cast<qint64>(seconds * 1000));
-    while (!deadline.hasExpired() && !applications.isInterrupted())
-        applications.waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 50)));
-}
-
 /// What is printed, and whether there was something to be told.
 struct Inspection {
     QByteArray text;
@@ -126,15 +119,15 @@ Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
 Outcome<int> inspectWith(Applications& applications, const InspectSettings& settings) {
     if (const Outcome<> used = applications.useDisplay(settings.display); !used)
         return fail(used.error());
-    const Outcome<ApplicationStart> start =
-        resolveApplication(quotedShellWords(settings.program), {});
+    Outcome<ApplicationStart> start = resolveApplication(quotedShellWords(settings.program), {});
     if (!start)
         return fail(start.error());
+    start->launcher = settings.launcher;
     const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
     if (!started)
         return fail(started.error());
     const SharedPtr<Application>& application = *started;
-    pause(applications, settings.waitSeconds);
+    letSettle(applications, settings.waitSeconds);
 
     const Outcome<Inspection> inspection = look(application->access(), settings);
     QString error = inspection ? QString() : inspection.error().text;
@@ -168,6 +161,9 @@ Command inspectCommand() {
           "Starts a program and prints its objects with the names that find them.", 1,
           CommandSyntax::anyNumber, CommandTail::Program},
          {displayOption(&InspectSettings::display),
+          {"hook", "NAME",
+           "How the program is reached, as in config.xml: %1, preload, or none for one without agent.",
+           "plugin", readHook},
           {"json", nullptr, "Prints JSON.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Json)},
           {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,
@@ -177,7 +173,7 @@ Command inspectCommand() {
            nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
-          {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},
+          waitOption(&InspectSettings::waitSeconds)},
          {{"json", "xml"}, {"json", "names"}, {"xml", "names"}},
          readArguments,
          inspectApplication});

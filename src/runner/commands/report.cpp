@@ -66,8 +66,8 @@ Command reportCommand() {
         {{"report", "JOURNAL --to FORMAT:PATH",
           "Makes reports from the journal of a run, also of one that was killed.", 1, 1},
          {{"to", reportValueName,
-           "The report: html (a folder), json (the journal), junit (JUnit XML) or console; may be "
-           "given several times.",
+           "The report: html (a folder), json (the journal), junit (JUnit XML), cucumber-messages "
+           "(NDJSON) or console; may be given several times.",
            nullptr, allTo(&ReportSettings::reports)}},
          {},
          readArguments,

@@ -9,6 +9,10 @@ Command runCommand() {
     options.insert(options.end(),
                    {{"fail-fast", nullptr, "Ends the run behind the first test case that fails.",
                      nullptr, setTo(&CaseRunSettings::failFast, true)},
+                    {"update-vps", nullptr,
+                     "Writes what the application shows to the files of verification points that "
+                     "differ; each is told as a warning.",
+                     nullptr, setTo(&CaseRunSettings::renewsVerificationPoints, true)},
                     {"debugger", nullptr,
                      "Stops each case at its first line and lets a program debug it over standard "
                      "input and output; the console report goes to standard error.",

@@ -3,11 +3,13 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 #include "base/outcome.h"
 #include "platform/testresult/testresult.h"
 #include "runner/debugging/frontends.h"
 #include "runner/services/runner.h"
+#include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
 #include "runner/suites/suite.h"
 
@@ -17,6 +19,8 @@ namespace Tamrix {
 struct SuiteRunOptions {
     /// Ends the run behind the first case that fails.
     bool failFast = false;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
     /// Whether the results tell what scripts do to applications.
     bool recordsActions = true;
     /// Where attachments go: absolute, or empty for the suite's own folder.
@@ -25,8 +29,14 @@ struct SuiteRunOptions {
     QStringList scriptArguments;
     /// Where applications appear: see Applications::useDisplay().
     QString display;
+    /// Which scenarios of features run; see gherkinFilterByArgs().
+    QStringList tagFilters = {};
+    std::vector<unsigned> scenarios = {};
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
+    VideoMode video = VideoMode::Off;
+    /// Whether somebody is there whom scripts may ask.
+    bool isInteractive = false;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
@@ -38,8 +48,8 @@ public:
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
 
-    /// What has to be right before anything runs: the display for applications and the suite's map
-    /// of object names. Call it before run().
+    /// What has to be right before anything runs: the display for applications, what records it,
+    /// the suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
     /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
@@ -76,6 +86,7 @@ private:
     SuiteRunOptions m_options;
     Runner m_runner;
     TestResult m_result;
+    CaseVideo m_video;
     FailureMoment m_failureMoment;
     /// The last picture of the desktop, until the failure that it belongs to is told.
     Screenshot m_desktop;

@@ -240,6 +240,47 @@ TEST_F(HtmlBrowserTest, ShowsActionsAlongTheTimeAndTheRunItself) {
     EXPECT_EQ(seen["address"].toString(), "#case=tst_basket");
 }
 
+TEST_F(HtmlBrowserTest, PlaysAVideoFromAFailure) {
+    const QString video = directory.filePath("shop_capture.mp4");
+    ASSERT_EQ(QProcess::execute("ffmpeg",
+                                {"-v", "error", "-f", "lavfi", "-i",
+                                 "testsrc=duration=4:size=320x240:rate=10", "-pix_fmt", "yuv420p",
+                                 "-movflags", "empty_moov+frag_keyframe", "-g", "10", video}),
+              0);
+    HtmlReport html(directory.filePath("report"));
+    FixedClock clock(&html);
+    {
+        TestResult result(&clock);
+        result.startCase("c", "/c");
+        result.addStartVideo("V", video, {});
+        for (int count = 0; count < 5; ++count)
+            result.addResult(TestResult::Log, "half a second", "", LineInfo());
+        result.addResult(TestResult::Fail, "f", "", LineInfo());
+        result.addEndVideo("done", video, {});
+    }
+    html.finish();
+    const QJsonObject seen = visit("", R"(
+        const video = one("video");
+        await until(() => video.readyState > 0);
+        seen.duration = video.duration;
+        await until(() => one(".marks .mark"));
+        seen.left = one(".marks .mark").style.left;
+        seen.title = one(".marks .mark").title;
+        const button = [...page.querySelectorAll("button")].find(
+            (element) => element.textContent.startsWith("Show in the video"));
+        seen.button = button.textContent;
+        button.click();
+        await until(() => !video.seeking);
+        seen.time = video.currentTime;
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_NEAR(seen["duration"].toDouble(), 4, 0.2);
+    EXPECT_EQ(seen["left"].toString(), "75%");
+    EXPECT_EQ(seen["title"].toString(), "3.00 s  Fail: f");
+    EXPECT_EQ(seen["button"].toString(), "Show in the video at 3.00 s");
+    EXPECT_NEAR(seen["time"].toDouble(), 2, 0.9);
+}
+
 TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {
     const QJsonObject seen = visit("#outcome=failed,incomplete&text=kill", R"(
         seen.cases = cases();
@@ -250,6 +291,55 @@ TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {
     EXPECT_EQ(seen["error"].toString(), "");
     EXPECT_EQ(seen["cases"].toString(), "tst_lost");
     EXPECT_EQ(seen["open"].toString(), "tst_print");
+}
+
+TEST_F(HtmlBrowserTest, ShowsFeaturesAsATree) {
+    HtmlReport html(directory.filePath("report"));
+    {
+        FixedClock clock(&html);
+        TestResult result(&clock);
+        const LineInfo place("/s/x.feature", 1);
+        const auto start = [&](const char* kind, const char* title, const ItemDescribed& item) {
+            result.addResult(TestResult::SectionStart, title, "", place, kind);
+            result.describeItem(item);
+        };
+        result.startSuite("s", "/s");
+        result.startCase("c", "/s/c/test.feature");
+        start("feature", "Läden <b>", {"Funktionalität", "@shop @slow", ""});
+        start("scenario", "kaufen", {"Szenario", "", ""});
+        start("step", "ich kaufe 3 Äpfel", {"Wenn ", "", "| Art |\n| rot |"});
+        result.addStepMatch({"ich kaufe {int} {word}",
+                             LineInfo("/s/steps.py", 3),
+                             {{10, 11, "int"}, {12, 17, "word"}}});
+        result.addResult(TestResult::SectionEnd, "", "", LineInfo(), "step");
+        start("step", "nie", {"Dann ", "", ""});
+        result.addResult(TestResult::Skipped, "nie", "", place, "step");
+    }
+    html.finish();
+    const QJsonObject seen = visit("#case=c", R"(
+        await until(() => one(".item.step"));
+        seen.feature = one(".item.feature > summary .what").textContent;
+        seen.tags = one(".item.feature > summary .tags").textContent;
+        seen.keyword = one(".item.step .keyword").textContent;
+        seen.parameters = [...page.querySelectorAll(".item.step .parameter")]
+            .map((element) => element.textContent).join("|");
+        seen.argument = one(".argument").textContent;
+        one(".item.step summary").click();
+        seen.definition = one(".item.step .comment").textContent;
+        const skipped = one(".item.skipped");
+        seen.skipped = skipped.querySelector(".what").textContent;
+        const colour = (element) => frame.contentWindow.getComputedStyle(element).color;
+        seen.isGrey = colour(skipped.querySelector(".what")) === colour(one(".facts"));
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_EQ(seen["feature"].toString(), "Funktionalität: Läden <b>");
+    EXPECT_EQ(seen["tags"].toString(), "@shop @slow");
+    EXPECT_EQ(seen["keyword"].toString(), "Wenn ");
+    EXPECT_EQ(seen["parameters"].toString(), "3|Äpfel");
+    EXPECT_EQ(seen["argument"].toString(), "| Art |\n| rot |");
+    EXPECT_EQ(seen["definition"].toString(), "ich kaufe {int} {word} steps.py:3");
+    EXPECT_EQ(seen["skipped"].toString(), "Dann nie");
+    EXPECT_TRUE(seen["isGrey"].toBool());
 }
 
 }  // namespace

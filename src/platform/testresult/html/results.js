@@ -85,6 +85,9 @@ function fillFile(inside, file, title) {
             make("p", "note", link(file.name, file.path)));
     } else if (file.kind === "image") {
         inside.append(pictureElement(file, title));
+    } else if (file.kind === "video") {
+        inside.append(make("figure", "video", playerElement(file),
+            make("figcaption", "", link(file.name, file.path))));
     } else {
         if (file.text !== undefined)
             inside.append(make("pre", "output", file.text));
@@ -171,7 +174,8 @@ function resultElement(entry, row, isOpen) {
                 inside.append(stackElement(entry, row));
             fillMoment(inside, entry);
             if (entry.failure)
-                inside.append(copyButton("Copy this text", () => failureText(entry, row)));
+                inside.append(copyButton("Copy this text", () => failureText(entry, row)),
+                    toVideoElement(entry));
         });
 }
 
