@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QImage>
 #include <QRegularExpression>
 #include <QThread>
 #include <QUrl>
