@@ -72,7 +72,7 @@ void checkExitCode(const Json::Value& value, const char* key) {
 
 /// A coordinate in the picture that was handed in. What no picture has stays at the limit.
 int unscaled(double value) {
-    constexpr double limit = std::numeric_limits<int>::max() / 4;
+    constexpr double limit = std::numeric_limits<int>::max() / 4.0;
     return static_cast<int>(std::clamp(value, -limit, limit));
 }
 

@@ -42,7 +42,7 @@ void throwRefusal(const QByteArray& reply) {
 
 /// A part of a length in pixels. What no picture has stays at the limit.
 int partOf(double fraction, int length, int offset) {
-    constexpr double limit = std::numeric_limits<int>::max() / 4;
+    constexpr double limit = std::numeric_limits<int>::max() / 4.0;
     return static_cast<int>(std::clamp(fraction * length + offset, -limit, limit));
 }
 

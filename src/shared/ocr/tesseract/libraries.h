@@ -97,6 +97,7 @@ enum TessPageIteratorLevel : int { BlockLevel, ParagraphLevel, LineLevel, WordLe
     DO(Pix*, pixInvert, (Pix * target, Pix * source))                                           \
     DO(int, pixWrite, (const char* fileName, Pix*, int format))
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): it declares
 #define TAMRIX_DECLARE_FUNCTION(RESULT, NAME, PARAMETERS) RESULT(*NAME) PARAMETERS = nullptr;
 
 /// Tesseract's library. Never unloaded. The constructor throws std::runtime_error when the folder
