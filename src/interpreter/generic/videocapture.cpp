@@ -80,7 +80,7 @@ SharedPtr<NativeScriptObject> construct(ScriptContext* context) {
     const StartedTask task = runner->startVideoCapture(application, file.get());
     if (!task.ok())
         return refused(task.errorText());
-    file.release();
+    static_cast<void>(file.release());
     return {new VideoCaptureScriptObject(task.value())};
 }
 
@@ -206,7 +206,7 @@ StartedTask startVideoCaptureInternal(const SharedPtr<ApplicationContext>& conte
         QFile::remove(path);
         return task;
     }
-    device.release();
+    static_cast<void>(device.release());
     // 6. Its beginning is told,
     const QString nativePath = QDir::toNativeSeparators(path);
     result->addStartVideo(message, nativePath, stack);
