@@ -28,6 +28,8 @@ struct ToFields {
     void operator()(std::optional<int>& field, int value) const { field = value; }
     void operator()(CallStack& field, const LineInfo& position) const { field = {position}; }
     void constant(std::optional<int>& field, int value) const { field = value; }
+    /// The field stays at its own default for the number's.
+    void number(int& field, int value, int usual) const { field = value == usual ? -1 : value; }
 };
 
 /// Copies the fields of a line to the event.
@@ -49,6 +51,7 @@ struct FromFields {
         position = field.empty() ? LineInfo() : field.front();
     }
     void constant(const std::optional<int>& /*field*/, int /*value*/) const {}
+    void number(int field, int& value, int usual) const { value = field < 0 ? usual : field; }
 };
 
 // The rows: for each event the fields of its line, for both directions.
@@ -65,6 +68,7 @@ void copyFields(const auto& copy, auto& fields, Is<SuiteEnded> auto& suite) {
 void copyFields(const auto& copy, auto& fields, Is<CaseStarted> auto& testCase) {
     copy(fields.message, testCase.name);
     copy(fields.path, testCase.script);
+    copy.number(fields.value, testCase.attempt, 1);
 }
 
 void copyFields(const auto& copy, auto& fields, Is<CaseEnded> auto& testCase) {

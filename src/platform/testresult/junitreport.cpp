@@ -25,10 +25,11 @@ QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 3);
 }
 
-/// The element that tells a case's outcome; null for a passed one.
+/// The element that tells a case's outcome; null for one that passed at last.
 const char* outcomeElement(CaseOutcome outcome) {
     switch (outcome) {
         case CaseOutcome::Passed:
+        case CaseOutcome::Flaky:
             return nullptr;
         case CaseOutcome::Failed:
             return "failure";
@@ -82,9 +83,46 @@ Totals totalsOf(const SuiteTally& suite) {
     Totals totals;
     if (needsOwnCase(suite))
         totals.add(suite.outside.outcome());
-    for (const CaseTally& testCase : suite.cases)
-        totals.add(testCase.outcome());
+    for (const CaseTally& testCase : suite.cases) {
+        if (!testCase.isSuperseded)
+            totals.add(testCase.outcome());
+    }
     return totals;
+}
+
+void writeProperty(ReportXml& xml, const char* name, const QString& value) {
+    xml.startElement("properties");
+    xml.startElement("property");
+    xml.addAttribute("name", QString::fromLatin1(name));
+    xml.addAttribute("value", value);
+    xml.endElement();
+    xml.endElement();
+}
+
+/// What went wrong with a case, in a few words.
+struct Problem {
+    QString message;
+    QString type;
+};
+
+Problem problemOf(const CaseTally& testCase) {
+    switch (testCase.outcome()) {
+        case CaseOutcome::Skipped:
+            return {testCase.skipText, {}};
+        case CaseOutcome::Incomplete:
+            return {QStringLiteral("The run ended before this did"), QStringLiteral("Incomplete")};
+        case CaseOutcome::Interrupted:
+            return {QStringLiteral("The run was interrupted"), QStringLiteral("Interrupted")};
+        default:
+            break;
+    }
+    if (testCase.failures.empty())
+        return {};
+    const ResultAdded& first = testCase.failures.front();
+    Problem problem{messageText(first.message, first.detail), resultTypeName(first.type)};
+    if (testCase.failures.size() > 1)
+        problem.message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
+    return problem;
 }
 
 /// The form in which the consumers look for files.
@@ -110,8 +148,13 @@ JUnitReport::JUnitReport(const QString& path) {
 JUnitReport::~JUnitReport() = default;
 
 void JUnitReport::add(const ReportEntry& entry) {
-    Texts& texts = m_texts[m_tally.add(entry).id];
+    const int id = m_tally.add(entry).id;
+    Texts& texts = m_texts[id];
     std::visit(Overloaded{
+                   [&](const EnvironmentFact& fact) {
+                       if (fact.name == QLatin1String(shardFactName))
+                           m_shards[id] = fact.fact;
+                   },
                    [&](const ResultAdded& result) {
                        // Failures have an element of their own, and so has the skip of a case.
                        if (result.type == TestResult::Log || result.type == TestResult::Warning ||
@@ -171,10 +214,14 @@ void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     if (self.start.isValid()) {
         xml.addAttribute("timestamp", self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
     }
+    if (const auto shard = m_shards.find(self.id); shard != m_shards.end())
+        writeProperty(xml, "shard", shard->second);
     if (needsOwnCase(suite))
         writeCase(xml, self, self.name, true);
-    for (const CaseTally& testCase : suite.cases)
-        writeCase(xml, testCase, self.name, false);
+    for (const CaseTally& testCase : suite.cases) {
+        if (!testCase.isSuperseded)
+            writeCase(xml, testCase, self.name, false);
+    }
     writeTexts(xml, self.id);
     xml.endElement();
 }
@@ -189,6 +236,8 @@ void JUnitReport::writeCase(ReportXml& xml, const CaseTally& testCase, const QSt
             xml.addAttribute("file", testCase.path);
         xml.addAttribute("time", secondsText(testCase.seconds()));
     }
+    if (testCase.attempt > 1)
+        writeProperty(xml, "attempt", QString::number(testCase.attempt));
     writeOutcome(xml, testCase);
     if (!isSuiteItself)
         writeTexts(xml, testCase.id);
@@ -196,41 +245,41 @@ void JUnitReport::writeCase(ReportXml& xml, const CaseTally& testCase, const QSt
 }
 
 void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
-    const CaseOutcome outcome = testCase.outcome();
-    const char* element = outcomeElement(outcome);
-    if (!element)
-        return;
-    QString message;
-    QString type;
-    if (outcome == CaseOutcome::Skipped) {
-        message = testCase.skipText;
-    } else if (outcome == CaseOutcome::Incomplete) {
-        type = QStringLiteral("Incomplete");
-        message = QStringLiteral("The run ended before this did");
-    } else if (outcome == CaseOutcome::Interrupted) {
-        type = QStringLiteral("Interrupted");
-        message = QStringLiteral("The run was interrupted");
-    } else {
-        const ResultAdded& first = testCase.failures.front();
-        type = resultTypeName(first.type);
-        message = messageText(first.message, first.detail);
-        if (testCase.failures.size() > 1)
-            message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
+    if (const char* const element = outcomeElement(testCase.outcome())) {
+        xml.startElement(element);
+        xml.addText(writeProblem(xml, testCase));
+        xml.endElement();
     }
+    if (testCase.previous)
+        writeEarlierAttempts(xml, testCase);
+}
 
-    xml.startElement(element);
-    xml.addAttribute("message", limitedText(message, longestMessage));
-    if (!type.isEmpty())
-        xml.addAttribute("type", type);
+QString JUnitReport::writeProblem(ReportXml& xml, const CaseTally& testCase) {
+    const Problem problem = problemOf(testCase);
+    xml.addAttribute("message", limitedText(problem.message, longestMessage));
+    if (!problem.type.isEmpty())
+        xml.addAttribute("type", problem.type);
     QStringList descriptions;
     const auto store = [this](const QString& text, const QString& name) {
         return storeWhole(text, name);
     };
     for (const ResultAdded& failure : testCase.failures)
         descriptions += describeResult(withLimitedTexts(failure, longestText, store));
-    const QString text = descriptions.join(QLatin1String("\n\n"));
-    xml.addText(limited(text, QStringLiteral("failures")));
-    xml.endElement();
+    return limited(descriptions.join(QLatin1String("\n\n")), QStringLiteral("failures"));
+}
+
+void JUnitReport::writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase) {
+    std::vector<const CaseTally*> attempts;
+    for (const CaseTally* attempt = testCase.previous; attempt; attempt = attempt->previous)
+        attempts.insert(attempts.begin(), attempt);
+    const QByteArray beginning = testCase.outcome() == CaseOutcome::Flaky ? "flaky" : "rerun";
+    for (const CaseTally* const attempt : attempts) {
+        const bool hasFailed = attempt->outcome() == CaseOutcome::Failed;
+        xml.startElement((beginning + (hasFailed ? "Failure" : "Error")).constData());
+        xml.addTextElement("stackTrace", writeProblem(xml, *attempt));
+        writeTexts(xml, attempt->id);
+        xml.endElement();
+    }
 }
 
 QString JUnitReport::storeWhole(const QString& text, const QString& name) {

@@ -13,7 +13,8 @@ class ReportFiles;
 class ReportXml;
 
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
-/// one failure or error element. What happened outside the cases becomes a testcase of the suite's
+/// one failure or error element; earlier attempts
+/// become flakyFailure or rerunFailure elements and the like. What happened outside the cases becomes a testcase of the suite's
 /// own name when it failed. Of texts that are too long for readers of XML the file holds the ends,
 /// and the folder FILE-texts beside it the whole. Keeps the run in memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
@@ -40,8 +41,12 @@ private:
     void writeSuite(ReportXml& xml, const SuiteTally& suite);
     void writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
                    bool isSuiteItself);
-    /// Writes the one element for all that went wrong: the consumers read no more than one.
+    /// Writes the one element for all that went wrong: the consumers read no more than one. Those of
+    /// earlier attempts follow, under names of their own.
     void writeOutcome(ReportXml& xml, const CaseTally& testCase);
+    /// Writes the attributes of such an element and returns its text.
+    QString writeProblem(ReportXml& xml, const CaseTally& testCase);
+    void writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase);
     void writeTexts(ReportXml& xml, int id);
     /// A text that an element can hold.
     QString limited(const QString& text, const QString& name);
@@ -53,6 +58,8 @@ private:
     RunTally m_tally;
     /// By CaseTally::id.
     std::map<int, Texts> m_texts;
+    /// Which part of each suite this is, by the suite's id.
+    std::map<int, QString> m_shards;
     std::unique_ptr<ReportFiles> m_files;
     /// Paths of the whole texts of the case that is being written.
     QStringList m_wholes;

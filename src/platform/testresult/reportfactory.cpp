@@ -4,10 +4,12 @@
 #include <QStringList>
 #include <cstdio>
 
+#include "platform/testresult/allurereport.h"
 #include "platform/testresult/htmlreport.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/junitreport.h"
 #include "platform/testresult/reporttarget.h"
+#include "platform/testresult/tapreport.h"
 
 namespace Tamrix {
 
@@ -54,10 +56,12 @@ struct Format {
 };
 
 const Format formats[] = {
+    {"allure", true, createFileReport<AllureReport>},
     {"console", false, createConsoleReport},
     {"html", true, createFileReport<HtmlReport>},
     {"json", true, createFileReport<JournalReport>},
     {"junit", true, createFileReport<JUnitReport>},
+    {"tap", true, createFileReport<TapReport>},
 };
 
 const Format* findFormat(const QString& name) {

@@ -14,6 +14,7 @@ namespace Tamrix {
 /// How a test case came out.
 enum class CaseOutcome {
     Passed,
+    Flaky,        ///< passed when it ran again
     Failed,       ///< its first failure is a failed verdict: Fail, UnexpectedPass
     Error,        ///< its first failure is a script error: Error, Fatal
     Skipped,      ///< skipped as a whole, without a failure
@@ -27,8 +28,8 @@ TAMRIX_EXPORT QString outcomeText(CaseOutcome outcome);
 /// What the entries of one test case add up to, or those of a suite that belong to none of its
 /// cases.
 struct TAMRIX_EXPORT CaseTally {
-    /// Interrupted and Incomplete come first, then a failure, then a skip. Warnings, expected fails
-    /// and echoes are no failures.
+    /// Interrupted and Incomplete come first, then a failure, then a skip, then whether an earlier
+    /// attempt was needed. Warnings, expected fails and echoes are no failures.
     CaseOutcome outcome() const;
     /// From its start to its end, or to its last entry when it never ended.
     double seconds() const;
@@ -42,6 +43,11 @@ struct TAMRIX_EXPORT CaseTally {
     QDateTime end;
     bool isEnded = false;
     bool isInterrupted = false;
+    int attempt = 1;
+    /// The attempt before this one; null for a first one. Owned by the same tally.
+    const CaseTally* previous = nullptr;
+    /// The case ran again behind this attempt, which counts for nothing any more.
+    bool isSuperseded = false;
     /// Results by TestResult::ResultType, without echoes.
     QMap<int, int> counts;
     /// The failed verdicts and script errors as they were added.
@@ -55,10 +61,12 @@ struct TAMRIX_EXPORT CaseTally {
 struct TAMRIX_EXPORT SuiteTally {
     /// The suite itself: name, times, and what happened outside its cases.
     CaseTally outside;
+    /// Each attempt stands for itself, as they started.
     std::deque<CaseTally> cases;
 };
 
-/// Adds up the entries of a run: outcomes, counts, durations, failures. Takes entries in any order
+/// Adds up the entries of a run: outcomes, counts, durations, failures. Of a case that ran again,
+/// only the last attempt counts. Takes entries in any order
 /// without fail; ones outside a suite get a suite without a name. Script thread only.
 class TAMRIX_EXPORT RunTally {
 public:
@@ -75,7 +83,7 @@ public:
     /// Results of one TestResult::ResultType in the whole run.
     int resultCount(int type) const;
     /// Whether there was a failed verdict or a script error anywhere, outside the cases too.
-    bool anyFailure() const { return m_anyFailure; }
+    bool anyFailure() const;
     /// Failures that happened outside the cases.
     int failureCountOutsideCases() const;
     /// Whether a suite or a case was interrupted.
@@ -93,7 +101,6 @@ private:
 
     std::deque<SuiteTally> m_suites;
     CaseTally* m_runningCase = nullptr;
-    bool m_anyFailure = false;
     int m_nextId = 0;
 };
 

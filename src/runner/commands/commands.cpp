@@ -8,6 +8,8 @@
     DO(debug)                       \
     DO(list)                        \
     DO(report)                      \
+    DO(merge)                       \
+    DO(farm)                        \
     DO(inspect)                     \
     DO(compare)                     \
     DO(attachable)                  \
