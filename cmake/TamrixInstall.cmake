@@ -9,7 +9,8 @@ foreach(folder base platform shared vision interpreter)
             DESTINATION include/tamrix
             FILES_MATCHING PATTERN "*.h"
             # The runner's end of connections builds on messages that are not installed.
-            PATTERN remote EXCLUDE)
+            PATTERN remote EXCLUDE
+            PATTERN display EXCLUDE)
 endforeach()
 install(DIRECTORY ${TAMRIX_PREFIX_DIR}/etc ${TAMRIX_PREFIX_DIR}/scriptmodules DESTINATION .)
 install(DIRECTORY DESTINATION lib/exec)

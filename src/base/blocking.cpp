@@ -9,6 +9,8 @@ namespace {
 
 BlockingSection::Lock s_lock{};
 
+bool (*s_interruptCheck)() = nullptr;
+
 }  // namespace
 
 void BlockingSection::setLock(const Lock& lock) {
@@ -36,6 +38,14 @@ void blockingSleep(unsigned long microseconds) {
                            static_cast<long>(microseconds % second * 1000)};
     const BlockingSection section;
     ::nanosleep(&time, nullptr);
+}
+
+bool isInterrupted() {
+    return s_interruptCheck && s_interruptCheck();
+}
+
+void setInterruptCheck(bool (*check)()) {
+    s_interruptCheck = check;
 }
 
 }  // namespace Tamrix

@@ -37,4 +37,9 @@ TAMRIX_EXPORT int blockingPoll(pollfd* watched, nfds_t count, int milliseconds);
 /// Sleeps, as a blocking section; a signal may end the sleep early.
 TAMRIX_EXPORT void blockingSleep(unsigned long microseconds);
 
+/// Whether the user has asked for the end of the run, as by Ctrl-C: long waits then end early. Any
+/// thread. Without a check, which the program installs before anything waits, nobody ever asks.
+TAMRIX_EXPORT bool isInterrupted();
+TAMRIX_EXPORT void setInterruptCheck(bool (*check)());
+
 }  // namespace Tamrix

@@ -6,13 +6,16 @@
 #include <unistd.h>
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
+#include <QTemporaryDir>
 #include <csignal>
 
 #include "dap/protocol/stream.h"
 #include "e2e/runnerprocess.h"
 #include "support/dapclient.h"
 #include "support/dapprocess.h"
+#include "support/files.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -76,6 +79,53 @@ protected:
         TAMRIX_TEST_PREFIX "/bin/tamrixrunner", {"dap"}, {{"QT_QPA_PLATFORM", "offscreen"}}};
     DapClient client{process.stream()};
 };
+
+TEST_F(DapRun, AFeatureFileAndItsSteps) {
+    QTemporaryDir folder;
+    const QString shop = QFileInfo(folder.path()).canonicalFilePath() + "/suite_shop";
+    const QString feature = shop + "/order/test.feature";
+    const QString steps = shop + "/order/steps/order.py";
+    ASSERT_TRUE(writeFile(feature,
+                          "Feature: orders\n"
+                          "  Scenario: pies\n"
+                          "    Given 2 pies\n"
+                          "    When they are\n"
+                          "      | eaten |\n"
+                          "    Then none is left\n"));
+    ASSERT_TRUE(writeFile(steps,
+                          "from bdd import given, when\n"  // 1
+                          "@given('{int} pies')\n"         // 2
+                          "def pies(context, count):\n"    // 3
+                          "    context.count = count\n"    // 4
+                          "@when('they are')\n"            // 5
+                          "def they_are(context):\n"       // 6
+                          "    context.count = 0\n"));     // 7
+    client.launch({{"suite", shop}});
+    client.setBreakPoints(feature, {5});
+    client.body("setExceptionBreakpoints", {{"filters", QJsonArray{"missingStep"}}});
+    go();
+
+    EXPECT_EQ(client.stop(), "breakpoint test.feature:4");
+    EXPECT_EQ(evaluated("1 + 1"), "2");
+    EXPECT_EQ(after("stepIn"), "step order.py:7");
+    EXPECT_EQ(stack(), "they_are:7 When they are:4");
+    EXPECT_EQ(evaluated("context.count"), "2");
+    EXPECT_EQ(after("stepOut"), "step test.feature:6");
+
+    // The step is written while it stands.
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(client.stop(), "exception test.feature:6");
+    EXPECT_EQ(stack(), "Then none is left:6");
+    ASSERT_TRUE(writeFile(shop + "/order/steps/left.py",
+                          "from bdd import then\n"
+                          "@then('none is left')\n"
+                          "def none_is_left(context):\n"
+                          "    test.compare(context.count, 0)\n"));
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 0);
+    leave();
+    EXPECT_TRUE(client.fitsProtocol());
+}
 
 TEST_F(DapRun, AWholeSessionWithAnApplication) {
     launch("sums");

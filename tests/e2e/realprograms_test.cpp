@@ -56,13 +56,12 @@ TEST_P(RealPrograms, SuitesPass) {
         QStringList cases;
     } suites[] = {
 #ifdef TAMRIX_TEST_QT6
-        {"examples/suite_applications", {}},
+        {"examples/suite_applications", {}},      {"examples/suite_features", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
-        {"tests/e2e/suites/suite_functions", {}},
-        {"tests/e2e/suites/suite_speedcrunch", {}},
+        {"tests/e2e/suites/suite_functions", {}}, {"tests/e2e/suites/suite_speedcrunch", {}},
     };
     for (const auto& [suite, cases] : suites) {
         runner.run(arguments(QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/") + suite) + cases);

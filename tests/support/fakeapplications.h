@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <utility>
 
+#include "interpreter/bridge/backgroundtask.h"
 #include "platform/objectmodel/inspector.h"
 #include "support/fakecalls.h"
 
@@ -23,6 +25,8 @@ public:
     bool detaches = false;
     /// Why facts that need a running application can't be told; empty when they can.
     QString factError;
+    /// Makes the task of a video, which owns the device; without it none can be made.
+    std::function<QSharedPointer<BackgroundTask>(QIODevice*)> onVideoCapture;
     /// Null when the application's output is not kept.
     QString output;
 
@@ -93,8 +97,11 @@ public:
     }
     QString osName(SharedPtr<ApplicationContext>) override { return "os"; }
     FunctionCallResult<QSharedPointer<BackgroundTask>> startVideoCapture(
-        SharedPtr<ApplicationContext>, QIODevice*) override {
-        return FunctionCallResult<QSharedPointer<BackgroundTask>>::error("no application");
+        SharedPtr<ApplicationContext> context, QIODevice* device) override {
+        if (!onVideoCapture)
+            return FunctionCallResult<QSharedPointer<BackgroundTask>>::error("no recorder");
+        context->videoCapture = onVideoCapture(device);
+        return context->videoCapture;
     }
     bool isTypeKnownInContext(const QString& typeName, int contextId) override {
         return knownTypes.contains({typeName, contextId});

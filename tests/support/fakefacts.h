@@ -13,9 +13,13 @@ public:
     QString resultDirectory;
     QString group = "the group";
     QString device = "the device";
+    QStringList tagFilters;
+    std::vector<unsigned> wantedScenarios;
     bool ideMode = false;
     bool hasObjectModel = false;
+    bool recordsVideo = false;
     TestResult* result = nullptr;
+    int fixTarget = 0;
 
     int acquired = 0;
     int released = 0;
@@ -28,16 +32,16 @@ public:
     QString defaultDevice() override { return device; }
     QString testCaseName() override { return caseName; }
     QString testSuiteName() override { return suiteName; }
-    void setImageSearchFixTarget(int) override {}
-    int imageSearchFixTarget() override { return 0; }
+    void setImageSearchFixTarget(int target) override { fixTarget = target; }
+    int imageSearchFixTarget() override { return fixTarget; }
     QString objectMapPath() override { return {}; }
     QString currentResultDirectory() override { return resultDirectory; }
-    QStringList filterArguments() override { return {}; }
-    std::vector<unsigned> scenarioIndices() override { return {}; }
+    QStringList filterArguments() override { return tagFilters; }
+    std::vector<unsigned> scenarioIndices() override { return wantedScenarios; }
     bool isIDEMode() override { return ideMode; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return result; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return recordsVideo; }
     bool acquireRemoteObjectModel() override {
         ++acquired;
         return hasObjectModel;

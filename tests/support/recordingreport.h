@@ -29,9 +29,9 @@ public:
     /// What kinds of events there were, from one on.
     QStringList kinds(std::size_t from = 0) const {
         static const char* const s_names[std::variant_size_v<ReportEvent>] = {
-            "suiteStart", "suiteEnd", "caseStart",  "caseEnd",    "sectionStart",
-            "sectionEnd", "result",   "attachment", "videoStart", "videoEnd",
-            "output",     "action",   "environment"};
+            "suiteStart", "suiteEnd", "caseStart",   "caseEnd",    "sectionStart",
+            "sectionEnd", "result",   "attachment",  "videoStart", "videoEnd",
+            "output",     "action",   "environment", "item",       "match"};
         QStringList kinds;
         for (std::size_t index = from; index < entries.size(); ++index)
             kinds += s_names[entries[index].event.index()];

@@ -132,6 +132,10 @@ private:
         else if (word == "backtrace")
             for (const QString& caller : current().callers)
                 print(caller.toUtf8());
+        else if (word == "breakOnMissingStep")
+            print("breakOnMissingStep ok: " + QByteArray(argument == "true" ? "1" : "0"));
+        else if (command == "print file")
+            print("@file " + current().file.toUtf8());
         else if (command == "print line")
             print("@line " + QByteArray::number(current().number));
         else if (command.startsWith("print variables"))

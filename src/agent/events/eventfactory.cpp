@@ -12,8 +12,8 @@
 
 #include "agent/core/globalfunctions.h"
 #include "agent/events/eventnames.h"
-#include "agent/input/keynames.h"
 #include "base/boundedgeometry.h"
+#include "wire/keynames.h"
 
 namespace Tamrix::Agent {
 
@@ -71,14 +71,14 @@ void makeWheel(Maker& maker) {
 }
 
 void makeKey(Maker& maker) {
-    const KeyCombination keys = parseKeys(maker.arguments.at(0).toString(), &maker.error);
+    const Wire::KeyCombination keys = Wire::parseKeys(maker.arguments.at(0).toString(), &maker.error);
     if (keys.isEmpty())
         return;
     Qt::KeyboardModifiers modifiers;
-    for (const Key& key : keys)
+    for (const Wire::Key& key : keys)
         if (&key != &keys.last())
-            modifiers |= modifierOfKey(key.code);
-    const Key& key = keys.last();
+            modifiers |= Wire::modifierOfKey(key.code);
+    const Wire::Key& key = keys.last();
     const bool isShifted = (modifiers & Qt::ShiftModifier) != 0;
     const QString text = isShifted ? key.text.toUpper() : key.text;
     maker.add<QKeyEvent>(QEvent::KeyPress, key.code, modifiers, text);

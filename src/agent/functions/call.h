@@ -1,65 +1,39 @@
 #pragma once
 
 #include <QPoint>
-#include <QVariantList>
 #include <QWindow>
-#include <exception>
 #include <functional>
-#include <optional>
 
 #include "agent/core/elementref.h"
 #include "agent/core/itempath.h"
 #include "agent/core/session.h"
 #include "agent/input/stepqueue.h"
 #include "agent/readiness/readiness.h"
+#include "wire/callarguments.h"
 
 namespace Tamrix::Agent {
 
-/// Ends a call of a global function with a failure; callGlobalFunction() turns it into the answer.
-class CallError : public std::exception {
-public:
-    explicit CallError(Failure failure) : m_failure(std::move(failure)) {}
-    CallError(FailureKind kind, const QString& text) : CallError(Failure{kind, text}) {}
-    FailureKind kind() const { return m_failure.kind; }
-    QString text() const { return m_failure.text; }
-    const char* what() const noexcept override { return "a global function failed"; }
+using Wire::CallError;
 
-private:
-    Failure m_failure;
-};
-
-/// A call of a global function on its way. The take...() functions read one argument after another;
-/// they throw CallError with what was wrong.
-class Call {
+/// A call of a global function on its way, whose arguments are read one after another.
+/// callGlobalFunction() turns a CallError into the answer.
+class Call : public Wire::CallArguments {
 public:
     Call(const Wire::Invoke& call, const ResponderPtr& responder)
-        : m_arguments(call.arguments), m_timeout(call.timeout), m_responder(responder) {}
+        : CallArguments(call.arguments), m_timeout(call.timeout), m_responder(responder) {}
 
     const ResponderPtr& responder() const { return m_responder; }
     /// In ms, for each wait of the call.
     int timeout() const { return m_timeout; }
 
-    bool hasNumber(int ahead = 0) const;
-    bool hasText() const;
-    bool isAtEnd() const { return m_next >= m_arguments.size(); }
-
     /// Throws also when the object is gone.
     Element takeObject();
-    int takeNumber(const char* name);
-    QPoint takePoint(const char* x, const char* y);
-    QString takeText(const char* name);
     /// A text, or a list of steps.
     ItemPath takePath(const char* name);
-    void takeEnd() const;
 
 private:
-    [[noreturn]] void failArgument(const QString& text) const;
-    QVariant take(const char* name);
-
-    QVariantList m_arguments;
     int m_timeout;
     ResponderPtr m_responder;
-    int m_next = 0;
 };
 
 /// Fails the call: "QPushButton 'OK' is not ready: it is disabled", or that the element is gone.

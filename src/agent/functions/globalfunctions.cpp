@@ -96,12 +96,9 @@ void callGlobalFunction(const Wire::Invoke& call, const ResponderPtr& responder)
             Call running(call, responder);
             function.run(running);
         } catch (const CallError& error) {
-            QString text = error.text();
-            if (error.kind() == FailureKind::BadArgument)
-                text =
-                    QStringLiteral("%1: %2; usage: %1(%3)")
-                        .arg(call.method, text, QLatin1String(descriptionOf(function).parameters));
-            responder->fail(error.kind(), text);
+            const Failure failure =
+                Wire::withUsage(error.failure(), call.method, descriptionOf(function).parameters);
+            responder->fail(failure.kind, failure.text);
             responder->finish();
         }
         return;

@@ -14,6 +14,7 @@
 #include "agent/input/windowsystem.h"
 #include "agent/readiness/target.h"
 #include "base/boundedgeometry.h"
+#include "wire/mousearguments.h"
 
 namespace Tamrix::Agent {
 
@@ -90,12 +91,8 @@ void runMouseEvent(const Wire::MouseEvent& request, const Element& element,
 }
 
 void handleMouseEvent(const Wire::MouseEvent& request, const ResponderPtr& responder) {
-    constexpr int allButtons = Qt::AllButtons;
-    if (request.buttonChange && (request.button <= 0 || (request.button & allButtons) == 0 ||
-                                 (request.button & (request.button - 1)) != 0)) {
-        responder->fail(FailureKind::BadArgument,
-                        QStringLiteral("%1 is no mouse button: 1 is left, 2 right, 4 middle")
-                            .arg(request.button));
+    if (request.buttonChange && !Wire::isMouseButton(request.button)) {
+        responder->fail(FailureKind::BadArgument, Wire::noMouseButtonText(request.button));
         return;
     }
     if (!canBeMade(WindowSystem::Use::Mouse, responder))

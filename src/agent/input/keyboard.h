@@ -2,9 +2,16 @@
 
 #include <Qt>
 
-#include "agent/input/keynames.h"
+#include "wire/keynames.h"
 
 namespace Tamrix::Agent {
+
+using Wire::Key;
+using Wire::KeyCombination;
+using Wire::keyOfCharacter;
+using Wire::keysOfModifiers;
+using Wire::modifierOfKey;
+using Wire::parseKeys;
 
 /// The keyboard: which modifiers are down. Each operation queues events of the window system and
 /// returns at once; the window that has the focus when they are delivered gets them. One for each

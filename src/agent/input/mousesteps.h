@@ -4,14 +4,11 @@
 
 #include "agent/core/elementref.h"
 #include "agent/input/stepqueue.h"
+#include "wire/mousearguments.h"
 
 namespace Tamrix::Agent {
 
-/// How a mouse action is done: one button, with modifiers held.
-struct MouseStyle {
-    Qt::MouseButton button = Qt::LeftButton;
-    Qt::KeyboardModifiers modifiers;
-};
+using Wire::MouseStyle;
 
 // Each adds the steps of a mouse action at a point of the screen, in the native window of the
 // element as it is when the steps run; nothing happens when the element is gone by then.

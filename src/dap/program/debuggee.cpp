@@ -175,6 +175,23 @@ Outcome<std::vector<Binding>> Debuggee::variables(const QString& path) {
     return bindings;
 }
 
+Outcome<QString> Debuggee::currentFile() {
+    static const QByteArray s_word = QByteArrayLiteral("@file ");
+    QString file;
+    const Outcome<> asked = ask("print file", [&](const QByteArray& line) {
+        file = QString::fromUtf8(line.mid(s_word.size()));
+        return line.startsWith(s_word);
+    });
+    if (!asked)
+        return fail(asked.error());
+    return file;
+}
+
+Outcome<> Debuggee::setMissingStepStops(bool on) {
+    return ask(on ? "breakOnMissingStep true" : "breakOnMissingStep false",
+               [](const QByteArray& line) { return line.startsWith("breakOnMissingStep "); });
+}
+
 Outcome<std::vector<ScriptPlace>> Debuggee::callers() {
     std::vector<ScriptPlace> places;
     // A stack has no last line, so that another answer behind it tells where it ends.

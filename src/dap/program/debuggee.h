@@ -57,8 +57,13 @@ public:
     Outcome<QString> evaluate(const QString& code);
     /// What stands below a path, everything at the top for the empty one.
     Outcome<std::vector<Binding>> variables(const QString& path);
+    /// The file in which the script stands.
+    Outcome<QString> currentFile();
     /// From where the function in which the script stands was called, the innermost place first.
     Outcome<std::vector<ScriptPlace>> callers();
+
+    /// Whether a step of a feature file without a definition stops.
+    Outcome<> setMissingStepStops(bool on);
 
     // Commands, to a script that stands still.
     void setObjectNotFoundStops(bool on);

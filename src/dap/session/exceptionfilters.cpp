@@ -12,6 +12,10 @@ std::vector<ExceptionBreakpointsFilter> ExceptionFilters::offered() {
         {scriptError, "Script Errors", "Stops where an error leaves the script.", true},
         {objectNotFound, "Objects Not Found",
          "Stops where an object is looked for in vain. Continuing looks again.", false},
+        {missingStep, "Missing Steps",
+         "Stops at a step of a feature file without a definition. Continuing loads what has been "
+         "written and looks again.",
+         false},
     };
 }
 
@@ -30,6 +34,8 @@ Outcome<> ExceptionFilters::choose(const std::vector<QString>& names) {
 
 Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const {
     debuggee.setObjectNotFoundStops(stopsAtMissingObjects());
+    if (const Outcome<> set = debuggee.setMissingStepStops(isOn(missingStep)); !set)
+        return set;
     struct Switch {
         const char* setting;
         bool on;

@@ -28,6 +28,7 @@ private:
     static constexpr char failedVerdict[] = "failedVerdict";
     static constexpr char scriptError[] = "scriptError";
     static constexpr char objectNotFound[] = "objectNotFound";
+    static constexpr char missingStep[] = "missingStep";
 
     bool isOn(const char* name) const;
 

@@ -21,8 +21,12 @@ struct Language {
     const char* function;
 };
 
+constexpr const char* featureSuffix = "feature";
+
 constexpr Language languages[] = {
     {"py", "True", "False", "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
+    // What is evaluated at a step is code of the script that runs the file.
+    {featureSuffix, "True", "False", "bool(%1)", nullptr},
 };
 constexpr Language otherLanguage = {"", "true", "false", nullptr, nullptr};
 
@@ -104,11 +108,15 @@ QString functionAt(const ScriptPlace& place) {
     const QString fileName = QFileInfo(place.file).fileName();
     const Language& language = languageOf(place.file);
     QFile file(place.file);
-    if (!language.function || file.size() > longestSource || !file.open(QIODevice::ReadOnly))
+    const bool isStep = language.suffix == featureSuffix;
+    if ((!language.function && !isStep) || file.size() > longestSource ||
+        !file.open(QIODevice::ReadOnly))
         return fileName;
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
     if (place.line < 1 || place.line > lines.size())
         return fileName;
+    if (isStep)
+        return lines[place.line - 1].trimmed();
     // Outwards: each line above that is indented less than those below it is around them.
     const QRegularExpression function(QString::fromLatin1(language.function));
     int indent = indentOf(lines[place.line - 1]);

@@ -165,7 +165,11 @@ void Session::tell(const Notice& notice) {
         write("console", QStringLiteral("%1: %2\n").arg(notice.key, notice.value));
 }
 
-void Session::handle(const Stop& stop) {
+void Session::handle(const Stop& told) {
+    Stop stop = told;
+    // A step without a definition is told by its line alone.
+    if (stop.kind == StopKind::StepMissing)
+        stop.place.file = m_debuggee->currentFile().value_or(QString());
     m_stop = stop;
     m_wantsInterrupt = false;
     const bool wasInterrupted = std::exchange(m_isInterrupted, false);

@@ -133,10 +133,11 @@ public:
     void pushFrame(const DebuggerFrame& frame);
     /// Takes the top frame; a frame of -1 when there is none.
     DebuggerFrame popFrame();
-    /// Pushes the current position as a frame and makes the given one current.
-    void pushFrameAndSetCurrent(int line, int column, int sourceId);
+    /// Pushes the current position as a frame and makes the given one current. A language that
+    /// keeps its frames elsewhere overrides these two, so that it knows those of other files.
+    virtual void pushFrameAndSetCurrent(int line, int column, int sourceId);
     /// Pops a frame and makes it the current position.
-    void popFrameAndSetCurrent();
+    virtual void popFrameAndSetCurrent();
     int frameDepth() const { return static_cast<int>(m_frames.size()); }
 
     /// Enters a source that was loaded; an id that is known keeps its first path. Break points that
@@ -167,7 +168,7 @@ public:
     bool stopWithSearchText(const QString& screenshotFile);
     /// Tells the front end of a line that the script passes, if the host asked for that.
     void stopAndRun();
-    void missingStep(int line, const std::string& text);
+    virtual void missingStep(int line, const std::string& text);
     void notify(const QString& key, const QString& value);
     void checkForPauseMessage();
 

@@ -44,9 +44,14 @@ void Interpreter::clearError() {
     m_resultMessage.clear();
     m_errorFile.clear();
     m_errorImage = QImage();
+    m_makeErrorDetails = nullptr;
     m_errorIsSkip = false;
     m_errorLine = -1;
     m_errorCallStack.clear();
+}
+
+ResultDetails Interpreter::errorDetails() const {
+    return m_makeErrorDetails ? m_makeErrorDetails() : ResultDetails();
 }
 
 void Interpreter::setErrorMessage(const QString& message) {
@@ -161,6 +166,15 @@ bool Interpreter::invokeFunction(const QString& name) {
     if (callFunction(name, ObjectList()))
         return true;
     m_callbackError = {errorMessage(), errorCallStack()};
+    return false;
+}
+
+ScriptContext* Interpreter::scriptContext() {
+    return nullptr;
+}
+
+bool Interpreter::callLibraryFunction(const QString& name, const QStringList&) {
+    setErrorMessage("The language of the test case can't call '" + name + "' without a script");
     return false;
 }
 

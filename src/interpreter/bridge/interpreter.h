@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 #include "base/export.h"
@@ -13,11 +14,13 @@
 #include "interpreter/bridge/scriptargument.h"
 #include "platform/objectmodel/objectclass.h"
 #include "platform/testresult/lineinfo.h"
+#include "platform/testresult/resultdetails.h"
 
 namespace Tamrix {
 
 class Debugger;
 class RunnerInterface;
+class ScriptContext;
 class TestResult;
 
 /// Base of every language's interpreter: the current error, runner and debugger, the script's
@@ -89,6 +92,12 @@ public:
     virtual bool invokeCallable(const QString& identifier);
     /// The same for a function of the script; nothing is printed.
     virtual bool invokeFunction(const QString& name);
+    /// The context in which its scripts run, owned by the interpreter. Null, as by default, when
+    /// the language has none beside those of calls.
+    virtual ScriptContext* scriptContext();
+    /// Calls a function of the library as a script would that is not there; false on failure, with
+    /// the error fields set. By default a language can't.
+    virtual bool callLibraryFunction(const QString& name, const QStringList& arguments);
 
     RunnerInterface* runner() const { return m_runner; }
     Debugger* debugger() const { return m_debugger; }
@@ -99,6 +108,10 @@ public:
     /// A screenshot of a failed image or text search, logged with the script error; null otherwise.
     QImage errorImage() const { return m_errorImage; }
     void setErrorImage(const QImage& image) { m_errorImage = image; }
+    /// What else helps to understand that failure. Made when it is asked for, as scripts may catch
+    /// the error; clearError() forgets it.
+    ResultDetails errorDetails() const;
+    void setErrorDetails(const std::function<ResultDetails()>& make) { m_makeErrorDetails = make; }
     QString scriptName() const { return m_scriptName; }
     void setScriptName(const QString& name) { m_scriptName = name; }
     QStringList scriptArguments() const { return m_scriptArguments; }
@@ -153,6 +166,7 @@ private:
     mutable std::vector<LineInfo> m_errorCallStack;
     QString m_errorMessage;
     QImage m_errorImage;
+    std::function<ResultDetails()> m_makeErrorDetails;
     QString m_resultMessage;
     bool m_errorIsSkip = false;
     CallbackError m_callbackError;

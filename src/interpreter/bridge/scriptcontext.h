@@ -16,11 +16,11 @@
 #include "interpreter/bridge/scriptargument.h"
 #include "platform/testresult/lineinfo.h"
 
+namespace Tamrix {
+
 namespace Gherkin {
 class ScriptActions;
 }
-
-namespace Tamrix {
 
 class TestResult;
 

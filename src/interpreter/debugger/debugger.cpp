@@ -182,7 +182,8 @@ int Debugger::nextSourceId() {
 
 void Debugger::setCode(int sourceId, const QString& file) {
     const QString path = sanitizedFilePath(file);
-    if (!m_sources.contains(sourceId))
+    const bool isNew = !m_sources.contains(sourceId);
+    if (isNew)
         m_sources.insert(sourceId, path);
 
     // The buffered entry stays: a file that is loaded again under a new id gets its break points
@@ -191,6 +192,14 @@ void Debugger::setCode(int sourceId, const QString& file) {
         setBreakPoint(line, sourceId, true);
     for (const int line : m_breakPointsByFileName.value(QFileInfo(path).fileName()))
         setBreakPoint(line, sourceId, true);
+    if (!isNew)
+        return;
+    // So it does those that were set since, as a feature file that runs once more.
+    const std::vector<std::pair<int, int>> known = m_breakPoints;
+    for (const auto& [line, id] : known) {
+        if (id != sourceId && m_sources.value(id) == path && !hasBreakPoint(line, sourceId))
+            setBreakPoint(line, sourceId, true);
+    }
 }
 
 int Debugger::findSourceId(const QString& file) const {

@@ -46,7 +46,11 @@ Outcome<Debugger::BreakPointPlace> Debugger::deleteBreakPoint(const QString& fil
         return fail(FailureKind::NotFound,
                     QStringLiteral("No break point set at %1:%2").arg(path, QString::number(line)));
     }
-    setBreakPoint(line, sourceId, false);
+    // Also where the file was loaded once more.
+    for (auto source = m_sources.cbegin(); source != m_sources.cend(); ++source) {
+        if (source.value() == path)
+            setBreakPoint(line, source.key(), false);
+    }
     return BreakPointPlace{path, line, false};
 }
 

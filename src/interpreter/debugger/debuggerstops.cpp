@@ -60,6 +60,7 @@ void Debugger::stopAndRun() {
 }
 
 void Debugger::missingStep(int line, const std::string& text) {
+    updateFrames();
     m_frontEnd->stopped({QString(), line, -1}, StepMissing{text});
     // Meant: also when not interactive. Callers ask breakOnMissingStep() first.
     prompt();

@@ -3,8 +3,7 @@
 #include <QImageWriter>
 #include <QSaveFile>
 
-#include "platform/objectmodel/inspector.h"
-#include "vision/screenshot/screenshot.h"
+#include "interpreter/generic/desktopscreenshot.h"
 
 namespace Tamrix {
 
@@ -21,9 +20,7 @@ Outcome<> writeImageFile(const QImage& image, const QString& path, const QByteAr
 }
 
 QString saveScreenshotFromCurrentAutContext(const QFileInfo& file, const QString& format) {
-    const QVariant picture =
-        Inspector::self()->nativeRequest(QStringLiteral("desktopScreenshot"), {});
-    const QImage image = Screenshot::fromVariant(picture).image();
+    const QImage image = takeDesktopScreenshot().image();
     if (image.isNull())
         return QStringLiteral("Screenshot taken from the desktop is invalid");
     const QString path = file.absoluteFilePath();

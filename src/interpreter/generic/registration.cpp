@@ -1,19 +1,23 @@
 // The names under which scripts reach the library. Every name of the interface has its row; a row
 // without a function is not registered, so that a script is told that there is no such name.
 
+#include "interpreter/bdd/runfeaturefile.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/applicationfunctions.h"
 #include "interpreter/generic/comparisonfunctions.h"
 #include "interpreter/generic/imageobjects.h"
+#include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
+#include "interpreter/generic/remotefunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
 #include "interpreter/generic/screenshotfunctions.h"
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
 
@@ -64,23 +68,41 @@ const FunctionRow globalFunctions[] = {
      "callback)"},
     {"uninstallEventHandler", uninstallEventHandler, "", "objectOrType event callback",
      "Takes back installEventHandler with the same arguments"},
-    {"runFeatureFile"},
-    {"_tamrix_connect_to_remote_system"},
-    {"_tamrix_close_remote_system_connection"},
-    {"_tamrix_remote_get_environment_variable"},
-    {"_tamrix_remote_get_os_name"},
-    {"_tamrix_remote_execute_command"},
-    {"_tamrix_remote_get_directory_content"},
-    {"_tamrix_remote_get_path_property"},
-    {"_tamrix_remote_path_exists"},
-    {"_tamrix_remote_rename_path"},
-    {"_tamrix_remote_create_path"},
-    {"_tamrix_remote_delete_path"},
-    {"_tamrix_remote_create_file"},
-    {"_tamrix_remote_delete_file"},
-    {"_tamrix_remote_copy_path"},
-    {"_tamrix_remote_upload_file"},
-    {"_tamrix_remote_download_file"},
+    {"runFeatureFile", runFeatureFile, "fileName", "",
+     "Runs the scenarios of a feature file with the step definitions of the scripts"},
+    {"_tamrix_connect_to_remote_system", RemoteSystemApi::connectToRemoteSystem, "", "host port",
+     "Connects to a machine, or to the default one; returns a handle"},
+    {"_tamrix_close_remote_system_connection", RemoteSystemApi::closeRemoteSystemConnection,
+     "handle", "", "Ends a connection"},
+    {"_tamrix_remote_get_environment_variable", RemoteSystemApi::getEnvironmentVariable,
+     "handle envvarname", "", "The value of an environment variable"},
+    {"_tamrix_remote_get_os_name", RemoteSystemApi::getOSName, "handle", "",
+     "The operating system of the machine"},
+    {"_tamrix_remote_execute_command", RemoteSystemApi::executeCommand,
+     "handle command cwd env options", "",
+     "Runs a program to its end; returns its exit code and output"},
+    {"_tamrix_remote_get_directory_content", RemoteSystemApi::getRemoteDirectoryContent,
+     "handle remotePath", "", "The names of all that is in a folder"},
+    {"_tamrix_remote_get_path_property", RemoteSystemApi::getRemotePathProperty,
+     "handle remotePath propertyName", "", "What is known of a path"},
+    {"_tamrix_remote_path_exists", RemoteSystemApi::remotePathExists, "handle remotePath", "",
+     "Whether there is something under the path"},
+    {"_tamrix_remote_rename_path", RemoteSystemApi::remoteRenamePath,
+     "handle oldRemotePath newRemotePath", "", "Renames a file or folder"},
+    {"_tamrix_remote_create_path", RemoteSystemApi::remoteCreatePath, "handle remotePath",
+     "recursive", "Makes a folder"},
+    {"_tamrix_remote_delete_path", RemoteSystemApi::remoteDeletePath, "handle remotePath",
+     "recursive", "Removes a file or folder"},
+    {"_tamrix_remote_create_file", RemoteSystemApi::remoteCreateFile,
+     "handle remotePath content encoding", "", "Writes a text to a file"},
+    {"_tamrix_remote_delete_file", RemoteSystemApi::remoteDeleteFile, "handle remotePath", "",
+     "Removes a file"},
+    {"_tamrix_remote_copy_path", RemoteSystemApi::remoteCopyPath,
+     "handle srcRemotePath dstRemotePath", "", "Copies a file or folder on the machine"},
+    {"_tamrix_remote_upload_file", RemoteSystemApi::remoteUploadFile, "handle localPath remotePath",
+     "", "Copies a file to the machine"},
+    {"_tamrix_remote_download_file", RemoteSystemApi::remoteDownloadFile,
+     "handle remotePath localPath", "", "Copies a file from the machine"},
     {"startApplication", startApplication, "program", "host port timeout",
      "Starts an application; returns its context"},
     {"attachToApplication", attachToApplication, "name", "host port timeout",
@@ -159,16 +181,20 @@ const FunctionRow testFunctions[] = {
     {"restoreResultContext", testRestoreResultContext, "", "", "Ends the last fixateResultContext"},
     {"startSection", testStartSection, "title", "description", "Starts a section of the results"},
     {"endSection", testEndSection, "", "", "Ends the innermost section"},
-    {"imageNotPresent"},
-    {"imagePresent"},
+    {"imageNotPresent", testImageNotPresent, "image", "options region",
+     "Passes as soon as the image is not on the screen; returns whether it went in time"},
+    {"imagePresent", testImagePresent, "image", "options region",
+     "Passes as soon as the image is on the screen; returns whether it came in time"},
     {"ocrTextNotPresent"},
     {"ocrTextPresent"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
     {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
      "Adds a picture of the desktop to the results"},
     {"attachImage", testAttachImage, "image", "message", "Adds a picture to the results"},
-    {"startVideoCapture"},
-    {"stopVideoCapture"},
+    {"startVideoCapture", testStartVideoCapture, "", "message",
+     "Starts a video of the current application's display; returns its VideoCapture"},
+    {"stopVideoCapture", testStopVideoCapture, "", "message",
+     "Ends the video of the current application"},
     {"expect", testExpect, "nameOrObject properties", "timeout comment",
      "Passes as soon as the object is there and has all the properties; returns whether it had "
      "them in time"},
@@ -259,8 +285,9 @@ const NativeRow nativeFunctions[] = {
      "Highlights the specified object"},
     {"createVisualVP", nullptr, "object VPname", "",
      "Creates a visual verification point for an object"},
-    {"findImage", nullptr, "image", "options region", "Returns a position of the specified image"},
-    {"waitForImage", nullptr, "image", "options region",
+    {"findImage", findImage, "image", "options region",
+     "Returns a position of the specified image"},
+    {"waitForImage", waitForImage, "image", "options region",
      "Returns a position of the specified image"},
     {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
     {"findOcrText", nullptr, "text", "options region",
@@ -342,6 +369,7 @@ void Interpreter::initNativeAPI() {
     addHiddenNativeClass<TestSettingsType>(this, "testSettings");
     addNativeClass<ImageScriptObject>(this, "Image");
     addNativeClass<ScreenshotScriptObject>(this, "Screenshot");
+    addNativeClass<VideoCaptureScriptObject>(this, "VideoCapture");
     // What testSettings holds; scripts get the objects from it.
     addHiddenNativeClass<TesseractTestSettings>(this, "TesseractTestSettings");
     addHiddenNativeClass<OCRSpaceTestSettings>(this, "OCRSpaceTestSettings");

@@ -25,6 +25,23 @@ bool isSearchError(const QString& message) {
             message.contains(QLatin1String("Could not find text '")));
 }
 
+/// The language in which the steps of a case without a script are written, the first one in the
+/// order of the languages; without any steps it is the first language of all.
+const ScriptLanguageInformation& languageOfSteps(const QDir& caseDirectory) {
+    const std::vector<const ScriptLanguageInformation*> known =
+        ScriptLanguageInformation::knownLanguages();
+    for (const ScriptLanguageInformation* const language : known) {
+        const QStringList pattern(QStringLiteral("*.") + language->suffix);
+        for (const char* const folder : {"steps", "../shared/steps"}) {
+            if (!QDir(caseDirectory.filePath(QLatin1String(folder)))
+                     .entryList(pattern, QDir::Files)
+                     .isEmpty())
+                return *language;
+        }
+    }
+    return *known.front();
+}
+
 }  // namespace
 
 ScriptTestCase::ScriptTestCase(TestResult* result, const QDir& testCaseDirectory,
@@ -40,31 +57,46 @@ ScriptTestCase::~ScriptTestCase() {
     defip = nullptr;
 }
 
+bool ScriptTestCase::failToLoad(const QString& message, const QString& detail,
+                                const QString& path) {
+    if (testResult())
+        testResult()->addResult(TestResult::Fatal, message, detail, LineInfo(path, -1));
+    return false;
+}
+
 bool ScriptTestCase::load(const QString& scriptFile, Debugger::DbgMode mode) {
     // 1. The script's absolute path.
     const QString path = QDir::current().absoluteFilePath(scriptFile);
     const QFileInfo file(path);
-    const auto fail = [&](const QString& message, const QString& detail) {
-        if (testResult())
-            testResult()->addResult(TestResult::Fatal, message, detail, LineInfo(path, -1));
-        return false;
-    };
-
     // 2. It must be a file,
     if (!file.isFile())
-        return fail("Missing file", QString("Test script file %1 does not exist").arg(scriptFile));
+        return failToLoad("Missing file",
+                          QString("Test script file %1 does not exist").arg(scriptFile), path);
     // 3. in a language that is known by its suffix,
     const ScriptLanguageInformation* language = ScriptLanguageInformation::forFile(file);
     if (!language)
-        return fail("Unidentified language", "Wasn't able to deduce type of language");
+        return failToLoad("Unidentified language", "Wasn't able to deduce type of language", path);
+    m_isFeature = false;
+    return loadLanguage(file, *language, mode);
+}
+
+bool ScriptTestCase::loadFeature(const QString& featureFile, Debugger::DbgMode mode) {
+    const QFileInfo file(QDir::current().absoluteFilePath(featureFile));
+    m_isFeature = true;
+    return loadLanguage(file, languageOfSteps(testCaseDirectory()), mode);
+}
+
+bool ScriptTestCase::loadLanguage(const QFileInfo& file, const ScriptLanguageInformation& language,
+                                  Debugger::DbgMode mode) {
+    const QString path = file.filePath();
     // 4. whose plug-in can be loaded,
-    const ScriptLanguagePlugin plugin(language->pluginName);
+    const ScriptLanguagePlugin plugin(language.pluginName);
     if (!plugin.lastErrorMessage().isEmpty())
-        return fail("Failed to load script language plugin", plugin.lastErrorMessage());
+        return failToLoad("Failed to load script language plugin", plugin.lastErrorMessage(), path);
     // 5. and makes an interpreter. A plug-in without the factory has told so on standard error.
     std::unique_ptr<Interpreter> interpreter(plugin.interpreter(m_runner));
     if (!interpreter)
-        return fail("Failed to create script interpreter", plugin.lastErrorMessage());
+        return failToLoad("Failed to create script interpreter", plugin.lastErrorMessage(), path);
     // 6. The new interpreter gets its functions.
     interpreter->initTestFunctions(testResult());
     interpreter->initUtilFunctions();
@@ -122,7 +154,11 @@ bool ScriptTestCase::init() {
 }
 
 bool ScriptTestCase::exec() {
-    return internalRun(QStringLiteral("main"), false);
+    if (!m_isFeature)
+        return internalRun(QStringLiteral("main"), false);
+    return ip->callLibraryFunction(QStringLiteral("runFeatureFile"),
+                                   QStringList(m_scriptFile.filePath())) ||
+           reportScriptError();
 }
 
 bool ScriptTestCase::cleanup() {
@@ -154,15 +190,20 @@ bool ScriptTestCase::internalRun(const QString& name, bool optional) {
         return false;
     }
 
-    if (ip->callFunction(name, ObjectList()))
-        return true;
+    return ip->callFunction(name, ObjectList()) || reportScriptError();
+}
 
+bool ScriptTestCase::reportScriptError() {
+    TestResult* const result = testResult();
     const QString detail = ip->errorMessage();
+    const bool isOfSearch = isSearchError(detail);
+    const ResultDetails details = isOfSearch ? ip->errorDetails() : ResultDetails();
     QString message = QStringLiteral("Script Error");
     if (TestVP::wantLogScreenshotForResult(TestSettingsType::s_vpOptions, TestResult::Error)) {
+        attachPictures(result, m_runner, details);
         // A null image asks for a fresh picture of the desktop.
         message += TestVP::logScreenshot(m_runner, TestResult::Error,
-                                         isSearchError(detail) ? ip->errorImage() : QImage());
+                                         isOfSearch ? ip->errorImage() : QImage());
     }
     ScriptContext* const context = ScriptContext::current();
     const bool isFixated = context && !context->fixatedResultContexts().empty();
@@ -174,7 +215,8 @@ bool ScriptTestCase::internalRun(const QString& name, bool optional) {
     if (result && ip->errorIsSkip())
         result->addSkipEcho(TestResult::Error, message, detail, stack);
     else if (result)
-        result->addResult(QDateTime::currentDateTime(), TestResult::Error, message, detail, stack);
+        result->addResult(QDateTime::currentDateTime(), TestResult::Error, message, detail, stack,
+                          QString(), -1, details.explanation);
     return false;
 }
 

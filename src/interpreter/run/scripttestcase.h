@@ -14,6 +14,7 @@ namespace Tamrix {
 
 class Interpreter;
 class RunnerInterface;
+struct ScriptLanguageInformation;
 
 /// Runs one test script through the interpreter of its language. Every failure becomes a result.
 /// Script thread only.
@@ -28,6 +29,10 @@ public:
     /// Finds the script's language, loads its plug-in and makes its interpreter the current one.
     /// False when nothing can run.
     bool load(const QString& scriptFile, Debugger::DbgMode mode);
+
+    /// The same for a feature file that runs without a script: exec() runs it, and init() and
+    /// cleanup() have nothing to do. Its language is that of the files with steps.
+    bool loadFeature(const QString& featureFile, Debugger::DbgMode mode);
 
     /// Checks and evaluates the script's text, which defines its functions.
     bool evaluate(const QString& scriptText);
@@ -51,11 +56,18 @@ public:
     static Interpreter* defip;
 
 private:
+    /// What the two ways of loading have in common, from the language on.
+    bool loadLanguage(const QFileInfo& file, const ScriptLanguageInformation& language,
+                      Debugger::DbgMode mode);
+    bool failToLoad(const QString& message, const QString& detail, const QString& path);
     bool internalRun(const QString& name, bool optional);
+    /// Turns the interpreter's error into a result. Always false.
+    bool reportScriptError();
 
     RunnerInterface* m_runner;
     QStringList m_scriptArguments;
     QFileInfo m_scriptFile;
+    bool m_isFeature = false;
 };
 
 }  // namespace Tamrix

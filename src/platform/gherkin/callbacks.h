@@ -71,6 +71,8 @@ public:
     /// verification in a script.
     virtual bool lastScenarioHasError() = 0;
     virtual void clearLastScenarioError() = 0;
+    /// The definition that a step has run with, behind its run. Does nothing by default.
+    virtual void matchedStep(const Step& step, const StepMatch& match);
 };
 
 /// The step definitions and hooks of a language's scripts.
@@ -78,9 +80,23 @@ class TAMRIX_EXPORT ScriptActions {
 public:
     virtual ~ScriptActions();
 
+    /// A definition of a script.
+    struct Definition {
+        /// The expression as the script has it.
+        std::string source;
+        ScriptLocation location;
+    };
+
     virtual LookupAndExecuteStepResult lookupAndExecuteStep(const Step& step) = 0;
-    /// Whether there is a definition for the step, or several.
-    virtual bool hasStep(const Step& step) = 0;
+    /// All definitions that fit the step, without running anything. Throws ExpressionError when
+    /// looking takes too long.
+    virtual std::vector<StepMatch> findStep(const Step& step) = 0;
+    /// All definitions that there are.
+    virtual std::vector<Definition> definitions() = 0;
+    /// Code with which a definition for the step can begin, in the language of the scripts.
+    virtual std::string snippet(const Step& step) = 0;
+    /// Definitions may have been written meanwhile: looks for them.
+    virtual void reload() = 0;
     /// Runs all hooks of this kind that are meant for the subject.
     virtual ExecuteHookResult executeHooks(HookType type, HookOrder order,
                                            const HookSubject& subject) = 0;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/gherkin/errors.h"
+#include "platform/gherkin/expressions/expressionerror.h"
 #include "platform/gherkin/parser.h"
 #include "platform/gherkin/recordsfromtree.h"
 
@@ -18,9 +19,14 @@ constexpr std::string_view reservedTags[] = {"untagged"};
 class NoActions final : public ScriptActions {
 public:
     LookupAndExecuteStepResult lookupAndExecuteStep(const Step&) override {
-        return {LookupAndExecuteStepResult::NoMatch, {}, {}};
+        LookupAndExecuteStepResult result;
+        result.kind = LookupAndExecuteStepResult::NoMatch;
+        return result;
     }
-    bool hasStep(const Step&) override { return false; }
+    std::vector<StepMatch> findStep(const Step&) override { return {}; }
+    std::vector<Definition> definitions() override { return {}; }
+    std::string snippet(const Step&) override { return {}; }
+    void reload() override {}
     ExecuteHookResult executeHooks(HookType, HookOrder, const HookSubject&) override { return {}; }
 };
 
@@ -72,6 +78,7 @@ private:
     void runSteps(std::span<const Syntax::Step> steps, const Tags& tags, const RowValues& values);
     void runStep(const Step& step, const Tags& tags);
     void execute(const Step& step);
+    bool isMissing(const Step& step);
     /// Whether they succeeded.
     bool runHooks(HookType type, HookOrder order, const HookSubject& subject);
     bool isWanted(const Tags& tags);
@@ -241,10 +248,23 @@ void FeatureRun::runStep(const Step& step, const Tags& tags) {
     m_report->finishedStep(step);
 }
 
+bool FeatureRun::isMissing(const Step& step) {
+    try {
+        return m_actions->findStep(step).empty();
+    } catch (const ExpressionError&) {
+        // What can't be looked up is told when the step is to run.
+        return false;
+    }
+}
+
 void FeatureRun::execute(const Step& step) {
-    if (m_debugger && m_debugger->handlesMissingSteps() && !m_actions->hasStep(step))
+    if (m_debugger && m_debugger->handlesMissingSteps() && isMissing(step)) {
         m_debugger->missingStep(step.line, step);
+        m_actions->reload();
+    }
     const LookupAndExecuteStepResult result = m_actions->lookupAndExecuteStep(step);
+    if (result.match)
+        m_report->matchedStep(step, *result.match);
     if (result.kind == LookupAndExecuteStepResult::Success)
         return;
     m_scenarioHasFailed = true;

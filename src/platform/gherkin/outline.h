@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/export.h"
 #include "platform/gherkin/document.h"
 
 namespace Tamrix::Gherkin {
@@ -12,7 +13,7 @@ constexpr std::size_t maxFilledSize = std::size_t(1) << 20;
 
 /// Substitutes the values of a row of examples for the placeholders of its columns, "<name>".
 /// Without a row texts stay as they are. What is filled in isn't searched again.
-class RowValues {
+class TAMRIX_EXPORT RowValues {
 public:
     RowValues() = default;
     /// Both belong to the document.

@@ -31,6 +31,10 @@ struct Feature {
     int line = 0;
     std::string name;
     std::vector<std::string> description;
+    /// As the file's language has it.
+    std::string keyword;
+    /// Its own ones, without "@".
+    std::vector<std::string> tags;
 };
 
 /// Also an outline. In its rows the columns' names are filled in with their values.
@@ -38,6 +42,9 @@ struct Scenario {
     int line = 0;
     std::string name;
     std::vector<std::string> description;
+    std::string keyword;
+    /// Its own ones, without "@".
+    std::vector<std::string> tags;
 };
 
 struct Background {
@@ -68,6 +75,24 @@ struct HookSubject {
     std::vector<std::string> tags;
 };
 
+/// What a parameter of a step definition takes of a step's text.
+struct StepParameter {
+    /// Bytes of the text.
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    /// The name of its type; empty for a group of a regular expression.
+    std::string typeName;
+};
+
+/// A step definition that fits a step.
+struct StepMatch {
+    /// The expression as the script has it.
+    std::string definition;
+    ScriptLocation location;
+    /// Those that took part.
+    std::vector<StepParameter> parameters;
+};
+
 struct LookupAndExecuteStepResult {
     enum Kind {
         Success = 0,
@@ -78,12 +103,17 @@ struct LookupAndExecuteStepResult {
         /// The script failed, and its error is the interpreter's.
         ScriptFailure = 4,
         /// The arguments could not be handed over.
-        ArgumentFailure = 5
+        ArgumentFailure = 5,
+        /// The script says that the definition is still to be written.
+        Pending = 6
     };
 
     int kind = Success;
+    /// Of a step without a match: code with which its definition can begin.
     std::string message;
     ScriptLocation location;
+    /// Set when there was exactly one definition.
+    std::optional<StepMatch> match;
 };
 
 struct ExecuteHookResult {

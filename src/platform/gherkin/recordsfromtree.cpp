@@ -10,14 +10,22 @@ std::vector<std::string> lines(std::span<const std::string_view> description) {
     return {description.begin(), description.end()};
 }
 
+std::vector<std::string> names(std::span<const Syntax::Tag> tags) {
+    std::vector<std::string> result;
+    appendTags(tags, &result);
+    return result;
+}
+
 }  // namespace
 
 Feature featureRecord(const Syntax::Feature& feature) {
-    return {feature.location.line, std::string(feature.name), lines(feature.description)};
+    return {feature.location.line, std::string(feature.name), lines(feature.description),
+            std::string(feature.keyword), names(feature.tags)};
 }
 
 Scenario scenarioRecord(const Syntax::Scenario& scenario, const RowValues& values) {
-    return {scenario.location.line, values.filledIn(scenario.name), lines(scenario.description)};
+    return {scenario.location.line, values.filledIn(scenario.name), lines(scenario.description),
+            std::string(scenario.keyword), names(scenario.tags)};
 }
 
 std::vector<TableCell> rowRecord(const Syntax::TableRow& row, const RowValues& values) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/export.h"
 #include "platform/gherkin/document.h"
 #include "platform/gherkin/outline.h"
 #include "platform/gherkin/records.h"
@@ -14,7 +15,7 @@ namespace Tamrix::Gherkin {
 
 Feature featureRecord(const Syntax::Feature& feature);
 Scenario scenarioRecord(const Syntax::Scenario& scenario, const RowValues& values);
-Step stepRecord(const Syntax::Step& step, const RowValues& values);
+TAMRIX_EXPORT Step stepRecord(const Syntax::Step& step, const RowValues& values);
 std::vector<TableCell> rowRecord(const Syntax::TableRow& row, const RowValues& values);
 
 /// Appends the tags' names without "@".

@@ -95,13 +95,12 @@ struct CheckedName {
 /// `answerTimeout` of -1 is the usual time for an answer.
 ///
 /// The agent's connection is one implementation (RemoteModel); the tests have one in memory. How
-/// others fit:
+/// others fit, or would:
 ///
-/// - A display without an agent has one object, the screen, and acts by mouse, keys and pictures:
-///   mouseEvent() without target, keyEvent(), nativeRequest("desktopScreenshot"); names it refuses.
+/// - A display without an agent (DisplayModel) has its windows as objects, and acts by mouse, keys
+///   and pictures; names of anything else it refuses.
 /// - Accessibility (AT-SPI) has trees, properties and actions, each asked for over D-Bus: it
-/// matches
-///   names on this side of the connection, keeps what it learnt for the time of one look, and waits
+///   matches names on this side of the connection, keeps what it learnt for the time of one look, and waits
 ///   in act() by looking again, as its objects can't do it themselves. What it can't ask, as who
 ///   covers whom, it does not name as an obstacle.
 /// - A remote machine is this interface over a connection: the agent's messages, forwarded, with

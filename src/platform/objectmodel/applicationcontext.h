@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QDateTime>
+#include <QSharedPointer>
 #include <QString>
 
 #include "base/export.h"
 #include "base/shared.h"
 
 namespace Tamrix {
+
+class BackgroundTask;
 
 /// A script's handle on one running application, made by the runner. Script thread only.
 class TAMRIX_EXPORT ApplicationContext : public Shared {
@@ -23,6 +26,9 @@ public:
     QDateTime startTime;
     /// The script wants the application to end, however that happens: its end is no finding.
     bool isExitExpected = false;
+    /// The video that is being made of it. Set by the runner; null when there is none, or when it
+    /// was stopped by its context.
+    QSharedPointer<BackgroundTask> videoCapture;
 
     /// "AUT '%1' (pid %2, started %3)" with the start time in ISO form.
     QString displayString() const;

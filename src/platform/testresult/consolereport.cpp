@@ -1,6 +1,7 @@
 #include "platform/testresult/consolereport.h"
 
 #include <QFileDevice>
+#include <QMap>
 #include <QStringList>
 
 #include "base/filewriting.h"
@@ -45,6 +46,16 @@ QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 2) + QLatin1String(" s");
 }
 
+QString sectionLabel(const QString& kind) {
+    static const QMap<QString, QString> s_labels = {
+        {QStringLiteral("feature"), QStringLiteral("Feature: ")},
+        {QStringLiteral("scenario"), QStringLiteral("Scenario: ")},
+        {QStringLiteral("scenariooutline"), QStringLiteral("Scenario outline: ")},
+        {QStringLiteral("row"), QStringLiteral("Row: ")},
+        {QStringLiteral("step"), QStringLiteral("Step: ")}};
+    return s_labels.value(kind, QStringLiteral("Section: "));
+}
+
 const char* resultColour(const ResultAdded& result) {
     if (isFailure(result))
         return red;
@@ -86,7 +97,11 @@ void ConsoleReport::add(const ReportEntry& entry) {
                     addCaseLine(tally);
             },
             [this](const SectionStarted& section) { startSection(section); },
-            [this](const SectionEnded& section) { endSection(section); },
+            [&](const SectionEnded& section) {
+                endSection(section);
+                if (m_tally.scenario() && m_tally.scenario()->isEnded)
+                    addScenarioLine(*m_tally.scenario(), tally);
+            },
             [&](const ResultAdded& result) { addResult(result, tally); },
             [this](const FileAttached& file) {
                 addDetail(QStringLiteral("Attached: %1: %2").arg(file.message, file.path));
@@ -95,7 +110,9 @@ void ConsoleReport::add(const ReportEntry& entry) {
                 addDetail(QStringLiteral("Video starts: %1: %2").arg(video.message, video.path));
             },
             [this](const VideoEnded& video) {
-                addDetail(QStringLiteral("Video ends: %1: %2").arg(video.message, video.path));
+                addDetail((video.isDiscarded ? QStringLiteral("Video discarded: %1: %2")
+                                             : QStringLiteral("Video ends: %1: %2"))
+                              .arg(video.message, video.path));
             },
             [this](const OutputWritten& output) { addOutput(output); },
             [this](const ActionEnded& action) {
@@ -103,6 +120,8 @@ void ConsoleReport::add(const ReportEntry& entry) {
                           action.hasFailed ? yellow : "");
             },
             [](const EnvironmentFact&) {},
+            [this](const ItemDescribed& item) { addItem(item); },
+            [](const StepMatched&) {},
         },
         entry.event);
     flush();
@@ -127,7 +146,7 @@ void ConsoleReport::startLevel(const CaseTally& tally, Verbosity announcedFrom) 
 }
 
 void ConsoleReport::startSection(const SectionStarted& section) {
-    addDetail(QStringLiteral("Section: ") + messageText(section.title, section.description));
+    addDetail(sectionLabel(section.kind) + messageText(section.title, section.description));
     ++m_sectionDepth;
 }
 
@@ -175,19 +194,43 @@ void ConsoleReport::announceCase(const CaseTally& tally) {
     addLine(text, isSuite ? 0 : 1);
 }
 
+void ConsoleReport::addItem(const ItemDescribed& item) {
+    if (!item.tags.isEmpty())
+        addDetail(item.tags);
+    if (!item.argument.isEmpty())
+        addDetail(item.argument);
+}
+
+void ConsoleReport::addScenarioLine(const ScenarioTally& scenario, const CaseTally& testCase) {
+    if (m_verbosity == Verbosity::Quiet)
+        return;
+    if (m_announcedId != testCase.id)
+        announceCase(testCase);
+    addOutcomeLine(
+        scenario,
+        scenario.failedStep.isEmpty() ? QString() : QStringLiteral("at: ") + scenario.failedStep,
+        resultIndent());
+}
+
 void ConsoleReport::addCaseLine(const CaseTally& testCase) {
-    const CaseOutcome outcome = testCase.outcome();
+    QStringList notes;
+    if (testCase.outcome() == CaseOutcome::Skipped && !testCase.skipText.isEmpty())
+        notes += testCase.skipText;
+    if (testCase.attempt > 1)
+        notes += QStringLiteral("attempt %1").arg(testCase.attempt);
+    addOutcomeLine(testCase, notes.join(QLatin1String("  ")), 1);
+}
+
+void ConsoleReport::addOutcomeLine(const Tally& tally, const QString& note, int indent) {
+    const CaseOutcome outcome = tally.outcome();
     for (const OutcomeLabel& row : outcomeLabels) {
         if (row.outcome != outcome)
             continue;
-        QString text =
-            QStringLiteral("%1 %2  (%3)")
-                .arg(QLatin1String(row.label), testCase.name, secondsText(testCase.seconds()));
-        if (outcome == CaseOutcome::Skipped && !testCase.skipText.isEmpty())
-            text += QLatin1String("  ") + testCase.skipText;
-        if (testCase.attempt > 1)
-            text += QStringLiteral("  attempt %1").arg(testCase.attempt);
-        addLine(text, 1, row.colour);
+        QString text = QStringLiteral("%1 %2  (%3)")
+                           .arg(QLatin1String(row.label), tally.name, secondsText(tally.seconds()));
+        if (!note.isEmpty())
+            text += QLatin1String("  ") + note;
+        addLine(text, indent, row.colour);
     }
 }
 

@@ -20,7 +20,7 @@ class TAMRIX_EXPORT ConsoleReport : public ReportGenerator {
 public:
     enum class Verbosity {
         Quiet,   ///< failures and the summary
-        Normal,  ///< also a line for each case, and the script's output
+        Normal,  ///< also a line for each case and scenario, and the script's output
         Verbose  ///< also every result, section and attachment as it happens
     };
 
@@ -55,7 +55,10 @@ private:
     void addDetail(const QString& text, const char* colour = "");
     void addOutput(const OutputWritten& output);
     void announceCase(const CaseTally& tally);
+    void addItem(const ItemDescribed& item);
+    void addScenarioLine(const ScenarioTally& scenario, const CaseTally& testCase);
     void addCaseLine(const CaseTally& testCase);
+    void addOutcomeLine(const Tally& tally, const QString& note, int indent);
     void addIncompleteCases();
     void addSummary();
 

@@ -78,6 +78,10 @@ bool isPicture(const QString& path) {
     return hasSuffix(path, "png jpg jpeg gif bmp webp svg");
 }
 
+bool isVideo(const QString& path) {
+    return hasSuffix(path, "mp4 m4v webm");
+}
+
 bool isText(const QString& path) {
     return hasSuffix(path, "txt log out err json jsonl xml csv tsv ini conf cfg yaml yml md py js");
 }
@@ -123,6 +127,16 @@ void insertHead(QJsonObject& object, const char* kind, const QString& label,
     object.insert(QStringLiteral("message"), shown(message));
 }
 
+/// The ends of videos, by path.
+QMap<QString, const ReportEntry*> videoEnds(const std::vector<ReportEntry>& entries) {
+    QMap<QString, const ReportEntry*> ends;
+    for (const ReportEntry& entry : entries) {
+        if (const auto* video = eventOf<VideoEnded>(entry))
+            ends.insert(video->path, &entry);
+    }
+    return ends;
+}
+
 void insertAction(QJsonObject& object, const ActionEnded& action) {
     insertHead(object, "action", QStringLiteral("Action"), action.function);
     insertText(object, "detail", shown(action.arguments));
@@ -131,6 +145,24 @@ void insertAction(QJsonObject& object, const ActionEnded& action) {
         object.insert(QStringLiteral("failed"), true);
     // No lines of scripts: there may be very many actions.
     insertText(object, "position", shown(positionText(action.position)));
+}
+
+void insertItem(QJsonObject& object, const ItemDescribed& item) {
+    object.insert(QStringLiteral("kind"), QStringLiteral("item"));
+    insertText(object, "keyword", shown(item.keyword));
+    insertText(object, "tags", shown(item.tags));
+    insertText(object, "argument", shown(item.argument));
+}
+
+void insertMatch(QJsonObject& object, const StepMatched& match) {
+    object.insert(QStringLiteral("kind"), QStringLiteral("match"));
+    insertText(object, "definition", shown(match.definition));
+    insertText(object, "position", shown(positionText(match.position)));
+    QJsonArray parameters;
+    for (const StepParameterRange& each : match.parameters)
+        parameters.append(QJsonArray{each.begin, each.end});
+    if (!parameters.isEmpty())
+        object.insert(QStringLiteral("parameters"), parameters);
 }
 
 }  // namespace
@@ -251,9 +283,10 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     m_rowEntries += m_rows.isEmpty() ? "\n[" : ",\n[";
     const auto entries = m_entries.find(tally.id);
     if (entries != m_entries.end()) {
+        m_videoEnds = videoEnds(entries->second);
         const char* separator = "\n";
         for (const ReportEntry& entry : entries->second) {
-            if (eventOf<ActionEnded>(entry) && ++m_actionCount > mostActions)
+            if (isLeftOut(entry))
                 continue;
             m_rowEntries += separator + toJson(entryObject(entry, tally.start));
             separator = ",\n";
@@ -261,6 +294,18 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     }
     m_rowEntries += "]";
     m_rows.append(row);
+}
+
+bool HtmlData::isLeftOut(const ReportEntry& entry) {
+    const auto isDiscarded = [this](const QString& path) {
+        const ReportEntry* const end = m_videoEnds.value(path);
+        return end && eventOf<VideoEnded>(*end)->isDiscarded;
+    };
+    if (const auto* video = eventOf<VideoStarted>(entry))
+        return isDiscarded(video->path);
+    if (const auto* video = eventOf<VideoEnded>(entry))
+        return video->isDiscarded;
+    return eventOf<ActionEnded>(entry) && ++m_actionCount > mostActions;
 }
 
 ReportEvent HtmlData::limitedEvent(const ReportEvent& event, QJsonObject& object) {
@@ -294,18 +339,16 @@ QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& row
                    [&](const SectionStarted& section) {
                        insertHead(object, "sectionStart", QString(), section.title);
                        insertText(object, "detail", shown(section.description));
+                       insertText(object, "section", section.kind);
                    },
                    [&](const SectionEnded&) {
                        object.insert(QStringLiteral("kind"), QStringLiteral("sectionEnd"));
                    },
                    [&](const ResultAdded& result) { addResult(object, result); },
                    [&](const FileAttached& file) { addFile(object, file); },
-                   [&](const VideoStarted& video) {
-                       insertHead(object, "result", QStringLiteral("Video starts"), video.message);
-                   },
+                   [&](const VideoStarted& video) { addVideo(object, video, rowStart); },
                    [&](const VideoEnded& video) {
-                       insertHead(object, "file", QStringLiteral("Video ends"), video.message);
-                       object.insert(QStringLiteral("file"), fileObject(video.path, false));
+                       insertHead(object, "result", QStringLiteral("Video ends"), video.message);
                    },
                    [&](const OutputWritten& output) {
                        insertHead(object, "output",
@@ -315,6 +358,8 @@ QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& row
                                   output.text);
                    },
                    [&](const ActionEnded& action) { insertAction(object, action); },
+                   [&](const ItemDescribed& item) { insertItem(object, item); },
+                   [&](const StepMatched& match) { insertMatch(object, match); },
                    // Frames and facts stand elsewhere on the page.
                    [](const auto&) {},
                },
@@ -334,9 +379,20 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     if (result.isEcho)
         object.insert(QStringLiteral("echo"), true);
     insertText(object, "comment", shown(commentText(result)));
+    insertText(object, "skipped", shown(result.skipped));
     // A difference may lie in the line ends.
     insertText(object, "explanation", escapedForTerminal(result.explanation));
     addStack(object, result.callStack);
+}
+
+void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video,
+                        const QDateTime& rowStart) {
+    insertHead(object, "video", QStringLiteral("Video"), video.message);
+    object.insert(QStringLiteral("file"), fileObject(video.path, false));
+    // A run that was killed leaves a video without its end.
+    const ReportEntry* const end = m_videoEnds.value(video.path);
+    if (end && end->time.isValid() && rowStart.isValid())
+        object.insert(QStringLiteral("until"), std::max<qint64>(0, rowStart.msecsTo(end->time)));
 }
 
 void HtmlData::addFile(QJsonObject& object, const FileAttached& file) {
@@ -377,6 +433,8 @@ QJsonObject HtmlData::fileObject(const QString& source, bool isImage) {
     object.insert(QStringLiteral("path"), copy.path);
     if (isImage || isPicture(source))
         object.insert(QStringLiteral("kind"), QStringLiteral("image"));
+    else if (isVideo(source))
+        object.insert(QStringLiteral("kind"), QStringLiteral("video"));
     else if (isText(source))
         addText(object, copy);
     return object;

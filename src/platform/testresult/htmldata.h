@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QMap>
 #include <QString>
 #include <map>
 #include <vector>
@@ -53,6 +54,9 @@ private:
     void addResult(QJsonObject& object, const ResultAdded& result);
     void addFile(QJsonObject& object, const FileAttached& file);
     void addStack(QJsonObject& object, const CallStack& callStack);
+    void addVideo(QJsonObject& object, const VideoStarted& video, const QDateTime& rowStart);
+    /// Whether the page leaves the entry out.
+    bool isLeftOut(const ReportEntry& entry);
     QJsonObject objectsObject(const QString& source);
     QJsonObject fileObject(const QString& source, bool isImage);
     void addText(QJsonObject& object, const ReportFiles::Copy& copy);
@@ -73,6 +77,8 @@ private:
     qint64 m_textBudget;
     qint64 m_entryBudget;
     int m_actionCount = 0;
+    /// The ends of the videos in the row that is made, by path.
+    QMap<QString, const ReportEntry*> m_videoEnds;
 };
 
 }  // namespace Tamrix

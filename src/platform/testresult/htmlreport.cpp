@@ -27,7 +27,8 @@ QByteArray resource(const char* name) {
 QByteArray script() {
     QByteArray text;
     for (const char* const name :
-         {"elements.js", "results.js", "actions.js", "cases.js", "report.js"})
+         {"elements.js", "videos.js", "results.js", "actions.js", "features.js", "cases.js",
+          "report.js"})
         text += resource(name);
     return text;
 }

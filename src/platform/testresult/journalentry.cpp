@@ -1,5 +1,6 @@
 #include "platform/testresult/journalentry.h"
 
+#include <QStringList>
 #include <concepts>
 #include <type_traits>
 
@@ -12,6 +13,33 @@ namespace {
 /// A parameter that is an `Event`, constant or not.
 template <typename Type, typename Event>
 concept Is = std::same_as<std::remove_const_t<Type>, Event>;
+
+/// A line for each parameter: begin, end and type, with blanks between them.
+QString parameterText(const std::vector<StepParameterRange>& parameters) {
+    QStringList lines;
+    for (const StepParameterRange& each : parameters)
+        lines += QStringLiteral("%1 %2 %3")
+                     .arg(QString::number(each.begin), QString::number(each.end), each.type);
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// Lines of another form are passed over.
+std::vector<StepParameterRange> parametersOf(const QString& text) {
+    std::vector<StepParameterRange> parameters;
+    for (const QString& line : text.split(QLatin1Char('\n'))) {
+        const int afterBegin = line.indexOf(QLatin1Char(' '));
+        const int afterEnd = line.indexOf(QLatin1Char(' '), afterBegin + 1);
+        if (afterBegin < 0 || afterEnd < 0)
+            continue;
+        bool hasBegin = false;
+        bool hasEnd = false;
+        const int begin = line.leftRef(afterBegin).toInt(&hasBegin);
+        const int end = line.midRef(afterBegin + 1, afterEnd - afterBegin - 1).toInt(&hasEnd);
+        if (hasBegin && hasEnd && begin >= 0 && end >= begin)
+            parameters.push_back({begin, end, line.mid(afterEnd + 1)});
+    }
+    return parameters;
+}
 
 /// Copies what an event holds to the fields of its line.
 struct ToFields {
@@ -27,6 +55,9 @@ struct ToFields {
     }
     void operator()(std::optional<int>& field, int value) const { field = value; }
     void operator()(CallStack& field, const LineInfo& position) const { field = {position}; }
+    void operator()(QString& field, const std::vector<StepParameterRange>& parameters) const {
+        field = parameterText(parameters);
+    }
     void constant(std::optional<int>& field, int value) const { field = value; }
     /// The field stays at its own default for the number's.
     void number(int& field, int value, int usual) const { field = value == usual ? -1 : value; }
@@ -49,6 +80,9 @@ struct FromFields {
     }
     void operator()(const CallStack& field, LineInfo& position) const {
         position = field.empty() ? LineInfo() : field.front();
+    }
+    void operator()(const QString& field, std::vector<StepParameterRange>& parameters) const {
+        parameters = parametersOf(field);
     }
     void constant(const std::optional<int>& /*field*/, int /*value*/) const {}
     void number(int field, int& value, int usual) const { value = field < 0 ? usual : field; }
@@ -120,6 +154,7 @@ void copyFields(const auto& copy, auto& fields, Is<VideoStarted> auto& video) {
 void copyFields(const auto& copy, auto& fields, Is<VideoEnded> auto& video) {
     copy(fields.message, video.message);
     copy(fields.callStack, video.callStack);
+    copy(fields.extra, video.isDiscarded, "discarded", "", true);
     copy(fields.path, video.path);
 }
 
@@ -141,10 +176,23 @@ void copyFields(const auto& copy, auto& fields, Is<EnvironmentFact> auto& fact) 
     copy(fields.detail, fact.fact);
 }
 
+void copyFields(const auto& copy, auto& fields, Is<ItemDescribed> auto& item) {
+    copy(fields.message, item.keyword);
+    copy(fields.detail, item.argument);
+    copy(fields.extra, item.tags);
+}
+
+void copyFields(const auto& copy, auto& fields, Is<StepMatched> auto& match) {
+    copy(fields.message, match.definition);
+    copy(fields.callStack, match.position);
+    copy(fields.extra, match.parameters);
+}
+
 /// The name of each event's kind, in the order of ReportEvent.
 constexpr const char* kindNames[] = {
-    "suiteStart", "suiteEnd",   "caseStart", "caseEnd", "sectionStart", "sectionEnd",  "result",
-    "attachment", "videoStart", "videoEnd",  "output",  "action",       "environment",
+    "suiteStart", "suiteEnd", "caseStart",   "caseEnd",    "sectionStart",
+    "sectionEnd", "result",   "attachment",  "videoStart", "videoEnd",
+    "output",     "action",   "environment", "item",       "match",
 };
 static_assert(std::size(kindNames) == std::variant_size_v<ReportEvent>);
 

@@ -79,15 +79,20 @@ bool needsOwnCase(const SuiteTally& suite) {
         [outcome](const CaseTally& testCase) { return testCase.outcome() == outcome; });
 }
 
-Totals totalsOf(const SuiteTally& suite) {
-    Totals totals;
-    if (needsOwnCase(suite))
-        totals.add(suite.outside.outcome());
-    for (const CaseTally& testCase : suite.cases) {
-        if (!testCase.isSuperseded)
-            totals.add(testCase.outcome());
-    }
-    return totals;
+/// Whether a case that runs scenarios needs an element of its own beside theirs.
+bool needsOwnElement(const CaseTally& testCase) {
+    const CaseOutcome outcome = testCase.outcome();
+    return testCase.scenarios.empty() || testCase.previous ||
+           !testCase.failuresOutsideScenarios.empty() ||
+           outcome == CaseOutcome::Skipped || outcome == CaseOutcome::Incomplete ||
+           outcome == CaseOutcome::Interrupted;
+}
+
+/// How a case came out apart from its scenarios.
+CaseOutcome outcomeOutside(const CaseTally& testCase) {
+    Tally outside = testCase;
+    outside.failures = testCase.failuresOutsideScenarios;
+    return outside.outcome();
 }
 
 void writeProperty(ReportXml& xml, const char* name, const QString& value) {
@@ -97,32 +102,6 @@ void writeProperty(ReportXml& xml, const char* name, const QString& value) {
     xml.addAttribute("value", value);
     xml.endElement();
     xml.endElement();
-}
-
-/// What went wrong with a case, in a few words.
-struct Problem {
-    QString message;
-    QString type;
-};
-
-Problem problemOf(const CaseTally& testCase) {
-    switch (testCase.outcome()) {
-        case CaseOutcome::Skipped:
-            return {testCase.skipText, {}};
-        case CaseOutcome::Incomplete:
-            return {QStringLiteral("The run ended before this did"), QStringLiteral("Incomplete")};
-        case CaseOutcome::Interrupted:
-            return {QStringLiteral("The run was interrupted"), QStringLiteral("Interrupted")};
-        default:
-            break;
-    }
-    if (testCase.failures.empty())
-        return {};
-    const ResultAdded& first = testCase.failures.front();
-    Problem problem{messageText(first.message, first.detail), resultTypeName(first.type)};
-    if (testCase.failures.size() > 1)
-        problem.message += QStringLiteral(" (and %1 more)").arg(testCase.failures.size() - 1);
-    return problem;
 }
 
 /// The form in which the consumers look for files.
@@ -148,13 +127,14 @@ JUnitReport::JUnitReport(const QString& path) {
 JUnitReport::~JUnitReport() = default;
 
 void JUnitReport::add(const ReportEntry& entry) {
-    const int id = m_tally.add(entry).id;
-    Texts& texts = m_texts[id];
+    const Tally* tally = &m_tally.add(entry);
+    const auto* const fact = eventOf<EnvironmentFact>(entry);
+    if (fact && fact->name == QLatin1String(shardFactName))
+        m_shards[tally->id] = fact->fact;
+    if (m_tally.scenario())
+        tally = m_tally.scenario();
+    Texts& texts = m_texts[tally->id];
     std::visit(Overloaded{
-                   [&](const EnvironmentFact& fact) {
-                       if (fact.name == QLatin1String(shardFactName))
-                           m_shards[id] = fact.fact;
-                   },
                    [&](const ResultAdded& result) {
                        // Failures have an element of their own, and so has the skip of a case.
                        if (result.type == TestResult::Log || result.type == TestResult::Warning ||
@@ -162,7 +142,14 @@ void JUnitReport::add(const ReportEntry& entry) {
                            addLine(texts, describeResult(result));
                    },
                    [&](const FileAttached& file) { addLine(texts, attachmentLine(file.path)); },
-                   [&](const VideoEnded& video) { addLine(texts, attachmentLine(video.path)); },
+                   // A run that was killed leaves a video without its end.
+                   [&](const VideoStarted& video) { texts.videos.append(video.path); },
+                   [&](const VideoEnded& video) {
+                       if (video.isDiscarded)
+                           texts.videos.removeOne(video.path);
+                       else if (!texts.videos.contains(video.path))
+                           texts.videos.append(video.path);
+                   },
                    [&](const OutputWritten& output) {
                        (output.stream == OutputStream::StandardError ? texts.err : texts.out) +=
                            output.text;
@@ -180,8 +167,10 @@ void JUnitReport::finish() {
     ReportXml xml(&text);
     xml.startElement("testsuites");
     Totals totals;
-    for (const SuiteTally& suite : m_tally.suites())
-        totals.add(totalsOf(suite));
+    for (const SuiteTally& suite : m_tally.suites()) {
+        for (const Element& element : elementsOf(suite))
+            totals.add(element.outcome);
+    }
     writeTotals(xml, totals);
     xml.addAttribute("time", secondsText(m_tally.seconds()));
     for (const SuiteTally& suite : m_tally.suites())
@@ -205,7 +194,10 @@ void JUnitReport::addLine(Texts& texts, const QString& line) {
 
 void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     const CaseTally& self = suite.outside;
-    const Totals totals = totalsOf(suite);
+    const std::vector<Element> elements = elementsOf(suite);
+    Totals totals;
+    for (const Element& element : elements)
+        totals.add(element.outcome);
     xml.startElement("testsuite");
     xml.addAttribute("name", self.name);
     writeTotals(xml, totals);
@@ -216,54 +208,108 @@ void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     }
     if (const auto shard = m_shards.find(self.id); shard != m_shards.end())
         writeProperty(xml, "shard", shard->second);
-    if (needsOwnCase(suite))
-        writeCase(xml, self, self.name, true);
+    for (const Element& element : elements)
+        writeElement(xml, element);
+    // What a case without an element of its own has written belongs to no other one.
+    Texts& texts = m_texts[self.id];
     for (const CaseTally& testCase : suite.cases) {
-        if (!testCase.isSuperseded)
-            writeCase(xml, testCase, self.name, false);
+        if (needsOwnElement(testCase) || testCase.isSuperseded)
+            continue;
+        texts.out += m_texts[testCase.id].out;
+        texts.err += m_texts[testCase.id].err;
     }
     writeTexts(xml, self.id);
     xml.endElement();
 }
 
-void JUnitReport::writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
-                            bool isSuiteItself) {
-    xml.startElement("testcase");
-    xml.addAttribute("name", testCase.name);
-    xml.addAttribute("classname", suiteName);
-    if (!isSuiteItself) {
-        if (!testCase.path.isEmpty())
-            xml.addAttribute("file", testCase.path);
-        xml.addAttribute("time", secondsText(testCase.seconds()));
+std::vector<JUnitReport::Element> JUnitReport::elementsOf(const SuiteTally& suite) const {
+    const CaseTally& self = suite.outside;
+    std::vector<Element> elements;
+    if (needsOwnCase(suite))
+        elements.push_back({self.name, self.name, &self, &self.failures, self.outcome(), true});
+    for (const CaseTally& testCase : suite.cases) {
+        if (testCase.isSuperseded)
+            continue;
+        const std::vector<Element> ofCase = elementsOf(testCase, self.name);
+        elements.insert(elements.end(), ofCase.begin(), ofCase.end());
     }
-    if (testCase.attempt > 1)
-        writeProperty(xml, "attempt", QString::number(testCase.attempt));
-    writeOutcome(xml, testCase);
-    if (!isSuiteItself)
-        writeTexts(xml, testCase.id);
+    return elements;
+}
+
+std::vector<JUnitReport::Element> JUnitReport::elementsOf(const CaseTally& testCase,
+                                                          const QString& suiteName) const {
+    std::vector<Element> elements;
+    if (needsOwnElement(testCase)) {
+        elements.push_back({testCase.name, suiteName, &testCase, &testCase.failuresOutsideScenarios,
+                            outcomeOutside(testCase), false, QString(), &testCase});
+    }
+    for (const ScenarioTally& scenario : testCase.scenarios) {
+        elements.push_back(
+            {scenario.name,
+             QStringLiteral("%1.%2.%3").arg(suiteName, testCase.name, scenario.feature), &scenario,
+             &scenario.failures, scenario.outcome(), false, scenario.failedStep});
+    }
+    return elements;
+}
+
+void JUnitReport::writeElement(ReportXml& xml, const Element& element) {
+    xml.startElement("testcase");
+    xml.addAttribute("name", element.name);
+    xml.addAttribute("classname", element.className);
+    if (!element.isSuiteItself) {
+        if (!element.tally->path.isEmpty())
+            xml.addAttribute("file", element.tally->path);
+        xml.addAttribute("time", secondsText(element.tally->seconds()));
+    }
+    if (element.testCase && element.testCase->attempt > 1)
+        writeProperty(xml, "attempt", QString::number(element.testCase->attempt));
+    writeOutcome(xml, element);
+    if (element.testCase && element.testCase->previous)
+        writeEarlierAttempts(xml, *element.testCase);
+    if (!element.isSuiteItself)
+        writeTexts(xml, element.tally->id);
     xml.endElement();
 }
 
-void JUnitReport::writeOutcome(ReportXml& xml, const CaseTally& testCase) {
-    if (const char* const element = outcomeElement(testCase.outcome())) {
-        xml.startElement(element);
-        xml.addText(writeProblem(xml, testCase));
-        xml.endElement();
-    }
-    if (testCase.previous)
-        writeEarlierAttempts(xml, testCase);
+void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
+    const char* const tag = outcomeElement(element.outcome);
+    if (!tag)
+        return;
+    xml.startElement(tag);
+    xml.addText(writeProblem(xml, element));
+    xml.endElement();
 }
 
-QString JUnitReport::writeProblem(ReportXml& xml, const CaseTally& testCase) {
-    const Problem problem = problemOf(testCase);
-    xml.addAttribute("message", limitedText(problem.message, longestMessage));
-    if (!problem.type.isEmpty())
-        xml.addAttribute("type", problem.type);
+QString JUnitReport::writeProblem(ReportXml& xml, const Element& element) {
+    const CaseOutcome outcome = element.outcome;
+    QString message;
+    QString type;
+    if (outcome == CaseOutcome::Skipped) {
+        message = element.tally->skipText;
+    } else if (outcome == CaseOutcome::Incomplete) {
+        type = QStringLiteral("Incomplete");
+        message = QStringLiteral("The run ended before this did");
+    } else if (outcome == CaseOutcome::Interrupted) {
+        type = QStringLiteral("Interrupted");
+        message = QStringLiteral("The run was interrupted");
+    } else if (!element.failures->empty()) {
+        const ResultAdded& first = element.failures->front();
+        type = resultTypeName(first.type);
+        message = messageText(first.message, first.detail);
+        if (!element.failedStep.isEmpty())
+            message = QStringLiteral("%1: %2").arg(element.failedStep, message);
+        if (element.failures->size() > 1)
+            message += QStringLiteral(" (and %1 more)").arg(element.failures->size() - 1);
+    }
+
+    xml.addAttribute("message", limitedText(message, longestMessage));
+    if (!type.isEmpty())
+        xml.addAttribute("type", type);
     QStringList descriptions;
     const auto store = [this](const QString& text, const QString& name) {
         return storeWhole(text, name);
     };
-    for (const ResultAdded& failure : testCase.failures)
+    for (const ResultAdded& failure : *element.failures)
         descriptions += describeResult(withLimitedTexts(failure, longestText, store));
     return limited(descriptions.join(QLatin1String("\n\n")), QStringLiteral("failures"));
 }
@@ -274,9 +320,11 @@ void JUnitReport::writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase
         attempts.insert(attempts.begin(), attempt);
     const QByteArray beginning = testCase.outcome() == CaseOutcome::Flaky ? "flaky" : "rerun";
     for (const CaseTally* const attempt : attempts) {
-        const bool hasFailed = attempt->outcome() == CaseOutcome::Failed;
-        xml.startElement((beginning + (hasFailed ? "Failure" : "Error")).constData());
-        xml.addTextElement("stackTrace", writeProblem(xml, *attempt));
+        const CaseOutcome outcome = attempt->outcome();
+        const QByteArray tag = beginning + (outcome == CaseOutcome::Failed ? "Failure" : "Error");
+        xml.startElement(tag.constData());
+        xml.addTextElement("stackTrace", writeProblem(xml, {attempt->name, QString(), attempt,
+                                                            &attempt->failures, outcome}));
         writeTexts(xml, attempt->id);
         xml.endElement();
     }
@@ -298,7 +346,9 @@ QString JUnitReport::limited(const QString& text, const QString& name) {
 void JUnitReport::writeTexts(ReportXml& xml, int id) {
     const Texts& texts = m_texts[id];
     const QString err = limited(texts.err, QStringLiteral("system-err"));
-    Texts out{limited(texts.out, QStringLiteral("system-out")), QString()};
+    Texts out{limited(texts.out, QStringLiteral("system-out")), QString(), {}};
+    for (const QString& video : texts.videos)
+        addLine(out, attachmentLine(video));
     // The servers look for files here.
     for (const QString& whole : qAsConst(m_wholes))
         addLine(out, attachmentLine(whole));

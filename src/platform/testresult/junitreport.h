@@ -13,10 +13,12 @@ class ReportFiles;
 class ReportXml;
 
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
-/// one failure or error element; earlier attempts
-/// become flakyFailure or rerunFailure elements and the like. What happened outside the cases becomes a testcase of the suite's
-/// own name when it failed. Of texts that are too long for readers of XML the file holds the ends,
-/// and the folder FILE-texts beside it the whole. Keeps the run in memory until finish().
+/// one failure or error element. A case that runs scenarios of features has one for each of these
+/// instead, and one of its own only for what went wrong outside of them. Earlier attempts at a case
+/// become flakyFailure or rerunFailure elements, and the like. What happened outside the cases
+/// becomes a testcase of the suite's own name when it failed. Of texts that are too long for readers
+/// of XML the file holds the ends, and the folder FILE-texts beside it the whole. Keeps the run in
+/// memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
 public:
     /// A relative path counts from the current working directory. Missing folders are created; the
@@ -35,17 +37,32 @@ private:
     struct Texts {
         QString out;
         QString err;
+        /// Paths; each stands once, whether the video has an end or not.
+        QStringList videos;
     };
 
     void addLine(Texts& texts, const QString& line);
     void writeSuite(ReportXml& xml, const SuiteTally& suite);
-    void writeCase(ReportXml& xml, const CaseTally& testCase, const QString& suiteName,
-                   bool isSuiteItself);
-    /// Writes the one element for all that went wrong: the consumers read no more than one. Those of
-    /// earlier attempts follow, under names of their own.
-    void writeOutcome(ReportXml& xml, const CaseTally& testCase);
+    /// A testcase element.
+    struct Element {
+        QString name;
+        QString className;
+        const Tally* tally = nullptr;
+        const std::vector<ResultAdded>* failures = nullptr;
+        CaseOutcome outcome = CaseOutcome::Passed;
+        bool isSuiteItself = false;
+        /// Of a scenario.
+        QString failedStep = QString();
+        /// Of a case as such; null for others.
+        const CaseTally* testCase = nullptr;
+    };
+    std::vector<Element> elementsOf(const CaseTally& testCase, const QString& suiteName) const;
+    std::vector<Element> elementsOf(const SuiteTally& suite) const;
+    void writeElement(ReportXml& xml, const Element& element);
+    /// Writes the one element for all that went wrong: the consumers read no more than one.
+    void writeOutcome(ReportXml& xml, const Element& element);
     /// Writes the attributes of such an element and returns its text.
-    QString writeProblem(ReportXml& xml, const CaseTally& testCase);
+    QString writeProblem(ReportXml& xml, const Element& element);
     void writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase);
     void writeTexts(ReportXml& xml, int id);
     /// A text that an element can hold.

@@ -95,6 +95,10 @@ EventTexts textsOf(ActionEnded& action) {
     return {{&action.function, "message"}, {&action.arguments, "detail"}};
 }
 
+EventTexts textsOf(ItemDescribed& item) {
+    return {{&item.argument, "argument"}};
+}
+
 /// The others have names and paths only.
 template <typename Event>
 EventTexts textsOf(Event&) {

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QString>
 #include <variant>
+#include <vector>
 
 #include "platform/testresult/lineinfo.h"
 
@@ -64,6 +65,38 @@ struct SectionEnded {
     bool operator==(const SectionEnded& other) const = default;
 };
 
+/// What stands in the feature file about the part of it whose section has just started.
+struct ItemDescribed {
+    /// In the file's language, with the space at its end if it has one.
+    QString keyword;
+    /// "@smoke @slow"; may be empty.
+    QString tags;
+    /// The table or the doc string of a step, as a feature file has it; may be empty.
+    QString argument;
+
+    bool operator==(const ItemDescribed& other) const = default;
+};
+
+/// A part of a step's text that its definition takes as a parameter, in code units.
+struct StepParameterRange {
+    int begin = 0;
+    int end = 0;
+    /// "int" and the like; empty for a group of a regular expression.
+    QString type;
+
+    bool operator==(const StepParameterRange& other) const = default;
+};
+
+/// The definition with which the step has run whose section is open.
+struct StepMatched {
+    /// Its expression.
+    QString definition;
+    LineInfo position;
+    std::vector<StepParameterRange> parameters;
+
+    bool operator==(const StepMatched& other) const = default;
+};
+
 /// A verdict, a message to the log, a warning, an error or a skip.
 struct ResultAdded {
     /// A TestResult::ResultType. A journal may hold any number.
@@ -111,6 +144,8 @@ struct VideoEnded {
     QString message;
     QString path;
     CallStack callStack;
+    /// Nobody wants the video any more: reports leave it out, and the file is gone.
+    bool isDiscarded = false;
 
     bool operator==(const VideoEnded& other) const = default;
 };
@@ -148,9 +183,10 @@ struct EnvironmentFact {
     bool operator==(const EnvironmentFact& other) const = default;
 };
 
-using ReportEvent = std::variant<SuiteStarted, SuiteEnded, CaseStarted, CaseEnded, SectionStarted,
-                                 SectionEnded, ResultAdded, FileAttached, VideoStarted, VideoEnded,
-                                 OutputWritten, ActionEnded, EnvironmentFact>;
+using ReportEvent =
+    std::variant<SuiteStarted, SuiteEnded, CaseStarted, CaseEnded, SectionStarted, SectionEnded,
+                 ResultAdded, FileAttached, VideoStarted, VideoEnded, OutputWritten, ActionEnded,
+                 EnvironmentFact, ItemDescribed, StepMatched>;
 
 /// One thing that happened in a run. TestResult makes the entries, report generators read them.
 struct ReportEntry {

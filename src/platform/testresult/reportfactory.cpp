@@ -8,6 +8,7 @@
 #include "platform/testresult/htmlreport.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/junitreport.h"
+#include "platform/testresult/messages/messagesreport.h"
 #include "platform/testresult/reporttarget.h"
 #include "platform/testresult/tapreport.h"
 
@@ -58,6 +59,7 @@ struct Format {
 const Format formats[] = {
     {"allure", true, createFileReport<AllureReport>},
     {"console", false, createConsoleReport},
+    {"cucumber-messages", true, createFileReport<MessagesReport>},
     {"html", true, createFileReport<HtmlReport>},
     {"json", true, createFileReport<JournalReport>},
     {"junit", true, createFileReport<JUnitReport>},

@@ -28,6 +28,7 @@ TAMRIX_EXPORT Outcome<ReportDescription> parseReportDescription(const QString& t
 ///     allure:DIR     a folder of results for Allure
 ///     console        on standard output; also "console:" and "console:-"
 ///     console:PATH   the same text in a file
+///     cucumber-messages:PATH   the scenarios as Cucumber Messages, written at the end
 ///     html:DIR       a folder with index.html and what belongs to it, written at the end
 ///     json:PATH      the journal, which begins at once and replaces the file
 ///     junit:PATH     JUnit XML, written at the end

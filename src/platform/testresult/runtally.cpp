@@ -16,12 +16,12 @@ double secondsBetween(const QDateTime& start, const QDateTime& end) {
     return double(std::max<qint64>(0, start.msecsTo(end))) / 1000;
 }
 
-void endTally(CaseTally& tally, bool isInterrupted) {
+void endTally(Tally& tally, bool isInterrupted) {
     tally.isEnded = true;
     tally.isInterrupted = isInterrupted;
 }
 
-void addResult(CaseTally& tally, const ResultAdded& result) {
+void addResult(Tally& tally, const ResultAdded& result) {
     if (result.isEcho)
         return;
     ++tally.counts[result.type];
@@ -70,7 +70,7 @@ QString outcomeText(CaseOutcome outcome) {
     return QString();
 }
 
-CaseOutcome CaseTally::outcome() const {
+CaseOutcome Tally::outcome() const {
     if (!isEnded)
         return CaseOutcome::Incomplete;
     if (isInterrupted)
@@ -81,14 +81,17 @@ CaseOutcome CaseTally::outcome() const {
     }
     if (isSkipped)
         return CaseOutcome::Skipped;
-    return previous ? CaseOutcome::Flaky : CaseOutcome::Passed;
+    return hasEarlierAttempt ? CaseOutcome::Flaky : CaseOutcome::Passed;
 }
 
-double CaseTally::seconds() const {
+double Tally::seconds() const {
     return secondsBetween(start, end);
 }
 
 const CaseTally& RunTally::add(const ReportEntry& entry) {
+    // It stayed for those who looked at the entry that ended it.
+    if (m_scenario && m_scenario->isEnded)
+        m_scenario = nullptr;
     if (const auto* started = eventOf<SuiteStarted>(entry))
         startSuite(*started, entry.time);
     CaseTally& suite = suiteSelf(entry.time);
@@ -99,6 +102,7 @@ const CaseTally& RunTally::add(const ReportEntry& entry) {
     if (const auto* ended = eventOf<SuiteEnded>(entry)) {
         endTally(suite, ended->isInterrupted);
         m_runningCase = nullptr;
+        leaveScenario();
         return suite;
     }
 
@@ -106,11 +110,66 @@ const CaseTally& RunTally::add(const ReportEntry& entry) {
     tally.end = entry.time;
     if (const auto* result = eventOf<ResultAdded>(entry))
         addResult(tally, *result);
+    addToScenario(tally, entry);
     if (const auto* ended = eventOf<CaseEnded>(entry); ended && m_runningCase) {
         endTally(tally, ended->isInterrupted);
         m_runningCase = nullptr;
+        leaveScenario();
     }
     return tally;
+}
+
+void RunTally::addToScenario(CaseTally& tally, const ReportEntry& entry) {
+    if (const auto* section = eventOf<SectionStarted>(entry))
+        startSection(tally, *section, entry.time);
+    const auto* const result = eventOf<ResultAdded>(entry);
+    const bool hasFailed = result && isFailure(*result);
+    if (hasFailed && !m_scenario)
+        tally.failuresOutsideScenarios.push_back(*result);
+    if (!m_scenario)
+        return;
+    m_scenario->end = entry.time;
+    if (const auto* item = eventOf<ItemDescribed>(entry); item && !m_step.isEmpty())
+        m_step = item->keyword + m_step;
+    if (result)
+        addResult(*m_scenario, *result);
+    if (hasFailed && m_scenario->failures.size() == 1)
+        m_scenario->failedStep = m_step;
+    const auto* const ended = eventOf<SectionEnded>(entry);
+    if (ended && ended->kind == QLatin1String("step"))
+        m_step.clear();
+    if (ended && (ended->kind == QLatin1String("scenario") || ended->kind == QLatin1String("row")))
+        endTally(*m_scenario, false);
+}
+
+void RunTally::startSection(CaseTally& tally, const SectionStarted& section,
+                            const QDateTime& time) {
+    if (section.kind == QLatin1String("feature"))
+        m_feature = section.title;
+    else if (section.kind == QLatin1String("scenariooutline"))
+        m_outline = section.title;
+    else if (section.kind == QLatin1String("step"))
+        m_step = section.title;
+    const bool isRow = section.kind == QLatin1String("row");
+    if (!isRow && section.kind != QLatin1String("scenario"))
+        return;
+    m_scenario = &tally.scenarios.emplace_back();
+    m_scenario->id = m_nextId++;
+    m_scenario->feature = m_feature;
+    m_scenario->name =
+        isRow ? QStringLiteral("%1 (%2)").arg(m_outline, section.title) : section.title;
+    m_scenario->start = time;
+    if (!section.callStack.empty()) {
+        m_scenario->path = section.callStack.front().fileName();
+        m_scenario->line = section.callStack.front().lineNumber();
+    }
+    m_step.clear();
+}
+
+void RunTally::leaveScenario() {
+    // A scenario that a killed run or an error of the script cut short has no end.
+    m_scenario = nullptr;
+    m_step.clear();
 }
 
 int RunTally::caseCount() const {
@@ -184,6 +243,7 @@ void RunTally::startSuite(const SuiteStarted& suite, const QDateTime& time) {
     started.path = suite.folder;
     started.start = time;
     m_runningCase = nullptr;
+    leaveScenario();
 }
 
 void RunTally::startCase(const CaseStarted& testCase, const QDateTime& time) {
@@ -197,9 +257,11 @@ void RunTally::startCase(const CaseStarted& testCase, const QDateTime& time) {
     started.start = time;
     started.attempt = testCase.attempt;
     started.previous = previous;
+    started.hasEarlierAttempt = previous != nullptr;
     if (previous)
         previous->isSuperseded = true;
     m_runningCase = &started;
+    leaveScenario();
 }
 
 CaseTally& RunTally::suiteSelf(const QDateTime& time) {

@@ -25,29 +25,25 @@ enum class CaseOutcome {
 /// The word for an outcome that follows a number: "passed", "failed", ...
 TAMRIX_EXPORT QString outcomeText(CaseOutcome outcome);
 
-/// What the entries of one test case add up to, or those of a suite that belong to none of its
-/// cases.
-struct TAMRIX_EXPORT CaseTally {
+/// What the entries of something that runs add up to.
+struct TAMRIX_EXPORT Tally {
     /// Interrupted and Incomplete come first, then a failure, then a skip, then whether an earlier
     /// attempt was needed. Warnings, expected fails and echoes are no failures.
     CaseOutcome outcome() const;
     /// From its start to its end, or to its last entry when it never ended.
     double seconds() const;
 
-    /// Unique in the run, counted from 0 in the order in which suites and cases start.
+    /// Unique in the run, counted from 0 in the order in which suites, cases and scenarios start.
     int id = 0;
     QString name;
-    /// The script of a case, the folder of a suite.
+    /// The script of a case, the folder of a suite, the feature file of a scenario.
     QString path;
     QDateTime start;
     QDateTime end;
     bool isEnded = false;
     bool isInterrupted = false;
-    int attempt = 1;
-    /// The attempt before this one; null for a first one. Owned by the same tally.
-    const CaseTally* previous = nullptr;
-    /// The case ran again behind this attempt, which counts for nothing any more.
-    bool isSuperseded = false;
+    /// It ran before, and did not pass.
+    bool hasEarlierAttempt = false;
     /// Results by TestResult::ResultType, without echoes.
     QMap<int, int> counts;
     /// The failed verdicts and script errors as they were added.
@@ -55,6 +51,28 @@ struct TAMRIX_EXPORT CaseTally {
     bool isSkipped = false;
     /// Message and detail of the skip.
     QString skipText;
+};
+
+/// A scenario of a feature, or a row of an outline's examples, with the row behind the name.
+struct ScenarioTally : Tally {
+    QString feature;
+    /// In the feature file.
+    int line = 0;
+    /// The step in which something failed first, with its keyword; empty when it was none.
+    QString failedStep;
+};
+
+/// One test case, or what belongs to none of a suite's cases.
+struct CaseTally : Tally {
+    int attempt = 1;
+    /// The attempt before this one; null for a first one. Owned by the same tally.
+    const CaseTally* previous = nullptr;
+    /// The case ran again behind this attempt, which counts for nothing any more.
+    bool isSuperseded = false;
+    /// Those that ran.
+    std::deque<ScenarioTally> scenarios;
+    /// The failures that belong to no scenario.
+    std::vector<ResultAdded> failuresOutsideScenarios;
 };
 
 /// One suite of a run.
@@ -77,6 +95,9 @@ public:
     const std::deque<SuiteTally>& suites() const { return m_suites; }
     /// Null when no case is running.
     const CaseTally* runningCase() const { return m_runningCase; }
+    /// The scenario to which the entry that was added last belongs, its end included; null when it
+    /// belongs to none.
+    const ScenarioTally* scenario() const { return m_scenario; }
 
     int caseCount() const;
     int caseCount(CaseOutcome outcome) const;
@@ -98,9 +119,17 @@ private:
     void startCase(const CaseStarted& testCase, const QDateTime& time);
     /// The running suite, or one without a name that starts at `time`.
     CaseTally& suiteSelf(const QDateTime& time);
+    void addToScenario(CaseTally& tally, const ReportEntry& entry);
+    void startSection(CaseTally& tally, const SectionStarted& section, const QDateTime& time);
+    void leaveScenario();
 
     std::deque<SuiteTally> m_suites;
     CaseTally* m_runningCase = nullptr;
+    ScenarioTally* m_scenario = nullptr;
+    /// Titles of the feature and the outline that are open, and the running step.
+    QString m_feature;
+    QString m_outline;
+    QString m_step;
     int m_nextId = 0;
 };
 

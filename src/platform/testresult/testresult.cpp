@@ -108,6 +108,14 @@ QString TestResult::endSection(const LineInfo& location) {
     return QString();
 }
 
+void TestResult::describeItem(const ItemDescribed& item) {
+    forward(item);
+}
+
+void TestResult::addStepMatch(const StepMatched& match) {
+    forward(match);
+}
+
 int TestResult::count(const QString& category) const {
     const bool isTests = category == QLatin1String("tests");
     int total = isTests ? 0 : -1;
@@ -138,6 +146,10 @@ void TestResult::addStartVideo(const QString& message, const QString& path,
 void TestResult::addEndVideo(const QString& message, const QString& path,
                              const std::vector<LineInfo>& callStack) {
     forward(VideoEnded{message, path, callStack});
+}
+
+void TestResult::addDiscardedVideo(const QString& message, const QString& path) {
+    forward(VideoEnded{message, path, {}, true});
 }
 
 void TestResult::addOutput(OutputStream stream, const QString& text) {

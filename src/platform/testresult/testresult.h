@@ -83,6 +83,10 @@ public:
     /// Ends the innermost section. Returns an error text when none is open, else an empty string.
     QString endSection(const LineInfo& location);
 
+    /// Tells more of the part of a feature whose section was started last.
+    void describeItem(const ItemDescribed& item);
+    void addStepMatch(const StepMatched& match);
+
     /// Number of results of a category since the test case started, -1 for an unknown category.
     /// Categories: "passes", "fails", "xpasses", "xfails", "errors", "fatals", "warnings", "skips",
     /// "logs", and "tests" for all verdicts together (the first four).
@@ -96,6 +100,8 @@ public:
                        const std::vector<LineInfo>& callStack);
     void addEndVideo(const QString& message, const QString& path,
                      const std::vector<LineInfo>& callStack);
+    /// Ends a video that no report is to show, since its file is gone.
+    void addDiscardedVideo(const QString& message, const QString& path);
     /// Text that the script wrote.
     void addOutput(OutputStream stream, const QString& text);
 

@@ -19,15 +19,13 @@ TestVP::ScreenshotServices& screenshotServices() {
     return s_services;
 }
 
-/// Makes a file of a new name for a screenshot; null when that fails, with `*path` the name that
-/// was tried last.
-std::unique_ptr<QFile> createScreenshotFile(const QDir& directory, TestResult::ResultType type,
-                                            QString* path) {
-    const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
+/// Makes a file NAME_NUMBER.png that isn't there yet; null when that fails, with `*path` the name
+/// that was tried last.
+std::unique_ptr<QFile> createPictureFile(const QDir& directory, const QString& name,
+                                         QString* path) {
     auto file = std::make_unique<QFile>();
     for (int number = 1;; ++number) {
-        *path = directory.filePath(
-            QStringLiteral("screenshot_%1_%2.png").arg(kind, QString::number(number)));
+        *path = directory.filePath(QStringLiteral("%1_%2.png").arg(name, QString::number(number)));
         file->setFileName(*path);
         // Another process may take the name between a look and the opening, so that the opening
         // itself decides.
@@ -36,6 +34,12 @@ std::unique_ptr<QFile> createScreenshotFile(const QDir& directory, TestResult::R
         if (!file->exists())
             return nullptr;
     }
+}
+
+/// The folder for pictures of the running test case; an empty text when there is none.
+QString pictureFolder(RunnerInterface* runner) {
+    const TestVP::ScreenshotServices& services = screenshotServices();
+    return runner && services.directory ? services.directory(runner) : QString();
 }
 
 }  // namespace
@@ -70,29 +74,39 @@ bool TestVP::wantLogScreenshotForResult(const VerificationOptions& options,
 QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType type,
                               const QImage& image) {
     const ScreenshotServices& services = screenshotServices();
-    if (!runner || !services.directory)
+    const QString folder = pictureFolder(runner);
+    if (folder.isEmpty())
         return QString();
-    const QString directoryPath = services.directory(runner);
-    if (directoryPath.isEmpty())
-        return QString();
-    const QDir directory(directoryPath);
-
     QImage picture = image;
     if (picture.isNull() && services.grabDesktop)
         picture = services.grabDesktop(runner);
     if (picture.isNull()) {
         qWarning("No screenshot is stored in '%s': there is no picture of the desktop",
-                 qUtf8Printable(directoryPath));
+                 qUtf8Printable(folder));
         return QString();
     }
+    const QString kind = resultTypeName(type).remove(QLatin1Char(' ')).toLower();
+    const QString path = storePicture(runner, QStringLiteral("screenshot_") + kind, picture);
+    if (path.isEmpty())
+        return QString();
+    const ResultTypeInfo* const info = resultTypeInfo(type);
+    if (info && info->isFailure && services.keepMoment)
+        services.keepMoment(runner, folder);
+    return screenshotNote(QDir::toNativeSeparators(path));
+}
 
+QString TestVP::storePicture(RunnerInterface* runner, const QString& name, const QImage& picture) {
+    const QString folder = pictureFolder(runner);
+    if (folder.isEmpty())
+        return QString();
+    const QDir directory(folder);
     if (!directory.mkpath(QStringLiteral("."))) {
         qWarning("No screenshot is stored: the directory '%s' could not be created",
-                 qUtf8Printable(directoryPath));
+                 qUtf8Printable(folder));
         return QString();
     }
     QString path;
-    const std::unique_ptr<QFile> file = createScreenshotFile(directory, type, &path);
+    const std::unique_ptr<QFile> file = createPictureFile(directory, name, &path);
     if (!file) {
         qWarning("The screenshot '%s' could not be created", qUtf8Printable(path));
         return QString();
@@ -111,10 +125,7 @@ QString TestVP::logScreenshot(RunnerInterface* runner, TestResult::ResultType ty
         file->remove();
         return QString();
     }
-    const ResultTypeInfo* const info = resultTypeInfo(type);
-    if (info && info->isFailure && services.keepMoment)
-        services.keepMoment(runner, directoryPath);
-    return screenshotNote(QDir::toNativeSeparators(path));
+    return path;
 }
 
 }  // namespace Tamrix

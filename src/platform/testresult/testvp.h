@@ -37,6 +37,10 @@ public:
     /// empty text when nothing could be stored or `runner` is null.
     static QString logScreenshot(RunnerInterface* runner, TestResult::ResultType type,
                                  const QImage& image);
+    /// Stores `picture` there as NAME_NUMBER.png. Returns the path, an empty text when it could not
+    /// be stored or `runner` is null.
+    static QString storePicture(RunnerInterface* runner, const QString& name,
+                                const QImage& picture);
 };
 
 }  // namespace Tamrix

@@ -91,42 +91,57 @@ bool runStatements(const QString& text, PyObject* globals, PyObject* locals) {
 }
 
 /// The text that the code gives; null with the error indicator set when it failed.
-PyRef run(PythonInterpreter& interpreter, PyFrameObject* frame, const QString& text) {
-    const PyRef globals = checked(PyFrame_GetGlobals(frame));
-    const PyRef locals = checked(PyFrame_GetLocals(frame));
+PyRef run(PythonInterpreter& interpreter, PyObject* globals, PyObject* locals,
+          const QString& text) {
     const PyRef code = interpreter.compile(text.trimmed(), fileName, Py_eval_input);
-    // Variables of functions are kept elsewhere than in what code is given as its names. Code that
-    // fails may have assigned some before.
-    struct TakeOver {
-        PyFrameObject* frame;
-        ~TakeOver() { PyFrame_LocalsToFast(frame, 1); }
-    } const takeOver{frame};
     PyRef result;
     bool passed = false;
     if (code) {
-        result = runCode(code.get(), globals.get(), locals.get());
+        result = runCode(code.get(), globals, locals);
         passed = bool(result);
     } else if (PyErr_ExceptionMatches(PyExc_SyntaxError)) {
         PyErr_Clear();
-        passed = runStatements(text, globals.get(), locals.get());
+        passed = runStatements(text, globals, locals);
     }
     if (!passed)
         return {};
     return result ? PyRef::steal(PyObject_Repr(result.get())) : toPyString(QString());
 }
 
-}  // namespace
-
-Outcome<QString> evaluateInFrame(PythonInterpreter& interpreter, PyObject* frame,
-                                 const QString& code) {
+/// Tells what `evaluate` gives, a text or null with the error indicator set.
+template <typename Evaluation>
+Outcome<QString> outcomeOf(Evaluation evaluate) {
     try {
-        const PyRef text = run(interpreter, reinterpret_cast<PyFrameObject*>(frame), code);
+        const PyRef text = evaluate();
         if (text)
             return fromPyString(text.get());
     } catch (const PythonErrorSet&) {
         // What Python refused is told as what the code raises.
     }
     return fail(FailureKind::Failed, takeScriptError().message);
+}
+
+}  // namespace
+
+Outcome<QString> evaluateInFrame(PythonInterpreter& interpreter, PyObject* frame,
+                                 const QString& code) {
+    return outcomeOf([&] {
+        auto* const running = reinterpret_cast<PyFrameObject*>(frame);
+        const PyRef globals = checked(PyFrame_GetGlobals(running));
+        const PyRef locals = checked(PyFrame_GetLocals(running));
+        // Variables of functions are kept elsewhere than in what code is given as its names. Code
+        // that fails may have assigned some before.
+        struct TakeOver {
+            PyFrameObject* frame;
+            ~TakeOver() { PyFrame_LocalsToFast(frame, 1); }
+        } const takeOver{running};
+        return run(interpreter, globals.get(), locals.get(), code);
+    });
+}
+
+Outcome<QString> evaluateInModule(PythonInterpreter& interpreter, PyObject* globals,
+                                  const QString& code) {
+    return outcomeOf([&] { return run(interpreter, globals, globals, code); });
 }
 
 }  // namespace Tamrix::PythonPlugin

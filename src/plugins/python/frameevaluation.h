@@ -16,4 +16,8 @@ class PythonInterpreter;
 Outcome<QString> evaluateInFrame(PythonInterpreter& interpreter, PyObject* frame,
                                  const QString& code);
 
+/// The same with the globals of a module alone.
+Outcome<QString> evaluateInModule(PythonInterpreter& interpreter, PyObject* globals,
+                                  const QString& code);
+
 }  // namespace Tamrix::PythonPlugin

@@ -49,12 +49,15 @@ int frameLine(PyObject* frame);
 
 /// A frame of a script's code and where it stands.
 struct ScriptFrame {
+    /// Null for a place in a file that is none of Python's, such as a step of a feature.
     PyRef frame;
     /// Counted from 1.
     int line = -1;
     /// Of the expression that runs, counted from 1 in bytes of UTF-8 as Python has it; -1 when
     /// unknown.
     int column = -1;
+    /// Where there is no frame: the debugger's number of the file.
+    int sourceId = -1;
 };
 
 /// The frames that run code of scripts, the innermost first.

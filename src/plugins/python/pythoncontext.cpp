@@ -1,5 +1,6 @@
 #include "plugins/python/pythoncontext.h"
 
+#include "plugins/python/bddactions.h"
 #include "plugins/python/conditionsource.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
@@ -72,6 +73,10 @@ PyObject* PythonContext::Call::raise() {
     PythonInterpreter& interpreter = m_context.m_interpreter;
     if (m_context.isSkip())
         interpreter.setSkip(exception);
+    const DebuggerFrame frame = m_context.errorFrame();
+    if (frame.line >= 0)
+        interpreter.setErrorOrigin(
+            exception, LineInfo(interpreter.debugger().findSourceId(frame.sourceId), frame.line));
     interpreter.debugger().errorReplaced(exception.get(), m_context.errorMessage());
     return nullptr;
 }
@@ -282,6 +287,8 @@ bool PythonContext::evaluateCondition(const QString& expression, QString* error)
 }
 
 bool PythonContext::evaluate(const QString& text, const QString& fileName) {
+    // What a file registers that is loaded again takes the place of what it did before.
+    m_interpreter.bdd().registry().forget(fileName);
     PyRef result;
     if (const PyRef code = m_interpreter.compile(text, fileName, Py_file_input)) {
         // What the text defines is to outlast the call.
@@ -300,6 +307,15 @@ bool PythonContext::evaluate(const QString& text, const QString& fileName) {
                            QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
+}
+
+Gherkin::ScriptActions* PythonContext::gherkinScriptActions(const QString& featureFile) {
+    BddActions& actions = m_interpreter.bdd();
+    const QString error = actions.prepare(featureFile);
+    if (error.isEmpty())
+        return &actions;
+    setError(error);
+    return nullptr;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -123,6 +123,7 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
+    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     /// Wrappers of arguments are used again as long as nobody has kept them.

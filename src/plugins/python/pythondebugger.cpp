@@ -146,11 +146,16 @@ bool PythonDebugger::stopWithObjectName(const QString& objectName, const QString
     return Debugger::stopWithObjectName(objectName, detail);
 }
 
+void PythonDebugger::missingStep(int line, const std::string& text) {
+    const Standstill standstill(*this);
+    Debugger::missingStep(line, text);
+}
+
 bool PythonDebugger::stopsAtEachLine(const RunningFrame* caller) {
     if (debuggerMode() != Next)
         return debuggerMode() == Step;
     // Counted inside out, and no further than to where the call is known to be too deep.
-    int depth = 1;
+    int depth = 1 + static_cast<int>(m_foreignPlaces.size());
     for (; caller && depth <= stepDepth(); caller = callerOf(caller)) {
         if (currentFacts(codeOf(caller)).isScript)
             ++depth;
@@ -209,7 +214,27 @@ std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
 }
 
 std::vector<ScriptFrame> PythonDebugger::frames() {
-    return m_errorFrames ? *m_errorFrames : runningFrames(m_python.files());
+    return m_errorFrames ? *m_errorFrames : withForeignPlaces(runningFrames(m_python.files()));
+}
+
+std::vector<ScriptFrame> PythonDebugger::withForeignPlaces(std::vector<ScriptFrame> frames) const {
+    for (auto foreign = m_foreignPlaces.rbegin(); foreign != m_foreignPlaces.rend(); ++foreign) {
+        const auto below = std::find_if(frames.begin(), frames.end(), [&](const ScriptFrame& each) {
+            return each.frame && each.frame.get() == foreign->below.get();
+        });
+        frames.insert(below, foreign->place);
+    }
+    return frames;
+}
+
+void PythonDebugger::pushFrameAndSetCurrent(int line, int column, int sourceId) {
+    m_foreignPlaces.push_back(
+        {{PyRef(), line, column, sourceId}, innermostFrame(m_python.files())});
+}
+
+void PythonDebugger::popFrameAndSetCurrent() {
+    if (!m_foreignPlaces.empty())
+        m_foreignPlaces.pop_back();
 }
 
 void PythonDebugger::updateFrames() {
@@ -222,8 +247,9 @@ void PythonDebugger::showFrames(const std::vector<ScriptFrame>& frames) {
     Debugger::setCurrentColumn(-1);
     Debugger::setCurrentSourceId(-1);
     for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame)
-        pushFrameAndSetCurrent(frame->line, frame->column,
-                               sourceIdOf(frameFileName(frame->frame.get()).get()));
+        Debugger::pushFrameAndSetCurrent(
+            frame->line, frame->column,
+            frame->frame ? sourceIdOf(frameFileName(frame->frame.get()).get()) : frame->sourceId);
 }
 
 // Variables
@@ -287,7 +313,7 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
     PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
                   Py_XNewRef(traceback));
     m_toldText = takeScriptError().message;
-    m_errorFrames = framesOfError(traceback, m_python.files());
+    m_errorFrames = withForeignPlaces(framesOfError(traceback, m_python.files()));
     notify(QStringLiteral("ScriptError"), m_toldText);
     stop();
     m_errorFrames.reset();

@@ -4,6 +4,7 @@
 #include <QString>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "interpreter/bridge/debugger.h"
@@ -36,12 +37,16 @@ public:
 
     bool stop() override;
     bool stopWithObjectName(const QString& objectName, const QString& detail) override;
+    void missingStep(int line, const std::string& text) override;
     VariableBindings variables(const QString& path) override;
     void initVariableWatcher() override;
     void setInteractive(bool interactive) override;
     void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
+    /// A place in a file that is none of Python's, over what runs now: a step of a feature.
+    void pushFrameAndSetCurrent(int line, int column, int sourceId) override;
+    void popFrameAndSetCurrent() override;
     /// Stops at the next line. Only sets flags.
     void interrupt() override;
 
@@ -91,6 +96,8 @@ private:
         std::optional<TraceHook::Pause> m_pause;
     };
     void showFrames(const std::vector<ScriptFrame>& frames);
+    /// The frames with the places of other files between them.
+    std::vector<ScriptFrame> withForeignPlaces(std::vector<ScriptFrame> frames) const;
 
     /// Whether the mode wants to stop at each line of a call that was made by `caller`.
     bool stopsAtEachLine(const RunningFrame* caller);
@@ -110,6 +117,14 @@ private:
     QHash<int, std::vector<int>> m_breakLines;
     /// Changes with the break points.
     unsigned m_state = 0;
+
+    struct ForeignPlace {
+        ScriptFrame place;
+        /// The innermost frame of a script below it; may be null.
+        PyRef below;
+    };
+    /// The innermost last.
+    std::vector<ForeignPlace> m_foreignPlaces;
 
     /// One in another when code that is evaluated at a stop stops.
     int m_standstills = 0;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "plugins/python/bddactions.h"
+#include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/frameevaluation.h"
 #include "plugins/python/globalfunctions.h"
@@ -70,6 +72,7 @@ PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
     s_active = this;
     m_context = std::make_unique<PythonContext>(*this);
     m_debugger = std::make_unique<PythonDebugger>(*this);
+    m_bdd = std::make_unique<BddActions>(*this);
     setDebugger(m_debugger.get());
     try {
         m_context->initFunctions();
@@ -90,6 +93,7 @@ PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
 PythonInterpreter::~PythonInterpreter() {
     m_output.flush();
     clearCallables();
+    m_bdd->clear();
     m_debugger->shutDown();
     setDebugger(nullptr);
     if (ScriptContext::current() == m_context.get())
@@ -104,6 +108,7 @@ PythonInterpreter::~PythonInterpreter() {
     }
     m_module = PyRef();
     m_skip = PyRef();
+    m_originOf = PyRef();
     m_initialNames = PyRef();
     if (last) {
         PythonRuntime::self().restore();
@@ -193,7 +198,9 @@ void PythonInterpreter::setScriptArguments(const QString& scriptPath,
 void PythonInterpreter::startScript() {
     m_exited = false;
     m_skip = PyRef();
+    m_originOf = PyRef();
     clearCallables();
+    m_bdd->clear();
     try {
         const PyRef names = moduleNamespace();
         if (m_initialNames)
@@ -284,11 +291,25 @@ bool PythonInterpreter::evaluateAt(const std::vector<ScriptFrame>& frames, const
     const QRegularExpressionMatch level = s_level.match(text);
     bool isNumber = true;
     const std::size_t index = level.hasMatch() ? level.captured(1).toUInt(&isNumber) : 0;
-    const Outcome<QString> result =
-        isNumber && index < frames.size()
-            ? evaluateInFrame(*this, frames[index].frame.get(), text.mid(level.capturedLength()))
-            : fail(FailureKind::NotFound,
-                   QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1)));
+    if (!isNumber || index >= frames.size()) {
+        return tellEvaluation(
+            fail(FailureKind::NotFound,
+                 QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1))));
+    }
+    const QString code = text.mid(level.capturedLength());
+    // A feature file has no names of its own: those of the code that runs it are meant.
+    const auto frame =
+        std::find_if(frames.begin() + static_cast<std::ptrdiff_t>(index), frames.end(),
+                     [](const ScriptFrame& each) { return bool(each.frame); });
+    return frame != frames.end() ? tellEvaluation(evaluateInFrame(*this, frame->frame.get(), code))
+                                 : evaluateInScript(code);
+}
+
+bool PythonInterpreter::evaluateInScript(const QString& text) {
+    return tellEvaluation(evaluateInModule(*this, moduleNamespace().get(), text));
+}
+
+bool PythonInterpreter::tellEvaluation(const Outcome<QString>& result) {
     m_output.flush();
     setResultMessage(result ? *result : result.error().text);
     if (!result)
@@ -338,6 +359,48 @@ bool PythonInterpreter::invokeFunction(const QString& name) {
     return m_exited || failCallback("The script has no function '" + name + "'");
 }
 
+bool PythonInterpreter::callLibraryFunction(const QString& name, const QStringList& arguments) {
+    clearError();
+    m_skip = PyRef();
+    if (m_exited)
+        return true;
+    ScriptContext::setCurrent(m_context.get());
+    const PyRef key = toPyString(pythonName(name));
+    PyObject* const function =
+        key ? PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()) : nullptr;
+    const PyRef list = toPyList(arguments);
+    const PyRef tuple = PyRef::steal(list ? PyList_AsTuple(list.get()) : nullptr);
+    if (!function && !PyErr_Occurred())
+        PyErr_SetObject(PyExc_NameError, key.get());
+    return finish(
+        PyRef::steal(function && tuple ? PyObject_Call(function, tuple.get(), nullptr) : nullptr));
+}
+
+PythonInterpreter::Callback PythonInterpreter::callBack(PyObject* function, PyObject* arguments,
+                                                        PyObject* named) {
+    clearError();
+    const PyRef result = PyRef::steal(PyObject_Call(function, arguments, named));
+    if (!result && !isOrdinaryError())
+        throw PythonErrorSet();
+    const bool isPending = !result && PyErr_ExceptionMatches(pendingStepError()) != 0;
+    QString name = QStringLiteral("The function");
+    if (PyFunction_Check(function))
+        name = fromPyString(reinterpret_cast<PyFunctionObject*>(function)->func_name);
+    if (finish(result) && hasRun(name, function, result.get()))
+        return Callback::Succeeded;
+    // A call that was refused has come to no line.
+    if (errorCallStack().empty())
+        setErrorPosition(function);
+    std::vector<LineInfo> stack = errorCallStack();
+    for (const ScriptFrame& frame : m_debugger->frames()) {
+        stack.emplace_back(frame.frame ? m_files.path(frameFileName(frame.frame.get()).get())
+                                       : m_debugger->findSourceId(frame.sourceId),
+                           frame.line);
+    }
+    setErrorCallStack(stack);
+    return isPending ? Callback::Pending : Callback::Failed;
+}
+
 bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject* result) {
     const bool isAsync = PyCoro_CheckExact(result) || PyAsyncGen_CheckExact(result);
     if (!isAsync && !PyGen_CheckExact(result))
@@ -368,11 +431,13 @@ bool PythonInterpreter::finish(const PyRef& result, bool hasFile) {
     if (result)
         return true;
     m_debugger->errorUncaught();
-    const ScriptError error = takeScriptError(&m_files);
+    ScriptError error = takeScriptError(&m_files);
     if (error.isExit) {
         m_exited = true;
         return true;
     }
+    if (error.exception && error.exception.get() == m_originOf.get())
+        error.callStack.insert(error.callStack.begin(), m_errorOrigin);
     setErrorMessage(error.message);
     setErrorIsSkip(isSkip(error.exception.get()));
     if (error.callStack.empty() || !hasFile) {

@@ -14,6 +14,7 @@
 
 namespace Tamrix::PythonPlugin {
 
+class BddActions;
 class PythonDebugger;
 
 /// The interpreter of one test case on Python's runtime, which lives as long as the process. The
@@ -32,6 +33,7 @@ public:
     PythonDebugger& debugger() { return *m_debugger; }
     SourceFiles& files() { return m_files; }
     ScriptOutput& output() { return m_output; }
+    BddActions& bdd() { return *m_bdd; }
     /// Whether the calling thread is the one on which the interpreter was made.
     bool isScriptThread() const { return __builtin_thread_pointer() == m_scriptThread; }
 
@@ -66,6 +68,20 @@ public:
         return m_skip && exception == m_skip.get();
     }
 
+    /// An error of a native function stands in a file that is none of Python's, such as a feature
+    /// file: remembers the exception that it became.
+    void setErrorOrigin(const PyRef& exception, const LineInfo& position) {
+        m_originOf = exception;
+        m_errorOrigin = position;
+    }
+
+    /// How a function of the script came out that a native function has called.
+    enum class Callback { Succeeded, Pending, Failed };
+    /// Calls a function of the script while a native function runs. Unless it succeeds the error
+    /// fields tell what happened, with the whole stack; what ends the script passes as
+    /// PythonErrorSet. `named` may be null.
+    Callback callBack(PyObject* function, PyObject* arguments, PyObject* named);
+
     /// The script's globals.
     PyRef moduleNamespace();
     /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
@@ -87,12 +103,19 @@ public:
         return Python;
     }
     bool invokeFunction(const QString& name) override;
+    ScriptContext* scriptContext() override {
+        return m_context.get();
+    }
+    bool callLibraryFunction(const QString& name, const QStringList& arguments) override;
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
 
 private:
     /// Code that a person writes while the script stands still, the innermost frame first. The
     /// result's text is that of what became of it.
     bool evaluateAt(const std::vector<ScriptFrame>& frames, const QString& text);
+    /// The same with the script's globals, where no code of a script runs.
+    bool evaluateInScript(const QString& text);
+    bool tellEvaluation(const Outcome<QString>& result);
     /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
     /// otherwise the error fields tell what happened.
     bool finish(const PyRef& result, bool hasFile = true);
@@ -117,6 +140,9 @@ private:
     std::unique_ptr<PythonDebugger> m_debugger;
     PyRef m_module;
     PyRef m_skip;
+    PyRef m_originOf;
+    LineInfo m_errorOrigin;
+    std::unique_ptr<BddActions> m_bdd;
     /// Only compared: it may be gone.
     ObjectModel* m_knownModel = nullptr;
     /// The text that was compiled last, so that checking and evaluating compile it once.

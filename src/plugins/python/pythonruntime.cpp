@@ -6,6 +6,7 @@
 
 #include "base/blocking.h"
 #include "interpreter/bridge/scriptlanguage.h"
+#include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/exceptions.h"
 #include "plugins/python/frames.h"
@@ -15,6 +16,7 @@
 #include "plugins/python/objecttype.h"
 #include "plugins/python/overlay.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/remotesystem.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -161,7 +163,7 @@ PythonRuntime::PythonRuntime() {
     try {
         m_module = checked(PyImport_AddModule("tamrix") ? Py_NewRef(PyImport_AddModule("tamrix"))
                                                         : nullptr);
-        if (!addTamrixModule())
+        if (!addTamrixModule() || !addBddModule())
             throw PythonErrorSet();
         takeSnapshot();
     } catch (const PythonErrorSet&) {
@@ -177,7 +179,7 @@ bool PythonRuntime::addTamrixModule() {
            addExceptions(m_module.get()) && addValueTypes(m_module.get()) &&
            addObjectType(m_module.get()) && addMethodType(m_module.get()) &&
            addGlobalFunctionType(m_module.get()) && addNativeBase(m_module.get()) &&
-           addOverlays(m_module.get());
+           addOverlays(m_module.get()) && addRemoteSystem(m_module.get());
 }
 
 void PythonRuntime::takeSnapshot() {

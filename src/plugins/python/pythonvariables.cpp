@@ -50,6 +50,9 @@ std::vector<ValueMember> PythonVariableWatcher::variablesOf(int level) {
     std::vector<ValueMember> variables;
     if (level >= static_cast<int>(frames.size()))
         return variables;
+    // A feature file has none.
+    if (!frames[static_cast<std::size_t>(level)].frame)
+        return variables;
     auto* const frame =
         reinterpret_cast<PyFrameObject*>(frames[static_cast<std::size_t>(level)].frame.get());
     const PyRef locals = checked(PyFrame_GetLocals(frame));

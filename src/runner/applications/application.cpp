@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/blocking.h"
+#include "interpreter/bridge/backgroundtask.h"
 #include "runner/processes/shellwords.h"
 
 namespace Tamrix {
@@ -113,6 +114,8 @@ void Application::detach() {
 
 void Application::stop(const QString& message) {
     ApplicationContext::stop(message);
+    if (const QSharedPointer<BackgroundTask> video = std::exchange(videoCapture, {}))
+        video->stop(message, {});
     isExitExpected = true;
     if (m_program)
         m_program->end(endPatience);

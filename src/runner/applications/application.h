@@ -35,7 +35,7 @@ public:
     QString endText();
     /// Closes the connection and leaves the process alone.
     void detach();
-    /// Also ends the program, if this run has started it, and drops the connection.
+    /// Also ends its video and the program, if this run has started it, and drops the connection.
     void stop(const QString& message) override;
 
 private:

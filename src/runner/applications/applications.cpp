@@ -11,6 +11,7 @@
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/remote/remotemodel.h"
 #include "runner/applications/attachable.h"
+#include "runner/applications/displaystart.h"
 #include "runner/applications/foreigntoolkit.h"
 #include "runner/processes/interrupt.h"
 
@@ -25,6 +26,17 @@ constexpr int terminatePatience = 1000;
 constexpr int quitTimeout = 500;
 constexpr int pollInterval = 50;
 constexpr int closePollInterval = 10;
+/// How long the last output of a program that has ended may take.
+constexpr int outputPatience = 500;
+
+/// What is left where no agent comes.
+constexpr char withoutAgent[] =
+    "; with hook=\"none\" in config.xml it is driven by its windows, pictures, mouse and keys";
+
+Failure interruptedStart(const StartedProgram& program) {
+    return {FailureKind::Failed, QStringLiteral("the run was interrupted while '%1' started")
+                                     .arg(program.start().name)};
+}
 
 }  // namespace
 
@@ -84,7 +96,9 @@ Outcome<SharedPtr<Application>> Applications::start(const ApplicationStart& want
     m_programs.add(program);
     const int wait = timeout < 0 ? defaultStartTimeout : timeout;
     const QDeadlineTimer deadline(wait);
-    const Outcome<SharedPtr<Application>> application = waitForStart(program, deadline, wait);
+    const Outcome<SharedPtr<Application>> application =
+        start.launcher->bringsAgent() ? waitForStart(program, deadline, wait)
+                                      : waitForWindow(program, deadline, wait);
     const Outcome<> greeted =
         application ? greet(**application, deadline, wait) : fail(application.error());
     if (!greeted) {
@@ -131,11 +145,8 @@ Outcome<SharedPtr<Application>> Applications::waitForStart(
         work();
         if (SharedPtr<Application> application = firstOf(program.get()))
             return application;
-        if (isInterrupted()) {
-            return fail(FailureKind::Failed,
-                        QStringLiteral("the run was interrupted while '%1' started")
-                            .arg(program->start().name));
-        }
+        if (isInterrupted())
+            return fail(interruptedStart(*program));
         const AgentServer::Refusal refused = m_server.takeRefusal();
         if (!refused.text.isEmpty())
             refusal = QStringLiteral("\nA connection was refused: ") + refused.text;
@@ -154,15 +165,49 @@ Outcome<SharedPtr<Application>> Applications::waitForStart(
     }
 }
 
+Outcome<SharedPtr<Application>> Applications::waitForWindow(
+    const std::shared_ptr<StartedProgram>& program, const QDeadlineTimer& deadline, int timeout) {
+    const QString name = program->start().name;
+    DisplayStart start(program);
+    while (true) {
+        // In this order: a program may show a window and end at once.
+        const bool isAlive = program->isAlive();
+        Outcome<std::unique_ptr<Access>> access = start.look();
+        if (!access) {
+            return fail(access.error().kind,
+                        QStringLiteral("'%1' was started, but %2").arg(name, access.error().text));
+        }
+        if (*access)
+            return add(std::move(*access), name);
+        if (isInterrupted())
+            return fail(interruptedStart(*program));
+        if (!isAlive) {
+            program->output().waitForEnd(outputPatience);
+            return fail(FailureKind::Ended,
+                        QStringLiteral("'%1' ended before it showed a window: %2%3")
+                            .arg(name, program->process().endText(), program->lastErrorText()));
+        }
+        if (deadline.hasExpired()) {
+            return fail(FailureKind::TimedOut,
+                        QStringLiteral("'%1' was started, but showed no window on the display "
+                                       "'%2' within %3 ms%4")
+                            .arg(name, start.display(), QString::number(timeout),
+                                 program->lastErrorText()));
+        }
+        waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), pollInterval)));
+    }
+}
+
 QString Applications::startFailure(StartedProgram& program, const QString& obstacle, int timeout) {
     const QString name = program.start().name;
     if (program.process().hasEnded()) {
-        program.output().waitForEnd(500);
+        program.output().waitForEnd(outputPatience);
         return QStringLiteral("'%1' ended before its agent connected: %2")
             .arg(name, program.process().endText());
     }
     if (!obstacle.isEmpty())
-        return QStringLiteral("'%1' was started, but %2").arg(name, obstacle);
+        return QStringLiteral("'%1' was started, but %2%3")
+            .arg(name, obstacle, QLatin1String(withoutAgent));
     if (timeout < 0)
         return QStringLiteral("'%1' was started, but its agent can't be used").arg(name);
     if (isAgentLoaded(program.processes())) {
@@ -173,8 +218,8 @@ QString Applications::startFailure(StartedProgram& program, const QString& obsta
     }
     return QStringLiteral(
                "'%1' was started, but no agent in it connected within %2 ms; is it a program "
-               "with Qt 5 or Qt 6?")
-        .arg(name, QString::number(timeout));
+               "with Qt 5 or Qt 6?%3")
+        .arg(name, QString::number(timeout), QLatin1String(withoutAgent));
 }
 
 Outcome<> Applications::greet(Application& application, const QDeadlineTimer& deadline,
@@ -315,6 +360,22 @@ SharedPtr<Application> Applications::owner(const SharedPtr<Object>& object) {
             return application;
     }
     return m_current;
+}
+
+Outcome<QString> Applications::helperMark() {
+    if (const Outcome<> prepared = prepare(); !prepared)
+        return fail(prepared.error());
+    // With the number 0: not that of an application.
+    return m_runId + QLatin1String(":0");
+}
+
+QString Applications::environmentVariable(const QString& name) const {
+    for (auto entry = m_displayEnvironment.crbegin(); entry != m_displayEnvironment.crend();
+         ++entry) {
+        if (entry->first == name)
+            return entry->second;
+    }
+    return Environment::getVariable(name);
 }
 
 // Working and waiting

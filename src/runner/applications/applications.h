@@ -82,6 +82,12 @@ public:
     /// A call of the script begins: interrupts from before don't end its waits.
     void startCall();
 
+    /// What marks programs that help the run and belong to no application; the run's watch, which
+    /// is at work then, ends them.
+    Outcome<QString> helperMark();
+    /// A variable as applications get it.
+    QString environmentVariable(const QString& name) const;
+
     StartedPrograms& programs() { return m_programs; }
     /// Ends all applications that were started: asks them to close, then terminates, then kills
     /// them. Drops the connections to all others. Returns names of those that could not be ended.
@@ -94,6 +100,9 @@ private:
     SharedPtr<Application> firstOf(const StartedProgram* program);
     Outcome<SharedPtr<Application>> waitForStart(const std::shared_ptr<StartedProgram>& program,
                                                  const QDeadlineTimer& deadline, int timeout);
+    /// The same for a program without agent, whose window is waited for.
+    Outcome<SharedPtr<Application>> waitForWindow(const std::shared_ptr<StartedProgram>& program,
+                                                  const QDeadlineTimer& deadline, int timeout);
     /// `obstacle` is what keeps the agent out, empty when that is not why. `timeout` is -1 when the
     /// wait ended before.
     QString startFailure(StartedProgram& program, const QString& obstacle, int timeout);

@@ -6,7 +6,8 @@
 namespace Tamrix {
 
 const QList<const Launcher*>& Launcher::all() {
-    static const QList<const Launcher*> s_launchers = {&pluginLauncher(), &preloadLauncher()};
+    static const QList<const Launcher*> s_launchers = {&pluginLauncher(), &preloadLauncher(),
+                                                        &noneLauncher()};
     return s_launchers;
 }
 
@@ -16,6 +17,14 @@ const Launcher* Launcher::find(const QString& name) {
             return launcher;
     }
     return nullptr;
+}
+
+QString Launcher::namesText() {
+    QStringList names;
+    for (const Launcher* launcher : all())
+        names.append(QLatin1Char('\'') + launcher->name() + QLatin1Char('\''));
+    const QString last = names.takeLast();
+    return QStringLiteral("%1 or %2").arg(names.join(QLatin1String(", ")), last);
 }
 
 QString joinedWithOthers(const QString& ours, const QString& variable, QLatin1Char separator,

@@ -25,12 +25,17 @@ public:
     /// Completes what a program is started with. What the start says stays unless the way needs it
     /// otherwise.
     virtual void prepare(ProgramStart* start, const AgentAddress& address) const = 0;
+    /// Whether an agent comes into the program. Without one it is reached through the X display
+    /// that it appears on.
+    virtual bool bringsAgent() const { return true; }
 
     /// All ways; the first is the one for programs of which nothing else is known.
     static const QList<const Launcher*>& all();
     static const Launcher& standard() { return *all().constFirst(); }
     /// Null for an unknown name.
     static const Launcher* find(const QString& name);
+    /// What their names can be, for messages: "'plugin', 'preload' or 'none'".
+    static QString namesText();
 };
 
 /// `ours` together with what this process has in an environment variable for lists.

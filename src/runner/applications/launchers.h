@@ -10,5 +10,7 @@ namespace Tamrix {
 const Launcher& pluginLauncher();
 /// "preload": the dynamic linker loads a hook, for programs that pass over Qt's plug-ins.
 const Launcher& preloadLauncher();
+/// "none": no agent; the program is driven by its windows on the X display.
+const Launcher& noneLauncher();
 
 }  // namespace Tamrix

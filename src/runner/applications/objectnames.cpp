@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include "base/overloaded.h"
 #include "base/textescape.h"
 #include "platform/objectmodel/nearmisstext.h"
 
@@ -106,18 +107,7 @@ Outcome<ObjectNames> describeAt(Access& access, const QPoint& point) {
     return found(*lines, true);
 }
 
-}  // namespace
-
-Outcome<ObjectNames> describeNames(Access& access, const QString& wanted) {
-    if (const std::optional<QPoint> point = pointOf(wanted))
-        return describeAt(access, *point);
-    QMap<QString, PropertyValue> properties;
-    QString error;
-    if (!parseNameByProperties(wanted, &properties, &error))
-        return fail(FailureKind::BadArgument,
-                    QStringLiteral("'%1' is neither a point \"X,Y\" nor an object's name: %2")
-                        .arg(wanted, error));
-    const ObjectName name(properties);
+Outcome<ObjectNames> describeNamed(Access& access, const ObjectName& name) {
     // 1. What the name matches.
     const Outcome<NameMatches> matches = access.matchesOf(name);
     if (!matches)
@@ -134,6 +124,28 @@ Outcome<ObjectNames> describeNames(Access& access, const QString& wanted) {
     if (!others)
         return fail(others.error());
     return found(lines + *others, object.has_value());
+}
+
+}  // namespace
+
+Outcome<WantedObject> readWantedObject(const QString& text) {
+    if (const std::optional<QPoint> point = pointOf(text))
+        return *point;
+    QMap<QString, PropertyValue> properties;
+    QString error;
+    if (!parseNameByProperties(text, &properties, &error))
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("'%1' is neither a point \"X,Y\" nor an object's name: %2")
+                        .arg(text, error));
+    return ObjectName(properties);
+}
+
+Outcome<ObjectNames> describeNames(Access& access, const WantedObject& wanted) {
+    return std::visit(Overloaded{
+                          [&](const ObjectName& name) { return describeNamed(access, name); },
+                          [&](const QPoint& point) { return describeAt(access, point); },
+                      },
+                      wanted);
 }
 
 }  // namespace Tamrix

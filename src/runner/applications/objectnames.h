@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
+#include <variant>
 
 #include "platform/objectmodel/access.h"
 
@@ -14,11 +16,16 @@ struct ObjectNames {
     bool isFound = false;
 };
 
-/// Names of the object that `wanted` means: a name, or a point "X,Y" of the screen. Tells how many
-/// objects a name matches and where they are, then the names that find the first of them, the best
-/// first, each with how many objects it matches when these are several. Where nothing matches it
-/// tells what nearly does, with a name that finds that. Fails for what is neither name nor point,
-/// and when the application can't be asked.
-Outcome<ObjectNames> describeNames(Access& access, const QString& wanted);
+/// An object by its name, or by a point of the screen.
+using WantedObject = std::variant<ObjectName, QPoint>;
+
+/// Reads a name, or a point as "X,Y". Fails for what is neither.
+Outcome<WantedObject> readWantedObject(const QString& text);
+
+/// Names of the object that is wanted. Tells how many objects a name matches and where they are,
+/// then the names that find the first of them, the best first, each with how many objects it
+/// matches when these are several. Where nothing matches it tells what nearly does, with a name
+/// that finds that. Fails when the application can't be asked.
+Outcome<ObjectNames> describeNames(Access& access, const WantedObject& wanted);
 
 }  // namespace Tamrix

@@ -32,6 +32,31 @@ Outcome<> readResultDirectory(const QStringList& values, CaseRunSettings& settin
     return {};
 }
 
+Outcome<> readScenarios(const QStringList& values, CaseRunSettings& settings) {
+    for (const QString& value : values) {
+        bool isNumber = false;
+        settings.scenarios.push_back(value.toUInt(&isNumber));
+        if (!isNumber)
+            return wrongUsage(
+                QStringLiteral("--scenario takes a number from 0 on, not '%1'").arg(value));
+    }
+    return {};
+}
+
+Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
+    const QString& value = values.constLast();
+    for (const auto& [name, mode] : {std::pair("on", VideoMode::On),
+                                     std::pair("off", VideoMode::Off),
+                                     std::pair("on-failure", VideoMode::OnFailure)}) {
+        if (value == QLatin1String(name)) {
+            settings.video = mode;
+            return {};
+        }
+    }
+    return wrongUsage(
+        QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+}
+
 bool isStandardOutput(const QString& report) {
     const Outcome<ReportDescription> description = parseReportDescription(report);
     return description && description->isStandardOutput();
@@ -115,7 +140,10 @@ SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
     options.hasPrivateHomes = settings.farm.hasPrivateHomes();
     options.recordsActions = settings.recordsActions;
     options.resultDirectory = settings.resultDirectory;
+    options.tagFilters = settings.tagFilters;
+    options.scenarios = settings.scenarios;
     options.scriptArguments = settings.scriptArguments;
+    options.video = settings.video;
     options.display = settings.display;
     if (settings.display.isEmpty() && settings.farm.jobs > 0)
         options.display = QStringLiteral("auto");
@@ -126,12 +154,24 @@ SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
 std::vector<Option<CaseRunSettings>> caseRunOptions() {
     return {{"report", reportValueName,
              "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML), "
-             "tap, allure (a folder) or console; may be given several times.",
+             "tap, allure (a folder), cucumber-messages (NDJSON) or console; may be given several "
+             "times.",
              nullptr, allTo(&CaseRunSettings::reports)},
             {"result-dir", "DIR",
              "Keeps attachments and the run's journal (journal.jsonl) in this folder.", nullptr,
              readResultDirectory},
             caseDisplayOption(),
+            {"tags", "TAGS",
+             "Runs only scenarios of features with one of these tags, as in @a,~@b; given several "
+             "times, each has to hold. 'untagged' means those without tags.",
+             nullptr, allTo(&CaseRunSettings::tagFilters)},
+            {"scenario", "N",
+             "Runs only the scenario with this number, counted from 0 in its feature file; may be "
+             "given several times.",
+             nullptr, readScenarios},
+            {"video", "on|off|on-failure",
+             "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
+             nullptr, readVideoMode},
             {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
              nullptr, setTo(&CaseRunSettings::recordsActions, false)},
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,

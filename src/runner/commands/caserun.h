@@ -8,6 +8,7 @@
 #include "runner/commands/command.h"
 #include "runner/commands/farmoptions.h"
 #include "runner/debugging/frontends.h"
+#include "runner/suites/casevideo.h"
 #include "runner/suites/suiterun.h"
 
 namespace Tamrix {
@@ -26,9 +27,13 @@ struct CaseRunSettings {
     QString display;
     /// So many failed cases end the run; 0 for none.
     int maxFailures = 0;
+    VideoMode video = VideoMode::Off;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;
+    /// Which scenarios of features run.
+    QStringList tagFilters;
+    std::vector<unsigned> scenarios;
     QStringList scriptArguments;
     DebuggerDialogue debugger = DebuggerDialogue::None;
     FarmSettings farm;

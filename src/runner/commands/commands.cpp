@@ -7,6 +7,7 @@
     DO(run)                         \
     DO(debug)                       \
     DO(list)                        \
+    DO(features)                    \
     DO(report)                      \
     DO(merge)                       \
     DO(farm)                        \
@@ -14,6 +15,7 @@
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
+    DO(findText)                    \
     DO(dap)                         \
     DO(data)
 

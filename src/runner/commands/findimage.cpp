@@ -2,28 +2,22 @@
 
 #include <json/json.h>
 
-#include <QBuffer>
-#include <QFileInfo>
 #include <QImage>
-#include <QImageReader>
-#include <QImageWriter>
-#include <QPainter>
-#include <QSaveFile>
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 
-#include "base/filewriting.h"
 #include "base/nativebytes.h"
 #include "base/textescape.h"
 #include "runner/commands/command.h"
+#include "runner/commands/picturefiles.h"
 #include "runner/commands/samefile.h"
 #include "runner/processes/terminal.h"
-#include "vision/search/correlationscore.h"
+#include "vision/search/frame.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/parallel.h"
+#include "vision/search/placescore.h"
 
 namespace Tamrix {
 
@@ -66,12 +60,10 @@ Outcome<> readSearchOptions(const QStringList& values, FindImageSettings& settin
 }
 
 Outcome<> readRegion(const QStringList& values, FindImageSettings& settings) {
-    try {
-        settings.region = SearchRegion(values.constLast());
-    } catch (const std::runtime_error& error) {
-        return wrongUsage(QStringLiteral("--region '%1': %2")
-                              .arg(values.constLast(), QString::fromUtf8(error.what())));
-    }
+    const Outcome<SearchRegion> region = readRegionOption(values.constLast());
+    if (!region)
+        return fail(region.error());
+    settings.region = *region;
     return {};
 }
 
@@ -102,11 +94,6 @@ Outcome<> readArguments(const CommandArguments& arguments, FindImageSettings& se
     return {};
 }
 
-struct Picture {
-    QString file;
-    QImage image;
-};
-
 /// A place that was found. The score, and which needle it is most like, are known after a tolerant
 /// search only.
 struct Occurrence {
@@ -121,63 +108,6 @@ struct Findings {
     QList<Occurrence> occurrences;
 };
 
-/// Throws a std::runtime_error whose text may hold names of files.
-[[noreturn]] void giveUp(const QString& text) {
-    throw std::runtime_error(toNativeBytes(text).toStdString());
-}
-
-/// Throws a std::runtime_error that names the file.
-Picture loadPicture(const QString& file) {
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    const QImage image = reader.read();
-    if (image.isNull()) {
-        giveUp(
-            QStringLiteral("the picture '%1' can't be read: %2").arg(file, reader.errorString()));
-    }
-    return {file, Vision::searchable(image)};
-}
-
-/// The whole picture unless a region was given, which must not lie outside of it altogether.
-SearchRegion regionToSearch(const FindImageSettings& settings, const Picture& haystack) {
-    const QRect whole = haystack.image.rect();
-    if (settings.region.isEmpty())
-        return SearchRegion(whole);
-    const QList<QRect>& rectangles = settings.region.rectangles();
-    if (std::none_of(rectangles.begin(), rectangles.end(),
-                     [&](const QRect& each) { return each.intersects(whole); })) {
-        giveUp(QStringLiteral("the region %1 lies outside '%2', which has %3x%4 pixels")
-                   .arg(settings.region.description(), haystack.file,
-                        QString::number(whole.width()), QString::number(whole.height())));
-    }
-    return settings.region;
-}
-
-/// The score of a needle, at the size of the rectangle; nothing when it can't have that size.
-std::optional<double> scoreOf(const QImage& haystack, const QImage& needle,
-                              const QRect& rectangle) {
-    // Resized as a search does it.
-    const QImage resized = needle.width() == rectangle.width()
-                               ? needle
-                               : needle.scaledToWidth(rectangle.width(), Qt::SmoothTransformation);
-    if (resized.size() != rectangle.size())
-        return std::nullopt;
-    return Vision::correlationScore(haystack, resized, rectangle.topLeft());
-}
-
-/// The occurrence with its score, that of the needle which is most like it.
-Occurrence scored(const QImage& haystack, const QList<Picture>& needles, const QRect& rectangle) {
-    Occurrence occurrence = {rectangle, -1, {}};
-    for (const Picture& needle : needles) {
-        const std::optional<double> score = scoreOf(haystack, needle.image, rectangle);
-        if (score && *score > occurrence.score) {
-            occurrence.score = *score;
-            occurrence.needle = needle.file;
-        }
-    }
-    return occurrence;
-}
-
 Findings search(const FindImageSettings& settings, const Picture& haystack,
                 const QList<Picture>& needles) {
     QList<QImage> images;
@@ -185,7 +115,7 @@ Findings search(const FindImageSettings& settings, const Picture& haystack,
         images.append(needle.image);
     const std::unique_ptr<ImageLookupImplementation> engine(ImageLookupImplementation::get());
     const std::unique_ptr<ImageLookupImplementation::Cache> cache(engine->newCache(images, true));
-    const SearchRegion region = regionToSearch(settings, haystack);
+    const SearchRegion region = regionToSearch(settings.region, haystack);
 
     Findings findings;
     findings.options = settings.options;
@@ -200,9 +130,14 @@ Findings search(const FindImageSettings& settings, const Picture& haystack,
                                             settings.limit);
     }
     for (const QRect& rectangle : qAsConst(rectangles)) {
-        findings.occurrences.append(findings.options.getTolerant()
-                                        ? scored(haystack.image, needles, rectangle)
-                                        : Occurrence{rectangle, 0, {}});
+        Occurrence occurrence{rectangle, 0, {}};
+        if (findings.options.getTolerant()) {
+            const auto [score, needle] = Vision::scorePlace(haystack.image, images, rectangle);
+            occurrence.score = score;
+            if (needle >= 0)
+                occurrence.needle = needles.at(needle).file;
+        }
+        findings.occurrences.append(occurrence);
     }
     return findings;
 }
@@ -239,45 +174,14 @@ QByteArray jsonOf(const Findings& findings) {
             entry["needle"] = occurrence.needle.toStdString();
         occurrences.append(entry);
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "    ";
-    builder["precision"] = 9;
-    builder["emitUTF8"] = true;
-    return QByteArray::fromStdString(Json::writeString(builder, value)) + '\n';
+    return jsonText(value);
 }
 
-/// Throws a std::runtime_error that names the file.
-void storeAnnotated(const QString& file, const QImage& haystack, const Findings& findings) {
-    QImage image = haystack.convertToFormat(QImage::Format_RGB32);
-    QPainter painter(&image);
-    for (const Occurrence& occurrence : findings.occurrences) {
-        // Around the pixels, so that they can be seen: red within white stands out everywhere.
-        const QRect frame = occurrence.rectangle.adjusted(-2, -2, 1, 1);
-        painter.setPen(Qt::white);
-        painter.drawRect(frame.adjusted(-1, -1, 1, 1));
-        painter.setPen(Qt::red);
-        painter.drawRect(frame);
-        painter.drawRect(frame.adjusted(1, 1, -1, -1));
-    }
-    painter.end();
-
-    const auto failWithReason = [&](const QString& reason) {
-        giveUp(QStringLiteral("the picture '%1' can't be written: %2").arg(file, reason));
-    };
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly))
-        failWithReason(output.errorString());
-    const QString suffix = QFileInfo(file).suffix();
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, suffix.isEmpty() ? "png" : suffix.toLatin1().toLower());
-    if (!writer.write(image))
-        failWithReason(writer.errorString());
-    QString reason;
-    if (!writeAll(&output, bytes.data(), &reason))
-        failWithReason(reason);
-    if (!output.commit())
-        failWithReason(output.errorString());
+QList<QRect> rectanglesOf(const Findings& findings) {
+    QList<QRect> rectangles;
+    for (const Occurrence& occurrence : findings.occurrences)
+        rectangles.append(occurrence.rectangle);
+    return rectangles;
 }
 
 /// What stands in front of the text of a failed search: the needle that it is about, if known.
@@ -297,7 +201,7 @@ int findImage(const FindImageSettings& settings) {
             needles.append(loadPicture(file));
         const Findings findings = search(settings, haystack, needles);
         if (!settings.annotatedFile.isEmpty())
-            storeAnnotated(settings.annotatedFile, haystack.image, findings);
+            storeFramed(settings.annotatedFile, haystack.image, rectanglesOf(findings));
         const QByteArray output =
             settings.printsJson ? jsonOf(findings) : textOf(findings, settings);
         if (!writeBytes(stdout, output))

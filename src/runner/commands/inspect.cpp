@@ -27,9 +27,11 @@ struct InspectSettings {
     QStringList program;
     /// "inherit", "auto" or ":N".
     QString display;
+    /// The way into the program. Not null.
+    const Launcher* launcher = &Launcher::standard();
     TreeFormat format = TreeFormat::Text;
-    /// Whose names are told in place of the tree: a name or a point; empty for the tree.
-    QString namesOf;
+    /// Whose names are told in place of the tree; none for the tree.
+    std::optional<WantedObject> namesOf;
     /// Where a picture of the screen is stored, empty for nowhere.
     QString screenshotFile;
     /// How long to wait before looking.
@@ -42,6 +44,22 @@ Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
     if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
         return wrongUsage(
             QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
+    return {};
+}
+
+Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
+    settings.launcher = Launcher::find(values.constLast());
+    if (settings.launcher)
+        return {};
+    return wrongUsage(QStringLiteral("--hook takes %1, not '%2'")
+                          .arg(Launcher::namesText(), values.constLast()));
+}
+
+Outcome<> readNamesOf(const QStringList& values, InspectSettings& settings) {
+    const Outcome<WantedObject> wanted = readWantedObject(values.constLast());
+    if (!wanted)
+        return wrongUsage(QStringLiteral("--names: %1").arg(wanted.error().text));
+    settings.namesOf = *wanted;
     return {};
 }
 
@@ -102,13 +120,13 @@ struct Inspection {
 };
 
 Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
-    if (settings.namesOf.isEmpty()) {
+    if (!settings.namesOf) {
         const Outcome<QByteArray> tree = formattedTree(access, settings.format);
         if (!tree)
             return fail(tree.error());
         return Inspection{*tree, true};
     }
-    const Outcome<ObjectNames> names = describeNames(access, settings.namesOf);
+    const Outcome<ObjectNames> names = describeNames(access, *settings.namesOf);
     if (!names)
         return fail(names.error());
     return Inspection{names->text.toLocal8Bit(), names->isFound};
@@ -118,10 +136,10 @@ Outcome<Inspection> look(Access& access, const InspectSettings& settings) {
 Outcome<int> inspectWith(Applications& applications, const InspectSettings& settings) {
     if (const Outcome<> used = applications.useDisplay(settings.display); !used)
         return fail(used.error());
-    const Outcome<ApplicationStart> start =
-        resolveApplication(quotedShellWords(settings.program), {});
+    Outcome<ApplicationStart> start = resolveApplication(quotedShellWords(settings.program), {});
     if (!start)
         return fail(start.error());
+    start->launcher = settings.launcher;
     const Outcome<SharedPtr<Application>> started = applications.start(*start, -1);
     if (!started)
         return fail(started.error());
@@ -160,13 +178,16 @@ Command inspectCommand() {
           "Starts a program and prints its objects with the names that find them.", 1,
           CommandSyntax::anyNumber, CommandTail::Program},
          {displayOption(&InspectSettings::display),
+          {"hook", "NAME",
+           "How the program is reached, as in config.xml: %1, preload, or none for one without agent.",
+           "plugin", readHook},
           {"json", nullptr, "Prints JSON.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Json)},
           {"xml", nullptr, "Prints XML, in the form of coverage files.", nullptr,
            setTo(&InspectSettings::format, TreeFormat::Xml)},
           {"names", "OBJECT",
            "Prints the names of one object, given by a name or as a point X,Y of the screen.",
-           nullptr, textTo(&InspectSettings::namesOf)},
+           nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
           {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},

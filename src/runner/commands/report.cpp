@@ -70,7 +70,7 @@ Command reportCommand() {
           "Makes reports from the journal of a run, also of one that was killed.", 1, 1},
          {{"to", reportValueName,
            "The report: html (a folder), json (the journal), junit (JUnit XML), tap, allure (a "
-           "folder) or console; may be given several times.",
+           "folder), cucumber-messages (NDJSON) or console; may be given several times.",
            nullptr, allTo(&ReportSettings::reports)}},
          {},
          readArguments,

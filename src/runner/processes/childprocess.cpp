@@ -94,6 +94,13 @@ QList<QByteArray> commandLine(const ProgramStart& start) {
     return words;
 }
 
+/// Where the program's standard output goes, -1 for where that of this process does.
+int outputOf(const ProgramStart& start, int pipe) {
+    if (start.outputDescriptor >= 0)
+        return start.outputDescriptor;
+    return start.keepsOutput ? pipe : -1;
+}
+
 /// What the child tells when it does not come to run the program.
 struct StartFailure {
     int number = 0;
@@ -173,7 +180,7 @@ Outcome<std::unique_ptr<ChildProcess>> ChildProcess::start(const ProgramStart& s
                          environment.data(),
                          workingDirectory.constData(),
                          input,
-                         start.keepsOutput ? output.writeEnd() : -1,
+                         outputOf(start, output.writeEnd()),
                          errors.writeEnd(),
                          failurePipe.writeEnd(),
                          ::getpid(),

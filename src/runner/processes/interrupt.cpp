@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/blocking.h"
 #include "runner/processes/supervision.h"
 
 namespace Tamrix {
@@ -158,6 +159,7 @@ void Interrupt::install() {
     const sigset_t oldMask = block();
     putOnTop();
     pthread_sigmask(SIG_SETMASK, &oldMask, nullptr);
+    setInterruptCheck([] { return signalNumber() != 0; });
 }
 
 int Interrupt::signalNumber() {

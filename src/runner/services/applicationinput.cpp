@@ -54,9 +54,20 @@ SharedPtr<Object> ApplicationInput::objectGlobalBounds(SharedPtr<Object> object)
 }
 
 FunctionCallResult<QSharedPointer<BackgroundTask>> ApplicationInput::startVideoCapture(
-    SharedPtr<ApplicationContext>, QIODevice*) {
-    return FunctionCallResult<QSharedPointer<BackgroundTask>>::error(
-        QStringLiteral("Videos can't be captured"));
+    SharedPtr<ApplicationContext> context, QIODevice* device) {
+    using Result = FunctionCallResult<QSharedPointer<BackgroundTask>>;
+    const SharedPtr<Application> application = m_state.applications.checked(context);
+    if (!application)
+        return Result::error(Inspector::noApplicationText);
+    const QString end = application->endText();
+    if (!end.isEmpty())
+        return Result::error(end);
+    // The run's own video does not let the script wait.
+    const auto task = m_state.recordings.start(m_state.applications, application, device,
+                                               m_state.facts.recordsVideo
+                                                   ? Recordings::Start::AtOnce
+                                                   : Recordings::Start::AtFirstPicture);
+    return task ? Result(*task) : Result::error(task.error().text);
 }
 
 // Variable views of the debugger.

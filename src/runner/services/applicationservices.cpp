@@ -67,6 +67,8 @@ Outcome<SharedPtr<Application>> ApplicationServices::noted(
             QStringLiteral("Application '%1'").arg((*connected)->name),
             QStringLiteral("%1, %2, %3").arg(facts.program, facts.toolkit, facts.platform));
     }
+    if (connected && m_state.facts.onApplication)
+        m_state.facts.onApplication(*connected);
     return connected;
 }
 

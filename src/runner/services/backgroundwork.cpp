@@ -44,6 +44,7 @@ void BackgroundWork::processEvents() {
 void BackgroundWork::work() {
     m_applications.work();
     reportUnexpectedEnds();
+    lookAfterRecordings();
     runHandlers();
     if (Debugger* const debugger = Debugger::self())
         debugger->checkForPauseMessage();
@@ -58,6 +59,16 @@ void BackgroundWork::reportUnexpectedEnds() {
             end.isCrash ? QStringLiteral("An application has crashed")
                         : QStringLiteral("An application has ended with an exit code"),
             end.text, m_lastCall.isValid() ? m_lastCall : LineInfo(m_facts.scriptPath, 0));
+    }
+}
+
+void BackgroundWork::lookAfterRecordings() {
+    for (const QString& failure : m_recordings.work()) {
+        if (m_facts.testResult) {
+            m_facts.testResult->addResult(
+                TestResult::Warning, QStringLiteral("A video has ended before its time"), failure,
+                m_lastCall.isValid() ? m_lastCall : LineInfo(m_facts.scriptPath, 0));
+        }
     }
 }
 

@@ -5,20 +5,21 @@
 #include "platform/testresult/lineinfo.h"
 #include "runner/applications/applications.h"
 #include "runner/services/runfacts.h"
+#include "runner/video/recordings.h"
 
 namespace Tamrix {
 
 /// The work beside a script: processes pending messages of applications, dispatches their events to
-/// handlers, and reports applications that have ended. Script thread only; needs a QCoreApplication
-/// for waits.
+/// handlers, and reports applications and videos that have ended. Script thread only; needs a
+/// QCoreApplication for waits.
 ///
 /// Handlers run at the end of the script's calls, in waits and in processEvents(), never while a
 /// request is under way.
 class BackgroundWork {
 public:
-    /// Both outlive this.
-    BackgroundWork(Applications& applications, const RunFacts& facts)
-        : m_applications(applications), m_facts(facts) {}
+    /// All outlive this.
+    BackgroundWork(Applications& applications, Recordings& recordings, const RunFacts& facts)
+        : m_applications(applications), m_recordings(recordings), m_facts(facts) {}
 
     /// A test case begins.
     void startCase() { m_lastCall = LineInfo(); }
@@ -38,10 +39,12 @@ public:
 
 private:
     void noteCall();
+    void lookAfterRecordings();
     void runHandlers();
     void runHandler(const QString& callback);
 
     Applications& m_applications;
+    Recordings& m_recordings;
     const RunFacts& m_facts;
     int m_callDepth = 0;
     /// Where the last call of the script stands that began while an application ran.

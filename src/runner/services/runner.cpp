@@ -7,12 +7,14 @@ namespace Tamrix {
 Runner::Runner()
     : ApplicationServices(static_cast<RunState&>(*this)),
       ObjectWaits(static_cast<RunState&>(*this)),
-      ApplicationInput(static_cast<RunState&>(*this)) {}
+      ApplicationInput(static_cast<RunState&>(*this)),
+      RemoteSystems(static_cast<RunState&>(*this)) {}
 
 void Runner::startCase(const QString& name, const QString& scriptPath) {
     facts.caseName = name;
     facts.scriptPath = scriptPath;
     m_imageSearchFixTarget = 0;
+    closeRemoteSystems();
     background.startCase();
 }
 

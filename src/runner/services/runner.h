@@ -24,6 +24,7 @@ public:
 
     using RunState::applications;
     using RunState::facts;
+    using RunState::recordings;
     /// A test case begins.
     void startCase(const QString& name, const QString& scriptPath);
     /// See BackgroundWork.
@@ -42,12 +43,12 @@ public:
     /// Of the suite's map, whether it has one or not; empty without a suite.
     QString objectMapPath() override;
     QString currentResultDirectory() override { return facts.resultDirectory; }
-    QStringList filterArguments() override { return {}; }
-    std::vector<unsigned> scenarioIndices() override { return {}; }
+    QStringList filterArguments() override { return facts.tagFilters; }
+    std::vector<unsigned> scenarioIndices() override { return facts.scenarios; }
     bool isIDEMode() override { return false; }
     unsigned runLevel() override { return 0; }
     TestResult* testResult() override { return facts.testResult; }
-    bool isVideoCaptureEnabled() override { return false; }
+    bool isVideoCaptureEnabled() override { return facts.recordsVideo; }
     /// One call of the script at a time holds the object model. Also notes where the script is, for
     /// what goes wrong with applications meanwhile.
     bool acquireRemoteObjectModel() override;

@@ -3,6 +3,7 @@
 #include "runner/applications/applications.h"
 #include "runner/services/backgroundwork.h"
 #include "runner/services/runfacts.h"
+#include "runner/video/recordings.h"
 
 namespace Tamrix {
 
@@ -10,7 +11,8 @@ namespace Tamrix {
 struct RunState {
     RunFacts facts;
     Applications applications;
-    BackgroundWork background{applications, facts};
+    Recordings recordings;
+    BackgroundWork background{applications, recordings, facts};
 };
 
 }  // namespace Tamrix

@@ -21,15 +21,19 @@ namespace {
 /// What the cases share; never a case itself, even with a script in it.
 const QLatin1String sharedFolderName("shared");
 
-/// The script of a test case folder, an empty text when there is none. With scripts in several
-/// languages, the first one in the order of the languages counts.
+/// What a case without a script runs.
+const QLatin1String featureSuffix(".feature");
+
+/// The script of a test case folder, or else its feature file; an empty text when there is neither.
+/// With scripts in several languages, the first one in the order of the languages counts.
 QString findScript(const QString& directory) {
     for (const ScriptLanguageInformation* language : ScriptLanguageInformation::knownLanguages()) {
         const QFileInfo file(directory + QLatin1String("/test.") + language->suffix);
         if (file.isFile())
             return file.absoluteFilePath();
     }
-    return {};
+    const QFileInfo feature(directory + QLatin1String("/test") + featureSuffix);
+    return feature.isFile() ? feature.absoluteFilePath() : QString();
 }
 
 /// The names of the folders in a folder, without hidden ones. Qt leaves out those whose names are
@@ -131,6 +135,10 @@ QStringList nearestNames(const QList<SuiteCase>& cases, const QString& name) {
 }
 
 }  // namespace
+
+bool isFeatureCase(const SuiteCase& testCase) {
+    return testCase.script.endsWith(featureSuffix);
+}
 
 QString displayName(const SuiteCase& testCase) {
     QString name = escapedForTerminal(testCase.name);

@@ -9,7 +9,8 @@
 
 namespace Tamrix {
 
-/// A test case of a suite: a folder with a script named "test" in a known language.
+/// A test case of a suite: a folder with a script named "test" in a known language, or without one
+/// but with a feature file of that name.
 struct SuiteCase {
     /// The folder's name.
     QString name;
@@ -17,6 +18,9 @@ struct SuiteCase {
     QString directory;
     QString script;
 };
+
+/// Whether the case is a feature file without a script.
+bool isFeatureCase(const SuiteCase& testCase);
 
 /// A test suite: a folder of test cases. Plain data, as found when it was loaded.
 struct Suite {

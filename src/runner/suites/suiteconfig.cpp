@@ -11,14 +11,6 @@ namespace Tamrix {
 
 namespace {
 
-/// "'plugin' or 'preload'"
-QString launcherNames() {
-    QStringList names;
-    for (const Launcher* launcher : Launcher::all())
-        names.append(QLatin1Char('\'') + launcher->name() + QLatin1Char('\''));
-    return names.join(QLatin1String(" or "));
-}
-
 /// One reading of one file. The first error ends it: it is raised in the XML reader, so that every
 /// loop over the document comes to its end.
 class SuiteConfigReader {
@@ -203,7 +195,7 @@ void SuiteConfigReader::readApplication() {
     if (const Launcher* const launcher = Launcher::find(hook))
         application.launcher = launcher;
     else if (!hook.isEmpty())
-        giveUp(QStringLiteral("hook is %1, not '%2'").arg(launcherNames(), hook));
+        giveUp(QStringLiteral("hook is %1, not '%2'").arg(Launcher::namesText(), hook));
     checkUnique(m_applicationNames, application.name, "application");
 
     QSet<QString> variableNames;

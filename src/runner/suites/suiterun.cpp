@@ -12,6 +12,7 @@
 #include "base/environment.h"
 #include "base/filewriting.h"
 #include "base/utf8file.h"
+#include "interpreter/bdd/gherkinfilter.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
@@ -66,10 +67,15 @@ QString screenshotDirectory(RunnerInterface* runner) {
 }  // namespace
 
 SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
-    : m_suite(suite), m_options(options), m_result(report) {
+    : m_suite(suite),
+      m_options(options),
+      m_result(report),
+      m_video(options.video, m_runner, m_result) {
     m_runner.facts.suiteName = suite.name;
     m_runner.facts.resultDirectory = options.resultDirectory;
     m_runner.facts.testResult = &m_result;
+    m_runner.facts.tagFilters = options.tagFilters;
+    m_runner.facts.scenarios = options.scenarios;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
     TestVP::setScreenshotServices(
@@ -84,6 +90,11 @@ SuiteRun::~SuiteRun() {
 Outcome<> SuiteRun::prepare() {
     if (const Outcome<> loaded = loadObjectMap(); !loaded)
         return loaded;
+    QString filterError;
+    if (!allFilterByArgs(m_options.tagFilters, m_options.scenarios, &filterError))
+        return fail(FailureKind::BadArgument, filterError);
+    if (const Outcome<> prepared = m_video.prepare(); !prepared)
+        return prepared;
     return m_runner.applications.useDisplay(m_options.display);
 }
 
@@ -165,6 +176,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
     startRunSettings(m_suite.config, m_passwords, &m_result);
     m_failureMoment.reset();
     renewHome();
+    m_video.startCase();
     if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
                            loaded.error().text, LineInfo());
@@ -180,6 +192,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
         ScriptContext::setCurrent(nullptr);
     }
     endApplications();
+    m_video.endCase(caseHasFailed() || Interrupt::signalNumber() != 0);
     // Above what the script or its language left there.
     Interrupt::install();
     if (caseHasFailed())
@@ -189,8 +202,9 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
 
 void SuiteRun::runScript(const SuiteCase& testCase) {
     const pid_t process = ::getpid();
+    const bool isFeature = isFeatureCase(testCase);
     QString text;
-    if (!readScript(testCase.script, &text))
+    if (!isFeature && !readScript(testCase.script, &text))
         return;
 
     ScriptTestCase script(&m_result, QDir(testCase.directory), &m_runner,
@@ -199,11 +213,13 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
     {
         const Interrupt::Aside aside;
         prepareDebuggers(m_options.debugger);
-        loaded = script.load(testCase.script, isDebugged() ? Debugger::Step : Debugger::Run);
+        const Debugger::DbgMode mode = isDebugged() ? Debugger::Step : Debugger::Run;
+        loaded = isFeature ? script.loadFeature(testCase.script, mode)
+                           : script.load(testCase.script, mode);
     }
     if (loaded && isDebugged())
         startDebugging(testCase);
-    if (loaded && script.evaluate(text))
+    if (loaded && (isFeature || script.evaluate(text)))
         script.run();
 
     // A script that forked and let its child fall out of the case: the run goes on once only.

@@ -4,12 +4,14 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <vector>
 
 #include "base/outcome.h"
 #include "platform/testresult/testresult.h"
 #include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
 #include "runner/services/runner.h"
+#include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
 #include "runner/suites/suite.h"
 
@@ -31,8 +33,12 @@ struct SuiteRunOptions {
     QStringList scriptArguments;
     /// Where applications appear: see Applications::useDisplay().
     QString display;
+    /// Which scenarios of features run; see gherkinFilterByArgs().
+    QStringList tagFilters = {};
+    std::vector<unsigned> scenarios = {};
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
+    VideoMode video = VideoMode::Off;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as
@@ -44,8 +50,8 @@ public:
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
 
-    /// What has to be right before anything runs: the display for applications and the suite's map
-    /// of object names. Call it before run().
+    /// What has to be right before anything runs: the display for applications, what records it, the
+    /// suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
     /// Runs the cases, until all have run, as many have failed as may, or a signal asked to end.
@@ -89,6 +95,7 @@ private:
     Runner m_runner;
     TestResult m_result;
     PrivateHome m_home;
+    CaseVideo m_video;
     FailureMoment m_failureMoment;
     /// The last picture of the desktop, until the failure that it belongs to is told.
     Screenshot m_desktop;

@@ -37,6 +37,9 @@ inline constexpr const char* ocrspaceLanguageId = "language";
 /// The least magnification.
 inline constexpr double minimalScaleFactor = 0.2;
 
+/// The magnification that is meant when nobody says one: what screens show is small.
+inline constexpr double defaultScaleFactor = 3.5;
+
 /// A value, or nothing for an option that was left unsaid.
 template <typename T>
 using Optional = std::optional<T>;
@@ -96,7 +99,7 @@ struct TAMRIX_EXPORT Options {
     OCRSpaceOptions ocrSpace;
     /// Magnification of the picture before it is read. Set from the start, and so it is in each
     /// record that is read without it: a scale survives stacking only from the topmost layer.
-    Optional<double> scaleFactor = 3.5;
+    Optional<double> scaleFactor = defaultScaleFactor;
     /// Looked up in the list of languages of the engine that is used.
     Optional<QString> language;
     QStringList profiles;

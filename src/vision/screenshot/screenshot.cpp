@@ -56,6 +56,14 @@ QTransform fromList(const QVariantList& list) {
     return {m[0], m[1], m[2], m[3], m[4], m[5]};
 }
 
+/// The map of a screenshot, with its image in whatever form.
+QVariantMap withImage(const QVariant& image, const Screenshot& screenshot) {
+    const QTransform& m = screenshot.transform();
+    return {{imageKey, image},
+            {transformKey, QVariantList{m.m11(), m.m12(), m.m21(), m.m22(), m.dx(), m.dy()}},
+            {densityKey, screenshot.density()}};
+}
+
 QImage imageFromBmp(const QByteArray& data) {
     return Vision::imageFromBmp(reinterpret_cast<const uchar*>(data.constData()), data.size());
 }
@@ -100,8 +108,11 @@ Screenshot Screenshot::fromVariant(const QVariant& variant) {
     const QTransform transform = fromList(map.value(transformKey).toList());
     // 3. The density.
     const double density = map.value(densityKey, 1.0).toDouble();
-    // 4. The image.
-    return fromBmpZipData(map.value(imageKey).toByteArray(), transform, density);
+    // 4. The image, which within a process is there as it is.
+    const QVariant image = map.value(imageKey);
+    if (image.userType() == QMetaType::QImage)
+        return Screenshot(image.value<QImage>(), transform, density);
+    return fromBmpZipData(image.toByteArray(), transform, density);
 }
 
 QVariant Screenshot::toVariant() const {
@@ -111,12 +122,11 @@ QVariant Screenshot::toVariant() const {
     QBuffer buffer(&bmp);
     buffer.open(QIODevice::WriteOnly);
     m_image.save(&buffer, "BMP", 100);
-    return QVariantMap{
-        {imageKey, qCompress(bmp, compressionLevel)},
-        {transformKey, QVariantList{m_transform.m11(), m_transform.m12(), m_transform.m21(),
-                                    m_transform.m22(), m_transform.dx(), m_transform.dy()}},
-        {densityKey, m_density},
-    };
+    return withImage(qCompress(bmp, compressionLevel), *this);
+}
+
+QVariant Screenshot::toLocalVariant() const {
+    return m_image.isNull() ? QVariant() : withImage(m_image, *this);
 }
 
 QVariant Screenshot::toVariant(QPoint origin, double scale) const {

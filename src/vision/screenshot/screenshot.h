@@ -41,7 +41,7 @@ public:
     static Screenshot fromBmpZipData(const QByteArray& data, const QTransform& transform,
                                      double density);
 
-    /// Reads what toVariant() made. What is missing has the default. The sender answers for a
+    /// Reads what toVariant() or toLocalVariant() made. What is missing has the default. The sender answers for a
     /// "transform" of six finite numbers; any other list counts as the identity.
     static Screenshot fromVariant(const QVariant& variant);
     /// A map: "image" is the image as BMP, compressed by qCompress(); "transform" a list of six
@@ -50,6 +50,9 @@ public:
     /// The same with "origin", the native position of the image's top-left corner, and "scale",
     /// image pixels for each native unit, for receivers that use raw().
     QVariant toVariant(QPoint origin, double scale) const;
+    /// The same as toVariant() for receivers in this process: "image" is the image itself, whose
+    /// pixels are shared.
+    QVariant toLocalVariant() const;
     /// The compressed image in what toVariant() made, empty for an invalid variant. Where a target
     /// is given and the variant has "origin", "scale" or "density", the target takes the value.
     static QByteArray raw(const QVariant& variant, QPoint* origin, double* scale, double* density);

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "vision/search/imagelookupoptions.h"
+#include "vision/search/jsonhelpers.h"
 #include "vision/search/parsefailure.h"
 
 namespace Tamrix::Vision {
@@ -51,14 +52,6 @@ QString describeRectangle(const QRect& rectangle) {
              QString::number(rectangle.width()), QString::number(rectangle.height()));
 }
 
-int requiredInteger(const Json::Value& value, const std::string& key) {
-    if (!value.isObject() || !value.isMember(key))
-        throw std::runtime_error(key + " entry missing");
-    if (!value[key].isInt())
-        throw std::runtime_error(key + " entry is not an integer");
-    return value[key].asInt();
-}
-
 }  // namespace
 
 SearchRegion::SearchRegion(const QString& description) {
@@ -75,12 +68,7 @@ QString SearchRegion::description() const {
 }
 
 SearchRegion::SearchRegion(const Json::Value& value) {
-    if (!value.isObject() || !value.isMember(rectanglesKey))
-        throw std::runtime_error(std::string(rectanglesKey) + " entry missing");
-    const Json::Value& rectangles = value[rectanglesKey];
-    if (!rectangles.isArray())
-        throw std::runtime_error(std::string(rectanglesKey) + " entry is not an array");
-    for (const Json::Value& rectangle : rectangles) {
+    for (const Json::Value& rectangle : requireArray(value, rectanglesKey)) {
         if (!rectangle.isObject())
             throw std::runtime_error("SearchRegion rectangle descriptor must be an object");
         m_rectangles.append(rectFromJson(rectangle));
@@ -129,10 +117,10 @@ Json::Value pointToJson(QPoint point) {
 }
 
 QRect rectFromJson(const Json::Value& value) {
-    const int height = requiredInteger(value, "height");
-    const int width = requiredInteger(value, "width");
-    const int y = requiredInteger(value, "y");
-    const int x = requiredInteger(value, "x");
+    const int height = requireInt(value, "height");
+    const int width = requireInt(value, "width");
+    const int y = requireInt(value, "y");
+    const int x = requireInt(value, "x");
     if (!hasFarCorner(x, y, width, height)) {
         failParsing(QStringLiteral("Invalid rectangle: %1x%2x%3x%4")
                         .arg(QString::number(x), QString::number(y), QString::number(width),
@@ -142,8 +130,8 @@ QRect rectFromJson(const Json::Value& value) {
 }
 
 QPoint pointFromJson(const Json::Value& value) {
-    const int y = requiredInteger(value, "y");
-    const int x = requiredInteger(value, "x");
+    const int y = requireInt(value, "y");
+    const int x = requireInt(value, "x");
     return {x, y};
 }
 

@@ -12,10 +12,11 @@ void TestDisplay::Server::setupChildProcess() {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
-TestDisplay::TestDisplay(const QString& platform) {
+TestDisplay::TestDisplay(const QString& platform, const QString& screen,
+                         const QStringList& options) {
     m_server.setStandardErrorFile(QProcess::nullDevice());
     if (platform == "xcb")
-        startXvfb();
+        startXvfb(screen, options);
     else if (platform == "wayland")
         startWeston();
 }
@@ -35,12 +36,13 @@ void TestDisplay::startWeston() {
     }
 }
 
-void TestDisplay::startXvfb() {
+void TestDisplay::startXvfb(const QString& screen, const QStringList& options) {
     m_server.start(
         QStringLiteral("Xvfb"),
-        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-         QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-nolisten"),
-         QStringLiteral("tcp"), QStringLiteral("-noreset")});
+        QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                    QStringLiteral("0"), screen, QStringLiteral("-nolisten"),
+                    QStringLiteral("tcp"), QStringLiteral("-noreset")} +
+            options);
     if (!m_server.waitForStarted())
         return;
     QByteArray line;
@@ -48,6 +50,11 @@ void TestDisplay::startXvfb() {
         line += m_server.readAllStandardOutput();
     if (!line.trimmed().isEmpty())
         m_name = QStringLiteral(":") + QString::fromLatin1(line.trimmed());
+}
+
+void TestDisplay::kill() {
+    m_server.kill();
+    m_server.waitForFinished();
 }
 
 TestDisplay::~TestDisplay() {

@@ -10,11 +10,16 @@ namespace Tamrix {
 /// without screen, for the time of the object. Nothing for other platforms.
 class TestDisplay {
 public:
-    explicit TestDisplay(const QString& platform);
+    /// `options` are more arguments of Xvfb.
+    explicit TestDisplay(const QString& platform,
+                         const QString& screen = QStringLiteral("1280x1024x24"),
+                         const QStringList& options = {});
     ~TestDisplay();
     TestDisplay(const TestDisplay&) = delete;
     TestDisplay& operator=(const TestDisplay&) = delete;
 
+    /// Ends the server as a crash would.
+    void kill();
     /// ":99", for a compositor the path of its socket; empty when it did not start.
     QString name() const { return m_name; }
 
@@ -25,7 +30,7 @@ private:
         void setupChildProcess() override;
     };
 
-    void startXvfb();
+    void startXvfb(const QString& screen, const QStringList& options);
     void startWeston();
 
     QTemporaryDir m_folder;

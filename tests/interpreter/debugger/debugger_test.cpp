@@ -87,6 +87,12 @@ TEST_F(DebuggerTest, BreakPointsReachEverySourceOfTheirFile) {
         EXPECT_TRUE(debugger.hasBreakPoint(3, sourceId));
         EXPECT_TRUE(debugger.hasBreakPoint(8, sourceId));
     }
+    // Those that are set while the file is known reach it when it is loaded once more, too.
+    debugger.addBreakPoint("a.py", 4);
+    debugger.setCode(7, a);
+    EXPECT_TRUE(debugger.hasBreakPoint(4, 7));
+    EXPECT_TRUE(debugger.deleteBreakPoint("a.py", 4));
+    EXPECT_FALSE(debugger.hasBreakPoint(4, 7));
 }
 
 TEST_F(DebuggerTest, GivesEachSourceAnIdOfItsOwn) {

@@ -144,20 +144,23 @@ public:
         using Result = LookupAndExecuteStepResult;
         m_log->add("execute " + step.text);
         if (step.text == "unknown" && !unknownStepsAreWritten)
-            return {Result::NoMatch, "", {}};
+            return {Result::NoMatch, "", {}, {}};
         if (step.text == "twice")
-            return {Result::SeveralMatches, "both match", {}};
+            return {Result::SeveralMatches, "both match", {}, {}};
         if (step.text == "throws")
             throw std::runtime_error("thrown");
         if (step.text == "verifies wrongly")
             m_report->failVerification();
         if (step.text.find("fails") != std::string::npos)
-            return {Result::ScriptFailure, "it failed", {"steps.py", 3}};
+            return {Result::ScriptFailure, "it failed", {"steps.py", 3}, {}};
         return {};
     }
-    bool hasStep(const Step& step) override {
-        return step.text != "unknown" || unknownStepsAreWritten;
+    std::vector<StepMatch> findStep(const Step& step) override {
+        return {step.text != "unknown" || unknownStepsAreWritten ? 1u : 0u, StepMatch()};
     }
+    std::vector<Definition> definitions() override { return {}; }
+    std::string snippet(const Step&) override { return {}; }
+    void reload() override { m_log->add("reload"); }
     ExecuteHookResult executeHooks(HookType type, HookOrder order,
                                    const HookSubject& subject) override {
         if (type != StepHook || subject.title == "hooks fail")

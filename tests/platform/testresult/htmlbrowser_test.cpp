@@ -252,4 +252,53 @@ TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {
     EXPECT_EQ(seen["open"].toString(), "tst_print");
 }
 
+TEST_F(HtmlBrowserTest, ShowsFeaturesAsATree) {
+    HtmlReport html(directory.filePath("report"));
+    {
+        FixedClock clock(&html);
+        TestResult result(&clock);
+        const LineInfo place("/s/x.feature", 1);
+        const auto start = [&](const char* kind, const char* title, const ItemDescribed& item) {
+            result.addResult(TestResult::SectionStart, title, "", place, kind);
+            result.describeItem(item);
+        };
+        result.startSuite("s", "/s");
+        result.startCase("c", "/s/c/test.feature");
+        start("feature", "Läden <b>", {"Funktionalität", "@shop @slow", ""});
+        start("scenario", "kaufen", {"Szenario", "", ""});
+        start("step", "ich kaufe 3 Äpfel", {"Wenn ", "", "| Art |\n| rot |"});
+        result.addStepMatch({"ich kaufe {int} {word}",
+                             LineInfo("/s/steps.py", 3),
+                             {{10, 11, "int"}, {12, 17, "word"}}});
+        result.addResult(TestResult::SectionEnd, "", "", LineInfo(), "step");
+        start("step", "nie", {"Dann ", "", ""});
+        result.addResult(TestResult::Skipped, "nie", "", place, "step");
+    }
+    html.finish();
+    const QJsonObject seen = visit("#case=c", R"(
+        await until(() => one(".item.step"));
+        seen.feature = one(".item.feature > summary .what").textContent;
+        seen.tags = one(".item.feature > summary .tags").textContent;
+        seen.keyword = one(".item.step .keyword").textContent;
+        seen.parameters = [...page.querySelectorAll(".item.step .parameter")]
+            .map((element) => element.textContent).join("|");
+        seen.argument = one(".argument").textContent;
+        one(".item.step summary").click();
+        seen.definition = one(".item.step .comment").textContent;
+        const skipped = one(".item.skipped");
+        seen.skipped = skipped.querySelector(".what").textContent;
+        const colour = (element) => frame.contentWindow.getComputedStyle(element).color;
+        seen.isGrey = colour(skipped.querySelector(".what")) === colour(one(".facts"));
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_EQ(seen["feature"].toString(), "Funktionalität: Läden <b>");
+    EXPECT_EQ(seen["tags"].toString(), "@shop @slow");
+    EXPECT_EQ(seen["keyword"].toString(), "Wenn ");
+    EXPECT_EQ(seen["parameters"].toString(), "3|Äpfel");
+    EXPECT_EQ(seen["argument"].toString(), "| Art |\n| rot |");
+    EXPECT_EQ(seen["definition"].toString(), "ich kaufe {int} {word} steps.py:3");
+    EXPECT_EQ(seen["skipped"].toString(), "Dann nie");
+    EXPECT_TRUE(seen["isGrey"].toBool());
+}
+
 }  // namespace

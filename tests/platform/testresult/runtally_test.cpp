@@ -153,4 +153,60 @@ TEST(RunTally, TakesEntriesInAnyOrder) {
     }
 }
 
+TEST(RunTally, KeepsScenariosApart) {
+    RecordingReport report;
+    TestResult result(&report);
+    const LineInfo place("/s/x.feature", 7);
+    result.startSuite("suite", "/s");
+    result.startCase("case", "/s/case/test.py");
+    const auto start = [&](const char* kind, const char* title) {
+        result.addResult(TestResult::SectionStart, title, "", place, kind);
+    };
+    const auto end = [&](const char* kind) {
+        result.addResult(TestResult::SectionEnd, "", "", LineInfo(), kind);
+    };
+    const auto step = [&](const char* title, TestResult::ResultType type) {
+        start("step", title);
+        result.describeItem({"Given ", "", ""});
+        result.addResult(type, "message", "", LineInfo());
+        end("step");
+    };
+    start("feature", "shop");
+    start("scenario", "fails");
+    step("good", TestResult::Pass);
+    step("bad", TestResult::Fail);
+    step("worse", TestResult::Error);
+    end("scenario");
+    result.addResult(TestResult::Error, "a hook", "", LineInfo());
+    start("scenariooutline", "many");
+    start("row", "n=1");
+    step("good", TestResult::Pass);
+    end("row");
+    end("scenariooutline");
+    start("scenario", "cut short");
+    result.endCase();
+
+    RunTally tally;
+    QStringList running;
+    for (const ReportEntry& entry : report.entries) {
+        tally.add(entry);
+        if (eventOf<SectionEnded>(entry) && tally.scenario() && tally.scenario()->isEnded)
+            running += tally.scenario()->name;
+    }
+    EXPECT_EQ(running.join(", "), "fails, many (n=1), cut short");
+    const CaseTally& testCase = tally.suites().front().cases.front();
+    ASSERT_EQ(testCase.scenarios.size(), 3u);
+    EXPECT_EQ(testCase.failures.size(), 3u);
+    ASSERT_EQ(testCase.failuresOutsideScenarios.size(), 1u);
+    EXPECT_EQ(testCase.failuresOutsideScenarios[0].message, "a hook");
+    const ScenarioTally& failed = testCase.scenarios[0];
+    EXPECT_EQ(failed.outcome(), CaseOutcome::Failed);
+    EXPECT_EQ(failed.failedStep, "Given bad");
+    EXPECT_EQ(failed.failures.size(), 2u);
+    EXPECT_EQ(failed.feature, "shop");
+    EXPECT_EQ(failed.line, 7);
+    EXPECT_EQ(testCase.scenarios[1].outcome(), CaseOutcome::Passed);
+    EXPECT_EQ(tally.scenario(), nullptr);
+}
+
 }  // namespace

@@ -167,6 +167,11 @@ ReportEvent randomEvent(std::mt19937& random, Adapt adapt) {
         OutputWritten{isSet ? OutputStream::StandardError : OutputStream::StandardOutput, texts[0]},
         ActionEnded{texts[0], texts[1], number, isSet, stack.front()},
         EnvironmentFact{texts[0], texts[1]},
+        ItemDescribed{texts[0], texts[1], texts[2]},
+        // A type's name stands in the line of its parameter.
+        StepMatched{texts[0],
+                    stack.front(),
+                    {{number & 0xff, 0x100, QStringLiteral("int")}, {0, 3, QString()}}},
     };
     return events[random() % std::size(events)];
 }

@@ -198,6 +198,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "report needs at least one --to FORMAT:PATH (see tamrixrunner report --help)"},
         {{"run", "s", "--aut-display", "99"},
          "--aut-display takes auto, inherit or :N, not '99' (see tamrixrunner run --help)"},
+        {{"run", "s", "--video", "yes"},
+         "--video takes on, off or on-failure, not 'yes' (see tamrixrunner run --help)"},
         {{"attachable", "program"},
          "attachable needs --name NAME (see tamrixrunner attachable --help)"},
         {{"inspect", "--wait", "soon", "program", "--xml"},

@@ -114,7 +114,7 @@ TEST(SuiteConfig, AnUnknownHookIsToldWithAllThatThereAre) {
         parseSuiteConfig("<suite><applications>\n<application name=\"a\" path=\"b\" hook=\"fish\"/>"
                          "</applications></suite>",
                          "s/config.xml"));
-    EXPECT_TRUE(error.startsWith(QLatin1String("s/config.xml:2: hook is 'plugin' or 'preload'")))
+    EXPECT_TRUE(error.startsWith(QLatin1String("s/config.xml:2: hook is 'plugin', 'preload' or 'none'")))
         << qPrintable(error);
     EXPECT_TRUE(error.endsWith(QLatin1String(", not 'fish'"))) << qPrintable(error);
     for (const Launcher* const launcher : Launcher::all())

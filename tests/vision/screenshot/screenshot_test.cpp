@@ -44,7 +44,13 @@ TEST(ScreenshotTest, GoesThroughAVariant) {
     EXPECT_EQ(read.transform(), shot.transform());
     EXPECT_EQ(read.density(), 1.5);
 
+    const Screenshot local = Screenshot::fromVariant(shot.toLocalVariant());
+    EXPECT_EQ(local.image().constBits(), shot.image().constBits());
+    EXPECT_EQ(local.transform(), shot.transform());
+    EXPECT_EQ(local.density(), 1.5);
+
     EXPECT_FALSE(Screenshot().toVariant().isValid());
+    EXPECT_FALSE(Screenshot().toLocalVariant().isValid());
     EXPECT_FALSE(Screenshot().toVariant(QPoint(), 1).isValid());
     EXPECT_TRUE(Screenshot::fromVariant(QVariant()).image().isNull());
 }

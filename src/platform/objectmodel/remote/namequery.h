@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/export.h"
 #include "platform/objectmodel/objectname.h"
 #include "wire/messages.h"
 
@@ -7,6 +8,6 @@ namespace Tamrix {
 
 /// A name as the application looks for it. Fails when an occurrence is no number from 1, or a
 /// wildcard or expression is malformed; the text names the property.
-Outcome<Wire::Query> makeQuery(const ObjectName& name);
+TAMRIX_EXPORT Outcome<Wire::Query> makeQuery(const ObjectName& name);
 
 }  // namespace Tamrix

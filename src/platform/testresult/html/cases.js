@@ -27,8 +27,18 @@ function treeOf(entries) {
                 open.pop();
             continue;
         }
+        const innermost = open[open.length - 1];
+        // These tell more of the part of a feature that has begun.
+        if (entry.kind === "item" || entry.kind === "match") {
+            innermost[entry.kind] = entry;
+            continue;
+        }
+        if (entry.skipped === "step") {
+            innermost.isSkipped = true;
+            continue;
+        }
         const node = { entry, children: [], failures: 0, last: entry.at };
-        open[open.length - 1].children.push(node);
+        innermost.children.push(node);
         if (entry.kind === "sectionStart")
             open.push(node);
         else if (entry.failure)
@@ -56,7 +66,7 @@ function sectionElement(node, row) {
 function nodeElement(node, row) {
     switch (node.entry.kind) {
     case "sectionStart":
-        return sectionElement(node, row);
+        return node.entry.section ? itemElement(node, row) : sectionElement(node, row);
     case "file":
         return fileElement(node.entry, false);
     case "output":
@@ -79,6 +89,8 @@ function fillCase(body, row) {
             : `${failures.length} failures`));
         appendAll(body, failures, (entry) => resultElement(entry, row, true));
     }
+    appendAll(body, entries.filter((entry) => entry.kind === "video"),
+        (entry) => videoElement(entry, row, failures.length > 0));
     if (row.outcome !== "passed") {
         const files = entries.filter((entry) => entry.isApplicationOutput ||
             (entry.file && entry.file.kind === "image" && !entry.belongsToResult));
@@ -95,7 +107,8 @@ function fillCase(body, row) {
         (node) => nodeElement(node, row));
     if (failures.length > 0) {
         body.append(foldable("entry section",
-            [make("span", "what", `Everything that happened (${entries.length})`)], false,
+            [make("span", "what", `Everything that happened (${entries.length})`)],
+            entries.some((entry) => entry.section === "feature"),
             addTree));
     } else if (entries.length > 0) {
         addTree(body);

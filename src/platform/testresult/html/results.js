@@ -84,6 +84,9 @@ function fillFile(inside, file) {
             make("p", "note", link(file.name, file.path)));
     } else if (file.kind === "image") {
         inside.append(pictureElement(file));
+    } else if (file.kind === "video") {
+        inside.append(make("figure", "video", playerElement(file),
+            make("figcaption", "", link(file.name, file.path))));
     } else {
         if (file.text !== undefined)
             inside.append(make("pre", "output", file.text));
@@ -170,7 +173,8 @@ function resultElement(entry, row, isOpen) {
                 inside.append(stackElement(entry, row));
             fillMoment(inside, entry);
             if (entry.failure)
-                inside.append(copyButton("Copy this text", () => failureText(entry, row)));
+                inside.append(copyButton("Copy this text", () => failureText(entry, row)),
+                    toVideoElement(entry));
         });
 }
 

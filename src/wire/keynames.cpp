@@ -1,10 +1,10 @@
-#include "agent/input/keynames.h"
+#include "wire/keynames.h"
 
 #include <QHash>
 #include <QMetaEnum>
 #include <QStringList>
 
-namespace Tamrix::Agent {
+namespace Tamrix::Wire {
 
 namespace {
 
@@ -162,4 +162,4 @@ QVector<Key> keysOfModifiers(Qt::KeyboardModifiers modifiers) {
     return keys;
 }
 
-}  // namespace Tamrix::Agent
+}  // namespace Tamrix::Wire

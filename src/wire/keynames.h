@@ -3,7 +3,7 @@
 #include <QString>
 #include <QVector>
 
-namespace Tamrix::Agent {
+namespace Tamrix::Wire {
 
 /// One key of the keyboard, with the text that it gives without modifiers.
 struct Key {
@@ -31,4 +31,4 @@ Qt::KeyboardModifier modifierOfKey(int code);
 /// The modifiers as the keys that hold them, in the order Ctrl, Alt, Meta, Shift.
 QVector<Key> keysOfModifiers(Qt::KeyboardModifiers modifiers);
 
-}  // namespace Tamrix::Agent
+}  // namespace Tamrix::Wire

@@ -1,0 +1,168 @@
+#include "plugins/python/bddcontext.h"
+
+#include "plugins/python/bddactions.h"
+#include "plugins/python/conversion.h"
+#include "plugins/python/pythoninterpreter.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+PyObject* s_context = nullptr;
+/// The type of tables, a list.
+PyObject* s_tableType = nullptr;
+
+BddScopes* scopes() {
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    return interpreter && interpreter->isScriptThread() ? &interpreter->bdd().scopes() : nullptr;
+}
+
+PyObject* getAttribute(PyObject* self, PyObject* name) {
+    const BddScopes* const known = scopes();
+    if (PyObject* const value = known ? known->find(name) : nullptr)
+        return Py_NewRef(value);
+    try {
+        if (known && fromPyString(name) == "__dict__")
+            return known->all().release();
+    } catch (const PythonErrorSet&) {
+        return nullptr;
+    }
+    return PyObject_GenericGetAttr(self, name);
+}
+
+int setAttribute(PyObject*, PyObject* name, PyObject* value) {
+    BddScopes* const known = scopes();
+    if (!known) {
+        PyErr_SetString(PyExc_RuntimeError,
+                        "the context belongs to the thread of the test script while it runs");
+        return -1;
+    }
+    try {
+        if (value) {
+            known->set(name, value);
+            return 0;
+        }
+        if (known->remove(name))
+            return 0;
+    } catch (const PythonErrorSet&) {
+        return -1;
+    }
+    PyErr_SetObject(PyExc_AttributeError, name);
+    return -1;
+}
+
+PyObject* representContext(PyObject*) {
+    return PyUnicode_FromString("<context of steps>");
+}
+
+PyRef rowList(const std::vector<Gherkin::TableCell>& row) {
+    PyRef list = checked(PyList_New(static_cast<Py_ssize_t>(row.size())));
+    for (std::size_t i = 0; i < row.size(); ++i)
+        PyList_SET_ITEM(
+            list.get(), static_cast<Py_ssize_t>(i),
+            checked(PyUnicode_FromStringAndSize(row[i].text.data(),
+                                                static_cast<Py_ssize_t>(row[i].text.size())))
+                .release());
+    return list;
+}
+
+}  // namespace
+
+void BddScopes::enter() {
+    if (m_scopes.empty())
+        m_scopes.push_back(checked(PyDict_New()));
+    m_scopes.push_back(checked(PyDict_New()));
+}
+
+void BddScopes::leave() {
+    if (m_scopes.size() > 1)
+        m_scopes.pop_back();
+}
+
+PyObject* BddScopes::find(PyObject* name) const {
+    for (auto scope = m_scopes.rbegin(); scope != m_scopes.rend(); ++scope) {
+        if (PyObject* const value = PyDict_GetItemWithError(scope->get(), name))
+            return value;
+        PyErr_Clear();
+    }
+    return nullptr;
+}
+
+void BddScopes::set(PyObject* name, PyObject* value) {
+    if (m_scopes.empty())
+        m_scopes.push_back(checked(PyDict_New()));
+    checked(PyDict_SetItem(m_scopes.back().get(), name, value));
+}
+
+void BddScopes::set(const char* name, const PyRef& value) {
+    set(checked(PyUnicode_FromString(name)).get(), value.get());
+}
+
+bool BddScopes::remove(PyObject* name) {
+    if (m_scopes.empty() || PyDict_Contains(m_scopes.back().get(), name) != 1)
+        return false;
+    checked(PyDict_DelItem(m_scopes.back().get(), name));
+    return true;
+}
+
+PyRef BddScopes::all() const {
+    PyRef names = checked(PyDict_New());
+    for (const PyRef& scope : m_scopes)
+        checked(PyDict_Update(names.get(), scope.get()));
+    return names;
+}
+
+bool addBddContext(PyObject* module) {
+    PyType_Slot slots[] = {
+        {Py_tp_getattro, reinterpret_cast<void*>(getAttribute)},
+        {Py_tp_setattro, reinterpret_cast<void*>(setAttribute)},
+        {Py_tp_repr, reinterpret_cast<void*>(representContext)},
+        {Py_tp_doc, const_cast<char*>("What steps and hooks keep for each other, by scenario, "
+                                      "feature and test case; with `table` and `text` of a step")},
+        {0, nullptr}};
+    PyType_Spec definition{"bdd.Context", sizeof(PyObject), 0,
+                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+    const PyRef type = PyRef::steal(PyType_FromSpec(&definition));
+    if (!type)
+        return false;
+    auto* const typeObject = reinterpret_cast<PyTypeObject*>(type.get());
+    s_context = typeObject->tp_alloc(typeObject, 0);
+    s_tableType =
+        PyObject_CallFunction(reinterpret_cast<PyObject*>(&PyType_Type), "s(O){s:s,s:s}", "Table",
+                              reinterpret_cast<PyObject*>(&PyList_Type), "__module__", "bdd",
+                              "__doc__", "The rows of a step's table as dictionaries");
+    return s_context && s_tableType && PyModule_AddObjectRef(module, "context", s_context) == 0 &&
+           PyModule_AddObjectRef(module, "Context", type.get()) == 0 &&
+           PyModule_AddObjectRef(module, "Table", s_tableType) == 0;
+}
+
+PyObject* bddContext() {
+    return s_context;
+}
+
+PyRef bddTable(const Gherkin::Step& step) {
+    if (step.table.empty())
+        return PyRef::borrow(Py_None);
+    const PyRef headers = rowList(step.table[0]);
+    const PyRef raw = checked(PyList_New(0));
+    PyRef table = checked(PyObject_CallNoArgs(s_tableType));
+    for (std::size_t i = 0; i < step.table.size(); ++i) {
+        const PyRef cells = rowList(step.table[i]);
+        checked(PyList_Append(raw.get(), cells.get()));
+        if (i == 0)
+            continue;
+        const PyRef row = checked(PyDict_New());
+        for (Py_ssize_t column = 0; column < PyList_GET_SIZE(cells.get()); ++column)
+            checked(PyDict_SetItem(row.get(), PyList_GET_ITEM(headers.get(), column),
+                                   PyList_GET_ITEM(cells.get(), column)));
+        checked(PyList_Append(table.get(), row.get()));
+    }
+    checked(PyObject_SetAttrString(table.get(), "headers", headers.get()));
+    checked(PyObject_SetAttrString(table.get(), "raw", raw.get()));
+    // No reference to itself: a list of the same rows.
+    const PyRef rows = checked(PySequence_List(table.get()));
+    checked(PyObject_SetAttrString(table.get(), "rows", rows.get()));
+    return table;
+}
+
+}  // namespace Tamrix::PythonPlugin

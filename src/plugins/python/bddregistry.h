@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QString>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/gherkin/expressions/stepdefinitions.h"
+#include "platform/gherkin/expressions/tagexpression.h"
+#include "platform/gherkin/records.h"
+#include "plugins/python/pyref.h"
+
+namespace Tamrix::PythonPlugin {
+
+/// The step definitions, hooks and parameter types that the scripts of a test case have registered.
+/// Matching is the library's; here stands what is called. Script thread only.
+class BddRegistry {
+public:
+    struct Step {
+        PyRef function;
+        /// The file was loaded again, or gives another definition in its place.
+        bool isForgotten = false;
+    };
+    struct Hook {
+        Gherkin::HookType type;
+        Gherkin::HookOrder order;
+        Gherkin::TagExpression tags;
+        PyRef function;
+        QString file;
+    };
+    /// A match and what to call for it.
+    struct Match {
+        Gherkin::StepDefinitions::Match match;
+        PyRef function;
+        Gherkin::StepDefinitions::Definition definition;
+    };
+
+    /// A Cucumber Expression, or with `isRegular` a regular expression. Throws ExpressionError.
+    void addStep(std::string_view expression, bool isRegular, const PyRef& function,
+                 const Gherkin::ScriptLocation& location);
+    /// Throws ExpressionError.
+    void addHook(Gherkin::HookType type, Gherkin::HookOrder order, std::string_view tags,
+                 const PyRef& function, const QString& file);
+    /// `transformer` is None or what makes a value of the texts of the groups, or of the whole
+    /// text. Throws ExpressionError.
+    void addParameterType(std::string_view name, std::vector<std::string> patterns,
+                          const PyRef& transformer);
+
+    /// All definitions that fit the text. Throws ExpressionError.
+    std::vector<Match> find(std::string_view text) const;
+    std::vector<Gherkin::StepDefinitions::Definition> definitions() const;
+    /// What is to be called, in its order: those after something in the opposite order.
+    std::vector<PyRef> hooks(Gherkin::HookType type, Gherkin::HookOrder order,
+                             const std::vector<std::string>& tags) const;
+    /// None when there is none.
+    PyRef transformer(const std::string& typeName) const;
+
+    /// Forgets the steps and hooks of a file, which is about to be loaded again.
+    void forget(const QString& file);
+    void clear();
+
+private:
+    struct Type {
+        std::vector<std::string> patterns;
+        PyRef transformer;
+    };
+
+    /// Can't be copied or emptied.
+    std::unique_ptr<Gherkin::StepDefinitions> m_definitions =
+        std::make_unique<Gherkin::StepDefinitions>();
+    /// By the definitions' numbers.
+    std::vector<Step> m_steps;
+    std::vector<Hook> m_hooks;
+    std::map<std::string, Type> m_types;
+};
+
+}  // namespace Tamrix::PythonPlugin

@@ -1,0 +1,75 @@
+#include "plugins/python/bddsnippet.h"
+
+#include <QString>
+#include <QStringList>
+
+#include "platform/gherkin/expressions/generatedexpression.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// Longer names are cut.
+constexpr int longestName = 60;
+
+const char* decorator(Gherkin::KeywordType type) {
+    switch (type) {
+        case Gherkin::KeywordType::Context:
+            return "given";
+        case Gherkin::KeywordType::Action:
+            return "when";
+        case Gherkin::KeywordType::Outcome:
+            return "then";
+        case Gherkin::KeywordType::Unknown:
+        case Gherkin::KeywordType::Conjunction:
+            break;
+    }
+    return "step";
+}
+
+/// The words of the step without its parameters, as a name for a function.
+QString functionName(const QString& expression) {
+    QString name;
+    bool isParameter = false;
+    for (const QChar character : expression) {
+        if (character == QLatin1Char('{') || character == QLatin1Char('}'))
+            isParameter = character == QLatin1Char('{');
+        const bool isOfName = character.isLetterOrNumber() || character == QLatin1Char('_');
+        if (!isParameter && isOfName)
+            name += character.toLower();
+        else if (!name.endsWith(QLatin1Char('_')))
+            name += QLatin1Char('_');
+    }
+    name = name.left(longestName);
+    while (name.startsWith(QLatin1Char('_')))
+        name.remove(0, 1);
+    while (name.endsWith(QLatin1Char('_')))
+        name.chop(1);
+    return name.isEmpty() || name.at(0).isDigit() ? QStringLiteral("step_") + name : name;
+}
+
+QString pythonLiteral(QString text) {
+    const bool isRaw = text.contains(QLatin1Char('\\')) && !text.contains(QLatin1Char('"')) &&
+                       !text.endsWith(QLatin1Char('\\'));
+    if (!isRaw)
+        text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+            .replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return (isRaw ? QStringLiteral("r\"%1\"") : QStringLiteral("\"%1\"")).arg(text);
+}
+
+}  // namespace
+
+std::string stepSnippet(const Gherkin::Step& step, Gherkin::KeywordType type) {
+    const Gherkin::GeneratedExpression expression = Gherkin::generateExpression(step.text);
+    const QString source = QString::fromStdString(expression.source);
+    QStringList parameters{QStringLiteral("context")};
+    for (std::size_t i = 0; i < expression.typeNames.size(); ++i)
+        parameters += QStringLiteral("%1_%2").arg(QString::fromStdString(expression.typeNames[i]),
+                                                  QString::number(i + 1));
+    return QStringLiteral("from bdd import %1, pending\n\n@%1(%2)\ndef %3(%4):\n    pending()\n")
+        .arg(QLatin1String(decorator(type)), pythonLiteral(source), functionName(source),
+             parameters.join(QLatin1String(", ")))
+        .toStdString();
+}
+
+}  // namespace Tamrix::PythonPlugin

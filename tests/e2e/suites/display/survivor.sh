@@ -1,0 +1,3 @@
+#!/bin/sh
+/usr/bin/xterm -T survivor -e cat
+sleep 60
