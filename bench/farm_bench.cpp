@@ -92,9 +92,10 @@ void speed() {
     const std::string suite = folder.suite(std::vector<std::string>(200, "time.sleep(0.5)"));
     const double eight = measure({"run", suite, "--jobs", "8", "--quiet"}).seconds;
     const double one = measure({"run", suite, "--jobs", "1", "--quiet"}).seconds;
-    std::printf("200 cases of 0.5 s: one worker %.1f s, 8 workers %.1f s, %.2f times as fast "
-                "(aim: 7)\n",
-                one, eight, one / eight);
+    std::printf(
+        "200 cases of 0.5 s: one worker %.1f s, 8 workers %.1f s, %.2f times as fast "
+        "(aim: 7)\n",
+        one, eight, one / eight);
 }
 
 void cost() {
@@ -125,9 +126,10 @@ void balance() {
     const double known = run();
     const double bound = std::max(std::accumulate(times.begin(), times.end(), 0.0) / 8,
                                   *std::max_element(times.begin(), times.end()));
-    std::printf("100 uneven cases on 8 workers: lower bound %.2f s, without history %.2f s, with "
-                "history %.2f s, %.0f %% above the bound (aim: 10 %%)\n",
-                bound, unknown, known, (known / bound - 1) * 100);
+    std::printf(
+        "100 uneven cases on 8 workers: lower bound %.2f s, without history %.2f s, with "
+        "history %.2f s, %.0f %% above the bound (aim: 10 %%)\n",
+        bound, unknown, known, (known / bound - 1) * 100);
 }
 
 void memory() {
@@ -142,9 +144,10 @@ void memory() {
         arguments.insert(arguments.end(), console.begin(), console.end());
         return measure(arguments).memory;
     };
-    std::printf("largest process: 10 cases %.0f MiB, one of 100,000 verdicts %.0f MiB, 10,000 "
-                "cases %.0f MiB\n",
-                run(10, 1), run(1, 100000), run(10000, 1));
+    std::printf(
+        "largest process: 10 cases %.0f MiB, one of 100,000 verdicts %.0f MiB, 10,000 "
+        "cases %.0f MiB\n",
+        run(10, 1), run(1, 100000), run(10000, 1));
 }
 
 /// What a shard leaves, with a thousand results in a hundred cases.
@@ -152,21 +155,27 @@ void writeBundle(const fs::path& path, int number) {
     fs::create_directories(path);
     std::ofstream journal(path / "journal.jsonl");
     const std::string time = R"("time":"2024-05-01T12:00:00.000+02:00")";
-    journal << R"({"format":"tamrix-journal","version":1,"producer":"bench","created":"2024-05-01T12:00:00.000+02:00"})"
-            << "\n{\"kind\":\"suiteStart\"," << time << R"(,"message":"suite"})" << "\n";
+    journal
+        << R"({"format":"tamrix-journal","version":1,"producer":"bench","created":"2024-05-01T12:00:00.000+02:00"})"
+        << "\n{\"kind\":\"suiteStart\"," << time << R"(,"message":"suite"})"
+        << "\n";
     journal << "{\"kind\":\"environment\"," << time << R"(,"message":"Shard","detail":")" << number
             << "/100 of 10000 cases, division ab\"}\n";
     for (int each = 0; each < 100; ++each) {
         journal << "{\"kind\":\"caseStart\"," << time << R"(,"message":"case)" << number << "_"
-                << each << R"(","path":"/s/test.py"})" << "\n";
+                << each << R"(","path":"/s/test.py"})"
+                << "\n";
         for (int result = 0; result < 10; ++result) {
-            journal << "{\"kind\":\"result\"," << time
-                    << R"(,"type":10,"message":"Comparison","detail":"'1' and '1' are equal","callStack":[{"file":"/s/test.py","line":4}]})"
-                    << "\n";
+            journal
+                << "{\"kind\":\"result\"," << time
+                << R"(,"type":10,"message":"Comparison","detail":"'1' and '1' are equal","callStack":[{"file":"/s/test.py","line":4}]})"
+                << "\n";
         }
-        journal << "{\"kind\":\"caseEnd\"," << time << R"(,"extra":"finished"})" << "\n";
+        journal << "{\"kind\":\"caseEnd\"," << time << R"(,"extra":"finished"})"
+                << "\n";
     }
-    journal << "{\"kind\":\"suiteEnd\"," << time << R"(,"extra":"finished"})" << "\n";
+    journal << "{\"kind\":\"suiteEnd\"," << time << R"(,"extra":"finished"})"
+            << "\n";
 }
 
 void merge() {
@@ -187,8 +196,11 @@ void merge() {
 int main(int argc, char** argv) {
     ::setenv("TAMRIX_PREFIX", TAMRIX_BENCH_PREFIX, 1);
     const std::string wanted = argc > 1 ? argv[1] : "";
-    const std::pair<const char*, void (*)()> parts[] = {
-        {"cost", cost}, {"speed", speed}, {"balance", balance}, {"memory", memory}, {"merge", merge}};
+    const std::pair<const char*, void (*)()> parts[] = {{"cost", cost},
+                                                        {"speed", speed},
+                                                        {"balance", balance},
+                                                        {"memory", memory},
+                                                        {"merge", merge}};
     for (const auto& [name, part] : parts) {
         if (wanted.empty() || wanted == name)
             part();

@@ -24,8 +24,7 @@ using Tamrix::Test::RunnerProcess;
 
 class FarmRunTest : public testing::Test {
 protected:
-    void writeCase(const QString& name, const QByteArray& main,
-                   const QByteArray& more = {}) const {
+    void writeCase(const QString& name, const QByteArray& main, const QByteArray& more = {}) const {
         suite.write("suite/" + name + "/test.py",
                     "import os, signal, time\ndef main():\n    " + main + "\n" + more);
     }
@@ -63,9 +62,13 @@ TEST_F(FarmRunTest, WorkersRunAtOnceAndCasesStayInOnePiece) {
     const QByteArray meeting = suite.path("here").toUtf8();
     QDir().mkpath(meeting);
     for (const char* name : {"a", "b", "c", "d"}) {
-        writeCase(name, "open('" + meeting + "/' + caseName(), 'w').close()\n"
-                        "    while len(os.listdir('" + meeting + "')) < 4: time.sleep(0.01)\n"
-                        "    for count in range(20): test.log(caseName()); time.sleep(0.005)",
+        writeCase(name,
+                  "open('" + meeting +
+                      "/' + caseName(), 'w').close()\n"
+                      "    while len(os.listdir('" +
+                      meeting +
+                      "')) < 4: time.sleep(0.01)\n"
+                      "    for count in range(20): test.log(caseName()); time.sleep(0.005)",
                   "def caseName(): return os.path.basename(os.getcwd())\n");
     }
     run({"--jobs", "4", "--case-timeout", "60"});
@@ -91,9 +94,13 @@ TEST_F(FarmRunTest, WorkersRunAtOnceAndCasesStayInOnePiece) {
 
 TEST_F(FarmRunTest, AFailedCaseRunsAgainInAnotherProcess) {
     const QByteArray flag = suite.path("flag").toUtf8();
-    writeCase("flaky", "test.log(str(os.getpid()))\n"
-                       "    if not os.path.exists('" + flag + "'):\n"
-                       "        open('" + flag + "', 'w').close(); test.fail('the first time')");
+    writeCase("flaky",
+              "test.log(str(os.getpid()))\n"
+              "    if not os.path.exists('" +
+                  flag +
+                  "'):\n"
+                  "        open('" +
+                  flag + "', 'w').close(); test.fail('the first time')");
     writeCase("good", "pass");
     writeCase("bad", "test.fail('always')");
     run({"--retries", "2", "--report", "junit:" + suite.path("junit.xml")});
@@ -130,21 +137,24 @@ TEST_F(FarmRunTest, ACaseIsGivenBackOnceWhenItsProcessDies) {
     EXPECT_EQ(runner.errors().count("the process that ran 'crash' has ended before its time: it "
                                     "exited with code 3"),
               2);
-    EXPECT_TRUE(runner.output().contains("it exited with code 3; another process runs the test "
-                                         "case again"))
+    EXPECT_TRUE(
+        runner.output().contains("it exited with code 3; another process runs the test "
+                                 "case again"))
         << qPrintable(runner.output());
 }
 
 TEST_F(FarmRunTest, WhatTakesTooLongIsEndedWhereItStandsAndTheRunGoesOn) {
-    writeCase("busy", "inner()", "def inner():\n    while True: pass\n"
-                                 "def cleanup(): test.log('cleaned up')\n");
+    writeCase("busy", "inner()",
+              "def inner():\n    while True: pass\n"
+              "def cleanup(): test.log('cleaned up')\n");
     writeCase("z", "pass");
     run({"--case-timeout", "1"});
     EXPECT_EQ(runner.exitCode(), 1);
     EXPECT_EQ(summary(), "2 cases: 1 passed, 1 with errors");
-    EXPECT_TRUE(runner.output().contains("busy/test.py:5: Error: The test case took longer than 1 s\n"
-                                         "        It was ended where it stood\n"
-                                         "        called from "))
+    EXPECT_TRUE(
+        runner.output().contains("busy/test.py:5: Error: The test case took longer than 1 s\n"
+                                 "        It was ended where it stood\n"
+                                 "        called from "))
         << qPrintable(runner.output());
     EXPECT_TRUE(journalText("result").contains("cleaned up"));
 }
@@ -185,7 +195,8 @@ TEST_F(FarmRunTest, ARandomOrderIsRepeatedByItsSeedAndAHistoryPutsLongOnesFirst)
     EXPECT_EQ(journalText("caseStart"), order);
 
     run({"--order", "longest", "--history", suite.path("history")});
-    EXPECT_TRUE(journalText("caseStart").startsWith("b c ")) << qPrintable(journalText("caseStart"));
+    EXPECT_TRUE(journalText("caseStart").startsWith("b c "))
+        << qPrintable(journalText("caseStart"));
     QStringList ran;
     for (const char* shard : {"1/2", "2/2"}) {
         run({"--shard", shard, "--history", suite.path("history")});
@@ -197,8 +208,9 @@ TEST_F(FarmRunTest, ARandomOrderIsRepeatedByItsSeedAndAHistoryPutsLongOnesFirst)
 
 TEST_F(FarmRunTest, CtrlCEndsAllWorkersOnceAndReportsAreWhole) {
     for (const char* name : {"a", "b", "c"}) {
-        writeCase(name, "print('ready'); test.log('ready'); open('" +
-                            suite.path(name).toUtf8() + "', 'w').close(); time.sleep(600)",
+        writeCase(name,
+                  "print('ready'); test.log('ready'); open('" + suite.path(name).toUtf8() +
+                      "', 'w').close(); time.sleep(600)",
                   "def cleanup():\n    test.log('cleaned up')\n");
     }
     runner.start({"run", suite.path("suite"), "--jobs", "2", "--aut-display", "inherit",
@@ -273,9 +285,12 @@ TEST_F(FarmRunTest, AFarmFinishesWhatAKilledShardLeaves) {
     }
     // Ends the runner of its shard, once.
     const QByteArray flag = suite.path("flag").toUtf8();
-    writeCase("case05", "if not os.path.exists('" + flag + "'):\n"
-                        "        open('" + flag + "', 'w').close()\n"
-                        "        os.kill(os.getppid(), signal.SIGKILL); time.sleep(60)");
+    writeCase("case05", "if not os.path.exists('" + flag +
+                            "'):\n"
+                            "        open('" +
+                            flag +
+                            "', 'w').close()\n"
+                            "        os.kill(os.getppid(), signal.SIGKILL); time.sleep(60)");
     writeCase("case07", "test.fail('it')");
     runner.run({"farm", suite.path("suite"), "--engine", "parallel", "--workers", "2",
                 "--result-dir", suite.path("results"), "--report",

@@ -47,14 +47,13 @@ QJsonValue timeOf(const QDateTime& time) {
 
 QJsonObject stepOf(const QString& name, const QDateTime& start, const QDateTime& stop,
                    bool hasFailed) {
-    return {{QStringLiteral("name"), limitedText(name, longestText)},
-            {QStringLiteral("status"),
-             hasFailed ? QStringLiteral("failed") : QStringLiteral("passed")},
-            {QStringLiteral("stage"), QStringLiteral("finished")},
-            {QStringLiteral("start"), timeOf(start)},
-            {QStringLiteral("stop"), timeOf(stop)}};
+    return {
+        {QStringLiteral("name"), limitedText(name, longestText)},
+        {QStringLiteral("status"), hasFailed ? QStringLiteral("failed") : QStringLiteral("passed")},
+        {QStringLiteral("stage"), QStringLiteral("finished")},
+        {QStringLiteral("start"), timeOf(start)},
+        {QStringLiteral("stop"), timeOf(stop)}};
 }
-
 
 }  // namespace
 
@@ -71,34 +70,34 @@ void AllureReport::add(const ReportEntry& entry) {
         startCase();
     }
     const QDateTime& time = entry.time;
-    std::visit(
-        Overloaded{
-            [&](const CaseEnded&) {
-                writeCase(tally, m_tally.suites().back().outside.name);
-                m_id = -1;
-            },
-            [&](const SectionStarted& section) {
-                m_levels.push_back(
-                    {stepOf(messageText(section.title, section.description), time, time, false), {}});
-            },
-            [&](const SectionEnded&) { endLevel(time); },
-            [&](const ResultAdded& result) {
-                addStep(stepOf(describeResult(result), time, time, isFailure(result)));
-                QString message = result.message;
-                const QString screenshot = takeScreenshotNote(&message);
-                if (!screenshot.isEmpty())
-                    addAttachment(QStringLiteral("Screenshot"), screenshot);
-            },
-            [&](const ActionEnded& action) {
-                addStep(stepOf(describeAction(action), time.addMSecs(-action.milliseconds), time,
-                               action.hasFailed));
-            },
-            [&](const FileAttached& file) { addAttachment(file.message, file.path); },
-            [&](const VideoEnded& video) { addAttachment(video.message, video.path); },
-            // The format has no place for the others.
-            [](const auto&) {},
-        },
-        entry.event);
+    std::visit(Overloaded{
+                   [&](const CaseEnded&) {
+                       writeCase(tally, m_tally.suites().back().outside.name);
+                       m_id = -1;
+                   },
+                   [&](const SectionStarted& section) {
+                       m_levels.push_back({stepOf(messageText(section.title, section.description),
+                                                  time, time, false),
+                                           {}});
+                   },
+                   [&](const SectionEnded&) { endLevel(time); },
+                   [&](const ResultAdded& result) {
+                       addStep(stepOf(describeResult(result), time, time, isFailure(result)));
+                       QString message = result.message;
+                       const QString screenshot = takeScreenshotNote(&message);
+                       if (!screenshot.isEmpty())
+                           addAttachment(QStringLiteral("Screenshot"), screenshot);
+                   },
+                   [&](const ActionEnded& action) {
+                       addStep(stepOf(describeAction(action), time.addMSecs(-action.milliseconds),
+                                      time, action.hasFailed));
+                   },
+                   [&](const FileAttached& file) { addAttachment(file.message, file.path); },
+                   [&](const VideoEnded& video) { addAttachment(video.message, video.path); },
+                   // The format has no place for the others.
+                   [](const auto&) {},
+               },
+               entry.event);
 }
 
 void AllureReport::startCase() {
@@ -125,15 +124,15 @@ void AllureReport::endLevel(const QDateTime& time) {
 
 void AllureReport::addAttachment(const QString& name, const QString& path) {
     const QString suffix = QFileInfo(path).suffix();
-    QString source = QStringLiteral("%1-%2-attachment")
-                         .arg(m_uuid, QString::number(++m_attachmentNumber));
+    QString source =
+        QStringLiteral("%1-%2-attachment").arg(m_uuid, QString::number(++m_attachmentNumber));
     if (!suffix.isEmpty())
         source += QLatin1Char('.') + suffix;
     // A file that is missing, or is none, can't be shown.
     if (!QFileInfo(path).isFile() || !QFile::copy(path, m_folder + QLatin1Char('/') + source))
         return;
-    m_attachments.append(QJsonObject{{QStringLiteral("name"), name},
-                                     {QStringLiteral("source"), source}});
+    m_attachments.append(
+        QJsonObject{{QStringLiteral("name"), name}, {QStringLiteral("source"), source}});
 }
 
 void AllureReport::writeCase(const CaseTally& tally, const QString& suite) {

@@ -33,12 +33,9 @@ constexpr int longestText = 16 * 1024;
 constexpr int mostLines = 200;
 
 const OutcomeLabel outcomeLabels[] = {
-    {CaseOutcome::Passed, "PASS ", green},
-    {CaseOutcome::Flaky, "FLAKY", yellow},
-    {CaseOutcome::Failed, "FAIL ", red},
-    {CaseOutcome::Error, "ERROR", red},
-    {CaseOutcome::Skipped, "SKIP ", yellow},
-    {CaseOutcome::Interrupted, "INTERRUPTED", red},
+    {CaseOutcome::Passed, "PASS ", green},        {CaseOutcome::Flaky, "FLAKY", yellow},
+    {CaseOutcome::Failed, "FAIL ", red},          {CaseOutcome::Error, "ERROR", red},
+    {CaseOutcome::Skipped, "SKIP ", yellow},      {CaseOutcome::Interrupted, "INTERRUPTED", red},
     {CaseOutcome::Incomplete, "INCOMPLETE", red},
 };
 

@@ -271,9 +271,8 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
                     {QStringLiteral("name"), name},
                     {QStringLiteral("milliseconds"), milliseconds(tally.seconds())}};
     if (hasOutcome) {
-        row.insert(QStringLiteral("outcome"), tally.isSuperseded
-                                                  ? supersededId
-                                                  : QLatin1String(outcomeId(tally.outcome())));
+        row.insert(QStringLiteral("outcome"),
+                   tally.isSuperseded ? supersededId : QLatin1String(outcomeId(tally.outcome())));
     }
     insertText(row, "path", shown(tally.path));
     insertText(row, "start", timeText(tally.start));
@@ -385,8 +384,7 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     addStack(object, result.callStack);
 }
 
-void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video,
-                        const QDateTime& rowStart) {
+void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video, const QDateTime& rowStart) {
     insertHead(object, "video", QStringLiteral("Video"), video.message);
     object.insert(QStringLiteral("file"), fileObject(video.path, false));
     // A run that was killed leaves a video without its end.

@@ -26,9 +26,8 @@ QByteArray resource(const char* name) {
 /// The page's script: files that share their names, in this order.
 QByteArray script() {
     QByteArray text;
-    for (const char* const name :
-         {"elements.js", "videos.js", "results.js", "actions.js", "features.js", "cases.js",
-          "report.js"})
+    for (const char* const name : {"elements.js", "videos.js", "results.js", "actions.js",
+                                   "features.js", "cases.js", "report.js"})
         text += resource(name);
     return text;
 }

@@ -133,8 +133,8 @@ bool JournalReader::replay(QIODevice* device, const QString& name) {
         if (!reading.entry)
             continue;
         if (!m_folder.isEmpty() && Journal::hasRelativePath(reading.entry->event)) {
-            m_generator->add({reading.entry->time,
-                              Journal::withAbsolutePath(reading.entry->event, m_folder)});
+            m_generator->add(
+                {reading.entry->time, Journal::withAbsolutePath(reading.entry->event, m_folder)});
         } else {
             m_generator->add(*reading.entry);
         }

@@ -83,9 +83,8 @@ bool needsOwnCase(const SuiteTally& suite) {
 bool needsOwnElement(const CaseTally& testCase) {
     const CaseOutcome outcome = testCase.outcome();
     return testCase.scenarios.empty() || testCase.previous ||
-           !testCase.failuresOutsideScenarios.empty() ||
-           outcome == CaseOutcome::Skipped || outcome == CaseOutcome::Incomplete ||
-           outcome == CaseOutcome::Interrupted;
+           !testCase.failuresOutsideScenarios.empty() || outcome == CaseOutcome::Skipped ||
+           outcome == CaseOutcome::Incomplete || outcome == CaseOutcome::Interrupted;
 }
 
 /// How a case came out apart from its scenarios.

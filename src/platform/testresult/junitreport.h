@@ -16,9 +16,9 @@ class ReportXml;
 /// one failure or error element. A case that runs scenarios of features has one for each of these
 /// instead, and one of its own only for what went wrong outside of them. Earlier attempts at a case
 /// become flakyFailure or rerunFailure elements, and the like. What happened outside the cases
-/// becomes a testcase of the suite's own name when it failed. Of texts that are too long for readers
-/// of XML the file holds the ends, and the folder FILE-texts beside it the whole. Keeps the run in
-/// memory until finish().
+/// becomes a testcase of the suite's own name when it failed. Of texts that are too long for
+/// readers of XML the file holds the ends, and the folder FILE-texts beside it the whole. Keeps the
+/// run in memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
 public:
     /// A relative path counts from the current working directory. Missing folders are created; the

@@ -182,11 +182,10 @@ int RunTally::caseCount() const {
 int RunTally::caseCount(CaseOutcome outcome) const {
     int count = 0;
     for (const SuiteTally& suite : m_suites) {
-        count += int(std::count_if(
-            suite.cases.begin(), suite.cases.end(),
-            [outcome](const CaseTally& testCase) {
-                return counts(testCase) && testCase.outcome() == outcome;
-            }));
+        count += int(std::count_if(suite.cases.begin(), suite.cases.end(),
+                                   [outcome](const CaseTally& testCase) {
+                                       return counts(testCase) && testCase.outcome() == outcome;
+                                   }));
     }
     return count;
 }

@@ -75,14 +75,16 @@ void TapReport::finish() {
     int number = 0;
     QByteArray lines;
     for (const SuiteTally& suite : m_tally.suites()) {
-        if (!suite.outside.failures.empty() || suite.outside.isInterrupted || !suite.outside.isEnded)
+        if (!suite.outside.failures.empty() || suite.outside.isInterrupted ||
+            !suite.outside.isEnded)
             lines += lineOf(suite.outside, ++number);
         for (const CaseTally& testCase : suite.cases) {
             if (!testCase.isSuperseded)
                 lines += lineOf(testCase, ++number);
         }
     }
-    m_error = writeReport(m_path, "TAP version 14\n1.." + QByteArray::number(number) + '\n' + lines);
+    m_error =
+        writeReport(m_path, "TAP version 14\n1.." + QByteArray::number(number) + '\n' + lines);
 }
 
 }  // namespace Tamrix

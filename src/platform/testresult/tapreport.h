@@ -6,9 +6,9 @@
 
 namespace Tamrix {
 
-/// TAP, version 14: a line for each case, and behind one that failed a block that tells why. A suite
-/// that failed outside its cases has a line of its own. Written by finish(), beside its place and
-/// moved there.
+/// TAP, version 14: a line for each case, and behind one that failed a block that tells why. A
+/// suite that failed outside its cases has a line of its own. Written by finish(), beside its place
+/// and moved there.
 class TAMRIX_EXPORT TapReport : public ReportGenerator {
 public:
     /// A relative path counts from the current working directory. Missing folders are created.

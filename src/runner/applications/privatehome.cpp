@@ -51,8 +51,7 @@ ProgramEnvironment PrivateHome::environment() const {
     if (m_path.isEmpty())
         return environment;
     for (const HomePart& part : homeParts) {
-        environment.append(
-            {QLatin1String(part.variable), m_path + QLatin1String(part.folder)});
+        environment.append({QLatin1String(part.variable), m_path + QLatin1String(part.folder)});
     }
     return environment;
 }

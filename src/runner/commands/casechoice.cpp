@@ -80,14 +80,13 @@ Outcome<CaseChoice> chooseCases(const Suite& suite, const CaseRunSettings& setti
     // 3. A part.
     if (farm.shard) {
         const std::vector<double> times = history.expected(choice.cases);
-        choice.facts.append({QLatin1String(shardFactName),
-                             QStringLiteral("%1/%2 of %3 cases, division %4")
-                                 .arg(QString::number(farm.shard->number),
-                                      QString::number(farm.shard->count),
-                                      QString::number(choice.cases.size()),
-                                      divisionName(choice.cases, times, *farm.shard))});
-        choice.cases =
-            pick(choice.cases, casesOfShard(choice.cases.size(), times, *farm.shard));
+        choice.facts.append(
+            {QLatin1String(shardFactName),
+             QStringLiteral("%1/%2 of %3 cases, division %4")
+                 .arg(QString::number(farm.shard->number), QString::number(farm.shard->count),
+                      QString::number(choice.cases.size()),
+                      divisionName(choice.cases, times, *farm.shard))});
+        choice.cases = pick(choice.cases, casesOfShard(choice.cases.size(), times, *farm.shard));
     }
     // 4. Several times.
     const QList<SuiteCase> once = choice.cases;
@@ -97,8 +96,8 @@ Outcome<CaseChoice> chooseCases(const Suite& suite, const CaseRunSettings& setti
     OrderWish wish = farm.order.value_or(OrderWish());
     if (!farm.order && farm.jobs > 1)
         wish.kind = OrderWish::Kind::LongestFirst;
-    choice.cases = pick(choice.cases, orderedCases(choice.cases.size(),
-                                                   history.expected(choice.cases), wish));
+    choice.cases =
+        pick(choice.cases, orderedCases(choice.cases.size(), history.expected(choice.cases), wish));
     choice.times = history.expected(choice.cases);
     if (const QString text = orderText(wish); !text.isEmpty())
         choice.facts.append({QStringLiteral("Order"), text});

@@ -45,16 +45,15 @@ Outcome<> readScenarios(const QStringList& values, CaseRunSettings& settings) {
 
 Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
     const QString& value = values.constLast();
-    for (const auto& [name, mode] : {std::pair("on", VideoMode::On),
-                                     std::pair("off", VideoMode::Off),
-                                     std::pair("on-failure", VideoMode::OnFailure)}) {
+    for (const auto& [name, mode] :
+         {std::pair("on", VideoMode::On), std::pair("off", VideoMode::Off),
+          std::pair("on-failure", VideoMode::OnFailure)}) {
         if (value == QLatin1String(name)) {
             settings.video = mode;
             return {};
         }
     }
-    return wrongUsage(
-        QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+    return wrongUsage(QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
 }
 
 bool isStandardOutput(const QString& report) {
@@ -127,8 +126,9 @@ LostRun lostRun(const CaseRunSettings& settings, const Supervision::End& end, in
 /// The option for where applications appear, which `jobs` have a say in.
 Option<CaseRunSettings> caseDisplayOption() {
     Option<CaseRunSettings> option = displayOption(&CaseRunSettings::display);
-    option.help = "Where applications appear: auto (a display and session bus of its own; the default "
-                  "with --jobs), inherit (the default otherwise) or :N.";
+    option.help =
+        "Where applications appear: auto (a display and session bus of its own; the default "
+        "with --jobs), inherit (the default otherwise) or :N.";
     option.defaultValue = nullptr;
     return option;
 }

@@ -42,8 +42,8 @@ struct OwnOption {
 };
 
 const OwnOption ownOptions[] = {
-    {"engine", true},  {"workers", true}, {"hosts", true},       {"print-script", false},
-    {"resume", false}, {"report", true},  {"result-dir", true},  {"history", true},
+    {"engine", true},  {"workers", true},  {"hosts", true},       {"print-script", false},
+    {"resume", false}, {"report", true},   {"result-dir", true},  {"history", true},
     {"quiet", false},  {"verbose", false}, {"no-console", false},
 };
 
@@ -57,7 +57,8 @@ QStringList shardArguments(const QStringList& commandLine) {
         const auto own = std::find_if(
             std::begin(ownOptions), std::end(ownOptions), [&](const OwnOption& option) {
                 const QString name = QLatin1String("--") + QLatin1String(option.name);
-                return word == name || (option.hasValue && word.startsWith(name + QLatin1Char('=')));
+                return word == name ||
+                       (option.hasValue && word.startsWith(name + QLatin1Char('=')));
             });
         if (own == std::end(ownOptions))
             left += word;
@@ -72,8 +73,8 @@ Outcome<> readEngine(const QStringList& values, FarmRequest& request) {
     if (request.engineName == QLatin1String("slurm"))
         request.engine = BatchEngine::Slurm;
     else if (request.engineName != QLatin1String("parallel"))
-        return wrongUsage(QStringLiteral("--engine takes parallel or slurm, not '%1'")
-                              .arg(values.constLast()));
+        return wrongUsage(
+            QStringLiteral("--engine takes parallel or slurm, not '%1'").arg(values.constLast()));
     return {};
 }
 
@@ -104,8 +105,9 @@ Outcome<> readArguments(const CommandArguments& arguments, FarmRequest& request)
 Outcome<int> countHosts(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return fail(FailureKind::Failed, QStringLiteral("the hosts '%1' can't be read: %2")
-                                             .arg(path, file.errorString()));
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("the hosts '%1' can't be read: %2").arg(path, file.errorString()));
     int count = 0;
     for (const QByteArray& line : file.readAll().split('\n')) {
         const QByteArray host = line.trimmed();
@@ -120,15 +122,17 @@ Outcome<int> countHosts(const QString& path) {
 /// All shards read the same times, whatever happens to the history meanwhile.
 Outcome<> freezeHistory(const QString& history, const QString& folder) {
     if (!QDir().mkpath(folder))
-        return fail(FailureKind::Failed, QStringLiteral("the folder '%1' can't be made").arg(folder));
+        return fail(FailureKind::Failed,
+                    QStringLiteral("the folder '%1' can't be made").arg(folder));
     const QDir source(history);
     const QStringList names = source.entryList({QStringLiteral("*.jsonl")}, QDir::Files);
     for (const QString& name : names) {
         const QString target = folder + QLatin1Char('/') + name;
         QFile::remove(target);
         if (!QFile::copy(source.filePath(name), target))
-            return fail(FailureKind::Failed, QStringLiteral("'%1' can't be copied to '%2'")
-                                                 .arg(source.filePath(name), target));
+            return fail(
+                FailureKind::Failed,
+                QStringLiteral("'%1' can't be copied to '%2'").arg(source.filePath(name), target));
     }
     return {};
 }
@@ -141,8 +145,9 @@ Outcome<> writeScript(const QString& folder, const BatchScript& script) {
                             QFileDevice::ReadOther) &&
         file.commit())
         return {};
-    return fail(FailureKind::Failed, QStringLiteral("'%1' can't be written: %2")
-                                         .arg(file.fileName(), file.errorString()));
+    return fail(
+        FailureKind::Failed,
+        QStringLiteral("'%1' can't be written: %2").arg(file.fileName(), file.errorString()));
 }
 
 /// What earlier shards in the folder have left would be taken for results of this run.
@@ -179,7 +184,8 @@ Outcome<BatchRun> batchRun(const FarmRequest& request, const Suite& suite) {
     run.workingDirectory = QDir::currentPath();
     run.directory = request.resultDirectory;
     run.workers = request.workers;
-    const int cases = std::max(1, request.cases.isEmpty() ? suite.cases.size() : request.cases.size());
+    const int cases =
+        std::max(1, request.cases.isEmpty() ? suite.cases.size() : request.cases.size());
     run.shards = std::min(cases, request.workers * shardsPerWorker);
     run.resumes = request.resumes;
     if (!request.hosts.isEmpty()) {
@@ -215,8 +221,8 @@ int runFarm(const FarmRequest& request) {
             text += QStringLiteral("# %1/%2\n%3\n").arg(run->directory, script.name, script.text);
         return show(text);
     }
-    const QString engine =
-        request.engine == BatchEngine::Slurm ? QStringLiteral("sbatch") : QStringLiteral("parallel");
+    const QString engine = request.engine == BatchEngine::Slurm ? QStringLiteral("sbatch")
+                                                                : QStringLiteral("parallel");
     if (QStandardPaths::findExecutable(engine).isEmpty()) {
         return failWith(QStringLiteral("the engine %1 needs the program '%2', which is not in PATH")
                             .arg(request.engineName, engine));

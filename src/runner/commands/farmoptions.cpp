@@ -21,9 +21,9 @@ Outcome<int> readNumber(const char* option, const QString& text, int least, int 
     const int number = text.toInt(&isNumber);
     if (isNumber && number >= least && number <= most)
         return number;
-    return wrongUsage(QStringLiteral("--%1 takes a number from %2 to %3, not '%4'")
-                          .arg(QLatin1String(option), QString::number(least),
-                               QString::number(most), text));
+    return wrongUsage(
+        QStringLiteral("--%1 takes a number from %2 to %3, not '%4'")
+            .arg(QLatin1String(option), QString::number(least), QString::number(most), text));
 }
 
 Reader numberTo(const char* option, int FarmSettings::*member, int least, int most) {
@@ -38,8 +38,7 @@ Reader numberTo(const char* option, int FarmSettings::*member, int least, int mo
 
 Outcome<> readJobs(const QStringList& values, CaseRunSettings& settings) {
     if (values.constLast() == QLatin1String("auto")) {
-        settings.farm.jobs =
-            static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+        settings.farm.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
         return {};
     }
     bool isNumber = false;
@@ -86,8 +85,7 @@ Outcome<> readOrder(const QStringList& values, CaseRunSettings& settings) {
 Outcome<> readHistory(const QStringList& values, CaseRunSettings& settings) {
     if (values.constLast().isEmpty())
         return wrongUsage(QStringLiteral("--history needs a folder"));
-    settings.farm.history =
-        QDir::cleanPath(QDir::current().absoluteFilePath(values.constLast()));
+    settings.farm.history = QDir::cleanPath(QDir::current().absoluteFilePath(values.constLast()));
     return {};
 }
 
@@ -130,8 +128,7 @@ std::vector<Option<CaseRunSettings>> farmOptions() {
          "Runs a failed case up to N times again; one that passes then is flaky, which is no "
          "failure.",
          nullptr, numberTo("retries", &FarmSettings::retries, 0, mostRuns)},
-        {"fail-on-flaky", nullptr, "Exits with 1 when a case was flaky.", nullptr,
-         setFailsOnFlaky},
+        {"fail-on-flaky", nullptr, "Exits with 1 when a case was flaky.", nullptr, setFailsOnFlaky},
         {"case-timeout", "SECONDS", "Ends a case that takes longer, as failed.", nullptr,
          numberTo("case-timeout", &FarmSettings::caseTimeout, 1, mostRuns)},
         {"max-failures", "N", "Ends the run when so many cases have failed.", nullptr,

@@ -31,7 +31,9 @@ struct FarmSettings {
 
     /// Whether the cases run in processes that are more than one, or may be replaced.
     bool needsWorkers() const { return jobs > 0 || retries > 0 || caseTimeout > 0; }
-    bool hasPrivateHomes() const { return home.isEmpty() ? jobs > 0 : home == QLatin1String("private"); }
+    bool hasPrivateHomes() const {
+        return home.isEmpty() ? jobs > 0 : home == QLatin1String("private");
+    }
 };
 
 std::vector<Option<CaseRunSettings>> farmOptions();

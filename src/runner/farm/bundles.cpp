@@ -95,8 +95,8 @@ struct ShardFact {
 };
 
 ShardFact parseFact(const QString& text) {
-    static const QRegularExpression form(
-        QStringLiteral("\\A([0-9]{1,6})/([0-9]{1,6}) of ([0-9]{1,9}) cases, division ([0-9a-f]+)\\z"));
+    static const QRegularExpression form(QStringLiteral(
+        "\\A([0-9]{1,6})/([0-9]{1,6}) of ([0-9]{1,9}) cases, division ([0-9a-f]+)\\z"));
     const QRegularExpressionMatch match = form.match(text);
     return {match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(),
             match.captured(4)};
@@ -174,9 +174,9 @@ void BundleMerge::checkShards() {
             addGap(QStringLiteral("'%1' is a shard of another division of the suite (%2)")
                        .arg(bundle.journal, bundle.shard));
         } else if (seen.contains(fact.number)) {
-            m_problems += QStringLiteral("'%1' is the shard %2, as '%3'")
-                              .arg(bundle.journal, QString::number(fact.number),
-                                   seen.value(fact.number));
+            m_problems +=
+                QStringLiteral("'%1' is the shard %2, as '%3'")
+                    .arg(bundle.journal, QString::number(fact.number), seen.value(fact.number));
         } else {
             seen.insert(fact.number, bundle.journal);
         }
@@ -197,8 +197,7 @@ void BundleMerge::checkShards() {
     }
     if (cases.size() < first.cases) {
         addGap(QStringLiteral("%1 of %2 test cases have no result")
-                   .arg(QString::number(first.cases - cases.size()),
-                        QString::number(first.cases)));
+                   .arg(QString::number(first.cases - cases.size()), QString::number(first.cases)));
     }
 }
 

@@ -112,8 +112,9 @@ Outcome<QStringList> failedCases(const QString& journal, const QString& suite) {
         }
     }
     if (!isOfSuite) {
-        return fail(FailureKind::BadArgument,
-                    QStringLiteral("the journal '%1' has no run of the suite '%2'").arg(journal, suite));
+        return fail(
+            FailureKind::BadArgument,
+            QStringLiteral("the journal '%1' has no run of the suite '%2'").arg(journal, suite));
     }
     return names;
 }

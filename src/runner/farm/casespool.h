@@ -14,8 +14,9 @@ namespace Tamrix {
 /// ended, or its worker has. What happened outside of cases stands in front of the next one.
 class CaseSpool : public ReportGenerator {
 public:
-    /// `file` is written for each case anew. `attempt` gives the number of the one that starts; `caseEnded` is called when its journal
-    /// is whole, with an error text if it could not be written.
+    /// `file` is written for each case anew. `attempt` gives the number of the one that starts;
+    /// `caseEnded` is called when its journal is whole, with an error text if it could not be
+    /// written.
     CaseSpool(QString file, std::function<int()> attempt,
               std::function<void(const QString&)> caseEnded);
 

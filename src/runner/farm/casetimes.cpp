@@ -33,7 +33,8 @@ void CaseTimes::add(const ReportEntry& entry) {
 QStringList CaseTimes::readFolder(const QString& folder) {
     QStringList problems;
     const QDir directory(folder);
-    const QStringList names = directory.entryList({QStringLiteral("*.jsonl")}, QDir::Files, QDir::Name);
+    const QStringList names =
+        directory.entryList({QStringLiteral("*.jsonl")}, QDir::Files, QDir::Name);
     for (const QString& name : names) {
         m_isSuite = false;
         m_case.clear();
@@ -51,10 +52,9 @@ std::vector<double> CaseTimes::expected(const QList<SuiteCase>& cases) const {
         if (span != m_spans.end())
             known.push_back(span->seconds());
     }
-    const double average =
-        known.empty() ? -1
-                      : std::accumulate(known.begin(), known.end(), 0.0) /
-                            static_cast<double>(known.size());
+    const double average = known.empty() ? -1
+                                         : std::accumulate(known.begin(), known.end(), 0.0) /
+                                               static_cast<double>(known.size());
     std::vector<double> times;
     for (const SuiteCase& each : cases) {
         const auto span = m_spans.find(each.name);
@@ -85,8 +85,10 @@ void HistoryReport::finish() {
         return;
     }
     // Unlike QFile::rename(), in place of the earlier one.
-    if (std::rename(QFile::encodeName(newPath).constData(), QFile::encodeName(path).constData()) != 0)
-        m_error = QStringLiteral("The history '%1' could not be written: %2").arg(path, qt_error_string(errno));
+    if (std::rename(QFile::encodeName(newPath).constData(), QFile::encodeName(path).constData()) !=
+        0)
+        m_error = QStringLiteral("The history '%1' could not be written: %2")
+                      .arg(path, qt_error_string(errno));
 }
 
 }  // namespace Tamrix

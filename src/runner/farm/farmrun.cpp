@@ -20,6 +20,8 @@ namespace {
 /// How long a script that took too long may clean up behind itself, in milliseconds, before it is
 /// asked again, and after that before its process is killed.
 constexpr int cleanupPatience = 5000;
+/// How long a process may take to end when there is nothing more for it to do.
+constexpr int retirePatience = 15000;
 /// Between two looks at the clock.
 constexpr int tick = 1000;
 /// A signal that comes as often as this ends the run at once.
@@ -59,15 +61,16 @@ int takeOver(sigset_t* oldMask) {
 }  // namespace
 
 QString progressText(const FarmProgress& progress) {
-    QStringList parts{QStringLiteral("%1/%2 done").arg(QString::number(progress.done),
-                                                       QString::number(progress.cases))};
+    QStringList parts{QStringLiteral("%1/%2 done")
+                          .arg(QString::number(progress.done), QString::number(progress.cases))};
     if (progress.failed > 0)
         parts += QStringLiteral("%1 failed").arg(progress.failed);
     parts += QStringLiteral("%1 running").arg(progress.running);
     if (progress.timeLeft >= 0) {
-        parts += QStringLiteral("%1:%2 left")
-                     .arg(QString::number(progress.timeLeft / 60),
-                          QString::number(progress.timeLeft % 60).rightJustified(2, QLatin1Char('0')));
+        parts +=
+            QStringLiteral("%1:%2 left")
+                .arg(QString::number(progress.timeLeft / 60),
+                     QString::number(progress.timeLeft % 60).rightJustified(2, QLatin1Char('0')));
     }
     return parts.join(QLatin1String(", "));
 }
@@ -149,6 +152,8 @@ void FarmRun::listen(Post& post) {
     }
     if (post.state == Post::State::Running)
         checkTimeOut(post);
+    else if (post.state == Post::State::Retiring && now() >= post.start + retirePatience)
+        post.worker->kill();
 }
 
 void FarmRun::giveWork(Post& post) {
@@ -156,14 +161,14 @@ void FarmRun::giveWork(Post& post) {
     post.state = Post::State::Running;
     const CaseQueue::Step step = m_queue->nextStep(post.hasRunCases, freshWorkers());
     // One whose case took too long ends by itself.
-    if (step != CaseQueue::Step::Run || post.timeOut != Post::TimeOut::None) {
+    post.start = now();
+    if (step != CaseQueue::Step::Run || post.timeOut != Post::TimeOut::None || post.isGone) {
         post.state = Post::State::Retiring;
         post.worker->retire();
         return;
     }
     post.task = m_queue->take(post.hasRunCases);
     post.hasRunCases = true;
-    post.start = now();
     post.worker->run(post.task);
 }
 
@@ -172,10 +177,12 @@ void FarmRun::endCase(Post& post, bool hasDied) {
     CaseMerge::Case known{testCase.name, testCase.script, post.task.attempt, {}, {}, {}, false};
     known.isInterrupted = hasDied && m_interruptedBy != 0;
     if (post.timeOut != Post::TimeOut::None) {
-        known.error = QStringLiteral("The test case took longer than %1 s").arg(m_options.caseTimeout);
+        known.error =
+            QStringLiteral("The test case took longer than %1 s").arg(m_options.caseTimeout);
         known.detail =
-            hasDied ? QStringLiteral("It did not react when it was ended, so its process was killed")
-                    : QStringLiteral("It was ended where it stood");
+            hasDied
+                ? QStringLiteral("It did not react when it was ended, so its process was killed")
+                : QStringLiteral("It was ended where it stood");
         known.errorTime = post.timeOutTime;
     } else if (hasDied && !known.isInterrupted) {
         known.error = QStringLiteral("The process of the test case has ended");
@@ -195,8 +202,7 @@ void FarmRun::endCase(Post& post, bool hasDied) {
     ++m_measuredCases;
     const bool hasFailed =
         result.outcome == CaseOutcome::Failed || result.outcome == CaseOutcome::Error;
-    const bool isInterrupted =
-        result.outcome == CaseOutcome::Interrupted || m_interruptedBy != 0;
+    const bool isInterrupted = result.outcome == CaseOutcome::Interrupted || m_interruptedBy != 0;
     const bool wasKilledByUs = post.timeOut != Post::TimeOut::None;
     const CaseQueue::End end = isInterrupted               ? CaseQueue::End::Interrupted
                                : hasDied && !wasKilledByUs ? CaseQueue::End::WorkerDied
@@ -213,17 +219,19 @@ void FarmRun::endCase(Post& post, bool hasDied) {
 
 void FarmRun::removeEnded() {
     for (const auto& post : m_posts) {
-        if (!post->worker->hasEnded())
+        post->isGone = post->worker->hasEnded();
+        if (!post->isGone)
             continue;
         // It may have said something just before.
         listen(*post);
         if (post->state == Post::State::Running)
             endCase(*post, true);
         else if (post->state == Post::State::Starting && m_interruptedBy == 0 && m_error.isEmpty())
-            m_error = QStringLiteral("a process for test cases has ended before it could run any: %1")
-                          .arg(post->worker->end().text);
+            m_error =
+                QStringLiteral("a process for test cases has ended before it could run any: %1")
+                    .arg(post->worker->end().text);
     }
-    std::erase_if(m_posts, [](const auto& post) { return post->worker->hasEnded(); });
+    std::erase_if(m_posts, [](const auto& post) { return post->isGone; });
 }
 
 // Time
@@ -270,8 +278,8 @@ double FarmRun::expectedTimeLeft() const {
         if (post->state != Post::State::Running)
             continue;
         const double known = m_times.empty() ? -1 : m_times[static_cast<size_t>(post->task.index)];
-        left += std::max(0.0, (known < 0 ? average : known) -
-                                  static_cast<double>(time - post->start) / 1000);
+        left += std::max(
+            0.0, (known < 0 ? average : known) - static_cast<double>(time - post->start) / 1000);
     }
     return left / m_options.jobs;
 }

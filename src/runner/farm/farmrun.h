@@ -72,6 +72,9 @@ private:
         State state = State::Starting;
         CaseTask task;
         bool hasRunCases = false;
+        /// Its process has been seen to have ended.
+        bool isGone = false;
+        /// When the state began.
         qint64 start = 0;
         TimeOut timeOut = TimeOut::None;
         QDateTime timeOutTime;

@@ -73,8 +73,9 @@ void closeInput() {
 
 void work(int number, int socket, const WorkerSettings& settings) {
     WorkerLink link(socket, *settings.cases);
-    CaseSpool spool(spoolFile(settings.spoolFolder, number), [&] { return link.attempt(); },
-                    [&](const QString& error) { link.say(Worker::Message::CaseDone, error); });
+    CaseSpool spool(
+        spoolFile(settings.spoolFolder, number), [&] { return link.attempt(); },
+        [&](const QString& error) { link.say(Worker::Message::CaseDone, error); });
     SuiteRun run(*settings.suite, settings.options, &spool);
     const Outcome<> prepared = run.prepare();
     link.say(Worker::Message::Ready, prepared ? QString() : prepared.error().text);
@@ -133,11 +134,14 @@ void Worker::retire() {
 }
 
 void Worker::ask(int signal, bool isTimeOut) const {
-    Interrupt::ask(m_process, signal, isTimeOut);
+    // Another process may have its number by now.
+    if (!m_hasEnded)
+        Interrupt::ask(m_process, signal, isTimeOut);
 }
 
 void Worker::kill() const {
-    ::kill(m_process, SIGKILL);
+    if (!m_hasEnded)
+        ::kill(m_process, SIGKILL);
 }
 
 std::optional<Worker::Message> Worker::takeMessage() {

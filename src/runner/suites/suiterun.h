@@ -50,8 +50,8 @@ public:
     SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report);
     ~SuiteRun();
 
-    /// What has to be right before anything runs: the display for applications, what records it, the
-    /// suite's map of object names, and the tags of scenarios. Call it before run().
+    /// What has to be right before anything runs: the display for applications, what records it,
+    /// the suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
     /// Runs the cases, until all have run, as many have failed as may, or a signal asked to end.

@@ -61,8 +61,9 @@ TEST_F(ConsoleReportTest, AStatusTakesThePlaceOfTheRunningCase) {
     EXPECT_EQ(buffer.data(), "  ...   1/2 done");
     report.add({QDateTime(), CaseStarted{"one", "/one"}});
     report.add({QDateTime(), CaseEnded{}});
-    EXPECT_TRUE(buffer.data().endsWith("\r\x1b[K  \x1b[32mPASS  one  (0.00 s)\x1b[0m\n"
-                                       "  ...   1/2 done"))
+    EXPECT_TRUE(
+        buffer.data().endsWith("\r\x1b[K  \x1b[32mPASS  one  (0.00 s)\x1b[0m\n"
+                               "  ...   1/2 done"))
         << buffer.data().toStdString();
     report.finish();
     EXPECT_FALSE(buffer.data().endsWith("done"));

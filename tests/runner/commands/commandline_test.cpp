@@ -152,8 +152,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report", "junit"},
          "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "pdf:x"},
-         "Unknown report format 'pdf' in 'pdf:x'; the known ones are allure, console, html, json, junit, tap "
-         "(see tamrixrunner run --help)"},
+         "Unknown report format 'pdf' in 'pdf:x'; the known ones are allure, console, "
+         "cucumber-messages, html, json, junit, tap (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "console:-"},
          "the console report always goes to standard output; 'console:-' would write it twice (see "
          "tamrixrunner run --help)"},

@@ -18,7 +18,8 @@ TEST(BatchScripts, AreReadableAndQuoteWhatIsNotTheirs) {
     run.shards = 32;
     run.runArguments = QStringList{"suite_shop", "--retries", "1", "it's"};
     run.scriptArguments = QStringList{"--fast", "a b"};
-    run.mergeArguments = QStringList{"--to", "json:/net/results/journal.jsonl", "--to", "console:-"};
+    run.mergeArguments =
+        QStringList{"--to", "json:/net/results/journal.jsonl", "--to", "console:-"};
     for (const BatchEngine engine : {BatchEngine::Parallel, BatchEngine::Slurm}) {
         run.engine = engine;
         const bool isSlurm = engine == BatchEngine::Slurm;

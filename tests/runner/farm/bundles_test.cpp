@@ -84,7 +84,8 @@ TEST_F(BundlesTest, ShardsBecomeOneRun) {
     EXPECT_FALSE(tally->isIncomplete());
     EXPECT_EQ(report.all<EnvironmentFact>().size(), 3u) << "each fact once";
     // A bundle names its files by relative paths, which lead to where it is now.
-    EXPECT_TRUE(Tamrix::Test::readFile(first + "/journal.jsonl").contains("\"path\":\"a/file.txt\""));
+    EXPECT_TRUE(
+        Tamrix::Test::readFile(first + "/journal.jsonl").contains("\"path\":\"a/file.txt\""));
     ASSERT_TRUE(QDir().rename(first, folder.path("moved")));
     EXPECT_EQ(merge({folder.path("moved"), second}), QStringList());
     EXPECT_EQ(report.all<FileAttached>().front().path, folder.path("moved/a/file.txt"));
@@ -121,8 +122,9 @@ TEST_F(BundlesTest, WhatIsMissingIsToldAndWhatIsThereIsKept) {
          false},
         {"another suite",
          {first, bundle("2", "2/2", {"b", "d"}), other},
-         {"'" + other + "/journal.jsonl' is of the suite 'another suite', not of 'suite', and left "
-                        "out"},
+         {"'" + other +
+          "/journal.jsonl' is of the suite 'another suite', not of 'suite', and left "
+          "out"},
          "a c b d",
          false},
         {"no journal",

@@ -49,8 +49,8 @@ TEST_F(CaseMergeTest, TakesTheCasesAndEachFactOnce) {
         EXPECT_EQ(result.outcome, CaseOutcome::Error);
         EXPECT_EQ(result.problem, QString());
     }
-    const QStringList one = {"caseStart", "sectionStart", "result", "result", "sectionEnd",
-                             "caseEnd"};
+    const QStringList one = {"caseStart", "sectionStart", "result",
+                             "result",    "sectionEnd",   "caseEnd"};
     EXPECT_EQ(report.kinds(), QStringList{"environment"} + one + one);
 }
 
@@ -95,9 +95,9 @@ TEST_F(CaseMergeTest, WhatRanWhenARunWasKilledIsTakenFromBesideItsJournal) {
         if (isComplete)
             end.add({QDateTime(), SuiteEnded{}});
         end.addOpenCases(journal);
-        EXPECT_EQ(whole.kinds(), isComplete ? (QStringList{"suiteStart", "suiteEnd"})
-                                            : (QStringList{"suiteStart", "caseStart",
-                                                           "sectionStart", "result"}));
+        EXPECT_EQ(whole.kinds(),
+                  isComplete ? (QStringList{"suiteStart", "suiteEnd"})
+                             : (QStringList{"suiteStart", "caseStart", "sectionStart", "result"}));
     }
     removeOpenCases(journal);
     EXPECT_EQ(QDir(openCasesFolder(journal)).entryList(QDir::Files), QStringList{"keep.txt"});
