@@ -29,7 +29,10 @@ void setInstallationPrefix() {
     if (prefix.isEmpty()) {
         const QString program =
             QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath();
-        prefix = QFileInfo(QFileInfo(program).absolutePath()).absolutePath();
+        const QString folder = QFileInfo(program).absolutePath();
+        const QString helpers = QStringLiteral("/lib/exec");
+        prefix = folder.endsWith(helpers) ? folder.chopped(helpers.size())
+                                          : QFileInfo(folder).absolutePath();
     }
     Environment::setVariable(variable, QDir::cleanPath(QDir::current().absoluteFilePath(prefix)));
 }

@@ -9,8 +9,8 @@ namespace Tamrix {
 void useUnicodeLocale();
 
 /// Sets TAMRIX_PREFIX to this program's own installation, the folder above the one that holds the
-/// program, unless the variable names another one. Makes a relative one absolute. Needs a
-/// QCoreApplication.
+/// program or its folder of helpers, unless the variable names another one. Makes a relative one
+/// absolute. Needs a QCoreApplication.
 void setInstallationPrefix();
 
 }  // namespace Tamrix

@@ -249,6 +249,7 @@ struct ActResult {
 struct Snapshot {
     /// Nothing for all top-level objects.
     Target target;
+    /// A picture of the target, or of each window.
     bool withImages = false;
 };
 

@@ -3,11 +3,13 @@
 #include <QRegularExpression>
 #include <QString>
 
+#include "base/export.h"
+
 namespace Tamrix::Wire {
 
 /// A wanted text, compiled once and compared with many: the one rule by which runner and agent
 /// match the texts of an object's name.
-class TextMatch {
+class TAMRIX_EXPORT TextMatch {
 public:
     /// How the text is compared; the numbers are those of Criterion::modifier.
     enum Mode {

@@ -134,6 +134,37 @@ TEST_P(ObjectsTest, ClassesAreDescribed) {
     EXPECT_EQ(describe("QObject").superClasses, QStringList());
 }
 
+TEST_P(ObjectsTest, ViewsTellTheirCells) {
+    const auto cells = [this](const QStringList& criteria, const QVariantList& range) {
+        return m_client
+            .request<Wire::Value>(
+                Wire::MessageType::NativeRequest,
+                Wire::NativeRequest{"viewCells",
+                                    QVariantList{m_client.find(criteria).handle} + range})
+            .value.toMap();
+    };
+    const QVariantMap list = cells({"type=QListWidget"}, {});
+    EXPECT_EQ(list["texts"].toStringList(), (QStringList{"one", "two", "three"}));
+    EXPECT_EQ(list["rowCount"], 3);
+    EXPECT_EQ(list["columnCount"], 1);
+    EXPECT_EQ(list["backgrounds"].toByteArray(),
+              QByteArray(8, 0) + QByteArray("\xff\xff\xff\0", 4));
+
+    // Also those that are far from being shown.
+    const QVariantMap table = cells({"type=QTableWidget"}, {1899, 0, 2, -1});
+    EXPECT_EQ(table["rowCount"], 2000);
+    EXPECT_EQ(table["columns"], 2);
+    EXPECT_EQ(table["texts"].toStringList(), (QStringList{"", "", "deep", ""}));
+    // A range that is not there, wholly or in part.
+    EXPECT_EQ(cells({"type=QTableWidget"}, {1999, 1, 5, 5})["texts"].toStringList().size(), 1);
+    EXPECT_EQ(cells({"type=QTableWidget"}, {5000, 9, -1, -1})["texts"].toStringList().size(), 0);
+    EXPECT_EQ(cells({"type=QTreeWidget"}, {})["texts"].toStringList(), QStringList{"top"});
+
+    EXPECT_EQ(cells({"type=QSpinBox"}, {}), QVariantMap());
+    EXPECT_EQ(m_client.lastKind(), FailureKind::Refused);
+    EXPECT_EQ(m_client.lastError(), "QSpinBox '0' has no cells");
+}
+
 }  // namespace
 
 }  // namespace Tamrix

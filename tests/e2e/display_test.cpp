@@ -30,7 +30,7 @@ protected:
     /// Message and detail of what the script has logged, and of what the run has noticed.
     QString told() const {
         QString lines;
-        for (const Json::Value& entry : Test::readJournal(results.filePath("journal.jsonl"))) {
+        for (const Json::Value& entry : Tamrix::Test::readJournal(results.filePath("journal.jsonl"))) {
             const bool isText = entry["kind"].asString() == "result" && entry["type"] != 10;
             if (isText && !entry["detail"].asString().empty()) {
                 lines += QString::fromStdString(entry["message"].asString() + "\n    " +
@@ -43,7 +43,7 @@ protected:
     }
 
     static QString normalised(const QString& text) {
-        Test::Normaliser normaliser;
+        Tamrix::Test::Normaliser normaliser;
         normaliser.path(TAMRIX_TEST_SOURCE_DIR, "<SOURCES>")
             .pattern("display ':\\d+'", "display '<DISPLAY>'");
         return normaliser(text);
@@ -68,16 +68,33 @@ TEST_F(DisplayRun, ProgramsAreDrivenWithWindowManager) {
     manager.setProcessEnvironment(environment);
     manager.start("openbox", {"--sm-disable"});
     ASSERT_TRUE(manager.waitForStarted());
+    // It manages windows once it says so.
+    QByteArray root;
+    for (int look = 0; look < 200 && !root.contains("window id"); ++look) {
+        QProcess properties;
+        properties.setProcessEnvironment(environment);
+        properties.start("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"});
+        properties.waitForFinished();
+        root = properties.readAllStandardOutput();
+    }
+    ASSERT_TRUE(root.contains("window id"));
     run(display.name(), driving);
+    EXPECT_EQ(manager.state(), QProcess::Running);
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
     manager.terminate();
     manager.waitForFinished();
 }
 
+TEST_F(DisplayRun, TheExampleRuns) {
+    runner.run({"run", TAMRIX_TEST_SOURCE_DIR "/examples/suite_otherprograms", "--result-dir",
+                results.path(), "--aut-display", "auto"});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
+}
+
 TEST_F(DisplayRun, WhatCanNotBeDoneIsTold) {
     run("auto", {"faults"});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
-    EXPECT_TRUE(Test::compareWithGolden("e2e/display_faults.txt", normalised(told())));
+    EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/display_faults.txt", normalised(told())));
 }
 
 TEST_F(DisplayRun, TheServersEndIsTold) {

@@ -96,8 +96,12 @@ struct BlockRun {
         for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
             runner.setVariable(name, folder.path());
         runner.setVariable("QT_QPA_PLATFORM", "offscreen");
-        runner.start({"run", QFileInfo(testCase).path(), QFileInfo(testCase).fileName(),
-                      "--result-dir", folder.filePath("results")});
+        const QString suite = QFileInfo(testCase).path();
+        // Programs without agent need a display.
+        const bool needsDisplay = readFile(suite + "/config.xml").contains("hook=\"none\"");
+        runner.start({"run", suite, QFileInfo(testCase).fileName(), "--result-dir",
+                      folder.filePath("results"), "--aut-display",
+                      needsDisplay ? "auto" : "inherit"});
     }
 
     void finish() {

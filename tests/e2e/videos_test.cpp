@@ -38,11 +38,13 @@ protected:
 };
 
 TEST_F(Videos, OfFailedCasesStay) {
-    addCase("a", "def main():\n    startApplication('faulty')\n    snooze(1)\n"
-                 "    test.fail('wrong')\n    snooze(0.5)\n");
+    addCase("a",
+            "def main():\n    startApplication('faulty')\n    snooze(1)\n"
+            "    test.fail('wrong')\n    snooze(0.5)\n");
     addCase("b", "def main():\n    startApplication('faulty')\n    test.log('right')\n");
-    addCase("c", "def main():\n    startApplication('faulty')\n    os.kill(os.getppid(), 0)\n"
-                 "    startApplication('faulty')\n    raise ValueError('c')\n");
+    addCase("c",
+            "def main():\n    startApplication('faulty')\n    os.kill(os.getppid(), 0)\n"
+            "    startApplication('faulty')\n    raise ValueError('c')\n");
     run({"--aut-display", "auto", "--video", "on-failure", "--report",
          "html:" + suite.path("html")});
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
@@ -75,17 +77,18 @@ TEST_F(Videos, OfAScriptGoWhereItWants) {
     run({"--aut-display", "auto"});
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output());
     const QString results = resultsOf("a");
-    for (const char* const text : {"\"detail\" : \"True\"", "No active screen capture found",
-                                   "Video Capture Stopped", "faulty_capture_1.mp4",
-                                   "Video capture stopped at the end of the test case"})
+    for (const char* const text :
+         {"\"detail\" : \"True\"", "No active screen capture found", "Video Capture Stopped",
+          "faulty_capture_1.mp4", "Video capture stopped at the end of the test case"})
         EXPECT_TRUE(results.contains(text)) << text << ": " << qPrintable(results);
     EXPECT_GT(durationOf(suite.path("suite/a/own.mp4")), 0.3);
     EXPECT_GT(durationOf(video("a")), 0.3);
 }
 
 TEST_F(Videos, OfAKilledRunPlay) {
-    addCase("a", "def main():\n    startApplication('faulty')\n    snooze(2)\n"
-                 "    print('now', flush=True)\n    snooze(600)\n");
+    addCase("a",
+            "def main():\n    startApplication('faulty')\n    snooze(2)\n"
+            "    print('now', flush=True)\n    snooze(600)\n");
     runner.start({"run", suite.path("suite"), "--result-dir", suite.path("results"),
                   "--aut-display", "auto", "--video", "on"});
     ASSERT_TRUE(runner.waitForOutput("now"));
@@ -94,9 +97,10 @@ TEST_F(Videos, OfAKilledRunPlay) {
     EXPECT_GT(durationOf(video("a")), 1.0);
     // The report that is made of the journal shows it.
     RunnerProcess report;
-    report.run({"report", suite.path("results/journal.jsonl"), "--to",
-                "html:" + suite.path("html"), "--to", "junit:" + suite.path("junit.xml")});
-    EXPECT_TRUE(Tamrix::Test::readFile(suite.path("html/index.html")).contains("faulty_capture.mp4"));
+    report.run({"report", suite.path("results/journal.jsonl"), "--to", "html:" + suite.path("html"),
+                "--to", "junit:" + suite.path("junit.xml")});
+    EXPECT_TRUE(
+        Tamrix::Test::readFile(suite.path("html/index.html")).contains("faulty_capture.mp4"));
     EXPECT_TRUE(Tamrix::Test::readFile(suite.path("junit.xml")).contains("faulty_capture.mp4]]"));
 }
 

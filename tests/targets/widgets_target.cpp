@@ -122,6 +122,7 @@ private:
         m_list = new QListWidget;
         m_list->addItems({"one", "two", "three"});
         m_list->item(1)->setCheckState(Qt::Checked);
+        m_list->item(2)->setBackground(Qt::yellow);
         layout->addWidget(m_list, 0, 0);
         auto* const tree = new QTreeWidget;
         auto* const top = new QTreeWidgetItem(tree, {"top"});

@@ -19,6 +19,7 @@ using Pair = QPair<QString, QString>;
 
 /// What a snapshot tells of each element beside its place in the tree.
 struct SnapshotContent {
+    /// Of the outermost elements, in which the others are seen.
     enum class Pictures { Left, Taken };
     enum class Properties { State, All };
     Pictures pictures = Pictures::Left;
@@ -32,14 +33,18 @@ public:
     SnapshotWriter(QDataStream* stream, SnapshotContent content)
         : m_stream(*stream), m_content(content) {}
 
-    void writeAll(const QVector<Element>& elements) {
-        m_stream << static_cast<qint32>(elements.size());
-        for (const Element& element : elements)
-            write(element);
-    }
+    void writeAll(const QVector<Element>& elements) { writeLevel(elements, m_content.pictures); }
 
 private:
-    void write(const Element& element) {
+    using Pictures = SnapshotContent::Pictures;
+
+    void writeLevel(const QVector<Element>& elements, Pictures pictures) {
+        m_stream << static_cast<qint32>(elements.size());
+        for (const Element& element : elements)
+            write(element, pictures);
+    }
+
+    void write(const Element& element, Pictures pictures) {
         const Toolkit* const toolkit = element.toolkit;
         const QString type = toolkit->typeName(element);
         const QString text = toolkit->text(element);
@@ -51,8 +56,7 @@ private:
         m_stream << toolkit->isInternal(element) << false << isWindow;
         m_stream << text;
         m_stream << toolkit->globalBounds(element) << false;
-        const bool hasPicture =
-            m_content.pictures == SnapshotContent::Pictures::Taken && toolkit->isVisible(element);
+        const bool hasPicture = pictures == Pictures::Taken && toolkit->isVisible(element);
         m_stream << (hasPicture ? toolkit->grab(element) : QImage());
         m_stream << m_names.realName(element) << QString();  // no symbolic name
         writeProperties(element);
@@ -60,7 +64,7 @@ private:
         m_stream << 0;  // usage
         QVector<Element> children;
         appendShownChildren(element, false, &children);
-        writeAll(children);
+        writeLevel(children, Pictures::Left);
     }
 
     QStringList superTypes(const Element& element) {

@@ -169,6 +169,11 @@ Outcome<Element> ToolkitItems::item(const Element& view, const ItemPath& /*path*
                 QStringLiteral("%1 has no items").arg(Session::self()->describe(view)));
 }
 
+Outcome<ViewCells> ToolkitItems::cells(const Element& view, const CellRange& /*range*/) const {
+    return fail(FailureKind::Refused,
+                QStringLiteral("%1 has no cells").arg(Session::self()->describe(view)));
+}
+
 bool ToolkitItems::isWithinClosed(const Element& /*item*/) const {
     return false;
 }

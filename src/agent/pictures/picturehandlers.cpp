@@ -151,6 +151,34 @@ void getPixmapAsImage(const QVariantList& arguments, const ResponderPtr& respond
     responder->replyBody(Wire::Value{bytes});
 }
 
+/// Arguments: view, first row, first column, number of rows, number of columns; -1 for all. Gives a
+/// map of the counts, the texts and the backgrounds, four bytes each: alpha, red, green, blue.
+void viewCells(const QVariantList& arguments, const ResponderPtr& responder) {
+    const Element element = argumentElement(arguments, responder);
+    if (element.isNull())
+        return;
+    const auto number = [&arguments](int index, int missing) {
+        return arguments.value(index, missing).toInt();
+    };
+    const Outcome<ViewCells> cells =
+        element.toolkit->cells(element, {number(1, 0), number(2, 0), number(3, -1), number(4, -1)});
+    if (!cells) {
+        responder->fail(cells.error().kind, cells.error().text);
+        return;
+    }
+    QByteArray backgrounds;
+    for (const QRgb color : cells->backgrounds) {
+        for (const int channel : {qAlpha(color), qRed(color), qGreen(color), qBlue(color)})
+            backgrounds.append(static_cast<char>(channel));
+    }
+    responder->replyBody(
+        Wire::Value{QVariantMap{{QStringLiteral("rowCount"), cells->rowCount},
+                                {QStringLiteral("columnCount"), cells->columnCount},
+                                {QStringLiteral("columns"), cells->columns},
+                                {QStringLiteral("texts"), cells->texts},
+                                {QStringLiteral("backgrounds"), backgrounds}}});
+}
+
 struct NativeFunction {
     const char* name;
     void (*run)(const QVariantList& arguments, const ResponderPtr& responder);
@@ -161,6 +189,7 @@ constexpr NativeFunction nativeFunctions[] = {
     {"screenLayout", screenLayout},
     {"grabObjectScreenshot", grabObjectScreenshot},
     {"getPixmapAsImage", getPixmapAsImage},
+    {"viewCells", viewCells},
 };
 
 void handleNativeRequest(const Wire::NativeRequest& request, const ResponderPtr& responder) {

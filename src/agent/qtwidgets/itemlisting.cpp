@@ -1,11 +1,13 @@
 // Which items there are in views, headers, combo boxes and tab bars.
 
 #include <QAbstractItemView>
+#include <QBrush>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QListView>
 #include <QTabBar>
 #include <QTreeView>
+#include <algorithm>
 
 #include "agent/core/session.h"
 #include "agent/qtwidgets/itemtoolkit.h"
@@ -21,7 +23,7 @@ constexpr int mostCells = 1000;
 const Toolkit* s_toolkit = nullptr;
 
 /// Some view that lists only some columns.
-int firstColumn(const QAbstractItemView* view) {
+int shownColumn(const QAbstractItemView* view) {
     const auto* const list = qobject_cast<const QListView*>(view);
     return list ? list->modelColumn() : 0;
 }
@@ -37,7 +39,7 @@ int firstShownRow(const QAbstractItemView* view, const QModelIndex& parent, int 
     while (low < high) {
         const int middle = low + (high - low) / 2;
         const QRect rect =
-            view->visualRect(view->model()->index(middle, firstColumn(view), parent));
+            view->visualRect(view->model()->index(middle, shownColumn(view), parent));
         if (rect.bottom() < 0)
             low = middle + 1;
         else
@@ -54,7 +56,7 @@ void appendModelItems(QAbstractItemView* view, const QModelIndex& parent,
     const int rows = model->rowCount(parent);
     const int columns = columnCount(view, parent);
     const bool all = static_cast<qint64>(rows) * columns <= mostCells;
-    const int first = firstColumn(view);
+    const int first = shownColumn(view);
     for (int row = all ? 0 : firstShownRow(view, parent, rows); row < rows; ++row) {
         const QRect rect = view->visualRect(model->index(row, first, parent));
         if (!all && rect.top() > view->viewport()->height())
@@ -62,6 +64,21 @@ void appendModelItems(QAbstractItemView* view, const QModelIndex& parent,
         for (int column = first; column < first + columns; ++column)
             elements->append(makeItem(view, ModelItem, model->index(row, column, parent), -1));
     }
+}
+
+/// The colour that the model gives the cell; 0 for none.
+QRgb backgroundOf(const QModelIndex& index) {
+    const QVariant value = index.data(Qt::BackgroundRole);
+    if (value.userType() == QMetaType::QColor)
+        return value.value<QColor>().rgba();
+    const QBrush brush = value.canConvert<QBrush>() ? value.value<QBrush>() : QBrush();
+    return brush.style() == Qt::NoBrush ? 0 : brush.color().rgba();
+}
+
+/// How many of `there`, counted from `first`, are wanted; -1 for all.
+int clippedCount(int first, int wanted, int there) {
+    const int left = std::max(there - first, 0);
+    return wanted < 0 ? left : std::min(wanted, left);
 }
 
 }  // namespace
@@ -109,6 +126,33 @@ void appendItems(QWidget* holder, QVector<Element>* elements) {
         for (int tab = 0; tab < bar->count(); ++tab)
             elements->append(makeItem(holder, Tab, QModelIndex(), tab));
     }
+}
+
+Outcome<ViewCells> cellsOf(QAbstractItemView* view, const CellRange& range) {
+    const QAbstractItemModel* const model = view->model();
+    const QModelIndex root = view->rootIndex();
+    ViewCells cells;
+    cells.rowCount = model->rowCount(root);
+    cells.columnCount = columnCount(view, root);
+    const int firstRow = std::max(range.firstRow, 0);
+    const int firstColumn = std::max(range.firstColumn, 0);
+    const int rows = clippedCount(firstRow, range.rowCount, cells.rowCount);
+    cells.columns = clippedCount(firstColumn, range.columnCount, cells.columnCount);
+    const qint64 count = static_cast<qint64>(rows) * cells.columns;
+    if (count > ViewCells::most)
+        return fail(FailureKind::Refused,
+                    QStringLiteral("%1 has %2 cells there; at most %3 are told at once")
+                        .arg(Session::self()->describe(Session::self()->element(view)),
+                             QString::number(count), QString::number(ViewCells::most)));
+    const int shift = shownColumn(view);
+    for (int row = firstRow; row < firstRow + rows; ++row) {
+        for (int column = firstColumn; column < firstColumn + cells.columns; ++column) {
+            const QModelIndex index = model->index(row, shift + column, root);
+            cells.texts.append(s_toolkit->text(makeItem(view, ModelItem, index)));
+            cells.backgrounds.append(backgroundOf(index));
+        }
+    }
+    return cells;
 }
 
 Element itemAt(const QWidget* widget, const QPoint& point) {

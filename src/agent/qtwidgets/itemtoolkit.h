@@ -5,6 +5,7 @@
 #include "agent/core/itempath.h"
 #include "agent/core/toolkit.h"
 
+class QAbstractItemView;
 class QTreeView;
 class QWidget;
 
@@ -60,6 +61,8 @@ enum ItemKind { ModelItem = 1, HeaderSection = 2, ComboBoxItem = 3, Tab = 4, Gra
 /// Appends the items at the top level of a view, header, combo box or tab bar. Up to some thousand
 /// come all of them, of more those that are shown.
 void appendItems(QWidget* holder, QVector<Element>* elements);
+/// The cells of a view that has a model.
+Outcome<ViewCells> cellsOf(QAbstractItemView* view, const CellRange& range);
 /// The item at a point of a widget: a view's viewport, a tab bar. Null for none.
 Element itemAt(const QWidget* widget, const QPoint& point);
 /// The current item of a view, combo box or tab bar; null for none.

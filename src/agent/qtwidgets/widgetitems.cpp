@@ -85,6 +85,13 @@ Outcome<Element> WidgetToolkit::item(const Element& view, const ItemPath& path, 
                               : QStringLiteral("%1 has no item '%2'").arg(name, path.text()));
 }
 
+Outcome<ViewCells> WidgetToolkit::cells(const Element& view, const CellRange& range) const {
+    auto* const itemView = qobject_cast<QAbstractItemView*>(view.object);
+    if (!itemView || !itemView->model())
+        return Toolkit::cells(view, range);
+    return cellsOf(itemView, range);
+}
+
 void WidgetToolkit::openTowards(const Element& view, const ItemPath& path) const {
     if (auto* const tree = qobject_cast<QTreeView*>(view.object)) {
         if (tree->model())

@@ -52,6 +52,7 @@ public:
     // widgetitems.cpp
     Outcome<Element> item(const Element& view, const ItemPath& path, int row,
                           int column) const override;
+    Outcome<ViewCells> cells(const Element& view, const CellRange& range) const override;
     void openTowards(const Element& view, const ItemPath& path) const override;
     std::optional<ItemPopup> itemPopup(const Element& view) const override;
     std::shared_ptr<const Menu> menu(const Element& element) const override;

@@ -16,12 +16,12 @@
 #include "interpreter/generic/findimagedebugger.h"
 #include "interpreter/generic/imagesearchreport.h"
 #include "interpreter/generic/runneraccess.h"
+#include "interpreter/generic/screenplace.h"
 #include "interpreter/generic/searchpictures.h"
 #include "interpreter/generic/searchstop.h"
 #include "interpreter/generic/verdictsupport.h"
 #include "interpreter/generic/visualverification.h"
 #include "platform/objectmodel/inspector.h"
-#include "platform/objectmodel/valueobject.h"
 #include "platform/testresult/testvp.h"
 #include "shared/resources/testresource.h"
 #include "vision/search/imagelookup.h"
@@ -69,21 +69,6 @@ constexpr int initialPause = 200;
 void sleepMilliseconds(int milliseconds) {
     if (milliseconds > 0)
         blockingSleep(static_cast<unsigned long>(milliseconds) * 1000);
-}
-
-int currentContextId(RunnerInterface* runner) {
-    const SharedPtr<ApplicationContext> context = runner->applicationContext(QString());
-    return context ? context->id : -1;
-}
-
-/// The place as an object of the current application; null on failure.
-SharedPtr<Object> placeObject(RunnerInterface* runner, const QRect& place) {
-    while (true) {
-        const int before = currentContextId(runner);
-        const SharedPtr<Object> object = createRemoteScreenRectangle(place);
-        if (before == currentContextId(runner))
-            return object;
-    }
 }
 
 /// One call.

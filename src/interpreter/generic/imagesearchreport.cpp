@@ -4,7 +4,7 @@
 #include <exception>
 #include <memory>
 
-#include "vision/search/frame.h"
+#include "interpreter/generic/searchreport.h"
 #include "vision/search/imagelookup.h"
 #include "vision/search/placescore.h"
 
@@ -20,10 +20,6 @@ namespace {
 constexpr int mostNeedles = 5;
 /// In percent. Below, a place has nothing to do with the image, and no options help.
 constexpr double leastUsefulScore = 80;
-
-QString placeText(const QRect& place) {
-    return SearchRegion(place).description();
-}
 
 QString needleText(const ImageSearchRecord& search, int index) {
     const QSize size = search.needles.at(index).size();
@@ -44,14 +40,6 @@ QString searchText(const ImageLookupOptions& options) {
     return text;
 }
 
-QString regionText(const Vision::SearchArea& area) {
-    const QSize size = area.image().size();
-    const QString region =
-        area.region.isEmpty() ? QStringLiteral("nothing") : area.region.description();
-    return QStringLiteral("Region: %1 of a screenshot of %2x%3 pixels")
-        .arg(region, QString::number(size.width()), QString::number(size.height()));
-}
-
 /// What is told of every search, and the pictures of the image.
 ResultDetails describeSearch(const ImageSearchRecord& search) {
     ResultDetails details;
@@ -65,27 +53,9 @@ ResultDetails describeSearch(const ImageSearchRecord& search) {
     if (search.needles.size() > count)
         lines += QStringLiteral("and %1 more").arg(search.needles.size() - count);
     lines += searchText(search.options);
-    lines += regionText(search.area);
+    lines += searchedRegionText(search.area);
     details.explanation = lines.join('\n');
     return details;
-}
-
-/// The screenshot with the region and a place, as far as there is one, in frames.
-void addScreenshot(ResultDetails& details, const ImageSearchRecord& search,
-                   const QList<QRect>& places) {
-    QImage image = search.area.image().convertToFormat(QImage::Format_RGB32);
-    const QList<QRect>& region = search.area.region.rectangles();
-    for (const QRect& rectangle : region) {
-        // A little inside, where it can be seen at the edges of the picture, too.
-        if (rectangle != image.rect())
-            Vision::drawFrame(&image, rectangle.adjusted(3, 3, -3, -3), Qt::blue);
-    }
-    for (const QRect& place : places)
-        Vision::drawFrame(&image, place);
-    QString title = QStringLiteral("What was searched");
-    if (region.size() != 1 || region.first() != image.rect())
-        title += QStringLiteral(", the region in blue");
-    details.pictures.push_back({title, QStringLiteral("searched"), image});
 }
 
 /// The options that would have found a place of this score, as far as it makes sense to use them.
@@ -142,29 +112,29 @@ void describePlaces(ResultDetails& details, const ImageSearchRecord& search) {
     if (!earlier.isEmpty()) {
         QStringList places;
         for (const QRect& place : earlier)
-            places += placeText(place);
+            places += searchedPlaceText(place);
         details.explanation += QStringLiteral("\nFound %1 instead of %2 times: %3")
                                    .arg(QString::number(earlier.size()),
                                         QString::number(search.occurrence), places.join(", "));
-        addScreenshot(details, search, earlier);
+        addSearchedScreenshot(details, search.area, earlier);
         return;
     }
     // 2. Nothing fits.
     const Similar similar = mostSimilar(search);
     if (!similar.place.isValid()) {
         details.explanation += QStringLiteral("\nNothing of its size fits into the region");
-        addScreenshot(details, search, {});
+        addSearchedScreenshot(details, search.area, {});
         return;
     }
     // 3. What is most like it.
     const QString score = Vision::unparseDouble(similar.score);
-    details.explanation +=
-        QStringLiteral("\nMost similar place: %1, score %2%3")
-            .arg(placeText(similar.place), score, remedyText(search.options, similar.score));
+    details.explanation += QStringLiteral("\nMost similar place: %1, score %2%3")
+                               .arg(searchedPlaceText(similar.place), score,
+                                    remedyText(search.options, similar.score));
     details.pictures.push_back({QStringLiteral("The most similar place, score %1").arg(score),
                                 QStringLiteral("similar"),
                                 search.area.image().copy(similar.place)});
-    addScreenshot(details, search, {similar.place});
+    addSearchedScreenshot(details, search.area, {similar.place});
 }
 
 }  // namespace
@@ -175,15 +145,15 @@ ResultDetails describeMissingImage(const ImageSearchRecord& search) {
         describePlaces(details, search);
     } catch (const std::exception& error) {
         details.explanation += '\n' + QString::fromUtf8(error.what());
-        addScreenshot(details, search, {});
+        addSearchedScreenshot(details, search.area, {});
     }
     return details;
 }
 
 ResultDetails describePresentImage(const ImageSearchRecord& search, const QRect& place) {
     ResultDetails details = describeSearch(search);
-    details.explanation += QStringLiteral("\nFound at %1").arg(placeText(place));
-    addScreenshot(details, search, {place});
+    details.explanation += QStringLiteral("\nFound at %1").arg(searchedPlaceText(place));
+    addSearchedScreenshot(details, search.area, {place});
     return details;
 }
 

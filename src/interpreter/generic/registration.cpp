@@ -11,12 +11,15 @@
 #include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
+#include "interpreter/generic/ocrfunctions.h"
 #include "interpreter/generic/remotefunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
 #include "interpreter/generic/screenshotfunctions.h"
 #include "interpreter/generic/tamrixinfo.h"
 #include "interpreter/generic/testdatafunctions.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
+#include "interpreter/generic/verificationpoints.h"
 #include "interpreter/generic/videocapture.h"
 
 namespace Tamrix {
@@ -165,9 +168,13 @@ const FunctionRow testFunctions[] = {
      "Passes when both XML files are the same document; returns whether they are"},
     {"compareJSONFiles", testCompareJSONFiles, "expected actual", "",
      "Passes when both JSON files hold the same value; returns whether they do"},
-    {"vp"},
-    {"xvp"},
-    {"vpWithObject"},
+    {"vp", testVP, "name", "messageOrRecord",
+     "Passes when the application shows what a verification point of the suite expects; returns "
+     "whether it does"},
+    {"xvp", testXVP, "name", "messageOrRecord",
+     "As vp, for a verification point that is expected to differ"},
+    {"vpWithObject", testVPWithObject, "name objectOrName", "",
+     "As vp, with this object in place of the one that the verification point names"},
     {"exception", testException, "code", "comment",
      "Passes when the code raises an exception; returns whether it did"},
     {"resultCount", testResultCount, "category", "",
@@ -185,8 +192,10 @@ const FunctionRow testFunctions[] = {
      "Passes as soon as the image is not on the screen; returns whether it went in time"},
     {"imagePresent", testImagePresent, "image", "options region",
      "Passes as soon as the image is on the screen; returns whether it came in time"},
-    {"ocrTextNotPresent"},
-    {"ocrTextPresent"},
+    {"ocrTextNotPresent", testOcrTextNotPresent, "text", "options region",
+     "Passes as soon as the text can't be read on the screen; returns whether that was in time"},
+    {"ocrTextPresent", testOcrTextPresent, "text", "options region",
+     "Passes as soon as the text can be read on the screen; returns whether that was in time"},
     {"attachFile", testAttachFile, "path", "message", "Copies a file to the results"},
     {"attachDesktopScreenshot", testAttachDesktopScreenshot, "message", "",
      "Adds a picture of the desktop to the results"},
@@ -283,20 +292,21 @@ const NativeRow nativeFunctions[] = {
      "Saves an object screenshot to a file"},
     {"highlightObject", highlightObject, "object", "timeoutms block",
      "Highlights the specified object"},
-    {"createVisualVP", nullptr, "object VPname", "",
+    {"createVisualVP", createVisualVP, "object VPname", "",
      "Creates a visual verification point for an object"},
     {"findImage", findImage, "image", "options region",
      "Returns a position of the specified image"},
     {"waitForImage", waitForImage, "image", "options region",
      "Returns a position of the specified image"},
-    {"getOcrText", nullptr, "", "options region", "Returns all text found by OCR"},
-    {"findOcrText", nullptr, "text", "options region",
+    {"getOcrText", getOcrText, "", "options region", "Returns all text found by OCR"},
+    {"findOcrText", findOcrText, "text", "options region",
      "Searches for the specified text in OCR results"},
-    {"waitForOcrText", nullptr, "text", "options region",
+    {"waitForOcrText", waitForOcrText, "text", "options region",
      "Waits for the specified text in OCR results"},
-    {"findAllOcrText", nullptr, "text", "options region",
+    {"findAllOcrText", findAllOcrText, "text", "options region",
      "Finds locations of all instances of the specified text in OCR results"},
-    {"getAllOcrText", nullptr, "", "options region", "Returns all word locations found by OCR"},
+    {"getAllOcrText", getAllOcrText, "", "options region",
+     "Returns all word locations found by OCR"},
 };
 
 /// Registered last, behind the native classes.
@@ -361,6 +371,7 @@ void ScriptContext::initFunctions() {
         describeFunction(QString("ApplicationContext::") + row.name, describe(row));
         addMemberFunction("ApplicationContext", row.name, row.function);
     }
+    TestInteraction::initFunctions(this);
 }
 
 void Interpreter::initNativeAPI() {

@@ -112,9 +112,8 @@ bool resume(Self, ScriptContext* context) {
 bool stop(Self self, ScriptContext* context) {
     if (!takesNothing(context, "stop"))
         return false;
-    const VoidResult stopped =
-        staticPointerCast<VideoCaptureScriptObject>(self)->task->stop(
-            QStringLiteral("Video capture stopped"), context->callStackForResult(false));
+    const VoidResult stopped = staticPointerCast<VideoCaptureScriptObject>(self)->task->stop(
+        QStringLiteral("Video capture stopped"), context->callStackForResult(false));
     if (!stopped.ok())
         return refuse(context, stopped.errorText());
     context->setNullResult();
@@ -147,9 +146,8 @@ void VideoCaptureCompleter::tell(TestResult& result, const VoidResult& status,
 VideoCaptureScriptObject::VideoCaptureScriptObject(QIODevice* device,
                                                    const SharedPtr<ApplicationContext>& context) {
     RunnerInterface* const runner = Interpreter::currentRunner();
-    const StartedTask started = runner
-                                    ? runner->startVideoCapture(context, device)
-                                    : StartedTask::error(QStringLiteral("There is no runner"));
+    const StartedTask started = runner ? runner->startVideoCapture(context, device)
+                                       : StartedTask::error(QStringLiteral("There is no runner"));
     // The spelling is meant.
     if (!started.ok())
         throw std::runtime_error("Video capture initalization failed: " +
@@ -215,8 +213,8 @@ StartedTask startVideoCaptureInternal(const SharedPtr<ApplicationContext>& conte
     // 7. and its end will be.
     QObject* const completer = new VideoCaptureCompleter(task.value().data(), nativePath);
     task.value()->setProperty("completer", QVariant::fromValue(completer));
-    QObject::connect(task.value().data(), SIGNAL(stopped(VoidResult,QString,CallStack)), completer,
-                     SLOT(onStopped(VoidResult,QString,CallStack)));
+    QObject::connect(task.value().data(), SIGNAL(stopped(VoidResult, QString, CallStack)),
+                     completer, SLOT(onStopped(VoidResult, QString, CallStack)));
     // 8. The task.
     return task;
 }
@@ -250,8 +248,7 @@ void testStartVideoCapture(ScriptContext* context) {
         message = defaultStartVideoCaptureMessage(application);
     // 3. One video is enough.
     if (runner->isVideoCaptureEnabled()) {
-        log(context,
-            "Video capture is globally enabled, skipping request for starting capture");
+        log(context, "Video capture is globally enabled, skipping request for starting capture");
         context->setNullResult();
         return;
     }

@@ -63,8 +63,7 @@ TAMRIX_EXPORT void testStartVideoCapture(ScriptContext* context);
 TAMRIX_EXPORT void testStopVideoCapture(ScriptContext* context);
 
 /// "Video Attachment for AUT: %1"
-TAMRIX_EXPORT QString
-defaultStartVideoCaptureMessage(const SharedPtr<ApplicationContext>& context);
+TAMRIX_EXPORT QString defaultStartVideoCaptureMessage(const SharedPtr<ApplicationContext>& context);
 
 /// Starts a recording of an application to a new file among the attachments, and tells the result,
 /// at its start and, by a VideoCaptureCompleter, at its end. `context` may be null.

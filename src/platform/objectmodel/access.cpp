@@ -75,6 +75,10 @@ Outcome<QByteArray> Access::snapshot(SharedPtr<Object> object) {
     return snapshotOf(Target::ofObject(std::move(object)), false);
 }
 
+Outcome<QByteArray> Access::snapshotWithPicture(SharedPtr<Object> object) {
+    return snapshotOf(Target::ofObject(std::move(object)), true);
+}
+
 Outcome<Wire::ObjectListing> Access::listing() {
     return cannot("list its objects");
 }

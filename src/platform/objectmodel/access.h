@@ -165,9 +165,11 @@ public:
     virtual Outcome<> quit();
 
     // What there is.
-    /// Of nothing: of all objects.
+    /// Of nothing: of all objects. With images: a picture of the target, or of each window, in
+    /// which its parts are seen; none of the parts themselves.
     virtual Outcome<QByteArray> snapshotOf(const Target& target, bool withImages);
     Outcome<QByteArray> snapshot(SharedPtr<Object> object) override;
+    Outcome<QByteArray> snapshotWithPicture(SharedPtr<Object> object) override;
     /// All objects with their names.
     virtual Outcome<Wire::ObjectListing> listing();
     /// A screen rectangle.

@@ -157,14 +157,28 @@ void Inspector::reset() {
     m_model = model;
 }
 
-Outcome<QByteArray> requestObjectSnapshot(SharedPtr<Object> object) {
+namespace {
+
+using Snapshot = Outcome<QByteArray> (ObjectModel::*)(SharedPtr<Object>);
+
+Outcome<QByteArray> snapshotOf(const SharedPtr<Object>& object, Snapshot snapshot) {
     ObjectModel* const model = Inspector::self()->model();
     if (!model)
         return Inspector::noApplication();
     if (!object)
         return fail(FailureKind::BadArgument,
                     QStringLiteral("There is no object of which to take a snapshot"));
-    return model->snapshot(object);
+    return (model->*snapshot)(object);
+}
+
+}  // namespace
+
+Outcome<QByteArray> requestObjectSnapshot(SharedPtr<Object> object) {
+    return snapshotOf(object, &ObjectModel::snapshot);
+}
+
+Outcome<QByteArray> requestObjectSnapshotForVisualVP(SharedPtr<Object> object) {
+    return snapshotOf(object, &ObjectModel::snapshotWithPicture);
 }
 
 Outcome<QByteArray> requestObjectSnapshot(const QString& name) {

@@ -61,8 +61,8 @@ public:
     SharedPtr<Object> createNullObject(const Class* objectClass);
     /// A value as an argument of a call.
     SharedPtr<Object> createObject(const QVariant& value);
-    /// A request by name: "desktopScreenshot", "getPixmapAsImage", "grabObjectScreenshot". Invalid
-    /// on failure.
+    /// A request by name: "desktopScreenshot", "getPixmapAsImage", "grabObjectScreenshot",
+    /// "viewCells". Invalid on failure.
     QVariant nativeRequest(const QString& name, const QVariantList& arguments);
 
     // Events. A null object and a null class stand for all objects. `callback` comes back through
@@ -141,5 +141,7 @@ private:
 /// UIAbstraction::UIElement::elementsFromByteArray.
 TAMRIX_EXPORT Outcome<QByteArray> requestObjectSnapshot(SharedPtr<Object> object);
 TAMRIX_EXPORT Outcome<QByteArray> requestObjectSnapshot(const QString& name);
+/// The same with what a visual verification point compares beside it: a picture of the object.
+TAMRIX_EXPORT Outcome<QByteArray> requestObjectSnapshotForVisualVP(SharedPtr<Object> object);
 
 }  // namespace Tamrix

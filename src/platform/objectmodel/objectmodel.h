@@ -44,6 +44,8 @@ public:
     /// The bytes of the object's tree, or of all objects for null, in the stream form of
     /// UIAbstraction::UIElement::elementsFromByteArray.
     virtual Outcome<QByteArray> snapshot(SharedPtr<Object> object) = 0;
+    /// The same of one object, with a picture of it.
+    virtual Outcome<QByteArray> snapshotWithPicture(SharedPtr<Object> object) = 0;
 };
 
 }  // namespace Tamrix

@@ -128,4 +128,25 @@ QString TestVP::storePicture(RunnerInterface* runner, const QString& name, const
     return path;
 }
 
+void TestVP::attachPictures(TestResult* result, RunnerInterface* runner, const QImage& expected,
+                            const QImage& actual, const QImage& difference) {
+    const struct {
+        const QImage& picture;
+        const char* baseName;
+        const char* message;
+    } rows[] = {
+        {expected, "expected", "Expected"},
+        {actual, "actual", "Actual"},
+        {difference, "difference", "Difference"},
+    };
+    for (const auto& row : rows) {
+        if (row.picture.isNull())
+            continue;
+        const QString path = storePicture(runner, QLatin1String(row.baseName), row.picture);
+        if (!path.isEmpty())
+            result->addResultAttachment(TestResult::ImageAttachment, QLatin1String(row.message),
+                                        path);
+    }
+}
+
 }  // namespace Tamrix

@@ -3,18 +3,45 @@
 #include <QImage>
 #include <QString>
 #include <functional>
+#include <vector>
 
 #include "base/export.h"
 #include "platform/testresult/testresult.h"
 #include "platform/testresult/verificationoptions.h"
+#include "platform/testresult/vpresult.h"
 
 namespace Tamrix {
 
+class ObjectNameResolverInterface;
 class RunnerInterface;
+class TestDataRecord;
 
-/// What verdicts and verification points share about screenshots.
+/// A verification point: a stored expectation in a file of a test suite. The statics are what
+/// verdicts and verification points share about screenshots. Script thread only.
 class TAMRIX_EXPORT TestVP {
 public:
+    /// `name` is the script's, for results; `path` that of the file.
+    TestVP(const QString& name, const QString& path) : m_name(name), m_path(path) {}
+
+    /// Compares what the application shows with what is expected, again and again for the retry
+    /// duration of the options until it is the same, and adds the verdict to `result`: Pass or
+    /// Fail, or in `xMode`, where a difference is wanted, UnexpectedPass or ExpectedFail. With
+    /// renewal a Warning tells what was written to the file. `message` is the comment of the
+    /// results, `record` has the values of the columns that the point names.
+    ///
+    /// `result`, `runner` and `record` may be null. Nothing is added when the file can't be read,
+    /// names a column that is not there, or several objects for a resolver that knows one: then
+    /// the answer is an error. Defined in the core library, since it asks an application.
+    VPResult verify(TestResult* result, const std::vector<LineInfo>& callStack,
+                    RunnerInterface* runner, const QString& message,
+                    ObjectNameResolverInterface* resolver, const VerificationOptions& options,
+                    const TestDataRecord* record, bool xMode) const;
+
+    /// Whether expected values that differ are replaced by those that were found, in the files of
+    /// all verification points of the process, off by default. Patterns, columns and objects that
+    /// are missing stay failures.
+    static void setRenewal(bool on);
+
     /// What the host of the library provides for screenshots.
     struct ScreenshotServices {
         /// A picture of the desktop as it is now; a null image when there is none to be had.
@@ -41,6 +68,15 @@ public:
     /// be stored or `runner` is null.
     static QString storePicture(RunnerInterface* runner, const QString& name,
                                 const QImage& picture);
+
+    /// Stores the pictures beside the report and attaches them to the result that comes next. Null
+    /// pictures are left out.
+    static void attachPictures(TestResult* result, RunnerInterface* runner, const QImage& expected,
+                               const QImage& actual, const QImage& difference);
+
+private:
+    QString m_name;
+    QString m_path;
 };
 
 }  // namespace Tamrix

@@ -51,7 +51,7 @@ void BddActions::clear() {
 QString BddActions::prepare(const QString& featureFile) {
     m_featureFile = featureFile;
     m_reloadError.clear();
-    m_scopes.clear();
+    m_scopes.leaveAll();
     return m_files.load(featureFile);
 }
 

@@ -79,6 +79,11 @@ void BddScopes::leave() {
         m_scopes.pop_back();
 }
 
+void BddScopes::leaveAll() {
+    while (m_scopes.size() > 1)
+        m_scopes.pop_back();
+}
+
 PyObject* BddScopes::find(PyObject* name) const {
     for (auto scope = m_scopes.rbegin(); scope != m_scopes.rend(); ++scope) {
         if (PyObject* const value = PyDict_GetItemWithError(scope->get(), name))

@@ -12,8 +12,9 @@ namespace Tamrix::PythonPlugin {
 /// Script thread only.
 class BddScopes {
 public:
-    /// The scope of the run alone.
     void clear() { m_scopes.clear(); }
+    /// Leaves all but that of the run, as after a run that was cut short.
+    void leaveAll();
     void enter();
     void leave();
 

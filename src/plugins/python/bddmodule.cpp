@@ -172,7 +172,7 @@ PyObject* registerType(PyObject* nameAndPattern, PyObject* transformer) {
 
 PyMethodDef s_registerType = {"register", registerType, METH_O, nullptr};
 
-/// With a transformer the type is registered at once, without one it is a decorator.
+/// Registers a type with a transformer, or with one that follows as the function below a decorator.
 PyObject* parameterType(PyObject*, PyObject* arguments, PyObject* named) {
     static const char* s_names[] = {"name", "pattern", "transformer", nullptr};
     PyObject* name = nullptr;
@@ -184,9 +184,12 @@ PyObject* parameterType(PyObject*, PyObject* arguments, PyObject* named) {
     const PyRef nameAndPattern = PyRef::steal(PyTuple_Pack(2, name, pattern));
     if (!nameAndPattern)
         return nullptr;
-    if (!transformer)
-        return PyCFunction_New(&s_registerType, nameAndPattern.get());
-    return registerType(nameAndPattern.get(), transformer);
+    const PyRef registered =
+        PyRef::steal(registerType(nameAndPattern.get(), transformer ? transformer : Py_None));
+    if (!registered)
+        return nullptr;
+    return transformer ? Py_NewRef(transformer)
+                       : PyCFunction_New(&s_registerType, nameAndPattern.get());
 }
 
 PyObject* pending(PyObject*, PyObject* arguments) {

@@ -4,10 +4,10 @@
 #include <QFileInfo>
 
 #include "base/utf8file.h"
-#include "interpreter/bridge/debugger.h"
 #include "plugins/python/bddregistry.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/overlay.h"
+#include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/scripterror.h"
@@ -19,10 +19,30 @@ namespace {
 /// Relative to the folder of the case.
 constexpr const char* folders[] = {"steps", "../shared/steps"};
 
-/// A module for the code of a file, known to Python under a name that no other module has.
-PyRef makeModule(const QString& path) {
-    const QString name = QStringLiteral("steps in ") + path;
+/// The module that the name leads to; null when there is none. Borrowed.
+PyObject* loadedModule(const QString& name) {
     const PyRef key = checked(toPyString(name).release());
+    return PyDict_GetItemWithError(PyImport_GetModuleDict(), key.get());
+}
+
+/// Whether the module is that of the file.
+bool isModuleOf(PyObject* module, const QString& path) {
+    const PyRef file = PyRef::steal(PyObject_GetAttrString(module, "__file__"));
+    PyErr_Clear();
+    return file && PyUnicode_Check(file.get()) &&
+           Debugger::sanitizedFilePath(fromPyString(file.get())) == path;
+}
+
+/// The name under which others can import the file, unless something else has it.
+QString moduleName(const QString& path) {
+    const QString name = QFileInfo(path).completeBaseName();
+    PyObject* const loaded = loadedModule(name);
+    return !loaded || isModuleOf(loaded, path) ? name : QStringLiteral("steps in ") + path;
+}
+
+/// A new module for the code of a file, known to Python.
+PyRef makeModule(const QString& path) {
+    const PyRef key = checked(toPyString(moduleName(path)).release());
     PyRef module = checked(PyModule_NewObject(key.get()));
     PyObject* const names = PyModule_GetDict(module.get());
     checked(PyDict_SetItemString(names, "__builtins__", PyEval_GetBuiltins()));
@@ -31,6 +51,28 @@ PyRef makeModule(const QString& path) {
     checked(PyDict_SetItem(PyImport_GetModuleDict(), key.get(), module.get()));
     return module;
 }
+
+/// While it exists, stepping does not lead into the code of files that are loaded: what a person
+/// steps through is the feature. Break points stop there all the same, and what is commanded then
+/// holds.
+class StepsOverLoading {
+public:
+    explicit StepsOverLoading(Debugger& debugger)
+        : m_debugger(debugger), m_mode(debugger.debuggerMode()) {
+        if (m_mode == Debugger::Step || m_mode == Debugger::Next)
+            m_debugger.setDebuggerMode(Debugger::Run);
+    }
+    ~StepsOverLoading() {
+        if (m_debugger.debuggerMode() == Debugger::Run)
+            m_debugger.setDebuggerMode(m_mode);
+    }
+    StepsOverLoading(const StepsOverLoading&) = delete;
+    StepsOverLoading& operator=(const StepsOverLoading&) = delete;
+
+private:
+    Debugger& m_debugger;
+    Debugger::DbgMode m_mode;
+};
 
 }  // namespace
 
@@ -64,6 +106,12 @@ QString BddStepFiles::load(const QString& featureFile) {
     for (const QString& path : files()) {
         if (m_loaded.contains(path))
             continue;
+        // Another file may have imported it, by which it has registered what it has.
+        PyObject* const module = loadedModule(QFileInfo(path).completeBaseName());
+        if (module && isModuleOf(module, path)) {
+            m_loaded[path] = stateOf(path);
+            continue;
+        }
         const QString error = loadFile(path);
         if (!error.isEmpty())
             return error;
@@ -92,6 +140,7 @@ QString BddStepFiles::loadFile(const QString& path) {
     if (content->faultyLine > 0)
         return QStringLiteral("%1:%2: the file is not encoded in UTF-8")
             .arg(path, QString::number(content->faultyLine));
+    const StepsOverLoading stepsOver(m_interpreter.debugger());
     PyRef result;
     if (const PyRef code = m_interpreter.compile(content->text, path, Py_file_input)) {
         const PyRef module = makeModule(path);

@@ -206,7 +206,13 @@ void PythonContext::addMemberFunction(const QString& className, const QString& n
 
 void PythonContext::addConstant(const QString& name, int value) {
     ScriptContext::addConstant(name, value);
-    m_interpreter.defineGlobal(name, PyRef::steal(PyLong_FromLong(value)));
+    const PyRef number = checked(PyLong_FromLong(value));
+    const QString separator = QStringLiteral("::");
+    if (name.contains(separator))
+        m_interpreter.defineInNamespace(name.section(separator, 0, 0), name.section(separator, 1),
+                                        number);
+    else
+        m_interpreter.defineGlobal(name, number);
 }
 
 // Positions

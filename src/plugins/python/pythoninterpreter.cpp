@@ -129,7 +129,7 @@ void PythonInterpreter::defineGlobal(const QString& name, const PyRef& value) {
 }
 
 void PythonInterpreter::defineInNamespace(const QString& nameSpace, const QString& name,
-                                          const PyRef& function) {
+                                          const PyRef& value) {
     const PyRef key = checked(toPyString(nameSpace).release());
     PyRef object = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
     if (object && !PyModule_Check(object.get())) {
@@ -141,7 +141,7 @@ void PythonInterpreter::defineInNamespace(const QString& nameSpace, const QStrin
         object = checked(PyModule_NewObject(key.get()));
         defineGlobal(nameSpace, object);
     }
-    setAttribute(object.get(), name, function);
+    setAttribute(object.get(), name, value);
 }
 
 void PythonInterpreter::defineMember(const QString& className, const QString& name,

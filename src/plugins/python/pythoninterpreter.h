@@ -48,7 +48,7 @@ public:
 
     // Names for scripts. They throw PythonErrorSet when Python refuses.
     void defineGlobal(const QString& name, const PyRef& value);
-    void defineInNamespace(const QString& nameSpace, const QString& name, const PyRef& function);
+    void defineInNamespace(const QString& nameSpace, const QString& name, const PyRef& value);
     /// A member function of the Python class that stands for the library's class.
     void defineMember(const QString& className, const QString& name, const PyRef& function);
 

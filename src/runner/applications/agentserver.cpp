@@ -82,7 +82,7 @@ void AgentServer::acceptPeers() {
 bool AgentServer::readPeer(Peer& peer) {
     switch (peer.connection->pump()) {
         case AgentConnection::State::Open:
-            m_accepted.push_back(std::move(peer.connection));
+            m_accepted.push_back({std::move(peer.connection), peer.process});
             return true;
         case AgentConnection::State::Closed:
             m_refusal = {peer.process, peer.connection->errorText(), peer.connection->isRefused()};
@@ -99,7 +99,7 @@ bool AgentServer::readPeer(Peer& peer) {
     return true;
 }
 
-std::vector<std::shared_ptr<AgentConnection>> AgentServer::takeAccepted() {
+std::vector<AgentServer::Accepted> AgentServer::takeAccepted() {
     return std::exchange(m_accepted, {});
 }
 

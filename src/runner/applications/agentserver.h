@@ -37,8 +37,13 @@ public:
     /// Accepts connections and performs the handshake. Peers that are no agents, or have a wrong
     /// version or token, are refused with a text that says why.
     void work();
+    struct Accepted {
+        std::shared_ptr<AgentConnection> connection;
+        /// What connected: the process of the agent, or one that stands for it. -1 when unknown.
+        pid_t process = -1;
+    };
     /// The connections that were opened since the last call.
-    std::vector<std::shared_ptr<AgentConnection>> takeAccepted();
+    std::vector<Accepted> takeAccepted();
     /// A peer that was refused.
     struct Refusal {
         /// -1 when unknown.
@@ -67,7 +72,7 @@ private:
     PrivateFolder m_folder;
     int m_listener = -1;
     std::vector<Peer> m_peers;
-    std::vector<std::shared_ptr<AgentConnection>> m_accepted;
+    std::vector<Accepted> m_accepted;
     Refusal m_refusal;
 };
 

@@ -38,6 +38,7 @@ QList<QByteArray> statusFields(pid_t process) {
 Application::Application(int id, const QString& name, std::unique_ptr<Access> access,
                          std::shared_ptr<StartedProgram> program)
     : m_access(std::move(access)), m_program(std::move(program)) {
+    m_isFirst = m_program && !m_program->hasApplication();
     const ApplicationFacts facts = m_access->facts();
     this->id = id;
     this->name = name;
@@ -45,9 +46,12 @@ Application::Application(int id, const QString& name, std::unique_ptr<Access> ac
     valid = true;
     toolkitVersion = facts.toolkit;
     startTime = QDateTime::currentDateTime();
-    commandLine = isMainProcess() ? m_program->start().commandLine() : commandLineOf(facts);
+    commandLine = isMainProcess() && host().isEmpty() ? m_program->start().commandLine()
+                                                      : commandLineOf(facts);
     m_access->setEndText([this] { return endText(); });
     m_access->setStallTest([this] { return isStalled(); });
+    if (m_program)
+        m_program->noteApplication(name, isExitExpected);
     if (isMainProcess())
         m_access->setProcessDescriptor(m_program->endDescriptor());
 }
@@ -61,7 +65,14 @@ Application::~Application() {
 }
 
 bool Application::isMainProcess() {
-    return m_program && m_program->process().pid() == pid;
+    if (!m_program)
+        return false;
+    // The number of a process on another machine says nothing here.
+    return host().isEmpty() ? m_program->process().pid() == pid : m_isFirst;
+}
+
+QString Application::host() const {
+    return m_program ? m_program->start().host : QString();
 }
 
 void Application::work() {
@@ -78,10 +89,15 @@ void Application::work() {
 }
 
 bool Application::isRunning() {
-    return isMainProcess() ? !m_program->process().hasEnded() : isProcessRunning(pid);
+    if (isMainProcess())
+        return !m_program->process().hasEnded();
+    return host().isEmpty() ? isProcessRunning(pid) : valid;
 }
 
 bool Application::isStalled() {
+    // What another machine tells of its processes takes too long to be asked for here.
+    if (!host().isEmpty())
+        return false;
     const qint64 before = std::exchange(m_lastCpuTime, cpuTime(pid));
     return m_lastCpuTime == before && processState(pid) != "R";
 }

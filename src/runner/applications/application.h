@@ -24,6 +24,8 @@ public:
     const std::shared_ptr<StartedProgram>& sharedProgram() const { return m_program; }
     /// Whether this is the process that the run itself started.
     bool isMainProcess();
+    /// The machine that it runs on; empty for this one.
+    QString host() const;
 
     /// Processes pending messages and updates `valid`.
     void work();
@@ -44,6 +46,8 @@ private:
 
     std::unique_ptr<Access> m_access;
     std::shared_ptr<StartedProgram> m_program;
+    /// The first of its program.
+    bool m_isFirst = false;
     bool m_isDetached = false;
     qint64 m_lastCpuTime = -1;
 };

@@ -152,7 +152,8 @@ Outcome<SharedPtr<Application>> Applications::waitForStart(
         if (!refused.text.isEmpty())
             refusal = QStringLiteral("\nA connection was refused: ") + refused.text;
         const bool isHopeless = refused.isFinal && program->includes(refused.process);
-        const QString obstacle = isAlive && foreignToolkit.isLookDue()
+        const bool isHere = program->start().host.isEmpty();
+        const QString obstacle = isAlive && isHere && foreignToolkit.isLookDue()
                                      ? foreignToolkit.look(program->processes())
                                      : QString();
         if (!isAlive || isHopeless || !obstacle.isEmpty() || deadline.hasExpired()) {
@@ -305,6 +306,11 @@ SharedPtr<Application> Applications::add(std::shared_ptr<AgentConnection> connec
 
 SharedPtr<Application> Applications::add(std::unique_ptr<Access> access, const QString& name) {
     const auto program = m_programs.of(static_cast<pid_t>(access->facts().pid));
+    return add(std::move(access), name, program);
+}
+
+SharedPtr<Application> Applications::add(std::unique_ptr<Access> access, const QString& name,
+                                         const std::shared_ptr<StartedProgram>& program) {
     SharedPtr<Application> application(
         new Application(++m_lastId, uniqueName(name), std::move(access), program));
     // A request lets the others work, and ends when the run is interrupted.
@@ -386,12 +392,13 @@ void Applications::work() {
         return;
     const QScopedValueRollback<bool> working(m_isWorking, true);
     m_server.work();
-    for (std::shared_ptr<AgentConnection>& connection : m_server.takeAccepted()) {
-        const auto program = m_programs.of(static_cast<pid_t>(connection->hello().pid));
+    for (auto& [connection, process] : m_server.takeAccepted()) {
+        const auto program = m_programs.of(process);
         const QString name = program && !firstOf(program.get())
                                  ? program->start().name
                                  : connection->hello().program.section(QLatin1Char('/'), -1);
-        m_launched.push_back(add(std::move(connection), name));
+        m_launched.push_back(
+            add(std::make_unique<RemoteModel>(std::move(connection)), name, program));
     }
     for (const SharedPtr<Application>& application : qAsConst(m_applications))
         application->work();

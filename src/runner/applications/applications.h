@@ -96,6 +96,8 @@ public:
 private:
     Outcome<> prepare();
     SharedPtr<Application> add(std::shared_ptr<AgentConnection> connection, const QString& name);
+    SharedPtr<Application> add(std::unique_ptr<Access> access, const QString& name,
+                               const std::shared_ptr<StartedProgram>& program);
     QString uniqueName(const QString& name);
     SharedPtr<Application> firstOf(const StartedProgram* program);
     Outcome<SharedPtr<Application>> waitForStart(const std::shared_ptr<StartedProgram>& program,

@@ -23,6 +23,11 @@ struct ApplicationStart {
     /// The name of the context: that of config.xml, else that of the program's file.
     QString name;
     ProgramStart program;
+    /// The machine of the application when that is another one: `program` then stands for it here.
+    /// Empty for this machine.
+    QString host = {};
+    /// -1 for the default.
+    int port = -1;
     /// How the agent comes in. Not null.
     const Launcher* launcher = &Launcher::standard();
 

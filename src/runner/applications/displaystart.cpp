@@ -70,7 +70,7 @@ ApplicationFacts DisplayStart::factsOf(qint64 windowProcess) const {
         facts.program = m_program->start().program.program;
     facts.arguments = commandLineOf(facts.pid).mid(1);
     facts.toolkit = QStringLiteral("X windows, without agent");
-    facts.platform = QStringLiteral("display %1").arg(m_address.name);
+    facts.platform = QStringLiteral("xcb");
     facts.osName = QSysInfo::prettyProductName();
     return facts;
 }

@@ -27,6 +27,7 @@ public:
     /// An application of this program is connected under a name; `isExitExpected` once the script
     /// wants it to end.
     void noteApplication(const QString& name, bool isExitExpected);
+    bool hasApplication() const { return !m_applicationName.isEmpty(); }
     /// The script works with the program from now on: its end is of interest, whenever it was.
     void watch() { m_isWatched = true; }
     bool isWatched() const { return m_isWatched; }

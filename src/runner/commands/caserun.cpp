@@ -139,11 +139,13 @@ SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
     SuiteRunOptions options;
     options.hasPrivateHomes = settings.farm.hasPrivateHomes();
     options.recordsActions = settings.recordsActions;
+    options.renewsVerificationPoints = settings.renewsVerificationPoints;
     options.resultDirectory = settings.resultDirectory;
     options.tagFilters = settings.tagFilters;
     options.scenarios = settings.scenarios;
     options.scriptArguments = settings.scriptArguments;
     options.video = settings.video;
+    options.isInteractive = settings.isInteractive;
     options.display = settings.display;
     if (settings.display.isEmpty() && settings.farm.jobs > 0)
         options.display = QStringLiteral("auto");
@@ -172,6 +174,9 @@ std::vector<Option<CaseRunSettings>> caseRunOptions() {
             {"video", "on|off|on-failure",
              "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
              nullptr, readVideoMode},
+            {"interactive", nullptr,
+             "Lets scripts ask the person in front of the screen (testInteraction).", nullptr,
+             setTo(&CaseRunSettings::isInteractive, true)},
             {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
              nullptr, setTo(&CaseRunSettings::recordsActions, false)},
             {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,

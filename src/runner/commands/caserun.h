@@ -28,6 +28,9 @@ struct CaseRunSettings {
     /// So many failed cases end the run; 0 for none.
     int maxFailures = 0;
     VideoMode video = VideoMode::Off;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
+    bool isInteractive = false;
     bool recordsActions = true;
     bool hasConsole = true;
     ConsoleReport::Verbosity verbosity = ConsoleReport::Verbosity::Normal;

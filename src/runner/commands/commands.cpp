@@ -17,7 +17,8 @@
     DO(findImage)                   \
     DO(findText)                    \
     DO(dap)                         \
-    DO(data)
+    DO(data)                        \
+    DO(vp)
 
 namespace Tamrix {
 

@@ -1,8 +1,6 @@
 // "tamrixrunner inspect": the objects of a program, or the names of one of them.
 
 #include <QBuffer>
-#include <QDeadlineTimer>
-#include <algorithm>
 
 #include "base/textescape.h"
 #include "runner/applications/applications.h"
@@ -10,6 +8,7 @@
 #include "runner/applications/objecttree.h"
 #include "runner/commands/command.h"
 #include "runner/commands/displayoption.h"
+#include "runner/commands/waitoption.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
@@ -37,15 +36,6 @@ struct InspectSettings {
     /// How long to wait before looking.
     double waitSeconds = 0;
 };
-
-Outcome<> readWait(const QStringList& values, InspectSettings& settings) {
-    bool isNumber = false;
-    settings.waitSeconds = values.constLast().toDouble(&isNumber);
-    if (!isNumber || !(settings.waitSeconds >= 0 && settings.waitSeconds <= 3600))
-        return wrongUsage(
-            QStringLiteral("--wait takes a number of seconds, not '%1'").arg(values.constLast()));
-    return {};
-}
 
 Outcome<> readHook(const QStringList& values, InspectSettings& settings) {
     settings.launcher = Launcher::find(values.constLast());
@@ -106,13 +96,6 @@ QString storeScreenshot(Access& access, const QString& fileName) {
     return {};
 }
 
-/// Lets the program settle.
-void pause(Applications& applications, double seconds) {
-    const QDeadlineTimer deadline(static_cast<qint64>(seconds * 1000));
-    while (!deadline.hasExpired() && !applications.isInterrupted())
-        applications.waitForNews(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 50)));
-}
-
 /// What is printed, and whether there was something to be told.
 struct Inspection {
     QByteArray text;
@@ -144,7 +127,7 @@ Outcome<int> inspectWith(Applications& applications, const InspectSettings& sett
     if (!started)
         return fail(started.error());
     const SharedPtr<Application>& application = *started;
-    pause(applications, settings.waitSeconds);
+    letSettle(applications, settings.waitSeconds);
 
     const Outcome<Inspection> inspection = look(application->access(), settings);
     QString error = inspection ? QString() : inspection.error().text;
@@ -190,7 +173,7 @@ Command inspectCommand() {
            nullptr, readNamesOf},
           {"screenshot", "FILE", "Stores a picture of the screen in this file.", nullptr,
            textTo(&InspectSettings::screenshotFile)},
-          {"wait", "SECONDS", "Waits so long before it looks; %1 unless given.", "1", readWait}},
+          waitOption(&InspectSettings::waitSeconds)},
          {{"json", "xml"}, {"json", "names"}, {"xml", "names"}},
          readArguments,
          inspectApplication});

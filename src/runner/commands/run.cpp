@@ -10,6 +10,10 @@ std::vector<Option<CaseRunSettings>> runOptions() {
     options.insert(options.end(),
                    {{"fail-fast", nullptr, "Ends the run behind the first test case that fails.",
                      nullptr, setTo(&CaseRunSettings::maxFailures, 1)},
+                    {"update-vps", nullptr,
+                     "Writes what the application shows to the files of verification points that "
+                     "differ; each is told as a warning.",
+                     nullptr, setTo(&CaseRunSettings::renewsVerificationPoints, true)},
                     {"debugger", nullptr,
                      "Stops each case at its first line and lets a program debug it over standard "
                      "input and output; the console report goes to standard error.",
@@ -24,7 +28,8 @@ std::vector<std::pair<const char*, const char*>> exclusiveRunOptions() {
     exclusive.insert(exclusive.end(), {{"fail-fast", "max-failures"},
                                        {"debugger", "jobs"},
                                        {"debugger", "retries"},
-                                       {"debugger", "case-timeout"}});
+                                       {"debugger", "case-timeout"},
+                                       {"interactive", "jobs"}});
     return exclusive;
 }
 

@@ -249,16 +249,21 @@ Outcome<> SshConnection::lookForLife() {
     return {};
 }
 
-Outcome<> SshConnection::wait(int milliseconds) {
+Outcome<> SshConnection::wait(int milliseconds, std::vector<pollfd>* others) {
     if (!endText().isEmpty())
         return fail(FailureKind::Ended, endText());
     const bool hasToWrite = (ssh_get_poll_flags(m_session) & SSH_WRITE_PENDING) != 0;
-    pollfd watched{descriptor(), static_cast<short>(hasToWrite ? POLLIN | POLLOUT : POLLIN), 0};
+    std::vector<pollfd> watched = others ? *others : std::vector<pollfd>();
+    watched.push_back(
+        {descriptor(), static_cast<short>(hasToWrite ? POLLIN | POLLOUT : POLLIN), 0});
     // What has come since the last wait may be for a stream that was looked at before.
     const bool hasNews = m_counter->in_bytes != m_lastWaitCount;
     m_lastWaitCount = m_counter->in_bytes;
-    if (!hasNews)
-        blockingPoll(&watched, 1, std::min(milliseconds, 100));
+    if (!hasNews || others)
+        blockingPoll(watched.data(), watched.size(), hasNews ? 0 : std::min(milliseconds, 100));
+    watched.pop_back();
+    if (others)
+        *others = watched;
     if (m_idleHook && !m_idleHook())
         return fail(FailureKind::Failed, QStringLiteral("the run was interrupted"));
     return lookForLife();

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <poll.h>
+
 #include <QElapsedTimer>
 #include <QString>
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "base/outcome.h"
 
@@ -48,7 +51,8 @@ public:
 
     /// Waits until something may have come or can be sent, at most this long. Fails when the
     /// connection has ended, the server is silent for too long or the idle hook wants an end.
-    Outcome<> wait(int milliseconds);
+    /// `others`, when given, are polled together with the connection.
+    Outcome<> wait(int milliseconds, std::vector<pollfd>* others = nullptr);
     /// Repeats a step, which does not wait, until it gives another result than SSH_AGAIN; fails
     /// with the server's words when that is not SSH_OK.
     Outcome<> repeat(const std::function<int()>& step, const QString& whatFails);

@@ -63,10 +63,9 @@ FunctionCallResult<QSharedPointer<BackgroundTask>> ApplicationInput::startVideoC
     if (!end.isEmpty())
         return Result::error(end);
     // The run's own video does not let the script wait.
-    const auto task = m_state.recordings.start(m_state.applications, application, device,
-                                               m_state.facts.recordsVideo
-                                                   ? Recordings::Start::AtOnce
-                                                   : Recordings::Start::AtFirstPicture);
+    const auto task = m_state.recordings.start(
+        m_state.applications, application, device,
+        m_state.facts.recordsVideo ? Recordings::Start::AtOnce : Recordings::Start::AtFirstPicture);
     return task ? Result(*task) : Result::error(task.error().text);
 }
 

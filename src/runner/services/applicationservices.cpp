@@ -9,21 +9,27 @@
 #include "platform/objectmodel/inspector.h"
 #include "platform/testresult/testresult.h"
 #include "runner/processes/shellwords.h"
+#include "runner/services/remoteapplication.h"
 
 namespace Tamrix {
 
 namespace {
 
-/// Applications run on this machine only.
-Outcome<> checkHost(const QString& host) {
+bool isThisMachine(const QString& host) {
     const QStringList local = {QString(), QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
                                QStringLiteral("::1")};
-    if (local.contains(host))
+    return local.contains(host);
+}
+
+/// What is of this machine only.
+Outcome<> checkHost(const QString& host) {
+    if (isThisMachine(host))
         return {};
-    return fail(FailureKind::Refused,
-                QStringLiteral("applications can be started and attached to on this machine only, "
-                               "not on '%1'")
-                    .arg(host));
+    return fail(
+        FailureKind::Refused,
+        QStringLiteral("only startApplication() reaches another machine; this works on this "
+                       "machine only, not on '%1'")
+            .arg(host));
 }
 
 /// What a script gets: null with `*error` set on failure.
@@ -46,12 +52,12 @@ QStringList optionArguments(const QMap<QString, QString>& options) {
 }  // namespace
 
 SharedPtr<ApplicationContext> ApplicationServices::startApplication(const QString& program,
-                                                                    const QString& host, int,
+                                                                    const QString& host, int port,
                                                                     int timeout, QString* error) {
     const auto started = [&]() -> Outcome<SharedPtr<Application>> {
-        if (const Outcome<> checked = checkHost(host); !checked)
-            return fail(checked.error());
-        const Outcome<ApplicationStart> start = resolveApplication(program, m_state.facts.places);
+        const Outcome<ApplicationStart> start =
+            isThisMachine(host) ? resolveApplication(program, m_state.facts.places)
+                                : remoteApplication(program, {host, port}, m_state.facts.places);
         if (!start)
             return fail(start.error());
         return noted(m_state.applications.start(*start, timeout));
@@ -170,11 +176,17 @@ SharedPtr<Application> ApplicationServices::running(const SharedPtr<ApplicationC
 }
 
 qint64 ApplicationServices::usedMemory(SharedPtr<ApplicationContext> context) {
-    return running(context) ? residentMemory(context->pid) : -1;
+    const SharedPtr<Application> application = running(context);
+    if (application && !application->host().isEmpty())
+        return m_remoteProcesses.residentMemory(*application);
+    return application ? residentMemory(context->pid) : -1;
 }
 
 qint64 ApplicationServices::totalTime(SharedPtr<ApplicationContext> context) {
-    return running(context) ? cpuTime(context->pid) : -1;
+    const SharedPtr<Application> application = running(context);
+    if (application && !application->host().isEmpty())
+        return m_remoteProcesses.cpuTime(*application);
+    return application ? cpuTime(context->pid) : -1;
 }
 
 QString ApplicationServices::environmentVariable(SharedPtr<ApplicationContext> context,
@@ -186,16 +198,24 @@ QString ApplicationServices::environmentVariable(SharedPtr<ApplicationContext> c
 }
 
 QString ApplicationServices::currentDirectory(SharedPtr<ApplicationContext> context) {
-    return running(context) ? processDirectory(context->pid) : QString();
+    const SharedPtr<Application> application = running(context);
+    if (application && !application->host().isEmpty())
+        return m_remoteProcesses.directory(*application);
+    return application ? processDirectory(context->pid) : QString();
 }
 
-QString ApplicationServices::host(SharedPtr<ApplicationContext>) {
-    return QStringLiteral("localhost");
+QString ApplicationServices::host(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_state.applications.checked(context);
+    const QString host = application ? application->host() : QString();
+    return host.isEmpty() ? QStringLiteral("localhost") : host;
 }
 
-int ApplicationServices::port(SharedPtr<ApplicationContext>) {
-    // Applications are connected through a local socket, which has none.
-    return 0;
+int ApplicationServices::port(SharedPtr<ApplicationContext> context) {
+    const SharedPtr<Application> application = m_state.applications.checked(context);
+    // Those of this machine are connected through a local socket, which has none.
+    if (!application || application->host().isEmpty())
+        return 0;
+    return std::max(application->program()->start().port, 0);
 }
 
 bool ApplicationServices::isRunning(SharedPtr<ApplicationContext> context) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "interpreter/bridge/runnerinterface.h"
+#include "runner/services/remoteapplication.h"
 #include "runner/services/runstate.h"
 
 namespace Tamrix {
@@ -56,6 +57,7 @@ private:
                        QByteArray (ChildOutput::*stream)() const, bool* available);
 
     RunState& m_state;
+    RemoteProcesses m_remoteProcesses;
 };
 
 }  // namespace Tamrix

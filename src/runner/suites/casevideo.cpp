@@ -71,8 +71,7 @@ void CaseVideo::end(BackgroundTask& task, bool isWanted) {
     QFile::remove(completer->filePath);
     // The folder stays when something else is in it.
     QDir().rmdir(QFileInfo(completer->filePath).path());
-    m_result.addDiscardedVideo(QStringLiteral("The test case has not failed"),
-                               completer->filePath);
+    m_result.addDiscardedVideo(QStringLiteral("The test case has not failed"), completer->filePath);
 }
 
 }  // namespace Tamrix

@@ -17,6 +17,7 @@
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
+#include "interpreter/generic/testinteraction.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
@@ -78,12 +79,16 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
     m_runner.facts.scenarios = options.scenarios;
     m_runner.facts.places = {suite.directory, suite.config.fileName, suite.config.applications};
     m_result.setRecordsActions(options.recordsActions);
+    TestVP::setRenewal(options.renewsVerificationPoints);
+    TestInteraction::setInteractive(options.isInteractive);
     TestVP::setScreenshotServices(
         {[this](RunnerInterface*) { return grabDesktop(); }, screenshotDirectory,
          [this](RunnerInterface*, const QString& folder) { keepFailureMoment(folder); }});
 }
 
 SuiteRun::~SuiteRun() {
+    TestVP::setRenewal(false);
+    TestInteraction::setInteractive(false);
     TestVP::setScreenshotServices({});
 }
 

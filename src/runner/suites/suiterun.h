@@ -25,6 +25,8 @@ struct SuiteRunOptions {
     bool hasPrivateHomes = false;
     /// Further facts about the run, for the reports.
     QList<EnvironmentFact> facts;
+    /// Whether verification points that differ are written anew.
+    bool renewsVerificationPoints = false;
     /// Whether the results tell what scripts do to applications.
     bool recordsActions = true;
     /// Where attachments go: absolute, or empty for the suite's own folder.
@@ -39,6 +41,8 @@ struct SuiteRunOptions {
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
     VideoMode video = VideoMode::Off;
+    /// Whether somebody is there whom scripts may ask.
+    bool isInteractive = false;
 };
 
 /// Runs test cases of a suite one after the other in this process, each in its own folder as

@@ -32,8 +32,7 @@ constexpr int errorLines = 5;
 
 constexpr int picturesPerSecond = 10;
 
-/// The command line behind the name of the display, which is told by "%1".
-QStringList recorderArguments(const QString& display) {
+QStringList recorderArguments(const RecorderStart& start) {
     const QString rate = QString::number(picturesPerSecond);
     return {
         QStringLiteral("-hide_banner"),
@@ -41,20 +40,20 @@ QStringList recorderArguments(const QString& display) {
         QStringLiteral("-nostats"),
         QStringLiteral("-loglevel"),
         QStringLiteral("error"),
-        // The whole display. The agent does not move the pointer that could be seen there.
+        // The whole display.
         QStringLiteral("-f"),
         QStringLiteral("x11grab"),
         QStringLiteral("-framerate"),
         rate,
         QStringLiteral("-draw_mouse"),
-        QStringLiteral("0"),
+        QString::number(start.showsPointer),
         // Nothing has to be found out about its pictures.
         QStringLiteral("-probesize"),
         QStringLiteral("32"),
         QStringLiteral("-analyzeduration"),
         QStringLiteral("0"),
         QStringLiteral("-i"),
-        display,
+        start.display,
         QStringLiteral("-an"),
         // Colours at half the resolution need even sizes.
         QStringLiteral("-vf"),
@@ -102,12 +101,11 @@ Outcome<QString> DisplayRecorder::findProgram() {
 Outcome<std::unique_ptr<DisplayRecorder>> DisplayRecorder::start(const RecorderStart& start) {
     const int descriptor = ::fcntl(start.descriptor, F_DUPFD_CLOEXEC, 0);
     if (descriptor < 0)
-        return fail(FailureKind::Failed,
-                    QStringLiteral("the video's file can't be used: %1")
-                        .arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return fail(FailureKind::Failed, QStringLiteral("the video's file can't be used: %1")
+                                             .arg(QString::fromLocal8Bit(std::strerror(errno))));
     ProgramStart program;
     program.program = start.program;
-    program.arguments = recorderArguments(start.display);
+    program.arguments = recorderArguments(start);
     program.environment = start.environment;
     program.mark = start.mark;
     program.outputDescriptor = descriptor;
@@ -121,8 +119,7 @@ Outcome<std::unique_ptr<DisplayRecorder>> DisplayRecorder::start(const RecorderS
     // A video that costs more than it should is better than none.
     [[maybe_unused]] const int ignored =
         ::setpriority(PRIO_PROCESS, id, ::getpriority(PRIO_PROCESS, 0) + niceness);
-    return std::unique_ptr<DisplayRecorder>(
-        new DisplayRecorder(std::move(*process), descriptor));
+    return std::unique_ptr<DisplayRecorder>(new DisplayRecorder(std::move(*process), descriptor));
 }
 
 DisplayRecorder::DisplayRecorder(std::unique_ptr<ChildProcess> process, int descriptor)
@@ -148,9 +145,9 @@ Outcome<> DisplayRecorder::waitForPicture(int milliseconds) {
         if (m_process->hasEnded())
             return fail(FailureKind::Ended, endText());
         if (deadline.hasExpired()) {
-            return fail(FailureKind::TimedOut,
-                        QStringLiteral("ffmpeg has recorded nothing within %1 ms")
-                            .arg(milliseconds));
+            return fail(
+                FailureKind::TimedOut,
+                QStringLiteral("ffmpeg has recorded nothing within %1 ms").arg(milliseconds));
         }
         blockingSleep(pollMicroseconds);
     }
@@ -184,8 +181,7 @@ Outcome<> DisplayRecorder::stop() {
                         .arg(endPatience));
     }
     // 4. What it could not write, it says with another exit code.
-    const bool isOrderly =
-        m_process->exitCode() == 0 || m_process->exitCode() == exitCodeOfSignal;
+    const bool isOrderly = m_process->exitCode() == 0 || m_process->exitCode() == exitCodeOfSignal;
     if (!isOrderly)
         return fail(FailureKind::Ended, endText());
     if (!hasPicture())

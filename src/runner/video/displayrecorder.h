@@ -20,6 +20,8 @@ struct RecorderStart {
     QString mark;
     /// A regular file, open for writing. Not owned; closing it later does not end the recording.
     int descriptor = -1;
+    /// Whether the pointer belongs to what is to be seen: the agent does not move it.
+    bool showsPointer = false;
 };
 
 /// The program ffmpeg recording a display. It writes to the file by itself, so that nothing is lost

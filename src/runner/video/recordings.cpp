@@ -26,10 +26,15 @@ ProgramEnvironment displayOf(Applications& applications, Application& applicatio
     return environment;
 }
 
+/// How an application that is driven without an agent names its platform: the display itself.
+bool isDisplayItself(const QString& platform) {
+    return platform.startsWith(QLatin1String("display "));
+}
+
 /// Videos are made of X displays.
 Outcome<> checkPlatform(const Application& application, const QString& platform,
                         const QString& display) {
-    if (platform != QLatin1String("xcb")) {
+    if (platform != QLatin1String("xcb") && !isDisplayItself(platform)) {
         return fail(FailureKind::Refused,
                     QStringLiteral("a video can be made of an X display only, and the application "
                                    "'%1' shows its windows on '%2'")
@@ -45,9 +50,9 @@ Outcome<> checkPlatform(const Application& application, const QString& platform,
 
 }  // namespace
 
-Outcome<QSharedPointer<BackgroundTask>> Recordings::start(
-    Applications& applications, const SharedPtr<Application>& application, QIODevice* device,
-    Start kind) {
+Outcome<QSharedPointer<BackgroundTask>> Recordings::start(Applications& applications,
+                                                          const SharedPtr<Application>& application,
+                                                          QIODevice* device, Start kind) {
     // 1. The program that records.
     const Outcome<QString> program = DisplayRecorder::findProgram();
     if (!program)
@@ -57,8 +62,9 @@ Outcome<QSharedPointer<BackgroundTask>> Recordings::start(
     start.program = *program;
     start.environment = displayOf(applications, *application);
     start.display = start.environment.constFirst().second;
-    const Outcome<> checked =
-        checkPlatform(*application, application->access().facts().platform, start.display);
+    const QString platform = application->access().facts().platform;
+    start.showsPointer = isDisplayItself(platform);
+    const Outcome<> checked = checkPlatform(*application, platform, start.display);
     if (!checked)
         return fail(checked.error());
     // 3. The file.

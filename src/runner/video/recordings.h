@@ -33,7 +33,9 @@ public:
     /// since the last call.
     QStringList work();
     /// Those that go on, to be stopped by the caller.
-    std::vector<QSharedPointer<VideoRecording>> takeRunning() { return std::exchange(m_running, {}); }
+    std::vector<QSharedPointer<VideoRecording>> takeRunning() {
+        return std::exchange(m_running, {});
+    }
 
 private:
     std::vector<QSharedPointer<VideoRecording>> m_running;

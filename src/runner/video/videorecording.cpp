@@ -42,8 +42,7 @@ bool VideoRecording::work() {
     return false;
 }
 
-void VideoRecording::end(const VoidResult& status, const QString& message,
-                         const CallStack& stack) {
+void VideoRecording::end(const VoidResult& status, const QString& message, const CallStack& stack) {
     m_hasEnded = true;
     m_recorder.reset();
     m_file.reset();

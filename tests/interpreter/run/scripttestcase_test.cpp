@@ -224,5 +224,21 @@ TEST_F(ScriptTestCaseTest, WorksWithoutASink) {
     EXPECT_FALSE(silent.exec());
 }
 
+TEST_F(ScriptTestCaseTest, RunsAFeatureInTheLanguageOfItsSteps) {
+    const QString feature = script("test.feature", "Feature: f\n");
+    script("steps/a.tcl", "");
+    const auto one = testCase();
+    ASSERT_TRUE(one->loadFeature(feature, Debugger::Run));
+    EXPECT_EQ(ScriptTestCase::ip->language(), Interpreter::Tcl);
+    EXPECT_EQ(one->testScriptName(), "test.feature");
+    EXPECT_TRUE(one->init());
+    // This language knows steps in scripts only.
+    EXPECT_FALSE(one->exec());
+    EXPECT_TRUE(one->cleanup());
+    EXPECT_EQ(results().join("; "),
+              "9|Script Error|The language of the test case can't call 'runFeatureFile' without a "
+              "script|");
+}
+
 }  // namespace
 }  // namespace Tamrix

@@ -240,6 +240,47 @@ TEST_F(HtmlBrowserTest, ShowsActionsAlongTheTimeAndTheRunItself) {
     EXPECT_EQ(seen["address"].toString(), "#case=tst_basket");
 }
 
+TEST_F(HtmlBrowserTest, PlaysAVideoFromAFailure) {
+    const QString video = directory.filePath("shop_capture.mp4");
+    ASSERT_EQ(QProcess::execute("ffmpeg",
+                                {"-v", "error", "-f", "lavfi", "-i",
+                                 "testsrc=duration=4:size=320x240:rate=10", "-pix_fmt", "yuv420p",
+                                 "-movflags", "empty_moov+frag_keyframe", "-g", "10", video}),
+              0);
+    HtmlReport html(directory.filePath("report"));
+    FixedClock clock(&html);
+    {
+        TestResult result(&clock);
+        result.startCase("c", "/c");
+        result.addStartVideo("V", video, {});
+        for (int count = 0; count < 5; ++count)
+            result.addResult(TestResult::Log, "half a second", "", LineInfo());
+        result.addResult(TestResult::Fail, "f", "", LineInfo());
+        result.addEndVideo("done", video, {});
+    }
+    html.finish();
+    const QJsonObject seen = visit("", R"(
+        const video = one("video");
+        await until(() => video.readyState > 0);
+        seen.duration = video.duration;
+        await until(() => one(".marks .mark"));
+        seen.left = one(".marks .mark").style.left;
+        seen.title = one(".marks .mark").title;
+        const button = [...page.querySelectorAll("button")].find(
+            (element) => element.textContent.startsWith("Show in the video"));
+        seen.button = button.textContent;
+        button.click();
+        await until(() => !video.seeking);
+        seen.time = video.currentTime;
+)");
+    EXPECT_EQ(seen["error"].toString(), "");
+    EXPECT_NEAR(seen["duration"].toDouble(), 4, 0.2);
+    EXPECT_EQ(seen["left"].toString(), "75%");
+    EXPECT_EQ(seen["title"].toString(), "3.00 s  Fail: f");
+    EXPECT_EQ(seen["button"].toString(), "Show in the video at 3.00 s");
+    EXPECT_NEAR(seen["time"].toDouble(), 2, 0.9);
+}
+
 TEST_F(HtmlBrowserTest, OpensAtTheViewThatItsAddressNames) {
     const QJsonObject seen = visit("#outcome=failed,incomplete&text=kill", R"(
         seen.cases = cases();

@@ -143,6 +143,37 @@ TEST_F(HtmlReportTest, ShowsTheEndOfALongText) {
     EXPECT_EQ(file["note"].toString(), "The last 63 KiB of 117 KiB.");
 }
 
+TEST_F(HtmlReportTest, ShowsVideosThatAreWanted) {
+    const QString video = directory.filePath("shop_capture.mp4");
+    ASSERT_TRUE(writeFile(video, "a video"));
+    const QJsonObject data = dataOf(report([&](ReportGenerator* html) {
+        FixedClock clock(html);
+        TestResult result(&clock);
+        result.startCase("kept", "/c");
+        result.addStartVideo("V", video, {});
+        result.addResult(TestResult::Fail, "f", "", LineInfo());
+        result.addEndVideo("done", video, {});
+        result.startCase("discarded", "/c");
+        result.addStartVideo("V", directory.filePath("gone.mp4"), {});
+        result.addDiscardedVideo("not failed", directory.filePath("gone.mp4"));
+        // As a run leaves it that was killed.
+        result.startCase("killed", "/c");
+        result.addStartVideo("V", directory.filePath("missing.mp4"), {});
+        result.setComplete();
+    }));
+    const QJsonArray rows = data["entries"].toArray();
+    const QJsonObject kept = rows[0].toArray()[0].toObject();
+    EXPECT_EQ(kept["kind"].toString(), "video");
+    EXPECT_EQ(kept["until"].toInt() - kept["at"].toInt(), 1000);
+    EXPECT_EQ(kept["file"].toObject()["kind"].toString(), "video");
+    EXPECT_EQ(readFile(folder + '/' + kept["file"].toObject()["path"].toString()), "a video");
+    EXPECT_EQ(rows[0].toArray().size(), 3);
+    EXPECT_EQ(rows[1].toArray().size(), 0);
+    const QJsonObject killed = rows[2].toArray()[0].toObject();
+    EXPECT_FALSE(killed.contains("until"));
+    EXPECT_TRUE(killed["file"].toObject()["problem"].toString().endsWith("is missing."));
+}
+
 TEST_F(HtmlReportTest, LeavesVeryManyActionsToTheJournal) {
     const QJsonObject data = dataOf(report([](ReportGenerator* html) {
         TestResult result(html);

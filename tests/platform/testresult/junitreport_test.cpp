@@ -68,6 +68,23 @@ TEST_F(JUnitReportTest, TellsShardAndAttempts) {
     EXPECT_TRUE(compareWithGolden("testresult/junit-attempts.xml", QString::fromUtf8(xml)));
 }
 
+TEST_F(JUnitReportTest, NamesEachVideoThatIsThere) {
+    const QByteArray xml = report([](ReportGenerator* junit) {
+        TestResult result(junit);
+        result.startCase("kept", "/c");
+        result.addStartVideo("V", "/r/kept.mp4", {});
+        result.addEndVideo("done", "/r/kept.mp4", {});
+        result.startCase("discarded", "/c");
+        result.addStartVideo("V", "/r/discarded.mp4", {});
+        result.addDiscardedVideo("not failed", "/r/discarded.mp4");
+        result.startCase("killed", "/c");
+        result.addStartVideo("V", "/r/killed.mp4", {});
+        result.setComplete();
+    });
+    EXPECT_EQ(elementTexts(xml, "system-out"),
+              (QStringList{"[[ATTACHMENT|/r/kept.mp4]]\n", "[[ATTACHMENT|/r/killed.mp4]]\n"}));
+}
+
 TEST_F(JUnitReportTest, ShowsWhatHappenedOutsideTheCases) {
     const struct {
         const char* description;

@@ -33,6 +33,8 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
          QString("The report '%1' can't be written: the directory '%2' could not "
                  "be created")
              .arg(blocked, directory.filePath("f"))},
+        {"cucumber-messages",
+         "The report format 'cucumber-messages' needs a path: cucumber-messages:PATH"},
         {"html:", "The report format 'html' needs a path: html:PATH"},
         {"html:" + blocked,
          QString("The report '%1/index.html' can't be written: the directory '%1' could not "

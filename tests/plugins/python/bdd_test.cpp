@@ -218,10 +218,18 @@ TEST_F(PythonFeatures, TakesStepsFromAllPlaces) {
     write("tst/steps/b.py",
           "import helper\nfrom bdd import step\n"
           "@step('case')\ndef f(context): test.log(helper.name)\n");
-    write("tst/steps/helper.py", "name = 'case step'\n");
+    // What others import is loaded once.
+    write("tst/steps/helper.py",
+          "from bdd import step\nname = 'case step'\n"
+          "@step('once')\ndef f(context): test.log('once')\n");
+    // One of the same name is another one.
+    write("shared/steps/b.py",
+          "from bdd import step\n@step('twin')\ndef f(context): test.log('twin step')\n");
     write("shared/steps/c.py",
           "from bdd import step\n@step('shared')\ndef f(context): test.log('shared step')\n");
-    write("tst/x.feature", "Feature: f\n  Scenario: s\n    * case\n    * shared\n    * own\n");
+    write(
+        "tst/x.feature",
+        "Feature: f\n  Scenario: s\n    * case\n    * shared\n    * own\n    * once\n    * twin\n");
     const QString test = suite.filePath("tst/test.py");
     interpreter->setScriptArguments(test, {});
     EXPECT_TRUE(
@@ -233,7 +241,8 @@ TEST_F(PythonFeatures, TakesStepsFromAllPlaces) {
                                   suite.filePath("tst/x.feature") + "')\n",
                               test));
     EXPECT_TRUE(interpreter->callFunction("main", ObjectList()));
-    EXPECT_EQ(results().join("|"), "7 case step: |7 shared step: |7 own step: ");
+    EXPECT_EQ(results().join("|"),
+              "7 case step: |7 shared step: |7 own step: |7 once: |7 twin step: ");
 }
 
 TEST_F(PythonFeatures, TellsWhereAFileIsWrong) {

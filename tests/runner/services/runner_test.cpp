@@ -58,7 +58,7 @@ TEST_F(RunnerTest, FailuresSayThatNothingIsConnected) {
     EXPECT_EQ(Inspector::self()->lastError(), Inspector::noApplicationText);
 
     QString error;
-    EXPECT_FALSE(runner.startApplication("editor", "elsewhere", -1, -1, &error));
+    EXPECT_FALSE(runner.attachToApplication("editor", "elsewhere", -1, -1, &error));
     EXPECT_TRUE(error.contains("not on 'elsewhere'")) << qPrintable(error);
 
     EXPECT_FALSE(runner.startVideoCapture({}, nullptr).ok());

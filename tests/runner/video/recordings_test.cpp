@@ -53,8 +53,8 @@ protected:
     void useRecorder(const QByteArray& script) {
         const QString path = folder.filePath("bin/ffmpeg");
         ASSERT_TRUE(Tamrix::Test::writeFile(path, "#!/bin/sh\n" + script + "\n"));
-        ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner |
-                                                    QFile::ExeOwner));
+        ASSERT_TRUE(
+            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
 
     /// Starts a recording; the text of its failure.
@@ -71,7 +71,8 @@ protected:
 
     QTemporaryDir folder;
     QString path = folder.filePath("a.mp4");
-    const Tamrix::Test::EnvironmentGuard searchPath{"PATH", folder.filePath("bin") + ":/usr/bin:/bin"};
+    const Tamrix::Test::EnvironmentGuard searchPath{"PATH",
+                                                    folder.filePath("bin") + ":/usr/bin:/bin"};
     /// The run's watch.
     const Tamrix::Test::EnvironmentGuard prefix{"TAMRIX_PREFIX", TAMRIX_TEST_PREFIX};
     Tamrix::Test::RecordingReport report;
@@ -89,18 +90,24 @@ TEST_F(RecordingsTest, WriteToTheFileUntilTheyAreStopped) {
     ASSERT_EQ(start(), "");
     EXPECT_EQ(application->videoCapture, task);
     QStringList ends;
-    QObject::connect(task.data(), &BackgroundTask::stopped,
-                     [&](const VoidResult& status, const QString& message, const CallStack& stack) {
-                         ends.append(QString("%1|%2|%3").arg(status.errorText(), message).arg(
-                             static_cast<int>(stack.size())));
-                     });
+    QObject::connect(
+        task.data(), &BackgroundTask::stopped,
+        [&](const VoidResult& status, const QString& message, const CallStack& stack) {
+            ends.append(QString("%1|%2|%3")
+                            .arg(status.errorText(), message, QString::number(stack.size())));
+        });
     const QByteArray begin = Tamrix::Test::readFile(path);
     EXPECT_TRUE(begin.startsWith(":77 ")) << begin.constData();
     EXPECT_TRUE(begin.contains(" -i :77 ")) << begin.constData();
     EXPECT_EQ(task->stop("enough", {LineInfo("/t.py", 3)}).errorText(), "");
     EXPECT_TRUE(Tamrix::Test::readFile(path).endsWith("|tail"));
+    EXPECT_TRUE(begin.contains(" -draw_mouse 0 ")) << begin.constData();
     EXPECT_EQ(task->stop("again", {}).errorText(), "");
     EXPECT_EQ(ends, QStringList("|enough|1"));
+    // Without an agent the pointer is what clicks.
+    model->platform = "display :77";
+    ASSERT_EQ(start(), "");
+    EXPECT_TRUE(Tamrix::Test::readFile(path).contains(" -draw_mouse 1 "));
     EXPECT_EQ(report.kinds(), QStringList());
 }
 
@@ -153,11 +160,11 @@ TEST_F(RecordingsTest, TellWhenTheyEndByThemselves) {
     runner.snooze(0.2);
     EXPECT_EQ(report.results().size(), 1u) << "told once";
     // Also when the one who stops it is the first to see it.
-    useRecorder("printf head; echo 'x11grab: the display has another size' >&2; exit 0");
+    useRecorder("printf head; echo 'the display is gone' >&2; exit 0");
     ASSERT_EQ(start(), "");
     QThread::msleep(300);
     EXPECT_EQ(task->stop("late", {}).errorText(),
-              "ffmpeg has ended: it exited with code 0: x11grab: the display has another size");
+              "ffmpeg has ended: it exited with code 0: the display is gone");
 }
 
 TEST_F(RecordingsTest, StopIsBounded) {

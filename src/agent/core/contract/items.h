@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QColor>
 #include <QPoint>
+#include <QStringList>
 #include <QVector>
 #include <memory>
 #include <optional>
@@ -60,6 +62,30 @@ struct ItemPopup {
     bool knowsItems = false;
 };
 
+/// A part of a view's cells. Rows and columns count from 0.
+struct CellRange {
+    int firstRow = 0;
+    int firstColumn = 0;
+    /// -1 for all from the first one on.
+    int rowCount = -1;
+    int columnCount = -1;
+};
+
+/// What is in the cells of a view.
+struct ViewCells {
+    /// Of the whole view.
+    int rowCount = 0;
+    int columnCount = 0;
+    /// How many cells of the range each row has.
+    int columns = 0;
+    /// Of the range, row by row; a background of 0 is none.
+    QStringList texts = {};
+    QVector<QRgb> backgrounds = {};
+
+    /// How many cells are told at once at most.
+    static constexpr int most = 100'000;
+};
+
 /// Of a toolkit: the items of views, boxes, bars and menus, and how they open.
 class TAMRIX_EXPORT ToolkitItems {
 public:
@@ -67,6 +93,9 @@ public:
     /// NotFound when there is none, Refused for what has no items.
     virtual Outcome<Element> item(const Element& view, const ItemPath& path, int row,
                                   int column) const;
+    /// The cells of a table, list or tree, at its top level, whether they are shown or not. A
+    /// failure of kind Refused for what has none, and for a range of more than ViewCells::most.
+    virtual Outcome<ViewCells> cells(const Element& view, const CellRange& range) const;
     /// Whether one of the items above an item has to be opened for it to be seen.
     virtual bool isWithinClosed(const Element& item) const;
     /// Does one thing that brings an item nearer: opens the next closed item above it, or scrolls

@@ -94,7 +94,7 @@ Outcome<WindowFacts> DisplayModel::windowOf(const SharedPtr<Object>& object) {
     if (!window || !owns(object))
         return fail(FailureKind::BadArgument,
                     QStringLiteral("This is no window of the application"));
-    return m_session->window(window->window());
+    return window->facts();
 }
 
 Outcome<QString> DisplayModel::obstacleOf(const WindowFacts& window, Wire::Wanted wanted) {

@@ -105,19 +105,22 @@ bool ScreenGrab::ensureMemory(qint64 byteCount) {
 Outcome<QImage> ScreenGrab::grab(const QRect& rect) {
     if (const Outcome<> checked = checkFormat(m_format); !checked)
         return fail(checked.error());
-    const qint64 byteCount = m_format.bytesPerLine(rect.width()) * rect.height();
-    if (m_canShare) {
-        // A server that refuses, as one on another machine, is not asked again.
-        m_canShare = ensureMemory(byteCount);
-        if (Outcome<QImage> image = m_canShare ? grabShared(rect, byteCount)
-                                               : grabThroughConnection(rect);
-            image || !m_canShare)
-            return image;
-    }
+    if (!m_canShare)
+        return grabThroughConnection(rect);
+    const Outcome<> filled = fill(rect);
+    if (filled)
+        return imageOf(m_memory, m_size, rect.size(), m_format);
+    if (!m_connection->isOpen())
+        return fail(filled.error());
+    // A server that refuses, as one on another machine, is not asked again.
+    m_canShare = m_memory != nullptr;
     return grabThroughConnection(rect);
 }
 
-Outcome<QImage> ScreenGrab::grabShared(const QRect& rect, qint64 byteCount) {
+Outcome<> ScreenGrab::fill(const QRect& rect) {
+    const qint64 byteCount = m_format.bytesPerLine(rect.width()) * rect.height();
+    if (!ensureMemory(byteCount))
+        return noPicture();
     const auto picture = m_connection->reply(
         xcb_shm_get_image(m_connection->get(), m_connection->root(),
                           static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
@@ -125,12 +128,16 @@ Outcome<QImage> ScreenGrab::grabShared(const QRect& rect, qint64 byteCount) {
                           static_cast<uint16_t>(rect.height()), allPlanes,
                           XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment, 0),
         xcb_shm_get_image_reply);
+    if (!picture || picture->depth != m_format.depth || picture->size < byteCount)
+        return noPicture();
+    return {};
+}
+
+tl::unexpected<Failure> ScreenGrab::noPicture() const {
     if (!m_connection->isOpen())
         return m_connection->ended();
-    if (!picture || picture->depth != m_format.depth)
-        return fail(FailureKind::Failed,
-                    QStringLiteral("the display '%1' gave no picture").arg(m_connection->name()));
-    return imageOf(m_memory, std::min<qint64>(byteCount, picture->size), rect.size(), m_format);
+    return fail(FailureKind::Failed,
+                QStringLiteral("the display '%1' gave no picture").arg(m_connection->name()));
 }
 
 Outcome<QImage> ScreenGrab::grabThroughConnection(const QRect& rect) {
@@ -140,11 +147,8 @@ Outcome<QImage> ScreenGrab::grabThroughConnection(const QRect& rect) {
                       static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height()),
                       allPlanes),
         xcb_get_image_reply);
-    if (!m_connection->isOpen())
-        return m_connection->ended();
     if (!picture || picture->depth != m_format.depth)
-        return fail(FailureKind::Failed,
-                    QStringLiteral("the display '%1' gave no picture").arg(m_connection->name()));
+        return noPicture();
     return imageOf(xcb_get_image_data(picture.get()), xcb_get_image_data_length(picture.get()),
                    rect.size(), m_format);
 }

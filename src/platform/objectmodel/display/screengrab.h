@@ -26,13 +26,15 @@ public:
     /// The part of the screen in a rectangle, of which the screen shows all. Fails when the server is
     /// gone, or its pixels are of a kind that is not known.
     Outcome<QImage> grab(const QRect& rect);
+    /// Only lets the server put the part into the shared memory.
+    Outcome<> fill(const QRect& rect);
     /// Whether the last picture came through shared memory.
     bool isShared() const { return m_memory != nullptr; }
 
 private:
-    Outcome<QImage> grabShared(const QRect& rect, qint64 byteCount);
     Outcome<QImage> grabThroughConnection(const QRect& rect);
     bool ensureMemory(qint64 byteCount);
+    tl::unexpected<Failure> noPicture() const;
     void releaseMemory();
 
     std::shared_ptr<XConnection> m_connection;

@@ -153,9 +153,12 @@ Outcome<WindowFacts> Session::window(xcb_window_t id) {
     const std::optional<WindowFacts> facts = factsOf(*m_connection, id);
     if (!m_connection->isOpen())
         return m_connection->ended();
-    if (!facts)
-        return fail(FailureKind::Gone, QStringLiteral("The window 0x%1 is gone").arg(id, 0, 16));
-    return *facts;
+    if (facts)
+        return *facts;
+    waitUntil(endPatience, [this] { return !isOpen(); });
+    if (const Outcome<> open = checkOpen(); !open)
+        return fail(open.error());
+    return fail(FailureKind::Gone, QStringLiteral("The window 0x%1 is gone").arg(id, 0, 16));
 }
 
 Outcome<QImage> Session::picture(const QRect& rect) {

@@ -26,34 +26,41 @@ WindowObject::WindowObject(std::shared_ptr<Session> session, const WindowFacts& 
 
 WindowObject::~WindowObject() = default;
 
+Outcome<WindowFacts> WindowObject::facts() const {
+    const Outcome<WindowFacts> known = m_session->window(m_facts.id);
+    if (!known && known.error().kind == FailureKind::Gone)
+        return fail(FailureKind::Gone, QStringLiteral("%1 is gone").arg(describe(m_facts)));
+    return known;
+}
+
 QString WindowObject::realName() const {
-    const Outcome<WindowFacts> facts = m_session->window(m_facts.id);
-    const Outcome<WindowList> all = facts ? m_session->windows() : fail(facts.error());
+    const Outcome<WindowFacts> now = facts();
+    const Outcome<WindowList> all = now ? m_session->windows() : fail(now.error());
     if (!all) {
         Inspector::self()->keep(all.error());
         return {};
     }
-    return realNameOf(*facts, *all);
+    return realNameOf(*now, *all);
 }
 
 Outcome<SharedPtr<Object>> WindowObject::readProperty(const Property& property) const {
-    const Outcome<WindowFacts> facts = m_session->window(m_facts.id);
-    if (!facts)
-        return fail(facts.error());
-    const QVariant value = propertyOf(*facts, property.name());
+    const Outcome<WindowFacts> now = facts();
+    if (!now)
+        return fail(now.error());
+    const QVariant value = propertyOf(*now, property.name());
     if (!value.isValid())
         return Object::readProperty(property);
     return SharedPtr<Object>(new ValueObject(value));
 }
 
 Outcome<PropertyList> WindowObject::readProperties() const {
-    const Outcome<WindowFacts> facts = m_session->window(m_facts.id);
-    if (!facts)
-        return fail(facts.error());
+    const Outcome<WindowFacts> now = facts();
+    if (!now)
+        return fail(now.error());
     PropertyList list;
     for (int index = 0; index < windowClass()->numProperties(); ++index) {
         const QString name = windowClass()->property(index)->name();
-        list.emplace_back(name, new ValueObject(propertyOf(*facts, name)));
+        list.emplace_back(name, new ValueObject(propertyOf(*now, name)));
     }
     return list;
 }
@@ -63,11 +70,11 @@ Outcome<SharedPtr<Object>> WindowObject::invokeMethod(const Method& method,
     if (!arguments.empty())
         return fail(FailureKind::BadArgument,
                     QStringLiteral("%1() of a window takes no arguments").arg(method.name()));
-    const Outcome<WindowFacts> facts = m_session->window(m_facts.id);
-    if (!facts)
-        return fail(facts.error());
-    const Outcome<> done = method.name() == QLatin1String("close") ? m_session->askToClose(*facts)
-                                                                   : m_session->activate(*facts);
+    const Outcome<WindowFacts> now = facts();
+    if (!now)
+        return fail(now.error());
+    const Outcome<> done = method.name() == QLatin1String("close") ? m_session->askToClose(*now)
+                                                                   : m_session->activate(*now);
     if (!done)
         return fail(done.error());
     return SharedPtr<Object>(new ValueObject(QVariant()));

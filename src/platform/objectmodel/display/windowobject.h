@@ -26,7 +26,8 @@ public:
     Outcome<SharedPtr<Object>> invokeMethod(const Method& method,
                                             const ObjectList& arguments) const override;
 
-    xcb_window_t window() const { return m_facts.id; }
+    /// What it is now. Fails, naming it, when it is gone.
+    Outcome<WindowFacts> facts() const;
     const Session* session() const { return m_session.get(); }
 
 private:

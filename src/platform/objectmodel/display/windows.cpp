@@ -29,7 +29,6 @@ Windows childrenOf(XConnection& connection, xcb_window_t window) {
 struct Attributes {
     xcb_window_t window = 0;
     bool isShown = false;
-    bool isPopup = false;
 };
 
 /// Of those that can show something, asked for all at once.
@@ -43,8 +42,7 @@ std::vector<Attributes> attributesOf(XConnection& connection, const Windows& win
         const auto answer = connection.reply(cookies[index], xcb_get_window_attributes_reply);
         if (!answer || answer->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT)
             continue;
-        all.push_back({windows[index], answer->map_state == XCB_MAP_STATE_VIEWABLE,
-                       answer->override_redirect != 0});
+        all.push_back({windows[index], answer->map_state == XCB_MAP_STATE_VIEWABLE});
     }
     return all;
 }
@@ -94,20 +92,16 @@ std::vector<Candidate> candidates(XConnection& connection) {
     std::vector<Candidate> all;
     for (const Attributes& child :
          attributesOf(connection, childrenOf(connection, connection.root()))) {
-        // 1. A window that no window manager has put a frame around.
-        if (child.isPopup && child.isShown) {
-            all.push_back({child.window, child.window, false});
-            continue;
-        }
+        // 1. A window that the window manager has put no frame around.
         if (isManaged(connection, child.window, managed)) {
             all.push_back({child.window, child.window, true});
             continue;
         }
-        // 2. The window in a frame.
+        // 2. The window in a frame, which may look like a popup.
         const xcb_window_t inner = managedBelow(connection, child.window, managed);
         if (inner != 0)
             all.push_back({inner, child.window, true});
-        // 3. Without a window manager, what is shown.
+        // 3. A popup, or without a window manager any window, that is shown.
         else if (child.isShown)
             all.push_back({child.window, child.window, false});
     }

@@ -16,10 +16,18 @@ def main():
     before = object.grabScreenshot(w)
     test.verify(before.width == w.width and before.height == w.height)
     press(w, "Ctrl+A")
-    test.verify(object.grabScreenshot(w) != before, "the text is selected")
+    test.verify(waitFor(lambda: object.grabScreenshot(w) != before, 20000), "the text is selected")
     press(w, "Ctrl+C")
     press(w, "End")
     press(w, "Ctrl+V")
+
+    # The menu of the field is a window of its own.
+    click(w, w.width // 2, w.height // 2 - 10, "right")
+    menu = waitForObject({"type": "Window", "popup": True})
+    test.compare(menu.windowType, "popup_menu")
+    test.compare(menu.pid, a.pid())
+    press(menu, "Escape")
+    test.verify(waitFor(lambda: not object.exists({"popup": True}), 20000))
 
     test.verify(not a.isFrozen(5))
     os.kill(a.pid(), signal.SIGSTOP)
@@ -30,7 +38,6 @@ def main():
     keyPress("a")
     keyRelease("a")
     keyRelease("Shift")
-    keyPress("Return")
-    keyRelease("Return")
+    press(w, "Return")
     test.verify(waitFor(lambda: not a.isRunning(), 20000))
     test.compare(a.readStdout(), TEXT * 2 + "A\n")
