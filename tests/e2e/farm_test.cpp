@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <csignal>
 
-#include "e2e/applicationrun.h"
 #include "e2e/journal.h"
 #include "e2e/runnerprocess.h"
 #include "runner/suites/suitefolder.h"

@@ -92,7 +92,7 @@ QList<BatchScript> slurmScripts(const BatchRun& run) {
                        "#SBATCH --array=1-%2%%3\n"
                        "#SBATCH --requeue\n"
                        "#SBATCH --open-mode=append\n"
-                       "#SBATCH --output=%4/shard-%a.log\n"
+                       "#SBATCH --output=%4\n"
                        "# A node that is lost gives its shard back; what a process loses is tried "
                        "again here.\n"
                        "for try in $(seq %5); do\n"
@@ -100,8 +100,9 @@ QList<BatchScript> slurmScripts(const BatchRun& run) {
                        "done\n"
                        "exit 1\n")
             .arg(quotedShellWord(run.name), QString::number(run.shards),
-                 QString::number(run.workers), run.directory, QString::number(tries),
-                 quotedShellWord(inFolder(run, shardName)))};
+                 QString::number(run.workers),
+                 quotedShellWord(inFolder(run, QStringLiteral("shard-%a.log"))),
+                 QString::number(tries), quotedShellWord(inFolder(run, shardName)))};
     const BatchScript start{
         startName,
         QStringLiteral(
@@ -115,14 +116,13 @@ QList<BatchScript> slurmScripts(const BatchRun& run) {
             "trap 'signal=15; scancel \"$job\"' TERM\n"
             "if [ -t 2 ]; then\n"
             "    while left=$(squeue --noheader --array --jobs \"$job\" 2>/dev/null | wc -l) && [ "
-            "\"$left\" "
-            "-gt 0 ]; do\n"
+            "\"$left\" -gt 0 ]; do\n"
             "        printf '\\r%s of %2 shards left  ' \"$left\" >&2\n"
             "        sleep 2\n"
             "    done\n"
             "    echo >&2\n"
             "fi\n"
-            "sbatch --quiet --wait --dependency=afterany:\"$job\" --job-name=%1-merge --output=%5 "
+            "sbatch --quiet --wait --dependency=afterany:\"$job\" --job-name=%7 --output=%5 "
             "%6\n"
             "code=$?\n"
             "cat %5\n"
@@ -131,7 +131,8 @@ QList<BatchScript> slurmScripts(const BatchRun& run) {
             .arg(run.name, QString::number(run.shards), QString::number(run.workers),
                  quotedShellWord(inFolder(run, array.name)),
                  quotedShellWord(inFolder(run, QStringLiteral("merge.log"))),
-                 quotedShellWord(inFolder(run, mergeName)))};
+                 quotedShellWord(inFolder(run, mergeName)),
+                 quotedShellWord(run.name + QLatin1String("-merge")))};
     return {start, array};
 }
 
