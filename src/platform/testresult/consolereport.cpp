@@ -33,11 +33,9 @@ constexpr int longestText = 16 * 1024;
 constexpr int mostLines = 200;
 
 const OutcomeLabel outcomeLabels[] = {
-    {CaseOutcome::Passed, "PASS ", green},
-    {CaseOutcome::Failed, "FAIL ", red},
-    {CaseOutcome::Error, "ERROR", red},
-    {CaseOutcome::Skipped, "SKIP ", yellow},
-    {CaseOutcome::Interrupted, "INTERRUPTED", red},
+    {CaseOutcome::Passed, "PASS ", green},        {CaseOutcome::Flaky, "FLAKY", yellow},
+    {CaseOutcome::Failed, "FAIL ", red},          {CaseOutcome::Error, "ERROR", red},
+    {CaseOutcome::Skipped, "SKIP ", yellow},      {CaseOutcome::Interrupted, "INTERRUPTED", red},
     {CaseOutcome::Incomplete, "INCOMPLETE", red},
 };
 
@@ -126,7 +124,13 @@ void ConsoleReport::add(const ReportEntry& entry) {
     flush();
 }
 
+void ConsoleReport::showStatus(const QString& status) {
+    m_status = status;
+    flush();
+}
+
 void ConsoleReport::finish() {
+    m_status.clear();
     addIncompleteCases();
     addSummary();
     flush();
@@ -206,8 +210,12 @@ void ConsoleReport::addScenarioLine(const ScenarioTally& scenario, const CaseTal
 }
 
 void ConsoleReport::addCaseLine(const CaseTally& testCase) {
-    addOutcomeLine(testCase,
-                   testCase.outcome() == CaseOutcome::Skipped ? testCase.skipText : QString(), 1);
+    QStringList notes;
+    if (testCase.outcome() == CaseOutcome::Skipped && !testCase.skipText.isEmpty())
+        notes += testCase.skipText;
+    if (testCase.attempt > 1)
+        notes += QStringLiteral("attempt %1").arg(testCase.attempt);
+    addOutcomeLine(testCase, notes.join(QLatin1String("  ")), 1);
 }
 
 void ConsoleReport::addOutcomeLine(const Tally& tally, const QString& note, int indent) {
@@ -228,7 +236,7 @@ void ConsoleReport::addIncompleteCases() {
         return;
     for (const SuiteTally& suite : m_tally.suites()) {
         for (const CaseTally& testCase : suite.cases) {
-            if (testCase.outcome() == CaseOutcome::Incomplete)
+            if (!testCase.isSuperseded && testCase.outcome() == CaseOutcome::Incomplete)
                 addCaseLine(testCase);
         }
     }
@@ -270,21 +278,27 @@ int ConsoleReport::resultIndent() const {
     return m_verbosity == Verbosity::Verbose ? level + m_sectionDepth : level;
 }
 
+QByteArray ConsoleReport::passingLine() const {
+    if (m_decoration != Decoration::ColoursAndRunningCase || m_verbosity != Verbosity::Normal ||
+        !m_isAtLineStart)
+        return {};
+    const CaseTally* const running = m_tally.runningCase();
+    const QString text = !m_status.isEmpty() ? m_status : running ? running->name : QString();
+    if (text.isEmpty())
+        return {};
+    return "  ...   " +
+           escapedForTerminal(text).replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8();
+}
+
 void ConsoleReport::flush() {
-    const CaseTally* running = m_tally.runningCase();
-    const bool wantsRunningLine = m_decoration == Decoration::ColoursAndRunningCase &&
-                                  m_verbosity == Verbosity::Normal && running && m_isAtLineStart;
-    if (m_pending.isEmpty() && wantsRunningLine == m_isRunningLineShown)
+    const QByteArray line = passingLine();
+    if (m_pending.isEmpty() && line == m_shownLine)
         return;
     QByteArray text;
-    if (m_isRunningLineShown)
+    if (!m_shownLine.isEmpty())
         text += "\r\x1b[K";
-    text += m_pending;
-    if (wantsRunningLine)
-        text +=
-            "  ...   " +
-            escapedForTerminal(running->name).replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8();
-    m_isRunningLineShown = wantsRunningLine;
+    text += m_pending + line;
+    m_shownLine = line;
     m_pending.clear();
 
     QString reason;

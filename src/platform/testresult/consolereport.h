@@ -42,6 +42,9 @@ public:
     void finish() override;
     QString errorText() const override { return m_error; }
 
+    /// What the line tells that goes away again, in place of the running case; empty for that.
+    void showStatus(const QString& status);
+
 private:
     /// A suite or case starts, which has a line of its own from a verbosity on.
     void startLevel(const CaseTally& tally, Verbosity announcedFrom);
@@ -62,6 +65,8 @@ private:
     /// Adds a text of our own on lines of its own, indented.
     void addLine(const QString& text, int indent = 0, const char* colour = "");
     int resultIndent() const;
+    /// The line that goes away again; empty when there is nothing to show.
+    QByteArray passingLine() const;
     /// Writes what the entry has added.
     void flush();
 
@@ -73,7 +78,9 @@ private:
     QByteArray m_pending;
     /// Whether the script's output, which may end anywhere, has ended with a line feed.
     bool m_isAtLineStart = true;
-    bool m_isRunningLineShown = false;
+    /// Empty when the line that goes away is not shown.
+    QByteArray m_shownLine;
+    QString m_status;
     /// The case or suite that a heading was written for last.
     int m_announcedId = -1;
     int m_sectionDepth = 0;

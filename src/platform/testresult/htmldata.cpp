@@ -32,6 +32,8 @@ const char* outcomeId(CaseOutcome outcome) {
     switch (outcome) {
         case CaseOutcome::Passed:
             return "passed";
+        case CaseOutcome::Flaky:
+            return "flaky";
         case CaseOutcome::Failed:
             return "failed";
         case CaseOutcome::Error:
@@ -45,6 +47,9 @@ const char* outcomeId(CaseOutcome outcome) {
     }
     return "";
 }
+
+/// Of an attempt behind which the case ran again: no outcome of the case.
+const QLatin1String supersededId("repeated");
 
 /// A text from outside as the page shows it: what can't be seen is shown as an escape.
 QString shown(QString text) {
@@ -90,6 +95,8 @@ QByteArray toJson(const QJsonArray& array) {
 }
 
 QString briefText(const CaseTally& tally) {
+    if (tally.outcome() == CaseOutcome::Flaky)
+        return QStringLiteral("passed in attempt %1").arg(tally.attempt);
     if (tally.failures.empty())
         return tally.skipText;
     const ResultAdded& first = tally.failures.front();
@@ -188,8 +195,10 @@ QByteArray HtmlData::json() {
         const auto outside = m_entries.find(suite.outside.id);
         if (outside != m_entries.end() && !outside->second.empty())
             addRow(suite.outside, index, false);
-        for (const CaseTally& testCase : suite.cases)
-            addRow(testCase, index, true);
+        for (const CaseTally& testCase : suite.cases) {
+            if (!testCase.isSuperseded)
+                addAttempts(testCase, index);
+        }
     }
 
     QJsonArray outcomes;
@@ -197,6 +206,8 @@ QByteArray HtmlData::json() {
         outcomes.append(QJsonObject{{QStringLiteral("id"), QLatin1String(outcomeId(outcome))},
                                     {QStringLiteral("label"), outcomeText(outcome)}});
     }
+    outcomes.append(QJsonObject{{QStringLiteral("id"), supersededId},
+                                {QStringLiteral("label"), QStringLiteral("repeated")}});
     QStringList noteTexts{outsideSummary(m_tally), endSummary(m_tally)};
     if (m_actionCount > mostActions) {
         noteTexts += QStringLiteral("Actions that are not shown, only in the journal: %1")
@@ -240,16 +251,29 @@ QByteArray HtmlData::json() {
     return text.replace("<", "\\u003c");
 }
 
+void HtmlData::addAttempts(const CaseTally& last, int suite) {
+    std::vector<const CaseTally*> attempts;
+    for (const CaseTally* attempt = &last; attempt; attempt = attempt->previous)
+        attempts.push_back(attempt);
+    for (auto attempt = attempts.rbegin(); attempt != attempts.rend(); ++attempt)
+        addRow(**attempt, suite, true);
+}
+
 void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
     // What happened outside the cases has no outcome of its own, unless something failed.
     const bool hasOutcome = isCase || !tally.failures.empty();
-    QJsonObject row{
-        {QStringLiteral("id"), m_rows.size()},
-        {QStringLiteral("suite"), suite},
-        {QStringLiteral("name"), isCase ? shown(tally.name) : QStringLiteral("Outside the cases")},
-        {QStringLiteral("milliseconds"), milliseconds(tally.seconds())}};
-    if (hasOutcome)
-        row.insert(QStringLiteral("outcome"), QLatin1String(outcomeId(tally.outcome())));
+    QString name = isCase ? shown(tally.name) : QStringLiteral("Outside the cases");
+    // The case's own name leads to the attempt that counts.
+    if (tally.isSuperseded)
+        name += QStringLiteral(" (attempt %1)").arg(tally.attempt);
+    QJsonObject row{{QStringLiteral("id"), m_rows.size()},
+                    {QStringLiteral("suite"), suite},
+                    {QStringLiteral("name"), name},
+                    {QStringLiteral("milliseconds"), milliseconds(tally.seconds())}};
+    if (hasOutcome) {
+        row.insert(QStringLiteral("outcome"),
+                   tally.isSuperseded ? supersededId : QLatin1String(outcomeId(tally.outcome())));
+    }
     insertText(row, "path", shown(tally.path));
     insertText(row, "start", timeText(tally.start));
     insertText(row, "results", resultSummary(tally));

@@ -28,7 +28,7 @@ using RunFacts = std::vector<EnvironmentFact>;
 ///     environment facts about the run: name and fact
 ///     outcomes    id and label of each outcome, in the order of summaries
 ///     suites      name and path
-///     rows        a case each, or what happened outside the cases of a suite
+///     rows        an attempt at a case each, or what happened outside the cases of a suite
 ///     entries     for each row, the list of what happened
 ///     excerpts    lines of scripts; positions refer to them by index
 ///     trees       objects of applications: a list each of depth, description and name; files refer
@@ -47,6 +47,8 @@ public:
     QByteArray json();
 
 private:
+    /// Adds the row of a case behind those of its earlier attempts.
+    void addAttempts(const CaseTally& last, int suite);
     void addRow(const CaseTally& tally, int suite, bool isCase);
     QJsonObject entryObject(const ReportEntry& entry, const QDateTime& rowStart);
     void addResult(QJsonObject& object, const ResultAdded& result);

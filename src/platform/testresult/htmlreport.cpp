@@ -44,7 +44,7 @@ QByteArray fallbackText(const RunTally& tally, const QString& title) {
     text += "<ul>\n";
     for (const SuiteTally& suite : tally.suites()) {
         for (const CaseTally& testCase : suite.cases) {
-            if (testCase.outcome() != CaseOutcome::Passed) {
+            if (!testCase.isSuperseded && testCase.outcome() != CaseOutcome::Passed) {
                 text += "<li>" + escapedForHtml(testCase.name) + ": " +
                         escapedForHtml(outcomeText(testCase.outcome())) + "</li>\n";
             }

@@ -59,6 +59,8 @@ struct ToFields {
         field = parameterText(parameters);
     }
     void constant(std::optional<int>& field, int value) const { field = value; }
+    /// The field stays at its own default for the number's.
+    void number(int& field, int value, int usual) const { field = value == usual ? -1 : value; }
 };
 
 /// Copies the fields of a line to the event.
@@ -83,6 +85,7 @@ struct FromFields {
         parameters = parametersOf(field);
     }
     void constant(const std::optional<int>& /*field*/, int /*value*/) const {}
+    void number(int field, int& value, int usual) const { value = field < 0 ? usual : field; }
 };
 
 // The rows: for each event the fields of its line, for both directions.
@@ -99,6 +102,7 @@ void copyFields(const auto& copy, auto& fields, Is<SuiteEnded> auto& suite) {
 void copyFields(const auto& copy, auto& fields, Is<CaseStarted> auto& testCase) {
     copy(fields.message, testCase.name);
     copy(fields.path, testCase.script);
+    copy.number(fields.value, testCase.attempt, 1);
 }
 
 void copyFields(const auto& copy, auto& fields, Is<CaseEnded> auto& testCase) {

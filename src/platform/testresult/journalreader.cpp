@@ -1,9 +1,11 @@
 #include "platform/testresult/journalreader.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <optional>
 
 #include "platform/testresult/journalentry.h"
+#include "platform/testresult/journalpaths.h"
 #include "platform/testresult/reportgenerator.h"
 
 namespace Tamrix {
@@ -99,7 +101,10 @@ bool JournalReader::replay(const QString& path) {
             QStringLiteral("The journal '%1' can't be read: %2").arg(path, file.errorString());
         return false;
     }
-    if (!replay(&file, path))
+    m_folder = QFileInfo(path).absolutePath();
+    const bool isRead = replay(&file, path);
+    m_folder.clear();
+    if (!isRead)
         return false;
     if (file.error() != QFileDevice::NoError) {
         m_error =
@@ -125,8 +130,14 @@ bool JournalReader::replay(QIODevice* device, const QString& name) {
             m_error = QStringLiteral("%1:%2: %3").arg(name, QString::number(number), reading.error);
             return false;
         }
-        if (reading.entry)
+        if (!reading.entry)
+            continue;
+        if (!m_folder.isEmpty() && Journal::hasRelativePath(reading.entry->event)) {
+            m_generator->add(
+                {reading.entry->time, Journal::withAbsolutePath(reading.entry->event, m_folder)});
+        } else {
             m_generator->add(*reading.entry);
+        }
     }
     // Killed before the header was written.
     m_isCut = m_isCut || number == 0;

@@ -20,11 +20,12 @@ public:
     /// `generator` is not owned.
     explicit JournalReader(ReportGenerator* generator) : m_generator(generator) {}
 
-    /// Adds every entry of the file to the generator, without calling its finish(). False with
+    /// Adds every entry of the file to the generator, without calling its finish(). Relative paths
+    /// count from the journal's folder and become absolute. False with
     /// errorText() set, which names file and line, when the file can't be read, is no journal,
     /// has another version, or holds a line that is no entry; the entries before it were added.
     bool replay(const QString& path);
-    /// The same for an open device, not owned; `name` stands for it in errors.
+    /// The same for an open device, not owned; `name` stands for it in errors. Paths stay.
     bool replay(QIODevice* device, const QString& name);
 
     /// Whether the last replay ended inside a line.
@@ -33,6 +34,8 @@ public:
 
 private:
     ReportGenerator* m_generator;
+    /// From which paths count; empty to leave them.
+    QString m_folder;
     bool m_isCut = false;
     QString m_error;
 };

@@ -5,10 +5,12 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
 
 #include "base/filewriting.h"
 #include "platform/testresult/journalentry.h"
+#include "platform/testresult/journalpaths.h"
 #include "platform/testresult/reporttarget.h"
 
 namespace Tamrix {
@@ -39,6 +41,7 @@ JournalReport::JournalReport(const QString& path) {
         fail(qt_error_string(errno));
         return;
     }
+    m_folder = QFileInfo(m_path).absolutePath();
     m_isRegularFile = S_ISREG(status.st_mode);
     m_device = status.st_dev;
     m_inode = status.st_ino;
@@ -52,6 +55,13 @@ JournalReport::~JournalReport() {
 void JournalReport::add(const ReportEntry& entry) {
     if (m_descriptor < 0)
         return;
+    if (m_isRegularFile && Journal::hasPathBelow(entry.event, m_folder))
+        addMovable({entry.time, Journal::withRelativePath(entry.event, m_folder)});
+    else
+        addMovable(entry);
+}
+
+void JournalReport::addMovable(const ReportEntry& entry) {
     const QByteArray line = Journal::entryLine(entry);
     if (line.size() > Journal::longestLine)
         addLongEntry(entry);

@@ -14,7 +14,8 @@ namespace Tamrix {
 /// A write error ends the journal, and so does a file that somebody removes or replaces: nothing is
 /// written behind a line that may be broken, and errorText() tells the cause. Texts of a line that
 /// would be longer than the reader takes are shortened with a visible mark; script output is spread
-/// over several entries instead.
+/// over several entries instead. Files in the journal's folder stand in it by relative paths, so
+/// that both can be moved together.
 class TAMRIX_EXPORT JournalReport : public ReportGenerator {
 public:
     /// Replaces the file at `path` and writes the header; a relative path counts from the current
@@ -29,6 +30,8 @@ public:
     QString errorText() const override { return m_error; }
 
 private:
+    /// Adds an entry whose paths are as the file has them.
+    void addMovable(const ReportEntry& entry);
     void addLongEntry(const ReportEntry& entry);
     void addLongOutput(const QDateTime& time, const OutputWritten& output);
     void write(const QByteArray& line);
@@ -38,6 +41,7 @@ private:
     void close();
 
     QString m_path;
+    QString m_folder;
     int m_descriptor = -1;
     bool m_isRegularFile = false;
     dev_t m_device = 0;

@@ -25,10 +25,11 @@ QString secondsText(double seconds) {
     return QString::number(seconds, 'f', 3);
 }
 
-/// The element that tells a case's outcome; null for a passed one.
+/// The element that tells a case's outcome; null for one that passed at last.
 const char* outcomeElement(CaseOutcome outcome) {
     switch (outcome) {
         case CaseOutcome::Passed:
+        case CaseOutcome::Flaky:
             return nullptr;
         case CaseOutcome::Failed:
             return "failure";
@@ -81,9 +82,9 @@ bool needsOwnCase(const SuiteTally& suite) {
 /// Whether a case that runs scenarios needs an element of its own beside theirs.
 bool needsOwnElement(const CaseTally& testCase) {
     const CaseOutcome outcome = testCase.outcome();
-    return testCase.scenarios.empty() || !testCase.failuresOutsideScenarios.empty() ||
-           outcome == CaseOutcome::Skipped || outcome == CaseOutcome::Incomplete ||
-           outcome == CaseOutcome::Interrupted;
+    return testCase.scenarios.empty() || testCase.previous ||
+           !testCase.failuresOutsideScenarios.empty() || outcome == CaseOutcome::Skipped ||
+           outcome == CaseOutcome::Incomplete || outcome == CaseOutcome::Interrupted;
 }
 
 /// How a case came out apart from its scenarios.
@@ -91,6 +92,15 @@ CaseOutcome outcomeOutside(const CaseTally& testCase) {
     Tally outside = testCase;
     outside.failures = testCase.failuresOutsideScenarios;
     return outside.outcome();
+}
+
+void writeProperty(ReportXml& xml, const char* name, const QString& value) {
+    xml.startElement("properties");
+    xml.startElement("property");
+    xml.addAttribute("name", QString::fromLatin1(name));
+    xml.addAttribute("value", value);
+    xml.endElement();
+    xml.endElement();
 }
 
 /// The form in which the consumers look for files.
@@ -117,6 +127,9 @@ JUnitReport::~JUnitReport() = default;
 
 void JUnitReport::add(const ReportEntry& entry) {
     const Tally* tally = &m_tally.add(entry);
+    const auto* const fact = eventOf<EnvironmentFact>(entry);
+    if (fact && fact->name == QLatin1String(shardFactName))
+        m_shards[tally->id] = fact->fact;
     if (m_tally.scenario())
         tally = m_tally.scenario();
     Texts& texts = m_texts[tally->id];
@@ -192,12 +205,14 @@ void JUnitReport::writeSuite(ReportXml& xml, const SuiteTally& suite) {
     if (self.start.isValid()) {
         xml.addAttribute("timestamp", self.start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")));
     }
+    if (const auto shard = m_shards.find(self.id); shard != m_shards.end())
+        writeProperty(xml, "shard", shard->second);
     for (const Element& element : elements)
         writeElement(xml, element);
     // What a case without an element of its own has written belongs to no other one.
     Texts& texts = m_texts[self.id];
     for (const CaseTally& testCase : suite.cases) {
-        if (needsOwnElement(testCase))
+        if (needsOwnElement(testCase) || testCase.isSuperseded)
             continue;
         texts.out += m_texts[testCase.id].out;
         texts.err += m_texts[testCase.id].err;
@@ -212,6 +227,8 @@ std::vector<JUnitReport::Element> JUnitReport::elementsOf(const SuiteTally& suit
     if (needsOwnCase(suite))
         elements.push_back({self.name, self.name, &self, &self.failures, self.outcome(), true});
     for (const CaseTally& testCase : suite.cases) {
+        if (testCase.isSuperseded)
+            continue;
         const std::vector<Element> ofCase = elementsOf(testCase, self.name);
         elements.insert(elements.end(), ofCase.begin(), ofCase.end());
     }
@@ -223,7 +240,7 @@ std::vector<JUnitReport::Element> JUnitReport::elementsOf(const CaseTally& testC
     std::vector<Element> elements;
     if (needsOwnElement(testCase)) {
         elements.push_back({testCase.name, suiteName, &testCase, &testCase.failuresOutsideScenarios,
-                            outcomeOutside(testCase)});
+                            outcomeOutside(testCase), false, QString(), &testCase});
     }
     for (const ScenarioTally& scenario : testCase.scenarios) {
         elements.push_back(
@@ -243,17 +260,27 @@ void JUnitReport::writeElement(ReportXml& xml, const Element& element) {
             xml.addAttribute("file", element.tally->path);
         xml.addAttribute("time", secondsText(element.tally->seconds()));
     }
+    if (element.testCase && element.testCase->attempt > 1)
+        writeProperty(xml, "attempt", QString::number(element.testCase->attempt));
     writeOutcome(xml, element);
+    if (element.testCase && element.testCase->previous)
+        writeEarlierAttempts(xml, *element.testCase);
     if (!element.isSuiteItself)
         writeTexts(xml, element.tally->id);
     xml.endElement();
 }
 
 void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
-    const CaseOutcome outcome = element.outcome;
-    const char* tag = outcomeElement(outcome);
+    const char* const tag = outcomeElement(element.outcome);
     if (!tag)
         return;
+    xml.startElement(tag);
+    xml.addText(writeProblem(xml, element));
+    xml.endElement();
+}
+
+QString JUnitReport::writeProblem(ReportXml& xml, const Element& element) {
+    const CaseOutcome outcome = element.outcome;
     QString message;
     QString type;
     if (outcome == CaseOutcome::Skipped) {
@@ -264,7 +291,7 @@ void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
     } else if (outcome == CaseOutcome::Interrupted) {
         type = QStringLiteral("Interrupted");
         message = QStringLiteral("The run was interrupted");
-    } else {
+    } else if (!element.failures->empty()) {
         const ResultAdded& first = element.failures->front();
         type = resultTypeName(first.type);
         message = messageText(first.message, first.detail);
@@ -274,7 +301,6 @@ void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
             message += QStringLiteral(" (and %1 more)").arg(element.failures->size() - 1);
     }
 
-    xml.startElement(tag);
     xml.addAttribute("message", limitedText(message, longestMessage));
     if (!type.isEmpty())
         xml.addAttribute("type", type);
@@ -284,9 +310,23 @@ void JUnitReport::writeOutcome(ReportXml& xml, const Element& element) {
     };
     for (const ResultAdded& failure : *element.failures)
         descriptions += describeResult(withLimitedTexts(failure, longestText, store));
-    const QString text = descriptions.join(QLatin1String("\n\n"));
-    xml.addText(limited(text, QStringLiteral("failures")));
-    xml.endElement();
+    return limited(descriptions.join(QLatin1String("\n\n")), QStringLiteral("failures"));
+}
+
+void JUnitReport::writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase) {
+    std::vector<const CaseTally*> attempts;
+    for (const CaseTally* attempt = testCase.previous; attempt; attempt = attempt->previous)
+        attempts.insert(attempts.begin(), attempt);
+    const QByteArray beginning = testCase.outcome() == CaseOutcome::Flaky ? "flaky" : "rerun";
+    for (const CaseTally* const attempt : attempts) {
+        const CaseOutcome outcome = attempt->outcome();
+        const QByteArray tag = beginning + (outcome == CaseOutcome::Failed ? "Failure" : "Error");
+        xml.startElement(tag.constData());
+        xml.addTextElement("stackTrace", writeProblem(xml, {attempt->name, QString(), attempt,
+                                                            &attempt->failures, outcome}));
+        writeTexts(xml, attempt->id);
+        xml.endElement();
+    }
 }
 
 QString JUnitReport::storeWhole(const QString& text, const QString& name) {

@@ -14,8 +14,9 @@ class ReportXml;
 
 /// JUnit XML for continuous integration servers. A case becomes a testcase element, its failures
 /// one failure or error element. A case that runs scenarios of features has one for each of these
-/// instead, and one of its own only for what went wrong outside of them. What happened outside the
-/// cases becomes a testcase of the suite's own name when it failed. Of texts that are too long for
+/// instead, and one of its own only for what went wrong outside of them. Earlier attempts at a case
+/// become flakyFailure or rerunFailure elements, and the like. What happened outside the cases
+/// becomes a testcase of the suite's own name when it failed. Of texts that are too long for
 /// readers of XML the file holds the ends, and the folder FILE-texts beside it the whole. Keeps the
 /// run in memory until finish().
 class TAMRIX_EXPORT JUnitReport : public ReportGenerator {
@@ -52,12 +53,17 @@ private:
         bool isSuiteItself = false;
         /// Of a scenario.
         QString failedStep = QString();
+        /// Of a case as such; null for others.
+        const CaseTally* testCase = nullptr;
     };
     std::vector<Element> elementsOf(const CaseTally& testCase, const QString& suiteName) const;
     std::vector<Element> elementsOf(const SuiteTally& suite) const;
     void writeElement(ReportXml& xml, const Element& element);
     /// Writes the one element for all that went wrong: the consumers read no more than one.
     void writeOutcome(ReportXml& xml, const Element& element);
+    /// Writes the attributes of such an element and returns its text.
+    QString writeProblem(ReportXml& xml, const Element& element);
+    void writeEarlierAttempts(ReportXml& xml, const CaseTally& testCase);
     void writeTexts(ReportXml& xml, int id);
     /// A text that an element can hold.
     QString limited(const QString& text, const QString& name);
@@ -69,6 +75,8 @@ private:
     RunTally m_tally;
     /// By CaseTally::id.
     std::map<int, Texts> m_texts;
+    /// Which part of each suite this is, by the suite's id.
+    std::map<int, QString> m_shards;
     std::unique_ptr<ReportFiles> m_files;
     /// Paths of the whole texts of the case that is being written.
     QStringList m_wholes;

@@ -29,6 +29,8 @@ struct SuiteEnded {
 struct CaseStarted {
     QString name;
     QString script;
+    /// Counted from 1: a case that did not pass may run again in the same run.
+    int attempt = 1;
 
     bool operator==(const CaseStarted& other) const = default;
 };
@@ -169,6 +171,9 @@ struct ActionEnded {
 
     bool operator==(const ActionEnded& other) const = default;
 };
+
+/// The name of the fact that tells which part of a suite a run is, as "2/4".
+inline constexpr char shardFactName[] = "Shard";
 
 /// A fact about the run: a version, a display, arguments.
 struct EnvironmentFact {

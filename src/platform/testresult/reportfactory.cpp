@@ -4,11 +4,13 @@
 #include <QStringList>
 #include <cstdio>
 
+#include "platform/testresult/allurereport.h"
 #include "platform/testresult/htmlreport.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/junitreport.h"
 #include "platform/testresult/messages/messagesreport.h"
 #include "platform/testresult/reporttarget.h"
+#include "platform/testresult/tapreport.h"
 
 namespace Tamrix {
 
@@ -55,11 +57,13 @@ struct Format {
 };
 
 const Format formats[] = {
+    {"allure", true, createFileReport<AllureReport>},
     {"console", false, createConsoleReport},
     {"cucumber-messages", true, createFileReport<MessagesReport>},
     {"html", true, createFileReport<HtmlReport>},
     {"json", true, createFileReport<JournalReport>},
     {"junit", true, createFileReport<JUnitReport>},
+    {"tap", true, createFileReport<TapReport>},
 };
 
 const Format* findFormat(const QString& name) {

@@ -25,12 +25,14 @@ TAMRIX_EXPORT Outcome<ReportDescription> parseReportDescription(const QString& t
 /// Makes the report generator that a "FORMAT:PATH" names. Fails when the description is wrong or
 /// the file can't be written.
 ///
+///     allure:DIR     a folder of results for Allure
 ///     console        on standard output; also "console:" and "console:-"
 ///     console:PATH   the same text in a file
 ///     cucumber-messages:PATH   the scenarios as Cucumber Messages, written at the end
 ///     html:DIR       a folder with index.html and what belongs to it, written at the end
 ///     json:PATH      the journal, which begins at once and replaces the file
 ///     junit:PATH     JUnit XML, written at the end
+///     tap:PATH       TAP, written at the end
 ///
 /// `verbosity` concerns the console format, which is written without colour.
 TAMRIX_EXPORT Outcome<std::unique_ptr<ReportGenerator>> createReportGenerator(

@@ -22,8 +22,8 @@ QString joinedCounts(CountOf countOf) {
 
 }  // namespace
 
-const std::array<CaseOutcome, 6> caseOutcomes = {
-    CaseOutcome::Passed,  CaseOutcome::Failed,      CaseOutcome::Error,
+const std::array<CaseOutcome, 7> caseOutcomes = {
+    CaseOutcome::Passed,  CaseOutcome::Flaky,       CaseOutcome::Failed,     CaseOutcome::Error,
     CaseOutcome::Skipped, CaseOutcome::Interrupted, CaseOutcome::Incomplete,
 };
 

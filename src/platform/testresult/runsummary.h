@@ -11,7 +11,7 @@
 namespace Tamrix {
 
 /// Every outcome of a case, in the order in which summaries list them.
-TAMRIX_EXPORT extern const std::array<CaseOutcome, 6> caseOutcomes;
+TAMRIX_EXPORT extern const std::array<CaseOutcome, 7> caseOutcomes;
 
 /// "3 cases: 1 passed, 2 failed"; outcomes that no case has are left out.
 TAMRIX_EXPORT QString caseSummary(const RunTally& tally);

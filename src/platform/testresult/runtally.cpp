@@ -33,12 +33,29 @@ void addResult(Tally& tally, const ResultAdded& result) {
     }
 }
 
+bool counts(const CaseTally& testCase) {
+    return !testCase.isSuperseded;
+}
+
+/// The attempt that a further one of this number follows; null when there was none.
+CaseTally* attemptBefore(std::deque<CaseTally>& cases, const QString& name, int attempt) {
+    // A case may stand in a run several times: what passed has no further attempt.
+    const auto found = std::find_if(cases.rbegin(), cases.rend(), [&](const CaseTally& each) {
+        const CaseOutcome outcome = each.outcome();
+        return each.name == name && each.attempt < attempt && counts(each) &&
+               outcome != CaseOutcome::Passed && outcome != CaseOutcome::Flaky;
+    });
+    return found == cases.rend() ? nullptr : &*found;
+}
+
 }  // namespace
 
 QString outcomeText(CaseOutcome outcome) {
     switch (outcome) {
         case CaseOutcome::Passed:
             return QStringLiteral("passed");
+        case CaseOutcome::Flaky:
+            return QStringLiteral("flaky");
         case CaseOutcome::Failed:
             return QStringLiteral("failed");
         case CaseOutcome::Error:
@@ -62,7 +79,9 @@ CaseOutcome Tally::outcome() const {
         const ResultTypeInfo* info = resultTypeInfo(failures.front().type);
         return info && info->isVerdict ? CaseOutcome::Failed : CaseOutcome::Error;
     }
-    return isSkipped ? CaseOutcome::Skipped : CaseOutcome::Passed;
+    if (isSkipped)
+        return CaseOutcome::Skipped;
+    return hasEarlierAttempt ? CaseOutcome::Flaky : CaseOutcome::Passed;
 }
 
 double Tally::seconds() const {
@@ -89,10 +108,8 @@ const CaseTally& RunTally::add(const ReportEntry& entry) {
 
     CaseTally& tally = m_runningCase ? *m_runningCase : suite;
     tally.end = entry.time;
-    if (const auto* result = eventOf<ResultAdded>(entry)) {
+    if (const auto* result = eventOf<ResultAdded>(entry))
         addResult(tally, *result);
-        m_anyFailure = m_anyFailure || isFailure(*result);
-    }
     addToScenario(tally, entry);
     if (const auto* ended = eventOf<CaseEnded>(entry); ended && m_runningCase) {
         endTally(tally, ended->isInterrupted);
@@ -158,16 +175,17 @@ void RunTally::leaveScenario() {
 int RunTally::caseCount() const {
     int count = 0;
     for (const SuiteTally& suite : m_suites)
-        count += int(suite.cases.size());
+        count += int(std::count_if(suite.cases.begin(), suite.cases.end(), counts));
     return count;
 }
 
 int RunTally::caseCount(CaseOutcome outcome) const {
     int count = 0;
     for (const SuiteTally& suite : m_suites) {
-        count += int(std::count_if(
-            suite.cases.begin(), suite.cases.end(),
-            [outcome](const CaseTally& testCase) { return testCase.outcome() == outcome; }));
+        count += int(std::count_if(suite.cases.begin(), suite.cases.end(),
+                                   [outcome](const CaseTally& testCase) {
+                                       return counts(testCase) && testCase.outcome() == outcome;
+                                   }));
     }
     return count;
 }
@@ -177,9 +195,19 @@ int RunTally::resultCount(int type) const {
     for (const SuiteTally& suite : m_suites) {
         count += suite.outside.counts.value(type);
         for (const CaseTally& testCase : suite.cases)
-            count += testCase.counts.value(type);
+            count += counts(testCase) ? testCase.counts.value(type) : 0;
     }
     return count;
+}
+
+bool RunTally::anyFailure() const {
+    return failureCountOutsideCases() > 0 ||
+           std::any_of(m_suites.begin(), m_suites.end(), [](const SuiteTally& suite) {
+               return std::any_of(suite.cases.begin(), suite.cases.end(),
+                                  [](const CaseTally& testCase) {
+                                      return counts(testCase) && !testCase.failures.empty();
+                                  });
+           });
 }
 
 int RunTally::failureCountOutsideCases() const {
@@ -218,11 +246,19 @@ void RunTally::startSuite(const SuiteStarted& suite, const QDateTime& time) {
 }
 
 void RunTally::startCase(const CaseStarted& testCase, const QDateTime& time) {
-    CaseTally& started = m_suites.back().cases.emplace_back();
+    std::deque<CaseTally>& cases = m_suites.back().cases;
+    CaseTally* const previous =
+        testCase.attempt > 1 ? attemptBefore(cases, testCase.name, testCase.attempt) : nullptr;
+    CaseTally& started = cases.emplace_back();
     started.id = m_nextId++;
     started.name = testCase.name;
     started.path = testCase.script;
     started.start = time;
+    started.attempt = testCase.attempt;
+    started.previous = previous;
+    started.hasEarlierAttempt = previous != nullptr;
+    if (previous)
+        previous->isSuperseded = true;
     m_runningCase = &started;
     leaveScenario();
 }

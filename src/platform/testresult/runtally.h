@@ -14,6 +14,7 @@ namespace Tamrix {
 /// How a test case came out.
 enum class CaseOutcome {
     Passed,
+    Flaky,        ///< passed when it ran again
     Failed,       ///< its first failure is a failed verdict: Fail, UnexpectedPass
     Error,        ///< its first failure is a script error: Error, Fatal
     Skipped,      ///< skipped as a whole, without a failure
@@ -26,8 +27,8 @@ TAMRIX_EXPORT QString outcomeText(CaseOutcome outcome);
 
 /// What the entries of something that runs add up to.
 struct TAMRIX_EXPORT Tally {
-    /// Interrupted and Incomplete come first, then a failure, then a skip. Warnings, expected fails
-    /// and echoes are no failures.
+    /// Interrupted and Incomplete come first, then a failure, then a skip, then whether an earlier
+    /// attempt was needed. Warnings, expected fails and echoes are no failures.
     CaseOutcome outcome() const;
     /// From its start to its end, or to its last entry when it never ended.
     double seconds() const;
@@ -41,6 +42,8 @@ struct TAMRIX_EXPORT Tally {
     QDateTime end;
     bool isEnded = false;
     bool isInterrupted = false;
+    /// It ran before, and did not pass.
+    bool hasEarlierAttempt = false;
     /// Results by TestResult::ResultType, without echoes.
     QMap<int, int> counts;
     /// The failed verdicts and script errors as they were added.
@@ -61,6 +64,11 @@ struct ScenarioTally : Tally {
 
 /// One test case, or what belongs to none of a suite's cases.
 struct CaseTally : Tally {
+    int attempt = 1;
+    /// The attempt before this one; null for a first one. Owned by the same tally.
+    const CaseTally* previous = nullptr;
+    /// The case ran again behind this attempt, which counts for nothing any more.
+    bool isSuperseded = false;
     /// Those that ran.
     std::deque<ScenarioTally> scenarios;
     /// The failures that belong to no scenario.
@@ -71,10 +79,12 @@ struct CaseTally : Tally {
 struct TAMRIX_EXPORT SuiteTally {
     /// The suite itself: name, times, and what happened outside its cases.
     CaseTally outside;
+    /// Each attempt stands for itself, as they started.
     std::deque<CaseTally> cases;
 };
 
-/// Adds up the entries of a run: outcomes, counts, durations, failures. Takes entries in any order
+/// Adds up the entries of a run: outcomes, counts, durations, failures. Of a case that ran again,
+/// only the last attempt counts. Takes entries in any order
 /// without fail; ones outside a suite get a suite without a name. Script thread only.
 class TAMRIX_EXPORT RunTally {
 public:
@@ -94,7 +104,7 @@ public:
     /// Results of one TestResult::ResultType in the whole run.
     int resultCount(int type) const;
     /// Whether there was a failed verdict or a script error anywhere, outside the cases too.
-    bool anyFailure() const { return m_anyFailure; }
+    bool anyFailure() const;
     /// Failures that happened outside the cases.
     int failureCountOutsideCases() const;
     /// Whether a suite or a case was interrupted.
@@ -120,7 +130,6 @@ private:
     QString m_feature;
     QString m_outline;
     QString m_step;
-    bool m_anyFailure = false;
     int m_nextId = 0;
 };
 

@@ -87,7 +87,8 @@ Outcome<SharedPtr<Application>> Applications::start(const ApplicationStart& want
         return fail(prepared.error());
     ApplicationStart start = wanted;
     start.program.mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
-    start.program.environment = m_displayEnvironment + wanted.program.environment;
+    start.program.environment =
+        m_displayEnvironment + m_caseEnvironment + wanted.program.environment;
     start.launcher->prepare(&start.program, {m_server.socketPath(), m_server.token()});
     Outcome<std::unique_ptr<ChildProcess>> process = ChildProcess::start(start.program);
     if (!process)

@@ -39,6 +39,11 @@ public:
     /// The display on which applications appear, for a person: ":0"; empty without one.
     QString display() const;
 
+    /// What programs get that are started from now on, besides what their start says.
+    void setCaseEnvironment(const ProgramEnvironment& environment) {
+        m_caseEnvironment = environment;
+    }
+
     // Waiting ones. They end early when the run is interrupted, as failures.
     /// Starts a program and waits until it, or a process that came of it, has connected. Nothing
     /// stays of a program that did not.
@@ -118,6 +123,7 @@ private:
     AgentServer m_server;
     PrivateDisplay m_privateDisplay;
     ProgramEnvironment m_displayEnvironment;
+    ProgramEnvironment m_caseEnvironment;
     StartedPrograms m_programs;
     QList<SharedPtr<Application>> m_applications;
     std::deque<SharedPtr<Application>> m_launched;

@@ -1,16 +1,16 @@
 #include "runner/commands/caserun.h"
 
-#include <unistd.h>
-
 #include <QDir>
-#include <QFile>
-#include <cstdio>
 #include <memory>
 
 #include "platform/testresult/compositereport.h"
 #include "platform/testresult/reportfactory.h"
+#include "runner/commands/casechoice.h"
 #include "runner/commands/displayoption.h"
 #include "runner/commands/reports.h"
+#include "runner/commands/runreports.h"
+#include "runner/commands/workerrun.h"
+#include "runner/farm/opencases.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/supervision.h"
 #include "runner/processes/terminal.h"
@@ -61,61 +61,30 @@ bool isStandardOutput(const QString& report) {
     return description && description->isStandardOutput();
 }
 
-/// Where the console report goes: standard output may be a program's that debugs the run.
-int consoleDescriptor(const CaseRunSettings& settings) {
-    return settings.debugger == DebuggerDialogue::Machine ? STDERR_FILENO : STDOUT_FILENO;
-}
-
-std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings,
-                                               std::unique_ptr<QIODevice> output) {
-    if (!settings.hasConsole)
-        return std::make_unique<CompositeReport>();
-    using Decoration = ConsoleReport::Decoration;
-    const bool wantsColours = ::isatty(consoleDescriptor(settings)) &&
-                              qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
-    // The line that shows the running case is no place to type commands behind.
-    const Decoration colours = settings.debugger == DebuggerDialogue::None
-                                   ? Decoration::ColoursAndRunningCase
-                                   : Decoration::Colours;
-    return std::make_unique<ConsoleReport>(std::move(output), settings.verbosity,
-                                           wantsColours ? colours : Decoration::None);
-}
-
 /// The run itself, in the process of the cases.
-int runHere(const CaseRunSettings& settings, const Suite& suite, const QList<SuiteCase>& cases,
-            const RunJournal& journal) {
+int runHere(const CaseRunSettings& settings, const Suite& suite, const CaseChoice& choice,
+            const CaseTimes& history, const RunJournal& journal) {
     CompositeReport reports;
     if (const Outcome<> opened = openReports(settings.reports, reports); !opened)
         return failWith(opened.error().text);
     reports.append(journal.createWriter());
+    reports.append(createHistory(settings, suite, history));
     // Behind the others: what a person has seen is in the journal, even if the process is killed.
-    auto output = std::make_unique<QFile>();
-    output->open(consoleDescriptor(settings) == STDERR_FILENO ? stderr : stdout,
-                 QIODevice::WriteOnly);
-    reports.append(createConsole(settings, std::move(output)));
+    reports.append(createConsole(settings));
 
-    SuiteRunOptions options;
-    options.failFast = settings.failFast;
-    options.recordsActions = settings.recordsActions;
-    options.renewsVerificationPoints = settings.renewsVerificationPoints;
-    options.resultDirectory = settings.resultDirectory;
-    options.tagFilters = settings.tagFilters;
-    options.scenarios = settings.scenarios;
-    options.scriptArguments = settings.scriptArguments;
-    options.display = settings.display;
-    options.debugger = settings.debugger;
-    options.video = settings.video;
-    options.isInteractive = settings.isInteractive;
+    SuiteRunOptions options = suiteRunOptions(settings);
+    options.maxFailures = settings.maxFailures;
+    options.facts = choice.facts;
     SuiteRun run(suite, options, &reports);
     if (const Outcome<> prepared = run.prepare(); !prepared)
         return failWith(prepared.error().text);
-    run.run(cases);
+    run.run(choice.cases);
 
     const bool reported = finishReports(reports);
     if (run.skippedCases() > 0) {
         tell(QStringLiteral("%1: %2 test case(s) did not run")
                  .arg(run.interruptedBy() ? QStringLiteral("interrupted")
-                                          : QStringLiteral("ended at the first failure"),
+                                          : endedByFailures(settings),
                       QString::number(run.skippedCases())));
     }
     if (run.interruptedBy())
@@ -154,17 +123,46 @@ LostRun lostRun(const CaseRunSettings& settings, const Supervision::End& end, in
     return lost;
 }
 
+/// The option for where applications appear, which `jobs` have a say in.
+Option<CaseRunSettings> caseDisplayOption() {
+    Option<CaseRunSettings> option = displayOption(&CaseRunSettings::display);
+    option.help =
+        "Where applications appear: auto (a display and session bus of its own; the default "
+        "with --jobs), inherit (the default otherwise) or :N.";
+    option.defaultValue = nullptr;
+    return option;
+}
+
 }  // namespace
+
+SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
+    SuiteRunOptions options;
+    options.hasPrivateHomes = settings.farm.hasPrivateHomes();
+    options.recordsActions = settings.recordsActions;
+    options.renewsVerificationPoints = settings.renewsVerificationPoints;
+    options.resultDirectory = settings.resultDirectory;
+    options.tagFilters = settings.tagFilters;
+    options.scenarios = settings.scenarios;
+    options.scriptArguments = settings.scriptArguments;
+    options.video = settings.video;
+    options.isInteractive = settings.isInteractive;
+    options.display = settings.display;
+    if (settings.display.isEmpty() && settings.farm.jobs > 0)
+        options.display = QStringLiteral("auto");
+    options.debugger = settings.debugger;
+    return options;
+}
 
 std::vector<Option<CaseRunSettings>> caseRunOptions() {
     return {{"report", reportValueName,
              "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML), "
-             "cucumber-messages (NDJSON) or console; may be given several times.",
+             "tap, allure (a folder), cucumber-messages (NDJSON) or console; may be given several "
+             "times.",
              nullptr, allTo(&CaseRunSettings::reports)},
             {"result-dir", "DIR",
              "Keeps attachments and the run's journal (journal.jsonl) in this folder.", nullptr,
              readResultDirectory},
-            displayOption(&CaseRunSettings::display),
+            caseDisplayOption(),
             {"tags", "TAGS",
              "Runs only scenarios of features with one of these tags, as in @a,~@b; given several "
              "times, each has to hold. 'untagged' means those without tags.",
@@ -219,23 +217,36 @@ int runCases(const CaseRunSettings& settings) {
     const Outcome<Suite> suite = loadSuite(settings.suite);
     if (!suite)
         return failWith(suite.error().text);
-    const Outcome<QList<SuiteCase>> cases = selectCases(*suite, settings.cases);
-    if (!cases)
-        return failWith(cases.error().text);
+    CaseTimes history(suite->name);
+    if (!settings.farm.history.isEmpty()) {
+        for (const QString& problem : history.readFolder(settings.farm.history))
+            tell(problem);
+    }
+    const Outcome<CaseChoice> choice = chooseCases(*suite, settings, history);
+    if (!choice)
+        return failWith(choice.error().text);
     const QString& directory = settings.resultDirectory;
     if (!directory.isEmpty() && !QDir().mkpath(directory))
         return failWith(QStringLiteral("the folder '%1' can't be made").arg(directory));
 
+    for (const QString& report : settings.reports) {
+        const Outcome<ReportDescription> description = parseReportDescription(report);
+        if (description && description->format == QLatin1String("json"))
+            removeOpenCases(description->path);
+    }
+    if (settings.farm.needsWorkers())
+        return runWithWorkers(settings, *suite, *choice, history);
+
     const RunJournal journal(settings.reports);
     const std::optional<Supervision::End> end = Supervision::begin();
     if (!end) {
-        const int exitCode = runHere(settings, *suite, *cases, journal);
+        const int exitCode = runHere(settings, *suite, *choice, history, journal);
         Supervision::markOrderly();
         return exitCode;
     }
     if (end->isOrderly)
         return end->exitCode;
-    finishLostRun(journal, lostRun(settings, *end, cases->size()));
+    finishLostRun(journal, lostRun(settings, *end, choice->cases.size()));
     return end->isQuit ? ExitSuccess : ExitUsage;
 }
 

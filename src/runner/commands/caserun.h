@@ -6,8 +6,10 @@
 
 #include "platform/testresult/consolereport.h"
 #include "runner/commands/command.h"
+#include "runner/commands/farmoptions.h"
 #include "runner/debugging/frontends.h"
 #include "runner/suites/casevideo.h"
+#include "runner/suites/suiterun.h"
 
 namespace Tamrix {
 
@@ -21,9 +23,10 @@ struct CaseRunSettings {
     QStringList reports;
     /// Absolute, empty when none was given.
     QString resultDirectory;
-    /// "inherit", "auto" or ":N".
+    /// "inherit", "auto" or ":N"; empty for what fits the jobs.
     QString display;
-    bool failFast = false;
+    /// So many failed cases end the run; 0 for none.
+    int maxFailures = 0;
     VideoMode video = VideoMode::Off;
     /// Whether verification points that differ are written anew.
     bool renewsVerificationPoints = false;
@@ -36,7 +39,12 @@ struct CaseRunSettings {
     std::vector<unsigned> scenarios;
     QStringList scriptArguments;
     DebuggerDialogue debugger = DebuggerDialogue::None;
+    FarmSettings farm;
 };
+
+/// The options of "run", which it hands on to whatever runs parts of it.
+std::vector<Option<CaseRunSettings>> runOptions();
+std::vector<std::pair<const char*, const char*>> exclusiveRunOptions();
 
 /// The options that all such commands have.
 std::vector<Option<CaseRunSettings>> caseRunOptions();
@@ -46,7 +54,10 @@ std::vector<std::pair<const char*, const char*>> exclusiveCaseRunOptions();
 /// Takes suite, cases and script arguments, and completes the reports.
 Outcome<> readCaseRunArguments(const CommandArguments& arguments, CaseRunSettings& settings);
 
-/// Runs the cases in a process of their own and returns the exit code.
+/// What the run itself is asked to do; for one of several workers as well.
+SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings);
+
+/// Runs the cases in a process of their own, or several, and returns the exit code.
 int runCases(const CaseRunSettings& settings);
 
 }  // namespace Tamrix

@@ -9,6 +9,8 @@
     DO(list)                        \
     DO(features)                    \
     DO(report)                      \
+    DO(merge)                       \
+    DO(farm)                        \
     DO(inspect)                     \
     DO(compare)                     \
     DO(attachable)                  \

@@ -8,6 +8,7 @@
 #include "runner/commands/command.h"
 #include "runner/commands/reports.h"
 #include "runner/commands/samefile.h"
+#include "runner/farm/opencases.h"
 #include "runner/processes/terminal.h"
 
 namespace Tamrix {
@@ -49,9 +50,11 @@ int makeReports(const ReportSettings& settings) {
     CompositeReport reports;
     if (const Outcome<> opened = openReports(settings.reports, reports); !opened)
         return failWith(opened.error().text);
-    JournalReader reader(&reports);
+    RunEnd end(&reports);
+    JournalReader reader(&end);
     if (!reader.replay(settings.journal))
         return failWith(reader.errorText());
+    end.addOpenCases(settings.journal);
     if (reader.isCut()) {
         tell(QStringLiteral("'%1' ends inside an entry: its run was killed while writing it")
                  .arg(settings.journal));
@@ -66,8 +69,8 @@ Command reportCommand() {
         {{"report", "JOURNAL --to FORMAT:PATH",
           "Makes reports from the journal of a run, also of one that was killed.", 1, 1},
          {{"to", reportValueName,
-           "The report: html (a folder), json (the journal), junit (JUnit XML), cucumber-messages "
-           "(NDJSON) or console; may be given several times.",
+           "The report: html (a folder), json (the journal), junit (JUnit XML), tap, allure (a "
+           "folder), cucumber-messages (NDJSON) or console; may be given several times.",
            nullptr, allTo(&ReportSettings::reports)}},
          {},
          readArguments,

@@ -31,6 +31,10 @@ constexpr int patience = 3;
 std::atomic<pid_t> s_process{0};
 std::atomic<int> s_firstSignal{0};
 std::atomic<int> s_signalCount{0};
+std::atomic<bool> s_isTimeOut{false};
+std::atomic<bool> s_isHintLeft{false};
+/// The value that comes with the signal of a time-out.
+constexpr int timeOutValue = 1;
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler uses them");
 
 bool isFunction(const struct sigaction& action) {
@@ -72,13 +76,16 @@ void handle(int signal, siginfo_t* info, void* context) {
         return;
     }
     int none = 0;
+    if (info->si_code == SI_QUEUE && info->si_value.sival_int == timeOutValue &&
+        s_firstSignal == none)
+        s_isTimeOut = true;
     s_firstSignal.compare_exchange_strong(none, signal);
     const int count = ++s_signalCount;
     if (count >= patience) {
         Supervision::markOrderly();
         ::_exit(Interrupt::exitCode(s_firstSignal));
     }
-    if (count == patience - 1) {
+    if (count == patience - 1 && !s_isHintLeft) {
         static const char s_text[] = "\ntamrixrunner: interrupt once more to end at once\n";
         // Nothing can be done about a text that can't be written.
         [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, s_text, sizeof s_text - 1);
@@ -159,6 +166,20 @@ int Interrupt::signalNumber() {
     return s_firstSignal;
 }
 
+bool Interrupt::isTimeOut() {
+    return s_isTimeOut;
+}
+
+void Interrupt::ask(int process, int signal, bool isTimeOut) {
+    sigval value{};
+    value.sival_int = isTimeOut ? timeOutValue : 0;
+    ::sigqueue(process, signal, value);
+}
+
+void Interrupt::leaveHintToOthers() {
+    s_isHintLeft = true;
+}
+
 void Interrupt::reset() {
     const sigset_t oldMask = block();
     takeOff();
@@ -166,6 +187,8 @@ void Interrupt::reset() {
         watched = {watched.signal};
     s_firstSignal = 0;
     s_signalCount = 0;
+    s_isTimeOut = false;
+    s_isHintLeft = false;
     pthread_sigmask(SIG_SETMASK, &oldMask, nullptr);
 }
 

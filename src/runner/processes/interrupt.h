@@ -20,6 +20,15 @@ public:
     /// The first signal that asked the run to end, 0 as long as none did. Any thread.
     static int signalNumber();
 
+    /// Whether it was not the user who asked, but the parent, with ask(): a test case has
+    /// taken too long.
+    static bool isTimeOut();
+    /// Asks a process that Supervision::startWorker() started to end what it runs, as Ctrl-C does.
+    /// `isTimeOut` as above; otherwise `signal` is handed on from the user.
+    static void ask(int process, int signal, bool isTimeOut);
+    /// From now on this process says nothing about a further signal: somebody else does.
+    static void leaveHintToOthers();
+
     /// How a process that ended by the signal reports it: 130 for Ctrl-C, 143 for SIGTERM,
     /// 129 for SIGHUP.
     static int exitCode(int signal) { return 128 + signal; }

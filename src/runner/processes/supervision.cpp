@@ -72,6 +72,14 @@ Supervision::End waitFor(pid_t child) {
     return end;
 }
 
+/// In the child: ends with its supervisor.
+void becomeSupervised(pid_t supervisor) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != supervisor)
+        ::_exit(1);
+    s_supervisor = supervisor;
+}
+
 }  // namespace
 
 std::optional<Supervision::End> Supervision::begin() {
@@ -93,15 +101,19 @@ std::optional<Supervision::End> Supervision::begin() {
     const pid_t child = ::fork();
     if (child > 0)
         return waitFor(child);
-    if (child == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != supervisor)
-            ::_exit(1);
-        s_supervisor = supervisor;
-    }
+    if (child == 0)
+        becomeSupervised(supervisor);
     ::sigaction(SIGCHLD, &childAction, nullptr);
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
     return std::nullopt;
+}
+
+pid_t Supervision::startWorker() {
+    const pid_t parent = ::getpid();
+    const pid_t child = ::fork();
+    if (child == 0)
+        becomeSupervised(parent);
+    return child;
 }
 
 void Supervision::markOrderly() {

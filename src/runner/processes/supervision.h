@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <QString>
 #include <csignal>
 #include <optional>
@@ -26,6 +28,10 @@ public:
     /// when it is killed, the child is killed, too. Without a child to be had, the run goes on
     /// unsupervised in this process. Call it while there is one thread only.
     static std::optional<End> begin();
+
+    /// Forks a child that the caller looks after itself: 0 in the child, in which signals are
+    /// treated as in that of begin() and which is killed when the caller ends; -1 on failure.
+    static pid_t startWorker();
 
     /// In the child: from now on its end is in order. Safe in signal handlers.
     static void markOrderly();

@@ -112,6 +112,19 @@ Outcome<> SuiteRun::loadObjectMap() {
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
+    int started = 0;
+    run([&]() -> const SuiteCase* {
+        return started < cases.size() ? &cases.at(started++) : nullptr;
+    });
+    m_skippedCases = cases.size() - started;
+}
+
+bool SuiteRun::mayStartCase() const {
+    return Interrupt::signalNumber() == 0 &&
+           (m_options.maxFailures == 0 || m_failedCases < m_options.maxFailures);
+}
+
+void SuiteRun::run(const NextCase& nextCase) {
     m_passwords = takePasswords();
     const ProcessState stateBeforeRun;
     Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
@@ -119,16 +132,13 @@ void SuiteRun::run(const QList<SuiteCase>& cases) {
     m_result.startSuite(m_suite.name, m_suite.directory);
     noteEnvironment();
 
-    int started = 0;
-    for (const SuiteCase& testCase : cases) {
-        m_interruptedBy = Interrupt::signalNumber();
-        if (m_interruptedBy != 0 || (m_options.failFast && m_hasFailed))
+    while (mayStartCase()) {
+        const SuiteCase* const testCase = nextCase();
+        if (!testCase)
             break;
-        ++started;
-        runCase(testCase);
+        runCase(*testCase);
     }
     m_interruptedBy = Interrupt::signalNumber();
-    m_skippedCases = cases.size() - started;
 
     m_result.endSuite(m_interruptedBy != 0);
     m_result.setComplete();
@@ -150,6 +160,19 @@ void SuiteRun::noteEnvironment() {
                             quotedShellWords(QCoreApplication::arguments()));
     m_result.addEnvironment(QStringLiteral("Script arguments"),
                             quotedShellWords(m_options.scriptArguments));
+    for (const EnvironmentFact& fact : m_options.facts)
+        m_result.addEnvironment(fact.name, fact.fact);
+}
+
+void SuiteRun::renewHome() {
+    if (!m_options.hasPrivateHomes)
+        return;
+    if (const Outcome<> renewed = m_home.renew(); !renewed) {
+        m_result.addResult(TestResult::Warning,
+                           QStringLiteral("Applications get no home of their own"),
+                           renewed.error().text, LineInfo());
+    }
+    m_runner.applications.setCaseEnvironment(m_home.environment());
 }
 
 void SuiteRun::runCase(const SuiteCase& testCase) {
@@ -157,6 +180,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
     m_result.startCase(testCase.name, testCase.script);
     startRunSettings(m_suite.config, m_passwords, &m_result);
     m_failureMoment.reset();
+    renewHome();
     m_video.startCase();
     if (const Outcome<> loaded = loadObjectMap(); !loaded) {
         m_result.addResult(TestResult::Error, QStringLiteral("Can't read the map of object names"),
@@ -177,8 +201,8 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
     // Above what the script or its language left there.
     Interrupt::install();
     if (caseHasFailed())
-        m_hasFailed = true;
-    m_result.endCase(Interrupt::signalNumber() != 0);
+        ++m_failedCases;
+    m_result.endCase(Interrupt::signalNumber() != 0 && !Interrupt::isTimeOut());
 }
 
 void SuiteRun::runScript(const SuiteCase& testCase) {
@@ -219,6 +243,9 @@ void SuiteRun::startDebugging(const SuiteCase& testCase) {
 }
 
 QImage SuiteRun::grabDesktop() {
+    // The picture of a case that took too long is wanted in spite of the signal that ended it.
+    if (Interrupt::isTimeOut())
+        m_runner.applications.startCall();
     m_desktop = grabCurrentApplication(&m_runner);
     return m_desktop.image();
 }

@@ -3,10 +3,12 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 #include "base/outcome.h"
 #include "platform/testresult/testresult.h"
+#include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
 #include "runner/services/runner.h"
 #include "runner/suites/casevideo.h"
@@ -17,8 +19,12 @@ namespace Tamrix {
 
 /// What a run is asked to do beside its cases.
 struct SuiteRunOptions {
-    /// Ends the run behind the first case that fails.
-    bool failFast = false;
+    /// Ends the run behind so many cases that fail; 0 for never.
+    int maxFailures = 0;
+    /// Whether each case's applications get a home folder of their own.
+    bool hasPrivateHomes = false;
+    /// Further facts about the run, for the reports.
+    QList<EnvironmentFact> facts;
     /// Whether verification points that differ are written anew.
     bool renewsVerificationPoints = false;
     /// Whether the results tell what scripts do to applications.
@@ -52,12 +58,15 @@ public:
     /// the suite's map of object names, and the tags of scenarios. Call it before run().
     Outcome<> prepare();
 
-    /// Runs the cases, until all have run, one failed in a run that ends at the first failure, or a
-    /// signal asked to end. Call it once. TAMRIX_PREFIX has to be set.
+    /// Runs the cases, until all have run, as many have failed as may, or a signal asked to end.
+    /// Call one of the two, once. TAMRIX_PREFIX has to be set.
     void run(const QList<SuiteCase>& cases);
+    /// The same for cases of which each is asked for when the one before has ended; null ends.
+    using NextCase = std::function<const SuiteCase*()>;
+    void run(const NextCase& nextCase);
 
     /// Whether a case that ran had a failed verdict or a script error.
-    bool hasFailed() const { return m_hasFailed; }
+    bool hasFailed() const { return m_failedCases > 0; }
     /// The signal that ended the run early, 0 when none did.
     int interruptedBy() const { return m_interruptedBy; }
     /// The number of cases that did not start because the run ended before them.
@@ -77,6 +86,9 @@ private:
     QImage grabDesktop();
     void keepFailureMoment(const QString& folder);
     void endApplications();
+    /// Gives the applications of the next case a home of their own.
+    void renewHome();
+    bool mayStartCase() const;
     /// Tells the results where the suite runs.
     void noteEnvironment();
     /// Attaches what programs wrote to the report.
@@ -86,11 +98,12 @@ private:
     SuiteRunOptions m_options;
     Runner m_runner;
     TestResult m_result;
+    PrivateHome m_home;
     CaseVideo m_video;
     FailureMoment m_failureMoment;
     /// The last picture of the desktop, until the failure that it belongs to is told.
     Screenshot m_desktop;
-    bool m_hasFailed = false;
+    int m_failedCases = 0;
     QMap<QString, QString> m_passwords;
     int m_interruptedBy = 0;
     int m_skippedCases = 0;

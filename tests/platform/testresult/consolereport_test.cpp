@@ -44,6 +44,31 @@ TEST_F(ConsoleReportTest, TellsARunByVerbosity) {
         EXPECT_TRUE(compareWithGolden(row.golden, sampleRun(row.verbosity)));
 }
 
+TEST_F(ConsoleReportTest, TellsAttempts) {
+    ConsoleReport report(&buffer, Verbosity::Normal, ConsoleReport::Decoration::None);
+    addRepeatedRun(&report);
+    report.finish();
+    EXPECT_TRUE(
+        compareWithGolden("testresult/console-attempts.txt", QString::fromUtf8(buffer.data())));
+}
+
+TEST_F(ConsoleReportTest, AStatusTakesThePlaceOfTheRunningCase) {
+    ConsoleReport report(&buffer, Verbosity::Normal,
+                         ConsoleReport::Decoration::ColoursAndRunningCase);
+    report.showStatus("1/2 done");
+    EXPECT_EQ(buffer.data(), "  ...   1/2 done");
+    report.showStatus("1/2 done");
+    EXPECT_EQ(buffer.data(), "  ...   1/2 done");
+    report.add({QDateTime(), CaseStarted{"one", "/one"}});
+    report.add({QDateTime(), CaseEnded{}});
+    EXPECT_TRUE(
+        buffer.data().endsWith("\r\x1b[K  \x1b[32mPASS  one  (0.00 s)\x1b[0m\n"
+                               "  ...   1/2 done"))
+        << buffer.data().toStdString();
+    report.finish();
+    EXPECT_FALSE(buffer.data().endsWith("done"));
+}
+
 TEST_F(ConsoleReportTest, ColouredReportShowsTheRunningCaseAndTakesItAway) {
     ConsoleReport report(&buffer, Verbosity::Normal,
                          ConsoleReport::Decoration::ColoursAndRunningCase);

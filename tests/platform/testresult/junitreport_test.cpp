@@ -62,6 +62,12 @@ TEST_F(JUnitReportTest, TellsARun) {
     EXPECT_TRUE(compareWithGolden("testresult/junit.xml", QString::fromUtf8(xml)));
 }
 
+TEST_F(JUnitReportTest, TellsShardAndAttempts) {
+    const QByteArray xml = report(addRepeatedRun);
+    EXPECT_EQ(schemaErrors(), "");
+    EXPECT_TRUE(compareWithGolden("testresult/junit-attempts.xml", QString::fromUtf8(xml)));
+}
+
 TEST_F(JUnitReportTest, NamesEachVideoThatIsThere) {
     const QByteArray xml = report([](ReportGenerator* junit) {
         TestResult result(junit);

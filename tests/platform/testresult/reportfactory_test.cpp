@@ -19,7 +19,7 @@ TEST(ReportFactory, RefusesWhatItCannotMake) {
     QTemporaryDir directory;
     ASSERT_TRUE(writeFile(directory.filePath("f")));
     const QString blocked = directory.filePath("f/r");
-    const QString known = "console, cucumber-messages, html, json, junit";
+    const QString known = "allure, console, cucumber-messages, html, json, junit, tap";
     const struct {
         QString text;
         QString error;

@@ -109,6 +109,26 @@ TEST(RunTally, AddsUpARun) {
     EXPECT_EQ(tally.suites().front().cases[2].skipText, "No printer: here");
 }
 
+TEST(RunTally, OfACaseThatRanAgainOnlyTheLastAttemptCounts) {
+    RunTally tally;
+    RecordingReport report;
+    addRepeatedRun(&report);
+    for (const ReportEntry& entry : report.entries)
+        tally.add(entry);
+    EXPECT_EQ(tally.caseCount(), 4);
+    EXPECT_EQ(tally.caseCount(CaseOutcome::Passed), 1);
+    EXPECT_EQ(tally.caseCount(CaseOutcome::Flaky), 2);
+    EXPECT_EQ(tally.caseCount(CaseOutcome::Failed), 1);
+    EXPECT_FALSE(tally.isIncomplete());
+    EXPECT_TRUE(tally.anyFailure());
+    EXPECT_EQ(tally.resultCount(TestResult::Fail), 1);
+    EXPECT_EQ(tally.resultCount(TestResult::Error), 0);
+    const CaseTally& last = tally.suites().front().cases.back();
+    ASSERT_NE(last.previous, nullptr);
+    ASSERT_NE(last.previous->previous, nullptr);
+    EXPECT_EQ(last.previous->previous->attempt, 1);
+}
+
 TEST(RunTally, CountsFailuresOutsideTheCases) {
     RunTally tally;
     tally.add(entryOf(SuiteStarted{"suite", ""}));

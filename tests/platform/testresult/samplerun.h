@@ -40,6 +40,36 @@ private:
     qint64 m_count = 0;
 };
 
+/// A shard whose cases run again: one passes in its third attempt, one never does, one lost the
+/// process of its first attempt. Another run of the first case has nothing to do with it.
+inline void addRepeatedRun(ReportGenerator* report) {
+    FixedClock clock(report);
+    const auto add = [&clock](ReportEvent event) { clock.add({QDateTime(), std::move(event)}); };
+    const auto addCase = [&](const QString& name, int attempt, int type) {
+        const QString script = QStringLiteral("/s/%1/test.py").arg(name);
+        add(CaseStarted{name, script, attempt});
+        ResultAdded result;
+        result.type = type;
+        result.message = QStringLiteral("of attempt %1").arg(attempt);
+        result.callStack = {LineInfo(script, 3)};
+        add(OutputWritten{OutputStream::StandardOutput,
+                          QStringLiteral("attempt %1\n").arg(attempt)});
+        add(result);
+        add(CaseEnded{});
+    };
+    add(SuiteStarted{"suite_shop", "/s"});
+    add(EnvironmentFact{shardFactName, "2/4"});
+    addCase("tst_flaky", 1, TestResult::Fail);
+    addCase("tst_failed", 1, TestResult::Fail);
+    addCase("tst_flaky", 1, TestResult::Pass);
+    addCase("tst_flaky", 2, TestResult::Error);
+    addCase("tst_failed", 2, TestResult::Fail);
+    add(CaseStarted{"tst_lost", "/s/tst_lost/test.py"});
+    addCase("tst_lost", 2, TestResult::Pass);
+    addCase("tst_flaky", 3, TestResult::Pass);
+    add(SuiteEnded{});
+}
+
 /// A run with something of every kind, for the reports. The last case never ends, as after a kill.
 inline void addSampleRun(ReportGenerator* report) {
     FixedClock clock(report);

@@ -152,8 +152,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--report", "junit"},
          "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "pdf:x"},
-         "Unknown report format 'pdf' in 'pdf:x'; the known ones are console, cucumber-messages, "
-         "html, json, junit (see tamrixrunner run --help)"},
+         "Unknown report format 'pdf' in 'pdf:x'; the known ones are allure, console, "
+         "cucumber-messages, html, json, junit, tap (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "console:-"},
          "the console report always goes to standard output; 'console:-' would write it twice (see "
          "tamrixrunner run --help)"},
@@ -172,6 +172,21 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--help)"},
         {{"run", "s", "--no-console", "--quiet"},
          "--no-console and --quiet exclude each other (see tamrixrunner run --help)"},
+        {{"run", "suite", "--fail-fast", "--max-failures", "3"},
+         "--fail-fast and --max-failures exclude each other (see tamrixrunner run --help)"},
+        {{"run", "suite", "--debugger", "--jobs", "2"},
+         "--debugger and --jobs exclude each other (see tamrixrunner run --help)"},
+        {{"run", "suite", "--jobs", "0"},
+         "--jobs takes auto or a number from 1 to 1000, not '0' (see tamrixrunner run --help)"},
+        {{"run", "suite", "--retries", "x"},
+         "--retries takes a number from 0 to 1000000, not 'x' (see tamrixrunner run --help)"},
+        {{"run", "suite", "--order", "random:"},
+         "--order takes suite, longest, random or random:SEED, not 'random:' (see tamrixrunner run "
+         "--help)"},
+        {{"run", "suite", "--shard", "3/2"},
+         "--shard: a shard is I/N with I from 1 to N, not '3/2' (see tamrixrunner run --help)"},
+        {{"run", "suite", "--home", "mine"},
+         "--home takes private or inherit, not 'mine' (see tamrixrunner run --help)"},
         {{"run", "s", "--verbose", "--quiet"},
          "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"run", "s", "--scenario", "-1"},

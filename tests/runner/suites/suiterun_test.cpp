@@ -86,7 +86,7 @@ TEST_F(SuiteRunTest, FailFastEndsBehindTheFirstFailure) {
     for (const char* name : {"suite/a/test.py", "suite/b/test.py", "suite/c/test.py"})
         folder.write(name);
     SuiteRunOptions options;
-    options.failFast = true;
+    options.maxFailures = 1;
     run(options);
     EXPECT_EQ(report.results().size(), 1u);
     EXPECT_EQ(skippedCases, 2);
