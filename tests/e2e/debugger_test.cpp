@@ -263,7 +263,10 @@ TEST_F(DebuggedApplication, AnImageThatIsNotFoundIsMendedWhileTheScriptStands) {
     expect("setInterpreterStateFor ImageLookup " +
                QUrl::toPercentEncoding(R"({"imageSearchOptions":{"tolerant":true}})"),
            "TDBG:setInterpreterStateFor ok:\n");
-    expect("continue", "");
+    // The call that the script needs is told.
+    expect("continue",
+           "TDBG:@notify imageSearchCall\tfindImage(\"seven\"\\, {\"tolerant\":True}\\, "
+           "\"{type\\='Calculator'}\")\n");
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
     EXPECT_FALSE(QFile::exists(screenshot));

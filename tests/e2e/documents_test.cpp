@@ -97,8 +97,9 @@ struct BlockRun {
             runner.setVariable(name, folder.path());
         runner.setVariable("QT_QPA_PLATFORM", "offscreen");
         const QString suite = QFileInfo(testCase).path();
-        // Programs without agent need a display.
-        const bool needsDisplay = readFile(suite + "/config.xml").contains("hook=\"none\"");
+        // Programs without agent need a display, and search images are of one.
+        const bool needsDisplay = readFile(suite + "/config.xml").contains("hook=\"none\"") ||
+                                  QFile::exists(suite + "/shared/searchImages");
         runner.start({"run", suite, QFileInfo(testCase).fileName(), "--result-dir",
                       folder.filePath("results"), "--aut-display",
                       needsDisplay ? "auto" : "inherit"});

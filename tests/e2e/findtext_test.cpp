@@ -93,9 +93,11 @@ TEST_F(FindText, FailsClearly) {
          "tamrixrunner: Unknown preprocessing profile 'x'\n"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(run(row.arguments), "");
-        EXPECT_EQ(runner.exitCode(), 2);
-        EXPECT_TRUE(runner.errors().startsWith(row.error)) << qPrintable(runner.errors());
+        RunnerProcess failing;
+        failing.run(QStringList{"find-text"} + row.arguments);
+        EXPECT_EQ(failing.output(), "");
+        EXPECT_EQ(failing.exitCode(), 2);
+        EXPECT_TRUE(failing.errors().startsWith(row.error)) << qPrintable(failing.errors());
     }
 }
 

@@ -66,7 +66,11 @@ TEST_P(RealPrograms, SuitesPass) {
         {"tests/e2e/suites/suite_functions", {}},
         {"tests/e2e/suites/suite_speedcrunch", {}},
     };
+    const QString pictures = "examples/suite_pictures";
     for (const auto& [suite, cases] : suites) {
+        // Its search images are of a display of X, where letters have other sizes.
+        if (isWayland() && suite == pictures)
+            continue;
         runner.run(arguments(QStringLiteral(TAMRIX_TEST_SOURCE_DIR "/") + suite) + cases);
         EXPECT_EQ(runner.exitCode(), 0)
             << suite << ":\n"

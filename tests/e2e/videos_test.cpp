@@ -1,6 +1,7 @@
 // Videos of runs, made of a real display.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QProcess>
@@ -94,6 +95,9 @@ TEST_F(Videos, OfAKilledRunPlay) {
     ASSERT_TRUE(runner.waitForOutput("now"));
     runner.sendSignal(SIGKILL);
     runner.finish();
+    // The watch ends what the run has left.
+    for (int round = 0; round < 1000 && !leftProcesses().isEmpty(); ++round)
+        ::usleep(20000);
     EXPECT_GT(durationOf(video("a")), 1.0);
     // The report that is made of the journal shows it.
     RunnerProcess report;

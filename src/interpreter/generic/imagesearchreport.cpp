@@ -12,7 +12,6 @@ namespace Tamrix {
 
 using Vision::ImageLookupImplementation;
 using Vision::ImageLookupOptions;
-using Vision::SearchRegion;
 
 namespace {
 

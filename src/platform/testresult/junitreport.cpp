@@ -89,7 +89,7 @@ bool needsOwnElement(const CaseTally& testCase) {
 
 /// How a case came out apart from its scenarios.
 CaseOutcome outcomeOutside(const CaseTally& testCase) {
-    Tally outside = testCase;
+    Tally outside = static_cast<const Tally&>(testCase);
     outside.failures = testCase.failuresOutsideScenarios;
     return outside.outcome();
 }

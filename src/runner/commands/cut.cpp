@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRect>
 
 #include "runner/commands/command.h"
 #include "runner/suites/suite.h"
@@ -16,8 +15,10 @@ namespace {
 
 struct CutSettings {
     QString screenshot;
-    /// In its pixels.
-    QRect place;
+    /// In its pixels. Not a QRect, whose far corner may leave the range of numbers.
+    struct {
+        int x, y, width, height;
+    } place = {};
     /// With slashes, below the folder of search images.
     QString name;
     QString suite;
@@ -35,7 +36,7 @@ Outcome<int> readNumber(const QString& text, const char* what, int least) {
     return number;
 }
 
-Outcome<> readPlace(const QStringList& texts, QRect* place) {
+Outcome<> readPlace(const QStringList& texts, CutSettings& settings) {
     const struct {
         const char* what;
         int least;
@@ -48,7 +49,7 @@ Outcome<> readPlace(const QStringList& texts, QRect* place) {
             return fail(number.error());
         numbers[index] = *number;
     }
-    *place = QRect(numbers[0], numbers[1], numbers[2], numbers[3]);
+    settings.place = {numbers[0], numbers[1], numbers[2], numbers[3]};
     return {};
 }
 
@@ -66,7 +67,7 @@ Outcome<> readName(const QString& text, QString* name) {
 
 Outcome<> readArguments(const CommandArguments& arguments, CutSettings& settings) {
     settings.screenshot = arguments.own.at(0);
-    if (const Outcome<> place = readPlace(arguments.own.mid(1, 4), &settings.place); !place)
+    if (const Outcome<> place = readPlace(arguments.own.mid(1, 4), settings); !place)
         return place;
     if (settings.suite.isEmpty())
         return wrongUsage(QStringLiteral("--suite is missing"));
@@ -78,16 +79,16 @@ Outcome<QImage> cutOut(const CutSettings& settings) {
     if (!read)
         return read;
     const QImage& screenshot = *read;
-    const QRect& place = settings.place;
+    const auto& place = settings.place;
     const QRect whole = screenshot.rect();
-    // Not by QRect::contains(), which adds up what may leave the range of numbers.
-    if (place.x() >= whole.width() || place.width() > whole.width() - place.x() ||
-        place.y() >= whole.height() || place.height() > whole.height() - place.y())
+    if (place.x >= whole.width() || place.width > whole.width() - place.x ||
+        place.y >= whole.height() || place.height > whole.height() - place.y)
         return fail(FailureKind::BadArgument,
                     QStringLiteral("the place leaves '%1', which has %2x%3 pixels")
                         .arg(settings.screenshot, QString::number(whole.width()),
                              QString::number(whole.height())));
-    QImage part = screenshot.copy(place).convertToFormat(QImage::Format_RGB32);
+    QImage part = screenshot.copy(place.x, place.y, place.width, place.height)
+                      .convertToFormat(QImage::Format_RGB32);
     // What is known of the whole screenshot is not true of its part.
     for (const QString& key : part.textKeys())
         part.setText(key, QString());

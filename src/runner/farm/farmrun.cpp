@@ -296,7 +296,7 @@ void FarmRun::tellProgress() {
             return post->state == Post::State::Running;
         }));
     const double left = expectedTimeLeft();
-    progress.timeLeft = left < 0 ? -1 : static_cast<int>(left + 0.5);
+    progress.timeLeft = left < 0 ? -1 : qRound(left);
     m_progressHandler(progress);
 }
 

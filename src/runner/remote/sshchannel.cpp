@@ -113,6 +113,10 @@ Failure SshChannel::connectionEnded() {
 Outcome<int> SshChannel::read(Stream stream, char* bytes, int size) {
     const int result = ssh_channel_read_nonblocking(m_channel, bytes, static_cast<uint32_t>(size),
                                                     stream == Stream::Error ? 1 : 0);
+    // Behind the end of the output, reading takes no messages any more. The exit code may be one:
+    // asking for it takes them, and does not wait.
+    if (result == SSH_EOF)
+        ssh_channel_get_exit_status(m_channel);
     if (result == SSH_EOF || result == SSH_AGAIN)
         return 0;
     if (result < 0)

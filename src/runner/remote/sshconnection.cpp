@@ -141,6 +141,8 @@ Outcome<> SshConnection::connect(const SshTarget& target) {
     ssh_options_set(m_session, SSH_OPTIONS_TIMEOUT_USEC, &microseconds);
     const int on = 1;
     ssh_options_set(m_session, SSH_OPTIONS_NODELAY, &on);
+    // Nobody's configuration switches off the comparison of host keys.
+    ssh_options_set(m_session, SSH_OPTIONS_STRICTHOSTKEYCHECK, &on);
     ssh_set_counters(m_session, m_counter.get(), nullptr);
     // 3. The name that messages tell.
     unsigned port = 22;

@@ -167,8 +167,8 @@ TEST_F(InterpreterTest, NamesOfItsOwn) {
         EXPECT_EQ(interpreter.isSelfDefinedVariableName(nativeClass.name),
                   nativeClass.name.endsWith("ettings"));
     }
-    EXPECT_EQ(classes, QStringList({"testSettings", "Image", "Screenshot", "TesseractTestSettings",
-                                    "OCRSpaceTestSettings"}));
+    EXPECT_EQ(classes, QStringList({"testSettings", "Image", "Screenshot", "VideoCapture",
+                                    "TesseractTestSettings", "OCRSpaceTestSettings"}));
     EXPECT_FALSE(interpreter.isSelfDefinedVariableName("testsettings"));
     const QStringList natives = interpreter.nativeFunctions.split('\n');
     EXPECT_EQ(natives.first(), "typeName(object; )");

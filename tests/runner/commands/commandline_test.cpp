@@ -191,7 +191,7 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--verbose and --quiet exclude each other (see tamrixrunner run --help)"},
         {{"run", "s", "--scenario", "-1"},
          "--scenario takes a number from 0 on, not '-1' (see tamrixrunner run --help)"},
-        {{"features"}, "features needs SUITE (see tamrixrunner features --help)"},
+        {{"features"}, "features needs SUITE [CASE...] (see tamrixrunner features --help)"},
         {{"list"}, "list needs SUITE (see tamrixrunner list --help)"},
         {{"list", "a", "b"}, "unexpected argument 'b' (see tamrixrunner list --help)"},
         {{"list", "a", "--", "b"}, "list takes no script arguments (see tamrixrunner list --help)"},

@@ -141,7 +141,7 @@ void recognize(TessBaseAPI* api, ProgressReporter* progress) {
 
 int sourceResolution(const QImage& image, double scale) {
     const int dotsPerMeter = std::min(image.dotsPerMeterX(), image.dotsPerMeterY());
-    return static_cast<int>(dotsPerMeter / inchesPerMeter * scale + 0.5);
+    return qRound(dotsPerMeter / inchesPerMeter * scale);
 }
 
 /// The part of the picture that is read. A profile that is made for screens does without frames.

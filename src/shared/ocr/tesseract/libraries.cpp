@@ -46,7 +46,7 @@ private:
 
 }  // namespace
 
-#define TAMRIX_BIND_FUNCTION(RESULT, NAME, PARAMETERS) bind(m_library, displayName, #NAME, &NAME);
+#define TAMRIX_BIND_FUNCTION(RESULT, NAME, PARAMETERS) bind(m_library, displayName, #NAME, &(NAME));
 
 // Global symbols: Tesseract takes the Leptonica that was loaded before it.
 
