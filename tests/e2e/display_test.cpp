@@ -23,9 +23,10 @@ protected:
     DisplayRun() { runner.setVariable("HOME", results.path()); }
 
     void run(const QString& display, const QStringList& cases) {
-        runner.run(QStringList{"run", TAMRIX_TEST_SOURCE_DIR "/tests/e2e/suites/display",
-                               "--result-dir", results.path(), "--aut-display", display} +
-                   cases);
+        const QString suite = TAMRIX_TEST_SOURCE_DIR "/tests/e2e/suites/display";
+        runner.run(
+            QStringList{"run", suite, "--result-dir", results.path(), "--aut-display", display} +
+            cases);
     }
     /// Message and detail of what the script has logged, and of what the run has noticed.
     QString told() const {
@@ -87,8 +88,8 @@ TEST_F(DisplayRun, ProgramsAreDrivenWithWindowManager) {
 }
 
 TEST_F(DisplayRun, TheExampleRuns) {
-    runner.run({"run", TAMRIX_TEST_SOURCE_DIR "/examples/suite_otherprograms", "--result-dir",
-                results.path(), "--aut-display", "auto"});
+    const QString suite = TAMRIX_TEST_SOURCE_DIR "/examples/suite_otherprograms";
+    runner.run({"run", suite, "--result-dir", results.path(), "--aut-display", "auto"});
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
 }
 

@@ -1,8 +1,7 @@
 // Applications on another machine, which is this one behind a real SSH server.
 
-#include <signal.h>
-
 #include <QElapsedTimer>
+#include <csignal>
 
 #include "e2e/applicationrun.h"
 #include "support/sshserver.h"

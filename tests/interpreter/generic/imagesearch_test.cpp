@@ -170,13 +170,13 @@ TEST_F(ImageSearch, FailuresShowWhatWasNear) {
     EXPECT_TRUE(texts[1].startsWith("picture The most similar place, score 9"))
         << texts[1].toStdString();
     EXPECT_TRUE(texts[1].endsWith(" 10x10")) << texts[1].toStdString();
-    EXPECT_EQ(
-        texts.mid(2, 5),
-        QStringList({"picture What was searched, the region in blue 120x80",
-                     "11 Not verified (Screenshot in 'screenshot_fail_1.png'): Could not find "
-                     "image 'dot', occurrence: 1 on the screen(s).",
-                     "Image 'dot': dot.png, 10x10 pixels", "Search: pixel by pixel",
-                     "Region: 50x20x60x50 of a screenshot of 120x80 pixels"}));
+    const QString verdict =
+        "11 Not verified (Screenshot in 'screenshot_fail_1.png'): Could not find image 'dot', "
+        "occurrence: 1 on the screen(s).";
+    EXPECT_EQ(texts.mid(2, 5),
+              QStringList({"picture What was searched, the region in blue 120x80", verdict,
+                           "Image 'dot': dot.png, 10x10 pixels", "Search: pixel by pixel",
+                           "Region: 50x20x60x50 of a screenshot of 120x80 pixels"}));
     EXPECT_TRUE(texts[7].startsWith("Most similar place: 60x40x10x10, score 9"))
         << texts[7].toStdString();
     EXPECT_TRUE(texts[7].contains("; found with threshold: 9")) << texts[7].toStdString();

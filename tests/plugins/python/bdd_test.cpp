@@ -307,10 +307,9 @@ protected:
 };
 
 TEST_F(PythonFeatureDebugging, StepsThroughFeatureAndScript) {
-    using enum Resume;
-    frontEnd->commands = {Run};
     debugger.addBreakPoint("x.feature", 3);
-    frontEnd->commands = {Step, Next, Next, Next, Step, Return, Next, Run};
+    frontEnd->commands = {Resume::Step, Resume::Next,   Resume::Next, Resume::Next,
+                          Resume::Step, Resume::Return, Resume::Next, Resume::Run};
     EXPECT_EQ(stops(Debugger::Run),
               "x.feature:3 < test.py:2\n"
               "steps.py:4 < x.feature:3 < test.py:2\n"

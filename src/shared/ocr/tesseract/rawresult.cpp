@@ -14,7 +14,8 @@ RawResult::RawResult(const QList<Line>& lines, const Vision::SearchRegion& regio
     : m_lines(lines), m_searchRegion(region) {}
 
 /// The text at the symbols from `symbol` on, as one word; an empty match when they are another.
-Match RawResult::textMatch(const QString& text, SymbolIterator symbol, SymbolIterator end) const {
+Match RawResult::textMatch(const QString& text, SymbolIterator symbol,
+                           const SymbolIterator& end) const {
     QRect box;
     for (const QChar character : text) {
         if (symbol == end || symbol->character != character ||

@@ -41,7 +41,8 @@ public:
 private:
     using SymbolIterator = QList<Symbol>::const_iterator;
 
-    OCR::Match textMatch(const QString& text, SymbolIterator symbol, SymbolIterator end) const;
+    OCR::Match textMatch(const QString& text, SymbolIterator symbol,
+                         const SymbolIterator& end) const;
     template <typename Take>
     void walkMatches(const QString& text, Take take) const;
     template <typename IsInside>
