@@ -64,7 +64,8 @@ protected:
         const auto started = runner.startVideoCapture(application, file.get());
         if (!started.ok())
             return started.errorText();
-        file.release();
+        // It is the recording's now.
+        static_cast<void>(file.release());
         task = started.value();
         return {};
     }
