@@ -1,5 +1,6 @@
 # A terminal: text, the low-level mouse, and what is selected with it.
 import os
+import tempfile
 
 
 def shows_change(window, act):
@@ -10,7 +11,9 @@ def shows_change(window, act):
 
 
 def main():
-    file = os.path.abspath("typed.txt")
+    # Of its own: the suite runs with and without a window manager at the same time.
+    folder = tempfile.TemporaryDirectory()
+    file = os.path.join(folder.name, "typed.txt")
     a = startApplication("terminal -e 'cat > \"%s\"'" % file)
     w = waitForObject({"type": "Window", "class": "XTerm"})
     shows_change(w, lambda: typeText(w, "first line ÄÖ€\n\"second\"\n"))
@@ -32,7 +35,7 @@ def main():
     test.verify(waitFor(lambda: not a.isRunning(), 60000))
     with open(file, encoding="utf-8") as typed:
         lines = typed.read().split("\n")
-    os.remove(file)
+    folder.cleanup()
     test.compare(lines[0], "first line ÄÖ€")
     test.compare(lines[1], '"second"')
     test.compare(lines[2], "first")
