@@ -25,8 +25,8 @@ QString handleInvalidResponse(ScriptContext* context, RunnerInterface* runner,
     static const QString s_name =
         QStringLiteral("invalidResponse.%1").arg(exception.responseFormat);
     // 3. The file.
-    QFile file(calculateTargetFileName(folder.filePath(), QFileInfo(s_name)));
-    if (!file.open(QIODevice::WriteOnly))
+    QFile file;
+    if (!createTargetFile(folder.filePath(), QFileInfo(s_name), &file))
         return file.errorString();
     if (!writeAll(&file, exception.responseBytes, &error))
         return error;

@@ -19,31 +19,22 @@ namespace {
 constexpr const char* noTextMessage =
     "Informational message for the screenshot must be provided as string.";
 
-/// Copies block by block; returns why it failed, empty on success. A target that could not be
-/// written whole is removed.
-QString copyInBlocks(const QString& sourcePath, const QString& targetPath) {
+/// Copies block by block to a file that is open; returns why it failed, empty on success.
+QString copyInBlocks(const QString& sourcePath, QFile* target) {
     constexpr qint64 blockSize = 1 << 20;
 
     QFile source(sourcePath);
     if (!source.open(QIODevice::ReadOnly))
         return QString("Opening '%1' for reading failed: %2").arg(sourcePath, source.errorString());
-    if (QFile::exists(targetPath))
-        return QString("Target file '%1' exists, will not overwrite.").arg(targetPath);
-    QFile target(targetPath);
-    if (!target.open(QIODevice::WriteOnly))
-        return QString("Opening '%1' for writing failed: %2").arg(targetPath, target.errorString());
-
     QString error;
     QString reason;
     QByteArray block;
     while (error.isEmpty() && !(block = source.read(blockSize)).isEmpty()) {
-        if (!writeAll(&target, block, &reason))
-            error = QString("Writing to '%1' failed: %2").arg(targetPath, reason);
+        if (!writeAll(target, block, &reason))
+            error = QString("Writing to '%1' failed: %2").arg(target->fileName(), reason);
     }
     if (error.isEmpty() && source.error() != QFileDevice::NoError)
         error = QString("Reading from '%1' failed: %2").arg(sourcePath, source.errorString());
-    if (!error.isEmpty())
-        target.remove();
     return error;
 }
 
@@ -64,19 +55,18 @@ QString attachFileArguments(ScriptContext* context, QString* path, QString* mess
     return {};
 }
 
-/// The path of a new attachment of the running test case, named like `source`. The folder is made.
-Outcome<QString> attachmentPath(RunnerInterface* runner, const QFileInfo& source) {
+/// The folder for attachments of the running test case, which is made.
+Outcome<QString> attachmentFolder(RunnerInterface* runner) {
     QString error;
-    // 1. The folder that it goes to,
+    // 1. Its path.
     const QFileInfo folder =
         attachmentResultsPath(runner->currentResultDirectory(), runner->testCasePath(), &error);
-    // 2. which is made when it is not there.
+    // 2. It is made when it is not there.
     if (error.isEmpty())
         error = ensureResultPathExists(folder);
     if (!error.isEmpty())
         return fail(FailureKind::Failed, error);
-    // 3. A name that is free there.
-    return calculateTargetFileName(folder.filePath(), source);
+    return folder.filePath();
 }
 
 /// Adds an attachment to the results and ends the call.
@@ -153,6 +143,16 @@ QString calculateTargetFileName(const QString& directory, const QFileInfo& sourc
     return path;
 }
 
+bool createTargetFile(const QString& directory, const QFileInfo& source, QFile* file) {
+    // Another process may take the name between the look and the opening, which itself decides.
+    do {
+        file->setFileName(calculateTargetFileName(directory, source));
+        if (file->open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return true;
+    } while (file->exists());
+    return false;
+}
+
 void testAttachFile(ScriptContext* context) {
     // 1. The arguments.
     QString path;
@@ -169,21 +169,26 @@ void testAttachFile(ScriptContext* context) {
     RunnerInterface* const runner = runnerFor("attachFile");
     if (!runner)
         return;
-    // 3. to 5. Its place.
-    const Outcome<QString> target = attachmentPath(runner, source);
-    if (!target) {
-        context->setError(target.error().text);
+    // 3. to 5. Its place, under a name that is free.
+    const Outcome<QString> folder = attachmentFolder(runner);
+    if (!folder) {
+        context->setError(folder.error().text);
         return;
     }
+    QFile target;
+    if (!createTargetFile(*folder, source, &target))
+        error = QString("Opening '%1' for writing failed: %2")
+                    .arg(target.fileName(), target.errorString());
     // 6. The copy.
-    error = copyInBlocks(source.filePath(), *target);
+    else if (error = copyInBlocks(source.filePath(), &target); !error.isEmpty())
+        target.remove();
     if (!error.isEmpty()) {
         context->setError(QString("Error copying file '%1' as attachment into report: %2.")
                               .arg(source.filePath(), error));
         return;
     }
     // 7. The result.
-    addAttachment(context, TestResult::FileAttachment, message, *target);
+    addAttachment(context, TestResult::FileAttachment, message, target.fileName());
 }
 
 void testAttachImage(ScriptContext* context) {
@@ -207,15 +212,23 @@ void testAttachImage(ScriptContext* context) {
     if (!runner)
         return;
     // 3. Its place.
-    const Outcome<QString> target = attachmentPath(runner, QFileInfo("image.png"));
-    if (!target)
-        return context->setError(target.error().text);
+    const Outcome<QString> folder = attachmentFolder(runner);
+    if (!folder)
+        return context->setError(folder.error().text);
     // 4. The file.
-    const Outcome<> written = Vision::writePicture(picture->image, *target, "PNG");
-    if (!written)
-        return context->setError("Error writing image file: " + written.error().text);
+    QFile target;
+    QString error;
+    if (!createTargetFile(*folder, QFileInfo("image.png"), &target)) {
+        error = target.errorString();
+    } else if (const auto written = Vision::writePicture(picture->image, target.fileName(), "PNG");
+               !written) {
+        error = written.error().text;
+        target.remove();
+    }
+    if (!error.isEmpty())
+        return context->setError("Error writing image file: " + error);
     // 5. The result.
-    addAttachment(context, TestResult::ImageAttachment, message, *target);
+    addAttachment(context, TestResult::ImageAttachment, message, target.fileName());
 }
 
 void testAttachDesktopScreenshot(ScriptContext* context) {
@@ -232,15 +245,22 @@ void testAttachDesktopScreenshot(ScriptContext* context) {
     if (!runner)
         return;
     // 2. Its place.
-    const Outcome<QString> target = attachmentPath(runner, QFileInfo("desktop_screenshot.png"));
-    if (!target)
-        return context->setError(target.error().text);
+    const Outcome<QString> folder = attachmentFolder(runner);
+    if (!folder)
+        return context->setError(folder.error().text);
     // 3. The file.
-    const QString error = saveScreenshotFromCurrentAutContext(QFileInfo(*target), "PNG");
+    QFile target;
+    QString error;
+    if (!createTargetFile(*folder, QFileInfo("desktop_screenshot.png"), &target))
+        error =
+            QString("Failed to save \"%1\" file: %2").arg(target.fileName(), target.errorString());
+    else if (error = saveScreenshotFromCurrentAutContext(QFileInfo(target), "PNG");
+             !error.isEmpty())
+        target.remove();
     if (!error.isEmpty())
         return context->setError(error);
     // 4. The result.
-    addAttachment(context, TestResult::ImageAttachment, message, *target);
+    addAttachment(context, TestResult::ImageAttachment, message, target.fileName());
 }
 
 }  // namespace Tamrix

@@ -188,16 +188,22 @@ StartedTask startVideoCaptureInternal(const SharedPtr<ApplicationContext>& conte
     if (!error.isEmpty())
         return StartedTask::error(error);
     // 3. A name that is free in it.
-    const QFileInfo target(calculateTargetFileName(
-        folder.filePath(), QFileInfo(QStringLiteral("%1_capture.mp4").arg(context->name))));
-    const QString path = target.absoluteFilePath();
+    const QFileInfo ownName(QStringLiteral("%1_capture.mp4").arg(context->name));
+    QFile target;
+    if (!createTargetFile(folder.filePath(), ownName, &target))
+        return StartedTask::error(QStringLiteral("Opening '%1' for writing failed: %2")
+                                      .arg(target.fileName(), target.errorString()));
+    target.close();
+    const QString path = QFileInfo(target).absoluteFilePath();
     // 4. The device.
     ReportGenerator* const generator = result ? result->reportGenerator() : nullptr;
     if (!generator)
-        return StartedTask::error(QStringLiteral("No report generator available"));
-    std::unique_ptr<QIODevice> device(generator->openVideo(path, &error));
-    if (!device)
+        error = QStringLiteral("No report generator available");
+    std::unique_ptr<QIODevice> device(generator ? generator->openVideo(path, &error) : nullptr);
+    if (!device) {
+        QFile::remove(path);
         return StartedTask::error(error);
+    }
     // 5. The recording, which takes the device over.
     const StartedTask task = runner->startVideoCapture(context, device.get());
     if (!task.ok()) {

@@ -21,16 +21,16 @@ constexpr int markWidth = 3;
 
 /// Writes a new file of such a name. An empty path after a warning on failure.
 QString storeFile(const QString& folder, const QString& name, const QByteArray& bytes) {
-    const QString path = calculateTargetFileName(folder, QFileInfo(name));
-    QFile file(path);
+    QFile file;
     QString error;
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+    if (!createTargetFile(folder, QFileInfo(name), &file))
         error = file.errorString();
     else if (!writeAll(&file, bytes, &error))
         file.remove();
     if (error.isEmpty())
-        return path;
-    qWarning("The file '%s' could not be written: %s", qUtf8Printable(path), qUtf8Printable(error));
+        return file.fileName();
+    qWarning("The file '%s' could not be written: %s", qUtf8Printable(file.fileName()),
+             qUtf8Printable(error));
     return {};
 }
 

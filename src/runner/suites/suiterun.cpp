@@ -287,10 +287,9 @@ void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& 
                 continue;
             if (error.isEmpty())
                 error = ensureResultPathExists(folder);
-            const QString path = calculateTargetFileName(
-                folder.filePath(), QFileInfo(QStringLiteral("%1-%2.txt").arg(name, stream)));
-            QFile file(path);
-            if (error.isEmpty() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            const QFileInfo ownName(QStringLiteral("%1-%2.txt").arg(name, stream));
+            QFile file;
+            if (error.isEmpty() && !createTargetFile(folder.filePath(), ownName, &file))
                 error = file.errorString();
             if (error.isEmpty() && !writeAll(&file, text, &error))
                 file.remove();
@@ -301,8 +300,8 @@ void SuiteRun::attachOutput(const std::vector<std::shared_ptr<StartedProgram>>& 
             }
             m_result.addAttachment(
                 TestResult::OutputAttachment,
-                QStringLiteral("What the application '%1' wrote to %2").arg(name, stream), path,
-                {});
+                QStringLiteral("What the application '%1' wrote to %2").arg(name, stream),
+                file.fileName(), {});
         }
     }
 }

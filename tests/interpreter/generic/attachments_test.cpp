@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QSet>
 #include <QTemporaryDir>
+#include <array>
+#include <thread>
+#include <vector>
 
 #include "interpreter/generic/imageobjects.h"
 #include "interpreter/generic/testfunctions.h"
@@ -72,6 +76,28 @@ TEST_F(Attachments, GoBelowTheResultDirectory) {
     EXPECT_EQ(attach({text("plain")}), "Result directory '" + runner.resultDirectory +
                                            "' could not be created, cannot attach files to the "
                                            "report");
+}
+
+TEST_F(Attachments, OfCasesThatRunAtTheSameTimeHaveNamesOfTheirOwn) {
+    constexpr size_t workers = 8;
+    constexpr size_t filesEach = 50;
+    std::array<QStringList, workers> names;
+    std::vector<std::thread> threads;
+    for (QStringList& own : names) {
+        threads.emplace_back([&own, path = folder.path()] {
+            for (size_t i = 0; i < filesEach; ++i) {
+                QFile file;
+                if (createTargetFile(path, QFileInfo("image.png"), &file))
+                    own.append(file.fileName());
+            }
+        });
+    }
+    QSet<QString> all;
+    for (size_t i = 0; i < workers; ++i) {
+        threads[i].join();
+        all.unite(QSet<QString>(names[i].begin(), names[i].end()));
+    }
+    EXPECT_EQ(all.size(), static_cast<int>(workers * filesEach));
 }
 
 TEST_F(Attachments, RefuseWhatIsNoFile) {
