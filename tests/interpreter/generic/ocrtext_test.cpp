@@ -220,6 +220,16 @@ TEST_F(OcrText, FailuresOfEngines) {
     call(plain<getOcrText>);
     EXPECT_TRUE(
         QFile::exists(folder.filePath("results/suite/tst/attachments/invalidResponse_1.json")));
+    writeFile(folder.filePath("file"), "");
+    runner.resultDirectory = folder.filePath("file");
+    EXPECT_EQ(call(plain<getOcrText>),
+              "Failed saving the invalid response: Could not create report directory '" +
+                  folder.filePath("file/suite/tst/attachments") + "'.");
+    // The application ends while its picture is read.
+    engine->onRead = [] { Inspector::self()->setModel(nullptr); };
+    EXPECT_EQ(call(plain<findAllOcrText>, {text("save")}),
+              "findAllOcrText error: cannot find ScreenRectangle class");
+    Inspector::self()->setModel(&model);
     OCR::implemenations.clear();
     const EnvironmentGuard user("TAMRIX_USER_SETTINGS_DIR", folder.path());
     writeFile(folder.filePath("ver1/ocr.ini"), "[General]\nDefaultEngine = \"none\"\n");
