@@ -6,6 +6,15 @@ namespace Tamrix {
 
 namespace {
 
+/// In place: a variant that is moved while it is made looks uninitialised to the compiler.
+template <typename Content>
+Outcome<Request> request(const QString& title, const Content& content) {
+    Request made;
+    made.title = title;
+    made.content.emplace<Content>(content);
+    return made;
+}
+
 tl::unexpected<Failure> wrong(const QString& text) {
     return fail(FailureKind::BadArgument, text);
 }
@@ -19,7 +28,7 @@ Outcome<int> parseMilliseconds(const QString& text) {
 }
 
 Outcome<Request> textRequest(TextRequest::Kind kind, const QStringList& arguments) {
-    return Request{arguments.at(0), TextRequest{kind, arguments.at(1)}};
+    return request(arguments.at(0), TextRequest{kind, arguments.at(1)});
 }
 
 Outcome<Request> noticeRequest(const QStringList& arguments, const QString& image,
@@ -27,7 +36,7 @@ Outcome<Request> noticeRequest(const QStringList& arguments, const QString& imag
     const Outcome<int> milliseconds = parseMilliseconds(time);
     if (!milliseconds)
         return fail(milliseconds.error());
-    return Request{arguments.at(0), NoticeRequest{arguments.at(1), image, *milliseconds}};
+    return request(arguments.at(0), NoticeRequest{arguments.at(1), image, *milliseconds});
 }
 
 /// One kind; `read` gets what stands behind it, of the right number.
@@ -42,7 +51,7 @@ struct KindRow {
 const KindRow kinds[] = {
     {"choice", 3, std::numeric_limits<int>::max(), "TITLE MESSAGE ITEM...",
      [](const QStringList& arguments) -> Outcome<Request> {
-         return Request{arguments.at(0), ChoiceRequest{arguments.at(1), arguments.mid(2)}};
+         return request(arguments.at(0), ChoiceRequest{arguments.at(1), arguments.mid(2)});
      }},
     {"image", 4, 4, "TITLE TEXT FILE MILLISECONDS",
      [](const QStringList& arguments) {
@@ -54,7 +63,7 @@ const KindRow kinds[] = {
      }},
     {"input", 3, 3, "TITLE MESSAGE TEXT",
      [](const QStringList& arguments) -> Outcome<Request> {
-         return Request{arguments.at(0), InputRequest{arguments.at(1), arguments.at(2), false}};
+         return request(arguments.at(0), InputRequest{arguments.at(1), arguments.at(2), false});
      }},
     {"notification", 3, 3, "TITLE TEXT MILLISECONDS",
      [](const QStringList& arguments) {
@@ -62,7 +71,7 @@ const KindRow kinds[] = {
      }},
     {"password", 2, 2, "TITLE MESSAGE",
      [](const QStringList& arguments) -> Outcome<Request> {
-         return Request{arguments.at(0), InputRequest{arguments.at(1), QString(), true}};
+         return request(arguments.at(0), InputRequest{arguments.at(1), QString(), true});
      }},
     {"question", 2, 2, "TITLE TEXT",
      [](const QStringList& arguments) {
