@@ -156,7 +156,8 @@ endfunction()
 
 # What tests need that start programs which were not built with the sanitizers: the agent inside was,
 # so their runtimes come first. Qt leaves screens behind at the end of a program, which are no leaks
-# of ours, and a crash shall be the signal that it is without sanitizers.
+# of ours, and a crash shall be the signal that it is without sanitizers. The accessibility service of
+# GTK does not start with the runtimes, and programs wait for it.
 set(TAMRIX_PROGRAMS_ENVIRONMENT "")
 if(TAMRIX_SANITIZERS MATCHES "address")
     set(preload "")
@@ -166,7 +167,7 @@ if(TAMRIX_SANITIZERS MATCHES "address")
         list(APPEND preload ${path})
     endforeach()
     list(JOIN preload ":" preload)
-    set(TAMRIX_PROGRAMS_ENVIRONMENT "LD_PRELOAD=${preload}"
+    set(TAMRIX_PROGRAMS_ENVIRONMENT "LD_PRELOAD=${preload}" "NO_AT_BRIDGE=1"
         "ASAN_OPTIONS=detect_leaks=0:handle_segv=0:verify_asan_link_order=0")
 endif()
 

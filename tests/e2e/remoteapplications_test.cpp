@@ -1,6 +1,7 @@
 // Applications on another machine, which is this one behind a real SSH server.
 
 #include <QElapsedTimer>
+#include <QSysInfo>
 #include <csignal>
 
 #include "e2e/applicationrun.h"
@@ -53,7 +54,9 @@ TEST_F(RemoteApplications, WorkAsThoseOfThisMachine) {
     test.compare(context.host(), 'lab')
     test.verify(context.isRunning())
     test.verify(not context.isFrozen(10))
-    test.compare(context.osName(), 'Linux')
+    test.compare(context.osName(), ')py" +
+                                 QSysInfo::prettyProductName().toUtf8() +
+                                 R"py(')
     test.verify(context.usedMemory() > 1000000)
     test.verify(context.totalTime() >= 0)
     test.verify(context.environmentVariable('SSH_CONNECTION') != '')
@@ -72,7 +75,8 @@ TEST_F(RemoteApplications, WorkAsThoseOfThisMachine) {
     const QString results = resultsOf("remote");
     EXPECT_TRUE(results.contains("The application 'faulty' has ended: it was ended by SIGSEGV"))
         << qPrintable(results);
-    EXPECT_EQ(results.count("\"fail\""), 0) << qPrintable(results);
+    EXPECT_FALSE(results.contains("are not equal")) << qPrintable(results);
+    EXPECT_FALSE(results.contains("False expression")) << qPrintable(results);
     expectEnd(suite.path("pid"));
 }
 

@@ -70,14 +70,21 @@ SshServer::SshServer(const QString& configuration) {
         QDir().mkpath("/run/sshd");
     const int reserved = listenSomewhere(&m_port);
     ::close(reserved);
-    const QString settings =
-        QStringLiteral(
-            "Port %1\nListenAddress 127.0.0.1\nHostKey %2/hostkey\n"
-            "AuthorizedKeysFile %2/.ssh/authorized_keys\nStrictModes no\nUsePAM no\n"
-            "PidFile none\nPermitRootLogin yes\nPasswordAuthentication no\n"
-            "KbdInteractiveAuthentication no\nUseDNS no\n"
-            "Subsystem sftp /usr/lib/openssh/sftp-server\n%3\n")
-            .arg(QString::number(m_port), m_folder.path(), configuration);
+    QString settings = QStringLiteral(
+                           "Port %1\nListenAddress 127.0.0.1\nHostKey %2/hostkey\n"
+                           "AuthorizedKeysFile %2/.ssh/authorized_keys\nStrictModes no\nUsePAM no\n"
+                           "PidFile none\nPermitRootLogin yes\nPasswordAuthentication no\n"
+                           "KbdInteractiveAuthentication no\nUseDNS no\n"
+                           "Subsystem sftp /usr/lib/openssh/sftp-server\n%3\n")
+                           .arg(QString::number(m_port), m_folder.path(), configuration);
+    // How programs with checks behave, which a server keeps from those that it starts.
+    QString checks;
+    for (const char* const name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name))
+            checks += QString(" %1=%2").arg(name, qEnvironmentVariable(name));
+    }
+    if (!checks.isEmpty())
+        settings += "SetEnv" + checks + '\n';
     EXPECT_TRUE(writeFile(m_folder.filePath("sshd_config"), settings.toLocal8Bit()));
     makeKnown(m_port, hostKey());
     m_home.emplace("HOME", m_folder.path());

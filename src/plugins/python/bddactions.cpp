@@ -156,8 +156,9 @@ Gherkin::ExecuteHookResult BddActions::executeHooks(Gherkin::HookType type,
             PythonInterpreter::Callback::Succeeded)
             continue;
         result.kind = Gherkin::ExecuteHookResult::ScriptFailure;
-        result.message +=
-            (result.message.empty() ? "" : "\n") + m_interpreter.errorMessage().toStdString();
+        if (!result.message.empty())
+            result.message += '\n';
+        result.message += m_interpreter.errorMessage().toStdString();
         // What cleans up runs all the same.
         if (order == Gherkin::BeforeHook)
             break;
