@@ -23,7 +23,6 @@ const QString pixelsKey = QStringLiteral("pixels");
 const QString widthKey = QStringLiteral("width");
 const QString heightKey = QStringLiteral("height");
 const QString formatKey = QStringLiteral("format");
-const QString bytesKey = QStringLiteral("bytes");
 
 constexpr int transformSize = 6;
 /// Speed is what counts between two processes of one machine.
@@ -76,23 +75,6 @@ bool isFormatOf32Bits(int format) {
            format == QImage::Format_ARGB32_Premultiplied;
 }
 
-/// The image over the bytes themselves, which live as long as it does. Null for damaged ones.
-QImage imageFromPixels(const QVariantMap& pixels) {
-    constexpr int bytesPerPixel = 4;
-    const int width = pixels.value(widthKey).toInt();
-    const int height = pixels.value(heightKey).toInt();
-    const int format = pixels.value(formatKey).toInt();
-    const QByteArray bytes = pixels.value(bytesKey).toByteArray();
-    if (width <= 0 || height <= 0 || width > Vision::maxImageBytes / bytesPerPixel ||
-        !isFormatOf32Bits(format) || qint64(width) * height * bytesPerPixel != bytes.size())
-        return {};
-    const auto release = [](void* owner) { delete static_cast<QByteArray*>(owner); };
-    auto* const owner = new QByteArray(bytes);
-    const auto* const bits = reinterpret_cast<const uchar*>(owner->constData());
-    return QImage(bits, width, height, width * bytesPerPixel, static_cast<QImage::Format>(format),
-                  release, owner);
-}
-
 QImage imageFromBmp(const QByteArray& data) {
     return Vision::imageFromBmp(reinterpret_cast<const uchar*>(data.constData()), data.size());
 }
@@ -138,8 +120,6 @@ Screenshot Screenshot::fromVariant(const QVariant& variant) {
     // 3. The density.
     const double density = map.value(densityKey, 1.0).toDouble();
     // 4. The image, which within a process is there as it is.
-    if (map.contains(pixelsKey))
-        return Screenshot(imageFromPixels(map.value(pixelsKey).toMap()), transform, density);
     const QVariant image = map.value(imageKey);
     if (image.userType() == QMetaType::QImage)
         return Screenshot(image.value<QImage>(), transform, density);

@@ -51,8 +51,8 @@ public:
     /// image pixels for each native unit, for receivers that use raw().
     QVariant toVariant(QPoint origin, double scale) const;
     /// The same for receivers that get the pixels in another way: "pixels" is a map with the
-    /// "width", "height" and "format" of an image whose pixels have 32 bits, to which the receiver
-    /// adds them as "bytes". Invalid for an image of any other format.
+    /// "width", "height" and "format" of an image whose pixels have 32 bits, which the receiver
+    /// replaces by the "image" itself. Invalid for an image of any other format.
     QVariant toVariantWithoutPixels(QPoint origin, double scale) const;
     /// The same as toVariant() for receivers in this process: "image" is the image itself, whose
     /// pixels are shared.

@@ -51,23 +51,10 @@ TEST(ScreenshotTest, GoesThroughAVariant) {
 
     QVariantMap withoutPixels = shot.toVariantWithoutPixels(QPoint(1, 2), 3).toMap();
     EXPECT_TRUE(Screenshot::fromVariant(withoutPixels).image().isNull());
-    QVariantMap pixels = withoutPixels["pixels"].toMap();
-    const QByteArray bytes(reinterpret_cast<const char*>(shot.image().constBits()),
-                           static_cast<int>(shot.image().sizeInBytes()));
-    pixels["bytes"] = bytes;
-    withoutPixels["pixels"] = pixels;
-    const Screenshot shared = Screenshot::fromVariant(withoutPixels);
-    EXPECT_EQ(shared.image(), shot.image());
-    EXPECT_EQ(shared.transform(), shot.transform());
-    for (const auto& [key, value] : {std::pair<QString, QVariant>("bytes", bytes.left(7)),
-                                     {"width", -3},
-                                     {"height", 1 << 30},
-                                     {"format", int(QImage::Format_Mono)}}) {
-        QVariantMap damaged = pixels;
-        damaged[key] = value;
-        withoutPixels["pixels"] = damaged;
-        EXPECT_TRUE(Screenshot::fromVariant(withoutPixels).image().isNull()) << qPrintable(key);
-    }
+    EXPECT_EQ(withoutPixels["pixels"].toMap(),
+              (QVariantMap{{"width", 5}, {"height", 4}, {"format", int(shot.image().format())}}));
+    withoutPixels["image"] = shot.image();
+    EXPECT_EQ(Screenshot::fromVariant(withoutPixels).transform(), shot.transform());
 
     EXPECT_FALSE(Screenshot().toVariant().isValid());
     EXPECT_FALSE(Screenshot().toLocalVariant().isValid());

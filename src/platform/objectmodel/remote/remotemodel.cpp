@@ -245,26 +245,35 @@ Outcome<SharedPtr<Object>> RemoteModel::construct(const Class* objectClass,
     return m_link->invoke(0, objectClass->name(), arguments);
 }
 
-Outcome<QVariant> RemoteModel::withPixels(const QVariant& screenshot) const {
+Outcome<QVariant> RemoteModel::withPixels(const QVariant& screenshot) {
     constexpr int bytesPerPixel = 4;
     const QString pixelsKey = QStringLiteral("pixels");
     QVariantMap map = screenshot.toMap();
     // The application could not reach the memory.
     if (!map.contains(pixelsKey))
         return screenshot;
-    QVariantMap pixels = map.value(pixelsKey).toMap();
+    const QVariantMap pixels = map.take(pixelsKey).toMap();
     const qint64 width = pixels.value(QStringLiteral("width")).toInt();
     const qint64 height = pixels.value(QStringLiteral("height")).toInt();
     constexpr qint64 mostBytes = 512LL << 20;
-    const bool isGoodSize = width > 0 && height > 0 && height <= mostBytes / bytesPerPixel / width;
-    const QByteArray bytes =
-        isGoodSize ? m_pixels.read(width * height * bytesPerPixel) : QByteArray();
-    if (bytes.isEmpty())
+    const int format = pixels.value(QStringLiteral("format")).toInt();
+    // The formats of 32 bits that need no table.
+    const bool isGood = width > 0 && height > 0 && height <= mostBytes / bytesPerPixel / width &&
+                        format >= QImage::Format_RGB32 &&
+                        format <= QImage::Format_ARGB32_Premultiplied;
+    const Wire::SharedBytes::Load load =
+        isGood ? m_pixels.take(width * height * bytesPerPixel) : nullptr;
+    if (!load)
         return fail(FailureKind::Failed,
                     QStringLiteral("the application's picture of %1x%2 pixels can't be read")
                         .arg(QString::number(width), QString::number(height)));
-    pixels.insert(QStringLiteral("bytes"), bytes);
-    map.insert(pixelsKey, pixels);
+    // The image over the bytes where they are, which it keeps.
+    using Load = Wire::SharedBytes::Load;
+    const auto release = [](void* owner) { delete static_cast<Load*>(owner); };
+    map.insert(QStringLiteral("image"),
+               QImage(load.get(), static_cast<int>(width), static_cast<int>(height),
+                      static_cast<int>(width) * bytesPerPixel, static_cast<QImage::Format>(format),
+                      release, new Load(load)));
     return QVariant(map);
 }
 

@@ -101,7 +101,7 @@ private:
                              const QString& callback);
 
     /// Puts the pixels that the application has written to the memory into its answer.
-    Outcome<QVariant> withPixels(const QVariant& screenshot) const;
+    Outcome<QVariant> withPixels(const QVariant& screenshot);
 
     std::shared_ptr<RemoteLink> m_link;
     /// Through which pictures of the desktop come.
