@@ -166,38 +166,62 @@ function showSteps() {
 
 // The screen
 
+// Of the tiles that were shown, the last ones by name: a step back and forth needs no look at the disk.
+const tileImages = new Map();
+const mostTileImages = 2000;
+
+function tileImage(name) {
+    let image = tileImages.get(name);
+    if (image)
+        return image;
+    image = new Image();
+    // A running case whose trace is perhaps not kept has its tiles for itself.
+    const own = `${current.id}/tiles/${name}.png`;
+    image.addEventListener("error", () => {
+        if (!image.src.endsWith(own))
+            image.src = own;
+    });
+    image.src = `tiles/${name}.png`;
+    if (tileImages.size >= mostTileImages)
+        tileImages.delete(tileImages.keys().next().value);
+    tileImages.set(name, image);
+    return image;
+}
+
+// The state whose tiles are being drawn: those of another one may come late.
+let drawn = null;
+
 function showPicture(state) {
-    const picture = page("picture");
+    const canvas = page("picture");
     const marks = page("marks");
-    picture.replaceChildren();
     marks.replaceChildren();
-    if (!state.size) {
-        picture.append(make("p", "muted", "No picture of this moment."));
+    drawn = state;
+    canvas.hidden = !state.size;
+    page("none").hidden = Boolean(state.size);
+    if (!state.size)
         return;
-    }
     const [width, height] = state.size;
+    if (canvas.width !== width || canvas.height !== height) {
+        canvas.width = width;
+        canvas.height = height;
+    }
+    const context = canvas.getContext("2d");
     const columns = Math.ceil(width / tileSize);
     state.tiles.forEach((name, index) => {
-        const tile = make("img");
-        tile.alt = "";
-        tile.style.left = `${index % columns * tileSize}px`;
-        tile.style.top = `${Math.floor(index / columns) * tileSize}px`;
-        // A running case whose trace is perhaps not kept has its tiles for itself.
-        tile.addEventListener("error", () => {
-            if (!tile.dataset.again) {
-                tile.dataset.again = "1";
-                tile.src = `${current.id}/tiles/${name}.png`;
-            }
-        });
-        tile.src = `tiles/${name}.png`;
-        picture.append(tile);
+        const image = tileImage(name);
+        const draw = () => {
+            if (drawn === state)
+                context.drawImage(image, index % columns * tileSize,
+                    Math.floor(index / columns) * tileSize);
+        };
+        if (image.complete && image.naturalWidth > 0)
+            draw();
+        else
+            image.addEventListener("load", draw, { once: true });
     });
-    const scale = Math.min(1, (page("screen").clientWidth - 2) / width);
-    for (const layer of [picture, marks]) {
-        layer.style.width = `${width}px`;
-        layer.style.height = `${height}px`;
-        layer.style.transform = `scale(${scale})`;
-    }
+    marks.style.width = `${width}px`;
+    marks.style.height = `${height}px`;
+    marks.style.transform = `scale(${canvas.clientWidth / width})`;
 }
 
 function mark(className, x, y, width, height) {
