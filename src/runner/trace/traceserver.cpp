@@ -93,7 +93,7 @@ void TraceServer::answer(QTcpSocket* socket, const QByteArray& head) {
         return refuse(socket, "405 Method Not Allowed");
     if (!isForThisMachine(head))
         return refuse(socket, "403 Forbidden");
-    QString path = QUrl::fromPercentEncoding(words.at(1).left(words.at(1).indexOf('?'))).mid(1);
+    QString path = QUrl::fromPercentEncoding(words.at(1).split('?').constFirst()).mid(1);
     if (path.isEmpty())
         path = QStringLiteral("index.html");
     // Names of our own, which lead nowhere else.
