@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QStringList>
+#include <QUrl>
 #include <algorithm>
 
 #include "base/overloaded.h"
@@ -274,6 +275,7 @@ void HtmlData::addRow(const CaseTally& tally, int suite, bool isCase) {
         row.insert(QStringLiteral("outcome"),
                    tally.isSuperseded ? supersededId : QLatin1String(outcomeId(tally.outcome())));
     }
+    m_caseName = isCase ? tally.name : QString();
     insertText(row, "path", shown(tally.path));
     insertText(row, "start", timeText(tally.start));
     insertText(row, "results", resultSummary(tally));
@@ -343,7 +345,11 @@ QJsonObject HtmlData::entryObject(const ReportEntry& entry, const QDateTime& row
                    [&](const SectionEnded&) {
                        object.insert(QStringLiteral("kind"), QStringLiteral("sectionEnd"));
                    },
-                   [&](const ResultAdded& result) { addResult(object, result); },
+                   [&](const ResultAdded& result) {
+                       addResult(object, result);
+                       if (isFailure(result))
+                           addTrace(object, entry.time);
+                   },
                    [&](const FileAttached& file) { addFile(object, file); },
                    [&](const VideoStarted& video) { addVideo(object, video, rowStart); },
                    [&](const VideoEnded& video) {
@@ -383,6 +389,20 @@ void HtmlData::addResult(QJsonObject& object, const ResultAdded& result) {
     // A difference may lie in the line ends.
     insertText(object, "explanation", escapedForTerminal(result.explanation));
     addStack(object, result.callStack);
+}
+
+void HtmlData::addTrace(QJsonObject& object, const QDateTime& time) {
+    const auto fact = std::find_if(
+        m_environment.begin(), m_environment.end(),
+        [](const EnvironmentFact& one) { return one.name == QLatin1String(traceFactName); });
+    if (fact == m_environment.end() || m_caseName.isEmpty())
+        return;
+    const QByteArray at = QUrl::toPercentEncoding(time.toString(Qt::ISODateWithMs));
+    const QByteArray name = QUrl::toPercentEncoding(m_caseName);
+    object.insert(
+        QStringLiteral("trace"),
+        QStringLiteral("%1/index.html#at=%2&case=%3")
+            .arg(m_files->urlOf(fact->fact), QString::fromLatin1(at), QString::fromLatin1(name)));
 }
 
 void HtmlData::addVideo(QJsonObject& object, const VideoStarted& video, const QDateTime& rowStart) {

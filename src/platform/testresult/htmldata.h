@@ -52,6 +52,8 @@ private:
     void addRow(const CaseTally& tally, int suite, bool isCase);
     QJsonObject entryObject(const ReportEntry& entry, const QDateTime& rowStart);
     void addResult(QJsonObject& object, const ResultAdded& result);
+    /// A link to the moment in the run's trace, if there is one.
+    void addTrace(QJsonObject& object, const QDateTime& time);
     void addFile(QJsonObject& object, const FileAttached& file);
     void addStack(QJsonObject& object, const CallStack& callStack);
     void addVideo(QJsonObject& object, const VideoStarted& video, const QDateTime& rowStart);
@@ -77,6 +79,8 @@ private:
     qint64 m_textBudget;
     qint64 m_entryBudget;
     int m_actionCount = 0;
+    /// The name of the case whose row is made; empty outside of cases.
+    QString m_caseName;
     /// The ends of the videos in the row that is made, by path.
     QMap<QString, const ReportEntry*> m_videoEnds;
 };

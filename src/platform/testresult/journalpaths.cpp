@@ -15,6 +15,10 @@ QString pathOf(const ReportEvent& event) {
                           [](const FileAttached& file) { return file.path; },
                           [](const VideoStarted& video) { return video.path; },
                           [](const VideoEnded& video) { return video.path; },
+                          [](const EnvironmentFact& fact) {
+                              return fact.name == QLatin1String(traceFactName) ? fact.fact
+                                                                               : QString();
+                          },
                           // Most results have no picture, and need no copy.
                           [](const ResultAdded& result) {
                               if (!result.message.endsWith(QLatin1String("')")))
@@ -32,6 +36,7 @@ void setPath(ReportEvent& event, const QString& path) {
                    [&](FileAttached& file) { file.path = path; },
                    [&](VideoStarted& video) { video.path = path; },
                    [&](VideoEnded& video) { video.path = path; },
+                   [&](EnvironmentFact& fact) { fact.fact = path; },
                    [&](ResultAdded& result) {
                        takeScreenshotNote(&result.message);
                        result.message += screenshotNote(path);

@@ -175,6 +175,9 @@ struct ActionEnded {
 /// The name of the fact that tells which part of a suite a run is, as "2/4".
 inline constexpr char shardFactName[] = "Shard";
 
+/// The name of the fact that tells where the trace of a run is, a folder with a page.
+inline constexpr char traceFactName[] = "Trace";
+
 /// A fact about the run: a version, a display, arguments.
 struct EnvironmentFact {
     QString name;

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTemporaryFile>
+#include <QUrl>
 
 #include "base/filewriting.h"
 
@@ -157,6 +158,10 @@ QByteArray ReportFiles::text(const Copy& copy, qint64 mostBytes) const {
     if (!file.open(QIODevice::ReadOnly) || file.size() > mostBytes)
         return {};
     return file.readAll();
+}
+
+QString ReportFiles::urlOf(const QString& path) const {
+    return QString::fromLatin1(QUrl::toPercentEncoding(QDir(m_folder).relativeFilePath(path), "/"));
 }
 
 void ReportFiles::removeUnused() {

@@ -40,6 +40,9 @@ public:
     /// All of a copied text; empty when it has more bytes than that.
     QByteArray text(const Copy& copy, qint64 mostBytes) const;
 
+    /// How a page in the folder of the report refers to a file elsewhere: a relative URL.
+    QString urlOf(const QString& path) const;
+
     /// The first failure to write; empty when there was none.
     QString errorText() const { return m_error; }
 

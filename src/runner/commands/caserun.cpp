@@ -7,6 +7,7 @@
 #include "platform/testresult/reportfactory.h"
 #include "runner/commands/casechoice.h"
 #include "runner/commands/displayoption.h"
+#include "runner/commands/livetrace.h"
 #include "runner/commands/reports.h"
 #include "runner/commands/runreports.h"
 #include "runner/commands/workerrun.h"
@@ -17,6 +18,7 @@
 #include "runner/suites/lostrun.h"
 #include "runner/suites/suite.h"
 #include "runner/suites/suiterun.h"
+#include "runner/trace/tracefolder.h"
 
 namespace Tamrix {
 
@@ -54,6 +56,29 @@ Outcome<> readVideoMode(const QStringList& values, CaseRunSettings& settings) {
         }
     }
     return wrongUsage(QStringLiteral("--video takes on, off or on-failure, not '%1'").arg(value));
+}
+
+Outcome<> readTraceMode(const QStringList& values, CaseRunSettings& settings) {
+    const QString& value = values.constLast();
+    for (const auto& [name, mode] :
+         {std::pair("on", TraceMode::On), std::pair("off", TraceMode::Off),
+          std::pair("failed", TraceMode::Failed)}) {
+        if (value == QLatin1String(name)) {
+            settings.trace = mode;
+            return {};
+        }
+    }
+    return wrongUsage(QStringLiteral("--trace takes on, off or failed, not '%1'").arg(value));
+}
+
+Outcome<> readTracePort(const QStringList& values, CaseRunSettings& settings) {
+    settings.tracePort = values.constLast().toUShort();
+    if (settings.tracePort == 0)
+        return wrongUsage(QStringLiteral("--trace-live takes a port from 1 to 65535, not '%1'")
+                              .arg(values.constLast()));
+    if (settings.trace == TraceMode::Off)
+        settings.trace = TraceMode::On;
+    return {};
 }
 
 bool isStandardOutput(const QString& report) {
@@ -135,6 +160,11 @@ Option<CaseRunSettings> caseDisplayOption() {
 
 }  // namespace
 
+QString traceFolder(const CaseRunSettings& settings) {
+    return settings.trace == TraceMode::Off ? QString()
+                                            : settings.resultDirectory + QStringLiteral("/trace");
+}
+
 SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
     SuiteRunOptions options;
     options.hasPrivateHomes = settings.farm.hasPrivateHomes();
@@ -145,6 +175,8 @@ SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
     options.scenarios = settings.scenarios;
     options.scriptArguments = settings.scriptArguments;
     options.video = settings.video;
+    options.trace = settings.trace;
+    options.traceFolder = traceFolder(settings);
     options.isInteractive = settings.isInteractive;
     options.display = settings.display;
     if (settings.display.isEmpty() && settings.farm.jobs > 0)
@@ -154,37 +186,44 @@ SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings) {
 }
 
 std::vector<Option<CaseRunSettings>> caseRunOptions() {
-    return {{"report", reportValueName,
-             "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML), "
-             "tap, allure (a folder), cucumber-messages (NDJSON) or console; may be given several "
-             "times.",
-             nullptr, allTo(&CaseRunSettings::reports)},
-            {"result-dir", "DIR",
-             "Keeps attachments and the run's journal (journal.jsonl) in this folder.", nullptr,
-             readResultDirectory},
-            caseDisplayOption(),
-            {"tags", "TAGS",
-             "Runs only scenarios of features with one of these tags, as in @a,~@b; given several "
-             "times, each has to hold. 'untagged' means those without tags.",
-             nullptr, allTo(&CaseRunSettings::tagFilters)},
-            {"scenario", "N",
-             "Runs only the scenario with this number, counted from 0 in its feature file; may be "
-             "given several times.",
-             nullptr, readScenarios},
-            {"video", "on|off|on-failure",
-             "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
-             nullptr, readVideoMode},
-            {"interactive", nullptr,
-             "Lets scripts ask the person in front of the screen (testInteraction).", nullptr,
-             setTo(&CaseRunSettings::isInteractive, true)},
-            {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
-             nullptr, setTo(&CaseRunSettings::recordsActions, false)},
-            {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,
-             setTo(&CaseRunSettings::verbosity, Verbosity::Verbose)},
-            {"quiet", nullptr, "Shows failures and the summary only.", nullptr,
-             setTo(&CaseRunSettings::verbosity, Verbosity::Quiet)},
-            {"no-console", nullptr, "Leaves out the console report.", nullptr,
-             setTo(&CaseRunSettings::hasConsole, false)}};
+    return {
+        {"report", reportValueName,
+         "Writes a report of the run: html (a folder), json (the journal), junit (JUnit XML), "
+         "tap, allure (a folder), cucumber-messages (NDJSON) or console; may be given several "
+         "times.",
+         nullptr, allTo(&CaseRunSettings::reports)},
+        {"result-dir", "DIR",
+         "Keeps attachments and the run's journal (journal.jsonl) in this folder.", nullptr,
+         readResultDirectory},
+        caseDisplayOption(),
+        {"tags", "TAGS",
+         "Runs only scenarios of features with one of these tags, as in @a,~@b; given several "
+         "times, each has to hold. 'untagged' means those without tags.",
+         nullptr, allTo(&CaseRunSettings::tagFilters)},
+        {"scenario", "N",
+         "Runs only the scenario with this number, counted from 0 in its feature file; may be "
+         "given several times.",
+         nullptr, readScenarios},
+        {"video", "on|off|on-failure",
+         "Makes a video of each test case, or keeps those of failed ones only; needs ffmpeg.",
+         nullptr, readVideoMode},
+        {"trace", "on|off|failed",
+         "Keeps for each test case, or for failed ones only, what the screen and the objects "
+         "were behind each action: a page in the folder trace of --result-dir.",
+         nullptr, readTraceMode},
+        {"trace-live", "PORT", "Shows the trace at http://127.0.0.1:PORT/ while the run goes on.",
+         nullptr, readTracePort},
+        {"interactive", nullptr,
+         "Lets scripts ask the person in front of the screen (testInteraction).", nullptr,
+         setTo(&CaseRunSettings::isInteractive, true)},
+        {"no-actions", nullptr, "Leaves clicks, typing, waits and the like out of the reports.",
+         nullptr, setTo(&CaseRunSettings::recordsActions, false)},
+        {"verbose", nullptr, "Shows every result and action, not only the failures.", nullptr,
+         setTo(&CaseRunSettings::verbosity, Verbosity::Verbose)},
+        {"quiet", nullptr, "Shows failures and the summary only.", nullptr,
+         setTo(&CaseRunSettings::verbosity, Verbosity::Quiet)},
+        {"no-console", nullptr, "Leaves out the console report.", nullptr,
+         setTo(&CaseRunSettings::hasConsole, false)}};
 }
 
 std::vector<std::pair<const char*, const char*>> exclusiveCaseRunOptions() {
@@ -206,6 +245,10 @@ Outcome<> readCaseRunArguments(const CommandArguments& arguments, CaseRunSetting
                                                 "output; '%1' would write it twice"))
                               .arg(report));
     }
+    if (settings.trace != TraceMode::Off && settings.resultDirectory.isEmpty())
+        return wrongUsage(QStringLiteral("--trace needs --result-dir, where it goes"));
+    if (settings.trace != TraceMode::Off && !settings.recordsActions)
+        return wrongUsage(QStringLiteral("--trace needs the actions that --no-actions leaves out"));
     if (!settings.resultDirectory.isEmpty()) {
         settings.reports.append(
             QStringLiteral("json:%1/journal.jsonl").arg(settings.resultDirectory));
@@ -233,6 +276,13 @@ int runCases(const CaseRunSettings& settings) {
         const Outcome<ReportDescription> description = parseReportDescription(report);
         if (description && description->format == QLatin1String("json"))
             removeOpenCases(description->path);
+    }
+    LiveTrace live;
+    if (settings.trace != TraceMode::Off) {
+        if (const Outcome<> made = createTraceFolder(traceFolder(settings)); !made)
+            return failWith(made.error().text);
+        if (const Outcome<> shown = live.show(traceFolder(settings), settings.tracePort); !shown)
+            return failWith(shown.error().text);
     }
     if (settings.farm.needsWorkers())
         return runWithWorkers(settings, *suite, *choice, history);

@@ -28,6 +28,9 @@ struct CaseRunSettings {
     /// So many failed cases end the run; 0 for none.
     int maxFailures = 0;
     VideoMode video = VideoMode::Off;
+    TraceMode trace = TraceMode::Off;
+    /// The port where the trace is shown while the run goes on; 0 for none.
+    quint16 tracePort = 0;
     /// Whether verification points that differ are written anew.
     bool renewsVerificationPoints = false;
     bool isInteractive = false;
@@ -53,6 +56,9 @@ std::vector<std::pair<const char*, const char*>> exclusiveCaseRunOptions();
 
 /// Takes suite, cases and script arguments, and completes the reports.
 Outcome<> readCaseRunArguments(const CommandArguments& arguments, CaseRunSettings& settings);
+
+/// Where the trace of the run goes; empty when none is kept.
+QString traceFolder(const CaseRunSettings& settings);
 
 /// What the run itself is asked to do; for one of several workers as well.
 SuiteRunOptions suiteRunOptions(const CaseRunSettings& settings);

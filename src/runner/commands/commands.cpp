@@ -10,6 +10,7 @@
     DO(features)                    \
     DO(report)                      \
     DO(merge)                       \
+    DO(trace)                       \
     DO(farm)                        \
     DO(inspect)                     \
     DO(compare)                     \

@@ -60,6 +60,12 @@ void drawMark(QImage* image, QPoint point) {
 
 }  // namespace
 
+std::optional<QPoint> lastPressOf(const QVariantMap& layout) {
+    const QVariantList point = layout.value(QStringLiteral("lastPress")).toList();
+    return point.size() == 2 ? std::optional(QPoint(point.at(0).toInt(), point.at(1).toInt()))
+                             : std::nullopt;
+}
+
 QImage windowsPicture(const Screenshot& desktop, const QList<QRect>& windows,
                       const std::optional<QPoint>& lastPress) {
     QRect part;
@@ -102,11 +108,7 @@ void FailureMoment::keepWindows(Application& application, const Screenshot& desk
     const QVariantList rects = layout.value(QStringLiteral("windows")).toList();
     for (const QVariant& rect : rects)
         windows.append(rectOf(rect.toList()));
-    std::optional<QPoint> press;
-    const QVariantList point = layout.value(QStringLiteral("lastPress")).toList();
-    if (point.size() == 2)
-        press = QPoint(point.at(0).toInt(), point.at(1).toInt());
-    const QImage picture = windowsPicture(desktop, windows, press);
+    const QImage picture = windowsPicture(desktop, windows, lastPressOf(layout));
     if (picture.isNull())
         return;
     if (picture != m_lastPicture) {

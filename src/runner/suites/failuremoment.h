@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <optional>
 
 #include "runner/applications/application.h"
@@ -41,5 +42,8 @@ private:
 /// are native. A null image without windows in it.
 QImage windowsPicture(const Screenshot& desktop, const QList<QRect>& windows,
                       const std::optional<QPoint>& lastPress);
+
+/// Where the mouse was pressed last, of an application's answer to "screenLayout"; native.
+std::optional<QPoint> lastPressOf(const QVariantMap& layout);
 
 }  // namespace Tamrix

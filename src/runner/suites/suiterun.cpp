@@ -70,7 +70,11 @@ QString screenshotDirectory(RunnerInterface* runner) {
 SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGenerator* report)
     : m_suite(suite),
       m_options(options),
-      m_result(report),
+      m_trace(options.trace == TraceMode::Off
+                  ? nullptr
+                  : std::make_unique<CaseTrace>(options.trace, options.traceFolder, traceView(),
+                                                report)),
+      m_result(m_trace ? m_trace.get() : report),
       m_video(options.video, m_runner, m_result) {
     m_runner.facts.suiteName = suite.name;
     m_runner.facts.resultDirectory = options.resultDirectory;
@@ -126,6 +130,8 @@ bool SuiteRun::mayStartCase() const {
 
 void SuiteRun::run(const NextCase& nextCase) {
     m_passwords = takePasswords();
+    if (m_trace)
+        m_trace->setSecrets(m_passwords.values());
     const ProcessState stateBeforeRun;
     Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
     Interrupt::install();
@@ -160,6 +166,8 @@ void SuiteRun::noteEnvironment() {
                             quotedShellWords(QCoreApplication::arguments()));
     m_result.addEnvironment(QStringLiteral("Script arguments"),
                             quotedShellWords(m_options.scriptArguments));
+    if (m_trace)
+        m_result.addEnvironment(QLatin1String(traceFactName), m_options.traceFolder);
     for (const EnvironmentFact& fact : m_options.facts)
         m_result.addEnvironment(fact.name, fact.fact);
 }
@@ -254,6 +262,50 @@ void SuiteRun::keepFailureMoment(const QString& folder) {
     const Screenshot desktop = std::exchange(m_desktop, Screenshot());
     if (const SharedPtr<Application> application = liveApplication(&m_runner))
         m_failureMoment.keep(*application, desktop, folder, &m_result);
+}
+
+TraceView SuiteRun::traceView() {
+    const auto ask = [this](const char* request) {
+        const SharedPtr<Application> application = liveApplication(&m_runner);
+        return application ? application->access().nativeRequest(QLatin1String(request), {})
+                           : Outcome<QVariant>(QVariant());
+    };
+    TraceView view;
+    view.answers = [this] {
+        if (Interrupt::isTimeOut())
+            m_runner.applications.startCall();
+        const SharedPtr<Application> application = liveApplication(&m_runner);
+        return application && application->access().ping(pingTimeout).has_value();
+    };
+    view.picture = [ask] {
+        const Outcome<QVariant> picture = ask("desktopScreenshot");
+        return picture ? Screenshot::fromVariant(*picture) : Screenshot();
+    };
+    view.objects = [this]() -> std::optional<Wire::ObjectListing> {
+        const SharedPtr<Application> application = liveApplication(&m_runner);
+        if (!application)
+            return std::nullopt;
+        Outcome<Wire::ObjectListing> listing = application->access().listing();
+        return listing ? std::optional(std::move(*listing)) : std::nullopt;
+    };
+    view.lastPress = [ask] {
+        const Outcome<QVariant> layout = ask("screenLayout");
+        return layout ? lastPressOf(layout->toMap()) : std::nullopt;
+    };
+    view.output = [this] {
+        QMap<QString, QByteArray> streams;
+        if (const SharedPtr<Application> application = liveApplication(&m_runner)) {
+            const std::shared_ptr<StartedProgram> program = application->sharedProgram();
+            if (program) {
+                streams.insert(application->name + QStringLiteral("-stdout"),
+                               program->output().standardOutput());
+                streams.insert(application->name + QStringLiteral("-stderr"),
+                               program->output().standardError());
+            }
+        }
+        return streams;
+    };
+    return view;
 }
 
 void SuiteRun::endApplications() {

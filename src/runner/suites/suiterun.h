@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "base/outcome.h"
@@ -14,6 +15,7 @@
 #include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
 #include "runner/suites/suite.h"
+#include "runner/trace/casetrace.h"
 
 namespace Tamrix {
 
@@ -41,6 +43,9 @@ struct SuiteRunOptions {
     /// Who drives the debugger, in which each case then stops at its first line.
     DebuggerDialogue debugger = DebuggerDialogue::None;
     VideoMode video = VideoMode::Off;
+    TraceMode trace = TraceMode::Off;
+    /// Where the trace goes: a folder that createTraceFolder() has made.
+    QString traceFolder;
     /// Whether somebody is there whom scripts may ask.
     bool isInteractive = false;
 };
@@ -85,6 +90,8 @@ private:
     /// A picture of the desktop for a result; null when the application gives none.
     QImage grabDesktop();
     void keepFailureMoment(const QString& folder);
+    /// What a trace sees of the current application.
+    TraceView traceView();
     void endApplications();
     /// Gives the applications of the next case a home of their own.
     void renewHome();
@@ -97,6 +104,8 @@ private:
     Suite m_suite;
     SuiteRunOptions m_options;
     Runner m_runner;
+    /// Null when none is kept.
+    std::unique_ptr<CaseTrace> m_trace;
     TestResult m_result;
     PrivateHome m_home;
     CaseVideo m_video;

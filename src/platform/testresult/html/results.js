@@ -177,6 +177,8 @@ function resultElement(entry, row, isOpen) {
             if (entry.failure)
                 inside.append(copyButton("Copy this text", () => failureText(entry, row)),
                     toVideoElement(entry));
+            if (entry.trace)
+                inside.append(make("p", "note", link("This moment in the trace", entry.trace)));
         });
 }
 

@@ -1,0 +1,340 @@
+#include "runner/trace/casetrace.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <thread>
+
+#include "runner/trace/objectlines.h"
+#include "runner/trace/tracefolder.h"
+#include "support/files.h"
+#include "support/printqt.h"
+#include "support/recordingreport.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+
+QStringList tilesIn(const QString& folder) {
+    return QDir(folder).entryList({"*"}, QDir::Files);
+}
+
+/// What the calls of a function in a file were given.
+QList<QJsonObject> callsIn(const QString& file, const QByteArray& function) {
+    QList<QJsonObject> calls;
+    for (const QByteArray& line : readFile(file).split('\n')) {
+        if (!line.startsWith(function + '('))
+            continue;
+        EXPECT_TRUE(line.endsWith(");"));
+        const int begin = function.size() + 1;
+        calls.append(QJsonDocument::fromJson(line.mid(begin, line.size() - begin - 2)).object());
+    }
+    return calls;
+}
+
+// Tiles
+
+TEST(TileStore, KeepsWhatDiffers) {
+    const QTemporaryDir folder;
+    TileStore store(folder.path());
+    QImage picture(300, 200, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    auto changes = store.add(picture);
+    ASSERT_TRUE(changes);
+    EXPECT_EQ(changes->size(), 6U);
+    // Three columns and two rows, of which those at the edges are of other sizes.
+    EXPECT_EQ(tilesIn(folder.path()).size(), 4);
+    EXPECT_EQ(store.names().at(0), store.names().at(1));
+    EXPECT_NE(store.names().at(1), store.names().at(2));
+
+    const QStringList before = store.names();
+    EXPECT_TRUE(store.add(picture)->empty());
+    QPainter(&picture).fillRect(130, 5, 4, 4, Qt::red);
+    changes = store.add(picture);
+    ASSERT_EQ(changes->size(), 1U);
+    EXPECT_EQ(changes->front().index, 1);
+    const QImage tile(folder.filePath(changes->front().name + ".png"));
+    EXPECT_EQ(tile.convertToFormat(QImage::Format_RGB32), picture.copy(128, 0, 128, 128));
+    // What it was before is there already.
+    QPainter(&picture).fillRect(130, 5, 4, 4, Qt::gray);
+    EXPECT_EQ(store.add(picture)->front().name, before.at(1));
+    EXPECT_EQ(tilesIn(folder.path()).size(), 5);
+
+    // Another size is another picture.
+    EXPECT_EQ(store.add(picture.copy(0, 0, 128, 128))->size(), 1U);
+    EXPECT_EQ(store.size(), QSize(128, 128));
+}
+
+TEST(TileStore, FailuresAreToldAndTilesMove) {
+    const QTemporaryDir folder;
+    QImage picture(10, 10, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    TileStore lost(folder.filePath("none"));
+    const auto failed = lost.add(picture);
+    ASSERT_FALSE(failed);
+    EXPECT_TRUE(failed.error().text.startsWith("'" + folder.filePath("none/")));
+    EXPECT_TRUE(lost.names().isEmpty());
+
+    for (const char* const name : {"own", "all"})
+        ASSERT_TRUE(QDir(folder.path()).mkdir(name));
+    TileStore store(folder.filePath("own"));
+    ASSERT_TRUE(store.add(picture));
+    EXPECT_TRUE(store.moveTo(folder.filePath("all")));
+    EXPECT_EQ(tilesIn(folder.filePath("all")).size(), 1);
+    EXPECT_EQ(tilesIn(folder.filePath("own")).size(), 0);
+}
+
+// Objects
+
+/// What the page does with changes.
+QStringList applied(const std::vector<QByteArray>& before, const QByteArray& changes) {
+    QStringList lines;
+    for (const QJsonValue& change : QJsonDocument::fromJson(changes).array()) {
+        const QJsonArray fields = change.toArray();
+        if (fields.size() == 2) {
+            for (int index = 0; index < fields.at(1).toInt(); ++index)
+                lines += before[static_cast<size_t>(fields.at(0).toInt() + index)];
+        } else {
+            lines += QJsonDocument(fields).toJson(QJsonDocument::Compact);
+        }
+    }
+    return lines;
+}
+
+Wire::ObjectListing listing(const QStringList& texts) {
+    Wire::ObjectListing result{{"QLabel"}, {}};
+    for (const QString& text : texts)
+        result.objects.append({0, 0, 3, QRect(1, 2, 3, 4), text, "{text='" + text + "'}"});
+    return result;
+}
+
+TEST(ObjectLines, AreToldByTheirDifferences) {
+    const auto same = [](const QString& text) { return text; };
+    const QStringList texts[] = {{}, {"a"}, {"a", "b", "c"}, {"a", "x", "c", "\"ü\n"}, {"c", "a"}};
+    for (const QStringList& from : texts) {
+        for (const QStringList& to : texts) {
+            const auto before = objectLines(listing(from), same);
+            const auto after = objectLines(listing(to), same);
+            const QByteArray changes = lineChanges(before, after);
+            if (from == to)
+                EXPECT_TRUE(changes.isEmpty());
+            else
+                EXPECT_EQ(applied(before, changes), QStringList(after.begin(), after.end()));
+            EXPECT_EQ(applied({}, allLines(after)), QStringList(after.begin(), after.end()));
+        }
+    }
+    EXPECT_EQ(
+        objectLines(listing({"secret"}), [](QString text) { return text.replace("secret", "***"); })
+            .front(),
+        R"([0,"QLabel","***","{text='***'}",1,2,3,4,3])");
+}
+
+// The folder
+
+TEST(TraceFolder, ReplacesATraceAndNothingElse) {
+    const QTemporaryDir folder;
+    const QString trace = folder.filePath("results/trace");
+    ASSERT_TRUE(createTraceFolder(trace));
+    EXPECT_EQ(*createCaseFolder(trace), "case-0001");
+    EXPECT_EQ(*createCaseFolder(trace), "case-0002");
+    EXPECT_TRUE(readFile(trace + "/index.html").contains("trace.js"));
+    ASSERT_TRUE(createTraceFolder(trace));
+    EXPECT_FALSE(QFile::exists(trace + "/case-0001"));
+
+    writeFile(folder.filePath("mine/notes.txt"), "x");
+    const Outcome<> refused = createTraceFolder(folder.filePath("mine"));
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().text,
+              "'" + folder.filePath("mine") + "' is no trace and holds files: it is not replaced");
+    EXPECT_EQ(readFile(folder.filePath("mine/notes.txt")), "x");
+}
+
+TEST(TraceFolder, LinesOfSeveralAuthorsStayWhole) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("cases.js");
+    std::vector<std::thread> authors;
+    for (int author = 0; author < 4; ++author) {
+        authors.emplace_back([&file] {
+            for (int line = 0; line < 50; ++line)
+                EXPECT_TRUE(
+                    appendCall(file, "traceCase", "{\"a\":\"" + QByteArray(9999, 'x') + "\"}"));
+        });
+    }
+    for (std::thread& author : authors)
+        author.join();
+    EXPECT_EQ(callsIn(file, "traceCase").size(), 200);
+}
+
+// Cases
+
+class CaseTraceTest : public testing::Test {
+protected:
+    CaseTraceTest() {
+        EXPECT_TRUE(createTraceFolder(trace));
+        screen.fill(Qt::white);
+        view.answers = [this] {
+            ++questions;
+            return isThere;
+        };
+        view.picture = [this] { return Screenshot(screen, QTransform::fromTranslate(10, 20)); };
+        view.objects = [this] { return std::optional(listing(objects)); };
+        view.lastPress = [] { return std::optional(QPoint(15, 27)); };
+        view.output = [this] { return QMap<QString, QByteArray>{{"faulty-stdout", written}}; };
+    }
+
+    void start(TraceMode mode) {
+        generator = std::make_unique<CaseTrace>(mode, trace, view, &report);
+        generator->setSecrets({"hunter2", ""});
+    }
+
+    void add(const ReportEvent& event) {
+        time = time.addMSecs(10);
+        generator->add({time, event});
+    }
+
+    void act(const QString& function, const QString& arguments = {}) {
+        add(ActionEnded{function, arguments, 5, false, {"/none/test.py", 7}});
+    }
+
+    void runCase(const QString& name, const std::function<void()>& content) {
+        add(CaseStarted{name, "/none/test.py"});
+        content();
+        add(CaseEnded{});
+    }
+
+    static ResultAdded result(TestResult::ResultType type, const QString& message) {
+        ResultAdded added;
+        added.type = type;
+        added.message = message;
+        added.callStack = {{"/none/test.py", 9}};
+        return added;
+    }
+
+    QList<QJsonObject> steps(const QString& testCase = "case-0001", int file = 1) const {
+        return callsIn(QString("%1/%2/steps-000%3.js").arg(trace, testCase, QString::number(file)),
+                       "traceStep");
+    }
+
+    QTemporaryDir folder;
+    QString trace = folder.filePath("trace");
+    QImage screen{200, 150, QImage::Format_RGB32};
+    QStringList objects = {"a", "b"};
+    QByteArray written;
+    bool isThere = true;
+    int questions = 0;
+    TraceView view;
+    RecordingReport report;
+    std::unique_ptr<CaseTrace> generator;
+    QDateTime time = QDateTime(QDate(2026, 5, 4), QTime(3, 2, 1));
+};
+
+TEST_F(CaseTraceTest, TellsWhatEachStepChanged) {
+    start(TraceMode::On);
+    runCase("one", [this] {
+        act("startApplication", "\"faulty\"");
+        QPainter(&screen).fillRect(0, 0, 5, 5, Qt::red);
+        objects = QStringList{"a", "c"};
+        written = "a line with hunter2\n";
+        act("click", "\"hunter2\"");
+        add(result(TestResult::Pass, "fine"));
+        add(result(TestResult::Fail, "it is hunter2"));
+    });
+    EXPECT_EQ(report.entries.size(), 6U);
+    const QList<QJsonObject> all = steps();
+    ASSERT_EQ(all.size(), 4);
+    EXPECT_EQ(all[0]["size"].toArray(), (QJsonArray{200, 150}));
+    EXPECT_EQ(all[0]["native"].toArray(), (QJsonArray{10, 20, 210, 170}));
+    EXPECT_EQ(all[0]["tiles"].toArray().size(), 4);
+    EXPECT_EQ(all[0]["tree"].toArray().size(), 2);
+    EXPECT_EQ(all[0]["title"].toString(), "startApplication");
+    EXPECT_EQ(all[0]["line"].toInt(), 7);
+    EXPECT_FALSE(all[0].contains("point"));
+
+    EXPECT_EQ(all[1]["changed"].toObject().keys(), QStringList{"0"});
+    EXPECT_EQ(all[1]["treeChanges"].toArray().size(), 2);
+    EXPECT_EQ(all[1]["point"].toArray(), (QJsonArray{5, 7}));
+    EXPECT_EQ(all[1]["arguments"].toString(), "\"******\"");
+    EXPECT_EQ(all[1]["output"].toObject()["faulty-stdout"].toString(), "a line with ******\n");
+    // Nobody looks for a verdict that passed.
+    EXPECT_EQ(questions, 3);
+    EXPECT_EQ(all[2]["type"].toString(), "Pass");
+    EXPECT_TRUE(all[3]["failed"].toBool());
+    EXPECT_EQ(all[3]["title"].toString(), "it is ******");
+    EXPECT_FALSE(all[3].contains("changed"));
+
+    const QList<QJsonObject> ends = callsIn(trace + "/cases.js", "traceCaseEnds");
+    ASSERT_EQ(ends.size(), 1);
+    EXPECT_EQ(ends[0]["outcome"].toString(), "failed");
+    for (const char* const file : {"/case-0001/steps-0001.js", "/cases.js"})
+        EXPECT_FALSE(readFile(trace + file).contains("hunter2"));
+}
+
+TEST_F(CaseTraceTest, EachFileCanBeReadWithoutTheOthers) {
+    start(TraceMode::On);
+    runCase("long", [this] {
+        for (int step = 0; step < stepsInFile; ++step)
+            act("waitForObject");
+        add(result(TestResult::Log, "no look"));
+        act("click");
+    });
+    EXPECT_EQ(steps().size(), stepsInFile);
+    const QList<QJsonObject> second = steps("case-0001", 2);
+    ASSERT_EQ(second.size(), 2);
+    EXPECT_EQ(second[0]["tiles"].toArray(), steps()[0]["tiles"].toArray());
+    EXPECT_EQ(second[0]["native"].toArray(), steps()[0]["native"].toArray());
+    EXPECT_EQ(second[0]["tree"].toArray(), steps()[0]["tree"].toArray());
+    EXPECT_FALSE(second[1].contains("tiles"));
+}
+
+TEST_F(CaseTraceTest, OfFailedCasesOnlyLeavesNothingOfOthers) {
+    start(TraceMode::Failed);
+    runCase("passes", [this] { act("click"); });
+    EXPECT_EQ(tilesIn(trace + "/tiles").size(), 0);
+    EXPECT_FALSE(QFile::exists(trace + "/case-0001"));
+    runCase("fails", [this] {
+        act("click");
+        EXPECT_EQ(tilesIn(trace + "/case-0001/tiles").size(), 4);
+        add(result(TestResult::Error, "Script Error"));
+    });
+    EXPECT_EQ(tilesIn(trace + "/tiles").size(), 4);
+    EXPECT_FALSE(QFile::exists(trace + "/case-0001/tiles"));
+    EXPECT_EQ(steps().size(), 2);
+}
+
+TEST_F(CaseTraceTest, ASilentApplicationIsAskedOnce) {
+    start(TraceMode::On);
+    isThere = false;
+    runCase("frozen", [this] {
+        add(ActionEnded{"click", {}, 5, true, {}});
+        add(ActionEnded{"click", {}, 5, true, {}});
+        EXPECT_EQ(questions, 1);
+        isThere = true;
+        act("click");
+    });
+    EXPECT_EQ(questions, 2);
+    ASSERT_EQ(steps().size(), 3);
+    EXPECT_FALSE(steps()[0].contains("tiles"));
+    EXPECT_TRUE(steps()[2].contains("tiles"));
+}
+
+TEST_F(CaseTraceTest, EndsWhereItCanNotBeWrittenAndTheRunGoesOn) {
+    start(TraceMode::On);
+    runCase("one", [this] {
+        act("click");
+        QDir(trace).removeRecursively();
+        act("click");
+        act("click");
+    });
+    runCase("two", [this] { act("click"); });
+    EXPECT_EQ(report.all<ActionEnded>().size(), 4U);
+    EXPECT_FALSE(QFile::exists(trace));
+}
+
+}  // namespace
+}  // namespace Tamrix
