@@ -132,6 +132,8 @@ const seconds = (milliseconds) => `${(milliseconds / 1000).toFixed(2)} s`;
 function stepTitle(step) {
     if (step.kind === "action")
         return `${step.title}(${step.arguments})`;
+    if (step.kind === "end")
+        return `end of ${step.title}`;
     return step.type ? `${step.type}: ${step.title || step.detail}` : step.title;
 }
 
