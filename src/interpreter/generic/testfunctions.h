@@ -54,7 +54,7 @@ TAMRIX_EXPORT QString ensureResultPathExists(const QFileInfo& directory);
 /// A path in `directory` for a file named like `source` that does not exist yet.
 TAMRIX_EXPORT QString calculateTargetFileName(const QString& directory, const QFileInfo& source);
 /// Makes the file of such a path and opens it for writing. The name is nobody else's, also when
-/// other processes look for one at the same time. False when it can't be made, which the file tells.
+/// other processes look for one at the same time. False on failure, which the file tells.
 TAMRIX_EXPORT bool createTargetFile(const QString& directory, const QFileInfo& source, QFile* file);
 
 }  // namespace Tamrix

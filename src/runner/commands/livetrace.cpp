@@ -28,7 +28,7 @@ Outcome<> LiveTrace::show(const QString& folder, quint16 port) {
     ProgramStart start;
     start.program = QStringLiteral("/proc/self/exe");
     start.arguments = QStringList{QStringLiteral("trace"), folder, QStringLiteral("--port"),
-                       QString::number(port)};
+                                  QString::number(port)};
     Outcome<std::unique_ptr<ChildProcess>> server = ChildProcess::start(start);
     if (!server)
         return fail(server.error());
