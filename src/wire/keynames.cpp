@@ -127,6 +127,30 @@ bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QStri
     return true;
 }
 
+QString keysText(int code, Qt::KeyboardModifiers modifiers) {
+    QString name;
+    if (code > Qt::Key_Space && code <= Qt::Key_ydiaeresis) {
+        name = QString(QChar(code));
+    } else {
+        const char* const key = QMetaEnum::fromType<Qt::Key>().valueToKey(code);
+        name = key ? QString::fromLatin1(key).section(u'_', 1) : QString();
+    }
+    if (name.isEmpty())
+        return name;
+    // In the order of combinations; the name of a modifier is that of its key.
+    constexpr std::pair<Qt::KeyboardModifier, const char*> prefixes[] = {
+        {Qt::ControlModifier, "Ctrl+"},
+        {Qt::AltModifier, "Alt+"},
+        {Qt::MetaModifier, "Meta+"},
+        {Qt::ShiftModifier, "Shift+"}};
+    QString text;
+    for (const auto& [modifier, prefix] : prefixes) {
+        if (modifiers.testFlag(modifier))
+            text += QLatin1String(prefix);
+    }
+    return text + name;
+}
+
 Key keyOfCharacter(uint character) {
     switch (character) {
         case '\n':

@@ -6,12 +6,14 @@
 
 #include "interpreter/bridge/eventrecorder.h"
 #include "interpreter/bridge/scriptlanguage.h"
+#include "support/environmentguard.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
 namespace {
 
 TEST(PythonRecorder, WritesLines) {
+    const Tamrix::Test::EnvironmentGuard prefix("TAMRIX_PREFIX", TAMRIX_TEST_PREFIX);
     const ScriptLanguagePlugin plugin("tamrixpython-3");
     ASSERT_EQ(plugin.lastErrorMessage(), QString());
     const std::unique_ptr<EventRecorder> recorder(
