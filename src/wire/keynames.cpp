@@ -137,18 +137,22 @@ QString keysText(int code, Qt::KeyboardModifiers modifiers) {
     }
     if (name.isEmpty())
         return name;
-    // In the order of combinations; the name of a modifier is that of its key.
-    constexpr std::pair<Qt::KeyboardModifier, const char*> prefixes[] = {
-        {Qt::ControlModifier, "Ctrl+"},
-        {Qt::AltModifier, "Alt+"},
-        {Qt::MetaModifier, "Meta+"},
-        {Qt::ShiftModifier, "Shift+"}};
-    QString text;
-    for (const auto& [modifier, prefix] : prefixes) {
+    const QString held = modifiersText(modifiers);
+    return held.isEmpty() ? name : held + u'+' + name;
+}
+
+QString modifiersText(Qt::KeyboardModifiers modifiers) {
+    constexpr std::pair<Qt::KeyboardModifier, const char*> names[] = {
+        {Qt::ControlModifier, "Ctrl"},
+        {Qt::AltModifier, "Alt"},
+        {Qt::MetaModifier, "Meta"},
+        {Qt::ShiftModifier, "Shift"}};
+    QStringList held;
+    for (const auto& [modifier, name] : names) {
         if (modifiers.testFlag(modifier))
-            text += QLatin1String(prefix);
+            held.append(QString::fromLatin1(name));
     }
-    return text + name;
+    return held.join(u'+');
 }
 
 Key keyOfCharacter(uint character) {

@@ -25,6 +25,9 @@ bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QStri
 /// The text that parseKeys() reads as these keys: "Ctrl+Shift+A". Empty for a code that has no name.
 QString keysText(int code, Qt::KeyboardModifiers modifiers);
 
+/// The text that parseModifiers() reads as these: "Ctrl+Shift"; empty for none.
+QString modifiersText(Qt::KeyboardModifiers modifiers);
+
 /// The key that types a character, given as a Unicode code point.
 Key keyOfCharacter(uint character);
 

@@ -67,6 +67,14 @@ QDataStream& operator>>(QDataStream& stream, ObservedRelease& body) {
     return stream >> body.distance >> body.isDrag;
 }
 
+QDataStream& operator<<(QDataStream& stream, const ObservedWheel& body) {
+    return stream << body.object;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObservedWheel& body) {
+    return stream >> body.object;
+}
+
 QDataStream& operator<<(QDataStream& stream, const ObservedRest& /*body*/) {
     return stream;
 }

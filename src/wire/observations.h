@@ -76,6 +76,11 @@ struct ObservedRelease {
     bool isDrag = false;
 };
 
+/// The wheel is turned over what takes a value from it.
+struct ObservedWheel {
+    ObservedObject object;
+};
+
 /// The application has handled what came before; its objects are in the states that were told.
 struct ObservedRest {};
 
@@ -123,8 +128,8 @@ struct ObservedMode {
 };
 
 using Observation =
-    std::variant<ObservedState, ObservedPress, ObservedDoubleClick, ObservedRelease, ObservedRest,
-                 ObservedChoice, ObservedKey, ObservedShortcut, ObservedClose, ObservedVerdict,
+    std::variant<ObservedState, ObservedPress, ObservedDoubleClick, ObservedRelease, ObservedWheel,
+                 ObservedRest, ObservedChoice, ObservedKey, ObservedShortcut, ObservedClose, ObservedVerdict,
                  ObservedMode>;
 
 /// What is observed, from the answer on.

@@ -198,11 +198,19 @@ Wire::ObservedState ToolkitRecord::state(const Element& element) const {
     return state;
 }
 
-std::optional<ItemWay> ToolkitRecord::wayTo(const Element& /*item*/) const {
+std::optional<RecordedWay> ToolkitRecord::wayTo(const Element& /*item*/) const {
     return std::nullopt;
 }
 
 Element ToolkitRecord::openPopup() const {
+    return {};
+}
+
+bool ToolkitRecord::opensMenu(const Element& /*entry*/) const {
+    return false;
+}
+
+Element ToolkitRecord::clickedBy(const Element& /*receiver*/) const {
     return {};
 }
 

@@ -12,7 +12,7 @@ class QKeyEvent;
 namespace Tamrix::Agent {
 
 /// The way to an item or to an entry of a menu, through what holds it.
-struct ItemWay {
+struct RecordedWay {
     /// The view, bar, box or menu bar; a menu that belongs to no bar.
     Element holder;
     /// Texts as they are shown. Empty when they would lead to another item, or to none.
@@ -29,9 +29,13 @@ public:
     /// What it holds; the handle is left to the caller.
     virtual Wire::ObservedState state(const Element& element) const;
     /// None for what is no item and no entry.
-    virtual std::optional<ItemWay> wayTo(const Element& item) const;
+    virtual std::optional<RecordedWay> wayTo(const Element& item) const;
     /// The popup that has the input while it is open, or what it belongs to; null for none.
     virtual Element openPopup() const;
+    /// Whether the entry of a menu opens another one.
+    virtual bool opensMenu(const Element& entry) const;
+    /// What a shortcut that is the object's own clicks, a button; null for none.
+    virtual Element clickedBy(const Element& receiver) const;
     /// The entry of an open menu that a key chooses; null for keys that move on or close it.
     virtual Element chosenBy(const Element& popup, const QKeyEvent& key) const;
 
