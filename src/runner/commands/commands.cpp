@@ -12,6 +12,7 @@
     DO(merge)                       \
     DO(farm)                        \
     DO(inspect)                     \
+    DO(record)                      \
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
