@@ -96,8 +96,6 @@ QWidget* makeFields() {
     auto* const code = withName(new QLineEdit, "code");
     code->setInputMask(QStringLiteral("99-99"));
     form->addRow(code);
-    QObject::connect(code, &QLineEdit::textChanged,
-                     [](const QString& text) { log(QStringLiteral("code ") + text); });
     auto* const secret = new QLineEdit;
     secret->setEchoMode(QLineEdit::Password);
     form->addRow(QStringLiteral("&Password:"), secret);
@@ -112,12 +110,8 @@ QWidget* makeFields() {
     auto* const amount = new QSpinBox;
     amount->setSuffix(QStringLiteral(" kg"));
     form->addRow(QStringLiteral("A&mount:"), amount);
-    QObject::connect(amount, QOverload<int>::of(&QSpinBox::valueChanged),
-                     [](int value) { log(QStringLiteral("amount %1").arg(value)); });
     auto* const volume = withName(new QSlider(Qt::Horizontal), "volume");
     form->addRow(volume);
-    QObject::connect(volume, &QSlider::valueChanged,
-                     [](int value) { log(QStringLiteral("volume %1").arg(value)); });
     return page;
 }
 
@@ -144,8 +138,6 @@ QWidget* makeChoices() {
     town->setEditable(true);
     town->addItems({QStringLiteral("Bonn"), QStringLiteral("Rome")});
     layout->addWidget(town);
-    QObject::connect(town, &QComboBox::currentTextChanged,
-                     [](const QString& text) { log(QStringLiteral("town ") + text); });
     layout->addWidget(withName(new Canvas, "canvas"));
     layout->addWidget(new Hidden);
     auto* const row = new QHBoxLayout;
@@ -216,7 +208,7 @@ public:
         addEntry(file->addMenu(QStringLiteral("&Recent")), "v1.0");
         addEntry(file, "&Wrap")->setCheckable(true);
         auto* const tabs = withName(new QTabWidget, "tabs");
-        tabs->addTab(makeFields(), QStringLiteral("&Fields"));
+        tabs->addTab(makeFields(), QStringLiteral("Fields"));
         tabs->addTab(makeChoices(), QStringLiteral("Choices"));
         tabs->addTab(makeViews(), QStringLiteral("Views"));
         setCentralWidget(tabs);
@@ -225,7 +217,12 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override {
-        log(QStringLiteral("closed"));
+        // What is filled and set shows other values on the way; what it ends with counts.
+        log(QStringLiteral("closed: %1, %2, %3, %4")
+                .arg(findChild<QLineEdit*>(QStringLiteral("code"))->text(),
+                     findChild<QSpinBox*>()->text(),
+                     QString::number(findChild<QSlider*>(QStringLiteral("volume"))->value()),
+                     findChild<QComboBox*>(QStringLiteral("town"))->currentText()));
         QMainWindow::closeEvent(event);
     }
 };

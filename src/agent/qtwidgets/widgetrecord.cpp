@@ -129,8 +129,8 @@ ObservedRole WidgetToolkit::role(const Element& element) const {
     }
     if (const auto* const box = qobject_cast<const QAbstractSpinBox*>(widget))
         return roleOfField(box, box->isReadOnly(), ObservedRole::Number);
-    if (qobject_cast<const QComboBox*>(widget))
-        return ObservedRole::Choice;
+    if (const auto* const box = qobject_cast<const QComboBox*>(widget))
+        return box->isEditable() ? ObservedRole::Field : ObservedRole::Choice;
     if (qobject_cast<const QScrollBar*>(widget))
         return ObservedRole::ScrollBar;
     if (qobject_cast<const QAbstractSlider*>(widget))
@@ -161,13 +161,9 @@ Wire::ObservedState WidgetToolkit::state(const Element& element) const {
             else
                 state.text = text(element);
             break;
-        case ObservedRole::Choice: {
+        case ObservedRole::Choice:
             state.text = text(element);
-            // Asking the box for its list makes one.
-            const auto* const list = widget->findChild<QAbstractItemView*>();
-            state.isOpen = list && list->isVisible();
             break;
-        }
         case ObservedRole::Slider:
             state.value = qobject_cast<const QAbstractSlider*>(widget)->value();
             break;
@@ -175,6 +171,11 @@ Wire::ObservedState WidgetToolkit::state(const Element& element) const {
             return Toolkit::state(element);
         default:
             break;
+    }
+    if (qobject_cast<const QComboBox*>(widget)) {
+        // Asking the box for its list makes one.
+        const auto* const list = widget->findChild<QAbstractItemView*>();
+        state.isOpen = list && list->isVisible();
     }
     return state;
 }

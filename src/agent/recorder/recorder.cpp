@@ -113,10 +113,12 @@ bool Recorder::eventFilter(QObject* object, QEvent* event) {
         case QEvent::Wheel:
         case QEvent::KeyPress:
         case QEvent::KeyRelease:
-        case QEvent::Drop:
         case QEvent::Close:
             // Widgets and items get what comes to their window once more.
             return object->isWindowType() && event->spontaneous() &&
+                   filterWindowEvent(static_cast<QWindow*>(object), event);
+        case QEvent::Drop:
+            return object->isWindowType() &&
                    filterWindowEvent(static_cast<QWindow*>(object), event);
         case QEvent::ShortcutOverride:
             if (!event->spontaneous())
@@ -258,8 +260,6 @@ void Recorder::takePress(QWindow* window, const QMouseEvent& event) {
         m_press = isMenuOpen ? std::make_optional(Press{position, true}) : std::nullopt;
         return;
     }
-    Wire::ObservedPress press;
-    press.object.handle = Session::self()->handle(element);
     const bool isEntry = element.toolkit->role(element) == ObservedRole::MenuEntry;
     m_press = Press{position, isMenuOpen || isEntry};
     // What menus do is told when an entry is chosen.
@@ -267,6 +267,7 @@ void Recorder::takePress(QWindow* window, const QMouseEvent& event) {
         m_press->isInMenu = true;
         return;
     }
+    Wire::ObservedPress press;
     press.object = observed(element);
     tellState(element);
     if (const std::optional<RecordedWay> way = element.toolkit->wayTo(element)) {
@@ -402,12 +403,13 @@ void Recorder::announceKey(const QKeyEvent& event) {
     // The one before was the first of a combination.
     if (m_key && !m_key->observed.keys.isEmpty())
         m_chord.append(m_key->observed.keys);
-    Key key;
-    key.timestamp = event.timestamp();
-    key.code = event.key();
+    m_key.reset();
     const Element element = focus();
     if (element.isNull())
         return;
+    Key key;
+    key.timestamp = event.timestamp();
+    key.code = event.key();
     const Element open = popup();
     key.isOfMenu = !open.isNull() && open.toolkit->menu(open);
     if (!key.isOfMenu) {
@@ -415,10 +417,13 @@ void Recorder::announceKey(const QKeyEvent& event) {
         tellState(element);
         key.observed.focus = observedFocus(element);
         const bool isHidden = key.observed.focus.role == ObservedRole::Password;
-        if (!isHidden || isEndKey(event.key()))
-            key.observed.keys = keysOf(event);
+        // Keys in a list of completions only choose one of them.
+        const bool isInList = key.observed.focus.role == ObservedRole::Field && !open.isNull();
         if (!isHidden && isTyping(event))
             key.observed.text = event.text();
+        if ((!isHidden && (!isInList || !key.observed.text.isEmpty())) ||
+            (isHidden && isEndKey(event.key())))
+            key.observed.keys = keysOf(event);
     }
     m_key = key;
 }

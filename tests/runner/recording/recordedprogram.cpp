@@ -122,6 +122,16 @@ void RecordedProgram::press(const QString& keys) {
     sync();
 }
 
+void RecordedProgram::closeWindow() {
+    const xcb_get_input_focus_cookie_t cookie = xcb_get_input_focus(m_connection->get());
+    const auto focus = m_connection->reply(cookie, xcb_get_input_focus_reply);
+    const auto protocol = m_connection->atom("WM_DELETE_WINDOW");
+    m_connection->sendMessage(focus->focus, focus->focus, "WM_PROTOCOLS",
+                              {protocol, XCB_CURRENT_TIME, 0, 0, 0}, XCB_EVENT_MASK_NO_EVENT);
+    m_connection->synchronize();
+    sync();
+}
+
 void RecordedProgram::sync() {
     m_client->exchange(Wire::MessageType::Sync);
     // What was sent to the program last may still be on its way, and buttons act late.
