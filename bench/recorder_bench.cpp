@@ -44,8 +44,9 @@ QString measure(int groups) {
     const auto call = [&](const char* method, const Tamrix::ObjectList& arguments) {
         const auto methods = target->objectClass()->methodsByName(method);
         const auto result = methods.isEmpty() ? Tamrix::SharedPtr<Tamrix::Object>()
-                                              : methods.front()->invoke(target, arguments).value_or(
-                                                    Tamrix::SharedPtr<Tamrix::Object>());
+                                              : methods.front()
+                                                    ->invoke(target, arguments)
+                                                    .value_or(Tamrix::SharedPtr<Tamrix::Object>());
         return result ? result->toVariant().toDouble() : -1.0;
     };
     const int objects = static_cast<int>(call("objectCount", {}));

@@ -142,11 +142,10 @@ QString keysText(int code, Qt::KeyboardModifiers modifiers) {
 }
 
 QString modifiersText(Qt::KeyboardModifiers modifiers) {
-    constexpr std::pair<Qt::KeyboardModifier, const char*> names[] = {
-        {Qt::ControlModifier, "Ctrl"},
-        {Qt::AltModifier, "Alt"},
-        {Qt::MetaModifier, "Meta"},
-        {Qt::ShiftModifier, "Shift"}};
+    constexpr std::pair<Qt::KeyboardModifier, const char*> names[] = {{Qt::ControlModifier, "Ctrl"},
+                                                                      {Qt::AltModifier, "Alt"},
+                                                                      {Qt::MetaModifier, "Meta"},
+                                                                      {Qt::ShiftModifier, "Shift"}};
     QStringList held;
     for (const auto& [modifier, name] : names) {
         if (modifiers.testFlag(modifier))

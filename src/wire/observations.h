@@ -127,10 +127,9 @@ struct ObservedMode {
     bool isVerifying = false;
 };
 
-using Observation =
-    std::variant<ObservedState, ObservedPress, ObservedDoubleClick, ObservedRelease, ObservedWheel,
-                 ObservedRest, ObservedChoice, ObservedKey, ObservedShortcut, ObservedClose, ObservedVerdict,
-                 ObservedMode>;
+using Observation = std::variant<ObservedState, ObservedPress, ObservedDoubleClick, ObservedRelease,
+                                 ObservedWheel, ObservedRest, ObservedChoice, ObservedKey,
+                                 ObservedShortcut, ObservedClose, ObservedVerdict, ObservedMode>;
 
 /// What is observed, from the answer on.
 struct Record {

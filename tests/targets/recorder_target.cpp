@@ -183,8 +183,9 @@ QWidget* makeViews() {
     table->setHorizontalHeaderLabels({QStringLiteral("Key"), QStringLiteral("Value")});
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     layout->addWidget(table, 1, 0);
-    QObject::connect(table, &QTableWidget::cellClicked,
-                     [](int row, int column) { log(QStringLiteral("cell %1 %2").arg(row).arg(column)); });
+    QObject::connect(table, &QTableWidget::cellClicked, [](int row, int column) {
+        log(QStringLiteral("cell %1 %2").arg(row).arg(column));
+    });
     QObject::connect(table->horizontalHeader(), &QHeaderView::sectionClicked,
                      [](int section) { log(QStringLiteral("section %1").arg(section)); });
     auto* const target = withName(new QListWidget, "target");
@@ -192,9 +193,8 @@ QWidget* makeViews() {
     target->setDragDropMode(QAbstractItemView::DropOnly);
     list->setDragEnabled(true);
     layout->addWidget(target, 1, 1);
-    QObject::connect(target->model(), &QAbstractItemModel::rowsInserted, [target] {
-        log(QStringLiteral("dropped %1").arg(target->count()));
-    });
+    QObject::connect(target->model(), &QAbstractItemModel::rowsInserted,
+                     [target] { log(QStringLiteral("dropped %1").arg(target->count())); });
     return page;
 }
 

@@ -68,9 +68,11 @@ void forEachSample(const Use& use) {
     const ObservedObject holder{8, ObservedRole::Control, query};
     for (const Observation& observation : std::initializer_list<Observation>{
              ObservedState{7, "text", 2, 2.5, true},
-             ObservedPress{used, holder, QStringList{"a", "b"}, QPoint(1, 2), 2, 0x02000000, holder},
-             ObservedDoubleClick{}, ObservedRelease{QPoint(3, 4), true}, ObservedWheel{used}, ObservedRest{},
-             ObservedChoice{holder, QStringList{"a", "b"}}, ObservedKey{used, "Shift+A", "A"},
+             ObservedPress{used, holder, QStringList{"a", "b"}, QPoint(1, 2), 2, 0x02000000,
+                           holder},
+             ObservedDoubleClick{}, ObservedRelease{QPoint(3, 4), true}, ObservedWheel{used},
+             ObservedRest{}, ObservedChoice{holder, QStringList{"a", "b"}},
+             ObservedKey{used, "Shift+A", "A"},
              ObservedShortcut{used, QStringList{"Ctrl+K", "A"}, holder}, ObservedClose{used},
              ObservedVerdict{used, QVariantMap{{"text", "a"}, {"checked", true}}},
              ObservedMode{true}})

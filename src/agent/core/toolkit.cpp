@@ -192,7 +192,7 @@ Wire::ObservedRole ToolkitRecord::role(const Element& /*element*/) const {
 Wire::ObservedState ToolkitRecord::state(const Element& element) const {
     Wire::ObservedState state;
     if (const Outcome<CheckMark> mark = element.toolkit->checkMark(element))
-        state.check = mark->state == CheckState::Checked    ? Qt::Checked
+        state.check = mark->state == CheckState::Checked     ? Qt::Checked
                       : mark->state == CheckState::Unchecked ? Qt::Unchecked
                                                              : Qt::PartiallyChecked;
     return state;

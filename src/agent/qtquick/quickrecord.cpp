@@ -22,9 +22,12 @@ struct RoleRow {
 
 /// Of several that fit the first one counts.
 constexpr RoleRow roles[] = {
-    {"QQuickComboBox", ObservedRole::Choice},      {"QQuickSlider", ObservedRole::Slider},
-    {"QQuickDial", ObservedRole::Slider},          {"QQuickScrollBar", ObservedRole::ScrollBar},
-    {"QQuickAbstractButton", ObservedRole::Control}, {"QQuickLabel", ObservedRole::Control},
+    {"QQuickComboBox", ObservedRole::Choice},
+    {"QQuickSlider", ObservedRole::Slider},
+    {"QQuickDial", ObservedRole::Slider},
+    {"QQuickScrollBar", ObservedRole::ScrollBar},
+    {"QQuickAbstractButton", ObservedRole::Control},
+    {"QQuickLabel", ObservedRole::Control},
     {"QQuickText", ObservedRole::Control},
 };
 
@@ -128,8 +131,8 @@ Wire::ObservedState QuickToolkit::state(const Element& element) const {
         }
         case ObservedRole::Number: {
             const auto* const field = object->property("contentItem").value<QObject*>();
-            state.text = field ? field->property("text").toString()
-                               : object->property("value").toString();
+            state.text =
+                field ? field->property("text").toString() : object->property("value").toString();
             break;
         }
         case ObservedRole::Slider:

@@ -226,8 +226,7 @@ Element WidgetToolkit::chosenBy(const Element& popup, const QKeyEvent& key) cons
         key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter ||
         (key.key() == Qt::Key_Space &&
          menu->style()->styleHint(QStyle::SH_Menu_SpaceActivatesItem, nullptr, menu) != 0);
-    QAction* const action =
-        isChoosing ? menu->activeAction() : actionOfMnemonic(menu, key.text());
+    QAction* const action = isChoosing ? menu->activeAction() : actionOfMnemonic(menu, key.text());
     return isChoosable(action) ? element(action) : Element();
 }
 

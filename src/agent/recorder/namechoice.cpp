@@ -85,8 +85,8 @@ QVector<Words> ownNames(const Element& element) {
     if (isCell) {
         bool hasColumn = false;
         const QVariant column = toolkit->property(element, "column", &hasColumn);
-        names.append({word("column", column.toString()), word("row", row.toString()),
-                      typeOf(element)});
+        names.append(
+            {word("column", column.toString()), word("row", row.toString()), typeOf(element)});
     }
     if (isLate)
         add("text", text);

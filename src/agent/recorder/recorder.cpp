@@ -348,9 +348,8 @@ void Recorder::takeClose(QWindow* window) {
 void Recorder::takeVerdict(QWindow* window, const QPoint& position) {
     tellChanges();
     const Element around = Session::self()->element(window);
-    const Element inner = around.isNull()
-                              ? around
-                              : around.toolkit->elementAt(around, position, Qt::LeftButton);
+    const Element inner =
+        around.isNull() ? around : around.toolkit->elementAt(around, position, Qt::LeftButton);
     if (inner.isNull())
         return;
     const Element element = inner.toolkit->meant(inner);
@@ -397,8 +396,8 @@ Wire::ObservedObject Recorder::observedFocus(const Element& element) {
 
 /// Each key is announced before it is known whether it is one of the application's shortcuts.
 void Recorder::announceKey(const QKeyEvent& event) {
-    if (isModifier(event.key()) || (m_key && m_key->timestamp == event.timestamp() &&
-                                    m_key->code == event.key()))
+    if (isModifier(event.key()) ||
+        (m_key && m_key->timestamp == event.timestamp() && m_key->code == event.key()))
         return;
     // The one before was the first of a combination.
     if (m_key && !m_key->observed.keys.isEmpty())
@@ -432,8 +431,7 @@ void Recorder::takeKey(const QKeyEvent& event) {
     if (isModifier(event.key()))
         return;
     const Element open = popup();
-    const Element chosen =
-        open.isNull() ? open : open.toolkit->chosenBy(open, event);
+    const Element chosen = open.isNull() ? open : open.toolkit->chosenBy(open, event);
     if (!chosen.isNull())
         choose(chosen);
     announceKey(event);
@@ -504,9 +502,8 @@ void Recorder::tellState(const Element& element) {
     const quint64 handle = Session::self()->handle(element);
     Wire::ObservedState state = element.toolkit->state(element);
     state.handle = handle;
-    const auto known = std::find_if(m_watched.begin(), m_watched.end(), [handle](const auto& each) {
-        return each.handle == handle;
-    });
+    const auto known = std::find_if(m_watched.begin(), m_watched.end(),
+                                    [handle](const auto& each) { return each.handle == handle; });
     const bool isNews = known == m_watched.end() || !isSame(known->told, state);
     if (known != m_watched.end())
         m_watched.erase(known);

@@ -70,15 +70,15 @@ QString literal(double number) {
 
 QString literal(const ActionValue& value) {
     return std::visit(
-        Overloaded{[](bool truth) { return truth ? QStringLiteral("True") : QStringLiteral("False"); },
-                   [](qint64 number) { return QString::number(number); },
-                   [](double number) { return literal(number); },
-                   [](const QString& text) { return literal(text); },
-                   [](const QStringList& texts) { return literal(texts); },
-                   [](const PasswordKey& password) {
-                       return QStringLiteral("testSettings.getPassword(%1)")
-                           .arg(literal(password.key));
-                   }},
+        Overloaded{
+            [](bool truth) { return truth ? QStringLiteral("True") : QStringLiteral("False"); },
+            [](qint64 number) { return QString::number(number); },
+            [](double number) { return literal(number); },
+            [](const QString& text) { return literal(text); },
+            [](const QStringList& texts) { return literal(texts); },
+            [](const PasswordKey& password) {
+                return QStringLiteral("testSettings.getPassword(%1)").arg(literal(password.key));
+            }},
         value);
 }
 

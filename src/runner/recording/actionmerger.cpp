@@ -195,9 +195,8 @@ void ActionMerger::holdClick(const Press& press, qint64 now) {
     if (press.release.isDrag)
         click.actions.append(dragAction(press.observed, press.release.distance, name));
     else
-        click.actions.append(
-            clickAction(press.observed, press.isDouble ? ClickCount::Double : ClickCount::Single,
-                        name));
+        click.actions.append(clickAction(
+            press.observed, press.isDouble ? ClickCount::Double : ClickCount::Single, name));
     m_held = click;
 }
 
@@ -410,7 +409,8 @@ ObservedState ActionMerger::stateOf(const ObservedObject& object) const {
 QString ActionMerger::nameOf(const ObservedObject& object) {
     const QString name = m_nameOf(object.name);
     if (name.isEmpty())
-        m_take(CommentAction{QStringLiteral("Something was done here to an object that no name finds.")});
+        m_take(CommentAction{
+            QStringLiteral("Something was done here to an object that no name finds.")});
     return name;
 }
 

@@ -40,9 +40,7 @@ FunctionAction clickAction(const Wire::ObservedPress& press, ClickCount count,
                            const ObservedName& nameOf) {
     const bool isPlain = press.button == Qt::LeftButton && press.modifiers == 0;
     if (isPlain && count == ClickCount::Single && !press.steps.isEmpty())
-        return {QStringLiteral("selectItem"),
-                nameOf(press.holder),
-                {itemPathValue(press.steps)}};
+        return {QStringLiteral("selectItem"), nameOf(press.holder), {itemPathValue(press.steps)}};
     FunctionAction action;
     action.function =
         count == ClickCount::Double ? QStringLiteral("doubleClick") : QStringLiteral("click");

@@ -13,7 +13,8 @@ namespace Tamrix {
 namespace {
 
 const ScriptLanguageInformation* languageOf(const QString& name) {
-    for (const ScriptLanguageInformation* const each : ScriptLanguageInformation::knownLanguages()) {
+    for (const ScriptLanguageInformation* const each :
+         ScriptLanguageInformation::knownLanguages()) {
         if (each->name.compare(name, Qt::CaseInsensitive) == 0 || each->suffix == name)
             return each;
     }
@@ -31,10 +32,11 @@ Outcome<> RecordedScript::create(const QString& path) {
                     QStringLiteral("The folder '%1' can't be made").arg(QFileInfo(path).path()));
     m_file.setFileName(path);
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return fail(FailureKind::Failed,
-                    QFileInfo::exists(path)
-                        ? QStringLiteral("'%1' is there already").arg(path)
-                        : QStringLiteral("'%1' can't be written: %2").arg(path, m_file.errorString()));
+        return fail(
+            FailureKind::Failed,
+            QFileInfo::exists(path)
+                ? QStringLiteral("'%1' is there already").arg(path)
+                : QStringLiteral("'%1' can't be written: %2").arg(path, m_file.errorString()));
     return {};
 }
 

@@ -38,8 +38,8 @@ private:
     Outcome<> m_result;
 };
 
-/// What writes scripts in a language, "python" or its suffix "py". Fails for an unknown language and
-/// for one that has no plug-in here or writes no scripts.
+/// What writes scripts in a language, "python" or its suffix "py". Fails for an unknown language
+/// and for one that has no plug-in here or writes no scripts.
 Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName);
 /// The suffix of its scripts' files; empty for an unknown language.
 QString scriptSuffix(const QString& languageName);

@@ -11,8 +11,8 @@
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
 #include "runner/recording/actionmerger.h"
-#include "runner/recording/recordedscript.h"
 #include "runner/recording/recordednames.h"
+#include "runner/recording/recordedscript.h"
 #include "wire/keynames.h"
 
 namespace Tamrix {
@@ -85,9 +85,9 @@ public:
 
 private:
     void tellMode(const Wire::ObservedMode& mode) const {
-        tell(mode.isVerifying
-                 ? QStringLiteral("Clicks verify what they hit, until %1 is pressed").arg(m_verifyKeys)
-                 : QStringLiteral("Clicks act again"));
+        tell(mode.isVerifying ? QStringLiteral("Clicks verify what they hit, until %1 is pressed")
+                                    .arg(m_verifyKeys)
+                              : QStringLiteral("Clicks act again"));
     }
 
     RecordedScript& m_script;
@@ -146,15 +146,14 @@ Outcome<> record(const RecordingSettings& settings,
     if (!settings.suite.isEmpty()) {
         if (const Outcome<> used = names.useFileOf(settings.suite); !used)
             return used;
-        const QString path = QStringLiteral("%1/%2/test.%3")
-                                 .arg(settings.suite, settings.caseName,
-                                      scriptSuffix(settings.language));
+        const QString path =
+            QStringLiteral("%1/%2/test.%3")
+                .arg(settings.suite, settings.caseName, scriptSuffix(settings.language));
         if (const Outcome<> created = script.create(path); !created)
             return created;
     }
     Applications applications;
-    const Outcome<> recorded =
-        recordProgram(applications, settings, *verifyKeys, script, names);
+    const Outcome<> recorded = recordProgram(applications, settings, *verifyKeys, script, names);
     applications.endAll();
     return recorded;
 }

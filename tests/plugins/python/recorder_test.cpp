@@ -28,7 +28,8 @@ TEST(PythonRecorder, WritesLines) {
         {FunctionAction{"startApplication", {}, {QString("editor --new")}},
          R"(startApplication("editor --new"))"},
         {FunctionAction{"click", name, {}}, R"(click("{text='\"it\\'s\"' type='A'}"))"},
-        {FunctionAction{"click", "{a='b'}", {qint64(3), qint64(-4)}, {{"button", QString("right")}}},
+        {FunctionAction{
+             "click", "{a='b'}", {qint64(3), qint64(-4)}, {{"button", QString("right")}}},
          R"py(click("{a='b'}", 3, -4, button="right"))py"},
         {FunctionAction{"selectItem", ":List", {QStringList{"v1.0", "a"}}},
          R"(selectItem(":List", ["v1.0", "a"]))"},

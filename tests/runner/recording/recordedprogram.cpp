@@ -64,9 +64,10 @@ RecordedProgram::~RecordedProgram() = default;
 
 QPoint RecordedProgram::at(const QStringList& criteria) {
     const Wire::ObjectInfo object = m_client->find(criteria);
-    const QVariant bounds =
-        m_client->request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{object.handle})
-            .value;
+    const QVariant bounds = m_client
+                                ->request<Wire::Value>(Wire::MessageType::GlobalBounds,
+                                                       Wire::ObjectHandle{object.handle})
+                                .value;
     EXPECT_NE(object.handle, 0U) << qPrintable(criteria.join(' '));
     return bounds.toRect().center();
 }
@@ -78,7 +79,8 @@ QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
     const auto item = m_client->request<Wire::LookUpResult>(Wire::MessageType::FindItem, request);
     EXPECT_NE(item.object.handle, 0U) << qPrintable(text);
     return m_client
-        ->request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{item.object.handle})
+        ->request<Wire::Value>(Wire::MessageType::GlobalBounds,
+                               Wire::ObjectHandle{item.object.handle})
         .value.toRect()
         .center();
 }

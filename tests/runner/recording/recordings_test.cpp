@@ -123,7 +123,9 @@ const Step steps[] = {
      },
      {R"(check("{text='Loud' type='QCheckBox'}"))", R"(click("{text='Loud' type='QCheckBox'}"))"}},
     {"a radio button",
-     [](RecordedProgram& program) { program.click({"type=QRadioButton", "text=Blue"}); },
+     [](RecordedProgram& program) {
+         program.click({"type=QRadioButton", "text=Blue"});
+     },
      {R"(check("{text='Blue' type='QRadioButton'}"))"}},
     {"a combo box by the mouse",
      [](RecordedProgram& program) {
@@ -198,12 +200,13 @@ const Step steps[] = {
     {"the mark of an item",
      [](RecordedProgram& program) {
          const QPoint middle = program.itemAt({"name=list"}, "three");
-         const QPoint left = program.client()
-                                 .request<Wire::Value>(
-                                     Wire::MessageType::GlobalBounds,
-                                     Wire::ObjectHandle{program.client().find({"name=list"}).handle})
-                                 .value.toRect()
-                                 .topLeft();
+         const QPoint left =
+             program.client()
+                 .request<Wire::Value>(
+                     Wire::MessageType::GlobalBounds,
+                     Wire::ObjectHandle{program.client().find({"name=list"}).handle})
+                 .value.toRect()
+                 .topLeft();
          program.click(QPoint(left.x() + 12, middle.y()));
      },
      {R"(check("{text='three' type='QListViewItem'}"))"}},
@@ -268,8 +271,8 @@ TEST_P(Recordings, DoTheSameOnceMore) {
     runner.setVariable("TAMRIX_PASSWORD_Password", "topsecret");
     runner.run({"run", suite.path("suite"), "--aut-display", "auto", "--result-dir",
                 suite.path("results")});
-    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors())
-                                    << script.constData();
+    EXPECT_EQ(runner.exitCode(), 0)
+        << qPrintable(runner.output()) << qPrintable(runner.errors()) << script.constData();
     EXPECT_EQ(Test::readFile(suite.path("second")), Test::readFile(suite.path("first")));
 }
 
