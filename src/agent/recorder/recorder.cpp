@@ -12,6 +12,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "agent/core/agentsession.h"
 #include "agent/core/qtversion.h"
 #include "agent/core/session.h"
 #include "agent/core/toolkit.h"
@@ -67,6 +68,12 @@ QString keysOf(const QKeyEvent& event) {
     if (event.key() == Qt::Key_Backtab)
         return QStringLiteral("Shift+Tab");
     return Wire::keysText(event.key() == Qt::Key_Enter ? Qt::Key_Return : event.key(), modifiers);
+}
+
+/// When nobody listens any more, the application is to be as without a recording.
+bool hasListener() {
+    const auto* const session = dynamic_cast<const AgentSession*>(Session::self());
+    return session && session->isOpen();
 }
 
 bool isWithin(const QObject* object, const QObject* around) {
@@ -151,6 +158,10 @@ bool Recorder::filterWindowEvent(QWindow* window, QEvent* event) {
         m_isHovering = move.buttons() == Qt::NoButton;
         m_mouse = globalPositionOf(move);
         m_mouseWindow = window;
+        return false;
+    }
+    if (!hasListener()) {
+        follow(Wire::Record{false, {}, false});
         return false;
     }
     if (filterVerifying(window, event))

@@ -1,11 +1,9 @@
 #include "runner/recording/recording.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSet>
 
-#include "base/overloaded.h"
 #include "runner/applications/applications.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
@@ -99,7 +97,8 @@ private:
 };
 
 Outcome<> recordProgram(Applications& applications, const RecordingSettings& settings,
-                        const QString& verifyKeys, RecordedScript& script, RecordedNames& names) {
+                        const QString& verifyKeys, const QString& path, RecordedScript& script,
+                        RecordedNames& names) {
     if (const Outcome<> used = applications.useDisplay(settings.display); !used)
         return used;
     const QString commandLine = commandLineOf(settings.program);
@@ -113,6 +112,8 @@ Outcome<> recordProgram(Applications& applications, const RecordingSettings& set
     Recording recording(script, names, verifyKeys);
     if (const Outcome<> followed = recording.follow(applications); !followed)
         return followed;
+    if (const Outcome<> created = path.isEmpty() ? Outcome<>() : script.create(path); !created)
+        return created;
     script.begin();
     script.add(FunctionAction{QStringLiteral("startApplication"), {}, {commandLine}});
     tell(QStringLiteral("Recording; %1 switches to verifying and back, Ctrl-C ends")
@@ -143,17 +144,20 @@ Outcome<> record(const RecordingSettings& settings,
         return fail(writer.error());
     RecordedScript script(std::move(*writer), tell);
     RecordedNames names;
+    QString path;
     if (!settings.suite.isEmpty()) {
         if (const Outcome<> used = names.useFileOf(settings.suite); !used)
             return used;
-        const QString path =
-            QStringLiteral("%1/%2/test.%3")
-                .arg(settings.suite, settings.caseName, scriptSuffix(settings.language));
-        if (const Outcome<> created = script.create(path); !created)
-            return created;
+        path = QStringLiteral("%1/%2/test.%3")
+                   .arg(settings.suite, settings.caseName, scriptSuffix(settings.language));
+        // Before anything starts; the file is made when there is something to write.
+        if (QFileInfo::exists(path))
+            return fail(FailureKind::BadArgument,
+                        QStringLiteral("'%1' is there already").arg(path));
     }
     Applications applications;
-    const Outcome<> recorded = recordProgram(applications, settings, *verifyKeys, script, names);
+    const Outcome<> recorded =
+        recordProgram(applications, settings, *verifyKeys, path, script, names);
     applications.endAll();
     return recorded;
 }

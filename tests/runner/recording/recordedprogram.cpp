@@ -1,5 +1,6 @@
 #include "runner/recording/recordedprogram.h"
 
+#include <gtest/gtest.h>
 #include <xcb/xtest.h>
 
 #include <QThread>
