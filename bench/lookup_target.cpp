@@ -5,29 +5,41 @@
 #include <QElapsedTimer>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVector>
+#include <QWindow>
 #include <algorithm>
+#include <cstdlib>
+
+/// Qt lets a class of this name, which it has for its own tests, make events as if of a person.
+class QSpontaneKeyEvent {
+public:
+    static void mark(QEvent* event) { event->spont = true; }
+};
 
 namespace {
 
-constexpr int groupCount = 100;
+constexpr int usualGroupCount = 100;
 /// Each with a layout beside these: 100 objects a group.
 constexpr int rowsInGroup = 49;
 
 class LookupTarget : public QScrollArea {
     Q_OBJECT
 public:
-    LookupTarget() {
+    explicit LookupTarget(int groupCount) {
         setWindowTitle("Lookup target");
         setObjectName("target");
         auto* page = new QWidget;
         auto* pageLayout = new QGridLayout(page);
         for (int group = 0; group < groupCount; ++group)
             pageLayout->addWidget(makeGroup(group), group / 10, group % 10);
+        // Something to type into.
+        pageLayout->addWidget(new QLineEdit, 0, 10);
         setWidget(page);
         setWidgetResizable(true);
         resize(1000, 700);
@@ -55,9 +67,54 @@ public:
         return times[times.size() / 2];
     }
 
+    /// The time in microseconds that one event takes which comes to the native window as if from a
+    /// person, as the mean of many: "move", "key" for a press and a release in a field, "click".
+    Q_INVOKABLE double eventTime(const QString& kind, int count) {
+        auto* const field = findChild<QLineEdit*>();
+        field->setFocus();
+        const QPoint inWindow = field->mapTo(this, field->rect().center());
+        QElapsedTimer timer;
+        timer.start();
+        int sent = 0;
+        for (int i = 0; i < count; ++i) {
+            if (kind == QLatin1String("move")) {
+                sendMouse(QEvent::MouseMove, inWindow + QPoint(i % 3, 0), Qt::NoButton, &sent);
+            } else if (kind == QLatin1String("key")) {
+                sendKey(QEvent::ShortcutOverride, &sent);
+                sendKey(QEvent::KeyPress, &sent);
+                sendKey(QEvent::KeyRelease, &sent);
+            } else {
+                sendMouse(QEvent::MouseButtonPress, inWindow, Qt::LeftButton, &sent);
+                sendMouse(QEvent::MouseButtonRelease, inWindow, Qt::LeftButton, &sent);
+            }
+            // What becomes of it is told from the event loop.
+            QCoreApplication::processEvents();
+        }
+        return static_cast<double>(timer.nsecsElapsed()) / 1000 / sent;
+    }
+
     Q_INVOKABLE int objectCount() const { return findChildren<QObject*>().size(); }
 
 private:
+    void send(QEvent& event, int* sent) const {
+        QSpontaneKeyEvent::mark(&event);
+        QCoreApplication::sendEvent(windowHandle(), &event);
+        ++*sent;
+    }
+    void sendMouse(QEvent::Type type, const QPoint& place, Qt::MouseButton button, int* sent) {
+        const bool isDown = type == QEvent::MouseButtonPress;
+        QMouseEvent event(type, place, mapToGlobal(place), button, isDown ? button : Qt::NoButton,
+                          Qt::NoModifier);
+        event.setTimestamp(++m_time);
+        send(event, sent);
+    }
+    void sendKey(QEvent::Type type, int* sent) {
+        QKeyEvent event(type, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+        event.setTimestamp(++m_time);
+        send(event, sent);
+    }
+    ulong m_time = 0;
+
     static QGroupBox* makeGroup(int number) {
         auto* group = new QGroupBox(QString("Group %1").arg(number));
         auto* layout = new QGridLayout(group);
@@ -74,7 +131,7 @@ private:
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    LookupTarget target;
+    LookupTarget target(argc > 1 ? std::atoi(argv[1]) : usualGroupCount);
     target.show();
     return QApplication::exec();
 }

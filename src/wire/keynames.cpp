@@ -127,6 +127,33 @@ bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QStri
     return true;
 }
 
+QString keysText(int code, Qt::KeyboardModifiers modifiers) {
+    QString name;
+    if (code > Qt::Key_Space && code <= Qt::Key_ydiaeresis) {
+        name = QString(QChar(code));
+    } else {
+        const char* const key = QMetaEnum::fromType<Qt::Key>().valueToKey(code);
+        name = key ? QString::fromLatin1(key).section(u'_', 1) : QString();
+    }
+    if (name.isEmpty())
+        return name;
+    const QString held = modifiersText(modifiers);
+    return held.isEmpty() ? name : held + u'+' + name;
+}
+
+QString modifiersText(Qt::KeyboardModifiers modifiers) {
+    constexpr std::pair<Qt::KeyboardModifier, const char*> names[] = {{Qt::ControlModifier, "Ctrl"},
+                                                                      {Qt::AltModifier, "Alt"},
+                                                                      {Qt::MetaModifier, "Meta"},
+                                                                      {Qt::ShiftModifier, "Shift"}};
+    QStringList held;
+    for (const auto& [modifier, name] : names) {
+        if (modifiers.testFlag(modifier))
+            held.append(QString::fromLatin1(name));
+    }
+    return held.join(u'+');
+}
+
 Key keyOfCharacter(uint character) {
     switch (character) {
         case '\n':

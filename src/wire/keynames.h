@@ -22,6 +22,13 @@ KeyCombination parseKeys(const QString& text, QString* error);
 /// modifiers.
 bool parseModifiers(const QString& text, Qt::KeyboardModifiers* modifiers, QString* error);
 
+/// The text that parseKeys() reads as these keys: "Ctrl+Shift+A". Empty for a code that has no
+/// name.
+QString keysText(int code, Qt::KeyboardModifiers modifiers);
+
+/// The text that parseModifiers() reads as these: "Ctrl+Shift"; empty for none.
+QString modifiersText(Qt::KeyboardModifiers modifiers);
+
 /// The key that types a character, given as a Unicode code point.
 Key keyOfCharacter(uint character);
 

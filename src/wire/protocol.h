@@ -13,7 +13,7 @@ namespace Tamrix::Wire {
 inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
 
 /// Raised with every change of an encoding. Both sides must have the same.
-inline constexpr quint16 protocolVersion = 5;
+inline constexpr quint16 protocolVersion = 6;
 
 /// The encoding of Qt's own types, fixed whatever Qt the application uses.
 inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;
@@ -46,6 +46,7 @@ enum class MessageType : quint16 {
 
     // Without request, agent to runner. Sequence 0.
     EventFired = 20,  ///< EventFired
+    Observed = 21,    ///< Observation
 
     // Requests, runner to agent.
     Ping = 30,                 ///< no body -> no body; answered at once when it is read
@@ -78,7 +79,8 @@ enum class MessageType : quint16 {
     Act = 57,                  ///< Act -> ActResult, answered before the input is delivered
     FindMatches = 58,          ///< Query -> MatchList
     ObjectAt = 59,             ///< ScreenPoint -> ObjectInfo, handle 0 for none
-    ListNames = 60             ///< ObjectHandle -> TextList, the best first; none is checked
+    ListNames = 60,            ///< ObjectHandle -> TextList, the best first; none is checked
+    Record = 61                ///< Record -> no body
 };
 
 }  // namespace Tamrix::Wire

@@ -9,6 +9,7 @@
 #include "fuzz/quietqt.h"
 #include "wire/framechannel.h"
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 using namespace Tamrix::Wire;
 
@@ -34,6 +35,8 @@ void tryFrame(const Frame& frame) {
             return tryBody<Failure>(frame.body);
         case MessageType::EventFired:
             return tryBody<EventFired>(frame.body);
+        case MessageType::Observed:
+            return tryBody<Observation>(frame.body);
         case MessageType::LookUp:
             return tryBody<LookUp>(frame.body);
         case MessageType::Expect:
@@ -60,6 +63,8 @@ void tryFrame(const Frame& frame) {
             return tryBody<EventHandler>(frame.body);
         case MessageType::SendEvent:
             return tryBody<SendEvent>(frame.body);
+        case MessageType::Record:
+            return tryBody<Record>(frame.body);
         default:
             // An answer is read as what the request says.
             tryBody<Value>(frame.body);

@@ -145,8 +145,15 @@ std::optional<Wire::Frame> AgentClient::exchange(Wire::MessageType type, const Q
         Wire::EventFired event;
         if (frame->type == Wire::MessageType::EventFired && Wire::decode(frame->body, &event))
             m_events.append(event);
+        Wire::Observation observation;
+        if (frame->type == Wire::MessageType::Observed && Wire::decode(frame->body, &observation))
+            m_observations.append(observation);
     }
     return std::nullopt;
+}
+
+QList<Wire::Observation> AgentClient::takeObservations() {
+    return std::exchange(m_observations, {});
 }
 
 QList<Wire::EventFired> AgentClient::takeEvents() {

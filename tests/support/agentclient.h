@@ -9,6 +9,7 @@
 
 #include "wire/framechannel.h"
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 namespace Tamrix {
 
@@ -46,6 +47,8 @@ public:
     std::optional<Wire::Frame> exchange(Wire::MessageType type, const QByteArray& body = {});
     /// Events that came while something else was waited for.
     QList<Wire::EventFired> takeEvents();
+    /// The same of what a person did.
+    QList<Wire::Observation> takeObservations();
 
     /// A request with its answer as a body: a default one and lastError() set on failure.
     template <typename Answer, typename Body>
@@ -99,6 +102,7 @@ private:
     Wire::Hello m_hello;
     Wire::Failure m_failure;
     QList<Wire::EventFired> m_events;
+    QList<Wire::Observation> m_observations;
 };
 
 /// Names of criteria as Wire::Query has them: "text=Save", "text*=Sa*", "text~=^S".

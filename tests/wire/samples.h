@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 namespace Tamrix::Wire {
 
@@ -62,6 +63,21 @@ void forEachSample(const Use& use) {
     use(MessageType::NativeRequest, NativeRequest{"desktopScreenshot", arguments});
     use(MessageType::InstallHandler, EventHandler{7, "QWidget", "clicked", "callback"});
     use(MessageType::SendEvent, SendEvent{7, "QMouseEvent", arguments});
+
+    const ObservedObject used{7, ObservedRole::Item, query};
+    const ObservedObject holder{8, ObservedRole::Control, query};
+    for (const Observation& observation : std::initializer_list<Observation>{
+             ObservedState{7, "text", 2, 2.5, true},
+             ObservedPress{used, holder, QStringList{"a", "b"}, QPoint(1, 2), 2, 0x02000000,
+                           holder},
+             ObservedDoubleClick{}, ObservedRelease{QPoint(3, 4), true}, ObservedWheel{used},
+             ObservedRest{}, ObservedChoice{holder, QStringList{"a", "b"}},
+             ObservedKey{used, "Shift+A", "A"},
+             ObservedShortcut{used, QStringList{"Ctrl+K", "A"}, holder}, ObservedClose{used},
+             ObservedVerdict{used, QVariantMap{{"text", "a"}, {"checked", true}}},
+             ObservedMode{true}})
+        use(MessageType::Observed, observation);
+    use(MessageType::Record, Record{false, "F12", true});
 
     use(MessageType::Reply, Value{arguments});
     use(MessageType::Reply, ObjectInfoList{object, {8, "QLabel", QString()}});

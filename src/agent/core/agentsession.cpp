@@ -177,6 +177,11 @@ void AgentSession::sendEvent(const Wire::EventFired& event) {
         answer(0, Wire::MessageType::EventFired, Wire::encode(event));
 }
 
+void AgentSession::sendObservation(const Wire::Observation& observation) {
+    if (m_isWelcome)
+        answer(0, Wire::MessageType::Observed, Wire::encode(observation));
+}
+
 void AgentSession::addToolkit(std::unique_ptr<Toolkit> toolkit) {
     m_toolkits.push_back(std::move(toolkit));
 }

@@ -26,6 +26,7 @@ public:
 
     void setHandler(Wire::MessageType type, const Handler& handler) override;
     void sendEvent(const Wire::EventFired& event) override;
+    void sendObservation(const Wire::Observation& observation) override;
     void addToolkit(std::unique_ptr<Toolkit> toolkit) override;
     Element element(QObject* object) const override;
     QVector<Element> topLevels() const override;

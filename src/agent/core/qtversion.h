@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QDropEvent>
 #include <QMetaMethod>
+#include <QMouseEvent>
 #include <QVariant>
 
 /// What Qt 5 and Qt 6 spell differently. With the header of the same purpose for widgets the only
@@ -52,6 +54,24 @@ inline int parameterType(QObject* object, const QMetaMethod& method, int paramet
             type = QMetaType::UnknownType;
     }
     return type;
+#endif
+}
+
+/// On the screen.
+inline QPoint globalPositionOf(const QMouseEvent& event) {
+#if QT_VERSION_MAJOR == 6
+    return event.globalPosition().toPoint();
+#else
+    return event.globalPos();
+#endif
+}
+
+/// In what it came to.
+inline QPoint positionOf(const QDropEvent& event) {
+#if QT_VERSION_MAJOR == 6
+    return event.position().toPoint();
+#else
+    return event.pos();
 #endif
 }
 

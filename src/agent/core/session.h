@@ -9,6 +9,7 @@
 #include "base/export.h"
 #include "wire/framechannel.h"
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 namespace Tamrix::Agent {
 
@@ -69,6 +70,8 @@ public:
     }
     /// Tells the runner that an event happened.
     virtual void sendEvent(const Wire::EventFired& event) = 0;
+    /// Tells the runner what a person did.
+    virtual void sendObservation(const Wire::Observation& observation) = 0;
 
     // Objects.
     virtual void addToolkit(std::unique_ptr<Toolkit> toolkit) = 0;

@@ -174,6 +174,50 @@ Outcome<ViewCells> ToolkitItems::cells(const Element& view, const CellRange& /*r
                 QStringLiteral("%1 has no cells").arg(Session::self()->describe(view)));
 }
 
+Element ToolkitRecord::meant(const Element& element) const {
+    Element meant = element;
+    while (meant.toolkit->isInternal(meant)) {
+        const Element parent = meant.toolkit->parent(meant);
+        if (parent.isNull())
+            break;
+        meant = parent;
+    }
+    return meant;
+}
+
+Wire::ObservedRole ToolkitRecord::role(const Element& /*element*/) const {
+    return Wire::ObservedRole::Place;
+}
+
+Wire::ObservedState ToolkitRecord::state(const Element& element) const {
+    Wire::ObservedState state;
+    if (const Outcome<CheckMark> mark = element.toolkit->checkMark(element))
+        state.check = mark->state == CheckState::Checked     ? Qt::Checked
+                      : mark->state == CheckState::Unchecked ? Qt::Unchecked
+                                                             : Qt::PartiallyChecked;
+    return state;
+}
+
+std::optional<RecordedWay> ToolkitRecord::wayTo(const Element& /*item*/) const {
+    return std::nullopt;
+}
+
+Element ToolkitRecord::openPopup() const {
+    return {};
+}
+
+bool ToolkitRecord::opensMenu(const Element& /*entry*/) const {
+    return false;
+}
+
+Element ToolkitRecord::clickedBy(const Element& /*receiver*/) const {
+    return {};
+}
+
+Element ToolkitRecord::chosenBy(const Element& /*popup*/, const QKeyEvent& /*key*/) const {
+    return {};
+}
+
 bool ToolkitItems::isWithinClosed(const Element& /*item*/) const {
     return false;
 }

@@ -5,6 +5,7 @@
 #include "agent/core/contract/look.h"
 #include "agent/core/contract/names.h"
 #include "agent/core/contract/place.h"
+#include "agent/core/contract/record.h"
 #include "agent/core/contract/tree.h"
 #include "base/export.h"
 
@@ -18,7 +19,8 @@ class TAMRIX_EXPORT Toolkit : public ToolkitTree,
                               public ToolkitLook,
                               public ToolkitPlace,
                               public ToolkitAct,
-                              public ToolkitItems {
+                              public ToolkitItems,
+                              public ToolkitRecord {
 public:
     virtual ~Toolkit();
 

@@ -41,6 +41,13 @@ public:
                           int column) const override;
     std::optional<ItemPopup> itemPopup(const Element& view) const override;
     std::shared_ptr<const Menu> menu(const Element& element) const override;
+
+    // quickrecord.cpp
+    Element meant(const Element& element) const override;
+    Wire::ObservedRole role(const Element& element) const override;
+    Wire::ObservedState state(const Element& element) const override;
+    std::optional<RecordedWay> wayTo(const Element& entry) const override;
+    Element clickedBy(const Element& receiver) const override;
 };
 
 }  // namespace Tamrix::Agent

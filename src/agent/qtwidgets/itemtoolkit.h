@@ -53,6 +53,11 @@ public:
     void takeFocus(const Element& item, Qt::FocusReason reason) const override;
     void tellTyping(const Element& item, Typing typing) const override;
     bool isWithinClosed(const Element& item) const override;
+
+    // itemrecord.cpp
+    Element meant(const Element& item) const override;
+    Wire::ObservedRole role(const Element& item) const override;
+    std::optional<RecordedWay> wayTo(const Element& item) const override;
 };
 
 /// Kinds of items, for Element::kind.

@@ -23,12 +23,15 @@ QWidget* completedField(const QWidget* popup) {
     return qobject_cast<const QAbstractItemView*>(popup) ? popup->focusProxy() : nullptr;
 }
 
-QWidget* ownerOf(QWidget* popup) {
+}  // namespace
+
+QWidget* ownerOfList(QWidget* popup) {
     if (QWidget* const field = completedField(popup))
         return field;
-    auto* const box = qobject_cast<QComboBox*>(popup->parentWidget());
-    return box ? box : popup;
+    return qobject_cast<QComboBox*>(popup->parentWidget());
 }
+
+namespace {
 
 bool isPartOf(const QWidget* widget, const QWidget* popup) {
     for (const QWidget* each = widget; each; each = each->parentWidget()) {
@@ -54,7 +57,8 @@ QWidget* openListOver(const QWidget* widget) {
     const bool isMenu = qobject_cast<const QMenu*>(widget) || qobject_cast<const QMenuBar*>(widget);
     if (isMenu && qobject_cast<const QMenu*>(popup))
         return nullptr;
-    QWidget* const owner = ownerOf(popup);
+    QWidget* const list = ownerOfList(popup);
+    QWidget* const owner = list ? list : popup;
     if (isFieldOrBox(widget, owner))
         return nullptr;
     if (closedField() && completedField(popup) == closedField()) {

@@ -9,6 +9,9 @@ namespace Tamrix::Agent {
 /// or box, and the menus and bars that work together with an open menu.
 QWidget* openListOver(const QWidget* widget);
 
+/// The field or box that an open list belongs to; null for other popups.
+QWidget* ownerOfList(QWidget* popup);
+
 /// Closes the list of completions of a field, now and when it opens late: the field is filled.
 /// Until keepListOf() is called for it.
 void closeListOf(QWidget* field);

@@ -56,6 +56,16 @@ public:
     void openTowards(const Element& view, const ItemPath& path) const override;
     std::optional<ItemPopup> itemPopup(const Element& view) const override;
     std::shared_ptr<const Menu> menu(const Element& element) const override;
+
+    // widgetrecord.cpp
+    Element meant(const Element& element) const override;
+    Wire::ObservedRole role(const Element& element) const override;
+    Wire::ObservedState state(const Element& element) const override;
+    std::optional<RecordedWay> wayTo(const Element& entry) const override;
+    Element openPopup() const override;
+    bool opensMenu(const Element& entry) const override;
+    Element clickedBy(const Element& receiver) const override;
+    Element chosenBy(const Element& popup, const QKeyEvent& key) const override;
 };
 
 /// A rectangle of a widget on the screen, also of a widget in a graphics scene.

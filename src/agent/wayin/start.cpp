@@ -18,6 +18,7 @@
 #include "agent/input/inputhandlers.h"
 #include "agent/pictures/picturehandlers.h"
 #include "agent/readiness/objecthandlers.h"
+#include "agent/recorder/recordhandlers.h"
 #include "wire/framechannel.h"
 #include "wire/protocol.h"
 
@@ -68,6 +69,7 @@ void connectToRunner() {
     registerInputHandlers(s_session);
     registerPictureHandlers(s_session);
     registerEventHandlers(s_session);
+    registerRecordHandlers(s_session);
     // Ends before the application object does: its event loop watches the socket.
     qAddPostRoutine(stop);
 }

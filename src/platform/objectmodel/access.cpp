@@ -95,6 +95,14 @@ std::vector<std::pair<QString, SharedPtr<Object>>> Access::takeEvents() {
     return {};
 }
 
+Outcome<> Access::record(const Wire::Record& /*record*/) {
+    return cannot("be recorded");
+}
+
+std::vector<Wire::Observation> Access::takeObservations() {
+    return {};
+}
+
 Outcome<NameMatches> Access::matchesOf(const ObjectName& /*name*/) {
     return cannot("tell what a name matches");
 }

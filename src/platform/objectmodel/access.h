@@ -14,6 +14,7 @@
 #include "platform/objectmodel/objectmodel.h"
 #include "platform/objectmodel/objectname.h"
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 namespace Tamrix {
 
@@ -177,6 +178,10 @@ public:
     virtual Outcome<QString> environmentVariable(const QString& name);
     /// The events that came: callback and object. They are given once.
     virtual std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents();
+    /// Lets what a person does be observed from now on, or no more.
+    virtual Outcome<> record(const Wire::Record& record);
+    /// The observations that came. They are given once.
+    virtual std::vector<Wire::Observation> takeObservations();
 
     // Questions of those who make names and mend them.
     virtual Outcome<NameMatches> matchesOf(const ObjectName& name);

@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/pythonrecorder.h"
 
 /// An interpreter for Python scripts, owned by the caller; null, with a message on standard error,
 /// when Python can't be started.
@@ -15,4 +16,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Python interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// Writes scripts in Python, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::PythonPlugin::PythonRecorder;
 }

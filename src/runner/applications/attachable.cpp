@@ -218,7 +218,8 @@ void Keeper::addRun(int descriptor) {
 void Keeper::workOnAgent() {
     m_agent->receive();
     while (const std::optional<Frame> frame = m_agent->takeFrame()) {
-        const bool isEvent = frame->type == MessageType::EventFired;
+        const bool isEvent =
+            frame->type == MessageType::EventFired || frame->type == MessageType::Observed;
         const auto request = m_open.constFind(frame->sequence);
         if (!m_run || !m_isWelcome || (!isEvent && request == m_open.constEnd()))
             continue;

@@ -13,6 +13,7 @@
     DO(trace)                       \
     DO(farm)                        \
     DO(inspect)                     \
+    DO(record)                      \
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \

@@ -79,6 +79,8 @@ bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered
             takeHello(*frame);
         } else if (frame->type == MessageType::EventFired) {
             takeEvent(*frame);
+        } else if (frame->type == MessageType::Observed) {
+            takeObservation(*frame);
         } else if (!isAnswer(frame->type) || frame->sequence == 0 ||
                    frame->sequence > m_lastSequence) {
             close(QStringLiteral("the application sent a message of type %1 that nobody asked for")
@@ -142,6 +144,20 @@ void AgentConnection::takeEvent(const Frame& frame) {
 
 std::vector<Wire::EventFired> AgentConnection::takeEvents() {
     return std::exchange(m_events, {});
+}
+
+void AgentConnection::takeObservation(const Frame& frame) {
+    Wire::Observation observation;
+    if (!Wire::decode(frame.body, &observation))
+        close(QStringLiteral("the application sent an observation that can't be read"));
+    else if (m_observations.size() >= maximalEventCount)
+        close(QStringLiteral("more than %1 observations came").arg(maximalEventCount));
+    else
+        m_observations.push_back(std::move(observation));
+}
+
+std::vector<Wire::Observation> AgentConnection::takeObservations() {
+    return std::exchange(m_observations, {});
 }
 
 // Waiting

@@ -11,6 +11,7 @@
 #include "base/outcome.h"
 #include "wire/framechannel.h"
 #include "wire/messages.h"
+#include "wire/observations.h"
 
 namespace Tamrix {
 
@@ -43,7 +44,7 @@ public:
     };
     static constexpr int stallInterval = 1000;
 
-    /// More events than that without takeEvents() end the connection.
+    /// More events than that without takeEvents() end the connection, and as many observations.
     static constexpr int maximalEventCount = 100'000;
 
     /// Owns `descriptor`, an accepted socket. `token` authenticates the peer.
@@ -115,6 +116,8 @@ public:
 
     /// The events that came, in order; they are given once.
     std::vector<Wire::EventFired> takeEvents();
+    /// What a person did, in order; it is given once.
+    std::vector<Wire::Observation> takeObservations();
 
     /// How the application, or the connection to it, has ended; meaningful once it has.
     Failure disconnected() const;
@@ -127,6 +130,7 @@ private:
     bool takeFrames(quint32 wanted, Wire::Frame* answer, bool* isAnswered);
     void takeHello(const Wire::Frame& frame);
     void takeEvent(const Wire::Frame& frame);
+    void takeObservation(const Wire::Frame& frame);
     /// Waits a moment for bytes. False when the idle hook gave up.
     bool waitForBytes(const QDeadlineTimer& deadline, bool* hasProcessEnded);
     Outcome<Wire::Frame> waitForAnswer(quint32 sequence, const QDeadlineTimer& deadline,
@@ -157,6 +161,7 @@ private:
     /// Input was injected and may not have taken effect yet.
     bool m_isSyncDue = false;
     std::vector<Wire::EventFired> m_events;
+    std::vector<Wire::Observation> m_observations;
 };
 
 }  // namespace Tamrix

@@ -52,4 +52,17 @@ QString nameFault(const ObjectName& name) {
     return query ? QString() : query.error().text;
 }
 
+ObjectName nameOfQuery(const Wire::Query& query) {
+    ObjectName name;
+    for (const Wire::Criterion& criterion : query.criteria) {
+        const QString text =
+            criterion.object ? nameOfQuery(*criterion.object).qualifiedName() : criterion.text;
+        name.setProperty(criterion.property,
+                         PropertyValue(text, criterion.modifier, bool(criterion.object)));
+    }
+    if (query.occurrence > 1 && name.isValid())
+        name.setProperty(QStringLiteral("occurrence"), QString::number(query.occurrence));
+    return name;
+}
+
 }  // namespace Tamrix

@@ -10,4 +10,7 @@ namespace Tamrix {
 /// wildcard or expression is malformed; the text names the property.
 TAMRIX_EXPORT Outcome<Wire::Query> makeQuery(const ObjectName& name);
 
+/// The name that makeQuery() makes this of; invalid for a query without criteria.
+TAMRIX_EXPORT ObjectName nameOfQuery(const Wire::Query& query);
+
 }  // namespace Tamrix

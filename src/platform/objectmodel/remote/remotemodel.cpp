@@ -339,6 +339,14 @@ std::vector<std::pair<QString, SharedPtr<Object>>> RemoteModel::takeEvents() {
     return events;
 }
 
+Outcome<> RemoteModel::record(const Wire::Record& record) {
+    return m_link->tell(MessageType::Record, encode(record));
+}
+
+std::vector<Wire::Observation> RemoteModel::takeObservations() {
+    return m_link->connection().takeObservations();
+}
+
 // What the runner does with the application
 
 Outcome<QByteArray> RemoteModel::askOf(const Target& target, MessageType type,

@@ -59,6 +59,8 @@ public:
     Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object) override;
     Outcome<QString> environmentVariable(const QString& name) override;
     std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents() override;
+    Outcome<> record(const Wire::Record& record) override;
+    std::vector<Wire::Observation> takeObservations() override;
     Outcome<NameMatches> matchesOf(const ObjectName& name) override;
     Outcome<SharedPtr<Object>> objectAt(const QPoint& point) override;
     Outcome<QList<CheckedName>> namesOf(const SharedPtr<Object>& object) override;

@@ -1,0 +1,174 @@
+// What of QuickToolkit concerns recordings: what an item is to a person, and the way to it.
+
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include "agent/core/session.h"
+#include "agent/qtquick/quickitems.h"
+#include "agent/qtquick/quicktoolkit.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+using Wire::ObservedRole;
+
+constexpr int longestText = 100'000;
+
+struct RoleRow {
+    const char* className;
+    ObservedRole role;
+};
+
+/// Of several that fit the first one counts.
+constexpr RoleRow roles[] = {
+    {"QQuickComboBox", ObservedRole::Choice},
+    {"QQuickSlider", ObservedRole::Slider},
+    {"QQuickDial", ObservedRole::Slider},
+    {"QQuickScrollBar", ObservedRole::ScrollBar},
+    {"QQuickAbstractButton", ObservedRole::Control},
+    {"QQuickLabel", ObservedRole::Control},
+    {"QQuickText", ObservedRole::Control},
+};
+
+bool isText(const QObject* item) {
+    return item->inherits("QQuickTextInput") || item->inherits("QQuickTextEdit");
+}
+
+ObservedRole roleOfText(const QObject* item) {
+    // Of TextInput.EchoMode, 0 shows what is typed.
+    if (item->property("echoMode").toInt() != 0)
+        return ObservedRole::Password;
+    const bool isArea = item->inherits("QQuickTextEdit");
+    if (item->property("readOnly").toBool())
+        return isArea ? ObservedRole::Place : ObservedRole::Control;
+    return isArea ? ObservedRole::TextArea : ObservedRole::Field;
+}
+
+/// The control that the item is the inner field of; null for others.
+QQuickItem* boxAround(const QQuickItem* item) {
+    QQuickItem* const parent = item->parentItem();
+    const bool isBox =
+        parent && (parent->inherits("QQuickSpinBox") || parent->inherits("QQuickComboBox"));
+    return isBox && isText(item) ? parent : nullptr;
+}
+
+/// The text that a person reads where a mouse area is, and means to click.
+QQuickItem* textIn(QQuickItem* around, const QRectF& area) {
+    const QList<QQuickItem*> children = around->childItems();
+    for (QQuickItem* child : children) {
+        if (!child->isVisible())
+            continue;
+        const QPointF middle = child->mapToScene(QPointF(child->width() / 2, child->height() / 2));
+        if (child->inherits("QQuickText") && !quickTextOf(child).isEmpty() && area.contains(middle))
+            return child;
+        if (QQuickItem* const found = textIn(child, area))
+            return found;
+    }
+    return nullptr;
+}
+
+/// The box whose list the item is in; null for none.
+QQuickItem* boxOfList(const QQuickItem* item) {
+    for (const QQuickItem* each = item; each; each = each->parentItem()) {
+        const QObject* const popup = each->inherits("QQuickPopupItem") ? each->parent() : nullptr;
+        auto* const box = popup ? qobject_cast<QQuickItem*>(popup->parent()) : nullptr;
+        if (box && box->inherits("QQuickComboBox"))
+            return box;
+    }
+    return nullptr;
+}
+
+QQuickItem* viewAround(const QQuickItem* item) {
+    for (QQuickItem* each = item->parentItem(); each; each = each->parentItem()) {
+        if (each->inherits("QQuickItemView"))
+            return each;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+Element QuickToolkit::meant(const Element& inner) const {
+    auto* const item = qobject_cast<QQuickItem*>(inner.object);
+    if (!item)
+        return inner;
+    if (QQuickItem* const box = boxAround(item))
+        return element(box);
+    // A mouse area without a name stands for what is seen there.
+    if (!item->inherits("QQuickMouseArea") || !name(inner).isEmpty() || !item->parentItem())
+        return inner;
+    const QRectF area = item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    if (QQuickItem* const text = textIn(item->parentItem(), area))
+        return element(text);
+    return inner;
+}
+
+ObservedRole QuickToolkit::role(const Element& element) const {
+    const QObject* const object = element.object;
+    if (isText(object))
+        return roleOfText(object);
+    // Without a field, a value is all that a spin box has.
+    if (object->inherits("QQuickSpinBox"))
+        return object->property("editable").toBool() ? ObservedRole::Number : ObservedRole::Slider;
+    for (const RoleRow& row : roles) {
+        if (object->inherits(row.className))
+            return row.role;
+    }
+    return ObservedRole::Place;
+}
+
+Wire::ObservedState QuickToolkit::state(const Element& element) const {
+    const QObject* const object = element.object;
+    Wire::ObservedState state;
+    switch (role(element)) {
+        case ObservedRole::Field:
+        case ObservedRole::TextArea: {
+            const QString text = object->property("text").toString();
+            if (text.size() <= longestText)
+                state.text = text.isNull() ? QStringLiteral("") : text;
+            break;
+        }
+        case ObservedRole::Number: {
+            const auto* const field = object->property("contentItem").value<QObject*>();
+            state.text =
+                field ? field->property("text").toString() : object->property("value").toString();
+            break;
+        }
+        case ObservedRole::Slider:
+            state.value = object->property("value");
+            break;
+        case ObservedRole::Choice: {
+            const auto* const popup = object->property("popup").value<QObject*>();
+            state.text = object->property("displayText").toString();
+            state.isOpen = popup && popup->property("visible").toBool();
+            break;
+        }
+        case ObservedRole::Control:
+            return Toolkit::state(element);
+        default:
+            break;
+    }
+    return state;
+}
+
+std::optional<RecordedWay> QuickToolkit::wayTo(const Element& entry) const {
+    auto* const item = qobject_cast<QQuickItem*>(entry.object);
+    QQuickItem* holder = item ? boxOfList(item) : nullptr;
+    if (!holder && item)
+        holder = viewAround(item);
+    const QString text = item ? quickTextOf(item) : QString();
+    if (!holder || text.isEmpty())
+        return std::nullopt;
+    const ItemPath path = ItemPath::ofSteps(QStringList{text});
+    RecordedWay way{element(holder), {}};
+    if (findQuickItem(holder, path, -1) == item)
+        way.steps.append(text);
+    return way;
+}
+
+Element QuickToolkit::clickedBy(const Element& receiver) const {
+    return receiver.object->inherits("QQuickAbstractButton") ? receiver : Element();
+}
+
+}  // namespace Tamrix::Agent

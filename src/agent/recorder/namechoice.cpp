@@ -1,0 +1,188 @@
+#include "agent/recorder/namechoice.h"
+
+#include <QRegularExpression>
+
+#include "agent/core/lookup.h"
+#include "agent/core/toolkit.h"
+#include "agent/core/vocabulary.h"
+
+namespace Tamrix::Agent {
+
+namespace {
+
+using Words = QList<Wire::Criterion>;
+
+/// A longer text, or one of several lines, makes no good name.
+constexpr int longestText = 60;
+/// How far up a container with a name is looked for.
+constexpr int mostContainers = 4;
+
+Wire::Criterion word(const char* property, const QString& text) {
+    return {QString::fromLatin1(property), 0, text, nullptr};
+}
+
+Wire::Criterion word(const char* property, const Wire::Query& object) {
+    return {QString::fromLatin1(property), 0, {}, std::make_shared<Wire::Query>(object)};
+}
+
+Wire::Criterion typeOf(const Element& element) {
+    return word("type", element.toolkit->typeName(element));
+}
+
+bool isNameable(const QString& text) {
+    return !text.isEmpty() && text.size() <= longestText && !text.contains(u'\n');
+}
+
+/// The objects that have a name, in the order in which occurrences count.
+QVector<Element> found(const Words& words) {
+    return ObjectFinder(Wire::Query{words, 1}).findAll();
+}
+
+bool findsOnly(const Words& words, const Element& element) {
+    const QVector<Element> elements = found(words);
+    return elements.size() == 1 && elements.first() == element;
+}
+
+/// Texts that change are those that the program itself writes: not the ones on buttons and entries.
+bool mayChange(const Element& element, const QString& text) {
+    const bool isFixed = element.isItem() ||
+                         element.toolkit->role(element) == Wire::ObservedRole::MenuEntry ||
+                         !element.toolkit->clickedBy(element).isNull();
+    return !isFixed && looksChanging(text);
+}
+
+/// What an element says of itself, the best first, each with its type.
+QVector<Words> ownNames(const Element& element) {
+    const Toolkit* const toolkit = element.toolkit;
+    QVector<Words> names;
+    const auto add = [&](const char* property, const QString& value) {
+        names.append({word(property, value), typeOf(element)});
+    };
+    // 1. Its name.
+    const QString name = toolkit->name(element);
+    if (!name.isEmpty() && !looksGenerated(name))
+        add("name", name);
+    // 2. Its text. The title of a window changes, its type does not.
+    const bool isWindow = toolkit->window(element) == element;
+    if (isWindow)
+        names.append({typeOf(element)});
+    const QString text = toolkit->text(element);
+    const bool hasText = toolkit->isTextLasting(element) && isNameable(text);
+    const bool isLate = hasText && mayChange(element, text);
+    if (hasText && !isLate)
+        add("text", text);
+    // 3. The label beside it.
+    const Element label = toolkit->related(element, Toolkit::Relation::Label);
+    if (!label.isNull() && isNameable(label.toolkit->text(label)))
+        add("buddy", label.toolkit->text(label));
+    // 4. Its tool tip, or the name of its icon.
+    const Toolkit::Hint hint = toolkit->hint(element);
+    if (isNameable(hint.value))
+        add(hint.name, hint.value);
+    // 5. Its place among the cells.
+    bool isCell = false;
+    const QVariant row = element.isItem() ? toolkit->property(element, "row", &isCell) : QVariant();
+    if (isCell) {
+        bool hasColumn = false;
+        const QVariant column = toolkit->property(element, "column", &hasColumn);
+        names.append(
+            {word("column", column.toString()), word("row", row.toString()), typeOf(element)});
+    }
+    if (isLate)
+        add("text", text);
+    // 6. Nothing else.
+    if (!isWindow)
+        names.append({typeOf(element)});
+    return names;
+}
+
+/// Looks for one of the names that, together with what is added, finds the element only.
+Words chosen(const QVector<Words>& names, const Words& added, const Element& element) {
+    for (const Words& name : names) {
+        const Words words = name + added;
+        if (findsOnly(words, element))
+            return words;
+    }
+    return {};
+}
+
+/// The name of a container, if it has a plain one.
+Words plainName(const Element& container) {
+    QVector<Words> names;
+    for (const Words& name : ownNames(container)) {
+        // By its type alone no container is known to people.
+        if (name.size() > 1)
+            names.append(name);
+    }
+    return chosen(names, {}, container);
+}
+
+Words nameInContainer(const QVector<Words>& names, const Element& element) {
+    const Element window = element.toolkit->window(element);
+    Element container = containerOf(element);
+    for (int level = 0; level < mostContainers && !container.isNull() && container != window;
+         ++level, container = containerOf(container)) {
+        // The view of an item is its container, however it is called.
+        const bool isHolder = element.isItem() && level == 0;
+        const Wire::Query name =
+            isHolder ? chooseName(container) : Wire::Query{plainName(container), 1};
+        if (name.criteria.isEmpty())
+            continue;
+        const Words words =
+            chosen(names, {word(level == 0 ? "container" : "ancestor", name)}, element);
+        if (!words.isEmpty())
+            return words;
+    }
+    return {};
+}
+
+/// The best of its names, with how many others stand before it.
+Wire::Query countedName(const QVector<Words>& names, const Words& added, const Element& element) {
+    for (const Words& name : names) {
+        const int place = found(name + added).indexOf(element);
+        if (place >= 0)
+            return {name + added, place + 1};
+    }
+    return {};
+}
+
+}  // namespace
+
+Wire::Query chooseName(const Element& element) {
+    const QVector<Words> names = ownNames(element);
+    // 1. What it says of itself.
+    Words words = chosen(names, {}, element);
+    if (!words.isEmpty())
+        return {words, 1};
+    // 2. The nearest container with a name.
+    words = nameInContainer(names, element);
+    if (!words.isEmpty())
+        return {words, 1};
+    // 3. Its window.
+    const Element window = element.toolkit->window(element);
+    Words added;
+    if (!window.isNull() && window != element) {
+        const Wire::Query name = chooseName(window);
+        if (!name.criteria.isEmpty())
+            added = {word("window", name)};
+        words = chosen(names, added, element);
+        if (!words.isEmpty())
+            return {words, 1};
+    }
+    // 4. The occurrence, in the window.
+    const Wire::Query counted = countedName(names, added, element);
+    return counted.criteria.isEmpty() ? countedName(names, {}, element) : counted;
+}
+
+bool looksGenerated(const QString& objectName) {
+    static const QRegularExpression s_form(QStringLiteral(
+        "^qt_|0x[0-9a-fA-F]+|[0-9]{4,}|[0-9a-fA-F]{8}-[0-9a-fA-F]{4}|[\\x00-\\x1f]"));
+    return s_form.match(objectName).hasMatch();
+}
+
+bool looksChanging(const QString& text) {
+    static const QRegularExpression s_digit(QStringLiteral("\\d"));
+    return s_digit.match(text).hasMatch();
+}
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "agent/core/element.h"
+#include "wire/messages.h"
+
+namespace Tamrix::Agent {
+
+/// The name by which a script should call an element: one that the look-up itself, asked now, says
+/// to find it and nothing else. What lasts goes first: the object's name unless it looks generated,
+/// the text, the label beside it, the tool tip, a cell's row and column; then the nearest container
+/// with a name, the window, and at last the occurrence. Texts that look as if they change, with
+/// numbers or times in them, come late. Without criteria when no name finds the element.
+///
+/// A look is a walk over all objects; most elements need one or two.
+Wire::Query chooseName(const Element& element);
+
+/// Whether nobody has chosen this name of an object: "qt_scrollarea_viewport", "0x55d0c8",
+/// "widget_8731".
+bool looksGenerated(const QString& objectName);
+/// Whether a text tells a number, time or date that may be another one in the next run.
+bool looksChanging(const QString& text);
+
+}  // namespace Tamrix::Agent

@@ -1,0 +1,7 @@
+#include "interpreter/bridge/eventrecorder.h"
+
+namespace Tamrix {
+
+EventRecorder::~EventRecorder() = default;
+
+}  // namespace Tamrix

@@ -1,0 +1,88 @@
+#include "runner/recording/recordedscript.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "base/filewriting.h"
+#include "interpreter/bridge/scriptlanguage.h"
+
+namespace Tamrix {
+
+namespace {
+
+const ScriptLanguageInformation* languageOf(const QString& name) {
+    for (const ScriptLanguageInformation* const each :
+         ScriptLanguageInformation::knownLanguages()) {
+        if (each->name.compare(name, Qt::CaseInsensitive) == 0 || each->suffix == name)
+            return each;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+RecordedScript::RecordedScript(std::unique_ptr<EventRecorder> language, Tell tell)
+    : m_language(std::move(language)), m_tell(std::move(tell)) {}
+
+Outcome<> RecordedScript::create(const QString& path) {
+    if (!QDir().mkpath(QFileInfo(path).path()))
+        return fail(FailureKind::Failed,
+                    QStringLiteral("The folder '%1' can't be made").arg(QFileInfo(path).path()));
+    m_file.setFileName(path);
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return fail(
+            FailureKind::Failed,
+            QFileInfo::exists(path)
+                ? QStringLiteral("'%1' is there already").arg(path)
+                : QStringLiteral("'%1' can't be written: %2").arg(path, m_file.errorString()));
+    return {};
+}
+
+void RecordedScript::begin() {
+    write(m_language->header());
+}
+
+void RecordedScript::add(const ScriptAction& action) {
+    write(m_language->lines(action));
+}
+
+void RecordedScript::end() {
+    write(m_language->footer());
+    m_file.close();
+}
+
+void RecordedScript::write(const QString& text) {
+    if (text.isEmpty())
+        return;
+    m_tell(text);
+    QString error;
+    if (!m_file.isOpen() || !m_result)
+        return;
+    if (!writeAll(&m_file, text.toUtf8(), &error))
+        m_result = fail(FailureKind::Failed,
+                        QStringLiteral("'%1' can't be written: %2").arg(m_file.fileName(), error));
+}
+
+Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName) {
+    const ScriptLanguageInformation* const language = languageOf(languageName);
+    if (!language)
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("'%1' is no language of scripts").arg(languageName));
+    const ScriptLanguagePlugin plugin(language->pluginName);
+    if (!plugin.lastErrorMessage().isEmpty())
+        return fail(FailureKind::Failed, plugin.lastErrorMessage());
+    std::unique_ptr<EventRecorder> writer(plugin.eventRecorder(false, false, false, QString()));
+    if (!writer)
+        return fail(FailureKind::Failed,
+                    QStringLiteral("No scripts are recorded in %1").arg(language->name));
+    return writer;
+}
+
+QString scriptSuffix(const QString& languageName) {
+    const ScriptLanguageInformation* const language = languageOf(languageName);
+    return language ? language->suffix : QString();
+}
+
+}  // namespace Tamrix

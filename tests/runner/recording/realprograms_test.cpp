@@ -1,0 +1,169 @@
+// Recordings of real programs of Debian that no test knows: twenty steps by mouse and keyboard with
+// whatever each shows, and the script of them runs as it was written.
+
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <algorithm>
+
+#include "e2e/runnerprocess.h"
+#include "runner/recording/recordedprogram.h"
+#include "runner/suites/suitefolder.h"
+#include "support/printqt.h"
+
+namespace Tamrix {
+namespace {
+
+using Test::RecordedProgram;
+
+constexpr int stepCount = 20;
+
+struct Program {
+    const char* name;
+    QString path;
+    QStringList arguments = {};
+};
+
+QString example(const char* path) {
+    return QStringLiteral("/usr/lib/x86_64-linux-gnu/qt5/examples/") + QString::fromLatin1(path);
+}
+
+std::vector<Program> programs() {
+    std::vector<Program> list{
+        {"calculator", example("widgets/widgets/calculator/calculator")},
+        {"validators", example("widgets/widgets/validators/validators")},
+        {"spinboxes", example("widgets/widgets/spinboxes/spinboxes")},
+        {"tabdialog", example("widgets/dialogs/tabdialog/tabdialog")},
+        {"textedit", example("widgets/richtext/textedit/textedit")},
+        {"editabletreemodel", example("widgets/itemviews/editabletreemodel/editabletreemodel")},
+        {"settingseditor", example("widgets/tools/settingseditor/settingseditor")},
+        {"calendar", example("widgets/widgets/calendarwidget/calendarwidget")},
+        {"speedcrunch", "/usr/bin/speedcrunch"},
+#ifdef TAMRIX_TEST_QT6
+        {"designer6", "/usr/lib/qt6/bin/designer"},
+        {"focuswriter6", "/usr/bin/focuswriter"},
+        {"linguist6", "/usr/lib/qt6/bin/linguist"},
+        {"qt6ct", "/usr/bin/qt6ct"},
+#endif
+    };
+    list.erase(std::remove_if(list.begin(), list.end(),
+                              [](const Program& each) { return !QFileInfo::exists(each.path); }),
+               list.end());
+    return list;
+}
+
+/// What is better left alone: it ends the program, prints, or shows what is another thing each
+/// time.
+bool isLeftAlone(const QString& text) {
+    static const char* const words[] = {"quit", "exit",   "close", "cancel", "print",  "open",
+                                        "save", "export", "full",  "recent", "browse", "help"};
+    const QString lower = text.toLower();
+    return std::any_of(std::begin(words), std::end(words),
+                       [&lower](const char* word) { return lower.contains(QLatin1String(word)); });
+}
+
+/// Uses one thing after another that is there and can be reached.
+class Visitor {
+public:
+    explicit Visitor(RecordedProgram& program) : m_program(program) {}
+
+    void visit() {
+        const auto listing =
+            m_program.client().request<Wire::ObjectListing>(Wire::MessageType::ListObjects);
+        QList<int> candidates;
+        for (int index = 0; index < listing.objects.size(); ++index) {
+            const Wire::ListedObject& object = listing.objects.at(index);
+            const QString type = listing.types.at(object.type);
+            const bool isUsable = (object.state & Wire::ListedObject::Visible) != 0 &&
+                                  (object.state & Wire::ListedObject::Enabled) != 0;
+            if (isUsable && isKnown(type) && !isLeftAlone(object.text) && isReached(object) &&
+                !m_used.contains(object.name))
+                candidates.append(index);
+        }
+        if (candidates.isEmpty()) {
+            m_used.clear();
+            m_program.press("Escape");
+            return;
+        }
+        const Wire::ListedObject& object =
+            listing.objects.at(candidates.at((m_step * 5) % candidates.size()));
+        ++m_step;
+        m_used.append(object.name);
+        use(object, listing.types.at(object.type));
+    }
+
+private:
+    static bool isKnown(const QString& type) {
+        static const char* const words[] = {"Button",   "CheckBox",   "ComboBox", "SpinBox",
+                                            "LineEdit", "TabBarItem", "ViewItem", "Slider"};
+        return std::any_of(
+                   std::begin(words), std::end(words),
+                   [&type](const char* word) { return type.contains(QLatin1String(word)); }) &&
+               !type.contains("ComboBoxItem");
+    }
+
+    bool isReached(const Wire::ListedObject& object) {
+        const QPoint middle = object.geometry.center();
+        if (!QRect(0, 0, 1280, 1024).contains(middle))
+            return false;
+        const auto hit = m_program.client().request<Wire::ObjectInfo>(
+            Wire::MessageType::ObjectAt, Wire::ScreenPoint{middle.x(), middle.y()});
+        const auto name = m_program.client().request<Wire::Text>(Wire::MessageType::RealName,
+                                                                 Wire::ObjectHandle{hit.handle});
+        return name.text == object.name || name.text.contains(object.name);
+    }
+
+    void use(const Wire::ListedObject& object, const QString& type) {
+        m_program.click(object.geometry.center());
+        if (type.contains("ComboBox")) {
+            m_program.press("Down");
+            m_program.press("Return");
+        } else if (type.contains("SpinBox")) {
+            m_program.press("Up");
+        } else if (type.contains("LineEdit")) {
+            m_program.type("12");
+        }
+    }
+
+    RecordedProgram& m_program;
+    QStringList m_used;
+    int m_step = 0;
+};
+
+class RealRecordings : public testing::TestWithParam<Program> {};
+INSTANTIATE_TEST_SUITE_P(, RealRecordings, testing::ValuesIn(programs()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(RealRecordings, RunAsTheyWereWritten) {
+    const QTemporaryDir firstHome;
+    const QTemporaryDir secondHome;
+    const Test::SuiteFolder suite;
+    QByteArray script;
+    QStringList lines;
+    {
+        const QMap<QString, QString> homes{{"HOME", firstHome.path()},
+                                           {"XDG_CONFIG_HOME", firstHome.path()},
+                                           {"XDG_DATA_HOME", firstHome.path()}};
+        RecordedProgram program(GetParam().path, GetParam().arguments, homes);
+        ASSERT_EQ(program.error(), QString());
+        Visitor visitor(program);
+        for (int step = 0; step < stepCount && program.client().channel().isOpen(); ++step) {
+            visitor.visit();
+            lines += program.takeLines();
+        }
+        script = program.script(GetParam().path);
+    }
+    EXPECT_GT(lines.size(), stepCount / 2) << script.constData();
+    suite.write("suite/case/test.py", script);
+    Test::RunnerProcess runner;
+    for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        runner.setVariable(variable, secondHome.path());
+    runner.setVariable("QT_IM_MODULE", "compose");
+    runner.run({"run", suite.path("suite"), "--aut-display", "auto", "--result-dir",
+                suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << script.constData();
+}
+
+}  // namespace
+}  // namespace Tamrix
