@@ -13,7 +13,7 @@ namespace Tamrix::Wire {
 inline constexpr quint32 magicNumber = 0x544d5258;  // "TMRX"
 
 /// Raised with every change of an encoding. Both sides must have the same.
-inline constexpr quint16 protocolVersion = 5;
+inline constexpr quint16 protocolVersion = 6;
 
 /// The encoding of Qt's own types, fixed whatever Qt the application uses.
 inline constexpr QDataStream::Version streamVersion = QDataStream::Qt_5_12;
@@ -78,7 +78,8 @@ enum class MessageType : quint16 {
     Act = 57,                  ///< Act -> ActResult, answered before the input is delivered
     FindMatches = 58,          ///< Query -> MatchList
     ObjectAt = 59,             ///< ScreenPoint -> ObjectInfo, handle 0 for none
-    ListNames = 60             ///< ObjectHandle -> TextList, the best first; none is checked
+    ListNames = 60,            ///< ObjectHandle -> TextList, the best first; none is checked
+    OutlineObjects = 70        ///< no body -> ObjectOutline
 };
 
 }  // namespace Tamrix::Wire
