@@ -145,13 +145,15 @@ TEST_F(Agents, SurviveWhatProgramsDo) {
     EXPECT_TRUE(opened.contains("QDialog \"Modal\" [modal]")) << opened.toStdString();
     EXPECT_TRUE(click("Fork").contains("Modal")) << click("Fork").toStdString();
     EXPECT_TRUE(answer("click", refOf(opened, "QPushButton \"Close it\"")).contains("gone e"));
-    // A child that comes by itself is seen, too.
     // A program that hangs is told as such, and can be replaced.
     const QString hung = click("Hang");
     EXPECT_TRUE(hung.startsWith("error: click(")) << hung.toStdString();
-    EXPECT_TRUE(hung.contains("does not")) << hung.toStdString();
+    EXPECT_TRUE(hung.contains("did not come to rest within 5000 ms")) << hung.toStdString();
     view = start(FAULTY_TARGET);
     EXPECT_TRUE(view.contains("QPushButton \"Crash\"")) << view.toStdString();
+    const QString left = answer("click", label);
+    EXPECT_TRUE(left.contains(" is gone; it was QLabel \"label of \". Nearest: e"))
+        << left.toStdString();
     // One that ends says how, and what comes behind that, too.
     const std::string modal = refOf(view, "QPushButton \"Modal\"");
     EXPECT_TRUE(click("Exit").contains("it exited with code 3"));

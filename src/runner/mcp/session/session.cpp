@@ -219,8 +219,12 @@ Outcome<Meant> Session::meantByRef(int ref) {
     // Copied: a further look renews what is known.
     const ViewObject object = *known;
     const Outcome<SharedPtr<Application>> application = applicationOf(object.key.application);
-    if (!application)
-        return fail(application.error());
+    if (!application) {
+        // Where another program has taken its place, the object is gone like any.
+        const bool hasOther =
+            !m_applications.find(object.key.application) && !m_applications.live().isEmpty();
+        return fail(hasOther ? goneFailure(object) : application.error());
+    }
     Access& access = (*application)->access();
     const Outcome<SharedPtr<Object>> found = access.objectById(static_cast<int>(object.key.handle));
     if (!found)
