@@ -8,7 +8,7 @@
 
 namespace Tamrix::Dap {
 
-Server::Server(Reader& reader, Writer& writer, const QString& runner, ProgramStarter start)
+Server::Server(ByteReader& reader, ByteWriter& writer, const QString& runner, ProgramStarter start)
     : m_client(reader, writer),
       m_session(m_client,
                 {runner, std::move(start), [this](int milliseconds) { wait(milliseconds); }}) {}

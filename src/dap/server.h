@@ -12,7 +12,7 @@ namespace Tamrix::Dap {
 class Server {
 public:
     /// `reader` and `writer` are not owned.
-    Server(Reader& reader, Writer& writer, const QString& runner, ProgramStarter start);
+    Server(ByteReader& reader, ByteWriter& writer, const QString& runner, ProgramStarter start);
 
     /// Waits at most so many milliseconds (-1 for no limit) for something to happen and does it.
     /// False once the session is over or the client has gone.

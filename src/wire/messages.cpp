@@ -17,6 +17,14 @@ QVariantList readValues(QDataStream& stream) {
     return readValue(stream).toList();
 }
 
+/// A child comes behind its parent, and each type is listed.
+template <typename Listed>
+void checkPlace(QDataStream& stream, const Listed& object, const QStringList& types, int deepest) {
+    if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
+        object.type >= types.size())
+        setCorrupt(stream);
+}
+
 }  // namespace
 
 // Elements of lists.
@@ -256,15 +264,40 @@ QDataStream& operator>>(QDataStream& stream, ObjectListing& body) {
         stream >> object.depth >> object.type >> object.state >> object.geometry;
         object.text = wholeUtf8(readBytes(stream));
         object.name = wholeUtf8(readBytes(stream));
-        // A child comes behind its parent, and each type is listed.
-        if (object.depth < 0 || object.depth > deepest || object.type < 0 ||
-            object.type >= body.types.size())
-            setCorrupt(stream);
+        checkPlace(stream, object, body.types, deepest);
         if (stream.status() != QDataStream::Ok)
             break;
         deepest = object.depth + 1;
     }
     return stream;
+}
+
+QDataStream& operator<<(QDataStream& stream, const ObjectOutline& body) {
+    writeTexts(stream, body.types);
+    stream << static_cast<quint32>(body.objects.size());
+    for (const OutlinedObject& object : body.objects)
+        stream << object.depth << object.type << object.handle << object.state << object.geometry
+               << object.name.toUtf8() << object.text.toUtf8() << object.label.toUtf8();
+    return stream << body.isCut;
+}
+
+QDataStream& operator>>(QDataStream& stream, ObjectOutline& body) {
+    constexpr int objectSize = 2 * 4 + 8 + 2 + 4 * 4 + 3 * textSize;
+    body.types = readTexts(stream);
+    const int count = readCount(stream, objectSize);
+    body.objects.resize(count);
+    int deepest = 0;
+    for (OutlinedObject& object : body.objects) {
+        stream >> object.depth >> object.type >> object.handle >> object.state >> object.geometry;
+        object.name = wholeUtf8(readBytes(stream));
+        object.text = wholeUtf8(readBytes(stream));
+        object.label = wholeUtf8(readBytes(stream));
+        checkPlace(stream, object, body.types, deepest);
+        if (stream.status() != QDataStream::Ok)
+            return stream;
+        deepest = object.depth + 1;
+    }
+    return stream >> body.isCut;
 }
 
 QDataStream& operator<<(QDataStream& stream, const MouseEvent& body) {

@@ -277,6 +277,51 @@ struct ObjectListing {
     QVector<ListedObject> objects;
 };
 
+/// One line of an ObjectOutline.
+struct OutlinedObject {
+    enum State : quint16 {
+        Enabled = 1,
+        Focused = 2,
+        /// It can be checked, and is.
+        Checkable = 4,
+        Checked = 8,
+        PartlyChecked = 16,
+        /// Of items, and of the tab that is in front.
+        Selected = 32,
+        Window = 64,
+        Modal = 128,
+        /// The text is what somebody enters or sets.
+        Entered = 256,
+        Item = 512
+    };
+
+    /// How many objects of the outline it is below.
+    qint32 depth = 0;
+    /// Index into ObjectOutline::types.
+    qint32 type = 0;
+    quint64 handle = 0;
+    /// Of State.
+    quint16 state = 0;
+    /// On the screen.
+    QRect geometry;
+    /// The object's own name.
+    QString name;
+    /// What is read on it, else its value. Of a very long one the middle is left out.
+    QString text;
+    /// What says what it is, where the text doesn't: the label beside it, else its tool tip.
+    QString label;
+};
+
+/// What is visible now, parents first, in short and with handles: for who acts on it.
+struct ObjectOutline {
+    QStringList types;
+    QVector<OutlinedObject> objects;
+    /// There are more than `most`.
+    bool isCut = false;
+
+    static constexpr int most = 20'000;
+};
+
 /// As RunnerInterface::mouseEvent. Coordinates are relative to the target, or to the screen without
 /// one. Button: 1 left, 2 right, 4 middle, as Qt::MouseButton. Modifiers as Qt::KeyboardModifiers.
 struct MouseEvent {
@@ -367,6 +412,7 @@ TAMRIX_WIRE_OPERATORS(Act);
 TAMRIX_WIRE_OPERATORS(ActResult);
 TAMRIX_WIRE_OPERATORS(Snapshot);
 TAMRIX_WIRE_OPERATORS(ObjectListing);
+TAMRIX_WIRE_OPERATORS(ObjectOutline);
 TAMRIX_WIRE_OPERATORS(MouseEvent);
 TAMRIX_WIRE_OPERATORS(KeyEvent);
 TAMRIX_WIRE_OPERATORS(Highlight);

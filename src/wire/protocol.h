@@ -80,7 +80,8 @@ enum class MessageType : quint16 {
     FindMatches = 58,          ///< Query -> MatchList
     ObjectAt = 59,             ///< ScreenPoint -> ObjectInfo, handle 0 for none
     ListNames = 60,            ///< ObjectHandle -> TextList, the best first; none is checked
-    Record = 61                ///< Record -> no body
+    Record = 61,               ///< Record -> no body
+    OutlineObjects = 70        ///< no body -> ObjectOutline
 };
 
 }  // namespace Tamrix::Wire

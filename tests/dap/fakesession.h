@@ -12,7 +12,7 @@
 namespace Tamrix::Test {
 
 /// Bytes in memory, for the two ends of a stream.
-struct MemoryStream : Dap::Reader, Dap::Writer {
+struct MemoryStream : ByteReader, ByteWriter {
     State read(QByteArray* bytes) override {
         bytes->append(std::exchange(toServer, {}));
         return isClosed ? State::Ended : State::Open;

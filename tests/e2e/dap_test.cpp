@@ -11,7 +11,7 @@
 #include <QTemporaryDir>
 #include <csignal>
 
-#include "dap/protocol/stream.h"
+#include "base/bytestream.h"
 #include "e2e/runnerprocess.h"
 #include "support/dapclient.h"
 #include "support/dapprocess.h"
@@ -304,13 +304,12 @@ TEST(DapPort, ServesOneClientOnTheLoopback) {
     address.sin_port = htons(static_cast<in_port_t>(port));
     ASSERT_EQ(::connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address), 0)
         << qPrintable(runner.errors());
-    DapClient client(
-        {[&](const QByteArray& bytes) { Dap::DescriptorWriter(connection).write(bytes); },
-         [&] {
-             QByteArray bytes(4096, Qt::Uninitialized);
-             const ssize_t count = ::read(connection, bytes.data(), 4096);
-             return bytes.left(static_cast<int>(count));
-         }});
+    DapClient client({[&](const QByteArray& bytes) { DescriptorWriter(connection).write(bytes); },
+                      [&] {
+                          QByteArray bytes(4096, Qt::Uninitialized);
+                          const ssize_t count = ::read(connection, bytes.data(), 4096);
+                          return bytes.left(static_cast<int>(count));
+                      }});
     EXPECT_EQ(client.body("initialize", {{"adapterID", "x"}})["supportsLogPoints"], true);
     client.body("disconnect");
     runner.finish();

@@ -17,7 +17,7 @@ using namespace Tamrix::Dap;
 namespace {
 
 /// A client that sends the input in two pieces and goes away.
-class InputStream : public Reader, public Writer {
+class InputStream : public ByteReader, public ByteWriter {
 public:
     explicit InputStream(const QByteArray& input) : m_input(input) {}
 

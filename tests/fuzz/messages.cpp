@@ -74,6 +74,7 @@ void tryFrame(const Frame& frame) {
             tryBody<ClassInfo>(frame.body);
             tryBody<ActResult>(frame.body);
             tryBody<MatchList>(frame.body);
+            tryBody<ObjectOutline>(frame.body);
             tryBody<TextList>(frame.body);
     }
 }

@@ -1,39 +1,17 @@
 #include "agent/core/listing.h"
 
-#include <vector>
-
-#include "agent/core/nameindex.h"
-#include "agent/core/toolkit.h"
+#include "agent/core/shownobjects.h"
 
 namespace Tamrix::Agent {
-
-namespace {
-
-/// Where the children of an object stand in the listing.
-constexpr int nowhere = -1;
-
-}  // namespace
 
 Wire::ObjectListing makeListing() {
     NameIndex index;
     Wire::ObjectListing listing;
     listing.types = index.typeNames();
     listing.objects.reserve(index.count());
-    std::vector<int> childDepths(static_cast<size_t>(index.count()), nowhere);
-    for (int number = 0; number < index.count(); ++number) {
+    walkShownObjects(index, [&](int number, int depth) {
         const Element& element = index.element(number);
         const Toolkit* const toolkit = element.toolkit;
-        const int parent = index.parent(number);
-        const int depth = parent < 0 ? 0 : childDepths[static_cast<size_t>(parent)];
-        if (depth == nowhere || toolkit->isPlain(element))
-            continue;
-        if (index.isInternal(number)) {
-            // A window of the toolkit's own is left out whole.
-            if (parent >= 0)
-                childDepths[static_cast<size_t>(number)] = depth;
-            continue;
-        }
-        childDepths[static_cast<size_t>(number)] = depth + 1;
         Wire::ListedObject object;
         object.depth = depth;
         object.type = index.type(number);
@@ -44,7 +22,8 @@ Wire::ObjectListing makeListing() {
         object.text = index.text(number);
         object.name = index.realName(number);
         listing.objects.append(object);
-    }
+        return Telling::Told;
+    });
     return listing;
 }
 

@@ -344,6 +344,11 @@ QString NameIndex::text(int index) const {
                                           : entry.values[ByText];
 }
 
+QString NameIndex::label(int index) const {
+    const Entry& entry = at(index);
+    return entry.values[ByLabel].isEmpty() ? entry.values[ByHint] : entry.values[ByLabel];
+}
+
 QStringList NameIndex::names(const Element& element) {
     QStringList names;
     const int index = indexOf(element);

@@ -37,6 +37,8 @@ public:
     int type(int index) const { return at(index).type; }
     const QStringList& typeNames() const { return m_typeNames; }
     QString text(int index) const;
+    /// The label that names it, else the tool tip or icon of what has no text; often empty.
+    QString label(int index) const;
 
     /// A name that finds the element; empty for an element that is in no window and no tree.
     QString realName(const Element& element);

@@ -5,6 +5,7 @@
 #include "agent/core/listing.h"
 #include "agent/core/lookup.h"
 #include "agent/core/nameindex.h"
+#include "agent/core/outline.h"
 #include "agent/core/session.h"
 #include "agent/core/snapshot.h"
 #include "agent/core/toolkit.h"
@@ -194,6 +195,10 @@ void listObjects(const QByteArray& /*body*/, const ResponderPtr& responder) {
     responder->replyBody(makeListing());
 }
 
+void outlineObjects(const QByteArray& /*body*/, const ResponderPtr& responder) {
+    responder->replyBody(makeOutline());
+}
+
 }  // namespace
 
 void registerObjectHandlers(Session* session) {
@@ -207,6 +212,7 @@ void registerObjectHandlers(Session* session) {
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::RealName, tellRealName);
     session->setBodyHandler<Wire::Snapshot>(Wire::MessageType::Snapshot, tellTree);
     session->setHandler(Wire::MessageType::ListObjects, listObjects);
+    session->setHandler(Wire::MessageType::OutlineObjects, outlineObjects);
     session->setBodyHandler<Wire::Query>(Wire::MessageType::FindMatches, tellMatches);
     session->setBodyHandler<Wire::ScreenPoint>(Wire::MessageType::ObjectAt, tellObjectAt);
     session->setBodyHandler<Wire::ObjectHandle>(Wire::MessageType::ListNames, tellNames);

@@ -10,7 +10,7 @@ void Client::receive() {
     if (m_hasEnded)
         return;
     QByteArray bytes;
-    const Reader::State state = m_reader.read(&bytes);
+    const ByteReader::State state = m_reader.read(&bytes);
     m_frames.append(bytes);
     while (true) {
         const Outcome<std::optional<QByteArray>> message = m_frames.take();
@@ -26,7 +26,7 @@ void Client::receive() {
         else
             complain(request.error());
     }
-    if (state == Reader::State::Ended)
+    if (state == ByteReader::State::Ended)
         end(m_frames.isInsideMessage() ? QStringLiteral("the stream ends inside a message")
                                        : QString());
 }

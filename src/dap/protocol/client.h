@@ -5,10 +5,10 @@
 #include <optional>
 #include <vector>
 
+#include "base/bytestream.h"
 #include "dap/protocol/envelope.h"
 #include "dap/protocol/frames.h"
 #include "dap/protocol/json.h"
-#include "dap/protocol/stream.h"
 
 namespace Tamrix::Dap {
 
@@ -16,7 +16,7 @@ namespace Tamrix::Dap {
 class Client {
 public:
     /// Neither is owned.
-    Client(Reader& reader, Writer& writer) : m_reader(reader), m_writer(writer) {}
+    Client(ByteReader& reader, ByteWriter& writer) : m_reader(reader), m_writer(writer) {}
 
     int descriptor() const { return m_reader.descriptor(); }
     /// Reads what has come. What is no request is told the client at once.
@@ -48,8 +48,8 @@ private:
     template <typename Message>
     void write(const Message& message);
 
-    Reader& m_reader;
-    Writer& m_writer;
+    ByteReader& m_reader;
+    ByteWriter& m_writer;
     FrameReader m_frames;
     std::deque<Request> m_requests;
     std::vector<Event> m_heldEvents;

@@ -83,6 +83,10 @@ Outcome<Wire::ObjectListing> Access::listing() {
     return cannot("list its objects");
 }
 
+Outcome<Wire::ObjectOutline> Access::outline() {
+    return cannot("tell what is visible");
+}
+
 Outcome<SharedPtr<Object>> Access::globalBounds(SharedPtr<Object> /*object*/) {
     return cannot("tell where objects are");
 }

@@ -173,6 +173,8 @@ public:
     Outcome<QByteArray> snapshotWithPicture(SharedPtr<Object> object) override;
     /// All objects with their names.
     virtual Outcome<Wire::ObjectListing> listing();
+    /// What is visible now. Its handles are what objectById() takes.
+    virtual Outcome<Wire::ObjectOutline> outline();
     /// A screen rectangle.
     virtual Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object);
     virtual Outcome<QString> environmentVariable(const QString& name);

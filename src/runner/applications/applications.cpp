@@ -425,7 +425,7 @@ void Applications::startCall() {
 }
 
 bool Applications::isInterrupted() const {
-    return Interrupt::signalNumber() != m_interruptBeforeCall;
+    return Interrupt::signalNumber() != m_interruptBeforeCall || (m_goOn && !m_goOn());
 }
 
 // Ending

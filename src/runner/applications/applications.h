@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -77,8 +78,11 @@ public:
     void work();
     /// work(), then waits until something comes, at most this long.
     void waitForNews(int milliseconds);
-    /// Whether the run was interrupted since the script's last call from outside began.
+    /// Whether the run was interrupted since the script's last call from outside began, or waits
+    /// are given up.
     bool isInterrupted() const;
+    /// What is asked during waits whether they are to go on, besides interrupts; empty for nothing.
+    void setGoOn(const std::function<bool()>& goOn) { m_goOn = goOn; }
     /// A call of the script begins: interrupts from before don't end its waits.
     void startCall();
 
@@ -131,6 +135,7 @@ private:
     int m_lastId = 0;
     int m_lastProgram = 0;
     int m_interruptBeforeCall = 0;
+    std::function<bool()> m_goOn;
     bool m_isWorking = false;
 };
 

@@ -2,21 +2,16 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <QDateTime>
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QHash>
-#include <QRegularExpression>
 #include <array>
 
 #include "runner/applications/agentserver.h"
 #include "runner/applications/applicationstart.h"
 #include "runner/applications/startedprogram.h"
+#include "runner/applications/usersockets.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/privatefolder.h"
 #include "runner/processes/runwatch.h"
@@ -41,76 +36,16 @@ constexpr int readTimeout = 10000;
 constexpr int openLimit = 32;
 /// How much may be queued for a run: less than two of the longest answers.
 constexpr int queueLimit = 400 * 1024 * 1024;
-/// The age from which on a socket that nobody listens at was left behind, in seconds.
-constexpr int socketAge = 10;
 
-bool isGoodName(const QString& name) {
-    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9._-]{1,40}\\z"));
-    return form.match(name).hasMatch();
-}
-
-/// Where the sockets of kept programs are, whether it is there or not.
-QString attachableFolderPath() {
-    const QString runtime = QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR"));
-    return runtime.isEmpty()
-               ? QDir::tempPath() + QStringLiteral("/tamrix-attachable-%1").arg(::getuid())
-               : runtime + QLatin1String("/tamrix-attachable");
-}
-
-/// The folder, made when it is not there. Fails when it can't be trusted.
-Outcome<QString> attachableFolder() {
-    const QString folder = attachableFolderPath();
-    const QByteArray path = folder.toLocal8Bit();
-    ::mkdir(path.constData(), S_IRWXU);
-    struct stat info {};
-    if (::lstat(path.constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
-        info.st_uid == ::getuid() && (info.st_mode & (S_IRWXG | S_IRWXO)) == 0)
-        return folder;
-    return fail(FailureKind::Refused,
-                QStringLiteral("'%1' is not a folder that only this user can enter").arg(folder));
+/// The folder of the sockets of kept programs.
+const QString& socketKind() {
+    static const QString s_kind = QStringLiteral("tamrix-attachable");
+    return s_kind;
 }
 
 Outcome<QString> socketOf(const QString& name) {
-    if (!isGoodName(name)) {
-        return fail(
-            FailureKind::BadArgument,
-            QStringLiteral(
-                "'%1' is no name for an attachable program: letters, digits, '.', '_' and '-'")
-                .arg(name));
-    }
-    const Outcome<QString> folder = attachableFolder();
-    if (!folder)
-        return folder;
-    return QStringLiteral("%1/%2.sock").arg(*folder, name);
+    return userSocketPath(socketKind(), name, QStringLiteral("an attachable program"));
 }
-
-/// A listening socket with its file, which goes with the object.
-class Listener {
-public:
-    ~Listener() {
-        if (m_descriptor < 0)
-            return;
-        ::close(m_descriptor);
-        ::unlink(m_path.toLocal8Bit().constData());
-    }
-    Listener() = default;
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
-
-    Outcome<> listen(const QString& path) {
-        m_path = path;
-        const Outcome<int> descriptor = Wire::listenLocalSocket(path);
-        if (!descriptor)
-            return fail(descriptor.error());
-        m_descriptor = *descriptor;
-        return {};
-    }
-    int descriptor() const { return m_descriptor; }
-
-private:
-    QString m_path;
-    int m_descriptor = -1;
-};
 
 /// Hands messages over between the agent of the kept program and one run at a time.
 class Keeper {
@@ -271,17 +206,15 @@ void Keeper::work() {
 }
 
 /// Listens at a socket, or takes the place of a keeper that was killed.
-Outcome<> listenForRuns(const QString& name, Listener& listener) {
+Outcome<> listenForRuns(const QString& name, UserSocketListener& listener) {
     const Outcome<QString> path = socketOf(name);
     if (!path)
         return fail(path.error());
-    if (const Outcome<int> other = Wire::connectLocalSocket(*path)) {
-        ::close(*other);
+    Outcome<> listening = listener.takeOver(*path);
+    if (!listening && listening.error().kind == FailureKind::Refused)
         return fail(FailureKind::Refused,
                     QStringLiteral("a program named '%1' is attachable already").arg(name));
-    }
-    ::unlink(path->toLocal8Bit().constData());
-    return listener.listen(*path);
+    return listening;
 }
 
 void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) {
@@ -294,8 +227,8 @@ void acceptOn(const pollfd& listener, Keeper& keeper, void (Keeper::*add)(int)) 
 
 /// Works until the program has ended or the process is interrupted. Fails when no agent came, or
 /// it went.
-Outcome<> keep(StartedProgram& program, Keeper& keeper, const Listener& agents,
-               const Listener& runs) {
+Outcome<> keep(StartedProgram& program, Keeper& keeper, const UserSocketListener& agents,
+               const UserSocketListener& runs) {
     const QDeadlineTimer deadline(connectTimeout);
     const QString name = program.start().name;
     while (program.isAlive() && Interrupt::signalNumber() == 0) {
@@ -328,7 +261,7 @@ Outcome<> keep(StartedProgram& program, Keeper& keeper, const Listener& agents,
 }  // namespace
 
 Outcome<int> keepAttachable(const AttachableOptions& options) {
-    Listener runs;
+    UserSocketListener runs;
     if (const Outcome<> listening = listenForRuns(options.name, runs); !listening)
         return fail(listening.error());
     Outcome<ApplicationStart> start = resolveApplication(quotedShellWords(options.command), {});
@@ -344,7 +277,7 @@ Outcome<int> keepAttachable(const AttachableOptions& options) {
         return fail(made.error());
     watch.start(runId, folder.path());
     const QString socket = folder.path() + QLatin1String("/agents");
-    Listener agents;
+    UserSocketListener agents;
     if (const Outcome<> listening = agents.listen(socket); !listening)
         return fail(listening.error());
     Keeper keeper(randomToken());
@@ -365,15 +298,7 @@ Outcome<int> keepAttachable(const AttachableOptions& options) {
 }
 
 void clearLeftSockets() {
-    const QDir folder(attachableFolderPath());
-    const QDateTime justNow = QDateTime::currentDateTime().addSecs(-socketAge);
-    for (const QFileInfo& file : folder.entryInfoList({QStringLiteral("*.sock")}, QDir::System)) {
-        if (const Outcome<int> descriptor = Wire::connectLocalSocket(file.filePath()))
-            ::close(*descriptor);
-        // A new one may not listen yet.
-        else if (file.lastModified() < justNow)
-            ::unlink(QFile::encodeName(file.filePath()).constData());
-    }
+    clearLeftUserSockets(socketKind());
 }
 
 Outcome<std::shared_ptr<AgentConnection>> connectToAttachable(const QString& name) {

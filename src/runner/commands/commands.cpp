@@ -20,6 +20,8 @@
     DO(findText)                    \
     DO(cut)                         \
     DO(dap)                         \
+    DO(mcp)                         \
+    DO(drive)                       \
     DO(data)                        \
     DO(vp)
 

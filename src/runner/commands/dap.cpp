@@ -61,8 +61,8 @@ void endInputBySignals(int input) {
 
 int serve(int input, int output) {
     endInputBySignals(input);
-    Dap::DescriptorReader reader(input);
-    Dap::DescriptorWriter writer(output);
+    DescriptorReader reader(input);
+    DescriptorWriter writer(output);
     Dap::Server server(reader, writer, QCoreApplication::applicationFilePath(),
                        Dap::startChildProgram);
     server.serveToTheEnd();

@@ -9,11 +9,11 @@ Outcome<> checkDisplay(const QString& display);
 
 /// The option of commands that start applications: where these appear.
 template <typename Settings>
-Option<Settings> displayOption(QString Settings::*member) {
+Option<Settings> displayOption(QString Settings::*member, const char* otherwise = "inherit") {
     return {"aut-display", "auto|inherit|:N",
-            "Where applications appear: auto (a display and session bus of its own), %1 (the "
-            "default) or :N.",
-            "inherit", [member](const QStringList& values, Settings& settings) {
+            "Where applications appear: auto (a display and session bus of their own), inherit or "
+            ":N; default %1.",
+            otherwise, [member](const QStringList& values, Settings& settings) {
                 settings.*member = values.constLast();
                 return checkDisplay(values.constLast());
             }};

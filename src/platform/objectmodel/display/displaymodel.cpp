@@ -438,6 +438,25 @@ Outcome<Wire::ObjectListing> DisplayModel::listing() {
     return listing;
 }
 
+Outcome<Wire::ObjectOutline> DisplayModel::outline() {
+    const Outcome<WindowList> windows = m_session->windows();
+    if (!windows)
+        return fail(windows.error());
+    Wire::ObjectOutline outline;
+    outline.types.append(Display::windowClass()->name());
+    for (const WindowFacts& window : *windows) {
+        if (!window.isVisible)
+            continue;
+        Wire::OutlinedObject outlined;
+        outlined.handle = window.id;
+        outlined.state = Wire::OutlinedObject::Enabled | Wire::OutlinedObject::Window;
+        outlined.geometry = window.geometry;
+        outlined.text = window.title;
+        outline.objects.append(outlined);
+    }
+    return outline;
+}
+
 Outcome<SharedPtr<Object>> DisplayModel::globalBounds(SharedPtr<Object> object) {
     const Outcome<Spot> spot = spotOf(Target::ofObject(object));
     if (!spot)

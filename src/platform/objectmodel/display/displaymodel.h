@@ -47,6 +47,7 @@ public:
     Outcome<> quit() override;
     Outcome<QByteArray> snapshotOf(const Target& target, bool withImages) override;
     Outcome<Wire::ObjectListing> listing() override;
+    Outcome<Wire::ObjectOutline> outline() override;
     Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object) override;
     /// What the process had when it started.
     Outcome<QString> environmentVariable(const QString& name) override;

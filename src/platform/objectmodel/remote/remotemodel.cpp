@@ -414,6 +414,10 @@ Outcome<Wire::ObjectListing> RemoteModel::listing() {
     return m_link->ask<Wire::ObjectListing>(MessageType::ListObjects, QByteArray());
 }
 
+Outcome<Wire::ObjectOutline> RemoteModel::outline() {
+    return m_link->ask<Wire::ObjectOutline>(MessageType::OutlineObjects, QByteArray());
+}
+
 Outcome<SharedPtr<Object>> RemoteModel::globalBounds(SharedPtr<Object> object) {
     // A place of the screen is where it is.
     if (isScreenRectangle(object))

@@ -56,6 +56,7 @@ public:
     Outcome<> quit() override;
     Outcome<QByteArray> snapshotOf(const Target& target, bool withImages) override;
     Outcome<Wire::ObjectListing> listing() override;
+    Outcome<Wire::ObjectOutline> outline() override;
     Outcome<SharedPtr<Object>> globalBounds(SharedPtr<Object> object) override;
     Outcome<QString> environmentVariable(const QString& name) override;
     std::vector<std::pair<QString, SharedPtr<Object>>> takeEvents() override;

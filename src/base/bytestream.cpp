@@ -1,4 +1,4 @@
-#include "dap/protocol/stream.h"
+#include "base/bytestream.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -9,9 +9,9 @@
 
 #include "base/filewriting.h"
 
-namespace Tamrix::Dap {
+namespace Tamrix {
 
-Reader::State DescriptorReader::read(QByteArray* bytes) {
+ByteReader::State DescriptorReader::read(QByteArray* bytes) {
     // Asked each time instead of made non-blocking: standard input is shared with who started us.
     pollfd watched{m_descriptor, POLLIN, 0};
     while (::poll(&watched, 1, 0) > 0) {
@@ -32,4 +32,9 @@ bool DescriptorWriter::write(const QByteArray& bytes) {
     return writeAll(m_descriptor, bytes, &reason);
 }
 
-}  // namespace Tamrix::Dap
+bool DescriptorWriter::isOpen() const {
+    pollfd watched{m_descriptor, 0, 0};
+    return ::poll(&watched, 1, 0) <= 0 || (watched.revents & (POLLERR | POLLHUP | POLLNVAL)) == 0;
+}
+
+}  // namespace Tamrix

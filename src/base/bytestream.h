@@ -2,17 +2,19 @@
 
 #include <QByteArray>
 
-namespace Tamrix::Dap {
+#include "base/export.h"
+
+namespace Tamrix {
 
 /// Where bytes come from, without waiting for them.
-class Reader {
+class TAMRIX_EXPORT ByteReader {
 public:
     enum class State {
         Open,  ///< more may come
         Ended  ///< no more will come
     };
 
-    virtual ~Reader() = default;
+    virtual ~ByteReader() = default;
     /// Appends what has come since the last call, which may be nothing.
     virtual State read(QByteArray* bytes) = 0;
     /// What poll() watches for more; -1 when there is nothing to watch.
@@ -20,15 +22,17 @@ public:
 };
 
 /// Where bytes go.
-class Writer {
+class TAMRIX_EXPORT ByteWriter {
 public:
-    virtual ~Writer() = default;
+    virtual ~ByteWriter() = default;
     /// Hands over all bytes, waiting as long as that takes. False when nobody takes them any more.
     virtual bool write(const QByteArray& bytes) = 0;
+    /// Whether somebody takes them, as far as that can be told without writing.
+    virtual bool isOpen() const { return true; }
 };
 
 /// A pipe, socket or file. Does not own the descriptor.
-class DescriptorReader : public Reader {
+class TAMRIX_EXPORT DescriptorReader : public ByteReader {
 public:
     explicit DescriptorReader(int descriptor) : m_descriptor(descriptor) {}
     State read(QByteArray* bytes) override;
@@ -39,13 +43,14 @@ private:
 };
 
 /// A pipe, socket or file. Does not own the descriptor.
-class DescriptorWriter : public Writer {
+class TAMRIX_EXPORT DescriptorWriter : public ByteWriter {
 public:
     explicit DescriptorWriter(int descriptor) : m_descriptor(descriptor) {}
     bool write(const QByteArray& bytes) override;
+    bool isOpen() const override;
 
 private:
     int m_descriptor;
 };
 
-}  // namespace Tamrix::Dap
+}  // namespace Tamrix
