@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "base/export.h"
+#include "plugins/python/objectnames.h"
 #include "plugins/python/pythoninterpreter.h"
 
 /// An interpreter for Python scripts, owned by the caller; null, with a message on standard error,
@@ -15,4 +16,9 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Python interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// A map of object names in a Python script, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::PythonPlugin::PythonObjectMap(path);
 }
