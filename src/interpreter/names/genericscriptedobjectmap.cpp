@@ -241,8 +241,8 @@ Outcome<ObjectName> GenericScriptedObjectMap::nameOfValue(
     if (fault.isEmpty())
         return ObjectName(properties);
     return fail(FailureKind::BadArgument,
-                QStringLiteral("the variable '%1' is no name of an object: %2. One that is not "
-                               "meant to be starts with '_'")
+                QStringLiteral("the variable '%1' is no name of an object (one that is not meant "
+                               "to be starts with '_'): %2")
                     .arg(variable, fault));
 }
 
@@ -254,6 +254,7 @@ Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
     // 2. Its maps are names, but for those that it says are its own.
     QMap<QString, ObjectName> names;
     QStringList faults;
+    const QMap<QString, int> lines = definitionLines(notation(), text);
     for (const auto& [variable, value] : scriptVariables()) {
         if (!value || !value->isMap() || variable.startsWith('_') || value->toMap().empty())
             continue;
@@ -262,9 +263,9 @@ Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
             names.insert(keyOfVariable(variable), *name);
             continue;
         }
-        const int line = definitionLine(notation(), text, variable);
-        const QString place =
-            line > 0 ? QStringLiteral(", line %1").arg(line) : QString();
+        const QString place = lines.contains(variable)
+                                  ? QStringLiteral(", line %1").arg(lines.value(variable))
+                                  : QString();
         faults.append(QStringLiteral("%1%2: %3").arg(path(), place, name.error().text));
     }
     if (!faults.isEmpty())

@@ -10,25 +10,22 @@ namespace Tamrix {
 
 namespace {
 
-Outcome<> useScript(const ScriptLanguageInformation& language, const QString& path) {
-    const auto* const used = dynamic_cast<ScriptedObjectMap*>(ObjectMap::self());
-    if (used && used->path() == path)
-        return {};
-    ObjectMap::use(nullptr);
+Outcome<std::unique_ptr<ObjectMap>> openScript(const ScriptLanguageInformation& language,
+                                               const QString& path) {
+    const auto failure = [&path](const QString& reason) {
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("The object map '%1' can't be used: %2").arg(path, reason));
+    };
     const ScriptLanguagePlugin plugin(language.pluginName);
-    if (!plugin.lastErrorMessage().isEmpty()) {
-        return fail(FailureKind::Failed, QStringLiteral("The object map '%1' can't be used: %2")
-                                             .arg(path, plugin.lastErrorMessage()));
-    }
+    if (!plugin.lastErrorMessage().isEmpty())
+        return failure(plugin.lastErrorMessage());
     std::unique_ptr<ObjectMap> map(plugin.scriptedObjectMap(path));
     if (!map) {
-        return fail(FailureKind::Failed,
-                    QStringLiteral("The object map '%1' can't be used: the plug-in for %2 has no "
-                                   "maps of names")
-                        .arg(path, language.name));
+        return failure(
+            QStringLiteral("the plug-in for %1 has no maps of names").arg(language.name));
     }
-    ObjectMap::use(std::move(map));
-    return {};
+    return map;
 }
 
 }  // namespace
@@ -46,13 +43,27 @@ QString suiteObjectMap(const QString& suiteDirectory) {
     return plain;
 }
 
-Outcome<> useObjectMap(const QString& path) {
+Outcome<std::unique_ptr<ObjectMap>> openObjectMap(const QString& path) {
     if (const auto* const language = ScriptLanguageInformation::forFile(QFileInfo(path)))
-        return useScript(*language, path);
+        return openScript(*language, path);
+    auto map = std::make_unique<ObjectMap>();
+    map->setPath(path);
+    if (QFileInfo::exists(path)) {
+        if (const Outcome<> loaded = map->load(path); !loaded)
+            return fail(loaded.error());
+    }
+    return map;
+}
+
+Outcome<> useObjectMap(const QString& path) {
+    const auto* const script = dynamic_cast<ScriptedObjectMap*>(ObjectMap::self());
+    if (script && script->path() == path)
+        return {};
     ObjectMap::use(nullptr);
-    if (QFileInfo::exists(path))
-        return ObjectMap::self()->load(path);
-    ObjectMap::self()->setPath(path);
+    Outcome<std::unique_ptr<ObjectMap>> map = openObjectMap(path);
+    if (!map)
+        return fail(map.error());
+    ObjectMap::use(*std::move(map));
     return {};
 }
 

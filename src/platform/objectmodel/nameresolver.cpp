@@ -96,6 +96,18 @@ bool isReferenceToName(const QString& property, const PropertyValue& value) {
            value.modifiers() == PropertyValue::Plain && !isTextProperty(property);
 }
 
+QStringList referencesOf(const ObjectName& name) {
+    QStringList references;
+    const auto properties = name.properties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        if (isReferenceToName(it.key(), *it))
+            references.append(it->text());
+        else if (it->isRealName() && isMultiPropertyName(it->text()))
+            references += referencesOf(ObjectName(it->text()));
+    }
+    return references;
+}
+
 Outcome<ObjectName> resolveName(const QMap<QString, ObjectName>& names, const QString& name) {
     Resolver resolver(names);
     const ObjectName resolved = resolver.resolve(name);

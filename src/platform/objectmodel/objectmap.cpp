@@ -106,6 +106,12 @@ Outcome<QStringList> ObjectMap::symbolicNames() {
     return m_names.keys();
 }
 
+Outcome<QMap<QString, ObjectName>> ObjectMap::names() {
+    if (const Outcome<> updated = update(); !updated)
+        return fail(updated.error());
+    return m_names;
+}
+
 // New entries
 
 Outcome<QString> ObjectMap::add(const SharedPtr<Object>& object) {

@@ -52,6 +52,9 @@ public:
     /// All of them, sorted. Fails when the map can't be read.
     Outcome<QStringList> symbolicNames();
 
+    /// The entries, with the references in them as they are. Fails when the map can't be read.
+    Outcome<QMap<QString, ObjectName>> names();
+
     /// The symbolic name of an object, for which a new entry is written to the map's file when it
     /// has none: behind all others, with the file left as it is otherwise, whole or not at all.
     /// Fails when the map has no file, when that can't be written, and for a faulty one.

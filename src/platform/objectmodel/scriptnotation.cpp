@@ -104,23 +104,25 @@ QString writtenEntry(const ScriptNotation& notation, const QString& key, const O
                                         writtenName(notation, name, indentStep));
 }
 
-int definitionLine(const ScriptNotation& notation, const QString& script,
-                   const QString& variable) {
-    // The statement up to its value: "our $%1 = ".
-    const QString start = notation.statement.section(QLatin1String("%2"), 0, 0);
-    QString pattern;
-    for (const QString& word : start.arg(variable).simplified().split(' ')) {
-        pattern += pattern.isEmpty() ? QStringLiteral("^\\s*") : QStringLiteral("\\s*");
-        pattern += QRegularExpression::escape(word);
+QMap<QString, int> definitionLines(const ScriptNotation& notation, const QString& script) {
+    // The statement up to its value, "our $%1 = ", with any blanks between its words.
+    const QString start = notation.statement.section(QLatin1String("%2"), 0, 0).simplified();
+    QStringList words;
+    for (const QString& word : start.split(' '))
+        words.append(QRegularExpression::escape(word));
+    QString pattern = QStringLiteral("^\\s*") + words.join(QStringLiteral("\\s*"));
+    pattern.replace(QRegularExpression::escape(QStringLiteral("%1")),
+                    QStringLiteral("([A-Za-z_][A-Za-z0-9_]*)"));
+    const QRegularExpression definition(pattern);
+    QMap<QString, int> lines;
+    int number = 0;
+    for (const QString& line : script.split('\n')) {
+        ++number;
+        const QRegularExpressionMatch match = definition.match(line);
+        if (match.hasMatch())
+            lines.insert(match.captured(1), number);
     }
-    // "set save" is no definition of save_button.
-    const QRegularExpression definition(pattern + QStringLiteral("(?![A-Za-z0-9_])"));
-    const QStringList lines = script.split('\n');
-    for (int index = lines.size() - 1; index >= 0; --index) {
-        if (definition.match(lines.at(index)).hasMatch())
-            return index + 1;
-    }
-    return 0;
+    return lines;
 }
 
 QString variableOfText(const ScriptNotation& notation, const QString& text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -58,10 +59,9 @@ TAMRIX_EXPORT QString writtenName(const ScriptNotation& notation, const ObjectNa
 TAMRIX_EXPORT QString writtenEntry(const ScriptNotation& notation, const QString& key,
                                    const ObjectName& name);
 
-/// The line of the script, from 1, whose statement makes the variable; the last one of several, 0
-/// when none is found.
-TAMRIX_EXPORT int definitionLine(const ScriptNotation& notation, const QString& script,
-                                 const QString& variable);
+/// The lines of a script, from 1, whose statements make variables; of several for one the last.
+TAMRIX_EXPORT QMap<QString, int> definitionLines(const ScriptNotation& notation,
+                                                 const QString& script);
 
 /// A variable for an object, from what it shows: "save_button" for a QPushButton "&Save...". Its
 /// number goes up until `isFree` takes it.

@@ -12,6 +12,7 @@
     DO(merge)                       \
     DO(farm)                        \
     DO(inspect)                     \
+    DO(names)                       \
     DO(compare)                     \
     DO(attachable)                  \
     DO(findImage)                   \
