@@ -371,9 +371,19 @@ void appendNames(QStringList& names, const Rows& rows) {
 }  // namespace
 
 QStringList Interpreter::libraryNames() {
-    // Namespaces, and what initNativeAPI() makes of classes.
-    QStringList names{"Image",     "Screenshot", "VideoCapture",     "object",      "objectMap",
-                      "test",      "testData",   "testInteraction", "testSettings", "tamrixinfo",
+    // Namespaces, and the classes of initNativeAPI().
+    QStringList names{"Image",
+                      "OCRSpaceTestSettings",
+                      "Screenshot",
+                      "TesseractTestSettings",
+                      "VideoCapture",
+                      "object",
+                      "objectMap",
+                      "tamrixinfo",
+                      "test",
+                      "testData",
+                      "testInteraction",
+                      "testSettings",
                       grabDesktopScreenshotRow.name};
     appendNames(names, globalFunctions);
     appendNames(names, nativeFunctions);

@@ -305,9 +305,11 @@ QMap<QString, QString> GenericScriptedObjectMap::toSimplifiedRealNameMapping(
 QString GenericScriptedObjectMap::newKey(const ObjectName& name) {
     const Outcome<Utf8Text> script = readUtf8File(path());
     const QByteArray text = script ? script->text.toUtf8() : QByteArray();
-    // Whatever the script means by a word, it goes on to mean it.
+    // Whatever the script or the library means by a word, they go on to mean it.
+    const QStringList libraryNames = Interpreter::libraryNames();
     return keyOfVariable(newVariable(notation(), name, [&](const QString& variable) {
-        return !entries().contains(keyOfVariable(variable)) && !hasWord(text, variable);
+        return !entries().contains(keyOfVariable(variable)) &&
+               !libraryNames.contains(variable) && !hasWord(text, variable);
     }));
 }
 
