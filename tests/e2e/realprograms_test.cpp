@@ -58,11 +58,11 @@ TEST_P(RealPrograms, SuitesPass) {
 #ifdef TAMRIX_TEST_QT6
         {"examples/suite_applications", {}},
         {"examples/suite_features", {}},
-        {"examples/suite_names", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
+        {"examples/suite_names", {}},
         {"examples/suite_pictures", {}},
         {"tests/e2e/suites/suite_functions", {}},
         {"tests/e2e/suites/suite_speedcrunch", {}},

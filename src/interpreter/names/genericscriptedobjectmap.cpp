@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <cstdio>
+#include <utility>
 
 #include "base/utf8file.h"
 #include "interpreter/bridge/interpreter.h"
