@@ -114,7 +114,7 @@ def main():
     click(names.seven)
     with open(path, "w") as file:
         file.write("seven = {'type': 'Button', 'text': '7'}\n")
-    test.compare(objectMap.add(waitForObject({"type": "Button", "text": "1"})), ":button_1_button")
+    test.compare(objectMap.add(waitForObject({"type": "Button", "text": "1"})), ":button_1")
 )py");
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(output);
 }
@@ -123,7 +123,7 @@ TEST_F(NamesCommand, RunsAreAsBeforeWithoutNamesAsTexts) {
     // A script that would fail is not even run.
     suite.write("suite/shared/scripts/names.py", "raise ValueError('nobody asks')\n");
     QString output = run("def main():\n    test.pass_('well')\n"
-                         "    test.compare(object.exists('{type=\"A\"}'), False)\n");
+                         "    test.compare(object.exists(\"{type='A'}\"), False)\n");
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(output);
     output = run("def main():\n    objectMap.symbolicNames()\n");
     EXPECT_EQ(runner.exitCode(), 1);

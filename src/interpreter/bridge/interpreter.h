@@ -155,10 +155,6 @@ public:
     /// Registers the native functions and classes of the library with this interpreter.
     void initNativeAPI();
 
-    /// All names that the library gives a meaning in scripts: functions, those of applications
-    /// among them, namespaces and classes. Sorted.
-    static QStringList libraryNames();
-
 protected:
     /// Calls without arguments; false with callbackError() set when an error was raised.
     bool invoke(SharedPtr<ScriptArgument> callable);

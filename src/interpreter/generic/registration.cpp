@@ -3,6 +3,7 @@
 
 #include "interpreter/bdd/runfeaturefile.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/librarynames.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/applicationfunctions.h"
@@ -370,7 +371,7 @@ void appendNames(QStringList& names, const Rows& rows) {
 
 }  // namespace
 
-QStringList Interpreter::libraryNames() {
+QStringList libraryNames() {
     // Namespaces, and the classes of initNativeAPI().
     QStringList names{"Image",
                       "OCRSpaceTestSettings",

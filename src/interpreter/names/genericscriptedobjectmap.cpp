@@ -7,6 +7,7 @@
 
 #include "base/utf8file.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/librarynames.h"
 #include "interpreter/names/objectmaptool.h"
 #include "platform/objectmodel/mapfile.h"
 #include "platform/objectmodel/nameresolver.h"
@@ -307,10 +308,10 @@ QString GenericScriptedObjectMap::newKey(const ObjectName& name) {
     const Outcome<Utf8Text> script = readUtf8File(path());
     const QByteArray text = script ? script->text.toUtf8() : QByteArray();
     // Whatever the script or the library means by a word, they go on to mean it.
-    const QStringList libraryNames = Interpreter::libraryNames();
+    const QStringList taken = libraryNames();
     return keyOfVariable(newVariable(notation(), name, [&](const QString& variable) {
         return !entries().contains(keyOfVariable(variable)) &&
-               !libraryNames.contains(variable) && !hasWord(text, variable);
+               !taken.contains(variable) && !hasWord(text, variable);
     }));
 }
 

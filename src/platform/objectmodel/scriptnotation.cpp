@@ -155,10 +155,12 @@ QStringList wordsOfObject(const ObjectName& name) {
     for (QString& word : words)
         word = word.left(longestWord).toLower();
     const QString kind = kindWord(properties.value(QStringLiteral("type")).text());
-    if (!kind.isEmpty() && (words.isEmpty() || words.last() != kind))
+    // A variable starts with a letter.
+    const bool startsWithDigit = !words.isEmpty() && words.first().at(0).isDigit();
+    if (startsWithDigit || (words.isEmpty() && kind.isEmpty()))
+        words.prepend(kind.isEmpty() ? QStringLiteral("object") : kind);
+    else if (!kind.isEmpty() && (words.isEmpty() || words.last() != kind))
         words.append(kind);
-    if (words.isEmpty() || words.first().at(0).isDigit())
-        words.prepend(QStringLiteral("object"));
     return words;
 }
 

@@ -2,7 +2,7 @@
 
 #include <QHash>
 
-#include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/librarynames.h"
 #include "platform/objectmodel/nearmisstext.h"
 #include "platform/objectmodel/scriptedobjectmap.h"
 
@@ -107,7 +107,7 @@ private:
     Access& m_access;
     ScriptedObjectMap* m_script;
     ObjectMap& m_map;
-    const QStringList m_libraryNames = Interpreter::libraryNames();
+    const QStringList m_libraryNames = libraryNames();
     /// By handle of the object that was found.
     QHash<quint64, QString> m_keys;
     NameCheck m_check;

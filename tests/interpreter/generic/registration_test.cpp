@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include "interpreter/bridge/librarynames.h"
 #include "support/fakelanguage.h"
 #include "support/golden.h"
 #include "support/printqt.h"
@@ -61,7 +62,7 @@ TEST(Registration, RegistersWhatThereIsInOrder) {
 }
 
 TEST(Registration, AllGlobalNamesAreLibraryNames) {
-    const QStringList all = Interpreter::libraryNames();
+    const QStringList all = libraryNames();
     ListingContext context;
     context.initFunctions();
     Test::FakeInterpreter interpreter(nullptr, Interpreter::Tcl);

@@ -45,6 +45,7 @@ TEST(ScriptNotation, VariablesAreMadeOfWhatObjectsShow) {
         {"{type='X' text='一二'}", "object"},
         {"{text='一二'}", "object"},
         {"{text='2nd page'}", "object_2nd_page"},
+        {"{text='7' type='QToolButton'}", "button_7"},
         {"{text='a b c d e f'}", "a_b_c_d"},
         {"{text='Button' type='QPushButton'}", "button"},
         {"{text='if'}", "if_2"},
