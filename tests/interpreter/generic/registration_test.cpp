@@ -65,7 +65,7 @@ TEST(Registration, AllGlobalNamesAreLibraryNames) {
     const QStringList all = libraryNames();
     ListingContext context;
     context.initFunctions();
-    Test::FakeInterpreter interpreter(nullptr, Interpreter::Tcl);
+    Tamrix::Test::FakeInterpreter interpreter(nullptr, Interpreter::Tcl);
     interpreter.initNativeAPI();
     for (const auto& nativeClass : interpreter.nativeClasses)
         context.names.append(nativeClass.name);

@@ -205,28 +205,28 @@ TEST_F(NamesInScripts, NestedNamesBecomeReferences) {
 
 TEST_F(NamesInScripts, VariablesOfTheScriptAreNames) {
     const FakeInterpreter interpreter(nullptr, Interpreter::Tcl);
-    const auto main = Test::map({{"type", text("W")}});
+    const auto main = Tamrix::Test::map({{"type", text("W")}});
     map.variables = {{"main", main},
-                     {"save", Test::map({{"text*", text("S*")}, {"n", integer(2)},
+                     {"save", Tamrix::Test::map({{"text*", text("S*")}, {"n", integer(2)},
                                          {"on", boolean(true)}, {"window", main}})},
-                     {"_own", Test::map({{"a b", text("")}})},
-                     {"empty", Test::map({})},
+                     {"_own", Tamrix::Test::map({{"a b", text("")}})},
+                     {"empty", Tamrix::Test::map({})},
                      {"word", text("{type='W'}")}};
     EXPECT_EQ(*map.toRealNameMapping("main\n"),
               (QMap<QString, QString>{{":main", "{type='W'}"},
                                       {":save", "{n='2' on='true' text*='S*' window={type='W'}}"}}));
 
     const auto endless = [] {
-        SharedPtr<ScriptArgument> value = Test::map({{"a", text("1")}});
+        SharedPtr<ScriptArgument> value = Tamrix::Test::map({{"a", text("1")}});
         for (int level = 0; level < 20; ++level)
-            value = Test::map({{"in", value}});
+            value = Tamrix::Test::map({{"in", value}});
         return value;
     };
     map.variables = {
         {"deep", endless()},
-        {"listed", Test::map({{"in", Test::map({{"a", list({})}})}})},
-        {"spaced", Test::map({{"a b", text("")}})},
-        {"pattern", Test::map({{"text~", text("(")}})},
+        {"listed", Tamrix::Test::map({{"in", Tamrix::Test::map({{"a", list({})}})}})},
+        {"spaced", Tamrix::Test::map({{"a b", text("")}})},
+        {"pattern", Tamrix::Test::map({{"text~", text("(")}})},
     };
     const QString start = path + ", line 2: the variable '";
     const QString reason = "' is no name of an object (one that is not meant to be starts with '_'): ";

@@ -78,11 +78,13 @@ TEST(ScriptNotation, TextsBecomeTheNearestVariable) {
 }
 
 TEST(ScriptNotation, EntriesAreWrittenAndFound) {
-    EXPECT_EQ(writtenEntry(underscores, ":b",
-                           ObjectName("{window=':main' text*=':main' type='B' box={in=':main' "
-                                      "name=':main'}}")),
-              "our $b = {<type> => <B>, <text*> => <:main>, <box> => {<name> => <:main>, <in> => "
-              "$main}, <window> => $main};");
+    EXPECT_EQ(writtenName(underscores,
+                          ObjectName("{window=':main' text*=':main' type='B' box={in=':main' "
+                                     "name=':main'}}")),
+              "{<type> => <B>, <text*> => <:main>, <box> => {<name> => <:main>, <in> => $main}, "
+              "<window> => $main}");
+    EXPECT_EQ(writtenEntry(underscores, ":b", ObjectName("{in=':main'}")),
+              "our $b = {<in> => $main};");
     EXPECT_EQ(writtenEntry(underscores, ":b",
                            ObjectName("{a='" + QString(100, 'x') + "' b~='y' c=':d'}")),
               "our $b = {\n    <a> => <" + QString(100, 'x') +
