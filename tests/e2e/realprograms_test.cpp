@@ -62,6 +62,7 @@ TEST_P(RealPrograms, SuitesPass) {
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
+        {"examples/suite_names", {}},
         {"examples/suite_pictures", {}},
         {"tests/e2e/suites/suite_functions", {}},
         {"tests/e2e/suites/suite_speedcrunch", {}},

@@ -1,11 +1,14 @@
-// Names of objects: one real name, or, when the first byte is "#", a map of names.
+// Names of objects: one real name, or, when the first byte is "#", a map of names, and when it is
+// "!", a script that makes names.
 
 #include <QString>
 
 #include "fuzz/fuzztarget.h"
 #include "fuzz/quietqt.h"
+#include "platform/objectmodel/mapfile.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/objectname.h"
+#include "platform/objectmodel/scriptnotation.h"
 
 using namespace Tamrix;
 
@@ -36,16 +39,63 @@ void checkMap(const QString& text) {
     }
 }
 
+/// A new line is an entry, whatever stands in front of it, which stays what it was.
+void checkNewEntry(const QByteArray& content) {
+    const QString line = QStringLiteral(":fresh entry\t{a='1'}");
+    const auto before = ObjectMap::parseSerializedMap(QString::fromUtf8(content));
+    const auto after = ObjectMap::parseSerializedMap(QString::fromUtf8(withEntry(content, line)));
+    fuzzRequire(after.contains(":fresh entry"), "an entry behind others is read");
+    for (auto entry = before.begin(); entry != before.end(); ++entry) {
+        fuzzRequire(after.value(entry.key()).qualifiedName() == entry->qualifiedName(),
+                    "a new entry changes no other one");
+    }
+}
+
+/// Like Python's.
+ScriptNotation notation() {
+    ScriptNotation notation;
+    notation.statement = "%1 = %2";
+    notation.reference = "%1";
+    notation.open = "{";
+    notation.afterPropertyName = ": ";
+    notation.betweenProperties = ", ";
+    notation.close = "}";
+    notation.literal = [](const QString& text) { return QString(text).replace('\n', ' '); };
+    notation.isVariable = [](const QString& name) {
+        return !name.isEmpty() && name.at(0).isLetter() && !name.contains(' ');
+    };
+    return notation;
+}
+
+void checkScript(const QString& text) {
+    const ScriptNotation ours = notation();
+    const int count = text.count('\n') + 1;
+    const auto lines = definitionLines(ours, text);
+    for (const int line : lines)
+        fuzzRequire(line > 0 && line <= count, "a name is made in a line of the script");
+    const QString variable = variableOfText(ours, text);
+    fuzzRequire(ours.isVariable(variable), "any text has a variable");
+    ObjectName name;
+    name.setProperty("text", text);
+    fuzzRequire(ours.isVariable(newVariable(ours, name, [](const QString&) { return true; })),
+                "any object has a variable");
+    const QString entry = writtenEntry(ours, keyOfVariable("fresh"), name);
+    fuzzRequire(definitionLines(ours, entry).value("fresh") == 1, "an entry is found again");
+}
+
 }  // namespace
 
 int fuzzTarget(const std::uint8_t* data, std::size_t size) {
     Fuzz::silenceQt();
-    const bool isMap = size > 0 && *data == '#';
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size));
-    if (isMap)
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const QString text = QString::fromUtf8(bytes);
+    if (bytes.startsWith('#')) {
         checkMap(text);
-    else
+        checkNewEntry(bytes);
+    } else if (bytes.startsWith('!')) {
+        checkScript(text);
+    } else {
         checkName(text);
+    }
     return 0;
 }

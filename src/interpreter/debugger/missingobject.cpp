@@ -30,7 +30,11 @@ bool stopForMissingObject(const QString& name, const QString& detail,
     if (debugger->skipCurrentError() == 1)
         return false;
     // 4. Another look, with what the map says now.
-    if (const Outcome<> loaded = ObjectMap::self()->loadIfChanged(objectMapPath); !loaded)
+    // The script may have taken another one than the suite's.
+    const QString used = ObjectMap::self()->path();
+    const Outcome<> loaded =
+        ObjectMap::self()->loadIfChanged(used.isEmpty() ? objectMapPath : used);
+    if (!loaded)
         debugger->notify(QStringLiteral("ObjectMap"), loaded.error().text);
     return true;
 }

@@ -3,6 +3,7 @@
 
 #include "interpreter/bdd/runfeaturefile.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/librarynames.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/applicationfunctions.h"
@@ -11,6 +12,7 @@
 #include "interpreter/generic/imagesearch.h"
 #include "interpreter/generic/inputfunctions.h"
 #include "interpreter/generic/objectfunctions.h"
+#include "interpreter/generic/objectmapfunctions.h"
 #include "interpreter/generic/ocrfunctions.h"
 #include "interpreter/generic/remotefunctions.h"
 #include "interpreter/generic/resourcefunctions.h"
@@ -21,6 +23,7 @@
 #include "interpreter/generic/testinteraction.h"
 #include "interpreter/generic/verificationpoints.h"
 #include "interpreter/generic/videocapture.h"
+#include "wire/applicationfunctions.h"
 
 namespace Tamrix {
 
@@ -210,7 +213,16 @@ const FunctionRow testFunctions[] = {
 };
 
 const FunctionRow objectMapFunctions[] = {
-    {"add"}, {"symbolicName"}, {"realName"}, {"symbolicNames"}, {"load"},
+    {"add", objectMapAdd, "object", "",
+     "Writes a new name for the object to the map's file when it has none; returns its symbolic "
+     "name"},
+    {"symbolicName", objectMapSymbolicName, "nameOrObject", "",
+     "The symbolic name of a real name or an object, empty without one"},
+    {"realName", objectMapRealName, "nameOrObject", "",
+     "The real name that a name stands for, or that of an object"},
+    {"symbolicNames", objectMapSymbolicNames, "", "", "A list of all symbolic names"},
+    {"load", objectMapLoad, "file", "",
+     "Takes the map of names in a file of the suite in place of the one in use"},
 };
 
 const FunctionRow testDataFunctions[] = {
@@ -351,7 +363,35 @@ void addHiddenNativeClass(Interpreter* interpreter, const QString& name) {
     interpreter->addSelfDefinedVariableName(name);
 }
 
+template <typename Rows>
+void appendNames(QStringList& names, const Rows& rows) {
+    for (const auto& row : rows)
+        names.append(QString::fromLatin1(row.name));
+}
+
 }  // namespace
+
+QStringList libraryNames() {
+    // Namespaces, and the classes of initNativeAPI().
+    QStringList names{"Image",
+                      "OCRSpaceTestSettings",
+                      "Screenshot",
+                      "TesseractTestSettings",
+                      "VideoCapture",
+                      "object",
+                      "objectMap",
+                      "tamrixinfo",
+                      "test",
+                      "testData",
+                      "testInteraction",
+                      "testSettings",
+                      grabDesktopScreenshotRow.name};
+    appendNames(names, globalFunctions);
+    appendNames(names, nativeFunctions);
+    appendNames(names, Wire::applicationFunctions);
+    names.sort();
+    return names;
+}
 
 void ScriptContext::initFunctions() {
     for (const FunctionRow& row : globalFunctions) {

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "base/export.h"
+#include "plugins/python/objectnames.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/pythonrecorder.h"
 
@@ -23,4 +24,9 @@ extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first
                                                                     bool /*third*/,
                                                                     const QString& /*text*/) {
     return new Tamrix::PythonPlugin::PythonRecorder;
+}
+
+/// A map of object names in a Python script, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::PythonPlugin::PythonObjectMap(path);
 }

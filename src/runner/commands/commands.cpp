@@ -13,6 +13,7 @@
     DO(trace)                       \
     DO(farm)                        \
     DO(inspect)                     \
+    DO(names)                       \
     DO(record)                      \
     DO(compare)                     \
     DO(attachable)                  \

@@ -4,6 +4,7 @@
 #include <QDir>
 
 #include "base/textescape.h"
+#include "interpreter/names/objectmaps.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/verification/pointcreation.h"
@@ -90,18 +91,15 @@ struct Destination {
 };
 
 Outcome<Destination> destinationOf(const VpSettings& settings) {
-    ObjectMap::self()->clear();
+    ObjectMap::use(nullptr);
     if (settings.suite.isEmpty())
         return Destination{settings.file, {}};
     const Outcome<Suite> suite = loadSuite(settings.suite);
     if (!suite)
         return fail(suite.error());
     const QDir shared(suite->directory + QStringLiteral("/shared"));
-    const QString names = shared.filePath(QStringLiteral("objectnames.tsv"));
-    if (QFileInfo::exists(names)) {
-        if (const Outcome<> loaded = ObjectMap::self()->load(names); !loaded)
-            return fail(loaded.error());
-    }
+    if (const Outcome<> used = useObjectMap(suiteObjectMap(suite->directory)); !used)
+        return fail(used.error());
     const QString folder = TestResource::directoryName(TestResource::VerificationPoint);
     return Destination{QDir(shared.filePath(folder)).filePath(settings.file),
                        {suite->directory, suite->config.fileName, suite->config.applications}};

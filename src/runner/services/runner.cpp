@@ -1,6 +1,7 @@
 #include "runner/services/runner.h"
 
 #include "interpreter/debugger/missingobject.h"
+#include "interpreter/names/objectmaps.h"
 
 namespace Tamrix {
 
@@ -20,7 +21,7 @@ void Runner::startCase(const QString& name, const QString& scriptPath) {
 
 QString Runner::objectMapPath() {
     const QString& suite = facts.places.suiteDirectory;
-    return suite.isEmpty() ? QString() : suite + QLatin1String("/shared/objectnames.tsv");
+    return suite.isEmpty() ? QString() : suiteObjectMap(suite);
 }
 
 bool Runner::acquireRemoteObjectModel() {

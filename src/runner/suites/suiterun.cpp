@@ -18,8 +18,8 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/generic/testinteraction.h"
+#include "interpreter/names/objectmaps.h"
 #include "interpreter/run/scripttestcase.h"
-#include "platform/objectmodel/objectmap.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
 #include "runner/processes/interrupt.h"
@@ -108,11 +108,7 @@ Outcome<> SuiteRun::prepare() {
 }
 
 Outcome<> SuiteRun::loadObjectMap() {
-    const QString path = m_runner.objectMapPath();
-    ObjectMap::self()->clear();
-    if (!QFileInfo::exists(path))
-        return {};
-    return ObjectMap::self()->load(path);
+    return useObjectMap(m_runner.objectMapPath());
 }
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {

@@ -40,7 +40,7 @@ TEST_F(ObjectMapTest, ResolvesReferencesWhereverTheyStand) {
         load("# names\n\n:Main\t{type='W'}\r\n"
              ":Box\t{window=':Main'}\n"
              ":Save\t{container={in=':Box' text=':Main'} text*=':Main'}\n"));
-    EXPECT_EQ(map->symbolicNames(), (QStringList{":Box", ":Main", ":Save"}));
+    EXPECT_EQ(*map->symbolicNames(), (QStringList{":Box", ":Main", ":Save"}));
     // Texts and patterns are no references.
     EXPECT_EQ(map->realName(":Save"),
               "{container={in={window={type='W'}} text=':Main'} text*=':Main'}");
@@ -80,7 +80,7 @@ TEST_F(ObjectMapTest, FaultsNameFileAndLine) {
     for (const auto& row : rows) {
         EXPECT_FALSE(load(row.content));
         EXPECT_EQ(lastError().section('\n', 0, 0), path() + ", " + row.fault);
-        EXPECT_TRUE(map->symbolicNames().isEmpty());
+        EXPECT_TRUE(map->symbolicNames()->isEmpty());
     }
     EXPECT_FALSE(Inspector::self()->take(map->load("/nowhere")));
     EXPECT_EQ(lastError(), "The object map '/nowhere' can't be read: No such file or directory");

@@ -21,8 +21,7 @@ assert findFile.__doc__ == 'Finds a script or testdata file'
 assert inspect.isbuiltin(source) and test.pass_.__name__ == 'pass_'
 )py"),
               "");
-    // What the core doesn't have is no name.
-    EXPECT_EQ(run("objectMap.load('x')"), "NameError: name 'objectMap' is not defined");
+    EXPECT_EQ(run("objectMap.load('x')"), "tamrix.Error: File 'x' couldn't be found.");
 }
 
 TEST_F(PythonNames, ArgumentsByName) {

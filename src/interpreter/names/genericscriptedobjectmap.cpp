@@ -1,0 +1,339 @@
+#include "interpreter/names/genericscriptedobjectmap.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <cstdio>
+#include <utility>
+
+#include "base/utf8file.h"
+#include "interpreter/bridge/interpreter.h"
+#include "interpreter/bridge/librarynames.h"
+#include "interpreter/names/objectmaptool.h"
+#include "platform/objectmodel/mapfile.h"
+#include "platform/objectmodel/nameresolver.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// The files whose time stamps say whether the names may have changed.
+const QStringList scriptPatterns = {
+    QStringLiteral("*.js"), QStringLiteral("*.pl"), QStringLiteral("*.pm"),
+    QStringLiteral("*.py"), QStringLiteral("*.rb"), QStringLiteral("*.tcl")};
+
+/// The error that a script has raised, with its place.
+QString scriptErrorText(const Interpreter& interpreter, const QString& path) {
+    const QString file = interpreter.errorFile(path);
+    return interpreter.errorLine() > 0
+               ? QStringLiteral("%1, line %2: %3")
+                     .arg(file, QString::number(interpreter.errorLine()),
+                          interpreter.errorMessage())
+               : QStringLiteral("%1: %2").arg(file, interpreter.errorMessage());
+}
+
+/// Says of the first value that no property of a name can have what is wrong with it. The name's
+/// depth is known to be limited.
+QString valueFault(const ScriptArgument::Map& properties) {
+    for (const auto& [property, value] : properties) {
+        if (value->isMap()) {
+            const QString fault = valueFault(value->toMap());
+            if (!fault.isEmpty())
+                return fault;
+        } else if (!value->isString() && !value->isNumber() && !value->isBool()) {
+            return QStringLiteral(
+                       "the property '%1' is neither a text, a number nor a name but a %2")
+                .arg(property, value->typeName());
+        }
+    }
+    return {};
+}
+
+/// Puts the keys of names in the place of those names in others.
+class Simplifier {
+public:
+    explicit Simplifier(const QMap<QString, QString>& realNames) {
+        // Of several keys with one name the first counts.
+        for (auto it = realNames.cbegin(); it != realNames.cend(); ++it) {
+            if (!m_keys.contains(it.value()))
+                m_keys.insert(it.value(), it.key());
+        }
+    }
+
+    /// A text that is no real name stays.
+    QString simplified(const QString& realName) const {
+        QMap<QString, PropertyValue> properties;
+        if (!isMultiPropertyName(realName) || !parseNameByProperties(realName, &properties))
+            return realName;
+        for (auto it = properties.begin(); it != properties.end(); ++it) {
+            if (!it->isRealName() || isTextProperty(it.key()))
+                continue;
+            const QString key = m_keys.value(it->text());
+            *it = key.isEmpty()
+                      ? PropertyValue(simplified(it->text()), PropertyValue::Plain, true)
+                      : PropertyValue(key, PropertyValue::Plain, false);
+        }
+        return ObjectName(properties).qualifiedName();
+    }
+
+private:
+    QHash<QString, QString> m_keys;
+};
+
+/// Whether the key stands for this name.
+bool hasMeaning(const QMap<QString, ObjectName>& names, const QString& key,
+                const Outcome<ObjectName>& wanted) {
+    const Outcome<ObjectName> meant = resolveName(names, key);
+    return meant && wanted && meant->qualifiedName() == wanted->qualifiedName();
+}
+
+bool hasWord(const QByteArray& text, const QString& word) {
+    const QRegularExpression found(QStringLiteral("\\b%1\\b").arg(word));
+    return found.match(QString::fromUtf8(text)).hasMatch();
+}
+
+}  // namespace
+
+GenericScriptedObjectMap::GenericScriptedObjectMap(const QString& path, const QString& suffix)
+    : ScriptedObjectMap(path, suffix) {}
+
+// Keys
+
+QString GenericScriptedObjectMap::modulePrefix() const {
+    return QFileInfo(path()).completeBaseName() + QLatin1Char('.');
+}
+
+QString GenericScriptedObjectMap::scriptedNameKey(const ScriptedSymbolicName& name) const {
+    const QString text = name.text();
+    if (text.startsWith(':'))
+        return text;
+    const QString prefix = modulePrefix();
+    return text.startsWith(prefix) ? keyOfVariable(text.mid(prefix.size())) : QString();
+}
+
+QString GenericScriptedObjectMap::toSymbolicName(const QString& key) const {
+    return modulePrefix() + variableOfKey(key);
+}
+
+QString GenericScriptedObjectMap::keyOf(const QString& name) const {
+    return scriptedNameKey(ScriptedSymbolicName(name));
+}
+
+// The cache
+
+Outcome<QMap<QString, QString>> GenericScriptedObjectMap::fetchRealNameMapping() {
+    const Outcome<QMap<QString, ObjectName>> names =
+        runObjectMapTool(path(), QByteArray(), toolTimeout);
+    if (!names) {
+        setEntries({});
+        return fail(names.error());
+    }
+    setEntries(*names);
+    QMap<QString, QString> mapping;
+    for (auto it = names->cbegin(); it != names->cend(); ++it)
+        mapping.insert(mapping.cend(), it.key(), it->qualifiedName());
+    return mapping;
+}
+
+Outcome<> GenericScriptedObjectMap::update() {
+    QDateTime modified = lastScriptModification(scriptPatterns);
+    if (!modified.isValid())
+        modified = QFileInfo(path()).lastModified();
+    if (!QFileInfo::exists(path())) {
+        setEntries({});
+        m_cachedMapping.clear();
+        m_cacheTime = QDateTime();
+        m_cacheError = QStringLiteral("There is no file '%1'").arg(path());
+        m_isErrorTold = false;
+    } else if (modified != m_cacheTime) {
+        const Outcome<QMap<QString, QString>> mapping = fetchRealNameMapping();
+        m_cachedMapping = mapping ? *mapping : QMap<QString, QString>();
+        m_cacheError = mapping ? QString() : mapping.error().text;
+        m_cacheTime = modified;
+        m_isErrorTold = false;
+    }
+    if (m_cacheError.isEmpty())
+        return {};
+    return fail(FailureKind::Failed, m_cacheError);
+}
+
+Outcome<QMap<QString, QString>> GenericScriptedObjectMap::getRealNameMapping() {
+    if (const Outcome<> updated = update(); !updated)
+        return fail(updated.error());
+    return m_cachedMapping;
+}
+
+QMap<QString, QString> GenericScriptedObjectMap::getRealNameMappingIgnoreError() {
+    const Outcome<QMap<QString, QString>> mapping = getRealNameMapping();
+    if (mapping)
+        return *mapping;
+    std::fprintf(stderr, "Unable to get real name mapping from scripted object map: '%s'\n",
+                 qUtf8Printable(mapping.error().text));
+    return {};
+}
+
+Outcome<> GenericScriptedObjectMap::load(const QString& path) {
+    ObjectMap::clear();
+    setPath(path);
+    m_cacheTime = QDateTime();
+    return update();
+}
+
+Outcome<> GenericScriptedObjectMap::loadIfChanged(const QString& /*path*/) {
+    Outcome<> updated = update();
+    if (!updated && std::exchange(m_isErrorTold, true))
+        return {};
+    return updated;
+}
+
+// Questions
+
+QString GenericScriptedObjectMap::toLegacyRepresentation(QString* error) {
+    const Outcome<QMap<QString, QString>> mapping = getRealNameMapping();
+    if (mapping)
+        return serialized(*mapping);
+    *error = mapping.error().text;
+    return {};
+}
+
+QString GenericScriptedObjectMap::getRealName(const ScriptedSymbolicName& name) {
+    return getRealNameMappingIgnoreError().value(scriptedNameKey(name));
+}
+
+QString GenericScriptedObjectMap::getNestedScriptedRealName(const ScriptedSymbolicName& name) {
+    const ObjectName realName(getRealName(name));
+    return realName.isValid() ? createScriptedRealName(realName, false, true) : QString();
+}
+
+QString GenericScriptedObjectMap::semiQualifiedSymbolicName(const ScriptedSymbolicName& name) {
+    return toSymbolicName(scriptedNameKey(name));
+}
+
+QString GenericScriptedObjectMap::existingSymbolicName(const ObjectName& name) {
+    return symbolicName(name.qualifiedName());
+}
+
+QStringList GenericScriptedObjectMap::existingSymbolicNames() {
+    return getRealNameMappingIgnoreError().keys();
+}
+
+bool GenericScriptedObjectMap::variableNameExists(const ScriptedSymbolicName& name) {
+    return getRealNameMappingIgnoreError().contains(scriptedNameKey(name));
+}
+
+// In the process of the tool
+
+bool GenericScriptedObjectMap::runScript(const QString& text) {
+    Interpreter* const interpreter = Interpreter::self();
+    return interpreter->checkSyntax(text, path()) && interpreter->evaluate(text, path());
+}
+
+Outcome<ObjectName> GenericScriptedObjectMap::nameOfValue(
+    const QString& variable, const SharedPtr<ScriptArgument>& value) const {
+    QString fault;
+    QMap<QString, PropertyValue> properties;
+    try {
+        const QString text = toRealNameMapping({{variable, value}}).value(variable);
+        fault = valueFault(value->toMap());
+        // A marker of a pattern in a property's name becomes what it stands for.
+        if (fault.isEmpty() && parseNameByProperties(text, &properties, &fault))
+            fault = nameFault(ObjectName(properties));
+    } catch (const NestingError& error) {
+        fault = QString::fromUtf8(error.what());
+    }
+    if (fault.isEmpty())
+        return ObjectName(properties);
+    return fail(FailureKind::BadArgument,
+                QStringLiteral("the variable '%1' is no name of an object (one that is not meant "
+                               "to be starts with '_'): %2")
+                    .arg(variable, fault));
+}
+
+Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
+    const QString& text) {
+    // 1. The script runs.
+    if (!runScript(text))
+        return fail(FailureKind::Failed, scriptErrorText(*Interpreter::self(), path()));
+    // 2. Its maps are names, but for those that it says are its own.
+    QMap<QString, ObjectName> names;
+    QStringList faults;
+    const QMap<QString, int> lines = definitionLines(notation(), text);
+    for (const auto& [variable, value] : scriptVariables()) {
+        if (!value || !value->isMap() || variable.startsWith('_') || value->toMap().empty())
+            continue;
+        const Outcome<ObjectName> name = nameOfValue(variable, value);
+        if (name) {
+            names.insert(keyOfVariable(variable), *name);
+            continue;
+        }
+        const QString place = lines.contains(variable)
+                                  ? QStringLiteral(", line %1").arg(lines.value(variable))
+                                  : QString();
+        faults.append(QStringLiteral("%1%2: %3").arg(path(), place, name.error().text));
+    }
+    if (!faults.isEmpty())
+        return fail(FailureKind::BadArgument, faults.join('\n'));
+    return names;
+}
+
+Outcome<QMap<QString, QString>> GenericScriptedObjectMap::toRealNameMapping(const QString& text) {
+    const Outcome<QMap<QString, ObjectName>> names = getObjectMapping(text);
+    if (!names)
+        return fail(names.error());
+    QMap<QString, QString> realNames;
+    for (auto it = names->cbegin(); it != names->cend(); ++it)
+        realNames.insert(realNames.cend(), it.key(), it->qualifiedName());
+    return realNames;
+}
+
+QMap<QString, QString> GenericScriptedObjectMap::toRealNameMapping(
+    const ScriptArgument::Map& values) {
+    QMap<QString, QString> realNames;
+    for (const auto& [key, value] : values)
+        realNames.insert(key, value->toRealName());
+    return realNames;
+}
+
+QMap<QString, QString> GenericScriptedObjectMap::toSimplifiedRealNameMapping(
+    const QMap<QString, QString>& realNames) {
+    const Simplifier simplifier(realNames);
+    QMap<QString, QString> simplified;
+    for (auto it = realNames.cbegin(); it != realNames.cend(); ++it)
+        simplified.insert(simplified.cend(), it.key(), simplifier.simplified(it.value()));
+    return simplified;
+}
+
+// New entries
+
+QString GenericScriptedObjectMap::newKey(const ObjectName& name) {
+    const Outcome<Utf8Text> script = readUtf8File(path());
+    const QByteArray text = script ? script->text.toUtf8() : QByteArray();
+    // Whatever the script or the library means by a word, they go on to mean it.
+    const QStringList taken = libraryNames();
+    return keyOfVariable(newVariable(notation(), name, [&](const QString& variable) {
+        return !entries().contains(keyOfVariable(variable)) &&
+               !taken.contains(variable) && !hasWord(text, variable);
+    }));
+}
+
+Outcome<QByteArray> GenericScriptedObjectMap::contentWith(const QByteArray& content,
+                                                          const QString& key,
+                                                          const ObjectName& name) {
+    const QString entry = writtenEntry(notation(), key, name);
+    QByteArray changed = withEntry(content, entry);
+    // The script goes on to mean what it did, and has the entry: it may end in whatever way.
+    const Outcome<QMap<QString, ObjectName>> names =
+        runObjectMapTool(path(), changed, toolTimeout);
+    QString fault;
+    if (!names)
+        fault = names.error().text;
+    else if (!hasMeaning(*names, key, resolve(name.qualifiedName())))
+        fault = QStringLiteral("it has no effect behind the end of the script");
+    if (!fault.isEmpty()) {
+        return fail(FailureKind::Refused,
+                    QStringLiteral("The entry %1 can't be added to '%2': %3")
+                        .arg(entry, path(), fault));
+    }
+    return changed;
+}
+
+}  // namespace Tamrix

@@ -1,0 +1,179 @@
+#include "platform/objectmodel/scriptnotation.h"
+
+#include <QRegularExpression>
+
+#include "platform/objectmodel/nameresolver.h"
+
+namespace Tamrix {
+
+namespace {
+
+/// A statement that is longer stands on several lines.
+constexpr int longestLine = 100;
+/// What lines of a name on several lines are set in by.
+const QString indentStep = QStringLiteral("    ");
+
+/// How many words of what an object shows go into its variable.
+constexpr int mostWords = 4;
+constexpr int longestWord = 20;
+
+/// What an object shows, the first that it has: properties of its name.
+constexpr const char* shownProperties[] = {"text", "title",      "windowTitle", "placeholder",
+                                           "name", "objectName", "toolTip"};
+
+/// Letters without their accents, digits; everything else separates words.
+QStringList asciiWords(const QString& text) {
+    static const QRegularExpression s_mark(QStringLiteral("[\\p{Mn}&']"));
+    static const QRegularExpression s_other(QStringLiteral("[^A-Za-z0-9]+"));
+    QString plain = text.normalized(QString::NormalizationForm_KD).remove(s_mark);
+    return plain.replace(s_other, QStringLiteral(" ")).split(' ', Qt::SkipEmptyParts);
+}
+
+/// What kind of thing the object is for a person: "button" for QPushButton.
+QString kindWord(const QString& type) {
+    static const QRegularExpression s_lastWord(QStringLiteral("[A-Z]?[a-z0-9]+$"));
+    return s_lastWord.match(type).captured().toLower();
+}
+
+QString markedProperty(const QString& property, int modifiers) {
+    switch (modifiers) {
+        case PropertyValue::Wildcard:
+            return property + QLatin1Char('*');
+        case PropertyValue::Pattern:
+            return property + QLatin1Char('~');
+        default:
+            return property;
+    }
+}
+
+QString writtenValue(const ScriptNotation& notation, const QString& property,
+                     const PropertyValue& value) {
+    if (value.isRealName() && isMultiPropertyName(value.text()))
+        return writtenName(notation, ObjectName(value.text()));
+    if (isReferenceToName(property, value))
+        return notation.reference.arg(variableOfKey(value.text()));
+    return notation.literal(value.text());
+}
+
+/// The properties in the order in which people read them: what it is, what it shows, where it is.
+QStringList orderedProperties(const ObjectName& name) {
+    QStringList first;
+    QStringList last;
+    const auto properties = name.properties();
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
+        const bool isPlace = it->isRealName() || isReferenceToName(it.key(), *it);
+        if (it.key() == QLatin1String("type"))
+            first.prepend(it.key());
+        else
+            (isPlace ? last : first).append(it.key());
+    }
+    return first + last;
+}
+
+}  // namespace
+
+QString keyOfVariable(const QString& variable) {
+    return QLatin1Char(':') + variable;
+}
+
+QString variableOfKey(const QString& key) {
+    return key.mid(1);
+}
+
+QString writtenName(const ScriptNotation& notation, const ObjectName& name,
+                    const QString& indent) {
+    const auto properties = name.properties();
+    QStringList parts;
+    for (const QString& property : orderedProperties(name)) {
+        const PropertyValue value = properties.value(property);
+        parts.append(notation.literal(markedProperty(property, value.modifiers())) +
+                     notation.afterPropertyName + writtenValue(notation, property, value));
+    }
+    if (indent.isNull())
+        return notation.open + parts.join(notation.betweenProperties) + notation.close;
+    const QString separator = notation.betweenProperties.trimmed() + QLatin1Char('\n') + indent;
+    return notation.open + QLatin1Char('\n') + indent + parts.join(separator) +
+           QLatin1Char('\n') + notation.close;
+}
+
+QString writtenEntry(const ScriptNotation& notation, const QString& key, const ObjectName& name) {
+    const QString line = notation.statement.arg(variableOfKey(key), writtenName(notation, name));
+    return line.size() <= longestLine
+               ? line
+               : notation.statement.arg(variableOfKey(key),
+                                        writtenName(notation, name, indentStep));
+}
+
+QMap<QString, int> definitionLines(const ScriptNotation& notation, const QString& script) {
+    // The statement up to its value, "our $%1 = ", with any blanks between its words.
+    const QString start = notation.statement.section(QLatin1String("%2"), 0, 0).simplified();
+    QStringList words;
+    for (const QString& word : start.split(' '))
+        words.append(QRegularExpression::escape(word));
+    QString pattern = QStringLiteral("^\\s*") + words.join(QStringLiteral("\\s*"));
+    pattern.replace(QRegularExpression::escape(QStringLiteral("%1")),
+                    QStringLiteral("([A-Za-z_][A-Za-z0-9_]*)"));
+    const QRegularExpression definition(pattern);
+    QMap<QString, int> lines;
+    int number = 0;
+    for (const QString& line : script.split('\n')) {
+        ++number;
+        const QRegularExpressionMatch match = definition.match(line);
+        if (match.hasMatch())
+            lines.insert(match.captured(1), number);
+    }
+    return lines;
+}
+
+QString variableOfText(const ScriptNotation& notation, const QString& text) {
+    static const QRegularExpression s_other(QStringLiteral("[^A-Za-z0-9_]+"));
+    // A text that is one already stays.
+    if (notation.isVariable(text) && !text.startsWith('_'))
+        return text;
+    QString variable = QString(text.normalized(QString::NormalizationForm_KD))
+                           .remove(QRegularExpression(QStringLiteral("[\\p{Mn}&']")))
+                           .replace(s_other, QStringLiteral("_"));
+    while (variable.startsWith('_'))
+        variable.remove(0, 1);
+    while (variable.endsWith('_'))
+        variable.chop(1);
+    if (notation.words == ScriptNotation::Words::Pascals && !variable.isEmpty())
+        variable[0] = variable.at(0).toUpper();
+    if (notation.isVariable(variable))
+        return variable;
+    return joinedWords(notation, {QStringLiteral("name")}) +
+           (variable.isEmpty() ? QString() : QLatin1Char('_') + variable);
+}
+
+QStringList wordsOfObject(const ObjectName& name) {
+    const auto properties = name.properties();
+    QStringList words;
+    for (const char* const property : shownProperties) {
+        if (words.isEmpty())
+            words = asciiWords(properties.value(QLatin1String(property)).text()).mid(0, mostWords);
+    }
+    for (QString& word : words)
+        word = word.left(longestWord).toLower();
+    const QString kind = kindWord(properties.value(QStringLiteral("type")).text());
+    // A variable starts with a letter.
+    const bool startsWithDigit = !words.isEmpty() && words.first().at(0).isDigit();
+    if (startsWithDigit || (words.isEmpty() && kind.isEmpty()))
+        words.prepend(kind.isEmpty() ? QStringLiteral("object") : kind);
+    else if (!kind.isEmpty() && (words.isEmpty() || words.last() != kind))
+        words.append(kind);
+    return words;
+}
+
+QString joinedWords(const ScriptNotation& notation, const QStringList& words) {
+    if (notation.words == ScriptNotation::Words::Underscores)
+        return words.join('_');
+    QString joined;
+    for (const QString& word : words) {
+        const bool isCapital =
+            !joined.isEmpty() || notation.words == ScriptNotation::Words::Pascals;
+        joined += isCapital ? word.left(1).toUpper() + word.mid(1) : word;
+    }
+    return joined;
+}
+
+}  // namespace Tamrix

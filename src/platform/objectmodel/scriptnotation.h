@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include "base/export.h"
+#include "platform/objectmodel/objectname.h"
+
+namespace Tamrix {
+
+/// How a script language writes object names that are variables. A language fills in the fields;
+/// what is written by them stands in the functions below. Data of constants, any thread.
+struct ScriptNotation {
+    /// How the words of a new variable are put together.
+    enum class Words {
+        Underscores,  ///< save_button
+        Camels,       ///< saveButton
+        Pascals       ///< SaveButton
+    };
+
+    /// The statement that makes a variable; %1 is its name, %2 its value: "%1 = %2".
+    QString statement;
+    /// The variable within the value of another one: "%1", or "$%1".
+    QString reference;
+    /// Around the properties of a name, between one's name and its value, and between two.
+    QString open;
+    QString afterPropertyName;
+    QString betweenProperties;
+    QString close;
+    /// In front of a comment that goes to the end of the line: "# ".
+    QString comment;
+    /// What a new file starts and ends with, whole lines; may be empty.
+    QString heading;
+    QString ending;
+    Words words = Words::Underscores;
+    /// The text as a literal of the language, on one line whatever it holds.
+    QString (*literal)(const QString& text) = nullptr;
+    /// Whether this may be a variable's name: an identifier that is no keyword, and that neither
+    /// the language nor its library means anything by.
+    bool (*isVariable)(const QString& name) = nullptr;
+};
+
+// Keys of a map of names are ":save_button" for the variable save_button.
+
+/// ":save_button" for "save_button".
+TAMRIX_EXPORT QString keyOfVariable(const QString& variable);
+/// "save_button" for ":save_button".
+TAMRIX_EXPORT QString variableOfKey(const QString& key);
+
+/// A name as the language's value. A property whose value is a reference to another name of the map,
+/// ":main_window", becomes that variable. `indent` is what lines of a value on several lines start
+/// with; null for one line.
+TAMRIX_EXPORT QString writtenName(const ScriptNotation& notation, const ObjectName& name,
+                                  const QString& indent = QString());
+
+/// The statement that makes the variable of this key, without the line's end. A long one stands on
+/// several lines.
+TAMRIX_EXPORT QString writtenEntry(const ScriptNotation& notation, const QString& key,
+                                   const ObjectName& name);
+
+/// The lines of a script, from 1, whose statements make variables; of several for one the last.
+TAMRIX_EXPORT QMap<QString, int> definitionLines(const ScriptNotation& notation,
+                                                 const QString& script);
+
+/// A variable for an object, from what it shows: "save_button" for a QPushButton "&Save...". Its
+/// number goes up until `isFree` takes it.
+template <typename IsFree>
+QString newVariable(const ScriptNotation& notation, const ObjectName& name, IsFree isFree);
+
+/// The variable nearest to a text, such as the key of a plain map.
+TAMRIX_EXPORT QString variableOfText(const ScriptNotation& notation, const QString& text);
+
+/// The words that name an object for people: {"save", "button"}; "object" when it shows nothing.
+TAMRIX_EXPORT QStringList wordsOfObject(const ObjectName& name);
+
+/// The words as a variable.
+TAMRIX_EXPORT QString joinedWords(const ScriptNotation& notation, const QStringList& words);
+
+template <typename IsFree>
+QString newVariable(const ScriptNotation& notation, const ObjectName& name, IsFree isFree) {
+    const QStringList words = wordsOfObject(name);
+    QString variable = joinedWords(notation, words);
+    for (int number = 2; !notation.isVariable(variable) || !isFree(variable); ++number)
+        variable = joinedWords(notation, words + QStringList(QString::number(number)));
+    return variable;
+}
+
+}  // namespace Tamrix

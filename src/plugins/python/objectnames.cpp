@@ -1,0 +1,94 @@
+#include "plugins/python/objectnames.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+
+#include "plugins/python/conversion.h"
+#include "plugins/python/pythonargument.h"
+#include "plugins/python/pythoninterpreter.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// Keywords, and the functions and constants that Python defines: no names of objects.
+constexpr const char* pythonWords[] = {
+    "False", "None", "True", "abs", "aiter", "all", "and", "anext", "any", "as", "ascii",
+    "assert", "async", "await", "bin", "bool", "break", "breakpoint", "bytearray", "bytes",
+    "callable", "case", "chr", "class", "classmethod", "compile", "complex", "continue", "def",
+    "del", "delattr", "dict", "dir", "divmod", "elif", "else", "enumerate", "eval", "except",
+    "exec", "exit", "filter", "finally", "float", "for", "format", "from", "frozenset",
+    "getattr", "global", "globals", "hasattr", "hash", "help", "hex", "id", "if", "import",
+    "in", "input", "int", "is", "isinstance", "issubclass", "iter", "lambda", "len", "list",
+    "locals", "map", "match", "max", "memoryview", "min", "next", "nonlocal", "not", "object",
+    "oct", "open", "or", "ord", "pass", "pow", "print", "property", "quit", "raise", "range",
+    "repr", "return", "reversed", "round", "set", "setattr", "slice", "sorted", "staticmethod",
+    "str", "sum", "super", "tamrix", "try", "tuple", "type", "vars", "while", "with", "yield",
+    "zip"};
+
+QString pythonLiteral(const QString& text) {
+    QString literal;
+    for (const QChar character : text) {
+        switch (character.unicode()) {
+            case '"':
+            case '\\':
+                literal += QLatin1Char('\\');
+                literal += character;
+                break;
+            case '\n':
+                literal += QLatin1String("\\n");
+                break;
+            case '\r':
+                literal += QLatin1String("\\r");
+                break;
+            case '\t':
+                literal += QLatin1String("\\t");
+                break;
+            default:
+                // Control characters, and half characters that no file could hold.
+                if (character.isPrint() || character.isSurrogate())
+                    literal += character;
+                else
+                    literal += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16,
+                                                          QLatin1Char('0'));
+        }
+    }
+    return '"' + literal + '"';
+}
+
+bool isPythonVariable(const QString& name) {
+    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
+    const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
+    return s_identifier.match(name).hasMatch() &&
+           std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
+}
+
+}  // namespace
+
+const ScriptNotation& PythonObjectMap::notation() const {
+    static const ScriptNotation s_notation{
+        QStringLiteral("%1 = %2"),
+        QStringLiteral("%1"),
+        QStringLiteral("{"),
+        QStringLiteral(": "),
+        QStringLiteral(", "),
+        QStringLiteral("}"),
+        QStringLiteral("# "),
+        QStringLiteral("# Names of objects, for scripts: import names\n"),
+        QString(),
+        ScriptNotation::Words::Underscores,
+        pythonLiteral,
+        isPythonVariable,
+    };
+    return s_notation;
+}
+
+ScriptArgument::Map PythonObjectMap::scriptVariables() {
+    const PyRef names = PythonInterpreter::active()->moduleNamespace();
+    ScriptArgument::Map variables = PythonArgument(names).toMap();
+    // The library's own stand among the script's.
+    std::erase_if(variables, [](const auto& each) { return !each.second->isMap(); });
+    return variables;
+}
+
+}  // namespace Tamrix::PythonPlugin

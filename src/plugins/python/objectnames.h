@@ -1,0 +1,18 @@
+#pragma once
+
+#include "interpreter/names/genericscriptedobjectmap.h"
+
+namespace Tamrix::PythonPlugin {
+
+/// Object names that are variables of a Python module, as shared/scripts/names.py.
+class PythonObjectMap final : public GenericScriptedObjectMap {
+public:
+    explicit PythonObjectMap(const QString& path) : GenericScriptedObjectMap(path, "py") {}
+
+    const ScriptNotation& notation() const override;
+
+protected:
+    ScriptArgument::Map scriptVariables() override;
+};
+
+}  // namespace Tamrix::PythonPlugin
