@@ -162,7 +162,7 @@ QString ForeignToolkitWatch::look(const std::vector<pid_t>& processes) {
     const QString obstacle = agentObstacle(processes);
     if (obstacle != m_seen) {
         m_seen = obstacle;
-        m_sure.setRemainingTime(patience);
+        m_sure.setRemainingTime(std::max<qint64>(patience, 2 * m_sinceStart.elapsed()));
     }
     return m_sure.hasExpired() ? m_seen : QString();
 }

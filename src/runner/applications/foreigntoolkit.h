@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QString>
 #include <vector>
 
@@ -34,15 +35,19 @@ bool isAgentLoaded(const std::vector<pid_t>& processes);
 /// toolkits one after the other, so it is only sure after a while.
 class ForeignToolkitWatch {
 public:
-    /// How long something may look to be in the agent's way, in milliseconds.
+    /// How long something may at least look to be in the agent's way, in milliseconds. On a busy
+    /// machine it takes programs longer to start: twice as long as it took so far.
     static constexpr int patience = 1000;
     static constexpr int lookInterval = 250;
+
+    ForeignToolkitWatch() { m_sinceStart.start(); }
 
     bool isLookDue() const { return m_nextLook.hasExpired(); }
     /// The obstacle when it is sure now, else empty.
     QString look(const std::vector<pid_t>& processes);
 
 private:
+    QElapsedTimer m_sinceStart;
     QDeadlineTimer m_nextLook;
     QDeadlineTimer m_sure;
     QString m_seen;
