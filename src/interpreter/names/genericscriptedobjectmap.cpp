@@ -48,6 +48,12 @@ QString valueFault(const ScriptArgument::Map& properties) {
     return {};
 }
 
+/// Whether a real name compares with patterns or counts: most don't, and need no look at these.
+bool hasPatterns(const QString& realName) {
+    return realName.contains(QLatin1String("*=")) || realName.contains(QLatin1String("~=")) ||
+           realName.contains(QLatin1String("occurrence"));
+}
+
 /// Puts the keys of names in the place of those names in others.
 class Simplifier {
 public:
@@ -120,18 +126,14 @@ QString GenericScriptedObjectMap::keyOf(const QString& name) const {
 
 // The cache
 
-Outcome<QMap<QString, QString>> GenericScriptedObjectMap::fetchRealNameMapping() {
+Outcome<> GenericScriptedObjectMap::fetchRealNameMapping() {
     const Outcome<QMap<QString, ObjectName>> names =
         runObjectMapTool(path(), QByteArray(), toolTimeout);
-    if (!names) {
-        setEntries({});
+    setEntries(names ? *names : QMap<QString, ObjectName>());
+    m_cachedMapping.clear();
+    if (!names)
         return fail(names.error());
-    }
-    setEntries(*names);
-    QMap<QString, QString> mapping;
-    for (auto it = names->cbegin(); it != names->cend(); ++it)
-        mapping.insert(mapping.cend(), it.key(), it->qualifiedName());
-    return mapping;
+    return {};
 }
 
 Outcome<> GenericScriptedObjectMap::update() {
@@ -145,9 +147,8 @@ Outcome<> GenericScriptedObjectMap::update() {
         m_cacheError = QStringLiteral("There is no file '%1'").arg(path());
         m_isErrorTold = false;
     } else if (modified != m_cacheTime) {
-        const Outcome<QMap<QString, QString>> mapping = fetchRealNameMapping();
-        m_cachedMapping = mapping ? *mapping : QMap<QString, QString>();
-        m_cacheError = mapping ? QString() : mapping.error().text;
+        const Outcome<> fetched = fetchRealNameMapping();
+        m_cacheError = fetched ? QString() : fetched.error().text;
         m_cacheTime = modified;
         m_isErrorTold = false;
     }
@@ -159,6 +160,11 @@ Outcome<> GenericScriptedObjectMap::update() {
 Outcome<QMap<QString, QString>> GenericScriptedObjectMap::getRealNameMapping() {
     if (const Outcome<> updated = update(); !updated)
         return fail(updated.error());
+    // Look-ups do without the texts.
+    if (m_cachedMapping.isEmpty()) {
+        for (auto it = entries().cbegin(); it != entries().cend(); ++it)
+            m_cachedMapping.insert(m_cachedMapping.cend(), it.key(), it->qualifiedName());
+    }
     return m_cachedMapping;
 }
 
@@ -235,7 +241,8 @@ Outcome<ObjectName> GenericScriptedObjectMap::nameOfValue(
         const QString text = toRealNameMapping({{variable, value}}).value(variable);
         fault = valueFault(value->toMap());
         // A marker of a pattern in a property's name becomes what it stands for.
-        if (fault.isEmpty() && parseNameByProperties(text, &properties, &fault))
+        if (fault.isEmpty() && parseNameByProperties(text, &properties, &fault) &&
+            hasPatterns(text))
             fault = nameFault(ObjectName(properties));
     } catch (const NestingError& error) {
         fault = QString::fromUtf8(error.what());
@@ -255,8 +262,7 @@ Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
         return fail(FailureKind::Failed, scriptErrorText(*Interpreter::self(), path()));
     // 2. Its maps are names, but for those that it says are its own.
     QMap<QString, ObjectName> names;
-    QStringList faults;
-    const QMap<QString, int> lines = definitionLines(notation(), text);
+    QMap<QString, QString> faults;
     for (const auto& [variable, value] : scriptVariables()) {
         if (!value || !value->isMap() || variable.startsWith('_') || value->toMap().empty())
             continue;
@@ -265,14 +271,19 @@ Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
             names.insert(keyOfVariable(variable), *name);
             continue;
         }
-        const QString place = lines.contains(variable)
-                                  ? QStringLiteral(", line %1").arg(lines.value(variable))
-                                  : QString();
-        faults.append(QStringLiteral("%1%2: %3").arg(path(), place, name.error().text));
+        faults.insert(variable, name.error().text);
     }
-    if (!faults.isEmpty())
-        return fail(FailureKind::BadArgument, faults.join('\n'));
-    return names;
+    if (faults.isEmpty())
+        return names;
+    // 3. What is wrong with them, by line.
+    const QMap<QString, int> lines = definitionLines(notation(), text);
+    QMultiMap<int, QString> faultsByLine;
+    for (auto it = faults.cbegin(); it != faults.cend(); ++it) {
+        const int line = lines.value(it.key());
+        const QString place = line > 0 ? QStringLiteral(", line %1").arg(line) : QString();
+        faultsByLine.insert(line, QStringLiteral("%1%2: %3").arg(path(), place, it.value()));
+    }
+    return fail(FailureKind::BadArgument, QStringList(faultsByLine.values()).join('\n'));
 }
 
 Outcome<QMap<QString, QString>> GenericScriptedObjectMap::toRealNameMapping(const QString& text) {

@@ -46,8 +46,8 @@ public:
     Outcome<QMap<QString, QString>> getRealNameMapping();
     /// Empty on failure, which is told on standard error.
     QMap<QString, QString> getRealNameMappingIgnoreError();
-    /// Runs the tool, however that was before.
-    Outcome<QMap<QString, QString>> fetchRealNameMapping();
+    /// Runs the tool, however that was before, and takes what it tells.
+    Outcome<> fetchRealNameMapping();
 
     // In the process of the tool.
     /// Runs this text as the script, and gives its names with their whole real names. Fails with
@@ -89,6 +89,7 @@ private:
                                     const SharedPtr<ScriptArgument>& value) const;
 
     QDateTime m_cacheTime;
+    /// Made when it is asked for.
     QMap<QString, QString> m_cachedMapping;
     QString m_cacheError;
     bool m_isErrorTold = false;

@@ -4,6 +4,7 @@
 #include <QString>
 #include <vector>
 
+#include "base/export.h"
 #include "base/outcome.h"
 #include "platform/objectmodel/objectname.h"
 
@@ -22,7 +23,7 @@ struct SerializedMap {
     std::vector<Fault> faults;
 };
 
-SerializedMap parseMap(const QString& text);
+TAMRIX_EXPORT SerializedMap parseMap(const QString& text);
 
 /// Reads a plain map's file, whose references must all mean a name of it. Fails with a line for each
 /// fault, which names file and line.

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "base/utf8file.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythoninterpreter.h"
@@ -63,7 +64,37 @@ bool isPythonVariable(const QString& name) {
            std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
 }
 
+/// The code of a module as Python's import keeps it beside the file, compiled anew when the file has
+/// changed. Null when it can't be had so.
+PyRef importedCode(const QString& path) {
+    const PyRef module = PyRef::steal(PyImport_ImportModule("importlib.machinery"));
+    const PyRef file = toPyString(path);
+    const PyRef loader = PyRef::steal(
+        module && file ? PyObject_CallMethod(module.get(), "SourceFileLoader", "sO", "names",
+                                             file.get())
+                       : nullptr);
+    PyRef code = PyRef::steal(
+        loader ? PyObject_CallMethod(loader.get(), "get_code", "s", "names") : nullptr);
+    PyErr_Clear();
+    return code;
+}
+
+/// Whether the file says itself how it is encoded.
+bool hasCodingLine(const QString& text) {
+    return text.section('\n', 0, 1).contains(QLatin1String("coding"));
+}
+
 }  // namespace
+
+bool PythonObjectMap::runScript(const QString& text) {
+    // Compiling thousands of names takes longer than all else. A text that is tried is no file.
+    const Outcome<Utf8Text> file = readUtf8File(path());
+    if (file && file->text == text && !hasCodingLine(text)) {
+        if (const PyRef code = importedCode(path()))
+            PythonInterpreter::active()->rememberCode(text, path(), code);
+    }
+    return GenericScriptedObjectMap::runScript(text);
+}
 
 const ScriptNotation& PythonObjectMap::notation() const {
     static const ScriptNotation s_notation{

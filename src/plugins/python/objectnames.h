@@ -13,6 +13,7 @@ public:
 
 protected:
     ScriptArgument::Map scriptVariables() override;
+    bool runScript(const QString& text) override;
 };
 
 }  // namespace Tamrix::PythonPlugin

@@ -226,11 +226,8 @@ PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, i
     flags.cf_flags = PyCF_IGNORE_COOKIE;
     PyRef code = PyRef::steal(
         Py_CompileStringObject(text.toUtf8().constData(), file.get(), start, &flags, -1));
-    if (code && start == Py_file_input) {
-        m_compiledText = text;
-        m_compiledFile = fileName;
-        m_compiledCode = code;
-    }
+    if (code && start == Py_file_input)
+        rememberCode(text, fileName, code);
     return code;
 }
 

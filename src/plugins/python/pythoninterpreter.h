@@ -56,6 +56,12 @@ public:
 
     /// The script's globals.
     PyRef moduleNamespace();
+    /// From now on compile() gives this code for the text.
+    void rememberCode(const QString& text, const QString& fileName, const PyRef& code) {
+        m_compiledText = text;
+        m_compiledFile = fileName;
+        m_compiledCode = code;
+    }
     /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
     /// for a file, an expression or an interactive statement.
     PyRef compile(const QString& text, const QString& fileName, int start);
