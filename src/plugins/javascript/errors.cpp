@@ -34,14 +34,27 @@ constexpr struct {
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
 constexpr const char* endTexts[] = {"", "Interrupted", "Out of memory", "The time is over"};
 
-/// Makes and throws an error of the class.
-void throwNew(JS::HandleValue errorClass, const QString& text, JS::MutableHandleObject error) {
+/// Makes and throws an error of a class of the namespace `tamrix`. `error` stays null when the
+/// engine throws something else instead, or when no test case runs.
+void throwOwn(const char* errorClass, const QString& text, JS::MutableHandleObject error) {
     JSContext* const context = engineContext();
-    JS::RootedValueArray<1> arguments(context);
-    arguments[0].set(toJsText(text));
-    checked(JS::Construct(context, errorClass, arguments, error));
-    JS::RootedValue value(context, JS::ObjectValue(*error));
-    JS_SetPendingException(context, value);
+    ScriptRealm* const realm = ScriptRealm::current();
+    if (!realm) {
+        raiseBuiltIn("Error", text);
+        return;
+    }
+    try {
+        JS::RootedValue type(context, realm->errorClass(errorClass));
+        JS::RootedValueArray<1> arguments(context);
+        arguments[0].set(toJsText(text));
+        JS::RootedObject made(context);
+        checked(JS::Construct(context, type, arguments, &made));
+        JS::RootedValue value(context, JS::ObjectValue(*made));
+        JS_SetPendingException(context, value);
+        error.set(made);
+    } catch (const ScriptErrorSet&) {
+        // What the engine has thrown instead is pending.
+    }
 }
 
 bool isInstance(JS::HandleValue value, const char* errorClass) {
@@ -110,18 +123,16 @@ void raise(const ScriptFailure& failure) {
         raiseBuiltIn(row.name, failure.text);
         return;
     }
-    JSContext* const context = engineContext();
+    JS::RootedObject error(engineContext());
+    throwOwn(row.name, failure.text, &error);
     auto* const interpreter = JavaScriptInterpreter::active();
-    try {
-        ScriptRealm* const realm = ScriptRealm::current();
-        JS::RootedValue type(context, realm ? realm->errorClass(row.name) : JS::UndefinedValue());
-        JS::RootedObject error(context);
-        throwNew(type, failure.text, &error);
-        if (interpreter)
-            interpreter->noticeFailure(failure, error);
-    } catch (const ScriptErrorSet&) {
-        // What the engine has thrown instead is pending.
-    }
+    if (error && interpreter)
+        interpreter->noticeFailure(failure, error);
+}
+
+void raisePendingStep(const QString& text) {
+    JS::RootedObject error(engineContext());
+    throwOwn("PendingStepError", text, &error);
 }
 
 void raiseBuiltIn(const char* type, const QString& text) {
@@ -146,19 +157,28 @@ void raiseBuiltIn(const char* type, const QString& text) {
         throwAs(JSEXN_ERR);
 }
 
-bool isEndOfScript() {
+namespace {
+
+/// Whether an error of the class is pending, which stays so.
+bool isPendingInstance(const char* errorClass) {
     JSContext* const context = engineContext();
-    if (!JS_IsExceptionPending(context))
-        return true;
-    JS::AutoSaveExceptionState aside(context);
-    aside.restore();
     JS::ExceptionStack pending(context);
-    if (!JS::StealPendingExceptionStack(context, &pending))
+    if (!JS_IsExceptionPending(context) || !JS::StealPendingExceptionStack(context, &pending))
         return false;
     JS::RootedValue exception(context, pending.exception());
-    const bool ends = isInstance(exception, "FatalError");
+    const bool holds = isInstance(exception, errorClass);
     JS::SetPendingExceptionStack(context, pending);
-    return ends;
+    return holds;
+}
+
+}  // namespace
+
+bool isEndOfScript() {
+    return !JS_IsExceptionPending(engineContext()) || isPendingInstance("FatalError");
+}
+
+bool isPendingStepError() {
+    return isPendingInstance("PendingStepError");
 }
 
 QString exceptionText(JS::HandleValue exception) {

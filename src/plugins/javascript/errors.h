@@ -17,6 +17,9 @@ void raise(const ScriptFailure& failure);
 /// Throws a built-in error: `type` is the name of its class.
 void raiseBuiltIn(const char* type, const QString& text);
 
+/// Throws that the running step is still to be written.
+void raisePendingStep(const QString& text);
+
 /// Runs `work` of a native function, which gives whether it succeeded: what it throws becomes an
 /// exception of the script, and false is returned then. `function` gives the name for messages.
 template <typename Name, typename Work>
@@ -34,6 +37,9 @@ bool guarded(Name function, Work work) {
 /// Whether what is pending ends the script, so that no function of the library may report it as an
 /// error of a piece of code: what no `catch` stops, and a FatalError.
 bool isEndOfScript();
+
+/// Whether the exception that is pending is that of a step which is still to be written.
+bool isPendingStepError();
 
 /// Takes the exception that is pending, or what else has ended the script.
 ScriptError takeScriptError();

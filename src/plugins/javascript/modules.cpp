@@ -12,7 +12,9 @@
 #include "base/utf8file.h"
 #include "interpreter/bridge/debugger.h"
 #include "plugins/javascript/errors.h"
+#include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/promises.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
 
@@ -69,6 +71,8 @@ JS::Value Modules::fileValue(const QString& path) {
 }
 
 JSObject* Modules::compile(const QString& text, const QString& path) {
+    if (auto* const interpreter = JavaScriptInterpreter::active())
+        interpreter->javaScriptDebugger().noticeFile(path);
     JS::CompileOptions options(m_context);
     const QByteArray file = path.toUtf8();
     options.setFileAndLine(file.constData(), 1);
@@ -77,6 +81,12 @@ JSObject* Modules::compile(const QString& text, const QString& path) {
                         static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
     JS::RootedObject module(m_context, checked(JS::CompileModule(m_context, options, source)));
     JS::SetModulePrivate(module, fileValue(path));
+    return module;
+}
+
+JSObject* Modules::add(const QString& text, const QString& path) {
+    JS::RootedObject module(m_context, compile(text, path));
+    m_modules.insert_or_assign(path.toStdString(), JS::PersistentRootedObject(m_context, module));
     return module;
 }
 
@@ -116,9 +126,7 @@ JSObject* Modules::load(const QString& name, const QString& importer) {
     if (content->faultyLine > 0)
         refuse(QStringLiteral("%1:%2: the file is not encoded in UTF-8")
                    .arg(path, QString::number(content->faultyLine)));
-    JSObject* const module = compile(content->text, path);
-    m_modules.emplace(path.toStdString(), JS::PersistentRootedObject(m_context, module));
-    return module;
+    return add(content->text, path);
 }
 
 JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer,

@@ -25,6 +25,8 @@ public:
     /// Compiles the text of a file as a module, which others then import by the file's path. Throws
     /// ScriptErrorSet.
     JSObject* compile(const QString& text, const QString& path);
+    /// The same, and makes it the module of the file.
+    JSObject* add(const QString& text, const QString& path);
     /// Runs a module and those that it imports, until it has waited for all that it waits for.
     /// Throws ScriptErrorSet.
     void run(JS::HandleObject module);

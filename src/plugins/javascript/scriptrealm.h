@@ -30,6 +30,9 @@ public:
     /// A class of the namespace `tamrix`; undefined without.
     JS::Value errorClass(const char* name) const;
 
+    /// What steps and hooks are called with.
+    JSObject* stepContext() const { return m_stepContext; }
+
     /// The object of a namespace, made on first use.
     JSObject* nameSpace(const QString& name);
 
@@ -49,6 +52,7 @@ public:
 private:
     JS::PersistentRootedObject m_global;
     JS::PersistentRootedObject m_errorClasses;
+    JS::PersistentRootedObject m_stepContext;
     JS::PersistentRootedObject m_applicationObjectPrototype;
     JS::PersistentRootedObject m_applicationContextPrototype;
     /// A WeakMap.
