@@ -20,7 +20,8 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-constexpr JSClass globalClass = {"global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps};
+constexpr JSClass globalClass = {
+    "global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps, nullptr, nullptr, nullptr};
 
 /// The engine offers its debugger to code of the language alone. What decides is elsewhere: here is
 /// asked and handed on, no more. Values of the script pass as wrappers, which the caller takes off.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 #include "platform/testresult/lineinfo.h"
 

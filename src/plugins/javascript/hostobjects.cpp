@@ -45,7 +45,10 @@ constexpr JSClassOps classOperations = {nullptr, nullptr, nullptr, nullptr,  nul
                                         nullptr, finalize, nullptr, nullptr, nullptr};
 constexpr JSClass hostClass = {"Object",
                                JSCLASS_HAS_RESERVED_SLOTS(1) | JSCLASS_FOREGROUND_FINALIZE,
-                               &classOperations};
+                               &classOperations,
+                               nullptr,
+                               nullptr,
+                               nullptr};
 
 /// The key under which an array of rows has its data set.
 jsid dataSetKey() {

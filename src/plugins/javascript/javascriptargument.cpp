@@ -98,7 +98,7 @@ long long JavaScriptArgument::toInt() const {
         return own.toInt32();
     if (own.isBigInt()) {
         std::int64_t number = 0;
-        if (!JS::BigIntIsInt64(own.toBigInt(), &number))
+        if (!JS::BigIntFits(own.toBigInt(), &number))
             refuseInteger(textOf(value()));
         return number;
     }
@@ -147,7 +147,7 @@ ScriptArgument::Map JavaScriptArgument::toMap() const {
             values[textOf(entries[index])] = argumentOf(entries[index + 1]);
         return values;
     }
-    JS::RootedIdVector names(context);
+    JS::Rooted<JS::IdVector> names(context, JS::IdVector(context));
     checked(JS_Enumerate(context, own, &names));
     JS::RootedId name(context);
     for (const jsid each : names) {

@@ -3,6 +3,7 @@
 #include <jsapi.h>
 
 #include "interpreter/language/nativefunction.h"
+#include "interpreter/objects/members.h"
 
 namespace Tamrix::JavaScriptPlugin {
 

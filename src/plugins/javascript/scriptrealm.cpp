@@ -14,7 +14,8 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-constexpr JSClass globalClass = {"global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps};
+constexpr JSClass globalClass = {
+    "global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps, nullptr, nullptr, nullptr};
 
 JSObject* makeGlobal(JSContext* context) {
     JS::RealmOptions options;

@@ -8,8 +8,8 @@
 #include <js/MapAndSet.h>
 #include <js/Object.h>
 #include <js/PropertyDescriptor.h>
+#include <js/Proxy.h>
 #include <js/experimental/TypedData.h>
-#include <js/friend/ErrorMessages.h>
 #include <js/friend/StackLimits.h>
 #include <jsfriendapi.h>
 
@@ -77,7 +77,7 @@ QString fromKey(jsid key) {
 JS::Value toJsInteger(long long value) {
     if (std::abs(value) <= largestInteger)
         return JS::NumberValue(static_cast<double>(value));
-    return JS::BigIntValue(checked(JS::BigIntFromInt64(engineContext(), value)));
+    return JS::BigIntValue(checked(JS::NumberToBigInt(engineContext(), value)));
 }
 
 JS::Value toJsDate(const QDateTime& time) {
@@ -286,8 +286,8 @@ private:
     }
 
     bool areEqualPlain(JS::HandleObject left, JS::HandleObject right) {
-        JS::RootedIdVector names(context);
-        JS::RootedIdVector others(context);
+        JS::Rooted<JS::IdVector> names(context, JS::IdVector(context));
+        JS::Rooted<JS::IdVector> others(context, JS::IdVector(context));
         checked(JS_Enumerate(context, left, &names));
         checked(JS_Enumerate(context, right, &others));
         if (names.length() != others.length())

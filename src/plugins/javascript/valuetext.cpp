@@ -3,6 +3,7 @@
 #include <js/Array.h>
 #include <js/Conversions.h>
 #include <js/Object.h>
+#include <js/Proxy.h>
 #include <jsfriendapi.h>
 
 #include <QRegularExpression>
@@ -147,7 +148,7 @@ private:
 
     QString membersText(JS::HandleObject object) {
         static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
-        JS::RootedIdVector names(m_context);
+        JS::Rooted<JS::IdVector> names(m_context, JS::IdVector(m_context));
         checked(JS_Enumerate(m_context, object, &names));
         QStringList texts;
         JS::RootedId name(m_context);
