@@ -135,6 +135,12 @@ bool Engine::interrupted(JSContext* context) {
     return false;
 }
 
+bool Engine::endNow(End reason) {
+    m_end = reason;
+    m_endedStack = nullptr;
+    return false;
+}
+
 Engine::End Engine::takeEnd() {
     return std::exchange(m_end, End::None);
 }

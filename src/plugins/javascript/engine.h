@@ -19,11 +19,14 @@ public:
     JobQueue& jobs() { return *m_jobs; }
 
     /// What ended running code that no `catch` can stop.
-    enum class End { None, Interrupt, Memory, TimeLimit };
+    enum class End { None, Interrupt, Memory, Exit };
     /// Tells it once.
     End takeEnd();
     /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
     JSObject* endedStack() const { return m_endedStack; }
+
+    /// Ends the script at once, from a native function, which gives the result to the engine: false.
+    bool endNow(End reason);
 
     // What a signal handler may call: the engine notices it at its next loop or call.
     /// Ends the running code.

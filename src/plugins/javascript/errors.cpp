@@ -32,7 +32,7 @@ constexpr struct {
 };
 
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
-constexpr const char* endTexts[] = {"", "Interrupted", "Out of memory", "The time is over"};
+constexpr const char* endTexts[] = {"", "Interrupted", "Out of memory", ""};
 
 /// Makes and throws an error of a class of the namespace `tamrix`. `error` stays null when the
 /// engine throws something else instead, or when no test case runs.
@@ -205,7 +205,9 @@ ScriptError takeScriptError() {
     ScriptError error;
     if (!JS_IsExceptionPending(context)) {
         JS::RootedObject stack(context, Engine::self().endedStack());
-        error.message = endTexts[static_cast<int>(Engine::self().takeEnd())];
+        const Engine::End end = Engine::self().takeEnd();
+        error.message = endTexts[static_cast<int>(end)];
+        error.isExit = end == Engine::End::Exit;
         if (error.message.isEmpty())
             error.message = QStringLiteral("The script was ended");
         error.callStack = linesOfStack(stack);

@@ -258,6 +258,8 @@ void JavaScriptInterpreter::compile(const QString& text, const QString& file,
     JS::CompileOptions options(engine);
     const QByteArray name = file.toUtf8();
     options.setFileAndLine(name.constData(), 1);
+    // As modules are: a slip in a name is an error, and no new variable or property.
+    options.setForceStrictMode();
     JS::SourceText<char16_t> source;
     checked(source.init(engine, reinterpret_cast<const char16_t*>(text.utf16()),
                         static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));

@@ -24,7 +24,7 @@ namespace {
 constexpr const char* fileName = "<tamrix>";
 
 constexpr const char* source = R"js(
-(function (scopes) {
+(function (scopes, own) {
 "use strict";
 const tamrix = {};
 function define(name, base) {
@@ -96,7 +96,7 @@ class RemoteSystem {
 }
 Object.defineProperty(globalThis, "RemoteSystem",
                       {value: RemoteSystem, writable: true, configurable: true});
-Object.defineProperty(globalThis, "tamrix", {value: {...tamrix}, writable: true,
+Object.defineProperty(globalThis, "tamrix", {value: {...tamrix, ...own}, writable: true,
                                              configurable: true});
 // What steps and hooks keep for each other, by scenario, feature and test case.
 const context = new Proxy({}, {
@@ -162,6 +162,29 @@ bool clearTimer(JSContext*, unsigned count, JS::Value* values) {
     return true;
 }
 
+/// Text as it is, without an end of line.
+bool writeText(JSContext* context, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    return guarded([] { return QStringLiteral("tamrix.write"); },
+                   [&] {
+                       const QString text =
+                           fromJsString(checked(JS::ToString(context, arguments.get(0))));
+                       if (auto* const interpreter = JavaScriptInterpreter::active())
+                           interpreter->output().write(ScriptOutput::Stdout, text);
+                       arguments.rval().setUndefined();
+                       return true;
+                   });
+}
+
+bool exitScript(JSContext*, unsigned, JS::Value*) {
+    return Engine::self().endNow(Engine::End::Exit);
+}
+
+constexpr struct {
+    const char* name;
+    JSNative function;
+} ownFunctions[] = {{"write", writeText}, {"exit", exitScript}};
+
 constexpr struct {
     const char* name;
     JSNative function;
@@ -201,8 +224,12 @@ JSObject* addScriptLibrary(JS::HandleObject global) {
     checked(JS::Evaluate(context, options, text, &function));
     JS::RootedObject scopes(context, checked(JS_NewPlainObject(context)));
     addScopeFunctions(scopes);
-    JS::RootedValueArray<1> arguments(context);
+    JS::RootedObject own(context, checked(JS_NewPlainObject(context)));
+    for (const auto& row : ownFunctions)
+        checked(JS_DefineFunction(context, own, row.name, row.function, 1, JSPROP_ENUMERATE));
+    JS::RootedValueArray<2> arguments(context);
     arguments[0].setObject(*scopes);
+    arguments[1].setObject(*own);
     JS::RootedValue made(context);
     checked(JS::Call(context, JS::UndefinedHandleValue, function, arguments, &made));
     return &made.toObject();

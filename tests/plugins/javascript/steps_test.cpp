@@ -129,7 +129,7 @@ TEST_F(JavaScriptFeatures, TellsWhatBecomesOfSteps) {
     EXPECT_EQ(runSteps("const helper = () => null.x;\n"
                        "Given('a', () => {\n    helper();\n});\n",
                        "    Given a\n    Then later\n"),
-              "Script Error: TypeError: can't access property \"x\" of null\n"
+              "Script Error: TypeError: null has no properties\n"
               "  steps/steps.js:1\n"
               "  steps/steps.js:3\n"
               "  x.feature:3\n"

@@ -306,7 +306,7 @@ main(true);
                            "11 Exception: The code is not valid: SyntaxError: missing formal "
                            "parameter",
                            "11 Exception: No exception was raised",
-                           "10 Exception: Raised TypeError: can't access property \"x\" of null",
+                           "10 Exception: Raised TypeError: null has no properties",
                            "10 Exception: Raised late"}));
 }
 
