@@ -16,6 +16,9 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
+JavaScriptContext::JavaScriptContext(JavaScriptInterpreter& interpreter)
+    : LanguageContext(interpreter), m_interpreter(interpreter) {}
+
 ScriptContext* JavaScriptContext::createSubContext() {
     auto* const context = new JavaScriptContext(m_interpreter);
     context->setTestResult(testResult());
@@ -219,14 +222,6 @@ bool JavaScriptContext::evaluate(const QString& text, const QString& fileName) {
                            QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
-}
-
-Gherkin::ScriptActions* JavaScriptContext::gherkinScriptActions(const QString& featureFile) {
-    const QString error = m_interpreter.steps().prepare(featureFile);
-    if (error.isEmpty())
-        return &m_interpreter.steps();
-    setError(error);
-    return nullptr;
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -13,7 +13,7 @@ class JavaScriptInterpreter;
 
 class JavaScriptContext final : public LanguageContext {
 public:
-    explicit JavaScriptContext(JavaScriptInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit JavaScriptContext(JavaScriptInterpreter& interpreter);
 
     /// A call whose arguments are as the script gave them. Wrappers are used again as long as nobody
     /// has kept them.
@@ -69,7 +69,6 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
-    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     SharedPtr<ScriptArgument> takeArgument(const JS::Value& value) {

@@ -78,7 +78,8 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
         begin(std::make_unique<JavaScriptSteps>(*this));
     } catch (const ScriptErrorSet&) {
         const QString text = takeErrorText();
-        m_realm.reset();
+        leaveActive();
+        enterActiveRealm();
         throw std::runtime_error("The functions of the test system can't be made known: " +
                                  text.toStdString());
     }
@@ -87,6 +88,7 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
 JavaScriptInterpreter::~JavaScriptInterpreter() {
     end();
     Engine::self().jobs().clear();
+    leaveActive();
     enterActiveRealm();
     m_realm.reset();
 }
