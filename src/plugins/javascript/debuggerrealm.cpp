@@ -243,9 +243,8 @@ DebuggerRealm::DebuggerRealm() {
     JSContext* const context = engineContext();
     JS::RealmOptions options;
     options.creationOptions().setNewCompartmentAndZone();
-    JS::RootedObject global(
-        context, checked(JS_NewGlobalObject(context, &globalClass, nullptr,
-                                            JS::FireOnNewGlobalHook, options)));
+    JS::RootedObject global(context, checked(JS_NewGlobalObject(context, &globalClass, nullptr,
+                                                                JS::FireOnNewGlobalHook, options)));
     m_watched.init(context);
     m_global.init(context, global);
     const JSAutoRealm inside(context, global);
@@ -339,8 +338,7 @@ void DebuggerRealm::setBreakLines(const QString& file, const std::vector<int>& l
         checked(numbers.append(JS::Int32Value(line)));
     JS::RootedValueVector arguments(context);
     checked(arguments.append(toJsText(file)) &&
-            arguments.append(
-                JS::ObjectValue(*checked(JS::NewArrayObject(context, numbers)))));
+            arguments.append(JS::ObjectValue(*checked(JS::NewArrayObject(context, numbers)))));
     call("setBreakLines", arguments);
 }
 
@@ -353,8 +351,7 @@ bool DebuggerRealm::tellLine(JSContext* context, unsigned count, JS::Value* valu
                                           const QString file =
                                               fromJsString(arguments[0].toString());
                                           const JSAutoRealm inside(context, own.m_watched);
-                                          own.m_listener->lineReached(file,
-                                                                      arguments[1].toInt32());
+                                          own.m_listener->lineReached(file, arguments[1].toInt32());
                                           return true;
                                       });
 }
@@ -387,11 +384,10 @@ std::vector<DebuggerRealm::Frame> DebuggerRealm::frames() {
         JS::RootedObject parts(context, &each.toObject());
         JS::RootedValueVector elements(context);
         elementsOf(parts, &elements);
-        found.push_back({std::make_shared<JS::PersistentRootedObject>(context,
-                                                                      &elements[0].toObject()),
-                         fromJsString(elements[1].toString()),
-                         static_cast<int>(elements[2].toNumber()),
-                         static_cast<int>(elements[3].toNumber())});
+        found.push_back(
+            {std::make_shared<JS::PersistentRootedObject>(context, &elements[0].toObject()),
+             fromJsString(elements[1].toString()), static_cast<int>(elements[2].toNumber()),
+             static_cast<int>(elements[3].toNumber())});
     }
     return found;
 }

@@ -22,8 +22,8 @@ public:
 };
 
 /// Where the debugger's half of the engine lives: scripts can be looked at from another compartment
-/// only, by code of the language. What is given and taken are values of the script's realm, in which
-/// all of these are called. They throw ScriptErrorSet.
+/// only, by code of the language. What is given and taken are values of the script's realm, in
+/// which all of these are called. They throw ScriptErrorSet.
 class DebuggerRealm {
 public:
     /// Made on first use, for the process.
@@ -58,8 +58,8 @@ public:
 
     /// Runs code in a frame; at the top level of the script for null.
     JS::Value evaluate(const FrameHandle& frame, const QString& code);
-    /// Runs code in the frame that has called the running native function, of a script that need not
-    /// be watched. `file` stands for the code in positions.
+    /// Runs code in the frame that has called the running native function, of a script that need
+    /// not be watched. `file` stands for the code in positions.
     JS::Value evaluateInCaller(const QString& code, const char* file);
 
 private:

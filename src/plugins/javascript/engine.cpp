@@ -63,7 +63,7 @@ Engine& Engine::self() {
 }
 
 Engine::Engine() {
-    if (!JS_Init())
+    if (!JS_IsInitialized() && !JS_Init())
         throw std::runtime_error("The script engine can't be started");
     m_context = JS_NewContext(JS::DefaultHeapMaxBytes);
     if (!m_context)

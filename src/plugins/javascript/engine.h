@@ -25,7 +25,8 @@ public:
     /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
     JSObject* endedStack() const { return m_endedStack; }
 
-    /// Ends the script at once, from a native function, which gives the result to the engine: false.
+    /// Ends the script at once, from a native function, which gives the result to the engine:
+    /// false.
     bool endNow(End reason);
 
     // What a signal handler may call: the engine notices it at its next loop or call.

@@ -7,6 +7,7 @@
 #include <jsfriendapi.h>
 
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/scriptrealm.h"
@@ -102,8 +103,7 @@ int outermostLineOf(JS::HandleValue exception, JS::HandleObject stack) {
         if (JS::GetSavedFrameLine(context, nullptr, frame, &found) == JS::SavedFrameResult::Ok)
             line = static_cast<int>(found);
         JS::RootedObject parent(context);
-        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent) !=
-            JS::SavedFrameResult::Ok)
+        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent) != JS::SavedFrameResult::Ok)
             break;
         frame = parent;
     }
@@ -200,6 +200,19 @@ QString exceptionText(JS::HandleValue exception) {
     return text;
 }
 
+namespace {
+
+/// Takes the lines of the code that still runs from the end of a stack.
+void cutRunningLines(std::vector<LineInfo>* stack) {
+    const std::vector<LineInfo> running = runningLines();
+    if (running.size() <= stack->size() &&
+        std::equal(running.rbegin(), running.rend(), stack->rbegin(),
+                   [](const LineInfo& left, const LineInfo& right) { return !(left != right); }))
+        stack->resize(stack->size() - running.size());
+}
+
+}  // namespace
+
 ScriptError takeScriptError() {
     JSContext* const context = engineContext();
     ScriptError error;
@@ -211,6 +224,7 @@ ScriptError takeScriptError() {
         if (error.message.isEmpty())
             error.message = QStringLiteral("The script was ended");
         error.callStack = linesOfStack(stack);
+        cutRunningLines(&error.callStack);
         error.outermostLine = outermostLineOf(JS::UndefinedHandleValue, stack);
         return error;
     }
@@ -225,6 +239,7 @@ ScriptError takeScriptError() {
     try {
         error.message = exceptionText(exception);
         error.callStack = linesOfStack(stack);
+        cutRunningLines(&error.callStack);
     } catch (const ScriptErrorSet&) {
         // An error that can't be told.
         clearException();
@@ -268,6 +283,15 @@ std::vector<LineInfo> linesOfStack(JS::HandleObject stack) {
         frame = parent;
     }
     return lines;
+}
+
+std::vector<LineInfo> runningLines() {
+    JS::RootedObject stack(engineContext());
+    if (!JS::CaptureCurrentStack(engineContext(), &stack)) {
+        clearException();
+        return {};
+    }
+    return linesOfStack(stack);
 }
 
 LineInfo placeOfCode(const QString& file, int line) {

@@ -42,7 +42,8 @@ bool isEndOfScript();
 /// Whether the exception that is pending is that of a step which is still to be written.
 bool isPendingStepError();
 
-/// Takes the exception that is pending, or what else has ended the script.
+/// Takes the exception that is pending, or what else has ended the script. Its stack ends where the
+/// code was called that runs now, as that of a callback does at the native function.
 ScriptError takeScriptError();
 
 /// Its text alone.
@@ -53,6 +54,9 @@ QString exceptionText(JS::HandleValue exception);
 
 /// The script lines of a stack, the innermost first. `stack` may be null.
 std::vector<LineInfo> linesOfStack(JS::HandleObject stack);
+
+/// Those of the code that runs now.
+std::vector<LineInfo> runningLines();
 
 /// The place that a stack's or a running script's file name and line stand for: code of an `eval`
 /// stands where it was called. Invalid for code that is in no file.

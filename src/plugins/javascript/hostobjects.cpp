@@ -41,14 +41,12 @@ void finalize(JS::GCContext*, JSObject* object) {
     delete holding;
 }
 
-constexpr JSClassOps classOperations = {nullptr, nullptr, nullptr, nullptr,  nullptr,
+constexpr JSClassOps classOperations = {nullptr, nullptr,  nullptr, nullptr, nullptr,
                                         nullptr, finalize, nullptr, nullptr, nullptr};
-constexpr JSClass hostClass = {"Object",
-                               JSCLASS_HAS_RESERVED_SLOTS(1) | JSCLASS_FOREGROUND_FINALIZE,
-                               &classOperations,
-                               nullptr,
-                               nullptr,
-                               nullptr};
+constexpr JSClass hostClass = {
+    "Object",         JSCLASS_HAS_RESERVED_SLOTS(1) | JSCLASS_FOREGROUND_FINALIZE,
+    &classOperations, nullptr,
+    nullptr,          nullptr};
 
 /// The key under which an array of rows has its data set.
 jsid dataSetKey() {
@@ -78,8 +76,8 @@ JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* rec
 
 JSObject* makeHostObject(Held held, JS::HandleObject prototype) {
     JSContext* const context = engineContext();
-    JS::RootedObject object(
-        context, checked(JS_NewObjectWithGivenProto(context, &hostClass, prototype)));
+    JS::RootedObject object(context,
+                            checked(JS_NewObjectWithGivenProto(context, &hostClass, prototype)));
     const std::size_t memory = memoryOf(held);
     JS::SetReservedSlot(object, heldSlot, JS::PrivateValue(new Holding{std::move(held), memory}));
     if (memory > 0)

@@ -26,9 +26,9 @@ namespace {
 constexpr double endOfIntegers = 9223372036854775808.0;
 
 [[noreturn]] void refuseInteger(const QString& text) {
-    raiseBuiltIn("RangeError",
-                 QStringLiteral("%1 is no integer of 64 bits: only such can be passed on")
-                     .arg(text));
+    raiseBuiltIn(
+        "RangeError",
+        QStringLiteral("%1 is no integer of 64 bits: only such can be passed on").arg(text));
     throw ScriptErrorSet();
 }
 
@@ -159,8 +159,7 @@ ScriptArgument::Map JavaScriptArgument::toMap() const {
 }
 
 SharedPtr<NativeScriptObject> JavaScriptArgument::toNative(void* typeId) const {
-    const auto* const native =
-        object() ? heldBy<SharedPtr<NativeScriptObject>>(object()) : nullptr;
+    const auto* const native = object() ? heldBy<SharedPtr<NativeScriptObject>>(object()) : nullptr;
     const auto* const interpreter = JavaScriptInterpreter::active();
     if (native && interpreter && interpreter->isDerivedFrom((*native)->typeId(), typeId))
         return *native;

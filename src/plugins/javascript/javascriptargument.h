@@ -16,9 +16,7 @@ public:
     /// Makes the wrapper stand for another value, or for none while it is not used.
     void rebind(const JS::Value& value) { m_value = value; }
 
-    JS::HandleValue value() const {
-        return JS::HandleValue::fromMarkedLocation(m_value.address());
-    }
+    JS::HandleValue value() const { return JS::HandleValue::fromMarkedLocation(m_value.address()); }
 
     QString typeName() const override;
     bool isBool() const override { return m_value.get().isBoolean(); }

@@ -1,7 +1,6 @@
 #include "plugins/javascript/javascriptcontext.h"
 
 #include <js/Array.h>
-#include <js/Stack.h>
 
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/language/stepactions.h"
@@ -64,8 +63,7 @@ SharedPtr<ScriptArgument> JavaScriptContext::createList(
     JS::RootedValueVector elements(engineContext());
     for (const SharedPtr<ScriptArgument>& value : values)
         checked(elements.append(valueOf(value)));
-    return argumentOf(
-        JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements))));
+    return argumentOf(JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements))));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createMap(
@@ -138,19 +136,13 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
     JS::AutoFilename file;
     unsigned line = 0;
     if (ancestorLevel == 0 && JS::DescribeScriptedCaller(context, &file, &line) && file.get()) {
-        const LineInfo place =
-            placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
+        const LineInfo place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
         if (place.isValid()) {
             position = place;
             return true;
         }
     }
-    JS::RootedObject stack(context);
-    if (!JS::CaptureCurrentStack(context, &stack)) {
-        clearException();
-        return false;
-    }
-    const std::vector<LineInfo> lines = linesOfStack(stack);
+    const std::vector<LineInfo> lines = runningLines();
     if (ancestorLevel >= static_cast<int>(lines.size()))
         return false;
     position = lines[static_cast<std::size_t>(ancestorLevel)];
@@ -192,9 +184,9 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
 
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
     try {
-        JS::RootedValue value(
-            engineContext(),
-            DebuggerRealm::self().evaluateInCaller('(' + expression.trimmed() + "\n)", "<waitFor>"));
+        JS::RootedValue value(engineContext(),
+                              DebuggerRealm::self().evaluateInCaller(
+                                  '(' + expression.trimmed() + "\n)", "<waitFor>"));
         return JavaScriptArgument(value).toBool();
     } catch (const ScriptErrorSet&) {
         if (isEndOfScript())

@@ -15,8 +15,8 @@ class JavaScriptContext final : public LanguageContext {
 public:
     explicit JavaScriptContext(JavaScriptInterpreter& interpreter);
 
-    /// A call whose arguments are as the script gave them. Wrappers are used again as long as nobody
-    /// has kept them.
+    /// A call whose arguments are as the script gave them. Wrappers are used again as long as
+    /// nobody has kept them.
     class PlainCall : public Call {
     public:
         PlainCall(JavaScriptContext& context, const JS::CallArgs& arguments)

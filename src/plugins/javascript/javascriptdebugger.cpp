@@ -146,8 +146,12 @@ void JavaScriptDebugger::forgetError() {
 
 std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
     std::vector<ScriptFrame> found;
-    if (!DebuggerRealm::self().isWatching())
+    if (!isInteractive()) {
+        // Without the engine's debugger there are lines alone.
+        for (const LineInfo& place : runningLines())
+            found.push_back({FrameHandle(), place.fileName(), place.lineNumber(), -1, -1});
         return found;
+    }
     quietly([&] {
         for (const DebuggerRealm::Frame& frame : DebuggerRealm::self().frames()) {
             const LineInfo place = placeOfCode(frame.file, frame.line);
@@ -164,9 +168,10 @@ std::vector<DebuggerRealm::Variable> JavaScriptDebugger::variablesOf(int level) 
     const std::vector<ScriptFrame> all = frames();
     if (level >= static_cast<int>(all.size()))
         return {};
-    const auto* const handle = std::any_cast<FrameHandle>(&all[static_cast<std::size_t>(level)].own);
+    const auto* const handle =
+        std::any_cast<FrameHandle>(&all[static_cast<std::size_t>(level)].own);
     std::vector<DebuggerRealm::Variable> found;
-    if (handle)
+    if (handle && *handle)
         quietly([&] { found = DebuggerRealm::self().variables(*handle); });
     return found;
 }

@@ -128,9 +128,9 @@ void JavaScriptInterpreter::define(const NativeFunction& function) {
 void JavaScriptInterpreter::defineConstant(const QString& name, int value) {
     const QString separator = QStringLiteral("::");
     const bool isMember = name.contains(separator);
-    JS::RootedObject holder(engineContext(),
-                            isMember ? m_realm->nameSpace(name.section(separator, 0, 0))
-                                     : m_realm->global());
+    JS::RootedObject holder(engineContext(), isMember
+                                                 ? m_realm->nameSpace(name.section(separator, 0, 0))
+                                                 : m_realm->global());
     defineProperty(holder, isMember ? name.section(separator, 1) : name, JS::Int32Value(value), 0);
 }
 
@@ -159,21 +159,19 @@ void JavaScriptInterpreter::defineMember(const NativeFunction& function) {
     JS::RootedObject prototype(engine, m_realm->applicationContextPrototype());
     JS::RootedValue target(engine, JS::ObjectValue(*makeFunction(function)));
     const QString& name = function.signature().name;
-    JSFunction* const member = checked(
-        js::NewFunctionWithReserved(engine, callMember, 0, 0, name.toUtf8().constData()));
+    JSFunction* const member =
+        checked(js::NewFunctionWithReserved(engine, callMember, 0, 0, name.toUtf8().constData()));
     JS::RootedObject object(engine, JS_GetFunctionObject(member));
     js::SetFunctionNativeReserved(object, 0, target);
     defineProperty(prototype, name, JS::ObjectValue(*object), 0);
 }
 
-void JavaScriptInterpreter::addNativeFunction(const QString& name,
-                                              bool (*function)(ScriptContext*),
+void JavaScriptInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
                                               const QStringList& requiredParameters,
                                               const QStringList& optionalParameters,
                                               const QString& description) {
-    define(NativeFunction(m_context,
-                          {name, {}, requiredParameters, optionalParameters, description},
-                          function));
+    define(NativeFunction(
+        m_context, {name, {}, requiredParameters, optionalParameters, description}, function));
 }
 
 void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
@@ -213,8 +211,7 @@ void JavaScriptInterpreter::publishFunctions(const QStringList& names) {
     JS::RootedObject global(engine, m_realm->global());
     for (const QString& name : names) {
         bool isTaken = false;
-        checked(JS_HasUCProperty(engine, global,
-                                 reinterpret_cast<const char16_t*>(name.utf16()),
+        checked(JS_HasUCProperty(engine, global, reinterpret_cast<const char16_t*>(name.utf16()),
                                  static_cast<std::size_t>(name.size()), &isTaken));
         if (!isTaken)
             defineProperty(global, name, JS::ObjectValue(*makeApplicationFunction(name)), 0);
@@ -355,7 +352,8 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
                 function = propertyOf(names, name.toUtf8().constData());
         }
         if (!function.isObject())
-            function = evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name));
+            function =
+                evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name));
     } catch (const ScriptErrorSet&) {
         // A name that has no value yet.
         clearException();

@@ -37,9 +37,7 @@ Shape shapeOf(JS::HandleValue value) {
     checked(JS::IsArrayObject(engineContext(), value, &isArray));
     if (isArray)
         return Shape::List;
-    return isMapObject(object)   ? Shape::Map
-           : isSetObject(object) ? Shape::Set
-                                 : Shape::Properties;
+    return isMapObject(object) ? Shape::Map : isSetObject(object) ? Shape::Set : Shape::Properties;
 }
 
 /// The keys of the object's own properties; of an array its elements alone.
@@ -104,7 +102,8 @@ int visitMembers(JS::HandleValue value, int first,
 
 QString JavaScriptValueTexts::textOf(JS::HandleValue value, int depth) {
     if (value.isString()) {
-        JSLinearString* const text = checked(JS_EnsureLinearString(engineContext(), value.toString()));
+        JSLinearString* const text =
+            checked(JS_EnsureLinearString(engineContext(), value.toString()));
         const bool isLong = JS::GetLinearStringLength(text) > longest;
         return cut(quoted(fromJsString(value.toString()).left(longest + (isLong ? 1 : 0))));
     }
@@ -175,8 +174,7 @@ LanguageVariables::Members JavaScriptVariables::membersOf(const Value& value, in
     return members;
 }
 
-LanguageVariables::Value JavaScriptVariables::memberNamed(const Value& value,
-                                                          const QString& name) {
+LanguageVariables::Value JavaScriptVariables::memberNamed(const Value& value, const QString& name) {
     Value found;
     const Shape shape = shapeOf(valueOf(value));
     bool isNumber = false;

@@ -105,11 +105,10 @@ bool JobQueue::settle(JS::HandleObject promise, void (*wait)(double seconds), bo
 int JobQueue::addTimer(JS::HandleObject function, double milliseconds) {
     // What is no number or too large for a time is a short or a long one.
     const double limited = milliseconds > 0 ? std::min(milliseconds, 1e9) : 0;
-    const auto due = Clock::now() + std::chrono::microseconds(static_cast<long long>(limited * 1e3));
-    const auto place =
-        std::find_if(m_timers.begin(), m_timers.end(), [due](const Timer& each) {
-            return each.due > due;
-        });
+    const auto due =
+        Clock::now() + std::chrono::microseconds(static_cast<long long>(limited * 1e3));
+    const auto place = std::find_if(m_timers.begin(), m_timers.end(),
+                                    [due](const Timer& each) { return each.due > due; });
     m_timers.insert(place, Timer{++m_lastTimer, due, {m_context, function}});
     return m_lastTimer;
 }

@@ -9,8 +9,8 @@
 namespace Tamrix::JavaScriptPlugin {
 
 /// What waits for its turn in a script: jobs of promises, and timers. Unlike the engine's own queue
-/// it can be run while a job runs, as a step of a feature file that waits is called by a script that
-/// has waited itself.
+/// it can be run while a job runs, as a step of a feature file that waits is called by a script
+/// that has waited itself.
 ///
 /// This file and its source know no type of ours: the engine is compiled without run-time type
 /// information, and so is what derives from its classes.
@@ -19,9 +19,9 @@ public:
     explicit JobQueue(JSContext* context);
     ~JobQueue() override;
 
-    /// Runs jobs and timers until the promise is settled; `wait` sleeps for a time, or a part of it.
-    /// `isSettled` is false when nothing is left that could settle it. False when the script is to
-    /// end.
+    /// Runs jobs and timers until the promise is settled; `wait` sleeps for a time, or a part of
+    /// it. `isSettled` is false when nothing is left that could settle it. False when the script is
+    /// to end.
     bool settle(JS::HandleObject promise, void (*wait)(double seconds), bool* isSettled);
 
     /// Calls the function once the time is over, if anybody waits then. Gives the timer's number.

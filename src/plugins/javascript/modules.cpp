@@ -129,13 +129,12 @@ JSObject* Modules::load(const QString& name, const QString& importer) {
     return add(content->text, path);
 }
 
-JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer,
-                           JS::HandleObject request) {
+JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer, JS::HandleObject request) {
     JS::RootedObject module(context);
     guarded([] { return QStringLiteral("import"); },
             [&] {
-                module = currentModules().load(specifierOf(context, request),
-                                               importerPath(importer));
+                module =
+                    currentModules().load(specifierOf(context, request), importerPath(importer));
                 return true;
             });
     return module;
@@ -147,8 +146,8 @@ bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::Hand
     guarded([] { return QStringLiteral("import"); },
             [&] {
                 JS::RootedObject module(
-                    context, currentModules().load(specifierOf(context, request),
-                                                   importerPath(importer)));
+                    context,
+                    currentModules().load(specifierOf(context, request), importerPath(importer)));
                 checked(JS::ModuleInstantiate(context, module) &&
                         JS::ModuleEvaluate(context, module, &evaluated));
                 return true;

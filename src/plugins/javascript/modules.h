@@ -9,8 +9,8 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// The modules of one script, each loaded once. "./name" and "../name" are files beside the one that
-/// imports, other names are looked for in the folders for modules; a suffix may be left out.
+/// The modules of one script, each loaded once. "./name" and "../name" are files beside the one
+/// that imports, other names are looked for in the folders for modules; a suffix may be left out.
 class Modules {
 public:
     explicit Modules(JSContext* context) : m_context(context) {}
@@ -32,9 +32,7 @@ public:
     void run(JS::HandleObject module);
     /// Forgets the module of a file, which is loaded anew then.
     void forget(const QString& path) { m_modules.erase(path.toStdString()); }
-    bool isLoaded(const QString& path) const {
-        return m_modules.count(path.toStdString()) > 0;
-    }
+    bool isLoaded(const QString& path) const { return m_modules.count(path.toStdString()) > 0; }
 
     /// Keeps for a script or module which file it is, so that its imports know.
     JS::Value fileValue(const QString& path);
@@ -42,8 +40,8 @@ public:
 private:
     static JSObject* resolve(JSContext* context, JS::HandleValue importer,
                              JS::HandleObject request);
-    static bool importLater(JSContext* context, JS::HandleValue importer,
-                            JS::HandleObject request, JS::HandleObject promise);
+    static bool importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
+                            JS::HandleObject promise);
     static bool describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta);
 
     JSObject* load(const QString& name, const QString& importer);

@@ -29,9 +29,10 @@ constexpr std::size_t targetSlot = 0;
 /// the script may outlive its case.
 const NativeFunction* kept(const NativeFunction& function) {
     static auto* const s_functions = new QHash<QString, const NativeFunction*>;
-    const QString key = QStringLiteral("%1/%2/%3").arg(
-        function.displayName(), QString::number(static_cast<int>(function.kind())),
-        QString::number(reinterpret_cast<quintptr>(function.address())));
+    const QString key =
+        QStringLiteral("%1/%2/%3")
+            .arg(function.displayName(), QString::number(static_cast<int>(function.kind())),
+                 QString::number(reinterpret_cast<quintptr>(function.address())));
     const NativeFunction*& known = (*s_functions)[key];
     if (!known)
         known = new NativeFunction(function);
@@ -93,8 +94,7 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
                    [&] {
                        JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
                        if (interpreter && arePlain(function.parameters(), arguments))
-                           return finish(callPlainly(*interpreter, function, arguments),
-                                         arguments);
+                           return finish(callPlainly(*interpreter, function, arguments), arguments);
                        return finish(
                            callNative(interpreter, function, {}, givenArguments(arguments)),
                            arguments);
@@ -133,8 +133,8 @@ bool construct(JSContext* context, unsigned count, JS::Value* values) {
     return guarded([&] { return function.displayName(); },
                    [&] {
                        if (!arguments.isConstructing()) {
-                           raiseBuiltIn("TypeError", function.displayName() +
-                                                         " is a class: call it with 'new'");
+                           raiseBuiltIn("TypeError",
+                                        function.displayName() + " is a class: call it with 'new'");
                            return false;
                        }
                        JS::RootedObject type(context, &arguments.newTarget().toObject());
@@ -168,9 +168,8 @@ JSObject* makeFunctionObject(JSNative native, const QString& name, int parameter
                              const JS::Value& target, unsigned flags = 0) {
     JSContext* const context = engineContext();
     JS::RootedValue kept(context, target);
-    JSFunction* const function = checked(
-        js::NewFunctionWithReserved(context, native, static_cast<unsigned>(parameterCount), flags,
-                                    name.toUtf8().constData()));
+    JSFunction* const function = checked(js::NewFunctionWithReserved(
+        context, native, static_cast<unsigned>(parameterCount), flags, name.toUtf8().constData()));
     JSObject* const object = JS_GetFunctionObject(function);
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
@@ -178,10 +177,9 @@ JSObject* makeFunctionObject(JSNative native, const QString& name, int parameter
 
 void defineAccessor(JS::HandleObject object, const QString& name, JS::HandleObject getter,
                     JS::HandleObject setter) {
-    checked(JS_DefineUCProperty(engineContext(), object,
-                                reinterpret_cast<const char16_t*>(name.utf16()),
-                                static_cast<std::size_t>(name.size()), getter, setter,
-                                JSPROP_ENUMERATE));
+    checked(JS_DefineUCProperty(
+        engineContext(), object, reinterpret_cast<const char16_t*>(name.utf16()),
+        static_cast<std::size_t>(name.size()), getter, setter, JSPROP_ENUMERATE));
 }
 
 // Functions of an application
@@ -192,10 +190,10 @@ bool callApplicationFunction(JSContext*, unsigned count, JS::Value* values) {
                            js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
     return guarded([&] { return fromJsString(target.toString()); },
                    [&] {
-                       return finish(callGlobal(JavaScriptInterpreter::active(),
-                                                fromJsString(target.toString()),
-                                                givenArguments(arguments)),
-                                     arguments);
+                       return finish(
+                           callGlobal(JavaScriptInterpreter::active(),
+                                      fromJsString(target.toString()), givenArguments(arguments)),
+                           arguments);
                    });
 }
 
@@ -216,9 +214,9 @@ bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
 JSObject* makeFunction(const NativeFunction& function) {
     const unsigned flags =
         function.kind() == NativeFunction::Kind::Constructor ? JSFUN_CONSTRUCTOR : 0;
-    return makeFunctionObject(
-        entryOf(function.kind()), function.signature().name, function.parameters().requiredCount,
-        JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
+    return makeFunctionObject(entryOf(function.kind()), function.signature().name,
+                              function.parameters().requiredCount,
+                              JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
 }
 
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
@@ -226,8 +224,7 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
     const ScriptContext& library = interpreter.context();
     JS::RootedObject constructor(
-        context,
-        makeFunction(NativeFunction(library, {name, {}, {}, {}, {}}, type.constructor())));
+        context, makeFunction(NativeFunction(library, {name, {}, {}, {}, {}}, type.constructor())));
     JS::RootedObject base(context, interpreter.realm().nativePrototype(type.super()));
     JS::RootedObject prototype(context,
                                checked(base ? JS_NewObjectWithGivenProto(context, nullptr, base)

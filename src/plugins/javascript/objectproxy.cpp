@@ -91,31 +91,31 @@ JSObject* makeApplicationObjectPrototype() {
 
 bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,
                      JS::MutableHandleValue value, bool* isOwn) {
-    return guarded(
-        [&] { return displayName(proxy, name); },
-        [&] {
-            *isOwn = !isLanguagesOwn(context, proxy, name);
-            if (!*isOwn)
-                return true;
-            const QString text = fromKey(name);
-            const tl::expected<Member, ScriptFailure> member =
-                getMember(JavaScriptInterpreter::active(), objectOf(proxy), text);
-            if (!member) {
-                const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
-                                                 [&](const char* each) { return text == each; });
-                if (isAsked && member.error().kind == ScriptFailure::Kind::NoMember) {
-                    *isOwn = false;
-                    return true;
-                }
-                raise(member.error());
-                return false;
-            }
-            if (const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member))
-                value.set(valueOf(*own));
-            else
-                value.setObject(*makeMethod(std::get<1>(*member)));
-            return true;
-        });
+    return guarded([&] { return displayName(proxy, name); },
+                   [&] {
+                       *isOwn = !isLanguagesOwn(context, proxy, name);
+                       if (!*isOwn)
+                           return true;
+                       const QString text = fromKey(name);
+                       const tl::expected<Member, ScriptFailure> member =
+                           getMember(JavaScriptInterpreter::active(), objectOf(proxy), text);
+                       if (!member) {
+                           const bool isAsked =
+                               std::any_of(std::begin(askedNames), std::end(askedNames),
+                                           [&](const char* each) { return text == each; });
+                           if (isAsked && member.error().kind == ScriptFailure::Kind::NoMember) {
+                               *isOwn = false;
+                               return true;
+                           }
+                           raise(member.error());
+                           return false;
+                       }
+                       if (const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member))
+                           value.set(valueOf(*own));
+                       else
+                           value.setObject(*makeMethod(std::get<1>(*member)));
+                       return true;
+                   });
 }
 
 bool writeObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId name,

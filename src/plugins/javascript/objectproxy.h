@@ -9,8 +9,8 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-// An object of an application in a script: its properties and methods are those of the object of the
-// script. Names that the language asks objects for itself, as `toString`, are the language's.
+// An object of an application in a script: its properties and methods are those of the object of
+// the script. Names that the language asks objects for itself, as `toString`, are the language's.
 
 /// A new object of the script; null of the script for a null pointer. Throws ScriptErrorSet.
 JS::Value applicationObjectValue(const SharedPtr<Object>& object);

@@ -2,8 +2,9 @@
 
 #include <jsapi.h>
 
-// The handler of the objects that stand for objects of an application. It knows no type of ours: the
-// engine is compiled without run-time type information, and so is what derives from its classes.
+// The handler of the objects that stand for objects of an application. It knows no type of ours:
+// the engine is compiled without run-time type information, and so is what derives from its
+// classes.
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -13,8 +14,8 @@ JSObject* makeObjectProxy(JSContext* context, void* held, JS::HandleObject proto
 void* heldByObjectProxy(JSObject* object);
 
 // What the handler does. False with an exception pending on failure.
-/// `isOwn` is false for a name that is the language's, or that the object does not have and that the
-/// language asks after.
+/// `isOwn` is false for a name that is the language's, or that the object does not have and that
+/// the language asks after.
 bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,
                      JS::MutableHandleValue value, bool* isOwn);
 bool writeObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,

@@ -137,21 +137,19 @@ bool writeLine(JSContext*, unsigned count, JS::Value* values) {
 
 bool setTimer(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded([] { return QStringLiteral("setTimeout"); },
-                   [&] {
-                       if (!arguments.get(0).isObject() ||
-                           !JS::IsCallable(&arguments[0].toObject())) {
-                           raiseBuiltIn("TypeError",
-                                        QStringLiteral("setTimeout() requires a function"));
-                           return false;
-                       }
-                       double milliseconds = 0;
-                       checked(count < 2 || JS::ToNumber(context, arguments[1], &milliseconds));
-                       JS::RootedObject function(context, &arguments[0].toObject());
-                       arguments.rval().setInt32(
-                           Engine::self().jobs().addTimer(function, milliseconds));
-                       return true;
-                   });
+    return guarded(
+        [] { return QStringLiteral("setTimeout"); },
+        [&] {
+            if (!arguments.get(0).isObject() || !JS::IsCallable(&arguments[0].toObject())) {
+                raiseBuiltIn("TypeError", QStringLiteral("setTimeout() requires a function"));
+                return false;
+            }
+            double milliseconds = 0;
+            checked(count < 2 || JS::ToNumber(context, arguments[1], &milliseconds));
+            JS::RootedObject function(context, &arguments[0].toObject());
+            arguments.rval().setInt32(Engine::self().jobs().addTimer(function, milliseconds));
+            return true;
+        });
 }
 
 bool clearTimer(JSContext*, unsigned count, JS::Value* values) {

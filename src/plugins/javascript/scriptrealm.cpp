@@ -20,8 +20,8 @@ constexpr JSClass globalClass = {
 JSObject* makeGlobal(JSContext* context) {
     JS::RealmOptions options;
     options.creationOptions().setNewCompartmentAndZone();
-    return checked(JS_NewGlobalObject(context, &globalClass, nullptr, JS::FireOnNewGlobalHook,
-                                      options));
+    return checked(
+        JS_NewGlobalObject(context, &globalClass, nullptr, JS::FireOnNewGlobalHook, options));
 }
 
 }  // namespace

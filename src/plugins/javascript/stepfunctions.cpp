@@ -156,14 +156,13 @@ bool defineParameterType(JSContext* context, unsigned count, JS::Value* values) 
 }
 
 bool pending(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter("pending", count, values,
-                           [](JavaScriptInterpreter&, const JS::CallArgs& arguments) {
-                               raisePendingStep(
-                                   arguments.get(0).isString()
-                                       ? fromJsString(arguments[0].toString())
-                                       : QStringLiteral("the step definition is to be written"));
-                               throw ScriptErrorSet();
-                           });
+    return withInterpreter(
+        "pending", count, values, [](JavaScriptInterpreter&, const JS::CallArgs& arguments) {
+            raisePendingStep(arguments.get(0).isString()
+                                 ? fromJsString(arguments[0].toString())
+                                 : QStringLiteral("the step definition is to be written"));
+            throw ScriptErrorSet();
+        });
 }
 
 using Gherkin::AfterHook;
@@ -197,13 +196,14 @@ StepScopes& scopesOf(JavaScriptInterpreter& interpreter) {
 }
 
 bool findName(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter("context", count, values,
-                           [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-                               const SharedPtr<ScriptArgument> found = scopesOf(interpreter).find(
-                                   fromJsString(arguments[0].toString()));
-                               if (found)
-                                   arguments.rval().set(valueOf(found));
-                           });
+    return withInterpreter(
+        "context", count, values,
+        [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+            const SharedPtr<ScriptArgument> found =
+                scopesOf(interpreter).find(fromJsString(arguments[0].toString()));
+            if (found)
+                arguments.rval().set(valueOf(found));
+        });
 }
 
 bool setName(JSContext*, unsigned count, JS::Value* values) {

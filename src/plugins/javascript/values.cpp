@@ -143,8 +143,7 @@ void defineProperty(JS::HandleObject object, const QString& name, const JS::Valu
                     unsigned attributes) {
     JSContext* const context = engineContext();
     JS::RootedValue rooted(context, value);
-    checked(JS_DefineUCProperty(context, object,
-                                reinterpret_cast<const char16_t*>(name.utf16()),
+    checked(JS_DefineUCProperty(context, object, reinterpret_cast<const char16_t*>(name.utf16()),
                                 static_cast<std::size_t>(name.size()), rooted, attributes));
 }
 

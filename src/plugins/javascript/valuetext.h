@@ -7,9 +7,9 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// A value as text, as results and `console.log` show it: a text itself, lists and objects with what
-/// is in them, an error with its name, everything else as the language writes it. Code of the script
-/// runs only for an object that has a `toString` of its own; what it throws shows as
+/// A value as text, as results and `console.log` show it: a text itself, lists and objects with
+/// what is in them, an error with its name, everything else as the language writes it. Code of the
+/// script runs only for an object that has a `toString` of its own; what it throws shows as
 /// "<unprintable NAME object>", and what ends the script passes as ScriptErrorSet.
 QString textOf(JS::HandleValue value);
 

@@ -19,12 +19,14 @@ protected:
 };
 
 TEST_F(JavaScriptCode, AScriptWithImportsIsAModule) {
-    write("lib/prices.js", "import {rate} from './rate.mjs';\n"
-                           "export const price = n => n * rate;\n"
-                           "export default 'prices';\n");
+    write("lib/prices.js",
+          "import {rate} from './rate.mjs';\n"
+          "export const price = n => n * rate;\n"
+          "export default 'prices';\n");
     write("lib/rate.mjs", "export const rate = 3;\nconsole.log(import.meta.url.slice(0, 8));\n");
-    write("shared/names.js", "export const names = ['a'];\nexport let count = 0;\n"
-                             "export function add() { count++; }\n");
+    write("shared/names.js",
+          "export const names = ['a'];\nexport let count = 0;\n"
+          "export function add() { count++; }\n");
     interpreter->addToSearchPath(QFileInfo(folder.filePath("shared")));
     ASSERT_EQ(run("import title, {price} from './lib/prices';\n"
                   "import {names, count, add} from 'names';\n"
@@ -38,7 +40,8 @@ TEST_F(JavaScriptCode, AScriptWithImportsIsAModule) {
                   "async function cleanup() {\n"
                   "    const later = await import('./lib/rate.mjs');\n"
                   "    test.compare(later.rate, 3);\n"
-                  "    try { await import('none'); } catch (error) { test.log(error.message.slice(0, 26)); }\n"
+                  "    try { await import('none'); } catch (error) { "
+                  "test.log(error.message.slice(0, 26)); }\n"
                   "}\n"),
               "");
     EXPECT_TRUE(interpreter->hasFunction("main"));
@@ -57,12 +60,11 @@ TEST_F(JavaScriptCode, ErrorsOfModulesStandWhereTheyArise) {
     ASSERT_EQ(run("import {f} from './throws.js';\nexport function main() {\n    f();\n}\n"), "");
     EXPECT_EQ(call("main"), "Error: deep");
     EXPECT_EQ(lines(), (std::vector{2, 3}));
-    EXPECT_EQ(run("\nimport './fails.js';\n"),
-              "TypeError: null has no properties");
+    EXPECT_EQ(run("\nimport './fails.js';\n"), "TypeError: null has no properties");
     EXPECT_EQ(lines(), std::vector{2});
-    EXPECT_TRUE(run("import './none.js'").startsWith("Error: There is no module './none.js' beside"));
-    EXPECT_EQ(run("import {g} from './throws.js'"),
-              "SyntaxError: import not found: g");
+    EXPECT_TRUE(
+        run("import './none.js'").startsWith("Error: There is no module './none.js' beside"));
+    EXPECT_EQ(run("import {g} from './throws.js'"), "SyntaxError: import not found: g");
 }
 
 TEST_F(JavaScriptCode, AnAwaitAtTheTopIsOfAModule) {
@@ -76,23 +78,27 @@ TEST_F(JavaScriptCode, AnAwaitAtTheTopIsOfAModule) {
 }
 
 TEST_F(JavaScriptCode, WhatIsSourcedIsThereAfterwards) {
-    write("classic.js", "var shared = 1;\nfunction helper() { return shared + 1; }\nconst fixed = 7;\n");
+    write("classic.js",
+          "var shared = 1;\nfunction helper() { return shared + 1; }\nconst fixed = 7;\n");
     write("module.js", "import './classic.js';\nexport const exported = 3;\n");
     write("broken.js", "\n\nhelper(\n");
     write("throwing.js", "\nthrow new TypeError('at the top');\n");
-    EXPECT_EQ(run(QStringLiteral("function main() {\n"
-                                 "    source('%1/classic.js');\n"
-                                 "    source('%1/module.js');\n"
-                                 "    test.compare([shared, helper(), fixed, exported], [1, 2, 7, 3]);\n"
-                                 "    for (const name of ['broken', 'throwing']) {\n"
-                                 "        try { source('%1/' + name + '.js'); }\n"
-                                 "        catch (error) { test.log(error.message.split('/').pop()); }\n"
-                                 "    }\n"
-                                 "}\n").arg(folder.path())),
-              "");
+    EXPECT_EQ(
+        run(QStringLiteral("function main() {\n"
+                           "    source('%1/classic.js');\n"
+                           "    source('%1/module.js');\n"
+                           "    test.compare([shared, helper(), fixed, exported], [1, 2, 7, 3]);\n"
+                           "    for (const name of ['broken', 'throwing']) {\n"
+                           "        try { source('%1/' + name + '.js'); }\n"
+                           "        catch (error) { test.log(error.message.split('/').pop()); }\n"
+                           "    }\n"
+                           "}\n")
+                .arg(folder.path())),
+        "");
     EXPECT_EQ(call("main"), "");
     EXPECT_TRUE(results().at(0).startsWith("10 "));
-    EXPECT_EQ(results().at(1), "7 broken.js:4: SyntaxError: expected expression, got end of script: ");
+    EXPECT_EQ(results().at(1),
+              "7 broken.js:4: SyntaxError: expected expression, got end of script: ");
     EXPECT_EQ(results().at(2), "7 throwing.js:2: TypeError: at the top: ");
 }
 
@@ -131,17 +137,19 @@ TEST_F(JavaScriptCode, TheNextScriptStartsAfresh) {
 }
 
 TEST_F(JavaScriptCode, Settings) {
-    EXPECT_EQ(run("testSettings.waitForObjectTimeout = 1234;\n"
-                  "test.compare(testSettings.waitForObjectTimeout, 1234);\n"
-                  "const error = (work) => { try { work(); return 'none'; } catch (e) { return e.name; } };\n"
-                  "test.compare(error(() => { testSettings.waitForObjectTimeot = 1; }), 'TypeError');\n"
-                  "const image = new Image(2, 3, 'red');\n"
-                  "test.compare([image.width, image.height, image instanceof Image], [2, 3, true]);\n"
-                  "test.compare(error(() => Image(2, 3)), 'TypeError');\n"
-                  "class Picture extends Image { get area() { return this.width * this.height; } }\n"
-                  "test.compare(new Picture(4, 5, 'red').area, 20);\n"
-                  "test.verify(new Image(image).equals(image));\n"),
-              "");
+    EXPECT_EQ(
+        run("testSettings.waitForObjectTimeout = 1234;\n"
+            "test.compare(testSettings.waitForObjectTimeout, 1234);\n"
+            "const error = (work) => { try { work(); return 'none'; } catch (e) { return e.name; } "
+            "};\n"
+            "test.compare(error(() => { testSettings.waitForObjectTimeot = 1; }), 'TypeError');\n"
+            "const image = new Image(2, 3, 'red');\n"
+            "test.compare([image.width, image.height, image instanceof Image], [2, 3, true]);\n"
+            "test.compare(error(() => Image(2, 3)), 'TypeError');\n"
+            "class Picture extends Image { get area() { return this.width * this.height; } }\n"
+            "test.compare(new Picture(4, 5, 'red').area, 20);\n"
+            "test.verify(new Image(image).equals(image));\n"),
+        "");
     for (const QString& each : results())
         EXPECT_TRUE(each.startsWith("10 ")) << qPrintable(each);
 }

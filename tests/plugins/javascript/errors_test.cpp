@@ -59,7 +59,8 @@ TEST_F(JavaScriptErrors, StandAtTheirLines) {
     for (const auto& row : rows) {
         EXPECT_EQ(call(row.function), row.message);
         EXPECT_EQ(lines(), row.lines) << row.function;
-        EXPECT_EQ(interpreter->errorFile({}), QFileInfo(folder.path()).canonicalFilePath() + "/test.js");
+        EXPECT_EQ(interpreter->errorFile({}),
+                  QFileInfo(folder.path()).canonicalFilePath() + "/test.js");
     }
     EXPECT_EQ(call("endless"), "InternalError: too much recursion");
     EXPECT_EQ(lines().size(), 100u);
@@ -105,11 +106,13 @@ TEST_F(JavaScriptErrors, CodeWithoutAFileHasALine) {
 }
 
 TEST_F(JavaScriptErrors, OfTheLibraryHaveClasses) {
-    define("fail", [](ScriptContext* context) {
-        context->setError("told", static_cast<ScriptContext::ErrorType>(
-                                      context->argument(0)->toInt()));
-        return false;
-    }, {"kind"});
+    define("fail",
+           [](ScriptContext* context) {
+               context->setError(
+                   "told", static_cast<ScriptContext::ErrorType>(context->argument(0)->toInt()));
+               return false;
+           },
+           {"kind"});
     EXPECT_EQ(run(R"js(
 const expected = [["Error", true], ["VerificationError", true], ["FatalError", false],
                   ["LookupError", true]];
@@ -155,10 +158,11 @@ TEST_F(JavaScriptErrors, OnlyTheSkipItselfEndsACaseAsSkipped) {
 }
 
 TEST_F(JavaScriptErrors, ExitEndsTheCase) {
-    ASSERT_EQ(run("function init() { try { tamrix.exit(); } catch (error) { test.fail('caught'); } }\n"
-                  "function main() { test.fail('not reached'); }\n"
-                  "function cleanup() { test.log('cleaned'); }\n"),
-              "");
+    ASSERT_EQ(
+        run("function init() { try { tamrix.exit(); } catch (error) { test.fail('caught'); } }\n"
+            "function main() { test.fail('not reached'); }\n"
+            "function cleanup() { test.log('cleaned'); }\n"),
+        "");
     EXPECT_EQ(call("init"), "");
     EXPECT_EQ(call("main"), "");
     EXPECT_EQ(call("cleanup"), "");
@@ -206,8 +210,8 @@ TEST_F(JavaScriptErrors, OutputStandsInOrder) {
         if (const auto* logged = eventOf<ResultAdded>(entry))
             seen.append(":" + logged->message);
     }
-    EXPECT_EQ(seen, (QStringList{"stdout:one 2 [3]\n", ":between", "stderr:to err\n",
-                                 "stdout:last\n"}));
+    EXPECT_EQ(seen,
+              (QStringList{"stdout:one 2 [3]\n", ":between", "stderr:to err\n", "stdout:last\n"}));
 }
 
 TEST_F(JavaScriptErrors, PositionsThroughNativeCode) {
@@ -248,7 +252,8 @@ TEST_F(JavaScriptErrors, HostileScripts) {
         const char* error;
     } rows[] = {
         {"let a = []; a.push(a); JSON.stringify(a)", "TypeError: cyclic object value"},
-        {"const p = new Proxy({}, {get() { return p.x; }}); p.x", "InternalError: too much recursion"},
+        {"const p = new Proxy({}, {get() { return p.x; }}); p.x",
+         "InternalError: too much recursion"},
         {"'x'.repeat(2 ** 30)", "RangeError: repeat count must be less than infinity"},
         {"new ArrayBuffer(2 ** 40)", "RangeError: "},
         {"for (let a = [];;) a.push({x: a.length})", "Out of memory"},

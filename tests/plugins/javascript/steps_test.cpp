@@ -110,12 +110,13 @@ TEST_F(JavaScriptFeatures, KeepsValuesByScope) {
         "    test.log(context.count + String('other' in context));\n"
         "    context.other = 1;\n"
         "});\n");
-    EXPECT_EQ(withoutPlaces(runFeature(
-                  "@f\nFeature: f\n  @s\n  Scenario: one\n    * add\n  Scenario: two\n    * add\n")),
-              "2onef,s: \n1false: \n"
-              "after count,feature,other,own,scenario,step,table,tags,text: \n"
-              "2undefined: \n1false: \n"
-              "after count,feature,other,scenario,step,table,tags,text: \n");
+    EXPECT_EQ(
+        withoutPlaces(runFeature(
+            "@f\nFeature: f\n  @s\n  Scenario: one\n    * add\n  Scenario: two\n    * add\n")),
+        "2onef,s: \n1false: \n"
+        "after count,feature,other,own,scenario,step,table,tags,text: \n"
+        "2undefined: \n1false: \n"
+        "after count,feature,other,scenario,step,table,tags,text: \n");
 }
 
 TEST_F(JavaScriptFeatures, TellsWhatBecomesOfSteps) {
@@ -148,23 +149,29 @@ TEST_F(JavaScriptFeatures, RefusesWhatItCantRegister) {
     const std::pair<const char*, const char*> rows[] = {
         {"\nGiven('{nothing}', () => {});", "Error: "},
         {"\nGiven('a');", "TypeError: what is registered has to be a function"},
-        {"\nGiven(5, () => {});", "TypeError: a step is given as a text or as a regular expression"},
+        {"\nGiven(5, () => {});",
+         "TypeError: a step is given as a text or as a regular expression"},
         {"\nGiven(/a/g, () => {});",
          "TypeError: steps know the flags i, m, s and u of regular expressions only"},
     };
     for (const auto& [code, error] : rows) {
         const QString told = runSteps(code, "    Given a\n");
         EXPECT_TRUE(told.contains(error)) << qPrintable(told);
-        EXPECT_TRUE(told.contains("steps/steps.js:2: ") || told.contains("steps.js:2")) << qPrintable(told);
+        EXPECT_TRUE(told.contains("steps/steps.js:2: ") || told.contains("steps.js:2"))
+            << qPrintable(told);
     }
 }
 
 TEST_F(JavaScriptFeatures, FilesWithStepsAreModules) {
     interpreter->setScriptArguments(script(), {});
-    writeSteps("import {words} from './words.js';\nconst name = 1;\n"
-               "Given('a', () => test.log(words.join()));\n", "a.js");
-    writeSteps("export const words = ['x'];\nconst name = 2;\n"
-               "Given('b', () => { words.push('y'); });\n", "words.js");
+    writeSteps(
+        "import {words} from './words.js';\nconst name = 1;\n"
+        "Given('a', () => test.log(words.join()));\n",
+        "a.js");
+    writeSteps(
+        "export const words = ['x'];\nconst name = 2;\n"
+        "Given('b', () => { words.push('y'); });\n",
+        "words.js");
     EXPECT_EQ(withoutPlaces(runFeature("Feature: f\n  Scenario: s\n    Given b\n    Given a\n")),
               "x,y: \n");
 }

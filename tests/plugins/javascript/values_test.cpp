@@ -181,9 +181,10 @@ TEST_F(JavaScriptValues, EqualIsWhatHasEqualMembers) {
         EXPECT_EQ(run(QStringLiteral("test.compare(%1, %2)").arg(row.left, row.right)), "");
         EXPECT_EQ(results().last().startsWith("10 "), row.areEqual) << row.left << ' ' << row.right;
     }
-    EXPECT_EQ(run("function deep() { let v = []; for (let i = 0; i < 1e6; i++) v = [v]; return v; }\n"
-                  "test.compare(deep(), deep())"),
-              "InternalError: too much recursion");
+    EXPECT_EQ(
+        run("function deep() { let v = []; for (let i = 0; i < 1e6; i++) v = [v]; return v; }\n"
+            "test.compare(deep(), deep())"),
+        "InternalError: too much recursion");
 }
 
 TEST_F(JavaScriptValues, ApplicationContextsAndDataSets) {
@@ -299,8 +300,8 @@ function main(given) {
 main(true);
 )js"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"true", "false", "ReferenceError: nothing is not defined",
-                                   "true"}));
+    EXPECT_EQ(s_seen,
+              (QStringList{"true", "false", "ReferenceError: nothing is not defined", "true"}));
     EXPECT_EQ(results(),
               (QStringList{"10 Exception: Raised TypeError: limit.x is undefined",
                            "11 Exception: The code is not valid: SyntaxError: missing formal "
