@@ -24,6 +24,8 @@ struct Language {
 constexpr const char* featureSuffix = "feature";
 
 constexpr Language languages[] = {
+    {"js", "true", "false", "Boolean(%1)",
+     "^\\s*(?:export\\s+)?(?:default\\s+)?(?:async\\s+)?function\\s*\\*?\\s*(\\w+)"},
     {"py", "True", "False", "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
     // What is evaluated at a step is code of the script that runs the file.
     {featureSuffix, "True", "False", "bool(%1)", nullptr},

@@ -54,6 +54,19 @@ async def main():
     };
     EXPECT_EQ(functions({1, 4, 8, 11, 15, 99, 0}),
               (QStringList{"a.py", "a.py", "count", "count", "main", "a.py", "a.py"}));
+    const QString script = folder.filePath("a.js");
+    ASSERT_TRUE(Tamrix::Test::writeFile(script,
+                                        "const x = 1;\n"
+                                        "export async function main() {\n"
+                                        "    x.map(each =>\n"
+                                        "        each + 1);\n"
+                                        "}\n"
+                                        "function* numbers() {\n"
+                                        "    yield 1;\n"
+                                        "}\n"));
+    EXPECT_EQ(functionAt({script, 1}), "a.js");
+    EXPECT_EQ(functionAt({script, 4}), "main");
+    EXPECT_EQ(functionAt({script, 7}), "numbers");
     EXPECT_EQ(functionAt({"/no/such/b.py", 3}), "b.py");
     EXPECT_EQ(functionAt({folder.filePath("a.tcl"), 3}), "a.tcl");
 }

@@ -1,0 +1,37 @@
+// Fills in a dialog that a menu opens, and looks at the table that it fills.
+
+function add(name, address) {
+    selectItem("{type='QMenuBar'}", "Tools.Add Entry\\.\\.\\.");
+    fill("{type='QLineEdit' window=':AddContact'}", name);
+    fill("{type='QTextEdit' window=':AddContact'}", address);
+    click("{type='QPushButton' text='OK' window=':AddContact'}");
+}
+
+function main() {
+    startApplication("addressbook");
+
+    add("Ada", "12 St James's Square, London");
+    add("Grace", "Arlington");
+
+    test.startSection("The tables hold what is expected");
+    selectItem("{type='QTabBar'}", "GHI");
+    test.vp("grace.vp");
+    test.endSection();
+
+    test.startSection("The tab ABC has Ada alone");
+    selectItem("{type='QTabBar'}", "ABC");
+    const table = waitForObject("{type='QTableView' visible='true'}");
+    test.compare(waitForObjectItem(table, 0, 0).text, "Ada");
+    test.compare(waitForObjectItem(table, 0, 1).text, "12 St James's Square, London");
+    test.verify(!object.exists("{text='Grace' container={type='QTableView' visible='true'}}"));
+    test.endSection();
+
+    test.startSection("A selected entry can be removed");
+    const remove = "{type='QAction' text='Remove Entry'}";
+    test.expect(remove, {enabled: false}, undefined, "nothing is selected yet");
+    selectItem(table, "Ada");
+    test.expect(remove, {enabled: true}, undefined, "Ada is selected");
+    selectItem("{type='QMenuBar'}", "Tools.Remove Entry");
+    test.verify(waitFor(() => !object.exists("{text='Ada'}"), 5000), "Ada is gone");
+    test.endSection();
+}

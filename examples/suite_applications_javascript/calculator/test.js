@@ -1,0 +1,25 @@
+// Clicks the buttons of a calculator and reads its display.
+import {press} from "keys";
+
+export function main() {
+    startApplication("calculator");
+    const display = waitForObject(":Display");
+    test.vp("display.vp", "as it starts");
+
+    test.startSection("Sums");
+    press("7 + 5 =");
+    test.expect(display, {text: "12"}, undefined, "7 + 5");
+    press("Sqrt");
+    test.expect(display, {"text*": "3.4641*"}, undefined, "its root");
+    test.endSection();
+
+    test.startSection("Memory");
+    press("MS");
+    click("{type='Button' text='Clear All'}");
+    test.expect(display, {text: "0"}, undefined, "cleared");
+    press("MR");
+    test.expect(display, {"text*": "3.4641*"}, undefined, "recalled");
+    test.endSection();
+
+    test.verify(display.readOnly, "nobody types into the display");
+}

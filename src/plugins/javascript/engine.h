@@ -1,0 +1,61 @@
+#pragma once
+
+#include <jsapi.h>
+
+#include <memory>
+
+namespace Tamrix::JavaScriptPlugin {
+
+class JobQueue;
+
+/// The script engine: started once, alive to the end of the process. It has one context, which
+/// belongs to the script thread. What a test case leaves behind goes with its realm.
+class Engine {
+public:
+    /// Starts the engine on first use. Throws std::runtime_error when it can't be started.
+    static Engine& self();
+
+    JSContext* context() const { return m_context; }
+    JobQueue& jobs() { return *m_jobs; }
+
+    /// What ended running code that no `catch` can stop.
+    enum class End { None, Interrupt, Memory, Exit };
+    /// Tells it once.
+    End takeEnd();
+    /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
+    JSObject* endedStack() const { return m_endedStack; }
+
+    /// Ends the script at once, from a native function, which gives the result to the engine:
+    /// false.
+    bool endNow(End reason);
+
+    // What a signal handler may call: the engine notices it at its next loop or call.
+    /// Ends the running code.
+    void requestEnd(End reason);
+    /// Has `stop` called where the script is.
+    void requestStop();
+    void setStopHandler(void (*stop)()) { m_stop = stop; }
+
+    /// Looks for such requests, as after a wait. False when the script is to end.
+    bool checkRequests();
+
+private:
+    Engine();
+    void limitMemory();
+    void handleInterrupts();
+    static bool interrupted(JSContext* context);
+    static void collected(JSContext* context, JSGCStatus status, JS::GCReason reason, void* data);
+
+    JSContext* m_context = nullptr;
+    std::unique_ptr<JobQueue> m_jobs;
+    void (*m_stop)() = nullptr;
+    JS::PersistentRootedObject m_endedStack;
+    End m_end = End::None;
+};
+
+/// The context of the engine.
+inline JSContext* engineContext() {
+    return Engine::self().context();
+}
+
+}  // namespace Tamrix::JavaScriptPlugin

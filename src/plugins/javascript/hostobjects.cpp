@@ -1,0 +1,121 @@
+#include "plugins/javascript/hostobjects.h"
+
+#include <js/Array.h>
+#include <js/MemoryFunctions.h>
+#include <js/Object.h>
+#include <js/Symbol.h>
+
+#include <QImage>
+
+#include "interpreter/generic/imageobjects.h"
+#include "plugins/javascript/values.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+namespace {
+
+constexpr unsigned heldSlot = 0;
+
+/// What an object has beside the engine's heap, so that many of them are collected in time. It does
+/// not change.
+std::size_t memoryOf(const Held& held) {
+    const auto* const native = std::get_if<SharedPtr<NativeScriptObject>>(&held);
+    const auto* const image =
+        native ? dynamic_cast<const ImageScriptObject*>(native->get()) : nullptr;
+    return image ? static_cast<std::size_t>(image->image.sizeInBytes()) : 0;
+}
+
+struct Holding {
+    Held held;
+    std::size_t memory;
+};
+
+Holding* holdingOf(JSObject* object) {
+    return JS::GetMaybePtrFromReservedSlot<Holding>(object, heldSlot);
+}
+
+void finalize(JS::GCContext*, JSObject* object) {
+    Holding* const holding = holdingOf(object);
+    if (holding && holding->memory > 0)
+        JS::RemoveAssociatedMemory(object, holding->memory, JS::MemoryUse::Embedding1);
+    delete holding;
+}
+
+constexpr JSClassOps classOperations = {nullptr, nullptr,  nullptr, nullptr, nullptr,
+                                        nullptr, finalize, nullptr, nullptr, nullptr};
+constexpr JSClass hostClass = {
+    "Object",         JSCLASS_HAS_RESERVED_SLOTS(1) | JSCLASS_FOREGROUND_FINALIZE,
+    &classOperations, nullptr,
+    nullptr,          nullptr};
+
+/// The key under which an array of rows has its data set.
+jsid dataSetKey() {
+    JSContext* const context = engineContext();
+    JS::RootedString name(context, checked(JS_AtomizeString(context, "tamrix.dataSet")));
+    return JS::PropertyKey::Symbol(checked(JS::GetSymbolFor(context, name)));
+}
+
+JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
+    JSContext* const context = engineContext();
+    JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
+    JS::RootedObject row(context, makeHostObject(HeldRecord{set, record}, root));
+    const TestDataRecord* const header = set->header();
+    JS::RootedValue value(context);
+    for (int column = 0; column < record->count(); ++column) {
+        value = toJsText(record->valueAsString(column));
+        // The columns are there as well, and are not shown.
+        checked(JS_DefineElement(context, row, static_cast<std::uint32_t>(column), value, 0));
+        const QString name = header ? header->valueAsString(column) : QString();
+        if (!name.isEmpty())
+            defineProperty(row, name, value);
+    }
+    return row;
+}
+
+}  // namespace
+
+JSObject* makeHostObject(Held held, JS::HandleObject prototype) {
+    JSContext* const context = engineContext();
+    JS::RootedObject object(context,
+                            checked(JS_NewObjectWithGivenProto(context, &hostClass, prototype)));
+    const std::size_t memory = memoryOf(held);
+    JS::SetReservedSlot(object, heldSlot, JS::PrivateValue(new Holding{std::move(held), memory}));
+    if (memory > 0)
+        JS::AddAssociatedMemory(object, memory, JS::MemoryUse::Embedding1);
+    return object;
+}
+
+const Held* heldIn(JSObject* object) {
+    if (JS::GetClass(object) != &hostClass)
+        return nullptr;
+    const Holding* const holding = holdingOf(object);
+    return holding ? &holding->held : nullptr;
+}
+
+JS::Value dataSetValue(const SharedPtr<TestDataSet>& set) {
+    JSContext* const context = engineContext();
+    JS::RootedValueVector rows(context);
+    for (int index = 0; index < set->count(); ++index)
+        checked(rows.append(JS::ObjectValue(*rowObject(set, set->record(index)))));
+    JS::RootedObject array(context, checked(JS::NewArrayObject(context, rows)));
+    JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
+    JS::RootedValue held(context, JS::ObjectValue(*makeHostObject(set, root)));
+    JS::RootedId key(context, dataSetKey());
+    checked(JS_DefinePropertyById(context, array, key, held, 0));
+    return JS::ObjectValue(*array);
+}
+
+SharedPtr<TestDataSet> dataSetOf(JS::HandleObject array) {
+    JSContext* const context = engineContext();
+    bool isArray = false;
+    checked(JS::IsArrayObject(context, array, &isArray));
+    if (!isArray)
+        return {};
+    JS::RootedId key(context, dataSetKey());
+    JS::RootedValue held(context, dataPropertyOf(array, key));
+    const auto* const set =
+        held.isObject() ? heldBy<SharedPtr<TestDataSet>>(&held.toObject()) : nullptr;
+    return set ? *set : SharedPtr<TestDataSet>();
+}
+
+}  // namespace Tamrix::JavaScriptPlugin

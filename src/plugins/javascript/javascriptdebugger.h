@@ -1,0 +1,78 @@
+#pragma once
+
+#include <jsapi.h>
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "interpreter/language/languagedebugger.h"
+#include "plugins/javascript/debuggerrealm.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+class JavaScriptInterpreter;
+
+/// The language's half of the debugger. While it is interactive the engine tells it of lines: in
+/// mode Run of those with a break point alone, when stepping of all.
+class JavaScriptDebugger final : public LanguageDebugger, private DebuggeeListener {
+public:
+    explicit JavaScriptDebugger(JavaScriptInterpreter& interpreter);
+
+    void setInteractive(bool interactive) override;
+    void setDebuggerMode(DbgMode mode) override;
+    /// Stops where the script is. Only sets flags.
+    void interrupt() override;
+
+    /// The interpreter runs in another realm now.
+    void realmChanged();
+    /// A file is about to be compiled: break points that wait for it are set.
+    void noticeFile(const QString& file);
+    /// The error that was stopped for has ended the script, or was caught after all.
+    void forgetError();
+
+    /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
+    JS::Value evaluate(const ScriptFrame* frame, const QString& code);
+    /// The variables of one of the frames(); none for one of a feature file.
+    std::vector<DebuggerRealm::Variable> variablesOf(int level);
+
+    /// Errors are caught by a native function as long as this exists.
+    class CatchesErrors {
+    public:
+        explicit CatchesErrors(JavaScriptDebugger& debugger) : m_debugger(debugger) {
+            ++m_debugger.m_catching;
+        }
+        ~CatchesErrors() { --m_debugger.m_catching; }
+        CatchesErrors(const CatchesErrors&) = delete;
+        CatchesErrors& operator=(const CatchesErrors&) = delete;
+
+    private:
+        JavaScriptDebugger& m_debugger;
+    };
+
+protected:
+    std::vector<ScriptFrame> runningFrames() override;
+    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    void enterStandstill() override;
+    void leaveStandstill() override;
+    void breakPointsChanged() override;
+
+private:
+    void lineReached(const QString& file, int line) override;
+    void errorThrown(JS::HandleValue exception) override;
+    void watch();
+    /// Lets the engine tell what the mode wants.
+    void applyMode();
+
+    JavaScriptInterpreter& m_interpreter;
+    /// Those that were compiled.
+    QStringList m_files;
+    int m_standstills = 0;
+    int m_catching = 0;
+    /// The exception that the debugger has stopped for, and its text.
+    JS::PersistentRootedValue m_toldError;
+    QString m_toldText;
+};
+
+}  // namespace Tamrix::JavaScriptPlugin

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <jsapi.h>
+
+#include <QMap>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/nativefunction.h"
+#include "plugins/javascript/javascriptcontext.h"
+#include "plugins/javascript/promises.h"
+#include "plugins/javascript/scriptrealm.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+class JavaScriptDebugger;
+
+/// The interpreter of one test case on the engine, which lives as long as the process. The script
+/// runs in a realm of its own. A script with `import`, `export` or `await` at its top level is a
+/// module, any other one a classic script, whose functions are global.
+class JavaScriptInterpreter final : public LanguageInterpreter {
+public:
+    /// Throws std::runtime_error when the engine can't be started.
+    explicit JavaScriptInterpreter(RunnerInterface* runner);
+    ~JavaScriptInterpreter() override;
+
+    static JavaScriptInterpreter* active() {
+        return static_cast<JavaScriptInterpreter*>(LanguageInterpreter::active(JavaScript));
+    }
+
+    LanguageContext& context() override { return m_context; }
+    LanguageDebugger& languageDebugger() override;
+    JavaScriptContext& javaScriptContext() { return m_context; }
+    JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
+    ScriptRealm& realm() { return *m_realm; }
+
+    // Names for scripts. They throw ScriptErrorSet.
+    void define(const NativeFunction& function);
+    /// A method of the objects that stand for the library's class.
+    void defineMember(const NativeFunction& function);
+    void defineConstant(const QString& name, int value);
+
+    // Native classes.
+    JS::Value nativeValue(SharedPtr<NativeScriptObject> object);
+    /// Whether the type is the wanted one or derives from it.
+    bool isDerivedFrom(void* typeId, void* wanted) const;
+
+    /// A failure has become this error: one that ends the case as skipped, or that stands in a file
+    /// that is none of the language's, is told by it. What else is thrown on its way is an error.
+    void noticeFailure(const ScriptFailure& failure, JS::HandleObject error);
+    bool isSkip(JS::HandleValue exception) const;
+    /// Adds what is known of an exception in this way.
+    void completeError(JS::HandleValue exception, ScriptError* error);
+
+    /// What becomes of the exports of a module.
+    enum class Exports { StayInModule, BecomeGlobals };
+    /// Runs a script or a module in the realm, and waits for it. Throws ScriptErrorSet. `fileName`
+    /// may be empty. The module in which it ran; null for a script.
+    JSObject* runText(const QString& text, const QString& fileName, Exports exports);
+    /// Why the text is no valid code; empty when it is.
+    QString syntaxError(const QString& text);
+
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                           const QStringList& requiredParameters,
+                           const QStringList& optionalParameters,
+                           const QString& description) override;
+    void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
+    QString addToSearchPath(const QFileInfo& directory) override;
+
+protected:
+    void publishFunctions(const QStringList& names) override;
+    void startScript(const QString& path, const QStringList& arguments,
+                     const QStringList& folders) override;
+    SharedPtr<ScriptArgument> scriptFunction(const QString& name) override;
+    SharedPtr<ScriptArgument> libraryFunction(const QString& name) override;
+    bool runScript(const QString& text, const QString& fileName) override;
+    CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
+                 const QString& name, bool isCallback) override;
+    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+
+private:
+    void enterNewRealm();
+    /// Makes the realm of the active interpreter that in which code runs; at the end, none.
+    static void enterActiveRealm();
+    /// A script, or a module for a text that is one. One of them is null. Throws ScriptErrorSet.
+    void compile(const QString& text, const QString& file, JS::MutableHandleScript script,
+                 JS::MutableHandleObject module);
+    void refuseGenerator(const QString& name, JS::HandleValue result);
+
+    JavaScriptContext m_context{*this};
+    std::unique_ptr<ScriptRealm> m_realm;
+    std::unique_ptr<JavaScriptDebugger> m_debugger;
+    /// The base class of each native class, by type identifier.
+    QMap<void*, void*> m_nativeTypes;
+    QStringList m_searchPath;
+    /// What init scripts have run, which each script finds done.
+    QStringList m_initScripts;
+    bool m_hasRunScript = false;
+
+    JS::PersistentRootedObject m_scriptModule;
+    JS::PersistentRootedObject m_skip;
+    JS::PersistentRootedObject m_originOf;
+    LineInfo m_origin;
+};
+
+}  // namespace Tamrix::JavaScriptPlugin

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <jsapi.h>
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <unordered_map>
+
+namespace Tamrix::JavaScriptPlugin {
+
+/// The modules of one script, each loaded once. "./name" and "../name" are files beside the one
+/// that imports, other names are looked for in the folders for modules; a suffix may be left out.
+class Modules {
+public:
+    explicit Modules(JSContext* context) : m_context(context) {}
+
+    /// Lets the engine ask the modules of the current realm; once for the process.
+    static void install(JSContext* context);
+
+    void setFolders(const QStringList& folders) { m_folders = folders; }
+    /// Adds a folder behind the others.
+    void addFolder(const QString& folder);
+
+    /// Compiles the text of a file as a module, which others then import by the file's path. Throws
+    /// ScriptErrorSet.
+    JSObject* compile(const QString& text, const QString& path);
+    /// The same, and makes it the module of the file.
+    JSObject* add(const QString& text, const QString& path);
+    /// Runs a module and those that it imports, until it has waited for all that it waits for.
+    /// Throws ScriptErrorSet.
+    void run(JS::HandleObject module);
+    /// Forgets the module of a file, which is loaded anew then.
+    void forget(const QString& path) { m_modules.erase(path.toStdString()); }
+    bool isLoaded(const QString& path) const { return m_modules.count(path.toStdString()) > 0; }
+
+    /// Keeps for a script or module which file it is, so that its imports know.
+    JS::Value fileValue(const QString& path);
+
+private:
+    static JSObject* resolve(JSContext* context, JS::HandleValue importer,
+                             JS::HandleObject request);
+    static bool importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
+                            JS::HandleObject promise);
+    static bool describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta);
+
+    JSObject* load(const QString& name, const QString& importer);
+    QString find(const QString& name, const QString& importer) const;
+
+    JSContext* m_context;
+    QStringList m_folders;
+    std::unordered_map<std::string, JS::PersistentRootedObject> m_modules;
+};
+
+}  // namespace Tamrix::JavaScriptPlugin

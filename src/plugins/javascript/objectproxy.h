@@ -1,0 +1,25 @@
+#pragma once
+
+#include <jsapi.h>
+
+#include <QString>
+
+#include "base/shared.h"
+#include "platform/objectmodel/object.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+// An object of an application in a script: its properties and methods are those of the object of
+// the script. Names that the language asks objects for itself, as `toString`, are the language's.
+
+/// A new object of the script; null of the script for a null pointer. Throws ScriptErrorSet.
+JS::Value applicationObjectValue(const SharedPtr<Object>& object);
+/// Null when it is none.
+SharedPtr<Object> applicationObjectOf(JSObject* object);
+bool isApplicationObject(JSObject* object);
+bool areSameApplicationObjects(JSObject* left, JSObject* right);
+
+/// What such objects inherit from, in the current realm.
+JSObject* makeApplicationObjectPrototype();
+
+}  // namespace Tamrix::JavaScriptPlugin

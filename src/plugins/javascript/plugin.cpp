@@ -1,0 +1,18 @@
+// What the core asks of a language plug-in.
+
+#include <cstdio>
+#include <exception>
+
+#include "base/export.h"
+#include "plugins/javascript/javascriptinterpreter.h"
+
+/// An interpreter for JavaScript, owned by the caller; null, with a message on standard error, when
+/// the engine can't be started.
+extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
+    try {
+        return new Tamrix::JavaScriptPlugin::JavaScriptInterpreter(runner);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "Error creating the JavaScript interpreter: %s\n", exception.what());
+        return nullptr;
+    }
+}

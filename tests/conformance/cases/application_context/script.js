@@ -1,0 +1,7 @@
+function main() {
+    const context = startApplication("widgets");
+    test.verify(context.isRunning());  // @running
+    test.verify(context.pid() > 0);  // @pid
+    test.compare(currentApplicationContext().name(), context.name());  // @current
+    test.compare(applicationContextList().length, 1);  // @list
+}

@@ -1,0 +1,10 @@
+function main() {
+    let last;
+    for (const record of testData.dataset("data_sets_people.tsv")) {
+        const name = testData.field(record, "Name");
+        test.log(`${name} is ${record.Age}`);  // @person
+        test.compare(testData.field(record, 0), name);  // @column
+        last = record;
+    }
+    test.compare(testData.fieldNames(last), ["Name", "Age"]);  // @names
+}

@@ -1,0 +1,8 @@
+function main() {
+    try {
+        throw new RangeError("wrong");
+    } catch (error) {
+        test.log("caught", error.message);  // @caught
+    }
+    test.pass("it goes on");  // @on
+}

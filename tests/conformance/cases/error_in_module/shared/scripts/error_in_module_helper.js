@@ -1,0 +1,3 @@
+export function call(action) {
+    action();  // @module
+}

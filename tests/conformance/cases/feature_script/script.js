@@ -1,0 +1,3 @@
+function main() {
+    runFeatureFile(findFile("testdata", "feature_script.feature"));  // @main
+}

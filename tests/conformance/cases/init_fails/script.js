@@ -1,0 +1,11 @@
+function init() {
+    throw new RangeError("not ready");  // @init
+}
+
+function main() {
+    test.log("never");
+}
+
+function cleanup() {
+    test.log("cleanup");  // @cleanup
+}

@@ -1,0 +1,4 @@
+function main() {
+    test.log("looping");  // @looping
+    while (true);
+}

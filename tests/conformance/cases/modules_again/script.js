@@ -1,0 +1,5 @@
+import {count} from "modules_helper";
+
+export function main() {
+    test.compare(count(), 0);  // @count
+}

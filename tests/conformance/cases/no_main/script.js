@@ -1,0 +1,3 @@
+function anotherFunction() {
+    test.log("never, but long enough for a script that could hold a function");
+}

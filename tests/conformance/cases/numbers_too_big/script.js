@@ -1,0 +1,12 @@
+function main() {
+    startApplication("widgets");
+    const window = waitForObject("{type='Window'}");
+    for (const number of [2147483648, 9007199254740993n, 2.7]) {
+        try {
+            window.add(number, 0);
+            test.fail("it was cut");
+        } catch (error) {
+            test.log("refused");  // @refused
+        }
+    }
+}

@@ -1,0 +1,7 @@
+function main() {
+    test.pass("one");  // @one
+    test.pass("two");  // @two
+    test.fail("three");  // @three
+    for (const category of ["passes", "fails", "xpasses", "errors", "warnings", "logs", "tests"])
+        test.log(`${category}: ${test.resultCount(category)}`);  // @count
+}

@@ -1,0 +1,12 @@
+function main() {
+    testSettings.waitForObjectTimeout = 1234;
+    test.compare(testSettings.waitForObjectTimeout, 1234);  // @number
+    testSettings.logScreenshotOnFail = false;
+    test.verify(!testSettings.logScreenshotOnFail);  // @flag
+    try {
+        testSettings.waitForObjectTimeOut = 1;
+        test.fail("a slip in the name was taken");
+    } catch (error) {
+        test.log("refused");  // @refused
+    }
+}

@@ -1,0 +1,3 @@
+function main() {
+    test.compare(testSettings.waitForObjectTimeout, 20000);  // @number
+}

@@ -1,0 +1,7 @@
+function twice(number) {
+    return 2 * number;
+}
+
+function report() {
+    test.log("from the other file");  // @report
+}

@@ -1,0 +1,1 @@
+throw new RangeError("in the file");

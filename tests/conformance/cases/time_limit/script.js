@@ -1,0 +1,4 @@
+function main() {
+    test.log("before");  // @before
+    while (true);
+}

@@ -1,0 +1,9 @@
+function main() {
+    const results = [test.verify(true), test.verify(false), test.compare(1, 1), test.compare(1, 2)];  // @four
+    for (const result of results) {
+        if (result)
+            test.log("true");  // @true
+        else
+            test.log("false");  // @false
+    }
+}

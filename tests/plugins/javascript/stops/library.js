@@ -1,0 +1,4 @@
+export function twice(n) {
+    const result = n * 2;  // break
+    return result;
+}
