@@ -1,0 +1,143 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/export.h"
+#include "base/outcome.h"
+#include "interpreter/bridge/callarguments.h"
+#include "interpreter/bridge/interpreter.h"
+#include "interpreter/language/scriptoutput.h"
+#include "platform/objectmodel/inspector.h"
+
+namespace Tamrix {
+
+class LanguageContext;
+class LanguageDebugger;
+class StepActions;
+class StepLanguage;
+struct ScriptFrame;
+
+/// What ended a run of script code, as a person is told.
+struct ScriptError {
+    /// "NAME: text" or what the language says, with what led to it below.
+    QString message;
+    /// Lines of scripts, the innermost first; those of the language's own library are left out.
+    std::vector<LineInfo> callStack;
+    /// The line of the outermost code that was running, also of code without a file; 0 without.
+    int outermostLine = 0;
+    /// The script has ended by itself, and not for a failure.
+    bool isExit = false;
+    /// It is the failure by which a skip ends the case.
+    bool isSkip = false;
+};
+
+/// What the interpreters of all languages have alike: which one is active, how a script begins and
+/// ends, what is told of an error. A plug-in's interpreter derives from it, makes its context,
+/// debugger and step language, and calls begin() when they are there and end() before they go.
+class TAMRIX_EXPORT LanguageInterpreter : public Interpreter {
+public:
+    LanguageInterpreter(RunnerInterface* runner, Language language);
+    ~LanguageInterpreter() override;
+
+    /// The interpreter of the language whose scripts run, null when there is none.
+    static LanguageInterpreter* active(Language language) { return s_active[language]; }
+
+    virtual LanguageContext& context() = 0;
+    virtual LanguageDebugger& languageDebugger() = 0;
+    ScriptOutput& output() { return m_output; }
+    /// The behaviour-driven side: what scripts have registered, and its run. Only between begin()
+    /// and end().
+    StepActions& steps() { return *m_steps; }
+    /// Whether the calling thread is the one on which the interpreter was made.
+    bool isScriptThread() const { return __builtin_thread_pointer() == m_scriptThread; }
+
+    /// Makes the global functions of the current application known when it is another one than
+    /// before. Each call of a native function asks, since any of them may have changed it.
+    void noticeApplication() {
+        if (Inspector::self()->model() != m_knownModel)
+            publishFunctionsOfApplication();
+    }
+
+    /// How a call of a script's function came out.
+    enum class CallEnd { Succeeded, Pending, Failed };
+    /// Calls a function of the script while a native function runs, as a step or a hook. Unless it
+    /// succeeds, the error fields tell what happened, with the whole stack; what ends the script
+    /// passes as ScriptErrorSet.
+    CallEnd callBack(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
+
+    Language language() const final { return m_language; }
+    ScriptContext* scriptContext() override;
+    void initTestFunctions(TestResult* result) override;
+    void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
+    bool hasFunction(const QString& name) override;
+    bool evaluate(const QString& text, const QString& fileName, int line, int column) override;
+    bool callFunction(const QString& name, const ObjectList& arguments) override;
+    bool invokeFunction(const QString& name) override;
+    bool callLibraryFunction(const QString& name, const QStringList& arguments) override;
+
+protected:
+    /// Registers all functions, last those of the application. Context and debugger are there. What
+    /// the language throws passes, behind end().
+    void begin(std::unique_ptr<StepLanguage> steps);
+    /// Takes away what holds values of the language. True when it was the last interpreter of the
+    /// language: the runtime is to be set back. Otherwise another one is active from now on.
+    bool end();
+
+    // For the language.
+    /// Makes names of the application's global functions known, each as callGlobal(). A name that
+    /// is taken stays what it is.
+    virtual void publishFunctions(const QStringList& names) = 0;
+    /// A script begins: takes away what an earlier one has left, its names above all. `folders` are
+    /// where modules are looked for, in this order.
+    virtual void startScript(const QString& path, const QStringList& arguments,
+                             const QStringList& folders) = 0;
+    /// The function that the script defines; null without.
+    virtual SharedPtr<ScriptArgument> scriptFunction(const QString& name) = 0;
+    /// A function of the library as a script would name it; null without.
+    virtual SharedPtr<ScriptArgument> libraryFunction(const QString& name) = 0;
+    /// Runs the text of a script at its top level, where `fileName` may be empty. The end is told by
+    /// succeed() or failWith(), whose value is returned.
+    virtual bool runScript(const QString& text, const QString& fileName) = 0;
+    /// Calls a function of the script. The end is told by succeed() or failWith(). When
+    /// `isCallback`, what ends the script passes as ScriptErrorSet.
+    virtual CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
+                         const QString& name, bool isCallback) = 0;
+    /// Runs code that a person writes while the script stands still, with the variables of a frame,
+    /// or with those of the script's top level for null. Gives the text of an expression's value,
+    /// an empty one for statements; the failure is the text of what was raised.
+    virtual Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) = 0;
+    /// Where a function is defined, for the error of a call that has come to no line.
+    virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
+
+    /// Script code has come to its end.
+    bool succeed();
+    /// Script code was ended: true for an exit, otherwise the error fields tell what happened.
+    /// `hasFile` is false for code that is in no file.
+    bool failWith(const ScriptError& error, bool hasFile = true);
+    /// The script has called the language's exit, and is not to be run any further.
+    bool hasExited() const { return m_exited; }
+
+private:
+    bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
+    void publishFunctionsOfApplication();
+    /// The interpreter of the language that was made last among the others becomes active.
+    void leaveActive();
+
+    static LanguageInterpreter* s_active[5];
+    static std::vector<LanguageInterpreter*> s_instances;
+
+    Language m_language;
+    void* m_scriptThread;
+    ScriptOutput m_output;
+    std::unique_ptr<StepLanguage> m_stepLanguage;
+    std::unique_ptr<StepActions> m_steps;
+    /// Only compared: it may be gone.
+    ObjectModel* m_knownModel = nullptr;
+    bool m_exited = false;
+};
+
+}  // namespace Tamrix

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/export.h"
+#include "interpreter/bridge/callarguments.h"
+#include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/stepfiles.h"
+#include "interpreter/language/stepregistry.h"
+#include "interpreter/language/stepscopes.h"
+#include "interpreter/language/stepsnippet.h"
+#include "platform/gherkin/callbacks.h"
+
+namespace Tamrix {
+
+/// What a language brings for the steps of feature files.
+class TAMRIX_EXPORT StepLanguage {
+public:
+    using Value = SharedPtr<ScriptArgument>;
+
+    virtual ~StepLanguage() = default;
+
+    /// Runs a file with step definitions. What was raised, nothing on success; what ends the script
+    /// passes as ScriptErrorSet.
+    virtual std::optional<ScriptError> loadFile(const QString& path, const QString& text) = 0;
+    /// Whether a file has been loaded by another one, as a module. By default it has not.
+    virtual bool isLoaded(const QString& path);
+    /// The files are not loaded any more, nor modules. By default there is nothing to do.
+    virtual void forgetFiles(const QStringList& paths);
+
+    /// What each step and hook is called with first: an object whose properties are the names in
+    /// StepActions::scopes().
+    virtual Value contextValue() = 0;
+    /// The table of a step, which is not empty: its rows below the first one as maps, in whatever
+    /// form scripts like; the first row and all rows can be had of it, too.
+    virtual Value tableValue(const Gherkin::Step& step) = 0;
+    /// An integer beyond 64 bits; by default its text.
+    virtual Value bigInteger(const QString& text);
+    /// A number with all its digits; by default the language's float.
+    virtual Value bigDecimal(const QString& text);
+    /// A step definition that can be pasted into a file with steps.
+    virtual QString snippetText(const StepSnippet& snippet) = 0;
+
+protected:
+    explicit StepLanguage(LanguageInterpreter& interpreter) : m_interpreter(interpreter) {}
+    LanguageInterpreter& interpreter() { return m_interpreter; }
+
+private:
+    LanguageInterpreter& m_interpreter;
+};
+
+/// The behaviour-driven side of an interpreter: what its scripts have registered, and the running
+/// of it. What ends the script, such as a skip or an exit, passes a run as ScriptErrorSet.
+class TAMRIX_EXPORT StepActions final : public Gherkin::ScriptActions {
+public:
+    StepActions(LanguageInterpreter& interpreter, StepLanguage& language)
+        : m_interpreter(interpreter),
+          m_language(language),
+          m_files(interpreter, language, m_registry) {}
+
+    StepRegistry& registry() { return m_registry; }
+    StepScopes& scopes() { return m_scopes; }
+    /// A new test case begins.
+    void clear();
+    /// A feature file is to run: loads the files with steps. Returns an error text, empty on
+    /// success.
+    QString prepare(const QString& featureFile);
+
+    Gherkin::LookupAndExecuteStepResult lookupAndExecuteStep(const Gherkin::Step& step) override;
+    std::vector<Gherkin::StepMatch> findStep(const Gherkin::Step& step) override;
+    std::vector<Definition> definitions() override;
+    std::string snippet(const Gherkin::Step& step) override;
+    void reload() override;
+    Gherkin::ExecuteHookResult executeHooks(Gherkin::HookType type, Gherkin::HookOrder order,
+                                            const Gherkin::HookSubject& subject) override;
+
+private:
+    using Value = SharedPtr<ScriptArgument>;
+
+    Gherkin::LookupAndExecuteStepResult execute(const Gherkin::Step& step,
+                                                const StepRegistry::Match& match);
+    /// The context and the values of the parameters; nothing with `*problem` set when a parameter
+    /// type fails.
+    std::optional<CallArguments> arguments(const StepRegistry::Match& match, std::string* problem);
+    /// What the parameter took, as a number, a text, or what its type makes of it. Null with
+    /// `*error` set when its type refuses it.
+    Value valueOf(const Gherkin::Argument& argument, QString* error);
+    void noticeKeyword(const Gherkin::Step& step);
+    void enterScope(Gherkin::HookType type, const Gherkin::HookSubject& subject);
+
+    LanguageInterpreter& m_interpreter;
+    StepLanguage& m_language;
+    StepRegistry m_registry;
+    StepScopes m_scopes;
+    StepFiles m_files;
+    QString m_featureFile;
+    /// Why files could not be loaded again.
+    QString m_reloadError;
+    /// What "and" and "but" stand for.
+    Gherkin::KeywordType m_keywordType = Gherkin::KeywordType::Unknown;
+};
+
+}  // namespace Tamrix
