@@ -60,25 +60,52 @@ Stack& readStack() {
     return *s_stack;
 }
 
-QByteArray pathOf(VALUE frame) {
-    return bytesOf(rb_profile_frame_path(frame));
+/// `rescue` and `ensure` have frames of their own in front of that of their method, which then
+/// stands where the error was raised. Only the inner one counts.
+bool isPartOfNextFrame(const QByteArray& label) {
+    return label.contains("rescue in ") || label.contains("ensure in ");
+}
+
+/// Calls `visit` with path and line of each frame of a script, the innermost first, until it gives
+/// false.
+template <typename Visit>
+void visitScriptFrames(Visit visit) {
+    const Stack& stack = readStack();
+    for (std::size_t index = 0; index < static_cast<std::size_t>(stack.count); ++index) {
+        const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
+        if (!isScriptFile(path))
+            continue;
+        if (!visit(path, stack.lines[index]))
+            return;
+        if (isPartOfNextFrame(bytesOf(rb_profile_frame_label(stack.frames[index]))))
+            ++index;
+    }
 }
 
 /// One line of a backtrace, "path:line:in `name'".
 struct Line {
     QByteArray path;
+    /// 0 for C code that no line of Ruby has called.
     int line = 0;
+    QByteArray label;
+
+    /// C code stands in backtraces at the line that has called it, which follows by itself.
+    bool isOfCaller(const Line& caller) const {
+        return line == caller.line && path == caller.path && label != caller.label &&
+               !label.contains(" in ");
+    }
 };
 
 Line parseLine(const QByteArray& text) {
-    // A path may hold ":" itself: the number is behind the last one that has a digit behind it.
     int end = text.indexOf(":in `");
     if (end < 0)
         end = text.size();
+    const QByteArray label = text.mid(end);
     const int colon = text.lastIndexOf(':', end - 1);
-    if (colon < 0)
-        return {text, 0};
-    return {text.left(colon), text.mid(colon + 1, end - colon - 1).toInt()};
+    bool isNumber = false;
+    const int line = text.mid(colon + 1, end - colon - 1).toInt(&isNumber);
+    // A path may hold ":" itself.
+    return isNumber ? Line{text.left(colon), line, label} : Line{text.left(end), 0, label};
 }
 
 std::vector<Line> backtraceOf(VALUE exception) {
@@ -98,8 +125,16 @@ std::vector<Line> backtraceOf(VALUE exception) {
     }
     if (!RB_TYPE_P(trace, T_ARRAY))
         return lines;
-    for (long index = 0; index < RARRAY_LEN(trace); ++index)
-        lines.push_back(parseLine(bytesOf(rb_ary_entry(trace, index))));
+    for (long index = 0; index < RARRAY_LEN(trace); ++index) {
+        const Line line = parseLine(bytesOf(rb_ary_entry(trace, index)));
+        const QByteArray& label = line.label;
+        if (!lines.empty() && lines.back().isOfCaller(line))
+            lines.pop_back();
+        const bool isPart = !lines.empty() && isPartOfNextFrame(lines.back().label) &&
+                            lines.back().label.endsWith(label.mid(5));
+        if (line.line > 0 && !isPart)
+            lines.push_back(line);
+    }
     return lines;
 }
 
@@ -114,28 +149,27 @@ QString scriptPath(const QByteArray& path) {
 }
 
 bool scriptFrameAt(int level, LineInfo* position) {
-    const Stack& stack = readStack();
-    for (int index = 0; index < stack.count; ++index) {
-        const auto place = static_cast<std::size_t>(index);
-        const QByteArray path = pathOf(stack.frames[place]);
-        if (!isScriptFile(path) || level-- > 0)
-            continue;
-        *position = LineInfo(scriptPath(path), stack.lines[place]);
-        return true;
-    }
-    return false;
+    bool isFound = false;
+    visitScriptFrames([&](const QByteArray& path, int line) {
+        isFound = level-- == 0;
+        if (isFound)
+            *position = LineInfo(scriptPath(path), line);
+        return !isFound;
+    });
+    return isFound;
 }
 
 int scriptDepth() {
-    const Stack& stack = readStack();
     int depth = 0;
-    for (int index = 0; index < stack.count; ++index)
-        depth += isScriptFile(pathOf(stack.frames[static_cast<std::size_t>(index)])) ? 1 : 0;
+    visitScriptFrames([&](const QByteArray&, int) {
+        ++depth;
+        return true;
+    });
     return depth;
 }
 
 std::vector<ScriptFrame> scriptFrames() {
-    // Arrays of path, line and binding; frames of C code have no binding.
+    // Arrays of path, line, binding and label; frames of C code have no binding.
     const VALUE all = protect([] {
         return rb_debug_inspector_open(
             [](const rb_debug_inspector_t* inspector, void*) -> VALUE {
@@ -147,8 +181,9 @@ std::vector<ScriptFrame> scriptFrames() {
                     if (!NIL_P(binding))
                         rb_ary_push(rows,
                                     rb_ary_new_from_args(
-                                        3, rb_funcall(location, rb_intern("path"), 0),
-                                        rb_funcall(location, rb_intern("lineno"), 0), binding));
+                                        4, rb_funcall(location, rb_intern("path"), 0),
+                                        rb_funcall(location, rb_intern("lineno"), 0), binding,
+                                        rb_funcall(location, rb_intern("label"), 0)));
                 }
                 return rows;
             },
@@ -165,6 +200,8 @@ std::vector<ScriptFrame> scriptFrames() {
         frame.file = scriptPath(path);
         frame.line = NUM2INT(rb_ary_entry(row, 1));
         frames.push_back(std::move(frame));
+        if (isPartOfNextFrame(bytesOf(rb_ary_entry(row, 3))))
+            ++index;
     }
     return frames;
 }

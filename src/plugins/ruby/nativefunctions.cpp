@@ -104,11 +104,31 @@ VALUE callDirectly(RubyInterpreter& interpreter, const Slot& slot, int count,
     return rubyValue(call.takeResult());
 }
 
+/// A call that may be in another one. Ruby's own limit comes late for those, and each level has an
+/// error with a stack of its own.
+class NestedCall {
+public:
+    explicit NestedCall(const Slot& slot) {
+        constexpr int maximumDepth = 400;
+        if (s_depth >= maximumDepth)
+            throwException(rb_eSysStackError,
+                           slot.function.displayName() + "(): stack level too deep");
+        ++s_depth;
+    }
+    ~NestedCall() { --s_depth; }
+    NestedCall(const NestedCall&) = delete;
+    NestedCall& operator=(const NestedCall&) = delete;
+
+private:
+    inline static int s_depth = 0;
+};
+
 VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
     const bool isPlain = rb_block_given_p() == 0 && rb_keyword_given_p() == 0 &&
                          slot.function.kind() != NativeFunction::Kind::Constructor &&
                          !leavesOut(slot, count, arguments);
     dropReleased();
+    const NestedCall nested(slot);
     RubyInterpreter* const active = RubyInterpreter::active();
     VALUE result = Qnil;
     if (isPlain && active && active->isScriptThread()) {

@@ -124,7 +124,7 @@ void defineObjectClass(VALUE module) {
 }
 
 VALUE wrapObject(const SharedPtr<Object>& object) {
-    return Holder<Object>::wrap(object, s_objectClass);
+    return object ? Holder<Object>::wrap(object, s_objectClass) : Qnil;
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -9,6 +9,7 @@ namespace Tamrix::RubyPlugin {
 /// knows of it are its methods.
 void defineObjectClass(VALUE module);
 
+/// nil for null.
 VALUE wrapObject(const SharedPtr<Object>& object);
 
 }  // namespace Tamrix::RubyPlugin

@@ -10,13 +10,13 @@ namespace {
 /// Bits of an Integer: writing one takes a time that grows with their square.
 constexpr long mostBits = 4000;
 
-/// Whether a class says itself how its objects are written.
-bool hasOwnInspect(VALUE value) {
+/// The class or module that says how the value is written.
+VALUE inspectOwner(VALUE value) {
     const VALUE method = protect([=] {
         return rb_funcall(rb_obj_class(value), rb_intern("instance_method"), 1,
                           ID2SYM(rb_intern("inspect")));
     });
-    return callMethod(method, "owner") != rb_mKernel;
+    return callMethod(method, "owner");
 }
 
 /// The beginning of a String, before it is written with all that needs an escape.
@@ -47,6 +47,19 @@ QString RubyValueTexts::bounded(VALUE value, int depth) {
                        return bounded(key, depth + 1) + "=>" + bounded(each, depth + 1);
                    }) + "}";
         }
+        if (RB_TYPE_P(value, T_STRUCT) && inspectOwner(value) == rb_cStruct) {
+            const VALUE members = rb_struct_members(value);
+            long index = 0;
+            return "#<struct " + classNameOf(value) + " " +
+                   itemsText(depth, RARRAY_LEN(members),
+                             [&] {
+                                 const QString name = fromRuby(rb_ary_entry(members, index));
+                                 return name + "=" +
+                                        bounded(rb_struct_aref(value, LONG2FIX(index++)),
+                                                depth + 1);
+                             }) +
+                   ">";
+        }
         if (RB_TYPE_P(value, T_BIGNUM)) {
             const long bits = NUM2LONG(callMethod(value, "bit_length"));
             if (bits > mostBits)
@@ -55,7 +68,7 @@ QString RubyValueTexts::bounded(VALUE value, int depth) {
         if (RB_SPECIAL_CONST_P(value) || RB_TYPE_P(value, T_FLOAT) || RB_TYPE_P(value, T_BIGNUM))
             return fromRuby(protect([=] { return rb_inspect(value); }));
         // Where an object is kept tells nobody anything; what it holds is listed below it.
-        if (!hasOwnInspect(value))
+        if (inspectOwner(value) == rb_mKernel)
             return "#<" + classNameOf(value) + ">";
     } catch (const ScriptErrorSet&) {
         takeException();

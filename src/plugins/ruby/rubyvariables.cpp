@@ -15,7 +15,7 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-/// A value with a name for a path.
+/// A value with its name as it stands in a path.
 struct Named {
     QString name;
     RubyRef value;
@@ -32,13 +32,16 @@ std::vector<Named> attributesOf(VALUE value) {
     if (RB_TYPE_P(value, T_STRUCT)) {
         const VALUE members = rb_struct_members(value);
         for (long index = 0; index < RARRAY_LEN(members); ++index)
-            attributes.push_back({fromRuby(rb_ary_entry(members, index)),
+            attributes.push_back({pathPart(fromRuby(rb_ary_entry(members, index))),
                                   RubyRef(rb_struct_aref(value, LONG2FIX(index)))});
     }
     const VALUE names = protect([=] { return rb_obj_instance_variables(value); });
     for (long index = 0; index < RARRAY_LEN(names); ++index) {
         const VALUE symbol = rb_ary_entry(names, index);
-        attributes.push_back({fromRuby(symbol), RubyRef(rb_ivar_get(value, SYM2ID(symbol)))});
+        const QString name = fromRuby(symbol);
+        // Without the mark of names that begin in this way: "@" and a letter is no "@N".
+        attributes.push_back(
+            {"@" + pathPart(name.mid(1)), RubyRef(rb_ivar_get(value, SYM2ID(symbol)))});
     }
     return attributes;
 }
@@ -70,13 +73,13 @@ std::vector<RubyVariables::Member> RubyVariables::variablesOf(int level) {
         return variables;
     const VALUE binding = bindingOf(frames[static_cast<std::size_t>(level)]);
     const auto add = [&](const QString& name, VALUE value) {
-        variables.push_back({pathPart(name), new RubyArgument(value)});
+        variables.push_back({name, new RubyArgument(value)});
     };
     try {
         const VALUE names = callMethod(binding, "local_variables");
         for (long index = 0; index < RARRAY_LEN(names); ++index) {
             const VALUE name = rb_ary_entry(names, index);
-            add(fromRuby(name), callMethod(binding, "local_variable_get", name));
+            add(pathPart(fromRuby(name)), callMethod(binding, "local_variable_get", name));
         }
         const VALUE self = callMethod(binding, "receiver");
         if (self != RubyRuntime::self().main())
@@ -88,7 +91,10 @@ std::vector<RubyVariables::Member> RubyVariables::variablesOf(int level) {
         const VALUE globals = RubyRuntime::self().scriptGlobals();
         for (long index = 0; index < RARRAY_LEN(globals); ++index) {
             const QString name = fromRuby(rb_ary_entry(globals, index));
-            add(name, rb_gv_get(name.toUtf8().constData()));
+            const VALUE value = rb_gv_get(name.toUtf8().constData());
+            // One that an earlier case has made is there for ever.
+            if (!NIL_P(value))
+                add(name, value);
         }
     } catch (const ScriptErrorSet&) {
         // Ruby has no memory left for its own lists.
@@ -125,7 +131,7 @@ RubyVariables::Members RubyVariables::membersOf(const Value& value, int first, i
     } else if (hasAttributes(own)) {
         for (const Named& each : attributesOf(own)) {
             if (isOnPage(members.count))
-                members.page.push_back({pathPart(each.name), new RubyArgument(each.value.get())});
+                members.page.push_back({each.name, new RubyArgument(each.value.get())});
             ++members.count;
         }
     }
@@ -150,7 +156,7 @@ RubyVariables::Value RubyVariables::memberNamed(const Value& value, const QStrin
     }
     if (hasAttributes(own)) {
         for (const Named& each : attributesOf(own)) {
-            if (pathPart(each.name) == name)
+            if (each.name == name)
                 return new RubyArgument(each.value.get());
         }
     }
