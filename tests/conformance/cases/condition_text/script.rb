@@ -4,5 +4,5 @@ end
 
 def main
   check(5)
-  check(1)
+  check(1) # @main
 end

@@ -2,7 +2,7 @@ def main
   startApplication('widgets')
   window = waitForObject("{type='Window'}")
   seen = []
-  installEventHandler('Window', 'Resize') { |object| seen << object }
-  window.resize(700, 555)
+  installEventHandler('Window', 'WindowTitleChange') { seen << 1 }
+  window.windowTitle = 'another'
   test.verify(waitFor(5000) { !seen.empty? }) # @seen
 end

@@ -1,4 +1,4 @@
-def handler(_object)
+def handler
   raise ArgumentError, 'in the handler' # @handler
 end
 

@@ -8,10 +8,10 @@ after_feature do |context|
   test.log("done with #{context.feature}") # @done
 end
 
-Given('a {colour} light') do |_context, value|
+Given('a {colour} light') do |_context, value| # @step10
   test.log(value) # @light
 end
 
-Given('something to do') do
-  pending('later')
+Given('something to do') do # @step11
+  pending('later') # @pending
 end
