@@ -1,5 +1,5 @@
-// What the documents show works: their Python blocks run, against real programs where they need
-// them.
+// What the documents show works: their blocks of script code run, against real programs where they
+// need them.
 
 #include <gtest/gtest.h>
 
@@ -21,13 +21,42 @@ using Tamrix::Test::readFile;
 using Tamrix::Test::RunnerProcess;
 using Tamrix::Test::writeFile;
 
-/// A block of Python in a document. In the line before it may stand
+/// How the documents write blocks of a language.
+struct BlockLanguage {
+    /// Behind the three marks.
+    const char* name;
+    const char* suffix;
+    /// Null for one that is always there.
+    const char* plugin;
+    /// The beginning of the script's function, and what is around the body of one.
+    const char* start;
+    const char* begin;
+    const char* nothing;
+    const char* end;
+};
+
+const BlockLanguage blockLanguages[] = {
+    {"python", "py", nullptr, "^def main\\(", "def main():\n", "pass", ""},
+    {"ruby", "rb", "tamrixruby", "^def main", "def main\n", "nil", "end\n"},
+};
+
+const BlockLanguage* blockLanguage(const QString& line) {
+    for (const BlockLanguage& each : blockLanguages) {
+        if (line == QLatin1String("```") + QLatin1String(each.name) &&
+            (!each.plugin || QFile::exists(QString(TAMRIX_TEST_PREFIX "/lib/%1.so").arg(each.plugin))))
+            return &each;
+    }
+    return nullptr;
+}
+
+/// A block of script code in a document. In the line before it may stand
 ///
 ///     <!-- Tested in CASE -->    it is the script of a copy of this test case
 ///
 /// with ", fails" behind the case where its last line is meant to fail, and ", behind CODE" where
 /// CODE is to run before. A block without a function main() is the body of one.
 struct Block {
+    const BlockLanguage* language = nullptr;
     /// Document and line, for messages.
     QString place;
     QString caseFolder;
@@ -37,12 +66,13 @@ struct Block {
 
     QByteArray script() const {
         QString text;
-        const bool isWhole = !lines.filter(QRegularExpression("^def main\\(")).isEmpty();
+        const bool isWhole = !lines.filter(QRegularExpression(language->start)).isEmpty();
         if (!isWhole)
-            text = "def main():\n    " + (codeBefore.isEmpty() ? "pass" : codeBefore) + '\n';
+            text = QString(language->begin) + "    " +
+                   (codeBefore.isEmpty() ? language->nothing : codeBefore) + '\n';
         for (const QString& line : lines)
             text += (isWhole || line.isEmpty() ? line : "    " + line) + '\n';
-        return text.toUtf8();
+        return (isWhole ? text : text + language->end).toUtf8();
     }
 };
 
@@ -61,9 +91,10 @@ std::vector<Block> blocksOf(const QString& document) {
     std::vector<Block> blocks;
     const QStringList lines = QString::fromUtf8(readFile(document)).split('\n');
     for (int index = 0; index < lines.size(); ++index) {
-        if (lines[index] != "```python")
-            continue;
         Block block;
+        block.language = blockLanguage(lines[index]);
+        if (!block.language)
+            continue;
         block.place = QFileInfo(document).fileName() + ':' + QString::number(index + 1);
         const QString before = lines.value(index - 1);
         EXPECT_TRUE(readSetUp(before, &block) || !before.startsWith("<!--")) << qPrintable(before);
@@ -80,6 +111,8 @@ struct BlockRun {
     QTemporaryDir folder;
     RunnerProcess runner;
 
+    QString scriptName() const { return QStringLiteral("test.") + block.language->suffix; }
+
     void start() {
         const QString source = TAMRIX_TEST_SOURCE_DIR "/" + block.caseFolder;
         QString testCase = folder.filePath("suite/case");
@@ -90,8 +123,9 @@ struct BlockRun {
             testCase =
                 folder.filePath(QFileInfo(suite).fileName() + '/' + QFileInfo(source).fileName());
             ASSERT_TRUE(QFile::exists(testCase + "/test.py")) << qPrintable(block.place);
+            QFile::remove(testCase + "/test.py");
         }
-        ASSERT_TRUE(writeFile(testCase + "/test.py", block.script()));
+        ASSERT_TRUE(writeFile(testCase + "/" + scriptName(), block.script()));
         // The programs find none of the user's settings and leave none.
         for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
             runner.setVariable(name, folder.path());
@@ -109,13 +143,13 @@ struct BlockRun {
         runner.finish();
         EXPECT_EQ(runner.exitCode(), block.isToFail ? 1 : 0)
             << qPrintable(block.place + ":\n" + runner.output() + runner.errors());
-        const QString lastLine = "/test.py:" + QString::number(block.script().count('\n')) + ": ";
+        const QString lastLine = "/" + scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
         EXPECT_TRUE(!block.isToFail || runner.output().contains(lastLine))
             << qPrintable(block.place + ":\n" + runner.output());
     }
 };
 
-TEST(Documents, EveryPythonBlockRuns) {
+TEST(Documents, EveryBlockOfScriptCodeRuns) {
     const QDir docs(TAMRIX_TEST_SOURCE_DIR "/docs");
     QStringList documents{TAMRIX_TEST_SOURCE_DIR "/README.md"};
     for (const QString& name : docs.entryList({"*.md"}, QDir::Files))
