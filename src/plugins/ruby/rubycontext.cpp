@@ -31,6 +31,9 @@ VALUE evaluateInCaller(const QString& code, const char* fileName) {
 
 }  // namespace
 
+RubyContext::RubyContext(RubyInterpreter& interpreter)
+    : LanguageContext(interpreter), m_interpreter(interpreter) {}
+
 ScriptContext* RubyContext::createSubContext() {
     auto* const context = new RubyContext(m_interpreter);
     context->setTestResult(testResult());
@@ -213,14 +216,6 @@ bool RubyContext::evaluate(const QString& text, const QString& fileName) {
                        .arg(error.callStack.front().fileName(),
                             QString::number(error.callStack.front().lineNumber()), error.message));
     return false;
-}
-
-Gherkin::ScriptActions* RubyContext::gherkinScriptActions(const QString& featureFile) {
-    const QString error = m_interpreter.steps().prepare(featureFile);
-    if (error.isEmpty())
-        return &m_interpreter.steps();
-    setError(error);
-    return nullptr;
 }
 
 }  // namespace Tamrix::RubyPlugin

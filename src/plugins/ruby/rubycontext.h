@@ -10,7 +10,7 @@ class RubyInterpreter;
 /// The context of all calls of one interpreter.
 class RubyContext final : public LanguageContext {
 public:
-    explicit RubyContext(RubyInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit RubyContext(RubyInterpreter& interpreter);
 
     /// A call whose arguments need no order. Wrappers of arguments are used again as long as nobody
     /// has kept them.
@@ -64,7 +64,6 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
-    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     void addArgument(VALUE value) {

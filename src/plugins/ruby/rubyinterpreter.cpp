@@ -43,13 +43,12 @@ RubyInterpreter::RubyInterpreter(RunnerInterface* runner) : LanguageInterpreter(
     m_debugger = std::make_unique<RubyDebugger>(*this);
     setDebugger(m_debugger.get());
     try {
-        begin(std::make_unique<RubySteps>(*this));
         installOutput();
+        begin(std::make_unique<RubySteps>(*this));
         RubyRuntime::self().takeState();
     } catch (const ScriptErrorSet&) {
         const std::string text = textOf(takeException()).toStdString();
         setDebugger(nullptr);
-        end();
         throw std::runtime_error("The functions of the test system can't be made known to Ruby: " +
                                  text);
     }
