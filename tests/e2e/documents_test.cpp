@@ -1,4 +1,4 @@
-// What the documents show works: their blocks of script code run, against real programs where they
+// What the documents show works: their blocks of scripts run, against real programs where they
 // need them.
 
 #include <gtest/gtest.h>
@@ -7,6 +7,8 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -21,35 +23,31 @@ using Tamrix::Test::readFile;
 using Tamrix::Test::RunnerProcess;
 using Tamrix::Test::writeFile;
 
-/// How the documents write blocks of a language.
+/// How a block of a language becomes a script.
 struct BlockLanguage {
-    /// Behind the three marks.
     const char* name;
     const char* suffix;
-    /// Null for one that is always there.
-    const char* plugin;
-    /// The beginning of the script's function, and what is around the body of one.
-    const char* start;
-    const char* begin;
+    /// What begins a whole script.
+    const char* wholeScript;
+    /// Around the body of a main function.
+    const char* before;
     const char* nothing;
-    const char* end;
-};
+    const char* behind;
+    const char* plugin;
 
-const BlockLanguage blockLanguages[] = {
-    {"python", "py", nullptr, "^def main\\(", "def main():\n", "pass", ""},
-    {"ruby", "rb", "tamrixruby", "^def main", "def main\n", "nil", "end\n"},
-};
-
-const BlockLanguage* blockLanguage(const QString& line) {
-    for (const BlockLanguage& each : blockLanguages) {
-        if (line == QLatin1String("```") + QLatin1String(each.name) &&
-            (!each.plugin || QFile::exists(QString(TAMRIX_TEST_PREFIX "/lib/%1.so").arg(each.plugin))))
-            return &each;
+    /// Languages are left out of a build where their runtime is not there.
+    bool isBuilt() const {
+        return QFile::exists(QStringLiteral(TAMRIX_TEST_PREFIX "/lib/%1.so").arg(plugin));
     }
-    return nullptr;
-}
+};
 
-/// A block of script code in a document. In the line before it may stand
+constexpr BlockLanguage blockLanguages[] = {
+    {"python", "py", "^def main\\(", "def main():\n", "pass", "", "tamrixpython-3"},
+    {"javascript", "js", "function main\\(", "function main() {\n", "", "}\n", "tamrixjavascript"},
+    {"ruby", "rb", "^def main", "def main\n", "", "end\n", "tamrixruby"},
+};
+
+/// A block of a script in a document. In the line before it may stand
 ///
 ///     <!-- Tested in CASE -->    it is the script of a copy of this test case
 ///
@@ -66,13 +64,15 @@ struct Block {
 
     QByteArray script() const {
         QString text;
-        const bool isWhole = !lines.filter(QRegularExpression(language->start)).isEmpty();
+        const bool isWhole = !lines.filter(QRegularExpression(language->wholeScript)).isEmpty();
         if (!isWhole)
-            text = QString(language->begin) + "    " +
-                   (codeBefore.isEmpty() ? language->nothing : codeBefore) + '\n';
+            text = QLatin1String(language->before) + QStringLiteral("    ") +
+                   (codeBefore.isEmpty() ? QString(language->nothing) : codeBefore) + '\n';
         for (const QString& line : lines)
             text += (isWhole || line.isEmpty() ? line : "    " + line) + '\n';
-        return (isWhole ? text : text + language->end).toUtf8();
+        if (!isWhole)
+            text += language->behind;
+        return text.toUtf8();
     }
 };
 
@@ -91,10 +91,14 @@ std::vector<Block> blocksOf(const QString& document) {
     std::vector<Block> blocks;
     const QStringList lines = QString::fromUtf8(readFile(document)).split('\n');
     for (int index = 0; index < lines.size(); ++index) {
-        Block block;
-        block.language = blockLanguage(lines[index]);
-        if (!block.language)
+        const auto* const language = std::find_if(
+            std::begin(blockLanguages), std::end(blockLanguages), [&](const BlockLanguage& each) {
+                return lines[index] == "```" + QLatin1String(each.name) && each.isBuilt();
+            });
+        if (language == std::end(blockLanguages))
             continue;
+        Block block;
+        block.language = language;
         block.place = QFileInfo(document).fileName() + ':' + QString::number(index + 1);
         const QString before = lines.value(index - 1);
         EXPECT_TRUE(readSetUp(before, &block) || !before.startsWith("<!--")) << qPrintable(before);
@@ -111,7 +115,7 @@ struct BlockRun {
     QTemporaryDir folder;
     RunnerProcess runner;
 
-    QString scriptName() const { return QStringLiteral("test.") + block.language->suffix; }
+    QString scriptName() const { return "/test." + QLatin1String(block.language->suffix); }
 
     void start() {
         const QString source = TAMRIX_TEST_SOURCE_DIR "/" + block.caseFolder;
@@ -122,10 +126,9 @@ struct BlockRun {
                 << qPrintable(suite);
             testCase =
                 folder.filePath(QFileInfo(suite).fileName() + '/' + QFileInfo(source).fileName());
-            ASSERT_TRUE(QFile::exists(testCase + "/test.py")) << qPrintable(block.place);
-            QFile::remove(testCase + "/test.py");
+            ASSERT_TRUE(QFile::exists(testCase + scriptName())) << qPrintable(block.place);
         }
-        ASSERT_TRUE(writeFile(testCase + "/" + scriptName(), block.script()));
+        ASSERT_TRUE(writeFile(testCase + scriptName(), block.script()));
         // The programs find none of the user's settings and leave none.
         for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
             runner.setVariable(name, folder.path());
@@ -143,13 +146,14 @@ struct BlockRun {
         runner.finish();
         EXPECT_EQ(runner.exitCode(), block.isToFail ? 1 : 0)
             << qPrintable(block.place + ":\n" + runner.output() + runner.errors());
-        const QString lastLine = "/" + scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
+        const QString lastLine =
+            scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
         EXPECT_TRUE(!block.isToFail || runner.output().contains(lastLine))
             << qPrintable(block.place + ":\n" + runner.output());
     }
 };
 
-TEST(Documents, EveryBlockOfScriptCodeRuns) {
+TEST(Documents, EveryScriptRuns) {
     const QDir docs(TAMRIX_TEST_SOURCE_DIR "/docs");
     QStringList documents{TAMRIX_TEST_SOURCE_DIR "/README.md"};
     for (const QString& name : docs.entryList({"*.md"}, QDir::Files))
