@@ -7,37 +7,46 @@ namespace Tamrix {
 
 namespace {
 
-BlockingSection::Lock s_lock{};
+BlockingSection::Lock s_lock = nullptr;
 
 bool (*s_interruptCheck)() = nullptr;
 
 }  // namespace
 
-void BlockingSection::setLock(const Lock& lock) {
-    s_lock = lock;
+void BlockingSection::setLock(Lock runWithoutLock) {
+    s_lock = runWithoutLock;
 }
 
-BlockingSection::BlockingSection() : m_state(s_lock.leave ? s_lock.leave() : nullptr) {}
-
-BlockingSection::~BlockingSection() {
-    if (!m_state)
+void BlockingSection::runWithoutLock(void (*work)(void* data), void* data) {
+    if (!s_lock) {
+        work(data);
         return;
-    const int error = errno;
-    s_lock.enter(m_state);
+    }
+    int error = 0;
+    struct Kept {
+        void (*work)(void* data);
+        void* data;
+        int* error;
+    } kept{work, data, &error};
+    s_lock(
+        [](void* each) {
+            const auto* const inner = static_cast<Kept*>(each);
+            inner->work(inner->data);
+            *inner->error = errno;
+        },
+        &kept);
     errno = error;
 }
 
 int blockingPoll(pollfd* watched, nfds_t count, int milliseconds) {
-    const BlockingSection section;
-    return ::poll(watched, count, milliseconds);
+    return BlockingSection::run([=] { return ::poll(watched, count, milliseconds); });
 }
 
 void blockingSleep(unsigned long microseconds) {
     constexpr unsigned long second = 1'000'000;
     const timespec time = {static_cast<time_t>(microseconds / second),
                            static_cast<long>(microseconds % second * 1000)};
-    const BlockingSection section;
-    ::nanosleep(&time, nullptr);
+    BlockingSection::run([&] { ::nanosleep(&time, nullptr); });
 }
 
 bool isInterrupted() {

@@ -2,33 +2,42 @@
 
 #include <poll.h>
 
+#include <optional>
+#include <type_traits>
+#include <utility>
+
 #include "base/export.h"
 
 namespace Tamrix {
 
 /// A time in which the calling thread waits for something outside of the process. The runtime of a
 /// script language with a lock of its own releases it meanwhile, so that other threads of the
-/// script run. Stands around the waiting call alone: whatever may reach script code or its values
-/// is done before or behind it.
+/// script run. It is around the waiting call alone: whatever may reach script code or its values is
+/// done before or behind it.
 class TAMRIX_EXPORT BlockingSection {
 public:
-    BlockingSection();
-    /// Leaves errno as the waiting call has set it.
-    ~BlockingSection();
-    BlockingSection(const BlockingSection&) = delete;
-    BlockingSection& operator=(const BlockingSection&) = delete;
+    /// Waits in `work`, which must not throw, and gives what it gives; errno is left as it has set
+    /// it.
+    template <typename Work>
+    static auto run(Work work) -> decltype(work()) {
+        if constexpr (std::is_void_v<decltype(work())>) {
+            runWithoutLock([](void* data) { (*static_cast<Work*>(data))(); }, &work);
+        } else {
+            std::optional<decltype(work())> result;
+            auto store = [&] { result.emplace(work()); };
+            runWithoutLock([](void* data) { (*static_cast<decltype(store)*>(data))(); }, &store);
+            return std::move(*result);
+        }
+    }
 
-    /// The functions that release and reacquire the lock: `leave` returns the argument of `enter`,
-    /// null when nothing was released, as on any thread that does not hold the lock.
-    struct Lock {
-        void* (*leave)();
-        void (*enter)(void* state);
-    };
+    /// Runs `work` once, with `data`, while the language's lock is released, as far as the calling
+    /// thread holds it.
+    using Lock = void (*)(void (*work)(void* data), void* data);
     /// Of the process; the last one counts. Set while nothing waits.
-    static void setLock(const Lock& lock);
+    static void setLock(Lock runWithoutLock);
 
 private:
-    void* m_state;
+    static void runWithoutLock(void (*work)(void* data), void* data);
 };
 
 /// poll() as a blocking section.

@@ -44,6 +44,7 @@ struct BlockLanguage {
 constexpr BlockLanguage blockLanguages[] = {
     {"python", "py", "^def main\\(", "def main():\n", "pass", "", "tamrixpython-3"},
     {"javascript", "js", "function main\\(", "function main() {\n", "", "}\n", "tamrixjavascript"},
+    {"ruby", "rb", "^def main", "def main\n", "", "end\n", "tamrixruby"},
 };
 
 /// A block of a script in a document. In the line before it may stand

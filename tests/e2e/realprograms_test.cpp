@@ -58,11 +58,13 @@ TEST_P(RealPrograms, SuitesPass) {
 #ifdef TAMRIX_TEST_QT6
         {"examples/suite_applications", {}},
         {"examples/suite_applications_javascript", {}},
+        {"examples/suite_applications_ruby", {}},
         {"examples/suite_features", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
         {"examples/suite_applications_javascript", {"calculator", "address_book", "quick_scene"}},
+        {"examples/suite_applications_ruby", {"calculator", "address_book", "quick_scene"}},
 #endif
         {"examples/suite_names", {}},
         {"examples/suite_pictures", {}},
@@ -72,8 +74,9 @@ TEST_P(RealPrograms, SuitesPass) {
     const QString pictures = "examples/suite_pictures";
     for (const auto& [suite, cases] : suites) {
         // Languages are left out of a build where their runtime is not there.
-        if (QString(suite).endsWith("_javascript") &&
-            !QFile::exists(TAMRIX_TEST_PREFIX "/lib/tamrixjavascript.so"))
+        const QString language = QString(suite).section("suite_applications_", 1);
+        if (!language.isEmpty() &&
+            !QFile::exists(QStringLiteral(TAMRIX_TEST_PREFIX "/lib/tamrix%1.so").arg(language)))
             continue;
         // Its search images are of a display of X, where letters have other sizes.
         if (isWayland() && suite == pictures)

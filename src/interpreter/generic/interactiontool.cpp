@@ -57,11 +57,8 @@ Outcome<InteractionAnswer> executeTestInteractionTool(const QStringList& argumen
     process.setProcessChannelMode(QProcess::SeparateChannels);
     // 1. The person takes all the time that it takes.
     process.start(testInteractionBinary(), arguments, QIODevice::ReadOnly | QIODevice::Text);
-    bool hasFinished = false;
-    {
-        const BlockingSection blocking;
-        hasFinished = process.waitForStarted(startTimeout) && waitForAnswer(process);
-    }
+    const bool hasFinished = BlockingSection::run(
+        [&] { return process.waitForStarted(startTimeout) && waitForAnswer(process); });
     if (isInterrupted()) {
         process.kill();
         process.waitForFinished(endTimeout);

@@ -75,14 +75,13 @@ void runExitFunctions() {
 
 /// Other threads of the script run while its own one waits. Every other thread of the process, and
 /// the time outside of test cases, has nothing to give up.
-void* leaveLock() {
+void runWithoutLock(void (*work)(void* data), void* data) {
     const PythonInterpreter* const interpreter = PythonInterpreter::active();
     const bool isHeld = interpreter && interpreter->isScriptThread() && PyGILState_Check();
-    return isHeld ? PyEval_SaveThread() : nullptr;
-}
-
-void enterLock(void* state) {
-    PyEval_RestoreThread(static_cast<PyThreadState*>(state));
+    PyThreadState* const state = isHeld ? PyEval_SaveThread() : nullptr;
+    work(data);
+    if (state)
+        PyEval_RestoreThread(state);
 }
 
 PyRef import(const char* name) {
@@ -171,7 +170,7 @@ PythonRuntime::PythonRuntime() {
         throw std::runtime_error("Python started but could not be set up");
     }
     std::atexit(runExitFunctions);
-    BlockingSection::setLock({leaveLock, enterLock});
+    BlockingSection::setLock(runWithoutLock);
 }
 
 bool PythonRuntime::addTamrixModule() {

@@ -153,8 +153,7 @@ Outcome<> SshConnection::connect(const SshTarget& target) {
     m_name = QStringLiteral("%1:%2").arg(host ? fromNativeBytes(host) : target.host,
                                          QString::number(port));
     // 4. The server.
-    const BlockingSection waiting;
-    if (ssh_connect(m_session) != SSH_OK)
+    if (BlockingSection::run([&] { return ssh_connect(m_session); }) != SSH_OK)
         return fail(FailureKind::Failed,
                     QStringLiteral("%1 can't be reached: %2").arg(m_name, lastError()));
     watchNetwork(descriptor(), m_patience.silence);
@@ -195,10 +194,12 @@ Outcome<> SshConnection::checkHostKey() {
 }
 
 Outcome<> SshConnection::authenticate() {
-    const BlockingSection waiting;
-    int result = ssh_userauth_none(m_session, nullptr);
-    if (result == SSH_AUTH_DENIED || result == SSH_AUTH_PARTIAL)
-        result = ssh_userauth_publickey_auto(m_session, nullptr, nullptr);
+    const int result = BlockingSection::run([&] {
+        const int none = ssh_userauth_none(m_session, nullptr);
+        return none == SSH_AUTH_DENIED || none == SSH_AUTH_PARTIAL
+                   ? ssh_userauth_publickey_auto(m_session, nullptr, nullptr)
+                   : none;
+    });
     if (result == SSH_AUTH_SUCCESS)
         return {};
     if (result == SSH_AUTH_ERROR)

@@ -246,8 +246,7 @@ bool AgentConnection::send(quint32 sequence, MessageType type, const QByteArray&
     constexpr int smallSize = 64 * 1024;
     if (body.size() <= smallSize)
         return m_channel.send(sequence, type, body);
-    const BlockingSection section;
-    return m_channel.send(sequence, type, body);
+    return BlockingSection::run([&] { return m_channel.send(sequence, type, body); });
 }
 
 Outcome<Frame> AgentConnection::exchange(MessageType type, const QByteArray& body,

@@ -1,0 +1,186 @@
+#include "plugins/ruby/conversion.h"
+
+#include <cmath>
+
+#include "plugins/ruby/protection.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+/// UTF-8 that also holds half pairs of surrogates.
+QByteArray toLooseUtf8(const QString& text) {
+    QByteArray bytes;
+    for (int index = 0; index < text.size(); ++index) {
+        const QChar unit = text.at(index);
+        const bool isPair =
+            unit.isHighSurrogate() && index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
+        if (unit.isSurrogate() && !isPair) {
+            bytes += static_cast<char>(0xE0 | (unit.unicode() >> 12));
+            bytes += static_cast<char>(0x80 | ((unit.unicode() >> 6) & 0x3F));
+            bytes += static_cast<char>(0x80 | (unit.unicode() & 0x3F));
+        } else {
+            bytes += text.mid(index, isPair ? 2 : 1).toUtf8();
+            index += isPair ? 1 : 0;
+        }
+    }
+    return bytes;
+}
+
+QString fromLooseUtf8(const QByteArray& bytes) {
+    QString text;
+    int begin = 0;
+    for (int index = 0; index + 2 < bytes.size(); ++index) {
+        const auto second = static_cast<unsigned char>(bytes.at(index + 1));
+        const auto third = static_cast<unsigned char>(bytes.at(index + 2));
+        const bool isSurrogate = static_cast<unsigned char>(bytes.at(index)) == 0xED &&
+                                 second >= 0xA0 && second <= 0xBF && (third & 0xC0) == 0x80;
+        if (!isSurrogate)
+            continue;
+        text += QString::fromUtf8(bytes.constData() + begin, index - begin);
+        text += QChar(0xD000 | ((second & 0x3F) << 6) | (third & 0x3F));
+        begin = index + 3;
+        index += 2;
+    }
+    return text + QString::fromUtf8(bytes.constData() + begin, bytes.size() - begin);
+}
+
+bool hasLoneSurrogate(const QString& text) {
+    return !text.isValidUtf16();
+}
+
+QByteArray bytesOf(VALUE string) {
+    return QByteArray(RSTRING_PTR(string), static_cast<int>(RSTRING_LEN(string)));
+}
+
+}  // namespace
+
+VALUE toRuby(const QString& text) {
+    const QByteArray bytes = hasLoneSurrogate(text) ? toLooseUtf8(text) : text.toUtf8();
+    const char* const data = bytes.constData();
+    const long size = bytes.size();
+    return protect([=] { return rb_utf8_str_new(data, size); });
+}
+
+VALUE toRuby(const std::string& utf8) {
+    const char* const data = utf8.data();
+    const long size = static_cast<long>(utf8.size());
+    return protect([=] { return rb_utf8_str_new(data, size); });
+}
+
+VALUE toRuby(const QStringList& texts) {
+    const long size = texts.size();
+    const VALUE array = protect([=] { return rb_ary_new_capa(size); });
+    for (const QString& text : texts) {
+        const VALUE entry = toRuby(text);
+        protect([=] { return rb_ary_push(array, entry); });
+    }
+    return array;
+}
+
+VALUE toRuby(const QDateTime& time) {
+    if (!time.isValid())
+        return Qnil;
+    const qint64 milliseconds = time.toMSecsSinceEpoch();
+    timespec point{};
+    point.tv_sec = static_cast<time_t>(std::floor(static_cast<double>(milliseconds) / 1000.0));
+    point.tv_nsec = static_cast<long>(milliseconds - point.tv_sec * 1000) * 1'000'000;
+    // The last argument means the time zone here.
+    return protect([&] { return rb_time_timespec_new(&point, INT_MAX); });
+}
+
+QString fromRuby(VALUE text) {
+    if (RB_SYMBOL_P(text))
+        text = protect([=] { return rb_sym2str(text); });
+    if (!RB_TYPE_P(text, T_STRING))
+        return {};
+    const int encoding = rb_enc_get_index(text);
+    const int range = rb_enc_str_coderange(text);
+    if (range == ENC_CODERANGE_7BIT)
+        return QString::fromLatin1(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)));
+    const bool isUtf8 = encoding == rb_utf8_encindex() || encoding == rb_usascii_encindex() ||
+                        encoding == rb_ascii8bit_encindex();
+    if (isUtf8)
+        return range == ENC_CODERANGE_VALID && encoding == rb_utf8_encindex()
+                   ? QString::fromUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
+                   : fromLooseUtf8(bytesOf(text));
+    const VALUE converted = protect([=] {
+        return rb_str_encode(text, rb_enc_from_encoding(rb_utf8_encoding()),
+                             ECONV_INVALID_REPLACE | ECONV_UNDEF_REPLACE, Qnil);
+    });
+    return QString::fromUtf8(RSTRING_PTR(converted), static_cast<int>(RSTRING_LEN(converted)));
+}
+
+std::string utf8OfRuby(VALUE text) {
+    return fromRuby(text).toStdString();
+}
+
+QDateTime timeFromRuby(VALUE value) {
+    if (rb_obj_is_kind_of(value, rb_cTime) != Qtrue) {
+        // A Date can only be there when its class is.
+        const bool hasDates = rb_const_defined(rb_cObject, rb_intern("Date")) != 0;
+        if (!hasDates || rb_obj_is_kind_of(value, protect([] {
+                             return rb_const_get(rb_cObject, rb_intern("Date"));
+                         })) != Qtrue)
+            return {};
+        value = callMethod(value, "to_time");
+    }
+    timespec point{};
+    protect([&] {
+        point = rb_time_timespec(value);
+        return Qnil;
+    });
+    return QDateTime::fromMSecsSinceEpoch(qint64(point.tv_sec) * 1000 + point.tv_nsec / 1'000'000);
+}
+
+QString textOf(VALUE value) {
+    if (RB_TYPE_P(value, T_STRING) || RB_SYMBOL_P(value))
+        return fromRuby(value);
+    if (NIL_P(value))
+        return QStringLiteral("nil");
+    try {
+        return fromRuby(protect([=] { return rb_obj_as_string(value); }));
+    } catch (const ScriptErrorSet&) {
+        if (!isOrdinaryError())
+            throw;
+        takeException();
+    }
+    return QStringLiteral("<unprintable %1>").arg(classNameOf(value));
+}
+
+QString classNameOf(VALUE value) {
+    // Not the value's own method `class`, which may be something else.
+    return QString::fromUtf8(rb_class2name(rb_obj_class(value)));
+}
+
+std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash) {
+    std::vector<std::pair<VALUE, VALUE>> entries;
+    entries.reserve(RHASH_SIZE(hash));
+    rb_hash_foreach(
+        hash,
+        [](VALUE key, VALUE value, VALUE target) -> int {
+            reinterpret_cast<std::vector<std::pair<VALUE, VALUE>>*>(target)->emplace_back(key,
+                                                                                          value);
+            return ST_CONTINUE;
+        },
+        reinterpret_cast<VALUE>(&entries));
+    return entries;
+}
+
+QString snakeCase(const QString& name) {
+    QString result;
+    for (int index = 0; index < name.size(); ++index) {
+        const QChar letter = name.at(index);
+        // Of a row of capitals, as in compareXMLFiles, the last one begins a word.
+        const bool beginsWord =
+            letter.isUpper() && index > 0 && name.at(index - 1) != '_' &&
+            (!name.at(index - 1).isUpper() ||
+             (index + 1 < name.size() && name.at(index + 1).isLower()));
+        if (beginsWord)
+            result += '_';
+        result += letter.toLower();
+    }
+    return result;
+}
+
+}  // namespace Tamrix::RubyPlugin

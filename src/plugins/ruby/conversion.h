@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <utility>
+#include <vector>
+
+#include "plugins/ruby/rubyapi.h"
+
+namespace Tamrix::RubyPlugin {
+
+// Values between C++ and Ruby. What Ruby refuses throws ScriptErrorSet.
+
+/// A String in UTF-8. Half of a pair of surrogates is kept as the three bytes that it would have.
+VALUE toRuby(const QString& text);
+VALUE toRuby(const std::string& utf8);
+VALUE toRuby(const QStringList& texts);
+/// nil for an invalid one, else a Time here.
+VALUE toRuby(const QDateTime& time);
+
+/// A String or Symbol, whatever its encoding; the null string for what is neither.
+QString fromRuby(VALUE text);
+std::string utf8OfRuby(VALUE text);
+/// A Time, Date or DateTime; invalid for anything else.
+QDateTime timeFromRuby(VALUE value);
+
+/// Any value as text, as to_s gives it, but "nil" for nil. Errors of to_s are passed over, unless
+/// they end the script.
+QString textOf(VALUE value);
+/// The class's name as scripts write it.
+QString classNameOf(VALUE value);
+
+/// The entries of a Hash, in its order.
+std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash);
+
+/// wait_for_object for waitForObject.
+QString snakeCase(const QString& name);
+
+}  // namespace Tamrix::RubyPlugin

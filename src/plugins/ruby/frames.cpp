@@ -1,0 +1,230 @@
+#include "plugins/ruby/frames.h"
+
+#include <QHash>
+#include <any>
+
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubyref.h"
+#include "plugins/ruby/rubyruntime.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+/// A runaway recursion has thousands of lines; the innermost ones tell enough.
+constexpr std::size_t maximumStackLines = 100;
+/// More than Ruby's stack holds.
+constexpr int maximumFrames = 20'000;
+
+struct File {
+    bool isScript = false;
+    QString path;
+};
+
+const File& fileOf(const QByteArray& path) {
+    static auto* const s_files = new QHash<QByteArray, File>;
+    auto known = s_files->find(path);
+    if (known == s_files->end()) {
+        File file;
+        file.isScript = path.startsWith('/') && !RubyRuntime::self().isOfLibrary(path);
+        file.path = path.startsWith('/') ? Debugger::sanitizedFilePath(QString::fromUtf8(path))
+                                         : QString();
+        known = s_files->insert(path, file);
+    }
+    return *known;
+}
+
+QByteArray bytesOf(VALUE text) {
+    return RB_TYPE_P(text, T_STRING)
+               ? QByteArray(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
+               : QByteArray();
+}
+
+/// Room for the frames of the whole stack. Script thread only.
+struct Stack {
+    std::vector<VALUE> frames = std::vector<VALUE>(maximumFrames);
+    std::vector<int> lines = std::vector<int>(maximumFrames);
+    int count = 0;
+
+    explicit Stack(int limit = maximumFrames) {
+        limit = std::min(limit, maximumFrames);
+        count = rb_profile_frames(0, limit, frames.data(), lines.data());
+    }
+};
+
+Stack& readStack() {
+    static auto* const s_stack = new Stack(0);
+    s_stack->count =
+        rb_profile_frames(0, maximumFrames, s_stack->frames.data(), s_stack->lines.data());
+    return *s_stack;
+}
+
+/// `rescue` and `ensure` have frames of their own in front of that of their method, which then
+/// stands where the error was raised. Only the inner one counts.
+bool isPartOfNextFrame(const QByteArray& label) {
+    return label.contains("rescue in ") || label.contains("ensure in ");
+}
+
+/// Calls `visit` with path and line of each frame of a script, the innermost first, until it gives
+/// false.
+template <typename Visit>
+void visitScriptFrames(Visit visit) {
+    const Stack& stack = readStack();
+    for (std::size_t index = 0; index < static_cast<std::size_t>(stack.count); ++index) {
+        const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
+        if (!isScriptFile(path))
+            continue;
+        if (!visit(path, stack.lines[index]))
+            return;
+        if (isPartOfNextFrame(bytesOf(rb_profile_frame_label(stack.frames[index]))))
+            ++index;
+    }
+}
+
+/// One line of a backtrace, "path:line:in `name'".
+struct Line {
+    QByteArray path;
+    /// 0 for C code that no line of Ruby has called.
+    int line = 0;
+    QByteArray label;
+
+    /// C code stands in backtraces at the line that has called it, which follows by itself.
+    bool isOfCaller(const Line& caller) const {
+        return line == caller.line && path == caller.path && label != caller.label &&
+               !label.contains(" in ");
+    }
+};
+
+Line parseLine(const QByteArray& text) {
+    int end = text.indexOf(":in `");
+    if (end < 0)
+        end = text.size();
+    const QByteArray label = text.mid(end);
+    const int colon = text.lastIndexOf(':', end - 1);
+    bool isNumber = false;
+    const int line = text.mid(colon + 1, end - colon - 1).toInt(&isNumber);
+    // A path may hold ":" itself.
+    return isNumber ? Line{text.left(colon), line, label} : Line{text.left(end), 0, label};
+}
+
+std::vector<Line> backtraceOf(VALUE exception) {
+    std::vector<Line> lines;
+    // A syntax error tells its place in its text.
+    if (rb_obj_is_kind_of(exception, rb_eSyntaxError) == Qtrue) {
+        const QByteArray text = textOf(exception).section('\n', 0, 0).toUtf8();
+        const int behind = text.indexOf(": ");
+        if (behind > 0)
+            lines.push_back(parseLine(text.left(behind)));
+    }
+    VALUE trace = Qnil;
+    try {
+        trace = callMethod(exception, "backtrace");
+    } catch (const ScriptErrorSet&) {
+        takeException();
+    }
+    if (!RB_TYPE_P(trace, T_ARRAY))
+        return lines;
+    for (long index = 0; index < RARRAY_LEN(trace); ++index) {
+        const Line line = parseLine(bytesOf(rb_ary_entry(trace, index)));
+        const QByteArray& label = line.label;
+        if (!lines.empty() && lines.back().isOfCaller(line))
+            lines.pop_back();
+        const bool isPart = !lines.empty() && isPartOfNextFrame(lines.back().label) &&
+                            lines.back().label.endsWith(label.mid(5));
+        if (line.line > 0 && !isPart)
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+}  // namespace
+
+bool isScriptFile(const QByteArray& path) {
+    return fileOf(path).isScript;
+}
+
+QString scriptPath(const QByteArray& path) {
+    return fileOf(path).path;
+}
+
+bool scriptFrameAt(int level, LineInfo* position) {
+    bool isFound = false;
+    visitScriptFrames([&](const QByteArray& path, int line) {
+        isFound = level-- == 0;
+        if (isFound)
+            *position = LineInfo(scriptPath(path), line);
+        return !isFound;
+    });
+    return isFound;
+}
+
+int scriptDepth() {
+    int depth = 0;
+    visitScriptFrames([&](const QByteArray&, int) {
+        ++depth;
+        return true;
+    });
+    return depth;
+}
+
+std::vector<ScriptFrame> scriptFrames() {
+    // Arrays of path, line, binding and label; frames of C code have no binding.
+    const VALUE all = protect([] {
+        return rb_debug_inspector_open(
+            [](const rb_debug_inspector_t* inspector, void*) -> VALUE {
+                const VALUE locations = rb_debug_inspector_backtrace_locations(inspector);
+                const VALUE rows = rb_ary_new();
+                for (long index = 0; index < RARRAY_LEN(locations); ++index) {
+                    const VALUE binding = rb_debug_inspector_frame_binding_get(inspector, index);
+                    const VALUE location = rb_ary_entry(locations, index);
+                    if (!NIL_P(binding))
+                        rb_ary_push(rows,
+                                    rb_ary_new_from_args(
+                                        4, rb_funcall(location, rb_intern("path"), 0),
+                                        rb_funcall(location, rb_intern("lineno"), 0), binding,
+                                        rb_funcall(location, rb_intern("label"), 0)));
+                }
+                return rows;
+            },
+            nullptr);
+    });
+    std::vector<ScriptFrame> frames;
+    for (long index = 0; index < RARRAY_LEN(all); ++index) {
+        const VALUE row = rb_ary_entry(all, index);
+        const QByteArray path = bytesOf(rb_ary_entry(row, 0));
+        if (!isScriptFile(path))
+            continue;
+        ScriptFrame frame;
+        frame.own = RubyRef(rb_ary_entry(row, 2));
+        frame.file = scriptPath(path);
+        frame.line = NUM2INT(rb_ary_entry(row, 1));
+        frames.push_back(std::move(frame));
+        if (isPartOfNextFrame(bytesOf(rb_ary_entry(row, 3))))
+            ++index;
+    }
+    return frames;
+}
+
+VALUE bindingOf(const ScriptFrame& frame) {
+    return std::any_cast<const RubyRef&>(frame.own).get();
+}
+
+std::vector<LineInfo> scriptLinesOf(VALUE exception) {
+    std::vector<LineInfo> stack;
+    const std::vector<Line> lines = backtraceOf(exception);
+    for (const Line& line : lines) {
+        if (isScriptFile(line.path) && stack.size() < maximumStackLines)
+            stack.emplace_back(scriptPath(line.path), line.line);
+    }
+    if (stack.empty() && !lines.empty() && lines.front().path.startsWith('/'))
+        stack.emplace_back(scriptPath(lines.front().path), lines.front().line);
+    return stack;
+}
+
+int outermostLineOf(VALUE exception) {
+    const std::vector<Line> lines = backtraceOf(exception);
+    return lines.empty() ? 0 : lines.back().line;
+}
+
+}  // namespace Tamrix::RubyPlugin

@@ -1,0 +1,262 @@
+#include "plugins/ruby/nativefunctions.h"
+
+#include <QHash>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "interpreter/language/objectcalls.h"
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/exceptions.h"
+#include "plugins/ruby/holder.h"
+#include "plugins/ruby/rubyargument.h"
+#include "plugins/ruby/rubyinterpreter.h"
+#include "plugins/ruby/rubyruntime.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+/// Native functions that there can be.
+constexpr std::size_t maximumFunctions = 512;
+
+/// Parameters for which scripts can write a block.
+const QStringList blockParameters = {"condition", "code", "callback"};
+
+struct Slot {
+    NativeFunction function;
+    Front front;
+    /// The place of the argument that a block stands for; -1 without.
+    int blockPlace;
+};
+
+/// They live for the process.
+std::vector<std::unique_ptr<Slot>>& allSlots() {
+    static auto* const s_slots = new std::vector<std::unique_ptr<Slot>>;
+    return *s_slots;
+}
+
+int blockPlaceOf(const Parameters& parameters) {
+    for (const QString& name : blockParameters) {
+        const int place = parameters.names.indexOf(name);
+        if (place >= 0)
+            return place;
+    }
+    return -1;
+}
+
+/// Whether an argument that may be left out is nil.
+bool leavesOut(const Slot& slot, int count, const VALUE* arguments) {
+    const Parameters& parameters = slot.function.parameters();
+    const int before = slot.front == Front::Self ? 1 : 0;
+    const int end = std::min(count + before, static_cast<int>(parameters.names.size()));
+    for (int index = std::max(parameters.requiredCount, before); index < end; ++index) {
+        if (NIL_P(arguments[index - before]))
+            return true;
+    }
+    return false;
+}
+
+/// Names as Ruby people write them mean the parameters, too: object_or_name.
+void renameToParameters(CallArguments& arguments, const Parameters& parameters) {
+    for (auto& [name, value] : arguments.named) {
+        for (const QString& parameter : parameters.names) {
+            if (name == snakeCase(parameter))
+                name = parameter;
+        }
+    }
+}
+
+/// A block is the argument that it is written for.
+void insertBlock(CallArguments& arguments, const Slot& slot) {
+    if (slot.blockPlace < 0)
+        throwException(rb_eArgError, slot.function.displayName() + "() takes no block");
+    const int place =
+        std::min(slot.blockPlace, static_cast<int>(arguments.positional.size()));
+    const VALUE block = protect([] { return rb_block_proc(); });
+    arguments.positional.insert(arguments.positional.begin() + place, new RubyArgument(block));
+}
+
+SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
+    return slot.function.kind() == NativeFunction::Kind::Method
+               ? Holder<NativeScriptObject>::unwrap(self)
+               : nullptr;
+}
+
+/// The call as nearly all are: without names, block and gaps.
+VALUE callDirectly(RubyInterpreter& interpreter, const Slot& slot, int count,
+                   const VALUE* arguments, VALUE self) {
+    interpreter.output().flush();
+    RubyContext& context = interpreter.rubyContext();
+    RubyContext::DirectCall call(context, slot.front == Front::Self ? &self : nullptr, count,
+                                 arguments);
+    try {
+        slot.function.run(context, receiver(slot, self));
+    } catch (const std::exception& exception) {
+        context.setError(
+            thrownIn(slot.function.displayName(), QString::fromUtf8(exception.what())).text);
+    }
+    interpreter.noticeApplication();
+    if (context.hasError())
+        raiseFailure(failureOf(context));
+    return rubyValue(call.takeResult());
+}
+
+/// A call that may be in another one. Ruby's own limit comes late for those, and each level has an
+/// error with a stack of its own.
+class NestedCall {
+public:
+    explicit NestedCall(const Slot& slot) {
+        constexpr int maximumDepth = 400;
+        if (s_depth >= maximumDepth)
+            throwException(rb_eSysStackError,
+                           slot.function.displayName() + "(): stack level too deep");
+        ++s_depth;
+    }
+    ~NestedCall() { --s_depth; }
+    NestedCall(const NestedCall&) = delete;
+    NestedCall& operator=(const NestedCall&) = delete;
+
+private:
+    inline static int s_depth = 0;
+};
+
+VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
+    const bool isPlain = rb_block_given_p() == 0 && rb_keyword_given_p() == 0 &&
+                         slot.function.kind() != NativeFunction::Kind::Constructor &&
+                         !leavesOut(slot, count, arguments);
+    dropReleased();
+    const NestedCall nested(slot);
+    RubyInterpreter* const active = RubyInterpreter::active();
+    VALUE result = Qnil;
+    if (isPlain && active && active->isScriptThread()) {
+        result = callDirectly(*active, slot, count, arguments, self);
+    } else {
+        CallArguments given = givenArguments(count, arguments);
+        renameToParameters(given, slot.function.parameters());
+        if (rb_block_given_p() != 0)
+            insertBlock(given, slot);
+        if (slot.front == Front::Self)
+            given.positional.insert(given.positional.begin(), new RubyArgument(self));
+        result = valueOrRaise(
+            callNative(active, slot.function, receiver(slot, self), std::move(given)));
+    }
+    if (isJumpPostponed())
+        throwPostponed();
+    return result;
+}
+
+template <std::size_t index>
+VALUE entry(int count, VALUE* arguments, VALUE self) {
+    return enterNative([=] { return callSlot(*allSlots()[index], count, arguments, self); });
+}
+
+template <std::size_t... indices>
+constexpr std::array<Entry, sizeof...(indices)> entries(std::index_sequence<indices...>) {
+    return {entry<indices>...};
+}
+
+/// Ruby hands no data to a C function: each native function has one of its own, which knows it by
+/// its number.
+constexpr auto s_entries = entries(std::make_index_sequence<maximumFunctions>());
+
+// Global functions of applications
+
+/// The application's names, by those that scripts call.
+QHash<ID, QString>& globalFunctions() {
+    static auto* const s_names = new QHash<ID, QString>;
+    return *s_names;
+}
+
+VALUE callGlobalFunction(int count, VALUE* arguments, VALUE) {
+    return enterNative([=] {
+        const QString name = globalFunctions().value(rb_frame_callee());
+        return valueOrRaise(
+            callGlobal(RubyInterpreter::active(), name, givenArguments(count, arguments)));
+    });
+}
+
+bool isTaken(ID name) {
+    return rb_obj_respond_to(RubyRuntime::self().main(), name, 1) != 0;
+}
+
+}  // namespace
+
+CallArguments givenArguments(int count, const VALUE* arguments) {
+    CallArguments given;
+    const bool isNamed = rb_keyword_given_p() != 0 && count > 0;
+    const int positional = isNamed ? count - 1 : count;
+    for (int index = 0; index < positional; ++index)
+        given.positional.push_back(new RubyArgument(arguments[index]));
+    if (isNamed) {
+        for (const auto& [key, value] : entriesOf(arguments[count - 1]))
+            given.named.emplace_back(fromRuby(key), new RubyArgument(value));
+    }
+    return given;
+}
+
+void raiseFailure(const ScriptFailure& failure) {
+    const VALUE exception = exceptionOf(failure);
+    if (RubyInterpreter* const interpreter = RubyInterpreter::active())
+        interpreter->noticeFailure(failure, exception);
+    throwException(exception);
+}
+
+VALUE valueOrRaise(const ScriptResult& result) {
+    if (!result)
+        raiseFailure(result.error());
+    return rubyValue(*result);
+}
+
+Entry entryOf(const NativeFunction& function, Front front) {
+    std::vector<std::unique_ptr<Slot>>& all = allSlots();
+    for (std::size_t index = 0; index < all.size(); ++index) {
+        const NativeFunction& known = all[index]->function;
+        if (known.address() == function.address() && known.kind() == function.kind() &&
+            known.displayName() == function.displayName() && all[index]->front == front)
+            return s_entries[index];
+    }
+    if (all.size() == maximumFunctions)
+        throw std::length_error("Ruby can be given no more functions");
+    all.push_back(
+        std::make_unique<Slot>(Slot{function, front, blockPlaceOf(function.parameters())}));
+    return s_entries[all.size() - 1];
+}
+
+QStringList rubyNames(const QString& name) {
+    QStringList names{name, snakeCase(name)};
+    names.removeDuplicates();
+    return names;
+}
+
+void defineGlobal(const QString& name, Entry entry) {
+    for (const QString& each : rubyNames(name))
+        rb_define_private_method(rb_mKernel, each.toUtf8().constData(), entry, -1);
+}
+
+void defineSingleton(VALUE object, const QString& name, Entry entry) {
+    for (const QString& each : rubyNames(name))
+        rb_define_singleton_method(object, each.toUtf8().constData(), entry, -1);
+}
+
+void defineMethod(VALUE rubyClass, const QString& name, Entry entry) {
+    for (const QString& each : rubyNames(name))
+        rb_define_method(rubyClass, each.toUtf8().constData(), entry, -1);
+}
+
+void publishGlobalFunctions(const QStringList& names) {
+    for (const QString& name : names) {
+        for (const QString& each : rubyNames(name)) {
+            const QByteArray text = each.toUtf8();
+            const ID id = rb_intern2(text.constData(), text.size());
+            if (isTaken(id))
+                continue;
+            globalFunctions().insert(id, name);
+            rb_define_private_method(rb_mKernel, text.constData(), callGlobalFunction, -1);
+        }
+    }
+}
+
+}  // namespace Tamrix::RubyPlugin

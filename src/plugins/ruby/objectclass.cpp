@@ -1,0 +1,130 @@
+#include "plugins/ruby/objectclass.h"
+
+#include "interpreter/language/objectcalls.h"
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/nativefunctions.h"
+#include "plugins/ruby/rubyargument.h"
+#include "plugins/ruby/rubyinterpreter.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+VALUE s_objectClass = Qnil;
+
+/// Methods of every Ruby object that go by names which applications have as well. Without them the
+/// application is asked.
+const char* const hiddenMethods[] = {"clone",  "display", "dup",  "extend", "freeze",
+                                     "itself", "method",  "send", "tap",    "then"};
+
+SharedPtr<Object> objectOf(VALUE self) {
+    return Holder<Object>::unwrap(self);
+}
+
+LanguageInterpreter* active() {
+    return RubyInterpreter::active();
+}
+
+VALUE setProperty(VALUE self, const QString& name, VALUE value) {
+    const auto set = setMember(active(), objectOf(self), name, new RubyArgument(value));
+    if (!set)
+        raiseFailure(set.error());
+    return value;
+}
+
+VALUE methodMissing(int count, VALUE* arguments, VALUE self) {
+    return enterNative([=] {
+        const QString name = fromRuby(arguments[0]);
+        if (name.endsWith('=') && count == 2)
+            return setProperty(self, name.chopped(1), arguments[1]);
+        return valueOrRaise(callMember(active(), objectOf(self), name,
+                                       givenArguments(count - 1, arguments + 1)));
+    });
+}
+
+VALUE respondToMissing(VALUE self, VALUE symbol, VALUE) {
+    return enterNative([=] {
+        QString name = fromRuby(symbol);
+        // What Ruby asks for conversions is nothing of an application.
+        if (name.startsWith("to_"))
+            return Qfalse;
+        if (name.endsWith('='))
+            name.chop(1);
+        const auto members = listMembers(active(), objectOf(self));
+        return members && members->contains(name) ? Qtrue : Qfalse;
+    });
+}
+
+VALUE listMethods(int count, VALUE* arguments, VALUE self) {
+    return enterNative([=] {
+        const auto members = listMembers(active(), objectOf(self));
+        if (!members)
+            raiseFailure(members.error());
+        const VALUE names = protect([=] { return rb_call_super(count, arguments); });
+        for (const QString& member : *members) {
+            const VALUE text = toRuby(member);
+            protect([=] { return rb_ary_push(names, rb_str_intern(text)); });
+        }
+        return names;
+    });
+}
+
+VALUE getByName(VALUE self, VALUE name) {
+    return enterNative([=] {
+        return valueOrRaise(callMember(active(), objectOf(self), fromRuby(name), {}));
+    });
+}
+
+VALUE setByName(VALUE self, VALUE name, VALUE value) {
+    return enterNative([=] { return setProperty(self, fromRuby(name), value); });
+}
+
+VALUE objectInspect(VALUE self) {
+    return enterNative([=] {
+        const ObjectResult<QString> text = objectText(objectOf(self));
+        if (!text)
+            raiseFailure(failureOf(text.error()));
+        return toRuby(*text);
+    });
+}
+
+VALUE objectEqual(VALUE self, VALUE other) {
+    return Holder<Object>::check(other) && isSameObject(objectOf(self), objectOf(other)) ? Qtrue
+                                                                                         : Qfalse;
+}
+
+VALUE hashOf(VALUE self) {
+    return LONG2FIX(static_cast<long>(objectHash(objectOf(self)) >> 2));
+}
+
+VALUE isNil(VALUE self) {
+    return isTrueObject(objectOf(self)) ? Qfalse : Qtrue;
+}
+
+}  // namespace
+
+void defineObjectClass(VALUE module) {
+    s_objectClass = rb_define_class_under(module, "Object", rb_cObject);
+    rb_gc_register_address(&s_objectClass);
+    rb_undef_alloc_func(s_objectClass);
+    rb_undef_method(CLASS_OF(s_objectClass), "new");
+    for (const char* const name : hiddenMethods)
+        rb_undef_method(s_objectClass, name);
+    rb_define_private_method(s_objectClass, "method_missing", methodMissing, -1);
+    rb_define_private_method(s_objectClass, "respond_to_missing?", respondToMissing, 2);
+    rb_define_method(s_objectClass, "methods", listMethods, -1);
+    rb_define_method(s_objectClass, "[]", getByName, 1);
+    rb_define_method(s_objectClass, "[]=", setByName, 2);
+    rb_define_method(s_objectClass, "inspect", objectInspect, 0);
+    rb_define_method(s_objectClass, "to_s", objectInspect, 0);
+    rb_define_method(s_objectClass, "==", objectEqual, 1);
+    rb_define_method(s_objectClass, "eql?", objectEqual, 1);
+    rb_define_method(s_objectClass, "hash", hashOf, 0);
+    rb_define_method(s_objectClass, "nil?", isNil, 0);
+}
+
+VALUE wrapObject(const SharedPtr<Object>& object) {
+    return object ? Holder<Object>::wrap(object, s_objectClass) : Qnil;
+}
+
+}  // namespace Tamrix::RubyPlugin

@@ -1,0 +1,18 @@
+// What the core asks of a language plug-in.
+
+#include <cstdio>
+#include <exception>
+
+#include "base/export.h"
+#include "plugins/ruby/rubyinterpreter.h"
+
+/// An interpreter for Ruby scripts, owned by the caller; null, with a message on standard error,
+/// when Ruby can't be started.
+extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
+    try {
+        return new Tamrix::RubyPlugin::RubyInterpreter(runner);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "Error creating the Ruby interpreter: %s\n", exception.what());
+        return nullptr;
+    }
+}

@@ -1,0 +1,219 @@
+#include "plugins/ruby/rubyinterpreter.h"
+
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/frames.h"
+#include "plugins/ruby/holder.h"
+#include "plugins/ruby/nativeclasses.h"
+#include "plugins/ruby/nativefunctions.h"
+#include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubydebugger.h"
+#include "plugins/ruby/rubyoutput.h"
+#include "plugins/ruby/rubyruntime.h"
+#include "plugins/ruby/rubysteps.h"
+#include "plugins/ruby/scripterrors.h"
+#include "plugins/ruby/stepfunctions.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+/// Stands for the file of code that has none.
+const QString noFile = QStringLiteral("(init script)");
+
+/// A method of the top level as an object; null without one. What every object has is none of the
+/// script's.
+SharedPtr<ScriptArgument> topLevelMethod(const QString& name, bool isOfScript) {
+    const VALUE text = toRuby(name);
+    const VALUE main = RubyRuntime::self().main();
+    const VALUE symbol = protect([=] { return rb_str_intern(text); });
+    const auto has = [&](const char* question) {
+        return RTEST(callMethod(rb_cObject, question, symbol, isOfScript ? Qfalse : Qtrue));
+    };
+    if (!has("method_defined?") && !has("private_method_defined?"))
+        return {};
+    const VALUE method = protect([=] { return rb_obj_method(main, symbol); });
+    return new RubyArgument(method);
+}
+
+}  // namespace
+
+RubyInterpreter::RubyInterpreter(RunnerInterface* runner) : LanguageInterpreter(runner, Ruby) {
+    RubyRuntime::self();
+    m_context = std::make_unique<RubyContext>(*this);
+    m_debugger = std::make_unique<RubyDebugger>(*this);
+    setDebugger(m_debugger.get());
+    try {
+        installOutput();
+        begin(std::make_unique<RubySteps>(*this));
+        RubyRuntime::self().takeState();
+    } catch (const ScriptErrorSet&) {
+        const std::string text = textOf(takeException()).toStdString();
+        setDebugger(nullptr);
+        throw std::runtime_error("The functions of the test system can't be made known to Ruby: " +
+                                 text);
+    }
+}
+
+RubyInterpreter::~RubyInterpreter() {
+    RubyRuntime& runtime = RubyRuntime::self();
+    runtime.runExitBlocks();
+    m_debugger->shutDown();
+    setDebugger(nullptr);
+    output().flush();
+    if (end()) {
+        m_skip.reset();
+        m_originOf.reset();
+        if (m_hasStarted && m_hasInitScripts)
+            runtime.popState();
+        runtime.restoreState();
+        dropReleased();
+    }
+}
+
+LanguageDebugger& RubyInterpreter::languageDebugger() {
+    return *m_debugger;
+}
+
+void RubyInterpreter::noticeFailure(const ScriptFailure& failure, VALUE exception) {
+    if (failure.isSkip)
+        m_skip = exception;
+    if (failure.origin.line >= 0) {
+        m_originOf = exception;
+        m_errorOrigin =
+            LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
+    }
+}
+
+// Names for scripts
+
+void RubyInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                                        const QStringList& requiredParameters,
+                                        const QStringList& optionalParameters,
+                                        const QString& description) {
+    defineGlobal(name,
+                 entryOf(NativeFunction(
+                     *m_context, {name, {}, requiredParameters, optionalParameters, description},
+                     function)));
+}
+
+void RubyInterpreter::addNativeType(const QString& name, void* typeId,
+                                    const NativeScriptType& type) {
+    RubyRuntime& runtime = RubyRuntime::self();
+    const VALUE rubyClass = defineNativeClass(runtime.module(), *m_context, name, typeId, type);
+    if (name.at(0).isLower()) {
+        runtime.defineGetter(name, rubyClass);
+        return;
+    }
+    const ID constant = rb_intern(name.toUtf8().constData());
+    if (rb_const_defined_at(rb_cObject, constant) == 0)
+        rb_const_set(rb_cObject, constant, rubyClass);
+}
+
+void RubyInterpreter::publishFunctions(const QStringList& names) {
+    publishGlobalFunctions(names);
+}
+
+QString RubyInterpreter::addToSearchPath(const QFileInfo& directory) {
+    return RubyRuntime::self().addToSearchPath(directory.absoluteFilePath());
+}
+
+// Running
+
+void RubyInterpreter::startScript(const QString& path, const QStringList& arguments,
+                                  const QStringList& folders) {
+    RubyRuntime& runtime = RubyRuntime::self();
+    m_skip.reset();
+    m_originOf.reset();
+    // What init scripts have defined before the first script stays for all.
+    if (m_hasStarted) {
+        runtime.runExitBlocks();
+        runtime.restoreState();
+    } else if (m_hasInitScripts) {
+        runtime.pushState();
+    }
+    m_hasStarted = true;
+    runtime.setArguments(path, arguments);
+    runtime.setSearchPath(folders);
+}
+
+bool RubyInterpreter::checkSyntax(const QString& text, const QString& fileName) {
+    clearError();
+    try {
+        RubyRuntime::self().compile(text, fileName);
+        return succeed();
+    } catch (const ScriptErrorSet&) {
+        return failWithPending(true);
+    }
+}
+
+bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
+    if (fileName.isEmpty() && !m_hasStarted)
+        m_hasInitScripts = true;
+    try {
+        RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
+        return succeed();
+    } catch (const ScriptErrorSet&) {
+        return failWithPending(!fileName.isEmpty());
+    }
+}
+
+SharedPtr<ScriptArgument> RubyInterpreter::scriptFunction(const QString& name) {
+    return topLevelMethod(name, true);
+}
+
+SharedPtr<ScriptArgument> RubyInterpreter::libraryFunction(const QString& name) {
+    return topLevelMethod(name, false);
+}
+
+LanguageInterpreter::CallEnd RubyInterpreter::call(const SharedPtr<ScriptArgument>& function,
+                                                   const CallArguments& arguments,
+                                                   const QString&, bool isCallback) {
+    try {
+        callCallable(rubyValue(function), arguments);
+        succeed();
+        return CallEnd::Succeeded;
+    } catch (const ScriptErrorSet&) {
+        if (isCallback && !isOrdinaryError())
+            throw;
+    }
+    const bool isPending = isPendingStep(pendingException());
+    if (failWithPending(true))
+        return CallEnd::Succeeded;
+    return isPending ? CallEnd::Pending : CallEnd::Failed;
+}
+
+bool RubyInterpreter::failWithPending(bool hasFile) {
+    output().flush();
+    m_debugger->errorUncaught(pendingException());
+    return failWith(takeScriptError(), hasFile);
+}
+
+Outcome<QString> RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+    const VALUE text = toRuby(code);
+    const VALUE file = toRuby(QStringLiteral("(debugger)"));
+    try {
+        const VALUE binding =
+            frame ? bindingOf(*frame) : rb_const_get(rb_cObject, rb_intern("TOPLEVEL_BINDING"));
+        const VALUE value = protect([=] {
+            return rb_inspect(rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1)));
+        });
+        return fromRuby(value);
+    } catch (const ScriptErrorSet&) {
+        return fail(FailureKind::Failed, takeScriptError().message);
+    }
+}
+
+LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
+    try {
+        const VALUE location = callMethod(rubyValue(function), "source_location");
+        if (RB_TYPE_P(location, T_ARRAY))
+            return LineInfo(scriptPath(fromRuby(rb_ary_entry(location, 0)).toUtf8()),
+                            NUM2INT(rb_ary_entry(location, 1)));
+    } catch (const ScriptErrorSet&) {
+        // It is nothing that is defined anywhere.
+        takeException();
+    }
+    return {};
+}
+
+}  // namespace Tamrix::RubyPlugin

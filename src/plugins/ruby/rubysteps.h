@@ -1,0 +1,23 @@
+#pragma once
+
+#include "interpreter/language/stepactions.h"
+
+namespace Tamrix::RubyPlugin {
+
+class RubyInterpreter;
+
+/// What Ruby brings for the steps of feature files.
+class RubySteps final : public StepLanguage {
+public:
+    explicit RubySteps(RubyInterpreter& interpreter);
+
+    std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
+    bool isLoaded(const QString& path) override;
+    Value contextValue() override;
+    Value tableValue(const Gherkin::Step& step) override;
+    Value bigInteger(const QString& text) override;
+    Value bigDecimal(const QString& text) override;
+    QString snippetText(const StepSnippet& snippet) override;
+};
+
+}  // namespace Tamrix::RubyPlugin

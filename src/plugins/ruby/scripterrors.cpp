@@ -1,0 +1,98 @@
+#include "plugins/ruby/scripterrors.h"
+
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/frames.h"
+#include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubyargument.h"
+#include "plugins/ruby/rubyinterpreter.h"
+
+namespace Tamrix::RubyPlugin {
+
+namespace {
+
+/// Exceptions that led to others, before the list is cut.
+constexpr int maximumCauses = 5;
+
+/// What a method of an exception gives; nil when it fails in its turn.
+VALUE asked(VALUE exception, const char* name) {
+    try {
+        return callMethod(exception, name);
+    } catch (const ScriptErrorSet&) {
+        takeException();
+    }
+    return Qnil;
+}
+
+QString ownText(VALUE exception) {
+    const QString name = classNameOf(exception);
+    QString words = fromRuby(asked(exception, "message"));
+    // Ruby tells the place in front, and results tell it beside.
+    if (rb_obj_is_kind_of(exception, rb_eSyntaxError) == Qtrue)
+        words.remove(0, words.indexOf(": ") + 2);
+    return words.isEmpty() || words == name ? name : name + ": " + words;
+}
+
+bool isCleanExit(VALUE exception) {
+    return rb_obj_is_kind_of(exception, rb_eSystemExit) == Qtrue &&
+           RTEST(asked(exception, "success?"));
+}
+
+VALUE namedAsHash(const NamedArguments& named) {
+    const VALUE hash = protect([] { return rb_hash_new(); });
+    for (const auto& [name, value] : named) {
+        const VALUE key = toRuby(name);
+        const VALUE each = rubyValue(value);
+        protect([=] { return rb_hash_aset(hash, rb_str_intern(key), each); });
+    }
+    return hash;
+}
+
+}  // namespace
+
+QString exceptionText(VALUE exception) {
+    QString text = ownText(exception);
+    VALUE cause = asked(exception, "cause");
+    for (int count = 0; !NIL_P(cause) && count < maximumCauses; ++count) {
+        text += "\ncaused by " + ownText(cause);
+        cause = asked(cause, "cause");
+    }
+    return text;
+}
+
+ScriptError takeScriptError() {
+    const VALUE exception = takeException();
+    ScriptError error;
+    if (NIL_P(exception)) {
+        error.message = QStringLiteral("The script has left its code for a place that is not there");
+        return error;
+    }
+    RubyInterpreter* const interpreter = RubyInterpreter::active();
+    error.isExit = isCleanExit(exception);
+    error.isSkip = interpreter && interpreter->isSkip(exception);
+    error.message = exceptionText(exception);
+    error.callStack = scriptLinesOf(exception);
+    error.outermostLine = outermostLineOf(exception);
+    if (interpreter && interpreter->hasOrigin(exception))
+        error.callStack.insert(error.callStack.begin(), interpreter->errorOrigin());
+    return error;
+}
+
+VALUE callCallable(VALUE function, const CallArguments& arguments) {
+    const VALUE values = protect([] { return rb_ary_new(); });
+    for (const SharedPtr<ScriptArgument>& each : arguments.positional) {
+        const VALUE value = rubyValue(each);
+        protect([=] { return rb_ary_push(values, value); });
+    }
+    const bool isNamed = !arguments.named.empty();
+    if (isNamed) {
+        const VALUE named = namedAsHash(arguments.named);
+        protect([=] { return rb_ary_push(values, named); });
+    }
+    return protect([=] {
+        return rb_funcallv_kw(function, rb_intern("call"), static_cast<int>(RARRAY_LEN(values)),
+                              RARRAY_CONST_PTR(values),
+                              isNamed ? RB_PASS_KEYWORDS : RB_NO_KEYWORDS);
+    });
+}
+
+}  // namespace Tamrix::RubyPlugin

@@ -1,0 +1,7 @@
+def main
+  raise ArgumentError, 'in main' # @main
+end
+
+def cleanup
+  raise ArgumentError, 'in cleanup' # @cleanup
+end

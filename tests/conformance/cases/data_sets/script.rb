@@ -1,0 +1,9 @@
+def main
+  records = testData.dataset('data_sets_people.tsv')
+  records.each do |record|
+    name = testData.field(record, 'Name')
+    test.log("#{name} is #{record['Age']}") # @person
+    test.compare(testData.field(record, 0), name) # @column
+  end
+  test.compare(testData.fieldNames(records[-1]), %w[Name Age]) # @names
+end

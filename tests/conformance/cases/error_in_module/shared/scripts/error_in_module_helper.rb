@@ -1,0 +1,5 @@
+module ErrorInModuleHelper
+  def self.run(function)
+    function.call # @module
+  end
+end

@@ -1,0 +1,12 @@
+def handler
+  raise ArgumentError, 'in the handler' # @handler
+end
+
+def main
+  startApplication('widgets')
+  window = waitForObject("{type='Window'}")
+  installEventHandler('Window', 'WindowTitleChange', 'handler')
+  window.windowTitle = 'another'
+  snooze(0.3)
+  test.log('it goes on') # @on
+end

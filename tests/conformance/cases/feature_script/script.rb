@@ -1,0 +1,3 @@
+def main
+  runFeatureFile(findFile('testdata', 'feature_script.feature')) # @main
+end

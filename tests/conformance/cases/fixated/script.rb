@@ -1,0 +1,11 @@
+def check(number)
+  test.fixateResultContext
+  test.compare(number % 2, 0, 'even')
+  test.restoreResultContext
+  test.log('at its own line') # @own
+end
+
+def main
+  check(2) # @two
+  check(4) # @four
+end

@@ -1,0 +1,11 @@
+def init
+  raise ArgumentError, 'not ready' # @init
+end
+
+def main
+  test.log('never')
+end
+
+def cleanup
+  test.log('cleanup') # @cleanup
+end

@@ -1,0 +1,9 @@
+def main
+  test.log('before') # @before
+  test.skip('not here', 'the reason') # @skip
+  test.log('never')
+end
+
+def cleanup
+  test.log('cleanup') # @cleanup
+end

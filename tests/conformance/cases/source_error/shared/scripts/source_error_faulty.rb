@@ -1,0 +1,1 @@
+raise ArgumentError, 'in the file'

@@ -1,0 +1,4 @@
+def main
+  test.log('before') # @before
+  loop {}
+end
