@@ -63,11 +63,7 @@ Outcome<QMap<QString, ObjectName>> runObjectMapTool(const QString& path, const Q
     process.write(text);
     process.closeWriteChannel();
     // 1. A script that hangs has its limit.
-    bool hasEnded = false;
-    {
-        const BlockingSection blocking;
-        hasEnded = waitForEnd(process, timeout);
-    }
+    const bool hasEnded = BlockingSection::run([&] { return waitForEnd(process, timeout); });
     if (!hasEnded) {
         process.kill();
         process.waitForFinished(endTimeout);
