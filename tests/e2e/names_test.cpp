@@ -84,8 +84,8 @@ TEST_F(NamesCommand, FailsClearly) {
     text += told({"names", "convert", suite.path("none.tsv"), suite.path("none.py")});
     suite.write("suite/shared/scripts/names.py", "a = {'type': 'A'}\nb = {'type': c}\n");
     text += told({"names", "check", suite.path("suite"), "calculator"});
-    text += told({"names", "convert", suite.path("suite/shared/scripts/names.py"),
-                  suite.path("none.tsv")});
+    text += told(
+        {"names", "convert", suite.path("suite/shared/scripts/names.py"), suite.path("none.tsv")});
     EXPECT_TRUE(compareWithGolden("e2e/names-failures.txt", normalised(text)));
     EXPECT_FALSE(QFile::exists(suite.path("none.tsv")));
 }
@@ -122,14 +122,15 @@ def main():
 TEST_F(NamesCommand, RunsAreAsBeforeWithoutNamesAsTexts) {
     // A script that would fail is not even run.
     suite.write("suite/shared/scripts/names.py", "raise ValueError('nobody asks')\n");
-    QString output = run("def main():\n    test.pass_('well')\n"
-                         "    test.compare(object.exists(\"{type='A'}\"), False)\n");
+    QString output =
+        run("def main():\n    test.pass_('well')\n"
+            "    test.compare(object.exists(\"{type='A'}\"), False)\n");
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(output);
     output = run("def main():\n    objectMap.symbolicNames()\n");
     EXPECT_EQ(runner.exitCode(), 1);
-    EXPECT_TRUE(output.contains("Objectmaptool error: " +
-                                suite.path("suite/shared/scripts/names.py") +
-                                ", line 1: ValueError: nobody asks"))
+    EXPECT_TRUE(
+        output.contains("Objectmaptool error: " + suite.path("suite/shared/scripts/names.py") +
+                        ", line 1: ValueError: nobody asks"))
         << qPrintable(output);
     EXPECT_TRUE(output.contains("tst/test.py:2")) << qPrintable(output);
 }
