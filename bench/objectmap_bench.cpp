@@ -1,6 +1,6 @@
-// What names cost that are kept in a script of 5,000: the first look-up, which runs the script, beside
-// a start of python3 and beside python3 on the same script; and later ones, of which each looks at the
-// time stamps of the scripts first.
+// What names cost that are kept in a script of 5,000: the first look-up, which runs the script,
+// beside a start of python3 and beside python3 on the same script; and later ones, of which each
+// looks at the time stamps of the scripts first.
 //
 // Medians of turns that alternate, all in one run.
 
@@ -87,10 +87,8 @@ int main(int argc, char** argv) {
     std::vector<double> first;
     std::unique_ptr<ObjectMap> map;
     for (int turn = 0; turn < turns; ++turn) {
-        starts.push_back(
-            milliseconds([] { return QProcess::execute(python, {"-c", ""}) == 0; }));
-        scripts.push_back(
-            milliseconds([&] { return QProcess::execute(python, {path}) == 0; }));
+        starts.push_back(milliseconds([] { return QProcess::execute(python, {"-c", ""}) == 0; }));
+        scripts.push_back(milliseconds([&] { return QProcess::execute(python, {path}) == 0; }));
         first.push_back(milliseconds([&] {
             auto opened = openObjectMap(path);
             if (!opened)

@@ -43,9 +43,8 @@ void objectMapLoad(ScriptContext* context) {
     }
     // Maps are scripts of the suite.
     const QString name = context->argument(0)->toString();
-    const QString path = QFileInfo(name).isAbsolute()
-                             ? name
-                             : findTestSuiteFile(name, QStringLiteral("scripts"));
+    const QString path =
+        QFileInfo(name).isAbsolute() ? name : findTestSuiteFile(name, QStringLiteral("scripts"));
     if (!QFileInfo(path).isFile()) {
         context->setError("File '" + name + "' couldn't be found.");
         return;

@@ -1,8 +1,13 @@
 #include "interpreter/names/genericscriptedobjectmap.h"
 
 #include <QFileInfo>
+#include <QHash>
+#include <QPair>
 #include <QRegularExpression>
+#include <QSet>
+#include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <utility>
 
 #include "base/utf8file.h"
@@ -17,9 +22,9 @@ namespace Tamrix {
 namespace {
 
 /// The files whose time stamps say whether the names may have changed.
-const QStringList scriptPatterns = {
-    QStringLiteral("*.js"), QStringLiteral("*.pl"), QStringLiteral("*.pm"),
-    QStringLiteral("*.py"), QStringLiteral("*.rb"), QStringLiteral("*.tcl")};
+const QStringList scriptPatterns = {QStringLiteral("*.js"), QStringLiteral("*.pl"),
+                                    QStringLiteral("*.pm"), QStringLiteral("*.py"),
+                                    QStringLiteral("*.rb"), QStringLiteral("*.tcl")};
 
 /// The error that a script has raised, with its place.
 QString scriptErrorText(const Interpreter& interpreter, const QString& path) {
@@ -31,28 +36,63 @@ QString scriptErrorText(const Interpreter& interpreter, const QString& path) {
                : QStringLiteral("%1: %2").arg(file, interpreter.errorMessage());
 }
 
-/// Says of the first value that no property of a name can have what is wrong with it. The name's
-/// depth is known to be limited.
-QString valueFault(const ScriptArgument::Map& properties) {
-    for (const auto& [property, value] : properties) {
-        if (value->isMap()) {
-            const QString fault = valueFault(value->toMap());
-            if (!fault.isEmpty())
-                return fault;
-        } else if (!value->isString() && !value->isNumber() && !value->isBool()) {
-            return QStringLiteral(
-                       "the property '%1' is neither a text, a number nor a name but a %2")
-                .arg(property, value->typeName());
-        }
-    }
-    return {};
+/// Whether it needs no look at the whole name to know that a property may be called so.
+bool isPlainProperty(const QString& name) {
+    const auto isPlain = [](QChar character) {
+        return character.unicode() < 128 && (character.isLetterOrNumber() || character == '_');
+    };
+    return !name.isEmpty() && name != QLatin1String("occurrence") &&
+           std::all_of(name.begin(), name.end(), isPlain);
 }
 
-/// Whether a real name compares with patterns or counts: most don't, and need no look at these.
-bool hasPatterns(const QString& realName) {
-    return realName.contains(QLatin1String("*=")) || realName.contains(QLatin1String("~=")) ||
-           realName.contains(QLatin1String("occurrence"));
-}
+/// Makes names of the maps of a script.
+class NameMaker {
+public:
+    /// Invalid for an empty map. Fails with what is wrong with it. Throws NestingError.
+    Outcome<ObjectName> nameOf(const SharedPtr<ScriptArgument>& value) {
+        QMap<QString, PropertyValue> properties;
+        bool isPlain = true;
+        for (const auto& [property, part] : value->toMap()) {
+            isPlain = isPlain && isPlainProperty(property);
+            if (!part->isMap()) {
+                if (!part->isString() && !part->isNumber() && !part->isBool())
+                    return fail(FailureKind::BadArgument, kindFault(property, *part));
+            } else if (const QString nested = part->toRealName(); !m_good.contains(nested)) {
+                // The same names are nested in many.
+                const Outcome<ObjectName> name = nameOf(part);
+                if (!name)
+                    return fail(name.error());
+                if (!name->isValid()) {
+                    return fail(FailureKind::BadArgument,
+                                QStringLiteral("the property '%1' is empty").arg(property));
+                }
+                m_good.insert(nested);
+            }
+            properties.insert(property, part->toPropertyValue());
+        }
+        return isPlain ? ObjectName(properties) : checked(ObjectName(properties));
+    }
+
+private:
+    static QString kindFault(const QString& property, const ScriptArgument& value) {
+        return QStringLiteral("the property '%1' is neither a text, a number nor a name but a %2")
+            .arg(property, value.typeName());
+    }
+
+    /// The marker of a pattern in a property's name becomes what it stands for.
+    static Outcome<ObjectName> checked(const ObjectName& written) {
+        QMap<QString, PropertyValue> properties;
+        QString fault;
+        if (parseNameByProperties(written.qualifiedName(), &properties, &fault))
+            fault = nameFault(ObjectName(properties));
+        if (!fault.isEmpty())
+            return fail(FailureKind::BadArgument, fault);
+        return ObjectName(properties);
+    }
+
+    /// Real names of maps that are names.
+    QSet<QString> m_good;
+};
 
 /// Puts the keys of names in the place of those names in others.
 class Simplifier {
@@ -74,9 +114,8 @@ public:
             if (!it->isRealName() || isTextProperty(it.key()))
                 continue;
             const QString key = m_keys.value(it->text());
-            *it = key.isEmpty()
-                      ? PropertyValue(simplified(it->text()), PropertyValue::Plain, true)
-                      : PropertyValue(key, PropertyValue::Plain, false);
+            *it = key.isEmpty() ? PropertyValue(simplified(it->text()), PropertyValue::Plain, true)
+                                : PropertyValue(key, PropertyValue::Plain, false);
         }
         return ObjectName(properties).qualifiedName();
     }
@@ -233,55 +272,41 @@ bool GenericScriptedObjectMap::runScript(const QString& text) {
     return interpreter->checkSyntax(text, path()) && interpreter->evaluate(text, path());
 }
 
-Outcome<ObjectName> GenericScriptedObjectMap::nameOfValue(
-    const QString& variable, const SharedPtr<ScriptArgument>& value) const {
-    QString fault;
-    QMap<QString, PropertyValue> properties;
-    try {
-        const QString text = toRealNameMapping({{variable, value}}).value(variable);
-        fault = valueFault(value->toMap());
-        // A marker of a pattern in a property's name becomes what it stands for.
-        if (fault.isEmpty() && parseNameByProperties(text, &properties, &fault) &&
-            hasPatterns(text))
-            fault = nameFault(ObjectName(properties));
-    } catch (const NestingError& error) {
-        fault = QString::fromUtf8(error.what());
-    }
-    if (fault.isEmpty())
-        return ObjectName(properties);
-    return fail(FailureKind::BadArgument,
-                QStringLiteral("the variable '%1' is no name of an object (one that is not meant "
-                               "to be starts with '_'): %2")
-                    .arg(variable, fault));
-}
-
-Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(
-    const QString& text) {
+Outcome<QMap<QString, ObjectName>> GenericScriptedObjectMap::getObjectMapping(const QString& text) {
     // 1. The script runs.
     if (!runScript(text))
         return fail(FailureKind::Failed, scriptErrorText(*Interpreter::self(), path()));
     // 2. Its maps are names, but for those that it says are its own.
     QMap<QString, ObjectName> names;
     QMap<QString, QString> faults;
+    NameMaker maker;
     for (const auto& [variable, value] : scriptVariables()) {
-        if (!value || !value->isMap() || variable.startsWith('_') || value->toMap().empty())
+        if (!value || !value->isMap() || variable.startsWith('_'))
             continue;
-        const Outcome<ObjectName> name = nameOfValue(variable, value);
-        if (name) {
-            names.insert(keyOfVariable(variable), *name);
-            continue;
+        try {
+            const Outcome<ObjectName> name = maker.nameOf(value);
+            if (!name)
+                faults.insert(variable, name.error().text);
+            else if (name->isValid())
+                names.insert(keyOfVariable(variable), *name);
+        } catch (const NestingError& error) {
+            faults.insert(variable, QString::fromUtf8(error.what()));
         }
-        faults.insert(variable, name.error().text);
     }
     if (faults.isEmpty())
         return names;
     // 3. What is wrong with them, by line.
     const QMap<QString, int> lines = definitionLines(notation(), text);
-    QMultiMap<int, QString> faultsByLine;
+    QMap<QPair<int, QString>, QString> faultsByLine;
     for (auto it = faults.cbegin(); it != faults.cend(); ++it) {
-        const int line = lines.value(it.key());
-        const QString place = line > 0 ? QStringLiteral(", line %1").arg(line) : QString();
-        faultsByLine.insert(line, QStringLiteral("%1%2: %3").arg(path(), place, it.value()));
+        const int line = lines.value(it.key(), std::numeric_limits<int>::max());
+        const QString place =
+            lines.contains(it.key()) ? QStringLiteral(", line %1").arg(line) : QString();
+        faultsByLine.insert(
+            {line, it.key()},
+            QStringLiteral("%1%2: the variable '%3' is no name of an object (one that is not "
+                           "meant to be starts with '_'): %4")
+                .arg(path(), place, it.key(), it.value()));
     }
     return fail(FailureKind::BadArgument, QStringList(faultsByLine.values()).join('\n'));
 }
@@ -321,8 +346,8 @@ QString GenericScriptedObjectMap::newKey(const ObjectName& name) {
     // Whatever the script or the library means by a word, they go on to mean it.
     const QStringList taken = libraryNames();
     return keyOfVariable(newVariable(notation(), name, [&](const QString& variable) {
-        return !entries().contains(keyOfVariable(variable)) &&
-               !taken.contains(variable) && !hasWord(text, variable);
+        return !entries().contains(keyOfVariable(variable)) && !taken.contains(variable) &&
+               !hasWord(text, variable);
     }));
 }
 
@@ -332,17 +357,16 @@ Outcome<QByteArray> GenericScriptedObjectMap::contentWith(const QByteArray& cont
     const QString entry = writtenEntry(notation(), key, name);
     QByteArray changed = withEntry(content, entry);
     // The script goes on to mean what it did, and has the entry: it may end in whatever way.
-    const Outcome<QMap<QString, ObjectName>> names =
-        runObjectMapTool(path(), changed, toolTimeout);
+    const Outcome<QMap<QString, ObjectName>> names = runObjectMapTool(path(), changed, toolTimeout);
     QString fault;
     if (!names)
         fault = names.error().text;
     else if (!hasMeaning(*names, key, resolve(name.qualifiedName())))
         fault = QStringLiteral("it has no effect behind the end of the script");
     if (!fault.isEmpty()) {
-        return fail(FailureKind::Refused,
-                    QStringLiteral("The entry %1 can't be added to '%2': %3")
-                        .arg(entry, path(), fault));
+        return fail(
+            FailureKind::Refused,
+            QStringLiteral("The entry %1 can't be added to '%2': %3").arg(entry, path(), fault));
     }
     return changed;
 }

@@ -85,8 +85,6 @@ protected:
 private:
     /// What the name of a script's module and its point are: "names.".
     QString modulePrefix() const;
-    Outcome<ObjectName> nameOfValue(const QString& variable,
-                                    const SharedPtr<ScriptArgument>& value) const;
 
     QDateTime m_cacheTime;
     /// Made when it is asked for.

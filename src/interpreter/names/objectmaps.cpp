@@ -13,9 +13,8 @@ namespace {
 Outcome<std::unique_ptr<ObjectMap>> openScript(const ScriptLanguageInformation& language,
                                                const QString& path) {
     const auto failure = [&path](const QString& reason) {
-        return fail(
-            FailureKind::Failed,
-            QStringLiteral("The object map '%1' can't be used: %2").arg(path, reason));
+        return fail(FailureKind::Failed,
+                    QStringLiteral("The object map '%1' can't be used: %2").arg(path, reason));
     };
     const ScriptLanguagePlugin plugin(language.pluginName);
     if (!plugin.lastErrorMessage().isEmpty())

@@ -54,8 +54,8 @@ QString objectMapToolBinary() {
 Outcome<QMap<QString, ObjectName>> runObjectMapTool(const QString& path, const QByteArray& text,
                                                     int timeout) {
     QStringList arguments{QStringLiteral("--mode"), QStringLiteral("getEntryMap"),
-                          QStringLiteral("--scriptMap"),
-                          QStringLiteral("--scriptedObjectMapPath"), path};
+                          QStringLiteral("--scriptMap"), QStringLiteral("--scriptedObjectMapPath"),
+                          path};
     if (!text.isNull())
         arguments.append(QStringLiteral("--standardInput"));
     ToolProcess process;

@@ -21,8 +21,9 @@ TAMRIX_EXPORT bool isReferenceToName(const QString& property, const PropertyValu
 /// The keys that a name and those nested in it refer to, in their order.
 TAMRIX_EXPORT QStringList referencesOf(const ObjectName& name);
 
-/// The name that a key or a real name stands for, with every reference in it replaced. Fails when it
-/// is malformed, unknown, refers to itself, or has too many references.
-TAMRIX_EXPORT Outcome<ObjectName> resolveName(const QMap<QString, ObjectName>& names, const QString& name);
+/// The name that a key or a real name stands for, with every reference in it replaced. Fails when
+/// it is malformed, unknown, refers to itself, or has too many references.
+TAMRIX_EXPORT Outcome<ObjectName> resolveName(const QMap<QString, ObjectName>& names,
+                                              const QString& name);
 
 }  // namespace Tamrix

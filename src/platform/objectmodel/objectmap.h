@@ -17,10 +17,10 @@ namespace Tamrix {
 ///
 /// This is a plain map, a file with one entry a line: symbolic name, tab, real name, each with
 /// backslash, tab and line feed escaped as \\, \t and \n; a "\" before anything else stands for
-/// itself. Empty lines and lines that start with "#" are ignored. A real name may refer to others: a
-/// value in quotes that starts with ":" is the symbolic name of another object, also in names nested
-/// in each other. Values of properties that are a text for sure (isTextProperty()) never refer to
-/// anything.
+/// itself. Empty lines and lines that start with "#" are ignored. A real name may refer to others:
+/// a value in quotes that starts with ":" is the symbolic name of another object, also in names
+/// nested in each other. Values of properties that are a text for sure (isTextProperty()) never
+/// refer to anything.
 ///
 /// Names that are kept in other ways derive from it: they bring the entries, all else is the same.
 class TAMRIX_EXPORT ObjectMap {
@@ -83,8 +83,8 @@ public:
 
 protected:
     // What a map that is kept in another way does otherwise.
-    /// Brings the entries up to date before they are asked for. What it fails with is the reason why
-    /// names are not found.
+    /// Brings the entries up to date before they are asked for. What it fails with is the reason
+    /// why names are not found.
     virtual Outcome<> update() { return {}; }
     /// The key that a text means, empty when it is no symbolic name.
     virtual QString keyOf(const QString& name) const;

@@ -21,9 +21,9 @@ private:
     QString m_text;
 };
 
-/// An object map whose names are variables in a script of the suite. Its keys are ":save_button" for
-/// the variable save_button, so that a name may also be written as in a plain map. Script thread
-/// only.
+/// An object map whose names are variables in a script of the suite. Its keys are ":save_button"
+/// for the variable save_button, so that a name may also be written as in a plain map. Script
+/// thread only.
 class TAMRIX_EXPORT ScriptedObjectMap : public ObjectMap {
 public:
     /// `path` is the script's file, `suffix` that of its language.

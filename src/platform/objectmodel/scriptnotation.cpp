@@ -80,8 +80,7 @@ QString variableOfKey(const QString& key) {
     return key.mid(1);
 }
 
-QString writtenName(const ScriptNotation& notation, const ObjectName& name,
-                    const QString& indent) {
+QString writtenName(const ScriptNotation& notation, const ObjectName& name, const QString& indent) {
     const auto properties = name.properties();
     QStringList parts;
     for (const QString& property : orderedProperties(name)) {
@@ -92,8 +91,8 @@ QString writtenName(const ScriptNotation& notation, const ObjectName& name,
     if (indent.isNull())
         return notation.open + parts.join(notation.betweenProperties) + notation.close;
     const QString separator = notation.betweenProperties.trimmed() + QLatin1Char('\n') + indent;
-    return notation.open + QLatin1Char('\n') + indent + parts.join(separator) +
-           QLatin1Char('\n') + notation.close;
+    return notation.open + QLatin1Char('\n') + indent + parts.join(separator) + QLatin1Char('\n') +
+           notation.close;
 }
 
 QString writtenEntry(const ScriptNotation& notation, const QString& key, const ObjectName& name) {

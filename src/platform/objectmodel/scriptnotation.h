@@ -48,7 +48,8 @@ TAMRIX_EXPORT QString keyOfVariable(const QString& variable);
 /// "save_button" for ":save_button".
 TAMRIX_EXPORT QString variableOfKey(const QString& key);
 
-/// A name as the language's value. A property whose value is a reference to another name of the map,
+/// A name as the language's value. A property whose value is a reference to another name of the
+/// map,
 /// ":main_window", becomes that variable. `indent` is what lines of a value on several lines start
 /// with; null for one line.
 TAMRIX_EXPORT QString writtenName(const ScriptNotation& notation, const ObjectName& name,

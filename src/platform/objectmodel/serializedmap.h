@@ -25,8 +25,8 @@ struct SerializedMap {
 
 TAMRIX_EXPORT SerializedMap parseMap(const QString& text);
 
-/// Reads a plain map's file, whose references must all mean a name of it. Fails with a line for each
-/// fault, which names file and line.
+/// Reads a plain map's file, whose references must all mean a name of it. Fails with a line for
+/// each fault, which names file and line.
 Outcome<QMap<QString, ObjectName>> readMapFile(const QString& path);
 
 }  // namespace Tamrix

@@ -1,6 +1,7 @@
 #include "plugins/python/objectnames.h"
 
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <algorithm>
 
 #include "base/utf8file.h"
@@ -14,18 +15,25 @@ namespace {
 
 /// Keywords, and the functions and constants that Python defines: no names of objects.
 constexpr const char* pythonWords[] = {
-    "False", "None", "True", "abs", "aiter", "all", "and", "anext", "any", "as", "ascii",
-    "assert", "async", "await", "bin", "bool", "break", "breakpoint", "bytearray", "bytes",
-    "callable", "case", "chr", "class", "classmethod", "compile", "complex", "continue", "def",
-    "del", "delattr", "dict", "dir", "divmod", "elif", "else", "enumerate", "eval", "except",
-    "exec", "exit", "filter", "finally", "float", "for", "format", "from", "frozenset",
-    "getattr", "global", "globals", "hasattr", "hash", "help", "hex", "id", "if", "import",
-    "in", "input", "int", "is", "isinstance", "issubclass", "iter", "lambda", "len", "list",
-    "locals", "map", "match", "max", "memoryview", "min", "next", "nonlocal", "not", "object",
-    "oct", "open", "or", "ord", "pass", "pow", "print", "property", "quit", "raise", "range",
-    "repr", "return", "reversed", "round", "set", "setattr", "slice", "sorted", "staticmethod",
-    "str", "sum", "super", "tamrix", "try", "tuple", "type", "vars", "while", "with", "yield",
-    "zip"};
+    "False",       "None",         "True",       "abs",        "aiter",   "all",
+    "and",         "anext",        "any",        "as",         "ascii",   "assert",
+    "async",       "await",        "bin",        "bool",       "break",   "breakpoint",
+    "bytearray",   "bytes",        "callable",   "case",       "chr",     "class",
+    "classmethod", "compile",      "complex",    "continue",   "def",     "del",
+    "delattr",     "dict",         "dir",        "divmod",     "elif",    "else",
+    "enumerate",   "eval",         "except",     "exec",       "exit",    "filter",
+    "finally",     "float",        "for",        "format",     "from",    "frozenset",
+    "getattr",     "global",       "globals",    "hasattr",    "hash",    "help",
+    "hex",         "id",           "if",         "import",     "in",      "input",
+    "int",         "is",           "isinstance", "issubclass", "iter",    "lambda",
+    "len",         "list",         "locals",     "map",        "match",   "max",
+    "memoryview",  "min",          "next",       "nonlocal",   "not",     "object",
+    "oct",         "open",         "or",         "ord",        "pass",    "pow",
+    "print",       "property",     "quit",       "raise",      "range",   "repr",
+    "return",      "reversed",     "round",      "set",        "setattr", "slice",
+    "sorted",      "staticmethod", "str",        "sum",        "super",   "tamrix",
+    "try",         "tuple",        "type",       "vars",       "while",   "with",
+    "yield",       "zip"};
 
 QString pythonLiteral(const QString& text) {
     QString literal;
@@ -50,8 +58,8 @@ QString pythonLiteral(const QString& text) {
                 if (character.isPrint() || character.isSurrogate())
                     literal += character;
                 else
-                    literal += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16,
-                                                          QLatin1Char('0'));
+                    literal +=
+                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
         }
     }
     return '"' + literal + '"';
@@ -64,18 +72,26 @@ bool isPythonVariable(const QString& name) {
            std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
 }
 
-/// The code of a module as Python's import keeps it beside the file, compiled anew when the file has
-/// changed. Null when it can't be had so.
+/// The code of a module as Python's import has it, which keeps it, in the user's cache, until the
+/// file changes. Null when it can't be had so.
 PyRef importedCode(const QString& path) {
+    // Nothing is left beside the script, and nothing of what the script imports itself is kept.
+    const PyRef folder =
+        toPyString(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+                   QStringLiteral("/tamrix/python"));
+    PySys_SetObject("pycache_prefix", folder.get());
+    PySys_SetObject("dont_write_bytecode", Py_False);
     const PyRef module = PyRef::steal(PyImport_ImportModule("importlib.machinery"));
     const PyRef file = toPyString(path);
-    const PyRef loader = PyRef::steal(
-        module && file ? PyObject_CallMethod(module.get(), "SourceFileLoader", "sO", "names",
-                                             file.get())
-                       : nullptr);
-    PyRef code = PyRef::steal(
-        loader ? PyObject_CallMethod(loader.get(), "get_code", "s", "names") : nullptr);
+    const PyRef loader =
+        PyRef::steal(module && file ? PyObject_CallMethod(module.get(), "SourceFileLoader", "sO",
+                                                          "names", file.get())
+                                    : nullptr);
+    PyRef code = PyRef::steal(loader ? PyObject_CallMethod(loader.get(), "get_code", "s", "names")
+                                     : nullptr);
     PyErr_Clear();
+    PySys_SetObject("dont_write_bytecode", Py_True);
+    PySys_SetObject("pycache_prefix", Py_None);
     return code;
 }
 

@@ -135,9 +135,9 @@ int check(const NamesSettings& settings) {
         return Interrupt::exitCode(Interrupt::signalNumber());
     if (!checked)
         return failWith(checked.error().text);
-    const QString summary = QStringLiteral("%1 of %2 names find one object")
-                                .arg(QString::number(checked->unique),
-                                     QString::number(checked->names));
+    const QString summary =
+        QStringLiteral("%1 of %2 names find one object")
+            .arg(QString::number(checked->unique), QString::number(checked->names));
     const int shown = show(linesText(checked->findings + QStringList(summary)));
     return shown != ExitSuccess || checked->isGood() ? shown : ExitFailure;
 }

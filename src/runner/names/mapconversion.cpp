@@ -196,8 +196,7 @@ QString scriptFault(const QString& path, const QByteArray& content, const Names&
 Outcome<ConvertedMap> convertMap(const QString& from, const QString& to) {
     // 1. What there is.
     if (!QFileInfo::exists(from)) {
-        return fail(FailureKind::NotFound,
-                    QStringLiteral("There is no object map '%1'").arg(from));
+        return fail(FailureKind::NotFound, QStringLiteral("There is no object map '%1'").arg(from));
     }
     const Outcome<std::unique_ptr<ObjectMap>> source = openObjectMap(from);
     if (!source)
@@ -210,8 +209,9 @@ Outcome<ConvertedMap> convertMap(const QString& from, const QString& to) {
         return fail(names.error());
     const Outcome<Utf8Text> text = readUtf8File(from);
     if (!text) {
-        return fail(FailureKind::Failed, QStringLiteral("The object map '%1' can't be read: %2")
-                                             .arg(from, text.error().text));
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("The object map '%1' can't be read: %2").arg(from, text.error().text));
     }
     const Layout layout = layoutOf(**source, text->text, *names);
     // 2. The names that it gets.
@@ -229,8 +229,8 @@ Outcome<ConvertedMap> convertMap(const QString& from, const QString& to) {
     if (scriptOf(**target)) {
         const QString fault = scriptFault(to, converted.content, *names, keys);
         if (!fault.isEmpty()) {
-            return fail(FailureKind::Refused, QStringLiteral("'%1' can't be written as '%2': %3")
-                                                  .arg(from, to, fault));
+            return fail(FailureKind::Refused,
+                        QStringLiteral("'%1' can't be written as '%2': %3").arg(from, to, fault));
         }
     }
     return converted;

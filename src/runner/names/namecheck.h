@@ -21,8 +21,8 @@ struct NameCheck {
     bool isGood() const { return findings.size() == hints; }
 };
 
-/// Looks each name of the map up in an application, as it shows itself now. Fails when the map can't
-/// be read or the application can't be asked.
+/// Looks each name of the map up in an application, as it shows itself now. Fails when the map
+/// can't be read or the application can't be asked.
 Outcome<NameCheck> checkNames(Access& access, ObjectMap& map);
 
 }  // namespace Tamrix

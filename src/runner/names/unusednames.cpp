@@ -67,8 +67,9 @@ private:
 Outcome<QString> readText(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        return fail(FailureKind::Failed, QStringLiteral("The file '%1' can't be read: %2")
-                                             .arg(path, file.errorString()));
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("The file '%1' can't be read: %2").arg(path, file.errorString()));
     }
     const QByteArray bytes = file.read(largestFile + 1);
     return bytes.size() > largestFile || bytes.contains('\0') ? QString()

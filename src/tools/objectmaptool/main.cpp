@@ -21,13 +21,11 @@ namespace {
 using namespace Tamrix;
 
 Outcome<QString> scriptText(const MapRequest& request) {
-    const QString path =
-        request.readsStandardInput ? QStringLiteral("/dev/stdin") : request.path;
+    const QString path = request.readsStandardInput ? QStringLiteral("/dev/stdin") : request.path;
     const Outcome<Utf8Text> text = readUtf8File(path);
     if (!text) {
-        return fail(FailureKind::Failed,
-                    QStringLiteral("The object map '%1' can't be read: %2")
-                        .arg(request.path, text.error().text));
+        return fail(FailureKind::Failed, QStringLiteral("The object map '%1' can't be read: %2")
+                                             .arg(request.path, text.error().text));
     }
     if (text->faultyLine > 0) {
         return fail(FailureKind::BadArgument,

@@ -26,19 +26,18 @@ public:
     explicit FakeObjectMap(const QString& path) : GenericScriptedObjectMap(path, "py") {}
 
     const ScriptNotation& notation() const override {
-        static const ScriptNotation s_notation{
-            "%1 = %2",
-            "%1",
-            "{",
-            ": ",
-            ", ",
-            "}",
-            "# ",
-            {},
-            {},
-            ScriptNotation::Words::Underscores,
-            [](const QString& text) { return '"' + text + '"'; },
-            [](const QString& name) { return name != "if"; }};
+        static const ScriptNotation s_notation{"%1 = %2",
+                                               "%1",
+                                               "{",
+                                               ": ",
+                                               ", ",
+                                               "}",
+                                               "# ",
+                                               {},
+                                               {},
+                                               ScriptNotation::Words::Underscores,
+                                               [](const QString& text) { return '"' + text + '"'; },
+                                               [](const QString& name) { return name != "if"; }};
         return s_notation;
     }
 
@@ -58,10 +57,10 @@ protected:
     /// The program writes this text, and a mark in the file "calls" for each time.
     void useTool(const QByteArray& script) {
         const QString tool = objectMapToolBinary();
-        ASSERT_TRUE(writeFile(tool, "#!/bin/sh\necho \"$@\" >> " + calls.toLocal8Bit() + "\n" +
-                                        script + "\n"));
-        ASSERT_TRUE(QFile::setPermissions(
-            tool, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        ASSERT_TRUE(writeFile(
+            tool, "#!/bin/sh\necho \"$@\" >> " + calls.toLocal8Bit() + "\n" + script + "\n"));
+        ASSERT_TRUE(
+            QFile::setPermissions(tool, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
     int callCount() const { return readFile(calls).count('\n'); }
     /// Writes a file that has a later time than all before.
@@ -168,7 +167,8 @@ TEST_F(NamesInScripts, AnswersInBothDirections) {
     EXPECT_EQ(map.getRealName(Name("names.save")), "{text='Save' window=':main'}");
     EXPECT_EQ(map.getRealName(Name(":save")), "{text='Save' window=':main'}");
     EXPECT_EQ(map.getRealName(Name("other.save")), "");
-    EXPECT_EQ(map.getNestedScriptedRealName(Name(":save")), "{\"text\": \"Save\", \"window\": main}");
+    EXPECT_EQ(map.getNestedScriptedRealName(Name(":save")),
+              "{\"text\": \"Save\", \"window\": main}");
     EXPECT_EQ(map.getNestedScriptedRealName(Name(":none")), "");
     EXPECT_EQ(map.createScriptedRealName(ObjectName("{a='1' window={type='W'}}"), true, true),
               "{\n    \"a\": \"1\",\n    \"window\": main\n}");
@@ -206,15 +206,21 @@ TEST_F(NamesInScripts, NestedNamesBecomeReferences) {
 TEST_F(NamesInScripts, VariablesOfTheScriptAreNames) {
     const FakeInterpreter interpreter(nullptr, Interpreter::Tcl);
     const auto main = Tamrix::Test::map({{"type", text("W")}});
-    map.variables = {{"main", main},
-                     {"save", Tamrix::Test::map({{"text*", text("S*")}, {"n", integer(2)},
-                                         {"on", boolean(true)}, {"window", main}})},
-                     {"_own", Tamrix::Test::map({{"a b", text("")}})},
-                     {"empty", Tamrix::Test::map({})},
-                     {"word", text("{type='W'}")}};
-    EXPECT_EQ(*map.toRealNameMapping("main\n"),
-              (QMap<QString, QString>{{":main", "{type='W'}"},
-                                      {":save", "{n='2' on='true' text*='S*' window={type='W'}}"}}));
+    map.variables = {
+        {"main", main},
+        {"save",
+         Tamrix::Test::map(
+             {{"text*", text("S*")}, {"n", integer(2)}, {"on", boolean(true)}, {"window", main}})},
+        {"_own", Tamrix::Test::map({{"a b", text("")}})},
+        {"empty", Tamrix::Test::map({})},
+        {"word", text("{type='W'}")}};
+    EXPECT_EQ(
+        *map.toRealNameMapping("main\n"),
+        (QMap<QString, QString>{{":main", "{type='W'}"},
+                                {":save", "{n='2' on='true' text*='S*' window={type='W'}}"}}));
+
+    EXPECT_EQ(GenericScriptedObjectMap::toRealNameMapping({{"main", main}}),
+              (QMap<QString, QString>{{"main", "{type='W'}"}}));
 
     const auto endless = [] {
         SharedPtr<ScriptArgument> value = Tamrix::Test::map({{"a", text("1")}});
@@ -225,18 +231,19 @@ TEST_F(NamesInScripts, VariablesOfTheScriptAreNames) {
     map.variables = {
         {"deep", endless()},
         {"listed", Tamrix::Test::map({{"in", Tamrix::Test::map({{"a", list({})}})}})},
+        {"hollow", Tamrix::Test::map({{"in", Tamrix::Test::map({})}})},
         {"spaced", Tamrix::Test::map({{"a b", text("")}})},
         {"pattern", Tamrix::Test::map({{"text~", text("(")}})},
     };
     const QString start = path + ", line 2: the variable '";
-    const QString reason = "' is no name of an object (one that is not meant to be starts with '_'): ";
+    const QString reason =
+        "' is no name of an object (one that is not meant to be starts with '_'): ";
     EXPECT_EQ(
         map.getObjectMapping("evaluation\ndeep = \n").error().text.section('\n', 0, 1),
         start + "deep" + reason +
             "The name of an object is nested deeper than 16: does a part of it hold itself?\n" +
-            path + ": the variable 'listed" + reason +
-            "the property 'a' is neither a text, a number nor a name but a list");
-    EXPECT_EQ(map.getObjectMapping("evaluation\n").error().text.count('\n'), 3);
+            path + ": the variable 'hollow" + reason + "the property 'in' is empty");
+    EXPECT_EQ(map.getObjectMapping("evaluation\n").error().text.count('\n'), 4);
 
     EXPECT_EQ(map.getObjectMapping("evaluation error 3 words\n").error().text,
               path + ", line 3: words");
@@ -246,8 +253,8 @@ TEST_F(NamesInScripts, VariablesOfTheScriptAreNames) {
 
 /// The tool reads the text that it is given as that of the script, and says what it means.
 TEST_F(NamesInScripts, NewEntriesAreTriedBeforeTheyAreWritten) {
-    const QByteArray echo = QByteArray(twoNames) +
-                            "\nif [ \"$6\" ]; then cat > " + calls.toLocal8Bit() + ".text; fi\n";
+    const QByteArray echo =
+        QByteArray(twoNames) + "\nif [ \"$6\" ]; then cat > " + calls.toLocal8Bit() + ".text; fi\n";
     const auto add = [this](const QString& realName) {
         const Outcome<QString> key = map.add(SharedPtr<Object>(new NamedObject(realName)));
         return key ? *key : key.error().text;

@@ -111,8 +111,7 @@ TEST_F(MapAdditions, FailuresLeaveTheFileAndTheNamesAlone) {
     start(":Main\t{type='W'}\n");
     EXPECT_EQ(add("no name").left(23), "'no name' is neither a ");
     ASSERT_TRUE(writeFile(path, ":Main\t{type='W'}\nnonsense\n"));
-    EXPECT_EQ(add("{type='B'}"),
-              path + ", line 2: there is no tab between symbolic and real name");
+    EXPECT_EQ(add("{type='B'}"), path + ", line 2: there is no tab between symbolic and real name");
     EXPECT_EQ(readFile(path), ":Main\t{type='W'}\nnonsense\n");
 
     // A folder in the place of the file, as nothing else keeps root from writing.

@@ -21,8 +21,7 @@ ScriptNotation notationOf(const char* statement, const char* reference,
     notation.words = words;
     notation.literal = [](const QString& text) { return '<' + text + '>'; };
     notation.isVariable = [](const QString& name) {
-        return name != "if" &&
-               QRegularExpression("\\A[A-Za-z_]\\w*\\z").match(name).hasMatch();
+        return name != "if" && QRegularExpression("\\A[A-Za-z_]\\w*\\z").match(name).hasMatch();
     };
     return notation;
 }
@@ -69,8 +68,12 @@ TEST(ScriptNotation, TextsBecomeTheNearestVariable) {
         const char* text;
         const char* variable;
     } rows[] = {
-        {"save_button", "save_button"}, {"Save it", "Save_it"}, {"_own", "own"},
-        {"if", "name_if"},              {"2", "name_2"},        {"...", "name"},
+        {"save_button", "save_button"},
+        {"Save it", "Save_it"},
+        {"_own", "own"},
+        {"if", "name_if"},
+        {"2", "name_2"},
+        {"...", "name"},
         {"Ärger & Co.", "Arger_Co"},
     };
     for (const auto& row : rows)
@@ -85,10 +88,10 @@ TEST(ScriptNotation, EntriesAreWrittenAndFound) {
               "<window> => $main}");
     EXPECT_EQ(writtenEntry(underscores, ":b", ObjectName("{in=':main'}")),
               "our $b = {<in> => $main};");
-    EXPECT_EQ(writtenEntry(underscores, ":b",
-                           ObjectName("{a='" + QString(100, 'x') + "' b~='y' c=':d'}")),
-              "our $b = {\n    <a> => <" + QString(100, 'x') +
-                  ">,\n    <b~> => <y>,\n    <c> => $d\n};");
+    EXPECT_EQ(
+        writtenEntry(underscores, ":b",
+                     ObjectName("{a='" + QString(100, 'x') + "' b~='y' c=':d'}")),
+        "our $b = {\n    <a> => <" + QString(100, 'x') + ">,\n    <b~> => <y>,\n    <c> => $d\n};");
 
     const QString script =
         "our $a = {};\n  our  $b={\n# our $c = 1\nour $b = 2;\nmy $d = 3;\nour $e == 1";

@@ -66,8 +66,7 @@ TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {
     EXPECT_EQ(realName("names.cut"), "{text='Cut' window={type='W' windowTitle*='Book*'}}");
     EXPECT_EQ(realName(":save"), "{occurrence='2' type='W' visible='true' windowTitle*='Book*'}");
     EXPECT_EQ(ObjectMap::self()->symbolicName("{type='O'}"), ":other");
-    EXPECT_EQ((*ObjectMap::self()->names())[":cut"].qualifiedName(),
-              "{text='Cut' window=':alias'}")
+    EXPECT_EQ((*ObjectMap::self()->names())[":cut"].qualifiedName(), "{text='Cut' window=':alias'}")
         << "the first of two names for one object";
 }
 
@@ -113,28 +112,28 @@ TEST_F(PythonObjectNames, NewNamesStandBehindWhatPeopleWrote) {
     EXPECT_EQ(add("{text='Import' type='QWidget'}"), ":import_widget");
     EXPECT_EQ(add("{text='click'}"), ":click_2") << "a function";
     EXPECT_EQ(add("{text='with'}"), ":with_2") << "a word of Python";
-    EXPECT_EQ(QString::fromUtf8(readFile(path)),
-              QString::fromUtf8(
-                  before +
-                  "\r\nsave_button_2 = {\"type\": \"QPushButton\", \"text\": \"&Save\", "
-                  "\"window\": main_window}\r\n"
-                  "quote_back_tab_line_label = {\"type\": \"QLabel\", \"text\": \"quote \\\" "
-                  "back\\\\ ' tab\\t line\\n ü 😀 \\u0001\"}\r\n"
-                  "import_widget = {\"type\": \"QWidget\", \"text\": \"Import\"}\r\n"
-                  "click_2 = {\"text\": \"click\"}\r\n"
-                  "with_2 = {\"text\": \"with\"}\r\n"));
+    EXPECT_EQ(
+        QString::fromUtf8(readFile(path)),
+        QString::fromUtf8(
+            before + "\r\nsave_button_2 = {\"type\": \"QPushButton\", \"text\": \"&Save\", "
+                     "\"window\": main_window}\r\n"
+                     "quote_back_tab_line_label = {\"type\": \"QLabel\", \"text\": \"quote \\\" "
+                     "back\\\\ ' tab\\t line\\n ü 😀 \\u0001\"}\r\n"
+                     "import_widget = {\"type\": \"QWidget\", \"text\": \"Import\"}\r\n"
+                     "click_2 = {\"text\": \"click\"}\r\n"
+                     "with_2 = {\"text\": \"with\"}\r\n"));
     EXPECT_EQ(realName(":save_button_2"),
               "{text='&Save' type='QPushButton' window={type='MainWindow'}}");
-    EXPECT_EQ(realName(":quote_back_tab_line_label"),
-              QString::fromUtf8(
-                  "{text='quote \" back\\\\ \\' tab\t line\n ü 😀 \x01' type='QLabel'}"));
+    EXPECT_EQ(
+        realName(":quote_back_tab_line_label"),
+        QString::fromUtf8("{text='quote \" back\\\\ \\' tab\t line\n ü 😀 \x01' type='QLabel'}"));
     EXPECT_EQ(add("{type='QPushButton' text='&Save' window={type='MainWindow'}}"),
               ":save_button_2");
 
     // Nothing can be added behind an end.
     use("a = {'type': 'A'}\nraise SystemExit\n");
-    EXPECT_EQ(add("{type='Bee'}"), "The entry bee = {\"type\": \"Bee\"} can't be added to '" + path +
-                                       "': it has no effect behind the end of the script");
+    EXPECT_EQ(add("{type='Bee'}"), "The entry bee = {\"type\": \"Bee\"} can't be added to '" +
+                                       path + "': it has no effect behind the end of the script");
     use("if True:\n    a = {'type': 'A'}\n    if a:");
     EXPECT_TRUE(add("{type='Bee'}").contains("line 3")) << "a map that is faulty already";
     EXPECT_EQ(readFile(path), "if True:\n    a = {'type': 'A'}\n    if a:");
