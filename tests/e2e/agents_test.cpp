@@ -83,7 +83,8 @@ TEST_F(Agents, WriteASuiteForAProgramTheyHaveNeverSeen) {
     writeFile(folder.filePath("suite_new/tst_fails/test.py"),
               "def main():\n    test.passes('a')\n");
     const QString failures = agent.answer("run_case", arguments({{"suite", suite}}));
-    EXPECT_TRUE(failures.startsWith("2 cases: 1 passed, 1 error; ")) << failures.toStdString();
+    EXPECT_TRUE(failures.startsWith("2 cases: 1 passed, 1 with errors; "))
+        << failures.toStdString();
     EXPECT_TRUE(failures.contains("tst_fails/test.py:2: Error: ")) << failures.toStdString();
     EXPECT_FALSE(failures.contains("tst_wizard")) << failures.toStdString();
     EXPECT_TRUE(
@@ -115,7 +116,7 @@ TEST_F(Agents, SeeAGalleryForFewTokens) {
             .startsWith("drag(\"{"));
     EXPECT_TRUE(
         agent.answer("properties", arguments({{"target", dial.toStdString()}, {"find", "maximum"}}))
-            .startsWith("maximum = 1"));
+            .contains("\nmaximum = 99\n"));
     EXPECT_TRUE(answer("names", dial.toStdString()).startsWith("{"));
 }
 
@@ -250,14 +251,17 @@ TEST_F(DriveCommands, GoAsTheDocumentHasThem) {
             continue;
         const Outcome<QStringList> words = splitShellWords(line.mid(prompt.size()));
         ASSERT_TRUE(words) << line.toStdString();
-        recorded += line + '\n' + drive(*words).replace(folder.path(), "/home/ann");
+        // A terminal shows no exit code.
+        recorded +=
+            line + '\n' +
+            drive(*words).remove(QRegularExpression("^1: ")).replace(folder.path(), "/home/ann");
     }
     EXPECT_TRUE(session.compare(recorded));
     EXPECT_TRUE(DocumentBlock("agents.md", "record_to")
                     .compare(readFile(folder.filePath("suite_sums/tst_root/test.py"))));
-    EXPECT_TRUE(DocumentBlock("agents.md", "drive start styles")
+    EXPECT_TRUE(DocumentBlock("agents.md", "drive start application")
                     .compare(drive({"start", QString::fromStdString(widgetExamples) +
-                                                 "widgets/styles/styles"})));
+                                                 "mainwindows/application/application"})));
 }
 
 }  // namespace

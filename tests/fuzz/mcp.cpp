@@ -56,7 +56,8 @@ Outcome<ToolAnswer> say(const Tool& tool, const Json::Value& values) {
     const Outcome<Arguments> arguments = Arguments::read(tool, values);
     if (!arguments)
         return fail(arguments.error());
-    return ToolAnswer{arguments->text("text") + QString::number(arguments->integer("integer").value_or(0)) +
+    return ToolAnswer{arguments->text("text") +
+                      QString::number(arguments->integer("integer").value_or(0)) +
                       arguments->path("path").join(QLatin1Char('.'))};
 }
 

@@ -111,13 +111,17 @@ TEST_F(Views, LeaveOutWhatGoesWithoutSaying) {
                     {2, "QHeaderViewItem", 9, item, "2024"},
                     {1, "QSpinBox", 10, field, "7"},
                     {2, "QLineEdit", 11, field, "7", "qt_spinbox_lineedit"},
-                    {1, "QPushButton", 12, enabled, "OK", "qt_ok"}}),
+                    {1, "QPushButton", 12, enabled, "OK", "qt_ok"},
+                    {1, "QWidgetAction", 13},
+                    {1, "QAction", 14, enabled, "File"},
+                    {0, "QAction", 15, enabled, "Open"}}),
               R"(e1 QWidget "Parts"
  e2 QScrollBar = "5"
  e3 QTableView
   e4 QHeaderViewItem "2024"
  e5 QSpinBox = "7"
  e6 QPushButton "OK"
+ e7 QAction "File"
 )");
 }
 

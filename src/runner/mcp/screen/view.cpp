@@ -68,6 +68,12 @@ bool isPart(const OutlinedObject& object, const QString& type, const ViewObject&
            object.text == around.facts.text;
 }
 
+/// Whether it only stands for something else that is visible: an action with a button of a tool
+/// bar, whose menu is closed.
+bool isStandIn(const OutlinedObject& object, const QString& type, int parent) {
+    return type.endsWith(QLatin1String("Action")) && (parent < 0 || object.text.isEmpty());
+}
+
 /// Recognises the sections of headers that have nothing but their numbers.
 class SectionNumbers {
 public:
@@ -145,7 +151,8 @@ void appendView(int application, const Wire::ObjectOutline& outline, Refs* refs,
         const QString& type = outline.types.at(outlined.type);
         const bool isKnown =
             parent >= 0 && isPart(outlined, type, (*view)[static_cast<size_t>(parent)]);
-        if (isKnown || sections.isNext(outlined, type) || !tellsSomething(outlined, type)) {
+        if (isKnown || isStandIn(outlined, type, parent) || sections.isNext(outlined, type) ||
+            !tellsSomething(outlined, type)) {
             parents.push_back(parent);
             continue;
         }
