@@ -71,7 +71,8 @@ TEST_P(RealPrograms, SuitesPass) {
     const QString pictures = "examples/suite_pictures";
     for (const auto& [suite, cases] : suites) {
         // Languages are left out of a build where their runtime is not there.
-        if (QString(suite).endsWith("_ruby") && !QFile::exists(TAMRIX_TEST_PREFIX "/lib/tamrixruby.so"))
+        if (QString(suite).endsWith("_ruby") &&
+            !QFile::exists(TAMRIX_TEST_PREFIX "/lib/tamrixruby.so"))
             continue;
         // Its search images are of a display of X, where letters have other sizes.
         if (isWayland() && suite == pictures)
