@@ -13,8 +13,8 @@ QByteArray toLooseUtf8(const QString& text) {
     QByteArray bytes;
     for (int index = 0; index < text.size(); ++index) {
         const QChar unit = text.at(index);
-        const bool isPair =
-            unit.isHighSurrogate() && index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
+        const bool isPair = unit.isHighSurrogate() && index + 1 < text.size() &&
+                            text.at(index + 1).isLowSurrogate();
         if (unit.isSurrogate() && !isPair) {
             bytes += static_cast<char>(0xE0 | (unit.unicode() >> 12));
             bytes += static_cast<char>(0x80 | ((unit.unicode() >> 6) & 0x3F));
@@ -120,8 +120,8 @@ QDateTime timeFromRuby(VALUE value) {
         // A Date can only be there when its class is.
         const bool hasDates = rb_const_defined(rb_cObject, rb_intern("Date")) != 0;
         if (!hasDates || rb_obj_is_kind_of(value, protect([] {
-                             return rb_const_get(rb_cObject, rb_intern("Date"));
-                         })) != Qtrue)
+                                               return rb_const_get(rb_cObject, rb_intern("Date"));
+                                           })) != Qtrue)
             return {};
         value = callMethod(value, "to_time");
     }
@@ -172,10 +172,9 @@ QString snakeCase(const QString& name) {
     for (int index = 0; index < name.size(); ++index) {
         const QChar letter = name.at(index);
         // Of a row of capitals, as in compareXMLFiles, the last one begins a word.
-        const bool beginsWord =
-            letter.isUpper() && index > 0 && name.at(index - 1) != '_' &&
-            (!name.at(index - 1).isUpper() ||
-             (index + 1 < name.size() && name.at(index + 1).isLower()));
+        const bool beginsWord = letter.isUpper() && index > 0 && name.at(index - 1) != '_' &&
+                                (!name.at(index - 1).isUpper() ||
+                                 (index + 1 < name.size() && name.at(index + 1).isLower()));
         if (beginsWord)
             result += '_';
         result += letter.toLower();

@@ -28,8 +28,8 @@ const File& fileOf(const QByteArray& path) {
     if (known == s_files->end()) {
         File file;
         file.isScript = path.startsWith('/') && !RubyRuntime::self().isOfLibrary(path);
-        file.path = path.startsWith('/') ? Debugger::sanitizedFilePath(QString::fromUtf8(path))
-                                         : QString();
+        file.path =
+            path.startsWith('/') ? Debugger::sanitizedFilePath(QString::fromUtf8(path)) : QString();
         known = s_files->insert(path, file);
     }
     return *known;
@@ -179,11 +179,10 @@ std::vector<ScriptFrame> scriptFrames() {
                     const VALUE binding = rb_debug_inspector_frame_binding_get(inspector, index);
                     const VALUE location = rb_ary_entry(locations, index);
                     if (!NIL_P(binding))
-                        rb_ary_push(rows,
-                                    rb_ary_new_from_args(
-                                        4, rb_funcall(location, rb_intern("path"), 0),
-                                        rb_funcall(location, rb_intern("lineno"), 0), binding,
-                                        rb_funcall(location, rb_intern("label"), 0)));
+                        rb_ary_push(rows, rb_ary_new_from_args(
+                                              4, rb_funcall(location, rb_intern("path"), 0),
+                                              rb_funcall(location, rb_intern("lineno"), 0), binding,
+                                              rb_funcall(location, rb_intern("label"), 0)));
                 }
                 return rows;
             },

@@ -16,8 +16,7 @@ class Holder {
 public:
     static VALUE wrap(const SharedPtr<T>& held, VALUE rubyClass) {
         auto* const holder = new SharedPtr<T>(held);
-        return protect(
-            [=] { return rb_data_typed_object_wrap(rubyClass, holder, &s_type); });
+        return protect([=] { return rb_data_typed_object_wrap(rubyClass, holder, &s_type); });
     }
     static bool check(VALUE object) { return rb_typeddata_is_kind_of(object, &s_type) != 0; }
     /// Null when the object holds nothing of the kind.

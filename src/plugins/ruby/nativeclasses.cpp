@@ -82,9 +82,8 @@ void addImageMethods(VALUE rubyClass) {
 
 void defineMembers(VALUE rubyClass, const ScriptContext& context, const QString& name,
                    const NativeScriptType& type) {
-    defineSingleton(
-        rubyClass, "new",
-        entryOf(NativeFunction(context, {name, {}, {}, {}, {}}, type.constructor())));
+    defineSingleton(rubyClass, "new",
+                    entryOf(NativeFunction(context, {name, {}, {}, {}, {}}, type.constructor())));
     const auto methods = type.methods();
     for (auto each = methods.cbegin(); each != methods.cend(); ++each)
         defineMethod(rubyClass, each.key(),
@@ -133,9 +132,9 @@ VALUE defineNativeClass(VALUE module, const ScriptContext& context, const QStrin
     NativeClass& entry = classes()[typeId];
     entry.super = type.super();
     const QString constant = name.left(1).toUpper() + name.mid(1);
-    entry.rubyClass = rb_define_class_under(module, constant.toUtf8().constData(),
-                                            type.super() ? rubyClassOf(type.super())
-                                                         : s_nativeObject);
+    entry.rubyClass =
+        rb_define_class_under(module, constant.toUtf8().constData(),
+                              type.super() ? rubyClassOf(type.super()) : s_nativeObject);
     defineMembers(entry.rubyClass, context, name, type);
     if (typeId == ImageScriptObject::staticTypeId())
         addImageMethods(entry.rubyClass);
@@ -143,8 +142,8 @@ VALUE defineNativeClass(VALUE module, const ScriptContext& context, const QStrin
 }
 
 VALUE wrapNative(const SharedPtr<NativeScriptObject>& object) {
-    return Holder<NativeScriptObject>::wrap(object, object ? rubyClassOf(object->typeId())
-                                                           : s_nativeObject);
+    return Holder<NativeScriptObject>::wrap(
+        object, object ? rubyClassOf(object->typeId()) : s_nativeObject);
 }
 
 bool isNativeTypeDerivedFrom(void* typeId, void* wanted) {

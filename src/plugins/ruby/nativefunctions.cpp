@@ -73,8 +73,7 @@ void renameToParameters(CallArguments& arguments, const Parameters& parameters) 
 void insertBlock(CallArguments& arguments, const Slot& slot) {
     if (slot.blockPlace < 0)
         throwException(rb_eArgError, slot.function.displayName() + "() takes no block");
-    const int place =
-        std::min(slot.blockPlace, static_cast<int>(arguments.positional.size()));
+    const int place = std::min(slot.blockPlace, static_cast<int>(arguments.positional.size()));
     const VALUE block = protect([] { return rb_block_proc(); });
     arguments.positional.insert(arguments.positional.begin() + place, new RubyArgument(block));
 }
@@ -140,8 +139,8 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
             insertBlock(given, slot);
         if (slot.front == Front::Self)
             given.positional.insert(given.positional.begin(), new RubyArgument(self));
-        result = valueOrRaise(
-            callNative(active, slot.function, receiver(slot, self), std::move(given)));
+        result =
+            valueOrRaise(callNative(active, slot.function, receiver(slot, self), std::move(given)));
     }
     if (isJumpPostponed())
         throwPostponed();

@@ -37,8 +37,8 @@ VALUE methodMissing(int count, VALUE* arguments, VALUE self) {
         const QString name = fromRuby(arguments[0]);
         if (name.endsWith('=') && count == 2)
             return setProperty(self, name.chopped(1), arguments[1]);
-        return valueOrRaise(callMember(active(), objectOf(self), name,
-                                       givenArguments(count - 1, arguments + 1)));
+        return valueOrRaise(
+            callMember(active(), objectOf(self), name, givenArguments(count - 1, arguments + 1)));
     });
 }
 
@@ -70,9 +70,8 @@ VALUE listMethods(int count, VALUE* arguments, VALUE self) {
 }
 
 VALUE getByName(VALUE self, VALUE name) {
-    return enterNative([=] {
-        return valueOrRaise(callMember(active(), objectOf(self), fromRuby(name), {}));
-    });
+    return enterNative(
+        [=] { return valueOrRaise(callMember(active(), objectOf(self), fromRuby(name), {})); });
 }
 
 VALUE setByName(VALUE self, VALUE name, VALUE value) {

@@ -46,9 +46,9 @@ VALUE protect(Work work) {
     static_assert(std::is_trivially_destructible_v<Work>);
     int state = 0;
     const VALUE before = rb_errinfo();
-    const VALUE result = rb_protect(
-        [](VALUE data) -> VALUE { return (*reinterpret_cast<Work*>(data))(); },
-        reinterpret_cast<VALUE>(&work), &state);
+    const VALUE result =
+        rb_protect([](VALUE data) -> VALUE { return (*reinterpret_cast<Work*>(data))(); },
+                   reinterpret_cast<VALUE>(&work), &state);
     if (state != 0)
         throwJump(state, before);
     return result;
@@ -83,9 +83,8 @@ VALUE enterNative(Work work) {
 template <typename... Arguments>
 VALUE callMethod(VALUE receiver, const char* name, Arguments... arguments) {
     const VALUE values[] = {arguments..., Qnil};
-    return protect([&] {
-        return rb_funcallv(receiver, rb_intern(name), int(sizeof...(arguments)), values);
-    });
+    return protect(
+        [&] { return rb_funcallv(receiver, rb_intern(name), int(sizeof...(arguments)), values); });
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -24,9 +24,8 @@ SharedPtr<ScriptArgument> argumentOf(VALUE value) {
 VALUE evaluateInCaller(const QString& code, const char* fileName) {
     const VALUE text = toRuby(code);
     const VALUE file = toRuby(QString(QLatin1String(fileName)));
-    return protect([=] {
-        return rb_funcall(rb_binding_new(), rb_intern("eval"), 3, text, file, INT2FIX(1));
-    });
+    return protect(
+        [=] { return rb_funcall(rb_binding_new(), rb_intern("eval"), 3, text, file, INT2FIX(1)); });
 }
 
 }  // namespace
@@ -141,9 +140,9 @@ void RubyContext::addMemberFunction(const QString& className, const QString& nam
                  className.toLocal8Bit().constData());
         return;
     }
-    defineMethod(rubyClass, name,
-                 entryOf(NativeFunction(*this, signatureOfTable(className, name), function),
-                         Front::Self));
+    defineMethod(
+        rubyClass, name,
+        entryOf(NativeFunction(*this, signatureOfTable(className, name), function), Front::Self));
 }
 
 void RubyContext::addConstant(const QString& name, int value) {

@@ -166,8 +166,8 @@ SharedPtr<ScriptArgument> RubyInterpreter::libraryFunction(const QString& name) 
 }
 
 LanguageInterpreter::CallEnd RubyInterpreter::call(const SharedPtr<ScriptArgument>& function,
-                                                   const CallArguments& arguments,
-                                                   const QString&, bool isCallback) {
+                                                   const CallArguments& arguments, const QString&,
+                                                   bool isCallback) {
     try {
         callCallable(rubyValue(function), arguments);
         succeed();

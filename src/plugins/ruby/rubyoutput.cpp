@@ -45,9 +45,8 @@ VALUE fileno(VALUE self) {
 }
 
 VALUE putCharacter(VALUE self, VALUE character) {
-    const VALUE text = RB_TYPE_P(character, T_STRING)
-                           ? rb_str_substr(character, 0, 1)
-                           : rb_funcall(character, rb_intern("chr"), 0);
+    const VALUE text = RB_TYPE_P(character, T_STRING) ? rb_str_substr(character, 0, 1)
+                                                      : rb_funcall(character, rb_intern("chr"), 0);
     rb_funcall(self, rb_intern("write"), 1, text);
     return character;
 }

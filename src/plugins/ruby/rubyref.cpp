@@ -15,11 +15,8 @@ void RubyRef::markAll(void*) {
 }
 
 void RubyRef::startMarking() {
-    static const rb_data_type_t s_type = {"Tamrix references",
-                                          {markAll, nullptr, nullptr, nullptr, {nullptr}},
-                                          nullptr,
-                                          nullptr,
-                                          0};
+    static const rb_data_type_t s_type = {
+        "Tamrix references", {markAll, nullptr, nullptr, nullptr, {nullptr}}, nullptr, nullptr, 0};
     // The collector marks only what has data.
     static char s_data;
     rb_gc_register_mark_object(rb_data_typed_object_wrap(rb_cObject, &s_data, &s_type));

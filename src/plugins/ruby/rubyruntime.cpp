@@ -41,7 +41,7 @@ public:
     KeptSignals& operator=(const KeptSignals&) = delete;
 
 private:
-    struct sigaction m_actions[std::size(foreignSignals)] {};
+    struct sigaction m_actions[std::size(foreignSignals)]{};
 };
 
 void startRuby() {

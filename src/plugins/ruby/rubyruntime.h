@@ -46,8 +46,8 @@ public:
     /// What init scripts have made is to stay until popState().
     void pushState() { keepState("push"); }
     void popState() { keepState("pop"); }
-    /// A test case has ended: module path, constants, methods, variables, threads, handlers and what
-    /// else scripts have changed becomes as it was.
+    /// A test case has ended: module path, constants, methods, variables, threads, handlers and
+    /// what else scripts have changed becomes as it was.
     void restoreState() { keepState("restore"); }
     void runExitBlocks() { keepState("run_exit_blocks"); }
 

@@ -35,17 +35,21 @@ QString RubyValueTexts::bounded(VALUE value, int depth) {
         }
         if (RB_TYPE_P(value, T_ARRAY)) {
             long index = 0;
-            return "[" + itemsText(depth, RARRAY_LEN(value), [&] {
-                       return bounded(rb_ary_entry(value, index++), depth + 1);
-                   }) + "]";
+            return "[" +
+                   itemsText(depth, RARRAY_LEN(value),
+                             [&] { return bounded(rb_ary_entry(value, index++), depth + 1); }) +
+                   "]";
         }
         if (RB_TYPE_P(value, T_HASH)) {
             const auto entries = entriesOf(value);
             std::size_t index = 0;
-            return "{" + itemsText(depth, static_cast<qint64>(entries.size()), [&] {
-                       const auto& [key, each] = entries[index++];
-                       return bounded(key, depth + 1) + "=>" + bounded(each, depth + 1);
-                   }) + "}";
+            return "{" +
+                   itemsText(depth, static_cast<qint64>(entries.size()),
+                             [&] {
+                                 const auto& [key, each] = entries[index++];
+                                 return bounded(key, depth + 1) + "=>" + bounded(each, depth + 1);
+                             }) +
+                   "}";
         }
         if (RB_TYPE_P(value, T_STRUCT) && inspectOwner(value) == rb_cStruct) {
             const VALUE members = rb_struct_members(value);

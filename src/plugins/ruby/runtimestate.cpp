@@ -147,6 +147,25 @@ class Tamrix::RuntimeState
     Kernel.define_method(:at_exit) { |&block| exits.push(block) && block }
     Kernel.send(:private, :at_exit)
     Kernel.define_singleton_method(:at_exit) { |&block| exits.push(block) && block }
+    original_fork = Process.method(:fork)
+    # A child is not to end as the program does, with all that this cleans up.
+    fork = lambda do |&block|
+      child = original_fork.call
+      return child if child || !block
+      status = 0
+      begin
+        block.call
+      rescue SystemExit => error
+        status = error.status
+      rescue Exception => error
+        $stderr.puts error.full_message(highlight: false)
+        status = 1
+      end
+      exit!(status)
+    end
+    Kernel.define_method(:fork, &fork)
+    Kernel.send(:private, :fork)
+    [Kernel, Process].each { |each| each.define_singleton_method(:fork, &fork) }
     trap = lambda do |signal, *command, &block|
       name = Signal.signame(signal) if signal.is_a?(Integer)
       name ||= signal.to_s.delete_prefix('SIG')

@@ -63,7 +63,8 @@ ScriptError takeScriptError() {
     const VALUE exception = takeException();
     ScriptError error;
     if (NIL_P(exception)) {
-        error.message = QStringLiteral("The script has left its code for a place that is not there");
+        error.message =
+            QStringLiteral("The script has left its code for a place that is not there");
         return error;
     }
     RubyInterpreter* const interpreter = RubyInterpreter::active();

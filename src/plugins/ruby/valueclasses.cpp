@@ -111,8 +111,8 @@ VALUE recordAt(VALUE self, VALUE key) {
     return enterNative([=] {
         const SharedPtr<HeldRecord> held = recordOf(self);
         if (!RB_TYPE_P(key, T_STRING) && !RB_SYMBOL_P(key))
-            return toRuby(held->record->valueAsString(
-                checkedIndex(key, held->record->count(), "column")));
+            return toRuby(
+                held->record->valueAsString(checkedIndex(key, held->record->count(), "column")));
         const int column = held->set->fieldIndex(fromRuby(key));
         if (column < 0)
             throwException(rb_eKeyError,

@@ -35,25 +35,25 @@ protected:
     QString evaluate(const QString& code) { return debugger->evaluate(code); }
 
     const char* const text =
-        "def helper(n)\n"          // 1
-        "  m = n + 1\n"            // 2
-        "  m\n"                    // 3
-        "end\n"                    // 4
-        "def main\n"               // 5
-        "  a = helper(1)\n"        // 6
-        "  begin\n"                // 7
-        "    fails\n"              // 8
-        "  rescue ArgumentError\n" // 9
-        "    b = helper(2)\n"      // 10
-        "  end\n"                  // 11
-        "  [1, 2].each do |n|\n"   // 12
-        "    a += n\n"             // 13
-        "  end\n"                  // 14
-        "  b\n"                    // 15
-        "end\n"                    // 16
-        "def fails\n"              // 17
-        "  raise ArgumentError\n"  // 18
-        "end\n";                   // 19
+        "def helper(n)\n"           // 1
+        "  m = n + 1\n"             // 2
+        "  m\n"                     // 3
+        "end\n"                     // 4
+        "def main\n"                // 5
+        "  a = helper(1)\n"         // 6
+        "  begin\n"                 // 7
+        "    fails\n"               // 8
+        "  rescue ArgumentError\n"  // 9
+        "    b = helper(2)\n"       // 10
+        "  end\n"                   // 11
+        "  [1, 2].each do |n|\n"    // 12
+        "    a += n\n"              // 13
+        "  end\n"                   // 14
+        "  b\n"                     // 15
+        "end\n"                     // 16
+        "def fails\n"               // 17
+        "  raise ArgumentError\n"   // 18
+        "end\n";                    // 19
     Debugger* debugger;
     ScriptedFrontEnd& frontEnd = ScriptedFrontEnd::install(*debugger);
 };
@@ -126,8 +126,8 @@ end
     frontEnd.commands = {Look([&](Debugger&) {
         told << listing("") << listing("+local") << listing("+local.right.@parts")
              << listing("+local.right.@parts.[1]") << listing("^1") << evaluate("local.left + 1")
-             << evaluate("long = 7") << evaluate("^1 outer.size") << evaluate("nothing").section(' ', 0, 6)
-             << evaluate("@name");
+             << evaluate("long = 7") << evaluate("^1 outer.size")
+             << evaluate("nothing").section(' ', 0, 6) << evaluate("@name");
     })};
     debugger->bufferBreakPoint(script(), 11);
     EXPECT_EQ(stops(), "11");
@@ -158,9 +158,7 @@ TEST_F(RubyDebugging, StopsWhereNothingCatchesAnError) {
     debugger->setInteractive(true);
     debugger->setDebuggerMode(Debugger::Run);
     QString seen;
-    frontEnd.commands = {Look([&](Debugger&) {
-        seen = listing("") + "|" + evaluate("n * 2");
-    })};
+    frontEnd.commands = {Look([&](Debugger&) { seen = listing("") + "|" + evaluate("n * 2"); })};
     EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
     EXPECT_EQ(frontEnd.take(" "), "ScriptError=ArgumentError: n=3 2");
     EXPECT_EQ(seen, "Integer n=3|6");

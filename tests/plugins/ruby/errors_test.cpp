@@ -11,27 +11,27 @@ using testing::HasSubstr;
 class RubyErrors : public RubyTest {};
 
 TEST_F(RubyErrors, StackOfScriptLines) {
-    ASSERT_EQ(run("def inner\n"                            // 1
-                  "  raise ArgumentError, 'bad'\n"         // 2
-                  "end\n"                                  // 3
-                  "def main\n"                             // 4
-                  "  [1].each { inner }\n"                 // 5
-                  "end\n"                                  // 6
-                  "def library\n"                          // 7
-                  "  require 'json'\n"                     // 8
-                  "  JSON.parse('{')\n"                    // 9
-                  "end\n"                                  // 10
-                  "def chained\n"                          // 11
-                  "  inner\n"                              // 12
-                  "rescue ArgumentError\n"                 // 13
-                  "  raise KeyError, 'k'\n"                // 14
-                  "end\n"                                  // 15
-                  "def endless = endless\n"                // 16
-                  "def evaluated = eval('inner')\n"        // 17
-                  "class Body\n"                           // 18
+    ASSERT_EQ(run("def inner\n"                                          // 1
+                  "  raise ArgumentError, 'bad'\n"                       // 2
+                  "end\n"                                                // 3
+                  "def main\n"                                           // 4
+                  "  [1].each { inner }\n"                               // 5
+                  "end\n"                                                // 6
+                  "def library\n"                                        // 7
+                  "  require 'json'\n"                                   // 8
+                  "  JSON.parse('{')\n"                                  // 9
+                  "end\n"                                                // 10
+                  "def chained\n"                                        // 11
+                  "  inner\n"                                            // 12
+                  "rescue ArgumentError\n"                               // 13
+                  "  raise KeyError, 'k'\n"                              // 14
+                  "end\n"                                                // 15
+                  "def endless = endless\n"                              // 16
+                  "def evaluated = eval('inner')\n"                      // 17
+                  "class Body\n"                                         // 18
                   "  def self.make = Class.new { raise 'in a body' }\n"  // 19
                   "end\n"
-                  "def body = Body.make\n"),               // 21
+                  "def body = Body.make\n"),  // 21
               "");
     EXPECT_FALSE(call("main"));
     EXPECT_EQ(interpreter->errorMessage(), "ArgumentError: bad");
@@ -176,8 +176,9 @@ TEST_F(RubyErrors, OutputStandsInOrder) {
         if (const auto* logged = eventOf<ResultAdded>(entry))
             seen.append(":" + logged->message);
     }
-    EXPECT_EQ(seen.join('|'), "stdout:one two\n|stdout:cut|:between|stderr:to err|stdout:last|"
-                              "stderr:warned\n|stdout:1\n");
+    EXPECT_EQ(seen.join('|'),
+              "stdout:one two\n|stdout:cut|:between|stderr:to err|stdout:last|"
+              "stderr:warned\n|stdout:1\n");
 }
 
 TEST_F(RubyErrors, PositionsThroughNativeCode) {
@@ -186,17 +187,17 @@ TEST_F(RubyErrors, PositionsThroughNativeCode) {
         context->argument(0)->call({}, &error);
         return true;
     });
-    EXPECT_EQ(run("def inner\n"                         // 1
-                  "  test.fail('inner')\n"              // 2
-                  "  test.fixateResultContext(2)\n"     // 3
-                  "  test.log('fixated')\n"             // 4
-                  "  test.restoreResultContext\n"       // 5
-                  "end\n"                               // 6
-                  "def outer\n"                         // 7
-                  "  callBack(-> { inner })\n"          // 8
-                  "end\n"                               // 9
-                  "outer\n"                             // 10
-                  "eval('test.log(\"in eval\")')\n"),   // 11
+    EXPECT_EQ(run("def inner\n"                        // 1
+                  "  test.fail('inner')\n"             // 2
+                  "  test.fixateResultContext(2)\n"    // 3
+                  "  test.log('fixated')\n"            // 4
+                  "  test.restoreResultContext\n"      // 5
+                  "end\n"                              // 6
+                  "def outer\n"                        // 7
+                  "  callBack(-> { inner })\n"         // 8
+                  "end\n"                              // 9
+                  "outer\n"                            // 10
+                  "eval('test.log(\"in eval\")')\n"),  // 11
               "");
     const std::vector<ResultAdded> entries = report.results();
     const auto linesOf = [&](std::size_t index) {

@@ -81,8 +81,9 @@ b.tags = []
 )rb"),
               "");
     const std::pair<const char*, const char*> rows[] = {
-        {"theButton.txet", "NoMethodError: 'Button' has no property or method 'txet'; the nearest: "
-                           "'text'"},
+        {"theButton.txet",
+         "NoMethodError: 'Button' has no property or method 'txet'; the nearest: "
+         "'text'"},
         {"theButton.q = 1", "NoMethodError: 'Button' has no property or method 'q'"},
         {"theButton.text = Object.new",
          "ArgumentError: A value of type 'Object' can't be passed to an application"},
@@ -92,8 +93,7 @@ b.tags = []
         {"d = {type: 'Button'}\nd[:container] = d\nfindObject(d)",
          "Tamrix::Error: findObject() failed: The name of an object is nested deeper than 16: does "
          "a part of it hold itself?"},
-        {"Tamrix::Object.new",
-         "NoMethodError: undefined method `new' for Tamrix::Object:Class"},
+        {"Tamrix::Object.new", "NoMethodError: undefined method `new' for Tamrix::Object:Class"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code).section('\n', 0, 0), error) << code;
@@ -121,8 +121,7 @@ raise 'taken' unless [1, 2].select(&:odd?) == [1]
         {"theButton.resize(1, 2)", "Tamrix::Error: the object is gone"},
         {"theButton.resize(1)", "ArgumentError: Button.resize() takes (int, int), not 1 arguments"},
         {"theButton.toggle(value: 1)", "ArgumentError: Button.toggle() takes no named arguments"},
-        {"theButton.text(1)",
-         "ArgumentError: Button.text is a property, which takes no arguments"},
+        {"theButton.text(1)", "ArgumentError: Button.text is a property, which takes no arguments"},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code), error) << code;

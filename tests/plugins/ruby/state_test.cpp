@@ -21,8 +21,9 @@ protected:
 };
 
 TEST_F(RubyState, NothingReachesTheNextCase) {
-    ASSERT_TRUE(writeFile(folder.filePath("helper.rb"), "$loads = $loads.to_i + 1\n"
-                                                         "module Helper\n  VALUE = 1\nend\n"));
+    ASSERT_TRUE(writeFile(folder.filePath("helper.rb"),
+                          "$loads = $loads.to_i + 1\n"
+                          "module Helper\n  VALUE = 1\nend\n"));
     struct {
         const char* changes;
         const char* check;
@@ -76,8 +77,8 @@ TEST_F(RubyState, InitScriptsStayForAllScripts) {
 TEST_F(RubyState, SourceRunsAFileAtTheTopLevel) {
     ASSERT_TRUE(writeFile(folder.filePath("more.rb"), "def more = __FILE__\nLEFT = 1\n"));
     const QString path = folder.filePath("more.rb");
-    EXPECT_EQ(runCase("source('" + path + "')\nraise more unless more.end_with?('more.rb') && LEFT"),
-              "");
+    EXPECT_EQ(
+        runCase("source('" + path + "')\nraise more unless more.end_with?('more.rb') && LEFT"), "");
     ASSERT_TRUE(writeFile(folder.filePath("bad.rb"), "\nraise 'bad'\n"));
     EXPECT_TRUE(runCase("source('" + folder.filePath("bad.rb") + "')")
                     .contains("bad.rb:2: RuntimeError: bad"));

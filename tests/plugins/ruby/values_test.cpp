@@ -27,11 +27,11 @@ protected:
         const SharedPtr<ScriptArgument> value = context->argument(0);
         QStringList words{value->typeName()};
         const std::pair<const char*, bool> tests[] = {
-            {"bool", value->isBool()},         {"number", value->isNumber()},
-            {"integer", value->isInteger()},   {"string", value->isString()},
-            {"object", value->isObject()},     {"callable", value->isCallable()},
-            {"list", value->isList()},         {"map", value->isMap()},
-            {"null", value->isNull()},         {"true", context->isTrue(value)}};
+            {"bool", value->isBool()},       {"number", value->isNumber()},
+            {"integer", value->isInteger()}, {"string", value->isString()},
+            {"object", value->isObject()},   {"callable", value->isCallable()},
+            {"list", value->isList()},       {"map", value->isMap()},
+            {"null", value->isNull()},       {"true", context->isTrue(value)}};
         for (const auto& [name, holds] : tests) {
             if (holds)
                 words.append(name);
@@ -51,16 +51,15 @@ describe(->(x) { x }.class)
 same(method(:puts)).arity == -1 or raise 'not the method'
 )rb"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"NilClass null|nil", "TrueClass bool true|true",
-                                   "Integer number integer true|7",
-                                   "Integer number integer true|-9223372036854775808",
-                                   "Float number true|1.5", "String string true|text",
-                                   QString::fromUtf8("String string true|\xF0\x9F\x98\x80"),
-                                   "Symbol string true|name", "Array list true|[1, 2]",
-                                   "Hash map true|{:a=>1}", "Rational number true|3/1",
-                                   QString::fromUtf8("String string true|ä"),
-                                   "Time true|1970-01-01 00:00:00 UTC", "Class true|String",
-                                   "Class true|Proc"}));
+    EXPECT_EQ(
+        s_seen,
+        (QStringList{
+            "NilClass null|nil", "TrueClass bool true|true", "Integer number integer true|7",
+            "Integer number integer true|-9223372036854775808", "Float number true|1.5",
+            "String string true|text", QString::fromUtf8("String string true|\xF0\x9F\x98\x80"),
+            "Symbol string true|name", "Array list true|[1, 2]", "Hash map true|{:a=>1}",
+            "Rational number true|3/1", QString::fromUtf8("String string true|ä"),
+            "Time true|1970-01-01 00:00:00 UTC", "Class true|String", "Class true|Proc"}));
 }
 
 TEST_F(RubyValues, PassThroughUnchanged) {
@@ -101,14 +100,23 @@ TEST_F(RubyValues, ComeBackAsRubysOwn) {
          "\"ä\xF0\x9F\x98\x80\""},
         {[](auto* c) { c->setStringResult(QString(QChar(0xdc80))); }, "\"\\xED\\xB2\\x80\""},
         {[](auto* c) { c->setStringResult(QString("a") + QChar(0) + "b"); }, "\"a\\u0000b\""},
-        {[](auto* c) { c->setDateTimeResult(QDateTime({2026, 1, 2}, {3, 4, 5, 678}, Qt::UTC)); },
+        {[](auto* c) {
+             c->setDateTimeResult(QDateTime({2026, 1, 2}, {3, 4, 5, 678}, Qt::UTC));
+         },
          "2026-01-02 03:04:05.678 UTC"},
         {[](auto* c) { c->setResult(c->createBytes("\xff\x01")); }, "\"\\xFF\\x01\""},
-        {[](auto* c) { c->setListResult({"a", "b"}); }, "[\"a\", \"b\"]"},
-        {[](auto* c) { c->setMapResult({{"b", 1}, {"a", "x"}}); },
+        {[](auto* c) {
+             c->setListResult({"a", "b"});
+         },
+         "[\"a\", \"b\"]"},
+        {[](auto* c) {
+             c->setMapResult({{"b", 1}, {"a", "x"}});
+         },
          "{\"a\"=>\"x\", \"b\"=>\"1\"}"},
         {[](auto* c) { c->setObjectListResult({nullptr}); }, "[nil]"},
-        {[](auto* c) { c->setStackTraceResult({{"a.rb", 3}, {QString(), -1}}); },
+        {[](auto* c) {
+             c->setStackTraceResult({{"a.rb", 3}, {QString(), -1}});
+         },
          "[#<struct Tamrix::Location file_name=\"a.rb\", line=3>]"},
         {[](auto*) {}, "nil"},
     };
@@ -208,8 +216,8 @@ TEST_F(RubyValues, CallablesAreCalled) {
         return true;
     });
     EXPECT_EQ(run("callTwice(->(n) { same(n) + 40 })\ncallTwice(proc { |n| 1 / n })"), "");
-    EXPECT_EQ(s_seen, (QStringList{"40", "41", "kept", "error ZeroDivisionError: divided by 0",
-                                   "1", "kept"}));
+    EXPECT_EQ(s_seen, (QStringList{"40", "41", "kept", "error ZeroDivisionError: divided by 0", "1",
+                                   "kept"}));
     define("register", [](ScriptContext* context) {
         context->setStringResult(Interpreter::self()->registerCallable(context->argument(0)));
         return true;
