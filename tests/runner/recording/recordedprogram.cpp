@@ -88,14 +88,14 @@ QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
 
 void RecordedProgram::click(const QPoint& point, Qt::MouseButton button,
                             Qt::KeyboardModifiers modifiers, int count) {
-    m_input->withModifiers(modifiers, [&] {
+    EXPECT_TRUE(m_input->withModifiers(modifiers, [&] {
         return m_input->click(point, Wire::MouseStyle{button, Qt::NoModifier}, count);
-    });
+    }));
     sync();
 }
 
 void RecordedProgram::drag(const QPoint& from, const QPoint& to) {
-    m_input->drag(from, to, {});
+    EXPECT_TRUE(m_input->drag(from, to, {}));
     sync();
 }
 
@@ -114,13 +114,13 @@ void RecordedProgram::wheel(const QPoint& point, bool isUp) {
 }
 
 void RecordedProgram::type(const QString& text) {
-    m_input->type(text);
+    EXPECT_TRUE(m_input->type(text));
     sync();
 }
 
 void RecordedProgram::press(const QString& keys) {
     QString error;
-    m_input->pressCombination(Wire::parseKeys(keys, &error));
+    EXPECT_TRUE(m_input->pressCombination(Wire::parseKeys(keys, &error)));
     EXPECT_EQ(error, QString());
     sync();
 }
