@@ -41,7 +41,7 @@ TEST(AgentConnection, RefusesWhoeverIsNoAgentOfThisRun) {
              hello.version = 7;
              agent.sayHello(hello);
          },
-         "the agent in the application speaks version 7 of the protocol, the runner version 5: "
+         "the agent in the application speaks version 7 of the protocol, the runner version 6: "
          "both must be of the same installation",
          true},
         {[](FakeAgent& agent) {
