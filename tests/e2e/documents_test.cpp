@@ -44,6 +44,9 @@ struct BlockLanguage {
 constexpr BlockLanguage blockLanguages[] = {
     {"python", "py", "^def main\\(", "def main():\n", "pass", "", "tamrixpython-3"},
     {"javascript", "js", "function main\\(", "function main() {\n", "", "}\n", "tamrixjavascript"},
+    {"perl", "pl", "^sub main", "sub main {\n", "", "}\n", "tamrixperl"},
+    {"ruby", "rb", "^def main", "def main\n", "", "end\n", "tamrixruby"},
+    {"tcl", "tcl", "^proc main", "proc main {} {\n", "", "}\n", "tamrixtcl"},
 };
 
 /// A block of a script in a document. In the line before it may stand

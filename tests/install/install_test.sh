@@ -46,6 +46,18 @@ echo "Running the runner"
 expect 0 "Usage" "$tree/bin/tamrixrunner" --help
 expect 0 "passed" "$tree/bin/tamrixrunner" run "$SOURCE_DIR/examples/suite_first"
 
+echo "Running a case in each language that was built"
+for plugin in py:tamrixpython-3 js:tamrixjavascript tcl:tamrixtcl pl:tamrixperl rb:tamrixruby; do
+    suffix=${plugin%%:*}
+    script=$SOURCE_DIR/tests/conformance/cases/fixtures/script.$suffix
+    if [ -e "$BUILD_DIR/lib/${plugin#*:}.so" ] && [ -e "$script" ]; then
+        [ -e "$tree/lib/${plugin#*:}.so" ] || fail "${plugin#*:} was not installed"
+        mkdir -p "$work/languages/$suffix"
+        cp "$script" "$work/languages/$suffix/test.$suffix"
+    fi
+done
+expect 0 "passed" "$tree/bin/tamrixrunner" run "$work/languages"
+
 echo "Building a plug-in against it"
 "$CMAKE" -G Ninja -S "$SOURCE_DIR/tests/install/plugin" -B "$work/build" \
     -DCMAKE_PREFIX_PATH="$tree" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF \

@@ -1,0 +1,31 @@
+proc empty {count} {
+    for {set i 0} {$i < $count} {incr i} {}
+}
+
+proc bare {count} {
+    for {set i 0} {$i < $count} {incr i} {
+        ::tcl::mathfunc::max 1000 2000
+    }
+}
+
+proc call {count} {
+    for {set i 0} {$i < $count} {incr i} {
+        nothing 1000 2000
+    }
+}
+
+proc best {loop {count 20000}} {
+    set times {}
+    for {set turn 0} {$turn < 50} {incr turn} {
+        set start [now]
+        $loop $count
+        lappend times [expr {[now] - $start}]
+    }
+    return [expr {[::tcl::mathfunc::min {*}$times] / double($count)}]
+}
+
+proc main {} {
+    report empty [best empty]
+    report bare [best bare]
+    report call [best call]
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QFileInfo>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "interpreter/debugger/variablewatcher.h"
+#include "interpreter/language/languagedebugger.h"
+
+namespace Tamrix::Test {
+
+/// The debugger of a language whose frames are what a test says.
+class FramesDebugger final : public LanguageDebugger {
+public:
+    FramesDebugger() : LanguageDebugger(nullptr) {}
+
+    /// A call in the file: the innermost frame from now on.
+    void enter(const QString& file, int line) {
+        running.insert(running.begin(), ScriptFrame{line, file, line, -1, -1});
+    }
+    void leave() { running.erase(running.begin()); }
+    /// The innermost frame comes to a line.
+    void reach(int line) {
+        running.front().line = line;
+        lineReached(sourceIdOf(running.front().file), line);
+    }
+    /// "file:line" of all frames, the innermost first.
+    QStringList places() {
+        QStringList texts;
+        for (const ScriptFrame& frame : frames())
+            texts += QFileInfo(frame.file).fileName() + ':' + QString::number(frame.line);
+        return texts;
+    }
+
+    std::vector<ScriptFrame> running;
+    int standstills = 0;
+
+protected:
+    std::vector<ScriptFrame> runningFrames() override { return running; }
+    std::unique_ptr<VariableWatcher> makeVariableWatcher() override { return nullptr; }
+    void enterStandstill() override { ++standstills; }
+    void leaveStandstill() override { --standstills; }
+};
+
+}  // namespace Tamrix::Test
