@@ -13,6 +13,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "plugins/javascript/jobqueue.h"
@@ -54,6 +55,18 @@ void endByInterrupt(int) {
     Engine::self().requestEnd(Engine::End::Interrupt);
 }
 
+/// Before the engine's own threads lose what they wait with. A process that ends in the middle of a
+/// script leaves everything as it is.
+void shutDown(int status, void*) {
+    JSContext* const context = Engine::self().context();
+    if (JS::CurrentGlobalOrNull(context)) {
+        std::fflush(nullptr);
+        _exit(status);
+    }
+    JS_DestroyContext(context);
+    JS_ShutDown();
+}
+
 }  // namespace
 
 Engine& Engine::self() {
@@ -78,6 +91,7 @@ Engine::Engine() {
     m_endedStack.init(m_context);
     JS_AddInterruptCallback(m_context, interrupted);
     handleInterrupts();
+    on_exit(shutDown, nullptr);
 }
 
 void Engine::limitMemory() {

@@ -416,7 +416,8 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
     // A call that was refused has come to no line.
     if (error.callStack.empty())
         error.callStack.push_back(placeOf(function));
-    failWith(error);
+    if (failWith(error))
+        return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;
 }
 

@@ -125,11 +125,15 @@ bool writeLine(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     return guarded([] { return QStringLiteral("console.log"); },
                    [&] {
-                       const QString line = joinedTexts(arguments) + '\n';
-                       if (auto* const interpreter = JavaScriptInterpreter::active())
-                           interpreter->output().write(stream, line);
-                       else
-                           ScriptOutput::writeToProcess(stream, line);
+                       const QString line = joinedTexts(arguments);
+                       auto* const interpreter = JavaScriptInterpreter::active();
+                       // Each line of it is one of the results.
+                       for (const QString& part : {line, QStringLiteral("\n")}) {
+                           if (interpreter)
+                               interpreter->output().write(stream, part);
+                           else
+                               ScriptOutput::writeToProcess(stream, part);
+                       }
                        arguments.rval().setUndefined();
                        return true;
                    });

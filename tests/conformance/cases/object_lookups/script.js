@@ -1,7 +1,7 @@
 function main() {
     startApplication("widgets");
     const window = waitForObject({type: "Window"});
-    test.compare(window, findObject("{type='Window'}"));  // @same
+    test.verify(String(window) === String(findObject("{type='Window'}")));  // @same
     test.verify(object.exists("{type='QTabWidget'}"));  // @exists
     test.verify(!object.exists({type: "QTabWidget", objectName: "other"}));  // @not
     test.compare(findAllObjects("{type='QTabWidget'}").length, 1);  // @all
