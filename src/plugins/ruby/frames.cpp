@@ -60,28 +60,6 @@ Stack& readStack() {
     return *s_stack;
 }
 
-/// `rescue` and `ensure` have frames of their own in front of that of their method, which then
-/// stands where the error was raised. Only the inner one counts.
-bool isPartOfNextFrame(const QByteArray& label) {
-    return label.contains("rescue in ") || label.contains("ensure in ");
-}
-
-/// Calls `visit` with path and line of each frame of a script, the innermost first, until it gives
-/// false.
-template <typename Visit>
-void visitScriptFrames(Visit visit) {
-    const Stack& stack = readStack();
-    for (std::size_t index = 0; index < static_cast<std::size_t>(stack.count); ++index) {
-        const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
-        if (!isScriptFile(path))
-            continue;
-        if (!visit(path, stack.lines[index]))
-            return;
-        if (isPartOfNextFrame(bytesOf(rb_profile_frame_label(stack.frames[index]))))
-            ++index;
-    }
-}
-
 /// One line of a backtrace, "path:line:in `name'".
 struct Line {
     QByteArray path;
@@ -108,6 +86,51 @@ Line parseLine(const QByteArray& text) {
     return isNumber ? Line{text.left(colon), line, label} : Line{text.left(end), 0, label};
 }
 
+/// `rescue` and `ensure` have frames of their own in front of that of their method, which then
+/// stands where the error was raised. Only the inner one counts.
+bool isPartOfNextFrame(const QByteArray& label) {
+    return label.contains("rescue in ") || label.contains("ensure in ");
+}
+
+/// The lines of a backtrace as Ruby has it, an array of texts.
+std::vector<Line> linesOf(VALUE trace) {
+    std::vector<Line> lines;
+    for (long index = 0; index < RARRAY_LEN(trace); ++index) {
+        const Line line = parseLine(bytesOf(rb_ary_entry(trace, index)));
+        if (!lines.empty() && lines.back().isOfCaller(line))
+            lines.pop_back();
+        const bool isPart = !lines.empty() && isPartOfNextFrame(lines.back().label) &&
+                            lines.back().label.endsWith(line.label.mid(5));
+        if (line.line > 0 && !isPart)
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+/// Calls `visit` with path and line of each frame of a script, the innermost first, until it gives
+/// false.
+template <typename Visit>
+void visitScriptFrames(Visit visit) {
+    const Stack& stack = readStack();
+    const auto count = static_cast<std::size_t>(stack.count);
+    bool mayHaveParts = false;
+    for (std::size_t index = 0; index + 1 < count && !mayHaveParts; ++index)
+        mayHaveParts = stack.frames[index] == stack.frames[index + 1];
+    // `rescue` looks as a call of the method by itself, until the names are asked for.
+    if (mayHaveParts) {
+        for (const Line& line : linesOf(protect([] { return rb_make_backtrace(); }))) {
+            if (isScriptFile(line.path) && !visit(line.path, line.line))
+                return;
+        }
+        return;
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
+        if (isScriptFile(path) && !visit(path, stack.lines[index]))
+            return;
+    }
+}
+
 std::vector<Line> backtraceOf(VALUE exception) {
     std::vector<Line> lines;
     // A syntax error tells its place in its text.
@@ -125,16 +148,8 @@ std::vector<Line> backtraceOf(VALUE exception) {
     }
     if (!RB_TYPE_P(trace, T_ARRAY))
         return lines;
-    for (long index = 0; index < RARRAY_LEN(trace); ++index) {
-        const Line line = parseLine(bytesOf(rb_ary_entry(trace, index)));
-        const QByteArray& label = line.label;
-        if (!lines.empty() && lines.back().isOfCaller(line))
-            lines.pop_back();
-        const bool isPart = !lines.empty() && isPartOfNextFrame(lines.back().label) &&
-                            lines.back().label.endsWith(label.mid(5));
-        if (line.line > 0 && !isPart)
-            lines.push_back(line);
-    }
+    for (const Line& line : linesOf(trace))
+        lines.push_back(line);
     return lines;
 }
 

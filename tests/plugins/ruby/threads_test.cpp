@@ -17,6 +17,10 @@ TEST_F(RubyThreads, RunWhileAFunctionWaits) {
         blockingSleep(300'000);
         return true;
     });
+    define("holdLock", [](ScriptContext*) {
+        QThread::msleep(300);
+        return true;
+    });
     define("pollAside", [](ScriptContext*) {
         blockingPoll(nullptr, 0, 300);
         return true;
@@ -30,9 +34,10 @@ counted = lambda do |&work|
   work.call
   count - before
 end
-raise 'sleep' unless counted.call { sleepAside } > 20
-raise 'poll' unless counted.call { pollAside } > 20
-raise 'wait' unless counted.call { waitFor(300) { false } } > 20
+raise 'held' if counted.call { holdLock } > 1
+raise 'sleep' unless counted.call { sleepAside } > 5
+raise 'poll' unless counted.call { pollAside } > 5
+raise 'wait' unless counted.call { waitFor(300) { false } } > 5
 stopped = true
 thread.join
 )rb"),

@@ -192,7 +192,7 @@ TEST_F(RubyValues, ArgumentsByNameAndBlocks) {
               "");
     EXPECT_EQ(s_seen, (QStringList{"a,-,3", "a,-,3", "a,2", "b", "a,{:x=>1}", "a,-,4"}));
     const std::pair<const char*, const char*> refused[] = {
-        {"noted('a', lst: 3)", "ArgumentError: noted() has no parameter 'lst'"},
+        {"noted('a', lst: 3)", "ArgumentError: noted() has no argument 'lst'"},
         {"noted('a') { }", "ArgumentError: noted() takes no block"},
     };
     for (const auto& [code, error] : refused)
