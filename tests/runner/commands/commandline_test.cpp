@@ -205,6 +205,11 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--video takes on, off or on-failure, not 'yes' (see tamrixrunner run --help)"},
         {{"attachable", "program"},
          "attachable needs --name NAME (see tamrixrunner attachable --help)"},
+        {{"drive", "look"},
+         "there is no tool 'look'; \"tamrixrunner drive tools\" lists them, and \"stop\" ends a "
+         "session (see tamrixrunner drive --help)"},
+        {{"mcp", "--aut-display", "here"},
+         "--aut-display takes auto, inherit or :N, not 'here' (see tamrixrunner mcp --help)"},
         {{"inspect", "--wait", "soon", "program", "--xml"},
          "--wait takes a number of seconds, not 'soon' (see tamrixrunner inspect --help)"},
         {{"vp", "make", "x"},
