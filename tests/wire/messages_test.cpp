@@ -68,9 +68,13 @@ TEST(Messages, FieldsFindTheirPlaces) {
     EXPECT_EQ(hello.token, "");
 }
 
-TEST(Messages, RefuseListingsThatNameNoPlaceOrType) {
+/// The same for listings and outlines.
+template <typename Listing>
+void refuseWhatHasNoPlaceOrType() {
     const auto isRead = [](int firstDepth, int secondDepth, int type) {
-        ObjectListing listing{{"QWidget"}, QVector<ListedObject>(2)};
+        Listing listing;
+        listing.types = QStringList{"QWidget"};
+        listing.objects.resize(2);
         listing.objects[0].depth = firstDepth;
         listing.objects[1].depth = secondDepth;
         listing.objects[1].type = type;
@@ -83,6 +87,11 @@ TEST(Messages, RefuseListingsThatNameNoPlaceOrType) {
     EXPECT_FALSE(isRead(0, -1, 0));
     EXPECT_FALSE(isRead(0, 1, 1)) << "there is one type";
     EXPECT_FALSE(isRead(0, 1, -1));
+}
+
+TEST(Messages, RefuseListingsThatNameNoPlaceOrType) {
+    refuseWhatHasNoPlaceOrType<ObjectListing>();
+    refuseWhatHasNoPlaceOrType<ObjectOutline>();
 }
 
 TEST(Values, TravelAsWhatScriptsKnow) {

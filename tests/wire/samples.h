@@ -85,6 +85,11 @@ void forEachSample(const Use& use) {
     use(MessageType::Reply, ActResult{object, arguments});
     use(MessageType::Reply, MatchList{2, {{object, QRect(1, 2, 3, 4), true}}});
     use(MessageType::Reply, TextList{QStringList{"a", "b"}});
+    use(MessageType::Reply,
+        ObjectOutline{QStringList{"QWidget", "QLineEdit"},
+                      {{0, 0, 7, OutlinedObject::Window, QRect(1, 2, 3, 4), "w", "Title", ""},
+                       {1, 1, 8, OutlinedObject::Entered, QRect(), "", "text", "Name"}},
+                      true});
     use(MessageType::Reply, ObjectListing{QStringList{"QWidget", "QLabel"},
                                           {{0, 0, 3, QRect(1, 2, 3, 4), QString(), "{type='a'}"},
                                            {1, 1, 2, QRect(), "text", "{type='b'}"}}});

@@ -211,6 +211,11 @@ TEST(CommandLine, WrongUsageIsOneLine) {
          "--case takes the name of a folder, not 'a/b' (see tamrixrunner record --help)"},
         {{"record", "--hook", "none", "program"},
          "--hook takes plugin or preload, not 'none' (see tamrixrunner record --help)"},
+        {{"drive", "look"},
+         "there is no tool 'look'; \"tamrixrunner drive tools\" lists them, and \"stop\" ends a "
+         "session (see tamrixrunner drive --help)"},
+        {{"mcp", "--aut-display", "here"},
+         "--aut-display takes auto, inherit or :N, not 'here' (see tamrixrunner mcp --help)"},
         {{"inspect", "--wait", "soon", "program", "--xml"},
          "--wait takes a number of seconds, not 'soon' (see tamrixrunner inspect --help)"},
         {{"names", "make", "x"},
