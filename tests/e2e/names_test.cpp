@@ -29,11 +29,13 @@ protected:
     }
 
     /// Exit code, output and errors of a command.
-    QString told(const QStringList& arguments) {
-        runner.run(arguments);
+    static QString told(const QStringList& arguments) {
+        RunnerProcess command;
+        command.setVariable("QT_QPA_PLATFORM", "offscreen");
+        command.run(arguments);
         return QStringLiteral("$ names %1\n%2%3exit code %4\n\n")
-            .arg(arguments.mid(1).join(' '), runner.takeOutput(), runner.errors(),
-                 QString::number(runner.exitCode()));
+            .arg(arguments.mid(1).join(' '), command.output(), command.errors(),
+                 QString::number(command.exitCode()));
     }
     QString normalised(const QString& text) const {
         return Tamrix::Test::Normaliser().path(suite.path(), "<FOLDER>")(text);

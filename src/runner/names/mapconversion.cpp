@@ -170,6 +170,15 @@ private:
     QString m_text;
 };
 
+/// A name that the map refers to and has not, or the like; empty when all is well.
+QString resolvingFault(const Names& names) {
+    for (const QString& key : names.keys()) {
+        if (const Outcome<ObjectName> resolved = resolveName(names, key); !resolved)
+            return resolved.error().text;
+    }
+    return {};
+}
+
 /// What is wrong with a script that was written: it must mean the same.
 QString scriptFault(const QString& path, const QByteArray& content, const Names& names,
                     const QMap<QString, QString>& keys) {
@@ -180,11 +189,9 @@ QString scriptFault(const QString& path, const QByteArray& content, const Names&
     for (auto it = keys.cbegin(); it != keys.cend(); ++it) {
         const Outcome<ObjectName> before = resolveName(names, it.key());
         const Outcome<ObjectName> after = resolveName(*written, it.value());
-        if (!before)
-            return before.error().text;
         if (!after)
             return after.error().text;
-        if (before->qualifiedName() != after->qualifiedName())
+        if (!before || before->qualifiedName() != after->qualifiedName())
             return QStringLiteral("'%1' would stand for %2")
                 .arg(it.value(), after->qualifiedName());
     }
@@ -226,12 +233,13 @@ Outcome<ConvertedMap> convertMap(const QString& from, const QString& to) {
     for (const auto& item : layout)
         std::visit([&writer](const auto& each) { writer.add(each); }, item);
     converted.content = writer.content();
-    if (scriptOf(**target)) {
-        const QString fault = scriptFault(to, converted.content, *names, keys);
-        if (!fault.isEmpty()) {
-            return fail(FailureKind::Refused,
-                        QStringLiteral("'%1' can't be written as '%2': %3").arg(from, to, fault));
-        }
+    // 4. It means what it did.
+    QString fault = resolvingFault(*names);
+    if (fault.isEmpty() && scriptOf(**target))
+        fault = scriptFault(to, converted.content, *names, keys);
+    if (!fault.isEmpty()) {
+        return fail(FailureKind::Refused,
+                    QStringLiteral("'%1' can't be written as '%2': %3").arg(from, to, fault));
     }
     return converted;
 }
