@@ -1,0 +1,39 @@
+#include "plugins/perl/scriptstreams.h"
+
+#include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/conversion.h"
+
+namespace Tamrix::PerlPlugin {
+
+namespace {
+
+/// What a script prints are characters or bytes, and Perl does not say which. Bytes that are UTF-8
+/// are nothing else.
+QString printedText(pTHX_ SV* value) {
+    if (SvUTF8(value) || !SvPOK(value))
+        return textOf(aTHX_ value);
+    STRLEN size = 0;
+    const char* const bytes = SvPV_nomg_const(value, size);
+    const bool isUtf8 = is_utf8_string(reinterpret_cast<const U8*>(bytes), size);
+    return textOfBytes(aTHX_ bytes, size, isUtf8);
+}
+
+NativeEnd print(pTHX_ CV*, SV** arguments, int count) {
+    if (count != 2)
+        return returning(aTHX_ SvRef());
+    const auto stream = SvTRUE_nomg(arguments[0]) ? ScriptOutput::Stderr : ScriptOutput::Stdout;
+    const QString text = printedText(aTHX_ arguments[1]);
+    if (CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread())
+        interpreter->output().write(stream, text);
+    else
+        ScriptOutput::writeToProcess(stream, text);
+    return returning(aTHX_ SvRef());
+}
+
+}  // namespace
+
+void defineStreams(pTHX) {
+    defineBody(aTHX_ "tamrix::_print", nativeFunction<print>);
+}
+
+}  // namespace Tamrix::PerlPlugin
