@@ -1,0 +1,6 @@
+def main():
+    context = startApplication("widgets")
+    test.verify(context.isRunning())  # @running
+    test.verify(context.pid() > 0)  # @pid
+    test.compare(currentApplicationContext().name(), context.name())  # @current
+    test.compare(len(applicationContextList()), 1)  # @list

@@ -1,0 +1,6 @@
+def main():
+    raise ValueError("in main")  # @main
+
+
+def cleanup():
+    raise ValueError("in cleanup")  # @cleanup

@@ -1,0 +1,6 @@
+def main():
+    test.compare(1, 1)  # @integers
+    test.compare([1, [2, 3]], [1, [2, 3]])  # @lists
+    test.compare({"a": 1, "b": [2]}, {"b": [2], "a": 1})  # @maps
+    test.compare("\u00e4\u20ac", "\u00e4\u20ac")  # @texts
+    test.compare("line 1\nline 2", "line 1\nline 2")  # @lines

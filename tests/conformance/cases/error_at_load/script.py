@@ -1,0 +1,9 @@
+def prepare():
+    raise ValueError("too early")  # @prepare
+
+
+prepare()  # @load
+
+
+def main():
+    test.log("never")

@@ -1,0 +1,4 @@
+def main():
+    startApplication("widgets")
+    test.expect("{type='Window'}", {"windowTitle": "Targets", "visible": True})  # @holds
+    test.expect("{type='Window'}", {"windowTitle*": "Tar*"}, comment="with a wildcard")  # @comment

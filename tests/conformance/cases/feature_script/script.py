@@ -1,0 +1,2 @@
+def main():
+    runFeatureFile(findFile("testdata", "feature_script.feature"))  # @main

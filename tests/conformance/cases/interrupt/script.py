@@ -1,0 +1,4 @@
+def main():
+    test.log("looping")  # @looping
+    while True:
+        pass

@@ -1,0 +1,6 @@
+import modules_helper
+
+
+def main():
+    modules_helper.check(7)  # @main
+    test.compare(modules_helper.count(), 1)  # @count

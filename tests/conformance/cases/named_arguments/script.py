@@ -1,0 +1,3 @@
+def main():
+    test.compare(1, value2=1, comment="by name")  # @name
+    test.log(detail="the detail", message="the message")  # @order

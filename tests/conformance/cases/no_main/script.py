@@ -1,0 +1,2 @@
+def another_function():
+    test.log("never, but long enough for a script that could hold a function")

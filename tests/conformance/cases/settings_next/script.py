@@ -1,0 +1,2 @@
+def main():
+    test.compare(testSettings.waitForObjectTimeout, 20000)  # @number

@@ -1,0 +1,9 @@
+def main():
+    try:
+        helper()  # @main
+    except Exception:
+        test.fail("caught")
+
+
+def helper():
+    test.skip("from far inside")  # @skip

@@ -1,0 +1,4 @@
+def main():
+    test.log("before")  # @before
+    while True:
+        pass
