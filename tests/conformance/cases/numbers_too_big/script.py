@@ -6,7 +6,7 @@ def main():
     window = waitForObject("{type='Window'}")
     for number in (2147483648, 9007199254740993, 2.7):
         try:
-            window.add(number, 0)
+            window.spread("Wide", number)
             test.fail("it was cut")
         except (tamrix.Error, TypeError):
             test.log("refused")  # @refused
