@@ -1,6 +1,7 @@
 #include "plugins/perl/caseinterpreter.h"
 
-#include <QDir>
+#include <unistd.h>
+
 #include <stdexcept>
 
 #include "interpreter/language/scripterrorset.h"
@@ -26,9 +27,8 @@ const QString noFile = QStringLiteral("<init script>");
 /// The text with what tells Perl its file and, once it runs, us that it could be compiled.
 SvRef withPlace(pTHX_ const QString& text, const QByteArray& codeFile) {
     const QString place =
-        codeFile.isEmpty()
-            ? QString()
-            : QStringLiteral("\n#line 1 \"%1\"\n").arg(QString::fromUtf8(codeFile));
+        codeFile.isEmpty() ? QString()
+                           : QStringLiteral("\n#line 1 \"%1\"\n").arg(QString::fromUtf8(codeFile));
     const QString whole = "$tamrix::isCompiled = 1; " + place + text;
     SvRef value = toPerl(aTHX_ whole);
     // Characters, also where all of them are ASCII.
@@ -39,7 +39,7 @@ SvRef withPlace(pTHX_ const QString& text, const QByteArray& codeFile) {
 }  // namespace
 
 CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
-    : LanguageInterpreter(runner, Perl), m_files(m_runtime.libraryFolders()) {
+    : LanguageInterpreter(runner, Perl), m_files(m_runtime.libraryFolders()), m_process(getpid()) {
     m_context = std::make_unique<PerlContext>(*this);
     m_debugger = std::make_unique<PerlDebugger>(*this);
     defineOwnFunctions();
@@ -54,6 +54,7 @@ CaseInterpreter::~CaseInterpreter() {
     m_initialNames = SvRef();
     m_initialModules = SvRef();
     end();
+    leaveActive();
     m_errors.clear();
     m_debugger.reset();
     m_context.reset();
@@ -73,6 +74,10 @@ LanguageDebugger& CaseInterpreter::languageDebugger() {
     return *m_debugger;
 }
 
+bool CaseInterpreter::isInChild() const {
+    return getpid() != m_process;
+}
+
 void CaseInterpreter::defineOwnFunctions() {
     pTHX = perl();
     defineObjectTypes(aTHX);
@@ -85,12 +90,13 @@ void CaseInterpreter::runPrelude() {
     const SvRef text = SvRef::steal(newSVpv(preludeText, 0));
     const CodeEnd end = evaluateCode(aTHX_ text.get());
     if (end.ending != Ending::Returned)
-        throw std::runtime_error(end.value ? ScriptErrors::messageOf(aTHX_ end.value.get()).toStdString()
-                                           : "Perl has left the plug-in's own code");
+        throw std::runtime_error(end.value
+                                     ? ScriptErrors::messageOf(aTHX_ end.value.get()).toStdString()
+                                     : "Perl has left the plug-in's own code");
 }
 
 void CaseInterpreter::exceptionRaised(pTHX_ SV* exception) {
-    if (m_errors.note(aTHX_ exception, positionsOf(runningCode(aTHX))))
+    if (m_errors.note(aTHX_ exception))
         m_debugger->errorPasses(aTHX_ exception);
 }
 
@@ -100,11 +106,10 @@ void CaseInterpreter::addNativeFunction(const QString& name, bool (*function)(Sc
                                         const QStringList& requiredParameters,
                                         const QStringList& optionalParameters,
                                         const QString& description) {
-    m_functions.define("main", name,
-                       NativeFunction(context(),
-                                      {name, {}, requiredParameters, optionalParameters,
-                                       description},
-                                      function));
+    m_functions.define(
+        "main", name,
+        NativeFunction(context(), {name, {}, requiredParameters, optionalParameters, description},
+                       function));
 }
 
 void CaseInterpreter::addNativeType(const QString& name, void* typeId,
@@ -135,8 +140,8 @@ void CaseInterpreter::startScript(const QString& path, const QStringList& argume
         callOwn(aTHX_ "tamrix::_forget", {m_initialNames, m_initialModules});
     } else {
         m_initialNames = callOwn(aTHX_ "tamrix::_names", {}).value;
-        m_initialModules = SvRef::steal(
-            newRV_noinc(reinterpret_cast<SV*>(newHVhv(get_hv("INC", GV_ADD)))));
+        m_initialModules =
+            SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(newHVhv(get_hv("INC", GV_ADD)))));
     }
     m_folders = folders + m_folders;
     m_folders.removeDuplicates();
@@ -161,8 +166,8 @@ bool CaseInterpreter::isOwnName(HV* package, const QString& name) const {
 CV* CaseInterpreter::mainFunction(const QString& name) const {
     pTHX = perl();
     const QByteArray wholeName = "main::" + name.toUtf8();
-    CV* const function = get_cvn_flags(wholeName.constData(),
-                                       static_cast<STRLEN>(wholeName.size()), SVf_UTF8);
+    CV* const function =
+        get_cvn_flags(wholeName.constData(), static_cast<STRLEN>(wholeName.size()), SVf_UTF8);
     // One that is only declared has no body.
     return function && (CvROOT(function) || CvXSUB(function)) ? function : nullptr;
 }
@@ -191,16 +196,15 @@ CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileNa
     pTHX = perl();
     SV* const flag = get_sv("tamrix::isCompiled", GV_ADD);
     sv_setiv(flag, 0);
-    const SvRef code = withPlace(
-        aTHX_ text, fileName.isEmpty() ? QByteArray() : m_files.codeFileOf(fileName));
+    const SvRef code =
+        withPlace(aTHX_ text, fileName.isEmpty() ? QByteArray() : m_files.codeFileOf(fileName));
     CodeEnd end = evaluateCode(aTHX_ code.get());
     if (isCompiled)
         *isCompiled = SvTRUE_nomg(flag);
     return end;
 }
 
-std::optional<ScriptError> CaseInterpreter::loadText(const QString& text,
-                                                     const QString& fileName) {
+std::optional<ScriptError> CaseInterpreter::loadText(const QString& text, const QString& fileName) {
     pTHX = perl();
     CodeEnd end = evaluateText("package main; " + text, fileName, nullptr);
     output().flush();
@@ -232,9 +236,9 @@ bool CaseInterpreter::runScript(const QString& text, const QString& fileName) {
         return finish(std::move(end), true);
     }
     departure() = Departure();
-    return finish(evaluateText("package main; " + text, fileName.isEmpty() ? noFile : fileName,
-                               nullptr),
-                  !fileName.isEmpty());
+    return finish(
+        evaluateText("package main; " + text, fileName.isEmpty() ? noFile : fileName, nullptr),
+        !fileName.isEmpty());
 }
 
 LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgument>& function,

@@ -42,14 +42,17 @@ public:
     NativeFunctions& functions() { return m_functions; }
     PerlInterpreter* perl() const { return m_runtime.perl(); }
 
+    /// Whether this is a process that the script has forked: the run is none of its business.
+    bool isInChild() const;
+
     /// An exception is on its way, in the code that is running.
     void exceptionRaised(pTHX_ SV* exception);
 
     /// Whether the library, or Perl itself, has the name in the package.
     bool isOwnName(HV* package, const QString& name) const;
 
-    /// Runs text as `eval` does, where the script is. `isCompiled`, when given, is set when the text
-    /// could be compiled.
+    /// Runs text as `eval` does, where the script is. `isCompiled`, when given, is set when the
+    /// text could be compiled.
     CodeEnd evaluateText(const QString& text, const QString& fileName, bool* isCompiled);
     /// Runs the text of a file at the top level, as one of steps.
     std::optional<ScriptError> loadText(const QString& text, const QString& fileName);
@@ -87,6 +90,7 @@ private:
     NativeFunctions m_functions;
     std::unique_ptr<PerlContext> m_context;
     std::unique_ptr<PerlDebugger> m_debugger;
+    int m_process;
     QStringList m_folders;
     /// The names in `main` and the modules from before the first script.
     SvRef m_initialNames;

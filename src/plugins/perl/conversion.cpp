@@ -41,8 +41,8 @@ QString textOfPerlCharacters(pTHX_ const char* bytes, STRLEN size) {
     const U8* const end = place + size;
     while (place < end) {
         STRLEN length = 0;
-        const UV character = utf8n_to_uvchr(place, static_cast<STRLEN>(end - place), &length,
-                                            UTF8_ALLOW_ANY);
+        const UV character =
+            utf8n_to_uvchr(place, static_cast<STRLEN>(end - place), &length, UTF8_ALLOW_ANY);
         place += length == 0 ? 1 : length;
         if (character > 0x10FFFF)
             text += QChar(QChar::ReplacementCharacter);
@@ -85,8 +85,9 @@ QString textOf(pTHX_ SV* value) {
         if (end.ending == Ending::Left)
             throwEnd(std::move(end));
         if (end.ending == Ending::Died)
-            return SvROK(value) ? QStringLiteral("<unprintable %1 object>").arg(className(aTHX_ value))
-                                : QStringLiteral("<unprintable value>");
+            return SvROK(value)
+                       ? QStringLiteral("<unprintable %1 object>").arg(className(aTHX_ value))
+                       : QStringLiteral("<unprintable value>");
         made = std::move(end.value);
         value = made.get();
     }

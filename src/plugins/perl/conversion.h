@@ -21,10 +21,11 @@ QString textOf(pTHX_ SV* value);
 /// The value without what a tied variable does; the same value for all others.
 SvRef plainValue(pTHX_ SV* value);
 
-/// A Time::Piece in local time, with its fraction of a second in `epoch`; undef for an invalid time.
+/// A Time::Piece in local time, with its fraction of a second in `epoch`; undef for an invalid
+/// time.
 SvRef toPerlTime(pTHX_ const QDateTime& time);
-/// The time of an object that has a method `epoch`, such as Time::Piece or DateTime; invalid for any
-/// other value.
+/// The time of an object that has a method `epoch`, such as Time::Piece or DateTime; invalid for
+/// any other value.
 QDateTime fromPerlTime(pTHX_ SV* value);
 
 /// Whether the value is one that was made as a number, and no text that was used as one.

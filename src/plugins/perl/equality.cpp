@@ -18,8 +18,8 @@ bool areEqualBelow(pTHX_ SV* left, SV* right, int depth);
 bool areScalarsEqual(pTHX_ SV* left, SV* right) {
     if (SvIsBOOL(left) && SvIsBOOL(right))
         return SvTRUE_nomg(left) == SvTRUE_nomg(right);
-    const bool isOneNumber = isNumberValue(aTHX_ left) || isNumberValue(aTHX_ right) || SvIsBOOL(left) ||
-                             SvIsBOOL(right);
+    const bool isOneNumber = isNumberValue(aTHX_ left) || isNumberValue(aTHX_ right) ||
+                             SvIsBOOL(left) || SvIsBOOL(right);
     // The empty text of a false truth is 0 to `==`.
     const auto isNumeric = [&](SV* value) {
         return SvIsBOOL(value) || isNumberValue(aTHX_ value) || looks_like_number(value);
@@ -74,9 +74,9 @@ bool areReferencesEqual(pTHX_ SV* left, SV* right, int depth) {
         return isSameObject(leftObject, rightObject);
     if (leftObject || rightObject || (!SvAMAGIC(left) && !SvAMAGIC(right)))
         return false;
-    return SvTRUE_nomg(valueOrThrow(callOwn(aTHX_ "tamrix::_equal",
-                                            {SvRef::borrow(left), SvRef::borrow(right)}))
-                           .get());
+    return SvTRUE_nomg(
+        valueOrThrow(callOwn(aTHX_ "tamrix::_equal", {SvRef::borrow(left), SvRef::borrow(right)}))
+            .get());
 }
 
 bool areEqualBelow(pTHX_ SV* left, SV* right, int depth) {

@@ -29,8 +29,9 @@ QString withVariables(pTHX_ const CodeFrame& frame, const QString& code) {
         aliases += QStringLiteral("\\my %1 = $tamrix::FRAME[%2]; ").arg(each.name).arg(count++);
     }
     const HV* const package = CopSTASH(frame.statement);
-    return QStringLiteral("package %1; no strict; use feature 'refaliasing'; no warnings; %2\n"
-                          "#line 1 \"(debugger)\"\n%3")
+    return QStringLiteral(
+               "package %1; no strict; use feature 'refaliasing'; no warnings; %2\n"
+               "#line 1 \"(debugger)\"\n%3")
         .arg(package ? QString::fromUtf8(HvNAME_get(package)) : QStringLiteral("main"), aliases,
              code);
 }

@@ -43,9 +43,9 @@ const SourceFiles::Entry& SourceFiles::entry(const char* codeFile) {
     Entry made;
     if (!isNoFile(name)) {
         made.path = Debugger::sanitizedFilePath(QString::fromUtf8(name));
-        made.isScript = std::none_of(
-            m_libraryFolders.begin(), m_libraryFolders.end(),
-            [&](const QString& folder) { return made.path.startsWith(folder); });
+        made.isScript =
+            std::none_of(m_libraryFolders.begin(), m_libraryFolders.end(),
+                         [&](const QString& folder) { return made.path.startsWith(folder); });
     }
     return *m_entries.insert(QByteArray(name.constData(), name.size()), made);
 }

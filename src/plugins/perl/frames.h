@@ -55,7 +55,8 @@ std::vector<CodeFrame> scriptFrames(pTHX_ SourceFiles& files);
 /// contexts of the innermost stack; -1 for all.
 bool isCaughtByScript(pTHX);
 
-/// Positions of those that run scripts; when none does, the innermost line in any file stands alone.
+/// Positions of those that run scripts; when none does, the innermost line in any file stands
+/// alone.
 std::vector<LineInfo> positionsOf(const std::vector<CodeFrame>& frames);
 
 }  // namespace Tamrix::PerlPlugin

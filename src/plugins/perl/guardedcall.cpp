@@ -1,7 +1,12 @@
 #include "plugins/perl/guardedcall.h"
 
+#include <unistd.h>
+
 #include "interpreter/language/scripterrorset.h"
+#include "interpreter/language/scriptoutput.h"
+#include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/departure.h"
+#include "plugins/perl/scripterrors.h"
 
 namespace Tamrix::PerlPlugin {
 
@@ -71,8 +76,26 @@ Ending guard(pTHX_ Work& work) {
     return ending;
 }
 
+/// A process that the script has forked ends where its code does.
+void endChild(pTHX_ Ending ending, SV* value) {
+    int status = 0;
+    if (ending == Ending::Left)
+        status = static_cast<int>(STATUS_EXIT);
+    else if (ending == Ending::Died) {
+        status = 255;
+        ScriptOutput::writeToProcess(ScriptOutput::Stderr,
+                                     ScriptErrors::messageOf(aTHX_ value) + '\n');
+    }
+    PerlIO_flush(nullptr);
+    _exit(status);
+}
+
 CodeEnd guarded(pTHX_ Work work) {
+    const bool isOutermost = PL_top_env->je_prev == nullptr;
     const Ending ending = guard(aTHX_ work);
+    const CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
+    if (isOutermost && interpreter && interpreter->isInChild())
+        endChild(aTHX_ ending, work.value);
     return {ending, SvRef::steal(work.value)};
 }
 

@@ -7,9 +7,10 @@
 
 namespace Tamrix::PerlPlugin {
 
-// Perl leaves code by longjmp(), also over C++, whose objects are then never destroyed. So C++ calls
-// what may run code of a script through the functions below, and a function that Perl calls has its
-// work done in a C++ function of its own, whose end it carries out when nothing of C++ is left.
+// Perl leaves code by longjmp(), also over C++, whose objects are then never destroyed. So C++
+// calls what may run code of a script through the functions below, and a function that Perl calls
+// has its work done in a C++ function of its own, whose end it carries out when nothing of C++ is
+// left.
 
 /// How code of Perl came to its end.
 enum class Ending {
@@ -49,8 +50,8 @@ NativeEnd returning(pTHX_ SvRef value);
 NativeEnd dying(pTHX_ SvRef exception);
 NativeEnd leaving();
 
-/// A function in C++ that Perl calls. Its arguments are on Perl's stack, which moves as soon as code
-/// of Perl runs.
+/// A function in C++ that Perl calls. Its arguments are on Perl's stack, which moves as soon as
+/// code of Perl runs.
 using NativeBody = NativeEnd (*)(pTHX_ CV* function, SV** arguments, int count);
 
 /// Makes arguments plain before C++ sees them: what a tied variable does is done here.

@@ -15,8 +15,8 @@ namespace {
 
 /// Contexts of running code. Perl itself has no limit but memory.
 constexpr I32 deepestContext = 50'000;
-/// Bytes that stay free on the thread's stack, on which Perl calls itself for operators, sorting and
-/// native functions.
+/// Bytes that stay free on the thread's stack, on which Perl calls itself for operators, sorting
+/// and native functions.
 constexpr std::ptrdiff_t stackReserve = 512 * 1024;
 
 Perl_ppaddr_t s_nextState = nullptr;
@@ -56,8 +56,7 @@ void dieHook(pTHX_ CV* cv) {
     noteException(aTHX_ exception);
     HV* stash = nullptr;
     GV* glob = nullptr;
-    CV* const scripts =
-        s_scriptsDieHook ? sv_2cv(s_scriptsDieHook, &stash, &glob, 0) : nullptr;
+    CV* const scripts = s_scriptsDieHook ? sv_2cv(s_scriptsDieHook, &stash, &glob, 0) : nullptr;
     if (scripts && aTHX == s_perl) {
         ENTER;
         SAVEBOOL(s_isInDieHook);

@@ -25,8 +25,8 @@ protected:
 };
 void setStatementListener(StatementListener* listener);
 
-/// What can be asked of a running script in the handler of a signal. It is done where Perl looks for
-/// signals, which is between two operations.
+/// What can be asked of a running script in the handler of a signal. It is done where Perl looks
+/// for signals, which is between two operations.
 enum class Request {
     Stop,      ///< StatementListener::stopRequested()
     Interrupt  ///< the end of the script

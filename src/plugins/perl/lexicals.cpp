@@ -31,8 +31,7 @@ std::vector<Lexical> lexicalsOf(const CodeFrame& frame) {
         SV* const variable = AvARRAY(pad)[index];
         if (!variable)
             continue;
-        const QString text =
-            QString::fromUtf8(PadnamePV(name), static_cast<int>(PadnameLEN(name)));
+        const QString text = QString::fromUtf8(PadnamePV(name), static_cast<int>(PadnameLEN(name)));
         // A later declaration hides an earlier one.
         const auto known = places.constFind(text);
         if (known != places.constEnd()) {

@@ -45,6 +45,35 @@ int startOfNamed(pTHX_ SV** arguments, int count,
     return start;
 }
 
+/// Whether the arguments can go to the function as they stand: nothing by name, nothing left out.
+bool arePlain(const Parameters& parameters, SV** arguments, int count) {
+    for (int index = 0; index < count; ++index) {
+        SV* const value = arguments[index];
+        if (!SvOK(value) ? parameters.isOptional(index)
+                         : SvPOK(value) && SvCUR(value) > 1 && *SvPVX_const(value) == '-')
+            return false;
+    }
+    return true;
+}
+
+/// A call with plain arguments, which are most.
+NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function, SV** arguments,
+                      int count) {
+    active.output().flush();
+    LanguageContext& context = active.context();
+    ScriptArgument::List values;
+    values.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index)
+        values.push_back(new PerlArgument(PerlArgument::kept(aTHX_ arguments[index])));
+    LanguageContext::Call call(context, std::move(values), false);
+    function.run(context, {});
+    active.noticeApplication();
+    if (context.hasError())
+        return failing(aTHX_ failureOf(context));
+    const SharedPtr<ScriptArgument> result = call.takeResult();
+    return returning(aTHX_ result ? SvRef::borrow(valueOf(result)) : SvRef());
+}
+
 ScriptFailure badArgument(const QString& text) {
     return {ScriptFailure::Kind::BadArgument, text, false, {}};
 }
@@ -64,9 +93,8 @@ CallArguments givenArguments(pTHX_ SV** arguments, int count,
     for (int index = 0; index < named; ++index)
         given.positional.push_back(new PerlArgument(PerlArgument::kept(aTHX_ arguments[index])));
     for (int index = named; index < count; index += 2)
-        given.named.emplace_back(
-            textOf(aTHX_ arguments[index]).mid(1),
-            new PerlArgument(PerlArgument::kept(aTHX_ arguments[index + 1])));
+        given.named.emplace_back(textOf(aTHX_ arguments[index]).mid(1),
+                                 new PerlArgument(PerlArgument::kept(aTHX_ arguments[index + 1])));
     return given;
 }
 
@@ -86,13 +114,15 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
             const auto isParameter = [&](const QString& name) {
                 return globalFunctionHelp(target.name).section('\n', 0, 0).contains(name);
             };
-            return resultOf(
-                aTHX_ callGlobal(active, target.name,
-                                 givenArguments(aTHX_ arguments, count, isParameter)));
+            return resultOf(aTHX_ callGlobal(active, target.name,
+                                             givenArguments(aTHX_ arguments, count, isParameter)));
         }
         const NativeFunction* native = &*target.function;
         SharedPtr<NativeScriptObject> object;
         const NativeFunction::Kind kind = native->kind();
+        if ((kind == NativeFunction::Kind::Table || kind == NativeFunction::Kind::Native) &&
+            !target.isStaticMethod && arePlain(native->parameters(), arguments, count))
+            return callPlainly(aTHX_ * active, *native, arguments, count);
         if (kind == NativeFunction::Kind::Method) {
             object = count > 0 ? NativeHolder::unwrap(arguments[0]) : object;
             if (!object)
@@ -101,8 +131,8 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
         } else if (kind == NativeFunction::Kind::Constructor ||
                    kind == NativeFunction::Kind::StaticAccessor) {
             if (count == 0)
-                return failing(aTHX_ badArgument(native->displayName() +
-                                                 "() needs its class in front"));
+                return failing(
+                    aTHX_ badArgument(native->displayName() + "() needs its class in front"));
         }
         const bool hasFirst =
             object || kind == NativeFunction::Kind::Constructor ||
@@ -114,10 +144,9 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
         }
         if (target.isProperty && count > 0) {
             if (!target.setter || count > 1)
-                return failing(
-                    aTHX_ badArgument(native->displayName() +
-                                      (target.setter ? " takes one value"
-                                                     : " is a property that can't be written")));
+                return failing(aTHX_ badArgument(
+                    native->displayName() +
+                    (target.setter ? " takes one value" : " is a property that can't be written")));
             native = target.setter.get();
         }
         const QStringList& names = native->parameters().names;
@@ -177,8 +206,8 @@ void NativeFunctions::defineStaticMethod(const QByteArray& package, const QStrin
 void NativeFunctions::defineOfApplications(const QString& name) {
     dTHX;
     const QByteArray wholeName = "main::" + name.toUtf8();
-    if (m_globalNames.contains(name) || get_cvn_flags(wholeName.constData(),
-                                                      static_cast<STRLEN>(wholeName.size()), 0))
+    if (m_globalNames.contains(name) ||
+        get_cvn_flags(wholeName.constData(), static_cast<STRLEN>(wholeName.size()), 0))
         return;
     add("main", name, std::make_unique<Target>());
     addGlobalName(name);

@@ -11,8 +11,8 @@
 
 namespace Tamrix::PerlPlugin {
 
-/// The library's functions as functions of Perl, for one interpreter. An argument "-name" in front of
-/// another one, at the end of a call, gives that one by the name of a parameter.
+/// The library's functions as functions of Perl, for one interpreter. An argument "-name" in front
+/// of another one, at the end of a call, gives that one by the name of a parameter.
 class NativeFunctions {
 public:
     NativeFunctions();
@@ -32,6 +32,7 @@ public:
 
     /// A name in `main` that `use tamrix` brings into other packages.
     void addGlobalName(const QString& name);
+    bool hasGlobalName(const QString& name) const { return m_globalNames.contains(name); }
 
 private:
     struct Target;

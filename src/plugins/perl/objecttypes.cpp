@@ -15,7 +15,8 @@ namespace {
 
 ScriptFailure noObject(const QString& name) {
     return {ScriptFailure::Kind::NoMember,
-            QStringLiteral("'%1' was not called on an object of an application").arg(name), false,
+            QStringLiteral("'%1' was not called on an object of an application").arg(name),
+            false,
             {}};
 }
 
@@ -27,8 +28,8 @@ NativeEnd guarded(pTHX_ Work work) {
     } catch (const ScriptErrorSet&) {
         return endOfCall(aTHX);
     } catch (const std::exception& exception) {
-        return failing(aTHX_ thrownIn(QStringLiteral("The object"),
-                                      QString::fromUtf8(exception.what())));
+        return failing(
+            aTHX_ thrownIn(QStringLiteral("The object"), QString::fromUtf8(exception.what())));
     }
 }
 
@@ -171,9 +172,8 @@ NativeEnd recordFields(pTHX_ CV*, SV** arguments, int count) {
     const TestDataRecord* const header = row ? row->set->header() : nullptr;
     for (int column = 0; header && column < header->count(); ++column) {
         const SvRef key = toPerl(aTHX_ header->valueAsString(column));
-        static_cast<void>(
-            hv_store_ent(fields, key.get(),
-                         toPerl(aTHX_ row->record->valueAsString(column)).release(), 0));
+        static_cast<void>(hv_store_ent(
+            fields, key.get(), toPerl(aTHX_ row->record->valueAsString(column)).release(), 0));
     }
     return returning(aTHX_ SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(fields))));
 }

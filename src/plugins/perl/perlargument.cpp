@@ -22,11 +22,11 @@ bool isIntegral(NV number) {
 
 [[noreturn]] void refuseInteger(SV* value) {
     dTHX;
-    throwFailure({ScriptFailure::Kind::BadArgument,
-                  QStringLiteral("%1 is too large: only 64 bits can be passed on")
-                      .arg(textOf(aTHX_ value)),
-                  false,
-                  {}});
+    throwFailure(
+        {ScriptFailure::Kind::BadArgument,
+         QStringLiteral("%1 is too large: only 64 bits can be passed on").arg(textOf(aTHX_ value)),
+         false,
+         {}});
 }
 
 /// The container behind a reference, with what a tied one gives.

@@ -58,9 +58,7 @@ public:
     List toList() const override;
     Map toMap() const override;
     SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
-    SharedPtr<TestDataSet> toTestDataSet() const override {
-        return DataSetHolder::unwrap(value());
-    }
+    SharedPtr<TestDataSet> toTestDataSet() const override { return DataSetHolder::unwrap(value()); }
     SharedPtr<ApplicationContext> toApplicationContext() const override {
         return ApplicationContextHolder::unwrap(value());
     }

@@ -28,6 +28,9 @@ QByteArray packageOf(const QString& className) {
 
 }  // namespace
 
+PerlContext::PerlContext(CaseInterpreter& interpreter)
+    : LanguageContext(interpreter), m_interpreter(interpreter) {}
+
 ScriptContext* PerlContext::createSubContext() {
     auto* const context = new PerlContext(m_interpreter);
     context->setTestResult(testResult());
@@ -110,8 +113,8 @@ SharedPtr<ScriptArgument> PerlContext::createTestDataSet(TestDataSet* dataSet) {
 
 SharedPtr<ScriptArgument> PerlContext::createContext(SharedPtr<ApplicationContext> context) {
     dTHX;
-    return argumentOf(ApplicationContextHolder::wrap(aTHX_ std::move(context),
-                                                     "tamrix::ApplicationContext"));
+    return argumentOf(
+        ApplicationContextHolder::wrap(aTHX_ std::move(context), "tamrix::ApplicationContext"));
 }
 
 SharedPtr<ScriptArgument> PerlContext::createLocation(const ScriptLocation& location) {
@@ -149,9 +152,9 @@ void PerlContext::addConstant(const QString& name, int value) {
     const int separator = name.lastIndexOf(QStringLiteral("::"));
     const QByteArray package = separator < 0 ? QByteArray("main") : name.left(separator).toUtf8();
     const QByteArray constant = name.mid(separator < 0 ? 0 : separator + 2).toUtf8();
-    newCONSTSUB(gv_stashpvn(package.constData(), static_cast<U32>(package.size()),
-                            GV_ADD | SVf_UTF8),
-                constant.constData(), newSViv(value));
+    newCONSTSUB(
+        gv_stashpvn(package.constData(), static_cast<U32>(package.size()), GV_ADD | SVf_UTF8),
+        constant.constData(), newSViv(value));
     if (separator < 0)
         m_interpreter.functions().addGlobalName(name);
 }
@@ -227,15 +230,6 @@ bool PerlContext::evaluate(const QString& text, const QString& fileName) {
                            QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
-}
-
-Gherkin::ScriptActions* PerlContext::gherkinScriptActions(const QString& featureFile) {
-    StepActions& actions = m_interpreter.steps();
-    const QString error = actions.prepare(featureFile);
-    if (error.isEmpty())
-        return &actions;
-    setError(error);
-    return nullptr;
 }
 
 }  // namespace Tamrix::PerlPlugin

@@ -10,7 +10,7 @@ class CaseInterpreter;
 /// The context of all calls of one interpreter.
 class PerlContext final : public LanguageContext {
 public:
-    explicit PerlContext(CaseInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit PerlContext(CaseInterpreter& interpreter);
 
     ScriptContext* createSubContext() override;
     /// Nothing is ever pending in Perl when a native function begins.
@@ -47,7 +47,6 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
-    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     CaseInterpreter& m_interpreter;

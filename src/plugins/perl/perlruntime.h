@@ -1,8 +1,8 @@
 #pragma once
 
-#include <csignal>
 #include <QStringList>
 #include <array>
+#include <csignal>
 
 #include "plugins/perl/perlheaders.h"
 

@@ -33,8 +33,8 @@ template <typename Work>
 NativeEnd withSteps(pTHX_ int count, int wanted, Work work) {
     CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
     if (!interpreter)
-        return failing(aTHX_ refusedCall(QStringLiteral("bdd"),
-                                         CaseInterpreter::active() != nullptr));
+        return failing(
+            aTHX_ refusedCall(QStringLiteral("bdd"), CaseInterpreter::active() != nullptr));
     if (count < wanted)
         return failing(aTHX_{ScriptFailure::Kind::BadArgument,
                              QStringLiteral("Too few arguments for a function of bdd"),
@@ -43,8 +43,8 @@ NativeEnd withSteps(pTHX_ int count, int wanted, Work work) {
     try {
         return returning(aTHX_ work(*interpreter));
     } catch (const Gherkin::ExpressionError& error) {
-        return failing(aTHX_{
-            ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
+        return failing(
+            aTHX_{ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
     } catch (const ScriptErrorSet&) {
         return endOfCall(aTHX);
     }
@@ -53,10 +53,9 @@ NativeEnd withSteps(pTHX_ int count, int wanted, Work work) {
 /// expression, whether it is regular, function
 NativeEnd registerStep(pTHX_ CV*, SV** arguments, int count) {
     return withSteps(aTHX_ count, 3, [&](CaseInterpreter& interpreter) {
-        interpreter.steps().registry().addStep(utf8Of(aTHX_ arguments[0]),
-                                               SvTRUE_nomg(arguments[1]),
-                                               functionOf(aTHX_ arguments[2]),
-                                               callingLine(interpreter));
+        interpreter.steps().registry().addStep(
+            utf8Of(aTHX_ arguments[0]), SvTRUE_nomg(arguments[1]), functionOf(aTHX_ arguments[2]),
+            callingLine(interpreter));
         return SvRef();
     });
 }
@@ -97,8 +96,7 @@ NativeEnd contextGet(pTHX_ CV*, SV** arguments, int count) {
 NativeEnd contextSet(pTHX_ CV*, SV** arguments, int count) {
     return withSteps(aTHX_ count, 2, [&](CaseInterpreter& interpreter) {
         interpreter.steps().scopes().set(
-            textOf(aTHX_ arguments[0]),
-            new PerlArgument(SvRef::steal(newSVsv_nomg(arguments[1]))));
+            textOf(aTHX_ arguments[0]), new PerlArgument(SvRef::steal(newSVsv_nomg(arguments[1]))));
         return SvRef();
     });
 }
@@ -149,8 +147,8 @@ StepLanguage::Value PerlSteps::tableValue(const Gherkin::Step& step) {
             cells.push_back(context.createString(QString::fromStdString(cell.text)));
         rows.push_back(context.createList(cells));
     }
-    return new PerlArgument(valueOrThrow(callOwn(
-        aTHX_ "bdd::Table::_make", {SvRef::borrow(valueOf(context.createList(rows)))})));
+    return new PerlArgument(valueOrThrow(
+        callOwn(aTHX_ "bdd::Table::_make", {SvRef::borrow(valueOf(context.createList(rows)))})));
 }
 
 QString PerlSteps::snippetText(const StepSnippet& snippet) {

@@ -74,8 +74,7 @@ QString PerlValueTexts::bounded(pTHX_ SV* value, int depth) {
     const char* const bytes = SvPV_nomg_const(value, size);
     // More bytes than characters are shown need not be looked at.
     const QString text = textOfBytes(
-        aTHX_ bytes, std::min<STRLEN>(size, static_cast<STRLEN>(4 * (longest + 1))),
-        SvUTF8(value));
+        aTHX_ bytes, std::min<STRLEN>(size, static_cast<STRLEN>(4 * (longest + 1))), SvUTF8(value));
     return isNumberValue(aTHX_ value) || isGV(value) ? text : quoted(text);
 }
 
@@ -87,8 +86,8 @@ QString PerlValueTexts::referenceText(pTHX_ SV* value, int depth) {
         return "qr/" + textOfBytes(aTHX_ bytes, size, SvUTF8(target)) + "/";
     }
     if (!SvOBJECT(target)) {
-        const bool isContainer = SvTYPE(target) == SVt_PVAV || SvTYPE(target) == SVt_PVHV ||
-                                 SvTYPE(target) == SVt_PVCV;
+        const bool isContainer =
+            SvTYPE(target) == SVt_PVAV || SvTYPE(target) == SVt_PVHV || SvTYPE(target) == SVt_PVCV;
         if (!isContainer && depth >= deepest)
             return QStringLiteral("...");
         return isContainer ? bounded(aTHX_ target, depth) : "\\" + bounded(aTHX_ target, depth + 1);
@@ -105,10 +104,13 @@ QString PerlValueTexts::arrayText(pTHX_ AV* array, int depth) {
     if (isTied(reinterpret_cast<SV*>(array)))
         return QStringLiteral("<tied>");
     SSize_t index = 0;
-    return "[" + itemsText(depth, static_cast<qint64>(av_count(array)), [&] {
-               SV** const place = av_fetch(array, index++, 0);
-               return bounded(aTHX_ place ? *place : nullptr, depth + 1);
-           }) + "]";
+    return "[" +
+           itemsText(depth, static_cast<qint64>(av_count(array)),
+                     [&] {
+                         SV** const place = av_fetch(array, index++, 0);
+                         return bounded(aTHX_ place ? *place : nullptr, depth + 1);
+                     }) +
+           "]";
 }
 
 QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
@@ -126,10 +128,13 @@ QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
         std::sort(entries.begin(), entries.end());
     }
     std::size_t index = 0;
-    return "{" + itemsText(depth, static_cast<qint64>(HvUSEDKEYS(hash)), [&] {
-               const auto& [key, value] = entries[index++];
-               return quoted(key) + " => " + bounded(aTHX_ value, depth + 1);
-           }) + "}";
+    return "{" +
+           itemsText(depth, static_cast<qint64>(HvUSEDKEYS(hash)),
+                     [&] {
+                         const auto& [key, value] = entries[index++];
+                         return quoted(key) + " => " + bounded(aTHX_ value, depth + 1);
+                     }) +
+           "}";
 }
 
 QString PerlValueTexts::objectText(pTHX_ SV* value) {

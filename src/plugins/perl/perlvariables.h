@@ -9,7 +9,8 @@ namespace Tamrix::PerlPlugin {
 
 class CaseInterpreter;
 
-/// Lists the variables of a Perl script that stands still: those of `my`, then those of the package.
+/// Lists the variables of a Perl script that stands still: those of `my`, then those of the
+/// package.
 class PerlVariables final : public LanguageVariables {
 public:
     PerlVariables(CaseInterpreter& interpreter, LanguageDebugger& debugger)

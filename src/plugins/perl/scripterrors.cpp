@@ -1,6 +1,7 @@
 #include "plugins/perl/scripterrors.h"
 
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "interpreter/bridge/debugger.h"
 #include "plugins/perl/caseinterpreter.h"
@@ -13,6 +14,11 @@
 namespace Tamrix::PerlPlugin {
 
 namespace {
+
+int runningDepth(pTHX) {
+    CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
+    return interpreter ? static_cast<int>(scriptFrames(aTHX_ interpreter->files()).size()) : 0;
+}
 
 /// What Perl writes behind a message that does not end with a line feed.
 const QRegularExpression& placeExpression() {
@@ -83,7 +89,7 @@ SvRef exceptionOf(pTHX_ const ScriptFailure& failure, const LineInfo& position) 
 
 }  // namespace
 
-bool ScriptErrors::note(pTHX_ SV* exception, std::vector<LineInfo> stack) {
+bool ScriptErrors::note(pTHX_ SV* exception) {
     // What is raised once more stands where it did at first; with text only what Perl has told the
     // place of can be known again.
     if (isNoted(aTHX_ exception)) {
@@ -91,7 +97,8 @@ bool ScriptErrors::note(pTHX_ SV* exception, std::vector<LineInfo> stack) {
             m_noted = SvRef::steal(newSVsv_nomg(exception));
         return false;
     }
-    m_stack = std::move(stack);
+    m_stack = positionsOf(runningCode(aTHX));
+    m_depth = runningDepth(aTHX);
     if (m_origin.isValid())
         m_stack.insert(m_stack.begin(), m_origin);
     m_origin = LineInfo();
@@ -124,6 +131,7 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
     CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
     if (isSame) {
         error.callStack = m_stack;
+        leaveRunningCalls(aTHX_ error.callStack);
     } else if (interpreter && !SvROK(value)) {
         // Code that can't be compiled has come to no line.
         const LineInfo place = placeInText(PerlPlugin::textOf(aTHX_ value), interpreter->files());
@@ -134,8 +142,8 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
         SvROK(value) ? QRegularExpressionMatch()
                      : placeExpression().match(PerlPlugin::textOf(aTHX_ value));
     error.outermostLine = !error.callStack.empty() ? error.callStack.back().lineNumber()
-                          : place.hasMatch() ? place.captured(QStringLiteral("line")).toInt()
-                                             : 0;
+                          : place.hasMatch()       ? place.captured(QStringLiteral("line")).toInt()
+                                                   : 0;
     clear();
     return error;
 }
@@ -143,6 +151,13 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
 void ScriptErrors::clear() {
     m_noted = SvRef();
     m_stack.clear();
+}
+
+void ScriptErrors::leaveRunningCalls(pTHX_ std::vector<LineInfo>& stack) const {
+    const int running = runningDepth(aTHX);
+    const auto own = static_cast<std::size_t>(std::max(m_depth - running, 1));
+    if (running > 0 && stack.size() > own)
+        stack.resize(own);
 }
 
 QString ScriptErrors::messageOf(pTHX_ SV* exception) {

@@ -13,9 +13,9 @@ namespace Tamrix::PerlPlugin {
 /// where one is raised. Script thread only.
 class ScriptErrors {
 public:
-    /// An exception is on its way, before any call is left. `stack` is where the script is. False for
-    /// one that is raised once more.
-    bool note(pTHX_ SV* exception, std::vector<LineInfo> stack);
+    /// An exception is on its way, before any call is left. False for one that is raised once
+    /// more.
+    bool note(pTHX_ SV* exception);
     /// The next exception stands in a file that is none of Perl's, such as a feature file.
     void setOrigin(const LineInfo& position) { m_origin = position; }
 
@@ -32,9 +32,14 @@ private:
     /// Whether it is the exception that was noted last, or one that Perl has made of it.
     bool isNoted(pTHX_ SV* exception) const;
 
+    /// Without the calls that are still running: they are not the exception's yet.
+    void leaveRunningCalls(pTHX_ std::vector<LineInfo>& stack) const;
+
     /// A weak reference to an object, or the text.
     SvRef m_noted;
     std::vector<LineInfo> m_stack;
+    /// Of scripts, of which the stack may have only the innermost.
+    int m_depth = 0;
     LineInfo m_origin;
 };
 

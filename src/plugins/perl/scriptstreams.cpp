@@ -18,15 +18,24 @@ QString printedText(pTHX_ SV* value) {
     return textOfBytes(aTHX_ bytes, size, isUtf8);
 }
 
+/// Perl's warning that a script has a function of its own by a name of the library, which it may.
+bool isAboutOwnNames(CaseInterpreter& interpreter, const QString& text) {
+    const QString start = QStringLiteral("Subroutine ");
+    const QString rest = text.startsWith(start) ? text.mid(start.size()) : QString();
+    return rest.section(' ', 1, 1) == "redefined" &&
+           interpreter.functions().hasGlobalName(rest.section(' ', 0, 0));
+}
+
 NativeEnd print(pTHX_ CV*, SV** arguments, int count) {
     if (count != 2)
         return returning(aTHX_ SvRef());
     const auto stream = SvTRUE_nomg(arguments[0]) ? ScriptOutput::Stderr : ScriptOutput::Stdout;
     const QString text = printedText(aTHX_ arguments[1]);
-    if (CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread())
-        interpreter->output().write(stream, text);
-    else
+    CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
+    if (!interpreter || interpreter->isInChild())
         ScriptOutput::writeToProcess(stream, text);
+    else if (stream == ScriptOutput::Stdout || !isAboutOwnNames(*interpreter, text))
+        interpreter->output().write(stream, text);
     return returning(aTHX_ SvRef());
 }
 
