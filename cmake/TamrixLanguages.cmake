@@ -20,6 +20,13 @@ pkg_check_modules(MozJs IMPORTED_TARGET mozjs-102)
 tamrix_language(javascript "${MozJs_FOUND}" libmozjs-102-dev)
 
 find_package(PerlLibs 5.36)
+if(PERLLIBS_FOUND)
+    add_library(Perl::Embedded INTERFACE IMPORTED)
+    target_link_libraries(Perl::Embedded INTERFACE ${PERL_LIBRARY})
+    target_include_directories(Perl::Embedded SYSTEM INTERFACE ${PERL_INCLUDE_PATH})
+    # What Perl itself was compiled with; its definitions change nothing on 64 bits.
+    target_compile_options(Perl::Embedded INTERFACE -fno-strict-aliasing)
+endif()
 tamrix_language(perl "${PERLLIBS_FOUND}" libperl-dev)
 
 pkg_check_modules(Ruby IMPORTED_TARGET ruby-3.1)

@@ -94,6 +94,8 @@ private:
     QString common(QString text) const {
         text.replace(m_suite, "<SUITE>");
         for (const auto& [name, own] : m_facts.names) {
+            if (own.isEmpty())
+                continue;
             const QRegularExpression expression("(^|\n|: |by |Raised )" +
                                                 QRegularExpression::escape(own) + "(?=:|$|\n)");
             text.replace(expression, "\\1" + name);
@@ -141,6 +143,14 @@ LanguageFacts LanguageFacts::read(const QString& path) {
             facts.names.append({cells[0], cells[1]});
     }
     return facts;
+}
+
+QString LanguageFacts::withoutMissingNames(QString journal) const {
+    for (const auto& [name, own] : names) {
+        if (own.isEmpty())
+            journal.remove(name + ": ");
+    }
+    return journal;
 }
 
 QMap<QString, QString> caseJournals(const std::vector<Json::Value>& entries, const QString& suite,

@@ -57,10 +57,12 @@ TEST_P(RealPrograms, SuitesPass) {
     } suites[] = {
 #ifdef TAMRIX_TEST_QT6
         {"examples/suite_applications", {}},
+        {"examples/suite_applications_perl", {}},
         {"examples/suite_features", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
+        {"examples/suite_applications_perl", {"calculator", "address_book", "quick_scene"}},
 #endif
         {"examples/suite_names", {}},
         {"examples/suite_pictures", {}},

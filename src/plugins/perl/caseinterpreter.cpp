@@ -1,0 +1,293 @@
+#include "plugins/perl/caseinterpreter.h"
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "interpreter/language/scripterrorset.h"
+#include "plugins/perl/conversion.h"
+#include "plugins/perl/departure.h"
+#include "plugins/perl/frameevaluation.h"
+#include "plugins/perl/hooks.h"
+#include "plugins/perl/nativeclasses.h"
+#include "plugins/perl/objecttypes.h"
+#include "plugins/perl/perlcontext.h"
+#include "plugins/perl/perldebugger.h"
+#include "plugins/perl/perlsteps.h"
+#include "plugins/perl/prelude.h"
+#include "plugins/perl/scriptstreams.h"
+
+namespace Tamrix::PerlPlugin {
+
+namespace {
+
+/// Stands for the file of code that has none.
+const QString noFile = QStringLiteral("<init script>");
+
+/// The text with what tells Perl its file and, once it runs, us that it could be compiled.
+SvRef withPlace(pTHX_ const QString& text, const QByteArray& codeFile) {
+    const QString place =
+        codeFile.isEmpty() ? QString()
+                           : QStringLiteral("\n#line 1 \"%1\"\n").arg(QString::fromUtf8(codeFile));
+    const QString whole = "$tamrix::isCompiled = 1; " + place + text;
+    SvRef value = toPerl(aTHX_ whole);
+    // Characters, also where all of them are ASCII.
+    SvUTF8_on(value.get());
+    return value;
+}
+
+}  // namespace
+
+CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
+    : LanguageInterpreter(runner, Perl), m_files(m_runtime.libraryFolders()), m_process(getpid()) {
+    m_context = std::make_unique<PerlContext>(*this);
+    m_debugger = std::make_unique<PerlDebugger>(*this);
+    defineOwnFunctions();
+    runPrelude();
+    begin(std::make_unique<PerlSteps>(*this));
+    installHooks(m_runtime.perl());
+}
+
+CaseInterpreter::~CaseInterpreter() {
+    m_runtime.enter();
+    m_checked.reset();
+    m_initialNames = SvRef();
+    m_initialModules = SvRef();
+    end();
+    leaveActive();
+    m_errors.clear();
+    m_debugger.reset();
+    m_context.reset();
+    setHookedRuntime(nullptr);
+    m_runtime.end();
+    if (CaseInterpreter* const other = active()) {
+        other->m_runtime.enter();
+        setHookedRuntime(other->perl());
+    }
+}
+
+LanguageContext& CaseInterpreter::context() {
+    return *m_context;
+}
+
+LanguageDebugger& CaseInterpreter::languageDebugger() {
+    return *m_debugger;
+}
+
+bool CaseInterpreter::isInChild() const {
+    return getpid() != m_process;
+}
+
+void CaseInterpreter::defineOwnFunctions() {
+    pTHX = perl();
+    defineObjectTypes(aTHX);
+    defineStreams(aTHX);
+    defineStepFunctions(aTHX);
+}
+
+void CaseInterpreter::runPrelude() {
+    pTHX = perl();
+    const SvRef text = SvRef::steal(newSVpv(preludeText, 0));
+    const CodeEnd end = evaluateCode(aTHX_ text.get());
+    if (end.ending != Ending::Returned)
+        throw std::runtime_error(end.value
+                                     ? ScriptErrors::messageOf(aTHX_ end.value.get()).toStdString()
+                                     : "Perl has left the plug-in's own code");
+}
+
+void CaseInterpreter::exceptionRaised(pTHX_ SV* exception) {
+    if (m_errors.note(aTHX_ exception))
+        m_debugger->errorPasses(aTHX_ exception);
+}
+
+// Names for scripts
+
+void CaseInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                                        const QStringList& requiredParameters,
+                                        const QStringList& optionalParameters,
+                                        const QString& description) {
+    m_functions.define(
+        "main", name,
+        NativeFunction(context(), {name, {}, requiredParameters, optionalParameters, description},
+                       function));
+}
+
+void CaseInterpreter::addNativeType(const QString& name, void* typeId,
+                                    const NativeScriptType& type) {
+    defineNativeClass(*this, name, typeId, type);
+}
+
+void CaseInterpreter::publishFunctions(const QStringList& names) {
+    for (const QString& name : names)
+        m_functions.defineOfApplications(name);
+}
+
+QString CaseInterpreter::addToSearchPath(const QFileInfo& directory) {
+    m_folders.append(directory.absoluteFilePath());
+    m_runtime.setSearchPath(m_folders);
+    return {};
+}
+
+void CaseInterpreter::startScript(const QString& path, const QStringList& arguments,
+                                  const QStringList& folders) {
+    m_runtime.enter();
+    setHookedRuntime(perl());
+    m_runtime.noteSignals();
+    pTHX = perl();
+    m_checked.reset();
+    departure() = Departure();
+    if (m_initialNames) {
+        callOwn(aTHX_ "tamrix::_forget", {m_initialNames, m_initialModules});
+    } else {
+        m_initialNames = callOwn(aTHX_ "tamrix::_names", {}).value;
+        m_initialModules =
+            SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(newHVhv(get_hv("INC", GV_ADD)))));
+    }
+    m_folders = folders + m_folders;
+    m_folders.removeDuplicates();
+    m_runtime.setSearchPath(m_folders);
+    AV* const values = get_av("ARGV", GV_ADD);
+    av_clear(values);
+    for (const QString& argument : arguments)
+        av_push(values, toPerl(aTHX_ argument).release());
+    // Without what an assignment does, which is to rename the process.
+    const QByteArray script = path.toUtf8();
+    sv_setpvn(get_sv("0", GV_ADD), script.constData(), static_cast<STRLEN>(script.size()));
+}
+
+bool CaseInterpreter::isOwnName(HV* package, const QString& name) const {
+    pTHX = perl();
+    if (package != PL_defstash || !m_initialNames || !SvROK(m_initialNames.get()))
+        return false;
+    const SvRef key = toPerl(aTHX_ name);
+    return hv_exists_ent(reinterpret_cast<HV*>(SvRV(m_initialNames.get())), key.get(), 0);
+}
+
+CV* CaseInterpreter::mainFunction(const QString& name) const {
+    pTHX = perl();
+    const QByteArray wholeName = "main::" + name.toUtf8();
+    CV* const function =
+        get_cvn_flags(wholeName.constData(), static_cast<STRLEN>(wholeName.size()), SVf_UTF8);
+    // One that is only declared has no body.
+    return function && (CvROOT(function) || CvXSUB(function)) ? function : nullptr;
+}
+
+SharedPtr<ScriptArgument> CaseInterpreter::scriptFunction(const QString& name) {
+    m_runtime.enter();
+    pTHX = perl();
+    CV* const function = mainFunction(name);
+    if (!function || CvISXSUB(function))
+        return {};
+    return new PerlArgument(SvRef::steal(newRV_inc(reinterpret_cast<SV*>(function))));
+}
+
+SharedPtr<ScriptArgument> CaseInterpreter::libraryFunction(const QString& name) {
+    pTHX = perl();
+    CV* const function = mainFunction(name);
+    if (!function)
+        return {};
+    return new PerlArgument(SvRef::steal(newRV_inc(reinterpret_cast<SV*>(function))));
+}
+
+// Running
+
+CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileName,
+                                      bool* isCompiled) {
+    pTHX = perl();
+    SV* const flag = get_sv("tamrix::isCompiled", GV_ADD);
+    sv_setiv(flag, 0);
+    const SvRef code =
+        withPlace(aTHX_ text, fileName.isEmpty() ? QByteArray() : m_files.codeFileOf(fileName));
+    CodeEnd end = evaluateCode(aTHX_ code.get());
+    if (isCompiled)
+        *isCompiled = SvTRUE_nomg(flag);
+    return end;
+}
+
+std::optional<ScriptError> CaseInterpreter::loadText(const QString& text, const QString& fileName) {
+    pTHX = perl();
+    CodeEnd end = evaluateText("package main; " + text, fileName, nullptr);
+    output().flush();
+    if (end.ending == Ending::Left)
+        throwEnd(std::move(end));
+    if (end.ending == Ending::Returned)
+        return std::nullopt;
+    return m_errors.take(aTHX_ end.value);
+}
+
+bool CaseInterpreter::checkSyntax(const QString& text, const QString& fileName) {
+    clearError();
+    m_runtime.enter();
+    ScriptContext::setCurrent(&context());
+    departure() = Departure();
+    bool isCompiled = false;
+    CodeEnd end = evaluateText("package main; " + text, fileName, &isCompiled);
+    if (!isCompiled && end.ending == Ending::Died)
+        return finish(std::move(end), true);
+    m_checked = {text, fileName, std::move(end)};
+    return true;
+}
+
+bool CaseInterpreter::runScript(const QString& text, const QString& fileName) {
+    m_runtime.enter();
+    if (m_checked && m_checked->text == text && m_checked->fileName == fileName) {
+        CodeEnd end = std::move(m_checked->end);
+        m_checked.reset();
+        return finish(std::move(end), true);
+    }
+    departure() = Departure();
+    return finish(
+        evaluateText("package main; " + text, fileName.isEmpty() ? noFile : fileName, nullptr),
+        !fileName.isEmpty());
+}
+
+LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgument>& function,
+                                                   const CallArguments& arguments,
+                                                   const QString& /*name*/, bool isCallback) {
+    m_runtime.enter();
+    pTHX = perl();
+    if (!isCallback)
+        departure() = Departure();
+    std::vector<SvRef> values;
+    for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
+        values.push_back(SvRef::borrow(valueOf(argument)));
+    // Named ones as Perl has them: pairs behind the others.
+    for (const auto& [name, argument] : arguments.named) {
+        values.push_back(toPerl(aTHX_ name));
+        values.push_back(SvRef::borrow(valueOf(argument)));
+    }
+    CodeEnd end = callCode(aTHX_ valueOf(function), values);
+    if (isCallback && end.ending == Ending::Left)
+        throwEnd(std::move(end));
+    const bool isPending = end.ending == Ending::Died && sv_isobject(end.value.get()) &&
+                           sv_derived_from(end.value.get(), "bdd::Pending");
+    if (finish(std::move(end), true))
+        return CallEnd::Succeeded;
+    return isPending ? CallEnd::Pending : CallEnd::Failed;
+}
+
+bool CaseInterpreter::finish(CodeEnd end, bool hasFile) {
+    pTHX = perl();
+    switch (end.ending) {
+        case Ending::Returned:
+            break;
+        case Ending::Died:
+            return failWith(m_errors.take(aTHX_ end.value), hasFile);
+        case Ending::Left:
+            return failWith(ScriptErrors::ofDeparture(aTHX), hasFile);
+    }
+    return succeed();
+}
+
+Outcome<QString> CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+    pTHX = perl();
+    return evaluateInFrame(aTHX_ m_errors,
+                           frame ? std::any_cast<CodeFrame>(frame->own) : CodeFrame(), code);
+}
+
+LineInfo CaseInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
+    pTHX = perl();
+    return placeOfFunction(aTHX_ m_files, valueOf(function));
+}
+
+}  // namespace Tamrix::PerlPlugin

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSet>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "interpreter/language/nativefunction.h"
+#include "plugins/perl/guardedcall.h"
+
+namespace Tamrix::PerlPlugin {
+
+/// The library's functions as functions of Perl, for one interpreter. An argument "-name" in front
+/// of another one, at the end of a call, gives that one by the name of a parameter.
+class NativeFunctions {
+public:
+    NativeFunctions();
+    ~NativeFunctions();
+
+    /// A function in a package. A method takes its object first, a constructor its class.
+    void define(const QByteArray& package, const QString& name, NativeFunction function);
+    /// A property as a function: without an argument it reads, with one it writes. The setter is
+    /// null for one that can't be written.
+    void defineProperty(const QByteArray& package, const QString& name, NativeFunction getter,
+                        std::unique_ptr<NativeFunction> setter);
+    /// A static method: what is called by the class or by an object has that in front.
+    void defineStaticMethod(const QByteArray& package, const QString& name,
+                            NativeFunction function);
+    /// A function of applications, unless scripts have the name for something else.
+    void defineOfApplications(const QString& name);
+
+    /// A name in `main` that `use tamrix` brings into other packages.
+    void addGlobalName(const QString& name);
+    bool hasGlobalName(const QString& name) const { return m_globalNames.contains(name); }
+
+private:
+    struct Target;
+    Target& add(const QByteArray& package, const QString& name, std::unique_ptr<Target> target);
+    static NativeEnd call(pTHX_ CV* function, SV** arguments, int count);
+
+    std::vector<std::unique_ptr<Target>> m_targets;
+    QSet<QString> m_globalNames;
+};
+
+/// Arguments as the script wrote them; `isParameter` says what names there are.
+CallArguments givenArguments(pTHX_ SV** arguments, int count,
+                             const std::function<bool(const QString&)>& isParameter);
+
+/// Gives a package a function of C++.
+CV* defineBody(pTHX_ const QByteArray& name, XSUBADDR_t body);
+
+/// What a script gets.
+NativeEnd resultOf(pTHX_ const ScriptResult& result);
+
+}  // namespace Tamrix::PerlPlugin

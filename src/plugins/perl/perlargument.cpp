@@ -1,0 +1,230 @@
+#include "plugins/perl/perlargument.h"
+
+#include <cmath>
+
+#include "interpreter/language/scriptfailure.h"
+#include "platform/objectmodel/inspector.h"
+#include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/conversion.h"
+#include "plugins/perl/nativeclasses.h"
+#include "plugins/perl/perlvaluetexts.h"
+
+namespace Tamrix::PerlPlugin {
+
+namespace {
+
+/// Beyond these a double is no integer of 64 bits.
+constexpr double integerLimit = 9223372036854775808.0;
+
+bool isIntegral(NV number) {
+    return std::trunc(number) == number && std::abs(number) <= integerLimit;
+}
+
+[[noreturn]] void refuseInteger(SV* value) {
+    dTHX;
+    throwFailure(
+        {ScriptFailure::Kind::BadArgument,
+         QStringLiteral("%1 is too large: only 64 bits can be passed on").arg(textOf(aTHX_ value)),
+         false,
+         {}});
+}
+
+/// The container behind a reference, with what a tied one gives.
+SvRef plainContainer(pTHX_ SV* reference, const char* copy) {
+    if (!SvMAGICAL(SvRV(reference)))
+        return SvRef::borrow(SvRV(reference));
+    const SvRef made = valueOrThrow(callOwn(aTHX_ copy, {SvRef::borrow(reference)}));
+    return SvRef::borrow(SvRV(made.get()));
+}
+
+SharedPtr<ScriptArgument> element(pTHX_ SV* value) {
+    if (!value)
+        return new PerlArgument(SvRef::steal(newSV(0)));
+    const SvRef plain = plainValue(aTHX_ value);
+    return new PerlArgument(PerlArgument::kept(aTHX_ plain.get()));
+}
+
+}  // namespace
+
+// Type tests
+
+QString PerlArgument::typeName() const {
+    dTHX;
+    if (SvROK(value()))
+        return QString::fromUtf8(sv_reftype(SvRV(value()), 1)).remove(QStringLiteral("tamrix::"));
+    if (!SvOK(value()))
+        return QStringLiteral("undef");
+    if (isBool())
+        return QStringLiteral("boolean");
+    if (!isNumber())
+        return QStringLiteral("string");
+    return SvIOK(value()) ? QStringLiteral("integer") : QStringLiteral("number");
+}
+
+bool PerlArgument::isBool() const {
+    dTHX;
+    return SvIsBOOL(value());
+}
+
+bool PerlArgument::isNumber() const {
+    dTHX;
+    return isNumberValue(aTHX_ value());
+}
+
+bool PerlArgument::isInteger() const {
+    return isNumber() && (SvIOK(value()) || isIntegral(SvNVX(value())));
+}
+
+bool PerlArgument::isString() const {
+    return SvPOK(value()) && !SvROK(value()) && !isBool();
+}
+
+bool PerlArgument::isStringLike() const {
+    if (isString())
+        return true;
+    dTHX;
+    return sv_isobject(value()) && SvAMAGIC(value()) && !SvREADONLY(SvRV(value())) &&
+           gv_fetchmeth_pvn(SvSTASH(SvRV(value())), "(\"\"", 3, -1, 0) && !isObject() &&
+           !NativeHolder::check(value()) && !toApplicationContext();
+}
+
+bool PerlArgument::isCallable() const {
+    return SvROK(value()) && SvTYPE(SvRV(value())) == SVt_PVCV;
+}
+
+bool PerlArgument::isList() const {
+    return isPlainReference(value(), SVt_PVAV);
+}
+
+bool PerlArgument::isMap() const {
+    return isPlainReference(value(), SVt_PVHV);
+}
+
+// Conversions
+
+bool PerlArgument::toBool() const {
+    dTHX;
+    if (!SvAMAGIC(value()))
+        return SvTRUE_nomg(value());
+    return SvTRUE_nomg(
+        valueOrThrow(callOwn(aTHX_ "tamrix::_truth", {SvRef::borrow(value())})).get());
+}
+
+double PerlArgument::toDouble() const {
+    dTHX;
+    return isNumber() || isBool() ? SvNV_nomg(value()) : 0;
+}
+
+long long PerlArgument::toInt() const {
+    dTHX;
+    if (!isNumber() && !isBool())
+        return 0;
+    if (SvIOK(value())) {
+        if (SvIsUV(value()) && SvUVX(value()) > static_cast<UV>(IV_MAX))
+            refuseInteger(value());
+        return SvIVX(value());
+    }
+    // Truncated as Perl's int() does.
+    const NV number = std::trunc(SvNV_nomg(value()));
+    if (std::isnan(number) || number >= integerLimit || number < -integerLimit)
+        refuseInteger(value());
+    return static_cast<long long>(number);
+}
+
+QString PerlArgument::toString() const {
+    dTHX;
+    // Perl has the address of a container for its text, which tells nobody anything.
+    if (isList() || isMap())
+        return PerlValueTexts().textOf(aTHX_ value());
+    return PerlPlugin::textOf(aTHX_ value());
+}
+
+const Class* PerlArgument::toClass() const {
+    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
+}
+
+ScriptArgument::List PerlArgument::toList() const {
+    List values;
+    if (!isList())
+        return values;
+    dTHX;
+    const SvRef container = plainContainer(aTHX_ value(), "tamrix::_list");
+    auto* const array = reinterpret_cast<AV*>(container.get());
+    const SSize_t count = av_count(array);
+    values.reserve(static_cast<std::size_t>(count));
+    // The array may shrink: fetching an element can run code of the script.
+    for (SSize_t index = 0; index < count; ++index) {
+        SV** const place = av_fetch(array, index, 0);
+        values.push_back(element(aTHX_ place ? *place : nullptr));
+    }
+    return values;
+}
+
+ScriptArgument::Map PerlArgument::toMap() const {
+    Map values;
+    if (!isMap())
+        return values;
+    dTHX;
+    const SvRef container = plainContainer(aTHX_ value(), "tamrix::_map");
+    auto* const hash = reinterpret_cast<HV*>(container.get());
+    // A copy of the entries: fetching one can run code of the script.
+    std::vector<std::pair<QString, SvRef>> entries;
+    hv_iterinit(hash);
+    while (HE* const entry = hv_iternext(hash)) {
+        STRLEN size = 0;
+        const char* const key = HePV(entry, size);
+        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)),
+                             SvRef::borrow(HeVAL(entry)));
+    }
+    for (const auto& [key, entry] : entries)
+        values[key] = element(aTHX_ entry.get());
+    return values;
+}
+
+SharedPtr<NativeScriptObject> PerlArgument::toNative(void* typeId) const {
+    const SharedPtr<NativeScriptObject> native = NativeHolder::unwrap(value());
+    if (native && isNativeTypeDerivedFrom(native->typeId(), typeId))
+        return native;
+    return {};
+}
+
+const TestDataRecord* PerlArgument::toTestDataRecord() const {
+    const SharedPtr<DataRecord> row = RecordHolder::unwrap(value());
+    return row ? row->record : nullptr;
+}
+
+std::optional<QVariant> PerlArgument::toVariant() const {
+    if (isNull())
+        return QVariant();
+    dTHX;
+    const QDateTime time = isObject() ? QDateTime() : fromPerlTime(aTHX_ value());
+    return time.isValid() ? std::optional<QVariant>(time) : ScriptArgument::toVariant();
+}
+
+// Callables
+
+SharedPtr<ScriptArgument> PerlArgument::call(const List& arguments, QString* error) {
+    dTHX;
+    std::vector<SvRef> values;
+    for (const SharedPtr<ScriptArgument>& argument : arguments)
+        values.push_back(SvRef::borrow(valueOf(argument)));
+    CodeEnd end = callCode(aTHX_ value(), values);
+    if (end.ending == Ending::Returned)
+        return new PerlArgument(std::move(end.value));
+    CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
+    // What ends the script is not the caller's to report.
+    if (end.ending == Ending::Left || !interpreter)
+        throwEnd(std::move(end));
+    const ScriptError raised = interpreter->errors().take(aTHX_ end.value);
+    interpreter->setCallErrorStack(raised.callStack);
+    *error = raised.message;
+    return {};
+}
+
+QString PerlArgument::callableIdentifier() const {
+    // References to one function come and go; the function stays.
+    return QStringLiteral("Callable|0x%1")
+        .arg(reinterpret_cast<quintptr>(SvROK(value()) ? SvRV(value()) : value()), 0, 16);
+}
+
+}  // namespace Tamrix::PerlPlugin

@@ -1,0 +1,75 @@
+#include "plugins/perl/perldebugger.h"
+
+#include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/perlvariables.h"
+
+namespace Tamrix::PerlPlugin {
+
+PerlDebugger::PerlDebugger(CaseInterpreter& interpreter)
+    : LanguageDebugger(&interpreter), m_perl(interpreter) {}
+
+PerlDebugger::~PerlDebugger() {
+    setStatementListener(nullptr);
+}
+
+void PerlDebugger::setInteractive(bool interactive) {
+    Debugger::setInteractive(interactive);
+    setStatementListener(interactive ? this : nullptr);
+}
+
+void PerlDebugger::interrupt() {
+    requestOfScript(Request::Stop);
+}
+
+void PerlDebugger::statementReached(pTHX_ const COP* statement) {
+    PERL_UNUSED_CONTEXT;
+    if (m_silences > 0)
+        return;
+    const char* const file = CopFILE(statement);
+    const QByteArray name = QByteArray::fromRawData(file, file ? qstrlen(file) : 0);
+    auto known = m_sourceIds.constFind(name);
+    if (known == m_sourceIds.constEnd()) {
+        SourceFiles& files = m_perl.files();
+        known = m_sourceIds.insert(QByteArray(name.constData(), name.size()),
+                                   files.isScript(file) ? sourceIdOf(files.path(file)) : -1);
+    }
+    if (*known >= 0)
+        lineReached(*known, static_cast<int>(CopLINE(statement)));
+}
+
+void PerlDebugger::stopRequested() {
+    if (m_silences == 0)
+        stop();
+}
+
+std::vector<ScriptFrame> PerlDebugger::runningFrames() {
+    pTHX = m_perl.perl();
+    SourceFiles& files = m_perl.files();
+    std::vector<ScriptFrame> frames;
+    for (const CodeFrame& frame : scriptFrames(aTHX_ files))
+        frames.push_back({frame, files.path(CopFILE(frame.statement)),
+                          static_cast<int>(CopLINE(frame.statement)), -1});
+    return frames;
+}
+
+int PerlDebugger::runningDepth() {
+    pTHX = m_perl.perl();
+    return static_cast<int>(scriptFrames(aTHX_ m_perl.files()).size());
+}
+
+std::unique_ptr<VariableWatcher> PerlDebugger::makeVariableWatcher() {
+    return std::make_unique<PerlVariables>(m_perl, *this);
+}
+
+void PerlDebugger::errorPasses(pTHX_ SV* exception) {
+    if (!stopsForErrors() || m_silences > 0 || m_catching > 0 || isCaughtByScript(aTHX))
+        return;
+    const QString text = ScriptErrors::messageOf(aTHX_ exception);
+    // A native function may have made another exception of one that was told.
+    const bool isTold = !m_toldText.isEmpty() && text.contains(m_toldText);
+    m_toldText = text;
+    if (!isTold)
+        stopForError(text, runningFrames());
+}
+
+}  // namespace Tamrix::PerlPlugin

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+
+#include "interpreter/language/languagedebugger.h"
+#include "plugins/perl/hooks.h"
+
+namespace Tamrix::PerlPlugin {
+
+class CaseInterpreter;
+
+/// Perl's half of the debugger. While it is interactive it is told of each statement. An exception
+/// is seen where it is raised, and nothing catches it unless an `eval` or `try` is running.
+class PerlDebugger final : public LanguageDebugger, private StatementListener {
+public:
+    explicit PerlDebugger(CaseInterpreter& interpreter);
+    ~PerlDebugger() override;
+
+    void setInteractive(bool interactive) override;
+    /// Stops between two operations. Only sets flags.
+    void interrupt() override;
+
+    /// An exception is on its way: stops when nothing will catch it.
+    void errorPasses(pTHX_ SV* exception);
+
+    /// Errors are caught by a native function as long as this exists.
+    class CatchesErrors {
+    public:
+        explicit CatchesErrors(PerlDebugger& debugger) : m_debugger(debugger) {
+            ++m_debugger.m_catching;
+        }
+        ~CatchesErrors() { --m_debugger.m_catching; }
+        CatchesErrors(const CatchesErrors&) = delete;
+        CatchesErrors& operator=(const CatchesErrors&) = delete;
+
+    private:
+        PerlDebugger& m_debugger;
+    };
+
+protected:
+    std::vector<ScriptFrame> runningFrames() override;
+    int runningDepth() override;
+    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    void enterStandstill() override { ++m_silences; }
+    void leaveStandstill() override { --m_silences; }
+
+private:
+    void statementReached(pTHX_ const COP* statement) override;
+    void stopRequested() override;
+
+    CaseInterpreter& m_perl;
+    /// Numbers of the files of scripts, -1 of all others.
+    QHash<QByteArray, int> m_sourceIds;
+    int m_silences = 0;
+    int m_catching = 0;
+    /// The text of the error that the debugger has stopped for, until it has come to an end.
+    QString m_toldText;
+};
+
+}  // namespace Tamrix::PerlPlugin

@@ -1,0 +1,18 @@
+// What the core asks of a language plug-in.
+
+#include <cstdio>
+#include <exception>
+
+#include "base/export.h"
+#include "plugins/perl/caseinterpreter.h"
+
+/// An interpreter for Perl scripts, owned by the caller; null, with a message on standard error,
+/// when Perl can't be started.
+extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
+    try {
+        return new Tamrix::PerlPlugin::CaseInterpreter(runner);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "Error creating the Perl interpreter: %s\n", exception.what());
+        return nullptr;
+    }
+}

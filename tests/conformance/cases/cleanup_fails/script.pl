@@ -1,0 +1,10 @@
+use strict;
+use warnings;
+
+sub main {
+    die 'in main';  # @main
+}
+
+sub cleanup {
+    die 'in cleanup';  # @cleanup
+}

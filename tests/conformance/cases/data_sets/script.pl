@@ -1,0 +1,13 @@
+use strict;
+use warnings;
+
+sub main {
+    my $record;
+    for my $each (@{testData::dataset('data_sets_people.tsv')}) {
+        $record = $each;
+        my $name = testData::field($record, 'Name');
+        test::log("$name is " . testData::field($record, 'Age'));  # @person
+        test::compare(testData::field($record, 0), $name);  # @column
+    }
+    test::compare(testData::fieldNames($record), ['Name', 'Age']);  # @names
+}

@@ -1,0 +1,24 @@
+use strict;
+use warnings;
+
+use bdd;
+
+ParameterType 'colour', 'red|green', sub { uc shift };
+
+BeforeScenario '@special', sub {
+    test::log('only for the tag');  # @special
+};
+
+AfterFeature sub {
+    my $context = shift;
+    test::log("done with $context->{feature}");  # @done
+};
+
+Given 'a {colour} light', sub {  # @step10
+    my ($context, $value) = @_;
+    test::log($value);  # @light
+};
+
+Given 'something to do', sub {  # @step11
+    Pending('later');  # @pending
+};

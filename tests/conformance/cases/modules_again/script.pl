@@ -1,0 +1,8 @@
+use strict;
+use warnings;
+
+use modules_helper;
+
+sub main {
+    test::compare(modules_helper::count(), 0);  # @count
+}

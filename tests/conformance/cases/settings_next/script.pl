@@ -1,0 +1,6 @@
+use strict;
+use warnings;
+
+sub main {
+    test::compare(testSettings->waitForObjectTimeout, 20000);  # @number
+}

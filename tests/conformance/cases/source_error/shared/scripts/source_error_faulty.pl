@@ -1,0 +1,4 @@
+use strict;
+use warnings;
+
+die 'in the file';
