@@ -1,5 +1,8 @@
 #include "interpreter/language/languagecontext.h"
 
+#include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/stepactions.h"
+
 namespace Tamrix {
 
 void LanguageContext::Call::keepOuter() {
@@ -29,6 +32,15 @@ void LanguageContext::setStackTraceResult(const std::vector<ScriptLocation>& tra
             inScripts.push_back(location);
     }
     ScriptContext::setStackTraceResult(inScripts);
+}
+
+Gherkin::ScriptActions* LanguageContext::gherkinScriptActions(const QString& featureFile) {
+    StepActions& actions = m_interpreter.steps();
+    const QString error = actions.prepare(featureFile);
+    if (error.isEmpty())
+        return &actions;
+    setError(error);
+    return nullptr;
 }
 
 }  // namespace Tamrix

@@ -9,10 +9,14 @@
 
 namespace Tamrix {
 
+class LanguageInterpreter;
+
 /// The context of all calls of one interpreter. It is reused: a call that comes while another one
 /// is running, from script code that a native function runs, keeps the outer call's state aside.
 class TAMRIX_EXPORT LanguageContext : public ScriptContext {
 public:
+    explicit LanguageContext(LanguageInterpreter& interpreter) : m_interpreter(interpreter) {}
+
     void setTestResult(TestResult* result) { m_testResult = result; }
 
     /// The time of one call of a native function: gives the context its arguments and takes them
@@ -67,8 +71,11 @@ public:
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
+    /// Loads the files with steps.
+    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
+    LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
     int m_depth = 0;
 };

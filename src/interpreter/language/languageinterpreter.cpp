@@ -59,8 +59,10 @@ bool LanguageInterpreter::end() {
         m_steps.reset();
         m_stepLanguage.reset();
     }
-    leaveActive();
-    return !s_active[m_language];
+    return std::none_of(s_instances.begin(), s_instances.end(),
+                        [this](const LanguageInterpreter* each) {
+                            return each != this && each->m_language == m_language;
+                        });
 }
 
 void LanguageInterpreter::leaveActive() {
@@ -153,9 +155,10 @@ LanguageInterpreter::CallEnd LanguageInterpreter::callBack(
         return end;
     // A call that was refused has come to no line.
     if (errorCallStack().empty()) {
-        const LineInfo place = placeOf(function);
-        setErrorFile(place.fileName());
-        setErrorLine(place.lineNumber());
+        if (const LineInfo place = placeOf(function); place.isValid()) {
+            setErrorFile(place.fileName());
+            setErrorLine(place.lineNumber());
+        }
     }
     std::vector<LineInfo> stack = errorCallStack();
     for (const ScriptFrame& frame : languageDebugger().frames())
@@ -185,9 +188,9 @@ bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& 
     const QRegularExpressionMatch level = s_level.match(text);
     bool isNumber = true;
     const std::size_t index = level.hasMatch() ? level.captured(1).toUInt(&isNumber) : 0;
-    Outcome<QString> result = fail(
-        FailureKind::NotFound,
-        QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1)));
+    Outcome<QString> result =
+        fail(FailureKind::NotFound,
+             QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1)));
     if (isNumber && index < frames.size()) {
         // A feature file has no names of its own: those of the code that runs it are meant.
         const auto frame =

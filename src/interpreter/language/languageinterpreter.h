@@ -83,9 +83,13 @@ protected:
     /// Registers all functions, last those of the application. Context and debugger are there. What
     /// the language throws passes, behind end().
     void begin(std::unique_ptr<StepLanguage> steps);
-    /// Takes away what holds values of the language. True when it was the last interpreter of the
-    /// language: the runtime is to be set back. Otherwise another one is active from now on.
+    /// Takes away what holds values of the language. True when there is no other interpreter of the
+    /// language: the runtime is to be set back.
     bool end();
+    /// No script of this interpreter runs any more; the one of the language that was made last
+    /// among the others becomes active. Done by the destructor when a plug-in does not need it
+    /// earlier.
+    void leaveActive();
 
     // For the language.
     /// Makes names of the application's global functions known, each as callGlobal(). A name that
@@ -99,8 +103,8 @@ protected:
     virtual SharedPtr<ScriptArgument> scriptFunction(const QString& name) = 0;
     /// A function of the library as a script would name it; null without.
     virtual SharedPtr<ScriptArgument> libraryFunction(const QString& name) = 0;
-    /// Runs the text of a script at its top level, where `fileName` may be empty. The end is told by
-    /// succeed() or failWith(), whose value is returned.
+    /// Runs the text of a script at its top level, where `fileName` may be empty. The end is told
+    /// by succeed() or failWith(), whose value is returned.
     virtual bool runScript(const QString& text, const QString& fileName) = 0;
     /// Calls a function of the script. The end is told by succeed() or failWith(). When
     /// `isCallback`, what ends the script passes as ScriptErrorSet.
@@ -124,8 +128,6 @@ protected:
 private:
     bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
     void publishFunctionsOfApplication();
-    /// The interpreter of the language that was made last among the others becomes active.
-    void leaveActive();
 
     static LanguageInterpreter* s_active[5];
     static std::vector<LanguageInterpreter*> s_instances;

@@ -18,8 +18,8 @@ NativeSignature signatureOfTable(const QString& owner, const QString& name) {
 
 NativeFunction::NativeFunction(const ScriptContext& context, NativeSignature signature, Kind kind)
     : m_kind(kind), m_table(nullptr), m_signature(std::move(signature)) {
-    m_displayName = m_signature.owner.isEmpty() ? m_signature.name
-                                                : m_signature.owner + "." + m_signature.name;
+    m_displayName =
+        m_signature.owner.isEmpty() ? m_signature.name : m_signature.owner + "." + m_signature.name;
     for (const QString& name : m_signature.required + m_signature.optional)
         m_parameters.names.append(context.scriptName(name));
     m_parameters.requiredCount = m_signature.required.size();

@@ -36,8 +36,8 @@ public:
         Table,           ///< a function of the context's tables
         Native,          ///< a function of the native interface, a static method
         StaticAccessor,  ///< of a static property: what goes first is the class
-        Method,          ///< of a native class, or the accessor of a property: the object goes first
-        Constructor      ///< of a native class: the class goes first
+        Method,      ///< of a native class, or the accessor of a property: the object goes first
+        Constructor  ///< of a native class: the class goes first
     };
 
     NativeFunction(const ScriptContext& context, NativeSignature signature,
@@ -81,8 +81,8 @@ private:
 };
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments
-/// in the order of the parameters, what the script has printed in front of what the call writes, the
-/// global functions of an application that the call has changed. `object` is that of a method.
+/// in the order of the parameters, what the script has printed in front of what the call writes,
+/// the global functions of an application that the call has changed. `object` is that of a method.
 /// ScriptErrorSet passes. The result is null for a function without one.
 TAMRIX_EXPORT ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& function,
                                       const SharedPtr<NativeScriptObject>& object,

@@ -6,17 +6,17 @@
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/objects/globalfunctions.h"
+#include "interpreter/objects/objectidentity.h"
 
 namespace Tamrix {
 
 namespace {
 
-/// Runs `work`, which gives an ObjectResult, in the interpreter's context. `function` gives the name
-/// for messages.
+/// Runs `work`, which gives an ObjectResult, in the interpreter's context. `function` gives the
+/// name for messages.
 template <typename Name, typename Work>
 auto useObject(LanguageInterpreter* active, Name function, Work work)
-    -> tl::expected<typename decltype(work(
-                        std::declval<LanguageContext&>()))::value_type,
+    -> tl::expected<typename decltype(work(std::declval<LanguageContext&>()))::value_type,
                     ScriptFailure> {
     if (!active || !active->isScriptThread())
         return tl::unexpected<ScriptFailure>(refusedCall(function(), active != nullptr));
@@ -59,6 +59,13 @@ tl::expected<QStringList, ScriptFailure> listMembers(LanguageInterpreter* active
         [&](ScriptContext& context) { return memberNames(context, object); });
 }
 
+tl::expected<QString, ScriptFailure> writtenObject(LanguageInterpreter* active,
+                                                   const SharedPtr<Object>& object) {
+    return useObject(
+        active, [&] { return object->className(); },
+        [&](ScriptContext&) { return objectText(object); });
+}
+
 ScriptResult callMethod(LanguageInterpreter* active, const SharedPtr<BoundMethod>& method,
                         const CallArguments& arguments) {
     return useObject(
@@ -77,11 +84,12 @@ ScriptResult callMember(LanguageInterpreter* active, const SharedPtr<Object>& ob
         return std::get<0>(*member);
     return tl::unexpected<ScriptFailure>(
         {ScriptFailure::Kind::BadArgument,
-         displayName(object, name) + " is a property, which takes no arguments", false, {}});
+         displayName(object, name) + " is a property, which takes no arguments",
+         false,
+         {}});
 }
 
-ScriptResult callGlobal(LanguageInterpreter* active, const QString& name,
-                        CallArguments arguments) {
+ScriptResult callGlobal(LanguageInterpreter* active, const QString& name, CallArguments arguments) {
     return useObject(
         active, [&] { return name; },
         [&](ScriptContext& context) {

@@ -29,6 +29,9 @@ TAMRIX_EXPORT tl::expected<void, ScriptFailure> setMember(LanguageInterpreter* a
 /// As scripts write them.
 TAMRIX_EXPORT tl::expected<QStringList, ScriptFailure> listMembers(LanguageInterpreter* active,
                                                                    const SharedPtr<Object>& object);
+/// The object for people: objectText().
+TAMRIX_EXPORT tl::expected<QString, ScriptFailure> writtenObject(LanguageInterpreter* active,
+                                                                 const SharedPtr<Object>& object);
 TAMRIX_EXPORT ScriptResult callMethod(LanguageInterpreter* active,
                                       const SharedPtr<BoundMethod>& method,
                                       const CallArguments& arguments);

@@ -15,9 +15,9 @@ constexpr struct {
     const char* type;
     Number becomes;
 } numberTypes[] = {
-    {"int", Number::Integer},  {"float", Number::Float},        {"byte", Number::Integer},
-    {"short", Number::Integer}, {"long", Number::Integer},      {"biginteger", Number::Integer},
-    {"double", Number::Float}, {"bigdecimal", Number::Decimal},
+    {"int", Number::Integer},   {"float", Number::Float},        {"byte", Number::Integer},
+    {"short", Number::Integer}, {"long", Number::Integer},       {"biginteger", Number::Integer},
+    {"double", Number::Float},  {"bigdecimal", Number::Decimal},
 };
 
 Gherkin::StepMatch stepMatch(const StepRegistry::Match& match) {
@@ -212,8 +212,8 @@ void StepActions::enterScope(Gherkin::HookType type, const Gherkin::HookSubject&
 }
 
 Gherkin::ExecuteHookResult StepActions::executeHooks(Gherkin::HookType type,
-                                                    Gherkin::HookOrder order,
-                                                    const Gherkin::HookSubject& subject) {
+                                                     Gherkin::HookOrder order,
+                                                     const Gherkin::HookSubject& subject) {
     if (order == Gherkin::BeforeHook)
         enterScope(type, subject);
     Gherkin::ExecuteHookResult result;

@@ -5,7 +5,7 @@
 namespace Tamrix {
 
 void StepRegistry::addStep(std::string_view expression, bool isRegular, const Function& function,
-                          const Gherkin::ScriptLocation& location) {
+                           const Gherkin::ScriptLocation& location) {
     if (isRegular)
         m_definitions->addRegularExpression(expression, location);
     else
@@ -14,12 +14,12 @@ void StepRegistry::addStep(std::string_view expression, bool isRegular, const Fu
 }
 
 void StepRegistry::addHook(Gherkin::HookType type, Gherkin::HookOrder order, std::string_view tags,
-                          const Function& function, const QString& file) {
+                           const Function& function, const QString& file) {
     m_hooks.push_back({type, order, Gherkin::TagExpression(tags), function, file});
 }
 
 void StepRegistry::addParameterType(std::string_view name, std::vector<std::string> patterns,
-                                   const Function& transformer) {
+                                    const Function& transformer) {
     const auto known = m_types.find(std::string(name));
     // A file that is loaded again says the same again.
     if (known != m_types.end() && known->second.patterns == patterns) {
@@ -49,8 +49,8 @@ std::vector<Gherkin::StepDefinitions::Definition> StepRegistry::definitions() co
     return definitions;
 }
 
-std::vector<StepRegistry::Function> StepRegistry::hooks(Gherkin::HookType type, Gherkin::HookOrder order,
-                                      const std::vector<std::string>& tags) const {
+std::vector<StepRegistry::Function> StepRegistry::hooks(
+    Gherkin::HookType type, Gherkin::HookOrder order, const std::vector<std::string>& tags) const {
     std::vector<Function> functions;
     for (const Hook& hook : m_hooks) {
         if (hook.type == type && hook.order == order && hook.tags.holds(tags))

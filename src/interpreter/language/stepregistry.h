@@ -35,8 +35,8 @@ public:
     /// `file` is where the hook is defined. Throws Gherkin::ExpressionError.
     void addHook(Gherkin::HookType type, Gherkin::HookOrder order, std::string_view tags,
                  const Function& function, const QString& file);
-    /// `transformer` is null or what makes a value of the texts of the groups, or of the whole text.
-    /// Throws Gherkin::ExpressionError.
+    /// `transformer` is null or what makes a value of the texts of the groups, or of the whole
+    /// text. Throws Gherkin::ExpressionError.
     void addParameterType(std::string_view name, std::vector<std::string> patterns,
                           const Function& transformer);
 

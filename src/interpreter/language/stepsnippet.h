@@ -14,8 +14,8 @@ struct StepSnippet {
     QString keyword;
     /// A Cucumber Expression.
     QString expression;
-    /// The words of the step without its parameters, in lower case with "_" between them. Not empty,
-    /// and no digit in front.
+    /// The words of the step without its parameters, in lower case with "_" between them. Not
+    /// empty, and no digit in front.
     QString functionName;
     /// Names for the parameters behind the context, such as "int_1".
     QStringList parameters;

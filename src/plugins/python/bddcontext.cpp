@@ -1,8 +1,9 @@
 #include "plugins/python/bddcontext.h"
 
-#include "plugins/python/bddactions.h"
+#include "interpreter/language/stepactions.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -12,18 +13,27 @@ PyObject* s_context = nullptr;
 /// The type of tables, a list.
 PyObject* s_tableType = nullptr;
 
-BddScopes* scopes() {
+StepScopes* scopes() {
     PythonInterpreter* const interpreter = PythonInterpreter::active();
-    return interpreter && interpreter->isScriptThread() ? &interpreter->bdd().scopes() : nullptr;
+    return interpreter && interpreter->isScriptThread() ? &interpreter->steps().scopes() : nullptr;
+}
+
+PyRef allNames(const StepScopes& known) {
+    PyRef names = checked(PyDict_New());
+    for (const auto& [name, value] : known.all())
+        checked(PyDict_SetItem(names.get(), checked(toPyString(name).release()).get(),
+                               pythonValue(value).get()));
+    return names;
 }
 
 PyObject* getAttribute(PyObject* self, PyObject* name) {
-    const BddScopes* const known = scopes();
-    if (PyObject* const value = known ? known->find(name) : nullptr)
-        return Py_NewRef(value);
+    const StepScopes* const known = scopes();
+    const QString text = fromPyString(name);
+    if (const SharedPtr<ScriptArgument> value = known ? known->find(text) : nullptr)
+        return pythonValue(value).release();
     try {
-        if (known && fromPyString(name) == "__dict__")
-            return known->all().release();
+        if (known && text == "__dict__")
+            return allNames(*known).release();
     } catch (const PythonErrorSet&) {
         return nullptr;
     }
@@ -31,22 +41,18 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
 }
 
 int setAttribute(PyObject*, PyObject* name, PyObject* value) {
-    BddScopes* const known = scopes();
+    StepScopes* const known = scopes();
     if (!known) {
         PyErr_SetString(PyExc_RuntimeError,
                         "the context belongs to the thread of the test script while it runs");
         return -1;
     }
-    try {
-        if (value) {
-            known->set(name, value);
-            return 0;
-        }
-        if (known->remove(name))
-            return 0;
-    } catch (const PythonErrorSet&) {
-        return -1;
+    if (value) {
+        known->set(fromPyString(name), new PythonArgument(PyRef::borrow(value)));
+        return 0;
     }
+    if (known->remove(fromPyString(name)))
+        return 0;
     PyErr_SetObject(PyExc_AttributeError, name);
     return -1;
 }
@@ -67,55 +73,6 @@ PyRef rowList(const std::vector<Gherkin::TableCell>& row) {
 }
 
 }  // namespace
-
-void BddScopes::enter() {
-    if (m_scopes.empty())
-        m_scopes.push_back(checked(PyDict_New()));
-    m_scopes.push_back(checked(PyDict_New()));
-}
-
-void BddScopes::leave() {
-    if (m_scopes.size() > 1)
-        m_scopes.pop_back();
-}
-
-void BddScopes::leaveAll() {
-    while (m_scopes.size() > 1)
-        m_scopes.pop_back();
-}
-
-PyObject* BddScopes::find(PyObject* name) const {
-    for (auto scope = m_scopes.rbegin(); scope != m_scopes.rend(); ++scope) {
-        if (PyObject* const value = PyDict_GetItemWithError(scope->get(), name))
-            return value;
-        PyErr_Clear();
-    }
-    return nullptr;
-}
-
-void BddScopes::set(PyObject* name, PyObject* value) {
-    if (m_scopes.empty())
-        m_scopes.push_back(checked(PyDict_New()));
-    checked(PyDict_SetItem(m_scopes.back().get(), name, value));
-}
-
-void BddScopes::set(const char* name, const PyRef& value) {
-    set(checked(PyUnicode_FromString(name)).get(), value.get());
-}
-
-bool BddScopes::remove(PyObject* name) {
-    if (m_scopes.empty() || PyDict_Contains(m_scopes.back().get(), name) != 1)
-        return false;
-    checked(PyDict_DelItem(m_scopes.back().get(), name));
-    return true;
-}
-
-PyRef BddScopes::all() const {
-    PyRef names = checked(PyDict_New());
-    for (const PyRef& scope : m_scopes)
-        checked(PyDict_Update(names.get(), scope.get()));
-    return names;
-}
 
 bool addBddContext(PyObject* module) {
     PyType_Slot slots[] = {
@@ -146,8 +103,6 @@ PyObject* bddContext() {
 }
 
 PyRef bddTable(const Gherkin::Step& step) {
-    if (step.table.empty())
-        return PyRef::borrow(Py_None);
     const PyRef headers = rowList(step.table[0]);
     const PyRef raw = checked(PyList_New(0));
     PyRef table = checked(PyObject_CallNoArgs(s_tableType));

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "interpreter/language/stepactions.h"
 #include "platform/gherkin/expressions/expressionerror.h"
-#include "plugins/python/bddactions.h"
 #include "plugins/python/bddcontext.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/frames.h"
@@ -31,7 +31,8 @@ template <typename Work>
 PyObject* withInterpreter(const char* function, Work work) {
     PythonInterpreter* const interpreter = PythonInterpreter::active();
     if (!interpreter || !interpreter->isScriptThread()) {
-        raiseRefusedCall(QStringLiteral("bdd.") + QLatin1String(function));
+        raiseFailure(
+            refusedCall(QStringLiteral("bdd.") + QLatin1String(function), interpreter != nullptr));
         return nullptr;
     }
     try {
@@ -106,8 +107,9 @@ PyObject* registerStep(PyObject* expression, PyObject* function) {
     return withInterpreter("step", [&](PythonInterpreter& interpreter) {
         const Gherkin::ScriptLocation location = locationOf(interpreter, checkCallable(function));
         const bool isRegular = !PyUnicode_Check(expression);
-        interpreter.bdd().registry().addStep(isRegular ? patternOf(expression) : utf8Of(expression),
-                                             isRegular, PyRef::borrow(function), location);
+        interpreter.steps().registry().addStep(
+            isRegular ? patternOf(expression) : utf8Of(expression), isRegular,
+            new PythonArgument(PyRef::borrow(function)), location);
         return Py_NewRef(function);
     });
 }
@@ -128,9 +130,9 @@ template <Gherkin::HookType type, Gherkin::HookOrder order>
 PyObject* registerHook(PyObject* tags, PyObject* function) {
     return withInterpreter("hook", [&](PythonInterpreter& interpreter) {
         const Gherkin::ScriptLocation location = locationOf(interpreter, checkCallable(function));
-        interpreter.bdd().registry().addHook(
+        interpreter.steps().registry().addHook(
             type, order, PyUnicode_Check(tags) ? utf8Of(tags) : std::string(),
-            PyRef::borrow(function), QString::fromStdString(location.fileName));
+            new PythonArgument(PyRef::borrow(function)), QString::fromStdString(location.fileName));
         return Py_NewRef(function);
     });
 }
@@ -161,11 +163,12 @@ std::vector<std::string> patternsOf(PyObject* pattern) {
 
 PyObject* registerType(PyObject* nameAndPattern, PyObject* transformer) {
     return withInterpreter("parameter_type", [&](PythonInterpreter& interpreter) {
+        SharedPtr<ScriptArgument> called;
         if (transformer != Py_None)
-            checkCallable(transformer);
-        interpreter.bdd().registry().addParameterType(
+            called = new PythonArgument(PyRef::borrow(checkCallable(transformer)));
+        interpreter.steps().registry().addParameterType(
             utf8Of(PyTuple_GET_ITEM(nameAndPattern, 0)),
-            patternsOf(PyTuple_GET_ITEM(nameAndPattern, 1)), PyRef::borrow(transformer));
+            patternsOf(PyTuple_GET_ITEM(nameAndPattern, 1)), called);
         return Py_NewRef(transformer);
     });
 }

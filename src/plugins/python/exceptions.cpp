@@ -1,6 +1,7 @@
 #include "plugins/python/exceptions.h"
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 
 #include "plugins/python/conversion.h"
 
@@ -8,13 +9,34 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// The exception class of each kind of script error. They live for the process.
-std::array<PyObject*, 4> s_classes{};
+using Kind = ScriptFailure::Kind;
+
+/// The exception classes of our own. They live for the process.
+struct OwnClass {
+    Kind kind;
+    const char* name;
+    PyObject* type;
+} s_own[] = {{Kind::General, "Error", nullptr},
+             {Kind::Verification, "VerificationError", nullptr},
+             {Kind::Fatal, "FatalError", nullptr},
+             {Kind::Lookup, "LookupError", nullptr}};
+
+PyObject*& own(Kind kind) {
+    return std::find_if(std::begin(s_own), std::end(s_own),
+                        [kind](const OwnClass& each) { return each.kind == kind; })
+        ->type;
+}
+
+PyObject* classOf(Kind kind) {
+    if (kind == Kind::NoMember)
+        return PyExc_AttributeError;
+    return kind == Kind::BadArgument ? PyExc_TypeError : own(kind);
+}
 
 }  // namespace
 
 bool addExceptions(PyObject* module) {
-    if (!s_classes[ScriptContext::GeneralError]) {
+    if (!own(Kind::General)) {
         const auto make = [](const char* name, const char* doc, const PyRef& bases) {
             return bases ? PyErr_NewExceptionWithDoc(name, doc, bases.get(), nullptr) : nullptr;
         };
@@ -22,30 +44,27 @@ bool addExceptions(PyObject* module) {
                                      PyRef::borrow(PyExc_RuntimeError));
         if (!error)
             return false;
-        s_classes[ScriptContext::GeneralError] = error;
-        s_classes[ScriptContext::LookupError] =
-            make("tamrix.LookupError", "Something was not found in time",
-                 PyRef::steal(PyTuple_Pack(2, error, PyExc_LookupError)));
-        s_classes[ScriptContext::VerificationError] =
+        own(Kind::General) = error;
+        own(Kind::Lookup) = make("tamrix.LookupError", "Something was not found in time",
+                                 PyRef::steal(PyTuple_Pack(2, error, PyExc_LookupError)));
+        own(Kind::Verification) =
             make("tamrix.VerificationError", "A verdict failed that is to end the script",
                  PyRef::steal(PyTuple_Pack(2, error, PyExc_AssertionError)));
-        s_classes[ScriptContext::FatalError] =
+        own(Kind::Fatal) =
             make("tamrix.FatalError", "Ends the test case", PyRef::borrow(PyExc_BaseException));
     }
-    const char* const names[] = {"Error", "VerificationError", "FatalError", "LookupError"};
-    for (std::size_t type = 0; type < s_classes.size(); ++type) {
-        if (!s_classes[type] || PyModule_AddObjectRef(module, names[type], s_classes[type]) < 0)
+    for (const OwnClass& each : s_own) {
+        if (!each.type || PyModule_AddObjectRef(module, each.name, each.type) < 0)
             return false;
     }
     return true;
 }
 
-PyRef raiseScriptError(ScriptContext::ErrorType type, const QString& message) {
+PyRef raiseException(ScriptFailure::Kind kind, const QString& message) {
     const PyRef text = toPyString(message);
-    PyRef exception =
-        PyRef::steal(text ? PyObject_CallOneArg(s_classes[type], text.get()) : nullptr);
+    PyRef exception = PyRef::steal(text ? PyObject_CallOneArg(classOf(kind), text.get()) : nullptr);
     if (exception)
-        PyErr_SetObject(s_classes[type], exception.get());
+        PyErr_SetObject(classOf(kind), exception.get());
     return exception;
 }
 

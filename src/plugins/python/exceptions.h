@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/scriptfailure.h"
 #include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
@@ -13,8 +13,8 @@ namespace Tamrix::PythonPlugin {
 /// False with the error indicator set on failure.
 bool addExceptions(PyObject* module);
 
-/// Raises the exception for a kind of script error, and returns it; null when another one had to be
-/// raised.
-PyRef raiseScriptError(ScriptContext::ErrorType type, const QString& message);
+/// Raises the exception for a kind of failure, and returns it; null when another one had to be
+/// raised. What Python itself has exceptions for is an AttributeError or a TypeError.
+PyRef raiseException(ScriptFailure::Kind kind, const QString& message);
 
 }  // namespace Tamrix::PythonPlugin

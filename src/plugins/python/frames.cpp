@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "interpreter/bridge/debugger.h"
 #include "plugins/python/conversion.h"
 
 namespace Tamrix::PythonPlugin {
@@ -36,6 +35,10 @@ PyRef firstInScript(PyRef frame, SourceFiles& files) {
     while (frame && !files.isScript(frameFileName(frame.get()).get()))
         frame = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame.get()))));
     return frame;
+}
+
+ScriptFrame frameAt(const PyRef& frame, int line, int column, SourceFiles& files) {
+    return {frame, files.path(frameFileName(frame.get()).get()), line, column, -1};
 }
 
 }  // namespace
@@ -103,11 +106,23 @@ int frameLine(PyObject* frame) {
     return PyFrame_GetLineNumber(asFrame(frame));
 }
 
+PyObject* frameBehind(const ScriptFrame& frame) {
+    const PyRef* const own = std::any_cast<PyRef>(&frame.own);
+    return own ? own->get() : nullptr;
+}
+
 std::vector<ScriptFrame> runningFrames(SourceFiles& files) {
     std::vector<ScriptFrame> frames;
     for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
-        frames.push_back({frame, frameLine(frame.get()), frameColumn(frame.get())});
+        frames.push_back(frameAt(frame, frameLine(frame.get()), frameColumn(frame.get()), files));
     return frames;
+}
+
+int runningDepth(SourceFiles& files) {
+    int depth = 0;
+    for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
+        ++depth;
+    return depth;
 }
 
 std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files) {
@@ -119,14 +134,14 @@ std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files) 
         if (!files.isScript(frameFileName(frame).get()))
             continue;
         // A frame that has raised the exception once more stands in it twice.
-        if (!frames.empty() && frames.back().frame.get() == frame)
+        if (!frames.empty() && frameBehind(frames.back()) == frame)
             frames.pop_back();
-        frames.push_back({PyRef::borrow(frame), entry->tb_lineno,
-                          columnAt(asCode(frameCode(frame)), entry->tb_lasti)});
+        frames.push_back(frameAt(PyRef::borrow(frame), entry->tb_lineno,
+                                 columnAt(asCode(frameCode(frame)), entry->tb_lasti), files));
     }
     std::reverse(frames.begin(), frames.end());
     for (ScriptFrame& running : runningFrames(files)) {
-        if (frames.empty() || frames.back().frame.get() != running.frame.get())
+        if (frames.empty() || frameBehind(frames.back()) != frameBehind(running))
             frames.push_back(std::move(running));
     }
     return frames;

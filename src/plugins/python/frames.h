@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <vector>
 
+#include "interpreter/language/languagedebugger.h"
 #include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
@@ -47,21 +48,14 @@ PyRef frameFileName(PyObject* frame);
 /// The line that a frame is at, counted from 1.
 int frameLine(PyObject* frame);
 
-/// A frame of a script's code and where it stands.
-struct ScriptFrame {
-    /// Null for a place in a file that is none of Python's, such as a step of a feature.
-    PyRef frame;
-    /// Counted from 1.
-    int line = -1;
-    /// Of the expression that runs, counted from 1 in bytes of UTF-8 as Python has it; -1 when
-    /// unknown.
-    int column = -1;
-    /// Where there is no frame: the debugger's number of the file.
-    int sourceId = -1;
-};
+/// Python's frame behind one of the debugger's; null for a place in a file that is none of
+/// Python's. Borrowed.
+PyObject* frameBehind(const ScriptFrame& frame);
 
 /// The frames that run code of scripts, the innermost first.
 std::vector<ScriptFrame> runningFrames(SourceFiles& files);
+/// How many they are.
+int runningDepth(SourceFiles& files);
 /// The frames that an exception has left or is about to leave, the innermost first, and those that
 /// it has not reached yet. `traceback` may be null.
 std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files);

@@ -4,6 +4,7 @@
 #include "plugins/python/conversion.h"
 #include "plugins/python/holder.h"
 #include "plugins/python/nativefunction.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
@@ -24,10 +25,10 @@ using GlobalFunctionHolder = Holder<GlobalFunction>;
 
 PyObject* callGlobal(PyObject* self, PyObject* tuple, PyObject* named) {
     const QString name = GlobalFunctionHolder::unwrap(self)->name();
-    return useObject([&] { return name; },
-                     [&](ScriptContext& context) {
-                         return callGlobalFunction(context, name, callArguments(tuple, named));
-                     })
+    return useObject([&] {
+               return Tamrix::callGlobal(PythonInterpreter::active(), name,
+                                         callArguments(tuple, named));
+           })
         .release();
 }
 
@@ -44,15 +45,6 @@ PyObject* functionDoc(PyObject* self, void*) {
     return toPyString(globalFunctionHelp(GlobalFunctionHolder::unwrap(self)->name())).release();
 }
 
-void publish(PythonInterpreter& interpreter, const QString& name) {
-    const PyRef key = checked(toPyString(pythonName(name)).release());
-    const int defined = PyDict_Contains(PyEval_GetBuiltins(), key.get());
-    checked(defined);
-    if (defined == 0)
-        interpreter.defineGlobal(
-            name, GlobalFunctionHolder::wrap(SharedPtr<GlobalFunction>(new GlobalFunction(name))));
-}
-
 }  // namespace
 
 bool addGlobalFunctionType(PyObject* module) {
@@ -67,9 +59,13 @@ bool addGlobalFunctionType(PyObject* module) {
     return type && PyModule_AddType(module, type) == 0;
 }
 
-void publishGlobalFunctions(PythonInterpreter& interpreter, ObjectModel* model) {
-    for (const QString& name : globalFunctionNames(model))
-        publish(interpreter, name);
+void publishGlobalFunction(PythonInterpreter& interpreter, const QString& name) {
+    const PyRef key = checked(toPyString(pythonName(name)).release());
+    const int defined = PyDict_Contains(PyEval_GetBuiltins(), key.get());
+    checked(defined);
+    if (defined == 0)
+        interpreter.defineGlobal(
+            name, GlobalFunctionHolder::wrap(SharedPtr<GlobalFunction>(new GlobalFunction(name))));
 }
 
 }  // namespace Tamrix::PythonPlugin

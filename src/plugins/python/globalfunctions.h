@@ -1,10 +1,8 @@
 #pragma once
 
-#include "plugins/python/pyref.h"
+#include <QString>
 
-namespace Tamrix {
-class ObjectModel;
-}
+#include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -17,9 +15,8 @@ class PythonInterpreter;
 /// the error indicator set on failure.
 bool addGlobalFunctionType(PyObject* module);
 
-/// Makes the names known to scripts: those that all applications have and, when `model` is not
-/// null, those of its global class. Names that are defined already stay what they are. Throws
+/// Makes the name known to scripts, unless something is defined under it already. Throws
 /// PythonErrorSet.
-void publishGlobalFunctions(PythonInterpreter& interpreter, ObjectModel* model);
+void publishGlobalFunction(PythonInterpreter& interpreter, const QString& name);
 
 }  // namespace Tamrix::PythonPlugin

@@ -1,6 +1,7 @@
 #include "plugins/python/methodtype.h"
 
 #include "plugins/python/conversion.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
@@ -9,10 +10,10 @@ namespace {
 
 PyObject* callMethod(PyObject* self, PyObject* tuple, PyObject* named) {
     const SharedPtr<BoundMethod> method = MethodHolder::unwrap(self);
-    return useObject([&] { return method->displayName(); },
-                     [&](ScriptContext& context) {
-                         return method->call(context, callArguments(tuple, named));
-                     })
+    return useObject([&] {
+               return Tamrix::callMethod(PythonInterpreter::active(), method,
+                                         callArguments(tuple, named));
+           })
         .release();
 }
 

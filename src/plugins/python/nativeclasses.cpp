@@ -70,44 +70,53 @@ PyObject* baseMetaclass() {
 }
 
 /// The class's attributes: constructor, methods, static methods, properties.
-PyRef classNamespace(const QString& name, const NativeScriptType& type) {
+PyRef classNamespace(const ScriptContext& context, const QString& name,
+                     const NativeScriptType& type) {
     const PyRef attributes = checked(PyDict_New());
     setItem(attributes, "__module__", toPyString("tamrix"));
     // Objects of the class have its properties and no others.
     setItem(attributes, "__slots__", PyRef::steal(PyTuple_New(0)));
-    setItem(attributes, "__new__", makeConstructor({name, {}, {}, {}, {}}, type.constructor()));
+    setItem(attributes, "__new__",
+            makeFunction({context, {name, {}, {}, {}, {}}, type.constructor()}));
     const auto methods = type.methods();
     for (auto it = methods.cbegin(); it != methods.cend(); ++it)
         setItem(attributes, it.key(),
-                bound(makeMethod({it.key(), name, it->requiredParameters, it->optionalParameters,
-                                  it->description},
-                                 it->function)));
+                bound(makeFunction({context,
+                                    {it.key(), name, it->requiredParameters, it->optionalParameters,
+                                     it->description},
+                                    it->function})));
     const auto staticMethods = type.staticMethods();
     for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
         setItem(attributes, it.key(),
-                makeFunction({it.key(), name, it->requiredParameters, it->optionalParameters,
-                              it->description},
-                             it->function));
+                makeFunction({context,
+                              {it.key(), name, it->requiredParameters, it->optionalParameters,
+                               it->description},
+                              it->function}));
     const auto properties = type.properties();
     for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
         const NativeSignature signature{it.key(), name, {}, {}, {}};
-        setItem(attributes, it.key(),
-                makeProperty(makeMethod(signature, it->getter),
-                             it->setter ? makeMethod(signature, it->setter) : PyRef()));
+        setItem(
+            attributes, it.key(),
+            makeProperty(makeFunction({context, signature, it->getter}),
+                         it->setter ? makeFunction({context, signature, it->setter}) : PyRef()));
     }
     return attributes;
 }
 
 /// The class of the class: static properties are properties of the class object.
-PyRef makeMetaclass(const QString& name, const NativeScriptType& type, PyTypeObject* base) {
+PyRef makeMetaclass(const ScriptContext& context, const QString& name, const NativeScriptType& type,
+                    PyTypeObject* base) {
     const PyRef attributes = checked(PyDict_New());
     setItem(attributes, "__module__", toPyString("tamrix"));
     const auto properties = type.staticProperties();
     for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
         const NativeSignature signature{it.key(), name, {}, {}, {}};
+        const auto accessor = [&](NativeScriptType::StaticFunction function) {
+            return makeFunction(
+                {context, signature, function, NativeFunction::Kind::StaticAccessor});
+        };
         setItem(attributes, it.key(),
-                makeProperty(makeStaticAccessor(signature, it->getter),
-                             it->setter ? makeStaticAccessor(signature, it->setter) : PyRef()));
+                makeProperty(accessor(it->getter), it->setter ? accessor(it->setter) : PyRef()));
     }
     const PyRef metaName = checked(toPyString(name + "Type").release());
     const PyRef metaBase = checked(
@@ -147,15 +156,16 @@ bool addNativeBase(PyObject* module) {
     return type && PyModule_AddType(module, type) == 0;
 }
 
-PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
+PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* typeId,
+                      const NativeScriptType& type) {
     try {
         NativeClass& entry = classes()[typeId];
         entry.super = type.super();
         auto* const base = reinterpret_cast<PyObject*>(baseOf(typeId, type));
         if (!base)
             return {};
-        const PyRef metaclass = makeMetaclass(name, type, Py_TYPE(base));
-        const PyRef attributes = classNamespace(name, type);
+        const PyRef metaclass = makeMetaclass(context, name, type, Py_TYPE(base));
+        const PyRef attributes = classNamespace(context, name, type);
         const PyRef pyName = checked(toPyString(name).release());
         entry.pythonClass = checked(
             PyObject_CallFunction(metaclass.get(), "O(O)O", pyName.get(), base, attributes.get()));

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include "interpreter/bridge/nativescripttype.h"
+#include "interpreter/bridge/scriptcontext.h"
 #include "plugins/python/holder.h"
 
 namespace Tamrix::PythonPlugin {
@@ -15,7 +16,8 @@ bool addNativeBase(PyObject* module);
 
 /// A Python class from the description of a native one; it derives from the class that was made
 /// from the description's base class. Null with the error indicator set on failure.
-PyRef makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type);
+PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* typeId,
+                      const NativeScriptType& type);
 
 /// A Python object that holds the native one, of the class made for its type or for the next base
 /// class that has one.

@@ -7,7 +7,6 @@
 
 #include "interpreter/bridge/callarguments.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/pythoncontext.h"
 #include "plugins/python/pythondebugger.h"
@@ -18,26 +17,11 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// How the native function is called, and what the first Python argument is.
-enum class Kind {
-    Table,           // void function, all arguments are the script's
-    Native,          // bool function, all arguments are the script's
-    StaticAccessor,  // bool function, the class goes first
-    Method,          // the object goes first
-    Constructor      // the class goes first
-};
+using Kind = NativeFunction::Kind;
 
 /// What one Python function calls. It lives for the process, as the function object does.
 struct Target {
-    Kind kind;
-    union {
-        ScriptContext::Function table;
-        bool (*native)(ScriptContext*);
-        NativeScriptType::MethodFunction method;
-        NativeScriptType::Constructor constructor;
-    };
-    QString displayName;
-    Parameters parameters;
+    NativeFunction function;
     std::string name;
     std::string doc;
     PyMethodDef definition;
@@ -63,8 +47,9 @@ CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObj
 
 /// Whether an argument that may be left out is None.
 bool leavesOut(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
-    const Py_ssize_t end = std::min<Py_ssize_t>(count, target.parameters.names.size());
-    for (Py_ssize_t index = target.parameters.requiredCount; index < end; ++index) {
+    const Parameters& parameters = target.function.parameters();
+    const Py_ssize_t end = std::min<Py_ssize_t>(count, parameters.names.size());
+    for (Py_ssize_t index = parameters.requiredCount; index < end; ++index) {
         if (arguments[index] == Py_None)
             return true;
     }
@@ -78,23 +63,20 @@ bool leavesOut(const Target& target, PyObject* const* arguments, Py_ssize_t coun
 template <Kind kind>
 PyObject* run(const Target& target, PythonInterpreter& interpreter, PythonContext::Call& call,
               PyObject* first) {
-    PythonContext& context = interpreter.context();
-    if constexpr (kind == Kind::Table) {
-        context.execute(target.table);
-    } else if constexpr (kind == Kind::Native || kind == Kind::StaticAccessor) {
-        context.execute(target.native);
-    } else if constexpr (kind == Kind::Method) {
-        context.execute(target.method, NativeHolder::unwrap(first));
-    } else {
-        SharedPtr<NativeScriptObject> made = context.execute(target.constructor);
-        if (!context.hasError() && made)
-            return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
-                .release();
-        if (!context.hasError())
-            context.setError("No " + target.displayName + " could be made");
-    }
+    SharedPtr<NativeScriptObject> object;
+    if constexpr (kind == Kind::Method)
+        object = NativeHolder::unwrap(first);
+    SharedPtr<NativeScriptObject> made = target.function.run(interpreter.context(), object);
     interpreter.noticeApplication();
-    return call.finish();
+    if (interpreter.context().hasError()) {
+        setFailure(failureOf(interpreter.context()));
+        return nullptr;
+    }
+    if constexpr (kind == Kind::Constructor)
+        return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
+            .release();
+    const SharedPtr<ScriptArgument> result = call.takeResult();
+    return result ? pythonValue(result).release() : Py_NewRef(Py_None);
 }
 
 constexpr bool hasFirst(Kind kind) {
@@ -104,13 +86,13 @@ constexpr bool hasFirst(Kind kind) {
 /// Whether the first Python argument is what the kind needs; otherwise a TypeError is set.
 bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
     const bool given = count > 0;
-    switch (target.kind) {
+    switch (target.function.kind()) {
         case Kind::Method:
             if (given && NativeHolder::check(arguments[0]))
                 return true;
             break;
         case Kind::Constructor:
-            if (given && !target.constructor) {
+            if (given && !target.function.canConstruct()) {
                 PyErr_Format(PyExc_TypeError, "%s objects can't be made by scripts",
                              target.name.c_str());
                 return false;
@@ -148,8 +130,9 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
             PythonContext::Call call(context, arguments, count);
             return run<kind>(target, interpreter, call, first);
         }
-        Outcome<ScriptArgument::List> bound = bindArguments(
-            target.displayName, target.parameters, givenArguments(arguments, count, names));
+        Outcome<ScriptArgument::List> bound =
+            bindArguments(target.function.displayName(), target.function.parameters(),
+                          givenArguments(arguments, count, names));
         if (!bound) {
             PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
             return nullptr;
@@ -159,9 +142,9 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
     } catch (const PythonErrorSet&) {
         return nullptr;
     } catch (const std::exception& exception) {
-        raiseNativeException(target.displayName, QString::fromUtf8(exception.what()));
+        setFailure(thrownIn(target.function.displayName(), QString::fromUtf8(exception.what())));
     } catch (...) {
-        raiseNativeException(target.displayName, "unknown exception");
+        setFailure(thrownIn(target.function.displayName(), "unknown exception"));
     }
     return nullptr;
 }
@@ -172,7 +155,7 @@ PyObject* callTarget(PyObject* self, PyObject* const* arguments, Py_ssize_t coun
     const Target& target = *reinterpret_cast<TargetObject*>(self)->target;
     PythonInterpreter* const interpreter = PythonInterpreter::active();
     if (!interpreter || !interpreter->isScriptThread()) {
-        raiseRefusedCall(target.displayName);
+        raiseFailure(refusedCall(target.function.displayName(), interpreter != nullptr));
         return nullptr;
     }
     PyObject* const result = tryTarget<kind>(target, *interpreter, arguments, count, names);
@@ -234,43 +217,6 @@ QHash<QString, PyRef>& functionObjects() {
     return *s_instance;
 }
 
-PyRef makeFunctionObject(const NativeSignature& signature, std::unique_ptr<Target> target,
-                         const void* address) {
-    const QString key =
-        QStringLiteral("%1::%2/%3/%4")
-            .arg(signature.owner, signature.name, QString::number(int(target->kind)),
-                 QString::number(reinterpret_cast<quintptr>(address)));
-    const auto known = functionObjects().constFind(key);
-    if (known != functionObjects().constEnd())
-        return *known;
-
-    target->displayName =
-        signature.owner.isEmpty() ? signature.name : signature.owner + "." + signature.name;
-    for (const QString& name : signature.required + signature.optional)
-        target->parameters.names.append(pythonName(name));
-    target->parameters.requiredCount = signature.required.size();
-    target->name = pythonName(signature.name).toStdString();
-    target->doc = docText(signature, target->kind);
-    target->definition = {
-        target->name.c_str(),
-        reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(entryOf(target->kind))),
-        METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
-
-    PyTypeObject* const type = targetType();
-    const PyRef self = PyRef::steal(type ? type->tp_alloc(type, 0) : nullptr);
-    const PyRef module =
-        toPyString(signature.owner.isEmpty() ? QStringLiteral("builtins") : signature.owner);
-    if (!self || !module)
-        return {};
-    reinterpret_cast<TargetObject*>(self.get())->target = target.get();
-    PyRef function = PyRef::steal(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
-    if (function) {
-        functionObjects().insert(key, function);
-        static_cast<void>(target.release());  // the function object lives for the process
-    }
-    return function;
-}
-
 }  // namespace
 
 QString pythonName(const QString& name) {
@@ -290,39 +236,37 @@ bool isNativeFunction(PyObject* object) {
            Py_IS_TYPE(PyCFunction_GET_SELF(object), targetType());
 }
 
-PyRef makeFunction(const NativeSignature& signature, ScriptContext::Function function) {
-    auto target = std::make_unique<Target>();
-    target->kind = Kind::Table;
-    target->table = function;
-    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
-}
+PyRef makeFunction(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    const QString key =
+        QStringLiteral("%1::%2/%3/%4")
+            .arg(signature.owner, signature.name, QString::number(int(function.kind())),
+                 QString::number(reinterpret_cast<quintptr>(function.address())));
+    const auto known = functionObjects().constFind(key);
+    if (known != functionObjects().constEnd())
+        return *known;
 
-PyRef makeFunction(const NativeSignature& signature, bool (*function)(ScriptContext*)) {
-    auto target = std::make_unique<Target>();
-    target->kind = Kind::Native;
-    target->native = function;
-    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
-}
+    auto target = std::make_unique<Target>(Target{function, {}, {}, {}});
+    target->name = pythonName(signature.name).toStdString();
+    target->doc = docText(signature, function.kind());
+    target->definition = {
+        target->name.c_str(),
+        reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(entryOf(function.kind()))),
+        METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
 
-PyRef makeStaticAccessor(const NativeSignature& signature, bool (*function)(ScriptContext*)) {
-    auto target = std::make_unique<Target>();
-    target->kind = Kind::StaticAccessor;
-    target->native = function;
-    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
-}
-
-PyRef makeMethod(const NativeSignature& signature, NativeScriptType::MethodFunction function) {
-    auto target = std::make_unique<Target>();
-    target->kind = Kind::Method;
-    target->method = function;
-    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(function));
-}
-
-PyRef makeConstructor(const NativeSignature& signature, NativeScriptType::Constructor constructor) {
-    auto target = std::make_unique<Target>();
-    target->kind = Kind::Constructor;
-    target->constructor = constructor;
-    return makeFunctionObject(signature, std::move(target), reinterpret_cast<void*>(constructor));
+    PyTypeObject* const type = targetType();
+    const PyRef self = PyRef::steal(type ? type->tp_alloc(type, 0) : nullptr);
+    const PyRef module =
+        toPyString(signature.owner.isEmpty() ? QStringLiteral("builtins") : signature.owner);
+    if (!self || !module)
+        return {};
+    reinterpret_cast<TargetObject*>(self.get())->target = target.get();
+    PyRef made = PyRef::steal(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
+    if (made) {
+        functionObjects().insert(key, made);
+        static_cast<void>(target.release());  // the function object lives for the process
+    }
+    return made;
 }
 
 }  // namespace Tamrix::PythonPlugin

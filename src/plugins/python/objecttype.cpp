@@ -1,11 +1,11 @@
 #include "plugins/python/objecttype.h"
 
-#include "interpreter/objects/members.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/methodtype.h"
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/pythonargument.h"
+#include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
@@ -36,10 +36,8 @@ PyObject* getAttribute(PyObject* self, PyObject* attribute) {
     if (isPythonsOwn(name))
         return PyObject_GenericGetAttr(self, attribute);
     const SharedPtr<Object> object = ObjectHolder::unwrap(self);
-    return useObject([&] { return object->className() + '.' + name; },
-                     [&](ScriptContext& context) {
-                         return readMember(context, object, memberName(name));
-                     })
+    return useObject(
+               [&] { return getMember(PythonInterpreter::active(), object, memberName(name)); })
         .release();
 }
 
@@ -50,29 +48,26 @@ int setAttribute(PyObject* self, PyObject* attribute, PyObject* value) {
     const SharedPtr<Object> object = ObjectHolder::unwrap(self);
     const SharedPtr<ScriptArgument> written(value ? new PythonArgument(PyRef::borrow(value))
                                                   : nullptr);
-    const PyRef done =
-        useObject([&] { return object->className() + '.' + name; },
-                  [&](ScriptContext& context) {
-                      return writeMember(context, object, memberName(name), written).map([&] {
-                          return context.createNull();
-                      });
-                  });
+    const PyRef done = useObject([&] {
+        return setMember(PythonInterpreter::active(), object, memberName(name), written).map([] {
+            return QString();
+        });
+    });
     return done ? 0 : -1;
 }
 
 PyObject* listAttributes(PyObject* self, PyObject*) {
-    return useObject([] { return QStringLiteral("dir"); },
-                     [&](ScriptContext& context) {
-                         return memberNames(context, ObjectHolder::unwrap(self));
-                     })
+    return useObject(
+               [&] { return listMembers(PythonInterpreter::active(), ObjectHolder::unwrap(self)); })
         .release();
 }
 
 // What else Python asks of objects
 
 PyObject* objectRepr(PyObject* self) {
-    return useObject([] { return QStringLiteral("repr"); },
-                     [&](ScriptContext&) { return objectText(ObjectHolder::unwrap(self)); })
+    return useObject([&] {
+               return writtenObject(PythonInterpreter::active(), ObjectHolder::unwrap(self));
+           })
         .release();
 }
 

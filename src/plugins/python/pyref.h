@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include "interpreter/language/scripterrorset.h"
+
 namespace Tamrix::PythonPlugin {
 
 /// Owns one reference to a Python object; null when a call of the C API failed. The GIL is held by
@@ -41,10 +43,8 @@ private:
     PyObject* m_object = nullptr;
 };
 
-/// Thrown where Python's error indicator is set and the error belongs to the script, not to the
-/// native function in between. It unwinds the native function; the stub that called it leaves the
-/// indicator as it is, so that the script gets the original exception.
-struct PythonErrorSet {};
+/// Thrown where Python's error indicator is set and the error belongs to the script.
+using PythonErrorSet = ScriptErrorSet;
 
 /// The reference, or PythonErrorSet when the call that made it failed.
 inline PyRef checked(PyObject* newReference) {

@@ -208,7 +208,7 @@ SharedPtr<ScriptArgument> PythonArgument::call(const List& arguments, QString* e
     if (!isOrdinaryError())
         throw PythonErrorSet();
     PythonInterpreter* const interpreter = PythonInterpreter::active();
-    const ScriptError raised = takeScriptError(interpreter ? &interpreter->files() : nullptr);
+    const PythonError raised = takeScriptError(interpreter ? &interpreter->files() : nullptr);
     if (interpreter)
         interpreter->setCallErrorStack(raised.callStack);
     *error = raised.message;

@@ -1,9 +1,8 @@
 #include "plugins/python/pythoncontext.h"
 
-#include "plugins/python/bddactions.h"
+#include "interpreter/language/stepactions.h"
 #include "plugins/python/conditionsource.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/exceptions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/objecttype.h"
@@ -24,12 +23,6 @@ SharedPtr<ScriptArgument> argumentOf(PyRef object) {
     return new PythonArgument(std::move(object));
 }
 
-NativeSignature tableSignature(const QString& owner, const QString& name, const QString& key) {
-    const ScriptContext::FunctionDescription description = ScriptContext::functionDescription(key);
-    return {name, owner, description.requiredParameters, description.optionalParameters,
-            description.text};
-}
-
 /// Where code that was handed over as text is evaluated: in the calling script frame. Locals are
 /// seen by expressions, while names that statements define outlast the call in the globals only.
 struct Namespaces {
@@ -46,42 +39,8 @@ Namespaces callingNamespaces(PythonInterpreter& interpreter) {
 
 }  // namespace
 
-// Calls
-
-void PythonContext::Call::keepOuter() {
-    m_outer = std::make_unique<Outer>();
-    m_outer->arguments.swap(m_context.argumentStorage());
-    m_outer->areNamed = m_context.m_hasNamedArguments;
-    m_outer->errorMessage = m_context.errorMessage();
-    m_outer->errorType = m_context.errorType();
-    m_outer->isSkip = m_context.isSkip();
-    m_outer->result = std::move(m_context.m_result);
-}
-
-void PythonContext::Call::restoreOuter() {
-    m_context.argumentStorage().swap(m_outer->arguments);
-    m_context.m_hasNamedArguments = m_outer->areNamed;
-    if (m_outer->isSkip)
-        m_context.setSkip(m_outer->errorMessage);
-    else
-        m_context.setError(m_outer->errorMessage, m_outer->errorType);
-    m_context.m_result = std::move(m_outer->result);
-}
-
-PyObject* PythonContext::Call::raise() {
-    const PyRef exception = raiseScriptError(m_context.errorType(), m_context.errorMessage());
-    PythonInterpreter& interpreter = m_context.m_interpreter;
-    if (m_context.isSkip())
-        interpreter.setSkip(exception);
-    const DebuggerFrame frame = m_context.errorFrame();
-    if (frame.line >= 0)
-        interpreter.setErrorOrigin(
-            exception, LineInfo(interpreter.debugger().findSourceId(frame.sourceId), frame.line));
-    interpreter.debugger().errorReplaced(exception.get(), m_context.errorMessage());
-    return nullptr;
-}
-
-PythonContext::PythonContext(PythonInterpreter& interpreter) : m_interpreter(interpreter) {}
+PythonContext::PythonContext(PythonInterpreter& interpreter)
+    : LanguageContext(interpreter), m_interpreter(interpreter) {}
 
 ScriptContext* PythonContext::createSubContext() {
     auto* const context = new PythonContext(m_interpreter);
@@ -92,20 +51,6 @@ ScriptContext* PythonContext::createSubContext() {
 void PythonContext::clearError() {
     if (m_interpreter.isErrorSet())
         PyErr_Clear();
-}
-
-void PythonContext::setResult(SharedPtr<ScriptArgument> value) {
-    m_result = PyRef::borrow(objectOf(value));
-}
-
-void PythonContext::setStackTraceResult(const std::vector<ScriptLocation>& trace) {
-    // The bottom of the stack is the runner, which is no place in a script.
-    std::vector<ScriptLocation> inScripts;
-    for (const ScriptLocation& location : trace) {
-        if (!location.fileName.isEmpty())
-            inScripts.push_back(location);
-    }
-    ScriptContext::setStackTraceResult(inScripts);
 }
 
 // Values
@@ -185,23 +130,21 @@ SharedPtr<ScriptArgument> PythonContext::createLocation(const ScriptLocation& lo
 
 void PythonContext::addGlobalFunction(const QString& name, Function function) {
     ScriptContext::addGlobalFunction(name, function);
-    m_interpreter.defineGlobal(name, makeFunction(tableSignature({}, name, name), function));
+    m_interpreter.defineGlobal(name, makeFunction({*this, signatureOfTable({}, name), function}));
 }
 
 void PythonContext::addStaticMemberFunction(const QString& className, const QString& name,
                                             Function function) {
     ScriptContext::addStaticMemberFunction(className, name, function);
     m_interpreter.defineInNamespace(
-        className, name,
-        makeFunction(tableSignature(className, name, className + "::" + name), function));
+        className, name, makeFunction({*this, signatureOfTable(className, name), function}));
 }
 
 void PythonContext::addMemberFunction(const QString& className, const QString& name,
                                       Function function) {
     ScriptContext::addMemberFunction(className, name, function);
-    m_interpreter.defineMember(
-        className, name,
-        makeFunction(tableSignature(className, name, className + "::" + name), function));
+    m_interpreter.defineMember(className, name,
+                               makeFunction({*this, signatureOfTable(className, name), function}));
 }
 
 void PythonContext::addConstant(const QString& name, int value) {
@@ -294,7 +237,7 @@ bool PythonContext::evaluateCondition(const QString& expression, QString* error)
 
 bool PythonContext::evaluate(const QString& text, const QString& fileName) {
     // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.bdd().registry().forget(fileName);
+    m_interpreter.steps().registry().forget(fileName);
     PyRef result;
     if (const PyRef code = m_interpreter.compile(text, fileName, Py_file_input)) {
         // What the text defines is to outlast the call.
@@ -305,7 +248,7 @@ bool PythonContext::evaluate(const QString& text, const QString& fileName) {
         return true;
     if (!isOrdinaryError())
         throw PythonErrorSet();
-    const ScriptError error = takeScriptError(&m_interpreter.files());
+    const PythonError error = takeScriptError(&m_interpreter.files());
     QString message = error.message;
     if (!error.callStack.empty())
         message = QStringLiteral("%1:%2: %3")
@@ -313,15 +256,6 @@ bool PythonContext::evaluate(const QString& text, const QString& fileName) {
                            QString::number(error.callStack.front().lineNumber()), message);
     setError(message);
     return false;
-}
-
-Gherkin::ScriptActions* PythonContext::gherkinScriptActions(const QString& featureFile) {
-    BddActions& actions = m_interpreter.bdd();
-    const QString error = actions.prepare(featureFile);
-    if (error.isEmpty())
-        return &actions;
-    setError(error);
-    return nullptr;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -1,94 +1,44 @@
 #pragma once
 
-#include <memory>
 #include <vector>
 
-#include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/languagecontext.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/pythonargument.h"
-
-namespace Tamrix {
-class TestResult;
-}
 
 namespace Tamrix::PythonPlugin {
 
 class PythonInterpreter;
 
-/// The context of all calls of one interpreter. It is reused: a call that comes while another one
-/// is running, from script code that a native function runs, keeps the outer call's state aside.
-class PythonContext final : public ScriptContext {
+/// The context of all calls of one interpreter.
+class PythonContext final : public LanguageContext {
 public:
     explicit PythonContext(PythonInterpreter& interpreter);
 
-    void setTestResult(TestResult* result) { m_testResult = result; }
-
-    /// The time of one call of a native function: gives the context its arguments and takes them
-    /// away at the end.
-    class Call {
+    /// The time of one call of a native function by Python.
+    class Call : public LanguageContext::Call {
     public:
+        using LanguageContext::Call::Call;
         Call(PythonContext& context, PyObject* const* arguments, Py_ssize_t count)
-            : m_context(context) {
-            enter(false);
+            : LanguageContext::Call(context, false), m_context(&context) {
             for (Py_ssize_t index = 0; index < count; ++index)
                 context.argumentStorage().push_back(
                     context.takeArgument(PyRef::borrow(arguments[index])));
         }
-        /// An argument that is null was left out. `areNamed` tells that some were given by name.
-        Call(PythonContext& context, ScriptArgument::List arguments, bool areNamed)
-            : m_context(context) {
-            enter(areNamed);
-            context.argumentStorage() = std::move(arguments);
-        }
         ~Call() {
-            --m_context.m_depth;
-            m_context.giveArgumentsBack();
-            if (m_outer)
-                restoreOuter();
-            else if (m_context.m_result)
-                m_context.m_result = PyRef();
+            if (m_context)
+                m_context->giveArgumentsBack();
         }
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
 
-        /// What Python gets: the result, None without one, or null with the exception set for the
-        /// context's error.
-        PyObject* finish() {
-            if (m_context.hasError())
-                return raise();
-            if (m_context.m_result)
-                return m_context.m_result.release();
-            return Py_NewRef(Py_None);
-        }
-
     private:
-        /// State of a call that is running already.
-        struct Outer {
-            std::vector<SharedPtr<ScriptArgument>> arguments;
-            bool areNamed;
-            QString errorMessage;
-            ErrorType errorType;
-            bool isSkip;
-            PyRef result;
-        };
-        void enter(bool areNamed) {
-            if (m_context.m_depth++ > 0)
-                keepOuter();
-            m_context.m_hasNamedArguments = areNamed;
-            setCurrent(&m_context);
-        }
-        void keepOuter();
-        void restoreOuter();
-        PyObject* raise();
-
-        PythonContext& m_context;
-        std::unique_ptr<Outer> m_outer;
+        /// Null when the arguments were made for this call alone.
+        PythonContext* m_context = nullptr;
     };
 
     ScriptContext* createSubContext() override;
     void clearError() override;
-    void setResult(SharedPtr<ScriptArgument> value) override;
-    void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
 
     SharedPtr<ScriptArgument> createNull() override;
     SharedPtr<ScriptArgument> createBool(bool value) override;
@@ -123,7 +73,6 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
-    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     /// Wrappers of arguments are used again as long as nobody has kept them.
@@ -148,8 +97,6 @@ private:
     }
 
     PythonInterpreter& m_interpreter;
-    PyRef m_result;
-    int m_depth = 0;
     std::vector<SharedPtr<ScriptArgument>> m_spareArguments;
 };
 

@@ -13,9 +13,6 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// The number of the last state of break points that a debugger of this process had.
-unsigned s_lastState = 0;
-
 /// Keeps an exception that is on its way while the debugger asks Python something.
 class ErrorAside {
 public:
@@ -77,7 +74,7 @@ PyMethodDef s_stopHandler = {"stopAtNextLine", stopAtNextLine, METH_VARARGS, nul
 }  // namespace
 
 PythonDebugger::PythonDebugger(PythonInterpreter& interpreter)
-    : Debugger(&interpreter), m_python(interpreter), m_state(++s_lastState) {}
+    : LanguageDebugger(&interpreter), m_python(interpreter) {}
 
 PythonDebugger::~PythonDebugger() = default;
 
@@ -96,71 +93,36 @@ void PythonDebugger::setDebuggerMode(DbgMode mode) {
     m_hook.redecide();
 }
 
-void PythonDebugger::setBreakPoint(int line, int sourceId, bool set) {
-    Debugger::setBreakPoint(line, sourceId, set);
-    std::vector<int>& lines = m_breakLines[sourceId];
-    if (set)
-        lines.push_back(line);
-    else
-        std::erase(lines, line);
-    m_state = ++s_lastState;
-    m_hook.redecide();
-}
-
 void PythonDebugger::interrupt() {
     // Python goes on to where it can be told.
     PyErr_SetInterruptEx(stopSignal());
 }
 
 void PythonDebugger::shutDown() {
-    setInteractive(false);
-    m_watcher.reset();
     m_toldError = PyRef();
-    Debugger::shutDown();
+    LanguageDebugger::shutDown();
 }
 
 // Stops
 
-PythonDebugger::Standstill::Standstill(PythonDebugger& debugger) : m_debugger(debugger) {
-    ++m_debugger.m_standstills;
-    m_pause.emplace(m_debugger.m_hook);
+void PythonDebugger::enterStandstill() {
+    m_pauses.push_back(std::make_unique<TraceHook::Pause>(m_hook));
 }
 
-PythonDebugger::Standstill::~Standstill() {
-    m_pause.reset();
-    m_debugger.m_hook.redecide();
-    // Code that was evaluated at a stop may have stopped itself: the outer one goes on.
-    if (--m_debugger.m_standstills > 0)
-        m_debugger.updateFrames();
-    else
-        m_debugger.showFrames({});
-}
-
-bool PythonDebugger::stop() {
-    const Standstill standstill(*this);
-    return Debugger::stop();
-}
-
-bool PythonDebugger::stopWithObjectName(const QString& objectName, const QString& detail) {
-    const Standstill standstill(*this);
-    return Debugger::stopWithObjectName(objectName, detail);
-}
-
-void PythonDebugger::missingStep(int line, const std::string& text) {
-    const Standstill standstill(*this);
-    Debugger::missingStep(line, text);
+void PythonDebugger::leaveStandstill() {
+    m_pauses.pop_back();
+    m_hook.redecide();
 }
 
 bool PythonDebugger::stopsAtEachLine(const RunningFrame* caller) {
-    if (debuggerMode() != Next)
-        return debuggerMode() == Step;
     // Counted inside out, and no further than to where the call is known to be too deep.
-    int depth = 1 + static_cast<int>(m_foreignPlaces.size());
-    for (; caller && depth <= stepDepth(); caller = callerOf(caller)) {
+    int below = 0;
+    for (; caller && debuggerMode() == Next && LanguageDebugger::stopsAtEachLine(below);
+         caller = callerOf(caller)) {
         if (currentFacts(codeOf(caller)).isScript)
-            ++depth;
+            ++below;
     }
-    return depth <= stepDepth();
+    return LanguageDebugger::stopsAtEachLine(below);
 }
 
 bool PythonDebugger::wantsLines(PyCodeObject* code, const RunningFrame* caller) {
@@ -180,31 +142,20 @@ void PythonDebugger::lineReached(PyObject* frame, const RunningFrame* caller) {
 
 // Sources and frames
 
-int PythonDebugger::sourceIdOf(PyObject* codeFileName) {
-    const QString path = m_python.files().path(codeFileName);
-    const auto known = m_sourceIds.constFind(path);
-    if (known != m_sourceIds.constEnd())
-        return *known;
-    const int id = nextSourceId();
-    m_sourceIds.insert(path, id);
-    setCode(id, path);
-    return id;
-}
-
 CodeFacts& PythonDebugger::currentFacts(PyCodeObject* code) {
     CodeFacts& facts = factsOf(code);
-    if (facts.state == m_state)
+    if (facts.state == breakPointState())
         return facts;
     const ErrorAside aside;
     facts.isScript = m_python.files().isScript(code->co_filename);
     // A source that becomes known here may have break points, with which the state changes.
     facts.breakLines = facts.isScript ? breakLinesOf(code) : std::vector<int>();
-    facts.state = m_state;
+    facts.state = breakPointState();
     return facts;
 }
 
 std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
-    std::vector<int> lines = m_breakLines.value(sourceIdOf(code->co_filename));
+    std::vector<int> lines = breakLines(sourceIdOf(m_python.files().path(code->co_filename)));
     if (lines.empty())
         return lines;
     const std::vector<int> own = linesOf(code);
@@ -213,57 +164,21 @@ std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
     return lines;
 }
 
-std::vector<ScriptFrame> PythonDebugger::frames() {
-    return m_errorFrames ? *m_errorFrames : withForeignPlaces(runningFrames(m_python.files()));
+std::vector<ScriptFrame> PythonDebugger::runningFrames() {
+    return PythonPlugin::runningFrames(m_python.files());
 }
 
-std::vector<ScriptFrame> PythonDebugger::withForeignPlaces(std::vector<ScriptFrame> frames) const {
-    for (auto foreign = m_foreignPlaces.rbegin(); foreign != m_foreignPlaces.rend(); ++foreign) {
-        const auto below = std::find_if(frames.begin(), frames.end(), [&](const ScriptFrame& each) {
-            return each.frame && each.frame.get() == foreign->below.get();
-        });
-        frames.insert(below, foreign->place);
-    }
-    return frames;
+int PythonDebugger::runningDepth() {
+    return PythonPlugin::runningDepth(m_python.files());
 }
 
-void PythonDebugger::pushFrameAndSetCurrent(int line, int column, int sourceId) {
-    m_foreignPlaces.push_back(
-        {{PyRef(), line, column, sourceId}, innermostFrame(m_python.files())});
-}
-
-void PythonDebugger::popFrameAndSetCurrent() {
-    if (!m_foreignPlaces.empty())
-        m_foreignPlaces.pop_back();
-}
-
-void PythonDebugger::updateFrames() {
-    showFrames(frames());
-}
-
-void PythonDebugger::showFrames(const std::vector<ScriptFrame>& frames) {
-    clearFrames();
-    Debugger::setCurrentLine(-1);
-    Debugger::setCurrentColumn(-1);
-    Debugger::setCurrentSourceId(-1);
-    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame)
-        Debugger::pushFrameAndSetCurrent(
-            frame->line, frame->column,
-            frame->frame ? sourceIdOf(frameFileName(frame->frame.get()).get()) : frame->sourceId);
-}
-
-// Variables
-
-void PythonDebugger::initVariableWatcher() {
-    m_watcher.reset();
+std::unique_ptr<VariableWatcher> PythonDebugger::makeVariableWatcher() {
+    return std::make_unique<PythonVariables>(m_python);
 }
 
 Debugger::VariableBindings PythonDebugger::variables(const QString& path) {
-    const TraceHook::Pause pause(m_hook);
-    if (!m_watcher)
-        m_watcher = std::make_unique<PythonVariableWatcher>(m_python);
     try {
-        return m_watcher->variableBindings(path);
+        return LanguageDebugger::variables(path);
     } catch (const PythonErrorSet&) {
         // Python has no memory left for its own containers.
         PyErr_Print();
@@ -313,10 +228,7 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
     PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
                   Py_XNewRef(traceback));
     m_toldText = takeScriptError().message;
-    m_errorFrames = withForeignPlaces(framesOfError(traceback, m_python.files()));
-    notify(QStringLiteral("ScriptError"), m_toldText);
-    stop();
-    m_errorFrames.reset();
+    LanguageDebugger::stopForError(m_toldText, framesOfError(traceback, m_python.files()));
 }
 
 void PythonDebugger::errorUncaught() {

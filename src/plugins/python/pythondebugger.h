@@ -1,21 +1,14 @@
 #pragma once
 
-#include <QHash>
 #include <QString>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "interpreter/bridge/debugger.h"
+#include "interpreter/language/languagedebugger.h"
 #include "plugins/python/codefacts.h"
 #include "plugins/python/frames.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/tracehook.h"
-
-namespace Tamrix {
-class VariableWatcher;
-}
 
 namespace Tamrix::PythonPlugin {
 
@@ -30,29 +23,17 @@ class PythonInterpreter;
 /// leaves the innermost call. Whether something catches it is then read from the byte code of the
 /// calls that it has not left. Where that can't tell, as in a `with`, the decision waits until the
 /// exception has come further; one that has left all calls was caught by nothing.
-class PythonDebugger final : public Debugger, private TraceListener {
+class PythonDebugger final : public LanguageDebugger, private TraceListener {
 public:
     explicit PythonDebugger(PythonInterpreter& interpreter);
     ~PythonDebugger() override;
 
-    bool stop() override;
-    bool stopWithObjectName(const QString& objectName, const QString& detail) override;
-    void missingStep(int line, const std::string& text) override;
     VariableBindings variables(const QString& path) override;
-    void initVariableWatcher() override;
     void setInteractive(bool interactive) override;
     void setDebuggerMode(DbgMode mode) override;
-    void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
-    /// A place in a file that is none of Python's, over what runs now: a step of a feature.
-    void pushFrameAndSetCurrent(int line, int column, int sourceId) override;
-    void popFrameAndSetCurrent() override;
     /// Stops at the next line. Only sets flags.
     void interrupt() override;
-
-    /// The frames of scripts at which the debugger looks, the innermost first: of an error that it
-    /// has stopped for, else those that run.
-    std::vector<ScriptFrame> frames();
 
     /// A native function raises the exception that is set: stops before the script's frames are
     /// left if nothing in them catches it.
@@ -76,64 +57,34 @@ public:
     void errorReplaced(PyObject* exception, const QString& text);
 
 protected:
-    void updateFrames() override;
+    std::vector<ScriptFrame> runningFrames() override;
+    int runningDepth() override;
+    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    void enterStandstill() override;
+    void leaveStandstill() override;
+    void breakPointsChanged() override { m_hook.redecide(); }
 
 private:
     bool wantsLines(PyCodeObject* code, const RunningFrame* caller) override;
     void lineReached(PyObject* frame, const RunningFrame* caller) override;
     void errorPasses(PyObject* exception, PyObject* traceback) override;
 
-    /// The time of a stop.
-    class Standstill {
-    public:
-        explicit Standstill(PythonDebugger& debugger);
-        ~Standstill();
-        Standstill(const Standstill&) = delete;
-        Standstill& operator=(const Standstill&) = delete;
-
-    private:
-        PythonDebugger& m_debugger;
-        std::optional<TraceHook::Pause> m_pause;
-    };
-    void showFrames(const std::vector<ScriptFrame>& frames);
-    /// The frames with the places of other files between them.
-    std::vector<ScriptFrame> withForeignPlaces(std::vector<ScriptFrame> frames) const;
-
     /// Whether the mode wants to stop at each line of a call that was made by `caller`.
     bool stopsAtEachLine(const RunningFrame* caller);
     CodeFacts& currentFacts(PyCodeObject* code);
     std::vector<int> breakLinesOf(PyCodeObject* code);
-    int sourceIdOf(PyObject* codeFileName);
 
-    bool stopsForErrors() const { return isInteractive() && debuggerMode() != None; }
     bool isCaught(PyObject* exception, PyObject* traceback);
     void stopForError(PyObject* exception, PyObject* traceback);
 
     PythonInterpreter& m_python;
     TraceHook m_hook{*this};
-    std::unique_ptr<VariableWatcher> m_watcher;
-    QHash<QString, int> m_sourceIds;
-    /// Lines with break points, by source id.
-    QHash<int, std::vector<int>> m_breakLines;
-    /// Changes with the break points.
-    unsigned m_state = 0;
-
-    struct ForeignPlace {
-        ScriptFrame place;
-        /// The innermost frame of a script below it; may be null.
-        PyRef below;
-    };
-    /// The innermost last.
-    std::vector<ForeignPlace> m_foreignPlaces;
-
-    /// One in another when code that is evaluated at a stop stops.
-    int m_standstills = 0;
+    /// One for each stop, which may lie in each other.
+    std::vector<std::unique_ptr<TraceHook::Pause>> m_pauses;
 
     /// The exception that the debugger has stopped for, and its text.
     PyRef m_toldError;
     QString m_toldText;
-    /// Where that exception was raised, while the debugger is stopped for it.
-    std::optional<std::vector<ScriptFrame>> m_errorFrames;
     /// Frames whose native function catches errors. Only compared: they run as long as they are
     /// here.
     std::vector<PyObject*> m_catching;

@@ -1,28 +1,23 @@
 #include "plugins/python/pythoninterpreter.h"
 
-#include <QRegularExpression>
-#include <algorithm>
 #include <stdexcept>
 
-#include "plugins/python/bddactions.h"
 #include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/frameevaluation.h"
 #include "plugins/python/globalfunctions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
-#include "plugins/python/objecttype.h"
 #include "plugins/python/overlay.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythonruntime.h"
+#include "plugins/python/pythonsteps.h"
+#include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
+#include "plugins/python/scriptstreams.h"
 #include "plugins/python/valuetypes.h"
-#include "shared/resources/testresource.h"
 
 namespace Tamrix::PythonPlugin {
-
-PythonInterpreter* PythonInterpreter::s_active = nullptr;
-std::vector<PythonInterpreter*> PythonInterpreter::s_instances;
 
 namespace {
 
@@ -65,41 +60,25 @@ PyTypeObject* classOfMembers(const QString& className) {
 }  // namespace
 
 PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
-    : Interpreter(runner), m_scriptThread(__builtin_thread_pointer()) {
+    : LanguageInterpreter(runner, Python) {
     PythonRuntime::self();
     m_threadState = PyThreadState_Get();
-    s_instances.push_back(this);
-    s_active = this;
     m_context = std::make_unique<PythonContext>(*this);
     m_debugger = std::make_unique<PythonDebugger>(*this);
-    m_bdd = std::make_unique<BddActions>(*this);
-    setDebugger(m_debugger.get());
     try {
-        m_context->initFunctions();
-        initNativeAPI();
-        publishFunctionsOfApplication();
-        if (!ScriptOutput::install(&m_output))
+        begin(std::make_unique<PythonSteps>(*this));
+        if (!installStreams(&output())) {
+            end();
             throw PythonErrorSet();
+        }
     } catch (const PythonErrorSet&) {
         PyErr_Print();
-        // Nothing may point to an interpreter that is not made.
-        setDebugger(nullptr);
-        std::erase(s_instances, this);
-        s_active = s_instances.empty() ? nullptr : s_instances.back();
         throw std::runtime_error("The functions of the test system can't be made known to Python");
     }
 }
 
 PythonInterpreter::~PythonInterpreter() {
-    m_output.flush();
-    clearCallables();
-    m_bdd->clear();
-    m_debugger->shutDown();
-    setDebugger(nullptr);
-    if (ScriptContext::current() == m_context.get())
-        ScriptContext::setCurrent(nullptr);
-    std::erase(s_instances, this);
-    const bool last = s_instances.empty();
+    const bool last = end();
     if (m_module && last) {
         // Functions keep their globals alive, and these the functions.
         PyDict_Clear(PyModule_GetDict(m_module.get()));
@@ -112,11 +91,15 @@ PythonInterpreter::~PythonInterpreter() {
     m_initialNames = PyRef();
     if (last) {
         PythonRuntime::self().restore();
-        m_output.flush();
+        output().flush();
     }
-    s_active = last ? nullptr : s_instances.back();
-    if (!ScriptOutput::install(last ? nullptr : &s_active->m_output))
+    leaveActive();
+    if (!installStreams(last ? nullptr : &active()->output()))
         PyErr_Print();
+}
+
+LanguageDebugger& PythonInterpreter::languageDebugger() {
+    return *m_debugger;
 }
 
 // Names for scripts
@@ -162,45 +145,30 @@ void PythonInterpreter::addNativeFunction(const QString& name, bool (*function)(
                                           const QStringList& requiredParameters,
                                           const QStringList& optionalParameters,
                                           const QString& description) {
-    defineGlobal(name, makeFunction({name, {}, requiredParameters, optionalParameters, description},
-                                    function));
+    defineGlobal(name,
+                 makeFunction({context(),
+                               {name, {}, requiredParameters, optionalParameters, description},
+                               function}));
 }
 
 void PythonInterpreter::addNativeType(const QString& name, void* typeId,
                                       const NativeScriptType& type) {
-    defineGlobal(name, makeNativeClass(name, typeId, type));
-}
-
-void PythonInterpreter::initTestFunctions(TestResult* result) {
-    m_context->setTestResult(result);
-    m_output.setTestResult(result);
+    defineGlobal(name, makeNativeClass(context(), name, typeId, type));
 }
 
 QString PythonInterpreter::addToSearchPath(const QFileInfo& directory) {
     return PythonRuntime::self().addToSearchPath(directory.absoluteFilePath());
 }
 
-void PythonInterpreter::setScriptArguments(const QString& scriptPath,
-                                           const QStringList& arguments) {
-    Interpreter::setScriptArguments(scriptPath, arguments);
-    setScriptName(scriptPath);
-    startScript();
-    const PyRef list = toPyList(QStringList(scriptPath) + arguments);
-    if (!list || PySys_SetObject("argv", list.get()) < 0)
-        PyErr_Print();
-    // A module that findFile() finds is the one that import finds.
-    const QString error = PythonRuntime::self().setSearchPath(
-        scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
-    if (!error.isEmpty())
-        qWarning("Could not set the search path: %s", error.toLocal8Bit().constData());
+void PythonInterpreter::publishFunctions(const QStringList& names) {
+    for (const QString& name : names)
+        publishGlobalFunction(*this, name);
 }
 
-void PythonInterpreter::startScript() {
-    m_exited = false;
+void PythonInterpreter::startScript(const QString& path, const QStringList& arguments,
+                                    const QStringList& folders) {
     m_skip = PyRef();
     m_originOf = PyRef();
-    clearCallables();
-    m_bdd->clear();
     try {
         const PyRef names = moduleNamespace();
         if (m_initialNames)
@@ -210,11 +178,23 @@ void PythonInterpreter::startScript() {
     } catch (const PythonErrorSet&) {
         PyErr_Print();
     }
+    const PyRef list = toPyList(QStringList(path) + arguments);
+    if (!list || PySys_SetObject("argv", list.get()) < 0)
+        PyErr_Print();
+    const QString error = PythonRuntime::self().setSearchPath(folders);
+    if (!error.isEmpty())
+        qWarning("Could not set the search path: %s", error.toLocal8Bit().constData());
 }
 
-void PythonInterpreter::publishFunctionsOfApplication() {
-    m_knownModel = Inspector::self()->model();
-    publishGlobalFunctions(*this, m_knownModel);
+void PythonInterpreter::noticeFailure(const PyRef& exception, const ScriptFailure& failure) {
+    if (failure.isSkip)
+        m_skip = exception;
+    if (failure.origin.line >= 0) {
+        m_originOf = exception;
+        m_errorOrigin =
+            LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
+    }
+    m_debugger->errorReplaced(exception.get(), failure.text);
 }
 
 // Running
@@ -261,14 +241,7 @@ bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName
     return finish(PyRef());
 }
 
-bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, int, int) {
-    clearError();
-    // The debugger evaluates without stops, where the script stands.
-    if (fileName.isEmpty() && m_debugger->debuggerMode() == Debugger::None) {
-        const std::vector<ScriptFrame> frames = m_debugger->frames();
-        if (!frames.empty())
-            return evaluateAt(frames, text);
-    }
+bool PythonInterpreter::runScript(const QString& text, const QString& fileName) {
     PyRef result;
     try {
         const PyRef names = moduleNamespace();
@@ -276,7 +249,6 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
         if (!fileName.isEmpty())
             checked(PyDict_SetItemString(names.get(), "__file__",
                                          checked(toPyString(fileName).release()).get()));
-        ScriptContext::setCurrent(m_context.get());
         if (const PyRef code = compile(text, file, Py_file_input))
             result = PyRef::steal(PyEval_EvalCode(code.get(), names.get(), names.get()));
     } catch (const PythonErrorSet&) {
@@ -285,120 +257,64 @@ bool PythonInterpreter::evaluate(const QString& text, const QString& fileName, i
     return finish(result, !fileName.isEmpty());
 }
 
-bool PythonInterpreter::evaluateAt(const std::vector<ScriptFrame>& frames, const QString& text) {
-    // As in the paths of variables, "^N" in front means the frame N levels outwards.
-    static const QRegularExpression s_level(QStringLiteral("^\\^(\\d+)\\s"));
-    const QRegularExpressionMatch level = s_level.match(text);
-    bool isNumber = true;
-    const std::size_t index = level.hasMatch() ? level.captured(1).toUInt(&isNumber) : 0;
-    if (!isNumber || index >= frames.size()) {
-        return tellEvaluation(
-            fail(FailureKind::NotFound,
-                 QStringLiteral("There is no frame %1 levels outwards").arg(level.captured(1))));
-    }
-    const QString code = text.mid(level.capturedLength());
-    // A feature file has no names of its own: those of the code that runs it are meant.
-    const auto frame =
-        std::find_if(frames.begin() + static_cast<std::ptrdiff_t>(index), frames.end(),
-                     [](const ScriptFrame& each) { return bool(each.frame); });
-    return frame != frames.end() ? tellEvaluation(evaluateInFrame(*this, frame->frame.get(), code))
-                                 : evaluateInScript(code);
+Outcome<QString> PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+    return frame ? evaluateInFrame(*this, frameBehind(*frame), code)
+                 : evaluateInModule(*this, moduleNamespace().get(), code);
 }
 
-bool PythonInterpreter::evaluateInScript(const QString& text) {
-    return tellEvaluation(evaluateInModule(*this, moduleNamespace().get(), text));
-}
-
-bool PythonInterpreter::tellEvaluation(const Outcome<QString>& result) {
-    m_output.flush();
-    setResultMessage(result ? *result : result.error().text);
-    if (!result)
-        setErrorMessage(result.error().text);
-    return bool(result);
-}
-
-PyRef PythonInterpreter::scriptFunction(const QString& name) {
+SharedPtr<ScriptArgument> PythonInterpreter::scriptFunction(const QString& name) {
     if (!m_module)
         return {};
     const PyRef key = checked(toPyString(name).release());
-    PyRef function =
+    const PyRef function =
         PyRef::borrow(PyDict_GetItemWithError(PyModule_GetDict(m_module.get()), key.get()));
-    return function && PyCallable_Check(function.get()) ? function : PyRef();
+    if (!function || !PyCallable_Check(function.get()))
+        return {};
+    return new PythonArgument(function);
 }
 
-bool PythonInterpreter::hasFunction(const QString& name) {
-    // A script that has ended through sys.exit() lacks nothing.
-    return scriptFunction(name) || m_exited;
+SharedPtr<ScriptArgument> PythonInterpreter::libraryFunction(const QString& name) {
+    const PyRef key = checked(toPyString(pythonName(name)).release());
+    const PyRef function = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
+    if (!function)
+        return {};
+    return new PythonArgument(function);
 }
 
-bool PythonInterpreter::callFunction(const QString& name, const ObjectList& arguments) {
-    clearError();
-    m_skip = PyRef();
-    const PyRef function = scriptFunction(name);
-    // After sys.exit() only the cleaning up is left to do.
-    if (m_exited && (name != "cleanup" || !function))
-        return true;
-    if (!function) {
-        setErrorMessage("The script has no function '" + name + "'");
-        return false;
-    }
-    const PyRef tuple = PyRef::steal(PyTuple_New(static_cast<Py_ssize_t>(arguments.size())));
-    for (std::size_t index = 0; tuple && index < arguments.size(); ++index)
+PythonInterpreter::CallEnd PythonInterpreter::call(const SharedPtr<ScriptArgument>& function,
+                                                   const CallArguments& arguments,
+                                                   const QString& name, bool isCallback) {
+    if (!isCallback)
+        m_skip = PyRef();
+    const PyRef callee = pythonValue(function);
+    const PyRef tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(arguments.positional.size())));
+    for (std::size_t index = 0; index < arguments.positional.size(); ++index)
         PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
-                         ObjectHolder::wrap(arguments[index]).release());
-    ScriptContext::setCurrent(m_context.get());
-    const PyRef result =
-        PyRef::steal(tuple ? PyObject_Call(function.get(), tuple.get(), nullptr) : nullptr);
-    return finish(result) && (!result || hasRun(name, function.get(), result.get()));
-}
-
-bool PythonInterpreter::invokeFunction(const QString& name) {
-    const PyRef function = scriptFunction(name);
-    if (function)
-        return invoke(new PythonArgument(function));
-    return m_exited || failCallback("The script has no function '" + name + "'");
-}
-
-bool PythonInterpreter::callLibraryFunction(const QString& name, const QStringList& arguments) {
-    clearError();
-    m_skip = PyRef();
-    if (m_exited)
-        return true;
-    ScriptContext::setCurrent(m_context.get());
-    const PyRef key = toPyString(pythonName(name));
-    PyObject* const function =
-        key ? PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()) : nullptr;
-    const PyRef list = toPyList(arguments);
-    const PyRef tuple = PyRef::steal(list ? PyList_AsTuple(list.get()) : nullptr);
-    if (!function && !PyErr_Occurred())
-        PyErr_SetObject(PyExc_NameError, key.get());
-    return finish(
-        PyRef::steal(function && tuple ? PyObject_Call(function, tuple.get(), nullptr) : nullptr));
-}
-
-PythonInterpreter::Callback PythonInterpreter::callBack(PyObject* function, PyObject* arguments,
-                                                        PyObject* named) {
-    clearError();
-    const PyRef result = PyRef::steal(PyObject_Call(function, arguments, named));
-    if (!result && !isOrdinaryError())
+                         pythonValue(arguments.positional[index]).release());
+    const PyRef named = checked(PyDict_New());
+    for (const auto& [parameter, value] : arguments.named)
+        checked(PyDict_SetItem(named.get(), checked(toPyString(parameter).release()).get(),
+                               pythonValue(value).get()));
+    const PyRef result = PyRef::steal(PyObject_Call(callee.get(), tuple.get(), named.get()));
+    if (!result && isCallback && !isOrdinaryError())
         throw PythonErrorSet();
     const bool isPending = !result && PyErr_ExceptionMatches(pendingStepError()) != 0;
-    QString name = QStringLiteral("The function");
-    if (PyFunction_Check(function))
-        name = fromPyString(reinterpret_cast<PyFunctionObject*>(function)->func_name);
-    if (finish(result) && hasRun(name, function, result.get()))
-        return Callback::Succeeded;
-    // A call that was refused has come to no line.
-    if (errorCallStack().empty())
-        setErrorPosition(function);
-    std::vector<LineInfo> stack = errorCallStack();
-    for (const ScriptFrame& frame : m_debugger->frames()) {
-        stack.emplace_back(frame.frame ? m_files.path(frameFileName(frame.frame.get()).get())
-                                       : m_debugger->findSourceId(frame.sourceId),
-                           frame.line);
-    }
-    setErrorCallStack(stack);
-    return isPending ? Callback::Pending : Callback::Failed;
+    QString shownName = name;
+    if (name.isEmpty())
+        shownName = PyFunction_Check(callee.get())
+                        ? fromPyString(reinterpret_cast<PyFunctionObject*>(callee.get())->func_name)
+                        : QStringLiteral("The function");
+    if (finish(result) && (!result || hasRun(shownName, callee.get(), result.get())))
+        return CallEnd::Succeeded;
+    return isPending ? CallEnd::Pending : CallEnd::Failed;
+}
+
+LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
+    const PyRef callee = pythonValue(function);
+    if (!PyFunction_Check(callee.get()))
+        return {};
+    auto* const code = reinterpret_cast<PyCodeObject*>(PyFunction_GET_CODE(callee.get()));
+    return LineInfo(m_files.path(code->co_filename), code->co_firstlineno);
 }
 
 bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject* result) {
@@ -414,46 +330,24 @@ bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject
         name + (isAsync ? "() is asynchronous and nothing of it has run: let a plain function call "
                           "asyncio.run()"
                         : "() is a generator and nothing of it has run: take its 'yield' away"));
-    setErrorPosition(function);
+    const LineInfo place = placeOf(new PythonArgument(PyRef::borrow(function)));
+    if (place.isValid()) {
+        setErrorFile(place.fileName());
+        setErrorLine(place.lineNumber());
+    }
     return false;
-}
-
-void PythonInterpreter::setErrorPosition(PyObject* function) {
-    if (!PyFunction_Check(function))
-        return;
-    auto* const code = reinterpret_cast<PyCodeObject*>(PyFunction_GET_CODE(function));
-    setErrorFile(m_files.path(code->co_filename));
-    setErrorLine(code->co_firstlineno);
 }
 
 bool PythonInterpreter::finish(const PyRef& result, bool hasFile) {
-    m_output.flush();
     if (result)
-        return true;
+        return succeed();
+    output().flush();
     m_debugger->errorUncaught();
-    ScriptError error = takeScriptError(&m_files);
-    if (error.isExit) {
-        m_exited = true;
-        return true;
-    }
+    PythonError error = takeScriptError(&m_files);
     if (error.exception && error.exception.get() == m_originOf.get())
         error.callStack.insert(error.callStack.begin(), m_errorOrigin);
-    setErrorMessage(error.message);
-    setErrorIsSkip(isSkip(error.exception.get()));
-    if (error.callStack.empty() || !hasFile) {
-        // Code without a file has a line all the same, which tells that it failed. Where else the
-        // error stands, the message tells.
-        setErrorLine(error.outermostLine);
-        if (!error.callStack.empty())
-            setErrorMessage(QStringLiteral("%1\nin %2:%3")
-                                .arg(error.message, error.callStack.front().fileName(),
-                                     QString::number(error.callStack.front().lineNumber())));
-        return false;
-    }
-    setErrorFile(error.callStack.front().fileName());
-    setErrorLine(error.callStack.front().lineNumber());
-    setErrorCallStack(error.callStack);
-    return false;
+    error.isSkip = isSkip(error.exception.get());
+    return failWith(error, hasFile);
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -11,10 +11,7 @@ namespace Tamrix::PythonPlugin {
 // a container that is written. What is sent need not be a signal of the system:
 // PyErr_SetInterruptEx() has the same effect, and may be called in the handler of one.
 
-/// Real-time signals that nothing else in a test run uses.
-inline int timeLimitSignal() {
-    return SIGRTMAX - 2;
-}
+/// A real-time signal that nothing else in a test run uses.
 inline int stopSignal() {
     return SIGRTMAX - 3;
 }

@@ -5,38 +5,21 @@
 #include "plugins/python/methodtype.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythondebugger.h"
+#include "plugins/python/pythoninterpreter.h"
 
 namespace Tamrix::PythonPlugin {
 
-void raiseRefusedCall(const QString& function) {
-    raiseScriptError(
-        ScriptContext::GeneralError,
-        function + (PythonInterpreter::active()
-                        ? "() was called from another thread than the test script's: only that "
-                          "thread may use the functions of the test system"
-                        : "() was called while no test case runs"));
+void setFailure(const ScriptFailure& failure) {
+    const PyRef exception = raiseException(failure.kind, failure.text);
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    if (exception && interpreter && interpreter->isScriptThread())
+        interpreter->noticeFailure(exception, failure);
 }
 
-void raiseNativeException(const QString& function, const QString& text) {
-    raiseScriptError(ScriptContext::GeneralError, function + "() failed: " + text);
-}
-
-void raiseObjectError(const ObjectError& error) {
-    switch (error.kind) {
-        case ObjectError::Kind::NoMember:
-            PyErr_SetString(PyExc_AttributeError, error.text.toUtf8().constData());
-            break;
-        case ObjectError::Kind::BadArgument:
-            PyErr_SetString(PyExc_TypeError, error.text.toUtf8().constData());
-            break;
-        case ObjectError::Kind::NotFound:
-            raiseScriptError(ScriptContext::LookupError, error.text);
-            break;
-        case ObjectError::Kind::Failed:
-            raiseScriptError(ScriptContext::GeneralError, error.text);
-            break;
-    }
-    if (PythonInterpreter* const interpreter = PythonInterpreter::active())
+void raiseFailure(const ScriptFailure& failure) {
+    setFailure(failure);
+    PythonInterpreter* const interpreter = PythonInterpreter::active();
+    if (interpreter && interpreter->isScriptThread())
         interpreter->debugger().errorRaised();
 }
 

@@ -151,7 +151,7 @@ bool isCleanExit(PyObject* exception) {
 
 }  // namespace
 
-ScriptError takeScriptError(SourceFiles* files) {
+PythonError takeScriptError(SourceFiles* files) {
     PyObject* type = nullptr;
     PyObject* value = nullptr;
     PyObject* traceback = nullptr;
@@ -160,7 +160,7 @@ ScriptError takeScriptError(SourceFiles* files) {
     const PyRef typeReference = PyRef::steal(type);
     const PyRef exception = PyRef::steal(value);
     const PyRef tracebackReference = PyRef::steal(traceback);
-    ScriptError error;
+    PythonError error;
     error.exception = exception;
     if (!exception)
         return error;

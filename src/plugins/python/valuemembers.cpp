@@ -2,10 +2,10 @@
 
 #include <structmember.h>
 
-#include <QUrl>
 #include <algorithm>
 #include <iterator>
 
+#include "interpreter/language/valuepath.h"
 #include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/valuetext.h"
@@ -32,7 +32,7 @@ bool isWrittenAsCode(PyObject* key) {
 }
 
 /// An entry of a dictionary stands as code would ask for it.
-QString nameOfKey(PyObject* key, ValueTexts& texts) {
+QString nameOfKey(PyObject* key, PythonTexts& texts) {
     QString text = texts.textOf(key);
     if (isWrittenAsCode(key) && !ValueTexts::isCut(text))
         // Blanks behind one another would not come back.
@@ -101,7 +101,7 @@ std::vector<ValueMember> slotsOf(PyObject* value) {
 }
 
 ValueMembers itemsAsMembers(PyObject* container, Py_ssize_t first, Py_ssize_t limit,
-                            ValueTexts& texts) {
+                            PythonTexts& texts) {
     ValueMembers members;
     members.count = containerSize(container);
     Py_ssize_t index = first;
@@ -145,7 +145,7 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
         return valueAt(dictionary, toPyString(textOfPathPart(name)));
     if (PyRef value = valueAt(dictionary, keyOfName(name)))
         return value;
-    ValueTexts texts;
+    PythonTexts texts;
     for (ContainerItem& item : containerItems(dictionary, 0, containerSize(dictionary))) {
         if (nameOfKey(item.key.get(), texts) == name)
             return std::move(item.value);
@@ -153,80 +153,17 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
     return {};
 }
 
-/// Where the part in brackets at the beginning of the text ends, behind its bracket; the end of the
-/// text when it does not.
-int endOfBrackets(const QString& text, int begin) {
-    int depth = 0;
-    QChar quote;
-    for (int index = begin; index < text.size(); ++index) {
-        const QChar character = text.at(index);
-        if (!quote.isNull()) {
-            if (character == '\\')
-                ++index;
-            else if (character == quote)
-                quote = QChar();
-        } else if (character == '\'' || character == '"') {
-            quote = character;
-        } else if (character == '[' || character == '(') {
-            ++depth;
-        } else if ((character == ']' || character == ')') && --depth == 0) {
-            return index + 1;
-        }
-    }
-    return text.size();
-}
-
 }  // namespace
-
-QStringList partsOfPath(const QString& path) {
-    QStringList parts;
-    int begin = 0;
-    while (begin <= path.size()) {
-        int end = path.indexOf('.', begin);
-        if (begin < path.size() && path.at(begin) == '[')
-            end = path.indexOf('.', endOfBrackets(path, begin));
-        if (end < 0)
-            end = path.size();
-        parts.append(path.mid(begin, end - begin));
-        begin = end + 1;
-    }
-    return parts;
-}
-
-QString pathPart(const QString& text, const QByteArray& furtherMarks) {
-    // What begins a part that is no name.
-    const QString marks = QStringLiteral("[@^+");
-    QString part;
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar character = text.at(index);
-        const bool isInnerBlank = character == ' ' && index > 0 && index + 1 < text.size() &&
-                                  !text.at(index - 1).isSpace();
-        const bool isEscaped = character == '%' || character == '.' ||
-                               (character.isSpace() && !isInnerBlank) ||
-                               character.category() == QChar::Other_Control ||
-                               (index == 0 && marks.contains(character)) ||
-                               furtherMarks.contains(character.toLatin1());
-        part +=
-            isEscaped
-                ? QString::fromLatin1(QUrl::toPercentEncoding(character, {}, ".+" + furtherMarks))
-                : QString(character);
-    }
-    return part;
-}
-
-QString textOfPathPart(const QString& part) {
-    return QUrl::fromPercentEncoding(part.toUtf8());
-}
 
 bool hasMembers(PyObject* value) {
     if (isContainer(value))
         return containerSize(value) > 0;
-    ValueTexts texts;
+    PythonTexts texts;
     return !PyFunction_Check(value) && !PyCFunction_Check(value) &&
            membersOf(value, 0, 1, texts).count > 0;
 }
 
-ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, ValueTexts& texts) {
+ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, PythonTexts& texts) {
     if (isContainer(value))
         return itemsAsMembers(value, first, limit, texts);
 

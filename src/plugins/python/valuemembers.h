@@ -1,15 +1,13 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 #include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
 
-class ValueTexts;
+class PythonTexts;
 
 /// A part of a value that a listing can go into.
 struct ValueMember {
@@ -31,17 +29,9 @@ struct ValueMembers {
 bool hasMembers(PyObject* value);
 
 /// At most `limit` members from the one numbered `first`, in their order. `texts` writes keys.
-ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, ValueTexts& texts);
+ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, PythonTexts& texts);
 
 /// The member with the name as it stands in paths; null when there is none.
 PyRef memberNamed(PyObject* value, const QString& name);
-
-/// The parts of a path, which have "." between them. One in brackets may hold "." itself.
-QStringList partsOfPath(const QString& path);
-
-/// A text as one part of a path: what separates parts, what a line of words can't hold and
-/// `furtherMarks` are percent-encoded.
-QString pathPart(const QString& text, const QByteArray& furtherMarks = QByteArray());
-QString textOfPathPart(const QString& part);
 
 }  // namespace Tamrix::PythonPlugin

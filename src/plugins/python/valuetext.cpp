@@ -1,30 +1,21 @@
 #include "plugins/python/valuetext.h"
 
-#include <QStringList>
 #include <algorithm>
 
+#include "interpreter/language/timelimit.h"
 #include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/timelimit.h"
+#include "plugins/python/pythonsignals.h"
 
 namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Characters of a value.
-constexpr Py_ssize_t longest = 200;
-/// Containers in containers.
-constexpr int deepest = 4;
 /// Bits of an int: writing one takes a time that grows with their square.
 constexpr std::size_t mostBits = 4000;
-/// For the script code of one value.
-constexpr std::chrono::milliseconds timeForOne{100};
+constexpr Py_ssize_t longest = ValueTexts::longest;
 
 const QString more = QStringLiteral("...");
-
-QString cut(const QString& text) {
-    return text.size() <= longest ? text : text.left(longest) + more;
-}
 
 bool writesAs(PyObject* value, const PyTypeObject& type) {
     return Py_TYPE(value)->tp_repr == type.tp_repr;
@@ -55,6 +46,29 @@ PyRef beginningOf(PyObject* value) {
         PyByteArray_AS_STRING(value), std::min(PyByteArray_GET_SIZE(value), longest)));
 }
 
+/// The exception by which a limit of time ends code, which no `except Exception` catches. It lives
+/// for the process. Made before there is an error, since none can be made then.
+PyObject* timeLimitExceeded() {
+    static PyObject* const s_type =
+        PyErr_NewException("tamrix.TimeLimitExceeded", PyExc_BaseException, nullptr);
+    return s_type;
+}
+
+PyObject* raiseTimeLimit(PyObject*, PyObject*) {
+    // A signal that comes late finds nobody to end.
+    if (TimeLimit::isArmed()) {
+        PyErr_SetNone(timeLimitExceeded());
+        return nullptr;
+    }
+    Py_RETURN_NONE;
+}
+
+PyMethodDef s_timeLimitHandler = {"timeLimit", raiseTimeLimit, METH_VARARGS, nullptr};
+
+void expired() {
+    PyErr_SetInterruptEx(TimeLimit::signal());
+}
+
 /// A text or bytes, cut before their representation is made.
 QString sliceText(PyObject* value) {
     const Py_ssize_t length = PyUnicode_Check(value) ? PyUnicode_GET_LENGTH(value)
@@ -67,21 +81,22 @@ QString sliceText(PyObject* value) {
         return more;
     }
     const QString written = fromPyString(text.get());
-    return length <= longest ? cut(written) : cut(written.chopped(1)) + more;
+    return length <= longest ? PythonTexts::cut(written)
+                             : PythonTexts::cut(written.chopped(1)) + more;
 }
 
 }  // namespace
 
-QString ValueTexts::typeNameOf(PyObject* value) {
+QString PythonTexts::typeNameOf(PyObject* value) {
     const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
     return name.mid(name.lastIndexOf('.') + 1);
 }
 
-QString ValueTexts::textOf(PyObject* value) {
+QString PythonTexts::textOf(PyObject* value) {
     return cut(bounded(value, 0));
 }
 
-QString ValueTexts::bounded(PyObject* value, int depth) {
+QString PythonTexts::bounded(PyObject* value, int depth) {
     if (PyLong_Check(value) && writesAs(value, PyLong_Type)) {
         const std::size_t bits = _PyLong_NumBits(value);
         if (bits > mostBits)
@@ -105,28 +120,23 @@ QString ValueTexts::bounded(PyObject* value, int depth) {
             return firstCharacters(text);
         PyErr_Clear();
     }
-    return scriptText(value);
+    return reprText(value);
 }
 
-QString ValueTexts::containerText(PyObject* value, int depth) {
+QString PythonTexts::containerText(PyObject* value, int depth) {
     const Py_ssize_t count = containerSize(value);
     if (PyAnySet_Check(value) && count == 0)
         return typeNameOf(value) + "()";
-    QStringList texts;
-    int length = 0;
-    // Each element takes two characters at least.
-    for (const ContainerItem& item : containerItems(value, 0, depth < deepest ? longest / 2 : 0)) {
-        if (length > longest)
-            break;
-        QString text = bounded(item.value.get(), depth + 1);
-        if (item.key)
-            text.prepend(bounded(item.key.get(), depth + 1) + ": ");
-        length += text.size() + 2;
-        texts.append(text);
-    }
-    if (texts.size() < count)
-        texts.append(more);
-    const QString inner = texts.join(", ");
+    const std::vector<ContainerItem> items =
+        containerItems(value, 0, depth < deepest ? longest / 2 : 0);
+    auto item = items.begin();
+    const QString inner = itemsText(depth, count, [&] {
+        QString text = bounded(item->value.get(), depth + 1);
+        if (item->key)
+            text.prepend(bounded(item->key.get(), depth + 1) + ": ");
+        ++item;
+        return text;
+    });
     if (PyTuple_Check(value))
         return "(" + inner + (count == 1 ? ",)" : ")");
     if (PyList_Check(value))
@@ -134,26 +144,22 @@ QString ValueTexts::containerText(PyObject* value, int depth) {
     return PyFrozenSet_CheckExact(value) ? "frozenset({" + inner + "})" : "{" + inner + "}";
 }
 
-QString ValueTexts::scriptText(PyObject* value) {
-    const std::chrono::milliseconds time = std::min(m_left, timeForOne);
-    if (time <= std::chrono::milliseconds::zero())
-        return QStringLiteral("<no representation: others took too long>");
-    const auto start = std::chrono::steady_clock::now();
-    PyRef text;
-    {
-        const TimeLimit limit(time);
-        text = PyRef::steal(PyObject_Repr(value));
-    }
-    m_left -= std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::steady_clock::now() - start);
-    if (text)
-        return firstCharacters(text);
-    const QString reason =
-        TimeLimit::isExceeded()
-            ? QStringLiteral("not in time")
-            : QString::fromUtf8(reinterpret_cast<PyTypeObject*>(PyErr_Occurred())->tp_name);
-    PyErr_Clear();
-    return QStringLiteral("<no representation: %1>").arg(reason);
+QString PythonTexts::reprText(PyObject* value) {
+    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
+    if (!timeLimitExceeded())
+        PyErr_Clear();
+    return scriptText(expired, [value]() -> std::optional<Outcome<QString>> {
+        if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
+            return firstCharacters(text);
+        const bool isExceeded =
+            timeLimitExceeded() && PyErr_ExceptionMatches(timeLimitExceeded()) != 0;
+        const QString name =
+            QString::fromUtf8(reinterpret_cast<PyTypeObject*>(PyErr_Occurred())->tp_name);
+        PyErr_Clear();
+        if (isExceeded)
+            return std::nullopt;
+        return fail(FailureKind::Failed, name);
+    });
 }
 
 }  // namespace Tamrix::PythonPlugin

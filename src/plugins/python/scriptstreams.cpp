@@ -1,8 +1,5 @@
-#include "plugins/python/scriptoutput.h"
+#include "plugins/python/scriptstreams.h"
 
-#include <cstdio>
-
-#include "platform/testresult/testresult.h"
 #include "plugins/python/conversion.h"
 
 namespace Tamrix::PythonPlugin {
@@ -10,13 +7,6 @@ namespace Tamrix::PythonPlugin {
 namespace {
 
 ScriptOutput* s_installed = nullptr;
-
-void writeToProcess(ScriptOutput::Stream stream, const QString& text) {
-    std::FILE* const file = stream == ScriptOutput::Stdout ? stdout : stderr;
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, bytes.size(), file);
-    std::fflush(file);
-}
 
 template <ScriptOutput::Stream stream>
 PyObject* writeMethod(PyObject*, PyObject* text) {
@@ -27,7 +17,7 @@ PyObject* writeMethod(PyObject*, PyObject* text) {
     if (s_installed)
         s_installed->write(stream, words);
     else
-        writeToProcess(stream, words);
+        ScriptOutput::writeToProcess(stream, words);
     return PyLong_FromSsize_t(PyUnicode_GET_LENGTH(text));
 }
 
@@ -94,41 +84,16 @@ PyRef makeStream(const char* typeName) {
 
 }  // namespace
 
-ScriptOutput::~ScriptOutput() {
-    if (s_installed == this)
-        s_installed = nullptr;
-}
-
-bool ScriptOutput::install(ScriptOutput* output) {
+bool installStreams(ScriptOutput* output) {
     s_installed = output;
     if (!output)
         return PySys_SetObject("stdout", PySys_GetObject("__stdout__")) == 0 &&
                PySys_SetObject("stderr", PySys_GetObject("__stderr__")) == 0;
-    const PyRef standardOutput = makeStream<Stdout>("tamrix.StandardOutput");
-    const PyRef standardError = makeStream<Stderr>("tamrix.StandardError");
+    const PyRef standardOutput = makeStream<ScriptOutput::Stdout>("tamrix.StandardOutput");
+    const PyRef standardError = makeStream<ScriptOutput::Stderr>("tamrix.StandardError");
     return standardOutput && standardError &&
            PySys_SetObject("stdout", standardOutput.get()) == 0 &&
            PySys_SetObject("stderr", standardError.get()) == 0;
-}
-
-void ScriptOutput::write(Stream stream, const QString& text) {
-    if (stream != m_stream)
-        flush();
-    m_stream = stream;
-    m_pending += text;
-    const int lastLineEnd = m_pending.lastIndexOf('\n');
-    if (lastLineEnd >= 0)
-        pass(lastLineEnd + 1);
-}
-
-void ScriptOutput::pass(int length) {
-    const QString text = m_pending.left(length);
-    m_pending.remove(0, length);
-    if (m_result)
-        m_result->addOutput(
-            m_stream == Stdout ? OutputStream::StandardOutput : OutputStream::StandardError, text);
-    else
-        writeToProcess(m_stream, text);
 }
 
 }  // namespace Tamrix::PythonPlugin

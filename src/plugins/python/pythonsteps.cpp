@@ -1,0 +1,120 @@
+#include "plugins/python/pythonsteps.h"
+
+#include <QFileInfo>
+
+#include "plugins/python/bddcontext.h"
+#include "plugins/python/conversion.h"
+#include "plugins/python/overlay.h"
+#include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/scripterror.h"
+
+namespace Tamrix::PythonPlugin {
+
+namespace {
+
+/// The module that the name leads to; null when there is none. Borrowed.
+PyObject* loadedModule(const QString& name) {
+    const PyRef key = checked(toPyString(name).release());
+    return PyDict_GetItemWithError(PyImport_GetModuleDict(), key.get());
+}
+
+/// Whether the module is that of the file.
+bool isModuleOf(PyObject* module, const QString& path) {
+    const PyRef file = PyRef::steal(PyObject_GetAttrString(module, "__file__"));
+    PyErr_Clear();
+    return file && PyUnicode_Check(file.get()) &&
+           Debugger::sanitizedFilePath(fromPyString(file.get())) == path;
+}
+
+/// The name under which others can import the file, unless something else has it.
+QString moduleName(const QString& path) {
+    const QString name = QFileInfo(path).completeBaseName();
+    PyObject* const loaded = loadedModule(name);
+    return !loaded || isModuleOf(loaded, path) ? name : QStringLiteral("steps in ") + path;
+}
+
+/// A new module for the code of a file, known to Python.
+PyRef makeModule(const QString& path) {
+    const PyRef key = checked(toPyString(moduleName(path)).release());
+    PyRef module = checked(PyModule_NewObject(key.get()));
+    PyObject* const names = PyModule_GetDict(module.get());
+    checked(PyDict_SetItemString(names, "__builtins__", PyEval_GetBuiltins()));
+    checked(PyDict_SetItemString(names, "__file__", checked(toPyString(path).release()).get()));
+    checked(PyDict_Update(names, overlays()));
+    checked(PyDict_SetItem(PyImport_GetModuleDict(), key.get(), module.get()));
+    return module;
+}
+
+QString pythonLiteral(QString text) {
+    const bool isRaw = text.contains(QLatin1Char('\\')) && !text.contains(QLatin1Char('"')) &&
+                       !text.endsWith(QLatin1Char('\\'));
+    if (!isRaw)
+        text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+            .replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return (isRaw ? QStringLiteral("r\"%1\"") : QStringLiteral("\"%1\"")).arg(text);
+}
+
+}  // namespace
+
+PythonSteps::PythonSteps(PythonInterpreter& interpreter)
+    : StepLanguage(interpreter), m_python(interpreter) {}
+
+std::optional<ScriptError> PythonSteps::loadFile(const QString& path, const QString& text) {
+    PyRef result;
+    if (const PyRef code = m_python.compile(text, path, Py_file_input)) {
+        const PyRef module = makeModule(path);
+        PyObject* const names = PyModule_GetDict(module.get());
+        result = PyRef::steal(PyEval_EvalCode(code.get(), names, names));
+    }
+    if (result)
+        return std::nullopt;
+    if (!isOrdinaryError())
+        throw PythonErrorSet();
+    return takeScriptError(&m_python.files());
+}
+
+bool PythonSteps::isLoaded(const QString& path) {
+    PyObject* const module = loadedModule(QFileInfo(path).completeBaseName());
+    return module && isModuleOf(module, path);
+}
+
+void PythonSteps::forgetFiles(const QStringList& paths) {
+    PyObject* const modules = PyImport_GetModuleDict();
+    try {
+        for (const QString& path : paths) {
+            const PyRef name = checked(toPyString(moduleName(path)).release());
+            if (PyDict_Contains(modules, name.get()) == 1)
+                checked(PyDict_DelItem(modules, name.get()));
+        }
+    } catch (const PythonErrorSet&) {
+        PyErr_Print();
+    }
+}
+
+StepLanguage::Value PythonSteps::contextValue() {
+    return new PythonArgument(PyRef::borrow(bddContext()));
+}
+
+StepLanguage::Value PythonSteps::tableValue(const Gherkin::Step& step) {
+    return new PythonArgument(bddTable(step));
+}
+
+StepLanguage::Value PythonSteps::bigInteger(const QString& text) {
+    return new PythonArgument(
+        PyRef::steal(PyLong_FromString(text.toUtf8().constData(), nullptr, 10)));
+}
+
+StepLanguage::Value PythonSteps::bigDecimal(const QString& text) {
+    const PyRef module = checked(PyImport_ImportModule("decimal"));
+    return new PythonArgument(
+        PyRef::steal(PyObject_CallMethod(module.get(), "Decimal", "s", text.toUtf8().constData())));
+}
+
+QString PythonSteps::snippetText(const StepSnippet& snippet) {
+    const QStringList parameters = QStringList(QStringLiteral("context")) + snippet.parameters;
+    return QStringLiteral("from bdd import %1, pending\n\n@%1(%2)\ndef %3(%4):\n    pending()\n")
+        .arg(snippet.keyword, pythonLiteral(snippet.expression), snippet.functionName,
+             parameters.join(QLatin1String(", ")));
+}
+
+}  // namespace Tamrix::PythonPlugin
