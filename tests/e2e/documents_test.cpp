@@ -1,4 +1,4 @@
-// What the documents show works: their Python blocks run, against real programs where they need
+// What the documents show works: their blocks of scripts run, against real programs where they need
 // them.
 
 #include <gtest/gtest.h>
@@ -7,6 +7,8 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -21,13 +23,31 @@ using Tamrix::Test::readFile;
 using Tamrix::Test::RunnerProcess;
 using Tamrix::Test::writeFile;
 
-/// A block of Python in a document. In the line before it may stand
+/// A language of scripts, as it is named behind ``` in documents.
+struct Language {
+    const char* name;
+    const char* suffix;
+    /// Begins the function main().
+    const char* main;
+    /// Ends it.
+    const char* end;
+    /// A statement that does nothing.
+    const char* nothing;
+};
+
+const Language languages[] = {
+    {"python", "py", "def main():", "", "pass"},
+    {"tcl", "tcl", "proc main {} {", "}\n", ""},
+};
+
+/// A block of a script in a document. In the line before it may stand
 ///
 ///     <!-- Tested in CASE -->    it is the script of a copy of this test case
 ///
 /// with ", fails" behind the case where its last line is meant to fail, and ", behind CODE" where
 /// CODE is to run before. A block without a function main() is the body of one.
 struct Block {
+    const Language* language;
     /// Document and line, for messages.
     QString place;
     QString caseFolder;
@@ -37,11 +57,16 @@ struct Block {
 
     QByteArray script() const {
         QString text;
-        const bool isWhole = !lines.filter(QRegularExpression("^def main\\(")).isEmpty();
+        const QString begin = language->main;
+        const bool isWhole = std::any_of(lines.begin(), lines.end(), [&](const QString& line) {
+            return line.startsWith(begin);
+        });
         if (!isWhole)
-            text = "def main():\n    " + (codeBefore.isEmpty() ? "pass" : codeBefore) + '\n';
+            text = begin + "\n    " + (codeBefore.isEmpty() ? language->nothing : codeBefore) + '\n';
         for (const QString& line : lines)
             text += (isWhole || line.isEmpty() ? line : "    " + line) + '\n';
+        if (!isWhole)
+            text += language->end;
         return text.toUtf8();
     }
 };
@@ -61,9 +86,14 @@ std::vector<Block> blocksOf(const QString& document) {
     std::vector<Block> blocks;
     const QStringList lines = QString::fromUtf8(readFile(document)).split('\n');
     for (int index = 0; index < lines.size(); ++index) {
-        if (lines[index] != "```python")
+        const auto* const language =
+            std::find_if(std::begin(languages), std::end(languages), [&](const Language& each) {
+                return lines[index] == QLatin1String("```") + each.name;
+            });
+        if (language == std::end(languages))
             continue;
         Block block;
+        block.language = language;
         block.place = QFileInfo(document).fileName() + ':' + QString::number(index + 1);
         const QString before = lines.value(index - 1);
         EXPECT_TRUE(readSetUp(before, &block) || !before.startsWith("<!--")) << qPrintable(before);
@@ -80,6 +110,10 @@ struct BlockRun {
     QTemporaryDir folder;
     RunnerProcess runner;
 
+    QString scriptName() const {
+        return QStringLiteral("/test.") + QLatin1String(block.language->suffix);
+    }
+
     void start() {
         const QString source = TAMRIX_TEST_SOURCE_DIR "/" + block.caseFolder;
         QString testCase = folder.filePath("suite/case");
@@ -89,9 +123,9 @@ struct BlockRun {
                 << qPrintable(suite);
             testCase =
                 folder.filePath(QFileInfo(suite).fileName() + '/' + QFileInfo(source).fileName());
-            ASSERT_TRUE(QFile::exists(testCase + "/test.py")) << qPrintable(block.place);
+            ASSERT_TRUE(QFile::exists(testCase + scriptName())) << qPrintable(block.place);
         }
-        ASSERT_TRUE(writeFile(testCase + "/test.py", block.script()));
+        ASSERT_TRUE(writeFile(testCase + scriptName(), block.script()));
         // The programs find none of the user's settings and leave none.
         for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
             runner.setVariable(name, folder.path());
@@ -109,13 +143,13 @@ struct BlockRun {
         runner.finish();
         EXPECT_EQ(runner.exitCode(), block.isToFail ? 1 : 0)
             << qPrintable(block.place + ":\n" + runner.output() + runner.errors());
-        const QString lastLine = "/test.py:" + QString::number(block.script().count('\n')) + ": ";
+        const QString lastLine = scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
         EXPECT_TRUE(!block.isToFail || runner.output().contains(lastLine))
             << qPrintable(block.place + ":\n" + runner.output());
     }
 };
 
-TEST(Documents, EveryPythonBlockRuns) {
+TEST(Documents, EveryScriptRuns) {
     const QDir docs(TAMRIX_TEST_SOURCE_DIR "/docs");
     QStringList documents{TAMRIX_TEST_SOURCE_DIR "/README.md"};
     for (const QString& name : docs.entryList({"*.md"}, QDir::Files))

@@ -68,6 +68,9 @@ bool areEqualLists(TclContext& context, const ScriptArgument& left, const Script
 
 }  // namespace
 
+TclContext::TclContext(TclInterpreter& interpreter)
+    : LanguageContext(interpreter), m_interpreter(interpreter) {}
+
 ScriptContext* TclContext::createSubContext() {
     auto* const context = new TclContext(m_interpreter);
     context->setTestResult(testResult());
@@ -284,14 +287,6 @@ bool TclContext::evaluate(const QString& text, const QString& fileName) {
                            QString::number(raised.callStack.front().lineNumber()), message);
     setError(message);
     return false;
-}
-
-Gherkin::ScriptActions* TclContext::gherkinScriptActions(const QString& featureFile) {
-    const QString error = m_interpreter.steps().prepare(featureFile);
-    if (error.isEmpty())
-        return &m_interpreter.steps();
-    setError(error);
-    return nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

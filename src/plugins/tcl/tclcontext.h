@@ -10,7 +10,7 @@ class TclInterpreter;
 /// The context of all calls of one interpreter.
 class TclContext final : public LanguageContext {
 public:
-    explicit TclContext(TclInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit TclContext(TclInterpreter& interpreter);
 
     ScriptContext* createSubContext() override;
     void clearError() override;
@@ -46,7 +46,6 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
-    Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 private:
     SharedPtr<ScriptArgument> argument(Tcl_Obj* value);

@@ -130,7 +130,7 @@ bool TclDebugger::isCaught() const {
 void TclDebugger::errorRaised(const std::vector<TclFrame>& frames) {
     if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
         return;
-    const QString text = textOf(Tcl_GetObjResult(m_tcl.tcl()));
+    const QString text = m_tcl.errorText();
     const StateAside aside(m_tcl.tcl());
     stopForError(text, scriptFrames(m_tcl.framesOfScripts(frames)));
 }

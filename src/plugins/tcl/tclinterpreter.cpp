@@ -24,23 +24,35 @@ namespace {
 /// Lines of a stack of calls that a person is told.
 constexpr std::size_t mostStackLines = 100;
 
-/// The `-errorcode` of each kind of failure.
-const char* errorCodeOf(ScriptFailure::Kind kind) {
-    switch (kind) {
-        case ScriptFailure::Kind::Verification:
-            return "TAMRIX VERIFICATION";
-        case ScriptFailure::Kind::Fatal:
-            return "TAMRIX FATAL";
-        case ScriptFailure::Kind::Lookup:
-            return "TAMRIX LOOKUP";
-        case ScriptFailure::Kind::NoMember:
-            return "TAMRIX MEMBER";
-        case ScriptFailure::Kind::BadArgument:
-            return "TAMRIX ARGUMENT";
-        case ScriptFailure::Kind::General:
-            break;
-    }
-    return "TAMRIX ERROR";
+/// What a script sees of each kind of failure, the `-errorcode`, and what a person is told it is.
+struct KindName {
+    const char* errorCode;
+    const char* name;
+};
+constexpr KindName otherError = {"NONE", "Error"};
+constexpr KindName pendingStep = {pendingErrorCode, "PendingStepError"};
+
+/// In the order of ScriptFailure::Kind.
+constexpr KindName kindNames[] = {
+    {"TAMRIX ERROR", "TamrixError"},
+    {"TAMRIX VERIFICATION", "VerificationError"},
+    {"TAMRIX FATAL", "FatalError"},
+    {"TAMRIX LOOKUP", "LookupError"},
+    {"TAMRIX MEMBER", "MemberError"},
+    {"TAMRIX ARGUMENT", "ArgumentError"},
+};
+
+const KindName& kindName(ScriptFailure::Kind kind) {
+    return kindNames[static_cast<std::size_t>(kind)];
+}
+
+const char* nameOfError(std::string_view errorCode) {
+    if (errorCode == pendingStep.errorCode)
+        return pendingStep.name;
+    const auto* const row =
+        std::find_if(std::begin(kindNames), std::end(kindNames),
+                     [errorCode](const KindName& each) { return errorCode == each.errorCode; });
+    return row == std::end(kindNames) ? otherError.name : row->name;
 }
 
 Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
@@ -231,7 +243,7 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
         m_fatalIsSkip = failure.isSkip;
         return FatalEnd;
     }
-    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(errorCodeOf(failure.kind), -1));
+    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
     return TCL_ERROR;
 }
 
@@ -399,15 +411,17 @@ TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& fu
                                 : guarded([&] { return run(function, arguments); });
     if (code == TCL_OK || code == TCL_RETURN)
         return succeed() ? CallEnd::Succeeded : CallEnd::Failed;
-    const bool isPending = code == TCL_ERROR && m_panic.isEmpty() && isPendingError();
+    const bool isPending = code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
     if (failWith(takeError(code)))
         return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;
 }
 
-bool TclInterpreter::isPendingError() const {
-    Tcl_Obj* const code = Tcl_GetVar2Ex(m_tcl, "::errorCode", nullptr, TCL_GLOBAL_ONLY);
-    return code && bytesOf(code) == pendingErrorCode;
+std::string TclInterpreter::errorCode() const {
+    const TclRef options(Tcl_GetReturnOptions(m_tcl, TCL_ERROR));
+    Tcl_Obj* code = nullptr;
+    Tcl_DictObjGet(nullptr, options.get(), toTcl(QStringLiteral("-errorcode")).get(), &code);
+    return std::string(code ? bytesOf(code) : std::string_view());
 }
 
 // Errors and positions
@@ -419,30 +433,36 @@ ScriptError TclInterpreter::takeError(int code) {
         return error;
     }
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
+    // A person is told what kind of an error it is, in front of its text.
     switch (code) {
         case ExitEnd:
             error.isExit = result == QLatin1String("0");
-            error.message = "exit " + result;
+            error.message = "Exit: " + result;
             error.callStack = stackOf(m_fatalFrames);
             break;
         case FatalEnd:
-            error.message = result;
+            error.message = kindName(ScriptFailure::Kind::Fatal).name + (": " + result);
             error.isSkip = m_fatalIsSkip;
             error.callStack = stackOf(m_fatalFrames);
             break;
         case TCL_ERROR:
-            error.message = result;
+            error.message = errorText();
             error.outermostLine = Tcl_GetErrorLine(m_tcl);
             error.callStack = stackOf(framesOfError());
             break;
         default:
             error.message = QStringLiteral("command returned bad code: %1").arg(code);
     }
-    if (!m_originText.isEmpty() && error.message == m_originText)
+    if (!m_originText.isEmpty() && result == m_originText)
         error.callStack.insert(error.callStack.begin(), m_origin);
     m_originText.clear();
     Tcl_ResetResult(m_tcl);
     return error;
+}
+
+QString TclInterpreter::errorText() const {
+    const QString result = textOf(Tcl_GetObjResult(m_tcl));
+    return isUnwinding() ? result : nameOfError(errorCode()) + (": " + result);
 }
 
 std::vector<TclFrame> TclInterpreter::framesOfError() {
@@ -558,7 +578,7 @@ Outcome<QString> TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const 
     });
     if (end == TCL_OK)
         return textOf(Tcl_GetObjResult(m_tcl));
-    return Tamrix::fail(FailureKind::Failed, "Error: " + takeError(end).message);
+    return Tamrix::fail(FailureKind::Failed, takeError(end).message);
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QString>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "interpreter/language/languageinterpreter.h"
@@ -74,6 +75,8 @@ public:
     int run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
     /// What a person is told of the end with this code, which is not TCL_OK.
     ScriptError takeError(int code);
+    /// What a person is told of the error that has just been raised.
+    QString errorText() const;
     /// The frames that run commands of scripts, the innermost first.
     std::vector<TclFrame> frames();
     /// Without those of Tcl's library, and with the paths that results have.
@@ -114,7 +117,8 @@ private:
     /// Ends a run of script code: the code that Tcl gave, or TCL_ERROR for what was thrown.
     template <typename Code>
     int guarded(Code code);
-    bool isPendingError() const;
+    /// The `-errorcode` of the error that has just been raised.
+    std::string errorCode() const;
     std::vector<TclFrame> framesOfError();
     int evaluateAtLevel(int level, Tcl_Obj* command);
     QStringList namesOfVariables(int level);

@@ -20,19 +20,26 @@ const char* const interruptText = "The script was interrupted";
     throw thrown;
 }
 
-void handleInterrupt(int) {
-    TclRuntime::self().interrupt();
+/// Who handled Ctrl-C before: the runtime of another language, or nobody.
+struct sigaction s_previous;
+
+void handleInterrupt(int signal, siginfo_t* info, void* context) {
+    if (TclRuntime::self().interrupt())
+        return;
+    if ((s_previous.sa_flags & SA_SIGINFO) != 0)
+        s_previous.sa_sigaction(signal, info, context);
+    else if (s_previous.sa_handler != SIG_DFL && s_previous.sa_handler != SIG_IGN)
+        s_previous.sa_handler(signal);
 }
 
-/// Only where nobody else handles it: the runner hands Ctrl-C on to who was there before it.
+/// The runner hands Ctrl-C on to who handled it before the runner did.
 void installInterruptHandler() {
-    struct sigaction before = {};
-    if (sigaction(SIGINT, nullptr, &before) != 0 || (before.sa_flags & SA_SIGINFO) != 0 ||
-        before.sa_handler != SIG_DFL)
-        return;
     struct sigaction action = {};
-    action.sa_handler = handleInterrupt;
-    sigaction(SIGINT, &action, nullptr);
+    action.sa_sigaction = handleInterrupt;
+    action.sa_flags = SA_SIGINFO;
+    sigaction(SIGINT, &action, &s_previous);
+    if ((s_previous.sa_flags & SA_SIGINFO) == 0 && s_previous.sa_handler == SIG_IGN)
+        sigaction(SIGINT, &s_previous, nullptr);
 }
 
 }  // namespace
@@ -50,9 +57,12 @@ TclRuntime::TclRuntime() {
     installInterruptHandler();
 }
 
-void TclRuntime::interrupt() {
+bool TclRuntime::interrupt() {
+    if (!m_interruptible)
+        return false;
     // Tcl goes on to where it can be told.
     Tcl_AsyncMark(m_handler);
+    return true;
 }
 
 int TclRuntime::endScript(void* self, Tcl_Interp*, int code) {

@@ -21,8 +21,8 @@ public:
 
     /// Whose scripts Ctrl-C ends; null while none runs. On the thread of the scripts.
     void setInterruptible(Tcl_Interp* interp) { m_interruptible = interp; }
-    /// Handles a request to end the script, as Ctrl-C is. In a signal handler.
-    void interrupt();
+    /// Handles a request to end the script, as Ctrl-C is; false when none runs. In a signal handler.
+    bool interrupt();
 
 private:
     TclRuntime();

@@ -13,8 +13,6 @@
 
 namespace Tamrix::TclPlugin {
 
-const char* const pendingErrorCode = "TAMRIX PENDING";
-
 namespace {
 
 const QString contextName = QStringLiteral("::bdd::context");

@@ -27,7 +27,7 @@ private:
 /// Defines the commands: `bdd::given expression parameters body` and its like.
 void defineStepCommands(TclInterpreter& interpreter);
 
-/// The first words of the `-errorcode` of a step that is still to be written.
-extern const char* const pendingErrorCode;
+/// The `-errorcode` of a step that is still to be written.
+inline constexpr const char* pendingErrorCode = "TAMRIX PENDING";
 
 }  // namespace Tamrix::TclPlugin

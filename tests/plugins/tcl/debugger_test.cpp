@@ -113,11 +113,11 @@ TEST_F(TclDebugging, StopsForErrorsThatNothingCatches) {
         "test exception {fails}\n"
         "findFile\n";
     EXPECT_EQ(told({Resume::Run, stack(), Resume::Run}, text),
-              "1 ScriptError=findFiles() requires two string arguments 8 <8>");
-    EXPECT_EQ(error, "findFiles() requires two string arguments");
+              "1 ScriptError=TamrixError: findFiles() requires two string arguments 8 <8>");
+    EXPECT_EQ(error, "TamrixError: findFiles() requires two string arguments");
     EXPECT_EQ(told({Resume::Run, stack(), evaluate("y"), Resume::Run},
                    "proc fails {} {\n    set y 0\n    expr {1 / $y}\n}\nfails\n"),
-              "1 ScriptError=divide by zero 3 <3 5> 0");
+              "1 ScriptError=Error: divide by zero 3 <3 5> 0");
 }
 
 }  // namespace

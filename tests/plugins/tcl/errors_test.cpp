@@ -59,25 +59,25 @@ TEST_F(TclErrors, StackOfScriptLines) {
         const char* message;
         std::vector<int> lines;
     } rows[] = {
-        {"main", "bad", {2, 6}},
-        {"native", "findFiles() requires two string arguments", {15}},
-        {"again", "bad", {2, 19}},
-        {"text", "invalid command name \"nosuch\"", {25}},
-        {"space", "sold", {30, 29, 34}},
-        {"library", "expected integer but got \"noTime\"", {36}},
+        {"main", "Error: bad", {2, 6}},
+        {"native", "TamrixError: findFiles() requires two string arguments", {15}},
+        {"again", "Error: bad", {2, 19}},
+        {"text", "Error: invalid command name \"nosuch\"", {25}},
+        {"space", "Error: sold", {30, 29, 34}},
+        {"library", "Error: expected integer but got \"noTime\"", {36}},
     };
     for (const auto& row : rows) {
         EXPECT_FALSE(call(row.function));
         EXPECT_EQ(interpreter->errorMessage(), row.message);
         EXPECT_EQ(lines(), row.lines) << row.function;
     }
-    EXPECT_EQ(run("\n\ncompiled 0"), "divide by zero");
+    EXPECT_EQ(run("\n\ncompiled 0"), "Error: divide by zero");
     EXPECT_EQ(lines(), (std::vector{11, 3}));
     EXPECT_EQ(interpreter->errorFile({}),
               QFileInfo(folder.path()).canonicalFilePath() + "/test.tcl");
     EXPECT_FALSE(call("endless"));
     EXPECT_EQ(interpreter->errorMessage(),
-              "too many nested evaluations (infinite loop?)");
+              "Error: too many nested evaluations (infinite loop?)");
     EXPECT_EQ(lines().size(), 100u);
     EXPECT_EQ(run("set x 1"), "");
     EXPECT_EQ(interpreter->errorLine(), -1);
@@ -104,7 +104,7 @@ TEST_F(TclErrors, Syntax) {
 
     // A file that is sourced is named with its line, below the command.
     ASSERT_TRUE(writeFile(folder.filePath("broken.tcl"), "\n\nset x [nosuch]\n"));
-    EXPECT_EQ(run("\nsource " + folder.filePath("broken.tcl")), "invalid command name \"nosuch\"");
+    EXPECT_EQ(run("\nsource " + folder.filePath("broken.tcl")), "Error: invalid command name \"nosuch\"");
     EXPECT_EQ(lines(), (std::vector{3, 2}));
 }
 
@@ -149,7 +149,7 @@ TEST_F(TclErrors, ExitEndsTheCase) {
                   "proc failing {} { exit 3 }\n"),
               "");
     EXPECT_FALSE(call("failing"));
-    EXPECT_EQ(interpreter->errorMessage(), "exit 3");
+    EXPECT_EQ(interpreter->errorMessage(), "Exit: 3");
     EXPECT_TRUE(call("init"));
     EXPECT_TRUE(call("main"));
     EXPECT_TRUE(call("cleanup"));
@@ -218,7 +218,7 @@ TEST_F(TclErrors, OutputStandsInOrder) {
                                   QString::fromUtf8("l\xc3\xa4st ") + seen.last().section(' ', 1));
     // Nothing is open any more, and nothing breaks.
     EXPECT_EQ(run("close stdout\nclose stderr\nclose stdin\ntest log on"), "");
-    EXPECT_EQ(run("puts x"), "can not find channel named \"stdout\"");
+    EXPECT_EQ(run("puts x"), "Error: can not find channel named \"stdout\"");
 }
 
 TEST_F(TclErrors, PositionsThroughNativeCode) {

@@ -105,14 +105,14 @@ check [[theButton] text] Cancel
     EXPECT_EQ(results(), QStringList("7 {name='ok' type='Button'}: "));
     const std::pair<const char*, const char*> rows[] = {
         {"$b txet",
-         "'Button' has no property or method 'txet'; the nearest: 'text'"},
-        {"$b configure -q 1", "'Button' has no property or method 'q'"},
-        {"$b configure -resize 1", "'resize' of 'Button' is a method: call it instead"},
-        {"$b cget -resize", "'resize' of 'Button' is a method: call it instead"},
-        {"$b text 5", "Button.text is a property, which takes no arguments"},
-        {"$b configure text 5", "Button has no property \"text\""},
-        {"$b cget", "wrong # args: should be \"Button cget -property\""},
-        {"$b", "wrong # args: should be \"Button method ?arg ...?\""},
+         "MemberError: 'Button' has no property or method 'txet'; the nearest: 'text'"},
+        {"$b configure -q 1", "MemberError: 'Button' has no property or method 'q'"},
+        {"$b configure -resize 1", "MemberError: 'resize' of 'Button' is a method: call it instead"},
+        {"$b cget -resize", "MemberError: 'resize' of 'Button' is a method: call it instead"},
+        {"$b text 5", "ArgumentError: Button.text is a property, which takes no arguments"},
+        {"$b configure text 5", "MemberError: Button has no property \"text\""},
+        {"$b cget", "ArgumentError: wrong # args: should be \"Button cget -property\""},
+        {"$b", "ArgumentError: wrong # args: should be \"Button method ?arg ...?\""},
     };
     ASSERT_EQ(run("set b [theButton]"), "");
     for (const auto& [code, error] : rows)
@@ -138,8 +138,8 @@ $b setValue [theButton]
                            "ok setValue double:2", "ok setValue QString:five",
                            "ok setValue QString:", "ok setValue int:1", "ok setValue ok"}));
     failure = "the object is gone";
-    EXPECT_EQ(run("$b resize 1 2"), "the object is gone");
-    EXPECT_EQ(run("$b resize 1"), "Button.resize() takes (int, int), not 1 arguments");
+    EXPECT_EQ(run("$b resize 1 2"), "TamrixError: the object is gone");
+    EXPECT_EQ(run("$b resize 1"), "ArgumentError: Button.resize() takes (int, int), not 1 arguments");
 }
 
 TEST_F(TclObjects, NamesHaveManyForms) {
@@ -186,10 +186,10 @@ puts stderr out
         EXPECT_EQ(run(code), "") << code;
         EXPECT_EQ(s_seen.takeLast(), QString("- click ok ") + arguments) << code;
     }
-    EXPECT_EQ(run("click $b -x 3"), "click() needs an argument 'y'");
-    EXPECT_EQ(run("fill $b x"), "The application has no function 'fill'");
+    EXPECT_EQ(run("click $b -x 3"), "ArgumentError: click() needs an argument 'y'");
+    EXPECT_EQ(run("fill $b x"), "TamrixError: The application has no function 'fill'");
     failure = "it is not ready: it is disabled";
-    EXPECT_EQ(run("click $b"), "it is not ready: it is disabled");
+    EXPECT_EQ(run("click $b"), "TamrixError: it is not ready: it is disabled");
     isLookup = true;
     EXPECT_EQ(run("try {click $b} trap {TAMRIX LOOKUP} {} {set lookup 1}\nset lookup"), "");
 }
@@ -212,11 +212,11 @@ check [test::resultCount passes] [test resultCount passes]
 )tcl"),
               "");
     const std::pair<const char*, const char*> rows[] = {
-        {"$image widht", "Image has no subcommand \"widht\"; the nearest: \"width\""},
-        {"$image configure -width 5", "The property 'width' of 'Image' can't be written"},
-        {"Image laod x", "Image has no subcommand \"laod\"; the nearest: \"load\""},
-        {"testSettings new", "testSettings objects can't be made by scripts"},
-        {"test komm", "unknown subcommand \"komm\": must be "},
+        {"$image widht", "MemberError: Image has no subcommand \"widht\"; the nearest: \"width\""},
+        {"$image configure -width 5", "MemberError: The property 'width' of 'Image' can't be written"},
+        {"Image laod x", "MemberError: Image has no subcommand \"laod\"; the nearest: \"load\""},
+        {"testSettings new", "ArgumentError: testSettings objects can't be made by scripts"},
+        {"test komm", "Error: unknown subcommand \"komm\": must be "},
     };
     for (const auto& [code, error] : rows)
         EXPECT_EQ(run(code).left(int(qstrlen(error))), error) << code;

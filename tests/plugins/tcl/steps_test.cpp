@@ -103,8 +103,8 @@ TEST_F(TclSteps, FailuresTellWhere) {
     const std::pair<const char*, const char*> broken[] = {
         {"\nbdd::given {a {nothing}} {context} {}\n", ":2: "},
         {"\n\nbdd::given {a} {context}\n",
-         ":3: wrong # args: should be \"bdd::given expression parameters body\""},
-        {"set x [\n", ":1: missing close-bracket"},
+         ":3: ArgumentError: wrong # args: should be \"bdd::given expression parameters body\""},
+        {"set x [\n", "1: Error: missing close-bracket"},
     };
     for (const auto& [text, error] : broken) {
         interpreter->setScriptArguments(script(), {});
@@ -116,7 +116,7 @@ TEST_F(TclSteps, FailuresTellWhere) {
 
 TEST_F(TclSteps, ASkipEndsTheCase) {
     writeSteps("bdd::given {a skip} {context} { test skip offline }\n");
-    EXPECT_EQ(feature("    Given a skip\n"), "offline: ");
+    EXPECT_EQ(feature("    Given a skip\n"), "FatalError: offline: ");
     EXPECT_TRUE(interpreter->errorIsSkip());
 }
 

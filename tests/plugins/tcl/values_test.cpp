@@ -99,7 +99,7 @@ TEST_F(TclValues, ConvertAsTheLanguageDoes) {
     EXPECT_EQ(s_seen, (QStringList{"3 3", "16 16", "2 2.9", "-2 -2.9", "0 0", "0 0",
                                    "4611686018427387904 4.61169e+18"}));
     EXPECT_EQ(run("convert [expr {2 ** 63}]"),
-              "9223372036854775808 is too large: only integers of 64 bits can be passed on");
+              "ArgumentError: 9223372036854775808 is too large: only integers of 64 bits can be passed on");
 }
 
 TEST_F(TclValues, ComeBackAsTclsOwn) {
@@ -177,7 +177,7 @@ TEST_F(TclValues, VerifyTakesWhatConditionsTake) {
     EXPECT_EQ(results().size(), 3);
     EXPECT_TRUE(results().at(1).startsWith("11 Not verified"));
     EXPECT_EQ(run("test verify {$a < 2}"),
-              "expected boolean value but got \"$a < 2\": write [expr {...}] around a condition");
+              "ArgumentError: expected boolean value but got \"$a < 2\": write [expr {...}] around a condition");
 }
 
 TEST_F(TclValues, ApplicationContextsAndDataSets) {
@@ -249,7 +249,7 @@ TEST_F(TclValues, CallablesAreCalled) {
     EXPECT_EQ(run("callTwice {apply {{n} {expr {[same $n] + 40}}}}\n"
                   "proc divide {a b} {expr {$a / $b}}\ncallTwice {divide 1}"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"40", "41", "kept", "error divide by zero", "1", "kept"}));
+    EXPECT_EQ(s_seen, (QStringList{"40", "41", "kept", "error Error: divide by zero", "1", "kept"}));
     EXPECT_EQ(run("if {[identifier divide] ne [identifier divide]} {error other}"), "");
 }
 
@@ -277,9 +277,9 @@ proc main {} {
 main
 )tcl"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"true", "false", "can't read \"nothing\": no such variable"}));
+    EXPECT_EQ(s_seen, (QStringList{"true", "false", "Error: can't read \"nothing\": no such variable"}));
     EXPECT_EQ(results().mid(0, 3),
-              (QStringList{"10 Exception: Raised divide by zero",
+              (QStringList{"10 Exception: Raised Error: divide by zero",
                            "11 Exception: No exception was raised",
                            "11 Exception: The code is not valid: it has no end"}));
 }
@@ -307,9 +307,9 @@ TEST_F(TclValues, ArgumentsHaveNames) {
         EXPECT_EQ(s_seen.last(), expected) << code;
     }
     const std::pair<const char*, const char*> refused[] = {
-        {"wanted 1 -first", "value for \"-first\" missing"},
-        {"wanted 1 -first 2 3", "bad option \"3\": must be -first, or -second"},
-        {"wanted 1 2 -first 2", "wanted() got several values for the argument 'first'"},
+        {"wanted 1 -first", "ArgumentError: value for \"-first\" missing"},
+        {"wanted 1 -first 2 3", "ArgumentError: bad option \"3\": must be -first, or -second"},
+        {"wanted 1 2 -first 2", "ArgumentError: wanted() got several values for the argument 'first'"},
     };
     for (const auto& [code, error] : refused)
         EXPECT_EQ(run(code), error) << code;
