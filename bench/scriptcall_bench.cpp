@@ -34,6 +34,9 @@
 #include "support/fakeagent.h"
 #include "support/fakerunner.h"
 #include "support/inmemorymodel.h"
+#ifdef TAMRIX_HAVE_TCL
+#include "tclcalls.h"
+#endif
 
 namespace {
 
@@ -301,5 +304,8 @@ int main() {
                     candidate.bestWithout / candidates.front().bestWithout, candidate.bestIntegers,
                     candidate.bestIntegers / candidates.front().bestIntegers);
     measureObjects(interpreter.get(), loop("text"), loop("clicks"), without, bare);
+#ifdef TAMRIX_HAVE_TCL
+    measureTclCalls();
+#endif
     return 0;
 }

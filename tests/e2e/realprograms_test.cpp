@@ -57,12 +57,10 @@ TEST_P(RealPrograms, SuitesPass) {
     } suites[] = {
 #ifdef TAMRIX_TEST_QT6
         {"examples/suite_applications", {}},
-        {"examples/suite_applications_perl", {}},
         {"examples/suite_features", {}},
         {"tests/e2e/suites/suite_qt6", {}},
 #else
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
-        {"examples/suite_applications_perl", {"calculator", "address_book", "quick_scene"}},
 #endif
         {"examples/suite_names", {}},
         {"examples/suite_pictures", {}},
@@ -171,7 +169,8 @@ TEST_P(RealProgramsByLanguage, SuitePasses) {
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output()) << qPrintable(runner.errors());
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, RealProgramsByLanguage, testing::Values("javascript", "ruby"));
+INSTANTIATE_TEST_SUITE_P(Languages, RealProgramsByLanguage,
+                         testing::Values("javascript", "perl", "ruby", "tcl"));
 
 INSTANTIATE_TEST_SUITE_P(Platforms, RealPrograms, testing::Values("xcb", "offscreen", "wayland"));
 

@@ -13,6 +13,8 @@ struct Language {
     const char* suffix;
     const char* trueWord;
     const char* falseWord;
+    /// Sets the switch "%1" of the run to the word "%2".
+    const char* setSwitch;
     /// Turns a value into one of the two words; "%1" stands for it. Null where the debugger's text
     /// of a value has to tell.
     const char* truth;
@@ -22,15 +24,18 @@ struct Language {
 };
 
 constexpr const char* featureSuffix = "feature";
+constexpr const char* assignment = "testSettings.%1 = %2";
 
 constexpr Language languages[] = {
-    {"js", "true", "false", "Boolean(%1)",
+    {"js", "true", "false", assignment, "Boolean(%1)",
      "^\\s*(?:export\\s+)?(?:default\\s+)?(?:async\\s+)?function\\s*\\*?\\s*(\\w+)"},
-    {"py", "True", "False", "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
+    {"py", "True", "False", assignment, "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
+    {"tcl", "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",
+     "^\\s*proc\\s+(?:::)?(\\S+)"},
     // What is evaluated at a step is code of the script that runs the file.
-    {featureSuffix, "True", "False", "bool(%1)", nullptr},
+    {featureSuffix, "True", "False", assignment, "bool(%1)", nullptr},
 };
-constexpr Language otherLanguage = {"", "true", "false", nullptr, nullptr};
+constexpr Language otherLanguage = {"", "true", "false", assignment, nullptr, nullptr};
 
 const Language& languageOf(const QString& file) {
     const QString suffix = QFileInfo(file).suffix();
@@ -63,7 +68,7 @@ int indentOf(const QString& line) {
 
 QString switchCode(const QString& file, const char* setting, bool on) {
     const Language& language = languageOf(file);
-    return QStringLiteral("testSettings.%1 = %2")
+    return QString::fromLatin1(language.setSwitch)
         .arg(QLatin1String(setting), QLatin1String(on ? language.trueWord : language.falseWord));
 }
 

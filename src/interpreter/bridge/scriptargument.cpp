@@ -58,7 +58,8 @@ const Class* ScriptArgument::toClass() const {
 }
 
 QString ScriptArgument::toRealName() const {
-    if (!isMap())
+    // Of what is both, the text counts.
+    if (!isMap() || isString())
         return toString();
     const Level level(nameLimits);
     QMap<QString, PropertyValue> properties;
@@ -132,10 +133,7 @@ bool isStringOrObjectName(const SharedPtr<ScriptArgument>& argument) {
 }
 
 QString serializeObjectName(const SharedPtr<ScriptArgument>& argument) {
-    if (!argument)
-        return {};
-    return argument->isMap() && !argument->isString() ? argument->toRealName()
-                                                      : argument->toString();
+    return argument ? argument->toRealName() : QString();
 }
 
 }  // namespace Tamrix

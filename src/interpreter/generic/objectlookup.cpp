@@ -136,8 +136,9 @@ void waitForObjectItem(ScriptContext* context) {
     const SharedPtr<ScriptArgument> view = context->argument(0);
     const SharedPtr<ScriptArgument> first = context->argument(1);
     const SharedPtr<ScriptArgument> second = context->argument(2);
-    const bool byText = first && first->isString();
-    const bool byPlace = !byText && first && first->isInteger() && second && second->isInteger();
+    // Where a text may be a number as well, two of them are a place.
+    const bool byPlace = first && first->isInteger() && second && second->isInteger();
+    const bool byText = !byPlace && first && first->isString();
     // By its name, a time-out stands behind the column that an item's text has not.
     const bool isPlaced = context->hasNamedArguments() || (!second && context->argument(3));
     const int timeoutIndex = byText && !isPlaced ? 2 : 3;

@@ -161,14 +161,13 @@ void testDataField(ScriptContext* context) {
     }
     const SharedPtr<ScriptArgument> field = context->argument(1);
     const TestDataSet& set = *record->dataSet();
-    int column = -1;
-    if (field->isString()) {
-        column = set.fieldIndex(field->toString());
-        if (column < 0) {
-            context->setError("Invalid field: " + field->toString());
-            return;
-        }
-    } else if (field->isInteger()) {
+    // Where a text may be a number as well, a field of that name goes first.
+    int column = field->isString() ? set.fieldIndex(field->toString()) : -1;
+    if (column >= 0) {
+        context->setStringResult(record->valueAsString(column));
+        return;
+    }
+    if (field->isInteger()) {
         const long long number = field->toInt();
         const int width = set.header() ? set.header()->count() : 0;
         if (number < 0 || number >= width) {
@@ -176,6 +175,9 @@ void testDataField(ScriptContext* context) {
             return;
         }
         column = static_cast<int>(number);
+    } else if (field->isString()) {
+        context->setError("Invalid field: " + field->toString());
+        return;
     } else {
         context->setError("Field argument must be of a string or a number");
         return;

@@ -1,0 +1,76 @@
+#include "plugins/tcl/errornotes.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "plugins/tcl/conversion.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+const char* const variable = "::errorInfo";
+/// With these words Tcl tells of the command that has failed, or has called one that has.
+constexpr std::string_view marks[] = {"\n    while ", "\n    invoked from within"};
+/// So many errors may be caught before one is raised once more.
+constexpr std::size_t mostNotes = 16;
+
+}  // namespace
+
+ErrorNotes::ErrorNotes(Tcl_Interp* interp,
+                       std::function<void(const std::vector<TclFrame>&)> raised)
+    : m_interp(interp), m_raised(std::move(raised)) {
+    listen();
+}
+
+ErrorNotes::~ErrorNotes() {
+    Tcl_UntraceVar2(m_interp, variable, nullptr,
+                    TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS, variableChanged, this);
+}
+
+void ErrorNotes::listen() {
+    Tcl_TraceVar2(m_interp, variable, nullptr,
+                  TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS, variableChanged, this);
+}
+
+char* ErrorNotes::variableChanged(void* self, Tcl_Interp* interp, const char*, const char*,
+                                  int flags) {
+    auto* const notes = static_cast<ErrorNotes*>(self);
+    if ((flags & TCL_TRACE_UNSETS) == 0)
+        notes->notice();
+    else if ((flags & TCL_TRACE_DESTROYED) != 0 && !Tcl_InterpDeleted(interp))
+        notes->listen();
+    return nullptr;
+}
+
+void ErrorNotes::notice() {
+    Tcl_Obj* const written = Tcl_GetVar2Ex(m_interp, variable, nullptr, TCL_GLOBAL_ONLY);
+    const std::string_view errorInfo = written ? bytesOf(written) : std::string_view();
+    const bool tells = std::any_of(std::begin(marks), std::end(marks), [&](std::string_view mark) {
+        return errorInfo.find(mark) != std::string_view::npos;
+    });
+    if (!tells || find(errorInfo))
+        return;
+    std::vector<TclFrame> frames = framesAtError(m_interp);
+    m_notes.push_front(
+        {QByteArray(errorInfo.data(), static_cast<int>(errorInfo.size())), frames});
+    if (m_notes.size() > mostNotes)
+        m_notes.pop_back();
+    m_raised(frames);
+}
+
+const ErrorNotes::Note* ErrorNotes::find(std::string_view errorInfo) const {
+    const auto note = std::find_if(m_notes.begin(), m_notes.end(), [&](const Note& each) {
+        const std::string_view known(each.errorInfo.constData(),
+                                     static_cast<std::size_t>(each.errorInfo.size()));
+        return errorInfo.substr(0, known.size()) == known;
+    });
+    return note == m_notes.end() ? nullptr : &*note;
+}
+
+std::vector<TclFrame> ErrorNotes::framesOf(std::string_view errorInfo) const {
+    const Note* const note = find(errorInfo);
+    return note ? note->frames : std::vector<TclFrame>();
+}
+
+}  // namespace Tamrix::TclPlugin

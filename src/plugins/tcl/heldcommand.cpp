@@ -1,0 +1,109 @@
+// The commands of what scripts hold.
+
+#include "base/overloaded.h"
+#include "interpreter/language/objectcalls.h"
+#include "plugins/tcl/commandbody.h"
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/nativeclasses.h"
+#include "plugins/tcl/nativecommands.h"
+#include "plugins/tcl/optionwords.h"
+#include "plugins/tcl/tclargument.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+/// `object cget -property`
+int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
+               Tcl_Obj* const* words) {
+    if (count != 1 || optionOf(words[0]).isEmpty())
+        return wrongWords(interpreter, object->className() + " cget -property");
+    const auto member = getMember(&interpreter, object, optionOf(words[0]));
+    if (!member)
+        return interpreter.fail(member.error());
+    if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
+        return interpreter.finish(*value);
+    return interpreter.fail(
+        {ScriptFailure::Kind::NoMember,
+         QStringLiteral("'%1' of '%2' is a method: call it instead")
+             .arg(optionOf(words[0]), object->className()),
+         false,
+         {}});
+}
+
+/// `object configure -property value ?-property value ...?`
+int writeOptions(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
+                 Tcl_Obj* const* words) {
+    if (count == 0 || count % 2 != 0)
+        return wrongWords(interpreter, object->className() +
+                                           " configure -property value ?-property value ...?");
+    for (int index = 0; index < count; index += 2) {
+        const QString name = optionOf(words[index]);
+        if (name.isEmpty())
+            return interpreter.fail(
+                noSuch("property", textOf(words[index]), object->className(), {}));
+        const auto written =
+            setMember(&interpreter, object, name,
+                      new TclArgument(interpreter, TclRef(words[index + 1])));
+        if (!written)
+            return interpreter.fail(written.error());
+    }
+    return interpreter.finish(SharedPtr<ScriptArgument>());
+}
+
+int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
+               Tcl_Obj* const* words) {
+    const QString name = textOf(words[0]);
+    if (name == QLatin1String("cget"))
+        return readOption(interpreter, object, count - 1, words + 1);
+    if (name == QLatin1String("configure"))
+        return writeOptions(interpreter, object, count - 1, words + 1);
+    CallArguments arguments;
+    for (int index = 1; index < count; ++index)
+        arguments.positional.push_back(new TclArgument(interpreter, TclRef(words[index])));
+    return interpreter.finish(callMember(&interpreter, object, name, arguments));
+}
+
+}  // namespace
+
+QString nameOfKind(const HeldValues::Held& held) {
+    return std::visit(
+        Overloaded{
+            [](const SharedPtr<Object>& object) { return object->className(); },
+            [](const SharedPtr<NativeScriptObject>&) { return QStringLiteral("NativeObject"); },
+            [](const SharedPtr<ApplicationContext>&) {
+                return QStringLiteral("ApplicationContext");
+            },
+            [](const SharedPtr<TestDataSet>&) { return QStringLiteral("DataSet"); }},
+        held.value);
+}
+
+int runHeldCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    const auto& held = *static_cast<HeldValues::Held*>(data);
+    TclInterpreter& interpreter = held.owner->interpreter();
+    // What is called may delete the command.
+    const HeldValues::Value value = held.value;
+    if (count < 2)
+        return wrongWords(interpreter, nameOfKind(held) + " method ?arg ...?");
+    const int rest = count - 1;
+    Tcl_Obj* const* const behind = words + 1;
+    return runCommand(interpreter, [&] {
+        return std::visit(
+            Overloaded{[&](const SharedPtr<Object>& object) {
+                           return callObject(interpreter, object, rest, behind);
+                       },
+                       [&](const SharedPtr<NativeScriptObject>& object) {
+                           return interpreter.classes().callMethod(object, rest, behind);
+                       },
+                       [&](const SharedPtr<ApplicationContext>& context) {
+                           return interpreter.classes().callMember(context, rest, behind);
+                       },
+                       [&](const SharedPtr<TestDataSet>&) {
+                           return interpreter.fail(noSuch("subcommand", textOf(behind[0]),
+                                                          QStringLiteral("DataSet"), {}));
+                       }},
+            value);
+    });
+}
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <memory>
+#include <variant>
+#include <vector>
+
+#include "interpreter/bridge/nativescripttype.h"
+#include "platform/objectmodel/applicationcontext.h"
+#include "platform/objectmodel/object.h"
+#include "plugins/tcl/tclref.h"
+#include "shared/testdata/testdataset.h"
+
+namespace Tamrix::TclPlugin {
+
+class TclInterpreter;
+
+/// What is no text and yet a value of a script: objects of applications, instances of native
+/// classes, contexts of applications, sets of test data. A script has a name for each, such as
+/// "::tamrix::QPushButton2", which is also a command, as with the widgets and objects that Tcl's
+/// people know. What is the same has the same name, so that names can be compared.
+///
+/// A name says nothing of how often a script has kept it, so a value is held until the script ends
+/// or deletes the command.
+class HeldValues {
+public:
+    using Value = std::variant<SharedPtr<Object>, SharedPtr<NativeScriptObject>,
+                               SharedPtr<ApplicationContext>, SharedPtr<TestDataSet>>;
+    struct Held {
+        Value value;
+        QByteArray name;
+        HeldValues* owner = nullptr;
+    };
+    /// Runs `command method ?argument ...?` for a value.
+    using CommandFunction = int (*)(void* held, Tcl_Interp* interp, int count,
+                                    Tcl_Obj* const* words);
+
+    HeldValues(TclInterpreter& interpreter, Tcl_Interp* interp, CommandFunction command)
+        : m_interpreter(interpreter), m_interp(interp), m_command(command) {}
+    ~HeldValues();
+    HeldValues(const HeldValues&) = delete;
+    HeldValues& operator=(const HeldValues&) = delete;
+
+    TclInterpreter& interpreter() const { return m_interpreter; }
+
+    /// The name of a value, which begins with that of its class.
+    TclRef nameOf(const SharedPtr<Object>& object);
+    TclRef nameOf(const SharedPtr<NativeScriptObject>& object, const QString& className);
+    TclRef nameOf(const SharedPtr<ApplicationContext>& context);
+    /// A data set is the list of its records.
+    TclRef nameOf(const SharedPtr<TestDataSet>& set);
+
+    /// What has this name, null when nothing has.
+    const Held* find(Tcl_Obj* name) const;
+    template <typename T>
+    SharedPtr<T> get(Tcl_Obj* name) const {
+        const Held* const held = find(name);
+        const auto* const value = held ? std::get_if<SharedPtr<T>>(&held->value) : nullptr;
+        return value ? *value : SharedPtr<T>();
+    }
+    /// A record of a data set, null when the name is none of one.
+    const TestDataRecord* findRecord(Tcl_Obj* name) const;
+    /// The data set whose record has this name.
+    SharedPtr<TestDataSet> setOfRecord(Tcl_Obj* name) const;
+
+private:
+    static void commandDeleted(void* held);
+    TclRef hold(Value value, const QString& className);
+    const Held* sameAs(const SharedPtr<Object>& object) const;
+
+    TclInterpreter& m_interpreter;
+    Tcl_Interp* m_interp;
+    CommandFunction m_command;
+    int m_lastNumber = 0;
+    QHash<QByteArray, Held*> m_byName;
+    /// By their hash.
+    QMultiHash<quint64, Held*> m_objects;
+    /// Natives and contexts by their address, data sets, too.
+    QHash<const void*, Held*> m_others;
+};
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,144 @@
+#include "plugins/tcl/nativecommands.h"
+
+#include <QRegularExpression>
+#include <memory>
+
+#include "interpreter/language/objectcalls.h"
+#include "interpreter/objects/globalfunctions.h"
+#include "plugins/tcl/commandbody.h"
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/tclargument.h"
+#include "plugins/tcl/tclinterpreter.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+/// The name of an option; empty for a word that can't be one. What was calculated is none.
+std::string_view optionName(Tcl_Obj* word) {
+    if (!word->bytes)
+        return {};
+    const std::string_view bytes = bytesOf(word);
+    const bool isOption = bytes.size() > 1 && bytes.front() == '-' &&
+                          (bytes[1] < '0' || bytes[1] > '9') && bytes[1] != '.';
+    return isOption ? bytes.substr(1) : std::string_view();
+}
+
+QString listed(const QStringList& names) {
+    QStringList options;
+    for (const QString& name : names)
+        options.append("-" + name);
+    if (options.size() < 2)
+        return options.join(QString());
+    const QString last = options.takeLast();
+    return options.join(", ") + ", or " + last;
+}
+
+struct NativeCommand {
+    TclInterpreter& interpreter;
+    NativeFunction function;
+};
+
+int runNative(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    const auto& command = *static_cast<NativeCommand*>(data);
+    return callWithWords(command.interpreter, command.function, {}, {}, count - 1, words + 1);
+}
+
+struct GlobalCommand {
+    TclInterpreter& interpreter;
+    QString name;
+};
+
+/// The parameters that help tells: "click(object[, x, y][, button])".
+QStringList parametersOf(const QString& function) {
+    const QString help = globalFunctionHelp(function).section('\n', 0, 0);
+    static const QRegularExpression s_name(QStringLiteral("\\w+"));
+    QStringList names;
+    QRegularExpressionMatchIterator found = s_name.globalMatch(help.section('(', 1));
+    while (help.contains('(') && found.hasNext())
+        names.append(found.next().captured());
+    return names;
+}
+
+int runGlobal(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    const auto& command = *static_cast<GlobalCommand*>(data);
+    TclInterpreter& interpreter = command.interpreter;
+    return runCommand(interpreter, [&] {
+        // The first one is the object, or whatever the function is for. Names of the others matter
+        // only where a word looks like one.
+        bool hasOptions = false;
+        for (int index = 2; index < count; ++index)
+            hasOptions = hasOptions || !optionName(words[index]).empty();
+        const Outcome<CallArguments> arguments =
+            argumentsOf(interpreter, hasOptions ? parametersOf(command.name) : QStringList(), 1,
+                        count - 1, words + 1);
+        if (!arguments)
+            return interpreter.fail(
+                {ScriptFailure::Kind::BadArgument, arguments.error().text, false, {}});
+        return interpreter.finish(callGlobal(&interpreter, command.name, *arguments));
+    });
+}
+
+}  // namespace
+
+Outcome<CallArguments> argumentsOf(TclInterpreter& interpreter, const QStringList& names,
+                                   int requiredCount, int count, Tcl_Obj* const* words) {
+    CallArguments arguments;
+    const auto value = [&](int index) -> SharedPtr<ScriptArgument> {
+        return new TclArgument(interpreter, TclRef(words[index]));
+    };
+    arguments.positional.reserve(static_cast<std::size_t>(count));
+    bool takesOptions = true;
+    for (int index = 0; index < count; ++index) {
+        const std::string_view option =
+            takesOptions && index >= requiredCount ? optionName(words[index]) : std::string_view();
+        const QString name = option.empty() ? QString() : fromTclBytes(option);
+        if (option == "-") {
+            takesOptions = false;
+        } else if (!option.empty() && names.contains(name)) {
+            if (index + 1 == count)
+                return fail(FailureKind::BadArgument,
+                            QStringLiteral("value for \"-%1\" missing").arg(name));
+            arguments.named.emplace_back(name, value(++index));
+        } else if (!arguments.named.empty()) {
+            return fail(FailureKind::BadArgument,
+                        QStringLiteral("bad option \"%1\": must be %2")
+                            .arg(textOf(words[index]), listed(names.mid(requiredCount))));
+        } else {
+            arguments.positional.push_back(value(index));
+        }
+    }
+    return arguments;
+}
+
+int callWithWords(TclInterpreter& interpreter, const NativeFunction& function,
+                  const SharedPtr<NativeScriptObject>& object, const ScriptArgument::List& first,
+                  int count, Tcl_Obj* const* words) {
+    return runCommand(interpreter, [&] {
+        const Parameters& parameters = function.parameters();
+        const auto given = static_cast<int>(first.size());
+        Outcome<CallArguments> arguments =
+            argumentsOf(interpreter, parameters.names, parameters.requiredCount - given, count,
+                        words);
+        if (!arguments)
+            return interpreter.fail(
+                {ScriptFailure::Kind::BadArgument, arguments.error().text, false, {}});
+        arguments->positional.insert(arguments->positional.begin(), first.begin(), first.end());
+        return interpreter.finish(
+            callNative(&interpreter, function, object, std::move(*arguments)));
+    });
+}
+
+void defineNative(TclInterpreter& interpreter, const QString& name,
+                  const NativeFunction& function) {
+    interpreter.defineCommand(
+        name, runNative,
+        std::unique_ptr<NativeCommand>(new NativeCommand{interpreter, function}));
+}
+
+void defineGlobalFunction(TclInterpreter& interpreter, const QString& name) {
+    interpreter.defineCommand(
+        name, runGlobal, std::unique_ptr<GlobalCommand>(new GlobalCommand{interpreter, name}));
+}
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,18 @@
+// What the core asks of a language plug-in.
+
+#include <cstdio>
+#include <exception>
+
+#include "base/export.h"
+#include "plugins/tcl/tclinterpreter.h"
+
+/// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error, when
+/// Tcl can't be started.
+extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
+    try {
+        return new Tamrix::TclPlugin::TclInterpreter(runner);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", exception.what());
+        return nullptr;
+    }
+}

@@ -1,0 +1,315 @@
+#include "plugins/tcl/tclargument.h"
+
+#include <QRegularExpression>
+
+#include "interpreter/objects/objectidentity.h"
+#include "platform/objectmodel/inspector.h"
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/nativeclasses.h"
+#include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/valuetype.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+const char* nameOf(ValueType type) {
+    switch (type) {
+        case ValueType::Boolean:
+            return "boolean";
+        case ValueType::Integer:
+            return "int";
+        case ValueType::Double:
+            return "double";
+        case ValueType::List:
+            return "list";
+        case ValueType::Dictionary:
+            return "dict";
+        case ValueType::Bytes:
+            return "bytes";
+        case ValueType::Text:
+            break;
+    }
+    return "string";
+}
+
+/// A value of the same text, so that a look at it as something else leaves no traces.
+TclRef copyOf(Tcl_Obj* value) {
+    const std::string_view bytes = bytesOf(value);
+    return TclRef(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size())));
+}
+
+}  // namespace
+
+TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
+    : m_interpreter(interpreter), m_value(std::move(value)) {}
+
+// Type tests
+
+QString TclArgument::typeName() const {
+    if (const HeldValues::Held* const held = m_interpreter.values().find(value()))
+        return nameOfKind(*held);
+    return QLatin1String(nameOf(typeOf(value())));
+}
+
+bool TclArgument::isBool() const {
+    if (typeOf(value()) == ValueType::Boolean)
+        return true;
+    int truth = 0;
+    if (m_isResult)
+        return Tcl_GetBooleanFromObj(nullptr, copyOf(value()).get(), &truth) == TCL_OK;
+    return typeOf(value()) == ValueType::Text && truthWord(value()).has_value();
+}
+
+bool TclArgument::isNumber() const {
+    switch (typeOf(value())) {
+        case ValueType::Integer:
+        case ValueType::Double:
+            return true;
+        case ValueType::Text: {
+            double number = 0;
+            return Tcl_GetDoubleFromObj(nullptr, copyOf(value()).get(), &number) == TCL_OK;
+        }
+        default:
+            return false;
+    }
+}
+
+bool TclArgument::isInteger() const {
+    switch (typeOf(value())) {
+        case ValueType::Integer:
+            return true;
+        case ValueType::Text: {
+            Tcl_WideInt number = 0;
+            return Tcl_GetWideIntFromObj(nullptr, copyOf(value()).get(), &number) == TCL_OK;
+        }
+        default:
+            return false;
+    }
+}
+
+bool TclArgument::isString() const {
+    const ValueType type = typeOf(value());
+    return (type == ValueType::Text || type == ValueType::Boolean) &&
+           !m_interpreter.values().find(value()) && !m_interpreter.values().findRecord(value());
+}
+
+bool TclArgument::isStringLike() const {
+    // What is written to results may be anything.
+    return true;
+}
+
+bool TclArgument::isObject() const {
+    return bool(toObject());
+}
+
+bool TclArgument::isClass() const {
+    return toClass() != nullptr;
+}
+
+bool TclArgument::isCallable() const {
+    int count = 0;
+    Tcl_Obj** words = nullptr;
+    const TclRef copy = copyOf(value());
+    if (Tcl_ListObjGetElements(nullptr, copy.get(), &count, &words) != TCL_OK || count == 0)
+        return false;
+    return Tcl_GetCommandFromObj(m_interpreter.tcl(), words[0]) != nullptr;
+}
+
+bool TclArgument::isList() const {
+    int count = 0;
+    const ValueType type = typeOf(value());
+    if (type != ValueType::Text)
+        return type == ValueType::List;
+    return Tcl_ListObjLength(nullptr, copyOf(value()).get(), &count) == TCL_OK;
+}
+
+bool TclArgument::isMap() const {
+    int count = 0;
+    const ValueType type = typeOf(value());
+    if (type != ValueType::Text && type != ValueType::List)
+        return type == ValueType::Dictionary;
+    return Tcl_DictObjSize(nullptr, copyOf(value()).get(), &count) == TCL_OK;
+}
+
+bool TclArgument::isNative(void* typeId) const {
+    return bool(toNative(typeId));
+}
+
+// Conversions
+
+bool TclArgument::toBool() const {
+    int truth = 0;
+    return Tcl_GetBooleanFromObj(nullptr, copyOf(value()).get(), &truth) == TCL_OK && truth != 0;
+}
+
+double TclArgument::toDouble() const {
+    double number = 0;
+    if (Tcl_GetDoubleFromObj(nullptr, value(), &number) != TCL_OK)
+        return 0;
+    return number;
+}
+
+long long TclArgument::toInt() const {
+    Tcl_WideInt number = 0;
+    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK)
+        return number;
+    const double fraction = toDouble();
+    constexpr double limit = 9223372036854775808.0;  // 2^63
+    if (fraction >= -limit && fraction < limit)
+        return static_cast<long long>(fraction);
+    m_interpreter.throwError(textOf(value()) +
+                             " is too large: only integers of 64 bits can be passed on");
+}
+
+QString TclArgument::toString() const {
+    if (const SharedPtr<Object> object = toObject()) {
+        const ObjectResult<QString> text = objectText(object);
+        return text ? *text : textOf(value());
+    }
+    return textOf(value());
+}
+
+SharedPtr<Object> TclArgument::toObject() const {
+    return m_interpreter.values().get<Object>(value());
+}
+
+const Class* TclArgument::toClass() const {
+    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
+}
+
+ScriptArgument::List TclArgument::toList() const {
+    List values;
+    int count = 0;
+    Tcl_Obj** elements = nullptr;
+    const TclRef list = typeOf(value()) == ValueType::List ? m_value : copyOf(value());
+    if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &elements) != TCL_OK)
+        return values;
+    values.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index)
+        values.push_back(new TclArgument(m_interpreter, TclRef(elements[index])));
+    return values;
+}
+
+ScriptArgument::Map TclArgument::toMap() const {
+    Map values;
+    const TclRef map = typeOf(value()) == ValueType::Dictionary ? m_value : copyOf(value());
+    Tcl_DictSearch search;
+    Tcl_Obj* key = nullptr;
+    Tcl_Obj* entry = nullptr;
+    int isDone = 0;
+    if (Tcl_DictObjFirst(nullptr, map.get(), &search, &key, &entry, &isDone) != TCL_OK)
+        return values;
+    for (; !isDone; Tcl_DictObjNext(&search, &key, &entry, &isDone))
+        values[textOf(key)] = new TclArgument(m_interpreter, TclRef(entry));
+    Tcl_DictObjDone(&search);
+    return values;
+}
+
+SharedPtr<NativeScriptObject> TclArgument::toNative(void* typeId) const {
+    const auto native = m_interpreter.values().get<NativeScriptObject>(value());
+    return native && m_interpreter.classes().isDerivedFrom(native->typeId(), typeId)
+               ? native
+               : SharedPtr<NativeScriptObject>();
+}
+
+SharedPtr<TestDataSet> TclArgument::toTestDataSet() const {
+    const List records = toList();
+    return records.empty()
+               ? SharedPtr<TestDataSet>()
+               : m_interpreter.values().setOfRecord(
+                     static_cast<const TclArgument*>(records.front().get())->value());
+}
+
+SharedPtr<ApplicationContext> TclArgument::toApplicationContext() const {
+    return m_interpreter.values().get<ApplicationContext>(value());
+}
+
+const TestDataRecord* TclArgument::toTestDataRecord() const {
+    return m_interpreter.values().findRecord(value());
+}
+
+// Names of objects
+
+QString TclArgument::toRealName() const {
+    const QString text = toString();
+    // A real name without the braces that are quotes to Tcl: {type='QPushButton'}.
+    static const QRegularExpression s_property(QStringLiteral("^\\s*\\w+\\s*[~*]?=\\s*['{]"));
+    if (text.contains(s_property))
+        return QLatin1Char('{') + text.trimmed() + QLatin1Char('}');
+    if (text.startsWith(QLatin1Char(':')) || text.startsWith(QLatin1Char('{')) || !isMap())
+        return text;
+    static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_]\\w*[~*]?$"));
+    QMap<QString, PropertyValue> properties;
+    for (const auto& [name, wanted] : toMap()) {
+        if (!name.contains(s_name))
+            return text;
+        properties.insert(name, wanted->toPropertyValue());
+    }
+    return properties.isEmpty() ? text : ObjectName(properties).qualifiedName();
+}
+
+PropertyValue TclArgument::toPropertyValue() const {
+    if (typeOf(value()) == ValueType::Dictionary)
+        return PropertyValue(toRealName(), 0, true);
+    const QString text = toString();
+    return PropertyValue(text, 0, isObject() || isMultiPropertyName(text));
+}
+
+// Values for applications
+
+std::optional<QVariant> TclArgument::toVariant() const {
+    if (isObject())
+        return ScriptArgument::toVariant();
+    switch (typeOf(value())) {
+        case ValueType::Boolean:
+            return toBool();
+        case ValueType::Integer:
+            return toInt();
+        case ValueType::Double:
+            return toDouble();
+        case ValueType::Bytes: {
+            int size = 0;
+            const unsigned char* const bytes = Tcl_GetByteArrayFromObj(value(), &size);
+            return QByteArray(reinterpret_cast<const char*>(bytes), size);
+        }
+        case ValueType::List:
+        case ValueType::Dictionary:
+            return ScriptArgument::toVariant();
+        case ValueType::Text:
+            break;
+    }
+    // As one or the other it comes to the same.
+    if (isPlainInteger(value()))
+        return toInt();
+    if (m_interpreter.values().find(value()) || m_interpreter.values().findRecord(value()))
+        return {};
+    return textOf(value());
+}
+
+bool TclArgument::isNull() const {
+    return !value()->typePtr && bytesOf(value()).empty();
+}
+
+// Callables
+
+SharedPtr<ScriptArgument> TclArgument::call(const List& arguments, QString* error) {
+    const int code = m_interpreter.run(this, {arguments, {}});
+    Tcl_Interp* const tcl = m_interpreter.tcl();
+    if (code == TCL_OK || code == TCL_RETURN) {
+        SharedPtr<TclArgument> result(
+            new TclArgument(m_interpreter, TclRef(Tcl_GetObjResult(tcl))));
+        result->setIsResult();
+        return result;
+    }
+    const ScriptError raised = m_interpreter.takeError(code);
+    m_interpreter.setCallErrorStack(raised.callStack);
+    *error = raised.message;
+    return {};
+}
+
+QString TclArgument::callableIdentifier() const {
+    return QStringLiteral("Callable|") + textOf(value());
+}
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,138 @@
+#include "plugins/tcl/tcldebugger.h"
+
+#include <algorithm>
+
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/tclvariables.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+/// Keeps result and error of Tcl while something else runs in it.
+class StateAside {
+public:
+    explicit StateAside(Tcl_Interp* interp)
+        : m_interp(interp), m_state(Tcl_SaveInterpState(interp, TCL_OK)) {}
+    ~StateAside() { Tcl_RestoreInterpState(m_interp, m_state); }
+    StateAside(const StateAside&) = delete;
+    StateAside& operator=(const StateAside&) = delete;
+
+private:
+    Tcl_Interp* m_interp;
+    Tcl_InterpState m_state;
+};
+
+/// Whether a command catches errors that are raised while it runs. Of a `try` that is its handlers
+/// for them; which errors they are for they say only when they have come.
+bool catchesErrors(const QByteArray& source) {
+    const QByteArray command = source.trimmed();
+    const auto begins = [&](const char* name) {
+        const auto length = static_cast<int>(qstrlen(name));
+        return command.startsWith(name) &&
+               (command.size() == length || isspace(command.at(length)) != 0);
+    };
+    if (begins("catch") || begins("::catch"))
+        return true;
+    return (begins("try") || begins("::try")) &&
+           (command.contains("on error") || command.contains("on 1") || command.contains("trap"));
+}
+
+}  // namespace
+
+TclDebugger::TclDebugger(TclInterpreter& interpreter)
+    : LanguageDebugger(&interpreter), m_tcl(interpreter) {}
+
+TclDebugger::~TclDebugger() = default;
+
+void TclDebugger::setInteractive(bool interactive) {
+    Debugger::setInteractive(interactive);
+    if (interactive)
+        enterTcl();
+    else
+        leaveTcl();
+}
+
+void TclDebugger::enterTcl() {
+    if (isInteractive() && !m_trace)
+        m_trace = Tcl_CreateObjTrace(m_tcl.tcl(), 0, 0, traceCommand, this, nullptr);
+}
+
+void TclDebugger::leaveTcl() {
+    if (m_trace)
+        Tcl_DeleteTrace(m_tcl.tcl(), m_trace);
+    m_trace = nullptr;
+    m_lines.clear();
+}
+
+void TclDebugger::interrupt() {
+    m_isInterrupted = true;
+}
+
+// Lines
+
+int TclDebugger::traceCommand(void* self, Tcl_Interp*, int, const char*, Tcl_Command, int,
+                              Tcl_Obj* const*) {
+    auto* const debugger = static_cast<TclDebugger*>(self);
+    if (debugger->m_pauses == 0)
+        debugger->commandReached();
+    return TCL_OK;
+}
+
+bool TclDebugger::isNewLine(const TclFrame& frame) {
+    while (!m_lines.empty() && m_lines.back().level > frame.level)
+        m_lines.pop_back();
+    if (!m_lines.empty() && m_lines.back().level == frame.level) {
+        if (m_lines.back() == frame)
+            return false;
+        m_lines.pop_back();
+    }
+    m_lines.push_back(frame);
+    return true;
+}
+
+void TclDebugger::commandReached() {
+    const std::vector<TclFrame> frames = m_tcl.frames();
+    if (frames.empty() || !isNewLine(frames.front()))
+        return;
+    const StateAside aside(m_tcl.tcl());
+    if (m_isInterrupted.exchange(false))
+        step();
+    lineReached(sourceIdOf(frames.front().file), frames.front().line);
+}
+
+// Frames
+
+std::vector<ScriptFrame> TclDebugger::scriptFrames(const std::vector<TclFrame>& frames) {
+    std::vector<ScriptFrame> found;
+    found.reserve(frames.size());
+    for (const TclFrame& frame : frames)
+        found.push_back({frame.level, frame.file, frame.line, -1, -1});
+    return found;
+}
+
+std::vector<ScriptFrame> TclDebugger::runningFrames() {
+    return scriptFrames(m_tcl.frames());
+}
+
+std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
+    return std::make_unique<TclVariables>(m_tcl, *this);
+}
+
+// Errors
+
+bool TclDebugger::isCaught() const {
+    const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl());
+    return m_catching > 0 || std::any_of(commands.begin(), commands.end(), catchesErrors);
+}
+
+void TclDebugger::errorRaised(const std::vector<TclFrame>& frames) {
+    if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
+        return;
+    const QString text = m_tcl.errorText();
+    const StateAside aside(m_tcl.tcl());
+    stopForError(text, scriptFrames(m_tcl.framesOfScripts(frames)));
+}
+
+}  // namespace Tamrix::TclPlugin

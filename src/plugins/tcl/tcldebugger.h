@@ -1,0 +1,69 @@
+#pragma once
+
+#include <atomic>
+#include <vector>
+
+#include "interpreter/language/languagedebugger.h"
+#include "plugins/tcl/tclinternals.h"
+#include "plugins/tcl/tclref.h"
+
+namespace Tamrix::TclPlugin {
+
+class TclInterpreter;
+
+/// Tcl's half of the debugger. While it is interactive, a trace of Tcl is called for each command:
+/// loops and conditions are commands then, too, and not compiled into their surroundings. The first
+/// command on a line is where a script can stop.
+class TclDebugger final : public LanguageDebugger {
+public:
+    explicit TclDebugger(TclInterpreter& interpreter);
+    ~TclDebugger() override;
+
+    void setInteractive(bool interactive) override;
+    /// Stops at the next line. Only sets a flag.
+    void interrupt() override;
+
+    /// The interpreter of Tcl is about to go, or another one is there.
+    void leaveTcl();
+    void enterTcl();
+
+    /// An error was raised in these frames: stops there if nothing will catch it.
+    void errorRaised(const std::vector<TclFrame>& frames);
+    /// Errors are caught by a native function as long as this exists.
+    class CatchesErrors {
+    public:
+        explicit CatchesErrors(TclDebugger& debugger) : m_debugger(debugger) {
+            ++m_debugger.m_catching;
+        }
+        ~CatchesErrors() { --m_debugger.m_catching; }
+        CatchesErrors(const CatchesErrors&) = delete;
+        CatchesErrors& operator=(const CatchesErrors&) = delete;
+
+    private:
+        TclDebugger& m_debugger;
+    };
+
+protected:
+    std::vector<ScriptFrame> runningFrames() override;
+    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    void enterStandstill() override { ++m_pauses; }
+    void leaveStandstill() override { --m_pauses; }
+
+private:
+    static int traceCommand(void* self, Tcl_Interp* interp, int level, const char* text,
+                            Tcl_Command command, int count, Tcl_Obj* const* words);
+    void commandReached();
+    bool isNewLine(const TclFrame& frame);
+    bool isCaught() const;
+    static std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames);
+
+    TclInterpreter& m_tcl;
+    Tcl_Trace m_trace = nullptr;
+    int m_pauses = 0;
+    int m_catching = 0;
+    std::atomic<bool> m_isInterrupted{false};
+    /// The line at which each frame was last, the outermost first.
+    std::vector<TclFrame> m_lines;
+};
+
+}  // namespace Tamrix::TclPlugin

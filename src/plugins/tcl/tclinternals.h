@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <vector>
+
+#include "plugins/tcl/tclref.h"
+
+namespace Tamrix::TclPlugin {
+
+// What Tcl 8.6 tells only in its internal headers: where the commands are that run, and how a list
+// came to be. No other source includes these headers.
+
+/// A procedure, a lambda, or the top level of the script, and where it stands.
+struct TclFrame {
+    /// The level of its variables: `uplevel #level` runs code with them.
+    int level = 0;
+    QString file;
+    int line = -1;
+
+    bool operator==(const TclFrame&) const = default;
+};
+
+/// The frames that run commands of files, the innermost first. A level of variables is one frame: of
+/// the code that runs with them, such as the bodies of loops, the innermost command counts that is
+/// in a file. Code that was put together as a text stands where it is evaluated.
+std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
+/// The same while the error of the innermost command is being noted.
+std::vector<TclFrame> framesAtError(Tcl_Interp* interp);
+
+/// The source of the commands that run, the innermost first; one whose source is not known is empty.
+std::vector<QByteArray> runningCommands(Tcl_Interp* interp);
+
+/// Runs the text of a file at the top level, so that its commands know file and line.
+int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path);
+
+/// Where a procedure was defined; a line of -1 when that is in no file.
+TclFrame definitionOf(Tcl_Interp* interp, const char* procedure);
+
+bool isProcedure(Tcl_Interp* interp, const char* name);
+
+/// Whether a value with the type of a list was made as one, and is no text that was looked at as
+/// one.
+bool isMadeAsList(Tcl_Obj* list);
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,159 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/scriptfailure.h"
+#include "plugins/tcl/errornotes.h"
+#include "plugins/tcl/heldvalues.h"
+#include "plugins/tcl/tclinternals.h"
+#include "plugins/tcl/tclref.h"
+
+namespace Tamrix::TclPlugin {
+
+class NativeClasses;
+class TclContext;
+class TclDebugger;
+
+/// How script code came to its end beside what Tcl has: these pass commands that handle errors, and
+/// `finally` runs on their way.
+enum EndCode {
+    FatalEnd = 1001,  ///< a failure that ends the case; the result is its text
+    ExitEnd = 1002    ///< `exit`; the result is the status
+};
+
+/// The interpreter of one test case. Each has an interpreter of Tcl of its own, in which nothing is
+/// left of what others did.
+class TclInterpreter final : public LanguageInterpreter {
+public:
+    /// Throws std::runtime_error when Tcl can't be started.
+    explicit TclInterpreter(RunnerInterface* runner);
+    ~TclInterpreter() override;
+
+    static TclInterpreter* active() {
+        return static_cast<TclInterpreter*>(LanguageInterpreter::active(Interpreter::Tcl));
+    }
+
+    Tcl_Interp* tcl() const { return m_tcl; }
+    HeldValues& values() { return *m_values; }
+    NativeClasses& classes() { return *m_classes; }
+    TclContext& tclContext() { return *m_context; }
+    TclDebugger& debugger() { return *m_debugger; }
+
+    // Commands
+
+    /// Makes a global command of the name, or one of the ensemble in front of "::". It is deleted
+    /// with the interpreter of Tcl.
+    template <typename Data>
+    void defineCommand(const QString& name, Tcl_ObjCmdProc* command, std::unique_ptr<Data> data) {
+        defineCommand(name, command, data.release(),
+                      [](void* own) { delete static_cast<Data*>(own); });
+    }
+    bool hasCommand(const QString& name) const;
+    void defineVariable(const QString& name, int value);
+
+    /// The end of a command: what Tcl gets of a result or failure.
+    int finish(const ScriptResult& result);
+    int fail(const ScriptFailure& failure);
+    /// The end of a command that a ScriptErrorSet has ended.
+    int failAsPending();
+    /// All commands are being ended, by Ctrl-C: nothing may catch what they fail with.
+    bool isUnwinding() const;
+    /// A native function is to be unwound, so that the script gets the state that Tcl has now.
+    [[noreturn]] void throwPending(int code);
+    /// Raises an error with the text in the native function that runs.
+    [[noreturn]] void throwError(const QString& text);
+
+    // Running
+
+    /// Runs words as a command, a callable's in front. The end of the script passes as
+    /// ScriptErrorSet; the result is Tcl's.
+    int run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
+    /// What a person is told of the end with this code, which is not TCL_OK.
+    ScriptError takeError(int code);
+    /// What a person is told of the error that has just been raised.
+    QString errorText() const;
+    /// The frames that run commands of scripts, the innermost first.
+    std::vector<TclFrame> frames();
+    /// Without those of Tcl's library, and with the paths that results have.
+    std::vector<TclFrame> framesOfScripts(std::vector<TclFrame> frames);
+
+    /// The variables at a level, as `uplevel` counts them, with their values; an array is a
+    /// dictionary. Those that are there before the script are left out.
+    std::vector<std::pair<QString, TclRef>> variablesAt(int level);
+
+    LanguageContext& context() override;
+    LanguageDebugger& languageDebugger() override;
+    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                           const QStringList& requiredParameters,
+                           const QStringList& optionalParameters,
+                           const QString& description) override;
+    void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
+    QString addToSearchPath(const QFileInfo& directory) override;
+
+protected:
+    void publishFunctions(const QStringList& names) override;
+    void startScript(const QString& path, const QStringList& arguments,
+                     const QStringList& folders) override;
+    SharedPtr<ScriptArgument> scriptFunction(const QString& name) override;
+    SharedPtr<ScriptArgument> libraryFunction(const QString& name) override;
+    bool runScript(const QString& text, const QString& fileName) override;
+    CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
+                 const QString& name, bool isCallback) override;
+    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+
+private:
+    void createTcl();
+    void deleteTcl();
+    void defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
+                       Tcl_CmdDeleteProc* deletion);
+    void defineEnsemble(const QString& name);
+    /// Ends a run of script code: the code that Tcl gave, or TCL_ERROR for what was thrown.
+    template <typename Code>
+    int guarded(Code code);
+    /// The `-errorcode` of the error that has just been raised.
+    std::string errorCode() const;
+    std::vector<TclFrame> framesOfError();
+    int evaluateAtLevel(int level, Tcl_Obj* command);
+    QStringList namesOfVariables(int level);
+    std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames);
+    struct SourceFile {
+        QString path;
+        bool isScript;
+    };
+    const SourceFile& sourceFile(const QString& file);
+
+    Tcl_Interp* m_tcl = nullptr;
+    std::unique_ptr<HeldValues> m_values;
+    std::unique_ptr<NativeClasses> m_classes;
+    std::unique_ptr<TclContext> m_context;
+    std::unique_ptr<TclDebugger> m_debugger;
+    std::unique_ptr<ErrorNotes> m_errors;
+    QHash<QString, SourceFile> m_files;
+
+    /// What throwPending() has put aside.
+    Tcl_InterpState m_pendingState = nullptr;
+    int m_pendingCode = TCL_OK;
+    /// Where a failure arose that ends the case, and whether it is a skip.
+    std::vector<TclFrame> m_fatalFrames;
+    bool m_fatalIsSkip = false;
+    /// The text of an error that stands in a file that is none of Tcl's, and where.
+    QString m_originText;
+    LineInfo m_origin;
+    /// The text of a panic, after which nothing can run.
+    QString m_panic;
+
+    /// Code without a file from before the first script, which each script finds.
+    QStringList m_initScripts;
+    bool m_hasScript = false;
+    /// Names of variables from before the script.
+    QStringList m_ownVariables;
+};
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <atomic>
+
+#include "plugins/tcl/tclref.h"
+
+namespace Tamrix::TclPlugin {
+
+/// Thrown where Tcl would end the process: it has no memory left, or a value is larger than it can
+/// have. What ran is left as it stands, and its interpreter can't be used any more.
+struct TclPanic {
+    char text[256];
+};
+
+/// What Tcl has once in a process: Ctrl-C, and what happens when it gives up. Started on first use,
+/// alive to the end of the process.
+class TclRuntime {
+public:
+    /// Throws std::runtime_error when Tcl can't be started.
+    static TclRuntime& self();
+
+    /// Whose scripts Ctrl-C ends; null while none runs. On the thread of the scripts.
+    void setInterruptible(Tcl_Interp* interp) { m_interruptible = interp; }
+    /// Handles a request to end the script, as Ctrl-C is; false when none runs. In a signal handler.
+    bool interrupt();
+
+private:
+    TclRuntime();
+    static int endScript(void* self, Tcl_Interp* interp, int code);
+
+    Tcl_AsyncHandler m_handler;
+    std::atomic<Tcl_Interp*> m_interruptible{nullptr};
+};
+
+}  // namespace Tamrix::TclPlugin

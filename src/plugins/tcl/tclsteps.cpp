@@ -1,0 +1,246 @@
+#include "plugins/tcl/tclsteps.h"
+
+#include <functional>
+
+#include "interpreter/language/languagecontext.h"
+#include "interpreter/language/stepregistry.h"
+#include "platform/gherkin/expressions/expressionerror.h"
+#include "plugins/tcl/commandbody.h"
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/nativecommands.h"
+#include "plugins/tcl/optionwords.h"
+#include "plugins/tcl/tclargument.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+const QString contextName = QStringLiteral("::bdd::context");
+
+struct StepCommand {
+    TclInterpreter& interpreter;
+    /// For hooks.
+    Gherkin::HookType type = Gherkin::StepHook;
+    Gherkin::HookOrder order = Gherkin::BeforeHook;
+};
+
+/// Makes a procedure of parameters and body, so that the body knows its lines: these are where the
+/// words are that `proc` has there, too.
+SharedPtr<ScriptArgument> makeProcedure(TclInterpreter& interpreter, Tcl_Obj* const* words) {
+    static int s_count = 0;
+    const QString name = QStringLiteral("::bdd::procedure%1").arg(++s_count);
+    const TclRef command = toTcl(QStringLiteral("::proc"));
+    const TclRef procedure = toTcl(name);
+    Tcl_Obj* const definition[] = {command.get(), procedure.get(), words[2], words[3]};
+    if (const int code = Tcl_EvalObjv(interpreter.tcl(), 4, definition, 0); code != TCL_OK)
+        interpreter.throwPending(code);
+    return new TclArgument(interpreter, procedure);
+}
+
+Gherkin::ScriptLocation runningLocation(TclInterpreter& interpreter) {
+    const std::vector<TclFrame> frames = interpreter.frames();
+    if (frames.empty())
+        return {};
+    return {frames.front().file.toStdString(), frames.front().line};
+}
+
+/// Runs `work` as the body of a command; what an expression is refused for is its error.
+int withRegistry(TclInterpreter& interpreter, const std::function<void(StepRegistry&)>& work) {
+    return runCommand(interpreter, [&] {
+        try {
+            work(interpreter.steps().registry());
+            return interpreter.finish(SharedPtr<ScriptArgument>());
+        } catch (const Gherkin::ExpressionError& error) {
+            return interpreter.fail({ScriptFailure::Kind::BadArgument,
+                                     QString::fromUtf8(error.what()), false, {}});
+        }
+    });
+}
+
+/// Whether an expression is a regular one, "/.../"; takes the marks away.
+bool takeRegularMarks(std::string* expression) {
+    if (expression->size() < 2 || expression->front() != '/' || expression->back() != '/')
+        return false;
+    *expression = expression->substr(1, expression->size() - 2);
+    return true;
+}
+
+int registerStep(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
+    if (count != 4)
+        return wrongWords(interpreter, textOf(words[0]) + " expression parameters body");
+    return withRegistry(interpreter, [&](StepRegistry& registry) {
+        std::string expression = textOf(words[1]).toStdString();
+        const bool isRegular = takeRegularMarks(&expression);
+        registry.addStep(expression, isRegular, makeProcedure(interpreter, words),
+                         runningLocation(interpreter));
+    });
+}
+
+int registerHook(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    const auto& command = *static_cast<StepCommand*>(data);
+    TclInterpreter& interpreter = command.interpreter;
+    if (count != 4)
+        return wrongWords(interpreter, textOf(words[0]) + " tags parameters body");
+    return withRegistry(interpreter, [&](StepRegistry& registry) {
+        registry.addHook(command.type, command.order, textOf(words[1]).toStdString(),
+                         makeProcedure(interpreter, words),
+                         QString::fromStdString(runningLocation(interpreter).fileName));
+    });
+}
+
+int registerParameterType(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
+    if (count != 3 && count != 4)
+        return wrongWords(interpreter, "bdd::parameter_type name pattern ?transformer?");
+    return withRegistry(interpreter, [&](StepRegistry& registry) {
+        const SharedPtr<ScriptArgument> transformer(
+            count == 4 ? new TclArgument(interpreter, TclRef(words[3])) : nullptr);
+        registry.addParameterType(textOf(words[1]).toStdString(),
+                                  {textOf(words[2]).toStdString()}, transformer);
+    });
+}
+
+int setPending(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
+    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
+    if (count > 2)
+        return wrongWords(interpreter, "bdd::pending ?reason?");
+    Tcl_SetObjResult(interp, count == 2
+                                 ? words[1]
+                                 : Tcl_NewStringObj("the step definition is to be written", -1));
+    Tcl_SetObjErrorCode(interp, Tcl_NewStringObj(pendingErrorCode, -1));
+    return TCL_ERROR;
+}
+
+/// What steps keep for each other.
+int useContext(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
+    const QString usage = QStringLiteral(
+        "context get name | set name value | unset name | exists name | names");
+    if (count < 2)
+        return wrongWords(interpreter, usage);
+    StepScopes& scopes = interpreter.steps().scopes();
+    const QString action = textOf(words[1]);
+    const QString name = count > 2 ? textOf(words[2]) : QString();
+    ScriptContext& context = interpreter.context();
+    if (action == QLatin1String("set") && count == 4) {
+        const SharedPtr<ScriptArgument> value(new TclArgument(interpreter, TclRef(words[3])));
+        scopes.set(name, value);
+        return interpreter.finish(value);
+    }
+    if (action == QLatin1String("names") && count == 2) {
+        ScriptArgument::List names;
+        for (const auto& entry : scopes.all())
+            names.push_back(context.createString(entry.first));
+        return interpreter.finish(context.createList(names));
+    }
+    if (action == QLatin1String("exists") && count == 3)
+        return interpreter.finish(context.createBool(bool(scopes.find(name))));
+    if (action == QLatin1String("get") && count == 3) {
+        if (const SharedPtr<ScriptArgument> value = scopes.find(name))
+            return interpreter.finish(value);
+        return interpreter.fail(noSuch("value", name, QStringLiteral("The context"), {}));
+    }
+    if (action == QLatin1String("unset") && count == 3) {
+        if (scopes.remove(name))
+            return interpreter.finish(SharedPtr<ScriptArgument>());
+        return interpreter.fail(noSuch("value", name, QStringLiteral("The context"), {}));
+    }
+    return wrongWords(interpreter, usage);
+}
+
+using Gherkin::AfterHook;
+using Gherkin::BeforeHook;
+using Gherkin::FeatureHook;
+using Gherkin::ScenarioHook;
+using Gherkin::StepHook;
+
+constexpr struct {
+    const char* name;
+    Tcl_ObjCmdProc* command;
+    Gherkin::HookType type = StepHook;
+    Gherkin::HookOrder order = BeforeHook;
+} commands[] = {
+    {"given", registerStep},
+    {"when", registerStep},
+    {"then", registerStep},
+    {"step", registerStep},
+    {"before_feature", registerHook, FeatureHook, BeforeHook},
+    {"after_feature", registerHook, FeatureHook, AfterHook},
+    {"before_scenario", registerHook, ScenarioHook, BeforeHook},
+    {"after_scenario", registerHook, ScenarioHook, AfterHook},
+    {"before_step", registerHook, StepHook, BeforeHook},
+    {"after_step", registerHook, StepHook, AfterHook},
+    {"parameter_type", registerParameterType},
+    {"pending", setPending},
+    {"context", useContext},
+};
+
+}  // namespace
+
+void defineStepCommands(TclInterpreter& interpreter) {
+    for (const auto& row : commands)
+        interpreter.defineCommand(
+            QStringLiteral("bdd::") + QLatin1String(row.name), row.command,
+            std::unique_ptr<StepCommand>(new StepCommand{interpreter, row.type, row.order}));
+}
+
+TclSteps::TclSteps(TclInterpreter& interpreter)
+    : StepLanguage(interpreter), m_tcl(interpreter) {}
+
+std::optional<ScriptError> TclSteps::loadFile(const QString& path, const QString& text) {
+    const int code = evaluateFile(m_tcl.tcl(), toTclBytes(text), path);
+    if (code == TCL_OK || code == TCL_RETURN)
+        return std::nullopt;
+    if (code != TCL_ERROR || m_tcl.isUnwinding())
+        m_tcl.throwPending(code);
+    return m_tcl.takeError(code);
+}
+
+StepLanguage::Value TclSteps::contextValue() {
+    return m_tcl.context().createString(contextName);
+}
+
+StepLanguage::Value TclSteps::tableValue(const Gherkin::Step& step) {
+    LanguageContext& context = m_tcl.context();
+    const auto text = [&](const Gherkin::TableCell& cell) {
+        return context.createString(QString::fromStdString(cell.text));
+    };
+    ScriptArgument::List rows;
+    ScriptArgument::List raw;
+    for (const auto& row : step.table) {
+        ScriptArgument::List cells;
+        const TclRef dictionary(Tcl_NewDictObj());
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            cells.push_back(text(row[column]));
+            Tcl_DictObjPut(nullptr, dictionary.get(),
+                           toTcl(QString::fromStdString(step.table[0][column].text)).get(),
+                           toTcl(QString::fromStdString(row[column].text)).get());
+        }
+        raw.push_back(context.createList(cells));
+        if (raw.size() > 1)
+            rows.push_back(new TclArgument(m_tcl, dictionary));
+    }
+    m_tcl.steps().scopes().set("headers", raw.front());
+    m_tcl.steps().scopes().set("raw", context.createList(raw));
+    return context.createList(rows);
+}
+
+StepLanguage::Value TclSteps::bigInteger(const QString& text) {
+    // Tcl's integers have no limit.
+    return new TclArgument(m_tcl, toTcl(text));
+}
+
+StepLanguage::Value TclSteps::bigDecimal(const QString& text) {
+    // A text keeps all digits until something is calculated with it.
+    return new TclArgument(m_tcl, toTcl(text));
+}
+
+QString TclSteps::snippetText(const StepSnippet& snippet) {
+    const TclRef expression = toTcl(QStringList(snippet.expression));
+    const QStringList parameters = QStringList("context") + snippet.parameters;
+    return QStringLiteral("bdd::%1 %2 {%3} {\n    bdd::pending\n}\n")
+        .arg(snippet.keyword, textOf(expression.get()), parameters.join(QLatin1Char(' ')));
+}
+
+}  // namespace Tamrix::TclPlugin

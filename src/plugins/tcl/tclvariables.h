@@ -1,0 +1,30 @@
+#pragma once
+
+#include "interpreter/language/languagevariables.h"
+#include "plugins/tcl/tclref.h"
+
+namespace Tamrix::TclPlugin {
+
+class TclInterpreter;
+
+/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary. What was
+/// made as a list or dictionary has members; a text that could be one has none.
+class TclVariables final : public LanguageVariables {
+public:
+    TclVariables(TclInterpreter& interpreter, LanguageDebugger& debugger)
+        : LanguageVariables(debugger), m_tcl(interpreter) {}
+
+protected:
+    void startListing() override;
+    std::vector<Member> variablesOf(int level) override;
+    Members membersOf(const Value& value, int first, int limit) override;
+    Value memberNamed(const Value& value, const QString& name) override;
+    QString textOf(const Value& value) override;
+
+private:
+    Value argument(Tcl_Obj* value);
+
+    TclInterpreter& m_tcl;
+};
+
+}  // namespace Tamrix::TclPlugin

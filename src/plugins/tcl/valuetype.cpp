@@ -1,0 +1,80 @@
+#include "plugins/tcl/valuetype.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/tclinternals.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+/// By the names that Tcl's own types have.
+constexpr struct {
+    std::string_view name;
+    ValueType type;
+} types[] = {
+    {"int", ValueType::Integer},         {"wideInt", ValueType::Integer},
+    {"bignum", ValueType::Integer},      {"double", ValueType::Double},
+    {"boolean", ValueType::Boolean},     {"booleanString", ValueType::Boolean},
+    {"list", ValueType::List},           {"dict", ValueType::Dictionary},
+    {"bytearray", ValueType::Bytes},
+};
+
+/// Whether the text of a number is the one that Tcl writes for it.
+bool isCanonical(Tcl_Obj* number) {
+    // A number without a text gets its own.
+    if (!number->bytes)
+        return true;
+    TclRef copy(Tcl_DuplicateObj(number));
+    Tcl_InvalidateStringRep(copy.get());
+    return bytesOf(copy.get()) == bytesOf(number);
+}
+
+}  // namespace
+
+ValueType typeOf(Tcl_Obj* value) {
+    if (!value->typePtr)
+        return ValueType::Text;
+    const std::string_view name = value->typePtr->name;
+    const auto* const row = std::find_if(std::begin(types), std::end(types),
+                                         [name](const auto& each) { return each.name == name; });
+    if (row == std::end(types))
+        return ValueType::Text;
+    switch (row->type) {
+        case ValueType::Integer:
+        case ValueType::Double:
+            return isCanonical(value) ? row->type : ValueType::Text;
+        case ValueType::List:
+            return isMadeAsList(value) ? row->type : ValueType::Text;
+        case ValueType::Bytes:
+            return value->bytes ? ValueType::Text : row->type;
+        default:
+            return row->type;
+    }
+}
+
+bool isPlainInteger(Tcl_Obj* value) {
+    const std::string_view bytes = bytesOf(value);
+    long long number = 0;
+    const auto [end, error] = std::from_chars(bytes.data(), bytes.data() + bytes.size(), number);
+    if (error != std::errc() || end != bytes.data() + bytes.size())
+        return false;
+    return bytes == "0" || (bytes.front() != '0' && bytes.substr(0, 2) != "-0");
+}
+
+std::optional<bool> truthWord(Tcl_Obj* value) {
+    const std::string_view bytes = bytesOf(value);
+    if (bytes.empty() || (bytes.front() >= '0' && bytes.front() <= '9') || bytes.front() == '-' ||
+        bytes.front() == '+' || bytes.front() == '.' || bytes.front() == ' ')
+        return std::nullopt;
+    int truth = 0;
+    TclRef copy(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size())));
+    if (Tcl_GetBooleanFromObj(nullptr, copy.get(), &truth) != TCL_OK)
+        return std::nullopt;
+    return truth != 0;
+}
+
+}  // namespace Tamrix::TclPlugin

@@ -1,0 +1,7 @@
+proc main {} {
+    try {
+        startApplication no_such_program
+    } trap {TAMRIX ERROR} {} {
+        test log caught ;# @caught
+    }
+}

@@ -1,0 +1,7 @@
+proc main {} {
+    error "in main" ;# @main
+}
+
+proc cleanup {} {
+    error "in cleanup" ;# @cleanup
+}

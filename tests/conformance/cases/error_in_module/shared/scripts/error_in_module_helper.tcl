@@ -1,0 +1,3 @@
+proc callBack {function} {
+    $function ;# @module
+}

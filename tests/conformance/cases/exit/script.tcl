@@ -1,0 +1,9 @@
+proc main {} {
+    test log before ;# @before
+    exit
+    test log never
+}
+
+proc cleanup {} {
+    test log cleanup ;# @cleanup
+}

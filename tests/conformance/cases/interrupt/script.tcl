@@ -1,0 +1,4 @@
+proc main {} {
+    test log looping ;# @looping
+    while {1} {}
+}

@@ -1,0 +1,5 @@
+package require modules_helper
+
+proc main {} {
+    test compare [modules_helper::count] 0 ;# @count
+}

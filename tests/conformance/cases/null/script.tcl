@@ -1,0 +1,5 @@
+proc main {} {
+    test verify [expr {[currentApplicationContext] eq ""}] ;# @null
+    test compare {} {} ;# @equal
+    test log "without a detail" {} ;# @left
+}

@@ -1,0 +1,3 @@
+proc main {} {
+    test compare [testSettings cget -waitForObjectTimeout] 20000 ;# @number
+}

@@ -1,0 +1,5 @@
+proc main {} {
+    source [findFile scripts source_more.tcl]
+    test compare [twice 21] 42 ;# @twice
+    report ;# @main
+}

@@ -1,0 +1,1 @@
+error "in the file"

@@ -1,0 +1,4 @@
+proc main {} {
+    test log before ;# @before
+    while {1} {}
+}

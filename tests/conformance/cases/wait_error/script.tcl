@@ -1,0 +1,9 @@
+proc condition {} {
+    error "no answer"
+}
+
+proc main {} {
+    if {[catch {waitFor {[condition]} 1000}]} {
+        test log caught ;# @caught
+    }
+}

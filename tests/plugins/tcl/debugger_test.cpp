@@ -1,0 +1,124 @@
+#include <functional>
+
+#include "interpreter/bridge/debugger.h"
+#include "plugins/tcl/tcltest.h"
+#include "support/inmemorymodel.h"
+#include "support/scriptedfrontend.h"
+
+namespace Tamrix {
+namespace {
+
+using namespace Test;
+
+const char* const program = R"tcl(proc inner {a} {
+    set b [expr {$a + 1}]
+    return $b
+}
+proc main {} {
+    set total 0
+    foreach x {1 2} {
+        incr total [inner $x]
+    }
+    set array(key) value
+    set list [list a [dict create k v] c]
+    if {$total > 3} {
+        set late 1
+    }
+    return $total
+}
+set global {a text}
+main
+)tcl";
+
+class TclDebugging : public TclTest {
+protected:
+    TclDebugging() : debugger(*interpreter->debugger()),
+                     frontEnd(ScriptedFrontEnd::install(debugger)) {
+        interpreter->setScriptArguments(script(), {});
+    }
+
+    /// Runs the program, stepping from its beginning; what the front end was told.
+    QString told(const std::deque<DebuggerCommand>& commands, const QString& text = program) {
+        frontEnd.commands = commands;
+        debugger.setDebuggerMode(Debugger::Step);
+        debugger.setInteractive(true);
+        error = run(text);
+        debugger.setInteractive(false);
+        return frontEnd.take(" ");
+    }
+    Look evaluate(const QString& code) {
+        return [this, code](Debugger& each) { frontEnd.told += each.evaluate(code); };
+    }
+    Look variables(const QString& path) {
+        return [this, path](Debugger& each) {
+            for (const Debugger::VariableBinding& binding : each.variables(path))
+                frontEnd.told += binding.name + ":" + binding.type + "=" + binding.value;
+        };
+    }
+    Look stack() {
+        return [this](Debugger& each) {
+            QStringList lines;
+            for (const LineInfo& position : each.callStack())
+                lines += QString::number(position.lineNumber());
+            frontEnd.told += "<" + lines.join(' ') + ">";
+        };
+    }
+
+    Debugger& debugger;
+    ScriptedFrontEnd& frontEnd;
+    QString error;
+};
+
+TEST_F(TclDebugging, StepsInOverAndOut) {
+    std::deque<DebuggerCommand> steps(12, Resume::Step);
+    EXPECT_EQ(told(steps), "1 5 17 18 6 7 8 2 3 8 2 3 10");
+    EXPECT_EQ(told({Resume::Next, Resume::Next, Resume::Next, Resume::Next}), "1 5 17 18");
+    EXPECT_EQ(told({SetBreakPoint{script(), 3}, Resume::Run, stack(), Resume::Return, stack(),
+                    DeleteBreakPoint{script(), 3}, Resume::Run}),
+              "1 " + Debugger::sanitizedFilePath(script()) + ":3 3 <3 8 18> 8 <8 18> " +
+                  Debugger::sanitizedFilePath(script()) + ":3");
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(TclDebugging, ShowsVariables) {
+    EXPECT_EQ(told({SetBreakPoint{"test.tcl", 12}, Resume::Run, variables(""),
+                    variables("+list"), variables("+list.1"), variables("+array"),
+                    variables("^1"), Resume::Run})
+                  .section(' ', 2),
+              "12 +array:dict=key value +list:list=a {k v} c total:int=5 x:string=2 "
+              "global:string=a text list.0:string=a +list.1:dict=k v list.2:string=c "
+              "list.1.[k]:string=v array.[key]:string=value ^1.global:string=a text");
+}
+
+TEST_F(TclDebugging, EvaluatesInAFrame) {
+    EXPECT_EQ(told({SetBreakPoint{"test.tcl", 3}, Resume::Run, evaluate("$b * 10"), evaluate("b"),
+                    evaluate("set b 40"), evaluate("^1 total"), evaluate("$nothing"),
+                    evaluate("inner 1"), evaluate("^7 x"), DeleteBreakPoint{"test.tcl", 3},
+                    Resume::Run})
+                  .section(' ', 2)
+                  .remove(Debugger::sanitizedFilePath(script())),
+              "3 20 2 40 0 Error: can't read \"nothing\": no such variable 2 "
+              "There is no frame 7 levels outwards :3");
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(TclDebugging, StopsForErrorsThatNothingCatches) {
+    const QString text =
+        "proc fails {} {\n"
+        "    set y 0\n"
+        "    expr {1 / $y}\n"
+        "}\n"
+        "catch {fails}\n"
+        "try {fails} on error {} {}\n"
+        "test exception {fails}\n"
+        "findFile\n";
+    EXPECT_EQ(told({Resume::Run, stack(), Resume::Run}, text),
+              "1 ScriptError=TamrixError: findFiles() requires two string arguments 8 <8>");
+    EXPECT_EQ(error, "TamrixError: findFiles() requires two string arguments");
+    EXPECT_EQ(told({Resume::Run, stack(), evaluate("y"), Resume::Run},
+                   "proc fails {} {\n    set y 0\n    expr {1 / $y}\n}\nfails\n"),
+              "1 ScriptError=Error: divide by zero 3 <3 5> 0");
+}
+
+}  // namespace
+}  // namespace Tamrix
