@@ -137,9 +137,17 @@ void JavaScriptDebugger::errorThrown(JS::HandleValue exception) {
     stopForError(text, runningFrames());
 }
 
-void JavaScriptDebugger::forgetError() {
+void JavaScriptDebugger::errorUncaught(const ScriptError& error) {
+    const bool isTold = !m_toldText.isEmpty() && error.message.contains(m_toldText);
     m_toldError.setUndefined();
     m_toldText.clear();
+    if (!stopsForErrors() || isTold || error.isSkip || error.isExit)
+        return;
+    // Its frames are left: there are lines alone.
+    std::vector<ScriptFrame> frames;
+    for (const LineInfo& place : error.callStack)
+        frames.push_back({FrameHandle(), place.fileName(), place.lineNumber(), -1, -1});
+    stopForError(error.message, std::move(frames));
 }
 
 // Frames and variables

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "interpreter/language/languagedebugger.h"
+#include "interpreter/language/languageinterpreter.h"
 #include "plugins/javascript/debuggerrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -29,8 +30,9 @@ public:
     void realmChanged();
     /// A file is about to be compiled: break points that wait for it are set.
     void noticeFile(const QString& file);
-    /// The error that was stopped for has ended the script, or was caught after all.
-    void forgetError();
+    /// An error has ended the script: stops if the debugger has not done so before. The engine does
+    /// not tell whether an asynchronous function catches an error.
+    void errorUncaught(const ScriptError& error);
 
     /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
     JS::Value evaluate(const ScriptFrame* frame, const QString& code);

@@ -331,7 +331,9 @@ bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileNa
         return succeed();
     } catch (const ScriptErrorSet&) {
         m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
-        return failWith(takeScriptError(), !fileName.isEmpty());
+        const ScriptError error = takeScriptError();
+        m_debugger->errorUncaught(error);
+        return failWith(error, !fileName.isEmpty());
     }
 }
 
@@ -387,8 +389,6 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
                                                          const QString& name, bool isCallback) {
     JSContext* const engine = engineContext();
     m_hasRunScript = true;
-    if (!isCallback)
-        m_debugger->forgetError();
     try {
         JS::RootedValueVector values(engine);
         for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
@@ -416,6 +416,8 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
     // A call that was refused has come to no line.
     if (error.callStack.empty())
         error.callStack.push_back(placeOf(function));
+    if (!isCallback)
+        m_debugger->errorUncaught(error);
     if (failWith(error))
         return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;

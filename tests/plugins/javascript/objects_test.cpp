@@ -81,7 +81,7 @@ test.verify("text" in b && !("nothing" in b));
 test.verify(Object.keys(b).includes("resize"));
 test.compare(object.properties(b).text, "Cancel");
 test.compare(object.children(object.parent(b)), [b]);
-test.compare(`${b}`, objectMap.realName(b));
+test.compare(`${b}`, "{name='ok' type='Button'}");
 test.compare(JSON.stringify({b: b.text}), '{"b":"Cancel"}');
 b.tags = [];
 )js"),

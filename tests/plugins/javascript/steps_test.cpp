@@ -120,13 +120,15 @@ TEST_F(JavaScriptFeatures, KeepsValuesByScope) {
 }
 
 TEST_F(JavaScriptFeatures, TellsWhatBecomesOfSteps) {
-    EXPECT_EQ(runSteps("", "    Given \"3\" things of 4.5 (big) ones\n    * later\n"),
-              "No Matching Step Definition: \"3\" things of 4.5 (big) ones\n"
-              "  x.feature:3\n"
-              "Given('{string} things of {float} \\\\(big) ones', (context, string1, float2) => {\n"
-              "    pending();\n"
-              "});\n\n"
-              "skipped later\n");
+    EXPECT_EQ(
+        runSteps("", "    Given \"3\" things of 4.5 (big) ones\n    * later\n"),
+        "No Matching Step Definition: \"3\" things of 4.5 (big) ones\n"
+        "  x.feature:3\n"
+        "A definition could begin so:\n"
+        "Given('{string} things of {float} \\\\(big\\\\) ones', (context, string1, float2) => {\n"
+        "    pending();\n"
+        "});\n"
+        "skipped later\n");
     EXPECT_EQ(runSteps("const helper = () => null.x;\n"
                        "Given('a', () => {\n    helper();\n});\n",
                        "    Given a\n    Then later\n"),

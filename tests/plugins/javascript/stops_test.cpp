@@ -36,6 +36,7 @@ public:
 class JavaScriptStops : public JavaScriptTest {
 protected:
     JavaScriptStops() {
+        coreApplication();
         auto own = std::make_unique<PlaceFrontEnd>();
         frontEnd = own.get();
         debugger.setFrontEnd(std::move(own));
