@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include "base/wholetext.h"
 #include "fuzz/fuzztarget.h"
 #include "fuzz/quietqt.h"
 #include "platform/objectmodel/mapfile.h"
@@ -42,8 +43,8 @@ void checkMap(const QString& text) {
 /// A new line is an entry, whatever stands in front of it, which stays what it was.
 void checkNewEntry(const QByteArray& content) {
     const QString line = QStringLiteral(":fresh entry\t{a='1'}");
-    const auto before = ObjectMap::parseSerializedMap(QString::fromUtf8(content));
-    const auto after = ObjectMap::parseSerializedMap(QString::fromUtf8(withEntry(content, line)));
+    const auto before = ObjectMap::parseSerializedMap(wholeUtf8(content));
+    const auto after = ObjectMap::parseSerializedMap(wholeUtf8(withEntry(content, line)));
     fuzzRequire(after.contains(":fresh entry"), "an entry behind others is read");
     for (auto entry = before.begin(); entry != before.end(); ++entry) {
         fuzzRequire(after.value(entry.key()).qualifiedName() == entry->qualifiedName(),
@@ -88,7 +89,7 @@ void checkScript(const QString& text) {
 int fuzzTarget(const std::uint8_t* data, std::size_t size) {
     Fuzz::silenceQt();
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
-    const QString text = QString::fromUtf8(bytes);
+    const QString text = wholeUtf8(bytes);
     if (bytes.startsWith('#')) {
         checkMap(text);
         checkNewEntry(bytes);

@@ -131,9 +131,9 @@ bool hasMeaning(const QMap<QString, ObjectName>& names, const QString& key,
     return meant && wanted && meant->qualifiedName() == wanted->qualifiedName();
 }
 
-bool hasWord(const QByteArray& text, const QString& word) {
+bool hasWord(const QString& text, const QString& word) {
     const QRegularExpression found(QStringLiteral("\\b%1\\b").arg(word));
-    return found.match(QString::fromUtf8(text)).hasMatch();
+    return found.match(text).hasMatch();
 }
 
 }  // namespace
@@ -342,7 +342,7 @@ QMap<QString, QString> GenericScriptedObjectMap::toSimplifiedRealNameMapping(
 
 QString GenericScriptedObjectMap::newKey(const ObjectName& name) {
     const Outcome<Utf8Text> script = readUtf8File(path());
-    const QByteArray text = script ? script->text.toUtf8() : QByteArray();
+    const QString text = script ? script->text : QString();
     // Whatever the script or the library means by a word, they go on to mean it.
     const QStringList taken = libraryNames();
     return keyOfVariable(newVariable(notation(), name, [&](const QString& variable) {

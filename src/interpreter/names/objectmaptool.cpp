@@ -10,6 +10,7 @@
 
 #include "base/blocking.h"
 #include "base/standardpath.h"
+#include "base/wholetext.h"
 #include "platform/objectmodel/objectmap.h"
 
 namespace Tamrix {
@@ -38,7 +39,7 @@ bool waitForEnd(QProcess& process, int timeout) {
 }
 
 QString textOf(const QByteArray& bytes) {
-    return QString::fromUtf8(bytes).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    return wholeUtf8(bytes).replace(QLatin1String("\r\n"), QLatin1String("\n"));
 }
 
 tl::unexpected<Failure> toolError(const QString& error) {

@@ -53,6 +53,7 @@ TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {
         "print('not part of the names')\n"
         "window = {'type': 'W', 'windowTitle*': 'Book*'}\n"
         "alias = window\n"
+        "nul = {'text': 'a\\0b'}\n"
         "save = dict(window, visible=True, occurrence=2)\n"
         "for word in ('Cut', 'Copy'):\n"
         "    globals()[word.lower()] = {'text': word, 'window': window}\n"
@@ -62,7 +63,8 @@ TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {
         "sys.exit(0)\n");
     ASSERT_TRUE(writeFile(QFileInfo(path).path() + "/neighbour.py", "other = {'type': 'O'}\n"));
     EXPECT_EQ(*ObjectMap::self()->symbolicNames(),
-              (QStringList{":alias", ":copy", ":cut", ":other", ":save", ":window"}));
+              (QStringList{":alias", ":copy", ":cut", ":nul", ":other", ":save", ":window"}));
+    EXPECT_EQ(realName(":nul"), QString("{text='a%1b'}").arg(QChar(0)));
     EXPECT_EQ(realName("names.cut"), "{text='Cut' window={type='W' windowTitle*='Book*'}}");
     EXPECT_EQ(realName(":save"), "{occurrence='2' type='W' visible='true' windowTitle*='Book*'}");
     EXPECT_EQ(ObjectMap::self()->symbolicName("{type='O'}"), ":other");
