@@ -110,6 +110,13 @@ TEST_F(Agents, SeeAGalleryForFewTokens) {
     EXPECT_EQ(
         QImage::fromData(QByteArray::fromBase64(Mcp::textOf(picture["data"]).toLatin1())).width(),
         200);
+    // The field for passwords: its text stands in no script.
+    const QString filled =
+        agent.act("fill", arguments({{"target", refOf(view, "QLineEdit = ")}, {"text", "s3cret"}}));
+    EXPECT_TRUE(filled.contains("testSettings.getPassword(\"password\")") &&
+                filled.contains("TAMRIX_PASSWORD_password"))
+        << filled.toStdString();
+    EXPECT_FALSE(filled.contains("s3cret"));
     const QString dial = QString::fromStdString(refOf(view, "QDial"));
     EXPECT_TRUE(
         agent.answer("drag", arguments({{"target", dial.toStdString()}, {"dx", 20}, {"dy", 20}}))

@@ -71,7 +71,9 @@ Outcome<> serveAt(const QString& socket, Serving& serving) {
         DescriptorReader reader(descriptor);
         DescriptorWriter writer(descriptor);
         serving.serve(reader, writer);
-        ::close(descriptor);
+        // Whoever asked for the end sees it by the end of the connection, behind the programs'.
+        if (Interrupt::signalNumber() == 0)
+            ::close(descriptor);
         patience = QDeadlineTimer(clientPatience);
     }
     return {};

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "platform/objectmodel/valueobject.h"

@@ -1,13 +1,51 @@
+#include "platform/objectmodel/objectclass.h"
 #include "runner/mcp/tools/acting.h"
 
 namespace Tamrix::Mcp {
 
 namespace {
 
+/// Whether the field hides what is entered.
+bool isForPasswords(const Meant& meant) {
+    const SharedPtr<Object> object =
+        meant.object
+            ? meant.object
+            : meant.application->access().findObject(ObjectName(meant.name)).value_or(nullptr);
+    const Class* const objectClass = object ? object->objectClass() : nullptr;
+    const Property* const echoMode =
+        objectClass ? objectClass->property(QStringLiteral("echoMode")) : nullptr;
+    const Outcome<SharedPtr<Object>> value =
+        echoMode ? object->readProperty(*echoMode) : SharedPtr<Object>();
+    // 0: what is entered is shown.
+    return value && *value && (*value)->toVariant().toInt() != 0;
+}
+
+/// Under which the run is handed the password: the field's own name, as far as a variable takes it.
+QString passwordKeyOf(const Meant& meant) {
+    QString key = meant.object ? meant.object->objectName() : QString();
+    for (QChar& character : key) {
+        if (character.unicode() > 'z' || !character.isLetterOrNumber())
+            character = QLatin1Char('_');
+    }
+    return key.isEmpty() ? QStringLiteral("password") : key;
+}
+
 Outcome<ToolAnswer> fill(Session& session, const Arguments& arguments) {
+    const Outcome<Meant> meant = session.meant(arguments.text("target"));
+    if (!meant)
+        return fail(meant.error());
+    const char* const function = arguments.flag("type", false) ? "typeText" : "fill";
     ActArguments others;
     others.add(arguments.text("text"));
-    return actOn(session, arguments, arguments.flag("type", false) ? "typeText" : "fill", others);
+    if (!isForPasswords(*meant))
+        return actOn(session, meant, function, others);
+    // No script contains a password.
+    const QString key = passwordKeyOf(*meant);
+    others.inScript = {ActionValue(PasswordKey{key})};
+    Outcome<ToolAnswer> answer = actOn(session, meant, function, others);
+    if (answer)
+        answer->text += QStringLiteral("runs take the password from TAMRIX_PASSWORD_%1\n").arg(key);
+    return answer;
 }
 
 }  // namespace
