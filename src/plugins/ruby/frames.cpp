@@ -126,7 +126,8 @@ void visitScriptFrames(Visit visit) {
     }
     for (std::size_t index = 0; index < count; ++index) {
         const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
-        if (isScriptFile(path) && !visit(path, stack.lines[index]))
+        // Line 0 is what lies below all scripts.
+        if (stack.lines[index] > 0 && isScriptFile(path) && !visit(path, stack.lines[index]))
             return;
     }
 }
@@ -225,8 +226,15 @@ VALUE bindingOf(const ScriptFrame& frame) {
 }
 
 std::vector<LineInfo> scriptLinesOf(VALUE exception) {
+    // Ruby tells the whole stack, also of what runs on behind a native function that has called.
+    std::vector<Line> lines = backtraceOf(exception);
+    std::vector<Line> running = linesOf(protect([] { return rb_make_backtrace(); }));
+    while (!lines.empty() && !running.empty() && lines.back().line == running.back().line &&
+           lines.back().path == running.back().path) {
+        lines.pop_back();
+        running.pop_back();
+    }
     std::vector<LineInfo> stack;
-    const std::vector<Line> lines = backtraceOf(exception);
     for (const Line& line : lines) {
         if (isScriptFile(line.path) && stack.size() < maximumStackLines)
             stack.emplace_back(scriptPath(line.path), line.line);

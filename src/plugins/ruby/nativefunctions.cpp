@@ -142,8 +142,7 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
         result =
             valueOrRaise(callNative(active, slot.function, receiver(slot, self), std::move(given)));
     }
-    if (isJumpPostponed())
-        throwPostponed();
+    throwPostponed();
     return result;
 }
 

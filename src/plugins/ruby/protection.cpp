@@ -89,15 +89,13 @@ void postponeJump() {
 }
 
 void throwPostponed() {
+    if (postponed().state == 0)
+        return;
     pending().state = postponed().state;
     pending().exception = postponed().exception;
     postponed().state = 0;
     postponed().exception.reset();
     throw ScriptErrorSet();
-}
-
-bool isJumpPostponed() {
-    return postponed().state != 0;
 }
 
 void keepNativeException(const char* text) {

@@ -34,10 +34,8 @@ bool isOrdinaryError();
 /// Keeps an exception for later that can't be raised now, as one that comes while native code
 /// waits.
 void postponeJump();
-/// Throws what was postponed.
+/// Throws what was postponed, if there is something.
 void throwPostponed();
-/// Whether something was postponed.
-bool isJumpPostponed();
 
 /// Calls `work`, which gives a VALUE and may raise. Throws ScriptErrorSet when it does. Nothing in
 /// it may have a destructor.

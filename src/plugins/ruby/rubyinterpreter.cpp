@@ -150,6 +150,7 @@ bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
     if (fileName.isEmpty() && !m_hasStarted)
         m_hasInitScripts = true;
     try {
+        throwPostponed();
         RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
         return succeed();
     } catch (const ScriptErrorSet&) {
@@ -169,6 +170,7 @@ LanguageInterpreter::CallEnd RubyInterpreter::call(const SharedPtr<ScriptArgumen
                                                    const CallArguments& arguments, const QString&,
                                                    bool isCallback) {
     try {
+        throwPostponed();
         callCallable(rubyValue(function), arguments);
         succeed();
         return CallEnd::Succeeded;

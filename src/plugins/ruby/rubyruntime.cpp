@@ -226,6 +226,11 @@ void RubyRuntime::keepState(const char* operation) {
     try {
         callMethod(m_state, operation);
     } catch (const ScriptErrorSet&) {
+        // Ctrl-C is for the script that follows.
+        if (!isOrdinaryError()) {
+            postponeJump();
+            return;
+        }
         std::fprintf(stderr, "Ruby's state: %s\n",
                      takeScriptError().message.toLocal8Bit().constData());
     }
