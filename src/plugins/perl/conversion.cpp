@@ -13,7 +13,14 @@ namespace {
 /// Perl writes surrogates as it writes any other character, which QString's UTF-8 never does.
 SvRef withSurrogates(pTHX_ const QString& text) {
     QByteArray bytes;
-    for (const uint character : text.toUcs4()) {
+    for (int index = 0; index < text.size(); ++index) {
+        uint character = text.at(index).unicode();
+        if (text.at(index).isHighSurrogate() && index + 1 < text.size() &&
+            text.at(index + 1).isLowSurrogate()) {
+            ++index;
+            character =
+                QChar::surrogateToUcs4(static_cast<ushort>(character), text.at(index).unicode());
+        }
         U8 buffer[UTF8_MAXBYTES + 1];
         const U8* const end = uvchr_to_utf8(buffer, character);
         bytes.append(reinterpret_cast<const char*>(buffer), static_cast<int>(end - buffer));

@@ -16,6 +16,8 @@ void noteExit(pTHX) {
 }
 
 OP* exitScript(pTHX) {
+    if (HeldDepartures::areHeld())
+        croak("exit() is not called from here\n");
     noteExit(aTHX);
     return s_exit(aTHX);
 }

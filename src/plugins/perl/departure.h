@@ -11,11 +11,10 @@ namespace Tamrix::PerlPlugin {
 /// Why scripts are left by what they can't catch. Nothing else of Perl passes an `eval`.
 struct Departure {
     enum class Reason {
-        Memory,     ///< Perl leaves by itself when there is no memory left
-        Exit,       ///< the script has called exit()
-        Fatal,      ///< a failure that ends the case
-        Interrupt,  ///< Ctrl-C
-        TimeLimit   ///< what the debugger shows takes too long
+        Memory,    ///< Perl leaves by itself when there is no memory left
+        Exit,      ///< the script has called exit()
+        Fatal,     ///< a failure that ends the case
+        Interrupt  ///< Ctrl-C
     };
 
     Reason reason = Reason::Memory;
@@ -24,6 +23,21 @@ struct Departure {
     bool isSkip = false;
     /// Where the script was, the innermost first.
     std::vector<LineInfo> callStack;
+};
+
+/// As long as one exists, what would leave the script dies instead: Perl leaves all code that runs,
+/// also that which goes on behind what is evaluated in between. Script thread only.
+class HeldDepartures {
+public:
+    HeldDepartures() { ++s_count; }
+    ~HeldDepartures() { --s_count; }
+    HeldDepartures(const HeldDepartures&) = delete;
+    HeldDepartures& operator=(const HeldDepartures&) = delete;
+
+    static bool areHeld() { return s_count > 0; }
+
+private:
+    inline static int s_count = 0;
 };
 
 /// Why the script is on its way out. Script thread only.

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 
 #include "plugins/perl/conversion.h"
+#include "plugins/perl/departure.h"
 #include "plugins/perl/lexicals.h"
 #include "plugins/perl/perlvaluetexts.h"
 
@@ -26,7 +27,8 @@ QString withVariables(pTHX_ const CodeFrame& frame, const QString& code) {
     int count = 0;
     for (const Lexical& each : lexicalsOf(frame)) {
         av_push(references, newRV_inc(each.variable.get()));
-        aliases += QStringLiteral("\\my %1 = $tamrix::FRAME[%2]; ").arg(each.name).arg(count++);
+        aliases += QStringLiteral("\\my %1 = $tamrix::FRAME[%2]; ")
+                       .arg(each.name, QString::number(count++));
     }
     const HV* const package = CopSTASH(frame.statement);
     return QStringLiteral(
@@ -42,6 +44,7 @@ Outcome<QString> evaluateInFrame(pTHX_ ScriptErrors& errors, const CodeFrame& fr
                                  const QString& code) {
     const SvRef text = toPerl(aTHX_ withVariables(aTHX_ frame, asReference(code)));
     SvUTF8_on(text.get());
+    const HeldDepartures held;
     const CodeEnd end = evaluateCode(aTHX_ text.get());
     av_clear(get_av("tamrix::FRAME", GV_ADD));
     switch (end.ending) {

@@ -65,6 +65,9 @@ Ending guard(pTHX_ Work& work) {
     const bool isOutermost = PL_top_env->je_prev == nullptr;
     JMPENV_PUSH(jumped);
     if (jumped == 0) {
+        // What C++ has let go since the last time.
+        if (isOutermost)
+            FREETMPS;
         runWork(aTHX_ work);
         ending = work.function ? Ending::Returned : Ending::Died;
     } else if (isOutermost) {

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <utility>
 
 #include "interpreter/language/timelimit.h"
 #include "plugins/perl/caseinterpreter.h"
@@ -31,6 +32,7 @@ StatementListener* s_listener = nullptr;
 std::atomic<bool> s_isStopRequested{false};
 std::atomic<bool> s_isInterruptRequested{false};
 std::atomic<bool> s_isTimeOver{false};
+bool s_hasTimeExpired = false;
 const char* s_stackLimit = nullptr;
 
 // Exceptions
@@ -90,9 +92,10 @@ OP* enterStatement(pTHX) {
 
 OP* enterSub(pTHX) {
     const char here = 0;
-    if (UNLIKELY(cxstack_ix > deepestContext))
+    // The hook of what dies here has its call, too: there is none while it runs.
+    if (UNLIKELY(cxstack_ix > deepestContext) && PL_diehook)
         croak("Recursion is deeper than %d calls and blocks", static_cast<int>(deepestContext));
-    if (UNLIKELY(&here < s_stackLimit) && aTHX == s_perl)
+    if (UNLIKELY(&here < s_stackLimit) && aTHX == s_perl && PL_diehook)
         croak("Recursion is too deep for the stack");
     return s_enterSub(aTHX);
 }
@@ -106,10 +109,12 @@ void leaveBecause(pTHX_ Departure::Reason reason) {
 void answerSignals(pTHX) {
     if (aTHX == s_perl) {
         if (s_isTimeOver.exchange(false) && TimeLimit::isArmed()) {
-            leaveBecause(aTHX_ Departure::Reason::TimeLimit);
-            leaveScript(aTHX);
+            s_hasTimeExpired = true;
+            croak("The time is over\n");
         }
         if (s_isInterruptRequested.exchange(false)) {
+            if (HeldDepartures::areHeld())
+                croak("Interrupted\n");
             PL_sig_pending = 0;
             leaveBecause(aTHX_ Departure::Reason::Interrupt);
             leaveScript(aTHX);
@@ -117,7 +122,11 @@ void answerSignals(pTHX) {
         if (s_isStopRequested.exchange(false) && s_listener)
             s_listener->stopRequested();
     }
-    Perl_despatch_signals(aTHX);
+    // Perl has no table of signals before a script has handlers.
+    if (PL_psig_pend)
+        Perl_despatch_signals(aTHX);
+    else
+        PL_sig_pending = 0;
 }
 
 void wakePerl() {
@@ -198,6 +207,10 @@ void setStatementListener(StatementListener* listener) {
 void requestOfScript(Request request) {
     (request == Request::Stop ? s_isStopRequested : s_isInterruptRequested) = true;
     wakePerl();
+}
+
+bool takeTimeExpired() {
+    return std::exchange(s_hasTimeExpired, false);
 }
 
 void requestTimeLimit() {

@@ -32,7 +32,9 @@ enum class Request {
     Interrupt  ///< the end of the script
 };
 void requestOfScript(Request request);
-/// A time limit is over: leaves the code as long as a TimeLimit exists.
+/// A time limit is over: the code dies, as long as a TimeLimit exists.
 void requestTimeLimit();
+/// Whether code has died for that since the last call.
+bool takeTimeExpired();
 
 }  // namespace Tamrix::PerlPlugin

@@ -17,6 +17,18 @@ void PerlDebugger::setInteractive(bool interactive) {
     setStatementListener(interactive ? this : nullptr);
 }
 
+void PerlDebugger::enterStandstill() {
+    if (m_silences++ == 0)
+        m_errorsAside = std::make_unique<ScriptErrors>(m_perl.errors());
+}
+
+void PerlDebugger::leaveStandstill() {
+    if (--m_silences > 0)
+        return;
+    m_perl.errors() = std::move(*m_errorsAside);
+    m_errorsAside.reset();
+}
+
 void PerlDebugger::interrupt() {
     requestOfScript(Request::Stop);
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <memory>
 
 #include "interpreter/language/languagedebugger.h"
 #include "plugins/perl/hooks.h"
@@ -9,6 +10,7 @@
 namespace Tamrix::PerlPlugin {
 
 class CaseInterpreter;
+class ScriptErrors;
 
 /// Perl's half of the debugger. While it is interactive it is told of each statement. An exception
 /// is seen where it is raised, and nothing catches it unless an `eval` or `try` is running.
@@ -42,8 +44,8 @@ protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override { ++m_silences; }
-    void leaveStandstill() override { --m_silences; }
+    void enterStandstill() override;
+    void leaveStandstill() override;
 
 private:
     void statementReached(pTHX_ const COP* statement) override;
@@ -53,6 +55,8 @@ private:
     /// Numbers of the files of scripts, -1 of all others.
     QHash<QByteArray, int> m_sourceIds;
     int m_silences = 0;
+    /// The exception that is on its way while others look at values.
+    std::unique_ptr<ScriptErrors> m_errorsAside;
     int m_catching = 0;
     /// The text of the error that the debugger has stopped for, until it has come to an end.
     QString m_toldText;

@@ -9,6 +9,7 @@
 
 #include "base/environment.h"
 #include "plugins/perl/conversion.h"
+#include "plugins/perl/departure.h"
 
 // Perl declares it for itself alone.
 #include <perliol.h>
@@ -118,7 +119,11 @@ void PerlRuntime::end() {
         return;
     enter();
     pTHX = std::exchange(m_perl, nullptr);
-    perl_destruct(aTHX);
+    {
+        // Nothing of Perl stands around the last objects: leaving them would end the process.
+        const HeldDepartures held;
+        perl_destruct(aTHX);
+    }
     perl_free(aTHX);
     PERL_SET_CONTEXT(nullptr);
     // Handlers of the script would run in an interpreter that is gone.

@@ -138,15 +138,17 @@ QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
 }
 
 QString PerlValueTexts::objectText(pTHX_ SV* value) {
+    const HeldDepartures held;
     return scriptText(requestTimeLimit, [&]() -> std::optional<Outcome<QString>> {
+        takeTimeExpired();
         CodeEnd end = callOwn(aTHX_ "tamrix::_text", {SvRef::borrow(value)});
+        if (takeTimeExpired())
+            return std::nullopt;
         if (end.ending == Ending::Returned)
             return PerlPlugin::textOf(aTHX_ end.value.get());
-        if (end.ending == Ending::Died)
-            return fail(FailureKind::Failed, ScriptErrors::messageOf(aTHX_ end.value.get()));
-        if (departure().reason == Departure::Reason::TimeLimit)
-            return std::nullopt;
-        return fail(FailureKind::Failed, ScriptErrors::ofDeparture(aTHX).message);
+        return fail(FailureKind::Failed, end.ending == Ending::Died
+                                             ? ScriptErrors::messageOf(aTHX_ end.value.get())
+                                             : ScriptErrors::ofDeparture(aTHX).message);
     });
 }
 

@@ -132,6 +132,13 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
     if (isSame) {
         error.callStack = m_stack;
         leaveRunningCalls(aTHX_ error.callStack);
+        // Of a module that can't be compiled only the text has the line.
+        const QString text = SvROK(value) ? QString() : PerlPlugin::textOf(aTHX_ value);
+        if (interpreter && echoExpression().match(text).hasMatch()) {
+            const LineInfo place = placeInText(text, interpreter->files());
+            if (place.isValid() && (error.callStack.empty() || error.callStack.front() != place))
+                error.callStack.insert(error.callStack.begin(), place);
+        }
     } else if (interpreter && !SvROK(value)) {
         // Code that can't be compiled has come to no line.
         const LineInfo place = placeInText(PerlPlugin::textOf(aTHX_ value), interpreter->files());
@@ -167,6 +174,7 @@ QString ScriptErrors::messageOf(pTHX_ SV* exception) {
         return QStringLiteral("An exception that is no text: ") +
                PerlArgument(SvRef::borrow(exception)).toString();
     const QString name = QString::fromUtf8(sv_reftype(SvRV(exception), 1));
+    const HeldDepartures held;
     const CodeEnd text = callOwn(aTHX_ "tamrix::_message", {SvRef::borrow(exception)});
     QString words;
     if (text.ending == Ending::Returned)
@@ -196,9 +204,6 @@ ScriptError ScriptErrors::ofDeparture(pTHX) {
         case Departure::Reason::Interrupt:
             error.message = QStringLiteral("Interrupted");
             break;
-        case Departure::Reason::TimeLimit:
-            error.message = QStringLiteral("not in time");
-            break;
     }
     // The next exit starts anew.
     STATUS_ALL_SUCCESS;
@@ -215,7 +220,7 @@ CodeEnd endOfFailure(pTHX_ const ScriptFailure& failure) {
                           failure.origin.line);
         position = origin;
     }
-    if (failure.kind == ScriptFailure::Kind::Fatal) {
+    if (failure.kind == ScriptFailure::Kind::Fatal && !HeldDepartures::areHeld()) {
         departure() = {Departure::Reason::Fatal, failure.text, failure.isSkip, stack};
         if (origin.isValid())
             departure().callStack.insert(departure().callStack.begin(), origin);

@@ -127,7 +127,7 @@ TEST_F(PerlDebugging, ShowsAndChangesVariables) {
             {"^1 $outer .= '!'; $outer", "\"of main!\""},
             {"$main::package", "3"},
             {"die \"no\\n\"", "no"},
-            {"exit 1", "The script ended with exit(1)"},
+            {"exit 1", "exit() is not called from here"},
             {"my $x = ;", "syntax error, near \"= ;\""},
             {"^9 1", "There is no frame 9 levels outwards"},
         };
