@@ -138,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(, RealRecordings, testing::ValuesIn(programs()),
 TEST_P(RealRecordings, RunAsTheyWereWritten) {
     const QTemporaryDir firstHome;
     const QTemporaryDir secondHome;
-    const Test::SuiteFolder suite;
+    const Tamrix::Test::SuiteFolder suite;
     QByteArray script;
     QStringList lines;
     {
@@ -156,7 +156,7 @@ TEST_P(RealRecordings, RunAsTheyWereWritten) {
     }
     EXPECT_GT(lines.size(), stepCount / 2) << script.constData();
     suite.write("suite/case/test.py", script);
-    Test::RunnerProcess runner;
+    Tamrix::Test::RunnerProcess runner;
     for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
         runner.setVariable(variable, secondHome.path());
     runner.setVariable("QT_IM_MODULE", "compose");

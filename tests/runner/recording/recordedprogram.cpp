@@ -63,14 +63,22 @@ RecordedProgram::RecordedProgram(const QString& program, const QStringList& argu
 
 RecordedProgram::~RecordedProgram() = default;
 
-QPoint RecordedProgram::at(const QStringList& criteria) {
+QRect RecordedProgram::boundsOf(const QStringList& criteria) {
     const Wire::ObjectInfo object = m_client->find(criteria);
-    const QVariant bounds = m_client
-                                ->request<Wire::Value>(Wire::MessageType::GlobalBounds,
-                                                       Wire::ObjectHandle{object.handle})
-                                .value;
     EXPECT_NE(object.handle, 0U) << qPrintable(criteria.join(' '));
-    return bounds.toRect().center();
+    return m_client
+        ->request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{object.handle})
+        .value.toRect();
+}
+
+QPoint RecordedProgram::at(const QStringList& criteria) {
+    return boundsOf(criteria).center();
+}
+
+QPoint RecordedProgram::leftOf(const QStringList& criteria) {
+    constexpr int inside = 8;
+    const QRect bounds = boundsOf(criteria);
+    return {bounds.left() + inside, bounds.center().y()};
 }
 
 QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
@@ -88,14 +96,15 @@ QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
 
 void RecordedProgram::click(const QPoint& point, Qt::MouseButton button,
                             Qt::KeyboardModifiers modifiers, int count) {
-    m_input->withModifiers(modifiers, [&] {
+    const Outcome<> done = m_input->withModifiers(modifiers, [&] {
         return m_input->click(point, Wire::MouseStyle{button, Qt::NoModifier}, count);
     });
+    EXPECT_TRUE(done);
     sync();
 }
 
 void RecordedProgram::drag(const QPoint& from, const QPoint& to) {
-    m_input->drag(from, to, {});
+    EXPECT_TRUE(m_input->drag(from, to, {}));
     sync();
 }
 
@@ -114,13 +123,13 @@ void RecordedProgram::wheel(const QPoint& point, bool isUp) {
 }
 
 void RecordedProgram::type(const QString& text) {
-    m_input->type(text);
+    EXPECT_TRUE(m_input->type(text));
     sync();
 }
 
 void RecordedProgram::press(const QString& keys) {
     QString error;
-    m_input->pressCombination(Wire::parseKeys(keys, &error));
+    EXPECT_TRUE(m_input->pressCombination(Wire::parseKeys(keys, &error)));
     EXPECT_EQ(error, QString());
     sync();
 }

@@ -118,13 +118,13 @@ const Step steps[] = {
      {R"(selectItem("{name='tabs' type='QTabWidget'}", "Choices"))"}},
     {"a check box, and back by its mnemonic",
      [](RecordedProgram& program) {
-         program.click({"type=QCheckBox"});
+         program.click(program.leftOf({"type=QCheckBox"}));
          program.press("Alt+L");
      },
      {R"(check("{text='Loud' type='QCheckBox'}"))", R"(click("{text='Loud' type='QCheckBox'}"))"}},
     {"a radio button",
      [](RecordedProgram& program) {
-         program.click({"type=QRadioButton", "text=Blue"});
+         program.click(program.leftOf({"type=QRadioButton", "text=Blue"}));
      },
      {R"(check("{text='Blue' type='QRadioButton'}"))"}},
     {"a combo box by the mouse",
@@ -252,7 +252,7 @@ class Recordings : public QtTest {};
 TAMRIX_FOR_EACH_QT(Recordings);
 
 TEST_P(Recordings, DoTheSameOnceMore) {
-    const Test::SuiteFolder suite;
+    const Tamrix::Test::SuiteFolder suite;
     const QString program =
         TAMRIX_TEST_PREFIX "/tests/targets/" + forQt("recorder_target", GetParam());
     QByteArray script;
@@ -267,13 +267,14 @@ TEST_P(Recordings, DoTheSameOnceMore) {
     }
     EXPECT_FALSE(script.contains("topsecret"));
     suite.write("suite/case/test.py", script);
-    Test::RunnerProcess runner;
+    Tamrix::Test::RunnerProcess runner;
     runner.setVariable("TAMRIX_PASSWORD_Password", "topsecret");
     runner.run({"run", suite.path("suite"), "--aut-display", "auto", "--result-dir",
                 suite.path("results")});
     EXPECT_EQ(runner.exitCode(), 0)
         << qPrintable(runner.output()) << qPrintable(runner.errors()) << script.constData();
-    EXPECT_EQ(Test::readFile(suite.path("second")), Test::readFile(suite.path("first")));
+    EXPECT_EQ(Tamrix::Test::readFile(suite.path("second")),
+              Tamrix::Test::readFile(suite.path("first")));
 }
 
 }  // namespace
