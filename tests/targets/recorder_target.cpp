@@ -91,8 +91,11 @@ QWidget* makeFields() {
     auto* const completer = new QCompleter({QStringLiteral("Anna"), QStringLiteral("Berta")}, name);
     name->setCompleter(completer);
     form->addRow(QStringLiteral("&Name:"), name);
-    QObject::connect(name, &QLineEdit::editingFinished,
-                     [name] { log(QStringLiteral("name ") + name->text()); });
+    QObject::connect(name, &QLineEdit::editingFinished, [name, told = QString()]() mutable {
+        if (name->text() != told)
+            log(QStringLiteral("name ") + name->text());
+        told = name->text();
+    });
     auto* const code = withName(new QLineEdit, "code");
     code->setInputMask(QStringLiteral("99-99"));
     form->addRow(code);

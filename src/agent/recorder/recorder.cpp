@@ -280,6 +280,10 @@ void Recorder::takePress(QWindow* window, const QMouseEvent& event) {
     }
     Wire::ObservedPress press;
     press.object = observed(element);
+    // Beside what acts in it, it is but a place.
+    const QRect acting = element.toolkit->clickArea(element, ClickPurpose::Use);
+    if (press.object.role == ObservedRole::Control && !acting.contains(position))
+        press.object.role = ObservedRole::Place;
     tellState(element);
     if (const std::optional<RecordedWay> way = element.toolkit->wayTo(element)) {
         press.holder = observed(way->holder);
@@ -373,7 +377,12 @@ void Recorder::takeShown(QObject* object) {
     const Element shown = Session::self()->element(object);
     if (shown.isNull() || shown.object != object || shown.toolkit->window(shown) == shown)
         return;
-    const Element hovered = usedAt(m_mouseWindow, m_mouse, Qt::NoButton);
+    Element hovered = usedAt(m_mouseWindow, m_mouse, Qt::NoButton);
+    // It may have come up right under the mouse.
+    if (!hovered.isNull() && isWithin(hovered.object, object)) {
+        const Element around = shown.toolkit->parent(shown);
+        hovered = around.isNull() ? around : around.toolkit->meant(around);
+    }
     if (!hovered.isNull())
         m_revealed.append({object, observed(hovered)});
 }

@@ -259,9 +259,12 @@ void ActionMerger::take(const Wire::ObservedKey& key, qint64 now) {
     const auto* const click = std::get_if<HeldClick>(&m_held);
     const bool isFocused = click && click->isFocusing && click->handle == focus.handle;
     const auto* const typing = std::get_if<Typing>(&m_held);
+    const auto* const value = std::get_if<HeldValue>(&m_held);
+    const bool goesOn = (typing && typing->focus.handle == focus.handle) ||
+                        (value && value->object.handle == focus.handle && !isField(focus.role));
     if (isFocused)
         m_held = {};
-    else if (!typing || typing->focus.handle != focus.handle)
+    else if (!goesOn)
         flush();
     // 3. What may change a value.
     if (focus.role == ObservedRole::Choice || focus.role == ObservedRole::Slider) {

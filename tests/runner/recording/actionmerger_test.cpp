@@ -252,7 +252,10 @@ struct Merged {
     ActionMerger merger{[this](const ScriptAction& action) {
                             lines.append(PythonPlugin::PythonRecorder().lines(action).trimmed());
                         },
-                        [](const Query& name) { return nameOfQuery(name).qualifiedName(); }};
+                        [](const Query& name) {
+                            const ObjectName found = nameOfQuery(name);
+                            return found.isValid() ? found.qualifiedName() : QString();
+                        }};
 };
 
 TEST(ActionMerger, MakesLines) {

@@ -63,14 +63,22 @@ RecordedProgram::RecordedProgram(const QString& program, const QStringList& argu
 
 RecordedProgram::~RecordedProgram() = default;
 
-QPoint RecordedProgram::at(const QStringList& criteria) {
+QRect RecordedProgram::boundsOf(const QStringList& criteria) {
     const Wire::ObjectInfo object = m_client->find(criteria);
-    const QVariant bounds = m_client
-                                ->request<Wire::Value>(Wire::MessageType::GlobalBounds,
-                                                       Wire::ObjectHandle{object.handle})
-                                .value;
     EXPECT_NE(object.handle, 0U) << qPrintable(criteria.join(' '));
-    return bounds.toRect().center();
+    return m_client
+        ->request<Wire::Value>(Wire::MessageType::GlobalBounds, Wire::ObjectHandle{object.handle})
+        .value.toRect();
+}
+
+QPoint RecordedProgram::at(const QStringList& criteria) {
+    return boundsOf(criteria).center();
+}
+
+QPoint RecordedProgram::leftOf(const QStringList& criteria) {
+    constexpr int inside = 8;
+    const QRect bounds = boundsOf(criteria);
+    return {bounds.left() + inside, bounds.center().y()};
 }
 
 QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
@@ -88,9 +96,10 @@ QPoint RecordedProgram::itemAt(const QStringList& view, const QString& text) {
 
 void RecordedProgram::click(const QPoint& point, Qt::MouseButton button,
                             Qt::KeyboardModifiers modifiers, int count) {
-    EXPECT_TRUE(m_input->withModifiers(modifiers, [&] {
+    const Outcome<> done = m_input->withModifiers(modifiers, [&] {
         return m_input->click(point, Wire::MouseStyle{button, Qt::NoModifier}, count);
-    }));
+    });
+    EXPECT_TRUE(done);
     sync();
 }
 

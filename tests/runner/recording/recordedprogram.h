@@ -28,6 +28,8 @@ public:
 
     // Where something is, on the screen: its middle.
     QPoint at(const QStringList& criteria);
+    /// The middle of its left edge, a little inside.
+    QPoint leftOf(const QStringList& criteria);
     QPoint itemAt(const QStringList& view, const QString& text);
 
     // What a person does. Each waits until the program is at rest.
@@ -50,6 +52,7 @@ public:
     QByteArray script(const QString& commandLine) const;
 
 private:
+    QRect boundsOf(const QStringList& criteria);
     void collect();
 
     TestDisplay m_display;

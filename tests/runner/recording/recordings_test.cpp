@@ -118,13 +118,13 @@ const Step steps[] = {
      {R"(selectItem("{name='tabs' type='QTabWidget'}", "Choices"))"}},
     {"a check box, and back by its mnemonic",
      [](RecordedProgram& program) {
-         program.click({"type=QCheckBox"});
+         program.click(program.leftOf({"type=QCheckBox"}));
          program.press("Alt+L");
      },
      {R"(check("{text='Loud' type='QCheckBox'}"))", R"(click("{text='Loud' type='QCheckBox'}"))"}},
     {"a radio button",
      [](RecordedProgram& program) {
-         program.click({"type=QRadioButton", "text=Blue"});
+         program.click(program.leftOf({"type=QRadioButton", "text=Blue"}));
      },
      {R"(check("{text='Blue' type='QRadioButton'}"))"}},
     {"a combo box by the mouse",
