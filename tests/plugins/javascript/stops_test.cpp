@@ -8,6 +8,7 @@
 
 #include "interpreter/bridge/debugger.h"
 #include "plugins/javascript/javascripttest.h"
+#include "runner/coreapplication.h"
 #include "support/golden.h"
 #include "support/scriptedfrontend.h"
 
