@@ -1,6 +1,7 @@
 #include "interpreter/bridge/debugger.h"
 
 #include "plugins/perl/perltest.h"
+#include "runner/coreapplication.h"
 #include "support/scriptedfrontend.h"
 
 namespace Tamrix {
@@ -11,7 +12,11 @@ using namespace Test;
 /// Perl's debugger is driven through Debugger alone, and seen through a front end.
 class PerlDebugging : public PerlTest {
 protected:
-    PerlDebugging() : debugger(interpreter->debugger()) { load(text); }
+    PerlDebugging() : debugger(interpreter->debugger()) {
+        // Listings of variables serve events.
+        coreApplication();
+        load(text);
+    }
 
     void load(const QByteArray& code) {
         EXPECT_TRUE(writeFile(script(), code));
