@@ -10,8 +10,12 @@ namespace Tamrix::TclPlugin {
 namespace {
 
 const char* const variable = "::errorInfo";
-/// With these words Tcl tells of the command that has failed, or has called one that has.
-constexpr std::string_view marks[] = {"\n    while ", "\n    invoked from within"};
+/// With these words Tcl tells of the command that has failed, and of those that have called it.
+constexpr std::string_view failedMark = "\n    while ";
+constexpr std::string_view calledMark = "\n    invoked from within\n\"";
+constexpr std::string_view commandMark = "\n\"";
+/// So much of a command is looked at.
+constexpr std::size_t longestCommand = 60;
 /// So many errors may be caught before one is raised once more.
 constexpr std::size_t mostNotes = 16;
 
@@ -45,13 +49,31 @@ char* ErrorNotes::variableChanged(void* self, Tcl_Interp* interp, const char*, c
 
 void ErrorNotes::notice() {
     Tcl_Obj* const written = Tcl_GetVar2Ex(m_interp, variable, nullptr, TCL_GLOBAL_ONLY);
-    const std::string_view errorInfo = written ? bytesOf(written) : std::string_view();
-    const bool tells = std::any_of(std::begin(marks), std::end(marks), [&](std::string_view mark) {
-        return errorInfo.find(mark) != std::string_view::npos;
-    });
-    if (!tells || find(errorInfo))
+    // Tcl writes it once more when it forgets the error.
+    if (written && written == m_last.get())
         return;
-    std::vector<TclFrame> frames = framesAtError(m_interp);
+    m_last = TclRef(written);
+    const std::string_view errorInfo = written ? bytesOf(written) : std::string_view();
+    const std::size_t failed = errorInfo.find(failedMark);
+    const bool isPassedOn = errorInfo.find(calledMark) != std::string_view::npos;
+    if (failed == std::string_view::npos && !isPassedOn)
+        return;
+    if (isPassedOn && find(errorInfo))
+        return;
+    // The same error may have been raised elsewhere before.
+    std::erase_if(m_notes, [&](const Note& each) { return each.errorInfo == errorInfo.data(); });
+    std::vector<TclFrame> frames;
+    if (isPassedOn) {
+        frames = runningFrames(m_interp);
+    } else {
+        const std::size_t begin = errorInfo.find(commandMark, failed);
+        std::string_view command =
+            begin == std::string_view::npos ? "" : errorInfo.substr(begin + commandMark.size());
+        command = command.substr(0, command.find('\n')).substr(0, longestCommand);
+        if (!command.empty() && command.size() < longestCommand && command.back() == '"')
+            command.remove_suffix(1);
+        frames = framesAtError(m_interp, command);
+    }
     m_notes.push_front(
         {QByteArray(errorInfo.data(), static_cast<int>(errorInfo.size())), frames});
     if (m_notes.size() > mostNotes)

@@ -39,6 +39,8 @@ private:
 
     Tcl_Interp* m_interp;
     std::function<void(const std::vector<TclFrame>&)> m_raised;
+    /// What was written last.
+    TclRef m_last;
     /// The last ones, the newest in front.
     std::deque<Note> m_notes;
 };

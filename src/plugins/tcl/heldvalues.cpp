@@ -5,6 +5,7 @@
 #include "base/overloaded.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -134,6 +135,9 @@ TclRef HeldValues::nameOf(const SharedPtr<TestDataSet>& set) {
 }
 
 const HeldValues::Held* HeldValues::find(Tcl_Obj* name) const {
+    // Bytes would not be any more what they were made as.
+    if (typeOf(name) != ValueType::Text)
+        return nullptr;
     const std::string_view bytes = bytesOf(name);
     if (!hasPrefix(bytes))
         return nullptr;
@@ -141,6 +145,8 @@ const HeldValues::Held* HeldValues::find(Tcl_Obj* name) const {
 }
 
 SharedPtr<TestDataSet> HeldValues::setOfRecord(Tcl_Obj* name) const {
+    if (typeOf(name) != ValueType::Text)
+        return {};
     const Held* const held = m_byName.value(partsOfRecord(bytesOf(name)).first);
     const auto* const set = held ? std::get_if<SharedPtr<TestDataSet>>(&held->value) : nullptr;
     return set ? *set : SharedPtr<TestDataSet>();
@@ -148,8 +154,8 @@ SharedPtr<TestDataSet> HeldValues::setOfRecord(Tcl_Obj* name) const {
 
 const TestDataRecord* HeldValues::findRecord(Tcl_Obj* name) const {
     const SharedPtr<TestDataSet> set = setOfRecord(name);
-    const int index = partsOfRecord(bytesOf(name)).second;
-    return set && index >= 0 && index < set->count() ? set->record(index) : nullptr;
+    const int index = set ? partsOfRecord(bytesOf(name)).second : -1;
+    return index >= 0 && index < set->count() ? set->record(index) : nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

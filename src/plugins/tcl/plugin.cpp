@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/tclruntime.h"
 
 /// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error, when
 /// Tcl can't be started.
@@ -13,6 +14,8 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         return new Tamrix::TclPlugin::TclInterpreter(runner);
     } catch (const std::exception& exception) {
         std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", exception.what());
-        return nullptr;
+    } catch (const Tamrix::TclPlugin::TclPanic& panic) {
+        std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", panic.text);
     }
+    return nullptr;
 }

@@ -65,15 +65,15 @@ Tcl_ChannelType channelType(Tcl_DriverInputProc* read, Tcl_DriverOutputProc* wri
     return type;
 }
 
-void install(Tcl_Interp* interp, const Tcl_ChannelType& type, const char* name, int mode, int which,
-             Stream* stream) {
+Tcl_Channel makeStandard(const Tcl_ChannelType& type, const char* name, int mode, int which,
+                         Stream* stream) {
     const Tcl_Channel channel = Tcl_CreateChannel(&type, name, stream, mode);
     Tcl_SetChannelOption(nullptr, channel, "-encoding", "utf-8");
     Tcl_SetChannelOption(nullptr, channel, "-translation", "lf");
     // What is written stands in order with the results.
     Tcl_SetChannelOption(nullptr, channel, "-buffering", mode == TCL_WRITABLE ? "none" : "line");
-    Tcl_RegisterChannel(interp, channel);
     Tcl_SetStdChannel(channel, which);
+    return channel;
 }
 
 }  // namespace
@@ -81,12 +81,17 @@ void install(Tcl_Interp* interp, const Tcl_ChannelType& type, const char* name, 
 void installChannels(Tcl_Interp* interp, ScriptOutput& output) {
     static const Tcl_ChannelType s_input = channelType(readStream, refuseWrite);
     static const Tcl_ChannelType s_output = channelType(refuseRead, writeStream);
-    install(interp, s_input, "stdin", TCL_READABLE, TCL_STDIN,
-            new Stream{&output, ScriptOutput::Stdout});
-    install(interp, s_output, "stdout", TCL_WRITABLE, TCL_STDOUT,
-            new Stream{&output, ScriptOutput::Stdout});
-    install(interp, s_output, "stderr", TCL_WRITABLE, TCL_STDERR,
-            new Stream{&output, ScriptOutput::Stderr});
+    // An interpreter takes all three with the first one: so they are made before.
+    const Tcl_Channel channels[] = {
+        makeStandard(s_input, "stdin", TCL_READABLE, TCL_STDIN,
+                     new Stream{&output, ScriptOutput::Stdout}),
+        makeStandard(s_output, "stdout", TCL_WRITABLE, TCL_STDOUT,
+                     new Stream{&output, ScriptOutput::Stdout}),
+        makeStandard(s_output, "stderr", TCL_WRITABLE, TCL_STDERR,
+                     new Stream{&output, ScriptOutput::Stderr}),
+    };
+    for (const Tcl_Channel channel : channels)
+        Tcl_RegisterChannel(interp, channel);
 }
 
 }  // namespace Tamrix::TclPlugin

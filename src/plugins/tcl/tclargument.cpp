@@ -47,9 +47,10 @@ TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
 // Type tests
 
 QString TclArgument::typeName() const {
+    const ValueType type = typeOf(value());
     if (const HeldValues::Held* const held = m_interpreter.values().find(value()))
         return nameOfKind(*held);
-    return QLatin1String(nameOf(typeOf(value())));
+    return QLatin1String(nameOf(type));
 }
 
 bool TclArgument::isBool() const {
@@ -108,6 +109,9 @@ bool TclArgument::isClass() const {
 }
 
 bool TclArgument::isCallable() const {
+    const ValueType type = typeOf(value());
+    if (type != ValueType::Text && type != ValueType::List)
+        return false;
     int count = 0;
     Tcl_Obj** words = nullptr;
     const TclRef copy = copyOf(value());
@@ -121,7 +125,8 @@ bool TclArgument::isList() const {
     const ValueType type = typeOf(value());
     if (type != ValueType::Text)
         return type == ValueType::List;
-    return Tcl_ListObjLength(nullptr, copyOf(value()).get(), &count) == TCL_OK;
+    // A single word is no list, unless it was made as one.
+    return Tcl_ListObjLength(nullptr, copyOf(value()).get(), &count) == TCL_OK && count != 1;
 }
 
 bool TclArgument::isMap() const {
@@ -152,9 +157,10 @@ double TclArgument::toDouble() const {
 
 long long TclArgument::toInt() const {
     Tcl_WideInt number = 0;
-    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK)
-        return number;
     const double fraction = toDouble();
+    // Tcl takes unsigned integers of 64 bits for negative ones.
+    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK && (number < 0) == (fraction < 0))
+        return number;
     constexpr double limit = 9223372036854775808.0;  // 2^63
     if (fraction >= -limit && fraction < limit)
         return static_cast<long long>(fraction);

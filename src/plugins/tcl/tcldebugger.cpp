@@ -72,29 +72,32 @@ void TclDebugger::interrupt() {
 
 // Lines
 
-int TclDebugger::traceCommand(void* self, Tcl_Interp*, int, const char*, Tcl_Command, int,
+int TclDebugger::traceCommand(void* self, Tcl_Interp*, int depth, const char*, Tcl_Command, int,
                               Tcl_Obj* const*) {
     auto* const debugger = static_cast<TclDebugger*>(self);
     if (debugger->m_pauses == 0)
-        debugger->commandReached();
+        debugger->commandReached(depth);
     return TCL_OK;
 }
 
-bool TclDebugger::isNewLine(const TclFrame& frame) {
-    while (!m_lines.empty() && m_lines.back().level > frame.level)
+bool TclDebugger::isNewLine(const TclFrame& frame, int depth) {
+    while (!m_lines.empty() && m_lines.back().frame.level > frame.level)
         m_lines.pop_back();
-    if (!m_lines.empty() && m_lines.back().level == frame.level) {
-        if (m_lines.back() == frame)
+    if (!m_lines.empty() && m_lines.back().frame.level == frame.level) {
+        const auto& [last, lastDepth] = m_lines.back();
+        // The same command once more is the next round of a loop, unless it is an ensemble's own.
+        const bool isRepeated = last.command == frame.command && depth <= lastDepth;
+        if (last.line == frame.line && last.file == frame.file && !isRepeated)
             return false;
         m_lines.pop_back();
     }
-    m_lines.push_back(frame);
+    m_lines.push_back({frame, depth});
     return true;
 }
 
-void TclDebugger::commandReached() {
+void TclDebugger::commandReached(int depth) {
     const std::vector<TclFrame> frames = m_tcl.frames();
-    if (frames.empty() || !isNewLine(frames.front()))
+    if (frames.empty() || !isNewLine(frames.front(), depth))
         return;
     const StateAside aside(m_tcl.tcl());
     if (m_isInterrupted.exchange(false))

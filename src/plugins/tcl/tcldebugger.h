@@ -52,8 +52,8 @@ protected:
 private:
     static int traceCommand(void* self, Tcl_Interp* interp, int level, const char* text,
                             Tcl_Command command, int count, Tcl_Obj* const* words);
-    void commandReached();
-    bool isNewLine(const TclFrame& frame);
+    void commandReached(int depth);
+    bool isNewLine(const TclFrame& frame, int depth);
     bool isCaught() const;
     static std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames);
 
@@ -62,8 +62,13 @@ private:
     int m_pauses = 0;
     int m_catching = 0;
     std::atomic<bool> m_isInterrupted{false};
+    struct Line {
+        TclFrame frame;
+        /// Of the first command on it.
+        int depth;
+    };
     /// The line at which each frame was last, the outermost first.
-    std::vector<TclFrame> m_lines;
+    std::vector<Line> m_lines;
 };
 
 }  // namespace Tamrix::TclPlugin

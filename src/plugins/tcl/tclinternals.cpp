@@ -112,41 +112,90 @@ std::optional<Place> placeOf(const Interp& interp, const CmdFrame& frame) {
     return Place{frame.data.eval.path, frame.line[0]};
 }
 
-/// The place of the command that has just failed: it knows its line in the source of its code, and
-/// not always the instruction.
-std::optional<Place> placeOfError(const Interp& interp, const CmdFrame& frame) {
-    const int line = interp.errorLine;
-    if (frame.type == TCL_LOCATION_SOURCE)
-        return Place{frame.data.eval.path, line};
+/// The beginning of a command, which tells it from others of its code.
+const char* commandOf(const CmdFrame& frame) {
     const ByteCode* const code = codeOf(frame);
-    const ExtCmdLoc* const lines = code ? linesOf(interp, *code) : nullptr;
-    if (!lines || lines->type != TCL_LOCATION_SOURCE || lines->nuloc == 0 ||
-        lines->loc[0].nline == 0)
-        return std::nullopt;
-    const ECL& first = lines->loc[0];
-    const auto before = std::count(code->source, code->source + first.srcOffset, '\n');
-    return Place{lines->path, first.line[0] - static_cast<int>(before) + line - 1};
+    if (!code)
+        return frame.cmd;
+    const std::optional<SourceRange> range = runningRange(*code, frame.data.tebc.pc);
+    return range ? code->source + range->begin : nullptr;
 }
 
-std::vector<TclFrame> framesOf(Tcl_Interp* interp, bool isAtError) {
-    const Interp& own = *reinterpret_cast<Interp*>(interp);
+/// Whether a line of the source of compiled code, counted from 1, has the text in it.
+bool hasInLine(const ByteCode& code, int line, std::string_view text) {
+    std::string_view source(code.source, static_cast<std::size_t>(code.numSrcBytes));
+    for (int count = 1; count < line; ++count) {
+        const std::size_t end = source.find('\n');
+        if (end == std::string_view::npos)
+            return false;
+        source.remove_prefix(end + 1);
+    }
+    return source.substr(0, source.find('\n')).find(text) != std::string_view::npos;
+}
+
+/// The place of a line in the source of compiled code.
+std::optional<Place> placeOfLine(const ExtCmdLoc& lines, const ByteCode& code, int line) {
+    if (lines.type != TCL_LOCATION_SOURCE || lines.nuloc == 0 || lines.loc[0].nline == 0)
+        return std::nullopt;
+    const ECL& first = lines.loc[0];
+    const auto before = std::count(code.source, code.source + first.srcOffset, '\n');
+    return Place{lines.path, first.line[0] - static_cast<int>(before) + line - 1};
+}
+
+/// The place of a command that has just failed in compiled code. Of the running code that has a
+/// frame only while it calls something, so it is looked for: code that runs, with the command at the
+/// line that Tcl tells.
+std::optional<Place> placeOfFailure(Interp& interp, std::string_view command) {
+    const Proc* const procedure = interp.framePtr ? interp.framePtr->procPtr : nullptr;
+    std::optional<Place> found;
+    Tcl_HashSearch search;
+    for (Tcl_HashEntry* entry = Tcl_FirstHashEntry(interp.lineBCPtr, &search); entry;
+         entry = Tcl_NextHashEntry(&search)) {
+        const auto& code =
+            *reinterpret_cast<const ByteCode*>(Tcl_GetHashKey(interp.lineBCPtr, entry));
+        const auto& lines = *static_cast<const ExtCmdLoc*>(Tcl_GetHashValue(entry));
+        // Code that runs is held beside its value.
+        if (code.refCount < 2 || !hasInLine(code, interp.errorLine, command))
+            continue;
+        const std::optional<Place> place = placeOfLine(lines, code, interp.errorLine);
+        const bool isBody = procedure && code.procPtr == procedure;
+        if (place && (isBody || !found))
+            found = place;
+        if (place && isBody)
+            break;
+    }
+    return found;
+}
+
+/// What the frames begin with.
+struct Innermost {
+    std::optional<Place> place;
+    const CallFrame* level = nullptr;
+};
+
+std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
+                               const Innermost& innermost) {
     std::vector<TclFrame> found;
     const CallFrame* level = nullptr;
-    bool isLevelFound = false;
-    for (const CmdFrame* frame = own.cmdFramePtr; frame; frame = frame->nextPtr) {
-        const bool isFailed = isAtError && frame == own.cmdFramePtr;
-        if (frame->framePtr != level)
-            isLevelFound = false;
-        level = frame->framePtr;
-        if (isLevelFound)
-            continue;
-        const std::optional<Place> place =
-            isFailed ? placeOfError(own, *frame) : placeOf(own, *frame);
+    Tcl_Obj* path = nullptr;
+    const auto add = [&](const CallFrame* callFrame, const Place& place, const char* command) {
+        level = callFrame;
+        path = place.path;
+        found.push_back({callFrame ? static_cast<int>(callFrame->level) : 0, textOf(place.path),
+                         place.line, command});
+    };
+    if (innermost.place && innermost.place->path)
+        add(innermost.level, *innermost.place, nullptr);
+    for (; frame; frame = frame->nextPtr) {
+        const std::optional<Place> place = placeOf(own, *frame);
         if (!place || !place->path)
             continue;
-        isLevelFound = true;
-        found.push_back({level ? static_cast<int>(level->level) : 0, textOf(place->path),
-                         place->line});
+        // Of the code at one level the innermost command counts, also that of a file for another one
+        // that has sourced it.
+        const bool isSame = !found.empty() && frame->framePtr == level &&
+                            bytesOf(place->path) == bytesOf(path);
+        if (!isSame)
+            add(frame->framePtr, *place, commandOf(*frame));
     }
     return found;
 }
@@ -154,11 +203,18 @@ std::vector<TclFrame> framesOf(Tcl_Interp* interp, bool isAtError) {
 }  // namespace
 
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp) {
-    return framesOf(interp, false);
+    const Interp& own = *reinterpret_cast<Interp*>(interp);
+    return framesOf(own.cmdFramePtr, own, {});
 }
 
-std::vector<TclFrame> framesAtError(Tcl_Interp* interp) {
-    return framesOf(interp, true);
+std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command) {
+    Interp& own = *reinterpret_cast<Interp*>(interp);
+    const CmdFrame* const frame = own.cmdFramePtr;
+    // A command at the top level of a file has lost its lines, but knows which one it was.
+    if (frame && frame->type == TCL_LOCATION_SOURCE && !frame->line)
+        return framesOf(frame->nextPtr, own,
+                        {Place{frame->data.eval.path, own.errorLine}, frame->framePtr});
+    return framesOf(frame, own, {placeOfFailure(own, command), own.framePtr});
 }
 
 std::vector<QByteArray> runningCommands(Tcl_Interp* interp) {
@@ -189,7 +245,7 @@ int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path
         ~Restore() { interp.scriptFile = before; }
     } const restore{own, own.scriptFile};
     own.scriptFile = file.get();
-    own.evalFlags |= TCL_EVAL_FILE;
+    own.evalFlags |= TCL_EVAL_FILE | TCL_ALLOW_EXCEPTIONS;
     return Tcl_EvalEx(interp, text.constData(), text.size(), TCL_EVAL_GLOBAL);
 }
 
@@ -201,7 +257,7 @@ TclFrame definitionOf(Tcl_Interp* interp, const char* procedure) {
     const auto* const body = entry ? static_cast<const CmdFrame*>(Tcl_GetHashValue(entry)) : nullptr;
     if (!body || body->type != TCL_LOCATION_SOURCE || !body->line || !body->data.eval.path)
         return {};
-    return {0, textOf(body->data.eval.path), body->line[0]};
+    return {0, textOf(body->data.eval.path), body->line[0], nullptr};
 }
 
 bool isProcedure(Tcl_Interp* interp, const char* name) {

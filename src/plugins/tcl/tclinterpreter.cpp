@@ -263,7 +263,7 @@ int TclInterpreter::failAsPending() {
 }
 
 bool TclInterpreter::isUnwinding() const {
-    return Tcl_Canceled(m_tcl, 0) == TCL_ERROR;
+    return TclRuntime::self().isEnding() || Tcl_Canceled(m_tcl, 0) == TCL_ERROR;
 }
 
 // The script
@@ -276,11 +276,12 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
     if (known)
         Tcl_ListObjAppendList(nullptr, entries.get(), known);
     Tcl_SetVar2Ex(m_tcl, "::auto_path", nullptr, entries.get(), TCL_GLOBAL_ONLY);
-    // Modules in files of their own.
-    const TclRef command = toTcl(QStringList({"::tcl::tm::path", "add"}) + QStringList(textOf(path.get())));
-    return Tcl_EvalObjEx(m_tcl, command.get(), TCL_EVAL_GLOBAL) == TCL_OK
-               ? QString()
-               : textOf(Tcl_GetObjResult(m_tcl));
+    // Modules in files of their own; a folder in one that is there already need not be added.
+    const TclRef command =
+        toTcl(QStringList({"::tcl::tm::path", "add", textOf(path.get())}));
+    Tcl_EvalObjEx(m_tcl, command.get(), TCL_EVAL_GLOBAL);
+    Tcl_ResetResult(m_tcl);
+    return {};
 }
 
 void TclInterpreter::startScript(const QString& path, const QStringList& arguments,
@@ -363,6 +364,14 @@ template <typename Code>
 int TclInterpreter::guarded(Code code) {
     if (!m_panic.isEmpty())
         return TCL_ERROR;
+    struct Depth {
+        int& depth;
+        explicit Depth(int& counter) : depth(counter) { ++depth; }
+        ~Depth() { --depth; }
+    } const depth(m_depth);
+    // What ended one run of the script is no matter to the next, as to its clean-up.
+    if (m_depth == 1)
+        TclRuntime::self().forgetEnd();
     try {
         return code();
     } catch (const ScriptErrorSet&) {
@@ -377,6 +386,7 @@ bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
     if (fileName.isEmpty() && !m_hasScript)
         m_initScripts.append(text);
     const int code = guarded([&] {
+        Tcl_AllowExceptions(m_tcl);
         return fileName.isEmpty()
                    ? Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL)
                    : evaluateFile(m_tcl, toTclBytes(text), Debugger::sanitizedFilePath(fileName));
@@ -398,6 +408,7 @@ int TclInterpreter::run(const SharedPtr<ScriptArgument>& function,
     Tcl_Obj** words = nullptr;
     if (Tcl_ListObjGetElements(m_tcl, command.get(), &count, &words) != TCL_OK)
         return TCL_ERROR;
+    Tcl_AllowExceptions(m_tcl);
     const int code = Tcl_EvalObjv(m_tcl, count, words, TCL_EVAL_GLOBAL);
     if (code == FatalEnd || code == ExitEnd || (code == TCL_ERROR && isUnwinding()))
         throwPending(code);
@@ -462,7 +473,7 @@ ScriptError TclInterpreter::takeError(int code) {
 
 QString TclInterpreter::errorText() const {
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
-    return isUnwinding() ? result : nameOfError(errorCode()) + (": " + result);
+    return isUnwinding() ? QString::fromLatin1(TclRuntime::endText) : nameOfError(errorCode()) + (": " + result);
 }
 
 std::vector<TclFrame> TclInterpreter::framesOfError() {
@@ -504,7 +515,7 @@ std::vector<TclFrame> TclInterpreter::framesOfScripts(std::vector<TclFrame> fram
     for (TclFrame& frame : frames) {
         const SourceFile& file = sourceFile(frame.file);
         if (frame.line >= 0 && file.isScript)
-            found.push_back({frame.level, file.path, frame.line});
+            found.push_back({frame.level, file.path, frame.line, frame.command});
     }
     return found;
 }

@@ -146,6 +146,8 @@ private:
     /// The text of an error that stands in a file that is none of Tcl's, and where.
     QString m_originText;
     LineInfo m_origin;
+    /// Runs of script code in each other.
+    int m_depth = 0;
     /// The text of a panic, after which nothing can run.
     QString m_panic;
 

@@ -8,8 +8,6 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-const char* const interruptText = "The script was interrupted";
-
 /// In place of the end of the process.
 [[noreturn]] void panic(const char* format, ...) {
     TclPanic thrown{};
@@ -66,10 +64,12 @@ bool TclRuntime::interrupt() {
 }
 
 int TclRuntime::endScript(void* self, Tcl_Interp*, int code) {
-    Tcl_Interp* const interp = static_cast<TclRuntime*>(self)->m_interruptible;
+    auto& runtime = *static_cast<TclRuntime*>(self);
     // Commands that catch errors are ended, too.
-    if (interp)
-        Tcl_CancelEval(interp, Tcl_NewStringObj(interruptText, -1), nullptr, TCL_CANCEL_UNWIND);
+    if (Tcl_Interp* const interp = runtime.m_interruptible) {
+        runtime.m_isEnding = true;
+        Tcl_CancelEval(interp, Tcl_NewStringObj(endText, -1), nullptr, TCL_CANCEL_UNWIND);
+    }
     return code;
 }
 

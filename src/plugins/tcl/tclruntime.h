@@ -16,11 +16,17 @@ struct TclPanic {
 /// alive to the end of the process.
 class TclRuntime {
 public:
+    /// What a person is told of a script that was ended.
+    static constexpr const char* endText = "The script was interrupted";
+
     /// Throws std::runtime_error when Tcl can't be started.
     static TclRuntime& self();
 
     /// Whose scripts Ctrl-C ends; null while none runs. On the thread of the scripts.
     void setInterruptible(Tcl_Interp* interp) { m_interruptible = interp; }
+    /// Whether the script has been told to end since this was asked to be forgotten.
+    bool isEnding() const { return m_isEnding; }
+    void forgetEnd() { m_isEnding = false; }
     /// Handles a request to end the script, as Ctrl-C is; false when none runs. In a signal handler.
     bool interrupt();
 
@@ -29,6 +35,7 @@ private:
     static int endScript(void* self, Tcl_Interp* interp, int code);
 
     Tcl_AsyncHandler m_handler;
+    bool m_isEnding = false;
     std::atomic<Tcl_Interp*> m_interruptible{nullptr};
 };
 

@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <functional>
 
 #include "interpreter/bridge/debugger.h"
@@ -64,14 +65,16 @@ protected:
         };
     }
 
+    int argumentCount = 0;
+    QCoreApplication application{argumentCount, nullptr};
     Debugger& debugger;
     ScriptedFrontEnd& frontEnd;
     QString error;
 };
 
 TEST_F(TclDebugging, StepsInOverAndOut) {
-    std::deque<DebuggerCommand> steps(12, Resume::Step);
-    EXPECT_EQ(told(steps), "1 5 17 18 6 7 8 2 3 8 2 3 10");
+    std::deque<DebuggerCommand> steps(20, Resume::Step);
+    EXPECT_EQ(told(steps), "1 5 17 18 6 7 8 2 3 8 2 3 10 11 12 13 15");
     EXPECT_EQ(told({Resume::Next, Resume::Next, Resume::Next, Resume::Next}), "1 5 17 18");
     EXPECT_EQ(told({SetBreakPoint{script(), 3}, Resume::Run, stack(), Resume::Return, stack(),
                     DeleteBreakPoint{script(), 3}, Resume::Run}),
@@ -85,7 +88,7 @@ TEST_F(TclDebugging, ShowsVariables) {
                     variables("+list"), variables("+list.1"), variables("+array"),
                     variables("^1"), Resume::Run})
                   .section(' ', 2),
-              "12 +array:dict=key value +list:list=a {k v} c total:int=5 x:string=2 "
+              "12 +array:dict=key value +list:list=a {k v} c total:int=5 x:int=2 "
               "global:string=a text list.0:string=a +list.1:dict=k v list.2:string=c "
               "list.1.[k]:string=v array.[key]:string=value ^1.global:string=a text");
 }

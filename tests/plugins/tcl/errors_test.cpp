@@ -250,8 +250,8 @@ TEST_F(TclErrors, PositionsThroughNativeCode) {
             found.append(QString::number(position.lineNumber()));
         return found.join(' ');
     };
-    EXPECT_EQ(linesOf(0), "2 8 12");
-    EXPECT_EQ(linesOf(1), "12");
+    EXPECT_EQ(linesOf(0), "2 9 8 12");
+    EXPECT_EQ(linesOf(1), "8");
     EXPECT_EQ(linesOf(2), "14");
 }
 

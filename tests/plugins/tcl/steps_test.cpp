@@ -27,6 +27,10 @@ protected:
 
 TEST_F(TclSteps, RunWithTheirValues) {
     writeSteps(R"tcl(namespace import bdd::*
+proc toNumber {word} {
+    return [lsearch {zero one two three} $word]
+}
+parameter_type number one|two|three toNumber
 given {the shop has {int} apple(s) for {float} euros} {context count price} {
     $context set left $count
     test compare [expr {$count + 1}] 6
@@ -48,10 +52,6 @@ then {the text is} {context} {
     test verify [$context exists left]
     test compare [$context get scenario] Apples
 }
-proc toNumber {word} {
-    return [lsearch {zero one two three} $word]
-}
-parameter_type number one|two|three toNumber
 before_scenario {} {context} { test log "before [$context get tags]" }
 before_scenario @other {context} { test fail {not this one} }
 after_scenario @sale {context} { test log after }
@@ -80,7 +80,7 @@ after_scenario @sale {context} { test log after }
               "10 Comparison: 'Apples' and 'Apples' are equal\n"
               "7 after: ");
     // A step's own lines are those of its file.
-    EXPECT_EQ(report.results().at(1).callStack.front().lineNumber(), 4);
+    EXPECT_EQ(report.results().at(1).callStack.front().lineNumber(), 8);
 }
 
 TEST_F(TclSteps, FailuresTellWhere) {
@@ -97,7 +97,7 @@ TEST_F(TclSteps, FailuresTellWhere) {
     EXPECT_EQ(feature("    When a pending step\n"), "");
     EXPECT_TRUE(results().last().contains("no time")) << results().last().toStdString();
     EXPECT_EQ(feature("    When there are 3 {odd} things\n"), "");
-    EXPECT_TRUE((results().last() + report.results().back().comment).contains("bdd::when"))
+    EXPECT_TRUE(report.results().back().explanation.contains("bdd::when"))
         << results().last().toStdString();
 
     const std::pair<const char*, const char*> broken[] = {

@@ -50,11 +50,11 @@ protected:
 TEST_F(TclValues, AreSeenForWhatTheyAreAndWhatTheyLookLike) {
     const std::pair<const char*, const char*> rows[] = {
         {"{}", "string string list map null|"},
-        {"text", "string string list|text"},
+        {"text", "string string|text"},
         {"{Save As}", "string string list map|Save As"},
-        {"7", "string number integer string list|7"},
-        {"1.50", "string number string list|1.50"},
-        {"true", "string bool string list|true"},
+        {"7", "string number integer string|7"},
+        {"1.50", "string number string|1.50"},
+        {"true", "string bool string|true"},
         {"[expr {2 ** 40}]", "int number integer|1099511627776"},
         {"[expr {3 / 2.0}]", "double number|1.5"},
         {"[expr {2 ** 64}]", "int number integer|18446744073709551616"},
@@ -62,7 +62,7 @@ TEST_F(TclValues, AreSeenForWhatTheyAreAndWhatTheyLookLike) {
         {"[dict create a 1]", "dict map|a 1"},
         {"[binary format H* 00ff]", "bytes|"},
         {"{\xF0\x9F\x98\x80 x}", "string string list map|\xF0\x9F\x98\x80 x"},
-        {"puts", "string string callable list|puts"},
+        {"puts", "string string callable|puts"},
         {"{list 1}", "string string callable list map|list 1"},
         {"\"a {b\"", "string string|a {b"},
     };
@@ -75,7 +75,7 @@ TEST_F(TclValues, AreSeenForWhatTheyAreAndWhatTheyLookLike) {
     }
     // A number that has been calculated with is one, unless it looks otherwise.
     EXPECT_EQ(run("set n 007\nset m [expr {$n + 1}]\ndescribe $n\ndescribe $m"), "");
-    EXPECT_EQ(s_seen, (QStringList{"string number integer string list|007",
+    EXPECT_EQ(s_seen, (QStringList{"string number integer string|007",
                                    "int number integer|8"}));
 }
 
