@@ -56,10 +56,10 @@ std::vector<Program> programs() {
 /// What is better left alone: it ends the program, prints, or shows what is another thing each
 /// time.
 bool isLeftAlone(const QString& text) {
-    static const char* const words[] = {"quit", "exit",   "close", "cancel", "print",  "open",
-                                        "save", "export", "full",  "recent", "browse", "help"};
+    static const char* const s_words[] = {"quit", "exit",   "close", "cancel", "print",  "open",
+                                          "save", "export", "full",  "recent", "browse", "help"};
     const QString lower = text.toLower();
-    return std::any_of(std::begin(words), std::end(words),
+    return std::any_of(std::begin(s_words), std::end(s_words),
                        [&lower](const char* word) { return lower.contains(QLatin1String(word)); });
 }
 
@@ -95,10 +95,10 @@ public:
 
 private:
     static bool isKnown(const QString& type) {
-        static const char* const words[] = {"Button",   "CheckBox",   "ComboBox", "SpinBox",
-                                            "LineEdit", "TabBarItem", "ViewItem", "Slider"};
+        static const char* const s_words[] = {"Button",   "CheckBox",   "ComboBox", "SpinBox",
+                                              "LineEdit", "TabBarItem", "ViewItem", "Slider"};
         return std::any_of(
-                   std::begin(words), std::end(words),
+                   std::begin(s_words), std::end(s_words),
                    [&type](const char* word) { return type.contains(QLatin1String(word)); }) &&
                !type.contains("ComboBoxItem");
     }
