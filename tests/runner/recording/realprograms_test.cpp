@@ -38,14 +38,6 @@ std::vector<Program> programs() {
         {"textedit", example("widgets/richtext/textedit/textedit")},
         {"editabletreemodel", example("widgets/itemviews/editabletreemodel/editabletreemodel")},
         {"settingseditor", example("widgets/tools/settingseditor/settingseditor")},
-        {"calendar", example("widgets/widgets/calendarwidget/calendarwidget")},
-        {"speedcrunch", "/usr/bin/speedcrunch"},
-#ifdef TAMRIX_TEST_QT6
-        {"designer6", "/usr/lib/qt6/bin/designer"},
-        {"focuswriter6", "/usr/bin/focuswriter"},
-        {"linguist6", "/usr/lib/qt6/bin/linguist"},
-        {"qt6ct", "/usr/bin/qt6ct"},
-#endif
     };
     list.erase(std::remove_if(list.begin(), list.end(),
                               [](const Program& each) { return !QFileInfo::exists(each.path); }),
@@ -56,8 +48,9 @@ std::vector<Program> programs() {
 /// What is better left alone: it ends the program, prints, or shows what is another thing each
 /// time.
 bool isLeftAlone(const QString& text) {
-    static const char* const s_words[] = {"quit", "exit",   "close", "cancel", "print",  "open",
-                                        "save", "export", "full",  "recent", "browse", "help"};
+    static const char* const s_words[] = {"quit",   "exit",   "ok",   "close",  "cancel",
+                                          "print",  "open",   "save", "export", "full",
+                                          "recent", "browse", "help"};
     const QString lower = text.toLower();
     return std::any_of(std::begin(s_words), std::end(s_words),
                        [&lower](const char* word) { return lower.contains(QLatin1String(word)); });
@@ -96,7 +89,7 @@ public:
 private:
     static bool isKnown(const QString& type) {
         static const char* const s_words[] = {"Button",   "CheckBox",   "ComboBox", "SpinBox",
-                                            "LineEdit", "TabBarItem", "ViewItem", "Slider"};
+                                              "LineEdit", "TabBarItem", "ViewItem", "Slider"};
         return std::any_of(
                    std::begin(s_words), std::end(s_words),
                    [&type](const char* word) { return type.contains(QLatin1String(word)); }) &&
