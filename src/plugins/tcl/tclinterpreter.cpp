@@ -55,6 +55,9 @@ const char* nameOfError(std::string_view errorCode) {
     return row == std::end(kindNames) ? otherError.name : row->name;
 }
 
+/// The text of the panic behind which Tcl can't be used any more in this process.
+QString s_panic;
+
 Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
     return static_cast<const TclArgument*>(argument.get())->value();
 }
@@ -118,6 +121,9 @@ TclInterpreter::~TclInterpreter() {
 }
 
 void TclInterpreter::createTcl() {
+    // What Tcl keeps for the whole process may be broken then.
+    if (!s_panic.isEmpty())
+        throw std::runtime_error((s_panic + ", in an earlier test case of this run").toStdString());
     m_tcl = Tcl_CreateInterp();
     installChannels(m_tcl, output());
     Tcl_SetSystemEncoding(nullptr, "utf-8");
@@ -286,19 +292,18 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
 
 void TclInterpreter::startScript(const QString& path, const QStringList& arguments,
                                  const QStringList& folders) {
+    // Whatever is to run then fails.
+    if (!m_panic.isEmpty())
+        return;
     if (m_hasScript) {
         // What an earlier script has left goes with its interpreter of Tcl.
-        const bool hadPanic = !m_panic.isEmpty();
         deleteTcl();
-        m_panic.clear();
         createTcl();
         m_context->initFunctions();
         initNativeAPI();
         publishFunctions(globalFunctionNames(Inspector::self()->model()));
-        if (!hadPanic) {
-            for (const QString& text : qAsConst(m_initScripts))
-                Tcl_EvalObjEx(m_tcl, toTcl(text).get(), TCL_EVAL_GLOBAL);
-        }
+        for (const QString& text : qAsConst(m_initScripts))
+            Tcl_EvalObjEx(m_tcl, toTcl(text).get(), TCL_EVAL_GLOBAL);
     }
     m_hasScript = true;
     m_originText.clear();
@@ -378,6 +383,7 @@ int TclInterpreter::guarded(Code code) {
         return failAsPending();
     } catch (const TclPanic& panic) {
         m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.text);
+        s_panic = m_panic;
         return TCL_ERROR;
     }
 }

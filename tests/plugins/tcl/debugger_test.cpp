@@ -105,23 +105,5 @@ TEST_F(TclDebugging, EvaluatesInAFrame) {
     EXPECT_EQ(error, "");
 }
 
-TEST_F(TclDebugging, StopsForErrorsThatNothingCatches) {
-    const QString text =
-        "proc fails {} {\n"
-        "    set y 0\n"
-        "    expr {1 / $y}\n"
-        "}\n"
-        "catch {fails}\n"
-        "try {fails} on error {} {}\n"
-        "test exception {fails}\n"
-        "findFile\n";
-    EXPECT_EQ(told({Resume::Run, stack(), Resume::Run}, text),
-              "1 ScriptError=TamrixError: findFiles() requires two string arguments 8 <8>");
-    EXPECT_EQ(error, "TamrixError: findFiles() requires two string arguments");
-    EXPECT_EQ(told({Resume::Run, stack(), evaluate("y"), Resume::Run},
-                   "proc fails {} {\n    set y 0\n    expr {1 / $y}\n}\nfails\n"),
-              "1 ScriptError=Error: divide by zero 3 <3 5> 0");
-}
-
 }  // namespace
 }  // namespace Tamrix
