@@ -62,7 +62,8 @@ struct Block {
             return line.startsWith(begin);
         });
         if (!isWhole)
-            text = begin + "\n    " + (codeBefore.isEmpty() ? language->nothing : codeBefore) + '\n';
+            text =
+                begin + "\n    " + (codeBefore.isEmpty() ? language->nothing : codeBefore) + '\n';
         for (const QString& line : lines)
             text += (isWhole || line.isEmpty() ? line : "    " + line) + '\n';
         if (!isWhole)
@@ -86,10 +87,9 @@ std::vector<Block> blocksOf(const QString& document) {
     std::vector<Block> blocks;
     const QStringList lines = QString::fromUtf8(readFile(document)).split('\n');
     for (int index = 0; index < lines.size(); ++index) {
-        const auto* const language =
-            std::find_if(std::begin(languages), std::end(languages), [&](const Language& each) {
-                return lines[index] == QLatin1String("```") + each.name;
-            });
+        const auto* const language = std::find_if(
+            std::begin(languages), std::end(languages),
+            [&](const Language& each) { return lines[index] == QLatin1String("```") + each.name; });
         if (language == std::end(languages))
             continue;
         Block block;
@@ -143,7 +143,8 @@ struct BlockRun {
         runner.finish();
         EXPECT_EQ(runner.exitCode(), block.isToFail ? 1 : 0)
             << qPrintable(block.place + ":\n" + runner.output() + runner.errors());
-        const QString lastLine = scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
+        const QString lastLine =
+            scriptName() + ":" + QString::number(block.script().count('\n')) + ": ";
         EXPECT_TRUE(!block.isToFail || runner.output().contains(lastLine))
             << qPrintable(block.place + ":\n" + runner.output());
     }

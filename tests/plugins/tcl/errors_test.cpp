@@ -77,8 +77,7 @@ TEST_F(TclErrors, StackOfScriptLines) {
     EXPECT_EQ(interpreter->errorFile({}),
               QFileInfo(folder.path()).canonicalFilePath() + "/test.tcl");
     EXPECT_FALSE(call("endless"));
-    EXPECT_EQ(interpreter->errorMessage(),
-              "Error: too many nested evaluations (infinite loop?)");
+    EXPECT_EQ(interpreter->errorMessage(), "Error: too many nested evaluations (infinite loop?)");
     EXPECT_EQ(lines().size(), 100u);
     EXPECT_EQ(run("set x 1"), "");
     EXPECT_EQ(interpreter->errorLine(), -1);
@@ -105,7 +104,8 @@ TEST_F(TclErrors, Syntax) {
 
     // A file that is sourced is named with its line, below the command.
     ASSERT_TRUE(writeFile(folder.filePath("broken.tcl"), "\n\nset x [nosuch]\n"));
-    EXPECT_EQ(run("\nsource " + folder.filePath("broken.tcl")), "Error: invalid command name \"nosuch\"");
+    EXPECT_EQ(run("\nsource " + folder.filePath("broken.tcl")),
+              "Error: invalid command name \"nosuch\"");
     EXPECT_EQ(lines(), (std::vector{3, 2}));
 }
 

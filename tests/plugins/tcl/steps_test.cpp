@@ -84,13 +84,14 @@ after_scenario @sale {context} { test log after }
 }
 
 TEST_F(TclSteps, FailuresAreTold) {
-    writeSteps("bdd::given {a failing step} {context} {\n"
-               "    set x 1\n"
-               "    error broken\n"
-               "}\n"
-               "bdd::when {a pending step} {context} {\n"
-               "    bdd::pending {no time}\n"
-               "}\n");
+    writeSteps(
+        "bdd::given {a failing step} {context} {\n"
+        "    set x 1\n"
+        "    error broken\n"
+        "}\n"
+        "bdd::when {a pending step} {context} {\n"
+        "    bdd::pending {no time}\n"
+        "}\n");
     EXPECT_EQ(feature("    Given a failing step\n"), "");
     EXPECT_TRUE(results().last().contains("broken"));
     EXPECT_EQ(feature("    When a pending step\n"), "");
