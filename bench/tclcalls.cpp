@@ -53,10 +53,10 @@ proc integers {function count} {
 )tcl";
 
 double turn(Tamrix::Interpreter& interpreter, const char* loop, const char* function) {
-    interpreter.evaluate(QStringLiteral("%1 %2 %3").arg(QLatin1String(loop),
-                                                        QLatin1String(function),
-                                                        QString::number(callsPerTurn)),
-                         QString());
+    interpreter.evaluate(
+        QStringLiteral("%1 %2 %3")
+            .arg(QLatin1String(loop), QLatin1String(function), QString::number(callsPerTurn)),
+        QString());
     return s_time;
 }
 

@@ -18,8 +18,8 @@ QString fromTclBytes(std::string_view bytes);
 
 TclRef toTcl(const QString& text);
 TclRef toTcl(const QStringList& texts);
-/// A time as a text that `clock scan` reads with the format "%Y-%m-%dT%H:%M:%S", in local time, with
-/// milliseconds where there are some; empty for an invalid one.
+/// A time as a text that `clock scan` reads with the format "%Y-%m-%dT%H:%M:%S", in local time,
+/// with milliseconds where there are some; empty for an invalid one.
 TclRef toTcl(const QDateTime& time);
 
 /// The value's text as Tcl has it; valid as long as the value is not changed.

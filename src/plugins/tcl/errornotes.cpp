@@ -21,8 +21,7 @@ constexpr std::size_t mostNotes = 16;
 
 }  // namespace
 
-ErrorNotes::ErrorNotes(Tcl_Interp* interp,
-                       std::function<void(const std::vector<TclFrame>&)> raised)
+ErrorNotes::ErrorNotes(Tcl_Interp* interp, std::function<void(const std::vector<TclFrame>&)> raised)
     : m_interp(interp), m_raised(std::move(raised)) {
     listen();
 }
@@ -74,8 +73,7 @@ void ErrorNotes::notice() {
             command.remove_suffix(1);
         frames = framesAtError(m_interp, command);
     }
-    m_notes.push_front(
-        {QByteArray(errorInfo.data(), static_cast<int>(errorInfo.size())), frames});
+    m_notes.push_front({QByteArray(errorInfo.data(), static_cast<int>(errorInfo.size())), frames});
     if (m_notes.size() > mostNotes)
         m_notes.pop_back();
     m_raised(frames);

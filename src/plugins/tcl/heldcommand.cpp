@@ -23,28 +23,26 @@ int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
         return interpreter.fail(member.error());
     if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
         return interpreter.finish(*value);
-    return interpreter.fail(
-        {ScriptFailure::Kind::NoMember,
-         QStringLiteral("'%1' of '%2' is a method: call it instead")
-             .arg(optionOf(words[0]), object->className()),
-         false,
-         {}});
+    return interpreter.fail({ScriptFailure::Kind::NoMember,
+                             QStringLiteral("'%1' of '%2' is a method: call it instead")
+                                 .arg(optionOf(words[0]), object->className()),
+                             false,
+                             {}});
 }
 
 /// `object configure -property value ?-property value ...?`
 int writeOptions(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
                  Tcl_Obj* const* words) {
     if (count == 0 || count % 2 != 0)
-        return wrongWords(interpreter, object->className() +
-                                           " configure -property value ?-property value ...?");
+        return wrongWords(interpreter,
+                          object->className() + " configure -property value ?-property value ...?");
     for (int index = 0; index < count; index += 2) {
         const QString name = optionOf(words[index]);
         if (name.isEmpty())
             return interpreter.fail(
                 noSuch("property", textOf(words[index]), object->className(), {}));
-        const auto written =
-            setMember(&interpreter, object, name,
-                      new TclArgument(interpreter, TclRef(words[index + 1])));
+        const auto written = setMember(&interpreter, object, name,
+                                       new TclArgument(interpreter, TclRef(words[index + 1])));
         if (!written)
             return interpreter.fail(written.error());
     }

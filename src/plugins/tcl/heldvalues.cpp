@@ -28,7 +28,8 @@ bool hasPrefix(std::string_view bytes) {
     return bytes.substr(0, prefix.size()) == prefix;
 }
 
-/// The name of the data set in that of a record, and the number behind it; an empty name for others.
+/// The name of the data set in that of a record, and the number behind it; an empty name for
+/// others.
 std::pair<QByteArray, int> partsOfRecord(std::string_view bytes) {
     const std::size_t mark = bytes.rfind(recordMark);
     if (!hasPrefix(bytes) || mark < prefix.size())

@@ -33,21 +33,20 @@ void NativeClasses::add(const QString& name, void* typeId, const NativeScriptTyp
     const auto made = std::make_shared<NativeClass>();
     made->name = name;
     made->super = type.super();
-    made->constructor =
-        std::make_unique<NativeFunction>(context, NativeSignature{name, {}, {}, {}, {}},
-                                         type.constructor());
+    made->constructor = std::make_unique<NativeFunction>(
+        context, NativeSignature{name, {}, {}, {}, {}}, type.constructor());
     const auto methods = type.methods();
     for (auto it = methods.cbegin(); it != methods.cend(); ++it)
-        made->methods[it.key()] = shared(context,
-                                         {it.key(), name, it->requiredParameters,
-                                          it->optionalParameters, it->description},
-                                         it->function);
+        made->methods[it.key()] = shared(
+            context,
+            {it.key(), name, it->requiredParameters, it->optionalParameters, it->description},
+            it->function);
     const auto staticMethods = type.staticMethods();
     for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
-        made->staticMethods[it.key()] = shared(context,
-                                               {it.key(), name, it->requiredParameters,
-                                                it->optionalParameters, it->description},
-                                               it->function);
+        made->staticMethods[it.key()] = shared(
+            context,
+            {it.key(), name, it->requiredParameters, it->optionalParameters, it->description},
+            it->function);
     const auto accessor = [&](const QString& property, auto function) {
         return function ? std::make_unique<NativeFunction>(
                               context, NativeSignature{property, name, {}, {}, {}}, function)
@@ -55,12 +54,12 @@ void NativeClasses::add(const QString& name, void* typeId, const NativeScriptTyp
     };
     const auto properties = type.properties();
     for (auto it = properties.cbegin(); it != properties.cend(); ++it)
-        made->properties[it.key()] = std::make_shared<NativeProperty>(NativeProperty{
-            accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
+        made->properties[it.key()] = std::make_shared<NativeProperty>(
+            NativeProperty{accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
     const auto staticProperties = type.staticProperties();
     for (auto it = staticProperties.cbegin(); it != staticProperties.cend(); ++it)
-        made->staticProperties[it.key()] = std::make_shared<NativeProperty>(NativeProperty{
-            accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
+        made->staticProperties[it.key()] = std::make_shared<NativeProperty>(
+            NativeProperty{accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
     m_classes[typeId] = made;
     m_interpreter.defineCommand(name, runClassCommand,
                                 std::unique_ptr<ClassCommand>(new ClassCommand{*this, typeId}));
@@ -148,9 +147,9 @@ int NativeClasses::callClass(const NativeClass& nativeClass, int count, Tcl_Obj*
         return writeProperties(nativeClass.name, {}, property, count - 1, words + 1);
     if (const auto method = nativeClass.staticMethods.value(name))
         return callWithWords(m_interpreter, *method, {}, {}, count - 1, words + 1);
-    return m_interpreter.fail(noSuch("subcommand", name, nativeClass.name,
-                                     QStringList({"new", "cget", "configure"}) +
-                                         sortedKeys(nativeClass.staticMethods)));
+    return m_interpreter.fail(
+        noSuch("subcommand", name, nativeClass.name,
+               QStringList({"new", "cget", "configure"}) + sortedKeys(nativeClass.staticMethods)));
 }
 
 int NativeClasses::callMethod(const SharedPtr<NativeScriptObject>& object, int count,

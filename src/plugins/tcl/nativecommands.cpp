@@ -117,9 +117,8 @@ int callWithWords(TclInterpreter& interpreter, const NativeFunction& function,
     return runCommand(interpreter, [&] {
         const Parameters& parameters = function.parameters();
         const auto given = static_cast<int>(first.size());
-        Outcome<CallArguments> arguments =
-            argumentsOf(interpreter, parameters.names, parameters.requiredCount - given, count,
-                        words);
+        Outcome<CallArguments> arguments = argumentsOf(
+            interpreter, parameters.names, parameters.requiredCount - given, count, words);
         if (!arguments)
             return interpreter.fail(
                 {ScriptFailure::Kind::BadArgument, arguments.error().text, false, {}});
@@ -132,13 +131,12 @@ int callWithWords(TclInterpreter& interpreter, const NativeFunction& function,
 void defineNative(TclInterpreter& interpreter, const QString& name,
                   const NativeFunction& function) {
     interpreter.defineCommand(
-        name, runNative,
-        std::unique_ptr<NativeCommand>(new NativeCommand{interpreter, function}));
+        name, runNative, std::unique_ptr<NativeCommand>(new NativeCommand{interpreter, function}));
 }
 
 void defineGlobalFunction(TclInterpreter& interpreter, const QString& name) {
-    interpreter.defineCommand(
-        name, runGlobal, std::unique_ptr<GlobalCommand>(new GlobalCommand{interpreter, name}));
+    interpreter.defineCommand(name, runGlobal,
+                              std::unique_ptr<GlobalCommand>(new GlobalCommand{interpreter, name}));
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -14,9 +14,9 @@ class TclInterpreter;
 // Commands over functions of the library.
 
 /// The words of a call: arguments at their places, then options, "-name value" each. `names` are
-/// those of all parameters, the first ones of which, `requiredCount`, are never options. A word that
-/// begins with "-" and is the name of no parameter is an argument; behind "--" all are. An error is
-/// Tcl's for a bad option.
+/// those of all parameters, the first ones of which, `requiredCount`, are never options. A word
+/// that begins with "-" and is the name of no parameter is an argument; behind "--" all are. An
+/// error is Tcl's for a bad option.
 Outcome<CallArguments> argumentsOf(TclInterpreter& interpreter, const QStringList& names,
                                    int requiredCount, int count, Tcl_Obj* const* words);
 

@@ -20,8 +20,7 @@ int wrongWords(TclInterpreter& interpreter, const QString& usage) {
 
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
                      const QStringList& known) {
-    QString text =
-        QStringLiteral("%1 has no %2 \"%3\"").arg(owner, QLatin1String(kind), name);
+    QString text = QStringLiteral("%1 has no %2 \"%3\"").arg(owner, QLatin1String(kind), name);
     const QStringList nearest = nearestNames(name, known);
     if (!nearest.isEmpty())
         text += QStringLiteral("; the nearest: \"%1\"").arg(nearest.join("\", \""));

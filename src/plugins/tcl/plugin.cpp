@@ -7,8 +7,8 @@
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/tclruntime.h"
 
-/// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error, when
-/// Tcl can't be started.
+/// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error,
+/// when Tcl can't be started.
 extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
     try {
         return new Tamrix::TclPlugin::TclInterpreter(runner);

@@ -25,8 +25,7 @@ int closeStream(void* instance, Tcl_Interp*) {
 int writeStream(void* instance, const char* bytes, int count, int*) {
     const auto* const stream = static_cast<Stream*>(instance);
     // Tcl hands over whole characters only, as UTF-8 has them.
-    stream->output->write(stream->kind,
-                          fromTclBytes({bytes, static_cast<std::size_t>(count)}));
+    stream->output->write(stream->kind, fromTclBytes({bytes, static_cast<std::size_t>(count)}));
     return count;
 }
 

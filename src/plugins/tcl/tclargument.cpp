@@ -159,7 +159,8 @@ long long TclArgument::toInt() const {
     Tcl_WideInt number = 0;
     const double fraction = toDouble();
     // Tcl takes unsigned integers of 64 bits for negative ones.
-    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK && (number < 0) == (fraction < 0))
+    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK &&
+        (number < 0) == (fraction < 0))
         return number;
     constexpr double limit = 9223372036854775808.0;  // 2^63
     if (fraction >= -limit && fraction < limit)
@@ -221,10 +222,9 @@ SharedPtr<NativeScriptObject> TclArgument::toNative(void* typeId) const {
 
 SharedPtr<TestDataSet> TclArgument::toTestDataSet() const {
     const List records = toList();
-    return records.empty()
-               ? SharedPtr<TestDataSet>()
-               : m_interpreter.values().setOfRecord(
-                     static_cast<const TclArgument*>(records.front().get())->value());
+    return records.empty() ? SharedPtr<TestDataSet>()
+                           : m_interpreter.values().setOfRecord(
+                                 static_cast<const TclArgument*>(records.front().get())->value());
 }
 
 SharedPtr<ApplicationContext> TclArgument::toApplicationContext() const {

@@ -9,10 +9,10 @@ class TclInterpreter;
 
 /// One value of Tcl as a script value.
 ///
-/// To Tcl every value is a text, and what else it is depends on who asks. So the type tests say what
-/// a value can be taken for: "12" is a text, a number and a list of one element. What can be told
-/// for sure is what a value was made as, by a calculation, by `list` or `dict`, by the application:
-/// such a number, list or dictionary is no text.
+/// To Tcl every value is a text, and what else it is depends on who asks. So the type tests say
+/// what a value can be taken for: "12" is a text, a number and a list of one element. What can be
+/// told for sure is what a value was made as, by a calculation, by `list` or `dict`, by the
+/// application: such a number, list or dictionary is no text.
 class TclArgument final : public ScriptArgument {
 public:
     TclArgument(TclInterpreter& interpreter, TclRef value);

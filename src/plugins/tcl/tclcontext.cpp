@@ -261,8 +261,7 @@ std::pair<QString, QString> TclContext::evaluateForException(SharedPtr<ScriptArg
 
 bool TclContext::evaluateCondition(const QString& expression, QString* error) {
     int truth = 0;
-    const int result =
-        Tcl_ExprBooleanObj(m_interpreter.tcl(), toTcl(expression).get(), &truth);
+    const int result = Tcl_ExprBooleanObj(m_interpreter.tcl(), toTcl(expression).get(), &truth);
     if (result == TCL_OK)
         return truth != 0;
     if (result != TCL_ERROR || m_interpreter.isUnwinding())

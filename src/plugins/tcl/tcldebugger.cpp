@@ -130,12 +130,16 @@ bool TclDebugger::isCaught() const {
     return m_catching > 0 || std::any_of(commands.begin(), commands.end(), catchesErrors);
 }
 
-void TclDebugger::errorRaised(const std::vector<TclFrame>& frames) {
+void TclDebugger::errorRaised(const std::vector<TclFrame>&) {
     if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
         return;
     const QString text = m_tcl.errorText();
     const StateAside aside(m_tcl.tcl());
-    stopForError(text, scriptFrames(m_tcl.framesOfScripts(frames)));
+    // Each command has passed here, so the lines are known better than behind the failure.
+    std::vector<TclFrame> frames;
+    for (auto line = m_lines.rbegin(); line != m_lines.rend(); ++line)
+        frames.push_back(line->frame);
+    stopForError(text, scriptFrames(frames));
 }
 
 }  // namespace Tamrix::TclPlugin

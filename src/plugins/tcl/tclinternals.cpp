@@ -71,8 +71,7 @@ std::optional<SourceRange> runningRange(const ByteCode& code, const char* instru
 }
 
 const ByteCode* codeOf(const CmdFrame& frame) {
-    const bool isCompiled =
-        frame.type == TCL_LOCATION_BC || frame.type == TCL_LOCATION_PREBC;
+    const bool isCompiled = frame.type == TCL_LOCATION_BC || frame.type == TCL_LOCATION_PREBC;
     return isCompiled ? static_cast<const ByteCode*>(frame.data.tebc.codePtr) : nullptr;
 }
 
@@ -97,8 +96,8 @@ std::optional<Place> placeInCode(const Interp& interp, const CmdFrame& frame) {
         return std::nullopt;
     const ECL* const begin = lines->loc;
     const ECL* const end = begin + lines->nuloc;
-    const ECL* const found = std::find_if(
-        begin, end, [&](const ECL& each) { return each.srcOffset == range->begin; });
+    const ECL* const found =
+        std::find_if(begin, end, [&](const ECL& each) { return each.srcOffset == range->begin; });
     if (found == end || found->nline == 0)
         return std::nullopt;
     return Place{lines->path, found->line[0]};
@@ -143,8 +142,8 @@ std::optional<Place> placeOfLine(const ExtCmdLoc& lines, const ByteCode& code, i
 }
 
 /// The place of a command that has just failed in compiled code. Of the running code that has a
-/// frame only while it calls something, so it is looked for: code that runs, with the command at the
-/// line that Tcl tells.
+/// frame only while it calls something, so it is looked for: code that runs, with the command at
+/// the line that Tcl tells.
 std::optional<Place> placeOfFailure(Interp& interp, std::string_view command) {
     const Proc* const procedure = interp.framePtr ? interp.framePtr->procPtr : nullptr;
     std::optional<Place> found;
@@ -190,10 +189,10 @@ std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
         const std::optional<Place> place = placeOf(own, *frame);
         if (!place || !place->path)
             continue;
-        // Of the code at one level the innermost command counts, also that of a file for another one
-        // that has sourced it.
-        const bool isSame = !found.empty() && frame->framePtr == level &&
-                            bytesOf(place->path) == bytesOf(path);
+        // Of the code at one level the innermost command counts, also that of a file for another
+        // one that has sourced it.
+        const bool isSame =
+            !found.empty() && frame->framePtr == level && bytesOf(place->path) == bytesOf(path);
         if (!isSame)
             add(frame->framePtr, *place, commandOf(*frame));
     }
@@ -254,7 +253,8 @@ TclFrame definitionOf(Tcl_Interp* interp, const char* procedure) {
     const Proc* const proc = TclFindProc(reinterpret_cast<Interp*>(interp), procedure);
     const Tcl_HashEntry* const entry =
         proc ? Tcl_FindHashEntry(own.linePBodyPtr, reinterpret_cast<const char*>(proc)) : nullptr;
-    const auto* const body = entry ? static_cast<const CmdFrame*>(Tcl_GetHashValue(entry)) : nullptr;
+    const auto* const body =
+        entry ? static_cast<const CmdFrame*>(Tcl_GetHashValue(entry)) : nullptr;
     if (!body || body->type != TCL_LOCATION_SOURCE || !body->line || !body->data.eval.path)
         return {};
     return {0, textOf(body->data.eval.path), body->line[0], nullptr};

@@ -22,14 +22,15 @@ struct TclFrame {
     const void* command = nullptr;
 };
 
-/// The frames that run commands of files, the innermost first. A level of variables is one frame: of
-/// the code that runs with them, such as the bodies of loops, the innermost command counts that is
-/// in a file. Code that was put together as a text stands where it is evaluated.
+/// The frames that run commands of files, the innermost first. A level of variables is one frame:
+/// of the code that runs with them, such as the bodies of loops, the innermost command counts that
+/// is in a file. Code that was put together as a text stands where it is evaluated.
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
 /// The same while an error is being noted that a command has raised, whose source begins so.
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command);
 
-/// The source of the commands that run, the innermost first; one whose source is not known is empty.
+/// The source of the commands that run, the innermost first; one whose source is not known is
+/// empty.
 std::vector<QByteArray> runningCommands(Tcl_Interp* interp);
 
 /// Runs the text of a file at the top level, so that its commands know file and line.

@@ -34,12 +34,9 @@ constexpr KindName pendingStep = {pendingErrorCode, "PendingStepError"};
 
 /// In the order of ScriptFailure::Kind.
 constexpr KindName kindNames[] = {
-    {"TAMRIX ERROR", "TamrixError"},
-    {"TAMRIX VERIFICATION", "VerificationError"},
-    {"TAMRIX FATAL", "FatalError"},
-    {"TAMRIX LOOKUP", "LookupError"},
-    {"TAMRIX MEMBER", "MemberError"},
-    {"TAMRIX ARGUMENT", "ArgumentError"},
+    {"TAMRIX ERROR", "TamrixError"},  {"TAMRIX VERIFICATION", "VerificationError"},
+    {"TAMRIX FATAL", "FatalError"},   {"TAMRIX LOOKUP", "LookupError"},
+    {"TAMRIX MEMBER", "MemberError"}, {"TAMRIX ARGUMENT", "ArgumentError"},
 };
 
 const KindName& kindName(ScriptFailure::Kind kind) {
@@ -54,6 +51,9 @@ const char* nameOfError(std::string_view errorCode) {
                      [errorCode](const KindName& each) { return errorCode == each.errorCode; });
     return row == std::end(kindNames) ? otherError.name : row->name;
 }
+
+/// The text of the panic behind which Tcl can't be used any more in this process.
+QString s_panic;
 
 Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
     return static_cast<const TclArgument*>(argument.get())->value();
@@ -118,6 +118,9 @@ TclInterpreter::~TclInterpreter() {
 }
 
 void TclInterpreter::createTcl() {
+    // What Tcl keeps for the whole process may be broken then.
+    if (!s_panic.isEmpty())
+        throw std::runtime_error((s_panic + ", in an earlier test case of this run").toStdString());
     m_tcl = Tcl_CreateInterp();
     installChannels(m_tcl, output());
     Tcl_SetSystemEncoding(nullptr, "utf-8");
@@ -203,10 +206,10 @@ void TclInterpreter::addNativeFunction(const QString& name, bool (*function)(Scr
                                        const QStringList& requiredParameters,
                                        const QStringList& optionalParameters,
                                        const QString& description) {
-    defineNative(*this, name,
-                 NativeFunction(*m_context,
-                                {name, {}, requiredParameters, optionalParameters, description},
-                                function));
+    defineNative(
+        *this, name,
+        NativeFunction(*m_context, {name, {}, requiredParameters, optionalParameters, description},
+                       function));
 }
 
 void TclInterpreter::addNativeType(const QString& name, void* typeId,
@@ -234,8 +237,7 @@ int TclInterpreter::finish(const ScriptResult& result) {
 int TclInterpreter::fail(const ScriptFailure& failure) {
     if (failure.origin.line >= 0) {
         m_originText = failure.text;
-        m_origin =
-            LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
+        m_origin = LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
     }
     Tcl_SetObjResult(m_tcl, toTcl(failure.text).get());
     if (failure.kind == ScriptFailure::Kind::Fatal) {
@@ -277,8 +279,7 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
         Tcl_ListObjAppendList(nullptr, entries.get(), known);
     Tcl_SetVar2Ex(m_tcl, "::auto_path", nullptr, entries.get(), TCL_GLOBAL_ONLY);
     // Modules in files of their own; a folder in one that is there already need not be added.
-    const TclRef command =
-        toTcl(QStringList({"::tcl::tm::path", "add", textOf(path.get())}));
+    const TclRef command = toTcl(QStringList({"::tcl::tm::path", "add", textOf(path.get())}));
     Tcl_EvalObjEx(m_tcl, command.get(), TCL_EVAL_GLOBAL);
     Tcl_ResetResult(m_tcl);
     return {};
@@ -286,19 +287,18 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
 
 void TclInterpreter::startScript(const QString& path, const QStringList& arguments,
                                  const QStringList& folders) {
+    // Whatever is to run then fails.
+    if (!m_panic.isEmpty())
+        return;
     if (m_hasScript) {
         // What an earlier script has left goes with its interpreter of Tcl.
-        const bool hadPanic = !m_panic.isEmpty();
         deleteTcl();
-        m_panic.clear();
         createTcl();
         m_context->initFunctions();
         initNativeAPI();
         publishFunctions(globalFunctionNames(Inspector::self()->model()));
-        if (!hadPanic) {
-            for (const QString& text : qAsConst(m_initScripts))
-                Tcl_EvalObjEx(m_tcl, toTcl(text).get(), TCL_EVAL_GLOBAL);
-        }
+        for (const QString& text : qAsConst(m_initScripts))
+            Tcl_EvalObjEx(m_tcl, toTcl(text).get(), TCL_EVAL_GLOBAL);
     }
     m_hasScript = true;
     m_originText.clear();
@@ -378,6 +378,7 @@ int TclInterpreter::guarded(Code code) {
         return failAsPending();
     } catch (const TclPanic& panic) {
         m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.text);
+        s_panic = m_panic;
         return TCL_ERROR;
     }
 }
@@ -396,8 +397,7 @@ bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
     return failWith(takeError(code), !fileName.isEmpty());
 }
 
-int TclInterpreter::run(const SharedPtr<ScriptArgument>& function,
-                        const CallArguments& arguments) {
+int TclInterpreter::run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments) {
     // A callable is the beginning of a command, whose other words follow.
     const TclRef command(Tcl_DuplicateObj(valueOf(function)));
     for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
@@ -418,11 +418,12 @@ int TclInterpreter::run(const SharedPtr<ScriptArgument>& function,
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                              const CallArguments& arguments, const QString&,
                                              bool isCallback) {
-    const int code = isCallback ? run(function, arguments)
-                                : guarded([&] { return run(function, arguments); });
+    const int code =
+        isCallback ? run(function, arguments) : guarded([&] { return run(function, arguments); });
     if (code == TCL_OK || code == TCL_RETURN)
         return succeed() ? CallEnd::Succeeded : CallEnd::Failed;
-    const bool isPending = code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
+    const bool isPending =
+        code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
     if (failWith(takeError(code)))
         return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;
@@ -473,7 +474,8 @@ ScriptError TclInterpreter::takeError(int code) {
 
 QString TclInterpreter::errorText() const {
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
-    return isUnwinding() ? QString::fromLatin1(TclRuntime::endText) : nameOfError(errorCode()) + (": " + result);
+    return isUnwinding() ? QString::fromLatin1(TclRuntime::endText)
+                         : nameOfError(errorCode()) + (": " + result);
 }
 
 std::vector<TclFrame> TclInterpreter::framesOfError() {
@@ -501,8 +503,7 @@ const TclInterpreter::SourceFile& TclInterpreter::sourceFile(const QString& file
     const QString path = Debugger::sanitizedFilePath(file);
     // Where Tcl keeps its library, and Debian its packages.
     QStringList libraries{"/usr/share/tcltk/", "/usr/lib/tcltk/"};
-    if (const char* const library =
-            Tcl_GetVar2(m_tcl, "::tcl_library", nullptr, TCL_GLOBAL_ONLY))
+    if (const char* const library = Tcl_GetVar2(m_tcl, "::tcl_library", nullptr, TCL_GLOBAL_ONLY))
         libraries.append(Debugger::sanitizedFilePath(QString::fromUtf8(library)) + '/');
     const bool isOfLibrary =
         std::any_of(libraries.cbegin(), libraries.cend(),

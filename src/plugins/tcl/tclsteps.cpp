@@ -51,8 +51,8 @@ int withRegistry(TclInterpreter& interpreter, const std::function<void(StepRegis
             work(interpreter.steps().registry());
             return interpreter.finish(SharedPtr<ScriptArgument>());
         } catch (const Gherkin::ExpressionError& error) {
-            return interpreter.fail({ScriptFailure::Kind::BadArgument,
-                                     QString::fromUtf8(error.what()), false, {}});
+            return interpreter.fail(
+                {ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
         }
     });
 }
@@ -96,8 +96,8 @@ int registerParameterType(void* data, Tcl_Interp*, int count, Tcl_Obj* const* wo
     return withRegistry(interpreter, [&](StepRegistry& registry) {
         const SharedPtr<ScriptArgument> transformer(
             count == 4 ? new TclArgument(interpreter, TclRef(words[3])) : nullptr);
-        registry.addParameterType(textOf(words[1]).toStdString(),
-                                  {textOf(words[2]).toStdString()}, transformer);
+        registry.addParameterType(textOf(words[1]).toStdString(), {textOf(words[2]).toStdString()},
+                                  transformer);
     });
 }
 
@@ -115,8 +115,8 @@ int setPending(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words)
 /// What steps keep for each other.
 int useContext(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
-    const QString usage = QStringLiteral(
-        "context get name | set name value | unset name | exists name | names");
+    const QString usage =
+        QStringLiteral("context get name | set name value | unset name | exists name | names");
     if (count < 2)
         return wrongWords(interpreter, usage);
     StepScopes& scopes = interpreter.steps().scopes();
@@ -185,8 +185,7 @@ void defineStepCommands(TclInterpreter& interpreter) {
             std::unique_ptr<StepCommand>(new StepCommand{interpreter, row.type, row.order}));
 }
 
-TclSteps::TclSteps(TclInterpreter& interpreter)
-    : StepLanguage(interpreter), m_tcl(interpreter) {}
+TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
 
 std::optional<ScriptError> TclSteps::loadFile(const QString& path, const QString& text) {
     const int code = evaluateFile(m_tcl.tcl(), toTclBytes(text), path);

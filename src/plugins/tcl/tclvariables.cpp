@@ -44,8 +44,7 @@ QString beginningOf(Tcl_Obj* value) {
     int count = 0;
     Tcl_Obj** elements = nullptr;
     if (typeOf(value) == ValueType::List &&
-        Tcl_ListObjGetElements(nullptr, value, &count, &elements) == TCL_OK &&
-        count > mostElements)
+        Tcl_ListObjGetElements(nullptr, value, &count, &elements) == TCL_OK && count > mostElements)
         return TclPlugin::textOf(TclRef(Tcl_NewListObj(mostElements, elements)).get()) +
                QStringLiteral(" ...");
     // A character has four bytes at most.

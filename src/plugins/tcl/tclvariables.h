@@ -7,8 +7,8 @@ namespace Tamrix::TclPlugin {
 
 class TclInterpreter;
 
-/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary. What was
-/// made as a list or dictionary has members; a text that could be one has none.
+/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary. What
+/// was made as a list or dictionary has members; a text that could be one has none.
 class TclVariables final : public LanguageVariables {
 public:
     TclVariables(TclInterpreter& interpreter, LanguageDebugger& debugger)

@@ -16,10 +16,10 @@ constexpr struct {
     std::string_view name;
     ValueType type;
 } types[] = {
-    {"int", ValueType::Integer},         {"wideInt", ValueType::Integer},
-    {"bignum", ValueType::Integer},      {"double", ValueType::Double},
-    {"boolean", ValueType::Boolean},     {"booleanString", ValueType::Boolean},
-    {"list", ValueType::List},           {"dict", ValueType::Dictionary},
+    {"int", ValueType::Integer},     {"wideInt", ValueType::Integer},
+    {"bignum", ValueType::Integer},  {"double", ValueType::Double},
+    {"boolean", ValueType::Boolean}, {"booleanString", ValueType::Boolean},
+    {"list", ValueType::List},       {"dict", ValueType::Dictionary},
     {"bytearray", ValueType::Bytes},
 };
 

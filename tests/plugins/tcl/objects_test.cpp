@@ -104,10 +104,10 @@ check [[theButton] text] Cancel
               "");
     EXPECT_EQ(results(), QStringList("7 {name='ok' type='Button'}: "));
     const std::pair<const char*, const char*> rows[] = {
-        {"$b txet",
-         "MemberError: 'Button' has no property or method 'txet'; the nearest: 'text'"},
+        {"$b txet", "MemberError: 'Button' has no property or method 'txet'; the nearest: 'text'"},
         {"$b configure -q 1", "MemberError: 'Button' has no property or method 'q'"},
-        {"$b configure -resize 1", "MemberError: 'resize' of 'Button' is a method: call it instead"},
+        {"$b configure -resize 1",
+         "MemberError: 'resize' of 'Button' is a method: call it instead"},
         {"$b cget -resize", "MemberError: 'resize' of 'Button' is a method: call it instead"},
         {"$b text 5", "ArgumentError: Button.text is a property, which takes no arguments"},
         {"$b configure text 5", "MemberError: Button has no property \"text\""},
@@ -139,7 +139,8 @@ $b setValue [theButton]
                            "ok setValue QString:", "ok setValue int:1", "ok setValue ok"}));
     failure = "the object is gone";
     EXPECT_EQ(run("$b resize 1 2"), "TamrixError: the object is gone");
-    EXPECT_EQ(run("$b resize 1"), "ArgumentError: Button.resize() takes (int, int), not 1 arguments");
+    EXPECT_EQ(run("$b resize 1"),
+              "ArgumentError: Button.resize() takes (int, int), not 1 arguments");
 }
 
 TEST_F(TclObjects, NamesHaveManyForms) {
@@ -213,7 +214,8 @@ check [test::resultCount passes] [test resultCount passes]
               "");
     const std::pair<const char*, const char*> rows[] = {
         {"$image widht", "MemberError: Image has no subcommand \"widht\"; the nearest: \"width\""},
-        {"$image configure -width 5", "MemberError: The property 'width' of 'Image' can't be written"},
+        {"$image configure -width 5",
+         "MemberError: The property 'width' of 'Image' can't be written"},
         {"Image laod x", "MemberError: Image has no subcommand \"laod\"; the nearest: \"load\""},
         {"testSettings new", "ArgumentError: testSettings objects can't be made by scripts"},
         {"test komm", "Error: unknown subcommand \"komm\": must be "},

@@ -20,10 +20,10 @@ protected:
         const SharedPtr<ScriptArgument> value = context->argument(0);
         QStringList words{value->typeName()};
         const std::pair<const char*, bool> tests[] = {
-            {"bool", value->isBool()},     {"number", value->isNumber()},
+            {"bool", value->isBool()},       {"number", value->isNumber()},
             {"integer", value->isInteger()}, {"string", value->isString()},
-            {"object", value->isObject()}, {"callable", value->isCallable()},
-            {"list", value->isList()},     {"map", value->isMap()},
+            {"object", value->isObject()},   {"callable", value->isCallable()},
+            {"list", value->isList()},       {"map", value->isMap()},
             {"null", value->isNull()}};
         for (const auto& [name, holds] : tests) {
             if (holds)
@@ -75,8 +75,7 @@ TEST_F(TclValues, AreSeenForWhatTheyAreAndWhatTheyLookLike) {
     }
     // A number that has been calculated with is one, unless it looks otherwise.
     EXPECT_EQ(run("set n 007\nset m [expr {$n + 1}]\ndescribe $n\ndescribe $m"), "");
-    EXPECT_EQ(s_seen, (QStringList{"string number integer string|007",
-                                   "int number integer|8"}));
+    EXPECT_EQ(s_seen, (QStringList{"string number integer string|007", "int number integer|8"}));
 }
 
 TEST_F(TclValues, PassThroughUnchanged) {
@@ -99,7 +98,8 @@ TEST_F(TclValues, ConvertAsTheLanguageDoes) {
     EXPECT_EQ(s_seen, (QStringList{"3 3", "16 16", "2 2.9", "-2 -2.9", "0 0", "0 0",
                                    "4611686018427387904 4.61169e+18"}));
     EXPECT_EQ(run("convert [expr {2 ** 63}]"),
-              "ArgumentError: 9223372036854775808 is too large: only integers of 64 bits can be passed on");
+              "ArgumentError: 9223372036854775808 is too large: only integers of 64 bits can be "
+              "passed on");
 }
 
 TEST_F(TclValues, ComeBackAsTclsOwn) {
@@ -177,7 +177,8 @@ TEST_F(TclValues, VerifyTakesWhatConditionsTake) {
     EXPECT_EQ(results().size(), 3);
     EXPECT_TRUE(results().at(1).startsWith("11 Not verified"));
     EXPECT_EQ(run("test verify {$a < 2}"),
-              "ArgumentError: expected boolean value but got \"$a < 2\": write [expr {...}] around a condition");
+              "ArgumentError: expected boolean value but got \"$a < 2\": write [expr {...}] around "
+              "a condition");
 }
 
 TEST_F(TclValues, ApplicationContextsAndDataSets) {
@@ -249,7 +250,8 @@ TEST_F(TclValues, CallablesAreCalled) {
     EXPECT_EQ(run("callTwice {apply {{n} {expr {[same $n] + 40}}}}\n"
                   "proc divide {a b} {expr {$a / $b}}\ncallTwice {divide 1}"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"40", "41", "kept", "error Error: divide by zero", "1", "kept"}));
+    EXPECT_EQ(s_seen,
+              (QStringList{"40", "41", "kept", "error Error: divide by zero", "1", "kept"}));
     EXPECT_EQ(run("if {[identifier divide] ne [identifier divide]} {error other}"), "");
 }
 
@@ -277,7 +279,8 @@ proc main {} {
 main
 )tcl"),
               "");
-    EXPECT_EQ(s_seen, (QStringList{"true", "false", "Error: can't read \"nothing\": no such variable"}));
+    EXPECT_EQ(s_seen,
+              (QStringList{"true", "false", "Error: can't read \"nothing\": no such variable"}));
     EXPECT_EQ(results().mid(0, 3),
               (QStringList{"10 Exception: Raised Error: divide by zero",
                            "11 Exception: No exception was raised",
@@ -285,13 +288,15 @@ main
 }
 
 TEST_F(TclValues, ArgumentsHaveNames) {
-    define("wanted", [](ScriptContext* context) {
-        QStringList words;
-        for (int index = 0; index < context->argumentCount(); ++index)
-            words += context->argument(index) ? context->argument(index)->toString() : "-";
-        s_seen.append(words.join(' ') + (context->hasNamedArguments() ? " named" : ""));
-        return true;
-    }, {"a"}, {"first", "second"});
+    define("wanted",
+           [](ScriptContext* context) {
+               QStringList words;
+               for (int index = 0; index < context->argumentCount(); ++index)
+                   words += context->argument(index) ? context->argument(index)->toString() : "-";
+               s_seen.append(words.join(' ') + (context->hasNamedArguments() ? " named" : ""));
+               return true;
+           },
+           {"a"}, {"first", "second"});
     const std::pair<const char*, const char*> rows[] = {
         {"wanted 1", "1"},
         {"wanted -first", "-first"},
@@ -309,7 +314,8 @@ TEST_F(TclValues, ArgumentsHaveNames) {
     const std::pair<const char*, const char*> refused[] = {
         {"wanted 1 -first", "ArgumentError: value for \"-first\" missing"},
         {"wanted 1 -first 2 3", "ArgumentError: bad option \"3\": must be -first, or -second"},
-        {"wanted 1 2 -first 2", "ArgumentError: wanted() got several values for the argument 'first'"},
+        {"wanted 1 2 -first 2",
+         "ArgumentError: wanted() got several values for the argument 'first'"},
     };
     for (const auto& [code, error] : refused)
         EXPECT_EQ(run(code), error) << code;
