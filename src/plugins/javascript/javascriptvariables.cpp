@@ -24,7 +24,7 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 /// What a value consists of.
-enum class Shape { Plain, List, Map, Set, Properties };
+enum class Shape { Plain, List, Properties };
 
 Shape shapeOf(JS::HandleValue value) {
     if (!value.isObject())
@@ -37,7 +37,8 @@ Shape shapeOf(JS::HandleValue value) {
     checked(JS::IsArrayObject(engineContext(), value, &isArray));
     if (isArray)
         return Shape::List;
-    return isMapObject(object) ? Shape::Map : isSetObject(object) ? Shape::Set : Shape::Properties;
+    // So does going through these, which the engine does not allow at a stop.
+    return isMapObject(object) || isSetObject(object) ? Shape::Plain : Shape::Properties;
 }
 
 /// The keys of the object's own properties; of an array its elements alone.
@@ -66,21 +67,6 @@ int visitMembers(JS::HandleValue value, int first,
             isWanted = visit(QString::number(index), member);
         }
         return static_cast<int>(length);
-    }
-    if (shape == Shape::Map || shape == Shape::Set) {
-        JS::RootedValueVector entries(context);
-        entriesOf(object, &entries);
-        const int width = shape == Shape::Map ? 2 : 1;
-        const int count = static_cast<int>(entries.length()) / width;
-        JavaScriptValueTexts texts;
-        for (int index = first; isWanted && index < count; ++index) {
-            const auto place = static_cast<std::size_t>(index * width);
-            isWanted = shape == Shape::Set
-                           ? visit(QString::number(index), entries[place])
-                           : visit('[' + pathPart(texts.textOf(entries[place]), "[]()") + ']',
-                                   entries[place + 1]);
-        }
-        return count;
     }
     JS::RootedIdVector keys(context);
     keysOf(object, &keys);
@@ -129,16 +115,17 @@ QString JavaScriptValueTexts::objectText(JS::HandleObject object, int depth) {
         return errorText(object);
     if (kind == js::ESClass::Date)
         return Tamrix::JavaScriptPlugin::textOf(value);
+    if (kind == js::ESClass::Map)
+        return QStringLiteral("Map(%1)").arg(JS::MapSize(context, object));
+    if (kind == js::ESClass::Set)
+        return QStringLiteral("Set(%1)").arg(JS::SetSize(context, object));
 
     // The members that are shown, as texts.
     const Shape shape = shapeOf(value);
     QStringList texts;
     const int count = visitMembers(value, 0, [&](const QString& name, JS::HandleValue member) {
         const QString text = depth + 1 < deepest ? textOf(member, depth + 1) : QString();
-        texts.append(shape == Shape::List || shape == Shape::Set ? text
-                     : shape == Shape::Map
-                         ? textOfPathPart(name.mid(1, name.size() - 2)) + " => " + text
-                         : textOfPathPart(name) + ": " + text);
+        texts.append(shape == Shape::List ? text : textOfPathPart(name) + ": " + text);
         return texts.size() <= longest / 2;
     });
     int next = 0;
@@ -179,7 +166,7 @@ LanguageVariables::Value JavaScriptVariables::memberNamed(const Value& value, co
     const Shape shape = shapeOf(valueOf(value));
     bool isNumber = false;
     const int number = name.toInt(&isNumber);
-    const bool isNumbered = shape == Shape::List || shape == Shape::Set;
+    const bool isNumbered = shape == Shape::List;
     if (isNumbered && (!isNumber || number < 0))
         return found;
     visitMembers(valueOf(value), isNumbered ? number : 0,

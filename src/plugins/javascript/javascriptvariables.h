@@ -20,8 +20,8 @@ private:
     QString objectText(JS::HandleObject object, int depth);
 };
 
-/// The variables of a script that stands still: elements of an array by their number, entries of a
-/// Map by their key in brackets, properties of an object by their name.
+/// The variables of a script that stands still: elements of an array by their number, properties of
+/// an object by their name. A Map or a Set tells its size alone.
 class JavaScriptVariables final : public LanguageVariables {
 public:
     explicit JavaScriptVariables(JavaScriptDebugger& debugger);
