@@ -28,6 +28,8 @@ PerlInterpreter* s_perl = nullptr;
 SV* s_dieHook = nullptr;
 SV* s_scriptsDieHook = nullptr;
 bool s_isInDieHook = false;
+/// Until a call is no longer too deep.
+bool s_isDyingOfDepth = false;
 StatementListener* s_listener = nullptr;
 std::atomic<bool> s_isStopRequested{false};
 std::atomic<bool> s_isInterruptRequested{false};
@@ -59,7 +61,7 @@ void dieHook(pTHX_ CV* cv) {
     HV* stash = nullptr;
     GV* glob = nullptr;
     CV* const scripts = s_scriptsDieHook ? sv_2cv(s_scriptsDieHook, &stash, &glob, 0) : nullptr;
-    if (scripts && aTHX == s_perl) {
+    if (scripts && aTHX == s_perl && !s_isInDieHook) {
         ENTER;
         SAVEBOOL(s_isInDieHook);
         s_isInDieHook = true;
@@ -92,11 +94,15 @@ OP* enterStatement(pTHX) {
 
 OP* enterSub(pTHX) {
     const char here = 0;
-    // The hook of what dies here has its call, too: there is none while it runs.
-    if (UNLIKELY(cxstack_ix > deepestContext) && PL_diehook)
-        croak("Recursion is deeper than %d calls and blocks", static_cast<int>(deepestContext));
-    if (UNLIKELY(&here < s_stackLimit) && aTHX == s_perl && PL_diehook)
-        croak("Recursion is too deep for the stack");
+    const bool isTooDeep = cxstack_ix > deepestContext || &here < s_stackLimit;
+    if (UNLIKELY(isTooDeep != s_isDyingOfDepth) && aTHX == s_perl) {
+        // What dies is told to a hook, whose calls are as deep.
+        s_isDyingOfDepth = isTooDeep;
+        if (cxstack_ix > deepestContext)
+            croak("Recursion is deeper than %d calls and blocks", static_cast<int>(deepestContext));
+        if (isTooDeep)
+            croak("Recursion is too deep for the stack");
+    }
     return s_enterSub(aTHX);
 }
 

@@ -90,6 +90,8 @@ PerlRuntime::PerlRuntime() {
     if (!m_perl)
         throw std::runtime_error("there is no memory for Perl");
     enter();
+    // Perl lets one runtime alone set handlers of signals.
+    PL_curinterp = m_perl;
     pTHX = m_perl;
     perl_construct(aTHX);
     PL_perl_destruct_level = 2;

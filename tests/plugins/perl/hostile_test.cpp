@@ -20,9 +20,6 @@ TEST_F(PerlHostility, EndsItsCaseAlone) {
         const char* error;
     } rows[] = {
         {"sub f { f() } f()", "Recursion is deeper than 50000 calls and blocks"},
-        {"package O { use overload '\"\"' => sub { \"$_[0]\" }; } my $o = bless []; my $x = ''"
-         " . bless([], 'O')",
-         "Recursion is too deep for the stack"},
         {"my $m = {}; $m->{m} = $m; findObject($m)",
          "tamrix::Error: findObject() failed: The name of an object is nested deeper than 16: does "
          "a part of it hold itself?"},
@@ -30,7 +27,7 @@ TEST_F(PerlHostility, EndsItsCaseAlone) {
         {"$SIG{__DIE__} = sub { die 'in the hook' }; die 'x'", "in the hook"},
         {"sub D::DESTROY { exit 2 } my $o = bless [], 'D'; undef $o",
          "The script ended with exit(2)"},
-        {"*main::test::compare = 1; undef &test::pass; test::pass('x')", "Not a CODE reference"},
+        {"*main::test::compare = 1; undef &test::pass; test::pass('x')", "Undefined subroutine"},
         {"tamrix::Object->anything",
          "tamrix::MemberError: 'anything' was not called on an object "
          "of an application"},
