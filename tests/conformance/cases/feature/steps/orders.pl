@@ -13,47 +13,47 @@ AfterScenario sub {
     test::log("after with $context->{count} pies");  # @end
 };
 
-Given 'an empty order', sub {  # @step1
+Given 'an empty order', sub {
     my $context = shift;
     $context->{count} = 0;
-};
+};  # @step1
 
-When '{int} pie(s) for {string} is/are ordered', sub {  # @step2
+When '{int} pie(s) for {string} is/are ordered', sub {
     my ($context, $count, $name) = @_;
     $context->{count} += $count;
     test::log("for $name");  # @order
-};
+};  # @step2
 
-Then '{int} pies arrive', sub {  # @step3
+Then '{int} pies arrive', sub {
     my ($context, $count) = @_;
     test::compare($context->{count}, $count, 'pies');  # @arrive
-};
+};  # @step3
 
-Then 'it costs {float}', sub {  # @step4
+Then 'it costs {float}', sub {
     my ($context, $price) = @_;
     test::compare($price, 4.5);  # @costs
-};
+};  # @step4
 
-When 'these are ordered', sub {  # @step5
+When 'these are ordered', sub {
     my $context = shift;
     $context->{count} += $_->{count} for @{$context->{table}};
-};
+};  # @step5
 
-When 'the note says', sub {  # @step6
+When 'the note says', sub {
     my $context = shift;
     $context->{note} = $context->{text};
-};
+};  # @step6
 
-Then 'the note has {int} lines', sub {  # @step7
+Then 'the note has {int} lines', sub {
     my ($context, $count) = @_;
     my @lines = split /\n/, $context->{note};
     test::compare(scalar @lines, $count);  # @lines
-};
+};  # @step7
 
-Step 'an error is raised', sub {  # @step8
+Step 'an error is raised', sub {
     die 'in a step';  # @error
-};
+};  # @step8
 
-Step 'this is not reached', sub {  # @step9
+Step 'this is not reached', sub {
     test::fail('reached');
-};
+};  # @step9

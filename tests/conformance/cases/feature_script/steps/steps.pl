@@ -14,11 +14,11 @@ AfterFeature sub {
     test::log("done with $context->{feature}");  # @done
 };
 
-Given 'a {colour} light', sub {  # @step10
+Given 'a {colour} light', sub {
     my ($context, $value) = @_;
     test::log($value);  # @light
-};
+};  # @step10
 
-Given 'something to do', sub {  # @step11
+Given 'something to do', sub {
     Pending('later');  # @pending
-};
+};  # @step11
