@@ -94,7 +94,8 @@ TEST_F(JavaScriptDap, BreakPointsStepsAndVariables) {
     EXPECT_EQ(value(elements["1"]), "{price: 3}");
     EXPECT_EQ(evaluated("total + each.price"), "5");
     evaluated("total = 10");
-    EXPECT_EQ(after("next"), "step sums.js:3");
+    // The engine does not come to the head of a loop any more when there is nothing left.
+    EXPECT_EQ(after("next"), "step sums.js:5");
     EXPECT_EQ(after("stepOut"), "step test.js:6");
     EXPECT_EQ(evaluated("sum"), "13");
     client.body("continue", {{"threadId", 1}});
