@@ -223,7 +223,7 @@ bool CaseInterpreter::checkSyntax(const QString& text, const QString& fileName) 
     bool isCompiled = false;
     CodeEnd end = evaluateText("package main; " + text, fileName, &isCompiled);
     if (!isCompiled && end.ending == Ending::Died)
-        return finish(std::move(end), true);
+        return finish(end, true);
     m_checked = {text, fileName, std::move(end)};
     return true;
 }
@@ -233,7 +233,7 @@ bool CaseInterpreter::runScript(const QString& text, const QString& fileName) {
     if (m_checked && m_checked->text == text && m_checked->fileName == fileName) {
         CodeEnd end = std::move(m_checked->end);
         m_checked.reset();
-        return finish(std::move(end), true);
+        return finish(end, true);
     }
     departure() = Departure();
     return finish(
@@ -261,12 +261,12 @@ LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgumen
         throwEnd(std::move(end));
     const bool isPending = end.ending == Ending::Died && sv_isobject(end.value.get()) &&
                            sv_derived_from(end.value.get(), "bdd::Pending");
-    if (finish(std::move(end), true))
+    if (finish(end, true))
         return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;
 }
 
-bool CaseInterpreter::finish(CodeEnd end, bool hasFile) {
+bool CaseInterpreter::finish(const CodeEnd& end, bool hasFile) {
     pTHX = perl();
     switch (end.ending) {
         case Ending::Returned:

@@ -80,7 +80,7 @@ protected:
 private:
     void defineOwnFunctions();
     void runPrelude();
-    bool finish(CodeEnd end, bool hasFile);
+    bool finish(const CodeEnd& end, bool hasFile);
     /// The function of the name in `main`, null without.
     CV* mainFunction(const QString& name) const;
 

@@ -143,6 +143,7 @@ StepLanguage::Value PerlSteps::tableValue(const Gherkin::Step& step) {
     std::vector<Value> rows;
     for (const std::vector<Gherkin::TableCell>& row : step.table) {
         std::vector<Value> cells;
+        cells.reserve(row.size());
         for (const Gherkin::TableCell& cell : row)
             cells.push_back(context.createString(QString::fromStdString(cell.text)));
         rows.push_back(context.createList(cells));

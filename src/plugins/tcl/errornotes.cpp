@@ -27,8 +27,17 @@ ErrorNotes::ErrorNotes(Tcl_Interp* interp, std::function<void(const std::vector<
 }
 
 ErrorNotes::~ErrorNotes() {
+    forget();
+}
+
+void ErrorNotes::forget() {
     Tcl_UntraceVar2(m_interp, variable, nullptr,
                     TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS, variableChanged, this);
+}
+
+void ErrorNotes::renew() {
+    forget();
+    listen();
 }
 
 void ErrorNotes::listen() {

@@ -22,6 +22,10 @@ public:
     ErrorNotes(const ErrorNotes&) = delete;
     ErrorNotes& operator=(const ErrorNotes&) = delete;
 
+    /// Makes sure to be told before code runs: Tcl writes only for who has asked behind it, and asks
+    /// anew itself at times.
+    void renew();
+
     /// The frames in which the error with this `-errorinfo` was raised, the innermost first; none
     /// when it was not seen.
     std::vector<TclFrame> framesOf(std::string_view errorInfo) const;
@@ -34,6 +38,7 @@ private:
     static char* variableChanged(void* self, Tcl_Interp* interp, const char* name,
                                  const char* element, int flags);
     void listen();
+    void forget();
     void notice();
     const Note* find(std::string_view errorInfo) const;
 

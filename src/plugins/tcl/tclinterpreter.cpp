@@ -372,6 +372,7 @@ int TclInterpreter::guarded(Code code) {
     // What ended one run of the script is no matter to the next, as to its clean-up.
     if (m_depth == 1)
         TclRuntime::self().forgetEnd();
+    m_errors->renew();
     try {
         return code();
     } catch (const ScriptErrorSet&) {

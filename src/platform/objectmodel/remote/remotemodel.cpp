@@ -1,5 +1,6 @@
 #include "platform/objectmodel/remote/remotemodel.h"
 
+#include <QImage>
 #include <algorithm>
 
 #include "platform/objectmodel/nearmisstext.h"
