@@ -1,3 +1,0 @@
-proc main {} {
-    runFeatureFile [findFile testdata feature_script.feature] ;# @main
-}
