@@ -353,6 +353,10 @@ void Recorder::takeWheel(QWindow* window, const QWheelEvent& event) {
 }
 
 void Recorder::takeClose(QWindow* window) {
+    // In Qt 6 windows that the program closes get the same event: menus, and what closes before the
+    // program is at rest behind an input.
+    if (window->type() == Qt::Popup || m_rest.isActive())
+        return;
     const Element element = Session::self()->element(window);
     if (element.isNull() || element.toolkit->isInternal(element))
         return;
