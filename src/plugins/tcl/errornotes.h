@@ -22,8 +22,8 @@ public:
     ErrorNotes(const ErrorNotes&) = delete;
     ErrorNotes& operator=(const ErrorNotes&) = delete;
 
-    /// Makes sure to be told before code runs: Tcl writes only for who has asked behind it, and asks
-    /// anew itself at times.
+    /// Makes sure to be told before code runs: Tcl writes only for who has asked behind it, and
+    /// asks anew itself at times.
     void renew();
 
     /// The frames in which the error with this `-errorinfo` was raised, the innermost first; none

@@ -62,7 +62,7 @@ void NativeClasses::add(const QString& name, void* typeId, const NativeScriptTyp
             NativeProperty{accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
     m_classes[typeId] = made;
     m_interpreter.defineCommand(name, runClassCommand,
-                                std::unique_ptr<ClassCommand>(new ClassCommand{*this, typeId}));
+                                std::make_unique<ClassCommand>(ClassCommand{*this, typeId}));
 }
 
 void NativeClasses::addMember(const QString& className, const NativeFunction& function) {

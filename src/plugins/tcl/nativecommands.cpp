@@ -131,12 +131,12 @@ int callWithWords(TclInterpreter& interpreter, const NativeFunction& function,
 void defineNative(TclInterpreter& interpreter, const QString& name,
                   const NativeFunction& function) {
     interpreter.defineCommand(
-        name, runNative, std::unique_ptr<NativeCommand>(new NativeCommand{interpreter, function}));
+        name, runNative, std::make_unique<NativeCommand>(NativeCommand{interpreter, function}));
 }
 
 void defineGlobalFunction(TclInterpreter& interpreter, const QString& name) {
     interpreter.defineCommand(name, runGlobal,
-                              std::unique_ptr<GlobalCommand>(new GlobalCommand{interpreter, name}));
+                              std::make_unique<GlobalCommand>(GlobalCommand{interpreter, name}));
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -133,7 +133,7 @@ void TclInterpreter::createTcl() {
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
     Tcl_CreateObjCommand(m_tcl, "::exit", exitScript, nullptr, nullptr);
-    auto source = std::unique_ptr<SourceCommand>(new SourceCommand{*this, {}});
+    auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});
     Tcl_GetCommandInfo(m_tcl, "::source", &source->original);
     defineCommand(QStringLiteral("source"), runSource, std::move(source));
     Tcl_CreateNamespace(m_tcl, "::tamrix", nullptr, nullptr);
@@ -512,9 +512,9 @@ const TclInterpreter::SourceFile& TclInterpreter::sourceFile(const QString& file
     return *m_files.insert(file, {path, !isOfLibrary});
 }
 
-std::vector<TclFrame> TclInterpreter::framesOfScripts(std::vector<TclFrame> frames) {
+std::vector<TclFrame> TclInterpreter::framesOfScripts(const std::vector<TclFrame>& frames) {
     std::vector<TclFrame> found;
-    for (TclFrame& frame : frames) {
+    for (const TclFrame& frame : frames) {
         const SourceFile& file = sourceFile(frame.file);
         if (frame.line >= 0 && file.isScript)
             found.push_back({frame.level, file.path, frame.line, frame.command});

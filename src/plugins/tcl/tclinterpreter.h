@@ -80,7 +80,7 @@ public:
     /// The frames that run commands of scripts, the innermost first.
     std::vector<TclFrame> frames();
     /// Without those of Tcl's library, and with the paths that results have.
-    std::vector<TclFrame> framesOfScripts(std::vector<TclFrame> frames);
+    std::vector<TclFrame> framesOfScripts(const std::vector<TclFrame>& frames);
 
     /// The variables at a level, as `uplevel` counts them, with their values; an array is a
     /// dictionary. Those that are there before the script are left out.

@@ -15,7 +15,7 @@ namespace {
     va_start(arguments, format);
     std::vsnprintf(thrown.text, sizeof thrown.text, format, arguments);
     va_end(arguments);
-    throw thrown;
+    throw TclPanic(thrown);
 }
 
 /// Who handled Ctrl-C before: the runtime of another language, or nobody.

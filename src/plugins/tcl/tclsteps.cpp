@@ -182,7 +182,7 @@ void defineStepCommands(TclInterpreter& interpreter) {
     for (const auto& row : commands)
         interpreter.defineCommand(
             QStringLiteral("bdd::") + QLatin1String(row.name), row.command,
-            std::unique_ptr<StepCommand>(new StepCommand{interpreter, row.type, row.order}));
+            std::make_unique<StepCommand>(StepCommand{interpreter, row.type, row.order}));
 }
 
 TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
