@@ -79,24 +79,6 @@ TEST_P(RealPrograms, SuitesPass) {
     }
 }
 
-/// The suite of applications once more in each language that was built.
-TEST_P(RealPrograms, SuitesInOtherLanguagesPass) {
-#ifdef TAMRIX_TEST_QT6
-    const QStringList cases;
-#else
-    const QStringList cases{"calculator", "address_book", "quick_scene"};
-#endif
-    for (const QString language : {"javascript", "perl", "ruby", "tcl"}) {
-        const QString suite = TAMRIX_TEST_SOURCE_DIR "/examples/suite_applications_" + language;
-        if (!QFile::exists(suite) ||
-            !QFile::exists(TAMRIX_TEST_PREFIX "/lib/tamrix" + language + ".so"))
-            continue;
-        runner.run(arguments(suite) + cases);
-        EXPECT_EQ(runner.exitCode(), 0)
-            << qPrintable(language + ":\n" + runner.output() + runner.errors());
-    }
-}
-
 TEST_P(RealPrograms, AMistakeIsShownWithItsMoment) {
     Tamrix::Test::SuiteFolder suite;
     suite.write("suite/oops/test.py", QByteArray("def main():\n    startApplication('") +
