@@ -83,6 +83,7 @@ TEST_F(Attachments, OfCasesThatRunAtTheSameTimeHaveNamesOfTheirOwn) {
     constexpr size_t filesEach = 50;
     std::array<QStringList, workers> names;
     std::vector<std::thread> threads;
+    threads.reserve(workers);
     for (QStringList& own : names) {
         threads.emplace_back([&own, path = folder.path()] {
             for (size_t i = 0; i < filesEach; ++i) {

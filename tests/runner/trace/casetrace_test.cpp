@@ -158,8 +158,10 @@ TEST(TraceFolder, ReplacesATraceAndNothingElse) {
 TEST(TraceFolder, LinesOfSeveralAuthorsStayWhole) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("cases.js");
+    constexpr int count = 4;
     std::vector<std::thread> authors;
-    for (int author = 0; author < 4; ++author) {
+    authors.reserve(count);
+    for (int author = 0; author < count; ++author) {
         authors.emplace_back([&file] {
             for (int line = 0; line < 50; ++line)
                 EXPECT_TRUE(
