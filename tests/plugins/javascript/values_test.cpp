@@ -302,13 +302,12 @@ main(true);
               "");
     EXPECT_EQ(s_seen,
               (QStringList{"true", "false", "ReferenceError: nothing is not defined", "true"}));
-    EXPECT_EQ(results(),
-              (QStringList{"10 Exception: Raised TypeError: limit.x is undefined",
-                           "11 Exception: The code is not valid: SyntaxError: missing formal "
-                           "parameter",
-                           "11 Exception: No exception was raised",
-                           "10 Exception: Raised TypeError: null has no properties",
-                           "10 Exception: Raised late"}));
+    const char* const invalid =
+        "11 Exception: The code is not valid: SyntaxError: missing formal parameter";
+    EXPECT_EQ(results(), (QStringList{"10 Exception: Raised TypeError: limit.x is undefined",
+                                      invalid, "11 Exception: No exception was raised",
+                                      "10 Exception: Raised TypeError: null has no properties",
+                                      "10 Exception: Raised late"}));
 }
 
 }  // namespace

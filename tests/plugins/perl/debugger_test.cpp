@@ -114,13 +114,13 @@ TEST_F(PerlDebugging, GoesOnAsItsFrontEndCommands) {
 TEST_F(PerlDebugging, ShowsAndChangesVariables) {
     atLine(0, [this] {
         debugger->setInteractive(true);
-        EXPECT_EQ(variables(""),
-                  (QStringList{"+%h HASH {\"b\" => [1, 2], \"k.e y\" => 1}", "+@list ARRAY [1, 2]",
-                               "$text string \"a\\n\\\"b\\\"\"", "$n integer 5",
-                               "$none undef undef", "$code CODE \\&main::main",
-                               "+$loop HASH {\"in\" => {\"in\" => {\"in\" "
-                               "=> {\"in\" => {...}}}}}",
-                               "$package integer 3"}));
+        const char* const loop =
+            "+$loop HASH {\"in\" => {\"in\" => {\"in\" => {\"in\" => {...}}}}}";
+        EXPECT_EQ(
+            variables(""),
+            (QStringList{"+%h HASH {\"b\" => [1, 2], \"k.e y\" => 1}", "+@list ARRAY [1, 2]",
+                         "$text string \"a\\n\\\"b\\\"\"", "$n integer 5", "$none undef undef",
+                         "$code CODE \\&main::main", loop, "$package integer 3"}));
         EXPECT_EQ(variables("+%h"),
                   (QStringList{"+%h.['b'] ARRAY [1, 2]", "%h.['k%2Ee y'] integer 1"}));
         EXPECT_EQ(variables("+%h.['b']"),

@@ -7,7 +7,6 @@ namespace Tamrix {
 namespace {
 
 using namespace Test;
-using testing::HasSubstr;
 
 class PerlErrors : public PerlTest {
 protected:

@@ -10,8 +10,6 @@ namespace Tamrix {
 namespace {
 
 using namespace Test;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class TclErrors : public TclTest {};
 
