@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "e2e/applicationrun.h"
+#include "support/processes.h"
 #include "support/sshserver.h"
 
 namespace Tamrix {
@@ -36,9 +37,9 @@ protected:
         ASSERT_GT(pid, 1);
         QElapsedTimer timer;
         timer.start();
-        while (::kill(pid, 0) == 0 && timer.elapsed() < 20000)
+        while (Tamrix::Test::isRunning(pid) && timer.elapsed() < 20000)
             ::usleep(20000);
-        EXPECT_NE(::kill(pid, 0), 0) << "the program is still there";
+        EXPECT_FALSE(Tamrix::Test::isRunning(pid)) << "the program is still there";
     }
 
     SshServer server;

@@ -95,11 +95,13 @@ TEST(TileStore, FailuresAreToldAndTilesMove) {
 /// What the page does with changes.
 QStringList applied(const std::vector<QByteArray>& before, const QByteArray& changes) {
     QStringList lines;
-    for (const QJsonValue& change : QJsonDocument::fromJson(changes).array()) {
+    const QJsonArray all = QJsonDocument::fromJson(changes).array();
+    for (const auto& change : all) {
         const QJsonArray fields = change.toArray();
         if (fields.size() == 2) {
             for (int index = 0; index < fields.at(1).toInt(); ++index)
-                lines += before[static_cast<size_t>(fields.at(0).toInt() + index)];
+                lines += before.at(static_cast<size_t>(fields.at(0).toInt()) +
+                                   static_cast<size_t>(index));
         } else {
             lines += QJsonDocument(fields).toJson(QJsonDocument::Compact);
         }
