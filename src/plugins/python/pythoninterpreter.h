@@ -73,6 +73,7 @@ public:
                            const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
+    std::vector<LineInfo> interruptedStack() override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
