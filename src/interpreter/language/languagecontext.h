@@ -84,13 +84,15 @@ public:
             Arguments& used = m_own.argumentStorage();
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : used) {
-                if (each->referenceCount() == 1)
+                if (each && each->referenceCount() == 1)
                     static_cast<Argument*>(each.get())->rebind({});
                 else
                     areKept = true;
             }
             if (areKept)
-                std::erase_if(used, [](const auto& each) { return each->referenceCount() > 1; });
+                std::erase_if(used, [](const SharedPtr<ScriptArgument>& each) {
+                    return !each || each->referenceCount() > 1;
+                });
             used.swap(m_own.m_wrappers);
         }
         DirectCall(const DirectCall&) = delete;
