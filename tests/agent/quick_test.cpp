@@ -50,6 +50,34 @@ TEST_P(QuickTest, ItemsAreSeenWithPlaceNameAndText) {
     }
 }
 
+TEST_P(QuickTest, TheFocusIsNoName) {
+    AgentClient client(forQt("quick_target", GetParam()));
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    const Wire::ObjectInfo field = client.find({"type=QQuickTextInput"});
+    EXPECT_EQ(client.read(field, "activeFocus"), true);
+    const auto name =
+        client.request<Wire::Text>(Wire::MessageType::RealName, Wire::ObjectHandle{field.handle});
+    EXPECT_EQ(name.text, "{type='QQuickTextInput'}");
+}
+
+TEST_P(QuickTest, PasswordsStayHidden) {
+    AgentClient client(forQt("quick_target", GetParam()));
+    ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();
+    const Wire::ObjectInfo field = client.find({"type=QQuickTextInput"});
+    const QString shown = client.read(field, "displayText").toString();
+    EXPECT_EQ(shown.size(), 7);
+    EXPECT_NE(shown, "hunter2");
+    const auto listing = client.request<Wire::ObjectListing>(Wire::MessageType::ListObjects);
+    const auto outline = client.request<Wire::ObjectOutline>(Wire::MessageType::OutlineObjects);
+    QStringList texts;
+    for (const Wire::ListedObject& object : listing.objects)
+        texts << object.text << object.name;
+    for (const Wire::OutlinedObject& object : outline.objects)
+        texts << object.text << object.label;
+    EXPECT_GE(texts.count(shown), 2);
+    EXPECT_TRUE(texts.filter("hunter2").isEmpty());
+}
+
 TEST_P(QuickTest, AProgramWithoutWidgetsGetsNone) {
     AgentClient client(forQt("quick_target", GetParam()));
     ASSERT_TRUE(client.accept()) << client.errorOutput().toStdString();

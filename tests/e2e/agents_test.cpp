@@ -118,7 +118,12 @@ TEST_F(Agents, SeeAGalleryForFewTokens) {
     EXPECT_TRUE(filled.contains("testSettings.getPassword(\"password\")") &&
                 filled.contains("TAMRIX_PASSWORD_password"))
         << filled.toStdString();
-    EXPECT_FALSE(filled.contains("s3cret"));
+    const std::string field = refOf(view, "QLineEdit = ");
+    EXPECT_TRUE(
+        agent.answer("properties", arguments({{"target", field}})).contains("\ntext = (hidden)\n"));
+    for (const QString& told :
+         {filled, answer("properties", field), answer("names", field), agent.answer("snapshot")})
+        EXPECT_FALSE(told.contains("s3cret")) << told.toStdString();
     const QString dial = QString::fromStdString(refOf(view, "QDial"));
     EXPECT_TRUE(
         agent.answer("drag", arguments({{"target", dial.toStdString()}, {"dx", 20}, {"dy", 20}}))
@@ -127,6 +132,32 @@ TEST_F(Agents, SeeAGalleryForFewTokens) {
         agent.answer("properties", arguments({{"target", dial.toStdString()}, {"find", "maximum"}}))
             .contains("\nmaximum = 99\n"));
     EXPECT_TRUE(answer("names", dial.toStdString()).startsWith("{"));
+}
+
+TEST_F(Agents, SelectInMenusByTheirTitlesToo) {
+    const QString view = start(widgetExamples + "mainwindows/application/application");
+    const auto select = [&](const QString& expression, const Json::Value& item) {
+        return agent.act("select",
+                         arguments({{"target", refOf(view, expression)}, {"item", item}}));
+    };
+    Json::Value steps(Json::arrayValue);
+    steps.append("Help");
+    steps.append("About");
+    for (const auto& [target, item] :
+         {std::pair("QAction \"Help", "About"), std::pair("QMenuBar", "Help.About")}) {
+        const QString about = select(target, item);
+        EXPECT_TRUE(about.startsWith("selectItem(\"{type='QMenuBar'}\", \"Help.About\")\n"))
+            << about.toStdString();
+        EXPECT_TRUE(about.contains("new window e")) << about.toStdString();
+        agent.act("press", arguments({{"keys", "Escape"}}));
+    }
+    EXPECT_TRUE(select("QMenuBar", steps).contains("[\"Help\", \"About\"]"));
+    agent.act("press", arguments({{"keys", "Escape"}}));
+    // Of a long line the beginning is told.
+    const QString filled = agent.act("fill", arguments({{"target", refOf(view, "QPlainTextEdit")},
+                                                        {"text", std::string(2000, 'x')}}));
+    EXPECT_TRUE(filled.contains("xxx... (20")) << filled.toStdString();
+    EXPECT_LT(filled.size(), 1500);
 }
 
 TEST_F(Agents, SurviveWhatProgramsDo) {

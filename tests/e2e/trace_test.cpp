@@ -1,6 +1,7 @@
 // Traces of runs, of a real program.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QTcpServer>
@@ -22,6 +23,12 @@ protected:
 
     QStringList options(const char* mode) const {
         return {"run", suite.path("suite"), "--result-dir", suite.path("results"), "--trace", mode};
+    }
+
+    static quint16 freePort() {
+        QTcpServer probe;
+        EXPECT_TRUE(probe.listen(QHostAddress::LocalHost));
+        return probe.serverPort();
     }
 };
 
@@ -67,11 +74,7 @@ TEST_F(Traces, OfAKilledRunHoldEverythingUpToThenAndAreShownLive) {
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 2);
     EXPECT_TRUE(runner.errors().contains("--trace-live takes a port from 1 to 65535, not '0'"));
-    // Some port that is free.
-    QTcpServer probe;
-    ASSERT_TRUE(probe.listen(QHostAddress::LocalHost));
-    const quint16 port = probe.serverPort();
-    probe.close();
+    const quint16 port = freePort();
     RunnerProcess live;
     prepare(live);
     live.start(options("on") + QStringList{"--trace-live", QString::number(port)});
@@ -91,6 +94,36 @@ TEST_F(Traces, OfAKilledRunHoldEverythingUpToThenAndAreShownLive) {
     const QByteArray steps = text("case-0001/steps-0001.js");
     EXPECT_TRUE(steps.endsWith(");\n"));
     EXPECT_TRUE(steps.contains("startApplication"));
+}
+
+TEST_F(Traces, AreShownUntilTheRunEnds) {
+    addCase("a", "def main():\n    test.log('fine')\n");
+    QTcpServer taken;
+    ASSERT_TRUE(taken.listen(QHostAddress::LocalHost));
+    const QString port = QString::number(taken.serverPort());
+    RunnerProcess refused;
+    refused.run(options("on") + QStringList{"--trace-live", port});
+    EXPECT_EQ(refused.exitCode(), 2);
+    EXPECT_TRUE(
+        refused.errors().startsWith("tamrixrunner: port " + port + " can't be listened on: "))
+        << qPrintable(refused.errors());
+    EXPECT_TRUE(refused.errors().endsWith("\ntamrixrunner: the trace can't be shown\n"));
+    taken.close();
+    // Also when workers run the cases.
+    for (const QStringList& jobs : {QStringList(), QStringList{"--jobs", "2"}}) {
+        RunnerProcess shown;
+        prepare(shown);
+        shown.run(options("on") + QStringList{"--trace-live", port} + jobs);
+        EXPECT_EQ(shown.exitCode(), 0) << qPrintable(shown.output());
+        EXPECT_EQ(shown.errors(),
+                  "tamrixrunner: The trace is shown at http://127.0.0.1:" + port + "/\n");
+        // The server goes with the run.
+        for (int round = 0; round < 1000 && !taken.listen(QHostAddress::LocalHost, port.toUShort());
+             ++round)
+            ::usleep(20000);
+        EXPECT_TRUE(taken.isListening());
+        taken.close();
+    }
 }
 
 TEST_F(Traces, NeedAFolderAndActions) {

@@ -29,6 +29,7 @@ Window {
         Rectangle { objectName: "far"; y: 800; width: 50; height: 50 }
     }
     Rectangle { objectName: "gone"; visible: false; width: 5; height: 5 }
+    TextInput { y: 150; width: 100; height: 20; echoMode: TextInput.Password; text: "hunter2"; focus: true }
 }
 )";
 

@@ -72,13 +72,19 @@ Element focusedElement() {
     return element;
 }
 
-/// What a slider or the like shows.
+/// What a slider, a list to choose from or the like shows.
 QString shownValue(const Element& element) {
-    if (element.isItem() || element.object->metaObject()->indexOfProperty("value") < 0)
+    if (element.isItem())
         return {};
-    bool isKnown = false;
-    const QVariant value = propertyValue(element, QStringLiteral("value"), &isKnown);
-    return isKnown ? valueText(value) : QString();
+    for (const char* const name : {"value", "displayText"}) {
+        if (element.object->metaObject()->indexOfProperty(name) < 0)
+            continue;
+        bool isKnown = false;
+        const QVariant value = propertyValue(element, QLatin1String(name), &isKnown);
+        if (isKnown)
+            return valueText(value);
+    }
+    return {};
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "agent/qtquick/quicktoolkit.h"
 
 #include <QGuiApplication>
+#include <QMetaProperty>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -44,6 +45,18 @@ bool scrollFlickable(QQuickItem* flickable, const QQuickItem* item) {
     return scroll("contentY", place.top(), place.bottom(), flickable->height()) || hasMovedX;
 }
 
+/// The object's id. Where it has none, Qt 6 takes a property that holds the object, also one that
+/// soon holds another, such as the item with the focus: that is no name.
+QString idOf(QObject* object, const QQmlContext& context) {
+    const QString name = context.nameForObject(object);
+    const QObject* const holder = context.contextObject();
+    const int index = holder ? holder->metaObject()->indexOfProperty(name.toLatin1()) : -1;
+    if (index < 0)
+        return name;
+    const QMetaProperty property = holder->metaObject()->property(index);
+    return property.isWritable() || property.isConstant() ? name : QString();
+}
+
 }  // namespace
 
 bool QuickToolkit::knows(const QObject* object) const {
@@ -82,7 +95,7 @@ Element QuickToolkit::window(const Element& item) const {
 QString QuickToolkit::name(const Element& element) const {
     const QString name = element.object->objectName();
     const QQmlContext* const context = name.isEmpty() ? qmlContext(element.object) : nullptr;
-    return context ? context->nameForObject(element.object) : name;
+    return context ? idOf(element.object, *context) : name;
 }
 
 QString QuickToolkit::text(const Element& element) const {

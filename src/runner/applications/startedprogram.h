@@ -23,6 +23,7 @@ public:
     const ApplicationStart& start() const { return m_start; }
     ChildProcess& process() { return *m_process; }
     const ChildOutput& output() const { return *m_process->output(); }
+    ChildOutput& output() { return *m_process->output(); }
 
     /// An application of this program is connected under a name; `isExitExpected` once the script
     /// wants it to end.

@@ -1,8 +1,14 @@
 #include "runner/commands/livetrace.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <QDeadlineTimer>
+#include <cerrno>
 #include <csignal>
 
-#include "base/blocking.h"
+#include "base/bytestream.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/terminal.h"
 
@@ -12,8 +18,20 @@ namespace {
 
 /// For the server to listen, in milliseconds.
 constexpr int patience = 5000;
-constexpr int interval = 20;
-constexpr unsigned long microsecondsEach = 1000;
+
+/// Empty when none comes.
+QByteArray firstLine(int pipe) {
+    DescriptorReader reader(pipe);
+    const QDeadlineTimer deadline(patience);
+    QByteArray text;
+    while (!text.contains('\n') && !deadline.hasExpired()) {
+        pollfd watched{pipe, POLLIN, 0};
+        ::poll(&watched, 1, static_cast<int>(deadline.remainingTime()));
+        if (reader.read(&text) == ByteReader::State::Ended)
+            break;
+    }
+    return text.contains('\n') ? text.trimmed() : QByteArray();
+}
 
 }  // namespace
 
@@ -25,27 +43,28 @@ LiveTrace::~LiveTrace() {
 Outcome<> LiveTrace::show(const QString& folder, quint16 port) {
     if (port == 0)
         return {};
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0)
+        return fail(FailureKind::Failed, qt_error_string(errno));
     ProgramStart start;
     start.program = QStringLiteral("/proc/self/exe");
     start.arguments = QStringList{QStringLiteral("trace"), folder, QStringLiteral("--port"),
                                   QString::number(port)};
+    // A thread that keeps what it writes would not come along when this process forks.
+    start.keepsOutput = false;
+    start.outputDescriptor = ends[1];
     Outcome<std::unique_ptr<ChildProcess>> server = ChildProcess::start(start);
+    ::close(ends[1]);
+    const QByteArray told = server ? firstLine(ends[0]) : QByteArray();
+    ::close(ends[0]);
     if (!server)
         return fail(server.error());
     m_server = std::move(*server);
-    for (int waited = 0; waited < patience; waited += interval) {
-        if (const QByteArray told = m_server->output()->standardOutput(); told.contains('\n')) {
-            tell(QString::fromUtf8(told.trimmed()));
-            return {};
-        }
-        if (m_server->hasEnded()) {
-            m_server->output()->waitForEnd(patience);
-            return fail(FailureKind::Failed, QStringLiteral("the trace can't be shown: %1")
-                                                 .arg(m_server->output()->lastErrorLines(1)));
-        }
-        blockingSleep(interval * microsecondsEach);
-    }
-    return fail(FailureKind::TimedOut, QStringLiteral("the trace is not shown in time"));
+    // Why not, it has said itself.
+    if (told.isEmpty())
+        return fail(FailureKind::Failed, QStringLiteral("the trace can't be shown"));
+    tell(QString::fromUtf8(told));
+    return {};
 }
 
 }  // namespace Tamrix

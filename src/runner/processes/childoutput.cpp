@@ -12,6 +12,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <utility>
 
 #include "base/blocking.h"
 #include "base/wholetext.h"
@@ -33,9 +34,18 @@ void OutputTail::shrink(qint64 size) {
 }
 
 QByteArray OutputTail::content() const {
-    if (m_total <= m_kept)
-        return m_bytes;
-    return "[" + QByteArray::number(m_total - m_kept) + " bytes before this are left out]\n" +
+    return lastOf(m_total);
+}
+
+QByteArray OutputTail::takeNew() {
+    const qint64 count = m_total - std::exchange(m_taken, m_total);
+    return lastOf(count);
+}
+
+QByteArray OutputTail::lastOf(qint64 count) const {
+    if (count <= m_kept)
+        return m_bytes.right(static_cast<int>(count));
+    return "[" + QByteArray::number(count - m_kept) + " bytes before this are left out]\n" +
            m_bytes.right(static_cast<int>(m_kept));
 }
 
@@ -128,6 +138,11 @@ QByteArray ChildOutput::standardOutput() const {
 QByteArray ChildOutput::standardError() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_tails[1].content();
+}
+
+ChildOutput::News ChildOutput::takeNews() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return {m_tails[0].takeNew(), m_tails[1].takeNew()};
 }
 
 QString ChildOutput::lastErrorLines(int count) const {

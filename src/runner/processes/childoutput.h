@@ -18,11 +18,16 @@ public:
     void shrink(qint64 size);
     /// What is kept, behind a line that tells what was left out when that is not all.
     QByteArray content() const;
+    /// What came since the last call, as content() tells it.
+    QByteArray takeNew();
     qint64 total() const { return m_total; }
 
 private:
+    QByteArray lastOf(qint64 count) const;
+
     QByteArray m_bytes;
     qint64 m_total = 0;
+    qint64 m_taken = 0;
     qint64 m_kept = limit;
 };
 
@@ -39,6 +44,12 @@ public:
 
     QByteArray standardOutput() const;
     QByteArray standardError() const;
+    /// What was written since the last call.
+    struct News {
+        QByteArray standardOutput;
+        QByteArray standardError;
+    };
+    News takeNews();
     /// The last lines of standard error, at most `count`, without an end of line behind them.
     QString lastErrorLines(int count) const;
     /// Waits until both streams have ended, at most this long: what a program wrote just before it

@@ -319,14 +319,14 @@ TraceView SuiteRun::traceView() {
     };
     view.output = [this] {
         QMap<QString, QByteArray> streams;
-        if (const SharedPtr<Application> application = liveApplication(&m_runner)) {
-            const std::shared_ptr<StartedProgram> program = application->sharedProgram();
-            if (program) {
-                streams.insert(application->name + QStringLiteral("-stdout"),
-                               program->output().standardOutput());
-                streams.insert(application->name + QStringLiteral("-stderr"),
-                               program->output().standardError());
-            }
+        const SharedPtr<Application> current = m_runner.applications.current();
+        const auto programs = m_runner.applications.programs().ofInterest(
+            current ? current->sharedProgram() : std::shared_ptr<StartedProgram>());
+        for (const auto& program : programs) {
+            const ChildOutput::News news = program->output().takeNews();
+            const QString& name = program->start().name;
+            streams[name + QStringLiteral("-stdout")] += news.standardOutput;
+            streams[name + QStringLiteral("-stderr")] += news.standardError;
         }
         return streams;
     };

@@ -5,8 +5,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 
 #include "base/overloaded.h"
+#include "base/utf8.h"
+#include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
 #include "runner/trace/objectlines.h"
@@ -20,6 +23,8 @@ namespace {
 constexpr int longestText = 20000;
 /// Of a script whose lines the page shows, in bytes.
 constexpr qint64 largestSource = 1 << 20;
+/// In bytes.
+constexpr int longestUtf8Character = 4;
 
 /// Functions behind which the page marks where the mouse was pressed.
 const QStringList& pressingFunctions() {
@@ -34,6 +39,26 @@ QString shortened(const QString& text) {
     return text.size() > longestText ? text.left(longestText) + QStringLiteral("...") : text;
 }
 
+/// How much of the bytes is told now: an end that may be the beginning of a secret or of a
+/// character waits for what follows.
+int tellableLength(const QByteArray& bytes, const QStringList& secrets) {
+    int held = 0;
+    for (const QString& secret : secrets) {
+        const QByteArray whole = secret.toUtf8();
+        for (int length = std::min(whole.size() - 1, bytes.size()); length > held; --length) {
+            if (bytes.endsWith(whole.left(length)))
+                held = length;
+        }
+    }
+    for (int length = std::min(longestUtf8Character - 1, bytes.size()); length > held; --length) {
+        const char* const begin = bytes.end() - length;
+        if ((static_cast<unsigned char>(*begin) & 0xC0) == 0xC0 &&
+            utf8CharacterLength(begin, bytes.end()) == 0)
+            held = length;
+    }
+    return bytes.size() - held;
+}
+
 QString isoTime(const QDateTime& time) {
     return time.toString(Qt::ISODateWithMs);
 }
@@ -44,12 +69,25 @@ CaseTrace::CaseTrace(TraceMode mode, const QString& folder, const TraceView& vie
                      ReportGenerator* report)
     : m_mode(mode), m_folder(folder), m_view(view), m_report(report) {}
 
+void CaseTrace::setSecrets(const QStringList& secrets) {
+    m_secrets = secrets;
+    // As names of objects have them.
+    for (QString secret : secrets) {
+        secret.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+            .replace(QLatin1Char('\''), QLatin1String("\\'"));
+        m_secrets.append(secret);
+    }
+    m_secrets.removeAll(QString());
+    m_secrets.removeDuplicates();
+    // Where one begins like another, nothing is left of the longer one.
+    std::sort(m_secrets.begin(), m_secrets.end(),
+              [](const QString& one, const QString& other) { return one.size() > other.size(); });
+}
+
 QString CaseTrace::hidden(const QString& text) const {
     QString result = text;
-    for (const QString& secret : m_secrets) {
-        if (!secret.isEmpty())
-            result.replace(secret, QStringLiteral("******"));
-    }
+    for (const QString& secret : m_secrets)
+        result.replace(secret, QStringLiteral("******"));
     return result;
 }
 
@@ -108,7 +146,7 @@ void CaseTrace::startCase(const ReportEntry& entry, const CaseStarted& start) {
     m_hasFailed = false;
     m_isSilent = false;
     m_objects.clear();
-    m_toldOutput.clear();
+    m_heldOutput.clear();
     m_sources.clear();
     // Until it is known that the case is kept, its pictures are not others'.
     QString tiles = m_folder + QStringLiteral("/tiles");
@@ -215,7 +253,6 @@ Outcome<> CaseTrace::tryAddStep(const ReportEntry& entry, Fields fields, bool lo
         if (const Outcome<> added = addPicture(fields, isWhole, marksPress); !added)
             return added;
         objects = objectsMember(isWhole);
-        addOutput(fields);
     } else {
         m_isSilent = m_isSilent || looks;
         // The first of a file repeats what the last look has found.
@@ -228,6 +265,7 @@ Outcome<> CaseTrace::tryAddStep(const ReportEntry& entry, Fields fields, bool lo
         if (isWhole && !m_objects.empty())
             objects = "\"tree\":" + allLines(m_objects);
     }
+    addOutput(fields);
     QByteArray json =
         QJsonDocument(QJsonObject::fromVariantMap(fields)).toJson(QJsonDocument::Compact);
     if (!objects.isEmpty()) {
@@ -288,13 +326,14 @@ void CaseTrace::addOutput(Fields& fields) {
     const QMap<QString, QByteArray> streams = m_view.output();
     QVariantMap output;
     for (auto stream = streams.begin(); stream != streams.end(); ++stream) {
-        qint64& told = m_toldOutput[stream.key()];
-        // Of much output, only the end is kept.
-        const QByteArray text =
-            stream->size() >= told ? stream->mid(static_cast<int>(told)) : *stream;
-        told = stream->size();
-        if (!text.isEmpty())
-            output.insert(stream.key(), shortened(hidden(QString::fromUtf8(text))));
+        QByteArray& held = m_heldOutput[stream.key()];
+        QByteArray bytes = held + *stream;
+        // What did not go on is told as it is.
+        const int told = stream->isEmpty() ? bytes.size() : tellableLength(bytes, m_secrets);
+        held = bytes.mid(told);
+        bytes.truncate(told);
+        if (!bytes.isEmpty())
+            output.insert(stream.key(), shortened(hidden(wholeUtf8(bytes))));
     }
     if (!output.isEmpty())
         fields.insert("output", output);
@@ -309,7 +348,7 @@ void CaseTrace::addSource(const LineInfo& position) {
     if (!file.open(QIODevice::ReadOnly) || file.size() > largestSource)
         return;
     const QJsonObject source = {{QStringLiteral("path"), path},
-                                {QStringLiteral("text"), QString::fromUtf8(file.readAll())}};
+                                {QStringLiteral("text"), hidden(wholeUtf8(file.readAll()))}};
     give(appendCall(QStringLiteral("%1/%2/sources.js").arg(m_folder, m_case), "traceSource",
                     QJsonDocument(source).toJson(QJsonDocument::Compact)));
 }

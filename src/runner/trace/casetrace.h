@@ -19,8 +19,7 @@ namespace Tamrix {
 /// Of which test cases a run keeps a trace.
 enum class TraceMode { Off, On, Failed };
 
-/// What a trace is told by the current application. Each gives nothing when there is none or it
-/// does not answer.
+/// What a trace is told by the current application, if there is one that answers.
 struct TraceView {
     /// Whether it answers: the others are asked for only then.
     std::function<bool()> answers;
@@ -28,7 +27,8 @@ struct TraceView {
     std::function<std::optional<Wire::ObjectListing>()> objects;
     /// Where the mouse was pressed last, in native coordinates.
     std::function<std::optional<QPoint>()> lastPress;
-    /// What the case's applications have written so far, by name of the stream.
+    /// What the case's applications have written since the last call, also those that have ended,
+    /// by name of the stream.
     std::function<QMap<QString, QByteArray>()> output;
 };
 
@@ -44,7 +44,7 @@ public:
               ReportGenerator* report);
 
     /// Texts that are not to be kept.
-    void setSecrets(const QStringList& secrets) { m_secrets = secrets; }
+    void setSecrets(const QStringList& secrets);
 
     void add(const ReportEntry& entry) override;
     void finish() override { m_report->finish(); }
@@ -78,6 +78,7 @@ private:
     QString m_folder;
     TraceView m_view;
     ReportGenerator* m_report;
+    /// In all forms in which they may stand in a text, the longest first.
     QStringList m_secrets;
 
     // The running case; an empty name for none.
@@ -91,8 +92,8 @@ private:
     /// The native coordinates of the picture's corners: left, top, right, bottom.
     QVariantList m_native;
     std::vector<QByteArray> m_objects;
-    /// Of each stream, how much has been told.
-    QMap<QString, qint64> m_toldOutput;
+    /// Of each stream, what is told when more has come: it ends within a character or a secret.
+    QMap<QString, QByteArray> m_heldOutput;
     QSet<QString> m_sources;
 };
 

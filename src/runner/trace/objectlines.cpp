@@ -36,7 +36,7 @@ std::vector<QByteArray> objectLines(const Wire::ObjectListing& listing,
         const QJsonArray fields = {
             object.depth,
             listing.types.value(object.type),
-            hide(shortened(object.text)),
+            shortened(hide(object.text)),
             // A name that is cut finds nothing.
             hide(object.name),
             place.x(),

@@ -5,7 +5,9 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QImageWriter>
+#include <QVector>
 #include <cstring>
 
 namespace Tamrix {
@@ -39,6 +41,37 @@ QString nameOf(const QImage& picture, const QRect& tile) {
             tile.width() * bytesPerPixel);
     }
     return QString::fromLatin1(hash.result().toHex().left(nameLength));
+}
+
+/// With a table of its colours when there are few: such a file is smaller and sooner written.
+QImage withColourTable(const QImage& tile) {
+    constexpr int mostColours = 256;
+    QImage indexed(tile.size(), QImage::Format_Indexed8);
+    QVector<QRgb> table;
+    QHash<QRgb, uchar> indexes;
+    for (int y = 0; y < tile.height(); ++y) {
+        const auto* const from = reinterpret_cast<const QRgb*>(tile.constScanLine(y));
+        uchar* const to = indexed.scanLine(y);
+        for (int x = 0; x < tile.width(); ++x) {
+            // Most are like their neighbour.
+            if (x > 0 && from[x] == from[x - 1]) {
+                to[x] = to[x - 1];
+                continue;
+            }
+            const auto known = indexes.constFind(from[x]);
+            if (known != indexes.constEnd()) {
+                to[x] = *known;
+                continue;
+            }
+            if (table.size() == mostColours)
+                return tile;
+            to[x] = static_cast<uchar>(table.size());
+            indexes.insert(from[x], to[x]);
+            table.append(from[x]);
+        }
+    }
+    indexed.setColorTable(table);
+    return indexed;
 }
 
 QString filePath(const QString& folder, const QString& name) {
@@ -97,7 +130,7 @@ Outcome<QString> TileStore::store(const QRect& tile) {
         const QString part = QStringLiteral("%1.%2.part").arg(path, QString::number(::getpid()));
         QImageWriter writer(part, "png");
         writer.setCompression(pngCompression);
-        if (!writer.write(m_last.copy(tile)))
+        if (!writer.write(withColourTable(m_last.copy(tile))))
             return fail(
                 FailureKind::Failed,
                 QStringLiteral("'%1' can't be written: %2").arg(path, writer.errorString()));

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -20,6 +21,9 @@ static void makePageAvailable() {
 namespace Tamrix {
 
 namespace {
+
+/// In digits, of a case.
+constexpr int longestNumber = 10;
 
 constexpr const char* pageFiles[] = {"index.html", "trace.js", "trace.css"};
 
@@ -46,6 +50,24 @@ Outcome<> removeTrace(QDir folder) {
         return fail(FailureKind::Failed,
                     QStringLiteral("the trace '%1' can't be removed").arg(folder.path()));
     return {};
+}
+
+/// Counts in a file, also while other processes do.
+Outcome<int> nextCaseNumber(const QString& path) {
+    const int file =
+        ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0)
+        return fail(notWritten(path, systemError()));
+    ::flock(file, LOCK_EX);
+    char last[longestNumber + 1] = {};
+    const ssize_t length = ::pread(file, last, longestNumber, 0);
+    const int number = QByteArray(last, static_cast<int>(std::max<ssize_t>(length, 0))).toInt() + 1;
+    const QByteArray text = QByteArray::number(number);
+    const bool isWritten = ::pwrite(file, text.constData(), static_cast<size_t>(text.size()), 0) ==
+                           static_cast<ssize_t>(text.size());
+    const QString reason = isWritten ? QString() : systemError();
+    ::close(file);
+    return isWritten ? Outcome<int>(number) : fail(notWritten(path, reason));
 }
 
 }  // namespace
@@ -76,14 +98,14 @@ Outcome<> createTraceFolder(const QString& folder) {
 
 Outcome<QString> createCaseFolder(const QString& folder) {
     const QDir directory(folder);
-    for (int number = 1;; ++number) {
-        const QString name = QStringLiteral("case-%1").arg(number, 4, 10, QLatin1Char('0'));
-        if (::mkdir(QFile::encodeName(directory.filePath(name)).constData(), 0777) == 0)
-            return name;
-        if (errno != EEXIST)
-            return fail(FailureKind::Failed, QStringLiteral("the folder '%1' can't be made: %2")
-                                                 .arg(directory.filePath(name), systemError()));
-    }
+    const Outcome<int> number = nextCaseNumber(directory.filePath(QStringLiteral("cases.count")));
+    if (!number)
+        return fail(number.error());
+    const QString name = QStringLiteral("case-%1").arg(*number, 4, 10, QLatin1Char('0'));
+    if (::mkdir(QFile::encodeName(directory.filePath(name)).constData(), 0777) == 0)
+        return name;
+    return fail(FailureKind::Failed, QStringLiteral("the folder '%1' can't be made: %2")
+                                         .arg(directory.filePath(name), systemError()));
 }
 
 Outcome<> appendCall(const QString& path, const char* function, const QByteArray& json) {

@@ -14,6 +14,7 @@ namespace Tamrix {
 //
 //     index.html, trace.js, trace.css   the page
 //     cases.js                          a line for each start and end of a case
+//     cases.count                       how many have begun
 //     tiles/HASH.png                    the pictures' tiles, of all cases
 //     case-NUMBER/steps-NUMBER.js       a line for each step of a case, so many in each file
 //
@@ -28,7 +29,7 @@ inline constexpr int stepsInFile = 50;
 Outcome<> createTraceFolder(const QString& folder);
 
 /// Makes the folder of another case, below that of the trace, also while other processes do;
-/// returns its name.
+/// returns its name. None is given twice, also when the first case's folder is gone.
 Outcome<QString> createCaseFolder(const QString& folder);
 
 /// Appends a line "FUNCTION(JSON);" to a file in one piece. The file is made when it is not there.

@@ -125,6 +125,36 @@ TEST_F(Views, LeaveOutWhatGoesWithoutSaying) {
 )");
 }
 
+TEST_F(Views, TellControlsOfQtQuickWithoutTheirParts) {
+    EXPECT_EQ(text({{0, "ApplicationWindow", 1, window, "Orders"},
+                    {1, "QQuickContentItem", 17, enabled | Object::Focused},
+                    {2, "QQuickColumnLayout", 2},
+                    {2, "TextField", 3, field, "", "name"},
+                    {3, "QQuickPlaceholderText", 4, enabled, "Name", "placeholder"},
+                    {2, "ComboBox", 5, field, "Red"},
+                    {3, "QQuickColorImage", 6, enabled, "", "indicator"},
+                    {3, "ButtonPanel", 7, enabled, "", "background"},
+                    {3, "QQuickTextField", 8, Object::Entered, "Red", "contentItem"},
+                    {2, "QQuickListView", 9},
+                    {3, "ItemDelegate", 10, enabled, "Row 0"},
+                    {4, "QQuickIconLabel", 11, enabled, "&Row 0", "contentItem"},
+                    {5, "QQuickMnemonicLabel", 12, enabled, "&Row 0", "label"},
+                    {2, "GroupBox", 13, enabled, "Send"},
+                    {3, "Button", 14, enabled, "Send"},
+                    {4, "QQuickText", 15, enabled, "Sends now", "contentItem"},
+                    {2, "QQuickMouseArea", 16}}),
+              R"(e1 ApplicationWindow "Orders"
+ e2 TextField "Name" #name = ""
+ e3 ComboBox = "Red"
+ e4 QQuickListView
+  e5 ItemDelegate "Row 0"
+ e6 GroupBox "Send"
+  e7 Button "Send"
+   e8 QQuickText "Sends now" #contentItem
+ e9 QQuickMouseArea
+)");
+}
+
 TEST_F(Views, TellThePartThatIsWanted) {
     view(form);
     EXPECT_EQ(text(form, {6, {}, -1}),
@@ -148,7 +178,8 @@ TEST_F(Views, EndBeforeTheyCostTooMuch) {
 }
 
 TEST_F(Views, QuoteTextsOnOneLine) {
-    EXPECT_EQ(quotedText("a\"b\\c\nd\x1b"), QString("\"a\\\"b\\\\c\\nd\ufffd\""));
+    EXPECT_EQ(quotedText("a\"b\\c\nd\t\x1b"), QString("\"a\\\"b\\\\c\\nd\\t\ufffd\""));
+    EXPECT_EQ(quotedText("a\u2028b\u202ec\u200dd"), QString("\"a\ufffdb\ufffdc\u200dd\""));
     // No half of a pair is left at the end.
     EXPECT_EQ(quotedText(QString("x").repeated(79) + "\U0001f600y"),
               '"' + QString("x").repeated(79) + "...\"");

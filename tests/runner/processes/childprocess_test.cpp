@@ -46,6 +46,8 @@ TEST(ChildProcess, KeepsTheEndOfMuchOutputWhileNobodyReads) {
     EXPECT_TRUE(output.startsWith("[1951428 bytes before this are left out]\nxxx"))
         << output.left(60).constData();
     EXPECT_TRUE(output.endsWith("xend\n"));
+    EXPECT_EQ(process->output()->takeNews().standardOutput, output);
+    EXPECT_EQ(process->output()->takeNews().standardOutput, "");
 }
 
 TEST(ChildProcess, FailsWithTheReason) {

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <thread>
+#include <utility>
 
 #include "runner/trace/objectlines.h"
 #include "runner/trace/tracefolder.h"
@@ -61,10 +62,22 @@ TEST(TileStore, KeepsWhatDiffers) {
     EXPECT_EQ(changes->front().index, 1);
     const QImage tile(folder.filePath(changes->front().name + ".png"));
     EXPECT_EQ(tile.convertToFormat(QImage::Format_RGB32), picture.copy(128, 0, 128, 128));
+    // Also one of more colours than a table has.
+    QImage colourful = picture;
+    for (int x = 0; x < 128; ++x) {
+        for (int y = 60; y < 63; ++y)
+            colourful.setPixel(x, y, qRgb(x, y, 7));
+    }
+    changes = store.add(colourful);
+    ASSERT_TRUE(changes);
+    EXPECT_EQ(
+        QImage(folder.filePath(store.names().at(0) + ".png")).convertToFormat(QImage::Format_RGB32),
+        colourful.copy(0, 0, 128, 128));
+    ASSERT_TRUE(store.add(picture));
     // What it was before is there already.
     QPainter(&picture).fillRect(130, 5, 4, 4, Qt::gray);
     EXPECT_EQ(store.add(picture)->front().name, before.at(1));
-    EXPECT_EQ(tilesIn(folder.path()).size(), 5);
+    EXPECT_EQ(tilesIn(folder.path()).size(), 6);
 
     // Another size is another picture.
     EXPECT_EQ(store.add(picture.copy(0, 0, 128, 128))->size(), 1U);
@@ -189,12 +202,14 @@ protected:
         view.picture = [this] { return Screenshot(screen, QTransform::fromTranslate(10, 20)); };
         view.objects = [this] { return std::optional(listing(objects)); };
         view.lastPress = [] { return std::optional(QPoint(15, 27)); };
-        view.output = [this] { return QMap<QString, QByteArray>{{"faulty-stdout", written}}; };
+        view.output = [this] {
+            return QMap<QString, QByteArray>{{"faulty-stdout", std::exchange(written, {})}};
+        };
     }
 
     void start(TraceMode mode) {
         generator = std::make_unique<CaseTrace>(mode, trace, view, &report);
-        generator->setSecrets({"hunter2", ""});
+        generator->setSecrets({"hunter2", "", "hunter2000", "it's"});
     }
 
     void add(const ReportEvent& event) {
@@ -279,6 +294,32 @@ TEST_F(CaseTraceTest, TellsWhatEachStepChanged) {
         EXPECT_FALSE(readFile(trace + file).contains("hunter2"));
 }
 
+TEST_F(CaseTraceTest, SecretsAreLeftOutOfAllTexts) {
+    const QString script = folder.filePath("test.py");
+    writeFile(script, "login('hunter2')\n");
+    start(TraceMode::On);
+    objects = QStringList{QString(496, 'x') + "hunter2", "it's"};
+    QByteArray output;
+    runCase("login", [&] {
+        // Each step's part of what a program writes.
+        for (const char* const part : {"hunter2000 hun", "ter", "2 \xe2\x82", "\xac h", "", "e"}) {
+            written = part;
+            add(ActionEnded{"type", "\"hunter2000\"", 5, false, {script, 1}});
+        }
+    });
+    for (const QJsonObject& step : steps()) {
+        EXPECT_EQ(step["arguments"].toString(), "\"******\"");
+        output += step["output"].toObject()["faulty-stdout"].toString().toUtf8() + '|';
+    }
+    EXPECT_EQ(output, "****** ||****** |\u20ac |h|e|");
+    EXPECT_EQ(steps()[0]["tree"].toArray()[1].toArray()[3].toString(), "{text='******'}");
+    for (const char* const file : {"steps-0001.js", "sources.js"}) {
+        const QByteArray text = readFile(trace + "/case-0001/" + file);
+        EXPECT_TRUE(text.contains("******"));
+        EXPECT_FALSE(text.contains("hunt")) << text.constData();
+    }
+}
+
 TEST_F(CaseTraceTest, EachFileCanBeReadWithoutTheOthers) {
     start(TraceMode::On);
     runCase("long", [this] {
@@ -303,12 +344,14 @@ TEST_F(CaseTraceTest, OfFailedCasesOnlyLeavesNothingOfOthers) {
     EXPECT_FALSE(QFile::exists(trace + "/case-0001"));
     runCase("fails", [this] {
         act("click");
-        EXPECT_EQ(tilesIn(trace + "/case-0001/tiles").size(), 4);
+        EXPECT_EQ(tilesIn(trace + "/case-0002/tiles").size(), 4);
         add(result(TestResult::Error, "Script Error"));
     });
     EXPECT_EQ(tilesIn(trace + "/tiles").size(), 4);
-    EXPECT_FALSE(QFile::exists(trace + "/case-0001/tiles"));
-    EXPECT_EQ(steps().size(), 2);
+    EXPECT_FALSE(QFile::exists(trace + "/case-0002/tiles"));
+    EXPECT_EQ(steps("case-0002").size(), 2);
+    // The page takes a case's name and its outcome by the number: none is given twice.
+    EXPECT_EQ(callsIn(trace + "/cases.js", "traceCase")[1]["id"].toString(), "case-0002");
 }
 
 TEST_F(CaseTraceTest, ASilentApplicationIsAskedOnce) {

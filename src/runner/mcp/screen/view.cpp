@@ -9,7 +9,8 @@ namespace {
 
 using Wire::OutlinedObject;
 
-/// Types of objects that hold and arrange others or adorn them, and that nobody clicks.
+/// Types of objects that hold and arrange others or adorn them, and that nobody clicks; those of
+/// Qt Quick as QML has them.
 constexpr const char* containerTypes[] = {"QWidget",
                                           "QFrame",
                                           "QSplitter",
@@ -19,18 +20,17 @@ constexpr const char* containerTypes[] = {"QWidget",
                                           "QMdiArea",
                                           "QToolBox",
                                           "QDialogButtonBox",
-                                          "QMenuBar",
                                           "QToolBar",
                                           "QStatusBar",
                                           "QTabBar",
                                           "QHeaderView",
                                           "QSizeGrip",
                                           "QSplitterHandle",
-                                          "QToolBarSeparator",
                                           "QRubberBand",
                                           "QLabel",
-                                          "QTableCornerButton",
                                           "Item",
+                                          "QToolBarSeparator",
+                                          "QTableCornerButton",
                                           "Row",
                                           "Column",
                                           "Grid",
@@ -47,15 +47,37 @@ constexpr const char* containerTypes[] = {"QWidget",
                                           "Page",
                                           "Control",
                                           "Container",
-                                          "QQuickItem",
-                                          "QQuickContentItem",
-                                          "QQuickRootItem",
-                                          "QQuickRectangle",
-                                          "QQuickLoader"};
+                                          "Repeater",
+                                          "StackView",
+                                          "ScrollView",
+                                          "PaddedRectangle",
+                                          "ColorImage"};
+
+constexpr const char* windowContents[] = {"QQuickContentItem", "QQuickRootItem"};
+
+/// The parts of a control of Qt Quick, named by the control's properties.
+constexpr const char* controlParts[] = {"contentItem", "background", "indicator", "handle"};
+
+template <size_t count>
+bool isAmong(const char* const (&words)[count], const QString& word) {
+    return std::any_of(std::begin(words), std::end(words),
+                       [&](const char* each) { return word == QLatin1String(each); });
+}
 
 bool isContainerType(const QString& type) {
-    return std::any_of(std::begin(containerTypes), std::end(containerTypes),
-                       [&](const char* each) { return type == QLatin1String(each); });
+    const QLatin1String prefix("QQuick");
+    return isAmong(containerTypes, type) ||
+           (type.startsWith(prefix) && isAmong(containerTypes, type.mid(prefix.size())));
+}
+
+/// Whether it writes the words of a control of Qt Quick.
+bool isControlText(const OutlinedObject& object, const QString& type) {
+    return type == QLatin1String("QQuickIconLabel") ||
+           type == QLatin1String("QQuickMnemonicLabel") || isAmong(controlParts, object.name);
+}
+
+bool hasSameWords(QString text, QString other) {
+    return text.remove(QLatin1Char('&')) == other.remove(QLatin1Char('&'));
 }
 
 /// Whether a client knows of the object by that around it: the scroll bars of a view, the line edit
@@ -64,8 +86,17 @@ bool isPart(const OutlinedObject& object, const QString& type, const ViewObject&
     if (type == QLatin1String("QScrollBar") || type == QLatin1String("ScrollBar"))
         return !around.is(OutlinedObject::Window) && around.type != QLatin1String("QGroupBox") &&
                !isContainerType(around.type);
-    return (object.state & OutlinedObject::Entered) != 0 && around.is(OutlinedObject::Entered) &&
-           object.text == around.facts.text;
+    const bool isField =
+        (object.state & OutlinedObject::Entered) != 0 && around.is(OutlinedObject::Entered);
+    if (isField || isControlText(object, type))
+        return hasSameWords(object.text, around.facts.text) &&
+               (object.state & OutlinedObject::Focused) == 0;
+    return false;
+}
+
+/// Whether it writes in an empty field what belongs there, which is as good as a label.
+bool isPlaceholder(const QString& type, const ViewObject& around) {
+    return type == QLatin1String("QQuickPlaceholderText") && around.facts.label.isEmpty();
 }
 
 /// Whether it only stands for something else that is visible: an action with a button of a tool
@@ -94,12 +125,15 @@ private:
 bool tellsSomething(const OutlinedObject& object, const QString& type) {
     if ((object.state & OutlinedObject::Window) != 0)
         return true;
+    // The whole of a window, also when that has the focus.
+    if (isAmong(windowContents, type))
+        return false;
     const bool hasWords = !object.text.isEmpty() || !object.label.isEmpty();
     const bool hasState = (object.state & (OutlinedObject::Checkable | OutlinedObject::Selected |
                                            OutlinedObject::Focused)) != 0;
     if ((object.state & OutlinedObject::Item) != 0)
         return hasWords || hasState;
-    return hasWords || hasState || !isContainerType(type);
+    return hasWords || hasState || !(isContainerType(type) || isAmong(controlParts, object.name));
 }
 
 }  // namespace
@@ -149,6 +183,11 @@ void appendView(int application, const Wire::ObjectOutline& outline, Refs* refs,
         parents.resize(static_cast<size_t>(outlined.depth), -1);
         const int parent = parents.empty() ? -1 : parents.back();
         const QString& type = outline.types.at(outlined.type);
+        if (parent >= 0 && isPlaceholder(type, (*view)[static_cast<size_t>(parent)])) {
+            (*view)[static_cast<size_t>(parent)].facts.label = outlined.text;
+            parents.push_back(parent);
+            continue;
+        }
         const bool isKnown =
             parent >= 0 && isPart(outlined, type, (*view)[static_cast<size_t>(parent)]);
         if (isKnown || isStandIn(outlined, type, parent) || sections.isNext(outlined, type) ||

@@ -17,6 +17,21 @@ bool isOfToolkit(const QString& name) {
     return name.startsWith(QLatin1String("qt_")) || name.startsWith(QLatin1String("__qt_"));
 }
 
+/// Whether a line with the character is not one any more, or is read in another order.
+bool breaksLine(QChar character) {
+    switch (character.category()) {
+        case QChar::Other_Control:
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        case QChar::Other_Format:
+            return (character >= QChar(0x202a) && character <= QChar(0x202e)) ||
+                   (character >= QChar(0x2066) && character <= QChar(0x2069));
+        default:
+            return false;
+    }
+}
+
 bool hasWord(const ViewObject& object, const QString& word) {
     for (const QString& text :
          {object.type, object.facts.name, object.facts.text, object.facts.label}) {
@@ -38,9 +53,10 @@ QString quotedText(const QString& text) {
     }
     shown.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
         .replace(QLatin1Char('"'), QLatin1String("\\\""))
-        .replace(QLatin1Char('\n'), QLatin1String("\\n"));
+        .replace(QLatin1Char('\n'), QLatin1String("\\n"))
+        .replace(QLatin1Char('\t'), QLatin1String("\\t"));
     for (QChar& character : shown) {
-        if (character.category() == QChar::Other_Control)
+        if (breaksLine(character))
             character = QChar::ReplacementCharacter;
     }
     return QLatin1Char('"') + shown + QLatin1Char('"');

@@ -20,6 +20,10 @@ namespace {
 constexpr int lookInterval = 60;
 /// How long a client waits at most for that to end.
 constexpr int longestUnrest = 1000;
+/// How long a client waits at most for a text to be typed.
+constexpr int longestTyping = 60000;
+/// Of a script, as a client is told of it; the script has all of it.
+constexpr int longestLine = 1000;
 
 /// The command line for scripts, which run in another folder.
 Outcome<QString> lastingCommandLine(const QString& commandLine) {
@@ -29,6 +33,15 @@ Outcome<QString> lastingCommandLine(const QString& commandLine) {
     if (!words->isEmpty() && words->first().contains(QLatin1Char('/')))
         words->first() = QDir().absoluteFilePath(words->first());
     return quotedShellWords(*words);
+}
+
+/// How long a program may take to have all that an act types, in ms, beyond what it has anyway.
+int typingTime(const Act& act) {
+    constexpr qint64 eachCharacter = 20;
+    qint64 characters = 0;
+    for (const QVariant& argument : act.arguments)
+        characters += argument.toString().size();
+    return static_cast<int>(std::min<qint64>(characters * eachCharacter, longestTyping));
 }
 
 bool isSame(const View& left, const View& right) {
@@ -289,6 +302,13 @@ Outcome<Meant> Session::focused() {
 
 // Acting
 
+Outcome<QString> Session::noteAction(const ScriptAction& action) {
+    Outcome<QString> line = m_recording.add(action);
+    if (line && line->size() > longestLine)
+        line = line->left(longestLine) + QStringLiteral("... (%1 characters)").arg(line->size());
+    return line;
+}
+
 Outcome<QString> Session::perform(const Meant& meant, const Act& act) {
     // 1. The act itself; the application waits until the object is ready for it.
     Target target = meant.object ? Target::ofObject(meant.object, Wire::Wanted::Reach)
@@ -312,7 +332,11 @@ Outcome<QString> Session::perform(const Meant& meant, const Act& act) {
     if (!line)
         return fail(line.error());
     // 3. What came of it. The end of the program may be what was wanted.
-    const Outcome<QString> changed = changes();
+    Outcome<QString> changed = changes();
+    const QDeadlineTimer typing(typingTime(act));
+    while (!changed && changed.error().kind == FailureKind::TimedOut && !typing.hasExpired() &&
+           !isGivenUp())
+        changed = changes();
     if (changed)
         return *line + QLatin1Char('\n') + *changed;
     if (changed.error().kind == FailureKind::Ended)

@@ -68,13 +68,15 @@ public:
     Outcome<Meant> meant(const QString& target);
     /// By the ref of an object that is visible. Fails as meant().
     Outcome<const ViewObject*> visible(const QString& ref);
+    /// What the last look has seen.
+    const View& view() const { return m_view; }
     /// What has the keyboard's focus, else the window that was shown last.
     Outcome<Meant> focused();
 
     /// Does it, and tells the line of a script that does the same and what changed.
     Outcome<QString> perform(const Meant& meant, const Act& act);
-    /// What the client did that isn't an act, with its line.
-    Outcome<QString> noteAction(const ScriptAction& action) { return m_recording.add(action); }
+    /// What the client did that isn't an act, with its line; of a long one the beginning.
+    Outcome<QString> noteAction(const ScriptAction& action);
 
     /// A new folder for a run of test cases, which goes with this.
     Outcome<QString> newRunFolder();

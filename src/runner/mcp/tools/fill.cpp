@@ -1,24 +1,8 @@
-#include "platform/objectmodel/objectclass.h"
 #include "runner/mcp/tools/acting.h"
 
 namespace Tamrix::Mcp {
 
 namespace {
-
-/// Whether the field hides what is entered.
-bool isForPasswords(const Meant& meant) {
-    const SharedPtr<Object> object =
-        meant.object
-            ? meant.object
-            : meant.application->access().findObject(ObjectName(meant.name)).value_or(nullptr);
-    const Class* const objectClass = object ? object->objectClass() : nullptr;
-    const Property* const echoMode =
-        objectClass ? objectClass->property(QStringLiteral("echoMode")) : nullptr;
-    const Outcome<SharedPtr<Object>> value =
-        echoMode ? object->readProperty(*echoMode) : SharedPtr<Object>();
-    // 0: what is entered is shown.
-    return value && *value && (*value)->toVariant().toInt() != 0;
-}
 
 /// Under which the run is handed the password: the field's own name, as far as a variable takes it.
 QString passwordKeyOf(const Meant& meant) {
@@ -37,7 +21,11 @@ Outcome<ToolAnswer> fill(Session& session, const Arguments& arguments) {
     const char* const function = arguments.flag("type", false) ? "typeText" : "fill";
     ActArguments others;
     others.add(arguments.text("text"));
-    if (!isForPasswords(*meant))
+    const SharedPtr<Object> field =
+        meant->object
+            ? meant->object
+            : meant->application->access().findObject(ObjectName(meant->name)).value_or(nullptr);
+    if (!isForPasswords(field))
         return actOn(session, meant, function, others);
     // No script contains a password.
     const QString key = passwordKeyOf(*meant);

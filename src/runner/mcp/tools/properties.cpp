@@ -42,15 +42,18 @@ Outcome<ToolAnswer> properties(Session& session, const Arguments& arguments) {
     const Outcome<PropertyList> list = (*object)->readProperties();
     if (!list)
         return fail(list.error());
+    const bool hidesText = isForPasswords(*object);
     const QString find = arguments.text("find");
     QString text;
     int left = 0;
     for (const auto& [name, value] : *list) {
         if (!find.isEmpty() && !name.contains(find, Qt::CaseInsensitive))
             continue;
-        const QString shown = valueText(value);
+        QString shown = valueText(value);
         if (shown.isEmpty())
             continue;
+        if (hidesText && (name == QLatin1String("text") || name == QLatin1String("selectedText")))
+            shown = QStringLiteral("(hidden)");
         const QString line = QStringLiteral("%1 = %2\n").arg(name, shown);
         if (text.size() + line.size() > longestViewText)
             ++left;
