@@ -72,8 +72,8 @@ VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
 VALUE addType(VALUE, VALUE function, VALUE name, VALUE patterns, VALUE block) {
     return withSteps(function, [=](StepActions& steps) {
         std::vector<std::string> texts;
-        for (long index = 0; index < RARRAY_LEN(patterns); ++index)
-            texts.push_back(utf8OfRuby(rb_ary_entry(patterns, index)));
+        for (const VALUE each : itemsOf(patterns))
+            texts.push_back(utf8OfRuby(each));
         steps.registry().addParameterType(utf8OfRuby(name), std::move(texts),
                                           NIL_P(block) ? nullptr : new RubyArgument(block));
         return Qnil;
@@ -102,13 +102,8 @@ VALUE setScoped(VALUE, VALUE name, VALUE value) {
 
 VALUE allScoped(VALUE, VALUE function) {
     return withSteps(function, [](StepActions& steps) {
-        const VALUE hash = protect([] { return rb_hash_new(); });
-        for (const auto& [name, each] : steps.scopes().all()) {
-            const VALUE key = toRuby(name);
-            const VALUE value = rubyValue(each);
-            protect([=] { return rb_hash_aset(hash, key, value); });
-        }
-        return hash;
+        return hashOf(
+            steps.scopes().all(), [](const QString& name) { return toRuby(name); }, rubyValue);
     });
 }
 

@@ -1,19 +1,11 @@
 #include "plugins/ruby/valueclasses.h"
 
+#include "interpreter/language/heldrecord.h"
 #include "plugins/ruby/conversion.h"
 
 namespace Tamrix::RubyPlugin {
 
 namespace {
-
-/// A record and the set that owns it.
-struct HeldRecord : public Shared {
-    HeldRecord(SharedPtr<TestDataSet> owner, const TestDataRecord* row)
-        : set(std::move(owner)), record(row) {}
-
-    SharedPtr<TestDataSet> set;
-    const TestDataRecord* record;
-};
 
 VALUE s_contextClass = Qnil;
 VALUE s_dataSetClass = Qnil;
@@ -143,11 +135,6 @@ VALUE wrapDataSet(const SharedPtr<TestDataSet>& set) {
 
 VALUE wrapRecord(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
     return Holder<HeldRecord>::wrap(new HeldRecord(set, record), s_recordClass);
-}
-
-const TestDataRecord* unwrapRecord(VALUE object) {
-    const SharedPtr<HeldRecord> held = recordOf(object);
-    return held ? held->record : nullptr;
 }
 
 VALUE wrapLocation(const ScriptLocation& location) {

@@ -17,8 +17,6 @@ VALUE wrapContext(const SharedPtr<ApplicationContext>& context);
 VALUE wrapDataSet(const SharedPtr<TestDataSet>& set);
 /// A row of a data set; it keeps the set alive.
 VALUE wrapRecord(const SharedPtr<TestDataSet>& set, const TestDataRecord* record);
-/// Null when the object is no record.
-const TestDataRecord* unwrapRecord(VALUE object);
 /// A Struct of file_name and line.
 VALUE wrapLocation(const ScriptLocation& location);
 

@@ -81,10 +81,14 @@ class Tamrix::RuntimeState
     take if @extended && @outer.empty?
   end
 
+  # Modules are looked for in these folders first.
   def search_in(folders)
+    folders = folders.uniq
     $LOAD_PATH.replace(folders + ($LOAD_PATH - @search - folders))
     @search = folders
   end
+
+  def add_search_folder(folder) = search_in(@search + [folder])
 
   def run_exit_blocks
     until @exits.empty?

@@ -1,3 +1,16 @@
+# What stands for a namespace of the library, as `test`. Its functions and constants are methods, so
+# that scripts write them as in the other languages: testInteraction.Yes.
+class Tamrix::Namespace
+  def initialize(name)
+    @name = name
+  end
+
+  def inspect = @name
+  alias to_s inspect
+
+  def define_constant(name, value) = define_singleton_method(name) { value }
+end
+
 # What holds several values, one after another.
 module Tamrix::Entries
   include Enumerable
