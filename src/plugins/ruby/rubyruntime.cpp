@@ -76,7 +76,7 @@ VALUE getGlobal(VALUE) {
 }
 
 /// What of the plug-in is written in Ruby, in the order in which it is run.
-constexpr const char* preludeFiles[] = {"state", "values",    "output",
+constexpr const char* preludeFiles[] = {"state", "values",    "objects",     "output",
                                         "steps", "condition", "remotesystem"};
 
 VALUE evaluateSource(const char* source) {
@@ -126,9 +126,9 @@ void RubyRuntime::defineTamrix() {
     rb_gc_register_address(&m_state);
     defineExceptions(m_module);
     defineValueClasses(m_module);
-    defineObjectClass(m_module);
     defineNativeBase(m_module);
     const VALUE native = rb_define_module_under(m_module, "Native");
+    defineObjectClass(m_module, native);
     defineOutput(m_module, native);
     defineStepFunctions(native);
     defineConditions(native);

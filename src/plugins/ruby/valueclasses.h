@@ -9,7 +9,8 @@
 namespace Tamrix::RubyPlugin {
 
 // Ruby classes of the library's values: Tamrix::ApplicationContext, DataSet, Record and Location.
-// Scripts get objects from functions and can't make their own.
+// Scripts get objects from functions and can't make their own. What needs no C++ of them stands in
+// prelude/values.rb.
 
 void defineValueClasses(VALUE module);
 

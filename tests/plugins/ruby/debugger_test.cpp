@@ -160,7 +160,7 @@ end
              << evaluate("long = 7") << evaluate("^1 outer.size")
              << evaluate("nothing").section(' ', 0, 6) << evaluate("@name");
     })};
-    EXPECT_TRUE(debugger->addBreakPoint(script(), 11));
+    EXPECT_FALSE(debugger->addBreakPoint(script(), 11).isBuffered);
     EXPECT_EQ(stops(), "11");
     EXPECT_EQ(
         told.join('\n').replace(QString("x").repeated(199), "XXX"),
