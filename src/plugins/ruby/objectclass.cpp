@@ -40,7 +40,7 @@ VALUE methodMissing(int count, VALUE* arguments, VALUE self) {
 /// The names of the object's members, as an Array.
 VALUE membersOf(VALUE, VALUE object) {
     return enterNative([=] {
-        const auto members = listMembers(active(), objectOf(object));
+        const auto members = listMembers(active(), givenObject(object));
         if (!members)
             raiseFailure(members.error());
         return toRuby(*members);
@@ -93,6 +93,13 @@ void defineObjectClass(VALUE module, VALUE native) {
     rb_define_method(s_objectClass, "hash", hashOf, 0);
     rb_define_method(s_objectClass, "nil?", isNil, 0);
     rb_define_singleton_method(native, "members", membersOf, 1);
+}
+
+SharedPtr<Object> givenObject(VALUE value) {
+    const SharedPtr<Object> object = objectOf(value);
+    if (!object)
+        throwException(rb_eTypeError, "not an object of an application: " + classNameOf(value));
+    return object;
 }
 
 VALUE wrapObject(const SharedPtr<Object>& object) {

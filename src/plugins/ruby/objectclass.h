@@ -9,6 +9,9 @@ namespace Tamrix::RubyPlugin {
 /// knows of it are its methods. What needs no C++ of it stands in prelude/objects.rb.
 void defineObjectClass(VALUE module, VALUE native);
 
+/// Throws a TypeError for a value that is none.
+SharedPtr<Object> givenObject(VALUE value);
+
 /// nil for null.
 VALUE wrapObject(const SharedPtr<Object>& object);
 

@@ -90,6 +90,14 @@ VALUE enterNative(Work work) {
     return result;
 }
 
+/// Throws a TypeError for a value of another type, such as T_STRING.
+inline void requireType(VALUE value, int type) {
+    protect([=] {
+        rb_check_type(value, type);
+        return Qnil;
+    });
+}
+
 /// Calls a method.
 template <typename... Arguments>
 VALUE callMethod(VALUE receiver, const char* name, Arguments... arguments) {

@@ -63,6 +63,9 @@ VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
         const std::string name = utf8OfRuby(function);
         const auto* const hook = std::find_if(std::begin(hooks), std::end(hooks),
                                               [&](const Hook& each) { return name == each.name; });
+        if (hook == std::end(hooks))
+            throwException(rb_eArgError,
+                           QStringLiteral("there is no hook '%1'").arg(fromRuby(function)));
         steps.registry().addHook(hook->type, hook->order, utf8OfRuby(tags), new RubyArgument(block),
                                  definitionOf(block).fileName());
         return Qnil;
@@ -71,6 +74,7 @@ VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
 
 VALUE addType(VALUE, VALUE function, VALUE name, VALUE patterns, VALUE block) {
     return withSteps(function, [=](StepActions& steps) {
+        requireType(patterns, T_ARRAY);
         std::vector<std::string> texts;
         for (const VALUE each : itemsOf(patterns))
             texts.push_back(utf8OfRuby(each));

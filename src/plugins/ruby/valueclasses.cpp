@@ -39,11 +39,15 @@ VALUE dataSetSize(VALUE self) {
     return INT2FIX(Holder<TestDataSet>::unwrap(self)->count());
 }
 
-/// The index is one that the set has.
+bool isWithin(VALUE index, int count) {
+    return RB_FIXNUM_P(index) && FIX2LONG(index) >= 0 && FIX2LONG(index) < count;
+}
+
+/// nil for an index that the set does not have.
 VALUE dataSetRecord(VALUE self, VALUE index) {
     return enterNative([=] {
         const SharedPtr<TestDataSet> set = Holder<TestDataSet>::unwrap(self);
-        return wrapRecord(set, set->record(FIX2INT(index)));
+        return isWithin(index, set->count()) ? wrapRecord(set, set->record(FIX2INT(index))) : Qnil;
     });
 }
 
@@ -69,10 +73,12 @@ VALUE recordColumn(VALUE self, VALUE name) {
     });
 }
 
-/// The column is one that the record has.
+/// nil for a column that the record does not have.
 VALUE recordValue(VALUE self, VALUE column) {
     return enterNative([=] {
-        return toRuby(Holder<HeldRecord>::unwrap(self)->record->valueAsString(FIX2INT(column)));
+        const TestDataRecord& record = *Holder<HeldRecord>::unwrap(self)->record;
+        return isWithin(column, record.count()) ? toRuby(record.valueAsString(FIX2INT(column)))
+                                                : Qnil;
     });
 }
 
