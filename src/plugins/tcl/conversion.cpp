@@ -10,8 +10,8 @@ void append(QByteArray* bytes, uint code) {
         bytes->append(static_cast<char>(code));
         return;
     }
-    const int further = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    constexpr uint leads[] = {0xC0, 0xE0, 0xF0};
+    const int further = code < 0x800 ? 1 : 2;
+    constexpr uint leads[] = {0xC0, 0xE0};
     bytes->append(static_cast<char>(leads[further - 1] | (code >> (6 * further))));
     for (int shift = 6 * (further - 1); shift >= 0; shift -= 6)
         bytes->append(static_cast<char>(0x80 | ((code >> shift) & 0x3F)));
@@ -33,12 +33,8 @@ int followersOf(unsigned char lead) {
 QByteArray toTclBytes(const QString& text) {
     QByteArray bytes;
     bytes.reserve(text.size());
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar unit = text.at(index);
-        const bool isPair = unit.isHighSurrogate() && index + 1 < text.size() &&
-                            text.at(index + 1).isLowSurrogate();
-        append(&bytes, isPair ? QChar::surrogateToUcs4(unit, text.at(++index)) : unit.unicode());
-    }
+    for (const QChar unit : text)
+        append(&bytes, unit.unicode());
     return bytes;
 }
 

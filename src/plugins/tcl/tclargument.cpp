@@ -91,7 +91,9 @@ bool TclArgument::isInteger() const {
 
 bool TclArgument::isString() const {
     const ValueType type = typeOf(value());
-    return (type == ValueType::Text || type == ValueType::Boolean) &&
+    // A number with a text may be one that the script has as a word.
+    const bool isWord = (type == ValueType::Integer || type == ValueType::Double) && value()->bytes;
+    return (type == ValueType::Text || type == ValueType::Boolean || isWord) &&
            !m_interpreter.values().find(value()) && !m_interpreter.values().findRecord(value());
 }
 
@@ -300,6 +302,7 @@ bool TclArgument::isNull() const {
 // Callables
 
 SharedPtr<ScriptArgument> TclArgument::call(const List& arguments, QString* error) {
+    const std::size_t outer = m_interpreter.frames().size();
     const int code = m_interpreter.run(this, {arguments, {}});
     Tcl_Interp* const tcl = m_interpreter.tcl();
     if (code == TCL_OK || code == TCL_RETURN) {
@@ -308,7 +311,7 @@ SharedPtr<ScriptArgument> TclArgument::call(const List& arguments, QString* erro
         result->setIsResult();
         return result;
     }
-    const ScriptError raised = m_interpreter.takeError(code);
+    const ScriptError raised = m_interpreter.takeError(code, outer);
     m_interpreter.setCallErrorStack(raised.callStack);
     *error = raised.message;
     return {};

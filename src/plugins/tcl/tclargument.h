@@ -13,7 +13,7 @@ class TclInterpreter;
 /// what a value can be taken for: "12" is a text, a number and a list of one element. What can be
 /// told for sure is what a value was made as, by a calculation, by `list` or `dict`, by the
 /// application: such a number, list or dictionary is no text.
-class TclArgument final : public ScriptArgument {
+class TclArgument : public ScriptArgument {
 public:
     TclArgument(TclInterpreter& interpreter, TclRef value);
 

@@ -250,7 +250,7 @@ std::pair<QString, QString> TclContext::evaluateForException(SharedPtr<ScriptArg
     // A slip in the code is not the error that the test is about.
     if (!Tcl_CommandComplete(Tcl_GetString(valueOf(code))))
         return {QString(), QStringLiteral("The code is not valid: it has no end")};
-    const TclDebugger::CatchesErrors catching(m_interpreter.debugger());
+    const TclDebugger::Boundary boundary(m_interpreter.debugger(), true);
     const int result = Tcl_EvalObjEx(m_interpreter.tcl(), valueOf(code), 0);
     if (result == TCL_ERROR && !m_interpreter.isUnwinding())
         return {"Raised " + m_interpreter.takeError(result).message, QString()};

@@ -125,20 +125,33 @@ std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
 
 // Errors
 
-bool TclDebugger::isCaught() const {
-    const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl());
-    return m_catching > 0 || std::any_of(commands.begin(), commands.end(), catchesErrors);
+TclDebugger::Boundary::Boundary(TclDebugger& debugger, bool catchesErrors)
+    : m_debugger(debugger), m_before(debugger.m_boundary) {
+    debugger.m_boundary = {commandDepth(debugger.m_tcl.tcl()), catchesErrors};
 }
 
-void TclDebugger::errorRaised(const std::vector<TclFrame>&) {
+bool TclDebugger::isCaught() const {
+    const std::vector<QByteArray> commands =
+        runningCommands(m_tcl.tcl(), m_boundary.commandDepth);
+    return m_boundary.catchesErrors ||
+           std::any_of(commands.begin(), commands.end(), catchesErrors);
+}
+
+void TclDebugger::errorRaised(const std::vector<TclFrame>& raisedIn) {
     if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
         return;
     const QString text = m_tcl.errorText();
     const StateAside aside(m_tcl.tcl());
-    // Each command has passed here, so the lines are known better than behind the failure.
-    std::vector<TclFrame> frames;
-    for (auto line = m_lines.rbegin(); line != m_lines.rend(); ++line)
-        frames.push_back(line->frame);
+    std::vector<TclFrame> frames = m_tcl.framesOfScripts(raisedIn);
+    // Each command has passed here, so its line is known better than behind the failure.
+    if (!m_lines.empty()) {
+        const TclFrame& last = m_lines.back().frame;
+        if (frames.empty() || frames.front().level != last.level ||
+            frames.front().file != last.file)
+            frames.insert(frames.begin(), last);
+        else
+            frames.front() = last;
+    }
     stopForError(text, scriptFrames(frames));
 }
 

@@ -29,18 +29,23 @@ public:
 
     /// An error was raised in these frames: stops there if nothing will catch it.
     void errorRaised(const std::vector<TclFrame>& frames);
-    /// Errors are caught by a native function as long as this exists.
-    class CatchesErrors {
+    /// The time of code whose errors do not reach the commands that run by now: a native function
+    /// catches them, or they end there, as in a handler of an event.
+    class Boundary {
     public:
-        explicit CatchesErrors(TclDebugger& debugger) : m_debugger(debugger) {
-            ++m_debugger.m_catching;
-        }
-        ~CatchesErrors() { --m_debugger.m_catching; }
-        CatchesErrors(const CatchesErrors&) = delete;
-        CatchesErrors& operator=(const CatchesErrors&) = delete;
+        Boundary(TclDebugger& debugger, bool catchesErrors);
+        ~Boundary() { m_debugger.m_boundary = m_before; }
+        Boundary(const Boundary&) = delete;
+        Boundary& operator=(const Boundary&) = delete;
 
     private:
+        friend TclDebugger;
+        struct Place {
+            int commandDepth = 0;
+            bool catchesErrors = false;
+        };
         TclDebugger& m_debugger;
+        Place m_before;
     };
 
 protected:
@@ -60,7 +65,7 @@ private:
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
     int m_pauses = 0;
-    int m_catching = 0;
+    Boundary::Place m_boundary;
     std::atomic<bool> m_isInterrupted{false};
     struct Line {
         TclFrame frame;

@@ -216,10 +216,16 @@ std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command
     return framesOf(frame, own, {placeOfFailure(own, command), own.framePtr});
 }
 
-std::vector<QByteArray> runningCommands(Tcl_Interp* interp) {
+int commandDepth(Tcl_Interp* interp) {
+    const CmdFrame* const frame = reinterpret_cast<Interp*>(interp)->cmdFramePtr;
+    return frame ? frame->level : 0;
+}
+
+std::vector<QByteArray> runningCommands(Tcl_Interp* interp, int outer) {
     const Interp& own = *reinterpret_cast<Interp*>(interp);
     std::vector<QByteArray> commands;
-    for (const CmdFrame* frame = own.cmdFramePtr; frame; frame = frame->nextPtr) {
+    for (const CmdFrame* frame = own.cmdFramePtr; frame && frame->level > outer;
+         frame = frame->nextPtr) {
         QByteArray source;
         if (const ByteCode* const code = codeOf(*frame)) {
             if (const auto range = runningRange(*code, frame->data.tebc.pc))

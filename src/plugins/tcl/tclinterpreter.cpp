@@ -243,6 +243,8 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
     if (failure.kind == ScriptFailure::Kind::Fatal) {
         m_fatalFrames = frames();
         m_fatalIsSkip = failure.isSkip;
+        if (!failure.isSkip)
+            m_debugger->errorRaised(m_fatalFrames);
         return FatalEnd;
     }
     Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
@@ -309,7 +311,7 @@ void TclInterpreter::startScript(const QString& path, const QStringList& argumen
         if (QFileInfo(*folder).isDir())
             addToSearchPath(QFileInfo(*folder));
     }
-    m_ownVariables = namesOfVariables(0);
+    m_ownVariables = namesOfVariables(0, {"info", "globals"});
     TclRuntime::self().setInterruptible(m_tcl);
 }
 
@@ -419,15 +421,27 @@ int TclInterpreter::run(const SharedPtr<ScriptArgument>& function, const CallArg
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                              const CallArguments& arguments, const QString&,
                                              bool isCallback) {
+    const std::size_t outer = frames().size();
+    const TclDebugger::Boundary boundary(*m_debugger, false);
     const int code =
         isCallback ? run(function, arguments) : guarded([&] { return run(function, arguments); });
     if (code == TCL_OK || code == TCL_RETURN)
         return succeed() ? CallEnd::Succeeded : CallEnd::Failed;
     const bool isPending =
         code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
-    if (failWith(takeError(code)))
+    if (failWith(takeError(code, outer)))
         return CallEnd::Succeeded;
     return isPending ? CallEnd::Pending : CallEnd::Failed;
+}
+
+bool TclInterpreter::invokeCallable(const QString& identifier) {
+    const TclDebugger::Boundary boundary(*m_debugger, false);
+    return LanguageInterpreter::invokeCallable(identifier);
+}
+
+bool TclInterpreter::invokeFunction(const QString& name) {
+    const TclDebugger::Boundary boundary(*m_debugger, false);
+    return LanguageInterpreter::invokeFunction(name);
 }
 
 std::string TclInterpreter::errorCode() const {
@@ -439,7 +453,7 @@ std::string TclInterpreter::errorCode() const {
 
 // Errors and positions
 
-ScriptError TclInterpreter::takeError(int code) {
+ScriptError TclInterpreter::takeError(int code, std::size_t outer) {
     ScriptError error;
     if (!m_panic.isEmpty()) {
         error.message = m_panic;
@@ -461,7 +475,7 @@ ScriptError TclInterpreter::takeError(int code) {
         case TCL_ERROR:
             error.message = errorText();
             error.outermostLine = Tcl_GetErrorLine(m_tcl);
-            error.callStack = stackOf(framesOfError());
+            error.callStack = stackOf(framesOfError(), outer);
             break;
         default:
             error.message = QStringLiteral("command returned bad code: %1").arg(code);
@@ -488,12 +502,12 @@ std::vector<TclFrame> TclInterpreter::framesOfError() {
                      : std::vector<TclFrame>();
 }
 
-std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames) {
+std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames,
+                                              std::size_t outer) {
     std::vector<LineInfo> stack;
-    for (const TclFrame& frame : frames) {
-        if (stack.size() < mostStackLines)
-            stack.emplace_back(frame.file, frame.line);
-    }
+    const std::size_t own = frames.size() > outer ? frames.size() - outer : frames.size();
+    for (std::size_t index = 0; index < std::min(own, mostStackLines); ++index)
+        stack.emplace_back(frames[index].file, frames[index].line);
     return stack;
 }
 
@@ -535,14 +549,13 @@ int TclInterpreter::evaluateAtLevel(int level, Tcl_Obj* command) {
     return Tcl_EvalObjv(m_tcl, 3, words, 0);
 }
 
-QStringList TclInterpreter::namesOfVariables(int level) {
+QStringList TclInterpreter::namesOfVariables(int level, const QStringList& query) {
     QStringList names;
-    const TclRef command =
-        toTcl(level == 0 ? QStringList({"info", "globals"}) : QStringList({"info", "vars"}));
     int count = 0;
     Tcl_Obj** words = nullptr;
-    const TclRef list(evaluateAtLevel(level, command.get()) == TCL_OK ? Tcl_GetObjResult(m_tcl)
-                                                                      : Tcl_NewObj());
+    const TclRef list(evaluateAtLevel(level, toTcl(query).get()) == TCL_OK
+                          ? Tcl_GetObjResult(m_tcl)
+                          : Tcl_NewObj());
     if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &words) == TCL_OK) {
         for (int index = 0; index < count; ++index)
             names.append(textOf(words[index]));
@@ -551,9 +564,13 @@ QStringList TclInterpreter::namesOfVariables(int level) {
     return names;
 }
 
+QStringList TclInterpreter::variableNames(const QString& pattern) {
+    return namesOfVariables(0, {"info", "vars", pattern});
+}
+
 std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
     std::vector<std::pair<QString, TclRef>> variables;
-    for (const QString& name : namesOfVariables(level)) {
+    for (const QString& name : namesOfVariables(level, {"info", level == 0 ? "globals" : "vars"})) {
         if (m_ownVariables.contains(name))
             continue;
         const bool isValue =

@@ -73,8 +73,9 @@ public:
     /// Runs words as a command, a callable's in front. The end of the script passes as
     /// ScriptErrorSet; the result is Tcl's.
     int run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
-    /// What a person is told of the end with this code, which is not TCL_OK.
-    ScriptError takeError(int code);
+    /// What a person is told of the end with this code, which is not TCL_OK. The stack leaves out
+    /// the outermost `outer` frames, to which the code does not belong.
+    ScriptError takeError(int code, std::size_t outer = 0);
     /// What a person is told of the error that has just been raised.
     QString errorText() const;
     /// The frames that run commands of scripts, the innermost first.
@@ -82,6 +83,8 @@ public:
     /// Without those of Tcl's library, and with the paths that results have.
     std::vector<TclFrame> framesOfScripts(const std::vector<TclFrame>& frames);
 
+    /// Names of variables in namespaces that match a pattern, sorted.
+    QStringList variableNames(const QString& pattern);
     /// The variables at a level, as `uplevel` counts them, with their values; an array is a
     /// dictionary. Those that are there before the script are left out.
     std::vector<std::pair<QString, TclRef>> variablesAt(int level);
@@ -95,6 +98,8 @@ public:
                            const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
+    bool invokeCallable(const QString& identifier) override;
+    bool invokeFunction(const QString& name) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -121,8 +126,9 @@ private:
     std::string errorCode() const;
     std::vector<TclFrame> framesOfError();
     int evaluateAtLevel(int level, Tcl_Obj* command);
-    QStringList namesOfVariables(int level);
-    std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames);
+    QStringList namesOfVariables(int level, const QStringList& query);
+    static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
+                                         std::size_t outer = 0);
     struct SourceFile {
         QString path;
         bool isScript;

@@ -1,0 +1,116 @@
+#include "plugins/tcl/objectnames.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <algorithm>
+
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/tclargument.h"
+#include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/valuetype.h"
+
+namespace Tamrix::TclPlugin {
+
+namespace {
+
+bool isVariable(const QString& name) {
+    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
+    return s_identifier.match(name).hasMatch();
+}
+
+/// The text as it stands between quotes.
+QString quoted(const QString& text) {
+    QString word;
+    for (const QChar character : text) {
+        // Control characters, and half characters that no file could hold.
+        if (!character.isPrint() && !character.isSurrogate()) {
+            word += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+            continue;
+        }
+        if (QStringLiteral("\"\\$[]{}").contains(character))
+            word += QLatin1Char('\\');
+        word += character;
+    }
+    return '"' + word + '"';
+}
+
+/// As people write it: as it is, in braces, or in quotes where braces can't hold it.
+QString tclWord(const QString& text) {
+    static const QRegularExpression s_bare(QStringLiteral("\\A[A-Za-z0-9_.,:/*~+-]+\\z"));
+    const bool fitsBraces = std::all_of(text.begin(), text.end(), [](QChar character) {
+        return (character.isPrint() || character.isSurrogate()) &&
+               !QStringLiteral("{}\\").contains(character);
+    });
+    if (s_bare.match(text).hasMatch())
+        return text;
+    return fitsBraces ? '{' + text + '}' : quoted(text);
+}
+
+ScriptNotation notationFor(const QString& prefix) {
+    const QString space = prefix.chopped(2);
+    return {
+        QStringLiteral("set %1%2").arg(prefix, QStringLiteral("%1 %2")),
+        QStringLiteral("$%1%2").arg(prefix, QStringLiteral("%1")),
+        QStringLiteral("[dict create "),
+        QStringLiteral(" "),
+        QStringLiteral(" "),
+        QStringLiteral("]"),
+        QStringLiteral("# "),
+        QStringLiteral("# Names of objects, for scripts: source [findFile scripts %1.tcl]\n"
+                       "namespace eval %1 {}\n")
+            .arg(space),
+        QString(),
+        ScriptNotation::Words::Underscores,
+        tclWord,
+        isVariable,
+    };
+}
+
+/// A name, or a part of one. Any two words could be read as a dictionary: so only what was made as
+/// one is the name of another object.
+class NamePart final : public TclArgument {
+public:
+    explicit NamePart(Tcl_Obj* value) : TclArgument(*TclInterpreter::active(), TclRef(value)) {}
+
+    bool isMap() const override { return typeOf(value()) == ValueType::Dictionary; }
+    Map toMap() const override {
+        Map parts;
+        for (const auto& [name, part] : TclArgument::toMap())
+            parts[name] = new NamePart(static_cast<const TclArgument*>(part.get())->value());
+        return parts;
+    }
+};
+
+}  // namespace
+
+TclObjectMap::TclObjectMap(const QString& path)
+    : GenericScriptedObjectMap(path, "tcl"),
+      m_prefix(QFileInfo(path).completeBaseName().replace(QRegularExpression("\\W"), "_") + "::"),
+      m_notation(notationFor(m_prefix)) {}
+
+QString TclObjectMap::scriptedNameKey(const ScriptedSymbolicName& name) const {
+    const QString text = name.text();
+    return text.startsWith(m_prefix) ? keyOfVariable(text.mid(m_prefix.size()))
+                                     : GenericScriptedObjectMap::scriptedNameKey(name);
+}
+
+QString TclObjectMap::toSymbolicName(const QString& key) const {
+    return m_prefix + variableOfKey(key);
+}
+
+ScriptArgument::Map TclObjectMap::scriptVariables() {
+    ScriptArgument::Map variables;
+    Tcl_Interp* const tcl = TclInterpreter::active()->tcl();
+    for (const QString& path : TclInterpreter::active()->variableNames("::" + m_prefix + '*')) {
+        Tcl_Obj* const value =
+            Tcl_GetVar2Ex(tcl, toTclBytes(path).constData(), nullptr, TCL_GLOBAL_ONLY);
+        const TclRef dictionary(value ? Tcl_DuplicateObj(value) : Tcl_NewObj());
+        int size = 0;
+        // Whoever keeps a dictionary under a name may have written it as a text.
+        if (Tcl_DictObjSize(nullptr, dictionary.get(), &size) == TCL_OK && size > 0)
+            variables[path.mid(m_prefix.size() + 2)] = new NamePart(dictionary.get());
+    }
+    return variables;
+}
+
+}  // namespace Tamrix::TclPlugin
