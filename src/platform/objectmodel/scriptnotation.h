@@ -39,6 +39,9 @@ struct ScriptNotation {
     /// Whether this may be a variable's name: an identifier that is no keyword, and that neither
     /// the language nor its library means anything by.
     bool (*isVariable)(const QString& name) = nullptr;
+    /// What stands at the end of a line behind which a value goes on, where a line's end would end
+    /// the statement.
+    QString continuation;
 };
 
 // Keys of a map of names are ":save_button" for the variable save_button.

@@ -38,6 +38,11 @@ QByteArray toTclBytes(const QString& text) {
     return bytes;
 }
 
+QByteArray toTclSource(QString text) {
+    return toTclBytes(text.replace(QLatin1String("\r\n"), QLatin1String("\n"))
+                          .replace(QLatin1Char('\r'), QLatin1Char('\n')));
+}
+
 QString fromTclBytes(std::string_view bytes) {
     QString text;
     text.reserve(static_cast<int>(bytes.size()));

@@ -15,6 +15,8 @@ namespace Tamrix::TclPlugin {
 // pass.
 
 QByteArray toTclBytes(const QString& text);
+/// The text of a script, in which lines end as Tcl takes it from a file.
+QByteArray toTclSource(QString text);
 QString fromTclBytes(std::string_view bytes);
 
 TclRef toTcl(const QString& text);

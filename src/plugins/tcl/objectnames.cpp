@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/dictionary.h"
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
@@ -63,6 +64,7 @@ ScriptNotation notationFor(const QString& prefix) {
         ScriptNotation::Words::Underscores,
         tclWord,
         isVariable,
+        QStringLiteral(" \\"),
     };
 }
 
@@ -104,10 +106,8 @@ ScriptArgument::Map TclObjectMap::scriptVariables() {
     for (const QString& path : TclInterpreter::active()->variableNames("::" + m_prefix + '*')) {
         Tcl_Obj* const value =
             Tcl_GetVar2Ex(tcl, toTclBytes(path).constData(), nullptr, TCL_GLOBAL_ONLY);
-        const TclRef dictionary(value ? Tcl_DuplicateObj(value) : Tcl_NewObj());
-        int size = 0;
-        // Whoever keeps a dictionary under a name may have written it as a text.
-        if (Tcl_DictObjSize(nullptr, dictionary.get(), &size) == TCL_OK && size > 0)
+        // An array has no value.
+        if (const TclRef dictionary = value ? nameDictionary(value) : TclRef())
             variables[path.mid(m_prefix.size() + 2)] = new NamePart(dictionary.get());
     }
     return variables;

@@ -5,6 +5,7 @@
 #include "interpreter/objects/objectidentity.h"
 #include "platform/objectmodel/inspector.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/dictionary.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
@@ -203,15 +204,8 @@ ScriptArgument::List TclArgument::toList() const {
 ScriptArgument::Map TclArgument::toMap() const {
     Map values;
     const TclRef map = typeOf(value()) == ValueType::Dictionary ? m_value : copyOf(value());
-    Tcl_DictSearch search;
-    Tcl_Obj* key = nullptr;
-    Tcl_Obj* entry = nullptr;
-    int isDone = 0;
-    if (Tcl_DictObjFirst(nullptr, map.get(), &search, &key, &entry, &isDone) != TCL_OK)
-        return values;
-    for (; !isDone; Tcl_DictObjNext(&search, &key, &entry, &isDone))
+    for (const auto& [key, entry] : entriesOf(map.get()))
         values[textOf(key)] = new TclArgument(m_interpreter, TclRef(entry));
-    Tcl_DictObjDone(&search);
     return values;
 }
 
@@ -248,18 +242,19 @@ QString TclArgument::toRealName() const {
     if (text.startsWith(QLatin1Char(':')) || text.startsWith(QLatin1Char('{')) || !isMap())
         return text;
     static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_]\\w*[~*]?$"));
-    QMap<QString, PropertyValue> properties;
-    for (const auto& [name, wanted] : toMap()) {
-        if (!name.contains(s_name))
+    const TclRef dictionary = nameDictionary(value());
+    if (!dictionary)
+        return text;
+    for (const auto& [property, wanted] : entriesOf(dictionary.get())) {
+        if (!textOf(property).contains(s_name))
             return text;
-        properties.insert(name, wanted->toPropertyValue());
     }
-    return properties.isEmpty() ? text : ObjectName(properties).qualifiedName();
+    return TclArgument(m_interpreter, dictionary).ScriptArgument::toRealName();
 }
 
 PropertyValue TclArgument::toPropertyValue() const {
     if (typeOf(value()) == ValueType::Dictionary)
-        return PropertyValue(toRealName(), 0, true);
+        return PropertyValue(ScriptArgument::toRealName(), 0, true);
     const QString text = toString();
     return PropertyValue(text, 0, isObject() || isMultiPropertyName(text));
 }

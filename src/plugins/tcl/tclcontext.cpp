@@ -273,7 +273,7 @@ bool TclContext::evaluateCondition(const QString& expression, QString* error) {
 bool TclContext::evaluate(const QString& text, const QString& fileName) {
     // What a file registers that is loaded again takes the place of what it did before.
     m_interpreter.steps().registry().forget(fileName);
-    const int result = evaluateFile(m_interpreter.tcl(), toTclBytes(text), fileName);
+    const int result = evaluateFile(m_interpreter.tcl(), text, fileName);
     if (result == TCL_OK || result == TCL_RETURN)
         return true;
     if (result != TCL_ERROR || m_interpreter.isUnwinding())

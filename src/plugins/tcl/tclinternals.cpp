@@ -240,7 +240,7 @@ std::vector<QByteArray> runningCommands(Tcl_Interp* interp, int outer) {
     return commands;
 }
 
-int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path) {
+int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path) {
     Interp& own = *reinterpret_cast<Interp*>(interp);
     const TclRef file = toTcl(path);
     // As `source` does it.
@@ -251,7 +251,8 @@ int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path
     } const restore{own, own.scriptFile};
     own.scriptFile = file.get();
     own.evalFlags |= TCL_EVAL_FILE | TCL_ALLOW_EXCEPTIONS;
-    return Tcl_EvalEx(interp, text.constData(), text.size(), TCL_EVAL_GLOBAL);
+    const QByteArray source = toTclSource(text);
+    return Tcl_EvalEx(interp, source.constData(), source.size(), TCL_EVAL_GLOBAL);
 }
 
 TclFrame definitionOf(Tcl_Interp* interp, const char* procedure) {

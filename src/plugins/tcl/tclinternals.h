@@ -36,7 +36,7 @@ int commandDepth(Tcl_Interp* interp);
 std::vector<QByteArray> runningCommands(Tcl_Interp* interp, int outer);
 
 /// Runs the text of a file at the top level, so that its commands know file and line.
-int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path);
+int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path);
 
 /// Where a procedure was defined; a line of -1 when that is in no file.
 TclFrame definitionOf(Tcl_Interp* interp, const char* procedure);

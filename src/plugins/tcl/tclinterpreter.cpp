@@ -340,7 +340,7 @@ LineInfo TclInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
 
 bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
-    const QByteArray bytes = toTclBytes(text);
+    const QByteArray bytes = toTclSource(text);
     const char* next = bytes.constData();
     const char* const end = next + bytes.size();
     // Words and commands; what is in braces is a text, of which nobody knows yet what it is.
@@ -393,7 +393,7 @@ bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
         Tcl_AllowExceptions(m_tcl);
         return fileName.isEmpty()
                    ? Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL)
-                   : evaluateFile(m_tcl, toTclBytes(text), Debugger::sanitizedFilePath(fileName));
+                   : evaluateFile(m_tcl, text, Debugger::sanitizedFilePath(fileName));
     });
     if (code == TCL_OK || code == TCL_RETURN)
         return succeed();

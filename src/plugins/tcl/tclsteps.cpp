@@ -188,7 +188,7 @@ void defineStepCommands(TclInterpreter& interpreter) {
 TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
 
 std::optional<ScriptError> TclSteps::loadFile(const QString& path, const QString& text) {
-    const int code = evaluateFile(m_tcl.tcl(), toTclBytes(text), path);
+    const int code = evaluateFile(m_tcl.tcl(), text, path);
     if (code == TCL_OK || code == TCL_RETURN)
         return std::nullopt;
     if (code != TCL_ERROR || m_tcl.isUnwinding())

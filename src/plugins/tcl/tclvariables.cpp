@@ -7,6 +7,7 @@
 #include "interpreter/language/valuepath.h"
 #include "interpreter/language/valuetexts.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/dictionary.h"
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
@@ -17,21 +18,6 @@ namespace {
 
 Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
     return static_cast<const TclArgument*>(argument.get())->value();
-}
-
-/// The entries of a dictionary in their order.
-std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entriesOf(Tcl_Obj* dictionary) {
-    std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entries;
-    Tcl_DictSearch search;
-    Tcl_Obj* key = nullptr;
-    Tcl_Obj* value = nullptr;
-    int isDone = 0;
-    if (Tcl_DictObjFirst(nullptr, dictionary, &search, &key, &value, &isDone) != TCL_OK)
-        return entries;
-    for (; !isDone; Tcl_DictObjNext(&search, &key, &value, &isDone))
-        entries.emplace_back(key, value);
-    Tcl_DictObjDone(&search);
-    return entries;
 }
 
 QString keyPart(Tcl_Obj* key) {
