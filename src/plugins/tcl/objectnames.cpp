@@ -64,6 +64,8 @@ ScriptNotation notationFor(const QString& prefix) {
         ScriptNotation::Words::Underscores,
         tclWord,
         isVariable,
+        nullptr,
+        QString(),
         QStringLiteral(" \\"),
     };
 }
