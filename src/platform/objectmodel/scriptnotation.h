@@ -44,10 +44,10 @@ struct ScriptNotation {
     /// A property's name, where that is written in another way than texts are.
     QString (*propertyName)(const QString& name) = nullptr;
     /// What lines between heading and ending are set in by, and those of a name on several lines.
-    QString indent;
+    QString indent = QString();
     /// What stands at the end of a line behind which a value goes on, where a line's end would end
     /// the statement.
-    QString continuation;
+    QString continuation = QString();
 };
 
 /// The text in double quotes, as Python and JavaScript have it: what can't stand there, or is not
