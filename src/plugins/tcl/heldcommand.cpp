@@ -1,4 +1,4 @@
-// The commands of what scripts hold.
+#include "plugins/tcl/heldcommand.h"
 
 #include "base/overloaded.h"
 #include "interpreter/language/objectcalls.h"
@@ -23,11 +23,8 @@ int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
         return interpreter.fail(member.error());
     if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
         return interpreter.finish(*value);
-    return interpreter.fail({ScriptFailure::Kind::NoMember,
-                             QStringLiteral("'%1' of '%2' is a method: call it instead")
-                                 .arg(optionOf(words[0]), object->className()),
-                             false,
-                             {}});
+    return interpreter.fail(noMember(QStringLiteral("'%1' of '%2' is a method: call it instead")
+                                         .arg(optionOf(words[0]), object->className())));
 }
 
 /// `object configure -property value ?-property value ...?`

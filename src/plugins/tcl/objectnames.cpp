@@ -4,8 +4,9 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "interpreter/language/literals.h"
+#include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/dictionary.h"
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
@@ -13,27 +14,6 @@
 namespace Tamrix::TclPlugin {
 
 namespace {
-
-bool isVariable(const QString& name) {
-    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_identifier.match(name).hasMatch();
-}
-
-/// The text as it stands between quotes.
-QString quoted(const QString& text) {
-    QString word;
-    for (const QChar character : text) {
-        // Control characters, and half characters that no file could hold.
-        if (!character.isPrint() && !character.isSurrogate()) {
-            word += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-            continue;
-        }
-        if (QStringLiteral("\"\\$[]{}").contains(character))
-            word += QLatin1Char('\\');
-        word += character;
-    }
-    return '"' + word + '"';
-}
 
 /// As people write it: as it is, in braces, or in quotes where braces can't hold it.
 QString tclWord(const QString& text) {
@@ -44,7 +24,7 @@ QString tclWord(const QString& text) {
     });
     if (s_bare.match(text).hasMatch())
         return text;
-    return fitsBraces ? '{' + text + '}' : quoted(text);
+    return fitsBraces ? '{' + text + '}' : literalOf(text, {'"', "$[]{}"});
 }
 
 ScriptNotation notationFor(const QString& prefix) {
@@ -63,7 +43,7 @@ ScriptNotation notationFor(const QString& prefix) {
         QString(),
         ScriptNotation::Words::Underscores,
         tclWord,
-        isVariable,
+        isPlainIdentifier,
         nullptr,
         QString(),
         QStringLiteral(" \\"),
@@ -80,7 +60,7 @@ public:
     Map toMap() const override {
         Map parts;
         for (const auto& [name, part] : TclArgument::toMap())
-            parts[name] = new NamePart(static_cast<const TclArgument*>(part.get())->value());
+            parts[name] = new NamePart(valueOf(part));
         return parts;
     }
 };

@@ -18,6 +18,7 @@ QString optionOf(Tcl_Obj* word);
 /// Fails as Tcl does for a number of words that no form of the command has.
 int wrongWords(TclInterpreter& interpreter, const QString& usage);
 
+ScriptFailure noMember(const QString& text);
 /// That `owner` has nothing of the name; `kind` is "option" or "subcommand".
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
                      const QStringList& known);

@@ -3,10 +3,9 @@
 #include <QRegularExpression>
 
 #include "interpreter/objects/objectidentity.h"
-#include "platform/objectmodel/inspector.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/dictionary.h"
-#include "plugins/tcl/nativeclasses.h"
+#include "plugins/tcl/containers.h"
+#include "plugins/tcl/heldcommand.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
@@ -98,29 +97,13 @@ bool TclArgument::isString() const {
            !m_interpreter.values().find(value()) && !m_interpreter.values().findRecord(value());
 }
 
-bool TclArgument::isStringLike() const {
-    // What is written to results may be anything.
-    return true;
-}
-
-bool TclArgument::isObject() const {
-    return bool(toObject());
-}
-
-bool TclArgument::isClass() const {
-    return toClass() != nullptr;
-}
-
 bool TclArgument::isCallable() const {
     const ValueType type = typeOf(value());
     if (type != ValueType::Text && type != ValueType::List)
         return false;
-    int count = 0;
-    Tcl_Obj** words = nullptr;
     const TclRef copy = copyOf(value());
-    if (Tcl_ListObjGetElements(nullptr, copy.get(), &count, &words) != TCL_OK || count == 0)
-        return false;
-    return Tcl_GetCommandFromObj(m_interpreter.tcl(), words[0]) != nullptr;
+    const auto words = elementsOf(copy.get());
+    return !words.empty() && Tcl_GetCommandFromObj(m_interpreter.tcl(), words[0]) != nullptr;
 }
 
 bool TclArgument::isList() const {
@@ -138,10 +121,6 @@ bool TclArgument::isMap() const {
     if (type != ValueType::Text && type != ValueType::List)
         return type == ValueType::Dictionary;
     return Tcl_DictObjSize(nullptr, copyOf(value()).get(), &count) == TCL_OK;
-}
-
-bool TclArgument::isNative(void* typeId) const {
-    return bool(toNative(typeId));
 }
 
 // Conversions
@@ -180,24 +159,13 @@ QString TclArgument::toString() const {
     return textOf(value());
 }
 
-SharedPtr<Object> TclArgument::toObject() const {
-    return m_interpreter.values().get<Object>(value());
-}
-
-const Class* TclArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
-}
-
 ScriptArgument::List TclArgument::toList() const {
     List values;
-    int count = 0;
-    Tcl_Obj** elements = nullptr;
     const TclRef list = typeOf(value()) == ValueType::List ? m_value : copyOf(value());
-    if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &elements) != TCL_OK)
-        return values;
-    values.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index)
-        values.push_back(new TclArgument(m_interpreter, TclRef(elements[index])));
+    const auto elements = elementsOf(list.get());
+    values.reserve(elements.size());
+    for (Tcl_Obj* const element : elements)
+        values.push_back(new TclArgument(m_interpreter, TclRef(element)));
     return values;
 }
 
@@ -207,28 +175,6 @@ ScriptArgument::Map TclArgument::toMap() const {
     for (const auto& [key, entry] : entriesOf(map.get()))
         values[textOf(key)] = new TclArgument(m_interpreter, TclRef(entry));
     return values;
-}
-
-SharedPtr<NativeScriptObject> TclArgument::toNative(void* typeId) const {
-    const auto native = m_interpreter.values().get<NativeScriptObject>(value());
-    return native && m_interpreter.classes().isDerivedFrom(native->typeId(), typeId)
-               ? native
-               : SharedPtr<NativeScriptObject>();
-}
-
-SharedPtr<TestDataSet> TclArgument::toTestDataSet() const {
-    const List records = toList();
-    return records.empty() ? SharedPtr<TestDataSet>()
-                           : m_interpreter.values().setOfRecord(
-                                 static_cast<const TclArgument*>(records.front().get())->value());
-}
-
-SharedPtr<ApplicationContext> TclArgument::toApplicationContext() const {
-    return m_interpreter.values().get<ApplicationContext>(value());
-}
-
-const TestDataRecord* TclArgument::toTestDataRecord() const {
-    return m_interpreter.values().findRecord(value());
 }
 
 // Names of objects
@@ -261,27 +207,17 @@ PropertyValue TclArgument::toPropertyValue() const {
 
 // Values for applications
 
+std::optional<QByteArray> TclArgument::bytes() const {
+    if (typeOf(value()) != ValueType::Bytes)
+        return std::nullopt;
+    int size = 0;
+    const unsigned char* const bytes = Tcl_GetByteArrayFromObj(value(), &size);
+    return QByteArray(reinterpret_cast<const char*>(bytes), size);
+}
+
 std::optional<QVariant> TclArgument::toVariant() const {
-    if (isObject())
-        return ScriptArgument::toVariant();
-    switch (typeOf(value())) {
-        case ValueType::Boolean:
-            return toBool();
-        case ValueType::Integer:
-            return toInt();
-        case ValueType::Double:
-            return toDouble();
-        case ValueType::Bytes: {
-            int size = 0;
-            const unsigned char* const bytes = Tcl_GetByteArrayFromObj(value(), &size);
-            return QByteArray(reinterpret_cast<const char*>(bytes), size);
-        }
-        case ValueType::List:
-        case ValueType::Dictionary:
-            return ScriptArgument::toVariant();
-        case ValueType::Text:
-            break;
-    }
+    if (typeOf(value()) != ValueType::Text || isObject())
+        return LanguageArgument::toVariant();
     // As one or the other it comes to the same.
     if (isPlainInteger(value()))
         return toInt();
@@ -296,24 +232,50 @@ bool TclArgument::isNull() const {
 
 // Callables
 
-SharedPtr<ScriptArgument> TclArgument::call(const List& arguments, QString* error) {
-    const std::size_t outer = m_interpreter.frames().size();
-    const int code = m_interpreter.run(this, {arguments, {}});
-    Tcl_Interp* const tcl = m_interpreter.tcl();
-    if (code == TCL_OK || code == TCL_RETURN) {
-        SharedPtr<TclArgument> result(
-            new TclArgument(m_interpreter, TclRef(Tcl_GetObjResult(tcl))));
-        result->setIsResult();
-        return result;
-    }
-    const ScriptError raised = m_interpreter.takeError(code, outer);
-    m_interpreter.setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+SharedPtr<ScriptArgument> TclArgument::called(const List& arguments) const {
+    m_interpreter.run(value(), {arguments, {}});
+    SharedPtr<TclArgument> result(
+        new TclArgument(m_interpreter, TclRef(Tcl_GetObjResult(m_interpreter.tcl()))));
+    result->setIsResult();
+    return result;
+}
+
+LanguageInterpreter* TclArgument::active() {
+    return TclInterpreter::active();
 }
 
 QString TclArgument::callableIdentifier() const {
     return QStringLiteral("Callable|") + textOf(value());
+}
+
+// What it may be the name of
+
+template <>
+SharedPtr<Object> TclArgument::held() const {
+    return m_interpreter.values().get<Object>(value());
+}
+
+template <>
+SharedPtr<NativeScriptObject> TclArgument::held() const {
+    return m_interpreter.values().get<NativeScriptObject>(value());
+}
+
+template <>
+SharedPtr<ApplicationContext> TclArgument::held() const {
+    return m_interpreter.values().get<ApplicationContext>(value());
+}
+
+template <>
+SharedPtr<TestDataSet> TclArgument::held() const {
+    const List records = toList();
+    return records.empty() ? SharedPtr<TestDataSet>()
+                           : m_interpreter.values().setOfRecord(valueOf(records.front()));
+}
+
+template <>
+SharedPtr<HeldRecord> TclArgument::held() const {
+    const TestDataRecord* const record = m_interpreter.values().findRecord(value());
+    return record ? new HeldRecord(m_interpreter.values().setOfRecord(value()), record) : nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

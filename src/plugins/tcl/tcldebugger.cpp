@@ -125,15 +125,14 @@ std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
 
 // Errors
 
-TclDebugger::Boundary::Boundary(TclDebugger& debugger, bool catchesErrors)
-    : m_debugger(debugger), m_before(debugger.m_boundary) {
-    debugger.m_boundary = {commandDepth(debugger.m_tcl.tcl()), catchesErrors};
+TclDebugger::Boundary::Boundary(TclDebugger& debugger)
+    : m_debugger(debugger), m_before(debugger.m_commandsOutside) {
+    debugger.m_commandsOutside = commandDepth(debugger.m_tcl.tcl());
 }
 
 bool TclDebugger::isCaught() const {
-    const std::vector<QByteArray> commands =
-        runningCommands(m_tcl.tcl(), m_boundary.commandDepth);
-    return m_boundary.catchesErrors ||
+    const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl(), m_commandsOutside);
+    return areErrorsCaught() ||
            std::any_of(commands.begin(), commands.end(), catchesErrors);
 }
 

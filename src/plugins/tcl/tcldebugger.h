@@ -29,23 +29,18 @@ public:
 
     /// An error was raised in these frames: stops there if nothing will catch it.
     void errorRaised(const std::vector<TclFrame>& frames);
-    /// The time of code whose errors do not reach the commands that run by now: a native function
-    /// catches them, or they end there, as in a handler of an event.
+    /// The time of code whose errors do not reach the commands that run by now, as of a handler of
+    /// an event.
     class Boundary {
     public:
-        Boundary(TclDebugger& debugger, bool catchesErrors);
-        ~Boundary() { m_debugger.m_boundary = m_before; }
+        explicit Boundary(TclDebugger& debugger);
+        ~Boundary() { m_debugger.m_commandsOutside = m_before; }
         Boundary(const Boundary&) = delete;
         Boundary& operator=(const Boundary&) = delete;
 
     private:
-        friend TclDebugger;
-        struct Place {
-            int commandDepth = 0;
-            bool catchesErrors = false;
-        };
         TclDebugger& m_debugger;
-        Place m_before;
+        int m_before;
     };
 
 protected:
@@ -65,7 +60,7 @@ private:
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
     int m_pauses = 0;
-    Boundary::Place m_boundary;
+    int m_commandsOutside = 0;
     std::atomic<bool> m_isInterrupted{false};
     struct Line {
         TclFrame frame;

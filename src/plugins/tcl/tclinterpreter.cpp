@@ -7,7 +7,9 @@
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/stepactions.h"
 #include "interpreter/objects/globalfunctions.h"
+#include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/heldcommand.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
 #include "plugins/tcl/scriptchannels.h"
@@ -54,10 +56,6 @@ const char* nameOfError(std::string_view errorCode) {
 
 /// The text of the panic behind which Tcl can't be used any more in this process.
 QString s_panic;
-
-Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
-    return static_cast<const TclArgument*>(argument.get())->value();
-}
 
 /// Where a command begins, behind blank lines and comments.
 const char* firstOfCommand(const char* next, const char* end) {
@@ -106,7 +104,7 @@ TclInterpreter::TclInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, Interpreter::Tcl) {
     TclRuntime::self();
     m_context = std::make_unique<TclContext>(*this);
-    m_classes = std::make_unique<NativeClasses>(*this);
+    m_classes = std::make_unique<ClassCommands>(*this);
     m_debugger = std::make_unique<TclDebugger>(*this);
     createTcl();
     begin(std::make_unique<TclSteps>(*this));
@@ -202,16 +200,6 @@ void TclInterpreter::defineVariable(const QString& name, int value) {
                   TCL_GLOBAL_ONLY);
 }
 
-void TclInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                       const QStringList& requiredParameters,
-                                       const QStringList& optionalParameters,
-                                       const QString& description) {
-    defineNative(
-        *this, name,
-        NativeFunction(*m_context, {name, {}, requiredParameters, optionalParameters, description},
-                       function));
-}
-
 void TclInterpreter::addNativeType(const QString& name, void* typeId,
                                    const NativeScriptType& type) {
     m_classes->add(name, typeId, type);
@@ -251,19 +239,31 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
     return TCL_ERROR;
 }
 
-void TclInterpreter::throwPending(int code) {
+void TclInterpreter::throwPending(int code, std::size_t outer) {
     if (m_pendingState)
         Tcl_DiscardInterpState(m_pendingState);
     m_pendingState = Tcl_SaveInterpState(m_tcl, code);
+    m_pendingCode = code;
+    m_pendingOuter = outer;
     throw ScriptErrorSet();
 }
 
+void TclInterpreter::check(int code, std::size_t outer) {
+    if (code != TCL_OK && code != TCL_RETURN)
+        throwPending(code, outer);
+}
+
 void TclInterpreter::throwError(const QString& text) {
-    throwPending(fail({ScriptFailure::Kind::BadArgument, text, false, {}}));
+    throwPending(fail(badArgument(text)));
 }
 
 int TclInterpreter::failAsPending() {
     return Tcl_RestoreInterpState(m_tcl, std::exchange(m_pendingState, nullptr));
+}
+
+bool TclInterpreter::isErrorOrdinary() {
+    const bool isEnd = m_pendingCode == FatalEnd || m_pendingCode == ExitEnd;
+    return m_panic.isEmpty() && !isEnd && !isUnwinding();
 }
 
 bool TclInterpreter::isUnwinding() const {
@@ -329,9 +329,8 @@ SharedPtr<ScriptArgument> TclInterpreter::libraryFunction(const QString& name) {
 }
 
 LineInfo TclInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    if (Tcl_ListObjGetElements(nullptr, valueOf(function), &count, &words) != TCL_OK || count == 0)
+    const auto words = elementsOf(valueOf(function));
+    if (words.empty())
         return {};
     const std::vector<TclFrame> place =
         framesOfScripts({definitionOf(m_tcl, Tcl_GetString(words[0]))});
@@ -362,10 +361,10 @@ bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
 
 // Running
 
-template <typename Code>
-int TclInterpreter::guarded(Code code) {
+template <typename Work>
+void TclInterpreter::guarded(Work work) {
     if (!m_panic.isEmpty())
-        return TCL_ERROR;
+        throw ScriptErrorSet();
     struct Depth {
         int& depth;
         explicit Depth(int& counter) : depth(counter) { ++depth; }
@@ -376,71 +375,65 @@ int TclInterpreter::guarded(Code code) {
         TclRuntime::self().forgetEnd();
     m_errors->renew();
     try {
-        return code();
-    } catch (const ScriptErrorSet&) {
-        return failAsPending();
+        work();
     } catch (const TclPanic& panic) {
         m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.text);
         s_panic = m_panic;
-        return TCL_ERROR;
+        throw ScriptErrorSet();
     }
+}
+
+void TclInterpreter::runFile(const QString& text, const QString& path) {
+    check(evaluateFile(m_tcl, text, path));
 }
 
 bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
     if (fileName.isEmpty() && !m_hasScript)
         m_initScripts.append(text);
-    const int code = guarded([&] {
-        Tcl_AllowExceptions(m_tcl);
-        return fileName.isEmpty()
-                   ? Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL)
-                   : evaluateFile(m_tcl, text, Debugger::sanitizedFilePath(fileName));
+    return runCode(!fileName.isEmpty(), [&] {
+        guarded([&] {
+            Tcl_AllowExceptions(m_tcl);
+            if (!fileName.isEmpty())
+                return runFile(text, Debugger::sanitizedFilePath(fileName));
+            check(Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL));
+        });
     });
-    if (code == TCL_OK || code == TCL_RETURN)
-        return succeed();
-    return failWith(takeError(code), !fileName.isEmpty());
 }
 
-int TclInterpreter::run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments) {
+void TclInterpreter::run(Tcl_Obj* function, const CallArguments& arguments) {
     // A callable is the beginning of a command, whose other words follow.
-    const TclRef command(Tcl_DuplicateObj(valueOf(function)));
+    const TclRef command(Tcl_DuplicateObj(function));
     for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
     for (const auto& [name, argument] : arguments.named)
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    if (Tcl_ListObjGetElements(m_tcl, command.get(), &count, &words) != TCL_OK)
-        return TCL_ERROR;
+    const auto words = elementsOf(command.get());
+    const std::size_t outer = frames().size();
     Tcl_AllowExceptions(m_tcl);
-    const int code = Tcl_EvalObjv(m_tcl, count, words, TCL_EVAL_GLOBAL);
-    if (code == FatalEnd || code == ExitEnd || (code == TCL_ERROR && isUnwinding()))
-        throwPending(code);
-    return code;
+    check(Tcl_EvalObjv(m_tcl, static_cast<int>(words.size()), words.data(), TCL_EVAL_GLOBAL),
+          outer);
 }
 
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                              const CallArguments& arguments, const QString&,
                                              bool isCallback) {
-    const std::size_t outer = frames().size();
-    const TclDebugger::Boundary boundary(*m_debugger, false);
-    const int code =
-        isCallback ? run(function, arguments) : guarded([&] { return run(function, arguments); });
-    if (code == TCL_OK || code == TCL_RETURN)
-        return succeed() ? CallEnd::Succeeded : CallEnd::Failed;
-    const bool isPending =
-        code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
-    if (failWith(takeError(code, outer)))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
+    const TclDebugger::Boundary boundary(*m_debugger);
+    return runCall(isCallback, [&] {
+        const auto work = [&] { run(valueOf(function), arguments); };
+        if (isCallback)
+            work();
+        else
+            guarded(work);
+    });
 }
 
 bool TclInterpreter::invokeCallable(const QString& identifier) {
-    const TclDebugger::Boundary boundary(*m_debugger, false);
+    const TclDebugger::Boundary boundary(*m_debugger);
     return LanguageInterpreter::invokeCallable(identifier);
 }
 
 bool TclInterpreter::invokeFunction(const QString& name) {
-    const TclDebugger::Boundary boundary(*m_debugger, false);
+    const TclDebugger::Boundary boundary(*m_debugger);
     return LanguageInterpreter::invokeFunction(name);
 }
 
@@ -453,12 +446,13 @@ std::string TclInterpreter::errorCode() const {
 
 // Errors and positions
 
-ScriptError TclInterpreter::takeError(int code, std::size_t outer) {
+ScriptError TclInterpreter::takeError() {
     ScriptError error;
     if (!m_panic.isEmpty()) {
         error.message = m_panic;
         return error;
     }
+    const int code = failAsPending();
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
     // A person is told what kind of an error it is, in front of its text.
     switch (code) {
@@ -475,7 +469,8 @@ ScriptError TclInterpreter::takeError(int code, std::size_t outer) {
         case TCL_ERROR:
             error.message = errorText();
             error.outermostLine = Tcl_GetErrorLine(m_tcl);
-            error.callStack = stackOf(framesOfError(), outer);
+            error.callStack = stackOf(framesOfError(), m_pendingOuter);
+            error.isPendingStep = errorCode() == pendingErrorCode;
             break;
         default:
             error.message = QStringLiteral("command returned bad code: %1").arg(code);
@@ -551,14 +546,10 @@ int TclInterpreter::evaluateAtLevel(int level, Tcl_Obj* command) {
 
 QStringList TclInterpreter::namesOfVariables(int level, const QStringList& query) {
     QStringList names;
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    const TclRef list(evaluateAtLevel(level, toTcl(query).get()) == TCL_OK
-                          ? Tcl_GetObjResult(m_tcl)
-                          : Tcl_NewObj());
-    if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &words) == TCL_OK) {
-        for (int index = 0; index < count; ++index)
-            names.append(textOf(words[index]));
+    if (evaluateAtLevel(level, toTcl(query).get()) == TCL_OK) {
+        const TclRef list(Tcl_GetObjResult(m_tcl));
+        for (Tcl_Obj* const name : elementsOf(list.get()))
+            names.append(textOf(name));
     }
     names.sort();
     return names;
@@ -583,8 +574,7 @@ std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
         const bool isArray =
             evaluateAtLevel(level, toTcl(QStringList({"array", "get", name})).get()) == TCL_OK;
         const TclRef entries(isArray ? Tcl_DuplicateObj(Tcl_GetObjResult(m_tcl)) : Tcl_NewObj());
-        int size = 0;
-        if (Tcl_DictObjSize(nullptr, entries.get(), &size) == TCL_OK && size > 0)
+        if (!entriesOf(entries.get()).empty())
             variables.emplace_back(name, entries);
     }
     return variables;
@@ -599,16 +589,17 @@ Outcome<QString> TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const 
     const bool isExpression =
         !text.isEmpty() && (s_beginnings.contains(text.at(0)) || text.at(0).isDigit());
     const TclRef command = isExpression ? toTcl(QStringList({"expr", text})) : toTcl(text);
-    const int end = guarded([&] {
-        const TclRef variable = toTcl(QStringList({"set", text}));
-        if (!isExpression && !text.contains(' ') &&
-            evaluateAtLevel(level, variable.get()) == TCL_OK)
-            return TCL_OK;
-        return evaluateAtLevel(level, command.get());
-    });
-    if (end == TCL_OK)
+    try {
+        guarded([&] {
+            const TclRef variable = toTcl(QStringList({"set", text}));
+            if (isExpression || text.contains(' ') ||
+                evaluateAtLevel(level, variable.get()) != TCL_OK)
+                check(evaluateAtLevel(level, command.get()));
+        });
         return textOf(Tcl_GetObjResult(m_tcl));
-    return Tamrix::fail(FailureKind::Failed, takeError(end).message);
+    } catch (const ScriptErrorSet&) {
+        return Tamrix::fail(FailureKind::Failed, takeError().message);
+    }
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -32,8 +32,7 @@ SharedPtr<ScriptArgument> makeProcedure(TclInterpreter& interpreter, Tcl_Obj* co
     const TclRef command = toTcl(QStringLiteral("::proc"));
     const TclRef procedure = toTcl(name);
     Tcl_Obj* const definition[] = {command.get(), procedure.get(), words[2], words[3]};
-    if (const int code = Tcl_EvalObjv(interpreter.tcl(), 4, definition, 0); code != TCL_OK)
-        interpreter.throwPending(code);
+    interpreter.check(Tcl_EvalObjv(interpreter.tcl(), 4, definition, 0));
     return new TclArgument(interpreter, procedure);
 }
 
@@ -51,8 +50,7 @@ int withRegistry(TclInterpreter& interpreter, const std::function<void(StepRegis
             work(interpreter.steps().registry());
             return interpreter.finish(SharedPtr<ScriptArgument>());
         } catch (const Gherkin::ExpressionError& error) {
-            return interpreter.fail(
-                {ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
+            return interpreter.fail(badArgument(QString::fromUtf8(error.what())));
         }
     });
 }
@@ -188,12 +186,7 @@ void defineStepCommands(TclInterpreter& interpreter) {
 TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
 
 std::optional<ScriptError> TclSteps::loadFile(const QString& path, const QString& text) {
-    const int code = evaluateFile(m_tcl.tcl(), text, path);
-    if (code == TCL_OK || code == TCL_RETURN)
-        return std::nullopt;
-    if (code != TCL_ERROR || m_tcl.isUnwinding())
-        m_tcl.throwPending(code);
-    return m_tcl.takeError(code);
+    return m_tcl.attempt([&] { m_tcl.runFile(text, path); });
 }
 
 StepLanguage::Value TclSteps::contextValue() {

@@ -15,10 +15,10 @@ public:
         : LanguageVariables(debugger), m_tcl(interpreter) {}
 
 protected:
-    void startListing() override;
+    /// No code of the script writes values.
+    void startListing() override {}
     std::vector<Member> variablesOf(int level) override;
     Members membersOf(const Value& value, int first, int limit) override;
-    Value memberNamed(const Value& value, const QString& name) override;
     QString textOf(const Value& value) override;
 
 private:

@@ -89,7 +89,7 @@ TEST_F(TclObjectNames, NewNamesStandBehindWhatPeopleWrote) {
                   "\r\nset names::save_button_2 [dict create type QPushButton text {&Save} window "
                   "$names::main_window]\r\n"
                   "set names::quote_back_tab_line_label [dict create \\\r\n    type QLabel \\\r\n"
-                  "    text \"quote \\\" back\\\\ ' tab\\u0009 line\\u000a ü 😀 \\u0001 "
+                  "    text \"quote \\\" back\\\\ ' tab\\t line\\n ü 😀 \\u0001 "
                   "\\{\\$\\[\\}\" \\\r\n]\r\n"
                   "set names::save_as_widget [dict create type QWidget text {Save As...}]\r\n"
                   "set names::x_dialog [dict create \\\r\n    type Dialog \\\r\n"

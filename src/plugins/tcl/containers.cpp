@@ -1,4 +1,4 @@
-#include "plugins/tcl/dictionary.h"
+#include "plugins/tcl/containers.h"
 
 #include <algorithm>
 
@@ -24,6 +24,14 @@ bool mayBeName(Tcl_Obj* property, Tcl_Obj* value) {
 }
 
 }  // namespace
+
+std::span<Tcl_Obj* const> elementsOf(Tcl_Obj* list) {
+    int count = 0;
+    Tcl_Obj** elements = nullptr;
+    if (Tcl_ListObjGetElements(nullptr, list, &count, &elements) != TCL_OK)
+        return {};
+    return {elements, static_cast<std::size_t>(count)};
+}
 
 std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entriesOf(Tcl_Obj* dictionary) {
     std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entries;

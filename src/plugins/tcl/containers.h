@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -7,8 +8,10 @@
 
 namespace Tamrix::TclPlugin {
 
-/// The entries of a dictionary in their order; none of what can't be read as one. They are valid as
-/// long as the value is not changed.
+/// The elements of a list; none of what can't be read as one. They are valid as long as the value is
+/// not changed.
+std::span<Tcl_Obj* const> elementsOf(Tcl_Obj* list);
+/// The entries of a dictionary in their order; the same holds for them.
 std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entriesOf(Tcl_Obj* dictionary);
 
 /// The dictionary of properties by which an object is named, in which names of other objects are
