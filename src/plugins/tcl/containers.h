@@ -8,8 +8,8 @@
 
 namespace Tamrix::TclPlugin {
 
-/// The elements of a list; none of what can't be read as one. They are valid as long as the value is
-/// not changed.
+/// The elements of a list; none of what can't be read as one. They are valid as long as the value
+/// is not changed.
 std::span<Tcl_Obj* const> elementsOf(Tcl_Obj* list);
 /// The entries of a dictionary in their order; the same holds for them.
 std::vector<std::pair<Tcl_Obj*, Tcl_Obj*>> entriesOf(Tcl_Obj* dictionary);

@@ -1,4 +1,4 @@
-#include "plugins/tcl/heldcommand.h"
+#include "plugins/tcl/heldvalues.h"
 
 #include "base/overloaded.h"
 #include "interpreter/language/objectcalls.h"
@@ -6,7 +6,6 @@
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
 #include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
@@ -61,25 +60,14 @@ int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
 
 }  // namespace
 
-QString nameOfKind(const HeldValues::Held& held) {
-    return std::visit(
-        Overloaded{
-            [](const SharedPtr<Object>& object) { return object->className(); },
-            [](const SharedPtr<NativeScriptObject>&) { return QStringLiteral("NativeObject"); },
-            [](const SharedPtr<ApplicationContext>&) {
-                return QStringLiteral("ApplicationContext");
-            },
-            [](const SharedPtr<TestDataSet>&) { return QStringLiteral("DataSet"); }},
-        held.value);
-}
-
 int runHeldCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     const auto& held = *static_cast<HeldValues::Held*>(data);
     TclInterpreter& interpreter = held.owner->interpreter();
     // What is called may delete the command.
     const HeldValues::Value value = held.value;
     if (count < 2)
-        return wrongWords(interpreter, nameOfKind(held) + " method ?arg ...?");
+        return wrongWords(interpreter,
+                          interpreter.values().classNameOf(value) + " method ?arg ...?");
     const int rest = count - 1;
     Tcl_Obj* const* const behind = words + 1;
     return runCommand(interpreter, [&] {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
 #include "plugins/tcl/tclcontext.h"
 #include "plugins/tcl/tclinterpreter.h"
 
@@ -12,9 +12,8 @@ namespace Tamrix::TclPlugin {
 
 void ClassCommands::add(const QString& name, void* typeId, const NativeScriptType& type) {
     const ScriptContext& context = m_interpreter.context();
-    const auto made = std::make_shared<NativeClass>(
-        NativeClass{name, nativeConstructor(context, name, type),
-                    nativeMembers(context, name, type)});
+    const auto made = std::make_shared<NativeClass>(NativeClass{
+        name, nativeConstructor(context, name, type), nativeMembers(context, name, type)});
     if (const auto* const super = m_classes.find(type.super()))
         std::copy_if((*super)->members.begin(), (*super)->members.end(),
                      std::back_inserter(made->members),
@@ -29,24 +28,22 @@ void ClassCommands::addContextMember(const NativeFunction& function) {
 }
 
 const NativeMember* ClassCommands::NativeClass::find(const QString& wanted, bool isStatic) const {
-    const auto member =
-        std::find_if(members.begin(), members.end(), [&](const NativeMember& each) {
-            return each.name == wanted && each.isStatic() == isStatic;
-        });
+    const auto member = std::find_if(members.begin(), members.end(), [&](const NativeMember& each) {
+        return each.name == wanted && each.isStatic() == isStatic;
+    });
     return member == members.end() ? nullptr : &*member;
 }
 
-TclRef ClassCommands::nameOf(const SharedPtr<NativeScriptObject>& object) {
-    const auto* const known = object ? m_classes.find(object->typeId()) : nullptr;
-    return m_interpreter.values().nameOf(object,
-                                         known ? (*known)->name : QStringLiteral("NativeObject"));
+QString ClassCommands::classNameOf(void* typeId) const {
+    const auto* const known = m_classes.find(typeId);
+    return known ? (*known)->name : QStringLiteral("NativeObject");
 }
 
 // Properties
 
 int ClassCommands::readProperty(const NativeClass& nativeClass,
-                                 const SharedPtr<NativeScriptObject>& object, int count,
-                                 Tcl_Obj* const* words) {
+                                const SharedPtr<NativeScriptObject>& object, int count,
+                                Tcl_Obj* const* words) {
     if (count != 1)
         return wrongWords(m_interpreter, nativeClass.name + " cget -option");
     const NativeMember* const property = nativeClass.find(optionOf(words[0]), !object);
@@ -56,8 +53,8 @@ int ClassCommands::readProperty(const NativeClass& nativeClass,
 }
 
 int ClassCommands::writeProperties(const NativeClass& nativeClass,
-                                    const SharedPtr<NativeScriptObject>& object, int count,
-                                    Tcl_Obj* const* words) {
+                                   const SharedPtr<NativeScriptObject>& object, int count,
+                                   Tcl_Obj* const* words) {
     const QString owner = nativeClass.name;
     if (count == 0 || count % 2 != 0)
         return wrongWords(m_interpreter, owner + " configure -option value ?-option value ...?");
@@ -67,8 +64,9 @@ int ClassCommands::writeProperties(const NativeClass& nativeClass,
         if (!property || !property->isProperty())
             return m_interpreter.fail(noSuch("option", textOf(words[index]), owner, {}));
         if (!property->setter)
-            return m_interpreter.fail(noMember(QStringLiteral(
-                "The property '%1' of '%2' can't be written").arg(property->name, owner)));
+            return m_interpreter.fail(
+                noMember(QStringLiteral("The property '%1' of '%2' can't be written")
+                             .arg(property->name, owner)));
         code = callWithWords(m_interpreter, *property->setter, object, {}, 1, words + index + 1);
     }
     return code;
@@ -85,15 +83,15 @@ int ClassCommands::runClassCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* 
 }
 
 int ClassCommands::callMethod(const SharedPtr<NativeScriptObject>& object, int count,
-                               Tcl_Obj* const* words) {
+                              Tcl_Obj* const* words) {
     static const NativeClass s_unknown{QStringLiteral("NativeObject"), {}, {}};
     const auto* const known = m_classes.find(object->typeId());
     return callNamed(known ? **known : s_unknown, object, count, words);
 }
 
 int ClassCommands::callNamed(const NativeClass& nativeClass,
-                              const SharedPtr<NativeScriptObject>& object, int count,
-                              Tcl_Obj* const* words) {
+                             const SharedPtr<NativeScriptObject>& object, int count,
+                             Tcl_Obj* const* words) {
     const QString name = textOf(words[0]);
     const int rest = count - 1;
     Tcl_Obj* const* const behind = words + 1;
@@ -117,7 +115,7 @@ int ClassCommands::callNamed(const NativeClass& nativeClass,
 }
 
 int ClassCommands::callMember(const SharedPtr<ApplicationContext>& context, int count,
-                               Tcl_Obj* const* words) {
+                              Tcl_Obj* const* words) {
     const QString name = textOf(words[0]);
     if (const auto member = m_contextMembers.value(name))
         return callWithWords(m_interpreter, *member, {},

@@ -24,8 +24,7 @@ public:
     /// A member function of contexts of applications.
     void addContextMember(const NativeFunction& function);
 
-    /// The name of an object.
-    TclRef nameOf(const SharedPtr<NativeScriptObject>& object);
+    QString classNameOf(void* typeId) const;
 
     /// `object method ?argument ...?`; the words begin with the name of the method.
     int callMethod(const SharedPtr<NativeScriptObject>& object, int count, Tcl_Obj* const* words);

@@ -85,12 +85,14 @@ QString TclObjectMap::toSymbolicName(const QString& key) const {
 ScriptArgument::Map TclObjectMap::scriptVariables() {
     ScriptArgument::Map variables;
     Tcl_Interp* const tcl = TclInterpreter::active()->tcl();
-    for (const QString& path : TclInterpreter::active()->variableNames("::" + m_prefix + '*')) {
-        Tcl_Obj* const value =
-            Tcl_GetVar2Ex(tcl, toTclBytes(path).constData(), nullptr, TCL_GLOBAL_ONLY);
+    const TclRef query = toTcl(QStringList({"info", "vars", "::" + m_prefix + '*'}));
+    Tcl_EvalObjEx(tcl, query.get(), TCL_EVAL_GLOBAL);
+    const TclRef paths(Tcl_GetObjResult(tcl));
+    for (Tcl_Obj* const path : elementsOf(paths.get())) {
+        Tcl_Obj* const value = Tcl_ObjGetVar2(tcl, path, nullptr, TCL_GLOBAL_ONLY);
         // An array has no value.
         if (const TclRef dictionary = value ? nameDictionary(value) : TclRef())
-            variables[path.mid(m_prefix.size() + 2)] = new NamePart(dictionary.get());
+            variables[textOf(path).mid(m_prefix.size() + 2)] = new NamePart(dictionary.get());
     }
     return variables;
 }

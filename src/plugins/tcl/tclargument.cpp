@@ -3,9 +3,8 @@
 #include <QRegularExpression>
 
 #include "interpreter/objects/objectidentity.h"
-#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/containers.h"
-#include "plugins/tcl/heldcommand.h"
+#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
@@ -49,7 +48,7 @@ TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
 QString TclArgument::typeName() const {
     const ValueType type = typeOf(value());
     if (const HeldValues::Held* const held = m_interpreter.values().find(value()))
-        return nameOfKind(*held);
+        return m_interpreter.values().classNameOf(held->value);
     return QLatin1String(nameOf(type));
 }
 

@@ -2,6 +2,7 @@
 
 #include "interpreter/language/valueequality.h"
 #include "interpreter/objects/objectidentity.h"
+#include "plugins/tcl/conditionsource.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
@@ -102,7 +103,7 @@ SharedPtr<ScriptArgument> TclContext::createMap(
 }
 
 SharedPtr<ScriptArgument> TclContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argument(m_interpreter.classes().nameOf(object));
+    return argument(m_interpreter.values().nameOf(object));
 }
 
 SharedPtr<ScriptArgument> TclContext::createObject(SharedPtr<Object> object) {
@@ -192,6 +193,11 @@ bool TclContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArg
         return areEqualMaps(*left, *right, areEqual);
     return (leftType == ValueType::List || rightType == ValueType::List) &&
            areEqualLists(*left, *right, areEqual);
+}
+
+QString TclContext::explainArgument(const char*) {
+    // The condition is the first argument: those that must be given have no names.
+    return explainCondition(m_interpreter);
 }
 
 std::pair<QString, QString> TclContext::evaluateForException(SharedPtr<ScriptArgument> code) {

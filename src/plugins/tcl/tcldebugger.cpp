@@ -10,20 +10,6 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-/// Keeps result and error of Tcl while something else runs in it.
-class StateAside {
-public:
-    explicit StateAside(Tcl_Interp* interp)
-        : m_interp(interp), m_state(Tcl_SaveInterpState(interp, TCL_OK)) {}
-    ~StateAside() { Tcl_RestoreInterpState(m_interp, m_state); }
-    StateAside(const StateAside&) = delete;
-    StateAside& operator=(const StateAside&) = delete;
-
-private:
-    Tcl_Interp* m_interp;
-    Tcl_InterpState m_state;
-};
-
 /// Whether a command catches errors that are raised while it runs. Of a `try` that is its handlers
 /// for them; which errors they are for they say only when they have come.
 bool catchesErrors(const QByteArray& source) {
@@ -99,7 +85,7 @@ void TclDebugger::commandReached(int depth) {
     const std::vector<TclFrame> frames = m_tcl.frames();
     if (frames.empty() || !isNewLine(frames.front(), depth))
         return;
-    const StateAside aside(m_tcl.tcl());
+    const TclStateAside aside(m_tcl.tcl());
     if (m_isInterrupted.exchange(false))
         step();
     lineReached(sourceIdOf(frames.front().file), frames.front().line);
@@ -132,15 +118,14 @@ TclDebugger::Boundary::Boundary(TclDebugger& debugger)
 
 bool TclDebugger::isCaught() const {
     const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl(), m_commandsOutside);
-    return areErrorsCaught() ||
-           std::any_of(commands.begin(), commands.end(), catchesErrors);
+    return areErrorsCaught() || std::any_of(commands.begin(), commands.end(), catchesErrors);
 }
 
 void TclDebugger::errorRaised(const std::vector<TclFrame>& raisedIn) {
     if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
         return;
     const QString text = m_tcl.errorText();
-    const StateAside aside(m_tcl.tcl());
+    const TclStateAside aside(m_tcl.tcl());
     std::vector<TclFrame> frames = m_tcl.framesOfScripts(raisedIn);
     // Each command has passed here, so its line is known better than behind the failure.
     if (!m_lines.empty()) {

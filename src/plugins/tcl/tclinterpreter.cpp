@@ -1,5 +1,6 @@
 #include "plugins/tcl/tclinterpreter.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <stdexcept>
@@ -9,7 +10,7 @@
 #include "interpreter/objects/globalfunctions.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/heldcommand.h"
+#include "plugins/tcl/heldvalues.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
 #include "plugins/tcl/scriptchannels.h"
@@ -70,19 +71,6 @@ const char* firstOfCommand(const char* next, const char* end) {
     return next;
 }
 
-/// In place of Tcl's own, which would end the run.
-int exitScript(void*, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
-    int status = 0;
-    if (count > 2) {
-        Tcl_WrongNumArgs(interp, 1, words, "?returnCode?");
-        return TCL_ERROR;
-    }
-    if (count == 2 && Tcl_GetIntFromObj(interp, words[1], &status) != TCL_OK)
-        return TCL_ERROR;
-    Tcl_SetObjResult(interp, Tcl_NewIntObj(status));
-    return ExitEnd;
-}
-
 struct SourceCommand {
     TclInterpreter& interpreter;
     Tcl_CmdInfo original;
@@ -130,12 +118,13 @@ void TclInterpreter::createTcl() {
     m_values = std::make_unique<HeldValues>(*this, m_tcl, runHeldCommand);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
-    Tcl_CreateObjCommand(m_tcl, "::exit", exitScript, nullptr, nullptr);
     auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});
     Tcl_GetCommandInfo(m_tcl, "::source", &source->original);
     defineCommand(QStringLiteral("source"), runSource, std::move(source));
-    Tcl_CreateNamespace(m_tcl, "::tamrix", nullptr, nullptr);
     defineStepCommands(*this);
+    QFile prelude(QStringLiteral(":/tamrix/tcl/prelude.tcl"));
+    static_cast<void>(prelude.open(QIODevice::ReadOnly));
+    Tcl_EvalEx(m_tcl, prelude.readAll().constData(), -1, TCL_EVAL_GLOBAL);
     m_debugger->enterTcl();
 }
 
@@ -228,6 +217,7 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
         m_origin = LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
     }
     Tcl_SetObjResult(m_tcl, toTcl(failure.text).get());
+    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
     if (failure.kind == ScriptFailure::Kind::Fatal) {
         m_fatalFrames = frames();
         m_fatalIsSkip = failure.isSkip;
@@ -235,7 +225,6 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
             m_debugger->errorRaised(m_fatalFrames);
         return FatalEnd;
     }
-    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
     return TCL_ERROR;
 }
 
@@ -272,18 +261,14 @@ bool TclInterpreter::isUnwinding() const {
 
 // The script
 
+TclRef TclInterpreter::callPrelude(QStringList words) {
+    words.front().prepend("::tamrix::");
+    check(Tcl_EvalObjEx(m_tcl, toTcl(words).get(), 0));
+    return TclRef(Tcl_GetObjResult(m_tcl));
+}
+
 QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
-    const TclRef path = toTcl(directory.absoluteFilePath());
-    const TclRef entries(Tcl_NewListObj(0, nullptr));
-    Tcl_ListObjAppendElement(nullptr, entries.get(), path.get());
-    Tcl_Obj* const known = Tcl_GetVar2Ex(m_tcl, "::auto_path", nullptr, TCL_GLOBAL_ONLY);
-    if (known)
-        Tcl_ListObjAppendList(nullptr, entries.get(), known);
-    Tcl_SetVar2Ex(m_tcl, "::auto_path", nullptr, entries.get(), TCL_GLOBAL_ONLY);
-    // Modules in files of their own; a folder in one that is there already need not be added.
-    const TclRef command = toTcl(QStringList({"::tcl::tm::path", "add", textOf(path.get())}));
-    Tcl_EvalObjEx(m_tcl, command.get(), TCL_EVAL_GLOBAL);
-    Tcl_ResetResult(m_tcl);
+    callPrelude({"addFolder", directory.absoluteFilePath()});
     return {};
 }
 
@@ -304,14 +289,11 @@ void TclInterpreter::startScript(const QString& path, const QStringList& argumen
     }
     m_hasScript = true;
     m_originText.clear();
-    Tcl_SetVar2Ex(m_tcl, "::argv0", nullptr, toTcl(path).get(), TCL_GLOBAL_ONLY);
-    Tcl_SetVar2Ex(m_tcl, "::argv", nullptr, toTcl(arguments).get(), TCL_GLOBAL_ONLY);
-    Tcl_SetVar2Ex(m_tcl, "::argc", nullptr, Tcl_NewIntObj(arguments.size()), TCL_GLOBAL_ONLY);
     for (auto folder = folders.crbegin(); folder != folders.crend(); ++folder) {
         if (QFileInfo(*folder).isDir())
             addToSearchPath(QFileInfo(*folder));
     }
-    m_ownVariables = namesOfVariables(0, {"info", "globals"});
+    callPrelude({"start", path, textOf(toTcl(arguments).get())});
     TclRuntime::self().setInterruptible(m_tcl);
 }
 
@@ -459,7 +441,6 @@ ScriptError TclInterpreter::takeError() {
         case ExitEnd:
             error.isExit = result == QLatin1String("0");
             error.message = "Exit: " + result;
-            error.callStack = stackOf(m_fatalFrames);
             break;
         case FatalEnd:
             error.message = kindName(ScriptFailure::Kind::Fatal).name + (": " + result);
@@ -537,69 +518,25 @@ std::vector<TclFrame> TclInterpreter::frames() {
 
 // What a debugger asks
 
-int TclInterpreter::evaluateAtLevel(int level, Tcl_Obj* command) {
-    const TclRef uplevel = toTcl(QStringLiteral("::uplevel"));
-    const TclRef where = toTcl(QStringLiteral("#%1").arg(level));
-    Tcl_Obj* const words[] = {uplevel.get(), where.get(), command};
-    return Tcl_EvalObjv(m_tcl, 3, words, 0);
-}
-
-QStringList TclInterpreter::namesOfVariables(int level, const QStringList& query) {
-    QStringList names;
-    if (evaluateAtLevel(level, toTcl(query).get()) == TCL_OK) {
-        const TclRef list(Tcl_GetObjResult(m_tcl));
-        for (Tcl_Obj* const name : elementsOf(list.get()))
-            names.append(textOf(name));
-    }
-    names.sort();
-    return names;
-}
-
-QStringList TclInterpreter::variableNames(const QString& pattern) {
-    return namesOfVariables(0, {"info", "vars", pattern});
-}
-
 std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
     std::vector<std::pair<QString, TclRef>> variables;
-    for (const QString& name : namesOfVariables(level, {"info", level == 0 ? "globals" : "vars"})) {
-        if (m_ownVariables.contains(name))
-            continue;
-        const bool isValue =
-            evaluateAtLevel(level, toTcl(QStringList({"set", name})).get()) == TCL_OK;
-        if (isValue) {
-            variables.emplace_back(name, TclRef(Tcl_GetObjResult(m_tcl)));
-            continue;
-        }
-        // An array; a variable that has no value yet is none.
-        const bool isArray =
-            evaluateAtLevel(level, toTcl(QStringList({"array", "get", name})).get()) == TCL_OK;
-        const TclRef entries(isArray ? Tcl_DuplicateObj(Tcl_GetObjResult(m_tcl)) : Tcl_NewObj());
-        if (!entriesOf(entries.get()).empty())
-            variables.emplace_back(name, entries);
-    }
+    const TclRef listed = callPrelude({"variables", QString::number(level)});
+    for (const auto& [name, value] : entriesOf(listed.get()))
+        variables.emplace_back(textOf(name), TclRef(value));
     return variables;
 }
 
 Outcome<QString> TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     const int level = frame ? std::any_cast<int>(frame->own) : 0;
-    const QString text = code.trimmed();
-    // An expression begins with a variable, a number or what can't begin a command; everything else
-    // is a command, or the name of a variable.
-    static const QString s_beginnings = QStringLiteral("$(!-\"~");
-    const bool isExpression =
-        !text.isEmpty() && (s_beginnings.contains(text.at(0)) || text.at(0).isDigit());
-    const TclRef command = isExpression ? toTcl(QStringList({"expr", text})) : toTcl(text);
+    QString text;
     try {
         guarded([&] {
-            const TclRef variable = toTcl(QStringList({"set", text}));
-            if (isExpression || text.contains(' ') ||
-                evaluateAtLevel(level, variable.get()) != TCL_OK)
-                check(evaluateAtLevel(level, command.get()));
+            text = textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
         });
-        return textOf(Tcl_GetObjResult(m_tcl));
     } catch (const ScriptErrorSet&) {
         return Tamrix::fail(FailureKind::Failed, takeError().message);
     }
+    return text;
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -87,8 +87,6 @@ public:
     /// Without those of Tcl's library, and with the paths that results have.
     std::vector<TclFrame> framesOfScripts(const std::vector<TclFrame>& frames);
 
-    /// Names of variables in namespaces that match a pattern, sorted.
-    QStringList variableNames(const QString& pattern);
     /// The variables at a level, as `uplevel` counts them, with their values; an array is a
     /// dictionary. Those that are there before the script are left out.
     std::vector<std::pair<QString, TclRef>> variablesAt(int level);
@@ -126,8 +124,8 @@ private:
     /// The `-errorcode` of the error that has just been raised.
     std::string errorCode() const;
     std::vector<TclFrame> framesOfError();
-    int evaluateAtLevel(int level, Tcl_Obj* command);
-    QStringList namesOfVariables(int level, const QStringList& query);
+    /// Calls a procedure of the prelude, by its name behind "::tamrix::". Throws ScriptErrorSet.
+    TclRef callPrelude(QStringList words);
     static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
                                          std::size_t outer = 0);
     struct SourceFile {
@@ -162,8 +160,6 @@ private:
     /// Code without a file from before the first script, which each script finds.
     QStringList m_initScripts;
     bool m_hasScript = false;
-    /// Names of variables from before the script.
-    QStringList m_ownVariables;
 };
 
 }  // namespace Tamrix::TclPlugin

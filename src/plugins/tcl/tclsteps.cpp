@@ -8,7 +8,6 @@
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
 #include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
@@ -99,17 +98,6 @@ int registerParameterType(void* data, Tcl_Interp*, int count, Tcl_Obj* const* wo
     });
 }
 
-int setPending(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
-    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
-    if (count > 2)
-        return wrongWords(interpreter, "bdd::pending ?reason?");
-    Tcl_SetObjResult(interp, count == 2
-                                 ? words[1]
-                                 : Tcl_NewStringObj("the step definition is to be written", -1));
-    Tcl_SetObjErrorCode(interp, Tcl_NewStringObj(pendingErrorCode, -1));
-    return TCL_ERROR;
-}
-
 /// What steps keep for each other.
 int useContext(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
@@ -170,7 +158,6 @@ constexpr struct {
     {"before_step", registerHook, StepHook, BeforeHook},
     {"after_step", registerHook, StepHook, AfterHook},
     {"parameter_type", registerParameterType},
-    {"pending", setPending},
     {"context", useContext},
 };
 

@@ -6,8 +6,8 @@
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/valuepath.h"
 #include "interpreter/language/valuetexts.h"
-#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/containers.h"
+#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
@@ -25,8 +25,7 @@ QString beginningOf(Tcl_Obj* value) {
     constexpr std::size_t mostElements = ValueTexts::longest / 2;
     if (typeOf(value) == ValueType::List) {
         if (const auto elements = elementsOf(value); elements.size() > mostElements)
-            return TclPlugin::textOf(
-                       TclRef(Tcl_NewListObj(mostElements, elements.data())).get()) +
+            return TclPlugin::textOf(TclRef(Tcl_NewListObj(mostElements, elements.data())).get()) +
                    QStringLiteral(" ...");
     }
     // A character has four bytes at most.
@@ -35,6 +34,10 @@ QString beginningOf(Tcl_Obj* value) {
 }
 
 }  // namespace
+
+QString shownText(const TclArgument& value) {
+    return ValueTexts::cut(value.isObject() ? value.toString() : beginningOf(value.value()));
+}
 
 LanguageVariables::Value TclVariables::argument(Tcl_Obj* value) {
     return new TclArgument(m_tcl, TclRef(value));
@@ -79,9 +82,7 @@ LanguageVariables::Members TclVariables::membersOf(const Value& value, int first
 }
 
 QString TclVariables::textOf(const Value& value) {
-    if (value->isObject())
-        return ValueTexts::cut(value->toString());
-    return ValueTexts::cut(beginningOf(valueOf(value)));
+    return shownText(static_cast<const TclArgument&>(*value));
 }
 
 }  // namespace Tamrix::TclPlugin

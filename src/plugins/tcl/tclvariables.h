@@ -1,11 +1,14 @@
 #pragma once
 
 #include "interpreter/language/languagevariables.h"
-#include "plugins/tcl/tclref.h"
+#include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
 
 class TclInterpreter;
+
+/// A value for people, cut where it is long.
+QString shownText(const TclArgument& value);
 
 /// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary. What
 /// was made as a list or dictionary has members; a text that could be one has none.

@@ -23,7 +23,7 @@ struct Watched {
     struct sigaction previous {};
     /// The handlers among what was there: one of each language that has run. Which of them is meant
     /// only they know.
-    struct sigaction handlers[8] {};
+    struct sigaction handlers[8]{};
     std::size_t handlerCount = 0;
 };
 
@@ -66,10 +66,9 @@ bool isSameFunction(const struct sigaction& left, const struct sigaction& right)
 void note(Watched& watched, const struct sigaction& found) {
     watched.previous = found;
     const auto* const end = watched.handlers + watched.handlerCount;
-    const bool isKnown =
-        std::any_of(watched.handlers, end, [&found](const struct sigaction& each) {
-            return isSameFunction(each, found);
-        });
+    const bool isKnown = std::any_of(watched.handlers, end, [&found](const struct sigaction& each) {
+        return isSameFunction(each, found);
+    });
     if (isFunction(found) && !isKnown && watched.handlerCount < std::size(watched.handlers))
         watched.handlers[watched.handlerCount++] = found;
 }

@@ -7,11 +7,11 @@ namespace Tamrix {
 /// The request to end the run early: Ctrl-C (SIGINT), SIGTERM, or SIGHUP when the terminal goes
 /// away. Process-wide.
 ///
-/// The first signal is recorded and forwarded to the handlers that the languages of scripts have for
-/// Ctrl-C, so that the script is interrupted in its own way. The second one does the same again,
-/// for a script that goes on or a clean-up that hangs; the third one ends the process at once. A
-/// signal that the process was started to ignore (a background job of a shell script, say) stays
-/// ignored.
+/// The first signal is recorded and forwarded to the handlers that the languages of scripts have
+/// for Ctrl-C, so that the script is interrupted in its own way. The second one does the same
+/// again, for a script that goes on or a clean-up that hangs; the third one ends the process at
+/// once. A signal that the process was started to ignore (a background job of a shell script, say)
+/// stays ignored.
 class Interrupt {
 public:
     /// Installs the handlers; those that were installed before get the signals forwarded.

@@ -106,9 +106,10 @@ TEST_F(TclObjectNames, NewNamesStandBehindWhatPeopleWrote) {
     // Nothing can be added behind an end.
     const QByteArray ended = "namespace eval names {}\nset names::a {type A}\nexit\n";
     use(ended);
-    EXPECT_EQ(add("{type='Bee'}"), "The entry set names::bee [dict create type Bee] can't be added "
-                                   "to '" +
-                                       path + "': it has no effect behind the end of the script");
+    EXPECT_EQ(add("{type='Bee'}"),
+              "The entry set names::bee [dict create type Bee] can't be added "
+              "to '" +
+                  path + "': it has no effect behind the end of the script");
     EXPECT_EQ(readFile(path), ended);
 }
 

@@ -165,6 +165,18 @@ TEST_F(TclObjects, NamesHaveManyForms) {
     }
 }
 
+TEST_F(TclObjects, AFailedConditionReadsPropertiesOnceMore) {
+    EXPECT_EQ(
+        run("set b [theButton]\n"
+            "test verify [expr {[$b text] eq {No} || ![$b cget -enabled] && [$b resize 1 2]}]"),
+        "");
+    ASSERT_EQ(report.results().size(), 1u);
+    EXPECT_EQ(report.results().front().explanation.section('\n', 0, 1),
+              "[$b text] eq {No} || ![$b cget -enabled] && [$b resize 1 2]\n[$b text]: OK");
+    EXPECT_TRUE(report.results().front().explanation.contains("\n$b: ")) << "of the method";
+    EXPECT_EQ(s_seen, QStringList()) << "no method is called";
+}
+
 TEST_F(TclObjects, CallGlobalFunctions) {
     nextResult = "text";
     EXPECT_EQ(run(R"tcl(

@@ -1,8 +1,7 @@
-#include "plugins/tcl/optionwords.h"
+#include "plugins/tcl/commandbody.h"
 
 #include "interpreter/objects/nearestnames.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
 
