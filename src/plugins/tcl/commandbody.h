@@ -5,6 +5,7 @@
 
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
+#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
@@ -32,5 +33,21 @@ ScriptFailure noMember(const QString& text);
 /// That `owner` has nothing of the name; `kind` is "option" or "subcommand".
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
                      const QStringList& known);
+
+/// `owner configure -name value ?-name value ...?`, words behind these: `write(name, value)` for
+/// each, which ends as a command does.
+template <typename Write>
+int writeOptions(TclInterpreter& interpreter, const QString& owner, int count,
+                 Tcl_Obj* const* words, Write write) {
+    if (count == 0 || count % 2 != 0)
+        return wrongWords(interpreter, owner + " configure -option value ?-option value ...?");
+    int code = TCL_OK;
+    for (int index = 0; index < count && code == TCL_OK; index += 2) {
+        const QString name = optionOf(words[index]);
+        code = name.isEmpty() ? interpreter.fail(noSuch("option", textOf(words[index]), owner, {}))
+                              : write(name, words + index + 1);
+    }
+    return code;
+}
 
 }  // namespace Tamrix::TclPlugin

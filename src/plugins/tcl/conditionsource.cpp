@@ -30,7 +30,7 @@ constexpr std::string_view harmlessCommands[] = {
 
 /// A word of a command, or a part of one, with the tokens in it.
 struct Part {
-    const Tcl_Token* token;
+    Tcl_Token* token;
 
     std::string_view source() const {
         return {token->start, static_cast<std::size_t>(token->size)};
@@ -62,7 +62,7 @@ public:
     Parsed(const Parsed&) = delete;
     Parsed& operator=(const Parsed&) = delete;
 
-    const Tcl_Token* tokens() const { return m_parse.tokenPtr; }
+    Tcl_Token* tokens() const { return m_parse.tokenPtr; }
     int count() const { return m_parse.numTokens; }
     std::vector<Part> words() const {
         std::vector<Part> words;
@@ -100,7 +100,7 @@ public:
         const Parsed expression(Tcl_ParseExpr, source);
         visit(expression.tokens(), expression.count());
     }
-    void visit(const Tcl_Token* tokens, int count) {
+    void visit(Tcl_Token* tokens, int count) {
         for (int index = 0; index < count; ++index) {
             const Part part{tokens + index};
             const int type = part.token->type;
@@ -127,8 +127,8 @@ private:
             visit(parsed.tokens(), parsed.count());
     }
 
-    bool isHarmless(const Tcl_Token* tokens, int count) const {
-        return std::all_of(tokens, tokens + count, [this](const Tcl_Token& token) {
+    bool isHarmless(Tcl_Token* tokens, int count) const {
+        return std::all_of(tokens, tokens + count, [this](Tcl_Token& token) {
             return token.type != TCL_TOKEN_COMMAND || isHarmlessCommand({&token});
         });
     }
@@ -161,9 +161,9 @@ private:
     }
 
     /// Null when it can't be evaluated.
-    TclRef evaluate(const Tcl_Token* tokens, int count) const {
+    TclRef evaluate(Tcl_Token* tokens, int count) const {
         Tcl_Interp* const tcl = m_interpreter.tcl();
-        if (Tcl_EvalTokensStandard(tcl, const_cast<Tcl_Token*>(tokens), count) != TCL_OK)
+        if (Tcl_EvalTokensStandard(tcl, tokens, count) != TCL_OK)
             return {};
         return TclRef(Tcl_GetObjResult(tcl));
     }

@@ -26,32 +26,20 @@ int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
                                          .arg(optionOf(words[0]), object->className())));
 }
 
-/// `object configure -property value ?-property value ...?`
-int writeOptions(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
-                 Tcl_Obj* const* words) {
-    if (count == 0 || count % 2 != 0)
-        return wrongWords(interpreter,
-                          object->className() + " configure -property value ?-property value ...?");
-    for (int index = 0; index < count; index += 2) {
-        const QString name = optionOf(words[index]);
-        if (name.isEmpty())
-            return interpreter.fail(
-                noSuch("property", textOf(words[index]), object->className(), {}));
-        const auto written = setMember(&interpreter, object, name,
-                                       new TclArgument(interpreter, TclRef(words[index + 1])));
-        if (!written)
-            return interpreter.fail(written.error());
-    }
-    return interpreter.finish(SharedPtr<ScriptArgument>());
-}
-
 int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
                Tcl_Obj* const* words) {
     const QString name = textOf(words[0]);
     if (name == QLatin1String("cget"))
         return readOption(interpreter, object, count - 1, words + 1);
     if (name == QLatin1String("configure"))
-        return writeOptions(interpreter, object, count - 1, words + 1);
+        return writeOptions(interpreter, object->className(), count - 1, words + 1,
+                            [&](const QString& property, Tcl_Obj* const* value) {
+                                const auto written =
+                                    setMember(&interpreter, object, property,
+                                              new TclArgument(interpreter, TclRef(*value)));
+                                return written ? interpreter.finish(SharedPtr<ScriptArgument>())
+                                               : interpreter.fail(written.error());
+                            });
     CallArguments arguments;
     for (int index = 1; index < count; ++index)
         arguments.positional.push_back(new TclArgument(interpreter, TclRef(words[index])));

@@ -52,24 +52,17 @@ int ClassCommands::readProperty(const NativeClass& nativeClass,
     return callWithWords(m_interpreter, property->function, object, {}, 0, nullptr);
 }
 
-int ClassCommands::writeProperties(const NativeClass& nativeClass,
-                                   const SharedPtr<NativeScriptObject>& object, int count,
-                                   Tcl_Obj* const* words) {
-    const QString owner = nativeClass.name;
-    if (count == 0 || count % 2 != 0)
-        return wrongWords(m_interpreter, owner + " configure -option value ?-option value ...?");
-    int code = TCL_OK;
-    for (int index = 0; index < count && code == TCL_OK; index += 2) {
-        const NativeMember* const property = nativeClass.find(optionOf(words[index]), !object);
-        if (!property || !property->isProperty())
-            return m_interpreter.fail(noSuch("option", textOf(words[index]), owner, {}));
-        if (!property->setter)
-            return m_interpreter.fail(
-                noMember(QStringLiteral("The property '%1' of '%2' can't be written")
-                             .arg(property->name, owner)));
-        code = callWithWords(m_interpreter, *property->setter, object, {}, 1, words + index + 1);
-    }
-    return code;
+int ClassCommands::writeProperty(const NativeClass& nativeClass,
+                                 const SharedPtr<NativeScriptObject>& object, const QString& name,
+                                 Tcl_Obj* const* value) {
+    const NativeMember* const property = nativeClass.find(name, !object);
+    if (!property || !property->isProperty())
+        return m_interpreter.fail(noSuch("option", "-" + name, nativeClass.name, {}));
+    if (!property->setter)
+        return m_interpreter.fail(
+            noMember(QStringLiteral("The property '%1' of '%2' can't be written")
+                         .arg(name, nativeClass.name)));
+    return callWithWords(m_interpreter, *property->setter, object, {}, 1, value);
 }
 
 // Commands
@@ -98,7 +91,10 @@ int ClassCommands::callNamed(const NativeClass& nativeClass,
     if (name == QLatin1String("cget"))
         return readProperty(nativeClass, object, rest, behind);
     if (name == QLatin1String("configure"))
-        return writeProperties(nativeClass, object, rest, behind);
+        return writeOptions(m_interpreter, nativeClass.name, rest, behind,
+                            [&](const QString& property, Tcl_Obj* const* value) {
+                                return writeProperty(nativeClass, object, property, value);
+                            });
     if (!object && name == QLatin1String("new"))
         return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, rest, behind);
     const NativeMember* const member = nativeClass.find(name, !object);

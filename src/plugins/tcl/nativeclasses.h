@@ -50,8 +50,8 @@ private:
                   int count, Tcl_Obj* const* words);
     int readProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
                      int count, Tcl_Obj* const* words);
-    int writeProperties(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
-                        int count, Tcl_Obj* const* words);
+    int writeProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
+                      const QString& name, Tcl_Obj* const* value);
 
     TclInterpreter& m_interpreter;
     NativeClasses<std::shared_ptr<NativeClass>> m_classes;

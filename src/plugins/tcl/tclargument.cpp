@@ -12,25 +12,8 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-const char* nameOf(ValueType type) {
-    switch (type) {
-        case ValueType::Boolean:
-            return "boolean";
-        case ValueType::Integer:
-            return "int";
-        case ValueType::Double:
-            return "double";
-        case ValueType::List:
-            return "list";
-        case ValueType::Dictionary:
-            return "dict";
-        case ValueType::Bytes:
-            return "bytes";
-        case ValueType::Text:
-            break;
-    }
-    return "string";
-}
+/// In the order of ValueType.
+constexpr const char* typeNames[] = {"string", "boolean", "int", "double", "list", "dict", "bytes"};
 
 /// A value of the same text, so that a look at it as something else leaves no traces.
 TclRef copyOf(Tcl_Obj* value) {
@@ -49,7 +32,7 @@ QString TclArgument::typeName() const {
     const ValueType type = typeOf(value());
     if (const HeldValues::Held* const held = m_interpreter.values().find(value()))
         return m_interpreter.values().classNameOf(held->value);
-    return QLatin1String(nameOf(type));
+    return QLatin1String(typeNames[static_cast<std::size_t>(type)]);
 }
 
 bool TclArgument::isBool() const {

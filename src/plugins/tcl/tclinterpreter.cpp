@@ -482,6 +482,7 @@ std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frame
                                               std::size_t outer) {
     std::vector<LineInfo> stack;
     const std::size_t own = frames.size() > outer ? frames.size() - outer : frames.size();
+    stack.reserve(std::min(own, mostStackLines));
     for (std::size_t index = 0; index < std::min(own, mostStackLines); ++index)
         stack.emplace_back(frames[index].file, frames[index].line);
     return stack;
@@ -521,7 +522,9 @@ std::vector<TclFrame> TclInterpreter::frames() {
 std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
     std::vector<std::pair<QString, TclRef>> variables;
     const TclRef listed = callPrelude({"variables", QString::number(level)});
-    for (const auto& [name, value] : entriesOf(listed.get()))
+    const auto entries = entriesOf(listed.get());
+    variables.reserve(entries.size());
+    for (const auto& [name, value] : entries)
         variables.emplace_back(textOf(name), TclRef(value));
     return variables;
 }

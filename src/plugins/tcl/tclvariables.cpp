@@ -66,10 +66,14 @@ std::vector<LanguageVariables::Member> TclVariables::variablesOf(int level) {
 LanguageVariables::Members TclVariables::membersOf(const Value& value, int first, int limit) {
     std::vector<std::pair<QString, Tcl_Obj*>> all;
     if (typeOf(valueOf(value)) == ValueType::Dictionary) {
-        for (const auto& [key, entry] : entriesOf(valueOf(value)))
+        const auto entries = entriesOf(valueOf(value));
+        all.reserve(entries.size());
+        for (const auto& [key, entry] : entries)
             all.emplace_back(keyPart(key), entry);
     } else if (typeOf(valueOf(value)) == ValueType::List) {
-        for (Tcl_Obj* const element : elementsOf(valueOf(value)))
+        const auto elements = elementsOf(valueOf(value));
+        all.reserve(elements.size());
+        for (Tcl_Obj* const element : elements)
             all.emplace_back(QString::number(all.size()), element);
     }
     Members members;
