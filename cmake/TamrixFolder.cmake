@@ -157,8 +157,9 @@ endfunction()
 # What tests need that start programs which were not built with the sanitizers: the agent inside was,
 # so their runtimes come first. Qt leaves screens behind at the end of a program, which are no leaks
 # of ours, and a crash shall be the signal that it is without sanitizers. The accessibility service of
-# GTK does not start with the runtimes, and programs wait for it.
+# GTK does not start with the runtimes, and programs wait for it. What scripts need is as in ./dev.
 set(TAMRIX_PROGRAMS_ENVIRONMENT "")
+set(TAMRIX_SCRIPTS_ASAN_OPTIONS allocator_may_return_null=1:use_sigaltstack=0)
 if(TAMRIX_SANITIZERS MATCHES "address")
     set(preload "")
     foreach(runtime asan ubsan)
@@ -168,7 +169,7 @@ if(TAMRIX_SANITIZERS MATCHES "address")
     endforeach()
     list(JOIN preload ":" preload)
     set(TAMRIX_PROGRAMS_ENVIRONMENT "LD_PRELOAD=${preload}" "NO_AT_BRIDGE=1"
-        "ASAN_OPTIONS=detect_leaks=0:handle_segv=0:verify_asan_link_order=0")
+        "ASAN_OPTIONS=detect_leaks=0:handle_segv=0:verify_asan_link_order=0:${TAMRIX_SCRIPTS_ASAN_OPTIONS}")
 endif()
 
 # tamrix_test(NAME [DRIVES_PROGRAMS] SOURCES file... [LINK target...])

@@ -5,7 +5,7 @@
 
 #include "interpreter/language/objectcalls.h"
 #include "plugins/ruby/conversion.h"
-#include "plugins/ruby/holder.h"
+#include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyvaluetexts.h"
@@ -18,7 +18,7 @@ namespace {
 VALUE propertyOf(VALUE, VALUE object, VALUE name) {
     return enterNative([=] {
         const auto member =
-            getMember(RubyInterpreter::active(), Holder<Object>::unwrap(object), fromRuby(name));
+            getMember(RubyInterpreter::active(), givenObject(object), fromRuby(name));
         const auto* const found =
             member ? std::get_if<SharedPtr<ScriptArgument>>(&*member) : nullptr;
         if (!found)

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "interpreter/language/literals.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyruntime.h"
@@ -20,16 +21,14 @@ constexpr const char* rubyConstants[] = {
     "STDERR",      "STDIN",         "STDOUT",         "TOPLEVEL_BINDING"};
 
 bool isConstant(const QString& name) {
-    static const QRegularExpression s_constant(QStringLiteral("\\A[A-Z][A-Za-z0-9_]*\\z"));
     const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return s_constant.match(name).hasMatch() &&
+    return isPlainIdentifier(name) && name.at(0).isUpper() &&
            std::none_of(std::begin(rubyConstants), std::end(rubyConstants), isThis);
 }
 
 /// In front of a colon: `type`, or with quotes what is no word.
 QString symbolOf(const QString& name) {
-    static const QRegularExpression s_word(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_word.match(name).hasMatch() ? name : rubyLiteral(name);
+    return isPlainIdentifier(name) ? name : rubyLiteral(name);
 }
 
 /// "ShopNames" for the file shop_names.rb.

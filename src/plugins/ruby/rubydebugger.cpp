@@ -31,7 +31,7 @@ bool isEnabled(const RubyRef& tracePoint) {
 
 void enable(const RubyRef& tracePoint, bool on) {
     const VALUE point = tracePoint.get();
-    if (isEnabled(tracePoint) != on)
+    if (tracePoint && isEnabled(tracePoint) != on)
         protect([=] { return on ? rb_tracepoint_enable(point) : rb_tracepoint_disable(point); });
 }
 
@@ -60,8 +60,11 @@ void RubyDebugger::interrupt() {
 
 void RubyDebugger::shutDown() {
     LanguageDebugger::shutDown();
-    for (const RubyRef& point : {m_compilations, m_allLines, m_errors})
-        enable(point, false);
+    // It may be shut down already.
+    for (RubyRef* const point : {&m_compilations, &m_allLines, &m_errors}) {
+        enable(*point, false);
+        point->reset();
+    }
     for (const Code& code : m_codes) {
         for (const auto& [line, point] : code.tracePoints)
             enable(point, false);
@@ -74,10 +77,13 @@ void RubyDebugger::shutDown() {
 // Trace points
 
 RubyRef RubyDebugger::newTracePoint(unsigned events) {
-    return RubyRef(protect([=] { return rb_tracepoint_new(Qnil, events, eventHappened, this); }));
+    return RubyRef(
+        protect([=, this] { return rb_tracepoint_new(Qnil, events, eventHappened, this); }));
 }
 
 void RubyDebugger::updateTracePoints() {
+    if (!m_compilations)
+        return;
     // 1. Files are known from their beginning on, whenever a debugger comes.
     enable(m_compilations, true);
     // 2. Errors, and lines while it steps. These end with the next line: at the one where the
@@ -186,8 +192,8 @@ void RubyDebugger::errorRaised(VALUE exception) {
 }
 
 void RubyDebugger::errorUncaught(VALUE exception) {
-    if (stopsForErrors() && m_raised && m_raised.get() == exception && !m_ruby.isSkip(exception) &&
-        !isEndOfScript(exception))
+    if (stopsForErrors() && m_raised && m_raised.get() == exception &&
+        !m_ruby.failures().isSkip(exception) && !isEndOfScript(exception))
         stopForError(exceptionText(exception), std::move(m_raisedFrames));
     m_raised.reset();
     m_raisedFrames.clear();

@@ -12,6 +12,7 @@ namespace {
 /// Writes a String to the stream with this descriptor, and gives the number of its bytes.
 VALUE write(VALUE, VALUE descriptor, VALUE text) {
     return enterNative([=] {
+        requireType(text, T_STRING);
         const auto stream = FIX2INT(descriptor) == 1 ? ScriptOutput::Stdout : ScriptOutput::Stderr;
         if (RubyInterpreter* const interpreter = RubyInterpreter::active())
             interpreter->output().write(stream, fromRuby(text));

@@ -53,7 +53,7 @@ public:
 
     /// What is looked into for modules, in front of Ruby's own.
     void setSearchPath(const QStringList& folders);
-    QString addToSearchPath(const QString& folder);
+    void addToSearchPath(const QString& folder);
     void setArguments(const QString& script, const QStringList& arguments);
 
     /// Names of the global variables that scripts have made.
@@ -71,7 +71,6 @@ private:
     /// Calls a method of the Ruby object that keeps the state of the runtime; what it can't do goes
     /// to standard error.
     void keepState(const char* operation);
-    void updateSearchPath();
 
     VALUE m_module = Qnil;
     VALUE m_main = Qnil;
@@ -79,8 +78,6 @@ private:
     bool m_isStateTaken = false;
     QMap<QString, VALUE> m_nameSpaces;
     std::vector<QByteArray> m_libraryFolders;
-    QStringList m_searchPath;
-    QStringList m_ownSearchPath;
     QString m_compiledText;
     QString m_compiledFile;
     RubyRef m_compiledCode;

@@ -63,6 +63,9 @@ VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
         const std::string name = utf8OfRuby(function);
         const auto* const hook = std::find_if(std::begin(hooks), std::end(hooks),
                                               [&](const Hook& each) { return name == each.name; });
+        if (hook == std::end(hooks))
+            throwException(rb_eArgError,
+                           QStringLiteral("there is no hook '%1'").arg(fromRuby(function)));
         steps.registry().addHook(hook->type, hook->order, utf8OfRuby(tags), new RubyArgument(block),
                                  definitionOf(block).fileName());
         return Qnil;
@@ -71,9 +74,10 @@ VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
 
 VALUE addType(VALUE, VALUE function, VALUE name, VALUE patterns, VALUE block) {
     return withSteps(function, [=](StepActions& steps) {
+        requireType(patterns, T_ARRAY);
         std::vector<std::string> texts;
-        for (long index = 0; index < RARRAY_LEN(patterns); ++index)
-            texts.push_back(utf8OfRuby(rb_ary_entry(patterns, index)));
+        for (const VALUE each : itemsOf(patterns))
+            texts.push_back(utf8OfRuby(each));
         steps.registry().addParameterType(utf8OfRuby(name), std::move(texts),
                                           NIL_P(block) ? nullptr : new RubyArgument(block));
         return Qnil;
@@ -102,13 +106,8 @@ VALUE setScoped(VALUE, VALUE name, VALUE value) {
 
 VALUE allScoped(VALUE, VALUE function) {
     return withSteps(function, [](StepActions& steps) {
-        const VALUE hash = protect([] { return rb_hash_new(); });
-        for (const auto& [name, each] : steps.scopes().all()) {
-            const VALUE key = toRuby(name);
-            const VALUE value = rubyValue(each);
-            protect([=] { return rb_hash_aset(hash, key, value); });
-        }
-        return hash;
+        return hashOf(
+            steps.scopes().all(), [](const QString& name) { return toRuby(name); }, rubyValue);
     });
 }
 

@@ -95,6 +95,8 @@ class Tamrix::Condition
     case node.type
     when *VARIABLES, :NIL, :TRUE, :FALSE then @binding.eval(text(node))
     when :LIT, :STR then parts[0]
+    # In an `eval` names of variables around it look like calls.
+    when :VCALL then variable(parts[0])
     when :LIST then parts[0..-2].map { |part| value_of(part) }
     when :HASH then Hash[*(parts[0] ? value_of(parts[0]) : [])]
     when :DOT2, :DOT3 then Range.new(*parts.map { |part| value_of(part) }, node.type == :DOT3)
@@ -104,6 +106,11 @@ class Tamrix::Condition
     when :CALL, :OPCALL, :QCALL then called(node.type, *parts)
     else raise Unknown
     end
+  end
+
+  def variable(name)
+    raise Unknown unless @binding.local_variable_defined?(name)
+    @binding.local_variable_get(name)
   end
 
   def called(type, receiver, name, arguments)

@@ -81,10 +81,14 @@ class Tamrix::RuntimeState
     take if @extended && @outer.empty?
   end
 
+  # Modules are looked for in these folders first.
   def search_in(folders)
+    folders = folders.uniq
     $LOAD_PATH.replace(folders + ($LOAD_PATH - @search - folders))
     @search = folders
   end
+
+  def add_search_folder(folder) = search_in(@search + [folder])
 
   def run_exit_blocks
     until @exits.empty?
@@ -112,7 +116,7 @@ class Tamrix::RuntimeState
   # Constants that hold Hashes, by name: the script's own, and those of its module of this name.
   def script_hashes(module_name)
     names = Object.constants(false).select do |name|
-      script?(Object.const_source_location(name, false)&.first)
+      of_script?(Object.const_source_location(name, false)&.first)
     end
     values = names.to_h { |name| [name, Object.const_get(name, false)] }
     inner = values[module_name.to_sym]
@@ -128,12 +132,15 @@ class Tamrix::RuntimeState
 
   def script_method?(method)
     location = method.source_location
-    location ? !location[0].start_with?('<internal:') && !library?(location[0]) : !@extended
+    location ? of_script?(location[0]) : !@extended
   end
 
   def library?(file)
     file.start_with?('/') && !script?(file)
   end
+
+  # Also of code in no file, and of a file by a relative path.
+  def of_script?(file) = file && !file.start_with?('<internal:') && !library?(file)
 
   def methods_of(each)
     (OWN.bind_call(each, false) + OWN_PRIVATE.bind_call(each, false))
@@ -242,7 +249,7 @@ class Tamrix::RuntimeState
     @constants.each do |each, saved|
       CONSTANTS.bind_call(each, false).each do |name|
         file, = LOCATION.bind_call(each, name, false)
-        next unless file && !file.start_with?('<internal:') && !library?(file)
+        next unless of_script?(file)
         next if saved.include?(name) && !(each == Object && @values.key?(name))
         next if saved.include?(name) && each.const_get(name, false).equal?(@values[name])
         each.send(:remove_const, name)

@@ -1,3 +1,16 @@
+# What stands for a namespace of the library, as `test`. Its functions and constants are methods, so
+# that scripts write them as in the other languages: testInteraction.Yes.
+class Tamrix::Namespace
+  def initialize(name)
+    @name = name
+  end
+
+  def inspect = @name
+  alias to_s inspect
+
+  def define_constant(name, value) = define_singleton_method(name) { value }
+end
+
 # What holds several values, one after another.
 module Tamrix::Entries
   include Enumerable
@@ -9,8 +22,43 @@ module Tamrix::Entries
   end
 
   def length = size
+
+  private
+
+  # The place of an index, which counts from the end when it is negative.
+  def place(index, what)
+    unless index.is_a?(Integer)
+      raise TypeError, "no implicit conversion of #{index.class} into Integer"
+    end
+    return index % size if (-size...size).cover?(index)
+    raise IndexError, "#{what} #{index} outside of its #{size} entries"
+  end
 end
-[Tamrix::DataSet, Tamrix::Record].each { |type| type.include(Tamrix::Entries) }
+
+class Tamrix::DataSet
+  include Tamrix::Entries
+
+  def [](index) = record(place(index, 'record'))
+  alias to_s inspect
+end
+
+class Tamrix::Record
+  include Tamrix::Entries
+
+  # By field name or column.
+  def [](key)
+    return value(place(key, 'column')) unless key.is_a?(String) || key.is_a?(Symbol)
+    value(column(key) || raise(KeyError, "the data set has no field '#{key}'"))
+  end
+end
+
+class Tamrix::ApplicationContext
+  def ==(other) = other.is_a?(Tamrix::ApplicationContext) && id == other.id
+  def hash = id.hash
+
+  alias eql? ==
+  alias to_s inspect
+end
 
 # The rows of a step's table as Hashes.
 class Tamrix::Table < Array
