@@ -97,6 +97,32 @@ When('they are eaten') do |context|
 end
 )rb",
      "left == 2", "left + right", "\"two\"", "ArgumentError: after all", "total", "context.count"},
+    {"tcl", "tcl", "tamrixtcl",
+     R"tcl(proc add {left right} {
+    set sum [expr {$left + $right}] ;# @sum
+    return $sum ;# @end
+}
+)tcl",
+     R"tcl(source [findFile scripts helper.tcl]
+
+proc main {} {
+    set values [list 1 [list 2 two]] ;# @values
+    set total [add [lindex $values 0] 1] ;# @one
+    set total [add $total 5] ;# @two
+    puts $total ;# @print
+    error "after all" ;# @raise
+}
+)tcl",
+     R"tcl(bdd::given "{int} pies" {context count} {
+    $context set count $count ;# @pies
+}
+
+bdd::when "they are eaten" {context} {
+    set rows [$context get table] ;# @eaten
+}
+)tcl",
+     "$left == 2", "$left + $right", "two", "Error: after all", "total",
+     "[bdd::context get count]"},
 };
 
 class DapLanguages : public testing::TestWithParam<DebuggedLanguage> {

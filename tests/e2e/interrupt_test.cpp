@@ -174,6 +174,41 @@ TEST_F(InterruptedRun, TheThirdSignalEndsWhatIgnoresTheOthers) {
               QString("ready 0\n ready 1\n ready 2\n"));
 }
 
+TEST_F(InterruptedRun, BehindCasesInOtherLanguages) {
+    const struct {
+        const char* suffix;
+        const char* plugin;
+        QByteArray sleeping;
+    } languages[] = {
+        {"py", "tamrixpython-3",
+         "import time\ndef main():\n    print('ready')\n    time.sleep(600)\n"},
+        {"js", "tamrixjavascript", "function main() {\n    print('ready');\n    snooze(600);\n}\n"},
+        {"tcl", "tamrixtcl", "proc main {} {\n    puts ready\n    after 600000\n}\n"},
+        {"pl", "tamrixperl", "sub main {\n    print \"ready\\n\";\n    sleep 600;\n}\n1;\n"},
+        {"rb", "tamrixruby", "def main\n  puts 'ready'\n  sleep 600\nend\n"},
+    };
+    const auto isBuilt = [](const auto& language) {
+        return QFile::exists(QStringLiteral(TAMRIX_TEST_PREFIX "/lib/%1.so").arg(language.plugin));
+    };
+    for (const auto& language : languages) {
+        Tamrix::Test::SuiteFolder mixed;
+        // All others go first.
+        for (const auto& other : languages) {
+            if (isBuilt(other) && other.suffix != language.suffix)
+                mixed.write(QStringLiteral("suite/a_%1/test.%1").arg(other.suffix), "\n");
+        }
+        if (!isBuilt(language))
+            continue;
+        mixed.write(QStringLiteral("suite/b/test.%1").arg(language.suffix), language.sleeping);
+        RunnerProcess run;
+        run.start({"run", mixed.path("suite"), "--result-dir", mixed.path("results")});
+        EXPECT_TRUE(run.waitForOutput("ready")) << qPrintable(run.output() + run.errors());
+        run.sendSignal(SIGINT);
+        run.finish();
+        EXPECT_EQ(run.exitCode(), 130) << language.suffix << qPrintable(run.output());
+    }
+}
+
 TEST_F(InterruptedRun, ACaseWithItsOwnHandlerGetsTheSignalItselfAndTheNextDoesNot) {
     suite.write("suite/c/test.py",
                 "import time\n"

@@ -63,6 +63,7 @@ TEST_P(RealPrograms, SuitesPass) {
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
         {"examples/suite_names", {}},
+        {"examples/suite_names_tcl", {}},
         {"examples/suite_pictures", {}},
         {"tests/e2e/suites/suite_functions", {}},
         {"tests/e2e/suites/suite_speedcrunch", {}},

@@ -12,8 +12,11 @@ namespace {
 /// Assigns, and gives what stands there then.
 Outcome<AssignedBody> assign(Session& session, Debuggee& debuggee, const QString& expression,
                              const QString& value) {
-    const Outcome<QString> assigned =
-        debuggee.evaluate(QStringLiteral("%1 = %2").arg(expression, value));
+    const QString code = assignmentCode(session.stoppedFile(), expression, value);
+    if (code.isNull())
+        return fail(FailureKind::Refused,
+                    QStringLiteral("nothing can be assigned to '%1'").arg(expression));
+    const Outcome<QString> assigned = debuggee.evaluate(code);
     if (!assigned)
         return fail(assigned.error());
     session.valuesChanged();

@@ -24,6 +24,8 @@ struct Language {
 };
 
 constexpr const char* featureSuffix = "feature";
+/// Of the language whose code is commands.
+constexpr const char* commandSuffix = "tcl";
 constexpr const char* assignment = "testSettings.%1 = %2";
 
 constexpr Language languages[] = {
@@ -31,7 +33,7 @@ constexpr Language languages[] = {
      "^\\s*(?:export\\s+)?(?:default\\s+)?(?:async\\s+)?function\\s*\\*?\\s*(\\w+)"},
     {"py", "True", "False", assignment, "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
     {"rb", "true", "false", assignment, "!!(%1)", "^\\s*def\\s+(?:self\\.)?(\\w+[?!=]?)"},
-    {"tcl", "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",
+    {commandSuffix, "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",
      "^\\s*proc\\s+(?:::)?(\\S+)"},
     // What is evaluated at a step is code of the script that runs the file.
     {featureSuffix, "True", "False", assignment, "bool(%1)", nullptr},
@@ -57,6 +59,11 @@ bool isFalseText(const QString& text) {
 
 /// Sources are read up to this size.
 constexpr qint64 longestSource = 4 * 1024 * 1024;
+
+/// `$name`, or a command in brackets, as the value of a word.
+QString wordOf(const QString& expression) {
+    return expression.startsWith('[') ? expression : '$' + expression;
+}
 
 int indentOf(const QString& line) {
     int indent = 0;
@@ -93,7 +100,18 @@ bool isFailureText(const QString& text) {
     return pattern.match(text).hasMatch();
 }
 
-QString memberExpression(const QString& value, const QString& name) {
+QString memberExpression(const QString& file, const QString& value, const QString& name) {
+    if (languageOf(file).suffix == commandSuffix) {
+        static const QRegularExpression key(QStringLiteral("^\\[(\\w+)\\]$"));
+        bool isNumber = false;
+        name.toInt(&isNumber);
+        if (isNumber)
+            return QStringLiteral("[lindex %1 %2]").arg(wordOf(value), name);
+        const QRegularExpressionMatch match = key.match(name);
+        return match.hasMatch()
+                   ? QStringLiteral("[dict get %1 %2]").arg(wordOf(value), match.captured(1))
+                   : QString();
+    }
     static const QRegularExpression identifier(QStringLiteral("^[^\\W\\d]\\w*$"),
                                                QRegularExpression::UseUnicodePropertiesOption);
     // An index, or the key of an entry as it stands in code.
@@ -105,6 +123,13 @@ QString memberExpression(const QString& value, const QString& name) {
     if (identifier.match(name).hasMatch())
         return QStringLiteral("%1.%2").arg(value, name);
     return {};
+}
+
+QString assignmentCode(const QString& file, const QString& expression, const QString& value) {
+    if (languageOf(file).suffix != commandSuffix)
+        return QStringLiteral("%1 = %2").arg(expression, value);
+    return expression.startsWith('[') ? QString()
+                                      : QStringLiteral("set %1 %2").arg(expression, value);
 }
 
 bool membersHaveExpressions(const QString& type) {

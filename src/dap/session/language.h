@@ -21,7 +21,10 @@ bool isFailureText(const QString& text);
 
 /// What reads a part of a value: an attribute, an entry or an element, named as a listing names it.
 /// Null when the name does not tell.
-QString memberExpression(const QString& value, const QString& name);
+QString memberExpression(const QString& file, const QString& value, const QString& name);
+
+/// Code that assigns a value to what the expression reads; null where nothing can be assigned.
+QString assignmentCode(const QString& file, const QString& expression, const QString& value);
 
 /// Whether what reads a part of a value of this type can be told by its name.
 bool membersHaveExpressions(const QString& type);

@@ -234,6 +234,7 @@ void Session::act(const StopJudgement& judgement) {
 
 void Session::report(const ReportedStop& stop) {
     m_reported = stop;
+    m_values.setFile(stoppedFile());
     StoppedEvent event;
     event.reason = stop.reason;
     event.description = stop.description;

@@ -81,6 +81,8 @@ public:
     /// What is evaluated sees the function in which the script stands; another frame is a failure.
     Outcome<Debuggee*> debuggeeAt(const std::optional<int>& frameId);
     Values& values() { return m_values; }
+    /// The file in which the script stands, empty while it runs.
+    QString stoppedFile() const { return m_stop ? m_stop->place.file : QString(); }
     /// The client has changed a value, or run code that may have.
     void valuesChanged();
     /// The column of the client's text as an index.

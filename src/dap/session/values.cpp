@@ -67,7 +67,7 @@ Variable Values::variableOf(const Binding& binding, const Node& parent) {
         if (parent.isTop && parent.path.isEmpty())
             expression = name;
         else if (!parent.expression.isNull())
-            expression = memberExpression(parent.expression, name);
+            expression = memberExpression(m_file, parent.expression, name);
         if (!expression.isNull())
             variable.evaluateName = expression;
     }

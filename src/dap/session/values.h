@@ -32,6 +32,8 @@ public:
     void refresh();
     /// The script has gone on.
     void clear();
+    /// The file in which it stands: its language is that of expressions.
+    void setFile(const QString& file) { m_file = file; }
 
 private:
     struct Node {
@@ -46,6 +48,7 @@ private:
     int numberOf(const Node& node);
     Variable variableOf(const Binding& binding, const Node& parent);
 
+    QString m_file;
     std::map<int, Node> m_nodes;
     /// By path.
     QHash<QString, int> m_numbers;

@@ -93,9 +93,10 @@ QString writtenName(const ScriptNotation& notation, const ObjectName& name, cons
     }
     if (indent.isNull())
         return notation.open + parts.join(notation.betweenProperties) + notation.close;
-    const QString separator = notation.betweenProperties.trimmed() + QLatin1Char('\n') + indent;
-    return notation.open.trimmed() + QLatin1Char('\n') + indent + parts.join(separator) +
-           QLatin1Char('\n') + notation.close.trimmed();
+    const QString lineEnd = notation.continuation + QLatin1Char('\n');
+    const QString separator = notation.betweenProperties.trimmed() + lineEnd + indent;
+    return notation.open.trimmed() + lineEnd + indent + parts.join(separator) + lineEnd +
+           notation.close.trimmed();
 }
 
 QString writtenEntry(const ScriptNotation& notation, const QString& key, const ObjectName& name) {

@@ -44,7 +44,10 @@ struct ScriptNotation {
     /// A property's name, where that is written in another way than texts are.
     QString (*propertyName)(const QString& name) = nullptr;
     /// What lines between heading and ending are set in by, and those of a name on several lines.
-    QString indent;
+    QString indent = QString();
+    /// What stands at the end of a line behind which a value goes on, where a line's end would end
+    /// the statement.
+    QString continuation = QString();
 };
 
 // Keys of a map of names are ":save_button" for the variable save_button.

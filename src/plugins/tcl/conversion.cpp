@@ -1,5 +1,7 @@
 #include "plugins/tcl/conversion.h"
 
+#include "interpreter/language/looseutf8.h"
+
 namespace Tamrix::TclPlugin {
 
 namespace {
@@ -10,22 +12,11 @@ void append(QByteArray* bytes, uint code) {
         bytes->append(static_cast<char>(code));
         return;
     }
-    const int further = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    constexpr uint leads[] = {0xC0, 0xE0, 0xF0};
+    const int further = code < 0x800 ? 1 : 2;
+    constexpr uint leads[] = {0xC0, 0xE0};
     bytes->append(static_cast<char>(leads[further - 1] | (code >> (6 * further))));
     for (int shift = 6 * (further - 1); shift >= 0; shift -= 6)
         bytes->append(static_cast<char>(0x80 | ((code >> shift) & 0x3F)));
-}
-
-/// How many bytes follow the first one of a character, -1 for a byte that is none.
-int followersOf(unsigned char lead) {
-    if (lead < 0x80)
-        return 0;
-    if (lead >= 0xC0 && lead < 0xE0)
-        return 1;
-    if (lead >= 0xE0 && lead < 0xF0)
-        return 2;
-    return lead >= 0xF0 && lead < 0xF8 ? 3 : -1;
 }
 
 }  // namespace
@@ -33,40 +24,20 @@ int followersOf(unsigned char lead) {
 QByteArray toTclBytes(const QString& text) {
     QByteArray bytes;
     bytes.reserve(text.size());
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar unit = text.at(index);
-        const bool isPair = unit.isHighSurrogate() && index + 1 < text.size() &&
-                            text.at(index + 1).isLowSurrogate();
-        append(&bytes, isPair ? QChar::surrogateToUcs4(unit, text.at(++index)) : unit.unicode());
-    }
+    for (const QChar unit : text)
+        append(&bytes, unit.unicode());
     return bytes;
 }
 
+QByteArray toTclSource(QString text) {
+    return toTclBytes(text.replace(QLatin1String("\r\n"), QLatin1String("\n"))
+                          .replace(QLatin1Char('\r'), QLatin1Char('\n')));
+}
+
 QString fromTclBytes(std::string_view bytes) {
-    QString text;
-    text.reserve(static_cast<int>(bytes.size()));
-    for (std::size_t index = 0; index < bytes.size(); ++index) {
-        const auto lead = static_cast<unsigned char>(bytes[index]);
-        const int further = followersOf(lead);
-        // Like Tcl, a byte that begins no character is one by itself.
-        bool isWhole = further >= 0 && index + static_cast<std::size_t>(further) < bytes.size();
-        uint code = further > 0 ? lead & (0x3Fu >> further) : lead;
-        for (int next = 1; isWhole && next <= further; ++next) {
-            const auto byte = static_cast<unsigned char>(bytes[index + static_cast<size_t>(next)]);
-            isWhole = (byte & 0xC0) == 0x80;
-            code = (code << 6) | (byte & 0x3F);
-        }
-        if (!isWhole || code > QChar::LastValidCodePoint) {
-            text += QChar(lead);
-            continue;
-        }
-        index += static_cast<std::size_t>(further);
-        if (QChar::requiresSurrogates(code))
-            text.append(QChar::highSurrogate(code)).append(QChar::lowSurrogate(code));
-        else
-            text += QChar(code);
-    }
-    return text;
+    QByteArray text(bytes.data(), static_cast<int>(bytes.size()));
+    text.replace("\xC0\x80", QByteArray(1, '\0'));
+    return fromLooseUtf8(text.constData(), text.size());
 }
 
 TclRef toTcl(const QString& text) {

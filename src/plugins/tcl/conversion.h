@@ -10,10 +10,13 @@
 
 namespace Tamrix::TclPlugin {
 
-// Texts on their way to Tcl and back. Tcl keeps a text in UTF-8 with a NUL in two bytes; all
-// characters and lone surrogates pass.
+// Texts on their way to Tcl and back. Tcl 8.6 keeps a text in UTF-8 with a NUL in two bytes and, as
+// UTF-16 does, two surrogates for a character beyond U+FFFF; all characters and lone surrogates
+// pass.
 
 QByteArray toTclBytes(const QString& text);
+/// The text of a script, in which lines end as Tcl takes it from a file.
+QByteArray toTclSource(QString text);
 QString fromTclBytes(std::string_view bytes);
 
 TclRef toTcl(const QString& text);

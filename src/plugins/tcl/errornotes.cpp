@@ -66,7 +66,10 @@ void ErrorNotes::notice() {
     const bool isPassedOn = errorInfo.find(calledMark) != std::string_view::npos;
     if (failed == std::string_view::npos && !isPassedOn)
         return;
-    if (isPassedOn && find(errorInfo))
+    // More is known of one that goes on its way.
+    const Note* const known = find(errorInfo);
+    if (known &&
+        (isPassedOn || static_cast<std::size_t>(known->errorInfo.size()) < errorInfo.size()))
         return;
     // The same error may have been raised elsewhere before.
     std::erase_if(m_notes, [&](const Note& each) { return each.errorInfo == errorInfo.data(); });

@@ -1,4 +1,4 @@
-// The commands of what scripts hold.
+#include "plugins/tcl/heldvalues.h"
 
 #include "base/overloaded.h"
 #include "interpreter/language/objectcalls.h"
@@ -6,7 +6,6 @@
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
 #include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
@@ -23,30 +22,8 @@ int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
         return interpreter.fail(member.error());
     if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
         return interpreter.finish(*value);
-    return interpreter.fail({ScriptFailure::Kind::NoMember,
-                             QStringLiteral("'%1' of '%2' is a method: call it instead")
-                                 .arg(optionOf(words[0]), object->className()),
-                             false,
-                             {}});
-}
-
-/// `object configure -property value ?-property value ...?`
-int writeOptions(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
-                 Tcl_Obj* const* words) {
-    if (count == 0 || count % 2 != 0)
-        return wrongWords(interpreter,
-                          object->className() + " configure -property value ?-property value ...?");
-    for (int index = 0; index < count; index += 2) {
-        const QString name = optionOf(words[index]);
-        if (name.isEmpty())
-            return interpreter.fail(
-                noSuch("property", textOf(words[index]), object->className(), {}));
-        const auto written = setMember(&interpreter, object, name,
-                                       new TclArgument(interpreter, TclRef(words[index + 1])));
-        if (!written)
-            return interpreter.fail(written.error());
-    }
-    return interpreter.finish(SharedPtr<ScriptArgument>());
+    return interpreter.fail(noMember(QStringLiteral("'%1' of '%2' is a method: call it instead")
+                                         .arg(optionOf(words[0]), object->className())));
 }
 
 int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
@@ -55,7 +32,14 @@ int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
     if (name == QLatin1String("cget"))
         return readOption(interpreter, object, count - 1, words + 1);
     if (name == QLatin1String("configure"))
-        return writeOptions(interpreter, object, count - 1, words + 1);
+        return writeOptions(interpreter, object->className(), count - 1, words + 1,
+                            [&](const QString& property, Tcl_Obj* const* value) {
+                                const auto written =
+                                    setMember(&interpreter, object, property,
+                                              new TclArgument(interpreter, TclRef(*value)));
+                                return written ? interpreter.finish(SharedPtr<ScriptArgument>())
+                                               : interpreter.fail(written.error());
+                            });
     CallArguments arguments;
     for (int index = 1; index < count; ++index)
         arguments.positional.push_back(new TclArgument(interpreter, TclRef(words[index])));
@@ -64,25 +48,14 @@ int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
 
 }  // namespace
 
-QString nameOfKind(const HeldValues::Held& held) {
-    return std::visit(
-        Overloaded{
-            [](const SharedPtr<Object>& object) { return object->className(); },
-            [](const SharedPtr<NativeScriptObject>&) { return QStringLiteral("NativeObject"); },
-            [](const SharedPtr<ApplicationContext>&) {
-                return QStringLiteral("ApplicationContext");
-            },
-            [](const SharedPtr<TestDataSet>&) { return QStringLiteral("DataSet"); }},
-        held.value);
-}
-
 int runHeldCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     const auto& held = *static_cast<HeldValues::Held*>(data);
     TclInterpreter& interpreter = held.owner->interpreter();
     // What is called may delete the command.
     const HeldValues::Value value = held.value;
     if (count < 2)
-        return wrongWords(interpreter, nameOfKind(held) + " method ?arg ...?");
+        return wrongWords(interpreter,
+                          interpreter.values().classNameOf(value) + " method ?arg ...?");
     const int rest = count - 1;
     Tcl_Obj* const* const behind = words + 1;
     return runCommand(interpreter, [&] {

@@ -5,6 +5,8 @@
 #include "base/overloaded.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/nativeclasses.h"
+#include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
@@ -43,6 +45,27 @@ std::pair<QByteArray, int> partsOfRecord(std::string_view bytes) {
     return {QByteArray(bytes.data(), static_cast<int>(mark)), index};
 }
 
+quint64 keyOf(const HeldValues::Value& value) {
+    return std::visit(
+        Overloaded{[](const SharedPtr<Object>& object) { return objectHash(object); },
+                   [](const SharedPtr<ApplicationContext>& context) {
+                       return static_cast<quint64>(context->id);
+                   },
+                   [](const auto& other) { return reinterpret_cast<quint64>(other.get()); }},
+        value);
+}
+
+bool areSame(const HeldValues::Value& left, const HeldValues::Value& right) {
+    const auto* const object = std::get_if<SharedPtr<Object>>(&left);
+    const auto* const other = std::get_if<SharedPtr<Object>>(&right);
+    return left.index() == right.index() &&
+           (object ? isSameObject(*object, *other) : keyOf(left) == keyOf(right));
+}
+
+TclRef valueOfName(const QByteArray& name) {
+    return TclRef(Tcl_NewStringObj(name.constData(), name.size()));
+}
+
 }  // namespace
 
 HeldValues::~HeldValues() {
@@ -56,79 +79,56 @@ HeldValues::~HeldValues() {
 
 void HeldValues::commandDeleted(void* held) {
     const std::unique_ptr<Held> gone(static_cast<Held*>(held));
-    HeldValues& owner = *gone->owner;
-    owner.m_byName.remove(gone->name);
-    const auto forget = [gone = gone.get()](auto& map) {
-        for (auto entry = map.begin(); entry != map.end();)
-            entry = *entry == gone ? map.erase(entry) : std::next(entry);
-    };
-    if (std::holds_alternative<SharedPtr<Object>>(gone->value))
-        forget(owner.m_objects);
-    else
-        forget(owner.m_others);
+    gone->owner->m_byName.remove(gone->name);
+    gone->owner->m_byKey.remove(keyOf(gone->value), gone.get());
 }
 
-TclRef HeldValues::hold(Value value, const QString& className) {
+QString HeldValues::classNameOf(const Value& value) const {
+    return std::visit(
+        Overloaded{[](const SharedPtr<Object>& object) { return object->className(); },
+                   [this](const SharedPtr<NativeScriptObject>& object) {
+                       return m_interpreter.classes().classNameOf(object->typeId());
+                   },
+                   [](const SharedPtr<ApplicationContext>&) {
+                       return QStringLiteral("ApplicationContext");
+                   },
+                   [](const SharedPtr<TestDataSet>&) { return QStringLiteral("DataSet"); }},
+        value);
+}
+
+TclRef HeldValues::nameOf(const Value& value) {
+    const bool isNull = std::visit([](const auto& pointer) { return !pointer; }, value);
+    if (isNull)
+        return TclRef(Tcl_NewObj());
+    TclRef name;
+    for (const Held* const held : m_byKey.values(keyOf(value))) {
+        if (areSame(held->value, value))
+            name = valueOfName(held->name);
+    }
+    if (!name)
+        name = hold(value);
+    const auto* const set = std::get_if<SharedPtr<TestDataSet>>(&value);
+    return set ? recordsOf(*set, name.get()) : name;
+}
+
+TclRef HeldValues::hold(const Value& value) {
     auto held = std::make_unique<Held>();
-    held->value = std::move(value);
+    held->value = value;
     held->owner = this;
     held->name = QByteArray(prefix.data(), static_cast<int>(prefix.size())) +
-                 nameOfClass(className) + QByteArray::number(++m_lastNumber);
+                 nameOfClass(classNameOf(value)) + QByteArray::number(++m_lastNumber);
     m_byName.insert(held->name, held.get());
-    std::visit(Overloaded{[&](const SharedPtr<Object>& object) {
-                              m_objects.insert(objectHash(object), held.get());
-                          },
-                          [&](const auto& other) { m_others.insert(other.get(), held.get()); }},
-               held->value);
+    m_byKey.insert(keyOf(value), held.get());
     const QByteArray name = held->name;
     Tcl_CreateObjCommand(m_interp, name.constData(), m_command, held.release(), commandDeleted);
-    return TclRef(Tcl_NewStringObj(name.constData(), name.size()));
+    return valueOfName(name);
 }
 
-const HeldValues::Held* HeldValues::sameAs(const SharedPtr<Object>& object) const {
-    const quint64 hash = objectHash(object);
-    for (auto entry = m_objects.constFind(hash); entry != m_objects.cend() && entry.key() == hash;
-         ++entry) {
-        if (isSameObject(std::get<SharedPtr<Object>>((*entry)->value), object))
-            return *entry;
-    }
-    return nullptr;
-}
-
-TclRef HeldValues::nameOf(const SharedPtr<Object>& object) {
-    if (!object)
-        return TclRef(Tcl_NewObj());
-    if (const Held* const held = sameAs(object))
-        return TclRef(Tcl_NewStringObj(held->name.constData(), held->name.size()));
-    return hold(object, object->className());
-}
-
-TclRef HeldValues::nameOf(const SharedPtr<NativeScriptObject>& object, const QString& className) {
-    if (!object)
-        return TclRef(Tcl_NewObj());
-    if (const Held* const held = m_others.value(object.get()))
-        return TclRef(Tcl_NewStringObj(held->name.constData(), held->name.size()));
-    return hold(object, className);
-}
-
-TclRef HeldValues::nameOf(const SharedPtr<ApplicationContext>& context) {
-    if (!context)
-        return TclRef(Tcl_NewObj());
-    for (const Held* const held : qAsConst(m_others)) {
-        const auto* const known = std::get_if<SharedPtr<ApplicationContext>>(&held->value);
-        if (known && (*known)->id == context->id)
-            return TclRef(Tcl_NewStringObj(held->name.constData(), held->name.size()));
-    }
-    return hold(context, QStringLiteral("ApplicationContext"));
-}
-
-TclRef HeldValues::nameOf(const SharedPtr<TestDataSet>& set) {
-    const TclRef name = hold(set, QStringLiteral("DataSet"));
-    const std::string_view bytes = bytesOf(name.get());
+TclRef HeldValues::recordsOf(const SharedPtr<TestDataSet>& set, Tcl_Obj* name) {
     TclRef records(Tcl_NewListObj(0, nullptr));
     for (int index = 0; index < set->count(); ++index) {
         const std::string record =
-            std::string(bytes) + std::string(recordMark) + std::to_string(index);
+            std::string(bytesOf(name)) + std::string(recordMark) + std::to_string(index);
         Tcl_ListObjAppendElement(nullptr, records.get(),
                                  Tcl_NewStringObj(record.data(), static_cast<int>(record.size())));
     }

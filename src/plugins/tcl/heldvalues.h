@@ -45,12 +45,11 @@ public:
 
     TclInterpreter& interpreter() const { return m_interpreter; }
 
-    /// The name of a value, which begins with that of its class.
-    TclRef nameOf(const SharedPtr<Object>& object);
-    TclRef nameOf(const SharedPtr<NativeScriptObject>& object, const QString& className);
-    TclRef nameOf(const SharedPtr<ApplicationContext>& context);
-    /// A data set is the list of its records.
-    TclRef nameOf(const SharedPtr<TestDataSet>& set);
+    /// The name of a value, which begins with that of its class; empty for null. A data set is the
+    /// list of its records.
+    TclRef nameOf(const Value& value);
+    /// What a value is, for people.
+    QString classNameOf(const Value& value) const;
 
     /// What has this name, null when nothing has.
     const Held* find(Tcl_Obj* name) const;
@@ -67,18 +66,19 @@ public:
 
 private:
     static void commandDeleted(void* held);
-    TclRef hold(Value value, const QString& className);
-    const Held* sameAs(const SharedPtr<Object>& object) const;
+    TclRef hold(const Value& value);
+    static TclRef recordsOf(const SharedPtr<TestDataSet>& set, Tcl_Obj* name);
 
     TclInterpreter& m_interpreter;
     Tcl_Interp* m_interp;
     CommandFunction m_command;
     int m_lastNumber = 0;
     QHash<QByteArray, Held*> m_byName;
-    /// By their hash.
-    QMultiHash<quint64, Held*> m_objects;
-    /// Natives and contexts by their address, data sets, too.
-    QHash<const void*, Held*> m_others;
+    /// What is the same has the same key.
+    QMultiHash<quint64, Held*> m_byKey;
 };
+
+/// The command of a value: an object of an application, of a native class, a context.
+int runHeldCommand(void* held, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
 
 }  // namespace Tamrix::TclPlugin

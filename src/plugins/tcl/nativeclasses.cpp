@@ -5,193 +5,122 @@
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
-#include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclcontext.h"
+#include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
 
-namespace {
-
-template <typename Function>
-std::shared_ptr<NativeFunction> shared(const ScriptContext& context,
-                                       const NativeSignature& signature, Function function) {
-    return std::make_shared<NativeFunction>(context, signature, function);
-}
-
-template <typename Map>
-QStringList sortedKeys(const Map& map) {
-    QStringList names = map.keys();
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-}  // namespace
-
-void NativeClasses::add(const QString& name, void* typeId, const NativeScriptType& type) {
+void ClassCommands::add(const QString& name, void* typeId, const NativeScriptType& type) {
     const ScriptContext& context = m_interpreter.context();
-    const auto made = std::make_shared<NativeClass>();
-    made->name = name;
-    made->super = type.super();
-    made->constructor = std::make_unique<NativeFunction>(
-        context, NativeSignature{name, {}, {}, {}, {}}, type.constructor());
-    const auto methods = type.methods();
-    for (auto it = methods.cbegin(); it != methods.cend(); ++it)
-        made->methods[it.key()] = shared(
-            context,
-            {it.key(), name, it->requiredParameters, it->optionalParameters, it->description},
-            it->function);
-    const auto staticMethods = type.staticMethods();
-    for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
-        made->staticMethods[it.key()] = shared(
-            context,
-            {it.key(), name, it->requiredParameters, it->optionalParameters, it->description},
-            it->function);
-    const auto accessor = [&](const QString& property, auto function) {
-        return function ? std::make_unique<NativeFunction>(
-                              context, NativeSignature{property, name, {}, {}, {}}, function)
-                        : nullptr;
-    };
-    const auto properties = type.properties();
-    for (auto it = properties.cbegin(); it != properties.cend(); ++it)
-        made->properties[it.key()] = std::make_shared<NativeProperty>(
-            NativeProperty{accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
-    const auto staticProperties = type.staticProperties();
-    for (auto it = staticProperties.cbegin(); it != staticProperties.cend(); ++it)
-        made->staticProperties[it.key()] = std::make_shared<NativeProperty>(
-            NativeProperty{accessor(it.key(), it->getter), accessor(it.key(), it->setter)});
-    m_classes[typeId] = made;
+    const auto made = std::make_shared<NativeClass>(NativeClass{
+        name, nativeConstructor(context, name, type), nativeMembers(context, name, type)});
+    if (const auto* const super = m_classes.find(type.super()))
+        std::copy_if((*super)->members.begin(), (*super)->members.end(),
+                     std::back_inserter(made->members),
+                     [](const NativeMember& member) { return !member.isStatic(); });
+    m_classes.add(typeId, type.super(), made);
     m_interpreter.defineCommand(name, runClassCommand,
-                                std::make_unique<ClassCommand>(ClassCommand{*this, typeId}));
+                                std::make_unique<ClassCommand>(ClassCommand{*this, made}));
 }
 
-void NativeClasses::addMember(const QString& className, const NativeFunction& function) {
-    m_members[className][function.signature().name] = std::make_shared<NativeFunction>(function);
+void ClassCommands::addContextMember(const NativeFunction& function) {
+    m_contextMembers[function.signature().name] = std::make_shared<NativeFunction>(function);
 }
 
-const NativeClasses::NativeClass* NativeClasses::find(void* typeId) const {
-    const auto found = m_classes.constFind(typeId);
-    return found == m_classes.constEnd() ? nullptr : found->get();
+const NativeMember* ClassCommands::NativeClass::find(const QString& wanted, bool isStatic) const {
+    const auto member = std::find_if(members.begin(), members.end(), [&](const NativeMember& each) {
+        return each.name == wanted && each.isStatic() == isStatic;
+    });
+    return member == members.end() ? nullptr : &*member;
 }
 
-TclRef NativeClasses::nameOf(const SharedPtr<NativeScriptObject>& object) {
-    const NativeClass* const known = object ? find(object->typeId()) : nullptr;
-    return m_interpreter.values().nameOf(object,
-                                         known ? known->name : QStringLiteral("NativeObject"));
-}
-
-bool NativeClasses::isDerivedFrom(void* typeId, void* wanted) const {
-    while (typeId && typeId != wanted) {
-        const NativeClass* const known = find(typeId);
-        typeId = known ? known->super : nullptr;
-    }
-    return typeId && typeId == wanted;
+QString ClassCommands::classNameOf(void* typeId) const {
+    const auto* const known = m_classes.find(typeId);
+    return known ? (*known)->name : QStringLiteral("NativeObject");
 }
 
 // Properties
 
-template <typename Find>
-int NativeClasses::readProperty(const QString& owner, const SharedPtr<NativeScriptObject>& object,
-                                Find find, int count, Tcl_Obj* const* words) {
+int ClassCommands::readProperty(const NativeClass& nativeClass,
+                                const SharedPtr<NativeScriptObject>& object, int count,
+                                Tcl_Obj* const* words) {
     if (count != 1)
-        return wrongWords(m_interpreter, owner + " cget -option");
-    const QString name = optionOf(words[0]);
-    const NativeProperty* const property = find(name);
-    if (!property)
-        return m_interpreter.fail(noSuch("option", textOf(words[0]), owner, {}));
-    return callWithWords(m_interpreter, *property->getter, object, {}, 0, nullptr);
+        return wrongWords(m_interpreter, nativeClass.name + " cget -option");
+    const NativeMember* const property = nativeClass.find(optionOf(words[0]), !object);
+    if (!property || !property->isProperty())
+        return m_interpreter.fail(noSuch("option", textOf(words[0]), nativeClass.name, {}));
+    return callWithWords(m_interpreter, property->function, object, {}, 0, nullptr);
 }
 
-template <typename Find>
-int NativeClasses::writeProperties(const QString& owner,
-                                   const SharedPtr<NativeScriptObject>& object, Find find,
-                                   int count, Tcl_Obj* const* words) {
-    if (count == 0 || count % 2 != 0)
-        return wrongWords(m_interpreter, owner + " configure -option value ?-option value ...?");
-    int code = TCL_OK;
-    for (int index = 0; index < count && code == TCL_OK; index += 2) {
-        const NativeProperty* const property = find(optionOf(words[index]));
-        if (!property)
-            return m_interpreter.fail(noSuch("option", textOf(words[index]), owner, {}));
-        if (!property->setter)
-            return m_interpreter.fail({ScriptFailure::Kind::NoMember,
-                                       QStringLiteral("The property '%1' of '%2' can't be written")
-                                           .arg(optionOf(words[index]), owner),
-                                       false,
-                                       {}});
-        code = callWithWords(m_interpreter, *property->setter, object, {}, 1, words + index + 1);
-    }
-    return code;
+int ClassCommands::writeProperty(const NativeClass& nativeClass,
+                                 const SharedPtr<NativeScriptObject>& object, const QString& name,
+                                 Tcl_Obj* const* value) {
+    const NativeMember* const property = nativeClass.find(name, !object);
+    if (!property || !property->isProperty())
+        return m_interpreter.fail(noSuch("option", "-" + name, nativeClass.name, {}));
+    if (!property->setter)
+        return m_interpreter.fail(
+            noMember(QStringLiteral("The property '%1' of '%2' can't be written")
+                         .arg(name, nativeClass.name)));
+    return callWithWords(m_interpreter, *property->setter, object, {}, 1, value);
 }
 
 // Commands
 
-int NativeClasses::runClassCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+int ClassCommands::runClassCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     const auto& command = *static_cast<ClassCommand*>(data);
-    const std::shared_ptr<NativeClass> known = command.classes.m_classes.value(command.typeId);
-    return command.classes.callClass(*known, count - 1, words + 1);
+    if (count < 2)
+        return wrongWords(command.classes.m_interpreter,
+                          command.nativeClass->name + " subcommand ?arg ...?");
+    return command.classes.callNamed(*command.nativeClass, {}, count - 1, words + 1);
 }
 
-int NativeClasses::callClass(const NativeClass& nativeClass, int count, Tcl_Obj* const* words) {
-    if (count == 0)
-        return wrongWords(m_interpreter, nativeClass.name + " subcommand ?arg ...?");
-    const QString name = textOf(words[0]);
-    const auto property = [&](const QString& wanted) {
-        return nativeClass.staticProperties.value(wanted).get();
-    };
-    if (name == QLatin1String("new"))
-        return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, count - 1, words + 1);
-    if (name == QLatin1String("cget"))
-        return readProperty(nativeClass.name, {}, property, count - 1, words + 1);
-    if (name == QLatin1String("configure"))
-        return writeProperties(nativeClass.name, {}, property, count - 1, words + 1);
-    if (const auto method = nativeClass.staticMethods.value(name))
-        return callWithWords(m_interpreter, *method, {}, {}, count - 1, words + 1);
-    return m_interpreter.fail(
-        noSuch("subcommand", name, nativeClass.name,
-               QStringList({"new", "cget", "configure"}) + sortedKeys(nativeClass.staticMethods)));
-}
-
-int NativeClasses::callMethod(const SharedPtr<NativeScriptObject>& object, int count,
+int ClassCommands::callMethod(const SharedPtr<NativeScriptObject>& object, int count,
                               Tcl_Obj* const* words) {
-    const NativeClass* const own = find(object->typeId());
-    const QString owner = own ? own->name : QStringLiteral("NativeObject");
+    static const NativeClass s_unknown{QStringLiteral("NativeObject"), {}, {}};
+    const auto* const known = m_classes.find(object->typeId());
+    return callNamed(known ? **known : s_unknown, object, count, words);
+}
+
+int ClassCommands::callNamed(const NativeClass& nativeClass,
+                             const SharedPtr<NativeScriptObject>& object, int count,
+                             Tcl_Obj* const* words) {
     const QString name = textOf(words[0]);
-    // What a class has not, the one that it derives from may have.
-    const auto inherited = [&](auto NativeClass::*table, const QString& wanted) {
-        for (const NativeClass* each = own; each; each = find(each->super)) {
-            if (const auto found = (each->*table).value(wanted))
-                return found;
-        }
-        return typename std::decay_t<decltype(own->*table)>::mapped_type();
-    };
-    const auto property = [&](const QString& wanted) {
-        return inherited(&NativeClass::properties, wanted).get();
-    };
+    const int rest = count - 1;
+    Tcl_Obj* const* const behind = words + 1;
     if (name == QLatin1String("cget"))
-        return readProperty(owner, object, property, count - 1, words + 1);
+        return readProperty(nativeClass, object, rest, behind);
     if (name == QLatin1String("configure"))
-        return writeProperties(owner, object, property, count - 1, words + 1);
-    if (const auto method = inherited(&NativeClass::methods, name))
-        return callWithWords(m_interpreter, *method, object, {}, count - 1, words + 1);
-    if (const NativeProperty* const found = property(name); found && count == 1)
-        return callWithWords(m_interpreter, *found->getter, object, {}, 0, nullptr);
+        return writeOptions(m_interpreter, nativeClass.name, rest, behind,
+                            [&](const QString& property, Tcl_Obj* const* value) {
+                                return writeProperty(nativeClass, object, property, value);
+                            });
+    if (!object && name == QLatin1String("new"))
+        return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, rest, behind);
+    const NativeMember* const member = nativeClass.find(name, !object);
+    if (member && (!member->isProperty() || rest == 0))
+        return callWithWords(m_interpreter, member->function, object, {}, rest, behind);
     QStringList known{"cget", "configure"};
-    for (const NativeClass* each = own; each; each = find(each->super))
-        known += sortedKeys(each->methods) + sortedKeys(each->properties);
-    return m_interpreter.fail(noSuch("subcommand", name, owner, known));
+    if (!object)
+        known.prepend("new");
+    for (const NativeMember& each : nativeClass.members) {
+        if (each.isStatic() == !object)
+            known.append(each.name);
+    }
+    return m_interpreter.fail(noSuch("subcommand", name, nativeClass.name, known));
 }
 
-int NativeClasses::callMember(const SharedPtr<ApplicationContext>& context, int count,
+int ClassCommands::callMember(const SharedPtr<ApplicationContext>& context, int count,
                               Tcl_Obj* const* words) {
-    const auto& members = m_members[QStringLiteral("ApplicationContext")];
     const QString name = textOf(words[0]);
-    if (const auto member = members.value(name))
+    if (const auto member = m_contextMembers.value(name))
         return callWithWords(m_interpreter, *member, {},
                              {m_interpreter.context().createContext(context)}, count - 1,
                              words + 1);
+    QStringList known = m_contextMembers.keys();
+    known.sort();
     return m_interpreter.fail(
-        noSuch("subcommand", name, QStringLiteral("ApplicationContext"), sortedKeys(members)));
+        noSuch("subcommand", name, QStringLiteral("ApplicationContext"), known));
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -3,9 +3,10 @@
 #include <QHash>
 #include <QString>
 #include <memory>
+#include <optional>
 #include <vector>
 
-#include "interpreter/language/nativefunction.h"
+#include "interpreter/language/nativeclasses.h"
 #include "plugins/tcl/heldvalues.h"
 #include "plugins/tcl/tclref.h"
 
@@ -13,25 +14,17 @@ namespace Tamrix::TclPlugin {
 
 class TclInterpreter;
 
-/// A property of a native class: reading and, unless it is read-only, writing.
-struct NativeProperty {
-    std::unique_ptr<NativeFunction> getter;
-    std::unique_ptr<NativeFunction> setter;
-};
-
 /// The native classes, each a command: `Image new ...` makes an object, `Image load ...` calls a
-/// static method; `cget` and `configure` are for static properties. The objects are commands, too.
-class NativeClasses {
+/// static method; `cget` and `configure` are for properties. The objects are commands, too.
+class ClassCommands {
 public:
-    explicit NativeClasses(TclInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit ClassCommands(TclInterpreter& interpreter) : m_interpreter(interpreter) {}
 
     void add(const QString& name, void* typeId, const NativeScriptType& type);
-    /// A member function of a class of the library that is none of the native ones.
-    void addMember(const QString& className, const NativeFunction& function);
+    /// A member function of contexts of applications.
+    void addContextMember(const NativeFunction& function);
 
-    /// The name of an object.
-    TclRef nameOf(const SharedPtr<NativeScriptObject>& object);
-    bool isDerivedFrom(void* typeId, void* wanted) const;
+    QString classNameOf(void* typeId) const;
 
     /// `object method ?argument ...?`; the words begin with the name of the method.
     int callMethod(const SharedPtr<NativeScriptObject>& object, int count, Tcl_Obj* const* words);
@@ -40,38 +33,29 @@ public:
 private:
     struct NativeClass {
         QString name;
-        void* super = nullptr;
-        std::unique_ptr<NativeFunction> constructor;
-        QHash<QString, std::shared_ptr<NativeFunction>> methods;
-        QHash<QString, std::shared_ptr<NativeFunction>> staticMethods;
-        QHash<QString, std::shared_ptr<NativeProperty>> properties;
-        QHash<QString, std::shared_ptr<NativeProperty>> staticProperties;
+        std::optional<NativeFunction> constructor;
+        /// Its own, then those of the class from which it derives.
+        std::vector<NativeMember> members;
+
+        /// A member of objects, or of the class itself; null without.
+        const NativeMember* find(const QString& name, bool isStatic) const;
     };
     struct ClassCommand {
-        NativeClasses& classes;
-        void* typeId;
+        ClassCommands& classes;
+        std::shared_ptr<NativeClass> nativeClass;
     };
     static int runClassCommand(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
-    int callClass(const NativeClass& nativeClass, int count, Tcl_Obj* const* words);
-    const NativeClass* find(void* typeId) const;
-    /// `cget -name` and `configure -name value ...`, words behind these.
-    template <typename Find>
-    int readProperty(const QString& owner, const SharedPtr<NativeScriptObject>& object, Find find,
+    /// Of the class itself when `object` is null.
+    int callNamed(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
+                  int count, Tcl_Obj* const* words);
+    int readProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
                      int count, Tcl_Obj* const* words);
-    template <typename Find>
-    int writeProperties(const QString& owner, const SharedPtr<NativeScriptObject>& object,
-                        Find find, int count, Tcl_Obj* const* words);
+    int writeProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
+                      const QString& name, Tcl_Obj* const* value);
 
     TclInterpreter& m_interpreter;
-    QHash<void*, std::shared_ptr<NativeClass>> m_classes;
-    /// Member functions, by class and name.
-    QHash<QString, QHash<QString, std::shared_ptr<NativeFunction>>> m_members;
+    NativeClasses<std::shared_ptr<NativeClass>> m_classes;
+    QHash<QString, std::shared_ptr<NativeFunction>> m_contextMembers;
 };
-
-/// What a value is, for people: the class of an object.
-QString nameOfKind(const HeldValues::Held& held);
-
-/// The command of a value: an object of an application, of a native class, a context.
-int runHeldCommand(void* held, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
 
 }  // namespace Tamrix::TclPlugin

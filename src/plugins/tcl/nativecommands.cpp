@@ -73,8 +73,7 @@ int runGlobal(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
             argumentsOf(interpreter, hasOptions ? parametersOf(command.name) : QStringList(), 1,
                         count - 1, words + 1);
         if (!arguments)
-            return interpreter.fail(
-                {ScriptFailure::Kind::BadArgument, arguments.error().text, false, {}});
+            return interpreter.fail(badArgument(arguments.error().text));
         return interpreter.finish(callGlobal(&interpreter, command.name, *arguments));
     });
 }
@@ -120,8 +119,7 @@ int callWithWords(TclInterpreter& interpreter, const NativeFunction& function,
         Outcome<CallArguments> arguments = argumentsOf(
             interpreter, parameters.names, parameters.requiredCount - given, count, words);
         if (!arguments)
-            return interpreter.fail(
-                {ScriptFailure::Kind::BadArgument, arguments.error().text, false, {}});
+            return interpreter.fail(badArgument(arguments.error().text));
         arguments->positional.insert(arguments->positional.begin(), first.begin(), first.end());
         return interpreter.finish(
             callNative(&interpreter, function, object, std::move(*arguments)));

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "base/export.h"
+#include "plugins/tcl/objectnames.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/tclruntime.h"
 
@@ -18,4 +19,9 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", panic.text);
     }
     return nullptr;
+}
+
+/// A map of object names in a Tcl script, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::TclPlugin::TclObjectMap(path);
 }

@@ -3,9 +3,8 @@
 #include <QRegularExpression>
 
 #include "interpreter/objects/objectidentity.h"
-#include "platform/objectmodel/inspector.h"
+#include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
@@ -13,25 +12,8 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-const char* nameOf(ValueType type) {
-    switch (type) {
-        case ValueType::Boolean:
-            return "boolean";
-        case ValueType::Integer:
-            return "int";
-        case ValueType::Double:
-            return "double";
-        case ValueType::List:
-            return "list";
-        case ValueType::Dictionary:
-            return "dict";
-        case ValueType::Bytes:
-            return "bytes";
-        case ValueType::Text:
-            break;
-    }
-    return "string";
-}
+/// In the order of ValueType.
+constexpr const char* typeNames[] = {"string", "boolean", "int", "double", "list", "dict", "bytes"};
 
 /// A value of the same text, so that a look at it as something else leaves no traces.
 TclRef copyOf(Tcl_Obj* value) {
@@ -49,8 +31,8 @@ TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
 QString TclArgument::typeName() const {
     const ValueType type = typeOf(value());
     if (const HeldValues::Held* const held = m_interpreter.values().find(value()))
-        return nameOfKind(*held);
-    return QLatin1String(nameOf(type));
+        return m_interpreter.values().classNameOf(held->value);
+    return QLatin1String(typeNames[static_cast<std::size_t>(type)]);
 }
 
 bool TclArgument::isBool() const {
@@ -91,33 +73,19 @@ bool TclArgument::isInteger() const {
 
 bool TclArgument::isString() const {
     const ValueType type = typeOf(value());
-    return (type == ValueType::Text || type == ValueType::Boolean) &&
+    // A number with a text may be one that the script has as a word.
+    const bool isWord = (type == ValueType::Integer || type == ValueType::Double) && value()->bytes;
+    return (type == ValueType::Text || type == ValueType::Boolean || isWord) &&
            !m_interpreter.values().find(value()) && !m_interpreter.values().findRecord(value());
-}
-
-bool TclArgument::isStringLike() const {
-    // What is written to results may be anything.
-    return true;
-}
-
-bool TclArgument::isObject() const {
-    return bool(toObject());
-}
-
-bool TclArgument::isClass() const {
-    return toClass() != nullptr;
 }
 
 bool TclArgument::isCallable() const {
     const ValueType type = typeOf(value());
     if (type != ValueType::Text && type != ValueType::List)
         return false;
-    int count = 0;
-    Tcl_Obj** words = nullptr;
     const TclRef copy = copyOf(value());
-    if (Tcl_ListObjGetElements(nullptr, copy.get(), &count, &words) != TCL_OK || count == 0)
-        return false;
-    return Tcl_GetCommandFromObj(m_interpreter.tcl(), words[0]) != nullptr;
+    const auto words = elementsOf(copy.get());
+    return !words.empty() && Tcl_GetCommandFromObj(m_interpreter.tcl(), words[0]) != nullptr;
 }
 
 bool TclArgument::isList() const {
@@ -135,10 +103,6 @@ bool TclArgument::isMap() const {
     if (type != ValueType::Text && type != ValueType::List)
         return type == ValueType::Dictionary;
     return Tcl_DictObjSize(nullptr, copyOf(value()).get(), &count) == TCL_OK;
-}
-
-bool TclArgument::isNative(void* typeId) const {
-    return bool(toNative(typeId));
 }
 
 // Conversions
@@ -177,62 +141,22 @@ QString TclArgument::toString() const {
     return textOf(value());
 }
 
-SharedPtr<Object> TclArgument::toObject() const {
-    return m_interpreter.values().get<Object>(value());
-}
-
-const Class* TclArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
-}
-
 ScriptArgument::List TclArgument::toList() const {
     List values;
-    int count = 0;
-    Tcl_Obj** elements = nullptr;
     const TclRef list = typeOf(value()) == ValueType::List ? m_value : copyOf(value());
-    if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &elements) != TCL_OK)
-        return values;
-    values.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index)
-        values.push_back(new TclArgument(m_interpreter, TclRef(elements[index])));
+    const auto elements = elementsOf(list.get());
+    values.reserve(elements.size());
+    for (Tcl_Obj* const element : elements)
+        values.push_back(new TclArgument(m_interpreter, TclRef(element)));
     return values;
 }
 
 ScriptArgument::Map TclArgument::toMap() const {
     Map values;
     const TclRef map = typeOf(value()) == ValueType::Dictionary ? m_value : copyOf(value());
-    Tcl_DictSearch search;
-    Tcl_Obj* key = nullptr;
-    Tcl_Obj* entry = nullptr;
-    int isDone = 0;
-    if (Tcl_DictObjFirst(nullptr, map.get(), &search, &key, &entry, &isDone) != TCL_OK)
-        return values;
-    for (; !isDone; Tcl_DictObjNext(&search, &key, &entry, &isDone))
+    for (const auto& [key, entry] : entriesOf(map.get()))
         values[textOf(key)] = new TclArgument(m_interpreter, TclRef(entry));
-    Tcl_DictObjDone(&search);
     return values;
-}
-
-SharedPtr<NativeScriptObject> TclArgument::toNative(void* typeId) const {
-    const auto native = m_interpreter.values().get<NativeScriptObject>(value());
-    return native && m_interpreter.classes().isDerivedFrom(native->typeId(), typeId)
-               ? native
-               : SharedPtr<NativeScriptObject>();
-}
-
-SharedPtr<TestDataSet> TclArgument::toTestDataSet() const {
-    const List records = toList();
-    return records.empty() ? SharedPtr<TestDataSet>()
-                           : m_interpreter.values().setOfRecord(
-                                 static_cast<const TclArgument*>(records.front().get())->value());
-}
-
-SharedPtr<ApplicationContext> TclArgument::toApplicationContext() const {
-    return m_interpreter.values().get<ApplicationContext>(value());
-}
-
-const TestDataRecord* TclArgument::toTestDataRecord() const {
-    return m_interpreter.values().findRecord(value());
 }
 
 // Names of objects
@@ -246,45 +170,36 @@ QString TclArgument::toRealName() const {
     if (text.startsWith(QLatin1Char(':')) || text.startsWith(QLatin1Char('{')) || !isMap())
         return text;
     static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_]\\w*[~*]?$"));
-    QMap<QString, PropertyValue> properties;
-    for (const auto& [name, wanted] : toMap()) {
-        if (!name.contains(s_name))
+    const TclRef dictionary = nameDictionary(value());
+    if (!dictionary)
+        return text;
+    for (const auto& [property, wanted] : entriesOf(dictionary.get())) {
+        if (!textOf(property).contains(s_name))
             return text;
-        properties.insert(name, wanted->toPropertyValue());
     }
-    return properties.isEmpty() ? text : ObjectName(properties).qualifiedName();
+    return TclArgument(m_interpreter, dictionary).ScriptArgument::toRealName();
 }
 
 PropertyValue TclArgument::toPropertyValue() const {
     if (typeOf(value()) == ValueType::Dictionary)
-        return PropertyValue(toRealName(), 0, true);
+        return PropertyValue(ScriptArgument::toRealName(), 0, true);
     const QString text = toString();
     return PropertyValue(text, 0, isObject() || isMultiPropertyName(text));
 }
 
 // Values for applications
 
+std::optional<QByteArray> TclArgument::bytes() const {
+    if (typeOf(value()) != ValueType::Bytes)
+        return std::nullopt;
+    int size = 0;
+    const unsigned char* const bytes = Tcl_GetByteArrayFromObj(value(), &size);
+    return QByteArray(reinterpret_cast<const char*>(bytes), size);
+}
+
 std::optional<QVariant> TclArgument::toVariant() const {
-    if (isObject())
-        return ScriptArgument::toVariant();
-    switch (typeOf(value())) {
-        case ValueType::Boolean:
-            return toBool();
-        case ValueType::Integer:
-            return toInt();
-        case ValueType::Double:
-            return toDouble();
-        case ValueType::Bytes: {
-            int size = 0;
-            const unsigned char* const bytes = Tcl_GetByteArrayFromObj(value(), &size);
-            return QByteArray(reinterpret_cast<const char*>(bytes), size);
-        }
-        case ValueType::List:
-        case ValueType::Dictionary:
-            return ScriptArgument::toVariant();
-        case ValueType::Text:
-            break;
-    }
+    if (typeOf(value()) != ValueType::Text || isObject())
+        return LanguageArgument::toVariant();
     // As one or the other it comes to the same.
     if (isPlainInteger(value()))
         return toInt();
@@ -299,23 +214,50 @@ bool TclArgument::isNull() const {
 
 // Callables
 
-SharedPtr<ScriptArgument> TclArgument::call(const List& arguments, QString* error) {
-    const int code = m_interpreter.run(this, {arguments, {}});
-    Tcl_Interp* const tcl = m_interpreter.tcl();
-    if (code == TCL_OK || code == TCL_RETURN) {
-        SharedPtr<TclArgument> result(
-            new TclArgument(m_interpreter, TclRef(Tcl_GetObjResult(tcl))));
-        result->setIsResult();
-        return result;
-    }
-    const ScriptError raised = m_interpreter.takeError(code);
-    m_interpreter.setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+SharedPtr<ScriptArgument> TclArgument::called(const List& arguments) const {
+    m_interpreter.run(value(), {arguments, {}});
+    SharedPtr<TclArgument> result(
+        new TclArgument(m_interpreter, TclRef(Tcl_GetObjResult(m_interpreter.tcl()))));
+    result->setIsResult();
+    return result;
+}
+
+LanguageInterpreter* TclArgument::active() {
+    return TclInterpreter::active();
 }
 
 QString TclArgument::callableIdentifier() const {
     return QStringLiteral("Callable|") + textOf(value());
+}
+
+// What it may be the name of
+
+template <>
+SharedPtr<Object> TclArgument::held() const {
+    return m_interpreter.values().get<Object>(value());
+}
+
+template <>
+SharedPtr<NativeScriptObject> TclArgument::held() const {
+    return m_interpreter.values().get<NativeScriptObject>(value());
+}
+
+template <>
+SharedPtr<ApplicationContext> TclArgument::held() const {
+    return m_interpreter.values().get<ApplicationContext>(value());
+}
+
+template <>
+SharedPtr<TestDataSet> TclArgument::held() const {
+    const List records = toList();
+    return records.empty() ? SharedPtr<TestDataSet>()
+                           : m_interpreter.values().setOfRecord(valueOf(records.front()));
+}
+
+template <>
+SharedPtr<HeldRecord> TclArgument::held() const {
+    const TestDataRecord* const record = m_interpreter.values().findRecord(value());
+    return record ? new HeldRecord(m_interpreter.values().setOfRecord(value()), record) : nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "interpreter/bridge/scriptargument.h"
+#include "interpreter/language/languageargument.h"
 #include "plugins/tcl/tclref.h"
 
 namespace Tamrix::TclPlugin {
@@ -13,7 +13,7 @@ class TclInterpreter;
 /// what a value can be taken for: "12" is a text, a number and a list of one element. What can be
 /// told for sure is what a value was made as, by a calculation, by `list` or `dict`, by the
 /// application: such a number, list or dictionary is no text.
-class TclArgument final : public ScriptArgument {
+class TclArgument : public LanguageArgument<TclArgument> {
 public:
     TclArgument(TclInterpreter& interpreter, TclRef value);
 
@@ -24,46 +24,62 @@ public:
     bool isNumber() const override;
     bool isInteger() const override;
     bool isString() const override;
-    bool isStringLike() const override;
-    bool isObject() const override;
-    bool isClass() const override;
+    /// What is written to results may be anything.
+    bool isStringLike() const override { return true; }
     /// The first element of a callable is the name of a command.
     bool isCallable() const override;
     bool isList() const override;
     bool isMap() const override;
-    bool isNative(void* typeId) const override;
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet for an integer beyond 64 bits.
     long long toInt() const override;
     /// Of an object the name that finds it again.
     QString toString() const override;
-    SharedPtr<Object> toObject() const override;
-    const Class* toClass() const override;
     List toList() const override;
     Map toMap() const override;
-    SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
-    SharedPtr<TestDataSet> toTestDataSet() const override;
-    SharedPtr<ApplicationContext> toApplicationContext() const override;
     /// Also of a text: a dictionary of properties, a real name without its braces.
     QString toRealName() const override;
-    SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
     QString callableIdentifier() const override;
     PropertyValue toPropertyValue() const override;
-    const TestDataRecord* toTestDataRecord() const override;
     std::optional<QVariant> toVariant() const override;
     /// The empty text.
     bool isNull() const override;
 
-    using ScriptArgument::toNative;
-
     /// Takes the value of a call, where a truth value may also be a number.
     void setIsResult() { m_isResult = true; }
+
+    // For LanguageArgument.
+    template <typename T>
+    SharedPtr<T> held() const;
+    std::optional<QByteArray> bytes() const;
+    /// Times are texts.
+    static QDateTime time() { return {}; }
+    SharedPtr<ScriptArgument> called(const List& arguments) const;
+    static LanguageInterpreter* active();
 
 private:
     TclInterpreter& m_interpreter;
     TclRef m_value;
     bool m_isResult = false;
 };
+
+/// The value of an argument.
+inline Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
+    return static_cast<const TclArgument*>(argument.get())->value();
+}
+
+// What a script holds by a name; null when the value is no name of one.
+template <>
+SharedPtr<Object> TclArgument::held() const;
+template <>
+SharedPtr<NativeScriptObject> TclArgument::held() const;
+template <>
+SharedPtr<ApplicationContext> TclArgument::held() const;
+/// Of the list of its records.
+template <>
+SharedPtr<TestDataSet> TclArgument::held() const;
+template <>
+SharedPtr<HeldRecord> TclArgument::held() const;
 
 }  // namespace Tamrix::TclPlugin

@@ -1,7 +1,8 @@
 #include "plugins/tcl/tclcontext.h"
 
-#include "interpreter/language/stepactions.h"
+#include "interpreter/language/valueequality.h"
 #include "interpreter/objects/objectidentity.h"
+#include "plugins/tcl/conditionsource.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
@@ -13,15 +14,6 @@
 namespace Tamrix::TclPlugin {
 
 namespace {
-
-Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
-    return static_cast<const TclArgument*>(argument.get())->value();
-}
-
-/// Functions that Tcl has itself, under the same name and for the same.
-bool isTclsOwn(const QString& name) {
-    return name == QLatin1String("source");
-}
 
 bool isNumber(ValueType type) {
     return type == ValueType::Integer || type == ValueType::Double;
@@ -40,32 +32,6 @@ bool areEqualNumbers(Tcl_Obj* left, Tcl_Obj* right) {
            leftNumber == rightNumber;
 }
 
-/// The same keys with equal values, in whatever order.
-bool areEqualMaps(TclContext& context, const ScriptArgument& left, const ScriptArgument& right) {
-    const ScriptArgument::Map leftMap = left.toMap();
-    const ScriptArgument::Map rightMap = right.toMap();
-    if (!left.isMap() || !right.isMap() || leftMap.size() != rightMap.size())
-        return false;
-    for (const auto& [key, value] : leftMap) {
-        const auto other = rightMap.find(key);
-        if (other == rightMap.end() || !context.valuesEqual(value, other->second))
-            return false;
-    }
-    return true;
-}
-
-bool areEqualLists(TclContext& context, const ScriptArgument& left, const ScriptArgument& right) {
-    const ScriptArgument::List leftList = left.toList();
-    const ScriptArgument::List rightList = right.toList();
-    if (!left.isList() || !right.isList() || leftList.size() != rightList.size())
-        return false;
-    for (std::size_t index = 0; index < leftList.size(); ++index) {
-        if (!context.valuesEqual(leftList[index], rightList[index]))
-            return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 TclContext::TclContext(TclInterpreter& interpreter)
@@ -75,10 +41,6 @@ ScriptContext* TclContext::createSubContext() {
     auto* const context = new TclContext(m_interpreter);
     context->setTestResult(testResult());
     return context;
-}
-
-void TclContext::clearError() {
-    // An error of Tcl is the result of a command, which has not ended.
 }
 
 // Values
@@ -101,10 +63,6 @@ SharedPtr<ScriptArgument> TclContext::createBool(bool value) {
     int truth = 0;
     Tcl_GetBooleanFromObj(nullptr, word, &truth);
     return argument(word);
-}
-
-SharedPtr<ScriptArgument> TclContext::createInteger(int value) {
-    return argument(Tcl_NewIntObj(value));
 }
 
 SharedPtr<ScriptArgument> TclContext::createInt64(long long value) {
@@ -145,7 +103,7 @@ SharedPtr<ScriptArgument> TclContext::createMap(
 }
 
 SharedPtr<ScriptArgument> TclContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argument(m_interpreter.classes().nameOf(object));
+    return argument(m_interpreter.values().nameOf(object));
 }
 
 SharedPtr<ScriptArgument> TclContext::createObject(SharedPtr<Object> object) {
@@ -160,37 +118,26 @@ SharedPtr<ScriptArgument> TclContext::createContext(SharedPtr<ApplicationContext
     return argument(m_interpreter.values().nameOf(context));
 }
 
-SharedPtr<ScriptArgument> TclContext::createLocation(const ScriptLocation& location) {
-    return createMap(
-        {{"fileName", createString(location.fileName)}, {"line", createInteger(location.line)}});
-}
-
 // Registration
 
-void TclContext::addGlobalFunction(const QString& name, Function function) {
-    ScriptContext::addGlobalFunction(name, function);
-    if (!isTclsOwn(name))
-        defineNative(m_interpreter, name,
-                     NativeFunction(*this, signatureOfTable({}, name), function));
+void TclContext::define(const NativeFunction& function) {
+    const QString owner = function.signature().owner;
+    const QString name = function.signature().name;
+    // Tcl has one itself, under the same name and for the same.
+    if (owner.isEmpty() && name == QLatin1String("source"))
+        return;
+    defineNative(m_interpreter, owner.isEmpty() ? name : owner + "::" + name, function);
 }
 
-void TclContext::addStaticMemberFunction(const QString& className, const QString& name,
-                                         Function function) {
-    ScriptContext::addStaticMemberFunction(className, name, function);
-    defineNative(m_interpreter, className + "::" + name,
-                 NativeFunction(*this, signatureOfTable(className, name), function));
+void TclContext::defineMember(const NativeFunction& function) {
+    if (function.signature().owner == QLatin1String("ApplicationContext"))
+        m_interpreter.classes().addContextMember(function);
+    else
+        LanguageContext::defineMember(function);
 }
 
-void TclContext::addMemberFunction(const QString& className, const QString& name,
-                                   Function function) {
-    ScriptContext::addMemberFunction(className, name, function);
-    m_interpreter.classes().addMember(
-        className, NativeFunction(*this, signatureOfTable(className, name), function));
-}
-
-void TclContext::addConstant(const QString& name, int value) {
-    ScriptContext::addConstant(name, value);
-    m_interpreter.defineVariable(name, value);
+void TclContext::defineConstant(const QString& owner, const QString& name, int value) {
+    m_interpreter.defineVariable(owner.isEmpty() ? name : owner + "::" + name, value);
 }
 
 // Positions
@@ -239,53 +186,46 @@ bool TclContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArg
                Tcl_GetBooleanFromObj(nullptr, rightValue, &rightTruth) == TCL_OK &&
                (leftTruth != 0) == (rightTruth != 0);
     // 4. A dictionary, a list by what they hold.
+    const AreEqual areEqual = [this](const auto& one, const auto& other) {
+        return valuesEqual(one, other);
+    };
     if (leftType == ValueType::Dictionary || rightType == ValueType::Dictionary)
-        return areEqualMaps(*this, *left, *right);
-    if (leftType == ValueType::List || rightType == ValueType::List)
-        return areEqualLists(*this, *left, *right);
-    return false;
+        return areEqualMaps(*left, *right, areEqual);
+    return (leftType == ValueType::List || rightType == ValueType::List) &&
+           areEqualLists(*left, *right, areEqual);
+}
+
+QString TclContext::explainArgument(const char*) {
+    // The condition is the first argument: those that must be given have no names.
+    return explainCondition(m_interpreter);
 }
 
 std::pair<QString, QString> TclContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    // A slip in the code is not the error that the test is about.
-    if (!Tcl_CommandComplete(Tcl_GetString(valueOf(code))))
-        return {QString(), QStringLiteral("The code is not valid: it has no end")};
-    const TclDebugger::CatchesErrors catching(m_interpreter.debugger());
-    const int result = Tcl_EvalObjEx(m_interpreter.tcl(), valueOf(code), 0);
-    if (result == TCL_ERROR && !m_interpreter.isUnwinding())
-        return {"Raised " + m_interpreter.takeError(result).message, QString()};
-    if (result == FatalEnd || result == ExitEnd || result == TCL_ERROR)
-        m_interpreter.throwPending(result);
-    return {QString(), QStringLiteral("No exception was raised")};
+    const LanguageDebugger::CatchesErrors catching(m_interpreter.debugger());
+    // As it stands in the script, so that it knows its lines.
+    const auto evaluate = [&] {
+        m_interpreter.check(Tcl_EvalObjEx(m_interpreter.tcl(), valueOf(code), 0));
+    };
+    const auto slip = [](const QString& text) {
+        const bool isWhole = Tcl_CommandComplete(toTclBytes(text).constData()) != 0;
+        return isWhole ? QString() : QStringLiteral("it has no end");
+    };
+    return attemptException(*code, {slip, [&](const QString&) { evaluate(); }, evaluate});
 }
 
 bool TclContext::evaluateCondition(const QString& expression, QString* error) {
-    int truth = 0;
-    const int result = Tcl_ExprBooleanObj(m_interpreter.tcl(), toTcl(expression).get(), &truth);
-    if (result == TCL_OK)
-        return truth != 0;
-    if (result != TCL_ERROR || m_interpreter.isUnwinding())
-        m_interpreter.throwPending(result);
-    *error = m_interpreter.takeError(result).message;
-    return false;
+    return attemptCondition(
+        [&] {
+            int truth = 0;
+            m_interpreter.check(
+                Tcl_ExprBooleanObj(m_interpreter.tcl(), toTcl(expression).get(), &truth));
+            return truth != 0;
+        },
+        error);
 }
 
 bool TclContext::evaluate(const QString& text, const QString& fileName) {
-    // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.steps().registry().forget(fileName);
-    const int result = evaluateFile(m_interpreter.tcl(), toTclBytes(text), fileName);
-    if (result == TCL_OK || result == TCL_RETURN)
-        return true;
-    if (result != TCL_ERROR || m_interpreter.isUnwinding())
-        m_interpreter.throwPending(result);
-    const ScriptError raised = m_interpreter.takeError(result);
-    QString message = raised.message;
-    if (!raised.callStack.empty())
-        message = QStringLiteral("%1:%2: %3")
-                      .arg(raised.callStack.front().fileName(),
-                           QString::number(raised.callStack.front().lineNumber()), message);
-    setError(message);
-    return false;
+    return evaluateFile(fileName, [&] { m_interpreter.runFile(text, fileName); });
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -10,20 +10,6 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-/// Keeps result and error of Tcl while something else runs in it.
-class StateAside {
-public:
-    explicit StateAside(Tcl_Interp* interp)
-        : m_interp(interp), m_state(Tcl_SaveInterpState(interp, TCL_OK)) {}
-    ~StateAside() { Tcl_RestoreInterpState(m_interp, m_state); }
-    StateAside(const StateAside&) = delete;
-    StateAside& operator=(const StateAside&) = delete;
-
-private:
-    Tcl_Interp* m_interp;
-    Tcl_InterpState m_state;
-};
-
 /// Whether a command catches errors that are raised while it runs. Of a `try` that is its handlers
 /// for them; which errors they are for they say only when they have come.
 bool catchesErrors(const QByteArray& source) {
@@ -99,7 +85,7 @@ void TclDebugger::commandReached(int depth) {
     const std::vector<TclFrame> frames = m_tcl.frames();
     if (frames.empty() || !isNewLine(frames.front(), depth))
         return;
-    const StateAside aside(m_tcl.tcl());
+    const TclStateAside aside(m_tcl.tcl());
     if (m_isInterrupted.exchange(false))
         step();
     lineReached(sourceIdOf(frames.front().file), frames.front().line);
@@ -125,20 +111,31 @@ std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
 
 // Errors
 
-bool TclDebugger::isCaught() const {
-    const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl());
-    return m_catching > 0 || std::any_of(commands.begin(), commands.end(), catchesErrors);
+TclDebugger::Boundary::Boundary(TclDebugger& debugger)
+    : m_debugger(debugger), m_before(debugger.m_commandsOutside) {
+    debugger.m_commandsOutside = commandDepth(debugger.m_tcl.tcl());
 }
 
-void TclDebugger::errorRaised(const std::vector<TclFrame>&) {
+bool TclDebugger::isCaught() const {
+    const std::vector<QByteArray> commands = runningCommands(m_tcl.tcl(), m_commandsOutside);
+    return areErrorsCaught() || std::any_of(commands.begin(), commands.end(), catchesErrors);
+}
+
+void TclDebugger::errorRaised(const std::vector<TclFrame>& raisedIn) {
     if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
         return;
     const QString text = m_tcl.errorText();
-    const StateAside aside(m_tcl.tcl());
-    // Each command has passed here, so the lines are known better than behind the failure.
-    std::vector<TclFrame> frames;
-    for (auto line = m_lines.rbegin(); line != m_lines.rend(); ++line)
-        frames.push_back(line->frame);
+    const TclStateAside aside(m_tcl.tcl());
+    std::vector<TclFrame> frames = m_tcl.framesOfScripts(raisedIn);
+    // Each command has passed here, so its line is known better than behind the failure.
+    if (!m_lines.empty()) {
+        const TclFrame& last = m_lines.back().frame;
+        if (frames.empty() || frames.front().level != last.level ||
+            frames.front().file != last.file)
+            frames.insert(frames.begin(), last);
+        else
+            frames.front() = last;
+    }
     stopForError(text, scriptFrames(frames));
 }
 

@@ -29,18 +29,18 @@ public:
 
     /// An error was raised in these frames: stops there if nothing will catch it.
     void errorRaised(const std::vector<TclFrame>& frames);
-    /// Errors are caught by a native function as long as this exists.
-    class CatchesErrors {
+    /// The time of code whose errors do not reach the commands that run by now, as of a handler of
+    /// an event.
+    class Boundary {
     public:
-        explicit CatchesErrors(TclDebugger& debugger) : m_debugger(debugger) {
-            ++m_debugger.m_catching;
-        }
-        ~CatchesErrors() { --m_debugger.m_catching; }
-        CatchesErrors(const CatchesErrors&) = delete;
-        CatchesErrors& operator=(const CatchesErrors&) = delete;
+        explicit Boundary(TclDebugger& debugger);
+        ~Boundary() { m_debugger.m_commandsOutside = m_before; }
+        Boundary(const Boundary&) = delete;
+        Boundary& operator=(const Boundary&) = delete;
 
     private:
         TclDebugger& m_debugger;
+        int m_before;
     };
 
 protected:
@@ -60,7 +60,7 @@ private:
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
     int m_pauses = 0;
-    int m_catching = 0;
+    int m_commandsOutside = 0;
     std::atomic<bool> m_isInterrupted{false};
     struct Line {
         TclFrame frame;

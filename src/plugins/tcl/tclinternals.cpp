@@ -216,10 +216,16 @@ std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command
     return framesOf(frame, own, {placeOfFailure(own, command), own.framePtr});
 }
 
-std::vector<QByteArray> runningCommands(Tcl_Interp* interp) {
+int commandDepth(Tcl_Interp* interp) {
+    const CmdFrame* const frame = reinterpret_cast<Interp*>(interp)->cmdFramePtr;
+    return frame ? frame->level : 0;
+}
+
+std::vector<QByteArray> runningCommands(Tcl_Interp* interp, int outer) {
     const Interp& own = *reinterpret_cast<Interp*>(interp);
     std::vector<QByteArray> commands;
-    for (const CmdFrame* frame = own.cmdFramePtr; frame; frame = frame->nextPtr) {
+    for (const CmdFrame* frame = own.cmdFramePtr; frame && frame->level > outer;
+         frame = frame->nextPtr) {
         QByteArray source;
         if (const ByteCode* const code = codeOf(*frame)) {
             if (const auto range = runningRange(*code, frame->data.tebc.pc))
@@ -234,7 +240,7 @@ std::vector<QByteArray> runningCommands(Tcl_Interp* interp) {
     return commands;
 }
 
-int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path) {
+int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path) {
     Interp& own = *reinterpret_cast<Interp*>(interp);
     const TclRef file = toTcl(path);
     // As `source` does it.
@@ -245,7 +251,8 @@ int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path
     } const restore{own, own.scriptFile};
     own.scriptFile = file.get();
     own.evalFlags |= TCL_EVAL_FILE | TCL_ALLOW_EXCEPTIONS;
-    return Tcl_EvalEx(interp, text.constData(), text.size(), TCL_EVAL_GLOBAL);
+    const QByteArray source = toTclSource(text);
+    return Tcl_EvalEx(interp, source.constData(), source.size(), TCL_EVAL_GLOBAL);
 }
 
 TclFrame definitionOf(Tcl_Interp* interp, const char* procedure) {

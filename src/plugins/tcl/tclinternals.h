@@ -29,12 +29,14 @@ std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
 /// The same while an error is being noted that a command has raised, whose source begins so.
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command);
 
-/// The source of the commands that run, the innermost first; one whose source is not known is
-/// empty.
-std::vector<QByteArray> runningCommands(Tcl_Interp* interp);
+/// How many commands run in each other.
+int commandDepth(Tcl_Interp* interp);
+/// The source of the commands that run below the outermost `outer` ones, the innermost first; one
+/// whose source is not known is empty.
+std::vector<QByteArray> runningCommands(Tcl_Interp* interp, int outer);
 
 /// Runs the text of a file at the top level, so that its commands know file and line.
-int evaluateFile(Tcl_Interp* interp, const QByteArray& text, const QString& path);
+int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path);
 
 /// Where a procedure was defined; a line of -1 when that is in no file.
 TclFrame definitionOf(Tcl_Interp* interp, const char* procedure);

@@ -1,5 +1,6 @@
 #include "plugins/tcl/tclinterpreter.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <stdexcept>
@@ -7,7 +8,9 @@
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/stepactions.h"
 #include "interpreter/objects/globalfunctions.h"
+#include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
+#include "plugins/tcl/heldvalues.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
 #include "plugins/tcl/scriptchannels.h"
@@ -55,10 +58,6 @@ const char* nameOfError(std::string_view errorCode) {
 /// The text of the panic behind which Tcl can't be used any more in this process.
 QString s_panic;
 
-Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
-    return static_cast<const TclArgument*>(argument.get())->value();
-}
-
 /// Where a command begins, behind blank lines and comments.
 const char* firstOfCommand(const char* next, const char* end) {
     while (next < end) {
@@ -70,19 +69,6 @@ const char* firstOfCommand(const char* next, const char* end) {
             ++next;
     }
     return next;
-}
-
-/// In place of Tcl's own, which would end the run.
-int exitScript(void*, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
-    int status = 0;
-    if (count > 2) {
-        Tcl_WrongNumArgs(interp, 1, words, "?returnCode?");
-        return TCL_ERROR;
-    }
-    if (count == 2 && Tcl_GetIntFromObj(interp, words[1], &status) != TCL_OK)
-        return TCL_ERROR;
-    Tcl_SetObjResult(interp, Tcl_NewIntObj(status));
-    return ExitEnd;
 }
 
 struct SourceCommand {
@@ -106,7 +92,7 @@ TclInterpreter::TclInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, Interpreter::Tcl) {
     TclRuntime::self();
     m_context = std::make_unique<TclContext>(*this);
-    m_classes = std::make_unique<NativeClasses>(*this);
+    m_classes = std::make_unique<ClassCommands>(*this);
     m_debugger = std::make_unique<TclDebugger>(*this);
     createTcl();
     begin(std::make_unique<TclSteps>(*this));
@@ -132,12 +118,13 @@ void TclInterpreter::createTcl() {
     m_values = std::make_unique<HeldValues>(*this, m_tcl, runHeldCommand);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
-    Tcl_CreateObjCommand(m_tcl, "::exit", exitScript, nullptr, nullptr);
     auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});
     Tcl_GetCommandInfo(m_tcl, "::source", &source->original);
     defineCommand(QStringLiteral("source"), runSource, std::move(source));
-    Tcl_CreateNamespace(m_tcl, "::tamrix", nullptr, nullptr);
     defineStepCommands(*this);
+    QFile prelude(QStringLiteral(":/tamrix/tcl/prelude.tcl"));
+    static_cast<void>(prelude.open(QIODevice::ReadOnly));
+    Tcl_EvalEx(m_tcl, prelude.readAll().constData(), -1, TCL_EVAL_GLOBAL);
     m_debugger->enterTcl();
 }
 
@@ -202,16 +189,6 @@ void TclInterpreter::defineVariable(const QString& name, int value) {
                   TCL_GLOBAL_ONLY);
 }
 
-void TclInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                       const QStringList& requiredParameters,
-                                       const QStringList& optionalParameters,
-                                       const QString& description) {
-    defineNative(
-        *this, name,
-        NativeFunction(*m_context, {name, {}, requiredParameters, optionalParameters, description},
-                       function));
-}
-
 void TclInterpreter::addNativeType(const QString& name, void* typeId,
                                    const NativeScriptType& type) {
     m_classes->add(name, typeId, type);
@@ -240,25 +217,33 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
         m_origin = LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
     }
     Tcl_SetObjResult(m_tcl, toTcl(failure.text).get());
+    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
     if (failure.kind == ScriptFailure::Kind::Fatal) {
         m_fatalFrames = frames();
         m_fatalIsSkip = failure.isSkip;
+        if (!failure.isSkip)
+            m_debugger->errorRaised(m_fatalFrames);
         return FatalEnd;
     }
-    Tcl_SetObjErrorCode(m_tcl, Tcl_NewStringObj(kindName(failure.kind).errorCode, -1));
     return TCL_ERROR;
 }
 
-void TclInterpreter::throwPending(int code) {
+void TclInterpreter::throwPending(int code, std::size_t outer) {
     if (m_pendingState)
         Tcl_DiscardInterpState(m_pendingState);
     m_pendingState = Tcl_SaveInterpState(m_tcl, code);
     m_pendingCode = code;
+    m_pendingOuter = outer;
     throw ScriptErrorSet();
 }
 
+void TclInterpreter::check(int code, std::size_t outer) {
+    if (code != TCL_OK && code != TCL_RETURN)
+        throwPending(code, outer);
+}
+
 void TclInterpreter::throwError(const QString& text) {
-    throwPending(fail({ScriptFailure::Kind::BadArgument, text, false, {}}));
+    throwPending(fail(badArgument(text)));
 }
 
 int TclInterpreter::failAsPending() {
@@ -266,11 +251,8 @@ int TclInterpreter::failAsPending() {
 }
 
 bool TclInterpreter::isErrorOrdinary() {
-    return m_pendingCode == TCL_ERROR && !isUnwinding();
-}
-
-ScriptError TclInterpreter::takeError() {
-    return takeError(failAsPending());
+    const bool isEnd = m_pendingCode == FatalEnd || m_pendingCode == ExitEnd;
+    return m_panic.isEmpty() && !isEnd && !isUnwinding();
 }
 
 bool TclInterpreter::isUnwinding() const {
@@ -279,18 +261,14 @@ bool TclInterpreter::isUnwinding() const {
 
 // The script
 
+TclRef TclInterpreter::callPrelude(QStringList words) {
+    words.front().prepend("::tamrix::");
+    check(Tcl_EvalObjEx(m_tcl, toTcl(words).get(), 0));
+    return TclRef(Tcl_GetObjResult(m_tcl));
+}
+
 QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
-    const TclRef path = toTcl(directory.absoluteFilePath());
-    const TclRef entries(Tcl_NewListObj(0, nullptr));
-    Tcl_ListObjAppendElement(nullptr, entries.get(), path.get());
-    Tcl_Obj* const known = Tcl_GetVar2Ex(m_tcl, "::auto_path", nullptr, TCL_GLOBAL_ONLY);
-    if (known)
-        Tcl_ListObjAppendList(nullptr, entries.get(), known);
-    Tcl_SetVar2Ex(m_tcl, "::auto_path", nullptr, entries.get(), TCL_GLOBAL_ONLY);
-    // Modules in files of their own; a folder in one that is there already need not be added.
-    const TclRef command = toTcl(QStringList({"::tcl::tm::path", "add", textOf(path.get())}));
-    Tcl_EvalObjEx(m_tcl, command.get(), TCL_EVAL_GLOBAL);
-    Tcl_ResetResult(m_tcl);
+    callPrelude({"addFolder", directory.absoluteFilePath()});
     return {};
 }
 
@@ -311,14 +289,11 @@ void TclInterpreter::startScript(const QString& path, const QStringList& argumen
     }
     m_hasScript = true;
     m_originText.clear();
-    Tcl_SetVar2Ex(m_tcl, "::argv0", nullptr, toTcl(path).get(), TCL_GLOBAL_ONLY);
-    Tcl_SetVar2Ex(m_tcl, "::argv", nullptr, toTcl(arguments).get(), TCL_GLOBAL_ONLY);
-    Tcl_SetVar2Ex(m_tcl, "::argc", nullptr, Tcl_NewIntObj(arguments.size()), TCL_GLOBAL_ONLY);
     for (auto folder = folders.crbegin(); folder != folders.crend(); ++folder) {
         if (QFileInfo(*folder).isDir())
             addToSearchPath(QFileInfo(*folder));
     }
-    m_ownVariables = namesOfVariables(0);
+    callPrelude({"start", path, textOf(toTcl(arguments).get())});
     TclRuntime::self().setInterruptible(m_tcl);
 }
 
@@ -336,9 +311,8 @@ SharedPtr<ScriptArgument> TclInterpreter::libraryFunction(const QString& name) {
 }
 
 LineInfo TclInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    if (Tcl_ListObjGetElements(nullptr, valueOf(function), &count, &words) != TCL_OK || count == 0)
+    const auto words = elementsOf(valueOf(function));
+    if (words.empty())
         return {};
     const std::vector<TclFrame> place =
         framesOfScripts({definitionOf(m_tcl, Tcl_GetString(words[0]))});
@@ -347,7 +321,7 @@ LineInfo TclInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
 
 bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
-    const QByteArray bytes = toTclBytes(text);
+    const QByteArray bytes = toTclSource(text);
     const char* next = bytes.constData();
     const char* const end = next + bytes.size();
     // Words and commands; what is in braces is a text, of which nobody knows yet what it is.
@@ -369,10 +343,10 @@ bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
 
 // Running
 
-template <typename Code>
-int TclInterpreter::guarded(Code code) {
+template <typename Work>
+void TclInterpreter::guarded(Work work) {
     if (!m_panic.isEmpty())
-        return TCL_ERROR;
+        throw ScriptErrorSet();
     struct Depth {
         int& depth;
         explicit Depth(int& counter) : depth(counter) { ++depth; }
@@ -383,60 +357,66 @@ int TclInterpreter::guarded(Code code) {
         TclRuntime::self().forgetEnd();
     m_errors->renew();
     try {
-        return code();
-    } catch (const ScriptErrorSet&) {
-        return failAsPending();
+        work();
     } catch (const TclPanic& panic) {
         m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.text);
         s_panic = m_panic;
-        return TCL_ERROR;
+        throw ScriptErrorSet();
     }
+}
+
+void TclInterpreter::runFile(const QString& text, const QString& path) {
+    check(evaluateFile(m_tcl, text, path));
 }
 
 bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
     if (fileName.isEmpty() && !m_hasScript)
         m_initScripts.append(text);
-    const int code = guarded([&] {
-        Tcl_AllowExceptions(m_tcl);
-        return fileName.isEmpty()
-                   ? Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL)
-                   : evaluateFile(m_tcl, toTclBytes(text), Debugger::sanitizedFilePath(fileName));
+    return runCode(!fileName.isEmpty(), [&] {
+        guarded([&] {
+            Tcl_AllowExceptions(m_tcl);
+            if (!fileName.isEmpty())
+                return runFile(text, Debugger::sanitizedFilePath(fileName));
+            check(Tcl_EvalEx(m_tcl, toTclBytes(text).constData(), -1, TCL_EVAL_GLOBAL));
+        });
     });
-    if (code == TCL_OK || code == TCL_RETURN)
-        return succeed();
-    return failWith(takeError(code), !fileName.isEmpty());
 }
 
-int TclInterpreter::run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments) {
+void TclInterpreter::run(Tcl_Obj* function, const CallArguments& arguments) {
     // A callable is the beginning of a command, whose other words follow.
-    const TclRef command(Tcl_DuplicateObj(valueOf(function)));
+    const TclRef command(Tcl_DuplicateObj(function));
     for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
     for (const auto& [name, argument] : arguments.named)
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    if (Tcl_ListObjGetElements(m_tcl, command.get(), &count, &words) != TCL_OK)
-        return TCL_ERROR;
+    const auto words = elementsOf(command.get());
+    const std::size_t outer = frames().size();
     Tcl_AllowExceptions(m_tcl);
-    const int code = Tcl_EvalObjv(m_tcl, count, words, TCL_EVAL_GLOBAL);
-    if (code == FatalEnd || code == ExitEnd || (code == TCL_ERROR && isUnwinding()))
-        throwPending(code);
-    return code;
+    check(Tcl_EvalObjv(m_tcl, static_cast<int>(words.size()), words.data(), TCL_EVAL_GLOBAL),
+          outer);
 }
 
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                              const CallArguments& arguments, const QString&,
                                              bool isCallback) {
-    const int code =
-        isCallback ? run(function, arguments) : guarded([&] { return run(function, arguments); });
-    if (code == TCL_OK || code == TCL_RETURN)
-        return succeed() ? CallEnd::Succeeded : CallEnd::Failed;
-    const bool isPending =
-        code == TCL_ERROR && m_panic.isEmpty() && errorCode() == pendingErrorCode;
-    if (failWith(takeError(code)))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
+    const TclDebugger::Boundary boundary(*m_debugger);
+    return runCall(isCallback, [&] {
+        const auto work = [&] { run(valueOf(function), arguments); };
+        if (isCallback)
+            work();
+        else
+            guarded(work);
+    });
+}
+
+bool TclInterpreter::invokeCallable(const QString& identifier) {
+    const TclDebugger::Boundary boundary(*m_debugger);
+    return LanguageInterpreter::invokeCallable(identifier);
+}
+
+bool TclInterpreter::invokeFunction(const QString& name) {
+    const TclDebugger::Boundary boundary(*m_debugger);
+    return LanguageInterpreter::invokeFunction(name);
 }
 
 std::string TclInterpreter::errorCode() const {
@@ -448,19 +428,19 @@ std::string TclInterpreter::errorCode() const {
 
 // Errors and positions
 
-ScriptError TclInterpreter::takeError(int code) {
+ScriptError TclInterpreter::takeError() {
     ScriptError error;
     if (!m_panic.isEmpty()) {
         error.message = m_panic;
         return error;
     }
+    const int code = failAsPending();
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
     // A person is told what kind of an error it is, in front of its text.
     switch (code) {
         case ExitEnd:
             error.isExit = result == QLatin1String("0");
             error.message = "Exit: " + result;
-            error.callStack = stackOf(m_fatalFrames);
             break;
         case FatalEnd:
             error.message = kindName(ScriptFailure::Kind::Fatal).name + (": " + result);
@@ -470,7 +450,8 @@ ScriptError TclInterpreter::takeError(int code) {
         case TCL_ERROR:
             error.message = errorText();
             error.outermostLine = Tcl_GetErrorLine(m_tcl);
-            error.callStack = stackOf(framesOfError());
+            error.callStack = stackOf(framesOfError(), m_pendingOuter);
+            error.isPendingStep = errorCode() == pendingErrorCode;
             break;
         default:
             error.message = QStringLiteral("command returned bad code: %1").arg(code);
@@ -497,12 +478,13 @@ std::vector<TclFrame> TclInterpreter::framesOfError() {
                      : std::vector<TclFrame>();
 }
 
-std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames) {
+std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames,
+                                              std::size_t outer) {
     std::vector<LineInfo> stack;
-    for (const TclFrame& frame : frames) {
-        if (stack.size() < mostStackLines)
-            stack.emplace_back(frame.file, frame.line);
-    }
+    const std::size_t own = frames.size() > outer ? frames.size() - outer : frames.size();
+    stack.reserve(std::min(own, mostStackLines));
+    for (std::size_t index = 0; index < std::min(own, mostStackLines); ++index)
+        stack.emplace_back(frames[index].file, frames[index].line);
     return stack;
 }
 
@@ -537,70 +519,27 @@ std::vector<TclFrame> TclInterpreter::frames() {
 
 // What a debugger asks
 
-int TclInterpreter::evaluateAtLevel(int level, Tcl_Obj* command) {
-    const TclRef uplevel = toTcl(QStringLiteral("::uplevel"));
-    const TclRef where = toTcl(QStringLiteral("#%1").arg(level));
-    Tcl_Obj* const words[] = {uplevel.get(), where.get(), command};
-    return Tcl_EvalObjv(m_tcl, 3, words, 0);
-}
-
-QStringList TclInterpreter::namesOfVariables(int level) {
-    QStringList names;
-    const TclRef command =
-        toTcl(level == 0 ? QStringList({"info", "globals"}) : QStringList({"info", "vars"}));
-    int count = 0;
-    Tcl_Obj** words = nullptr;
-    const TclRef list(evaluateAtLevel(level, command.get()) == TCL_OK ? Tcl_GetObjResult(m_tcl)
-                                                                      : Tcl_NewObj());
-    if (Tcl_ListObjGetElements(nullptr, list.get(), &count, &words) == TCL_OK) {
-        for (int index = 0; index < count; ++index)
-            names.append(textOf(words[index]));
-    }
-    names.sort();
-    return names;
-}
-
 std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
     std::vector<std::pair<QString, TclRef>> variables;
-    for (const QString& name : namesOfVariables(level)) {
-        if (m_ownVariables.contains(name))
-            continue;
-        const bool isValue =
-            evaluateAtLevel(level, toTcl(QStringList({"set", name})).get()) == TCL_OK;
-        if (isValue) {
-            variables.emplace_back(name, TclRef(Tcl_GetObjResult(m_tcl)));
-            continue;
-        }
-        // An array; a variable that has no value yet is none.
-        const bool isArray =
-            evaluateAtLevel(level, toTcl(QStringList({"array", "get", name})).get()) == TCL_OK;
-        const TclRef entries(isArray ? Tcl_DuplicateObj(Tcl_GetObjResult(m_tcl)) : Tcl_NewObj());
-        int size = 0;
-        if (Tcl_DictObjSize(nullptr, entries.get(), &size) == TCL_OK && size > 0)
-            variables.emplace_back(name, entries);
-    }
+    const TclRef listed = callPrelude({"variables", QString::number(level)});
+    const auto entries = entriesOf(listed.get());
+    variables.reserve(entries.size());
+    for (const auto& [name, value] : entries)
+        variables.emplace_back(textOf(name), TclRef(value));
     return variables;
 }
 
 Outcome<QString> TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     const int level = frame ? std::any_cast<int>(frame->own) : 0;
-    const QString text = code.trimmed();
-    // An expression begins with a variable, a number or what can't begin a command; everything else
-    // is a command, or the name of a variable.
-    static const QString s_beginnings = QStringLiteral("$(!-\"~");
-    const bool isExpression =
-        !text.isEmpty() && (s_beginnings.contains(text.at(0)) || text.at(0).isDigit());
-    const TclRef command = isExpression ? toTcl(QStringList({"expr", text})) : toTcl(text);
-    const int end = guarded([&] {
-        const TclRef variable = toTcl(QStringList({"set", text}));
-        if (!isExpression && !text.contains(' ') &&
-            evaluateAtLevel(level, variable.get()) == TCL_OK)
-            return TCL_OK;
-        return evaluateAtLevel(level, command.get());
-    });
-    if (end == TCL_OK)
-        return textOf(Tcl_GetObjResult(m_tcl));
-    return Tamrix::fail(FailureKind::Failed, takeError(end).message);
+    QString text;
+    try {
+        guarded([&] {
+            text = textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
+        });
+    } catch (const ScriptErrorSet&) {
+        return Tamrix::fail(FailureKind::Failed, takeError().message);
+    }
+    return text;
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -15,7 +15,7 @@
 
 namespace Tamrix::TclPlugin {
 
-class NativeClasses;
+class ClassCommands;
 class TclContext;
 class TclDebugger;
 
@@ -40,7 +40,7 @@ public:
 
     Tcl_Interp* tcl() const { return m_tcl; }
     HeldValues& values() { return *m_values; }
-    NativeClasses& classes() { return *m_classes; }
+    ClassCommands& classes() { return *m_classes; }
     TclContext& tclContext() { return *m_context; }
     TclDebugger& debugger() { return *m_debugger; }
 
@@ -63,18 +63,21 @@ public:
     int failAsPending();
     /// All commands are being ended, by Ctrl-C: nothing may catch what they fail with.
     bool isUnwinding() const;
-    /// A native function is to be unwound, so that the script gets the state that Tcl has now.
-    [[noreturn]] void throwPending(int code);
+    /// A native function is to be unwound, so that the script gets the state that Tcl has now. The
+    /// stack that a person is told leaves out the outermost `outer` frames, which only wait for it.
+    [[noreturn]] void throwPending(int code, std::size_t outer = 0);
+    /// The same unless code of the script has come to its end.
+    void check(int code, std::size_t outer = 0);
     /// Raises an error with the text in the native function that runs.
     [[noreturn]] void throwError(const QString& text);
 
     // Running
 
-    /// Runs words as a command, a callable's in front. The end of the script passes as
-    /// ScriptErrorSet; the result is Tcl's.
-    int run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
-    /// What a person is told of the end with this code, which is not TCL_OK.
-    ScriptError takeError(int code);
+    // These throw ScriptErrorSet; the result is Tcl's.
+    /// Runs words as a command, a callable's in front.
+    void run(Tcl_Obj* function, const CallArguments& arguments);
+    /// Runs the text of a file at the top level.
+    void runFile(const QString& text, const QString& path);
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     /// What a person is told of the error that has just been raised.
@@ -91,12 +94,10 @@ public:
     LanguageContext& context() override;
     LanguageDebugger& languageDebugger() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
-    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                           const QStringList& requiredParameters,
-                           const QStringList& optionalParameters,
-                           const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
+    bool invokeCallable(const QString& identifier) override;
+    bool invokeFunction(const QString& name) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -116,15 +117,17 @@ private:
     void defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
                        Tcl_CmdDeleteProc* deletion);
     void defineEnsemble(const QString& name);
-    /// Ends a run of script code: the code that Tcl gave, or TCL_ERROR for what was thrown.
-    template <typename Code>
-    int guarded(Code code);
+    /// Runs code of the script from outside. Throws ScriptErrorSet as that does, and when Tcl gives
+    /// up.
+    template <typename Work>
+    void guarded(Work work);
     /// The `-errorcode` of the error that has just been raised.
     std::string errorCode() const;
     std::vector<TclFrame> framesOfError();
-    int evaluateAtLevel(int level, Tcl_Obj* command);
-    QStringList namesOfVariables(int level);
-    std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames);
+    /// Calls a procedure of the prelude, by its name behind "::tamrix::". Throws ScriptErrorSet.
+    TclRef callPrelude(QStringList words);
+    static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
+                                         std::size_t outer = 0);
     struct SourceFile {
         QString path;
         bool isScript;
@@ -133,7 +136,7 @@ private:
 
     Tcl_Interp* m_tcl = nullptr;
     std::unique_ptr<HeldValues> m_values;
-    std::unique_ptr<NativeClasses> m_classes;
+    std::unique_ptr<ClassCommands> m_classes;
     std::unique_ptr<TclContext> m_context;
     std::unique_ptr<TclDebugger> m_debugger;
     std::unique_ptr<ErrorNotes> m_errors;
@@ -142,6 +145,7 @@ private:
     /// What throwPending() has put aside.
     Tcl_InterpState m_pendingState = nullptr;
     int m_pendingCode = TCL_OK;
+    std::size_t m_pendingOuter = 0;
     /// Where a failure arose that ends the case, and whether it is a skip.
     std::vector<TclFrame> m_fatalFrames;
     bool m_fatalIsSkip = false;
@@ -156,8 +160,6 @@ private:
     /// Code without a file from before the first script, which each script finds.
     QStringList m_initScripts;
     bool m_hasScript = false;
-    /// Names of variables from before the script.
-    QStringList m_ownVariables;
 };
 
 }  // namespace Tamrix::TclPlugin

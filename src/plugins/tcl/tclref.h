@@ -33,4 +33,18 @@ private:
     Tcl_Obj* m_object = nullptr;
 };
 
+/// Keeps result and error of Tcl while something else runs in it.
+class TclStateAside {
+public:
+    explicit TclStateAside(Tcl_Interp* interp)
+        : m_interp(interp), m_state(Tcl_SaveInterpState(interp, TCL_OK)) {}
+    ~TclStateAside() { Tcl_RestoreInterpState(m_interp, m_state); }
+    TclStateAside(const TclStateAside&) = delete;
+    TclStateAside& operator=(const TclStateAside&) = delete;
+
+private:
+    Tcl_Interp* m_interp;
+    Tcl_InterpState m_state;
+};
+
 }  // namespace Tamrix::TclPlugin

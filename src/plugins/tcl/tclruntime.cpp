@@ -18,26 +18,19 @@ namespace {
     throw TclPanic(thrown);
 }
 
-/// Who handled Ctrl-C before: the runtime of another language, or nobody.
-struct sigaction s_previous;
-
-void handleInterrupt(int signal, siginfo_t* info, void* context) {
-    if (TclRuntime::self().interrupt())
-        return;
-    if ((s_previous.sa_flags & SA_SIGINFO) != 0)
-        s_previous.sa_sigaction(signal, info, context);
-    else if (s_previous.sa_handler != SIG_DFL && s_previous.sa_handler != SIG_IGN)
-        s_previous.sa_handler(signal);
+void handleInterrupt(int) {
+    TclRuntime::self().interrupt();
 }
 
-/// The runner hands Ctrl-C on to who handled it before the runner did.
+/// Ctrl-C is the script's, unless the process ignores it or somebody handles it.
 void installInterruptHandler() {
     struct sigaction action = {};
-    action.sa_sigaction = handleInterrupt;
-    action.sa_flags = SA_SIGINFO;
-    sigaction(SIGINT, &action, &s_previous);
-    if ((s_previous.sa_flags & SA_SIGINFO) == 0 && s_previous.sa_handler == SIG_IGN)
-        sigaction(SIGINT, &s_previous, nullptr);
+    sigaction(SIGINT, nullptr, &action);
+    if (action.sa_handler != SIG_DFL)
+        return;
+    action = {};
+    action.sa_handler = handleInterrupt;
+    sigaction(SIGINT, &action, nullptr);
 }
 
 }  // namespace
@@ -55,12 +48,10 @@ TclRuntime::TclRuntime() {
     installInterruptHandler();
 }
 
-bool TclRuntime::interrupt() {
-    if (!m_interruptible)
-        return false;
+void TclRuntime::interrupt() {
     // Tcl goes on to where it can be told.
-    Tcl_AsyncMark(m_handler);
-    return true;
+    if (m_interruptible)
+        Tcl_AsyncMark(m_handler);
 }
 
 int TclRuntime::endScript(void* self, Tcl_Interp*, int code) {

@@ -27,9 +27,8 @@ public:
     /// Whether the script has been told to end since this was asked to be forgotten.
     bool isEnding() const { return m_isEnding; }
     void forgetEnd() { m_isEnding = false; }
-    /// Handles a request to end the script, as Ctrl-C is; false when none runs. In a signal
-    /// handler.
-    bool interrupt();
+    /// Ends the script that runs, as for Ctrl-C. In a signal handler.
+    void interrupt();
 
 private:
     TclRuntime();

@@ -8,7 +8,6 @@
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/optionwords.h"
 #include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
@@ -32,8 +31,7 @@ SharedPtr<ScriptArgument> makeProcedure(TclInterpreter& interpreter, Tcl_Obj* co
     const TclRef command = toTcl(QStringLiteral("::proc"));
     const TclRef procedure = toTcl(name);
     Tcl_Obj* const definition[] = {command.get(), procedure.get(), words[2], words[3]};
-    if (const int code = Tcl_EvalObjv(interpreter.tcl(), 4, definition, 0); code != TCL_OK)
-        interpreter.throwPending(code);
+    interpreter.check(Tcl_EvalObjv(interpreter.tcl(), 4, definition, 0));
     return new TclArgument(interpreter, procedure);
 }
 
@@ -51,8 +49,7 @@ int withRegistry(TclInterpreter& interpreter, const std::function<void(StepRegis
             work(interpreter.steps().registry());
             return interpreter.finish(SharedPtr<ScriptArgument>());
         } catch (const Gherkin::ExpressionError& error) {
-            return interpreter.fail(
-                {ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
+            return interpreter.fail(badArgument(QString::fromUtf8(error.what())));
         }
     });
 }
@@ -99,17 +96,6 @@ int registerParameterType(void* data, Tcl_Interp*, int count, Tcl_Obj* const* wo
         registry.addParameterType(textOf(words[1]).toStdString(), {textOf(words[2]).toStdString()},
                                   transformer);
     });
-}
-
-int setPending(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
-    TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
-    if (count > 2)
-        return wrongWords(interpreter, "bdd::pending ?reason?");
-    Tcl_SetObjResult(interp, count == 2
-                                 ? words[1]
-                                 : Tcl_NewStringObj("the step definition is to be written", -1));
-    Tcl_SetObjErrorCode(interp, Tcl_NewStringObj(pendingErrorCode, -1));
-    return TCL_ERROR;
 }
 
 /// What steps keep for each other.
@@ -172,7 +158,6 @@ constexpr struct {
     {"before_step", registerHook, StepHook, BeforeHook},
     {"after_step", registerHook, StepHook, AfterHook},
     {"parameter_type", registerParameterType},
-    {"pending", setPending},
     {"context", useContext},
 };
 
@@ -188,12 +173,7 @@ void defineStepCommands(TclInterpreter& interpreter) {
 TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
 
 std::optional<ScriptError> TclSteps::loadFile(const QString& path, const QString& text) {
-    const int code = evaluateFile(m_tcl.tcl(), toTclBytes(text), path);
-    if (code == TCL_OK || code == TCL_RETURN)
-        return std::nullopt;
-    if (code != TCL_ERROR || m_tcl.isUnwinding())
-        m_tcl.throwPending(code);
-    return m_tcl.takeError(code);
+    return m_tcl.attempt([&] { m_tcl.runFile(text, path); });
 }
 
 StepLanguage::Value TclSteps::contextValue() {

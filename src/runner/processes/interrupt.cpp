@@ -2,10 +2,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 
 #include "base/blocking.h"
 #include "runner/processes/supervision.h"
@@ -19,6 +21,10 @@ struct Watched {
     int signal;
     bool installed = false;
     struct sigaction previous {};
+    /// The handlers among what was there: one of each language that has run. Which of them is meant
+    /// only they know.
+    struct sigaction handlers[8]{};
+    std::size_t handlerCount = 0;
 };
 
 Watched s_watched[] = {{SIGINT}, {SIGTERM}, {SIGHUP}};
@@ -49,14 +55,37 @@ void call(const struct sigaction& action, int signal, siginfo_t* info, void* con
         action.sa_handler(signal);
 }
 
+bool isSameFunction(const struct sigaction& left, const struct sigaction& right) {
+    return isFunction(left) && isFunction(right) &&
+           (left.sa_flags & SA_SIGINFO) == (right.sa_flags & SA_SIGINFO) &&
+           ((left.sa_flags & SA_SIGINFO) != 0 ? left.sa_sigaction == right.sa_sigaction
+                                              : left.sa_handler == right.sa_handler);
+}
+
+/// What was found below our handler.
+void note(Watched& watched, const struct sigaction& found) {
+    watched.previous = found;
+    const auto* const end = watched.handlers + watched.handlerCount;
+    const bool isKnown = std::any_of(watched.handlers, end, [&found](const struct sigaction& each) {
+        return isSameFunction(each, found);
+    });
+    if (isFunction(found) && !isKnown && watched.handlerCount < std::size(watched.handlers))
+        watched.handlers[watched.handlerCount++] = found;
+}
+
+/// False when there is none to be called.
+bool callHandlers(const Watched& watched, siginfo_t* info, void* context) {
+    for (std::size_t index = 0; index < watched.handlerCount; ++index)
+        call(watched.handlers[index], watched.signal, info, context);
+    return watched.handlerCount > 0;
+}
+
 /// A signal to a forked child, which is none of the run's business: what happens is what would have
 /// happened without our handlers.
-void handleInChild(const struct sigaction& previous, int signal, siginfo_t* info, void* context) {
-    if (isFunction(previous)) {
-        call(previous, signal, info, context);
-    } else {
-        ::sigaction(signal, &previous, nullptr);
-        ::raise(signal);  // Takes effect when this handler returns.
+void handleInChild(const Watched& watched, siginfo_t* info, void* context) {
+    if (!callHandlers(watched, info, context)) {
+        ::sigaction(watched.signal, &watched.previous, nullptr);
+        ::raise(watched.signal);  // Takes effect when this handler returns.
     }
 }
 
@@ -66,7 +95,7 @@ void handle(int signal, siginfo_t* info, void* context) {
     if (::getpid() != s_process) {
         for (const Watched& watched : s_watched) {
             if (watched.signal == signal)
-                handleInChild(watched.previous, signal, info, context);
+                handleInChild(watched, info, context);
         }
         errno = savedErrno;
         return;
@@ -91,15 +120,13 @@ void handle(int signal, siginfo_t* info, void* context) {
         [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, s_text, sizeof s_text - 1);
     }
     for (const Watched& watched : s_watched) {
-        if (watched.signal == signal && isFunction(watched.previous)) {
-            call(watched.previous, signal, info, context);
+        if (watched.signal == signal && callHandlers(watched, info, context)) {
             errno = savedErrno;
             return;
         }
     }
     // Languages handle Ctrl-C and leave the others alone: the script shall end in the same way.
-    if (isFunction(s_keyboardInterrupt.previous))
-        call(s_keyboardInterrupt.previous, s_keyboardInterrupt.signal, info, context);
+    callHandlers(s_keyboardInterrupt, info, context);
     errno = savedErrno;
 }
 
@@ -138,7 +165,7 @@ void putOnTop() {
             !watched.installed && !(current.sa_flags & SA_SIGINFO) && current.sa_handler == SIG_IGN;
         if (ignored || isOurs(current))
             continue;
-        watched.previous = current;
+        note(watched, current);
         watched.installed = true;
         ::sigaction(watched.signal, &ours, nullptr);
     }
@@ -194,6 +221,13 @@ void Interrupt::reset() {
 
 Interrupt::Aside::Aside() : m_oldMask(block()) {
     takeOff();
+    // Neither does a language find the handlers of those that ran before.
+    for (const Watched& watched : s_watched) {
+        struct sigaction current;
+        ::sigaction(watched.signal, nullptr, &current);
+        if (isFunction(current))
+            ::signal(watched.signal, SIG_DFL);
+    }
 }
 
 Interrupt::Aside::~Aside() {

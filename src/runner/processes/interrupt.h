@@ -7,11 +7,11 @@ namespace Tamrix {
 /// The request to end the run early: Ctrl-C (SIGINT), SIGTERM, or SIGHUP when the terminal goes
 /// away. Process-wide.
 ///
-/// The first signal is recorded and forwarded to the handler that the script's language has for
-/// Ctrl-C, so that the script is interrupted in its own way. The second one does the same again,
-/// for a script that goes on or a clean-up that hangs; the third one ends the process at once. A
-/// signal that the process was started to ignore (a background job of a shell script, say) stays
-/// ignored.
+/// The first signal is recorded and forwarded to the handlers that the languages of scripts have
+/// for Ctrl-C, so that the script is interrupted in its own way. The second one does the same
+/// again, for a script that goes on or a clean-up that hangs; the third one ends the process at
+/// once. A signal that the process was started to ignore (a background job of a shell script, say)
+/// stays ignored.
 class Interrupt {
 public:
     /// Installs the handlers; those that were installed before get the signals forwarded.
@@ -37,7 +37,8 @@ public:
     static void reset();
 
     /// Steps aside while a language plug-in is loaded and installs its own handlers, which it may
-    /// do only where it finds none. Signals that come meanwhile are held back and arrive
+    /// do only where it finds none: those of other languages are not there either, and get the
+    /// signals all the same. Signals that come meanwhile are held back and arrive
     /// afterwards, when the handlers are on top again.
     class Aside {
     public:

@@ -21,11 +21,17 @@ TEST(Language, FailuresAreToldFromValues) {
 }
 
 TEST(Language, MembersAreReadAsTheirNamesTell) {
-    EXPECT_EQ(memberExpression("a", "b"), "a.b");
-    EXPECT_EQ(memberExpression("a", "0"), "a[0]");
-    EXPECT_EQ(memberExpression("a", "[0]"), "a[0]");
-    EXPECT_EQ(memberExpression("a", "'a key'"), "a['a key']");
-    EXPECT_TRUE(memberExpression("a", "99 more").isNull());
+    EXPECT_EQ(memberExpression("a.py", "a", "b"), "a.b");
+    EXPECT_EQ(memberExpression("a.py", "a", "0"), "a[0]");
+    EXPECT_EQ(memberExpression("a.py", "a", "[0]"), "a[0]");
+    EXPECT_EQ(memberExpression("a.py", "a", "'a key'"), "a['a key']");
+    EXPECT_TRUE(memberExpression("a.py", "a", "99 more").isNull());
+    EXPECT_EQ(memberExpression("a.tcl", "a", "0"), "[lindex $a 0]");
+    EXPECT_EQ(memberExpression("a.tcl", "[lindex $a 0]", "[k]"), "[dict get [lindex $a 0] k]");
+    EXPECT_TRUE(memberExpression("a.tcl", "a", "[a%20key]").isNull());
+    EXPECT_EQ(assignmentCode("a.py", "a", "1"), "a = 1");
+    EXPECT_EQ(assignmentCode("a.tcl", "a", "1"), "set a 1");
+    EXPECT_TRUE(assignmentCode("a.tcl", "[lindex $a 0]", "1").isNull());
 }
 
 TEST(Language, TheFunctionOfALineIsTheOneAroundIt) {

@@ -104,5 +104,43 @@ TEST_F(TclDebugging, EvaluatesInAFrame) {
     EXPECT_EQ(error, "");
 }
 
+/// As the arrival of an event does.
+bool callHandler(ScriptContext*) {
+    Interpreter::self()->invokeFunction("handler");
+    return true;
+}
+
+TEST_F(TclDebugging, StopsForErrorsThatNothingCatches) {
+    define("callHandler", callHandler);
+    define("endCase", [](ScriptContext* context) {
+        context->setError("x", ScriptContext::FatalError);
+        return false;
+    });
+    const struct {
+        const char* what;
+        const char* script;
+        const char* told;
+    } rows[] = {
+        {"caught", "catch {error x}\ntry {error x} on error {} {}\n", ""},
+        {"caught further out", "proc f {} {error x}\ncatch {f}\n", ""},
+        {"an error", "proc f {} {\n    error x\n}\nf\n", "ScriptError=Error: x 2 <2 4>"},
+        {"not meant by the handler", "try {error x} finally {}\n", "ScriptError=Error: x 1 <1>"},
+        {"in a handler of an event", "proc handler {} {\n    error x\n}\ncatch {callHandler}\n",
+         "ScriptError=Error: x 2 <2 4>"},
+        {"caught in a handler", "proc handler {} {\n    catch {error x}\n}\ncallHandler\n", ""},
+        {"wanted", "test exception {error x}\n", ""},
+        {"the end of the case", "proc f {} {\n    endCase\n}\nf\n",
+         "ScriptError=FatalError: x 2 <2 4>"},
+    };
+    for (const auto& row : rows) {
+        frontEnd.commands = {stack(), Resume::Run};
+        debugger.setDebuggerMode(Debugger::Run);
+        debugger.setInteractive(true);
+        run(row.script);
+        debugger.setInteractive(false);
+        EXPECT_EQ(frontEnd.take(" "), row.told) << row.what;
+    }
+}
+
 }  // namespace
 }  // namespace Tamrix

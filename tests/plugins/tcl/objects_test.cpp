@@ -151,6 +151,9 @@ TEST_F(TclObjects, NamesHaveManyForms) {
         {"{type Button text* Sav*}", "{text*='Sav*' type='Button'}"},
         {"[dict create type Button window [dict create type Window]]",
          "{type='Button' window={type='Window'}}"},
+        {"{type Button text {type A} window {type Window visible true}}",
+         "{text='type A' type='Button' window={type='Window' visible='true'}}"},
+        {"{type Button label {two words}}", "{label='two words' type='Button'}"},
         {"{type Button window {{type='Window'}}}", "{type='Button' window={type='Window'}}"},
         {":OK", ":OK"},
         {"{:Save As}", ":Save As"},
@@ -160,6 +163,18 @@ TEST_F(TclObjects, NamesHaveManyForms) {
         EXPECT_TRUE(runner.calls.last().startsWith("wait until exists " + QString(name)))
             << runner.calls.last().toStdString();
     }
+}
+
+TEST_F(TclObjects, AFailedConditionReadsPropertiesOnceMore) {
+    EXPECT_EQ(
+        run("set b [theButton]\n"
+            "test verify [expr {[$b text] eq {No} || ![$b cget -enabled] && [$b resize 1 2]}]"),
+        "");
+    ASSERT_EQ(report.results().size(), 1u);
+    EXPECT_EQ(report.results().front().explanation.section('\n', 0, 1),
+              "[$b text] eq {No} || ![$b cget -enabled] && [$b resize 1 2]\n[$b text]: OK");
+    EXPECT_TRUE(report.results().front().explanation.contains("\n$b: ")) << "of the method";
+    EXPECT_EQ(s_seen, QStringList()) << "no method is called";
 }
 
 TEST_F(TclObjects, CallGlobalFunctions) {

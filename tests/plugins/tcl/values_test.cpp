@@ -181,6 +181,37 @@ TEST_F(TclValues, VerifyTakesWhatConditionsTake) {
               "a condition");
 }
 
+TEST_F(TclValues, AFailedConditionTellsItsValues) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"test verify [expr {$n > 3 && [llength $list] == 2}]",
+         "$n > 3 && [llength $list] == 2|$n: 1|[llength $list]: 3"},
+        {"test verify [expr {$n > 3}] {big enough}", "$n > 3|$n: 1"},
+        {"test::verify [string equal [lindex $list 1] $array(key)]",
+         "[string equal [lindex $list 1] $array(key)]|[string equal [lindex $list 1] "
+         "$array(key)]: 0"},
+        {"test xverify $yes", "$yes|$yes: true"},
+        {"test verify [expr {[next] > $list &&\n    $n == $n}]",
+         "[next] > $list && $n == $n|$list: a b {c d}|$n: 1"},
+        {"test verify [next $n [expr {$n + 1}]]", "[next $n [expr {$n + 1}]]|$n: 1"},
+        {"test verify [expr {\"$nothing\" eq {[next]} && 0 == [catch {next}]}]", ""},
+        {"test verify 0", ""},
+        {"test verify {}", ""},
+        {"eval {test verify [expr {$n > 3}]}", "$n > 3|$n: 1"},
+        {"apply {{x} {\n    test verify [expr {$x > [string length abc]}]\n}} 2",
+         "$x > [string length abc]|$x: 2|[string length abc]: 3"},
+    };
+    for (const auto& [call, told] : rows) {
+        report.entries.clear();
+        run(QString("set n 1\nset list {a b {c d}}\nset array(key) c\nset yes true\n"
+                    "proc next {args} {incr ::calls; return 0}\nset calls 0\n%1\n"
+                    "if {$calls > 1} {error \"called $calls times\"}")
+                .arg(call));
+        const auto results = report.results();
+        const QString text = results.empty() ? QString() : results.front().explanation;
+        EXPECT_EQ(text.split('\n').join('|'), told) << call;
+    }
+}
+
 TEST_F(TclValues, ApplicationContextsAndDataSets) {
     s_given = [](ScriptContext* context) {
         SharedPtr<ApplicationContext> application(new ApplicationContext);

@@ -13,6 +13,10 @@ void languageHandler(int signal) {
     s_calls += signal == SIGINT ? "i" : "t";
 }
 
+void otherLanguageHandler(int) {
+    s_calls += "o";
+}
+
 void setHandler(int signal, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
@@ -48,6 +52,23 @@ TEST_F(InterruptTest, SignalIsRememberedAndHandedOnToTheLanguage) {
     Interrupt::install();
     ::raise(SIGINT);
     EXPECT_EQ(s_calls, "ii");
+}
+
+TEST_F(InterruptTest, EachLanguageFindsNoHandlerAndGetsTheSignal) {
+    Interrupt::install();
+    for (void (*const handler)(int) : {languageHandler, otherLanguageHandler, languageHandler}) {
+        const Interrupt::Aside aside;
+        struct sigaction found;
+        ::sigaction(SIGINT, nullptr, &found);
+        EXPECT_EQ(found.sa_handler, SIG_DFL);
+        setHandler(SIGINT, handler);
+    }
+    {
+        // One that has its handler already does not install it again.
+        const Interrupt::Aside aside;
+    }
+    ::raise(SIGINT);
+    EXPECT_EQ(s_calls, "io");
 }
 
 TEST_F(InterruptTest, TerminationInterruptsTheScriptAsCtrlCDoes) {

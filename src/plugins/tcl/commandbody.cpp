@@ -1,8 +1,7 @@
-#include "plugins/tcl/optionwords.h"
+#include "plugins/tcl/commandbody.h"
 
 #include "interpreter/objects/nearestnames.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -12,10 +11,12 @@ QString optionOf(Tcl_Obj* word) {
 }
 
 int wrongWords(TclInterpreter& interpreter, const QString& usage) {
-    return interpreter.fail({ScriptFailure::Kind::BadArgument,
-                             QStringLiteral("wrong # args: should be \"%1\"").arg(usage),
-                             false,
-                             {}});
+    return interpreter.fail(
+        badArgument(QStringLiteral("wrong # args: should be \"%1\"").arg(usage)));
+}
+
+ScriptFailure noMember(const QString& text) {
+    return {ScriptFailure::Kind::NoMember, text, false, {}};
 }
 
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
@@ -24,7 +25,7 @@ ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner
     const QStringList nearest = nearestNames(name, known);
     if (!nearest.isEmpty())
         text += QStringLiteral("; the nearest: \"%1\"").arg(nearest.join("\", \""));
-    return {ScriptFailure::Kind::NoMember, text, false, {}};
+    return noMember(text);
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -1,0 +1,3 @@
+proc main {} {
+    runFeatureFile [findFile testdata feature_script.feature] ;# @main
+}
