@@ -72,6 +72,36 @@ QStringList orderedProperties(const ObjectName& name) {
 
 }  // namespace
 
+QString quotedLiteral(const QString& text) {
+    QString literal;
+    for (const QChar character : text) {
+        switch (character.unicode()) {
+            case '"':
+            case '\\':
+                literal += QLatin1Char('\\');
+                literal += character;
+                break;
+            case '\n':
+                literal += QLatin1String("\\n");
+                break;
+            case '\r':
+                literal += QLatin1String("\\r");
+                break;
+            case '\t':
+                literal += QLatin1String("\\t");
+                break;
+            default:
+                // Control characters, and half characters that no file could hold.
+                if (character.isPrint() || character.isSurrogate())
+                    literal += character;
+                else
+                    literal +=
+                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+        }
+    }
+    return '"' + literal + '"';
+}
+
 QString keyOfVariable(const QString& variable) {
     return QLatin1Char(':') + variable;
 }
@@ -85,8 +115,10 @@ QString writtenName(const ScriptNotation& notation, const ObjectName& name, cons
     QStringList parts;
     for (const QString& property : orderedProperties(name)) {
         const PropertyValue value = properties.value(property);
-        parts.append(notation.literal(markedProperty(property, value.modifiers())) +
-                     notation.afterPropertyName + writtenValue(notation, property, value));
+        const QString written = markedProperty(property, value.modifiers());
+        parts.append(
+            (notation.propertyName ? notation.propertyName(written) : notation.literal(written)) +
+            notation.afterPropertyName + writtenValue(notation, property, value));
     }
     if (indent.isNull())
         return notation.open + parts.join(notation.betweenProperties) + notation.close;

@@ -39,7 +39,13 @@ struct ScriptNotation {
     /// Whether this may be a variable's name: an identifier that is no keyword, and that neither
     /// the language nor its library means anything by.
     bool (*isVariable)(const QString& name) = nullptr;
+    /// A property's name, where that is written in another way than texts are.
+    QString (*propertyName)(const QString& name) = nullptr;
 };
+
+/// The text in double quotes, as Python and JavaScript have it: what can't stand there, or is not
+/// seen, behind a backslash.
+TAMRIX_EXPORT QString quotedLiteral(const QString& text);
 
 // Keys of a map of names are ":save_button" for the variable save_button.
 

@@ -23,6 +23,9 @@ constexpr std::size_t mostLines = 100;
 /// Errors that led to others, before the list is cut.
 constexpr int mostCauses = 5;
 
+/// The engine's own code, of stacks.
+constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
+
 /// By ScriptFailure::Kind: the class of the namespace `tamrix`, or a class of the language.
 constexpr struct {
     const char* name;
@@ -100,10 +103,12 @@ int outermostLineOf(JS::HandleValue exception, JS::HandleObject stack) {
     JS::RootedObject frame(context, stack);
     while (frame) {
         std::uint32_t found = 0;
-        if (JS::GetSavedFrameLine(context, nullptr, frame, &found) == JS::SavedFrameResult::Ok)
+        if (JS::GetSavedFrameLine(context, nullptr, frame, &found, excluded) ==
+            JS::SavedFrameResult::Ok)
             line = static_cast<int>(found);
         JS::RootedObject parent(context);
-        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent) != JS::SavedFrameResult::Ok)
+        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded) !=
+            JS::SavedFrameResult::Ok)
             break;
         frame = parent;
     }
@@ -263,7 +268,6 @@ std::vector<LineInfo> linesOfStack(JS::HandleObject stack) {
     JSContext* const context = engineContext();
     std::vector<LineInfo> lines;
     JS::RootedObject frame(context, stack);
-    constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
     while (frame && lines.size() < mostLines) {
         JS::RootedString source(context);
         std::uint32_t line = 0;

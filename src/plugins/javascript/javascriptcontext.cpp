@@ -9,6 +9,7 @@
 #include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/javascriptvariables.h"
 #include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
@@ -150,6 +151,20 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
 }
 
 // The language's own judgement
+
+QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
+    QStringList lines;
+    JavaScriptValueTexts texts;
+    try {
+        for (const DebuggerRealm::Variable& each : DebuggerRealm::self().explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
+    } catch (const ScriptErrorSet&) {
+        if (isEndOfScript())
+            throw;
+        clearException();
+    }
+    return lines.join('\n');
+}
 
 bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
                                     SharedPtr<ScriptArgument> right) {

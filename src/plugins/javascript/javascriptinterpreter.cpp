@@ -296,8 +296,7 @@ bool JavaScriptInterpreter::checkSyntax(const QString& text, const QString& file
     }
 }
 
-JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fileName,
-                                         Exports exports) {
+void JavaScriptInterpreter::runText(const QString& text, const QString& fileName, Exports exports) {
     JSContext* const engine = engineContext();
     JS::RootedScript script(engine);
     JS::RootedObject module(engine);
@@ -307,8 +306,11 @@ JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fil
     if (script) {
         checked(JS_ExecuteScript(engine, script, &value));
         throwUnhandledRejection();
-        return nullptr;
+        return;
     }
+    // The functions of a script that ends early are there, too.
+    if (exports == Exports::StayInModule && !fileName.isEmpty())
+        m_scriptModule = module;
     m_realm->modules().run(module);
     throwUnhandledRejection();
     if (exports == Exports::BecomeGlobals) {
@@ -316,18 +318,15 @@ JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fil
         JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
         checked(JS_AssignObject(engine, global, names));
     }
-    return module;
 }
 
 bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
     try {
-        JSObject* const module = runText(text, fileName, Exports::StayInModule);
-        if (!fileName.isEmpty()) {
-            m_scriptModule = module;
-            m_hasRunScript = true;
-        } else {
+        runText(text, fileName, Exports::StayInModule);
+        if (fileName.isEmpty())
             m_initScripts.append(text);
-        }
+        else
+            m_hasRunScript = true;
         return succeed();
     } catch (const ScriptErrorSet&) {
         m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
@@ -363,6 +362,39 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
     if (!function.isObject() || !JS::IsCallable(&function.toObject()))
         return {};
     return argumentOf(function);
+}
+
+ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
+    ScriptArgument::Map variables;
+    if (!m_scriptModule)
+        return variables;
+    JSContext* const engine = engineContext();
+    try {
+        JS::RootedObject module(engine, m_scriptModule);
+        JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
+        JS::RootedIdVector keys(engine);
+        checked(js::GetPropertyKeys(engine, names, JSITER_OWNONLY | JSITER_HIDDEN, &keys));
+        JS::RootedId key(engine);
+        JS::RootedValue value(engine);
+        for (const jsid each : keys) {
+            key = each;
+            // A name has no value before the script has come to it.
+            if (JS_GetPropertyById(engine, names, key, &value))
+                variables[fromKey(key)] = argumentOf(value);
+            else
+                clearException();
+        }
+    } catch (const ScriptErrorSet&) {
+        clearException();
+    }
+    return variables;
+}
+
+bool JavaScriptInterpreter::refuseScript(const LineInfo& place, const QString& message) {
+    ScriptError error;
+    error.message = message;
+    error.callStack = {place};
+    return failWith(error);
 }
 
 SharedPtr<ScriptArgument> JavaScriptInterpreter::libraryFunction(const QString& name) {
@@ -454,10 +486,14 @@ Outcome<QString> JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame,
 void JavaScriptInterpreter::noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
     if (failure.isSkip)
         m_skip = error;
-    if (failure.origin.line >= 0) {
-        m_originOf = error;
-        m_origin = LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
-    }
+    if (failure.origin.line >= 0)
+        noticeOrigin(error, LineInfo(m_debugger->findSourceId(failure.origin.sourceId),
+                                     failure.origin.line));
+}
+
+void JavaScriptInterpreter::noticeOrigin(JS::HandleObject error, const LineInfo& place) {
+    m_originOf = error;
+    m_origin = place;
 }
 
 bool JavaScriptInterpreter::isSkip(JS::HandleValue exception) const {

@@ -50,6 +50,8 @@ public:
     /// A failure has become this error: one that ends the case as skipped, or that stands in a file
     /// that is none of the language's, is told by it. What else is thrown on its way is an error.
     void noticeFailure(const ScriptFailure& failure, JS::HandleObject error);
+    /// The error stands at this place, whatever code ran.
+    void noticeOrigin(JS::HandleObject error, const LineInfo& place);
     bool isSkip(JS::HandleValue exception) const;
     /// Adds what is known of an exception in this way.
     void completeError(JS::HandleValue exception, ScriptError* error);
@@ -57,8 +59,12 @@ public:
     /// What becomes of the exports of a module.
     enum class Exports { StayInModule, BecomeGlobals };
     /// Runs a script or a module in the realm, and waits for it. Throws ScriptErrorSet. `fileName`
-    /// may be empty. The module in which it ran; null for a script.
-    JSObject* runText(const QString& text, const QString& fileName, Exports exports);
+    /// may be empty.
+    void runText(const QString& text, const QString& fileName, Exports exports);
+    /// What the script's module exports, by name, as far as it has come to it.
+    ScriptArgument::Map exportedVariables();
+    /// Tells of an error in a script that has run: as failWith().
+    bool refuseScript(const LineInfo& place, const QString& message);
     /// Why the text is no valid code; empty when it is.
     QString syntaxError(const QString& text);
 

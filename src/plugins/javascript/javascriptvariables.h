@@ -20,8 +20,8 @@ private:
     QString objectText(JS::HandleObject object, int depth);
 };
 
-/// The variables of a script that stands still: elements of an array by their number, properties of
-/// an object by their name. A Map or a Set tells its size alone.
+/// The variables of a script that stands still: elements of an array or a Set by their number,
+/// properties of an object by their name, entries of a Map by their key.
 class JavaScriptVariables final : public LanguageVariables {
 public:
     explicit JavaScriptVariables(JavaScriptDebugger& debugger);

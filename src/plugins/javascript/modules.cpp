@@ -22,8 +22,14 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-[[noreturn]] void refuse(const QString& text) {
+/// `place` is where no running code is.
+[[noreturn]] void refuse(const QString& text, const LineInfo& place = {}) {
     raiseBuiltIn("Error", text);
+    JS::RootedValue error(engineContext());
+    if (place.isValid() && JS_GetPendingException(engineContext(), &error) && error.isObject()) {
+        JS::RootedObject object(engineContext(), &error.toObject());
+        JavaScriptInterpreter::active()->noticeOrigin(object, place);
+    }
     throw ScriptErrorSet();
 }
 
@@ -61,6 +67,11 @@ void Modules::install(JSContext* context) {
     JS::SetModuleMetadataHook(runtime, describe);
 }
 
+void Modules::setFolders(const QStringList& folders) {
+    m_folders = folders;
+    m_folders.removeDuplicates();
+}
+
 void Modules::addFolder(const QString& folder) {
     if (!m_folders.contains(folder))
         m_folders.append(folder);
@@ -91,20 +102,23 @@ JSObject* Modules::add(const QString& text, const QString& path) {
 }
 
 void Modules::run(JS::HandleObject module) {
+    m_outermost = module;
     checked(JS::ModuleInstantiate(m_context, module));
     JS::RootedValue value(m_context);
     checked(JS::ModuleEvaluate(m_context, module, &value));
     settled(&value);
 }
 
-QString Modules::find(const QString& name, const QString& importer) const {
-    const QDir folder(importer.isEmpty() ? QDir::currentPath()
-                                         : QFileInfo(importer).absolutePath());
+QString Modules::find(const Import& import) const {
+    const QString& name = import.name;
+    const QDir folder(import.importer.isEmpty() ? QDir::currentPath()
+                                                : QFileInfo(import.importer).absolutePath());
     if (name.startsWith(QLatin1String("./")) || name.startsWith(QLatin1String("../")) ||
         QDir::isAbsolutePath(name)) {
         const QString path = existing(QDir::cleanPath(folder.filePath(name)));
         if (path.isEmpty())
-            refuse(QStringLiteral("There is no module '%1' beside %2").arg(name, importer));
+            refuse(QStringLiteral("There is no module '%1' beside %2").arg(name, import.importer),
+                   import.place);
         return path;
     }
     for (const QString& each : m_folders) {
@@ -112,29 +126,55 @@ QString Modules::find(const QString& name, const QString& importer) const {
         if (!path.isEmpty())
             return path;
     }
-    refuse(QStringLiteral("There is no module '%1' in %2").arg(name, m_folders.join(", ")));
+    refuse(QStringLiteral("There is no module '%1' in %2").arg(name, m_folders.join(", ")),
+           import.place);
 }
 
-JSObject* Modules::load(const QString& name, const QString& importer) {
-    const QString path = find(name, importer);
+JSObject* Modules::load(const Import& import) {
+    const QString path = find(import);
     const auto known = m_modules.find(path.toStdString());
     if (known != m_modules.end())
         return known->second;
     const Outcome<Utf8Text> content = readUtf8File(path);
     if (!content)
-        refuse(QStringLiteral("%1: %2").arg(path, content.error().text));
+        refuse(QStringLiteral("%1: %2").arg(path, content.error().text), import.place);
     if (content->faultyLine > 0)
         refuse(QStringLiteral("%1:%2: the file is not encoded in UTF-8")
-                   .arg(path, QString::number(content->faultyLine)));
+                   .arg(path, QString::number(content->faultyLine)),
+               import.place);
     return add(content->text, path);
+}
+
+LineInfo Modules::placeOfImport(const QString& importer, JS::HandleObject request) const {
+    const auto known = m_modules.find(importer.toStdString());
+    JS::RootedObject module(m_context, known == m_modules.end() ? m_outermost : known->second);
+    if (!module)
+        return {};
+    JS::RootedObject requests(m_context, checked(JS::GetRequestedModules(m_context, module)));
+    JS::RootedValueVector all(m_context);
+    elementsOf(requests, &all);
+    JS::RootedValue each(m_context);
+    for (const JS::Value& value : all) {
+        each = value;
+        JSString* const name = JS::GetRequestedModuleSpecifier(m_context, each);
+        if (fromJsString(checked(name)) != specifierOf(m_context, request))
+            continue;
+        std::uint32_t line = 0;
+        std::uint32_t column = 0;
+        JS::GetRequestedModuleSourcePos(m_context, each, &line, &column);
+        return LineInfo(importer, static_cast<int>(line));
+    }
+    return {};
 }
 
 JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer, JS::HandleObject request) {
     JS::RootedObject module(context);
+    const QString path = importerPath(importer);
     guarded([] { return QStringLiteral("import"); },
             [&] {
-                module =
-                    currentModules().load(specifierOf(context, request), importerPath(importer));
+                Modules& modules = currentModules();
+                module = modules.load({specifierOf(context, request), path,
+                                       modules.placeOfImport(path, request)});
                 return true;
             });
     return module;
@@ -147,7 +187,7 @@ bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::Hand
             [&] {
                 JS::RootedObject module(
                     context,
-                    currentModules().load(specifierOf(context, request), importerPath(importer)));
+                    currentModules().load({specifierOf(context, request), importerPath(importer), {}}));
                 checked(JS::ModuleInstantiate(context, module) &&
                         JS::ModuleEvaluate(context, module, &evaluated));
                 return true;

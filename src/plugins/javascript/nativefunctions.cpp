@@ -219,6 +219,10 @@ JSObject* makeFunction(const NativeFunction& function) {
                               JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
 }
 
+bool isLibraryFunction(JSObject* object) {
+    return JS_IsNativeFunction(object, callFunction);
+}
+
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
     JSContext* const context = engineContext();
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();

@@ -18,6 +18,9 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
 
 /// A global function of the application.
 JSObject* makeApplicationFunction(const QString& name);
+/// Whether it is one of the functions of the test system.
+bool isLibraryFunction(JSObject* object);
+
 /// A method of an application's object.
 JSObject* makeMethod(const SharedPtr<BoundMethod>& method);
 

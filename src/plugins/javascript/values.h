@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <cstdint>
 #include <vector>
 
 #include "interpreter/language/scripterrorset.h"
@@ -56,8 +57,10 @@ bool isMapObject(JSObject* object);
 bool isSetObject(JSObject* object);
 /// The elements of an array.
 void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements);
-/// Of a Map keys and values in turn, of a Set its elements, without code of the script.
-void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries);
+/// Of a Map keys and values in turn, of a Set its elements, at least the first `most`. Runs no code
+/// of the script, also while it stands still.
+void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries,
+               std::size_t most = SIZE_MAX);
 
 /// Whether two values are equal to a tester: the same, or lists and objects of equal members. One
 /// that holds itself is equal to one of the same shape. Throws ScriptErrorSet with a RangeError

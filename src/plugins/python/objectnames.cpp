@@ -35,36 +35,6 @@ constexpr const char* pythonWords[] = {
     "try",         "tuple",        "type",       "vars",       "while",   "with",
     "yield",       "zip"};
 
-QString pythonLiteral(const QString& text) {
-    QString literal;
-    for (const QChar character : text) {
-        switch (character.unicode()) {
-            case '"':
-            case '\\':
-                literal += QLatin1Char('\\');
-                literal += character;
-                break;
-            case '\n':
-                literal += QLatin1String("\\n");
-                break;
-            case '\r':
-                literal += QLatin1String("\\r");
-                break;
-            case '\t':
-                literal += QLatin1String("\\t");
-                break;
-            default:
-                // Control characters, and half characters that no file could hold.
-                if (character.isPrint() || character.isSurrogate())
-                    literal += character;
-                else
-                    literal +=
-                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-        }
-    }
-    return '"' + literal + '"';
-}
-
 bool isPythonVariable(const QString& name) {
     static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
     const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
@@ -124,7 +94,7 @@ const ScriptNotation& PythonObjectMap::notation() const {
         QStringLiteral("# Names of objects, for scripts: import names\n"),
         QString(),
         ScriptNotation::Words::Underscores,
-        pythonLiteral,
+        quotedLiteral,
         isPythonVariable,
     };
     return s_notation;

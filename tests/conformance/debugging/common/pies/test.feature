@@ -1,0 +1,5 @@
+Feature: orders
+  Scenario: pies
+    Given 2 pies
+    When they are eaten
+    When they are eaten
