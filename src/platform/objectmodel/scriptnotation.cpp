@@ -72,36 +72,6 @@ QStringList orderedProperties(const ObjectName& name) {
 
 }  // namespace
 
-QString quotedLiteral(const QString& text) {
-    QString literal;
-    for (const QChar character : text) {
-        switch (character.unicode()) {
-            case '"':
-            case '\\':
-                literal += QLatin1Char('\\');
-                literal += character;
-                break;
-            case '\n':
-                literal += QLatin1String("\\n");
-                break;
-            case '\r':
-                literal += QLatin1String("\\r");
-                break;
-            case '\t':
-                literal += QLatin1String("\\t");
-                break;
-            default:
-                // Control characters, and half characters that no file could hold.
-                if (character.isPrint() || character.isSurrogate())
-                    literal += character;
-                else
-                    literal +=
-                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-        }
-    }
-    return '"' + literal + '"';
-}
-
 QString keyOfVariable(const QString& variable) {
     return QLatin1Char(':') + variable;
 }

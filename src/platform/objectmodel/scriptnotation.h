@@ -43,10 +43,6 @@ struct ScriptNotation {
     QString (*propertyName)(const QString& name) = nullptr;
 };
 
-/// The text in double quotes, as Python and JavaScript have it: what can't stand there, or is not
-/// seen, behind a backslash.
-TAMRIX_EXPORT QString quotedLiteral(const QString& text);
-
 // Keys of a map of names are ":save_button" for the variable save_button.
 
 /// ":save_button" for "save_button".

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "interpreter/language/literals.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -28,19 +29,18 @@ constexpr const char* javaScriptWords[] = {
     "public", "return", "setTimeout", "static", "super", "switch", "tamrix", "this", "throw",
     "true", "try", "typeof", "undefined", "unescape", "var", "void", "while", "with", "yield"};
 
-bool isIdentifier(const QString& text) {
-    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_identifier.match(text).hasMatch();
-}
-
 bool isJavaScriptVariable(const QString& name) {
     const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return isIdentifier(name) &&
+    return isPlainIdentifier(name) &&
            std::none_of(std::begin(javaScriptWords), std::end(javaScriptWords), isThis);
 }
 
+QString textLiteral(const QString& text) {
+    return literalOf(text);
+}
+
 QString propertyName(const QString& name) {
-    return isIdentifier(name) ? name : quotedLiteral(name);
+    return isPlainIdentifier(name) ? name : literalOf(name);
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ const ScriptNotation& JavaScriptObjectMap::notation() const {
         QStringLiteral("// Names of objects, for scripts: import * as names from \"names\";\n"),
         QString(),
         ScriptNotation::Words::Camels,
-        quotedLiteral,
+        textLiteral,
         isJavaScriptVariable,
         propertyName,
     };

@@ -1,10 +1,10 @@
 #include "plugins/python/objectnames.h"
 
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <algorithm>
 
 #include "base/utf8file.h"
+#include "interpreter/language/literals.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythoninterpreter.h"
@@ -35,10 +35,13 @@ constexpr const char* pythonWords[] = {
     "try",         "tuple",        "type",       "vars",       "while",   "with",
     "yield",       "zip"};
 
+QString pythonLiteral(const QString& text) {
+    return literalOf(text);
+}
+
 bool isPythonVariable(const QString& name) {
-    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
     const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return s_identifier.match(name).hasMatch() &&
+    return isPlainIdentifier(name) &&
            std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
 }
 
@@ -94,7 +97,7 @@ const ScriptNotation& PythonObjectMap::notation() const {
         QStringLiteral("# Names of objects, for scripts: import names\n"),
         QString(),
         ScriptNotation::Words::Underscores,
-        quotedLiteral,
+        pythonLiteral,
         isPythonVariable,
     };
     return s_notation;
