@@ -1,17 +1,13 @@
 #include "plugins/javascript/debuggerrealm.h"
 
 #include <js/Array.h>
-#include <js/CompilationAndEvaluation.h>
-#include <js/CompileOptions.h>
 #include <js/Debug.h>
 #include <js/Exception.h>
 #include <js/GlobalObject.h>
 #include <js/RealmOptions.h>
-#include <js/SourceText.h>
 #include <js/Wrapper.h>
 
 #include <concepts>
-#include <cstring>
 
 #include "plugins/javascript/debuggersource.h"
 #include "plugins/javascript/errors.h"
@@ -92,13 +88,7 @@ DebuggerRealm::DebuggerRealm() {
             JS_DefineFunction(context, global, "tellLine", tellLine, 2, 0) &&
             JS_DefineFunction(context, global, "tellError", tellError, 1, 0) &&
             JS_DefineFunction(context, global, "isLibraryFunction", tellIsLibraryFunction, 1, 0));
-    JS::CompileOptions compileOptions(context);
-    compileOptions.setFileAndLine("<tamrix debugger>", 1);
-    JS::SourceText<mozilla::Utf8Unit> text;
-    checked(text.init(context, debuggerSource, std::strlen(debuggerSource),
-                      JS::SourceOwnership::Borrowed));
-    JS::RootedValue ignored(context);
-    checked(JS::Evaluate(context, compileOptions, text, &ignored));
+    evaluateOwn(QString::fromLatin1(debuggerSource), "<tamrix debugger>");
 }
 
 template <typename... Values>
@@ -182,12 +172,11 @@ bool DebuggerRealm::tell(Tell tell) {
     DebuggerRealm& own = self();
     if (!own.m_listener)
         return true;
-    return guarded([] { return QStringLiteral("debugger"); },
-                   [&] {
-                       const JSAutoRealm inside(engineContext(), own.m_watched);
-                       tell(*own.m_listener);
-                       return true;
-                   });
+    return guarded("debugger", [&] {
+        const JSAutoRealm inside(engineContext(), own.m_watched);
+        tell(*own.m_listener);
+        return true;
+    });
 }
 
 bool DebuggerRealm::tellLine(JSContext*, unsigned count, JS::Value* values) {

@@ -69,7 +69,8 @@ public:
 
 private:
     DebuggerRealm();
-    /// Calls a function of the debugger's with values of any realm, and gives one of the debugger's.
+    /// Calls a function of the debugger's with values of any realm, and gives one of the
+    /// debugger's.
     template <typename... Values>
     JS::Value call(const char* function, const Values&... values);
     /// The same for a function that gives how code has ended.

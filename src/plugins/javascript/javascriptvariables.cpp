@@ -74,7 +74,6 @@ public:
     }
 
     int count() const { return static_cast<int>(m_count); }
-    bool areNumbered() const { return m_shape == Shape::List || m_shape == Shape::Set; }
 
     void read(int index) {
         const auto number = static_cast<std::size_t>(index);
@@ -155,7 +154,7 @@ QString JavaScriptValueTexts::textOf(JS::HandleValue value, int depth) {
 QString JavaScriptValueTexts::objectText(JS::HandleObject object, int depth) {
     JSContext* const context = engineContext();
     JS::RootedValue value(context, JS::ObjectValue(*object));
-    if (isApplicationObject(object) || heldBy<SharedPtr<ApplicationContext>>(object))
+    if (isApplicationObject(object) || heldBy<ApplicationContext>(object))
         return Tamrix::JavaScriptPlugin::textOf(value);
     if (js::IsProxy(object))
         return QStringLiteral("[Proxy]");
@@ -189,7 +188,10 @@ JavaScriptVariables::JavaScriptVariables(JavaScriptDebugger& debugger)
 
 std::vector<LanguageVariables::Member> JavaScriptVariables::variablesOf(int level) {
     std::vector<Member> members;
-    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(level)) {
+    const std::optional<ScriptFrame> frame = codeFrame(level);
+    if (!frame)
+        return members;
+    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(*frame)) {
         if (!m_debugger.interpreter()->isSelfDefinedVariableName(variable.name))
             members.push_back({pathPart(variable.name), argumentOf(variable.value)});
     }
@@ -206,23 +208,6 @@ LanguageVariables::Members JavaScriptVariables::membersOf(const Value& value, in
         members.page.push_back({reader.name(), argumentOf(reader.value())});
     }
     return members;
-}
-
-LanguageVariables::Value JavaScriptVariables::memberNamed(const Value& value, const QString& name) {
-    MemberReader reader(valueOf(value), SIZE_MAX / 2);
-    bool isNumber = false;
-    const int number = name.toInt(&isNumber);
-    const bool areNumbered = reader.areNumbered();
-    if (areNumbered && (!isNumber || number < 0))
-        return {};
-    for (int index = areNumbered ? number : 0; index < reader.count(); ++index) {
-        reader.read(index);
-        if (reader.name() == name)
-            return argumentOf(reader.value());
-        if (areNumbered)
-            break;
-    }
-    return {};
 }
 
 QString JavaScriptVariables::textOf(const Value& value) {

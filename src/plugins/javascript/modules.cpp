@@ -4,7 +4,6 @@
 #include <js/CompileOptions.h>
 #include <js/Modules.h>
 #include <js/Promise.h>
-#include <js/SourceText.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -28,7 +27,11 @@ namespace {
     JS::RootedValue error(engineContext());
     if (place.isValid() && JS_GetPendingException(engineContext(), &error) && error.isObject()) {
         JS::RootedObject object(engineContext(), &error.toObject());
-        JavaScriptInterpreter::active()->noticeOrigin(object, place);
+        JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
+        ScriptFailure failure;
+        failure.origin.line = place.lineNumber();
+        failure.origin.sourceId = interpreter.languageDebugger().sourceIdOf(place.fileName());
+        interpreter.noticeFailure(failure, object);
     }
     throw ScriptErrorSet();
 }
@@ -88,8 +91,7 @@ JSObject* Modules::compile(const QString& text, const QString& path) {
     const QByteArray file = path.toUtf8();
     options.setFileAndLine(file.constData(), 1);
     JS::SourceText<char16_t> source;
-    checked(source.init(m_context, reinterpret_cast<const char16_t*>(text.utf16()),
-                        static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
+    setSource(text, &source);
     JS::RootedObject module(m_context, checked(JS::CompileModule(m_context, options, source)));
     JS::SetModulePrivate(module, fileValue(path));
     return module;
@@ -169,41 +171,36 @@ LineInfo Modules::placeOfImport(const QString& importer, JS::HandleObject reques
 
 JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer, JS::HandleObject request) {
     JS::RootedObject module(context);
-    const QString path = importerPath(importer);
-    guarded([] { return QStringLiteral("import"); },
-            [&] {
-                Modules& modules = currentModules();
-                module = modules.load({specifierOf(context, request), path,
-                                       modules.placeOfImport(path, request)});
-                return true;
-            });
+    guarded("import", [&] {
+        Modules& modules = currentModules();
+        const QString path = importerPath(importer);
+        module = modules.load(
+            {specifierOf(context, request), path, modules.placeOfImport(path, request)});
+        return true;
+    });
     return module;
 }
 
 bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
                           JS::HandleObject promise) {
     JS::RootedValue evaluated(context);
-    guarded([] { return QStringLiteral("import"); },
-            [&] {
-                JS::RootedObject module(
-                    context,
-                    currentModules().load({specifierOf(context, request), importerPath(importer), {}}));
-                checked(JS::ModuleInstantiate(context, module) &&
-                        JS::ModuleEvaluate(context, module, &evaluated));
-                return true;
-            });
+    guarded("import", [&] {
+        const Import import{specifierOf(context, request), importerPath(importer), {}};
+        JS::RootedObject module(context, currentModules().load(import));
+        checked(JS::ModuleInstantiate(context, module) &&
+                JS::ModuleEvaluate(context, module, &evaluated));
+        return true;
+    });
     // Without an evaluation what is pending is what the promise is rejected with.
     JS::RootedObject evaluation(context, evaluated.isObject() ? &evaluated.toObject() : nullptr);
     return JS::FinishDynamicModuleImport(context, evaluation, importer, request, promise);
 }
 
-bool Modules::describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta) {
-    JS::RootedValue url(context);
-    return guarded([] { return QStringLiteral("import.meta"); },
-                   [&] {
-                       url = toJsText("file://" + importerPath(file));
-                       return JS_DefineProperty(context, meta, "url", url, JSPROP_ENUMERATE);
-                   });
+bool Modules::describe(JSContext*, JS::HandleValue file, JS::HandleObject meta) {
+    return guarded("import.meta", [&] {
+        defineProperty(meta, QStringLiteral("url"), toJsText("file://" + importerPath(file)));
+        return true;
+    });
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

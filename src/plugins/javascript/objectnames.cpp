@@ -1,8 +1,7 @@
 #include "plugins/javascript/objectnames.h"
 
 #include <QRegularExpression>
-#include <algorithm>
-#include <iterator>
+#include <QStringList>
 
 #include "interpreter/language/literals.h"
 #include "plugins/javascript/javascriptinterpreter.h"
@@ -12,27 +11,23 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 /// Words of the language, and what its library and ours define: no names of objects.
-constexpr const char* javaScriptWords[] = {
-    "AggregateError", "Array", "ArrayBuffer", "Atomics", "BigInt", "BigInt64Array",
-    "BigUint64Array", "Boolean", "DataView", "Date", "Error", "EvalError", "FinalizationRegistry",
-    "Float32Array", "Float64Array", "Function", "Infinity", "Int16Array", "Int32Array",
-    "Int8Array", "Intl", "JSON", "Map", "Math", "NaN", "Number", "Object", "Promise", "Proxy",
-    "RangeError", "ReferenceError", "Reflect", "RegExp", "RemoteSystem", "Set",
-    "SharedArrayBuffer", "String", "Symbol", "SyntaxError", "TypeError", "URIError",
-    "Uint16Array", "Uint32Array", "Uint8Array", "Uint8ClampedArray", "WeakMap", "WeakRef",
-    "WeakSet", "WebAssembly", "arguments", "async", "await", "break", "case", "catch", "class",
-    "clearTimeout", "console", "const", "continue", "debugger", "decodeURI", "decodeURIComponent",
-    "default", "delete", "do", "else", "encodeURI", "encodeURIComponent", "enum", "escape",
-    "eval", "export", "extends", "false", "finally", "for", "function", "globalThis", "if",
-    "implements", "import", "in", "instanceof", "interface", "isFinite", "isNaN", "let", "new",
-    "null", "of", "package", "parseFloat", "parseInt", "pending", "print", "private", "protected",
-    "public", "return", "setTimeout", "static", "super", "switch", "tamrix", "this", "throw",
-    "true", "try", "typeof", "undefined", "unescape", "var", "void", "while", "with", "yield"};
+constexpr const char* javaScriptWords =
+    "AggregateError Array ArrayBuffer Atomics BigInt BigInt64Array BigUint64Array Boolean "
+    "DataView Date Error EvalError FinalizationRegistry Float32Array Float64Array Function "
+    "Infinity Int16Array Int32Array Int8Array Intl JSON Map Math NaN Number Object Promise "
+    "Proxy RangeError ReferenceError Reflect RegExp RemoteSystem Set SharedArrayBuffer "
+    "String Symbol SyntaxError TypeError URIError Uint16Array Uint32Array Uint8Array "
+    "Uint8ClampedArray WeakMap WeakRef WeakSet WebAssembly arguments async await break case "
+    "catch class clearTimeout console const continue debugger decodeURI decodeURIComponent "
+    "default delete do else encodeURI encodeURIComponent enum escape eval export extends "
+    "false finally for function globalThis if implements import in instanceof interface "
+    "isFinite isNaN let new null of package parseFloat parseInt pending print private "
+    "protected public return setTimeout static super switch tamrix this throw true try "
+    "typeof undefined unescape var void while with yield";
 
 bool isJavaScriptVariable(const QString& name) {
-    const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return isPlainIdentifier(name) &&
-           std::none_of(std::begin(javaScriptWords), std::end(javaScriptWords), isThis);
+    static const QStringList s_words = QString::fromLatin1(javaScriptWords).split(' ');
+    return isPlainIdentifier(name) && !s_words.contains(name);
 }
 
 QString textLiteral(const QString& text) {

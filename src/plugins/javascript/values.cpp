@@ -2,6 +2,8 @@
 
 #include <js/Array.h>
 #include <js/BigInt.h>
+#include <js/CompilationAndEvaluation.h>
+#include <js/CompileOptions.h>
 #include <js/ContextOptions.h>
 #include <js/Date.h>
 #include <js/Equality.h>
@@ -329,6 +331,24 @@ private:
 
 bool areEqual(JS::HandleValue left, JS::HandleValue right) {
     return Comparison().areEqual(left, right);
+}
+
+// Code
+
+void setSource(const QString& text, JS::SourceText<char16_t>* source) {
+    checked(source->init(engineContext(), reinterpret_cast<const char16_t*>(text.utf16()),
+                         static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
+}
+
+JS::Value evaluateOwn(const QString& text, const char* name) {
+    JSContext* const context = engineContext();
+    JS::CompileOptions options(context);
+    options.setFileAndLine(name, 1);
+    JS::SourceText<char16_t> source;
+    setSource(text, &source);
+    JS::RootedValue value(context);
+    checked(JS::Evaluate(context, options, source, &value));
+    return value;
 }
 
 void clearException() {

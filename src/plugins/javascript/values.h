@@ -1,5 +1,6 @@
 #pragma once
 
+#include <js/SourceText.h>
 #include <jsapi.h>
 
 #include <QDateTime>
@@ -67,7 +68,14 @@ void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries
 /// pending for values that are too deep.
 bool areEqual(JS::HandleValue left, JS::HandleValue right);
 
-/// Runs code behind which no exception is pending.
+// Code
+
+/// The text as the compiler takes it, which has to outlive the source.
+void setSource(const QString& text, JS::SourceText<char16_t>* source);
+/// Runs code of the library's own, which stands in positions under a name in "<>". Its last value.
+JS::Value evaluateOwn(const QString& text, const char* name);
+
+/// What is pending is forgotten.
 void clearException();
 
 }  // namespace Tamrix::JavaScriptPlugin
