@@ -70,40 +70,54 @@ public:
         std::unique_ptr<Outer> m_outer;
     };
 
-    /// The same, with arguments that all stand at their places: add() gives them one after another.
-    /// Wrappers, of the plug-in's class, are used again as long as nobody has kept them; its
-    /// rebind() makes one stand for another value.
+    /// The same, with arguments that all stand at their places: add() gives them one after another,
+    /// complete() says that there are no more. Wrappers, of the plug-in's class, are used again as
+    /// long as nobody has kept them; its rebind() makes one stand for another value.
     template <typename Argument>
     class DirectCall : public Call {
     public:
-        explicit DirectCall(LanguageContext& context) : Call(context, false), m_own(context) {}
+        explicit DirectCall(LanguageContext& context) : Call(context, false), m_own(context) {
+            // Most calls have as many arguments as the one before.
+            m_own.argumentStorage().swap(m_own.m_wrappers);
+        }
         ~DirectCall() {
-            std::vector<SharedPtr<ScriptArgument>>& used = m_own.argumentStorage();
-            while (!used.empty()) {
-                if (used.back()->referenceCount() == 1) {
-                    static_cast<Argument*>(used.back().get())->rebind({});
-                    m_own.m_spareArguments.push_back(std::move(used.back()));
-                }
-                used.pop_back();
+            Arguments& used = m_own.argumentStorage();
+            bool areKept = false;
+            for (const SharedPtr<ScriptArgument>& each : used) {
+                if (each && each->referenceCount() == 1)
+                    static_cast<Argument*>(each.get())->rebind({});
+                else
+                    areKept = true;
             }
+            if (areKept)
+                std::erase_if(used, [](const SharedPtr<ScriptArgument>& each) {
+                    return !each || each->referenceCount() > 1;
+                });
+            used.swap(m_own.m_wrappers);
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
 
         template <typename Value>
         void add(Value&& value) {
-            std::vector<SharedPtr<ScriptArgument>>& spare = m_own.m_spareArguments;
-            if (spare.empty()) {
-                m_own.argumentStorage().emplace_back(new Argument(std::forward<Value>(value)));
-                return;
-            }
-            static_cast<Argument*>(spare.back().get())->rebind(std::forward<Value>(value));
-            m_own.argumentStorage().push_back(std::move(spare.back()));
-            spare.pop_back();
+            Arguments& used = m_own.argumentStorage();
+            if (m_count == used.size())
+                used.push_back(m_own.takeSpareWrapper());
+            SharedPtr<ScriptArgument>& wrapper = used[m_count];
+            if (wrapper)
+                static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
+            else
+                wrapper = new Argument(std::forward<Value>(value));
+            ++m_count;
+        }
+        void complete() {
+            if (m_count < m_own.argumentStorage().size())
+                m_own.spareWrappersFrom(m_count);
         }
 
     private:
         LanguageContext& m_own;
+        std::size_t m_count = 0;
     };
 
     /// By default nothing of the language is pending when a native function begins.
@@ -154,9 +168,17 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    using Arguments = std::vector<SharedPtr<ScriptArgument>>;
+    /// Null when there is none.
+    SharedPtr<ScriptArgument> takeSpareWrapper();
+    /// Those of the arguments that stand from this place on.
+    void spareWrappersFrom(std::size_t count);
+
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
-    std::vector<SharedPtr<ScriptArgument>> m_spareArguments;
+    /// Of arguments, for the next call, and what it has no use for.
+    Arguments m_wrappers;
+    Arguments m_spareWrappers;
     int m_depth = 0;
 };
 

@@ -55,6 +55,7 @@ const ScriptNotation& JavaScriptObjectMap::notation() const {
         textLiteral,
         isJavaScriptVariable,
         propertyName,
+        QStringLiteral("    "),
     };
     return s_notation;
 }

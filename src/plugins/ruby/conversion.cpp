@@ -1,62 +1,15 @@
 #include "plugins/ruby/conversion.h"
 
+#include <algorithm>
 #include <cmath>
 
-#include "plugins/ruby/protection.h"
+#include "interpreter/language/literals.h"
+#include "interpreter/language/looseutf8.h"
 
 namespace Tamrix::RubyPlugin {
 
-namespace {
-
-/// UTF-8 that also holds half pairs of surrogates.
-QByteArray toLooseUtf8(const QString& text) {
-    QByteArray bytes;
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar unit = text.at(index);
-        const bool isPair = unit.isHighSurrogate() && index + 1 < text.size() &&
-                            text.at(index + 1).isLowSurrogate();
-        if (unit.isSurrogate() && !isPair) {
-            bytes += static_cast<char>(0xE0 | (unit.unicode() >> 12));
-            bytes += static_cast<char>(0x80 | ((unit.unicode() >> 6) & 0x3F));
-            bytes += static_cast<char>(0x80 | (unit.unicode() & 0x3F));
-        } else {
-            bytes += text.mid(index, isPair ? 2 : 1).toUtf8();
-            index += isPair ? 1 : 0;
-        }
-    }
-    return bytes;
-}
-
-QString fromLooseUtf8(const QByteArray& bytes) {
-    QString text;
-    int begin = 0;
-    for (int index = 0; index + 2 < bytes.size(); ++index) {
-        const auto second = static_cast<unsigned char>(bytes.at(index + 1));
-        const auto third = static_cast<unsigned char>(bytes.at(index + 2));
-        const bool isSurrogate = static_cast<unsigned char>(bytes.at(index)) == 0xED &&
-                                 second >= 0xA0 && second <= 0xBF && (third & 0xC0) == 0x80;
-        if (!isSurrogate)
-            continue;
-        text += QString::fromUtf8(bytes.constData() + begin, index - begin);
-        text += QChar(0xD000 | ((second & 0x3F) << 6) | (third & 0x3F));
-        begin = index + 3;
-        index += 2;
-    }
-    return text + QString::fromUtf8(bytes.constData() + begin, bytes.size() - begin);
-}
-
-bool hasLoneSurrogate(const QString& text) {
-    return !text.isValidUtf16();
-}
-
-QByteArray bytesOf(VALUE string) {
-    return QByteArray(RSTRING_PTR(string), static_cast<int>(RSTRING_LEN(string)));
-}
-
-}  // namespace
-
 VALUE toRuby(const QString& text) {
-    const QByteArray bytes = hasLoneSurrogate(text) ? toLooseUtf8(text) : text.toUtf8();
+    const QByteArray bytes = toLooseUtf8(text);
     const char* const data = bytes.constData();
     const long size = bytes.size();
     return protect([=] { return rb_utf8_str_new(data, size); });
@@ -69,13 +22,7 @@ VALUE toRuby(const std::string& utf8) {
 }
 
 VALUE toRuby(const QStringList& texts) {
-    const long size = texts.size();
-    const VALUE array = protect([=] { return rb_ary_new_capa(size); });
-    for (const QString& text : texts) {
-        const VALUE entry = toRuby(text);
-        protect([=] { return rb_ary_push(array, entry); });
-    }
-    return array;
+    return arrayOf(texts, [](const QString& text) { return toRuby(text); });
 }
 
 VALUE toRuby(const QDateTime& time) {
@@ -103,12 +50,18 @@ QString fromRuby(VALUE text) {
     if (isUtf8)
         return range == ENC_CODERANGE_VALID && encoding == rb_utf8_encindex()
                    ? QString::fromUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
-                   : fromLooseUtf8(bytesOf(text));
+                   : fromLooseUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)));
     const VALUE converted = protect([=] {
         return rb_str_encode(text, rb_enc_from_encoding(rb_utf8_encoding()),
                              ECONV_INVALID_REPLACE | ECONV_UNDEF_REPLACE, Qnil);
     });
     return QString::fromUtf8(RSTRING_PTR(converted), static_cast<int>(RSTRING_LEN(converted)));
+}
+
+QByteArray bytesOfRuby(VALUE text) {
+    return RB_TYPE_P(text, T_STRING)
+               ? QByteArray(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
+               : QByteArray();
 }
 
 std::string utf8OfRuby(VALUE text) {
@@ -153,6 +106,11 @@ QString classNameOf(VALUE value) {
     return QString::fromUtf8(rb_class2name(rb_obj_class(value)));
 }
 
+std::vector<VALUE> itemsOf(VALUE array) {
+    const VALUE* const items = RARRAY_CONST_PTR(array);
+    return {items, items + RARRAY_LEN(array)};
+}
+
 std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash) {
     std::vector<std::pair<VALUE, VALUE>> entries;
     entries.reserve(RHASH_SIZE(hash));
@@ -165,6 +123,17 @@ std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash) {
         },
         reinterpret_cast<VALUE>(&entries));
     return entries;
+}
+
+QString rubyLiteral(const QString& text) {
+    const auto isPlain = [](QChar each) {
+        return each != '\\' && each != '\'' && (each.isPrint() || each.isSurrogate());
+    };
+    if (std::all_of(text.begin(), text.end(), isPlain))
+        return '\'' + text + '\'';
+    LiteralStyle style;
+    style.furtherEscaped = "#";
+    return literalOf(text, style);
 }
 
 QString snakeCase(const QString& name) {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "plugins/ruby/rubyapi.h"
+#include "plugins/ruby/protection.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -22,6 +22,8 @@ VALUE toRuby(const QDateTime& time);
 /// A String or Symbol, whatever its encoding; the null string for what is neither.
 QString fromRuby(VALUE text);
 std::string utf8OfRuby(VALUE text);
+/// The bytes of a String, whatever its encoding; none of anything else.
+QByteArray bytesOfRuby(VALUE text);
 /// A Time, Date or DateTime; invalid for anything else.
 QDateTime timeFromRuby(VALUE value);
 
@@ -31,8 +33,35 @@ QString textOf(VALUE value);
 /// The class's name as scripts write it.
 QString classNameOf(VALUE value);
 
+/// An Array of what `toValue` gives for each element of a range.
+template <typename Range, typename ToValue>
+VALUE arrayOf(const Range& range, ToValue toValue) {
+    const VALUE array = protect([] { return rb_ary_new(); });
+    for (const auto& each : range) {
+        const VALUE value = toValue(each);
+        protect([=] { return rb_ary_push(array, value); });
+    }
+    return array;
+}
+/// A Hash of the pairs of a range, of which `toValue` makes keys and values.
+template <typename Range, typename ToKey, typename ToValue>
+VALUE hashOf(const Range& range, ToKey toKey, ToValue toValue) {
+    const VALUE hash = protect([] { return rb_hash_new(); });
+    for (const auto& [name, each] : range) {
+        const VALUE key = toKey(name);
+        const VALUE value = toValue(each);
+        protect([=] { return rb_hash_aset(hash, key, value); });
+    }
+    return hash;
+}
+
+/// The elements of an Array. Who holds on to them keeps the Array as well.
+std::vector<VALUE> itemsOf(VALUE array);
 /// The entries of a Hash, in its order.
 std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash);
+
+/// The text as a literal of a script, on one line.
+QString rubyLiteral(const QString& text);
 
 /// wait_for_object for waitForObject.
 QString snakeCase(const QString& name);

@@ -2,9 +2,9 @@
 
 #include <QBuffer>
 #include <QImage>
-#include <QMap>
 
 #include "interpreter/generic/imageobjects.h"
+#include "interpreter/language/nativeclasses.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/holder.h"
 #include "plugins/ruby/nativefunctions.h"
@@ -13,29 +13,17 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-struct NativeClass {
-    void* super = nullptr;
-    VALUE rubyClass = Qnil;
-};
-
-/// By type identifier. The classes live for the process, as constants that Ruby knows.
-QMap<void*, NativeClass>& classes() {
-    static auto* const s_instance = new QMap<void*, NativeClass>;
+/// The classes live for the process, as constants that Ruby knows.
+NativeClasses<VALUE>& classes() {
+    static auto* const s_instance = new NativeClasses<VALUE>;
     return *s_instance;
 }
 
 VALUE s_nativeObject = Qnil;
 
 VALUE rubyClassOf(void* typeId) {
-    while (typeId) {
-        const auto found = classes().constFind(typeId);
-        if (found == classes().constEnd())
-            break;
-        if (!NIL_P(found->rubyClass))
-            return found->rubyClass;
-        typeId = found->super;
-    }
-    return s_nativeObject;
+    const VALUE* const made = classes().find(typeId);
+    return made ? *made : s_nativeObject;
 }
 
 // What images have in Ruby beyond their description
@@ -80,42 +68,12 @@ void addImageMethods(VALUE rubyClass) {
     rb_define_method(rubyClass, "to_png", imageToPng, 0);
 }
 
-void defineMembers(VALUE rubyClass, const ScriptContext& context, const QString& name,
-                   const NativeScriptType& type) {
-    defineSingleton(rubyClass, "new",
-                    entryOf(NativeFunction(context, {name, {}, {}, {}, {}}, type.constructor())));
-    const auto methods = type.methods();
-    for (auto each = methods.cbegin(); each != methods.cend(); ++each)
-        defineMethod(rubyClass, each.key(),
-                     entryOf(NativeFunction(context,
-                                            {each.key(), name, each->requiredParameters,
-                                             each->optionalParameters, each->description},
-                                            each->function)));
-    const auto staticMethods = type.staticMethods();
-    for (auto each = staticMethods.cbegin(); each != staticMethods.cend(); ++each)
-        defineSingleton(rubyClass, each.key(),
-                        entryOf(NativeFunction(context,
-                                               {each.key(), name, each->requiredParameters,
-                                                each->optionalParameters, each->description},
-                                               each->function)));
-    const auto properties = type.properties();
-    for (auto each = properties.cbegin(); each != properties.cend(); ++each) {
-        const NativeSignature signature{each.key(), name, {}, {}, {}};
-        defineMethod(rubyClass, each.key(),
-                     entryOf(NativeFunction(context, signature, each->getter)));
-        if (each->setter)
-            defineMethod(rubyClass, each.key() + "=",
-                         entryOf(NativeFunction(context, signature, each->setter)));
-    }
-    const auto staticProperties = type.staticProperties();
-    for (auto each = staticProperties.cbegin(); each != staticProperties.cend(); ++each) {
-        const NativeSignature signature{each.key(), name, {}, {}, {}};
-        constexpr auto kind = NativeFunction::Kind::StaticAccessor;
-        defineSingleton(rubyClass, each.key(),
-                        entryOf(NativeFunction(context, signature, each->getter, kind)));
-        if (each->setter)
-            defineSingleton(rubyClass, each.key() + "=",
-                            entryOf(NativeFunction(context, signature, each->setter, kind)));
+void defineMembers(VALUE rubyClass, const std::vector<NativeMember>& members) {
+    for (const NativeMember& member : members) {
+        const auto define = member.isStatic() ? defineSingleton : defineMethod;
+        define(rubyClass, member.name, entryOf(member.function));
+        if (member.setter)
+            define(rubyClass, member.name + "=", entryOf(*member.setter));
     }
 }
 
@@ -129,27 +87,20 @@ void defineNativeBase(VALUE module) {
 
 VALUE defineNativeClass(VALUE module, const ScriptContext& context, const QString& name,
                         void* typeId, const NativeScriptType& type) {
-    NativeClass& entry = classes()[typeId];
-    entry.super = type.super();
     const QString constant = name.left(1).toUpper() + name.mid(1);
-    entry.rubyClass =
-        rb_define_class_under(module, constant.toUtf8().constData(),
-                              type.super() ? rubyClassOf(type.super()) : s_nativeObject);
-    defineMembers(entry.rubyClass, context, name, type);
+    const VALUE rubyClass =
+        rb_define_class_under(module, constant.toUtf8().constData(), rubyClassOf(type.super()));
+    classes().add(typeId, type.super(), rubyClass);
+    defineSingleton(rubyClass, "new", entryOf(nativeConstructor(context, name, type)));
+    defineMembers(rubyClass, nativeMembers(context, name, type));
     if (typeId == ImageScriptObject::staticTypeId())
-        addImageMethods(entry.rubyClass);
-    return entry.rubyClass;
+        addImageMethods(rubyClass);
+    return rubyClass;
 }
 
 VALUE wrapNative(const SharedPtr<NativeScriptObject>& object) {
     return Holder<NativeScriptObject>::wrap(
         object, object ? rubyClassOf(object->typeId()) : s_nativeObject);
-}
-
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted) {
-    while (typeId && typeId != wanted)
-        typeId = classes().value(typeId).super;
-    return typeId && typeId == wanted;
 }
 
 }  // namespace Tamrix::RubyPlugin

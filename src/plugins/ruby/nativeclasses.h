@@ -22,7 +22,4 @@ VALUE defineNativeClass(VALUE module, const ScriptContext& context, const QStrin
 /// An object of the class made for its type, or for the next base class that has one.
 VALUE wrapNative(const SharedPtr<NativeScriptObject>& object);
 
-/// Whether the type is the wanted one or derives from it.
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted);
-
 }  // namespace Tamrix::RubyPlugin

@@ -7,11 +7,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "interpreter/language/directcall.h"
 #include "interpreter/language/objectcalls.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/holder.h"
 #include "plugins/ruby/rubyargument.h"
+#include "plugins/ruby/rubydebugger.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyruntime.h"
 
@@ -47,18 +49,6 @@ int blockPlaceOf(const Parameters& parameters) {
     return -1;
 }
 
-/// Whether an argument that may be left out is nil.
-bool leavesOut(const Slot& slot, int count, const VALUE* arguments) {
-    const Parameters& parameters = slot.function.parameters();
-    const int before = slot.front == Front::Self ? 1 : 0;
-    const int end = std::min(count + before, static_cast<int>(parameters.names.size()));
-    for (int index = std::max(parameters.requiredCount, before); index < end; ++index) {
-        if (NIL_P(arguments[index - before]))
-            return true;
-    }
-    return false;
-}
-
 /// Names as Ruby people write them mean the parameters, too: object_or_name.
 void renameToParameters(CallArguments& arguments, const Parameters& parameters) {
     for (auto& [name, value] : arguments.named) {
@@ -85,22 +75,20 @@ SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
 }
 
 /// The call as nearly all are: without names, block and gaps.
-VALUE callDirectly(RubyInterpreter& interpreter, const Slot& slot, int count,
-                   const VALUE* arguments, VALUE self) {
-    interpreter.output().flush();
-    RubyContext& context = interpreter.rubyContext();
-    RubyContext::DirectCall call(context, slot.front == Front::Self ? &self : nullptr, count,
-                                 arguments);
+ScriptResult callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count,
+                         const VALUE* arguments, VALUE self) {
+    const auto add = [&](LanguageContext::DirectCall<RubyArgument>& call) {
+        if (slot.front == Front::Self)
+            call.add(self);
+        for (int index = 0; index < count; ++index)
+            call.add(arguments[index]);
+    };
     try {
-        slot.function.run(context, receiver(slot, self));
+        return callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self), add);
     } catch (const std::exception& exception) {
-        context.setError(
-            thrownIn(slot.function.displayName(), QString::fromUtf8(exception.what())).text);
+        return tl::unexpected<ScriptFailure>(
+            thrownIn(slot.function.displayName(), QString::fromUtf8(exception.what())));
     }
-    interpreter.noticeApplication();
-    if (context.hasError())
-        raiseFailure(failureOf(context));
-    return rubyValue(call.takeResult());
 }
 
 /// A call that may be in another one. Ruby's own limit comes late for those, and each level has an
@@ -123,15 +111,19 @@ private:
 };
 
 VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
+    const int before = slot.front == Front::Self ? 1 : 0;
+    const auto isNil = [=](int index) {
+        return index >= before && NIL_P(arguments[index - before]);
+    };
     const bool isPlain = rb_block_given_p() == 0 && rb_keyword_given_p() == 0 &&
                          slot.function.kind() != NativeFunction::Kind::Constructor &&
-                         !leavesOut(slot, count, arguments);
+                         areInPlace(slot.function.parameters(), count + before, isNil);
     dropReleased();
     const NestedCall nested(slot);
     RubyInterpreter* const active = RubyInterpreter::active();
     VALUE result = Qnil;
     if (isPlain && active && active->isScriptThread()) {
-        result = callDirectly(*active, slot, count, arguments, self);
+        result = valueOrRaise(callInPlace(*active, slot, count, arguments, self));
     } else {
         CallArguments given = givenArguments(count, arguments);
         renameToParameters(given, slot.function.parameters());
@@ -198,7 +190,7 @@ CallArguments givenArguments(int count, const VALUE* arguments) {
 void raiseFailure(const ScriptFailure& failure) {
     const VALUE exception = exceptionOf(failure);
     if (RubyInterpreter* const interpreter = RubyInterpreter::active())
-        interpreter->noticeFailure(failure, exception);
+        interpreter->failures().notice(failure, interpreter->rubyDebugger(), exception);
     throwException(exception);
 }
 

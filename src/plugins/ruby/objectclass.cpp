@@ -12,11 +12,6 @@ namespace {
 
 VALUE s_objectClass = Qnil;
 
-/// Methods of every Ruby object that go by names which applications have as well. Without them the
-/// application is asked.
-const char* const hiddenMethods[] = {"clone",  "display", "dup",  "extend", "freeze",
-                                     "itself", "method",  "send", "tap",    "then"};
-
 SharedPtr<Object> objectOf(VALUE self) {
     return Holder<Object>::unwrap(self);
 }
@@ -42,30 +37,13 @@ VALUE methodMissing(int count, VALUE* arguments, VALUE self) {
     });
 }
 
-VALUE respondToMissing(VALUE self, VALUE symbol, VALUE) {
+/// The names of the object's members, as an Array.
+VALUE membersOf(VALUE, VALUE object) {
     return enterNative([=] {
-        QString name = fromRuby(symbol);
-        // What Ruby asks for conversions is nothing of an application.
-        if (name.startsWith("to_"))
-            return Qfalse;
-        if (name.endsWith('='))
-            name.chop(1);
-        const auto members = listMembers(active(), objectOf(self));
-        return members && members->contains(name) ? Qtrue : Qfalse;
-    });
-}
-
-VALUE listMethods(int count, VALUE* arguments, VALUE self) {
-    return enterNative([=] {
-        const auto members = listMembers(active(), objectOf(self));
+        const auto members = listMembers(active(), givenObject(object));
         if (!members)
             raiseFailure(members.error());
-        const VALUE names = protect([=] { return rb_call_super(count, arguments); });
-        for (const QString& member : *members) {
-            const VALUE text = toRuby(member);
-            protect([=] { return rb_ary_push(names, rb_str_intern(text)); });
-        }
-        return names;
+        return toRuby(*members);
     });
 }
 
@@ -102,24 +80,26 @@ VALUE isNil(VALUE self) {
 
 }  // namespace
 
-void defineObjectClass(VALUE module) {
+void defineObjectClass(VALUE module, VALUE native) {
     s_objectClass = rb_define_class_under(module, "Object", rb_cObject);
     rb_gc_register_address(&s_objectClass);
     rb_undef_alloc_func(s_objectClass);
     rb_undef_method(CLASS_OF(s_objectClass), "new");
-    for (const char* const name : hiddenMethods)
-        rb_undef_method(s_objectClass, name);
     rb_define_private_method(s_objectClass, "method_missing", methodMissing, -1);
-    rb_define_private_method(s_objectClass, "respond_to_missing?", respondToMissing, 2);
-    rb_define_method(s_objectClass, "methods", listMethods, -1);
     rb_define_method(s_objectClass, "[]", getByName, 1);
     rb_define_method(s_objectClass, "[]=", setByName, 2);
     rb_define_method(s_objectClass, "inspect", objectInspect, 0);
-    rb_define_method(s_objectClass, "to_s", objectInspect, 0);
     rb_define_method(s_objectClass, "==", objectEqual, 1);
-    rb_define_method(s_objectClass, "eql?", objectEqual, 1);
     rb_define_method(s_objectClass, "hash", hashOf, 0);
     rb_define_method(s_objectClass, "nil?", isNil, 0);
+    rb_define_singleton_method(native, "members", membersOf, 1);
+}
+
+SharedPtr<Object> givenObject(VALUE value) {
+    const SharedPtr<Object> object = objectOf(value);
+    if (!object)
+        throwException(rb_eTypeError, "not an object of an application: " + classNameOf(value));
+    return object;
 }
 
 VALUE wrapObject(const SharedPtr<Object>& object) {

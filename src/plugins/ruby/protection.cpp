@@ -2,7 +2,6 @@
 
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
-#include "plugins/ruby/rubyref.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -71,6 +70,13 @@ bool isOrdinaryError() {
             return false;
     }
     return true;
+}
+
+PendingKept::PendingKept() : m_state(pending().state), m_exception(pending().exception) {}
+
+PendingKept::~PendingKept() {
+    pending().state = m_state;
+    pending().exception = m_exception;
 }
 
 void resumeJump() {

@@ -6,6 +6,7 @@
 
 #include "interpreter/language/scripterrorset.h"
 #include "plugins/ruby/rubyapi.h"
+#include "plugins/ruby/rubyref.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -29,6 +30,18 @@ VALUE takeException();
 /// Whether what is pending is an error that a native function may report: not an exit, a skip,
 /// Ctrl-C or a jump to somewhere else.
 bool isOrdinaryError();
+/// Keeps what is pending, whatever is raised and taken until the end of the scope.
+class PendingKept {
+public:
+    PendingKept();
+    ~PendingKept();
+    PendingKept(const PendingKept&) = delete;
+    PendingKept& operator=(const PendingKept&) = delete;
+
+private:
+    int m_state;
+    RubyRef m_exception;
+};
 /// Goes on where the exception or jump leads. Nothing with a destructor may be alive.
 [[noreturn]] void resumeJump();
 /// Keeps an exception for later that can't be raised now, as one that comes while native code
@@ -75,6 +88,14 @@ VALUE enterNative(Work work) {
     if (left)
         resumeJump();
     return result;
+}
+
+/// Throws a TypeError for a value of another type, such as T_STRING.
+inline void requireType(VALUE value, int type) {
+    protect([=] {
+        rb_check_type(value, type);
+        return Qnil;
+    });
 }
 
 /// Calls a method.

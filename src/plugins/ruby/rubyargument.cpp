@@ -1,13 +1,10 @@
 #include "plugins/ruby/rubyargument.h"
 
-#include "platform/objectmodel/inspector.h"
+#include "interpreter/objects/objectidentity.h"
 #include "plugins/ruby/conversion.h"
-#include "plugins/ruby/nativeclasses.h"
-#include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/scripterrors.h"
-#include "plugins/ruby/valueclasses.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -30,10 +27,6 @@ long long integerOf(VALUE value) {
     return result;
 }
 
-bool isBinary(VALUE string) {
-    return rb_enc_get_index(string) == rb_ascii8bit_encindex();
-}
-
 }  // namespace
 
 // Type tests
@@ -49,10 +42,6 @@ bool RubyArgument::isNumber() const {
 
 bool RubyArgument::isString() const {
     return RB_TYPE_P(value(), T_STRING) || RB_SYMBOL_P(value());
-}
-
-bool RubyArgument::isObject() const {
-    return Holder<Object>::check(value());
 }
 
 bool RubyArgument::isCallable() const {
@@ -93,22 +82,12 @@ QString RubyArgument::toString() const {
     return textOf(value());
 }
 
-SharedPtr<Object> RubyArgument::toObject() const {
-    return Holder<Object>::unwrap(value());
-}
-
-const Class* RubyArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
-}
-
 ScriptArgument::List RubyArgument::toList() const {
     List values;
     if (!isList())
         return values;
-    const long count = RARRAY_LEN(value());
-    values.reserve(static_cast<std::size_t>(count));
-    for (long index = 0; index < count; ++index)
-        values.push_back(new RubyArgument(rb_ary_entry(value(), index)));
+    for (const VALUE each : itemsOf(value()))
+        values.push_back(new RubyArgument(each));
     return values;
 }
 
@@ -125,49 +104,22 @@ ScriptArgument::Map RubyArgument::toMap() const {
     return values;
 }
 
-SharedPtr<NativeScriptObject> RubyArgument::toNative(void* typeId) const {
-    const SharedPtr<NativeScriptObject> native = Holder<NativeScriptObject>::unwrap(value());
-    return native && isNativeTypeDerivedFrom(native->typeId(), typeId) ? native : nullptr;
+std::optional<QByteArray> RubyArgument::bytes() const {
+    if (RB_TYPE_P(value(), T_STRING) && rb_enc_get_index(value()) == rb_ascii8bit_encindex())
+        return bytesOfRuby(value());
+    return std::nullopt;
 }
 
-SharedPtr<TestDataSet> RubyArgument::toTestDataSet() const {
-    return Holder<TestDataSet>::unwrap(value());
+QDateTime RubyArgument::time() const {
+    return RB_SPECIAL_CONST_P(value()) ? QDateTime() : timeFromRuby(value());
 }
 
-SharedPtr<ApplicationContext> RubyArgument::toApplicationContext() const {
-    return Holder<ApplicationContext>::unwrap(value());
+SharedPtr<ScriptArgument> RubyArgument::called(const List& arguments) const {
+    return new RubyArgument(callCallable(value(), {arguments, {}}));
 }
 
-const TestDataRecord* RubyArgument::toTestDataRecord() const {
-    return unwrapRecord(value());
-}
-
-std::optional<QVariant> RubyArgument::toVariant() const {
-    if (isNull())
-        return QVariant();
-    if (RB_TYPE_P(value(), T_STRING) && isBinary(value()))
-        return QByteArray(RSTRING_PTR(value()), static_cast<int>(RSTRING_LEN(value())));
-    const QDateTime time = RB_SPECIAL_CONST_P(value()) ? QDateTime() : timeFromRuby(value());
-    if (time.isValid())
-        return time;
-    return ScriptArgument::toVariant();
-}
-
-// Callables
-
-SharedPtr<ScriptArgument> RubyArgument::call(const List& arguments, QString* error) {
-    try {
-        return new RubyArgument(callCallable(value(), {arguments, {}}));
-    } catch (const ScriptErrorSet&) {
-        // What ends the script is not the caller's to report.
-        if (!isOrdinaryError())
-            throw;
-    }
-    const ScriptError raised = takeScriptError();
-    if (RubyInterpreter* const interpreter = RubyInterpreter::active())
-        interpreter->setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+LanguageInterpreter* RubyArgument::active() {
+    return RubyInterpreter::active();
 }
 
 QString RubyArgument::callableIdentifier() const {

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "interpreter/bridge/scriptargument.h"
+#include "interpreter/language/languageargument.h"
+#include "plugins/ruby/holder.h"
 #include "plugins/ruby/rubyref.h"
 
 namespace Tamrix::RubyPlugin {
 
 /// One Ruby value as a script value. Conversions that Ruby refuses throw ScriptErrorSet.
-class RubyArgument final : public ScriptArgument {
+class RubyArgument final : public LanguageArgument<RubyArgument> {
 public:
     explicit RubyArgument(VALUE value) : m_value(value) {}
 
@@ -21,33 +22,29 @@ public:
     bool isInteger() const override { return RB_INTEGER_TYPE_P(value()); }
     /// Also a Symbol, which is how scripts like to write names.
     bool isString() const override;
-    bool isObject() const override;
-    /// A class of the application is given by its name.
-    bool isClass() const override { return toClass() != nullptr; }
     bool isCallable() const override;
     bool isList() const override { return RB_TYPE_P(value(), T_ARRAY); }
     bool isMap() const override { return RB_TYPE_P(value(), T_HASH); }
-    bool isNative(void* typeId) const override { return bool(toNative(typeId)); }
+    bool isNull() const override { return NIL_P(value()); }
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet with a RangeError for an Integer beyond 64 bits.
     long long toInt() const override;
     QString toString() const override;
-    SharedPtr<Object> toObject() const override;
-    const Class* toClass() const override;
     List toList() const override;
     Map toMap() const override;
-    SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
-    SharedPtr<TestDataSet> toTestDataSet() const override;
-    SharedPtr<ApplicationContext> toApplicationContext() const override;
-    SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
     QString callableIdentifier() const override;
-    const TestDataRecord* toTestDataRecord() const override;
-    /// Also nil, binary Strings and times.
-    std::optional<QVariant> toVariant() const override;
-    bool isNull() const override { return NIL_P(value()); }
 
-    using ScriptArgument::toNative;
+    // For LanguageArgument.
+    template <typename T>
+    SharedPtr<T> held() const {
+        return Holder<T>::unwrap(value());
+    }
+    /// Of a String that is binary.
+    std::optional<QByteArray> bytes() const;
+    QDateTime time() const;
+    SharedPtr<ScriptArgument> called(const List& arguments) const;
+    static LanguageInterpreter* active();
 
 private:
     RubyRef m_value;

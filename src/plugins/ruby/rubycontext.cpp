@@ -1,6 +1,6 @@
 #include "plugins/ruby/rubycontext.h"
 
-#include "interpreter/language/stepactions.h"
+#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
 #include "plugins/ruby/nativeclasses.h"
@@ -49,10 +49,6 @@ SharedPtr<ScriptArgument> RubyContext::createBool(bool value) {
     return argumentOf(value ? Qtrue : Qfalse);
 }
 
-SharedPtr<ScriptArgument> RubyContext::createInteger(int value) {
-    return argumentOf(INT2FIX(value));
-}
-
 SharedPtr<ScriptArgument> RubyContext::createInt64(long long value) {
     return argumentOf(LL2NUM(value));
 }
@@ -77,24 +73,13 @@ SharedPtr<ScriptArgument> RubyContext::createBytes(const QByteArray& value) {
 
 SharedPtr<ScriptArgument> RubyContext::createList(
     const std::vector<SharedPtr<ScriptArgument>>& values) {
-    const long size = static_cast<long>(values.size());
-    const VALUE array = protect([=] { return rb_ary_new_capa(size); });
-    for (const SharedPtr<ScriptArgument>& each : values) {
-        const VALUE value = rubyValue(each);
-        protect([=] { return rb_ary_push(array, value); });
-    }
-    return argumentOf(array);
+    return argumentOf(arrayOf(values, rubyValue));
 }
 
 SharedPtr<ScriptArgument> RubyContext::createMap(
     const std::map<QString, SharedPtr<ScriptArgument>>& values) {
-    const VALUE hash = protect([] { return rb_hash_new(); });
-    for (const auto& [name, each] : values) {
-        const VALUE key = toRuby(name);
-        const VALUE value = rubyValue(each);
-        protect([=] { return rb_hash_aset(hash, key, value); });
-    }
-    return argumentOf(hash);
+    return argumentOf(hashOf(
+        values, [](const QString& name) { return toRuby(name); }, rubyValue));
 }
 
 SharedPtr<ScriptArgument> RubyContext::createNative(SharedPtr<NativeScriptObject> object) {
@@ -117,41 +102,28 @@ SharedPtr<ScriptArgument> RubyContext::createLocation(const ScriptLocation& loca
     return argumentOf(wrapLocation(location));
 }
 
-// Registration: each entry of the tables becomes a name of Ruby too.
+// Registration
 
-void RubyContext::addGlobalFunction(const QString& name, Function function) {
-    ScriptContext::addGlobalFunction(name, function);
-    defineGlobal(name, entryOf(NativeFunction(*this, signatureOfTable({}, name), function)));
+void RubyContext::define(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    if (signature.owner.isEmpty())
+        defineGlobal(signature.name, entryOf(function));
+    else
+        defineSingleton(RubyRuntime::self().nameSpace(signature.owner), signature.name,
+                        entryOf(function));
 }
 
-void RubyContext::addStaticMemberFunction(const QString& className, const QString& name,
-                                          Function function) {
-    ScriptContext::addStaticMemberFunction(className, name, function);
-    defineSingleton(RubyRuntime::self().nameSpace(className), name,
-                    entryOf(NativeFunction(*this, signatureOfTable(className, name), function)));
+void RubyContext::defineMember(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    const VALUE rubyClass = classOfMembers(signature.owner);
+    if (NIL_P(rubyClass))
+        LanguageContext::defineMember(function);
+    else
+        defineMethod(rubyClass, signature.name, entryOf(function, Front::Self));
 }
 
-void RubyContext::addMemberFunction(const QString& className, const QString& name,
-                                    Function function) {
-    ScriptContext::addMemberFunction(className, name, function);
-    const VALUE rubyClass = classOfMembers(className);
-    if (NIL_P(rubyClass)) {
-        qWarning("Ruby has no class for the member functions of %s",
-                 className.toLocal8Bit().constData());
-        return;
-    }
-    defineMethod(
-        rubyClass, name,
-        entryOf(NativeFunction(*this, signatureOfTable(className, name), function), Front::Self));
-}
-
-void RubyContext::addConstant(const QString& name, int value) {
-    ScriptContext::addConstant(name, value);
-    const QString separator = QStringLiteral("::");
-    const bool isOfNameSpace = name.contains(separator);
-    const QString own = isOfNameSpace ? name.section(separator, 1) : name;
-    RubyRuntime::self().defineConstant(isOfNameSpace ? name.section(separator, 0, 0) : QString(),
-                                       own, value);
+void RubyContext::defineConstant(const QString& owner, const QString& name, int value) {
+    RubyRuntime::self().defineConstant(owner, name, value);
 }
 
 // Positions
@@ -169,52 +141,28 @@ bool RubyContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptAr
 }
 
 std::pair<QString, QString> RubyContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    try {
-        if (code->isString())
-            evaluateInCaller(code->toString(), "(test.exception)");
-        else if (code->isCallable())
-            callCallable(rubyValue(code), {});
-        else
-            return {QString(), "Neither code as text nor a callable: " + code->toString()};
-    } catch (const ScriptErrorSet&) {
-        if (!isOrdinaryError())
-            throw;
-        // A slip in the code is not the exception that the test is about.
-        if (rb_obj_is_kind_of(pendingException(), rb_eSyntaxError) == Qtrue)
-            return {QString(), "The code is not valid: " + takeScriptError().message};
-        return {"Raised " + takeScriptError().message, QString()};
-    }
-    return {QString(), QStringLiteral("No exception was raised")};
+    constexpr auto fileName = "(test.exception)";
+    const auto slip = [&](const QString& text) {
+        const auto error =
+            m_interpreter.attempt([&] { RubyRuntime::self().compile(text, fileName); });
+        return error ? error->message : QString();
+    };
+    return attemptException(*code,
+                            {slip, [&](const QString& text) { evaluateInCaller(text, fileName); },
+                             [&] { callCallable(rubyValue(code), {}); }});
 }
 
 bool RubyContext::evaluateCondition(const QString& expression, QString* error) {
-    try {
-        return RTEST(evaluateInCaller(expression, "(waitFor)"));
-    } catch (const ScriptErrorSet&) {
-        if (!isOrdinaryError())
-            throw;
-    }
-    *error = takeScriptError().message;
-    return false;
+    return attemptCondition([&] { return RTEST(evaluateInCaller(expression, "(waitFor)")); },
+                            error);
 }
 
 bool RubyContext::evaluate(const QString& text, const QString& fileName) {
-    // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.steps().registry().forget(fileName);
-    try {
-        RubyRuntime::self().run(text, fileName);
-        return true;
-    } catch (const ScriptErrorSet&) {
-        if (!isOrdinaryError())
-            throw;
-    }
-    const ScriptError error = takeScriptError();
-    setError(error.callStack.empty()
-                 ? error.message
-                 : QStringLiteral("%1:%2: %3")
-                       .arg(error.callStack.front().fileName(),
-                            QString::number(error.callStack.front().lineNumber()), error.message));
-    return false;
+    return evaluateFile(fileName, [&] { RubyRuntime::self().run(text, fileName); });
+}
+
+QString RubyContext::explainArgument(const char* parameter) {
+    return explainCall(parameter);
 }
 
 }  // namespace Tamrix::RubyPlugin

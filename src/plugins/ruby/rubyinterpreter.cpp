@@ -61,8 +61,7 @@ RubyInterpreter::~RubyInterpreter() {
     setDebugger(nullptr);
     output().flush();
     if (end()) {
-        m_skip.reset();
-        m_originOf.reset();
+        m_failures.clear();
         if (m_hasStarted && m_hasInitScripts)
             runtime.popState();
         runtime.restoreState();
@@ -74,27 +73,7 @@ LanguageDebugger& RubyInterpreter::languageDebugger() {
     return *m_debugger;
 }
 
-void RubyInterpreter::noticeFailure(const ScriptFailure& failure, VALUE exception) {
-    if (failure.isSkip)
-        m_skip = exception;
-    if (failure.origin.line >= 0) {
-        m_originOf = exception;
-        m_errorOrigin =
-            LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
-    }
-}
-
 // Names for scripts
-
-void RubyInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                        const QStringList& requiredParameters,
-                                        const QStringList& optionalParameters,
-                                        const QString& description) {
-    defineGlobal(name,
-                 entryOf(NativeFunction(
-                     *m_context, {name, {}, requiredParameters, optionalParameters, description},
-                     function)));
-}
 
 void RubyInterpreter::addNativeType(const QString& name, void* typeId,
                                     const NativeScriptType& type) {
@@ -114,7 +93,8 @@ void RubyInterpreter::publishFunctions(const QStringList& names) {
 }
 
 QString RubyInterpreter::addToSearchPath(const QFileInfo& directory) {
-    return RubyRuntime::self().addToSearchPath(directory.absoluteFilePath());
+    RubyRuntime::self().addToSearchPath(directory.absoluteFilePath());
+    return {};
 }
 
 bool RubyInterpreter::isErrorOrdinary() {
@@ -130,12 +110,12 @@ ScriptError RubyInterpreter::takeError() {
 void RubyInterpreter::startScript(const QString& path, const QStringList& arguments,
                                   const QStringList& folders) {
     RubyRuntime& runtime = RubyRuntime::self();
-    m_skip.reset();
-    m_originOf.reset();
+    m_failures.clear();
     // What init scripts have defined before the first script stays for all.
     if (m_hasStarted) {
         runtime.runExitBlocks();
         runtime.restoreState();
+        m_debugger->updateTracePoints();
     } else if (m_hasInitScripts) {
         runtime.pushState();
     }
@@ -146,24 +126,16 @@ void RubyInterpreter::startScript(const QString& path, const QStringList& argume
 
 bool RubyInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
-    try {
-        RubyRuntime::self().compile(text, fileName);
-        return succeed();
-    } catch (const ScriptErrorSet&) {
-        return failWithPending(true);
-    }
+    return runCode(true, [&] { RubyRuntime::self().compile(text, fileName); });
 }
 
 bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
     if (fileName.isEmpty() && !m_hasStarted)
         m_hasInitScripts = true;
-    try {
+    return runCode(!fileName.isEmpty(), [&] {
         throwPostponed();
         RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
-        return succeed();
-    } catch (const ScriptErrorSet&) {
-        return failWithPending(!fileName.isEmpty());
-    }
+    });
 }
 
 SharedPtr<ScriptArgument> RubyInterpreter::scriptFunction(const QString& name) {
@@ -177,25 +149,15 @@ SharedPtr<ScriptArgument> RubyInterpreter::libraryFunction(const QString& name) 
 LanguageInterpreter::CallEnd RubyInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                    const CallArguments& arguments, const QString&,
                                                    bool isCallback) {
-    try {
+    return runCall(isCallback, [&] {
         throwPostponed();
         callCallable(rubyValue(function), arguments);
-        succeed();
-        return CallEnd::Succeeded;
-    } catch (const ScriptErrorSet&) {
-        if (isCallback && !isOrdinaryError())
-            throw;
-    }
-    const bool isPending = isPendingStep(pendingException());
-    if (failWithPending(true))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
+    });
 }
 
-bool RubyInterpreter::failWithPending(bool hasFile) {
-    output().flush();
+void RubyInterpreter::errorUncaught() {
+    const PendingKept kept;
     m_debugger->errorUncaught(pendingException());
-    return failWith(takeScriptError(), hasFile);
 }
 
 Outcome<QString> RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
@@ -214,16 +176,7 @@ Outcome<QString> RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const
 }
 
 LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    try {
-        const VALUE location = callMethod(rubyValue(function), "source_location");
-        if (RB_TYPE_P(location, T_ARRAY))
-            return LineInfo(scriptPath(fromRuby(rb_ary_entry(location, 0)).toUtf8()),
-                            NUM2INT(rb_ary_entry(location, 1)));
-    } catch (const ScriptErrorSet&) {
-        // It is nothing that is defined anywhere.
-        takeException();
-    }
-    return {};
+    return definitionOf(rubyValue(function));
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "interpreter/language/languageinterpreter.h"
-#include "interpreter/language/scriptfailure.h"
+#include "interpreter/language/noticedfailures.h"
 #include "plugins/ruby/rubycontext.h"
 #include "plugins/ruby/rubyref.h"
 
@@ -29,21 +29,12 @@ public:
     RubyContext& rubyContext() { return *m_context; }
     RubyDebugger& rubyDebugger() { return *m_debugger; }
 
-    /// Remembers of an exception what it can't hold: that it is the one by which a skip ends the
-    /// script, and that it stands in a file that is none of Ruby's.
-    void noticeFailure(const ScriptFailure& failure, VALUE exception);
-    bool isSkip(VALUE exception) const { return m_skip && m_skip.get() == exception; }
-    bool hasOrigin(VALUE exception) const { return m_originOf && m_originOf.get() == exception; }
-    LineInfo errorOrigin() const { return m_errorOrigin; }
+    NoticedFailures<RubyRef>& failures() { return m_failures; }
 
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
     QString addToSearchPath(const QFileInfo& directory) override;
-    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                           const QStringList& requiredParameters,
-                           const QStringList& optionalParameters,
-                           const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
 
 protected:
@@ -58,15 +49,12 @@ protected:
     Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
-private:
-    /// The end of script code that was left by what is pending.
-    bool failWithPending(bool hasFile);
+    void errorUncaught() override;
 
+private:
     std::unique_ptr<RubyContext> m_context;
     std::unique_ptr<RubyDebugger> m_debugger;
-    RubyRef m_skip;
-    RubyRef m_originOf;
-    LineInfo m_errorOrigin;
+    NoticedFailures<RubyRef> m_failures;
     bool m_hasStarted = false;
     bool m_hasInitScripts = false;
 };

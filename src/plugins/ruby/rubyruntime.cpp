@@ -1,20 +1,23 @@
 #include "plugins/ruby/rubyruntime.h"
 
+#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
 #include <csignal>
 #include <cstdio>
 #include <stdexcept>
 
+#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/nativeclasses.h"
 #include "plugins/ruby/nativefunctions.h"
 #include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubydebugger.h"
+#include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyoutput.h"
 #include "plugins/ruby/rubywaits.h"
-#include "plugins/ruby/runtimestate.h"
 #include "plugins/ruby/scripterrors.h"
 #include "plugins/ruby/stepfunctions.h"
 #include "plugins/ruby/valueclasses.h"
@@ -72,13 +75,9 @@ VALUE getGlobal(VALUE) {
     return gettersByName().value(rb_frame_callee(), Qnil);
 }
 
-VALUE giveConstant(RB_BLOCK_CALL_FUNC_ARGLIST(, constant)) {
-    return constant;
-}
-
-VALUE nameSpaceInspect(VALUE self) {
-    return rb_ivar_get(self, rb_intern("@name"));
-}
+/// What of the plug-in is written in Ruby, in the order in which it is run.
+constexpr const char* preludeFiles[] = {"state", "values",    "objects",     "output",
+                                        "steps", "condition", "remotesystem"};
 
 VALUE evaluateSource(const char* source) {
     return protect([=] { return rb_eval_string(source); });
@@ -127,15 +126,18 @@ void RubyRuntime::defineTamrix() {
     rb_gc_register_address(&m_state);
     defineExceptions(m_module);
     defineValueClasses(m_module);
-    defineObjectClass(m_module);
     defineNativeBase(m_module);
-    defineOutput(m_module);
-    defineStepFunctions(m_module);
-    const VALUE type = rb_define_class_under(m_module, "Namespace", rb_cObject);
-    rb_define_method(type, "inspect", nameSpaceInspect, 0);
-    rb_define_method(type, "to_s", nameSpaceInspect, 0);
-    for (const char* const source : prelude)
-        evaluateSource(source);
+    const VALUE native = rb_define_module_under(m_module, "Native");
+    defineObjectClass(m_module, native);
+    defineOutput(m_module, native);
+    defineStepFunctions(native);
+    defineConditions(native);
+    for (const char* const name : preludeFiles) {
+        QFile source(QStringLiteral(":/tamrix/ruby/%1.rb").arg(name));
+        source.open(QIODevice::ReadOnly);
+        // Ruby gives such names to what it has itself.
+        run(QString::fromUtf8(source.readAll()), QStringLiteral("<internal:tamrix/%1>").arg(name));
+    }
     const VALUE folders = evaluateSource("Tamrix::RuntimeState.library_folders");
     for (long index = 0; index < RARRAY_LEN(folders); ++index)
         m_libraryFolders.push_back(textOf(rb_ary_entry(folders, index)).toUtf8());
@@ -147,10 +149,8 @@ VALUE RubyRuntime::nameSpace(const QString& name) {
     const auto known = m_nameSpaces.constFind(name);
     if (known != m_nameSpaces.constEnd())
         return *known;
-    const VALUE text = toRuby(name);
-    const VALUE object = evaluateSource("Tamrix::Namespace.new");
+    const VALUE object = callMethod(rb_path2class("Tamrix::Namespace"), "new", toRuby(name));
     rb_gc_register_mark_object(object);
-    rb_ivar_set(object, rb_intern("@name"), text);
     m_nameSpaces.insert(name, object);
     defineGetter(name, object);
     return object;
@@ -165,19 +165,10 @@ void RubyRuntime::defineGetter(const QString& name, VALUE value) {
 }
 
 void RubyRuntime::defineConstant(const QString& nameSpaceName, const QString& name, int value) {
-    const QByteArray text = name.toUtf8();
-    const VALUE number = INT2FIX(value);
-    if (!nameSpaceName.isEmpty()) {
-        // A method: scripts write it as in the other languages, testInteraction.Yes.
-        const VALUE owner = nameSpace(nameSpaceName);
-        const VALUE symbol = ID2SYM(rb_intern(text.constData()));
-        protect([=] {
-            return rb_funcall(owner, rb_intern("define_singleton_method"), 2, symbol,
-                              rb_proc_new(giveConstant, number));
-        });
-        return;
-    }
-    rb_define_const(m_module, text.constData(), value);
+    if (nameSpaceName.isEmpty())
+        rb_define_const(m_module, name.toUtf8().constData(), INT2FIX(value));
+    else
+        callMethod(nameSpace(nameSpaceName), "define_constant", toRuby(name), INT2FIX(value));
 }
 
 bool RubyRuntime::isOfLibrary(const QByteArray& path) const {
@@ -211,7 +202,11 @@ VALUE RubyRuntime::compile(const QString& text, const QString& fileName) {
 }
 
 VALUE RubyRuntime::run(const QString& text, const QString& fileName) {
-    return callMethod(compile(text, fileName), "eval");
+    const VALUE code = compile(text, fileName);
+    // Ruby tells of what it compiles itself.
+    if (RubyInterpreter* const interpreter = RubyInterpreter::active())
+        interpreter->rubyDebugger().codeLoaded(code);
+    return callMethod(code, "eval");
 }
 
 // State
@@ -240,6 +235,10 @@ VALUE RubyRuntime::scriptGlobals() {
     return callMethod(m_state, "script_globals");
 }
 
+VALUE RubyRuntime::scriptHashes(const QString& moduleName) {
+    return callMethod(m_state, "script_hashes", toRuby(moduleName));
+}
+
 bool RubyRuntime::hasFeature(const QString& path) {
     return RTEST(callMethod(m_state, "feature?", toRuby(path)));
 }
@@ -249,21 +248,11 @@ void RubyRuntime::noteFeature(const QString& path) {
 }
 
 void RubyRuntime::setSearchPath(const QStringList& folders) {
-    m_searchPath = folders;
-    updateSearchPath();
+    callMethod(m_state, "search_in", toRuby(folders));
 }
 
-QString RubyRuntime::addToSearchPath(const QString& folder) {
-    m_searchPath += folder;
-    updateSearchPath();
-    return {};
-}
-
-void RubyRuntime::updateSearchPath() {
-    m_searchPath.removeDuplicates();
-    const VALUE folders = toRuby(m_searchPath);
-    const VALUE state = m_state;
-    protect([=] { return rb_funcall(state, rb_intern("search_in"), 1, folders); });
+void RubyRuntime::addToSearchPath(const QString& folder) {
+    callMethod(m_state, "add_search_folder", toRuby(folder));
 }
 
 void RubyRuntime::setArguments(const QString& script, const QStringList& arguments) {

@@ -53,11 +53,14 @@ public:
 
     /// What is looked into for modules, in front of Ruby's own.
     void setSearchPath(const QStringList& folders);
-    QString addToSearchPath(const QString& folder);
+    void addToSearchPath(const QString& folder);
     void setArguments(const QString& script, const QStringList& arguments);
 
     /// Names of the global variables that scripts have made.
     VALUE scriptGlobals();
+    /// A Hash of the constants of scripts that hold Hashes: those in the module of this name and
+    /// those of the top level.
+    VALUE scriptHashes(const QString& moduleName);
     /// Whether a file was loaded, which `require` then does not do once more.
     bool hasFeature(const QString& path);
     void noteFeature(const QString& path);
@@ -68,7 +71,6 @@ private:
     /// Calls a method of the Ruby object that keeps the state of the runtime; what it can't do goes
     /// to standard error.
     void keepState(const char* operation);
-    void updateSearchPath();
 
     VALUE m_module = Qnil;
     VALUE m_main = Qnil;
@@ -76,8 +78,6 @@ private:
     bool m_isStateTaken = false;
     QMap<QString, VALUE> m_nameSpaces;
     std::vector<QByteArray> m_libraryFolders;
-    QStringList m_searchPath;
-    QStringList m_ownSearchPath;
     QString m_compiledText;
     QString m_compiledFile;
     RubyRef m_compiledCode;

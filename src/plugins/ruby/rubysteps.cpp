@@ -5,7 +5,6 @@
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyruntime.h"
-#include "plugins/ruby/scripterrors.h"
 #include "plugins/ruby/stepfunctions.h"
 
 namespace Tamrix::RubyPlugin {
@@ -13,36 +12,19 @@ namespace Tamrix::RubyPlugin {
 namespace {
 
 VALUE rowOf(const std::vector<Gherkin::TableCell>& cells) {
-    const VALUE row = protect([] { return rb_ary_new(); });
-    for (const Gherkin::TableCell& cell : cells) {
-        const VALUE text = toRuby(cell.text);
-        protect([=] { return rb_ary_push(row, text); });
-    }
-    return row;
-}
-
-QString rubyLiteral(QString text) {
-    return "\"" +
-           text.replace('\\', QLatin1String("\\\\"))
-               .replace('"', QLatin1String("\\\""))
-               .replace('#', QLatin1String("\\#")) +
-           "\"";
+    return arrayOf(cells, [](const Gherkin::TableCell& cell) { return toRuby(cell.text); });
 }
 
 }  // namespace
 
-RubySteps::RubySteps(RubyInterpreter& interpreter) : StepLanguage(interpreter) {}
+RubySteps::RubySteps(RubyInterpreter& interpreter)
+    : StepLanguage(interpreter), m_ruby(interpreter) {}
 
 std::optional<ScriptError> RubySteps::loadFile(const QString& path, const QString& text) {
-    try {
+    return m_ruby.attempt([&] {
         RubyRuntime::self().run(text, path);
         RubyRuntime::self().noteFeature(path);
-        return std::nullopt;
-    } catch (const ScriptErrorSet&) {
-        if (!isOrdinaryError())
-            throw;
-    }
-    return takeScriptError();
+    });
 }
 
 bool RubySteps::isLoaded(const QString& path) {
@@ -54,11 +36,7 @@ RubySteps::Value RubySteps::contextValue() {
 }
 
 RubySteps::Value RubySteps::tableValue(const Gherkin::Step& step) {
-    const VALUE rows = protect([] { return rb_ary_new(); });
-    for (const std::vector<Gherkin::TableCell>& cells : step.table) {
-        const VALUE row = rowOf(cells);
-        protect([=] { return rb_ary_push(rows, row); });
-    }
+    const VALUE rows = arrayOf(step.table, rowOf);
     return new RubyArgument(callMethod(rb_path2class("Tamrix::Table"), "new", rows));
 }
 

@@ -18,6 +18,9 @@ public:
     Value bigInteger(const QString& text) override;
     Value bigDecimal(const QString& text) override;
     QString snippetText(const StepSnippet& snippet) override;
+
+private:
+    RubyInterpreter& m_ruby;
 };
 
 }  // namespace Tamrix::RubyPlugin

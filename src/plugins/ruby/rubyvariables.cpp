@@ -35,9 +35,7 @@ std::vector<Named> attributesOf(VALUE value) {
             attributes.push_back({pathPart(fromRuby(rb_ary_entry(members, index))),
                                   RubyRef(rb_struct_aref(value, LONG2FIX(index)))});
     }
-    const VALUE names = protect([=] { return rb_obj_instance_variables(value); });
-    for (long index = 0; index < RARRAY_LEN(names); ++index) {
-        const VALUE symbol = rb_ary_entry(names, index);
+    for (const VALUE symbol : itemsOf(protect([=] { return rb_obj_instance_variables(value); }))) {
         const QString name = fromRuby(symbol);
         // Without the mark of names that begin in this way: "@" and a letter is no "@N".
         attributes.push_back(
@@ -67,20 +65,16 @@ QString RubyVariables::textOf(const Value& value) {
 
 std::vector<RubyVariables::Member> RubyVariables::variablesOf(int level) {
     std::vector<Member> variables;
-    const std::vector<ScriptFrame> frames = debugger().frames();
-    if (level >= static_cast<int>(frames.size()) ||
-        !frames[static_cast<std::size_t>(level)].isOfLanguage())
+    const std::optional<ScriptFrame> frame = codeFrame(level);
+    if (!frame)
         return variables;
-    const VALUE binding = bindingOf(frames[static_cast<std::size_t>(level)]);
+    const VALUE binding = bindingOf(*frame);
     const auto add = [&](const QString& name, VALUE value) {
         variables.push_back({name, new RubyArgument(value)});
     };
     try {
-        const VALUE names = callMethod(binding, "local_variables");
-        for (long index = 0; index < RARRAY_LEN(names); ++index) {
-            const VALUE name = rb_ary_entry(names, index);
+        for (const VALUE name : itemsOf(callMethod(binding, "local_variables")))
             add(pathPart(fromRuby(name)), callMethod(binding, "local_variable_get", name));
-        }
         const VALUE self = callMethod(binding, "receiver");
         if (self != RubyRuntime::self().main())
             add(QStringLiteral("self"), self);
@@ -88,9 +82,8 @@ std::vector<RubyVariables::Member> RubyVariables::variablesOf(int level) {
             for (const Named& each : attributesOf(self))
                 add(each.name, each.value.get());
         }
-        const VALUE globals = RubyRuntime::self().scriptGlobals();
-        for (long index = 0; index < RARRAY_LEN(globals); ++index) {
-            const QString name = fromRuby(rb_ary_entry(globals, index));
+        for (const VALUE each : itemsOf(RubyRuntime::self().scriptGlobals())) {
+            const QString name = fromRuby(each);
             const VALUE value = rb_gv_get(name.toUtf8().constData());
             // One that an earlier case has made is there for ever.
             if (!NIL_P(value))
@@ -136,31 +129,6 @@ RubyVariables::Members RubyVariables::membersOf(const Value& value, int first, i
         }
     }
     return members;
-}
-
-RubyVariables::Value RubyVariables::memberNamed(const Value& value, const QString& name) {
-    const VALUE own = rubyValue(value);
-    if (RB_TYPE_P(own, T_ARRAY)) {
-        bool isNumber = false;
-        const int index = name.toInt(&isNumber);
-        return isNumber && index >= 0 && index < RARRAY_LEN(own)
-                   ? new RubyArgument(rb_ary_entry(own, index))
-                   : nullptr;
-    }
-    if (RB_TYPE_P(own, T_HASH)) {
-        for (const auto& [key, each] : entriesOf(own)) {
-            if (nameOfKey(key) == name)
-                return new RubyArgument(each);
-        }
-        return {};
-    }
-    if (hasAttributes(own)) {
-        for (const Named& each : attributesOf(own)) {
-            if (each.name == name)
-                return new RubyArgument(each.value.get());
-        }
-    }
-    return {};
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -5,6 +5,7 @@
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
+#include "plugins/ruby/stepfunctions.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -37,17 +38,12 @@ bool isCleanExit(VALUE exception) {
            RTEST(asked(exception, "success?"));
 }
 
-VALUE namedAsHash(const NamedArguments& named) {
-    const VALUE hash = protect([] { return rb_hash_new(); });
-    for (const auto& [name, value] : named) {
-        const VALUE key = toRuby(name);
-        const VALUE each = rubyValue(value);
-        protect([=] { return rb_hash_aset(hash, rb_str_intern(key), each); });
-    }
-    return hash;
-}
-
 }  // namespace
+
+VALUE namedAsHash(const NamedArguments& named) {
+    const auto symbol = [](const QString& name) { return rb_str_intern(toRuby(name)); };
+    return hashOf(named, symbol, rubyValue);
+}
 
 QString exceptionText(VALUE exception) {
     QString text = ownText(exception);
@@ -67,23 +63,18 @@ ScriptError takeScriptError() {
             QStringLiteral("The script has left its code for a place that is not there");
         return error;
     }
-    RubyInterpreter* const interpreter = RubyInterpreter::active();
     error.isExit = isCleanExit(exception);
-    error.isSkip = interpreter && interpreter->isSkip(exception);
+    error.isPendingStep = isPendingStep(exception);
     error.message = exceptionText(exception);
     error.callStack = scriptLinesOf(exception);
     error.outermostLine = outermostLineOf(exception);
-    if (interpreter && interpreter->hasOrigin(exception))
-        error.callStack.insert(error.callStack.begin(), interpreter->errorOrigin());
+    if (RubyInterpreter* const interpreter = RubyInterpreter::active())
+        interpreter->failures().complete(exception, &error);
     return error;
 }
 
 VALUE callCallable(VALUE function, const CallArguments& arguments) {
-    const VALUE values = protect([] { return rb_ary_new(); });
-    for (const SharedPtr<ScriptArgument>& each : arguments.positional) {
-        const VALUE value = rubyValue(each);
-        protect([=] { return rb_ary_push(values, value); });
-    }
+    const VALUE values = arrayOf(arguments.positional, rubyValue);
     const bool isNamed = !arguments.named.empty();
     if (isNamed) {
         const VALUE named = namedAsHash(arguments.named);

@@ -1,19 +1,11 @@
 #include "plugins/ruby/valueclasses.h"
 
+#include "interpreter/language/heldrecord.h"
 #include "plugins/ruby/conversion.h"
 
 namespace Tamrix::RubyPlugin {
 
 namespace {
-
-/// A record and the set that owns it.
-struct HeldRecord : public Shared {
-    HeldRecord(SharedPtr<TestDataSet> owner, const TestDataRecord* row)
-        : set(std::move(owner)), record(row) {}
-
-    SharedPtr<TestDataSet> set;
-    const TestDataRecord* record;
-};
 
 VALUE s_contextClass = Qnil;
 VALUE s_dataSetClass = Qnil;
@@ -29,10 +21,6 @@ VALUE defineClass(VALUE module, const char* name, VALUE* variable) {
     return *variable;
 }
 
-VALUE integer(long long number) {
-    return LL2NUM(number);
-}
-
 // Tamrix::ApplicationContext
 
 VALUE contextInspect(VALUE self) {
@@ -41,51 +29,26 @@ VALUE contextInspect(VALUE self) {
     });
 }
 
-int idOf(VALUE context) {
-    return Holder<ApplicationContext>::unwrap(context)->id;
-}
-
-VALUE contextEqual(VALUE self, VALUE other) {
-    return Holder<ApplicationContext>::check(other) && idOf(self) == idOf(other) ? Qtrue : Qfalse;
-}
-
-VALUE contextHash(VALUE self) {
-    return INT2FIX(idOf(self));
+VALUE contextId(VALUE self) {
+    return INT2FIX(Holder<ApplicationContext>::unwrap(self)->id);
 }
 
 // Tamrix::DataSet
-
-int checkedIndex(VALUE index, int count, const char* what) {
-    long number = 0;
-    protect([&] {
-        number = NUM2LONG(index);
-        return Qnil;
-    });
-    const long place = number < 0 ? number + count : number;
-    if (place < 0 || place >= count)
-        throwException(rb_eIndexError, QStringLiteral("%1 %2 outside of its %3 entries")
-                                           .arg(QLatin1String(what), QString::number(number),
-                                                QString::number(count)));
-    return static_cast<int>(place);
-}
 
 VALUE dataSetSize(VALUE self) {
     return INT2FIX(Holder<TestDataSet>::unwrap(self)->count());
 }
 
-VALUE dataSetAt(VALUE self, VALUE index) {
-    return enterNative([=] {
-        const SharedPtr<TestDataSet> set = Holder<TestDataSet>::unwrap(self);
-        return wrapRecord(set, set->record(checkedIndex(index, set->count(), "record")));
-    });
+bool isWithin(VALUE index, int count) {
+    return RB_FIXNUM_P(index) && FIX2LONG(index) >= 0 && FIX2LONG(index) < count;
 }
 
-VALUE dataSetEach(VALUE self) {
-    if (!rb_block_given_p())
-        return rb_enumeratorize(self, ID2SYM(rb_intern("each")), 0, nullptr);
-    for (int index = 0; index < FIX2INT(dataSetSize(self)); ++index)
-        rb_yield(dataSetAt(self, INT2FIX(index)));
-    return self;
+/// nil for an index that the set does not have.
+VALUE dataSetRecord(VALUE self, VALUE index) {
+    return enterNative([=] {
+        const SharedPtr<TestDataSet> set = Holder<TestDataSet>::unwrap(self);
+        return isWithin(index, set->count()) ? wrapRecord(set, set->record(FIX2INT(index))) : Qnil;
+    });
 }
 
 VALUE dataSetInspect(VALUE self) {
@@ -98,35 +61,25 @@ VALUE dataSetInspect(VALUE self) {
 
 // Tamrix::Record
 
-SharedPtr<HeldRecord> recordOf(VALUE self) {
-    return Holder<HeldRecord>::unwrap(self);
-}
-
 VALUE recordSize(VALUE self) {
-    return INT2FIX(recordOf(self)->record->count());
+    return INT2FIX(Holder<HeldRecord>::unwrap(self)->record->count());
 }
 
-/// By field name or column.
-VALUE recordAt(VALUE self, VALUE key) {
+/// nil for a name that is no field's.
+VALUE recordColumn(VALUE self, VALUE name) {
     return enterNative([=] {
-        const SharedPtr<HeldRecord> held = recordOf(self);
-        if (!RB_TYPE_P(key, T_STRING) && !RB_SYMBOL_P(key))
-            return toRuby(
-                held->record->valueAsString(checkedIndex(key, held->record->count(), "column")));
-        const int column = held->set->fieldIndex(fromRuby(key));
-        if (column < 0)
-            throwException(rb_eKeyError,
-                           QStringLiteral("the data set has no field '%1'").arg(fromRuby(key)));
-        return toRuby(held->record->valueAsString(column));
+        const int column = Holder<HeldRecord>::unwrap(self)->set->fieldIndex(fromRuby(name));
+        return column < 0 ? Qnil : INT2FIX(column);
     });
 }
 
-VALUE recordEach(VALUE self) {
-    if (!rb_block_given_p())
-        return rb_enumeratorize(self, ID2SYM(rb_intern("each")), 0, nullptr);
-    for (int index = 0; index < FIX2INT(recordSize(self)); ++index)
-        rb_yield(recordAt(self, INT2FIX(index)));
-    return self;
+/// nil for a column that the record does not have.
+VALUE recordValue(VALUE self, VALUE column) {
+    return enterNative([=] {
+        const TestDataRecord& record = *Holder<HeldRecord>::unwrap(self)->record;
+        return isWithin(column, record.count()) ? toRuby(record.valueAsString(FIX2INT(column)))
+                                                : Qnil;
+    });
 }
 
 }  // namespace
@@ -134,26 +87,17 @@ VALUE recordEach(VALUE self) {
 void defineValueClasses(VALUE module) {
     const VALUE context = defineClass(module, "ApplicationContext", &s_contextClass);
     rb_define_method(context, "inspect", contextInspect, 0);
-    rb_define_method(context, "to_s", contextInspect, 0);
-    rb_define_method(context, "==", contextEqual, 1);
-    rb_define_method(context, "eql?", contextEqual, 1);
-    rb_define_method(context, "hash", contextHash, 0);
+    rb_define_protected_method(context, "id", contextId, 0);
 
     const VALUE set = defineClass(module, "DataSet", &s_dataSetClass);
-    rb_include_module(set, rb_mEnumerable);
     rb_define_method(set, "size", dataSetSize, 0);
-    rb_define_method(set, "length", dataSetSize, 0);
-    rb_define_method(set, "[]", dataSetAt, 1);
-    rb_define_method(set, "each", dataSetEach, 0);
     rb_define_method(set, "inspect", dataSetInspect, 0);
-    rb_define_method(set, "to_s", dataSetInspect, 0);
+    rb_define_private_method(set, "record", dataSetRecord, 1);
 
     const VALUE record = defineClass(module, "Record", &s_recordClass);
-    rb_include_module(record, rb_mEnumerable);
     rb_define_method(record, "size", recordSize, 0);
-    rb_define_method(record, "length", recordSize, 0);
-    rb_define_method(record, "[]", recordAt, 1);
-    rb_define_method(record, "each", recordEach, 0);
+    rb_define_private_method(record, "column", recordColumn, 1);
+    rb_define_private_method(record, "value", recordValue, 1);
 
     s_locationClass = rb_struct_define_under(module, "Location", "file_name", "line", nullptr);
     rb_gc_register_address(&s_locationClass);
@@ -171,14 +115,9 @@ VALUE wrapRecord(const SharedPtr<TestDataSet>& set, const TestDataRecord* record
     return Holder<HeldRecord>::wrap(new HeldRecord(set, record), s_recordClass);
 }
 
-const TestDataRecord* unwrapRecord(VALUE object) {
-    const SharedPtr<HeldRecord> held = recordOf(object);
-    return held ? held->record : nullptr;
-}
-
 VALUE wrapLocation(const ScriptLocation& location) {
     const VALUE file = toRuby(location.fileName);
-    const VALUE line = integer(location.line);
+    const VALUE line = INT2FIX(location.line);
     return protect([=] { return rb_struct_new(s_locationClass, file, line); });
 }
 

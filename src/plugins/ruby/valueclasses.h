@@ -9,7 +9,8 @@
 namespace Tamrix::RubyPlugin {
 
 // Ruby classes of the library's values: Tamrix::ApplicationContext, DataSet, Record and Location.
-// Scripts get objects from functions and can't make their own.
+// Scripts get objects from functions and can't make their own. What needs no C++ of them stands in
+// prelude/values.rb.
 
 void defineValueClasses(VALUE module);
 
@@ -17,8 +18,6 @@ VALUE wrapContext(const SharedPtr<ApplicationContext>& context);
 VALUE wrapDataSet(const SharedPtr<TestDataSet>& set);
 /// A row of a data set; it keeps the set alive.
 VALUE wrapRecord(const SharedPtr<TestDataSet>& set, const TestDataRecord* record);
-/// Null when the object is no record.
-const TestDataRecord* unwrapRecord(VALUE object);
 /// A Struct of file_name and line.
 VALUE wrapLocation(const ScriptLocation& location);
 

@@ -86,6 +86,37 @@ TEST_F(RubyDebugging, StopsAtBreakPoints) {
     debugger->setBreakPoint(3, id, false);
     debugger->setBreakPoint(13, id, true);
     EXPECT_EQ(stops(), "13 13");
+    // One where no code is; and one where the script stands, which is not told again.
+    debugger->setBreakPoint(4, id, true);
+    debugger->step();
+    frontEnd.commands = {SetBreakPoint{script(), 6}, Resume{Resume::Run}, Resume{Resume::Step},
+                         Resume{Resume::Run}};
+    EXPECT_EQ(stops(), QString("6 %1:6 13 13").arg(script()));
+}
+
+TEST_F(RubyDebugging, StopsInModulesAndInCodeThatNamesAFile) {
+    const QString module = folder.filePath("numbers.rb");
+    ASSERT_TRUE(writeFile(module,
+                          "class Numbers\n"                                           // 1
+                          "  def self.each(&block) = [1, 2].each(&block)\n"           // 2
+                          "  define_method(:sum) { |*n|\n"                            // 3
+                          "    n.sum }\n"                                             // 4
+                          "  class_eval 'def twice(n)\n  n * 2\nend', __FILE__, 5\n"  // 5
+                          "end\n"));
+    debugger->setInteractive(true);
+    debugger->setDebuggerMode(Debugger::Run);
+    for (const int line : {2, 4, 6})
+        debugger->bufferBreakPoint(module, line);
+    ASSERT_EQ(run(QString("require '%1'\n"
+                          "def main\n"
+                          "  Numbers.each { |n| n }\n"
+                          "  Numbers.new.sum(1, 2)\n"
+                          "  Numbers.new.twice(3)\n"
+                          "end\n")
+                      .arg(module)),
+              "");
+    EXPECT_EQ(frontEnd.take(" "), "2") << "where a method is defined";
+    EXPECT_EQ(stops(), "4 6");
 }
 
 TEST_F(RubyDebugging, GoesOnAsItsFrontEndCommands) {
@@ -129,7 +160,7 @@ end
              << evaluate("long = 7") << evaluate("^1 outer.size")
              << evaluate("nothing").section(' ', 0, 6) << evaluate("@name");
     })};
-    debugger->bufferBreakPoint(script(), 11);
+    EXPECT_FALSE(debugger->addBreakPoint(script(), 11).isBuffered);
     EXPECT_EQ(stops(), "11");
     EXPECT_EQ(
         told.join('\n').replace(QString("x").repeated(199), "XXX"),
@@ -158,10 +189,13 @@ TEST_F(RubyDebugging, StopsWhereNothingCatchesAnError) {
     debugger->setInteractive(true);
     debugger->setDebuggerMode(Debugger::Run);
     QString seen;
-    frontEnd.commands = {Look([&](Debugger&) { seen = listing("") + "|" + evaluate("n * 2"); })};
+    frontEnd.commands = {Look([&](Debugger&) {
+        seen = listing("") + "|" + evaluate("n * 2") + "|" + evaluate("raise 'another'");
+    })};
     EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
     EXPECT_EQ(frontEnd.take(" "), "ScriptError=ArgumentError: n=3 2");
-    EXPECT_EQ(seen, "Integer n=3|6");
+    EXPECT_EQ(seen, "Integer n=3|6|RuntimeError: another");
+    EXPECT_EQ(interpreter->errorMessage(), "ArgumentError: n=3");
     // Neither an exit nor a skip is an error.
     for (const char* const code : {"exit", "test.skip('s')"}) {
         ASSERT_EQ(run(QString("def main\n  %1\nend\n").arg(code)), "");

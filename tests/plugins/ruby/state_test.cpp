@@ -85,5 +85,19 @@ TEST_F(RubyState, SourceRunsAFileAtTheTopLevel) {
     EXPECT_EQ(runCase("raise 'left' if defined?(LEFT) || respond_to?(:more, true)"), "");
 }
 
+TEST_F(RubyState, WhatThePluginHasOfItsOwnTakesNoWrongValues) {
+    for (const char* const code :
+         {"Tamrix::Native.write(1, 5)", "Tamrix::Native.write(nil, '')",
+          "Tamrix::Native.add_step(1, 2, 3, 4)", "Tamrix::Native.add_hook('x', nil, nil)",
+          "Tamrix::Native.add_type(:a, 'x', 5, nil)", "Tamrix::Native.add_type(:a, 1, [2], 3)",
+          "Tamrix::Native.property(5, 'x')", "Tamrix::Native.members(nil)",
+          "Tamrix::Native.scoped(nil)", "Tamrix::Steps.hook(:x, nil, proc {})",
+          "Tamrix::Condition.explain(nil, nil, nil)", "Tamrix::DataSet.allocate",
+          "Tamrix::StepContext.new.x = 1", "Tamrix::Namespace.new(1).inspect"}) {
+        run(QString("begin\n  %1\nrescue StandardError => error\n  error.message\nend").arg(code));
+        EXPECT_EQ(run("1"), "") << code;
+    }
+}
+
 }  // namespace
 }  // namespace Tamrix

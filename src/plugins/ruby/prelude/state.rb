@@ -1,13 +1,6 @@
-#include "plugins/ruby/runtimestate.h"
-
-namespace Tamrix::RubyPlugin {
-
-namespace {
-
-// What a script can change in Ruby, and how that is undone: what a case leaves behind must not
-// reach the next. Definitions are told by where they stand: those in files of Ruby's library stay,
-// as the library stays loaded.
-constexpr const char* runtimeState = R"ruby(
+# What a script can change in Ruby, and how that is undone: what a case leaves behind must not reach
+# the next. Definitions are told by where they stand: those in files of Ruby's library stay, as the
+# library stays loaded.
 class Tamrix::RuntimeState
   def self.library_folders
     require 'rbconfig'
@@ -88,10 +81,14 @@ class Tamrix::RuntimeState
     take if @extended && @outer.empty?
   end
 
+  # Modules are looked for in these folders first.
   def search_in(folders)
+    folders = folders.uniq
     $LOAD_PATH.replace(folders + ($LOAD_PATH - @search - folders))
     @search = folders
   end
+
+  def add_search_folder(folder) = search_in(@search + [folder])
 
   def run_exit_blocks
     until @exits.empty?
@@ -116,6 +113,17 @@ class Tamrix::RuntimeState
     global_variables - @globals
   end
 
+  # Constants that hold Hashes, by name: the script's own, and those of its module of this name.
+  def script_hashes(module_name)
+    names = Object.constants(false).select do |name|
+      of_script?(Object.const_source_location(name, false)&.first)
+    end
+    values = names.to_h { |name| [name, Object.const_get(name, false)] }
+    inner = values[module_name.to_sym]
+    inner.constants.each { |name| values[name] = inner.const_get(name) } if inner.is_a?(Module)
+    values.select { |_, value| value.is_a?(Hash) }
+  end
+
   private
 
   def script?(file)
@@ -124,12 +132,15 @@ class Tamrix::RuntimeState
 
   def script_method?(method)
     location = method.source_location
-    location ? !location[0].start_with?('<internal:') && !library?(location[0]) : !@extended
+    location ? of_script?(location[0]) : !@extended
   end
 
   def library?(file)
     file.start_with?('/') && !script?(file)
   end
+
+  # Also of code in no file, and of a file by a relative path.
+  def of_script?(file) = file && !file.start_with?('<internal:') && !library?(file)
 
   def methods_of(each)
     (OWN.bind_call(each, false) + OWN_PRIVATE.bind_call(each, false))
@@ -238,7 +249,7 @@ class Tamrix::RuntimeState
     @constants.each do |each, saved|
       CONSTANTS.bind_call(each, false).each do |name|
         file, = LOCATION.bind_call(each, name, false)
-        next unless file && !file.start_with?('<internal:') && !library?(file)
+        next unless of_script?(file)
         next if saved.include?(name) && !(each == Object && @values.key?(name))
         next if saved.include?(name) && each.const_get(name, false).equal?(@values[name])
         each.send(:remove_const, name)
@@ -264,126 +275,3 @@ class Tamrix::RuntimeState
     warn error.message
   end
 end
-STDOUT.sync = true
-
-# Ends script code that takes too long while a debugger looks at a value.
-module Tamrix::TimeLimit
-  class Exceeded < Exception; end
-
-  # nil when it was not done in time.
-  def self.inspect_within(value, seconds)
-    main = Thread.current
-    watch = Thread.new do
-      sleep seconds
-      loop { main.raise(Exceeded); sleep 0.02 }
-    end
-    value.inspect.to_s
-  rescue Exceeded
-    nil
-  ensure
-    watch&.kill
-  end
-end
-
-# The rows of a step's table as Hashes.
-class Tamrix::Table < Array
-  attr_reader :headers, :raw
-
-  def initialize(raw)
-    @raw = raw
-    @headers = raw.first
-    super(raw.drop(1).map { |row| @headers.zip(row).to_h })
-  end
-
-  def rows = to_a
-end
-)ruby";
-
-constexpr const char* remoteSystem = R"ruby(
-# Files and programs of another machine, by SSH.
-#
-# Without arguments it is the default system: the one that the settings name, else this machine.
-# Close it, or give new() a block; at the end of the test case it is closed anyway. What can't be
-# done raises Tamrix::Error.
-class Tamrix::RemoteSystem
-  def self.open(host = nil, port = nil)
-    system = new(host, port)
-    return system unless block_given?
-    begin
-      yield system
-    ensure
-      system.close if system.open?
-    end
-  end
-
-  def initialize(host = nil, port = nil)
-    @handle = if host || port
-                _tamrix_connect_to_remote_system(host || '', port || -1)
-              else
-                _tamrix_connect_to_remote_system
-              end
-  end
-
-  def open? = !@handle.nil?
-
-  def close
-    handle = checked
-    @handle = nil
-    _tamrix_close_remote_system_connection(handle)
-  end
-
-  def environment_variable(name) = _tamrix_remote_get_environment_variable(checked, name)
-  def os_name = _tamrix_remote_get_os_name(checked)
-  def exists(path) = _tamrix_remote_path_exists(checked, path.to_s)
-  def rename(from, to) = _tamrix_remote_rename_path(checked, from.to_s, to.to_s)
-
-  def create_path(path, recursive: false)
-    _tamrix_remote_create_path(checked, path.to_s, recursive)
-  end
-
-  def delete_path(path, recursive: false)
-    _tamrix_remote_delete_path(checked, path.to_s, recursive)
-  end
-
-  def create_file(path, content = '', encoding: 'UTF-8')
-    _tamrix_remote_create_file(checked, path.to_s, content, encoding)
-  end
-
-  def delete_file(path) = _tamrix_remote_delete_file(checked, path.to_s)
-  def copy(from, to) = _tamrix_remote_copy_path(checked, from.to_s, to.to_s)
-  def upload(local, remote) = _tamrix_remote_upload_file(checked, local.to_s, remote.to_s)
-  def download(remote, local) = _tamrix_remote_download_file(checked, remote.to_s, local.to_s)
-  def list_files(path) = _tamrix_remote_get_directory_content(checked, path.to_s)
-  def path_property(path, name) = _tamrix_remote_get_path_property(checked, path.to_s, name.to_s)
-
-  # Runs a program to its end: an Array of the program and its arguments. Gives a Hash with
-  # "exitcode", "stdout" and "stderr". Options: timeout in seconds (30), clearenv, encoding,
-  # keepLineEnding.
-  def execute(command, cwd: '', env: {}, **options)
-    command = command.map(&:to_s) if command.is_a?(Array)
-    result = _tamrix_remote_execute_command(checked, command, cwd.to_s, env, options)
-    result.merge('exitcode' => result['exitcode'].to_i)
-  end
-
-  alias getEnvironmentVariable environment_variable
-  alias getOSName os_name
-  alias exist? exists
-  alias createPath create_path
-  alias deletePath delete_path
-  alias createFile create_file
-  alias deleteFile delete_file
-  alias listFiles list_files
-  alias getPathProperty path_property
-
-  private
-
-  def checked = @handle || raise(Tamrix::Error, 'The remote system is closed')
-end
-RemoteSystem = Tamrix::RemoteSystem
-)ruby";
-
-}  // namespace
-
-const char* const prelude[] = {runtimeState, remoteSystem};
-
-}  // namespace Tamrix::RubyPlugin

@@ -1,0 +1,93 @@
+# What stands for a namespace of the library, as `test`. Its functions and constants are methods, so
+# that scripts write them as in the other languages: testInteraction.Yes.
+class Tamrix::Namespace
+  def initialize(name)
+    @name = name
+  end
+
+  def inspect = @name
+  alias to_s inspect
+
+  def define_constant(name, value) = define_singleton_method(name) { value }
+end
+
+# What holds several values, one after another.
+module Tamrix::Entries
+  include Enumerable
+
+  def each
+    return enum_for(:each) unless block_given?
+    size.times { |index| yield self[index] }
+    self
+  end
+
+  def length = size
+
+  private
+
+  # The place of an index, which counts from the end when it is negative.
+  def place(index, what)
+    unless index.is_a?(Integer)
+      raise TypeError, "no implicit conversion of #{index.class} into Integer"
+    end
+    return index % size if (-size...size).cover?(index)
+    raise IndexError, "#{what} #{index} outside of its #{size} entries"
+  end
+end
+
+class Tamrix::DataSet
+  include Tamrix::Entries
+
+  def [](index) = record(place(index, 'record'))
+  alias to_s inspect
+end
+
+class Tamrix::Record
+  include Tamrix::Entries
+
+  # By field name or column.
+  def [](key)
+    return value(place(key, 'column')) unless key.is_a?(String) || key.is_a?(Symbol)
+    value(column(key) || raise(KeyError, "the data set has no field '#{key}'"))
+  end
+end
+
+class Tamrix::ApplicationContext
+  def ==(other) = other.is_a?(Tamrix::ApplicationContext) && id == other.id
+  def hash = id.hash
+
+  alias eql? ==
+  alias to_s inspect
+end
+
+# The rows of a step's table as Hashes.
+class Tamrix::Table < Array
+  attr_reader :headers, :raw
+
+  def initialize(raw)
+    @raw = raw
+    @headers = raw.first
+    super(raw.drop(1).map { |row| @headers.zip(row).to_h })
+  end
+
+  def rows = to_a
+end
+
+# Ends script code that takes too long while a debugger looks at a value.
+module Tamrix::TimeLimit
+  class Exceeded < Exception; end
+
+  # nil when it was not done in time.
+  def self.inspect_within(value, seconds)
+    main = Thread.current
+    watch = Thread.new do
+      sleep seconds
+      loop { main.raise(Exceeded); sleep 0.02 }
+    end
+    value.inspect.to_s
+  rescue Exceeded
+    nil
+  ensure
+    watch&.kill
+  end
+end
