@@ -72,6 +72,32 @@ def eaten(context):
     rows = context.table  # @eaten
 )py",
      "left == 2", "left + right", "'two'", "ValueError: after all", "total", "context.count"},
+    {"javascript", "js", "tamrixjavascript",
+     R"js(export function add(left, right) {
+    const sum = left + right;  // @sum
+    return sum;  // @end
+}
+)js",
+     R"js(import {add} from "helper";
+
+export async function main() {
+    const values = [1, [2, "two"]];  // @values
+    let total = add(values[0], 1);  // @one
+    total = add(total, 5);  // @two
+    console.log(total);  // @print
+    await null;
+    throw new Error("after all");  // @raise
+}
+)js",
+     R"js(Given("{int} pies", (context, count) => {
+    context.count = count;  // @pies
+});
+
+When("they are eaten", context => {
+    const rows = context.table;  // @eaten
+});
+)js",
+     "left === 2", "left + right", "'two'", "Error: after all", "total", "context.count"},
     {"ruby", "rb", "tamrixruby",
      R"rb(def add(left, right)
   sum = left + right # @sum

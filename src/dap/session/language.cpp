@@ -1,5 +1,6 @@
 #include "dap/session/language.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -35,16 +36,40 @@ constexpr Language languages[] = {
     {"rb", "true", "false", assignment, "!!(%1)", "^\\s*def\\s+(?:self\\.)?(\\w+[?!=]?)"},
     {commandSuffix, "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",
      "^\\s*proc\\s+(?:::)?(\\S+)"},
-    // What is evaluated at a step is code of the script that runs the file.
-    {featureSuffix, "True", "False", assignment, "bool(%1)", nullptr},
 };
 constexpr Language otherLanguage = {"", "true", "false", assignment, nullptr, nullptr};
 
-const Language& languageOf(const QString& file) {
+/// Where the scripts of a feature file are, relative to its folder.
+constexpr const char* stepFolders[] = {".", "steps", "../shared/steps"};
+
+bool isFeature(const QString& file) {
+    return QFileInfo(file).suffix() == QLatin1String(featureSuffix);
+}
+
+/// Null when the suffix is none of a known language.
+const Language* languageOfScript(const QString& file) {
     const QString suffix = QFileInfo(file).suffix();
     for (const Language& language : languages) {
         if (suffix == QLatin1String(language.suffix))
-            return language;
+            return &language;
+    }
+    return nullptr;
+}
+
+/// The language of the code that can be evaluated where the script stands in this file: at a step
+/// that of the scripts which run it.
+const Language& languageOf(const QString& file) {
+    if (const Language* const language = languageOfScript(file))
+        return *language;
+    if (isFeature(file)) {
+        for (const char* const folder : stepFolders) {
+            const QDir directory(
+                QDir::cleanPath(QFileInfo(file).dir().filePath(QLatin1String(folder))));
+            for (const QString& name : directory.entryList(QDir::Files, QDir::Name)) {
+                if (const Language* const language = languageOfScript(name))
+                    return *language;
+            }
+        }
     }
     return otherLanguage;
 }
@@ -133,15 +158,16 @@ QString assignmentCode(const QString& file, const QString& expression, const QSt
 }
 
 bool membersHaveExpressions(const QString& type) {
-    // Elements without an order are counted in listings only.
-    return type != QLatin1String("set") && type != QLatin1String("frozenset");
+    // Elements without an order are counted in listings only, entries of a Map are got by a call.
+    static const QStringList s_types = {"set", "frozenset", "Map", "Set"};
+    return !s_types.contains(type);
 }
 
 QString functionAt(const ScriptPlace& place) {
     const QString fileName = QFileInfo(place.file).fileName();
     const Language& language = languageOf(place.file);
     QFile file(place.file);
-    const bool isStep = language.suffix == featureSuffix;
+    const bool isStep = isFeature(place.file);
     if ((!language.function && !isStep) || file.size() > longestSource ||
         !file.open(QIODevice::ReadOnly))
         return fileName;

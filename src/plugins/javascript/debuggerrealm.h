@@ -61,11 +61,26 @@ public:
     /// Runs code in the frame that has called the running native function, of a script that need
     /// not be watched. `file` stands for the code in positions.
     JS::Value evaluateInCaller(const QString& code, const char* file);
+    /// What the running call of a native function says in its script: the text of its first
+    /// argument as a name without a value, then the values in it. These are looked up once more:
+    /// names, properties, operators and some of the language's own functions; no other call is made
+    /// a second time. Empty when there is nothing to tell.
+    std::vector<Variable> explainCaller();
 
 private:
     DebuggerRealm();
-    JS::Value call(const char* function, JS::HandleValueVector arguments);
-    JS::Value completed(JS::HandleValue completion);
+    /// Calls a function of the debugger's with values of any realm, and gives one of the
+    /// debugger's.
+    template <typename... Values>
+    JS::Value call(const char* function, const Values&... values);
+    /// The same for a function that gives how code has ended.
+    template <typename... Values>
+    JS::Value callForCompletion(const char* function, const Values&... values);
+    template <typename... Values>
+    std::vector<Variable> callForVariables(const char* function, const Values&... values);
+    /// Lets `tell` tell the listener in the realm of the script.
+    template <typename Tell>
+    static bool tell(Tell tell);
     static bool tellLine(JSContext* context, unsigned count, JS::Value* values);
     static bool tellError(JSContext* context, unsigned count, JS::Value* values);
 

@@ -23,6 +23,9 @@ constexpr std::size_t mostLines = 100;
 /// Errors that led to others, before the list is cut.
 constexpr int mostCauses = 5;
 
+/// The engine's own code, of stacks.
+constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
+
 /// By ScriptFailure::Kind: the class of the namespace `tamrix`, or a class of the language.
 constexpr struct {
     const char* name;
@@ -100,10 +103,12 @@ int outermostLineOf(JS::HandleValue exception, JS::HandleObject stack) {
     JS::RootedObject frame(context, stack);
     while (frame) {
         std::uint32_t found = 0;
-        if (JS::GetSavedFrameLine(context, nullptr, frame, &found) == JS::SavedFrameResult::Ok)
+        if (JS::GetSavedFrameLine(context, nullptr, frame, &found, excluded) ==
+            JS::SavedFrameResult::Ok)
             line = static_cast<int>(found);
         JS::RootedObject parent(context);
-        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent) != JS::SavedFrameResult::Ok)
+        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded) !=
+            JS::SavedFrameResult::Ok)
             break;
         frame = parent;
     }
@@ -130,55 +135,56 @@ void raise(const ScriptFailure& failure) {
         interpreter->noticeFailure(failure, error);
 }
 
-void raisePendingStep(const QString& text) {
+void throwFailure(const ScriptFailure& failure) {
+    raise(failure);
+    throw ScriptErrorSet();
+}
+
+void throwPendingStep(const QString& text) {
     JS::RootedObject error(engineContext());
     throwOwn("PendingStepError", text, &error);
+    throw ScriptErrorSet();
+}
+
+void throwBuiltIn(const char* type, const QString& text) {
+    raiseBuiltIn(type, text);
+    throw ScriptErrorSet();
+}
+
+QString nameOfCallee(const JS::CallArgs& arguments) {
+    JSString* const name = JS_GetFunctionId(JS_GetObjectFunction(&arguments.callee()));
+    return name ? fromJsString(name) : QString();
 }
 
 void raiseBuiltIn(const char* type, const QString& text) {
-    JSContext* const context = engineContext();
-    const QByteArray words = text.toUtf8();
-    const auto throwAs = [&](JSExnType kind) {
-        JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(kind)};
-        JS_ReportErrorNumberUTF8(
-            context,
-            [](void* reference, unsigned) -> const JSErrorFormatString* {
-                return static_cast<JSErrorFormatString*>(reference);
-            },
-            &format, 1, words.constData());
-    };
-    if (qstrcmp(type, "ReferenceError") == 0)
-        throwAs(JSEXN_REFERENCEERR);
-    else if (qstrcmp(type, "RangeError") == 0)
-        throwAs(JSEXN_RANGEERR);
-    else if (qstrcmp(type, "TypeError") == 0)
-        throwAs(JSEXN_TYPEERR);
-    else
-        throwAs(JSEXN_ERR);
+    constexpr struct {
+        const char* name;
+        JSExnType kind;
+    } kinds[] = {{"Error", JSEXN_ERR},
+                 {"RangeError", JSEXN_RANGEERR},
+                 {"ReferenceError", JSEXN_REFERENCEERR},
+                 {"TypeError", JSEXN_TYPEERR}};
+    const auto* const row = std::find_if(std::begin(kinds), std::end(kinds), [&](const auto& each) {
+        return qstrcmp(type, each.name) == 0;
+    });
+    JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(row->kind)};
+    JS_ReportErrorNumberUTF8(
+        engineContext(),
+        [](void* reference, unsigned) -> const JSErrorFormatString* {
+            return static_cast<JSErrorFormatString*>(reference);
+        },
+        &format, 1, text.toUtf8().constData());
 }
 
-namespace {
-
-/// Whether an error of the class is pending, which stays so.
-bool isPendingInstance(const char* errorClass) {
+bool isEndOfScript() {
     JSContext* const context = engineContext();
     JS::ExceptionStack pending(context);
     if (!JS_IsExceptionPending(context) || !JS::StealPendingExceptionStack(context, &pending))
-        return false;
+        return true;
     JS::RootedValue exception(context, pending.exception());
-    const bool holds = isInstance(exception, errorClass);
+    const bool isEnd = isInstance(exception, "FatalError");
     JS::SetPendingExceptionStack(context, pending);
-    return holds;
-}
-
-}  // namespace
-
-bool isEndOfScript() {
-    return !JS_IsExceptionPending(engineContext()) || isPendingInstance("FatalError");
-}
-
-bool isPendingStepError() {
-    return isPendingInstance("PendingStepError");
+    return isEnd;
 }
 
 QString exceptionText(JS::HandleValue exception) {
@@ -213,29 +219,28 @@ void cutRunningLines(std::vector<LineInfo>* stack) {
 
 }  // namespace
 
-ScriptError takeScriptError() {
-    JSContext* const context = engineContext();
+namespace {
+
+/// What has ended the script without an exception.
+ScriptError takeEndError() {
     ScriptError error;
-    if (!JS_IsExceptionPending(context)) {
-        JS::RootedObject stack(context, Engine::self().endedStack());
-        const Engine::End end = Engine::self().takeEnd();
-        error.message = endTexts[static_cast<int>(end)];
-        error.isExit = end == Engine::End::Exit;
-        if (error.message.isEmpty())
-            error.message = QStringLiteral("The script was ended");
-        error.callStack = linesOfStack(stack);
-        cutRunningLines(&error.callStack);
-        error.outermostLine = outermostLineOf(JS::UndefinedHandleValue, stack);
-        return error;
-    }
-    JS::ExceptionStack pending(context);
-    if (!JS::StealPendingExceptionStack(context, &pending)) {
-        clearException();
-        error.message = QStringLiteral("Out of memory");
-        return error;
-    }
-    JS::RootedValue exception(context, pending.exception());
-    JS::RootedObject stack(context, stackOf(exception, pending.stack()));
+    JS::RootedObject stack(engineContext(), Engine::self().endedStack());
+    const Engine::End end = Engine::self().takeEnd();
+    error.message = endTexts[static_cast<int>(end)];
+    error.isExit = end == Engine::End::Exit;
+    if (error.message.isEmpty())
+        error.message = QStringLiteral("The script was ended");
+    error.callStack = linesOfStack(stack);
+    cutRunningLines(&error.callStack);
+    error.outermostLine = outermostLineOf(JS::UndefinedHandleValue, stack);
+    return error;
+}
+
+ScriptError errorOf(const JS::ExceptionStack& thrown) {
+    JSContext* const context = engineContext();
+    JS::RootedValue exception(context, thrown.exception());
+    JS::RootedObject stack(context, stackOf(exception, thrown.stack()));
+    ScriptError error;
     try {
         error.message = exceptionText(exception);
         error.callStack = linesOfStack(stack);
@@ -250,8 +255,34 @@ ScriptError takeScriptError() {
     if (place.isValid() && (error.callStack.empty() || error.callStack.front() != place))
         error.callStack.insert(error.callStack.begin(), place);
     error.outermostLine = outermostLineOf(exception, stack);
+    error.isPendingStep = isInstance(exception, "PendingStepError");
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->completeError(exception, &error);
+    return error;
+}
+
+}  // namespace
+
+ScriptError takeScriptError() {
+    JSContext* const context = engineContext();
+    if (!JS_IsExceptionPending(context))
+        return takeEndError();
+    JS::ExceptionStack thrown(context);
+    if (JS::StealPendingExceptionStack(context, &thrown))
+        return errorOf(thrown);
+    clearException();
+    ScriptError error;
+    error.message = QStringLiteral("Out of memory");
+    return error;
+}
+
+std::optional<ScriptError> pendingScriptError() {
+    JSContext* const context = engineContext();
+    JS::ExceptionStack thrown(context);
+    if (!JS_IsExceptionPending(context) || !JS::StealPendingExceptionStack(context, &thrown))
+        return std::nullopt;
+    ScriptError error = errorOf(thrown);
+    JS::SetPendingExceptionStack(context, thrown);
     return error;
 }
 
@@ -263,7 +294,6 @@ std::vector<LineInfo> linesOfStack(JS::HandleObject stack) {
     JSContext* const context = engineContext();
     std::vector<LineInfo> lines;
     JS::RootedObject frame(context, stack);
-    constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
     while (frame && lines.size() < mostLines) {
         JS::RootedString source(context);
         std::uint32_t line = 0;

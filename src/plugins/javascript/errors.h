@@ -3,48 +3,104 @@
 #include <jsapi.h>
 
 #include <QString>
+#include <optional>
+#include <tl/expected.hpp>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 #include "platform/testresult/lineinfo.h"
+#include "plugins/javascript/engine.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// Throws the language's exception for a failure of the library into the script.
+// What is thrown into the script. The first of each pair lets it be pending and returns, the other
+// throws ScriptErrorSet.
+
+/// The language's exception for a failure of the library.
 void raise(const ScriptFailure& failure);
+[[noreturn]] void throwFailure(const ScriptFailure& failure);
 
-/// Throws a built-in error: `type` is the name of its class.
+/// A built-in error: `type` is the name of its class.
 void raiseBuiltIn(const char* type, const QString& text);
+[[noreturn]] void throwBuiltIn(const char* type, const QString& text);
 
-/// Throws that the running step is still to be written.
-void raisePendingStep(const QString& text);
+/// The running step is still to be written.
+[[noreturn]] void throwPendingStep(const QString& text);
+
+/// What the library gives; its failure is thrown.
+template <typename T>
+T checked(tl::expected<T, ScriptFailure> result) {
+    if (!result)
+        throwFailure(result.error());
+    if constexpr (!std::is_void_v<T>)
+        return std::move(*result);
+}
 
 /// Runs `work` of a native function, which gives whether it succeeded: what it throws becomes an
-/// exception of the script, and false is returned then. `function` gives the name for messages.
+/// exception of the script, and false is returned then. `name` is the function's for messages, or
+/// gives it when it is called.
 template <typename Name, typename Work>
-bool guarded(Name function, Work work) {
+bool guarded(const Name& name, Work work) {
     try {
         return work();
     } catch (const ScriptErrorSet&) {
         // The script gets the exception that is pending.
     } catch (const std::exception& exception) {
-        raise(thrownIn(function(), QString::fromUtf8(exception.what())));
+        QString shown;
+        if constexpr (std::is_invocable_v<const Name&>)
+            shown = name();
+        else
+            shown = QString::fromLatin1(name);
+        raise(thrownIn(shown, QString::fromUtf8(exception.what())));
     }
     return false;
+}
+
+/// A function that gives its value to the script, and throws what it refuses.
+using NativeBody = JS::Value (*)(const JS::CallArgs& arguments);
+
+/// The name of the function that is called.
+QString nameOfCallee(const JS::CallArgs& arguments);
+
+/// Such a function as the engine calls it.
+template <NativeBody body>
+bool native(JSContext*, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    const auto name = [&] { return nameOfCallee(arguments); };
+    return guarded(name, [&] {
+        arguments.rval().set(body(arguments));
+        return true;
+    });
+}
+
+/// What a table of functions has for one of them.
+struct NativeRow {
+    const char* name;
+    JSNative function;
+};
+/// Makes them functions of an object. Throws ScriptErrorSet.
+template <std::size_t size>
+void defineFunctions(JS::HandleObject object, const NativeRow (&rows)[size],
+                     unsigned attributes = 0) {
+    for (const NativeRow& row : rows) {
+        if (!JS_DefineFunction(engineContext(), object, row.name, row.function, 1, attributes))
+            throw ScriptErrorSet();
+    }
 }
 
 /// Whether what is pending ends the script, so that no function of the library may report it as an
 /// error of a piece of code: what no `catch` stops, and a FatalError.
 bool isEndOfScript();
 
-/// Whether the exception that is pending is that of a step which is still to be written.
-bool isPendingStepError();
-
 /// Takes the exception that is pending, or what else has ended the script. Its stack ends where the
 /// code was called that runs now, as that of a callback does at the native function.
 ScriptError takeScriptError();
+/// The same of an exception, which stays pending; nothing when none is.
+std::optional<ScriptError> pendingScriptError();
 
 /// Its text alone.
 QString takeErrorText();

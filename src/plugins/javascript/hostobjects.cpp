@@ -58,7 +58,8 @@ jsid dataSetKey() {
 JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
     JSContext* const context = engineContext();
     JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
-    JS::RootedObject row(context, makeHostObject(HeldRecord{set, record}, root));
+    JS::RootedObject row(context,
+                         makeHostObject(SharedPtr<HeldRecord>(new HeldRecord(set, record)), root));
     const TestDataRecord* const header = set->header();
     JS::RootedValue value(context);
     for (int column = 0; column < record->count(); ++column) {
@@ -113,9 +114,7 @@ SharedPtr<TestDataSet> dataSetOf(JS::HandleObject array) {
         return {};
     JS::RootedId key(context, dataSetKey());
     JS::RootedValue held(context, dataPropertyOf(array, key));
-    const auto* const set =
-        held.isObject() ? heldBy<SharedPtr<TestDataSet>>(&held.toObject()) : nullptr;
-    return set ? *set : SharedPtr<TestDataSet>();
+    return held.isObject() ? heldBy<TestDataSet>(&held.toObject()) : SharedPtr<TestDataSet>();
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

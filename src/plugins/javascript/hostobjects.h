@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "interpreter/bridge/nativescripttype.h"
+#include "interpreter/language/heldrecord.h"
 #include "interpreter/objects/members.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "shared/testdata/testdataset.h"
@@ -15,14 +16,8 @@ namespace Tamrix::JavaScriptPlugin {
 // Objects of the script that hold something of ours. They end it when they are collected, on the
 // script thread.
 
-/// One row of a data set, which it keeps alive.
-struct HeldRecord {
-    SharedPtr<TestDataSet> set;
-    const TestDataRecord* record = nullptr;
-};
-
 using Held = std::variant<SharedPtr<NativeScriptObject>, SharedPtr<ApplicationContext>,
-                          SharedPtr<TestDataSet>, HeldRecord, SharedPtr<BoundMethod>>;
+                          SharedPtr<TestDataSet>, SharedPtr<HeldRecord>, SharedPtr<BoundMethod>>;
 
 /// A new object that holds `held` and inherits from `prototype`. Throws ScriptErrorSet.
 JSObject* makeHostObject(Held held, JS::HandleObject prototype);
@@ -32,9 +27,10 @@ const Held* heldIn(JSObject* object);
 
 /// What it holds as a T, null when it is something else.
 template <typename T>
-const T* heldBy(JSObject* object) {
+SharedPtr<T> heldBy(JSObject* object) {
     const Held* const held = heldIn(object);
-    return held ? std::get_if<T>(held) : nullptr;
+    const auto* const own = held ? std::get_if<SharedPtr<T>>(held) : nullptr;
+    return own ? *own : SharedPtr<T>();
 }
 
 /// A data set for scripts: an array of its rows, each an object with the fields by name and by

@@ -9,11 +9,8 @@
 #include <cmath>
 
 #include "interpreter/objects/objectidentity.h"
-#include "platform/objectmodel/inspector.h"
 #include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
 #include "plugins/javascript/valuetext.h"
@@ -26,10 +23,9 @@ namespace {
 constexpr double endOfIntegers = 9223372036854775808.0;
 
 [[noreturn]] void refuseInteger(const QString& text) {
-    raiseBuiltIn(
+    throwBuiltIn(
         "RangeError",
         QStringLiteral("%1 is no integer of 64 bits: only such can be passed on").arg(text));
-    throw ScriptErrorSet();
 }
 
 }  // namespace
@@ -47,14 +43,6 @@ bool JavaScriptArgument::isInteger() const {
             std::isfinite(own.toDouble()));
 }
 
-bool JavaScriptArgument::isObject() const {
-    return object() && isApplicationObject(object());
-}
-
-bool JavaScriptArgument::isClass() const {
-    return toClass() != nullptr;
-}
-
 bool JavaScriptArgument::isCallable() const {
     return object() && JS::IsCallable(object());
 }
@@ -69,10 +57,6 @@ bool JavaScriptArgument::isList() const {
 bool JavaScriptArgument::isMap() const {
     return object() && !heldIn(object()) && !isApplicationObject(object()) &&
            (isPlainObject(object()) || isMapObject(object()));
-}
-
-bool JavaScriptArgument::isNative(void* typeId) const {
-    return bool(toNative(typeId));
 }
 
 // Conversions
@@ -110,14 +94,6 @@ long long JavaScriptArgument::toInt() const {
 
 QString JavaScriptArgument::toString() const {
     return textOf(value());
-}
-
-SharedPtr<Object> JavaScriptArgument::toObject() const {
-    return object() ? applicationObjectOf(object()) : SharedPtr<Object>();
-}
-
-const Class* JavaScriptArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
 }
 
 ScriptArgument::List JavaScriptArgument::toList() const {
@@ -158,63 +134,29 @@ ScriptArgument::Map JavaScriptArgument::toMap() const {
     return values;
 }
 
-SharedPtr<NativeScriptObject> JavaScriptArgument::toNative(void* typeId) const {
-    const auto* const native = object() ? heldBy<SharedPtr<NativeScriptObject>>(object()) : nullptr;
-    const auto* const interpreter = JavaScriptInterpreter::active();
-    if (native && interpreter && interpreter->isDerivedFrom((*native)->typeId(), typeId))
-        return *native;
-    return {};
+std::optional<QByteArray> JavaScriptArgument::bytes() const {
+    return object() && isBytes(object()) ? std::optional(fromJsBytes(object())) : std::nullopt;
 }
 
-SharedPtr<TestDataSet> JavaScriptArgument::toTestDataSet() const {
-    JS::RootedObject array(engineContext(), object());
-    return array ? dataSetOf(array) : SharedPtr<TestDataSet>();
-}
-
-SharedPtr<ApplicationContext> JavaScriptArgument::toApplicationContext() const {
-    const auto* const application =
-        object() ? heldBy<SharedPtr<ApplicationContext>>(object()) : nullptr;
-    return application ? *application : SharedPtr<ApplicationContext>();
-}
-
-const TestDataRecord* JavaScriptArgument::toTestDataRecord() const {
-    const auto* const row = object() ? heldBy<HeldRecord>(object()) : nullptr;
-    return row ? row->record : nullptr;
-}
-
-std::optional<QVariant> JavaScriptArgument::toVariant() const {
-    if (isNull())
-        return QVariant();
-    if (object() && isBytes(object()))
-        return fromJsBytes(object());
-    const QDateTime time = fromJsDate(value());
-    if (time.isValid())
-        return time;
-    return ScriptArgument::toVariant();
+QDateTime JavaScriptArgument::time() const {
+    return fromJsDate(value());
 }
 
 // Callables
 
-SharedPtr<ScriptArgument> JavaScriptArgument::call(const List& arguments, QString* error) {
+SharedPtr<ScriptArgument> JavaScriptArgument::called(const List& arguments) const {
     JSContext* const context = engineContext();
     JS::RootedValueVector values(context);
     for (const SharedPtr<ScriptArgument>& argument : arguments)
         checked(values.append(valueOf(argument)));
     JS::RootedValue result(context);
-    try {
-        checked(JS::Call(context, JS::UndefinedHandleValue, value(), values, &result));
-        settled(&result);
-        return argumentOf(result);
-    } catch (const ScriptErrorSet&) {
-        // An exception that ends the script is not the caller's to report.
-        if (isEndOfScript())
-            throw;
-    }
-    const ScriptError raised = takeScriptError();
-    if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+    checked(JS::Call(context, JS::UndefinedHandleValue, value(), values, &result));
+    settled(&result);
+    return argumentOf(result);
+}
+
+LanguageInterpreter* JavaScriptArgument::active() {
+    return JavaScriptInterpreter::active();
 }
 
 QString JavaScriptArgument::callableIdentifier() const {

@@ -2,14 +2,19 @@
 
 #include <jsapi.h>
 
-#include "interpreter/bridge/scriptargument.h"
+#include <optional>
+#include <type_traits>
+
+#include "interpreter/language/languageargument.h"
 #include "plugins/javascript/engine.h"
+#include "plugins/javascript/hostobjects.h"
+#include "plugins/javascript/objectproxy.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 /// One value of the engine as a script value. Conversions that the engine refuses throw
 /// ScriptErrorSet.
-class JavaScriptArgument final : public ScriptArgument {
+class JavaScriptArgument final : public LanguageArgument<JavaScriptArgument> {
 public:
     explicit JavaScriptArgument(const JS::Value& value) : m_value(engineContext(), value) {}
 
@@ -24,37 +29,40 @@ public:
     /// A number without a fraction, or a BigInt.
     bool isInteger() const override;
     bool isString() const override { return m_value.get().isString(); }
-    bool isObject() const override;
-    /// A class of the application is given by its name.
-    bool isClass() const override;
     bool isCallable() const override;
     /// An array.
     bool isList() const override;
     /// A plain object, or a Map.
     bool isMap() const override;
-    bool isNative(void* typeId) const override;
+    /// Null and undefined.
+    bool isNull() const override { return m_value.get().isNullOrUndefined(); }
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet with a RangeError for what 64 bits can't hold.
     long long toInt() const override;
     QString toString() const override;
-    SharedPtr<Object> toObject() const override;
-    const Class* toClass() const override;
     List toList() const override;
     Map toMap() const override;
-    SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
-    SharedPtr<TestDataSet> toTestDataSet() const override;
-    SharedPtr<ApplicationContext> toApplicationContext() const override;
-    /// Waits for the promise that an asynchronous function gives.
-    SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
     QString callableIdentifier() const override;
-    const TestDataRecord* toTestDataRecord() const override;
-    /// Also null, bytes and dates.
-    std::optional<QVariant> toVariant() const override;
-    /// Null and undefined.
-    bool isNull() const override { return m_value.get().isNullOrUndefined(); }
 
-    using ScriptArgument::toNative;
+    // For LanguageArgument.
+    template <typename T>
+    SharedPtr<T> held() const {
+        if (!object())
+            return {};
+        if constexpr (std::is_same_v<T, Object>)
+            return applicationObjectOf(object());
+        else if constexpr (std::is_same_v<T, TestDataSet>)
+            return dataSetOf(JS::RootedObject(engineContext(), object()));
+        else
+            return heldBy<T>(object());
+    }
+    std::optional<QByteArray> bytes() const;
+    /// Of a Date.
+    QDateTime time() const;
+    /// Waits for the promise that an asynchronous function gives.
+    SharedPtr<ScriptArgument> called(const List& arguments) const;
+    static LanguageInterpreter* active();
 
 private:
     /// Null for a value that is no object.

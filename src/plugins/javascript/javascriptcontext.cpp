@@ -3,12 +3,13 @@
 #include <js/Array.h>
 
 #include "interpreter/bridge/debugger.h"
-#include "interpreter/language/stepactions.h"
 #include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/javascriptvariables.h"
+#include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
@@ -32,10 +33,6 @@ SharedPtr<ScriptArgument> JavaScriptContext::createNull() {
 
 SharedPtr<ScriptArgument> JavaScriptContext::createBool(bool value) {
     return argumentOf(JS::BooleanValue(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createInteger(int value) {
-    return argumentOf(JS::Int32Value(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createInt64(long long value) {
@@ -98,35 +95,34 @@ SharedPtr<ScriptArgument> JavaScriptContext::createContext(
     return argumentOf(JS::ObjectValue(*known));
 }
 
-SharedPtr<ScriptArgument> JavaScriptContext::createLocation(const ScriptLocation& location) {
-    JS::RootedObject object(engineContext(), checked(JS_NewPlainObject(engineContext())));
-    defineProperty(object, "fileName", toJsText(location.fileName));
-    defineProperty(object, "line", JS::Int32Value(location.line));
-    return argumentOf(JS::ObjectValue(*object));
-}
-
 // Registration
 
-void JavaScriptContext::addGlobalFunction(const QString& name, Function function) {
-    ScriptContext::addGlobalFunction(name, function);
-    m_interpreter.define(NativeFunction(*this, signatureOfTable({}, name), function));
+JSObject* JavaScriptContext::holderOf(const QString& owner) {
+    ScriptRealm& realm = m_interpreter.realm();
+    return owner.isEmpty() ? realm.global() : realm.nameSpace(owner);
 }
 
-void JavaScriptContext::addStaticMemberFunction(const QString& className, const QString& name,
-                                                Function function) {
-    ScriptContext::addStaticMemberFunction(className, name, function);
-    m_interpreter.define(NativeFunction(*this, signatureOfTable(className, name), function));
+void JavaScriptContext::define(const NativeFunction& function) {
+    const QString& owner = function.signature().owner;
+    JS::RootedObject holder(engineContext(), holderOf(owner));
+    defineProperty(holder, function.signature().name, JS::ObjectValue(*makeFunction(function)),
+                   owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
 }
 
-void JavaScriptContext::addMemberFunction(const QString& className, const QString& name,
-                                          Function function) {
-    ScriptContext::addMemberFunction(className, name, function);
-    m_interpreter.defineMember(NativeFunction(*this, signatureOfTable(className, name), function));
+void JavaScriptContext::defineMember(const NativeFunction& function) {
+    if (function.signature().owner != QLatin1String("ApplicationContext")) {
+        LanguageContext::defineMember(function);
+        return;
+    }
+    JS::RootedObject prototype(engineContext(),
+                               m_interpreter.realm().applicationContextPrototype());
+    defineProperty(prototype, function.signature().name,
+                   JS::ObjectValue(*makeMemberFunction(function)), 0);
 }
 
-void JavaScriptContext::addConstant(const QString& name, int value) {
-    ScriptContext::addConstant(name, value);
-    m_interpreter.defineConstant(name, value);
+void JavaScriptContext::defineConstant(const QString& owner, const QString& name, int value) {
+    JS::RootedObject holder(engineContext(), holderOf(owner));
+    defineProperty(holder, name, JS::Int32Value(value), 0);
 }
 
 // Positions
@@ -151,6 +147,20 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
 
 // The language's own judgement
 
+QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
+    QStringList lines;
+    JavaScriptValueTexts texts;
+    try {
+        for (const DebuggerRealm::Variable& each : DebuggerRealm::self().explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
+    } catch (const ScriptErrorSet&) {
+        if (isEndOfScript())
+            throw;
+        clearException();
+    }
+    return lines.join('\n');
+}
+
 bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
                                     SharedPtr<ScriptArgument> right) {
     return areEqual(valueOf(left), valueOf(right));
@@ -158,62 +168,30 @@ bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
 
 std::pair<QString, QString> JavaScriptContext::evaluateForException(
     SharedPtr<ScriptArgument> code) {
-    if (!code->isString() && !code->isCallable())
-        return {QString(), "Neither code as text nor a callable: " + code->toString()};
-    const JavaScriptDebugger::CatchesErrors catching(m_interpreter.javaScriptDebugger());
-    try {
-        if (code->isString()) {
-            // A slip in the code is not the exception that the test is about.
-            const QString slip = m_interpreter.syntaxError(code->toString());
-            if (!slip.isEmpty())
-                return {QString(), "The code is not valid: " + slip};
-            DebuggerRealm::self().evaluateInCaller(code->toString(), "<test.exception>");
-        } else {
-            JS::RootedValue result(engineContext());
-            checked(JS::Call(engineContext(), JS::UndefinedHandleValue, valueOf(code),
-                             JS::HandleValueArray::empty(), &result));
-            settled(&result);
-        }
-        return {QString(), QStringLiteral("No exception was raised")};
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-    }
-    return {"Raised " + takeErrorText(), QString()};
+    const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
+    return attemptException(
+        *code, {[&](const QString& text) { return m_interpreter.syntaxError(text); },
+                [](const QString& text) {
+                    DebuggerRealm::self().evaluateInCaller(text, "<test.exception>");
+                },
+                [&] { static_cast<const JavaScriptArgument*>(code.get())->called({}); }});
 }
 
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
-    try {
-        JS::RootedValue value(engineContext(),
-                              DebuggerRealm::self().evaluateInCaller(
-                                  '(' + expression.trimmed() + "\n)", "<waitFor>"));
-        return JavaScriptArgument(value).toBool();
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-    }
-    *error = takeErrorText();
-    return false;
+    return attemptCondition(
+        [&] {
+            JS::RootedValue value(engineContext(),
+                                  DebuggerRealm::self().evaluateInCaller(
+                                      '(' + expression.trimmed() + "\n)", "<waitFor>"));
+            return JavaScriptArgument(value).toBool();
+        },
+        error);
 }
 
 bool JavaScriptContext::evaluate(const QString& text, const QString& fileName) {
-    // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.steps().registry().forget(fileName);
-    try {
+    return evaluateFile(fileName, [&] {
         m_interpreter.runText(text, fileName, JavaScriptInterpreter::Exports::BecomeGlobals);
-        return true;
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-    }
-    const ScriptError error = takeScriptError();
-    QString message = error.message;
-    if (!error.callStack.empty())
-        message = QStringLiteral("%1:%2: %3")
-                      .arg(error.callStack.front().fileName(),
-                           QString::number(error.callStack.front().lineNumber()), message);
-    setError(message);
-    return false;
+    });
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

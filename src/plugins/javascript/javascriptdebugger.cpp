@@ -17,6 +17,15 @@ void stopWhereTheScriptIs() {
         interpreter->javaScriptDebugger().stop();
 }
 
+/// Of lines alone.
+std::vector<ScriptFrame> framesOf(const std::vector<LineInfo>& lines) {
+    std::vector<ScriptFrame> frames;
+    frames.reserve(lines.size());
+    for (const LineInfo& place : lines)
+        frames.push_back({FrameHandle(), place.fileName(), place.lineNumber(), -1, -1});
+    return frames;
+}
+
 /// What the engine refuses of the debugger is told, and does the script no harm.
 template <typename Work>
 void quietly(Work work) {
@@ -123,43 +132,35 @@ void JavaScriptDebugger::lineReached(const QString& file, int line) {
 }
 
 void JavaScriptDebugger::errorThrown(JS::HandleValue exception) {
-    if (!stopsForErrors() || m_catching > 0 || m_interpreter.isSkip(exception))
+    if (!stopsForErrors() || areErrorsCaught() || m_interpreter.isSkip(exception))
         return;
     bool isTold = false;
     JS::RootedValue told(engineContext(), m_toldError);
     checked(JS::StrictlyEqual(engineContext(), exception, told, &isTold));
     const QString text = exceptionText(exception);
     // An error of a native function may tell of the one that is told already.
-    if (isTold || (!m_toldText.isEmpty() && text.contains(m_toldText)))
+    if (isTold || hasTold(text))
         return;
     m_toldError = exception;
-    m_toldText = text;
     stopForError(text, runningFrames());
 }
 
-void JavaScriptDebugger::errorUncaught(const ScriptError& error) {
-    const bool isTold = !m_toldText.isEmpty() && error.message.contains(m_toldText);
-    m_toldError.setUndefined();
-    m_toldText.clear();
-    if (!stopsForErrors() || isTold || error.isSkip || error.isExit)
-        return;
+void JavaScriptDebugger::errorUncaught() {
+    const std::optional<ScriptError> error = pendingScriptError();
     // Its frames are left: there are lines alone.
-    std::vector<ScriptFrame> frames;
-    for (const LineInfo& place : error.callStack)
-        frames.push_back({FrameHandle(), place.fileName(), place.lineNumber(), -1, -1});
-    stopForError(error.message, std::move(frames));
+    if (error && stopsForErrors() && !error->isSkip && !hasTold(error->message))
+        stopForError(error->message, framesOf(error->callStack));
+    m_toldError.setUndefined();
+    forgetTold();
 }
 
 // Frames and variables
 
 std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
+    // Without the engine's debugger there are lines alone.
+    if (!isInteractive())
+        return framesOf(runningLines());
     std::vector<ScriptFrame> found;
-    if (!isInteractive()) {
-        // Without the engine's debugger there are lines alone.
-        for (const LineInfo& place : runningLines())
-            found.push_back({FrameHandle(), place.fileName(), place.lineNumber(), -1, -1});
-        return found;
-    }
     quietly([&] {
         for (const DebuggerRealm::Frame& frame : DebuggerRealm::self().frames()) {
             const LineInfo place = placeOfCode(frame.file, frame.line);
@@ -172,12 +173,8 @@ std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
     return found;
 }
 
-std::vector<DebuggerRealm::Variable> JavaScriptDebugger::variablesOf(int level) {
-    const std::vector<ScriptFrame> all = frames();
-    if (level >= static_cast<int>(all.size()))
-        return {};
-    const auto* const handle =
-        std::any_cast<FrameHandle>(&all[static_cast<std::size_t>(level)].own);
+std::vector<DebuggerRealm::Variable> JavaScriptDebugger::variablesOf(const ScriptFrame& frame) {
+    const auto* const handle = std::any_cast<FrameHandle>(&frame.own);
     std::vector<DebuggerRealm::Variable> found;
     if (handle && *handle)
         quietly([&] { found = DebuggerRealm::self().variables(*handle); });

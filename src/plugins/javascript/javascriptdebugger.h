@@ -30,28 +30,14 @@ public:
     void realmChanged();
     /// A file is about to be compiled: break points that wait for it are set.
     void noticeFile(const QString& file);
-    /// An error has ended the script: stops if the debugger has not done so before. The engine does
-    /// not tell whether an asynchronous function catches an error.
-    void errorUncaught(const ScriptError& error);
+    /// What is pending has ended the script: stops if the debugger has not done so before, as for
+    /// what a promise was rejected with that looked as if somebody waited for it.
+    void errorUncaught();
 
     /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
     JS::Value evaluate(const ScriptFrame* frame, const QString& code);
-    /// The variables of one of the frames(); none for one of a feature file.
-    std::vector<DebuggerRealm::Variable> variablesOf(int level);
-
-    /// Errors are caught by a native function as long as this exists.
-    class CatchesErrors {
-    public:
-        explicit CatchesErrors(JavaScriptDebugger& debugger) : m_debugger(debugger) {
-            ++m_debugger.m_catching;
-        }
-        ~CatchesErrors() { --m_debugger.m_catching; }
-        CatchesErrors(const CatchesErrors&) = delete;
-        CatchesErrors& operator=(const CatchesErrors&) = delete;
-
-    private:
-        JavaScriptDebugger& m_debugger;
-    };
+    /// The variables of a frame.
+    std::vector<DebuggerRealm::Variable> variablesOf(const ScriptFrame& frame);
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
@@ -71,10 +57,8 @@ private:
     /// Those that were compiled.
     QStringList m_files;
     int m_standstills = 0;
-    int m_catching = 0;
-    /// The exception that the debugger has stopped for, and its text.
+    /// The exception that the debugger has stopped for.
     JS::PersistentRootedValue m_toldError;
-    QString m_toldText;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -8,7 +8,6 @@
 #include <js/Modules.h>
 #include <js/Object.h>
 #include <js/ScriptPrivate.h>
-#include <js/SourceText.h>
 #include <js/friend/ErrorMessages.h>
 #include <jsfriendapi.h>
 
@@ -50,17 +49,12 @@ bool isModuleError(JSContext* context) {
                                report->errorNumber) != std::end(moduleErrors);
 }
 
-/// Code of the library that is evaluated in the script's realm.
-JS::Value evaluateOwn(const QString& text) {
-    JSContext* const context = engineContext();
-    JS::CompileOptions options(context);
-    options.setFileAndLine("<tamrix>", 1);
-    JS::SourceText<char16_t> source;
-    checked(source.init(context, reinterpret_cast<const char16_t*>(text.utf16()),
-                        static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
-    JS::RootedValue value(context);
-    checked(JS::Evaluate(context, options, source, &value));
-    return value;
+void refuseGenerator(const QString& name, JS::HandleValue result) {
+    const char* const kind = result.isObject() ? JS::GetClass(&result.toObject())->name : "";
+    if (std::strcmp(kind, "Generator") == 0 || std::strcmp(kind, "AsyncGenerator") == 0)
+        throwBuiltIn("TypeError",
+                     (name.isEmpty() ? QStringLiteral("The function") : name + "()") +
+                         " is a generator and nothing of it has run: take its '*' away");
 }
 
 }  // namespace
@@ -70,8 +64,6 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
     JSContext* const engine = engineContext();
     Modules::install(engine);
     m_scriptModule.init(engine);
-    m_skip.init(engine);
-    m_originOf.init(engine);
     m_debugger = std::make_unique<JavaScriptDebugger>(*this);
     try {
         enterNewRealm();
@@ -87,6 +79,7 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
 
 JavaScriptInterpreter::~JavaScriptInterpreter() {
     end();
+    m_failures.clear();
     Engine::self().jobs().clear();
     leaveActive();
     enterActiveRealm();
@@ -116,67 +109,8 @@ void JavaScriptInterpreter::enterActiveRealm() {
 
 // Names for scripts
 
-void JavaScriptInterpreter::define(const NativeFunction& function) {
-    JSContext* const engine = engineContext();
-    const QString& owner = function.signature().owner;
-    JS::RootedObject holder(engine,
-                            owner.isEmpty() ? m_realm->global() : m_realm->nameSpace(owner));
-    defineProperty(holder, function.signature().name, JS::ObjectValue(*makeFunction(function)),
-                   owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
-}
-
-void JavaScriptInterpreter::defineConstant(const QString& name, int value) {
-    const QString separator = QStringLiteral("::");
-    const bool isMember = name.contains(separator);
-    JS::RootedObject holder(engineContext(), isMember
-                                                 ? m_realm->nameSpace(name.section(separator, 0, 0))
-                                                 : m_realm->global());
-    defineProperty(holder, isMember ? name.section(separator, 1) : name, JS::Int32Value(value), 0);
-}
-
-namespace {
-
-/// A member function of the library's takes its object as the first argument.
-bool callMember(JSContext* context, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    JS::RootedValue function(context, js::GetFunctionNativeReserved(&arguments.callee(), 0));
-    JS::RootedValueVector all(context);
-    bool isDone = all.append(arguments.thisv());
-    for (unsigned index = 0; index < count; ++index)
-        isDone = isDone && all.append(arguments[index]);
-    return isDone && JS::Call(context, JS::UndefinedHandleValue, function, all, arguments.rval());
-}
-
-}  // namespace
-
-void JavaScriptInterpreter::defineMember(const NativeFunction& function) {
-    JSContext* const engine = engineContext();
-    if (function.signature().owner != QLatin1String("ApplicationContext")) {
-        qWarning("JavaScript has no class for the member functions of %s",
-                 function.signature().owner.toLocal8Bit().constData());
-        return;
-    }
-    JS::RootedObject prototype(engine, m_realm->applicationContextPrototype());
-    JS::RootedValue target(engine, JS::ObjectValue(*makeFunction(function)));
-    const QString& name = function.signature().name;
-    JSFunction* const member =
-        checked(js::NewFunctionWithReserved(engine, callMember, 0, 0, name.toUtf8().constData()));
-    JS::RootedObject object(engine, JS_GetFunctionObject(member));
-    js::SetFunctionNativeReserved(object, 0, target);
-    defineProperty(prototype, name, JS::ObjectValue(*object), 0);
-}
-
-void JavaScriptInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                              const QStringList& requiredParameters,
-                                              const QStringList& optionalParameters,
-                                              const QString& description) {
-    define(NativeFunction(
-        m_context, {name, {}, requiredParameters, optionalParameters, description}, function));
-}
-
 void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
                                           const NativeScriptType& type) {
-    m_nativeTypes[typeId] = type.super();
     JS::RootedObject global(engineContext(), m_realm->global());
     JSObject* const made = makeNativeClass(name, typeId, type);
     defineProperty(global, name, JS::ObjectValue(*made), 0);
@@ -185,19 +119,8 @@ void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
 JS::Value JavaScriptInterpreter::nativeValue(SharedPtr<NativeScriptObject> object) {
     if (!object)
         return JS::NullValue();
-    JS::RootedObject prototype(engineContext());
-    void* type = object->typeId();
-    while (type && !prototype) {
-        prototype = m_realm->nativePrototype(type);
-        type = m_nativeTypes.value(type);
-    }
+    JS::RootedObject prototype(engineContext(), m_realm->nativePrototype(object->typeId()));
     return JS::ObjectValue(*makeHostObject(std::move(object), prototype));
-}
-
-bool JavaScriptInterpreter::isDerivedFrom(void* typeId, void* wanted) const {
-    while (typeId && typeId != wanted)
-        typeId = m_nativeTypes.value(typeId);
-    return typeId && typeId == wanted;
 }
 
 QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
@@ -222,8 +145,7 @@ void JavaScriptInterpreter::publishFunctions(const QStringList& names) {
 
 void JavaScriptInterpreter::startScript(const QString& path, const QStringList& arguments,
                                         const QStringList& folders) {
-    m_skip = nullptr;
-    m_originOf = nullptr;
+    m_failures.clear();
     m_scriptModule = nullptr;
     Engine::self().jobs().clear();
     try {
@@ -260,8 +182,7 @@ void JavaScriptInterpreter::compile(const QString& text, const QString& file,
     // As modules are: a slip in a name is an error, and no new variable or property.
     options.setForceStrictMode();
     JS::SourceText<char16_t> source;
-    checked(source.init(engine, reinterpret_cast<const char16_t*>(text.utf16()),
-                        static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
+    setSource(text, &source);
     script.set(JS::Compile(engine, options, source));
     if (script) {
         JS::SetScriptPrivate(script, m_realm->modules().fileValue(file));
@@ -286,18 +207,14 @@ QString JavaScriptInterpreter::syntaxError(const QString& text) {
 
 bool JavaScriptInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
-    JS::RootedScript script(engineContext());
-    JS::RootedObject module(engineContext());
-    try {
+    return runCode(true, [&] {
+        JS::RootedScript script(engineContext());
+        JS::RootedObject module(engineContext());
         compile(text, Debugger::sanitizedFilePath(fileName), &script, &module);
-        return true;
-    } catch (const ScriptErrorSet&) {
-        return failWith(takeScriptError());
-    }
+    });
 }
 
-JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fileName,
-                                         Exports exports) {
+void JavaScriptInterpreter::runText(const QString& text, const QString& fileName, Exports exports) {
     JSContext* const engine = engineContext();
     JS::RootedScript script(engine);
     JS::RootedObject module(engine);
@@ -307,8 +224,11 @@ JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fil
     if (script) {
         checked(JS_ExecuteScript(engine, script, &value));
         throwUnhandledRejection();
-        return nullptr;
+        return;
     }
+    // The functions of a script that ends early are there, too.
+    if (exports == Exports::StayInModule && !fileName.isEmpty())
+        m_scriptModule = module;
     m_realm->modules().run(module);
     throwUnhandledRejection();
     if (exports == Exports::BecomeGlobals) {
@@ -316,25 +236,15 @@ JSObject* JavaScriptInterpreter::runText(const QString& text, const QString& fil
         JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
         checked(JS_AssignObject(engine, global, names));
     }
-    return module;
 }
 
 bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
-    try {
-        JSObject* const module = runText(text, fileName, Exports::StayInModule);
-        if (!fileName.isEmpty()) {
-            m_scriptModule = module;
-            m_hasRunScript = true;
-        } else {
+    m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
+    return runCode(!fileName.isEmpty(), [&] {
+        runText(text, fileName, Exports::StayInModule);
+        if (fileName.isEmpty())
             m_initScripts.append(text);
-        }
-        return succeed();
-    } catch (const ScriptErrorSet&) {
-        m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
-        const ScriptError error = takeScriptError();
-        m_debugger->errorUncaught(error);
-        return failWith(error, !fileName.isEmpty());
-    }
+    });
 }
 
 SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& name) {
@@ -354,8 +264,8 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
                 function = propertyOf(names, name.toUtf8().constData());
         }
         if (!function.isObject())
-            function =
-                evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name));
+            function = evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name),
+                                   "<tamrix>");
     } catch (const ScriptErrorSet&) {
         // A name that has no value yet.
         clearException();
@@ -363,6 +273,39 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
     if (!function.isObject() || !JS::IsCallable(&function.toObject()))
         return {};
     return argumentOf(function);
+}
+
+ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
+    ScriptArgument::Map variables;
+    if (!m_scriptModule)
+        return variables;
+    JSContext* const engine = engineContext();
+    try {
+        JS::RootedObject module(engine, m_scriptModule);
+        JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
+        JS::RootedIdVector keys(engine);
+        checked(js::GetPropertyKeys(engine, names, JSITER_OWNONLY | JSITER_HIDDEN, &keys));
+        JS::RootedId key(engine);
+        JS::RootedValue value(engine);
+        for (const jsid each : keys) {
+            key = each;
+            // A name has no value before the script has come to it.
+            if (JS_GetPropertyById(engine, names, key, &value))
+                variables[fromKey(key)] = argumentOf(value);
+            else
+                clearException();
+        }
+    } catch (const ScriptErrorSet&) {
+        clearException();
+    }
+    return variables;
+}
+
+bool JavaScriptInterpreter::refuseScript(const LineInfo& place, const QString& message) {
+    ScriptError error;
+    error.message = message;
+    error.callStack = {place};
+    return failWith(error);
 }
 
 SharedPtr<ScriptArgument> JavaScriptInterpreter::libraryFunction(const QString& name) {
@@ -373,23 +316,12 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::libraryFunction(const QString& 
     return argumentOf(function);
 }
 
-void JavaScriptInterpreter::refuseGenerator(const QString& name, JS::HandleValue result) {
-    if (!result.isObject())
-        return;
-    const char* const className = JS::GetClass(&result.toObject())->name;
-    if (std::strcmp(className, "Generator") != 0 && std::strcmp(className, "AsyncGenerator") != 0)
-        return;
-    raiseBuiltIn("TypeError", (name.isEmpty() ? QStringLiteral("The function") : name + "()") +
-                                  " is a generator and nothing of it has run: take its '*' away");
-    throw ScriptErrorSet();
-}
-
 LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                          const CallArguments& arguments,
                                                          const QString& name, bool isCallback) {
     JSContext* const engine = engineContext();
     m_hasRunScript = true;
-    try {
+    const CallEnd end = runCall(isCallback, [&] {
         JS::RootedValueVector values(engine);
         for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
             checked(values.append(valueOf(argument)));
@@ -405,22 +337,15 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
         settled(&result);
         if (!isCallback)
             throwUnhandledRejection();
-        succeed();
-        return CallEnd::Succeeded;
-    } catch (const ScriptErrorSet&) {
-        if (isCallback && isEndOfScript())
-            throw;
-    }
-    const bool isPending = isPendingStepError();
-    ScriptError error = takeScriptError();
+    });
     // A call that was refused has come to no line.
-    if (error.callStack.empty())
-        error.callStack.push_back(placeOf(function));
-    if (!isCallback)
-        m_debugger->errorUncaught(error);
-    if (failWith(error))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
+    const bool isRefused = end != CallEnd::Succeeded && errorCallStack().empty();
+    if (const LineInfo place = placeOf(function); isRefused && !isCallback && place.isValid()) {
+        setErrorFile(place.fileName());
+        setErrorLine(place.lineNumber());
+        setErrorCallStack({place});
+    }
+    return end;
 }
 
 LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
@@ -459,23 +384,21 @@ ScriptError JavaScriptInterpreter::takeError() {
     return takeScriptError();
 }
 
+void JavaScriptInterpreter::errorUncaught() {
+    m_debugger->errorUncaught();
+}
+
 void JavaScriptInterpreter::noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
-    if (failure.isSkip)
-        m_skip = error;
-    if (failure.origin.line >= 0) {
-        m_originOf = error;
-        m_origin = LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
-    }
+    m_failures.notice(failure, *m_debugger, engineContext(), error);
 }
 
 bool JavaScriptInterpreter::isSkip(JS::HandleValue exception) const {
-    return exception.isObject() && m_skip == &exception.toObject();
+    return exception.isObject() && m_failures.isSkip(&exception.toObject());
 }
 
 void JavaScriptInterpreter::completeError(JS::HandleValue exception, ScriptError* error) {
-    error->isSkip = isSkip(exception);
-    if (exception.isObject() && m_originOf == &exception.toObject())
-        error->callStack.insert(error->callStack.begin(), m_origin);
+    if (exception.isObject())
+        m_failures.complete(&exception.toObject(), error);
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -2,13 +2,11 @@
 
 #include <jsapi.h>
 
-#include <QMap>
 #include <QString>
 #include <memory>
-#include <vector>
 
 #include "interpreter/language/languageinterpreter.h"
-#include "interpreter/language/nativefunction.h"
+#include "interpreter/language/noticedfailures.h"
 #include "plugins/javascript/javascriptcontext.h"
 #include "plugins/javascript/promises.h"
 #include "plugins/javascript/scriptrealm.h"
@@ -36,16 +34,7 @@ public:
     JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
     ScriptRealm& realm() { return *m_realm; }
 
-    // Names for scripts. They throw ScriptErrorSet.
-    void define(const NativeFunction& function);
-    /// A method of the objects that stand for the library's class.
-    void defineMember(const NativeFunction& function);
-    void defineConstant(const QString& name, int value);
-
-    // Native classes.
     JS::Value nativeValue(SharedPtr<NativeScriptObject> object);
-    /// Whether the type is the wanted one or derives from it.
-    bool isDerivedFrom(void* typeId, void* wanted) const;
 
     /// A failure has become this error: one that ends the case as skipped, or that stands in a file
     /// that is none of the language's, is told by it. What else is thrown on its way is an error.
@@ -57,8 +46,12 @@ public:
     /// What becomes of the exports of a module.
     enum class Exports { StayInModule, BecomeGlobals };
     /// Runs a script or a module in the realm, and waits for it. Throws ScriptErrorSet. `fileName`
-    /// may be empty. The module in which it ran; null for a script.
-    JSObject* runText(const QString& text, const QString& fileName, Exports exports);
+    /// may be empty.
+    void runText(const QString& text, const QString& fileName, Exports exports);
+    /// What the script's module exports, by name, as far as it has come to it.
+    ScriptArgument::Map exportedVariables();
+    /// Tells of an error in a script that has run: as failWith().
+    bool refuseScript(const LineInfo& place, const QString& message);
     /// Why the text is no valid code; empty when it is.
     QString syntaxError(const QString& text);
 
@@ -66,10 +59,6 @@ public:
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
-    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                           const QStringList& requiredParameters,
-                           const QStringList& optionalParameters,
-                           const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
 
@@ -83,6 +72,7 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    void errorUncaught() override;
 
 private:
     void enterNewRealm();
@@ -91,22 +81,17 @@ private:
     /// A script, or a module for a text that is one. One of them is null. Throws ScriptErrorSet.
     void compile(const QString& text, const QString& file, JS::MutableHandleScript script,
                  JS::MutableHandleObject module);
-    void refuseGenerator(const QString& name, JS::HandleValue result);
 
     JavaScriptContext m_context{*this};
     std::unique_ptr<ScriptRealm> m_realm;
     std::unique_ptr<JavaScriptDebugger> m_debugger;
-    /// The base class of each native class, by type identifier.
-    QMap<void*, void*> m_nativeTypes;
     QStringList m_searchPath;
     /// What init scripts have run, which each script finds done.
     QStringList m_initScripts;
     bool m_hasRunScript = false;
 
     JS::PersistentRootedObject m_scriptModule;
-    JS::PersistentRootedObject m_skip;
-    JS::PersistentRootedObject m_originOf;
-    LineInfo m_origin;
+    NoticedFailures<JS::PersistentRootedObject> m_failures;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -34,16 +34,11 @@ JavaScriptSteps::JavaScriptSteps(JavaScriptInterpreter& interpreter)
     : StepLanguage(interpreter), m_interpreter(interpreter) {}
 
 std::optional<ScriptError> JavaScriptSteps::loadFile(const QString& path, const QString& text) {
-    try {
+    return m_interpreter.attempt([&] {
         Modules& modules = m_interpreter.realm().modules();
         JS::RootedObject module(engineContext(), modules.add(text, path));
         modules.run(module);
-        return std::nullopt;
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-    }
-    return takeScriptError();
+    });
 }
 
 bool JavaScriptSteps::isLoaded(const QString& path) {

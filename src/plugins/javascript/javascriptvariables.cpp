@@ -8,7 +8,7 @@
 #include <jsfriendapi.h>
 
 #include <algorithm>
-#include <functional>
+#include <cstdint>
 
 #include "interpreter/language/valuepath.h"
 #include "plugins/javascript/hostobjects.h"
@@ -24,7 +24,7 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 /// What a value consists of.
-enum class Shape { Plain, List, Properties };
+enum class Shape { Plain, List, Map, Set, Properties };
 
 Shape shapeOf(JS::HandleValue value) {
     if (!value.isObject())
@@ -33,54 +33,105 @@ Shape shapeOf(JS::HandleValue value) {
     // Looking into a proxy of the script would run code of it.
     if (js::IsProxy(object) || JS::IsCallable(object))
         return Shape::Plain;
-    bool isArray = false;
-    checked(JS::IsArrayObject(engineContext(), value, &isArray));
-    if (isArray)
-        return Shape::List;
-    // So does going through these, which the engine does not allow at a stop.
-    return isMapObject(object) || isSetObject(object) ? Shape::Plain : Shape::Properties;
+    js::ESClass kind = js::ESClass::Other;
+    checked(JS::GetBuiltinClass(engineContext(), object, &kind));
+    switch (kind) {
+        case js::ESClass::Array:
+            return Shape::List;
+        case js::ESClass::Map:
+            return Shape::Map;
+        case js::ESClass::Set:
+            return Shape::Set;
+        default:
+            return Shape::Properties;
+    }
 }
 
-/// The keys of the object's own properties; of an array its elements alone.
-void keysOf(JS::HandleObject object, JS::MutableHandleIdVector keys) {
-    checked(js::GetPropertyKeys(engineContext(), object, JSITER_OWNONLY, keys));
-}
-
-/// Calls `visit` with the name as it stands in paths and the value of each member from the one
-/// numbered `first`, as long as it gives true. Gives the number of all members.
-int visitMembers(JS::HandleValue value, int first,
-                 const std::function<bool(const QString& name, JS::HandleValue value)>& visit) {
-    JSContext* const context = engineContext();
-    const Shape shape = shapeOf(value);
-    if (shape == Shape::Plain)
-        return 0;
-    JS::RootedObject object(context, &value.toObject());
-    JS::RootedValue member(context);
-    bool isWanted = true;
-    if (shape == Shape::List) {
-        std::uint32_t length = 0;
-        checked(JS::GetArrayLength(context, object, &length));
-        for (std::uint32_t index = static_cast<std::uint32_t>(first); isWanted && index < length;
-             ++index) {
-            JS::RootedId key(context, JS::PropertyKey::Int(static_cast<int>(index)));
-            member = dataPropertyOf(object, key);
-            isWanted = visit(QString::number(index), member);
+/// The members of a value, in their order. Only on the stack.
+class MemberReader {
+public:
+    /// Of a collection at least the first `most` can be read.
+    MemberReader(JS::HandleValue value, std::size_t most) : m_shape(shapeOf(value)) {
+        if (m_shape == Shape::Plain)
+            return;
+        m_object = &value.toObject();
+        switch (m_shape) {
+            case Shape::List:
+                checked(JS::GetArrayLength(m_context, m_object, &m_count));
+                break;
+            case Shape::Map:
+                m_count = JS::MapSize(m_context, m_object);
+                entriesOf(m_object, &m_entries, 2 * most);
+                break;
+            case Shape::Set:
+                m_count = JS::SetSize(m_context, m_object);
+                entriesOf(m_object, &m_entries, most);
+                break;
+            default:
+                checked(js::GetPropertyKeys(m_context, m_object, JSITER_OWNONLY, &m_keys));
+                m_count = static_cast<std::uint32_t>(m_keys.length());
         }
-        return static_cast<int>(length);
     }
-    JS::RootedIdVector keys(context);
-    keysOf(object, &keys);
-    JS::RootedId key(context);
-    for (int index = first; isWanted && index < static_cast<int>(keys.length()); ++index) {
-        key = keys[static_cast<std::size_t>(index)];
+
+    int count() const { return static_cast<int>(m_count); }
+
+    void read(int index) {
+        const auto number = static_cast<std::size_t>(index);
+        m_name = QString::number(index);
+        switch (m_shape) {
+            case Shape::List:
+                m_key = JS::PropertyKey::Int(index);
+                m_value = dataPropertyOf(m_object, m_key);
+                break;
+            case Shape::Map:
+                readEntry(index, m_entries[2 * number]);
+                m_value = m_entries[2 * number + 1];
+                break;
+            case Shape::Set:
+                m_value = m_entries[number];
+                break;
+            default:
+                m_key = m_keys[number];
+                readProperty();
+        }
+    }
+    // Of the one that was read.
+    /// As it stands in paths.
+    const QString& name() const { return m_name; }
+    /// What stands in front of it where the whole is written.
+    const QString& label() const { return m_label; }
+    JS::HandleValue value() const { return m_value; }
+
+private:
+    void readEntry(int index, JS::HandleValue key) {
+        const QString text = JavaScriptValueTexts().textOf(key);
+        m_label = text + " => ";
+        // Objects that look alike are keys of their own.
+        m_name = '[' +
+                 pathPart(key.isObject() ? QStringLiteral("%1: %2").arg(index).arg(text) : text,
+                          QByteArrayLiteral("[]")) +
+                 ']';
+    }
+    void readProperty() {
         bool hasGetter = false;
-        member = dataPropertyOf(object, key, &hasGetter);
+        m_value = dataPropertyOf(m_object, m_key, &hasGetter);
         if (hasGetter)
-            member = toJsText(QStringLiteral("[Getter]"));
-        isWanted = visit(pathPart(fromKey(key)), member);
+            m_value = toJsText(QStringLiteral("[Getter]"));
+        m_name = pathPart(fromKey(m_key));
+        m_label = fromKey(m_key) + ": ";
     }
-    return static_cast<int>(keys.length());
-}
+
+    JSContext* m_context = engineContext();
+    Shape m_shape;
+    JS::RootedObject m_object{m_context};
+    std::uint32_t m_count = 0;
+    JS::RootedValueVector m_entries{m_context};
+    JS::RootedIdVector m_keys{m_context};
+    JS::RootedId m_key{m_context};
+    JS::RootedValue m_value{m_context};
+    QString m_name;
+    QString m_label;
+};
 
 }  // namespace
 
@@ -103,7 +154,7 @@ QString JavaScriptValueTexts::textOf(JS::HandleValue value, int depth) {
 QString JavaScriptValueTexts::objectText(JS::HandleObject object, int depth) {
     JSContext* const context = engineContext();
     JS::RootedValue value(context, JS::ObjectValue(*object));
-    if (isApplicationObject(object) || heldBy<SharedPtr<ApplicationContext>>(object))
+    if (isApplicationObject(object) || heldBy<ApplicationContext>(object))
         return Tamrix::JavaScriptPlugin::textOf(value);
     if (js::IsProxy(object))
         return QStringLiteral("[Proxy]");
@@ -115,24 +166,18 @@ QString JavaScriptValueTexts::objectText(JS::HandleObject object, int depth) {
         return errorText(object);
     if (kind == js::ESClass::Date)
         return Tamrix::JavaScriptPlugin::textOf(value);
-    if (kind == js::ESClass::Map)
-        return QStringLiteral("Map(%1)").arg(JS::MapSize(context, object));
-    if (kind == js::ESClass::Set)
-        return QStringLiteral("Set(%1)").arg(JS::SetSize(context, object));
 
-    // The members that are shown, as texts.
-    const Shape shape = shapeOf(value);
-    QStringList texts;
-    const int count = visitMembers(value, 0, [&](const QString& name, JS::HandleValue member) {
-        const QString text = depth + 1 < deepest ? textOf(member, depth + 1) : QString();
-        texts.append(shape == Shape::List ? text : textOfPathPart(name) + ": " + text);
-        return texts.size() <= longest / 2;
-    });
+    MemberReader members(value, longest);
     int next = 0;
-    const QString inner = itemsText(depth, count, [&] { return texts.at(next++); });
-    if (shape == Shape::List)
+    const QString inner = itemsText(depth, members.count(), [&] {
+        members.read(next++);
+        return members.label() + textOf(members.value(), depth + 1);
+    });
+    if (kind == js::ESClass::Array)
         return '[' + inner + ']';
-    const QString name = isPlainObject(object) ? QString() : classNameOf(object);
+    QString name = isPlainObject(object) ? QString() : classNameOf(object);
+    if (kind == js::ESClass::Map || kind == js::ESClass::Set)
+        name += QStringLiteral("(%1)").arg(members.count());
     return (name.isEmpty() ? QString() : name + ' ') + '{' + inner + '}';
 }
 
@@ -143,7 +188,10 @@ JavaScriptVariables::JavaScriptVariables(JavaScriptDebugger& debugger)
 
 std::vector<LanguageVariables::Member> JavaScriptVariables::variablesOf(int level) {
     std::vector<Member> members;
-    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(level)) {
+    const std::optional<ScriptFrame> frame = codeFrame(level);
+    if (!frame)
+        return members;
+    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(*frame)) {
         if (!m_debugger.interpreter()->isSelfDefinedVariableName(variable.name))
             members.push_back({pathPart(variable.name), argumentOf(variable.value)});
     }
@@ -152,31 +200,14 @@ std::vector<LanguageVariables::Member> JavaScriptVariables::variablesOf(int leve
 
 LanguageVariables::Members JavaScriptVariables::membersOf(const Value& value, int first,
                                                           int limit) {
+    MemberReader reader(valueOf(value), static_cast<std::size_t>(first + limit));
     Members members;
-    members.count =
-        visitMembers(valueOf(value), first, [&](const QString& name, JS::HandleValue member) {
-            members.page.push_back({name, argumentOf(member)});
-            return static_cast<int>(members.page.size()) < limit;
-        });
+    members.count = reader.count();
+    for (int index = first; index < std::min(first + limit, reader.count()); ++index) {
+        reader.read(index);
+        members.page.push_back({reader.name(), argumentOf(reader.value())});
+    }
     return members;
-}
-
-LanguageVariables::Value JavaScriptVariables::memberNamed(const Value& value, const QString& name) {
-    Value found;
-    const Shape shape = shapeOf(valueOf(value));
-    bool isNumber = false;
-    const int number = name.toInt(&isNumber);
-    const bool isNumbered = shape == Shape::List;
-    if (isNumbered && (!isNumber || number < 0))
-        return found;
-    visitMembers(valueOf(value), isNumbered ? number : 0,
-                 [&](const QString& each, JS::HandleValue member) {
-                     if (each != name)
-                         return true;
-                     found = argumentOf(member);
-                     return false;
-                 });
-    return found;
 }
 
 QString JavaScriptVariables::textOf(const Value& value) {

@@ -20,8 +20,8 @@ private:
     QString objectText(JS::HandleObject object, int depth);
 };
 
-/// The variables of a script that stands still: elements of an array by their number, properties of
-/// an object by their name. A Map or a Set tells its size alone.
+/// The variables of a script that stands still: elements of an array or a Set by their number,
+/// properties of an object by their name, entries of a Map by their key.
 class JavaScriptVariables final : public LanguageVariables {
 public:
     explicit JavaScriptVariables(JavaScriptDebugger& debugger);
@@ -30,7 +30,6 @@ protected:
     void startListing() override { m_texts = JavaScriptValueTexts(); }
     std::vector<Member> variablesOf(int level) override;
     Members membersOf(const Value& value, int first, int limit) override;
-    Value memberNamed(const Value& value, const QString& name) override;
     QString textOf(const Value& value) override;
 
 private:

@@ -5,7 +5,10 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <string>
 #include <unordered_map>
+
+#include "platform/testresult/lineinfo.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -13,12 +16,12 @@ namespace Tamrix::JavaScriptPlugin {
 /// that imports, other names are looked for in the folders for modules; a suffix may be left out.
 class Modules {
 public:
-    explicit Modules(JSContext* context) : m_context(context) {}
+    explicit Modules(JSContext* context) : m_context(context), m_outermost(context) {}
 
     /// Lets the engine ask the modules of the current realm; once for the process.
     static void install(JSContext* context);
 
-    void setFolders(const QStringList& folders) { m_folders = folders; }
+    void setFolders(const QStringList& folders);
     /// Adds a folder behind the others.
     void addFolder(const QString& folder);
 
@@ -44,12 +47,24 @@ private:
                             JS::HandleObject promise);
     static bool describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta);
 
-    JSObject* load(const QString& name, const QString& importer);
-    QString find(const QString& name, const QString& importer) const;
+    /// What a module or a script asks for.
+    struct Import {
+        QString name;
+        /// Its file; may be empty.
+        QString importer;
+        /// Where it stands, when that is in no running code.
+        LineInfo place;
+    };
+    JSObject* load(const Import& import);
+    /// Where a module asks for another one; invalid when that can't be told.
+    LineInfo placeOfImport(const QString& importer, JS::HandleObject request) const;
+    QString find(const Import& import) const;
 
     JSContext* m_context;
     QStringList m_folders;
     std::unordered_map<std::string, JS::PersistentRootedObject> m_modules;
+    /// What run() has run last.
+    JS::PersistentRootedObject m_outermost;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -6,8 +6,9 @@
 #include <jsfriendapi.h>
 
 #include <QHash>
-#include <algorithm>
 
+#include "interpreter/language/directcall.h"
+#include "interpreter/language/nativeclasses.h"
 #include "interpreter/language/objectcalls.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/hostobjects.h"
@@ -52,105 +53,87 @@ CallArguments givenArguments(const JS::CallArgs& arguments) {
     return given;
 }
 
-/// Whether each argument stands at its place, none is left out and none is missing.
-bool arePlain(const Parameters& parameters, const JS::CallArgs& arguments) {
-    const auto count = static_cast<int>(arguments.length());
-    if (count < parameters.requiredCount)
-        return false;
-    const int end = std::min(count, static_cast<int>(parameters.names.size()));
-    for (int index = parameters.requiredCount; index < end; ++index) {
-        if (arguments[static_cast<unsigned>(index)].isNullOrUndefined())
-            return false;
-    }
-    return true;
+/// Runs what gives a result for the script, under the name of the function.
+template <typename Name, typename Call>
+bool finish(const Name& name, const JS::CallArgs& arguments, Call call) {
+    return guarded(name, [&] {
+        const SharedPtr<ScriptArgument> result = checked(call());
+        arguments.rval().set(result ? valueOf(result).get() : JS::UndefinedValue());
+        return true;
+    });
 }
 
-bool finish(const ScriptResult& result, const JS::CallArgs& arguments) {
-    if (!result) {
-        raise(result.error());
-        return false;
-    }
-    arguments.rval().set(*result ? valueOf(*result).get() : JS::UndefinedValue());
-    return true;
-}
-
-/// The road of most calls, without a list of arguments that is made for it.
-ScriptResult callPlainly(JavaScriptInterpreter& interpreter, const NativeFunction& function,
-                         const JS::CallArgs& arguments) {
-    interpreter.output().flush();
-    JavaScriptContext& context = interpreter.javaScriptContext();
-    JavaScriptContext::PlainCall call(context, arguments);
-    function.run(context, {});
-    interpreter.noticeApplication();
-    if (context.hasError())
-        return tl::unexpected<ScriptFailure>(failureOf(context));
-    return call.takeResult();
+auto shownName(const NativeFunction& function) {
+    return [&function] { return function.displayName(); };
 }
 
 bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const NativeFunction& function = targetOf(arguments);
-    return guarded([&] { return function.displayName(); },
-                   [&] {
-                       JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
-                       if (interpreter && arePlain(function.parameters(), arguments))
-                           return finish(callPlainly(*interpreter, function, arguments), arguments);
-                       return finish(
-                           callNative(interpreter, function, {}, givenArguments(arguments)),
-                           arguments);
-                   });
-}
-
-/// The native object that a method or an accessor is called on.
-SharedPtr<NativeScriptObject> thisNative(const JS::CallArgs& arguments) {
-    const auto* const native =
-        arguments.thisv().isObject()
-            ? heldBy<SharedPtr<NativeScriptObject>>(&arguments.thisv().toObject())
-            : nullptr;
-    return native ? *native : SharedPtr<NativeScriptObject>();
+    return finish(shownName(function), arguments, [&] {
+        JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
+        const auto isNull = [&](int index) {
+            return arguments[static_cast<unsigned>(index)].isNullOrUndefined();
+        };
+        const auto given = static_cast<int>(count);
+        if (!interpreter || given < function.parameters().requiredCount ||
+            !areInPlace(function.parameters(), given, isNull))
+            return callNative(interpreter, function, {}, givenArguments(arguments));
+        // The road of most calls, without a list of arguments that is made for it.
+        return callDirectly<JavaScriptArgument>(*interpreter, function, {}, [&](auto& call) {
+            for (unsigned index = 0; index < count; ++index)
+                call.add(arguments[index].get());
+        });
+    });
 }
 
 bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const NativeFunction& function = targetOf(arguments);
-    return guarded([&] { return function.displayName(); },
-                   [&] {
-                       const SharedPtr<NativeScriptObject> object = thisNative(arguments);
-                       if (!object) {
-                           raiseBuiltIn("TypeError", function.displayName() +
-                                                         " needs an object of its class as 'this'");
-                           return false;
-                       }
-                       return finish(callNative(JavaScriptInterpreter::active(), function, object,
-                                                givenArguments(arguments)),
-                                     arguments);
-                   });
+    return finish(shownName(function), arguments, [&] {
+        const auto object = arguments.thisv().isObject()
+                                ? heldBy<NativeScriptObject>(&arguments.thisv().toObject())
+                                : SharedPtr<NativeScriptObject>();
+        if (!object)
+            throwFailure(
+                badArgument(function.displayName() + " needs an object of its class as 'this'"));
+        return callNative(JavaScriptInterpreter::active(), function, object,
+                          givenArguments(arguments));
+    });
 }
 
 bool construct(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const NativeFunction& function = targetOf(arguments);
-    return guarded([&] { return function.displayName(); },
-                   [&] {
-                       if (!arguments.isConstructing()) {
-                           raiseBuiltIn("TypeError",
-                                        function.displayName() + " is a class: call it with 'new'");
-                           return false;
-                       }
-                       JS::RootedObject type(context, &arguments.newTarget().toObject());
-                       if (!finish(callNative(JavaScriptInterpreter::active(), function, {},
-                                              givenArguments(arguments)),
-                                   arguments))
-                           return false;
-                       // A class that the script derives from it.
-                       JS::RootedValue prototype(context, propertyOf(type, "prototype"));
-                       if (type == &arguments.callee() || !prototype.isObject() ||
-                           !arguments.rval().isObject())
-                           return true;
-                       JS::RootedObject made(context, &arguments.rval().toObject());
-                       JS::RootedObject wanted(context, &prototype.toObject());
-                       return JS_SetPrototype(context, made, wanted);
-                   });
+    JS::RootedObject type(context,
+                          arguments.isConstructing() ? &arguments.newTarget().toObject() : nullptr);
+    const bool isOwn = type == &arguments.callee();
+    const bool isMade = finish(shownName(function), arguments, [&] {
+        if (!type)
+            throwFailure(badArgument(function.displayName() + " is a class: call it with 'new'"));
+        return callNative(JavaScriptInterpreter::active(), function, {}, givenArguments(arguments));
+    });
+    if (!isMade || isOwn || !arguments.rval().isObject())
+        return isMade;
+    // A class that the script derives from it.
+    JS::RootedValue prototype(context);
+    if (!JS_GetProperty(context, type, "prototype", &prototype) || !prototype.isObject())
+        return !JS_IsExceptionPending(context);
+    JS::RootedObject made(context, &arguments.rval().toObject());
+    JS::RootedObject wanted(context, &prototype.toObject());
+    return JS_SetPrototype(context, made, wanted);
+}
+
+/// A member function of the library's takes its object as the first argument.
+bool callMember(JSContext* context, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    JS::RootedValue function(context,
+                             js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
+    JS::RootedValueVector all(context);
+    bool isDone = all.append(arguments.thisv());
+    for (unsigned index = 0; index < count; ++index)
+        isDone = isDone && all.append(arguments[index]);
+    return isDone && JS::Call(context, JS::UndefinedHandleValue, function, all, arguments.rval());
 }
 
 JSNative entryOf(NativeFunction::Kind kind) {
@@ -186,27 +169,24 @@ void defineAccessor(JS::HandleObject object, const QString& name, JS::HandleObje
 
 bool callApplicationFunction(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    JS::RootedValue target(engineContext(),
-                           js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
-    return guarded([&] { return fromJsString(target.toString()); },
-                   [&] {
-                       return finish(
-                           callGlobal(JavaScriptInterpreter::active(),
-                                      fromJsString(target.toString()), givenArguments(arguments)),
-                           arguments);
-                   });
+    const QString name =
+        fromJsString(js::GetFunctionNativeReserved(&arguments.callee(), targetSlot).toString());
+    return finish([&] { return name; }, arguments,
+                  [&] {
+                      return callGlobal(JavaScriptInterpreter::active(), name,
+                                        givenArguments(arguments));
+                  });
 }
 
 bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const SharedPtr<BoundMethod> method = *heldBy<SharedPtr<BoundMethod>>(
+    const SharedPtr<BoundMethod> method = heldBy<BoundMethod>(
         &js::GetFunctionNativeReserved(&arguments.callee(), targetSlot).toObject());
-    return guarded([&] { return method->displayName(); },
-                   [&] {
-                       return finish(callMethod(JavaScriptInterpreter::active(), method,
-                                                givenArguments(arguments)),
-                                     arguments);
-                   });
+    return finish([&] { return method->displayName(); }, arguments,
+                  [&] {
+                      return callMethod(JavaScriptInterpreter::active(), method,
+                                        givenArguments(arguments));
+                  });
 }
 
 }  // namespace
@@ -219,54 +199,37 @@ JSObject* makeFunction(const NativeFunction& function) {
                               JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
 }
 
+bool isLibraryFunction(JSObject* object) {
+    return JS_IsNativeFunction(object, callFunction);
+}
+
+JSObject* makeMemberFunction(const NativeFunction& function) {
+    JS::RootedValue target(engineContext(), JS::ObjectValue(*makeFunction(function)));
+    return makeFunctionObject(callMember, function.signature().name, 0, target);
+}
+
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
     JSContext* const context = engineContext();
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
     const ScriptContext& library = interpreter.context();
-    JS::RootedObject constructor(
-        context, makeFunction(NativeFunction(library, {name, {}, {}, {}, {}}, type.constructor())));
+    JS::RootedObject constructor(context, makeFunction(nativeConstructor(library, name, type)));
     JS::RootedObject base(context, interpreter.realm().nativePrototype(type.super()));
     JS::RootedObject prototype(context,
                                checked(base ? JS_NewObjectWithGivenProto(context, nullptr, base)
                                             : JS_NewPlainObject(context)));
     checked(JS_LinkConstructorAndPrototype(context, constructor, prototype));
-    interpreter.realm().setNativePrototype(typeId, prototype);
-
-    const auto functionValue = [&](const NativeFunction& function) {
-        return JS::ObjectValue(*makeFunction(function));
-    };
-    const auto methods = type.methods();
-    for (auto it = methods.cbegin(); it != methods.cend(); ++it)
-        defineProperty(prototype, it.key(),
-                       functionValue({library,
-                                      {it.key(), name, it->requiredParameters,
-                                       it->optionalParameters, it->description},
-                                      it->function}),
-                       0);
-    const auto staticMethods = type.staticMethods();
-    for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
-        defineProperty(constructor, it.key(),
-                       functionValue({library,
-                                      {it.key(), name, it->requiredParameters,
-                                       it->optionalParameters, it->description},
-                                      it->function}));
-    const NativeSignature accessor{name, {}, {}, {}, {}};
-    const auto properties = type.properties();
-    JS::RootedObject getter(context);
+    interpreter.realm().addNativePrototype(typeId, type.super(), prototype);
+    JS::RootedObject function(context);
     JS::RootedObject setter(context);
-    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        getter = makeFunction({library, signature, it->getter});
-        setter = it->setter ? makeFunction({library, signature, it->setter}) : nullptr;
-        defineAccessor(prototype, it.key(), getter, setter);
-    }
-    const auto staticProperties = type.staticProperties();
-    constexpr auto kind = NativeFunction::Kind::StaticAccessor;
-    for (auto it = staticProperties.cbegin(); it != staticProperties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        getter = makeFunction({library, signature, it->getter, kind});
-        setter = it->setter ? makeFunction({library, signature, it->setter, kind}) : nullptr;
-        defineAccessor(constructor, it.key(), getter, setter);
+    for (const NativeMember& member : nativeMembers(library, name, type)) {
+        JS::RootedObject owner(context, member.isStatic() ? constructor : prototype);
+        function = makeFunction(member.function);
+        setter = member.setter ? makeFunction(*member.setter) : nullptr;
+        if (member.isProperty())
+            defineAccessor(owner, member.name, function, setter);
+        else
+            defineProperty(owner, member.name, JS::ObjectValue(*function),
+                           member.isStatic() ? JSPROP_ENUMERATE : 0);
     }
     // A slip in the name of a property is no new property.
     checked(JS_FreezeObject(context, constructor));

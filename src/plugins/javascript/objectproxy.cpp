@@ -29,10 +29,6 @@ const HeldObject& objectOf(JSObject* proxy) {
     return *static_cast<const HeldObject*>(heldByObjectProxy(proxy));
 }
 
-QString displayName(JSObject* proxy, JS::HandleId name) {
-    return objectOf(proxy)->className() + '.' + fromKey(name);
-}
-
 bool isLanguagesOwn(JSContext* context, JS::HandleObject proxy, JS::HandleId name) {
     if (name.isSymbol())
         return true;
@@ -44,13 +40,20 @@ bool isLanguagesOwn(JSContext* context, JS::HandleObject proxy, JS::HandleId nam
 }
 
 /// The object as text; for templates and sums of texts, too.
-bool writeAsText(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded([] { return QStringLiteral("toString"); },
-                   [&] {
-                       arguments.rval().set(toJsText(textOf(arguments.thisv())));
-                       return true;
-                   });
+JS::Value writeAsText(const JS::CallArgs& arguments) {
+    return toJsText(textOf(arguments.thisv()));
+}
+
+constexpr NativeRow functions[] = {{"toString", native<writeAsText>}};
+
+/// Runs `work` with the object and the member's name.
+template <typename Work>
+bool withMember(JSObject* proxy, JS::HandleId key, Work work) {
+    const auto shownName = [&] { return objectOf(proxy)->className() + '.' + fromKey(key); };
+    return guarded(shownName, [&] {
+        work(objectOf(proxy), fromKey(key));
+        return true;
+    });
 }
 
 }  // namespace
@@ -83,83 +86,59 @@ bool areSameApplicationObjects(JSObject* left, JSObject* right) {
 JSObject* makeApplicationObjectPrototype() {
     JSContext* const context = engineContext();
     JS::RootedObject prototype(context, checked(JS_NewPlainObject(context)));
-    checked(JS_DefineFunction(context, prototype, "toString", writeAsText, 0, 0));
+    defineFunctions(prototype, functions);
     return prototype;
 }
 
 // What the handler does
 
-bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,
+bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId key,
                      JS::MutableHandleValue value, bool* isOwn) {
-    return guarded([&] { return displayName(proxy, name); },
-                   [&] {
-                       *isOwn = !isLanguagesOwn(context, proxy, name);
-                       if (!*isOwn)
-                           return true;
-                       const QString text = fromKey(name);
-                       const tl::expected<Member, ScriptFailure> member =
-                           getMember(JavaScriptInterpreter::active(), objectOf(proxy), text);
-                       if (!member) {
-                           const bool isAsked =
-                               std::any_of(std::begin(askedNames), std::end(askedNames),
-                                           [&](const char* each) { return text == each; });
-                           if (isAsked && member.error().kind == ScriptFailure::Kind::NoMember) {
-                               *isOwn = false;
-                               return true;
-                           }
-                           raise(member.error());
-                           return false;
-                       }
-                       if (const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member))
-                           value.set(valueOf(*own));
-                       else
-                           value.setObject(*makeMethod(std::get<1>(*member)));
-                       return true;
-                   });
+    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
+        *isOwn = !isLanguagesOwn(context, proxy, key);
+        if (!*isOwn)
+            return;
+        const tl::expected<Member, ScriptFailure> member =
+            getMember(JavaScriptInterpreter::active(), object, name);
+        const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
+                                         [&](const char* each) { return name == each; });
+        if (!member && isAsked && member.error().kind == ScriptFailure::Kind::NoMember) {
+            *isOwn = false;
+            return;
+        }
+        checked(member);
+        if (const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member))
+            value.set(valueOf(*own));
+        else
+            value.setObject(*makeMethod(std::get<1>(*member)));
+    });
 }
 
-bool writeObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId name,
-                      JS::HandleValue value) {
-    return guarded([&] { return displayName(proxy, name); },
-                   [&] {
-                       const tl::expected<void, ScriptFailure> written =
-                           setMember(JavaScriptInterpreter::active(), objectOf(proxy),
-                                     fromKey(name), argumentOf(value));
-                       if (!written)
-                           raise(written.error());
-                       return bool(written);
-                   });
+bool writeObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId key, JS::HandleValue value) {
+    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
+        checked(setMember(JavaScriptInterpreter::active(), object, name, argumentOf(value)));
+    });
 }
 
-bool deleteOfObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId name) {
-    return guarded([&] { return displayName(proxy, name); },
-                   [&] {
-                       const tl::expected<void, ScriptFailure> deleted = setMember(
-                           JavaScriptInterpreter::active(), objectOf(proxy), fromKey(name), {});
-                       if (!deleted)
-                           raise(deleted.error());
-                       return bool(deleted);
-                   });
+bool deleteOfObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId key) {
+    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
+        checked(setMember(JavaScriptInterpreter::active(), object, name, {}));
+    });
 }
 
 bool namesOfObjectProxy(JSContext* context, JS::HandleObject proxy,
                         JS::MutableHandleIdVector names) {
-    return guarded([&] { return objectOf(proxy)->className(); },
-                   [&] {
-                       const tl::expected<QStringList, ScriptFailure> members =
-                           listMembers(JavaScriptInterpreter::active(), objectOf(proxy));
-                       if (!members) {
-                           raise(members.error());
-                           return false;
-                       }
-                       JS::RootedString text(context);
-                       JS::RootedId name(context);
-                       for (const QString& member : *members) {
-                           text = toJsString(member);
-                           checked(JS_StringToId(context, text, &name) && names.append(name));
-                       }
-                       return true;
-                   });
+    const auto shownName = [&] { return objectOf(proxy)->className(); };
+    return guarded(shownName, [&] {
+        JS::RootedString text(context);
+        JS::RootedId name(context);
+        for (const QString& member :
+             checked(listMembers(JavaScriptInterpreter::active(), objectOf(proxy)))) {
+            text = toJsString(member);
+            checked(JS_StringToId(context, text, &name) && names.append(name));
+        }
+        return true;
+    });
 }
 
 void endObjectProxy(void* held) {

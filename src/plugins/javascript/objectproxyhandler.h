@@ -16,12 +16,12 @@ void* heldByObjectProxy(JSObject* object);
 // What the handler does. False with an exception pending on failure.
 /// `isOwn` is false for a name that is the language's, or that the object does not have and that
 /// the language asks after.
-bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,
+bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId key,
                      JS::MutableHandleValue value, bool* isOwn);
-bool writeObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name,
+bool writeObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId key,
                       JS::HandleValue value);
 /// Always refuses.
-bool deleteOfObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId name);
+bool deleteOfObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId key);
 bool namesOfObjectProxy(JSContext* context, JS::HandleObject proxy,
                         JS::MutableHandleIdVector names);
 void endObjectProxy(void* held);

@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/objectnames.h"
 
 /// An interpreter for JavaScript, owned by the caller; null, with a message on standard error, when
 /// the engine can't be started.
@@ -15,4 +16,9 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the JavaScript interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// A map of object names in a JavaScript module, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::JavaScriptPlugin::JavaScriptObjectMap(path);
 }

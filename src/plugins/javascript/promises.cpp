@@ -54,10 +54,8 @@ void settled(JS::MutableHandleValue value) {
         return;
     bool isSettled = false;
     checked(Engine::self().jobs().settle(promise, waitMeanwhile, &isSettled));
-    if (!isSettled) {
-        raiseBuiltIn("Error", QStringLiteral("A promise is waited for that nothing will settle"));
-        throw ScriptErrorSet();
-    }
+    if (!isSettled)
+        throwBuiltIn("Error", QStringLiteral("A promise is waited for that nothing will settle"));
     if (JS::GetPromiseState(promise) == JS::PromiseState::Rejected)
         throwRejection(promise);
     value.set(JS::GetPromiseResult(promise));

@@ -1,13 +1,9 @@
 #include "plugins/javascript/scriptlibrary.h"
 
-#include <js/CompilationAndEvaluation.h>
-#include <js/CompileOptions.h>
 #include <js/Conversions.h>
-#include <js/SourceText.h>
 #include <jsfriendapi.h>
 
 #include <QStringList>
-#include <cstring>
 
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptinterpreter.h"
@@ -21,8 +17,6 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 // Positions in these lines are none of the script's: results stand at the script's own line.
-constexpr const char* fileName = "<tamrix>";
-
 constexpr const char* source = R"js(
 (function (scopes, own) {
 "use strict";
@@ -121,89 +115,61 @@ QString joinedTexts(const JS::CallArgs& arguments) {
 }
 
 template <ScriptOutput::Stream stream>
-bool writeLine(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded([] { return QStringLiteral("console.log"); },
-                   [&] {
-                       const QString line = joinedTexts(arguments);
-                       auto* const interpreter = JavaScriptInterpreter::active();
-                       // Each line of it is one of the results.
-                       for (const QString& part : {line, QStringLiteral("\n")}) {
-                           if (interpreter)
-                               interpreter->output().write(stream, part);
-                           else
-                               ScriptOutput::writeToProcess(stream, part);
-                       }
-                       arguments.rval().setUndefined();
-                       return true;
-                   });
+JS::Value writeLine(const JS::CallArgs& arguments) {
+    const QString line = joinedTexts(arguments);
+    auto* const interpreter = JavaScriptInterpreter::active();
+    // Each line of it is one of the results.
+    for (const QString& part : {line, QStringLiteral("\n")}) {
+        if (interpreter)
+            interpreter->output().write(stream, part);
+        else
+            ScriptOutput::writeToProcess(stream, part);
+    }
+    return JS::UndefinedValue();
 }
 
-bool setTimer(JSContext* context, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded(
-        [] { return QStringLiteral("setTimeout"); },
-        [&] {
-            if (!arguments.get(0).isObject() || !JS::IsCallable(&arguments[0].toObject())) {
-                raiseBuiltIn("TypeError", QStringLiteral("setTimeout() requires a function"));
-                return false;
-            }
-            double milliseconds = 0;
-            checked(count < 2 || JS::ToNumber(context, arguments[1], &milliseconds));
-            JS::RootedObject function(context, &arguments[0].toObject());
-            arguments.rval().setInt32(Engine::self().jobs().addTimer(function, milliseconds));
-            return true;
-        });
+JS::Value setTimer(const JS::CallArgs& arguments) {
+    JSContext* const context = engineContext();
+    if (!arguments.get(0).isObject() || !JS::IsCallable(&arguments[0].toObject()))
+        throwBuiltIn("TypeError", QStringLiteral("setTimeout() requires a function"));
+    double milliseconds = 0;
+    checked(arguments.length() < 2 || JS::ToNumber(context, arguments[1], &milliseconds));
+    JS::RootedObject function(context, &arguments[0].toObject());
+    return JS::Int32Value(Engine::self().jobs().addTimer(function, milliseconds));
 }
 
-bool clearTimer(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+JS::Value clearTimer(const JS::CallArgs& arguments) {
     if (arguments.get(0).isInt32())
         Engine::self().jobs().removeTimer(arguments[0].toInt32());
-    arguments.rval().setUndefined();
-    return true;
+    return JS::UndefinedValue();
 }
 
 /// Text as it is, without an end of line.
-bool writeText(JSContext* context, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded([] { return QStringLiteral("tamrix.write"); },
-                   [&] {
-                       const QString text =
-                           fromJsString(checked(JS::ToString(context, arguments.get(0))));
-                       if (auto* const interpreter = JavaScriptInterpreter::active())
-                           interpreter->output().write(ScriptOutput::Stdout, text);
-                       arguments.rval().setUndefined();
-                       return true;
-                   });
+JS::Value writeText(const JS::CallArgs& arguments) {
+    const QString text = fromJsString(checked(JS::ToString(engineContext(), arguments.get(0))));
+    if (auto* const interpreter = JavaScriptInterpreter::active())
+        interpreter->output().write(ScriptOutput::Stdout, text);
+    return JS::UndefinedValue();
 }
 
 bool exitScript(JSContext*, unsigned, JS::Value*) {
     return Engine::self().endNow(Engine::End::Exit);
 }
 
-constexpr struct {
-    const char* name;
-    JSNative function;
-} ownFunctions[] = {{"write", writeText}, {"exit", exitScript}};
+constexpr NativeRow ownFunctions[] = {{"write", native<writeText>}, {"exit", exitScript}};
 
-constexpr struct {
-    const char* name;
-    JSNative function;
-} consoleFunctions[] = {
-    {"log", writeLine<ScriptOutput::Stdout>},   {"info", writeLine<ScriptOutput::Stdout>},
-    {"debug", writeLine<ScriptOutput::Stdout>}, {"warn", writeLine<ScriptOutput::Stderr>},
-    {"error", writeLine<ScriptOutput::Stderr>},
+constexpr NativeRow consoleFunctions[] = {
+    {"log", native<writeLine<ScriptOutput::Stdout>>},
+    {"info", native<writeLine<ScriptOutput::Stdout>>},
+    {"debug", native<writeLine<ScriptOutput::Stdout>>},
+    {"warn", native<writeLine<ScriptOutput::Stderr>>},
+    {"error", native<writeLine<ScriptOutput::Stderr>>},
 };
 
-constexpr struct {
-    const char* name;
-    JSNative function;
-    unsigned parameterCount;
-} globalFunctions[] = {
-    {"print", writeLine<ScriptOutput::Stdout>, 1},
-    {"setTimeout", setTimer, 2},
-    {"clearTimeout", clearTimer, 1},
+constexpr NativeRow globalFunctions[] = {
+    {"print", native<writeLine<ScriptOutput::Stdout>>},
+    {"setTimeout", native<setTimer>},
+    {"clearTimeout", native<clearTimer>},
 };
 
 }  // namespace
@@ -211,24 +177,16 @@ constexpr struct {
 JSObject* addScriptLibrary(JS::HandleObject global) {
     JSContext* const context = engineContext();
     JS::RootedObject console(context, checked(JS_NewPlainObject(context)));
-    for (const auto& row : consoleFunctions)
-        checked(JS_DefineFunction(context, console, row.name, row.function, 1, 0));
+    defineFunctions(console, consoleFunctions);
     defineProperty(global, QStringLiteral("console"), JS::ObjectValue(*console), 0);
-    for (const auto& row : globalFunctions)
-        checked(JS_DefineFunction(context, global, row.name, row.function, row.parameterCount, 0));
+    defineFunctions(global, globalFunctions);
     addStepFunctions(global);
 
-    JS::CompileOptions options(context);
-    options.setFileAndLine(fileName, 1);
-    JS::SourceText<mozilla::Utf8Unit> text;
-    checked(text.init(context, source, std::strlen(source), JS::SourceOwnership::Borrowed));
-    JS::RootedValue function(context);
-    checked(JS::Evaluate(context, options, text, &function));
+    JS::RootedValue function(context, evaluateOwn(QString::fromLatin1(source), "<tamrix>"));
     JS::RootedObject scopes(context, checked(JS_NewPlainObject(context)));
     addScopeFunctions(scopes);
     JS::RootedObject own(context, checked(JS_NewPlainObject(context)));
-    for (const auto& row : ownFunctions)
-        checked(JS_DefineFunction(context, own, row.name, row.function, 1, JSPROP_ENUMERATE));
+    defineFunctions(own, ownFunctions, JSPROP_ENUMERATE);
     JS::RootedValueArray<2> arguments(context);
     arguments[0].setObject(*scopes);
     arguments[1].setObject(*own);

@@ -61,12 +61,13 @@ JSObject* ScriptRealm::nameSpace(const QString& name) {
 }
 
 JSObject* ScriptRealm::nativePrototype(void* typeId) const {
-    const auto known = m_nativePrototypes.find(typeId);
-    return known == m_nativePrototypes.end() ? nullptr : known->second.get();
+    const auto* const known = m_nativePrototypes.find(typeId);
+    return known ? (*known)->get() : nullptr;
 }
 
-void ScriptRealm::setNativePrototype(void* typeId, JSObject* prototype) {
-    m_nativePrototypes[typeId].init(engineContext(), prototype);
+void ScriptRealm::addNativePrototype(void* typeId, void* super, JSObject* prototype) {
+    m_nativePrototypes.add(
+        typeId, super, std::make_shared<JS::PersistentRootedObject>(engineContext(), prototype));
 }
 
 JS::PersistentRootedObject& ScriptRealm::contextObject(int applicationId) {

@@ -2,11 +2,11 @@
 
 #include <jsapi.h>
 
-#include <QHash>
 #include <QString>
 #include <memory>
 #include <unordered_map>
 
+#include "interpreter/language/nativeclasses.h"
 #include "plugins/javascript/modules.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -39,9 +39,9 @@ public:
     // What objects inherit from.
     JSObject* applicationObjectPrototype() const { return m_applicationObjectPrototype; }
     JSObject* applicationContextPrototype() const { return m_applicationContextPrototype; }
-    /// Of a native class, by its type identifier; null when it has none here.
+    /// Of a native class, or of the next one that it derives from; null without.
     JSObject* nativePrototype(void* typeId) const;
-    void setNativePrototype(void* typeId, JSObject* prototype);
+    void addNativePrototype(void* typeId, void* super, JSObject* prototype);
 
     /// The one object of the script for an application.
     JS::PersistentRootedObject& contextObject(int applicationId);
@@ -58,7 +58,7 @@ private:
     /// A WeakMap.
     JS::PersistentRootedObject m_functionNumbers;
     int m_lastFunctionNumber = 0;
-    std::unordered_map<void*, JS::PersistentRootedObject> m_nativePrototypes;
+    NativeClasses<std::shared_ptr<JS::PersistentRootedObject>> m_nativePrototypes;
     std::unordered_map<int, JS::PersistentRootedObject> m_contextObjects;
     Modules m_modules;
 };

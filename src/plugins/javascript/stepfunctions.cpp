@@ -1,7 +1,5 @@
 #include "plugins/javascript/stepfunctions.h"
 
-#include <js/Array.h>
-#include <js/Conversions.h>
 #include <js/RegExp.h>
 #include <js/RegExpFlags.h>
 
@@ -19,30 +17,29 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 [[noreturn]] void refuse(const QString& text) {
-    raiseBuiltIn("TypeError", text);
-    throw ScriptErrorSet();
+    throwBuiltIn("TypeError", text);
 }
 
-/// Runs `work` with the interpreter and the arguments of a call. What it refuses is thrown.
-template <typename Work>
-bool withInterpreter(const char* function, unsigned count, JS::Value* values, Work work) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    return guarded([&] { return QString::fromLatin1(function); },
-                   [&] {
-                       JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
-                       if (!interpreter)
-                           refuse(QStringLiteral("%1() was called while no test case runs")
-                                      .arg(QLatin1String(function)));
-                       arguments.rval().setUndefined();
-                       try {
-                           work(*interpreter, arguments);
-                       } catch (const Gherkin::ExpressionError& error) {
-                           raiseBuiltIn("Error", QString::fromUtf8(error.what()));
-                           return false;
-                       }
-                       return true;
-                   });
+using StepFunction = JS::Value (*)(JavaScriptInterpreter& interpreter,
+                                   const JS::CallArgs& arguments);
+
+/// A function of the script over one that works with the interpreter.
+template <StepFunction function>
+JS::Value withInterpreter(const JS::CallArgs& arguments) {
+    JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
+    if (!interpreter)
+        refuse(
+            QStringLiteral("%1() was called while no test case runs").arg(nameOfCallee(arguments)));
+    try {
+        return function(*interpreter, arguments);
+    } catch (const Gherkin::ExpressionError& error) {
+        throwBuiltIn("Error", QString::fromUtf8(error.what()));
+    }
 }
+
+/// As the engine calls it.
+template <StepFunction function>
+constexpr JSNative step = native<withInterpreter<function>>;
 
 std::string textOfArgument(JS::HandleValue value) {
     return fromJsString(value.toString()).toStdString();
@@ -102,67 +99,48 @@ std::string patternOf(JS::HandleValue value) {
     return letters.empty() ? pattern : "(?" + letters + ")" + pattern;
 }
 
-bool defineStep(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "Step", count, values,
-        [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-            const SharedPtr<ScriptArgument> function = functionOf(arguments.get(1));
-            const bool isRegular = !arguments[0].isString();
-            interpreter.steps().registry().addStep(
-                isRegular ? patternOf(arguments[0]) : textOfArgument(arguments[0]), isRegular,
-                function, locationOf(interpreter, function));
-        });
+JS::Value defineStep(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    const SharedPtr<ScriptArgument> function = functionOf(arguments.get(1));
+    const bool isRegular = !arguments[0].isString();
+    interpreter.steps().registry().addStep(
+        isRegular ? patternOf(arguments[0]) : textOfArgument(arguments[0]), isRegular, function,
+        locationOf(interpreter, function));
+    return JS::UndefinedValue();
 }
 
 /// A hook for all, or with a tag expression in front.
 template <Gherkin::HookType type, Gherkin::HookOrder order>
-bool defineHook(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "hook", count, values,
-        [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-            const bool hasTags = arguments.get(0).isString();
-            const SharedPtr<ScriptArgument> function = functionOf(arguments.get(hasTags ? 1 : 0));
-            interpreter.steps().registry().addHook(
-                type, order, hasTags ? textOfArgument(arguments[0]) : std::string(), function,
-                QString::fromStdString(locationOf(interpreter, function).fileName));
-        });
+JS::Value defineHook(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    const bool hasTags = arguments.get(0).isString();
+    const SharedPtr<ScriptArgument> function = functionOf(arguments.get(hasTags ? 1 : 0));
+    interpreter.steps().registry().addHook(
+        type, order, hasTags ? textOfArgument(arguments[0]) : std::string(), function,
+        QString::fromStdString(locationOf(interpreter, function).fileName));
+    return JS::UndefinedValue();
 }
 
-bool defineParameterType(JSContext* context, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "ParameterType", count, values,
-        [context](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-            if (!arguments.get(0).isString())
-                refuse(QStringLiteral("ParameterType(name, pattern[, transformer])"));
-            JS::RootedValueVector patterns(context);
-            bool isArray = false;
-            if (arguments.get(1).isObject())
-                checked(JS::IsArrayObject(context, arguments[1], &isArray));
-            if (isArray) {
-                JS::RootedObject array(context, &arguments[1].toObject());
-                elementsOf(array, &patterns);
-            } else {
-                checked(patterns.append(arguments.get(1)));
-            }
-            std::vector<std::string> texts;
-            for (std::size_t index = 0; index < patterns.length(); ++index)
-                texts.push_back(patterns[index].isString() ? textOfArgument(patterns[index])
-                                                           : patternOf(patterns[index]));
-            interpreter.steps().registry().addParameterType(
-                textOfArgument(arguments[0]), std::move(texts),
-                arguments.get(2).isNullOrUndefined() ? SharedPtr<ScriptArgument>()
-                                                     : functionOf(arguments[2]));
-        });
+JS::Value defineParameterType(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    if (!arguments.get(0).isString())
+        refuse(QStringLiteral("ParameterType(name, pattern[, transformer])"));
+    ScriptArgument::List patterns{argumentOf(arguments.get(1))};
+    if (patterns.front()->isList())
+        patterns = patterns.front()->toList();
+    std::vector<std::string> texts;
+    texts.reserve(patterns.size());
+    for (const SharedPtr<ScriptArgument>& pattern : patterns)
+        texts.push_back(pattern->isString() ? pattern->toString().toStdString()
+                                            : patternOf(valueOf(pattern)));
+    interpreter.steps().registry().addParameterType(textOfArgument(arguments[0]), std::move(texts),
+                                                    arguments.get(2).isNullOrUndefined()
+                                                        ? SharedPtr<ScriptArgument>()
+                                                        : functionOf(arguments[2]));
+    return JS::UndefinedValue();
 }
 
-bool pending(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "pending", count, values, [](JavaScriptInterpreter&, const JS::CallArgs& arguments) {
-            raisePendingStep(arguments.get(0).isString()
-                                 ? fromJsString(arguments[0].toString())
-                                 : QStringLiteral("the step definition is to be written"));
-            throw ScriptErrorSet();
-        });
+JS::Value pending(JavaScriptInterpreter&, const JS::CallArgs& arguments) {
+    throwPendingStep(arguments.get(0).isString()
+                         ? fromJsString(arguments[0].toString())
+                         : QStringLiteral("the step definition is to be written"));
 }
 
 using Gherkin::AfterHook;
@@ -171,86 +149,61 @@ using Gherkin::FeatureHook;
 using Gherkin::ScenarioHook;
 using Gherkin::StepHook;
 
-constexpr struct {
-    const char* name;
-    JSNative function;
-} functions[] = {
-    {"Given", defineStep},
-    {"When", defineStep},
-    {"Then", defineStep},
-    {"Step", defineStep},
-    {"BeforeFeature", defineHook<FeatureHook, BeforeHook>},
-    {"AfterFeature", defineHook<FeatureHook, AfterHook>},
-    {"BeforeScenario", defineHook<ScenarioHook, BeforeHook>},
-    {"AfterScenario", defineHook<ScenarioHook, AfterHook>},
-    {"BeforeStep", defineHook<StepHook, BeforeHook>},
-    {"AfterStep", defineHook<StepHook, AfterHook>},
-    {"ParameterType", defineParameterType},
-    {"pending", pending},
+constexpr NativeRow functions[] = {
+    {"Given", step<defineStep>},
+    {"When", step<defineStep>},
+    {"Then", step<defineStep>},
+    {"Step", step<defineStep>},
+    {"BeforeFeature", step<defineHook<FeatureHook, BeforeHook>>},
+    {"AfterFeature", step<defineHook<FeatureHook, AfterHook>>},
+    {"BeforeScenario", step<defineHook<ScenarioHook, BeforeHook>>},
+    {"AfterScenario", step<defineHook<ScenarioHook, AfterHook>>},
+    {"BeforeStep", step<defineHook<StepHook, BeforeHook>>},
+    {"AfterStep", step<defineHook<StepHook, AfterHook>>},
+    {"ParameterType", step<defineParameterType>},
+    {"pending", step<pending>},
 };
 
 // The context of steps
 
-StepScopes& scopesOf(JavaScriptInterpreter& interpreter) {
-    return interpreter.steps().scopes();
+JS::Value findName(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    const SharedPtr<ScriptArgument> found =
+        interpreter.steps().scopes().find(fromJsString(arguments[0].toString()));
+    return found ? valueOf(found).get() : JS::UndefinedValue();
 }
 
-bool findName(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "context", count, values,
-        [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-            const SharedPtr<ScriptArgument> found =
-                scopesOf(interpreter).find(fromJsString(arguments[0].toString()));
-            if (found)
-                arguments.rval().set(valueOf(found));
-        });
+JS::Value setName(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    interpreter.steps().scopes().set(fromJsString(arguments[0].toString()),
+                                     argumentOf(arguments[1]));
+    return JS::UndefinedValue();
 }
 
-bool setName(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter("context", count, values,
-                           [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-                               scopesOf(interpreter)
-                                   .set(fromJsString(arguments[0].toString()),
-                                        argumentOf(arguments[1]));
-                           });
+JS::Value removeName(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
+    return JS::BooleanValue(
+        interpreter.steps().scopes().remove(fromJsString(arguments[0].toString())));
 }
 
-bool removeName(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter(
-        "context", count, values,
-        [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-            arguments.rval().setBoolean(
-                scopesOf(interpreter).remove(fromJsString(arguments[0].toString())));
-        });
+JS::Value listNames(JavaScriptInterpreter& interpreter, const JS::CallArgs&) {
+    LanguageContext& context = interpreter.context();
+    ScriptArgument::List names;
+    for (const auto& [name, value] : interpreter.steps().scopes().all())
+        names.push_back(context.createString(name));
+    return valueOf(context.createList(names));
 }
 
-bool listNames(JSContext*, unsigned count, JS::Value* values) {
-    return withInterpreter("context", count, values,
-                           [](JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
-                               LanguageContext& context = interpreter.context();
-                               ScriptArgument::List names;
-                               for (const auto& [name, value] : scopesOf(interpreter).all())
-                                   names.push_back(context.createString(name));
-                               arguments.rval().set(valueOf(context.createList(names)));
-                           });
-}
-
-constexpr struct {
-    const char* name;
-    JSNative function;
-} scopeFunctions[] = {
-    {"find", findName}, {"set", setName}, {"remove", removeName}, {"names", listNames}};
+constexpr NativeRow scopeFunctions[] = {{"find", step<findName>},
+                                        {"set", step<setName>},
+                                        {"remove", step<removeName>},
+                                        {"names", step<listNames>}};
 
 }  // namespace
 
 void addStepFunctions(JS::HandleObject global) {
-    for (const auto& row : functions)
-        checked(JS_DefineFunction(engineContext(), global, row.name, row.function, 1, 0));
+    defineFunctions(global, functions);
 }
 
 void addScopeFunctions(JS::HandleObject object) {
-    for (const auto& row : scopeFunctions)
-        checked(JS_DefineFunction(engineContext(), object, row.name, row.function, 1, 0));
+    defineFunctions(object, scopeFunctions);
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -2,9 +2,11 @@
 
 #include <js/Array.h>
 #include <js/BigInt.h>
+#include <js/CompilationAndEvaluation.h>
+#include <js/CompileOptions.h>
+#include <js/ContextOptions.h>
 #include <js/Date.h>
 #include <js/Equality.h>
-#include <js/ForOfIterator.h>
 #include <js/MapAndSet.h>
 #include <js/Object.h>
 #include <js/PropertyDescriptor.h>
@@ -181,27 +183,40 @@ void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements) {
     }
 }
 
-void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries) {
+namespace {
+
+/// What the engine calls for each entry of a collection: adds it to the list that the function has.
+bool addEntry(JSContext*, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    const auto reserved = [&](std::size_t slot) {
+        return js::GetFunctionNativeReserved(&arguments.callee(), slot);
+    };
+    auto& entries = *static_cast<JS::MutableHandleValueVector*>(reserved(0).toPrivate());
+    const auto most = *static_cast<std::size_t*>(reserved(1).toPrivate());
+    if (isMapObject(&arguments[2].toObject()) && !entries.append(arguments[1]))
+        return false;
+    // Without an exception: that is enough.
+    return entries.append(arguments[0]) && entries.length() < most;
+}
+
+}  // namespace
+
+void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries,
+               std::size_t most) {
     JSContext* const context = engineContext();
-    const bool isMap = isMapObject(collection);
-    JS::RootedValue iterator(context);
-    checked(isMap ? JS::MapEntries(context, collection, &iterator)
-                  : JS::SetValues(context, collection, &iterator));
-    JS::ForOfIterator each(context);
-    checked(each.init(iterator));
-    JS::RootedValue entry(context);
-    bool isDone = false;
-    while (true) {
-        checked(each.next(&entry, &isDone));
-        if (isDone)
-            return;
-        if (isMap) {
-            JS::RootedObject pair(context, &entry.toObject());
-            elementsOf(pair, entries);
-        } else {
-            checked(entries.append(entry));
-        }
-    }
+    JS::RootedObject function(context, JS_GetFunctionObject(checked(js::NewFunctionWithReserved(
+                                           context, addEntry, 3, 0, "entries"))));
+    js::SetFunctionNativeReserved(function, 0, JS::PrivateValue(&entries));
+    js::SetFunctionNativeReserved(function, 1, JS::PrivateValue(&most));
+    JS::RootedValue callback(context, JS::ObjectValue(*function));
+    // Code of the engine goes through it, which is not meant when none of the script may run.
+    JS::ContextOptions& options = JS::ContextOptionsRef(context);
+    const bool isGuarded = options.throwOnDebuggeeWouldRun();
+    options.setThrowOnDebuggeeWouldRun(false);
+    const auto forEach = isMapObject(collection) ? JS::MapForEach : JS::SetForEach;
+    const bool isDone = forEach(context, collection, callback, JS::UndefinedHandleValue);
+    options.setThrowOnDebuggeeWouldRun(isGuarded);
+    checked(isDone || (entries.length() >= most && !JS_IsExceptionPending(context)));
 }
 
 // Equality
@@ -316,6 +331,24 @@ private:
 
 bool areEqual(JS::HandleValue left, JS::HandleValue right) {
     return Comparison().areEqual(left, right);
+}
+
+// Code
+
+void setSource(const QString& text, JS::SourceText<char16_t>* source) {
+    checked(source->init(engineContext(), reinterpret_cast<const char16_t*>(text.utf16()),
+                         static_cast<std::size_t>(text.size()), JS::SourceOwnership::Borrowed));
+}
+
+JS::Value evaluateOwn(const QString& text, const char* name) {
+    JSContext* const context = engineContext();
+    JS::CompileOptions options(context);
+    options.setFileAndLine(name, 1);
+    JS::SourceText<char16_t> source;
+    setSource(text, &source);
+    JS::RootedValue value(context);
+    checked(JS::Evaluate(context, options, source, &value));
+    return value;
 }
 
 void clearException() {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <js/SourceText.h>
 #include <jsapi.h>
 
 #include <QDateTime>
 #include <QString>
+#include <cstdint>
 #include <vector>
 
 #include "interpreter/language/scripterrorset.h"
@@ -56,15 +58,24 @@ bool isMapObject(JSObject* object);
 bool isSetObject(JSObject* object);
 /// The elements of an array.
 void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements);
-/// Of a Map keys and values in turn, of a Set its elements, without code of the script.
-void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries);
+/// Of a Map keys and values in turn, of a Set its elements, at least the first `most`. Runs no code
+/// of the script, also while it stands still.
+void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries,
+               std::size_t most = SIZE_MAX);
 
 /// Whether two values are equal to a tester: the same, or lists and objects of equal members. One
 /// that holds itself is equal to one of the same shape. Throws ScriptErrorSet with a RangeError
 /// pending for values that are too deep.
 bool areEqual(JS::HandleValue left, JS::HandleValue right);
 
-/// Runs code behind which no exception is pending.
+// Code
+
+/// The text as the compiler takes it, which has to outlive the source.
+void setSource(const QString& text, JS::SourceText<char16_t>* source);
+/// Runs code of the library's own, which stands in positions under a name in "<>". Its last value.
+JS::Value evaluateOwn(const QString& text, const char* name);
+
+/// What is pending is forgotten.
 void clearException();
 
 }  // namespace Tamrix::JavaScriptPlugin

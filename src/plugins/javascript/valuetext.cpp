@@ -91,8 +91,8 @@ private:
             const ObjectResult<QString> text = Tamrix::objectText(own);
             return text ? *text : '<' + own->className() + " object>";
         }
-        if (const auto* const application = heldBy<SharedPtr<ApplicationContext>>(object))
-            return '<' + (*application)->displayString() + '>';
+        if (const auto application = heldBy<ApplicationContext>(object))
+            return '<' + application->displayString() + '>';
         if (JS::IsCallable(object))
             return functionText(object);
         js::ESClass kind = js::ESClass::Other;

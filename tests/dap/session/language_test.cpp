@@ -34,6 +34,20 @@ TEST(Language, MembersAreReadAsTheirNamesTell) {
     EXPECT_TRUE(assignmentCode("a.tcl", "[lindex $a 0]", "1").isNull());
 }
 
+TEST(Language, AFeatureFileHasTheLanguageOfItsScripts) {
+    const QTemporaryDir folder;
+    const QString feature = folder.filePath("order/test.feature");
+    EXPECT_EQ(switchCode(feature, "s", true), "testSettings.s = true");
+    for (const char* const name : {"shared/steps/a.py", "shared/steps/z.js"})
+        ASSERT_TRUE(Tamrix::Test::writeFile(folder.filePath(name), ""));
+    EXPECT_EQ(switchCode(feature, "s", true), "testSettings.s = True");
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.filePath("order/steps/notes.txt"), ""));
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.filePath("order/steps/pies.js"), ""));
+    EXPECT_EQ(switchCode(feature, "s", true), "testSettings.s = true");
+    ASSERT_TRUE(Tamrix::Test::writeFile(folder.filePath("order/test.tcl"), ""));
+    EXPECT_EQ(switchCode(feature, "s", true), "testSettings configure -s 1");
+}
+
 TEST(Language, TheFunctionOfALineIsTheOneAroundIt) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("a.py");

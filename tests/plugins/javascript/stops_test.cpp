@@ -146,8 +146,10 @@ TEST_F(JavaScriptStops, Variables) {
     };
     frontEnd->commands.push_back(Look([&](Debugger&) {
         for (const char* const path :
-             {"", "^1", "+^1.map", "+^1.map.['key']", "+^1.point", "+^1.self", "+^1.shared",
-              "+^1.shared.b c", "+^1.shared.b c.2", "+^1.rest.@1"})
+             {"", "^1", "+^1.map", "+^1.map.['key']", "+^1.map.['key'].0", "+^1.table",
+              "+^1.table.[1: {a: 1}]", "+^1.table.[3]", "+^1.table.[9]", "+^1.many.@998",
+              "+^1.many.1000", "+^1.point", "+^1.self", "+^1.shared", "+^1.shared.b c",
+              "+^1.shared.b c.2", "+^1.rest.@1"})
             list(path);
         for (const char* const code :
              {"1 + 1", "^1 text", "^1 text = 'changed'", "^1 point", "^1 nothing", "^9 1",

@@ -51,3 +51,37 @@ function skipped() {
 function ofTheEngine() {
     return [1].map(n => n.x.y);
 }
+
+async function behindOthers() {
+    for (const each of [1])
+        await rejected();
+}
+
+async function cleanedUpLater() {
+    try {
+        await rejected();
+    } finally {
+        test.log("cleaned");
+    }
+}
+
+async function passedOn() {
+    return rejected().then(() => 1);
+}
+
+async function caughtByAHandler() {
+    return rejected().catch(() => 1);
+}
+
+async function caughtFurtherOut() {
+    try {
+        await behindOthers();
+    } catch (error) {
+        return 1;
+    }
+}
+
+function inALoop() {
+    for (const each of [1])
+        fail();
+}

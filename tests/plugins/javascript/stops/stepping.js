@@ -26,6 +26,9 @@ async function main() {
     called(n => {
         counter.count += n;
     });
+    let left = 2;
+    while (left > 0)
+        left--;
     const value = await later(3);
     return value;
 }

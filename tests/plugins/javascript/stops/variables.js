@@ -13,6 +13,9 @@ function look(given, ...rest) {
     const map = new Map([["key", new Set([1])]]), point = new Point(2);
     const big = 2n ** 70n, none = undefined, long = "x".repeat(500), self = [];
     self.push(self);
+    const key = {a: 1}, table = new Map([[key, 1], [{a: 1}, {b: 2}], [3, 4]]);
+    const many = new Set(Array.from({length: 1000}, (_, n) => n));
+    Map.prototype.forEach = Set.prototype.forEach = () => { throw new Error("not to be called"); };
     for (const each of [7]) {
         breakHere();
     }

@@ -1,0 +1,90 @@
+#include "plugins/javascript/objectnames.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+#include "interpreter/language/literals.h"
+#include "plugins/javascript/javascriptinterpreter.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+namespace {
+
+/// Words of the language, and what its library and ours define: no names of objects.
+constexpr const char* javaScriptWords =
+    "AggregateError Array ArrayBuffer Atomics BigInt BigInt64Array BigUint64Array Boolean "
+    "DataView Date Error EvalError FinalizationRegistry Float32Array Float64Array Function "
+    "Infinity Int16Array Int32Array Int8Array Intl JSON Map Math NaN Number Object Promise "
+    "Proxy RangeError ReferenceError Reflect RegExp RemoteSystem Set SharedArrayBuffer "
+    "String Symbol SyntaxError TypeError URIError Uint16Array Uint32Array Uint8Array "
+    "Uint8ClampedArray WeakMap WeakRef WeakSet WebAssembly arguments async await break case "
+    "catch class clearTimeout console const continue debugger decodeURI decodeURIComponent "
+    "default delete do else encodeURI encodeURIComponent enum escape eval export extends "
+    "false finally for function globalThis if implements import in instanceof interface "
+    "isFinite isNaN let new null of package parseFloat parseInt pending print private "
+    "protected public return setTimeout static super switch tamrix this throw true try "
+    "typeof undefined unescape var void while with yield";
+
+bool isJavaScriptVariable(const QString& name) {
+    static const QStringList s_words = QString::fromLatin1(javaScriptWords).split(' ');
+    return isPlainIdentifier(name) && !s_words.contains(name);
+}
+
+QString textLiteral(const QString& text) {
+    return literalOf(text);
+}
+
+QString propertyName(const QString& name) {
+    return isPlainIdentifier(name) ? name : literalOf(name);
+}
+
+}  // namespace
+
+const ScriptNotation& JavaScriptObjectMap::notation() const {
+    static const ScriptNotation s_notation{
+        QStringLiteral("export const %1 = %2;"),
+        QStringLiteral("%1"),
+        QStringLiteral("{"),
+        QStringLiteral(": "),
+        QStringLiteral(", "),
+        QStringLiteral("}"),
+        QStringLiteral("// "),
+        QStringLiteral("// Names of objects, for scripts: import * as names from \"names\";\n"),
+        QString(),
+        ScriptNotation::Words::Camels,
+        textLiteral,
+        isJavaScriptVariable,
+        propertyName,
+        QStringLiteral("    "),
+    };
+    return s_notation;
+}
+
+bool JavaScriptObjectMap::runScript(const QString& text) {
+    static const QRegularExpression s_kept(
+        QStringLiteral("^(?:const|let|var)\\s+([A-Za-z]\\w*)\\s*=\\s*\\{"),
+        QRegularExpression::MultilineOption);
+    if (!GenericScriptedObjectMap::runScript(text))
+        return false;
+    JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
+    if (!interpreter.exportedVariables().empty())
+        return true;
+    // Nothing is exported: who makes objects has left it out.
+    const QRegularExpressionMatch kept = s_kept.match(text);
+    if (!kept.hasMatch())
+        return true;
+    return interpreter.refuseScript(
+        LineInfo(path(), 1 + text.left(kept.capturedStart()).count(QLatin1Char('\n'))),
+        QStringLiteral("the variable '%1' is no name of an object, since it is not exported "
+                       "(one that is not meant to be starts with '_')")
+            .arg(kept.captured(1)));
+}
+
+ScriptArgument::Map JavaScriptObjectMap::scriptVariables() {
+    ScriptArgument::Map variables = JavaScriptInterpreter::active()->exportedVariables();
+    // It is no variable.
+    variables.erase(QStringLiteral("default"));
+    return variables;
+}
+
+}  // namespace Tamrix::JavaScriptPlugin
