@@ -9,7 +9,7 @@
 
 namespace Tamrix {
 
-void LanguageContext::Call::keepOuter() {
+void LanguageContext::CallScope::keepOuter() {
     m_outer = std::make_unique<Outer>();
     m_outer->arguments.swap(m_context.argumentStorage());
     m_outer->areNamed = m_context.m_hasNamedArguments;
@@ -19,7 +19,7 @@ void LanguageContext::Call::keepOuter() {
     m_outer->result = std::move(m_context.m_result);
 }
 
-void LanguageContext::Call::restoreOuter() {
+void LanguageContext::CallScope::restoreOuter() {
     m_context.argumentStorage().swap(m_outer->arguments);
     m_context.m_hasNamedArguments = m_outer->areNamed;
     if (m_outer->isSkip)
@@ -38,7 +38,7 @@ SharedPtr<ScriptArgument> LanguageContext::takeSpareWrapper() {
 }
 
 void LanguageContext::spareWrappersFrom(std::size_t count) {
-    Arguments& used = argumentStorage();
+    std::vector<SharedPtr<ScriptArgument>>& used = argumentStorage();
     std::move(used.begin() + static_cast<std::ptrdiff_t>(count), used.end(),
               std::back_inserter(m_spareWrappers));
     used.resize(count);

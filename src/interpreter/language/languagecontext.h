@@ -21,37 +21,34 @@ public:
 
     void setTestResult(TestResult* result) { m_testResult = result; }
 
-    /// The time of one call of a native function: gives the context its arguments and takes them
-    /// away at the end.
-    class TAMRIX_EXPORT Call {
+    /// The time of one call of a native function: keeps aside what belongs to an outer one, and
+    /// takes the result away at the end.
+    class TAMRIX_EXPORT CallScope {
     public:
-        /// An argument that is null was left out. `areNamed` tells that some were given by name.
-        Call(LanguageContext& context, ScriptArgument::List arguments, bool areNamed)
-            : Call(context, areNamed) {
-            context.argumentStorage() = std::move(arguments);
-        }
-        ~Call() {
-            --m_context.m_depth;
-            m_context.argumentStorage().clear();
-            if (m_outer)
-                restoreOuter();
-            else
-                m_context.m_result.reset();
-        }
-        Call(const Call&) = delete;
-        Call& operator=(const Call&) = delete;
+        CallScope(const CallScope&) = delete;
+        CallScope& operator=(const CallScope&) = delete;
 
         /// What the function has given; null when it gave nothing.
         SharedPtr<ScriptArgument> takeResult() { return std::move(m_context.m_result); }
 
     protected:
-        /// Without arguments: who derives from this puts them into the context's argumentStorage().
-        Call(LanguageContext& context, bool areNamed) : m_context(context) {
+        /// `areNamed` tells that some arguments were given by name.
+        CallScope(LanguageContext& context, bool areNamed) : m_context(context) {
             if (m_context.m_depth++ > 0)
                 keepOuter();
             m_context.m_hasNamedArguments = areNamed;
             setCurrent(&m_context);
         }
+        ~CallScope() {
+            --m_context.m_depth;
+            if (m_outer)
+                restoreOuter();
+            else
+                m_context.m_result.reset();
+        }
+        std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
+
+        LanguageContext& m_context;
 
     private:
         /// State of a call that is running already.
@@ -66,57 +63,68 @@ public:
         void keepOuter();
         void restoreOuter();
 
-        LanguageContext& m_context;
         std::unique_ptr<Outer> m_outer;
     };
 
-    /// The same, with arguments that all stand at their places: add() gives them one after another,
-    /// complete() says that there are no more. Wrappers, of the plug-in's class, are used again as
-    /// long as nobody has kept them; its rebind() makes one stand for another value.
-    template <typename Argument>
-    class DirectCall : public Call {
+    /// A call with arguments that were made for it. One that is null was left out.
+    class Call : public CallScope {
     public:
-        explicit DirectCall(LanguageContext& context) : Call(context, false), m_own(context) {
-            // Most calls have as many arguments as the one before.
-            m_own.argumentStorage().swap(m_own.m_wrappers);
+        Call(LanguageContext& context, ScriptArgument::List given, bool areNamed)
+            : CallScope(context, areNamed) {
+            arguments() = std::move(given);
         }
+        ~Call() { arguments().clear(); }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    protected:
+        /// Without arguments: who derives from this puts them into the context's argumentStorage().
+        Call(LanguageContext& context, bool areNamed) : CallScope(context, areNamed) {
+            arguments().clear();
+        }
+    };
+
+    /// A call with arguments that all stand at their places: add() gives them one after another,
+    /// complete() says that there are no more. Wrappers, of the plug-in's class, wait where they
+    /// are for the next call, unless somebody has kept them; its rebind() makes one stand for
+    /// another value.
+    template <typename Argument>
+    class DirectCall : public CallScope {
+    public:
+        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
         ~DirectCall() {
-            Arguments& used = m_own.argumentStorage();
             bool areKept = false;
-            for (const SharedPtr<ScriptArgument>& each : used) {
+            for (const SharedPtr<ScriptArgument>& each : arguments()) {
                 if (each && each->referenceCount() == 1)
                     static_cast<Argument*>(each.get())->rebind({});
                 else
                     areKept = true;
             }
             if (areKept)
-                std::erase_if(used, [](const SharedPtr<ScriptArgument>& each) {
+                std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
                     return !each || each->referenceCount() > 1;
                 });
-            used.swap(m_own.m_wrappers);
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
 
         template <typename Value>
         void add(Value&& value) {
-            Arguments& used = m_own.argumentStorage();
-            if (m_count == used.size())
-                used.push_back(m_own.takeSpareWrapper());
-            SharedPtr<ScriptArgument>& wrapper = used[m_count];
+            // Most calls have as many arguments as the one before.
+            if (m_count == arguments().size())
+                arguments().push_back(m_context.takeSpareWrapper());
+            SharedPtr<ScriptArgument>& wrapper = arguments()[m_count++];
             if (wrapper)
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
             else
                 wrapper = new Argument(std::forward<Value>(value));
-            ++m_count;
         }
         void complete() {
-            if (m_count < m_own.argumentStorage().size())
-                m_own.spareWrappersFrom(m_count);
+            if (m_count < arguments().size())
+                m_context.spareWrappersFrom(m_count);
         }
 
     private:
-        LanguageContext& m_own;
         std::size_t m_count = 0;
     };
 
@@ -168,7 +176,6 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
-    using Arguments = std::vector<SharedPtr<ScriptArgument>>;
     /// Null when there is none.
     SharedPtr<ScriptArgument> takeSpareWrapper();
     /// Those of the arguments that stand from this place on.
@@ -176,9 +183,8 @@ private:
 
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
-    /// Of arguments, for the next call, and what it has no use for.
-    Arguments m_wrappers;
-    Arguments m_spareWrappers;
+    /// Of arguments, for which the last call had no use.
+    std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
     int m_depth = 0;
 };
 
