@@ -5,7 +5,6 @@
 
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
-#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
@@ -34,19 +33,16 @@ ScriptFailure noMember(const QString& text);
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
                      const QStringList& known);
 
-/// `owner configure -name value ?-name value ...?`, words behind these: `write(name, value)` for
-/// each, which ends as a command does.
+/// `owner configure -name value ?-name value ...?`, words behind these: `write(name, words)` for
+/// each two of them, which ends as a command does. The name is null for a word that is no option.
 template <typename Write>
 int writeOptions(TclInterpreter& interpreter, const QString& owner, int count,
                  Tcl_Obj* const* words, Write write) {
     if (count == 0 || count % 2 != 0)
         return wrongWords(interpreter, owner + " configure -option value ?-option value ...?");
     int code = TCL_OK;
-    for (int index = 0; index < count && code == TCL_OK; index += 2) {
-        const QString name = optionOf(words[index]);
-        code = name.isEmpty() ? interpreter.fail(noSuch("option", textOf(words[index]), owner, {}))
-                              : write(name, words + index + 1);
-    }
+    for (int index = 0; index < count && code == TCL_OK; index += 2)
+        code = write(optionOf(words[index]), words + index);
     return code;
 }
 

@@ -33,10 +33,13 @@ int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int
         return readOption(interpreter, object, count - 1, words + 1);
     if (name == QLatin1String("configure"))
         return writeOptions(interpreter, object->className(), count - 1, words + 1,
-                            [&](const QString& property, Tcl_Obj* const* value) {
+                            [&](const QString& property, Tcl_Obj* const* pair) {
+                                if (property.isEmpty())
+                                    return interpreter.fail(noSuch("property", textOf(pair[0]),
+                                                                   object->className(), {}));
                                 const auto written =
                                     setMember(&interpreter, object, property,
-                                              new TclArgument(interpreter, TclRef(*value)));
+                                              new TclArgument(interpreter, TclRef(pair[1])));
                                 return written ? interpreter.finish(SharedPtr<ScriptArgument>())
                                                : interpreter.fail(written.error());
                             });

@@ -54,15 +54,15 @@ int ClassCommands::readProperty(const NativeClass& nativeClass,
 
 int ClassCommands::writeProperty(const NativeClass& nativeClass,
                                  const SharedPtr<NativeScriptObject>& object, const QString& name,
-                                 Tcl_Obj* const* value) {
+                                 Tcl_Obj* const* pair) {
     const NativeMember* const property = nativeClass.find(name, !object);
     if (!property || !property->isProperty())
-        return m_interpreter.fail(noSuch("option", "-" + name, nativeClass.name, {}));
+        return m_interpreter.fail(noSuch("option", textOf(pair[0]), nativeClass.name, {}));
     if (!property->setter)
         return m_interpreter.fail(
             noMember(QStringLiteral("The property '%1' of '%2' can't be written")
                          .arg(name, nativeClass.name)));
-    return callWithWords(m_interpreter, *property->setter, object, {}, 1, value);
+    return callWithWords(m_interpreter, *property->setter, object, {}, 1, pair + 1);
 }
 
 // Commands
@@ -92,8 +92,8 @@ int ClassCommands::callNamed(const NativeClass& nativeClass,
         return readProperty(nativeClass, object, rest, behind);
     if (name == QLatin1String("configure"))
         return writeOptions(m_interpreter, nativeClass.name, rest, behind,
-                            [&](const QString& property, Tcl_Obj* const* value) {
-                                return writeProperty(nativeClass, object, property, value);
+                            [&](const QString& property, Tcl_Obj* const* pair) {
+                                return writeProperty(nativeClass, object, property, pair);
                             });
     if (!object && name == QLatin1String("new"))
         return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, rest, behind);

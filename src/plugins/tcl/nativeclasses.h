@@ -51,7 +51,7 @@ private:
     int readProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
                      int count, Tcl_Obj* const* words);
     int writeProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
-                      const QString& name, Tcl_Obj* const* value);
+                      const QString& name, Tcl_Obj* const* pair);
 
     TclInterpreter& m_interpreter;
     NativeClasses<std::shared_ptr<NativeClass>> m_classes;

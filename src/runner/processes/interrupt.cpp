@@ -62,14 +62,17 @@ bool isSameFunction(const struct sigaction& left, const struct sigaction& right)
                                               : left.sa_handler == right.sa_handler);
 }
 
-/// What was found below our handler.
+bool isKnown(const Watched& watched, const struct sigaction& action) {
+    return std::any_of(
+        watched.handlers, watched.handlers + watched.handlerCount,
+        [&action](const struct sigaction& each) { return isSameFunction(each, action); });
+}
+
+/// Keeps what was found below our handler.
 void note(Watched& watched, const struct sigaction& found) {
     watched.previous = found;
-    const auto* const end = watched.handlers + watched.handlerCount;
-    const bool isKnown = std::any_of(watched.handlers, end, [&found](const struct sigaction& each) {
-        return isSameFunction(each, found);
-    });
-    if (isFunction(found) && !isKnown && watched.handlerCount < std::size(watched.handlers))
+    if (isFunction(found) && !isKnown(watched, found) &&
+        watched.handlerCount < std::size(watched.handlers))
         watched.handlers[watched.handlerCount++] = found;
 }
 
@@ -225,7 +228,7 @@ Interrupt::Aside::Aside() : m_oldMask(block()) {
     for (const Watched& watched : s_watched) {
         struct sigaction current;
         ::sigaction(watched.signal, nullptr, &current);
-        if (isFunction(current))
+        if (isKnown(watched, current))
             ::signal(watched.signal, SIG_DFL);
     }
 }
