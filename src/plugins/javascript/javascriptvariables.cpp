@@ -107,10 +107,12 @@ private:
         const QString text = JavaScriptValueTexts().textOf(key);
         m_label = text + " => ";
         // Objects that look alike are keys of their own.
-        m_name = '[' +
-                 pathPart(key.isObject() ? QStringLiteral("%1: %2").arg(index).arg(text) : text,
-                          QByteArrayLiteral("[]")) +
-                 ']';
+        m_name =
+            '[' +
+            pathPart(
+                key.isObject() ? QStringLiteral("%1: %2").arg(QString::number(index), text) : text,
+                QByteArrayLiteral("[]")) +
+            ']';
     }
     void readProperty() {
         bool hasGetter = false;

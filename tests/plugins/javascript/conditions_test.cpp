@@ -54,7 +54,8 @@ TEST_F(JavaScriptConditions, TextAndValues) {
         {"test.verify('ä )  ä' == 'ö(', 'two'); wanted", "'ä )  ä' == 'ö('"},
         // The parser forgets brackets.
         {"test.verify(((zero || wanted) == 1) && (thing.rows[zero]))",
-         "((zero || wanted) == 1) && (thing.rows[zero])\nzero: 0\nwanted: 'w'\nthing.rows[zero]: 1"},
+         "((zero || wanted) == 1) && (thing.rows[zero])\nzero: 0\nwanted: 'w'\nthing.rows[zero]: "
+         "1"},
         // Calls are made once only, and what can't be had is left out.
         {"test.verify(thing.count() > zero + 1)",
          "thing.count() > zero + 1\nthing: Thing {name: 'n', rows: [1, 2], calls: 1}\nzero: 0"},

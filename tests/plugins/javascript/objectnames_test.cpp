@@ -27,8 +27,8 @@ TEST_F(JavaScriptObjectNames, ExportsAreNames) {
         "export const row = number => ({in: window, row: number});\n"
         "tamrix.exit();\n"
         "export const late = {type: 'L'};\n");
-    ASSERT_TRUE(writeFile(QFileInfo(path).path() + "/neighbour.js",
-                          "export const other = {type: 'O'};\n"));
+    ASSERT_TRUE(
+        writeFile(QFileInfo(path).path() + "/neighbour.js", "export const other = {type: 'O'};\n"));
     EXPECT_EQ(*ObjectMap::self()->symbolicNames(),
               (QStringList{":alias", ":another", ":cut", ":nul", ":other", ":save", ":window"}));
     EXPECT_EQ(realName(":nul"), QString("{text='a%1b'}").arg(QChar(0)));
@@ -72,15 +72,16 @@ TEST_F(JavaScriptObjectNames, NewNamesStandBehindWhatPeopleWrote) {
     EXPECT_EQ(add("{text='click'}"), ":click2") << "a function";
     EXPECT_EQ(add("{text='with'}"), ":with2") << "a word of the language";
     EXPECT_EQ(add("{windowTitle*='A*' type='Eval'}"), ":aEval");
-    EXPECT_EQ(QString::fromUtf8(readFile(path)),
-              QString::fromUtf8(before +
-                                "\r\nexport const saveButton2 = {type: \"QPushButton\", text: "
-                                "\"&Save\", window: mainWindow};\r\n"
-                                "export const quoteBackTabLineLabel = {\r\n    type: \"QLabel\",\r\n"
-                                "    text: \"quote \\\" back\\\\ ' tab\\t line\\n ü 😀 \\u0001\"\r\n};\r\n"
-                                "export const click2 = {text: \"click\"};\r\n"
-                                "export const with2 = {text: \"with\"};\r\n"
-                                "export const aEval = {type: \"Eval\", \"windowTitle*\": \"A*\"};\r\n"));
+    EXPECT_EQ(
+        QString::fromUtf8(readFile(path)),
+        QString::fromUtf8(before +
+                          "\r\nexport const saveButton2 = {type: \"QPushButton\", text: "
+                          "\"&Save\", window: mainWindow};\r\n"
+                          "export const quoteBackTabLineLabel = {\r\n    type: \"QLabel\",\r\n"
+                          "    text: \"quote \\\" back\\\\ ' tab\\t line\\n ü 😀 \\u0001\"\r\n};\r\n"
+                          "export const click2 = {text: \"click\"};\r\n"
+                          "export const with2 = {text: \"with\"};\r\n"
+                          "export const aEval = {type: \"Eval\", \"windowTitle*\": \"A*\"};\r\n"));
     EXPECT_EQ(realName(":saveButton2"),
               "{text='&Save' type='QPushButton' window={type='MainWindow'}}");
     EXPECT_EQ(
