@@ -1,5 +1,6 @@
 #include "plugins/perl/conversion.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -11,34 +12,14 @@ namespace Tamrix::PerlPlugin {
 namespace {
 
 /// Perl writes surrogates as it writes any other character, which QString's UTF-8 never does.
-SvRef withSurrogates(pTHX_ const QString& text) {
+QByteArray withSurrogates(pTHX_ const QString& text) {
     QByteArray bytes;
-    for (int index = 0; index < text.size(); ++index) {
-        uint character = text.at(index).unicode();
-        if (text.at(index).isHighSurrogate() && index + 1 < text.size() &&
-            text.at(index + 1).isLowSurrogate()) {
-            ++index;
-            character =
-                QChar::surrogateToUcs4(static_cast<ushort>(character), text.at(index).unicode());
-        }
+    for (const uint character : codePoints(text)) {
         U8 buffer[UTF8_MAXBYTES + 1];
         const U8* const end = uvchr_to_utf8(buffer, character);
         bytes.append(reinterpret_cast<const char*>(buffer), static_cast<int>(end - buffer));
     }
-    SV* const value = newSVpvn(bytes.constData(), static_cast<STRLEN>(bytes.size()));
-    SvUTF8_on(value);
-    return SvRef::steal(value);
-}
-
-bool hasLoneSurrogate(const QString& text) {
-    for (int index = 0; index < text.size(); ++index) {
-        if (text.at(index).isHighSurrogate() && index + 1 < text.size() &&
-            text.at(index + 1).isLowSurrogate())
-            ++index;
-        else if (text.at(index).isSurrogate())
-            return true;
-    }
-    return false;
+    return bytes;
 }
 
 /// Character by character: for what is no UTF-8 for others than Perl.
@@ -67,10 +48,21 @@ QString className(pTHX_ SV* value) {
 
 }  // namespace
 
+std::vector<uint> codePoints(const QString& text) {
+    std::vector<uint> codes;
+    codes.reserve(static_cast<std::size_t>(text.size()));
+    for (int index = 0; index < text.size(); ++index) {
+        const QChar unit = text.at(index);
+        const QChar next = index + 1 < text.size() ? text.at(index + 1) : QChar();
+        const bool isPair = unit.isHighSurrogate() && next.isLowSurrogate();
+        codes.push_back(isPair ? QChar::surrogateToUcs4(unit, next) : unit.unicode());
+        index += isPair ? 1 : 0;
+    }
+    return codes;
+}
+
 SvRef toPerl(pTHX_ const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    if (hasLoneSurrogate(text))
-        return withSurrogates(aTHX_ text);
+    const QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : withSurrogates(aTHX_ text);
     SV* const value = newSVpvn(bytes.constData(), static_cast<STRLEN>(bytes.size()));
     if (bytes.size() != text.size())
         SvUTF8_on(value);
@@ -109,6 +101,18 @@ SvRef plainValue(pTHX_ SV* value) {
     if (!SvGMAGICAL(value))
         return SvRef::borrow(value);
     return valueOrThrow(callOwn(aTHX_ "tamrix::_value", {SvRef::borrow(value)}));
+}
+
+std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash) {
+    std::vector<std::pair<QString, SV*>> entries;
+    hv_iterinit(hash);
+    while (HE* const entry = hv_iternext(hash)) {
+        STRLEN size = 0;
+        const char* const key = HePV(entry, size);
+        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
+    }
+    std::sort(entries.begin(), entries.end());
+    return entries;
 }
 
 SvRef toPerlTime(pTHX_ const QDateTime& time) {

@@ -2,10 +2,15 @@
 
 #include <QDateTime>
 #include <QString>
+#include <utility>
+#include <vector>
 
 #include "plugins/perl/svref.h"
 
 namespace Tamrix::PerlPlugin {
+
+/// The characters of a text; half of a pair that stands alone counts as one.
+std::vector<uint> codePoints(const QString& text);
 
 /// A new string; lone surrogates are kept.
 SvRef toPerl(pTHX_ const QString& text);
@@ -20,6 +25,10 @@ QString textOf(pTHX_ SV* value);
 
 /// The value without what a tied variable does; the same value for all others.
 SvRef plainValue(pTHX_ SV* value);
+
+/// Keys and values of a hash in the order of the keys: Perl's own is another one in each run. The
+/// values are not fetched, and stay as long as the hash does not change.
+std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash);
 
 /// A Time::Piece in local time, with its fraction of a second in `epoch`; undef for an invalid
 /// time.

@@ -169,13 +169,8 @@ ScriptArgument::Map PerlArgument::toMap() const {
     auto* const hash = reinterpret_cast<HV*>(container.get());
     // A copy of the entries: fetching one can run code of the script.
     std::vector<std::pair<QString, SvRef>> entries;
-    hv_iterinit(hash);
-    while (HE* const entry = hv_iternext(hash)) {
-        STRLEN size = 0;
-        const char* const key = HePV(entry, size);
-        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)),
-                             SvRef::borrow(HeVAL(entry)));
-    }
+    for (const auto& [key, entry] : entriesOf(aTHX_ hash))
+        entries.emplace_back(key, SvRef::borrow(entry));
     for (const auto& [key, entry] : entries)
         values[key] = element(aTHX_ entry.get());
     return values;

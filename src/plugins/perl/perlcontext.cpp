@@ -2,6 +2,7 @@
 
 #include "interpreter/language/stepactions.h"
 #include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/conditionsource.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/equality.h"
 #include "plugins/perl/nativeclasses.h"
@@ -170,6 +171,11 @@ bool PerlContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
     const COP* const statement = frames[static_cast<std::size_t>(ancestorLevel)].statement;
     position = LineInfo(files.path(CopFILE(statement)), static_cast<int>(CopLINE(statement)));
     return true;
+}
+
+QString PerlContext::explainArgument(const char* parameter) {
+    dTHX;
+    return explainCall(aTHX_ m_interpreter, QLatin1String(parameter));
 }
 
 // The language's own judgement

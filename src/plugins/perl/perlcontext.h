@@ -43,6 +43,7 @@ public:
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     bool isTrue(SharedPtr<ScriptArgument> value) override { return value->toBool(); }
+    QString explainArgument(const char* parameter) override;
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;

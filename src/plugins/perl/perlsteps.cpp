@@ -4,6 +4,7 @@
 #include "platform/gherkin/expressions/expressionerror.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conversion.h"
+#include "plugins/perl/literal.h"
 #include "plugins/perl/perlcontext.h"
 
 namespace Tamrix::PerlPlugin {
@@ -115,12 +116,6 @@ NativeEnd contextAll(pTHX_ CV*, SV**, int count) {
         return SvRef::borrow(
             valueOf(interpreter.context().createMap(interpreter.steps().scopes().all())));
     });
-}
-
-QString literal(const QString& text) {
-    QString inner = text;
-    inner.replace('\\', "\\\\").replace('\'', "\\'");
-    return '\'' + inner + '\'';
 }
 
 }  // namespace

@@ -116,17 +116,9 @@ QString PerlValueTexts::arrayText(pTHX_ AV* array, int depth) {
 QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
     if (isTied(reinterpret_cast<SV*>(hash)))
         return QStringLiteral("<tied>");
-    // In the order of the keys: Perl's own is another one in each run.
     std::vector<std::pair<QString, SV*>> entries;
-    if (depth < deepest) {
-        hv_iterinit(hash);
-        while (HE* const entry = hv_iternext(hash)) {
-            STRLEN size = 0;
-            const char* const key = HePV(entry, size);
-            entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
-        }
-        std::sort(entries.begin(), entries.end());
-    }
+    if (depth < deepest)
+        entries = entriesOf(aTHX_ hash);
     std::size_t index = 0;
     return "{" +
            itemsText(depth, static_cast<qint64>(HvUSEDKEYS(hash)),

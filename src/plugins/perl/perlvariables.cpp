@@ -35,18 +35,6 @@ QString nameOfKey(const QString& key) {
     return "['" + pathPart(key, "'\\[]()\"") + "']";
 }
 
-std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash) {
-    std::vector<std::pair<QString, SV*>> entries;
-    hv_iterinit(hash);
-    while (HE* const entry = hv_iternext(hash)) {
-        STRLEN size = 0;
-        const char* const key = HePV(entry, size);
-        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
-    }
-    std::sort(entries.begin(), entries.end());
-    return entries;
-}
-
 }  // namespace
 
 std::vector<LanguageVariables::Member> PerlVariables::variablesOf(int level) {
@@ -66,8 +54,7 @@ std::vector<LanguageVariables::Member> PerlVariables::variablesOf(int level) {
 
 void PerlVariables::addOfPackage(std::vector<Member>& variables, HV* package) {
     pTHX = m_perl.perl();
-    std::vector<std::pair<QString, SV*>> globs = entriesOf(aTHX_ package);
-    for (const auto& [name, glob] : globs) {
+    for (const auto& [name, glob] : entriesOf(aTHX_ package)) {
         const QChar first = name.isEmpty() ? QChar() : name.at(0);
         if (!isGV_with_GP(glob) || name.endsWith("::") || !(first.isLetter() || first == '_') ||
             name.startsWith("_<") || m_perl.isOwnName(package, name))

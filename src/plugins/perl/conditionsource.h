@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include "plugins/perl/perlheaders.h"
+
+namespace Tamrix::PerlPlugin {
+
+class CaseInterpreter;
+
+/// What the running call of a verdict says in its script: the source text of its first argument, or
+/// of the one called `parameter`, and below it, a line each, the values in it:
+///
+///     $field->text eq $wanted && @rows > 2
+///     $field->text: "a"
+///     $wanted: "b"
+///     @rows: [1]
+///
+/// Values are variables, elements of arrays and hashes, and properties of an application's objects,
+/// which are read once more; no code of the script runs. Empty when there is nothing to tell: for a
+/// plain constant, code without a file, a file that is another one by now, two verdicts on one
+/// line. Throws ScriptErrorSet for what ends the script.
+QString explainCall(pTHX_ CaseInterpreter& interpreter, const QString& parameter);
+
+}  // namespace Tamrix::PerlPlugin
