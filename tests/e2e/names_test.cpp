@@ -79,6 +79,25 @@ TEST_F(NamesCommand, TellsWhatNamesAreOfUse) {
     EXPECT_TRUE(compareWithGolden("e2e/names-commands.txt", normalised(text)));
 }
 
+TEST_F(NamesCommand, MapsOfEachLanguageGoBackAndForth) {
+    const QByteArray table =
+        ":SAVE\t{text='Sa\\\\ve \"#$@%\" \\'it\\'' type='Button' window=':WINDOW'}\n"
+        ":WINDOW\t{box={text~='^a.*b$' type='Box'} type='Main' windowTitle*='Shop*'}\n";
+    suite.write("names.tsv", "# The shop\n" + table);
+    for (const char* const suffix : {"py", "rb"}) {
+        const QString script = suite.path(QStringLiteral("maps/names.%1").arg(suffix));
+        const QString back = suite.path(QStringLiteral("maps/%1.tsv").arg(suffix));
+        const QString again = suite.path(QStringLiteral("again/names.%1").arg(suffix));
+        told({"names", "convert", suite.path("names.tsv"), script});
+        told({"names", "convert", script, back});
+        told({"names", "convert", back, again});
+        EXPECT_TRUE(compareWithGolden(QStringLiteral("e2e/names.%1.txt").arg(suffix),
+                                      QString::fromUtf8(readFile(script))));
+        EXPECT_TRUE(readFile(back).endsWith(table)) << readFile(back).constData();
+        EXPECT_EQ(readFile(again), readFile(script)) << suffix;
+    }
+}
+
 TEST_F(NamesCommand, FailsClearly) {
     QString text = told({"names", "check", suite.path("suite"), "calculator"});
     text += told({"names", "unused", suite.path("suite")});

@@ -14,7 +14,6 @@
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/librarynames.h"
 #include "interpreter/names/objectmaptool.h"
-#include "platform/objectmodel/mapfile.h"
 #include "platform/objectmodel/nameresolver.h"
 
 namespace Tamrix {
@@ -355,7 +354,7 @@ Outcome<QByteArray> GenericScriptedObjectMap::contentWith(const QByteArray& cont
                                                           const QString& key,
                                                           const ObjectName& name) {
     const QString entry = writtenEntry(notation(), key, name);
-    QByteArray changed = withEntry(content, entry);
+    QByteArray changed = withWrittenEntry(notation(), content, entry);
     // The script goes on to mean what it did, and has the entry: it may end in whatever way.
     const Outcome<QMap<QString, ObjectName>> names = runObjectMapTool(path(), changed, toolTimeout);
     QString fault;

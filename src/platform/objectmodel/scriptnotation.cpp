@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 
+#include "platform/objectmodel/mapfile.h"
 #include "platform/objectmodel/nameresolver.h"
 
 namespace Tamrix {
@@ -72,6 +73,36 @@ QStringList orderedProperties(const ObjectName& name) {
 
 }  // namespace
 
+QString quotedLiteral(const QString& text) {
+    QString literal;
+    for (const QChar character : text) {
+        switch (character.unicode()) {
+            case '"':
+            case '\\':
+                literal += QLatin1Char('\\');
+                literal += character;
+                break;
+            case '\n':
+                literal += QLatin1String("\\n");
+                break;
+            case '\r':
+                literal += QLatin1String("\\r");
+                break;
+            case '\t':
+                literal += QLatin1String("\\t");
+                break;
+            default:
+                // Control characters, and half characters that no file could hold.
+                if (character.isPrint() || character.isSurrogate())
+                    literal += character;
+                else
+                    literal +=
+                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+        }
+    }
+    return '"' + literal + '"';
+}
+
 QString keyOfVariable(const QString& variable) {
     return QLatin1Char(':') + variable;
 }
@@ -85,22 +116,45 @@ QString writtenName(const ScriptNotation& notation, const ObjectName& name, cons
     QStringList parts;
     for (const QString& property : orderedProperties(name)) {
         const PropertyValue value = properties.value(property);
-        parts.append(notation.literal(markedProperty(property, value.modifiers())) +
-                     notation.afterPropertyName + writtenValue(notation, property, value));
+        const QString written = markedProperty(property, value.modifiers());
+        parts.append(
+            (notation.propertyName ? notation.propertyName(written) : notation.literal(written)) +
+            notation.afterPropertyName + writtenValue(notation, property, value));
     }
     if (indent.isNull())
         return notation.open + parts.join(notation.betweenProperties) + notation.close;
     const QString separator = notation.betweenProperties.trimmed() + QLatin1Char('\n') + indent;
-    return notation.open + QLatin1Char('\n') + indent + parts.join(separator) + QLatin1Char('\n') +
-           notation.close;
+    return notation.open.trimmed() + QLatin1Char('\n') + indent + parts.join(separator) +
+           QLatin1Char('\n') + notation.close.trimmed();
 }
 
 QString writtenEntry(const ScriptNotation& notation, const QString& key, const ObjectName& name) {
     const QString line = notation.statement.arg(variableOfKey(key), writtenName(notation, name));
     return line.size() <= longestLine
                ? line
-               : notation.statement.arg(variableOfKey(key),
-                                        writtenName(notation, name, indentStep));
+               : notation.statement.arg(
+                     variableOfKey(key),
+                     writtenName(notation, name,
+                                 notation.indent.isEmpty() ? indentStep : notation.indent));
+}
+
+QString indentedLines(const ScriptNotation& notation, const QString& lines) {
+    QStringList indented;
+    for (const QString& line : lines.split('\n'))
+        indented.append(line.isEmpty() ? line : notation.indent + line);
+    return indented.join('\n');
+}
+
+QByteArray withWrittenEntry(const ScriptNotation& notation, const QByteArray& content,
+                            const QString& entry) {
+    const QByteArray ending = notation.ending.trimmed().toUtf8();
+    const QByteArray written = content.trimmed();
+    const int start = content.lastIndexOf(ending);
+    const bool hasEnding = !ending.isEmpty() && written.endsWith(ending) &&
+                           (start == 0 || content.at(start - 1) == '\n');
+    if (!hasEnding)
+        return withEntry(content, entry);
+    return withEntry(content.left(start), indentedLines(notation, entry)) + content.mid(start);
 }
 
 QMap<QString, int> definitionLines(const ScriptNotation& notation, const QString& script) {
@@ -136,8 +190,8 @@ QString variableOfText(const ScriptNotation& notation, const QString& text) {
         variable.remove(0, 1);
     while (variable.endsWith('_'))
         variable.chop(1);
-    if (notation.words == ScriptNotation::Words::Pascals && !variable.isEmpty())
-        variable[0] = variable.at(0).toUpper();
+    if (notation.words == ScriptNotation::Words::Capitals)
+        variable = variable.toUpper();
     if (notation.isVariable(variable))
         return variable;
     return joinedWords(notation, {QStringLiteral("name")}) +
@@ -166,12 +220,11 @@ QStringList wordsOfObject(const ObjectName& name) {
 QString joinedWords(const ScriptNotation& notation, const QStringList& words) {
     if (notation.words == ScriptNotation::Words::Underscores)
         return words.join('_');
+    if (notation.words == ScriptNotation::Words::Capitals)
+        return words.join('_').toUpper();
     QString joined;
-    for (const QString& word : words) {
-        const bool isCapital =
-            !joined.isEmpty() || notation.words == ScriptNotation::Words::Pascals;
-        joined += isCapital ? word.left(1).toUpper() + word.mid(1) : word;
-    }
+    for (const QString& word : words)
+        joined += joined.isEmpty() ? word : word.left(1).toUpper() + word.mid(1);
     return joined;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -16,14 +17,15 @@ struct ScriptNotation {
     enum class Words {
         Underscores,  ///< save_button
         Camels,       ///< saveButton
-        Pascals       ///< SaveButton
+        Capitals      ///< SAVE_BUTTON
     };
 
     /// The statement that makes a variable; %1 is its name, %2 its value: "%1 = %2".
     QString statement;
     /// The variable within the value of another one: "%1", or "$%1".
     QString reference;
-    /// Around the properties of a name, between one's name and its value, and between two.
+    /// Around the properties of a name, between one's name and its value, and between two. Blanks
+    /// at the ends of lines are left out.
     QString open;
     QString afterPropertyName;
     QString betweenProperties;
@@ -39,7 +41,15 @@ struct ScriptNotation {
     /// Whether this may be a variable's name: an identifier that is no keyword, and that neither
     /// the language nor its library means anything by.
     bool (*isVariable)(const QString& name) = nullptr;
+    /// A property's name, where that is written in another way than texts are.
+    QString (*propertyName)(const QString& name) = nullptr;
+    /// What lines between heading and ending are set in by, and those of a name on several lines.
+    QString indent;
 };
+
+/// The text in double quotes, as Python and JavaScript have it: what can't stand there, or is not
+/// seen, behind a backslash.
+TAMRIX_EXPORT QString quotedLiteral(const QString& text);
 
 // Keys of a map of names are ":save_button" for the variable save_button.
 
@@ -59,6 +69,14 @@ TAMRIX_EXPORT QString writtenName(const ScriptNotation& notation, const ObjectNa
 /// several lines.
 TAMRIX_EXPORT QString writtenEntry(const ScriptNotation& notation, const QString& key,
                                    const ObjectName& name);
+
+/// Lines as they stand between heading and ending.
+TAMRIX_EXPORT QString indentedLines(const ScriptNotation& notation, const QString& lines);
+
+/// The text of a script with an entry of whole lines behind its last one, but in front of the
+/// ending, and with the script's line ends.
+TAMRIX_EXPORT QByteArray withWrittenEntry(const ScriptNotation& notation, const QByteArray& content,
+                                          const QString& entry);
 
 /// The lines of a script, from 1, whose statements make variables; of several for one the last.
 TAMRIX_EXPORT QMap<QString, int> definitionLines(const ScriptNotation& notation,

@@ -1,7 +1,9 @@
 #include "plugins/ruby/conversion.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "platform/objectmodel/scriptnotation.h"
 #include "plugins/ruby/protection.h"
 
 namespace Tamrix::RubyPlugin {
@@ -165,6 +167,15 @@ std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash) {
         },
         reinterpret_cast<VALUE>(&entries));
     return entries;
+}
+
+QString rubyLiteral(const QString& text) {
+    const auto isPlain = [](QChar each) {
+        return each != '\\' && each != '\'' && (each.isPrint() || each.isSurrogate());
+    };
+    if (std::all_of(text.begin(), text.end(), isPlain))
+        return '\'' + text + '\'';
+    return quotedLiteral(text).replace('#', QLatin1String("\\#"));
 }
 
 QString snakeCase(const QString& name) {

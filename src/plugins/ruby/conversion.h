@@ -34,6 +34,9 @@ QString classNameOf(VALUE value);
 /// The entries of a Hash, in its order.
 std::vector<std::pair<VALUE, VALUE>> entriesOf(VALUE hash);
 
+/// The text as a literal of a script, on one line.
+QString rubyLiteral(const QString& text);
+
 /// wait_for_object for waitForObject.
 QString snakeCase(const QString& name);
 

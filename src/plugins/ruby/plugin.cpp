@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "base/export.h"
+#include "plugins/ruby/objectnames.h"
 #include "plugins/ruby/rubyinterpreter.h"
 
 /// An interpreter for Ruby scripts, owned by the caller; null, with a message on standard error,
@@ -15,4 +16,9 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Ruby interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// A map of object names in a Ruby script, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::RubyPlugin::RubyObjectMap(path);
 }

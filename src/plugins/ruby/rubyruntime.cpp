@@ -240,6 +240,10 @@ VALUE RubyRuntime::scriptGlobals() {
     return callMethod(m_state, "script_globals");
 }
 
+VALUE RubyRuntime::scriptHashes(const QString& moduleName) {
+    return callMethod(m_state, "script_hashes", toRuby(moduleName));
+}
+
 bool RubyRuntime::hasFeature(const QString& path) {
     return RTEST(callMethod(m_state, "feature?", toRuby(path)));
 }

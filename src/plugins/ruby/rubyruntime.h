@@ -58,6 +58,9 @@ public:
 
     /// Names of the global variables that scripts have made.
     VALUE scriptGlobals();
+    /// A Hash of the constants of scripts that hold Hashes: those in the module of this name and
+    /// those of the top level.
+    VALUE scriptHashes(const QString& moduleName);
     /// Whether a file was loaded, which `require` then does not do once more.
     bool hasFeature(const QString& path);
     void noteFeature(const QString& path);

@@ -21,14 +21,6 @@ VALUE rowOf(const std::vector<Gherkin::TableCell>& cells) {
     return row;
 }
 
-QString rubyLiteral(QString text) {
-    return "\"" +
-           text.replace('\\', QLatin1String("\\\\"))
-               .replace('"', QLatin1String("\\\""))
-               .replace('#', QLatin1String("\\#")) +
-           "\"";
-}
-
 }  // namespace
 
 RubySteps::RubySteps(RubyInterpreter& interpreter) : StepLanguage(interpreter) {}

@@ -116,6 +116,17 @@ class Tamrix::RuntimeState
     global_variables - @globals
   end
 
+  # Constants that hold Hashes, by name: the script's own, and those of its module of this name.
+  def script_hashes(module_name)
+    names = Object.constants(false).select do |name|
+      script?(Object.const_source_location(name, false)&.first)
+    end
+    values = names.to_h { |name| [name, Object.const_get(name, false)] }
+    inner = values[module_name.to_sym]
+    inner.constants.each { |name| values[name] = inner.const_get(name) } if inner.is_a?(Module)
+    values.select { |_, value| value.is_a?(Hash) }
+  end
+
   private
 
   def script?(file)

@@ -152,14 +152,25 @@ public:
     void add(const EmptyLine&) { addLine(QString()); }
 
     QByteArray content() const {
-        const QString heading = m_script ? m_script->notation().heading : QString();
-        const QString ending = m_script ? m_script->notation().ending : QString();
-        // A map that was converted before has the heading among its comments.
-        const bool hasHeading = heading.isEmpty() || m_text.startsWith(heading);
-        return ((hasHeading ? QString() : heading) + m_text + ending).toUtf8();
+        if (!m_script)
+            return m_text.toUtf8();
+        const ScriptNotation& notation = m_script->notation();
+        // A map that was converted before has the heading's comments among its own.
+        const QString known = leadingComments(notation.heading);
+        const QString text = m_text.startsWith(known) ? m_text.mid(known.size()) : m_text;
+        return (notation.heading + indentedLines(notation, text) + notation.ending).toUtf8();
     }
 
 private:
+    QString leadingComments(const QString& text) const {
+        QString comments;
+        for (const QString& line : text.split('\n')) {
+            if (!line.startsWith(m_mark))
+                break;
+            comments += line + QLatin1Char('\n');
+        }
+        return comments;
+    }
     void addLine(const QString& line) { m_text += line + QLatin1Char('\n'); }
 
     const ScriptedObjectMap* m_script;

@@ -31,7 +31,7 @@ const ScriptNotation underscores =
 
 TEST(ScriptNotation, VariablesAreMadeOfWhatObjectsShow) {
     const ScriptNotation camels = notationOf("%1 = %2", "%1", ScriptNotation::Words::Camels);
-    const ScriptNotation pascals = notationOf("%1 = %2", "%1", ScriptNotation::Words::Pascals);
+    const ScriptNotation capitals = notationOf("%1 = %2", "%1", ScriptNotation::Words::Capitals);
     const auto isFree = [](const QString& name) { return !name.startsWith("taken"); };
     const struct {
         const char* name;
@@ -57,7 +57,7 @@ TEST(ScriptNotation, VariablesAreMadeOfWhatObjectsShow) {
     }
     const ObjectName save("{type='QPushButton' text='Save all'}");
     EXPECT_EQ(newVariable(camels, save, isFree), "saveAllButton");
-    EXPECT_EQ(newVariable(pascals, save, isFree), "SaveAllButton");
+    EXPECT_EQ(newVariable(capitals, save, isFree), "SAVE_ALL_BUTTON");
     int asked = 0;
     EXPECT_EQ(newVariable(underscores, save, [&](const QString&) { return ++asked == 3; }),
               "save_all_button_3");
@@ -78,6 +78,29 @@ TEST(ScriptNotation, TextsBecomeTheNearestVariable) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(variableOfText(underscores, QString::fromUtf8(row.text)), row.variable);
+    ScriptNotation capitals = notationOf("%1 = %2", "%1", ScriptNotation::Words::Capitals);
+    capitals.isVariable = [](const QString& name) { return name == name.toUpper(); };
+    EXPECT_EQ(variableOfText(capitals, "save it"), "SAVE_IT");
+}
+
+TEST(ScriptNotation, EntriesStandWithinWhatTheScriptEndsWith) {
+    ScriptNotation block = underscores;
+    block.ending = "end\n";
+    block.indent = "  ";
+    const struct {
+        const char* before;
+        const char* after;
+    } rows[] = {
+        {"module M\n  A = 1\nend\n", "module M\n  A = 1\n  b {\n    c\n  }\nend\n"},
+        {"module M\r\nend\r\n\r\n", "module M\r\n  b {\r\n    c\r\n  }\r\nend\r\n\r\n"},
+        {"end", "  b {\n    c\n  }\nend"},
+        {"module M; end", "module M; end\nb {\n  c\n}\n"},
+        {"# the end", "# the end\nb {\n  c\n}\n"},
+        {"", "b {\n  c\n}\n"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(withWrittenEntry(block, row.before, "b {\n  c\n}"), row.after);
+    EXPECT_EQ(withWrittenEntry(underscores, "a\nend", "b"), "a\nend\nb\n");
 }
 
 TEST(ScriptNotation, EntriesAreWrittenAndFound) {

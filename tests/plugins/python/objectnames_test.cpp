@@ -1,50 +1,15 @@
 // Maps of object names that are Python modules, read by the real program.
 
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
-
-#include "interpreter/names/objectmaps.h"
-#include "platform/objectmodel/inspector.h"
-#include "platform/objectmodel/objectmap.h"
-#include "support/environmentguard.h"
-#include "support/files.h"
-#include "support/golden.h"
-#include "support/namedobject.h"
-#include "support/printqt.h"
+#include "support/scriptnames.h"
 
 namespace Tamrix {
 namespace {
 
 using namespace Test;
 
-class PythonObjectNames : public testing::Test {
+class PythonObjectNames : public ScriptNames {
 protected:
-    PythonObjectNames() { Inspector::self()->reset(); }
-    ~PythonObjectNames() override { ObjectMap::use(nullptr); }
-
-    /// Makes this text the map in use, as a file that nothing knows yet.
-    void use(const QByteArray& script) {
-        path = folder.filePath(QString("map%1/names.py").arg(++m_count));
-        EXPECT_TRUE(writeFile(path, script));
-        EXPECT_TRUE(useObjectMap(path));
-    }
-    QString realName(const QString& name) {
-        const Outcome<ObjectName> resolved = ObjectMap::self()->resolve(name);
-        return resolved ? resolved->qualifiedName() : resolved.error().text;
-    }
-    QString add(const QString& realName) {
-        const Outcome<QString> key =
-            ObjectMap::self()->add(SharedPtr<Object>(new NamedObject(realName)));
-        return key ? *key : key.error().text;
-    }
-
-    QTemporaryDir folder;
-    QString path;
-    const EnvironmentGuard prefix{"TAMRIX_PREFIX", TAMRIX_TEST_PREFIX};
-
-private:
-    int m_count = 0;
+    PythonObjectNames() : ScriptNames("py") {}
 };
 
 TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {
@@ -73,10 +38,7 @@ TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {
 }
 
 TEST_F(PythonObjectNames, FaultsNameFileAndLine) {
-    const struct {
-        const char* what;
-        QByteArray script;
-    } rows[] = {
+    const std::vector<FaultyScript> rows = {
         {"an exception", "import os\n\nraise ValueError('no names today')\n"},
         {"an exception deeper down", "def f():\n    return {}['x']\n\nf()\n"},
         {"a syntax error", "save = {'type': 'A',\nopen = {'type': 'B'}\n"},
@@ -91,15 +53,7 @@ TEST_F(PythonObjectNames, FaultsNameFileAndLine) {
          "spaced = {'a b': 1}\npattern = {'text~': '('}\n\nwhich = {'type': 'A', "
          "'occurrence': 0}\n"},
     };
-    QString text;
-    for (const auto& row : rows) {
-        use(row.script);
-        text += QStringLiteral("%1:\n%2\n\n")
-                    .arg(row.what, ObjectMap::self()->symbolicNames().error().text);
-    }
-    Normaliser normalised;
-    normalised.path(folder.path(), "<FOLDER>");
-    EXPECT_TRUE(compareWithGolden("python/objectnames.txt", normalised(text)));
+    EXPECT_TRUE(compareWithGolden("python/objectnames.txt", faults(rows)));
 }
 
 TEST_F(PythonObjectNames, NewNamesStandBehindWhatPeopleWrote) {

@@ -95,7 +95,7 @@ TEST_F(RubyFeatures, TellsErrorsPendingAndMissingSteps) {
     EXPECT_TRUE(runSteps("Given('later') { pending 'not yet' }\n", "    Given later\n")
                     .contains("not yet"));
     EXPECT_TRUE(runSteps("", "    Given 3 apples\n")
-                    .contains("Given(\"{int} apples\") do |context, int_1|\n  pending\nend"));
+                    .contains("Given('{int} apples') do |context, int_1|\n  pending\nend"));
     EXPECT_TRUE(runSteps("\n\nGiven('x'\n", "    Given x\n").contains("steps.rb:3: SyntaxError"));
     EXPECT_TRUE(runSteps("Given('{nothing}') { }\n", "    Given x\n").contains("steps.rb:1: "));
     EXPECT_TRUE(runSteps("Given(/x/x) { }\n", "    Given x\n")

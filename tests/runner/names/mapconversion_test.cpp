@@ -91,6 +91,7 @@ TEST_F(MapConversion, WhatCantBeReadIsNotWritten) {
     EXPECT_EQ(convert(raising, plain),
               "Objectmaptool error: " + raising + ", line 2: ValueError: x");
     const QString good = write("good.tsv", ":A\t{a='1'}\n");
+    const EnvironmentGuard nothingInstalled("TAMRIX_PREFIX", folder.path());
     EXPECT_TRUE(convert(good, folder.filePath("names.rb")).contains("names.rb' can't be used: "));
 }
 
