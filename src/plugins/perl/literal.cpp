@@ -8,11 +8,6 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-bool standsAsItIs(uint character, LiteralCharacters characters) {
-    return characters == LiteralCharacters::All ? QChar::isPrint(character)
-                                                : character >= ' ' && character <= '~';
-}
-
 QString inSingleQuotes(QString text) {
     text.replace('\\', QStringLiteral("\\\\")).replace('\'', QStringLiteral("\\'"));
     return '\'' + text + '\'';
@@ -31,16 +26,14 @@ QString escaped(uint character) {
     }
 }
 
-}  // namespace
-
-QString literal(const QString& text, LiteralCharacters characters) {
+template <typename StandsAsItIs>
+QString literalOf(const QString& text, StandsAsItIs standsAsItIs) {
     const std::vector<uint> codes = codePoints(text);
-    if (std::all_of(codes.begin(), codes.end(),
-                    [&](uint each) { return standsAsItIs(each, characters); }))
+    if (std::all_of(codes.begin(), codes.end(), standsAsItIs))
         return inSingleQuotes(text);
     QString inner;
     for (const uint each : codes) {
-        if (!standsAsItIs(each, characters)) {
+        if (!standsAsItIs(each)) {
             inner += escaped(each);
             continue;
         }
@@ -50,6 +43,16 @@ QString literal(const QString& text, LiteralCharacters characters) {
         inner += QString::fromUcs4(&each, 1);
     }
     return '"' + inner + '"';
+}
+
+}  // namespace
+
+QString literal(const QString& text) {
+    return literalOf(text, [](uint each) { return QChar::isPrint(each); });
+}
+
+QString asciiLiteral(const QString& text) {
+    return literalOf(text, [](uint each) { return each >= ' ' && each <= '~'; });
 }
 
 }  // namespace Tamrix::PerlPlugin

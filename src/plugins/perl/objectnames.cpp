@@ -17,67 +17,61 @@ namespace {
 constexpr const char* perlVariables[] = {"_",    "a",       "b",     "ENV",    "INC",
                                          "ARGV", "ARGVOUT", "STDIN", "STDOUT", "STDERR"};
 
-bool isPerlVariable(const QString& name) {
-    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_identifier.match(name).hasMatch() &&
+bool isWord(const QString& name) {
+    static const QRegularExpression s_word(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
+    return s_word.match(name).hasMatch();
+}
+
+bool isNameVariable(const QString& name) {
+    return isWord(name) &&
            std::none_of(std::begin(perlVariables), std::end(perlVariables),
                         [&](const char* own) { return name == QLatin1String(own); });
 }
 
-QString utf8Literal(const QString& text) {
-    return literal(text, LiteralCharacters::All);
-}
-
-QString asciiLiteral(const QString& text) {
-    return literal(text, LiteralCharacters::Ascii);
-}
-
-ScriptNotation notationWith(QString (*textLiteral)(const QString&)) {
-    return {
-        QStringLiteral("our $%1 = %2;"),
-        QStringLiteral("$%1"),
-        QStringLiteral("{"),
-        QStringLiteral(" => "),
-        QStringLiteral(", "),
-        QStringLiteral("}"),
-        QStringLiteral("# "),
-        QStringLiteral("# Names of objects, for scripts: require 'names.pl'\n"
-                       "package names;\nuse strict;\nuse utf8;\n"),
-        QStringLiteral("1;\n"),
-        ScriptNotation::Words::Underscores,
-        textLiteral,
-        isPerlVariable,
-    };
+/// In front of "=>".
+QString hashKey(const QString& name) {
+    return isWord(name) ? name : literal(name);
 }
 
 }  // namespace
 
-const ScriptNotation& PerlObjectMap::notation() const {
-    static const ScriptNotation s_utf8 = notationWith(utf8Literal);
-    static const ScriptNotation s_ascii = notationWith(asciiLiteral);
-    return m_isUtf8 ? s_utf8 : s_ascii;
-}
-
-QString PerlObjectMap::package() const {
-    return QFileInfo(path()).completeBaseName();
+PerlObjectMap::PerlObjectMap(const QString& path)
+    : GenericScriptedObjectMap(path, "pl"), m_package(QFileInfo(path).completeBaseName()) {
+    if (!isWord(m_package))
+        m_package = QStringLiteral("names");
+    m_notation.statement = QStringLiteral("our $%1 = %2;");
+    m_notation.reference = QStringLiteral("$%1");
+    m_notation.open = QStringLiteral("{");
+    m_notation.afterPropertyName = QStringLiteral(" => ");
+    m_notation.betweenProperties = QStringLiteral(", ");
+    m_notation.close = QStringLiteral("}");
+    m_notation.comment = QStringLiteral("# ");
+    m_notation.heading = QStringLiteral(
+                             "# Names of objects, for scripts: require '%1'\n"
+                             "package %2;\nuse strict;\nuse utf8;\n\n")
+                             .arg(QFileInfo(path).fileName(), m_package);
+    m_notation.ending = QStringLiteral("1;\n");
+    m_notation.literal = literal;
+    m_notation.isVariable = isNameVariable;
+    m_notation.propertyName = hashKey;
 }
 
 QString PerlObjectMap::scriptedNameKey(const ScriptedSymbolicName& name) const {
-    const QString start = '$' + package() + "::";
+    const QString start = '$' + m_package + "::";
     return name.text().startsWith(start) ? keyOfVariable(name.text().mid(start.size()))
                                          : GenericScriptedObjectMap::scriptedNameKey(name);
 }
 
 QString PerlObjectMap::toSymbolicName(const QString& key) const {
-    return '$' + package() + "::" + variableOfKey(key);
+    return '$' + m_package + "::" + variableOfKey(key);
 }
 
 ScriptArgument::Map PerlObjectMap::scriptVariables() {
     pTHX = CaseInterpreter::active()->perl();
     ScriptArgument::Map variables;
     // A file may leave its variables in the package where it begins.
-    for (const QString& name : {QStringLiteral("main"), QStringLiteral("names"), package()}) {
-        HV* const stash = gv_stashpv(name.toUtf8().constData(), 0);
+    for (const QString& package : {QStringLiteral("main"), m_package}) {
+        HV* const stash = gv_stashpv(package.toUtf8().constData(), 0);
         if (!stash)
             continue;
         for (const auto& [variable, glob] : entriesOf(aTHX_ stash)) {
@@ -91,10 +85,9 @@ ScriptArgument::Map PerlObjectMap::scriptVariables() {
 
 Outcome<QByteArray> PerlObjectMap::contentWith(const QByteArray& content, const QString& key,
                                                const ObjectName& name) {
-    m_isUtf8 = content.contains("use utf8");
-    Outcome<QByteArray> changed = GenericScriptedObjectMap::contentWith(content, key, name);
-    m_isUtf8 = true;
-    return changed;
+    // Otherwise scripts that require the file have its bytes for characters.
+    m_notation.literal = content.contains("use utf8") ? literal : asciiLiteral;
+    return GenericScriptedObjectMap::contentWith(content, key, name);
 }
 
 }  // namespace Tamrix::PerlPlugin

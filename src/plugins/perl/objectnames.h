@@ -7,9 +7,9 @@ namespace Tamrix::PerlPlugin {
 /// Object names that are variables of a package in Perl, as shared/scripts/names.pl.
 class PerlObjectMap final : public GenericScriptedObjectMap {
 public:
-    explicit PerlObjectMap(const QString& path) : GenericScriptedObjectMap(path, "pl") {}
+    explicit PerlObjectMap(const QString& path);
 
-    const ScriptNotation& notation() const override;
+    const ScriptNotation& notation() const override { return m_notation; }
     /// Also for "$names::save_button", which is how scripts write it.
     QString scriptedNameKey(const ScriptedSymbolicName& name) const override;
     QString toSymbolicName(const QString& key) const override;
@@ -20,11 +20,9 @@ protected:
                                     const ObjectName& name) override;
 
 private:
-    /// The package of the file's variables by its name: "names".
-    QString package() const;
-
-    /// Whether the file is read as characters by scripts, too.
-    bool m_isUtf8 = true;
+    /// Of the file's variables, by its name: "names".
+    QString m_package;
+    ScriptNotation m_notation;
 };
 
 }  // namespace Tamrix::PerlPlugin
