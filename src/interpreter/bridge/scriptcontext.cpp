@@ -139,7 +139,8 @@ int ScriptContext::tryCall(const QString& className, const QString& name) {
 }
 
 inline void ScriptContext::prepareCall() {
-    setError(s_noError, GeneralError);
+    // Every call passes here: without asking who else sets errors.
+    ScriptContext::setError(s_noError, GeneralError);
     clearError();
 }
 

@@ -1,6 +1,8 @@
 #include "interpreter/language/languagecontext.h"
 
+#include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
 
 namespace Tamrix {
@@ -32,6 +34,87 @@ void LanguageContext::setStackTraceResult(const std::vector<ScriptLocation>& tra
             inScripts.push_back(location);
     }
     ScriptContext::setStackTraceResult(inScripts);
+}
+
+SharedPtr<ScriptArgument> LanguageContext::createLocation(const ScriptLocation& location) {
+    return createMap({{QStringLiteral("fileName"), createString(location.fileName)},
+                      {QStringLiteral("line"), createInteger(location.line)}});
+}
+
+// Registration
+
+void LanguageContext::addGlobalFunction(const QString& name, Function function) {
+    ScriptContext::addGlobalFunction(name, function);
+    define(NativeFunction(*this, signatureOfTable({}, name), function));
+}
+
+void LanguageContext::addStaticMemberFunction(const QString& className, const QString& name,
+                                              Function function) {
+    ScriptContext::addStaticMemberFunction(className, name, function);
+    define(NativeFunction(*this, signatureOfTable(className, name), function));
+}
+
+void LanguageContext::addMemberFunction(const QString& className, const QString& name,
+                                        Function function) {
+    ScriptContext::addMemberFunction(className, name, function);
+    defineMember(NativeFunction(*this, signatureOfTable(className, name), function));
+}
+
+void LanguageContext::addConstant(const QString& name, int value) {
+    ScriptContext::addConstant(name, value);
+    const QString separator = QStringLiteral("::");
+    const bool isOwned = name.contains(separator);
+    defineConstant(isOwned ? name.section(separator, 0, 0) : QString(),
+                   isOwned ? name.section(separator, 1) : name, value);
+}
+
+void LanguageContext::define(const NativeFunction&) {}
+
+void LanguageContext::defineMember(const NativeFunction& function) {
+    const auto* const language = ScriptLanguageInformation::forLanguage(m_interpreter.language());
+    qWarning("%s has no class for the member functions of %s",
+             language ? language->name.toLocal8Bit().constData() : "The language",
+             function.signature().owner.toLocal8Bit().constData());
+}
+
+void LanguageContext::defineConstant(const QString&, const QString&, int) {}
+
+// The language's own judgement
+
+bool LanguageContext::evaluateFile(const QString& fileName, const std::function<void()>& run) {
+    // What a file registers that is loaded again takes the place of what it did before.
+    m_interpreter.steps().registry().forget(fileName);
+    const std::optional<ScriptError> raised = m_interpreter.attempt(run);
+    if (raised)
+        setError(placedText(*raised));
+    return !raised;
+}
+
+bool LanguageContext::attemptCondition(const std::function<bool()>& evaluate, QString* error) {
+    bool holds = false;
+    if (const auto raised = m_interpreter.attempt([&] { holds = evaluate(); }))
+        *error = raised->message;
+    return holds;
+}
+
+std::pair<QString, QString> LanguageContext::attemptException(const ScriptArgument& code,
+                                                              const ExceptionCode& actions) {
+    if (!code.isString() && !code.isCallable())
+        return {QString(), "Neither code as text nor a callable: " + code.toString()};
+    if (code.isString()) {
+        const QString slip = actions.slip(code.toString());
+        if (!slip.isEmpty())
+            return {QString(), "The code is not valid: " + slip};
+    }
+    const std::optional<ScriptError> raised = m_interpreter.attempt([&] {
+        if (code.isString())
+            actions.evaluate(code.toString());
+        else
+            actions.call();
+    });
+    if (raised)
+        return {"Raised " + raised->message, QString()};
+    return {QString(), QStringLiteral("No exception was raised")};
 }
 
 Gherkin::ScriptActions* LanguageContext::gherkinScriptActions(const QString& featureFile) {

@@ -68,6 +68,7 @@ void LanguageDebugger::stopForError(const QString& text, std::vector<ScriptFrame
     // A script that can't be compiled has no frame to stop in.
     if (frames.empty())
         return;
+    m_toldText = text;
     m_errorFrames = withForeignPlaces(std::move(frames));
     notify(QStringLiteral("ScriptError"), text);
     stop();

@@ -59,6 +59,20 @@ public:
     }
     bool stopsForErrors() const { return isInteractive() && debuggerMode() != None; }
 
+    /// Errors are caught by a native function as long as this exists.
+    class CatchesErrors {
+    public:
+        explicit CatchesErrors(LanguageDebugger& debugger) : m_debugger(debugger) {
+            ++m_debugger.m_catching;
+        }
+        ~CatchesErrors() { --m_debugger.m_catching; }
+        CatchesErrors(const CatchesErrors&) = delete;
+        CatchesErrors& operator=(const CatchesErrors&) = delete;
+
+    private:
+        LanguageDebugger& m_debugger;
+    };
+
     /// The frames at which the debugger looks, the innermost first: of an error that it has stopped
     /// for, else those that run.
     std::vector<ScriptFrame> frames();
@@ -66,6 +80,14 @@ public:
     /// Nothing will catch an error: tells its text and stops, in `frames`, the innermost first,
     /// which it has not left, or which it has left by now. Nothing happens without frames.
     void stopForError(const QString& text, std::vector<ScriptFrame> frames);
+
+    /// Whether the text tells of the error that was stopped for last, as that of an error does
+    /// which a native function has made of it.
+    bool hasTold(const QString& text) const {
+        return !m_toldText.isEmpty() && text.contains(m_toldText);
+    }
+    /// What comes is another error, whatever its text is.
+    void forgetTold() { m_toldText.clear(); }
 
     bool stop() override;
     bool stopWithObjectName(const QString& objectName, const QString& detail) override;
@@ -80,6 +102,8 @@ public:
 
 protected:
     void updateFrames() override;
+    /// While a CatchesErrors exists.
+    bool areErrorsCaught() const { return m_catching > 0; }
 
     // For the language.
     /// The frames that run code of scripts, the innermost first. Frames of the language's library
@@ -117,6 +141,8 @@ private:
 
     /// One in another when code that is evaluated at a stop stops.
     int m_standstills = 0;
+    int m_catching = 0;
+    QString m_toldText;
     /// Where the error was raised for which the debugger is stopped.
     std::optional<std::vector<ScriptFrame>> m_errorFrames;
 };

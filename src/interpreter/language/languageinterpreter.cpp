@@ -5,6 +5,7 @@
 
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languagedebugger.h"
+#include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
 #include "interpreter/objects/globalfunctions.h"
 #include "shared/resources/testresource.h"
@@ -21,6 +22,14 @@ LineInfo positionOf(const ScriptFrame& frame) {
 }
 
 }  // namespace
+
+QString placedText(const ScriptError& error, const LineInfo& otherwise) {
+    const LineInfo place = error.callStack.empty() ? otherwise : error.callStack.front();
+    if (!place.isValid() && place.fileName().isEmpty())
+        return error.message;
+    return QStringLiteral("%1:%2: %3")
+        .arg(place.fileName(), QString::number(place.lineNumber()), error.message);
+}
 
 LanguageInterpreter::LanguageInterpreter(RunnerInterface* runner, Language language)
     : Interpreter(runner), m_language(language), m_scriptThread(__builtin_thread_pointer()) {
@@ -84,8 +93,16 @@ void LanguageInterpreter::initTestFunctions(TestResult* result) {
 }
 
 void LanguageInterpreter::publishFunctionsOfApplication() {
-    m_knownModel = Inspector::self()->model();
+    m_knownModel = m_inspector->model();
     publishFunctions(globalFunctionNames(m_knownModel));
+}
+
+void LanguageInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                                            const QStringList& requiredParameters,
+                                            const QStringList& optionalParameters,
+                                            const QString& description) {
+    context().define(NativeFunction(
+        context(), {name, {}, requiredParameters, optionalParameters, description}, function));
 }
 
 // The script
@@ -207,6 +224,16 @@ bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& 
 }
 
 // The end of script code
+
+bool LanguageInterpreter::failWithPending(bool hasFile, bool* isPendingStep) {
+    // What it has printed stands in front of what a debugger tells.
+    m_output.flush();
+    errorUncaught();
+    const ScriptError error = takeError();
+    if (isPendingStep)
+        *isPendingStep = error.isPendingStep;
+    return failWith(error, hasFile);
+}
 
 bool LanguageInterpreter::succeed() {
     m_output.flush();

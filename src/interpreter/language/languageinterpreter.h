@@ -10,6 +10,7 @@
 #include "base/outcome.h"
 #include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptoutput.h"
 #include "platform/objectmodel/inspector.h"
 
@@ -17,6 +18,7 @@ namespace Tamrix {
 
 class LanguageContext;
 class LanguageDebugger;
+class NativeFunction;
 class StepActions;
 class StepLanguage;
 struct ScriptFrame;
@@ -33,7 +35,13 @@ struct ScriptError {
     bool isExit = false;
     /// It is the failure by which a skip ends the case.
     bool isSkip = false;
+    /// It tells of a step that is still to be written.
+    bool isPendingStep = false;
 };
+
+/// "FILE:LINE: MESSAGE", with the innermost line of the stack, or the other place without a stack;
+/// the message alone when that is invalid.
+TAMRIX_EXPORT QString placedText(const ScriptError& error, const LineInfo& otherwise = LineInfo());
 
 /// What the interpreters of all languages have alike: which one is active, how a script begins and
 /// ends, what is told of an error. A plug-in's interpreter derives from it, makes its context,
@@ -58,7 +66,7 @@ public:
     /// Makes the global functions of the current application known when it is another one than
     /// before. Each call of a native function asks, since any of them may have changed it.
     void noticeApplication() {
-        if (Inspector::self()->model() != m_knownModel)
+        if (m_inspector->model() != m_knownModel)
             publishFunctionsOfApplication();
     }
 
@@ -69,6 +77,25 @@ public:
     /// passes as ScriptErrorSet.
     CallEnd callBack(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
 
+    // What is pending in the runtime where ScriptErrorSet was thrown.
+    /// Whether scripts can catch it: no exit, no skip, no Ctrl-C, nothing else that ends the case.
+    virtual bool isErrorOrdinary() = 0;
+    /// Takes it, and tells a person of it.
+    virtual ScriptError takeError() = 0;
+    /// Runs `work`, which throws ScriptErrorSet for what code of the script raises. What was
+    /// raised; nothing when it came to its end. What ends the script passes.
+    template <typename Work>
+    std::optional<ScriptError> attempt(Work work) {
+        try {
+            work();
+            return std::nullopt;
+        } catch (const ScriptErrorSet&) {
+            if (!isErrorOrdinary())
+                throw;
+        }
+        return takeError();
+    }
+
     Language language() const final { return m_language; }
     ScriptContext* scriptContext() override;
     void initTestFunctions(TestResult* result) override;
@@ -78,6 +105,11 @@ public:
     bool callFunction(const QString& name, const ObjectList& arguments) override;
     bool invokeFunction(const QString& name) override;
     bool callLibraryFunction(const QString& name, const QStringList& arguments) override;
+    /// LanguageContext::define().
+    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
+                           const QStringList& requiredParameters,
+                           const QStringList& optionalParameters,
+                           const QString& description) override;
 
 protected:
     /// Registers all functions, last those of the application. Context and debugger are there. What
@@ -117,6 +149,38 @@ protected:
     /// Where a function is defined, for the error of a call that has come to no line.
     virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
 
+    /// Runs script code at the top level: `work` throws ScriptErrorSet for what was raised.
+    template <typename Work>
+    bool runCode(bool hasFile, Work work) {
+        try {
+            work();
+            return succeed();
+        } catch (const ScriptErrorSet&) {
+            return failWithPending(hasFile);
+        }
+    }
+    /// The same for a call of a function. What ends the script passes when `isCallback`.
+    template <typename Work>
+    CallEnd runCall(bool isCallback, Work work) {
+        try {
+            work();
+            succeed();
+            return CallEnd::Succeeded;
+        } catch (const ScriptErrorSet&) {
+            if (isCallback && !isErrorOrdinary())
+                throw;
+        }
+        bool isPendingStep = false;
+        if (failWithPending(true, &isPendingStep))
+            return CallEnd::Succeeded;
+        return isPendingStep ? CallEnd::Pending : CallEnd::Failed;
+    }
+    /// Nothing has caught what is pending, and its code has been left: a debugger may want to tell
+    /// of it. By default nobody does.
+    virtual void errorUncaught() {}
+    /// Script code was ended by what is pending; see failWith().
+    bool failWithPending(bool hasFile, bool* isPendingStep = nullptr);
+
     /// Script code has come to its end.
     bool succeed();
     /// Script code was ended: true for an exit, otherwise the error fields tell what happened.
@@ -134,6 +198,7 @@ private:
 
     Language m_language;
     void* m_scriptThread;
+    const Inspector* m_inspector = Inspector::self();
     ScriptOutput m_output;
     std::unique_ptr<StepLanguage> m_stepLanguage;
     std::unique_ptr<StepActions> m_steps;

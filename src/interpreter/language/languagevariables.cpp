@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/valuepath.h"
@@ -66,6 +67,29 @@ std::optional<LanguageVariables::Target> LanguageVariables::find(const QString& 
             return std::nullopt;
     }
     return target;
+}
+
+std::optional<ScriptFrame> LanguageVariables::codeFrame(int level) {
+    const std::vector<ScriptFrame> frames = m_debugger.frames();
+    const auto index = static_cast<std::size_t>(level);
+    return index < frames.size() && frames[index].isOfLanguage() ? std::optional(frames[index])
+                                                                 : std::nullopt;
+}
+
+LanguageVariables::Value LanguageVariables::memberNamed(const Value& value, const QString& name) {
+    // The elements of a list have numbers.
+    constexpr int largest = std::numeric_limits<int>::max();
+    bool isNumber = false;
+    const int number = name.toInt(&isNumber);
+    if (isNumber && number >= 0 && number < largest) {
+        const Members found = membersOf(value, number, 1);
+        if (!found.page.empty() && found.page.front().name == name)
+            return found.page.front().value;
+    }
+    const std::vector<Member> members = membersOf(value, 0, largest).page;
+    const auto member = std::find_if(members.begin(), members.end(),
+                                     [&name](const Member& each) { return each.name == name; });
+    return member != members.end() ? member->value : Value();
 }
 
 VariableWatcher::VariableBindings LanguageVariables::list(const Target& target) {

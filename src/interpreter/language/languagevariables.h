@@ -11,6 +11,7 @@
 namespace Tamrix {
 
 class LanguageDebugger;
+struct ScriptFrame;
 
 /// Lists the variables of a script that stands still. A language's own class derives from it and
 /// says what variables and members there are.
@@ -52,11 +53,14 @@ protected:
     /// At most `limit` members from the one numbered `first`, in their order.
     virtual Members membersOf(const Value& value, int first, int limit) = 0;
     virtual bool hasMembers(const Value& value) { return membersOf(value, 0, 1).count > 0; }
-    /// The member with the name as it stands in paths; null when there is none.
-    virtual Value memberNamed(const Value& value, const QString& name) = 0;
+    /// The member with the name as it stands in paths; null when there is none. By default it is
+    /// looked for among membersOf().
+    virtual Value memberNamed(const Value& value, const QString& name);
     virtual QString textOf(const Value& value) = 0;
 
     LanguageDebugger& debugger() { return m_debugger; }
+    /// One of the debugger's frames(); nothing for a frame of a feature file, and beyond the last.
+    std::optional<ScriptFrame> codeFrame(int level);
 
 private:
     /// What a path leads to.

@@ -64,22 +64,7 @@ const void* NativeFunction::address() const {
     return reinterpret_cast<const void*>(m_constructor);
 }
 
-SharedPtr<NativeScriptObject> NativeFunction::run(
-    ScriptContext& context, const SharedPtr<NativeScriptObject>& object) const {
-    switch (m_kind) {
-        case Kind::Table:
-            context.execute(m_table);
-            return {};
-        case Kind::Native:
-        case Kind::StaticAccessor:
-            context.execute(m_native);
-            return {};
-        case Kind::Method:
-            context.execute(m_method, object);
-            return {};
-        case Kind::Constructor:
-            break;
-    }
+SharedPtr<NativeScriptObject> NativeFunction::construct(ScriptContext& context) const {
     SharedPtr<NativeScriptObject> made = context.execute(m_constructor);
     if (context.hasError())
         return {};

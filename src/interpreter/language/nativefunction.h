@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <algorithm>
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
@@ -63,10 +64,27 @@ public:
     /// Runs it in the context, which has its arguments. `object` is that of a method. Gives what a
     /// constructor has made; null with the context's error set when that failed.
     SharedPtr<NativeScriptObject> run(ScriptContext& context,
-                                      const SharedPtr<NativeScriptObject>& object) const;
+                                      const SharedPtr<NativeScriptObject>& object) const {
+        switch (m_kind) {
+            case Kind::Table:
+                context.execute(m_table);
+                return {};
+            case Kind::Native:
+            case Kind::StaticAccessor:
+                context.execute(m_native);
+                return {};
+            case Kind::Method:
+                context.execute(m_method, object);
+                return {};
+            case Kind::Constructor:
+                break;
+        }
+        return construct(context);
+    }
 
 private:
     NativeFunction(const ScriptContext& context, NativeSignature signature, Kind kind);
+    SharedPtr<NativeScriptObject> construct(ScriptContext& context) const;
 
     Kind m_kind;
     union {
@@ -79,6 +97,18 @@ private:
     QString m_displayName;
     Parameters m_parameters;
 };
+
+/// Whether each of `count` arguments that a script gave without names stands at its place: none is
+/// left out by the language's null, which `isNull` knows by the place.
+template <typename IsNull>
+bool areInPlace(const Parameters& parameters, int count, IsNull isNull) {
+    const int end = std::min(count, static_cast<int>(parameters.names.size()));
+    for (int index = parameters.requiredCount; index < end; ++index) {
+        if (isNull(index))
+            return false;
+    }
+    return true;
+}
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments
 /// in the order of the parameters, what the script has printed in front of what the call writes,

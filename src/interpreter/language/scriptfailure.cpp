@@ -47,6 +47,10 @@ ScriptFailure failureOf(const ObjectError& error) {
     return {kindOf(error.kind), error.text, false, {}};
 }
 
+ScriptFailure badArgument(const QString& text) {
+    return {Kind::BadArgument, text, false, {}};
+}
+
 ScriptFailure thrownIn(const QString& function, const QString& text) {
     return {Kind::General, QStringLiteral("%1() failed: %2").arg(function, text), false, {}};
 }

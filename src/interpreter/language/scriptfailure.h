@@ -41,6 +41,8 @@ using ScriptResult = tl::expected<SharedPtr<ScriptArgument>, ScriptFailure>;
 /// The error that is set in the context.
 TAMRIX_EXPORT ScriptFailure failureOf(const ScriptContext& context);
 TAMRIX_EXPORT ScriptFailure failureOf(const ObjectError& error);
+/// Of the number, names or types of arguments.
+TAMRIX_EXPORT ScriptFailure badArgument(const QString& text);
 /// `function` threw an exception with this text.
 TAMRIX_EXPORT ScriptFailure thrownIn(const QString& function, const QString& text);
 /// `function` was called by another thread than the script's, or while no case runs.

@@ -115,12 +115,7 @@ QString StepFiles::loadFile(const QString& path) {
             .arg(path, QString::number(content->faultyLine));
     const StepsOverLoading stepsOver(m_interpreter.languageDebugger());
     const std::optional<ScriptError> error = m_language.loadFile(path, content->text);
-    if (!error)
-        return {};
-    const LineInfo position =
-        error->callStack.empty() ? LineInfo(path, 0) : error->callStack.front();
-    return QStringLiteral("%1:%2: %3")
-        .arg(position.fileName(), QString::number(position.lineNumber()), error->message);
+    return error ? placedText(*error, LineInfo(path, 0)) : QString();
 }
 
 }  // namespace Tamrix

@@ -451,6 +451,14 @@ Outcome<QString> JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame,
 
 // Errors
 
+bool JavaScriptInterpreter::isErrorOrdinary() {
+    return !isEndOfScript();
+}
+
+ScriptError JavaScriptInterpreter::takeError() {
+    return takeScriptError();
+}
+
 void JavaScriptInterpreter::noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
     if (failure.isSkip)
         m_skip = error;

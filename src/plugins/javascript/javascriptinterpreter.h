@@ -63,6 +63,8 @@ public:
     QString syntaxError(const QString& text);
 
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    bool isErrorOrdinary() override;
+    ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
                            const QStringList& requiredParameters,

@@ -215,6 +215,17 @@ std::optional<ScriptError> CaseInterpreter::loadText(const QString& text, const 
     return m_errors.take(aTHX_ end.value);
 }
 
+bool CaseInterpreter::isErrorOrdinary() {
+    return pendingEnding() == Ending::Died;
+}
+
+ScriptError CaseInterpreter::takeError() {
+    pTHX = perl();
+    const CodeEnd end = takePendingEnd();
+    return end.ending == Ending::Died ? m_errors.take(aTHX_ end.value)
+                                      : ScriptErrors::ofDeparture(aTHX);
+}
+
 bool CaseInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
     m_runtime.enter();

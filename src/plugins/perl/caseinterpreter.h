@@ -57,6 +57,8 @@ public:
     /// Runs the text of a file at the top level, as one of steps.
     std::optional<ScriptError> loadText(const QString& text, const QString& fileName);
 
+    bool isErrorOrdinary() override;
+    ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
                            const QStringList& requiredParameters,

@@ -131,8 +131,16 @@ void throwEnd(CodeEnd end) {
     throw ScriptErrorSet();
 }
 
+Ending pendingEnding() {
+    return pendingEnd().ending;
+}
+
+CodeEnd takePendingEnd() {
+    return std::exchange(pendingEnd(), CodeEnd());
+}
+
 NativeEnd endOfCall(pTHX) {
-    CodeEnd end = std::exchange(pendingEnd(), CodeEnd());
+    CodeEnd end = takePendingEnd();
     return end.ending == Ending::Died ? dying(aTHX_ std::move(end.value)) : leaving();
 }
 

@@ -44,8 +44,11 @@ struct NativeEnd {
     /// The result or the exception; a mortal.
     SV* value;
 };
-/// The end that throwEnd() has kept.
+/// The end that throwEnd() has kept: for the function that Perl has called, or for whom it ends
+/// here.
 NativeEnd endOfCall(pTHX);
+CodeEnd takePendingEnd();
+Ending pendingEnding();
 NativeEnd returning(pTHX_ SvRef value);
 NativeEnd dying(pTHX_ SvRef exception);
 NativeEnd leaving();

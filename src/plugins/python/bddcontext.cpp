@@ -21,7 +21,7 @@ StepScopes* scopes() {
 PyRef allNames(const StepScopes& known) {
     PyRef names = checked(PyDict_New());
     for (const auto& [name, value] : known.all())
-        checked(PyDict_SetItem(names.get(), checked(toPyString(name).release()).get(),
+        checked(PyDict_SetItem(names.get(), checkedReference(toPyString(name)).get(),
                                pythonValue(value).get()));
     return names;
 }

@@ -63,7 +63,7 @@ PyRef runCode(PyObject* code, PyObject* globals, PyObject* locals) {
 /// Runs statements one after another, so that functions in a later one see what an earlier one has
 /// assigned. False with the error indicator set when one failed.
 bool runStatements(const QString& text, PyObject* globals, PyObject* locals) {
-    const PyRef file = checked(toPyString(fileName).release());
+    const PyRef file = checkedReference(toPyString(fileName));
     const PyRef ast = checked(PyImport_ImportModule("ast"));
     const PyRef globalType = checked(PyObject_GetAttrString(ast.get(), "Global"));
     const PyRef compile = PyRef::borrow(PyDict_GetItemString(PyEval_GetBuiltins(), "compile"));

@@ -60,12 +60,11 @@ bool addGlobalFunctionType(PyObject* module) {
 }
 
 void publishGlobalFunction(PythonInterpreter& interpreter, const QString& name) {
-    const PyRef key = checked(toPyString(pythonName(name)).release());
+    const PyRef key = checkedReference(toPyString(pythonName(name)));
     const int defined = PyDict_Contains(PyEval_GetBuiltins(), key.get());
     checked(defined);
     if (defined == 0)
-        interpreter.defineGlobal(
-            name, GlobalFunctionHolder::wrap(SharedPtr<GlobalFunction>(new GlobalFunction(name))));
+        interpreter.defineIn(QString(), name, GlobalFunctionHolder::wrap(new GlobalFunction(name)));
 }
 
 }  // namespace Tamrix::PythonPlugin

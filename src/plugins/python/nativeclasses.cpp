@@ -1,9 +1,9 @@
 #include "plugins/python/nativeclasses.h"
 
-#include <QMap>
 #include <algorithm>
 
 #include "interpreter/generic/imageobjects.h"
+#include "interpreter/language/nativeclasses.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/imageclass.h"
 #include "plugins/python/nativefunction.h"
@@ -12,21 +12,16 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-struct NativeClass {
-    void* super = nullptr;
-    PyRef pythonClass;
-};
-
-/// By type identifier. The classes live for the process: their objects may outlive a test case.
-QMap<void*, NativeClass>& classes() {
-    static auto* const s_instance = new QMap<void*, NativeClass>;
+/// The classes live for the process: their objects may outlive a test case.
+NativeClasses<PyRef>& classes() {
+    static auto* const s_instance = new NativeClasses<PyRef>;
     return *s_instance;
 }
 
 void setItem(const PyRef& dictionary, const QString& name, const PyRef& value) {
     if (!value)
         throw PythonErrorSet();
-    const PyRef key = checked(toPyString(pythonName(name)).release());
+    const PyRef key = checkedReference(toPyString(pythonName(name)));
     checked(PyDict_SetItem(dictionary.get(), key.get(), value.get()));
 }
 
@@ -37,18 +32,29 @@ PyRef makeProperty(const PyRef& getter, const PyRef& setter) {
                                                 nullptr));
 }
 
-/// A descriptor through which a builtin function becomes a method.
-PyRef bound(const PyRef& function) {
-    return checked(PyInstanceMethod_New(function.get()));
+/// What a class, or for a static property its class, has under the member's name.
+PyRef attributeOf(const NativeMember& member) {
+    const PyRef function = checkedReference(makeFunction(member.function));
+    switch (member.kind) {
+        case NativeMember::Kind::Method:
+            // A descriptor through which a builtin function becomes a method.
+            return checked(PyInstanceMethod_New(function.get()));
+        case NativeMember::Kind::StaticMethod:
+            break;
+        case NativeMember::Kind::Property:
+        case NativeMember::Kind::StaticProperty:
+            return makeProperty(
+                function, member.setter ? checkedReference(makeFunction(*member.setter)) : PyRef());
+    }
+    return function;
 }
 
 /// Setting an attribute of a class object. The classes that the test system defines itself take
 /// nothing but their properties: a slip in a name is no new attribute.
 int setClassAttribute(PyObject* pythonClass, PyObject* name, PyObject* value) {
-    const auto all = classes();
-    const bool isOwn = std::any_of(all.cbegin(), all.cend(), [&](const NativeClass& entry) {
-        return entry.pythonClass.get() == pythonClass;
-    });
+    const QHash<void*, PyRef>& all = classes().all();
+    const bool isOwn = std::any_of(all.cbegin(), all.cend(),
+                                   [&](const PyRef& each) { return each.get() == pythonClass; });
     if (isOwn && !PyObject_HasAttr(reinterpret_cast<PyObject*>(Py_TYPE(pythonClass)), name)) {
         PyErr_Format(PyExc_AttributeError, "%s has no property '%U'",
                      reinterpret_cast<PyTypeObject*>(pythonClass)->tp_name, name);
@@ -69,74 +75,27 @@ PyObject* baseMetaclass() {
     return s_metaclass;
 }
 
-/// The class's attributes: constructor, methods, static methods, properties.
-PyRef classNamespace(const ScriptContext& context, const QString& name,
-                     const NativeScriptType& type) {
+/// The attributes of the class or, with `isOfMetaclass`, of its class, which has static properties.
+PyRef classNamespace(const std::vector<NativeMember>& members, bool isOfMetaclass) {
     const PyRef attributes = checked(PyDict_New());
     setItem(attributes, "__module__", toPyString("tamrix"));
-    // Objects of the class have its properties and no others.
-    setItem(attributes, "__slots__", PyRef::steal(PyTuple_New(0)));
-    setItem(attributes, "__new__",
-            makeFunction({context, {name, {}, {}, {}, {}}, type.constructor()}));
-    const auto methods = type.methods();
-    for (auto it = methods.cbegin(); it != methods.cend(); ++it)
-        setItem(attributes, it.key(),
-                bound(makeFunction({context,
-                                    {it.key(), name, it->requiredParameters, it->optionalParameters,
-                                     it->description},
-                                    it->function})));
-    const auto staticMethods = type.staticMethods();
-    for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
-        setItem(attributes, it.key(),
-                makeFunction({context,
-                              {it.key(), name, it->requiredParameters, it->optionalParameters,
-                               it->description},
-                              it->function}));
-    const auto properties = type.properties();
-    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        setItem(
-            attributes, it.key(),
-            makeProperty(makeFunction({context, signature, it->getter}),
-                         it->setter ? makeFunction({context, signature, it->setter}) : PyRef()));
+    for (const NativeMember& member : members) {
+        if ((member.kind == NativeMember::Kind::StaticProperty) == isOfMetaclass)
+            setItem(attributes, member.name, attributeOf(member));
     }
     return attributes;
 }
 
-/// The class of the class: static properties are properties of the class object.
-PyRef makeMetaclass(const ScriptContext& context, const QString& name, const NativeScriptType& type,
-                    PyTypeObject* base) {
-    const PyRef attributes = checked(PyDict_New());
-    setItem(attributes, "__module__", toPyString("tamrix"));
-    const auto properties = type.staticProperties();
-    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        const auto accessor = [&](NativeScriptType::StaticFunction function) {
-            return makeFunction(
-                {context, signature, function, NativeFunction::Kind::StaticAccessor});
-        };
-        setItem(attributes, it.key(),
-                makeProperty(accessor(it->getter), it->setter ? accessor(it->setter) : PyRef()));
-    }
-    const PyRef metaName = checked(toPyString(name + "Type").release());
-    const PyRef metaBase = checked(
-        PyRef::borrow(base == &PyType_Type ? baseMetaclass() : reinterpret_cast<PyObject*>(base))
-            .release());
-    return checked(PyObject_CallFunction(reinterpret_cast<PyObject*>(&PyType_Type), "O(O)O",
-                                         metaName.get(), metaBase.get(), attributes.get()));
+/// A class from name, base and attributes, of the class that is given.
+PyRef makeClass(PyObject* metaclass, const QString& name, PyObject* base, const PyRef& attributes) {
+    const PyRef text = checkedReference(toPyString(name));
+    return checked(PyObject_CallFunction(metaclass, "O(O)O", text.get(), base, attributes.get()));
 }
 
 /// The Python class of the type, or of the next base type that has one.
 PyTypeObject* pythonClassOf(void* typeId) {
-    while (typeId) {
-        const auto found = classes().constFind(typeId);
-        if (found == classes().constEnd())
-            break;
-        if (found->pythonClass)
-            return reinterpret_cast<PyTypeObject*>(found->pythonClass.get());
-        typeId = found->super;
-    }
-    return NativeHolder::s_type;
+    const PyRef* const made = classes().find(typeId);
+    return made ? reinterpret_cast<PyTypeObject*>(made->get()) : NativeHolder::s_type;
 }
 
 /// What the Python class of the type derives from; borrowed. Null with the error indicator set.
@@ -159,17 +118,22 @@ bool addNativeBase(PyObject* module) {
 PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* typeId,
                       const NativeScriptType& type) {
     try {
-        NativeClass& entry = classes()[typeId];
-        entry.super = type.super();
         auto* const base = reinterpret_cast<PyObject*>(baseOf(typeId, type));
         if (!base)
             return {};
-        const PyRef metaclass = makeMetaclass(context, name, type, Py_TYPE(base));
-        const PyRef attributes = classNamespace(context, name, type);
-        const PyRef pyName = checked(toPyString(name).release());
-        entry.pythonClass = checked(
-            PyObject_CallFunction(metaclass.get(), "O(O)O", pyName.get(), base, attributes.get()));
-        return entry.pythonClass;
+        const std::vector<NativeMember> members = nativeMembers(context, name, type);
+        auto* const ordinaryClass = reinterpret_cast<PyObject*>(&PyType_Type);
+        auto* const metaBase = reinterpret_cast<PyObject*>(Py_TYPE(base));
+        const PyRef metaclass = makeClass(ordinaryClass, name + "Type",
+                                          metaBase == ordinaryClass ? baseMetaclass() : metaBase,
+                                          classNamespace(members, true));
+        const PyRef attributes = classNamespace(members, false);
+        // Objects of the class have its properties and no others.
+        setItem(attributes, "__slots__", PyRef::steal(PyTuple_New(0)));
+        setItem(attributes, "__new__", makeFunction(nativeConstructor(context, name, type)));
+        PyRef made = makeClass(metaclass.get(), name, base, attributes);
+        classes().add(typeId, type.super(), made);
+        return made;
     } catch (const PythonErrorSet&) {
         return {};
     }
@@ -178,12 +142,6 @@ PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* t
 PyRef wrapNative(SharedPtr<NativeScriptObject> object) {
     PyTypeObject* const type = object ? pythonClassOf(object->typeId()) : NativeHolder::s_type;
     return NativeHolder::wrap(std::move(object), type);
-}
-
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted) {
-    while (typeId && typeId != wanted)
-        typeId = classes().value(typeId).super;
-    return typeId && typeId == wanted;
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -23,7 +23,4 @@ PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* t
 /// class that has one.
 PyRef wrapNative(SharedPtr<NativeScriptObject> object);
 
-/// Whether the type is the wanted one or derives from it.
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted);
-
 }  // namespace Tamrix::PythonPlugin

@@ -37,6 +37,7 @@ struct TargetObject {
 /// Arguments as the script wrote them: `count` without a name, then those of the names.
 CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
     CallArguments given;
+    given.positional.reserve(static_cast<std::size_t>(count));
     for (Py_ssize_t index = 0; index < count; ++index)
         given.positional.push_back(new PythonArgument(PyRef::borrow(arguments[index])));
     for (Py_ssize_t index = 0; names && index < PyTuple_GET_SIZE(names); ++index)
@@ -45,23 +46,12 @@ CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObj
     return given;
 }
 
-/// Whether an argument that may be left out is None.
-bool leavesOut(const Target& target, PyObject* const* arguments, Py_ssize_t count) {
-    const Parameters& parameters = target.function.parameters();
-    const Py_ssize_t end = std::min<Py_ssize_t>(count, parameters.names.size());
-    for (Py_ssize_t index = parameters.requiredCount; index < end; ++index) {
-        if (arguments[index] == Py_None)
-            return true;
-    }
-    return false;
-}
-
 // The call
 
 /// Runs the native function in the context, which has its arguments. `first` is the object or class
 /// of the kinds that have one.
 template <Kind kind>
-PyObject* run(const Target& target, PythonInterpreter& interpreter, PythonContext::Call& call,
+PyObject* run(const Target& target, PythonInterpreter& interpreter, LanguageContext::Call& call,
               PyObject* first) {
     SharedPtr<NativeScriptObject> object;
     if constexpr (kind == Kind::Method)
@@ -124,10 +114,13 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
         first = *arguments++;
         --count;
     }
-    PythonContext& context = interpreter.context();
+    LanguageContext& context = interpreter.context();
     try {
-        if (!names && !leavesOut(target, arguments, count)) {
-            PythonContext::Call call(context, arguments, count);
+        if (!names && areInPlace(target.function.parameters(), static_cast<int>(count),
+                                 [=](int index) { return arguments[index] == Py_None; })) {
+            LanguageContext::DirectCall<PythonArgument> call(context);
+            for (Py_ssize_t index = 0; index < count; ++index)
+                call.add(PyRef::borrow(arguments[index]));
             return run<kind>(target, interpreter, call, first);
         }
         Outcome<ScriptArgument::List> bound =
@@ -137,7 +130,7 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
             PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
             return nullptr;
         }
-        PythonContext::Call call(context, std::move(*bound), names != nullptr);
+        LanguageContext::Call call(context, std::move(*bound), names != nullptr);
         return run<kind>(target, interpreter, call, first);
     } catch (const PythonErrorSet&) {
         return nullptr;

@@ -1,10 +1,10 @@
 #include "plugins/python/objectnames.h"
 
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <algorithm>
 
 #include "base/utf8file.h"
+#include "interpreter/language/literals.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythoninterpreter.h"
@@ -36,39 +36,12 @@ constexpr const char* pythonWords[] = {
     "yield",       "zip"};
 
 QString pythonLiteral(const QString& text) {
-    QString literal;
-    for (const QChar character : text) {
-        switch (character.unicode()) {
-            case '"':
-            case '\\':
-                literal += QLatin1Char('\\');
-                literal += character;
-                break;
-            case '\n':
-                literal += QLatin1String("\\n");
-                break;
-            case '\r':
-                literal += QLatin1String("\\r");
-                break;
-            case '\t':
-                literal += QLatin1String("\\t");
-                break;
-            default:
-                // Control characters, and half characters that no file could hold.
-                if (character.isPrint() || character.isSurrogate())
-                    literal += character;
-                else
-                    literal +=
-                        QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-        }
-    }
-    return '"' + literal + '"';
+    return literalOf(text);
 }
 
 bool isPythonVariable(const QString& name) {
-    static const QRegularExpression s_identifier(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
     const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return s_identifier.match(name).hasMatch() &&
+    return isPlainIdentifier(name) &&
            std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
 }
 

@@ -53,6 +53,11 @@ inline PyRef checked(PyObject* newReference) {
     return PyRef::steal(newReference);
 }
 
+/// The same for one that is a reference already.
+inline PyRef checkedReference(PyRef reference) {
+    return checked(reference.release());
+}
+
 inline void checked(int status) {
     if (status < 0)
         throw PythonErrorSet();

@@ -2,13 +2,9 @@
 
 #include <cmath>
 
-#include "platform/objectmodel/inspector.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/nativeclasses.h"
-#include "plugins/python/objecttype.h"
 #include "plugins/python/pythoninterpreter.h"
-#include "plugins/python/scripterror.h"
-#include "plugins/python/valuetypes.h"
+#include "plugins/python/scriptcall.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -70,14 +66,6 @@ bool PythonArgument::isString() const {
     return PyUnicode_Check(object());
 }
 
-bool PythonArgument::isObject() const {
-    return ObjectHolder::check(object());
-}
-
-bool PythonArgument::isClass() const {
-    return toClass() != nullptr;
-}
-
 bool PythonArgument::isCallable() const {
     return PyCallable_Check(object());
 }
@@ -88,10 +76,6 @@ bool PythonArgument::isList() const {
 
 bool PythonArgument::isMap() const {
     return PyDict_Check(object());
-}
-
-bool PythonArgument::isNative(void* typeId) const {
-    return bool(toNative(typeId));
 }
 
 // Conversions
@@ -127,14 +111,6 @@ QString PythonArgument::toString() const {
     return textOf(object());
 }
 
-SharedPtr<Object> PythonArgument::toObject() const {
-    return ObjectHolder::unwrap(object());
-}
-
-const Class* PythonArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
-}
-
 ScriptArgument::List PythonArgument::toList() const {
     List values;
     if (!isList())
@@ -161,58 +137,24 @@ ScriptArgument::Map PythonArgument::toMap() const {
     return values;
 }
 
-SharedPtr<NativeScriptObject> PythonArgument::toNative(void* typeId) const {
-    const SharedPtr<NativeScriptObject> native = NativeHolder::unwrap(object());
-    if (native && isNativeTypeDerivedFrom(native->typeId(), typeId))
-        return native;
-    return {};
+std::optional<QByteArray> PythonArgument::bytes() const {
+    if (!PyBytes_Check(object()))
+        return {};
+    return QByteArray(PyBytes_AS_STRING(object()), static_cast<int>(PyBytes_GET_SIZE(object())));
 }
 
-SharedPtr<TestDataSet> PythonArgument::toTestDataSet() const {
-    return DataSetHolder::unwrap(object());
-}
-
-SharedPtr<ApplicationContext> PythonArgument::toApplicationContext() const {
-    return ApplicationContextHolder::unwrap(object());
-}
-
-const TestDataRecord* PythonArgument::toTestDataRecord() const {
-    return unwrapRecord(object());
-}
-
-std::optional<QVariant> PythonArgument::toVariant() const {
-    if (isNull())
-        return QVariant();
-    if (PyBytes_Check(object()))
-        return QByteArray(PyBytes_AS_STRING(object()),
-                          static_cast<int>(PyBytes_GET_SIZE(object())));
-    const QDateTime time = fromPyDateTime(object());
-    if (time.isValid())
-        return time;
-    return ScriptArgument::toVariant();
+QDateTime PythonArgument::time() const {
+    return fromPyDateTime(object());
 }
 
 // Callables
 
-SharedPtr<ScriptArgument> PythonArgument::call(const List& arguments, QString* error) {
-    const PyRef tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(arguments.size())));
-    for (std::size_t index = 0; index < arguments.size(); ++index) {
-        const auto* argument = static_cast<const PythonArgument*>(arguments[index].get());
-        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
-                         Py_NewRef(argument->object()));
-    }
-    PyRef result = PyRef::steal(PyObject_Call(object(), tuple.get(), nullptr));
-    if (result)
-        return new PythonArgument(std::move(result));
-    // An exception that ends the script is not the caller's to report.
-    if (!isOrdinaryError())
-        throw PythonErrorSet();
-    PythonInterpreter* const interpreter = PythonInterpreter::active();
-    const PythonError raised = takeScriptError(interpreter ? &interpreter->files() : nullptr);
-    if (interpreter)
-        interpreter->setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+SharedPtr<ScriptArgument> PythonArgument::called(const List& arguments) const {
+    return new PythonArgument(callObject(object(), {arguments, {}}));
+}
+
+LanguageInterpreter* PythonArgument::active() {
+    return PythonInterpreter::active();
 }
 
 QString PythonArgument::callableIdentifier() const {

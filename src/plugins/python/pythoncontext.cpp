@@ -1,6 +1,5 @@
 #include "plugins/python/pythoncontext.h"
 
-#include "interpreter/language/stepactions.h"
 #include "plugins/python/conditionsource.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/nativeclasses.h"
@@ -21,6 +20,12 @@ PyObject* objectOf(const SharedPtr<ScriptArgument>& value) {
 
 SharedPtr<ScriptArgument> argumentOf(PyRef object) {
     return new PythonArgument(std::move(object));
+}
+
+bool isTruth(const PyRef& value) {
+    const int truth = PyObject_IsTrue(value.get());
+    checked(truth);
+    return truth == 1;
 }
 
 /// Where code that was handed over as text is evaluated: in the calling script frame. Locals are
@@ -63,10 +68,6 @@ SharedPtr<ScriptArgument> PythonContext::createBool(bool value) {
     return argumentOf(PyRef::borrow(value ? Py_True : Py_False));
 }
 
-SharedPtr<ScriptArgument> PythonContext::createInteger(int value) {
-    return argumentOf(PyRef::steal(PyLong_FromLong(value)));
-}
-
 SharedPtr<ScriptArgument> PythonContext::createInt64(long long value) {
     return argumentOf(PyRef::steal(PyLong_FromLongLong(value)));
 }
@@ -100,7 +101,7 @@ SharedPtr<ScriptArgument> PythonContext::createMap(
     const std::map<QString, SharedPtr<ScriptArgument>>& values) {
     PyRef dictionary = checked(PyDict_New());
     for (const auto& [name, value] : values) {
-        const PyRef key = checked(toPyString(name).release());
+        const PyRef key = checkedReference(toPyString(name));
         checked(PyDict_SetItem(dictionary.get(), key.get(), objectOf(value)));
     }
     return argumentOf(std::move(dictionary));
@@ -126,36 +127,28 @@ SharedPtr<ScriptArgument> PythonContext::createLocation(const ScriptLocation& lo
     return argumentOf(wrapLocation(location));
 }
 
-// Registration: each entry of the tables becomes a Python name too.
+// Registration
 
-void PythonContext::addGlobalFunction(const QString& name, Function function) {
-    ScriptContext::addGlobalFunction(name, function);
-    m_interpreter.defineGlobal(name, makeFunction({*this, signatureOfTable({}, name), function}));
+void PythonContext::define(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    m_interpreter.defineIn(signature.owner, signature.name, makeFunction(function));
 }
 
-void PythonContext::addStaticMemberFunction(const QString& className, const QString& name,
-                                            Function function) {
-    ScriptContext::addStaticMemberFunction(className, name, function);
-    m_interpreter.defineInNamespace(
-        className, name, makeFunction({*this, signatureOfTable(className, name), function}));
+void PythonContext::defineMember(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    if (signature.owner != QLatin1String("ApplicationContext")) {
+        LanguageContext::defineMember(function);
+        return;
+    }
+    const PyRef method =
+        checked(PyInstanceMethod_New(checkedReference(makeFunction(function)).get()));
+    const PyRef name = checkedReference(toPyString(pythonName(signature.name)));
+    checked(PyObject_SetAttr(reinterpret_cast<PyObject*>(ApplicationContextHolder::s_type),
+                             name.get(), method.get()));
 }
 
-void PythonContext::addMemberFunction(const QString& className, const QString& name,
-                                      Function function) {
-    ScriptContext::addMemberFunction(className, name, function);
-    m_interpreter.defineMember(className, name,
-                               makeFunction({*this, signatureOfTable(className, name), function}));
-}
-
-void PythonContext::addConstant(const QString& name, int value) {
-    ScriptContext::addConstant(name, value);
-    const PyRef number = checked(PyLong_FromLong(value));
-    const QString separator = QStringLiteral("::");
-    if (name.contains(separator))
-        m_interpreter.defineInNamespace(name.section(separator, 0, 0), name.section(separator, 1),
-                                        number);
-    else
-        m_interpreter.defineGlobal(name, number);
+void PythonContext::defineConstant(const QString& owner, const QString& name, int value) {
+    m_interpreter.defineIn(owner, name, checked(PyLong_FromLong(value)));
 }
 
 // Positions
@@ -173,10 +166,6 @@ bool PythonContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const
 
 // The language's own judgement
 
-bool PythonContext::isTrue(SharedPtr<ScriptArgument> value) {
-    return value->toBool();
-}
-
 QString PythonContext::scriptName(const QString& name) const {
     return pythonName(name);
 }
@@ -186,76 +175,46 @@ QString PythonContext::explainArgument(const char* parameter) {
 }
 
 bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) {
-    const PyRef equal = checked(PyObject_RichCompare(objectOf(left), objectOf(right), Py_EQ));
-    const int truth = PyObject_IsTrue(equal.get());
-    checked(truth);
-    return truth == 1;
+    return isTruth(checked(PyObject_RichCompare(objectOf(left), objectOf(right), Py_EQ)));
 }
 
 std::pair<QString, QString> PythonContext::evaluateForException(SharedPtr<ScriptArgument> code) {
     const PythonDebugger::CatchesErrors catching(m_interpreter.debugger());
-    PyRef result;
-    if (code->isString()) {
-        const PyRef compiled =
-            m_interpreter.compile(code->toString(), "<test.exception>", Py_file_input);
-        // A slip in the code is not the exception that the test is about.
-        if (!compiled) {
-            if (!isOrdinaryError())
-                throw PythonErrorSet();
-            return {QString(), "The code is not valid: " + takeScriptError().message};
-        }
-        const Namespaces names = callingNamespaces(m_interpreter);
-        result =
-            PyRef::steal(PyEval_EvalCode(compiled.get(), names.globals.get(), names.locals.get()));
-    } else if (code->isCallable()) {
-        result = PyRef::steal(PyObject_CallNoArgs(objectOf(code)));
-    } else {
-        return {QString(), "Neither code as text nor a callable: " + code->toString()};
-    }
-    if (result)
-        return {QString(), QStringLiteral("No exception was raised")};
-    if (!isOrdinaryError())
-        throw PythonErrorSet();
-    return {"Raised " + takeScriptError().message, QString()};
+    PyRef compiled;
+    return attemptException(
+        *code,
+        {[&](const QString& text) {
+             compiled = m_interpreter.compile(text, "<test.exception>", Py_file_input);
+             if (!compiled && !isOrdinaryError())
+                 throw PythonErrorSet();
+             return compiled ? QString() : takeScriptError().message;
+         },
+         [&](const QString&) {
+             const Namespaces names = callingNamespaces(m_interpreter);
+             checked(PyEval_EvalCode(compiled.get(), names.globals.get(), names.locals.get()));
+         },
+         [&] { checked(PyObject_CallNoArgs(objectOf(code))); }});
 }
 
 bool PythonContext::evaluateCondition(const QString& expression, QString* error) {
-    PyRef value;
-    if (const PyRef code =
-            m_interpreter.compile(expression.trimmed(), "<waitFor>", Py_eval_input)) {
-        const Namespaces names = callingNamespaces(m_interpreter);
-        value = PyRef::steal(PyEval_EvalCode(code.get(), names.globals.get(), names.locals.get()));
-    }
-    const int truth = value ? PyObject_IsTrue(value.get()) : -1;
-    if (truth >= 0)
-        return truth == 1;
-    if (!isOrdinaryError())
-        throw PythonErrorSet();
-    *error = takeScriptError().message;
-    return false;
+    return attemptCondition(
+        [&] {
+            const PyRef code = checkedReference(
+                m_interpreter.compile(expression.trimmed(), "<waitFor>", Py_eval_input));
+            const Namespaces names = callingNamespaces(m_interpreter);
+            return isTruth(
+                checked(PyEval_EvalCode(code.get(), names.globals.get(), names.locals.get())));
+        },
+        error);
 }
 
 bool PythonContext::evaluate(const QString& text, const QString& fileName) {
-    // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.steps().registry().forget(fileName);
-    PyRef result;
-    if (const PyRef code = m_interpreter.compile(text, fileName, Py_file_input)) {
+    return evaluateFile(fileName, [&] {
+        const PyRef code = checkedReference(m_interpreter.compile(text, fileName, Py_file_input));
         // What the text defines is to outlast the call.
         const PyRef globals = callingNamespaces(m_interpreter).globals;
-        result = PyRef::steal(PyEval_EvalCode(code.get(), globals.get(), globals.get()));
-    }
-    if (result)
-        return true;
-    if (!isOrdinaryError())
-        throw PythonErrorSet();
-    const PythonError error = takeScriptError(&m_interpreter.files());
-    QString message = error.message;
-    if (!error.callStack.empty())
-        message = QStringLiteral("%1:%2: %3")
-                      .arg(error.callStack.front().fileName(),
-                           QString::number(error.callStack.front().lineNumber()), message);
-    setError(message);
-    return false;
+        checked(PyEval_EvalCode(code.get(), globals.get(), globals.get()));
+    });
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -198,7 +198,8 @@ PythonDebugger::CatchesErrors::~CatchesErrors() {
 
 void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
     // Some are no errors, and some are asked for by what can't be seen here.
-    if (!stopsForErrors() || exception == m_toldError.get() || m_python.isSkip(exception) ||
+    if (!stopsForErrors() || exception == m_toldError.get() ||
+        m_python.failures().isSkip(exception) ||
         isOneOf(exception, {PyExc_StopIteration, PyExc_StopAsyncIteration, PyExc_GeneratorExit,
                             PyExc_SystemExit, PyExc_KeyboardInterrupt}))
         return;
@@ -227,8 +228,8 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
     m_toldError = PyRef::borrow(exception);
     PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
                   Py_XNewRef(traceback));
-    m_toldText = takeScriptError().message;
-    LanguageDebugger::stopForError(m_toldText, framesOfError(traceback, m_python.files()));
+    LanguageDebugger::stopForError(takeScriptError().message,
+                                   framesOfError(traceback, m_python.files()));
 }
 
 void PythonDebugger::errorUncaught() {
@@ -237,16 +238,17 @@ void PythonDebugger::errorUncaught() {
     PyObject* traceback = nullptr;
     PyErr_Fetch(&type, &value, &traceback);
     PyErr_NormalizeException(&type, &value, &traceback);
-    if (stopsForErrors() && value && value != m_toldError.get() && !m_python.isSkip(value) &&
+    if (stopsForErrors() && value && value != m_toldError.get() &&
+        !m_python.failures().isSkip(value) &&
         !isOneOf(value, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
         stopForError(value, traceback);
     PyErr_Restore(type, value, traceback);
     m_toldError = PyRef();
-    m_toldText.clear();
+    forgetTold();
 }
 
 void PythonDebugger::errorReplaced(PyObject* exception, const QString& text) {
-    if (m_toldError && !m_toldText.isEmpty() && text.contains(m_toldText))
+    if (m_toldError && hasTold(text))
         m_toldError = PyRef::borrow(exception);
 }
 

@@ -82,9 +82,8 @@ private:
     /// One for each stop, which may lie in each other.
     std::vector<std::unique_ptr<TraceHook::Pause>> m_pauses;
 
-    /// The exception that the debugger has stopped for, and its text.
+    /// The exception that the debugger has stopped for.
     PyRef m_toldError;
-    QString m_toldText;
     /// Frames whose native function catches errors. Only compared: they run as long as they are
     /// here.
     std::vector<PyObject*> m_catching;

@@ -26,13 +26,6 @@ constexpr const char* moduleName = "__test__";
 /// Stands for the file of code that has none.
 const QString noFile = QStringLiteral("<init script>");
 
-void setAttribute(PyObject* object, const QString& name, const PyRef& value) {
-    if (!value)
-        throw PythonErrorSet();
-    const PyRef key = checked(toPyString(pythonName(name)).release());
-    checked(PyObject_SetAttr(object, key.get(), value.get()));
-}
-
 /// The line of the first NUL in the text, counted from 1; -1 without one.
 int lineOfNul(const QString& text) {
     const int place = text.indexOf(QChar(0));
@@ -50,11 +43,6 @@ void raiseNul(PyObject* file, int line) {
                                       : nullptr);
     if (error)
         PyErr_SetObject(PyExc_SyntaxError, error.get());
-}
-
-/// The Python class that stands for a class of the library with member functions.
-PyTypeObject* classOfMembers(const QString& className) {
-    return className == "ApplicationContext" ? ApplicationContextHolder::s_type : nullptr;
 }
 
 }  // namespace
@@ -86,8 +74,7 @@ PythonInterpreter::~PythonInterpreter() {
             PyErr_Clear();
     }
     m_module = PyRef();
-    m_skip = PyRef();
-    m_originOf = PyRef();
+    m_failures.clear();
     m_initialNames = PyRef();
     if (last) {
         PythonRuntime::self().restore();
@@ -104,56 +91,36 @@ LanguageDebugger& PythonInterpreter::languageDebugger() {
 
 // Names for scripts
 
-void PythonInterpreter::defineGlobal(const QString& name, const PyRef& value) {
+void PythonInterpreter::defineIn(const QString& nameSpace, const QString& name,
+                                 const PyRef& value) {
     if (!value)
         throw PythonErrorSet();
-    const PyRef key = checked(toPyString(pythonName(name)).release());
-    checked(PyDict_SetItem(PyEval_GetBuiltins(), key.get(), value.get()));
+    const PyRef key = checkedReference(toPyString(pythonName(name)));
+    if (nameSpace.isEmpty())
+        checked(PyDict_SetItem(PyEval_GetBuiltins(), key.get(), value.get()));
+    else
+        checked(PyObject_SetAttr(nameSpaceObject(nameSpace).get(), key.get(), value.get()));
 }
 
-void PythonInterpreter::defineInNamespace(const QString& nameSpace, const QString& name,
-                                          const PyRef& value) {
-    const PyRef key = checked(toPyString(nameSpace).release());
-    PyRef object = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
-    if (object && !PyModule_Check(object.get())) {
+PyRef PythonInterpreter::nameSpaceObject(const QString& name) {
+    const PyRef key = checkedReference(toPyString(name));
+    const PyRef known = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
+    if (known && PyModule_Check(known.get()))
+        return known;
+    if (known) {
         // Python's own name goes on to mean what it does.
-        object = checked(overlayFor(nameSpace, object.get()).release());
-        addSelfDefinedVariableName(nameSpace);
-    } else if (!object) {
-        // A namespace is a module object: help() and dir() know what to say of it.
-        object = checked(PyModule_NewObject(key.get()));
-        defineGlobal(nameSpace, object);
+        addSelfDefinedVariableName(name);
+        return checkedReference(overlayFor(name, known.get()));
     }
-    setAttribute(object.get(), name, value);
-}
-
-void PythonInterpreter::defineMember(const QString& className, const QString& name,
-                                     const PyRef& function) {
-    PyTypeObject* const type = classOfMembers(className);
-    if (!type) {
-        qWarning("Python has no class for the member functions of %s",
-                 className.toLocal8Bit().constData());
-        return;
-    }
-    if (!function)
-        throw PythonErrorSet();
-    setAttribute(reinterpret_cast<PyObject*>(type), name,
-                 checked(PyInstanceMethod_New(function.get())));
-}
-
-void PythonInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                          const QStringList& requiredParameters,
-                                          const QStringList& optionalParameters,
-                                          const QString& description) {
-    defineGlobal(name,
-                 makeFunction({context(),
-                               {name, {}, requiredParameters, optionalParameters, description},
-                               function}));
+    // A namespace is a module object: help() and dir() know what to say of it.
+    PyRef made = checked(PyModule_NewObject(key.get()));
+    defineIn(QString(), name, made);
+    return made;
 }
 
 void PythonInterpreter::addNativeType(const QString& name, void* typeId,
                                       const NativeScriptType& type) {
-    defineGlobal(name, makeNativeClass(context(), name, typeId, type));
+    defineIn(QString(), name, makeNativeClass(context(), name, typeId, type));
 }
 
 QString PythonInterpreter::addToSearchPath(const QFileInfo& directory) {
@@ -167,8 +134,7 @@ void PythonInterpreter::publishFunctions(const QStringList& names) {
 
 void PythonInterpreter::startScript(const QString& path, const QStringList& arguments,
                                     const QStringList& folders) {
-    m_skip = PyRef();
-    m_originOf = PyRef();
+    m_failures.clear();
     try {
         const PyRef names = moduleNamespace();
         if (m_initialNames)
@@ -187,13 +153,7 @@ void PythonInterpreter::startScript(const QString& path, const QStringList& argu
 }
 
 void PythonInterpreter::noticeFailure(const PyRef& exception, const ScriptFailure& failure) {
-    if (failure.isSkip)
-        m_skip = exception;
-    if (failure.origin.line >= 0) {
-        m_originOf = exception;
-        m_errorOrigin =
-            LineInfo(m_debugger->findSourceId(failure.origin.sourceId), failure.origin.line);
-    }
+    m_failures.notice(failure, *m_debugger, exception);
     m_debugger->errorReplaced(exception.get(), failure.text);
 }
 
@@ -233,25 +193,19 @@ PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, i
 
 bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
-    if (compile(text, fileName, Py_file_input))
-        return true;
-    return finish(PyRef());
+    return compile(text, fileName, Py_file_input) || failWithPending(true);
 }
 
 bool PythonInterpreter::runScript(const QString& text, const QString& fileName) {
-    PyRef result;
-    try {
+    return runCode(!fileName.isEmpty(), [&] {
         const PyRef names = moduleNamespace();
-        const QString file = fileName.isEmpty() ? noFile : fileName;
         if (!fileName.isEmpty())
             checked(PyDict_SetItemString(names.get(), "__file__",
-                                         checked(toPyString(fileName).release()).get()));
-        if (const PyRef code = compile(text, file, Py_file_input))
-            result = PyRef::steal(PyEval_EvalCode(code.get(), names.get(), names.get()));
-    } catch (const PythonErrorSet&) {
-        // Python refused something before the script ran; its exception tells what.
-    }
-    return finish(result, !fileName.isEmpty());
+                                         checkedReference(toPyString(fileName)).get()));
+        const PyRef code =
+            checkedReference(compile(text, fileName.isEmpty() ? noFile : fileName, Py_file_input));
+        checked(PyEval_EvalCode(code.get(), names.get(), names.get()));
+    });
 }
 
 Outcome<QString> PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
@@ -262,7 +216,7 @@ Outcome<QString> PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, con
 SharedPtr<ScriptArgument> PythonInterpreter::scriptFunction(const QString& name) {
     if (!m_module)
         return {};
-    const PyRef key = checked(toPyString(name).release());
+    const PyRef key = checkedReference(toPyString(name));
     const PyRef function =
         PyRef::borrow(PyDict_GetItemWithError(PyModule_GetDict(m_module.get()), key.get()));
     if (!function || !PyCallable_Check(function.get()))
@@ -271,7 +225,7 @@ SharedPtr<ScriptArgument> PythonInterpreter::scriptFunction(const QString& name)
 }
 
 SharedPtr<ScriptArgument> PythonInterpreter::libraryFunction(const QString& name) {
-    const PyRef key = checked(toPyString(pythonName(name)).release());
+    const PyRef key = checkedReference(toPyString(pythonName(name)));
     const PyRef function = PyRef::borrow(PyDict_GetItemWithError(PyEval_GetBuiltins(), key.get()));
     if (!function)
         return {};
@@ -282,28 +236,18 @@ PythonInterpreter::CallEnd PythonInterpreter::call(const SharedPtr<ScriptArgumen
                                                    const CallArguments& arguments,
                                                    const QString& name, bool isCallback) {
     if (!isCallback)
-        m_skip = PyRef();
+        m_failures.clearSkip();
     const PyRef callee = pythonValue(function);
-    const PyRef tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(arguments.positional.size())));
-    for (std::size_t index = 0; index < arguments.positional.size(); ++index)
-        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
-                         pythonValue(arguments.positional[index]).release());
-    const PyRef named = checked(PyDict_New());
-    for (const auto& [parameter, value] : arguments.named)
-        checked(PyDict_SetItem(named.get(), checked(toPyString(parameter).release()).get(),
-                               pythonValue(value).get()));
-    const PyRef result = PyRef::steal(PyObject_Call(callee.get(), tuple.get(), named.get()));
-    if (!result && isCallback && !isOrdinaryError())
-        throw PythonErrorSet();
-    const bool isPending = !result && PyErr_ExceptionMatches(pendingStepError()) != 0;
+    PyRef result;
+    const CallEnd end = runCall(isCallback, [&] { result = callObject(callee.get(), arguments); });
+    if (!result)
+        return end;
     QString shownName = name;
     if (name.isEmpty())
         shownName = PyFunction_Check(callee.get())
                         ? fromPyString(reinterpret_cast<PyFunctionObject*>(callee.get())->func_name)
                         : QStringLiteral("The function");
-    if (finish(result) && (!result || hasRun(shownName, callee.get(), result.get())))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
+    return hasRun(shownName, callee.get(), result.get()) ? end : CallEnd::Failed;
 }
 
 LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
@@ -335,16 +279,16 @@ bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject
     return false;
 }
 
-bool PythonInterpreter::finish(const PyRef& result, bool hasFile) {
-    if (result)
-        return succeed();
-    output().flush();
+void PythonInterpreter::errorUncaught() {
     m_debugger->errorUncaught();
-    PythonError error = takeScriptError(&m_files);
-    if (error.exception && error.exception.get() == m_originOf.get())
-        error.callStack.insert(error.callStack.begin(), m_errorOrigin);
-    error.isSkip = isSkip(error.exception.get());
-    return failWith(error, hasFile);
+}
+
+bool PythonInterpreter::isErrorOrdinary() {
+    return isOrdinaryError();
+}
+
+ScriptError PythonInterpreter::takeError() {
+    return takeScriptError();
 }
 
 }  // namespace Tamrix::PythonPlugin

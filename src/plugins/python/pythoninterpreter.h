@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "interpreter/language/languageinterpreter.h"
-#include "interpreter/language/scriptfailure.h"
+#include "interpreter/language/noticedfailures.h"
 #include "plugins/python/frames.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/pythoncontext.h"
@@ -42,16 +42,14 @@ public:
     }
 
     // Names for scripts. They throw PythonErrorSet when Python refuses.
-    void defineGlobal(const QString& name, const PyRef& value);
-    void defineInNamespace(const QString& nameSpace, const QString& name, const PyRef& value);
-    /// A member function of the Python class that stands for the library's class.
-    void defineMember(const QString& className, const QString& name, const PyRef& function);
+    /// In the namespace of the library with that name; globally in none.
+    void defineIn(const QString& nameSpace, const QString& name, const PyRef& value);
 
     /// Remembers what Python's exception for a failure stands for. It is told by what it is: what
     /// else is raised on its way is an error.
     void noticeFailure(const PyRef& exception, const ScriptFailure& failure);
-    bool isSkip(PyObject* exception) const {
-        return m_skip && exception == m_skip.get();
+    const NoticedFailures<PyRef>& failures() const {
+        return m_failures;
     }
 
     /// The script's globals.
@@ -66,11 +64,9 @@ public:
     /// for a file, an expression or an interactive statement.
     PyRef compile(const QString& text, const QString& fileName, int start);
 
+    bool isErrorOrdinary() override;
+    ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
-    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                           const QStringList& requiredParameters,
-                           const QStringList& optionalParameters,
-                           const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
 
@@ -85,11 +81,10 @@ protected:
                  const QString& name, bool isCallback) override;
     Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    void errorUncaught() override;
 
 private:
-    /// The end of a run of script code: true when it gave a value or ended through sys.exit(),
-    /// otherwise the error fields tell what happened.
-    bool finish(const PyRef& result, bool hasFile = true);
+    PyRef nameSpaceObject(const QString& name);
     /// Whether a call of a script function ran it. A coroutine or generator has only been made: the
     /// error fields then say what to do.
     bool hasRun(const QString& name, PyObject* function, PyObject* result);
@@ -99,9 +94,7 @@ private:
     std::unique_ptr<PythonContext> m_context;
     std::unique_ptr<PythonDebugger> m_debugger;
     PyRef m_module;
-    PyRef m_skip;
-    PyRef m_originOf;
-    LineInfo m_errorOrigin;
+    NoticedFailures<PyRef> m_failures;
     /// The text that was compiled last, so that checking and evaluating compile it once.
     QString m_compiledText;
     QString m_compiledFile;

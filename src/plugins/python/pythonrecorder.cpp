@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "base/overloaded.h"
+#include "interpreter/language/literals.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -11,41 +12,8 @@ namespace {
 
 constexpr char indentation[] = "    ";
 
-/// A character that is not written as it is.
-QString escaped(QChar character) {
-    switch (character.unicode()) {
-        case u'\\':
-            return QStringLiteral("\\\\");
-        case u'"':
-            return QStringLiteral("\\\"");
-        case u'\n':
-            return QStringLiteral("\\n");
-        case u'\r':
-            return QStringLiteral("\\r");
-        case u'\t':
-            return QStringLiteral("\\t");
-        default:
-            return QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
-    }
-}
-
-/// Whether an editor shows the character as what it is.
-bool isPlain(const QString& text, int index) {
-    const QChar character = text.at(index);
-    if (character == u'\\' || character == u'"')
-        return false;
-    if (character.isHighSurrogate())
-        return index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
-    if (character.isLowSurrogate())
-        return index > 0 && text.at(index - 1).isHighSurrogate();
-    return character.isPrint() || character == u' ';
-}
-
 QString literal(const QString& text) {
-    QString result(u'"');
-    for (int index = 0; index < text.size(); ++index)
-        result += isPlain(text, index) ? QString(text.at(index)) : escaped(text.at(index));
-    return result + u'"';
+    return literalOf(text);
 }
 
 QString literal(const ActionValue& value);

@@ -135,7 +135,7 @@ bool isOfLibrary(PyObject* modules, PyObject* name, SourceFiles& files) {
     const int point = fullName.lastIndexOf('.');
     if (point < 0)
         return false;
-    const PyRef parent = checked(toPyString(fullName.left(point)).release());
+    const PyRef parent = checkedReference(toPyString(fullName.left(point)));
     return isOfLibrary(modules, parent.get(), files);
 }
 

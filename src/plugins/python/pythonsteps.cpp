@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "interpreter/language/literals.h"
 #include "plugins/python/bddcontext.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/overlay.h"
@@ -14,7 +15,7 @@ namespace {
 
 /// The module that the name leads to; null when there is none. Borrowed.
 PyObject* loadedModule(const QString& name) {
-    const PyRef key = checked(toPyString(name).release());
+    const PyRef key = checkedReference(toPyString(name));
     return PyDict_GetItemWithError(PyImport_GetModuleDict(), key.get());
 }
 
@@ -35,23 +36,20 @@ QString moduleName(const QString& path) {
 
 /// A new module for the code of a file, known to Python.
 PyRef makeModule(const QString& path) {
-    const PyRef key = checked(toPyString(moduleName(path)).release());
+    const PyRef key = checkedReference(toPyString(moduleName(path)));
     PyRef module = checked(PyModule_NewObject(key.get()));
     PyObject* const names = PyModule_GetDict(module.get());
     checked(PyDict_SetItemString(names, "__builtins__", PyEval_GetBuiltins()));
-    checked(PyDict_SetItemString(names, "__file__", checked(toPyString(path).release()).get()));
+    checked(PyDict_SetItemString(names, "__file__", checkedReference(toPyString(path)).get()));
     checked(PyDict_Update(names, overlays()));
     checked(PyDict_SetItem(PyImport_GetModuleDict(), key.get(), module.get()));
     return module;
 }
 
-QString pythonLiteral(QString text) {
+QString pythonLiteral(const QString& text) {
     const bool isRaw = text.contains(QLatin1Char('\\')) && !text.contains(QLatin1Char('"')) &&
                        !text.endsWith(QLatin1Char('\\'));
-    if (!isRaw)
-        text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-            .replace(QLatin1Char('"'), QLatin1String("\\\""));
-    return (isRaw ? QStringLiteral("r\"%1\"") : QStringLiteral("\"%1\"")).arg(text);
+    return isRaw ? QStringLiteral("r\"%1\"").arg(text) : literalOf(text);
 }
 
 }  // namespace
@@ -60,17 +58,12 @@ PythonSteps::PythonSteps(PythonInterpreter& interpreter)
     : StepLanguage(interpreter), m_python(interpreter) {}
 
 std::optional<ScriptError> PythonSteps::loadFile(const QString& path, const QString& text) {
-    PyRef result;
-    if (const PyRef code = m_python.compile(text, path, Py_file_input)) {
+    return m_python.attempt([&] {
+        const PyRef code = checkedReference(m_python.compile(text, path, Py_file_input));
         const PyRef module = makeModule(path);
         PyObject* const names = PyModule_GetDict(module.get());
-        result = PyRef::steal(PyEval_EvalCode(code.get(), names, names));
-    }
-    if (result)
-        return std::nullopt;
-    if (!isOrdinaryError())
-        throw PythonErrorSet();
-    return takeScriptError(&m_python.files());
+        checked(PyEval_EvalCode(code.get(), names, names));
+    });
 }
 
 bool PythonSteps::isLoaded(const QString& path) {
@@ -82,7 +75,7 @@ void PythonSteps::forgetFiles(const QStringList& paths) {
     PyObject* const modules = PyImport_GetModuleDict();
     try {
         for (const QString& path : paths) {
-            const PyRef name = checked(toPyString(moduleName(path)).release());
+            const PyRef name = checkedReference(toPyString(moduleName(path)));
             if (PyDict_Contains(modules, name.get()) == 1)
                 checked(PyDict_DelItem(modules, name.get()));
         }

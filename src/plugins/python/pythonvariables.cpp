@@ -15,15 +15,11 @@ PythonVariables::PythonVariables(PythonInterpreter& interpreter)
     : LanguageVariables(interpreter.debugger()), m_python(interpreter) {}
 
 std::vector<LanguageVariables::Member> PythonVariables::variablesOf(int level) {
-    const std::vector<ScriptFrame> frames = m_python.debugger().frames();
     std::vector<Member> variables;
-    if (level >= static_cast<int>(frames.size()))
+    const std::optional<ScriptFrame> place = codeFrame(level);
+    if (!place)
         return variables;
-    // A feature file has none.
-    auto* const frame =
-        reinterpret_cast<PyFrameObject*>(frameBehind(frames[static_cast<std::size_t>(level)]));
-    if (!frame)
-        return variables;
+    auto* const frame = reinterpret_cast<PyFrameObject*>(frameBehind(*place));
     const PyRef locals = checked(PyFrame_GetLocals(frame));
     const PyRef globals = checked(PyFrame_GetGlobals(frame));
     // A variable of the module that one of the function hides can't be named by the function.

@@ -40,6 +40,18 @@ PyRef pythonValue(const QStringList& texts) {
     return toPyList(texts);
 }
 
+PyRef callObject(PyObject* callable, const CallArguments& arguments) {
+    const PyRef tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(arguments.positional.size())));
+    for (std::size_t index = 0; index < arguments.positional.size(); ++index)
+        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
+                         pythonValue(arguments.positional[index]).release());
+    const PyRef named = checked(PyDict_New());
+    for (const auto& [parameter, value] : arguments.named)
+        checked(PyDict_SetItem(named.get(), checkedReference(toPyString(parameter)).get(),
+                               pythonValue(value).get()));
+    return checked(PyObject_Call(callable, tuple.get(), named.get()));
+}
+
 CallArguments callArguments(PyObject* tuple, PyObject* named) {
     CallArguments arguments;
     const Py_ssize_t count = PyTuple_GET_SIZE(tuple);

@@ -21,6 +21,9 @@ PyRef pythonValue(const Member& member);
 PyRef pythonValue(const QString& text);
 PyRef pythonValue(const QStringList& texts);
 
+/// Calls a callable with values of a script. Throws PythonErrorSet.
+PyRef callObject(PyObject* callable, const CallArguments& arguments);
+
 /// Arguments as the script wrote them; `named` may be null.
 CallArguments callArguments(PyObject* tuple, PyObject* named);
 

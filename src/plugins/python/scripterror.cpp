@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/pythoninterpreter.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -151,7 +153,7 @@ bool isCleanExit(PyObject* exception) {
 
 }  // namespace
 
-PythonError takeScriptError(SourceFiles* files) {
+ScriptError takeScriptError() {
     PyObject* type = nullptr;
     PyObject* value = nullptr;
     PyObject* traceback = nullptr;
@@ -160,8 +162,7 @@ PythonError takeScriptError(SourceFiles* files) {
     const PyRef typeReference = PyRef::steal(type);
     const PyRef exception = PyRef::steal(value);
     const PyRef tracebackReference = PyRef::steal(traceback);
-    PythonError error;
-    error.exception = exception;
+    ScriptError error;
     if (!exception)
         return error;
     if (traceback)
@@ -169,8 +170,11 @@ PythonError takeScriptError(SourceFiles* files) {
     error.isExit = isCleanExit(value);
     error.message = fullText(value);
     error.outermostLine = outermostLineOf(value);
-    if (files)
-        error.callStack = callStackOf(value, *files);
+    error.isPendingStep = PyErr_GivenExceptionMatches(value, pendingStepError()) != 0;
+    if (PythonInterpreter* const interpreter = PythonInterpreter::active()) {
+        error.callStack = callStackOf(value, interpreter->files());
+        interpreter->failures().complete(value, &error);
+    }
     return error;
 }
 

@@ -44,7 +44,7 @@ PyObject* dataSetItem(PyObject* self, Py_ssize_t index) {
         PyErr_SetString(PyExc_IndexError, "data set index out of range");
         return nullptr;
     }
-    return wrapRecord(set, set->record(static_cast<int>(index))).release();
+    return RecordHolder::wrap(new HeldRecord(set, set->record(static_cast<int>(index)))).release();
 }
 
 PyObject* dataSetRepr(PyObject* self) {
@@ -56,30 +56,16 @@ PyObject* dataSetRepr(PyObject* self) {
 
 // tamrix.Record
 
-struct RecordObject {
-    PyObject_HEAD SharedPtr<TestDataSet> set;
-    const TestDataRecord* record;
-};
-
-PyTypeObject* s_recordType = nullptr;
-
-RecordObject* asRecord(PyObject* self) {
-    return reinterpret_cast<RecordObject*>(self);
-}
-
-void recordDeallocate(PyObject* self) {
-    PyTypeObject* const own = Py_TYPE(self);
-    asRecord(self)->set.~SharedPtr<TestDataSet>();
-    own->tp_free(self);
-    Py_DECREF(own);
+SharedPtr<HeldRecord> recordOf(PyObject* self) {
+    return RecordHolder::unwrap(self);
 }
 
 Py_ssize_t recordLength(PyObject* self) {
-    return asRecord(self)->record->count();
+    return recordOf(self)->record->count();
 }
 
 PyObject* recordItem(PyObject* self, Py_ssize_t index) {
-    const TestDataRecord* record = asRecord(self)->record;
+    const TestDataRecord* record = recordOf(self)->record;
     if (index < 0 || index >= record->count()) {
         PyErr_SetString(PyExc_IndexError, "record index out of range");
         return nullptr;
@@ -95,12 +81,12 @@ PyObject* recordSubscript(PyObject* self, PyObject* key) {
             return nullptr;
         return recordItem(self, index < 0 ? index + recordLength(self) : index);
     }
-    const int column = asRecord(self)->set->fieldIndex(fromPyString(key));
+    const int column = recordOf(self)->set->fieldIndex(fromPyString(key));
     if (column < 0) {
         PyErr_SetObject(PyExc_KeyError, key);
         return nullptr;
     }
-    return toPyString(asRecord(self)->record->valueAsString(column)).release();
+    return toPyString(recordOf(self)->record->valueAsString(column)).release();
 }
 
 // tamrix.Location
@@ -109,21 +95,6 @@ PyTypeObject* s_locationType = nullptr;
 
 bool addType(PyObject* module, PyTypeObject* type) {
     return type && PyModule_AddType(module, type) == 0;
-}
-
-PyTypeObject* makeRecordType() {
-    PyType_Slot slots[] = {
-        {Py_tp_dealloc, slot(recordDeallocate)},
-        {Py_sq_length, slot(recordLength)},
-        {Py_sq_item, slot(recordItem)},
-        {Py_mp_length, slot(recordLength)},
-        {Py_mp_subscript, slot(recordSubscript)},
-        {Py_tp_doc,
-         const_cast<char*>("One row of a data set: record[\"field\"] or record[column]")},
-        {0, nullptr}};
-    PyType_Spec definition{"tamrix.Record", sizeof(RecordObject), 0,
-                           Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
 }
 
 PyTypeObject* makeLocationType() {
@@ -149,27 +120,21 @@ bool addValueTypes(PyObject* module) {
         {Py_sq_item, slot(dataSetItem)},
         {Py_tp_doc, const_cast<char*>("A table of test data: a sequence of records")},
         {0, nullptr}};
-    if (!s_recordType)
-        s_recordType = makeRecordType();
+    const PyType_Slot recordSlots[] = {
+        {Py_sq_length, slot(recordLength)},
+        {Py_sq_item, slot(recordItem)},
+        {Py_mp_length, slot(recordLength)},
+        {Py_mp_subscript, slot(recordSubscript)},
+        {Py_tp_doc,
+         const_cast<char*>("One row of a data set: record[\"field\"] or record[column]")},
+        {0, nullptr}};
     if (!s_locationType)
         s_locationType = makeLocationType();
     return addType(module,
                    ApplicationContextHolder::makeType("tamrix.ApplicationContext", contextSlots)) &&
            addType(module, DataSetHolder::makeType("tamrix.DataSet", dataSetSlots)) &&
-           addType(module, s_recordType) && addType(module, s_locationType);
-}
-
-PyRef wrapRecord(SharedPtr<TestDataSet> set, const TestDataRecord* record) {
-    PyObject* self = s_recordType->tp_alloc(s_recordType, 0);
-    if (self) {
-        new (&asRecord(self)->set) SharedPtr<TestDataSet>(std::move(set));
-        asRecord(self)->record = record;
-    }
-    return PyRef::steal(self);
-}
-
-const TestDataRecord* unwrapRecord(PyObject* object) {
-    return s_recordType && Py_IS_TYPE(object, s_recordType) ? asRecord(object)->record : nullptr;
+           addType(module, RecordHolder::makeType("tamrix.Record", recordSlots)) &&
+           addType(module, s_locationType);
 }
 
 PyRef wrapLocation(const ScriptLocation& location) {

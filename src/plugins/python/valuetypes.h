@@ -1,9 +1,9 @@
 #pragma once
 
 #include "interpreter/bridge/debuggerframe.h"
+#include "interpreter/language/heldrecord.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "plugins/python/holder.h"
-#include "shared/testdata/testdataset.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -12,14 +12,10 @@ namespace Tamrix::PythonPlugin {
 
 using ApplicationContextHolder = Holder<ApplicationContext>;
 using DataSetHolder = Holder<TestDataSet>;
+using RecordHolder = Holder<HeldRecord>;
 
 /// Makes the types and adds them to the module. False with the error indicator set on failure.
 bool addValueTypes(PyObject* module);
-
-/// A row of a data set; it keeps the set alive.
-PyRef wrapRecord(SharedPtr<TestDataSet> set, const TestDataRecord* record);
-/// Null when the object is no record.
-const TestDataRecord* unwrapRecord(PyObject* object);
 
 /// A named tuple of file name and line.
 PyRef wrapLocation(const ScriptLocation& location);

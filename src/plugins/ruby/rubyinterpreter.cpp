@@ -117,6 +117,14 @@ QString RubyInterpreter::addToSearchPath(const QFileInfo& directory) {
     return RubyRuntime::self().addToSearchPath(directory.absoluteFilePath());
 }
 
+bool RubyInterpreter::isErrorOrdinary() {
+    return isOrdinaryError();
+}
+
+ScriptError RubyInterpreter::takeError() {
+    return takeScriptError();
+}
+
 // Running
 
 void RubyInterpreter::startScript(const QString& path, const QStringList& arguments,

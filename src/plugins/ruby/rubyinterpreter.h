@@ -36,6 +36,8 @@ public:
     bool hasOrigin(VALUE exception) const { return m_originOf && m_originOf.get() == exception; }
     LineInfo errorOrigin() const { return m_errorOrigin; }
 
+    bool isErrorOrdinary() override;
+    ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),

@@ -253,6 +253,7 @@ void TclInterpreter::throwPending(int code) {
     if (m_pendingState)
         Tcl_DiscardInterpState(m_pendingState);
     m_pendingState = Tcl_SaveInterpState(m_tcl, code);
+    m_pendingCode = code;
     throw ScriptErrorSet();
 }
 
@@ -262,6 +263,14 @@ void TclInterpreter::throwError(const QString& text) {
 
 int TclInterpreter::failAsPending() {
     return Tcl_RestoreInterpState(m_tcl, std::exchange(m_pendingState, nullptr));
+}
+
+bool TclInterpreter::isErrorOrdinary() {
+    return m_pendingCode == TCL_ERROR && !isUnwinding();
+}
+
+ScriptError TclInterpreter::takeError() {
+    return takeError(failAsPending());
 }
 
 bool TclInterpreter::isUnwinding() const {

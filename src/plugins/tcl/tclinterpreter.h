@@ -75,6 +75,8 @@ public:
     int run(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments);
     /// What a person is told of the end with this code, which is not TCL_OK.
     ScriptError takeError(int code);
+    bool isErrorOrdinary() override;
+    ScriptError takeError() override;
     /// What a person is told of the error that has just been raised.
     QString errorText() const;
     /// The frames that run commands of scripts, the innermost first.

@@ -36,13 +36,6 @@ protected:
             members.page.push_back(all[static_cast<std::size_t>(index)]);
         return members;
     }
-    Value memberNamed(const Value& value, const QString& name) override {
-        for (const Member& each : everyMember(value)) {
-            if (each.name == name)
-                return each.value;
-        }
-        return {};
-    }
     QString textOf(const Value& value) override { return value->toString(); }
 
 private:

@@ -1,0 +1,53 @@
+#include "interpreter/language/literals.h"
+
+#include <algorithm>
+
+namespace Tamrix {
+
+namespace {
+
+constexpr struct {
+    char character;
+    const char* written;
+} shortEscapes[] = {{'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}};
+
+/// Whether the unit is all of a character, or a half that stands beside its other one.
+bool isWhole(const QString& text, int index) {
+    const QChar unit = text.at(index);
+    if (unit.isHighSurrogate())
+        return index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
+    return !unit.isLowSurrogate() || (index > 0 && text.at(index - 1).isHighSurrogate());
+}
+
+QString escaped(const QString& text, int index, const LiteralStyle& style) {
+    const QChar unit = text.at(index);
+    if (unit == style.quote || unit == '\\' || QLatin1String(style.furtherEscaped).contains(unit))
+        return QString('\\') + unit;
+    for (const auto& row : shortEscapes) {
+        if (unit == QLatin1Char(row.character))
+            return QLatin1String(row.written);
+    }
+    if ((unit.isPrint() || unit.isSurrogate()) && isWhole(text, index))
+        return unit;
+    return QString(QLatin1String(style.numbered))
+        .arg(unit.unicode(), style.digits, 16, QLatin1Char('0'));
+}
+
+}  // namespace
+
+QString literalOf(const QString& text, const LiteralStyle& style) {
+    QString literal = style.quote;
+    for (int index = 0; index < text.size(); ++index)
+        literal += escaped(text, index, style);
+    return literal + style.quote;
+}
+
+bool isPlainIdentifier(const QString& text) {
+    const auto isOfName = [](QChar character) {
+        return character.unicode() < 0x80 && (character.isLetterOrNumber() || character == '_');
+    };
+    return !text.isEmpty() && !text.at(0).isDigit() &&
+           std::all_of(text.cbegin(), text.cend(), isOfName);
+}
+
+}  // namespace Tamrix

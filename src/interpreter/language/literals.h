@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+#include "base/export.h"
+
+namespace Tamrix {
+
+// Code that is written for people to go on with: names in scripts, steps, recorded lines.
+
+/// How a language writes a text between quotes.
+struct LiteralStyle {
+    QChar quote = '"';
+    /// What else than the quote and the backslash has a backslash in front.
+    const char* furtherEscaped = "";
+    /// A character by its number: "%1" is that in hexadecimal digits.
+    const char* numbered = "\\u%1";
+    /// At least so many digits.
+    int digits = 4;
+};
+
+/// The text as a literal: line ends and tabs as `\n`, `\r` and `\t`; other characters that can't be
+/// seen, and half characters that no file could hold, by their numbers.
+TAMRIX_EXPORT QString literalOf(const QString& text, const LiteralStyle& style = LiteralStyle());
+
+/// Letters without accents, digits and "_", with no digit in front.
+TAMRIX_EXPORT bool isPlainIdentifier(const QString& text);
+
+}  // namespace Tamrix
