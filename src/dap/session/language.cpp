@@ -30,6 +30,7 @@ constexpr Language languages[] = {
     {"js", "true", "false", assignment, "Boolean(%1)",
      "^\\s*(?:export\\s+)?(?:default\\s+)?(?:async\\s+)?function\\s*\\*?\\s*(\\w+)"},
     {"py", "True", "False", assignment, "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
+    {"rb", "true", "false", assignment, "!!(%1)", "^\\s*def\\s+(?:self\\.)?(\\w+[?!=]?)"},
     {"tcl", "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",
      "^\\s*proc\\s+(?:::)?(\\S+)"},
     // What is evaluated at a step is code of the script that runs the file.
@@ -88,7 +89,7 @@ Outcome<bool> conditionHolds(Debuggee& debuggee, const QString& file, const QStr
 bool isFailureText(const QString& text) {
     // The debugger gives a failure as its kind and, behind a colon, its message.
     static const QRegularExpression pattern(QStringLiteral(
-        "^(?:\\w+\\.)*\\w*(?:Error|Exception|Exit|Interrupt|Iteration|Warning)(?::|$)"));
+        "^(?:\\w+(?:\\.|::))*\\w*(?:Error|Exception|Exit|Interrupt|Iteration|Warning)(?::|$)"));
     return pattern.match(text).hasMatch();
 }
 

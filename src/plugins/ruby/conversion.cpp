@@ -51,10 +51,6 @@ bool hasLoneSurrogate(const QString& text) {
     return !text.isValidUtf16();
 }
 
-QByteArray bytesOf(VALUE string) {
-    return QByteArray(RSTRING_PTR(string), static_cast<int>(RSTRING_LEN(string)));
-}
-
 }  // namespace
 
 VALUE toRuby(const QString& text) {
@@ -105,12 +101,18 @@ QString fromRuby(VALUE text) {
     if (isUtf8)
         return range == ENC_CODERANGE_VALID && encoding == rb_utf8_encindex()
                    ? QString::fromUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
-                   : fromLooseUtf8(bytesOf(text));
+                   : fromLooseUtf8(bytesOfRuby(text));
     const VALUE converted = protect([=] {
         return rb_str_encode(text, rb_enc_from_encoding(rb_utf8_encoding()),
                              ECONV_INVALID_REPLACE | ECONV_UNDEF_REPLACE, Qnil);
     });
     return QString::fromUtf8(RSTRING_PTR(converted), static_cast<int>(RSTRING_LEN(converted)));
+}
+
+QByteArray bytesOfRuby(VALUE text) {
+    return RB_TYPE_P(text, T_STRING)
+               ? QByteArray(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
+               : QByteArray();
 }
 
 std::string utf8OfRuby(VALUE text) {

@@ -35,12 +35,6 @@ const File& fileOf(const QByteArray& path) {
     return *known;
 }
 
-QByteArray bytesOf(VALUE text) {
-    return RB_TYPE_P(text, T_STRING)
-               ? QByteArray(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
-               : QByteArray();
-}
-
 /// Room for the frames of the whole stack. Script thread only.
 struct Stack {
     std::vector<VALUE> frames = std::vector<VALUE>(maximumFrames);
@@ -96,7 +90,7 @@ bool isPartOfNextFrame(const QByteArray& label) {
 std::vector<Line> linesOf(VALUE trace) {
     std::vector<Line> lines;
     for (long index = 0; index < RARRAY_LEN(trace); ++index) {
-        const Line line = parseLine(bytesOf(rb_ary_entry(trace, index)));
+        const Line line = parseLine(bytesOfRuby(rb_ary_entry(trace, index)));
         if (!lines.empty() && lines.back().isOfCaller(line))
             lines.pop_back();
         const bool isPart = !lines.empty() && isPartOfNextFrame(lines.back().label) &&
@@ -125,7 +119,7 @@ void visitScriptFrames(Visit visit) {
         return;
     }
     for (std::size_t index = 0; index < count; ++index) {
-        const QByteArray path = bytesOf(rb_profile_frame_path(stack.frames[index]));
+        const QByteArray path = bytesOfRuby(rb_profile_frame_path(stack.frames[index]));
         // Line 0 is what lies below all scripts.
         if (stack.lines[index] > 0 && isScriptFile(path) && !visit(path, stack.lines[index]))
             return;
@@ -207,7 +201,7 @@ std::vector<ScriptFrame> scriptFrames() {
     std::vector<ScriptFrame> frames;
     for (long index = 0; index < RARRAY_LEN(all); ++index) {
         const VALUE row = rb_ary_entry(all, index);
-        const QByteArray path = bytesOf(rb_ary_entry(row, 0));
+        const QByteArray path = bytesOfRuby(rb_ary_entry(row, 0));
         if (!isScriptFile(path))
             continue;
         ScriptFrame frame;
@@ -215,7 +209,7 @@ std::vector<ScriptFrame> scriptFrames() {
         frame.file = scriptPath(path);
         frame.line = NUM2INT(rb_ary_entry(row, 1));
         frames.push_back(std::move(frame));
-        if (isPartOfNextFrame(bytesOf(rb_ary_entry(row, 3))))
+        if (isPartOfNextFrame(bytesOfRuby(rb_ary_entry(row, 3))))
             ++index;
     }
     return frames;
@@ -223,6 +217,18 @@ std::vector<ScriptFrame> scriptFrames() {
 
 VALUE bindingOf(const ScriptFrame& frame) {
     return std::any_cast<const RubyRef&>(frame.own).get();
+}
+
+LineInfo definitionOf(VALUE callable) {
+    try {
+        const VALUE location = callMethod(callable, "source_location");
+        if (RB_TYPE_P(location, T_ARRAY))
+            return LineInfo(scriptPath(fromRuby(rb_ary_entry(location, 0)).toUtf8()),
+                            NUM2INT(rb_ary_entry(location, 1)));
+    } catch (const ScriptErrorSet&) {
+        takeException();
+    }
+    return {};
 }
 
 std::vector<LineInfo> scriptLinesOf(VALUE exception) {

@@ -26,6 +26,9 @@ std::vector<ScriptFrame> scriptFrames();
 /// What a frame's variables are asked of: a Binding.
 VALUE bindingOf(const ScriptFrame& frame);
 
+/// Where a Proc or Method is defined; invalid for anything else. Never raises.
+LineInfo definitionOf(VALUE callable);
+
 /// The lines of scripts in the backtrace of an exception, the innermost first; the innermost line
 /// of all when none is in a script.
 std::vector<LineInfo> scriptLinesOf(VALUE exception);

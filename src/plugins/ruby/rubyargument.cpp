@@ -146,7 +146,7 @@ std::optional<QVariant> RubyArgument::toVariant() const {
     if (isNull())
         return QVariant();
     if (RB_TYPE_P(value(), T_STRING) && isBinary(value()))
-        return QByteArray(RSTRING_PTR(value()), static_cast<int>(RSTRING_LEN(value())));
+        return bytesOfRuby(value());
     const QDateTime time = RB_SPECIAL_CONST_P(value()) ? QDateTime() : timeFromRuby(value());
     if (time.isValid())
         return time;

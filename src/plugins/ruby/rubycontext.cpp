@@ -1,6 +1,7 @@
 #include "plugins/ruby/rubycontext.h"
 
 #include "interpreter/language/stepactions.h"
+#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
 #include "plugins/ruby/nativeclasses.h"
@@ -196,6 +197,10 @@ bool RubyContext::evaluateCondition(const QString& expression, QString* error) {
     }
     *error = takeScriptError().message;
     return false;
+}
+
+QString RubyContext::explainArgument(const char* parameter) {
+    return explainCall(parameter);
 }
 
 bool RubyContext::evaluate(const QString& text, const QString& fileName) {

@@ -64,6 +64,7 @@ public:
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
+    QString explainArgument(const char* parameter) override;
 
 private:
     void addArgument(VALUE value) {

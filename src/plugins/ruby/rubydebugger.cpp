@@ -1,8 +1,11 @@
 #include "plugins/ruby/rubydebugger.h"
 
+#include <algorithm>
+
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
 #include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyvariables.h"
 #include "plugins/ruby/scripterrors.h"
@@ -22,23 +25,33 @@ bool isEndOfScript(VALUE exception) {
            rb_obj_is_kind_of(exception, rb_eSignal) == Qtrue;
 }
 
+bool isEnabled(const RubyRef& tracePoint) {
+    return RTEST(rb_tracepoint_enabled_p(tracePoint.get()));
+}
+
+void enable(const RubyRef& tracePoint, bool on) {
+    const VALUE point = tracePoint.get();
+    if (isEnabled(tracePoint) != on)
+        protect([=] { return on ? rb_tracepoint_enable(point) : rb_tracepoint_disable(point); });
+}
+
 }  // namespace
 
 RubyDebugger::RubyDebugger(RubyInterpreter& interpreter)
-    : LanguageDebugger(&interpreter), m_ruby(interpreter) {}
+    : LanguageDebugger(&interpreter), m_ruby(interpreter) {
+    m_compilations = newTracePoint(RUBY_EVENT_SCRIPT_COMPILED);
+    m_allLines = newTracePoint(RUBY_EVENT_LINE);
+    m_errors = newTracePoint(RUBY_EVENT_RAISE);
+}
 
 void RubyDebugger::setInteractive(bool interactive) {
     Debugger::setInteractive(interactive);
-    if (interactive && !m_tracePoint)
-        m_tracePoint = protect([this] {
-            return rb_tracepoint_new(Qnil, RUBY_EVENT_LINE | RUBY_EVENT_RAISE, eventHappened, this);
-        });
-    updateHook();
+    updateTracePoints();
 }
 
 void RubyDebugger::setDebuggerMode(DbgMode mode) {
     Debugger::setDebuggerMode(mode);
-    updateHook();
+    updateTracePoints();
 }
 
 void RubyDebugger::interrupt() {
@@ -47,21 +60,66 @@ void RubyDebugger::interrupt() {
 
 void RubyDebugger::shutDown() {
     LanguageDebugger::shutDown();
-    m_tracePoint.reset();
+    for (const RubyRef& point : {m_compilations, m_allLines, m_errors})
+        enable(point, false);
+    for (const Code& code : m_codes) {
+        for (const auto& [line, point] : code.tracePoints)
+            enable(point, false);
+    }
+    m_codes.clear();
     m_raised.reset();
     m_raisedFrames.clear();
 }
 
-// The hook
+// Trace points
 
-void RubyDebugger::updateHook() {
-    // A file becomes known, with its break points, by its first line: so all are looked at.
-    const bool isOn = isInteractive() && debuggerMode() != None && m_silence == 0;
-    if (!m_tracePoint || m_isTracing == isOn)
+RubyRef RubyDebugger::newTracePoint(unsigned events) {
+    return RubyRef(protect([=] { return rb_tracepoint_new(Qnil, events, eventHappened, this); }));
+}
+
+void RubyDebugger::updateTracePoints() {
+    // 1. Files are known from their beginning on, whenever a debugger comes.
+    enable(m_compilations, true);
+    // 2. Errors, and lines while it steps. These end with the next line: at the one where the
+    // script stands its break point would come once more.
+    enable(m_errors, stopsForErrors());
+    if (isInteractive() && isStepping())
+        enable(m_allLines, true);
+    // 3. Break points.
+    if (isInteractive()) {
+        for (Code& code : m_codes)
+            traceBreakLines(code);
+    }
+}
+
+void RubyDebugger::codeLoaded(VALUE sequence) {
+    const VALUE path = callMethod(sequence, "path");
+    const auto isThis = [=](const Code& code) { return code.sequence.get() == sequence; };
+    if (!isScriptFile(bytesOfRuby(path)) || std::any_of(m_codes.begin(), m_codes.end(), isThis))
         return;
-    m_isTracing = isOn;
-    const VALUE point = m_tracePoint.get();
-    protect([=] { return isOn ? rb_tracepoint_enable(point) : rb_tracepoint_disable(point); });
+    m_codes.push_back({RubyRef(sequence), scriptPath(bytesOfRuby(path)), {}});
+    if (isInteractive())
+        traceBreakLines(m_codes.back());
+}
+
+void RubyDebugger::traceBreakLines(Code& code) {
+    for (const int line : breakLines(sourceIdOf(code.path))) {
+        if (code.tracePoints.count(line) > 0)
+            continue;
+        const RubyRef point = newTracePoint(RUBY_EVENT_LINE);
+        code.tracePoints[line] = point;
+        try {
+            const VALUE options = namedAsHash({{"target", new RubyArgument(code.sequence.get())},
+                                               {"target_line", new RubyArgument(INT2FIX(line))}});
+            const VALUE own = point.get();
+            protect([=] {
+                return rb_funcallv_kw(own, rb_intern("enable"), 1, &options, RB_PASS_KEYWORDS);
+            });
+        } catch (const ScriptErrorSet&) {
+            // No code of it stands in that line.
+            takeException();
+        }
+    }
 }
 
 bool RubyDebugger::isOurEvent() const {
@@ -71,21 +129,32 @@ bool RubyDebugger::isOurEvent() const {
 void RubyDebugger::eventHappened(VALUE point, void* debugger) {
     auto* const self = static_cast<RubyDebugger*>(debugger);
     enterNative([=] {
-        if (!self->isOurEvent())
-            return Qnil;
         rb_trace_arg_t* const event = rb_tracearg_from_tracepoint(point);
-        if (rb_tracearg_event_flag(event) == RUBY_EVENT_LINE)
-            self->lineEntered(rb_tracearg_path(event), NUM2INT(rb_tracearg_lineno(event)));
+        const rb_event_flag_t kind = rb_tracearg_event_flag(event);
+        if (kind == RUBY_EVENT_SCRIPT_COMPILED)
+            self->codeLoaded(callMethod(point, "instruction_sequence"));
+        else if (!self->isOurEvent())
+            return Qnil;
+        else if (kind == RUBY_EVENT_LINE)
+            self->lineEntered(point, rb_tracearg_path(event), NUM2INT(rb_tracearg_lineno(event)));
         else if (self->stopsForErrors())
             self->errorRaised(rb_tracearg_raised_exception(event));
         return Qnil;
     });
 }
 
-void RubyDebugger::lineEntered(VALUE path, int line) {
+void RubyDebugger::lineEntered(VALUE point, VALUE path, int line) {
+    // A line with a break point is told twice while all lines are, here at first.
+    const bool isOfAll = point == m_allLines.get();
+    if (isOfAll && !(isInteractive() && isStepping())) {
+        enable(m_allLines, false);
+        return;
+    }
+    if (!isInteractive() || (!isOfAll && isEnabled(m_allLines)))
+        return;
     if (path != m_lastPath.get()) {
         m_lastPath = path;
-        const QByteArray bytes(RSTRING_PTR(path), static_cast<int>(RSTRING_LEN(path)));
+        const QByteArray bytes = bytesOfRuby(path);
         m_lastSourceId = isScriptFile(bytes) ? sourceIdOf(scriptPath(bytes)) : -1;
     }
     if (m_lastSourceId >= 0)
@@ -104,15 +173,6 @@ int RubyDebugger::runningDepth() {
 
 std::unique_ptr<VariableWatcher> RubyDebugger::makeVariableWatcher() {
     return std::make_unique<RubyVariables>(*this);
-}
-
-void RubyDebugger::enterStandstill() {
-    ++m_silence;
-}
-
-void RubyDebugger::leaveStandstill() {
-    --m_silence;
-    updateHook();
 }
 
 // Errors

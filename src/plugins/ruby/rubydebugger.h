@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <vector>
 
 #include "interpreter/language/languagedebugger.h"
@@ -9,10 +10,11 @@ namespace Tamrix::RubyPlugin {
 
 class RubyInterpreter;
 
-/// Ruby's half of the debugger. While it is interactive, a trace point tells it of lines and of
-/// exceptions. An exception's frames are kept with their
-/// variables when it is raised: whether something catches it is known when nothing has, and then
-/// the script stops where it was raised, although `ensure` has run by then.
+/// Ruby's half of the debugger. While it is interactive, trace points tell it what scripts do, as
+/// little as is needed: lines with break points alone, or all lines while it steps. An exception's
+/// frames are kept with their variables when it is raised: whether something catches it is known
+/// when nothing has, and then the script stops where it was raised, although `ensure` has run by
+/// then.
 class RubyDebugger final : public LanguageDebugger {
 public:
     explicit RubyDebugger(RubyInterpreter& interpreter);
@@ -23,6 +25,11 @@ public:
     void interrupt() override;
     void shutDown() override;
 
+    /// Code of a file was compiled: an InstructionSequence, which holds that of its methods.
+    void codeLoaded(VALUE sequence);
+    /// Trace points become what mode and break points ask for, also where scripts have ended them.
+    void updateTracePoints();
+
     /// Nothing has caught the exception, which may be nil.
     void errorUncaught(VALUE exception);
 
@@ -30,19 +37,33 @@ protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override;
-    void leaveStandstill() override;
+    void enterStandstill() override { ++m_silence; }
+    void leaveStandstill() override { --m_silence; }
+    void breakPointsChanged() override { updateTracePoints(); }
 
 private:
+    /// The code of one file, or of an `eval` that names it.
+    struct Code {
+        RubyRef sequence;
+        QString path;
+        /// For each line that has had a break point. Those that have none any more stay: they may
+        /// be what runs.
+        std::map<int, RubyRef> tracePoints;
+    };
+
+    RubyRef newTracePoint(unsigned events);
     static void eventHappened(VALUE point, void* debugger);
-    void lineEntered(VALUE path, int line);
+    void lineEntered(VALUE point, VALUE path, int line);
     void errorRaised(VALUE exception);
     bool isOurEvent() const;
-    void updateHook();
+    bool isStepping() const { return debuggerMode() == Step || debuggerMode() == Next; }
+    void traceBreakLines(Code& code);
 
     RubyInterpreter& m_ruby;
-    RubyRef m_tracePoint;
-    bool m_isTracing = false;
+    RubyRef m_compilations;
+    RubyRef m_allLines;
+    RubyRef m_errors;
+    std::vector<Code> m_codes;
     int m_silence = 0;
 
     /// The file of the last line, since the next one is mostly in the same.

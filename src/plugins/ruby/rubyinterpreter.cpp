@@ -136,6 +136,7 @@ void RubyInterpreter::startScript(const QString& path, const QStringList& argume
     if (m_hasStarted) {
         runtime.runExitBlocks();
         runtime.restoreState();
+        m_debugger->updateTracePoints();
     } else if (m_hasInitScripts) {
         runtime.pushState();
     }
@@ -214,16 +215,7 @@ Outcome<QString> RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const
 }
 
 LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    try {
-        const VALUE location = callMethod(rubyValue(function), "source_location");
-        if (RB_TYPE_P(location, T_ARRAY))
-            return LineInfo(scriptPath(fromRuby(rb_ary_entry(location, 0)).toUtf8()),
-                            NUM2INT(rb_ary_entry(location, 1)));
-    } catch (const ScriptErrorSet&) {
-        // It is nothing that is defined anywhere.
-        takeException();
-    }
-    return {};
+    return definitionOf(rubyValue(function));
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -4,8 +4,8 @@
 
 namespace Tamrix::RubyPlugin {
 
-/// Makes the class of the streams that scripts print to.
-void defineOutput(VALUE module);
+/// Makes what the streams that scripts print to need, in the modules Tamrix and Tamrix::Native.
+void defineOutput(VALUE module, VALUE native);
 
 /// Lets $stdout and $stderr write to the output of the interpreter whose scripts run.
 void installOutput();

@@ -1,20 +1,23 @@
 #include "plugins/ruby/rubyruntime.h"
 
+#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
 #include <csignal>
 #include <cstdio>
 #include <stdexcept>
 
+#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/nativeclasses.h"
 #include "plugins/ruby/nativefunctions.h"
 #include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/protection.h"
+#include "plugins/ruby/rubydebugger.h"
+#include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyoutput.h"
 #include "plugins/ruby/rubywaits.h"
-#include "plugins/ruby/runtimestate.h"
 #include "plugins/ruby/scripterrors.h"
 #include "plugins/ruby/stepfunctions.h"
 #include "plugins/ruby/valueclasses.h"
@@ -76,6 +79,10 @@ VALUE giveConstant(RB_BLOCK_CALL_FUNC_ARGLIST(, constant)) {
     return constant;
 }
 
+/// What of the plug-in is written in Ruby, in the order in which it is run.
+constexpr const char* preludeFiles[] = {"state", "values",    "output",
+                                        "steps", "condition", "remotesystem"};
+
 VALUE nameSpaceInspect(VALUE self) {
     return rb_ivar_get(self, rb_intern("@name"));
 }
@@ -129,13 +136,19 @@ void RubyRuntime::defineTamrix() {
     defineValueClasses(m_module);
     defineObjectClass(m_module);
     defineNativeBase(m_module);
-    defineOutput(m_module);
-    defineStepFunctions(m_module);
+    const VALUE native = rb_define_module_under(m_module, "Native");
+    defineOutput(m_module, native);
+    defineStepFunctions(native);
+    defineConditions(native);
     const VALUE type = rb_define_class_under(m_module, "Namespace", rb_cObject);
     rb_define_method(type, "inspect", nameSpaceInspect, 0);
     rb_define_method(type, "to_s", nameSpaceInspect, 0);
-    for (const char* const source : prelude)
-        evaluateSource(source);
+    for (const char* const name : preludeFiles) {
+        QFile source(QStringLiteral(":/tamrix/ruby/%1.rb").arg(name));
+        source.open(QIODevice::ReadOnly);
+        // Ruby gives such names to what it has itself.
+        run(QString::fromUtf8(source.readAll()), QStringLiteral("<internal:tamrix/%1>").arg(name));
+    }
     const VALUE folders = evaluateSource("Tamrix::RuntimeState.library_folders");
     for (long index = 0; index < RARRAY_LEN(folders); ++index)
         m_libraryFolders.push_back(textOf(rb_ary_entry(folders, index)).toUtf8());
@@ -211,7 +224,11 @@ VALUE RubyRuntime::compile(const QString& text, const QString& fileName) {
 }
 
 VALUE RubyRuntime::run(const QString& text, const QString& fileName) {
-    return callMethod(compile(text, fileName), "eval");
+    const VALUE code = compile(text, fileName);
+    // Ruby tells of what it compiles itself.
+    if (RubyInterpreter* const interpreter = RubyInterpreter::active())
+        interpreter->rubyDebugger().codeLoaded(code);
+    return callMethod(code, "eval");
 }
 
 // State

@@ -37,6 +37,8 @@ bool isCleanExit(VALUE exception) {
            RTEST(asked(exception, "success?"));
 }
 
+}  // namespace
+
 VALUE namedAsHash(const NamedArguments& named) {
     const VALUE hash = protect([] { return rb_hash_new(); });
     for (const auto& [name, value] : named) {
@@ -46,8 +48,6 @@ VALUE namedAsHash(const NamedArguments& named) {
     }
     return hash;
 }
-
-}  // namespace
 
 QString exceptionText(VALUE exception) {
     QString text = ownText(exception);

@@ -12,6 +12,9 @@ QString exceptionText(VALUE exception);
 /// Takes what is pending and tells a person of it.
 ScriptError takeScriptError();
 
+/// Named arguments as Ruby hands them on: a Hash with Symbols.
+VALUE namedAsHash(const NamedArguments& named);
+
 /// Calls a Proc, Method or other object with a method `call`. A block that is no lambda takes as
 /// many arguments as it wants. Throws ScriptErrorSet.
 VALUE callCallable(VALUE function, const CallArguments& arguments);

@@ -4,11 +4,11 @@
 
 namespace Tamrix::RubyPlugin {
 
-/// Makes the functions with which scripts register step definitions, hooks and parameter types, and
-/// what steps work with: Tamrix::StepContext and Tamrix::PendingStepError.
-void defineStepFunctions(VALUE module);
+/// Makes what the functions in prelude/steps.rb call to register step definitions, hooks and
+/// parameter types, and to keep values for steps.
+void defineStepFunctions(VALUE native);
 
-/// What steps and hooks keep things in for each other: its methods are the names in StepScopes.
+/// The Tamrix::StepContext, whose methods are the names in StepScopes.
 VALUE stepContext();
 
 /// Whether the exception, which may be nil, tells of a step that is still to be written.

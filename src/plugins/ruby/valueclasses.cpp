@@ -29,10 +29,6 @@ VALUE defineClass(VALUE module, const char* name, VALUE* variable) {
     return *variable;
 }
 
-VALUE integer(long long number) {
-    return LL2NUM(number);
-}
-
 // Tamrix::ApplicationContext
 
 VALUE contextInspect(VALUE self) {
@@ -80,14 +76,6 @@ VALUE dataSetAt(VALUE self, VALUE index) {
     });
 }
 
-VALUE dataSetEach(VALUE self) {
-    if (!rb_block_given_p())
-        return rb_enumeratorize(self, ID2SYM(rb_intern("each")), 0, nullptr);
-    for (int index = 0; index < FIX2INT(dataSetSize(self)); ++index)
-        rb_yield(dataSetAt(self, INT2FIX(index)));
-    return self;
-}
-
 VALUE dataSetInspect(VALUE self) {
     return enterNative([=] {
         const SharedPtr<TestDataSet> set = Holder<TestDataSet>::unwrap(self);
@@ -121,14 +109,6 @@ VALUE recordAt(VALUE self, VALUE key) {
     });
 }
 
-VALUE recordEach(VALUE self) {
-    if (!rb_block_given_p())
-        return rb_enumeratorize(self, ID2SYM(rb_intern("each")), 0, nullptr);
-    for (int index = 0; index < FIX2INT(recordSize(self)); ++index)
-        rb_yield(recordAt(self, INT2FIX(index)));
-    return self;
-}
-
 }  // namespace
 
 void defineValueClasses(VALUE module) {
@@ -140,20 +120,14 @@ void defineValueClasses(VALUE module) {
     rb_define_method(context, "hash", contextHash, 0);
 
     const VALUE set = defineClass(module, "DataSet", &s_dataSetClass);
-    rb_include_module(set, rb_mEnumerable);
     rb_define_method(set, "size", dataSetSize, 0);
-    rb_define_method(set, "length", dataSetSize, 0);
     rb_define_method(set, "[]", dataSetAt, 1);
-    rb_define_method(set, "each", dataSetEach, 0);
     rb_define_method(set, "inspect", dataSetInspect, 0);
     rb_define_method(set, "to_s", dataSetInspect, 0);
 
     const VALUE record = defineClass(module, "Record", &s_recordClass);
-    rb_include_module(record, rb_mEnumerable);
     rb_define_method(record, "size", recordSize, 0);
-    rb_define_method(record, "length", recordSize, 0);
     rb_define_method(record, "[]", recordAt, 1);
-    rb_define_method(record, "each", recordEach, 0);
 
     s_locationClass = rb_struct_define_under(module, "Location", "file_name", "line", nullptr);
     rb_gc_register_address(&s_locationClass);
@@ -178,7 +152,7 @@ const TestDataRecord* unwrapRecord(VALUE object) {
 
 VALUE wrapLocation(const ScriptLocation& location) {
     const VALUE file = toRuby(location.fileName);
-    const VALUE line = integer(location.line);
+    const VALUE line = INT2FIX(location.line);
     return protect([=] { return rb_struct_new(s_locationClass, file, line); });
 }
 

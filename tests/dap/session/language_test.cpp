@@ -12,7 +12,8 @@ namespace {
 
 TEST(Language, FailuresAreToldFromValues) {
     for (const char* failure : {"NameError: name 'x' is not defined", "KeyboardInterrupt",
-                                "json.decoder.JSONDecodeError: Extra data", "StopIteration"})
+                                "json.decoder.JSONDecodeError: Extra data", "StopIteration",
+                                "Tamrix::LookupError: Object not found"})
         EXPECT_TRUE(isFailureText(failure)) << failure;
     for (const char* value : {"'NameError: x'", "3", "", "ValueError('x')", "<class 'NameError'>",
                               "Pair: 1, 2", "Errors"})
@@ -67,6 +68,21 @@ async def main():
     EXPECT_EQ(functionAt({script, 1}), "a.js");
     EXPECT_EQ(functionAt({script, 4}), "main");
     EXPECT_EQ(functionAt({script, 7}), "numbers");
+    const QString ruby = folder.filePath("a.rb");
+    ASSERT_TRUE(Tamrix::Test::writeFile(ruby,
+                                        "x = 1\n"
+                                        "class Basket\n"
+                                        "  def empty?\n"
+                                        "    @pies.all? do |pie|\n"
+                                        "      pie.eaten?\n"
+                                        "    end\n"
+                                        "  end\n"
+                                        "  def self.of(pies) =\n"
+                                        "    new(pies)\n"
+                                        "end\n"));
+    EXPECT_EQ(functionAt({ruby, 1}), "a.rb");
+    EXPECT_EQ(functionAt({ruby, 5}), "empty?");
+    EXPECT_EQ(functionAt({ruby, 9}), "of");
     EXPECT_EQ(functionAt({"/no/such/b.py", 3}), "b.py");
     EXPECT_EQ(functionAt({folder.filePath("a.tcl"), 3}), "a.tcl");
 }

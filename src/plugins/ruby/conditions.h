@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include "plugins/ruby/rubyapi.h"
+
+namespace Tamrix::RubyPlugin {
+
+/// Makes what prelude/condition.rb asks about objects of applications.
+void defineConditions(VALUE native);
+
+/// What the running call of a verdict says in its script: the source text of its first argument, or
+/// of the one called `parameter`, and below it, a line each, the values in it. To be asked in a
+/// function that the script has called. Empty when there is nothing to tell. Throws ScriptErrorSet
+/// for what ends the script.
+QString explainCall(const char* parameter);
+
+}  // namespace Tamrix::RubyPlugin
