@@ -1,9 +1,9 @@
 #include "plugins/perl/conversion.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "interpreter/language/looseutf8.h"
 #include "interpreter/language/scripterrorset.h"
 #include "plugins/perl/guardedcall.h"
 
@@ -11,58 +11,14 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-/// Perl writes surrogates as it writes any other character, which QString's UTF-8 never does.
-QByteArray withSurrogates(pTHX_ const QString& text) {
-    QByteArray bytes;
-    for (const uint character : codePoints(text)) {
-        U8 buffer[UTF8_MAXBYTES + 1];
-        const U8* const end = uvchr_to_utf8(buffer, character);
-        bytes.append(reinterpret_cast<const char*>(buffer), static_cast<int>(end - buffer));
-    }
-    return bytes;
-}
-
-/// Character by character: for what is no UTF-8 for others than Perl.
-QString textOfPerlCharacters(pTHX_ const char* bytes, STRLEN size) {
-    QString text;
-    const U8* place = reinterpret_cast<const U8*>(bytes);
-    const U8* const end = place + size;
-    while (place < end) {
-        STRLEN length = 0;
-        const UV character =
-            utf8n_to_uvchr(place, static_cast<STRLEN>(end - place), &length, UTF8_ALLOW_ANY);
-        place += length == 0 ? 1 : length;
-        if (character > 0x10FFFF)
-            text += QChar(QChar::ReplacementCharacter);
-        else if (character > 0xFFFF)
-            text += QString::fromUcs4(std::array{static_cast<char32_t>(character)}.data(), 1);
-        else
-            text += QChar(static_cast<ushort>(character));
-    }
-    return text;
-}
-
 QString className(pTHX_ SV* value) {
     return QString::fromUtf8(sv_reftype(SvRV(value), 1));
 }
 
 }  // namespace
 
-std::vector<uint> codePoints(const QString& text) {
-    std::vector<uint> codes;
-    codes.reserve(static_cast<std::size_t>(text.size()));
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar unit = text.at(index);
-        const QChar next = index + 1 < text.size() ? text.at(index + 1) : QChar();
-        const bool isPair = unit.isHighSurrogate() && next.isLowSurrogate();
-        codes.push_back(isPair ? QChar::surrogateToUcs4(unit, next) : unit.unicode());
-        index += isPair ? 1 : 0;
-    }
-    return codes;
-}
-
 SvRef toPerl(pTHX_ const QString& text) {
-    const QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : withSurrogates(aTHX_ text);
+    const QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : toLooseUtf8(text);
     SV* const value = newSVpvn(bytes.constData(), static_cast<STRLEN>(bytes.size()));
     if (bytes.size() != text.size())
         SvUTF8_on(value);
@@ -74,7 +30,7 @@ QString textOfBytes(pTHX_ const char* bytes, STRLEN size, bool isUtf8) {
         return QString::fromLatin1(bytes, static_cast<int>(size));
     if (is_strict_utf8_string(reinterpret_cast<const U8*>(bytes), size))
         return QString::fromUtf8(bytes, static_cast<int>(size));
-    return textOfPerlCharacters(aTHX_ bytes, size);
+    return fromLooseUtf8(bytes, static_cast<int>(size));
 }
 
 QString textOf(pTHX_ SV* value) {
@@ -82,7 +38,7 @@ QString textOf(pTHX_ SV* value) {
     if (SvGMAGICAL(value) || SvAMAGIC(value)) {
         CodeEnd end = callOwn(aTHX_ "tamrix::_text", {SvRef::borrow(value)});
         if (end.ending == Ending::Left)
-            throwEnd(std::move(end));
+            throwEnd(end);
         if (end.ending == Ending::Died)
             return SvROK(value)
                        ? QStringLiteral("<unprintable %1 object>").arg(className(aTHX_ value))

@@ -9,14 +9,11 @@
 
 namespace Tamrix::PerlPlugin {
 
-/// The characters of a text; half of a pair that stands alone counts as one.
-std::vector<uint> codePoints(const QString& text);
-
 /// A new string; lone surrogates are kept.
 SvRef toPerl(pTHX_ const QString& text);
 
 /// The text of bytes or, with `isUtf8`, of Perl's characters. Lone surrogates are kept; what is
-/// beyond Unicode becomes the replacement character.
+/// beyond Unicode becomes replacement characters.
 QString textOfBytes(pTHX_ const char* bytes, STRLEN size, bool isUtf8);
 
 /// Any value as text, as Perl makes one of it. What code of an object dies with gives "<unprintable

@@ -2,57 +2,36 @@
 
 #include <algorithm>
 
-#include "plugins/perl/conversion.h"
+#include "interpreter/language/literals.h"
 
 namespace Tamrix::PerlPlugin {
 
 namespace {
 
-QString inSingleQuotes(QString text) {
-    text.replace('\\', QStringLiteral("\\\\")).replace('\'', QStringLiteral("\\'"));
-    return '\'' + text + '\'';
-}
-
-QString escaped(uint character) {
-    switch (character) {
-        case '\n':
-            return QStringLiteral("\\n");
-        case '\r':
-            return QStringLiteral("\\r");
-        case '\t':
-            return QStringLiteral("\\t");
-        default:
-            return QStringLiteral("\\x{%1}").arg(character, 0, 16);
-    }
-}
-
-template <typename StandsAsItIs>
-QString literalOf(const QString& text, StandsAsItIs standsAsItIs) {
-    const std::vector<uint> codes = codePoints(text);
-    if (std::all_of(codes.begin(), codes.end(), standsAsItIs))
-        return inSingleQuotes(text);
-    QString inner;
-    for (const uint each : codes) {
-        if (!standsAsItIs(each)) {
-            inner += escaped(each);
-            continue;
-        }
-        // These mean something between double quotes.
-        if (each == '"' || each == '\\' || each == '$' || each == '@')
-            inner += '\\';
-        inner += QString::fromUcs4(&each, 1);
-    }
-    return '"' + inner + '"';
+QString inDoubleQuotes(const QString& text) {
+    return literalOf(text, {'"', "$@", numberedCharacter, 1});
 }
 
 }  // namespace
 
 QString literal(const QString& text) {
-    return literalOf(text, [](uint each) { return QChar::isPrint(each); });
+    if (!std::all_of(text.begin(), text.end(), [](QChar each) { return each.isPrint(); }))
+        return inDoubleQuotes(text);
+    QString inner = text;
+    inner.replace('\\', QStringLiteral("\\\\")).replace('\'', QStringLiteral("\\'"));
+    return '\'' + inner + '\'';
 }
 
 QString asciiLiteral(const QString& text) {
-    return literalOf(text, [](uint each) { return each >= ' ' && each <= '~'; });
+    const auto isAscii = [](uint each) { return each < 0x80; };
+    const QVector<uint> codes = inDoubleQuotes(text).toUcs4();
+    if (std::all_of(codes.begin(), codes.end(), isAscii))
+        return literal(text);
+    QString literal;
+    for (const uint code : codes)
+        literal += isAscii(code) ? QString(QChar(code))
+                                 : QString(QLatin1String(numberedCharacter)).arg(code, 0, 16);
+    return literal;
 }
 
 }  // namespace Tamrix::PerlPlugin

@@ -1,9 +1,9 @@
 #include "plugins/perl/objectnames.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <algorithm>
 
+#include "interpreter/language/literals.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/literal.h"
@@ -17,27 +17,22 @@ namespace {
 constexpr const char* perlVariables[] = {"_",    "a",       "b",     "ENV",    "INC",
                                          "ARGV", "ARGVOUT", "STDIN", "STDOUT", "STDERR"};
 
-bool isWord(const QString& name) {
-    static const QRegularExpression s_word(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_word.match(name).hasMatch();
-}
-
 bool isNameVariable(const QString& name) {
-    return isWord(name) &&
+    return isPlainIdentifier(name) &&
            std::none_of(std::begin(perlVariables), std::end(perlVariables),
                         [&](const char* own) { return name == QLatin1String(own); });
 }
 
 /// In front of "=>".
 QString hashKey(const QString& name) {
-    return isWord(name) ? name : literal(name);
+    return isPlainIdentifier(name) ? name : literal(name);
 }
 
 }  // namespace
 
 PerlObjectMap::PerlObjectMap(const QString& path)
     : GenericScriptedObjectMap(path, "pl"), m_package(QFileInfo(path).completeBaseName()) {
-    if (!isWord(m_package))
+    if (!isPlainIdentifier(m_package))
         m_package = QStringLiteral("names");
     m_notation.statement = QStringLiteral("our $%1 = %2;");
     m_notation.reference = QStringLiteral("$%1");

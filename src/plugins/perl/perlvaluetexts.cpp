@@ -4,10 +4,12 @@
 #include <optional>
 #include <vector>
 
+#include "interpreter/language/literals.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/departure.h"
 #include "plugins/perl/guardedcall.h"
 #include "plugins/perl/hooks.h"
+#include "plugins/perl/literal.h"
 #include "plugins/perl/scripterrors.h"
 
 namespace Tamrix::PerlPlugin {
@@ -29,28 +31,12 @@ QString functionText(pTHX_ CV* code) {
 }  // namespace
 
 QString PerlValueTexts::quoted(const QString& text) {
-    const bool isLong = text.size() > longest;
-    QString inner;
-    for (const QChar character : isLong ? text.left(longest) : text) {
-        switch (character.unicode()) {
-            case '\n':
-                inner += QStringLiteral("\\n");
-                break;
-            case '\t':
-                inner += QStringLiteral("\\t");
-                break;
-            case '"':
-            case '\\':
-                inner += '\\';
-                [[fallthrough]];
-            default:
-                if (character.unicode() < ' ')
-                    inner += QStringLiteral("\\x{%1}").arg(character.unicode(), 0, 16);
-                else
-                    inner += character;
-        }
+    QString quoted = literalOf(text.left(longest), {'"', "", numberedCharacter, 1});
+    if (text.size() > longest) {
+        quoted.chop(1);
+        quoted += QStringLiteral("...");
     }
-    return '"' + inner + (isLong ? "..." : "\"");
+    return quoted;
 }
 
 QString PerlValueTexts::bounded(pTHX_ SV* value, int depth) {

@@ -16,10 +16,7 @@ class CaseInterpreter;
 ///     $wanted: "b"
 ///     @rows: [1]
 ///
-/// Values are variables, elements of arrays and hashes, and properties of an application's objects,
-/// which are read once more; no code of the script runs. Empty when there is nothing to tell: for a
-/// plain constant, code without a file, a file that is another one by now, two verdicts on one
-/// line. Throws ScriptErrorSet for what ends the script.
-QString explainCall(pTHX_ CaseInterpreter& interpreter, const QString& parameter);
+/// Empty when there is nothing to tell. Throws ScriptErrorSet for what ends the script.
+QString explainCall(pTHX_ CaseInterpreter& interpreter, const char* parameter);
 
 }  // namespace Tamrix::PerlPlugin
