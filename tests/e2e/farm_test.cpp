@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <algorithm>
@@ -156,6 +158,60 @@ TEST_F(FarmRunTest, WhatTakesTooLongIsEndedWhereItStandsAndTheRunGoesOn) {
                                  "        called from "))
         << qPrintable(runner.output());
     EXPECT_TRUE(journalText("result").contains("cleaned up"));
+}
+
+TEST_F(FarmRunTest, WhatHasToBeKilledTellsWhereItStood) {
+    // Catches what would end it; is in code of C that looks for no signal; waits there, without
+    // the interpreter's lock.
+    writeCase("catches", "inner()",
+              "def inner():\n"
+              "    while True:\n"
+              "        try: time.sleep(100)\n"
+              "        except BaseException: pass\n");
+    writeCase("computes", "inner()", "def inner(): sum(iter(int, 1))\n");
+    writeCase("waits", "inner()",
+              "import ctypes\n"
+              "def inner():\n"
+              "    mask = (ctypes.c_ulong * 16)(1 << 9)\n"
+              "    ctypes.CDLL(None).sigwait(mask, mask)\n");
+    run({"--jobs", "3", "--case-timeout", "1"});
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_EQ(summary(), "3 cases: 3 with errors");
+    const QString output = runner.output();
+    for (const char* place : {"catches/test.py:6", "computes/test.py:4", "waits/test.py:7"}) {
+        const QString text =
+            QStringLiteral(
+                "%1: Error: The test case took longer than 1 s\n"
+                "        It did not react when it was ended, so its process was killed\n"
+                "        called from ")
+                .arg(QLatin1String(place));
+        EXPECT_TRUE(output.contains(text)) << place << "\n" << qPrintable(output);
+    }
+    EXPECT_TRUE(leavesNothing());
+}
+
+TEST_F(FarmRunTest, AHungProgramIsShownAsItsDisplayShowsIt) {
+    writeCase("hangs",
+              "startApplication('/usr/lib/x86_64-linux-gnu/qt5/examples/widgets/widgets/'\n"
+              "                     'calculator/calculator')\n"
+              "    waitForObject(\"{type='Button' text='7'}\")\n"
+              "    os.kill(currentApplicationContext().pid(), signal.SIGSTOP)\n"
+              "    signal.signal(signal.SIGINT, lambda *_: None)\n"
+              "    while True: pass");
+    runner.run({"run", suite.path("suite"), "--jobs", "1", "--case-timeout", "3", "--result-dir",
+                suite.path("results")});
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(runner.output().contains("hangs/test.py:8: Error: The script did not end"))
+        << qPrintable(runner.output());
+    QDirIterator pictures(suite.path("results"), {"*.png"}, QDir::Files,
+                          QDirIterator::Subdirectories);
+    ASSERT_TRUE(pictures.hasNext()) << qPrintable(runner.output());
+    const QImage picture(pictures.next());
+    const QRgb corner = picture.pixel(picture.width() - 1, picture.height() - 1);
+    int others = 0;
+    for (int x = 0; x < picture.width(); ++x)
+        others += picture.pixel(x, 40) != corner;
+    EXPECT_GT(others, 100) << "the program's window is not in the picture";
 }
 
 TEST_F(FarmRunTest, EndsAfterFailuresAndRepeatsWhatFailed) {

@@ -95,10 +95,13 @@ bool RunnerProcess::waitFor(const QString& text, const QString& stream) {
 }
 
 void RunnerProcess::sendSignal(int signal) {
+    // To 0 it would go to the tests themselves.
+    ASSERT_NE(m_process.processId(), 0) << "the program has ended";
     ::kill(static_cast<pid_t>(m_process.processId()), signal);
 }
 
 void RunnerProcess::sendSignalToGroup(int signal) {
+    ASSERT_NE(m_process.processId(), 0) << "the program has ended";
     ::kill(-static_cast<pid_t>(m_process.processId()), signal);
 }
 

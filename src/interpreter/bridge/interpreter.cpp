@@ -169,6 +169,10 @@ bool Interpreter::invokeFunction(const QString& name) {
     return false;
 }
 
+std::vector<LineInfo> Interpreter::interruptedStack() {
+    return m_debugger ? m_debugger->callStack() : std::vector<LineInfo>();
+}
+
 ScriptContext* Interpreter::scriptContext() {
     return nullptr;
 }

@@ -99,6 +99,10 @@ public:
     /// the error fields set. By default a language can't.
     virtual bool callLibraryFunction(const QString& name, const QStringList& arguments);
 
+    /// Where the script stands, as positions of results, innermost first. Unlike the debugger's
+    /// stack also in the midst of anything, for a process that ends behind it.
+    virtual std::vector<LineInfo> interruptedStack();
+
     RunnerInterface* runner() const { return m_runner; }
     Debugger* debugger() const { return m_debugger; }
     QString errorMessage() const { return m_errorMessage; }

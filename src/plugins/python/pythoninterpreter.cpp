@@ -250,6 +250,14 @@ PythonInterpreter::CallEnd PythonInterpreter::call(const SharedPtr<ScriptArgumen
     return hasRun(shownName, callee.get(), result.get()) ? end : CallEnd::Failed;
 }
 
+std::vector<LineInfo> PythonInterpreter::interruptedStack() {
+    // The script may have let go of the interpreter's lock, as in a wait.
+    const PyGILState_STATE state = PyGILState_Ensure();
+    std::vector<LineInfo> stack = LanguageInterpreter::interruptedStack();
+    PyGILState_Release(state);
+    return stack;
+}
+
 LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
     const PyRef callee = pythonValue(function);
     if (!PyFunction_Check(callee.get()))

@@ -69,6 +69,7 @@ public:
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
+    std::vector<LineInfo> interruptedStack() override;
 
 protected:
     void publishFunctions(const QStringList& names) override;

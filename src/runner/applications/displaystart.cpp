@@ -6,29 +6,12 @@
 #include <QSysInfo>
 #include <algorithm>
 
-#include "base/environment.h"
 #include "platform/objectmodel/display/displaymodel.h"
+#include "runner/applications/programdisplay.h"
 
 namespace Tamrix {
 
 namespace {
-
-/// What the program sees in a variable of its environment.
-QString variableOf(const ProgramStart& start, const QString& name) {
-    QString value = Environment::getVariable(name);
-    for (const auto& [changed, newValue] : start.environment) {
-        if (changed == name)
-            value = newValue;
-    }
-    return value;
-}
-
-/// The place of a file of cookies that is not that of this process.
-QString authorityOf(const ProgramStart& start) {
-    const QString name = QStringLiteral("XAUTHORITY");
-    const QString file = variableOf(start, name);
-    return file == Environment::getVariable(name) ? QString() : file;
-}
 
 QStringList commandLineOf(qint64 process) {
     QFile file(QStringLiteral("/proc/%1/cmdline").arg(process));
@@ -56,9 +39,7 @@ Display::ProcessTest processTestOf(const std::shared_ptr<StartedProgram>& progra
 }  // namespace
 
 DisplayStart::DisplayStart(std::shared_ptr<StartedProgram> program)
-    : m_program(std::move(program)),
-      m_address{variableOf(m_program->start().program, QStringLiteral("DISPLAY")),
-                authorityOf(m_program->start().program)} {}
+    : m_program(std::move(program)), m_address(displayAddressOf(m_program->start().program)) {}
 
 ApplicationFacts DisplayStart::factsOf(qint64 windowProcess) const {
     ChildProcess& main = m_program->process();

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 
+#include "runner/processes/lastlook.h"
 #include "runner/processes/terminal.h"
 
 namespace Tamrix {
@@ -139,6 +140,11 @@ Outcome<> FarmRun::startWorkers() {
 
 void FarmRun::listen(Post& post) {
     while (const std::optional<Worker::Message> message = post.worker->takeMessage()) {
+        if (message->kind == Worker::Message::HasLooked) {
+            post.timeOut = Post::TimeOut::Killed;
+            post.worker->kill();
+            return;
+        }
         if (message->kind == Worker::Message::CaseDone && post.state == Post::State::Running) {
             post.error = message->error;
             endCase(post, false);
@@ -241,7 +247,7 @@ void FarmRun::checkTimeOut(Post& post) {
         return;
     using TimeOut = Post::TimeOut;
     // 1. The script is asked to end where it stands, 2. asked again, for a clean-up that hangs,
-    // 3. killed.
+    // 3. looked at, 4. killed, at the latest when the look should be over.
     const qint64 limit = post.start + m_options.caseTimeout * qint64(1000);
     const qint64 time = now();
     if (post.timeOut == TimeOut::None && time >= limit) {
@@ -252,6 +258,10 @@ void FarmRun::checkTimeOut(Post& post) {
         post.timeOut = TimeOut::AskedAgain;
         post.worker->ask(SIGINT, true);
     } else if (post.timeOut == TimeOut::AskedAgain && time >= limit + 2 * cleanupPatience) {
+        post.timeOut = TimeOut::Looking;
+        post.worker->look();
+    } else if (post.timeOut == TimeOut::Looking &&
+               time >= limit + 2 * cleanupPatience + 2000 * LastLook::patience) {
         post.timeOut = TimeOut::Killed;
         post.worker->kill();
     }

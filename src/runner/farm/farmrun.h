@@ -66,7 +66,7 @@ private:
     struct Post {
         enum class State { Starting, Running, Retiring };
         /// How far a case that takes too long has been dealt with.
-        enum class TimeOut { None, Asked, AskedAgain, Killed };
+        enum class TimeOut { None, Asked, AskedAgain, Looking, Killed };
 
         std::unique_ptr<Worker> worker;
         State state = State::Starting;

@@ -11,6 +11,7 @@
 
 #include "runner/farm/casespool.h"
 #include "runner/processes/interrupt.h"
+#include "runner/processes/lastlook.h"
 #include "runner/processes/supervision.h"
 
 namespace Tamrix {
@@ -62,6 +63,12 @@ private:
     CaseTask m_task;
 };
 
+/// Only what is safe in a signal handler.
+void sayHasLooked(int socket) {
+    const char kind = Worker::Message::HasLooked;
+    ::send(socket, &kind, sizeof kind, MSG_NOSIGNAL);
+}
+
 /// Several processes can't share what a person types.
 void closeInput() {
     const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
@@ -77,6 +84,7 @@ void work(int number, int socket, const WorkerSettings& settings) {
         spoolFile(settings.spoolFolder, number), [&] { return link.attempt(); },
         [&](const QString& error) { link.say(Worker::Message::CaseDone, error); });
     SuiteRun run(*settings.suite, settings.options, &spool);
+    LastLook::prepare([&] { run.tellWhereScriptStands(); }, [socket] { sayHasLooked(socket); });
     const Outcome<> prepared = run.prepare();
     link.say(Worker::Message::Ready, prepared ? QString() : prepared.error().text);
     if (prepared)
@@ -139,6 +147,11 @@ void Worker::ask(int signal, bool isTimeOut) const {
         Interrupt::ask(m_process, signal, isTimeOut);
 }
 
+void Worker::look() const {
+    if (!m_hasEnded)
+        LastLook::ask(m_process);
+}
+
 void Worker::kill() const {
     if (!m_hasEnded)
         ::kill(m_process, SIGKILL);
@@ -147,7 +160,7 @@ void Worker::kill() const {
 std::optional<Worker::Message> Worker::takeMessage() {
     char bytes[1 + longestError];
     const ssize_t size = ::recv(m_socket, bytes, sizeof bytes, MSG_DONTWAIT);
-    if (size < 1 || bytes[0] < Message::Ready || bytes[0] > Message::CaseDone)
+    if (size < 1 || bytes[0] < Message::Ready || bytes[0] > Message::HasLooked)
         return std::nullopt;
     return Message{static_cast<Message::Kind>(bytes[0]),
                    QString::fromUtf8(bytes + 1, static_cast<int>(size) - 1)};

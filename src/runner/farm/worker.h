@@ -35,8 +35,9 @@ public:
     /// What a worker says.
     struct Message {
         enum Kind {
-            Ready,    ///< it waits for its first case
-            CaseDone  ///< the case's journal is whole; it waits for the next one
+            Ready,     ///< it waits for its first case
+            CaseDone,  ///< the case's journal is whole; it waits for the next one
+            HasLooked  ///< what look() wanted is done, as far as it could be
         };
         Kind kind = Ready;
         /// Why it can't run any case, or why the journal could not be written; empty when all is
@@ -61,6 +62,9 @@ public:
     void retire();
     /// Asks it to end its case, as Ctrl-C does.
     void ask(int signal, bool isTimeOut) const;
+    /// Lets it tell in the case's journal where the script stands that does not react: it can do
+    /// nothing else afterwards, and is to be killed.
+    void look() const;
     void kill() const;
 
     /// What it has said and nobody has read yet.

@@ -224,6 +224,9 @@ ChildProcess::~ChildProcess() = default;
 bool ChildProcess::hasEnded() {
     if (m_hasEnded)
         return true;
+    // A fork of this process may ask, too, whose child it is not.
+    if (::getpid() != m_parent)
+        return ::kill(m_pid, 0) != 0;
     siginfo_t info;
     std::memset(&info, 0, sizeof(info));
     if (::waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG) != 0) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <QList>
 #include <QPair>
@@ -70,9 +71,10 @@ public:
     ChildOutput* output() const { return m_output.get(); }
 
 private:
-    explicit ChildProcess(pid_t pid) : m_pid(pid) {}
+    explicit ChildProcess(pid_t pid) : m_pid(pid), m_parent(::getpid()) {}
 
     pid_t m_pid;
+    pid_t m_parent;
     bool m_hasEnded = false;
     ProcessEnd m_end;
     std::unique_ptr<ChildOutput> m_output;

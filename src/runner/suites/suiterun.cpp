@@ -22,6 +22,7 @@
 #include "interpreter/run/scripttestcase.h"
 #include "platform/testresult/resulttypes.h"
 #include "platform/testresult/testvp.h"
+#include "runner/applications/programdisplay.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
@@ -42,14 +43,20 @@ SharedPtr<Application> liveApplication(RunnerInterface* runner) {
                                            : SharedPtr<Application>();
 }
 
-/// The desktop as the current application sees it; a null one when it does not answer.
-Screenshot grabCurrentApplication(RunnerInterface* runner) {
-    const SharedPtr<Application> application = liveApplication(runner);
-    if (!application || !application->access().ping(pingTimeout))
-        return {};
+/// The desktop as the application sees it; a null one when it gives none.
+Screenshot grabDesktopOf(Application& application) {
     const Outcome<QVariant> picture =
-        application->access().nativeRequest(QStringLiteral("desktopScreenshot"), {});
+        application.access().nativeRequest(QStringLiteral("desktopScreenshot"), {});
     return picture ? Screenshot::fromVariant(*picture) : Screenshot();
+}
+
+/// What is seen of an application that does not answer; null when nobody knows.
+QImage grabDisplayOf(Application& application) {
+    const std::shared_ptr<StartedProgram> program = application.sharedProgram();
+    if (!program || !application.host().isEmpty() ||
+        application.access().facts().platform.startsWith(QLatin1String("wayland")))
+        return {};
+    return displayPictureOf(program->start().program).value_or(QImage());
 }
 
 /// Where pictures that go with results are kept: where attachments of the case are, too. Without an
@@ -236,6 +243,19 @@ void SuiteRun::runScript(const SuiteCase& testCase) {
         ::_exit(1);
 }
 
+void SuiteRun::tellWhereScriptStands() {
+    std::vector<LineInfo> stack;
+    if (ScriptTestCase::ip)
+        stack = ScriptTestCase::ip->interruptedStack();
+    if (stack.empty())
+        stack.emplace_back(m_runner.testCasePath(), 0);
+    QString message = QStringLiteral("The script did not end");
+    if (TestVP::wantLogScreenshotForResult(TestSettingsType::s_vpOptions, TestResult::Error))
+        message += TestVP::logScreenshot(&m_runner, TestResult::Error, QImage());
+    m_result.addResult(QDateTime::currentDateTime(), TestResult::Error, message,
+                       QStringLiteral("It was running here when its process was killed"), stack);
+}
+
 void SuiteRun::startDebugging(const SuiteCase& testCase) {
     if (Debugger* const debugger = ScriptTestCase::ip->debugger()) {
         debugger->setFrontEnd(createFrontEnd(m_options.debugger));
@@ -250,12 +270,21 @@ QImage SuiteRun::grabDesktop() {
     // The picture of a case that took too long is wanted in spite of the signal that ended it.
     if (Interrupt::isTimeOut())
         m_runner.applications.startCall();
-    m_desktop = grabCurrentApplication(&m_runner);
+    m_desktop = Screenshot();
+    const SharedPtr<Application> application = liveApplication(&m_runner);
+    if (!application)
+        return {};
+    if (!application->access().ping(pingTimeout))
+        return grabDisplayOf(*application);
+    m_desktop = grabDesktopOf(*application);
     return m_desktop.image();
 }
 
 void SuiteRun::keepFailureMoment(const QString& folder) {
+    // One that does not answer can't be asked for more than its picture.
     const Screenshot desktop = std::exchange(m_desktop, Screenshot());
+    if (desktop.image().isNull())
+        return;
     if (const SharedPtr<Application> application = liveApplication(&m_runner))
         m_failureMoment.keep(*application, desktop, folder, &m_result);
 }

@@ -70,6 +70,10 @@ public:
     using NextCase = std::function<const SuiteCase*()>;
     void run(const NextCase& nextCase);
 
+    /// Adds an error to the running case, with the script's stack and a picture of the desktop. For
+    /// a copy of the process that ends behind it (LastLook): nothing is as it should be after that.
+    void tellWhereScriptStands();
+
     /// Whether a case that ran had a failed verdict or a script error.
     bool hasFailed() const { return m_failedCases > 0; }
     /// The signal that ended the run early, 0 when none did.
