@@ -16,6 +16,7 @@ ScriptResult callDirectly(Interpreter& active, const NativeFunction& function,
     LanguageContext& context = active.context();
     LanguageContext::DirectCall<Argument> call(context);
     add(call);
+    call.complete();
     function.run(context, object);
     active.noticeApplication();
     if (context.hasError())

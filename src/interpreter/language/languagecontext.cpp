@@ -1,5 +1,7 @@
 #include "interpreter/language/languagecontext.h"
 
+#include <iterator>
+
 #include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
@@ -7,7 +9,7 @@
 
 namespace Tamrix {
 
-void LanguageContext::Call::keepOuter() {
+void LanguageContext::CallScope::keepOuter() {
     m_outer = std::make_unique<Outer>();
     m_outer->arguments.swap(m_context.argumentStorage());
     m_outer->areNamed = m_context.m_hasNamedArguments;
@@ -17,7 +19,7 @@ void LanguageContext::Call::keepOuter() {
     m_outer->result = std::move(m_context.m_result);
 }
 
-void LanguageContext::Call::restoreOuter() {
+void LanguageContext::CallScope::restoreOuter() {
     m_context.argumentStorage().swap(m_outer->arguments);
     m_context.m_hasNamedArguments = m_outer->areNamed;
     if (m_outer->isSkip)
@@ -25,6 +27,21 @@ void LanguageContext::Call::restoreOuter() {
     else
         m_context.setError(m_outer->errorMessage, m_outer->errorType);
     m_context.m_result = std::move(m_outer->result);
+}
+
+SharedPtr<ScriptArgument> LanguageContext::takeSpareWrapper() {
+    if (m_spareWrappers.empty())
+        return {};
+    SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
+    m_spareWrappers.pop_back();
+    return wrapper;
+}
+
+void LanguageContext::spareWrappersFrom(std::size_t count) {
+    std::vector<SharedPtr<ScriptArgument>>& used = argumentStorage();
+    std::move(used.begin() + static_cast<std::ptrdiff_t>(count), used.end(),
+              std::back_inserter(m_spareWrappers));
+    used.resize(count);
 }
 
 void LanguageContext::setStackTraceResult(const std::vector<ScriptLocation>& trace) {

@@ -21,37 +21,34 @@ public:
 
     void setTestResult(TestResult* result) { m_testResult = result; }
 
-    /// The time of one call of a native function: gives the context its arguments and takes them
-    /// away at the end.
-    class TAMRIX_EXPORT Call {
+    /// The time of one call of a native function: keeps aside what belongs to an outer one, and
+    /// takes the result away at the end.
+    class TAMRIX_EXPORT CallScope {
     public:
-        /// An argument that is null was left out. `areNamed` tells that some were given by name.
-        Call(LanguageContext& context, ScriptArgument::List arguments, bool areNamed)
-            : Call(context, areNamed) {
-            context.argumentStorage() = std::move(arguments);
-        }
-        ~Call() {
-            --m_context.m_depth;
-            m_context.argumentStorage().clear();
-            if (m_outer)
-                restoreOuter();
-            else
-                m_context.m_result.reset();
-        }
-        Call(const Call&) = delete;
-        Call& operator=(const Call&) = delete;
+        CallScope(const CallScope&) = delete;
+        CallScope& operator=(const CallScope&) = delete;
 
         /// What the function has given; null when it gave nothing.
         SharedPtr<ScriptArgument> takeResult() { return std::move(m_context.m_result); }
 
     protected:
-        /// Without arguments: who derives from this puts them into the context's argumentStorage().
-        Call(LanguageContext& context, bool areNamed) : m_context(context) {
+        /// `areNamed` tells that some arguments were given by name.
+        CallScope(LanguageContext& context, bool areNamed) : m_context(context) {
             if (m_context.m_depth++ > 0)
                 keepOuter();
             m_context.m_hasNamedArguments = areNamed;
             setCurrent(&m_context);
         }
+        ~CallScope() {
+            --m_context.m_depth;
+            if (m_outer)
+                restoreOuter();
+            else
+                m_context.m_result.reset();
+        }
+        std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
+
+        LanguageContext& m_context;
 
     private:
         /// State of a call that is running already.
@@ -66,44 +63,69 @@ public:
         void keepOuter();
         void restoreOuter();
 
-        LanguageContext& m_context;
         std::unique_ptr<Outer> m_outer;
     };
 
-    /// The same, with arguments that all stand at their places: add() gives them one after another.
-    /// Wrappers, of the plug-in's class, are used again as long as nobody has kept them; its
-    /// rebind() makes one stand for another value.
-    template <typename Argument>
-    class DirectCall : public Call {
+    /// A call with arguments that were made for it. One that is null was left out.
+    class Call : public CallScope {
     public:
-        explicit DirectCall(LanguageContext& context) : Call(context, false), m_own(context) {}
+        Call(LanguageContext& context, ScriptArgument::List given, bool areNamed)
+            : CallScope(context, areNamed) {
+            arguments() = std::move(given);
+        }
+        ~Call() { arguments().clear(); }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    protected:
+        /// Without arguments: who derives from this puts them into the context's argumentStorage().
+        Call(LanguageContext& context, bool areNamed) : CallScope(context, areNamed) {
+            arguments().clear();
+        }
+    };
+
+    /// A call with arguments that all stand at their places: add() gives them one after another,
+    /// complete() says that there are no more. Wrappers, of the plug-in's class, wait where they
+    /// are for the next call, unless somebody has kept them; its rebind() makes one stand for
+    /// another value.
+    template <typename Argument>
+    class DirectCall : public CallScope {
+    public:
+        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
         ~DirectCall() {
-            std::vector<SharedPtr<ScriptArgument>>& used = m_own.argumentStorage();
-            while (!used.empty()) {
-                if (used.back()->referenceCount() == 1) {
-                    static_cast<Argument*>(used.back().get())->rebind({});
-                    m_own.m_spareArguments.push_back(std::move(used.back()));
-                }
-                used.pop_back();
+            bool areKept = false;
+            for (const SharedPtr<ScriptArgument>& each : arguments()) {
+                if (each && each->referenceCount() == 1)
+                    static_cast<Argument*>(each.get())->rebind({});
+                else
+                    areKept = true;
             }
+            if (areKept)
+                std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
+                    return !each || each->referenceCount() > 1;
+                });
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
 
         template <typename Value>
         void add(Value&& value) {
-            std::vector<SharedPtr<ScriptArgument>>& spare = m_own.m_spareArguments;
-            if (spare.empty()) {
-                m_own.argumentStorage().emplace_back(new Argument(std::forward<Value>(value)));
-                return;
-            }
-            static_cast<Argument*>(spare.back().get())->rebind(std::forward<Value>(value));
-            m_own.argumentStorage().push_back(std::move(spare.back()));
-            spare.pop_back();
+            // Most calls have as many arguments as the one before.
+            if (m_count == arguments().size())
+                arguments().push_back(m_context.takeSpareWrapper());
+            SharedPtr<ScriptArgument>& wrapper = arguments()[m_count++];
+            if (wrapper)
+                static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
+            else
+                wrapper = new Argument(std::forward<Value>(value));
+        }
+        void complete() {
+            if (m_count < arguments().size())
+                m_context.spareWrappersFrom(m_count);
         }
 
     private:
-        LanguageContext& m_own;
+        std::size_t m_count = 0;
     };
 
     /// By default nothing of the language is pending when a native function begins.
@@ -154,9 +176,15 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    /// Null when there is none.
+    SharedPtr<ScriptArgument> takeSpareWrapper();
+    /// Those of the arguments that stand from this place on.
+    void spareWrappersFrom(std::size_t count);
+
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
-    std::vector<SharedPtr<ScriptArgument>> m_spareArguments;
+    /// Of arguments, for which the last call had no use.
+    std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
     int m_depth = 0;
 };
 

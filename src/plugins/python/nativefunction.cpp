@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "interpreter/bridge/callarguments.h"
+#include "interpreter/language/directcall.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/pythoncontext.h"
@@ -48,25 +48,23 @@ CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObj
 
 // The call
 
-/// Runs the native function in the context, which has its arguments. `first` is the object or class
-/// of the kinds that have one.
+/// The result of the native function, whose exceptions pass. `first` is the object or class of the
+/// kinds that have one.
 template <Kind kind>
-PyObject* run(const Target& target, PythonInterpreter& interpreter, LanguageContext::Call& call,
-              PyObject* first) {
+ScriptResult run(const NativeFunction& function, PythonInterpreter& interpreter, PyObject* first,
+                 PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
     SharedPtr<NativeScriptObject> object;
     if constexpr (kind == Kind::Method)
         object = NativeHolder::unwrap(first);
-    SharedPtr<NativeScriptObject> made = target.function.run(interpreter.context(), object);
-    interpreter.noticeApplication();
-    if (interpreter.context().hasError()) {
-        setFailure(failureOf(interpreter.context()));
-        return nullptr;
-    }
-    if constexpr (kind == Kind::Constructor)
-        return NativeHolder::wrap(std::move(made), reinterpret_cast<PyTypeObject*>(first))
-            .release();
-    const SharedPtr<ScriptArgument> result = call.takeResult();
-    return result ? pythonValue(result).release() : Py_NewRef(Py_None);
+    const bool isDirect = kind != Kind::Constructor && !names &&
+                          areInPlace(function.parameters(), static_cast<int>(count),
+                                     [=](int index) { return arguments[index] == Py_None; });
+    if (!isDirect)
+        return callNative(&interpreter, function, object, givenArguments(arguments, count, names));
+    return callDirectly<PythonArgument>(interpreter, function, object, [=](auto& call) {
+        for (Py_ssize_t index = 0; index < count; ++index)
+            call.add(PyRef::borrow(arguments[index]));
+    });
 }
 
 constexpr bool hasFirst(Kind kind) {
@@ -105,8 +103,6 @@ bool checkFirst(const Target& target, PyObject* const* arguments, Py_ssize_t cou
 template <Kind kind>
 PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
                     PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
-    // What the script has printed stands before what the call will write.
-    interpreter.output().flush();
     PyObject* first = nullptr;
     if constexpr (hasFirst(kind)) {
         if (!checkFirst(target, arguments, count))
@@ -114,26 +110,20 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
         first = *arguments++;
         --count;
     }
-    LanguageContext& context = interpreter.context();
     try {
-        if (!names && areInPlace(target.function.parameters(), static_cast<int>(count),
-                                 [=](int index) { return arguments[index] == Py_None; })) {
-            LanguageContext::DirectCall<PythonArgument> call(context);
-            for (Py_ssize_t index = 0; index < count; ++index)
-                call.add(PyRef::borrow(arguments[index]));
-            return run<kind>(target, interpreter, call, first);
-        }
-        Outcome<ScriptArgument::List> bound =
-            bindArguments(target.function.displayName(), target.function.parameters(),
-                          givenArguments(arguments, count, names));
-        if (!bound) {
-            PyErr_SetString(PyExc_TypeError, bound.error().text.toUtf8().constData());
-            return nullptr;
-        }
-        LanguageContext::Call call(context, std::move(*bound), names != nullptr);
-        return run<kind>(target, interpreter, call, first);
+        const ScriptResult result =
+            run<kind>(target.function, interpreter, first, arguments, count, names);
+        if (!result)
+            setFailure(result.error());
+        else if constexpr (kind == Kind::Constructor)
+            // Of the class that is called, which a script may have derived.
+            return NativeHolder::wrap(NativeHolder::unwrap(pythonValue(*result).get()),
+                                      reinterpret_cast<PyTypeObject*>(first))
+                .release();
+        else
+            return *result ? pythonValue(*result).release() : Py_NewRef(Py_None);
     } catch (const PythonErrorSet&) {
-        return nullptr;
+        // The script gets the exception that is set.
     } catch (const std::exception& exception) {
         setFailure(thrownIn(target.function.displayName(), QString::fromUtf8(exception.what())));
     } catch (...) {

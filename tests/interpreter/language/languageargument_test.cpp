@@ -62,26 +62,26 @@ private:
 };
 
 struct Native : NativeScriptObject {
-    static inline char marker = 0;
-    static inline char base = 0;
-    static inline char other = 0;
-    void* typeId() const override { return &marker; }
+    static inline char s_marker = 0;
+    static inline char s_base = 0;
+    static inline char s_other = 0;
+    void* typeId() const override { return &s_marker; }
 };
 
 TEST(LanguageArgument, IsWhatItHolds) {
-    setNativeSuper(&Native::marker, &Native::base);
+    setNativeSuper(&Native::s_marker, &Native::s_base);
     const HoldingArgument native(SharedPtr<NativeScriptObject>(new Native));
-    EXPECT_TRUE(native.isNative(&Native::base));
-    EXPECT_FALSE(native.isNative(&Native::other));
+    EXPECT_TRUE(native.isNative(&Native::s_base));
+    EXPECT_FALSE(native.isNative(&Native::s_other));
     EXPECT_FALSE(native.isObject());
     EXPECT_FALSE(native.isClass());
     EXPECT_FALSE(native.toTestDataRecord());
     EXPECT_FALSE(native.toVariant());
 
-    const auto* const record = reinterpret_cast<const TestDataRecord*>(&Native::marker);
+    const auto* const record = reinterpret_cast<const TestDataRecord*>(&Native::s_marker);
     const HoldingArgument row(SharedPtr<HeldRecord>(new HeldRecord(nullptr, record)));
     EXPECT_EQ(row.toTestDataRecord(), record);
-    EXPECT_FALSE(row.isNative(&Native::base));
+    EXPECT_FALSE(row.isNative(&Native::s_base));
 }
 
 TEST(LanguageArgument, GoesToApplicationsAsWhatItIs) {
