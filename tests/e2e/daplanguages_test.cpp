@@ -40,6 +40,8 @@ struct DebuggedLanguage {
     const char* error;
     const char* assignment;
     const char* countOfContext;
+    /// In front of the names of variables.
+    const char* sign = "";
 };
 
 void PrintTo(const DebuggedLanguage& language, std::ostream* stream) {
@@ -98,6 +100,38 @@ When("they are eaten", context => {
 });
 )js",
      "left === 2", "left + right", "'two'", "Error: after all", "total", "context.count"},
+    {"perl", "pl", "tamrixperl",
+     R"pl(package helper;
+sub add {
+    my ($left, $right, $sum) = @_;
+    $sum = $left + $right;  # @sum
+    return $sum;  # @end
+}
+1;
+)pl",
+     R"pl(require 'helper.pl';
+
+sub main {
+    my $values = [1, [2, 'two']];  # @values
+    my $total = helper::add($values->[0], 1);  # @one
+    $total = helper::add($total, 5);  # @two
+    print "$total\n";  # @print
+    die "after all\n";  # @raise
+}
+)pl",
+     R"pl(use bdd;
+
+Given '{int} pies', sub {
+    my ($context, $count) = @_;
+    $context->{count} = $count;  # @pies
+};
+
+When 'they are eaten', sub {
+    my ($context) = @_;
+    my $rows = $context->{table};  # @eaten
+};
+)pl",
+     "$left == 2", "$left + $right", "\"two\"", "after all", "$total", "$context->{count}", "$"},
     {"ruby", "rb", "tamrixruby",
      R"rb(def add(left, right)
   sum = left + right # @sum
@@ -201,7 +235,10 @@ protected:
             frames.append(each.toObject()["name"].toString());
         return frames.join(' ');
     }
-    QString evaluated(const char* expression) {
+    static QString nameOf(const char* variable) {
+        return QString(QLatin1String(GetParam().sign)) + variable;
+    }
+    QString evaluated(const QString& expression) {
         return client.body("evaluate", {{"expression", expression}, {"context", "watch"}})["result"]
             .toString();
     }
@@ -244,13 +281,13 @@ TEST_P(DapLanguages, StepsThroughModulesToAnErrorThatNothingCatches) {
     EXPECT_EQ(after("continue"), at("breakpoint", "helper.{}", language.helper, "@sum"));
     EXPECT_EQ(stack(), "add main");
     const QJsonObject variables = client.variables();
-    EXPECT_EQ(value(variables["left"]), "2");
-    EXPECT_EQ(value(variables["right"]), "5");
+    EXPECT_EQ(value(variables[nameOf("left")]), "2");
+    EXPECT_EQ(value(variables[nameOf("right")]), "5");
     EXPECT_EQ(evaluated(language.sum), "7");
     // What the caller has.
     const QJsonObject callers = client.variables(scopeOf(2));
-    EXPECT_EQ(value(callers["total"]), "2");
-    EXPECT_EQ(value(opened(opened(callers["values"])["1"])["1"]), language.two);
+    EXPECT_EQ(value(callers[nameOf("total")]), "2");
+    EXPECT_EQ(value(opened(opened(callers[nameOf("values")])["1"])["1"]), language.two);
     // Behind the call, which may be where the value is assigned.
     QString place = after("stepOut");
     if (place == at("step", "test.{}", language.script, "@two"))
@@ -263,7 +300,7 @@ TEST_P(DapLanguages, StepsThroughModulesToAnErrorThatNothingCatches) {
     EXPECT_EQ(after("continue"), at("exception", "test.{}", language.script, "@raise"));
     EXPECT_TRUE(client.body("exceptionInfo", {{"threadId", 1}})["description"].toString().contains(
         language.error));
-    EXPECT_EQ(value(client.variables()["total"]), "40");
+    EXPECT_EQ(value(client.variables()[nameOf("total")]), "40");
     client.body("continue", {{"threadId", 1}});
     EXPECT_EQ(exitCodeOfRun(), 1);
     EXPECT_EQ(client.output("stdout"), "40\n");
@@ -287,7 +324,7 @@ TEST_P(DapLanguages, StepsOfAFeatureFileAndTheirFunctions) {
     EXPECT_EQ(client.stop(), "breakpoint test.feature:3");
     EXPECT_EQ(evaluated("1 + 1"), "2");
     EXPECT_EQ(after("stepIn"), at("step", "order.{}", language.steps, "@pies"));
-    EXPECT_EQ(evaluated("count"), "2");
+    EXPECT_EQ(evaluated(nameOf("count")), "2");
     EXPECT_EQ(after("stepOut"), "step test.feature:4");
     EXPECT_EQ(after("continue"), at("breakpoint", "order.{}", language.steps, "@eaten"));
     EXPECT_TRUE(stack().endsWith(" When they are eaten")) << qPrintable(stack());

@@ -84,7 +84,7 @@ TEST_F(NamesCommand, MapsOfEachLanguageGoBackAndForth) {
         ":WINDOW\t{box={text~='^a.*b$' type='Box'} type='Main' windowTitle*='Shop*'}\n"
         ":SAVE\t{text='Sa\\\\\\\\ve \"#$@%\" \\\\'it\\\\'' type='Button' window=':WINDOW'}\n";
     suite.write("names.tsv", "# The shop\n" + table);
-    for (const char* const suffix : {"py", "js", "rb", "tcl"}) {
+    for (const char* const suffix : {"py", "js", "tcl", "pl", "rb"}) {
         const QString script = suite.path(QStringLiteral("maps/names.%1").arg(suffix));
         const QString back = suite.path(QStringLiteral("maps/%1.tsv").arg(suffix));
         const QString again = suite.path(QStringLiteral("again/names.%1").arg(suffix));

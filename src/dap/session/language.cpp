@@ -32,6 +32,7 @@ constexpr const char* assignment = "testSettings.%1 = %2";
 constexpr Language languages[] = {
     {"js", "true", "false", assignment, "Boolean(%1)",
      "^\\s*(?:export\\s+)?(?:default\\s+)?(?:async\\s+)?function\\s*\\*?\\s*(\\w+)"},
+    {"pl", "1", "0", "testSettings->%1(%2)", "(%1) ? 1 : 0", "^\\s*sub\\s+(?:\\w+::)*(\\w+)"},
     {"py", "True", "False", assignment, "bool(%1)", "^\\s*(?:async\\s+)?def\\s+(\\w+)"},
     {"rb", "true", "false", assignment, "!!(%1)", "^\\s*def\\s+(?:self\\.)?(\\w+[?!=]?)"},
     {commandSuffix, "1", "0", "testSettings configure -%1 %2", "expr {bool(%1)}",

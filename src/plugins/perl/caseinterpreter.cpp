@@ -2,9 +2,8 @@
 
 #include <unistd.h>
 
-#include <stdexcept>
+#include <utility>
 
-#include "interpreter/language/scripterrorset.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/departure.h"
 #include "plugins/perl/frameevaluation.h"
@@ -36,14 +35,22 @@ SvRef withPlace(pTHX_ const QString& text, const QByteArray& codeFile) {
     return value;
 }
 
+SharedPtr<ScriptArgument> referenceTo(pTHX_ CV* function) {
+    return new PerlArgument(SvRef::steal(newRV_inc(reinterpret_cast<SV*>(function))));
+}
+
 }  // namespace
 
 CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, Perl), m_files(m_runtime.libraryFolders()), m_process(getpid()) {
     m_context = std::make_unique<PerlContext>(*this);
     m_debugger = std::make_unique<PerlDebugger>(*this);
-    defineOwnFunctions();
-    runPrelude();
+    pTHX = perl();
+    defineObjectTypes(aTHX);
+    defineStreams(aTHX);
+    defineStepFunctions(aTHX);
+    for (const char* const name : {"library", "output", "steps", "remotesystem"})
+        runPrelude(aTHX_ name);
     begin(std::make_unique<PerlSteps>(*this));
     installHooks(m_runtime.perl());
 }
@@ -78,39 +85,12 @@ bool CaseInterpreter::isInChild() const {
     return getpid() != m_process;
 }
 
-void CaseInterpreter::defineOwnFunctions() {
-    pTHX = perl();
-    defineObjectTypes(aTHX);
-    defineStreams(aTHX);
-    defineStepFunctions(aTHX);
-}
-
-void CaseInterpreter::runPrelude() {
-    pTHX = perl();
-    const SvRef text = SvRef::steal(newSVpv(preludeText, 0));
-    const CodeEnd end = evaluateCode(aTHX_ text.get());
-    if (end.ending != Ending::Returned)
-        throw std::runtime_error(end.value
-                                     ? ScriptErrors::messageOf(aTHX_ end.value.get()).toStdString()
-                                     : "Perl has left the plug-in's own code");
-}
-
 void CaseInterpreter::exceptionRaised(pTHX_ SV* exception) {
     if (m_errors.note(aTHX_ exception))
         m_debugger->errorPasses(aTHX_ exception);
 }
 
 // Names for scripts
-
-void CaseInterpreter::addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                                        const QStringList& requiredParameters,
-                                        const QStringList& optionalParameters,
-                                        const QString& description) {
-    m_functions.define(
-        "main", name,
-        NativeFunction(context(), {name, {}, requiredParameters, optionalParameters, description},
-                       function));
-}
 
 void CaseInterpreter::addNativeType(const QString& name, void* typeId,
                                     const NativeScriptType& type) {
@@ -176,17 +156,13 @@ SharedPtr<ScriptArgument> CaseInterpreter::scriptFunction(const QString& name) {
     m_runtime.enter();
     pTHX = perl();
     CV* const function = mainFunction(name);
-    if (!function || CvISXSUB(function))
-        return {};
-    return new PerlArgument(SvRef::steal(newRV_inc(reinterpret_cast<SV*>(function))));
+    return function && !CvISXSUB(function) ? referenceTo(aTHX_ function) : nullptr;
 }
 
 SharedPtr<ScriptArgument> CaseInterpreter::libraryFunction(const QString& name) {
     pTHX = perl();
     CV* const function = mainFunction(name);
-    if (!function)
-        return {};
-    return new PerlArgument(SvRef::steal(newRV_inc(reinterpret_cast<SV*>(function))));
+    return function ? referenceTo(aTHX_ function) : nullptr;
 }
 
 // Running
@@ -204,15 +180,10 @@ CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileNa
     return end;
 }
 
-std::optional<ScriptError> CaseInterpreter::loadText(const QString& text, const QString& fileName) {
-    pTHX = perl();
+void CaseInterpreter::runText(const QString& text, const QString& fileName) {
     CodeEnd end = evaluateText("package main; " + text, fileName, nullptr);
     output().flush();
-    if (end.ending == Ending::Left)
-        throwEnd(std::move(end));
-    if (end.ending == Ending::Returned)
-        return std::nullopt;
-    return m_errors.take(aTHX_ end.value);
+    valueOrThrow(std::move(end));
 }
 
 bool CaseInterpreter::isErrorOrdinary() {
@@ -234,7 +205,7 @@ bool CaseInterpreter::checkSyntax(const QString& text, const QString& fileName) 
     bool isCompiled = false;
     CodeEnd end = evaluateText("package main; " + text, fileName, &isCompiled);
     if (!isCompiled && end.ending == Ending::Died)
-        return finish(end, true);
+        return runCode(true, [&] { valueOrThrow(std::move(end)); });
     m_checked = {text, fileName, std::move(end)};
     return true;
 }
@@ -244,50 +215,31 @@ bool CaseInterpreter::runScript(const QString& text, const QString& fileName) {
     if (m_checked && m_checked->text == text && m_checked->fileName == fileName) {
         CodeEnd end = std::move(m_checked->end);
         m_checked.reset();
-        return finish(end, true);
+        return runCode(true, [&] { valueOrThrow(std::move(end)); });
     }
     departure() = Departure();
-    return finish(
-        evaluateText("package main; " + text, fileName.isEmpty() ? noFile : fileName, nullptr),
-        !fileName.isEmpty());
+    return runCode(!fileName.isEmpty(),
+                   [&] { runText(text, fileName.isEmpty() ? noFile : fileName); });
 }
 
 LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                    const CallArguments& arguments,
                                                    const QString& /*name*/, bool isCallback) {
     m_runtime.enter();
-    pTHX = perl();
     if (!isCallback)
         departure() = Departure();
-    std::vector<SvRef> values;
-    for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
-        values.push_back(SvRef::borrow(valueOf(argument)));
-    // Named ones as Perl has them: pairs behind the others.
-    for (const auto& [name, argument] : arguments.named) {
-        values.push_back(toPerl(aTHX_ name));
-        values.push_back(SvRef::borrow(valueOf(argument)));
-    }
-    CodeEnd end = callCode(aTHX_ valueOf(function), values);
-    if (isCallback && end.ending == Ending::Left)
-        throwEnd(std::move(end));
-    const bool isPending = end.ending == Ending::Died && sv_isobject(end.value.get()) &&
-                           sv_derived_from(end.value.get(), "bdd::Pending");
-    if (finish(end, true))
-        return CallEnd::Succeeded;
-    return isPending ? CallEnd::Pending : CallEnd::Failed;
-}
-
-bool CaseInterpreter::finish(const CodeEnd& end, bool hasFile) {
-    pTHX = perl();
-    switch (end.ending) {
-        case Ending::Returned:
-            break;
-        case Ending::Died:
-            return failWith(m_errors.take(aTHX_ end.value), hasFile);
-        case Ending::Left:
-            return failWith(ScriptErrors::ofDeparture(aTHX), hasFile);
-    }
-    return succeed();
+    return runCall(isCallback, [&] {
+        pTHX = perl();
+        std::vector<SvRef> values;
+        for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
+            values.push_back(SvRef::borrow(valueOf(argument)));
+        // Named ones as Perl has them: pairs behind the others.
+        for (const auto& [name, argument] : arguments.named) {
+            values.push_back(toPerl(aTHX_ name));
+            values.push_back(SvRef::borrow(valueOf(argument)));
+        }
+        valueOrThrow(callCode(aTHX_ valueOf(function), values));
+    });
 }
 
 Outcome<QString> CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {

@@ -36,7 +36,6 @@ public:
 
     LanguageContext& context() override;
     LanguageDebugger& languageDebugger() override;
-    PerlDebugger& perlDebugger() { return *m_debugger; }
     SourceFiles& files() { return m_files; }
     ScriptErrors& errors() { return m_errors; }
     NativeFunctions& functions() { return m_functions; }
@@ -54,16 +53,12 @@ public:
     /// Runs text as `eval` does, where the script is. `isCompiled`, when given, is set when the
     /// text could be compiled.
     CodeEnd evaluateText(const QString& text, const QString& fileName, bool* isCompiled);
-    /// Runs the text of a file at the top level, as one of steps.
-    std::optional<ScriptError> loadText(const QString& text, const QString& fileName);
+    /// Runs the text of a file at the top level. Throws ScriptErrorSet.
+    void runText(const QString& text, const QString& fileName);
 
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
-    void addNativeFunction(const QString& name, bool (*function)(ScriptContext*),
-                           const QStringList& requiredParameters,
-                           const QStringList& optionalParameters,
-                           const QString& description) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
 
@@ -80,9 +75,6 @@ protected:
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
 private:
-    void defineOwnFunctions();
-    void runPrelude();
-    bool finish(const CodeEnd& end, bool hasFile);
     /// The function of the name in `main`, null without.
     CV* mainFunction(const QString& name) const;
 

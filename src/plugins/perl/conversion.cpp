@@ -1,65 +1,15 @@
 #include "plugins/perl/conversion.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 
+#include "interpreter/language/looseutf8.h"
 #include "interpreter/language/scripterrorset.h"
 #include "plugins/perl/guardedcall.h"
 
 namespace Tamrix::PerlPlugin {
 
 namespace {
-
-/// Perl writes surrogates as it writes any other character, which QString's UTF-8 never does.
-SvRef withSurrogates(pTHX_ const QString& text) {
-    QByteArray bytes;
-    for (int index = 0; index < text.size(); ++index) {
-        uint character = text.at(index).unicode();
-        if (text.at(index).isHighSurrogate() && index + 1 < text.size() &&
-            text.at(index + 1).isLowSurrogate()) {
-            ++index;
-            character =
-                QChar::surrogateToUcs4(static_cast<ushort>(character), text.at(index).unicode());
-        }
-        U8 buffer[UTF8_MAXBYTES + 1];
-        const U8* const end = uvchr_to_utf8(buffer, character);
-        bytes.append(reinterpret_cast<const char*>(buffer), static_cast<int>(end - buffer));
-    }
-    SV* const value = newSVpvn(bytes.constData(), static_cast<STRLEN>(bytes.size()));
-    SvUTF8_on(value);
-    return SvRef::steal(value);
-}
-
-bool hasLoneSurrogate(const QString& text) {
-    for (int index = 0; index < text.size(); ++index) {
-        if (text.at(index).isHighSurrogate() && index + 1 < text.size() &&
-            text.at(index + 1).isLowSurrogate())
-            ++index;
-        else if (text.at(index).isSurrogate())
-            return true;
-    }
-    return false;
-}
-
-/// Character by character: for what is no UTF-8 for others than Perl.
-QString textOfPerlCharacters(pTHX_ const char* bytes, STRLEN size) {
-    QString text;
-    const U8* place = reinterpret_cast<const U8*>(bytes);
-    const U8* const end = place + size;
-    while (place < end) {
-        STRLEN length = 0;
-        const UV character =
-            utf8n_to_uvchr(place, static_cast<STRLEN>(end - place), &length, UTF8_ALLOW_ANY);
-        place += length == 0 ? 1 : length;
-        if (character > 0x10FFFF)
-            text += QChar(QChar::ReplacementCharacter);
-        else if (character > 0xFFFF)
-            text += QString::fromUcs4(std::array{static_cast<char32_t>(character)}.data(), 1);
-        else
-            text += QChar(static_cast<ushort>(character));
-    }
-    return text;
-}
 
 QString className(pTHX_ SV* value) {
     return QString::fromUtf8(sv_reftype(SvRV(value), 1));
@@ -68,9 +18,7 @@ QString className(pTHX_ SV* value) {
 }  // namespace
 
 SvRef toPerl(pTHX_ const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    if (hasLoneSurrogate(text))
-        return withSurrogates(aTHX_ text);
+    const QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : toLooseUtf8(text);
     SV* const value = newSVpvn(bytes.constData(), static_cast<STRLEN>(bytes.size()));
     if (bytes.size() != text.size())
         SvUTF8_on(value);
@@ -82,7 +30,7 @@ QString textOfBytes(pTHX_ const char* bytes, STRLEN size, bool isUtf8) {
         return QString::fromLatin1(bytes, static_cast<int>(size));
     if (is_strict_utf8_string(reinterpret_cast<const U8*>(bytes), size))
         return QString::fromUtf8(bytes, static_cast<int>(size));
-    return textOfPerlCharacters(aTHX_ bytes, size);
+    return fromLooseUtf8(bytes, static_cast<int>(size));
 }
 
 QString textOf(pTHX_ SV* value) {
@@ -90,7 +38,7 @@ QString textOf(pTHX_ SV* value) {
     if (SvGMAGICAL(value) || SvAMAGIC(value)) {
         CodeEnd end = callOwn(aTHX_ "tamrix::_text", {SvRef::borrow(value)});
         if (end.ending == Ending::Left)
-            throwEnd(std::move(end));
+            throwEnd(end);
         if (end.ending == Ending::Died)
             return SvROK(value)
                        ? QStringLiteral("<unprintable %1 object>").arg(className(aTHX_ value))
@@ -109,6 +57,18 @@ SvRef plainValue(pTHX_ SV* value) {
     if (!SvGMAGICAL(value))
         return SvRef::borrow(value);
     return valueOrThrow(callOwn(aTHX_ "tamrix::_value", {SvRef::borrow(value)}));
+}
+
+std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash) {
+    std::vector<std::pair<QString, SV*>> entries;
+    hv_iterinit(hash);
+    while (HE* const entry = hv_iternext(hash)) {
+        STRLEN size = 0;
+        const char* const key = HePV(entry, size);
+        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
+    }
+    std::sort(entries.begin(), entries.end());
+    return entries;
 }
 
 SvRef toPerlTime(pTHX_ const QDateTime& time) {

@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 #include <QString>
+#include <utility>
+#include <vector>
 
 #include "plugins/perl/svref.h"
 
@@ -11,7 +13,7 @@ namespace Tamrix::PerlPlugin {
 SvRef toPerl(pTHX_ const QString& text);
 
 /// The text of bytes or, with `isUtf8`, of Perl's characters. Lone surrogates are kept; what is
-/// beyond Unicode becomes the replacement character.
+/// beyond Unicode becomes replacement characters.
 QString textOfBytes(pTHX_ const char* bytes, STRLEN size, bool isUtf8);
 
 /// Any value as text, as Perl makes one of it. What code of an object dies with gives "<unprintable
@@ -20,6 +22,10 @@ QString textOf(pTHX_ SV* value);
 
 /// The value without what a tied variable does; the same value for all others.
 SvRef plainValue(pTHX_ SV* value);
+
+/// Keys and values of a hash in the order of the keys: Perl's own is another one in each run. The
+/// values are not fetched, and stay as long as the hash does not change.
+std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash);
 
 /// A Time::Piece in local time, with its fraction of a second in `epoch`; undef for an invalid
 /// time.

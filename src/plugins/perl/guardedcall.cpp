@@ -122,12 +122,13 @@ CodeEnd evaluateCode(pTHX_ SV* text) {
 
 SvRef valueOrThrow(CodeEnd end) {
     if (end.ending != Ending::Returned)
-        throwEnd(std::move(end));
+        throwEnd(end);
     return std::move(end.value);
 }
 
-void throwEnd(CodeEnd end) {
-    pendingEnd() = std::move(end);
+void throwEnd(const CodeEnd& end) {
+    // A copy: GCC 12 takes it that what always throws leaves its arguments as they are.
+    pendingEnd() = end;
     throw ScriptErrorSet();
 }
 

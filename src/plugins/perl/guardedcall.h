@@ -36,7 +36,7 @@ CodeEnd evaluateCode(pTHX_ SV* text);
 SvRef valueOrThrow(CodeEnd end);
 
 /// Keeps the end for endOfCall() and throws ScriptErrorSet.
-[[noreturn]] void throwEnd(CodeEnd end);
+[[noreturn]] void throwEnd(const CodeEnd& end);
 
 /// What a function that Perl has called comes to. Trivially destructible: Perl may jump over it.
 struct NativeEnd {

@@ -1,9 +1,7 @@
 #include "plugins/perl/nativeclasses.h"
 
-#include <QHash>
-
+#include "interpreter/language/nativeclasses.h"
 #include "plugins/perl/caseinterpreter.h"
-#include "plugins/perl/conversion.h"
 #include "plugins/perl/nativefunctions.h"
 #include "plugins/perl/perlcontext.h"
 
@@ -11,18 +9,16 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-struct NativeClass {
-    QByteArray package;
-    void* super = nullptr;
-};
-
-/// By type identifier, the same for all interpreters.
-QHash<void*, NativeClass>& classes() {
-    static auto* const s_classes = new QHash<void*, NativeClass>;
+/// Their packages, the same for all interpreters.
+NativeClasses<QByteArray>& classes() {
+    static auto* const s_classes = new NativeClasses<QByteArray>;
     return *s_classes;
 }
 
-constexpr const char* basePackage = "tamrix::Native";
+QByteArray packageOf(void* typeId) {
+    const QByteArray* const package = classes().find(typeId);
+    return package ? *package : QByteArray("tamrix::Native");
+}
 
 }  // namespace
 
@@ -30,64 +26,19 @@ void defineNativeClass(CaseInterpreter& interpreter, const QString& name, void* 
                        const NativeScriptType& type) {
     dTHX;
     const QByteArray package = name.toUtf8();
-    classes()[typeId] = {package, type.super()};
-    const ScriptContext& context = interpreter.context();
-    NativeFunctions& functions = interpreter.functions();
-    const QByteArray base =
-        type.super() ? classes().value(type.super()).package : QByteArray(basePackage);
+    classes().add(typeId, type.super(), package);
     av_push(get_av((package + "::ISA").constData(), GV_ADD),
-            newSVpvn(base.constData(), static_cast<STRLEN>(base.size())));
+            newSVpv(packageOf(type.super()).constData(), 0));
+    NativeFunctions& functions = interpreter.functions();
     functions.define(package, QStringLiteral("new"),
-                     NativeFunction(context, {name, {}, {}, {}, {}}, type.constructor()));
-    const auto methods = type.methods();
-    for (auto it = methods.cbegin(); it != methods.cend(); ++it)
-        functions.define(package, it.key(),
-                         NativeFunction(context,
-                                        {it.key(), name, it->requiredParameters,
-                                         it->optionalParameters, it->description},
-                                        it->function));
-    const auto staticMethods = type.staticMethods();
-    for (auto it = staticMethods.cbegin(); it != staticMethods.cend(); ++it)
-        functions.defineStaticMethod(package, it.key(),
-                                     NativeFunction(context,
-                                                    {it.key(), name, it->requiredParameters,
-                                                     it->optionalParameters, it->description},
-                                                    it->function));
-    const auto properties = type.properties();
-    for (auto it = properties.cbegin(); it != properties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        functions.defineProperty(
-            package, it.key(), NativeFunction(context, signature, it->getter),
-            it->setter ? std::make_unique<NativeFunction>(context, signature, it->setter)
-                       : nullptr);
-    }
-    const auto staticProperties = type.staticProperties();
-    for (auto it = staticProperties.cbegin(); it != staticProperties.cend(); ++it) {
-        const NativeSignature signature{it.key(), name, {}, {}, {}};
-        constexpr auto kind = NativeFunction::Kind::StaticAccessor;
-        functions.defineProperty(
-            package, it.key(), NativeFunction(context, signature, it->getter, kind),
-            it->setter ? std::make_unique<NativeFunction>(context, signature, it->setter, kind)
-                       : nullptr);
-    }
+                     nativeConstructor(interpreter.context(), name, type));
+    for (const NativeMember& member : nativeMembers(interpreter.context(), name, type))
+        functions.defineMember(package, member);
 }
 
 SvRef wrapNative(pTHX_ SharedPtr<NativeScriptObject> object) {
-    QByteArray package = basePackage;
-    for (void* typeId = object ? object->typeId() : nullptr; typeId;
-         typeId = classes().value(typeId).super) {
-        if (classes().contains(typeId)) {
-            package = classes().value(typeId).package;
-            break;
-        }
-    }
+    const QByteArray package = packageOf(object ? object->typeId() : nullptr);
     return NativeHolder::wrap(aTHX_ std::move(object), package.constData());
-}
-
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted) {
-    while (typeId && typeId != wanted)
-        typeId = classes().value(typeId).super;
-    return typeId && typeId == wanted;
 }
 
 }  // namespace Tamrix::PerlPlugin

@@ -16,6 +16,4 @@ void defineNativeClass(CaseInterpreter& interpreter, const QString& name, void* 
 /// An object of the native class's package; undef for null.
 SvRef wrapNative(pTHX_ SharedPtr<NativeScriptObject> object);
 
-bool isNativeTypeDerivedFrom(void* typeId, void* wanted);
-
 }  // namespace Tamrix::PerlPlugin

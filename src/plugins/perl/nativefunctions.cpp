@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "interpreter/language/directcall.h"
 #include "interpreter/language/objectcalls.h"
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/objects/globalfunctions.h"
@@ -18,7 +19,7 @@ struct NativeFunctions::Target {
     /// Nothing for a function of applications.
     std::optional<NativeFunction> function;
     /// Of a property that can be written.
-    std::unique_ptr<NativeFunction> setter;
+    std::optional<NativeFunction> setter;
     bool isProperty = false;
     bool isStaticMethod = false;
     /// The package of a class.
@@ -57,25 +58,12 @@ bool arePlain(const Parameters& parameters, SV** arguments, int count) {
 }
 
 /// A call with plain arguments, which are most.
-NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function, SV** arguments,
-                      int count) {
-    active.output().flush();
-    LanguageContext& context = active.context();
-    ScriptArgument::List values;
-    values.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index)
-        values.push_back(new PerlArgument(PerlArgument::kept(aTHX_ arguments[index])));
-    LanguageContext::Call call(context, std::move(values), false);
-    function.run(context, {});
-    active.noticeApplication();
-    if (context.hasError())
-        return failing(aTHX_ failureOf(context));
-    const SharedPtr<ScriptArgument> result = call.takeResult();
-    return returning(aTHX_ result ? SvRef::borrow(valueOf(result)) : SvRef());
-}
-
-ScriptFailure badArgument(const QString& text) {
-    return {ScriptFailure::Kind::BadArgument, text, false, {}};
+ScriptResult callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function,
+                         SV** arguments, int count) {
+    return callDirectly<PerlArgument>(active, function, nullptr, [&](auto& call) {
+        for (int index = 0; index < count; ++index)
+            call.add(PerlArgument::kept(aTHX_ arguments[index]));
+    });
 }
 
 /// Whether the value is the class or an object of it.
@@ -122,7 +110,7 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
         const NativeFunction::Kind kind = native->kind();
         if ((kind == NativeFunction::Kind::Table || kind == NativeFunction::Kind::Native) &&
             !target.isStaticMethod && arePlain(native->parameters(), arguments, count))
-            return callPlainly(aTHX_ * active, *native, arguments, count);
+            return resultOf(aTHX_ callPlainly(aTHX_ * active, *native, arguments, count));
         if (kind == NativeFunction::Kind::Method) {
             object = count > 0 ? NativeHolder::unwrap(arguments[0]) : object;
             if (!object)
@@ -147,7 +135,7 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
                 return failing(aTHX_ badArgument(
                     native->displayName() +
                     (target.setter ? " takes one value" : " is a property that can't be written")));
-            native = target.setter.get();
+            native = &*target.setter;
         }
         const QStringList& names = native->parameters().names;
         return resultOf(aTHX_ callNative(
@@ -164,43 +152,25 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
 NativeFunctions::NativeFunctions() = default;
 NativeFunctions::~NativeFunctions() = default;
 
-NativeFunctions::Target& NativeFunctions::add(const QByteArray& package, const QString& name,
-                                              std::unique_ptr<Target> target) {
+void NativeFunctions::add(std::unique_ptr<Target> target) {
     dTHX;
-    target->package = package;
-    target->name = name;
-    CV* const function =
-        defineBody(aTHX_ package + "::" + name.toUtf8(), nativeFunction<NativeFunctions::call>);
+    CV* const function = defineBody(aTHX_ target->package + "::" + target->name.toUtf8(),
+                                    nativeFunction<NativeFunctions::call>);
     CvXSUBANY(function).any_ptr = target.get();
     m_targets.push_back(std::move(target));
-    return *m_targets.back();
 }
 
 void NativeFunctions::define(const QByteArray& package, const QString& name,
-                             NativeFunction function) {
-    auto target = std::make_unique<Target>();
-    target->function = std::move(function);
-    add(package, name, std::move(target));
+                             const NativeFunction& function) {
+    add(std::make_unique<Target>(Target{function, {}, false, false, package, name}));
     if (package == "main")
         addGlobalName(name);
 }
 
-void NativeFunctions::defineProperty(const QByteArray& package, const QString& name,
-                                     NativeFunction getter,
-                                     std::unique_ptr<NativeFunction> setter) {
-    auto target = std::make_unique<Target>();
-    target->function = std::move(getter);
-    target->setter = std::move(setter);
-    target->isProperty = true;
-    add(package, name, std::move(target));
-}
-
-void NativeFunctions::defineStaticMethod(const QByteArray& package, const QString& name,
-                                         NativeFunction function) {
-    auto target = std::make_unique<Target>();
-    target->function = std::move(function);
-    target->isStaticMethod = true;
-    add(package, name, std::move(target));
+void NativeFunctions::defineMember(const QByteArray& package, const NativeMember& member) {
+    add(std::make_unique<Target>(Target{member.function, member.setter, member.isProperty(),
+                                        member.kind == NativeMember::Kind::StaticMethod, package,
+                                        member.name}));
 }
 
 void NativeFunctions::defineOfApplications(const QString& name) {
@@ -209,7 +179,7 @@ void NativeFunctions::defineOfApplications(const QString& name) {
     if (m_globalNames.contains(name) ||
         get_cvn_flags(wholeName.constData(), static_cast<STRLEN>(wholeName.size()), 0))
         return;
-    add("main", name, std::make_unique<Target>());
+    add(std::make_unique<Target>(Target{{}, {}, false, false, "main", name}));
     addGlobalName(name);
 }
 

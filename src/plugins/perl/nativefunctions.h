@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "interpreter/language/nativeclasses.h"
 #include "interpreter/language/nativefunction.h"
 #include "plugins/perl/guardedcall.h"
 
@@ -18,25 +19,20 @@ public:
     NativeFunctions();
     ~NativeFunctions();
 
-    /// A function in a package. A method takes its object first, a constructor its class.
-    void define(const QByteArray& package, const QString& name, NativeFunction function);
-    /// A property as a function: without an argument it reads, with one it writes. The setter is
-    /// null for one that can't be written.
-    void defineProperty(const QByteArray& package, const QString& name, NativeFunction getter,
-                        std::unique_ptr<NativeFunction> setter);
-    /// A static method: what is called by the class or by an object has that in front.
-    void defineStaticMethod(const QByteArray& package, const QString& name,
-                            NativeFunction function);
+    /// A function in a package. A constructor takes its class first.
+    void define(const QByteArray& package, const QString& name, const NativeFunction& function);
+    /// A member of the package's native class. A property reads without an argument and writes with
+    /// one; methods take their object first, static ones may have it, or the class, in front.
+    void defineMember(const QByteArray& package, const NativeMember& member);
     /// A function of applications, unless scripts have the name for something else.
     void defineOfApplications(const QString& name);
 
     /// A name in `main` that `use tamrix` brings into other packages.
     void addGlobalName(const QString& name);
-    bool hasGlobalName(const QString& name) const { return m_globalNames.contains(name); }
 
 private:
     struct Target;
-    Target& add(const QByteArray& package, const QString& name, std::unique_ptr<Target> target);
+    void add(std::unique_ptr<Target> target);
     static NativeEnd call(pTHX_ CV* function, SV** arguments, int count);
 
     std::vector<std::unique_ptr<Target>> m_targets;

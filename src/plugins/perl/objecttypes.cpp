@@ -1,36 +1,46 @@
 #include "plugins/perl/objecttypes.h"
 
+#include <variant>
+
 #include "interpreter/language/objectcalls.h"
-#include "interpreter/language/scripterrorset.h"
 #include "interpreter/objects/objectidentity.h"
 #include "platform/objectmodel/objectclass.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/nativefunctions.h"
+#include "plugins/perl/ownfunctions.h"
 #include "plugins/perl/perlcontext.h"
 
 namespace Tamrix::PerlPlugin {
 
 namespace {
 
-ScriptFailure noObject(const QString& name) {
-    return {ScriptFailure::Kind::NoMember,
-            QStringLiteral("'%1' was not called on an object of an application").arg(name),
-            false,
-            {}};
+/// What the first argument holds; null for any other value.
+template <typename T>
+SharedPtr<T> heldBy(const OwnCall& call, int index = 0) {
+    return index < call.count ? Holder<T>::unwrap(call.arguments[index]) : SharedPtr<T>();
 }
 
-/// Runs `work`, which gives the end of the call.
-template <typename Work>
-NativeEnd guarded(pTHX_ Work work) {
-    try {
-        return work();
-    } catch (const ScriptErrorSet&) {
-        return endOfCall(aTHX);
-    } catch (const std::exception& exception) {
-        return failing(
-            aTHX_ thrownIn(QStringLiteral("The object"), QString::fromUtf8(exception.what())));
-    }
+template <typename T>
+T valueOrFail(const tl::expected<T, ScriptFailure>& result) {
+    if (!result)
+        throwFailure(result.error());
+    return *result;
+}
+
+SvRef arrayOf(pTHX_ const QStringList& texts) {
+    AV* const array = newAV();
+    for (const QString& text : texts)
+        av_push(array, toPerl(aTHX_ text).release());
+    return SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(array)));
+}
+
+SvRef truth(pTHX_ bool value) {
+    return SvRef::steal(newSVsv(value ? &PL_sv_yes : &PL_sv_no));
+}
+
+SvRef looksLikeNumber(pTHX_ const OwnCall& call) {
+    return truth(aTHX_ looks_like_number(call.arguments[0]) != 0);
 }
 
 // tamrix::Object
@@ -54,143 +64,120 @@ ScriptResult useMember(CaseInterpreter* active, const SharedPtr<Object>& object,
     });
 }
 
-/// The name of the method that was called: Perl keeps it in the function itself.
-QString autoloadedName(pTHX_ CV* function) {
-    auto* const value = reinterpret_cast<SV*>(function);
-    return textOfBytes(aTHX_ SvPVX_const(value), SvCUR(value), SvUTF8(value));
+SvRef callObject(pTHX_ const OwnCall& call) {
+    // Perl keeps the name of the method that was called in the function itself.
+    auto* const function = reinterpret_cast<SV*>(call.function);
+    const QString name =
+        textOfBytes(aTHX_ SvPVX_const(function), SvCUR(function), SvUTF8(function));
+    const SharedPtr<Object> object = heldBy<Object>(call);
+    if (!object)
+        throwFailure(
+            {ScriptFailure::Kind::NoMember,
+             QStringLiteral("'%1' was not called on an object of an application").arg(name),
+             false,
+             {}});
+    const CallArguments given = givenArguments(aTHX_ call.arguments + 1, call.count - 1,
+                                               [](const QString&) { return false; });
+    return SvRef::borrow(valueOf(valueOrFail(useMember(&call.active, object, name, given))));
 }
 
-NativeEnd callObject(pTHX_ CV* function, SV** arguments, int count) {
-    return guarded(aTHX_[&] {
-        const QString name = autoloadedName(aTHX_ function);
-        const SharedPtr<Object> object =
-            count > 0 ? ObjectHolder::unwrap(arguments[0]) : SharedPtr<Object>();
-        if (!object)
-            return failing(aTHX_ noObject(name));
-        CaseInterpreter* const active = CaseInterpreter::onScriptThread();
-        if (!active)
-            return failing(aTHX_ refusedCall(name, CaseInterpreter::active() != nullptr));
-        return resultOf(aTHX_ useMember(
-            active, object, name,
-            givenArguments(aTHX_ arguments + 1, count - 1, [](const QString&) { return false; })));
-    });
+SvRef objectTextOf(pTHX_ const OwnCall& call) {
+    const SharedPtr<Object> object = heldBy<Object>(call);
+    return toPerl(aTHX_ object ? valueOrFail(writtenObject(&call.active, object))
+                               : QStringLiteral("<no object>"));
 }
 
-NativeEnd objectTextOf(pTHX_ CV*, SV** arguments, int count) {
-    return guarded(aTHX_[&] {
-        const SharedPtr<Object> object =
-            count > 0 ? ObjectHolder::unwrap(arguments[0]) : SharedPtr<Object>();
-        if (!object)
-            return returning(aTHX_ toPerl(aTHX_ QStringLiteral("<no object>")));
-        const ObjectResult<QString> text = objectText(object);
-        return text ? returning(aTHX_ toPerl(aTHX_ * text))
-                    : failing(aTHX_ failureOf(text.error()));
-    });
-}
-
-NativeEnd truth(pTHX_ bool value) {
-    return returning(aTHX_ SvRef::steal(newSVsv(value ? &PL_sv_yes : &PL_sv_no)));
-}
-
-NativeEnd isSame(pTHX_ CV*, SV** arguments, int count) {
-    const SharedPtr<Object> left =
-        count > 1 ? ObjectHolder::unwrap(arguments[0]) : SharedPtr<Object>();
-    const SharedPtr<Object> right =
-        count > 1 ? ObjectHolder::unwrap(arguments[1]) : SharedPtr<Object>();
+SvRef isSame(pTHX_ const OwnCall& call) {
+    const SharedPtr<Object> left = heldBy<Object>(call, 0);
+    const SharedPtr<Object> right = heldBy<Object>(call, 1);
     return truth(aTHX_ left && right && isSameObject(left, right));
 }
 
-NativeEnd isThere(pTHX_ CV*, SV** arguments, int count) {
-    const SharedPtr<Object> object =
-        count > 0 ? ObjectHolder::unwrap(arguments[0]) : SharedPtr<Object>();
+SvRef isThere(pTHX_ const OwnCall& call) {
+    const SharedPtr<Object> object = heldBy<Object>(call);
     return truth(aTHX_ object && isTrueObject(object));
 }
 
-NativeEnd membersOf(pTHX_ CV*, SV** arguments, int count) {
-    return guarded(aTHX_[&] {
-        const SharedPtr<Object> object =
-            count > 0 ? ObjectHolder::unwrap(arguments[0]) : SharedPtr<Object>();
-        CaseInterpreter* const active = CaseInterpreter::onScriptThread();
-        AV* const names = newAV();
-        SvRef list = SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(names)));
-        if (!object || !active)
-            return returning(aTHX_ std::move(list));
-        const tl::expected<QStringList, ScriptFailure> members = listMembers(active, object);
-        if (!members)
-            return failing(aTHX_ members.error());
-        for (const QString& name : *members)
-            av_push(names, toPerl(aTHX_ name).release());
-        return returning(aTHX_ std::move(list));
-    });
+SvRef membersOf(pTHX_ const OwnCall& call) {
+    const SharedPtr<Object> object = heldBy<Object>(call);
+    return arrayOf(aTHX_ object ? valueOrFail(listMembers(&call.active, object)) : QStringList());
+}
+
+/// The value in an array of its own; nothing for what is no property that can be read.
+SvRef propertyOf(pTHX_ const OwnCall& call) {
+    const SharedPtr<Object> object = heldBy<Object>(call);
+    if (!object)
+        return {};
+    const auto member = getMember(&call.active, object, textOf(aTHX_ call.arguments[1]));
+    const auto* const value = member ? std::get_if<SharedPtr<ScriptArgument>>(&*member) : nullptr;
+    if (!value)
+        return {};
+    AV* const array = newAV();
+    av_push(array, newSVsv(valueOf(*value)));
+    return SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(array)));
 }
 
 // tamrix::ApplicationContext
 
-NativeEnd contextText(pTHX_ CV*, SV** arguments, int count) {
-    const SharedPtr<ApplicationContext> context =
-        count > 0 ? ApplicationContextHolder::unwrap(arguments[0])
-                  : SharedPtr<ApplicationContext>();
-    return returning(aTHX_ toPerl(aTHX_ context ? "<" + context->displayString() + ">"
-                                                : QStringLiteral("<no application>")));
+SvRef contextText(pTHX_ const OwnCall& call) {
+    const SharedPtr<ApplicationContext> context = heldBy<ApplicationContext>(call);
+    return toPerl(aTHX_ context ? "<" + context->displayString() + ">"
+                                : QStringLiteral("<no application>"));
 }
 
-NativeEnd contextId(pTHX_ CV*, SV** arguments, int count) {
-    const SharedPtr<ApplicationContext> context =
-        count > 0 ? ApplicationContextHolder::unwrap(arguments[0])
-                  : SharedPtr<ApplicationContext>();
-    return returning(aTHX_ context ? SvRef::steal(newSViv(context->id)) : SvRef());
+SvRef contextId(pTHX_ const OwnCall& call) {
+    const SharedPtr<ApplicationContext> context = heldBy<ApplicationContext>(call);
+    return context ? SvRef::steal(newSViv(context->id)) : SvRef();
 }
 
 // tamrix::DataSet and tamrix::Record
 
-NativeEnd records(pTHX_ CV*, SV** arguments, int count) {
+SvRef records(pTHX_ const OwnCall& call) {
     AV* const rows = newAV();
-    const SharedPtr<TestDataSet> set =
-        count > 0 ? DataSetHolder::unwrap(arguments[0]) : SharedPtr<TestDataSet>();
+    const SharedPtr<TestDataSet> set = heldBy<TestDataSet>(call);
     for (int index = 0; set && index < set->count(); ++index) {
-        SharedPtr<DataRecord> row(new DataRecord);
-        row->set = set;
-        row->record = set->record(index);
-        av_push(rows, RecordHolder::wrap(aTHX_ row, "tamrix::Record").release());
+        const SharedPtr<HeldRecord> row(new HeldRecord(set, set->record(index)));
+        av_push(rows, Holder<HeldRecord>::wrap(aTHX_ row, "tamrix::Record").release());
     }
-    return returning(aTHX_ SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(rows))));
+    return SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(rows)));
 }
 
-NativeEnd recordValues(pTHX_ CV*, SV** arguments, int count) {
-    AV* const values = newAV();
-    const SharedPtr<DataRecord> row =
-        count > 0 ? RecordHolder::unwrap(arguments[0]) : SharedPtr<DataRecord>();
-    for (int column = 0; row && column < row->record->count(); ++column)
-        av_push(values, toPerl(aTHX_ row->record->valueAsString(column)).release());
-    return returning(aTHX_ SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(values))));
+QStringList fieldsOf(const TestDataRecord* record) {
+    QStringList fields;
+    for (int column = 0; record && column < record->count(); ++column)
+        fields.append(record->valueAsString(column));
+    return fields;
 }
 
-NativeEnd recordFields(pTHX_ CV*, SV** arguments, int count) {
-    HV* const fields = newHV();
-    const SharedPtr<DataRecord> row =
-        count > 0 ? RecordHolder::unwrap(arguments[0]) : SharedPtr<DataRecord>();
-    const TestDataRecord* const header = row ? row->set->header() : nullptr;
-    for (int column = 0; header && column < header->count(); ++column) {
-        const SvRef key = toPerl(aTHX_ header->valueAsString(column));
-        static_cast<void>(hv_store_ent(
-            fields, key.get(), toPerl(aTHX_ row->record->valueAsString(column)).release(), 0));
-    }
-    return returning(aTHX_ SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(fields))));
+SvRef recordValues(pTHX_ const OwnCall& call) {
+    const SharedPtr<HeldRecord> row = heldBy<HeldRecord>(call);
+    return arrayOf(aTHX_ row ? fieldsOf(row->record) : QStringList());
 }
+
+SvRef recordNames(pTHX_ const OwnCall& call) {
+    const SharedPtr<HeldRecord> row = heldBy<HeldRecord>(call);
+    return arrayOf(aTHX_ row ? fieldsOf(row->set->header()) : QStringList());
+}
+
+constexpr OwnFunction objectFunctions[] = {
+    {"tamrix::_looks_like_number", 1, looksLikeNumber},
+    {"tamrix::Object::AUTOLOAD", 0, callObject},
+    {"tamrix::Object::_text", 0, objectTextOf},
+    {"tamrix::Object::_isSame", 0, isSame},
+    {"tamrix::Object::_isThere", 0, isThere},
+    {"tamrix::Object::_members", 0, membersOf},
+    {"tamrix::Object::_property", 2, propertyOf},
+    {"tamrix::ApplicationContext::_text", 0, contextText},
+    {"tamrix::ApplicationContext::_id", 0, contextId},
+    {"tamrix::DataSet::_records", 0, records},
+    {"tamrix::Record::_values", 0, recordValues},
+    {"tamrix::Record::_names", 0, recordNames},
+};
 
 }  // namespace
 
 void defineObjectTypes(pTHX) {
-    defineBody(aTHX_ "tamrix::Object::AUTOLOAD", nativeFunction<callObject>);
-    defineBody(aTHX_ "tamrix::Object::_text", nativeFunction<objectTextOf>);
-    defineBody(aTHX_ "tamrix::Object::_isSame", nativeFunction<isSame>);
-    defineBody(aTHX_ "tamrix::Object::_isThere", nativeFunction<isThere>);
-    defineBody(aTHX_ "tamrix::Object::_members", nativeFunction<membersOf>);
-    defineBody(aTHX_ "tamrix::ApplicationContext::_text", nativeFunction<contextText>);
-    defineBody(aTHX_ "tamrix::ApplicationContext::_id", nativeFunction<contextId>);
-    defineBody(aTHX_ "tamrix::DataSet::_records", nativeFunction<records>);
-    defineBody(aTHX_ "tamrix::Record::_values", nativeFunction<recordValues>);
-    defineBody(aTHX_ "tamrix::Record::_fields", nativeFunction<recordFields>);
+    defineOwn(aTHX_ objectFunctions);
 }
 
 }  // namespace Tamrix::PerlPlugin

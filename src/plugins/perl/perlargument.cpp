@@ -3,10 +3,8 @@
 #include <cmath>
 
 #include "interpreter/language/scriptfailure.h"
-#include "platform/objectmodel/inspector.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conversion.h"
-#include "plugins/perl/nativeclasses.h"
 #include "plugins/perl/perlvaluetexts.h"
 
 namespace Tamrix::PerlPlugin {
@@ -22,11 +20,8 @@ bool isIntegral(NV number) {
 
 [[noreturn]] void refuseInteger(SV* value) {
     dTHX;
-    throwFailure(
-        {ScriptFailure::Kind::BadArgument,
-         QStringLiteral("%1 is too large: only 64 bits can be passed on").arg(textOf(aTHX_ value)),
-         false,
-         {}});
+    throwFailure(badArgument(
+        QStringLiteral("%1 is too large: only 64 bits can be passed on").arg(textOf(aTHX_ value))));
 }
 
 /// The container behind a reference, with what a tied one gives.
@@ -139,10 +134,6 @@ QString PerlArgument::toString() const {
     return PerlPlugin::textOf(aTHX_ value());
 }
 
-const Class* PerlArgument::toClass() const {
-    return isString() ? Inspector::self()->classByName(toString()) : nullptr;
-}
-
 ScriptArgument::List PerlArgument::toList() const {
     List values;
     if (!isList())
@@ -169,56 +160,29 @@ ScriptArgument::Map PerlArgument::toMap() const {
     auto* const hash = reinterpret_cast<HV*>(container.get());
     // A copy of the entries: fetching one can run code of the script.
     std::vector<std::pair<QString, SvRef>> entries;
-    hv_iterinit(hash);
-    while (HE* const entry = hv_iternext(hash)) {
-        STRLEN size = 0;
-        const char* const key = HePV(entry, size);
-        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)),
-                             SvRef::borrow(HeVAL(entry)));
-    }
+    for (const auto& [key, entry] : entriesOf(aTHX_ hash))
+        entries.emplace_back(key, SvRef::borrow(entry));
     for (const auto& [key, entry] : entries)
         values[key] = element(aTHX_ entry.get());
     return values;
 }
 
-SharedPtr<NativeScriptObject> PerlArgument::toNative(void* typeId) const {
-    const SharedPtr<NativeScriptObject> native = NativeHolder::unwrap(value());
-    if (native && isNativeTypeDerivedFrom(native->typeId(), typeId))
-        return native;
-    return {};
-}
-
-const TestDataRecord* PerlArgument::toTestDataRecord() const {
-    const SharedPtr<DataRecord> row = RecordHolder::unwrap(value());
-    return row ? row->record : nullptr;
-}
-
-std::optional<QVariant> PerlArgument::toVariant() const {
-    if (isNull())
-        return QVariant();
+QDateTime PerlArgument::time() const {
     dTHX;
-    const QDateTime time = isObject() ? QDateTime() : fromPerlTime(aTHX_ value());
-    return time.isValid() ? std::optional<QVariant>(time) : ScriptArgument::toVariant();
+    return isObject() ? QDateTime() : fromPerlTime(aTHX_ value());
 }
 
-// Callables
-
-SharedPtr<ScriptArgument> PerlArgument::call(const List& arguments, QString* error) {
+SharedPtr<ScriptArgument> PerlArgument::called(const List& arguments) const {
     dTHX;
     std::vector<SvRef> values;
+    values.reserve(arguments.size());
     for (const SharedPtr<ScriptArgument>& argument : arguments)
         values.push_back(SvRef::borrow(valueOf(argument)));
-    CodeEnd end = callCode(aTHX_ value(), values);
-    if (end.ending == Ending::Returned)
-        return new PerlArgument(std::move(end.value));
-    CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
-    // What ends the script is not the caller's to report.
-    if (end.ending == Ending::Left || !interpreter)
-        throwEnd(std::move(end));
-    const ScriptError raised = interpreter->errors().take(aTHX_ end.value);
-    interpreter->setCallErrorStack(raised.callStack);
-    *error = raised.message;
-    return {};
+    return new PerlArgument(valueOrThrow(callCode(aTHX_ value(), values)));
+}
+
+LanguageInterpreter* PerlArgument::active() {
+    return CaseInterpreter::onScriptThread();
 }
 
 QString PerlArgument::callableIdentifier() const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "interpreter/bridge/scriptargument.h"
+#include "interpreter/language/languageargument.h"
 #include "plugins/perl/holder.h"
 
 namespace Tamrix::PerlPlugin {
@@ -10,15 +10,8 @@ using NativeHolder = Holder<NativeScriptObject>;
 using ApplicationContextHolder = Holder<ApplicationContext>;
 using DataSetHolder = Holder<TestDataSet>;
 
-/// A row of a data set, which keeps the set alive.
-struct DataRecord : Shared {
-    SharedPtr<TestDataSet> set;
-    const TestDataRecord* record = nullptr;
-};
-using RecordHolder = Holder<DataRecord>;
-
 /// One Perl value as a script value. What Perl dies with in a conversion passes as ScriptErrorSet.
-class PerlArgument final : public ScriptArgument {
+class PerlArgument final : public LanguageArgument<PerlArgument> {
 public:
     /// Not null, and not tied.
     explicit PerlArgument(SvRef value) : m_value(std::move(value)) {}
@@ -41,35 +34,29 @@ public:
     bool isString() const override;
     /// Also an object that says what it is as text.
     bool isStringLike() const override;
-    bool isObject() const override { return ObjectHolder::check(value()); }
-    /// A class of the application is given by its name.
-    bool isClass() const override { return toClass() != nullptr; }
     bool isCallable() const override;
     bool isList() const override;
     bool isMap() const override;
-    bool isNative(void* typeId) const override { return bool(toNative(typeId)); }
     bool toBool() const override;
     double toDouble() const override;
     /// Passes with an exception for a number beyond 64 bits.
     long long toInt() const override;
     QString toString() const override;
-    SharedPtr<Object> toObject() const override { return ObjectHolder::unwrap(value()); }
-    const Class* toClass() const override;
     List toList() const override;
     Map toMap() const override;
-    SharedPtr<NativeScriptObject> toNative(void* typeId) const override;
-    SharedPtr<TestDataSet> toTestDataSet() const override { return DataSetHolder::unwrap(value()); }
-    SharedPtr<ApplicationContext> toApplicationContext() const override {
-        return ApplicationContextHolder::unwrap(value());
-    }
-    SharedPtr<ScriptArgument> call(const List& arguments, QString* error) override;
     QString callableIdentifier() const override;
-    const TestDataRecord* toTestDataRecord() const override;
-    /// Also undef and times.
-    std::optional<QVariant> toVariant() const override;
     bool isNull() const override { return !SvOK(value()); }
 
-    using ScriptArgument::toNative;
+    // For LanguageArgument.
+    template <typename T>
+    SharedPtr<T> held() const {
+        return Holder<T>::unwrap(value());
+    }
+    /// Bytes are texts in Perl.
+    std::optional<QByteArray> bytes() const { return std::nullopt; }
+    QDateTime time() const;
+    SharedPtr<ScriptArgument> called(const List& arguments) const;
+    static LanguageInterpreter* active();
 
 private:
     SvRef m_value;

@@ -1,9 +1,10 @@
 #include "plugins/perl/perlcontext.h"
 
-#include "interpreter/language/stepactions.h"
+#include <utility>
+
 #include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/conditions.h"
 #include "plugins/perl/conversion.h"
-#include "plugins/perl/equality.h"
 #include "plugins/perl/nativeclasses.h"
 #include "plugins/perl/nativefunctions.h"
 #include "plugins/perl/perldebugger.h"
@@ -20,10 +21,12 @@ SharedPtr<ScriptArgument> argumentOf(SV* value) {
     return new PerlArgument(SvRef::steal(value));
 }
 
-/// The package of a namespace or class of the library.
-QByteArray packageOf(const QString& className) {
-    return className == "ApplicationContext" ? QByteArray("tamrix::ApplicationContext")
-                                             : className.toUtf8();
+/// The package of a namespace or class of the library, `main` for global names.
+QByteArray packageOf(const QString& owner) {
+    if (owner.isEmpty())
+        return QByteArray("main");
+    return owner == "ApplicationContext" ? QByteArray("tamrix::ApplicationContext")
+                                         : owner.toUtf8();
 }
 
 }  // namespace
@@ -117,45 +120,22 @@ SharedPtr<ScriptArgument> PerlContext::createContext(SharedPtr<ApplicationContex
         ApplicationContextHolder::wrap(aTHX_ std::move(context), "tamrix::ApplicationContext"));
 }
 
-SharedPtr<ScriptArgument> PerlContext::createLocation(const ScriptLocation& location) {
-    return createMap({{QStringLiteral("fileName"), createString(location.fileName)},
-                      {QStringLiteral("line"), createInteger(location.line)}});
+// Registration
+
+void PerlContext::define(const NativeFunction& function) {
+    const NativeSignature& signature = function.signature();
+    m_interpreter.functions().define(packageOf(signature.owner), signature.name, function);
 }
 
-// Registration: each entry of the tables becomes a function of Perl too.
-
-void PerlContext::addGlobalFunction(const QString& name, Function function) {
-    ScriptContext::addGlobalFunction(name, function);
-    m_interpreter.functions().define("main", name,
-                                     NativeFunction(*this, signatureOfTable({}, name), function));
+void PerlContext::defineMember(const NativeFunction& function) {
+    define(function);
 }
 
-void PerlContext::addStaticMemberFunction(const QString& className, const QString& name,
-                                          Function function) {
-    ScriptContext::addStaticMemberFunction(className, name, function);
-    m_interpreter.functions().define(
-        packageOf(className), name,
-        NativeFunction(*this, signatureOfTable(className, name), function));
-}
-
-void PerlContext::addMemberFunction(const QString& className, const QString& name,
-                                    Function function) {
-    ScriptContext::addMemberFunction(className, name, function);
-    m_interpreter.functions().define(
-        packageOf(className), name,
-        NativeFunction(*this, signatureOfTable(className, name), function));
-}
-
-void PerlContext::addConstant(const QString& name, int value) {
-    ScriptContext::addConstant(name, value);
+void PerlContext::defineConstant(const QString& owner, const QString& name, int value) {
     dTHX;
-    const int separator = name.lastIndexOf(QStringLiteral("::"));
-    const QByteArray package = separator < 0 ? QByteArray("main") : name.left(separator).toUtf8();
-    const QByteArray constant = name.mid(separator < 0 ? 0 : separator + 2).toUtf8();
-    newCONSTSUB(
-        gv_stashpvn(package.constData(), static_cast<U32>(package.size()), GV_ADD | SVf_UTF8),
-        constant.constData(), newSViv(value));
-    if (separator < 0)
+    newCONSTSUB(gv_stashpv(packageOf(owner).constData(), GV_ADD | SVf_UTF8),
+                name.toUtf8().constData(), newSViv(value));
+    if (owner.isEmpty())
         m_interpreter.functions().addGlobalName(name);
 }
 
@@ -172,64 +152,47 @@ bool PerlContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
     return true;
 }
 
+QString PerlContext::explainArgument(const char* parameter) {
+    dTHX;
+    return explainCall(aTHX_ m_interpreter, parameter);
+}
+
 // The language's own judgement
 
 bool PerlContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) {
     dTHX;
-    return areEqual(aTHX_ valueOf(left), valueOf(right));
+    const SvRef equal = valueOrThrow(callOwn(
+        aTHX_ "tamrix::_equal", {SvRef::borrow(valueOf(left)), SvRef::borrow(valueOf(right))}));
+    return SvTRUE_nomg(equal.get());
 }
 
 std::pair<QString, QString> PerlContext::evaluateForException(SharedPtr<ScriptArgument> code) {
     dTHX;
-    const PerlDebugger::CatchesErrors catching(m_interpreter.perlDebugger());
+    const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
+    // Perl compiles a text by running it.
     CodeEnd end;
-    if (code->isString()) {
+    const auto slip = [&](const QString& text) {
         bool isCompiled = false;
-        end = m_interpreter.evaluateText(code->toString(), {}, &isCompiled);
-        // A slip in the code is not the exception that the test is about.
-        if (!isCompiled && end.ending == Ending::Died)
-            return {QString(), "The code is not valid: " +
-                                   m_interpreter.errors().take(aTHX_ end.value).message};
-    } else if (code->isCallable()) {
-        end = callCode(aTHX_ valueOf(code), {});
-    } else {
-        return {QString(), "Neither code as text nor a callable: " + code->toString()};
-    }
-    if (end.ending == Ending::Returned)
-        return {QString(), QStringLiteral("No exception was raised")};
-    if (end.ending == Ending::Left)
-        throwEnd(std::move(end));
-    return {"Raised " + m_interpreter.errors().take(aTHX_ end.value).message, QString()};
+        end = m_interpreter.evaluateText(text, {}, &isCompiled);
+        return isCompiled || end.ending != Ending::Died
+                   ? QString()
+                   : m_interpreter.errors().take(aTHX_ end.value).message;
+    };
+    return attemptException(*code, {slip, [&](const QString&) { valueOrThrow(std::move(end)); },
+                                    [&] { valueOrThrow(callCode(aTHX_ valueOf(code), {})); }});
 }
 
 bool PerlContext::evaluateCondition(const QString& expression, QString* error) {
-    dTHX;
-    CodeEnd end = m_interpreter.evaluateText(expression, {}, nullptr);
-    if (end.ending == Ending::Returned)
-        return PerlArgument(std::move(end.value)).toBool();
-    if (end.ending == Ending::Left)
-        throwEnd(std::move(end));
-    *error = m_interpreter.errors().take(aTHX_ end.value).message;
-    return false;
+    return attemptCondition(
+        [&] {
+            return PerlArgument(valueOrThrow(m_interpreter.evaluateText(expression, {}, nullptr)))
+                .toBool();
+        },
+        error);
 }
 
 bool PerlContext::evaluate(const QString& text, const QString& fileName) {
-    dTHX;
-    // What a file registers that is loaded again takes the place of what it did before.
-    m_interpreter.steps().registry().forget(fileName);
-    CodeEnd end = m_interpreter.evaluateText("package main; " + text, fileName, nullptr);
-    if (end.ending == Ending::Returned)
-        return true;
-    if (end.ending == Ending::Left)
-        throwEnd(std::move(end));
-    const ScriptError error = m_interpreter.errors().take(aTHX_ end.value);
-    QString message = error.message;
-    if (!error.callStack.empty())
-        message = QStringLiteral("%1:%2: %3")
-                      .arg(error.callStack.front().fileName(),
-                           QString::number(error.callStack.front().lineNumber()), message);
-    setError(message);
-    return false;
+    return evaluateFile(fileName, [&] { m_interpreter.runText(text, fileName); });
 }
 
 }  // namespace Tamrix::PerlPlugin

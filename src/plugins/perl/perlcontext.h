@@ -13,12 +13,9 @@ public:
     explicit PerlContext(CaseInterpreter& interpreter);
 
     ScriptContext* createSubContext() override;
-    /// Nothing is ever pending in Perl when a native function begins.
-    void clearError() override {}
 
     SharedPtr<ScriptArgument> createNull() override;
     SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInteger(int value) override { return createInt64(value); }
     SharedPtr<ScriptArgument> createInt64(long long value) override;
     SharedPtr<ScriptArgument> createDouble(double value) override;
     SharedPtr<ScriptArgument> createString(const QString& value) override;
@@ -32,21 +29,19 @@ public:
     SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
     SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
     SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
-    SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
 
-    void addGlobalFunction(const QString& name, Function function) override;
-    void addStaticMemberFunction(const QString& className, const QString& name,
-                                 Function function) override;
-    void addMemberFunction(const QString& className, const QString& name,
-                           Function function) override;
-    void addConstant(const QString& name, int value) override;
+    void define(const NativeFunction& function) override;
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
-    bool isTrue(SharedPtr<ScriptArgument> value) override { return value->toBool(); }
+    QString explainArgument(const char* parameter) override;
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
     bool evaluate(const QString& text, const QString& fileName) override;
+
+protected:
+    void defineMember(const NativeFunction& function) override;
+    void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
     CaseInterpreter& m_interpreter;

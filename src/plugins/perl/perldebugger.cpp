@@ -74,13 +74,11 @@ std::unique_ptr<VariableWatcher> PerlDebugger::makeVariableWatcher() {
 }
 
 void PerlDebugger::errorPasses(pTHX_ SV* exception) {
-    if (!stopsForErrors() || m_silences > 0 || m_catching > 0 || isCaughtByScript(aTHX))
+    if (!stopsForErrors() || m_silences > 0 || areErrorsCaught() || isCaughtByScript(aTHX))
         return;
     const QString text = ScriptErrors::messageOf(aTHX_ exception);
     // A native function may have made another exception of one that was told.
-    const bool isTold = !m_toldText.isEmpty() && text.contains(m_toldText);
-    m_toldText = text;
-    if (!isTold)
+    if (!hasTold(text))
         stopForError(text, runningFrames());
 }
 

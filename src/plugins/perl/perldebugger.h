@@ -26,20 +26,6 @@ public:
     /// An exception is on its way: stops when nothing will catch it.
     void errorPasses(pTHX_ SV* exception);
 
-    /// Errors are caught by a native function as long as this exists.
-    class CatchesErrors {
-    public:
-        explicit CatchesErrors(PerlDebugger& debugger) : m_debugger(debugger) {
-            ++m_debugger.m_catching;
-        }
-        ~CatchesErrors() { --m_debugger.m_catching; }
-        CatchesErrors(const CatchesErrors&) = delete;
-        CatchesErrors& operator=(const CatchesErrors&) = delete;
-
-    private:
-        PerlDebugger& m_debugger;
-    };
-
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
@@ -57,9 +43,6 @@ private:
     int m_silences = 0;
     /// The exception that is on its way while others look at values.
     std::unique_ptr<ScriptErrors> m_errorsAside;
-    int m_catching = 0;
-    /// The text of the error that the debugger has stopped for, until it has come to an end.
-    QString m_toldText;
 };
 
 }  // namespace Tamrix::PerlPlugin

@@ -58,6 +58,9 @@ public:
             if (!each.value)
                 continue;
             setenv(each.name, each.value->constData(), 1);
+            // Perl may not have started.
+            if (!aTHX)
+                continue;
             static_cast<void>(hv_store(get_hv("ENV", GV_ADD), each.name,
                                        static_cast<I32>(qstrlen(each.name)),
                                        newSVpv(each.value->constData(), 0), 0));

@@ -1,9 +1,9 @@
 #include "plugins/perl/perlsteps.h"
 
-#include "interpreter/language/scripterrorset.h"
-#include "platform/gherkin/expressions/expressionerror.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conversion.h"
+#include "plugins/perl/literal.h"
+#include "plugins/perl/ownfunctions.h"
 #include "plugins/perl/perlcontext.h"
 
 namespace Tamrix::PerlPlugin {
@@ -27,101 +27,66 @@ Gherkin::ScriptLocation callingLine(CaseInterpreter& interpreter) {
     return {position.fileName().toStdString(), position.lineNumber()};
 }
 
-/// Runs `work` for the interpreter whose scripts run, on their thread, with arguments that are
-/// there. `work` gives the result.
-template <typename Work>
-NativeEnd withSteps(pTHX_ int count, int wanted, Work work) {
-    CaseInterpreter* const interpreter = CaseInterpreter::onScriptThread();
-    if (!interpreter)
-        return failing(
-            aTHX_ refusedCall(QStringLiteral("bdd"), CaseInterpreter::active() != nullptr));
-    if (count < wanted)
-        return failing(aTHX_{ScriptFailure::Kind::BadArgument,
-                             QStringLiteral("Too few arguments for a function of bdd"),
-                             false,
-                             {}});
-    try {
-        return returning(aTHX_ work(*interpreter));
-    } catch (const Gherkin::ExpressionError& error) {
-        return failing(
-            aTHX_{ScriptFailure::Kind::BadArgument, QString::fromUtf8(error.what()), false, {}});
-    } catch (const ScriptErrorSet&) {
-        return endOfCall(aTHX);
-    }
-}
-
 /// expression, whether it is regular, function
-NativeEnd registerStep(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 3, [&](CaseInterpreter& interpreter) {
-        interpreter.steps().registry().addStep(
-            utf8Of(aTHX_ arguments[0]), SvTRUE_nomg(arguments[1]), functionOf(aTHX_ arguments[2]),
-            callingLine(interpreter));
-        return SvRef();
-    });
+SvRef registerStep(pTHX_ const OwnCall& call) {
+    call.active.steps().registry().addStep(
+        utf8Of(aTHX_ call.arguments[0]), SvTRUE_nomg(call.arguments[1]),
+        functionOf(aTHX_ call.arguments[2]), callingLine(call.active));
+    return {};
 }
 
 /// type, order, tags, function
-NativeEnd registerHook(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 4, [&](CaseInterpreter& interpreter) {
-        interpreter.steps().registry().addHook(
-            static_cast<Gherkin::HookType>(SvIV(arguments[0])),
-            static_cast<Gherkin::HookOrder>(SvIV(arguments[1])), utf8Of(aTHX_ arguments[2]),
-            functionOf(aTHX_ arguments[3]),
-            QString::fromStdString(callingLine(interpreter).fileName));
-        return SvRef();
-    });
+SvRef registerHook(pTHX_ const OwnCall& call) {
+    call.active.steps().registry().addHook(
+        static_cast<Gherkin::HookType>(SvIV(call.arguments[0])),
+        static_cast<Gherkin::HookOrder>(SvIV(call.arguments[1])), utf8Of(aTHX_ call.arguments[2]),
+        functionOf(aTHX_ call.arguments[3]),
+        QString::fromStdString(callingLine(call.active).fileName));
+    return {};
 }
 
 /// name, patterns, function or undef
-NativeEnd registerType(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 3, [&](CaseInterpreter& interpreter) {
-        std::vector<std::string> patterns;
-        for (const Value& pattern : PerlArgument(SvRef::borrow(arguments[1])).toList())
-            patterns.push_back(pattern->toString().toStdString());
-        interpreter.steps().registry().addParameterType(
-            utf8Of(aTHX_ arguments[0]), std::move(patterns), functionOf(aTHX_ arguments[2]));
-        return SvRef();
-    });
+SvRef registerType(pTHX_ const OwnCall& call) {
+    std::vector<std::string> patterns;
+    for (const Value& pattern : PerlArgument(SvRef::borrow(call.arguments[1])).toList())
+        patterns.push_back(pattern->toString().toStdString());
+    call.active.steps().registry().addParameterType(
+        utf8Of(aTHX_ call.arguments[0]), std::move(patterns), functionOf(aTHX_ call.arguments[2]));
+    return {};
 }
 
 // The hash of the context.
 
-NativeEnd contextGet(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 1, [&](CaseInterpreter& interpreter) {
-        const Value value = interpreter.steps().scopes().find(textOf(aTHX_ arguments[0]));
-        return value ? SvRef::borrow(valueOf(value)) : SvRef();
-    });
+SvRef contextGet(pTHX_ const OwnCall& call) {
+    const Value value = call.active.steps().scopes().find(textOf(aTHX_ call.arguments[0]));
+    return value ? SvRef::borrow(valueOf(value)) : SvRef();
 }
 
-NativeEnd contextSet(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 2, [&](CaseInterpreter& interpreter) {
-        interpreter.steps().scopes().set(
-            textOf(aTHX_ arguments[0]), new PerlArgument(SvRef::steal(newSVsv_nomg(arguments[1]))));
-        return SvRef();
-    });
+SvRef contextSet(pTHX_ const OwnCall& call) {
+    call.active.steps().scopes().set(
+        textOf(aTHX_ call.arguments[0]),
+        new PerlArgument(SvRef::steal(newSVsv_nomg(call.arguments[1]))));
+    return {};
 }
 
-NativeEnd contextRemove(pTHX_ CV*, SV** arguments, int count) {
-    return withSteps(aTHX_ count, 1, [&](CaseInterpreter& interpreter) {
-        const QString name = textOf(aTHX_ arguments[0]);
-        const Value value = interpreter.steps().scopes().find(name);
-        interpreter.steps().scopes().remove(name);
-        return value ? SvRef::borrow(valueOf(value)) : SvRef();
-    });
+SvRef contextRemove(pTHX_ const OwnCall& call) {
+    SvRef value = contextGet(aTHX_ call);
+    call.active.steps().scopes().remove(textOf(aTHX_ call.arguments[0]));
+    return value;
 }
 
-NativeEnd contextAll(pTHX_ CV*, SV**, int count) {
-    return withSteps(aTHX_ count, 0, [&](CaseInterpreter& interpreter) {
-        return SvRef::borrow(
-            valueOf(interpreter.context().createMap(interpreter.steps().scopes().all())));
-    });
+SvRef contextAll(pTHX_ const OwnCall& call) {
+    PERL_UNUSED_CONTEXT;
+    return SvRef::borrow(
+        valueOf(call.active.context().createMap(call.active.steps().scopes().all())));
 }
 
-QString literal(const QString& text) {
-    QString inner = text;
-    inner.replace('\\', "\\\\").replace('\'', "\\'");
-    return '\'' + inner + '\'';
-}
+constexpr OwnFunction stepFunctions[] = {
+    {"bdd::_step", 3, registerStep},       {"bdd::_hook", 4, registerHook},
+    {"bdd::_type", 3, registerType},       {"bdd::Context::_get", 1, contextGet},
+    {"bdd::Context::_set", 2, contextSet}, {"bdd::Context::_remove", 1, contextRemove},
+    {"bdd::Context::_all", 0, contextAll},
+};
 
 }  // namespace
 
@@ -129,7 +94,7 @@ PerlSteps::PerlSteps(CaseInterpreter& interpreter)
     : StepLanguage(interpreter), m_perl(interpreter) {}
 
 std::optional<ScriptError> PerlSteps::loadFile(const QString& path, const QString& text) {
-    return m_perl.loadText(text, path);
+    return m_perl.attempt([&] { m_perl.runText(text, path); });
 }
 
 StepLanguage::Value PerlSteps::contextValue() {
@@ -163,13 +128,7 @@ QString PerlSteps::snippetText(const StepSnippet& snippet) {
 }
 
 void defineStepFunctions(pTHX) {
-    defineBody(aTHX_ "bdd::_step", nativeFunction<registerStep>);
-    defineBody(aTHX_ "bdd::_hook", nativeFunction<registerHook>);
-    defineBody(aTHX_ "bdd::_type", nativeFunction<registerType>);
-    defineBody(aTHX_ "bdd::Context::_get", nativeFunction<contextGet>);
-    defineBody(aTHX_ "bdd::Context::_set", nativeFunction<contextSet>);
-    defineBody(aTHX_ "bdd::Context::_remove", nativeFunction<contextRemove>);
-    defineBody(aTHX_ "bdd::Context::_all", nativeFunction<contextAll>);
+    defineOwn(aTHX_ stepFunctions);
 }
 
 }  // namespace Tamrix::PerlPlugin

@@ -4,10 +4,12 @@
 #include <optional>
 #include <vector>
 
+#include "interpreter/language/literals.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/departure.h"
 #include "plugins/perl/guardedcall.h"
 #include "plugins/perl/hooks.h"
+#include "plugins/perl/literal.h"
 #include "plugins/perl/scripterrors.h"
 
 namespace Tamrix::PerlPlugin {
@@ -29,28 +31,12 @@ QString functionText(pTHX_ CV* code) {
 }  // namespace
 
 QString PerlValueTexts::quoted(const QString& text) {
-    const bool isLong = text.size() > longest;
-    QString inner;
-    for (const QChar character : isLong ? text.left(longest) : text) {
-        switch (character.unicode()) {
-            case '\n':
-                inner += QStringLiteral("\\n");
-                break;
-            case '\t':
-                inner += QStringLiteral("\\t");
-                break;
-            case '"':
-            case '\\':
-                inner += '\\';
-                [[fallthrough]];
-            default:
-                if (character.unicode() < ' ')
-                    inner += QStringLiteral("\\x{%1}").arg(character.unicode(), 0, 16);
-                else
-                    inner += character;
-        }
+    QString quoted = literalOf(text.left(longest), {'"', "", numberedCharacter, 1});
+    if (text.size() > longest) {
+        quoted.chop(1);
+        quoted += QStringLiteral("...");
     }
-    return '"' + inner + (isLong ? "..." : "\"");
+    return quoted;
 }
 
 QString PerlValueTexts::bounded(pTHX_ SV* value, int depth) {
@@ -116,17 +102,9 @@ QString PerlValueTexts::arrayText(pTHX_ AV* array, int depth) {
 QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
     if (isTied(reinterpret_cast<SV*>(hash)))
         return QStringLiteral("<tied>");
-    // In the order of the keys: Perl's own is another one in each run.
     std::vector<std::pair<QString, SV*>> entries;
-    if (depth < deepest) {
-        hv_iterinit(hash);
-        while (HE* const entry = hv_iternext(hash)) {
-            STRLEN size = 0;
-            const char* const key = HePV(entry, size);
-            entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
-        }
-        std::sort(entries.begin(), entries.end());
-    }
+    if (depth < deepest)
+        entries = entriesOf(aTHX_ hash);
     std::size_t index = 0;
     return "{" +
            itemsText(depth, static_cast<qint64>(HvUSEDKEYS(hash)),

@@ -35,28 +35,15 @@ QString nameOfKey(const QString& key) {
     return "['" + pathPart(key, "'\\[]()\"") + "']";
 }
 
-std::vector<std::pair<QString, SV*>> entriesOf(pTHX_ HV* hash) {
-    std::vector<std::pair<QString, SV*>> entries;
-    hv_iterinit(hash);
-    while (HE* const entry = hv_iternext(hash)) {
-        STRLEN size = 0;
-        const char* const key = HePV(entry, size);
-        entries.emplace_back(textOfBytes(aTHX_ key, size, HeUTF8(entry)), HeVAL(entry));
-    }
-    std::sort(entries.begin(), entries.end());
-    return entries;
-}
-
 }  // namespace
 
 std::vector<LanguageVariables::Member> PerlVariables::variablesOf(int level) {
     pTHX = m_perl.perl();
     std::vector<Member> variables;
-    const std::vector<ScriptFrame> frames = debugger().frames();
-    if (level >= static_cast<int>(frames.size()) ||
-        !frames[static_cast<std::size_t>(level)].isOfLanguage())
+    const std::optional<ScriptFrame> code = codeFrame(level);
+    if (!code)
         return variables;
-    const auto frame = std::any_cast<CodeFrame>(frames[static_cast<std::size_t>(level)].own);
+    const auto frame = std::any_cast<CodeFrame>(code->own);
     for (const Lexical& each : lexicalsOf(frame))
         variables.push_back({each.name, valueOfVariable(aTHX_ each.variable.get())});
     if (HV* const package = CopSTASH(frame.statement))
@@ -66,8 +53,7 @@ std::vector<LanguageVariables::Member> PerlVariables::variablesOf(int level) {
 
 void PerlVariables::addOfPackage(std::vector<Member>& variables, HV* package) {
     pTHX = m_perl.perl();
-    std::vector<std::pair<QString, SV*>> globs = entriesOf(aTHX_ package);
-    for (const auto& [name, glob] : globs) {
+    for (const auto& [name, glob] : entriesOf(aTHX_ package)) {
         const QChar first = name.isEmpty() ? QChar() : name.at(0);
         if (!isGV_with_GP(glob) || name.endsWith("::") || !(first.isLetter() || first == '_') ||
             name.startsWith("_<") || m_perl.isOwnName(package, name))
@@ -110,27 +96,6 @@ LanguageVariables::Members PerlVariables::membersOf(const Value& value, int firs
         }
     }
     return members;
-}
-
-LanguageVariables::Value PerlVariables::memberNamed(const Value& value, const QString& name) {
-    pTHX = m_perl.perl();
-    SV* const target = targetOf(valueOf(value));
-    if (!target)
-        return {};
-    if (SvTYPE(target) == SVt_PVAV) {
-        bool isNumber = false;
-        const int index = name.toInt(&isNumber);
-        SV** const place =
-            isNumber && index >= 0 ? av_fetch(reinterpret_cast<AV*>(target), index, 0) : nullptr;
-        return place ? valueOfVariable(aTHX_ * place) : Value();
-    }
-    if (SvTYPE(target) != SVt_PVHV)
-        return {};
-    const bool isBracketed = name.startsWith("['") && name.endsWith("']");
-    const SvRef key =
-        toPerl(aTHX_ textOfPathPart(isBracketed ? name.mid(2, name.size() - 4) : name));
-    HE* const entry = hv_fetch_ent(reinterpret_cast<HV*>(target), key.get(), 0, 0);
-    return entry ? valueOfVariable(aTHX_ HeVAL(entry)) : Value();
 }
 
 QString PerlVariables::textOf(const Value& value) {

@@ -20,7 +20,6 @@ protected:
     void startListing() override { m_texts = PerlValueTexts(); }
     std::vector<Member> variablesOf(int level) override;
     Members membersOf(const Value& value, int first, int limit) override;
-    Value memberNamed(const Value& value, const QString& name) override;
     QString textOf(const Value& value) override;
 
 private:

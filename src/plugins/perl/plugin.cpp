@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/perl/caseinterpreter.h"
+#include "plugins/perl/objectnames.h"
 
 /// An interpreter for Perl scripts, owned by the caller; null, with a message on standard error,
 /// when Perl can't be started.
@@ -15,4 +16,9 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Perl interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// A map of object names in a Perl script, owned by the caller.
+extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::PerlPlugin::PerlObjectMap(path);
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "plugins/perl/perlheaders.h"
+
 namespace Tamrix::PerlPlugin {
 
-/// What of the plug-in is written in Perl: exceptions, operators of objects, streams, `use tamrix`,
-/// `use bdd`, RemoteSystem. It runs in each new interpreter, when the functions of C++ that it
-/// names are there.
-extern const char* const preludeText;
+/// Runs a file of the plug-in's own Perl code, "library" for prelude/library.pl, in a runtime that
+/// is entered. Its lines are none of scripts: it has no path. Throws std::runtime_error when it
+/// does not come to its end.
+void runPrelude(pTHX_ const char* name);
 
 }  // namespace Tamrix::PerlPlugin

@@ -123,6 +123,7 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
     ScriptError error;
     error.message = messageOf(aTHX_ exception.get());
     SV* const value = exception.get();
+    error.isPendingStep = sv_isobject(value) && sv_derived_from(value, "bdd::Pending");
     SV* const noted = m_noted.get();
     const bool isSame =
         isNoted(aTHX_ value) ||

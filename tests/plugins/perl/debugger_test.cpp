@@ -188,6 +188,14 @@ TEST_F(PerlDebugging, StopsForErrorsThatNothingCatches) {
         "    f();\n}\n");
     EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
     EXPECT_EQ(frontEnd.take(" "), "ScriptError=nobody 2");
+    for (const char* const caught :
+         {"test::exception(sub { f() })", "test::exception('f()')", "test::exception('die 1; 2')",
+          "waitFor(sub { eval { f() }; !!1 })", "my @sorted = sort { eval { f() }; 0 } 2, 1",
+          "test::exception(sub { my @sorted = sort { f() } 2, 1 })",
+          "test::exception(sub { test::compare(1) })"}) {
+        load(QByteArray("sub f {\n    die 'wanted';\n}\nsub main {\n    ") + caught + ";\n}\n");
+        EXPECT_EQ(stops(), "") << caught;
+    }
     load("sub main {\n    test::skip('no error');\n}\n");
     EXPECT_FALSE(interpreter->callFunction("main", ObjectList()));
     EXPECT_EQ(frontEnd.take(" "), "");

@@ -5,6 +5,7 @@
 
 #include <csignal>
 
+#include "interpreter/bridge/debugger.h"
 #include "plugins/perl/perltest.h"
 
 namespace Tamrix {
@@ -23,6 +24,13 @@ TEST_F(PerlHostility, EndsItsCaseAlone) {
         {"my $m = {}; $m->{m} = $m; findObject($m)",
          "tamrix::Error: findObject() failed: The name of an object is nested deeper than 16: does "
          "a part of it hold itself?"},
+        {"package O { use overload '+' => sub { $_[0] + 1 } } my $o = bless [], 'O'; my $x = $o + "
+         "1",
+         "Recursion is too deep for the stack"},
+        {"package S { use overload '\"\"' => sub { \"$_[0]\" } } my $o = bless [], 'S'; my $x = "
+         "\"$o\"",
+         "Recursion is too deep for the stack"},
+        {"package T { use overload '\"\"' => sub { \"$_[0]\" } } test::log(bless [], 'T')", ""},
         {"my $x = 'x' x (1 << 46)", "Perl has no memory left"},
         {"$SIG{__DIE__} = sub { die 'in the hook' }; die 'x'", "in the hook"},
         {"sub D::DESTROY { exit 2 } my $o = bless [], 'D'; undef $o",
@@ -33,8 +41,8 @@ TEST_F(PerlHostility, EndsItsCaseAlone) {
          "of an application"},
         {"my $o = bless {}, 'tamrix::Object'; $o->text",
          "tamrix::MemberError: 'text' was not called on an object of an application"},
-        {"tamrix::Record::_fields(1); tamrix::_print(); bdd::_step(1)",
-         "tamrix::ArgumentError: Too few arguments for a function of bdd"},
+        {"tamrix::Record::_fields(1); tamrix::_write(); bdd::_step(1)",
+         "tamrix::ArgumentError: Too few arguments for bdd::_step"},
     };
     for (const auto& row : rows) {
         const QString error = run(row.code);
@@ -45,15 +53,21 @@ TEST_F(PerlHostility, EndsItsCaseAlone) {
 }
 
 TEST_F(PerlHostility, LeavesTheProcessAsItWas) {
-    EXPECT_EQ(run("$SIG{USR1} = sub { }; $SIG{PIPE} = 'IGNORE'; alarm 1; $ENV{LEFT} = 1;"
+    const auto handlers = [] {
+        QStringList words;
+        for (const int signal : {SIGUSR1, SIGPIPE}) {
+            struct sigaction now = {};
+            sigaction(signal, nullptr, &now);
+            words.append(QString::number(reinterpret_cast<quintptr>(now.sa_handler)));
+        }
+        return words;
+    };
+    const QStringList before = handlers();
+    EXPECT_EQ(run("$SIG{USR1} = sub { }; $SIG{PIPE} = 'IGNORE'; alarm 100; $ENV{LEFT} = 1;"
                   "END { print 'end' } close STDERR; close STDIN;"),
               "");
     interpreter.reset();
-    struct sigaction now = {};
-    for (const int signal : {SIGUSR1, SIGPIPE}) {
-        sigaction(signal, nullptr, &now);
-        EXPECT_EQ(now.sa_handler, SIG_DFL);
-    }
+    EXPECT_EQ(handlers(), before);
     EXPECT_EQ(alarm(0), 0U);
     for (const int stream : {0, 1, 2})
         EXPECT_NE(fcntl(stream, F_GETFD), -1) << stream;
@@ -62,6 +76,31 @@ TEST_F(PerlHostility, LeavesTheProcessAsItWas) {
     interpreter->initTestFunctions(&result);
     EXPECT_EQ(run("die 'left' if defined $main::{left} || exists $SIG{USR1} && defined $SIG{USR1}"),
               "");
+}
+
+TEST_F(PerlHostility, ProgramsOfScriptsHaveTheEnvironmentOfTheRun) {
+    const auto variables = [&] {
+        report.entries.clear();
+        EXPECT_EQ(run("test::log(join ' ', sort grep { /PERL|TAMRIX_P/ } `env`);"), "");
+        return results().value(0);
+    };
+    const auto start = [this] {
+        interpreter.reset(ScriptLanguagePlugin("tamrixperl").interpreter(&runner));
+        interpreter->initTestFunctions(&result);
+        interpreter->debugger()->setInteractive(true);
+    };
+    const EnvironmentGuard library("PERL5LIB", "");
+    unsetenv("PERL5LIB");
+    start();
+    const QString before = variables();
+    EXPECT_FALSE(before.contains("PERL5")) << qPrintable(before);
+    // Options for the perl of others are for programs, and no part of the case's own.
+    const EnvironmentGuard debugger("PERL5DB", "BEGIN { die 'a debugger of theirs' }");
+    const EnvironmentGuard options("PERL5OPT", "-Mnothing");
+    start();
+    EXPECT_TRUE(variables().contains("PERL5DB=BEGIN { die 'a debugger of theirs' }"));
+    EXPECT_TRUE(variables().contains("PERL5OPT=-Mnothing"));
+    interpreter->debugger()->setInteractive(false);
 }
 
 TEST_F(PerlHostility, ChildrenAreNotTheRun) {

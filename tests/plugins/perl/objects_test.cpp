@@ -104,6 +104,17 @@ $b->tags([]);
         EXPECT_EQ(run(QString("my $b = theButton(); ") + code), error) << code;
 }
 
+TEST_F(PerlObjects, AFailedVerdictTellsProperties) {
+    const QString code =
+        "my $b = theButton();\n"
+        "test::verify($b->text eq 'no' && $b->setValue && $b->nothing);\n";
+    ASSERT_TRUE(writeFile(script(), code.toUtf8()));
+    EXPECT_EQ(run(code), "");
+    EXPECT_EQ(report.results().at(0).explanation,
+              "$b->text eq 'no' && $b->setValue && $b->nothing\n$b->text: \"OK\"");
+    EXPECT_TRUE(s_seen.isEmpty()) << "a method was called";
+}
+
 TEST_F(PerlObjects, CallMethodsAndGlobalFunctions) {
     nextResult = 42;
     EXPECT_EQ(run("my $b = theButton();\n"

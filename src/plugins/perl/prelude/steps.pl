@@ -1,0 +1,66 @@
+# Steps, hooks and parameter types of feature files.
+package bdd;
+sub import {
+    my $target = caller;
+    *{"${target}::$_"} = \&$_
+        for qw(Given When Then Step BeforeFeature AfterFeature BeforeScenario AfterScenario
+               BeforeStep AfterStep ParameterType Pending);
+}
+sub _pattern {
+    my $pattern = shift;
+    return ($pattern, 0) unless ref $pattern eq 'Regexp';
+    my ($text, $flags) = re::regexp_pattern($pattern);
+    $flags =~ tr/u//d;
+    die tamrix::ArgumentError->new("Steps know the flags i, m and s of regular expressions only")
+        if $flags =~ /[^ims]/;
+    return ($flags ne '' ? "(?$flags)$text" : $text, 1);
+}
+sub _code {
+    die tamrix::ArgumentError->new("What is registered has to be a function")
+        unless ref $_[0] eq 'CODE';
+    $_[0];
+}
+sub Step { my ($expression, $code) = @_; _step(_pattern($expression), _code($code)) }
+*Given = *When = *Then = \&Step;
+sub BeforeFeature { _hook(0, 0, @_ > 1 ? shift : '', _code(@_)) }
+sub AfterFeature { _hook(0, 1, @_ > 1 ? shift : '', _code(@_)) }
+sub BeforeScenario { _hook(1, 0, @_ > 1 ? shift : '', _code(@_)) }
+sub AfterScenario { _hook(1, 1, @_ > 1 ? shift : '', _code(@_)) }
+sub BeforeStep { _hook(2, 0, @_ > 1 ? shift : '', _code(@_)) }
+sub AfterStep { _hook(2, 1, @_ > 1 ? shift : '', _code(@_)) }
+sub ParameterType {
+    my ($name, $patterns, $code) = @_;
+    _type($name, [map { (_pattern($_))[0] } ref $patterns eq 'ARRAY' ? @$patterns : $patterns],
+          defined $code ? _code($code) : undef);
+}
+sub Pending { die bless {message => $_[0] // 'the step definition is to be written'}, 'bdd::Pending' }
+
+package bdd::Pending;
+our @ISA = ('tamrix::Error');
+
+package bdd::Context;
+sub TIEHASH { bless {}, $_[0] }
+sub FETCH { _get($_[1]) }
+sub STORE { _set($_[1], $_[2]) }
+sub EXISTS { exists _all()->{$_[1]} }
+sub DELETE { _remove($_[1]) }
+sub CLEAR { _remove($_) for keys %{_all()} }
+sub FIRSTKEY { my $self = shift; $self->{keys} = [sort keys %{_all()}]; shift @{$self->{keys}} }
+sub NEXTKEY { shift @{$_[0]{keys}} }
+sub _make { tie my %context, 'bdd::Context'; \%context }
+
+# The rows of a step's table as hashes.
+package bdd::Table;
+use overload '@{}' => sub { $_[0]->() ->{rows} }, 'bool' => sub { 1 }, fallback => 1;
+sub _make {
+    my $raw = shift;
+    my ($headers, @cells) = @$raw;
+    my @rows = map { my $row = $_; +{map { $headers->[$_] => $row->[$_] } 0 .. $#$headers} } @cells;
+    my $table = {raw => $raw, headers => $headers, rows => \@rows};
+    return bless sub { $table }, 'bdd::Table';
+}
+sub headers { $_[0]->()->{headers} }
+sub rows { $_[0]->()->{rows} }
+sub raw { $_[0]->()->{raw} }
+
+1;
