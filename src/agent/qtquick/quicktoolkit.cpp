@@ -25,6 +25,15 @@ QQuickWindow* windowOf(const Element& element) {
     return item ? item->window() : qobject_cast<QQuickWindow*>(element.object);
 }
 
+/// Whether a class of Qt Quick, not a file of a scene, gave the object the property. Qt 6 takes these
+/// for names: "activeFocusControl" would be another object after each click.
+bool isNativeProperty(const QObject* object, const QString& name) {
+    const QMetaObject* metaObject = object ? object->metaObject() : nullptr;
+    while (metaObject && QByteArray(metaObject->className()).contains("_QML"))
+        metaObject = metaObject->superClass();
+    return metaObject && metaObject->indexOfProperty(name.toUtf8().constData()) >= 0;
+}
+
 /// In coordinates of the window.
 QRect rectInWindow(const QQuickItem* item) {
     return boundedAlignedRect(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())));
@@ -82,7 +91,10 @@ Element QuickToolkit::window(const Element& item) const {
 QString QuickToolkit::name(const Element& element) const {
     const QString name = element.object->objectName();
     const QQmlContext* const context = name.isEmpty() ? qmlContext(element.object) : nullptr;
-    return context ? context->nameForObject(element.object) : name;
+    if (!context)
+        return name;
+    const QString id = context->nameForObject(element.object);
+    return isNativeProperty(context->contextObject(), id) ? QString() : id;
 }
 
 QString QuickToolkit::text(const Element& element) const {

@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/javascriptrecorder.h"
 
 /// An interpreter for JavaScript, owned by the caller; null, with a message on standard error, when
 /// the engine can't be started.
@@ -15,4 +16,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the JavaScript interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// Writes scripts in JavaScript, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::JavaScriptPlugin::JavaScriptRecorder;
 }

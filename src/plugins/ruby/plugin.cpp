@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/ruby/rubyinterpreter.h"
+#include "plugins/ruby/rubyrecorder.h"
 
 /// An interpreter for Ruby scripts, owned by the caller; null, with a message on standard error,
 /// when Ruby can't be started.
@@ -15,4 +16,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Ruby interpreter: %s\n", exception.what());
         return nullptr;
     }
+}
+
+/// Writes scripts in Ruby, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::RubyPlugin::RubyRecorder;
 }

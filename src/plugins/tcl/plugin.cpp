@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/tclrecorder.h"
 #include "plugins/tcl/tclruntime.h"
 
 /// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error,
@@ -18,4 +19,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
         std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", panic.text);
     }
     return nullptr;
+}
+
+/// Writes scripts in Tcl, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::TclPlugin::TclRecorder;
 }
