@@ -147,6 +147,9 @@ QWidget* makeChoices() {
     layout->addLayout(row);
     addButton(row, "&Go");
     QObject::connect(addButton(row, "Ask"), &QPushButton::clicked, page, [page] { ask(page); });
+    auto* const more = addButton(row, "More");
+    more->setMenu(new QMenu(more));
+    addEntry(more->menu(), "&Hide");
     auto* const bold = new QToolButton;
     bold->setToolTip(QStringLiteral("Bold"));
     row->addWidget(bold);

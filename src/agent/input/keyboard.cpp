@@ -1,5 +1,6 @@
 #include "agent/input/keyboard.h"
 
+#include "agent/input/pointer.h"
 #include "agent/input/windowsystem.h"
 
 namespace Tamrix::Agent {
@@ -58,6 +59,8 @@ void Keyboard::pressCombination(const KeyCombination& keys) {
 }
 
 void Keyboard::queue(bool isPress, const Key& key) {
+    if (isPress)
+        Pointer::self().leaveToPopup();
     WindowSystem::self().key(isPress ? QEvent::KeyPress : QEvent::KeyRelease, key.code, m_modifiers,
                              key.text);
 }

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QStyleHints>
+#include <algorithm>
 
 #include "agent/core/windowstack.h"
 #include "agent/input/eventtime.h"
@@ -53,6 +54,15 @@ void Pointer::release(Qt::MouseButton button) {
     m_window = under;
     if (m_buttons == Qt::NoButton)
         m_grabber = nullptr;
+}
+
+void Pointer::leaveToPopup() {
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    const bool isOpen = std::any_of(windows.cbegin(), windows.cend(), [](const QWindow* window) {
+        return window->isVisible() && window->type() == Qt::Popup;
+    });
+    if (isOpen && m_window && m_window->type() != Qt::Popup && m_buttons == Qt::NoButton)
+        m_window = nullptr;
 }
 
 void Pointer::separateClicks() {

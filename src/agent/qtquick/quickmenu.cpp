@@ -10,12 +10,6 @@ namespace Tamrix::Agent {
 
 namespace {
 
-QObject* menuBelow(const QQuickItem* entry) {
-    // The "menu" of an entry of a menu is the one around it.
-    const bool isOfBar = entry->inherits("QQuickMenuBarItem");
-    return entry->property(isOfBar ? "menu" : "subMenu").value<QObject*>();
-}
-
 MenuEntry makeEntry(QQuickItem* item) {
     MenuEntry entry;
     entry.target = Session::self()->element(item);
@@ -38,14 +32,8 @@ Menu::State QuickMenu::state() const {
 
 QVector<MenuEntry> QuickMenu::entries() const {
     QVector<MenuEntry> entries;
-    const int count = m_menu ? m_menu->property("count").toInt() : 0;
-    for (int index = 0; index < count; ++index) {
-        QQuickItem* item = nullptr;
-        QMetaObject::invokeMethod(m_menu, "itemAt", Q_RETURN_ARG(QQuickItem*, item),
-                                  Q_ARG(int, index));
-        if (item)
-            entries.append(makeEntry(item));
-    }
+    for (QQuickItem* item : entriesOf(m_menu))
+        entries.append(makeEntry(item));
     return entries;
 }
 
@@ -54,6 +42,28 @@ QString QuickMenu::label() const {
         m_menu ? withoutMnemonic(m_menu->property("title").toString()) : QString();
     return title.isEmpty() ? QStringLiteral("the menu")
                            : QStringLiteral("the menu '%1'").arg(title);
+}
+
+QList<QQuickItem*> entriesOf(QObject* menu) {
+    QList<QQuickItem*> entries;
+    const int count = menu ? menu->property("count").toInt() : 0;
+    for (int index = 0; index < count; ++index) {
+        if (QQuickItem* const item = entryAt(menu, index))
+            entries.append(item);
+    }
+    return entries;
+}
+
+QQuickItem* entryAt(QObject* menu, int index) {
+    QQuickItem* item = nullptr;
+    QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, index));
+    return item;
+}
+
+QObject* menuBelow(const QQuickItem* entry) {
+    // The "menu" of an entry of a menu is the one around it.
+    const bool isOfBar = entry->inherits("QQuickMenuBarItem");
+    return entry->property(isOfBar ? "menu" : "subMenu").value<QObject*>();
 }
 
 QObject* menuOf(QQuickItem* item) {

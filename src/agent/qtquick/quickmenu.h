@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QPointer>
 
 #include "agent/core/contract/items.h"
@@ -22,6 +23,12 @@ public:
 private:
     QPointer<QObject> m_menu;
 };
+
+/// The entries of a menu or bar, which may be null, separators among them; the menu that an entry
+/// opens, null for none.
+QList<QQuickItem*> entriesOf(QObject* menu);
+QQuickItem* entryAt(QObject* menu, int index);
+QObject* menuBelow(const QQuickItem* entry);
 
 /// The bar that the item is, or the menu whose popup's item it is; null for other items.
 QObject* menuOf(QQuickItem* item);

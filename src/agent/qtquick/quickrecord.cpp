@@ -1,10 +1,14 @@
 // What of QuickToolkit concerns recordings: what an item is to a person, and the way to it.
 
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <algorithm>
 
 #include "agent/core/session.h"
 #include "agent/qtquick/quickitems.h"
+#include "agent/qtquick/quickmenu.h"
 #include "agent/qtquick/quicktoolkit.h"
 
 namespace Tamrix::Agent {
@@ -22,6 +26,8 @@ struct RoleRow {
 
 /// Of several that fit the first one counts.
 constexpr RoleRow roles[] = {
+    {"QQuickMenuItem", ObservedRole::MenuEntry},
+    {"QQuickMenuBarItem", ObservedRole::MenuEntry},
     {"QQuickComboBox", ObservedRole::Choice},
     {"QQuickSlider", ObservedRole::Slider},
     {"QQuickDial", ObservedRole::Slider},
@@ -77,6 +83,66 @@ QQuickItem* boxOfList(const QQuickItem* item) {
             return box;
     }
     return nullptr;
+}
+
+QQuickWindow* focusWindow() {
+    return qobject_cast<QQuickWindow*>(QGuiApplication::focusWindow());
+}
+
+/// The item of the open menu that the item is in; null for none.
+QQuickItem* menuAround(QQuickItem* item) {
+    for (QQuickItem* each = item; each; each = each->parentItem()) {
+        if (each->inherits("QQuickPopupItem") && menuOf(each))
+            return each;
+    }
+    return nullptr;
+}
+
+/// Appends the visible items below `root`, itself included, that are menu bars or open menus.
+void addMenus(QQuickItem* root, QList<QQuickItem*>* menus) {
+    if (!root->isVisible())
+        return;
+    if (menuOf(root)) {
+        menus->append(root);
+        return;
+    }
+    for (QQuickItem* child : root->childItems())
+        addMenus(child, menus);
+}
+
+QList<QQuickItem*> shownMenus(const QQuickWindow* window) {
+    QList<QQuickItem*> menus;
+    addMenus(window->contentItem(), &menus);
+    return menus;
+}
+
+/// Whether a menu has the entry; then `*way` are the entries that lead there, itself included.
+bool leadsTo(QObject* menu, const QQuickItem* target, QList<QQuickItem*>* way) {
+    for (QQuickItem* entry : entriesOf(menu)) {
+        QObject* const below = menuBelow(entry);
+        if (entry != target && !(below && leadsTo(below, target, way)))
+            continue;
+        way->prepend(entry);
+        return true;
+    }
+    return false;
+}
+
+/// The texts of the entries; none where another entry beside one has the same.
+QStringList textsOf(QObject* menu, const QList<QQuickItem*>& way) {
+    QStringList texts;
+    for (QQuickItem* step : way) {
+        const QString text = quickTextOf(step);
+        const QList<QQuickItem*> entries = entriesOf(menu);
+        const auto same = std::count_if(
+            entries.cbegin(), entries.cend(),
+            [&text](const QQuickItem* each) { return quickTextOf(each) == text; });
+        if (text.isEmpty() || same != 1)
+            return {};
+        texts.append(text);
+        menu = menuBelow(step);
+    }
+    return texts;
 }
 
 QQuickItem* viewAround(const QQuickItem* item) {
@@ -154,6 +220,8 @@ Wire::ObservedState QuickToolkit::state(const Element& element) const {
 
 std::optional<RecordedWay> QuickToolkit::wayTo(const Element& entry) const {
     auto* const item = qobject_cast<QQuickItem*>(entry.object);
+    if (item && role(entry) == ObservedRole::MenuEntry)
+        return wayInMenus(item);
     QQuickItem* holder = item ? boxOfList(item) : nullptr;
     if (!holder && item)
         holder = viewAround(item);
@@ -165,6 +233,43 @@ std::optional<RecordedWay> QuickToolkit::wayTo(const Element& entry) const {
     if (findQuickItem(holder, path, -1) == item)
         way.steps.append(text);
     return way;
+}
+
+/// The longest way begins at a bar, or at the menu that has popped up by itself.
+std::optional<RecordedWay> QuickToolkit::wayInMenus(QQuickItem* entry) const {
+    QQuickItem* holder = nullptr;
+    QList<QQuickItem*> longest;
+    for (QQuickItem* menu : shownMenus(entry->window())) {
+        QList<QQuickItem*> way;
+        if (!leadsTo(menuOf(menu), entry, &way) || way.size() <= longest.size())
+            continue;
+        holder = menu;
+        longest = way;
+    }
+    if (!holder)
+        return std::nullopt;
+    return RecordedWay{element(holder), textsOf(menuOf(holder), longest)};
+}
+
+Element QuickToolkit::openPopup() const {
+    const QQuickWindow* const window = focusWindow();
+    QQuickItem* const focus = window ? window->activeFocusItem() : nullptr;
+    QQuickItem* const menu = menuAround(focus);
+    return element(menu ? menu : boxOfList(focus));
+}
+
+bool QuickToolkit::opensMenu(const Element& entry) const {
+    const auto* const item = qobject_cast<QQuickItem*>(entry.object);
+    return item && role(entry) == ObservedRole::MenuEntry && menuBelow(item);
+}
+
+Element QuickToolkit::chosenBy(const Element& popup, const QKeyEvent& key) const {
+    auto* const item = qobject_cast<QQuickItem*>(popup.object);
+    QObject* const menu = item ? menuOf(item) : nullptr;
+    // Return does nothing in these menus.
+    if (!menu || key.key() != Qt::Key_Space)
+        return {};
+    return element(entryAt(menu, menu->property("currentIndex").toInt()));
 }
 
 Element QuickToolkit::clickedBy(const Element& receiver) const {

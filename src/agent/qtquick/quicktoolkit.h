@@ -47,7 +47,13 @@ public:
     Wire::ObservedRole role(const Element& element) const override;
     Wire::ObservedState state(const Element& element) const override;
     std::optional<RecordedWay> wayTo(const Element& entry) const override;
+    Element openPopup() const override;
+    bool opensMenu(const Element& entry) const override;
     Element clickedBy(const Element& receiver) const override;
+    Element chosenBy(const Element& popup, const QKeyEvent& key) const override;
+
+private:
+    std::optional<RecordedWay> wayInMenus(QQuickItem* entry) const;
 };
 
 }  // namespace Tamrix::Agent

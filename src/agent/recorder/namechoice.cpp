@@ -45,10 +45,27 @@ bool findsOnly(const Words& words, const Element& element) {
 
 /// Texts that change are those that the program itself writes: not the ones on buttons and entries.
 bool mayChange(const Element& element, const QString& text) {
+    if (looksLikePath(text))
+        return true;
     const bool isFixed = element.isItem() ||
                          element.toolkit->role(element) == Wire::ObservedRole::MenuEntry ||
                          !element.toolkit->clickedBy(element).isNull();
     return !isFixed && looksChanging(text);
+}
+
+/// Column and row of an item; a header's sections have one of them.
+Words cellOf(const Element& element) {
+    Words place;
+    for (const char* const property : {"column", "row"}) {
+        bool isKnown = false;
+        const QVariant value =
+            element.isItem()
+                ? element.toolkit->property(element, QString::fromLatin1(property), &isKnown)
+                : QVariant();
+        if (isKnown)
+            place.append(word(property, value.toString()));
+    }
+    return place;
 }
 
 /// What an element says of itself, the best first, each with its type.
@@ -80,14 +97,8 @@ QVector<Words> ownNames(const Element& element) {
     if (isNameable(hint.value))
         add(hint.name, hint.value);
     // 5. Its place among the cells.
-    bool isCell = false;
-    const QVariant row = element.isItem() ? toolkit->property(element, "row", &isCell) : QVariant();
-    if (isCell) {
-        bool hasColumn = false;
-        const QVariant column = toolkit->property(element, "column", &hasColumn);
-        names.append(
-            {word("column", column.toString()), word("row", row.toString()), typeOf(element)});
-    }
+    if (const Words place = cellOf(element); !place.isEmpty())
+        names.append(place + Words{typeOf(element)});
     if (isLate)
         add("text", text);
     // 6. Nothing else.
@@ -178,6 +189,11 @@ bool looksGenerated(const QString& objectName) {
     static const QRegularExpression s_form(QStringLiteral(
         "^qt_|0x[0-9a-fA-F]+|[0-9]{4,}|[0-9a-fA-F]{8}-[0-9a-fA-F]{4}|[\\x00-\\x1f]"));
     return s_form.match(objectName).hasMatch();
+}
+
+bool looksLikePath(const QString& text) {
+    static const QRegularExpression s_form(QStringLiteral("^(~?/|file:/)\\S"));
+    return s_form.match(text).hasMatch();
 }
 
 bool looksChanging(const QString& text) {

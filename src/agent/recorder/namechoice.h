@@ -17,6 +17,8 @@ Wire::Query chooseName(const Element& element);
 /// Whether nobody has chosen this name of an object: "qt_scrollarea_viewport", "0x55d0c8",
 /// "widget_8731".
 bool looksGenerated(const QString& objectName);
+/// Whether a text is the path of a file, which is elsewhere for another user or on another day.
+bool looksLikePath(const QString& text);
 /// Whether a text tells a number, time or date that may be another one in the next run.
 bool looksChanging(const QString& text);
 

@@ -76,6 +76,13 @@ bool hasListener() {
     return session && session->isOpen();
 }
 
+/// Whether what holds entries is a bar: those of all toolkits are called so.
+bool isBar(const Element& holder) {
+    const QStringList types = holder.toolkit->superTypes(holder) << holder.toolkit->typeName(holder);
+    return std::any_of(types.cbegin(), types.cend(),
+                       [](const QString& type) { return type.endsWith(QLatin1String("MenuBar")); });
+}
+
 bool isWithin(const QObject* object, const QObject* around) {
     for (; object; object = object->parent()) {
         if (object == around)
@@ -91,6 +98,7 @@ Recorder::Recorder(QObject* parent) : QObject(parent) {
     m_rest.setSingleShot(true);
     connect(&m_rest, &QTimer::timeout, this, [this] {
         tellChanges();
+        followMenu();
         send(Wire::ObservedRest{});
     });
 }
@@ -103,6 +111,7 @@ void Recorder::follow(const Wire::Record& record) {
             QCoreApplication::instance()->removeEventFilter(this);
         m_watched.clear();
         m_press.reset();
+        m_openMenu.reset();
         m_key.reset();
         m_focus = {};
     }
@@ -241,14 +250,22 @@ Element Recorder::usedAt(QWindow* window, const QPoint& position, Qt::MouseButto
     if (around.isNull())
         return {};
     // Beside an open popup, a press only closes it.
-    const Element open = popup();
-    if (!open.isNull() && window->type() != Qt::Popup)
+    if (window->type() != Qt::Popup && !popupWindow().isNull())
         return {};
     const Element element = around.toolkit->elementAt(around, position, button);
     return element.isNull() ? element : element.toolkit->meant(element);
 }
 
 Element Recorder::popup() const {
+    const Element open = popupWindow();
+    if (!open.isNull())
+        return open;
+    // One within the window.
+    const Element window = Session::self()->element(QGuiApplication::focusWindow());
+    return window.isNull() ? window : window.toolkit->openPopup();
+}
+
+Element Recorder::popupWindow() const {
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         if (!window->isVisible() || window->type() != Qt::Popup)
             continue;
@@ -258,6 +275,25 @@ Element Recorder::popup() const {
             return open;
     }
     return {};
+}
+
+Element Recorder::openMenu() const {
+    const Element open = popup();
+    const std::shared_ptr<const Menu> menu = open.isNull() ? nullptr : open.toolkit->menu(open);
+    if (!menu)
+        return {};
+    // An entry is an element of the menu, or an item that takes the click.
+    QVector<Element> entries;
+    open.toolkit->children(open, true, &entries);
+    for (const MenuEntry& entry : menu->entries())
+        entries.append(entry.target);
+    for (const Element& entry : qAsConst(entries)) {
+        const std::optional<RecordedWay> way =
+            entry.isNull() ? std::nullopt : entry.toolkit->wayTo(entry);
+        if (way)
+            return isBar(way->holder) ? Element() : way->holder;
+    }
+    return open;
 }
 
 void Recorder::takePress(QWindow* window, const QMouseEvent& event) {
@@ -336,6 +372,21 @@ void Recorder::choose(const Element& entry) {
         entry.toolkit->opensMenu(entry))
         return;
     send(Wire::ObservedChoice{observed(way->holder), way->steps});
+    if (m_openMenu)
+        m_openMenu->hasChosen = true;
+}
+
+/// What has opened the menu is in the script by then; without this it would stay open there.
+void Recorder::followMenu() {
+    const Element menu = openMenu();
+    const quint64 handle = menu.isNull() ? 0 : Session::self()->handle(menu);
+    if (m_openMenu && m_openMenu->menu.handle == handle)
+        return;
+    if (m_openMenu && !m_openMenu->hasChosen)
+        send(Wire::ObservedKey{m_openMenu->menu, QStringLiteral("Escape"), {}});
+    m_openMenu.reset();
+    if (!menu.isNull())
+        m_openMenu = OpenMenu{observed(menu)};
 }
 
 void Recorder::takeWheel(QWindow* window, const QWheelEvent& event) {
@@ -409,6 +460,9 @@ Element Recorder::focus() const {
     Element element = Session::self()->element(QGuiApplication::focusObject());
     if (element.isNull())
         element = Session::self()->element(QGuiApplication::focusWindow());
+    // What has the focus may be hidden by now.
+    while (!element.isNull() && !element.toolkit->isVisible(element))
+        element = element.toolkit->parent(element);
     return element.isNull() ? element : element.toolkit->meant(element);
 }
 

@@ -53,6 +53,11 @@ private:
         QPointer<QObject> object;
         Wire::ObservedObject hovered;
     };
+    /// A menu that has popped up by itself.
+    struct OpenMenu {
+        Wire::ObservedObject menu;
+        bool hasChosen = false;
+    };
     /// A key from its announcement to the application until it is clear what takes it.
     struct Key {
         ulong timestamp = 0;
@@ -86,6 +91,10 @@ private:
     /// there.
     Element usedAt(QWindow* window, const QPoint& position, Qt::MouseButton button) const;
     Element popup() const;
+    /// The popup with a window of its own.
+    Element popupWindow() const;
+    /// The outermost open menu that no bar has opened, but a button or a place; null for none.
+    Element openMenu() const;
     Element focus() const;
     Wire::ObservedObject observed(const Element& element) const;
     /// The same for what has the focus, whose name stays the same while it is typed into.
@@ -96,6 +105,8 @@ private:
     /// Tells the state, if it is not known, and watches the object.
     void tellState(const Element& element);
     void tellChanges();
+    /// Tells of a menu that it was closed without a choice.
+    void followMenu();
     void scheduleRest();
 
     bool m_isOn = false;
@@ -106,6 +117,7 @@ private:
     QTimer m_rest;
     QVector<Watched> m_watched;
     std::optional<Press> m_press;
+    std::optional<OpenMenu> m_openMenu;
     bool m_isHovering = false;
     QPoint m_mouse;
     QPointer<QWindow> m_mouseWindow;

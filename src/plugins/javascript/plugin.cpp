@@ -5,6 +5,7 @@
 
 #include "base/export.h"
 #include "plugins/javascript/javascriptinterpreter.h"
+#include "plugins/javascript/javascriptrecorder.h"
 #include "plugins/javascript/objectnames.h"
 
 /// An interpreter for JavaScript, owned by the caller; null, with a message on standard error, when
@@ -21,4 +22,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
 /// A map of object names in a JavaScript module, owned by the caller.
 extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
     return new Tamrix::JavaScriptPlugin::JavaScriptObjectMap(path);
+}
+
+/// Writes scripts in JavaScript, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::JavaScriptPlugin::JavaScriptRecorder;
 }

@@ -6,6 +6,7 @@
 #include "base/export.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/objectnames.h"
+#include "plugins/perl/perlrecorder.h"
 
 /// An interpreter for Perl scripts, owned by the caller; null, with a message on standard error,
 /// when Perl can't be started.
@@ -21,4 +22,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
 /// A map of object names in a Perl script, owned by the caller.
 extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
     return new Tamrix::PerlPlugin::PerlObjectMap(path);
+}
+
+/// Writes scripts in Perl, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::PerlPlugin::PerlRecorder;
 }

@@ -19,11 +19,12 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
     }
 }
 
-/// Writes scripts in Python, owned by the caller. The arguments have no meaning here.
+/// Writes scripts in Python, owned by the caller. The text is the module with the names of objects
+/// that the scripts import, empty for none; the others have no meaning here.
 extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
                                                                     bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::PythonPlugin::PythonRecorder;
+                                                                    const QString& namesModule) {
+    return new Tamrix::PythonPlugin::PythonRecorder(namesModule);
 }
 
 /// A map of object names in a Python script, owned by the caller.

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "interpreter/bridge/eventrecorder.h"
+#include "interpreter/language/recordingnotation.h"
 
 namespace Tamrix::PythonPlugin {
 
-/// Writes scripts in Python. Needs no runtime of Python.
-class PythonRecorder : public EventRecorder {
+/// Writes scripts in Python.
+class PythonRecorder : public NotatedRecorder {
 public:
-    QString header() const override;
-    QString lines(const ScriptAction& action) const override;
-    QString footer() const override;
+    /// Symbolic names are variables of this module; texts without one.
+    explicit PythonRecorder(const QString& namesModule = QString());
 };
 
 }  // namespace Tamrix::PythonPlugin

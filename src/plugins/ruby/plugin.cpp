@@ -6,6 +6,7 @@
 #include "base/export.h"
 #include "plugins/ruby/objectnames.h"
 #include "plugins/ruby/rubyinterpreter.h"
+#include "plugins/ruby/rubyrecorder.h"
 
 /// An interpreter for Ruby scripts, owned by the caller; null, with a message on standard error,
 /// when Ruby can't be started.
@@ -21,4 +22,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
 /// A map of object names in a Ruby script, owned by the caller.
 extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
     return new Tamrix::RubyPlugin::RubyObjectMap(path);
+}
+
+/// Writes scripts in Ruby, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::RubyPlugin::RubyRecorder;
 }

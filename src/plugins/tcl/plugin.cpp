@@ -6,6 +6,7 @@
 #include "base/export.h"
 #include "plugins/tcl/objectnames.h"
 #include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/tclrecorder.h"
 #include "plugins/tcl/tclruntime.h"
 
 /// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error,
@@ -24,4 +25,11 @@ extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerIn
 /// A map of object names in a Tcl script, owned by the caller.
 extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
     return new Tamrix::TclPlugin::TclObjectMap(path);
+}
+
+/// Writes scripts in Tcl, owned by the caller. The arguments have no meaning here.
+extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
+                                                                    bool /*third*/,
+                                                                    const QString& /*text*/) {
+    return new Tamrix::TclPlugin::TclRecorder;
 }

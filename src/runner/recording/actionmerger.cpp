@@ -186,7 +186,8 @@ void ActionMerger::holdClick(const Press& press, qint64 now) {
     HeldClick click;
     click.handle = press.observed.object.handle;
     click.time = now;
-    click.isFocusing = isField(press.observed.object.role) &&
+    const ObservedRole role = press.observed.object.role;
+    click.isFocusing = (isField(role) || role == ObservedRole::Slider) &&
                        press.observed.button == Qt::LeftButton && press.observed.modifiers == 0;
     const auto name = [this](const ObservedObject& object) { return nameOf(object); };
     if (press.observed.hovered.handle != 0)
@@ -288,6 +289,9 @@ void ActionMerger::take(const Wire::ObservedShortcut& shortcut, qint64 now) {
     endTouched(now);
     if (m_press && m_press->isReleased)
         endPress(now);
+    // One that closes an open list is told by the list's end.
+    if (stateOf(shortcut.focus).isOpen)
+        return;
     flush();
     if (shortcut.button.handle != 0) {
         giveCall("click", shortcut.button);

@@ -1,20 +1,43 @@
 #include "runner/recording/recordednames.h"
 
-#include <QFile>
 #include <QFileInfo>
 
-#include "base/filewriting.h"
+#include "interpreter/names/objectmaps.h"
+#include "platform/objectmodel/object.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/remote/namequery.h"
 
 namespace Tamrix {
 
-Outcome<> RecordedNames::useFileOf(const QString& suiteDirectory) {
-    const QString path = suiteDirectory + QLatin1String("/shared/objectnames.tsv");
+namespace {
+
+/// An object of which a map needs no more than its name.
+class NamedObject : public Object {
+public:
+    explicit NamedObject(const QString& name) : m_name(name) {}
+    QString realName() const override { return m_name; }
+
+private:
+    QString m_name;
+};
+
+}  // namespace
+
+Outcome<> RecordedNames::useMapOf(const QString& suiteDirectory) {
+    const QString path = suiteObjectMap(suiteDirectory);
     if (!QFileInfo::exists(path))
         return {};
+    if (const Outcome<> used = useObjectMap(path); !used)
+        return used;
     m_file = path;
-    return ObjectMap::self()->load(path);
+    // What is wrong with it is told before something is recorded.
+    const auto names = ObjectMap::self()->names();
+    return names ? Outcome<>() : fail(names.error());
+}
+
+QString RecordedNames::moduleFor(const QString& suffix) const {
+    const QFileInfo file(m_file);
+    return !m_file.isEmpty() && file.suffix() == suffix ? file.completeBaseName() : QString();
 }
 
 QString RecordedNames::nameOf(const Wire::Query& query) {
@@ -22,35 +45,14 @@ QString RecordedNames::nameOf(const Wire::Query& query) {
     if (!name.isValid())
         return {};
     const QString realName = name.qualifiedName();
-    if (m_file.isEmpty())
+    if (m_file.isEmpty() || !m_result)
         return realName;
-    const QString known = ObjectMap::self()->symbolicName(realName);
-    if (!known.isEmpty())
-        return known;
-    const QString made = ObjectMap::self()->symbolicName(realName, true);
-    append(made, realName);
-    // What the file does not have, the script does.
-    return m_result ? made : realName;
-}
-
-void RecordedNames::append(const QString& symbolicName, const QString& realName) {
-    QFile file(m_file);
-    if (!m_result)
-        return;
-    QString error;
-    bool isWritten = file.open(QIODevice::ReadWrite);
-    if (!isWritten)
-        error = file.errorString();
-    if (isWritten) {
-        const QByteArray before = file.readAll();
-        const QString line = ObjectMap::escapeForSerialize(symbolicName) + u'\t' +
-                             ObjectMap::escapeForSerialize(realName) + u'\n';
-        const bool isLineOpen = !before.isEmpty() && !before.endsWith('\n');
-        isWritten = writeAll(&file, (isLineOpen ? "\n" : "") + line.toUtf8(), &error);
-    }
-    if (!isWritten)
-        m_result = fail(FailureKind::Failed,
-                        QStringLiteral("'%1' can't be written: %2").arg(m_file, error));
+    const Outcome<QString> key = ObjectMap::self()->add(SharedPtr<Object>(new NamedObject(realName)));
+    if (key)
+        return *key;
+    // What the map does not have, the script does.
+    m_result = fail(key.error());
+    return realName;
 }
 
 }  // namespace Tamrix

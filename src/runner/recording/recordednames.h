@@ -7,21 +7,22 @@
 
 namespace Tamrix {
 
-/// What a recorded script calls objects by: their real names, or in a suite that keeps names in
-/// a file, the names of that file, which grows. Uses ObjectMap::self().
+/// What a recorded script calls objects by: their real names, or in a suite that has a map of
+/// names, those of the map, which grows. Uses ObjectMap::self().
 class RecordedNames {
 public:
-    /// Reads the file of names. A suite without one gets none.
-    Outcome<> useFileOf(const QString& suiteDirectory);
+    /// Brings the suite's map into use. A suite without one gets none.
+    Outcome<> useMapOf(const QString& suiteDirectory);
+    /// The module that scripts in a language import for the names, by the suffix of its files;
+    /// empty when the map is none of theirs.
+    QString moduleFor(const QString& suffix) const;
     /// Empty for a name without criteria.
     QString nameOf(const Wire::Query& query);
     /// Fails when a name could not be written, with the first reason.
     Outcome<> result() const { return m_result; }
 
 private:
-    void append(const QString& symbolicName, const QString& realName);
-
-    /// Empty for none.
+    /// The map's file; empty for none.
     QString m_file;
     Outcome<> m_result;
 };

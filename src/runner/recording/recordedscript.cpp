@@ -49,23 +49,27 @@ void RecordedScript::add(const ScriptAction& action) {
 }
 
 void RecordedScript::end() {
-    write(m_language->footer());
+    m_tell(m_language->footer());
     m_file.close();
 }
 
 void RecordedScript::write(const QString& text) {
-    if (text.isEmpty())
-        return;
     m_tell(text);
-    QString error;
     if (!m_file.isOpen() || !m_result)
         return;
-    if (!writeAll(&m_file, text.toUtf8(), &error))
+    // The new lines and the end go over the old end, which is shorter, in one piece.
+    const QByteArray lines = text.toUtf8();
+    QString error;
+    const bool isWritten = m_file.seek(m_end) &&
+                           writeAll(&m_file, lines + m_language->footer().toUtf8(), &error);
+    m_end += lines.size();
+    if (!isWritten)
         m_result = fail(FailureKind::Failed,
                         QStringLiteral("'%1' can't be written: %2").arg(m_file.fileName(), error));
 }
 
-Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName) {
+Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName,
+                                                     const QString& namesModule) {
     const ScriptLanguageInformation* const language = languageOf(languageName);
     if (!language)
         return fail(FailureKind::BadArgument,
@@ -73,7 +77,7 @@ Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName
     const ScriptLanguagePlugin plugin(language->pluginName);
     if (!plugin.lastErrorMessage().isEmpty())
         return fail(FailureKind::Failed, plugin.lastErrorMessage());
-    std::unique_ptr<EventRecorder> writer(plugin.eventRecorder(false, false, false, QString()));
+    std::unique_ptr<EventRecorder> writer(plugin.eventRecorder(false, false, false, namesModule));
     if (!writer)
         return fail(FailureKind::Failed,
                     QStringLiteral("No scripts are recorded in %1").arg(language->name));

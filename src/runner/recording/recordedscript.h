@@ -10,8 +10,8 @@
 
 namespace Tamrix {
 
-/// A script that grows while something is recorded. Each line is in the file, and told, when it is
-/// written: what ends the recording, however it ends, leaves a whole script.
+/// A script that grows while something is recorded. Each line is told, and in the file, when it is
+/// written, with the script's end behind it: whatever ends the recording leaves a whole script.
 class RecordedScript {
 public:
     /// Told of each text as it is written.
@@ -35,12 +35,16 @@ private:
     std::unique_ptr<EventRecorder> m_language;
     Tell m_tell;
     QFile m_file;
+    /// Where the script's end stands in the file.
+    qint64 m_end = 0;
     Outcome<> m_result;
 };
 
-/// What writes scripts in a language, "python" or its suffix "py". Fails for an unknown language
-/// and for one that has no plug-in here or writes no scripts.
-Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName);
+/// What writes scripts in a language, "python" or its suffix "py", with symbolic names as variables
+/// of a module where that is not empty. Fails for an unknown language and for one that has no
+/// plug-in here or writes no scripts.
+Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName,
+                                                     const QString& namesModule = QString());
 /// The suffix of its scripts' files; empty for an unknown language.
 QString scriptSuffix(const QString& languageName);
 

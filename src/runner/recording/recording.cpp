@@ -139,22 +139,23 @@ Outcome<> record(const RecordingSettings& settings,
     const Outcome<QString> verifyKeys = normalizedKeys(settings.verifyKeys);
     if (!verifyKeys)
         return fail(verifyKeys.error());
-    Outcome<std::unique_ptr<EventRecorder>> writer = scriptWriter(settings.language);
-    if (!writer)
-        return fail(writer.error());
-    RecordedScript script(std::move(*writer), tell);
     RecordedNames names;
+    const QString suffix = scriptSuffix(settings.language);
     QString path;
     if (!settings.suite.isEmpty()) {
-        if (const Outcome<> used = names.useFileOf(settings.suite); !used)
-            return used;
-        path = QStringLiteral("%1/%2/test.%3")
-                   .arg(settings.suite, settings.caseName, scriptSuffix(settings.language));
+        path = QStringLiteral("%1/%2/test.%3").arg(settings.suite, settings.caseName, suffix);
         // Before anything starts; the file is made when there is something to write.
         if (QFileInfo::exists(path))
             return fail(FailureKind::BadArgument,
                         QStringLiteral("'%1' is there already").arg(path));
+        if (const Outcome<> used = names.useMapOf(settings.suite); !used)
+            return used;
     }
+    Outcome<std::unique_ptr<EventRecorder>> writer =
+        scriptWriter(settings.language, names.moduleFor(suffix));
+    if (!writer)
+        return fail(writer.error());
+    RecordedScript script(std::move(*writer), tell);
     Applications applications;
     const Outcome<> recorded =
         recordProgram(applications, settings, *verifyKeys, path, script, names);

@@ -51,9 +51,8 @@ RecordedProgram::RecordedProgram(const QString& program, const QStringList& argu
     m_language = std::move(*language);
     m_merger = std::make_unique<ActionMerger>(
         [this](const ScriptAction& action) {
-            const QString lines = m_language->lines(action);
-            m_all.append(lines);
-            m_lines.append(lines.trimmed());
+            m_actions.append(action);
+            m_lines.append(m_language->lines(action).trimmed());
         },
         [](const Wire::Query& query) { return nameOfQuery(query).qualifiedName(); });
     sync();
@@ -170,10 +169,16 @@ QStringList RecordedProgram::takeLines() {
     return std::exchange(m_lines, {});
 }
 
-QByteArray RecordedProgram::script(const QString& commandLine) const {
-    QString text = m_language->header();
-    text += m_language->lines(FunctionAction{"startApplication", {}, {commandLine}});
-    return (text + m_all.join(QString())).toUtf8();
+QByteArray RecordedProgram::script(const QString& commandLine, const QString& language) const {
+    const auto writer = scriptWriter(language);
+    EXPECT_TRUE(writer) << qPrintable(language);
+    if (!writer)
+        return {};
+    QString text = (*writer)->header();
+    text += (*writer)->lines(FunctionAction{"startApplication", {}, {commandLine}});
+    for (const ScriptAction& action : m_actions)
+        text += (*writer)->lines(action);
+    return (text + (*writer)->footer()).toUtf8();
 }
 
 }  // namespace Tamrix::Test

@@ -48,8 +48,10 @@ public:
 
     /// The lines since the last call, without indentation; what is held counts as done.
     QStringList takeLines();
-    /// All lines as a script that starts the program by this command line.
-    QByteArray script(const QString& commandLine) const;
+    /// All that was done as a script that starts the program by this command line.
+    QByteArray script(const QString& commandLine, const QString& language = "python") const;
+    /// Ends the program.
+    void end() { m_client.reset(); }
 
 private:
     QRect boundsOf(const QStringList& criteria);
@@ -63,7 +65,7 @@ private:
     std::unique_ptr<EventRecorder> m_language;
     std::unique_ptr<ActionMerger> m_merger;
     QStringList m_lines;
-    QStringList m_all;
+    QList<ScriptAction> m_actions;
     qint64 m_now = 0;
 };
 

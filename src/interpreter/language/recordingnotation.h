@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QString>
+
+#include "base/export.h"
+#include "interpreter/bridge/eventrecorder.h"
+
+namespace Tamrix {
+
+/// How texts stand in quotes.
+struct QuotingNotation {
+    /// What has a backslash in front within the quotes, beside the backslash and the quote.
+    const char* special = "";
+    /// A character by its code in hexadecimal digits, four at least: "\\u%1".
+    const char* code = "\\u%1";
+    /// Whether the code may be half of a character, which texts of an application may hold.
+    bool hasHalves = true;
+};
+
+/// How a language writes what recordings consist of; its words as data. Each statement stands on a
+/// line.
+struct RecordingNotation {
+    /// What stands around the statements, whole lines.
+    const char* header;
+    const char* footer;
+    const char* indentation = "    ";
+    const char* comment = "# ";
+    const char* truths[2] = {"false", "true"};
+    /// Of a function, %1, with arguments, %2.
+    const char* call = "%1(%2)";
+    const char* betweenArguments = ", ";
+    /// An argument, %2, by its name, %1. Null in a language without: such arguments stand at their
+    /// places, and for those that are left out...
+    const char* named = "%1=%2";
+    /// ...stands this.
+    const char* leftOut = "";
+    /// In front of a text that would be taken for the name of an argument: one that begins with
+    /// "-". Null where none is.
+    const char* dashMark = nullptr;
+    const char* list = "[%1]";
+    const char* betweenItems = ", ";
+    /// The password of the key %1.
+    const char* password = "testSettings.getPassword(%1)";
+    /// Sets the property %2 of the object %1 to %3.
+    const char* assignment = "waitForObject(%1).%2 = %3";
+    /// Expects of the object %1 the properties %2.
+    const char* expectation = "test.expect(%1, {%2})";
+    /// A property, %1, and its value, and how it is written when it is no identifier.
+    const char* property = "%1: %2";
+    const char* quotedProperty = "%1: %2";
+    const char* betweenProperties = ", ";
+    QuotingNotation quoting = {};
+    /// How texts, names of objects and what stands in comments are written where texts are not
+    /// simply quoted, and comments not written as they are.
+    QString (*text)(const QString& text) = nullptr;
+    QString (*name)(const QString& name) = nullptr;
+    QString (*remark)(const QString& text) = nullptr;
+    /// In front of the header: brings the module %1, whose variables are names of objects, and how
+    /// its variable %2 is written. Null in a language that has no such modules.
+    const char* import = nullptr;
+    const char* variable = "%1.%2";
+};
+
+/// The text within double quotes, on one line, readable in any editor.
+TAMRIX_EXPORT QString quotedText(const QString& text, const QuotingNotation& quoting);
+
+/// Whether all characters of the text are shown as what they are.
+TAMRIX_EXPORT bool isPlainText(const QString& text);
+
+/// Writes scripts by a language's notation. Needs no runtime of the language.
+class TAMRIX_EXPORT NotatedRecorder : public EventRecorder {
+public:
+    /// Symbolic names are variables of this module, where the language has that; without one they
+    /// are written as texts, ":Save".
+    explicit NotatedRecorder(const RecordingNotation& notation,
+                             const QString& namesModule = QString())
+        : m_notation(notation), m_namesModule(namesModule) {}
+
+    QString header() const override;
+    QString lines(const ScriptAction& action) const override;
+    QString footer() const override;
+
+private:
+    QString statement(const FunctionAction& action) const;
+    QString statement(const AssignmentAction& action) const;
+    QString statement(const ExpectAction& action) const;
+    QString statement(const CommentAction& action) const;
+    QStringList namedArguments(const FunctionAction& action) const;
+    QString valueText(const ActionValue& value) const;
+    QString objectText(const QString& name) const;
+    QString literal(const QString& text) const;
+
+    RecordingNotation m_notation;
+    QString m_namesModule;
+};
+
+}  // namespace Tamrix

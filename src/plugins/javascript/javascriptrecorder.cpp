@@ -1,0 +1,22 @@
+#include "plugins/javascript/javascriptrecorder.h"
+
+namespace Tamrix::JavaScriptPlugin {
+
+namespace {
+
+constexpr RecordingNotation notation{
+    .header = "function main() {\n",
+    .footer = "}\n",
+    .comment = "// ",
+    .call = "%1(%2);",
+    .named = nullptr,
+    .leftOut = "undefined",
+    .assignment = "waitForObject(%1).%2 = %3;",
+    .expectation = "test.expect(%1, {%2});",
+};
+
+}  // namespace
+
+JavaScriptRecorder::JavaScriptRecorder() : NotatedRecorder(notation) {}
+
+}  // namespace Tamrix::JavaScriptPlugin

@@ -1,0 +1,25 @@
+#include "plugins/perl/perlrecorder.h"
+
+namespace Tamrix::PerlPlugin {
+
+namespace {
+
+constexpr RecordingNotation notation{
+    .header = "use strict;\nuse warnings;\n\nsub main {\n",
+    .footer = "}\n",
+    .truths = {"!!0", "!!1"},
+    .call = "%1(%2);",
+    .named = "-%1 => %2",
+    .password = "testSettings->getPassword(%1)",
+    .assignment = "waitForObject(%1)->%2(%3);",
+    .expectation = "test::expect(%1, {%2});",
+    .property = "%1 => %2",
+    .quotedProperty = "%1 => %2",
+    .quoting = {.special = "$@", .code = "\\x{%1}"},
+};
+
+}  // namespace
+
+PerlRecorder::PerlRecorder() : NotatedRecorder(notation) {}
+
+}  // namespace Tamrix::PerlPlugin
