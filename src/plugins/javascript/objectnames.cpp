@@ -55,7 +55,7 @@ const ScriptNotation& JavaScriptObjectMap::notation() const {
         textLiteral,
         isJavaScriptVariable,
         propertyName,
-        QStringLiteral("    "),
+        QString(),
     };
     return s_notation;
 }
