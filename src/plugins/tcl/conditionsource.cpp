@@ -3,7 +3,8 @@
 #include <QSet>
 #include <QStringList>
 #include <algorithm>
-#include <memory>
+#include <iterator>
+#include <string>
 #include <variant>
 #include <vector>
 
