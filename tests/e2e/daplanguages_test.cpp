@@ -103,7 +103,7 @@ When("they are eaten", context => {
     {"perl", "pl", "tamrixperl",
      R"pl(package helper;
 sub add {
-    my ($left, $right, $sum) = @_;
+    my ($left, $right, $sum) = @_;  # @arguments
     $sum = $left + $right;  # @sum
     return $sum;  # @end
 }
@@ -122,7 +122,7 @@ sub main {
      R"pl(use bdd;
 
 Given '{int} pies', sub {
-    my ($context, $count) = @_;
+    my ($context, $count) = @_;  # @arguments
     $context->{count} = $count;  # @pies
 };
 
@@ -221,6 +221,14 @@ protected:
         client.body(request, {{"threadId", 1}});
         return client.stop();
     }
+    /// Steps into a function of the file, and over the line @arguments that takes its arguments in
+    /// some languages.
+    QString intoFunction(const QString& file, const QByteArray& text) {
+        const QString place = after("stepIn");
+        const bool isAtArguments =
+            text.contains("@arguments") && place == at("step", file, text, "@arguments");
+        return isAtArguments ? after("next") : place;
+    }
     int exitCodeOfRun() {
         const int exitCode = client.event("exited")["exitCode"].toInt(-1);
         client.event("terminated");
@@ -275,7 +283,8 @@ TEST_P(DapLanguages, StepsThroughModulesToAnErrorThatNothingCatches) {
 
     // In, over and out of a function.
     EXPECT_EQ(client.stop(), at("breakpoint", "test.{}", language.script, "@one"));
-    EXPECT_EQ(after("stepIn"), at("step", "helper.{}", language.helper, "@sum"));
+    EXPECT_EQ(intoFunction("helper.{}", language.helper),
+              at("step", "helper.{}", language.helper, "@sum"));
     EXPECT_EQ(after("next"), at("step", "helper.{}", language.helper, "@end"));
     // By a condition.
     EXPECT_EQ(after("continue"), at("breakpoint", "helper.{}", language.helper, "@sum"));
@@ -323,7 +332,8 @@ TEST_P(DapLanguages, StepsOfAFeatureFileAndTheirFunctions) {
 
     EXPECT_EQ(client.stop(), "breakpoint test.feature:3");
     EXPECT_EQ(evaluated("1 + 1"), "2");
-    EXPECT_EQ(after("stepIn"), at("step", "order.{}", language.steps, "@pies"));
+    EXPECT_EQ(intoFunction("order.{}", language.steps),
+              at("step", "order.{}", language.steps, "@pies"));
     EXPECT_EQ(evaluated(nameOf("count")), "2");
     EXPECT_EQ(after("stepOut"), "step test.feature:4");
     EXPECT_EQ(after("continue"), at("breakpoint", "order.{}", language.steps, "@eaten"));
