@@ -79,15 +79,37 @@ module Tamrix::TimeLimit
 
   # nil when it was not done in time.
   def self.inspect_within(value, seconds)
-    main = Thread.current
-    watch = Thread.new do
-      sleep seconds
-      loop { main.raise(Exceeded); sleep 0.02 }
+    Thread.handle_interrupt(Exceeded => :never) do
+      watch = watcher(Thread.current, seconds)
+      begin
+        Thread.handle_interrupt(Exceeded => :immediate) { value.inspect.to_s }
+      rescue Exceeded
+        nil
+      ensure
+        watch.kill.join
+        forget_late
+      end
     end
-    value.inspect.to_s
-  rescue Exceeded
-    nil
-  ensure
-    watch&.kill
   end
+
+  # Code that catches everything is ended again and again.
+  def self.watcher(thread, seconds)
+    Thread.new do
+      sleep seconds
+      loop do
+        thread.raise(Exceeded) unless thread.pending_interrupt?
+        sleep 0.02
+      end
+    end
+  end
+
+  # What was raised when the code had ended already: one, and hardly ever a second one.
+  def self.forget_late
+    3.times do
+      Thread.handle_interrupt(Exceeded => :immediate) { Thread.pass }
+    rescue Exceeded
+      # That was one.
+    end
+  end
+  private_class_method :watcher, :forget_late
 end
