@@ -4,8 +4,10 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "base/environment.h"
+#include "runner/applications/application.h"
 
 namespace Tamrix {
 
@@ -157,12 +159,28 @@ bool isAgentLoaded(const std::vector<pid_t>& processes) {
                        [](pid_t process) { return hasAgent(mapsOf(process)); });
 }
 
+bool ForeignToolkitWatch::areBusy(const std::vector<pid_t>& processes) {
+    bool isAnyRunnable = false;
+    qint64 time = 0;
+    for (const pid_t process : processes) {
+        const QByteArray state = processState(process);
+        isAnyRunnable = isAnyRunnable || state == "R" || state == "D";
+        time += std::max<qint64>(cpuTime(process), 0);
+    }
+    const qint64 used = time - std::exchange(m_cpuTime, time);
+    return isAnyRunnable || used > lookInterval / 4;
+}
+
 QString ForeignToolkitWatch::look(const std::vector<pid_t>& processes) {
     m_nextLook.setRemainingTime(lookInterval);
+    const bool isBusy = areBusy(processes);
     const QString obstacle = agentObstacle(processes);
     if (obstacle != m_seen) {
         m_seen = obstacle;
         m_sure.setRemainingTime(std::max<qint64>(patience, 2 * m_sinceStart.elapsed()));
+        m_latest.setRemainingTime(busyPatience);
+    } else if (isBusy && !m_latest.hasExpired()) {
+        m_sure.setRemainingTime(std::max<qint64>(patience, m_sure.remainingTime()));
     }
     return m_sure.hasExpired() ? m_seen : QString();
 }

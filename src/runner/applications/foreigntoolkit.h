@@ -38,6 +38,8 @@ public:
     /// How long something may at least look to be in the agent's way, in milliseconds. On a busy
     /// machine it takes programs longer to start: twice as long as it took so far.
     static constexpr int patience = 1000;
+    /// The same for a program that works meanwhile, or waits for a processor: at most so long.
+    static constexpr int busyPatience = 8000;
     static constexpr int lookInterval = 250;
 
     ForeignToolkitWatch() { m_sinceStart.start(); }
@@ -47,10 +49,15 @@ public:
     QString look(const std::vector<pid_t>& processes);
 
 private:
+    /// Whether one of them has worked since the last look.
+    bool areBusy(const std::vector<pid_t>& processes);
+
     QElapsedTimer m_sinceStart;
     QDeadlineTimer m_nextLook;
     QDeadlineTimer m_sure;
+    QDeadlineTimer m_latest;
     QString m_seen;
+    qint64 m_cpuTime = 0;
 };
 
 }  // namespace Tamrix
