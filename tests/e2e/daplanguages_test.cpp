@@ -169,7 +169,7 @@ proc main {} {
     set values [list 1 [list 2 two]] ;# @values
     set total [add [lindex $values 0] 1] ;# @one
     set total [add $total 5] ;# @two
-    puts $total ;# @print
+    puts [set total] ;# @print
     error "after all" ;# @raise
 }
 )tcl",
