@@ -25,8 +25,8 @@ QQuickWindow* windowOf(const Element& element) {
     return item ? item->window() : qobject_cast<QQuickWindow*>(element.object);
 }
 
-/// Whether a class of Qt Quick, not a file of a scene, gave the object the property. Qt 6 takes these
-/// for names: "activeFocusControl" would be another object after each click.
+/// Whether a class of Qt Quick, not a file of a scene, gave the object the property. Qt 6 takes
+/// these for names: "activeFocusControl" would be another object after each click.
 bool isNativeProperty(const QObject* object, const QString& name) {
     const QMetaObject* metaObject = object ? object->metaObject() : nullptr;
     while (metaObject && QByteArray(metaObject->className()).contains("_QML"))
