@@ -3,6 +3,7 @@
 // recording, in one run, for programs of some hundred and of ten thousand objects.
 
 #include <QGuiApplication>
+#include <QThread>
 #include <algorithm>
 #include <cstdio>
 #include <vector>
@@ -19,6 +20,8 @@ using Tamrix::Inspector;
 using Tamrix::RemoteModel;
 
 constexpr int turns = 7;
+/// So seldom is asked whether it is measured, in ms: it should not be disturbed.
+constexpr int pollInterval = 100;
 
 double median(std::vector<double> times) {
     std::sort(times.begin(), times.end());
@@ -63,9 +66,14 @@ QString measure(int groups) {
                     model->record(Tamrix::Wire::Record{isRecorded, {}, false});
                 if (!set)
                     return set.error().text;
-                (isRecorded ? recorded : plain)
-                    .push_back(call("eventTime", {Inspector::self()->createObject(kind.name),
-                                                  Inspector::self()->createObject(kind.count)}));
+                call("measureEvents", {Inspector::self()->createObject(kind.name),
+                                       Inspector::self()->createObject(kind.count)});
+                double time = -1;
+                while (time < 0) {
+                    QThread::msleep(pollInterval);
+                    time = call("measuredTime", {});
+                }
+                (isRecorded ? recorded : plain).push_back(time);
                 model->takeObservations();
             }
         }

@@ -25,8 +25,8 @@ public:
     /// Presses or releases at the last position.
     void press(Qt::MouseButton button);
     void release(Qt::MouseButton button);
-    /// An open popup has the mouse, as keys may close it: the next move enters its window anew, as a
-    /// real mouse does when a popup goes.
+    /// An open popup has the mouse, as keys may close it: the next move enters its window anew, as
+    /// a real mouse does when a popup goes.
     void leaveToPopup();
     /// Takes care that the next press makes no double click with an earlier one.
     void separateClicks();

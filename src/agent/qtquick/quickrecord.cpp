@@ -134,9 +134,9 @@ QStringList textsOf(QObject* menu, const QList<QQuickItem*>& way) {
     for (QQuickItem* step : way) {
         const QString text = quickTextOf(step);
         const QList<QQuickItem*> entries = entriesOf(menu);
-        const auto same = std::count_if(
-            entries.cbegin(), entries.cend(),
-            [&text](const QQuickItem* each) { return quickTextOf(each) == text; });
+        const auto same =
+            std::count_if(entries.cbegin(), entries.cend(),
+                          [&text](const QQuickItem* each) { return quickTextOf(each) == text; });
         if (text.isEmpty() || same != 1)
             return {};
         texts.append(text);

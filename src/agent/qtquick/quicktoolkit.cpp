@@ -45,16 +45,13 @@ bool scrollFlickable(QQuickItem* flickable, const QQuickItem* item) {
     return scroll("contentY", place.top(), place.bottom(), flickable->height()) || hasMovedX;
 }
 
-/// The object's id. Where it has none, Qt 6 takes a property that holds the object, also one that
-/// soon holds another, such as the item with the focus: that is no name.
+/// The object's id. Where it has none, Qt 6 takes a property that holds the object, which may soon
+/// hold another, such as the item with the focus: that is no name.
 QString idOf(QObject* object, const QQmlContext& context) {
     const QString name = context.nameForObject(object);
     const QObject* const holder = context.contextObject();
-    const int index = holder ? holder->metaObject()->indexOfProperty(name.toLatin1()) : -1;
-    if (index < 0)
-        return name;
-    const QMetaProperty property = holder->metaObject()->property(index);
-    return property.isWritable() || property.isConstant() ? name : QString();
+    const bool isProperty = holder && holder->metaObject()->indexOfProperty(name.toUtf8()) >= 0;
+    return isProperty ? QString() : name;
 }
 
 }  // namespace

@@ -78,7 +78,8 @@ bool hasListener() {
 
 /// Whether what holds entries is a bar: those of all toolkits are called so.
 bool isBar(const Element& holder) {
-    const QStringList types = holder.toolkit->superTypes(holder) << holder.toolkit->typeName(holder);
+    const QStringList types = holder.toolkit->superTypes(holder)
+                              << holder.toolkit->typeName(holder);
     return std::any_of(types.cbegin(), types.cend(),
                        [](const QString& type) { return type.endsWith(QLatin1String("MenuBar")); });
 }

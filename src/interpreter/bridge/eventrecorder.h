@@ -52,8 +52,9 @@ struct CommentAction {
 
 using ScriptAction = std::variant<FunctionAction, AssignmentAction, ExpectAction, CommentAction>;
 
-/// Writes scripts in one language: what the factory "createEventRecorder" of a plug-in makes, whose
-/// arguments the plug-ins of this program don't use. Stateless.
+/// Writes scripts in one language: what the factory "createEventRecorder" of a plug-in makes. The
+/// factory's text is the module with the names of objects that the scripts import, empty for none;
+/// its other arguments have no meaning to the plug-ins of this program. Stateless.
 class TAMRIX_EXPORT EventRecorder {
 public:
     EventRecorder() = default;

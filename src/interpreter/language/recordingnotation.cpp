@@ -175,21 +175,21 @@ QString NotatedRecorder::statement(const CommentAction& action) const {
 
 QString NotatedRecorder::valueText(const ActionValue& value) const {
     return std::visit(
-        Overloaded{[this](bool truth) { return latin1(m_notation.truths[truth ? 1 : 0]); },
-                   [](qint64 number) { return QString::number(number); },
-                   [](double number) { return numberText(number); },
-                   [this](const QString& text) { return literal(text); },
-                   [this](const QStringList& texts) {
-                       QStringList items;
-                       items.reserve(texts.size());
-                       std::transform(texts.cbegin(), texts.cend(), std::back_inserter(items),
-                                      [this](const QString& text) { return literal(text); });
-                       return latin1(m_notation.list)
-                           .arg(items.join(latin1(m_notation.betweenItems)));
-                   },
-                   [this](const PasswordKey& password) {
-                       return latin1(m_notation.password).arg(literal(password.key));
-                   }},
+        Overloaded{
+            [this](bool truth) { return latin1(m_notation.truths[truth ? 1 : 0]); },
+            [](qint64 number) { return QString::number(number); },
+            [](double number) { return numberText(number); },
+            [this](const QString& text) { return literal(text); },
+            [this](const QStringList& texts) {
+                QStringList items;
+                items.reserve(texts.size());
+                std::transform(texts.cbegin(), texts.cend(), std::back_inserter(items),
+                               [this](const QString& text) { return literal(text); });
+                return latin1(m_notation.list).arg(items.join(latin1(m_notation.betweenItems)));
+            },
+            [this](const PasswordKey& password) {
+                return latin1(m_notation.password).arg(literal(password.key));
+            }},
         value);
 }
 

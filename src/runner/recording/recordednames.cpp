@@ -47,7 +47,8 @@ QString RecordedNames::nameOf(const Wire::Query& query) {
     const QString realName = name.qualifiedName();
     if (m_file.isEmpty() || !m_result)
         return realName;
-    const Outcome<QString> key = ObjectMap::self()->add(SharedPtr<Object>(new NamedObject(realName)));
+    const Outcome<QString> key =
+        ObjectMap::self()->add(SharedPtr<Object>(new NamedObject(realName)));
     if (key)
         return *key;
     // What the map does not have, the script does.

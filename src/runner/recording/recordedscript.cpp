@@ -60,8 +60,8 @@ void RecordedScript::write(const QString& text) {
     // The new lines and the end go over the old end, which is shorter, in one piece.
     const QByteArray lines = text.toUtf8();
     QString error;
-    const bool isWritten = m_file.seek(m_end) &&
-                           writeAll(&m_file, lines + m_language->footer().toUtf8(), &error);
+    const bool isWritten =
+        m_file.seek(m_end) && writeAll(&m_file, lines + m_language->footer().toUtf8(), &error);
     m_end += lines.size();
     if (!isWritten)
         m_result = fail(FailureKind::Failed,

@@ -23,8 +23,7 @@ int processWithArgument(const QString& path) {
     const QStringList processes = QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs);
     for (const QString& process : processes) {
         const QList<QByteArray> words = readFile("/proc/" + process + "/cmdline").split('\0');
-        if (words.size() > 1 && words[0] == target.toLocal8Bit() &&
-            words[1] == path.toLocal8Bit())
+        if (words.size() > 1 && words[0] == target.toLocal8Bit() && words[1] == path.toLocal8Bit())
             return process.toInt();
     }
     return 0;
@@ -53,12 +52,10 @@ protected:
         const QByteArray script =
             readFile(suite.path("suite/" + language + "/test." + suffixOf(language)));
         return QStringLiteral("$ record --language %1\n%2%3exit code %4\n# The script\n%5\n")
-            .arg(language, command.output(), command.errors(),
-                 QString::number(command.exitCode()), QString::fromUtf8(script));
+            .arg(language, command.output(), command.errors(), QString::number(command.exitCode()),
+                 QString::fromUtf8(script));
     }
-    static QString suffixOf(const QString& language) {
-        return language == "python" ? "py" : "tcl";
-    }
+    static QString suffixOf(const QString& language) { return language == "python" ? "py" : "tcl"; }
     QString normalised(const QString& text) const {
         return Tamrix::Test::Normaliser()
             .path(suite.path(), "<FOLDER>")
@@ -99,9 +96,11 @@ TEST_F(RecordCommand, LeavesAWholeScript) {
         ASSERT_GT(processWithArgument(suite.path("journal")), 0);
         ::kill(processWithArgument(suite.path("journal")), SIGTERM);
     });
-    text += recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGINT); });
+    text +=
+        recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGINT); });
     ASSERT_TRUE(QDir(suite.path("suite/tcl")).removeRecursively());
-    text += recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGKILL); });
+    text +=
+        recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGKILL); });
     EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/record-ends.txt", normalised(text)));
     EXPECT_EQ(processWithArgument(suite.path("journal")), 0);
 }

@@ -63,7 +63,8 @@ const Written rows[] = {
       R"(typeText(":Text", "-keys"))", R"(typeText :Text -- -keys)"}},
     {AssignmentAction{":Slider", "value", 2.0},
      {R"(waitForObject(":Slider").value = 2.0;)", R"(waitForObject(":Slider")->value(2.0);)",
-      R"(waitForObject(":Slider").value = 2.0)", R"([waitForObject :Slider] configure -value 2.0)"}},
+      R"(waitForObject(":Slider").value = 2.0)",
+      R"([waitForObject :Slider] configure -value 2.0)"}},
     {ExpectAction{":Box", {{"checked", true}, {"text*", QString("On")}}},
      {R"(test.expect(":Box", {checked: true, "text*": "On"});)",
       R"(test::expect(":Box", {checked => !!1, "text*" => "On"});)",
@@ -137,15 +138,16 @@ const std::vector<RecordedStep> steps{
      },
      {R"(selectItem("{name='tabs' type='QTabWidget'}", "Choices"))",
       R"(test.expect("{text='Loud' type='QCheckBox'}", {"checked": False, "text": "Loud"}))"}},
-    {"the window is closed", [](RecordedProgram& program) { program.closeWindow(); },
+    {"the window is closed",
+     [](RecordedProgram& program) { program.closeWindow(); },
      {R"(closeWindow("{type='QMainWindow'}"))"}},
 };
 
 TEST(RecordedLanguages, Run) {
     QStringList built;
     std::copy_if(std::begin(languages), std::end(languages), std::back_inserter(built), isBuilt);
-    Tamrix::Test::recordAndReplay("recorder_target", steps, {{"TAMRIX_PASSWORD_Password", "topsecret"}},
-                          built);
+    Tamrix::Test::recordAndReplay("recorder_target", steps,
+                                  {{"TAMRIX_PASSWORD_Password", "topsecret"}}, built);
 }
 
 }  // namespace

@@ -14,7 +14,8 @@ using Test::RecordedProgram;
 using Test::RecordedStep;
 
 const std::vector<RecordedStep> steps{
-    {"a button", [](RecordedProgram& program) { program.click({"text=Order"}); },
+    {"a button",
+     [](RecordedProgram& program) { program.click({"text=Order"}); },
      {R"(click("{text='Order' type='Button'}"))"}},
     {"a field that is left by Tab",
      [](RecordedProgram& program) {
@@ -39,8 +40,7 @@ const std::vector<RecordedStep> steps{
          program.wait(1000);
          program.click({"text=Fast", "type=CheckBox"});
      },
-     {R"(check("{text='Fast' type='CheckBox'}"))",
-      R"(uncheck("{text='Fast' type='CheckBox'}"))"}},
+     {R"(check("{text='Fast' type='CheckBox'}"))", R"(uncheck("{text='Fast' type='CheckBox'}"))"}},
     {"a combo box by the mouse",
      [](RecordedProgram& program) {
          program.click({"name=size"});
@@ -125,7 +125,8 @@ const std::vector<RecordedStep> steps{
          program.press("Ctrl+F12");
      },
      {R"(test.expect("{text='Fast' type='CheckBox'}", {"checked": False, "text": "Fast"}))"}},
-    {"the window is closed", [](RecordedProgram& program) { program.closeWindow(); },
+    {"the window is closed",
+     [](RecordedProgram& program) { program.closeWindow(); },
      {R"(closeWindow("{name='window' type='ApplicationWindow'}"))"}},
 };
 
@@ -134,7 +135,7 @@ TAMRIX_FOR_EACH_QT(QuickRecordings);
 
 TEST_P(QuickRecordings, DoTheSameOnceMore) {
     Tamrix::Test::recordAndReplay(forQt("recorderquick_target", GetParam()), steps,
-                          {{"TAMRIX_PASSWORD_secret", "topsecret"}});
+                                  {{"TAMRIX_PASSWORD_secret", "topsecret"}});
 }
 
 }  // namespace

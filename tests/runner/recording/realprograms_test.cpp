@@ -46,7 +46,6 @@ std::vector<Program> programs() {
         {"assistant", QStringLiteral("/usr/lib/qt6/bin/assistant")},
         {"linguist", QStringLiteral("/usr/lib/qt6/bin/linguist")},
         {"qt6ct", QStringLiteral("/usr/bin/qt6ct")},
-        {"qxgedit", QStringLiteral("/usr/bin/qxgedit")},
         {"tanglet", QStringLiteral("/usr/games/tanglet")},
         {"cutemaze", QStringLiteral("/usr/games/cutemaze")},
         {"uefitool", QStringLiteral("/usr/bin/UEFITool")},
@@ -64,7 +63,7 @@ std::vector<Program> programs() {
 bool isLeftAlone(const QString& text) {
     static const char* const s_words[] = {"quit",   "exit",   "ok",   "close",  "cancel",
                                           "print",  "open",   "save", "export", "full",
-                                          "recent", "browse", "help",   "load",   "import"};
+                                          "recent", "browse", "help", "load",   "import"};
     const QString lower = text.toLower();
     return std::any_of(std::begin(s_words), std::end(s_words),
                        [&lower](const char* word) { return lower.contains(QLatin1String(word)); });
@@ -192,8 +191,8 @@ TEST_P(RealRecordings, RunAsTheyWereWritten) {
         RecordedProgram program(GetParam().path, GetParam().arguments, homes);
         ASSERT_EQ(program.error(), QString());
         Visitor visitor(program);
-        for (int visit = 0; visit < mostVisits && lines.size() < lineCount &&
-                            program.client().channel().isOpen();
+        for (int visit = 0;
+             visit < mostVisits && lines.size() < lineCount && program.client().channel().isOpen();
              ++visit) {
             visitor.visit();
             lines += program.takeLines();

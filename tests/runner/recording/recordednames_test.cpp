@@ -22,8 +22,7 @@ protected:
         return {{{"text", 0, text, nullptr}, {"type", 0, "QPushButton", nullptr}}, 1};
     }
     QString scriptOf(const QString& language, const QStringList& names) {
-        const auto writer =
-            scriptWriter(language, recorded.moduleFor(scriptSuffix(language)));
+        const auto writer = scriptWriter(language, recorded.moduleFor(scriptSuffix(language)));
         EXPECT_TRUE(writer);
         QString text = (*writer)->header();
         for (const QString& name : names)

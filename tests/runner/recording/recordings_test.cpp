@@ -256,7 +256,7 @@ TAMRIX_FOR_EACH_QT(Recordings);
 
 TEST_P(Recordings, DoTheSameOnceMore) {
     Tamrix::Test::recordAndReplay(forQt("recorder_target", GetParam()), steps,
-                          {{"TAMRIX_PASSWORD_Password", "topsecret"}});
+                                  {{"TAMRIX_PASSWORD_Password", "topsecret"}});
 }
 
 }  // namespace
