@@ -1,7 +1,6 @@
 #include "agent/qtquick/quicktoolkit.h"
 
 #include <QGuiApplication>
-#include <QMetaProperty>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
