@@ -172,11 +172,12 @@ if(TAMRIX_SANITIZERS MATCHES "address")
         "ASAN_OPTIONS=detect_leaks=0:handle_segv=0:verify_asan_link_order=0:${TAMRIX_SCRIPTS_ASAN_OPTIONS}")
 endif()
 
-# tamrix_test(NAME [DRIVES_PROGRAMS] SOURCES file... [LINK target...])
+# tamrix_test(NAME [DRIVES_PROGRAMS] SOURCES file... [LINK target...] [SANITIZED variable=value...])
 #   A GoogleTest program below tests/ of the build folder; every TEST in it is a test of CTest.
 #   DRIVES_PROGRAMS: it starts programs with the agent.
+#   SANITIZED: its environment when it is built with the sanitizer of addresses.
 function(tamrix_test name)
-    cmake_parse_arguments(ARG "DRIVES_PROGRAMS" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "DRIVES_PROGRAMS" "" "SOURCES;LINK;SANITIZED" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
@@ -188,10 +189,16 @@ function(tamrix_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock GTest::gtest_main tamrix-compiler
         tamrix-tests-compiler)
     tamrix_reuse_precompiled(${name} tests)
-    if(ARG_DRIVES_PROGRAMS AND TAMRIX_PROGRAMS_ENVIRONMENT)
+    set(environment "")
+    if(ARG_DRIVES_PROGRAMS)
+        list(APPEND environment ${TAMRIX_PROGRAMS_ENVIRONMENT})
+    endif()
+    if(TAMRIX_SANITIZERS MATCHES "address")
+        list(APPEND environment ${ARG_SANITIZED})
+    endif()
+    if(environment)
         # The property ENVIRONMENT takes but one variable here.
-        set_target_properties(${name} PROPERTIES
-            CROSSCOMPILING_EMULATOR "env;${TAMRIX_PROGRAMS_ENVIRONMENT}")
+        set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "env;${environment}")
     endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
         PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")

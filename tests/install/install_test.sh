@@ -14,8 +14,8 @@ fail() {
 
 # Runs a command as someone would who has set up nothing.
 plainly() {
-    env -i PATH="$PATH" HOME="$work" LC_ALL=C.UTF-8 \
-        ${PYTHONMALLOC:+PYTHONMALLOC="$PYTHONMALLOC"} "$@"
+    env -i PATH="$PATH" HOME="$work" LC_ALL=C.UTF-8 ${PYTHONMALLOC:+PYTHONMALLOC="$PYTHONMALLOC"} \
+        ${ASAN_OPTIONS:+ASAN_OPTIONS="$ASAN_OPTIONS"} ${LSAN_OPTIONS:+LSAN_OPTIONS="$LSAN_OPTIONS"} "$@"
 }
 
 # expect STATUS TEXT COMMAND...: the command ends with the status and its output has the text.
