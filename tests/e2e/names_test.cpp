@@ -81,8 +81,8 @@ TEST_F(NamesCommand, TellsWhatNamesAreOfUse) {
 
 TEST_F(NamesCommand, MapsOfEachLanguageGoBackAndForth) {
     const QByteArray table =
-        ":SAVE\t{text='Sa\\\\ve \"#$@%\" \\'it\\'' type='Button' window=':WINDOW'}\n"
-        ":WINDOW\t{box={text~='^a.*b$' type='Box'} type='Main' windowTitle*='Shop*'}\n";
+        ":WINDOW\t{box={text~='^a.*b$' type='Box'} type='Main' windowTitle*='Shop*'}\n"
+        ":SAVE\t{text='Sa\\\\\\\\ve \"#$@%\" \\\\'it\\\\'' type='Button' window=':WINDOW'}\n";
     suite.write("names.tsv", "# The shop\n" + table);
     for (const char* const suffix : {"pl", "py", "rb"}) {
         const QString script = suite.path(QStringLiteral("maps/names.%1").arg(suffix));
