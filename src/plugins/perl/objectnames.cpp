@@ -43,7 +43,7 @@ PerlObjectMap::PerlObjectMap(const QString& path)
     m_notation.comment = QStringLiteral("# ");
     m_notation.heading = QStringLiteral(
                              "# Names of objects, for scripts: require '%1'\n"
-                             "package %2;\nuse strict;\nuse utf8;\n\n")
+                             "package %2;\nuse strict;\nuse utf8;\n")
                              .arg(QFileInfo(path).fileName(), m_package);
     m_notation.ending = QStringLiteral("1;\n");
     m_notation.literal = literal;
