@@ -115,6 +115,7 @@ struct ChildPlan {
     char* const* environment;
     const char* workingDirectory;
     int input;
+    // -1 for where those of this process go.
     int output;
     int error;
     int failure;
@@ -139,10 +140,10 @@ struct ChildPlan {
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
     ::dup2(plan.input, STDIN_FILENO);
-    if (plan.output >= 0) {
+    if (plan.output >= 0)
         ::dup2(plan.output, STDOUT_FILENO);
+    if (plan.error >= 0)
         ::dup2(plan.error, STDERR_FILENO);
-    }
     if (*plan.workingDirectory && ::chdir(plan.workingDirectory) != 0) {
         failure = {errno, true};
     } else {
@@ -181,7 +182,7 @@ Outcome<std::unique_ptr<ChildProcess>> ChildProcess::start(const ProgramStart& s
                          workingDirectory.constData(),
                          input,
                          outputOf(start, output.writeEnd()),
-                         errors.writeEnd(),
+                         start.keepsOutput ? errors.writeEnd() : -1,
                          failurePipe.writeEnd(),
                          ::getpid(),
                          start.signalAtRunnersEnd,
