@@ -49,9 +49,7 @@ std::vector<Program> programs() {
         {"assistant", QStringLiteral("/usr/lib/qt6/bin/assistant")},
         {"linguist", QStringLiteral("/usr/lib/qt6/bin/linguist")},
         {"qt6ct", QStringLiteral("/usr/bin/qt6ct")},
-        {"cutemaze", QStringLiteral("/usr/games/cutemaze")},
         {"uefitool", QStringLiteral("/usr/bin/UEFITool")},
-        {"httraqt", QStringLiteral("/usr/bin/httraqt")},
 #endif
     };
     list.erase(std::remove_if(list.begin(), list.end(),
