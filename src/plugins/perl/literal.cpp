@@ -1,5 +1,6 @@
 #include "plugins/perl/literal.h"
 
+#include <QVector>
 #include <algorithm>
 
 #include "interpreter/language/literals.h"
