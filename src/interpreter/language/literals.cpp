@@ -19,6 +19,12 @@ bool isWhole(const QString& text, int index) {
     return !unit.isLowSurrogate() || (index > 0 && text.at(index - 1).isHighSurrogate());
 }
 
+/// Whether an editor shows the character as what it is.
+bool isPlain(const QString& text, int index) {
+    const QChar unit = text.at(index);
+    return (unit.isPrint() || unit.isSurrogate()) && isWhole(text, index);
+}
+
 QString escaped(const QString& text, int index, const LiteralStyle& style) {
     const QChar unit = text.at(index);
     if (unit == style.quote || unit == '\\' || QLatin1String(style.furtherEscaped).contains(unit))
@@ -27,10 +33,12 @@ QString escaped(const QString& text, int index, const LiteralStyle& style) {
         if (unit == QLatin1Char(row.character))
             return QLatin1String(row.written);
     }
-    if ((unit.isPrint() || unit.isSurrogate()) && isWhole(text, index))
+    if (isPlain(text, index))
         return unit;
+    const bool isLost = unit.isSurrogate() && !style.hasHalves;
+    const QChar written = isLost ? QChar(QChar::ReplacementCharacter) : unit;
     return QString(QLatin1String(style.numbered))
-        .arg(unit.unicode(), style.digits, 16, QLatin1Char('0'));
+        .arg(written.unicode(), style.digits, 16, QLatin1Char('0'));
 }
 
 }  // namespace
@@ -40,6 +48,14 @@ QString literalOf(const QString& text, const LiteralStyle& style) {
     for (int index = 0; index < text.size(); ++index)
         literal += escaped(text, index, style);
     return literal + style.quote;
+}
+
+bool isPlainText(const QString& text) {
+    for (int index = 0; index < text.size(); ++index) {
+        if (!isPlain(text, index))
+            return false;
+    }
+    return true;
 }
 
 bool isPlainIdentifier(const QString& text) {

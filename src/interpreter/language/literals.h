@@ -17,11 +17,17 @@ struct LiteralStyle {
     const char* numbered = "\\u%1";
     /// At least so many digits.
     int digits = 4;
+    /// Whether the number may be that of half a character, which texts of an application may hold;
+    /// otherwise the replacement character stands for it.
+    bool hasHalves = true;
 };
 
 /// The text as a literal: line ends and tabs as `\n`, `\r` and `\t`; other characters that can't be
 /// seen, and half characters that no file could hold, by their numbers.
 TAMRIX_EXPORT QString literalOf(const QString& text, const LiteralStyle& style = LiteralStyle());
+
+/// Whether all characters of the text are shown as what they are.
+TAMRIX_EXPORT bool isPlainText(const QString& text);
 
 /// Letters without accents, digits and "_", with no digit in front.
 TAMRIX_EXPORT bool isPlainIdentifier(const QString& text);

@@ -16,37 +16,6 @@ QString latin1(const char* text) {
     return QString::fromLatin1(text);
 }
 
-/// Whether the character is one half of a character of the text, with the other one beside it.
-bool isHalfOfPair(const QString& text, int index) {
-    const QChar character = text.at(index);
-    if (character.isHighSurrogate())
-        return index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
-    return character.isLowSurrogate() && index > 0 && text.at(index - 1).isHighSurrogate();
-}
-
-/// Whether an editor shows the character as what it is.
-bool isPlain(const QString& text, int index) {
-    const QChar character = text.at(index);
-    return character.isSurrogate() ? isHalfOfPair(text, index)
-                                   : character.isPrint() || character == u' ';
-}
-
-QString coded(QChar character, const QuotingNotation& quoting) {
-    switch (character.unicode()) {
-        case u'\n':
-            return QStringLiteral("\\n");
-        case u'\r':
-            return QStringLiteral("\\r");
-        case u'\t':
-            return QStringLiteral("\\t");
-        default: {
-            const bool isLost = character.isSurrogate() && !quoting.hasHalves;
-            const QChar written = isLost ? QChar(QChar::ReplacementCharacter) : character;
-            return latin1(quoting.code).arg(written.unicode(), 4, 16, QLatin1Char('0'));
-        }
-    }
-}
-
 /// Always with a point or an exponent: it stays a floating-point number.
 QString numberText(double number) {
     const QString text = QString::number(number, 'g', 17);
@@ -56,11 +25,6 @@ QString numberText(double number) {
         return character.isDigit() || character == u'-';
     });
     return isWhole ? best + QStringLiteral(".0") : best;
-}
-
-bool isIdentifier(const QString& text) {
-    static const QRegularExpression s_form(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return s_form.match(text).hasMatch();
 }
 
 /// The parameters of a function behind the object; none for an unknown one.
@@ -75,29 +39,6 @@ QStringList parametersOf(const QString& function) {
 }
 
 }  // namespace
-
-QString quotedText(const QString& text, const QuotingNotation& quoting) {
-    const QString special = latin1(quoting.special) + QStringLiteral("\"\\");
-    QString result(u'"');
-    for (int index = 0; index < text.size(); ++index) {
-        const QChar character = text.at(index);
-        if (special.contains(character))
-            result += QString(u'\\') + character;
-        else if (isPlain(text, index))
-            result += character;
-        else
-            result += coded(character, quoting);
-    }
-    return result + u'"';
-}
-
-bool isPlainText(const QString& text) {
-    for (int index = 0; index < text.size(); ++index) {
-        if (!isPlain(text, index))
-            return false;
-    }
-    return true;
-}
 
 QString NotatedRecorder::header() const {
     const QString header = latin1(m_notation.header);
@@ -160,7 +101,7 @@ QString NotatedRecorder::statement(const AssignmentAction& action) const {
 QString NotatedRecorder::statement(const ExpectAction& action) const {
     QStringList properties;
     for (const auto& [name, value] : action.properties) {
-        const bool isPlainName = isIdentifier(name);
+        const bool isPlainName = isPlainIdentifier(name);
         properties.append(latin1(isPlainName ? m_notation.property : m_notation.quotedProperty)
                               .arg(isPlainName ? name : literal(name), valueText(value)));
     }
@@ -195,13 +136,13 @@ QString NotatedRecorder::valueText(const ActionValue& value) const {
 
 QString NotatedRecorder::objectText(const QString& name) const {
     const QString variable = name.startsWith(u':') ? name.mid(1) : QString();
-    if (m_notation.import && !m_namesModule.isEmpty() && isIdentifier(variable))
+    if (m_notation.import && !m_namesModule.isEmpty() && isPlainIdentifier(variable))
         return latin1(m_notation.variable).arg(m_namesModule, variable);
     return m_notation.name ? m_notation.name(name) : literal(name);
 }
 
 QString NotatedRecorder::literal(const QString& text) const {
-    return m_notation.text ? m_notation.text(text) : quotedText(text, m_notation.quoting);
+    return m_notation.text ? m_notation.text(text) : literalOf(text, m_notation.quoting);
 }
 
 }  // namespace Tamrix

@@ -4,18 +4,9 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/eventrecorder.h"
+#include "interpreter/language/literals.h"
 
 namespace Tamrix {
-
-/// How texts stand in quotes.
-struct QuotingNotation {
-    /// What has a backslash in front within the quotes, beside the backslash and the quote.
-    const char* special = "";
-    /// A character by its code in hexadecimal digits, four at least: "\\u%1".
-    const char* code = "\\u%1";
-    /// Whether the code may be half of a character, which texts of an application may hold.
-    bool hasHalves = true;
-};
 
 /// How a language writes what recordings consist of; its words as data. Each statement stands on a
 /// line.
@@ -49,7 +40,7 @@ struct RecordingNotation {
     const char* property = "%1: %2";
     const char* quotedProperty = "%1: %2";
     const char* betweenProperties = ", ";
-    QuotingNotation quoting = {};
+    LiteralStyle quoting = {};
     /// How texts, names of objects and what stands in comments are written where texts are not
     /// simply quoted, and comments not written as they are.
     QString (*text)(const QString& text) = nullptr;
@@ -60,12 +51,6 @@ struct RecordingNotation {
     const char* import = nullptr;
     const char* variable = "%1.%2";
 };
-
-/// The text within double quotes, on one line, readable in any editor.
-TAMRIX_EXPORT QString quotedText(const QString& text, const QuotingNotation& quoting);
-
-/// Whether all characters of the text are shown as what they are.
-TAMRIX_EXPORT bool isPlainText(const QString& text);
 
 /// Writes scripts by a language's notation. Needs no runtime of the language.
 class TAMRIX_EXPORT NotatedRecorder : public EventRecorder {

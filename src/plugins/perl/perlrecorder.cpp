@@ -15,7 +15,7 @@ constexpr RecordingNotation notation{
     .expectation = "test::expect(%1, {%2});",
     .property = "%1 => %2",
     .quotedProperty = "%1 => %2",
-    .quoting = {.special = "$@", .code = "\\x{%1}"},
+    .quoting = {.furtherEscaped = "$@", .numbered = "\\x{%1}"},
 };
 
 }  // namespace

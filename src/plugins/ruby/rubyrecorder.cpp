@@ -10,7 +10,7 @@ constexpr RecordingNotation notation{
     .indentation = "  ",
     .named = "%1: %2",
     .expectation = "test.expect(%1, { %2 })",
-    .quoting = {.special = "#", .code = "\\u{%1}", .hasHalves = false},
+    .quoting = {.furtherEscaped = "#", .numbered = "\\u{%1}", .hasHalves = false},
 };
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace Tamrix::TclPlugin {
 namespace {
 
 /// In a body, braces of all words and comments count, but for those behind a backslash.
-constexpr QuotingNotation quoting{.special = "$[{}"};
+constexpr LiteralStyle quoting{.furtherEscaped = "$[{}"};
 
 /// A text as one word of a command: bare, in braces, or in quotes.
 QString word(const QString& text) {
@@ -17,7 +17,7 @@ QString word(const QString& text) {
         return text;
     if (isPlainText(text) && s_braced.match(text).hasMatch())
         return u'{' + text + u'}';
-    return quotedText(text, quoting);
+    return literalOf(text, quoting);
 }
 
 /// Whether the text is one pair of braces with what is in it, as Tcl reads it.
