@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <QDir>
 
@@ -102,6 +103,9 @@ TEST_F(RecordCommand, LeavesAWholeScript) {
     text +=
         recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGKILL); });
     EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/record-ends.txt", normalised(text)));
+    // The watch behind the runner ends the program, a moment later.
+    for (int round = 0; round < 1000 && processWithArgument(suite.path("journal")) != 0; ++round)
+        ::usleep(20000);
     EXPECT_EQ(processWithArgument(suite.path("journal")), 0);
 }
 
