@@ -1,10 +1,10 @@
 // "tamrixrunner record" as it is used at a terminal: what it says, and what it leaves.
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <QDir>
+#include <csignal>
 
 #include "e2e/runnerprocess.h"
 #include "runner/suites/suitefolder.h"
