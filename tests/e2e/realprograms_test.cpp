@@ -63,7 +63,6 @@ TEST_P(RealPrograms, SuitesPass) {
         {"examples/suite_applications", {"calculator", "address_book", "quick_scene"}},
 #endif
         {"examples/suite_names", {}},
-        {"examples/suite_names_tcl", {}},
         {"examples/suite_pictures", {}},
         {"tests/e2e/suites/suite_functions", {}},
         {"tests/e2e/suites/suite_speedcrunch", {}},
@@ -153,8 +152,7 @@ TEST_P(RealProgramsByLanguage, SuitePasses) {
     pass(suite("suite_applications"), {"calculator", "address_book", "quick_scene"});
 #endif
     // Names of objects that are kept in the language's own way.
-    if (QFile::exists(suite("suite_names")))
-        pass(suite("suite_names"), {});
+    pass(suite("suite_names"), {});
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, RealProgramsByLanguage,
