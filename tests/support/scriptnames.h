@@ -19,7 +19,11 @@ namespace Tamrix::Test {
 /// Maps of object names that are scripts of one language, read by the real program.
 class ScriptNames : public testing::Test {
 protected:
-    explicit ScriptNames(const char* suffix) : m_suffix(suffix) { Inspector::self()->reset(); }
+    /// `installation` has the program that reads them.
+    ScriptNames(const char* suffix, const char* installation)
+        : prefix{"TAMRIX_PREFIX", installation}, m_suffix(suffix) {
+        Inspector::self()->reset();
+    }
     ~ScriptNames() override { ObjectMap::use(nullptr); }
 
     /// Makes this text the map in use, as a file that nothing knows yet.
@@ -55,7 +59,7 @@ protected:
 
     QTemporaryDir folder;
     QString path;
-    const EnvironmentGuard prefix{"TAMRIX_PREFIX", TAMRIX_TEST_PREFIX};
+    const EnvironmentGuard prefix;
 
 private:
     QString m_suffix;

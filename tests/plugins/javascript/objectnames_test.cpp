@@ -9,7 +9,7 @@ using namespace Test;
 
 class JavaScriptObjectNames : public ScriptNames {
 protected:
-    JavaScriptObjectNames() : ScriptNames("js") {}
+    JavaScriptObjectNames() : ScriptNames("js", TAMRIX_TEST_PREFIX) {}
 };
 
 TEST_F(JavaScriptObjectNames, ExportsAreNames) {

@@ -10,7 +10,7 @@ using namespace Test;
 
 class PerlObjectNames : public ScriptNames {
 protected:
-    PerlObjectNames() : ScriptNames("pl") {}
+    PerlObjectNames() : ScriptNames("pl", TAMRIX_TEST_PREFIX) {}
 };
 
 TEST_F(PerlObjectNames, VariablesOfThePackageAreNames) {

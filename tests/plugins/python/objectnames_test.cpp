@@ -9,7 +9,7 @@ using namespace Test;
 
 class PythonObjectNames : public ScriptNames {
 protected:
-    PythonObjectNames() : ScriptNames("py") {}
+    PythonObjectNames() : ScriptNames("py", TAMRIX_TEST_PREFIX) {}
 };
 
 TEST_F(PythonObjectNames, VariablesOfTheModuleAreNames) {

@@ -9,7 +9,7 @@ using namespace Test;
 
 class RubyObjectNames : public ScriptNames {
 protected:
-    RubyObjectNames() : ScriptNames("rb") {}
+    RubyObjectNames() : ScriptNames("rb", TAMRIX_TEST_PREFIX) {}
 };
 
 TEST_F(RubyObjectNames, ConstantsOfTheModuleAreNames) {

@@ -9,7 +9,7 @@ using namespace Test;
 
 class TclObjectNames : public ScriptNames {
 protected:
-    TclObjectNames() : ScriptNames("tcl") {}
+    TclObjectNames() : ScriptNames("tcl", TAMRIX_TEST_PREFIX) {}
 };
 
 TEST_F(TclObjectNames, VariablesOfTheNamespaceAreNames) {
