@@ -34,8 +34,8 @@ struct ProgramStart {
     QString mark;
     /// Otherwise the program writes where this process does.
     bool keepsOutput = true;
-    /// Where standard output goes instead; not owned, -1 for none. Standard error is kept all the
-    /// same.
+    /// Where standard output goes instead; not owned, -1 for none. What is kept is then standard
+    /// error alone.
     int outputDescriptor = -1;
     /// What the program gets when this process ends, however that happens.
     int signalAtRunnersEnd = SIGKILL;
