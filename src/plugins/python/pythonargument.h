@@ -50,4 +50,9 @@ private:
     PyRef m_object;
 };
 
+/// The object of an argument of this plug-in.
+inline PyObject* objectOf(const SharedPtr<ScriptArgument>& argument) {
+    return static_cast<const PythonArgument*>(argument.get())->object();
+}
+
 }  // namespace Tamrix::PythonPlugin
