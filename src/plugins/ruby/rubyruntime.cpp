@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/nativeclasses.h"
@@ -128,10 +127,9 @@ void RubyRuntime::defineTamrix() {
     defineValueClasses(m_module);
     defineNativeBase(m_module);
     const VALUE native = rb_define_module_under(m_module, "Native");
-    defineObjectClass(m_module, native);
+    defineObjectClass(m_module);
     defineOutput(m_module, native);
     defineStepFunctions(native);
-    defineConditions(native);
     for (const char* const name : preludeFiles) {
         QFile source(QStringLiteral(":/tamrix/ruby/%1.rb").arg(name));
         source.open(QIODevice::ReadOnly);
