@@ -6,6 +6,7 @@
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
+#include "interpreter/language/valuemembers.h"
 
 namespace Tamrix {
 
@@ -86,6 +87,11 @@ void LanguageContext::addConstant(const QString& name, int value) {
 }
 
 void LanguageContext::define(const NativeFunction&) {}
+
+void LanguageContext::defineValueMembers() {
+    for (const NativeFunction& member : valueMembers(*this))
+        defineMember(member);
+}
 
 void LanguageContext::defineMember(const NativeFunction& function) {
     const auto* const language = ScriptLanguageInformation::forLanguage(m_interpreter.language());

@@ -7,6 +7,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/heldrecord.h"
 
 namespace Tamrix {
 
@@ -134,6 +135,10 @@ public:
     SharedPtr<ScriptArgument> createInteger(int value) override { return createInt64(value); }
     /// A map of `fileName` and `line`.
     SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+    /// A row of a data set, for a language that takes its classes of values from valueMembers().
+    virtual SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>&) {
+        return createNull();
+    }
 
     // What is registered becomes a name of the language, too: see define().
     void addGlobalFunction(const QString& name, Function function) override;
@@ -144,6 +149,8 @@ public:
     void addConstant(const QString& name, int value) override;
     /// Makes a function known to scripts: a global one, or one of the namespace that owns it.
     virtual void define(const NativeFunction& function);
+    /// Makes the valueMembers() methods of the language's classes of values.
+    void defineValueMembers();
 
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
