@@ -13,10 +13,12 @@ constexpr RecordingNotation notation{
     .leftOut = "undefined",
     .assignment = "waitForObject(%1).%2 = %3;",
     .expectation = "test.expect(%1, {%2});",
+    .importingHeader = "import * as %1 from \"%1\";\n\nexport function main() {\n",
 };
 
 }  // namespace
 
-JavaScriptRecorder::JavaScriptRecorder() : NotatedRecorder(notation) {}
+JavaScriptRecorder::JavaScriptRecorder(const QString& namesModule)
+    : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -7,7 +7,8 @@ namespace Tamrix::JavaScriptPlugin {
 /// Writes scripts in JavaScript.
 class JavaScriptRecorder : public NotatedRecorder {
 public:
-    JavaScriptRecorder();
+    /// Symbolic names are variables of this module; texts without one.
+    explicit JavaScriptRecorder(const QString& namesModule);
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -24,9 +24,10 @@ extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(cons
     return new Tamrix::JavaScriptPlugin::JavaScriptObjectMap(path);
 }
 
-/// Writes scripts in JavaScript, owned by the caller. The arguments have no meaning here.
+/// Writes scripts in JavaScript, owned by the caller. The text is the module with the names of
+/// objects that the scripts bring in, empty for none; the others have no meaning here.
 extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
                                                                     bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::JavaScriptPlugin::JavaScriptRecorder;
+                                                                    const QString& namesModule) {
+    return new Tamrix::JavaScriptPlugin::JavaScriptRecorder(namesModule);
 }

@@ -16,10 +16,12 @@ constexpr RecordingNotation notation{
     .property = "%1 => %2",
     .quotedProperty = "%1 => %2",
     .quoting = {.furtherEscaped = "$@", .numbered = "\\x{%1}"},
+    .importingHeader = "use strict;\nuse warnings;\nrequire '%1.pl';\n\nsub main {\n",
+    .variable = "$%1::%2",
 };
 
 }  // namespace
 
-PerlRecorder::PerlRecorder() : NotatedRecorder(notation) {}
+PerlRecorder::PerlRecorder(const QString& namesModule) : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::PerlPlugin

@@ -7,7 +7,8 @@ namespace Tamrix::PerlPlugin {
 /// Writes scripts in Perl.
 class PerlRecorder : public NotatedRecorder {
 public:
-    PerlRecorder();
+    /// Symbolic names are variables of this module; texts without one.
+    explicit PerlRecorder(const QString& namesModule);
 };
 
 }  // namespace Tamrix::PerlPlugin

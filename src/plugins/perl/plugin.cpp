@@ -24,9 +24,10 @@ extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(cons
     return new Tamrix::PerlPlugin::PerlObjectMap(path);
 }
 
-/// Writes scripts in Perl, owned by the caller. The arguments have no meaning here.
+/// Writes scripts in Perl, owned by the caller. The text is the module with the names of objects
+/// that the scripts bring in, empty for none; the others have no meaning here.
 extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
                                                                     bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::PerlPlugin::PerlRecorder;
+                                                                    const QString& namesModule) {
+    return new Tamrix::PerlPlugin::PerlRecorder(namesModule);
 }

@@ -9,7 +9,7 @@ constexpr RecordingNotation notation{
     .footer = "",
     .truths = {"False", "True"},
     .property = "\"%1\": %2",
-    .import = "import %1\n\n\n",
+    .importingHeader = "import %1\n\n\ndef main():\n",
 };
 
 }  // namespace

@@ -31,7 +31,8 @@ QString symbolOf(const QString& name) {
     return isPlainIdentifier(name) ? name : rubyLiteral(name);
 }
 
-/// "ShopNames" for the file shop_names.rb.
+}  // namespace
+
 QString moduleOfFile(const QString& path) {
     static const QRegularExpression s_other(QStringLiteral("[^A-Za-z0-9]+"));
     QString module;
@@ -39,8 +40,6 @@ QString moduleOfFile(const QString& path) {
         module += word.left(1).toUpper() + word.mid(1);
     return isConstant(module) ? module : QStringLiteral("Names");
 }
-
-}  // namespace
 
 RubyObjectMap::RubyObjectMap(const QString& path)
     : GenericScriptedObjectMap(path, "rb"), m_module(moduleOfFile(path)) {

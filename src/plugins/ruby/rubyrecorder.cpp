@@ -1,5 +1,7 @@
 #include "plugins/ruby/rubyrecorder.h"
 
+#include "plugins/ruby/objectnames.h"
+
 namespace Tamrix::RubyPlugin {
 
 namespace {
@@ -11,10 +13,13 @@ constexpr RecordingNotation notation{
     .named = "%1: %2",
     .expectation = "test.expect(%1, { %2 })",
     .quoting = {.furtherEscaped = "#", .numbered = "\\u{%1}", .hasHalves = false},
+    .importingHeader = "require '%1'\n\ndef main\n",
+    .variable = "%1::%2",
+    .moduleOfFile = moduleOfFile,
 };
 
 }  // namespace
 
-RubyRecorder::RubyRecorder() : NotatedRecorder(notation) {}
+RubyRecorder::RubyRecorder(const QString& namesModule) : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::RubyPlugin

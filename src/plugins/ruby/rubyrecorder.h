@@ -7,7 +7,8 @@ namespace Tamrix::RubyPlugin {
 /// Writes scripts in Ruby.
 class RubyRecorder : public NotatedRecorder {
 public:
-    RubyRecorder();
+    /// Symbolic names are variables of this module; texts without one.
+    explicit RubyRecorder(const QString& namesModule);
 };
 
 }  // namespace Tamrix::RubyPlugin

@@ -27,9 +27,10 @@ extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(cons
     return new Tamrix::TclPlugin::TclObjectMap(path);
 }
 
-/// Writes scripts in Tcl, owned by the caller. The arguments have no meaning here.
+/// Writes scripts in Tcl, owned by the caller. The text is the module with the names of objects
+/// that the scripts bring in, empty for none; the others have no meaning here.
 extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
                                                                     bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::TclPlugin::TclRecorder;
+                                                                    const QString& namesModule) {
+    return new Tamrix::TclPlugin::TclRecorder(namesModule);
 }

@@ -53,6 +53,8 @@ constexpr RecordingNotation notation{
     .list = "[list %1]",
     .betweenItems = " ",
     .password = "[testSettings getPassword %1]",
+    .launchedContext = "[waitForApplicationLaunch]",
+    .namedContext = "[applicationContext %1]",
     .assignment = "[waitForObject %1] configure -%2 %3",
     .expectation = "test expect %1 [dict create %2]",
     .property = "%1 %2",
@@ -61,10 +63,12 @@ constexpr RecordingNotation notation{
     .text = word,
     .name = nameWord,
     .remark = remark,
+    .importingHeader = "source [findFile scripts %1.tcl]\n\nproc main {} {\n",
+    .variable = "$%1::%2",
 };
 
 }  // namespace
 
-TclRecorder::TclRecorder() : NotatedRecorder(notation) {}
+TclRecorder::TclRecorder(const QString& namesModule) : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::TclPlugin

@@ -7,7 +7,8 @@ namespace Tamrix::TclPlugin {
 /// Writes scripts in Tcl.
 class TclRecorder : public NotatedRecorder {
 public:
-    TclRecorder();
+    /// Symbolic names are variables of this module; texts without one.
+    explicit TclRecorder(const QString& namesModule);
 };
 
 }  // namespace Tamrix::TclPlugin
