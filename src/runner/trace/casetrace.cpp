@@ -12,7 +12,7 @@
 #include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
-#include "runner/trace/objectlines.h"
+#include "runner/trace/tracedobjects.h"
 #include "runner/trace/tracefolder.h"
 
 namespace Tamrix {
@@ -263,7 +263,7 @@ Outcome<> CaseTrace::tryAddStep(const ReportEntry& entry, Fields fields, bool lo
             fields.insert("native", m_native);
         }
         if (isWhole && !m_objects.empty())
-            objects = "\"tree\":" + allLines(m_objects);
+            objects = "\"tree\":" + allObjects(m_objects);
     }
     addOutput(fields);
     QByteArray json =
@@ -311,14 +311,14 @@ QByteArray CaseTrace::objectsMember(bool isWhole) {
     const std::optional<Wire::ObjectListing> listing = m_view.objects();
     if (!listing)
         return {};
-    std::vector<QByteArray> lines =
-        objectLines(*listing, [this](const QString& text) { return hidden(text); });
+    TracedObjects objects =
+        tracedObjects(*listing, [this](const QString& text) { return hidden(text); });
     QByteArray member;
     if (isWhole || m_objects.empty())
-        member = "\"tree\":" + allLines(lines);
-    else if (const QByteArray changes = lineChanges(m_objects, lines); !changes.isEmpty())
+        member = "\"tree\":" + allObjects(objects);
+    else if (const QByteArray changes = objectChanges(m_objects, objects); !changes.isEmpty())
         member = "\"treeChanges\":" + changes;
-    m_objects = std::move(lines);
+    m_objects = std::move(objects);
     return member;
 }
 

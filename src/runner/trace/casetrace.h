@@ -11,6 +11,7 @@
 
 #include "platform/testresult/reportgenerator.h"
 #include "runner/trace/tilestore.h"
+#include "runner/trace/tracedobjects.h"
 #include "vision/screenshot/screenshot.h"
 #include "wire/messages.h"
 
@@ -91,7 +92,7 @@ private:
     std::unique_ptr<TileStore> m_tiles;
     /// The native coordinates of the picture's corners: left, top, right, bottom.
     QVariantList m_native;
-    std::vector<QByteArray> m_objects;
+    TracedObjects m_objects;
     /// Of each stream, what is told when more has come: it ends within a character or a secret.
     QMap<QString, QByteArray> m_heldOutput;
     QSet<QString> m_sources;

@@ -18,7 +18,7 @@ constexpr int bytesPerPixel = 4;
 /// As many hexadecimal digits of the hash make names that do not meet by chance.
 constexpr int nameLength = 24;
 /// Of 100: what takes more time saves little.
-constexpr int pngCompression = 25;
+constexpr int pngCompression = 66;
 
 bool hasSamePixels(const QImage& first, const QImage& second, const QRect& tile) {
     const size_t bytes = static_cast<size_t>(tile.width()) * bytesPerPixel;

@@ -11,7 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include "runner/trace/objectlines.h"
+#include "runner/trace/tracedobjects.h"
 #include "runner/trace/tracefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
@@ -105,21 +105,58 @@ TEST(TileStore, FailuresAreToldAndTilesMove) {
 
 // Objects
 
-/// What the page does with changes.
-QStringList applied(const std::vector<QByteArray>& before, const QByteArray& changes) {
-    QStringList lines;
-    const QJsonArray all = QJsonDocument::fromJson(changes).array();
-    for (const auto& change : all) {
-        const QJsonArray fields = change.toArray();
-        if (fields.size() == 2) {
-            for (int index = 0; index < fields.at(1).toInt(); ++index)
-                lines += before.at(static_cast<size_t>(fields.at(0).toInt()) +
-                                   static_cast<size_t>(index));
-        } else {
-            lines += QJsonDocument(fields).toJson(QJsonDocument::Compact);
-        }
+// What the page does with what it is told.
+
+TracedObject like(const TracedObject& model, const QJsonObject& told) {
+    TracedObject object = model;
+    object.depth = told["depth"].toInt(model.depth);
+    object.type = told["type"].toString(model.type);
+    object.text = told["text"].toString(model.text);
+    object.state = told["state"].toInt(model.state);
+    if (told.contains("place")) {
+        const QJsonArray place = told["place"].toArray();
+        object.place =
+            QRect(place[0].toInt(), place[1].toInt(), place[2].toInt(), place[3].toInt());
     }
-    return lines;
+    if (!model.text.isEmpty())
+        object.name.replace(model.text, object.text);
+    if (told.contains("name")) {
+        const QJsonArray name = told["name"].toArray();
+        object.name = object.name.left(name[0].toInt()) + name[2].toString() +
+                      object.name.right(name[1].toInt());
+    }
+    return object;
+}
+
+void append(const QJsonArray& told, TracedObjects* objects) {
+    for (const auto& each : told)
+        objects->push_back(
+            like(objects->empty() ? TracedObject() : objects->back(), each.toObject()));
+}
+
+TracedObjects told(const QByteArray& json) {
+    TracedObjects objects;
+    append(QJsonDocument::fromJson(json).array(), &objects);
+    return objects;
+}
+
+TracedObjects changed(const TracedObjects& before, const QByteArray& json) {
+    TracedObjects objects;
+    auto next = before.begin();
+    const QJsonArray changes = QJsonDocument::fromJson(json).array();
+    for (const auto& change : changes) {
+        if (change.isArray())
+            append(change.toArray(), &objects);
+        else if (change.isObject())
+            objects.push_back(like(*next++, change.toObject()));
+        else if (change.toInt() < 0)
+            next -= change.toInt();
+        else
+            for (int count = change.toInt(); count > 0; --count)
+                objects.push_back(*next++);
+    }
+    EXPECT_EQ(next, before.end());
+    return objects;
 }
 
 Wire::ObjectListing listing(const QStringList& texts) {
@@ -129,25 +166,57 @@ Wire::ObjectListing listing(const QStringList& texts) {
     return result;
 }
 
-TEST(ObjectLines, AreToldByTheirDifferences) {
+TEST(TracedObjects, AreToldByTheirDifferences) {
     const auto same = [](const QString& text) { return text; };
-    const QStringList texts[] = {{}, {"a"}, {"a", "b", "c"}, {"a", "x", "c", "\"ü\n"}, {"c", "a"}};
-    for (const QStringList& from : texts) {
-        for (const QStringList& to : texts) {
-            const auto before = objectLines(listing(from), same);
-            const auto after = objectLines(listing(to), same);
-            const QByteArray changes = lineChanges(before, after);
+    TracedObjects moments[] = {{}, {}, {}, {}, {}, {}};
+    const QStringList texts[] = {{},
+                                 {"a"},
+                                 {"a", "b", "c"},
+                                 {"a", "x", "c", "\"ü\n"},
+                                 {"c", "a"},
+                                 {"\U0001F600", "\U0001F601", "e", ""}};
+    for (size_t index = 0; index < std::size(texts); ++index)
+        moments[index] = tracedObjects(listing(texts[index]), same);
+    // Names that are not made of texts, and whose characters have halves in common.
+    moments[3][1] = {2, "QItem", "x", "{occurrence='2' text='x'}", QRect(-5, 6, 7, 8), 1};
+    moments[4][0].name = "{name='\U0001F600'}";
+    moments[4][1].name = "{name='\U0001F601'}";
+    for (const TracedObjects& from : moments) {
+        EXPECT_EQ(told(allObjects(from)), from);
+        for (const TracedObjects& to : moments) {
+            const QByteArray changes = objectChanges(from, to);
             if (from == to)
                 EXPECT_TRUE(changes.isEmpty());
             else
-                EXPECT_EQ(applied(before, changes), QStringList(after.begin(), after.end()));
-            EXPECT_EQ(applied({}, allLines(after)), QStringList(after.begin(), after.end()));
+                EXPECT_EQ(changed(from, changes), to) << changes.constData();
         }
     }
     EXPECT_EQ(
-        objectLines(listing({"secret"}), [](QString text) { return text.replace("secret", "***"); })
-            .front(),
-        R"([0,"QLabel","***","{text='***'}",1,2,3,4,3])");
+        tracedObjects(listing({"secret"}), [](QString t) { return t.replace("secret", "***"); }),
+        tracedObjects(listing({"***"}), same));
+}
+
+TEST(TracedObjects, TakeFewBytes) {
+    const auto row = [](int number, const char* occurrence) {
+        const QString text = QStringLiteral("file %1").arg(number);
+        return TracedObject{1,
+                            "QTreeViewItem",
+                            text,
+                            "{" + QString(occurrence) + "text='" + text + "' type='QTreeViewItem'}",
+                            QRect(0, 20 * (number % 2), 100, 20),
+                            3};
+    };
+    const TracedObjects before = {row(1, ""), row(2, ""), row(3, "")};
+    EXPECT_EQ(allObjects(before),
+              R"([{"depth":1,"name":[0,0,"{text='file 1' type='QTreeViewItem'}"],)"
+              R"("place":[0,20,100,20],"state":3,"text":"file 1","type":"QTreeViewItem"},)"
+              R"({"place":[0,0,100,20],"text":"file 2"},)"
+              R"({"place":[0,20,100,20],"text":"file 3"}])");
+    EXPECT_EQ(
+        objectChanges(before, {row(5, ""), row(2, ""), row(7, "occurrence='2' "), row(9, "")}),
+        R"([{"text":"file 5"},1,{"name":[1,35,"occurrence='2' "],"text":"file 7"},)"
+        R"([{"name":[1,35,""],"text":"file 9"}]])");
+    EXPECT_EQ(objectChanges(before, {row(2, "")}), "[-1,1,-1]");
 }
 
 // The folder
@@ -276,7 +345,7 @@ TEST_F(CaseTraceTest, TellsWhatEachStepChanged) {
     EXPECT_FALSE(all[0].contains("point"));
 
     EXPECT_EQ(all[1]["changed"].toObject().keys(), QStringList{"0"});
-    EXPECT_EQ(all[1]["treeChanges"].toArray().size(), 2);
+    EXPECT_EQ(all[1]["treeChanges"].toArray(), (QJsonArray{1, QJsonObject{{"text", "c"}}}));
     EXPECT_EQ(all[1]["point"].toArray(), (QJsonArray{5, 7}));
     EXPECT_EQ(all[1]["arguments"].toString(), "\"******\"");
     EXPECT_EQ(all[1]["output"].toObject()["faulty-stdout"].toString(), "a line with ******\n");
@@ -312,7 +381,7 @@ TEST_F(CaseTraceTest, SecretsAreLeftOutOfAllTexts) {
         output += step["output"].toObject()["faulty-stdout"].toString().toUtf8() + '|';
     }
     EXPECT_EQ(output, "****** ||****** |\u20ac |h|e|");
-    EXPECT_EQ(steps()[0]["tree"].toArray()[1].toArray()[3].toString(), "{text='******'}");
+    EXPECT_EQ(steps()[0]["tree"].toArray()[1].toObject()["text"].toString(), "******");
     for (const char* const file : {"steps-0001.js", "sources.js"}) {
         const QByteArray text = readFile(trace + "/case-0001/" + file);
         EXPECT_TRUE(text.contains("******"));
