@@ -41,6 +41,33 @@ QList<QJsonObject> callsIn(const QString& file, const QByteArray& function) {
 
 // Tiles
 
+/// The picture that a page draws.
+QImage drawn(const TileStore& store, const QString& folder) {
+    QImage picture(store.size(), QImage::Format_RGB32);
+    QPainter painter(&picture);
+    const int columns = (picture.width() + TileStore::tileSize - 1) / TileStore::tileSize;
+    int index = 0;
+    for (const Tile& tile : store.tiles()) {
+        const QPoint place(index % columns * TileStore::tileSize,
+                           index / columns * TileStore::tileSize);
+        ++index;
+        for (const QString& name : {tile.base, tile.change}) {
+            const QImage file(QStringLiteral("%1/%2.png").arg(folder, name));
+            EXPECT_EQ(file.isNull(), name.isEmpty()) << name.toStdString();
+            painter.drawImage(place, file);
+        }
+    }
+    return picture;
+}
+
+/// Rows of stripes of so many colours, which a list of texts is like.
+void drawRows(QImage* picture, int colours) {
+    for (int y = 0; y < picture->height(); ++y) {
+        for (int x = 0; x < picture->width(); ++x)
+            picture->setPixel(x, y, qRgb((x * 7 + y) % colours, y % 20, 200));
+    }
+}
+
 TEST(TileStore, KeepsWhatDiffers) {
     const QTemporaryDir folder;
     TileStore store(folder.path());
@@ -51,37 +78,73 @@ TEST(TileStore, KeepsWhatDiffers) {
     EXPECT_EQ(changes->size(), 6U);
     // Three columns and two rows, of which those at the edges are of other sizes.
     EXPECT_EQ(tilesIn(folder.path()).size(), 4);
-    EXPECT_EQ(store.names().at(0), store.names().at(1));
-    EXPECT_NE(store.names().at(1), store.names().at(2));
+    EXPECT_EQ(store.tiles()[0], store.tiles()[1]);
+    EXPECT_FALSE(store.tiles()[1] == store.tiles()[2]);
 
-    const QStringList before = store.names();
+    const std::vector<Tile> before = store.tiles();
     EXPECT_TRUE(store.add(picture)->empty());
     QPainter(&picture).fillRect(130, 5, 4, 4, Qt::red);
     changes = store.add(picture);
     ASSERT_EQ(changes->size(), 1U);
     EXPECT_EQ(changes->front().index, 1);
-    const QImage tile(folder.filePath(changes->front().name + ".png"));
-    EXPECT_EQ(tile.convertToFormat(QImage::Format_RGB32), picture.copy(128, 0, 128, 128));
-    // Also one of more colours than a table has.
-    QImage colourful = picture;
-    for (int x = 0; x < 128; ++x) {
-        for (int y = 60; y < 63; ++y)
-            colourful.setPixel(x, y, qRgb(x, y, 7));
-    }
-    changes = store.add(colourful);
-    ASSERT_TRUE(changes);
-    EXPECT_EQ(
-        QImage(folder.filePath(store.names().at(0) + ".png")).convertToFormat(QImage::Format_RGB32),
-        colourful.copy(0, 0, 128, 128));
-    ASSERT_TRUE(store.add(picture));
+    EXPECT_EQ(drawn(store, folder.path()), picture);
     // What it was before is there already.
     QPainter(&picture).fillRect(130, 5, 4, 4, Qt::gray);
-    EXPECT_EQ(store.add(picture)->front().name, before.at(1));
-    EXPECT_EQ(tilesIn(folder.path()).size(), 6);
+    EXPECT_EQ(store.add(picture)->front().tile, before[1]);
+    EXPECT_EQ(tilesIn(folder.path()).size(), 5);
 
     // Another size is another picture.
     EXPECT_EQ(store.add(picture.copy(0, 0, 128, 128))->size(), 1U);
     EXPECT_EQ(store.size(), QSize(128, 128));
+}
+
+TEST(TileStore, KeepsLittleChangesAlone) {
+    // As many colours as a table has, and more.
+    for (const int colours : {10, 255}) {
+        const QTemporaryDir folder;
+        TileStore store(folder.path());
+        QImage picture(200, 100, QImage::Format_RGB32);
+        drawRows(&picture, colours);
+        ASSERT_TRUE(store.add(picture));
+        const std::vector<Tile> first = store.tiles();
+        const auto draw = [&](const QRect& place, QRgb colour) {
+            for (int x = place.left(); x <= place.right(); ++x) {
+                for (int y = place.top(); y <= place.bottom(); ++y)
+                    picture.setPixel(x, y, colour + static_cast<QRgb>(x % 4));
+            }
+            EXPECT_TRUE(store.add(picture));
+            EXPECT_EQ(drawn(store, folder.path()), picture);
+        };
+        // 1. Little of a tile, and then more of it: each lies on what was there first.
+        const qint64 whole = QFileInfo(folder.filePath(first[0].base + ".png")).size();
+        for (const int width : {5, 20}) {
+            draw(QRect(40, 30, width, 20), qRgb(9, 9, 9));
+            const Tile tile = store.tiles()[0];
+            EXPECT_EQ(tile.base, first[0].base);
+            ASSERT_FALSE(tile.change.isEmpty());
+            EXPECT_LT(QFileInfo(folder.filePath(tile.change + ".png")).size(), whole / 2);
+        }
+        EXPECT_EQ(store.tiles()[1], first[1]);
+        // 2. Most of it: that is a new one, on which the next change lies.
+        draw(QRect(0, 0, 128, 90), qRgb(70, 80, 90));
+        const Tile second = store.tiles()[0];
+        EXPECT_TRUE(second.change.isEmpty());
+        draw(QRect(1, 1, 3, 1), qRgb(1, 2, 3));
+        EXPECT_EQ(store.tiles()[0].base, second.base);
+        // 3. A tile that comes again, without further files.
+        const int files = tilesIn(folder.path()).size();
+        drawRows(&picture, colours);
+        EXPECT_EQ(store.add(picture)->front().tile, first[0]);
+        draw(QRect(40, 30, 5, 20), qRgb(9, 9, 9));
+        EXPECT_EQ(tilesIn(folder.path()).size(), files);
+        // 4. One that lies on another base than what was there last, and a change of it.
+        drawRows(&picture, colours);
+        draw(QRect(0, 0, 128, 90), qRgb(70, 80, 90));
+        drawRows(&picture, colours);
+        draw(QRect(40, 30, 5, 20), qRgb(9, 9, 9));
+        EXPECT_EQ(tilesIn(folder.path()).size(), files);
+        draw(QRect(90, 10, 2, 2), qRgb(8, 8, 8));
+    }
 }
 
 TEST(TileStore, FailuresAreToldAndTilesMove) {
@@ -92,7 +155,7 @@ TEST(TileStore, FailuresAreToldAndTilesMove) {
     const auto failed = lost.add(picture);
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.error().text.startsWith("'" + folder.filePath("none/")));
-    EXPECT_TRUE(lost.names().isEmpty());
+    EXPECT_TRUE(lost.tiles().empty());
 
     for (const char* const name : {"own", "all"})
         ASSERT_TRUE(QDir(folder.path()).mkdir(name));
@@ -278,12 +341,15 @@ protected:
 
     void start(TraceMode mode) {
         generator = std::make_unique<CaseTrace>(mode, trace, view, &report);
-        generator->setSecrets({"hunter2", "", "hunter2000", "it's"});
+        const Secrets secrets({"hunter2", "", "hunter2000", "it's"});
+        generator->setSecrets(secrets);
+        filter = std::make_unique<SecretsFilter>(generator.get());
+        filter->setSecrets(secrets);
     }
 
     void add(const ReportEvent& event) {
         time = time.addMSecs(10);
-        generator->add({time, event});
+        filter->add({time, event});
     }
 
     void act(const QString& function, const QString& arguments = {}) {
@@ -319,6 +385,7 @@ protected:
     TraceView view;
     RecordingReport report;
     std::unique_ptr<CaseTrace> generator;
+    std::unique_ptr<SecretsFilter> filter;
     QDateTime time = QDateTime(QDate(2026, 5, 4), QTime(3, 2, 1));
 };
 

@@ -217,6 +217,22 @@ function tileImage(name) {
 // The state whose tiles are being drawn: those of another one may come late.
 let drawn = null;
 
+const isLoaded = (image) => image.complete && image.naturalWidth > 0;
+
+// A tile is the name of a picture, or the names of one and of another one that lies on it.
+function drawTile(state, tile, x, y) {
+    const images = [].concat(tile).map(tileImage);
+    const draw = () => {
+        if (drawn !== state || !images.every(isLoaded))
+            return;
+        for (const image of images)
+            page("picture").getContext("2d").drawImage(image, x, y);
+    };
+    for (const image of images.filter((each) => !isLoaded(each)))
+        image.addEventListener("load", draw, { once: true });
+    draw();
+}
+
 function showPicture(state) {
     const canvas = page("picture");
     const marks = page("marks");
@@ -231,20 +247,9 @@ function showPicture(state) {
         canvas.width = width;
         canvas.height = height;
     }
-    const context = canvas.getContext("2d");
     const columns = Math.ceil(width / tileSize);
-    state.tiles.forEach((name, index) => {
-        const image = tileImage(name);
-        const draw = () => {
-            if (drawn === state)
-                context.drawImage(image, index % columns * tileSize,
-                    Math.floor(index / columns) * tileSize);
-        };
-        if (image.complete && image.naturalWidth > 0)
-            draw();
-        else
-            image.addEventListener("load", draw, { once: true });
-    });
+    state.tiles.forEach((tile, index) => drawTile(state, tile,
+        index % columns * tileSize, Math.floor(index / columns) * tileSize));
     marks.style.width = `${width}px`;
     marks.style.height = `${height}px`;
     marks.style.transform = `scale(${canvas.clientWidth / width})`;
