@@ -135,8 +135,9 @@ void RubyRuntime::defineTamrix() {
     for (const char* const name : preludeFiles) {
         QFile source(QStringLiteral(":/tamrix/ruby/%1.rb").arg(name));
         source.open(QIODevice::ReadOnly);
-        // Ruby gives such names to what it has itself.
-        run(QString::fromUtf8(source.readAll()), QStringLiteral("<internal:tamrix/%1>").arg(name));
+        // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
+        const QString file = QStringLiteral("<internal:tamrix/%1>").arg(name);
+        callMethod(compile(QString::fromUtf8(source.readAll()), file), "eval");
     }
     const VALUE folders = evaluateSource("Tamrix::RuntimeState.library_folders");
     for (long index = 0; index < RARRAY_LEN(folders); ++index)
