@@ -11,6 +11,7 @@
 #include "platform/testresult/testresult.h"
 #include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
+#include "runner/processes/processstate.h"
 #include "runner/services/runner.h"
 #include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
@@ -111,6 +112,7 @@ private:
     /// Null when none is kept.
     std::unique_ptr<CaseTrace> m_trace;
     TestResult m_result;
+    StandardStreams m_standardStreams;
     PrivateHome m_home;
     CaseVideo m_video;
     FailureMoment m_failureMoment;
