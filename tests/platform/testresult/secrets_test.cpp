@@ -31,12 +31,12 @@ TEST(SecretsFilter, LeavesThemOutOfAllThatIsTold) {
     result.message = result.detail = result.comment = result.explanation = "my pw";
     const ReportEvent events[] = {
         CaseStarted{"pw", "/suite_pw/test.py"},
-        SectionStarted{"my pw", "a pw", "step"},
+        SectionStarted{"my pw", "a pw", "step", -1, {}},
         ItemDescribed{"Given ", "", "|pw|"},
-        ActionEnded{"fill", "{name='f'}, \"pw\""},
+        ActionEnded{"fill", "{name='f'}, \"pw\"", 5, false, {}},
         OutputWritten{OutputStream::StandardOutput, "pw\n"},
         result,
-        SectionEnded{"my pw", "a pw", "step"},
+        SectionEnded{"my pw", "a pw", "step", {}},
     };
     const QDateTime time = QDateTime::currentDateTime();
     for (const ReportEvent& event : events)
@@ -52,12 +52,12 @@ TEST(SecretsFilter, LeavesThemOutOfAllThatIsTold) {
     const ReportEvent expected[] = {
         // Names of files and cases stay.
         events[0],
-        SectionStarted{"my ******", "a ******", "step"},
+        SectionStarted{"my ******", "a ******", "step", -1, {}},
         ItemDescribed{"Given ", "", "|******|"},
-        ActionEnded{"fill", "{name='f'}, \"******\""},
+        ActionEnded{"fill", "{name='f'}, \"******\"", 5, false, {}},
         OutputWritten{OutputStream::StandardOutput, "******\n"},
         result,
-        SectionEnded{"my ******", "a ******", "step"},
+        SectionEnded{"my ******", "a ******", "step", {}},
     };
     ASSERT_EQ(report.entries.size(), std::size(expected));
     for (size_t index = 0; index < std::size(expected); ++index)

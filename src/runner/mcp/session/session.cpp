@@ -290,10 +290,12 @@ Outcome<QRect> Session::seenPart(const Meant& meant) {
     const Outcome<View> view = currentView();
     if (!view)
         return fail(view.error());
-    const ObjectKey key{meant.application->id, static_cast<quint64>((*object)->remoteId())};
-    for (const ViewObject& each : *view) {
-        if (each.key == key)
-            return each.facts.geometry;
+    if (const auto* const remote = dynamic_cast<const RemoteObjectBase*>(object->get())) {
+        const ObjectKey key{meant.application->id, static_cast<quint64>(remote->remoteId())};
+        for (const ViewObject& each : *view) {
+            if (each.key == key)
+                return each.facts.geometry;
+        }
     }
     // What only holds others is no part of the view.
     const Outcome<SharedPtr<Object>> bounds = access.globalBounds(*object);
