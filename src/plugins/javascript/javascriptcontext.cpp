@@ -28,31 +28,31 @@ ScriptContext* JavaScriptContext::createSubContext() {
 // Values
 
 SharedPtr<ScriptArgument> JavaScriptContext::createNull() {
-    return argumentOf(JS::NullValue());
+    return made(JS::NullValue());
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createBool(bool value) {
-    return argumentOf(JS::BooleanValue(value));
+    return made(JS::BooleanValue(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createInt64(long long value) {
-    return argumentOf(toJsInteger(value));
+    return made(toJsInteger(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createDouble(double value) {
-    return argumentOf(JS::NumberValue(value));
+    return made(JS::NumberValue(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createString(const QString& value) {
-    return argumentOf(toJsText(value));
+    return made(toJsText(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createDateTime(const QDateTime& value) {
-    return argumentOf(toJsDate(value));
+    return made(toJsDate(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createBytes(const QByteArray& value) {
-    return argumentOf(toJsBytes(value));
+    return made(toJsBytes(value));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createList(
@@ -60,7 +60,7 @@ SharedPtr<ScriptArgument> JavaScriptContext::createList(
     JS::RootedValueVector elements(engineContext());
     for (const SharedPtr<ScriptArgument>& value : values)
         checked(elements.append(valueOf(value)));
-    return argumentOf(JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements))));
+    return made(JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements))));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createMap(
@@ -68,19 +68,19 @@ SharedPtr<ScriptArgument> JavaScriptContext::createMap(
     JS::RootedObject object(engineContext(), checked(JS_NewPlainObject(engineContext())));
     for (const auto& [name, value] : values)
         defineProperty(object, name, valueOf(value));
-    return argumentOf(JS::ObjectValue(*object));
+    return made(JS::ObjectValue(*object));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argumentOf(m_interpreter.nativeValue(std::move(object)));
+    return made(m_interpreter.nativeValue(std::move(object)));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createObject(SharedPtr<Object> object) {
-    return argumentOf(applicationObjectValue(object));
+    return made(applicationObjectValue(object));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createTestDataSet(TestDataSet* dataSet) {
-    return argumentOf(dataSetValue(SharedPtr<TestDataSet>(dataSet)));
+    return made(dataSetValue(SharedPtr<TestDataSet>(dataSet)));
 }
 
 SharedPtr<ScriptArgument> JavaScriptContext::createContext(
@@ -92,7 +92,7 @@ SharedPtr<ScriptArgument> JavaScriptContext::createContext(
                                    m_interpreter.realm().applicationContextPrototype());
         known = makeHostObject(std::move(application), prototype);
     }
-    return argumentOf(JS::ObjectValue(*known));
+    return made(JS::ObjectValue(*known));
 }
 
 // Registration

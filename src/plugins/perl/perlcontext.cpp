@@ -13,14 +13,6 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-SharedPtr<ScriptArgument> argumentOf(SvRef value) {
-    return new PerlArgument(std::move(value));
-}
-
-SharedPtr<ScriptArgument> argumentOf(SV* value) {
-    return new PerlArgument(SvRef::steal(value));
-}
-
 /// The package of a namespace or class of the library, `main` for global names.
 QByteArray packageOf(const QString& owner) {
     if (owner.isEmpty())
@@ -43,27 +35,27 @@ ScriptContext* PerlContext::createSubContext() {
 // Values
 
 SharedPtr<ScriptArgument> PerlContext::createNull() {
-    dTHX;
+    pTHX = m_interpreter.perl();
     return argumentOf(newSV(0));
 }
 
 SharedPtr<ScriptArgument> PerlContext::createBool(bool value) {
-    dTHX;
+    pTHX = m_interpreter.perl();
     return argumentOf(newSVsv(value ? &PL_sv_yes : &PL_sv_no));
 }
 
 SharedPtr<ScriptArgument> PerlContext::createInt64(long long value) {
-    dTHX;
+    pTHX = m_interpreter.perl();
     return argumentOf(newSViv(value));
 }
 
 SharedPtr<ScriptArgument> PerlContext::createDouble(double value) {
-    dTHX;
+    pTHX = m_interpreter.perl();
     return argumentOf(newSVnv(value));
 }
 
 SharedPtr<ScriptArgument> PerlContext::createString(const QString& value) {
-    dTHX;
+    pTHX = m_interpreter.perl();
     return argumentOf(toPerl(aTHX_ value));
 }
 

@@ -44,6 +44,12 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
+    SharedPtr<ScriptArgument> argumentOf(SvRef value) {
+        return wrapped<PerlArgument>(std::move(value));
+    }
+    /// Takes over a reference.
+    SharedPtr<ScriptArgument> argumentOf(SV* value) { return argumentOf(SvRef::steal(value)); }
+
     CaseInterpreter& m_interpreter;
 };
 

@@ -13,7 +13,7 @@ public:
     explicit PythonArgument(PyRef object);
 
     /// Makes the wrapper stand for another object, or for none while it is not used.
-    void rebind(PyRef object) { m_object = std::move(object); }
+    void rebind(PyRef object = PyRef()) { m_object = std::move(object); }
 
     PyObject* object() const { return m_object.get(); }
 

@@ -18,10 +18,6 @@ PyObject* objectOf(const SharedPtr<ScriptArgument>& value) {
     return static_cast<const PythonArgument*>(value.get())->object();
 }
 
-SharedPtr<ScriptArgument> argumentOf(PyRef object) {
-    return new PythonArgument(std::move(object));
-}
-
 bool isTruth(const PyRef& value) {
     const int truth = PyObject_IsTrue(value.get());
     checked(truth);
@@ -59,6 +55,10 @@ void PythonContext::clearError() {
 }
 
 // Values
+
+SharedPtr<ScriptArgument> PythonContext::argumentOf(PyRef object) {
+    return wrapped<PythonArgument>(checkedReference(std::move(object)));
+}
 
 SharedPtr<ScriptArgument> PythonContext::createNull() {
     return argumentOf(PyRef::borrow(Py_None));

@@ -50,6 +50,9 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
+    /// PythonErrorSet is thrown for a reference that could not be made.
+    SharedPtr<ScriptArgument> argumentOf(PyRef object);
+
     PythonInterpreter& m_interpreter;
 };
 

@@ -16,10 +16,6 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-SharedPtr<ScriptArgument> argumentOf(VALUE value) {
-    return new RubyArgument(value);
-}
-
 /// Evaluates code where the script calls. It sees and sets the variables there.
 VALUE evaluateInCaller(const QString& code, const char* fileName) {
     const VALUE text = toRuby(code);

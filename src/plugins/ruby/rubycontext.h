@@ -45,6 +45,8 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
+    SharedPtr<ScriptArgument> argumentOf(VALUE value) { return wrapped<RubyArgument>(value); }
+
     RubyInterpreter& m_interpreter;
 };
 

@@ -121,10 +121,12 @@ double TclArgument::toDouble() const {
 
 long long TclArgument::toInt() const {
     Tcl_WideInt number = 0;
+    const bool isInteger = Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK;
+    if (isInteger && !isBig(value()))
+        return number;
     const double fraction = toDouble();
     // Tcl takes unsigned integers of 64 bits for negative ones.
-    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK &&
-        (number < 0) == (fraction < 0))
+    if (isInteger && (number < 0) == (fraction < 0))
         return number;
     constexpr double limit = 9223372036854775808.0;  // 2^63
     if (fraction >= -limit && fraction < limit)
@@ -209,7 +211,7 @@ std::optional<QVariant> TclArgument::toVariant() const {
 }
 
 bool TclArgument::isNull() const {
-    return !value()->typePtr && bytesOf(value()).empty();
+    return isEmptyText(value());
 }
 
 // Callables

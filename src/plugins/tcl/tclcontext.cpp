@@ -46,7 +46,7 @@ ScriptContext* TclContext::createSubContext() {
 // Values
 
 SharedPtr<ScriptArgument> TclContext::argument(TclRef value) {
-    return new TclArgument(m_interpreter, std::move(value));
+    return wrapped<TclArgument>(std::move(value), m_interpreter);
 }
 
 SharedPtr<ScriptArgument> TclContext::argument(Tcl_Obj* value) {
