@@ -30,14 +30,6 @@ void LanguageContext::CallScope::restoreOuter() {
     m_context.m_result = std::move(m_outer->result);
 }
 
-SharedPtr<ScriptArgument> LanguageContext::takeSpareWrapper() {
-    if (m_spareWrappers.empty())
-        return {};
-    SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
-    m_spareWrappers.pop_back();
-    return wrapper;
-}
-
 void LanguageContext::spareWrappersFrom(std::size_t count) {
     std::vector<SharedPtr<ScriptArgument>>& used = argumentStorage();
     std::move(used.begin() + static_cast<std::ptrdiff_t>(count), used.end(),

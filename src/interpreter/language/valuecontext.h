@@ -53,9 +53,13 @@ public:
     }
 
 protected:
-    /// The argument for a value.
+    /// The value in a wrapper: one that waits, see DirectCall::add(), or a new one.
     template <typename Value>
     SharedPtr<ScriptArgument> wrapped(Value&& value) {
+        if (SharedPtr<ScriptArgument> spare = takeSpareWrapper()) {
+            static_cast<Argument*>(spare.get())->rebind(std::forward<Value>(value));
+            return spare;
+        }
         if constexpr (std::is_constructible_v<Argument, Interpreter&, Value>)
             return new Argument(m_interpreter, std::forward<Value>(value));
         else

@@ -33,7 +33,7 @@ public:
     }
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(SvRef value) { m_value = std::move(value); }
+    void rebind(SvRef value = SvRef()) { m_value = std::move(value); }
 
     SV* value() const { return m_value.get(); }
 

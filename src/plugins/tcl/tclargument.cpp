@@ -111,8 +111,11 @@ double TclArgument::toDouble() const {
 }
 
 long long TclArgument::toInt() const {
-    const double fraction = toDouble();
     const std::optional<Tcl_WideInt> number = integerOf(value());
+    if (number && !isBig(value()))
+        return *number;
+    const double fraction = toDouble();
+    // Tcl takes unsigned integers of 64 bits for negative ones.
     if (number && (*number < 0) == (fraction < 0))
         return *number;
     if (const std::optional<long long> whole = wholePart(fraction))
@@ -197,7 +200,7 @@ std::optional<QVariant> TclArgument::toVariant() const {
 }
 
 bool TclArgument::isNull() const {
-    return !value()->typePtr && bytesOf(value()).empty();
+    return isEmptyText(value());
 }
 
 // Callables

@@ -17,6 +17,12 @@ class TclArgument : public LanguageArgument<TclArgument> {
 public:
     TclArgument(TclInterpreter& interpreter, TclRef value);
 
+    /// Makes the wrapper stand for another value, or for none while it is not used.
+    void rebind(TclRef value = TclRef()) {
+        m_value = std::move(value);
+        m_isResult = false;
+    }
+
     Tcl_Obj* value() const { return m_value.get(); }
 
     QString typeName() const override;

@@ -28,6 +28,8 @@ bool isCanonical(Tcl_Obj* number) {
     // A number without a text gets its own.
     if (!number->bytes)
         return true;
+    if (number->typePtr->name != std::string_view("double") && !isBig(number))
+        return isPlainInteger(number);
     TclRef copy(Tcl_DuplicateObj(number));
     Tcl_InvalidateStringRep(copy.get());
     return bytesOf(copy.get()) == bytesOf(number);
@@ -60,6 +62,14 @@ ValueType typeOf(Tcl_Obj* value) {
         default:
             return row->type;
     }
+}
+
+bool isEmptyText(Tcl_Obj* value) {
+    return !value->typePtr && bytesOf(value).empty();
+}
+
+bool isBig(Tcl_Obj* integer) {
+    return integer->typePtr && integer->typePtr->name == std::string_view("bignum");
 }
 
 bool isPlainInteger(Tcl_Obj* value) {
