@@ -2,9 +2,7 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "function main() {\n",
     .footer = "}\n",
     .comment = "// ",
@@ -14,9 +12,5 @@ constexpr RecordingNotation notation{
     .assignment = "waitForObject(%1).%2 = %3;",
     .expectation = "test.expect(%1, {%2});",
 };
-
-}  // namespace
-
-JavaScriptRecorder::JavaScriptRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::JavaScriptPlugin

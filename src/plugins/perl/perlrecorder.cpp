@@ -2,9 +2,7 @@
 
 namespace Tamrix::PerlPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "use strict;\nuse warnings;\n\nsub main {\n",
     .footer = "}\n",
     .truths = {"!!0", "!!1"},
@@ -17,9 +15,5 @@ constexpr RecordingNotation notation{
     .quotedProperty = "%1 => %2",
     .quoting = {.furtherEscaped = "$@", .numbered = "\\x{%1}"},
 };
-
-}  // namespace
-
-PerlRecorder::PerlRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::PerlPlugin

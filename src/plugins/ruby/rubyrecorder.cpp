@@ -2,9 +2,7 @@
 
 namespace Tamrix::RubyPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "def main\n",
     .footer = "end\n",
     .indentation = "  ",
@@ -12,9 +10,5 @@ constexpr RecordingNotation notation{
     .expectation = "test.expect(%1, { %2 })",
     .quoting = {.furtherEscaped = "#", .numbered = "\\u{%1}", .hasHalves = false},
 };
-
-}  // namespace
-
-RubyRecorder::RubyRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::RubyPlugin
