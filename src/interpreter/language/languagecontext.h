@@ -145,6 +145,8 @@ public:
     /// Makes a function known to scripts: a global one, or one of the namespace that owns it.
     virtual void define(const NativeFunction& function);
 
+    /// By the frames that the debugger knows.
+    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
