@@ -137,9 +137,10 @@ void RubyRuntime::defineTamrix() {
     defineStepFunctions(native);
     defineConditions(native);
     for (const char* const name : preludeFiles) {
-        // Ruby gives such names to what it has itself.
-        run(QString::fromUtf8(preludeSource(QStringLiteral("ruby/%1.rb").arg(name))),
-            QStringLiteral("<internal:tamrix/%1>").arg(name));
+        // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
+        const QByteArray source = preludeSource(QStringLiteral("ruby/%1.rb").arg(name));
+        const QString file = QStringLiteral("<internal:tamrix/%1>").arg(name);
+        callMethod(compile(QString::fromUtf8(source), file), "eval");
     }
     const VALUE folders = evaluateSource("Tamrix::RuntimeState.library_folders");
     for (long index = 0; index < RARRAY_LEN(folders); ++index)
