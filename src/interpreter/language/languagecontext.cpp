@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "interpreter/bridge/scriptlanguage.h"
+#include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
@@ -93,6 +94,13 @@ void LanguageContext::defineMember(const NativeFunction& function) {
 }
 
 void LanguageContext::defineConstant(const QString&, const QString&, int) {}
+
+bool LanguageContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
+    const LineInfo place = m_interpreter.languageDebugger().placeOfFrame(ancestorLevel);
+    if (place.isValid())
+        position = place;
+    return place.isValid();
+}
 
 // The language's own judgement
 

@@ -163,6 +163,8 @@ public:
     /// Makes the valueMembers() methods of the language's classes of values.
     void defineValueMembers();
 
+    /// By the frames that the debugger knows.
+    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;

@@ -63,19 +63,6 @@ void PerlContext::defineConstant(const QString& owner, const QString& name, int 
         m_interpreter.functions().addGlobalName(name);
 }
 
-// Positions
-
-bool PerlContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
-    dTHX;
-    SourceFiles& files = m_interpreter.files();
-    const std::vector<CodeFrame> frames = scriptFrames(aTHX_ files);
-    if (ancestorLevel < 0 || ancestorLevel >= static_cast<int>(frames.size()))
-        return false;
-    const COP* const statement = frames[static_cast<std::size_t>(ancestorLevel)].statement;
-    position = LineInfo(files.path(CopFILE(statement)), static_cast<int>(CopLINE(statement)));
-    return true;
-}
-
 QString PerlContext::explainArgument(const char* parameter) {
     dTHX;
     return explainCall(aTHX_ m_interpreter, parameter);

@@ -62,7 +62,6 @@ public:
 
     void define(const NativeFunction& function) override;
 
-    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     QString explainArgument(const char* parameter) override;
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;

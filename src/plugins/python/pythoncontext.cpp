@@ -93,7 +93,7 @@ void PythonContext::defineConstant(const QString& owner, const QString& name, in
 // Positions
 
 bool PythonContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
-    SourceFiles& files = m_interpreter.files();
+    CodeFiles& files = m_interpreter.files();
     PyRef frame = innermostFrame(files);
     for (int level = 0; frame && level < ancestorLevel; ++level)
         frame = outerFrame(frame.get(), files);

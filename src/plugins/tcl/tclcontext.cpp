@@ -74,17 +74,6 @@ void TclContext::defineConstant(const QString& owner, const QString& name, int v
     m_interpreter.defineVariable(owner.isEmpty() ? name : owner + "::" + name, value);
 }
 
-// Positions
-
-bool TclContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
-    const std::vector<TclFrame> frames = m_interpreter.frames();
-    if (ancestorLevel < 0 || static_cast<std::size_t>(ancestorLevel) >= frames.size())
-        return false;
-    const TclFrame& frame = frames[static_cast<std::size_t>(ancestorLevel)];
-    position = LineInfo(frame.file, frame.line);
-    return true;
-}
-
 // The language's own judgement
 
 bool TclContext::isTrue(SharedPtr<ScriptArgument> value) {

@@ -30,7 +30,6 @@ public:
 
     void define(const NativeFunction& function) override;
 
-    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     bool isTrue(SharedPtr<ScriptArgument> value) override;
     QString explainArgument(const char* parameter) override;
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
