@@ -55,9 +55,6 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
-    SharedPtr<ScriptArgument> made(const JS::Value& value) {
-        return wrapped<JavaScriptArgument>(value);
-    }
     /// The object of a namespace, or the global one for an empty name.
     JSObject* holderOf(const QString& owner);
 };
