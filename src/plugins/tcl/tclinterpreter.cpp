@@ -115,7 +115,7 @@ void TclInterpreter::createTcl() {
         deleteTcl();
         throw std::runtime_error(reason.toStdString());
     }
-    m_values = std::make_unique<HeldValues>(*this, m_tcl, runHeldCommand);
+    m_values = std::make_unique<HeldValues>(*this, m_tcl);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
     auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});
