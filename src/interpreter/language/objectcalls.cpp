@@ -83,10 +83,7 @@ ScriptResult callMember(LanguageInterpreter* active, const SharedPtr<Object>& ob
     if (arguments.positional.empty() && arguments.named.empty())
         return std::get<0>(*member);
     return tl::unexpected<ScriptFailure>(
-        {ScriptFailure::Kind::BadArgument,
-         displayName(object, name) + " is a property, which takes no arguments",
-         false,
-         {}});
+        badArgument(displayName(object, name) + " is a property, which takes no arguments"));
 }
 
 ScriptResult callGlobal(LanguageInterpreter* active, const QString& name, CallArguments arguments) {

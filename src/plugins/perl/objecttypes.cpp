@@ -12,13 +12,6 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-template <typename T>
-T valueOrFail(const tl::expected<T, ScriptFailure>& result) {
-    if (!result)
-        throwFailure(result.error());
-    return *result;
-}
-
 SvRef looksLikeNumber(pTHX_ const OwnCall& call) {
     const bool looks = looks_like_number(call.arguments[0]) != 0;
     return SvRef::steal(newSVsv(looks ? &PL_sv_yes : &PL_sv_no));
@@ -60,7 +53,10 @@ SvRef callObject(pTHX_ const OwnCall& call) {
              {}});
     const CallArguments given = givenArguments(aTHX_ call.arguments + 1, call.count - 1,
                                                [](const QString&) { return false; });
-    return SvRef::borrow(valueOf(valueOrFail(useMember(&call.active, object, name, given))));
+    const ScriptResult result = useMember(&call.active, object, name, given);
+    if (!result)
+        throwFailure(result.error());
+    return SvRef::borrow(valueOf(*result));
 }
 
 constexpr OwnFunction objectFunctions[] = {

@@ -2,9 +2,11 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
+#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
@@ -33,15 +35,23 @@ ScriptFailure noMember(const QString& text);
 ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner,
                      const QStringList& known);
 
-/// `owner configure -name value ?-name value ...?`, words behind these: `write(name, words)` for
-/// each two of them, which ends as a command does. The name is null for a word that is no option.
-template <typename Write>
-int writeOptions(TclInterpreter& interpreter, const QString& owner, int count,
-                 Tcl_Obj* const* words, Write write) {
-    if (count == 0 || count % 2 != 0)
+/// `owner cget -property` and `owner configure -property value ...`, words behind `owner`; nothing
+/// for other subcommands. `read(name)` and `write(name, words)`, for each property and its value,
+/// end as commands do. A name to be written is null for a word that is no option.
+template <typename Read, typename Write>
+std::optional<int> useOptions(TclInterpreter& interpreter, const QString& owner, int count,
+                              Tcl_Obj* const* words, Read read, Write write) {
+    const std::string_view subcommand = bytesOf(words[0]);
+    if (subcommand == "cget") {
+        const QString name = count == 2 ? optionOf(words[1]) : QString();
+        return name.isEmpty() ? wrongWords(interpreter, owner + " cget -property") : read(name);
+    }
+    if (subcommand != "configure")
+        return std::nullopt;
+    if (count < 3 || count % 2 == 0)
         return wrongWords(interpreter, owner + " configure -option value ?-option value ...?");
     int code = TCL_OK;
-    for (int index = 0; index < count && code == TCL_OK; index += 2)
+    for (int index = 1; index < count && code == TCL_OK; index += 2)
         code = write(optionOf(words[index]), words + index);
     return code;
 }

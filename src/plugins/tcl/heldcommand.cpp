@@ -12,41 +12,39 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-/// `object cget -property`
-int readOption(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
-               Tcl_Obj* const* words) {
-    if (count != 1 || optionOf(words[0]).isEmpty())
-        return wrongWords(interpreter, object->className() + " cget -property");
-    const auto member = getMember(&interpreter, object, optionOf(words[0]));
+int readProperty(TclInterpreter& interpreter, const SharedPtr<Object>& object,
+                 const QString& name) {
+    const auto member = getMember(&interpreter, object, name);
     if (!member)
         return interpreter.fail(member.error());
     if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
         return interpreter.finish(*value);
     return interpreter.fail(noMember(QStringLiteral("'%1' of '%2' is a method: call it instead")
-                                         .arg(optionOf(words[0]), object->className())));
+                                         .arg(name, object->className())));
+}
+
+int writeProperty(TclInterpreter& interpreter, const SharedPtr<Object>& object, const QString& name,
+                  Tcl_Obj* const* pair) {
+    if (name.isEmpty())
+        return interpreter.fail(noSuch("property", textOf(pair[0]), object->className(), {}));
+    const auto written =
+        setMember(&interpreter, object, name, new TclArgument(interpreter, TclRef(pair[1])));
+    return written ? interpreter.finish(SharedPtr<ScriptArgument>())
+                   : interpreter.fail(written.error());
 }
 
 int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
                Tcl_Obj* const* words) {
-    const QString name = textOf(words[0]);
-    if (name == QLatin1String("cget"))
-        return readOption(interpreter, object, count - 1, words + 1);
-    if (name == QLatin1String("configure"))
-        return writeOptions(interpreter, object->className(), count - 1, words + 1,
-                            [&](const QString& property, Tcl_Obj* const* pair) {
-                                if (property.isEmpty())
-                                    return interpreter.fail(noSuch("property", textOf(pair[0]),
-                                                                   object->className(), {}));
-                                const auto written =
-                                    setMember(&interpreter, object, property,
-                                              new TclArgument(interpreter, TclRef(pair[1])));
-                                return written ? interpreter.finish(SharedPtr<ScriptArgument>())
-                                               : interpreter.fail(written.error());
-                            });
+    const auto read = [&](const QString& name) { return readProperty(interpreter, object, name); };
+    const auto write = [&](const QString& name, Tcl_Obj* const* pair) {
+        return writeProperty(interpreter, object, name, pair);
+    };
+    if (const auto code = useOptions(interpreter, object->className(), count, words, read, write))
+        return *code;
     CallArguments arguments;
     for (int index = 1; index < count; ++index)
         arguments.positional.push_back(new TclArgument(interpreter, TclRef(words[index])));
-    return interpreter.finish(callMember(&interpreter, object, name, arguments));
+    return interpreter.finish(callMember(&interpreter, object, textOf(words[0]), arguments));
 }
 
 }  // namespace

@@ -117,7 +117,8 @@ QByteArray HeldValues::hold(const Value& value) {
     m_byName.insert(held->name, held.get());
     m_byKey.insert(keyOf(value), held.get());
     const QByteArray name = held->name;
-    Tcl_CreateObjCommand(m_interp, name.constData(), m_command, held.release(), commandDeleted);
+    Tcl_CreateObjCommand(m_interp, name.constData(), runHeldCommand, held.release(),
+                         commandDeleted);
     return name;
 }
 

@@ -33,12 +33,9 @@ public:
         QByteArray name;
         HeldValues* owner = nullptr;
     };
-    /// Runs `command method ?argument ...?` for a value.
-    using CommandFunction = int (*)(void* held, Tcl_Interp* interp, int count,
-                                    Tcl_Obj* const* words);
 
-    HeldValues(TclInterpreter& interpreter, Tcl_Interp* interp, CommandFunction command)
-        : m_interpreter(interpreter), m_interp(interp), m_command(command) {}
+    HeldValues(TclInterpreter& interpreter, Tcl_Interp* interp)
+        : m_interpreter(interpreter), m_interp(interp) {}
     ~HeldValues();
     HeldValues(const HeldValues&) = delete;
     HeldValues& operator=(const HeldValues&) = delete;
@@ -69,14 +66,14 @@ private:
 
     TclInterpreter& m_interpreter;
     Tcl_Interp* m_interp;
-    CommandFunction m_command;
     int m_lastNumber = 0;
     QHash<QByteArray, Held*> m_byName;
     /// What is the same has the same key.
     QMultiHash<quint64, Held*> m_byKey;
 };
 
-/// The command of a value: an object of an application, of a native class, a context.
+/// `command method ?argument ...?` for a value: an object of an application, of a native class, a
+/// context.
 int runHeldCommand(void* held, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
 
 }  // namespace Tamrix::TclPlugin

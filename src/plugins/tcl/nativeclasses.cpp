@@ -39,32 +39,6 @@ QString ClassCommands::classNameOf(void* typeId) const {
     return known ? (*known)->name : QStringLiteral("NativeObject");
 }
 
-// Properties
-
-int ClassCommands::readProperty(const NativeClass& nativeClass,
-                                const SharedPtr<NativeScriptObject>& object, int count,
-                                Tcl_Obj* const* words) {
-    if (count != 1)
-        return wrongWords(m_interpreter, nativeClass.name + " cget -option");
-    const NativeMember* const property = nativeClass.find(optionOf(words[0]), !object);
-    if (!property || !property->isProperty())
-        return m_interpreter.fail(noSuch("option", textOf(words[0]), nativeClass.name, {}));
-    return callWithWords(m_interpreter, property->function, object, {}, 0, nullptr);
-}
-
-int ClassCommands::writeProperty(const NativeClass& nativeClass,
-                                 const SharedPtr<NativeScriptObject>& object, const QString& name,
-                                 Tcl_Obj* const* pair) {
-    const NativeMember* const property = nativeClass.find(name, !object);
-    if (!property || !property->isProperty())
-        return m_interpreter.fail(noSuch("option", textOf(pair[0]), nativeClass.name, {}));
-    if (!property->setter)
-        return m_interpreter.fail(
-            noMember(QStringLiteral("The property '%1' of '%2' can't be written")
-                         .arg(name, nativeClass.name)));
-    return callWithWords(m_interpreter, *property->setter, object, {}, 1, pair + 1);
-}
-
 // Commands
 
 int ClassCommands::runClassCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
@@ -82,19 +56,36 @@ int ClassCommands::callMethod(const SharedPtr<NativeScriptObject>& object, int c
     return callNamed(known ? **known : s_unknown, object, count, words);
 }
 
+int ClassCommands::useProperty(const NativeClass& nativeClass,
+                               const SharedPtr<NativeScriptObject>& object, const QString& name,
+                               Tcl_Obj* const* value) {
+    const NativeMember* const property = nativeClass.find(name, !object);
+    if (!property || !property->isProperty())
+        return m_interpreter.fail(noSuch("option", '-' + name, nativeClass.name, {}));
+    if (value && !property->setter)
+        return m_interpreter.fail(
+            noMember(QStringLiteral("The property '%1' of '%2' can't be written")
+                         .arg(name, nativeClass.name)));
+    return callWithWords(m_interpreter, value ? *property->setter : property->function, object, {},
+                         value ? 1 : 0, value);
+}
+
 int ClassCommands::callNamed(const NativeClass& nativeClass,
                              const SharedPtr<NativeScriptObject>& object, int count,
                              Tcl_Obj* const* words) {
     const QString name = textOf(words[0]);
     const int rest = count - 1;
     Tcl_Obj* const* const behind = words + 1;
-    if (name == QLatin1String("cget"))
-        return readProperty(nativeClass, object, rest, behind);
-    if (name == QLatin1String("configure"))
-        return writeOptions(m_interpreter, nativeClass.name, rest, behind,
-                            [&](const QString& property, Tcl_Obj* const* pair) {
-                                return writeProperty(nativeClass, object, property, pair);
-                            });
+    const auto read = [&](const QString& property) {
+        return useProperty(nativeClass, object, property, nullptr);
+    };
+    const auto write = [&](const QString& property, Tcl_Obj* const* pair) {
+        return property.isEmpty()
+                   ? m_interpreter.fail(noSuch("option", textOf(pair[0]), nativeClass.name, {}))
+                   : useProperty(nativeClass, object, property, pair + 1);
+    };
+    if (const auto code = useOptions(m_interpreter, nativeClass.name, count, words, read, write))
+        return *code;
     if (!object && name == QLatin1String("new"))
         return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, rest, behind);
     const NativeMember* const member = nativeClass.find(name, !object);

@@ -48,10 +48,9 @@ private:
     /// Of the class itself when `object` is null.
     int callNamed(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
                   int count, Tcl_Obj* const* words);
-    int readProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
-                     int count, Tcl_Obj* const* words);
-    int writeProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
-                      const QString& name, Tcl_Obj* const* pair);
+    /// Sets it to a value, or reads it when that is null.
+    int useProperty(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
+                    const QString& name, Tcl_Obj* const* value);
 
     TclInterpreter& m_interpreter;
     NativeClasses<std::shared_ptr<NativeClass>> m_classes;

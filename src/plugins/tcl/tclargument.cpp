@@ -15,12 +15,6 @@ namespace {
 /// In the order of ValueType.
 constexpr const char* typeNames[] = {"string", "boolean", "int", "double", "list", "dict", "bytes"};
 
-/// A value of the same text, so that a look at it as something else leaves no traces.
-TclRef copyOf(Tcl_Obj* value) {
-    const std::string_view bytes = bytesOf(value);
-    return TclRef(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size())));
-}
-
 }  // namespace
 
 TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
@@ -36,40 +30,29 @@ QString TclArgument::typeName() const {
 }
 
 bool TclArgument::isBool() const {
-    if (typeOf(value()) == ValueType::Boolean)
+    const ValueType type = typeOf(value());
+    if (type == ValueType::Boolean)
         return true;
-    if (m_isResult)
-        return truthOf(copyOf(value()).get()).has_value();
-    return typeOf(value()) == ValueType::Text && truthWord(value()).has_value();
+    return m_isResult ? truthOf(copyOf(value()).get()).has_value()
+                      : type == ValueType::Text && isTruthWord(value());
 }
 
 bool TclArgument::isNumber() const {
-    switch (typeOf(value())) {
-        case ValueType::Integer:
-        case ValueType::Double:
-            return true;
-        case ValueType::Text:
-            return doubleOf(copyOf(value()).get()).has_value();
-        default:
-            return false;
-    }
+    const ValueType type = typeOf(value());
+    return TclPlugin::isNumber(type) ||
+           (type == ValueType::Text && doubleOf(copyOf(value()).get()));
 }
 
 bool TclArgument::isInteger() const {
-    switch (typeOf(value())) {
-        case ValueType::Integer:
-            return true;
-        case ValueType::Text:
-            return integerOf(copyOf(value()).get()).has_value();
-        default:
-            return false;
-    }
+    const ValueType type = typeOf(value());
+    return type == ValueType::Integer ||
+           (type == ValueType::Text && integerOf(copyOf(value()).get()));
 }
 
 bool TclArgument::isString() const {
     const ValueType type = typeOf(value());
     // A number with a text may be one that the script has as a word.
-    const bool isWord = (type == ValueType::Integer || type == ValueType::Double) && value()->bytes;
+    const bool isWord = TclPlugin::isNumber(type) && value()->bytes;
     return (type == ValueType::Text || type == ValueType::Boolean || isWord) &&
            !m_interpreter.values().find(value()) && !m_interpreter.values().record(value());
 }

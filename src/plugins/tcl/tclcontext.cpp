@@ -12,10 +12,6 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-bool isNumber(ValueType type) {
-    return type == ValueType::Integer || type == ValueType::Double;
-}
-
 bool areEqualNumbers(Tcl_Obj* left, Tcl_Obj* right) {
     if (integerOf(left) && integerOf(right))
         return integerOf(left) == integerOf(right);

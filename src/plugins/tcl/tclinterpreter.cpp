@@ -116,7 +116,7 @@ void TclInterpreter::createTcl() {
     }
     m_files.addLibrary(
         QString::fromUtf8(Tcl_GetVar2(m_tcl, "::tcl_library", nullptr, TCL_GLOBAL_ONLY)));
-    m_values = std::make_unique<HeldValues>(*this, m_tcl, runHeldCommand);
+    m_values = std::make_unique<HeldValues>(*this, m_tcl);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
     auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});

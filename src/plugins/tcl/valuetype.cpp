@@ -94,12 +94,15 @@ std::optional<double> doubleOf(Tcl_Obj* value) {
     return readAs(Tcl_GetDoubleFromObj, value);
 }
 
-std::optional<bool> truthWord(Tcl_Obj* value) {
+bool isTruthWord(Tcl_Obj* value) {
     const std::string_view bytes = bytesOf(value);
-    if (bytes.empty() || (bytes.front() >= '0' && bytes.front() <= '9') || bytes.front() == '-' ||
-        bytes.front() == '+' || bytes.front() == '.' || bytes.front() == ' ')
-        return std::nullopt;
-    return truthOf(TclRef(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size()))).get());
+    return !bytes.empty() && QChar(QLatin1Char(bytes.front())).isLetter() &&
+           truthOf(copyOf(value).get()).has_value();
+}
+
+TclRef copyOf(Tcl_Obj* value) {
+    const std::string_view bytes = bytesOf(value);
+    return TclRef(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size())));
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -10,6 +10,10 @@ namespace Tamrix::TclPlugin {
 /// was written in the script or read from a file is a text until something is calculated with it.
 enum class ValueType { Text, Boolean, Integer, Double, List, Dictionary, Bytes };
 
+inline bool isNumber(ValueType type) {
+    return type == ValueType::Integer || type == ValueType::Double;
+}
+
 /// A number that does not look as Tcl would write it, such as "007", stays a text.
 ValueType typeOf(Tcl_Obj* value);
 
@@ -29,7 +33,10 @@ std::optional<bool> truthOf(Tcl_Obj* value);
 std::optional<Tcl_WideInt> integerOf(Tcl_Obj* value);
 std::optional<double> doubleOf(Tcl_Obj* value);
 
-/// The words for a truth value, without numbers.
-std::optional<bool> truthWord(Tcl_Obj* value);
+/// Whether it is a word for a truth value, which a number is not.
+bool isTruthWord(Tcl_Obj* value);
+
+/// A value of the same text, so that a look at it as something else leaves no traces.
+TclRef copyOf(Tcl_Obj* value);
 
 }  // namespace Tamrix::TclPlugin
