@@ -69,7 +69,7 @@ const Written rows[] = {
      {R"(test.expect(":Box", {checked: true, "text*": "On"});)",
       R"(test::expect(":Box", {checked => !!1, "text*" => "On"});)",
       R"(test.expect(":Box", { checked: true, "text*": "On" }))",
-      R"(test expect :Box [dict create checked true {text*} On])"}},
+      R"(test expect :Box [dict create checked true text* On])"}},
     {CommentAction{"two\nlines {\\"},
      {"// two lines {\\", "# two lines {\\", "# two lines {\\", R"(# two lines \{\\)"}},
 };
