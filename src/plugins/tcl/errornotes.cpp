@@ -10,6 +10,7 @@ namespace Tamrix::TclPlugin {
 namespace {
 
 const char* const variable = "::errorInfo";
+constexpr int traced = TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS;
 /// With these words Tcl tells of the command that has failed, and of those that have called it.
 constexpr std::string_view failedMark = "\n    while ";
 constexpr std::string_view calledMark = "\n    invoked from within\n\"";
@@ -31,8 +32,7 @@ ErrorNotes::~ErrorNotes() {
 }
 
 void ErrorNotes::forget() {
-    Tcl_UntraceVar2(m_interp, variable, nullptr,
-                    TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS, variableChanged, this);
+    Tcl_UntraceVar2(m_interp, variable, nullptr, traced, variableChanged, this);
 }
 
 void ErrorNotes::renew() {
@@ -41,8 +41,7 @@ void ErrorNotes::renew() {
 }
 
 void ErrorNotes::listen() {
-    Tcl_TraceVar2(m_interp, variable, nullptr,
-                  TCL_GLOBAL_ONLY | TCL_TRACE_WRITES | TCL_TRACE_UNSETS, variableChanged, this);
+    Tcl_TraceVar2(m_interp, variable, nullptr, traced, variableChanged, this);
 }
 
 char* ErrorNotes::variableChanged(void* self, Tcl_Interp* interp, const char*, const char*,

@@ -4,6 +4,7 @@
 
 #include <tclCompile.h>
 
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <climits>
 #include <optional>
@@ -257,12 +258,7 @@ int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path) {
     Interp& own = *reinterpret_cast<Interp*>(interp);
     const TclRef file = toTcl(path);
     // As `source` does it.
-    struct Restore {
-        Interp& interp;
-        Tcl_Obj* before;
-        ~Restore() { interp.scriptFile = before; }
-    } const restore{own, own.scriptFile};
-    own.scriptFile = file.get();
+    const QScopedValueRollback<Tcl_Obj*> scriptFile(own.scriptFile, file.get());
     own.evalFlags |= TCL_EVAL_FILE | TCL_ALLOW_EXCEPTIONS;
     const QByteArray source = toTclSource(text);
     return Tcl_EvalEx(interp, source.constData(), source.size(), TCL_EVAL_GLOBAL);

@@ -1,6 +1,7 @@
 #include "plugins/tcl/tclinterpreter.h"
 
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <stdexcept>
 
@@ -149,22 +150,21 @@ void TclInterpreter::deleteTcl() {
 
 // Commands
 
-void TclInterpreter::defineEnsemble(const QString& name) {
-    const QByteArray path = "::" + toTclBytes(name);
-    if (Tcl_FindNamespace(m_tcl, path.constData(), nullptr, 0))
-        return;
-    Tcl_Namespace* const made = Tcl_CreateNamespace(m_tcl, path.constData(), nullptr, nullptr);
-    Tcl_Export(m_tcl, made, "*", 1);
-    // No prefixes: a slip in a name is an error.
-    Tcl_CreateEnsemble(m_tcl, path.constData(), made, 0);
+QByteArray TclInterpreter::pathForName(const QString& name) {
+    const int separator = name.indexOf(QLatin1String("::"));
+    const QByteArray space = "::" + toTclBytes(name.left(separator));
+    if (separator > 0 && !Tcl_FindNamespace(m_tcl, space.constData(), nullptr, 0)) {
+        Tcl_Namespace* const made = Tcl_CreateNamespace(m_tcl, space.constData(), nullptr, nullptr);
+        Tcl_Export(m_tcl, made, "*", 1);
+        // No prefixes: a slip in a name is an error.
+        Tcl_CreateEnsemble(m_tcl, space.constData(), made, 0);
+    }
+    return "::" + toTclBytes(name);
 }
 
 void TclInterpreter::defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
                                    Tcl_CmdDeleteProc* deletion) {
-    const int separator = name.indexOf(QLatin1String("::"));
-    if (separator > 0)
-        defineEnsemble(name.left(separator));
-    Tcl_CreateObjCommand(m_tcl, ("::" + toTclBytes(name)).constData(), command, data, deletion);
+    Tcl_CreateObjCommand(m_tcl, pathForName(name).constData(), command, data, deletion);
 }
 
 bool TclInterpreter::hasCommand(const QString& name) const {
@@ -173,10 +173,7 @@ bool TclInterpreter::hasCommand(const QString& name) const {
 }
 
 void TclInterpreter::defineVariable(const QString& name, int value) {
-    const int separator = name.indexOf(QLatin1String("::"));
-    if (separator > 0)
-        defineEnsemble(name.left(separator));
-    Tcl_SetVar2Ex(m_tcl, ("::" + toTclBytes(name)).constData(), nullptr, Tcl_NewIntObj(value),
+    Tcl_SetVar2Ex(m_tcl, pathForName(name).constData(), nullptr, Tcl_NewIntObj(value),
                   TCL_GLOBAL_ONLY);
 }
 
@@ -338,11 +335,7 @@ template <typename Work>
 void TclInterpreter::guarded(Work work) {
     if (!m_panic.isEmpty())
         throw ScriptErrorSet();
-    struct Depth {
-        int& depth;
-        explicit Depth(int& counter) : depth(counter) { ++depth; }
-        ~Depth() { --depth; }
-    } const depth(m_depth);
+    const QScopedValueRollback<int> depth(m_depth, m_depth + 1);
     // What ended one run of the script is no matter to the next, as to its clean-up.
     if (m_depth == 1)
         TclRuntime::self().forgetEnd();

@@ -117,7 +117,8 @@ private:
     void deleteTcl();
     void defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
                        Tcl_CmdDeleteProc* deletion);
-    void defineEnsemble(const QString& name);
+    /// The global name of a command or variable, whose ensemble is made when it is the first in it.
+    QByteArray pathForName(const QString& name);
     /// Runs code of the script from outside. Throws ScriptErrorSet as that does, and when Tcl gives
     /// up.
     template <typename Work>
