@@ -7,6 +7,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/heldrecord.h"
 
 namespace Tamrix {
 
@@ -145,6 +146,10 @@ public:
     SharedPtr<ScriptArgument> createInteger(int value) override { return createInt64(value); }
     /// A map of `fileName` and `line`.
     SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+    /// A row of a data set, for a language that takes its classes of values from valueMembers().
+    virtual SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>&) {
+        return createNull();
+    }
 
     // What is registered becomes a name of the language, too: see define().
     void addGlobalFunction(const QString& name, Function function) override;
@@ -155,7 +160,11 @@ public:
     void addConstant(const QString& name, int value) override;
     /// Makes a function known to scripts: a global one, or one of the namespace that owns it.
     virtual void define(const NativeFunction& function);
+    /// Makes the valueMembers() methods of the language's classes of values.
+    void defineValueMembers();
 
+    /// By the frames that the debugger knows.
+    bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
@@ -163,15 +172,12 @@ public:
     Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 protected:
-    /// The value in a wrapper of the plug-in's class: one that waits, or a new one. See
-    /// DirectCall::add().
-    template <typename Argument, typename Value, typename... Owner>
-    SharedPtr<ScriptArgument> wrapped(Value&& value, Owner&... owner) {
-        SharedPtr<ScriptArgument> wrapper = takeSpareWrapper();
-        if (wrapper)
-            static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
-        else
-            wrapper = new Argument(owner..., std::forward<Value>(value));
+    /// A wrapper that a call has no use for; null when there is none.
+    SharedPtr<ScriptArgument> takeSpareWrapper() {
+        if (m_spareWrappers.empty())
+            return {};
+        SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
+        m_spareWrappers.pop_back();
         return wrapper;
     }
 
@@ -199,14 +205,6 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
-    /// Null when there is none.
-    SharedPtr<ScriptArgument> takeSpareWrapper() {
-        if (m_spareWrappers.empty())
-            return {};
-        SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
-        m_spareWrappers.pop_back();
-        return wrapper;
-    }
     /// Those of the arguments that stand from this place on.
     void spareWrappersFrom(std::size_t count);
 

@@ -62,7 +62,7 @@ void TclDebugger::interrupt() {
 int TclDebugger::traceCommand(void* self, Tcl_Interp*, int depth, const char*, Tcl_Command, int,
                               Tcl_Obj* const*) {
     auto* const debugger = static_cast<TclDebugger*>(self);
-    if (debugger->m_pauses == 0)
+    if (!debugger->isSilent())
         debugger->commandReached(depth);
     return TCL_OK;
 }
@@ -162,7 +162,7 @@ bool TclDebugger::isCaught() const {
 }
 
 void TclDebugger::errorRaised(const std::vector<TclFrame>& raisedIn) {
-    if (!stopsForErrors() || m_pauses > 0 || isCaught() || m_tcl.isUnwinding())
+    if (!stopsForErrors() || isSilent() || isCaught() || m_tcl.isUnwinding())
         return;
     const QString text = m_tcl.errorText();
     const TclStateAside aside(m_tcl.tcl());

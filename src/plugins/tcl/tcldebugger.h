@@ -47,8 +47,6 @@ public:
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override { ++m_pauses; }
-    void leaveStandstill() override { --m_pauses; }
 
 private:
     static int traceCommand(void* self, Tcl_Interp* interp, int level, const char* text,
@@ -62,7 +60,6 @@ private:
 
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
-    int m_pauses = 0;
     int m_commandsOutside = 0;
     std::atomic<bool> m_isInterrupted{false};
     struct Line {

@@ -23,6 +23,12 @@ bool isBig(Tcl_Obj* integer);
 /// whether it is taken for a text or for a number.
 bool isPlainInteger(Tcl_Obj* value);
 
+// What Tcl reads a value as; nothing when it can't. The value may be kept as such from then on.
+std::optional<bool> truthOf(Tcl_Obj* value);
+/// Unsigned integers of 64 bits are negative ones to Tcl.
+std::optional<Tcl_WideInt> integerOf(Tcl_Obj* value);
+std::optional<double> doubleOf(Tcl_Obj* value);
+
 /// The words for a truth value, without numbers.
 std::optional<bool> truthWord(Tcl_Obj* value);
 
