@@ -26,6 +26,16 @@ Cost costOf(const QString& property) {
     return s_costs.value(property, Cost::Property);
 }
 
+/// Whether it is a text that the field hides, as one for passwords.
+bool isHiddenText(const Element& element, const QString& property) {
+    if (property != QLatin1String("text") && property != QLatin1String("selectedText"))
+        return false;
+    bool isKnown = false;
+    const QVariant echoMode = propertyValue(element, QStringLiteral("echoMode"), &isKnown);
+    // 0: what is entered is shown.
+    return isKnown && echoMode.toInt() != 0;
+}
+
 }  // namespace
 
 /// Where a match stands among the others.
@@ -278,6 +288,8 @@ QString ObjectFinder::actualText(const Criterion& criterion, const Element& elem
     if (!isKnown)
         return QString();
     const QString text = valueText(value);
+    if (!text.isEmpty() && isHiddenText(element, criterion.property))
+        return QStringLiteral("(hidden)");
     return text.isNull() ? QStringLiteral("") : text;
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/overloaded.h"
+#include "platform/objectmodel/scriptnotation.h"
 #include "wire/applicationfunctions.h"
 
 namespace Tamrix {

@@ -2,9 +2,7 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "function main() {\n",
     .footer = "}\n",
     .comment = "// ",
@@ -15,10 +13,5 @@ constexpr RecordingNotation notation{
     .expectation = "test.expect(%1, {%2});",
     .importingHeader = "import * as %1 from \"%1\";\n\nexport function main() {\n",
 };
-
-}  // namespace
-
-JavaScriptRecorder::JavaScriptRecorder(const QString& namesModule)
-    : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -4,11 +4,7 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// Writes scripts in JavaScript.
-class JavaScriptRecorder : public NotatedRecorder {
-public:
-    /// Symbolic names are variables of this module; texts without one.
-    explicit JavaScriptRecorder(const QString& namesModule);
-};
+/// How scripts in JavaScript are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::JavaScriptPlugin

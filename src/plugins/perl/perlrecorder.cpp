@@ -2,9 +2,7 @@
 
 namespace Tamrix::PerlPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "use strict;\nuse warnings;\n\nsub main {\n",
     .footer = "}\n",
     .truths = {"!!0", "!!1"},
@@ -19,9 +17,5 @@ constexpr RecordingNotation notation{
     .importingHeader = "use strict;\nuse warnings;\nrequire '%1.pl';\n\nsub main {\n",
     .variable = "$%1::%2",
 };
-
-}  // namespace
-
-PerlRecorder::PerlRecorder(const QString& namesModule) : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::PerlPlugin

@@ -4,11 +4,7 @@
 
 namespace Tamrix::PerlPlugin {
 
-/// Writes scripts in Perl.
-class PerlRecorder : public NotatedRecorder {
-public:
-    /// Symbolic names are variables of this module; texts without one.
-    explicit PerlRecorder(const QString& namesModule);
-};
+/// How scripts in Perl are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::PerlPlugin

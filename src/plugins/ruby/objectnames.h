@@ -14,16 +14,8 @@ class RubyObjectMap final : public GenericScriptedObjectMap {
 public:
     explicit RubyObjectMap(const QString& path);
 
-    const ScriptNotation& notation() const override { return m_notation; }
-    QString scriptedNameKey(const ScriptedSymbolicName& name) const override;
-    QString toSymbolicName(const QString& key) const override;
-
 protected:
     ScriptArgument::Map scriptVariables() override;
-
-private:
-    QString m_module;
-    ScriptNotation m_notation;
 };
 
 }  // namespace Tamrix::RubyPlugin

@@ -4,9 +4,7 @@
 
 namespace Tamrix::RubyPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "def main\n",
     .footer = "end\n",
     .indentation = "  ",
@@ -17,9 +15,5 @@ constexpr RecordingNotation notation{
     .variable = "%1::%2",
     .moduleOfFile = moduleOfFile,
 };
-
-}  // namespace
-
-RubyRecorder::RubyRecorder(const QString& namesModule) : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::RubyPlugin

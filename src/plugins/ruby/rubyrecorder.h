@@ -4,11 +4,7 @@
 
 namespace Tamrix::RubyPlugin {
 
-/// Writes scripts in Ruby.
-class RubyRecorder : public NotatedRecorder {
-public:
-    /// Symbolic names are variables of this module; texts without one.
-    explicit RubyRecorder(const QString& namesModule);
-};
+/// How scripts in Ruby are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::RubyPlugin

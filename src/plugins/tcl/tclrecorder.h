@@ -4,11 +4,7 @@
 
 namespace Tamrix::TclPlugin {
 
-/// Writes scripts in Tcl.
-class TclRecorder : public NotatedRecorder {
-public:
-    /// Symbolic names are variables of this module; texts without one.
-    explicit TclRecorder(const QString& namesModule);
-};
+/// How scripts in Tcl are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::TclPlugin

@@ -64,7 +64,7 @@ const Written rows[] = {
      {R"(fill(":Text", "\"$a @b #{c} [d] \\e\n\u001b'");)",
       R"(fill(":Text", "\"\$a \@b #{c} [d] \\e\n\x{001b}'");)",
       R"(fill(":Text", "\"$a @b \#{c} [d] \\e\n\u{001b}'"))",
-      R"(fill :Text "\"\$a @b #\{c\} \[d] \\e\n\u001b'")"}},
+      R"(fill :Text "\"\$a @b #\{c\} \[d\] \\e\n\u001b'")"}},
     {FunctionAction{"fill", ":Text", {QString("")}},
      {R"(fill(":Text", "");)", R"(fill(":Text", "");)", R"(fill(":Text", ""))",
       R"(fill :Text {})"}},
@@ -79,7 +79,7 @@ const Written rows[] = {
      {R"(test.expect(":Box", {checked: true, "text*": "On"});)",
       R"(test::expect(":Box", {checked => !!1, "text*" => "On"});)",
       R"(test.expect(":Box", { checked: true, "text*": "On" }))",
-      R"(test expect :Box [dict create checked true {text*} On])"}},
+      R"(test expect :Box [dict create checked true text* On])"}},
     {CommentAction{"two\nlines {\\"},
      {"// two lines {\\", "# two lines {\\", "# two lines {\\", R"(# two lines \{\\)"}},
 };

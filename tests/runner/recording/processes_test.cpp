@@ -50,7 +50,9 @@ private:
     QStringList m_lines;
     ProcessesMerger m_merger{
         [this](const ScriptAction& action) {
-            m_lines.append(PythonPlugin::PythonRecorder().lines(action).trimmed());
+            m_lines.append(NotatedRecorder(PythonPlugin::recordingNotation, QString())
+                               .lines(action)
+                               .trimmed());
         },
         [](const Wire::Query& name) {
             return QStringLiteral(":%1").arg(name.criteria.value(0).text);

@@ -6,8 +6,11 @@ import signal
 def end_server():
     """Kills the display of this run, which is a child of the run."""
     for process in filter(str.isdigit, os.listdir("/proc")):
-        with open("/proc/%s/stat" % process) as status:
-            name, rest = status.read().split("(")[1].rsplit(")", 1)
+        try:
+            with open("/proc/%s/stat" % process) as status:
+                name, rest = status.read().split("(")[1].rsplit(")", 1)
+        except OSError:
+            continue  # It has ended meanwhile.
         if name == "Xvfb" and rest.split()[1] == str(os.getpid()):
             os.kill(int(process), signal.SIGKILL)
 
