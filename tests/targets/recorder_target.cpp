@@ -187,6 +187,7 @@ QWidget* makeViews() {
     });
     auto* const table = withName(new QTableWidget(2, 2), "table");
     table->setHorizontalHeaderLabels({QStringLiteral("Key"), QStringLiteral("Value")});
+    table->setItem(0, 1, new QTableWidgetItem(QStringLiteral("12:30")));
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     layout->addWidget(table, 1, 0);
     QObject::connect(table, &QTableWidget::cellClicked, [](int row, int column) {

@@ -1,7 +1,7 @@
 #include "agent/recorder/foreseennames.h"
 
-#include <QElapsedTimer>
 #include <algorithm>
+#include <ctime>
 #include <utility>
 
 #include "agent/core/session.h"
@@ -17,8 +17,15 @@ struct Patience {
     int least;
     int times;
 };
-constexpr Patience patienceWithPerson{15, 10};
+constexpr Patience patienceWithPerson{15, 3};
 constexpr Patience patienceWithProgram{100, 100};
+
+/// Of this thread, in ms.
+double busyTime() {
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
 
 }  // namespace
 
@@ -40,12 +47,12 @@ Wire::Query ForeseenNames::nameOf(const Element& element) {
 void ForeseenNames::forget(Cause cause) {
     m_names.clear();
     m_survey.reset();
+    // A mouse that goes on moving is waited for.
     const bool isPerson = cause == Cause::Person;
-    if (m_timer.isActive() && (m_isHurried || !isPerson))
+    if (m_timer.isActive() && !isPerson)
         return;
-    m_isHurried = isPerson;
     const Patience patience = isPerson ? patienceWithPerson : patienceWithProgram;
-    m_timer.start(std::max(patience.least, patience.times * m_cost));
+    m_timer.start(std::max(patience.least, static_cast<int>(patience.times * m_cost)));
 }
 
 void ForeseenNames::stop() {
@@ -55,12 +62,11 @@ void ForeseenNames::stop() {
 }
 
 void ForeseenNames::foresee() {
-    QElapsedTimer timer;
-    timer.start();
+    const double before = busyTime();
     for (const Element& element : m_expected())
         nameOf(element);
     m_survey.reset();
-    m_cost = static_cast<int>(timer.elapsed());
+    m_cost = busyTime() - before;
 }
 
 }  // namespace Tamrix::Agent

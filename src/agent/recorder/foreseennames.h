@@ -35,10 +35,8 @@ private:
 
     Expected m_expected;
     QTimer m_timer;
-    /// Whether the timer was started for something that a person has done.
-    bool m_isHurried = false;
     /// What foreseeing took last, in ms.
-    int m_cost = 0;
+    double m_cost = 0;
     QHash<quint64, Wire::Query> m_names;
     std::optional<Survey> m_survey;
 };

@@ -131,8 +131,8 @@ void ActionMerger::endPress(qint64 now) {
     const ObservedRole role = press.observed.object.role;
     if (role == ObservedRole::ScrollBar || takeChange(press, now))
         return;
-    // A slider that did not move was not used.
-    if (role == ObservedRole::Slider && press.release.isDrag)
+    // A slider that did not move was not used, or got the focus only.
+    if (role == ObservedRole::Slider && press.observed.button == Qt::LeftButton)
         return;
     // Within a field that is typed into, only the cursor has moved.
     const auto* const typing = std::get_if<Typing>(&m_held);
@@ -187,8 +187,8 @@ void ActionMerger::holdClick(const Press& press, qint64 now) {
     click.handle = press.observed.object.handle;
     click.time = now;
     const ObservedRole role = press.observed.object.role;
-    click.isFocusing = (isField(role) || role == ObservedRole::Slider) &&
-                       press.observed.button == Qt::LeftButton && press.observed.modifiers == 0;
+    click.isFocusing =
+        isField(role) && press.observed.button == Qt::LeftButton && press.observed.modifiers == 0;
     const auto name = [this](const ObservedObject& object) { return nameOf(object); };
     if (press.observed.hovered.handle != 0)
         click.actions.append(

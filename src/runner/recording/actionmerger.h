@@ -42,7 +42,7 @@ private:
     struct HeldClick {
         quint64 handle = 0;
         QList<ScriptAction> actions;
-        /// Whether it may only have given a field or slider its focus.
+        /// Whether it may only have given a field its focus.
         bool isFocusing = false;
         qint64 time = 0;
     };

@@ -139,7 +139,7 @@ TEST(RecordedProcesses, DoTheSameOnceMore) {
     ASSERT_TRUE(click(second));
     ASSERT_TRUE(click(first));
     ASSERT_EQ(journal(), done);
-    ASSERT_TRUE(waitUntil([&] { return script().count("First") == 2; })) << script().constData();
+    ASSERT_TRUE(waitUntil([&] { return script().count("click(") == 3; })) << script().constData();
     recorder.sendSignal(SIGINT);
     recorder.finish();
     EXPECT_EQ(script().count("setApplicationContext"), 2) << script().constData();

@@ -228,6 +228,11 @@ const std::vector<RecordedStep> steps{
      },
      {R"(click("{text='Key' type='QHeaderViewItem'}"))",
       R"(click("{column='0' row='0' type='QTableViewItem'}"))"}},
+    {"a cell that tells a time",
+     [](RecordedProgram& program) {
+         program.click(program.at({"type=QHeaderViewItem", "text=Value"}) + QPoint(0, 25));
+     },
+     {R"(click("{column='1' row='0' type='QTableViewItem'}"))"}},
     {"what is dragged and dropped",
      [](RecordedProgram& program) {
          program.drag(program.itemAt({"name=list"}, "one"), editorOf(program, "target"));
