@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <csignal>
 
@@ -134,6 +135,24 @@ TEST_F(Agents, SeeAGalleryForFewTokens) {
     EXPECT_TRUE(answer("names", dial.toStdString()).startsWith("{"));
 }
 
+TEST_F(Agents, DragToWhatTheySee) {
+    const QString view = start(widgetExamples + "widgets/calculator/calculator");
+    const auto drag = [&](const char* to) {
+        return agent
+            .answer("drag", arguments({{"target", refOf(view, "Button \"7\"")},
+                                       {"to", refOf(view, QString("Button \"%1\"").arg(to))}}))
+            .section('\n', 0, 0);
+    };
+    const auto numbers = [](const QString& line) { return line.section("\", ", 1); };
+    // The button beside it, and the one below it.
+    EXPECT_TRUE(
+        QRegularExpression("^\\d+, \\d+, \\d\\d+, 0\\)$").match(numbers(drag("8"))).hasMatch())
+        << drag("8").toStdString();
+    EXPECT_TRUE(
+        QRegularExpression("^\\d+, \\d+, 0, \\d\\d+\\)$").match(numbers(drag("4"))).hasMatch())
+        << drag("4").toStdString();
+}
+
 TEST_F(Agents, SelectInMenusByTheirTitlesToo) {
     const QString view = start(widgetExamples + "mainwindows/application/application");
     const auto select = [&](const QString& expression, const Json::Value& item) {
@@ -180,6 +199,24 @@ TEST_F(Agents, SurviveWhatProgramsDo) {
     EXPECT_EQ(answer("click", "e999"), "error: there is no e999: snapshot tells what there is");
     EXPECT_TRUE(answer("click", "Save")
                     .startsWith("error: 'Save' is neither a ref like e7 nor a name like "));
+    EXPECT_EQ(agent.answer("snapshot", arguments({{"root", "{type='QLabel'}"}})),
+              "error: '{type='QLabel'}' is no ref like e7");
+    // Nonsense is told in short, and no name is taken for an option or makes odd folders.
+    const QString unknown = answer("click", "{text='" + std::string(100000, 'x') + "'}");
+    EXPECT_TRUE(unknown.startsWith("error: No object matches ")) << unknown.toStdString();
+    EXPECT_LT(unknown.size(), 3000);
+    const std::string suite = folder.filePath("suite_odd").toStdString();
+    EXPECT_EQ(agent.answer("run_case", arguments({{"suite", suite}, {"case", "--help"}})),
+              "error: there is no test case '--help'");
+    for (const char* const name : {"-a", "a\nb", "../a"})
+        EXPECT_TRUE(agent.answer("record_to", arguments({{"suite", suite}, {"case", name}}))
+                        .endsWith(" is no name for a test case's folder"));
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(suite)));
+    Json::Value nameless;
+    nameless["*"] = "x";
+    EXPECT_EQ(agent.answer("wait", arguments({{"target", refOf(view, "QPushButton \"Modal\"")},
+                                              {"properties", nameless}})),
+              "error: wait: a property has no name");
     // What can't be clicked says why.
     EXPECT_TRUE(click("Disabled").contains("it is disabled"));
     // A modal dialog is news, and keeps others from being clicked.

@@ -43,7 +43,7 @@ TEST_F(Traces, AreLinkedFromReports) {
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
     EXPECT_EQ(runner.errors(), "");
     const QByteArray steps = text("case-0001/steps-0001.js");
-    EXPECT_TRUE(steps.contains("\"tree\":[[0,")) << steps.constData();
+    EXPECT_TRUE(steps.contains("\"tree\":[{\"")) << steps.constData();
     EXPECT_TRUE(steps.contains("Crash"));
     EXPECT_TRUE(text("case-0001/sources.js").contains("test.fail('wrong')"));
     EXPECT_FALSE(QFile::exists(trace("case-0002")));

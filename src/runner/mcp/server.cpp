@@ -17,6 +17,16 @@ constexpr char instructions[] =
     "line that does the same. wait with properties states what must hold. record_to makes a test "
     "case of it all, run_case runs it.";
 
+/// Of a failure, which may quote what it was given.
+constexpr int longestFailure = 2000;
+
+QString shortened(const QString& failure) {
+    return failure.size() <= longestFailure
+               ? failure
+               : QStringLiteral("%1... (%2 characters)")
+                     .arg(failure.left(longestFailure), QString::number(failure.size()));
+}
+
 Json::Value textContent(const QString& text) {
     Json::Value content(Json::objectValue);
     content["type"] = "text";
@@ -31,7 +41,7 @@ Json::Value toolResult(const Outcome<ToolAnswer>& answer) {
     Json::Value& content = result["content"];
     content = Json::Value(Json::arrayValue);
     result["isError"] = !answer.has_value();
-    content.append(textContent(answer ? answer->text : answer.error().text));
+    content.append(textContent(answer ? answer->text : shortened(answer.error().text)));
     if (answer && !answer->picture.isEmpty()) {
         Json::Value picture(Json::objectValue);
         picture["type"] = "image";

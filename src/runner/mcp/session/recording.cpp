@@ -17,9 +17,13 @@ const QString& defaultLanguage() {
     return s_language;
 }
 
+/// Of a folder that all commands take as a case, and that a person can type.
 bool isFolderName(const QString& name) {
     return !name.isEmpty() && !name.startsWith(QLatin1Char('.')) &&
-           !name.contains(QLatin1Char('/')) && !name.contains(QChar(QChar::Null));
+           !name.startsWith(QLatin1Char('-')) &&
+           std::none_of(name.begin(), name.end(), [](QChar character) {
+               return character == QLatin1Char('/') || character.category() == QChar::Other_Control;
+           });
 }
 
 /// Without the indentation that all lines have, and without the last line feed.

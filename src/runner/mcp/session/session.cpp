@@ -271,6 +271,8 @@ Outcome<Meant> Session::meant(const QString& target) {
 
 Outcome<const ViewObject*> Session::visible(const QString& ref) {
     const int number = refNumber(ref);
+    if (number == 0)
+        return fail(FailureKind::BadArgument, QStringLiteral("'%1' is no ref like e7").arg(ref));
     const int index = indexOf(m_view, number);
     if (index >= 0)
         return &m_view[static_cast<size_t>(index)];

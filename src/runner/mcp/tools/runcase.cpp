@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 #include "platform/testresult/journalreader.h"
@@ -72,13 +73,18 @@ QString failuresOf(const RunTally& tally) {
 }
 
 Outcome<ToolAnswer> runCase(Session& session, const Arguments& arguments) {
+    // A name never becomes an option of the run.
+    const QString testCase = arguments.text("case");
+    if (testCase.startsWith(QLatin1Char('-')))
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("there is no test case '%1'").arg(testCase));
     const Outcome<QString> folder = session.newRunFolder();
     if (!folder)
         return fail(folder.error());
     const QString journal = *folder + QStringLiteral("/run.journal");
-    QStringList words{QStringLiteral("run"), arguments.text("suite")};
+    QStringList words{QStringLiteral("run"), QDir().absoluteFilePath(arguments.text("suite"))};
     if (arguments.has("case"))
-        words.append(arguments.text("case"));
+        words.append(testCase);
     words << QStringLiteral("--aut-display") << session.display() << QStringLiteral("--result-dir")
           << *folder << QStringLiteral("--report") << QStringLiteral("json:") + journal;
     const Outcome<std::unique_ptr<ChildProcess>> run = runToTheEnd(session, words);

@@ -92,6 +92,10 @@ Outcome<ToolAnswer> wait(Session& session, const Arguments& arguments) {
     const Outcome<Meant> meant = session.meant(arguments.text("target"));
     if (!meant)
         return fail(meant.error());
+    for (const std::string& name : arguments.value("properties").getMemberNames()) {
+        if (name.empty() || name == "*" || name == "~")
+            return fail(FailureKind::BadArgument, QStringLiteral("wait: a property has no name"));
+    }
     const Expected expected = expectedOf(arguments.value("properties"));
     const QString fault =
         expected.properties.isValid() ? nameFault(expected.properties) : QString();
