@@ -3,9 +3,9 @@
 // interface (bareruntimes/), and how long a case takes to start: the first one of the process, with
 // which the runtime starts, and the best of others, each behind a case that has run.
 //
-// The loops are scripts, bench/languages/calls.SUFFIX, which run in a bare runtime and in ours, each
-// in a process of its own, by turns: a script reports nanoseconds for a round of an empty loop, of
-// one that calls `nothing`, and of one that calls `plus`. The best of all turns counts.
+// The loops are scripts, bench/languages/calls.SUFFIX, which run in a bare runtime and in ours,
+// each in a process of its own, by turns: a script reports nanoseconds for a round of an empty
+// loop, of one that calls `nothing`, and of one that calls `plus`. The best of all turns counts.
 //
 // languagecall_bench [LANGUAGE]
 

@@ -58,15 +58,15 @@ bool arePlain(const Parameters& parameters, SV** arguments, int count) {
 }
 
 /// A call with plain arguments, which are most.
-NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function,
-                      SV** arguments, int count) {
+NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function, SV** arguments,
+                      int count) {
     NativeEnd result = returning(aTHX_ SvRef());
     const auto add = [&](auto& call) {
         for (int index = 0; index < count; ++index)
             call.add(PerlArgument::kept(aTHX_ arguments[index]));
     };
-    const auto end = callDirectly<PerlArgument>(
-        active, function, nullptr, add, [&](const PerlArgument* given) {
+    const auto end =
+        callDirectly<PerlArgument>(active, function, nullptr, add, [&](const PerlArgument* given) {
             if (given)
                 result = returning(aTHX_ SvRef::borrow(given->value()));
         });

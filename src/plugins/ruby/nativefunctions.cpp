@@ -73,8 +73,8 @@ SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
 }
 
 /// The call as nearly all are: without names, block and gaps.
-VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count,
-                  const VALUE* arguments, VALUE self) {
+VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, const VALUE* arguments,
+                  VALUE self) {
     const auto add = [&](LanguageContext::DirectCall<RubyArgument>& call) {
         if (slot.front == Front::Self)
             call.add(self);
@@ -86,8 +86,8 @@ VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count,
         if (result)
             value = result->value();
     };
-    const auto end = callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self),
-                                                add, take);
+    const auto end =
+        callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self), add, take);
     if (!end)
         raiseFailure(end.error());
     return value;

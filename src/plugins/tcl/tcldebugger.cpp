@@ -90,9 +90,8 @@ bool TclDebugger::isPassedThrough() {
         const std::vector<TclFrame> script =
             m_tcl.framesOfScripts({{place->level, textOf(place->path), place->line}});
         // A file that becomes known may have break points that wait for it.
-        m_knownFiles.insert(place->path,
-                            {TclRef(place->path),
-                             script.empty() ? -1 : sourceIdOf(script.front().file)});
+        m_knownFiles.insert(place->path, {TclRef(place->path),
+                                          script.empty() ? -1 : sourceIdOf(script.front().file)});
         return false;
     }
     if (known->sourceId < 0)

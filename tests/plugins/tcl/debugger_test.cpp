@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <functional>
 
 #include "interpreter/bridge/debugger.h"
@@ -80,6 +81,31 @@ TEST_F(TclDebugging, StepsInOverAndOut) {
                     DeleteBreakPoint{script(), 3}, Resume::Run}),
               "1 " + Debugger::sanitizedFilePath(script()) + ":3 3 <3 8 18> 8 <8 18> " +
                   Debugger::sanitizedFilePath(script()) + ":3");
+    EXPECT_EQ(error, "");
+}
+
+const char* const rounds = R"tcl(proc work {values} {
+    foreach x $values {
+        set a $x; set b $x
+        set c $x
+    }
+}
+work {1 2}
+source [file join [file dirname [info script]] later.tcl]
+work 3
+again
+)tcl";
+
+/// What runs between them is passed through without a look at its frames.
+TEST_F(TclDebugging, RunsFromBreakPointToBreakPoint) {
+    ASSERT_TRUE(writeFile(folder.filePath("later.tcl"), "proc again {} {\n    work 4\n}\n"));
+    QString stops = told({SetBreakPoint{"test.tcl", 3}, SetBreakPoint{"later.tcl", 2}, Resume::Run,
+                          stack(), Resume::Run, stack(), Resume::Run, stack(), Resume::Run, stack(),
+                          Resume::Run, stack(), Resume::Next},
+                         rounds);
+    // Once for each round, though two commands stand on the line.
+    EXPECT_EQ(stops.remove(QRegularExpression("\\S*\\.tcl:\\d+ ")),
+              "1 buffered 3 <3 7> 3 <3 7> 3 <3 9> 2 <2 10> 3 <3 2 10> 4");
     EXPECT_EQ(error, "");
 }
 
