@@ -42,7 +42,6 @@ public:
 private:
     Engine();
     void limitMemory();
-    void handleInterrupts();
     static bool interrupted(JSContext* context);
     static void collected(JSContext* context, JSGCStatus status, JS::GCReason reason, void* data);
 

@@ -24,7 +24,6 @@
 #include "platform/testresult/testvp.h"
 #include "runner/applications/programdisplay.h"
 #include "runner/processes/interrupt.h"
-#include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
 #include "runner/suites/passwords.h"
 #include "runner/suites/runsettings.h"
@@ -211,6 +210,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
         ScriptContext::setCurrent(nullptr);
     }
     endApplications();
+    m_standardStreams.restore();
     m_video.endCase(caseHasFailed() || Interrupt::signalNumber() != 0);
     // Above what the script or its language left there.
     Interrupt::install();

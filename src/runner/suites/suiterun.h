@@ -12,6 +12,7 @@
 #include "platform/testresult/testresult.h"
 #include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
+#include "runner/processes/processstate.h"
 #include "runner/services/runner.h"
 #include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
@@ -114,6 +115,7 @@ private:
     /// No report tells the passwords that the run was given.
     SecretsFilter m_filter;
     TestResult m_result;
+    StandardStreams m_standardStreams;
     PrivateHome m_home;
     CaseVideo m_video;
     FailureMoment m_failureMoment;
