@@ -302,7 +302,7 @@ struct OutlinedObject {
     quint64 handle = 0;
     /// Of State.
     quint16 state = 0;
-    /// On the screen.
+    /// What is seen of it, on the screen.
     QRect geometry;
     /// The object's own name.
     QString name;

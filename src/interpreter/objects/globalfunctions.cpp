@@ -185,7 +185,9 @@ ObjectResult<Value> callGlobalFunction(ScriptContext& context, const QString& na
                                   given = arguments;
                               ObjectResult<Value> result =
                                   call(context, name, std::move(arguments));
-                              if (given && isForPasswords(*given))
+                              // One that does not answer is not kept waiting for.
+                              const bool answers = result || result.error().kind != Kind::Failed;
+                              if (given && answers && isForPasswords(*given))
                                   record.setArgumentsWithoutTexts(given->positional, given->named);
                               if (!result)
                                   record.setFailed();
