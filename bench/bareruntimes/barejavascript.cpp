@@ -8,7 +8,7 @@
 
 #include <cstring>
 
-#include "bareruntime.h"
+#include "bareruntimes/bareruntime.h"
 
 namespace Tamrix::Bench {
 

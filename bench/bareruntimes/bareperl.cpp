@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "bareruntime.h"
+#include "bareruntimes/bareruntime.h"
 #include "plugins/perl/perlheaders.h"
 
 extern "C" void boot_DynaLoader(pTHX_ CV* cv);

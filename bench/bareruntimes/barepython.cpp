@@ -1,7 +1,7 @@
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
-#include "bareruntime.h"
+#include "bareruntimes/bareruntime.h"
 
 namespace Tamrix::Bench {
 

@@ -1,4 +1,4 @@
-#include "bareruntime.h"
+#include "bareruntimes/bareruntime.h"
 #include "plugins/ruby/rubyapi.h"
 
 namespace Tamrix::Bench {

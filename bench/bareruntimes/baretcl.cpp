@@ -1,6 +1,6 @@
 #include <tcl.h>
 
-#include "bareruntime.h"
+#include "bareruntimes/bareruntime.h"
 
 namespace Tamrix::Bench {
 
