@@ -3,7 +3,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/stepactions.h"
@@ -26,6 +29,8 @@ namespace {
 
 /// Lines of a stack of calls that a person is told.
 constexpr std::size_t mostStackLines = 100;
+/// Behind it in Tcl's words on an error is the line within a procedure.
+constexpr std::string_view lineMark = "\" line ";
 
 /// What a script sees of each kind of failure, the `-errorcode`, and what a person is told it is.
 struct KindName {
@@ -391,9 +396,11 @@ void TclInterpreter::run(Tcl_Obj* function, const CallArguments& arguments) {
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
     const auto words = elementsOf(command.get());
     const std::size_t outer = frames().size();
+    const TclRef caller = std::exchange(m_called, TclRef(words.empty() ? nullptr : words[0]));
     Tcl_AllowExceptions(m_tcl);
     check(Tcl_EvalObjv(m_tcl, static_cast<int>(words.size()), words.data(), TCL_EVAL_GLOBAL),
           outer);
+    m_called = caller;
 }
 
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
@@ -459,8 +466,29 @@ ScriptError TclInterpreter::takeError() {
     if (!m_originText.isEmpty() && result == m_originText)
         error.callStack.insert(error.callStack.begin(), m_origin);
     m_originText.clear();
+    if (error.callStack.empty())
+        error.callStack = placeInCalled(code);
+    m_called = TclRef();
     Tcl_ResetResult(m_tcl);
     return error;
+}
+
+std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
+    if (!m_called)
+        return {};
+    std::vector<TclFrame> place =
+        framesOfScripts({definitionOf(m_tcl, Tcl_GetString(m_called.get()))});
+    if (place.empty() || code != TCL_ERROR)
+        return stackOf(place);
+    // The last line in the words is that of the outermost procedure.
+    const std::string words = errorInfo();
+    const std::size_t mark = words.rfind(lineMark);
+    const int line = mark == std::string::npos
+                         ? 0
+                         : static_cast<int>(std::strtol(
+                               words.c_str() + mark + lineMark.size(), nullptr, 10));
+    place.front().line += std::max(line - 1, 0);
+    return stackOf(place);
 }
 
 QString TclInterpreter::errorText() const {
@@ -469,13 +497,16 @@ QString TclInterpreter::errorText() const {
                          : nameOfError(errorCode()) + (": " + result);
 }
 
-std::vector<TclFrame> TclInterpreter::framesOfError() {
+std::string TclInterpreter::errorInfo() const {
     const TclRef options(Tcl_GetReturnOptions(m_tcl, TCL_ERROR));
     const TclRef name = toTcl(QStringLiteral("-errorinfo"));
-    Tcl_Obj* errorInfo = nullptr;
-    Tcl_DictObjGet(nullptr, options.get(), name.get(), &errorInfo);
-    return errorInfo ? framesOfScripts(m_errors->framesOf(bytesOf(errorInfo)))
-                     : std::vector<TclFrame>();
+    Tcl_Obj* info = nullptr;
+    Tcl_DictObjGet(nullptr, options.get(), name.get(), &info);
+    return std::string(info ? bytesOf(info) : std::string_view());
+}
+
+std::vector<TclFrame> TclInterpreter::framesOfError() {
+    return framesOfScripts(m_errors->framesOf(errorInfo()));
 }
 
 std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames,

@@ -123,11 +123,15 @@ private:
     void guarded(Work work);
     /// The `-errorcode` of the error that has just been raised.
     std::string errorCode() const;
+    /// The words in which Tcl tells where the error came from.
+    std::string errorInfo() const;
     std::vector<TclFrame> framesOfError();
     /// Calls a procedure of the prelude, by its name behind "::tamrix::". Throws ScriptErrorSet.
     TclRef callPrelude(QStringList words);
     static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
                                          std::size_t outer = 0);
+    /// The place of an error that Tcl tells no other of: in the procedure that was called.
+    std::vector<LineInfo> placeInCalled(int code);
     struct SourceFile {
         QString path;
         bool isScript;
@@ -152,6 +156,8 @@ private:
     /// The text of an error that stands in a file that is none of Tcl's, and where.
     QString m_originText;
     LineInfo m_origin;
+    /// The name of the procedure that the library has called, while it runs or has failed.
+    TclRef m_called;
     /// Runs of script code in each other.
     int m_depth = 0;
     /// The text of a panic, after which nothing can run.
