@@ -55,16 +55,8 @@ void checkNewEntry(const QByteArray& content) {
 /// Like Python's.
 ScriptNotation notation() {
     ScriptNotation notation;
-    notation.statement = "%1 = %2";
-    notation.reference = "%1";
-    notation.open = "{";
-    notation.afterPropertyName = ": ";
-    notation.betweenProperties = ", ";
-    notation.close = "}";
     notation.literal = [](const QString& text) { return QString(text).replace('\n', ' '); };
-    notation.isVariable = [](const QString& name) {
-        return !name.isEmpty() && name.at(0).isLetter() && !name.contains(' ');
-    };
+    notation.reserved = "if else";
     return notation;
 }
 
@@ -75,10 +67,10 @@ void checkScript(const QString& text) {
     for (const int line : lines)
         fuzzRequire(line > 0 && line <= count, "a name is made in a line of the script");
     const QString variable = variableOfText(ours, text);
-    fuzzRequire(ours.isVariable(variable), "any text has a variable");
+    fuzzRequire(isVariable(ours, variable), "any text has a variable");
     ObjectName name;
     name.setProperty("text", text);
-    fuzzRequire(ours.isVariable(newVariable(ours, name, [](const QString&) { return true; })),
+    fuzzRequire(isVariable(ours, newVariable(ours, name, [](const QString&) { return true; })),
                 "any object has a variable");
     const QString entry = writtenEntry(ours, keyOfVariable("fresh"), name);
     fuzzRequire(definitionLines(ours, entry).value("fresh") == 1, "an entry is found again");

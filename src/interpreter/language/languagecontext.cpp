@@ -3,9 +3,11 @@
 #include <iterator>
 
 #include "interpreter/bridge/scriptlanguage.h"
+#include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
+#include "interpreter/language/valuemembers.h"
 
 namespace Tamrix {
 
@@ -27,14 +29,6 @@ void LanguageContext::CallScope::restoreOuter() {
     else
         m_context.setError(m_outer->errorMessage, m_outer->errorType);
     m_context.m_result = std::move(m_outer->result);
-}
-
-SharedPtr<ScriptArgument> LanguageContext::takeSpareWrapper() {
-    if (m_spareWrappers.empty())
-        return {};
-    SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
-    m_spareWrappers.pop_back();
-    return wrapper;
 }
 
 void LanguageContext::spareWrappersFrom(std::size_t count) {
@@ -87,6 +81,11 @@ void LanguageContext::addConstant(const QString& name, int value) {
 
 void LanguageContext::define(const NativeFunction&) {}
 
+void LanguageContext::defineValueMembers() {
+    for (const NativeFunction& member : valueMembers(*this))
+        defineMember(member);
+}
+
 void LanguageContext::defineMember(const NativeFunction& function) {
     const auto* const language = ScriptLanguageInformation::forLanguage(m_interpreter.language());
     qWarning("%s has no class for the member functions of %s",
@@ -95,6 +94,13 @@ void LanguageContext::defineMember(const NativeFunction& function) {
 }
 
 void LanguageContext::defineConstant(const QString&, const QString&, int) {}
+
+bool LanguageContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
+    const LineInfo place = m_interpreter.languageDebugger().placeOfFrame(ancestorLevel);
+    if (place.isValid())
+        position = place;
+    return place.isValid();
+}
 
 // The language's own judgement
 

@@ -13,15 +13,30 @@ unsigned s_lastState = 0;
 
 }  // namespace
 
+class LanguageDebugger::Silence {
+public:
+    explicit Silence(LanguageDebugger& debugger) : m_debugger(debugger) {
+        if (m_debugger.m_silences++ == 0)
+            m_debugger.enterSilence();
+    }
+    ~Silence() {
+        if (--m_debugger.m_silences == 0)
+            m_debugger.leaveSilence();
+    }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    LanguageDebugger& m_debugger;
+};
+
 /// The time of a stop.
 class LanguageDebugger::Standstill {
 public:
-    explicit Standstill(LanguageDebugger& debugger) : m_debugger(debugger) {
+    explicit Standstill(LanguageDebugger& debugger) : m_debugger(debugger), m_silence(debugger) {
         ++m_debugger.m_standstills;
-        m_debugger.enterStandstill();
     }
     ~Standstill() {
-        m_debugger.leaveStandstill();
         // Code that was evaluated at a stop may have stopped itself: the outer one goes on.
         if (--m_debugger.m_standstills > 0)
             m_debugger.updateFrames();
@@ -33,6 +48,7 @@ public:
 
 private:
     LanguageDebugger& m_debugger;
+    Silence m_silence;
 };
 
 LanguageDebugger::LanguageDebugger(Interpreter* interpreter)
@@ -119,6 +135,14 @@ std::vector<ScriptFrame> LanguageDebugger::frames() {
     return m_errorFrames ? *m_errorFrames : withForeignPlaces(runningFrames());
 }
 
+LineInfo LanguageDebugger::placeOfFrame(int level) {
+    const std::vector<ScriptFrame> frames = runningFrames();
+    if (level < 0 || level >= static_cast<int>(frames.size()))
+        return {};
+    const ScriptFrame& frame = frames[static_cast<std::size_t>(level)];
+    return LineInfo(frame.file, frame.line);
+}
+
 std::vector<ScriptFrame> LanguageDebugger::withForeignPlaces(
     std::vector<ScriptFrame> frames) const {
     const auto scripts = static_cast<int>(frames.size());
@@ -163,13 +187,7 @@ void LanguageDebugger::initVariableWatcher() {
 }
 
 Debugger::VariableBindings LanguageDebugger::variables(const QString& path) {
-    struct Silence {
-        LanguageDebugger& debugger;
-        explicit Silence(LanguageDebugger& silenced) : debugger(silenced) {
-            debugger.enterStandstill();
-        }
-        ~Silence() { debugger.leaveStandstill(); }
-    } const silence(*this);
+    const Silence silence(*this);
     if (!m_watcher)
         m_watcher = makeVariableWatcher();
     return m_watcher->variableBindings(path);

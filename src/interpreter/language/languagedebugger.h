@@ -58,6 +58,8 @@ public:
                 framesBelow + 1 + static_cast<int>(m_foreignPlaces.size()) <= stepDepth());
     }
     bool stopsForErrors() const { return isInteractive() && debuggerMode() != None; }
+    /// The script stands still, or the debugger looks at values: the hook is to do nothing.
+    bool isSilent() const { return m_silences > 0; }
 
     /// Errors are caught by a native function as long as this exists.
     class CatchesErrors {
@@ -76,6 +78,10 @@ public:
     /// The frames at which the debugger looks, the innermost first: of an error that it has stopped
     /// for, else those that run.
     std::vector<ScriptFrame> frames();
+
+    /// Where the running frame of a script stands that is `level` levels outwards from the
+    /// innermost one; invalid without one.
+    LineInfo placeOfFrame(int level);
 
     /// Nothing will catch an error: tells its text and stops, in `frames`, the innermost first,
     /// which it has not left, or which it has left by now. Nothing happens without frames.
@@ -112,14 +118,14 @@ protected:
     /// How many they are.
     virtual int runningDepth() { return static_cast<int>(runningFrames().size()); }
     virtual std::unique_ptr<VariableWatcher> makeVariableWatcher() = 0;
-    /// The script stands still, or the debugger looks at values: the hook is to be silent until
-    /// leaveStandstill(). They come in pairs, which may lie in each other.
-    virtual void enterStandstill() = 0;
-    virtual void leaveStandstill() = 0;
+    /// The time of isSilent() begins and ends. By default nothing else is to be done.
+    virtual void enterSilence() {}
+    virtual void leaveSilence() {}
     /// Break points have changed.
     virtual void breakPointsChanged() {}
 
 private:
+    class Silence;
     class Standstill;
     void showFrames(const std::vector<ScriptFrame>& frames);
     /// The frames with the places of other files between them.
@@ -141,6 +147,7 @@ private:
 
     /// One in another when code that is evaluated at a stop stops.
     int m_standstills = 0;
+    int m_silences = 0;
     int m_catching = 0;
     QString m_toldText;
     /// Where the error was raised for which the debugger is stopped.

@@ -41,19 +41,26 @@ LanguageInterpreter::~LanguageInterpreter() {
     leaveActive();
 }
 
-void LanguageInterpreter::begin(std::unique_ptr<StepLanguage> steps) {
+void LanguageInterpreter::begin(LanguageContext& context, LanguageDebugger& debugger,
+                                std::unique_ptr<StepLanguage> steps) {
+    m_context = &context;
+    m_languageDebugger = &debugger;
     m_stepLanguage = std::move(steps);
     m_steps = std::make_unique<StepActions>(*this, *m_stepLanguage);
-    setDebugger(&languageDebugger());
+    setDebugger(&debugger);
     try {
-        context().initFunctions();
-        initNativeAPI();
-        publishFunctionsOfApplication();
+        registerFunctions();
     } catch (...) {
         // Nothing may point to an interpreter that is not made.
         end();
         throw;
     }
+}
+
+void LanguageInterpreter::registerFunctions() {
+    context().initFunctions();
+    initNativeAPI();
+    publishFunctionsOfApplication();
 }
 
 bool LanguageInterpreter::end() {
@@ -117,6 +124,7 @@ void LanguageInterpreter::setScriptArguments(const QString& scriptPath,
     // A module that findFile() finds is the one that the language finds.
     startScript(scriptPath, arguments,
                 scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
+    m_hasStarted = true;
 }
 
 bool LanguageInterpreter::hasFunction(const QString& name) {
@@ -195,7 +203,17 @@ bool LanguageInterpreter::evaluate(const QString& text, const QString& fileName,
             return evaluateWhereItStands(frames, text);
     }
     ScriptContext::setCurrent(&context());
+    if (fileName.isEmpty() && !m_hasStarted)
+        m_initScripts.append(text);
     return runScript(text, fileName);
+}
+
+Outcome<QString> LanguageInterpreter::evaluated(const ScriptFrame* frame, const QString& code) {
+    try {
+        return evaluateAtStop(frame, code);
+    } catch (const ScriptErrorSet&) {
+        return fail(FailureKind::Failed, takeError().message);
+    }
 }
 
 bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& frames,
@@ -213,8 +231,8 @@ bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& 
         const auto frame =
             std::find_if(frames.begin() + static_cast<std::ptrdiff_t>(index), frames.end(),
                          [](const ScriptFrame& each) { return each.isOfLanguage(); });
-        result = evaluateAtStop(frame != frames.end() ? &*frame : nullptr,
-                                text.mid(level.capturedLength()));
+        result =
+            evaluated(frame != frames.end() ? &*frame : nullptr, text.mid(level.capturedLength()));
     }
     m_output.flush();
     setResultMessage(result ? *result : result.error().text);
@@ -260,7 +278,11 @@ bool LanguageInterpreter::failWith(const ScriptError& error, bool hasFile) {
     }
     setErrorFile(error.callStack.front().fileName());
     setErrorLine(error.callStack.front().lineNumber());
-    setErrorCallStack(error.callStack);
+    // A runaway recursion has thousands of lines; the innermost ones tell enough.
+    constexpr std::size_t mostStackLines = 100;
+    std::vector<LineInfo> stack = error.callStack;
+    stack.resize(std::min(stack.size(), mostStackLines));
+    setErrorCallStack(stack);
     return false;
 }
 

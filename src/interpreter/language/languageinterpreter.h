@@ -54,8 +54,9 @@ public:
     /// The interpreter of the language whose scripts run, null when there is none.
     static LanguageInterpreter* active(Language language) { return s_active[language]; }
 
-    virtual LanguageContext& context() = 0;
-    virtual LanguageDebugger& languageDebugger() = 0;
+    // Behind begin().
+    LanguageContext& context() { return *m_context; }
+    LanguageDebugger& languageDebugger() { return *m_languageDebugger; }
     ScriptOutput& output() { return m_output; }
     /// The behaviour-driven side: what scripts have registered, and its run. Only between begin()
     /// and end().
@@ -96,6 +97,9 @@ public:
         return takeError();
     }
 
+    /// Where a function is defined; invalid when that is in no file.
+    virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
+
     Language language() const final { return m_language; }
     ScriptContext* scriptContext() override;
     void initTestFunctions(TestResult* result) override;
@@ -112,9 +116,17 @@ public:
                            const QString& description) override;
 
 protected:
-    /// Registers all functions, last those of the application. Context and debugger are there. What
-    /// the language throws passes, behind end().
-    void begin(std::unique_ptr<StepLanguage> steps);
+    /// Takes the plug-in's own context and debugger, which stay the plug-in's, and registers all
+    /// functions. What the language throws passes, behind end().
+    void begin(LanguageContext& context, LanguageDebugger& debugger,
+               std::unique_ptr<StepLanguage> steps);
+    /// Registers all functions, last those of the application: for a plug-in that begins anew with
+    /// each script.
+    void registerFunctions();
+    /// Whether a script has begun, before the one that begins now.
+    bool hasStarted() const { return m_hasStarted; }
+    /// Code without a file from before the first script, whose definitions each script finds.
+    const QStringList& initScripts() const { return m_initScripts; }
     /// Takes away what holds values of the language. True when there is no other interpreter of the
     /// language: the runtime is to be set back.
     bool end();
@@ -144,10 +156,8 @@ protected:
                          const QString& name, bool isCallback) = 0;
     /// Runs code that a person writes while the script stands still, with the variables of a frame,
     /// or with those of the script's top level for null. Gives the text of an expression's value,
-    /// an empty one for statements; the failure is the text of what was raised.
-    virtual Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) = 0;
-    /// Where a function is defined, for the error of a call that has come to no line.
-    virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
+    /// an empty one for statements. Throws ScriptErrorSet for what was raised.
+    virtual QString evaluateAtStop(const ScriptFrame* frame, const QString& code) = 0;
 
     /// Runs script code at the top level: `work` throws ScriptErrorSet for what was raised.
     template <typename Work>
@@ -190,6 +200,7 @@ protected:
     bool hasExited() const { return m_exited; }
 
 private:
+    Outcome<QString> evaluated(const ScriptFrame* frame, const QString& code);
     bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
     void publishFunctionsOfApplication();
 
@@ -200,11 +211,15 @@ private:
     void* m_scriptThread;
     const Inspector* m_inspector = Inspector::self();
     ScriptOutput m_output;
+    LanguageContext* m_context = nullptr;
+    LanguageDebugger* m_languageDebugger = nullptr;
     std::unique_ptr<StepLanguage> m_stepLanguage;
     std::unique_ptr<StepActions> m_steps;
     /// Only compared: it may be gone.
     ObjectModel* m_knownModel = nullptr;
     bool m_exited = false;
+    bool m_hasStarted = false;
+    QStringList m_initScripts;
 };
 
 }  // namespace Tamrix

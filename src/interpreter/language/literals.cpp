@@ -1,7 +1,5 @@
 #include "interpreter/language/literals.h"
 
-#include <algorithm>
-
 namespace Tamrix {
 
 namespace {
@@ -56,14 +54,6 @@ bool isPlainText(const QString& text) {
             return false;
     }
     return true;
-}
-
-bool isPlainIdentifier(const QString& text) {
-    const auto isOfName = [](QChar character) {
-        return character.unicode() < 0x80 && (character.isLetterOrNumber() || character == '_');
-    };
-    return !text.isEmpty() && !text.at(0).isDigit() &&
-           std::all_of(text.cbegin(), text.cend(), isOfName);
 }
 
 }  // namespace Tamrix

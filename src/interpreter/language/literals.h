@@ -29,7 +29,4 @@ TAMRIX_EXPORT QString literalOf(const QString& text, const LiteralStyle& style =
 /// Whether all characters of the text are shown as what they are.
 TAMRIX_EXPORT bool isPlainText(const QString& text);
 
-/// Letters without accents, digits and "_", with no digit in front.
-TAMRIX_EXPORT bool isPlainIdentifier(const QString& text);
-
 }  // namespace Tamrix

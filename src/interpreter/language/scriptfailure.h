@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstddef>
 #include <tl/expected.hpp>
 
 #include "base/export.h"
@@ -16,6 +17,7 @@ class ScriptContext;
 /// Why the library did not do what a script wanted. Each kind is an exception of its own where a
 /// language has them.
 struct ScriptFailure {
+    /// Plug-ins have tables of exceptions in this order.
     enum class Kind {
         General,       ///< a function of the library failed
         Verification,  ///< a failed verdict that is to end the script
@@ -24,6 +26,12 @@ struct ScriptFailure {
         NoMember,      ///< an object has no such member
         BadArgument    ///< the number, names or types of arguments
     };
+
+    static constexpr std::size_t kindCount = 6;
+    template <typename T>
+    static const T& of(Kind kind, const T (&table)[kindCount]) {
+        return table[static_cast<std::size_t>(kind)];
+    }
 
     Kind kind = Kind::General;
     /// For the tester. Never empty.

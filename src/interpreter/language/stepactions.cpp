@@ -62,6 +62,37 @@ void StepActions::clear() {
     m_files.clear();
 }
 
+LineInfo StepActions::placeOr(const LineInfo& definition) {
+    LineInfo place = definition;
+    if (!place.isValid())
+        m_interpreter.context().lineInfoOfFrame(place, 0);
+    return place;
+}
+
+void StepActions::addStep(std::string_view expression, bool isRegular, const Value& function,
+                          const LineInfo& definition) {
+    const LineInfo place = placeOr(definition);
+    m_registry.addStep(expression, isRegular, function,
+                       {place.fileName().toStdString(), place.lineNumber()});
+}
+
+void StepActions::addHook(const HookKind& hook, std::string_view tags, const Value& function,
+                          const LineInfo& definition) {
+    m_registry.addHook(hook.type, hook.order, tags, function, placeOr(definition).fileName());
+}
+
+StepActions::Value StepActions::tableRows(const Gherkin::Step& step) {
+    LanguageContext& context = m_interpreter.context();
+    ScriptArgument::List rows;
+    for (const std::vector<Gherkin::TableCell>& row : step.table) {
+        ScriptArgument::List cells;
+        for (const Gherkin::TableCell& cell : row)
+            cells.push_back(context.createString(QString::fromStdString(cell.text)));
+        rows.push_back(context.createList(cells));
+    }
+    return context.createList(rows);
+}
+
 QString StepActions::prepare(const QString& featureFile) {
     m_featureFile = featureFile;
     m_reloadError.clear();
@@ -106,7 +137,7 @@ Result StepActions::execute(const Gherkin::Step& step, const StepRegistry::Match
     }
     LanguageContext& context = m_interpreter.context();
     const Value nothing = context.createNull();
-    m_scopes.set("table", step.table.empty() ? nothing : m_language.tableValue(step));
+    m_scopes.set("table", step.table.empty() ? nothing : m_language.tableValue(tableRows(step)));
     m_scopes.set("text", step.docString
                              ? context.createString(QString::fromStdString(step.docString->text))
                              : nothing);

@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/export.h"
@@ -34,9 +35,10 @@ public:
     /// What each step and hook is called with first: an object whose properties are the names in
     /// StepActions::scopes().
     virtual Value contextValue() = 0;
-    /// The table of a step, which is not empty: its rows below the first one as maps, in whatever
-    /// form scripts like; the first row and all rows can be had of it, too.
-    virtual Value tableValue(const Gherkin::Step& step) = 0;
+    /// The table of a step, of which `rows` has all rows as lists of texts: those below the first
+    /// one as maps, in whatever form scripts like; the first row and all rows can be had of it,
+    /// too.
+    virtual Value tableValue(const Value& rows) = 0;
     /// An integer beyond 64 bits; by default its text.
     virtual Value bigInteger(const QString& text);
     /// A number with all its digits; by default the language's float.
@@ -56,6 +58,8 @@ private:
 /// of it. What ends the script, such as a skip or an exit, passes a run as ScriptErrorSet.
 class TAMRIX_EXPORT StepActions final : public Gherkin::ScriptActions {
 public:
+    using Value = SharedPtr<ScriptArgument>;
+
     StepActions(LanguageInterpreter& interpreter, StepLanguage& language)
         : m_interpreter(interpreter),
           m_language(language),
@@ -63,6 +67,16 @@ public:
 
     StepRegistry& registry() { return m_registry; }
     StepScopes& scopes() { return m_scopes; }
+
+    // What scripts register, and where its function is defined; by default where the script is.
+    // These throw Gherkin::ExpressionError.
+    /// StepRegistry::addStep().
+    void addStep(std::string_view expression, bool isRegular, const Value& function,
+                 const LineInfo& definition = LineInfo());
+    /// StepRegistry::addHook().
+    void addHook(const HookKind& hook, std::string_view tags, const Value& function,
+                 const LineInfo& definition = LineInfo());
+
     /// A new test case begins.
     void clear();
     /// A feature file is to run: loads the files with steps. Returns an error text, empty on
@@ -78,8 +92,9 @@ public:
                                             const Gherkin::HookSubject& subject) override;
 
 private:
-    using Value = SharedPtr<ScriptArgument>;
-
+    LineInfo placeOr(const LineInfo& definition);
+    /// The rows of a step's table as lists of texts.
+    Value tableRows(const Gherkin::Step& step);
     Gherkin::LookupAndExecuteStepResult execute(const Gherkin::Step& step,
                                                 const StepRegistry::Match& match);
     /// The context and the values of the parameters; nothing with `*problem` set when a parameter

@@ -4,6 +4,15 @@
 
 namespace Tamrix {
 
+const HookKind* hookKind(const QString& name) {
+    const auto isThis = [&name](const HookKind& each) {
+        const QString own = QString::fromLatin1(each.name);
+        return name == own || name.compare(QString(own).remove('_'), Qt::CaseInsensitive) == 0;
+    };
+    const auto* const found = std::find_if(std::begin(hookKinds), std::end(hookKinds), isThis);
+    return found == std::end(hookKinds) ? nullptr : found;
+}
+
 void StepRegistry::addStep(std::string_view expression, bool isRegular, const Function& function,
                            const Gherkin::ScriptLocation& location) {
     if (isRegular)

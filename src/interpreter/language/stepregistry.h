@@ -15,6 +15,23 @@
 
 namespace Tamrix {
 
+/// A hook by the name under which scripts register it.
+struct HookKind {
+    const char* name;
+    Gherkin::HookType type;
+    Gherkin::HookOrder order;
+};
+inline constexpr HookKind hookKinds[] = {
+    {"before_feature", Gherkin::FeatureHook, Gherkin::BeforeHook},
+    {"after_feature", Gherkin::FeatureHook, Gherkin::AfterHook},
+    {"before_scenario", Gherkin::ScenarioHook, Gherkin::BeforeHook},
+    {"after_scenario", Gherkin::ScenarioHook, Gherkin::AfterHook},
+    {"before_step", Gherkin::StepHook, Gherkin::BeforeHook},
+    {"after_step", Gherkin::StepHook, Gherkin::AfterHook},
+};
+/// Also for "BeforeFeature", as some languages write it. Null for another name.
+TAMRIX_EXPORT const HookKind* hookKind(const QString& name);
+
 /// The step definitions, hooks and parameter types that the scripts of a test case have registered.
 /// Matching is the library's; here stands what is called. Script thread only.
 class TAMRIX_EXPORT StepRegistry {

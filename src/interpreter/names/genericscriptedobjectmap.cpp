@@ -137,12 +137,16 @@ bool hasWord(const QString& text, const QString& word) {
 
 }  // namespace
 
-GenericScriptedObjectMap::GenericScriptedObjectMap(const QString& path, const QString& suffix)
-    : ScriptedObjectMap(path, suffix) {}
+GenericScriptedObjectMap::GenericScriptedObjectMap(const QString& path, const QString& suffix,
+                                                   ScriptNotation notation)
+    : ScriptedObjectMap(path, suffix), m_notation(std::move(notation)) {
+    if (m_notation.qualifier.isEmpty())
+        m_notation.qualifier = pointQualifier();
+}
 
 // Keys
 
-QString GenericScriptedObjectMap::modulePrefix() const {
+QString GenericScriptedObjectMap::pointQualifier() const {
     return QFileInfo(path()).completeBaseName() + QLatin1Char('.');
 }
 
@@ -150,12 +154,15 @@ QString GenericScriptedObjectMap::scriptedNameKey(const ScriptedSymbolicName& na
     const QString text = name.text();
     if (text.startsWith(':'))
         return text;
-    const QString prefix = modulePrefix();
-    return text.startsWith(prefix) ? keyOfVariable(text.mid(prefix.size())) : QString();
+    for (const QString& qualifier : {m_notation.qualifier, pointQualifier()}) {
+        if (text.startsWith(qualifier))
+            return keyOfVariable(text.mid(qualifier.size()));
+    }
+    return {};
 }
 
 QString GenericScriptedObjectMap::toSymbolicName(const QString& key) const {
-    return modulePrefix() + variableOfKey(key);
+    return m_notation.qualifier + variableOfKey(key);
 }
 
 QString GenericScriptedObjectMap::keyOf(const QString& name) const {

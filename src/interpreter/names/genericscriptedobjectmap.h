@@ -22,12 +22,12 @@ namespace Tamrix {
 /// thread only.
 class TAMRIX_EXPORT GenericScriptedObjectMap : public ScriptedObjectMap {
 public:
-    /// The script's path, and the suffix of its language.
-    GenericScriptedObjectMap(const QString& path, const QString& suffix);
+    /// The script's path, and how its language writes it.
+    GenericScriptedObjectMap(const QString& path, const QString& suffix, ScriptNotation notation);
 
-    // Of the language, beside notation().
-    /// ":save_button" for what a script writes: by default behind the name of the script's module
-    /// and a point, "names.save_button". Also takes the key itself.
+    const ScriptNotation& notation() const override { return m_notation; }
+    /// ":save_button" for what a script writes behind the notation's qualifier. Also takes
+    /// "names.save_button" in every language, and the key itself.
     QString scriptedNameKey(const ScriptedSymbolicName& name) const override;
     /// The other way round.
     QString toSymbolicName(const QString& key) const override;
@@ -81,11 +81,14 @@ protected:
     QString newKey(const ObjectName& name) override;
     Outcome<QByteArray> contentWith(const QByteArray& content, const QString& key,
                                     const ObjectName& name) override;
+    /// How texts are written from now on.
+    void setLiteral(QString (*literal)(const QString& text)) { m_notation.literal = literal; }
 
 private:
-    /// What the name of a script's module and its point are: "names.".
-    QString modulePrefix() const;
+    /// What the name of a script and a point are: "names.".
+    QString pointQualifier() const;
 
+    ScriptNotation m_notation;
     QDateTime m_cacheTime;
     /// Made when it is asked for.
     QMap<QString, QString> m_cachedMapping;

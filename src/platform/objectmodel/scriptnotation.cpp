@@ -1,6 +1,8 @@
 #include "platform/objectmodel/scriptnotation.h"
 
 #include <QRegularExpression>
+#include <algorithm>
+#include <string>
 
 #include "platform/objectmodel/mapfile.h"
 #include "platform/objectmodel/nameresolver.h"
@@ -81,15 +83,31 @@ QString variableOfKey(const QString& key) {
     return key.mid(1);
 }
 
+bool isPlainIdentifier(const QString& text) {
+    const auto isOfName = [](QChar character) {
+        return character.unicode() < 0x80 && (character.isLetterOrNumber() || character == '_');
+    };
+    return !text.isEmpty() && !text.at(0).isDigit() &&
+           std::all_of(text.cbegin(), text.cend(), isOfName);
+}
+
+bool isVariable(const ScriptNotation& notation, const QString& name) {
+    if (!isPlainIdentifier(name))
+        return false;
+    const bool isSpelt = notation.words != ScriptNotation::Words::Capitals || name.at(0).isUpper();
+    const std::string reserved = ' ' + std::string(notation.reserved) + ' ';
+    return isSpelt && reserved.find(' ' + name.toStdString() + ' ') == std::string::npos;
+}
+
 QString writtenName(const ScriptNotation& notation, const ObjectName& name, const QString& indent) {
     const auto properties = name.properties();
     QStringList parts;
     for (const QString& property : orderedProperties(name)) {
         const PropertyValue value = properties.value(property);
         const QString written = markedProperty(property, value.modifiers());
-        parts.append(
-            (notation.propertyName ? notation.propertyName(written) : notation.literal(written)) +
-            notation.afterPropertyName + writtenValue(notation, property, value));
+        const bool isBare = notation.hasBareProperties && isPlainIdentifier(written);
+        parts.append((isBare ? written : notation.literal(written)) + notation.afterPropertyName +
+                     writtenValue(notation, property, value));
     }
     if (indent.isNull())
         return notation.open + parts.join(notation.betweenProperties) + notation.close;
@@ -152,7 +170,7 @@ QMap<QString, int> definitionLines(const ScriptNotation& notation, const QString
 QString variableOfText(const ScriptNotation& notation, const QString& text) {
     static const QRegularExpression s_other(QStringLiteral("[^A-Za-z0-9_]+"));
     // A text that is one already stays.
-    if (notation.isVariable(text) && !text.startsWith('_'))
+    if (isVariable(notation, text) && !text.startsWith('_'))
         return text;
     QString variable = QString(text.normalized(QString::NormalizationForm_KD))
                            .remove(QRegularExpression(QStringLiteral("[\\p{Mn}&']")))
@@ -163,7 +181,7 @@ QString variableOfText(const ScriptNotation& notation, const QString& text) {
         variable.chop(1);
     if (notation.words == ScriptNotation::Words::Capitals)
         variable = variable.toUpper();
-    if (notation.isVariable(variable))
+    if (isVariable(notation, variable))
         return variable;
     return joinedWords(notation, {QStringLiteral("name")}) +
            (variable.isEmpty() ? QString() : QLatin1Char('_') + variable);

@@ -10,8 +10,9 @@
 
 namespace Tamrix {
 
-/// How a script language writes object names that are variables. A language fills in the fields;
-/// what is written by them stands in the functions below. Data of constants, any thread.
+/// How a script language writes object names that are variables. A language fills in the fields
+/// where it differs; what is written by them stands in the functions below. Data of constants, any
+/// thread.
 struct ScriptNotation {
     /// How the words of a new variable are put together.
     enum class Words {
@@ -20,29 +21,32 @@ struct ScriptNotation {
         Capitals      ///< SAVE_BUTTON
     };
 
-    /// The statement that makes a variable; %1 is its name, %2 its value: "%1 = %2".
-    QString statement;
+    /// The statement that makes a variable; %1 is its name, %2 its value.
+    QString statement = QStringLiteral("%1 = %2");
     /// The variable within the value of another one: "%1", or "$%1".
-    QString reference;
+    QString reference = QStringLiteral("%1");
+    /// What stands in front of it elsewhere: "$names::". Empty: the name of the script and a point,
+    /// "names.".
+    QString qualifier = QString();
     /// Around the properties of a name, between one's name and its value, and between two. Blanks
     /// at the ends of lines are left out.
-    QString open;
-    QString afterPropertyName;
-    QString betweenProperties;
-    QString close;
-    /// In front of a comment that goes to the end of the line: "# ".
-    QString comment;
+    QString open = QStringLiteral("{");
+    QString afterPropertyName = QStringLiteral(": ");
+    QString betweenProperties = QStringLiteral(", ");
+    QString close = QStringLiteral("}");
+    /// In front of a comment that goes to the end of the line.
+    QString comment = QStringLiteral("# ");
     /// What a new file starts and ends with, whole lines; may be empty.
-    QString heading;
-    QString ending;
+    QString heading = QString();
+    QString ending = QString();
     Words words = Words::Underscores;
     /// The text as a literal of the language, on one line whatever it holds.
     QString (*literal)(const QString& text) = nullptr;
-    /// Whether this may be a variable's name: an identifier that is no keyword, and that neither
-    /// the language nor its library means anything by.
-    bool (*isVariable)(const QString& name) = nullptr;
-    /// A property's name, where that is written in another way than texts are.
-    QString (*propertyName)(const QString& name) = nullptr;
+    /// Identifiers that are no names of variables, with blanks between them: keywords, and what the
+    /// language or its library means something by.
+    const char* reserved = "";
+    /// Whether the name of a property stands without quotes when it is an identifier.
+    bool hasBareProperties = false;
     /// What lines between heading and ending are set in by, and those of a name on several lines.
     QString indent = QString();
     /// What stands at the end of a line behind which a value goes on, where a line's end would end
@@ -56,6 +60,11 @@ struct ScriptNotation {
 TAMRIX_EXPORT QString keyOfVariable(const QString& variable);
 /// "save_button" for ":save_button".
 TAMRIX_EXPORT QString variableOfKey(const QString& key);
+
+/// Whether this may be a variable's name.
+TAMRIX_EXPORT bool isVariable(const ScriptNotation& notation, const QString& name);
+/// Letters without accents, digits and "_", with no digit in front.
+TAMRIX_EXPORT bool isPlainIdentifier(const QString& text);
 
 /// A name as the language's value. A property whose value is a reference to another name of the
 /// map,
@@ -99,7 +108,7 @@ template <typename IsFree>
 QString newVariable(const ScriptNotation& notation, const ObjectName& name, IsFree isFree) {
     const QStringList words = wordsOfObject(name);
     QString variable = joinedWords(notation, words);
-    for (int number = 2; !notation.isVariable(variable) || !isFree(variable); ++number)
+    for (int number = 2; !isVariable(notation, variable) || !isFree(variable); ++number)
         variable = joinedWords(notation, words + QStringList(QString::number(number)));
     return variable;
 }

@@ -9,7 +9,7 @@
 
 #include <concepts>
 
-#include "plugins/javascript/debuggersource.h"
+#include "interpreter/language/prelude.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/scriptrealm.h"
@@ -88,7 +88,7 @@ DebuggerRealm::DebuggerRealm() {
             JS_DefineFunction(context, global, "tellLine", tellLine, 2, 0) &&
             JS_DefineFunction(context, global, "tellError", tellError, 1, 0) &&
             JS_DefineFunction(context, global, "isLibraryFunction", tellIsLibraryFunction, 1, 0));
-    evaluateOwn(QString::fromLatin1(debuggerSource), "<tamrix debugger>");
+    evaluateOwn(QString::fromUtf8(preludeSource("javascript/debugger.js")), "<tamrix debugger>");
 }
 
 template <typename... Values>

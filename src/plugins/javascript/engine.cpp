@@ -11,11 +11,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
+#include "interpreter/language/interrupts.h"
 #include "plugins/javascript/jobqueue.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -90,7 +90,7 @@ Engine::Engine() {
     limitMemory();
     m_endedStack.init(m_context);
     JS_AddInterruptCallback(m_context, interrupted);
-    handleInterrupts();
+    handleInterrupts(endByInterrupt);
     on_exit(shutDown, nullptr);
 }
 
@@ -98,18 +98,6 @@ void Engine::limitMemory() {
     JS_SetGCParameter(m_context, JSGC_MAX_BYTES, 0xffffffff);
     JS::SetLargeArrayBuffersEnabled(false);
     JS_SetGCCallback(m_context, collected, nullptr);
-}
-
-/// Ctrl-C ends the script, unless somebody else has the signal already.
-void Engine::handleInterrupts() {
-    struct sigaction present = {};
-    sigaction(SIGINT, nullptr, &present);
-    if (present.sa_handler != SIG_DFL)
-        return;
-    struct sigaction action = {};
-    action.sa_handler = endByInterrupt;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
 }
 
 void Engine::collected(JSContext* context, JSGCStatus status, JS::GCReason, void*) {

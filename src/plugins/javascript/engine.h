@@ -45,7 +45,6 @@ public:
 private:
     Engine();
     void limitMemory();
-    void handleInterrupts();
     void noteEndedStack();
     static bool interrupted(JSContext* context);
     static void collected(JSContext* context, JSGCStatus status, JS::GCReason reason, void* data);

@@ -123,7 +123,7 @@ int outermostLineOf(JS::HandleValue exception, JS::HandleObject stack) {
 }  // namespace
 
 void raise(const ScriptFailure& failure) {
-    const auto& row = errorClasses[static_cast<int>(failure.kind)];
+    const auto& row = ScriptFailure::of(failure.kind, errorClasses);
     if (row.isBuiltIn) {
         raiseBuiltIn(row.name, failure.text);
         return;

@@ -81,7 +81,7 @@ void JavaScriptDebugger::setDebuggerMode(DbgMode mode) {
 
 void JavaScriptDebugger::applyMode() {
     // While the script stands still nothing is told anyway.
-    if (!isInteractive() || m_standstills > 0)
+    if (!isInteractive() || isSilent())
         return;
     quietly([&] {
         DebuggerRealm::self().setStepping(debuggerMode() == Step || debuggerMode() == Next);
@@ -108,13 +108,13 @@ void JavaScriptDebugger::interrupt() {
     Engine::self().requestStop();
 }
 
-void JavaScriptDebugger::enterStandstill() {
-    if (m_standstills++ == 0 && isInteractive())
+void JavaScriptDebugger::enterSilence() {
+    if (isInteractive())
         quietly([] { DebuggerRealm::self().setSilent(true); });
 }
 
-void JavaScriptDebugger::leaveStandstill() {
-    if (--m_standstills > 0 || !isInteractive())
+void JavaScriptDebugger::leaveSilence() {
+    if (!isInteractive())
         return;
     quietly([] { DebuggerRealm::self().setSilent(false); });
     applyMode();

@@ -42,8 +42,8 @@ public:
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override;
-    void leaveStandstill() override;
+    void enterSilence() override;
+    void leaveSilence() override;
     void breakPointsChanged() override;
 
 private:
@@ -56,7 +56,6 @@ private:
     JavaScriptInterpreter& m_interpreter;
     /// Those that were compiled.
     QStringList m_files;
-    int m_standstills = 0;
     /// The exception that the debugger has stopped for.
     JS::PersistentRootedValue m_toldError;
 };

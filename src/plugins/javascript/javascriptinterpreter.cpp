@@ -16,7 +16,6 @@
 #include <stdexcept>
 
 #include "interpreter/language/stepactions.h"
-#include "interpreter/objects/globalfunctions.h"
 #include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/hostobjects.h"
@@ -67,7 +66,7 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
     m_debugger = std::make_unique<JavaScriptDebugger>(*this);
     try {
         enterNewRealm();
-        begin(std::make_unique<JavaScriptSteps>(*this));
+        begin(m_context, *m_debugger, std::make_unique<JavaScriptSteps>(*this));
     } catch (const ScriptErrorSet&) {
         const QString text = takeErrorText();
         leaveActive();
@@ -84,10 +83,6 @@ JavaScriptInterpreter::~JavaScriptInterpreter() {
     leaveActive();
     enterActiveRealm();
     m_realm.reset();
-}
-
-LanguageDebugger& JavaScriptInterpreter::languageDebugger() {
-    return *m_debugger;
 }
 
 void JavaScriptInterpreter::enterNewRealm() {
@@ -151,11 +146,9 @@ void JavaScriptInterpreter::startScript(const QString& path, const QStringList& 
     try {
         if (m_hasRunScript) {
             enterNewRealm();
-            m_context.initFunctions();
-            initNativeAPI();
-            publishFunctions(globalFunctionNames(Inspector::self()->model()));
-            for (const QString& text : m_initScripts)
-                runText(text, QString(), Exports::BecomeGlobals);
+            registerFunctions();
+            for (const QString& text : initScripts())
+                attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
             m_hasRunScript = false;
         }
         m_realm->modules().setFolders(folders + m_searchPath);
@@ -240,11 +233,7 @@ void JavaScriptInterpreter::runText(const QString& text, const QString& fileName
 
 bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
     m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
-    return runCode(!fileName.isEmpty(), [&] {
-        runText(text, fileName, Exports::StayInModule);
-        if (fileName.isEmpty())
-            m_initScripts.append(text);
-    });
+    return runCode(!fileName.isEmpty(), [&] { runText(text, fileName, Exports::StayInModule); });
 }
 
 SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& name) {
@@ -362,16 +351,11 @@ LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& functio
                        static_cast<int>(JS_GetScriptBaseLineNumber(engine, script)));
 }
 
-Outcome<QString> JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame,
-                                                       const QString& code) {
-    try {
-        JS::RootedValue value(engineContext(), m_debugger->evaluate(frame, code));
-        if (value.isUndefined())
-            return QString();
-        return value.isString() ? quoted(fromJsString(value.toString())) : textOf(value);
-    } catch (const ScriptErrorSet&) {
-        return fail(FailureKind::Failed, takeErrorText());
-    }
+QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+    JS::RootedValue value(engineContext(), m_debugger->evaluate(frame, code));
+    if (value.isUndefined())
+        return {};
+    return value.isString() ? quoted(fromJsString(value.toString())) : textOf(value);
 }
 
 // Errors

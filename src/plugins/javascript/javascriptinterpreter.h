@@ -28,8 +28,6 @@ public:
         return static_cast<JavaScriptInterpreter*>(LanguageInterpreter::active(JavaScript));
     }
 
-    LanguageContext& context() override { return m_context; }
-    LanguageDebugger& languageDebugger() override;
     JavaScriptContext& javaScriptContext() { return m_context; }
     JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
     ScriptRealm& realm() { return *m_realm; }
@@ -71,7 +69,7 @@ protected:
     bool runScript(const QString& text, const QString& fileName) override;
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
-    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
     void errorUncaught() override;
 
 private:
@@ -86,8 +84,6 @@ private:
     std::unique_ptr<ScriptRealm> m_realm;
     std::unique_ptr<JavaScriptDebugger> m_debugger;
     QStringList m_searchPath;
-    /// What init scripts have run, which each script finds done.
-    QStringList m_initScripts;
     bool m_hasRunScript = false;
 
     JS::PersistentRootedObject m_scriptModule;

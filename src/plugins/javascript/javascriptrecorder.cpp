@@ -2,9 +2,7 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "function main() {\n",
     .footer = "}\n",
     .comment = "// ",
@@ -13,10 +11,7 @@ constexpr RecordingNotation notation{
     .leftOut = "undefined",
     .assignment = "waitForObject(%1).%2 = %3;",
     .expectation = "test.expect(%1, {%2});",
+    .importingHeader = "import * as %1 from \"%1\";\n\nexport function main() {\n",
 };
-
-}  // namespace
-
-JavaScriptRecorder::JavaScriptRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -4,10 +4,7 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// Writes scripts in JavaScript.
-class JavaScriptRecorder : public NotatedRecorder {
-public:
-    JavaScriptRecorder();
-};
+/// How scripts in JavaScript are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::JavaScriptPlugin

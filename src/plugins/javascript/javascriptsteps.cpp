@@ -1,6 +1,5 @@
 #include "plugins/javascript/javascriptsteps.h"
 
-#include <js/Array.h>
 #include <js/BigInt.h>
 
 #include "interpreter/language/languagedebugger.h"
@@ -19,13 +18,6 @@ QString camelCase(const QString& words) {
     for (const QString& word : words.split('_', Qt::SkipEmptyParts))
         name += name.isEmpty() ? word : word.left(1).toUpper() + word.mid(1);
     return name;
-}
-
-JSObject* rowArray(const std::vector<Gherkin::TableCell>& row) {
-    JS::RootedValueVector cells(engineContext());
-    for (const Gherkin::TableCell& cell : row)
-        checked(cells.append(toJsText(QString::fromStdString(cell.text))));
-    return checked(JS::NewArrayObject(engineContext(), cells));
 }
 
 }  // namespace
@@ -54,28 +46,13 @@ StepLanguage::Value JavaScriptSteps::contextValue() {
     return argumentOf(JS::ObjectValue(*m_interpreter.realm().stepContext()));
 }
 
-StepLanguage::Value JavaScriptSteps::tableValue(const Gherkin::Step& step) {
-    JSContext* const context = engineContext();
-    JS::RootedValueVector raw(context);
-    JS::RootedValueVector rows(context);
-    for (const std::vector<Gherkin::TableCell>& row : step.table) {
-        checked(raw.append(JS::ObjectValue(*rowArray(row))));
-        if (raw.length() == 1)
-            continue;
-        JS::RootedObject object(context, checked(JS_NewPlainObject(context)));
-        for (std::size_t column = 0; column < row.size(); ++column)
-            defineProperty(object, QString::fromStdString(step.table[0][column].text),
-                           toJsText(QString::fromStdString(row[column].text)));
-        checked(rows.append(JS::ObjectValue(*object)));
-    }
-    JS::RootedObject table(context, checked(JS::NewArrayObject(context, rows)));
-    defineProperty(table, QStringLiteral("headers"), raw[0], 0);
-    defineProperty(table, QStringLiteral("raw"),
-                   JS::ObjectValue(*checked(JS::NewArrayObject(context, raw))), 0);
-    // No reference to itself: a list of the same rows.
-    defineProperty(table, QStringLiteral("rows"),
-                   JS::ObjectValue(*checked(JS::NewArrayObject(context, rows))), 0);
-    return argumentOf(JS::ObjectValue(*table));
+StepLanguage::Value JavaScriptSteps::tableValue(const Value& rows) {
+    JS::RootedValue table(engineContext());
+    JS::RootedValueVector arguments(engineContext());
+    checked(arguments.append(valueOf(rows)));
+    JS::RootedValue make(engineContext(), JS::ObjectValue(*m_interpreter.realm().tableMaker()));
+    checked(JS::Call(engineContext(), JS::UndefinedHandleValue, make, arguments, &table));
+    return argumentOf(table);
 }
 
 StepLanguage::Value JavaScriptSteps::bigInteger(const QString& text) {

@@ -16,7 +16,7 @@ public:
     void forgetFiles(const QStringList& paths) override;
     Value contextValue() override;
     /// An array of objects by the names of the first row, with `headers`, `rows` and `raw`.
-    Value tableValue(const Gherkin::Step& step) override;
+    Value tableValue(const Value& rows) override;
     /// A BigInt.
     Value bigInteger(const QString& text) override;
     QString snippetText(const StepSnippet& snippet) override;

@@ -1,7 +1,6 @@
 #include "plugins/javascript/objectnames.h"
 
 #include <QRegularExpression>
-#include <QStringList>
 
 #include "interpreter/language/literals.h"
 #include "plugins/javascript/javascriptinterpreter.h"
@@ -11,7 +10,7 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 /// Words of the language, and what its library and ours define: no names of objects.
-constexpr const char* javaScriptWords =
+constexpr const char* reservedWords =
     "AggregateError Array ArrayBuffer Atomics BigInt BigInt64Array BigUint64Array Boolean "
     "DataView Date Error EvalError FinalizationRegistry Float32Array Float64Array Function "
     "Infinity Int16Array Int32Array Int8Array Intl JSON Map Math NaN Number Object Promise "
@@ -25,40 +24,18 @@ constexpr const char* javaScriptWords =
     "protected public return setTimeout static super switch tamrix this throw true try "
     "typeof undefined unescape var void while with yield";
 
-bool isJavaScriptVariable(const QString& name) {
-    static const QStringList s_words = QString::fromLatin1(javaScriptWords).split(' ');
-    return isPlainIdentifier(name) && !s_words.contains(name);
-}
-
-QString textLiteral(const QString& text) {
-    return literalOf(text);
-}
-
-QString propertyName(const QString& name) {
-    return isPlainIdentifier(name) ? name : literalOf(name);
-}
-
 }  // namespace
 
-const ScriptNotation& JavaScriptObjectMap::notation() const {
-    static const ScriptNotation s_notation{
-        QStringLiteral("export const %1 = %2;"),
-        QStringLiteral("%1"),
-        QStringLiteral("{"),
-        QStringLiteral(": "),
-        QStringLiteral(", "),
-        QStringLiteral("}"),
-        QStringLiteral("// "),
-        QStringLiteral("// Names of objects, for scripts: import * as names from \"names\";\n"),
-        QString(),
-        ScriptNotation::Words::Camels,
-        textLiteral,
-        isJavaScriptVariable,
-        propertyName,
-        QString(),
-    };
-    return s_notation;
-}
+JavaScriptObjectMap::JavaScriptObjectMap(const QString& path)
+    : GenericScriptedObjectMap(
+          path, "js",
+          {.statement = "export const %1 = %2;",
+           .comment = "// ",
+           .heading = "// Names of objects, for scripts: import * as names from \"names\";\n",
+           .words = ScriptNotation::Words::Camels,
+           .literal = [](const QString& text) { return literalOf(text); },
+           .reserved = reservedWords,
+           .hasBareProperties = true}) {}
 
 bool JavaScriptObjectMap::runScript(const QString& text) {
     static const QRegularExpression s_kept(

@@ -7,9 +7,7 @@ namespace Tamrix::JavaScriptPlugin {
 /// Object names that a module exports, as shared/scripts/names.js.
 class JavaScriptObjectMap final : public GenericScriptedObjectMap {
 public:
-    explicit JavaScriptObjectMap(const QString& path) : GenericScriptedObjectMap(path, "js") {}
-
-    const ScriptNotation& notation() const override;
+    explicit JavaScriptObjectMap(const QString& path);
 
 protected:
     ScriptArgument::Map scriptVariables() override;

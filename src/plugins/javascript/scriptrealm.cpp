@@ -33,6 +33,7 @@ ScriptRealm::ScriptRealm()
     JS::RootedObject library(context, addScriptLibrary(m_global));
     m_errorClasses.init(context, propertyOf(library, "classes").toObjectOrNull());
     m_stepContext.init(context, propertyOf(library, "context").toObjectOrNull());
+    m_tableMaker.init(context, propertyOf(library, "makeTable").toObjectOrNull());
     m_applicationObjectPrototype.init(context, makeApplicationObjectPrototype());
     m_applicationContextPrototype.init(context, checked(JS_NewPlainObject(context)));
     m_functionNumbers.init(context, checked(JS::NewWeakMapObject(context)));

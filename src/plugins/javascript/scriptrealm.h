@@ -32,6 +32,8 @@ public:
 
     /// What steps and hooks are called with.
     JSObject* stepContext() const { return m_stepContext; }
+    /// The function that makes the table of a step of its rows.
+    JSObject* tableMaker() const { return m_tableMaker; }
 
     /// The object of a namespace, made on first use.
     JSObject* nameSpace(const QString& name);
@@ -53,6 +55,7 @@ private:
     JS::PersistentRootedObject m_global;
     JS::PersistentRootedObject m_errorClasses;
     JS::PersistentRootedObject m_stepContext;
+    JS::PersistentRootedObject m_tableMaker;
     JS::PersistentRootedObject m_applicationObjectPrototype;
     JS::PersistentRootedObject m_applicationContextPrototype;
     /// A WeakMap.

@@ -51,14 +51,6 @@ SharedPtr<ScriptArgument> functionOf(JS::HandleValue value) {
     return argumentOf(value);
 }
 
-Gherkin::ScriptLocation locationOf(JavaScriptInterpreter& interpreter,
-                                   const SharedPtr<ScriptArgument>& function) {
-    LineInfo place = interpreter.placeOf(function);
-    if (!place.isValid())
-        interpreter.context().lineInfoOfFrame(place, 0);
-    return {place.fileName().toStdString(), place.lineNumber()};
-}
-
 // Expressions
 
 constexpr struct {
@@ -102,20 +94,18 @@ std::string patternOf(JS::HandleValue value) {
 JS::Value defineStep(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
     const SharedPtr<ScriptArgument> function = functionOf(arguments.get(1));
     const bool isRegular = !arguments[0].isString();
-    interpreter.steps().registry().addStep(
-        isRegular ? patternOf(arguments[0]) : textOfArgument(arguments[0]), isRegular, function,
-        locationOf(interpreter, function));
+    interpreter.steps().addStep(isRegular ? patternOf(arguments[0]) : textOfArgument(arguments[0]),
+                                isRegular, function, interpreter.placeOf(function));
     return JS::UndefinedValue();
 }
 
 /// A hook for all, or with a tag expression in front.
-template <Gherkin::HookType type, Gherkin::HookOrder order>
 JS::Value defineHook(JavaScriptInterpreter& interpreter, const JS::CallArgs& arguments) {
     const bool hasTags = arguments.get(0).isString();
     const SharedPtr<ScriptArgument> function = functionOf(arguments.get(hasTags ? 1 : 0));
-    interpreter.steps().registry().addHook(
-        type, order, hasTags ? textOfArgument(arguments[0]) : std::string(), function,
-        QString::fromStdString(locationOf(interpreter, function).fileName));
+    interpreter.steps().addHook(*hookKind(nameOfCallee(arguments)),
+                                hasTags ? textOfArgument(arguments[0]) : std::string(), function,
+                                interpreter.placeOf(function));
     return JS::UndefinedValue();
 }
 
@@ -143,23 +133,17 @@ JS::Value pending(JavaScriptInterpreter&, const JS::CallArgs& arguments) {
                          : QStringLiteral("the step definition is to be written"));
 }
 
-using Gherkin::AfterHook;
-using Gherkin::BeforeHook;
-using Gherkin::FeatureHook;
-using Gherkin::ScenarioHook;
-using Gherkin::StepHook;
-
 constexpr NativeRow functions[] = {
     {"Given", step<defineStep>},
     {"When", step<defineStep>},
     {"Then", step<defineStep>},
     {"Step", step<defineStep>},
-    {"BeforeFeature", step<defineHook<FeatureHook, BeforeHook>>},
-    {"AfterFeature", step<defineHook<FeatureHook, AfterHook>>},
-    {"BeforeScenario", step<defineHook<ScenarioHook, BeforeHook>>},
-    {"AfterScenario", step<defineHook<ScenarioHook, AfterHook>>},
-    {"BeforeStep", step<defineHook<StepHook, BeforeHook>>},
-    {"AfterStep", step<defineHook<StepHook, AfterHook>>},
+    {"BeforeFeature", step<defineHook>},
+    {"AfterFeature", step<defineHook>},
+    {"BeforeScenario", step<defineHook>},
+    {"AfterScenario", step<defineHook>},
+    {"BeforeStep", step<defineHook>},
+    {"AfterStep", step<defineHook>},
     {"ParameterType", step<defineParameterType>},
     {"pending", step<pending>},
 };

@@ -42,16 +42,19 @@ SharedPtr<ScriptArgument> referenceTo(pTHX_ CV* function) {
 }  // namespace
 
 CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
-    : LanguageInterpreter(runner, Perl), m_files(m_runtime.libraryFolders()), m_process(getpid()) {
+    : LanguageInterpreter(runner, Perl), m_process(getpid()) {
+    for (const QString& folder : m_runtime.libraryFolders())
+        m_files.addLibrary(folder);
     m_context = std::make_unique<PerlContext>(*this);
     m_debugger = std::make_unique<PerlDebugger>(*this);
     pTHX = perl();
     defineObjectTypes(aTHX);
+    m_context->defineValueMembers();
     defineStreams(aTHX);
     defineStepFunctions(aTHX);
     for (const char* const name : {"library", "output", "steps", "remotesystem"})
         runPrelude(aTHX_ name);
-    begin(std::make_unique<PerlSteps>(*this));
+    begin(*m_context, *m_debugger, std::make_unique<PerlSteps>(*this));
     installHooks(m_runtime.perl());
 }
 
@@ -71,14 +74,6 @@ CaseInterpreter::~CaseInterpreter() {
         other->m_runtime.enter();
         setHookedRuntime(other->perl());
     }
-}
-
-LanguageContext& CaseInterpreter::context() {
-    return *m_context;
-}
-
-LanguageDebugger& CaseInterpreter::languageDebugger() {
-    return *m_debugger;
 }
 
 bool CaseInterpreter::isInChild() const {
@@ -173,7 +168,7 @@ CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileNa
     SV* const flag = get_sv("tamrix::isCompiled", GV_ADD);
     sv_setiv(flag, 0);
     const SvRef code =
-        withPlace(aTHX_ text, fileName.isEmpty() ? QByteArray() : m_files.codeFileOf(fileName));
+        withPlace(aTHX_ text, fileName.isEmpty() ? QByteArray() : codeFileOf(m_files, fileName));
     CodeEnd end = evaluateCode(aTHX_ code.get());
     if (isCompiled)
         *isCompiled = SvTRUE_nomg(flag);
@@ -242,10 +237,9 @@ LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgumen
     });
 }
 
-Outcome<QString> CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+QString CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     pTHX = perl();
-    return evaluateInFrame(aTHX_ m_errors,
-                           frame ? std::any_cast<CodeFrame>(frame->own) : CodeFrame(), code);
+    return evaluateInFrame(aTHX_ frame ? std::any_cast<CodeFrame>(frame->own) : CodeFrame(), code);
 }
 
 LineInfo CaseInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {

@@ -34,8 +34,6 @@ public:
         return interpreter && interpreter->isScriptThread() ? interpreter : nullptr;
     }
 
-    LanguageContext& context() override;
-    LanguageDebugger& languageDebugger() override;
     SourceFiles& files() { return m_files; }
     ScriptErrors& errors() { return m_errors; }
     NativeFunctions& functions() { return m_functions; }
@@ -61,6 +59,7 @@ public:
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -71,15 +70,14 @@ protected:
     bool runScript(const QString& text, const QString& fileName) override;
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
-    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
 
 private:
     /// The function of the name in `main`, null without.
     CV* mainFunction(const QString& name) const;
 
     PerlRuntime m_runtime;
-    SourceFiles m_files;
+    SourceFiles m_files{isPerlFile};
     ScriptErrors m_errors;
     NativeFunctions m_functions;
     std::unique_ptr<PerlContext> m_context;

@@ -4,6 +4,7 @@
 
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/departure.h"
+#include "plugins/perl/guardedcall.h"
 #include "plugins/perl/lexicals.h"
 #include "plugins/perl/perlvaluetexts.h"
 
@@ -40,22 +41,13 @@ QString withVariables(pTHX_ const CodeFrame& frame, const QString& code) {
 
 }  // namespace
 
-Outcome<QString> evaluateInFrame(pTHX_ ScriptErrors& errors, const CodeFrame& frame,
-                                 const QString& code) {
+QString evaluateInFrame(pTHX_ const CodeFrame& frame, const QString& code) {
     const SvRef text = toPerl(aTHX_ withVariables(aTHX_ frame, asReference(code)));
     SvUTF8_on(text.get());
     const HeldDepartures held;
-    const CodeEnd end = evaluateCode(aTHX_ text.get());
+    CodeEnd end = evaluateCode(aTHX_ text.get());
     av_clear(get_av("tamrix::FRAME", GV_ADD));
-    switch (end.ending) {
-        case Ending::Died:
-            return fail(FailureKind::Failed, errors.take(aTHX_ end.value).message);
-        case Ending::Left:
-            return fail(FailureKind::Failed, ScriptErrors::ofDeparture(aTHX).message);
-        case Ending::Returned:
-            break;
-    }
-    return PerlValueTexts().textOf(aTHX_ end.value.get());
+    return PerlValueTexts().textOf(aTHX_ valueOrThrow(std::move(end)).get());
 }
 
 LineInfo placeOfFunction(pTHX_ SourceFiles& files, SV* function) {

@@ -1,62 +1,23 @@
 #include "plugins/perl/frames.h"
 
-#include <algorithm>
+#include <QCryptographicHash>
 
-#include "interpreter/bridge/debugger.h"
 #include "plugins/perl/caseinterpreter.h"
 
 namespace Tamrix::PerlPlugin {
 
-namespace {
-
-/// What stands for a file whose name a directive can't hold.
-constexpr const char* aliasStart = "tamrix-file-";
-
-bool isNoFile(const QByteArray& name) {
-    return name.isEmpty() || name.startsWith("(eval ") || name.startsWith("<") || name == "-e" ||
-           name.startsWith("(");
+bool isPerlFile(const QByteArray& name) {
+    return SourceFiles::isUnbracketed(name) && name != "-e";
 }
 
-/// A runaway recursion has thousands of lines; the innermost ones tell enough.
-constexpr std::size_t maximumStackLines = 100;
-
-}  // namespace
-
-SourceFiles::SourceFiles(const QStringList& libraryFolders) {
-    for (const QString& folder : libraryFolders)
-        m_libraryFolders.append(Debugger::sanitizedFilePath(folder) + '/');
-}
-
-QString SourceFiles::path(const char* codeFile) {
-    return entry(codeFile).path;
-}
-
-bool SourceFiles::isScript(const char* codeFile) {
-    return entry(codeFile).isScript;
-}
-
-const SourceFiles::Entry& SourceFiles::entry(const char* codeFile) {
-    const QByteArray name = QByteArray::fromRawData(codeFile, codeFile ? qstrlen(codeFile) : 0);
-    const auto known = m_entries.constFind(name);
-    if (known != m_entries.constEnd())
-        return *known;
-    Entry made;
-    if (!isNoFile(name)) {
-        made.path = Debugger::sanitizedFilePath(QString::fromUtf8(name));
-        made.isScript =
-            std::none_of(m_libraryFolders.begin(), m_libraryFolders.end(),
-                         [&](const QString& folder) { return made.path.startsWith(folder); });
-    }
-    return *m_entries.insert(QByteArray(name.constData(), name.size()), made);
-}
-
-QByteArray SourceFiles::codeFileOf(const QString& path) {
-    QByteArray name = path.toUtf8();
+QByteArray codeFileOf(SourceFiles& files, const QString& path) {
+    const QByteArray name = path.toUtf8();
     if (!name.contains('"') && !name.contains('\n') && !name.contains('\r'))
         return name;
-    name = aliasStart + QByteArray::number(m_entries.size());
-    m_entries.insert(name, {Debugger::sanitizedFilePath(path), true});
-    return name;
+    const QByteArray alias =
+        "tamrix-file-" + QCryptographicHash::hash(name, QCryptographicHash::Sha1).toHex();
+    files.addAlias(alias, path);
+    return alias;
 }
 
 std::vector<CodeFrame> runningCode(pTHX) {
@@ -122,7 +83,7 @@ std::vector<LineInfo> positionsOf(const std::vector<CodeFrame>& frames) {
         const LineInfo position(files.path(file), static_cast<int>(CopLINE(frame.statement)));
         if (!innermost.isValid())
             innermost = position;
-        if (files.isScript(file) && positions.size() < maximumStackLines)
+        if (files.isScript(file))
             positions.push_back(position);
     }
     if (positions.empty() && innermost.isValid())

@@ -1,42 +1,19 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
+#include "interpreter/language/sourcefiles.h"
 #include "platform/testresult/lineinfo.h"
 #include "plugins/perl/perlheaders.h"
 
 namespace Tamrix::PerlPlugin {
 
-/// The files behind Perl's code: their paths as results show them, and which of them are scripts.
-/// Script thread only.
-class SourceFiles {
-public:
-    /// `libraryFolders` are where Perl keeps its own and installed modules.
-    explicit SourceFiles(const QStringList& libraryFolders);
-
-    /// The path with links resolved; the null string for code that is in no file, such as a text
-    /// that was evaluated.
-    QString path(const char* codeFile);
-    /// Whether the file is a script: in a file, and not of Perl's library.
-    bool isScript(const char* codeFile);
-
-    /// The name for the file in a #line directive, which has no way to write all characters.
-    QByteArray codeFileOf(const QString& path);
-
-private:
-    struct Entry {
-        QString path;
-        bool isScript = false;
-    };
-    const Entry& entry(const char* codeFile);
-
-    QStringList m_libraryFolders;
-    QHash<QByteArray, Entry> m_entries;
-};
+/// Whether it is the name of a file, and not what Perl writes for code that is in none.
+bool isPerlFile(const QByteArray& name);
+/// The name for the file in a #line directive, which has no way to write all characters.
+QByteArray codeFileOf(SourceFiles& files, const QString& path);
 
 /// A call of Perl code that is running, and the statement where it stands.
 struct CodeFrame {

@@ -3,9 +3,9 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <csignal>
 #include <utility>
 
+#include "interpreter/language/interrupts.h"
 #include "interpreter/language/timelimit.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/departure.h"
@@ -145,16 +145,6 @@ void interrupted(int) {
     requestOfScript(Request::Interrupt);
 }
 
-/// Ctrl-C is the script's, unless the process ignores it or somebody handles it.
-void handleInterrupts() {
-    struct sigaction before = {};
-    if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler != SIG_DFL)
-        return;
-    struct sigaction action = {};
-    action.sa_handler = interrupted;
-    sigaction(SIGINT, &action, nullptr);
-}
-
 const char* stackLimit() {
     pthread_attr_t attributes;
     void* lowest = nullptr;
@@ -181,7 +171,7 @@ void wrapOperations() {
 
 void installHooks(PerlInterpreter* perl) {
     wrapOperations();
-    handleInterrupts();
+    handleInterrupts(interrupted);
     s_stackLimit = stackLimit();
     setHookedRuntime(perl);
 }

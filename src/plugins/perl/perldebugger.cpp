@@ -17,14 +17,11 @@ void PerlDebugger::setInteractive(bool interactive) {
     setStatementListener(interactive ? this : nullptr);
 }
 
-void PerlDebugger::enterStandstill() {
-    if (m_silences++ == 0)
-        m_errorsAside = std::make_unique<ScriptErrors>(m_perl.errors());
+void PerlDebugger::enterSilence() {
+    m_errorsAside = std::make_unique<ScriptErrors>(m_perl.errors());
 }
 
-void PerlDebugger::leaveStandstill() {
-    if (--m_silences > 0)
-        return;
+void PerlDebugger::leaveSilence() {
     m_perl.errors() = std::move(*m_errorsAside);
     m_errorsAside.reset();
 }
@@ -35,7 +32,7 @@ void PerlDebugger::interrupt() {
 
 void PerlDebugger::statementReached(pTHX_ const COP* statement) {
     PERL_UNUSED_CONTEXT;
-    if (m_silences > 0)
+    if (isSilent())
         return;
     const char* const file = CopFILE(statement);
     const QByteArray name = QByteArray::fromRawData(file, file ? qstrlen(file) : 0);
@@ -50,7 +47,7 @@ void PerlDebugger::statementReached(pTHX_ const COP* statement) {
 }
 
 void PerlDebugger::stopRequested() {
-    if (m_silences == 0)
+    if (!isSilent())
         stop();
 }
 
@@ -74,7 +71,7 @@ std::unique_ptr<VariableWatcher> PerlDebugger::makeVariableWatcher() {
 }
 
 void PerlDebugger::errorPasses(pTHX_ SV* exception) {
-    if (!stopsForErrors() || m_silences > 0 || areErrorsCaught() || isCaughtByScript(aTHX))
+    if (!stopsForErrors() || isSilent() || areErrorsCaught() || isCaughtByScript(aTHX))
         return;
     const QString text = ScriptErrors::messageOf(aTHX_ exception);
     // A native function may have made another exception of one that was told.

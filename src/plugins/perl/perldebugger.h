@@ -30,8 +30,8 @@ protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override;
-    void leaveStandstill() override;
+    void enterSilence() override;
+    void leaveSilence() override;
 
 private:
     void statementReached(pTHX_ const COP* statement) override;
@@ -40,7 +40,6 @@ private:
     CaseInterpreter& m_perl;
     /// Numbers of the files of scripts, -1 of all others.
     QHash<QByteArray, int> m_sourceIds;
-    int m_silences = 0;
     /// The exception that is on its way while others look at values.
     std::unique_ptr<ScriptErrors> m_errorsAside;
 };

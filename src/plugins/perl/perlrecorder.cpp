@@ -2,9 +2,7 @@
 
 namespace Tamrix::PerlPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "use strict;\nuse warnings;\n\nsub main {\n",
     .footer = "}\n",
     .truths = {"!!0", "!!1"},
@@ -16,10 +14,8 @@ constexpr RecordingNotation notation{
     .property = "%1 => %2",
     .quotedProperty = "%1 => %2",
     .quoting = {.furtherEscaped = "$@", .numbered = "\\x{%1}"},
+    .importingHeader = "use strict;\nuse warnings;\nrequire '%1.pl';\n\nsub main {\n",
+    .variable = "$%1::%2",
 };
-
-}  // namespace
-
-PerlRecorder::PerlRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::PerlPlugin

@@ -4,10 +4,7 @@
 
 namespace Tamrix::PerlPlugin {
 
-/// Writes scripts in Perl.
-class PerlRecorder : public NotatedRecorder {
-public:
-    PerlRecorder();
-};
+/// How scripts in Perl are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::PerlPlugin

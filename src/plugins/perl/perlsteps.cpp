@@ -20,28 +20,18 @@ Value functionOf(pTHX_ SV* value) {
     return SvOK(value) ? new PerlArgument(PerlArgument::kept(aTHX_ value)) : nullptr;
 }
 
-/// Where the script registers something.
-Gherkin::ScriptLocation callingLine(CaseInterpreter& interpreter) {
-    LineInfo position;
-    interpreter.context().lineInfoOfFrame(position, 0);
-    return {position.fileName().toStdString(), position.lineNumber()};
-}
-
 /// expression, whether it is regular, function
 SvRef registerStep(pTHX_ const OwnCall& call) {
-    call.active.steps().registry().addStep(
-        utf8Of(aTHX_ call.arguments[0]), SvTRUE_nomg(call.arguments[1]),
-        functionOf(aTHX_ call.arguments[2]), callingLine(call.active));
+    call.active.steps().addStep(utf8Of(aTHX_ call.arguments[0]), SvTRUE_nomg(call.arguments[1]),
+                                functionOf(aTHX_ call.arguments[2]));
     return {};
 }
 
-/// type, order, tags, function
+/// name, tags, function
 SvRef registerHook(pTHX_ const OwnCall& call) {
-    call.active.steps().registry().addHook(
-        static_cast<Gherkin::HookType>(SvIV(call.arguments[0])),
-        static_cast<Gherkin::HookOrder>(SvIV(call.arguments[1])), utf8Of(aTHX_ call.arguments[2]),
-        functionOf(aTHX_ call.arguments[3]),
-        QString::fromStdString(callingLine(call.active).fileName));
+    call.active.steps().addHook(*hookKind(textOf(aTHX_ call.arguments[0])),
+                                utf8Of(aTHX_ call.arguments[1]),
+                                functionOf(aTHX_ call.arguments[2]));
     return {};
 }
 
@@ -82,7 +72,7 @@ SvRef contextAll(pTHX_ const OwnCall& call) {
 }
 
 constexpr OwnFunction stepFunctions[] = {
-    {"bdd::_step", 3, registerStep},       {"bdd::_hook", 4, registerHook},
+    {"bdd::_step", 3, registerStep},       {"bdd::_hook", 3, registerHook},
     {"bdd::_type", 3, registerType},       {"bdd::Context::_get", 1, contextGet},
     {"bdd::Context::_set", 2, contextSet}, {"bdd::Context::_remove", 1, contextRemove},
     {"bdd::Context::_all", 0, contextAll},
@@ -102,19 +92,10 @@ StepLanguage::Value PerlSteps::contextValue() {
     return new PerlArgument(valueOrThrow(callOwn(aTHX_ "bdd::Context::_make", {})));
 }
 
-StepLanguage::Value PerlSteps::tableValue(const Gherkin::Step& step) {
+StepLanguage::Value PerlSteps::tableValue(const Value& rows) {
     pTHX = m_perl.perl();
-    LanguageContext& context = m_perl.context();
-    std::vector<Value> rows;
-    for (const std::vector<Gherkin::TableCell>& row : step.table) {
-        std::vector<Value> cells;
-        cells.reserve(row.size());
-        for (const Gherkin::TableCell& cell : row)
-            cells.push_back(context.createString(QString::fromStdString(cell.text)));
-        rows.push_back(context.createList(cells));
-    }
-    return new PerlArgument(valueOrThrow(
-        callOwn(aTHX_ "bdd::Table::_make", {SvRef::borrow(valueOf(context.createList(rows)))})));
+    return new PerlArgument(
+        valueOrThrow(callOwn(aTHX_ "bdd::Table::_make", {SvRef::borrow(valueOf(rows))})));
 }
 
 QString PerlSteps::snippetText(const StepSnippet& snippet) {

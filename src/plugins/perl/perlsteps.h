@@ -15,7 +15,7 @@ public:
 
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     Value contextValue() override;
-    Value tableValue(const Gherkin::Step& step) override;
+    Value tableValue(const Value& rows) override;
     QString snippetText(const StepSnippet& snippet) override;
 
 private:

@@ -1,32 +1,19 @@
-// What the core asks of a language plug-in.
+#include "interpreter/language/languageplugin.h"
 
-#include <cstdio>
-#include <exception>
-
-#include "base/export.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/objectnames.h"
 #include "plugins/perl/perlrecorder.h"
 
-/// An interpreter for Perl scripts, owned by the caller; null, with a message on standard error,
-/// when Perl can't be started.
-extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
-    try {
-        return new Tamrix::PerlPlugin::CaseInterpreter(runner);
-    } catch (const std::exception& exception) {
-        std::fprintf(stderr, "Error creating the Perl interpreter: %s\n", exception.what());
-        return nullptr;
-    }
+using namespace Tamrix;
+
+Interpreter* createInterpreter(RunnerInterface* runner) {
+    return createOrTell<PerlPlugin::CaseInterpreter>("Perl", runner);
 }
 
-/// A map of object names in a Perl script, owned by the caller.
-extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
-    return new Tamrix::PerlPlugin::PerlObjectMap(path);
+ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new PerlPlugin::PerlObjectMap(path);
 }
 
-/// Writes scripts in Perl, owned by the caller. The arguments have no meaning here.
-extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
-                                                                    bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::PerlPlugin::PerlRecorder;
+EventRecorder* createEventRecorder(bool, bool, bool, const QString& namesModule) {
+    return new NotatedRecorder(PerlPlugin::recordingNotation, namesModule);
 }

@@ -1,17 +1,16 @@
 #include "plugins/perl/prelude.h"
 
-#include <QFile>
 #include <stdexcept>
 
+#include "interpreter/language/prelude.h"
 #include "plugins/perl/guardedcall.h"
 #include "plugins/perl/scripterrors.h"
 
 namespace Tamrix::PerlPlugin {
 
 void runPrelude(pTHX_ const char* name) {
-    QFile file(QStringLiteral(":/tamrix/perl/%1.pl").arg(QLatin1String(name)));
-    static_cast<void>(file.open(QIODevice::ReadOnly));
-    const QByteArray code = "#line 1 \"<tamrix>\"\n" + file.readAll();
+    const QByteArray code =
+        "#line 1 \"<tamrix>\"\n" + preludeSource(QStringLiteral("perl/%1.pl").arg(name));
     const SvRef text = SvRef::steal(newSVpvn(code.constData(), static_cast<STRLEN>(code.size())));
     const CodeEnd end = evaluateCode(aTHX_ text.get());
     if (end.ending != Ending::Returned)

@@ -56,22 +56,10 @@ LineInfo placeInText(const QString& text, SourceFiles& files) {
                          : LineInfo(path, place.captured(QStringLiteral("line")).toInt());
 }
 
-const char* className(ScriptFailure::Kind kind) {
-    switch (kind) {
-        case ScriptFailure::Kind::Verification:
-            return "tamrix::VerificationError";
-        case ScriptFailure::Kind::Lookup:
-            return "tamrix::LookupError";
-        case ScriptFailure::Kind::NoMember:
-            return "tamrix::MemberError";
-        case ScriptFailure::Kind::BadArgument:
-            return "tamrix::ArgumentError";
-        case ScriptFailure::Kind::General:
-        case ScriptFailure::Kind::Fatal:
-            break;
-    }
-    return "tamrix::Error";
-}
+/// In the order of ScriptFailure::Kind. What is fatal leaves the script, unless it is held.
+constexpr const char* classNames[] = {"tamrix::Error",       "tamrix::VerificationError",
+                                      "tamrix::Error",       "tamrix::LookupError",
+                                      "tamrix::MemberError", "tamrix::ArgumentError"};
 
 void store(pTHX_ HV* hash, const char* key, SvRef value) {
     static_cast<void>(hv_store(hash, key, static_cast<I32>(qstrlen(key)), value.release(), 0));
@@ -83,7 +71,7 @@ SvRef exceptionOf(pTHX_ const ScriptFailure& failure, const LineInfo& position) 
     store(aTHX_ fields, "file", toPerl(aTHX_ position.fileName()));
     store(aTHX_ fields, "line", SvRef::steal(newSViv(position.lineNumber())));
     SV* const exception = newRV_noinc(reinterpret_cast<SV*>(fields));
-    sv_bless(exception, gv_stashpv(className(failure.kind), GV_ADD));
+    sv_bless(exception, gv_stashpv(ScriptFailure::of(failure.kind, classNames), GV_ADD));
     return SvRef::steal(exception);
 }
 

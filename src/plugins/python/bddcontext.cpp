@@ -10,8 +10,6 @@ namespace Tamrix::PythonPlugin {
 namespace {
 
 PyObject* s_context = nullptr;
-/// The type of tables, a list.
-PyObject* s_tableType = nullptr;
 
 StepScopes* scopes() {
     PythonInterpreter* const interpreter = PythonInterpreter::active();
@@ -61,17 +59,6 @@ PyObject* representContext(PyObject*) {
     return PyUnicode_FromString("<context of steps>");
 }
 
-PyRef rowList(const std::vector<Gherkin::TableCell>& row) {
-    PyRef list = checked(PyList_New(static_cast<Py_ssize_t>(row.size())));
-    for (std::size_t i = 0; i < row.size(); ++i)
-        PyList_SET_ITEM(
-            list.get(), static_cast<Py_ssize_t>(i),
-            checked(PyUnicode_FromStringAndSize(row[i].text.data(),
-                                                static_cast<Py_ssize_t>(row[i].text.size())))
-                .release());
-    return list;
-}
-
 }  // namespace
 
 bool addBddContext(PyObject* module) {
@@ -89,40 +76,12 @@ bool addBddContext(PyObject* module) {
         return false;
     auto* const typeObject = reinterpret_cast<PyTypeObject*>(type.get());
     s_context = typeObject->tp_alloc(typeObject, 0);
-    s_tableType =
-        PyObject_CallFunction(reinterpret_cast<PyObject*>(&PyType_Type), "s(O){s:s,s:s}", "Table",
-                              reinterpret_cast<PyObject*>(&PyList_Type), "__module__", "bdd",
-                              "__doc__", "The rows of a step's table as dictionaries");
-    return s_context && s_tableType && PyModule_AddObjectRef(module, "context", s_context) == 0 &&
-           PyModule_AddObjectRef(module, "Context", type.get()) == 0 &&
-           PyModule_AddObjectRef(module, "Table", s_tableType) == 0;
+    return s_context && PyModule_AddObjectRef(module, "context", s_context) == 0 &&
+           PyModule_AddObjectRef(module, "Context", type.get()) == 0;
 }
 
 PyObject* bddContext() {
     return s_context;
-}
-
-PyRef bddTable(const Gherkin::Step& step) {
-    const PyRef headers = rowList(step.table[0]);
-    const PyRef raw = checked(PyList_New(0));
-    PyRef table = checked(PyObject_CallNoArgs(s_tableType));
-    for (std::size_t i = 0; i < step.table.size(); ++i) {
-        const PyRef cells = rowList(step.table[i]);
-        checked(PyList_Append(raw.get(), cells.get()));
-        if (i == 0)
-            continue;
-        const PyRef row = checked(PyDict_New());
-        for (Py_ssize_t column = 0; column < PyList_GET_SIZE(cells.get()); ++column)
-            checked(PyDict_SetItem(row.get(), PyList_GET_ITEM(headers.get(), column),
-                                   PyList_GET_ITEM(cells.get(), column)));
-        checked(PyList_Append(table.get(), row.get()));
-    }
-    checked(PyObject_SetAttrString(table.get(), "headers", headers.get()));
-    checked(PyObject_SetAttrString(table.get(), "raw", raw.get()));
-    // No reference to itself: a list of the same rows.
-    const PyRef rows = checked(PySequence_List(table.get()));
-    checked(PyObject_SetAttrString(table.get(), "rows", rows.get()));
-    return table;
 }
 
 }  // namespace Tamrix::PythonPlugin

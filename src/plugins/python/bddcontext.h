@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/gherkin/records.h"
 #include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
@@ -10,9 +9,5 @@ namespace Tamrix::PythonPlugin {
 bool addBddContext(PyObject* module);
 /// That context; borrowed.
 PyObject* bddContext();
-
-/// The table of a step for scripts: a list of its rows as dictionaries, with the attributes
-/// `headers`, `rows` and `raw`. The step has one. Throws PythonErrorSet.
-PyRef bddTable(const Gherkin::Step& step);
 
 }  // namespace Tamrix::PythonPlugin

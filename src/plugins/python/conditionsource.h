@@ -18,6 +18,6 @@ namespace Tamrix::PythonPlugin {
 /// own functions; no other call is made a second time. Empty when there is nothing to tell: for a
 /// plain constant, code without a file, a file that is another one by now. Throws PythonErrorSet
 /// for an exception that ends the script.
-QString explainCall(const char* parameter, SourceFiles& files);
+QString explainCall(const char* parameter, CodeFiles& files);
 
 }  // namespace Tamrix::PythonPlugin

@@ -9,62 +9,46 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-using Kind = ScriptFailure::Kind;
+/// In the order of ScriptFailure::Kind. They live for the process.
+PyObject* s_classes[ScriptFailure::kindCount];
 
-/// The exception classes of our own. They live for the process.
-struct OwnClass {
-    Kind kind;
-    const char* name;
-    PyObject* type;
-} s_own[] = {{Kind::General, "Error", nullptr},
-             {Kind::Verification, "VerificationError", nullptr},
-             {Kind::Fatal, "FatalError", nullptr},
-             {Kind::Lookup, "LookupError", nullptr}};
-
-PyObject*& own(Kind kind) {
-    return std::find_if(std::begin(s_own), std::end(s_own),
-                        [kind](const OwnClass& each) { return each.kind == kind; })
-        ->type;
-}
-
-PyObject* classOf(Kind kind) {
-    if (kind == Kind::NoMember)
-        return PyExc_AttributeError;
-    return kind == Kind::BadArgument ? PyExc_TypeError : own(kind);
+/// A class of our own, in the module `tamrix`, too; null with the error indicator set on failure.
+PyObject* addClass(PyObject* module, const char* name, const char* description,
+                   const PyRef& bases) {
+    const QByteArray fullName = QByteArray("tamrix.") + name;
+    PyObject* const made =
+        bases ? PyErr_NewExceptionWithDoc(fullName.constData(), description, bases.get(), nullptr)
+              : nullptr;
+    return made && PyModule_AddObjectRef(module, name, made) == 0 ? made : nullptr;
 }
 
 }  // namespace
 
 bool addExceptions(PyObject* module) {
-    if (!own(Kind::General)) {
-        const auto make = [](const char* name, const char* doc, const PyRef& bases) {
-            return bases ? PyErr_NewExceptionWithDoc(name, doc, bases.get(), nullptr) : nullptr;
-        };
-        PyObject* const error = make("tamrix.Error", "A function of the test system failed",
+    PyObject* const error = addClass(module, "Error", "A function of the test system failed",
                                      PyRef::borrow(PyExc_RuntimeError));
-        if (!error)
-            return false;
-        own(Kind::General) = error;
-        own(Kind::Lookup) = make("tamrix.LookupError", "Something was not found in time",
-                                 PyRef::steal(PyTuple_Pack(2, error, PyExc_LookupError)));
-        own(Kind::Verification) =
-            make("tamrix.VerificationError", "A verdict failed that is to end the script",
-                 PyRef::steal(PyTuple_Pack(2, error, PyExc_AssertionError)));
-        own(Kind::Fatal) =
-            make("tamrix.FatalError", "Ends the test case", PyRef::borrow(PyExc_BaseException));
-    }
-    for (const OwnClass& each : s_own) {
-        if (!each.type || PyModule_AddObjectRef(module, each.name, each.type) < 0)
-            return false;
-    }
-    return true;
+    if (!error)
+        return false;
+    PyObject* const classes[] = {
+        error,
+        addClass(module, "VerificationError", "A verdict failed that is to end the script",
+                 PyRef::steal(PyTuple_Pack(2, error, PyExc_AssertionError))),
+        addClass(module, "FatalError", "Ends the test case", PyRef::borrow(PyExc_BaseException)),
+        addClass(module, "LookupError", "Something was not found in time",
+                 PyRef::steal(PyTuple_Pack(2, error, PyExc_LookupError))),
+        PyExc_AttributeError,
+        PyExc_TypeError};
+    std::copy(std::begin(classes), std::end(classes), s_classes);
+    return std::all_of(std::begin(classes), std::end(classes),
+                       [](PyObject* each) { return each != nullptr; });
 }
 
 PyRef raiseException(ScriptFailure::Kind kind, const QString& message) {
     const PyRef text = toPyString(message);
-    PyRef exception = PyRef::steal(text ? PyObject_CallOneArg(classOf(kind), text.get()) : nullptr);
+    PyObject* const type = ScriptFailure::of(kind, s_classes);
+    PyRef exception = PyRef::steal(text ? PyObject_CallOneArg(type, text.get()) : nullptr);
     if (exception)
-        PyErr_SetObject(classOf(kind), exception.get());
+        PyErr_SetObject(type, exception.get());
     return exception;
 }
 

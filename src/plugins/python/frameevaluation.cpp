@@ -4,7 +4,6 @@
 
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythoninterpreter.h"
-#include "plugins/python/scripterror.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -108,40 +107,24 @@ PyRef run(PythonInterpreter& interpreter, PyObject* globals, PyObject* locals,
     return result ? PyRef::steal(PyObject_Repr(result.get())) : toPyString(QString());
 }
 
-/// Tells what `evaluate` gives, a text or null with the error indicator set.
-template <typename Evaluation>
-Outcome<QString> outcomeOf(Evaluation evaluate) {
-    try {
-        const PyRef text = evaluate();
-        if (text)
-            return fromPyString(text.get());
-    } catch (const PythonErrorSet&) {
-        // What Python refused is told as what the code raises.
-    }
-    return fail(FailureKind::Failed, takeScriptError().message);
-}
-
 }  // namespace
 
-Outcome<QString> evaluateInFrame(PythonInterpreter& interpreter, PyObject* frame,
-                                 const QString& code) {
-    return outcomeOf([&] {
-        auto* const running = reinterpret_cast<PyFrameObject*>(frame);
-        const PyRef globals = checked(PyFrame_GetGlobals(running));
-        const PyRef locals = checked(PyFrame_GetLocals(running));
-        // Variables of functions are kept elsewhere than in what code is given as its names. Code
-        // that fails may have assigned some before.
-        struct TakeOver {
-            PyFrameObject* frame;
-            ~TakeOver() { PyFrame_LocalsToFast(frame, 1); }
-        } const takeOver{running};
-        return run(interpreter, globals.get(), locals.get(), code);
-    });
+QString evaluateInFrame(PythonInterpreter& interpreter, PyObject* frame, const QString& code) {
+    auto* const running = reinterpret_cast<PyFrameObject*>(frame);
+    const PyRef globals = checked(PyFrame_GetGlobals(running));
+    const PyRef locals = checked(PyFrame_GetLocals(running));
+    // Variables of functions are kept elsewhere than in what code is given as its names. Code that
+    // fails may have assigned some before.
+    struct TakeOver {
+        PyFrameObject* frame;
+        ~TakeOver() { PyFrame_LocalsToFast(frame, 1); }
+    } const takeOver{running};
+    return fromPyString(
+        checkedReference(run(interpreter, globals.get(), locals.get(), code)).get());
 }
 
-Outcome<QString> evaluateInModule(PythonInterpreter& interpreter, PyObject* globals,
-                                  const QString& code) {
-    return outcomeOf([&] { return run(interpreter, globals, globals, code); });
+QString evaluateInModule(PythonInterpreter& interpreter, PyObject* globals, const QString& code) {
+    return fromPyString(checkedReference(run(interpreter, globals, globals, code)).get());
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -31,65 +31,47 @@ int frameColumn(PyObject* frame) {
 }
 
 /// The frame, or the first one outwards, that runs code of a script.
-PyRef firstInScript(PyRef frame, SourceFiles& files) {
+PyRef firstInScript(PyRef frame, CodeFiles& files) {
     while (frame && !files.isScript(frameFileName(frame.get()).get()))
         frame = PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame.get()))));
     return frame;
 }
 
-ScriptFrame frameAt(const PyRef& frame, int line, int column, SourceFiles& files) {
+ScriptFrame frameAt(const PyRef& frame, int line, int column, CodeFiles& files) {
     return {frame, files.path(frameFileName(frame.get()).get()), line, column, -1};
 }
 
 }  // namespace
 
-QString SourceFiles::path(PyObject* codeFileName) {
-    return entry(codeFileName).path;
-}
-
-bool SourceFiles::isScript(PyObject* codeFileName) {
-    return entry(codeFileName).script;
-}
-
-const SourceFiles::Entry& SourceFiles::entry(PyObject* codeFileName) {
-    // The code objects of one file share one name object, so its address is the key.
-    auto found = m_entries.find(codeFileName);
-    if (found != m_entries.end())
+const CodeFiles::Entry& CodeFiles::entry(PyObject* codeFileName) {
+    const auto found = m_entries.constFind(codeFileName);
+    if (found != m_entries.constEnd())
         return *found;
-    Entry made;
-    made.keepAlive = PyRef::borrow(codeFileName);
-    const QString name = fromPyString(codeFileName);
-    if (!name.isEmpty() && !(name.startsWith('<') && name.endsWith('>'))) {
-        made.path = Debugger::sanitizedFilePath(name);
-        const QStringList& folders = libraryFolders();
-        made.script = std::none_of(folders.begin(), folders.end(), [&](const QString& folder) {
-            return made.path.startsWith(folder);
-        });
-    }
-    return *m_entries.insert(codeFileName, made);
+    if (m_entries.isEmpty())
+        addLibraries();
+    const QByteArray name = fromPyString(codeFileName).toUtf8();
+    return *m_entries.insert(codeFileName,
+                             {PyRef::borrow(codeFileName), m_files.path(name.constData()),
+                              m_files.isScript(name.constData())});
 }
 
-const QStringList& SourceFiles::libraryFolders() {
-    if (!m_libraryFolders.isEmpty())
-        return m_libraryFolders;
-    // Ask Python where it keeps its library and installed packages.
+void CodeFiles::addLibraries() {
     const PyRef sysconfig = checked(PyImport_ImportModule("sysconfig"));
     const PyRef paths = checked(PyObject_CallMethod(sysconfig.get(), "get_paths", nullptr));
     for (const char* name : {"stdlib", "platstdlib", "purelib", "platlib"}) {
         const PyRef folder = PyRef::borrow(PyDict_GetItemString(paths.get(), name));
         if (folder)
-            m_libraryFolders.append(Debugger::sanitizedFilePath(fromPyString(folder.get())) + '/');
+            m_files.addLibrary(fromPyString(folder.get()));
     }
     // Debian's own packages.
-    m_libraryFolders.append(QStringLiteral("/usr/lib/python3/"));
-    return m_libraryFolders;
+    m_files.addLibrary(QStringLiteral("/usr/lib/python3"));
 }
 
-PyRef innermostFrame(SourceFiles& files) {
+PyRef innermostFrame(CodeFiles& files) {
     return firstInScript(PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame())), files);
 }
 
-PyRef outerFrame(PyObject* frame, SourceFiles& files) {
+PyRef outerFrame(PyObject* frame, CodeFiles& files) {
     return firstInScript(PyRef::steal(reinterpret_cast<PyObject*>(PyFrame_GetBack(asFrame(frame)))),
                          files);
 }
@@ -111,21 +93,21 @@ PyObject* frameBehind(const ScriptFrame& frame) {
     return own ? own->get() : nullptr;
 }
 
-std::vector<ScriptFrame> runningFrames(SourceFiles& files) {
+std::vector<ScriptFrame> runningFrames(CodeFiles& files) {
     std::vector<ScriptFrame> frames;
     for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
         frames.push_back(frameAt(frame, frameLine(frame.get()), frameColumn(frame.get()), files));
     return frames;
 }
 
-int runningDepth(SourceFiles& files) {
+int runningDepth(CodeFiles& files) {
     int depth = 0;
     for (PyRef frame = innermostFrame(files); frame; frame = outerFrame(frame.get(), files))
         ++depth;
     return depth;
 }
 
-std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files) {
+std::vector<ScriptFrame> framesOfError(PyObject* traceback, CodeFiles& files) {
     // A traceback runs from the outermost frame inwards.
     std::vector<ScriptFrame> frames;
     for (auto* entry = reinterpret_cast<PyTracebackObject*>(traceback); entry;

@@ -2,44 +2,41 @@
 
 #include <QHash>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 #include "interpreter/language/languagedebugger.h"
+#include "interpreter/language/sourcefiles.h"
 #include "plugins/python/pyref.h"
 
 namespace Tamrix::PythonPlugin {
 
-/// The files behind Python's code objects: their paths as results show them, and which of them are
-/// scripts. Paths are resolved once for each file. Script thread only.
-class SourceFiles {
+/// The files behind Python's code objects, by the objects of their names, of which all code of a
+/// file has the same. Script thread only.
+class CodeFiles {
 public:
-    /// The path with links resolved; the null string for code that is in no file, such as a string
-    /// that was evaluated or Python's frozen import machinery.
-    QString path(PyObject* codeFileName);
-
-    /// Whether the file is a script: in a file, and not of Python's own library or of an installed
-    /// package.
-    bool isScript(PyObject* codeFileName);
+    /// As those of SourceFiles.
+    QString path(PyObject* codeFileName) { return entry(codeFileName).path; }
+    bool isScript(PyObject* codeFileName) { return entry(codeFileName).isScript; }
 
 private:
     struct Entry {
         PyRef keepAlive;
         QString path;
-        bool script = false;
+        bool isScript = false;
     };
     const Entry& entry(PyObject* codeFileName);
-    const QStringList& libraryFolders();
+    /// Asks Python where it keeps its library and installed packages.
+    void addLibraries();
 
+    SourceFiles m_files;
     QHash<PyObject*, Entry> m_entries;
-    QStringList m_libraryFolders;
 };
 
 /// The innermost frame that runs code of a script, null when there is none. Python's library and
 /// installed packages are passed over, as they are in the stacks of exceptions and by the debugger.
-PyRef innermostFrame(SourceFiles& files);
+PyRef innermostFrame(CodeFiles& files);
 /// The next frame outwards that runs code of a script.
-PyRef outerFrame(PyObject* frame, SourceFiles& files);
+PyRef outerFrame(PyObject* frame, CodeFiles& files);
 
 /// A frame's code object.
 PyRef frameCode(PyObject* frame);
@@ -53,11 +50,11 @@ int frameLine(PyObject* frame);
 PyObject* frameBehind(const ScriptFrame& frame);
 
 /// The frames that run code of scripts, the innermost first.
-std::vector<ScriptFrame> runningFrames(SourceFiles& files);
+std::vector<ScriptFrame> runningFrames(CodeFiles& files);
 /// How many they are.
-int runningDepth(SourceFiles& files);
+int runningDepth(CodeFiles& files);
 /// The frames that an exception has left or is about to leave, the innermost first, and those that
 /// it has not reached yet. `traceback` may be null.
-std::vector<ScriptFrame> framesOfError(PyObject* traceback, SourceFiles& files);
+std::vector<ScriptFrame> framesOfError(PyObject* traceback, CodeFiles& files);
 
 }  // namespace Tamrix::PythonPlugin

@@ -14,36 +14,15 @@ namespace Tamrix::PythonPlugin {
 namespace {
 
 /// Keywords, and the functions and constants that Python defines: no names of objects.
-constexpr const char* pythonWords[] = {
-    "False",       "None",         "True",       "abs",        "aiter",   "all",
-    "and",         "anext",        "any",        "as",         "ascii",   "assert",
-    "async",       "await",        "bin",        "bool",       "break",   "breakpoint",
-    "bytearray",   "bytes",        "callable",   "case",       "chr",     "class",
-    "classmethod", "compile",      "complex",    "continue",   "def",     "del",
-    "delattr",     "dict",         "dir",        "divmod",     "elif",    "else",
-    "enumerate",   "eval",         "except",     "exec",       "exit",    "filter",
-    "finally",     "float",        "for",        "format",     "from",    "frozenset",
-    "getattr",     "global",       "globals",    "hasattr",    "hash",    "help",
-    "hex",         "id",           "if",         "import",     "in",      "input",
-    "int",         "is",           "isinstance", "issubclass", "iter",    "lambda",
-    "len",         "list",         "locals",     "map",        "match",   "max",
-    "memoryview",  "min",          "next",       "nonlocal",   "not",     "object",
-    "oct",         "open",         "or",         "ord",        "pass",    "pow",
-    "print",       "property",     "quit",       "raise",      "range",   "repr",
-    "return",      "reversed",     "round",      "set",        "setattr", "slice",
-    "sorted",      "staticmethod", "str",        "sum",        "super",   "tamrix",
-    "try",         "tuple",        "type",       "vars",       "while",   "with",
-    "yield",       "zip"};
-
-QString pythonLiteral(const QString& text) {
-    return literalOf(text);
-}
-
-bool isPythonVariable(const QString& name) {
-    const auto isThis = [&](const char* word) { return name == QLatin1String(word); };
-    return isPlainIdentifier(name) &&
-           std::none_of(std::begin(pythonWords), std::end(pythonWords), isThis);
-}
+constexpr const char* reservedWords =
+    "False None True abs aiter all and anext any as ascii assert async await bin bool break "
+    "breakpoint bytearray bytes callable case chr class classmethod compile complex continue "
+    "def del delattr dict dir divmod elif else enumerate eval except exec exit filter finally "
+    "float for format from frozenset getattr global globals hasattr hash help hex id if "
+    "import in input int is isinstance issubclass iter lambda len list locals map match max "
+    "memoryview min next nonlocal not object oct open or ord pass pow print property quit "
+    "raise range repr return reversed round set setattr slice sorted staticmethod str sum "
+    "super tamrix try tuple type vars while with yield zip";
 
 /// The code of a module as Python's import has it, which keeps it, in the user's cache, until the
 /// file changes. Null when it can't be had so.
@@ -75,6 +54,12 @@ bool hasCodingLine(const QString& text) {
 
 }  // namespace
 
+PythonObjectMap::PythonObjectMap(const QString& path)
+    : GenericScriptedObjectMap(path, "py",
+                               {.heading = "# Names of objects, for scripts: import names\n",
+                                .literal = [](const QString& text) { return literalOf(text); },
+                                .reserved = reservedWords}) {}
+
 bool PythonObjectMap::runScript(const QString& text) {
     // Compiling thousands of names takes longer than all else. A text that is tried is no file.
     const Outcome<Utf8Text> file = readUtf8File(path());
@@ -83,24 +68,6 @@ bool PythonObjectMap::runScript(const QString& text) {
             PythonInterpreter::active()->rememberCode(text, path(), code);
     }
     return GenericScriptedObjectMap::runScript(text);
-}
-
-const ScriptNotation& PythonObjectMap::notation() const {
-    static const ScriptNotation s_notation{
-        QStringLiteral("%1 = %2"),
-        QStringLiteral("%1"),
-        QStringLiteral("{"),
-        QStringLiteral(": "),
-        QStringLiteral(", "),
-        QStringLiteral("}"),
-        QStringLiteral("# "),
-        QStringLiteral("# Names of objects, for scripts: import names\n"),
-        QString(),
-        ScriptNotation::Words::Underscores,
-        pythonLiteral,
-        isPythonVariable,
-    };
-    return s_notation;
 }
 
 ScriptArgument::Map PythonObjectMap::scriptVariables() {

@@ -7,9 +7,7 @@ namespace Tamrix::PythonPlugin {
 /// Object names that are variables of a Python module, as shared/scripts/names.py.
 class PythonObjectMap final : public GenericScriptedObjectMap {
 public:
-    explicit PythonObjectMap(const QString& path) : GenericScriptedObjectMap(path, "py") {}
-
-    const ScriptNotation& notation() const override;
+    explicit PythonObjectMap(const QString& path);
 
 protected:
     ScriptArgument::Map scriptVariables() override;

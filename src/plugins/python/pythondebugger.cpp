@@ -105,12 +105,12 @@ void PythonDebugger::shutDown() {
 
 // Stops
 
-void PythonDebugger::enterStandstill() {
-    m_pauses.push_back(std::make_unique<TraceHook::Pause>(m_hook));
+void PythonDebugger::enterSilence() {
+    m_pause.emplace(m_hook);
 }
 
-void PythonDebugger::leaveStandstill() {
-    m_pauses.pop_back();
+void PythonDebugger::leaveSilence() {
+    m_pause.reset();
     m_hook.redecide();
 }
 

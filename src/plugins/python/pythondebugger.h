@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "interpreter/language/languagedebugger.h"
@@ -60,8 +61,8 @@ protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override;
-    void leaveStandstill() override;
+    void enterSilence() override;
+    void leaveSilence() override;
     void breakPointsChanged() override { m_hook.redecide(); }
 
 private:
@@ -79,8 +80,7 @@ private:
 
     PythonInterpreter& m_python;
     TraceHook m_hook{*this};
-    /// One for each stop, which may lie in each other.
-    std::vector<std::unique_ptr<TraceHook::Pause>> m_pauses;
+    std::optional<TraceHook::Pause> m_pause;
 
     /// The exception that the debugger has stopped for.
     PyRef m_toldError;

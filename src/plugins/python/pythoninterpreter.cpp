@@ -54,7 +54,7 @@ PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
     m_context = std::make_unique<PythonContext>(*this);
     m_debugger = std::make_unique<PythonDebugger>(*this);
     try {
-        begin(std::make_unique<PythonSteps>(*this));
+        begin(*m_context, *m_debugger, std::make_unique<PythonSteps>(*this));
         if (!installStreams(&output())) {
             end();
             throw PythonErrorSet();
@@ -83,10 +83,6 @@ PythonInterpreter::~PythonInterpreter() {
     leaveActive();
     if (!installStreams(last ? nullptr : &active()->output()))
         PyErr_Print();
-}
-
-LanguageDebugger& PythonInterpreter::languageDebugger() {
-    return *m_debugger;
 }
 
 // Names for scripts
@@ -208,7 +204,7 @@ bool PythonInterpreter::runScript(const QString& text, const QString& fileName) 
     });
 }
 
-Outcome<QString> PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+QString PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     return frame ? evaluateInFrame(*this, frameBehind(*frame), code)
                  : evaluateInModule(*this, moduleNamespace().get(), code);
 }
@@ -259,10 +255,12 @@ std::vector<LineInfo> PythonInterpreter::interruptedStack() {
 }
 
 LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    const PyRef callee = pythonValue(function);
-    if (!PyFunction_Check(callee.get()))
+    const PyRef value = pythonValue(function);
+    PyObject* const callee =
+        PyMethod_Check(value.get()) ? PyMethod_GET_FUNCTION(value.get()) : value.get();
+    if (!PyFunction_Check(callee))
         return {};
-    auto* const code = reinterpret_cast<PyCodeObject*>(PyFunction_GET_CODE(callee.get()));
+    auto* const code = reinterpret_cast<PyCodeObject*>(PyFunction_GET_CODE(callee));
     return LineInfo(m_files.path(code->co_filename), code->co_firstlineno);
 }
 

@@ -27,10 +27,9 @@ public:
         return static_cast<PythonInterpreter*>(LanguageInterpreter::active(Python));
     }
 
-    PythonContext& context() override { return *m_context; }
-    LanguageDebugger& languageDebugger() override;
+    PythonContext& context() { return *m_context; }
     PythonDebugger& debugger() { return *m_debugger; }
-    SourceFiles& files() { return m_files; }
+    CodeFiles& files() { return m_files; }
 
     /// PyErr_Occurred() for the script's thread, which each call asks.
     bool isErrorSet() const {
@@ -70,6 +69,7 @@ public:
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     std::vector<LineInfo> interruptedStack() override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -80,8 +80,7 @@ protected:
     bool runScript(const QString& text, const QString& fileName) override;
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
-    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
     void errorUncaught() override;
 
 private:
@@ -91,7 +90,7 @@ private:
     bool hasRun(const QString& name, PyObject* function, PyObject* result);
 
     PyThreadState* m_threadState = nullptr;
-    SourceFiles m_files;
+    CodeFiles m_files;
     std::unique_ptr<PythonContext> m_context;
     std::unique_ptr<PythonDebugger> m_debugger;
     PyRef m_module;

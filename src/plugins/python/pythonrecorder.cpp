@@ -2,19 +2,12 @@
 
 namespace Tamrix::PythonPlugin {
 
-namespace {
-
-constexpr RecordingNotation notation{
+constexpr RecordingNotation recordingNotation{
     .header = "def main():\n",
     .footer = "",
     .truths = {"False", "True"},
     .property = "\"%1\": %2",
-    .import = "import %1\n\n\n",
+    .importingHeader = "import %1\n\n\ndef main():\n",
 };
-
-}  // namespace
-
-PythonRecorder::PythonRecorder(const QString& namesModule)
-    : NotatedRecorder(notation, namesModule) {}
 
 }  // namespace Tamrix::PythonPlugin

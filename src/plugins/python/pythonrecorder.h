@@ -4,11 +4,7 @@
 
 namespace Tamrix::PythonPlugin {
 
-/// Writes scripts in Python.
-class PythonRecorder : public NotatedRecorder {
-public:
-    /// Symbolic names are variables of this module; texts without one.
-    explicit PythonRecorder(const QString& namesModule = QString());
-};
+/// How scripts in Python are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::PythonPlugin

@@ -149,7 +149,7 @@ bool isBuiltIn(PyObject* module) {
 
 /// Whether a module belongs to Python's library. Such modules stay: they would only be loaded
 /// again. The others are the suite's own, folders of it, and stand-ins that a script made.
-bool isOfLibrary(PyObject* modules, PyObject* name, SourceFiles& files) {
+bool isOfLibrary(PyObject* modules, PyObject* name, CodeFiles& files) {
     PyObject* const module = PyDict_GetItemWithError(modules, name);
     if (!module)
         return false;
@@ -282,7 +282,7 @@ void PythonRuntime::dropImportedModules() {
     PyObject* const modules = PyImport_GetModuleDict();
     // What stands under another name than it did before is put right as well.
     checked(PyDict_Update(modules, m_modules.get()));
-    SourceFiles files;
+    CodeFiles files;
     const PyRef names = checked(PyDict_Keys(modules));
     for (Py_ssize_t index = 0; index < PyList_GET_SIZE(names.get()); ++index) {
         PyObject* const name = PyList_GET_ITEM(names.get(), index);

@@ -7,6 +7,7 @@
 #include "plugins/python/conversion.h"
 #include "plugins/python/overlay.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
 
 namespace Tamrix::PythonPlugin {
@@ -88,8 +89,10 @@ StepLanguage::Value PythonSteps::contextValue() {
     return new PythonArgument(PyRef::borrow(bddContext()));
 }
 
-StepLanguage::Value PythonSteps::tableValue(const Gherkin::Step& step) {
-    return new PythonArgument(bddTable(step));
+StepLanguage::Value PythonSteps::tableValue(const Value& rows) {
+    const PyRef module = checked(PyImport_ImportModule("bdd"));
+    return new PythonArgument(
+        checked(PyObject_CallMethod(module.get(), "_make_table", "O", pythonValue(rows).get())));
 }
 
 StepLanguage::Value PythonSteps::bigInteger(const QString& text) {

@@ -16,7 +16,7 @@ public:
     bool isLoaded(const QString& path) override;
     void forgetFiles(const QStringList& paths) override;
     Value contextValue() override;
-    Value tableValue(const Gherkin::Step& step) override;
+    Value tableValue(const Value& rows) override;
     Value bigInteger(const QString& text) override;
     /// A decimal.Decimal.
     Value bigDecimal(const QString& text) override;

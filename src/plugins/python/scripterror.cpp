@@ -10,8 +10,6 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// A runaway recursion has a thousand lines; the innermost ones tell enough.
-constexpr std::size_t maximumStackLines = 100;
 /// Exceptions that led to others, before the list is cut.
 constexpr int maximumCauses = 5;
 
@@ -93,7 +91,7 @@ int lineOf(const PyRef& number) {
 }
 
 /// The place that a SyntaxError tells of, which no frame runs.
-LineInfo syntaxErrorPosition(PyObject* exception, SourceFiles& files) {
+LineInfo syntaxErrorPosition(PyObject* exception, CodeFiles& files) {
     if (!PyErr_GivenExceptionMatches(exception, PyExc_SyntaxError))
         return {};
     const PyRef file = attribute(exception, "filename");
@@ -102,7 +100,7 @@ LineInfo syntaxErrorPosition(PyObject* exception, SourceFiles& files) {
     return LineInfo(files.path(file.get()), lineOf(attribute(exception, "lineno")));
 }
 
-std::vector<LineInfo> callStackOf(PyObject* exception, SourceFiles& files) {
+std::vector<LineInfo> callStackOf(PyObject* exception, CodeFiles& files) {
     struct Line {
         LineInfo position;
         bool script;
@@ -127,7 +125,7 @@ std::vector<LineInfo> callStackOf(PyObject* exception, SourceFiles& files) {
 
     std::vector<LineInfo> stack;
     for (const Line& line : lines) {
-        if (line.script && stack.size() < maximumStackLines)
+        if (line.script)
             stack.push_back(line.position);
     }
     if (stack.empty() && !lines.empty())

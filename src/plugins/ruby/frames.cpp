@@ -1,6 +1,5 @@
 #include "plugins/ruby/frames.h"
 
-#include <QHash>
 #include <any>
 
 #include "plugins/ruby/conversion.h"
@@ -12,28 +11,8 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-/// A runaway recursion has thousands of lines; the innermost ones tell enough.
-constexpr std::size_t maximumStackLines = 100;
 /// More than Ruby's stack holds.
 constexpr int maximumFrames = 20'000;
-
-struct File {
-    bool isScript = false;
-    QString path;
-};
-
-const File& fileOf(const QByteArray& path) {
-    static auto* const s_files = new QHash<QByteArray, File>;
-    auto known = s_files->find(path);
-    if (known == s_files->end()) {
-        File file;
-        file.isScript = path.startsWith('/') && !RubyRuntime::self().isOfLibrary(path);
-        file.path =
-            path.startsWith('/') ? Debugger::sanitizedFilePath(QString::fromUtf8(path)) : QString();
-        known = s_files->insert(path, file);
-    }
-    return *known;
-}
 
 /// Room for the frames of the whole stack. Script thread only.
 struct Stack {
@@ -151,11 +130,11 @@ std::vector<Line> backtraceOf(VALUE exception) {
 }  // namespace
 
 bool isScriptFile(const QByteArray& path) {
-    return fileOf(path).isScript;
+    return RubyRuntime::self().files().isScript(path.constData());
 }
 
 QString scriptPath(const QByteArray& path) {
-    return fileOf(path).path;
+    return RubyRuntime::self().files().path(path.constData());
 }
 
 bool scriptFrameAt(int level, LineInfo* position) {
@@ -242,7 +221,7 @@ std::vector<LineInfo> scriptLinesOf(VALUE exception) {
     }
     std::vector<LineInfo> stack;
     for (const Line& line : lines) {
-        if (isScriptFile(line.path) && stack.size() < maximumStackLines)
+        if (isScriptFile(line.path))
             stack.emplace_back(scriptPath(line.path), line.line);
     }
     if (stack.empty() && !lines.empty() && lines.front().path.startsWith('/'))

@@ -4,6 +4,9 @@
 
 namespace Tamrix::RubyPlugin {
 
+/// The module that a file with names of objects has: "ShopNames" for shop_names.rb.
+QString moduleOfFile(const QString& path);
+
 /// Object names that are constants of a Ruby module, as `Names::SAVE_BUTTON` in
 /// shared/scripts/names.rb. The module is called as its file is. Constants of the top level are
 /// names as well, for a script that has no such module.
@@ -11,16 +14,8 @@ class RubyObjectMap final : public GenericScriptedObjectMap {
 public:
     explicit RubyObjectMap(const QString& path);
 
-    const ScriptNotation& notation() const override { return m_notation; }
-    QString scriptedNameKey(const ScriptedSymbolicName& name) const override;
-    QString toSymbolicName(const QString& key) const override;
-
 protected:
     ScriptArgument::Map scriptVariables() override;
-
-private:
-    QString m_module;
-    ScriptNotation m_notation;
 };
 
 }  // namespace Tamrix::RubyPlugin

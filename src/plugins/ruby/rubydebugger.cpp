@@ -129,7 +129,7 @@ void RubyDebugger::traceBreakLines(Code& code) {
 }
 
 bool RubyDebugger::isOurEvent() const {
-    return m_ruby.isScriptThread() && m_silence == 0 && RubyInterpreter::active() == &m_ruby;
+    return m_ruby.isScriptThread() && !isSilent() && RubyInterpreter::active() == &m_ruby;
 }
 
 void RubyDebugger::eventHappened(VALUE point, void* debugger) {

@@ -37,8 +37,6 @@ protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override { ++m_silence; }
-    void leaveStandstill() override { --m_silence; }
     void breakPointsChanged() override { updateTracePoints(); }
 
 private:
@@ -64,7 +62,6 @@ private:
     RubyRef m_allLines;
     RubyRef m_errors;
     std::vector<Code> m_codes;
-    int m_silence = 0;
 
     /// The file of the last line, since the next one is mostly in the same.
     RubyRef m_lastPath;

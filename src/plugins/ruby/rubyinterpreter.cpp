@@ -44,7 +44,8 @@ RubyInterpreter::RubyInterpreter(RunnerInterface* runner) : LanguageInterpreter(
     setDebugger(m_debugger.get());
     try {
         installOutput();
-        begin(std::make_unique<RubySteps>(*this));
+        m_context->defineValueMembers();
+        begin(*m_context, *m_debugger, std::make_unique<RubySteps>(*this));
         RubyRuntime::self().takeState();
     } catch (const ScriptErrorSet&) {
         const std::string text = textOf(takeException()).toStdString();
@@ -62,15 +63,11 @@ RubyInterpreter::~RubyInterpreter() {
     output().flush();
     if (end()) {
         m_failures.clear();
-        if (m_hasStarted && m_hasInitScripts)
+        if (hasStarted() && !initScripts().isEmpty())
             runtime.popState();
         runtime.restoreState();
         dropReleased();
     }
-}
-
-LanguageDebugger& RubyInterpreter::languageDebugger() {
-    return *m_debugger;
 }
 
 // Names for scripts
@@ -112,14 +109,13 @@ void RubyInterpreter::startScript(const QString& path, const QStringList& argume
     RubyRuntime& runtime = RubyRuntime::self();
     m_failures.clear();
     // What init scripts have defined before the first script stays for all.
-    if (m_hasStarted) {
+    if (hasStarted()) {
         runtime.runExitBlocks();
         runtime.restoreState();
         m_debugger->updateTracePoints();
-    } else if (m_hasInitScripts) {
+    } else if (!initScripts().isEmpty()) {
         runtime.pushState();
     }
-    m_hasStarted = true;
     runtime.setArguments(path, arguments);
     runtime.setSearchPath(folders);
 }
@@ -130,8 +126,6 @@ bool RubyInterpreter::checkSyntax(const QString& text, const QString& fileName) 
 }
 
 bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
-    if (fileName.isEmpty() && !m_hasStarted)
-        m_hasInitScripts = true;
     return runCode(!fileName.isEmpty(), [&] {
         throwPostponed();
         RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
@@ -160,19 +154,15 @@ void RubyInterpreter::errorUncaught() {
     m_debugger->errorUncaught(pendingException());
 }
 
-Outcome<QString> RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+QString RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     const VALUE text = toRuby(code);
     const VALUE file = toRuby(QStringLiteral("(debugger)"));
-    try {
-        const VALUE binding =
-            frame ? bindingOf(*frame) : rb_const_get(rb_cObject, rb_intern("TOPLEVEL_BINDING"));
-        const VALUE value = protect([=] {
-            return rb_inspect(rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1)));
-        });
-        return fromRuby(value);
-    } catch (const ScriptErrorSet&) {
-        return fail(FailureKind::Failed, takeScriptError().message);
-    }
+    const VALUE binding =
+        frame ? bindingOf(*frame) : rb_const_get(rb_cObject, rb_intern("TOPLEVEL_BINDING"));
+    const VALUE value = protect([=] {
+        return rb_inspect(rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1)));
+    });
+    return fromRuby(value);
 }
 
 LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {

@@ -24,8 +24,6 @@ public:
         return static_cast<RubyInterpreter*>(LanguageInterpreter::active(Ruby));
     }
 
-    LanguageContext& context() override { return *m_context; }
-    LanguageDebugger& languageDebugger() override;
     RubyContext& rubyContext() { return *m_context; }
     RubyDebugger& rubyDebugger() { return *m_debugger; }
 
@@ -36,6 +34,7 @@ public:
     bool checkSyntax(const QString& text, const QString& fileName) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -46,8 +45,7 @@ protected:
     bool runScript(const QString& text, const QString& fileName) override;
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
-    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
 
     void errorUncaught() override;
 
@@ -55,8 +53,6 @@ private:
     std::unique_ptr<RubyContext> m_context;
     std::unique_ptr<RubyDebugger> m_debugger;
     NoticedFailures<RubyRef> m_failures;
-    bool m_hasStarted = false;
-    bool m_hasInitScripts = false;
 };
 
 }  // namespace Tamrix::RubyPlugin

@@ -4,10 +4,7 @@
 
 namespace Tamrix::RubyPlugin {
 
-/// Writes scripts in Ruby.
-class RubyRecorder : public NotatedRecorder {
-public:
-    RubyRecorder();
-};
+/// How scripts in Ruby are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::RubyPlugin

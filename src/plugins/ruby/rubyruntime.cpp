@@ -1,13 +1,12 @@
 #include "plugins/ruby/rubyruntime.h"
 
-#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
 #include <csignal>
 #include <cstdio>
 #include <stdexcept>
 
-#include "plugins/ruby/conditions.h"
+#include "interpreter/language/prelude.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/nativeclasses.h"
@@ -79,6 +78,10 @@ VALUE getGlobal(VALUE) {
 constexpr const char* preludeFiles[] = {"state", "values",    "objects",     "output",
                                         "steps", "condition", "remotesystem"};
 
+bool isRubyFile(const QByteArray& name) {
+    return name.startsWith('/');
+}
+
 VALUE evaluateSource(const char* source) {
     return protect([=] { return rb_eval_string(source); });
 }
@@ -106,7 +109,7 @@ RubyRuntime& RubyRuntime::self() {
     return *s_instance;
 }
 
-RubyRuntime::RubyRuntime() {
+RubyRuntime::RubyRuntime() : m_files(isRubyFile) {
     startRuby();
     RubyRef::startMarking();
     try {
@@ -128,20 +131,18 @@ void RubyRuntime::defineTamrix() {
     defineValueClasses(m_module);
     defineNativeBase(m_module);
     const VALUE native = rb_define_module_under(m_module, "Native");
-    defineObjectClass(m_module, native);
+    defineObjectClass(m_module);
     defineOutput(m_module, native);
     defineStepFunctions(native);
-    defineConditions(native);
     for (const char* const name : preludeFiles) {
-        QFile source(QStringLiteral(":/tamrix/ruby/%1.rb").arg(name));
-        source.open(QIODevice::ReadOnly);
         // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
+        const QByteArray source = preludeSource(QStringLiteral("ruby/%1.rb").arg(name));
         const QString file = QStringLiteral("<internal:tamrix/%1>").arg(name);
-        callMethod(compile(QString::fromUtf8(source.readAll()), file), "eval");
+        callMethod(compile(QString::fromUtf8(source), file), "eval");
     }
     const VALUE folders = evaluateSource("Tamrix::RuntimeState.library_folders");
     for (long index = 0; index < RARRAY_LEN(folders); ++index)
-        m_libraryFolders.push_back(textOf(rb_ary_entry(folders, index)).toUtf8());
+        m_files.addLibrary(textOf(rb_ary_entry(folders, index)));
     m_state = evaluateSource("Tamrix::RuntimeState.new");
     installWaits();
 }
@@ -170,14 +171,6 @@ void RubyRuntime::defineConstant(const QString& nameSpaceName, const QString& na
         rb_define_const(m_module, name.toUtf8().constData(), INT2FIX(value));
     else
         callMethod(nameSpace(nameSpaceName), "define_constant", toRuby(name), INT2FIX(value));
-}
-
-bool RubyRuntime::isOfLibrary(const QByteArray& path) const {
-    for (const QByteArray& folder : m_libraryFolders) {
-        if (path.startsWith(folder))
-            return true;
-    }
-    return false;
 }
 
 // Code

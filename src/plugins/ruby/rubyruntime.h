@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QByteArray>
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <vector>
 
+#include "interpreter/language/sourcefiles.h"
 #include "plugins/ruby/rubyapi.h"
 #include "plugins/ruby/rubyref.h"
 
@@ -32,8 +31,8 @@ public:
     /// defined.
     void defineGetter(const QString& name, VALUE value);
 
-    /// Whether a file belongs to Ruby's library or to an installed gem.
-    bool isOfLibrary(const QByteArray& path) const;
+    /// Of scripts, and of Ruby's library with the installed gems.
+    SourceFiles& files() { return m_files; }
 
     /// Compiles a text; throws ScriptErrorSet for one that is not Ruby. The same text and file give
     /// the same once more. NULs are refused as syntax errors.
@@ -77,7 +76,7 @@ private:
     VALUE m_state = Qnil;
     bool m_isStateTaken = false;
     QMap<QString, VALUE> m_nameSpaces;
-    std::vector<QByteArray> m_libraryFolders;
+    SourceFiles m_files;
     QString m_compiledText;
     QString m_compiledFile;
     RubyRef m_compiledCode;

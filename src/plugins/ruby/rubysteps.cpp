@@ -9,14 +9,6 @@
 
 namespace Tamrix::RubyPlugin {
 
-namespace {
-
-VALUE rowOf(const std::vector<Gherkin::TableCell>& cells) {
-    return arrayOf(cells, [](const Gherkin::TableCell& cell) { return toRuby(cell.text); });
-}
-
-}  // namespace
-
 RubySteps::RubySteps(RubyInterpreter& interpreter)
     : StepLanguage(interpreter), m_ruby(interpreter) {}
 
@@ -35,9 +27,8 @@ RubySteps::Value RubySteps::contextValue() {
     return new RubyArgument(stepContext());
 }
 
-RubySteps::Value RubySteps::tableValue(const Gherkin::Step& step) {
-    const VALUE rows = arrayOf(step.table, rowOf);
-    return new RubyArgument(callMethod(rb_path2class("Tamrix::Table"), "new", rows));
+RubySteps::Value RubySteps::tableValue(const Value& rows) {
+    return new RubyArgument(callMethod(rb_path2class("Tamrix::Table"), "new", rubyValue(rows)));
 }
 
 RubySteps::Value RubySteps::bigInteger(const QString& text) {

@@ -14,7 +14,7 @@ public:
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     bool isLoaded(const QString& path) override;
     Value contextValue() override;
-    Value tableValue(const Gherkin::Step& step) override;
+    Value tableValue(const Value& rows) override;
     Value bigInteger(const QString& text) override;
     Value bigDecimal(const QString& text) override;
     QString snippetText(const StepSnippet& snippet) override;

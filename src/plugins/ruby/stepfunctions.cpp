@@ -1,6 +1,5 @@
 #include "plugins/ruby/stepfunctions.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -16,18 +15,6 @@
 namespace Tamrix::RubyPlugin {
 
 namespace {
-
-struct Hook {
-    const char* name;
-    Gherkin::HookType type;
-    Gherkin::HookOrder order;
-};
-constexpr Hook hooks[] = {{"before_feature", Gherkin::FeatureHook, Gherkin::BeforeHook},
-                          {"after_feature", Gherkin::FeatureHook, Gherkin::AfterHook},
-                          {"before_scenario", Gherkin::ScenarioHook, Gherkin::BeforeHook},
-                          {"after_scenario", Gherkin::ScenarioHook, Gherkin::AfterHook},
-                          {"before_step", Gherkin::StepHook, Gherkin::BeforeHook},
-                          {"after_step", Gherkin::StepHook, Gherkin::AfterHook}};
 
 /// Runs `work` with the steps of the interpreter whose scripts run, on their thread, on behalf of a
 /// function. What the library refuses becomes an ArgumentError.
@@ -45,29 +32,21 @@ VALUE withSteps(VALUE function, Work work) {
     });
 }
 
-Gherkin::ScriptLocation locationOf(VALUE block) {
-    const LineInfo place = definitionOf(block);
-    return {place.fileName().toStdString(), place.lineNumber()};
-}
-
 VALUE addStep(VALUE, VALUE function, VALUE text, VALUE isRegular, VALUE block) {
     return withSteps(function, [=](StepActions& steps) {
-        steps.registry().addStep(utf8OfRuby(text), RTEST(isRegular), new RubyArgument(block),
-                                 locationOf(block));
+        steps.addStep(utf8OfRuby(text), RTEST(isRegular), new RubyArgument(block),
+                      definitionOf(block));
         return Qnil;
     });
 }
 
 VALUE addHook(VALUE, VALUE function, VALUE tags, VALUE block) {
     return withSteps(function, [=](StepActions& steps) {
-        const std::string name = utf8OfRuby(function);
-        const auto* const hook = std::find_if(std::begin(hooks), std::end(hooks),
-                                              [&](const Hook& each) { return name == each.name; });
-        if (hook == std::end(hooks))
+        const HookKind* const hook = hookKind(fromRuby(function));
+        if (!hook)
             throwException(rb_eArgError,
                            QStringLiteral("there is no hook '%1'").arg(fromRuby(function)));
-        steps.registry().addHook(hook->type, hook->order, utf8OfRuby(tags), new RubyArgument(block),
-                                 definitionOf(block).fileName());
+        steps.addHook(*hook, utf8OfRuby(tags), new RubyArgument(block), definitionOf(block));
         return Qnil;
     });
 }

@@ -10,18 +10,8 @@ class TclObjectMap final : public GenericScriptedObjectMap {
 public:
     explicit TclObjectMap(const QString& path);
 
-    const ScriptNotation& notation() const override { return m_notation; }
-    /// Of "names::save_button", beside what all languages have.
-    QString scriptedNameKey(const ScriptedSymbolicName& name) const override;
-    QString toSymbolicName(const QString& key) const override;
-
 protected:
     ScriptArgument::Map scriptVariables() override;
-
-private:
-    /// "names::"
-    QString m_prefix;
-    ScriptNotation m_notation;
 };
 
 }  // namespace Tamrix::TclPlugin

@@ -1,35 +1,19 @@
-// What the core asks of a language plug-in.
+#include "interpreter/language/languageplugin.h"
 
-#include <cstdio>
-#include <exception>
-
-#include "base/export.h"
 #include "plugins/tcl/objectnames.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/tclrecorder.h"
-#include "plugins/tcl/tclruntime.h"
 
-/// An interpreter for Tcl scripts, owned by the caller; null, with a message on standard error,
-/// when Tcl can't be started.
-extern "C" TAMRIX_EXPORT Tamrix::Interpreter* createInterpreter(Tamrix::RunnerInterface* runner) {
-    try {
-        return new Tamrix::TclPlugin::TclInterpreter(runner);
-    } catch (const std::exception& exception) {
-        std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", exception.what());
-    } catch (const Tamrix::TclPlugin::TclPanic& panic) {
-        std::fprintf(stderr, "Error creating the Tcl interpreter: %s\n", panic.text);
-    }
-    return nullptr;
+using namespace Tamrix;
+
+Interpreter* createInterpreter(RunnerInterface* runner) {
+    return createOrTell<TclPlugin::TclInterpreter>("Tcl", runner);
 }
 
-/// A map of object names in a Tcl script, owned by the caller.
-extern "C" TAMRIX_EXPORT Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
-    return new Tamrix::TclPlugin::TclObjectMap(path);
+ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new TclPlugin::TclObjectMap(path);
 }
 
-/// Writes scripts in Tcl, owned by the caller. The arguments have no meaning here.
-extern "C" TAMRIX_EXPORT Tamrix::EventRecorder* createEventRecorder(bool /*first*/, bool /*second*/,
-                                                                    bool /*third*/,
-                                                                    const QString& /*text*/) {
-    return new Tamrix::TclPlugin::TclRecorder;
+EventRecorder* createEventRecorder(bool, bool, bool, const QString& namesModule) {
+    return new NotatedRecorder(TclPlugin::recordingNotation, namesModule);
 }

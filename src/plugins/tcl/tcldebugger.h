@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <atomic>
 #include <vector>
 
@@ -46,20 +47,19 @@ public:
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
-    void enterStandstill() override { ++m_pauses; }
-    void leaveStandstill() override { --m_pauses; }
 
 private:
     static int traceCommand(void* self, Tcl_Interp* interp, int level, const char* text,
                             Tcl_Command command, int count, Tcl_Obj* const* words);
     void commandReached(int depth);
     bool isNewLine(const TclFrame& frame, int depth);
+    bool isPassedThrough();
+    void leaveLines(int level);
     bool isCaught() const;
     static std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames);
 
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
-    int m_pauses = 0;
     int m_commandsOutside = 0;
     std::atomic<bool> m_isInterrupted{false};
     struct Line {
@@ -69,6 +69,14 @@ private:
     };
     /// The line at which each frame was last, the outermost first.
     std::vector<Line> m_lines;
+    /// What the paths of commands stand for that have been reached.
+    struct KnownFile {
+        /// Holds it, so that no other path can have its address.
+        TclRef path;
+        /// -1 for what is no script.
+        int sourceId;
+    };
+    QHash<Tcl_Obj*, KnownFile> m_knownFiles;
 };
 
 }  // namespace Tamrix::TclPlugin

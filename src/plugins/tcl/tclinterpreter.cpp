@@ -1,6 +1,5 @@
 #include "plugins/tcl/tclinterpreter.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <cstdlib>
@@ -8,9 +7,9 @@
 #include <string_view>
 #include <utility>
 
+#include "interpreter/language/prelude.h"
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/stepactions.h"
-#include "interpreter/objects/globalfunctions.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/heldvalues.h"
@@ -27,8 +26,6 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-/// Lines of a stack of calls that a person is told.
-constexpr std::size_t mostStackLines = 100;
 /// Behind it in Tcl's words on an error is the line within a procedure.
 constexpr std::string_view lineMark = "\" line ";
 
@@ -48,7 +45,7 @@ constexpr KindName kindNames[] = {
 };
 
 const KindName& kindName(ScriptFailure::Kind kind) {
-    return kindNames[static_cast<std::size_t>(kind)];
+    return ScriptFailure::of(kind, kindNames);
 }
 
 const char* nameOfError(std::string_view errorCode) {
@@ -96,11 +93,14 @@ int runSource(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
 TclInterpreter::TclInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, Interpreter::Tcl) {
     TclRuntime::self();
+    // Where Debian keeps packages.
+    m_files.addLibrary(QStringLiteral("/usr/share/tcltk"));
+    m_files.addLibrary(QStringLiteral("/usr/lib/tcltk"));
     m_context = std::make_unique<TclContext>(*this);
     m_classes = std::make_unique<ClassCommands>(*this);
     m_debugger = std::make_unique<TclDebugger>(*this);
     createTcl();
-    begin(std::make_unique<TclSteps>(*this));
+    begin(*m_context, *m_debugger, std::make_unique<TclSteps>(*this));
 }
 
 TclInterpreter::~TclInterpreter() {
@@ -120,6 +120,8 @@ void TclInterpreter::createTcl() {
         deleteTcl();
         throw std::runtime_error(reason.toStdString());
     }
+    m_files.addLibrary(
+        QString::fromUtf8(Tcl_GetVar2(m_tcl, "::tcl_library", nullptr, TCL_GLOBAL_ONLY)));
     m_values = std::make_unique<HeldValues>(*this, m_tcl, runHeldCommand);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
@@ -127,9 +129,7 @@ void TclInterpreter::createTcl() {
     Tcl_GetCommandInfo(m_tcl, "::source", &source->original);
     defineCommand(QStringLiteral("source"), runSource, std::move(source));
     defineStepCommands(*this);
-    QFile prelude(QStringLiteral(":/tamrix/tcl/prelude.tcl"));
-    static_cast<void>(prelude.open(QIODevice::ReadOnly));
-    Tcl_EvalEx(m_tcl, prelude.readAll().constData(), -1, TCL_EVAL_GLOBAL);
+    Tcl_EvalEx(m_tcl, preludeSource("tcl/prelude.tcl").constData(), -1, TCL_EVAL_GLOBAL);
     m_debugger->enterTcl();
 }
 
@@ -151,14 +151,6 @@ void TclInterpreter::deleteTcl() {
         Tcl_DiscardInterpState(std::exchange(m_pendingState, nullptr));
     Tcl_DeleteInterp(m_tcl);
     m_tcl = nullptr;
-}
-
-LanguageContext& TclInterpreter::context() {
-    return *m_context;
-}
-
-LanguageDebugger& TclInterpreter::languageDebugger() {
-    return *m_debugger;
 }
 
 // Commands
@@ -266,9 +258,12 @@ bool TclInterpreter::isUnwinding() const {
 
 // The script
 
-TclRef TclInterpreter::callPrelude(QStringList words) {
+TclRef TclInterpreter::callPrelude(QStringList words, Tcl_Obj* value) {
     words.front().prepend("::tamrix::");
-    check(Tcl_EvalObjEx(m_tcl, toTcl(words).get(), 0));
+    const TclRef command = toTcl(words);
+    if (value)
+        Tcl_ListObjAppendElement(nullptr, command.get(), value);
+    check(Tcl_EvalObjEx(m_tcl, command.get(), 0));
     return TclRef(Tcl_GetObjResult(m_tcl));
 }
 
@@ -282,17 +277,14 @@ void TclInterpreter::startScript(const QString& path, const QStringList& argumen
     // Whatever is to run then fails.
     if (!m_panic.isEmpty())
         return;
-    if (m_hasScript) {
+    if (hasStarted()) {
         // What an earlier script has left goes with its interpreter of Tcl.
         deleteTcl();
         createTcl();
-        m_context->initFunctions();
-        initNativeAPI();
-        publishFunctions(globalFunctionNames(Inspector::self()->model()));
-        for (const QString& text : qAsConst(m_initScripts))
+        registerFunctions();
+        for (const QString& text : initScripts())
             Tcl_EvalObjEx(m_tcl, toTcl(text).get(), TCL_EVAL_GLOBAL);
     }
-    m_hasScript = true;
     m_originText.clear();
     for (auto folder = folders.crbegin(); folder != folders.crend(); ++folder) {
         if (QFileInfo(*folder).isDir())
@@ -364,7 +356,7 @@ void TclInterpreter::guarded(Work work) {
     try {
         work();
     } catch (const TclPanic& panic) {
-        m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.text);
+        m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
         s_panic = m_panic;
         throw ScriptErrorSet();
     }
@@ -375,8 +367,6 @@ void TclInterpreter::runFile(const QString& text, const QString& path) {
 }
 
 bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
-    if (fileName.isEmpty() && !m_hasScript)
-        m_initScripts.append(text);
     return runCode(!fileName.isEmpty(), [&] {
         guarded([&] {
             Tcl_AllowExceptions(m_tcl);
@@ -426,11 +416,16 @@ bool TclInterpreter::invokeFunction(const QString& name) {
     return LanguageInterpreter::invokeFunction(name);
 }
 
-std::string TclInterpreter::errorCode() const {
+TclRef TclInterpreter::errorOption(const char* name) const {
     const TclRef options(Tcl_GetReturnOptions(m_tcl, TCL_ERROR));
-    Tcl_Obj* code = nullptr;
-    Tcl_DictObjGet(nullptr, options.get(), toTcl(QStringLiteral("-errorcode")).get(), &code);
-    return std::string(code ? bytesOf(code) : std::string_view());
+    Tcl_Obj* value = nullptr;
+    Tcl_DictObjGet(nullptr, options.get(), TclRef(Tcl_NewStringObj(name, -1)).get(), &value);
+    return TclRef(value);
+}
+
+std::string TclInterpreter::errorCode() const {
+    const TclRef code = errorOption("-errorcode");
+    return std::string(code ? bytesOf(code.get()) : std::string_view());
 }
 
 // Errors and positions
@@ -481,7 +476,8 @@ std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
     if (place.empty() || code != TCL_ERROR)
         return stackOf(place);
     // The last line in the words is that of the outermost procedure.
-    const std::string words = errorInfo();
+    const TclRef info = errorOption("-errorinfo");
+    const std::string words(info ? bytesOf(info.get()) : std::string_view());
     const std::size_t mark = words.rfind(lineMark);
     const int line = mark == std::string::npos
                          ? 0
@@ -497,49 +493,29 @@ QString TclInterpreter::errorText() const {
                          : nameOfError(errorCode()) + (": " + result);
 }
 
-std::string TclInterpreter::errorInfo() const {
-    const TclRef options(Tcl_GetReturnOptions(m_tcl, TCL_ERROR));
-    const TclRef name = toTcl(QStringLiteral("-errorinfo"));
-    Tcl_Obj* info = nullptr;
-    Tcl_DictObjGet(nullptr, options.get(), name.get(), &info);
-    return std::string(info ? bytesOf(info) : std::string_view());
-}
-
 std::vector<TclFrame> TclInterpreter::framesOfError() {
-    return framesOfScripts(m_errors->framesOf(errorInfo()));
+    const TclRef errorInfo = errorOption("-errorinfo");
+    return errorInfo ? framesOfScripts(m_errors->framesOf(bytesOf(errorInfo.get())))
+                     : std::vector<TclFrame>();
 }
 
 std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames,
                                               std::size_t outer) {
     std::vector<LineInfo> stack;
     const std::size_t own = frames.size() > outer ? frames.size() - outer : frames.size();
-    stack.reserve(std::min(own, mostStackLines));
-    for (std::size_t index = 0; index < std::min(own, mostStackLines); ++index)
+    stack.reserve(own);
+    for (std::size_t index = 0; index < own; ++index)
         stack.emplace_back(frames[index].file, frames[index].line);
     return stack;
-}
-
-const TclInterpreter::SourceFile& TclInterpreter::sourceFile(const QString& file) {
-    const auto known = m_files.constFind(file);
-    if (known != m_files.constEnd())
-        return *known;
-    const QString path = Debugger::sanitizedFilePath(file);
-    // Where Tcl keeps its library, and Debian its packages.
-    QStringList libraries{"/usr/share/tcltk/", "/usr/lib/tcltk/"};
-    if (const char* const library = Tcl_GetVar2(m_tcl, "::tcl_library", nullptr, TCL_GLOBAL_ONLY))
-        libraries.append(Debugger::sanitizedFilePath(QString::fromUtf8(library)) + '/');
-    const bool isOfLibrary =
-        std::any_of(libraries.cbegin(), libraries.cend(),
-                    [&path](const QString& folder) { return path.startsWith(folder); });
-    return *m_files.insert(file, {path, !isOfLibrary});
 }
 
 std::vector<TclFrame> TclInterpreter::framesOfScripts(const std::vector<TclFrame>& frames) {
     std::vector<TclFrame> found;
     for (const TclFrame& frame : frames) {
-        const SourceFile& file = sourceFile(frame.file);
-        if (frame.line >= 0 && file.isScript)
-            found.push_back({frame.level, file.path, frame.line, frame.command});
+        const QByteArray file = frame.file.toUtf8();
+        if (frame.line >= 0 && m_files.isScript(file.constData()))
+            found.push_back(
+                {frame.level, m_files.path(file.constData()), frame.line, frame.command});
     }
     return found;
 }
@@ -560,16 +536,12 @@ std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
     return variables;
 }
 
-Outcome<QString> TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
+QString TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     const int level = frame ? std::any_cast<int>(frame->own) : 0;
     QString text;
-    try {
-        guarded([&] {
-            text = textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
-        });
-    } catch (const ScriptErrorSet&) {
-        return Tamrix::fail(FailureKind::Failed, takeError().message);
-    }
+    guarded([&] {
+        text = textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
+    });
     return text;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHash>
 #include <QString>
 #include <memory>
 #include <string>
@@ -8,6 +7,7 @@
 
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/scriptfailure.h"
+#include "interpreter/language/sourcefiles.h"
 #include "plugins/tcl/errornotes.h"
 #include "plugins/tcl/heldvalues.h"
 #include "plugins/tcl/tclinternals.h"
@@ -76,6 +76,9 @@ public:
     // These throw ScriptErrorSet; the result is Tcl's.
     /// Runs words as a command, a callable's in front.
     void run(Tcl_Obj* function, const CallArguments& arguments);
+    /// Calls a procedure of the prelude, by its name behind "::tamrix::", with texts and with a
+    /// value behind them.
+    TclRef callPrelude(QStringList words, Tcl_Obj* value = nullptr);
     /// Runs the text of a file at the top level.
     void runFile(const QString& text, const QString& path);
     bool isErrorOrdinary() override;
@@ -91,13 +94,12 @@ public:
     /// dictionary. Those that are there before the script are left out.
     std::vector<std::pair<QString, TclRef>> variablesAt(int level);
 
-    LanguageContext& context() override;
-    LanguageDebugger& languageDebugger() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     bool invokeCallable(const QString& identifier) override;
     bool invokeFunction(const QString& name) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
 
 protected:
     void publishFunctions(const QStringList& names) override;
@@ -108,8 +110,7 @@ protected:
     bool runScript(const QString& text, const QString& fileName) override;
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
-    Outcome<QString> evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
 
 private:
     void createTcl();
@@ -121,22 +122,14 @@ private:
     /// up.
     template <typename Work>
     void guarded(Work work);
-    /// The `-errorcode` of the error that has just been raised.
+    /// What Tcl tells of the error that has just been raised; null when it does not.
+    TclRef errorOption(const char* name) const;
     std::string errorCode() const;
-    /// The words in which Tcl tells where the error came from.
-    std::string errorInfo() const;
     std::vector<TclFrame> framesOfError();
-    /// Calls a procedure of the prelude, by its name behind "::tamrix::". Throws ScriptErrorSet.
-    TclRef callPrelude(QStringList words);
     static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
                                          std::size_t outer = 0);
     /// The place of an error that Tcl tells no other of: in the procedure that was called.
     std::vector<LineInfo> placeInCalled(int code);
-    struct SourceFile {
-        QString path;
-        bool isScript;
-    };
-    const SourceFile& sourceFile(const QString& file);
 
     Tcl_Interp* m_tcl = nullptr;
     std::unique_ptr<HeldValues> m_values;
@@ -144,7 +137,7 @@ private:
     std::unique_ptr<TclContext> m_context;
     std::unique_ptr<TclDebugger> m_debugger;
     std::unique_ptr<ErrorNotes> m_errors;
-    QHash<QString, SourceFile> m_files;
+    SourceFiles m_files;
 
     /// What throwPending() has put aside.
     Tcl_InterpState m_pendingState = nullptr;
@@ -162,10 +155,6 @@ private:
     int m_depth = 0;
     /// The text of a panic, after which nothing can run.
     QString m_panic;
-
-    /// Code without a file from before the first script, which each script finds.
-    QStringList m_initScripts;
-    bool m_hasScript = false;
 };
 
 }  // namespace Tamrix::TclPlugin

@@ -2,23 +2,11 @@
 
 #include <QRegularExpression>
 
+#include "plugins/tcl/literal.h"
+
 namespace Tamrix::TclPlugin {
 
 namespace {
-
-/// In a body, braces of all words and comments count, but for those behind a backslash.
-constexpr LiteralStyle quoting{.furtherEscaped = "$[{}"};
-
-/// A text as one word of a command: bare, in braces, or in quotes.
-QString word(const QString& text) {
-    static const QRegularExpression s_bare(QStringLiteral("\\A[A-Za-z0-9_.:/+-]+\\z"));
-    static const QRegularExpression s_braced(QStringLiteral("\\A[^{}\\\\]*\\z"));
-    if (s_bare.match(text).hasMatch())
-        return text;
-    if (isPlainText(text) && s_braced.match(text).hasMatch())
-        return u'{' + text + u'}';
-    return literalOf(text, quoting);
-}
 
 /// Whether the text is one pair of braces with what is in it, as Tcl reads it.
 bool isInBraces(const QString& text) {
@@ -35,7 +23,7 @@ bool isInBraces(const QString& text) {
 
 /// The braces of a real name serve as Tcl's.
 QString nameWord(const QString& name) {
-    return isInBraces(name) ? name : word(name);
+    return isInBraces(name) ? name : tclWord(name);
 }
 
 QString remark(const QString& text) {
@@ -43,7 +31,9 @@ QString remark(const QString& text) {
     return QString(text).replace(s_special, QStringLiteral("\\\\1"));
 }
 
-constexpr RecordingNotation notation{
+}  // namespace
+
+constexpr RecordingNotation recordingNotation{
     .header = "proc main {} {\n",
     .footer = "}\n",
     .call = "%1 %2",
@@ -53,18 +43,18 @@ constexpr RecordingNotation notation{
     .list = "[list %1]",
     .betweenItems = " ",
     .password = "[testSettings getPassword %1]",
+    .launchedContext = "[waitForApplicationLaunch]",
+    .namedContext = "[applicationContext %1]",
     .assignment = "[waitForObject %1] configure -%2 %3",
     .expectation = "test expect %1 [dict create %2]",
     .property = "%1 %2",
     .quotedProperty = "%1 %2",
     .betweenProperties = " ",
-    .text = word,
+    .text = tclWord,
     .name = nameWord,
     .remark = remark,
+    .importingHeader = "source [findFile scripts %1.tcl]\n\nproc main {} {\n",
+    .variable = "$%1::%2",
 };
-
-}  // namespace
-
-TclRecorder::TclRecorder() : NotatedRecorder(notation) {}
 
 }  // namespace Tamrix::TclPlugin

@@ -4,10 +4,7 @@
 
 namespace Tamrix::TclPlugin {
 
-/// Writes scripts in Tcl.
-class TclRecorder : public NotatedRecorder {
-public:
-    TclRecorder();
-};
+/// How scripts in Tcl are recorded.
+extern const RecordingNotation recordingNotation;
 
 }  // namespace Tamrix::TclPlugin

@@ -1,8 +1,9 @@
 #include "plugins/tcl/tclruntime.h"
 
-#include <csignal>
 #include <cstdarg>
 #include <cstdio>
+
+#include "interpreter/language/interrupts.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -18,19 +19,8 @@ namespace {
     throw TclPanic(thrown);
 }
 
-void handleInterrupt(int) {
+void interrupted(int) {
     TclRuntime::self().interrupt();
-}
-
-/// Ctrl-C is the script's, unless the process ignores it or somebody handles it.
-void installInterruptHandler() {
-    struct sigaction action = {};
-    sigaction(SIGINT, nullptr, &action);
-    if (action.sa_handler != SIG_DFL)
-        return;
-    action = {};
-    action.sa_handler = handleInterrupt;
-    sigaction(SIGINT, &action, nullptr);
 }
 
 }  // namespace
@@ -45,7 +35,7 @@ TclRuntime::TclRuntime() {
     Tcl_SetPanicProc(panic);
     Tcl_FindExecutable(nullptr);
     m_handler = Tcl_AsyncCreate(endScript, this);
-    installInterruptHandler();
+    handleInterrupts(interrupted);
 }
 
 void TclRuntime::interrupt() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <exception>
 
 #include "plugins/tcl/tclref.h"
 
@@ -8,7 +9,9 @@ namespace Tamrix::TclPlugin {
 
 /// Thrown where Tcl would end the process: it has no memory left, or a value is larger than it can
 /// have. What ran is left as it stands, and its interpreter can't be used any more.
-struct TclPanic {
+struct TclPanic : std::exception {
+    const char* what() const noexcept override { return text; }
+
     char text[256];
 };
 

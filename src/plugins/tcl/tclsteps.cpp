@@ -3,7 +3,6 @@
 #include <functional>
 
 #include "interpreter/language/languagecontext.h"
-#include "interpreter/language/stepregistry.h"
 #include "platform/gherkin/expressions/expressionerror.h"
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
@@ -18,9 +17,7 @@ const QString contextName = QStringLiteral("::bdd::context");
 
 struct StepCommand {
     TclInterpreter& interpreter;
-    /// For hooks.
-    Gherkin::HookType type = Gherkin::StepHook;
-    Gherkin::HookOrder order = Gherkin::BeforeHook;
+    const HookKind* hook = nullptr;
 };
 
 /// Makes a procedure of parameters and body, so that the body knows its lines: these are where the
@@ -35,18 +32,11 @@ SharedPtr<ScriptArgument> makeProcedure(TclInterpreter& interpreter, Tcl_Obj* co
     return new TclArgument(interpreter, procedure);
 }
 
-Gherkin::ScriptLocation runningLocation(TclInterpreter& interpreter) {
-    const std::vector<TclFrame> frames = interpreter.frames();
-    if (frames.empty())
-        return {};
-    return {frames.front().file.toStdString(), frames.front().line};
-}
-
 /// Runs `work` as the body of a command; what an expression is refused for is its error.
-int withRegistry(TclInterpreter& interpreter, const std::function<void(StepRegistry&)>& work) {
+int registering(TclInterpreter& interpreter, const std::function<void(StepActions&)>& work) {
     return runCommand(interpreter, [&] {
         try {
-            work(interpreter.steps().registry());
+            work(interpreter.steps());
             return interpreter.finish(SharedPtr<ScriptArgument>());
         } catch (const Gherkin::ExpressionError& error) {
             return interpreter.fail(badArgument(QString::fromUtf8(error.what())));
@@ -66,11 +56,10 @@ int registerStep(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
     if (count != 4)
         return wrongWords(interpreter, textOf(words[0]) + " expression parameters body");
-    return withRegistry(interpreter, [&](StepRegistry& registry) {
+    return registering(interpreter, [&](StepActions& steps) {
         std::string expression = textOf(words[1]).toStdString();
         const bool isRegular = takeRegularMarks(&expression);
-        registry.addStep(expression, isRegular, makeProcedure(interpreter, words),
-                         runningLocation(interpreter));
+        steps.addStep(expression, isRegular, makeProcedure(interpreter, words));
     });
 }
 
@@ -79,10 +68,9 @@ int registerHook(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     TclInterpreter& interpreter = command.interpreter;
     if (count != 4)
         return wrongWords(interpreter, textOf(words[0]) + " tags parameters body");
-    return withRegistry(interpreter, [&](StepRegistry& registry) {
-        registry.addHook(command.type, command.order, textOf(words[1]).toStdString(),
-                         makeProcedure(interpreter, words),
-                         QString::fromStdString(runningLocation(interpreter).fileName));
+    return registering(interpreter, [&](StepActions& steps) {
+        steps.addHook(*command.hook, textOf(words[1]).toStdString(),
+                      makeProcedure(interpreter, words));
     });
 }
 
@@ -90,11 +78,11 @@ int registerParameterType(void* data, Tcl_Interp*, int count, Tcl_Obj* const* wo
     TclInterpreter& interpreter = static_cast<StepCommand*>(data)->interpreter;
     if (count != 3 && count != 4)
         return wrongWords(interpreter, "bdd::parameter_type name pattern ?transformer?");
-    return withRegistry(interpreter, [&](StepRegistry& registry) {
+    return registering(interpreter, [&](StepActions& steps) {
         const SharedPtr<ScriptArgument> transformer(
             count == 4 ? new TclArgument(interpreter, TclRef(words[3])) : nullptr);
-        registry.addParameterType(textOf(words[1]).toStdString(), {textOf(words[2]).toStdString()},
-                                  transformer);
+        steps.registry().addParameterType(textOf(words[1]).toStdString(),
+                                          {textOf(words[2]).toStdString()}, transformer);
     });
 }
 
@@ -135,28 +123,14 @@ int useContext(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
     return wrongWords(interpreter, usage);
 }
 
-using Gherkin::AfterHook;
-using Gherkin::BeforeHook;
-using Gherkin::FeatureHook;
-using Gherkin::ScenarioHook;
-using Gherkin::StepHook;
-
 constexpr struct {
     const char* name;
     Tcl_ObjCmdProc* command;
-    Gherkin::HookType type = StepHook;
-    Gherkin::HookOrder order = BeforeHook;
 } commands[] = {
     {"given", registerStep},
     {"when", registerStep},
     {"then", registerStep},
     {"step", registerStep},
-    {"before_feature", registerHook, FeatureHook, BeforeHook},
-    {"after_feature", registerHook, FeatureHook, AfterHook},
-    {"before_scenario", registerHook, ScenarioHook, BeforeHook},
-    {"after_scenario", registerHook, ScenarioHook, AfterHook},
-    {"before_step", registerHook, StepHook, BeforeHook},
-    {"after_step", registerHook, StepHook, AfterHook},
     {"parameter_type", registerParameterType},
     {"context", useContext},
 };
@@ -164,10 +138,14 @@ constexpr struct {
 }  // namespace
 
 void defineStepCommands(TclInterpreter& interpreter) {
+    const auto define = [&](const char* name, Tcl_ObjCmdProc* command, const HookKind* hook) {
+        interpreter.defineCommand(QStringLiteral("bdd::") + QLatin1String(name), command,
+                                  std::make_unique<StepCommand>(StepCommand{interpreter, hook}));
+    };
     for (const auto& row : commands)
-        interpreter.defineCommand(
-            QStringLiteral("bdd::") + QLatin1String(row.name), row.command,
-            std::make_unique<StepCommand>(StepCommand{interpreter, row.type, row.order}));
+        define(row.name, row.command, nullptr);
+    for (const HookKind& hook : hookKinds)
+        define(hook.name, registerHook, &hook);
 }
 
 TclSteps::TclSteps(TclInterpreter& interpreter) : StepLanguage(interpreter), m_tcl(interpreter) {}
@@ -180,29 +158,10 @@ StepLanguage::Value TclSteps::contextValue() {
     return m_tcl.context().createString(contextName);
 }
 
-StepLanguage::Value TclSteps::tableValue(const Gherkin::Step& step) {
-    LanguageContext& context = m_tcl.context();
-    const auto text = [&](const Gherkin::TableCell& cell) {
-        return context.createString(QString::fromStdString(cell.text));
-    };
-    ScriptArgument::List rows;
-    ScriptArgument::List raw;
-    for (const auto& row : step.table) {
-        ScriptArgument::List cells;
-        const TclRef dictionary(Tcl_NewDictObj());
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            cells.push_back(text(row[column]));
-            Tcl_DictObjPut(nullptr, dictionary.get(),
-                           toTcl(QString::fromStdString(step.table[0][column].text)).get(),
-                           toTcl(QString::fromStdString(row[column].text)).get());
-        }
-        raw.push_back(context.createList(cells));
-        if (raw.size() > 1)
-            rows.push_back(new TclArgument(m_tcl, dictionary));
-    }
-    m_tcl.steps().scopes().set("headers", raw.front());
-    m_tcl.steps().scopes().set("raw", context.createList(raw));
-    return context.createList(rows);
+StepLanguage::Value TclSteps::tableValue(const Value& rows) {
+    m_tcl.steps().scopes().set("headers", rows->toList().front());
+    m_tcl.steps().scopes().set("raw", rows);
+    return new TclArgument(m_tcl, m_tcl.callPrelude({"rowsOf"}, valueOf(rows)));
 }
 
 StepLanguage::Value TclSteps::bigInteger(const QString& text) {

@@ -15,7 +15,7 @@ public:
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     Value contextValue() override;
     /// A list of dictionaries. The first row and all rows are `headers` and `raw` of the context.
-    Value tableValue(const Gherkin::Step& step) override;
+    Value tableValue(const Value& rows) override;
     Value bigInteger(const QString& text) override;
     Value bigDecimal(const QString& text) override;
     QString snippetText(const StepSnippet& snippet) override;

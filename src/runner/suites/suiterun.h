@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/outcome.h"
+#include "platform/testresult/secrets.h"
 #include "platform/testresult/testresult.h"
 #include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
@@ -111,6 +112,8 @@ private:
     Runner m_runner;
     /// Null when none is kept.
     std::unique_ptr<CaseTrace> m_trace;
+    /// No report tells the passwords that the run was given.
+    SecretsFilter m_filter;
     TestResult m_result;
     StandardStreams m_standardStreams;
     PrivateHome m_home;

@@ -81,7 +81,7 @@ TEST_F(LanguageFrames, StopAtBreakPointsAndForSteps) {
     EXPECT_EQ(frontEnd.take(), "5");
     debugger.reach(6);
     EXPECT_EQ(frontEnd.take(), "");
-    EXPECT_EQ(debugger.standstills, 0);
+    EXPECT_EQ(debugger.silences, 0);
 }
 
 TEST_F(LanguageFrames, OfAnErrorAreShownWhereItWasRaised) {

@@ -34,13 +34,13 @@ public:
     }
 
     std::vector<ScriptFrame> running;
-    int standstills = 0;
+    int silences = 0;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override { return running; }
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override { return nullptr; }
-    void enterStandstill() override { ++standstills; }
-    void leaveStandstill() override { --standstills; }
+    void enterSilence() override { ++silences; }
+    void leaveSilence() override { --silences; }
 };
 
 }  // namespace Tamrix::Test

@@ -29,12 +29,5 @@ TEST(Literals, AreCode) {
         EXPECT_EQ(literalOf(row.text, row.style), QString::fromUtf8(row.literal));
 }
 
-TEST(Literals, TellIdentifiers) {
-    for (const char* const name : {"a", "_1", "Save_button2"})
-        EXPECT_TRUE(isPlainIdentifier(name)) << name;
-    for (const char* const name : {"", "1a", "a b", "a-b", "é"})
-        EXPECT_FALSE(isPlainIdentifier(QString::fromUtf8(name))) << name;
-}
-
 }  // namespace
 }  // namespace Tamrix

@@ -53,6 +53,14 @@ TEST(StepRegistry, CallsHooksBehindSomethingInTheOppositeOrder) {
     EXPECT_EQ(registry.hooks(ScenarioHook, AfterHook, {"slow"}), Functions({first}));
 }
 
+TEST(StepRegistry, KnowsHooksAsLanguagesWriteThem) {
+    ASSERT_TRUE(hookKind("after_scenario"));
+    EXPECT_EQ(hookKind("after_scenario"), hookKind("AfterScenario"));
+    EXPECT_EQ(hookKind("AfterScenario")->type, ScenarioHook);
+    EXPECT_EQ(hookKind("AfterScenario")->order, AfterHook);
+    EXPECT_FALSE(hookKind("after_run"));
+}
+
 TEST(StepScopes, FindNamesFromTheInnermostOutwards) {
     StepScopes scopes;
     scopes.set("run", integer(1));

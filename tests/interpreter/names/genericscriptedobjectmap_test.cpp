@@ -23,23 +23,10 @@ using namespace Test;
 
 class FakeObjectMap : public GenericScriptedObjectMap {
 public:
-    explicit FakeObjectMap(const QString& path) : GenericScriptedObjectMap(path, "py") {}
-
-    const ScriptNotation& notation() const override {
-        static const ScriptNotation s_notation{"%1 = %2",
-                                               "%1",
-                                               "{",
-                                               ": ",
-                                               ", ",
-                                               "}",
-                                               "# ",
-                                               {},
-                                               {},
-                                               ScriptNotation::Words::Underscores,
-                                               [](const QString& text) { return '"' + text + '"'; },
-                                               [](const QString& name) { return name != "if"; }};
-        return s_notation;
-    }
+    explicit FakeObjectMap(const QString& path)
+        : GenericScriptedObjectMap(path, "py",
+                                   {.literal = [](const QString& text) { return '"' + text + '"'; },
+                                    .reserved = "if else"}) {}
 
     ScriptArgument::Map variables;
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QRegularExpression>
-
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -20,9 +18,7 @@ ScriptNotation notationOf(const char* statement, const char* reference,
     notation.close = "}";
     notation.words = words;
     notation.literal = [](const QString& text) { return '<' + text + '>'; };
-    notation.isVariable = [](const QString& name) {
-        return name != "if" && QRegularExpression("\\A[A-Za-z_]\\w*\\z").match(name).hasMatch();
-    };
+    notation.reserved = "else if";
     return notation;
 }
 
@@ -63,6 +59,13 @@ TEST(ScriptNotation, VariablesAreMadeOfWhatObjectsShow) {
               "save_all_button_3");
 }
 
+TEST(ScriptNotation, TellsIdentifiers) {
+    for (const char* const name : {"a", "_1", "Save_button2"})
+        EXPECT_TRUE(isPlainIdentifier(name)) << name;
+    for (const char* const name : {"", "1a", "a b", "a-b", "é"})
+        EXPECT_FALSE(isPlainIdentifier(QString::fromUtf8(name))) << name;
+}
+
 TEST(ScriptNotation, TextsBecomeTheNearestVariable) {
     const struct {
         const char* text;
@@ -78,8 +81,7 @@ TEST(ScriptNotation, TextsBecomeTheNearestVariable) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(variableOfText(underscores, QString::fromUtf8(row.text)), row.variable);
-    ScriptNotation capitals = notationOf("%1 = %2", "%1", ScriptNotation::Words::Capitals);
-    capitals.isVariable = [](const QString& name) { return name == name.toUpper(); };
+    const ScriptNotation capitals = notationOf("%1 = %2", "%1", ScriptNotation::Words::Capitals);
     EXPECT_EQ(variableOfText(capitals, "save it"), "SAVE_IT");
 }
 

@@ -22,12 +22,9 @@ sub _code {
 }
 sub Step { my ($expression, $code) = @_; _step(_pattern($expression), _code($code)) }
 *Given = *When = *Then = \&Step;
-sub BeforeFeature { _hook(0, 0, @_ > 1 ? shift : '', _code(@_)) }
-sub AfterFeature { _hook(0, 1, @_ > 1 ? shift : '', _code(@_)) }
-sub BeforeScenario { _hook(1, 0, @_ > 1 ? shift : '', _code(@_)) }
-sub AfterScenario { _hook(1, 1, @_ > 1 ? shift : '', _code(@_)) }
-sub BeforeStep { _hook(2, 0, @_ > 1 ? shift : '', _code(@_)) }
-sub AfterStep { _hook(2, 1, @_ > 1 ? shift : '', _code(@_)) }
+for my $name (qw(BeforeFeature AfterFeature BeforeScenario AfterScenario BeforeStep AfterStep)) {
+    *$name = sub { _hook($name, @_ > 1 ? shift : '', _code(@_)) };
+}
 sub ParameterType {
     my ($name, $patterns, $code) = @_;
     _type($name, [map { (_pattern($_))[0] } ref $patterns eq 'ARRAY' ? @$patterns : $patterns],

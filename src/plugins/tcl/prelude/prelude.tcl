@@ -58,6 +58,19 @@ proc ::tamrix::evaluate {level code} {
     return [uplevel #$level $code]
 }
 
+# The rows of a table below its first one, as dictionaries.
+proc ::tamrix::rowsOf {table} {
+    set rows {}
+    foreach cells [lrange $table 1 end] {
+        set row [dict create]
+        foreach name [lindex $table 0] cell $cells {
+            dict set row $name $cell
+        }
+        lappend rows $row
+    }
+    return $rows
+}
+
 # A step is still to be written.
 proc ::bdd::pending {{reason "the step definition is to be written"}} {
     return -code error -errorcode {TAMRIX PENDING} $reason

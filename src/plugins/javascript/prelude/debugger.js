@@ -1,8 +1,4 @@
-#include "plugins/javascript/debuggersource.h"
-
-namespace Tamrix::JavaScriptPlugin {
-
-const char* const debuggerSource = R"js(
+// The half of the debugger that is written in the debugger's own realm.
 "use strict";
 const dbg = new Debugger();
 const breakLines = new Map();
@@ -413,6 +409,3 @@ function unwatch() {
 }
 
 function setSilent(isSilent) { silent = isSilent; }
-)js";
-
-}  // namespace Tamrix::JavaScriptPlugin

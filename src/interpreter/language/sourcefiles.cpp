@@ -1,0 +1,38 @@
+#include "interpreter/language/sourcefiles.h"
+
+#include <QDir>
+#include <algorithm>
+
+#include "interpreter/bridge/debugger.h"
+
+namespace Tamrix {
+
+bool SourceFiles::isUnbracketed(const QByteArray& name) {
+    return !name.startsWith('<') && !name.startsWith('(');
+}
+
+void SourceFiles::addLibrary(const QString& folder) {
+    m_libraries.append(Debugger::sanitizedFilePath(QDir::cleanPath(folder)) + '/');
+}
+
+void SourceFiles::addAlias(const QByteArray& name, const QString& path) {
+    m_files.insert(name, {Debugger::sanitizedFilePath(path), true});
+}
+
+const SourceFiles::File& SourceFiles::file(const char* name) {
+    // Most names are known: they are looked up without a copy.
+    const QByteArray given = QByteArray::fromRawData(name, static_cast<int>(qstrlen(name)));
+    const auto known = m_files.constFind(given);
+    if (known != m_files.constEnd())
+        return *known;
+    File made;
+    if (!given.isEmpty() && m_isFile(given)) {
+        made.path = Debugger::sanitizedFilePath(QString::fromUtf8(given));
+        made.isScript =
+            std::none_of(m_libraries.cbegin(), m_libraries.cend(),
+                         [&made](const QString& folder) { return made.path.startsWith(folder); });
+    }
+    return *m_files.insert(QByteArray(given.constData(), given.size()), made);
+}
+
+}  // namespace Tamrix
