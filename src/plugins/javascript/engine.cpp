@@ -121,7 +121,7 @@ bool Engine::checkRequests() {
     return JS_CheckForInterrupt(m_context);
 }
 
-bool Engine::interrupted(JSContext* context) {
+bool Engine::interrupted(JSContext*) {
     Engine& engine = self();
     if (s_isStopRequested.exchange(false) && engine.m_stop)
         engine.m_stop();
@@ -129,10 +129,7 @@ bool Engine::interrupted(JSContext* context) {
     if (end == End::None)
         return true;
     engine.m_end = end;
-    JS::RootedObject stack(context);
-    if (!JS::CaptureCurrentStack(context, &stack))
-        JS_ClearPendingException(context);
-    engine.m_endedStack = stack;
+    engine.noteEndedStack();
     // Without an exception: nothing in the script catches it.
     return false;
 }
@@ -141,6 +138,20 @@ bool Engine::endNow(End reason) {
     m_end = reason;
     m_endedStack = nullptr;
     return false;
+}
+
+bool Engine::exitNow(int status) {
+    m_end = End::Exit;
+    m_exitStatus = status;
+    noteEndedStack();
+    return false;
+}
+
+void Engine::noteEndedStack() {
+    JS::RootedObject stack(m_context);
+    if (!JS::CaptureCurrentStack(m_context, &stack))
+        JS_ClearPendingException(m_context);
+    m_endedStack = stack;
 }
 
 Engine::End Engine::takeEnd() {

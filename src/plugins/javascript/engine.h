@@ -28,6 +28,9 @@ public:
     /// Ends the script at once, from a native function, which gives the result to the engine:
     /// false.
     bool endNow(End reason);
+    /// The same for an exit; a status other than 0 tells of a failure.
+    bool exitNow(int status);
+    int exitStatus() const { return m_exitStatus; }
 
     // What a signal handler may call: the engine notices it at its next loop or call.
     /// Ends the running code.
@@ -42,6 +45,7 @@ public:
 private:
     Engine();
     void limitMemory();
+    void noteEndedStack();
     static bool interrupted(JSContext* context);
     static void collected(JSContext* context, JSGCStatus status, JS::GCReason reason, void* data);
 
@@ -50,6 +54,7 @@ private:
     void (*m_stop)() = nullptr;
     JS::PersistentRootedObject m_endedStack;
     End m_end = End::None;
+    int m_exitStatus = 0;
 };
 
 /// The context of the engine.

@@ -227,7 +227,10 @@ ScriptError takeEndError() {
     JS::RootedObject stack(engineContext(), Engine::self().endedStack());
     const Engine::End end = Engine::self().takeEnd();
     error.message = endTexts[static_cast<int>(end)];
-    error.isExit = end == Engine::End::Exit;
+    const int status = Engine::self().exitStatus();
+    error.isExit = end == Engine::End::Exit && status == 0;
+    if (end == Engine::End::Exit && status != 0)
+        error.message = QStringLiteral("The script ended with exit(%1)").arg(status);
     if (error.message.isEmpty())
         error.message = QStringLiteral("The script was ended");
     error.callStack = linesOfStack(stack);
@@ -248,9 +251,9 @@ ScriptError errorOf(const JS::ExceptionStack& thrown) {
     } catch (const ScriptErrorSet&) {
         // An error that can't be told.
         clearException();
-        if (error.message.isEmpty())
-            error.message = QStringLiteral("An error that can't be written");
     }
+    if (error.message.isEmpty() && exception.isObject())
+        error.message = QStringLiteral("An error that can't be written");
     const LineInfo place = syntaxErrorPlace(exception);
     if (place.isValid() && (error.callStack.empty() || error.callStack.front() != place))
         error.callStack.insert(error.callStack.begin(), place);

@@ -62,8 +62,12 @@ JS::Value writeText(const JS::CallArgs& arguments) {
     return JS::UndefinedValue();
 }
 
-bool exitScript(JSContext*, unsigned, JS::Value*) {
-    return Engine::self().endNow(Engine::End::Exit);
+bool exitScript(JSContext* context, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    int status = 0;
+    if (!JS::ToInt32(context, arguments.get(0), &status))
+        return false;
+    return Engine::self().exitNow(status);
 }
 
 constexpr NativeRow ownFunctions[] = {{"write", native<writeText>}, {"exit", exitScript}};

@@ -109,7 +109,6 @@ bool ScriptErrors::isNoted(pTHX_ SV* exception) const {
 
 ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
     ScriptError error;
-    error.message = messageOf(aTHX_ exception.get());
     SV* const value = exception.get();
     error.isPendingStep = sv_isobject(value) && sv_derived_from(value, "bdd::Pending");
     SV* const noted = m_noted.get();
@@ -140,6 +139,8 @@ ScriptError ScriptErrors::take(pTHX_ const SvRef& exception) {
     error.outermostLine = !error.callStack.empty() ? error.callStack.back().lineNumber()
                           : place.hasMatch()       ? place.captured(QStringLiteral("line")).toInt()
                                                    : 0;
+    // At the end, since an object that can't tell its text dies there in its turn.
+    error.message = messageOf(aTHX_ value);
     clear();
     return error;
 }

@@ -3,7 +3,10 @@
 #include <QFileInfo>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 
 #include "interpreter/language/prelude.h"
 #include "interpreter/language/scripterrorset.h"
@@ -23,6 +26,9 @@
 namespace Tamrix::TclPlugin {
 
 namespace {
+
+/// Behind it in Tcl's words on an error is the line within a procedure.
+constexpr std::string_view lineMark = "\" line ";
 
 /// What a script sees of each kind of failure, the `-errorcode`, and what a person is told it is.
 struct KindName {
@@ -373,9 +379,11 @@ void TclInterpreter::run(Tcl_Obj* function, const CallArguments& arguments) {
         Tcl_ListObjAppendElement(nullptr, command.get(), valueOf(argument));
     const auto words = elementsOf(command.get());
     const std::size_t outer = frames().size();
+    const TclRef caller = std::exchange(m_called, TclRef(words.empty() ? nullptr : words[0]));
     Tcl_AllowExceptions(m_tcl);
     check(Tcl_EvalObjv(m_tcl, static_cast<int>(words.size()), words.data(), TCL_EVAL_GLOBAL),
           outer);
+    m_called = caller;
 }
 
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
@@ -446,8 +454,30 @@ ScriptError TclInterpreter::takeError() {
     if (!m_originText.isEmpty() && result == m_originText)
         error.callStack.insert(error.callStack.begin(), m_origin);
     m_originText.clear();
+    if (error.callStack.empty())
+        error.callStack = placeInCalled(code);
+    m_called = TclRef();
     Tcl_ResetResult(m_tcl);
     return error;
+}
+
+std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
+    if (!m_called)
+        return {};
+    std::vector<TclFrame> place =
+        framesOfScripts({definitionOf(m_tcl, Tcl_GetString(m_called.get()))});
+    if (place.empty() || code != TCL_ERROR)
+        return stackOf(place);
+    // The last line in the words is that of the outermost procedure.
+    const TclRef info = errorOption("-errorinfo");
+    const std::string words(info ? bytesOf(info.get()) : std::string_view());
+    const std::size_t mark = words.rfind(lineMark);
+    const int line = mark == std::string::npos
+                         ? 0
+                         : static_cast<int>(std::strtol(
+                               words.c_str() + mark + lineMark.size(), nullptr, 10));
+    place.front().line += std::max(line - 1, 0);
+    return stackOf(place);
 }
 
 QString TclInterpreter::errorText() const {

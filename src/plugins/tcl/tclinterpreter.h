@@ -129,6 +129,8 @@ private:
     std::vector<TclFrame> framesOfError();
     static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
                                          std::size_t outer = 0);
+    /// The place of an error that Tcl tells no other of: in the procedure that was called.
+    std::vector<LineInfo> placeInCalled(int code);
 
     Tcl_Interp* m_tcl = nullptr;
     std::unique_ptr<HeldValues> m_values;
@@ -148,6 +150,8 @@ private:
     /// The text of an error that stands in a file that is none of Tcl's, and where.
     QString m_originText;
     LineInfo m_origin;
+    /// The name of the procedure that the library has called, while it runs or has failed.
+    TclRef m_called;
     /// Runs of script code in each other.
     int m_depth = 0;
     /// The text of a panic, after which nothing can run.

@@ -157,12 +157,26 @@ TEST_F(JavaScriptErrors, OnlyTheSkipItselfEndsACaseAsSkipped) {
     EXPECT_TRUE(interpreter->errorIsSkip());
 }
 
+TEST_F(JavaScriptErrors, OnesThatCantBeWritten) {
+    EXPECT_EQ(run("class Bad extends Error {\n"
+                  "    get name() { throw 1; }\n"
+                  "    get message() { throw 2; }\n"
+                  "    get stack() { throw 3; }\n"
+                  "    toString() { throw 4; }\n"
+                  "}\n"
+                  "throw new Bad();\n"),
+              "An error that can't be written");
+}
+
 TEST_F(JavaScriptErrors, ExitEndsTheCase) {
     ASSERT_EQ(
         run("function init() { try { tamrix.exit(); } catch (error) { test.fail('caught'); } }\n"
             "function main() { test.fail('not reached'); }\n"
-            "function cleanup() { test.log('cleaned'); }\n"),
+            "function cleanup() { test.log('cleaned'); }\n"
+            "function failing() { try { tamrix.exit(3); } finally { test.fail('reached'); } }\n"),
         "");
+    EXPECT_EQ(call("failing"), "The script ended with exit(3)");
+    EXPECT_EQ(interpreter->errorLine(), 4);
     EXPECT_EQ(call("init"), "");
     EXPECT_EQ(call("main"), "");
     EXPECT_EQ(call("cleanup"), "");

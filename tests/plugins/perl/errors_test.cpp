@@ -104,6 +104,17 @@ TEST_F(PerlErrors, CodeWithoutAFileHasALine) {
     EXPECT_EQ(interpreter->errorLine(), -1);
 }
 
+TEST_F(PerlErrors, AnObjectThatCantTellItsTextHasAPlace) {
+    ASSERT_EQ(run("package Bad; use overload '\"\"' => sub { die 'no text' };\n"
+                  "package main;\n"
+                  "sub failing {\n"
+                  "    die bless {}, 'Bad';\n"
+                  "}\n"),
+              "");
+    EXPECT_FALSE(call("failing"));
+    EXPECT_EQ(errorStack(), QStringList("test.pl:4"));
+}
+
 TEST_F(PerlErrors, ExitEndsTheCase) {
     ASSERT_EQ(run("sub init { eval { exit }; test::fail('caught') }\n"
                   "sub main { test::fail('not reached') }\n"

@@ -82,6 +82,26 @@ TEST_F(TclErrors, StackOfScriptLines) {
     EXPECT_FALSE(call("nothing"));
 }
 
+TEST_F(TclErrors, WhatTclTellsNoPlaceOfStandsInTheFunctionThatWasCalled) {
+    ASSERT_EQ(run("proc informed {} {\n    error text {info of its own}\n}\n"
+                  "proc leaving {} {\n    break\n}\n"
+                  "proc coded {} {\n    return -code 5 x\n}\n"
+                  "proc traced {} {\n    trace add variable ::v write {apply {args {error no}}}\n"
+                  "    set ::v 1\n}\n"
+                  "proc child {} {\n    set child [interp create]\n    $child eval {error inner}\n}\n"
+                  "proc leave {} {\n    exit 3\n}\n"),
+              "");
+    const struct {
+        const char* function;
+        int line;
+    } rows[] = {{"informed", 1}, {"leaving", 4}, {"coded", 7},
+                {"traced", 12},  {"child", 16},  {"leave", 18}};
+    for (const auto& row : rows) {
+        EXPECT_FALSE(call(row.function));
+        EXPECT_EQ(lines(), std::vector{row.line}) << row.function;
+    }
+}
+
 TEST_F(TclErrors, Syntax) {
     const struct {
         const char* text;
