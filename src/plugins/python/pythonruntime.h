@@ -25,8 +25,9 @@ public:
     QString setSearchPath(const QStringList& directories);
 
     /// Undoes what the test case changed: module path, arguments, builtins, streams, hooks, the
-    /// recursion limit, the environment's variables, handlers of signals, and every module that it imported or
-    /// made and that is not of Python's library. Problems are printed to standard error.
+    /// recursion limit, the environment's variables, handlers of signals, and every module that it
+    /// imported or made and that is not of Python's library. Problems are printed to standard
+    /// error.
     void restore();
 
 private:
