@@ -34,9 +34,6 @@
 #include "support/fakeagent.h"
 #include "support/fakerunner.h"
 #include "support/inmemorymodel.h"
-#ifdef TAMRIX_HAVE_TCL
-#include "tclcalls.h"
-#endif
 
 namespace {
 
@@ -304,8 +301,5 @@ int main() {
                     candidate.bestWithout / candidates.front().bestWithout, candidate.bestIntegers,
                     candidate.bestIntegers / candidates.front().bestIntegers);
     measureObjects(interpreter.get(), loop("text"), loop("clicks"), without, bare);
-#ifdef TAMRIX_HAVE_TCL
-    measureTclCalls();
-#endif
     return 0;
 }

@@ -3,15 +3,14 @@ function empty(count) {
         ;
 }
 
-// What the compiler of the engine does not put into the loop.
-function bare(count) {
+function callNothing(count) {
     for (let i = 0; i < count; ++i)
-        escape("a", "b");
+        nothing();
 }
 
-function call(count) {
+function callPlus(count) {
     for (let i = 0; i < count; ++i)
-        nothing(1000, 2000);
+        plus(1000, 2000);
 }
 
 function best(loop, count = 20000) {
@@ -26,6 +25,6 @@ function best(loop, count = 20000) {
 
 function main() {
     report("empty", best(empty));
-    report("bare", best(bare));
-    report("call", best(call));
+    report("nothing", best(callNothing));
+    report("plus", best(callPlus));
 }

@@ -1,5 +1,4 @@
 from itertools import repeat
-from operator import add
 
 
 def empty(count):
@@ -7,14 +6,14 @@ def empty(count):
         pass
 
 
-def bare(count):
+def call_nothing(count):
     for _ in repeat(None, count):
-        add(1000, 2000)
+        nothing()
 
 
-def call(count):
+def call_plus(count):
     for _ in repeat(None, count):
-        nothing(1000, 2000)
+        plus(1000, 2000)
 
 
 def best(loop, count=20000):
@@ -28,5 +27,5 @@ def best(loop, count=20000):
 
 def main():
     report("empty", best(empty))
-    report("bare", best(bare))
-    report("call", best(call))
+    report("nothing", best(call_nothing))
+    report("plus", best(call_plus))

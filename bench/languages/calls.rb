@@ -2,12 +2,12 @@ def empty(count)
   count.times { }
 end
 
-def bare(count)
-  count.times { 1000.gcd(2000) }
+def call_nothing(count)
+  count.times { nothing }
 end
 
-def call(count)
-  count.times { nothing(1000, 2000) }
+def call_plus(count)
+  count.times { plus(1000, 2000) }
 end
 
 def best(loop, count = 20_000)
@@ -21,6 +21,6 @@ end
 
 def main
   report("empty", best(:empty))
-  report("bare", best(:bare))
-  report("call", best(:call))
+  report("nothing", best(:call_nothing))
+  report("plus", best(:call_plus))
 end

@@ -2,15 +2,15 @@ proc empty {count} {
     for {set i 0} {$i < $count} {incr i} {}
 }
 
-proc bare {count} {
+proc callNothing {count} {
     for {set i 0} {$i < $count} {incr i} {
-        ::tcl::mathfunc::max 1000 2000
+        nothing
     }
 }
 
-proc call {count} {
+proc callPlus {count} {
     for {set i 0} {$i < $count} {incr i} {
-        nothing 1000 2000
+        plus 1000 2000
     }
 }
 
@@ -26,6 +26,6 @@ proc best {loop {count 20000}} {
 
 proc main {} {
     report empty [best empty]
-    report bare [best bare]
-    report call [best call]
+    report nothing [best callNothing]
+    report plus [best callPlus]
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QMap>
 #include <QRect>
 
 #include "support/agentclient.h"
@@ -189,6 +190,16 @@ TEST_P(LookUpTest, ExpectationsTellWhatAnObjectHasOtherwise) {
     const auto none = m_client.request<Wire::LookUpResult>(Wire::MessageType::Expect, missing);
     EXPECT_EQ(none.object.handle, 0U);
     EXPECT_FALSE(none.nearMisses.isEmpty());
+}
+
+TEST_P(LookUpTest, OutlinesTellWhatIsSeen) {
+    const auto outline = m_client.request<Wire::ObjectOutline>(Wire::MessageType::OutlineObjects);
+    QMap<QString, QRect> places;
+    for (const Wire::OutlinedObject& object : outline.objects)
+        places.insert(object.text, object.geometry);
+    EXPECT_EQ(places.value("Off"), bounds(m_client.find({"text=Off"})));
+    ASSERT_TRUE(places.contains("Far"));
+    EXPECT_TRUE(places.value("Far").isEmpty()) << "it is scrolled out of sight";
 }
 
 TEST_P(LookUpTest, ItemsAreFoundByTextAndPlace) {

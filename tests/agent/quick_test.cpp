@@ -76,6 +76,18 @@ TEST_P(QuickTest, PasswordsStayHidden) {
         texts << object.text << object.label;
     EXPECT_GE(texts.count(shown), 2);
     EXPECT_TRUE(texts.filter("hunter2").isEmpty());
+    // Nor does it tell why it is not as expected, or not the one that is looked for.
+    Wire::Expect expect;
+    expect.handle = field.handle;
+    expect.properties = makeQuery({"text=guess"});
+    Wire::Expect missing;
+    missing.query = makeQuery({"type=QQuickTextInput", "text=guess"});
+    missing.wantNearMisses = true;
+    for (const Wire::Expect& request : {expect, missing}) {
+        const auto result = client.request<Wire::LookUpResult>(Wire::MessageType::Expect, request);
+        ASSERT_EQ(result.nearMisses.size(), 1);
+        EXPECT_EQ(result.nearMisses.first().differences.first().actual, "(hidden)");
+    }
 }
 
 TEST_P(QuickTest, AProgramWithoutWidgetsGetsNone) {

@@ -228,6 +228,9 @@ TEST_F(FarmRunTest, EndsAfterFailuresAndRepeatsWhatFailed) {
     ASSERT_TRUE(QFile::rename(suite.path("results/journal.jsonl"), journal));
     run({"--only-failed", journal, "--repeat", "2"});
     EXPECT_EQ(journalText("caseStart"), "a b a b");
+    // The folder of the results will do, also the one to which the new ones go.
+    run({"--only-failed", suite.path("results")});
+    EXPECT_EQ(journalText("caseStart"), "a b");
     RunnerProcess wrong;
     wrong.run({"run", suite.path("suite"), "--only-failed", suite.path("none.jsonl")});
     EXPECT_EQ(wrong.exitCode(), 2);

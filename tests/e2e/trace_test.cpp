@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <QDirIterator>
 #include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -124,6 +125,26 @@ TEST_F(Traces, AreShownUntilTheRunEnds) {
         EXPECT_TRUE(taken.isListening());
         taken.close();
     }
+}
+
+TEST_F(Traces, HoldNoPasswordsNorDoReports) {
+    addCase("a",
+            "def main():\n    word = testSettings.getPassword('shop')\n"
+            "    print('it is', word, flush=True)\n    test.fail('wrong', word)\n"
+            "    startApplication('faulty')\n    waitForObject({'text': word}, 0)\n");
+    runner.setVariable("TAMRIX_PASSWORD_shop", "hunter2");
+    runner.run(options("on") + QStringList{"--report", "junit:" + suite.path("results/junit.xml")});
+    EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());
+    EXPECT_TRUE(text("case-0001/steps-0001.js").contains("it is ******"));
+    const QString results = suite.path("results");
+    int files = 0;
+    for (QDirIterator each(results, QDir::Files, QDirIterator::Subdirectories); each.hasNext();) {
+        const QString file = each.next();
+        ++files;
+        EXPECT_FALSE(Tamrix::Test::readFile(file).contains("hunter2")) << qPrintable(file);
+    }
+    EXPECT_GT(files, 5);
+    EXPECT_FALSE(runner.output().contains("hunter2")) << qPrintable(runner.output());
 }
 
 TEST_F(Traces, NeedAFolderAndActions) {

@@ -17,6 +17,9 @@ namespace Tamrix::Agent {
 
 namespace {
 
+/// So many bytes are kept for a runner that does not read, before the application waits for it.
+constexpr int mostQueued = 16 * 1024 * 1024;
+
 AgentSession* s_session = nullptr;
 
 /// The answer to one request over the session, which may end before the request does.
@@ -71,6 +74,9 @@ AgentSession::AgentSession(int descriptor, const QString& token) : m_channel(des
     s_session = this;
     m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { read(); });
+    m_writable = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Write);
+    m_writable->setEnabled(false);
+    connect(m_writable.get(), &QSocketNotifier::activated, this, [this] { watchQueue(); });
     sayHello(token);
 }
 
@@ -124,10 +130,12 @@ void AgentSession::takeHandshake(const Wire::Frame& frame) {
 void AgentSession::goSilent() {
     m_channel.close();
     m_requests.clear();
-    if (m_notifier) {
-        m_notifier->setEnabled(false);
+    for (std::unique_ptr<QSocketNotifier>* const notifier : {&m_notifier, &m_writable}) {
+        if (!*notifier)
+            continue;
+        (*notifier)->setEnabled(false);
         // It may be the one that called.
-        m_notifier.release()->deleteLater();
+        notifier->release()->deleteLater();
     }
 }
 
@@ -178,8 +186,23 @@ void AgentSession::sendEvent(const Wire::EventFired& event) {
 }
 
 void AgentSession::sendObservation(const Wire::Observation& observation) {
-    if (m_isWelcome)
-        answer(0, Wire::MessageType::Observed, Wire::encode(observation));
+    if (!m_isWelcome)
+        return;
+    const QByteArray body = Wire::encode(observation);
+    // A person does not wait for a runner that is busy.
+    if (m_channel.queuedSize() > mostQueued)
+        answer(0, Wire::MessageType::Observed, body);
+    else if (m_channel.isOpen() && m_channel.enqueue(0, Wire::MessageType::Observed, body))
+        watchQueue();
+    else
+        goSilent();
+}
+
+void AgentSession::watchQueue() {
+    if (m_channel.flush())
+        m_writable->setEnabled(m_channel.hasQueued());
+    else
+        goSilent();
 }
 
 void AgentSession::addToolkit(std::unique_ptr<Toolkit> toolkit) {

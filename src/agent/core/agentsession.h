@@ -51,9 +51,13 @@ private:
     void scheduleNext();
     void workOnNext();
     void goSilent();
+    /// Sends on what is queued when the runner reads again.
+    void watchQueue();
 
     Wire::FrameChannel m_channel;
     std::unique_ptr<QSocketNotifier> m_notifier;
+    /// Enabled while something is queued.
+    std::unique_ptr<QSocketNotifier> m_writable;
     bool m_isWelcome = false;
     bool m_isScheduled = false;
     QQueue<Wire::Frame> m_requests;

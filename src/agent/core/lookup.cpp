@@ -1,11 +1,10 @@
 #include "agent/core/lookup.h"
 
-#include <QGuiApplication>
-#include <QWindow>
 #include <algorithm>
 #include <tuple>
 
 #include "agent/core/session.h"
+#include "agent/core/survey.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/vocabulary.h"
 #include "agent/core/walk.h"
@@ -27,16 +26,14 @@ Cost costOf(const QString& property) {
     return s_costs.value(property, Cost::Property);
 }
 
-/// The windows that are there natively: all that can be visible. Listing every window there is
-/// takes Qt as long as a walk.
-QVector<Element> nativeRoots() {
-    QVector<Element> roots;
-    for (QWindow* window : QGuiApplication::topLevelWindows()) {
-        const Element root = Session::self()->element(window);
-        if (!root.isNull())
-            roots.append(root);
-    }
-    return roots;
+/// Whether it is a text that the field hides, as one for passwords.
+bool isHiddenText(const Element& element, const QString& property) {
+    if (property != QLatin1String("text") && property != QLatin1String("selectedText"))
+        return false;
+    bool isKnown = false;
+    const QVariant echoMode = propertyValue(element, QStringLiteral("echoMode"), &isKnown);
+    // 0: what is entered is shown.
+    return isKnown && echoMode.toInt() != 0;
 }
 
 }  // namespace
@@ -63,7 +60,8 @@ struct ObjectFinder::Criterion {
     }
 };
 
-ObjectFinder::ObjectFinder(const Wire::Query& query) : m_occurrence(query.occurrence) {
+ObjectFinder::ObjectFinder(const Wire::Query& query, Survey* survey)
+    : m_survey(survey), m_occurrence(query.occurrence) {
     for (const Wire::Criterion& wanted : query.criteria)
         add(wanted);
     std::stable_sort(
@@ -80,7 +78,7 @@ void ObjectFinder::add(const Wire::Criterion& wanted) {
     criterion.wanted = wanted.text;
     criterion.isPlain = wanted.modifier == Wire::TextMatch::Plain;
     if (wanted.object) {
-        criterion.finder = std::make_unique<ObjectFinder>(*wanted.object);
+        criterion.finder = std::make_unique<ObjectFinder>(*wanted.object, m_survey);
         if (m_errorText.isEmpty())
             m_errorText = criterion.finder->errorText();
         if (criterion.cost != Cost::Relation)
@@ -177,6 +175,12 @@ bool ObjectFinder::matches(const Element& element) {
                        [&](const Criterion& criterion) { return matches(criterion, element); });
 }
 
+bool ObjectFinder::mayClassMatch(const Element& element) {
+    return std::all_of(m_criteria.cbegin(), m_criteria.cend(), [&](const Criterion& criterion) {
+        return criterion.cost != Cost::Type || typeMatches(criterion, element);
+    });
+}
+
 bool ObjectFinder::resolveRelations() {
     bool areFound = true;
     for (Criterion& criterion : m_criteria) {
@@ -213,18 +217,24 @@ void ObjectFinder::collect(const QVector<Element>& roots, std::vector<Match>* vi
     const bool withItems = mayItemsMatch();
     int window = 0;
     for (const Element& root : roots) {
-        walkTree(root, withItems, [&](const Element& element) {
+        const auto visit = [&](const Element& element) {
             if (!matches(element))
                 return;
             const bool isFirstChoice = m_asksVisible || (element.toolkit->isVisible(element) &&
                                                          !element.toolkit->isInternal(element));
             (isFirstChoice ? visible : others)->push_back({element, window, QPoint()});
-        });
+        };
+        if (m_survey)
+            m_survey->walk(
+                root, withItems, [this](const Element& each) { return mayClassMatch(each); },
+                visit);
+        else
+            walkTree(root, withItems, visit);
         ++window;
     }
 }
 
-std::vector<ObjectFinder::Match> ObjectFinder::orderedMatches() {
+std::vector<ObjectFinder::Match> ObjectFinder::countingMatches() {
     std::vector<Match> visible;
     std::vector<Match> others;
     if (!m_errorText.isEmpty() || m_criteria.empty() || !resolveRelations())
@@ -235,15 +245,20 @@ std::vector<ObjectFinder::Match> ObjectFinder::orderedMatches() {
     } else {
         // Mostly what is looked for is visible, and below a window that is there.
         if (!m_asksVisible && !maySeeOfHidden())
-            collect(nativeRoots(), &visible, &others);
+            collect(m_survey ? m_survey->nativeRoots() : nativeRoots(), &visible, &others);
         if (visible.empty()) {
             others.clear();
-            collect(Session::self()->topLevels(), &visible, &others);
+            collect(m_survey ? m_survey->topLevels() : Session::self()->topLevels(), &visible,
+                    &others);
         }
     }
-    std::vector<Match>& matches = visible.empty() ? others : visible;
+    return std::move(visible.empty() ? others : visible);
+}
+
+std::vector<ObjectFinder::Match> ObjectFinder::orderedMatches() {
+    std::vector<Match> matches = countingMatches();
     order(&matches);
-    return std::move(matches);
+    return matches;
 }
 
 Element ObjectFinder::find() {
@@ -251,6 +266,11 @@ Element ObjectFinder::find() {
     if (m_occurrence < 1 || static_cast<size_t>(m_occurrence) > matches.size())
         return {};
     return matches[static_cast<size_t>(m_occurrence) - 1].element;
+}
+
+Element ObjectFinder::findSingle() {
+    const std::vector<Match> matches = countingMatches();
+    return matches.size() == 1 ? matches.front().element : Element();
 }
 
 QVector<Element> ObjectFinder::findAll() {
@@ -268,6 +288,8 @@ QString ObjectFinder::actualText(const Criterion& criterion, const Element& elem
     if (!isKnown)
         return QString();
     const QString text = valueText(value);
+    if (!text.isEmpty() && isHiddenText(element, criterion.property))
+        return QStringLiteral("(hidden)");
     return text.isNull() ? QStringLiteral("") : text;
 }
 

@@ -12,6 +12,8 @@
 
 namespace Tamrix::Agent {
 
+class Survey;
+
 /// Finds what a name means, in one walk over the objects. Made for one look: it remembers what it
 /// learnt of classes while it walks, and the tree must not change meanwhile.
 ///
@@ -24,13 +26,16 @@ namespace Tamrix::Agent {
 /// its own means the object that this name finds; with a text, one of that text or name.
 class ObjectFinder {
 public:
-    explicit ObjectFinder(const Wire::Query& query);
+    /// With a survey, several finders share the walk; it must outlive them.
+    explicit ObjectFinder(const Wire::Query& query, Survey* survey = nullptr);
     ~ObjectFinder();
 
     /// What is wrong with the name, a malformed expression; empty for a good one.
     QString errorText() const { return m_errorText; }
     /// The object that the name means; null for none.
     Element find();
+    /// The only object of which the name is true; null for none, and for several.
+    Element findSingle();
     /// All objects of which the name is true, whatever occurrence it says, in the order in which
     /// occurrences count.
     QVector<Element> findAll();
@@ -44,7 +49,9 @@ private:
     struct Criterion;
     struct Match;
 
-    /// The matches that count, in their order.
+    /// The matches that count, in the order of creation.
+    std::vector<Match> countingMatches();
+    /// The same in their order.
     std::vector<Match> orderedMatches();
     static void order(std::vector<Match>* matches);
     void add(const Wire::Criterion& wanted);
@@ -54,6 +61,8 @@ private:
     bool relationMatches(const Criterion& criterion, const Element& element) const;
     bool matches(const Criterion& criterion, const Element& element);
     bool matches(const Element& element);
+    /// Whether objects of this one's class may match.
+    bool mayClassMatch(const Element& element);
     /// Null when the element has no such property.
     QString actualText(const Criterion& criterion, const Element& element) const;
     NearMiss::Difference differenceOf(const Criterion& criterion, const Element& element) const;
@@ -66,6 +75,7 @@ private:
     void collect(const QVector<Element>& roots, std::vector<Match>* visible,
                  std::vector<Match>* others);
 
+    Survey* m_survey;
     QString m_errorText;
     int m_occurrence;
     bool m_asksVisible = false;

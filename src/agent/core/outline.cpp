@@ -87,6 +87,11 @@ QString shownValue(const Element& element) {
     return {};
 }
 
+/// Whether something else is in its place, as of docks that share one, although it counts as shown.
+bool isElsewhere(const Element& element, const QRect& seen) {
+    return seen.isEmpty() && !element.toolkit->hiddenReason(element).isEmpty();
+}
+
 }  // namespace
 
 Wire::ObjectOutline makeOutline() {
@@ -102,12 +107,15 @@ Wire::ObjectOutline makeOutline() {
             return Telling::PassedOver;
         }
         const Element& element = index.element(number);
+        const QRect seen = element.toolkit->visibleBounds(element);
+        if (isElsewhere(element, seen))
+            return Telling::LeftOut;
         OutlinedObject object;
         object.depth = depth;
         object.type = index.type(number);
         object.handle = Session::self()->handle(element);
         object.state = stateOf(element, focused);
-        object.geometry = element.toolkit->globalBounds(element);
+        object.geometry = seen;
         object.name = element.toolkit->name(element);
         object.text = shortened(index.text(number));
         bool isEntered = !element.toolkit->isTextLasting(element);

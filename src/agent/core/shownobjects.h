@@ -9,8 +9,9 @@ namespace Tamrix::Agent {
 
 /// What becomes of an object in a tree that is told to somebody.
 enum class Telling {
-    Told,       ///< it is part of the tree
-    PassedOver  ///< it is not, what is below it is
+    Told,        ///< it is part of the tree
+    PassedOver,  ///< it is not, what is below it is
+    LeftOut      ///< neither is
 };
 
 /// Calls `tell(number, depth)`, which returns a Telling, for the objects of an index as testers see
@@ -34,8 +35,9 @@ void walkShownObjects(const NameIndex& index, Tell tell) {
                 childDepths[static_cast<size_t>(number)] = depth;
             continue;
         }
-        childDepths[static_cast<size_t>(number)] =
-            tell(number, depth) == Telling::Told ? depth + 1 : depth;
+        const Telling telling = tell(number, depth);
+        if (telling != Telling::LeftOut)
+            childDepths[static_cast<size_t>(number)] = telling == Telling::Told ? depth + 1 : depth;
     }
 }
 

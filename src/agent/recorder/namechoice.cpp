@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 
 #include "agent/core/lookup.h"
+#include "agent/core/survey.h"
 #include "agent/core/toolkit.h"
 #include "agent/core/vocabulary.h"
 
@@ -34,23 +35,12 @@ bool isNameable(const QString& text) {
 }
 
 /// The objects that have a name, in the order in which occurrences count.
-QVector<Element> found(const Words& words) {
-    return ObjectFinder(Wire::Query{words, 1}).findAll();
+QVector<Element> found(const Words& words, Survey* survey) {
+    return ObjectFinder(Wire::Query{words, 1}, survey).findAll();
 }
 
-bool findsOnly(const Words& words, const Element& element) {
-    const QVector<Element> elements = found(words);
-    return elements.size() == 1 && elements.first() == element;
-}
-
-/// Texts that change are those that the program itself writes: not the ones on buttons and entries.
-bool mayChange(const Element& element, const QString& text) {
-    if (looksLikePath(text))
-        return true;
-    const bool isFixed = element.isItem() ||
-                         element.toolkit->role(element) == Wire::ObservedRole::MenuEntry ||
-                         !element.toolkit->clickedBy(element).isNull();
-    return !isFixed && looksChanging(text);
+bool findsOnly(const Words& words, const Element& element, Survey* survey) {
+    return ObjectFinder(Wire::Query{words, 1}, survey).findSingle() == element;
 }
 
 /// Column and row of an item; a header's sections have one of them.
@@ -108,27 +98,28 @@ QVector<Words> ownNames(const Element& element) {
 }
 
 /// Looks for one of the names that, together with what is added, finds the element only.
-Words chosen(const QVector<Words>& names, const Words& added, const Element& element) {
+Words chosen(const QVector<Words>& names, const Words& added, const Element& element,
+             Survey* survey) {
     for (const Words& name : names) {
         const Words words = name + added;
-        if (findsOnly(words, element))
+        if (findsOnly(words, element, survey))
             return words;
     }
     return {};
 }
 
 /// The name of a container, if it has a plain one.
-Words plainName(const Element& container) {
+Words plainName(const Element& container, Survey* survey) {
     QVector<Words> names;
     for (const Words& name : ownNames(container)) {
         // By its type alone no container is known to people.
         if (name.size() > 1)
             names.append(name);
     }
-    return chosen(names, {}, container);
+    return chosen(names, {}, container, survey);
 }
 
-Words nameInContainer(const QVector<Words>& names, const Element& element) {
+Words nameInContainer(const QVector<Words>& names, const Element& element, Survey* survey) {
     const Element window = element.toolkit->window(element);
     Element container = containerOf(element);
     for (int level = 0; level < mostContainers && !container.isNull() && container != window;
@@ -136,11 +127,11 @@ Words nameInContainer(const QVector<Words>& names, const Element& element) {
         // The view of an item is its container, however it is called.
         const bool isHolder = element.isItem() && level == 0;
         const Wire::Query name =
-            isHolder ? chooseName(container) : Wire::Query{plainName(container), 1};
+            isHolder ? chooseName(container, survey) : Wire::Query{plainName(container, survey), 1};
         if (name.criteria.isEmpty())
             continue;
         const Words words =
-            chosen(names, {word(level == 0 ? "container" : "ancestor", name)}, element);
+            chosen(names, {word(level == 0 ? "container" : "ancestor", name)}, element, survey);
         if (!words.isEmpty())
             return words;
     }
@@ -148,9 +139,10 @@ Words nameInContainer(const QVector<Words>& names, const Element& element) {
 }
 
 /// The best of its names, with how many others stand before it.
-Wire::Query countedName(const QVector<Words>& names, const Words& added, const Element& element) {
+Wire::Query countedName(const QVector<Words>& names, const Words& added, const Element& element,
+                        Survey* survey) {
     for (const Words& name : names) {
-        const int place = found(name + added).indexOf(element);
+        const int place = found(name + added, survey).indexOf(element);
         if (place >= 0)
             return {name + added, place + 1};
     }
@@ -159,30 +151,47 @@ Wire::Query countedName(const QVector<Words>& names, const Words& added, const E
 
 }  // namespace
 
-Wire::Query chooseName(const Element& element) {
+Wire::Query chooseName(const Element& element, Survey* survey) {
     const QVector<Words> names = ownNames(element);
     // 1. What it says of itself.
-    Words words = chosen(names, {}, element);
+    Words words = chosen(names, {}, element, survey);
     if (!words.isEmpty())
         return {words, 1};
     // 2. The nearest container with a name.
-    words = nameInContainer(names, element);
+    words = nameInContainer(names, element, survey);
     if (!words.isEmpty())
         return {words, 1};
     // 3. Its window.
     const Element window = element.toolkit->window(element);
     Words added;
     if (!window.isNull() && window != element) {
-        const Wire::Query name = chooseName(window);
+        const Wire::Query name = chooseName(window, survey);
         if (!name.criteria.isEmpty())
             added = {word("window", name)};
-        words = chosen(names, added, element);
+        words = chosen(names, added, element, survey);
         if (!words.isEmpty())
             return {words, 1};
     }
     // 4. The occurrence, in the window.
-    const Wire::Query counted = countedName(names, added, element);
-    return counted.criteria.isEmpty() ? countedName(names, {}, element) : counted;
+    const Wire::Query counted = countedName(names, added, element, survey);
+    return counted.criteria.isEmpty() ? countedName(names, {}, element, survey) : counted;
+}
+
+bool mayChange(const Element& element, const QString& text) {
+    // 1. Paths are elsewhere on another day.
+    if (looksLikePath(text))
+        return true;
+    // 2. Of items, times, and what stands behind the first column as the value of a row.
+    if (element.isItem()) {
+        bool isKnown = false;
+        const int column =
+            element.toolkit->property(element, QStringLiteral("column"), &isKnown).toInt();
+        return looksLikeMoment(text) || (isKnown && column > 0 && looksLikeNumber(text));
+    }
+    // 3. What the program itself writes: not the texts on buttons and entries.
+    const bool isFixed = element.toolkit->role(element) == Wire::ObservedRole::MenuEntry ||
+                         !element.toolkit->clickedBy(element).isNull();
+    return !isFixed && looksChanging(text);
 }
 
 bool looksGenerated(const QString& objectName) {
@@ -193,6 +202,18 @@ bool looksGenerated(const QString& objectName) {
 
 bool looksLikePath(const QString& text) {
     static const QRegularExpression s_form(QStringLiteral("^(~?/|file:/)\\S"));
+    return s_form.match(text).hasMatch();
+}
+
+bool looksLikeMoment(const QString& text) {
+    static const QRegularExpression s_form(
+        QStringLiteral("\\b\\d{1,2}:\\d{2}\\b|\\b\\d{4}-\\d{2}-\\d{2}\\b|"
+                       "\\b\\d{1,2}([./])\\d{1,2}\\1(\\d{2}|\\d{4})\\b"));
+    return s_form.match(text).hasMatch();
+}
+
+bool looksLikeNumber(const QString& text) {
+    static const QRegularExpression s_form(QStringLiteral("^[^\\pL]*\\d[^\\pL]*$"));
     return s_form.match(text).hasMatch();
 }
 

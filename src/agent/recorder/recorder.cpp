@@ -94,7 +94,7 @@ bool isWithin(const QObject* object, const QObject* around) {
 
 }  // namespace
 
-Recorder::Recorder(QObject* parent) : QObject(parent) {
+Recorder::Recorder(QObject* parent) : QObject(parent), m_names([this] { return expected(); }) {
     m_rest.setParent(this);
     m_rest.setSingleShot(true);
     connect(&m_rest, &QTimer::timeout, this, [this] {
@@ -110,6 +110,7 @@ void Recorder::follow(const Wire::Record& record) {
             QCoreApplication::instance()->installEventFilter(this);
         else
             QCoreApplication::instance()->removeEventFilter(this);
+        m_names.stop();
         m_watched.clear();
         m_press.reset();
         m_openMenu.reset();
@@ -122,6 +123,14 @@ void Recorder::follow(const Wire::Record& record) {
 }
 
 bool Recorder::eventFilter(QObject* object, QEvent* event) {
+    const bool isTaken = filter(object, event);
+    if (m_isOn)
+        m_names.forget(event->spontaneous() ? ForeseenNames::Cause::Person
+                                            : ForeseenNames::Cause::Program);
+    return isTaken;
+}
+
+bool Recorder::filter(QObject* object, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseMove:
         case QEvent::MouseButtonPress:
@@ -324,7 +333,9 @@ void Recorder::takePress(QWindow* window, const QMouseEvent& event) {
     tellState(element);
     if (const std::optional<RecordedWay> way = element.toolkit->wayTo(element)) {
         press.holder = observed(way->holder);
-        press.steps = way->steps;
+        // By its place, when its text is another one the next time.
+        if (!way->steps.isEmpty() && !mayChange(element, way->steps.constLast()))
+            press.steps = way->steps;
         tellState(way->holder);
     }
     press.place = position - element.toolkit->globalBounds(element).topLeft();
@@ -561,7 +572,26 @@ void Recorder::takeCommit(const QInputMethodEvent& event) {
 
 // What is told
 
-Wire::ObservedObject Recorder::observed(const Element& element) const {
+QVector<Element> Recorder::expected() const {
+    QVector<Element> elements;
+    if (!hasListener())
+        return elements;
+    const Element used = m_mouseWindow && m_mouseWindow->isVisible()
+                             ? usedAt(m_mouseWindow, m_mouse, Qt::LeftButton)
+                             : Element();
+    // Entries of menus are chosen by their texts.
+    if (!used.isNull() && used.toolkit->role(used) != ObservedRole::MenuEntry) {
+        elements.append(used);
+        if (const std::optional<RecordedWay> way = used.toolkit->wayTo(used))
+            elements.append(way->holder);
+    }
+    const Element typedInto = focus();
+    if (!typedInto.isNull())
+        elements.append(typedInto);
+    return elements;
+}
+
+Wire::ObservedObject Recorder::observed(const Element& element) {
     Wire::ObservedObject object;
     object.handle = Session::self()->handle(element);
     object.role = element.toolkit->role(element);
@@ -569,7 +599,7 @@ Wire::ObservedObject Recorder::observed(const Element& element) const {
     if (object.role == ObservedRole::Place && size.width() <= smallSize &&
         size.height() <= smallSize)
         object.role = ObservedRole::Control;
-    object.name = chooseName(element);
+    object.name = m_names.nameOf(element);
     return object;
 }
 

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "agent/core/element.h"
+#include "agent/recorder/foreseennames.h"
 #include "wire/observations.h"
 
 class QDropEvent;
@@ -23,9 +24,10 @@ class QWindow;
 namespace Tamrix::Agent {
 
 /// Tells the runner what a person does. Only reads events, as they come to native windows, each
-/// real one once; while clicks verify, it takes those that would act. Names and states are told
-/// before the application handles an event, and what became of them by a timer of zero, which runs
-/// in the loops of modal dialogs as well. One for each session, whose child it is; GUI thread only.
+/// real one once; while clicks verify, it takes those that would act. Names and states are told as
+/// they are before the application handles an event, and what became of them by a timer of zero,
+/// which runs in the loops of modal dialogs as well. One for each session, whose child it is; GUI
+/// thread only.
 class Recorder : public QObject {
 public:
     explicit Recorder(QObject* parent);
@@ -67,6 +69,7 @@ private:
         bool isOfMenu = false;
     };
 
+    bool filter(QObject* object, QEvent* event);
     bool filterWindowEvent(QWindow* window, QEvent* event);
     bool filterVerifying(QWindow* window, QEvent* event);
     /// Whether the key switches the meaning of clicks.
@@ -96,7 +99,9 @@ private:
     /// The outermost open menu that no bar has opened, but a button or a place; null for none.
     Element openMenu() const;
     Element focus() const;
-    Wire::ObservedObject observed(const Element& element) const;
+    /// Whose names are likely to be asked for next.
+    QVector<Element> expected() const;
+    Wire::ObservedObject observed(const Element& element);
     /// The same for what has the focus, whose name stays the same while it is typed into.
     Wire::ObservedObject observedFocus(const Element& element);
     Wire::ObservedObject hoveredFor(const Element& element) const;
@@ -115,6 +120,7 @@ private:
     bool m_takesRelease = false;
     QString m_verifyKeys;
     QTimer m_rest;
+    ForeseenNames m_names;
     QVector<Watched> m_watched;
     std::optional<Press> m_press;
     std::optional<OpenMenu> m_openMenu;

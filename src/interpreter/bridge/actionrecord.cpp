@@ -74,6 +74,20 @@ QString actionArguments(const ScriptArgument::List& positional, const NamedArgum
     return texts.join(QLatin1String(", "));
 }
 
+QString actionArgumentsWithoutTexts(const ScriptArgument::List& positional,
+                                    const NamedArguments& named) {
+    const auto textOf = [](const SharedPtr<ScriptArgument>& argument, bool isObject) {
+        return isObject || !argument->isString() ? shortened(argumentText(argument))
+                                                 : QStringLiteral("******");
+    };
+    QStringList texts;
+    for (const SharedPtr<ScriptArgument>& argument : positional)
+        texts.append(textOf(argument, texts.isEmpty()));
+    for (const auto& [name, argument] : named)
+        texts.append(name + QLatin1Char('=') + textOf(argument, name == QLatin1String("object")));
+    return texts.join(QLatin1String(", "));
+}
+
 ActionRecord::ActionRecord(ScriptContext* context, const char* function)
     : ActionRecord(context, QString::fromLatin1(function)) {
     m_usesContext = true;
@@ -126,6 +140,12 @@ void ActionRecord::setArguments(const ScriptArgument::List& positional,
                                 const NamedArguments& named) {
     if (m_isWanted)
         m_arguments = actionArguments(positional, named);
+}
+
+void ActionRecord::setArgumentsWithoutTexts(const ScriptArgument::List& positional,
+                                            const NamedArguments& named) {
+    if (m_isWanted)
+        m_arguments = actionArgumentsWithoutTexts(positional, named);
 }
 
 }  // namespace Tamrix

@@ -27,6 +27,11 @@ public:
     ActionRecord& operator=(const ActionRecord&) = delete;
 
     void setArguments(const ScriptArgument::List& positional, const NamedArguments& named = {});
+    /// The same without the texts, as what is entered into a field for passwords.
+    void setArgumentsWithoutTexts(const ScriptArgument::List& positional,
+                                  const NamedArguments& named);
+    /// Whether anybody looks at what it is told.
+    bool isWanted() const { return m_isWanted; }
     void setFailed() { m_hasFailed = true; }
 
 private:
@@ -48,5 +53,9 @@ private:
 /// what the language throws when a value has no text.
 TAMRIX_EXPORT QString actionArguments(const ScriptArgument::List& positional,
                                       const NamedArguments& named = {});
+/// The same with asterisks for the texts of all arguments but the object, which stands first or has
+/// its name.
+TAMRIX_EXPORT QString actionArgumentsWithoutTexts(const ScriptArgument::List& positional,
+                                                  const NamedArguments& named);
 
 }  // namespace Tamrix

@@ -18,8 +18,17 @@ struct PasswordKey {
     QString key;
 };
 
+/// The application that has connected by itself next.
+struct LaunchedContext {};
+
+/// The application of this name.
+struct NamedContext {
+    QString name;
+};
+
 /// An argument of a script function or a property's value. A list of texts is a way to an item.
-using ActionValue = std::variant<bool, qint64, double, QString, QStringList, PasswordKey>;
+using ActionValue = std::variant<bool, qint64, double, QString, QStringList, PasswordKey,
+                                 LaunchedContext, NamedContext>;
 
 /// click(object, 3, 4, button="right"): a script function with its arguments.
 struct FunctionAction {

@@ -26,9 +26,6 @@ FunctionTables& tables() {
     return s_instance;
 }
 
-/// What each call starts with.
-const QString s_noError;
-
 QString memberKey(const QString& className, const QString& name) {
     return className + QLatin1String("::") + name;
 }
@@ -44,9 +41,7 @@ ScriptContext::~ScriptContext() {
 // Errors
 
 void ScriptContext::setError(const QString& message, ErrorType type) {
-    // Each call clears an error that mostly is not there.
-    if (!message.isEmpty() || !m_errorMessage.isEmpty())
-        m_errorMessage = message;
+    m_errorMessage = message;
     m_errorType = type;
     m_isSkip = false;
     m_errorFrame = DebuggerFrame();
@@ -65,10 +60,6 @@ void ScriptContext::setArguments(const std::vector<SharedPtr<ScriptArgument>>& a
 
 void ScriptContext::clearArguments() {
     m_arguments.clear();
-}
-
-SharedPtr<ScriptArgument> ScriptContext::argument(int index) const {
-    return index >= 0 && index < argumentCount() ? m_arguments[index] : SharedPtr<ScriptArgument>();
 }
 
 // Tables
@@ -139,8 +130,12 @@ int ScriptContext::tryCall(const QString& className, const QString& name) {
 }
 
 inline void ScriptContext::prepareCall() {
-    // Every call passes here: without asking who else sets errors.
-    ScriptContext::setError(s_noError, GeneralError);
+    // As setError() with an empty message; every call passes here.
+    if (hasError())
+        m_errorMessage.clear();
+    m_errorType = GeneralError;
+    m_isSkip = false;
+    m_errorFrame = DebuggerFrame();
     clearError();
 }
 

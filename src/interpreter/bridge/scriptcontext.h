@@ -129,7 +129,10 @@ public:
     int argumentCount() const { return static_cast<int>(m_arguments.size()); }
     /// Null for an index past the end, and for an optional argument that was left out though others
     /// behind it were given.
-    SharedPtr<ScriptArgument> argument(int index) const;
+    SharedPtr<ScriptArgument> argument(int index) const {
+        return index >= 0 && index < argumentCount() ? m_arguments[static_cast<std::size_t>(index)]
+                                                     : SharedPtr<ScriptArgument>();
+    }
     /// Whether the script gave arguments by name: each then stands at the place of its parameter,
     /// also of a function that otherwise tells its forms by the number of arguments.
     bool hasNamedArguments() const { return m_hasNamedArguments; }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <cmath>
 #include <optional>
 
 #include "interpreter/bridge/scriptargument.h"
@@ -11,6 +12,14 @@
 #include "platform/objectmodel/inspector.h"
 
 namespace Tamrix {
+
+/// A number without its fraction; nothing for one that an integer of 64 bits can't hold.
+inline std::optional<long long> wholePart(double number) {
+    constexpr double limit = 9223372036854775808.0;  // 2^63
+    if (std::isnan(number) || number < -limit || number >= limit)
+        return std::nullopt;
+    return static_cast<long long>(number);
+}
 
 /// What the arguments of all languages have alike in which an object of the script holds what is
 /// the library's. `Own`, the plug-in's class, derives from it and has beside what is left to

@@ -7,6 +7,7 @@
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
+#include "interpreter/language/valuemembers.h"
 
 namespace Tamrix {
 
@@ -28,14 +29,6 @@ void LanguageContext::CallScope::restoreOuter() {
     else
         m_context.setError(m_outer->errorMessage, m_outer->errorType);
     m_context.m_result = std::move(m_outer->result);
-}
-
-SharedPtr<ScriptArgument> LanguageContext::takeSpareWrapper() {
-    if (m_spareWrappers.empty())
-        return {};
-    SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
-    m_spareWrappers.pop_back();
-    return wrapper;
 }
 
 void LanguageContext::spareWrappersFrom(std::size_t count) {
@@ -87,6 +80,11 @@ void LanguageContext::addConstant(const QString& name, int value) {
 }
 
 void LanguageContext::define(const NativeFunction&) {}
+
+void LanguageContext::defineValueMembers() {
+    for (const NativeFunction& member : valueMembers(*this))
+        defineMember(member);
+}
 
 void LanguageContext::defineMember(const NativeFunction& function) {
     const auto* const language = ScriptLanguageInformation::forLanguage(m_interpreter.language());

@@ -7,6 +7,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/heldrecord.h"
 
 namespace Tamrix {
 
@@ -87,7 +88,7 @@ public:
     /// A call with arguments that all stand at their places: add() gives them one after another,
     /// complete() says that there are no more. Wrappers, of the plug-in's class, wait where they
     /// are for the next call, unless somebody has kept them; its rebind() makes one stand for
-    /// another value.
+    /// another value, and for none without an argument.
     template <typename Argument>
     class DirectCall : public CallScope {
     public:
@@ -96,7 +97,7 @@ public:
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : arguments()) {
                 if (each && each->referenceCount() == 1)
-                    static_cast<Argument*>(each.get())->rebind({});
+                    static_cast<Argument*>(each.get())->rebind();
                 else
                     areKept = true;
             }
@@ -108,8 +109,9 @@ public:
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
 
-        template <typename Value>
-        void add(Value&& value) {
+        /// `owner` is what the wrapper's constructor takes in front of the value, if anything.
+        template <typename Value, typename... Owner>
+        void add(Value&& value, Owner&... owner) {
             // Most calls have as many arguments as the one before.
             if (m_count == arguments().size())
                 arguments().push_back(m_context.takeSpareWrapper());
@@ -117,11 +119,21 @@ public:
             if (wrapper)
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
             else
-                wrapper = new Argument(std::forward<Value>(value));
+                wrapper = new Argument(owner..., std::forward<Value>(value));
         }
         void complete() {
             if (m_count < arguments().size())
                 m_context.spareWrappersFrom(m_count);
+        }
+        /// `take` gets the result, as it is of takeResult(), and its wrapper waits for another one.
+        template <typename Take>
+        void giveResult(Take take) {
+            SharedPtr<ScriptArgument>& result = m_context.m_result;
+            take(static_cast<Argument*>(result.get()));
+            if (result && result->referenceCount() == 1) {
+                static_cast<Argument*>(result.get())->rebind();
+                m_context.m_spareWrappers.push_back(std::move(result));
+            }
         }
 
     private:
@@ -134,6 +146,10 @@ public:
     SharedPtr<ScriptArgument> createInteger(int value) override { return createInt64(value); }
     /// A map of `fileName` and `line`.
     SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+    /// A row of a data set, for a language that takes its classes of values from valueMembers().
+    virtual SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>&) {
+        return createNull();
+    }
 
     // What is registered becomes a name of the language, too: see define().
     void addGlobalFunction(const QString& name, Function function) override;
@@ -144,6 +160,8 @@ public:
     void addConstant(const QString& name, int value) override;
     /// Makes a function known to scripts: a global one, or one of the namespace that owns it.
     virtual void define(const NativeFunction& function);
+    /// Makes the valueMembers() methods of the language's classes of values.
+    void defineValueMembers();
 
     /// By the frames that the debugger knows.
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
@@ -154,6 +172,15 @@ public:
     Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
 protected:
+    /// A wrapper that a call has no use for; null when there is none.
+    SharedPtr<ScriptArgument> takeSpareWrapper() {
+        if (m_spareWrappers.empty())
+            return {};
+        SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
+        m_spareWrappers.pop_back();
+        return wrapper;
+    }
+
     /// Makes a method of the objects that stand for the library's class which owns it: the object
     /// is its first argument. By default there are no such objects, and a warning tells.
     virtual void defineMember(const NativeFunction& function);
@@ -178,14 +205,12 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
-    /// Null when there is none.
-    SharedPtr<ScriptArgument> takeSpareWrapper();
     /// Those of the arguments that stand from this place on.
     void spareWrappersFrom(std::size_t count);
 
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
-    /// Of arguments, for which the last call had no use.
+    /// For which the last call had no use.
     std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
     int m_depth = 0;
 };

@@ -2,7 +2,6 @@
 
 #include <QStringList>
 #include <algorithm>
-#include <iterator>
 #include <limits>
 
 #include "interpreter/language/languagedebugger.h"
@@ -82,37 +81,34 @@ LanguageVariables::Value LanguageVariables::memberNamed(const Value& value, cons
     bool isNumber = false;
     const int number = name.toInt(&isNumber);
     if (isNumber && number >= 0 && number < largest) {
-        const Members found = membersOf(value, number, 1);
-        if (!found.page.empty() && found.page.front().name == name)
-            return found.page.front().value;
+        const ValueTexts::Parts parts = m_texts->partsOf(value, number + 1);
+        if (number < parts.count && parts.at(number).name == name)
+            return parts.at(number).value;
     }
-    const std::vector<Member> members = membersOf(value, 0, largest).page;
-    const auto member = std::find_if(members.begin(), members.end(),
-                                     [&name](const Member& each) { return each.name == name; });
-    return member != members.end() ? member->value : Value();
+    const ValueTexts::Parts parts = m_texts->partsOf(value, largest);
+    for (int each = 0; each < parts.count; ++each) {
+        const Member member = parts.at(each);
+        if (member.name == name)
+            return member.value;
+    }
+    return {};
 }
 
 VariableWatcher::VariableBindings LanguageVariables::list(const Target& target) {
-    startListing();
-    Members members;
-    if (target.value) {
-        members = membersOf(target.value, target.first, limit);
-    } else {
-        std::vector<Member> variables = variablesOf(target.level);
-        members.count = static_cast<int>(variables.size());
-        const int first = std::min(target.first, members.count);
-        const int end = std::min(members.count, first + limit);
-        members.page.assign(std::make_move_iterator(variables.begin() + first),
-                            std::make_move_iterator(variables.begin() + end));
-    }
+    m_texts->startAnew();
+    const int wanted = std::min(target.first, std::numeric_limits<int>::max() - limit) + limit;
+    const ValueTexts::Parts parts = target.value ? m_texts->partsOf(target.value, wanted)
+                                                 : ValueTexts::partsFrom(variablesOf(target.level));
+    const int end = std::min(wanted, parts.count);
     VariableBindings bindings;
-    for (const Member& member : members.page)
+    for (int number = target.first; number < end; ++number) {
+        const Member member = parts.at(number);
         bindings.push_back(bind(below(target.path, member.name), member.value));
-    const int end = target.first + static_cast<int>(members.page.size());
-    if (!members.page.empty() && end < members.count)
+    }
+    if (target.first < end && end < parts.count)
         bindings.push_back({"+" + below(target.path, QStringLiteral("@%1").arg(end)),
                             QStringLiteral("rest"),
-                            QStringLiteral("%1 more").arg(members.count - end)});
+                            QStringLiteral("%1 more").arg(parts.count - end)});
     return bindings;
 }
 
@@ -120,9 +116,10 @@ Debugger::VariableBinding LanguageVariables::bind(const QString& path, const Val
     if (value->isObject()) {
         const SharedPtr<Object> object = value->toObject();
         const bool isExpandable = registerTamrixObject("+" + path, object);
-        return {isExpandable ? "+" + path : path, object->className(), textOf(value)};
+        return {isExpandable ? "+" + path : path, object->className(), m_texts->textOf(value)};
     }
-    return {hasMembers(value) ? "+" + path : path, value->typeName(), textOf(value)};
+    return {m_texts->partsOf(value, 0).count > 0 ? "+" + path : path, value->typeName(),
+            m_texts->textOf(value)};
 }
 
 }  // namespace Tamrix

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QString>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "base/export.h"
 #include "interpreter/bridge/scriptargument.h"
 #include "interpreter/debugger/variablewatcher.h"
+#include "interpreter/language/valuetexts.h"
 
 namespace Tamrix {
 
@@ -14,14 +17,16 @@ class LanguageDebugger;
 struct ScriptFrame;
 
 /// Lists the variables of a script that stands still. A language's own class derives from it and
-/// says what variables and members there are.
+/// says what variables there are.
 ///
 /// In front of a path (`valuepath.h`) may stand "^N", which means the variables of the frame N
 /// levels outwards from where the script stands; behind it "@N", which means the members from the
 /// one numbered N. A listing is limited; the rest is one binding, whose path says so.
 class TAMRIX_EXPORT LanguageVariables : public VariableWatcher {
 public:
-    explicit LanguageVariables(LanguageDebugger& debugger) : m_debugger(debugger) {}
+    /// `texts` tells what values consist of.
+    LanguageVariables(LanguageDebugger& debugger, std::unique_ptr<ValueTexts> texts)
+        : m_debugger(debugger), m_texts(std::move(texts)) {}
 
     /// The variables of the function where the script stands, then those of its module.
     VariableBindings topLevelBindings() override;
@@ -31,32 +36,15 @@ public:
 protected:
     using Value = SharedPtr<ScriptArgument>;
 
-    struct Member {
-        /// As it stands in a path: a name as a pathPart(), an entry of a map with its key in
-        /// brackets as code has it, another element as its number.
-        QString name;
-        Value value;
-    };
-    /// Some of the members of a value.
-    struct Members {
-        std::vector<Member> page;
-        /// Of all members.
-        int count = 0;
-    };
+    using Member = ValueTexts::Part;
 
-    // For the language. None of them runs code of the script but textOf(), within limits.
-    /// A listing begins: limits of time start anew.
-    virtual void startListing() = 0;
+    // For the language. These run no code of the script.
     /// The variables of one of the debugger's frames(), those of its function first; none for a
     /// frame of a feature file. Names of the library's own are left out.
     virtual std::vector<Member> variablesOf(int level) = 0;
-    /// At most `limit` members from the one numbered `first`, in their order.
-    virtual Members membersOf(const Value& value, int first, int limit) = 0;
-    virtual bool hasMembers(const Value& value) { return membersOf(value, 0, 1).count > 0; }
-    /// The member with the name as it stands in paths; null when there is none. By default it is
-    /// looked for among membersOf().
+    /// The part of the value with the name as it stands in paths; null when there is none. By
+    /// default it is looked for among all.
     virtual Value memberNamed(const Value& value, const QString& name);
-    virtual QString textOf(const Value& value) = 0;
 
     LanguageDebugger& debugger() { return m_debugger; }
     /// One of the debugger's frames(); nothing for a frame of a feature file, and beyond the last.
@@ -78,6 +66,7 @@ private:
     Debugger::VariableBinding bind(const QString& path, const Value& value);
 
     LanguageDebugger& m_debugger;
+    std::unique_ptr<ValueTexts> m_texts;
 };
 
 }  // namespace Tamrix

@@ -47,6 +47,12 @@ TAMRIX_EXPORT bool isNativeTypeDerivedFrom(void* typeId, void* wanted);
 template <typename Made>
 class NativeClasses {
 public:
+    /// Those of the process, for a language whose objects may outlive a test case.
+    static NativeClasses& self() {
+        static auto* const s_self = new NativeClasses;
+        return *s_self;
+    }
+
     void add(void* typeId, void* super, Made made) {
         setNativeSuper(typeId, super);
         m_made.insert(typeId, std::move(made));

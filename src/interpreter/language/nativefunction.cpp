@@ -5,7 +5,6 @@
 
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
-#include "interpreter/language/scripterrorset.h"
 
 namespace Tamrix {
 
@@ -106,17 +105,7 @@ ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& funct
              QStringLiteral("%1 objects can't be made by scripts").arg(function.signature().name),
              false,
              {}});
-    try {
-        return run(*active, function, object, std::move(arguments));
-    } catch (const ScriptErrorSet&) {
-        throw;
-    } catch (const std::exception& exception) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QString::fromUtf8(exception.what())));
-    } catch (...) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QStringLiteral("unknown exception")));
-    }
+    return caught(function, [&] { return run(*active, function, object, std::move(arguments)); });
 }
 
 }  // namespace Tamrix

@@ -3,11 +3,14 @@
 #include <QString>
 #include <QStringList>
 #include <algorithm>
+#include <exception>
+#include <tl/expected.hpp>
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/nativescripttype.h"
 #include "interpreter/bridge/scriptcontext.h"
+#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 
 namespace Tamrix {
@@ -108,6 +111,23 @@ bool areInPlace(const Parameters& parameters, int count, IsNull isNull) {
             return false;
     }
     return true;
+}
+
+/// What `call` gives of the function: a ScriptResult, or one without a value. What it throws is a
+/// failure, but for ScriptErrorSet, which passes.
+template <typename Call>
+auto caught(const NativeFunction& function, Call call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (const ScriptErrorSet&) {
+        throw;
+    } catch (const std::exception& exception) {
+        return tl::unexpected<ScriptFailure>(
+            thrownIn(function.displayName(), QString::fromUtf8(exception.what())));
+    } catch (...) {
+        return tl::unexpected<ScriptFailure>(
+            thrownIn(function.displayName(), QStringLiteral("unknown exception")));
+    }
 }
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments

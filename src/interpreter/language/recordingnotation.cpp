@@ -42,9 +42,8 @@ QStringList parametersOf(const QString& function) {
 }  // namespace
 
 QString NotatedRecorder::header() const {
-    const QString header = latin1(m_notation.header);
-    const bool hasModule = m_notation.import && !m_namesModule.isEmpty();
-    return hasModule ? latin1(m_notation.import).arg(m_namesModule) + header : header;
+    return m_namesModule.isEmpty() ? latin1(m_notation.header)
+                                   : latin1(m_notation.importingHeader).arg(m_namesModule);
 }
 
 QString NotatedRecorder::footer() const {
@@ -131,14 +130,21 @@ QString NotatedRecorder::valueText(const ActionValue& value) const {
             },
             [this](const PasswordKey& password) {
                 return latin1(m_notation.password).arg(literal(password.key));
+            },
+            [this](const LaunchedContext&) { return latin1(m_notation.launchedContext); },
+            [this](const NamedContext& context) {
+                return latin1(m_notation.namedContext).arg(literal(context.name));
             }},
         value);
 }
 
 QString NotatedRecorder::objectText(const QString& name) const {
     const QString variable = name.startsWith(u':') ? name.mid(1) : QString();
-    if (m_notation.import && !m_namesModule.isEmpty() && isPlainIdentifier(variable))
-        return latin1(m_notation.variable).arg(m_namesModule, variable);
+    if (!m_namesModule.isEmpty() && isPlainIdentifier(variable)) {
+        const QString module =
+            m_notation.moduleOfFile ? m_notation.moduleOfFile(m_namesModule) : m_namesModule;
+        return latin1(m_notation.variable).arg(module, variable);
+    }
     return m_notation.name ? m_notation.name(name) : literal(name);
 }
 

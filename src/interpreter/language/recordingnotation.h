@@ -32,6 +32,9 @@ struct RecordingNotation {
     const char* betweenItems = ", ";
     /// The password of the key %1.
     const char* password = "testSettings.getPassword(%1)";
+    /// The application that was launched last, and the one of the name %1.
+    const char* launchedContext = "waitForApplicationLaunch()";
+    const char* namedContext = "applicationContext(%1)";
     /// Sets the property %2 of the object %1 to %3.
     const char* assignment = "waitForObject(%1).%2 = %3";
     /// Expects of the object %1 the properties %2.
@@ -46,19 +49,20 @@ struct RecordingNotation {
     QString (*text)(const QString& text) = nullptr;
     QString (*name)(const QString& name) = nullptr;
     QString (*remark)(const QString& text) = nullptr;
-    /// In front of the header: brings the module %1, whose variables are names of objects, and how
-    /// its variable %2 is written. Null in a language that has no such modules.
-    const char* import = nullptr;
+    /// The header of a script that brings in the file %1, without its suffix, whose variables are
+    /// names of objects...
+    const char* importingHeader;
+    /// ...how its variable %2 is written...
     const char* variable = "%1.%2";
+    /// ...and what %1 is there, where it is not the file's own name.
+    QString (*moduleOfFile)(const QString& file) = nullptr;
 };
 
 /// Writes scripts by a language's notation. Needs no runtime of the language.
 class TAMRIX_EXPORT NotatedRecorder : public EventRecorder {
 public:
-    /// Symbolic names are variables of this module, where the language has that; without one they
-    /// are written as texts, ":Save".
-    explicit NotatedRecorder(const RecordingNotation& notation,
-                             const QString& namesModule = QString())
+    /// Symbolic names are variables of this module; without one they are written as texts, ":Save".
+    NotatedRecorder(const RecordingNotation& notation, const QString& namesModule)
         : m_notation(notation), m_namesModule(namesModule) {}
 
     QString header() const override;

@@ -2,8 +2,10 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <utility>
 
 #include "interpreter/language/timelimit.h"
+#include "interpreter/language/valuepath.h"
 
 namespace Tamrix {
 
@@ -20,19 +22,39 @@ QString ValueTexts::cut(const QString& text) {
     return text.size() <= longest ? text : text.left(longest) + more;
 }
 
-QString ValueTexts::itemsText(int depth, qint64 count, const std::function<QString()>& next) {
-    // Each item takes two characters at least.
-    const qint64 most = depth < deepest ? std::min<qint64>(count, longest / 2) : 0;
+ValueTexts::Parts ValueTexts::partsFrom(std::vector<Part> parts) {
+    const auto count = static_cast<int>(parts.size());
+    return {count, [parts = std::move(parts)](int number) {
+                return parts.at(static_cast<std::size_t>(number));
+            }};
+}
+
+QString ValueTexts::partsText(const Value& value, int depth) {
+    // Each part takes two characters at least.
+    const int most = depth < deepest ? longest / 2 : 0;
+    const Parts parts = partsOf(value, most, depth);
     QStringList texts;
     int length = 0;
-    while (texts.size() < most && length <= longest) {
-        const QString text = next();
-        length += text.size() + 2;
-        texts.append(text);
+    while (texts.size() < std::min(parts.count, most) && length <= longest) {
+        const Part part = parts.at(texts.size());
+        const QString written = part.label + text(part.value, depth + 1);
+        length += written.size() + 2;
+        texts.append(written);
     }
-    if (texts.size() < count)
+    if (texts.size() < parts.count)
         texts.append(more);
     return texts.join(", ");
+}
+
+QString ValueTexts::keyName(const QString& text, const QByteArray& marks) {
+    return '[' + pathPart(text, marks) + ']';
+}
+
+QString ValueTexts::keyName(const QString& text, bool isCode) {
+    if (!isCode || isCut(text))
+        return keyName(text, QByteArrayLiteral("[]()'\""));
+    // Blanks behind one another would not come back.
+    return '[' + QString(text).replace("  ", " \\x20") + ']';
 }
 
 QString ValueTexts::scriptText(void (*expired)(),

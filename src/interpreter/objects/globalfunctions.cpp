@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <algorithm>
+#include <optional>
 
 #include "interpreter/bridge/actionrecord.h"
 #include "interpreter/bridge/runnerinterface.h"
@@ -9,7 +10,9 @@
 #include "interpreter/objects/functionparameters.h"
 #include "interpreter/objects/namelookup.h"
 #include "platform/objectmodel/objectclass.h"
+#include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/objectmodel.h"
+#include "platform/objectmodel/passwordfields.h"
 #include "wire/applicationfunctions.h"
 
 namespace Tamrix {
@@ -126,6 +129,31 @@ ObjectResult<Value> call(ScriptContext& context, const QString& name, CallArgume
     return scriptValue(context, methods.first()->invoke(nullptr, *objects));
 }
 
+bool entersText(const QString& function) {
+    return function == QLatin1String("fill") || function == QLatin1String("typeText");
+}
+
+/// Whether a function that enters text has a field that hides it. Where the field is not found any
+/// more, nobody knows.
+bool isForPasswords(const CallArguments& arguments) {
+    SharedPtr<ScriptArgument> target;
+    if (!arguments.positional.empty())
+        target = arguments.positional.front();
+    for (const auto& [name, argument] : arguments.named) {
+        if (name == QLatin1String("object"))
+            target = argument;
+    }
+    if (!target)
+        return false;
+    if (target->isObject())
+        return isForPasswords(target->toObject());
+    ObjectModel* const model = Inspector::self()->model();
+    if (!model || !isStringOrObjectName(target))
+        return false;
+    const Outcome<ObjectName> name = ObjectMap::self()->resolve(serializeObjectName(target));
+    return name && isForPasswords(model->findObject(*name).value_or(nullptr));
+}
+
 }  // namespace
 
 QStringList globalFunctionNames(ObjectModel* model) {
@@ -152,8 +180,13 @@ ObjectResult<Value> callGlobalFunction(ScriptContext& context, const QString& na
                           [&] {
                               ActionRecord record(&context, name);
                               record.setArguments(arguments.positional, arguments.named);
+                              std::optional<CallArguments> given;
+                              if (record.isWanted() && entersText(name))
+                                  given = arguments;
                               ObjectResult<Value> result =
                                   call(context, name, std::move(arguments));
+                              if (given && isForPasswords(*given))
+                                  record.setArgumentsWithoutTexts(given->positional, given->named);
                               if (!result)
                                   record.setFailed();
                               return result;

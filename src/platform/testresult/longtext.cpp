@@ -149,6 +149,16 @@ ReportEvent withLimitedTexts(const ReportEvent& event, TextLimit limit, const St
     return limited;
 }
 
+void changeTexts(ReportEvent* event, const std::function<void(QString* text)>& change) {
+    for (const EventText& row : std::visit([](auto& typed) { return textsOf(typed); }, *event))
+        change(row.text);
+    // A report shows what a section began with.
+    if (auto* const section = std::get_if<SectionEnded>(event)) {
+        change(&section->title);
+        change(&section->description);
+    }
+}
+
 qint64 textSize(ReportEvent event) {
     qint64 size = 0;
     for (const EventText& row : std::visit([](auto& typed) { return textsOf(typed); }, event))

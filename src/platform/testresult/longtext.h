@@ -38,6 +38,9 @@ ResultAdded withLimitedTexts(const ResultAdded& result, TextLimit limit,
 /// The same for whatever texts an event has that may be long.
 ReportEvent withLimitedTexts(const ReportEvent& event, TextLimit limit, const StoreText& store);
 
+/// Calls `change` with each of these texts, and with those of a section's end.
+void changeTexts(ReportEvent* event, const std::function<void(QString* text)>& change);
+
 /// How many characters these texts have together.
 qint64 textSize(ReportEvent event);
 

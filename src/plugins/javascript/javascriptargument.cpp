@@ -19,9 +19,6 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-/// 2 to the power of 63.
-constexpr double endOfIntegers = 9223372036854775808.0;
-
 [[noreturn]] void refuseInteger(const QString& text) {
     throwBuiltIn(
         "RangeError",
@@ -86,10 +83,10 @@ long long JavaScriptArgument::toInt() const {
             refuseInteger(textOf(value()));
         return number;
     }
-    const double number = std::trunc(toDouble());
-    if (!(number >= -endOfIntegers && number < endOfIntegers))
+    const std::optional<long long> whole = wholePart(toDouble());
+    if (!whole)
         refuseInteger(textOf(value()));
-    return static_cast<long long>(number);
+    return *whole;
 }
 
 QString JavaScriptArgument::toString() const {

@@ -19,7 +19,7 @@ public:
     explicit JavaScriptArgument(const JS::Value& value) : m_value(engineContext(), value) {}
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(const JS::Value& value) { m_value = value; }
+    void rebind(const JS::Value& value = JS::UndefinedValue()) { m_value = value; }
 
     JS::HandleValue value() const { return JS::HandleValue::fromMarkedLocation(m_value.address()); }
 

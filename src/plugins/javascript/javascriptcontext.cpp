@@ -5,94 +5,43 @@
 #include "interpreter/bridge/debugger.h"
 #include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/javascriptvariables.h"
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
-JavaScriptContext::JavaScriptContext(JavaScriptInterpreter& interpreter)
-    : LanguageContext(interpreter), m_interpreter(interpreter) {}
-
-ScriptContext* JavaScriptContext::createSubContext() {
-    auto* const context = new JavaScriptContext(m_interpreter);
-    context->setTestResult(testResult());
-    return context;
-}
-
 // Values
 
-SharedPtr<ScriptArgument> JavaScriptContext::createNull() {
-    return argumentOf(JS::NullValue());
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createBool(bool value) {
-    return argumentOf(JS::BooleanValue(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createInt64(long long value) {
-    return argumentOf(toJsInteger(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createDouble(double value) {
-    return argumentOf(JS::NumberValue(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createString(const QString& value) {
-    return argumentOf(toJsText(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createDateTime(const QDateTime& value) {
-    return argumentOf(toJsDate(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createBytes(const QByteArray& value) {
-    return argumentOf(toJsBytes(value));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createList(
-    const std::vector<SharedPtr<ScriptArgument>>& values) {
+JS::Value JavaScriptContext::makeValue(const ScriptArgument::List& values) {
     JS::RootedValueVector elements(engineContext());
     for (const SharedPtr<ScriptArgument>& value : values)
         checked(elements.append(valueOf(value)));
-    return argumentOf(JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements))));
+    return JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements)));
 }
 
-SharedPtr<ScriptArgument> JavaScriptContext::createMap(
-    const std::map<QString, SharedPtr<ScriptArgument>>& values) {
+JS::Value JavaScriptContext::makeValue(const ScriptArgument::Map& values) {
     JS::RootedObject object(engineContext(), checked(JS_NewPlainObject(engineContext())));
     for (const auto& [name, value] : values)
         defineProperty(object, name, valueOf(value));
-    return argumentOf(JS::ObjectValue(*object));
+    return JS::ObjectValue(*object);
 }
 
-SharedPtr<ScriptArgument> JavaScriptContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argumentOf(m_interpreter.nativeValue(std::move(object)));
+JS::Value JavaScriptContext::makeValue(const SharedPtr<NativeScriptObject>& object) {
+    return m_interpreter.nativeValue(object);
 }
 
-SharedPtr<ScriptArgument> JavaScriptContext::createObject(SharedPtr<Object> object) {
-    return argumentOf(applicationObjectValue(object));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createTestDataSet(TestDataSet* dataSet) {
-    return argumentOf(dataSetValue(SharedPtr<TestDataSet>(dataSet)));
-}
-
-SharedPtr<ScriptArgument> JavaScriptContext::createContext(
-    SharedPtr<ApplicationContext> application) {
+JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& application) {
     // One object for each application, so that `===` tells whether two are the same.
     JS::PersistentRootedObject& known = m_interpreter.realm().contextObject(application->id);
     if (!known) {
         JS::RootedObject prototype(engineContext(),
                                    m_interpreter.realm().applicationContextPrototype());
-        known = makeHostObject(std::move(application), prototype);
+        known = makeHostObject(application, prototype);
     }
-    return argumentOf(JS::ObjectValue(*known));
+    return JS::ObjectValue(*known);
 }
 
 // Registration

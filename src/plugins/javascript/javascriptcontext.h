@@ -4,38 +4,42 @@
 
 #include <vector>
 
-#include "interpreter/language/languagecontext.h"
+#include "interpreter/language/valuecontext.h"
+#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptargument.h"
+#include "plugins/javascript/objectproxy.h"
+#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptInterpreter;
 
-class JavaScriptContext final : public LanguageContext {
+class JavaScriptContext final
+    : public ValueContext<JavaScriptContext, JavaScriptArgument, JavaScriptInterpreter> {
 public:
-    explicit JavaScriptContext(JavaScriptInterpreter& interpreter);
+    using ValueContext::ValueContext;
 
-    ScriptContext* createSubContext() override;
     void clearError() override {
         if (JS_IsExceptionPending(engineContext()))
             JS_ClearPendingException(engineContext());
     }
 
-    SharedPtr<ScriptArgument> createNull() override;
-    SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInt64(long long value) override;
-    SharedPtr<ScriptArgument> createDouble(double value) override;
-    SharedPtr<ScriptArgument> createString(const QString& value) override;
-    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
-    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
-    SharedPtr<ScriptArgument> createList(
-        const std::vector<SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createMap(
-        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
-    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
-    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
-    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
+    // For ValueContext.
+    static JS::Value makeNull() { return JS::NullValue(); }
+    static JS::Value makeValue(bool value) { return JS::BooleanValue(value); }
+    static JS::Value makeValue(long long value) { return toJsInteger(value); }
+    static JS::Value makeValue(double value) { return JS::NumberValue(value); }
+    static JS::Value makeValue(const QString& value) { return toJsText(value); }
+    static JS::Value makeValue(const QDateTime& value) { return toJsDate(value); }
+    static JS::Value makeValue(const QByteArray& value) { return toJsBytes(value); }
+    static JS::Value makeValue(const ScriptArgument::List& values);
+    static JS::Value makeValue(const ScriptArgument::Map& values);
+    static JS::Value makeValue(const SharedPtr<Object>& object) {
+        return applicationObjectValue(object);
+    }
+    static JS::Value makeValue(const SharedPtr<TestDataSet>& set) { return dataSetValue(set); }
+    JS::Value makeValue(const SharedPtr<NativeScriptObject>& object);
+    JS::Value makeValue(const SharedPtr<ApplicationContext>& application);
 
     void define(const NativeFunction& function) override;
 
@@ -53,8 +57,6 @@ protected:
 private:
     /// The object of a namespace, or the global one for an empty name.
     JSObject* holderOf(const QString& owner);
-
-    JavaScriptInterpreter& m_interpreter;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

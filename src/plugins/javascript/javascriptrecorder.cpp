@@ -11,6 +11,7 @@ constexpr RecordingNotation recordingNotation{
     .leftOut = "undefined",
     .assignment = "waitForObject(%1).%2 = %3;",
     .expectation = "test.expect(%1, {%2});",
+    .importingHeader = "import * as %1 from \"%1\";\n\nexport function main() {\n",
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -11,30 +11,32 @@ namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptDebugger;
 
-/// Writes values as a person looks at them while a script stands still. Runs no code of the script.
+/// Writes values as a person looks at them while a script stands still. Their parts are elements
+/// of an array or a Set, properties of an object, entries of a Map. Runs no code of the script.
 class JavaScriptValueTexts final : public ValueTexts {
 public:
-    QString textOf(JS::HandleValue value, int depth = 0);
+    using ValueTexts::textOf;
+    QString textOf(JS::HandleValue value);
+
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& value, int depth) override;
 
 private:
-    QString objectText(JS::HandleObject object, int depth);
+    QString objectText(const Value& value, JS::HandleObject object, int depth);
 };
 
-/// The variables of a script that stands still: elements of an array or a Set by their number,
-/// properties of an object by their name, entries of a Map by their key.
+/// The variables of a script that stands still.
 class JavaScriptVariables final : public LanguageVariables {
 public:
     explicit JavaScriptVariables(JavaScriptDebugger& debugger);
 
 protected:
-    void startListing() override { m_texts = JavaScriptValueTexts(); }
     std::vector<Member> variablesOf(int level) override;
-    Members membersOf(const Value& value, int first, int limit) override;
-    QString textOf(const Value& value) override;
 
 private:
     JavaScriptDebugger& m_debugger;
-    JavaScriptValueTexts m_texts;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -70,20 +70,27 @@ auto shownName(const NativeFunction& function) {
 bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const NativeFunction& function = targetOf(arguments);
-    return finish(shownName(function), arguments, [&] {
-        JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
-        const auto isNull = [&](int index) {
-            return arguments[static_cast<unsigned>(index)].isNullOrUndefined();
-        };
-        const auto given = static_cast<int>(count);
-        if (!interpreter || given < function.parameters().requiredCount ||
-            !areInPlace(function.parameters(), given, isNull))
+    JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
+    const auto isNull = [&](int index) {
+        return arguments[static_cast<unsigned>(index)].isNullOrUndefined();
+    };
+    const auto given = static_cast<int>(count);
+    if (!interpreter || given < function.parameters().requiredCount ||
+        !areInPlace(function.parameters(), given, isNull))
+        return finish(shownName(function), arguments, [&] {
             return callNative(interpreter, function, {}, givenArguments(arguments));
-        // The road of most calls, without a list of arguments that is made for it.
-        return callDirectly<JavaScriptArgument>(*interpreter, function, {}, [&](auto& call) {
-            for (unsigned index = 0; index < count; ++index)
-                call.add(arguments[index].get());
         });
+    // The road of most calls, without a list of arguments that is made for it.
+    const auto add = [&](auto& call) {
+        for (unsigned index = 0; index < count; ++index)
+            call.add(arguments[index].get());
+    };
+    return guarded(shownName(function), [&] {
+        checked(callDirectly<JavaScriptArgument>(
+            *interpreter, function, {}, add, [&](const JavaScriptArgument* result) {
+                arguments.rval().set(result ? result->value().get() : JS::UndefinedValue());
+            }));
+        return true;
     });
 }
 

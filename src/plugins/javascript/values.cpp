@@ -168,10 +168,6 @@ bool isMapObject(JSObject* object) {
     return builtinClass(object) == js::ESClass::Map;
 }
 
-bool isSetObject(JSObject* object) {
-    return builtinClass(object) == js::ESClass::Set;
-}
-
 void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements) {
     JSContext* const context = engineContext();
     std::uint32_t length = 0;
@@ -262,19 +258,19 @@ private:
 
     bool haveEqualMembers(js::ESClass kind, JS::HandleObject left, JS::HandleObject right) {
         switch (kind) {
-            case js::ESClass::Array: {
-                JS::RootedValueVector first(context);
-                JS::RootedValueVector second(context);
-                elementsOf(left, &first);
-                elementsOf(right, &second);
-                return areEqualLists(first, second);
-            }
+            case js::ESClass::Array:
             case js::ESClass::Map:
             case js::ESClass::Set: {
+                const auto read = [&](JS::HandleObject object, JS::RootedValueVector* values) {
+                    if (kind == js::ESClass::Array)
+                        elementsOf(object, values);
+                    else
+                        entriesOf(object, values);
+                };
                 JS::RootedValueVector first(context);
                 JS::RootedValueVector second(context);
-                entriesOf(left, &first);
-                entriesOf(right, &second);
+                read(left, &first);
+                read(right, &second);
                 return areEqualLists(first, second);
             }
             case js::ESClass::Date: {

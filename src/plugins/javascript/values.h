@@ -55,7 +55,6 @@ void defineProperty(JS::HandleObject object, const QString& name, const JS::Valu
 /// An object that is a list of names and values: of no class, or a Map.
 bool isPlainObject(JSObject* object);
 bool isMapObject(JSObject* object);
-bool isSetObject(JSObject* object);
 /// The elements of an array.
 void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements);
 /// Of a Map keys and values in turn, of a Set its elements, at least the first `most`. Runs no code

@@ -1,6 +1,5 @@
 #include "plugins/javascript/valuetext.h"
 
-#include <js/Array.h>
 #include <js/Conversions.h>
 #include <js/Object.h>
 #include <js/Proxy.h>
@@ -8,11 +7,11 @@
 
 #include <QRegularExpression>
 #include <QStringList>
-#include <vector>
 
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/hostobjects.h"
+#include "plugins/javascript/objectparts.h"
 #include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/values.h"
 
@@ -99,11 +98,11 @@ private:
         checked(JS::GetBuiltinClass(m_context, object, &kind));
         switch (kind) {
             case js::ESClass::Array:
-                return listText(object);
+                return '[' + partsText(object) + ']';
             case js::ESClass::Map:
-                return "Map {" + pairs(object) + '}';
+                return "Map {" + partsText(object) + '}';
             case js::ESClass::Set:
-                return "Set {" + items(object) + '}';
+                return "Set {" + partsText(object) + '}';
             case js::ESClass::Date: {
                 const QDateTime time = fromJsDate(value);
                 return time.isValid() ? time.toString(Qt::ISODateWithMs)
@@ -118,51 +117,23 @@ private:
         }
     }
 
-    QString listText(JS::HandleObject list) {
-        JS::RootedValueVector elements(m_context);
-        elementsOf(list, &elements);
-        return '[' + joined(elements) + ']';
-    }
-
-    QString joined(JS::HandleValueVector values) {
+    QString partsText(JS::HandleObject object) {
+        static const QRegularExpression s_plainName(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
+        ObjectParts parts(object);
         QStringList texts;
-        for (std::size_t index = 0; index < values.length(); ++index)
-            texts.append(text(values[index]));
-        return texts.join(", ");
-    }
-
-    QString items(JS::HandleObject collection) {
-        JS::RootedValueVector values(m_context);
-        entriesOf(collection, &values);
-        return joined(values);
-    }
-
-    QString pairs(JS::HandleObject map) {
-        JS::RootedValueVector entries(m_context);
-        entriesOf(map, &entries);
-        QStringList texts;
-        for (std::size_t index = 0; index + 1 < entries.length(); index += 2)
-            texts.append(text(entries[index]) + " => " + text(entries[index + 1]));
+        for (int number = 0; number < parts.count(); ++number) {
+            parts.read(number, [this](JS::HandleValue key) { return text(key); });
+            const QString& name = parts.property();
+            const bool isPlain = name.isNull() || name.contains(s_plainName);
+            texts.append((isPlain ? parts.label() : quoted(name) + ": ") +
+                         (parts.hasGetter() ? QStringLiteral("[Getter]") : text(parts.value())));
+        }
         return texts.join(", ");
     }
 
     QString membersText(JS::HandleObject object) {
-        static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
-        JS::Rooted<JS::IdVector> names(m_context, JS::IdVector(m_context));
-        checked(JS_Enumerate(m_context, object, &names));
-        QStringList texts;
-        JS::RootedId name(m_context);
-        JS::RootedValue value(m_context);
-        for (const jsid each : names) {
-            name = each;
-            bool hasGetter = false;
-            value = dataPropertyOf(object, name, &hasGetter);
-            const QString key = fromKey(name);
-            texts.append((s_name.match(key).hasMatch() ? key : quoted(key)) + ": " +
-                         (hasGetter ? QStringLiteral("[Getter]") : text(value)));
-        }
         const QString className = isPlainObject(object) ? QString() : classNameOf(object);
-        return (className.isEmpty() ? QString() : className + ' ') + '{' + texts.join(", ") + '}';
+        return (className.isEmpty() ? QString() : className + ' ') + '{' + partsText(object) + '}';
     }
 
     /// Whether the script has said how objects of the kind are written.

@@ -49,6 +49,7 @@ CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
     m_debugger = std::make_unique<PerlDebugger>(*this);
     pTHX = perl();
     defineObjectTypes(aTHX);
+    m_context->defineValueMembers();
     defineStreams(aTHX);
     defineStepFunctions(aTHX);
     for (const char* const name : {"library", "output", "steps", "remotesystem"})

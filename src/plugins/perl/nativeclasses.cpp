@@ -10,13 +10,10 @@ namespace Tamrix::PerlPlugin {
 namespace {
 
 /// Their packages, the same for all interpreters.
-NativeClasses<QByteArray>& classes() {
-    static auto* const s_classes = new NativeClasses<QByteArray>;
-    return *s_classes;
-}
+using Packages = NativeClasses<QByteArray>;
 
 QByteArray packageOf(void* typeId) {
-    const QByteArray* const package = classes().find(typeId);
+    const QByteArray* const package = Packages::self().find(typeId);
     return package ? *package : QByteArray("tamrix::Native");
 }
 
@@ -26,7 +23,7 @@ void defineNativeClass(CaseInterpreter& interpreter, const QString& name, void* 
                        const NativeScriptType& type) {
     dTHX;
     const QByteArray package = name.toUtf8();
-    classes().add(typeId, type.super(), package);
+    Packages::self().add(typeId, type.super(), package);
     av_push(get_av((package + "::ISA").constData(), GV_ADD),
             newSVpv(packageOf(type.super()).constData(), 0));
     NativeFunctions& functions = interpreter.functions();

@@ -58,12 +58,19 @@ bool arePlain(const Parameters& parameters, SV** arguments, int count) {
 }
 
 /// A call with plain arguments, which are most.
-ScriptResult callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function,
-                         SV** arguments, int count) {
-    return callDirectly<PerlArgument>(active, function, nullptr, [&](auto& call) {
+NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function,
+                      SV** arguments, int count) {
+    NativeEnd result = returning(aTHX_ SvRef());
+    const auto add = [&](auto& call) {
         for (int index = 0; index < count; ++index)
             call.add(PerlArgument::kept(aTHX_ arguments[index]));
-    });
+    };
+    const auto end = callDirectly<PerlArgument>(
+        active, function, nullptr, add, [&](const PerlArgument* given) {
+            if (given)
+                result = returning(aTHX_ SvRef::borrow(given->value()));
+        });
+    return end ? result : failing(aTHX_ end.error());
 }
 
 /// Whether the value is the class or an object of it.
@@ -110,7 +117,7 @@ NativeEnd NativeFunctions::call(pTHX_ CV* function, SV** arguments, int count) {
         const NativeFunction::Kind kind = native->kind();
         if ((kind == NativeFunction::Kind::Table || kind == NativeFunction::Kind::Native) &&
             !target.isStaticMethod && arePlain(native->parameters(), arguments, count))
-            return resultOf(aTHX_ callPlainly(aTHX_ * active, *native, arguments, count));
+            return callPlainly(aTHX_ * active, *native, arguments, count);
         if (kind == NativeFunction::Kind::Method) {
             object = count > 0 ? NativeHolder::unwrap(arguments[0]) : object;
             if (!object)

@@ -11,11 +11,9 @@ namespace Tamrix::PerlPlugin {
 
 namespace {
 
-/// Beyond these a double is no integer of 64 bits.
-constexpr double integerLimit = 9223372036854775808.0;
-
+/// Also of one that is just too large for 64 bits, which toInt() refuses.
 bool isIntegral(NV number) {
-    return std::trunc(number) == number && std::abs(number) <= integerLimit;
+    return std::trunc(number) == number && std::abs(number) <= 0x1p63;
 }
 
 [[noreturn]] void refuseInteger(SV* value) {
@@ -120,10 +118,10 @@ long long PerlArgument::toInt() const {
         return SvIVX(value());
     }
     // Truncated as Perl's int() does.
-    const NV number = std::trunc(SvNV_nomg(value()));
-    if (std::isnan(number) || number >= integerLimit || number < -integerLimit)
+    const std::optional<long long> whole = wholePart(SvNV_nomg(value()));
+    if (!whole)
         refuseInteger(value());
-    return static_cast<long long>(number);
+    return *whole;
 }
 
 QString PerlArgument::toString() const {

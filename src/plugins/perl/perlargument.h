@@ -8,7 +8,18 @@ namespace Tamrix::PerlPlugin {
 using ObjectHolder = Holder<Object>;
 using NativeHolder = Holder<NativeScriptObject>;
 using ApplicationContextHolder = Holder<ApplicationContext>;
-using DataSetHolder = Holder<TestDataSet>;
+
+/// The package of the objects that hold a T.
+template <typename T>
+constexpr const char* packageOfHeld = nullptr;
+template <>
+inline constexpr const char* packageOfHeld<Object> = "tamrix::Object";
+template <>
+inline constexpr const char* packageOfHeld<ApplicationContext> = "tamrix::ApplicationContext";
+template <>
+inline constexpr const char* packageOfHeld<TestDataSet> = "tamrix::DataSet";
+template <>
+inline constexpr const char* packageOfHeld<HeldRecord> = "tamrix::Record";
 
 /// One Perl value as a script value. What Perl dies with in a conversion passes as ScriptErrorSet.
 class PerlArgument final : public LanguageArgument<PerlArgument> {
@@ -22,7 +33,7 @@ public:
     }
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(SvRef value) { m_value = std::move(value); }
+    void rebind(SvRef value = SvRef()) { m_value = std::move(value); }
 
     SV* value() const { return m_value.get(); }
 

@@ -4,22 +4,12 @@
 
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/conditions.h"
-#include "plugins/perl/conversion.h"
-#include "plugins/perl/nativeclasses.h"
 #include "plugins/perl/nativefunctions.h"
 #include "plugins/perl/perldebugger.h"
 
 namespace Tamrix::PerlPlugin {
 
 namespace {
-
-SharedPtr<ScriptArgument> argumentOf(SvRef value) {
-    return new PerlArgument(std::move(value));
-}
-
-SharedPtr<ScriptArgument> argumentOf(SV* value) {
-    return new PerlArgument(SvRef::steal(value));
-}
 
 /// The package of a namespace or class of the library, `main` for global names.
 QByteArray packageOf(const QString& owner) {
@@ -31,93 +21,25 @@ QByteArray packageOf(const QString& owner) {
 
 }  // namespace
 
-PerlContext::PerlContext(CaseInterpreter& interpreter)
-    : LanguageContext(interpreter), m_interpreter(interpreter) {}
-
-ScriptContext* PerlContext::createSubContext() {
-    auto* const context = new PerlContext(m_interpreter);
-    context->setTestResult(testResult());
-    return context;
-}
-
 // Values
 
-SharedPtr<ScriptArgument> PerlContext::createNull() {
-    dTHX;
-    return argumentOf(newSV(0));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createBool(bool value) {
-    dTHX;
-    return argumentOf(newSVsv(value ? &PL_sv_yes : &PL_sv_no));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createInt64(long long value) {
-    dTHX;
-    return argumentOf(newSViv(value));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createDouble(double value) {
-    dTHX;
-    return argumentOf(newSVnv(value));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createString(const QString& value) {
-    dTHX;
-    return argumentOf(toPerl(aTHX_ value));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createDateTime(const QDateTime& value) {
-    dTHX;
-    return argumentOf(toPerlTime(aTHX_ value));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createBytes(const QByteArray& value) {
-    dTHX;
-    return argumentOf(newSVpvn(value.constData(), static_cast<STRLEN>(value.size())));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createList(
-    const std::vector<SharedPtr<ScriptArgument>>& values) {
+SvRef PerlContext::makeValue(const ScriptArgument::List& values) {
     dTHX;
     AV* const array = newAV();
     av_extend(array, static_cast<SSize_t>(values.size()));
     for (const SharedPtr<ScriptArgument>& value : values)
         av_push(array, newSVsv_nomg(valueOf(value)));
-    return argumentOf(newRV_noinc(reinterpret_cast<SV*>(array)));
+    return SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(array)));
 }
 
-SharedPtr<ScriptArgument> PerlContext::createMap(
-    const std::map<QString, SharedPtr<ScriptArgument>>& values) {
+SvRef PerlContext::makeValue(const ScriptArgument::Map& values) {
     dTHX;
     HV* const hash = newHV();
     for (const auto& [name, value] : values) {
         const SvRef key = toPerl(aTHX_ name);
         static_cast<void>(hv_store_ent(hash, key.get(), newSVsv_nomg(valueOf(value)), 0));
     }
-    return argumentOf(newRV_noinc(reinterpret_cast<SV*>(hash)));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createNative(SharedPtr<NativeScriptObject> object) {
-    dTHX;
-    return argumentOf(wrapNative(aTHX_ std::move(object)));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createObject(SharedPtr<Object> object) {
-    dTHX;
-    return argumentOf(ObjectHolder::wrap(aTHX_ std::move(object), "tamrix::Object"));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createTestDataSet(TestDataSet* dataSet) {
-    dTHX;
-    return argumentOf(
-        DataSetHolder::wrap(aTHX_ SharedPtr<TestDataSet>(dataSet), "tamrix::DataSet"));
-}
-
-SharedPtr<ScriptArgument> PerlContext::createContext(SharedPtr<ApplicationContext> context) {
-    dTHX;
-    return argumentOf(
-        ApplicationContextHolder::wrap(aTHX_ std::move(context), "tamrix::ApplicationContext"));
+    return SvRef::steal(newRV_noinc(reinterpret_cast<SV*>(hash)));
 }
 
 // Registration
@@ -128,7 +50,9 @@ void PerlContext::define(const NativeFunction& function) {
 }
 
 void PerlContext::defineMember(const NativeFunction& function) {
-    define(function);
+    const NativeSignature& signature = function.signature();
+    m_interpreter.functions().define("tamrix::" + signature.owner.toUtf8(), signature.name,
+                                     function);
 }
 
 void PerlContext::defineConstant(const QString& owner, const QString& name, int value) {

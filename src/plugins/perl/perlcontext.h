@@ -1,6 +1,8 @@
 #pragma once
 
-#include "interpreter/language/languagecontext.h"
+#include "interpreter/language/valuecontext.h"
+#include "plugins/perl/conversion.h"
+#include "plugins/perl/nativeclasses.h"
 #include "plugins/perl/perlargument.h"
 
 namespace Tamrix::PerlPlugin {
@@ -8,27 +10,55 @@ namespace Tamrix::PerlPlugin {
 class CaseInterpreter;
 
 /// The context of all calls of one interpreter.
-class PerlContext final : public LanguageContext {
+class PerlContext final : public ValueContext<PerlContext, PerlArgument, CaseInterpreter> {
 public:
-    explicit PerlContext(CaseInterpreter& interpreter);
+    using ValueContext::ValueContext;
 
-    ScriptContext* createSubContext() override;
+    // For ValueContext.
+    static SvRef makeNull() {
+        dTHX;
+        return SvRef::steal(newSV(0));
+    }
+    static SvRef makeValue(bool value) {
+        dTHX;
+        return SvRef::steal(newSVsv(value ? &PL_sv_yes : &PL_sv_no));
+    }
+    static SvRef makeValue(long long value) {
+        dTHX;
+        return SvRef::steal(newSViv(value));
+    }
+    static SvRef makeValue(double value) {
+        dTHX;
+        return SvRef::steal(newSVnv(value));
+    }
+    static SvRef makeValue(const QString& value) {
+        dTHX;
+        return toPerl(aTHX_ value);
+    }
+    static SvRef makeValue(const QDateTime& value) {
+        dTHX;
+        return toPerlTime(aTHX_ value);
+    }
+    static SvRef makeValue(const QByteArray& value) {
+        dTHX;
+        return SvRef::steal(newSVpvn(value.constData(), static_cast<STRLEN>(value.size())));
+    }
+    static SvRef makeValue(const ScriptArgument::List& values);
+    static SvRef makeValue(const ScriptArgument::Map& values);
+    static SvRef makeValue(const SharedPtr<NativeScriptObject>& object) {
+        dTHX;
+        return wrapNative(aTHX_ object);
+    }
+    /// Of what the library's own packages are for.
+    template <typename T>
+    static SvRef makeValue(const SharedPtr<T>& held) {
+        dTHX;
+        return Holder<T>::wrap(aTHX_ held, packageOfHeld<T>);
+    }
 
-    SharedPtr<ScriptArgument> createNull() override;
-    SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInt64(long long value) override;
-    SharedPtr<ScriptArgument> createDouble(double value) override;
-    SharedPtr<ScriptArgument> createString(const QString& value) override;
-    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
-    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
-    SharedPtr<ScriptArgument> createList(
-        const std::vector<SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createMap(
-        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
-    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
-    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
-    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
+    SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>& row) override {
+        return wrapped(makeValue(row));
+    }
 
     void define(const NativeFunction& function) override;
 
@@ -41,9 +71,6 @@ public:
 protected:
     void defineMember(const NativeFunction& function) override;
     void defineConstant(const QString& owner, const QString& name, int value) override;
-
-private:
-    CaseInterpreter& m_interpreter;
 };
 
 }  // namespace Tamrix::PerlPlugin

@@ -14,6 +14,8 @@ constexpr RecordingNotation recordingNotation{
     .property = "%1 => %2",
     .quotedProperty = "%1 => %2",
     .quoting = {.furtherEscaped = "$@", .numbered = "\\x{%1}"},
+    .importingHeader = "use strict;\nuse warnings;\nrequire '%1.pl';\n\nsub main {\n",
+    .variable = "$%1::%2",
 };
 
 }  // namespace Tamrix::PerlPlugin

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "interpreter/language/literals.h"
+#include "interpreter/language/valuepath.h"
 #include "plugins/perl/conversion.h"
 #include "plugins/perl/departure.h"
 #include "plugins/perl/guardedcall.h"
@@ -18,6 +20,16 @@ namespace {
 
 bool isTied(SV* container) {
     return SvRMAGICAL(container) && mg_find(container, PERL_MAGIC_tied);
+}
+
+bool isContainer(SV* value) {
+    return SvTYPE(value) == SVt_PVAV || SvTYPE(value) == SVt_PVHV;
+}
+
+/// The array or hash that a reference leads to, unless looking at it would run code of the script.
+SV* targetOf(SV* value) {
+    SV* const target = SvROK(value) ? SvRV(value) : nullptr;
+    return target && isContainer(target) && !isTied(target) ? target : nullptr;
 }
 
 QString functionText(pTHX_ CV* code) {
@@ -39,15 +51,42 @@ QString PerlValueTexts::quoted(const QString& text) {
     return quoted;
 }
 
+ValueTexts::Value valueOfVariable(pTHX_ SV* variable) {
+    if (isContainer(variable))
+        return new PerlArgument(SvRef::steal(newRV_inc(variable)));
+    return new PerlArgument(SvRef::borrow(variable));
+}
+
+PerlValueTexts::Parts PerlValueTexts::partsOf(const Value& value, int end, int) {
+    dTHX;
+    SV* const target = targetOf(valueOf(value));
+    if (!target)
+        return {};
+    if (SvTYPE(target) == SVt_PVAV) {
+        auto* const array = reinterpret_cast<AV*>(target);
+        return {static_cast<int>(av_count(array)), [=](int index) {
+                    SV** const place = av_fetch(array, index, 0);
+                    return Part{QString::number(index),
+                                valueOfVariable(aTHX_ place ? *place : &PL_sv_undef)};
+                }};
+    }
+    auto* const hash = reinterpret_cast<HV*>(target);
+    const auto entries = end > 0 ? entriesOf(aTHX_ hash) : std::vector<std::pair<QString, SV*>>();
+    return {static_cast<int>(HvUSEDKEYS(hash)), [=](int index) {
+                const auto& [key, entry] = entries.at(static_cast<std::size_t>(index));
+                return Part{"['" + pathPart(key, "'\\[]()\"") + "']", valueOfVariable(aTHX_ entry),
+                            quoted(key) + " => "};
+            }};
+}
+
+QString PerlValueTexts::text(const Value& value, int depth) {
+    dTHX;
+    return bounded(aTHX_ valueOf(value), depth);
+}
+
 QString PerlValueTexts::bounded(pTHX_ SV* value, int depth) {
     if (!value)
         return QStringLiteral("undef");
-    if (SvTYPE(value) == SVt_PVAV)
-        return arrayText(aTHX_ reinterpret_cast<AV*>(value), depth);
-    if (SvTYPE(value) == SVt_PVHV)
-        return hashText(aTHX_ reinterpret_cast<HV*>(value), depth);
-    if (SvTYPE(value) == SVt_PVCV)
-        return functionText(aTHX_ reinterpret_cast<CV*>(value));
     if (SvROK(value))
         return referenceText(aTHX_ value, depth);
     if (SvRMAGICAL(value) && mg_find(value, PERL_MAGIC_tiedscalar))
@@ -71,48 +110,23 @@ QString PerlValueTexts::referenceText(pTHX_ SV* value, int depth) {
         const char* const bytes = SvPV_nomg_const(target, size);
         return "qr/" + textOfBytes(aTHX_ bytes, size, SvUTF8(target)) + "/";
     }
-    if (!SvOBJECT(target)) {
-        const bool isContainer =
-            SvTYPE(target) == SVt_PVAV || SvTYPE(target) == SVt_PVHV || SvTYPE(target) == SVt_PVCV;
-        if (!isContainer && depth >= deepest)
-            return QStringLiteral("...");
-        return isContainer ? bounded(aTHX_ target, depth) : "\\" + bounded(aTHX_ target, depth + 1);
-    }
-    if (SvAMAGIC(value))
+    if (SvTYPE(target) == SVt_PVCV && !SvOBJECT(target))
+        return functionText(aTHX_ reinterpret_cast<CV*>(target));
+    if (SvOBJECT(target) && SvAMAGIC(value))
         return objectText(aTHX_ value);
-    const QString name = QString::fromUtf8(HvNAME_get(SvSTASH(target)));
-    if (SvTYPE(target) == SVt_PVAV || SvTYPE(target) == SVt_PVHV)
-        return name + " " + bounded(aTHX_ target, depth);
-    return "<" + name + ">";
+    const QString name = SvOBJECT(target) ? QString::fromUtf8(HvNAME_get(SvSTASH(target))) : "";
+    if (isContainer(target))
+        return (name.isEmpty() ? QString() : name + " ") + containerText(aTHX_ value, depth);
+    if (SvOBJECT(target))
+        return "<" + name + ">";
+    return depth < deepest ? "\\" + bounded(aTHX_ target, depth + 1) : QStringLiteral("...");
 }
 
-QString PerlValueTexts::arrayText(pTHX_ AV* array, int depth) {
-    if (isTied(reinterpret_cast<SV*>(array)))
+QString PerlValueTexts::containerText(pTHX_ SV* value, int depth) {
+    if (isTied(SvRV(value)))
         return QStringLiteral("<tied>");
-    SSize_t index = 0;
-    return "[" +
-           itemsText(depth, static_cast<qint64>(av_count(array)),
-                     [&] {
-                         SV** const place = av_fetch(array, index++, 0);
-                         return bounded(aTHX_ place ? *place : nullptr, depth + 1);
-                     }) +
-           "]";
-}
-
-QString PerlValueTexts::hashText(pTHX_ HV* hash, int depth) {
-    if (isTied(reinterpret_cast<SV*>(hash)))
-        return QStringLiteral("<tied>");
-    std::vector<std::pair<QString, SV*>> entries;
-    if (depth < deepest)
-        entries = entriesOf(aTHX_ hash);
-    std::size_t index = 0;
-    return "{" +
-           itemsText(depth, static_cast<qint64>(HvUSEDKEYS(hash)),
-                     [&] {
-                         const auto& [key, value] = entries[index++];
-                         return quoted(key) + " => " + bounded(aTHX_ value, depth + 1);
-                     }) +
-           "}";
+    const QString inner = partsText(new PerlArgument(SvRef::borrow(value)), depth);
+    return SvTYPE(SvRV(value)) == SVt_PVAV ? '[' + inner + ']' : '{' + inner + '}';
 }
 
 QString PerlValueTexts::objectText(pTHX_ SV* value) {

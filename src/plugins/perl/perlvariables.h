@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSet>
+#include <memory>
 
 #include "interpreter/language/languagevariables.h"
 #include "plugins/perl/perlvaluetexts.h"
@@ -14,19 +14,15 @@ class CaseInterpreter;
 class PerlVariables final : public LanguageVariables {
 public:
     PerlVariables(CaseInterpreter& interpreter, LanguageDebugger& debugger)
-        : LanguageVariables(debugger), m_perl(interpreter) {}
+        : LanguageVariables(debugger, std::make_unique<PerlValueTexts>()), m_perl(interpreter) {}
 
 protected:
-    void startListing() override { m_texts = PerlValueTexts(); }
     std::vector<Member> variablesOf(int level) override;
-    Members membersOf(const Value& value, int first, int limit) override;
-    QString textOf(const Value& value) override;
 
 private:
     void addOfPackage(std::vector<Member>& variables, HV* package);
 
     CaseInterpreter& m_perl;
-    PerlValueTexts m_texts;
 };
 
 }  // namespace Tamrix::PerlPlugin

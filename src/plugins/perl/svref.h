@@ -33,10 +33,15 @@ private:
     explicit SvRef(SV* value) : m_value(value) {}
 
     void drop() {
+        // Without asking which runtime it is.
+        if (SvREFCNT(m_value) > 1) {
+            --SvREFCNT(m_value);
+            return;
+        }
         dTHX;
         // The end of an object may run code of the script, which may leave by a jump: not here,
         // where it would jump over C++, but at Perl's next statement.
-        if (SvREFCNT(m_value) == 1 && SvROK(m_value))
+        if (SvROK(m_value))
             sv_2mortal(m_value);
         else
             SvREFCNT_dec_NN(m_value);

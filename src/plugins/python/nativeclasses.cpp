@@ -12,11 +12,7 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// The classes live for the process: their objects may outlive a test case.
-NativeClasses<PyRef>& classes() {
-    static auto* const s_instance = new NativeClasses<PyRef>;
-    return *s_instance;
-}
+using Classes = NativeClasses<PyRef>;
 
 void setItem(const PyRef& dictionary, const QString& name, const PyRef& value) {
     if (!value)
@@ -52,7 +48,7 @@ PyRef attributeOf(const NativeMember& member) {
 /// Setting an attribute of a class object. The classes that the test system defines itself take
 /// nothing but their properties: a slip in a name is no new attribute.
 int setClassAttribute(PyObject* pythonClass, PyObject* name, PyObject* value) {
-    const QHash<void*, PyRef>& all = classes().all();
+    const QHash<void*, PyRef>& all = Classes::self().all();
     const bool isOwn = std::any_of(all.cbegin(), all.cend(),
                                    [&](const PyRef& each) { return each.get() == pythonClass; });
     if (isOwn && !PyObject_HasAttr(reinterpret_cast<PyObject*>(Py_TYPE(pythonClass)), name)) {
@@ -94,7 +90,7 @@ PyRef makeClass(PyObject* metaclass, const QString& name, PyObject* base, const 
 
 /// The Python class of the type, or of the next base type that has one.
 PyTypeObject* pythonClassOf(void* typeId) {
-    const PyRef* const made = classes().find(typeId);
+    const PyRef* const made = Classes::self().find(typeId);
     return made ? reinterpret_cast<PyTypeObject*>(made->get()) : NativeHolder::s_type;
 }
 
@@ -132,7 +128,7 @@ PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* t
         setItem(attributes, "__slots__", PyRef::steal(PyTuple_New(0)));
         setItem(attributes, "__new__", makeFunction(nativeConstructor(context, name, type)));
         PyRef made = makeClass(metaclass.get(), name, base, attributes);
-        classes().add(typeId, type.super(), made);
+        Classes::self().add(typeId, type.super(), made);
         return made;
     } catch (const PythonErrorSet&) {
         return {};

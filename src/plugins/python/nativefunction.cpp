@@ -48,23 +48,47 @@ CallArguments givenArguments(PyObject* const* arguments, Py_ssize_t count, PyObj
 
 // The call
 
-/// The result of the native function, whose exceptions pass. `first` is the object or class of the
-/// kinds that have one.
+/// What Python gets of a result: a new reference.
+PyObject* givenTo(const PythonArgument* result) {
+    return Py_NewRef(result ? result->object() : Py_None);
+}
+
+/// The result of the native function, whose exceptions pass; null with the error indicator set when
+/// it has failed. `first` is the object or class of the kinds that have one.
 template <Kind kind>
-ScriptResult run(const NativeFunction& function, PythonInterpreter& interpreter, PyObject* first,
-                 PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
+PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, PyObject* first,
+              PyObject* const* arguments, Py_ssize_t count, PyObject* names) {
     SharedPtr<NativeScriptObject> object;
     if constexpr (kind == Kind::Method)
         object = NativeHolder::unwrap(first);
     const bool isDirect = kind != Kind::Constructor && !names &&
                           areInPlace(function.parameters(), static_cast<int>(count),
                                      [=](int index) { return arguments[index] == Py_None; });
-    if (!isDirect)
-        return callNative(&interpreter, function, object, givenArguments(arguments, count, names));
-    return callDirectly<PythonArgument>(interpreter, function, object, [=](auto& call) {
-        for (Py_ssize_t index = 0; index < count; ++index)
-            call.add(PyRef::borrow(arguments[index]));
-    });
+    PyObject* value = nullptr;
+    if (isDirect) {
+        const auto add = [=](auto& call) {
+            for (Py_ssize_t index = 0; index < count; ++index)
+                call.add(PyRef::borrow(arguments[index]));
+        };
+        const auto end = callDirectly<PythonArgument>(
+            interpreter, function, object, add,
+            [&value](const PythonArgument* result) { value = givenTo(result); });
+        if (!end)
+            setFailure(end.error());
+        return value;
+    }
+    const ScriptResult result =
+        callNative(&interpreter, function, object, givenArguments(arguments, count, names));
+    if (!result)
+        setFailure(result.error());
+    else if constexpr (kind == Kind::Constructor)
+        // Of the class that is called, which a script may have derived.
+        value = NativeHolder::wrap(NativeHolder::unwrap(pythonValue(*result).get()),
+                                   reinterpret_cast<PyTypeObject*>(first))
+                    .release();
+    else
+        value = givenTo(static_cast<const PythonArgument*>(result->get()));
+    return value;
 }
 
 constexpr bool hasFirst(Kind kind) {
@@ -111,17 +135,7 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
         --count;
     }
     try {
-        const ScriptResult result =
-            run<kind>(target.function, interpreter, first, arguments, count, names);
-        if (!result)
-            setFailure(result.error());
-        else if constexpr (kind == Kind::Constructor)
-            // Of the class that is called, which a script may have derived.
-            return NativeHolder::wrap(NativeHolder::unwrap(pythonValue(*result).get()),
-                                      reinterpret_cast<PyTypeObject*>(first))
-                .release();
-        else
-            return *result ? pythonValue(*result).release() : Py_NewRef(Py_None);
+        return run<kind>(target.function, interpreter, first, arguments, count, names);
     } catch (const PythonErrorSet&) {
         // The script gets the exception that is set.
     } catch (const std::exception& exception) {

@@ -12,8 +12,10 @@ public:
     /// `object` must not be null: PythonErrorSet is thrown for a reference that could not be made.
     explicit PythonArgument(PyRef object);
 
-    /// Makes the wrapper stand for another object, or for none while it is not used.
-    void rebind(PyRef object) { m_object = std::move(object); }
+    /// Makes the wrapper stand for another object, as for the constructor.
+    void rebind(PyRef object) { m_object = checkedReference(std::move(object)); }
+    /// Makes it stand for none while it is not used.
+    void rebind() { m_object = PyRef(); }
 
     PyObject* object() const { return m_object.get(); }
 
@@ -49,5 +51,10 @@ public:
 private:
     PyRef m_object;
 };
+
+/// The object of an argument of this plug-in.
+inline PyObject* objectOf(const SharedPtr<ScriptArgument>& argument) {
+    return static_cast<const PythonArgument*>(argument.get())->object();
+}
 
 }  // namespace Tamrix::PythonPlugin

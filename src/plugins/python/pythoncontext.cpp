@@ -1,8 +1,6 @@
 #include "plugins/python/pythoncontext.h"
 
 #include "plugins/python/conditionsource.h"
-#include "plugins/python/conversion.h"
-#include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
 #include "plugins/python/objecttype.h"
 #include "plugins/python/pythondebugger.h"
@@ -13,14 +11,6 @@
 namespace Tamrix::PythonPlugin {
 
 namespace {
-
-PyObject* objectOf(const SharedPtr<ScriptArgument>& value) {
-    return static_cast<const PythonArgument*>(value.get())->object();
-}
-
-SharedPtr<ScriptArgument> argumentOf(PyRef object) {
-    return new PythonArgument(std::move(object));
-}
 
 bool isTruth(const PyRef& value) {
     const int truth = PyObject_IsTrue(value.get());
@@ -44,15 +34,6 @@ Namespaces callingNamespaces(PythonInterpreter& interpreter) {
 
 }  // namespace
 
-PythonContext::PythonContext(PythonInterpreter& interpreter)
-    : LanguageContext(interpreter), m_interpreter(interpreter) {}
-
-ScriptContext* PythonContext::createSubContext() {
-    auto* const context = new PythonContext(m_interpreter);
-    context->setTestResult(testResult());
-    return context;
-}
-
 void PythonContext::clearError() {
     if (m_interpreter.isErrorSet())
         PyErr_Clear();
@@ -60,71 +41,29 @@ void PythonContext::clearError() {
 
 // Values
 
-SharedPtr<ScriptArgument> PythonContext::createNull() {
-    return argumentOf(PyRef::borrow(Py_None));
+PyRef PythonContext::makeValue(const QByteArray& value) {
+    return PyRef::steal(PyBytes_FromStringAndSize(value.constData(), value.size()));
 }
 
-SharedPtr<ScriptArgument> PythonContext::createBool(bool value) {
-    return argumentOf(PyRef::borrow(value ? Py_True : Py_False));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createInt64(long long value) {
-    return argumentOf(PyRef::steal(PyLong_FromLongLong(value)));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createDouble(double value) {
-    return argumentOf(PyRef::steal(PyFloat_FromDouble(value)));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createString(const QString& value) {
-    return argumentOf(toPyString(value));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createDateTime(const QDateTime& value) {
-    return argumentOf(toPyDateTime(value));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createBytes(const QByteArray& value) {
-    return argumentOf(PyRef::steal(PyBytes_FromStringAndSize(value.constData(), value.size())));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createList(
-    const std::vector<SharedPtr<ScriptArgument>>& values) {
+PyRef PythonContext::makeValue(const ScriptArgument::List& values) {
     PyRef list = checked(PyList_New(static_cast<Py_ssize_t>(values.size())));
     for (std::size_t index = 0; index < values.size(); ++index)
         PyList_SET_ITEM(list.get(), static_cast<Py_ssize_t>(index),
                         Py_NewRef(objectOf(values[index])));
-    return argumentOf(std::move(list));
+    return list;
 }
 
-SharedPtr<ScriptArgument> PythonContext::createMap(
-    const std::map<QString, SharedPtr<ScriptArgument>>& values) {
+PyRef PythonContext::makeValue(const ScriptArgument::Map& values) {
     PyRef dictionary = checked(PyDict_New());
     for (const auto& [name, value] : values) {
         const PyRef key = checkedReference(toPyString(name));
         checked(PyDict_SetItem(dictionary.get(), key.get(), objectOf(value)));
     }
-    return argumentOf(std::move(dictionary));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argumentOf(wrapNative(std::move(object)));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createObject(SharedPtr<Object> object) {
-    return argumentOf(ObjectHolder::wrap(std::move(object)));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createTestDataSet(TestDataSet* dataSet) {
-    return argumentOf(DataSetHolder::wrap(SharedPtr<TestDataSet>(dataSet)));
-}
-
-SharedPtr<ScriptArgument> PythonContext::createContext(SharedPtr<ApplicationContext> context) {
-    return argumentOf(ApplicationContextHolder::wrap(std::move(context)));
+    return dictionary;
 }
 
 SharedPtr<ScriptArgument> PythonContext::createLocation(const ScriptLocation& location) {
-    return argumentOf(wrapLocation(location));
+    return wrapped(wrapLocation(location));
 }
 
 // Registration

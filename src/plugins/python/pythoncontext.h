@@ -2,7 +2,10 @@
 
 #include <vector>
 
-#include "interpreter/language/languagecontext.h"
+#include "interpreter/language/valuecontext.h"
+#include "plugins/python/conversion.h"
+#include "plugins/python/holder.h"
+#include "plugins/python/nativeclasses.h"
 #include "plugins/python/pyref.h"
 #include "plugins/python/pythonargument.h"
 
@@ -11,30 +14,31 @@ namespace Tamrix::PythonPlugin {
 class PythonInterpreter;
 
 /// The context of all calls of one interpreter.
-class PythonContext final : public LanguageContext {
+class PythonContext final : public ValueContext<PythonContext, PythonArgument, PythonInterpreter> {
 public:
-    explicit PythonContext(PythonInterpreter& interpreter);
+    using ValueContext::ValueContext;
 
-    ScriptContext* createSubContext() override;
     void clearError() override;
 
-    SharedPtr<ScriptArgument> createNull() override;
-    SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInt64(long long value) override;
-    SharedPtr<ScriptArgument> createDouble(double value) override;
-    SharedPtr<ScriptArgument> createString(const QString& value) override;
-    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
-    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
-    SharedPtr<ScriptArgument> createList(
-        const std::vector<SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createMap(
-        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
-    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
-    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
-    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
-    SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+    // For ValueContext.
+    static PyRef makeNull() { return PyRef::borrow(Py_None); }
+    static PyRef makeValue(bool value) { return PyRef::borrow(value ? Py_True : Py_False); }
+    static PyRef makeValue(long long value) { return PyRef::steal(PyLong_FromLongLong(value)); }
+    static PyRef makeValue(double value) { return PyRef::steal(PyFloat_FromDouble(value)); }
+    static PyRef makeValue(const QString& value) { return toPyString(value); }
+    static PyRef makeValue(const QDateTime& value) { return toPyDateTime(value); }
+    static PyRef makeValue(const QByteArray& value);
+    static PyRef makeValue(const ScriptArgument::List& values);
+    static PyRef makeValue(const ScriptArgument::Map& values);
+    static PyRef makeValue(const SharedPtr<NativeScriptObject>& object) {
+        return wrapNative(object);
+    }
+    template <typename T>
+    static PyRef makeValue(const SharedPtr<T>& held) {
+        return Holder<T>::wrap(held);
+    }
 
+    SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
     void define(const NativeFunction& function) override;
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
@@ -48,9 +52,6 @@ public:
 protected:
     void defineMember(const NativeFunction& function) override;
     void defineConstant(const QString& owner, const QString& name, int value) override;
-
-private:
-    PythonInterpreter& m_interpreter;
 };
 
 }  // namespace Tamrix::PythonPlugin

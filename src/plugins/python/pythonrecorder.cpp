@@ -7,7 +7,7 @@ constexpr RecordingNotation recordingNotation{
     .footer = "",
     .truths = {"False", "True"},
     .property = "\"%1\": %2",
-    .import = "import %1\n\n\n",
+    .importingHeader = "import %1\n\n\ndef main():\n",
 };
 
 }  // namespace Tamrix::PythonPlugin

@@ -92,8 +92,37 @@ PyRef get(const PyRef& object, const char* name) {
     return checked(PyObject_GetAttrString(object.get(), name));
 }
 
-PyRef interruptHandler() {
-    return checked(PyObject_CallMethod(import("signal").get(), "getsignal", "i", SIGINT));
+/// The handlers of the signals below those that are ours, by number. None is one that is not Python's.
+PyRef signalHandlers() {
+    const PyRef module = import("signal");
+    PyRef handlers = checked(PyDict_New());
+    for (int signal = 1; signal < SIGRTMIN; ++signal) {
+        const PyRef number = checked(PyLong_FromLong(signal));
+        const PyRef handler =
+            PyRef::steal(PyObject_CallMethod(module.get(), "getsignal", "O", number.get()));
+        // Some numbers are no signals.
+        if (handler)
+            PyDict_SetItem(handlers.get(), number.get(), handler.get());
+        PyErr_Clear();
+    }
+    return handlers;
+}
+
+void restoreSignalHandlers(PyObject* before) {
+    const PyRef module = import("signal");
+    const PyRef now = signalHandlers();
+    PyObject* number = nullptr;
+    PyObject* handler = nullptr;
+    for (Py_ssize_t position = 0; PyDict_Next(now.get(), &position, &number, &handler) != 0;) {
+        PyObject* const wanted = PyDict_GetItem(before, number);
+        if (!wanted || wanted == handler)
+            continue;
+        // One that is not Python's comes back with the state of the process.
+        if (wanted == Py_None)
+            checked(PyObject_CallMethod(module.get(), "signal", "Oi", number, 0));
+        else
+            checked(PyObject_CallMethod(module.get(), "signal", "OO", number, wanted));
+    }
 }
 
 PyRef environment() {
@@ -186,7 +215,7 @@ void PythonRuntime::takeSnapshot() {
     m_builtins = checked(PyDict_Copy(PyEval_GetBuiltins()));
     m_modules = checked(PyDict_Copy(PyImport_GetModuleDict()));
     m_environment = copyOfEnvironment();
-    m_interruptHandler = interruptHandler();
+    m_signalHandlers = signalHandlers();
     m_recursionLimit = Py_GetRecursionLimit();
 }
 
@@ -238,11 +267,10 @@ void PythonRuntime::restore() {
         if (same == 0) {
             checked(PyObject_CallMethod(environment().get(), "clear", nullptr));
             checked(PyObject_CallMethod(environment().get(), "update", "O", m_environment.get()));
+            checked(PyObject_CallMethod(import("time").get(), "tzset", nullptr));
         }
-        // What Ctrl-C does.
-        if (interruptHandler().get() != m_interruptHandler.get())
-            checked(PyObject_CallMethod(import("signal").get(), "signal", "iO", SIGINT,
-                                        m_interruptHandler.get()));
+        // What Ctrl-C and other signals do.
+        restoreSignalHandlers(m_signalHandlers.get());
         dropImportedModules();
         PyGC_Collect();
     } catch (const PythonErrorSet&) {

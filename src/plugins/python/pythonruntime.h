@@ -25,7 +25,7 @@ public:
     QString setSearchPath(const QStringList& directories);
 
     /// Undoes what the test case changed: module path, arguments, builtins, streams, hooks, the
-    /// recursion limit, the environment's variables, SIGINT, and every module that it imported or
+    /// recursion limit, the environment's variables, handlers of signals, and every module that it imported or
     /// made and that is not of Python's library. Problems are printed to standard error.
     void restore();
 
@@ -41,7 +41,7 @@ private:
     PyRef m_builtins;
     PyRef m_environment;
     PyRef m_modules;
-    PyRef m_interruptHandler;
+    PyRef m_signalHandlers;
     int m_recursionLimit = 0;
     /// What was added to the front of sys.path.
     QStringList m_searchPath;

@@ -12,7 +12,8 @@
 namespace Tamrix::PythonPlugin {
 
 PythonVariables::PythonVariables(PythonInterpreter& interpreter)
-    : LanguageVariables(interpreter.debugger()), m_python(interpreter) {}
+    : LanguageVariables(interpreter.debugger(), std::make_unique<PythonTexts>()),
+      m_python(interpreter) {}
 
 std::vector<LanguageVariables::Member> PythonVariables::variablesOf(int level) {
     std::vector<Member> variables;
@@ -40,28 +41,11 @@ std::vector<LanguageVariables::Member> PythonVariables::variablesOf(int level) {
     return variables;
 }
 
-LanguageVariables::Members PythonVariables::membersOf(const Value& value, int first, int limit) {
-    ValueMembers found = PythonPlugin::membersOf(pythonValue(value).get(), first, limit, m_texts);
-    Members members;
-    members.count = static_cast<int>(found.count);
-    for (ValueMember& each : found.page)
-        members.page.push_back({each.name, new PythonArgument(std::move(each.value))});
-    return members;
-}
-
-bool PythonVariables::hasMembers(const Value& value) {
-    return PythonPlugin::hasMembers(pythonValue(value).get());
-}
-
 LanguageVariables::Value PythonVariables::memberNamed(const Value& value, const QString& name) {
     PyRef found = PythonPlugin::memberNamed(pythonValue(value).get(), name);
     if (!found)
         return {};
     return new PythonArgument(std::move(found));
-}
-
-QString PythonVariables::textOf(const Value& value) {
-    return m_texts.textOf(pythonValue(value).get());
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -24,7 +24,7 @@ void raiseFailure(const ScriptFailure& failure) {
 }
 
 PyRef pythonValue(const SharedPtr<ScriptArgument>& value) {
-    return PyRef::borrow(static_cast<const PythonArgument*>(value.get())->object());
+    return PyRef::borrow(objectOf(value));
 }
 
 PyRef pythonValue(const Member& member) {

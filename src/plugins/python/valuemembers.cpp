@@ -2,8 +2,7 @@
 
 #include <structmember.h>
 
-#include <algorithm>
-#include <iterator>
+#include <utility>
 
 #include "interpreter/language/valuepath.h"
 #include "plugins/python/containers.h"
@@ -18,28 +17,6 @@ bool isSystemName(const QString& name) {
     return name.startsWith("__") && name.endsWith("__");
 }
 
-/// Whether the representation of a key is code that gives the key.
-bool isWrittenAsCode(PyObject* key) {
-    if (PyTuple_CheckExact(key)) {
-        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
-            if (!isWrittenAsCode(item.value.get()))
-                return false;
-        }
-        return true;
-    }
-    return PyUnicode_CheckExact(key) || PyLong_CheckExact(key) || PyBytes_CheckExact(key) ||
-           PyFloat_CheckExact(key) || PyBool_Check(key) || key == Py_None;
-}
-
-/// An entry of a dictionary stands as code would ask for it.
-QString nameOfKey(PyObject* key, PythonTexts& texts) {
-    QString text = texts.textOf(key);
-    if (isWrittenAsCode(key) && !ValueTexts::isCut(text))
-        // Blanks behind one another would not come back.
-        return "[" + text.replace("  ", " \\x20") + "]";
-    return "[" + pathPart(text, QByteArrayLiteral("[]()'\"")) + "]";
-}
-
 /// The key that code in brackets gives; null when it is none.
 PyRef keyOfName(const QString& name) {
     const PyRef ast = PyRef::steal(PyImport_ImportModule("ast"));
@@ -52,7 +29,7 @@ PyRef keyOfName(const QString& name) {
 }
 
 /// What a module, a class or an object keeps its attributes in; null without.
-PyRef attributesOf(PyObject* value) {
+PyRef dictionaryOf(PyObject* value) {
     if (PyModule_Check(value))
         return PyRef::borrow(PyModule_GetDict(value));
     if (PyType_Check(value))
@@ -77,8 +54,8 @@ PyRef slotValue(PyObject* value, PyObject* descriptor) {
 
 /// Attributes that stand in `__slots__` of the value's classes, those of base classes first, and
 /// the arguments of an exception.
-std::vector<ValueMember> slotsOf(PyObject* value) {
-    std::vector<ValueMember> slots;
+std::vector<ValueAttribute> slotsOf(PyObject* value) {
+    std::vector<ValueAttribute> slots;
     if (PyType_Check(value) || PyModule_Check(value))
         return slots;
     PyObject* const order = Py_TYPE(value)->tp_mro;
@@ -91,45 +68,13 @@ std::vector<ValueMember> slotsOf(PyObject* value) {
         Py_ssize_t position = 0;
         while (PyDict_Next(type->tp_dict, &position, &key, &descriptor)) {
             if (PyRef held = slotValue(value, descriptor))
-                slots.push_back({pathPart(fromPyString(key)), std::move(held)});
+                slots.push_back({fromPyString(key), std::move(held)});
         }
     }
     if (PyExceptionInstance_Check(value))
         slots.push_back({QStringLiteral("args"),
                          PyRef::borrow(reinterpret_cast<PyBaseExceptionObject*>(value)->args)});
     return slots;
-}
-
-ValueMembers itemsAsMembers(PyObject* container, Py_ssize_t first, Py_ssize_t limit,
-                            PythonTexts& texts) {
-    ValueMembers members;
-    members.count = containerSize(container);
-    Py_ssize_t index = first;
-    for (ContainerItem& item : containerItems(container, first, limit)) {
-        members.page.push_back(
-            {item.key ? nameOfKey(item.key.get(), texts) : QString::number(index),
-             std::move(item.value)});
-        ++index;
-    }
-    return members;
-}
-
-/// The attributes in a dictionary of them from the one numbered `first`, but those that Python
-/// defines.
-ValueMembers attributesAsMembers(PyObject* attributes, Py_ssize_t first, Py_ssize_t limit) {
-    ValueMembers members;
-    PyObject* key = nullptr;
-    PyObject* value = nullptr;
-    Py_ssize_t position = 0;
-    while (PyDict_Next(attributes, &position, &key, &value)) {
-        const QString name = fromPyString(key);
-        if (name.isNull() || isSystemName(name))
-            continue;
-        if (members.count >= first && static_cast<Py_ssize_t>(members.page.size()) < limit)
-            members.page.push_back({pathPart(name), PyRef::borrow(value)});
-        ++members.count;
-    }
-    return members;
 }
 
 /// The value of a key, null when there is none.
@@ -147,7 +92,7 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
         return value;
     PythonTexts texts;
     for (ContainerItem& item : containerItems(dictionary, 0, containerSize(dictionary))) {
-        if (nameOfKey(item.key.get(), texts) == name)
+        if (texts.nameOfKey(item.key.get()) == name)
             return std::move(item.value);
     }
     return {};
@@ -155,33 +100,18 @@ PyRef entryNamed(PyObject* dictionary, const QString& name) {
 
 }  // namespace
 
-bool hasMembers(PyObject* value) {
-    if (isContainer(value))
-        return containerSize(value) > 0;
-    PythonTexts texts;
-    return !PyFunction_Check(value) && !PyCFunction_Check(value) &&
-           membersOf(value, 0, 1, texts).count > 0;
-}
-
-ValueMembers membersOf(PyObject* value, Py_ssize_t first, Py_ssize_t limit, PythonTexts& texts) {
-    if (isContainer(value))
-        return itemsAsMembers(value, first, limit, texts);
-
-    // Slots stand in front of the other attributes.
-    std::vector<ValueMember> slots = slotsOf(value);
-    const auto slotCount = static_cast<Py_ssize_t>(slots.size());
-    ValueMembers members;
-    for (Py_ssize_t index = first; index < std::min(slotCount, first + limit); ++index)
-        members.page.push_back(std::move(slots[static_cast<std::size_t>(index)]));
-    members.count = slotCount;
-    if (const PyRef attributes = attributesOf(value)) {
-        ValueMembers others =
-            attributesAsMembers(attributes.get(), std::max<Py_ssize_t>(first - slotCount, 0),
-                                limit - static_cast<Py_ssize_t>(members.page.size()));
-        std::move(others.page.begin(), others.page.end(), std::back_inserter(members.page));
-        members.count += others.count;
+std::vector<ValueAttribute> attributesOf(PyObject* value) {
+    std::vector<ValueAttribute> attributes = slotsOf(value);
+    const PyRef dictionary = dictionaryOf(value);
+    PyObject* key = nullptr;
+    PyObject* held = nullptr;
+    Py_ssize_t position = 0;
+    while (dictionary && PyDict_Next(dictionary.get(), &position, &key, &held)) {
+        const QString name = fromPyString(key);
+        if (!name.isNull() && !isSystemName(name))
+            attributes.push_back({name, PyRef::borrow(held)});
     }
-    return members;
+    return attributes;
 }
 
 PyRef memberNamed(PyObject* value, const QString& name) {
@@ -195,11 +125,11 @@ PyRef memberNamed(PyObject* value, const QString& name) {
             found = containerItems(value, index, 1);
         return found.empty() ? PyRef() : found.front().value;
     }
-    for (const ValueMember& slot : slotsOf(value)) {
-        if (slot.name == name)
+    for (const ValueAttribute& slot : slotsOf(value)) {
+        if (pathPart(slot.name) == name)
             return slot.value;
     }
-    const PyRef attributes = attributesOf(value);
+    const PyRef attributes = dictionaryOf(value);
     return attributes ? entryNamed(attributes.get(), name) : PyRef();
 }
 

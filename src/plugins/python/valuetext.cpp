@@ -3,9 +3,12 @@
 #include <algorithm>
 
 #include "interpreter/language/timelimit.h"
+#include "interpreter/language/valuepath.h"
 #include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/pythonargument.h"
 #include "plugins/python/pythonsignals.h"
+#include "plugins/python/valuemembers.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -19,6 +22,19 @@ const QString more = QStringLiteral("...");
 
 bool writesAs(PyObject* value, const PyTypeObject& type) {
     return Py_TYPE(value)->tp_repr == type.tp_repr;
+}
+
+/// Whether the representation of a key is code that gives the key.
+bool isWrittenAsCode(PyObject* key) {
+    if (PyTuple_CheckExact(key)) {
+        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
+            if (!isWrittenAsCode(item.value.get()))
+                return false;
+        }
+        return true;
+    }
+    return PyUnicode_CheckExact(key) || PyLong_CheckExact(key) || PyBytes_CheckExact(key) ||
+           PyFloat_CheckExact(key) || PyBool_Check(key) || key == Py_None;
 }
 
 /// Whether the representation is made without anything of a script, and short.
@@ -92,11 +108,38 @@ QString PythonTexts::typeNameOf(PyObject* value) {
     return name.mid(name.lastIndexOf('.') + 1);
 }
 
-QString PythonTexts::textOf(PyObject* value) {
-    return cut(bounded(value, 0));
+PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {
+    PyObject* const object = objectOf(value);
+    if (isContainer(object))
+        return {static_cast<int>(containerSize(object)),
+                [this, depth, items = containerItems(object, 0, end)](int index) {
+                    const ContainerItem& item = items.at(static_cast<std::size_t>(index));
+                    const Value part = new PythonArgument(item.value);
+                    if (!item.key)
+                        return Part{QString::number(index), part};
+                    const QString key = keyText(item.key.get(), depth);
+                    return Part{keyName(key, isWrittenAsCode(item.key.get())), part, key + ": "};
+                }};
+    // Functions have attributes, too, and nothing in them.
+    if (PyFunction_Check(object) || PyCFunction_Check(object))
+        return {};
+    const std::vector<ValueAttribute> attributes = attributesOf(object);
+    return {static_cast<int>(attributes.size()), [attributes](int index) {
+                const ValueAttribute& each = attributes.at(static_cast<std::size_t>(index));
+                return Part{pathPart(each.name), new PythonArgument(each.value)};
+            }};
 }
 
-QString PythonTexts::bounded(PyObject* value, int depth) {
+QString PythonTexts::keyText(PyObject* key, int depth) {
+    return cut(text(new PythonArgument(PyRef::borrow(key)), depth + 1));
+}
+
+QString PythonTexts::nameOfKey(PyObject* key) {
+    return keyName(keyText(key, 0), isWrittenAsCode(key));
+}
+
+QString PythonTexts::text(const Value& own, int depth) {
+    PyObject* const value = objectOf(own);
     if (PyLong_Check(value) && writesAs(value, PyLong_Type)) {
         const std::size_t bits = _PyLong_NumBits(value);
         if (bits > mostBits)
@@ -108,7 +151,7 @@ QString PythonTexts::bounded(PyObject* value, int depth) {
     for (const PyTypeObject* type :
          {&PyList_Type, &PyTuple_Type, &PyDict_Type, &PySet_Type, &PyFrozenSet_Type}) {
         if (writesAs(value, *type))
-            return containerText(value, depth);
+            return containerText(own, depth);
     }
     // Where a function is kept tells nobody anything.
     if (PyFunction_Check(value)) {
@@ -123,20 +166,12 @@ QString PythonTexts::bounded(PyObject* value, int depth) {
     return reprText(value);
 }
 
-QString PythonTexts::containerText(PyObject* value, int depth) {
+QString PythonTexts::containerText(const Value& own, int depth) {
+    PyObject* const value = objectOf(own);
     const Py_ssize_t count = containerSize(value);
     if (PyAnySet_Check(value) && count == 0)
         return typeNameOf(value) + "()";
-    const std::vector<ContainerItem> items =
-        containerItems(value, 0, depth < deepest ? longest / 2 : 0);
-    auto item = items.begin();
-    const QString inner = itemsText(depth, count, [&] {
-        QString text = bounded(item->value.get(), depth + 1);
-        if (item->key)
-            text.prepend(bounded(item->key.get(), depth + 1) + ": ");
-        ++item;
-        return text;
-    });
+    const QString inner = partsText(own, depth);
     if (PyTuple_Check(value))
         return "(" + inner + (count == 1 ? ",)" : ")");
     if (PyList_Check(value))

@@ -7,18 +7,23 @@
 
 namespace Tamrix::PythonPlugin {
 
-/// Writes Python's values as a person looks at them while a script stands still.
+/// Writes Python's values by their representation, or in <> what there is instead of it. Their
+/// parts are elements, entries, or the attributes of an object, a class or a module.
 class PythonTexts final : public ValueTexts {
 public:
-    /// Python's representation, or in <> what there is instead of it. Never raises.
-    QString textOf(PyObject* value);
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+    /// The entry of a dictionary as it stands in paths: as code would ask for it.
+    QString nameOfKey(PyObject* key);
 
     /// The name of the value's type, without its module.
     static QString typeNameOf(PyObject* value);
 
+protected:
+    QString text(const Value& value, int depth) override;
+
 private:
-    QString bounded(PyObject* value, int depth);
-    QString containerText(PyObject* value, int depth);
+    QString keyText(PyObject* key, int depth);
+    QString containerText(const Value& value, int depth);
     QString reprText(PyObject* value);
 };
 

@@ -1,38 +1,11 @@
 #include "plugins/ruby/conditions.h"
 
 #include <QStringList>
-#include <variant>
 
-#include "interpreter/language/objectcalls.h"
 #include "plugins/ruby/conversion.h"
-#include "plugins/ruby/objectclass.h"
-#include "plugins/ruby/rubyargument.h"
-#include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyvaluetexts.h"
 
 namespace Tamrix::RubyPlugin {
-
-namespace {
-
-/// An Array of the property's value; nil when the object has no property of that name.
-VALUE propertyOf(VALUE, VALUE object, VALUE name) {
-    return enterNative([=] {
-        const auto member =
-            getMember(RubyInterpreter::active(), givenObject(object), fromRuby(name));
-        const auto* const found =
-            member ? std::get_if<SharedPtr<ScriptArgument>>(&*member) : nullptr;
-        if (!found)
-            return Qnil;
-        const VALUE value = rubyValue(*found);
-        return protect([=] { return rb_ary_new_from_args(1, value); });
-    });
-}
-
-}  // namespace
-
-void defineConditions(VALUE native) {
-    rb_define_singleton_method(native, "property", propertyOf, 2);
-}
 
 QString explainCall(const char* parameter) {
     const VALUE name = ID2SYM(rb_frame_callee());

@@ -2,12 +2,7 @@
 
 #include <QString>
 
-#include "plugins/ruby/rubyapi.h"
-
 namespace Tamrix::RubyPlugin {
-
-/// Makes what prelude/condition.rb asks about objects of applications.
-void defineConditions(VALUE native);
 
 /// What the running call of a verdict says in its script: the source text of its first argument, or
 /// of the one called `parameter`, and below it, a line each, the values in it. To be asked in a

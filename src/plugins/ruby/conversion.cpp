@@ -25,6 +25,12 @@ VALUE toRuby(const QStringList& texts) {
     return arrayOf(texts, [](const QString& text) { return toRuby(text); });
 }
 
+VALUE toRuby(const QByteArray& bytes) {
+    const char* const data = bytes.constData();
+    const long size = bytes.size();
+    return protect([=] { return rb_str_new(data, size); });
+}
+
 VALUE toRuby(const QDateTime& time) {
     if (!time.isValid())
         return Qnil;

@@ -16,6 +16,8 @@ namespace Tamrix::RubyPlugin {
 VALUE toRuby(const QString& text);
 VALUE toRuby(const std::string& utf8);
 VALUE toRuby(const QStringList& texts);
+/// A binary String.
+VALUE toRuby(const QByteArray& bytes);
 /// nil for an invalid one, else a Time here.
 VALUE toRuby(const QDateTime& time);
 

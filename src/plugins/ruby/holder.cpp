@@ -15,11 +15,11 @@ std::vector<SharedPtr<Shared>>& released() {
 
 void releaseLater(Shared* held) {
     released().emplace_back(held);
+    s_hasReleased = true;
 }
 
-void dropReleased() {
-    if (released().empty())
-        return;
+void dropAllReleased() {
+    s_hasReleased = false;
     // More may come while these go.
     std::vector<SharedPtr<Shared>> dropped;
     dropped.swap(released());

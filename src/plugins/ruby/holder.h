@@ -29,8 +29,13 @@ public:
 
 /// Keeps what a Ruby object has held until nobody is in the middle of anything.
 void releaseLater(Shared* held);
+inline bool s_hasReleased = false;
+void dropAllReleased();
 /// Drops what was kept. Objects of applications may write to them then.
-void dropReleased();
+inline void dropReleased() {
+    if (s_hasReleased)
+        dropAllReleased();
+}
 
 template <typename T>
 void releaseHolder(void* data) {

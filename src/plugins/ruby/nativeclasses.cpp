@@ -13,16 +13,13 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-/// The classes live for the process, as constants that Ruby knows.
-NativeClasses<VALUE>& classes() {
-    static auto* const s_instance = new NativeClasses<VALUE>;
-    return *s_instance;
-}
+/// Constants that Ruby knows.
+using Classes = NativeClasses<VALUE>;
 
 VALUE s_nativeObject = Qnil;
 
 VALUE rubyClassOf(void* typeId) {
-    const VALUE* const made = classes().find(typeId);
+    const VALUE* const made = Classes::self().find(typeId);
     return made ? *made : s_nativeObject;
 }
 
@@ -56,9 +53,7 @@ VALUE imageToPng(VALUE self) {
         buffer.open(QIODevice::WriteOnly);
         if (!imageOf(self).save(&buffer, "PNG"))
             throwException(rb_eArgError, "The image has no pixels to be written");
-        const char* const data = bytes.constData();
-        const long size = bytes.size();
-        return protect([=] { return rb_str_new(data, size); });
+        return toRuby(bytes);
     });
 }
 
@@ -90,7 +85,7 @@ VALUE defineNativeClass(VALUE module, const ScriptContext& context, const QStrin
     const QString constant = name.left(1).toUpper() + name.mid(1);
     const VALUE rubyClass =
         rb_define_class_under(module, constant.toUtf8().constData(), rubyClassOf(type.super()));
-    classes().add(typeId, type.super(), rubyClass);
+    Classes::self().add(typeId, type.super(), rubyClass);
     defineSingleton(rubyClass, "new", entryOf(nativeConstructor(context, name, type)));
     defineMembers(rubyClass, nativeMembers(context, name, type));
     if (typeId == ImageScriptObject::staticTypeId())

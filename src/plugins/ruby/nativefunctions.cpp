@@ -35,10 +35,8 @@ struct Slot {
 };
 
 /// They live for the process.
-std::vector<std::unique_ptr<Slot>>& allSlots() {
-    static auto* const s_slots = new std::vector<std::unique_ptr<Slot>>;
-    return *s_slots;
-}
+std::array<const Slot*, maximumFunctions> s_slots;
+std::size_t s_slotCount = 0;
 
 int blockPlaceOf(const Parameters& parameters) {
     for (const QString& name : blockParameters) {
@@ -75,20 +73,30 @@ SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
 }
 
 /// The call as nearly all are: without names, block and gaps.
-ScriptResult callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count,
-                         const VALUE* arguments, VALUE self) {
+VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count,
+                  const VALUE* arguments, VALUE self) {
     const auto add = [&](LanguageContext::DirectCall<RubyArgument>& call) {
         if (slot.front == Front::Self)
             call.add(self);
         for (int index = 0; index < count; ++index)
             call.add(arguments[index]);
     };
-    try {
-        return callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self), add);
-    } catch (const std::exception& exception) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(slot.function.displayName(), QString::fromUtf8(exception.what())));
-    }
+    VALUE value = Qnil;
+    const auto take = [&value](const RubyArgument* result) {
+        if (result)
+            value = result->value();
+    };
+    const auto end = callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self),
+                                                add, take);
+    if (!end)
+        raiseFailure(end.error());
+    return value;
+}
+
+/// Whether the last argument holds what stands by names: Ruby then makes a Hash of it. Asked only
+/// where there is one, since Ruby looks for the answer in the frame.
+bool haveNames(int count, const VALUE* arguments) {
+    return count > 0 && RB_TYPE_P(arguments[count - 1], T_HASH) && rb_keyword_given_p() != 0;
 }
 
 /// A call that may be in another one. Ruby's own limit comes late for those, and each level has an
@@ -115,7 +123,7 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
     const auto isNil = [=](int index) {
         return index >= before && NIL_P(arguments[index - before]);
     };
-    const bool isPlain = rb_block_given_p() == 0 && rb_keyword_given_p() == 0 &&
+    const bool isPlain = rb_block_given_p() == 0 && !haveNames(count, arguments) &&
                          slot.function.kind() != NativeFunction::Kind::Constructor &&
                          areInPlace(slot.function.parameters(), count + before, isNil);
     dropReleased();
@@ -123,7 +131,7 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
     RubyInterpreter* const active = RubyInterpreter::active();
     VALUE result = Qnil;
     if (isPlain && active && active->isScriptThread()) {
-        result = valueOrRaise(callInPlace(*active, slot, count, arguments, self));
+        result = callInPlace(*active, slot, count, arguments, self);
     } else {
         CallArguments given = givenArguments(count, arguments);
         renameToParameters(given, slot.function.parameters());
@@ -140,7 +148,7 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
 
 template <std::size_t index>
 VALUE entry(int count, VALUE* arguments, VALUE self) {
-    return enterNative([=] { return callSlot(*allSlots()[index], count, arguments, self); });
+    return enterNative([=] { return callSlot(*s_slots[index], count, arguments, self); });
 }
 
 template <std::size_t... indices>
@@ -176,7 +184,7 @@ bool isTaken(ID name) {
 
 CallArguments givenArguments(int count, const VALUE* arguments) {
     CallArguments given;
-    const bool isNamed = rb_keyword_given_p() != 0 && count > 0;
+    const bool isNamed = haveNames(count, arguments);
     const int positional = isNamed ? count - 1 : count;
     for (int index = 0; index < positional; ++index)
         given.positional.push_back(new RubyArgument(arguments[index]));
@@ -201,18 +209,16 @@ VALUE valueOrRaise(const ScriptResult& result) {
 }
 
 Entry entryOf(const NativeFunction& function, Front front) {
-    std::vector<std::unique_ptr<Slot>>& all = allSlots();
-    for (std::size_t index = 0; index < all.size(); ++index) {
-        const NativeFunction& known = all[index]->function;
+    for (std::size_t index = 0; index < s_slotCount; ++index) {
+        const NativeFunction& known = s_slots[index]->function;
         if (known.address() == function.address() && known.kind() == function.kind() &&
-            known.displayName() == function.displayName() && all[index]->front == front)
+            known.displayName() == function.displayName() && s_slots[index]->front == front)
             return s_entries[index];
     }
-    if (all.size() == maximumFunctions)
+    if (s_slotCount == maximumFunctions)
         throw std::length_error("Ruby can be given no more functions");
-    all.push_back(
-        std::make_unique<Slot>(Slot{function, front, blockPlaceOf(function.parameters())}));
-    return s_entries[all.size() - 1];
+    s_slots[s_slotCount] = new Slot{function, front, blockPlaceOf(function.parameters())};
+    return s_entries[s_slotCount++];
 }
 
 QStringList rubyNames(const QString& name) {

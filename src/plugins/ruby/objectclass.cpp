@@ -20,48 +20,21 @@ LanguageInterpreter* active() {
     return RubyInterpreter::active();
 }
 
-VALUE setProperty(VALUE self, const QString& name, VALUE value) {
-    const auto set = setMember(active(), objectOf(self), name, new RubyArgument(value));
+VALUE setProperty(const SharedPtr<Object>& object, const QString& name, VALUE value) {
+    const auto set = setMember(active(), object, name, new RubyArgument(value));
     if (!set)
         raiseFailure(set.error());
     return value;
 }
 
+/// A property, one that is set, or a call.
 VALUE methodMissing(int count, VALUE* arguments, VALUE self) {
     return enterNative([=] {
         const QString name = fromRuby(arguments[0]);
         if (name.endsWith('=') && count == 2)
-            return setProperty(self, name.chopped(1), arguments[1]);
+            return setProperty(objectOf(self), name.chopped(1), arguments[1]);
         return valueOrRaise(
             callMember(active(), objectOf(self), name, givenArguments(count - 1, arguments + 1)));
-    });
-}
-
-/// The names of the object's members, as an Array.
-VALUE membersOf(VALUE, VALUE object) {
-    return enterNative([=] {
-        const auto members = listMembers(active(), givenObject(object));
-        if (!members)
-            raiseFailure(members.error());
-        return toRuby(*members);
-    });
-}
-
-VALUE getByName(VALUE self, VALUE name) {
-    return enterNative(
-        [=] { return valueOrRaise(callMember(active(), objectOf(self), fromRuby(name), {})); });
-}
-
-VALUE setByName(VALUE self, VALUE name, VALUE value) {
-    return enterNative([=] { return setProperty(self, fromRuby(name), value); });
-}
-
-VALUE objectInspect(VALUE self) {
-    return enterNative([=] {
-        const ObjectResult<QString> text = objectText(objectOf(self));
-        if (!text)
-            raiseFailure(failureOf(text.error()));
-        return toRuby(*text);
     });
 }
 
@@ -80,26 +53,15 @@ VALUE isNil(VALUE self) {
 
 }  // namespace
 
-void defineObjectClass(VALUE module, VALUE native) {
+void defineObjectClass(VALUE module) {
     s_objectClass = rb_define_class_under(module, "Object", rb_cObject);
     rb_gc_register_address(&s_objectClass);
     rb_undef_alloc_func(s_objectClass);
     rb_undef_method(CLASS_OF(s_objectClass), "new");
     rb_define_private_method(s_objectClass, "method_missing", methodMissing, -1);
-    rb_define_method(s_objectClass, "[]", getByName, 1);
-    rb_define_method(s_objectClass, "[]=", setByName, 2);
-    rb_define_method(s_objectClass, "inspect", objectInspect, 0);
     rb_define_method(s_objectClass, "==", objectEqual, 1);
     rb_define_method(s_objectClass, "hash", hashOf, 0);
     rb_define_method(s_objectClass, "nil?", isNil, 0);
-    rb_define_singleton_method(native, "members", membersOf, 1);
-}
-
-SharedPtr<Object> givenObject(VALUE value) {
-    const SharedPtr<Object> object = objectOf(value);
-    if (!object)
-        throwException(rb_eTypeError, "not an object of an application: " + classNameOf(value));
-    return object;
 }
 
 VALUE wrapObject(const SharedPtr<Object>& object) {

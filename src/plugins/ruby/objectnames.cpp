@@ -16,7 +16,8 @@ constexpr const char* reservedWords =
     "ARGF ARGV BEGIN DATA END ENV RUBY_COPYRIGHT RUBY_DESCRIPTION RUBY_ENGINE RUBY_PLATFORM "
     "RUBY_REVISION RUBY_VERSION STDERR STDIN STDOUT TOPLEVEL_BINDING";
 
-/// "ShopNames" for the file shop_names.rb.
+}  // namespace
+
 QString moduleOfFile(const QString& path) {
     static const QRegularExpression s_other(QStringLiteral("[^A-Za-z0-9]+"));
     QString module;
@@ -26,8 +27,6 @@ QString moduleOfFile(const QString& path) {
         isVariable({.words = ScriptNotation::Words::Capitals, .reserved = reservedWords}, module);
     return isFree ? module : QStringLiteral("Names");
 }
-
-}  // namespace
 
 RubyObjectMap::RubyObjectMap(const QString& path)
     : GenericScriptedObjectMap(

@@ -92,14 +92,13 @@ void resumeJump() {
 void postponeJump() {
     postponed().state = pending().state;
     postponed().exception = pending().exception;
+    s_hasPostponed = true;
 }
 
-void throwPostponed() {
-    if (postponed().state == 0)
-        return;
+void throwWhatIsPostponed() {
+    s_hasPostponed = false;
     pending().state = postponed().state;
     pending().exception = postponed().exception;
-    postponed().state = 0;
     postponed().exception.reset();
     throw ScriptErrorSet();
 }

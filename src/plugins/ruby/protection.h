@@ -47,8 +47,13 @@ private:
 /// Keeps an exception for later that can't be raised now, as one that comes while native code
 /// waits.
 void postponeJump();
+inline bool s_hasPostponed = false;
+void throwWhatIsPostponed();
 /// Throws what was postponed, if there is something.
-void throwPostponed();
+inline void throwPostponed() {
+    if (s_hasPostponed)
+        throwWhatIsPostponed();
+}
 
 /// Calls `work`, which gives a VALUE and may raise. Throws ScriptErrorSet when it does. Nothing in
 /// it may have a destructor.

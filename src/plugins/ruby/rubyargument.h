@@ -12,7 +12,7 @@ public:
     explicit RubyArgument(VALUE value) : m_value(value) {}
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(VALUE value) { m_value = value; }
+    void rebind(VALUE value = Qundef) { m_value = value; }
 
     VALUE value() const { return m_value.get(); }
 

@@ -1,24 +1,16 @@
 #include "plugins/ruby/rubycontext.h"
 
 #include "plugins/ruby/conditions.h"
-#include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
-#include "plugins/ruby/nativeclasses.h"
 #include "plugins/ruby/nativefunctions.h"
-#include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyruntime.h"
 #include "plugins/ruby/scripterrors.h"
-#include "plugins/ruby/valueclasses.h"
 
 namespace Tamrix::RubyPlugin {
 
 namespace {
-
-SharedPtr<ScriptArgument> argumentOf(VALUE value) {
-    return new RubyArgument(value);
-}
 
 /// Evaluates code where the script calls. It sees and sets the variables there.
 VALUE evaluateInCaller(const QString& code, const char* fileName) {
@@ -30,76 +22,19 @@ VALUE evaluateInCaller(const QString& code, const char* fileName) {
 
 }  // namespace
 
-RubyContext::RubyContext(RubyInterpreter& interpreter)
-    : LanguageContext(interpreter), m_interpreter(interpreter) {}
-
-ScriptContext* RubyContext::createSubContext() {
-    auto* const context = new RubyContext(m_interpreter);
-    context->setTestResult(testResult());
-    return context;
-}
-
 // Values
 
-SharedPtr<ScriptArgument> RubyContext::createNull() {
-    return argumentOf(Qnil);
+VALUE RubyContext::makeValue(const ScriptArgument::List& values) {
+    return arrayOf(values, rubyValue);
 }
 
-SharedPtr<ScriptArgument> RubyContext::createBool(bool value) {
-    return argumentOf(value ? Qtrue : Qfalse);
-}
-
-SharedPtr<ScriptArgument> RubyContext::createInt64(long long value) {
-    return argumentOf(LL2NUM(value));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createDouble(double value) {
-    return argumentOf(DBL2NUM(value));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createString(const QString& value) {
-    return argumentOf(toRuby(value));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createDateTime(const QDateTime& value) {
-    return argumentOf(toRuby(value));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createBytes(const QByteArray& value) {
-    const char* const data = value.constData();
-    const long size = value.size();
-    return argumentOf(protect([=] { return rb_str_new(data, size); }));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createList(
-    const std::vector<SharedPtr<ScriptArgument>>& values) {
-    return argumentOf(arrayOf(values, rubyValue));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createMap(
-    const std::map<QString, SharedPtr<ScriptArgument>>& values) {
-    return argumentOf(hashOf(
-        values, [](const QString& name) { return toRuby(name); }, rubyValue));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argumentOf(wrapNative(object));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createObject(SharedPtr<Object> object) {
-    return argumentOf(wrapObject(object));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createTestDataSet(TestDataSet* dataSet) {
-    return argumentOf(wrapDataSet(SharedPtr<TestDataSet>(dataSet)));
-}
-
-SharedPtr<ScriptArgument> RubyContext::createContext(SharedPtr<ApplicationContext> context) {
-    return argumentOf(wrapContext(context));
+VALUE RubyContext::makeValue(const ScriptArgument::Map& values) {
+    return hashOf(
+        values, [](const QString& name) { return toRuby(name); }, rubyValue);
 }
 
 SharedPtr<ScriptArgument> RubyContext::createLocation(const ScriptLocation& location) {
-    return argumentOf(wrapLocation(location));
+    return wrapped(wrapLocation(location));
 }
 
 // Registration
@@ -115,11 +50,12 @@ void RubyContext::define(const NativeFunction& function) {
 
 void RubyContext::defineMember(const NativeFunction& function) {
     const NativeSignature& signature = function.signature();
-    const VALUE rubyClass = classOfMembers(signature.owner);
-    if (NIL_P(rubyClass))
+    const VALUE module = rb_path2class("Tamrix");
+    const ID name = rb_intern(signature.owner.toUtf8().constData());
+    if (rb_const_defined_at(module, name) == 0)
         LanguageContext::defineMember(function);
     else
-        defineMethod(rubyClass, signature.name, entryOf(function, Front::Self));
+        defineMethod(rb_const_get_at(module, name), signature.name, entryOf(function, Front::Self));
 }
 
 void RubyContext::defineConstant(const QString& owner, const QString& name, int value) {

@@ -1,36 +1,44 @@
 #pragma once
 
-#include "interpreter/language/languagecontext.h"
+#include "interpreter/language/valuecontext.h"
+#include "plugins/ruby/conversion.h"
+#include "plugins/ruby/nativeclasses.h"
+#include "plugins/ruby/objectclass.h"
 #include "plugins/ruby/rubyargument.h"
+#include "plugins/ruby/valueclasses.h"
 
 namespace Tamrix::RubyPlugin {
 
 class RubyInterpreter;
 
 /// The context of all calls of one interpreter.
-class RubyContext final : public LanguageContext {
+class RubyContext final : public ValueContext<RubyContext, RubyArgument, RubyInterpreter> {
 public:
-    explicit RubyContext(RubyInterpreter& interpreter);
+    using ValueContext::ValueContext;
 
-    ScriptContext* createSubContext() override;
+    // For ValueContext.
+    static VALUE makeNull() { return Qnil; }
+    static VALUE makeValue(bool value) { return value ? Qtrue : Qfalse; }
+    static VALUE makeValue(long long value) { return LL2NUM(value); }
+    static VALUE makeValue(double value) { return DBL2NUM(value); }
+    static VALUE makeValue(const QString& value) { return toRuby(value); }
+    static VALUE makeValue(const QDateTime& value) { return toRuby(value); }
+    static VALUE makeValue(const QByteArray& value) { return toRuby(value); }
+    static VALUE makeValue(const ScriptArgument::List& values);
+    static VALUE makeValue(const ScriptArgument::Map& values);
+    static VALUE makeValue(const SharedPtr<Object>& object) { return wrapObject(object); }
+    static VALUE makeValue(const SharedPtr<NativeScriptObject>& object) {
+        return wrapNative(object);
+    }
+    static VALUE makeValue(const SharedPtr<TestDataSet>& set) { return wrapDataSet(set); }
+    static VALUE makeValue(const SharedPtr<ApplicationContext>& context) {
+        return wrapContext(context);
+    }
 
-    SharedPtr<ScriptArgument> createNull() override;
-    SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInt64(long long value) override;
-    SharedPtr<ScriptArgument> createDouble(double value) override;
-    SharedPtr<ScriptArgument> createString(const QString& value) override;
-    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
-    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
-    SharedPtr<ScriptArgument> createList(
-        const std::vector<SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createMap(
-        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
-    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
-    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
-    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
     SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
-
+    SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>& row) override {
+        return wrapped(wrapRecord(row));
+    }
     void define(const NativeFunction& function) override;
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
@@ -43,9 +51,6 @@ public:
 protected:
     void defineMember(const NativeFunction& function) override;
     void defineConstant(const QString& owner, const QString& name, int value) override;
-
-private:
-    RubyInterpreter& m_interpreter;
 };
 
 }  // namespace Tamrix::RubyPlugin

@@ -44,6 +44,7 @@ RubyInterpreter::RubyInterpreter(RunnerInterface* runner) : LanguageInterpreter(
     setDebugger(m_debugger.get());
     try {
         installOutput();
+        m_context->defineValueMembers();
         begin(*m_context, *m_debugger, std::make_unique<RubySteps>(*this));
         RubyRuntime::self().takeState();
     } catch (const ScriptErrorSet&) {

@@ -1,5 +1,7 @@
 #include "plugins/ruby/rubyrecorder.h"
 
+#include "plugins/ruby/objectnames.h"
+
 namespace Tamrix::RubyPlugin {
 
 constexpr RecordingNotation recordingNotation{
@@ -9,6 +11,9 @@ constexpr RecordingNotation recordingNotation{
     .named = "%1: %2",
     .expectation = "test.expect(%1, { %2 })",
     .quoting = {.furtherEscaped = "#", .numbered = "\\u{%1}", .hasHalves = false},
+    .importingHeader = "require '%1'\n\ndef main\n",
+    .variable = "%1::%2",
+    .moduleOfFile = moduleOfFile,
 };
 
 }  // namespace Tamrix::RubyPlugin

@@ -7,7 +7,6 @@
 #include <stdexcept>
 
 #include "interpreter/language/prelude.h"
-#include "plugins/ruby/conditions.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
 #include "plugins/ruby/nativeclasses.h"
@@ -132,10 +131,9 @@ void RubyRuntime::defineTamrix() {
     defineValueClasses(m_module);
     defineNativeBase(m_module);
     const VALUE native = rb_define_module_under(m_module, "Native");
-    defineObjectClass(m_module, native);
+    defineObjectClass(m_module);
     defineOutput(m_module, native);
     defineStepFunctions(native);
-    defineConditions(native);
     for (const char* const name : preludeFiles) {
         // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
         const QByteArray source = preludeSource(QStringLiteral("ruby/%1.rb").arg(name));

@@ -1,18 +1,27 @@
 #pragma once
 
 #include "interpreter/language/valuetexts.h"
-#include "plugins/ruby/rubyapi.h"
+#include "plugins/ruby/rubyargument.h"
 
 namespace Tamrix::RubyPlugin {
 
-/// Writes values of Ruby as a person looks at them while a script stands still.
+/// Writes values of Ruby as `inspect` gives them, or in <> what there is instead. Their parts are
+/// elements, entries, the members of a Struct, instance variables.
 class RubyValueTexts final : public ValueTexts {
 public:
-    /// As `inspect` gives it, or in <> what there is instead. Never raises.
-    QString textOf(VALUE value) { return cut(bounded(value, 0)); }
+    using ValueTexts::textOf;
+    QString textOf(VALUE value) { return textOf(Value(new RubyArgument(value))); }
+
+    /// The instance variables of an object; of a Struct its members, too.
+    static std::vector<Part> attributesOf(VALUE value);
+
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& value, int depth) override;
 
 private:
-    QString bounded(VALUE value, int depth);
+    Parts entriesOfHash(VALUE hash, int end, int depth);
     QString inspected(VALUE value);
 };
 

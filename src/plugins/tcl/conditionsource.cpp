@@ -175,7 +175,9 @@ private:
             return;
         m_seen.insert(text);
         if (const TclRef value = evaluate(part.token, part.tokenCount()))
-            m_lines.append(text + ": " + shownText(TclArgument(m_interpreter, value)));
+            m_lines.append(
+                text + ": " +
+                TclValueTexts(m_interpreter).textOf(new TclArgument(m_interpreter, value)));
     }
 
     TclInterpreter& m_interpreter;

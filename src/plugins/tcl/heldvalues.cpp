@@ -13,8 +13,8 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-constexpr std::string_view prefix = "::tamrix::";
-constexpr std::string_view recordMark = "::";
+constexpr char prefix[] = "::tamrix::";
+constexpr char recordMark[] = "::";
 
 /// What of a class's name can stand in that of a command.
 QByteArray nameOfClass(const QString& className) {
@@ -26,23 +26,15 @@ QByteArray nameOfClass(const QString& className) {
     return !name.isEmpty() && QChar(QLatin1Char(name.back())).isDigit() ? name + '_' : name;
 }
 
-bool hasPrefix(std::string_view bytes) {
-    return bytes.substr(0, prefix.size()) == prefix;
-}
-
-/// The name of the data set in that of a record, and the number behind it; an empty name for
-/// others.
-std::pair<QByteArray, int> partsOfRecord(std::string_view bytes) {
-    const std::size_t mark = bytes.rfind(recordMark);
-    if (!hasPrefix(bytes) || mark < prefix.size())
+/// The text of a value that may be a name, as long as the value is not changed; empty when it can
+/// be none.
+QByteArray possibleName(Tcl_Obj* value) {
+    // Bytes would not be any more what they were made as.
+    if (typeOf(value) != ValueType::Text)
         return {};
-    const QByteArray number(bytes.data() + mark + recordMark.size(),
-                            static_cast<int>(bytes.size() - mark - recordMark.size()));
-    bool isNumber = false;
-    const int index = number.toInt(&isNumber);
-    if (!isNumber)
-        return {};
-    return {QByteArray(bytes.data(), static_cast<int>(mark)), index};
+    const std::string_view bytes = bytesOf(value);
+    const auto name = QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size()));
+    return name.startsWith(prefix) ? name : QByteArray();
 }
 
 quint64 keyOf(const HeldValues::Value& value) {
@@ -100,63 +92,49 @@ TclRef HeldValues::nameOf(const Value& value) {
     const bool isNull = std::visit([](const auto& pointer) { return !pointer; }, value);
     if (isNull)
         return TclRef(Tcl_NewObj());
-    TclRef name;
+    QByteArray name;
     for (const Held* const held : m_byKey.values(keyOf(value))) {
         if (areSame(held->value, value))
-            name = valueOfName(held->name);
+            name = held->name;
     }
-    if (!name)
+    if (name.isEmpty())
         name = hold(value);
     const auto* const set = std::get_if<SharedPtr<TestDataSet>>(&value);
-    return set ? recordsOf(*set, name.get()) : name;
+    if (!set)
+        return valueOfName(name);
+    TclRef records(Tcl_NewListObj(0, nullptr));
+    for (int index = 0; index < (*set)->count(); ++index)
+        Tcl_ListObjAppendElement(nullptr, records.get(),
+                                 valueOfName(name + recordMark + QByteArray::number(index)).get());
+    return records;
 }
 
-TclRef HeldValues::hold(const Value& value) {
+QByteArray HeldValues::hold(const Value& value) {
     auto held = std::make_unique<Held>();
     held->value = value;
     held->owner = this;
-    held->name = QByteArray(prefix.data(), static_cast<int>(prefix.size())) +
-                 nameOfClass(classNameOf(value)) + QByteArray::number(++m_lastNumber);
+    held->name = prefix + nameOfClass(classNameOf(value)) + QByteArray::number(++m_lastNumber);
     m_byName.insert(held->name, held.get());
     m_byKey.insert(keyOf(value), held.get());
     const QByteArray name = held->name;
     Tcl_CreateObjCommand(m_interp, name.constData(), m_command, held.release(), commandDeleted);
-    return valueOfName(name);
-}
-
-TclRef HeldValues::recordsOf(const SharedPtr<TestDataSet>& set, Tcl_Obj* name) {
-    TclRef records(Tcl_NewListObj(0, nullptr));
-    for (int index = 0; index < set->count(); ++index) {
-        const std::string record =
-            std::string(bytesOf(name)) + std::string(recordMark) + std::to_string(index);
-        Tcl_ListObjAppendElement(nullptr, records.get(),
-                                 Tcl_NewStringObj(record.data(), static_cast<int>(record.size())));
-    }
-    return records;
+    return name;
 }
 
 const HeldValues::Held* HeldValues::find(Tcl_Obj* name) const {
-    // Bytes would not be any more what they were made as.
-    if (typeOf(name) != ValueType::Text)
-        return nullptr;
-    const std::string_view bytes = bytesOf(name);
-    if (!hasPrefix(bytes))
-        return nullptr;
-    return m_byName.value(QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size())));
+    return m_byName.value(possibleName(name));
 }
 
-SharedPtr<TestDataSet> HeldValues::setOfRecord(Tcl_Obj* name) const {
-    if (typeOf(name) != ValueType::Text)
-        return {};
-    const Held* const held = m_byName.value(partsOfRecord(bytesOf(name)).first);
+SharedPtr<HeldRecord> HeldValues::record(Tcl_Obj* name) const {
+    // The name of the data set with a number behind it.
+    const QByteArray whole = possibleName(name);
+    const int mark = whole.lastIndexOf(recordMark);
+    const Held* const held = mark > 0 ? m_byName.value(whole.left(mark)) : nullptr;
     const auto* const set = held ? std::get_if<SharedPtr<TestDataSet>>(&held->value) : nullptr;
-    return set ? *set : SharedPtr<TestDataSet>();
-}
-
-const TestDataRecord* HeldValues::findRecord(Tcl_Obj* name) const {
-    const SharedPtr<TestDataSet> set = setOfRecord(name);
-    const int index = set ? partsOfRecord(bytesOf(name)).second : -1;
-    return index >= 0 && index < set->count() ? set->record(index) : nullptr;
+    bool isNumber = false;
+    const int index = whole.mid(mark + 2).toInt(&isNumber);
+    const TestDataRecord* const row = set && isNumber ? (*set)->record(index) : nullptr;
+    return row ? new HeldRecord(*set, row) : nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

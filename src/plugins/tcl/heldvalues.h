@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "interpreter/bridge/nativescripttype.h"
+#include "interpreter/language/heldrecord.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "platform/objectmodel/object.h"
 #include "plugins/tcl/tclref.h"
-#include "shared/testdata/testdataset.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -60,14 +60,12 @@ public:
         return value ? *value : SharedPtr<T>();
     }
     /// A record of a data set, null when the name is none of one.
-    const TestDataRecord* findRecord(Tcl_Obj* name) const;
-    /// The data set whose record has this name.
-    SharedPtr<TestDataSet> setOfRecord(Tcl_Obj* name) const;
+    SharedPtr<HeldRecord> record(Tcl_Obj* name) const;
 
 private:
     static void commandDeleted(void* held);
-    TclRef hold(const Value& value);
-    static TclRef recordsOf(const SharedPtr<TestDataSet>& set, Tcl_Obj* name);
+    /// The new name of a value.
+    QByteArray hold(const Value& value);
 
     TclInterpreter& m_interpreter;
     Tcl_Interp* m_interp;

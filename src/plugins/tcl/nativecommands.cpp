@@ -1,14 +1,17 @@
 #include "plugins/tcl/nativecommands.h"
 
 #include <QRegularExpression>
+#include <algorithm>
 #include <memory>
 
+#include "interpreter/language/directcall.h"
 #include "interpreter/language/objectcalls.h"
 #include "interpreter/objects/globalfunctions.h"
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -39,9 +42,38 @@ struct NativeCommand {
     NativeFunction function;
 };
 
-int runNative(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+/// Whether the words can go to the function as they stand: none is missing, left out or an option.
+bool arePlain(const Parameters& parameters, int count, Tcl_Obj* const* words) {
+    const auto isNull = [words](int index) { return isEmptyText(words[index]); };
+    if (count < parameters.requiredCount || !areInPlace(parameters, count, isNull))
+        return false;
+    return std::all_of(words + parameters.requiredCount, words + count,
+                       [](Tcl_Obj* word) { return optionName(word).empty(); });
+}
+
+int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
     const auto& command = *static_cast<NativeCommand*>(data);
-    return callWithWords(command.interpreter, command.function, {}, {}, count - 1, words + 1);
+    TclInterpreter& interpreter = command.interpreter;
+    --count;
+    ++words;
+    if (!interpreter.isScriptThread() || !arePlain(command.function.parameters(), count, words))
+        return callWithWords(interpreter, command.function, {}, {}, count, words);
+    // The road of most calls, without a list of arguments that is made for it.
+    const auto add = [&](auto& call) {
+        for (int index = 0; index < count; ++index)
+            call.add(TclRef(words[index]), interpreter);
+    };
+    const auto take = [interp](const TclArgument* result) {
+        if (result)
+            Tcl_SetObjResult(interp, result->value());
+        else
+            Tcl_ResetResult(interp);
+    };
+    return runCommand(interpreter, [&] {
+        const auto end =
+            callDirectly<TclArgument>(interpreter, command.function, nullptr, add, take);
+        return end ? TCL_OK : interpreter.fail(end.error());
+    });
 }
 
 struct GlobalCommand {

@@ -38,9 +38,8 @@ QString TclArgument::typeName() const {
 bool TclArgument::isBool() const {
     if (typeOf(value()) == ValueType::Boolean)
         return true;
-    int truth = 0;
     if (m_isResult)
-        return Tcl_GetBooleanFromObj(nullptr, copyOf(value()).get(), &truth) == TCL_OK;
+        return truthOf(copyOf(value()).get()).has_value();
     return typeOf(value()) == ValueType::Text && truthWord(value()).has_value();
 }
 
@@ -49,10 +48,8 @@ bool TclArgument::isNumber() const {
         case ValueType::Integer:
         case ValueType::Double:
             return true;
-        case ValueType::Text: {
-            double number = 0;
-            return Tcl_GetDoubleFromObj(nullptr, copyOf(value()).get(), &number) == TCL_OK;
-        }
+        case ValueType::Text:
+            return doubleOf(copyOf(value()).get()).has_value();
         default:
             return false;
     }
@@ -62,10 +59,8 @@ bool TclArgument::isInteger() const {
     switch (typeOf(value())) {
         case ValueType::Integer:
             return true;
-        case ValueType::Text: {
-            Tcl_WideInt number = 0;
-            return Tcl_GetWideIntFromObj(nullptr, copyOf(value()).get(), &number) == TCL_OK;
-        }
+        case ValueType::Text:
+            return integerOf(copyOf(value()).get()).has_value();
         default:
             return false;
     }
@@ -76,7 +71,7 @@ bool TclArgument::isString() const {
     // A number with a text may be one that the script has as a word.
     const bool isWord = (type == ValueType::Integer || type == ValueType::Double) && value()->bytes;
     return (type == ValueType::Text || type == ValueType::Boolean || isWord) &&
-           !m_interpreter.values().find(value()) && !m_interpreter.values().findRecord(value());
+           !m_interpreter.values().find(value()) && !m_interpreter.values().record(value());
 }
 
 bool TclArgument::isCallable() const {
@@ -108,27 +103,23 @@ bool TclArgument::isMap() const {
 // Conversions
 
 bool TclArgument::toBool() const {
-    int truth = 0;
-    return Tcl_GetBooleanFromObj(nullptr, copyOf(value()).get(), &truth) == TCL_OK && truth != 0;
+    return truthOf(copyOf(value()).get()).value_or(false);
 }
 
 double TclArgument::toDouble() const {
-    double number = 0;
-    if (Tcl_GetDoubleFromObj(nullptr, value(), &number) != TCL_OK)
-        return 0;
-    return number;
+    return doubleOf(value()).value_or(0);
 }
 
 long long TclArgument::toInt() const {
-    Tcl_WideInt number = 0;
+    const std::optional<Tcl_WideInt> number = integerOf(value());
+    if (number && !isBig(value()))
+        return *number;
     const double fraction = toDouble();
     // Tcl takes unsigned integers of 64 bits for negative ones.
-    if (Tcl_GetWideIntFromObj(nullptr, value(), &number) == TCL_OK &&
-        (number < 0) == (fraction < 0))
-        return number;
-    constexpr double limit = 9223372036854775808.0;  // 2^63
-    if (fraction >= -limit && fraction < limit)
-        return static_cast<long long>(fraction);
+    if (number && (*number < 0) == (fraction < 0))
+        return *number;
+    if (const std::optional<long long> whole = wholePart(fraction))
+        return *whole;
     m_interpreter.throwError(textOf(value()) +
                              " is too large: only integers of 64 bits can be passed on");
 }
@@ -203,13 +194,13 @@ std::optional<QVariant> TclArgument::toVariant() const {
     // As one or the other it comes to the same.
     if (isPlainInteger(value()))
         return toInt();
-    if (m_interpreter.values().find(value()) || m_interpreter.values().findRecord(value()))
+    if (m_interpreter.values().find(value()) || m_interpreter.values().record(value()))
         return {};
     return textOf(value());
 }
 
 bool TclArgument::isNull() const {
-    return !value()->typePtr && bytesOf(value()).empty();
+    return isEmptyText(value());
 }
 
 // Callables
@@ -222,42 +213,20 @@ SharedPtr<ScriptArgument> TclArgument::called(const List& arguments) const {
     return result;
 }
 
+SharedPtr<TestDataSet> TclArgument::setOfRecords() const {
+    const List records = toList();
+    const SharedPtr<HeldRecord> first = records.empty()
+                                            ? SharedPtr<HeldRecord>()
+                                            : m_interpreter.values().record(valueOf(records[0]));
+    return first ? first->set : SharedPtr<TestDataSet>();
+}
+
 LanguageInterpreter* TclArgument::active() {
     return TclInterpreter::active();
 }
 
 QString TclArgument::callableIdentifier() const {
     return QStringLiteral("Callable|") + textOf(value());
-}
-
-// What it may be the name of
-
-template <>
-SharedPtr<Object> TclArgument::held() const {
-    return m_interpreter.values().get<Object>(value());
-}
-
-template <>
-SharedPtr<NativeScriptObject> TclArgument::held() const {
-    return m_interpreter.values().get<NativeScriptObject>(value());
-}
-
-template <>
-SharedPtr<ApplicationContext> TclArgument::held() const {
-    return m_interpreter.values().get<ApplicationContext>(value());
-}
-
-template <>
-SharedPtr<TestDataSet> TclArgument::held() const {
-    const List records = toList();
-    return records.empty() ? SharedPtr<TestDataSet>()
-                           : m_interpreter.values().setOfRecord(valueOf(records.front()));
-}
-
-template <>
-SharedPtr<HeldRecord> TclArgument::held() const {
-    const TestDataRecord* const record = m_interpreter.values().findRecord(value());
-    return record ? new HeldRecord(m_interpreter.values().setOfRecord(value()), record) : nullptr;
 }
 
 }  // namespace Tamrix::TclPlugin

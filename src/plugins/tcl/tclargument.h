@@ -1,11 +1,11 @@
 #pragma once
 
+#include <type_traits>
+
 #include "interpreter/language/languageargument.h"
-#include "plugins/tcl/tclref.h"
+#include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
-
-class TclInterpreter;
 
 /// One value of Tcl as a script value.
 ///
@@ -16,6 +16,12 @@ class TclInterpreter;
 class TclArgument : public LanguageArgument<TclArgument> {
 public:
     TclArgument(TclInterpreter& interpreter, TclRef value);
+
+    /// Makes the wrapper stand for another value, or for none while it is not used.
+    void rebind(TclRef value = TclRef()) {
+        m_value = std::move(value);
+        m_isResult = false;
+    }
 
     Tcl_Obj* value() const { return m_value.get(); }
 
@@ -51,7 +57,14 @@ public:
 
     // For LanguageArgument.
     template <typename T>
-    SharedPtr<T> held() const;
+    SharedPtr<T> held() const {
+        if constexpr (std::is_same_v<T, TestDataSet>)
+            return setOfRecords();
+        else if constexpr (std::is_same_v<T, HeldRecord>)
+            return m_interpreter.values().record(value());
+        else
+            return m_interpreter.values().get<T>(value());
+    }
     std::optional<QByteArray> bytes() const;
     /// Times are texts.
     static QDateTime time() { return {}; }
@@ -59,6 +72,9 @@ public:
     static LanguageInterpreter* active();
 
 private:
+    /// A data set is the list of its records.
+    SharedPtr<TestDataSet> setOfRecords() const;
+
     TclInterpreter& m_interpreter;
     TclRef m_value;
     bool m_isResult = false;
@@ -68,18 +84,5 @@ private:
 inline Tcl_Obj* valueOf(const SharedPtr<ScriptArgument>& argument) {
     return static_cast<const TclArgument*>(argument.get())->value();
 }
-
-// What a script holds by a name; null when the value is no name of one.
-template <>
-SharedPtr<Object> TclArgument::held() const;
-template <>
-SharedPtr<NativeScriptObject> TclArgument::held() const;
-template <>
-SharedPtr<ApplicationContext> TclArgument::held() const;
-/// Of the list of its records.
-template <>
-SharedPtr<TestDataSet> TclArgument::held() const;
-template <>
-SharedPtr<HeldRecord> TclArgument::held() const;
 
 }  // namespace Tamrix::TclPlugin

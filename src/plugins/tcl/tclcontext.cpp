@@ -3,12 +3,9 @@
 #include "interpreter/language/valueequality.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/tcl/conditionsource.h"
-#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
-#include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tcldebugger.h"
-#include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
@@ -20,102 +17,39 @@ bool isNumber(ValueType type) {
 }
 
 bool areEqualNumbers(Tcl_Obj* left, Tcl_Obj* right) {
-    Tcl_WideInt leftInteger = 0;
-    Tcl_WideInt rightInteger = 0;
-    if (Tcl_GetWideIntFromObj(nullptr, left, &leftInteger) == TCL_OK &&
-        Tcl_GetWideIntFromObj(nullptr, right, &rightInteger) == TCL_OK)
-        return leftInteger == rightInteger;
-    double leftNumber = 0;
-    double rightNumber = 0;
-    return Tcl_GetDoubleFromObj(nullptr, left, &leftNumber) == TCL_OK &&
-           Tcl_GetDoubleFromObj(nullptr, right, &rightNumber) == TCL_OK &&
-           leftNumber == rightNumber;
+    if (integerOf(left) && integerOf(right))
+        return integerOf(left) == integerOf(right);
+    return doubleOf(left) && doubleOf(left) == doubleOf(right);
 }
 
 }  // namespace
 
-TclContext::TclContext(TclInterpreter& interpreter)
-    : LanguageContext(interpreter), m_interpreter(interpreter) {}
-
-ScriptContext* TclContext::createSubContext() {
-    auto* const context = new TclContext(m_interpreter);
-    context->setTestResult(testResult());
-    return context;
-}
-
 // Values
 
-SharedPtr<ScriptArgument> TclContext::argument(TclRef value) {
-    return new TclArgument(m_interpreter, std::move(value));
-}
-
-SharedPtr<ScriptArgument> TclContext::argument(Tcl_Obj* value) {
-    return argument(TclRef(value));
-}
-
-SharedPtr<ScriptArgument> TclContext::createNull() {
-    return argument(Tcl_NewObj());
-}
-
-SharedPtr<ScriptArgument> TclContext::createBool(bool value) {
+TclRef TclContext::makeValue(bool value) {
     // Words, as applications and the names of objects have them. Tcl's conditions take both.
-    Tcl_Obj* const word = Tcl_NewStringObj(value ? "true" : "false", -1);
-    int truth = 0;
-    Tcl_GetBooleanFromObj(nullptr, word, &truth);
-    return argument(word);
+    TclRef word(Tcl_NewStringObj(value ? "true" : "false", -1));
+    truthOf(word.get());
+    return word;
 }
 
-SharedPtr<ScriptArgument> TclContext::createInt64(long long value) {
-    return argument(Tcl_NewWideIntObj(value));
+TclRef TclContext::makeValue(const QByteArray& value) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(value.constData());
+    return TclRef(Tcl_NewByteArrayObj(bytes, value.size()));
 }
 
-SharedPtr<ScriptArgument> TclContext::createDouble(double value) {
-    return argument(Tcl_NewDoubleObj(value));
-}
-
-SharedPtr<ScriptArgument> TclContext::createString(const QString& value) {
-    return argument(toTcl(value));
-}
-
-SharedPtr<ScriptArgument> TclContext::createDateTime(const QDateTime& value) {
-    return argument(toTcl(value));
-}
-
-SharedPtr<ScriptArgument> TclContext::createBytes(const QByteArray& value) {
-    return argument(Tcl_NewByteArrayObj(reinterpret_cast<const unsigned char*>(value.constData()),
-                                        value.size()));
-}
-
-SharedPtr<ScriptArgument> TclContext::createList(
-    const std::vector<SharedPtr<ScriptArgument>>& values) {
-    const TclRef list(Tcl_NewListObj(0, nullptr));
+TclRef TclContext::makeValue(const ScriptArgument::List& values) {
+    TclRef list(Tcl_NewListObj(0, nullptr));
     for (const SharedPtr<ScriptArgument>& value : values)
         Tcl_ListObjAppendElement(nullptr, list.get(), valueOf(value));
-    return argument(list);
+    return list;
 }
 
-SharedPtr<ScriptArgument> TclContext::createMap(
-    const std::map<QString, SharedPtr<ScriptArgument>>& values) {
-    const TclRef dictionary(Tcl_NewDictObj());
+TclRef TclContext::makeValue(const ScriptArgument::Map& values) {
+    TclRef dictionary(Tcl_NewDictObj());
     for (const auto& [name, value] : values)
         Tcl_DictObjPut(nullptr, dictionary.get(), toTcl(name).get(), valueOf(value));
-    return argument(dictionary);
-}
-
-SharedPtr<ScriptArgument> TclContext::createNative(SharedPtr<NativeScriptObject> object) {
-    return argument(m_interpreter.values().nameOf(object));
-}
-
-SharedPtr<ScriptArgument> TclContext::createObject(SharedPtr<Object> object) {
-    return argument(m_interpreter.values().nameOf(object));
-}
-
-SharedPtr<ScriptArgument> TclContext::createTestDataSet(TestDataSet* dataSet) {
-    return argument(m_interpreter.values().nameOf(SharedPtr<TestDataSet>(dataSet)));
-}
-
-SharedPtr<ScriptArgument> TclContext::createContext(SharedPtr<ApplicationContext> context) {
-    return argument(m_interpreter.values().nameOf(context));
+    return dictionary;
 }
 
 // Registration
@@ -146,11 +80,10 @@ bool TclContext::isTrue(SharedPtr<ScriptArgument> value) {
     // An object is true when there is one.
     if (const SharedPtr<Object> object = value->toObject())
         return isTrueObject(object);
-    int truth = 0;
     if (value->isNull())
         return false;
-    if (Tcl_GetBooleanFromObj(nullptr, valueOf(value), &truth) == TCL_OK)
-        return truth != 0;
+    if (const std::optional<bool> truth = truthOf(valueOf(value)))
+        return *truth;
     m_interpreter.throwError("expected boolean value but got \"" + value->toString() +
                              "\": write [expr {...}] around a condition");
 }
@@ -168,12 +101,8 @@ bool TclContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArg
     if (isNumber(leftType) || isNumber(rightType))
         return areEqualNumbers(leftValue, rightValue);
     // 3. So does a truth value.
-    int leftTruth = 0;
-    int rightTruth = 0;
     if (leftType == ValueType::Boolean || rightType == ValueType::Boolean)
-        return Tcl_GetBooleanFromObj(nullptr, leftValue, &leftTruth) == TCL_OK &&
-               Tcl_GetBooleanFromObj(nullptr, rightValue, &rightTruth) == TCL_OK &&
-               (leftTruth != 0) == (rightTruth != 0);
+        return truthOf(leftValue) && truthOf(leftValue) == truthOf(rightValue);
     // 4. A dictionary, a list by what they hold.
     const AreEqual areEqual = [this](const auto& one, const auto& other) {
         return valuesEqual(one, other);

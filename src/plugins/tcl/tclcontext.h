@@ -1,34 +1,32 @@
 #pragma once
 
-#include "interpreter/language/languagecontext.h"
-#include "plugins/tcl/tclref.h"
+#include "interpreter/language/valuecontext.h"
+#include "plugins/tcl/conversion.h"
+#include "plugins/tcl/tclargument.h"
+#include "plugins/tcl/tclinterpreter.h"
 
 namespace Tamrix::TclPlugin {
 
-class TclInterpreter;
-
 /// The context of all calls of one interpreter.
-class TclContext final : public LanguageContext {
+class TclContext final : public ValueContext<TclContext, TclArgument, TclInterpreter> {
 public:
-    explicit TclContext(TclInterpreter& interpreter);
+    using ValueContext::ValueContext;
 
-    ScriptContext* createSubContext() override;
-
-    SharedPtr<ScriptArgument> createNull() override;
-    SharedPtr<ScriptArgument> createBool(bool value) override;
-    SharedPtr<ScriptArgument> createInt64(long long value) override;
-    SharedPtr<ScriptArgument> createDouble(double value) override;
-    SharedPtr<ScriptArgument> createString(const QString& value) override;
-    SharedPtr<ScriptArgument> createDateTime(const QDateTime& value) override;
-    SharedPtr<ScriptArgument> createBytes(const QByteArray& value) override;
-    SharedPtr<ScriptArgument> createList(
-        const std::vector<SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createMap(
-        const std::map<QString, SharedPtr<ScriptArgument>>& values) override;
-    SharedPtr<ScriptArgument> createNative(SharedPtr<NativeScriptObject> object) override;
-    SharedPtr<ScriptArgument> createObject(SharedPtr<Object> object) override;
-    SharedPtr<ScriptArgument> createTestDataSet(TestDataSet* dataSet) override;
-    SharedPtr<ScriptArgument> createContext(SharedPtr<ApplicationContext> context) override;
+    // For ValueContext.
+    static TclRef makeNull() { return TclRef(Tcl_NewObj()); }
+    static TclRef makeValue(bool value);
+    static TclRef makeValue(long long value) { return TclRef(Tcl_NewWideIntObj(value)); }
+    static TclRef makeValue(double value) { return TclRef(Tcl_NewDoubleObj(value)); }
+    static TclRef makeValue(const QString& value) { return toTcl(value); }
+    static TclRef makeValue(const QDateTime& value) { return toTcl(value); }
+    static TclRef makeValue(const QByteArray& value);
+    static TclRef makeValue(const ScriptArgument::List& values);
+    static TclRef makeValue(const ScriptArgument::Map& values);
+    /// Of what scripts have by a name.
+    template <typename T>
+    TclRef makeValue(const SharedPtr<T>& held) {
+        return m_interpreter.values().nameOf(held);
+    }
 
     void define(const NativeFunction& function) override;
 
@@ -42,12 +40,6 @@ public:
 protected:
     void defineMember(const NativeFunction& function) override;
     void defineConstant(const QString& owner, const QString& name, int value) override;
-
-private:
-    SharedPtr<ScriptArgument> argument(Tcl_Obj* value);
-    SharedPtr<ScriptArgument> argument(TclRef value);
-
-    TclInterpreter& m_interpreter;
 };
 
 }  // namespace Tamrix::TclPlugin

@@ -50,6 +50,7 @@ void TclDebugger::leaveTcl() {
         Tcl_DeleteTrace(m_tcl.tcl(), m_trace);
     m_trace = nullptr;
     m_lines.clear();
+    m_knownFiles.clear();
 }
 
 void TclDebugger::interrupt() {
@@ -66,9 +67,46 @@ int TclDebugger::traceCommand(void* self, Tcl_Interp*, int depth, const char*, T
     return TCL_OK;
 }
 
-bool TclDebugger::isNewLine(const TclFrame& frame, int depth) {
-    while (!m_lines.empty() && m_lines.back().frame.level > frame.level)
+/// Forgets the lines of frames further inside than the level.
+void TclDebugger::leaveLines(int level) {
+    while (!m_lines.empty() && m_lines.back().frame.level > level)
         m_lines.pop_back();
+}
+
+/// Whether the script runs to a break point and there is none on the line of a script where it is,
+/// which is nearly always so and told without asking for all frames.
+bool TclDebugger::isPassedThrough() {
+    if (debuggerMode() != Run || m_isInterrupted)
+        return false;
+    const std::optional<TclPlace> place = innermostPlace(m_tcl.tcl());
+    if (!place)
+        return false;
+    const auto known = m_knownFiles.constFind(place->path);
+    if (known == m_knownFiles.constEnd()) {
+        // Scripts load files without end only by mistake.
+        constexpr int mostFiles = 1000;
+        if (m_knownFiles.size() == mostFiles)
+            m_knownFiles.clear();
+        const std::vector<TclFrame> script =
+            m_tcl.framesOfScripts({{place->level, textOf(place->path), place->line}});
+        // A file that becomes known may have break points that wait for it.
+        m_knownFiles.insert(place->path,
+                            {TclRef(place->path),
+                             script.empty() ? -1 : sourceIdOf(script.front().file)});
+        return false;
+    }
+    if (known->sourceId < 0)
+        return false;
+    const std::vector<int>& lines = breakLines(known->sourceId);
+    if (std::find(lines.begin(), lines.end(), place->line) != lines.end())
+        return false;
+    // The frame is at another line than the one on which it was seen last.
+    leaveLines(place->level - 1);
+    return true;
+}
+
+bool TclDebugger::isNewLine(const TclFrame& frame, int depth) {
+    leaveLines(frame.level);
     if (!m_lines.empty() && m_lines.back().frame.level == frame.level) {
         const auto& [last, lastDepth] = m_lines.back();
         // The same command once more is the next round of a loop, unless it is an ensemble's own.
@@ -82,6 +120,8 @@ bool TclDebugger::isNewLine(const TclFrame& frame, int depth) {
 }
 
 void TclDebugger::commandReached(int depth) {
+    if (isPassedThrough())
+        return;
     const std::vector<TclFrame> frames = m_tcl.frames();
     if (frames.empty() || !isNewLine(frames.front(), depth))
         return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <atomic>
 #include <vector>
 
@@ -52,6 +53,8 @@ private:
                             Tcl_Command command, int count, Tcl_Obj* const* words);
     void commandReached(int depth);
     bool isNewLine(const TclFrame& frame, int depth);
+    bool isPassedThrough();
+    void leaveLines(int level);
     bool isCaught() const;
     static std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames);
 
@@ -66,6 +69,14 @@ private:
     };
     /// The line at which each frame was last, the outermost first.
     std::vector<Line> m_lines;
+    /// What the paths of commands stand for that have been reached.
+    struct KnownFile {
+        /// Holds it, so that no other path can have its address.
+        TclRef path;
+        /// -1 for what is no script.
+        int sourceId;
+    };
+    QHash<Tcl_Obj*, KnownFile> m_knownFiles;
 };
 
 }  // namespace Tamrix::TclPlugin

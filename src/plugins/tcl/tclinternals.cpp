@@ -173,6 +173,10 @@ struct Innermost {
     const CallFrame* level = nullptr;
 };
 
+int levelOf(const CallFrame* frame) {
+    return frame ? static_cast<int>(frame->level) : 0;
+}
+
 std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
                                const Innermost& innermost) {
     std::vector<TclFrame> found;
@@ -181,8 +185,7 @@ std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
     const auto add = [&](const CallFrame* callFrame, const Place& place, const char* command) {
         level = callFrame;
         path = place.path;
-        found.push_back({callFrame ? static_cast<int>(callFrame->level) : 0, textOf(place.path),
-                         place.line, command});
+        found.push_back({levelOf(callFrame), textOf(place.path), place.line, command});
     };
     if (innermost.place && innermost.place->path)
         add(innermost.level, *innermost.place, nullptr);
@@ -205,6 +208,16 @@ std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp) {
     const Interp& own = *reinterpret_cast<Interp*>(interp);
     return framesOf(own.cmdFramePtr, own, {});
+}
+
+std::optional<TclPlace> innermostPlace(Tcl_Interp* interp) {
+    const Interp& own = *reinterpret_cast<Interp*>(interp);
+    for (const CmdFrame* frame = own.cmdFramePtr; frame; frame = frame->nextPtr) {
+        const std::optional<Place> place = placeOf(own, *frame);
+        if (place && place->path)
+            return TclPlace{levelOf(frame->framePtr), place->path, place->line};
+    }
+    return std::nullopt;
 }
 
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command) {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +27,15 @@ struct TclFrame {
 /// of the code that runs with them, such as the bodies of loops, the innermost command counts that
 /// is in a file. Code that was put together as a text stands where it is evaluated.
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
-/// The same while an error is being noted that a command has raised, whose source begins so.
+/// Where the innermost of these is, without what takes time to tell.
+struct TclPlace {
+    int level = 0;
+    /// The same as long as it exists for all commands of a file that was loaded once.
+    Tcl_Obj* path = nullptr;
+    int line = -1;
+};
+std::optional<TclPlace> innermostPlace(Tcl_Interp* interp);
+/// The frames while an error is being noted that a command has raised, whose source begins so.
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command);
 
 /// How many commands run in each other.

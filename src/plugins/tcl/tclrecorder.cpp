@@ -43,6 +43,8 @@ constexpr RecordingNotation recordingNotation{
     .list = "[list %1]",
     .betweenItems = " ",
     .password = "[testSettings getPassword %1]",
+    .launchedContext = "[waitForApplicationLaunch]",
+    .namedContext = "[applicationContext %1]",
     .assignment = "[waitForObject %1] configure -%2 %3",
     .expectation = "test expect %1 [dict create %2]",
     .property = "%1 %2",
@@ -51,6 +53,8 @@ constexpr RecordingNotation recordingNotation{
     .text = tclWord,
     .name = nameWord,
     .remark = remark,
+    .importingHeader = "source [findFile scripts %1.tcl]\n\nproc main {} {\n",
+    .variable = "$%1::%2",
 };
 
 }  // namespace Tamrix::TclPlugin

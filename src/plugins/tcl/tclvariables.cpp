@@ -1,24 +1,17 @@
 #include "plugins/tcl/tclvariables.h"
 
 #include <QSet>
-#include <algorithm>
 
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/valuepath.h"
-#include "interpreter/language/valuetexts.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
 
 namespace {
-
-QString keyPart(Tcl_Obj* key) {
-    return QLatin1Char('[') + pathPart(textOf(key), "[]") + QLatin1Char(']');
-}
 
 /// A value may be large: only as much of it is written as is shown.
 QString beginningOf(Tcl_Obj* value) {
@@ -35,12 +28,28 @@ QString beginningOf(Tcl_Obj* value) {
 
 }  // namespace
 
-QString shownText(const TclArgument& value) {
-    return ValueTexts::cut(value.isObject() ? value.toString() : beginningOf(value.value()));
+TclValueTexts::Parts TclValueTexts::partsOf(const Value& value, int, int) {
+    Tcl_Obj* const own = valueOf(value);
+    if (typeOf(own) == ValueType::Dictionary) {
+        const auto entries = entriesOf(own);
+        return {
+            static_cast<int>(entries.size()), [this, entries](int index) {
+                const auto& [key, entry] = entries.at(static_cast<std::size_t>(index));
+                return Part{keyName(TclPlugin::textOf(key)), new TclArgument(m_tcl, TclRef(entry))};
+            }};
+    }
+    if (typeOf(own) != ValueType::List)
+        return {};
+    const auto elements = elementsOf(own);
+    return {static_cast<int>(elements.size()), [this, elements](int index) {
+                return Part{
+                    QString::number(index),
+                    new TclArgument(m_tcl, TclRef(elements[static_cast<std::size_t>(index)]))};
+            }};
 }
 
-LanguageVariables::Value TclVariables::argument(Tcl_Obj* value) {
-    return new TclArgument(m_tcl, TclRef(value));
+QString TclValueTexts::text(const Value& value, int) {
+    return value->isObject() ? value->toString() : beginningOf(valueOf(value));
 }
 
 std::vector<LanguageVariables::Member> TclVariables::variablesOf(int level) {
@@ -55,38 +64,12 @@ std::vector<LanguageVariables::Member> TclVariables::variablesOf(int level) {
             if (known.contains(name) || m_tcl.isSelfDefinedVariableName(name))
                 continue;
             known.insert(name);
-            variables.push_back({pathPart(name), argument(value.get())});
+            variables.push_back({pathPart(name), new TclArgument(m_tcl, value)});
         }
         if (own == 0)
             break;
     }
     return variables;
-}
-
-LanguageVariables::Members TclVariables::membersOf(const Value& value, int first, int limit) {
-    std::vector<std::pair<QString, Tcl_Obj*>> all;
-    if (typeOf(valueOf(value)) == ValueType::Dictionary) {
-        const auto entries = entriesOf(valueOf(value));
-        all.reserve(entries.size());
-        for (const auto& [key, entry] : entries)
-            all.emplace_back(keyPart(key), entry);
-    } else if (typeOf(valueOf(value)) == ValueType::List) {
-        const auto elements = elementsOf(valueOf(value));
-        all.reserve(elements.size());
-        for (Tcl_Obj* const element : elements)
-            all.emplace_back(QString::number(all.size()), element);
-    }
-    Members members;
-    members.count = static_cast<int>(all.size());
-    for (int index = first; index < members.count && index - first < limit; ++index) {
-        const auto& [name, member] = all[static_cast<std::size_t>(index)];
-        members.page.push_back({name, argument(member)});
-    }
-    return members;
-}
-
-QString TclVariables::textOf(const Value& value) {
-    return shownText(static_cast<const TclArgument&>(*value));
 }
 
 }  // namespace Tamrix::TclPlugin

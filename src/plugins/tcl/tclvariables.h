@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "interpreter/language/languagevariables.h"
 #include "plugins/tcl/tclargument.h"
 
@@ -7,26 +9,32 @@ namespace Tamrix::TclPlugin {
 
 class TclInterpreter;
 
-/// A value for people, cut where it is long.
-QString shownText(const TclArgument& value);
+/// Writes values of Tcl for people. What was made as a list or dictionary has parts; a text that
+/// could be one has none.
+class TclValueTexts final : public ValueTexts {
+public:
+    explicit TclValueTexts(TclInterpreter& interpreter) : m_tcl(interpreter) {}
 
-/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary. What
-/// was made as a list or dictionary has members; a text that could be one has none.
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& value, int depth) override;
+
+private:
+    TclInterpreter& m_tcl;
+};
+
+/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary.
 class TclVariables final : public LanguageVariables {
 public:
     TclVariables(TclInterpreter& interpreter, LanguageDebugger& debugger)
-        : LanguageVariables(debugger), m_tcl(interpreter) {}
+        : LanguageVariables(debugger, std::make_unique<TclValueTexts>(interpreter)),
+          m_tcl(interpreter) {}
 
 protected:
-    /// No code of the script writes values.
-    void startListing() override {}
     std::vector<Member> variablesOf(int level) override;
-    Members membersOf(const Value& value, int first, int limit) override;
-    QString textOf(const Value& value) override;
 
 private:
-    Value argument(Tcl_Obj* value);
-
     TclInterpreter& m_tcl;
 };
 

@@ -28,9 +28,17 @@ bool isCanonical(Tcl_Obj* number) {
     // A number without a text gets its own.
     if (!number->bytes)
         return true;
+    if (number->typePtr->name != std::string_view("double") && !isBig(number))
+        return isPlainInteger(number);
     TclRef copy(Tcl_DuplicateObj(number));
     Tcl_InvalidateStringRep(copy.get());
     return bytesOf(copy.get()) == bytesOf(number);
+}
+
+template <typename Read>
+std::optional<Read> readAs(int (*get)(Tcl_Interp*, Tcl_Obj*, Read*), Tcl_Obj* value) {
+    Read read{};
+    return get(nullptr, value, &read) == TCL_OK ? std::optional(read) : std::nullopt;
 }
 
 }  // namespace
@@ -56,6 +64,14 @@ ValueType typeOf(Tcl_Obj* value) {
     }
 }
 
+bool isEmptyText(Tcl_Obj* value) {
+    return !value->typePtr && bytesOf(value).empty();
+}
+
+bool isBig(Tcl_Obj* integer) {
+    return integer->typePtr && integer->typePtr->name == std::string_view("bignum");
+}
+
 bool isPlainInteger(Tcl_Obj* value) {
     const std::string_view bytes = bytesOf(value);
     long long number = 0;
@@ -65,16 +81,25 @@ bool isPlainInteger(Tcl_Obj* value) {
     return bytes == "0" || (bytes.front() != '0' && bytes.substr(0, 2) != "-0");
 }
 
+std::optional<bool> truthOf(Tcl_Obj* value) {
+    const std::optional<int> truth = readAs(Tcl_GetBooleanFromObj, value);
+    return truth ? std::optional(*truth != 0) : std::nullopt;
+}
+
+std::optional<Tcl_WideInt> integerOf(Tcl_Obj* value) {
+    return readAs(Tcl_GetWideIntFromObj, value);
+}
+
+std::optional<double> doubleOf(Tcl_Obj* value) {
+    return readAs(Tcl_GetDoubleFromObj, value);
+}
+
 std::optional<bool> truthWord(Tcl_Obj* value) {
     const std::string_view bytes = bytesOf(value);
     if (bytes.empty() || (bytes.front() >= '0' && bytes.front() <= '9') || bytes.front() == '-' ||
         bytes.front() == '+' || bytes.front() == '.' || bytes.front() == ' ')
         return std::nullopt;
-    int truth = 0;
-    TclRef copy(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size())));
-    if (Tcl_GetBooleanFromObj(nullptr, copy.get(), &truth) != TCL_OK)
-        return std::nullopt;
-    return truth != 0;
+    return truthOf(TclRef(Tcl_NewStringObj(bytes.data(), static_cast<int>(bytes.size()))).get());
 }
 
 }  // namespace Tamrix::TclPlugin

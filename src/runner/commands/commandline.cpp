@@ -75,6 +75,33 @@ QString countProblem(const CommandSyntax& syntax, const QStringList& arguments) 
     return {};
 }
 
+/// The option that stands where another one needs its value, which would take it without a word;
+/// empty for none. Only its own form helps to give such a text as a value: --name=--other.
+QString optionWithoutValue(const Command& command, const QStringList& arguments) {
+    const auto find = [&](const QString& argument) {
+        return std::find_if(command.options.begin(), command.options.end(),
+                            [&](const QCommandLineOption& option) {
+                                return argument == QLatin1String("--") + option.names().first();
+                            });
+    };
+    for (int index = 1; index < arguments.size(); ++index) {
+        const auto option = find(arguments.at(index));
+        if (option == command.options.end()) {
+            // What a program is given is none of ours.
+            if (command.syntax.tail == CommandTail::Program &&
+                !arguments.at(index).startsWith(QLatin1Char('-')))
+                break;
+            continue;
+        }
+        if (option->valueName().isEmpty())
+            continue;
+        if (find(arguments.value(index + 1)) != command.options.end())
+            return arguments.at(index);
+        ++index;
+    }
+    return {};
+}
+
 /// `arguments` are those in front of the first "--", and `scriptArguments` those behind it; null
 /// without one.
 Outcome<Action> parseCommand(const Command& command, const QStringList& arguments,
@@ -88,6 +115,8 @@ Outcome<Action> parseCommand(const Command& command, const QStringList& argument
         parser.setOptionsAfterPositionalArgumentsMode(
             QCommandLineParser::ParseAsPositionalArguments);
 
+    if (const QString option = optionWithoutValue(command, arguments); !option.isEmpty())
+        return explained(QStringLiteral("Missing value after '%1'").arg(option), name);
     if (!parser.parse(arguments)) {
         QString problem = parser.errorText();
         if (problem.endsWith(QLatin1Char('.')))

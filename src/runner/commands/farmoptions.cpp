@@ -139,8 +139,9 @@ std::vector<Option<CaseRunSettings>> farmOptions() {
          "The order of the cases: the suite's, those first that took longest before (with "
          "--history), or a random one, which a seed repeats.",
          nullptr, readOrder},
-        {"only-failed", "JOURNAL", "Runs the cases that did not pass in the run of a journal.",
-         nullptr, readOnlyFailed},
+        {"only-failed", "JOURNAL|DIR",
+         "Runs the cases that did not pass in the run of a journal or of a result folder.", nullptr,
+         readOnlyFailed},
         {"shard", "I/N", "Runs the part I of N of the cases, by the times in --history.", nullptr,
          readShard},
         {"history", "DIR", "Reads from, and keeps in this folder how long each case takes.",

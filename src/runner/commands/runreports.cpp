@@ -1,5 +1,6 @@
 #include "runner/commands/runreports.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QFile>
@@ -32,8 +33,16 @@ std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings,
 
 std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings) {
     auto output = std::make_unique<QFile>();
-    output->open(consoleDescriptor(settings) == STDERR_FILENO ? stderr : stdout,
-                 QIODevice::WriteOnly);
+    const int descriptor = consoleDescriptor(settings);
+    // One of its own, since a script may close that of the process. A debugger's lines go where the
+    // report goes, in their order.
+    const int ownDescriptor = settings.debugger == DebuggerDialogue::None
+                                  ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3)
+                                  : -1;
+    if (ownDescriptor < 0)
+        output->open(descriptor == STDERR_FILENO ? stderr : stdout, QIODevice::WriteOnly);
+    else if (!output->open(ownDescriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle))
+        ::close(ownDescriptor);
     return createConsole(settings, std::move(output));
 }
 

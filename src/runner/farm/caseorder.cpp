@@ -90,7 +90,9 @@ CaseOrder casesOfShard(int count, const std::vector<double>& times, const Shard&
     return cases;
 }
 
-Outcome<QStringList> failedCases(const QString& journal, const QString& suite) {
+Outcome<QStringList> failedCases(const QString& path, const QString& suite) {
+    const QString journal =
+        QFileInfo(path).isDir() ? path + QStringLiteral("/journal.jsonl") : path;
     if (!QFileInfo(journal).isFile())
         return fail(FailureKind::NotFound, QStringLiteral("there is no journal '%1'").arg(journal));
     Tallied tallied;

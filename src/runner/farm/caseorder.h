@@ -42,7 +42,8 @@ Outcome<Shard> parseShard(const QString& text);
 CaseOrder casesOfShard(int count, const std::vector<double>& times, const Shard& shard);
 
 /// The names of the cases of a suite that did not pass in the run of a journal, whether they failed
-/// or came to no end. Fails when the journal can't be read or is of another suite.
-Outcome<QStringList> failedCases(const QString& journal, const QString& suite);
+/// or came to no end; a folder of results has its journal in it. Fails when the journal can't be
+/// read or is of another suite.
+Outcome<QStringList> failedCases(const QString& path, const QString& suite);
 
 }  // namespace Tamrix

@@ -2,13 +2,13 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QSet>
+#include <algorithm>
 
 #include "runner/applications/applications.h"
 #include "runner/processes/interrupt.h"
 #include "runner/processes/shellwords.h"
 #include "runner/processes/terminal.h"
-#include "runner/recording/actionmerger.h"
+#include "runner/recording/processesmerger.h"
 #include "runner/recording/recordednames.h"
 #include "runner/recording/recordedscript.h"
 #include "wire/keynames.h"
@@ -55,25 +55,25 @@ public:
     /// Records all processes of the program, those that it starts later as well.
     Outcome<> follow(Applications& applications) {
         for (const SharedPtr<Application>& application : applications.live()) {
-            if (m_known.contains(application->id))
+            if (find(application))
                 continue;
-            m_known.insert(application->id);
             const Outcome<> recorded =
-                application->access().record(Wire::Record{true, m_verifyKeys, false});
+                application->access().record(Wire::Record{true, m_verifyKeys, m_isVerifying});
             // It may have ended at once.
             if (!recorded && application->isRunning())
                 return recorded;
-            m_applications.append(application);
+            m_processes.append({application, m_merger.addProcess(application->name)});
         }
         return {};
     }
 
     void work() {
-        for (const SharedPtr<Application>& application : qAsConst(m_applications)) {
-            for (const Wire::Observation& observation : application->access().takeObservations()) {
+        for (const Process& process : qAsConst(m_processes)) {
+            for (const Wire::Observation& observation :
+                 process.application->access().takeObservations()) {
                 if (const auto* const mode = std::get_if<Wire::ObservedMode>(&observation))
-                    tellMode(*mode);
-                m_merger.add(observation, m_clock.elapsed());
+                    takeMode(*mode, process);
+                m_merger.add(process.number, observation, m_clock.elapsed());
             }
         }
         m_merger.idle(m_clock.elapsed());
@@ -82,18 +82,36 @@ public:
     void finish() { m_merger.finish(); }
 
 private:
-    void tellMode(const Wire::ObservedMode& mode) const {
+    struct Process {
+        SharedPtr<Application> application;
+        int number;
+    };
+
+    bool find(const SharedPtr<Application>& application) const {
+        return std::any_of(m_processes.cbegin(), m_processes.cend(), [&](const Process& each) {
+            return each.application->id == application->id;
+        });
+    }
+
+    void takeMode(const Wire::ObservedMode& mode, const Process& where) {
+        m_isVerifying = mode.isVerifying;
         tell(mode.isVerifying ? QStringLiteral("Clicks verify what they hit, until %1 is pressed")
                                     .arg(m_verifyKeys)
                               : QStringLiteral("Clicks act again"));
+        // One that has ended meanwhile has no clicks.
+        for (const Process& other : qAsConst(m_processes)) {
+            if (other.number != where.number && other.application->valid)
+                static_cast<void>(other.application->access().record(
+                    Wire::Record{true, m_verifyKeys, m_isVerifying}));
+        }
     }
 
     RecordedScript& m_script;
-    ActionMerger m_merger;
+    ProcessesMerger m_merger;
     QString m_verifyKeys;
+    bool m_isVerifying = false;
     QElapsedTimer m_clock;
-    QSet<int> m_known;
-    QList<SharedPtr<Application>> m_applications;
+    QList<Process> m_processes;
 };
 
 Outcome<> recordProgram(Applications& applications, const RecordingSettings& settings,

@@ -24,7 +24,6 @@
 #include "platform/testresult/testvp.h"
 #include "runner/applications/programdisplay.h"
 #include "runner/processes/interrupt.h"
-#include "runner/processes/processstate.h"
 #include "runner/processes/shellwords.h"
 #include "runner/suites/passwords.h"
 #include "runner/suites/runsettings.h"
@@ -81,7 +80,8 @@ SuiteRun::SuiteRun(const Suite& suite, const SuiteRunOptions& options, ReportGen
                   ? nullptr
                   : std::make_unique<CaseTrace>(options.trace, options.traceFolder, traceView(),
                                                 report)),
-      m_result(m_trace ? m_trace.get() : report),
+      m_filter(m_trace ? m_trace.get() : report),
+      m_result(&m_filter),
       m_video(options.video, m_runner, m_result) {
     m_runner.facts.suiteName = suite.name;
     m_runner.facts.resultDirectory = options.resultDirectory;
@@ -133,8 +133,10 @@ bool SuiteRun::mayStartCase() const {
 
 void SuiteRun::run(const NextCase& nextCase) {
     m_passwords = takePasswords();
+    const Secrets secrets(m_passwords.values());
+    m_filter.setSecrets(secrets);
     if (m_trace)
-        m_trace->setSecrets(m_passwords.values());
+        m_trace->setSecrets(secrets);
     const ProcessState stateBeforeRun;
     Environment::setVariable(QStringLiteral("TAMRIX_SUITE_DIR"), m_suite.directory);
     Interrupt::install();
@@ -208,6 +210,7 @@ void SuiteRun::runCase(const SuiteCase& testCase) {
         ScriptContext::setCurrent(nullptr);
     }
     endApplications();
+    m_standardStreams.restore();
     m_video.endCase(caseHasFailed() || Interrupt::signalNumber() != 0);
     // Above what the script or its language left there.
     Interrupt::install();

@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "base/outcome.h"
+#include "platform/testresult/secrets.h"
 #include "platform/testresult/testresult.h"
 #include "runner/applications/privatehome.h"
 #include "runner/debugging/frontends.h"
+#include "runner/processes/processstate.h"
 #include "runner/services/runner.h"
 #include "runner/suites/casevideo.h"
 #include "runner/suites/failuremoment.h"
@@ -110,7 +112,10 @@ private:
     Runner m_runner;
     /// Null when none is kept.
     std::unique_ptr<CaseTrace> m_trace;
+    /// No report tells the passwords that the run was given.
+    SecretsFilter m_filter;
     TestResult m_result;
+    StandardStreams m_standardStreams;
     PrivateHome m_home;
     CaseVideo m_video;
     FailureMoment m_failureMoment;

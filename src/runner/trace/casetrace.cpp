@@ -12,7 +12,7 @@
 #include "base/wholetext.h"
 #include "platform/testresult/resulttext.h"
 #include "platform/testresult/resulttypes.h"
-#include "runner/trace/objectlines.h"
+#include "runner/trace/tracedobjects.h"
 #include "runner/trace/tracefolder.h"
 
 namespace Tamrix {
@@ -59,6 +59,18 @@ int tellableLength(const QByteArray& bytes, const QStringList& secrets) {
     return bytes.size() - held;
 }
 
+/// The name of its file, or those of the base and of the change that lies on it.
+QVariant toldTile(const Tile& tile) {
+    return tile.change.isEmpty() ? QVariant(tile.base) : QVariantList{tile.base, tile.change};
+}
+
+QVariantList toldTiles(const std::vector<Tile>& tiles) {
+    QVariantList told;
+    for (const Tile& tile : tiles)
+        told.append(toldTile(tile));
+    return told;
+}
+
 QString isoTime(const QDateTime& time) {
     return time.toString(Qt::ISODateWithMs);
 }
@@ -68,28 +80,6 @@ QString isoTime(const QDateTime& time) {
 CaseTrace::CaseTrace(TraceMode mode, const QString& folder, const TraceView& view,
                      ReportGenerator* report)
     : m_mode(mode), m_folder(folder), m_view(view), m_report(report) {}
-
-void CaseTrace::setSecrets(const QStringList& secrets) {
-    m_secrets = secrets;
-    // As names of objects have them.
-    for (QString secret : secrets) {
-        secret.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-            .replace(QLatin1Char('\''), QLatin1String("\\'"));
-        m_secrets.append(secret);
-    }
-    m_secrets.removeAll(QString());
-    m_secrets.removeDuplicates();
-    // Where one begins like another, nothing is left of the longer one.
-    std::sort(m_secrets.begin(), m_secrets.end(),
-              [](const QString& one, const QString& other) { return one.size() > other.size(); });
-}
-
-QString CaseTrace::hidden(const QString& text) const {
-    QString result = text;
-    for (const QString& secret : m_secrets)
-        result.replace(secret, QStringLiteral("******"));
-    return result;
-}
 
 void CaseTrace::give(const Outcome<>& outcome) {
     if (outcome)
@@ -196,7 +186,7 @@ void CaseTrace::addAction(const ReportEntry& entry, const ActionEnded& action) {
     addStep(entry,
             {{"kind", "action"},
              {"title", action.function},
-             {"arguments", hidden(action.arguments)},
+             {"arguments", action.arguments},
              {"milliseconds", action.milliseconds},
              {"failed", action.hasFailed},
              {"file", action.position.fileName()},
@@ -215,9 +205,9 @@ void CaseTrace::addResult(const ReportEntry& entry, const ResultAdded& result) {
     addStep(entry,
             {{"kind", "result"},
              {"type", resultTypeName(result.type)},
-             {"title", shortened(hidden(message))},
-             {"detail", shortened(hidden(result.detail))},
-             {"explanation", shortened(hidden(result.explanation))},
+             {"title", shortened(message)},
+             {"detail", shortened(result.detail)},
+             {"explanation", shortened(result.explanation)},
              {"failed", hasFailed},
              {"file", position.fileName()},
              {"line", position.lineNumber()}},
@@ -227,7 +217,7 @@ void CaseTrace::addResult(const ReportEntry& entry, const ResultAdded& result) {
 void CaseTrace::addOther(const ReportEntry& entry, const Fields& fields) {
     Fields shown = fields;
     for (const char* const name : {"title", "detail"})
-        shown[name] = shortened(hidden(shown.value(name).toString()));
+        shown[name] = shortened(shown.value(name).toString());
     addStep(entry, shown, false, false);
 }
 
@@ -256,14 +246,14 @@ Outcome<> CaseTrace::tryAddStep(const ReportEntry& entry, Fields fields, bool lo
     } else {
         m_isSilent = m_isSilent || looks;
         // The first of a file repeats what the last look has found.
-        if (isWhole && !m_tiles->names().isEmpty()) {
+        if (isWhole && !m_tiles->tiles().empty()) {
             const QSize size = m_tiles->size();
             fields.insert("size", QVariantList{size.width(), size.height()});
-            fields.insert("tiles", m_tiles->names());
+            fields.insert("tiles", toldTiles(m_tiles->tiles()));
             fields.insert("native", m_native);
         }
         if (isWhole && !m_objects.empty())
-            objects = "\"tree\":" + allLines(m_objects);
+            objects = "\"tree\":" + allObjects(m_objects);
     }
     addOutput(fields);
     QByteArray json =
@@ -286,7 +276,7 @@ Outcome<> CaseTrace::addPicture(Fields& fields, bool isWhole, bool marksPress) {
     const QSize size = m_tiles->size();
     if (isWhole || size != before) {
         fields.insert("size", QVariantList{size.width(), size.height()});
-        fields.insert("tiles", m_tiles->names());
+        fields.insert("tiles", toldTiles(m_tiles->tiles()));
         // From pixels to where objects are, for frames around them.
         const QPoint origin = picture.imageToNative(QPoint(0, 0));
         const QPoint end = picture.imageToNative(QPoint(size.width(), size.height()));
@@ -295,7 +285,7 @@ Outcome<> CaseTrace::addPicture(Fields& fields, bool isWhole, bool marksPress) {
     } else if (!changes->empty()) {
         QVariantMap changed;
         for (const TileStore::Change& change : *changes)
-            changed.insert(QString::number(change.index), change.name);
+            changed.insert(QString::number(change.index), toldTile(change.tile));
         fields.insert("changed", changed);
     }
     if (marksPress) {
@@ -311,14 +301,14 @@ QByteArray CaseTrace::objectsMember(bool isWhole) {
     const std::optional<Wire::ObjectListing> listing = m_view.objects();
     if (!listing)
         return {};
-    std::vector<QByteArray> lines =
-        objectLines(*listing, [this](const QString& text) { return hidden(text); });
+    TracedObjects objects =
+        tracedObjects(*listing, [this](const QString& text) { return m_secrets.hidden(text); });
     QByteArray member;
     if (isWhole || m_objects.empty())
-        member = "\"tree\":" + allLines(lines);
-    else if (const QByteArray changes = lineChanges(m_objects, lines); !changes.isEmpty())
+        member = "\"tree\":" + allObjects(objects);
+    else if (const QByteArray changes = objectChanges(m_objects, objects); !changes.isEmpty())
         member = "\"treeChanges\":" + changes;
-    m_objects = std::move(lines);
+    m_objects = std::move(objects);
     return member;
 }
 
@@ -329,11 +319,12 @@ void CaseTrace::addOutput(Fields& fields) {
         QByteArray& held = m_heldOutput[stream.key()];
         QByteArray bytes = held + *stream;
         // What did not go on is told as it is.
-        const int told = stream->isEmpty() ? bytes.size() : tellableLength(bytes, m_secrets);
+        const int told =
+            stream->isEmpty() ? bytes.size() : tellableLength(bytes, m_secrets.forms());
         held = bytes.mid(told);
         bytes.truncate(told);
         if (!bytes.isEmpty())
-            output.insert(stream.key(), shortened(hidden(wholeUtf8(bytes))));
+            output.insert(stream.key(), shortened(m_secrets.hidden(wholeUtf8(bytes))));
     }
     if (!output.isEmpty())
         fields.insert("output", output);
@@ -347,8 +338,9 @@ void CaseTrace::addSource(const LineInfo& position) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > largestSource)
         return;
-    const QJsonObject source = {{QStringLiteral("path"), path},
-                                {QStringLiteral("text"), hidden(wholeUtf8(file.readAll()))}};
+    const QJsonObject source = {
+        {QStringLiteral("path"), path},
+        {QStringLiteral("text"), m_secrets.hidden(wholeUtf8(file.readAll()))}};
     give(appendCall(QStringLiteral("%1/%2/sources.js").arg(m_folder, m_case), "traceSource",
                     QJsonDocument(source).toJson(QJsonDocument::Compact)));
 }

@@ -10,7 +10,9 @@
 #include <optional>
 
 #include "platform/testresult/reportgenerator.h"
+#include "platform/testresult/secrets.h"
 #include "runner/trace/tilestore.h"
+#include "runner/trace/tracedobjects.h"
 #include "vision/screenshot/screenshot.h"
 #include "wire/messages.h"
 
@@ -43,8 +45,9 @@ public:
     CaseTrace(TraceMode mode, const QString& folder, const TraceView& view,
               ReportGenerator* report);
 
-    /// Texts that are not to be kept.
-    void setSecrets(const QStringList& secrets);
+    /// What is not to be kept of objects, scripts and what programs write. Who adds entries leaves
+    /// it out of these.
+    void setSecrets(const Secrets& secrets) { m_secrets = secrets; }
 
     void add(const ReportEntry& entry) override;
     void finish() override { m_report->finish(); }
@@ -70,7 +73,6 @@ private:
     QByteArray objectsMember(bool isWhole);
     void addOutput(Fields& fields);
     void addSource(const LineInfo& position);
-    QString hidden(const QString& text) const;
     QString stepsPath() const;
     void give(const Outcome<>& outcome);
 
@@ -78,8 +80,7 @@ private:
     QString m_folder;
     TraceView m_view;
     ReportGenerator* m_report;
-    /// In all forms in which they may stand in a text, the longest first.
-    QStringList m_secrets;
+    Secrets m_secrets;
 
     // The running case; an empty name for none.
     QString m_case;
@@ -91,7 +92,7 @@ private:
     std::unique_ptr<TileStore> m_tiles;
     /// The native coordinates of the picture's corners: left, top, right, bottom.
     QVariantList m_native;
-    std::vector<QByteArray> m_objects;
+    TracedObjects m_objects;
     /// Of each stream, what is told when more has come: it ends within a character or a secret.
     QMap<QString, QByteArray> m_heldOutput;
     QSet<QString> m_sources;

@@ -1,14 +1,24 @@
 #pragma once
 
+#include <QHash>
 #include <QImage>
 #include <QSet>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 #include "base/outcome.h"
 
 namespace Tamrix {
+
+/// A tile of a picture: the names of its files without the suffix. Where little differs from a tile
+/// that was in its place before, `base` is that one, and `change`, which is transparent where
+/// nothing differs, lies on it; else `change` is empty.
+struct Tile {
+    QString base;
+    QString change;
+
+    bool operator==(const Tile& other) const = default;
+};
 
 /// Keeps pictures of a screen as tiles, each of which is a PNG file named after its contents: what
 /// two pictures share is stored once. Pictures that follow each other cost as much as differs.
@@ -18,12 +28,10 @@ public:
     /// Of a tile, in pixels of the picture; those at its right and lower edge may be smaller.
     static constexpr int tileSize = 128;
 
-    /// Which tile changed, and the name of its file without the suffix.
+    /// Which tile changed, and what it is now.
     struct Change {
         int index;
-        QString name;
-
-        bool operator==(const Change& other) const = default;
+        Tile tile;
     };
 
     /// The folder is there.
@@ -32,8 +40,8 @@ public:
     /// Stores the picture. Returns what differs from the last one, by the numbers of the tiles row
     /// by row from 0; all of them for the first and for one of another size.
     Outcome<std::vector<Change>> add(const QImage& picture);
-    /// The names of all tiles of the last picture; empty without one.
-    const QStringList& names() const { return m_names; }
+    /// All tiles of the last picture; empty without one.
+    const std::vector<Tile>& tiles() const { return m_tiles; }
     QSize size() const { return m_last.size(); }
 
     /// Gives the files that add() made to another folder, which has those of other stores; later
@@ -41,11 +49,20 @@ public:
     Outcome<> moveTo(const QString& folder);
 
 private:
-    Outcome<QString> store(const QRect& tile);
+    void forgetPicture();
+    /// What lies on the base of the tile at `index`; null when the whole tile costs less.
+    QImage changeOf(int index, const QRect& place) const;
+    Outcome<Tile> store(int index, const QRect& place);
+    Outcome<> write(const QString& name, const QImage& picture);
 
     QString m_folder;
     QImage m_last;
-    QStringList m_names;
+    std::vector<Tile> m_tiles;
+    /// What changes may lie on: of each place the last tile without a change, and its name.
+    QImage m_bases;
+    std::vector<QString> m_baseNames;
+    /// Tiles by the names of their whole contents.
+    QHash<QString, Tile> m_known;
     /// Files that are known to be there.
     QSet<QString> m_stored;
 };

@@ -15,7 +15,7 @@ namespace Tamrix {
 //     index.html, trace.js, trace.css   the page
 //     cases.js                          a line for each start and end of a case
 //     cases.count                       how many have begun
-//     tiles/HASH.png                    the pictures' tiles, of all cases
+//     tiles/HASH.png                    the pictures' tiles and what lies on them, of all cases
 //     case-NUMBER/steps-NUMBER.js       a line for each step of a case, so many in each file
 //
 // A line is written in one piece, behind the others: what is killed leaves whole lines.

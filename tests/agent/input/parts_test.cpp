@@ -55,6 +55,15 @@ TEST_P(PartsTest, WhatIsHiddenSaysBehindWhat) {
     }
 }
 
+TEST_P(PartsTest, WhatIsBehindAnotherDockIsNotShown) {
+    QStringList texts;
+    const auto outline = client().request<Wire::ObjectOutline>(MessageType::OutlineObjects);
+    for (const Wire::OutlinedObject& object : outline.objects)
+        texts.append(object.text);
+    EXPECT_TRUE(texts.contains("In History")) << texts.join('|').toStdString();
+    EXPECT_FALSE(texts.contains("In Layers")) << texts.join('|').toStdString();
+}
+
 TEST_P(PartsTest, ButtonsWithoutTextAreToldApart) {
     for (const QString name :
          {"{toolTip='Bold' type='QToolButton'}", "{iconName='edit-copy' type='QToolButton'}"}) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <variant>
 
 #include "interpreter/language/valueequality.h"
@@ -95,6 +97,13 @@ TEST(LanguageArgument, GoesToApplicationsAsWhatItIs) {
 TEST(LanguageArgument, IsCalledWithoutAnInterpreter) {
     QString error;
     EXPECT_EQ(HoldingArgument().call({integer(3)}, &error)->toInt(), 3);
+}
+
+TEST(WholePart, IsThatOfWhatFits) {
+    EXPECT_EQ(wholePart(-2.9), -2);
+    EXPECT_EQ(wholePart(-0x1p63), std::numeric_limits<long long>::min());
+    for (const double large : {0x1p63, -0x1.0000000000001p63, std::nan(""), HUGE_VAL})
+        EXPECT_FALSE(wholePart(large)) << large;
 }
 
 TEST(ValueEquality, LooksIntoListsAndMaps) {

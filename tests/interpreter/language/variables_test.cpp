@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <utility>
+
 #include "interpreter/language/framesdebugger.h"
 #include "interpreter/language/languagevariables.h"
 #include "interpreter/language/valuetexts.h"
@@ -15,40 +18,47 @@ namespace {
 
 using namespace Test;
 
+/// Lists and maps by what they hold, anything else by its text.
+class PlainTexts final : public ValueTexts {
+public:
+    Parts partsOf(const Value& value, int, int) override {
+        std::vector<Part> parts;
+        for (const auto& [name, each] : value->toMap())
+            parts.push_back({name, each, name + ": "});
+        for (const Value& each : value->toList())
+            parts.push_back({QString::number(parts.size()), each});
+        return partsFrom(std::move(parts));
+    }
+
+    /// Of values that were written one by one.
+    int written = 0;
+
+    using ValueTexts::keyName;
+    using ValueTexts::scriptText;
+
+protected:
+    QString text(const Value& value, int depth) override {
+        ++written;
+        if (value->isList() || value->isMap())
+            return '(' + partsText(value, depth) + ')';
+        return value->toString();
+    }
+};
+
 /// Variables of two frames, with lists and maps in them.
 class TwoFrames final : public LanguageVariables {
 public:
-    using LanguageVariables::LanguageVariables;
+    explicit TwoFrames(LanguageDebugger& debugger)
+        : LanguageVariables(debugger, std::make_unique<PlainTexts>()) {}
 
     ScriptArgument::Map inner;
     ScriptArgument::Map outer;
 
 protected:
-    void startListing() override {}
     std::vector<Member> variablesOf(int level) override {
-        return asMembers(level == 0 ? inner : outer);
-    }
-    Members membersOf(const Value& value, int first, int limit) override {
-        const std::vector<Member> all = everyMember(value);
-        Members members;
-        members.count = static_cast<int>(all.size());
-        for (int index = first; index < std::min(members.count, first + limit); ++index)
-            members.page.push_back(all[static_cast<std::size_t>(index)]);
-        return members;
-    }
-    QString textOf(const Value& value) override { return value->toString(); }
-
-private:
-    static std::vector<Member> asMembers(const ScriptArgument::Map& map) {
         std::vector<Member> members;
-        for (const auto& [name, value] : map)
+        for (const auto& [name, value] : level == 0 ? inner : outer)
             members.push_back({name, value});
-        return members;
-    }
-    static std::vector<Member> everyMember(const Value& value) {
-        std::vector<Member> members = asMembers(value->toMap());
-        for (const Value& each : value->toList())
-            members.push_back({QString::number(members.size()), each});
         return members;
     }
 };
@@ -100,31 +110,32 @@ TEST_F(Variables, ManyAreListedInPages) {
     EXPECT_EQ(listing("numbers.@450"), QStringList());
 }
 
-/// The helpers of texts, which are for derived classes.
-struct Texts : ValueTexts {
-    using ValueTexts::itemsText;
-    using ValueTexts::scriptText;
-};
-
-TEST(ValueTexts, WritesNoMoreThanIsShown) {
-    int written = 0;
-    const auto next = [&] {
-        ++written;
-        return QStringLiteral("item %1").arg(written);
-    };
-    EXPECT_EQ(Texts::itemsText(0, 3, next), "item 1, item 2, item 3");
-    EXPECT_TRUE(ValueTexts::isCut(Texts::itemsText(0, 1000000, next)));
-    EXPECT_LT(written, 60);
+TEST(ValueTexts, WriteNoMoreThanIsShown) {
+    PlainTexts texts;
+    EXPECT_EQ(texts.textOf(map({{"a", integer(1)}, {"b", list({integer(2), integer(3)})}})),
+              "(a: 1, b: (2, 3))");
+    texts.written = 0;
+    EXPECT_TRUE(ValueTexts::isCut(texts.textOf(list(ScriptArgument::List(1000, integer(12345))))));
+    EXPECT_LT(texts.written, 60);
     // Deep inside nothing is written.
-    written = 0;
-    EXPECT_EQ(Texts::itemsText(ValueTexts::deepest, 3, next), "...");
-    EXPECT_EQ(written, 0);
+    SharedPtr<ScriptArgument> nested = integer(1);
+    for (int depth = 0; depth <= ValueTexts::deepest; ++depth)
+        nested = list({nested});
+    EXPECT_EQ(texts.textOf(nested), "(((((...)))))");
+    EXPECT_EQ(texts.textOf(list({})), "()");
     EXPECT_EQ(ValueTexts::cut(QString(500, 'x')), QString(200, 'x') + "...");
+}
+
+TEST(ValueTexts, NameKeysAsPathsHaveThem) {
+    EXPECT_EQ(PlainTexts::keyName("'a  b'", true), "['a \\x20b']");
+    EXPECT_EQ(PlainTexts::keyName("'a'", false), "[%27a%27]");
+    EXPECT_EQ(PlainTexts::keyName("'cut...", true), "[%27cut%2E%2E%2E]");
+    EXPECT_EQ(PlainTexts::keyName("'a[0]'"), "['a%5B0%5D']");
 }
 
 TEST(ValueTexts, TellWhyThereIsNone) {
     using Written = std::optional<Outcome<QString>>;
-    Texts texts;
+    PlainTexts texts;
     const auto expired = [] {};
     EXPECT_EQ(texts.scriptText(expired, [] { return Written("seven"); }), "seven");
     EXPECT_EQ(texts.scriptText(expired,

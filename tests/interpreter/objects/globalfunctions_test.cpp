@@ -100,6 +100,38 @@ TEST_F(GlobalFunctions, TakeObjectsAlsoByName) {
     EXPECT_TRUE(runner.calls.at(1).startsWith("wait for {type='Button'} for "));
 }
 
+TEST_F(GlobalFunctions, TellNoPasswords) {
+    Class* const global = model.editableGlobalClass();
+    for (const char* const function : {"fill", "typeText"})
+        global->addMethod(function, Signature({Argument("Object"), Argument("QString")}))
+            .describe("object, text", "Enters it");
+    Class* const fieldClass = model.objectClass("Field");
+    fieldClass->addProperty("echoMode");
+    const SharedPtr<InMemoryObject> shown = model.addObject("Field", "name");
+    const SharedPtr<InMemoryObject> hidden = model.addObject("Field", "code");
+    shown->setProperty("echoMode", QVariant(0));
+    hidden->setProperty("echoMode", QVariant(2));
+    const auto named = [this](const char* name) { return map({{"name", text(name)}}); };
+    const struct {
+        const char* function;
+        CallArguments arguments;
+        const char* action;
+    } rows[] = {
+        {"fill", {{object(hidden), text("hunter2")}, {}}, "Field 'code', ******|"},
+        {"typeText", {{named("code"), text("hunter2")}, {}}, "{name='code'}, ******|"},
+        {"fill",
+         {{}, {{"text", text("hunter2")}, {"object", named("code")}}},
+         "text=******, object={name='code'}|"},
+        {"fill", {{object(shown), text("Ann")}, {}}, "Field 'name', \"Ann\"|"},
+        {"fill", {{named("name"), text("Ann")}, {}}, "{name='name'}, \"Ann\"|"},
+        {"fill", {{object(button), text("Ann")}, {}}, "Button 'ok', \"Ann\"|"},
+    };
+    for (const auto& row : rows) {
+        call(context, row.function, row.arguments);
+        EXPECT_EQ(takeActions(), QString(row.function) + "|" + row.action);
+    }
+}
+
 TEST_F(GlobalFunctions, TellWhyTheyFailed) {
     failure = "it is not ready: it is disabled";
     EXPECT_EQ(call(context, "click", {{object(button)}, {}}), "failed: " + failure);

@@ -149,6 +149,8 @@ TEST(CommandLine, WrongUsageIsOneLine) {
         {{"run", "s", "--quiet=1"},
          "Unexpected value after '--quiet' (see tamrixrunner run --help)"},
         {{"run", "s", "--report"}, "Missing value after '--report' (see tamrixrunner run --help)"},
+        {{"run", "s", "--only-failed", "--result-dir", "o"},
+         "Missing value after '--only-failed' (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "junit"},
          "The report format 'junit' needs a path: junit:PATH (see tamrixrunner run --help)"},
         {{"run", "s", "--report", "pdf:x"},

@@ -257,7 +257,9 @@ const Row rows[] = {
 struct Merged {
     QStringList lines;
     ActionMerger merger{[this](const ScriptAction& action) {
-                            lines.append(PythonPlugin::PythonRecorder().lines(action).trimmed());
+                            lines.append(NotatedRecorder(PythonPlugin::recordingNotation, QString())
+                                             .lines(action)
+                                             .trimmed());
                         },
                         [](const Query& name) {
                             const ObjectName found = nameOfQuery(name);

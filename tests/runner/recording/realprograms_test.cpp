@@ -1,10 +1,12 @@
 // Recordings of real programs of Debian that no test knows: twenty steps by mouse and keyboard with
-// whatever each shows, and the script of them runs as it was written.
+// whatever each shows, and the script of them runs as it was written. Further programs can be tried
+// by their paths, with ":" between them, in the variable TAMRIX_RECORDED_PROGRAMS.
 
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <algorithm>
 
@@ -25,7 +27,7 @@ constexpr int mostVisits = 40;
 constexpr int visitTime = 60'000;
 
 struct Program {
-    const char* name;
+    std::string name;
     QString path;
     QStringList arguments = {};
 };
@@ -52,8 +54,14 @@ std::vector<Program> programs() {
         {"uefitool", QStringLiteral("/usr/bin/UEFITool")},
 #endif
     };
+    static const QRegularExpression s_other(QStringLiteral("\\W"));
+    const QStringList further = qEnvironmentVariable("TAMRIX_RECORDED_PROGRAMS").split(u':');
+    for (const QString& path : further) {
+        const QString name = path.section(u'/', -1).replace(s_other, QStringLiteral("_"));
+        list.push_back({"further_" + name.toStdString(), path});
+    }
     list.erase(std::remove_if(list.begin(), list.end(),
-                              [](const Program& each) { return !QFileInfo::exists(each.path); }),
+                              [](const Program& each) { return !QFileInfo(each.path).isFile(); }),
                list.end());
     return list;
 }
@@ -176,7 +184,7 @@ private:
 
 class RealRecordings : public testing::TestWithParam<Program> {};
 INSTANTIATE_TEST_SUITE_P(, RealRecordings, testing::ValuesIn(programs()),
-                         [](const auto& row) { return std::string(row.param.name); });
+                         [](const auto& row) { return row.param.name; });
 
 TEST_P(RealRecordings, RunAsTheyWereWritten) {
     const QTemporaryDir firstHome;

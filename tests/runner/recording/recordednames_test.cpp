@@ -27,7 +27,7 @@ protected:
         QString text = (*writer)->header();
         for (const QString& name : names)
             text += (*writer)->lines(FunctionAction{"click", name, {}});
-        return text;
+        return text + (*writer)->footer();
     }
 
     Tamrix::Test::EnvironmentGuard prefix{"TAMRIX_PREFIX", TAMRIX_TEST_PREFIX};
@@ -55,20 +55,66 @@ TEST_F(RecordedNamesTest, GoToATable) {
     EXPECT_TRUE(recorded.result());
 }
 
-TEST_F(RecordedNamesTest, GoToAScriptAsVariables) {
-    suite.write("shared/scripts/names.py",
-                "# All\nopener = {\"text\": \"Open\", \"type\": \"QPushButton\"}\n");
+struct ScriptedMap {
+    const char* language;
+    const char* suffix;
+    /// Of one entry, and what the recording adds to it.
+    QByteArray before;
+    QByteArray after;
+    /// A script that uses the entry and the new one.
+    QString script;
+};
+
+const ScriptedMap scriptedMaps[] = {
+    {"python", "py", "# All\nopener = {\"text\": \"Open\", \"type\": \"QPushButton\"}\n",
+     "# All\nopener = {\"text\": \"Open\", \"type\": \"QPushButton\"}\n"
+     "save_button = {\"type\": \"QPushButton\", \"text\": \"Save\"}\n",
+     "import names\n\n\ndef main():\n    click(names.opener)\n    click(names.save_button)\n"},
+    {"javascript", "js", "export const opener = {text: \"Open\", type: \"QPushButton\"};\n",
+     "export const opener = {text: \"Open\", type: \"QPushButton\"};\n"
+     "export const saveButton = {type: \"QPushButton\", text: \"Save\"};\n",
+     "import * as names from \"names\";\n\nexport function main() {\n    click(names.opener);\n"
+     "    click(names.saveButton);\n}\n"},
+    {"perl", "pl", "package names;\nour $opener = {text => 'Open', type => 'QPushButton'};\n1;\n",
+     "package names;\nour $opener = {text => 'Open', type => 'QPushButton'};\n"
+     "our $save_button = {type => 'QPushButton', text => 'Save'};\n1;\n",
+     "use strict;\nuse warnings;\nrequire 'names.pl';\n\nsub main {\n    click($names::opener);\n"
+     "    click($names::save_button);\n}\n"},
+    {"ruby", "rb", "module Names\n  OPENER = { text: 'Open', type: 'QPushButton' }\nend\n",
+     "module Names\n  OPENER = { text: 'Open', type: 'QPushButton' }\n"
+     "  SAVE_BUTTON = { type: 'QPushButton', text: 'Save' }\nend\n",
+     "require 'names'\n\ndef main\n  click(Names::OPENER)\n  click(Names::SAVE_BUTTON)\nend\n"},
+    {"tcl", "tcl",
+     "namespace eval names {}\nset names::opener [dict create text Open type QPushButton]\n",
+     "namespace eval names {}\nset names::opener [dict create text Open type QPushButton]\n"
+     "set names::save_button [dict create type QPushButton text Save]\n",
+     "source [findFile scripts names.tcl]\n\nproc main {} {\n    click $names::opener\n"
+     "    click $names::save_button\n}\n"},
+};
+
+class RecordedVariables : public RecordedNamesTest,
+                          public testing::WithParamInterface<ScriptedMap> {};
+INSTANTIATE_TEST_SUITE_P(, RecordedVariables, testing::ValuesIn(scriptedMaps),
+                         [](const auto& row) { return std::string(row.param.language); });
+
+TEST_P(RecordedVariables, AreThoseOfTheMap) {
+    const QString language = GetParam().language;
+    if (language != "python" && !QString(TAMRIX_TEST_LANGUAGES).split(' ').contains(language))
+        GTEST_SKIP() << "its plug-in is not built";
+    const QString file = QStringLiteral("shared/scripts/names.%1").arg(GetParam().suffix);
+    suite.write(file, GetParam().before);
     ASSERT_TRUE(recorded.useMapOf(suite.path()));
     const QStringList names{recorded.nameOf(button("Open")), recorded.nameOf(button("Save"))};
-    EXPECT_EQ(scriptOf("python", names),
-              QString("import names\n\n\ndef main():\n    click(names.opener)\n"
-                      "    click(names.save_button)\n"));
-    // Other languages have no such module, but the map all the same.
-    EXPECT_EQ(scriptOf("tcl", names),
-              QString("proc main {} {\n    click :opener\n    click :save_button\n"));
-    EXPECT_EQ(QString(Tamrix::Test::readFile(suite.path("shared/scripts/names.py"))),
-              "# All\nopener = {\"text\": \"Open\", \"type\": \"QPushButton\"}\n"
-              "save_button = {\"type\": \"QPushButton\", \"text\": \"Save\"}\n");
+    EXPECT_TRUE(recorded.result());
+    EXPECT_EQ(QString(Tamrix::Test::readFile(suite.path(file))), QString(GetParam().after));
+    EXPECT_EQ(scriptOf(language, names), GetParam().script);
+}
+
+TEST_F(RecordedNamesTest, OfAnotherLanguageAreTexts) {
+    suite.write("shared/scripts/names.py", "opener = {'text': 'Open', 'type': 'QPushButton'}\n");
+    ASSERT_TRUE(recorded.useMapOf(suite.path()));
+    EXPECT_EQ(scriptOf("tcl", {recorded.nameOf(button("Open"))}),
+              QString("proc main {} {\n    click :opener\n}\n"));
 }
 
 TEST_F(RecordedNamesTest, StayInTheScriptWhenTheMapCantBeWritten) {

@@ -11,7 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include "runner/trace/objectlines.h"
+#include "runner/trace/tracedobjects.h"
 #include "runner/trace/tracefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
@@ -41,6 +41,33 @@ QList<QJsonObject> callsIn(const QString& file, const QByteArray& function) {
 
 // Tiles
 
+/// The picture that a page draws.
+QImage drawn(const TileStore& store, const QString& folder) {
+    QImage picture(store.size(), QImage::Format_RGB32);
+    QPainter painter(&picture);
+    const int columns = (picture.width() + TileStore::tileSize - 1) / TileStore::tileSize;
+    int index = 0;
+    for (const Tile& tile : store.tiles()) {
+        const QPoint place(index % columns * TileStore::tileSize,
+                           index / columns * TileStore::tileSize);
+        ++index;
+        for (const QString& name : {tile.base, tile.change}) {
+            const QImage file(QStringLiteral("%1/%2.png").arg(folder, name));
+            EXPECT_EQ(file.isNull(), name.isEmpty()) << name.toStdString();
+            painter.drawImage(place, file);
+        }
+    }
+    return picture;
+}
+
+/// Rows of stripes of so many colours, which a list of texts is like.
+void drawRows(QImage* picture, int colours) {
+    for (int y = 0; y < picture->height(); ++y) {
+        for (int x = 0; x < picture->width(); ++x)
+            picture->setPixel(x, y, qRgb((x * 7 + y) % colours, y % 20, 200));
+    }
+}
+
 TEST(TileStore, KeepsWhatDiffers) {
     const QTemporaryDir folder;
     TileStore store(folder.path());
@@ -51,37 +78,73 @@ TEST(TileStore, KeepsWhatDiffers) {
     EXPECT_EQ(changes->size(), 6U);
     // Three columns and two rows, of which those at the edges are of other sizes.
     EXPECT_EQ(tilesIn(folder.path()).size(), 4);
-    EXPECT_EQ(store.names().at(0), store.names().at(1));
-    EXPECT_NE(store.names().at(1), store.names().at(2));
+    EXPECT_EQ(store.tiles()[0], store.tiles()[1]);
+    EXPECT_FALSE(store.tiles()[1] == store.tiles()[2]);
 
-    const QStringList before = store.names();
+    const std::vector<Tile> before = store.tiles();
     EXPECT_TRUE(store.add(picture)->empty());
     QPainter(&picture).fillRect(130, 5, 4, 4, Qt::red);
     changes = store.add(picture);
     ASSERT_EQ(changes->size(), 1U);
     EXPECT_EQ(changes->front().index, 1);
-    const QImage tile(folder.filePath(changes->front().name + ".png"));
-    EXPECT_EQ(tile.convertToFormat(QImage::Format_RGB32), picture.copy(128, 0, 128, 128));
-    // Also one of more colours than a table has.
-    QImage colourful = picture;
-    for (int x = 0; x < 128; ++x) {
-        for (int y = 60; y < 63; ++y)
-            colourful.setPixel(x, y, qRgb(x, y, 7));
-    }
-    changes = store.add(colourful);
-    ASSERT_TRUE(changes);
-    EXPECT_EQ(
-        QImage(folder.filePath(store.names().at(0) + ".png")).convertToFormat(QImage::Format_RGB32),
-        colourful.copy(0, 0, 128, 128));
-    ASSERT_TRUE(store.add(picture));
+    EXPECT_EQ(drawn(store, folder.path()), picture);
     // What it was before is there already.
     QPainter(&picture).fillRect(130, 5, 4, 4, Qt::gray);
-    EXPECT_EQ(store.add(picture)->front().name, before.at(1));
-    EXPECT_EQ(tilesIn(folder.path()).size(), 6);
+    EXPECT_EQ(store.add(picture)->front().tile, before[1]);
+    EXPECT_EQ(tilesIn(folder.path()).size(), 5);
 
     // Another size is another picture.
     EXPECT_EQ(store.add(picture.copy(0, 0, 128, 128))->size(), 1U);
     EXPECT_EQ(store.size(), QSize(128, 128));
+}
+
+TEST(TileStore, KeepsLittleChangesAlone) {
+    // As many colours as a table has, and more.
+    for (const int colours : {10, 255}) {
+        const QTemporaryDir folder;
+        TileStore store(folder.path());
+        QImage picture(200, 100, QImage::Format_RGB32);
+        drawRows(&picture, colours);
+        ASSERT_TRUE(store.add(picture));
+        const std::vector<Tile> first = store.tiles();
+        const auto draw = [&](const QRect& place, QRgb colour) {
+            for (int x = place.left(); x <= place.right(); ++x) {
+                for (int y = place.top(); y <= place.bottom(); ++y)
+                    picture.setPixel(x, y, colour + static_cast<QRgb>(x % 4));
+            }
+            EXPECT_TRUE(store.add(picture));
+            EXPECT_EQ(drawn(store, folder.path()), picture);
+        };
+        // 1. Little of a tile, and then more of it: each lies on what was there first.
+        const qint64 whole = QFileInfo(folder.filePath(first[0].base + ".png")).size();
+        for (const int width : {5, 20}) {
+            draw(QRect(40, 30, width, 20), qRgb(9, 9, 9));
+            const Tile tile = store.tiles()[0];
+            EXPECT_EQ(tile.base, first[0].base);
+            ASSERT_FALSE(tile.change.isEmpty());
+            EXPECT_LT(QFileInfo(folder.filePath(tile.change + ".png")).size(), whole / 2);
+        }
+        EXPECT_EQ(store.tiles()[1], first[1]);
+        // 2. Most of it: that is a new one, on which the next change lies.
+        draw(QRect(0, 0, 128, 90), qRgb(70, 80, 90));
+        const Tile second = store.tiles()[0];
+        EXPECT_TRUE(second.change.isEmpty());
+        draw(QRect(1, 1, 3, 1), qRgb(1, 2, 3));
+        EXPECT_EQ(store.tiles()[0].base, second.base);
+        // 3. A tile that comes again, without further files.
+        const int files = tilesIn(folder.path()).size();
+        drawRows(&picture, colours);
+        EXPECT_EQ(store.add(picture)->front().tile, first[0]);
+        draw(QRect(40, 30, 5, 20), qRgb(9, 9, 9));
+        EXPECT_EQ(tilesIn(folder.path()).size(), files);
+        // 4. One that lies on another base than what was there last, and a change of it.
+        drawRows(&picture, colours);
+        draw(QRect(0, 0, 128, 90), qRgb(70, 80, 90));
+        drawRows(&picture, colours);
+        draw(QRect(40, 30, 5, 20), qRgb(9, 9, 9));
+        EXPECT_EQ(tilesIn(folder.path()).size(), files);
+        draw(QRect(90, 10, 2, 2), qRgb(8, 8, 8));
+    }
 }
 
 TEST(TileStore, FailuresAreToldAndTilesMove) {
@@ -92,7 +155,7 @@ TEST(TileStore, FailuresAreToldAndTilesMove) {
     const auto failed = lost.add(picture);
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.error().text.startsWith("'" + folder.filePath("none/")));
-    EXPECT_TRUE(lost.names().isEmpty());
+    EXPECT_TRUE(lost.tiles().empty());
 
     for (const char* const name : {"own", "all"})
         ASSERT_TRUE(QDir(folder.path()).mkdir(name));
@@ -105,21 +168,58 @@ TEST(TileStore, FailuresAreToldAndTilesMove) {
 
 // Objects
 
-/// What the page does with changes.
-QStringList applied(const std::vector<QByteArray>& before, const QByteArray& changes) {
-    QStringList lines;
-    const QJsonArray all = QJsonDocument::fromJson(changes).array();
-    for (const auto& change : all) {
-        const QJsonArray fields = change.toArray();
-        if (fields.size() == 2) {
-            for (int index = 0; index < fields.at(1).toInt(); ++index)
-                lines += before.at(static_cast<size_t>(fields.at(0).toInt()) +
-                                   static_cast<size_t>(index));
-        } else {
-            lines += QJsonDocument(fields).toJson(QJsonDocument::Compact);
-        }
+// What the page does with what it is told.
+
+TracedObject like(const TracedObject& model, const QJsonObject& told) {
+    TracedObject object = model;
+    object.depth = told["depth"].toInt(model.depth);
+    object.type = told["type"].toString(model.type);
+    object.text = told["text"].toString(model.text);
+    object.state = told["state"].toInt(model.state);
+    if (told.contains("place")) {
+        const QJsonArray place = told["place"].toArray();
+        object.place =
+            QRect(place[0].toInt(), place[1].toInt(), place[2].toInt(), place[3].toInt());
     }
-    return lines;
+    if (!model.text.isEmpty())
+        object.name.replace(model.text, object.text);
+    if (told.contains("name")) {
+        const QJsonArray name = told["name"].toArray();
+        object.name = object.name.left(name[0].toInt()) + name[2].toString() +
+                      object.name.right(name[1].toInt());
+    }
+    return object;
+}
+
+void append(const QJsonArray& told, TracedObjects* objects) {
+    for (const auto& each : told)
+        objects->push_back(
+            like(objects->empty() ? TracedObject() : objects->back(), each.toObject()));
+}
+
+TracedObjects told(const QByteArray& json) {
+    TracedObjects objects;
+    append(QJsonDocument::fromJson(json).array(), &objects);
+    return objects;
+}
+
+TracedObjects changed(const TracedObjects& before, const QByteArray& json) {
+    TracedObjects objects;
+    auto next = before.begin();
+    const QJsonArray changes = QJsonDocument::fromJson(json).array();
+    for (const auto& change : changes) {
+        if (change.isArray())
+            append(change.toArray(), &objects);
+        else if (change.isObject())
+            objects.push_back(like(*next++, change.toObject()));
+        else if (change.toInt() < 0)
+            next -= change.toInt();
+        else
+            for (int count = change.toInt(); count > 0; --count)
+                objects.push_back(*next++);
+    }
+    EXPECT_EQ(next, before.end());
+    return objects;
 }
 
 Wire::ObjectListing listing(const QStringList& texts) {
@@ -129,25 +229,57 @@ Wire::ObjectListing listing(const QStringList& texts) {
     return result;
 }
 
-TEST(ObjectLines, AreToldByTheirDifferences) {
+TEST(TracedObjects, AreToldByTheirDifferences) {
     const auto same = [](const QString& text) { return text; };
-    const QStringList texts[] = {{}, {"a"}, {"a", "b", "c"}, {"a", "x", "c", "\"ü\n"}, {"c", "a"}};
-    for (const QStringList& from : texts) {
-        for (const QStringList& to : texts) {
-            const auto before = objectLines(listing(from), same);
-            const auto after = objectLines(listing(to), same);
-            const QByteArray changes = lineChanges(before, after);
+    TracedObjects moments[] = {{}, {}, {}, {}, {}, {}};
+    const QStringList texts[] = {{},
+                                 {"a"},
+                                 {"a", "b", "c"},
+                                 {"a", "x", "c", "\"ü\n"},
+                                 {"c", "a"},
+                                 {"\U0001F600", "\U0001F601", "e", ""}};
+    for (size_t index = 0; index < std::size(texts); ++index)
+        moments[index] = tracedObjects(listing(texts[index]), same);
+    // Names that are not made of texts, and whose characters have halves in common.
+    moments[3][1] = {2, "QItem", "x", "{occurrence='2' text='x'}", QRect(-5, 6, 7, 8), 1};
+    moments[4][0].name = "{name='\U0001F600'}";
+    moments[4][1].name = "{name='\U0001F601'}";
+    for (const TracedObjects& from : moments) {
+        EXPECT_EQ(told(allObjects(from)), from);
+        for (const TracedObjects& to : moments) {
+            const QByteArray changes = objectChanges(from, to);
             if (from == to)
                 EXPECT_TRUE(changes.isEmpty());
             else
-                EXPECT_EQ(applied(before, changes), QStringList(after.begin(), after.end()));
-            EXPECT_EQ(applied({}, allLines(after)), QStringList(after.begin(), after.end()));
+                EXPECT_EQ(changed(from, changes), to) << changes.constData();
         }
     }
     EXPECT_EQ(
-        objectLines(listing({"secret"}), [](QString text) { return text.replace("secret", "***"); })
-            .front(),
-        R"([0,"QLabel","***","{text='***'}",1,2,3,4,3])");
+        tracedObjects(listing({"secret"}), [](QString t) { return t.replace("secret", "***"); }),
+        tracedObjects(listing({"***"}), same));
+}
+
+TEST(TracedObjects, TakeFewBytes) {
+    const auto row = [](int number, const char* occurrence) {
+        const QString text = QStringLiteral("file %1").arg(number);
+        return TracedObject{1,
+                            "QTreeViewItem",
+                            text,
+                            "{" + QString(occurrence) + "text='" + text + "' type='QTreeViewItem'}",
+                            QRect(0, 20 * (number % 2), 100, 20),
+                            3};
+    };
+    const TracedObjects before = {row(1, ""), row(2, ""), row(3, "")};
+    EXPECT_EQ(allObjects(before),
+              R"([{"depth":1,"name":[0,0,"{text='file 1' type='QTreeViewItem'}"],)"
+              R"("place":[0,20,100,20],"state":3,"text":"file 1","type":"QTreeViewItem"},)"
+              R"({"place":[0,0,100,20],"text":"file 2"},)"
+              R"({"place":[0,20,100,20],"text":"file 3"}])");
+    EXPECT_EQ(
+        objectChanges(before, {row(5, ""), row(2, ""), row(7, "occurrence='2' "), row(9, "")}),
+        R"([{"text":"file 5"},1,{"name":[1,35,"occurrence='2' "],"text":"file 7"},)"
+        R"([{"name":[1,35,""],"text":"file 9"}]])");
+    EXPECT_EQ(objectChanges(before, {row(2, "")}), "[-1,1,-1]");
 }
 
 // The folder
@@ -209,12 +341,15 @@ protected:
 
     void start(TraceMode mode) {
         generator = std::make_unique<CaseTrace>(mode, trace, view, &report);
-        generator->setSecrets({"hunter2", "", "hunter2000", "it's"});
+        const Secrets secrets({"hunter2", "", "hunter2000", "it's"});
+        generator->setSecrets(secrets);
+        filter = std::make_unique<SecretsFilter>(generator.get());
+        filter->setSecrets(secrets);
     }
 
     void add(const ReportEvent& event) {
         time = time.addMSecs(10);
-        generator->add({time, event});
+        filter->add({time, event});
     }
 
     void act(const QString& function, const QString& arguments = {}) {
@@ -250,6 +385,7 @@ protected:
     TraceView view;
     RecordingReport report;
     std::unique_ptr<CaseTrace> generator;
+    std::unique_ptr<SecretsFilter> filter;
     QDateTime time = QDateTime(QDate(2026, 5, 4), QTime(3, 2, 1));
 };
 
@@ -276,7 +412,7 @@ TEST_F(CaseTraceTest, TellsWhatEachStepChanged) {
     EXPECT_FALSE(all[0].contains("point"));
 
     EXPECT_EQ(all[1]["changed"].toObject().keys(), QStringList{"0"});
-    EXPECT_EQ(all[1]["treeChanges"].toArray().size(), 2);
+    EXPECT_EQ(all[1]["treeChanges"].toArray(), (QJsonArray{1, QJsonObject{{"text", "c"}}}));
     EXPECT_EQ(all[1]["point"].toArray(), (QJsonArray{5, 7}));
     EXPECT_EQ(all[1]["arguments"].toString(), "\"******\"");
     EXPECT_EQ(all[1]["output"].toObject()["faulty-stdout"].toString(), "a line with ******\n");
@@ -312,7 +448,7 @@ TEST_F(CaseTraceTest, SecretsAreLeftOutOfAllTexts) {
         output += step["output"].toObject()["faulty-stdout"].toString().toUtf8() + '|';
     }
     EXPECT_EQ(output, "****** ||****** |\u20ac |h|e|");
-    EXPECT_EQ(steps()[0]["tree"].toArray()[1].toArray()[3].toString(), "{text='******'}");
+    EXPECT_EQ(steps()[0]["tree"].toArray()[1].toObject()["text"].toString(), "******");
     for (const char* const file : {"steps-0001.js", "sources.js"}) {
         const QByteArray text = readFile(trace + "/case-0001/" + file);
         EXPECT_TRUE(text.contains("******"));

@@ -54,6 +54,14 @@ AgentConnection::AgentConnection(int descriptor, const QString& token)
 AgentConnection::~AgentConnection() = default;
 
 void AgentConnection::close(const QString& reason) {
+    // An answer that has come already still counts.
+    if (m_isRequesting)
+        m_closesFor = reason;
+    else
+        shut(reason);
+}
+
+void AgentConnection::shut(const QString& reason) {
     m_channel.close(reason);
     m_state = State::Closed;
 }
@@ -63,6 +71,10 @@ void AgentConnection::close(const QString& reason) {
 AgentConnection::State AgentConnection::pump() {
     if (m_state == State::Closed || m_isRequesting)
         return m_state;
+    if (m_closesFor) {
+        shut(*m_closesFor);
+        return m_state;
+    }
     m_channel.receive();
     Frame answer;
     bool isAnswered = false;
@@ -83,8 +95,8 @@ bool AgentConnection::takeFrames(quint32 wanted, Frame* answer, bool* isAnswered
             takeObservation(*frame);
         } else if (!isAnswer(frame->type) || frame->sequence == 0 ||
                    frame->sequence > m_lastSequence) {
-            close(QStringLiteral("the application sent a message of type %1 that nobody asked for")
-                      .arg(static_cast<int>(frame->type)));
+            shut(QStringLiteral("the application sent a message of type %1 that nobody asked for")
+                     .arg(static_cast<int>(frame->type)));
         } else if (frame->sequence == wanted) {
             *answer = *frame;
             *isAnswered = true;
@@ -102,12 +114,12 @@ void AgentConnection::takeHello(const Frame& frame) {
     Wire::Text reason;
     // One that stands between runner and agent may have none to offer.
     if (frame.type == MessageType::Refusal && Wire::decode(frame.body, &reason)) {
-        close(reason.text);
+        shut(reason.text);
         return;
     }
     if (frame.type != MessageType::Hello || !Wire::decode(frame.body, &hello) ||
         hello.magic != Wire::magicNumber) {
-        close(QStringLiteral("the other side is no agent"));
+        shut(QStringLiteral("the other side is no agent"));
         return;
     }
     QString refusal;
@@ -122,7 +134,7 @@ void AgentConnection::takeHello(const Frame& frame) {
     }
     if (!refusal.isEmpty()) {
         m_channel.sendBody(0, MessageType::Refusal, Wire::Text{refusal});
-        close(refusal);
+        shut(refusal);
         return;
     }
     m_isRefused = false;
@@ -135,9 +147,9 @@ void AgentConnection::takeHello(const Frame& frame) {
 void AgentConnection::takeEvent(const Frame& frame) {
     Wire::EventFired event;
     if (!Wire::decode(frame.body, &event))
-        close(QStringLiteral("the application sent an event that can't be read"));
+        shut(QStringLiteral("the application sent an event that can't be read"));
     else if (m_events.size() >= maximalEventCount)
-        close(QStringLiteral("more than %1 events came").arg(maximalEventCount));
+        shut(QStringLiteral("more than %1 events came").arg(maximalEventCount));
     else
         m_events.push_back(event);
 }
@@ -149,9 +161,9 @@ std::vector<Wire::EventFired> AgentConnection::takeEvents() {
 void AgentConnection::takeObservation(const Frame& frame) {
     Wire::Observation observation;
     if (!Wire::decode(frame.body, &observation))
-        close(QStringLiteral("the application sent an observation that can't be read"));
+        shut(QStringLiteral("the application sent an observation that can't be read"));
     else if (m_observations.size() >= maximalEventCount)
-        close(QStringLiteral("more than %1 observations came").arg(maximalEventCount));
+        shut(QStringLiteral("more than %1 observations came").arg(maximalEventCount));
     else
         m_observations.push_back(std::move(observation));
 }
@@ -167,12 +179,14 @@ bool AgentConnection::waitForBytes(const QDeadlineTimer& deadline, bool* hasProc
     const qint64 left = std::min(deadline.remainingTime(), m_nextIdle.remainingTime());
     blockingPoll(watched, std::size(watched), static_cast<int>(std::max<qint64>(left, 0)));
     *hasProcessEnded = watched[1].revents != 0;
-    m_channel.receive();
     // Answers that come at once never wait for the hook.
-    if (!m_nextIdle.hasExpired())
-        return true;
-    const bool goesOn = !m_idleHook || m_idleHook();
-    m_nextIdle.setRemainingTime(idleInterval);
+    bool goesOn = true;
+    if (m_nextIdle.hasExpired()) {
+        goesOn = !m_idleHook || m_idleHook();
+        m_nextIdle.setRemainingTime(idleInterval);
+    }
+    // Behind the end of the process, also one that the hook has seen, all is here that ever comes.
+    m_channel.receive();
     return goesOn;
 }
 
@@ -183,12 +197,14 @@ bool AgentConnection::waitForHello(int timeout) {
     bool isAnswered = false;
     bool hasProcessEnded = false;
     while (takeFrames(0, &answer, &isAnswered) && m_state == State::Greeting) {
-        if (hasProcessEnded)
-            close(QStringLiteral("the process has ended"));
+        if (m_closesFor)
+            shut(*m_closesFor);
+        else if (hasProcessEnded)
+            shut(QStringLiteral("the process has ended"));
         else if (deadline.hasExpired())
-            close(QStringLiteral("the other side sent no hello within %1 ms").arg(timeout));
+            shut(QStringLiteral("the other side sent no hello within %1 ms").arg(timeout));
         else if (!waitForBytes(deadline, &hasProcessEnded))
-            close(QStringLiteral("the wait for the hello was given up"));
+            shut(QStringLiteral("the wait for the hello was given up"));
     }
     return m_state == State::Open;
 }
@@ -200,8 +216,10 @@ Outcome<Frame> AgentConnection::waitForAnswer(quint32 sequence, const QDeadlineT
     bool isAnswered = false;
     bool goesOn = true;
     while (takeFrames(sequence, &answer, &isAnswered) && !isAnswered) {
-        if (hasProcessEnded) {
-            close(QStringLiteral("the process has ended"));
+        if (m_closesFor) {
+            shut(*m_closesFor);
+        } else if (hasProcessEnded) {
+            shut(QStringLiteral("the process has ended"));
         } else if (!goesOn) {
             return fail(FailureKind::Failed, QStringLiteral("The wait was given up"));
         } else if (deadline.hasExpired()) {
@@ -302,6 +320,8 @@ Outcome<Frame> AgentConnection::answerTo(MessageType type, const QByteArray& bod
         return fail(FailureKind::Failed,
                     QStringLiteral("Another request to the application is under way"));
     }
+    if (m_closesFor)
+        shut(*m_closesFor);
     if (m_state != State::Open)
         return fail(disconnected());
     if (static_cast<quint32>(body.size()) > Wire::maximalBodySize) {

@@ -5,6 +5,7 @@
 #include <QString>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "base/export.h"
@@ -73,7 +74,8 @@ public:
     /// Processes pending frames without waiting, in each state: hello, events, late answers.
     /// Returns the state after that.
     State pump();
-    /// Closes for good. Requests fail from now on with this reason.
+    /// Closes for good. Requests fail from now on with this reason; one that is under way, as when
+    /// the idle hook closes, still gets an answer that has come.
     void close(const QString& reason);
 
     void setIdleHook(const IdleHook& hook) { m_idleHook = hook; }
@@ -125,6 +127,7 @@ public:
     static Failure unreadableAnswer(Wire::MessageType type);
 
 private:
+    void shut(const QString& reason);
     /// Frames that have come: false when the connection is closed now. `wanted` is the sequence of
     /// the answer that is waited for, 0 for none.
     bool takeFrames(quint32 wanted, Wire::Frame* answer, bool* isAnswered);
@@ -157,6 +160,8 @@ private:
     int m_syncTimeout = 5000;
     quint32 m_lastSequence = 0;
     bool m_isRequesting = false;
+    /// Why it closes once the request that is under way has looked for its answer.
+    std::optional<QString> m_closesFor;
     bool m_isRefused = false;
     /// Input was injected and may not have taken effect yet.
     bool m_isSyncDue = false;

@@ -85,12 +85,12 @@ sub DESTROY { }
 package tamrix::Object;
 our @ISA = ('tamrix::Handle');
 use overload
-    '""' => \&_text,
-    'bool' => \&_isThere,
-    '==' => \&_isSame,
-    '!=' => sub { !_isSame(@_) },
-    'eq' => sub { ref $_[1] ? _isSame(@_) : _text($_[0]) eq $_[1] },
-    'ne' => sub { ref $_[1] ? !_isSame(@_) : _text($_[0]) ne $_[1] },
+    '""' => sub { _text($_[0]) },
+    'bool' => sub { _isThere($_[0]) },
+    '==' => sub { _isSame($_[0], $_[1]) },
+    '!=' => sub { !_isSame($_[0], $_[1]) },
+    'eq' => sub { ref $_[1] ? _isSame($_[0], $_[1]) : _text($_[0]) eq $_[1] },
+    'ne' => sub { ref $_[1] ? !_isSame($_[0], $_[1]) : _text($_[0]) ne $_[1] },
     fallback => 1;
 sub can {
     my ($self, $name) = @_;
@@ -105,16 +105,17 @@ our @ISA = ('tamrix::Handle');
 
 package tamrix::ApplicationContext;
 our @ISA = ('tamrix::Handle');
+sub _isSame { UNIVERSAL::isa($_[1], __PACKAGE__) && _id($_[0]) == _id($_[1]) }
 use overload
-    '""' => \&_text,
-    '==' => sub { ref $_[1] && _id($_[0]) == (_id($_[1]) // -1) },
-    '!=' => sub { !ref $_[1] || _id($_[0]) != (_id($_[1]) // -1) },
+    '""' => sub { _text($_[0]) },
+    '==' => sub { _isSame($_[0], $_[1]) },
+    '!=' => sub { !_isSame($_[0], $_[1]) },
     'bool' => sub { 1 },
     fallback => 1;
 
 package tamrix::DataSet;
 our @ISA = ('tamrix::Handle');
-use overload '@{}' => \&_records, 'bool' => sub { 1 }, fallback => 1;
+use overload '@{}' => sub { _records($_[0]) }, 'bool' => sub { 1 }, fallback => 1;
 
 package tamrix::Record;
 our @ISA = ('tamrix::Handle');
@@ -122,4 +123,4 @@ sub _fields {
     my ($names, $values) = (_names($_[0]), _values($_[0]));
     return {map { $names->[$_] => $values->[$_] // '' } 0 .. $#$names};
 }
-use overload '@{}' => \&_values, '%{}' => \&_fields, 'bool' => sub { 1 }, fallback => 1;
+use overload '@{}' => sub { _values($_[0]) }, '%{}' => \&_fields, 'bool' => sub { 1 }, fallback => 1;

@@ -126,7 +126,7 @@ class Tamrix::Condition
   def property(object, name, values)
     return object.public_send(name, *values) if %i[== != nil? !].include?(name)
     name = values.pop if name == :[]
-    found = Tamrix::Native.property(object, name.to_s) if values.empty?
+    found = object._property(name.to_s) if values.empty?
     found ? found.first : raise(Unknown)
   end
 

@@ -7,12 +7,21 @@ class Tamrix::Object
   def respond_to_missing?(name, _all = false)
     # What Ruby asks for conversions is nothing of an application.
     return false if name.start_with?('to_')
-    Tamrix::Native.members(self).include?(name.to_s.delete_suffix('='))
+    _members.include?(name.to_s.delete_suffix('='))
   rescue Tamrix::Error
     false
   end
 
-  def methods(*all) = super + Tamrix::Native.members(self).map(&:to_sym)
+  # By a name that Ruby can't write, or has itself.
+  def [](name) = method_missing(name)
+
+  def []=(name, value)
+    method_missing("#{name}=", value)
+  end
+
+  def methods(*all) = super + _members.map(&:to_sym)
+
+  def inspect = _text
 
   alias eql? ==
   alias to_s inspect

@@ -35,26 +35,36 @@ module Tamrix::Entries
   end
 end
 
+# Methods in front of whose names stands "_" are the library's.
 class Tamrix::DataSet
   include Tamrix::Entries
 
-  def [](index) = record(place(index, 'record'))
+  def size = records.size
+  def [](index) = records[place(index, 'record')]
+  def inspect = _text
   alias to_s inspect
+
+  private
+
+  def records = @records ||= _records
 end
 
 class Tamrix::Record
   include Tamrix::Entries
 
+  def size = _values.size
+
   # By field name or column.
   def [](key)
-    return value(place(key, 'column')) unless key.is_a?(String) || key.is_a?(Symbol)
-    value(column(key) || raise(KeyError, "the data set has no field '#{key}'"))
+    return _values[place(key, 'column')] unless key.is_a?(String) || key.is_a?(Symbol)
+    _values[_names.index(key.to_s) || raise(KeyError, "the data set has no field '#{key}'")]
   end
 end
 
 class Tamrix::ApplicationContext
-  def ==(other) = other.is_a?(Tamrix::ApplicationContext) && id == other.id
-  def hash = id.hash
+  def ==(other) = other.is_a?(Tamrix::ApplicationContext) && _id == other._id
+  def hash = _id.hash
+  def inspect = _text
 
   alias eql? ==
   alias to_s inspect

@@ -281,6 +281,29 @@ Outcome<const ViewObject*> Session::visible(const QString& ref) {
     return fail(FailureKind::NotFound, QStringLiteral("%1 is not visible now").arg(meant->text));
 }
 
+Outcome<QRect> Session::seenPart(const Meant& meant) {
+    Access& access = meant.application->access();
+    const Outcome<SharedPtr<Object>> object =
+        meant.object ? meant.object : access.findObject(ObjectName(meant.name));
+    if (!object)
+        return fail(object.error());
+    const Outcome<View> view = currentView();
+    if (!view)
+        return fail(view.error());
+    if (const auto* const remote = dynamic_cast<const RemoteObjectBase*>(object->get())) {
+        const ObjectKey key{meant.application->id, static_cast<quint64>(remote->remoteId())};
+        for (const ViewObject& each : *view) {
+            if (each.key == key)
+                return each.facts.geometry;
+        }
+    }
+    // What only holds others is no part of the view.
+    const Outcome<SharedPtr<Object>> bounds = access.globalBounds(*object);
+    if (!bounds)
+        return fail(bounds.error());
+    return unwrapRemoteScreenRectangleAsQRect(*bounds);
+}
+
 Outcome<Meant> Session::focused() {
     const Outcome<View> view = currentView();
     if (!view)

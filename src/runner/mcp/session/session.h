@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
 #include <QTemporaryDir>
 #include <QVariant>
@@ -70,6 +71,8 @@ public:
     Outcome<const ViewObject*> visible(const QString& ref);
     /// What the last look has seen.
     const View& view() const { return m_view; }
+    /// The part of an object that is seen, on the screen. Empty for what is scrolled out of sight.
+    Outcome<QRect> seenPart(const Meant& meant);
     /// What has the keyboard's focus, else the window that was shown last.
     Outcome<Meant> focused();
 

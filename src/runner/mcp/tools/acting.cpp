@@ -1,7 +1,5 @@
 #include "runner/mcp/tools/acting.h"
 
-#include "platform/objectmodel/objectclass.h"
-
 namespace Tamrix::Mcp {
 
 void ActArguments::add(int number) {
@@ -30,16 +28,6 @@ Outcome<ToolAnswer> actOn(Session& session, const Outcome<Meant>& meant, const c
 Outcome<ToolAnswer> actOn(Session& session, const Arguments& arguments, const char* function,
                           const ActArguments& others) {
     return actOn(session, session.meant(arguments.text("target")), function, others);
-}
-
-bool isForPasswords(const SharedPtr<Object>& object) {
-    const Class* const objectClass = object ? object->objectClass() : nullptr;
-    const Property* const echoMode =
-        objectClass ? objectClass->property(QStringLiteral("echoMode")) : nullptr;
-    const Outcome<SharedPtr<Object>> value =
-        echoMode ? object->readProperty(*echoMode) : SharedPtr<Object>();
-    // 0: what is entered is shown.
-    return value && *value && (*value)->toVariant().toInt() != 0;
 }
 
 }  // namespace Tamrix::Mcp

@@ -22,9 +22,6 @@ Outcome<ToolAnswer> actOn(Session& session, const Arguments& arguments, const ch
 Outcome<ToolAnswer> actOn(Session& session, const Outcome<Meant>& meant, const char* function,
                           const ActArguments& others);
 
-/// Whether it is a field that hides what is entered; null is none.
-bool isForPasswords(const SharedPtr<Object>& object);
-
 /// What all of them take first.
 inline constexpr Parameter targetParameter = {"target", ParameterType::Text, Parameter::Required};
 

@@ -19,15 +19,19 @@ Outcome<QRect> boundsOf(const Meant& meant) {
     return unwrapRemoteScreenRectangleAsQRect(*bounds);
 }
 
-/// From the start, relative to the object, to the middle of another one.
+/// From a point of the screen to the middle of what is seen of an object.
 Outcome<QPoint> distanceTo(Session& session, const QString& to, const QPoint& start) {
     const Outcome<Meant> meant = session.meant(to);
     if (!meant)
         return fail(meant.error());
-    const Outcome<QRect> bounds = boundsOf(*meant);
-    if (!bounds)
-        return fail(bounds.error());
-    return bounds->center() - start;
+    const Outcome<QRect> seen = session.seenPart(*meant);
+    if (!seen)
+        return fail(seen.error());
+    if (seen->isEmpty())
+        return fail(
+            FailureKind::NotReady,
+            QStringLiteral("drag: %1 is out of sight: scroll to it first").arg(meant->text));
+    return seen->center() - start;
 }
 
 Outcome<ToolAnswer> drag(Session& session, const Arguments& arguments) {
@@ -37,8 +41,11 @@ Outcome<ToolAnswer> drag(Session& session, const Arguments& arguments) {
     const Outcome<QRect> bounds = boundsOf(*meant);
     if (!bounds)
         return fail(bounds.error());
-    // 1. The start: where it is said, else the middle.
-    const QPoint middle = bounds->center() - bounds->topLeft();
+    const Outcome<QRect> seen = session.seenPart(*meant);
+    if (!seen)
+        return fail(seen.error());
+    // 1. The start: where it is said, else the middle of what is seen; the rest is scrolled to.
+    const QPoint middle = (seen->isEmpty() ? *bounds : *seen).center() - bounds->topLeft();
     const QPoint start(arguments.integer("x").value_or(middle.x()),
                        arguments.integer("y").value_or(middle.y()));
     // 2. The distance.

@@ -1,3 +1,4 @@
+#include "platform/objectmodel/passwordfields.h"
 #include "runner/mcp/tools/acting.h"
 
 namespace Tamrix::Mcp {

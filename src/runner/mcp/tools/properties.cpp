@@ -1,3 +1,4 @@
+#include "platform/objectmodel/passwordfields.h"
 #include "platform/objectmodel/valueobject.h"
 #include "runner/mcp/screen/viewtext.h"
 #include "runner/mcp/tools/acting.h"

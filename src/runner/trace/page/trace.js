@@ -83,13 +83,37 @@ const isLive = () => location.protocol.startsWith("http");
 
 const noState = { size: null, tiles: [], native: null, tree: [], output: {} };
 
+const noObject = { depth: 0, type: "", text: "", name: "", place: [0, 0, 0, 0], state: 0 };
+
+// An object that is told by what differs from a model.
+function objectLike(model, told) {
+    const object = { ...model, ...told };
+    const name = model.text ? model.name.replaceAll(model.text, () => object.text) : model.name;
+    const [start, end, between] = told.name || [name.length, 0, ""];
+    object.name = name.slice(0, start) + between + name.slice(name.length - end);
+    return object;
+}
+
+// Adds objects, each of which is told by what differs from the one before it.
+function appendObjects(tree, told) {
+    for (const object of told)
+        tree.push(objectLike(tree[tree.length - 1] || noObject, object));
+    return tree;
+}
+
 function applyTree(before, changes) {
     const tree = [];
+    let next = 0;
     for (const change of changes) {
-        if (change.length === 2)
-            tree.push(...before.slice(change[0], change[0] + change[1]));
-        else
-            tree.push(change);
+        if (Array.isArray(change)) {
+            appendObjects(tree, change);
+        } else if (typeof change === "object") {
+            tree.push(objectLike(before[next++], change));
+        } else {
+            if (change > 0)
+                tree.push(...before.slice(next, next + change));
+            next += Math.abs(change);
+        }
     }
     return tree;
 }
@@ -104,7 +128,7 @@ function nextState(before, step) {
             state.tiles[index] = name;
     }
     if (step.tree)
-        state.tree = step.tree;
+        state.tree = appendObjects([], step.tree);
     if (step.treeChanges)
         state.tree = applyTree(before.tree, step.treeChanges);
     return state;
@@ -193,6 +217,22 @@ function tileImage(name) {
 // The state whose tiles are being drawn: those of another one may come late.
 let drawn = null;
 
+const isLoaded = (image) => image.complete && image.naturalWidth > 0;
+
+// A tile is the name of a picture, or the names of one and of another one that lies on it.
+function drawTile(state, tile, x, y) {
+    const images = [].concat(tile).map(tileImage);
+    const draw = () => {
+        if (drawn !== state || !images.every(isLoaded))
+            return;
+        for (const image of images)
+            page("picture").getContext("2d").drawImage(image, x, y);
+    };
+    for (const image of images.filter((each) => !isLoaded(each)))
+        image.addEventListener("load", draw, { once: true });
+    draw();
+}
+
 function showPicture(state) {
     const canvas = page("picture");
     const marks = page("marks");
@@ -207,20 +247,9 @@ function showPicture(state) {
         canvas.width = width;
         canvas.height = height;
     }
-    const context = canvas.getContext("2d");
     const columns = Math.ceil(width / tileSize);
-    state.tiles.forEach((name, index) => {
-        const image = tileImage(name);
-        const draw = () => {
-            if (drawn === state)
-                context.drawImage(image, index % columns * tileSize,
-                    Math.floor(index / columns) * tileSize);
-        };
-        if (image.complete && image.naturalWidth > 0)
-            draw();
-        else
-            image.addEventListener("load", draw, { once: true });
-    });
+    state.tiles.forEach((tile, index) => drawTile(state, tile,
+        index % columns * tileSize, Math.floor(index / columns) * tileSize));
     marks.style.width = `${width}px`;
     marks.style.height = `${height}px`;
     marks.style.transform = `scale(${canvas.clientWidth / width})`;
@@ -245,8 +274,8 @@ function frameObject(state, object) {
     const [left, top, right, bottom] = state.native;
     const horizontal = state.size[0] / Math.max(1, right - left);
     const vertical = state.size[1] / Math.max(1, bottom - top);
-    mark("frame", (object[4] - left) * horizontal, (object[5] - top) * vertical,
-        object[6] * horizontal, object[7] * vertical);
+    const [x, y, width, height] = object.place;
+    mark("frame", (x - left) * horizontal, (y - top) * vertical, width * horizontal, height * vertical);
 }
 
 // The details
@@ -260,7 +289,7 @@ function copyText(text) {
 }
 
 function objectElement(state, object, className) {
-    const [depth, type, text, name, , , , , flags] = object;
+    const { depth, type, text, name, state: flags } = object;
     const line = make("div", `object ${className} ${flags & 1 ? "" : "hidden"}`,
         `${type}${text ? ` "${text}"` : ""}${flags & 2 ? "" : " (disabled)"}`);
     line.style.paddingLeft = `${wanted ? 0.2 : 0.2 + depth}em`;
@@ -286,11 +315,19 @@ function objectElement(state, object, className) {
     return line;
 }
 
+// What is in one state only.
+function differences(state, before) {
+    const told = (object) => JSON.stringify(Object.values(object));
+    const known = new Set(before.tree.map(told));
+    const now = new Set(state.tree.map(told));
+    return {
+        added: new Set(state.tree.filter((object) => !known.has(told(object)))),
+        gone: new Set(before.tree.filter((object) => !now.has(told(object)))),
+    };
+}
+
 function showObjects(panel, state, before) {
-    const known = new Set(before.tree.map(String));
-    const now = new Set(state.tree.map(String));
-    const isNew = (object) => before.tree.length > 0 && !known.has(String(object));
-    const gone = before.tree.filter((object) => !now.has(String(object)));
+    const { added, gone } = differences(state, before);
     const search = make("input");
     search.type = "search";
     search.placeholder = `Search ${state.tree.length} objects`;
@@ -299,12 +336,12 @@ function showObjects(panel, state, before) {
     const show = () => {
         wanted = search.value.toLowerCase();
         const shown = state.tree.filter((object) =>
-            `${object[1]} ${object[2]} ${object[3]}`.toLowerCase().includes(wanted));
+            `${object.type} ${object.text} ${object.name}`.toLowerCase().includes(wanted));
         list.replaceChildren(...shown.slice(0, 2000).map((object) =>
-            objectElement(state, object, isNew(object) ? "added" : "")));
+            objectElement(state, object, before.tree.length > 0 && added.has(object) ? "added" : "")));
         if (gone.length > 0 && !wanted) {
             list.append(make("p", "muted", "Changed or gone in this step:"),
-                ...gone.slice(0, 200).map((object) => objectElement(state, object, "removed")));
+                ...[...gone].slice(0, 200).map((object) => objectElement(state, object, "removed")));
         }
     };
     search.addEventListener("input", show);
@@ -313,14 +350,11 @@ function showObjects(panel, state, before) {
 }
 
 function showChanges(panel, state, before) {
-    const known = new Set(before.tree.map(String));
-    const now = new Set(state.tree.map(String));
-    const added = state.tree.filter((object) => !known.has(String(object)));
-    const gone = before.tree.filter((object) => !now.has(String(object)));
-    panel.append(make("p", "muted", added.length + gone.length === 0 ? "No object has changed."
-        : `${gone.length} objects as they were, ${added.length} as they are:`));
-    panel.append(...gone.slice(0, 500).map((object) => objectElement(before, object, "removed")),
-        ...added.slice(0, 500).map((object) => objectElement(state, object, "added")));
+    const { added, gone } = differences(state, before);
+    panel.append(make("p", "muted", added.size + gone.size === 0 ? "No object has changed."
+        : `${gone.size} objects as they were, ${added.size} as they are:`));
+    panel.append(...[...gone].slice(0, 500).map((object) => objectElement(before, object, "removed")),
+        ...[...added].slice(0, 500).map((object) => objectElement(state, object, "added")));
 }
 
 function showScript(panel, step) {

@@ -89,6 +89,32 @@ TEST(AgentConnection, RefusesWhoeverIsNoAgentOfThisRun) {
     }
 }
 
+TEST(AgentConnection, TakesTheLastAnswerOfAProcessThatHasEnded) {
+    std::atomic<bool> mayAnswer = false;
+    std::atomic<bool> hasAnswered = false;
+    const FakeAgent agent(FakeAgent::serving([&](FakeAgent& self, const Frame& frame) {
+        while (!mayAnswer)
+            ::usleep(1000);
+        self.reply(frame, "the last");
+        hasAnswered = true;
+    }));
+    AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+    ASSERT_TRUE(connection.waitForHello(patience)) << connection.errorText().toStdString();
+    // Somebody finds out about the end before the answer was read.
+    connection.setIdleHook([&] {
+        mayAnswer = true;
+        while (!hasAnswered)
+            ::usleep(1000);
+        connection.close("the process has ended");
+        return true;
+    });
+    const Outcome<QByteArray> reply = connection.request(MessageType::RealName, {}, patience);
+    ASSERT_TRUE(reply) << reply.error().text.toStdString();
+    EXPECT_EQ(failureText(connection.request(MessageType::RealName, {}, patience)),
+              "The connection to the application has ended: the process has ended");
+    EXPECT_EQ(connection.state(), AgentConnection::State::Closed);
+}
+
 TEST(AgentConnection, GivesUpAnswersAndDropsThemWhenTheyComeLate) {
     Frame held;
     const FakeAgent agent(FakeAgent::serving([&](FakeAgent& self, const Frame& frame) {

@@ -31,12 +31,18 @@ def main():
     locale.setlocale(locale.LC_ALL, "C")
     signal.signal(signal.SIGINT, signal.SIG_IGN)
     signal.signal(signal.SIGTERM, signal.SIG_DFL)
+    signal.signal(signal.SIGCHLD, signal.SIG_IGN)
+    signal.signal(signal.SIGUSR1, print)
+    signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR2})
+    signal.alarm(1)
     sys.excepthook = None
     builtins.left = "left"
     builtins.len = None
     builtins.findFile = None
     test.compare = None
     test.left = "left"
+    for descriptor in range(3):
+        os.close(descriptor)
     test.startSection("Never ended")
     test.fixateResultContext(0)
     sys.settrace(lambda *arguments: None)

@@ -25,6 +25,13 @@ def main():
     test.verify("own_global" not in globals(), "globals of the script")
     test.verify(sys.getrecursionlimit() >= 1000, "recursion limit")
     test.compare(signal.getsignal(signal.SIGINT), signal.default_int_handler, "SIGINT")
+    test.compare(signal.getsignal(signal.SIGUSR1), signal.SIG_DFL, "SIGUSR1")
+    test.compare(os.waitstatus_to_exitcode(os.system("exit 3")), 3, "ends of other programs")
+    test.compare(signal.pthread_sigmask(signal.SIG_BLOCK, []), set(), "blocked signals")
+    test.compare(signal.alarm(0), 0, "the alarm")
+    for descriptor in range(3):
+        test.verify(not os.path.isdir("/proc/self/fd/%d" % descriptor), "a standard stream")
+        test.verify(os.fstat(descriptor), "a standard stream")
     test.verify(callable(sys.excepthook), "sys.excepthook")
     test.verify(sys.gettrace() is None, "trace function")
     test.exception("left", "builtins")
