@@ -13,7 +13,7 @@ QString tclWord(const QString& text) {
         return text;
     if (isPlainText(text) && s_braced.match(text).hasMatch())
         return '{' + text + '}';
-    return literalOf(text, {.furtherEscaped = "$[{}"});
+    return literalOf(text, {.furtherEscaped = "$[]{}"});
 }
 
 }  // namespace Tamrix::TclPlugin
