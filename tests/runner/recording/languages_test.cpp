@@ -64,7 +64,7 @@ const Written rows[] = {
      {R"(fill(":Text", "\"$a @b #{c} [d] \\e\n\u001b'");)",
       R"(fill(":Text", "\"\$a \@b #{c} [d] \\e\n\x{001b}'");)",
       R"(fill(":Text", "\"$a @b \#{c} [d] \\e\n\u{001b}'"))",
-      R"(fill :Text "\"\$a @b #\{c\} \[d] \\e\n\u001b'")"}},
+      R"(fill :Text "\"\$a @b #\{c\} \[d\] \\e\n\u001b'")"}},
     {FunctionAction{"fill", ":Text", {QString("")}},
      {R"(fill(":Text", "");)", R"(fill(":Text", "");)", R"(fill(":Text", ""))",
       R"(fill :Text {})"}},
