@@ -92,7 +92,8 @@ PyRef get(const PyRef& object, const char* name) {
     return checked(PyObject_GetAttrString(object.get(), name));
 }
 
-/// The handlers of the signals below those that are ours, by number. None is one that is not Python's.
+/// The handlers of the signals below those that are ours, by number. None is one that is not
+/// Python's.
 PyRef signalHandlers() {
     const PyRef module = import("signal");
     PyRef handlers = checked(PyDict_New());

@@ -479,10 +479,10 @@ std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
     const TclRef info = errorOption("-errorinfo");
     const std::string words(info ? bytesOf(info.get()) : std::string_view());
     const std::size_t mark = words.rfind(lineMark);
-    const int line = mark == std::string::npos
-                         ? 0
-                         : static_cast<int>(std::strtol(
-                               words.c_str() + mark + lineMark.size(), nullptr, 10));
+    const int line =
+        mark == std::string::npos
+            ? 0
+            : static_cast<int>(std::strtol(words.c_str() + mark + lineMark.size(), nullptr, 10));
     place.front().line += std::max(line - 1, 0);
     return stackOf(place);
 }

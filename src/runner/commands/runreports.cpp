@@ -36,9 +36,8 @@ std::unique_ptr<ReportGenerator> createConsole(const CaseRunSettings& settings) 
     const int descriptor = consoleDescriptor(settings);
     // One of its own, since a script may close that of the process. A debugger's lines go where the
     // report goes, in their order.
-    const int ownDescriptor = settings.debugger == DebuggerDialogue::None
-                                  ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3)
-                                  : -1;
+    const int ownDescriptor =
+        settings.debugger == DebuggerDialogue::None ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3) : -1;
     if (ownDescriptor < 0)
         output->open(descriptor == STDERR_FILENO ? stderr : stdout, QIODevice::WriteOnly);
     else if (!output->open(ownDescriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle))

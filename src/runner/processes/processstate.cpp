@@ -48,8 +48,8 @@ void stopTimers() {
         ::setitimer(timer, &none, nullptr);
 }
 
-/// Whether a descriptor may be one of ours or of a library: a socket, the end of a pipe that is read,
-/// or what has no name, as an event descriptor.
+/// Whether a descriptor may be one of ours or of a library: a socket, the end of a pipe that is
+/// read, or what has no name, as an event descriptor.
 bool mayBeInUse(int descriptor, const struct stat& facts) {
     if (S_ISFIFO(facts.st_mode))
         return (::fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY;

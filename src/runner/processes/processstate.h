@@ -1,9 +1,9 @@
 #pragma once
 
-#include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <csignal>
 
 #include <array>
 #include <string>
@@ -12,12 +12,12 @@
 namespace Tamrix {
 
 /// What a test case may change of the process and must not leave to the next one: the working
-/// directory, the environment, the locale, the mask for new files, signals that it ignores or blocks,
-/// timers, limits and the standard streams. The constructor saves it, the destructor restores it. Not
-/// while another thread uses any of them.
+/// directory, the environment, the locale, the mask for new files, signals that it ignores or
+/// blocks, timers, limits and the standard streams. The constructor saves it, the destructor
+/// restores it. Not while another thread uses any of them.
 ///
-/// Handlers of signals that are functions stay: they may be those of a language, which takes back what
-/// a script has installed. Of the signals that end a run Interrupt takes care.
+/// Handlers of signals that are functions stay: they may be those of a language, which takes back
+/// what a script has installed. Of the signals that end a run Interrupt takes care.
 class ProcessState {
 public:
     ProcessState();
@@ -49,9 +49,9 @@ private:
     int m_priority;
 };
 
-/// Standard input, output and error as they are when it is made, for what a test case does to them. A
-/// descriptor that a case has closed is the next that somebody gets, and what goes to standard output
-/// would be written there.
+/// Standard input, output and error as they are when it is made, for what a test case does to them.
+/// A descriptor that a case has closed is the next that somebody gets, and what goes to standard
+/// output would be written there.
 class StandardStreams {
 public:
     StandardStreams();
@@ -59,8 +59,8 @@ public:
     StandardStreams(const StandardStreams&) = delete;
     StandardStreams& operator=(const StandardStreams&) = delete;
 
-    /// Sets back those that are closed or lead somewhere else. What may be in use by the process itself,
-    /// as a socket, which got the number meanwhile, stays until it is closed.
+    /// Sets back those that are closed or lead somewhere else. What may be in use by the process
+    /// itself, as a socket, which got the number meanwhile, stays until it is closed.
     void restore() const;
 
 private:

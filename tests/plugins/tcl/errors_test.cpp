@@ -83,14 +83,15 @@ TEST_F(TclErrors, StackOfScriptLines) {
 }
 
 TEST_F(TclErrors, WhatTclTellsNoPlaceOfStandsInTheFunctionThatWasCalled) {
-    ASSERT_EQ(run("proc informed {} {\n    error text {info of its own}\n}\n"
-                  "proc leaving {} {\n    break\n}\n"
-                  "proc coded {} {\n    return -code 5 x\n}\n"
-                  "proc traced {} {\n    trace add variable ::v write {apply {args {error no}}}\n"
-                  "    set ::v 1\n}\n"
-                  "proc child {} {\n    set child [interp create]\n    $child eval {error inner}\n}\n"
-                  "proc leave {} {\n    exit 3\n}\n"),
-              "");
+    ASSERT_EQ(
+        run("proc informed {} {\n    error text {info of its own}\n}\n"
+            "proc leaving {} {\n    break\n}\n"
+            "proc coded {} {\n    return -code 5 x\n}\n"
+            "proc traced {} {\n    trace add variable ::v write {apply {args {error no}}}\n"
+            "    set ::v 1\n}\n"
+            "proc child {} {\n    set child [interp create]\n    $child eval {error inner}\n}\n"
+            "proc leave {} {\n    exit 3\n}\n"),
+        "");
     const struct {
         const char* function;
         int line;
