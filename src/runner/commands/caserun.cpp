@@ -1,6 +1,7 @@
 #include "runner/commands/caserun.h"
 
 #include <QDir>
+#include <algorithm>
 #include <memory>
 
 #include "platform/testresult/compositereport.h"
@@ -86,24 +87,45 @@ bool isStandardOutput(const QString& report) {
     return description && description->isStandardOutput();
 }
 
-/// The run itself, in the process of the cases.
+/// What continues the console report of a run whose process has ended.
+void setConsole(const CaseRunSettings& settings, LostRun& run) {
+    run.consoleDescriptor = consoleDescriptor(settings);
+    run.createConsole = [&settings](auto output) {
+        return createConsole(settings, std::move(output));
+    };
+}
+
+/// The run itself, in the process of the cases, behind those that are lost.
 int runHere(const CaseRunSettings& settings, const Suite& suite, const CaseChoice& choice,
-            const CaseTimes& history, const RunJournal& journal) {
+            const CaseTimes& history, const RunJournal& journal, const LostPart& lost) {
     CompositeReport reports;
     if (const Outcome<> opened = openReports(settings.reports, reports); !opened)
         return failWith(opened.error().text);
     reports.append(journal.createWriter());
     reports.append(createHistory(settings, suite, history));
     // Behind the others: what a person has seen is in the journal, even if the process is killed.
-    reports.append(createConsole(settings));
+    if (lost.caseCount == 0) {
+        reports.append(createConsole(settings));
+    } else {
+        LostRun before;
+        setConsole(settings, before);
+        reports.append(createContinuedConsole(before, lost.shownEntries));
+    }
+    for (const ReportEntry& entry : lost.entries)
+        reports.add(entry);
+    RestOfRun rest(&reports);
 
     SuiteRunOptions options = suiteRunOptions(settings);
-    options.maxFailures = settings.maxFailures;
+    options.maxFailures = settings.maxFailures > 0 ? settings.maxFailures - lost.failedCases : 0;
     options.facts = choice.facts;
-    SuiteRun run(suite, options, &reports);
-    if (const Outcome<> prepared = run.prepare(); !prepared)
+    SuiteRun run(suite, options,
+                 lost.caseCount == 0 ? static_cast<ReportGenerator*>(&reports) : &rest);
+    if (const Outcome<> prepared = run.prepare(); !prepared) {
+        if (lost.caseCount > 0)
+            finishReports(reports);
         return failWith(prepared.error().text);
-    run.run(choice.cases);
+    }
+    run.run(choice.cases.mid(lost.caseCount));
 
     const bool reported = finishReports(reports);
     if (run.skippedCases() > 0) {
@@ -141,11 +163,49 @@ LostRun lostRun(const CaseRunSettings& settings, const Supervision::End& end, in
     }
     lost.reports = settings.reports;
     lost.selectedCases = selectedCases;
-    lost.consoleDescriptor = consoleDescriptor(settings);
-    lost.createConsole = [&settings](auto output) {
-        return createConsole(settings, std::move(output));
-    };
+    setConsole(settings, lost);
     return lost;
+}
+
+/// Whether another process goes on with the cases behind the one in which a process has ended.
+bool goesOn(const CaseRunSettings& settings, const Supervision::End& end,
+            const JournalCompletion& completion, const LostPart& lost, int selectedCases) {
+    return !end.isQuit && settings.debugger == DebuggerDialogue::None &&
+           completion.error.isEmpty() && completion.caseCount > lost.caseCount &&
+           completion.caseCount < selectedCases && !Supervision::isAskedToEnd();
+}
+
+bool haveAsManyFailedAsMay(const CaseRunSettings& settings, const LostPart& lost) {
+    return settings.maxFailures > 0 && lost.failedCases >= settings.maxFailures;
+}
+
+/// Runs the cases in a process of their own. What a case does to it ends the case, not the run:
+/// another process goes on with the next case.
+int runSupervised(const CaseRunSettings& settings, const Suite& suite, const CaseChoice& choice,
+                  const CaseTimes& history) {
+    const RunJournal journal(settings.reports);
+    LostPart lost;
+    while (true) {
+        const std::optional<Supervision::End> end = Supervision::begin();
+        if (!end) {
+            const int exitCode = runHere(settings, suite, choice, history, journal, lost);
+            Supervision::markOrderly();
+            return exitCode;
+        }
+        if (end->isOrderly)
+            return lost.caseCount > 0 ? std::max<int>(end->exitCode, ExitUsage) : end->exitCode;
+        const LostRun how = lostRun(settings, *end, choice.cases.size());
+        const JournalCompletion completion = completeLostRun(journal, how);
+        if (goesOn(settings, *end, completion, lost, choice.cases.size())) {
+            Outcome<LostPart> part = readLostPart(journal, completion);
+            if (part && !haveAsManyFailedAsMay(settings, *part)) {
+                lost = std::move(*part);
+                continue;
+            }
+        }
+        finishLostRun(journal, completion, how);
+        return end->isQuit ? ExitSuccess : ExitUsage;
+    }
 }
 
 /// The option for where applications appear, which `jobs` have a say in.
@@ -287,17 +347,7 @@ int runCases(const CaseRunSettings& settings) {
     if (settings.farm.needsWorkers())
         return runWithWorkers(settings, *suite, *choice, history);
 
-    const RunJournal journal(settings.reports);
-    const std::optional<Supervision::End> end = Supervision::begin();
-    if (!end) {
-        const int exitCode = runHere(settings, *suite, *choice, history, journal);
-        Supervision::markOrderly();
-        return exitCode;
-    }
-    if (end->isOrderly)
-        return end->exitCode;
-    finishLostRun(journal, lostRun(settings, *end, choice->cases.size()));
-    return end->isQuit ? ExitSuccess : ExitUsage;
+    return runSupervised(settings, *suite, *choice, history);
 }
 
 }  // namespace Tamrix

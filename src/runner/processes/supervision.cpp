@@ -27,6 +27,13 @@ struct SharedState {
 static_assert(std::atomic<bool>::is_always_lock_free, "two processes and a signal handler use it");
 
 SharedState* s_shared = nullptr;
+
+/// How the process treated signals before it had a child.
+struct SignalTreatment {
+    struct sigaction childAction;
+    sigset_t mask;
+};
+std::optional<SignalTreatment> s_before;
 /// -1 in a process that has none.
 std::atomic<pid_t> s_supervisor{-1};
 
@@ -83,19 +90,22 @@ void becomeSupervised(pid_t supervisor) {
 }  // namespace
 
 std::optional<Supervision::End> Supervision::begin() {
-    void* const memory = ::mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE,
-                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED)
-        return std::nullopt;
-    s_shared = new (memory) SharedState{false, false};
-    // A process that is started with SIGCHLD ignored never learns how its children end.
-    struct sigaction childAction {};
-    struct sigaction defaultAction {};
-    defaultAction.sa_handler = SIG_DFL;
-    ::sigaction(SIGCHLD, &defaultAction, &childAction);
-    const sigset_t waited = waitedSignals();
-    sigset_t before;
-    ::sigprocmask(SIG_BLOCK, &waited, &before);
+    if (!s_shared) {
+        void* const memory = ::mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE,
+                                    MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            return std::nullopt;
+        s_shared = new (memory) SharedState{false, false};
+    }
+    if (!s_before) {
+        s_before.emplace();
+        // A process that is started with SIGCHLD ignored never learns how its children end.
+        struct sigaction defaultAction {};
+        defaultAction.sa_handler = SIG_DFL;
+        ::sigaction(SIGCHLD, &defaultAction, &s_before->childAction);
+        const sigset_t waited = waitedSignals();
+        ::sigprocmask(SIG_BLOCK, &waited, &s_before->mask);
+    }
 
     const pid_t supervisor = ::getpid();
     const pid_t child = ::fork();
@@ -103,9 +113,16 @@ std::optional<Supervision::End> Supervision::begin() {
         return waitFor(child);
     if (child == 0)
         becomeSupervised(supervisor);
-    ::sigaction(SIGCHLD, &childAction, nullptr);
-    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    ::sigaction(SIGCHLD, &s_before->childAction, nullptr);
+    ::sigprocmask(SIG_SETMASK, &s_before->mask, nullptr);
     return std::nullopt;
+}
+
+bool Supervision::isAskedToEnd() {
+    sigset_t pending;
+    ::sigpending(&pending);
+    return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||
+           sigismember(&pending, SIGHUP) == 1;
 }
 
 pid_t Supervision::startWorker() {

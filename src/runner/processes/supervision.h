@@ -26,8 +26,13 @@ public:
 
     /// Forks. Nothing in the child, which goes on as the run. The supervisor gets to know the end;
     /// when it is killed, the child is killed, too. Without a child to be had, the run goes on
-    /// unsupervised in this process. Call it while there is one thread only.
+    /// unsupervised in this process. Call it while there is one thread only. When it is called
+    /// again behind the end of a child, the next one begins as the first has.
     static std::optional<End> begin();
+
+    /// In the supervisor, between two children: whether a signal has come meanwhile that ends a
+    /// run.
+    static bool isAskedToEnd();
 
     /// Forks a child that the caller looks after itself: 0 in the child, in which signals are
     /// treated as in that of begin() and which is killed when the caller ends; -1 on failure.

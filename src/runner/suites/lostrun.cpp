@@ -11,10 +11,10 @@
 
 #include "base/filewriting.h"
 #include "platform/testresult/compositereport.h"
-#include "platform/testresult/journalcompletion.h"
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/journalreport.h"
 #include "platform/testresult/reportfactory.h"
+#include "platform/testresult/runtally.h"
 #include "runner/processes/terminal.h"
 
 namespace Tamrix {
@@ -81,6 +81,23 @@ private:
     int m_knownEntries;
 };
 
+/// Keeps what a journal has, but for the end of the suite.
+class KeptEntries : public ReportGenerator {
+public:
+    explicit KeptEntries(LostPart* part) : m_part(part) {}
+    void add(const ReportEntry& entry) override {
+        if (std::holds_alternative<SuiteEnded>(entry.event))
+            return;
+        m_part->entries.push_back(entry);
+        m_tally.add(entry);
+    }
+    int caseCount(CaseOutcome outcome) const { return m_tally.caseCount(outcome); }
+
+private:
+    LostPart* m_part;
+    RunTally m_tally;
+};
+
 bool writesToStandardOutput(const QString& description) {
     const Outcome<ReportDescription> report = parseReportDescription(description);
     return report && report->isStandardOutput();
@@ -115,13 +132,47 @@ std::unique_ptr<ReportGenerator> RunJournal::createWriter() const {
     return m_descriptor >= 0 ? std::make_unique<UnaskedJournal>(m_path) : nullptr;
 }
 
-void finishLostRun(const RunJournal& journal, const LostRun& run) {
+JournalCompletion completeLostRun(const RunJournal& journal, const LostRun& run) {
     tell(run.notice);
-    const JournalCompletion completion = completeJournal(journal.path(), run.message, run.detail);
-    if (!completion.error.isEmpty()) {
+    JournalCompletion completion = completeJournal(journal.path(), run.message, run.detail);
+    if (!completion.error.isEmpty())
         tell(QStringLiteral("no reports of it can be made: %1").arg(completion.error));
+    return completion;
+}
+
+Outcome<LostPart> readLostPart(const RunJournal& journal, const JournalCompletion& completion) {
+    LostPart part;
+    KeptEntries kept(&part);
+    JournalReader reader(&kept);
+    if (!reader.replay(journal.path()))
+        return fail(FailureKind::Failed, reader.errorText());
+    part.shownEntries = completion.entryCount;
+    part.caseCount = completion.caseCount;
+    part.failedCases = kept.caseCount(CaseOutcome::Failed) + kept.caseCount(CaseOutcome::Error);
+    return part;
+}
+
+std::unique_ptr<ReportGenerator> createContinuedConsole(const LostRun& run, int shownEntries) {
+    auto output = std::make_unique<RestOfOutput>(run.consoleDescriptor);
+    RestOfOutput* const rest = output.get();
+    if (!output->open())
+        return nullptr;
+    return std::make_unique<ContinuedReport>(run.createConsole(std::move(output)), rest,
+                                             shownEntries);
+}
+
+void RestOfRun::add(const ReportEntry& entry) {
+    m_hasCases = m_hasCases || std::holds_alternative<CaseStarted>(entry.event);
+    const bool isKnown = std::holds_alternative<SuiteStarted>(entry.event) ||
+                         std::holds_alternative<EnvironmentFact>(entry.event);
+    if (m_hasCases || !isKnown)
+        m_report->add(entry);
+}
+
+void finishLostRun(const RunJournal& journal, const JournalCompletion& completion,
+                   const LostRun& run) {
+    if (!completion.error.isEmpty())
         return;
-    }
     CompositeReport reports;
     for (const QString& description : run.reports) {
         if (journal.isReport(description) || writesToStandardOutput(description))
@@ -132,12 +183,7 @@ void finishLostRun(const RunJournal& journal, const LostRun& run) {
         else
             tell(report.error().text);
     }
-    auto output = std::make_unique<RestOfOutput>(run.consoleDescriptor);
-    RestOfOutput* const rest = output.get();
-    if (output->open()) {
-        reports.append(std::make_unique<ContinuedReport>(run.createConsole(std::move(output)), rest,
-                                                         completion.entryCount));
-    }
+    reports.append(createContinuedConsole(run, completion.entryCount));
     JournalReader reader(&reports);
     if (!reader.replay(journal.path()))
         tell(reader.errorText());

@@ -4,7 +4,10 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <vector>
 
+#include "base/outcome.h"
+#include "platform/testresult/journalcompletion.h"
 #include "platform/testresult/reportgenerator.h"
 
 class QIODevice;
@@ -50,8 +53,49 @@ struct LostRun {
     std::function<std::unique_ptr<ReportGenerator>(std::unique_ptr<QIODevice>)> createConsole;
 };
 
-/// Completes the journal, makes all reports of it, and goes on with the console report where the
-/// run stopped. Tells on standard error what happened.
-void finishLostRun(const RunJournal& journal, const LostRun& run);
+/// What the processes of a run that have ended before their time have told, for the one that goes
+/// on with the cases behind.
+struct LostPart {
+    /// Without the end of the suite.
+    std::vector<ReportEntry> entries;
+    /// So many of them the console report has shown.
+    int shownEntries = 0;
+    /// Of the cases that had started, the one in which the process ended included.
+    int caseCount = 0;
+    int failedCases = 0;
+};
+
+/// Tells on standard error what happened, and completes the journal.
+JournalCompletion completeLostRun(const RunJournal& journal, const LostRun& run);
+
+/// Reads what a completed journal has.
+Outcome<LostPart> readLostPart(const RunJournal& journal, const JournalCompletion& completion);
+
+/// Makes all reports of the completed journal, and goes on with the console report where the run
+/// stopped.
+void finishLostRun(const RunJournal& journal, const JournalCompletion& completion,
+                   const LostRun& run);
+
+/// A console report that shows nothing of so many entries, since they have been shown; null when
+/// the output can't be written.
+std::unique_ptr<ReportGenerator> createContinuedConsole(const LostRun& run, int shownEntries);
+
+/// Hands on what a process tells that goes on with a run: without the start of the suite and the
+/// facts in front of the first case, which are there already.
+class RestOfRun : public ReportGenerator {
+public:
+    /// `report` is not owned and outlives this.
+    explicit RestOfRun(ReportGenerator* report) : m_report(report) {}
+
+    void add(const ReportEntry& entry) override;
+    QString errorText() const override { return m_report->errorText(); }
+    QIODevice* openVideo(const QString& targetPath, QString* error) override {
+        return m_report->openVideo(targetPath, error);
+    }
+
+private:
+    ReportGenerator* m_report;
+    bool m_hasCases = false;
+};
 
 }  // namespace Tamrix
