@@ -26,6 +26,24 @@ const ScriptLanguageInformation* languageOf(const QString& name) {
 RecordedScript::RecordedScript(std::unique_ptr<EventRecorder> language, Tell tell)
     : m_language(std::move(language)), m_tell(std::move(tell)) {}
 
+Outcome<> RecordedScript::check(const QString& path) {
+    if (QFileInfo::exists(path))
+        return fail(FailureKind::BadArgument, QStringLiteral("'%1' is there already").arg(path));
+    // The folders that are missing are made in the innermost that is there.
+    QFileInfo folder(QFileInfo(path).path());
+    while (!folder.exists() && folder.path() != folder.filePath())
+        folder.setFile(folder.path());
+    if (!folder.isDir())
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("'%1' can't be written: '%2' is no folder")
+                        .arg(path, folder.filePath()));
+    if (!folder.isWritable())
+        return fail(FailureKind::BadArgument,
+                    QStringLiteral("'%1' can't be written: nothing can be made in the folder '%2'")
+                        .arg(path, folder.filePath()));
+    return {};
+}
+
 Outcome<> RecordedScript::create(const QString& path) {
     if (!QDir().mkpath(QFileInfo(path).path()))
         return fail(FailureKind::Failed,

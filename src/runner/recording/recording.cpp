@@ -163,9 +163,8 @@ Outcome<> record(const RecordingSettings& settings,
     if (!settings.suite.isEmpty()) {
         path = QStringLiteral("%1/%2/test.%3").arg(settings.suite, settings.caseName, suffix);
         // Before anything starts; the file is made when there is something to write.
-        if (QFileInfo::exists(path))
-            return fail(FailureKind::BadArgument,
-                        QStringLiteral("'%1' is there already").arg(path));
+        if (const Outcome<> writable = RecordedScript::check(path); !writable)
+            return writable;
         if (const Outcome<> used = names.useMapOf(settings.suite); !used)
             return used;
     }

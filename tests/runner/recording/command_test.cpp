@@ -75,6 +75,8 @@ TEST_F(RecordCommand, FailsClearly) {
         {"--case", "new", "true"},
         {"--suite", "suite", "--case", "../new", "true"},
         {"--suite", "suite", "--case", "there", "true"},
+        {"--suite", "suite/there/test.py", "--case", "new", "true"},
+        {"--suite", "/proc/self", "--case", "new", "true"},
         {"--suite", "faulty", "--case", "new", "true"},
         {"--language", "cobol", "true"},
         {"--verify-keys", "Ctrl+Nothing", "true"},

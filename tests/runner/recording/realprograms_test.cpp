@@ -5,14 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <algorithm>
 
 #include "e2e/runnerprocess.h"
 #include "runner/recording/recordedprogram.h"
 #include "runner/suites/suitefolder.h"
+#include "support/files.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -23,6 +24,8 @@ using Test::RecordedProgram;
 /// So many lines are recorded, or what so many visits give.
 constexpr int lineCount = 20;
 constexpr int mostVisits = 40;
+/// What is typed into fields.
+constexpr char typedText[] = "12";
 /// And what can be done in this time, in ms: a program may make each visit wait.
 constexpr int visitTime = 60'000;
 
@@ -137,7 +140,7 @@ private:
         } else if (type.contains("SpinBox")) {
             m_program.press("Up");
         } else if (type.contains("Edit")) {
-            m_program.type("12");
+            m_program.type(typedText);
         } else if (type == "QAction") {
             chooseBehind(object.name);
         }
@@ -187,15 +190,16 @@ INSTANTIATE_TEST_SUITE_P(, RealRecordings, testing::ValuesIn(programs()),
                          [](const auto& row) { return row.param.name; });
 
 TEST_P(RealRecordings, RunAsTheyWereWritten) {
-    const QTemporaryDir firstHome;
-    const QTemporaryDir secondHome;
+    // Both runs start alike: in the same folder, with an empty home at the same path.
     const Tamrix::Test::SuiteFolder suite;
+    const QString home = suite.path("home");
+    ASSERT_TRUE(QDir().mkpath(home));
+    const Tamrix::Test::WorkingDirectory working(home);
     QByteArray script;
     QStringList lines;
     {
-        const QMap<QString, QString> homes{{"HOME", firstHome.path()},
-                                           {"XDG_CONFIG_HOME", firstHome.path()},
-                                           {"XDG_DATA_HOME", firstHome.path()}};
+        const QMap<QString, QString> homes{
+            {"HOME", home}, {"XDG_CONFIG_HOME", home}, {"XDG_DATA_HOME", home}};
         RecordedProgram program(GetParam().path, GetParam().arguments, homes);
         ASSERT_EQ(program.error(), QString());
         Visitor visitor(program);
@@ -209,10 +213,17 @@ TEST_P(RealRecordings, RunAsTheyWereWritten) {
         script = program.script(GetParam().path);
     }
     EXPECT_GT(lines.size(), lineCount / 2) << script.constData();
+    ASSERT_TRUE(QDir(home).removeRecursively() && QDir().mkpath(home));
     suite.write("suite/case/test.py", script);
     Tamrix::Test::RunnerProcess runner;
     for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
-        runner.setVariable(variable, secondHome.path());
+        runner.setVariable(variable, home);
+    runner.setWorkingDirectory(home);
+    // Passwords are told by who runs a script.
+    static const QRegularExpression s_password(QStringLiteral("getPassword\\(\"(\\w+)\"\\)"));
+    auto passwords = s_password.globalMatch(QString::fromUtf8(script));
+    while (passwords.hasNext())
+        runner.setVariable("TAMRIX_PASSWORD_" + passwords.next().captured(1), typedText);
     runner.setVariable("QT_IM_MODULE", "compose");
     runner.run({"run", suite.path("suite"), "--aut-display", "auto", "--result-dir",
                 suite.path("results")});
