@@ -84,6 +84,17 @@ void ask(QWidget* parent) {
     log(QStringLiteral("dialog %1 %2").arg(dialog.exec()).arg(field->text()));
 }
 
+/// Shows a window that closes itself when nobody does anything any more.
+void notify() {
+    auto* const notice = new QLabel(QStringLiteral("Done"));
+    notice->setAttribute(Qt::WA_DeleteOnClose);
+    notice->setAttribute(Qt::WA_ShowWithoutActivating);
+    notice->setWindowTitle(QStringLiteral("Notice"));
+    notice->show();
+    QTimer::singleShot(60, notice,
+                       [notice] { log(QStringLiteral("notice %1").arg(notice->close())); });
+}
+
 QWidget* makeFields() {
     auto* const page = new QWidget;
     auto* const form = new QFormLayout(page);
@@ -147,6 +158,7 @@ QWidget* makeChoices() {
     layout->addLayout(row);
     addButton(row, "&Go");
     QObject::connect(addButton(row, "Ask"), &QPushButton::clicked, page, [page] { ask(page); });
+    QObject::connect(addButton(row, "Notify"), &QPushButton::clicked, page, notify);
     auto* const more = addButton(row, "More");
     more->setMenu(new QMenu(more));
     addEntry(more->menu(), "&Hide");

@@ -14,10 +14,13 @@ inline constexpr char widgetsLibrary[] = "libQt6Widgets.so.6";
 inline constexpr char quickLibrary[] = "libQt6Quick.so.6";
 /// What the names of the agent's libraries end in, before ".so".
 inline constexpr char agentSuffix[] = "-qt6";
+/// What filters of native events answer by.
+using NativeResult = qintptr;
 #else
 inline constexpr char widgetsLibrary[] = "libQt5Widgets.so.5";
 inline constexpr char quickLibrary[] = "libQt5Quick.so.5";
 inline constexpr char agentSuffix[] = "";
+using NativeResult = long;
 #endif
 
 /// A variant of the type with a copy of the value; a default value for null.

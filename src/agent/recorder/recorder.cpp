@@ -106,10 +106,13 @@ Recorder::Recorder(QObject* parent) : QObject(parent), m_names([this] { return e
 
 void Recorder::follow(const Wire::Record& record) {
     if (record.isOn != m_isOn) {
-        if (record.isOn)
+        if (record.isOn) {
             QCoreApplication::instance()->installEventFilter(this);
-        else
+            m_closeRequests.start();
+        } else {
             QCoreApplication::instance()->removeEventFilter(this);
+            m_closeRequests.stop();
+        }
         m_names.stop();
         m_watched.clear();
         m_press.reset();
@@ -416,9 +419,10 @@ void Recorder::takeWheel(QWindow* window, const QWheelEvent& event) {
 }
 
 void Recorder::takeClose(QWindow* window) {
-    // In Qt 6 windows that the program closes get the same event: menus, and what closes before the
-    // program is at rest behind an input.
-    if (window->type() == Qt::Popup || m_rest.isActive())
+    // In Qt 6 windows that the program closes get the same event: menus, what closes before the
+    // program is at rest behind an input, and what the window system did not ask to close.
+    const bool isAskedFor = m_closeRequests.take(*window).value_or(true);
+    if (window->type() == Qt::Popup || m_rest.isActive() || !isAskedFor)
         return;
     const Element element = Session::self()->element(window);
     if (element.isNull() || element.toolkit->isInternal(element))

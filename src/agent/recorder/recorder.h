@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "agent/core/element.h"
+#include "agent/recorder/closerequests.h"
 #include "agent/recorder/foreseennames.h"
 #include "wire/observations.h"
 
@@ -121,6 +122,7 @@ private:
     QString m_verifyKeys;
     QTimer m_rest;
     ForeseenNames m_names;
+    CloseRequests m_closeRequests;
     QVector<Watched> m_watched;
     std::optional<Press> m_press;
     std::optional<OpenMenu> m_openMenu;

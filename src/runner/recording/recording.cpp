@@ -63,6 +63,9 @@ public:
             if (!recorded && application->isRunning())
                 return recorded;
             m_processes.append({application, m_merger.addProcess(application->name)});
+            if (m_processes.size() > 1)
+                tell(QStringLiteral("Recording '%1', too, which the program has started")
+                         .arg(application->name));
         }
         return {};
     }

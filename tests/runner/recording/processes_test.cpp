@@ -129,13 +129,14 @@ TEST(RecordedProcesses, DoTheSameOnceMore) {
             [&] {
                 EXPECT_TRUE(
                     (*input)->click(point, Wire::MouseStyle{Qt::LeftButton, Qt::NoModifier}, 1));
-                return waitUntil([&] { return journal() != before; }, 50);
+                return waitUntil([&] { return journal() != before; }, 250);
             },
             20);
     };
     const QPoint first(140, 90);
     const QPoint second(500, 90);
     ASSERT_TRUE(click(first));
+    ASSERT_TRUE(recorder.waitForErrors(", too, which the program has started"));
     ASSERT_TRUE(click(second));
     ASSERT_TRUE(click(first));
     ASSERT_EQ(journal(), done);

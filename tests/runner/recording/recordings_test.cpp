@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QThread>
+
 #include "runner/recording/recordedsteps.h"
 #include "support/printqt.h"
 #include "support/qtversions.h"
@@ -193,6 +195,14 @@ const std::vector<RecordedStep> steps{
      {R"(click("{text='Ask' type='QPushButton'}"))",
       R"(fill("{name='answer' type='QLineEdit'}", "yes"))",
       R"(click("{text='Accept' type='QPushButton'}"))"}},
+    {"a window that the program closes itself",
+     [](RecordedProgram& program) {
+         program.click({"text=Notify"});
+         for (int round = 0; round < 250 && program.client().find({"text=Done"}).handle != 0;
+              ++round)
+             QThread::msleep(20);
+     },
+     {R"(click("{text='Notify' type='QPushButton'}"))"}},
     {"items",
      [](RecordedProgram& program) {
          openTab(program, "Views");
