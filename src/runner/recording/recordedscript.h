@@ -19,8 +19,8 @@ public:
 
     RecordedScript(std::unique_ptr<EventRecorder> language, Tell tell);
 
-    /// Whether the file can be created, as far as that can be told without making anything: for what
-    /// is wrong before there is something to write.
+    /// Whether the file can be created, as far as that can be told without making anything: for
+    /// what is wrong before there is something to write.
     static Outcome<> check(const QString& path);
     /// Creates the file, with its folder; without this the script is only told. Fails when there
     /// is such a file already, which stays as it is.
