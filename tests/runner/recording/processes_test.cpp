@@ -138,7 +138,8 @@ TEST(RecordedProcesses, DoTheSameOnceMore) {
     ASSERT_TRUE(click(first));
     ASSERT_TRUE(recorder.waitForErrors(", too, which the program has started"));
     ASSERT_TRUE(click(second));
-    ASSERT_TRUE(click(first));
+    // Elsewhere on the button, or it might be a double click.
+    ASSERT_TRUE(click(first - QPoint(50, 20)));
     ASSERT_EQ(journal(), done);
     ASSERT_TRUE(waitUntil([&] { return script().count("click(") == 3; })) << script().constData();
     recorder.sendSignal(SIGINT);
