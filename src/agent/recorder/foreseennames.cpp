@@ -40,8 +40,10 @@ Wire::Query ForeseenNames::nameOf(const Element& element) {
     if (known != m_names.cend())
         return *known;
     if (!m_survey)
-        m_survey.emplace();
-    return *m_names.insert(handle, chooseName(element, &*m_survey));
+        m_survey = std::make_shared<Survey>();
+    // A look can make the program send events, behind which the survey is forgotten.
+    const std::shared_ptr<Survey> survey = m_survey;
+    return *m_names.insert(handle, chooseName(element, survey.get()));
 }
 
 void ForeseenNames::forget(Cause cause) {

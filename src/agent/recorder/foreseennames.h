@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <QVector>
 #include <functional>
-#include <optional>
+#include <memory>
 
 #include "agent/core/element.h"
 #include "agent/core/survey.h"
@@ -38,7 +38,7 @@ private:
     /// What foreseeing took last, in ms.
     double m_cost = 0;
     QHash<quint64, Wire::Query> m_names;
-    std::optional<Survey> m_survey;
+    std::shared_ptr<Survey> m_survey;
 };
 
 }  // namespace Tamrix::Agent
