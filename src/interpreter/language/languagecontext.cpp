@@ -31,6 +31,16 @@ void LanguageContext::CallScope::restoreOuter() {
     m_context.m_result = std::move(m_outer->result);
 }
 
+void LanguageContext::CallScope::addPlace() {
+    arguments().push_back(m_context.takeSpareWrapper());
+}
+
+void LanguageContext::CallScope::dropKept() {
+    std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
+        return !each || each->referenceCount() > 1;
+    });
+}
+
 void LanguageContext::spareWrappersFrom(std::size_t count) {
     std::vector<SharedPtr<ScriptArgument>>& used = argumentStorage();
     std::move(used.begin() + static_cast<std::ptrdiff_t>(count), used.end(),

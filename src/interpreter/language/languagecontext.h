@@ -48,6 +48,10 @@ public:
                 m_context.m_result.reset();
         }
         std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
+        /// One more place for an argument, with a wrapper that waits, if there is one.
+        void addPlace();
+        /// Leaves the arguments that somebody has kept to them.
+        void dropKept();
 
         LanguageContext& m_context;
 
@@ -102,9 +106,7 @@ public:
                     areKept = true;
             }
             if (areKept)
-                std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
-                    return !each || each->referenceCount() > 1;
-                });
+                dropKept();
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
@@ -114,7 +116,7 @@ public:
         void add(Value&& value, Owner&... owner) {
             // Most calls have as many arguments as the one before.
             if (m_count == arguments().size())
-                arguments().push_back(m_context.takeSpareWrapper());
+                addPlace();
             SharedPtr<ScriptArgument>& wrapper = arguments()[m_count++];
             if (wrapper)
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
@@ -132,7 +134,7 @@ public:
             take(static_cast<Argument*>(result.get()));
             if (result && result->referenceCount() == 1) {
                 static_cast<Argument*>(result.get())->rebind();
-                m_context.m_spareWrappers.push_back(std::move(result));
+                result.swap(m_context.m_spareResult);
             }
         }
 
@@ -174,6 +176,8 @@ public:
 protected:
     /// A wrapper that a call has no use for; null when there is none.
     SharedPtr<ScriptArgument> takeSpareWrapper() {
+        if (m_spareResult)
+            return std::move(m_spareResult);
         if (m_spareWrappers.empty())
             return {};
         SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
@@ -210,6 +214,8 @@ private:
 
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
+    /// That of the last result: most calls take it for theirs.
+    SharedPtr<ScriptArgument> m_spareResult;
     /// For which the last call had no use.
     std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
     int m_depth = 0;

@@ -22,6 +22,8 @@ NativeFunction::NativeFunction(const ScriptContext& context, NativeSignature sig
     for (const QString& name : m_signature.required + m_signature.optional)
         m_parameters.names.append(context.scriptName(name));
     m_parameters.requiredCount = m_signature.required.size();
+    m_requiredCount = m_parameters.requiredCount;
+    m_parameterCount = m_parameters.names.size();
 }
 
 NativeFunction::NativeFunction(const ScriptContext& context, NativeSignature signature,

@@ -59,6 +59,17 @@ public:
     /// For messages: "test.compare". Scripts of all languages are told the same.
     const QString& displayName() const { return m_displayName; }
     const Parameters& parameters() const { return m_parameters; }
+    /// Whether each of `count` arguments that a script gave without names stands at its place: none
+    /// is left out by the language's null, which `isNull` knows by the place.
+    template <typename IsNull>
+    bool areInPlace(int count, IsNull isNull) const {
+        const int end = std::min(count, m_parameterCount);
+        for (int index = m_requiredCount; index < end; ++index) {
+            if (isNull(index))
+                return false;
+        }
+        return true;
+    }
     /// Whether scripts can make objects, of a constructor.
     bool canConstruct() const { return m_constructor != nullptr; }
     /// What tells it from others of the same name: the address of the native function.
@@ -96,22 +107,13 @@ private:
         NativeScriptType::MethodFunction m_method;
         NativeScriptType::Constructor m_constructor;
     };
+    // Those of m_parameters: each call asks for them.
+    int m_requiredCount = 0;
+    int m_parameterCount = 0;
     NativeSignature m_signature;
     QString m_displayName;
     Parameters m_parameters;
 };
-
-/// Whether each of `count` arguments that a script gave without names stands at its place: none is
-/// left out by the language's null, which `isNull` knows by the place.
-template <typename IsNull>
-bool areInPlace(const Parameters& parameters, int count, IsNull isNull) {
-    const int end = std::min(count, static_cast<int>(parameters.names.size()));
-    for (int index = parameters.requiredCount; index < end; ++index) {
-        if (isNull(index))
-            return false;
-    }
-    return true;
-}
 
 /// What `call` gives of the function: a ScriptResult, or one without a value. What it throws is a
 /// failure, but for ScriptErrorSet, which passes.

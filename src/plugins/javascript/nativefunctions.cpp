@@ -76,7 +76,7 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     };
     const auto given = static_cast<int>(count);
     if (!interpreter || given < function.parameters().requiredCount ||
-        !areInPlace(function.parameters(), given, isNull))
+        !function.areInPlace(given, isNull))
         return finish(shownName(function), arguments, [&] {
             return callNative(interpreter, function, {}, givenArguments(arguments));
         });

@@ -61,9 +61,9 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
     SharedPtr<NativeScriptObject> object;
     if constexpr (kind == Kind::Method)
         object = NativeHolder::unwrap(first);
-    const bool isDirect = kind != Kind::Constructor && !names &&
-                          areInPlace(function.parameters(), static_cast<int>(count),
-                                     [=](int index) { return arguments[index] == Py_None; });
+    const auto isNone = [=](int index) { return arguments[index] == Py_None; };
+    const bool isDirect =
+        kind != Kind::Constructor && !names && function.areInPlace(static_cast<int>(count), isNone);
     PyObject* value = nullptr;
     if (isDirect) {
         const auto add = [=](auto& call) {

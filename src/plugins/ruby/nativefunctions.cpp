@@ -125,7 +125,7 @@ VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) 
     };
     const bool isPlain = rb_block_given_p() == 0 && !haveNames(count, arguments) &&
                          slot.function.kind() != NativeFunction::Kind::Constructor &&
-                         areInPlace(slot.function.parameters(), count + before, isNil);
+                         slot.function.areInPlace(count + before, isNil);
     dropReleased();
     const NestedCall nested(slot);
     RubyInterpreter* const active = RubyInterpreter::active();
