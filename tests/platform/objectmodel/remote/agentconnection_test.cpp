@@ -261,6 +261,33 @@ TEST(AgentConnection, LittlePatienceEndsWithAnApplicationThatDoesNothing) {
     }
 }
 
+TEST(AgentConnection, SettlesOnceAfterInput) {
+    std::vector<MessageType> seen;
+    int turns = 0;
+    {
+        const FakeAgent agent(FakeAgent::serving([&](FakeAgent& self, const Frame& frame) {
+            seen.push_back(frame.type);
+            self.reply(frame);
+        }));
+        AgentConnection connection(agent.runnerDescriptor(), FakeAgent::token);
+        ASSERT_TRUE(connection.waitForHello(patience));
+        connection.setTurnHook([&] {
+            ++turns;
+            // Nothing is due yet before the input, and the hook is not asked within itself.
+            EXPECT_TRUE(connection.settle(patience));
+        });
+        EXPECT_TRUE(connection.settle(patience));
+        EXPECT_TRUE(connection.request(MessageType::KeyEvent, {}, patience));
+        EXPECT_TRUE(connection.settle(patience));
+        EXPECT_TRUE(connection.settle(patience));
+        EXPECT_TRUE(connection.ping(patience));
+        EXPECT_TRUE(connection.request(MessageType::LookUp, {}, patience));
+    }
+    EXPECT_EQ(turns, 2);
+    EXPECT_EQ(seen, (std::vector<MessageType>{MessageType::KeyEvent, MessageType::Sync,
+                                              MessageType::Ping, MessageType::LookUp}));
+}
+
 TEST(AgentConnection, SyncsBeforeTheRequestAfterInput) {
     std::vector<MessageType> seen;
     bool isBusy = false;
