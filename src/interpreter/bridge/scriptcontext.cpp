@@ -33,6 +33,7 @@ QString memberKey(const QString& className, const QString& name) {
 }  // namespace
 
 ScriptContext* ScriptContext::s_current = nullptr;
+const SharedPtr<ScriptArgument> ScriptContext::s_noArgument;
 
 ScriptContext::~ScriptContext() {
     clearArguments();

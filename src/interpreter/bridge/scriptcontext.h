@@ -128,10 +128,11 @@ public:
     void clearArguments();
     int argumentCount() const { return static_cast<int>(m_arguments.size()); }
     /// Null for an index past the end, and for an optional argument that was left out though others
-    /// behind it were given.
-    SharedPtr<ScriptArgument> argument(int index) const {
-        return index >= 0 && index < argumentCount() ? m_arguments[static_cast<std::size_t>(index)]
-                                                     : SharedPtr<ScriptArgument>();
+    /// behind it were given. The reference is good until the call ends.
+    const SharedPtr<ScriptArgument>& argument(int index) const {
+        // One that is negative is past the end as well.
+        const auto place = static_cast<std::size_t>(index);
+        return place < m_arguments.size() ? m_arguments[place] : s_noArgument;
     }
     /// Whether the script gave arguments by name: each then stands at the place of its parameter,
     /// also of a function that otherwise tells its forms by the number of arguments.
@@ -226,6 +227,7 @@ private:
     void prepareCall();
 
     static ScriptContext* s_current;
+    static const SharedPtr<ScriptArgument> s_noArgument;
 
     std::vector<SharedPtr<ScriptArgument>> m_arguments;
     QString m_errorMessage;

@@ -48,8 +48,9 @@ public:
                 m_context.m_result.reset();
         }
         std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
-        /// One more place for an argument, with a wrapper that waits, if there is one.
-        void addPlace();
+        /// Makes so many places for arguments, with the wrappers that wait, as far as there are
+        /// some.
+        void makePlaces(std::size_t count);
         /// Leaves the arguments that somebody has kept to them.
         void dropKept();
 
@@ -89,14 +90,19 @@ public:
         }
     };
 
-    /// A call with arguments that all stand at their places: add() gives them one after another,
-    /// complete() says that there are no more. Wrappers, of the plug-in's class, wait where they
-    /// are for the next call, unless somebody has kept them; its rebind() makes one stand for
-    /// another value, and for none without an argument.
+    /// A call with `count` arguments that all stand at their places: add() gives them one after
+    /// another. Wrappers, of the plug-in's class, wait where they are for the next call, unless
+    /// somebody has kept them; its rebind() makes one stand for another value, and for none without
+    /// an argument.
     template <typename Argument>
     class DirectCall : public CallScope {
     public:
-        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
+        DirectCall(LanguageContext& context, int count) : CallScope(context, false) {
+            // Most calls have as many arguments as the one before.
+            if (context.argumentCount() != count)
+                makePlaces(static_cast<std::size_t>(count));
+            m_place = arguments().data();
+        }
         ~DirectCall() {
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : arguments()) {
@@ -114,18 +120,11 @@ public:
         /// `owner` is what the wrapper's constructor takes in front of the value, if anything.
         template <typename Value, typename... Owner>
         void add(Value&& value, Owner&... owner) {
-            // Most calls have as many arguments as the one before.
-            if (m_count == arguments().size())
-                addPlace();
-            SharedPtr<ScriptArgument>& wrapper = arguments()[m_count++];
+            SharedPtr<ScriptArgument>& wrapper = *m_place++;
             if (wrapper)
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
             else
                 wrapper = new Argument(owner..., std::forward<Value>(value));
-        }
-        void complete() {
-            if (m_count < arguments().size())
-                m_context.spareWrappersFrom(m_count);
         }
         /// `take` gets the result, as it is of takeResult(), and its wrapper waits for another one.
         template <typename Take>
@@ -139,7 +138,8 @@ public:
         }
 
     private:
-        std::size_t m_count = 0;
+        /// Of the next argument.
+        SharedPtr<ScriptArgument>* m_place;
     };
 
     /// By default nothing of the language is pending when a native function begins.
@@ -209,9 +209,6 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
-    /// Those of the arguments that stand from this place on.
-    void spareWrappersFrom(std::size_t count);
-
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
     /// That of the last result: most calls take it for theirs.

@@ -1,10 +1,13 @@
 #include "interpreter/language/nativefunction.h"
 
 #include <algorithm>
+#include <exception>
+#include <tl/expected.hpp>
 #include <utility>
 
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/scripterrorset.h"
 
 namespace Tamrix {
 
@@ -95,6 +98,18 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
 
 }  // namespace
 
+ScriptFailure failureOfThrown(const NativeFunction& function) {
+    try {
+        throw;
+    } catch (const ScriptErrorSet&) {
+        throw;
+    } catch (const std::exception& exception) {
+        return thrownIn(function.displayName(), QString::fromUtf8(exception.what()));
+    } catch (...) {
+        return thrownIn(function.displayName(), QStringLiteral("unknown exception"));
+    }
+}
+
 ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& function,
                         const SharedPtr<NativeScriptObject>& object, CallArguments arguments) {
     if (!active || !active->isScriptThread())
@@ -107,7 +122,11 @@ ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& funct
              QStringLiteral("%1 objects can't be made by scripts").arg(function.signature().name),
              false,
              {}});
-    return caught(function, [&] { return run(*active, function, object, std::move(arguments)); });
+    try {
+        return run(*active, function, object, std::move(arguments));
+    } catch (...) {
+        return tl::unexpected<ScriptFailure>(failureOfThrown(function));
+    }
 }
 
 }  // namespace Tamrix

@@ -3,14 +3,11 @@
 #include <QString>
 #include <QStringList>
 #include <algorithm>
-#include <exception>
-#include <tl/expected.hpp>
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/nativescripttype.h"
 #include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 
 namespace Tamrix {
@@ -115,22 +112,8 @@ private:
     Parameters m_parameters;
 };
 
-/// What `call` gives of the function: a ScriptResult, or one without a value. What it throws is a
-/// failure, but for ScriptErrorSet, which passes.
-template <typename Call>
-auto caught(const NativeFunction& function, Call call) -> decltype(call()) {
-    try {
-        return call();
-    } catch (const ScriptErrorSet&) {
-        throw;
-    } catch (const std::exception& exception) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QString::fromUtf8(exception.what())));
-    } catch (...) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QStringLiteral("unknown exception")));
-    }
-}
+/// In a handler: the failure that stands for what the function has thrown. ScriptErrorSet passes.
+TAMRIX_EXPORT ScriptFailure failureOfThrown(const NativeFunction& function);
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments
 /// in the order of the parameters, what the script has printed in front of what the call writes,

@@ -67,29 +67,36 @@ auto shownName(const NativeFunction& function) {
     return [&function] { return function.displayName(); };
 }
 
+/// With arguments of which some may be left out.
+bool callWithGaps(const NativeFunction& function, const JS::CallArgs& arguments) {
+    return finish(shownName(function), arguments, [&] {
+        return callNative(JavaScriptInterpreter::active(), function, {}, givenArguments(arguments));
+    });
+}
+
 bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    const JS::Value* const given = arguments.array();
     const NativeFunction& function = targetOf(arguments);
     JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
-    const auto isNull = [&](int index) {
-        return arguments[static_cast<unsigned>(index)].isNullOrUndefined();
-    };
-    const auto given = static_cast<int>(count);
-    if (!interpreter || given < function.parameters().requiredCount ||
-        !function.areInPlace(given, isNull))
-        return finish(shownName(function), arguments, [&] {
-            return callNative(interpreter, function, {}, givenArguments(arguments));
-        });
+    const auto isNull = [given](int index) { return given[index].isNullOrUndefined(); };
+    const auto all = static_cast<int>(count);
+    if (!interpreter || all < function.parameters().requiredCount ||
+        !function.areInPlace(all, isNull))
+        return callWithGaps(function, arguments);
     // The road of most calls, without a list of arguments that is made for it.
-    const auto add = [&](auto& call) {
-        for (unsigned index = 0; index < count; ++index)
-            call.add(arguments[index].get());
+    const auto add = [=](auto& call) {
+        for (int index = 0; index < all; ++index)
+            call.add(given[index]);
+    };
+    // The result takes the place of the function.
+    const auto take = [values](const JavaScriptArgument* result) {
+        *values = result ? result->value().get() : JS::UndefinedValue();
     };
     return guarded(shownName(function), [&] {
-        checked(callDirectly<JavaScriptArgument>(
-            *interpreter, function, {}, add, [&](const JavaScriptArgument* result) {
-                arguments.rval().set(result ? result->value().get() : JS::UndefinedValue());
-            }));
+        if (const auto failure = callDirectly<JavaScriptArgument>(*interpreter, function, {}, all,
+                                                                  add, take))
+            throwFailure(*failure);
         return true;
     });
 }

@@ -70,11 +70,10 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
             for (Py_ssize_t index = 0; index < count; ++index)
                 call.add(PyRef::borrow(arguments[index]));
         };
-        const auto end = callDirectly<PythonArgument>(
-            interpreter, function, object, add,
-            [&value](const PythonArgument* result) { value = givenTo(result); });
-        if (!end)
-            setFailure(end.error());
+        const auto take = [&value](const PythonArgument* result) { value = givenTo(result); };
+        if (const auto failure = callDirectly<PythonArgument>(
+                interpreter, function, object, static_cast<int>(count), add, take))
+            setFailure(*failure);
         return value;
     }
     const ScriptResult result =

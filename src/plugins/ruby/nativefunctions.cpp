@@ -86,10 +86,10 @@ VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, con
         if (result)
             value = result->value();
     };
-    const auto end =
-        callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self), add, take);
-    if (!end)
-        raiseFailure(end.error());
+    const int all = slot.front == Front::Self ? count + 1 : count;
+    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function,
+                                                        receiver(slot, self), all, add, take))
+        raiseFailure(*failure);
     return value;
 }
 

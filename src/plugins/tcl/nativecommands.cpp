@@ -71,9 +71,9 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
             Tcl_ResetResult(interp);
     };
     return runCommand(interpreter, [&] {
-        const auto end =
-            callDirectly<TclArgument>(interpreter, command.function, nullptr, add, take);
-        return end ? TCL_OK : interpreter.fail(end.error());
+        const auto failure =
+            callDirectly<TclArgument>(interpreter, command.function, nullptr, count, add, take);
+        return failure ? interpreter.fail(*failure) : TCL_OK;
     });
 }
 
