@@ -222,9 +222,17 @@ protected:
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
 
 private:
+    friend class Execution;
+
     int call(Function function);
-    /// First part of every call.
-    void prepareCall();
+    /// As setError() with an empty message; every call passes here.
+    void forgetError() {
+        if (hasError()) [[unlikely]]
+            m_errorMessage.clear();
+        m_errorType = GeneralError;
+        m_isSkip = false;
+        m_errorFrame = DebuggerFrame();
+    }
 
     static ScriptContext* s_current;
     static const SharedPtr<ScriptArgument> s_noArgument;

@@ -24,7 +24,7 @@ std::unique_ptr<ScriptFailure> callDirectly(Interpreter& active, const NativeFun
         add(call);
         function.run(context, object);
         active.noticeApplication();
-        if (context.hasError())
+        if (context.hasError()) [[unlikely]]
             return std::make_unique<ScriptFailure>(failureOf(context));
         call.giveResult(take);
         return nullptr;

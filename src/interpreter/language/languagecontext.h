@@ -35,16 +35,16 @@ public:
     protected:
         /// `areNamed` tells that some arguments were given by name.
         CallScope(LanguageContext& context, bool areNamed) : m_context(context) {
-            if (m_context.m_depth++ > 0)
+            if (m_context.m_depth++ > 0) [[unlikely]]
                 keepOuter();
             m_context.m_hasNamedArguments = areNamed;
             setCurrent(&m_context);
         }
         ~CallScope() {
             --m_context.m_depth;
-            if (m_outer)
+            if (m_outer) [[unlikely]]
                 restoreOuter();
-            else
+            else if (m_context.m_result) [[unlikely]]
                 m_context.m_result.reset();
         }
         std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
@@ -99,19 +99,19 @@ public:
     public:
         DirectCall(LanguageContext& context, int count) : CallScope(context, false) {
             // Most calls have as many arguments as the one before.
-            if (context.argumentCount() != count)
+            if (context.argumentCount() != count) [[unlikely]]
                 makePlaces(static_cast<std::size_t>(count));
             m_place = arguments().data();
         }
         ~DirectCall() {
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : arguments()) {
-                if (each && each->referenceCount() == 1)
+                if (each && each->referenceCount() == 1) [[likely]]
                     static_cast<Argument*>(each.get())->rebind();
                 else
                     areKept = true;
             }
-            if (areKept)
+            if (areKept) [[unlikely]]
                 dropKept();
         }
         DirectCall(const DirectCall&) = delete;
@@ -121,7 +121,7 @@ public:
         template <typename Value, typename... Owner>
         void add(Value&& value, Owner&... owner) {
             SharedPtr<ScriptArgument>& wrapper = *m_place++;
-            if (wrapper)
+            if (wrapper) [[likely]]
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
             else
                 wrapper = new Argument(owner..., std::forward<Value>(value));

@@ -89,6 +89,7 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
             {ScriptFailure::Kind::BadArgument, bound.error().text, false, {}});
     LanguageContext& context = interpreter.context();
     LanguageContext::Call call(context, std::move(*bound), areNamed);
+    context.clearError();
     SharedPtr<NativeScriptObject> made = function.run(context, object);
     interpreter.noticeApplication();
     if (context.hasError())

@@ -6,6 +6,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
+#include "interpreter/bridge/execution.h"
 #include "interpreter/bridge/nativescripttype.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/language/scriptfailure.h"
@@ -72,25 +73,21 @@ public:
     /// What tells it from others of the same name: the address of the native function.
     const void* address() const;
 
-    /// Runs it in the context, which has its arguments. `object` is that of a method. Gives what a
-    /// constructor has made; null with the context's error set when that failed.
+    /// Runs it in the context, which has its arguments, while nothing of the language is pending.
+    /// `object` is that of a method. Gives what a constructor has made; null with the context's
+    /// error set when that failed.
     SharedPtr<NativeScriptObject> run(ScriptContext& context,
                                       const SharedPtr<NativeScriptObject>& object) const {
-        switch (m_kind) {
-            case Kind::Table:
-                context.execute(m_table);
-                return {};
-            case Kind::Native:
-            case Kind::StaticAccessor:
-                context.execute(m_native);
-                return {};
-            case Kind::Method:
-                context.execute(m_method, object);
-                return {};
-            case Kind::Constructor:
-                break;
-        }
-        return construct(context);
+        if (m_kind == Kind::Constructor) [[unlikely]]
+            return construct(context);
+        const Execution execution(context);
+        if (m_kind == Kind::Table)
+            m_table(&context);
+        else if (m_kind == Kind::Method)
+            m_method(object, &context);
+        else
+            m_native(&context);
+        return {};
     }
 
 private:

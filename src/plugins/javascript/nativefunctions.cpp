@@ -3,9 +3,11 @@
 #include <js/CallAndConstruct.h>
 #include <js/Object.h>
 #include <js/PropertyAndElement.h>
+#include <js/experimental/JitInfo.h>
 #include <jsfriendapi.h>
 
 #include <QHash>
+#include <utility>
 
 #include "interpreter/language/directcall.h"
 #include "interpreter/language/nativeclasses.h"
@@ -21,28 +23,39 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-/// Where a function of the script keeps what it calls.
+/// Where a function of the script keeps what it calls that is no native function.
 constexpr std::size_t targetSlot = 0;
 
 // Native functions
 
+/// What the engine keeps with a function of the script, where each call finds it at once.
+struct Target : JSJitInfo {
+    explicit Target(NativeFunction called) : JSJitInfo(), function(std::move(called)) {
+        // Nothing that the engine could take for granted.
+        type_ = StaticMethod;
+        aliasSet_ = AliasEverything;
+        returnType_ = JSVAL_TYPE_UNKNOWN;
+    }
+
+    NativeFunction function;
+};
+
 /// All that scripts know, by what makes them different. They live for the process, as a function of
 /// the script may outlive its case.
-const NativeFunction* kept(const NativeFunction& function) {
-    static auto* const s_functions = new QHash<QString, const NativeFunction*>;
+const Target* kept(const NativeFunction& function) {
+    static auto* const s_functions = new QHash<QString, const Target*>;
     const QString key =
         QStringLiteral("%1/%2/%3")
             .arg(function.displayName(), QString::number(static_cast<int>(function.kind())),
                  QString::number(reinterpret_cast<quintptr>(function.address())));
-    const NativeFunction*& known = (*s_functions)[key];
+    const Target*& known = (*s_functions)[key];
     if (!known)
-        known = new NativeFunction(function);
+        known = new Target(function);
     return known;
 }
 
 const NativeFunction& targetOf(const JS::CallArgs& arguments) {
-    return *static_cast<const NativeFunction*>(
-        js::GetFunctionNativeReserved(&arguments.callee(), targetSlot).toPrivate());
+    return static_cast<const Target*>(FUNCTION_VALUE_TO_JITINFO(arguments.calleev()))->function;
 }
 
 CallArguments givenArguments(const JS::CallArgs& arguments) {
@@ -82,7 +95,7 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     const auto isNull = [given](int index) { return given[index].isNullOrUndefined(); };
     const auto all = static_cast<int>(count);
     if (!interpreter || all < function.parameters().requiredCount ||
-        !function.areInPlace(all, isNull))
+        !function.areInPlace(all, isNull)) [[unlikely]]
         return callWithGaps(function, arguments);
     // The road of most calls, without a list of arguments that is made for it.
     const auto add = [=](auto& call) {
@@ -161,12 +174,11 @@ JSNative entryOf(NativeFunction::Kind kind) {
     }
 }
 
-JSObject* makeFunctionObject(JSNative native, const QString& name, int parameterCount,
-                             const JS::Value& target, unsigned flags = 0) {
+JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
     JSContext* const context = engineContext();
     JS::RootedValue kept(context, target);
-    JSFunction* const function = checked(js::NewFunctionWithReserved(
-        context, native, static_cast<unsigned>(parameterCount), flags, name.toUtf8().constData()));
+    JSFunction* const function = checked(
+        js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
     JSObject* const object = JS_GetFunctionObject(function);
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
@@ -208,9 +220,12 @@ bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
 JSObject* makeFunction(const NativeFunction& function) {
     const unsigned flags =
         function.kind() == NativeFunction::Kind::Constructor ? JSFUN_CONSTRUCTOR : 0;
-    return makeFunctionObject(entryOf(function.kind()), function.signature().name,
-                              function.parameters().requiredCount,
-                              JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
+    JSFunction* const made = checked(
+        JS_NewFunction(engineContext(), entryOf(function.kind()),
+                       static_cast<unsigned>(function.parameters().requiredCount), flags,
+                       function.signature().name.toUtf8().constData()));
+    SET_JITINFO(made, kept(function));
+    return JS_GetFunctionObject(made);
 }
 
 bool isLibraryFunction(JSObject* object) {
@@ -219,7 +234,7 @@ bool isLibraryFunction(JSObject* object) {
 
 JSObject* makeMemberFunction(const NativeFunction& function) {
     JS::RootedValue target(engineContext(), JS::ObjectValue(*makeFunction(function)));
-    return makeFunctionObject(callMember, function.signature().name, 0, target);
+    return makeFunctionObject(callMember, function.signature().name, target);
 }
 
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
@@ -252,14 +267,14 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
 
 JSObject* makeApplicationFunction(const QString& name) {
     JS::RootedValue text(engineContext(), toJsText(name));
-    return makeFunctionObject(callApplicationFunction, name, 0, text);
+    return makeFunctionObject(callApplicationFunction, name, text);
 }
 
 JSObject* makeMethod(const SharedPtr<BoundMethod>& method) {
     JSContext* const context = engineContext();
     JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
     JS::RootedObject held(context, makeHostObject(method, root));
-    return makeFunctionObject(callBoundMethod, method->displayName().section('.', -1), 0,
+    return makeFunctionObject(callBoundMethod, method->displayName().section('.', -1),
                               JS::ObjectValue(*held));
 }
 

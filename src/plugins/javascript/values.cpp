@@ -76,10 +76,7 @@ QString fromKey(jsid key) {
 
 // Numbers, times, bytes
 
-JS::Value toJsInteger(long long value) {
-    const auto narrow = static_cast<std::int32_t>(value);
-    if (narrow == value)
-        return JS::Int32Value(narrow);
+JS::Value toJsLongInteger(long long value) {
     if (std::abs(value) <= largestInteger)
         return JS::NumberValue(static_cast<double>(value));
     return JS::BigIntValue(checked(JS::NumberToBigInt(engineContext(), value)));
