@@ -177,12 +177,13 @@ public:
     SharedPtr<NativeScriptObject> execute(
         SharedPtr<NativeScriptObject> (*function)(ScriptContext*));
 
-    void setNullResult() { setResult(createNull()); }
-    void setBoolResult(bool value) { setResult(createBool(value)); }
+    // What most functions give: a language may have a shorter way to the same.
+    virtual void setNullResult() { setResult(createNull()); }
+    virtual void setBoolResult(bool value) { setResult(createBool(value)); }
+    virtual void setInt64Result(long long value) { setResult(createInt64(value)); }
+    virtual void setStringResult(const QString& value) { setResult(createString(value)); }
     void setIntegerResult(int value) { setResult(createInteger(value)); }
-    void setInt64Result(long long value) { setResult(createInt64(value)); }
     void setDoubleResult(double value) { setResult(createDouble(value)); }
-    void setStringResult(const QString& value) { setResult(createString(value)); }
     void setDateTimeResult(const QDateTime& value) { setResult(createDateTime(value)); }
     // A null object or context is the language's null.
     void setObjectResult(SharedPtr<Object> object) {

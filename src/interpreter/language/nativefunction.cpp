@@ -89,8 +89,12 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
             {ScriptFailure::Kind::BadArgument, bound.error().text, false, {}});
     LanguageContext& context = interpreter.context();
     LanguageContext::Call call(context, std::move(*bound), areNamed);
+    SharedPtr<NativeScriptObject> made;
     context.clearError();
-    SharedPtr<NativeScriptObject> made = function.run(context, object);
+    if (function.kind() == NativeFunction::Kind::Constructor)
+        made = function.construct(context);
+    else
+        function.run(context, object);
     interpreter.noticeApplication();
     if (context.hasError())
         return tl::unexpected<ScriptFailure>(failureOf(context));

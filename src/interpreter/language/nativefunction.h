@@ -73,26 +73,27 @@ public:
     /// What tells it from others of the same name: the address of the native function.
     const void* address() const;
 
-    /// Runs it in the context, which has its arguments, while nothing of the language is pending.
-    /// `object` is that of a method. Gives what a constructor has made; null with the context's
-    /// error set when that failed.
-    SharedPtr<NativeScriptObject> run(ScriptContext& context,
-                                      const SharedPtr<NativeScriptObject>& object) const {
-        if (m_kind == Kind::Constructor) [[unlikely]]
-            return construct(context);
+    // Run it in the context, which has its arguments, while nothing of the language is pending.
+    /// No method and no constructor.
+    void run(ScriptContext& context) const {
         const Execution execution(context);
         if (m_kind == Kind::Table)
             m_table(&context);
-        else if (m_kind == Kind::Method)
-            m_method(object, &context);
         else
             m_native(&context);
-        return {};
     }
+    /// No constructor. `object` is that of a method.
+    void run(ScriptContext& context, const SharedPtr<NativeScriptObject>& object) const {
+        if (m_kind != Kind::Method)
+            return run(context);
+        const Execution execution(context);
+        m_method(object, &context);
+    }
+    /// What a constructor has made; null with the context's error set when that failed.
+    SharedPtr<NativeScriptObject> construct(ScriptContext& context) const;
 
 private:
     NativeFunction(const ScriptContext& context, NativeSignature signature, Kind kind);
-    SharedPtr<NativeScriptObject> construct(ScriptContext& context) const;
 
     Kind m_kind;
     union {

@@ -67,8 +67,8 @@ public:
     static LanguageInterpreter* active();
 
 private:
-    /// An integer of a value that is none of 32 bits.
-    long long converted() const;
+    /// An integer of a value that is none of 32 bits, which hardly any is.
+    [[gnu::noinline]] long long converted() const;
     /// Null for a value that is no object.
     JSObject* object() const {
         return m_value.get().isObject() ? &m_value.get().toObject() : nullptr;

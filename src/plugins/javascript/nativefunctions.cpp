@@ -54,8 +54,8 @@ const Target* kept(const NativeFunction& function) {
     return known;
 }
 
-const NativeFunction& targetOf(const JS::CallArgs& arguments) {
-    return static_cast<const Target*>(FUNCTION_VALUE_TO_JITINFO(arguments.calleev()))->function;
+const NativeFunction& targetOf(const JS::Value& callee) {
+    return static_cast<const Target*>(FUNCTION_VALUE_TO_JITINFO(callee))->function;
 }
 
 CallArguments givenArguments(const JS::CallArgs& arguments) {
@@ -81,22 +81,24 @@ auto shownName(const NativeFunction& function) {
 }
 
 /// With arguments of which some may be left out.
-bool callWithGaps(const NativeFunction& function, const JS::CallArgs& arguments) {
+[[gnu::noinline]] bool callWithGaps(const NativeFunction& function, unsigned count,
+                                    JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     return finish(shownName(function), arguments, [&] {
         return callNative(JavaScriptInterpreter::active(), function, {}, givenArguments(arguments));
     });
 }
 
 bool callFunction(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const JS::Value* const given = arguments.array();
-    const NativeFunction& function = targetOf(arguments);
+    // The function itself stands in front, and what is its `this`.
+    const JS::Value* const given = values + 2;
+    const NativeFunction& function = targetOf(*values);
     JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
     const auto isNull = [given](int index) { return given[index].isNullOrUndefined(); };
     const auto all = static_cast<int>(count);
     if (!interpreter || all < function.parameters().requiredCount ||
         !function.areInPlace(all, isNull)) [[unlikely]]
-        return callWithGaps(function, arguments);
+        return callWithGaps(function, count, values);
     // The road of most calls, without a list of arguments that is made for it.
     const auto add = [=](auto& call) {
         for (int index = 0; index < all; ++index)
@@ -107,8 +109,8 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
         *values = result ? result->value().get() : JS::UndefinedValue();
     };
     return guarded(shownName(function), [&] {
-        if (const auto failure = callDirectly<JavaScriptArgument>(*interpreter, function, {}, all,
-                                                                  add, take))
+        if (const auto failure =
+                callDirectly<JavaScriptArgument>(*interpreter, function, all, add, take))
             throwFailure(*failure);
         return true;
     });
@@ -116,7 +118,7 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
 
 bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const NativeFunction& function = targetOf(arguments);
+    const NativeFunction& function = targetOf(arguments.calleev());
     return finish(shownName(function), arguments, [&] {
         const auto object = arguments.thisv().isObject()
                                 ? heldBy<NativeScriptObject>(&arguments.thisv().toObject())
@@ -131,7 +133,7 @@ bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
 
 bool construct(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const NativeFunction& function = targetOf(arguments);
+    const NativeFunction& function = targetOf(arguments.calleev());
     JS::RootedObject type(context,
                           arguments.isConstructing() ? &arguments.newTarget().toObject() : nullptr);
     const bool isOwn = type == &arguments.callee();

@@ -69,8 +69,7 @@ NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& funct
         if (given)
             result = returning(aTHX_ SvRef::borrow(given->value()));
     };
-    const auto failure =
-        callDirectly<PerlArgument>(active, function, nullptr, count, add, take);
+    const auto failure = callDirectly<PerlArgument>(active, function, count, add, take);
     return failure ? failing(aTHX_ * failure) : result;
 }
 

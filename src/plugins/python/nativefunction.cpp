@@ -71,8 +71,14 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
                 call.add(PyRef::borrow(arguments[index]));
         };
         const auto take = [&value](const PythonArgument* result) { value = givenTo(result); };
-        if (const auto failure = callDirectly<PythonArgument>(
-                interpreter, function, object, static_cast<int>(count), add, take))
+        std::unique_ptr<ScriptFailure> failure;
+        if constexpr (kind == Kind::Method)
+            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
+                                                   add, take, object);
+        else
+            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
+                                                   add, take);
+        if (failure) [[unlikely]]
             setFailure(*failure);
         return value;
     }

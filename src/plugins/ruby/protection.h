@@ -51,7 +51,7 @@ inline bool s_hasPostponed = false;
 void throwWhatIsPostponed();
 /// Throws what was postponed, if there is something.
 inline void throwPostponed() {
-    if (s_hasPostponed)
+    if (s_hasPostponed) [[unlikely]]
         throwWhatIsPostponed();
 }
 
@@ -90,7 +90,7 @@ VALUE enterNative(Work work) {
         keepNativeException("unknown exception");
         left = true;
     }
-    if (left)
+    if (left) [[unlikely]]
         resumeJump();
     return result;
 }

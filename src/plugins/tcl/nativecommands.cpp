@@ -72,7 +72,7 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
     };
     return runCommand(interpreter, [&] {
         const auto failure =
-            callDirectly<TclArgument>(interpreter, command.function, nullptr, count, add, take);
+            callDirectly<TclArgument>(interpreter, command.function, count, add, take);
         return failure ? interpreter.fail(*failure) : TCL_OK;
     });
 }
