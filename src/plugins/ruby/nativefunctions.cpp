@@ -141,7 +141,7 @@ bool arePlain(const Slot& slot, int count, const VALUE* arguments) {
            slot.function.areInPlace(count + before, isNil);
 }
 
-VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
+[[gnu::noinline]] VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
     return enterNative([&] {
         dropReleased();
         const NestedCall nested(slot);

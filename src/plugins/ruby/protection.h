@@ -75,7 +75,7 @@ void keepNativeException(const char* text);
 
 /// The body of a function that Ruby calls: `work` gives its result and may throw.
 template <typename Work>
-VALUE enterNative(Work work) {
+VALUE enterNative(const Work& work) {
     static_assert(std::is_trivially_destructible_v<Work>);
     bool left = false;
     VALUE result = Qnil;
