@@ -100,17 +100,14 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
         !function.areInPlace(all, isNull)) [[unlikely]]
         return callWithGaps(function, count, values);
     // The road of most calls, without a list of arguments that is made for it.
-    const auto add = [=](auto& call) {
-        for (int index = 0; index < all; ++index)
-            call.add(given[index]);
-    };
+    const auto valueAt = [given](int place) { return given[place]; };
     // The result takes the place of the function.
     const auto take = [values](const JavaScriptArgument* result) {
         *values = result ? result->value().get() : JS::UndefinedValue();
     };
     return guarded(shownName(function), [&] {
         if (const auto failure =
-                callDirectly<JavaScriptArgument>(*interpreter, function, all, add, take))
+                callDirectly<JavaScriptArgument>(*interpreter, function, all, valueAt, take))
             throwFailure(*failure);
         return true;
     });

@@ -75,20 +75,18 @@ SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
 /// The call as nearly all are: without names, block and gaps.
 VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, const VALUE* arguments,
                   VALUE self) {
-    const auto add = [&](LanguageContext::DirectCall<RubyArgument>& call) {
-        if (slot.front == Front::Self)
-            call.add(self);
-        for (int index = 0; index < count; ++index)
-            call.add(arguments[index]);
+    const int before = slot.front == Front::Self ? 1 : 0;
+    const auto valueAt = [=](int place) {
+        return place < before ? self : arguments[place - before];
     };
     VALUE value = Qnil;
     const auto take = [&value](const RubyArgument* result) {
         if (result)
             value = result->value();
     };
-    const int all = slot.front == Front::Self ? count + 1 : count;
-    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function, all, add, take,
-                                                        receiver(slot, self))) [[unlikely]]
+    if (const auto failure =
+            callDirectly<RubyArgument>(interpreter, slot.function, before + count, valueAt, take,
+                                       receiver(slot, self))) [[unlikely]]
         raiseFailure(*failure);
     return value;
 }
