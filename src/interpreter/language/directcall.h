@@ -10,8 +10,8 @@
 namespace Tamrix {
 
 /// callNative() as it nearly always is: by the script's thread, of a function that makes no object,
-/// with `count` arguments that are areInPlace(). `valueOf` gives what an Argument is made of, by the
-/// place; `take` gets the result, an Argument* that is null for a function without one, and may
+/// with `count` arguments that are areInPlace(). `valueOf` gives what an Argument is made of, by
+/// the place; `take` gets the result, an Argument* that is null for a function without one, and may
 /// keep only the value in it. `object` stands for that of a method, where there may be one. Gives
 /// why it has failed; null when it has not.
 template <typename Argument, typename Interpreter, typename ValueOf, typename Take,

@@ -176,8 +176,8 @@ JSNative entryOf(NativeFunction::Kind kind) {
 JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
     JSContext* const context = engineContext();
     JS::RootedValue kept(context, target);
-    JSFunction* const function = checked(
-        js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
+    JSFunction* const function =
+        checked(js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
     JSObject* const object = JS_GetFunctionObject(function);
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
@@ -219,10 +219,10 @@ bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
 JSObject* makeFunction(const NativeFunction& function) {
     const unsigned flags =
         function.kind() == NativeFunction::Kind::Constructor ? JSFUN_CONSTRUCTOR : 0;
-    JSFunction* const made = checked(
-        JS_NewFunction(engineContext(), entryOf(function.kind()),
-                       static_cast<unsigned>(function.parameters().requiredCount), flags,
-                       function.signature().name.toUtf8().constData()));
+    JSFunction* const made =
+        checked(JS_NewFunction(engineContext(), entryOf(function.kind()),
+                               static_cast<unsigned>(function.parameters().requiredCount), flags,
+                               function.signature().name.toUtf8().constData()));
     SET_JITINFO(made, kept(function));
     return JS_GetFunctionObject(made);
 }

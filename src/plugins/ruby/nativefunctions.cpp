@@ -91,9 +91,8 @@ VALUE givenInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, Va
 VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, const VALUE* arguments,
                   VALUE self) {
     if (slot.front == Front::Self)
-        return givenInPlace(interpreter, slot, count + 1, [=](int place) {
-            return place == 0 ? self : arguments[place - 1];
-        });
+        return givenInPlace(interpreter, slot, count + 1,
+                            [=](int place) { return place == 0 ? self : arguments[place - 1]; });
     const auto valueAt = [arguments](int place) { return arguments[place]; };
     if (slot.function.kind() == NativeFunction::Kind::Method)
         return givenInPlace(interpreter, slot, count, valueAt, receiver(slot, self));
