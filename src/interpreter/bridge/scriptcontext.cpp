@@ -53,6 +53,10 @@ void ScriptContext::setError(const QString& message, const DebuggerFrame& frame)
     m_errorFrame = frame;
 }
 
+void ScriptContext::forgetMessage() {
+    m_errorMessage.clear();
+}
+
 // Arguments and the current context
 
 void ScriptContext::setArguments(const std::vector<SharedPtr<ScriptArgument>>& arguments) {

@@ -228,12 +228,13 @@ private:
     int call(Function function);
     /// As setError() with an empty message; every call passes here.
     void forgetError() {
-        if (hasError()) [[unlikely]]
-            m_errorMessage.clear();
+        if (hasError())
+            forgetMessage();
         m_errorType = GeneralError;
         m_isSkip = false;
         m_errorFrame = DebuggerFrame();
     }
+    [[gnu::cold]] void forgetMessage();
 
     static ScriptContext* s_current;
     static const SharedPtr<ScriptArgument> s_noArgument;

@@ -50,9 +50,9 @@ public:
         std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
         /// Makes so many places for arguments, with the wrappers that wait, as far as there are
         /// some.
-        void makePlaces(std::size_t count);
+        [[gnu::cold]] void makePlaces(std::size_t count);
         /// Leaves the arguments that somebody has kept to them.
-        void dropKept();
+        [[gnu::cold]] void dropKept();
 
         LanguageContext& m_context;
 
@@ -66,8 +66,8 @@ public:
             bool isSkip;
             SharedPtr<ScriptArgument> result;
         };
-        void keepOuter();
-        void restoreOuter();
+        [[gnu::cold]] void keepOuter();
+        [[gnu::cold]] void restoreOuter();
 
         std::unique_ptr<Outer> m_outer;
     };
@@ -90,26 +90,20 @@ public:
         }
     };
 
-    /// A call with `count` arguments that all stand at their places: add() gives them one after
-    /// another. Wrappers, of the plug-in's class, wait where they are for the next call, unless
-    /// somebody has kept them; its rebind() makes one stand for another value, and for none without
-    /// an argument.
+    /// A call with arguments that all stand at their places. Wrappers, of the plug-in's class, wait
+    /// where they are for the next call, unless somebody has kept them; its rebind() makes one
+    /// stand for another value, and for none without an argument.
     template <typename Argument>
     class DirectCall : public CallScope {
     public:
-        DirectCall(LanguageContext& context, int count) : CallScope(context, false) {
-            // Most calls have as many arguments as the one before.
-            if (context.argumentCount() != count) [[unlikely]]
-                makePlaces(static_cast<std::size_t>(count));
-            m_place = arguments().data();
-        }
+        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
         ~DirectCall() {
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : arguments()) {
-                if (each && each->referenceCount() == 1) [[likely]]
-                    static_cast<Argument*>(each.get())->rebind();
-                else
+                if (!each || each->referenceCount() > 1) [[unlikely]]
                     areKept = true;
+                else
+                    static_cast<Argument*>(each.get())->rebind();
             }
             if (areKept) [[unlikely]]
                 dropKept();
@@ -117,29 +111,31 @@ public:
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
 
-        /// `owner` is what the wrapper's constructor takes in front of the value, if anything.
-        template <typename Value, typename... Owner>
-        void add(Value&& value, Owner&... owner) {
-            SharedPtr<ScriptArgument>& wrapper = *m_place++;
-            if (wrapper) [[likely]]
-                static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
-            else
-                wrapper = new Argument(owner..., std::forward<Value>(value));
+        /// `valueOf` gives the value at a place. `owner` is what the wrapper's constructor takes in
+        /// front of the value, if anything.
+        template <typename ValueOf, typename... Owner>
+        void giveArguments(int count, ValueOf valueOf, Owner&... owner) {
+            // Most calls have as many arguments as the one before.
+            if (m_context.argumentCount() != count) [[unlikely]]
+                makePlaces(static_cast<std::size_t>(count));
+            SharedPtr<ScriptArgument>* const wrappers = arguments().data();
+            for (int place = 0; place < count; ++place) {
+                if (wrappers[place]) [[likely]]
+                    static_cast<Argument*>(wrappers[place].get())->rebind(valueOf(place));
+                else
+                    wrappers[place] = new Argument(owner..., valueOf(place));
+            }
         }
         /// `take` gets the result, as it is of takeResult(), and its wrapper waits for another one.
         template <typename Take>
         void giveResult(Take take) {
             SharedPtr<ScriptArgument>& result = m_context.m_result;
             take(static_cast<Argument*>(result.get()));
-            if (result && result->referenceCount() == 1) {
+            if (result && result->referenceCount() == 1) [[likely]] {
                 static_cast<Argument*>(result.get())->rebind();
                 result.swap(m_context.m_spareResult);
             }
         }
-
-    private:
-        /// Of the next argument.
-        SharedPtr<ScriptArgument>* m_place;
     };
 
     /// By default nothing of the language is pending when a native function begins.

@@ -67,7 +67,7 @@ public:
     /// Makes the global functions of the current application known when it is another one than
     /// before. Each call of a native function asks, since any of them may have changed it.
     void noticeApplication() {
-        if (m_inspector->model() != m_knownModel) [[unlikely]]
+        if (m_inspector->model() != m_knownModel)
             publishFunctionsOfApplication();
     }
 
@@ -202,7 +202,7 @@ protected:
 private:
     Outcome<QString> evaluated(const ScriptFrame* frame, const QString& code);
     bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
-    void publishFunctionsOfApplication();
+    [[gnu::cold]] void publishFunctionsOfApplication();
 
     static LanguageInterpreter* s_active[5];
     static std::vector<LanguageInterpreter*> s_instances;

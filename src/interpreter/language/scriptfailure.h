@@ -47,7 +47,7 @@ struct ScriptFailure {
 using ScriptResult = tl::expected<SharedPtr<ScriptArgument>, ScriptFailure>;
 
 /// The error that is set in the context.
-TAMRIX_EXPORT ScriptFailure failureOf(const ScriptContext& context);
+[[gnu::cold]] TAMRIX_EXPORT ScriptFailure failureOf(const ScriptContext& context);
 TAMRIX_EXPORT ScriptFailure failureOf(const ObjectError& error);
 /// Of the number, names or types of arguments.
 TAMRIX_EXPORT ScriptFailure badArgument(const QString& text);

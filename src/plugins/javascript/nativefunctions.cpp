@@ -100,17 +100,14 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
         !function.areInPlace(all, isNull)) [[unlikely]]
         return callWithGaps(function, count, values);
     // The road of most calls, without a list of arguments that is made for it.
-    const auto add = [=](auto& call) {
-        for (int index = 0; index < all; ++index)
-            call.add(given[index]);
-    };
+    const auto valueAt = [given](int place) { return given[place]; };
     // The result takes the place of the function.
     const auto take = [values](const JavaScriptArgument* result) {
         *values = result ? result->value().get() : JS::UndefinedValue();
     };
     return guarded(shownName(function), [&] {
         if (const auto failure =
-                callDirectly<JavaScriptArgument>(*interpreter, function, all, add, take))
+                callDirectly<JavaScriptArgument>(*interpreter, function, all, valueAt, take))
             throwFailure(*failure);
         return true;
     });
@@ -179,8 +176,8 @@ JSNative entryOf(NativeFunction::Kind kind) {
 JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
     JSContext* const context = engineContext();
     JS::RootedValue kept(context, target);
-    JSFunction* const function = checked(
-        js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
+    JSFunction* const function =
+        checked(js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
     JSObject* const object = JS_GetFunctionObject(function);
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
@@ -222,10 +219,10 @@ bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
 JSObject* makeFunction(const NativeFunction& function) {
     const unsigned flags =
         function.kind() == NativeFunction::Kind::Constructor ? JSFUN_CONSTRUCTOR : 0;
-    JSFunction* const made = checked(
-        JS_NewFunction(engineContext(), entryOf(function.kind()),
-                       static_cast<unsigned>(function.parameters().requiredCount), flags,
-                       function.signature().name.toUtf8().constData()));
+    JSFunction* const made =
+        checked(JS_NewFunction(engineContext(), entryOf(function.kind()),
+                               static_cast<unsigned>(function.parameters().requiredCount), flags,
+                               function.signature().name.toUtf8().constData()));
     SET_JITINFO(made, kept(function));
     return JS_GetFunctionObject(made);
 }

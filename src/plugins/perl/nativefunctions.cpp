@@ -61,15 +61,12 @@ bool arePlain(const Parameters& parameters, SV** arguments, int count) {
 NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& function, SV** arguments,
                       int count) {
     NativeEnd result = returning(aTHX_ SvRef());
-    const auto add = [&](auto& call) {
-        for (int index = 0; index < count; ++index)
-            call.add(PerlArgument::kept(aTHX_ arguments[index]));
-    };
+    const auto valueAt = [&](int place) { return PerlArgument::kept(aTHX_ arguments[place]); };
     const auto take = [&](const PerlArgument* given) {
         if (given)
             result = returning(aTHX_ SvRef::borrow(given->value()));
     };
-    const auto failure = callDirectly<PerlArgument>(active, function, count, add, take);
+    const auto failure = callDirectly<PerlArgument>(active, function, count, valueAt, take);
     return failure ? failing(aTHX_ * failure) : result;
 }
 

@@ -66,18 +66,15 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
         kind != Kind::Constructor && !names && function.areInPlace(static_cast<int>(count), isNone);
     PyObject* value = nullptr;
     if (isDirect) {
-        const auto add = [=](auto& call) {
-            for (Py_ssize_t index = 0; index < count; ++index)
-                call.add(PyRef::borrow(arguments[index]));
-        };
+        const auto valueAt = [=](int place) { return PyRef::borrow(arguments[place]); };
         const auto take = [&value](const PythonArgument* result) { value = givenTo(result); };
         std::unique_ptr<ScriptFailure> failure;
         if constexpr (kind == Kind::Method)
             failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
-                                                   add, take, object);
+                                                   valueAt, take, object);
         else
             failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
-                                                   add, take);
+                                                   valueAt, take);
         if (failure) [[unlikely]]
             setFailure(*failure);
         return value;

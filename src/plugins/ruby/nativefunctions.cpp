@@ -72,25 +72,31 @@ SharedPtr<NativeScriptObject> receiver(const Slot& slot, VALUE self) {
                : nullptr;
 }
 
-/// The call as nearly all are: without names, block and gaps.
-VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, const VALUE* arguments,
-                  VALUE self) {
-    const auto add = [&](LanguageContext::DirectCall<RubyArgument>& call) {
-        if (slot.front == Front::Self)
-            call.add(self);
-        for (int index = 0; index < count; ++index)
-            call.add(arguments[index]);
-    };
+/// What a call gives whose arguments, and the object of a method, stand at their places.
+template <typename ValueAt, typename... Object>
+VALUE givenInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, ValueAt valueAt,
+                   const SharedPtr<Object>&... object) {
     VALUE value = Qnil;
     const auto take = [&value](const RubyArgument* result) {
         if (result)
             value = result->value();
     };
-    const int all = slot.front == Front::Self ? count + 1 : count;
-    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function, all, add, take,
-                                                        receiver(slot, self))) [[unlikely]]
+    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function, count, valueAt,
+                                                        take, object...)) [[unlikely]]
         raiseFailure(*failure);
     return value;
+}
+
+/// The call as nearly all are: without names, block and gaps.
+VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, const VALUE* arguments,
+                  VALUE self) {
+    if (slot.front == Front::Self)
+        return givenInPlace(interpreter, slot, count + 1,
+                            [=](int place) { return place == 0 ? self : arguments[place - 1]; });
+    const auto valueAt = [arguments](int place) { return arguments[place]; };
+    if (slot.function.kind() == NativeFunction::Kind::Method)
+        return givenInPlace(interpreter, slot, count, valueAt, receiver(slot, self));
+    return givenInPlace(interpreter, slot, count, valueAt);
 }
 
 /// A call with all that there may be.

@@ -60,10 +60,7 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
     if (!interpreter.isScriptThread() || !arePlain(command.function, count, words))
         return callWithWords(interpreter, command.function, {}, {}, count, words);
     // The road of most calls, without a list of arguments that is made for it.
-    const auto add = [&](auto& call) {
-        for (int index = 0; index < count; ++index)
-            call.add(TclRef(words[index]), interpreter);
-    };
+    const auto valueAt = [words](int place) { return TclRef(words[place]); };
     const auto take = [interp](const TclArgument* result) {
         if (result)
             Tcl_SetObjResult(interp, result->value());
@@ -72,7 +69,7 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
     };
     return runCommand(interpreter, [&] {
         const auto failure =
-            callDirectly<TclArgument>(interpreter, command.function, count, add, take);
+            callDirectly<TclArgument>(interpreter, command.function, count, valueAt, take);
         return failure ? interpreter.fail(*failure) : TCL_OK;
     });
 }

@@ -39,9 +39,9 @@ TEST(NativeFunction, HasNamesAsScriptsWriteThem) {
 TEST(NativeFunction, RunsWhatItStandsFor) {
     FakeContext context;
     context.setArguments({integer(1), integer(2)});
-    NativeFunction(context, {"tells", {}, {}, {}, {}}, tells).run(context, {});
+    NativeFunction(context, {"tells", {}, {}, {}, {}}, tells).run(context);
     EXPECT_EQ(context.result->toInt(), 2);
-    NativeFunction(context, {"fails", {}, {}, {}, {}}, fails).run(context, {});
+    NativeFunction(context, {"fails", {}, {}, {}, {}}, fails).run(context);
     const ScriptFailure failure = failureOf(context);
     EXPECT_EQ(failure.kind, Kind::Lookup);
     EXPECT_EQ(failure.text, "it failed");

@@ -252,6 +252,41 @@ assert identifier == register(handler.on) != register(other.on)
               "");
 }
 
+TEST_F(PythonValues, ArgumentsOutliveTheirCallOnlyWhereTheyAreKept) {
+    static std::vector<SharedPtr<ScriptArgument>> s_kept;
+    define("keep", [](ScriptContext* context) {
+        if (context->argumentCount() > 0)
+            s_kept.push_back(context->argument(0));
+        context->setIntegerResult(context->argumentCount());
+        return true;
+    });
+    define("fail", [](ScriptContext* context) {
+        context->setError("it failed");
+        return false;
+    });
+    EXPECT_EQ(run(R"py(
+import weakref
+counts = [keep('first'), keep('next', 2), keep(), keep('third', 2, 3), same('lost') and keep('last')]
+assert counts == [1, 2, 0, 3, 1]
+class Given: pass
+for function in (same, fail):
+    given = Given()
+    there = weakref.ref(given)
+    try:
+        assert function(given) is given
+    except RuntimeError as error:
+        assert str(error) == 'it failed'
+    del given
+    assert there() is None
+)py"),
+              "");
+    QStringList kept;
+    for (const SharedPtr<ScriptArgument>& each : s_kept)
+        kept.append(each->toString());
+    s_kept.clear();
+    EXPECT_EQ(kept, (QStringList{"first", "next", "third", "last"}));
+}
+
 TEST_F(PythonValues, CodeThatIsHandedOverSeesTheCallersNames) {
     define("condition", [](ScriptContext* context) {
         QString error;
