@@ -101,7 +101,8 @@ Element ToolkitPlace::openListOver(const Element& /*element*/) const {
     return {};
 }
 
-bool ToolkitPlace::scrollIntoView(const Element& /*element*/) const {
+bool ToolkitPlace::scrollIntoView(const Element& /*element*/,
+                                  const std::optional<QPoint>& /*point*/) const {
     return false;
 }
 

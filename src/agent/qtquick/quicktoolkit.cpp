@@ -31,9 +31,8 @@ QRect rectInWindow(const QQuickItem* item) {
 }
 
 /// Moves a Flickable so that the item is seen; false when it is seen already.
-bool scrollFlickable(QQuickItem* flickable, const QQuickItem* item) {
-    const QRectF place =
-        item->mapRectToItem(flickable, QRectF(0, 0, item->width(), item->height()));
+bool scrollFlickable(QQuickItem* flickable, const QQuickItem* item, const QRectF& part) {
+    const QRectF place = item->mapRectToItem(flickable, part);
     const auto scroll = [flickable](const char* property, qreal from, qreal to, qreal size) {
         if (from >= 0 && to <= size)
             return false;
@@ -180,12 +179,17 @@ Element QuickToolkit::blockedBy(const Element& element) const {
     return Session::self()->element(blockingWindow(windowOf(element)));
 }
 
-bool QuickToolkit::scrollIntoView(const Element& element) const {
+bool QuickToolkit::scrollIntoView(const Element& element,
+                                  const std::optional<QPoint>& point) const {
     const QQuickItem* const item = itemOf(element);
+    if (!item)
+        return false;
+    const QRectF whole(0, 0, item->width(), item->height());
+    const QRectF part = point ? around(*point, whole.toAlignedRect()) : whole;
     bool hasMoved = false;
-    for (QQuickItem* each = item ? item->parentItem() : nullptr; each; each = each->parentItem()) {
+    for (QQuickItem* each = item->parentItem(); each; each = each->parentItem()) {
         if (each->inherits("QQuickFlickable"))
-            hasMoved = scrollFlickable(each, item) || hasMoved;
+            hasMoved = scrollFlickable(each, item, part) || hasMoved;
     }
     return hasMoved;
 }

@@ -30,7 +30,7 @@ public:
     bool receivesThrough(const Element& element, const Element& hit,
                          Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
-    bool scrollIntoView(const Element& element) const override;
+    bool scrollIntoView(const Element& element, const std::optional<QPoint>& point) const override;
     QImage grab(const Element& element) const override;
 
     // quickact.cpp

@@ -208,15 +208,20 @@ Element GraphicsToolkit::openListOver(const Element& element) const {
     return view ? Session::self()->element(Agent::openListOver(view)) : Element();
 }
 
-bool GraphicsToolkit::scrollIntoView(const Element& element) const {
+bool GraphicsToolkit::scrollIntoView(const Element& element,
+                                     const std::optional<QPoint>& point) const {
     QGraphicsView* const view = viewOf(element);
     if (!view)
         return false;
     const QRect before = boundsInView(element);
-    if (!view->viewport()->rect().contains(before.center()))
+    if (point)
+        view->ensureVisible(QRectF(view->mapToScene(before.topLeft() + *point), QSizeF(1, 1)));
+    else if (!view->viewport()->rect().contains(before.center()))
         view->ensureVisible(itemOf(element));
     const bool hasMoved = boundsInView(element) != before;
-    return scrollWidgetIntoView(view->viewport(), boundsInView(element)) || hasMoved;
+    const QRect bounds = boundsInView(element);
+    const QRect wanted = point ? around(bounds.topLeft() + *point, bounds) : bounds;
+    return scrollWidgetIntoView(view->viewport(), wanted) || hasMoved;
 }
 
 QImage GraphicsToolkit::grab(const Element& element) const {

@@ -40,7 +40,7 @@ public:
                       Qt::MouseButton button) const override;
     Element blockedBy(const Element& element) const override;
     Element openListOver(const Element& element) const override;
-    bool scrollIntoView(const Element& element) const override;
+    bool scrollIntoView(const Element& element, const std::optional<QPoint>& point) const override;
     QImage grab(const Element& element) const override;
     void takeFocus(const Element& element, Qt::FocusReason reason) const override;
 };

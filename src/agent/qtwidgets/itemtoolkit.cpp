@@ -314,7 +314,8 @@ Element ItemToolkit::openListOver(const Element& item) const {
         Agent::openListOver(place.widget ? place.widget : holderOf(item)));
 }
 
-bool ItemToolkit::scrollIntoView(const Element& item) const {
+bool ItemToolkit::scrollIntoView(const Element& item,
+                                 const std::optional<QPoint>& /*point*/) const {
     bool hasMoved = false;
     QAbstractItemView* const view = viewOf(item);
     const ItemPlace before = placeOfItem(item);

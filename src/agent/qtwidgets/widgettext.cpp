@@ -31,7 +31,8 @@ QString textOfField(const QLineEdit* field) {
         return field->text();
     if (field->echoMode() == QLineEdit::NoEcho)
         return {};
-    const int sign = field->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, field);
+    const int sign =
+        field->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, field);
     return QString(field->text().size(), QChar(sign));
 }
 

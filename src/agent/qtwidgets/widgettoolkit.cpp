@@ -375,9 +375,11 @@ Element WidgetToolkit::openListOver(const Element& element) const {
     return widget ? Toolkit::element(Agent::openListOver(widget)) : Element();
 }
 
-bool WidgetToolkit::scrollIntoView(const Element& element) const {
+bool WidgetToolkit::scrollIntoView(const Element& element,
+                                   const std::optional<QPoint>& point) const {
     QWidget* const widget = widgetOf(element);
-    return widget && scrollWidgetIntoView(widget, widget->rect());
+    return widget &&
+           scrollWidgetIntoView(widget, point ? around(*point, widget->rect()) : widget->rect());
 }
 
 QImage WidgetToolkit::grab(const Element& element) const {

@@ -181,6 +181,16 @@ void lookTwice(const Element& element, const Aim& aim, const Done& done) {
     });
 }
 
+/// Brings what is aimed at into view. The rest of an element may be larger than its viewport.
+void scrollTo(const Element& element, const Aim& aim) {
+    const Toolkit* const toolkit = element.toolkit;
+    if (!aim.offset)
+        toolkit->scrollIntoView(element);
+    else if (!toolkit->visibleBounds(element).contains(toolkit->globalBounds(element).topLeft() +
+                                                       *aim.offset))
+        toolkit->scrollIntoView(element, aim.offset);
+}
+
 struct Wait {
     ElementRef element;
     Aim aim;
@@ -195,7 +205,7 @@ void poll(const std::shared_ptr<Wait>& wait) {
         wait->done(notReady(goneText()));
         return;
     }
-    element.toolkit->scrollIntoView(element);
+    scrollTo(element, wait->aim);
     lookTwice(element, wait->aim, [wait](const Readiness& readiness) {
         const bool isOver =
             readiness.obstacle == goneText() || wait->clock.hasExpired(wait->timeout);

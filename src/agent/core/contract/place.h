@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <optional>
 
 #include "agent/core/element.h"
 #include "base/export.h"
@@ -8,6 +9,12 @@
 class QWindow;
 
 namespace Tamrix::Agent {
+
+/// What is to be seen of `bounds` so that a person sees where a point of it is.
+inline QRect around(const QPoint& point, const QRect& bounds) {
+    constexpr int margin = 20;
+    return QRect(point, point).adjusted(-margin, -margin, margin, margin) & bounds;
+}
 
 /// Of a toolkit: where an element is, what lies over it and who takes a click. Coordinates are
 /// native screen pixels of the application's coordinate system (device independent ones of Qt).
@@ -32,8 +39,10 @@ public:
     /// The field or box whose open list takes the next click beside it, and closes, or another open
     /// popup; null when none is in the way of the element.
     virtual Element openListOver(const Element& element) const;
-    /// Brings the element into the viewports that hold it. False when nothing had to be done.
-    virtual bool scrollIntoView(const Element& element) const;
+    /// Brings the element into the viewports that hold it, or a point of one that may be larger
+    /// than they are, given from its upper left corner. False when nothing had to be done.
+    virtual bool scrollIntoView(const Element& element,
+                                const std::optional<QPoint>& point = std::nullopt) const;
 
 protected:
     ~ToolkitPlace() = default;
