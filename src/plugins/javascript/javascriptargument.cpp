@@ -53,10 +53,8 @@ double JavaScriptArgument::toDouble() const {
     return own.isBoolean() && own.toBoolean() ? 1 : 0;
 }
 
-long long JavaScriptArgument::toInt() const {
+long long JavaScriptArgument::converted() const {
     const JS::Value& own = m_value.get();
-    if (own.isInt32())
-        return own.toInt32();
     std::int64_t number = 0;
     if (own.isBigInt() && JS::BigIntFits(own.toBigInt(), &number))
         return number;
