@@ -1,71 +1,97 @@
 #include "plugins/javascript/debuggerrealm.h"
 
-#include <js/Array.h>
 #include <js/Debug.h>
 #include <js/Exception.h>
-#include <js/GlobalObject.h>
-#include <js/RealmOptions.h>
 #include <js/Wrapper.h>
-
-#include <concepts>
+#include <jsfriendapi.h>
 
 #include "interpreter/language/prelude.h"
 #include "plugins/javascript/errors.h"
+#include "plugins/javascript/javascriptargument.h"
+#include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-constexpr JSClass globalClass = {
-    "global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps, nullptr, nullptr, nullptr};
+JS::Value valueOfFrame(const FrameHandle& frame) {
+    return frame ? JS::ObjectValue(**frame) : JS::NullValue();
+}
 
-// What goes to the debugger, made in its realm.
-JS::Value debuggerValue(std::same_as<bool> auto value) {
-    return JS::BooleanValue(value);
-}
-JS::Value debuggerValue(const QString& value) {
-    return toJsText(value);
-}
-JS::Value debuggerValue(const FrameHandle& value) {
-    return value ? JS::ObjectValue(**value) : JS::NullValue();
-}
-JS::Value debuggerValue(JS::HandleObject value) {
-    return JS::ObjectValue(*value);
-}
-JS::Value debuggerValue(const std::vector<int>& values) {
-    JS::RootedValueVector numbers(engineContext());
-    for (const int value : values)
-        checked(numbers.append(JS::Int32Value(value)));
-    return JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), numbers)));
+JS::Value currentGlobal() {
+    return JS::ObjectValue(*JS::CurrentGlobalOrNull(engineContext()));
 }
 
 /// A value of the debugger's realm as one of the script's.
 JS::Value taken(const JS::Value& value) {
-    JSContext* const context = engineContext();
-    JS::RootedValue own(context, value);
+    ValueRoot own(value);
     if (own.isObject() && js::IsWrapper(&own.toObject()))
         own.setObject(*js::UncheckedUnwrap(&own.toObject()));
-    checked(JS_WrapValue(context, &own));
+    checked(JS_WrapValue(engineContext(), &own));
     return own;
 }
 
 /// The elements of a list of the debugger's realm.
-void takeElements(const JS::Value& list, JS::MutableHandleValueVector elements) {
-    JS::RootedObject array(engineContext(), &list.toObject());
-    const JSAutoRealm inside(engineContext(), array);
-    elementsOf(array, elements);
+class Elements : public ValueRoots {
+public:
+    explicit Elements(const JS::Value& list) {
+        const ObjectRoot array(list);
+        const JSAutoRealm inside(engineContext(), array);
+        elementsOf(array, this);
+    }
+    QString text(std::size_t index) const { return fromJsText((*this)[index]); }
+};
+
+/// What code that was run has come to.
+JS::Value completed(const JS::Value& completion) {
+    const Elements parts(completion);
+    const QString kind = parts.text(0);
+    // What nothing catches leaves nothing pending.
+    checked(kind != QLatin1String("ended"));
+    const ValueRoot value(taken(parts[1]));
+    if (kind != QLatin1String("thrown"))
+        return value;
+    const ObjectRoot stack(taken(parts[2]));
+    JS::SetPendingExceptionStack(engineContext(),
+                                 JS::ExceptionStack(engineContext(), value, stack));
+    throw ScriptErrorSet();
 }
 
-bool tellIsLibraryFunction(JSContext* context, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    JS::RootedObject object(context,
-                            arguments.get(0).isObject() ? &arguments[0].toObject() : nullptr);
-    arguments.rval().setBoolean(object && isLibraryFunction(js::UncheckedUnwrap(object)));
-    return true;
+DebuggerRealm::Variables variablesIn(const JS::Value& list) {
+    const Elements parts(list);
+    DebuggerRealm::Variables found;
+    for (std::size_t index = 0; index + 1 < parts.length(); index += 2)
+        found.emplace_back(parts.text(index), argumentOf(taken(parts[index + 1])));
+    return found;
 }
+
+// What the debugger tells
+
+void tellLine(const JS::CallArgs& arguments) {
+    const QString file = fromJsText(arguments[0]);
+    if (JavaScriptDebugger* const listener = DebuggerRealm::self().listener()) {
+        const JSAutoRealm inside(engineContext(), DebuggerRealm::self().watched());
+        listener->reached(file, arguments[1].toInt32());
+    }
+}
+
+void tellError(const JS::CallArgs& arguments) {
+    if (JavaScriptDebugger* const listener = DebuggerRealm::self().listener()) {
+        const JSAutoRealm inside(engineContext(), DebuggerRealm::self().watched());
+        listener->errorThrown(ValueRoot(taken(arguments.get(0))));
+    }
+}
+
+JS::Value tellIsLibraryFunction(const JS::CallArgs& arguments) {
+    const ObjectRoot object(arguments.get(0));
+    return JS::BooleanValue(object && isLibraryFunction(js::UncheckedUnwrap(object)));
+}
+
+constexpr NativeRow functions[] = {{"tellLine", native<tellLine>},
+                                   {"tellError", native<tellError>},
+                                   {"isLibraryFunction", native<tellIsLibraryFunction>}};
 
 }  // namespace
 
@@ -75,162 +101,105 @@ DebuggerRealm& DebuggerRealm::self() {
     return *s_instance;
 }
 
-DebuggerRealm::DebuggerRealm() {
-    JSContext* const context = engineContext();
-    JS::RealmOptions options;
-    options.creationOptions().setNewCompartmentAndZone();
-    JS::RootedObject global(context, checked(JS_NewGlobalObject(context, &globalClass, nullptr,
-                                                                JS::FireOnNewGlobalHook, options)));
-    m_watched.init(context);
-    m_global.init(context, global);
-    const JSAutoRealm inside(context, global);
-    checked(JS_DefineDebuggerObject(context, global) && JS_InitReflectParse(context, global) &&
-            JS_DefineFunction(context, global, "tellLine", tellLine, 2, 0) &&
-            JS_DefineFunction(context, global, "tellError", tellError, 1, 0) &&
-            JS_DefineFunction(context, global, "isLibraryFunction", tellIsLibraryFunction, 1, 0));
+DebuggerRealm::DebuggerRealm()
+    : m_global(engineContext(), newGlobal()), m_watched(engineContext()) {
+    const JSAutoRealm inside(engineContext(), m_global);
+    checked(JS_DefineDebuggerObject(engineContext(), m_global) &&
+            JS_InitReflectParse(engineContext(), m_global));
+    defineFunctions(m_global, functions);
     evaluateOwn(QString::fromUtf8(preludeSource("javascript/debugger.js")), "<tamrix debugger>");
 }
 
-template <typename... Values>
-JS::Value DebuggerRealm::call(const char* function, const Values&... values) {
+JS::Value DebuggerRealm::call(const char* function, const ValueRoots& given) {
     JSContext* const context = engineContext();
-    JS::RootedObject global(context, m_global);
-    JS::RootedValue result(context);
-    const JSAutoRealm inside(context, global);
-    JS::RootedValueVector arguments(context);
-    JS::RootedValue value(context);
-    [[maybe_unused]] const auto add = [&](const JS::Value& each) {
+    ValueRoot result;
+    ValueRoot value;
+    ValueRoots arguments;
+    const JSAutoRealm inside(context, m_global);
+    for (const JS::Value& each : given) {
         value = each;
-        checked(JS_WrapValue(context, &value) && arguments.append(value));
-    };
-    (add(debuggerValue(values)), ...);
-    checked(JS_CallFunctionName(context, global, function, arguments, &result));
-    return result;
-}
-
-template <typename... Values>
-JS::Value DebuggerRealm::callForCompletion(const char* function, const Values&... values) {
-    JSContext* const context = engineContext();
-    JS::RootedValueVector parts(context);
-    takeElements(call(function, values...), &parts);
-    const QString kind = fromJsString(parts[0].toString());
-    // What nothing catches leaves nothing pending.
-    checked(kind != QLatin1String("ended"));
-    JS::RootedValue value(context, taken(parts[1]));
-    if (kind != QLatin1String("thrown"))
-        return value;
-    JS::RootedValue stack(context, taken(parts[2]));
-    JS::RootedObject frames(context, stack.isObject() ? &stack.toObject() : nullptr);
-    const JS::ExceptionStack thrown(context, value, frames);
-    JS::SetPendingExceptionStack(context, thrown);
-    throw ScriptErrorSet();
-}
-
-template <typename... Values>
-std::vector<DebuggerRealm::Variable> DebuggerRealm::callForVariables(const char* function,
-                                                                     const Values&... values) {
-    JSContext* const context = engineContext();
-    JS::RootedValueVector parts(context);
-    takeElements(call(function, values...), &parts);
-    std::vector<Variable> found;
-    JS::RootedValue value(context);
-    for (std::size_t index = 0; index + 1 < parts.length(); index += 2) {
-        value = taken(parts[index + 1]);
-        found.push_back({fromJsString(parts[index].toString()), {context, value}});
+        checked(JS_WrapValue(context, &value));
+        arguments.add(value);
     }
-    return found;
+    checked(JS_CallFunctionName(context, m_global, function, arguments, &result));
+    return result;
 }
 
 // Watching
 
-void DebuggerRealm::watch(JS::HandleObject global, DebuggeeListener& listener) {
+void DebuggerRealm::watch(JS::HandleObject global, JavaScriptDebugger& listener) {
     m_listener = &listener;
     m_watched = global;
-    call("watch", global);
+    call("watch", ValueRoots().add(JS::ObjectValue(*global)));
 }
 
 void DebuggerRealm::unwatch() {
     m_listener = nullptr;
     m_watched = nullptr;
-    call("unwatch");
+    call("unwatch", ValueRoots());
 }
 
 void DebuggerRealm::setStepping(bool isStepping) {
-    call("setStepping", isStepping);
-}
-
-void DebuggerRealm::setSilent(bool isSilent) {
-    call("setSilent", isSilent);
+    call("setStepping", ValueRoots().add(JS::BooleanValue(isStepping)));
 }
 
 void DebuggerRealm::setBreakLines(const QString& file, const std::vector<int>& lines) {
-    call("setBreakLines", file, lines);
+    ValueRoots numbers;
+    for (const int line : lines)
+        numbers.add(JS::Int32Value(line));
+    // A list of its own: it looks at it where no code of the script may run.
+    ObjectRoot list;
+    {
+        const JSAutoRealm inside(engineContext(), m_global);
+        list = newArray(numbers);
+    }
+    call("setBreakLines", ValueRoots().add(toJsText(file)).add(JS::ObjectValue(*list)));
 }
 
-template <typename Tell>
-bool DebuggerRealm::tell(Tell tell) {
-    DebuggerRealm& own = self();
-    if (!own.m_listener)
-        return true;
-    return guarded("debugger", [&] {
-        const JSAutoRealm inside(engineContext(), own.m_watched);
-        tell(*own.m_listener);
-        return true;
-    });
-}
-
-bool DebuggerRealm::tellLine(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const QString file = fromJsString(arguments[0].toString());
-    const int line = arguments[1].toInt32();
-    arguments.rval().setUndefined();
-    return tell([&](DebuggeeListener& listener) { listener.lineReached(file, line); });
-}
-
-bool DebuggerRealm::tellError(JSContext* context, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    JS::RootedValue exception(context, arguments.get(0));
-    arguments.rval().setUndefined();
-    return tell([&](DebuggeeListener& listener) {
-        exception = taken(exception);
-        listener.errorThrown(exception);
-    });
+void DebuggerRealm::setSilent(bool isSilent) {
+    call("setSilent", ValueRoots().add(JS::BooleanValue(isSilent)));
 }
 
 // Looking
 
-std::vector<DebuggerRealm::Frame> DebuggerRealm::frames() {
-    JSContext* const context = engineContext();
-    JS::RootedValueVector parts(context);
-    takeElements(call("frames"), &parts);
-    std::vector<Frame> found;
+std::vector<ScriptFrame> DebuggerRealm::frames() {
+    const Elements parts(call("frames", ValueRoots()));
+    std::vector<ScriptFrame> found;
     for (std::size_t index = 0; index + 3 < parts.length(); index += 4) {
-        found.push_back(
-            {std::make_shared<JS::PersistentRootedObject>(context, &parts[index].toObject()),
-             fromJsString(parts[index + 1].toString()),
-             static_cast<int>(parts[index + 2].toNumber()),
-             static_cast<int>(parts[index + 3].toNumber())});
+        // As the engine names it: code of an `eval` has a name of its own.
+        const QString file = parts.text(index + 1);
+        const LineInfo place = placeOfCode(file, static_cast<int>(parts[index + 2].toNumber()));
+        const int column = static_cast<int>(parts[index + 3].toNumber());
+        if (place.isValid())
+            found.push_back({std::make_shared<JS::PersistentRootedObject>(engineContext(),
+                                                                          &parts[index].toObject()),
+                             place.fileName(), place.lineNumber(),
+                             place.fileName() == file ? column : -1, -1});
     }
     return found;
 }
 
-std::vector<DebuggerRealm::Variable> DebuggerRealm::variables(const FrameHandle& frame) {
-    return callForVariables("variables", frame);
+DebuggerRealm::Variables DebuggerRealm::variables(const FrameHandle& frame) {
+    return variablesIn(call("variables", ValueRoots().add(valueOfFrame(frame))));
 }
 
 JS::Value DebuggerRealm::evaluate(const FrameHandle& frame, const QString& code) {
-    const JS::RootedObject global(engineContext(), JS::CurrentGlobalOrNull(engineContext()));
-    return callForCompletion("evaluate", frame, global, code, QStringLiteral("<debugger>"));
+    return completed(call("evaluate", ValueRoots()
+                                          .add(valueOfFrame(frame))
+                                          .add(currentGlobal())
+                                          .add(toJsText(code))
+                                          .add(toJsText(QStringLiteral("<debugger>")))));
 }
 
 JS::Value DebuggerRealm::evaluateInCaller(const QString& code, const char* file) {
-    const JS::RootedObject global(engineContext(), JS::CurrentGlobalOrNull(engineContext()));
-    return callForCompletion("evaluateInCaller", global, code, QString::fromLatin1(file));
+    return completed(call("evaluateInCaller", ValueRoots()
+                                                  .add(currentGlobal())
+                                                  .add(toJsText(code))
+                                                  .add(toJsText(QString::fromLatin1(file)))));
 }
 
-std::vector<DebuggerRealm::Variable> DebuggerRealm::explainCaller() {
-    const JS::RootedObject global(engineContext(), JS::CurrentGlobalOrNull(engineContext()));
-    return callForVariables("explainCaller", global);
+DebuggerRealm::Variables DebuggerRealm::explainCaller() {
+    return variablesIn(call("explainCaller", ValueRoots().add(currentGlobal())));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -4,22 +4,19 @@
 
 #include <QString>
 #include <memory>
+#include <utility>
 #include <vector>
+
+#include "interpreter/bridge/scriptargument.h"
+#include "interpreter/language/languagedebugger.h"
+#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
+class JavaScriptDebugger;
+
 /// A frame of the script as the debugger's side of the engine knows it.
 using FrameHandle = std::shared_ptr<JS::PersistentRootedObject>;
-
-/// Whom the debugger's side tells. In the realm of the script.
-class DebuggeeListener {
-public:
-    virtual ~DebuggeeListener() = default;
-    /// A line of the file is about to run.
-    virtual void lineReached(const QString& file, int line) = 0;
-    /// An exception leaves the innermost frame, and no `catch` of the script will stop it.
-    virtual void errorThrown(JS::HandleValue exception) = 0;
-};
 
 /// Where the debugger's half of the engine lives: scripts can be looked at from another compartment
 /// only, by code of the language. What is given and taken are values of the script's realm, in
@@ -29,32 +26,22 @@ public:
     /// Made on first use, for the process.
     static DebuggerRealm& self();
 
-    /// Watches the realm for the listener, which is told of lines: of those in `breakLines` of each
+    /// Watches the realm for the debugger, which is told of lines: of those in `breakLines` of each
     /// file, and of all when `isStepping`.
-    void watch(JS::HandleObject global, DebuggeeListener& listener);
+    void watch(JS::HandleObject global, JavaScriptDebugger& listener);
     void unwatch();
-    bool isWatching() const { return m_listener != nullptr; }
     void setStepping(bool isStepping);
     void setBreakLines(const QString& file, const std::vector<int>& lines);
     /// Nothing is told meanwhile.
     void setSilent(bool isSilent);
 
-    struct Frame {
-        FrameHandle handle;
-        /// As the engine names it: code of an `eval` has a name of its own.
-        QString file;
-        int line = -1;
-        int column = -1;
-    };
-    /// The frames of the watched realm that run code of files, the innermost first.
-    std::vector<Frame> frames();
+    /// The frames of the watched realm that run code of files, the innermost first. Each has its
+    /// FrameHandle.
+    std::vector<ScriptFrame> frames();
 
     /// Names and values in a frame, those of inner scopes first, without names that hide others.
-    struct Variable {
-        QString name;
-        JS::PersistentRootedValue value;
-    };
-    std::vector<Variable> variables(const FrameHandle& frame);
+    using Variables = std::vector<std::pair<QString, SharedPtr<ScriptArgument>>>;
+    Variables variables(const FrameHandle& frame);
 
     /// Runs code in a frame; at the top level of the script for null.
     JS::Value evaluate(const FrameHandle& frame, const QString& code);
@@ -65,28 +52,21 @@ public:
     /// argument as a name without a value, then the values in it. These are looked up once more:
     /// names, properties, operators and some of the language's own functions; no other call is made
     /// a second time. Empty when there is nothing to tell.
-    std::vector<Variable> explainCaller();
+    Variables explainCaller();
+
+    // For the functions that its code calls.
+    /// Null while nothing is watched.
+    JavaScriptDebugger* listener() const { return m_listener; }
+    JS::HandleObject watched() const { return m_watched; }
 
 private:
     DebuggerRealm();
-    /// Calls a function of the debugger's with values of any realm, and gives one of the
-    /// debugger's.
-    template <typename... Values>
-    JS::Value call(const char* function, const Values&... values);
-    /// The same for a function that gives how code has ended.
-    template <typename... Values>
-    JS::Value callForCompletion(const char* function, const Values&... values);
-    template <typename... Values>
-    std::vector<Variable> callForVariables(const char* function, const Values&... values);
-    /// Lets `tell` tell the listener in the realm of the script.
-    template <typename Tell>
-    static bool tell(Tell tell);
-    static bool tellLine(JSContext* context, unsigned count, JS::Value* values);
-    static bool tellError(JSContext* context, unsigned count, JS::Value* values);
+    /// Calls a function of the debugger's with values of any realm.
+    JS::Value call(const char* function, const ValueRoots& given);
 
     JS::PersistentRootedObject m_global;
     JS::PersistentRootedObject m_watched;
-    DebuggeeListener* m_listener = nullptr;
+    JavaScriptDebugger* m_listener = nullptr;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -117,10 +117,6 @@ void Engine::requestStop() {
     JS_RequestInterruptCallbackCanWait(m_context);
 }
 
-bool Engine::checkRequests() {
-    return JS_CheckForInterrupt(m_context);
-}
-
 bool Engine::interrupted(JSContext*) {
     Engine& engine = self();
     if (s_isStopRequested.exchange(false) && engine.m_stop)
@@ -134,17 +130,10 @@ bool Engine::interrupted(JSContext*) {
     return false;
 }
 
-bool Engine::endNow(End reason) {
-    m_end = reason;
-    m_endedStack = nullptr;
-    return false;
-}
-
-bool Engine::exitNow(int status) {
+void Engine::exitNow(int status) {
     m_end = End::Exit;
     m_exitStatus = status;
     noteEndedStack();
-    return false;
 }
 
 void Engine::noteEndedStack() {

@@ -25,11 +25,9 @@ public:
     /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
     JSObject* endedStack() const { return m_endedStack; }
 
-    /// Ends the script at once, from a native function, which gives the result to the engine:
-    /// false.
-    bool endNow(End reason);
-    /// The same for an exit; a status other than 0 tells of a failure.
-    bool exitNow(int status);
+    /// The script ends here, in a native function that then fails without an exception. A status
+    /// other than 0 tells of a failure.
+    void exitNow(int status);
     int exitStatus() const { return m_exitStatus; }
 
     // What a signal handler may call: the engine notices it at its next loop or call.
@@ -38,9 +36,6 @@ public:
     /// Has `stop` called where the script is.
     void requestStop();
     void setStopHandler(void (*stop)()) { m_stop = stop; }
-
-    /// Looks for such requests, as after a wait. False when the script is to end.
-    bool checkRequests();
 
 private:
     Engine();

@@ -1,7 +1,7 @@
 #include "plugins/javascript/errors.h"
 
-#include <js/ErrorReport.h>
 #include <js/Exception.h>
+#include <js/Proxy.h>
 #include <js/SavedFrameAPI.h>
 #include <js/Stack.h>
 #include <jsfriendapi.h>
@@ -26,187 +26,92 @@ constexpr int mostCauses = 5;
 /// The engine's own code, of stacks.
 constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
 
-/// By ScriptFailure::Kind: the class of the namespace `tamrix`, or a class of the language.
+/// By ScriptFailure::Kind: the class of the namespace `tamrix`, or null for one of the language.
 constexpr struct {
-    const char* name;
-    bool isBuiltIn;
+    const char* own;
+    JSExnType builtIn;
 } errorClasses[] = {
-    {"Error", false},       {"VerificationError", false}, {"FatalError", false},
-    {"LookupError", false}, {"ReferenceError", true},     {"TypeError", true},
+    {"Error", JSEXN_ERR},       {"VerificationError", JSEXN_ERR}, {"FatalError", JSEXN_ERR},
+    {"LookupError", JSEXN_ERR}, {nullptr, JSEXN_REFERENCEERR},    {nullptr, JSEXN_TYPEERR},
 };
 
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
-constexpr const char* endTexts[] = {"", "Interrupted", "Out of memory", ""};
+constexpr const char* endTexts[] = {"The script was ended", "Interrupted", "Out of memory",
+                                    "The script ended with exit(%1)"};
 
-/// Makes and throws an error of a class of the namespace `tamrix`. `error` stays null when the
-/// engine throws something else instead, or when no test case runs.
-void throwOwn(const char* errorClass, const QString& text, JS::MutableHandleObject error) {
-    JSContext* const context = engineContext();
+/// An error of a class of the namespace `tamrix`; null when no test case runs.
+JSObject* makeOwn(const char* errorClass, const QString& text) {
     ScriptRealm* const realm = ScriptRealm::current();
-    if (!realm) {
-        raiseBuiltIn("Error", text);
-        return;
-    }
-    try {
-        JS::RootedValue type(context, realm->errorClass(errorClass));
-        JS::RootedValueArray<1> arguments(context);
-        arguments[0].set(toJsText(text));
-        JS::RootedObject made(context);
-        checked(JS::Construct(context, type, arguments, &made));
-        JS::RootedValue value(context, JS::ObjectValue(*made));
-        JS_SetPendingException(context, value);
-        error.set(made);
-    } catch (const ScriptErrorSet&) {
-        // What the engine has thrown instead is pending.
-    }
+    ObjectRoot made;
+    if (realm)
+        checked(JS::Construct(engineContext(), ValueRoot(realm->errorClass(errorClass)),
+                              ValueRoots().add(toJsText(text)), &made));
+    return made;
+}
+
+[[noreturn]] void throwObject(JS::HandleObject error) {
+    JS_SetPendingException(engineContext(), ValueRoot(JS::ObjectValue(*error)));
+    throw ScriptErrorSet();
 }
 
 bool isInstance(JS::HandleValue value, const char* errorClass) {
-    JSContext* const context = engineContext();
     ScriptRealm* const realm = ScriptRealm::current();
     if (!value.isObject() || !realm)
         return false;
-    JS::RootedValue type(context, realm->errorClass(errorClass));
+    const ObjectRoot type(realm->errorClass(errorClass));
     bool holds = false;
-    if (!type.isObject())
-        return false;
-    JS::RootedObject typeObject(context, &type.toObject());
-    if (!JS_HasInstance(context, typeObject, value, &holds))
+    if (type && !JS_HasInstance(engineContext(), type, value, &holds))
         clearException();
     return holds;
 }
 
-/// The stack that an error has, or the one with which it was thrown.
-JSObject* stackOf(JS::HandleValue exception, JS::HandleObject thrownStack) {
-    if (exception.isObject()) {
-        JS::RootedObject error(engineContext(), &exception.toObject());
-        if (JSObject* const own = JS::ExceptionStackOrNull(error))
-            return own;
-    }
-    return thrownStack;
+// Places
+
+const JSErrorReport* reportOf(const JS::Value& exception) {
+    const ObjectRoot error(exception);
+    return error ? JS_ErrorFromException(engineContext(), error) : nullptr;
 }
 
 /// Where the compiler has found an error, in no running code.
 LineInfo syntaxErrorPlace(JS::HandleValue exception) {
-    if (!exception.isObject())
-        return {};
-    JS::RootedObject error(engineContext(), &exception.toObject());
-    const JSErrorReport* const report = JS_ErrorFromException(engineContext(), error);
+    const JSErrorReport* const report = reportOf(exception);
     if (!report || report->exnType != JSEXN_SYNTAXERR || !report->filename)
         return {};
     return placeOfCode(QString::fromUtf8(report->filename), static_cast<int>(report->lineno));
 }
 
-int outermostLineOf(JS::HandleValue exception, JS::HandleObject stack) {
+struct StackLines {
+    /// Of scripts, the innermost first.
+    std::vector<LineInfo> lines;
+    /// That of the outermost code, also of code in no file; 0 without.
+    int outermost = 0;
+};
+
+StackLines linesOfStack(JS::HandleObject stack) {
     JSContext* const context = engineContext();
-    int line = 0;
-    JS::RootedObject frame(context, stack);
+    StackLines found;
+    ObjectRoot frame(stack);
     while (frame) {
-        std::uint32_t found = 0;
-        if (JS::GetSavedFrameLine(context, nullptr, frame, &found, excluded) ==
-            JS::SavedFrameResult::Ok)
-            line = static_cast<int>(found);
-        JS::RootedObject parent(context);
-        if (JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded) !=
-            JS::SavedFrameResult::Ok)
+        Root<JSString*> file;
+        std::uint32_t line = 0;
+        if (JS::GetSavedFrameSource(context, nullptr, frame, &file, excluded) !=
+                JS::SavedFrameResult::Ok ||
+            JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded) !=
+                JS::SavedFrameResult::Ok)
             break;
+        found.outermost = static_cast<int>(line);
+        const LineInfo place = placeOfCode(fromJsString(file), found.outermost);
+        if (place.isValid() && found.lines.size() < mostLines)
+            found.lines.push_back(place);
+        // A function that has waited goes on behind that which began it.
+        ObjectRoot parent;
+        JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded);
+        if (!parent)
+            JS::GetSavedFrameAsyncParent(context, nullptr, frame, &parent, excluded);
         frame = parent;
     }
-    if (line == 0 && exception.isObject()) {
-        JS::RootedObject error(context, &exception.toObject());
-        if (const JSErrorReport* const report = JS_ErrorFromException(context, error))
-            line = static_cast<int>(report->lineno);
-    }
-    return line;
+    return found;
 }
-
-}  // namespace
-
-void raise(const ScriptFailure& failure) {
-    const auto& row = ScriptFailure::of(failure.kind, errorClasses);
-    if (row.isBuiltIn) {
-        raiseBuiltIn(row.name, failure.text);
-        return;
-    }
-    JS::RootedObject error(engineContext());
-    throwOwn(row.name, failure.text, &error);
-    auto* const interpreter = JavaScriptInterpreter::active();
-    if (error && interpreter)
-        interpreter->noticeFailure(failure, error);
-}
-
-void throwFailure(const ScriptFailure& failure) {
-    raise(failure);
-    throw ScriptErrorSet();
-}
-
-void throwPendingStep(const QString& text) {
-    JS::RootedObject error(engineContext());
-    throwOwn("PendingStepError", text, &error);
-    throw ScriptErrorSet();
-}
-
-void throwBuiltIn(const char* type, const QString& text) {
-    raiseBuiltIn(type, text);
-    throw ScriptErrorSet();
-}
-
-QString nameOfCallee(const JS::CallArgs& arguments) {
-    JSString* const name = JS_GetFunctionId(JS_GetObjectFunction(&arguments.callee()));
-    return name ? fromJsString(name) : QString();
-}
-
-void raiseBuiltIn(const char* type, const QString& text) {
-    constexpr struct {
-        const char* name;
-        JSExnType kind;
-    } kinds[] = {{"Error", JSEXN_ERR},
-                 {"RangeError", JSEXN_RANGEERR},
-                 {"ReferenceError", JSEXN_REFERENCEERR},
-                 {"TypeError", JSEXN_TYPEERR}};
-    const auto* const row = std::find_if(std::begin(kinds), std::end(kinds), [&](const auto& each) {
-        return qstrcmp(type, each.name) == 0;
-    });
-    JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(row->kind)};
-    JS_ReportErrorNumberUTF8(
-        engineContext(),
-        [](void* reference, unsigned) -> const JSErrorFormatString* {
-            return static_cast<JSErrorFormatString*>(reference);
-        },
-        &format, 1, text.toUtf8().constData());
-}
-
-bool isEndOfScript() {
-    JSContext* const context = engineContext();
-    JS::ExceptionStack pending(context);
-    if (!JS_IsExceptionPending(context) || !JS::StealPendingExceptionStack(context, &pending))
-        return true;
-    JS::RootedValue exception(context, pending.exception());
-    const bool isEnd = isInstance(exception, "FatalError");
-    JS::SetPendingExceptionStack(context, pending);
-    return isEnd;
-}
-
-QString exceptionText(JS::HandleValue exception) {
-    JSContext* const context = engineContext();
-    JS::RootedValue value(context, exception);
-    QString text;
-    for (int count = 0; count <= mostCauses; ++count) {
-        if (count > 0)
-            text += "\ncaused by ";
-        text += textOf(value);
-        if (!value.isObject())
-            break;
-        JS::RootedObject error(context, &value.toObject());
-        const mozilla::Maybe<JS::Value> cause = JS::GetExceptionCause(error);
-        if (cause.isNothing())
-            break;
-        value = *cause;
-    }
-    return text;
-}
-
-namespace {
 
 /// Takes the lines of the code that still runs from the end of a stack.
 void cutRunningLines(std::vector<LineInfo>* stack) {
@@ -217,61 +122,145 @@ void cutRunningLines(std::vector<LineInfo>* stack) {
         stack->resize(stack->size() - running.size());
 }
 
-}  // namespace
+/// Takes the lines of classes of errors that have no constructor of their own from the beginning:
+/// these are run when an error is made, and stand where the class begins.
+void cutOwnClasses(JS::HandleValue exception, std::vector<LineInfo>* stack) {
+    std::vector<LineInfo> classes;
+    const IdRoot key(toKey(QStringLiteral("constructor")));
+    ObjectRoot holder(exception);
+    for (; holder && !js::IsProxy(holder); holder = prototypeOf(holder))
+        classes.push_back(placeOfFunction(dataPropertyOf(holder, key)));
+    // The constructor of the outermost class has run the others.
+    std::for_each(classes.rbegin(), classes.rend(), [stack](const LineInfo& place) {
+        if (place.isValid() && stack->size() > 1 && !(stack->front() != place))
+            stack->erase(stack->begin());
+    });
+}
 
-namespace {
+// What has ended the script
 
-/// What has ended the script without an exception.
-ScriptError takeEndError() {
+ScriptError errorOfEnd() {
     ScriptError error;
-    JS::RootedObject stack(engineContext(), Engine::self().endedStack());
+    const ObjectRoot stack(Engine::self().endedStack());
     const Engine::End end = Engine::self().takeEnd();
     error.message = endTexts[static_cast<int>(end)];
-    const int status = Engine::self().exitStatus();
-    error.isExit = end == Engine::End::Exit && status == 0;
-    if (end == Engine::End::Exit && status != 0)
-        error.message = QStringLiteral("The script ended with exit(%1)").arg(status);
-    if (error.message.isEmpty())
-        error.message = QStringLiteral("The script was ended");
-    error.callStack = linesOfStack(stack);
-    cutRunningLines(&error.callStack);
-    error.outermostLine = outermostLineOf(JS::UndefinedHandleValue, stack);
+    if (end == Engine::End::Exit) {
+        error.isExit = Engine::self().exitStatus() == 0;
+        error.message = error.message.arg(Engine::self().exitStatus());
+    }
+    StackLines found = linesOfStack(stack);
+    cutRunningLines(&found.lines);
+    error.callStack = std::move(found.lines);
+    error.outermostLine = found.outermost;
     return error;
 }
 
 ScriptError errorOf(const JS::ExceptionStack& thrown) {
-    JSContext* const context = engineContext();
-    JS::RootedValue exception(context, thrown.exception());
-    JS::RootedObject stack(context, stackOf(exception, thrown.stack()));
+    const JS::HandleValue exception = thrown.exception();
+    const ObjectRoot object(exception);
+    const ObjectRoot own(object ? JS::ExceptionStackOrNull(object) : nullptr);
     ScriptError error;
+    StackLines found;
     try {
         error.message = exceptionText(exception);
-        error.callStack = linesOfStack(stack);
-        cutRunningLines(&error.callStack);
+        // The stack that an error has, or the one with which it was thrown.
+        found = linesOfStack(own ? JS::HandleObject(own) : thrown.stack());
+        cutRunningLines(&found.lines);
+        if (own)
+            cutOwnClasses(exception, &found.lines);
     } catch (const ScriptErrorSet&) {
         // An error that can't be told.
         clearException();
     }
-    if (error.message.isEmpty() && exception.isObject())
+    error.callStack = std::move(found.lines);
+    if (error.message.isEmpty() && object)
         error.message = QStringLiteral("An error that can't be written");
     const LineInfo place = syntaxErrorPlace(exception);
     if (place.isValid() && (error.callStack.empty() || error.callStack.front() != place))
         error.callStack.insert(error.callStack.begin(), place);
-    error.outermostLine = outermostLineOf(exception, stack);
+    const JSErrorReport* const report = reportOf(exception);
+    error.outermostLine =
+        found.outermost == 0 && report ? static_cast<int>(report->lineno) : found.outermost;
     error.isPendingStep = isInstance(exception, "PendingStepError");
     if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->completeError(exception, &error);
+        interpreter->failures().complete(object.get(), &error);
     return error;
 }
 
 }  // namespace
 
+// Throwing
+
+void throwFailure(const ScriptFailure& failure) {
+    const auto& row = ScriptFailure::of(failure.kind, errorClasses);
+    const ObjectRoot error(row.own ? makeOwn(row.own, failure.text) : nullptr);
+    if (!error)
+        throwBuiltIn(row.builtIn, failure.text);
+    if (auto* const interpreter = JavaScriptInterpreter::active())
+        interpreter->noticeFailure(failure, error);
+    throwObject(error);
+}
+
+void raise(const ScriptFailure& failure) {
+    try {
+        throwFailure(failure);
+    } catch (const ScriptErrorSet&) {
+        // It is pending, or what the engine has thrown instead.
+    }
+}
+
+void throwPendingStep(const QString& text) {
+    throwObject(ObjectRoot(makeOwn("PendingStepError", text)));
+}
+
+void throwBuiltIn(JSExnType type, const QString& text) {
+    JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(type)};
+    JS_ReportErrorNumberUTF8(
+        engineContext(),
+        [](void* reference, unsigned) -> const JSErrorFormatString* {
+            return static_cast<JSErrorFormatString*>(reference);
+        },
+        &format, 1, text.toUtf8().constData());
+    throw ScriptErrorSet();
+}
+
+QString nameOfCallee(const JS::CallArgs& arguments) {
+    JSString* const name = JS_GetFunctionId(JS_GetObjectFunction(&arguments.callee()));
+    return name ? fromJsString(name) : QString();
+}
+
+// What is pending
+
+bool isEndOfScript() {
+    ValueRoot exception;
+    if (!JS_GetPendingException(engineContext(), &exception))
+        return true;
+    const JS::AutoSaveExceptionState kept(engineContext());
+    return isInstance(exception, "FatalError");
+}
+
+QString exceptionText(JS::HandleValue exception) {
+    ValueRoot value(exception);
+    QString text;
+    for (int count = 0; count <= mostCauses; ++count) {
+        if (count > 0)
+            text += "\ncaused by ";
+        text += textOf(value);
+        const ObjectRoot error(value);
+        const mozilla::Maybe<JS::Value> cause =
+            error ? JS::GetExceptionCause(error) : mozilla::Nothing();
+        if (cause.isNothing())
+            break;
+        value = *cause;
+    }
+    return text;
+}
+
 ScriptError takeScriptError() {
-    JSContext* const context = engineContext();
-    if (!JS_IsExceptionPending(context))
-        return takeEndError();
-    JS::ExceptionStack thrown(context);
-    if (JS::StealPendingExceptionStack(context, &thrown))
+    if (!JS_IsExceptionPending(engineContext()))
+        return errorOfEnd();
+    JS::ExceptionStack thrown(engineContext());
+    if (JS::StealPendingExceptionStack(engineContext(), &thrown))
         return errorOf(thrown);
     clearException();
     ScriptError error;
@@ -280,51 +269,23 @@ ScriptError takeScriptError() {
 }
 
 std::optional<ScriptError> pendingScriptError() {
-    JSContext* const context = engineContext();
-    JS::ExceptionStack thrown(context);
-    if (!JS_IsExceptionPending(context) || !JS::StealPendingExceptionStack(context, &thrown))
+    JS::ExceptionStack thrown(engineContext());
+    if (!JS_IsExceptionPending(engineContext()) ||
+        !JS::GetPendingExceptionStack(engineContext(), &thrown))
         return std::nullopt;
-    ScriptError error = errorOf(thrown);
-    JS::SetPendingExceptionStack(context, thrown);
-    return error;
+    const JS::AutoSaveExceptionState kept(engineContext());
+    return errorOf(thrown);
 }
 
-QString takeErrorText() {
-    return takeScriptError().message;
-}
-
-std::vector<LineInfo> linesOfStack(JS::HandleObject stack) {
-    JSContext* const context = engineContext();
-    std::vector<LineInfo> lines;
-    JS::RootedObject frame(context, stack);
-    while (frame && lines.size() < mostLines) {
-        JS::RootedString source(context);
-        std::uint32_t line = 0;
-        if (JS::GetSavedFrameSource(context, nullptr, frame, &source, excluded) !=
-                JS::SavedFrameResult::Ok ||
-            JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded) !=
-                JS::SavedFrameResult::Ok)
-            break;
-        const LineInfo place = placeOfCode(fromJsString(source), static_cast<int>(line));
-        if (place.isValid())
-            lines.push_back(place);
-        // A function that has waited goes on behind that which began it.
-        JS::RootedObject parent(context);
-        JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded);
-        if (!parent)
-            JS::GetSavedFrameAsyncParent(context, nullptr, frame, &parent, excluded);
-        frame = parent;
-    }
-    return lines;
-}
+// Places
 
 std::vector<LineInfo> runningLines() {
-    JS::RootedObject stack(engineContext());
+    ObjectRoot stack;
     if (!JS::CaptureCurrentStack(engineContext(), &stack)) {
         clearException();
         return {};
     }
-    return linesOfStack(stack);
+    return linesOfStack(stack).lines;
 }
 
 LineInfo placeOfCode(const QString& file, int line) {
@@ -338,6 +299,18 @@ LineInfo placeOfCode(const QString& file, int line) {
             return placeOfCode(evaluated.captured(1), evaluated.captured(2).toInt());
     }
     return LineInfo(file, line);
+}
+
+LineInfo placeOfFunction(const JS::Value& function) {
+    const Root<JSFunction*> object(function.isObject() ? JS_GetObjectFunction(&function.toObject())
+                                                       : nullptr);
+    JSScript* const script = object ? JS_GetFunctionScript(engineContext(), object) : nullptr;
+    if (!script) {
+        clearException();
+        return {};
+    }
+    return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
+                       static_cast<int>(JS_GetScriptBaseLineNumber(engineContext(), script)));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <js/ErrorReport.h>
 #include <jsapi.h>
 
 #include <QString>
@@ -10,23 +11,21 @@
 #include <vector>
 
 #include "interpreter/language/languageinterpreter.h"
-#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 #include "platform/testresult/lineinfo.h"
-#include "plugins/javascript/engine.h"
+#include "plugins/javascript/roots.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
-// What is thrown into the script. The first of each pair lets it be pending and returns, the other
-// throws ScriptErrorSet.
+// What is thrown into the script.
 
-/// The language's exception for a failure of the library.
+/// The language's exception for a failure of the library. The first lets it be pending and returns,
+/// the other throws ScriptErrorSet.
 void raise(const ScriptFailure& failure);
 [[noreturn]] void throwFailure(const ScriptFailure& failure);
 
-/// A built-in error: `type` is the name of its class.
-void raiseBuiltIn(const char* type, const QString& text);
-[[noreturn]] void throwBuiltIn(const char* type, const QString& text);
+/// An error of a class of the language.
+[[noreturn]] void throwBuiltIn(JSExnType type, const QString& text);
 
 /// The running step is still to be written.
 [[noreturn]] void throwPendingStep(const QString& text);
@@ -60,19 +59,22 @@ bool guarded(const Name& name, Work work) {
     return false;
 }
 
-/// A function that gives its value to the script, and throws what it refuses.
-using NativeBody = JS::Value (*)(const JS::CallArgs& arguments);
-
 /// The name of the function that is called.
 QString nameOfCallee(const JS::CallArgs& arguments);
 
-/// Such a function as the engine calls it.
-template <NativeBody body>
+/// A function as the engine calls it. `body` takes the JS::CallArgs, gives its value to the script,
+/// or none, and throws what it refuses.
+template <auto body>
 bool native(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const auto name = [&] { return nameOfCallee(arguments); };
     return guarded(name, [&] {
-        arguments.rval().set(body(arguments));
+        if constexpr (std::is_void_v<decltype(body(arguments))>) {
+            body(arguments);
+            arguments.rval().setUndefined();
+        } else {
+            arguments.rval().set(body(arguments));
+        }
         return true;
     });
 }
@@ -86,10 +88,8 @@ struct NativeRow {
 template <std::size_t size>
 void defineFunctions(JS::HandleObject object, const NativeRow (&rows)[size],
                      unsigned attributes = 0) {
-    for (const NativeRow& row : rows) {
-        if (!JS_DefineFunction(engineContext(), object, row.name, row.function, 1, attributes))
-            throw ScriptErrorSet();
-    }
+    for (const NativeRow& row : rows)
+        checked(JS_DefineFunction(engineContext(), object, row.name, row.function, 1, attributes));
 }
 
 /// Whether what is pending ends the script, so that no function of the library may report it as an
@@ -102,20 +102,16 @@ ScriptError takeScriptError();
 /// The same of an exception, which stays pending; nothing when none is.
 std::optional<ScriptError> pendingScriptError();
 
-/// Its text alone.
-QString takeErrorText();
-
 /// The text that a person is told of an exception, with what led to it.
 QString exceptionText(JS::HandleValue exception);
 
-/// The script lines of a stack, the innermost first. `stack` may be null.
-std::vector<LineInfo> linesOfStack(JS::HandleObject stack);
-
-/// Those of the code that runs now.
+/// The script lines of the code that runs now, the innermost first.
 std::vector<LineInfo> runningLines();
 
 /// The place that a stack's or a running script's file name and line stand for: code of an `eval`
 /// stands where it was called. Invalid for code that is in no file.
 LineInfo placeOfCode(const QString& file, int line);
+/// Where a function or class of the script is defined; invalid for other values.
+LineInfo placeOfFunction(const JS::Value& function);
 
 }  // namespace Tamrix::JavaScriptPlugin

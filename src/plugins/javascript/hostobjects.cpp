@@ -50,22 +50,18 @@ constexpr JSClass hostClass = {
 
 /// The key under which an array of rows has its data set.
 jsid dataSetKey() {
-    JSContext* const context = engineContext();
-    JS::RootedString name(context, checked(JS_AtomizeString(context, "tamrix.dataSet")));
-    return JS::PropertyKey::Symbol(checked(JS::GetSymbolFor(context, name)));
+    const Root<JSString*> name(checked(JS_AtomizeString(engineContext(), "tamrix.dataSet")));
+    return JS::PropertyKey::Symbol(checked(JS::GetSymbolFor(engineContext(), name)));
 }
 
 JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
-    JSContext* const context = engineContext();
-    JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
-    JS::RootedObject row(context,
-                         makeHostObject(SharedPtr<HeldRecord>(new HeldRecord(set, record)), root));
+    const ObjectRoot row(makeHostObject(SharedPtr<HeldRecord>(new HeldRecord(set, record)),
+                                        ObjectRoot(rootPrototype())));
     const TestDataRecord* const header = set->header();
-    JS::RootedValue value(context);
     for (int column = 0; column < record->count(); ++column) {
-        value = toJsText(record->valueAsString(column));
+        const ValueRoot value(toJsText(record->valueAsString(column)));
         // The columns are there as well, and are not shown.
-        checked(JS_DefineElement(context, row, static_cast<std::uint32_t>(column), value, 0));
+        defineProperty(row, QString::number(column), value, 0);
         const QString name = header ? header->valueAsString(column) : QString();
         if (!name.isEmpty())
             defineProperty(row, name, value);
@@ -76,9 +72,8 @@ JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* rec
 }  // namespace
 
 JSObject* makeHostObject(Held held, JS::HandleObject prototype) {
-    JSContext* const context = engineContext();
-    JS::RootedObject object(context,
-                            checked(JS_NewObjectWithGivenProto(context, &hostClass, prototype)));
+    const ObjectRoot object(
+        checked(JS_NewObjectWithGivenProto(engineContext(), &hostClass, prototype)));
     const std::size_t memory = memoryOf(held);
     JS::SetReservedSlot(object, heldSlot, JS::PrivateValue(new Holding{std::move(held), memory}));
     if (memory > 0)
@@ -94,27 +89,20 @@ const Held* heldIn(JSObject* object) {
 }
 
 JS::Value dataSetValue(const SharedPtr<TestDataSet>& set) {
-    JSContext* const context = engineContext();
-    JS::RootedValueVector rows(context);
+    ValueRoots rows;
     for (int index = 0; index < set->count(); ++index)
-        checked(rows.append(JS::ObjectValue(*rowObject(set, set->record(index)))));
-    JS::RootedObject array(context, checked(JS::NewArrayObject(context, rows)));
-    JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
-    JS::RootedValue held(context, JS::ObjectValue(*makeHostObject(set, root)));
-    JS::RootedId key(context, dataSetKey());
-    checked(JS_DefinePropertyById(context, array, key, held, 0));
+        rows.add(JS::ObjectValue(*rowObject(set, set->record(index))));
+    const ObjectRoot array(newArray(rows));
+    const ObjectRoot held(makeHostObject(set, ObjectRoot(rootPrototype())));
+    checked(JS_DefinePropertyById(engineContext(), array, IdRoot(dataSetKey()), held, 0));
     return JS::ObjectValue(*array);
 }
 
 SharedPtr<TestDataSet> dataSetOf(JS::HandleObject array) {
-    JSContext* const context = engineContext();
     bool isArray = false;
-    checked(JS::IsArrayObject(context, array, &isArray));
-    if (!isArray)
-        return {};
-    JS::RootedId key(context, dataSetKey());
-    JS::RootedValue held(context, dataPropertyOf(array, key));
-    return held.isObject() ? heldBy<TestDataSet>(&held.toObject()) : SharedPtr<TestDataSet>();
+    checked(JS::IsArrayObject(engineContext(), array, &isArray));
+    const ObjectRoot held(isArray ? dataPropertyOf(array, dataSetKey()) : JS::UndefinedValue());
+    return held ? heldBy<TestDataSet>(held) : SharedPtr<TestDataSet>();
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

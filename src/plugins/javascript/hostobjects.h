@@ -9,6 +9,7 @@
 #include "interpreter/language/heldrecord.h"
 #include "interpreter/objects/members.h"
 #include "platform/objectmodel/applicationcontext.h"
+#include "platform/objectmodel/object.h"
 #include "shared/testdata/testdataset.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -16,8 +17,9 @@ namespace Tamrix::JavaScriptPlugin {
 // Objects of the script that hold something of ours. They end it when they are collected, on the
 // script thread.
 
-using Held = std::variant<SharedPtr<NativeScriptObject>, SharedPtr<ApplicationContext>,
-                          SharedPtr<TestDataSet>, SharedPtr<HeldRecord>, SharedPtr<BoundMethod>>;
+using Held =
+    std::variant<SharedPtr<Object>, SharedPtr<NativeScriptObject>, SharedPtr<ApplicationContext>,
+                 SharedPtr<TestDataSet>, SharedPtr<HeldRecord>, SharedPtr<BoundMethod>>;
 
 /// A new object that holds `held` and inherits from `prototype`. Throws ScriptErrorSet.
 JSObject* makeHostObject(Held held, JS::HandleObject prototype);

@@ -6,9 +6,10 @@
 #include <type_traits>
 
 #include "interpreter/language/languageargument.h"
-#include "plugins/javascript/engine.h"
 #include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/objectproxy.h"
+#include "plugins/javascript/values.h"
+#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -21,15 +22,15 @@ public:
     /// Makes the wrapper stand for another value, or for none while it is not used.
     void rebind(const JS::Value& value = JS::UndefinedValue()) { m_value = value; }
 
-    JS::HandleValue value() const { return JS::HandleValue::fromMarkedLocation(m_value.address()); }
+    JS::HandleValue value() const { return m_value; }
 
-    QString typeName() const override;
+    QString typeName() const override { return typeNameOf(value()); }
     bool isBool() const override { return m_value.get().isBoolean(); }
     bool isNumber() const override { return m_value.get().isNumeric(); }
     /// A number without a fraction, or a BigInt.
     bool isInteger() const override;
     bool isString() const override { return m_value.get().isString(); }
-    bool isCallable() const override;
+    bool isCallable() const override { return isFunction(m_value); }
     /// An array.
     bool isList() const override;
     /// A plain object, or a Map.
@@ -42,7 +43,7 @@ public:
     long long toInt() const override {
         return m_value.get().isInt32() ? m_value.get().toInt32() : converted();
     }
-    QString toString() const override;
+    QString toString() const override { return textOf(value()); }
     List toList() const override;
     Map toMap() const override;
     QString callableIdentifier() const override;
@@ -55,13 +56,13 @@ public:
         if constexpr (std::is_same_v<T, Object>)
             return applicationObjectOf(object());
         else if constexpr (std::is_same_v<T, TestDataSet>)
-            return dataSetOf(JS::RootedObject(engineContext(), object()));
+            return dataSetOf(ObjectRoot(object()));
         else
             return heldBy<T>(object());
     }
     std::optional<QByteArray> bytes() const;
     /// Of a Date.
-    QDateTime time() const;
+    QDateTime time() const { return fromJsDate(m_value); }
     /// Waits for the promise that an asynchronous function gives.
     SharedPtr<ScriptArgument> called(const List& arguments) const;
     static LanguageInterpreter* active();
@@ -85,5 +86,23 @@ inline JS::HandleValue valueOf(const SharedPtr<ScriptArgument>& argument) {
 inline SharedPtr<ScriptArgument> argumentOf(const JS::Value& value) {
     return new JavaScriptArgument(value);
 }
+
+/// An object of names and script values.
+template <typename Pairs>
+JS::Value objectOf(const Pairs& pairs) {
+    const ObjectRoot object(newObject());
+    for (const auto& [name, value] : pairs)
+        defineProperty(object, name, valueOf(value));
+    return JS::ObjectValue(*object);
+}
+
+/// Those of script values.
+class ArgumentValues : public ValueRoots {
+public:
+    explicit ArgumentValues(const ScriptArgument::List& arguments) {
+        for (const SharedPtr<ScriptArgument>& argument : arguments)
+            add(valueOf(argument));
+    }
+};
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,45 +1,114 @@
 #include "plugins/javascript/javascriptcontext.h"
 
-#include <js/Array.h>
+#include <js/Equality.h>
+#include <js/friend/StackLimits.h>
 
-#include "interpreter/bridge/debugger.h"
+#include "interpreter/language/valueequality.h"
+#include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/debuggerrealm.h"
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/javascriptvariables.h"
+
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/scriptrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
+namespace {
+
+/// Whether two values are equal to a tester: the same, or lists and objects of equal members. One
+/// that holds itself is equal to one of the same shape. Values that are too deep throw
+/// ScriptErrorSet with a RangeError. Remembers which objects it is comparing already.
+class Comparison {
+public:
+    bool areEqual(JS::HandleValue left, JS::HandleValue right) {
+        // The same; numbers of either kind by their value; what is not there in either way.
+        if (left.isNullOrUndefined() && right.isNullOrUndefined())
+            return true;
+        const bool areNumbers = left.isNumeric() && right.isNumeric();
+        bool equal = false;
+        checked(areNumbers ? JS::LooselyEqual(m_context, left, right, &equal)
+                           : JS::StrictlyEqual(m_context, left, right, &equal));
+        return equal || (left.isObject() && right.isObject() &&
+                         areEqualObjects(ObjectRoot(left), ObjectRoot(right)));
+    }
+
+private:
+    bool areEqualObjects(JS::HandleObject left, JS::HandleObject right) {
+        const SharedPtr<Object> one = applicationObjectOf(left);
+        const SharedPtr<Object> other = applicationObjectOf(right);
+        if (one && other)
+            return isSameObject(one, other);
+        js::AutoCheckRecursionLimit recursion(m_context);
+        checked(recursion.check(m_context));
+        for (std::size_t index = 0; index < m_compared.length(); index += 2) {
+            if (m_compared[index] == left.get() && m_compared[index + 1] == right.get())
+                return true;
+        }
+        const js::ESClass kind = builtinClass(left);
+        if (kind != builtinClass(right))
+            return false;
+        checked(m_compared.append(left) && m_compared.append(right));
+        const bool equal = haveEqualMembers(kind, left, right);
+        m_compared.shrinkBy(2);
+        return equal;
+    }
+
+    bool haveEqualMembers(js::ESClass kind, JS::HandleObject left, JS::HandleObject right) {
+        switch (kind) {
+            case js::ESClass::Array:
+            case js::ESClass::Map:
+            case js::ESClass::Set:
+                return areEqualLists(left, right);
+            case js::ESClass::Date:
+                return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
+            case js::ESClass::Object:
+                return isPlainObject(left) && isPlainObject(right) && areEqualPlain(left, right);
+            default:
+                return isBytes(left) && isBytes(right) && fromJsBytes(left) == fromJsBytes(right);
+        }
+    }
+
+    bool areEqualLists(JS::HandleObject left, JS::HandleObject right) {
+        ValueRoots first;
+        ValueRoots second;
+        elementsOf(left, &first);
+        elementsOf(right, &second);
+        bool equal = first.length() == second.length();
+        for (std::size_t index = 0; equal && index < first.length(); ++index)
+            equal = areEqual(first[index], second[index]);
+        return equal;
+    }
+
+    bool areEqualPlain(JS::HandleObject left, JS::HandleObject right) {
+        const AreEqual areEqualValues = [this](const auto& one, const auto& other) {
+            return areEqual(valueOf(one), valueOf(other));
+        };
+        return areEqualMaps(JavaScriptArgument(JS::ObjectValue(*left)),
+                            JavaScriptArgument(JS::ObjectValue(*right)), areEqualValues);
+    }
+
+    JSContext* m_context = engineContext();
+    JS::RootedObjectVector m_compared{m_context};
+};
+
+}  // namespace
+
 // Values
 
-JS::Value JavaScriptContext::makeValue(const ScriptArgument::List& values) {
-    JS::RootedValueVector elements(engineContext());
-    for (const SharedPtr<ScriptArgument>& value : values)
-        checked(elements.append(valueOf(value)));
-    return JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements)));
-}
-
-JS::Value JavaScriptContext::makeValue(const ScriptArgument::Map& values) {
-    JS::RootedObject object(engineContext(), checked(JS_NewPlainObject(engineContext())));
-    for (const auto& [name, value] : values)
-        defineProperty(object, name, valueOf(value));
-    return JS::ObjectValue(*object);
-}
-
 JS::Value JavaScriptContext::makeValue(const SharedPtr<NativeScriptObject>& object) {
-    return m_interpreter.nativeValue(object);
+    if (!object)
+        return JS::NullValue();
+    const ObjectRoot prototype(m_interpreter.realm().nativePrototype(object->typeId()));
+    return JS::ObjectValue(*makeHostObject(object, prototype));
 }
 
 JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& application) {
     // One object for each application, so that `===` tells whether two are the same.
-    JS::PersistentRootedObject& known = m_interpreter.realm().contextObject(application->id);
+    ScriptRealm& realm = m_interpreter.realm();
+    const QString id = QString::number(application->id);
+    ObjectRoot known(propertyOf(realm.applicationContexts(), toKey(id)));
     if (!known) {
-        JS::RootedObject prototype(engineContext(),
-                                   m_interpreter.realm().applicationContextPrototype());
-        known = makeHostObject(application, prototype);
+        known = makeHostObject(application, realm.applicationContextPrototype());
+        defineProperty(realm.applicationContexts(), id, JS::ObjectValue(*known));
     }
     return JS::ObjectValue(*known);
 }
@@ -47,40 +116,44 @@ JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& appl
 // Registration
 
 JSObject* JavaScriptContext::holderOf(const QString& owner) {
-    ScriptRealm& realm = m_interpreter.realm();
-    return owner.isEmpty() ? realm.global() : realm.nameSpace(owner);
+    const JS::HandleObject global = m_interpreter.realm().global();
+    if (owner.isEmpty())
+        return global;
+    ObjectRoot found(propertyOf(global, toKey(owner)));
+    if (!found) {
+        found = newObject();
+        defineProperty(global, owner, JS::ObjectValue(*found), 0);
+    }
+    return found;
 }
 
 void JavaScriptContext::define(const NativeFunction& function) {
     const QString& owner = function.signature().owner;
-    JS::RootedObject holder(engineContext(), holderOf(owner));
+    const ObjectRoot holder(holderOf(owner));
     defineProperty(holder, function.signature().name, JS::ObjectValue(*makeFunction(function)),
                    owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
 }
 
 void JavaScriptContext::defineMember(const NativeFunction& function) {
-    if (function.signature().owner != QLatin1String("ApplicationContext")) {
+    if (function.signature().owner != QLatin1String("ApplicationContext"))
         LanguageContext::defineMember(function);
-        return;
-    }
-    JS::RootedObject prototype(engineContext(),
-                               m_interpreter.realm().applicationContextPrototype());
-    defineProperty(prototype, function.signature().name,
-                   JS::ObjectValue(*makeMemberFunction(function)), 0);
+    else
+        defineProperty(m_interpreter.realm().applicationContextPrototype(),
+                       function.signature().name, JS::ObjectValue(*makeMemberFunction(function)),
+                       0);
 }
 
 void JavaScriptContext::defineConstant(const QString& owner, const QString& name, int value) {
-    JS::RootedObject holder(engineContext(), holderOf(owner));
-    defineProperty(holder, name, JS::Int32Value(value), 0);
+    defineProperty(ObjectRoot(holderOf(owner)), name, JS::Int32Value(value), 0);
 }
 
 // Positions
 
 bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
-    JSContext* const context = engineContext();
     JS::AutoFilename file;
     unsigned line = 0;
-    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(context, &file, &line) && file.get()) {
+    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(engineContext(), &file, &line) &&
+        file.get()) {
         const LineInfo place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
         if (place.isValid()) {
             position = place;
@@ -100,8 +173,8 @@ QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
     QStringList lines;
     JavaScriptValueTexts texts;
     try {
-        for (const DebuggerRealm::Variable& each : DebuggerRealm::self().explainCaller())
-            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
+        for (const auto& [name, value] : DebuggerRealm::self().explainCaller())
+            lines += lines.isEmpty() ? name : name + ": " + texts.textOf(value);
     } catch (const ScriptErrorSet&) {
         if (isEndOfScript())
             throw;
@@ -112,7 +185,7 @@ QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
 
 bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
                                     SharedPtr<ScriptArgument> right) {
-    return areEqual(valueOf(left), valueOf(right));
+    return Comparison().areEqual(valueOf(left), valueOf(right));
 }
 
 std::pair<QString, QString> JavaScriptContext::evaluateForException(
@@ -129,9 +202,8 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
     return attemptCondition(
         [&] {
-            JS::RootedValue value(engineContext(),
-                                  DebuggerRealm::self().evaluateInCaller(
-                                      '(' + expression.trimmed() + "\n)", "<waitFor>"));
+            const ValueRoot value(DebuggerRealm::self().evaluateInCaller(
+                '(' + expression.trimmed() + "\n)", "<waitFor>"));
             return JavaScriptArgument(value).toBool();
         },
         error);

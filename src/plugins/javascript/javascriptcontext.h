@@ -2,13 +2,8 @@
 
 #include <jsapi.h>
 
-#include <vector>
-
 #include "interpreter/language/valuecontext.h"
-#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptargument.h"
-#include "plugins/javascript/objectproxy.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -27,8 +22,10 @@ public:
     static JS::Value makeValue(const QString& value) { return toJsText(value); }
     static JS::Value makeValue(const QDateTime& value) { return toJsDate(value); }
     static JS::Value makeValue(const QByteArray& value) { return toJsBytes(value); }
-    static JS::Value makeValue(const ScriptArgument::List& values);
-    static JS::Value makeValue(const ScriptArgument::Map& values);
+    static JS::Value makeValue(const ScriptArgument::List& values) {
+        return JS::ObjectValue(*newArray(ArgumentValues(values)));
+    }
+    static JS::Value makeValue(const ScriptArgument::Map& values) { return objectOf(values); }
     static JS::Value makeValue(const SharedPtr<Object>& object) {
         return applicationObjectValue(object);
     }

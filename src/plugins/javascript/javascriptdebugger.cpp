@@ -3,10 +3,9 @@
 #include <js/Equality.h>
 #include <js/Exception.h>
 
-#include "plugins/javascript/errors.h"
+#include "interpreter/language/languagevariables.h"
+#include "interpreter/language/valuepath.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/javascriptvariables.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -16,6 +15,23 @@ void stopWhereTheScriptIs() {
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->javaScriptDebugger().stop();
 }
+
+/// The variables of a script that stands still.
+class JavaScriptVariables final : public LanguageVariables {
+public:
+    explicit JavaScriptVariables(JavaScriptDebugger& debugger)
+        : LanguageVariables(debugger, std::make_unique<JavaScriptValueTexts>()),
+          m_debugger(debugger) {}
+
+protected:
+    std::vector<Member> variablesOf(int level) override {
+        const std::optional<ScriptFrame> frame = codeFrame(level);
+        return frame ? m_debugger.variablesOf(*frame) : std::vector<Member>();
+    }
+
+private:
+    JavaScriptDebugger& m_debugger;
+};
 
 /// Of lines alone.
 std::vector<ScriptFrame> framesOf(const std::vector<LineInfo>& lines) {
@@ -29,17 +45,22 @@ std::vector<ScriptFrame> framesOf(const std::vector<LineInfo>& lines) {
 /// What the engine refuses of the debugger is told, and does the script no harm.
 template <typename Work>
 void quietly(Work work) {
-    JSContext* const context = engineContext();
-    JS::AutoSaveExceptionState aside(context);
+    JS::AutoSaveExceptionState aside(engineContext());
     try {
         work();
     } catch (const ScriptErrorSet&) {
-        qWarning("The debugger failed: %s", takeErrorText().toLocal8Bit().constData());
+        qWarning("The debugger failed: %s", takeScriptError().message.toLocal8Bit().constData());
     }
     aside.restore();
 }
 
 }  // namespace
+
+template <typename Work>
+void JavaScriptDebugger::ask(Work work) {
+    if (isInteractive())
+        quietly(work);
+}
 
 JavaScriptDebugger::JavaScriptDebugger(JavaScriptInterpreter& interpreter)
     : LanguageDebugger(&interpreter), m_interpreter(interpreter), m_toldError(engineContext()) {
@@ -59,17 +80,14 @@ void JavaScriptDebugger::setInteractive(bool interactive) {
 }
 
 void JavaScriptDebugger::realmChanged() {
-    if (!isInteractive())
-        return;
-    quietly([&] {
+    ask([&] {
         DebuggerRealm::self().unwatch();
         watch();
     });
 }
 
 void JavaScriptDebugger::watch() {
-    JS::RootedObject global(engineContext(), m_interpreter.realm().global());
-    DebuggerRealm::self().watch(global, *this);
+    DebuggerRealm::self().watch(m_interpreter.realm().global(), *this);
     breakPointsChanged();
     applyMode();
 }
@@ -80,18 +98,15 @@ void JavaScriptDebugger::setDebuggerMode(DbgMode mode) {
 }
 
 void JavaScriptDebugger::applyMode() {
-    // While the script stands still nothing is told anyway.
-    if (!isInteractive() || isSilent())
-        return;
-    quietly([&] {
-        DebuggerRealm::self().setStepping(debuggerMode() == Step || debuggerMode() == Next);
+    ask([&] {
+        // While the script stands still nothing is told anyway.
+        if (!isSilent())
+            DebuggerRealm::self().setStepping(debuggerMode() == Step || debuggerMode() == Next);
     });
 }
 
 void JavaScriptDebugger::breakPointsChanged() {
-    if (!isInteractive())
-        return;
-    quietly([&] {
+    ask([&] {
         for (const QString& file : m_files)
             DebuggerRealm::self().setBreakLines(file, breakLines(sourceIdOf(file)));
     });
@@ -109,34 +124,31 @@ void JavaScriptDebugger::interrupt() {
 }
 
 void JavaScriptDebugger::enterSilence() {
-    if (isInteractive())
-        quietly([] { DebuggerRealm::self().setSilent(true); });
+    ask([] { DebuggerRealm::self().setSilent(true); });
 }
 
 void JavaScriptDebugger::leaveSilence() {
-    if (!isInteractive())
-        return;
-    quietly([] { DebuggerRealm::self().setSilent(false); });
+    ask([] { DebuggerRealm::self().setSilent(false); });
     applyMode();
 }
 
 // What the engine tells
 
-void JavaScriptDebugger::lineReached(const QString& file, int line) {
+void JavaScriptDebugger::reached(const QString& file, int line) {
     const LineInfo place = placeOfCode(file, line);
     if (place.isValid())
-        LanguageDebugger::lineReached(sourceIdOf(place.fileName()), place.lineNumber());
+        lineReached(sourceIdOf(place.fileName()), place.lineNumber());
     // What a command at a stop throws into the script.
     if (JS_IsExceptionPending(engineContext()))
         throw ScriptErrorSet();
 }
 
 void JavaScriptDebugger::errorThrown(JS::HandleValue exception) {
-    if (!stopsForErrors() || areErrorsCaught() || m_interpreter.isSkip(exception))
+    if (!stopsForErrors() || areErrorsCaught() ||
+        m_interpreter.failures().isSkip(ObjectRoot(exception)))
         return;
     bool isTold = false;
-    JS::RootedValue told(engineContext(), m_toldError);
-    checked(JS::StrictlyEqual(engineContext(), exception, told, &isTold));
+    checked(JS::StrictlyEqual(engineContext(), exception, m_toldError, &isTold));
     const QString text = exceptionText(exception);
     // An error of a native function may tell of the one that is told already.
     if (isTold || hasTold(text))
@@ -161,24 +173,22 @@ std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
     if (!isInteractive())
         return framesOf(runningLines());
     std::vector<ScriptFrame> found;
-    quietly([&] {
-        for (const DebuggerRealm::Frame& frame : DebuggerRealm::self().frames()) {
-            const LineInfo place = placeOfCode(frame.file, frame.line);
-            const bool isWhole = place.fileName() == frame.file;
-            if (place.isValid())
-                found.push_back({frame.handle, place.fileName(), place.lineNumber(),
-                                 isWhole ? frame.column : -1, -1});
-        }
-    });
+    quietly([&] { found = DebuggerRealm::self().frames(); });
     return found;
 }
 
-std::vector<DebuggerRealm::Variable> JavaScriptDebugger::variablesOf(const ScriptFrame& frame) {
-    const auto* const handle = std::any_cast<FrameHandle>(&frame.own);
-    std::vector<DebuggerRealm::Variable> found;
-    if (handle && *handle)
-        quietly([&] { found = DebuggerRealm::self().variables(*handle); });
-    return found;
+std::vector<ValueTexts::Part> JavaScriptDebugger::variablesOf(const ScriptFrame& frame) {
+    std::vector<ValueTexts::Part> variables;
+    const auto handle = std::any_cast<FrameHandle>(frame.own);
+    if (!handle)
+        return variables;
+    quietly([&] {
+        for (const auto& [name, value] : DebuggerRealm::self().variables(handle)) {
+            if (!m_interpreter.isSelfDefinedVariableName(name))
+                variables.push_back({pathPart(name), value});
+        }
+    });
+    return variables;
 }
 
 JS::Value JavaScriptDebugger::evaluate(const ScriptFrame* frame, const QString& code) {

@@ -7,8 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "interpreter/language/languagedebugger.h"
-#include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/valuetexts.h"
 #include "plugins/javascript/debuggerrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -17,7 +16,7 @@ class JavaScriptInterpreter;
 
 /// The language's half of the debugger. While it is interactive the engine tells it of lines: in
 /// mode Run of those with a break point alone, when stepping of all.
-class JavaScriptDebugger final : public LanguageDebugger, private DebuggeeListener {
+class JavaScriptDebugger final : public LanguageDebugger {
 public:
     explicit JavaScriptDebugger(JavaScriptInterpreter& interpreter);
 
@@ -34,10 +33,17 @@ public:
     /// what a promise was rejected with that looked as if somebody waited for it.
     void errorUncaught();
 
+    // What the engine tells.
+    /// A line of the file is about to run.
+    void reached(const QString& file, int line);
+    /// An exception leaves the innermost frame, and no `catch` of the script will stop it.
+    void errorThrown(JS::HandleValue exception);
+
     /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
     JS::Value evaluate(const ScriptFrame* frame, const QString& code);
-    /// The variables of a frame.
-    std::vector<DebuggerRealm::Variable> variablesOf(const ScriptFrame& frame);
+
+    /// The variables of a frame, with their names as parts of paths.
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame);
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
@@ -47,9 +53,10 @@ protected:
     void breakPointsChanged() override;
 
 private:
-    void lineReached(const QString& file, int line) override;
-    void errorThrown(JS::HandleValue exception) override;
     void watch();
+    /// Lets `work` deal with the debugger's side of the engine, if that watches.
+    template <typename Work>
+    void ask(Work work);
     /// Lets the engine tell what the mode wants.
     void applyMode();
 

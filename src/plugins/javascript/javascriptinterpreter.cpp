@@ -1,30 +1,21 @@
 #include "plugins/javascript/javascriptinterpreter.h"
 
-#include <js/Array.h>
 #include <js/CompilationAndEvaluation.h>
-#include <js/CompileOptions.h>
 #include <js/ErrorReport.h>
-#include <js/Exception.h>
 #include <js/Modules.h>
-#include <js/Object.h>
 #include <js/ScriptPrivate.h>
 #include <js/friend/ErrorMessages.h>
 #include <jsfriendapi.h>
 
 #include <QRegularExpression>
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
-#include "interpreter/language/stepactions.h"
-#include "plugins/javascript/debuggerrealm.h"
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
-#include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/javascriptsteps.h"
 #include "plugins/javascript/jobqueue.h"
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/values.h"
-#include "plugins/javascript/valuetext.h"
+#include "plugins/javascript/promises.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -38,12 +29,12 @@ constexpr unsigned moduleErrors[] = {JSMSG_IMPORT_DECL_AT_TOP_LEVEL, JSMSG_EXPOR
                                      JSMSG_IMPORT_META_OUTSIDE_MODULE,
                                      JSMSG_AWAIT_OUTSIDE_ASYNC_OR_MODULE};
 
-bool isModuleError(JSContext* context) {
-    JS::RootedValue exception(context);
-    if (!JS_GetPendingException(context, &exception) || !exception.isObject())
+bool isModuleError() {
+    ValueRoot exception;
+    if (!JS_GetPendingException(engineContext(), &exception) || !exception.isObject())
         return false;
-    JS::RootedObject error(context, &exception.toObject());
-    const JSErrorReport* const report = JS_ErrorFromException(context, error);
+    const JSErrorReport* const report =
+        JS_ErrorFromException(engineContext(), ObjectRoot(exception));
     return report && std::find(std::begin(moduleErrors), std::end(moduleErrors),
                                report->errorNumber) != std::end(moduleErrors);
 }
@@ -51,7 +42,7 @@ bool isModuleError(JSContext* context) {
 void refuseGenerator(const QString& name, JS::HandleValue result) {
     const char* const kind = result.isObject() ? JS::GetClass(&result.toObject())->name : "";
     if (std::strcmp(kind, "Generator") == 0 || std::strcmp(kind, "AsyncGenerator") == 0)
-        throwBuiltIn("TypeError",
+        throwBuiltIn(JSEXN_TYPEERR,
                      (name.isEmpty() ? QStringLiteral("The function") : name + "()") +
                          " is a generator and nothing of it has run: take its '*' away");
 }
@@ -60,15 +51,14 @@ void refuseGenerator(const QString& name, JS::HandleValue result) {
 
 JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, JavaScript) {
-    JSContext* const engine = engineContext();
-    Modules::install(engine);
-    m_scriptModule.init(engine);
+    Modules::install();
+    m_scriptModule.init(engineContext());
     m_debugger = std::make_unique<JavaScriptDebugger>(*this);
     try {
         enterNewRealm();
         begin(m_context, *m_debugger, std::make_unique<JavaScriptSteps>(*this));
     } catch (const ScriptErrorSet&) {
-        const QString text = takeErrorText();
+        const QString text = takeScriptError().message;
         leaveActive();
         enterActiveRealm();
         throw std::runtime_error("The functions of the test system can't be made known: " +
@@ -106,33 +96,21 @@ void JavaScriptInterpreter::enterActiveRealm() {
 
 void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
                                           const NativeScriptType& type) {
-    JS::RootedObject global(engineContext(), m_realm->global());
-    JSObject* const made = makeNativeClass(name, typeId, type);
-    defineProperty(global, name, JS::ObjectValue(*made), 0);
-}
-
-JS::Value JavaScriptInterpreter::nativeValue(SharedPtr<NativeScriptObject> object) {
-    if (!object)
-        return JS::NullValue();
-    JS::RootedObject prototype(engineContext(), m_realm->nativePrototype(object->typeId()));
-    return JS::ObjectValue(*makeHostObject(std::move(object), prototype));
+    defineProperty(m_realm->global(), name, JS::ObjectValue(*makeNativeClass(name, typeId, type)),
+                   0);
 }
 
 QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
     m_searchPath.append(directory.absoluteFilePath());
-    m_realm->modules().addFolder(directory.absoluteFilePath());
+    m_realm->modules().folders().append(directory.absoluteFilePath());
     return {};
 }
 
 void JavaScriptInterpreter::publishFunctions(const QStringList& names) {
-    JSContext* const engine = engineContext();
-    JS::RootedObject global(engine, m_realm->global());
     for (const QString& name : names) {
-        bool isTaken = false;
-        checked(JS_HasUCProperty(engine, global, reinterpret_cast<const char16_t*>(name.utf16()),
-                                 static_cast<std::size_t>(name.size()), &isTaken));
-        if (!isTaken)
-            defineProperty(global, name, JS::ObjectValue(*makeApplicationFunction(name)), 0);
+        if (!hasProperty(m_realm->global(), toKey(name)))
+            defineProperty(m_realm->global(), name, JS::ObjectValue(*makeApplicationFunction(name)),
+                           0);
     }
 }
 
@@ -151,83 +129,69 @@ void JavaScriptInterpreter::startScript(const QString& path, const QStringList& 
                 attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
             m_hasRunScript = false;
         }
-        m_realm->modules().setFolders(folders + m_searchPath);
-        JS::RootedObject global(engineContext(), m_realm->global());
-        JS::RootedValue own(engineContext(), propertyOf(global, "tamrix"));
-        JS::RootedObject library(engineContext(), own.toObjectOrNull());
-        ScriptArgument::List texts;
+        m_realm->modules().folders() = folders + m_searchPath;
+        ValueRoots texts;
         for (const QString& text : QStringList(path) + arguments)
-            texts.push_back(m_context.createString(text));
-        defineProperty(library, QStringLiteral("argv"), valueOf(m_context.createList(texts)));
+            texts.add(toJsText(text));
+        const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
+        defineProperty(library, QStringLiteral("argv"), JS::ObjectValue(*newArray(texts)));
     } catch (const ScriptErrorSet&) {
-        qWarning("The script can't be started: %s", takeErrorText().toLocal8Bit().constData());
+        qWarning("The script can't be started: %s",
+                 takeScriptError().message.toLocal8Bit().constData());
     }
 }
 
-void JavaScriptInterpreter::compile(const QString& text, const QString& file,
-                                    JS::MutableHandleScript script,
-                                    JS::MutableHandleObject module) {
-    JSContext* const engine = engineContext();
+JSObject* JavaScriptInterpreter::compile(const QString& text, const QString& file,
+                                         JS::MutableHandleScript script) {
     m_debugger->noticeFile(file);
-    JS::CompileOptions options(engine);
-    const QByteArray name = file.toUtf8();
-    options.setFileAndLine(name.constData(), 1);
+    Source source(text, file);
     // As modules are: a slip in a name is an error, and no new variable or property.
-    options.setForceStrictMode();
-    JS::SourceText<char16_t> source;
-    setSource(text, &source);
-    script.set(JS::Compile(engine, options, source));
+    source.options.setForceStrictMode();
+    script.set(JS::Compile(engineContext(), source.options, source.text));
     if (script) {
-        JS::SetScriptPrivate(script, m_realm->modules().fileValue(file));
-        return;
+        const ValueRoot path(toJsText(file));
+        JS::SetScriptPrivate(script, path);
+        return nullptr;
     }
-    if (!isModuleError(engine))
-        throw ScriptErrorSet();
+    checked(isModuleError());
     clearException();
-    module.set(m_realm->modules().compile(text, file));
+    return m_realm->modules().compile(text, file);
 }
 
 QString JavaScriptInterpreter::syntaxError(const QString& text) {
-    JS::RootedScript script(engineContext());
-    JS::RootedObject module(engineContext());
-    try {
-        compile(text, QStringLiteral("<code>"), &script, &module);
-        return {};
-    } catch (const ScriptErrorSet&) {
-        return takeErrorText();
-    }
+    const std::optional<ScriptError> error = attempt([&] {
+        Root<JSScript*> script;
+        compile(text, QStringLiteral("<code>"), &script);
+    });
+    return error ? error->message : QString();
 }
 
 bool JavaScriptInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     clearError();
     return runCode(true, [&] {
-        JS::RootedScript script(engineContext());
-        JS::RootedObject module(engineContext());
-        compile(text, Debugger::sanitizedFilePath(fileName), &script, &module);
+        Root<JSScript*> script;
+        compile(text, Debugger::sanitizedFilePath(fileName), &script);
     });
 }
 
 void JavaScriptInterpreter::runText(const QString& text, const QString& fileName, Exports exports) {
     JSContext* const engine = engineContext();
-    JS::RootedScript script(engine);
-    JS::RootedObject module(engine);
-    compile(text, fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName), &script,
-            &module);
-    JS::RootedValue value(engine);
-    if (script) {
-        checked(JS_ExecuteScript(engine, script, &value));
-        throwUnhandledRejection();
-        return;
+    Root<JSScript*> script;
+    const ObjectRoot module(compile(
+        text, fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName), &script));
+    if (module) {
+        // The functions of a script that ends early are there, too.
+        if (exports == Exports::StayInModule && !fileName.isEmpty())
+            m_scriptModule = module;
+        m_realm->modules().run(module);
+    } else {
+        ValueRoot ignored;
+        checked(JS_ExecuteScript(engine, script, &ignored));
     }
-    // The functions of a script that ends early are there, too.
-    if (exports == Exports::StayInModule && !fileName.isEmpty())
-        m_scriptModule = module;
-    m_realm->modules().run(module);
     throwUnhandledRejection();
-    if (exports == Exports::BecomeGlobals) {
-        JS::RootedObject global(engine, m_realm->global());
-        JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
-        checked(JS_AssignObject(engine, global, names));
+    if (module && exports == Exports::BecomeGlobals) {
+        const ObjectRoot names(checked(JS::GetModuleNamespace(engine, module)));
+        checked(JS_AssignObject(engine, m_realm->global(), names));
     }
 }
 
@@ -240,17 +204,14 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
     static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
     if (!s_name.match(name).hasMatch())
         return {};
-    JSContext* const engine = engineContext();
-    JS::RootedValue function(engine);
+    ValueRoot function;
     try {
         // What a module keeps for itself is found as well as what it exports.
         if (m_scriptModule) {
-            JS::RootedObject module(engine, m_scriptModule);
-            JS::RootedObject names(engine, checked(JS::GetModuleEnvironment(engine, module)));
-            bool isThere = false;
-            checked(JS_HasProperty(engine, names, name.toUtf8().constData(), &isThere));
-            if (isThere)
-                function = propertyOf(names, name.toUtf8().constData());
+            const ObjectRoot names(
+                checked(JS::GetModuleEnvironment(engineContext(), m_scriptModule)));
+            const IdRoot key(toKey(name));
+            function = hasProperty(names, key) ? propertyOf(names, key) : JS::UndefinedValue();
         }
         if (!function.isObject())
             function = evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name),
@@ -259,33 +220,30 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
         // A name that has no value yet.
         clearException();
     }
-    if (!function.isObject() || !JS::IsCallable(&function.toObject()))
-        return {};
-    return argumentOf(function);
+    return isFunction(function) ? argumentOf(function) : SharedPtr<ScriptArgument>();
+}
+
+SharedPtr<ScriptArgument> JavaScriptInterpreter::libraryFunction(const QString& name) {
+    const ValueRoot function(propertyOf(m_realm->global(), name.toUtf8().constData()));
+    return isFunction(function) ? argumentOf(function) : SharedPtr<ScriptArgument>();
 }
 
 ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
     ScriptArgument::Map variables;
     if (!m_scriptModule)
         return variables;
-    JSContext* const engine = engineContext();
-    try {
-        JS::RootedObject module(engine, m_scriptModule);
-        JS::RootedObject names(engine, checked(JS::GetModuleNamespace(engine, module)));
-        JS::RootedIdVector keys(engine);
-        checked(js::GetPropertyKeys(engine, names, JSITER_OWNONLY | JSITER_HIDDEN, &keys));
-        JS::RootedId key(engine);
-        JS::RootedValue value(engine);
-        for (const jsid each : keys) {
-            key = each;
-            // A name has no value before the script has come to it.
-            if (JS_GetPropertyById(engine, names, key, &value))
-                variables[fromKey(key)] = argumentOf(value);
-            else
-                clearException();
-        }
-    } catch (const ScriptErrorSet&) {
+    const ObjectRoot names(JS::GetModuleNamespace(engineContext(), m_scriptModule));
+    IdRoots keys;
+    if (!names ||
+        !js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys))
         clearException();
+    for (const jsid& key : keys) {
+        try {
+            variables[fromKey(key)] = argumentOf(propertyOf(names, key));
+        } catch (const ScriptErrorSet&) {
+            // A name has no value before the script has come to it.
+            clearException();
+        }
     }
     return variables;
 }
@@ -297,31 +255,15 @@ bool JavaScriptInterpreter::refuseScript(const LineInfo& place, const QString& m
     return failWith(error);
 }
 
-SharedPtr<ScriptArgument> JavaScriptInterpreter::libraryFunction(const QString& name) {
-    JS::RootedObject global(engineContext(), m_realm->global());
-    JS::RootedValue function(engineContext(), propertyOf(global, name.toUtf8().constData()));
-    if (!function.isObject() || !JS::IsCallable(&function.toObject()))
-        return {};
-    return argumentOf(function);
-}
-
 LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                          const CallArguments& arguments,
                                                          const QString& name, bool isCallback) {
-    JSContext* const engine = engineContext();
     m_hasRunScript = true;
     const CallEnd end = runCall(isCallback, [&] {
-        JS::RootedValueVector values(engine);
-        for (const SharedPtr<ScriptArgument>& argument : arguments.positional)
-            checked(values.append(valueOf(argument)));
-        if (!arguments.named.empty()) {
-            JS::RootedObject named(engine, checked(JS_NewPlainObject(engine)));
-            for (const auto& [key, value] : arguments.named)
-                defineProperty(named, key, valueOf(value));
-            checked(values.append(JS::ObjectValue(*named)));
-        }
-        JS::RootedValue result(engine);
-        checked(JS::Call(engine, JS::UndefinedHandleValue, valueOf(function), values, &result));
+        ArgumentValues values(arguments.positional);
+        if (!arguments.named.empty())
+            values.add(objectOf(arguments.named));
+        ValueRoot result(resultOf(valueOf(function), values));
         refuseGenerator(name, result);
         settled(&result);
         if (!isCallback)
@@ -338,51 +280,14 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
 }
 
 LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    JSContext* const engine = engineContext();
-    JS::RootedValue value(engine, valueOf(function));
-    JS::RootedFunction object(engine,
-                              value.isObject() ? JS_GetObjectFunction(&value.toObject()) : nullptr);
-    JSScript* const script = object ? JS_GetFunctionScript(engine, object) : nullptr;
-    if (!script) {
-        clearException();
-        return {};
-    }
-    return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
-                       static_cast<int>(JS_GetScriptBaseLineNumber(engine, script)));
+    return placeOfFunction(valueOf(function));
 }
 
 QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
-    JS::RootedValue value(engineContext(), m_debugger->evaluate(frame, code));
+    const ValueRoot value(m_debugger->evaluate(frame, code));
     if (value.isUndefined())
         return {};
-    return value.isString() ? quoted(fromJsString(value.toString())) : textOf(value);
-}
-
-// Errors
-
-bool JavaScriptInterpreter::isErrorOrdinary() {
-    return !isEndOfScript();
-}
-
-ScriptError JavaScriptInterpreter::takeError() {
-    return takeScriptError();
-}
-
-void JavaScriptInterpreter::errorUncaught() {
-    m_debugger->errorUncaught();
-}
-
-void JavaScriptInterpreter::noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
-    m_failures.notice(failure, *m_debugger, engineContext(), error);
-}
-
-bool JavaScriptInterpreter::isSkip(JS::HandleValue exception) const {
-    return exception.isObject() && m_failures.isSkip(&exception.toObject());
-}
-
-void JavaScriptInterpreter::completeError(JS::HandleValue exception, ScriptError* error) {
-    if (exception.isObject())
-        m_failures.complete(&exception.toObject(), error);
+    return value.isString() ? quoted(fromJsText(value)) : textOf(value);
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -7,13 +7,12 @@
 
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/noticedfailures.h"
+#include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptcontext.h"
-#include "plugins/javascript/promises.h"
+#include "plugins/javascript/javascriptdebugger.h"
 #include "plugins/javascript/scriptrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
-
-class JavaScriptDebugger;
 
 /// The interpreter of one test case on the engine, which lives as long as the process. The script
 /// runs in a realm of its own. A script with `import`, `export` or `await` at its top level is a
@@ -32,14 +31,12 @@ public:
     JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
     ScriptRealm& realm() { return *m_realm; }
 
-    JS::Value nativeValue(SharedPtr<NativeScriptObject> object);
-
     /// A failure has become this error: one that ends the case as skipped, or that stands in a file
     /// that is none of the language's, is told by it. What else is thrown on its way is an error.
-    void noticeFailure(const ScriptFailure& failure, JS::HandleObject error);
-    bool isSkip(JS::HandleValue exception) const;
-    /// Adds what is known of an exception in this way.
-    void completeError(JS::HandleValue exception, ScriptError* error);
+    void noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
+        m_failures.notice(failure, *m_debugger, engineContext(), error);
+    }
+    const NoticedFailures<JS::PersistentRootedObject>& failures() const { return m_failures; }
 
     /// What becomes of the exports of a module.
     enum class Exports { StayInModule, BecomeGlobals };
@@ -54,8 +51,8 @@ public:
     QString syntaxError(const QString& text);
 
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
-    bool isErrorOrdinary() override;
-    ScriptError takeError() override;
+    bool isErrorOrdinary() override { return !isEndOfScript(); }
+    ScriptError takeError() override { return takeScriptError(); }
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
@@ -70,15 +67,14 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    void errorUncaught() override;
+    void errorUncaught() override { m_debugger->errorUncaught(); }
 
 private:
     void enterNewRealm();
     /// Makes the realm of the active interpreter that in which code runs; at the end, none.
     static void enterActiveRealm();
-    /// A script, or a module for a text that is one. One of them is null. Throws ScriptErrorSet.
-    void compile(const QString& text, const QString& file, JS::MutableHandleScript script,
-                 JS::MutableHandleObject module);
+    /// A script, or the module that is returned for a text that is one. Throws ScriptErrorSet.
+    JSObject* compile(const QString& text, const QString& file, JS::MutableHandleScript script);
 
     JavaScriptContext m_context{*this};
     std::unique_ptr<ScriptRealm> m_realm;

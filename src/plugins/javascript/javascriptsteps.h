@@ -1,10 +1,13 @@
 #pragma once
 
+#include <jsapi.h>
+
 #include "interpreter/language/stepactions.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptInterpreter;
+class ScriptRealm;
 
 /// Files with step definitions as modules, and what steps are given.
 class JavaScriptSteps final : public StepLanguage {
@@ -22,7 +25,18 @@ public:
     QString snippetText(const StepSnippet& snippet) override;
 
 private:
+    ScriptRealm& realm();
+
     JavaScriptInterpreter& m_interpreter;
 };
+
+/// Gives a new global object the functions with which scripts register steps, hooks and parameter
+/// types: `Given`, `BeforeScenario` and the like. They begin with capitals, since an object with a
+/// function `then` is a promise to the language. Throws ScriptErrorSet.
+void addStepFunctions(JS::HandleObject global);
+
+/// Gives an object the functions `find`, `set`, `remove` and `names`, through which the context of
+/// steps reaches what they keep.
+void addScopeFunctions(JS::HandleObject object);
 
 }  // namespace Tamrix::JavaScriptPlugin

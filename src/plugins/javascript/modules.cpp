@@ -1,9 +1,6 @@
 #include "plugins/javascript/modules.h"
 
-#include <js/CompilationAndEvaluation.h>
-#include <js/CompileOptions.h>
 #include <js/Modules.h>
-#include <js/Promise.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,7 +12,6 @@
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/promises.h"
 #include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -23,25 +19,28 @@ namespace {
 
 /// `place` is where no running code is.
 [[noreturn]] void refuse(const QString& text, const LineInfo& place = {}) {
-    raiseBuiltIn("Error", text);
-    JS::RootedValue error(engineContext());
-    if (place.isValid() && JS_GetPendingException(engineContext(), &error) && error.isObject()) {
-        JS::RootedObject object(engineContext(), &error.toObject());
-        JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
-        ScriptFailure failure;
-        failure.origin.line = place.lineNumber();
-        failure.origin.sourceId = interpreter.languageDebugger().sourceIdOf(place.fileName());
-        interpreter.noticeFailure(failure, object);
+    ScriptFailure failure;
+    failure.text = text;
+    auto* const interpreter = JavaScriptInterpreter::active();
+    try {
+        throwBuiltIn(JSEXN_ERR, text);
+    } catch (const ScriptErrorSet&) {
+        ValueRoot error;
+        if (place.isValid() && interpreter && JS_GetPendingException(engineContext(), &error)) {
+            failure.origin.line = place.lineNumber();
+            failure.origin.sourceId = interpreter->languageDebugger().sourceIdOf(place.fileName());
+            interpreter->noticeFailure(failure, ObjectRoot(error));
+        }
+        throw;
     }
-    throw ScriptErrorSet();
 }
 
 QString importerPath(const JS::Value& importer) {
-    return importer.isString() ? fromJsString(importer.toString()) : QString();
+    return importer.isString() ? fromJsText(importer) : QString();
 }
 
-QString specifierOf(JSContext* context, JS::HandleObject request) {
-    return fromJsString(checked(JS::GetModuleRequestSpecifier(context, request)));
+QString specifierOf(JS::HandleObject request) {
+    return fromJsString(checked(JS::GetModuleRequestSpecifier(engineContext(), request)));
 }
 
 Modules& currentModules() {
@@ -61,74 +60,61 @@ QString existing(const QString& path) {
     return {};
 }
 
+JS::Value evaluated(JS::HandleObject module) {
+    ValueRoot value;
+    checked(JS::ModuleInstantiate(engineContext(), module) &&
+            JS::ModuleEvaluate(engineContext(), module, &value));
+    return value;
+}
+
 }  // namespace
 
-void Modules::install(JSContext* context) {
-    JSRuntime* const runtime = JS_GetRuntime(context);
+void Modules::install() {
+    JSRuntime* const runtime = JS_GetRuntime(engineContext());
     JS::SetModuleResolveHook(runtime, resolve);
     JS::SetModuleDynamicImportHook(runtime, importLater);
     JS::SetModuleMetadataHook(runtime, describe);
 }
 
-void Modules::setFolders(const QStringList& folders) {
-    m_folders = folders;
-    m_folders.removeDuplicates();
-}
-
-void Modules::addFolder(const QString& folder) {
-    if (!m_folders.contains(folder))
-        m_folders.append(folder);
-}
-
-JS::Value Modules::fileValue(const QString& path) {
-    return toJsText(path);
-}
-
 JSObject* Modules::compile(const QString& text, const QString& path) {
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->javaScriptDebugger().noticeFile(path);
-    JS::CompileOptions options(m_context);
-    const QByteArray file = path.toUtf8();
-    options.setFileAndLine(file.constData(), 1);
-    JS::SourceText<char16_t> source;
-    setSource(text, &source);
-    JS::RootedObject module(m_context, checked(JS::CompileModule(m_context, options, source)));
-    JS::SetModulePrivate(module, fileValue(path));
+    Source source(text, path);
+    const ObjectRoot module(
+        checked(JS::CompileModule(engineContext(), source.options, source.text)));
+    const ValueRoot file(toJsText(path));
+    JS::SetModulePrivate(module, file);
     return module;
 }
 
 JSObject* Modules::add(const QString& text, const QString& path) {
-    JS::RootedObject module(m_context, compile(text, path));
-    m_modules.insert_or_assign(path.toStdString(), JS::PersistentRootedObject(m_context, module));
+    const ObjectRoot module(compile(text, path));
+    m_modules.insert_or_assign(path.toStdString(),
+                               JS::PersistentRootedObject(engineContext(), module));
     return module;
 }
 
 void Modules::run(JS::HandleObject module) {
     m_outermost = module;
-    checked(JS::ModuleInstantiate(m_context, module));
-    JS::RootedValue value(m_context);
-    checked(JS::ModuleEvaluate(m_context, module, &value));
+    ValueRoot value(evaluated(module));
     settled(&value);
 }
 
 QString Modules::find(const Import& import) const {
     const QString& name = import.name;
-    const QDir folder(import.importer.isEmpty() ? QDir::currentPath()
-                                                : QFileInfo(import.importer).absolutePath());
-    if (name.startsWith(QLatin1String("./")) || name.startsWith(QLatin1String("../")) ||
-        QDir::isAbsolutePath(name)) {
-        const QString path = existing(QDir::cleanPath(folder.filePath(name)));
-        if (path.isEmpty())
-            refuse(QStringLiteral("There is no module '%1' beside %2").arg(name, import.importer),
-                   import.place);
-        return path;
-    }
-    for (const QString& each : m_folders) {
-        const QString path = existing(QDir(each).filePath(name));
+    const bool isBeside = name.startsWith(QLatin1String("./")) ||
+                          name.startsWith(QLatin1String("../")) || QDir::isAbsolutePath(name);
+    const QStringList beside(import.importer.isEmpty() ? QDir::currentPath()
+                                                       : QFileInfo(import.importer).absolutePath());
+    for (const QString& folder : isBeside ? beside : m_folders) {
+        const QString path = existing(QDir::cleanPath(QDir(folder).filePath(name)));
         if (!path.isEmpty())
             return path;
     }
-    refuse(QStringLiteral("There is no module '%1' in %2").arg(name, m_folders.join(", ")),
+    QStringList folders = m_folders;
+    folders.removeDuplicates();
+    refuse(isBeside ? QStringLiteral("There is no module '%1' beside %2").arg(name, import.importer)
+                    : QStringLiteral("There is no module '%1' in %2").arg(name, folders.join(", ")),
            import.place);
 }
 
@@ -147,35 +133,33 @@ JSObject* Modules::load(const Import& import) {
     return add(content->text, path);
 }
 
-LineInfo Modules::placeOfImport(const QString& importer, JS::HandleObject request) const {
-    const auto known = m_modules.find(importer.toStdString());
-    JS::RootedObject module(m_context, known == m_modules.end() ? m_outermost : known->second);
+LineInfo Modules::placeOf(const Import& import) const {
+    const auto known = m_modules.find(import.importer.toStdString());
+    const ObjectRoot module(known == m_modules.end() ? m_outermost : known->second);
     if (!module)
         return {};
-    JS::RootedObject requests(m_context, checked(JS::GetRequestedModules(m_context, module)));
-    JS::RootedValueVector all(m_context);
-    elementsOf(requests, &all);
-    JS::RootedValue each(m_context);
-    for (const JS::Value& value : all) {
-        each = value;
-        JSString* const name = JS::GetRequestedModuleSpecifier(m_context, each);
-        if (fromJsString(checked(name)) != specifierOf(m_context, request))
+    ValueRoots requests;
+    elementsOf(ObjectRoot(checked(JS::GetRequestedModules(engineContext(), module))), &requests);
+    for (std::size_t index = 0; index < requests.length(); ++index) {
+        JSString* const name = JS::GetRequestedModuleSpecifier(engineContext(), requests[index]);
+        if (fromJsString(checked(name)) != import.name)
             continue;
         std::uint32_t line = 0;
         std::uint32_t column = 0;
-        JS::GetRequestedModuleSourcePos(m_context, each, &line, &column);
-        return LineInfo(importer, static_cast<int>(line));
+        JS::GetRequestedModuleSourcePos(engineContext(), requests[index], &line, &column);
+        return LineInfo(import.importer, static_cast<int>(line));
     }
     return {};
 }
 
-JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer, JS::HandleObject request) {
-    JS::RootedObject module(context);
+// What the engine asks
+
+JSObject* Modules::resolve(JSContext*, JS::HandleValue importer, JS::HandleObject request) {
+    ObjectRoot module;
     guarded("import", [&] {
-        Modules& modules = currentModules();
-        const QString path = importerPath(importer);
-        module = modules.load(
-            {specifierOf(context, request), path, modules.placeOfImport(path, request)});
+        Import import{specifierOf(request), importerPath(importer), {}};
+        import.place = currentModules().placeOf(import);
+        module = currentModules().load(import);
         return true;
     });
     return module;
@@ -183,16 +167,14 @@ JSObject* Modules::resolve(JSContext* context, JS::HandleValue importer, JS::Han
 
 bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
                           JS::HandleObject promise) {
-    JS::RootedValue evaluated(context);
+    ObjectRoot evaluation;
     guarded("import", [&] {
-        const Import import{specifierOf(context, request), importerPath(importer), {}};
-        JS::RootedObject module(context, currentModules().load(import));
-        checked(JS::ModuleInstantiate(context, module) &&
-                JS::ModuleEvaluate(context, module, &evaluated));
+        const ObjectRoot module(
+            currentModules().load({specifierOf(request), importerPath(importer), {}}));
+        evaluation = ObjectRoot(evaluated(module)).get();
         return true;
     });
     // Without an evaluation what is pending is what the promise is rejected with.
-    JS::RootedObject evaluation(context, evaluated.isObject() ? &evaluated.toObject() : nullptr);
     return JS::FinishDynamicModuleImport(context, evaluation, importer, request, promise);
 }
 

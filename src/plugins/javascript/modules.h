@@ -16,16 +16,14 @@ namespace Tamrix::JavaScriptPlugin {
 /// that imports, other names are looked for in the folders for modules; a suffix may be left out.
 class Modules {
 public:
-    explicit Modules(JSContext* context) : m_context(context), m_outermost(context) {}
+    explicit Modules(JSContext* context) : m_outermost(context) {}
 
     /// Lets the engine ask the modules of the current realm; once for the process.
-    static void install(JSContext* context);
+    static void install();
 
-    void setFolders(const QStringList& folders);
-    /// Adds a folder behind the others.
-    void addFolder(const QString& folder);
+    QStringList& folders() { return m_folders; }
 
-    /// Compiles the text of a file as a module, which others then import by the file's path. Throws
+    /// Compiles the text of a file as a module, whose imports are those of the file. Throws
     /// ScriptErrorSet.
     JSObject* compile(const QString& text, const QString& path);
     /// The same, and makes it the module of the file.
@@ -37,9 +35,6 @@ public:
     void forget(const QString& path) { m_modules.erase(path.toStdString()); }
     bool isLoaded(const QString& path) const { return m_modules.count(path.toStdString()) > 0; }
 
-    /// Keeps for a script or module which file it is, so that its imports know.
-    JS::Value fileValue(const QString& path);
-
 private:
     static JSObject* resolve(JSContext* context, JS::HandleValue importer,
                              JS::HandleObject request);
@@ -50,17 +45,16 @@ private:
     /// What a module or a script asks for.
     struct Import {
         QString name;
-        /// Its file; may be empty.
+        /// The file that asks; may be empty.
         QString importer;
         /// Where it stands, when that is in no running code.
         LineInfo place;
     };
     JSObject* load(const Import& import);
     /// Where a module asks for another one; invalid when that can't be told.
-    LineInfo placeOfImport(const QString& importer, JS::HandleObject request) const;
+    LineInfo placeOf(const Import& import) const;
     QString find(const Import& import) const;
 
-    JSContext* m_context;
     QStringList m_folders;
     std::unordered_map<std::string, JS::PersistentRootedObject> m_modules;
     /// What run() has run last.

@@ -1,8 +1,7 @@
 #include "plugins/javascript/nativefunctions.h"
 
 #include <js/CallAndConstruct.h>
-#include <js/Object.h>
-#include <js/PropertyAndElement.h>
+
 #include <js/experimental/JitInfo.h>
 #include <jsfriendapi.h>
 
@@ -131,8 +130,7 @@ bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
 bool construct(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     const NativeFunction& function = targetOf(arguments.calleev());
-    JS::RootedObject type(context,
-                          arguments.isConstructing() ? &arguments.newTarget().toObject() : nullptr);
+    const ObjectRoot type(arguments.isConstructing() ? &arguments.newTarget().toObject() : nullptr);
     const bool isOwn = type == &arguments.callee();
     const bool isMade = finish(shownName(function), arguments, [&] {
         if (!type)
@@ -142,24 +140,20 @@ bool construct(JSContext* context, unsigned count, JS::Value* values) {
     if (!isMade || isOwn || !arguments.rval().isObject())
         return isMade;
     // A class that the script derives from it.
-    JS::RootedValue prototype(context);
-    if (!JS_GetProperty(context, type, "prototype", &prototype) || !prototype.isObject())
-        return !JS_IsExceptionPending(context);
-    JS::RootedObject made(context, &arguments.rval().toObject());
-    JS::RootedObject wanted(context, &prototype.toObject());
-    return JS_SetPrototype(context, made, wanted);
+    return guarded(shownName(function), [&] {
+        const ObjectRoot prototype(propertyOf(type, "prototype"));
+        checked(!prototype || JS_SetPrototype(context, ObjectRoot(arguments.rval()), prototype));
+        return true;
+    });
 }
 
 /// A member function of the library's takes its object as the first argument.
 bool callMember(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    JS::RootedValue function(context,
-                             js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
-    JS::RootedValueVector all(context);
-    bool isDone = all.append(arguments.thisv());
-    for (unsigned index = 0; index < count; ++index)
-        isDone = isDone && all.append(arguments[index]);
-    return isDone && JS::Call(context, JS::UndefinedHandleValue, function, all, arguments.rval());
+    const ValueRoot function(js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
+    ValueRoots all;
+    return all.append(arguments.thisv()) && all.append(arguments.array(), count) &&
+           JS::Call(context, JS::UndefinedHandleValue, function, all, arguments.rval());
 }
 
 JSNative entryOf(NativeFunction::Kind kind) {
@@ -174,28 +168,24 @@ JSNative entryOf(NativeFunction::Kind kind) {
 }
 
 JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
-    JSContext* const context = engineContext();
-    JS::RootedValue kept(context, target);
-    JSFunction* const function =
-        checked(js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
-    JSObject* const object = JS_GetFunctionObject(function);
+    const ValueRoot kept(target);
+    JSObject* const object = JS_GetFunctionObject(checked(
+        js::NewFunctionWithReserved(engineContext(), native, 0, 0, name.toUtf8().constData())));
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
 }
 
 void defineAccessor(JS::HandleObject object, const QString& name, JS::HandleObject getter,
                     JS::HandleObject setter) {
-    checked(JS_DefineUCProperty(
-        engineContext(), object, reinterpret_cast<const char16_t*>(name.utf16()),
-        static_cast<std::size_t>(name.size()), getter, setter, JSPROP_ENUMERATE));
+    checked(JS_DefinePropertyById(engineContext(), object, IdRoot(toKey(name)), getter, setter,
+                                  JSPROP_ENUMERATE));
 }
 
 // Functions of an application
 
 bool callApplicationFunction(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const QString name =
-        fromJsString(js::GetFunctionNativeReserved(&arguments.callee(), targetSlot).toString());
+    const QString name = fromJsText(js::GetFunctionNativeReserved(&arguments.callee(), targetSlot));
     return finish([&] { return name; }, arguments,
                   [&] {
                       return callGlobal(JavaScriptInterpreter::active(), name,
@@ -232,27 +222,24 @@ bool isLibraryFunction(JSObject* object) {
 }
 
 JSObject* makeMemberFunction(const NativeFunction& function) {
-    JS::RootedValue target(engineContext(), JS::ObjectValue(*makeFunction(function)));
-    return makeFunctionObject(callMember, function.signature().name, target);
+    return makeFunctionObject(callMember, function.signature().name,
+                              JS::ObjectValue(*makeFunction(function)));
 }
 
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
     JSContext* const context = engineContext();
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
     const ScriptContext& library = interpreter.context();
-    JS::RootedObject constructor(context, makeFunction(nativeConstructor(library, name, type)));
-    JS::RootedObject base(context, interpreter.realm().nativePrototype(type.super()));
-    JS::RootedObject prototype(context,
-                               checked(base ? JS_NewObjectWithGivenProto(context, nullptr, base)
-                                            : JS_NewPlainObject(context)));
+    const ObjectRoot constructor(makeFunction(nativeConstructor(library, name, type)));
+    const ObjectRoot base(interpreter.realm().nativePrototype(type.super()));
+    const ObjectRoot prototype(base ? checked(JS_NewObjectWithGivenProto(context, nullptr, base))
+                                    : newObject());
     checked(JS_LinkConstructorAndPrototype(context, constructor, prototype));
     interpreter.realm().addNativePrototype(typeId, type.super(), prototype);
-    JS::RootedObject function(context);
-    JS::RootedObject setter(context);
     for (const NativeMember& member : nativeMembers(library, name, type)) {
-        JS::RootedObject owner(context, member.isStatic() ? constructor : prototype);
-        function = makeFunction(member.function);
-        setter = member.setter ? makeFunction(*member.setter) : nullptr;
+        const JS::HandleObject owner = member.isStatic() ? constructor : prototype;
+        const ObjectRoot function(makeFunction(member.function));
+        const ObjectRoot setter(member.setter ? makeFunction(*member.setter) : nullptr);
         if (member.isProperty())
             defineAccessor(owner, member.name, function, setter);
         else
@@ -265,16 +252,13 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
 }
 
 JSObject* makeApplicationFunction(const QString& name) {
-    JS::RootedValue text(engineContext(), toJsText(name));
-    return makeFunctionObject(callApplicationFunction, name, text);
+    return makeFunctionObject(callApplicationFunction, name, toJsText(name));
 }
 
 JSObject* makeMethod(const SharedPtr<BoundMethod>& method) {
-    JSContext* const context = engineContext();
-    JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
-    JS::RootedObject held(context, makeHostObject(method, root));
-    return makeFunctionObject(callBoundMethod, method->displayName().section('.', -1),
-                              JS::ObjectValue(*held));
+    return makeFunctionObject(
+        callBoundMethod, method->displayName().section('.', -1),
+        JS::ObjectValue(*makeHostObject(method, ObjectRoot(rootPrototype()))));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,17 +1,16 @@
 #include "plugins/javascript/objectproxy.h"
 
-#include <js/PropertySpec.h>
-#include <jsfriendapi.h>
+#include <js/Proxy.h>
 
 #include <algorithm>
 
 #include "interpreter/language/objectcalls.h"
-#include "interpreter/objects/objectidentity.h"
+
 #include "plugins/javascript/errors.h"
+#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/objectproxyhandler.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
 #include "plugins/javascript/valuetext.h"
@@ -23,21 +22,116 @@ namespace {
 /// Names that the language asks any value for, where none is no error.
 constexpr const char* askedNames[] = {"then", "toJSON"};
 
-using HeldObject = SharedPtr<Object>;
-
-const HeldObject& objectOf(JSObject* proxy) {
-    return *static_cast<const HeldObject*>(heldByObjectProxy(proxy));
+LanguageInterpreter* active() {
+    return JavaScriptInterpreter::active();
 }
 
-bool isLanguagesOwn(JSContext* context, JS::HandleObject proxy, JS::HandleId name) {
-    if (name.isSymbol())
+// The traps of the handler. Each has the object that holds the application's as first argument, and
+// most have a key behind it.
+
+struct Access {
+    SharedPtr<Object> object;
+    IdRoot key;
+    /// Its text; null without one.
+    QString name;
+};
+using Trap = JS::Value (*)(const Access& access, const JS::CallArgs& arguments);
+
+/// As the engine calls it.
+template <Trap work>
+bool trap(JSContext* context, unsigned count, JS::Value* values) {
+    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+    Access access{heldBy<Object>(&arguments[0].toObject()), IdRoot(), {}};
+    const auto shownName = [&] {
+        return access.object->className() + (count > 1 ? '.' + access.name : QString());
+    };
+    return guarded(shownName, [&] {
+        if (count > 1) {
+            checked(JS_ValueToId(context, arguments[1], &access.key));
+            access.name = fromKey(access.key);
+        }
+        arguments.rval().set(work(access, arguments));
         return true;
-    JS::RootedObject prototype(context);
-    bool isThere = false;
-    checked(JS_GetPrototype(context, proxy, &prototype) &&
-            JS_HasPropertyById(context, prototype, name, &isThere));
-    return isThere;
+    });
 }
+
+bool isListed(const Access& access) {
+    return checked(listMembers(active(), access.object)).contains(access.name);
+}
+
+JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
+    const ObjectRoot prototype(prototypeOf(&arguments[0].toObject()));
+    if (arguments[1].isSymbol() || hasProperty(prototype, access.key))
+        return propertyOf(prototype, access.key);
+    const tl::expected<Member, ScriptFailure> member =
+        getMember(active(), access.object, access.name);
+    const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
+                                     [&](const char* each) { return access.name == each; });
+    if (!member && isAsked && member.error().kind == ScriptFailure::Kind::NoMember)
+        return JS::UndefinedValue();
+    checked(member);
+    const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member);
+    return own ? valueOf(*own).get() : JS::ObjectValue(*makeMethod(std::get<1>(*member)));
+}
+
+void write(const Access& access, const SharedPtr<ScriptArgument>& value) {
+    checked(setMember(active(), access.object, access.name, value));
+}
+
+JS::Value writeMember(const Access& access, const JS::CallArgs& arguments) {
+    write(access, argumentOf(arguments[2]));
+    return JS::TrueValue();
+}
+
+JS::Value defineMember(const Access& access, const JS::CallArgs& arguments) {
+    write(access, argumentOf(propertyOf(&arguments[2].toObject(), "value")));
+    return JS::TrueValue();
+}
+
+/// Always refuses.
+JS::Value deleteMember(const Access& access, const JS::CallArgs&) {
+    write(access, {});
+    return JS::FalseValue();
+}
+
+JS::Value hasMember(const Access& access, const JS::CallArgs&) {
+    return JS::BooleanValue(isListed(access));
+}
+
+JS::Value describeMember(const Access& access, const JS::CallArgs& arguments) {
+    if (!isListed(access))
+        return JS::UndefinedValue();
+    const ValueRoot value(readMember(access, arguments));
+    const ObjectRoot descriptor(newObject());
+    defineProperty(descriptor, QStringLiteral("value"), value);
+    for (const char* const each : {"writable", "enumerable", "configurable"})
+        defineProperty(descriptor, QString::fromLatin1(each), JS::TrueValue());
+    return JS::ObjectValue(*descriptor);
+}
+
+JS::Value listNames(const Access& access, const JS::CallArgs&) {
+    ValueRoots names;
+    QStringList members = checked(listMembers(active(), access.object));
+    members.removeDuplicates();
+    for (const QString& member : members)
+        names.add(toJsText(member));
+    return JS::ObjectValue(*newArray(names));
+}
+
+JS::Value refuse(const Access&, const JS::CallArgs&) {
+    return JS::FalseValue();
+}
+
+constexpr NativeRow traps[] = {
+    {"get", trap<readMember>},
+    {"set", trap<writeMember>},
+    {"defineProperty", trap<defineMember>},
+    {"deleteProperty", trap<deleteMember>},
+    {"has", trap<hasMember>},
+    {"getOwnPropertyDescriptor", trap<describeMember>},
+    {"ownKeys", trap<listNames>},
+    {"preventExtensions", trap<refuse>},
+};
 
 /// The object as text; for templates and sums of texts, too.
 JS::Value writeAsText(const JS::CallArgs& arguments) {
@@ -46,103 +140,39 @@ JS::Value writeAsText(const JS::CallArgs& arguments) {
 
 constexpr NativeRow functions[] = {{"toString", native<writeAsText>}};
 
-/// Runs `work` with the object and the member's name.
-template <typename Work>
-bool withMember(JSObject* proxy, JS::HandleId key, Work work) {
-    const auto shownName = [&] { return objectOf(proxy)->className() + '.' + fromKey(key); };
-    return guarded(shownName, [&] {
-        work(objectOf(proxy), fromKey(key));
-        return true;
-    });
-}
-
 }  // namespace
 
 JS::Value applicationObjectValue(const SharedPtr<Object>& object) {
-    if (!object)
-        return JS::NullValue();
     ScriptRealm* const realm = ScriptRealm::current();
-    JS::RootedObject prototype(engineContext(),
-                               realm ? realm->applicationObjectPrototype() : nullptr);
-    auto held = std::make_unique<HeldObject>(object);
-    JSObject* const proxy = checked(makeObjectProxy(engineContext(), held.get(), prototype));
-    static_cast<void>(held.release());  // the proxy's now
+    if (!object || !realm)
+        return JS::NullValue();
+    ValueRoots arguments;
+    arguments.add(JS::ObjectValue(*makeHostObject(object, realm->applicationObjectPrototype())))
+        .add(JS::ObjectValue(*realm->applicationObjectHandler()));
+    ObjectRoot proxy;
+    checked(JS::Construct(engineContext(), realm->proxyClass(), arguments, &proxy));
     return JS::ObjectValue(*proxy);
 }
 
 SharedPtr<Object> applicationObjectOf(JSObject* object) {
-    const auto* const held = static_cast<const HeldObject*>(heldByObjectProxy(object));
-    return held ? *held : SharedPtr<Object>();
-}
-
-bool isApplicationObject(JSObject* object) {
-    return heldByObjectProxy(object) != nullptr;
-}
-
-bool areSameApplicationObjects(JSObject* left, JSObject* right) {
-    return isSameObject(objectOf(left), objectOf(right));
+    // No script comes to what holds the object, so that no proxy of a script stands for it.
+    JSObject* const target = js::IsProxy(object) && js::GetProxyPrivate(object).isObject()
+                                 ? &js::GetProxyPrivate(object).toObject()
+                                 : nullptr;
+    return target ? heldBy<Object>(target) : SharedPtr<Object>();
 }
 
 JSObject* makeApplicationObjectPrototype() {
-    JSContext* const context = engineContext();
-    JS::RootedObject prototype(context, checked(JS_NewPlainObject(context)));
+    const ObjectRoot prototype(newObject());
     defineFunctions(prototype, functions);
     return prototype;
 }
 
-// What the handler does
-
-bool readObjectProxy(JSContext* context, JS::HandleObject proxy, JS::HandleId key,
-                     JS::MutableHandleValue value, bool* isOwn) {
-    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
-        *isOwn = !isLanguagesOwn(context, proxy, key);
-        if (!*isOwn)
-            return;
-        const tl::expected<Member, ScriptFailure> member =
-            getMember(JavaScriptInterpreter::active(), object, name);
-        const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
-                                         [&](const char* each) { return name == each; });
-        if (!member && isAsked && member.error().kind == ScriptFailure::Kind::NoMember) {
-            *isOwn = false;
-            return;
-        }
-        checked(member);
-        if (const auto* const own = std::get_if<SharedPtr<ScriptArgument>>(&*member))
-            value.set(valueOf(*own));
-        else
-            value.setObject(*makeMethod(std::get<1>(*member)));
-    });
-}
-
-bool writeObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId key, JS::HandleValue value) {
-    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
-        checked(setMember(JavaScriptInterpreter::active(), object, name, argumentOf(value)));
-    });
-}
-
-bool deleteOfObjectProxy(JSContext*, JS::HandleObject proxy, JS::HandleId key) {
-    return withMember(proxy, key, [&](const HeldObject& object, const QString& name) {
-        checked(setMember(JavaScriptInterpreter::active(), object, name, {}));
-    });
-}
-
-bool namesOfObjectProxy(JSContext* context, JS::HandleObject proxy,
-                        JS::MutableHandleIdVector names) {
-    const auto shownName = [&] { return objectOf(proxy)->className(); };
-    return guarded(shownName, [&] {
-        JS::RootedString text(context);
-        JS::RootedId name(context);
-        for (const QString& member :
-             checked(listMembers(JavaScriptInterpreter::active(), objectOf(proxy)))) {
-            text = toJsString(member);
-            checked(JS_StringToId(context, text, &name) && names.append(name));
-        }
-        return true;
-    });
-}
-
-void endObjectProxy(void* held) {
-    delete static_cast<HeldObject*>(held);
+JSObject* makeApplicationObjectHandler() {
+    const ObjectRoot handler(
+        checked(JS_NewObjectWithGivenProto(engineContext(), nullptr, nullptr)));
+    defineFunctions(handler, traps);
+    return handler;
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

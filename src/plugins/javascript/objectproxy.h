@@ -2,8 +2,6 @@
 
 #include <jsapi.h>
 
-#include <QString>
-
 #include "base/shared.h"
 #include "platform/objectmodel/object.h"
 
@@ -16,10 +14,13 @@ namespace Tamrix::JavaScriptPlugin {
 JS::Value applicationObjectValue(const SharedPtr<Object>& object);
 /// Null when it is none.
 SharedPtr<Object> applicationObjectOf(JSObject* object);
-bool isApplicationObject(JSObject* object);
-bool areSameApplicationObjects(JSObject* left, JSObject* right);
+inline bool isApplicationObject(JSObject* object) {
+    return bool(applicationObjectOf(object));
+}
 
 /// What such objects inherit from, in the current realm.
 JSObject* makeApplicationObjectPrototype();
+/// The handler of all proxies that are such objects, in the current realm.
+JSObject* makeApplicationObjectHandler();
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -11,7 +11,6 @@
 #include "interpreter/bridge/runnerinterface.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/jobqueue.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -29,42 +28,34 @@ void waitMeanwhile(double seconds) {
     blockingSleep(static_cast<unsigned long>(std::min(seconds, longestSleep) * 1e6));
 }
 
-void throwRejection(JS::HandleObject promise) {
+[[noreturn]] void throwRejection(JS::HandleObject promise) {
     JSContext* const context = engineContext();
     JS::SetSettledPromiseIsHandled(context, promise);
-    JS::RootedValue reason(context, JS::GetPromiseResult(promise));
-    JS::RootedObject stack(context);
-    if (reason.isObject()) {
-        JS::RootedObject error(context, &reason.toObject());
-        stack = JS::ExceptionStackOrNull(error);
-    }
-    const JS::ExceptionStack pending(context, reason, stack);
-    JS::SetPendingExceptionStack(context, pending);
+    const ValueRoot reason(JS::GetPromiseResult(promise));
+    const ObjectRoot error(reason);
+    const ObjectRoot stack(error ? JS::ExceptionStackOrNull(error) : nullptr);
+    JS::SetPendingExceptionStack(context, JS::ExceptionStack(context, reason, stack));
     throw ScriptErrorSet();
 }
 
 }  // namespace
 
 void settled(JS::MutableHandleValue value) {
-    JSContext* const context = engineContext();
-    if (!value.isObject())
-        return;
-    JS::RootedObject promise(context, &value.toObject());
-    if (!JS::IsPromiseObject(promise))
+    const ObjectRoot promise(value.get());
+    if (!promise || !JS::IsPromiseObject(promise))
         return;
     bool isSettled = false;
     checked(Engine::self().jobs().settle(promise, waitMeanwhile, &isSettled));
     if (!isSettled)
-        throwBuiltIn("Error", QStringLiteral("A promise is waited for that nothing will settle"));
+        throwBuiltIn(JSEXN_ERR, QStringLiteral("A promise is waited for that nothing will settle"));
     if (JS::GetPromiseState(promise) == JS::PromiseState::Rejected)
         throwRejection(promise);
     value.set(JS::GetPromiseResult(promise));
 }
 
 void throwUnhandledRejection() {
-    JSContext* const context = engineContext();
-    JS::RootedObject promise(context);
-    Engine::self().jobs().runJobs(context);
+    ObjectRoot promise;
+    Engine::self().jobs().runJobs(engineContext());
     if (Engine::self().jobs().takeUnhandledRejection(&promise))
         throwRejection(promise);
 }

@@ -4,10 +4,10 @@
 
 #include <QString>
 #include <memory>
-#include <unordered_map>
 
 #include "interpreter/language/nativeclasses.h"
 #include "plugins/javascript/modules.h"
+#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -24,46 +24,49 @@ public:
     /// That of the active interpreter; null when there is none.
     static ScriptRealm* current();
 
-    JSObject* global() const { return m_global; }
+    JS::HandleObject global() const { return m_global; }
     Modules& modules() { return m_modules; }
 
+    /// What the part of the library that is written in the language gives: `classes`, those of
+    /// errors by their names, `context`, the object of steps, and `makeTable`, which makes the
+    /// table of a step of its rows.
+    JS::Value ofLibrary(const char* name) const { return propertyOf(m_library, name); }
     /// A class of the namespace `tamrix`; undefined without.
     JS::Value errorClass(const char* name) const;
 
-    /// What steps and hooks are called with.
-    JSObject* stepContext() const { return m_stepContext; }
-    /// The function that makes the table of a step of its rows.
-    JSObject* tableMaker() const { return m_tableMaker; }
-
-    /// The object of a namespace, made on first use.
-    JSObject* nameSpace(const QString& name);
-
-    // What objects inherit from.
-    JSObject* applicationObjectPrototype() const { return m_applicationObjectPrototype; }
-    JSObject* applicationContextPrototype() const { return m_applicationContextPrototype; }
+    // Of an application's objects: what they inherit from, and of what they are made.
+    JS::HandleObject applicationObjectPrototype() const { return m_objectPrototype; }
+    JS::HandleObject applicationObjectHandler() const { return m_objectHandler; }
+    JS::HandleValue proxyClass() const { return m_proxyClass; }
+    // What other objects inherit from.
+    JS::HandleObject applicationContextPrototype() const { return m_contextPrototype; }
     /// Of a native class, or of the next one that it derives from; null without.
     JSObject* nativePrototype(void* typeId) const;
     void addNativePrototype(void* typeId, void* super, JSObject* prototype);
 
-    /// The one object of the script for an application.
-    JS::PersistentRootedObject& contextObject(int applicationId);
+    /// The objects of the script for applications, by their ids.
+    JS::HandleObject applicationContexts() const { return m_contexts; }
 
     /// A number that the function has as long as the realm is there.
     int numberOfFunction(JS::HandleObject function);
 
 private:
     JS::PersistentRootedObject m_global;
-    JS::PersistentRootedObject m_errorClasses;
-    JS::PersistentRootedObject m_stepContext;
-    JS::PersistentRootedObject m_tableMaker;
-    JS::PersistentRootedObject m_applicationObjectPrototype;
-    JS::PersistentRootedObject m_applicationContextPrototype;
+    JS::PersistentRootedObject m_library;
+    JS::PersistentRootedObject m_objectPrototype;
+    JS::PersistentRootedObject m_objectHandler;
+    JS::PersistentRootedValue m_proxyClass;
+    JS::PersistentRootedObject m_contextPrototype;
+    JS::PersistentRootedObject m_contexts;
     /// A WeakMap.
     JS::PersistentRootedObject m_functionNumbers;
     int m_lastFunctionNumber = 0;
     NativeClasses<std::shared_ptr<JS::PersistentRootedObject>> m_nativePrototypes;
-    std::unordered_map<int, JS::PersistentRootedObject> m_contextObjects;
+
     Modules m_modules;
 };
+
+/// A new global object, in a compartment of its own. Throws ScriptErrorSet.
+JSObject* newGlobal();
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,38 +1,33 @@
 #pragma once
 
+#include <js/Class.h>
+#include <js/CompileOptions.h>
 #include <js/SourceText.h>
 #include <jsapi.h>
 
 #include <QDateTime>
 #include <QString>
 #include <cstdint>
-#include <vector>
 
-#include "interpreter/language/scripterrorset.h"
-#include "plugins/javascript/engine.h"
+#include "plugins/javascript/roots.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 // Values of the engine and ours. All of these run in the realm of the script, on its thread. What
 // the engine refuses throws ScriptErrorSet.
 
-/// Throws ScriptErrorSet unless the engine did what it was asked.
-inline void checked(bool isDone) {
-    if (!isDone)
-        throw ScriptErrorSet();
-}
-template <typename T>
-T* checked(T* made) {
-    checked(made != nullptr);
-    return made;
-}
-
 /// A text; lone surrogates are kept both ways.
 JSString* toJsString(const QString& text);
+JS::Value toJsText(const QString& text);
 QString fromJsString(JSString* text);
+/// Of a value that is a text.
+inline QString fromJsText(const JS::Value& value) {
+    return fromJsString(value.toString());
+}
+/// The value as the language itself writes it, which may run code of the script.
+QString plainText(JS::HandleValue value);
 /// The text of a property's name or of a symbol.
 QString fromKey(jsid key);
-JS::Value toJsText(const QString& text);
 
 /// A number, or a BigInt where a number would lose digits.
 JS::Value toJsLongInteger(long long value);
@@ -43,40 +38,58 @@ inline JS::Value toJsInteger(long long value) {
 /// A Date; null for an invalid time.
 JS::Value toJsDate(const QDateTime& time);
 /// Invalid for what is no Date, and for one without a time.
-QDateTime fromJsDate(JS::HandleValue value);
+QDateTime fromJsDate(const JS::Value& value);
 /// A Uint8Array with a copy of the bytes.
 JS::Value toJsBytes(const QByteArray& bytes);
 bool isBytes(JSObject* object);
 QByteArray fromJsBytes(JSObject* object);
 
+/// A name as the engine knows properties by.
+jsid toKey(const QString& name);
 /// Undefined where there is none.
-JS::Value propertyOf(JS::HandleObject object, const char* name);
+JS::Value propertyOf(JSObject* object, const char* name);
+JS::Value propertyOf(JS::HandleObject object, jsid key);
+/// Whether the object has one, or inherits one.
+bool hasProperty(JS::HandleObject object, jsid key);
 /// The property's value without running a getter of the script; undefined for one with a getter.
-JS::Value dataPropertyOf(JS::HandleObject object, JS::HandleId key, bool* hasGetter = nullptr);
+JS::Value dataPropertyOf(JS::HandleObject object, jsid key, bool* hasGetter = nullptr);
 void defineProperty(JS::HandleObject object, const QString& name, const JS::Value& value,
                     unsigned attributes = JSPROP_ENUMERATE);
+JSObject* newObject();
+JSObject* newArray(const JS::HandleValueArray& elements);
+/// What new objects of the current realm inherit from.
+JSObject* rootPrototype();
+/// What the object inherits from; null for nothing.
+JSObject* prototypeOf(JSObject* object);
 
+bool isFunction(const JS::Value& value);
+/// What a function gives.
+JS::Value resultOf(JS::HandleValue function, const JS::HandleValueArray& arguments);
+
+/// Which of the language's own classes made the object.
+js::ESClass builtinClass(JSObject* object);
 /// An object that is a list of names and values: of no class, or a Map.
 bool isPlainObject(JSObject* object);
 bool isMapObject(JSObject* object);
-/// The elements of an array.
-void elementsOf(JS::HandleObject array, JS::MutableHandleValueVector elements);
-/// Of a Map keys and values in turn, of a Set its elements, at least the first `most`. Runs no code
-/// of the script, also while it stands still.
-void entriesOf(JS::HandleObject collection, JS::MutableHandleValueVector entries,
-               std::size_t most = SIZE_MAX);
-
-/// Whether two values are equal to a tester: the same, or lists and objects of equal members. One
-/// that holds itself is equal to one of the same shape. Throws ScriptErrorSet with a RangeError
-/// pending for values that are too deep.
-bool areEqual(JS::HandleValue left, JS::HandleValue right);
+/// The elements of an array; of a Map keys and values in turn, of a Set its elements, at least the
+/// first `most` of these two. Of a Map or Set it runs no code of the script, also while it stands
+/// still.
+void elementsOf(JS::HandleObject collection, JS::MutableHandleValueVector elements,
+                std::size_t most = SIZE_MAX);
 
 // Code
 
-/// The text as the compiler takes it, which has to outlive the source.
-void setSource(const QString& text, JS::SourceText<char16_t>* source);
-/// Runs code of the library's own, which stands in positions under a name in "<>". Its last value.
-JS::Value evaluateOwn(const QString& text, const char* name);
+/// Code as the compiler takes it. The text has to outlive it.
+struct Source {
+    /// `file` stands for the code in positions.
+    Source(const QString& code, const QString& file);
+
+    QByteArray name;
+    JS::CompileOptions options;
+    JS::SourceText<char16_t> text;
+};
+/// Runs code of the library's own, whose name is in "<>". Its last value.
+JS::Value evaluateOwn(const QString& code, const char* name);
 
 /// What is pending is forgotten.
 void clearException();

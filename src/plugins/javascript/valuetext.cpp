@@ -1,17 +1,21 @@
 #include "plugins/javascript/valuetext.h"
 
-#include <js/Conversions.h>
-#include <js/Object.h>
+#include <js/Array.h>
+#include <js/MapAndSet.h>
 #include <js/Proxy.h>
 #include <jsfriendapi.h>
 
 #include <QRegularExpression>
 #include <QStringList>
+#include <limits>
+#include <memory>
 
+#include "interpreter/language/literals.h"
+#include "interpreter/language/valuepath.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/hostobjects.h"
-#include "plugins/javascript/objectparts.h"
+#include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/objectproxy.h"
 #include "plugins/javascript/values.h"
 
@@ -19,14 +23,12 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-/// Objects in objects; deeper ones are left out.
-constexpr std::size_t deepest = 50;
+/// Objects in objects, without limits.
+constexpr int deepestOfWhole = 50;
 
-QString plainText(JS::HandleValue value) {
-    return fromJsString(checked(JS::ToString(engineContext(), value)));
-}
+const QString getter = QStringLiteral("[Getter]");
 
-/// What an accessor of the engine's own gives; an empty text for a failure, which is forgotten.
+/// What an accessor of the engine's own gives; the null text for a failure, which is forgotten.
 template <typename Read>
 QString quietly(Read read) {
     try {
@@ -40,167 +42,44 @@ QString quietly(Read read) {
 }
 
 /// A data property of the object or of what it inherits from; undefined for others.
-JS::Value inheritedData(JS::HandleObject object, const char* name) {
-    JSContext* const context = engineContext();
-    JS::RootedString text(context, checked(JS_AtomizeString(context, name)));
-    JS::RootedId key(context);
-    checked(JS_StringToId(context, text, &key));
-    JS::RootedObject holder(context, object);
-    while (holder && !js::IsProxy(holder)) {
+JS::Value inheritedData(JSObject* object, const char* name) {
+    ObjectRoot holder(object);
+    const IdRoot key(toKey(QString::fromLatin1(name)));
+    for (; holder && !js::IsProxy(holder); holder = prototypeOf(holder)) {
         bool hasGetter = false;
-        JS::RootedValue value(context, dataPropertyOf(holder, key, &hasGetter));
+        const ValueRoot value(dataPropertyOf(holder, key, &hasGetter));
         if (hasGetter || !value.isUndefined())
             return value;
-        JS::RootedObject next(context);
-        checked(JS_GetPrototype(context, holder, &next));
-        holder = next;
     }
     return JS::UndefinedValue();
 }
 
-/// Writes lists and objects with what is in them.
-class Writer {
-public:
-    QString text(JS::HandleValue value) {
-        if (value.isString())
-            return m_holders.empty() ? fromJsString(value.toString())
-                                     : quoted(fromJsString(value.toString()));
-        if (value.isSymbol()) {
-            JS::Rooted<JS::Symbol*> symbol(m_context, value.toSymbol());
-            return fromKey(JS::PropertyKey::Symbol(symbol));
-        }
-        if (!value.isObject())
-            return plainText(value);
-        JS::RootedObject object(m_context, &value.toObject());
-        for (std::size_t index = 0; index < m_holders.length(); ++index) {
-            if (m_holders[index] == object.get())
-                return QStringLiteral("[Circular]");
-        }
-        if (m_holders.length() >= deepest)
-            return QStringLiteral("...");
-        checked(m_holders.append(object));
-        const QString written = objectText(value, object);
-        m_holders.popBack();
-        return written;
-    }
-
-private:
-    QString objectText(JS::HandleValue value, JS::HandleObject object) {
-        if (const SharedPtr<Object> own = applicationObjectOf(object)) {
-            const ObjectResult<QString> text = Tamrix::objectText(own);
-            return text ? *text : '<' + own->className() + " object>";
-        }
-        if (const auto application = heldBy<ApplicationContext>(object))
-            return '<' + application->displayString() + '>';
-        if (JS::IsCallable(object))
-            return functionText(object);
-        js::ESClass kind = js::ESClass::Other;
-        checked(JS::GetBuiltinClass(m_context, object, &kind));
-        switch (kind) {
-            case js::ESClass::Array:
-                return '[' + partsText(object) + ']';
-            case js::ESClass::Map:
-                return "Map {" + partsText(object) + '}';
-            case js::ESClass::Set:
-                return "Set {" + partsText(object) + '}';
-            case js::ESClass::Date: {
-                const QDateTime time = fromJsDate(value);
-                return time.isValid() ? time.toString(Qt::ISODateWithMs)
-                                      : QStringLiteral("Invalid Date");
-            }
-            case js::ESClass::Error:
-                return errorText(object);
-            case js::ESClass::Object:
-                return hasOwnText(object) ? scriptText(value, object) : membersText(object);
-            default:
-                return scriptText(value, object);
-        }
-    }
-
-    QString partsText(JS::HandleObject object) {
-        static const QRegularExpression s_plainName(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
-        ObjectParts parts(object);
-        QStringList texts;
-        for (int number = 0; number < parts.count(); ++number) {
-            parts.read(number, [this](JS::HandleValue key) { return text(key); });
-            const QString& name = parts.property();
-            const bool isPlain = name.isNull() || name.contains(s_plainName);
-            texts.append((isPlain ? parts.label() : quoted(name) + ": ") +
-                         (parts.hasGetter() ? QStringLiteral("[Getter]") : text(parts.value())));
-        }
-        return texts.join(", ");
-    }
-
-    QString membersText(JS::HandleObject object) {
-        const QString className = isPlainObject(object) ? QString() : classNameOf(object);
-        return (className.isEmpty() ? QString() : className + ' ') + '{' + partsText(object) + '}';
-    }
-
-    /// Whether the script has said how objects of the kind are written.
-    bool hasOwnText(JS::HandleObject object) {
-        JS::RootedObject root(m_context, checked(JS::GetRealmObjectPrototype(m_context)));
-        JS::RootedValue own(m_context, inheritedData(object, "toString"));
-        return own.isObject() && own != inheritedData(root, "toString");
-    }
-
-    QString scriptText(JS::HandleValue value, JS::HandleObject object) {
-        const QString text = quietly([&] { return plainText(value); });
-        if (!text.isNull())
-            return text;
-        return QStringLiteral("<unprintable %1 object>").arg(classNameOf(object));
-    }
-
-    JSContext* m_context = engineContext();
-    JS::RootedObjectVector m_holders{m_context};
-};
-
-}  // namespace
-
-QString textOf(JS::HandleValue value) {
-    return Writer().text(value);
+/// The name that a function or a class was given; empty without one.
+QString nameOf(const JS::Value& maker) {
+    const ObjectRoot function(maker);
+    const ValueRoot name(function ? inheritedData(function, "name") : JS::UndefinedValue());
+    return name.isString() ? fromJsText(name) : QString();
 }
 
-QString quoted(const QString& text) {
-    QString written;
-    for (const QChar character : text) {
-        if (character == '\\' || character == '\'')
-            written += '\\';
-        if (character == '\n')
-            written += "\\n";
-        else if (character.unicode() < 0x20)
-            written += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            written += character;
-    }
-    return '\'' + written + '\'';
+/// The name of the class that made an object; empty without one. Runs no code of the script.
+QString classNameOf(JS::HandleObject object) {
+    return quietly([&] {
+        const ObjectRoot maker(inheritedData(object, "constructor"));
+        return maker && !js::IsProxy(maker) ? nameOf(JS::ObjectValue(*maker)) : QString();
+    });
 }
 
 QString functionText(JS::HandleObject function) {
-    const QString name = quietly([&] {
-        JS::RootedValue text(engineContext(), inheritedData(function, "name"));
-        return text.isString() ? fromJsString(text.toString()) : QString();
-    });
+    const QString name = quietly([&] { return nameOf(JS::ObjectValue(*function)); });
     return name.isEmpty() ? QStringLiteral("[Function]")
                           : QStringLiteral("[Function: %1]").arg(name);
 }
 
-QString classNameOf(JS::HandleObject object) {
-    return quietly([&] {
-        JSContext* const context = engineContext();
-        JS::RootedValue maker(context, inheritedData(object, "constructor"));
-        if (!maker.isObject() || js::IsProxy(&maker.toObject()))
-            return QString();
-        JS::RootedObject constructor(context, &maker.toObject());
-        JS::RootedValue name(context, inheritedData(constructor, "name"));
-        return name.isString() ? fromJsString(name.toString()) : QString();
-    });
-}
-
+/// An error's name and message, without what led to it.
 QString errorText(JS::HandleObject error) {
-    JSContext* const context = engineContext();
     const auto textProperty = [&](const char* property) {
         return quietly([&] {
-            JS::RootedValue value(context, propertyOf(error, property));
+            const ValueRoot value(propertyOf(error, property));
             return value.isUndefined() ? QString() : plainText(value);
         });
     };
@@ -213,18 +92,171 @@ QString errorText(JS::HandleObject error) {
     return message.isEmpty() ? name : name + ": " + message;
 }
 
+/// Whether the language or the script has said how objects of the kind are written.
+bool hasOwnText(JS::HandleObject object) {
+    const ValueRoot own(inheritedData(object, "toString"));
+    return builtinClass(object) != js::ESClass::Object ||
+           (own.isObject() && own != inheritedData(rootPrototype(), "toString"));
+}
+
+}  // namespace
+
+// Parts
+
+JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, int end, int depth) {
+    const ObjectRoot object(valueOf(value));
+    // Looking into a proxy of the script would run code of it.
+    const bool isProxy = object && js::IsProxy(object);
+    if (!object || JS::IsCallable(object) || (isProxy && !m_isWhole))
+        return {};
+    const js::ESClass kind = builtinClass(object);
+    if (kind == js::ESClass::Array) {
+        std::uint32_t length = 0;
+        checked(JS::GetArrayLength(engineContext(), object, &length));
+        return {static_cast<int>(length), [value](int number) {
+                    const ObjectRoot array(valueOf(value));
+                    return Part{QString::number(number),
+                                argumentOf(dataPropertyOf(array, JS::PropertyKey::Int(number)))};
+                }};
+    }
+    const bool isMap = kind == js::ESClass::Map;
+    if (isProxy || (!isMap && kind != js::ESClass::Set))
+        return propertiesOf(object);
+    const std::size_t width = isMap ? 2 : 1;
+    const auto entries = std::make_shared<JS::PersistentRootedVector<JS::Value>>(engineContext());
+    elementsOf(object, entries.get(), width * static_cast<std::size_t>(end));
+    const std::uint32_t count =
+        isMap ? JS::MapSize(engineContext(), object) : JS::SetSize(engineContext(), object);
+    return {static_cast<int>(count), [this, entries, width, depth](int number) {
+                const std::size_t index = width * static_cast<std::size_t>(number);
+                const Value element = argumentOf((*entries)[index + width - 1]);
+                QString name = QString::number(number);
+                if (width == 1)
+                    return Part{name, element};
+                const JS::HandleValue key = (*entries)[index];
+                const QString whole = text(argumentOf(key), depth + 1);
+                const QString written = m_isWhole ? whole : cut(whole);
+                // Objects that look alike are keys of their own.
+                name = key.isObject() ? QStringLiteral("%1: %2").arg(name, written) : written;
+                return Part{keyName(name), element, written + " => "};
+            }};
+}
+
+JavaScriptValueTexts::Parts JavaScriptValueTexts::propertiesOf(JS::HandleObject object) {
+    const auto keys = std::make_shared<JS::PersistentRootedIdVector>(engineContext());
+    checked(js::GetPropertyKeys(engineContext(), object, JSITER_OWNONLY, keys.get()));
+    const Value own = argumentOf(JS::ObjectValue(*object));
+    return {static_cast<int>(keys->length()), [this, keys, own](int number) {
+                static const QRegularExpression s_plainName(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
+                const jsid key = (*keys)[static_cast<std::size_t>(number)];
+                const QString name = fromKey(key);
+                bool hasGetter = false;
+                const ValueRoot value(dataPropertyOf(ObjectRoot(valueOf(own)), key, &hasGetter));
+                Value part = argumentOf(value);
+                if (hasGetter)
+                    part = m_isWhole ? Value() : argumentOf(toJsText(getter));
+                return Part{pathPart(name), part,
+                            (name.contains(s_plainName) ? name : quoted(name)) + ": "};
+            }};
+}
+
+// Texts
+
+QString JavaScriptValueTexts::text(const Value& own, int depth) {
+    // Of a property with a getter there is no value.
+    if (!own)
+        return getter;
+    const JS::HandleValue value = valueOf(own);
+    if (value.isString()) {
+        const QString text = fromJsText(value);
+        if (m_isWhole)
+            return depth == 0 ? text : quoted(text);
+        // With one more character where there are more, so that it shows.
+        return quoted(text.left(longest + (text.size() > longest ? 1 : 0)));
+    }
+    if (value.isSymbol())
+        return fromKey(JS::PropertyKey::Symbol(value.toSymbol()));
+    if (!value.isObject())
+        return plainText(value) + (value.isBigInt() && !m_isWhole ? "n" : "");
+    const ObjectRoot object(value);
+    if (!m_isWhole)
+        return objectText(own, object, depth);
+    for (JSObject* const each : m_holders) {
+        if (each == object)
+            return QStringLiteral("[Circular]");
+    }
+    checked(m_holders.append(object));
+    const QString written = objectText(own, object, depth);
+    m_holders.popBack();
+    return written;
+}
+
+QString JavaScriptValueTexts::innerText(const Value& own, int depth) {
+    if (!m_isWhole)
+        return partsText(own, depth);
+    if (depth >= deepestOfWhole)
+        return QStringLiteral("...");
+    const Parts parts = partsOf(own, std::numeric_limits<int>::max(), depth);
+    QStringList texts;
+    for (int number = 0; number < parts.count; ++number) {
+        const Part part = parts.at(number);
+        texts.append(part.label + text(part.value, depth + 1));
+    }
+    return texts.join(", ");
+}
+
+QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject object, int depth) {
+    if (const SharedPtr<Object> held = applicationObjectOf(object)) {
+        const ObjectResult<QString> text = Tamrix::objectText(held);
+        return text ? *text : '<' + held->className() + " object>";
+    }
+    if (const auto application = heldBy<ApplicationContext>(object))
+        return '<' + application->displayString() + '>';
+    if (js::IsProxy(object) && !m_isWhole)
+        return QStringLiteral("[Proxy]");
+    if (JS::IsCallable(object))
+        return functionText(object);
+    const js::ESClass kind = builtinClass(object);
+    if (kind == js::ESClass::Error)
+        return errorText(object);
+    if (kind == js::ESClass::Date) {
+        const QDateTime time = fromJsDate(valueOf(own));
+        return time.isValid() ? time.toString(Qt::ISODateWithMs) : QStringLiteral("Invalid Date");
+    }
+    if (kind == js::ESClass::Array)
+        return '[' + innerText(own, depth) + ']';
+    const bool isCollection = kind == js::ESClass::Map || kind == js::ESClass::Set;
+    if (m_isWhole && !isCollection && hasOwnText(object)) {
+        const QString text = quietly([&] { return plainText(valueOf(own)); });
+        return text.isNull() ? QStringLiteral("<unprintable %1 object>").arg(classNameOf(object))
+                             : text;
+    }
+    QString name = isPlainObject(object) ? QString() : classNameOf(object);
+    if (isCollection && !m_isWhole)
+        name += QStringLiteral("(%1)").arg(partsOf(own, 0).count);
+    return (name.isEmpty() ? QString() : name + ' ') + '{' + innerText(own, depth) + '}';
+}
+
+QString textOf(JS::HandleValue value) {
+    return JavaScriptValueTexts(JavaScriptValueTexts::Extent::Whole).wholeText(argumentOf(value));
+}
+
 QString typeNameOf(JS::HandleValue value) {
     if (value.isNull())
         return QStringLiteral("null");
     if (!value.isObject())
         return QString::fromLatin1(JS::InformalValueTypeName(value));
-    JS::RootedObject object(engineContext(), &value.toObject());
+    const ObjectRoot object(value);
     if (isApplicationObject(object))
         return QStringLiteral("Object");
     if (JS::IsCallable(object))
         return QStringLiteral("function");
     const QString name = classNameOf(object);
     return name.isEmpty() ? QStringLiteral("object") : name;
+}
+
+QString quoted(const QString& text) {
+    return literalOf(text, {.quote = '\''});
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

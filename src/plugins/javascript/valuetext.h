@@ -3,14 +3,44 @@
 #include <jsapi.h>
 
 #include <QString>
-#include <functional>
+
+#include "interpreter/language/valuetexts.h"
+#include "plugins/javascript/engine.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// A value as text, as results and `console.log` show it: a text itself, lists and objects with
-/// what is in them, an error with its name, everything else as the language writes it. Code of the
-/// script runs only for an object that has a `toString` of its own; what it throws shows as
+/// Writes values, and tells what they consist of: elements of an array or a Set, entries of a Map,
+/// properties of any other object, in their order. Lists and objects are written with what is in
+/// them, an error with its name, everything else as the language writes it.
+///
+/// For a person who looks at a script that stands still it runs no code of the script. Whole, as
+/// in results, it does for an object that has a `toString` of its own; what that throws shows as
 /// "<unprintable NAME object>", and what ends the script passes as ScriptErrorSet.
+class JavaScriptValueTexts final : public ValueTexts {
+public:
+    enum class Extent { Limited, Whole };
+    explicit JavaScriptValueTexts(Extent extent = Extent::Limited)
+        : m_isWhole(extent == Extent::Whole) {}
+    /// Without limits.
+    QString wholeText(const Value& value) { return text(value, 0); }
+
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& own, int depth) override;
+
+private:
+    QString objectText(const Value& own, JS::HandleObject object, int depth);
+    Parts propertiesOf(JS::HandleObject object);
+    QString innerText(const Value& own, int depth);
+
+    bool m_isWhole;
+
+    /// The objects that are being written whole, the outermost first.
+    JS::PersistentRootedVector<JSObject*> m_holders{engineContext()};
+};
+
+/// A value as results and `console.log` show it: a text itself, all others whole.
 QString textOf(JS::HandleValue value);
 
 /// The language's name of the value's type: that of `typeof`, "null", or the class of an object.
@@ -18,14 +48,5 @@ QString typeNameOf(JS::HandleValue value);
 
 /// A text as code has it, in single quotes.
 QString quoted(const QString& text);
-
-/// "[Function: name]".
-QString functionText(JS::HandleObject function);
-
-/// An error's name and message, without what led to it.
-QString errorText(JS::HandleObject error);
-
-/// The name of the class that made an object; empty without one. Runs no code of the script.
-QString classNameOf(JS::HandleObject object);
 
 }  // namespace Tamrix::JavaScriptPlugin

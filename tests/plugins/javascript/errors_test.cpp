@@ -41,7 +41,12 @@ TEST_F(JavaScriptErrors, StandAtTheirLines) {
                   "    await late();\n"
                   "}\n"
                   "function endless() { return endless() + 1; }\n"
-                  "function callback() { [1].map(() => inner()); }\n"),
+                  "function callback() { [1].map(() => inner()); }\n"
+                  "class Own extends Error {}\n"
+                  "class More extends Own {}\n"
+                  "function ownError() {\n"
+                  "    throw new More('x');\n"
+                  "}\n"),
               "");
     const struct {
         const char* function;
@@ -55,6 +60,8 @@ TEST_F(JavaScriptErrors, StandAtTheirLines) {
         {"inClass", "TypeError: null has no properties", {16, 18}},
         {"waiting", "RangeError: bad", {2, 21, 24}},
         {"callback", "RangeError: bad", {2, 27, 27}},
+        // Classes without a constructor run one that stands nowhere.
+        {"ownError", "More: x", {31}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(call(row.function), row.message);

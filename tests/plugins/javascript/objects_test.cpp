@@ -83,6 +83,8 @@ test.compare(object.properties(b).text, "Cancel");
 test.compare(object.children(object.parent(b)), [b]);
 test.compare(`${b}`, "{name='ok' type='Button'}");
 test.compare(JSON.stringify({b: b.text}), '{"b":"Cancel"}');
+Object.defineProperty(b, "width", {value: 8});
+test.verify(b.width === 8 && Object.getOwnPropertyDescriptor(b, "nothing") === undefined);
 b.tags = [];
 )js"),
               "");
@@ -95,6 +97,7 @@ b.tags = [];
         {"b.q = 1", "ReferenceError: 'Button' has no property or method 'q'"},
         {"delete b.text", "ReferenceError: The property 'text' of 'Button' can't be deleted"},
         {"b.resize = 1", "ReferenceError: 'resize' of 'Button' is a method: call it instead"},
+        {"Object.preventExtensions(b)", "TypeError: "},
         {"b.text = Math.max",
          "TypeError: A value of type 'function' can't be passed to an application"},
         {"const c = []; c.push(c); b.tags = c",
