@@ -58,11 +58,11 @@ jsid dataSetKey() {
 JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
     JSContext* const context = engineContext();
     JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
-    JS::RootedObject row(context,
-                         makeHostObject(SharedPtr<HeldRecord>(new HeldRecord(set, record)), root));
+    const SharedPtr<HeldRecord> held(new HeldRecord(set, record));
+    JS::RootedObject row(context, makeHostObject(held, root));
     const TestDataRecord* const header = set->header();
     JS::RootedValue value(context);
-    for (int column = 0; column < record->count(); ++column) {
+    for (int column = 0; column < held->width(); ++column) {
         value = toJsText(record->valueAsString(column));
         // The columns are there as well, and are not shown.
         checked(JS_DefineElement(context, row, static_cast<std::uint32_t>(column), value, 0));
