@@ -8,6 +8,5 @@ function main() {
     }
     test.compare(testData.fieldNames(last), ["Name", "Age"]);  // @names
     const odd = testData.dataset("data_sets_odd.csv");
-    test.compare([odd[0][0], odd[0][1], odd[0].twice], ["1", "", ""]);  // @short
-    test.compare([odd[1][1], odd[1].twice], ["2", "3"]);  // @twice
+    test.compare([odd[0][1], odd[0].twice], ["2", "3"]);  // @twice
 }

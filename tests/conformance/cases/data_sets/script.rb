@@ -7,6 +7,5 @@ def main
   end
   test.compare(testData.fieldNames(records[-1]), %w[Name Age]) # @names
   odd = testData.dataset('data_sets_odd.csv')
-  test.compare([odd[0][0], odd[0][1], odd[0]['twice']], ['1', '', '']) # @short
-  test.compare([odd[1][1], odd[1]['twice']], %w[2 3]) # @twice
+  test.compare([odd[0][1], odd[0]['twice']], %w[2 3]) # @twice
 end
