@@ -10,6 +10,7 @@
 #include <concepts>
 
 #include "interpreter/language/prelude.h"
+#include "plugins/javascript/enginefiles.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/scriptrealm.h"
@@ -164,7 +165,7 @@ void DebuggerRealm::setSilent(bool isSilent) {
 }
 
 void DebuggerRealm::setBreakLines(const QString& file, const std::vector<int>& lines) {
-    call("setBreakLines", file, lines);
+    call("setBreakLines", fileForEngine(file), lines);
 }
 
 template <typename Tell>
@@ -181,7 +182,7 @@ bool DebuggerRealm::tell(Tell tell) {
 
 bool DebuggerRealm::tellLine(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const QString file = fromJsString(arguments[0].toString());
+    const QString file = fileFromEngine(arguments[0].toString());
     const int line = arguments[1].toInt32();
     arguments.rval().setUndefined();
     return tell([&](DebuggeeListener& listener) { listener.lineReached(file, line); });
@@ -207,7 +208,7 @@ std::vector<DebuggerRealm::Frame> DebuggerRealm::frames() {
     for (std::size_t index = 0; index + 3 < parts.length(); index += 4) {
         found.push_back(
             {std::make_shared<JS::PersistentRootedObject>(context, &parts[index].toObject()),
-             fromJsString(parts[index + 1].toString()),
+             fileFromEngine(parts[index + 1].toString()),
              static_cast<int>(parts[index + 2].toNumber()),
              static_cast<int>(parts[index + 3].toNumber())});
     }

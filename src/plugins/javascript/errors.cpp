@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "plugins/javascript/enginefiles.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
@@ -305,7 +306,7 @@ std::vector<LineInfo> linesOfStack(JS::HandleObject stack) {
             JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded) !=
                 JS::SavedFrameResult::Ok)
             break;
-        const LineInfo place = placeOfCode(fromJsString(source), static_cast<int>(line));
+        const LineInfo place = placeOfCode(fileFromEngine(source), static_cast<int>(line));
         if (place.isValid())
             lines.push_back(place);
         // A function that has waited goes on behind that which began it.
