@@ -109,6 +109,28 @@ TEST_P(ObjectsTest, MethodsAreCalledByTheTypesOfTheirArguments) {
     }
 }
 
+TEST_P(ObjectsTest, ValuesAreNeverCutForAType) {
+    const struct {
+        QString method;
+        QVariant value;
+        /// Null where it is refused.
+        QString shown;
+    } cases[] = {
+        {"showFloat", 0.1, "0.1"},        {"showFloat", 1e300, {}},
+        {"showShort", "7", "7"},          {"showShort", 7.0, "7"},
+        {"showShort", 1.5, {}},           {"showShort", "70000", {}},
+        {"showCharacter", "ä", "ä"},      {"showCharacter", "ab", {}},
+        {"showKeys", "Ctrl+A", "Ctrl+A"}, {"showKeys", "Nonsense+A", {}},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(m_client.invoke(m_window, each.method, {each.value}).toString(), each.shown)
+            << each.method.toStdString() << ' ' << m_client.lastError().toStdString();
+    EXPECT_FALSE(write({"type=QGroupBox"}, "alignment", 1.5));
+    EXPECT_TRUE(m_client.lastError().contains("can't be 1.5"));
+    EXPECT_FALSE(m_client.read(m_window, "palette").isValid());
+    EXPECT_TRUE(m_client.lastError().contains("is of type QPalette, whose values can't be"));
+}
+
 TEST_P(ObjectsTest, AMethodThatOpensADialogIsAnsweredWhileItRuns) {
     EXPECT_FALSE(m_client.invoke(m_window, "openDialog").isValid());
     EXPECT_EQ(m_client.lastError(), "");

@@ -200,7 +200,7 @@ protected:
         return path;
     }
     QString pathOf(QString name) const {
-        return QFileInfo(folder.path()).canonicalFilePath() + "/suite_debugged/" +
+        return QFileInfo(folder.path()).canonicalFilePath() + "/süite debugged/" +
                name.replace("{}", GetParam().suffix);
     }
     /// The line with a mark.
@@ -293,6 +293,7 @@ TEST_P(DapLanguages, StepsThroughModulesToAnErrorThatNothingCatches) {
     EXPECT_EQ(value(variables[nameOf("left")]), "2");
     EXPECT_EQ(value(variables[nameOf("right")]), "5");
     EXPECT_EQ(evaluated(language.sum), "7");
+    EXPECT_NE(client.error("evaluate", {{"expression", "1 +"}}), "");
     // What the caller has.
     const QJsonObject callers = client.variables(scopeOf(2));
     EXPECT_EQ(value(callers[nameOf("total")]), "2");
@@ -314,6 +315,21 @@ TEST_P(DapLanguages, StepsThroughModulesToAnErrorThatNothingCatches) {
     EXPECT_EQ(exitCodeOfRun(), 1);
     EXPECT_EQ(client.output("stdout"), "40\n");
     EXPECT_TRUE(client.fitsProtocol());
+}
+
+TEST_P(DapLanguages, ABreakPointWhereTheRunBeginsIsTheSameStop) {
+    const DebuggedLanguage& language = GetParam();
+    write("shared/scripts/helper.{}", language.helper);
+    const QString script = write("sums/test.{}", language.script);
+    client.launch({{"suite", pathOf("")}, {"stopOnEntry", true}});
+    client.body("configurationDone");
+    const QString entry = client.stop();
+    EXPECT_TRUE(entry.startsWith(QStringLiteral("entry test.%1:").arg(language.suffix)));
+    const int begin = entry.section(':', -1).toInt();
+    client.setBreakPoints(script, {begin, line(language.script, "@one")});
+    EXPECT_EQ(after("continue"), at("breakpoint", "test.{}", language.script, "@one"));
+    client.body("disconnect");
+    EXPECT_EQ(process.exitCode(), 0) << process.errors().constData();
 }
 
 TEST_P(DapLanguages, StepsOfAFeatureFileAndTheirFunctions) {

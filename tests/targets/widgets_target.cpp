@@ -11,6 +11,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -66,6 +67,11 @@ public:
     }
     Q_INVOKABLE void weigh(int weight, Window::Odd /*odd*/) const { Q_UNUSED(weight) }
     Q_INVOKABLE void fail() const { throw 1; }
+    // Types with room for some numbers and texts only.
+    Q_INVOKABLE QString showFloat(float value) const { return QString::number(value); }
+    Q_INVOKABLE QString showShort(short value) const { return QString::number(value); }
+    Q_INVOKABLE QString showCharacter(QChar value) const { return value; }
+    Q_INVOKABLE QString showKeys(const QKeySequence& value) const { return value.toString(); }
 
 public Q_SLOTS:
     void removeList() {

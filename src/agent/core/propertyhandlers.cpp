@@ -1,5 +1,7 @@
 #include "agent/core/propertyhandlers.h"
 
+#include <QByteArray>
+#include <QDataStream>
 #include <QMetaProperty>
 
 #include "agent/core/classinfo.h"
@@ -10,6 +12,7 @@
 #include "agent/core/toolkit.h"
 #include "agent/core/valueconversion.h"
 #include "agent/core/vocabulary.h"
+#include "wire/value.h"
 
 namespace Tamrix::Agent {
 
@@ -21,6 +24,22 @@ void failUnknown(const Element& element, const QString& name, const ResponderPtr
         QStringLiteral("%1 has no property '%2'").arg(Session::self()->describe(element), name));
 }
 
+/// Whether a value is of no kind that travels, and would arrive as an invalid one. A null pointer
+/// and what has no value are invalid on purpose.
+bool isOfNoKind(const QVariant& value) {
+    const int type = value.userType();
+    if (!value.isValid() || type == QMetaType::Void || type == QMetaType::Nullptr ||
+        value.canConvert<QString>())
+        return false;
+    const auto bytesOf = [](const QVariant& each) {
+        QByteArray bytes;
+        QDataStream stream(&bytes, QIODevice::WriteOnly);
+        Wire::writeValue(stream, each);
+        return bytes;
+    };
+    return bytesOf(value) == bytesOf(QVariant());
+}
+
 void readProperty(const Wire::PropertyAccess& request, const ResponderPtr& responder) {
     const Element element = Session::self()->findOrFail(request.handle, responder);
     if (element.isNull())
@@ -28,10 +47,16 @@ void readProperty(const Wire::PropertyAccess& request, const ResponderPtr& respo
     bool isKnown = false;
     Wire::Value value;
     value.value = propertyValue(element, request.name, &isKnown);
-    if (isKnown)
-        responder->replyBody(value);
-    else
+    if (!isKnown)
         failUnknown(element, request.name, responder);
+    else if (isOfNoKind(value.value))
+        responder->fail(FailureKind::Refused,
+                        QStringLiteral("the property '%1' of %2 is of type %3, whose values can't "
+                                       "be passed on")
+                            .arg(request.name, Session::self()->describe(element),
+                                 QString::fromLatin1(value.value.typeName())));
+    else
+        responder->replyBody(value);
 }
 
 void readProperties(const Wire::ObjectHandle& request, const ResponderPtr& responder) {

@@ -1,9 +1,11 @@
 #include "agent/core/valueconversion.h"
 
+#include <QKeySequence>
 #include <QMetaEnum>
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
+#include <QUuid>
 #include <cmath>
 #include <limits>
 
@@ -51,6 +53,33 @@ bool isInRange(const QVariant& value, int typeId) {
     }
 }
 
+/// Whether a number became another one, as one that does not fit does. A real number may lose
+/// digits that its new type has no room for.
+bool isOtherNumber(const QVariant& before, const QVariant& after) {
+    const double wanted = before.toDouble();
+    const double got = after.toDouble();
+    if (std::isnan(wanted))
+        return !std::isnan(got);
+    if (after.userType() == QMetaType::Float)
+        return std::isinf(got) != std::isinf(wanted) ||
+               static_cast<double>(static_cast<float>(wanted)) != got;
+    return wanted != got;
+}
+
+/// Whether Qt made something of a text that says nothing of it.
+bool isLostText(const QString& text, const QVariant& converted) {
+    const int type = converted.userType();
+    if (type == QMetaType::QUuid)
+        return converted.toUuid().isNull() && text.count(QLatin1Char('0')) < 32;
+    if (type == QMetaType::QKeySequence)
+        return !text.isEmpty() && converted.toString().isEmpty();
+    // Qt looks at the limits of the large types alone.
+    if (isNumber(type) && type != QMetaType::Double && type != QMetaType::Float)
+        return converted.toLongLong() != text.toLongLong() &&
+               converted.toULongLong() != text.toULongLong();
+    return false;
+}
+
 /// The object of a handle as a pointer of class `typeName` ("QWidget*").
 Fit convertObject(const QVariant& value, const QByteArray& typeName, QVariant* converted) {
     void* pointer = nullptr;
@@ -86,6 +115,7 @@ QMetaEnum findEnum(const QMetaObject* scope, const QByteArray& typeName) {
 Fit convertEnum(const QVariant& value, const QMetaEnum& metaEnum, QVariant* converted) {
     bool isGood = isInRange(value, QMetaType::Int);
     int number = isGood ? value.toInt(&isGood) : 0;
+    isGood = isGood && (!isNumber(value.userType()) || number == value.toDouble());
     if (value.userType() == QMetaType::QString && !isGood) {
         QByteArray keys = value.toString().toUtf8();
         keys = keys.mid(keys.lastIndexOf(':') + 1);
@@ -122,10 +152,20 @@ Fit convertValue(const QVariant& value, int typeId, const QByteArray& typeName,
         return text == QLatin1String("true") || text == QLatin1String("false") ? Fit::Converted
                                                                                : Fit::None;
     }
+    if (from == QMetaType::QString && typeId == QMetaType::QChar) {
+        const QString text = value.toString();
+        if (text.size() != 1)
+            return Fit::None;
+        *converted = text.at(0);
+        return Fit::Converted;
+    }
     if (!isInRange(value, typeId) || !convertVariant(converted, typeId))
         return Fit::None;
-    // A number that doesn't fit would become another one.
-    if (isNumber(from) && isNumber(typeId) && converted->toDouble() != value.toDouble())
+    if (from == QMetaType::QString && isLostText(value.toString(), *converted))
+        return Fit::None;
+    const bool becomesNumber =
+        isNumber(typeId) || (QMetaType(typeId).flags() & QMetaType::IsEnumeration);
+    if (isNumber(from) && becomesNumber && isOtherNumber(value, *converted))
         return Fit::None;
     return isNumber(from) && isNumber(typeId) ? Fit::Near : Fit::Converted;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <utility>
 
 #include "base/shared.h"
@@ -11,6 +12,12 @@ namespace Tamrix {
 struct HeldRecord : Shared {
     HeldRecord(SharedPtr<TestDataSet> owner, const TestDataRecord* row)
         : set(std::move(owner)), record(row) {}
+
+    /// The number of its columns: of those that a short row lacks the values are empty texts.
+    int width() const {
+        const TestDataRecord* const header = set->header();
+        return std::max(record->count(), header ? header->count() : 0);
+    }
 
     SharedPtr<TestDataSet> set;
     const TestDataRecord* record;

@@ -128,8 +128,15 @@ void recordsOf(ScriptContext* context) {
 }
 
 void valuesOf(ScriptContext* context) {
-    if (const TestDataRecord* const record = givenRecord(*context))
-        context->setListResult(fieldsOf(record));
+    const TestDataRecord* const record = givenRecord(*context);
+    if (!record)
+        return;
+    QStringList values = fieldsOf(record);
+    // What a short row lacks is empty.
+    const TestDataRecord* const header = record->dataSet()->header();
+    while (header && values.size() < header->count())
+        values.append(QLatin1String(""));
+    context->setListResult(values);
 }
 
 void namesOf(ScriptContext* context) {

@@ -1,6 +1,7 @@
 #include "interpreter/objects/objectvalues.h"
 
 #include <QDateTime>
+#include <cmath>
 #include <limits>
 
 #include "interpreter/bridge/scriptcontext.h"
@@ -51,6 +52,12 @@ bool isIntegerType(const QString& typeName) {
                                         "ulong",    "short",     "ushort",    "char",       "uchar",
                                         "longlong", "ulonglong", "qint64",    "quint64"};
     return s_names.contains(typeName);
+}
+
+/// Of 64 bits at most.
+bool isWhole(const ScriptArgument& number) {
+    const double value = number.isInteger() ? 0 : number.toDouble();
+    return std::trunc(value) == value && std::abs(value) < 0x1p63;
 }
 
 bool isFloatType(const QString& typeName) {
@@ -125,7 +132,8 @@ Outcome<SharedPtr<Object>> objectOfValue(const SharedPtr<ScriptArgument>& value,
     if (!variant)
         return fail(FailureKind::BadArgument, "A value of type '" + value->typeName() +
                                                   "' can't be passed to an application");
-    if (value->isNumber() && isIntegerType(typeName))
+    // A number with a fraction stays one: the application refuses to cut it, and says for what.
+    if (value->isNumber() && isIntegerType(typeName) && isWhole(*value))
         variant = value->toInt();
     else if (value->isNumber() && isFloatType(typeName))
         variant = value->toDouble();

@@ -6,6 +6,7 @@
 #include <jsfriendapi.h>
 
 #include "interpreter/language/prelude.h"
+#include "plugins/javascript/enginefiles.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/javascriptdebugger.h"
@@ -70,7 +71,7 @@ DebuggerRealm::Variables variablesIn(const JS::Value& list) {
 // What the debugger tells
 
 void tellLine(const JS::CallArgs& arguments) {
-    const QString file = fromJsText(arguments[0]);
+    const QString file = fileFromEngine(fromJsText(arguments[0]));
     if (JavaScriptDebugger* const listener = DebuggerRealm::self().listener()) {
         const JSAutoRealm inside(engineContext(), DebuggerRealm::self().watched());
         listener->reached(file, arguments[1].toInt32());
@@ -153,7 +154,8 @@ void DebuggerRealm::setBreakLines(const QString& file, const std::vector<int>& l
         const JSAutoRealm inside(engineContext(), m_global);
         list = newArray(numbers);
     }
-    call("setBreakLines", ValueRoots().add(toJsText(file)).add(JS::ObjectValue(*list)));
+    call("setBreakLines",
+         ValueRoots().add(toJsText(fileForEngine(file))).add(JS::ObjectValue(*list)));
 }
 
 void DebuggerRealm::setSilent(bool isSilent) {
@@ -167,7 +169,7 @@ std::vector<ScriptFrame> DebuggerRealm::frames() {
     std::vector<ScriptFrame> found;
     for (std::size_t index = 0; index + 3 < parts.length(); index += 4) {
         // As the engine names it: code of an `eval` has a name of its own.
-        const QString file = parts.text(index + 1);
+        const QString file = fileFromEngine(parts.text(index + 1));
         const LineInfo place = placeOfCode(file, static_cast<int>(parts[index + 2].toNumber()));
         const int column = static_cast<int>(parts[index + 3].toNumber());
         if (place.isValid())

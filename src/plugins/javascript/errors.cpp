@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "plugins/javascript/enginefiles.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/scriptrealm.h"
 #include "plugins/javascript/values.h"
@@ -100,7 +101,7 @@ StackLines linesOfStack(JS::HandleObject stack) {
                 JS::SavedFrameResult::Ok)
             break;
         found.outermost = static_cast<int>(line);
-        const LineInfo place = placeOfCode(fromJsString(file), found.outermost);
+        const LineInfo place = placeOfCode(fileFromEngine(fromJsString(file)), found.outermost);
         if (place.isValid() && found.lines.size() < mostLines)
             found.lines.push_back(place);
         // A function that has waited goes on behind that which began it.

@@ -55,10 +55,10 @@ jsid dataSetKey() {
 }
 
 JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
-    const ObjectRoot row(makeHostObject(SharedPtr<HeldRecord>(new HeldRecord(set, record)),
-                                        ObjectRoot(rootPrototype())));
+    const SharedPtr<HeldRecord> held(new HeldRecord(set, record));
+    const ObjectRoot row(makeHostObject(held, ObjectRoot(rootPrototype())));
     const TestDataRecord* const header = set->header();
-    for (int column = 0; column < record->count(); ++column) {
+    for (int column = 0; column < held->width(); ++column) {
         const ValueRoot value(toJsText(record->valueAsString(column)));
         // The columns are there as well, and are not shown.
         defineProperty(row, QString::number(column), value, 0);

@@ -73,7 +73,8 @@ bool PerlArgument::isString() const {
 }
 
 bool PerlArgument::isStringLike() const {
-    if (isString())
+    // Perl makes no difference between 5 and '5'.
+    if (isString() || isNumber())
         return true;
     dTHX;
     return sv_isobject(value()) && SvAMAGIC(value()) && !SvREADONLY(SvRV(value())) &&

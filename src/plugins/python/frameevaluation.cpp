@@ -4,6 +4,7 @@
 
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythoninterpreter.h"
+#include "plugins/python/valuetext.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -104,7 +105,7 @@ PyRef run(PythonInterpreter& interpreter, PyObject* globals, PyObject* locals,
     }
     if (!passed)
         return {};
-    return result ? PyRef::steal(PyObject_Repr(result.get())) : toPyString(QString());
+    return result ? timedRepresentation(result.get()) : toPyString(QString());
 }
 
 }  // namespace

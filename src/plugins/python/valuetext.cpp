@@ -85,6 +85,12 @@ void expired() {
     PyErr_SetInterruptEx(TimeLimit::signal());
 }
 
+void startTimeLimits() {
+    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
+    if (!timeLimitExceeded())
+        PyErr_Clear();
+}
+
 /// A text or bytes, cut before their representation is made.
 QString sliceText(PyObject* value) {
     const Py_ssize_t length = PyUnicode_Check(value) ? PyUnicode_GET_LENGTH(value)
@@ -102,6 +108,21 @@ QString sliceText(PyObject* value) {
 }
 
 }  // namespace
+
+PyRef timedRepresentation(PyObject* value) {
+    constexpr std::chrono::seconds most{1};
+    startTimeLimits();
+    PyRef text;
+    {
+        const TimeLimit limit(most, expired);
+        text = PyRef::steal(PyObject_Repr(value));
+    }
+    if (!text && PyErr_ExceptionMatches(timeLimitExceeded())) {
+        PyErr_Clear();
+        text = toPyString(QStringLiteral("<no representation: not in time>"));
+    }
+    return text;
+}
 
 QString PythonTexts::typeNameOf(PyObject* value) {
     const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
@@ -180,9 +201,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
 }
 
 QString PythonTexts::reprText(PyObject* value) {
-    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
-    if (!timeLimitExceeded())
-        PyErr_Clear();
+    startTimeLimits();
     return scriptText(expired, [value]() -> std::optional<Outcome<QString>> {
         if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
             return firstCharacters(text);

@@ -7,6 +7,10 @@
 
 namespace Tamrix::PythonPlugin {
 
+/// What repr() gives, or that it was not done within a second. Null with the error indicator set
+/// when it has raised something.
+PyRef timedRepresentation(PyObject* value);
+
 /// Writes Python's values by their representation, or in <> what there is instead of it. Their
 /// parts are elements, entries, or the attributes of an object, a class or a module.
 class PythonTexts final : public ValueTexts {

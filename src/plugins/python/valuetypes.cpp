@@ -61,16 +61,16 @@ SharedPtr<HeldRecord> recordOf(PyObject* self) {
 }
 
 Py_ssize_t recordLength(PyObject* self) {
-    return recordOf(self)->record->count();
+    return recordOf(self)->width();
 }
 
 PyObject* recordItem(PyObject* self, Py_ssize_t index) {
-    const TestDataRecord* record = recordOf(self)->record;
-    if (index < 0 || index >= record->count()) {
+    if (index < 0 || index >= recordLength(self)) {
         PyErr_SetString(PyExc_IndexError, "record index out of range");
         return nullptr;
     }
-    return toPyString(record->valueAsString(static_cast<int>(index))).release();
+    const QString value = recordOf(self)->record->valueAsString(static_cast<int>(index));
+    return toPyString(value).release();
 }
 
 /// By field name or column.

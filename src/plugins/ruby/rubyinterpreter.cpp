@@ -159,10 +159,12 @@ QString RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString&
     const VALUE file = toRuby(QStringLiteral("(debugger)"));
     const VALUE binding =
         frame ? bindingOf(*frame) : rb_const_get(rb_cObject, rb_intern("TOPLEVEL_BINDING"));
-    const VALUE value = protect([=] {
-        return rb_inspect(rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1)));
+    const VALUE shown = protect([=] {
+        const VALUE value = rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1));
+        return rb_funcall(rb_path2class("Tamrix::TimeLimit"), rb_intern("inspect_within"), 2, value,
+                          DBL2NUM(1));
     });
-    return fromRuby(value);
+    return NIL_P(shown) ? QStringLiteral("<no representation: not in time>") : fromRuby(shown);
 }
 
 LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {

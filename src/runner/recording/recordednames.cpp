@@ -1,11 +1,16 @@
 #include "runner/recording/recordednames.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QStringList>
+#include <algorithm>
 
+#include "base/utf8file.h"
 #include "interpreter/names/objectmaps.h"
 #include "platform/objectmodel/object.h"
 #include "platform/objectmodel/objectmap.h"
 #include "platform/objectmodel/remote/namequery.h"
+#include "platform/objectmodel/scriptedobjectmap.h"
 
 namespace Tamrix {
 
@@ -20,6 +25,30 @@ public:
 private:
     QString m_name;
 };
+
+/// The line that begins the module of a map's variables, as far as it may not be written otherwise:
+/// "module Names", "package names". Empty in languages where the file is the module.
+QString moduleLine(const ScriptNotation& notation) {
+    for (const QString& line : notation.heading.split(u'\n')) {
+        static const QRegularExpression s_end(QStringLiteral("[;{].*"));
+        if (!line.startsWith(notation.comment.trimmed()))
+            return QString(line).remove(s_end).simplified();
+    }
+    return {};
+}
+
+/// Whether the variables of the map's file stand in their module: a person may have written them
+/// without one.
+bool hasModule(const QString& path) {
+    const auto* const map = dynamic_cast<const ScriptedObjectMap*>(ObjectMap::self());
+    const QString begin = map ? moduleLine(map->notation()) : QString();
+    const Outcome<Utf8Text> content = readUtf8File(path);
+    if (begin.isEmpty() || !content)
+        return true;
+    const QStringList lines = content->text.split(u'\n');
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const QString& line) { return line.simplified().startsWith(begin); });
+}
 
 }  // namespace
 
@@ -37,7 +66,8 @@ Outcome<> RecordedNames::useMapOf(const QString& suiteDirectory) {
 
 QString RecordedNames::moduleFor(const QString& suffix) const {
     const QFileInfo file(m_file);
-    return !m_file.isEmpty() && file.suffix() == suffix ? file.completeBaseName() : QString();
+    const bool isOwn = !m_file.isEmpty() && file.suffix() == suffix && hasModule(m_file);
+    return isOwn ? file.completeBaseName() : QString();
 }
 
 QString RecordedNames::nameOf(const Wire::Query& query) {

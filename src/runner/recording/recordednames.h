@@ -14,7 +14,8 @@ public:
     /// Brings the suite's map into use. A suite without one gets none.
     Outcome<> useMapOf(const QString& suiteDirectory);
     /// The module that scripts in a language import for the names, by the suffix of its files;
-    /// empty when the map is none of theirs.
+    /// empty when the map is none of theirs, or its variables stand in no module: they are written
+    /// as texts.
     QString moduleFor(const QString& suffix) const;
     /// Empty for a name without criteria.
     QString nameOf(const Wire::Query& query);

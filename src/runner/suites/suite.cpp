@@ -24,16 +24,21 @@ const QLatin1String sharedFolderName("shared");
 /// What a case without a script runs.
 const QLatin1String featureSuffix(".feature");
 
+/// A link that leads nowhere counts: its case fails to be read, where it would be missed silently.
+bool isScript(const QFileInfo& file) {
+    return file.isFile() || (file.isSymLink() && !file.exists());
+}
+
 /// The script of a test case folder, or else its feature file; an empty text when there is neither.
 /// With scripts in several languages, the first one in the order of the languages counts.
 QString findScript(const QString& directory) {
     for (const ScriptLanguageInformation* language : ScriptLanguageInformation::knownLanguages()) {
         const QFileInfo file(directory + QLatin1String("/test.") + language->suffix);
-        if (file.isFile())
+        if (isScript(file))
             return file.absoluteFilePath();
     }
     const QFileInfo feature(directory + QLatin1String("/test") + featureSuffix);
-    return feature.isFile() ? feature.absoluteFilePath() : QString();
+    return isScript(feature) ? feature.absoluteFilePath() : QString();
 }
 
 /// The names of the folders in a folder, without hidden ones. Qt leaves out those whose names are

@@ -395,7 +395,7 @@ bool SuiteRun::readScript(const QString& path, QString* text) {
     const QString problem =
         content ? QStringLiteral("the file is not encoded in UTF-8") : content.error().text;
     m_result.addResult(TestResult::Fatal, QStringLiteral("Can't read test script"), problem,
-                       LineInfo(path, 0));
+                       LineInfo(path, content ? content->faultyLine : 0));
     return false;
 }
 

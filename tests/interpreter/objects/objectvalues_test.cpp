@@ -54,7 +54,9 @@ TEST_F(ObjectValues, GoAsValuesOfTheType) {
         const char* typeName;
         QVariant variant;
     } rows[] = {
-        {number(2.7), "int", 2},
+        {number(2.0), "int", 2},
+        {number(2.7), "int", 2.7},
+        {number(1e19), "int", 1e19},
         {integer(2), "double", 2.0},
         {integer(2), "QString", "2"},
         {integer(2), "Colour", 2},

@@ -216,6 +216,9 @@ TEST_F(JavaScriptValues, ApplicationContextsAndDataSets) {
             record->addValue(QString::number(10 * index));
             set->addRecord(record);
         }
+        auto* const shortRow = new TestDataRecord(set, 2);
+        shortRow->addValue("short");
+        set->addRecord(shortRow);
         context->setTestDataSetResult(set);
     };
     define("setAndRow", [](ScriptContext* context) {
@@ -226,8 +229,9 @@ TEST_F(JavaScriptValues, ApplicationContextsAndDataSets) {
     });
     EXPECT_EQ(run(R"js(
 let table = give();
-test.compare(table.map(row => row.price), ["0", "10"]);
-test.verify(table.length === 2 && table[1][0] === "item1");
+test.compare(table.map(row => row.price), ["0", "10", ""]);
+test.compare(table[2][1], "");
+test.verify(table.length === 3 && table[1][0] === "item1");
 test.compare(Object.keys(table[0]), ["name", "price"]);
 test.verify(setAndRow(table, table[1]) && !setAndRow([], table[1]) && !setAndRow(table, {}));
 const row = table[1];

@@ -181,6 +181,9 @@ TEST_F(PythonValues, ApplicationContextsAndDataSets) {
             record->addValue(QString::number(10 * index));
             set->addRecord(record);
         }
+        auto* const shortRow = new TestDataRecord(set, 2);
+        shortRow->addValue("short");
+        set->addRecord(shortRow);
         context->setTestDataSetResult(set);
     };
     define("setAndRow", [](ScriptContext* context) {
@@ -191,13 +194,14 @@ TEST_F(PythonValues, ApplicationContextsAndDataSets) {
     });
     EXPECT_EQ(run(R"py(
 table = give()
-assert len(table) == 2 and [r["price"] for r in table] == ['0', '10']
-assert table[1][0] == table[-1][-2] == 'item1' and list(table[0]) == ['item0', '0']
+assert len(table) == 3 and [r["price"] for r in table] == ['0', '10', '']
+assert list(table[2]) == ['short', ''] and table[2][1] == ''
+assert table[1][0] == table[-2][-2] == 'item1' and list(table[0]) == ['item0', '0']
 assert setAndRow(table, table[1]) and not setAndRow(table, 5)
 row = table[1]
 del table
 assert row["name"] == 'item1'
-for wrong in (lambda: row["none"], lambda: row[2], lambda: give()[2]):
+for wrong in (lambda: row["none"], lambda: row[2], lambda: give()[3]):
     try:
         wrong()
     except (KeyError, IndexError) as error:

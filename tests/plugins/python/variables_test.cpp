@@ -239,6 +239,8 @@ TEST_F(PythonVariables, AreChangedByCode) {
             {"^0 local", "5"},
             {"^7 local", "! There is no frame 7 levels outwards"},
             {"^99999999999 local", "! There is no frame 99999999999 levels outwards"},
+            {"class Slow:\n    def __repr__(self):\n        while True: pass\nslow = Slow()", ""},
+            {"slow", "<no representation: not in time>"},
             {"test.vrify", "! AttributeError: module 'test' has no attribute 'vrify'"},
         };
         for (const auto& row : rows)

@@ -158,7 +158,8 @@ end
         told << listing("") << listing("+local") << listing("+local.right.@parts")
              << listing("+local.right.@parts.[1]") << listing("^1") << evaluate("local.left + 1")
              << evaluate("long = 7") << evaluate("^1 outer.size")
-             << evaluate("nothing").section(' ', 0, 6) << evaluate("@name");
+             << evaluate("nothing").section(' ', 0, 6) << evaluate("@name")
+             << evaluate("^1 outer[1]");
     })};
     EXPECT_FALSE(debugger->addBreakPoint(script(), 11).isBuffered);
     EXPECT_EQ(stops(), "11");
@@ -171,7 +172,8 @@ end
         "Array +local.right.@parts.[1]=[true, nil]; Float local.right.@parts.[\"a.b\"]=2.5\n"
         "TrueClass local.right.@parts.[1].0=true; NilClass local.right.@parts.[1].1=nil\n"
         "Array +^1.outer=[#<Thing>, <no representation: not in time>]; Symbol ^1.$global=:symbol\n"
-        "2\n7\n2\nNameError: undefined local variable or method `nothing'\n\"thing\"");
+        "2\n7\n2\nNameError: undefined local variable or method `nothing'\n\"thing\"\n"
+        "<no representation: not in time>");
 }
 
 TEST_F(RubyDebugging, StopsWhereNothingCatchesAnError) {

@@ -153,18 +153,22 @@ TEST_F(RubyValues, ApplicationContextsAndDataSets) {
             record->addValue(QString::number(10 * index));
             set->addRecord(record);
         }
+        auto* const shortRow = new TestDataRecord(set, 2);
+        shortRow->addValue("short");
+        set->addRecord(shortRow);
         context->setTestDataSetResult(set);
     };
     EXPECT_EQ(run(R"rb(
 table = give
-raise 'count' unless table.size == 2 && table.map { |r| r['price'] } == %w[0 10]
-raise 'row' unless table[1][0] == 'item1' && table[-1][:name] == 'item1' && table[0].to_a == %w[item0 0]
+raise 'count' unless table.size == 3 && table.map { |r| r['price'] } == ['0', '10', '']
+raise 'short' unless table[2].to_a == ['short', ''] && table[2][1] == ''
+raise 'row' unless table[1][0] == 'item1' && table[-2][:name] == 'item1' && table[0].to_a == %w[item0 0]
 raise 'field' unless testData.field(table[1], 'price') == '10'
 row = table[1]
 table = nil
 GC.start
 raise row['name'] unless row['name'] == 'item1'
-[-> { row['none'] }, -> { row[2] }, -> { give[2] }].each do |wrong|
+[-> { row['none'] }, -> { row[2] }, -> { give[3] }].each do |wrong|
   begin
     wrong.call
   rescue KeyError, IndexError => error

@@ -117,6 +117,16 @@ TEST_F(RecordedNamesTest, OfAnotherLanguageAreTexts) {
               QString("proc main {} {\n    click :opener\n}\n"));
 }
 
+TEST_F(RecordedNamesTest, OutsideOfAModuleAreTexts) {
+    if (!QString(TAMRIX_TEST_LANGUAGES).split(' ').contains("ruby"))
+        GTEST_SKIP() << "its plug-in is not built";
+    suite.write("shared/scripts/names.rb",
+                "# No module Names\nOPENER = { text: 'Open', type: 'QPushButton' }\n");
+    ASSERT_TRUE(recorded.useMapOf(suite.path()));
+    EXPECT_EQ(scriptOf("ruby", {recorded.nameOf(button("Open"))}),
+              QString("def main\n  click(\":OPENER\")\nend\n"));
+}
+
 TEST_F(RecordedNamesTest, StayInTheScriptWhenTheMapCantBeWritten) {
     suite.write("shared/scripts/names.py", "import sys\nsys.exit()\n");
     ASSERT_TRUE(recorded.useMapOf(suite.path()));

@@ -42,13 +42,16 @@ TEST(Suite, CasesAreFoldersWithAScriptInNaturalOrder) {
           "shared/test.py", "shared/scripts/helper.py", "data/values.txt", "other/test.txt",
           "other/Test.py", "test.py", ".hidden/test.py", "folder/test.py/x"})
         folder.write(file);
+    // The link makes a case, which can't be read.
+    ASSERT_TRUE(QDir(folder.path()).mkdir("link") &&
+                QFile::link("nowhere", folder.path("link/test.rb")));
 
     const auto loaded = loadSuite(folder.path());
     ASSERT_EQ(errorOf(loaded), QString());
     const Suite& suite = *loaded;
     EXPECT_EQ(suite.name, QFileInfo(folder.path()).fileName());
     EXPECT_EQ(suite.directory, folder.path());
-    EXPECT_EQ(names(suite.cases), QStringList({"both", "case2", "case10", "über uns"}));
+    EXPECT_EQ(names(suite.cases), QStringList({"both", "case2", "case10", "link", "über uns"}));
     EXPECT_EQ(suite.cases.at(1).script, folder.path("case2/test.js"));
     EXPECT_EQ(suite.cases.at(1).directory, folder.path("case2"));
     // Two languages: the order of the languages decides, not that of the files.

@@ -93,14 +93,14 @@ TEST_F(SuiteRunTest, FailFastEndsBehindTheFirstFailure) {
 }
 
 TEST_F(SuiteRunTest, ScriptThatIsNoUtf8IsAResult) {
-    folder.write("suite/a/test.py", "# \xfcml\n");
+    folder.write("suite/a/test.py", "\n# \xfcml\n");
     run();
     ASSERT_EQ(report.results().size(), 1u);
     const ResultAdded result = report.results().front();
     EXPECT_EQ(result.type, TestResult::Fatal);
     EXPECT_EQ(result.message, QString("Can't read test script"));
     EXPECT_EQ(result.detail, QString("the file is not encoded in UTF-8"));
-    EXPECT_EQ(result.callStack.front(), LineInfo(folder.path("suite/a/test.py"), 0));
+    EXPECT_EQ(result.callStack.front(), LineInfo(folder.path("suite/a/test.py"), 2));
     EXPECT_TRUE(hasFailed);
 }
 

@@ -103,8 +103,25 @@ function onStep() {
     const isBack = this.offset < this.lastOffset;
     this.lastOffset = this.offset;
     const place = this.script.getOffsetMetadata(this.offset);
-    if ((place.isStepStart || isBack) && place.lineNumber !== this.lastLine)
+    if ((place.isStepStart || isBack) && place.lineNumber !== this.lastLine) {
+        tellOf(this, place.lineNumber);
         reach(this, place.lineNumber);
+    }
+}
+
+// A break point in the line where a step has just stopped may come behind that place, and is the same
+// stop, even if it was set there.
+function tellOf(frame, line) {
+    const offsets = frame.script.getLineOffsets(line).filter(offset => offset >= frame.offset);
+    frame.toldFrom = frame.offset;
+    frame.toldTo = offsets.length > 0 ? Math.min(...offsets) : undefined;
+}
+
+function forgetTold() {
+    if (this.offset >= this.toldFrom && this.offset <= this.toldTo)
+        return;
+    this.toldTo = undefined;
+    this.onStep = undefined;
 }
 
 function onEnterFrame(frame) {
@@ -124,7 +141,9 @@ function setStepping(isStepping) {
     for (let frame = dbg.getNewestFrame(); frame; frame = frame.older) {
         if (!isScript(frame))
             continue;
-        frame.onStep = isStepping ? onStep : undefined;
+        if (frame.toldFrom !== frame.offset)
+            frame.toldTo = undefined;
+        frame.onStep = isStepping ? onStep : frame.toldTo === undefined ? undefined : forgetTold;
         frame.lastLine = frame.script.getOffsetLocation(frame.offset).lineNumber;
         frame.lastOffset = frame.offset;
     }
@@ -133,7 +152,8 @@ function setStepping(isStepping) {
 const breakPoint = {
     hit(frame) {
         const line = frame.script.getOffsetLocation(frame.offset).lineNumber;
-        if (!silent && !(stepping && frame.lastLine === line))
+        const isTold = stepping ? frame.lastLine === line : frame.toldTo === frame.offset;
+        if (!silent && !isTold)
             reach(frame, line);
     }
 };

@@ -57,7 +57,7 @@ class Tamrix::Record
   # By field name or column.
   def [](key)
     return _values[place(key, 'column')] unless key.is_a?(String) || key.is_a?(Symbol)
-    _values[_names.index(key.to_s) || raise(KeyError, "the data set has no field '#{key}'")]
+    _values[_names.rindex(key.to_s) || raise(KeyError, "the data set has no field '#{key}'")]
   end
 end
 

@@ -7,4 +7,6 @@ function main() {
         last = record;
     }
     test.compare(testData.fieldNames(last), ["Name", "Age"]);  // @names
+    const odd = testData.dataset("data_sets_odd.csv");
+    test.compare([odd[0][1], odd[0].twice], ["2", "3"]);  // @twice
 }

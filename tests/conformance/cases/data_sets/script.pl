@@ -10,4 +10,6 @@ sub main {
         test::compare(testData::field($record, 0), $name);  # @column
     }
     test::compare(testData::fieldNames($record), ['Name', 'Age']);  # @names
+    my $odd = testData::dataset('data_sets_odd.csv');
+    test::compare([$odd->[0][1], $odd->[0]{twice}], ['2', '3']);  # @twice
 }

@@ -6,4 +6,6 @@ def main
     test.compare(testData.field(record, 0), name) # @column
   end
   test.compare(testData.fieldNames(records[-1]), %w[Name Age]) # @names
+  odd = testData.dataset('data_sets_odd.csv')
+  test.compare([odd[0][1], odd[0]['twice']], %w[2 3]) # @twice
 end

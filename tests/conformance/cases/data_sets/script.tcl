@@ -5,4 +5,6 @@ proc main {} {
         test compare [testData field $record 0] $name ;# @column
     }
     test compare [testData fieldNames $record] {Name Age} ;# @names
+    set odd [lindex [testData dataset data_sets_odd.csv] 0]
+    test compare [lmap column {1 twice} {testData field $odd $column}] {2 3} ;# @twice
 }
