@@ -506,15 +506,19 @@ function linkedStep(kept) {
     return [started[started.length - 1] || ofName[0], time];
 }
 
+// The case that was running when its last step was looked at.
+let watched = null;
+
 async function follow() {
-    const wasNewest = !current || current === cases[cases.length - 1];
     const wasLast = !current || chosen >= current.steps.length - 1;
     const hadEnded = !current || Boolean(current.outcome);
+    if (!hadEnded)
+        watched = wasLast ? current : null;
     await load(null, "cases.js", 0);
     const kept = showCaseList();
     const newest = kept[kept.length - 1];
-    // Who looks at the end of one case goes on with the next.
-    if (hadEnded && wasNewest && wasLast && newest && newest !== current) {
+    // Who has watched one case to its end goes on with the next.
+    if (hadEnded && wasLast && watched === current && newest && newest !== current) {
         await showCase(newest);
         choose(newest.steps.length - 1);
         return;
