@@ -4,6 +4,8 @@
 
 #include <QFileInfo>
 #include <QImage>
+#include <QLine>
+#include <QRect>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <csignal>
@@ -91,6 +93,10 @@ TEST_F(Agents, WriteASuiteForAProgramTheyHaveNeverSeen) {
     EXPECT_FALSE(failures.contains("tst_wizard")) << failures.toStdString();
     EXPECT_TRUE(
         agent.answer("journal", arguments({{"find", "click"}})).contains("tst_wizard/test.py:"));
+    // No run takes the place of the last one.
+    EXPECT_TRUE(agent.answer("run_case", arguments({{"suite", suite + "/none"}}))
+                    .startsWith("error: tamrixrunner: there is no suite "));
+    EXPECT_TRUE(agent.answer("journal").contains("tst_fails:"));
     EXPECT_LT(agent.medianActSize() / 4, 150);
     EXPECT_TRUE(agent.answer("record_to", arguments({{"suite", suite}, {"case", "tst_fails"}}))
                     .endsWith("is there already: take another case"));
@@ -152,6 +158,101 @@ TEST_F(Agents, DragToWhatTheySee) {
         << drag("4").toStdString();
 }
 
+TEST_F(Agents, DragWhatIsPartlyOutOfSight) {
+    start(HIDING_TARGET);
+    // Of the canvas, 300 by 200 pixels are seen from 400,300 on, less what frame and bars take.
+    const auto drag = [&](const Json::Value& values) {
+        const QString text = agent.act("drag", values);
+        static const QRegularExpression s_moves("from (\\d+),(\\d+) to (\\d+),(\\d+)");
+        const QRegularExpressionMatch match = s_moves.match(text);
+        EXPECT_TRUE(match.hasMatch()) << text.toStdString();
+        return QLine(match.captured(1).toInt(), match.captured(2).toInt(),
+                     match.captured(3).toInt(), match.captured(4).toInt());
+    };
+    const QLine moved = drag(arguments({{"target", "{name='canvas'}"}, {"dx", 30}, {"dy", -20}}));
+    EXPECT_TRUE(QRect(530, 380, 40, 40).contains(moved.p1())) << moved.x1() << ' ' << moved.y1();
+    EXPECT_EQ(moved.p2(), moved.p1() + QPoint(30, -20));
+    // A place out of sight is scrolled to.
+    EXPECT_EQ(drag(arguments(
+                  {{"target", "{name='canvas'}"}, {"x", 20}, {"y", 10}, {"dx", 5}, {"dy", 6}})),
+              QLine(20, 10, 25, 16));
+    EXPECT_EQ(drag(arguments(
+                  {{"target", "{name='canvas'}"}, {"x", 990}, {"y", 780}, {"dx", -5}, {"dy", 6}})),
+              QLine(990, 780, 985, 786));
+    // To the middle of what is seen now, the lower right corner.
+    const QLine within = drag(arguments(
+        {{"target", "{name='canvas'}"}, {"x", 980}, {"y", 770}, {"to", "{name='canvas'}"}}));
+    EXPECT_TRUE(QRect(830, 690, 40, 40).contains(within.p2())) << within.x2() << ' ' << within.y2();
+}
+
+TEST_F(Agents, KeepPasswordsOutOfScripts) {
+    const QString view = start(HIDING_TARGET);
+    const std::string pin = refOf(view, "QLineEdit #pin");
+    const auto fill = [&](const std::string& target, const char* text, bool types = false) {
+        return agent.act("fill", arguments({{"target", target}, {"text", text}, {"type", types}}));
+    };
+    const auto wait = [&](const std::string& target, const char* property, const char* text) {
+        Json::Value properties;
+        properties[property] = text;
+        return agent.answer(
+            "wait", arguments({{"target", target}, {"properties", properties}, {"timeout", 0.2}}));
+    };
+    const std::string suite = folder.filePath("suite").toStdString();
+    agent.answer("record_to", arguments({{"suite", suite}, {"case", "tst_a"}}));
+    QString told = fill(pin, "hush42x");
+    // Typed into a field within the target, and shown while it is edited.
+    told += fill("{name='vault'}", "mute42x", true);
+    told += fill("{name='late'}", "calm42x");
+    told += answer("properties", refOf(view, "QLineEdit #late"));
+    told += wait("{name='late'}", "displayText", "other");
+    EXPECT_TRUE(told.contains("typeText(\"{name='vault'}\", testSettings.getPassword("))
+        << told.toStdString();
+    EXPECT_TRUE(told.contains("\ndisplayText = (hidden)\n")) << told.toStdString();
+    // Keys would stand in the script.
+    EXPECT_TRUE(agent.answer("press", arguments({{"target", pin}, {"keys", "x"}}))
+                    .contains(" hides what is entered: use fill"));
+    agent.act("press", arguments({{"target", pin}, {"keys", "Ctrl+A"}}));
+    // What a dialog of the toolkit was given.
+    const QString dialog = answer("click", refOf(view, "QPushButton \"Ask\""));
+    told += dialog + answer("properties", refOf(dialog, "QInputDialog"));
+    told += answer("properties", refOf(dialog, "QLineEdit"));
+    agent.act("press", arguments({{"keys", "Escape"}}));
+    for (const char* const password : {"hush42x", "mute42x", "calm42x", "preset7"})
+        EXPECT_FALSE(told.contains(password)) << told.toStdString();
+    // One that the program shows, in a field, in a label and in a label's name.
+    agent.act("check", arguments({{"target", refOf(view, "QCheckBox \"Reveal")}}));
+    EXPECT_TRUE(
+        wait(pin, "text", "hush42x").contains("{\"text\": testSettings.getPassword(\"pin\")}"));
+    const QString shown = answer("click", refOf(view, "QPushButton \"Tell\""));
+    const std::string label = refOf(shown, "QLabel \"It is");
+    EXPECT_TRUE(
+        wait(label, "text*", "*hush42x").contains(" would bring a password into the script"));
+    EXPECT_TRUE(wait(label, "text*", "It is *").startsWith("test.expect(\"{"));
+    EXPECT_TRUE(answer("click", "{text='hush42x' enabled='no'}")
+                    .contains(" would bring a password into the script"));
+    EXPECT_TRUE(fill("{name='notes'}", "hush42x").contains("testSettings.getPassword(\"pin\")"));
+    const QString script = readFile(folder.filePath("suite/tst_a/test.py"));
+    EXPECT_FALSE(script.contains("42x")) << script.toStdString();
+    EXPECT_EQ(script.count('\n'), 13) << script.toStdString();
+}
+
+TEST_F(Agents, FillLongTextsAtOnce) {
+    start(HIDING_TARGET);
+    agent.act("fill", arguments({{"target", "{name='notes'}"}, {"text", "old"}}));
+    QElapsedTimer clock;
+    clock.start();
+    std::string lines;
+    for (int line = 0; line < 10000; ++line)
+        lines += std::string(48, 'x') + "\t\n";
+    agent.act("fill", arguments({{"target", "{name='notes'}"}, {"text", lines}}));
+    EXPECT_LT(clock.elapsed(), 30000);
+    Json::Value properties;
+    properties["plainText"] = lines;
+    EXPECT_TRUE(
+        agent.answer("wait", arguments({{"target", "{name='notes'}"}, {"properties", properties}}))
+            .startsWith("test.expect("));
+}
+
 TEST_F(Agents, SelectInMenusByTheirTitlesToo) {
     const QString view = start(widgetExamples + "mainwindows/application/application");
     const auto select = [&](const QString& expression, const Json::Value& item) {
@@ -170,6 +271,13 @@ TEST_F(Agents, SelectInMenusByTheirTitlesToo) {
         agent.act("press", arguments({{"keys", "Escape"}}));
     }
     EXPECT_TRUE(select("QMenuBar", steps).contains("[\"Help\", \"About\"]"));
+    agent.act("press", arguments({{"keys", "Escape"}}));
+    // What a failure leaves open is told with it.
+    const QString missed = agent.answer(
+        "select", arguments({{"target", refOf(view, "QMenuBar")}, {"item", "Help.Nothing"}}));
+    EXPECT_TRUE(missed.startsWith("error: QMenu 'Help' has no item 'Nothing'; it has: ") &&
+                missed.contains("\nnew window e"))
+        << missed.toStdString();
     agent.act("press", arguments({{"keys", "Escape"}}));
     // Of a long line the beginning is told.
     const QString filled = agent.act("fill", arguments({{"target", refOf(view, "QPlainTextEdit")},

@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QImageWriter>
 #include <QVector>
+#include <algorithm>
 #include <cstring>
 
 namespace Tamrix {
@@ -75,6 +76,7 @@ QImage differences(const QImage& tile, const QImage& other) {
 /// With a table of its colours when there are few: such a file is smaller and sooner written.
 QImage withColourTable(const QImage& tile) {
     constexpr int mostColours = 256;
+    constexpr int mostGreysInTable = 64;
     QImage indexed(tile.size(), QImage::Format_Indexed8);
     QVector<QRgb> table;
     QHash<QRgb, uchar> indexes;
@@ -104,6 +106,13 @@ QImage withColourTable(const QImage& tile) {
             table.append(from[x]);
         }
     }
+    // With many greys, as texts have them, the table would take a quarter of the file.
+    const bool isGrey =
+        !tile.hasAlphaChannel() && std::all_of(table.begin(), table.end(), [](QRgb colour) {
+            return qRed(colour) == qGreen(colour) && qRed(colour) == qBlue(colour);
+        });
+    if (isGrey && table.size() > mostGreysInTable)
+        return tile.convertToFormat(QImage::Format_Grayscale8);
     indexed.setColorTable(table);
     return indexed;
 }
@@ -212,8 +221,12 @@ Outcome<> TileStore::write(const QString& name, const QImage& picture) {
     const QString part = QStringLiteral("%1.%2.part").arg(path, QString::number(::getpid()));
     QImageWriter writer(part, "png");
     writer.setCompression(pngCompression);
+    // Nobody prints it: without a size in meters the file is smaller.
+    QImage small = withColourTable(picture);
+    small.setDotsPerMeterX(0);
+    small.setDotsPerMeterY(0);
     QString reason;
-    if (!writer.write(withColourTable(picture)))
+    if (!writer.write(small))
         reason = writer.errorString();
     else if (::rename(QFile::encodeName(part).constData(), QFile::encodeName(path).constData()) !=
              0)

@@ -88,6 +88,20 @@ Diff::Lines viewsOf(const std::vector<QByteArray>& lines) {
     return views;
 }
 
+/// How many objects, of so many at most, are as they were but for one move of them all.
+size_t movedTogether(const TracedObject* before, const TracedObject* after, size_t most) {
+    const QPoint way = after->place.topLeft() - before->place.topLeft();
+    size_t count = 0;
+    while (count < most) {
+        TracedObject moved = before[count];
+        moved.place.translate(way);
+        if (moved != after[count])
+            break;
+        ++count;
+    }
+    return count;
+}
+
 /// Objects that stand between others that stay, in both moments.
 struct Difference {
     size_t before = 0;
@@ -100,9 +114,18 @@ void appendDifference(const Difference& difference, const TracedObjects& before,
                       const TracedObjects& after, QJsonArray* changes) {
     // 1. One takes the place of another.
     const size_t replaced = std::min(difference.gone, difference.added);
-    for (size_t index = 0; index < replaced; ++index)
-        changes->append(
-            toldLike(before[difference.before + index], after[difference.after + index]));
+    for (size_t index = 0; index < replaced;) {
+        const TracedObject* const from = &before[difference.before + index];
+        const TracedObject* const to = &after[difference.after + index];
+        const size_t moved = movedTogether(from, to, replaced - index);
+        const QPoint way = to->place.topLeft() - from->place.topLeft();
+        if (moved > 1)
+            changes->append(QJsonObject{
+                {QStringLiteral("moved"), QJsonArray{static_cast<int>(moved), way.x(), way.y()}}});
+        else
+            changes->append(toldLike(*from, *to));
+        index += std::max<size_t>(moved, 1);
+    }
     // 2. What is left of one kind.
     if (difference.gone > replaced)
         changes->append(-static_cast<int>(difference.gone - replaced));

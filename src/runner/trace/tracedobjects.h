@@ -43,7 +43,8 @@ QByteArray allObjects(const TracedObjects& objects);
 
 /// How `after` is made of `before`, a JSON array of steps that go through `before` in its order:
 /// a number n for n objects that stay, -n for n that are gone, an object for another one in the
-/// place of one that is gone, and like that, an array for new ones, each like the one before it.
+/// place of one that is gone, and like that, an object {"moved": [n, x, y]} for n that are as those
+/// gone but for a move by x and y, an array for new ones, each like the one before it.
 /// Empty when nothing differs.
 QByteArray objectChanges(const TracedObjects& before, const TracedObjects& after);
 

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QTcpSocket>
+#include <QTimer>
 #include <QUrl>
 
 namespace Tamrix {
@@ -55,11 +56,13 @@ void refuse(QTcpSocket* socket, const char* status) {
 
 }  // namespace
 
-TraceServer::TraceServer(const QString& folder, QObject* parent)
-    : QObject(parent), m_folder(folder) {
+TraceServer::TraceServer(const QString& folder, QObject* parent, int patience)
+    : QObject(parent), m_folder(folder), m_patience(patience) {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* const socket = m_server.nextPendingConnection()) {
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+            // Each is for one file: who does not ask, or does not read, is not waited for.
+            QTimer::singleShot(m_patience, socket, [socket] { socket->abort(); });
             connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
                 m_requests.remove(socket);
                 socket->deleteLater();
@@ -76,12 +79,18 @@ Outcome<> TraceServer::listen(quint16 port) {
 }
 
 void TraceServer::read(QTcpSocket* socket) {
-    QByteArray& request = m_requests[socket];
-    request += socket->read(longestHead + 1 - request.size());
-    const int end = request.indexOf("\r\n\r\n");
+    Request& request = m_requests[socket];
+    if (request.isAnswered) {
+        // What is left unread would take the answer from a client that still writes.
+        socket->readAll();
+        return;
+    }
+    request.head += socket->read(longestHead + 1 - request.head.size());
+    const int end = request.head.indexOf("\r\n\r\n");
+    request.isAnswered = end >= 0 || request.head.size() > longestHead;
     if (end >= 0)
-        answer(socket, request.left(end + 2));
-    else if (request.size() > longestHead)
+        answer(socket, QByteArray(request.head).left(end + 2));
+    else if (request.isAnswered)
         refuse(socket, "431 Request Header Fields Too Large");
 }
 

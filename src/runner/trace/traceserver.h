@@ -15,7 +15,8 @@ namespace Tamrix {
 /// no page from elsewhere can read the trace by a name of its own for this machine.
 class TraceServer : public QObject {
 public:
-    explicit TraceServer(const QString& folder, QObject* parent = nullptr);
+    /// A connection is closed when it is older than `patience`, in milliseconds.
+    explicit TraceServer(const QString& folder, QObject* parent = nullptr, int patience = 60000);
 
     /// Listens on 127.0.0.1; port 0 takes any that is free. Fails with the system's reason.
     Outcome<> listen(quint16 port);
@@ -25,10 +26,16 @@ private:
     void read(QTcpSocket* socket);
     void answer(QTcpSocket* socket, const QByteArray& head);
 
+    struct Request {
+        /// What the client has sent so far.
+        QByteArray head;
+        bool isAnswered = false;
+    };
+
     QDir m_folder;
+    int m_patience;
     QTcpServer m_server;
-    /// What clients have sent so far.
-    QHash<QTcpSocket*, QByteArray> m_requests;
+    QHash<QTcpSocket*, Request> m_requests;
 };
 
 }  // namespace Tamrix

@@ -116,11 +116,13 @@ TEST_F(ServerDialogue, AnswersWhateverALineHolds) {
         {request("9", "tools/call", "[]"),
          error("9", -32602, R"(the message's \"params\" is no object)")},
         {request("{}", "ping", "{}"),
-         error("null", -32600,
-               R"(the message's \"id\" is neither a text nor a number that comes back as it came)")},
+         error(
+             "null", -32600,
+             R"(the message's \"id\" is neither a text nor a number that comes back as it came)")},
         {request("123456789012345678901234567890", "ping", "{}"),
-         error("null", -32600,
-               R"(the message's \"id\" is neither a text nor a number that comes back as it came)")},
+         error(
+             "null", -32600,
+             R"(the message's \"id\" is neither a text nor a number that comes back as it came)")},
         {request("1.5", "ping", "{}"), R"({"id":1.5,"jsonrpc":"2.0","result":{}})"},
         {request("18446744073709551615", "ping", "{}"),
          R"({"id":18446744073709551615,"jsonrpc":"2.0","result":{}})"},

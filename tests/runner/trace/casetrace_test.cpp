@@ -147,6 +147,24 @@ TEST(TileStore, KeepsLittleChangesAlone) {
     }
 }
 
+TEST(TileStore, KeepsGreysWithoutATable) {
+    const QTemporaryDir folder;
+    TileStore store(folder.path());
+    QImage picture(128, 128, QImage::Format_RGB32);
+    for (const int greys : {20, 200}) {
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const int grey = (x * 31 + y * y * 17) % greys;
+                picture.setPixel(x, y, qRgb(grey, grey, grey));
+            }
+        }
+        ASSERT_TRUE(store.add(picture));
+        EXPECT_EQ(drawn(store, folder.path()), picture);
+        const QImage file(folder.filePath(store.tiles()[0].base + ".png"));
+        EXPECT_EQ(file.format() == QImage::Format_Grayscale8, greys == 200) << file.format();
+    }
+}
+
 TEST(TileStore, FailuresAreToldAndTilesMove) {
     const QTemporaryDir folder;
     QImage picture(10, 10, QImage::Format_RGB32);
@@ -210,7 +228,13 @@ TracedObjects changed(const TracedObjects& before, const QByteArray& json) {
     for (const auto& change : changes) {
         if (change.isArray())
             append(change.toArray(), &objects);
-        else if (change.isObject())
+        else if (change.toObject().contains("moved")) {
+            const QJsonArray moved = change.toObject()["moved"].toArray();
+            for (int count = moved[0].toInt(); count > 0; --count) {
+                objects.push_back(*next++);
+                objects.back().place.translate(moved[1].toInt(), moved[2].toInt());
+            }
+        } else if (change.isObject())
             objects.push_back(like(*next++, change.toObject()));
         else if (change.toInt() < 0)
             next -= change.toInt();
@@ -280,6 +304,14 @@ TEST(TracedObjects, TakeFewBytes) {
         R"([{"text":"file 5"},1,{"name":[1,35,"occurrence='2' "],"text":"file 7"},)"
         R"([{"name":[1,35,""],"text":"file 9"}]])");
     EXPECT_EQ(objectChanges(before, {row(2, "")}), "[-1,1,-1]");
+    // What is scrolled moves together.
+    TracedObjects scrolled = before;
+    for (TracedObject& object : scrolled)
+        object.place.translate(0, -40);
+    scrolled.push_back(row(4, ""));
+    const QByteArray changes = objectChanges(before, scrolled);
+    EXPECT_TRUE(changes.startsWith("[{\"moved\":[3,0,-40]},[{")) << changes.constData();
+    EXPECT_EQ(changed(before, changes), scrolled);
 }
 
 // The folder

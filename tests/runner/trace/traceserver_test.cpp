@@ -90,6 +90,41 @@ TEST_F(TraceServerTest, RefusesEverythingElse) {
     }
 }
 
+TEST_F(TraceServerTest, AnswersAConnectionOnceAndNotForLong) {
+    // 1. What comes behind a request is dropped.
+    const QByteArray request = "GET / HTTP/1.1\r\nHost: localhost\r\n\r\n";
+    EXPECT_EQ(ask(request + request).count("200 OK"), 1);
+    EXPECT_EQ(ask(QByteArray(1000000, 'x')).count("HTTP/1.1 431"), 1);
+    // 2. Half requests, and readers that don't read, keep nobody else waiting, nor do they stay.
+    writeFile(folder.filePath("trace/case-0001/steps-0002.js"), QByteArray(20000000, ' '));
+    TraceServer impatient(folder.filePath("trace"), nullptr, 300);
+    ASSERT_TRUE(impatient.listen(0));
+    QTcpSocket half;
+    QTcpSocket deaf;
+    deaf.setReadBufferSize(1);
+    for (QTcpSocket* const socket : {&half, &deaf})
+        socket->connectToHost("127.0.0.1", impatient.port());
+    half.write("GET / HTT");
+    deaf.write("GET /case-0001/steps-0002.js HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    EXPECT_TRUE(get("/").contains("<p>page"));
+    QElapsedTimer timer;
+    timer.start();
+    while ((half.state() != QAbstractSocket::UnconnectedState ||
+            deaf.state() == QAbstractSocket::ConnectingState) &&
+           timer.elapsed() < 20000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_EQ(half.state(), QAbstractSocket::UnconnectedState);
+    // Its end is behind what it has not read.
+    deaf.setReadBufferSize(0);
+    qint64 read = 0;
+    while (deaf.state() != QAbstractSocket::UnconnectedState && timer.elapsed() < 20000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        read += deaf.readAll().size();
+    }
+    EXPECT_EQ(deaf.state(), QAbstractSocket::UnconnectedState);
+    EXPECT_LT(read, 20000000);
+}
+
 TEST_F(TraceServerTest, ATakenPortIsTold) {
     TraceServer second(folder.path());
     const Outcome<> refused = second.listen(server.port());

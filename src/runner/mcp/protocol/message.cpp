@@ -41,8 +41,9 @@ void readOne(const Json::Value& value, Message* message) {
     request.method = value["method"].asString();
     request.isNotification = !value.isMember("id");
     if (!request.isNotification && !isId(value["id"]))
-        return refuse(id, QStringLiteral("the message's \"id\" is neither a text nor a number that comes "
-                                         "back as it came"));
+        return refuse(
+            id, QStringLiteral("the message's \"id\" is neither a text nor a number that comes "
+                               "back as it came"));
     request.id = id;
     if (value.isMember("params") && !value["params"].isNull())
         request.params = value["params"];

@@ -18,8 +18,10 @@ const QString& defaultLanguage() {
     return s_language;
 }
 
-/// A shorter password may be a word that stands in other texts, too.
-constexpr int shortestTelling = 6;
+/// A shorter password may stand by chance as a value in a name, "occurrence='2'", or as a word in
+/// other texts.
+constexpr int shortestValue = 4;
+constexpr int shortestPart = 6;
 
 /// Of a folder that all commands take as a case, and that a person can type.
 bool isFolderName(const QString& name) {
@@ -68,11 +70,12 @@ void Recording::addPassword(const QString& password, const QString& key) {
 bool Recording::holdsPassword(const QString& text) const {
     // In names they stand in another form.
     const Secrets passwords(m_passwords.keys());
-    return std::any_of(
-        passwords.forms().begin(), passwords.forms().end(), [&](const QString& password) {
-            return text == password || text.contains(QLatin1Char('\'') + password + QLatin1Char('\'')) ||
-                   (password.size() >= shortestTelling && text.contains(password));
-        });
+    const auto isIn = [&](const QString& password) {
+        const QString value = QLatin1Char('\'') + password + QLatin1Char('\'');
+        return text == password || (password.size() >= shortestValue && text.contains(value)) ||
+               (password.size() >= shortestPart && text.contains(password));
+    };
+    return std::any_of(passwords.forms().begin(), passwords.forms().end(), isIn);
 }
 
 ActionValue Recording::withoutPassword(const ActionValue& value) const {

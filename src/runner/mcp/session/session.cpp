@@ -113,12 +113,9 @@ Outcome<> Session::start(const QString& commandLine) {
     return noted ? Outcome<>() : fail(noted.error());
 }
 
-Outcome<QString> Session::newRunFolder() {
-    m_runFolder = std::make_unique<QTemporaryDir>();
-    if (!m_runFolder->isValid())
-        return fail(FailureKind::Failed, QStringLiteral("no folder for the run can be made: %1")
-                                             .arg(m_runFolder->errorString()));
-    return m_runFolder->path();
+void Session::keepRun(std::unique_ptr<QTemporaryDir> folder, const QString& journal) {
+    m_runFolder = std::move(folder);
+    m_journal = journal;
 }
 
 bool Session::wait(int milliseconds) {
@@ -187,13 +184,23 @@ Outcome<const View*> Session::lookAtRest() {
     return &m_view;
 }
 
-Outcome<QString> Session::changes() {
+Outcome<QString> Session::newChanges() {
     const Outcome<const View*> view = lookAtRest();
     if (!view)
         return fail(view.error());
-    QString text = changesText(m_told, m_view);
-    m_told = m_view;
-    return text.isEmpty() ? QStringLiteral("nothing visible changed\n") : text;
+    return changesText(std::exchange(m_told, m_view), m_view);
+}
+
+Outcome<QString> Session::changes() {
+    const Outcome<QString> text = newChanges();
+    return text && text->isEmpty() ? QStringLiteral("nothing visible changed\n") : text;
+}
+
+Failure Session::withChanges(const Failure& failure) {
+    const Outcome<QString> text = failure.kind == FailureKind::TimedOut ? QString() : newChanges();
+    if (!text || text->isEmpty())
+        return failure;
+    return {failure.kind, failure.text + QLatin1Char('\n') + text->trimmed()};
 }
 
 // What is meant
@@ -316,17 +323,17 @@ Outcome<QRect> Session::seenPart(const Meant& meant) {
         meant.object ? meant.object : access.findObject(ObjectName(meant.name));
     if (!object)
         return fail(object.error());
-    const Outcome<View> view = currentView();
-    if (!view)
-        return fail(view.error());
+    // Not in the view, which leaves out what only holds others.
+    const Outcome<Wire::ObjectOutline> outline = access.outline();
+    if (!outline)
+        return fail(explained(outline.error()));
     if (const auto* const remote = dynamic_cast<const RemoteObjectBase*>(object->get())) {
-        const ObjectKey key{meant.application->id, static_cast<quint64>(remote->remoteId())};
-        for (const ViewObject& each : *view) {
-            if (each.key == key)
-                return each.facts.geometry;
+        const auto handle = static_cast<quint64>(remote->remoteId());
+        for (const Wire::OutlinedObject& each : outline->objects) {
+            if (each.handle == handle)
+                return each.geometry;
         }
     }
-    // What only holds others is no part of the view.
     const Outcome<SharedPtr<Object>> bounds = access.globalBounds(*object);
     if (!bounds)
         return fail(bounds.error());
@@ -376,13 +383,14 @@ Outcome<QString> Session::perform(const Meant& meant, const Act& act) {
     if (!answer)
         return fail(explained(answer.error()));
     if (!answer->isReady)
-        return missFailure(*answer);
+        return fail(withChanges(missFailure(*answer).value()));
     if (!answer->result)
-        return fail(explained(answer->result.error()));
+        return fail(withChanges(explained(answer->result.error())));
     // 2. Its line.
     const Outcome<QString> line = noteAction(act.script());
     if (!line)
-        return fail(line.error());
+        return fail(line.error().kind,
+                    QStringLiteral("it was done, but %1").arg(line.error().text));
     // 3. What came of it. The end of the program may be what was wanted.
     Outcome<QString> changed = changes();
     const QDeadlineTimer typing(typingTime(act));

@@ -83,13 +83,14 @@ public:
     /// What the client did that isn't an act, with its line; of a long one the beginning.
     Outcome<QString> noteAction(const ScriptAction& action);
 
-    /// A new folder for a run of test cases, which goes with this.
-    Outcome<QString> newRunFolder();
+    /// Keeps the folder of a run of test cases, in which its journal is, in place of the one
+    /// before.
+    void keepRun(std::unique_ptr<QTemporaryDir> folder, const QString& journal);
+    /// The journal of the run of test cases that was made last; empty without one.
+    const QString& journal() const { return m_journal; }
 
     Recording& recording() { return m_recording; }
     Applications& applications() { return m_applications; }
-    /// The journal of the run of test cases that was made last; empty without one.
-    QString journal;
 
 private:
     Outcome<SharedPtr<Application>> applicationOf(int id);
@@ -101,6 +102,10 @@ private:
     /// Adds how the program ended to a failure that this explains.
     Failure explained(const Failure& failure);
     Outcome<View> currentView();
+    /// As changes(), empty for nothing.
+    Outcome<QString> newChanges();
+    /// What changed all the same, as a menu that was opened, belongs to a failure.
+    Failure withChanges(const Failure& failure);
 
     QString m_display;
     std::function<bool()> m_goOn;
@@ -113,6 +118,7 @@ private:
     View m_told;
     Recording m_recording;
     std::unique_ptr<QTemporaryDir> m_runFolder;
+    QString m_journal;
 };
 
 /// The number in a ref, "e7"; 0 for what is none.

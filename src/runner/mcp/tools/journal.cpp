@@ -46,11 +46,11 @@ private:
 };
 
 Outcome<ToolAnswer> journal(Session& session, const Arguments& arguments) {
-    if (session.journal.isEmpty())
+    if (session.journal().isEmpty())
         return fail(FailureKind::Refused, QStringLiteral("nothing was run yet: use run_case"));
     EntryTexts entries;
     JournalReader reader(&entries);
-    if (!reader.replay(session.journal))
+    if (!reader.replay(session.journal()))
         return fail(FailureKind::Failed, reader.errorText());
     QStringList texts = entries.texts();
     const QString find = arguments.text("find");

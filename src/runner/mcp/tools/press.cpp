@@ -12,9 +12,10 @@ namespace {
 bool entersText(const QString& keys) {
     QString error;
     const Wire::KeyCombination combination = Wire::parseKeys(keys, &error);
-    return std::any_of(combination.begin(), combination.end(), [](const Wire::Key& key) {
-               return !key.text.isEmpty() && key.text.at(0).isPrint();
-           }) &&
+    return std::any_of(combination.begin(), combination.end(),
+                       [](const Wire::Key& key) {
+                           return !key.text.isEmpty() && key.text.at(0).isPrint();
+                       }) &&
            std::none_of(combination.begin(), combination.end(), [](const Wire::Key& key) {
                return key.code == Qt::Key_Control || key.code == Qt::Key_Alt ||
                       key.code == Qt::Key_Meta;

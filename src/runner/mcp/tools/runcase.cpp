@@ -1,6 +1,9 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
+#include <memory>
+#include <utility>
 
 #include "platform/testresult/journalreader.h"
 #include "platform/testresult/reportgenerator.h"
@@ -78,15 +81,17 @@ Outcome<ToolAnswer> runCase(Session& session, const Arguments& arguments) {
     if (testCase.startsWith(QLatin1Char('-')))
         return fail(FailureKind::BadArgument,
                     QStringLiteral("there is no test case '%1'").arg(testCase));
-    const Outcome<QString> folder = session.newRunFolder();
-    if (!folder)
-        return fail(folder.error());
-    const QString journal = *folder + QStringLiteral("/run.journal");
+    auto folder = std::make_unique<QTemporaryDir>();
+    if (!folder->isValid())
+        return fail(
+            FailureKind::Failed,
+            QStringLiteral("no folder for the run can be made: %1").arg(folder->errorString()));
+    const QString journal = folder->filePath(QStringLiteral("run.journal"));
     QStringList words{QStringLiteral("run"), QDir().absoluteFilePath(arguments.text("suite"))};
     if (arguments.has("case"))
         words.append(testCase);
     words << QStringLiteral("--aut-display") << session.display() << QStringLiteral("--result-dir")
-          << *folder << QStringLiteral("--report") << QStringLiteral("json:") + journal;
+          << folder->path() << QStringLiteral("--report") << QStringLiteral("json:") + journal;
     const Outcome<std::unique_ptr<ChildProcess>> run = runToTheEnd(session, words);
     if (!run)
         return fail(run.error());
@@ -95,7 +100,7 @@ Outcome<ToolAnswer> runCase(Session& session, const Arguments& arguments) {
         return fail(FailureKind::BadArgument,
                     errors.isEmpty() ? QStringLiteral("there was no run: %1").arg((*run)->endText())
                                      : errors);
-    session.journal = journal;
+    session.keepRun(std::move(folder), journal);
     TallyReport report;
     JournalReader reader(&report);
     if (!reader.replay(journal))

@@ -113,6 +113,13 @@ function applyTree(before, changes) {
     for (const change of changes) {
         if (Array.isArray(change)) {
             appendObjects(tree, change);
+        } else if (change.moved) {
+            const [count, byX, byY] = change.moved;
+            tree.push(...before.slice(next, next + count).map((object) => {
+                const [x, y, width, height] = object.place;
+                return { ...object, place: [x + byX, y + byY, width, height] };
+            }));
+            next += count;
         } else if (typeof change === "object") {
             tree.push(objectLike(before[next++], change));
         } else {
@@ -477,7 +484,10 @@ async function showCase(one, time) {
 function showCaseList() {
     const kept = cases.filter((one) => one.kept !== false);
     page("cases").replaceChildren(...kept.map((one) => {
-        const attempt = one.attempt > 1 ? `, attempt ${one.attempt}` : "";
+        // A worker of a run with several knows of its own attempt only.
+        const earlier = cases.slice(0, cases.indexOf(one)).filter((each) => each.name === one.name);
+        const number = Math.max(one.attempt, earlier.length + 1);
+        const attempt = number > 1 ? `, attempt ${number}` : "";
         const option = make("option", "", `${one.name}${attempt} (${one.outcome || "not ended"})`);
         option.value = one.id;
         return option;
@@ -496,15 +506,19 @@ function linkedStep(kept) {
     return [started[started.length - 1] || ofName[0], time];
 }
 
+// The case that was running when its last step was looked at.
+let watched = null;
+
 async function follow() {
-    const wasNewest = !current || current === cases[cases.length - 1];
     const wasLast = !current || chosen >= current.steps.length - 1;
     const hadEnded = !current || Boolean(current.outcome);
+    if (!hadEnded)
+        watched = wasLast ? current : null;
     await load(null, "cases.js", 0);
     const kept = showCaseList();
     const newest = kept[kept.length - 1];
-    // Who looks at the end of one case goes on with the next.
-    if (hadEnded && wasNewest && wasLast && newest && newest !== current) {
+    // Who has watched one case to its end goes on with the next.
+    if (hadEnded && wasLast && watched === current && newest && newest !== current) {
         await showCase(newest);
         choose(newest.steps.length - 1);
         return;
