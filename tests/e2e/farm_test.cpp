@@ -46,6 +46,8 @@ protected:
     /// it, in seconds.
     int runUntilThere(const QStringList& names, const QStringList& options) {
         for (const int seconds : {1, 4, 16, 64}) {
+            for (const QString& name : names)
+                QFile::remove(suite.path("there_" + name));
             QDir(suite.path("results")).removeRecursively();
             runner.takeOutput();
             runner.run(QStringList{"run", suite.path("suite"), "--result-dir",

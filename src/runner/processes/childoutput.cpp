@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <QStringList>
@@ -12,12 +13,27 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "base/blocking.h"
 #include "base/wholetext.h"
 
 namespace Tamrix {
+
+namespace {
+
+/// How long the thread may take to read what is there.
+constexpr std::chrono::seconds turnPatience(10);
+
+bool hasUnread(const int (&pipes)[2]) {
+    return std::any_of(std::begin(pipes), std::end(pipes), [](int pipe) {
+        int size = 0;
+        return ::ioctl(pipe, FIONREAD, &size) == 0 && size > 0;
+    });
+}
+
+}  // namespace
 
 void OutputTail::append(const char* bytes, qint64 size) {
     m_bytes.append(bytes, static_cast<int>(size));
@@ -117,9 +133,10 @@ bool ChildOutput::readStream(int descriptor, OutputTail& tail) {
     std::array<char, 16 * 1024> block;
     // A bound, so that one busy stream does not keep the other one waiting.
     for (int count = 0; count < 16; ++count) {
+        // Also for the read: what is in the pipe no more has been kept when somebody looks.
+        const std::lock_guard<std::mutex> lock(m_mutex);
         const ssize_t size = ::read(descriptor, block.data(), block.size());
         if (size > 0) {
-            const std::lock_guard<std::mutex> lock(m_mutex);
             tail.append(block.data(), size);
         } else if (size == 0 || (errno != EINTR && errno != EAGAIN)) {
             return false;
@@ -152,11 +169,16 @@ QString ChildOutput::lastErrorLines(int count) const {
 }
 
 void ChildOutput::waitForEnd(int milliseconds) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    while (std::chrono::steady_clock::now() < end) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const auto lastTime = end + turnPatience;
+    while (true) {
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
-            if (m_hasEnded)
+            const auto now = Clock::now();
+            // What a program has written stays in the pipe until the thread, which may have to wait
+            // for its turn on a busy machine, has read it.
+            if (m_hasEnded || now >= lastTime || (now >= end && !hasUnread(m_descriptors)))
                 return;
         }
         blockingSleep(2000);

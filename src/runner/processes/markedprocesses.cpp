@@ -19,6 +19,9 @@ namespace {
 constexpr std::chrono::milliseconds pollInterval(10);
 /// How long after a look that found none the next one follows.
 constexpr std::chrono::milliseconds secondLook(3);
+/// How long a process may take to be gone once it is killed: on a busy machine a large one takes
+/// more than a moment.
+constexpr std::chrono::seconds deathPatience(10);
 
 // A limit that is a mark, from its highest bit: 01, 42 bits for the run, 20 for the program.
 constexpr int programBits = 20;
@@ -141,7 +144,7 @@ std::vector<pid_t> findProcesses(const ProcessFilter& filter) {
 int endProcesses(const ProcessFilter& filter, int patience, std::vector<pid_t>* killed) {
     using Clock = std::chrono::steady_clock;
     const auto killTime = Clock::now() + std::chrono::milliseconds(patience);
-    const auto lastTime = killTime + std::chrono::seconds(1);
+    const auto lastTime = killTime + deathPatience;
     std::vector<pid_t> asked;
     std::vector<pid_t> processes = findProcesses(filter);
     // A process can be missed that comes up during a look, or shows no mark for the moment in which

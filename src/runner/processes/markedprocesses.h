@@ -38,8 +38,8 @@ bool isMeant(pid_t process, const ProcessFilter& filter);
 
 /// Asks the processes to end (SIGTERM), and after `patience` milliseconds kills those that are
 /// left, also those that came up meanwhile; these go into `killed`, each once. Returns when two
-/// looks in a row have found none, or after a further second with the number of those that can't be
-/// ended.
+/// looks in a row have found none, or after ten further seconds with the number of those that can't
+/// be ended.
 int endProcesses(const ProcessFilter& filter, int patience, std::vector<pid_t>* killed = nullptr);
 
 }  // namespace Tamrix

@@ -2,6 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <array>
+#include <functional>
 
 #include "runner/remote/localcommand.h"
 #include "runner/remote/shellscript.h"
@@ -62,19 +63,31 @@ private:
     ShellOutput m_output;
 };
 
-/// Ends what is left of a program. Best effort: the connection may be gone.
-void endProgram(SshConnection& connection, const ShellOutput& output) {
-    if (!output.hasStarted() || !connection.endText().isEmpty())
+/// Works until something is so. False when the connection fails or it takes too long.
+bool workUntil(SshShell& shell, const std::function<bool()>& isSo) {
+    constexpr int patience = 20000;
+    const QDeadlineTimer deadline(patience);
+    bool isWorking = true;
+    while (isWorking && !isSo() && !deadline.hasExpired())
+        isWorking = bool(shell.work());
+    return isSo();
+}
+
+/// Ends what is left of a shell's program. Best effort: the connection may be gone.
+void endProgram(SshConnection& connection, SshShell& shell) {
+    if (!connection.endText().isEmpty())
         return;
     // Also for a run that was interrupted.
     const std::function<bool()> hook = connection.takeIdleHook();
-    const SystemCommand command{{QStringLiteral("kill")}};
-    SshShell shell(connection, command);
-    constexpr int patience = 5000;
-    const QDeadlineTimer deadline(patience);
-    bool isWorking = bool(shell.start(command, endingScript(output.process())));
-    while (isWorking && !shell.hasEnded() && !deadline.hasExpired())
-        isWorking = bool(shell.work());
+    // 1. A program that is only about to start would be left behind.
+    const auto hasStarted = [&] { return shell.output().hasStarted() || shell.hasEnded(); };
+    if (workUntil(shell, hasStarted) && shell.output().hasStarted()) {
+        // 2. The program and all that came of it.
+        const SystemCommand command{{QStringLiteral("kill")}};
+        SshShell killer(connection, command);
+        if (killer.start(command, endingScript(shell.output().process())))
+            workUntil(killer, [&] { return killer.hasEnded(); });
+    }
     connection.setIdleHook(hook);
 }
 
@@ -93,7 +106,7 @@ Outcome<CommandResult> runSshCommand(SshConnection& connection, const SystemComm
     while (!shell.hasEnded() || !shell.hasOutputEnded()) {
         const Outcome<> worked = shell.work();
         if (!worked) {
-            endProgram(connection, shell.output());
+            endProgram(connection, shell);
             return fail(worked.error());
         }
         if (shell.hasEnded() && late.isForever())
@@ -101,7 +114,7 @@ Outcome<CommandResult> runSshCommand(SshConnection& connection, const SystemComm
         if (late.hasExpired())
             break;
         if (!shell.hasEnded() && deadline.hasExpired()) {
-            endProgram(connection, shell.output());
+            endProgram(connection, shell);
             return fail(commandTimeout(command));
         }
     }

@@ -1,6 +1,7 @@
 #include "runner/processes/childprocess.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -10,6 +11,12 @@
 
 namespace Tamrix {
 namespace {
+
+/// With which the marks of this test's programs begin.
+const QString run = QStringLiteral("test-run-%1:").arg(::getpid());
+
+/// Milliseconds, for what ends by itself.
+constexpr int patience = 100'000;
 
 std::unique_ptr<ChildProcess> startShell(const QString& script,
                                          const ProgramEnvironment& environment = {},
@@ -26,22 +33,35 @@ std::unique_ptr<ChildProcess> startShell(const QString& script,
 
 TEST(ChildProcess, TellsHowItEndedAndWhatItWrote) {
     const auto exited = startShell("echo out; echo \"$VALUE\" >&2; exit 3", {{"VALUE", "ü"}});
-    ASSERT_TRUE(exited->waitForEnd(10000));
-    exited->output()->waitForEnd(10000);
+    ASSERT_TRUE(exited->waitForEnd(patience));
+    exited->output()->waitForEnd(patience);
     EXPECT_EQ(exited->endText(), "it exited with code 3");
     EXPECT_EQ(exited->output()->standardOutput(), "out\n");
     EXPECT_EQ(exited->output()->lastErrorLines(5), "ü");
 
     const auto killed = startShell("kill -SEGV $$");
-    ASSERT_TRUE(killed->waitForEnd(10000));
+    ASSERT_TRUE(killed->waitForEnd(patience));
     EXPECT_EQ(killed->endText(), "it was ended by SIGSEGV (Segmentation fault)");
     EXPECT_EQ(killed->exitCode(), 128 + SIGSEGV);
 }
 
+TEST(ChildProcess, WhatItWroteIsThereAtItsEnd) {
+    for (const char* const script : {"echo out; echo why >&2; exit 3",
+                                     // Another one holds the streams open.
+                                     "sleep 100 & echo out; echo why >&2; exit 3"}) {
+        const auto process = startShell(script, {}, run + "5");
+        ASSERT_TRUE(process->waitForEnd(patience));
+        process->output()->waitForEnd(0);
+        EXPECT_EQ(process->output()->standardOutput(), "out\n");
+        EXPECT_EQ(process->output()->standardError(), "why\n");
+        endProcesses({run.toStdString() + "5", true}, 0);
+    }
+}
+
 TEST(ChildProcess, KeepsTheEndOfMuchOutputWhileNobodyReads) {
     const auto process = startShell("head -c 3000000 /dev/zero | tr '\\0' x; echo end");
-    ASSERT_TRUE(process->waitForEnd(20000));
-    process->output()->waitForEnd(10000);
+    ASSERT_TRUE(process->waitForEnd(patience));
+    process->output()->waitForEnd(patience);
     const QByteArray output = process->output()->standardOutput();
     EXPECT_TRUE(output.startsWith("[1951428 bytes before this are left out]\nxxx"))
         << output.left(60).constData();
@@ -69,14 +89,14 @@ TEST(MarkedProcesses, AllThatCameOfAProgramAreEnded) {
     const auto process = startShell(
         "env -i setsid sleep 600 & (trap '' TERM; while true; do sleep 600; done) &"
         "prlimit --rttime=unlimited setsid sleep 600 & wait",
-        {}, "test-run:7");
-    const ProcessFilter filter{"test-run:7", true};
+        {}, run + "7");
+    const ProcessFilter filter{run.toStdString() + "7", true};
     std::size_t found = 0;
     for (int round = 0; round < 6000 && (found = findProcesses(filter).size()) < 5; ++round)
         process->waitForEnd(10);
     EXPECT_GE(found, 5U);
-    EXPECT_TRUE(findProcesses({"test-run:70", true}).empty());
-    EXPECT_EQ(endProcesses({"test-run:"}, 200), 0);
+    EXPECT_TRUE(findProcesses({run.toStdString() + "70", true}).empty());
+    EXPECT_EQ(endProcesses({run.toStdString()}, 200), 0);
     EXPECT_TRUE(findProcesses(filter).empty());
     EXPECT_TRUE(process->hasEnded());
 }
