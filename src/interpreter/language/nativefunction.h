@@ -12,6 +12,7 @@
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
+#include "platform/gherkin/expressions/expressionerror.h"
 
 namespace Tamrix {
 
@@ -114,13 +115,15 @@ bool areInPlace(const Parameters& parameters, int count, IsNull isNull) {
 }
 
 /// What `call` gives of the function: a ScriptResult, or one without a value. What it throws is a
-/// failure, but for ScriptErrorSet, which passes.
+/// failure, but for ScriptErrorSet, which passes; an expression that is refused is a bad argument.
 template <typename Call>
 auto caught(const NativeFunction& function, Call call) -> decltype(call()) {
     try {
         return call();
     } catch (const ScriptErrorSet&) {
         throw;
+    } catch (const Gherkin::ExpressionError& error) {
+        return tl::unexpected<ScriptFailure>(badArgument(QString::fromUtf8(error.what())));
     } catch (const std::exception& exception) {
         return tl::unexpected<ScriptFailure>(
             thrownIn(function.displayName(), QString::fromUtf8(exception.what())));

@@ -86,10 +86,8 @@ std::vector<LanguageVariables::Member> JavaScriptVariables::variablesOf(int leve
     const std::optional<ScriptFrame> frame = codeFrame(level);
     if (!frame)
         return members;
-    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(*frame)) {
-        if (!m_debugger.interpreter()->isSelfDefinedVariableName(variable.name))
-            members.push_back({pathPart(variable.name), argumentOf(variable.value)});
-    }
+    for (DebuggerRealm::Variable& variable : m_debugger.variablesOf(*frame))
+        members.push_back({pathPart(variable.name), argumentOf(variable.value)});
     return members;
 }
 

@@ -95,7 +95,7 @@ JS::Value defineStep(JavaScriptInterpreter& interpreter, const JS::CallArgs& arg
     const SharedPtr<ScriptArgument> function = functionOf(arguments.get(1));
     const bool isRegular = !arguments[0].isString();
     interpreter.steps().addStep(isRegular ? patternOf(arguments[0]) : textOfArgument(arguments[0]),
-                                isRegular, function, interpreter.placeOf(function));
+                                isRegular, function);
     return JS::UndefinedValue();
 }
 
@@ -104,8 +104,7 @@ JS::Value defineHook(JavaScriptInterpreter& interpreter, const JS::CallArgs& arg
     const bool hasTags = arguments.get(0).isString();
     const SharedPtr<ScriptArgument> function = functionOf(arguments.get(hasTags ? 1 : 0));
     interpreter.steps().addHook(*hookKind(nameOfCallee(arguments)),
-                                hasTags ? textOfArgument(arguments[0]) : std::string(), function,
-                                interpreter.placeOf(function));
+                                hasTags ? textOfArgument(arguments[0]) : std::string(), function);
     return JS::UndefinedValue();
 }
 

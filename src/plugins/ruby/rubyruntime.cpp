@@ -18,7 +18,6 @@
 #include "plugins/ruby/rubyoutput.h"
 #include "plugins/ruby/rubywaits.h"
 #include "plugins/ruby/scripterrors.h"
-#include "plugins/ruby/stepfunctions.h"
 #include "plugins/ruby/valueclasses.h"
 
 namespace Tamrix::RubyPlugin {
@@ -133,7 +132,6 @@ void RubyRuntime::defineTamrix() {
     const VALUE native = rb_define_module_under(m_module, "Native");
     defineObjectClass(m_module);
     defineOutput(m_module, native);
-    defineStepFunctions(native);
     for (const char* const name : preludeFiles) {
         // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
         const QByteArray source = preludeSource(QStringLiteral("ruby/%1.rb").arg(name));
