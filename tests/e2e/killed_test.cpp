@@ -153,8 +153,8 @@ TEST_F(KilledRun, AScriptThatEndsItsProcessIsTold) {
 TEST_F(KilledRun, ACaseThatSpoilsItsProcessLeavesTheOthersToAnotherOne) {
     suite.write("suite/b/test.tcl",
                 "proc main {} {\n"
-                "    set text [string repeat x 300000000]\n"
-                "    set larger_than_tcl_has $text$text$text$text$text$text$text$text\n"
+                "    set text [string repeat x 30000000]\n"
+                "    eval \"set larger_than_tcl_has [string repeat {$text} 80]\"\n"
                 "}\n");
     suite.write("suite/c/test.py", "def main():\n    test.pass_('in Python')\n");
     suite.write("suite/d/test.tcl", "proc main {} { test pass {in Tcl} }\n");
