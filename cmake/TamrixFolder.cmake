@@ -201,5 +201,5 @@ function(tamrix_test name)
         set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "env;${environment}")
     endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
-        PROPERTIES TIMEOUT 120 ENVIRONMENT "LC_ALL=C.UTF-8")
+        PROPERTIES TIMEOUT 900 ENVIRONMENT "LC_ALL=C.UTF-8")
 endfunction()

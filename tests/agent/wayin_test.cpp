@@ -10,11 +10,15 @@
 #include <array>
 
 #include "support/agentclient.h"
+#include "support/processes.h"
 #include "support/qtversions.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 
 namespace {
+
+using Test::waitUntil;
 
 const QMap<QString, QString> refused = {{"TAMRIX_AUTS", "another"}};
 
@@ -106,9 +110,9 @@ TEST_P(WayInTest, APythonProgramGetsIn) {
 TEST_P(WayInTest, ARunnerThatIsNotThereTakesOneLine) {
     AgentClient client(forQt("processes_target", GetParam()), {"twice"}, WayIn::Plugin,
                        {{"TAMRIX_AGENT_CONNECT", "/nowhere/socket"}});
-    EXPECT_EQ(client.waitForEnd(1500), -1) << "the program must live on";
+    EXPECT_TRUE(waitUntil([&] { return client.errorOutput().contains("/nowhere/socket"); }));
+    EXPECT_EQ(client.waitForEnd(1000), -1) << "the program must live on";
     EXPECT_EQ(client.errorOutput().count("tamrixagent:"), 1);
-    EXPECT_TRUE(client.errorOutput().contains("/nowhere/socket"));
 }
 
 TEST_P(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
@@ -117,7 +121,7 @@ TEST_P(WayInTest, ARefusalIsToldAndTheProgramLivesOn) {
     Wire::Text text;
     text.text = "version 1 here, 7 there";
     client.channel().sendBody(0, Wire::MessageType::Refusal, text);
-    EXPECT_FALSE(client.nextFrame(2000));
+    EXPECT_FALSE(client.nextFrame());
     EXPECT_FALSE(client.channel().isOpen());
     EXPECT_TRUE(client.errorOutput().contains("version 1 here, 7 there"));
     EXPECT_EQ(client.waitForEnd(300), -1);
@@ -129,7 +133,8 @@ TEST_P(WayInTest, GarbageAndALostRunnerDoNoHarm) {
         ASSERT_TRUE(isGreeted ? client.accept() : client.acceptHello());
         const std::array<char, 100> garbage{'x', 'y'};
         ASSERT_GT(::write(client.channel().descriptor(), garbage.data(), garbage.size()), 0);
-        EXPECT_FALSE(client.nextFrame(2000));
+        EXPECT_FALSE(client.nextFrame());
+        EXPECT_FALSE(client.channel().isOpen());
         EXPECT_EQ(client.waitForEnd(300), -1);
     }
 }
@@ -137,7 +142,9 @@ TEST_P(WayInTest, GarbageAndALostRunnerDoNoHarm) {
 TEST_P(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
     AgentClient client(forQt("processes_target", GetParam()), {"fork"});
     ASSERT_TRUE(client.accept());
-    ::usleep(600 * 1000);
+    ASSERT_TRUE(waitUntil([&] { return Tamrix::Test::hasChild(client.pid()); }));
+    // The child's event loop goes on as well.
+    ::usleep(200 * 1000);
     for (int round = 0; round < 20; ++round)
         ASSERT_TRUE(client.exchange(Wire::MessageType::TopLevelObjects));
     EXPECT_NE(client.find({"text=label of fork"}).handle, 0U);
@@ -147,7 +154,7 @@ TEST_P(WayInTest, AForkedChildLeavesTheConnectionToItsParent) {
 TEST_P(WayInTest, ASecondApplicationObjectRunsWithoutAgent) {
     AgentClient client(forQt("processes_target", GetParam()), {"twice"});
     ASSERT_TRUE(client.accept());
-    EXPECT_FALSE(client.nextFrame(3000));
+    EXPECT_FALSE(client.nextFrame());
     EXPECT_FALSE(client.channel().isOpen());
     EXPECT_EQ(client.waitForEnd(500), -1) << "the program must live on";
 }

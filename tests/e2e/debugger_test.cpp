@@ -18,6 +18,7 @@
 #include "support/files.h"
 #include "support/golden.h"
 #include "support/printqt.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -321,8 +322,7 @@ TEST_F(DebuggedApplication, QuittingEndsTheApplicationsOfTheRun) {
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.errors());
     EXPECT_EQ(results(), "The run was ended in the debugger") << qPrintable(runner.errors());
     // What is left is cleared up behind the process.
-    for (int tenths = 0; tenths < 100 && !leftProcesses().isEmpty(); ++tenths)
-        QThread::msleep(100);
+    EXPECT_TRUE(Tamrix::Test::waitUntil([&] { return leftProcesses().isEmpty(); }));
 }
 
 /// Interrupts a script that runs.

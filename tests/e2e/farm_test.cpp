@@ -1,11 +1,9 @@
 // Many cases in one run: workers, retries, time-outs, orders.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QDir>
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -17,6 +15,7 @@
 #include "runner/suites/suitefolder.h"
 #include "support/files.h"
 #include "support/printqt.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -36,6 +35,30 @@ protected:
                                "--result-dir", suite.path("results")} +
                    options);
         return runner;
+    }
+
+    /// What a case does before it takes too long.
+    QByteArray there(const QString& name) const {
+        return "open('" + suite.path("there_" + name).toUtf8() + "', 'w').close()\n    ";
+    }
+
+    /// Runs cases that end by their time-out, which is long enough for them to be there(). Returns
+    /// it, in seconds.
+    int runUntilThere(const QStringList& names, const QStringList& options) {
+        for (const int seconds : {1, 4, 16, 64}) {
+            QDir(suite.path("results")).removeRecursively();
+            runner.takeOutput();
+            runner.run(QStringList{"run", suite.path("suite"), "--result-dir",
+                                   suite.path("results"), "--case-timeout",
+                                   QString::number(seconds)} +
+                       options);
+            if (std::all_of(names.begin(), names.end(), [this](const QString& name) {
+                    return QFile::exists(suite.path("there_" + name));
+                }))
+                return seconds;
+        }
+        ADD_FAILURE() << "the cases do not even begin";
+        return 0;
     }
 
     QString journalText(const char* kind) const {
@@ -145,17 +168,18 @@ TEST_F(FarmRunTest, ACaseIsGivenBackOnceWhenItsProcessDies) {
 }
 
 TEST_F(FarmRunTest, WhatTakesTooLongIsEndedWhereItStandsAndTheRunGoesOn) {
-    writeCase("busy", "inner()",
+    writeCase("busy", there("busy") + "inner()",
               "def inner():\n    while True: pass\n"
               "def cleanup(): test.log('cleaned up')\n");
     writeCase("z", "pass");
-    run({"--case-timeout", "1"});
+    const int seconds = runUntilThere({"busy"}, {"--aut-display", "inherit"});
     EXPECT_EQ(runner.exitCode(), 1);
     EXPECT_EQ(summary(), "2 cases: 1 passed, 1 with errors");
-    EXPECT_TRUE(
-        runner.output().contains("busy/test.py:5: Error: The test case took longer than 1 s\n"
-                                 "        It was ended where it stood\n"
-                                 "        called from "))
+    EXPECT_TRUE(runner.output().contains(
+        QString("busy/test.py:6: Error: The test case took longer than %1 s\n"
+                "        It was ended where it stood\n"
+                "        called from ")
+            .arg(seconds)))
         << qPrintable(runner.output());
     EXPECT_TRUE(journalText("result").contains("cleaned up"));
 }
@@ -163,28 +187,29 @@ TEST_F(FarmRunTest, WhatTakesTooLongIsEndedWhereItStandsAndTheRunGoesOn) {
 TEST_F(FarmRunTest, WhatHasToBeKilledTellsWhereItStood) {
     // Catches what would end it; is in code of C that looks for no signal; waits there, without
     // the interpreter's lock.
-    writeCase("catches", "inner()",
+    writeCase("catches", there("catches") + "inner()",
               "def inner():\n"
               "    while True:\n"
               "        try: time.sleep(100)\n"
               "        except BaseException: pass\n");
-    writeCase("computes", "inner()", "def inner(): sum(iter(int, 1))\n");
-    writeCase("waits", "inner()",
+    writeCase("computes", there("computes") + "inner()", "def inner(): sum(iter(int, 1))\n");
+    writeCase("waits", there("waits") + "inner()",
               "import ctypes\n"
               "def inner():\n"
               "    mask = (ctypes.c_ulong * 16)(1 << 9)\n"
               "    ctypes.CDLL(None).sigwait(mask, mask)\n");
-    run({"--jobs", "3", "--case-timeout", "1"});
+    const int seconds = runUntilThere({"catches", "computes", "waits"},
+                                      {"--jobs", "3", "--aut-display", "inherit"});
     EXPECT_EQ(runner.exitCode(), 1);
     EXPECT_EQ(summary(), "3 cases: 3 with errors");
     const QString output = runner.output();
-    for (const char* place : {"catches/test.py:6", "computes/test.py:4", "waits/test.py:7"}) {
+    for (const char* place : {"catches/test.py:7", "computes/test.py:5", "waits/test.py:8"}) {
         const QString text =
             QStringLiteral(
-                "%1: Error: The test case took longer than 1 s\n"
+                "%1: Error: The test case took longer than %2 s\n"
                 "        It did not react when it was ended, so its process was killed\n"
                 "        called from ")
-                .arg(QLatin1String(place));
+                .arg(QLatin1String(place), QString::number(seconds));
         EXPECT_TRUE(output.contains(text)) << place << "\n" << qPrintable(output);
     }
     EXPECT_TRUE(leavesNothing());
@@ -196,12 +221,11 @@ TEST_F(FarmRunTest, AHungProgramIsShownAsItsDisplayShowsIt) {
               "                     'calculator/calculator')\n"
               "    waitForObject(\"{type='Button' text='7'}\")\n"
               "    os.kill(currentApplicationContext().pid(), signal.SIGSTOP)\n"
-              "    signal.signal(signal.SIGINT, lambda *_: None)\n"
-              "    while True: pass");
-    runner.run({"run", suite.path("suite"), "--jobs", "1", "--case-timeout", "3", "--result-dir",
-                suite.path("results")});
+              "    signal.signal(signal.SIGINT, lambda *_: None)\n    " +
+                  there("hangs") + "while True: pass");
+    runUntilThere({"hangs"}, {"--jobs", "1"});
     EXPECT_EQ(runner.exitCode(), 1);
-    EXPECT_TRUE(runner.output().contains("hangs/test.py:8: Error: The script did not end"))
+    EXPECT_TRUE(runner.output().contains("hangs/test.py:9: Error: The script did not end"))
         << qPrintable(runner.output());
     QDirIterator pictures(suite.path("results"), {"*.png"}, QDir::Files,
                           QDirIterator::Subdirectories);
@@ -282,11 +306,8 @@ TEST_F(FarmRunTest, CtrlCEndsAllWorkersOnceAndReportsAreWhole) {
     }
     runner.start({"run", suite.path("suite"), "--jobs", "2", "--aut-display", "inherit",
                   "--result-dir", suite.path("results")});
-    QElapsedTimer timer;
-    timer.start();
-    while ((!QFile::exists(suite.path("a")) || !QFile::exists(suite.path("b"))) &&
-           timer.elapsed() < 30000)
-        ::usleep(10000);
+    ASSERT_TRUE(Tamrix::Test::waitUntil(
+        [&] { return QFile::exists(suite.path("a")) && QFile::exists(suite.path("b")); }));
     runner.sendSignal(SIGINT);
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 130) << qPrintable(runner.output());
@@ -303,10 +324,7 @@ TEST_F(FarmRunTest, AKilledRunLeavesWhatCanBeReported) {
                        "', 'w').close(); time.sleep(600)");
     runner.start({"run", suite.path("suite"), "--jobs", "1", "--aut-display", "inherit",
                   "--result-dir", suite.path("results")});
-    QElapsedTimer timer;
-    timer.start();
-    while (!QFile::exists(suite.path("b")) && timer.elapsed() < 30000)
-        ::usleep(10000);
+    ASSERT_TRUE(Tamrix::Test::waitUntil([&] { return QFile::exists(suite.path("b")); }));
     runner.sendSignal(SIGKILL);
     runner.finish();
     RunnerProcess report;

@@ -1,12 +1,12 @@
 // Applications on another machine, which is this one behind a real SSH server.
 
-#include <QElapsedTimer>
 #include <QSysInfo>
 #include <csignal>
 
 #include "e2e/applicationrun.h"
 #include "support/processes.h"
 #include "support/sshserver.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -15,6 +15,7 @@ using Test::ApplicationRun;
 using Test::FailingNetwork;
 using Test::readFile;
 using Test::SshServer;
+using Test::waitUntil;
 using Test::writeFile;
 
 class RemoteApplications : public ApplicationRun {
@@ -35,11 +36,8 @@ protected:
     void expectEnd(const QString& pidFile) const {
         const int pid = readFile(pidFile).toInt();
         ASSERT_GT(pid, 1);
-        QElapsedTimer timer;
-        timer.start();
-        while (Tamrix::Test::isRunning(pid) && timer.elapsed() < 20000)
-            ::usleep(20000);
-        EXPECT_FALSE(Tamrix::Test::isRunning(pid)) << "the program is still there";
+        EXPECT_TRUE(waitUntil([&] { return !Tamrix::Test::isRunning(pid); }))
+            << "the program is still there";
     }
 
     SshServer server;
@@ -106,10 +104,7 @@ TEST_F(RemoteApplications, EndWithTheConnection) {
         waitForObject("{type='QPushButton' text='Crash'}")
 )py"));
     runner.start({"run", suite.path("suite"), "--result-dir", suite.path("results")});
-    QElapsedTimer timer;
-    timer.start();
-    while (readFile(suite.path("pid")).isEmpty() && timer.elapsed() < 60000)
-        ::usleep(20000);
+    ASSERT_TRUE(waitUntil([&] { return !readFile(suite.path("pid")).isEmpty(); }));
     network.cutAfter(5000);
     runner.finish();
     EXPECT_EQ(runner.exitCode(), 1) << qPrintable(runner.errors());

@@ -30,8 +30,8 @@ public:
     void startDialogue(const QStringList& arguments);
     void type(const QByteArray& text);
     void closeInput() { m_process.closeWriteChannel(); }
-    /// Waits until the program has written the text to standard output; false when it ends or a
-    /// minute passes without.
+    /// Waits until the program has written the text to standard output; false when it ends or
+    /// some minutes pass without.
     bool waitForOutput(const QString& text);
     bool waitForErrors(const QString& text);
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }

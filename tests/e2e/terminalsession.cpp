@@ -16,7 +16,7 @@ namespace Tamrix::Test {
 
 namespace {
 
-constexpr int patienceMilliseconds = 30'000;
+constexpr int patienceMilliseconds = 300'000;
 
 }  // namespace
 

@@ -1,12 +1,13 @@
 // The dialogs in which scripts ask a person, with the agent in that person's place.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QImage>
-#include <QThread>
 
 #include "e2e/applicationrun.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -25,7 +26,7 @@ protected:
                 "def main():\n    dialog = startApplication(\"" TAMRIX_TEST_PREFIX
                 "/lib/exec/testinteraction " +
                     arguments.toUtf8() + "\")\n    " + steps +
-                    "\n    waitFor(lambda: not dialog.isRunning(), 30000)\n"
+                    "\n    waitFor(lambda: not dialog.isRunning(), 100000)\n"
                     "    test.log('printed', dialog.readStdout())\n");
     }
 };
@@ -106,7 +107,9 @@ TEST_F(TestInteractionDialogs, AreAnsweredWithMouseAndKeyboard) {
 
 TEST_F(TestInteractionDialogs, ShowAPictureAndRemoveWhatScriptsLeave) {
     const QString own = suite.path("own.png");
-    const QString left = QDir::temp().filePath("interactionImageE2eAbc");
+    // As the library names its own, and as no other test does.
+    const QString left = QDir::temp().filePath(
+        QString("interactionImage%1").arg(::getpid() % 1'000'000, 6, 10, QLatin1Char('0')));
     QImage image(4000, 1000, QImage::Format_RGB32);
     image.fill(Qt::blue);
     ASSERT_TRUE(image.save(own, "PNG") && image.save(left, "PNG"));
@@ -142,8 +145,7 @@ TEST_F(TestInteractionDialogs, NeedAnInteractiveRun) {
     EXPECT_TRUE(resultsOf("a").contains("True 4")) << qPrintable(resultsOf("a"));
     EXPECT_TRUE(resultsOf("a").contains("\"shown\""));
     // The notice goes by itself.
-    for (int tries = 0; tries < 300 && !leftProcesses().isEmpty(); ++tries)
-        QThread::msleep(100);
+    EXPECT_TRUE(Tamrix::Test::waitUntil([&] { return leftProcesses().isEmpty(); }));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Traces of runs, of a real program.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QDirIterator>
 #include <QFile>
@@ -10,6 +9,7 @@
 #include <csignal>
 
 #include "e2e/applicationrun.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -82,16 +82,15 @@ TEST_F(Traces, OfAKilledRunHoldEverythingUpToThenAndAreShownLive) {
     ASSERT_TRUE(live.waitForOutput("now"));
     QTcpSocket client;
     client.connectToHost("127.0.0.1", port);
-    ASSERT_TRUE(client.waitForConnected(20000));
+    ASSERT_TRUE(client.waitForConnected(100'000));
     client.write("GET /cases.js HTTP/1.1\r\nHost: localhost\r\n\r\n");
     QByteArray answer;
-    while (client.waitForReadyRead(20000))
+    while (client.waitForReadyRead(100'000))
         answer += client.readAll();
     EXPECT_TRUE(answer.contains("traceCase({")) << answer.constData();
     live.sendSignal(SIGKILL);
     live.finish();
-    for (int round = 0; round < 1000 && !leftProcesses().isEmpty(); ++round)
-        ::usleep(20000);
+    EXPECT_TRUE(Tamrix::Test::waitUntil([&] { return leftProcesses().isEmpty(); }));
     const QByteArray steps = text("case-0001/steps-0001.js");
     EXPECT_TRUE(steps.endsWith(");\n"));
     EXPECT_TRUE(steps.contains("startApplication"));
@@ -119,10 +118,8 @@ TEST_F(Traces, AreShownUntilTheRunEnds) {
         EXPECT_EQ(shown.errors(),
                   "tamrixrunner: The trace is shown at http://127.0.0.1:" + port + "/\n");
         // The server goes with the run.
-        for (int round = 0; round < 1000 && !taken.listen(QHostAddress::LocalHost, port.toUShort());
-             ++round)
-            ::usleep(20000);
-        EXPECT_TRUE(taken.isListening());
+        EXPECT_TRUE(Tamrix::Test::waitUntil(
+            [&] { return taken.listen(QHostAddress::LocalHost, port.toUShort()); }));
         taken.close();
     }
 }

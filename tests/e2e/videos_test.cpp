@@ -1,13 +1,13 @@
 // Videos of runs, made of a real display.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QFile>
 #include <QProcess>
 #include <csignal>
 
 #include "e2e/applicationrun.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -32,6 +32,26 @@ protected:
         return suite.path("results/suite/" + testCase + "/attachments/faulty_capture.mp4");
     }
 
+    /// A case in which `recorded(seconds)` waits until the video of the application shows as much.
+    void addRecordedCase(const QString& name, const QByteArray& script) {
+        addCase(name, R"py(import subprocess
+def duration(path):
+    try:
+        return float(subprocess.check_output(
+            ['ffprobe', '-v', 'error', '-show_entries', 'format=duration', '-of',
+             'default=noprint_wrappers=1:nokey=1', path], stderr=subprocess.DEVNULL))
+    except (subprocess.CalledProcessError, ValueError):
+        return 0  # not yet a video
+
+def recorded(seconds, path=r')py" +
+                          video(name).toUtf8() +
+                          R"py('):
+    if not waitFor(lambda: os.path.exists(path) and duration(path) > seconds, 100000):
+        test.fatal('no video')
+
+)py" + script);
+    }
+
     void run(const QStringList& options) {
         runner.run(QStringList{"run", suite.path("suite"), "--result-dir", suite.path("results")} +
                    options);
@@ -39,9 +59,9 @@ protected:
 };
 
 TEST_F(Videos, OfFailedCasesStay) {
-    addCase("a",
-            "def main():\n    startApplication('faulty')\n    snooze(1)\n"
-            "    test.fail('wrong')\n    snooze(0.5)\n");
+    addRecordedCase("a",
+                    "def main():\n    startApplication('faulty')\n    recorded(1)\n"
+                    "    test.fail('wrong')\n    snooze(0.5)\n");
     addCase("b", "def main():\n    startApplication('faulty')\n    test.log('right')\n");
     addCase("c",
             "def main():\n    startApplication('faulty')\n    os.kill(os.getppid(), 0)\n"
@@ -60,11 +80,12 @@ TEST_F(Videos, OfFailedCasesStay) {
 }
 
 TEST_F(Videos, OfAScriptGoWhereItWants) {
-    addCase("a", R"(def main():
+    addRecordedCase("a", R"(def main():
     startApplication('faulty')
     own = VideoCapture('own.mp4')
     video = test.startVideoCapture('mine')
-    snooze(0.7)
+    recorded(0.3)
+    recorded(0.3, 'own.mp4')
     own.pause()
     own.stop()
     test.log('own', str(os.path.getsize('own.mp4') > 0))
@@ -87,17 +108,16 @@ TEST_F(Videos, OfAScriptGoWhereItWants) {
 }
 
 TEST_F(Videos, OfAKilledRunPlay) {
-    addCase("a",
-            "def main():\n    startApplication('faulty')\n    snooze(2)\n"
-            "    print('now', flush=True)\n    snooze(600)\n");
+    addRecordedCase("a",
+                    "def main():\n    startApplication('faulty')\n    recorded(1)\n"
+                    "    print('now', flush=True)\n    snooze(600)\n");
     runner.start({"run", suite.path("suite"), "--result-dir", suite.path("results"),
                   "--aut-display", "auto", "--video", "on"});
     ASSERT_TRUE(runner.waitForOutput("now"));
     runner.sendSignal(SIGKILL);
     runner.finish();
     // The watch ends what the run has left.
-    for (int round = 0; round < 1000 && !leftProcesses().isEmpty(); ++round)
-        ::usleep(20000);
+    EXPECT_TRUE(Tamrix::Test::waitUntil([&] { return leftProcesses().isEmpty(); }));
     EXPECT_GT(durationOf(video("a")), 1.0);
     // The report that is made of the journal shows it.
     RunnerProcess report;

@@ -23,6 +23,9 @@ QString hookPreload();
 /// loop, every call waits. The program is killed at the end.
 class AgentClient {
 public:
+    /// Milliseconds, for what comes as soon as it can. A busy machine may take long.
+    static constexpr int patience = 100'000;
+
     /// A program below the build folder's tests/, or by its whole path.
     explicit AgentClient(const QString& program, const QStringList& arguments = {},
                          WayIn wayIn = WayIn::Plugin,
@@ -32,9 +35,9 @@ public:
     AgentClient& operator=(const AgentClient&) = delete;
 
     /// Accepts the next process that announces itself and greets it. False when none came in time.
-    bool accept(int timeout = 20000);
+    bool accept(int timeout = patience);
     /// As accept(), but leaves the answer to the hello to the caller.
-    bool acceptHello(int timeout = 20000);
+    bool acceptHello(int timeout = patience);
     /// As the last process announced itself.
     const Wire::Hello& hello() const { return m_hello; }
     Wire::FrameChannel& channel() { return *m_channel; }
@@ -42,7 +45,7 @@ public:
     std::unique_ptr<Wire::FrameChannel> takeChannel() { return std::move(m_channel); }
 
     /// The next frame of the agent; none when it doesn't come in time or the connection ends.
-    std::optional<Wire::Frame> nextFrame(int timeout = 20000);
+    std::optional<Wire::Frame> nextFrame(int timeout = patience);
     /// Sends a request and waits for the frame that answers it. Events that come before are kept.
     std::optional<Wire::Frame> exchange(Wire::MessageType type, const QByteArray& body = {});
     /// Events that came while something else was waited for.
@@ -79,7 +82,7 @@ public:
     int pid() const { return m_pid; }
     QString socketPath() const { return m_folder.filePath("socket"); }
     /// Waits for the program's end; its exit status as of waitpid(), -1 when it runs on.
-    int waitForEnd(int timeout = 20000);
+    int waitForEnd(int timeout = patience);
     /// All that the program wrote to standard error by now.
     QString errorOutput() const;
 

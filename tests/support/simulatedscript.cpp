@@ -138,6 +138,8 @@ private:
             print("@file " + current().file.toUtf8());
         else if (command == "print line")
             print("@line " + QByteArray::number(current().number));
+        else if (command == "print evaluation")
+            print(m_hasFailed ? "@evaluation failed" : "@evaluation ok");
         else if (command.startsWith("print variables"))
             list(command.section(' ', 2));
         else if (word == "getInterpreterStateFor")
@@ -171,6 +173,7 @@ private:
 
     void answerEvaluation(const QString& code) {
         const QString result = m_script.evaluate ? m_script.evaluate(code, current().number) : code;
+        m_hasFailed = result.startsWith(SimulatedScript::errorPrefix);
         print("eval" + QUrl::toPercentEncoding(result));
     }
 
@@ -190,6 +193,8 @@ private:
     std::size_t m_position = 0;
     bool m_isStopped = false;
     bool m_isInterrupted = false;
+    /// What was evaluated last.
+    bool m_hasFailed = false;
     bool m_hasEnded = false;
 };
 

@@ -34,6 +34,8 @@ public:
     std::vector<Line> lines;
     /// Files that are not loaded before the script reaches them.
     std::set<QString> lateFiles;
+    /// With what the text of code that fails begins.
+    static constexpr const char* errorPrefix = "NameError: ";
     /// What "eval" gives for code; the text of the code itself for other code.
     std::function<QString(const QString& code, int line)> evaluate;
     /// What "print variables" gives for a path.

@@ -8,12 +8,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QElapsedTimer>
 #include <array>
 #include <vector>
 
 #include "support/files.h"
 #include "support/printqt.h"
+#include "support/waituntil.h"
 
 namespace Tamrix::Test {
 
@@ -68,15 +68,13 @@ SshServer::SshServer(const QString& configuration) {
     // The server, run by root, wants it.
     if (::geteuid() == 0)
         QDir().mkpath("/run/sshd");
-    const int reserved = listenSomewhere(&m_port);
-    ::close(reserved);
     QString settings = QStringLiteral(
-                           "Port %1\nListenAddress 127.0.0.1\nHostKey %2/hostkey\n"
-                           "AuthorizedKeysFile %2/.ssh/authorized_keys\nStrictModes no\nUsePAM no\n"
+                           "ListenAddress 127.0.0.1\nHostKey %1/hostkey\n"
+                           "AuthorizedKeysFile %1/.ssh/authorized_keys\nStrictModes no\nUsePAM no\n"
                            "PidFile none\nPermitRootLogin yes\nPasswordAuthentication no\n"
                            "KbdInteractiveAuthentication no\nUseDNS no\n"
-                           "Subsystem sftp /usr/lib/openssh/sftp-server\n%3\n")
-                           .arg(QString::number(m_port), m_folder.path(), configuration);
+                           "Subsystem sftp /usr/lib/openssh/sftp-server\n%2\n")
+                           .arg(m_folder.path(), configuration);
     // How programs with checks behave, which a server keeps from those that it starts.
     QString checks;
     for (const char* const name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
@@ -86,23 +84,35 @@ SshServer::SshServer(const QString& configuration) {
     if (!checks.isEmpty())
         settings += "SetEnv" + checks + '\n';
     EXPECT_TRUE(writeFile(m_folder.filePath("sshd_config"), settings.toLocal8Bit()));
-    makeKnown(m_port, hostKey());
     m_home.emplace("HOME", m_folder.path());
     m_process.setStandardErrorFile(m_folder.filePath("log"));
-    m_process.start("/usr/sbin/sshd", {"-D", "-e", "-f", m_folder.filePath("sshd_config")});
+    // Somebody else may take the port that was free before the server has it.
+    constexpr int tries = 20;
+    bool isListening = false;
+    for (int count = 0; count < tries && !isListening; ++count)
+        isListening = listen();
+    EXPECT_TRUE(isListening) << qPrintable(log());
+    makeKnown(m_port, hostKey());
+}
+
+bool SshServer::listen() {
+    const int reserved = listenSomewhere(&m_port);
+    ::close(reserved);
+    const QString port = QString::number(m_port);
+    m_process.start("/usr/sbin/sshd",
+                    {"-D", "-e", "-f", m_folder.filePath("sshd_config"), "-p", port});
     EXPECT_TRUE(m_process.waitForStarted()) << "openssh-server is not installed";
-    QElapsedTimer timer;
-    timer.start();
-    int probe = -1;
-    while ((probe = connectTo(m_port)) < 0 && timer.elapsed() < 10000)
-        ::usleep(5000);
-    EXPECT_GE(probe, 0) << qPrintable(log());
-    ::close(probe);
+    const QString told = QStringLiteral("Server listening on 127.0.0.1 port %1.").arg(port);
+    return waitUntil([&] {
+               return log().contains(told) || m_process.waitForFinished(0) ||
+                      m_process.state() == QProcess::NotRunning;
+           }) &&
+           log().contains(told);
 }
 
 SshServer::~SshServer() {
     m_process.terminate();
-    if (!m_process.waitForFinished(5000))
+    if (!m_process.waitForFinished())
         m_process.kill();
     m_process.waitForFinished();
 }

@@ -32,6 +32,9 @@ public:
     QString log() const;
 
 private:
+    /// Starts the server at a free port. False when it does not get it.
+    bool listen();
+
     QTemporaryDir m_folder;
     std::optional<EnvironmentGuard> m_home;
     int m_port = 0;

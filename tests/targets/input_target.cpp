@@ -44,6 +44,8 @@ protected:
                         .arg(mouse->pos().y())
                         .arg(mouse->button())
                         .arg(mouse->buttons()));
+                if (event->type() == QEvent::MouseButtonRelease && mouseGrabber() == this)
+                    releaseMouse();
                 break;
             }
             case QEvent::MouseMove: {
@@ -116,6 +118,26 @@ void addButtons(QGridLayout* grid) {
                                    QTimer::singleShot(1000, window, &QObject::deleteLater);
                                }),
                     0, 3);
+    // What can't be used gives its place to another one, that can.
+    auto* const replaced = makeButton("Replaced", [] {});
+    replaced->setEnabled(false);
+    auto* const rows = new QListWidget;
+    rows->setObjectName(QStringLiteral("rows"));
+    rows->addItem(QStringLiteral("Only row"));
+    rows->setEnabled(false);
+    rows->setMaximumHeight(40);
+    grid->addWidget(replaced, 3, 3);
+    grid->addWidget(rows, 4, 3);
+    const auto replace = [grid, replaced, rows] {
+        delete replaced;
+        grid->addWidget(makeButton("Replaced", [] { log(QStringLiteral("new")); }), 3, 3);
+        rows->clear();
+        rows->addItem(QStringLiteral("Only row"));
+        rows->setEnabled(true);
+    };
+    grid->addWidget(
+        makeButton("Replace Later", [replace] { QTimer::singleShot(300, s_window, replace); }), 1,
+        3);
     grid->addWidget(makeButton("Exit", [] { ::_exit(7); }), 1, 1);
     auto* const moving = makeButton("Moving", [] { log(QStringLiteral("caught")); });
     auto* const field = new QWidget;
@@ -307,7 +329,9 @@ void addViews(QGridLayout* grid) {
     area->setWidget(content);
     area->setMaximumHeight(70);
     grid->addWidget(area, 8, 1);
-    grid->addWidget(new EventPad(nullptr), 8, 2);
+    auto* const pad = new EventPad(nullptr);
+    grid->addWidget(pad, 8, 2);
+    grid->addWidget(makeButton("Grab", [pad] { pad->grabMouse(); }), 2, 3);
 }
 
 void addMenus() {

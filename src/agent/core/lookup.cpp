@@ -28,10 +28,18 @@ Cost costOf(const QString& property) {
 
 /// Whether it is a text that the field hides, as one for passwords.
 bool isHiddenText(const Element& element, const QString& property) {
-    if (property != QLatin1String("text") && property != QLatin1String("selectedText"))
+    // Of fields, and of dialogs that ask for a text.
+    static const QHash<QString, QString> s_modes = {
+        {QStringLiteral("text"), QStringLiteral("echoMode")},
+        {QStringLiteral("selectedText"), QStringLiteral("echoMode")},
+        {QStringLiteral("displayText"), QStringLiteral("echoMode")},
+        {QStringLiteral("password"), QStringLiteral("echoMode")},
+        {QStringLiteral("textValue"), QStringLiteral("textEchoMode")}};
+    const auto mode = s_modes.constFind(property);
+    if (mode == s_modes.constEnd())
         return false;
     bool isKnown = false;
-    const QVariant echoMode = propertyValue(element, QStringLiteral("echoMode"), &isKnown);
+    const QVariant echoMode = propertyValue(element, *mode, &isKnown);
     // 0: what is entered is shown.
     return isKnown && echoMode.toInt() != 0;
 }

@@ -4,6 +4,11 @@ namespace Tamrix::Agent {
 
 Responder::~Responder() = default;
 
+void Responder::lose(const QString& text) {
+    fail(FailureKind::Gone, text);
+    finish();
+}
+
 Element Session::findOrFail(quint64 handle, const ResponderPtr& responder) {
     const Outcome<Element> element = find(handle);
     if (!element)

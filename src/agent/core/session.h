@@ -27,6 +27,9 @@ public:
     virtual void fail(FailureKind kind, const QString& text) = 0;
     /// Nothing was done, since the request's target was not there or not as wanted.
     virtual void miss(const Wire::Missed& missed) = 0;
+    /// The request's target has gone before anything was done with it. Who knows the target by a
+    /// name looks for it again; else the request fails with this text, and is finished.
+    virtual void lose(const QString& text);
     /// Lets the session go on with the next request. Work that was answered may go on before this
     /// call: input is injected between answer and end.
     virtual void finish() = 0;

@@ -55,6 +55,11 @@ void whenReady(const Call& call, const Element& element, const Aim& aim,
                            act(ref, readiness.point);
                            return;
                        }
+                       if (const Outcome<Element> same = Session::self()->find(ref.handle());
+                           !same) {
+                           call.responder()->lose(same.error().text);
+                           return;
+                       }
                        failNotReady(call, ref, readiness.obstacle);
                        call.responder()->finish();
                    });

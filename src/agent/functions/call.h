@@ -44,7 +44,7 @@ private:
 void failNotReady(const Call& call, const ElementRef& element, const QString& obstacle);
 
 /// Calls `act` with the point to use when the element is ready; fails the call when it is not in
-/// time.
+/// time, and has it lose its target when that goes meanwhile.
 void whenReady(const Call& call, const Element& element, const Aim& aim,
                const std::function<void(const ElementRef& element, const QPoint& point)>& act);
 

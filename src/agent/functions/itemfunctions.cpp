@@ -1,3 +1,4 @@
+#include <QDeadlineTimer>
 #include <QPointer>
 
 #include "agent/core/toolkit.h"
@@ -15,6 +16,8 @@ struct ItemWay {
     Call call;
     ElementRef view;
     ItemPath path;
+    /// As long an item is looked for again that goes before it is clicked.
+    QDeadlineTimer deadline = QDeadlineTimer(call.timeout());
 };
 
 Outcome<Element> itemOf(const ItemWay& way) {
@@ -77,7 +80,10 @@ void addItemClick(StepQueue* queue, const ItemWay& way, Approach approach) {
                                return;
                            guard->resume();
                            if (!readiness.isReady) {
-                               failNotReady(way.call, ref, readiness.obstacle);
+                               if (ref.get().isNull() && !way.deadline.hasExpired())
+                                   addItemClick(guard, way, approach);
+                               else
+                                   failNotReady(way.call, ref, readiness.obstacle);
                                return;
                            }
                            constexpr QPoint detour(30, 0);

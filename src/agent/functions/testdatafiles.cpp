@@ -8,6 +8,7 @@
 
 #include "agent/functions/functiontable.h"
 #include "base/bytetext.h"
+#include "base/pathbelow.h"
 #include "wire/protocol.h"
 
 namespace Tamrix::Agent {
@@ -28,34 +29,23 @@ QString folderPath() {
 
 /// The path of a file in the folder. Throws when the name leads out of it, also by a symbolic link.
 QString pathOf(const QString& name) {
-    if (name.isEmpty() || name.endsWith(QLatin1Char('/')) || name.contains(QChar(0)))
-        refuse(name, QStringLiteral("has no name that a file can have"));
-    if (QDir::isAbsolutePath(name) || name.startsWith(QLatin1Char(':')))
-        refuse(name, QStringLiteral("is named by an absolute path: only files in the folder '%1' "
-                                    "can be reached")
-                         .arg(folderPath()));
     const QString folder = folderPath();
-    const QString realFolder = QFileInfo(folder).exists()
-                                   ? QFileInfo(folder).canonicalFilePath()
-                                   : QFileInfo(QDir::currentPath()).canonicalFilePath() +
-                                         QLatin1String("/tamrix-testdata");
-    const auto leadsOut = [&] {
-        refuse(name, QStringLiteral("leads out of the folder '%1'").arg(folder));
-    };
-    if (QFileInfo(folder).isSymLink())
-        leadsOut();
-    QString path = folder;
-    const QStringList parts = name.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    for (const QString& part : parts) {
-        if (part == QLatin1String(".."))
-            leadsOut();
-        path += QLatin1Char('/') + part;
-        // A link that leads nowhere has no real path, and would be written through.
-        const QFileInfo info(path);
-        if (info.isSymLink() && !info.canonicalFilePath().startsWith(realFolder + QLatin1Char('/')))
-            leadsOut();
+    PathFault fault = faultOfPathBelow(folder, name);
+    if (fault == PathFault::None && QFileInfo(folder).isSymLink())
+        fault = PathFault::LeadsOut;
+    switch (fault) {
+        case PathFault::NoFile:
+            refuse(name, QStringLiteral("has no name that a file can have"));
+        case PathFault::Absolute:
+            refuse(name, QStringLiteral("is named by an absolute path: only files in the folder "
+                                        "'%1' can be reached")
+                             .arg(folder));
+        case PathFault::LeadsOut:
+            refuse(name, QStringLiteral("leads out of the folder '%1'").arg(folder));
+        case PathFault::None:
+            break;
     }
-    return path;
+    return folder + QLatin1Char('/') + QDir::cleanPath(name);
 }
 
 template <typename Value>

@@ -190,9 +190,13 @@ QString quickTextOf(const QObject* item) {
     const auto* const label = item->property("contentItem").value<QObject*>();
     if (label && label->inherits("QQuickIconLabel"))
         return withoutMnemonic(item->property("text").toString());
-    // A hidden password stays hidden; of TextInput.EchoMode, 0 shows what is typed.
-    const bool isHidden = item->property("echoMode").toInt() != 0;
-    for (const char* name : {isHidden ? "displayText" : "text", "title"}) {
+    // A hidden password stays hidden, also while it is edited; of TextInput.EchoMode, 0 shows what
+    // is typed.
+    if (item->property("echoMode").toInt() != 0) {
+        const QString sign = item->property("passwordCharacter").toString();
+        return sign.repeated(item->property("displayText").toString().size());
+    }
+    for (const char* name : {"text", "title"}) {
         const QVariant value = item->property(name);
         if (value.userType() == QMetaType::QString)
             return value.toString();

@@ -16,6 +16,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabBar>
 #include <QTextDocumentFragment>
 #include <QTextEdit>
@@ -23,6 +24,16 @@
 namespace Tamrix::Agent {
 
 namespace {
+
+/// A hidden password stays hidden, also while it is edited.
+QString textOfField(const QLineEdit* field) {
+    if (field->echoMode() == QLineEdit::Normal)
+        return field->text();
+    if (field->echoMode() == QLineEdit::NoEcho)
+        return {};
+    const int sign = field->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, field);
+    return QString(field->text().size(), QChar(sign));
+}
 
 bool hasTextProperty(const QWidget* widget, const char* name) {
     const int index = widget->metaObject()->indexOfProperty(name);
@@ -112,16 +123,15 @@ QString textOf(const QWidget* widget) {
         case TextSource::Label:
             return labelText(static_cast<const QLabel*>(widget));
         case TextSource::LineEdit:
-            // A hidden password stays hidden.
-            return static_cast<const QLineEdit*>(widget)->echoMode() == QLineEdit::Normal
-                       ? static_cast<const QLineEdit*>(widget)->text()
-                       : static_cast<const QLineEdit*>(widget)->displayText();
+            return textOfField(static_cast<const QLineEdit*>(widget));
         case TextSource::TextEdit:
             return static_cast<const QTextEdit*>(widget)->toPlainText();
         case TextSource::PlainTextEdit:
             return static_cast<const QPlainTextEdit*>(widget)->toPlainText();
-        case TextSource::ComboBox:
-            return static_cast<const QComboBox*>(widget)->currentText();
+        case TextSource::ComboBox: {
+            const auto* const box = static_cast<const QComboBox*>(widget);
+            return box->lineEdit() ? textOfField(box->lineEdit()) : box->currentText();
+        }
         case TextSource::SpinBox:
             return static_cast<const QAbstractSpinBox*>(widget)->text();
         case TextSource::GroupBox:

@@ -342,6 +342,10 @@ QWindow* WidgetToolkit::nativeWindow(const Element& element) const {
 
 Element WidgetToolkit::elementAt(const Element& inWindowOf, const QPoint& globalPoint,
                                  Qt::MouseButton /*button*/) const {
+    // One that has grabbed the mouse gets all that no open popup takes.
+    if (QWidget* const grabber = QWidget::mouseGrabber();
+        grabber && !QApplication::activePopupWidget())
+        return Toolkit::element(grabber);
     const QWidget* const widget = showingWidget(inWindowOf);
     return widget ? elementInWindowAt(widget, globalPoint) : Element();
 }

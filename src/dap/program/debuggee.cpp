@@ -110,6 +110,7 @@ Outcome<> Debuggee::ask(const QByteArray& command, const AnswerReader& reader) {
         const bool goesOn = !exitCode() && m_surroundings.wait();
         if (!goesOn) {
             m_reader = nullptr;
+            m_isAnswering = true;
             return ended();
         }
     }
@@ -149,14 +150,24 @@ Outcome<> Debuggee::deleteBreakPoint(const ScriptPlace& place) {
 
 Outcome<QString> Debuggee::evaluate(const QString& code) {
     static const QByteArray s_word = QByteArrayLiteral("eval");
+    static const QByteArray s_judgement = QByteArrayLiteral("@evaluation ");
     QString result;
-    const Outcome<> asked =
+    Outcome<> asked =
         ask(s_word + ' ' + QUrl::toPercentEncoding(code), [&](const QByteArray& line) {
             result = QUrl::fromPercentEncoding(line.mid(s_word.size()));
             return line.startsWith(s_word);
         });
+    // A value and the message of an error look alike: another answer tells which it is.
+    bool hasFailed = false;
+    if (asked)
+        asked = ask("print evaluation", [&](const QByteArray& line) {
+            hasFailed = line == s_judgement + "failed";
+            return line.startsWith(s_judgement);
+        });
     if (!asked)
         return fail(asked.error());
+    if (hasFailed)
+        return fail(FailureKind::BadArgument, result);
     return result;
 }
 
@@ -251,7 +262,11 @@ void Debuggee::resume(Resume how) {
 }
 
 void Debuggee::quit() {
-    command("quit");
+    // Who is still busy with a question reads no commands.
+    if (m_isAnswering)
+        terminate();
+    else
+        command("quit");
     m_isStopped = false;
 }
 

@@ -53,7 +53,7 @@ public:
     /// Whether it takes effect only once the file is loaded.
     Outcome<bool> setBreakPoint(const ScriptPlace& place);
     Outcome<> deleteBreakPoint(const ScriptPlace& place);
-    /// The text of what the code gave, or of its failure.
+    /// The text of what the code gave; a failure of kind BadArgument with the message of its error.
     Outcome<QString> evaluate(const QString& code);
     /// What stands below a path, everything at the top for the empty one.
     Outcome<std::vector<Binding>> variables(const QString& path);
@@ -107,6 +107,8 @@ private:
     /// Of the question that waits; null when none does.
     const AnswerReader* m_reader = nullptr;
     bool m_isStopped = false;
+    /// A question was given up before its answer came.
+    bool m_isAnswering = false;
     std::optional<Stop> m_newStop;
 };
 

@@ -20,8 +20,6 @@ Outcome<AssignedBody> assign(Session& session, Debuggee& debuggee, const QString
     if (!assigned)
         return fail(assigned.error());
     session.valuesChanged();
-    if (isFailureText(*assigned))
-        return fail(FailureKind::BadArgument, *assigned);
     const Outcome<QString> now = debuggee.evaluate(expression);
     if (!now)
         return fail(now.error());

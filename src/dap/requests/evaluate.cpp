@@ -1,7 +1,6 @@
 // "evaluate": code in the script that stands still, for a watch, a hover or the console.
 
 #include "dap/requests/request.h"
-#include "dap/session/language.h"
 
 namespace Tamrix::Dap {
 
@@ -12,13 +11,11 @@ Outcome<EvaluateBody> evaluate(Session& session, const EvaluateArguments& argume
     if (!debuggee)
         return fail(debuggee.error());
     const Outcome<QString> result = (*debuggee)->evaluate(arguments.expression);
+    // What a person types may change anything, also code that fails in the end.
+    if (arguments.context == QLatin1String("repl") && (*debuggee)->isStopped())
+        session.valuesChanged();
     if (!result)
         return fail(result.error());
-    // What a person types may change anything.
-    if (arguments.context == QLatin1String("repl"))
-        session.valuesChanged();
-    if (isFailureText(*result))
-        return fail(FailureKind::BadArgument, *result);
     EvaluateBody body;
     body.result = *result;
     // A value that is listed can be opened as it can there.

@@ -50,7 +50,8 @@ Outcome<> ExceptionFilters::apply(Debuggee& debuggee, const QString& file) const
     };
     for (const Switch& each : switches) {
         const Outcome<QString> set = debuggee.evaluate(switchCode(file, each.setting, each.on));
-        if (!set)
+        // Where the code of a feature file is not known, the run has its own setting.
+        if (!set && set.error().kind != FailureKind::BadArgument)
             return fail(set.error());
     }
     return {};

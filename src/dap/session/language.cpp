@@ -119,13 +119,6 @@ Outcome<bool> conditionHolds(Debuggee& debuggee, const QString& file, const QStr
     return !isFalseText(*text);
 }
 
-bool isFailureText(const QString& text) {
-    // The debugger gives a failure as its kind and, behind a colon, its message.
-    static const QRegularExpression pattern(QStringLiteral(
-        "^(?:\\w+(?:\\.|::))*\\w*(?:Error|Exception|Exit|Interrupt|Iteration|Warning)(?::|$)"));
-    return pattern.match(text).hasMatch();
-}
-
 QString memberExpression(const QString& file, const QString& value, const QString& name) {
     if (languageOf(file).suffix == commandSuffix) {
         static const QRegularExpression key(QStringLiteral("^\\[(\\w+)\\]$"));

@@ -16,9 +16,6 @@ QString switchCode(const QString& file, const char* setting, bool on);
 /// Whether a condition holds where the script stands. Code that fails is a failure with its text.
 Outcome<bool> conditionHolds(Debuggee& debuggee, const QString& file, const QString& condition);
 
-/// Whether the text that an evaluation gave tells of a failure, and is no value.
-bool isFailureText(const QString& text);
-
 /// What reads a part of a value: an attribute, an entry or an element, named as a listing names it.
 /// Null when the name does not tell.
 QString memberExpression(const QString& file, const QString& value, const QString& name);

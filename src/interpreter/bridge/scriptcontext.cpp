@@ -5,8 +5,8 @@
 
 #include "base/wholetext.h"
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/bridge/execution.h"
 #include "interpreter/bridge/interpreter.h"
-#include "interpreter/bridge/remoteobjectmodelholder.h"
 
 namespace Tamrix {
 
@@ -33,6 +33,7 @@ QString memberKey(const QString& className, const QString& name) {
 }  // namespace
 
 ScriptContext* ScriptContext::s_current = nullptr;
+const SharedPtr<ScriptArgument> ScriptContext::s_noArgument;
 
 ScriptContext::~ScriptContext() {
     clearArguments();
@@ -129,40 +130,30 @@ int ScriptContext::tryCall(const QString& className, const QString& name) {
     return call(function);
 }
 
-inline void ScriptContext::prepareCall() {
-    // As setError() with an empty message; every call passes here.
-    if (hasError())
-        m_errorMessage.clear();
-    m_errorType = GeneralError;
-    m_isSkip = false;
-    m_errorFrame = DebuggerFrame();
-    clearError();
-}
-
 bool ScriptContext::execute(Function function) {
-    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
-    prepareCall();
+    const Execution execution(*this);
+    clearError();
     function(this);
     return hasError();
 }
 
 bool ScriptContext::execute(bool (*function)(ScriptContext*)) {
-    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
-    prepareCall();
+    const Execution execution(*this);
+    clearError();
     return function(this);
 }
 
 bool ScriptContext::execute(bool (*function)(SharedPtr<NativeScriptObject>, ScriptContext*),
                             SharedPtr<NativeScriptObject> object) {
-    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
-    prepareCall();
+    const Execution execution(*this);
+    clearError();
     return function(std::move(object), this);
 }
 
 SharedPtr<NativeScriptObject> ScriptContext::execute(
     SharedPtr<NativeScriptObject> (*function)(ScriptContext*)) {
-    const RemoteObjectModelHolder holder(Interpreter::currentRunner());
-    prepareCall();
+    const Execution execution(*this);
+    clearError();
     return function(this);
 }
 

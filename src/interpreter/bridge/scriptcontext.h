@@ -128,10 +128,11 @@ public:
     void clearArguments();
     int argumentCount() const { return static_cast<int>(m_arguments.size()); }
     /// Null for an index past the end, and for an optional argument that was left out though others
-    /// behind it were given.
-    SharedPtr<ScriptArgument> argument(int index) const {
-        return index >= 0 && index < argumentCount() ? m_arguments[static_cast<std::size_t>(index)]
-                                                     : SharedPtr<ScriptArgument>();
+    /// behind it were given. The reference is good until the call ends.
+    const SharedPtr<ScriptArgument>& argument(int index) const {
+        // One that is negative is past the end as well.
+        const auto place = static_cast<std::size_t>(index);
+        return place < m_arguments.size() ? m_arguments[place] : s_noArgument;
     }
     /// Whether the script gave arguments by name: each then stands at the place of its parameter,
     /// also of a function that otherwise tells its forms by the number of arguments.
@@ -176,12 +177,13 @@ public:
     SharedPtr<NativeScriptObject> execute(
         SharedPtr<NativeScriptObject> (*function)(ScriptContext*));
 
-    void setNullResult() { setResult(createNull()); }
-    void setBoolResult(bool value) { setResult(createBool(value)); }
+    // What most functions give: a language may have a shorter way to the same.
+    virtual void setNullResult() { setResult(createNull()); }
+    virtual void setBoolResult(bool value) { setResult(createBool(value)); }
+    virtual void setInt64Result(long long value) { setResult(createInt64(value)); }
+    virtual void setStringResult(const QString& value) { setResult(createString(value)); }
     void setIntegerResult(int value) { setResult(createInteger(value)); }
-    void setInt64Result(long long value) { setResult(createInt64(value)); }
     void setDoubleResult(double value) { setResult(createDouble(value)); }
-    void setStringResult(const QString& value) { setResult(createString(value)); }
     void setDateTimeResult(const QDateTime& value) { setResult(createDateTime(value)); }
     // A null object or context is the language's null.
     void setObjectResult(SharedPtr<Object> object) {
@@ -221,11 +223,20 @@ protected:
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
 
 private:
+    friend class Execution;
+
     int call(Function function);
-    /// First part of every call.
-    void prepareCall();
+    /// As setError() with an empty message; every call passes here.
+    void forgetError() {
+        if (hasError()) [[unlikely]]
+            m_errorMessage.clear();
+        m_errorType = GeneralError;
+        m_isSkip = false;
+        m_errorFrame = DebuggerFrame();
+    }
 
     static ScriptContext* s_current;
+    static const SharedPtr<ScriptArgument> s_noArgument;
 
     std::vector<SharedPtr<ScriptArgument>> m_arguments;
     QString m_errorMessage;

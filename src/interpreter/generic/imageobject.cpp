@@ -84,7 +84,13 @@ Outcome<QImage> imageOfOneArgument(const ScriptArgument& argument) {
 }
 
 Outcome<QImage> imageOfSize(const ScriptContext& context) {
-    const QSize size(intOf(context.argument(0)), intOf(context.argument(1)));
+    const Outcome<int> width = sideArg(context.argument(0), QStringLiteral("width"));
+    if (!width)
+        return fail(width.error());
+    const Outcome<int> height = sideArg(context.argument(1), QStringLiteral("height"));
+    if (!height)
+        return fail(height.error());
+    const QSize size(*width, *height);
     QRgb color = defaultColor;
     if (context.argument(2)) {
         const Outcome<QRgb> wanted = parseColorArg(*context.argument(2));
@@ -92,7 +98,7 @@ Outcome<QImage> imageOfSize(const ScriptContext& context) {
             return fail(wanted.error());
         color = *wanted;
     }
-    // Null for a size without pixels, and for one that no memory holds.
+    // Null for a size that no memory holds.
     QImage image(size, QImage::Format_ARGB32);
     if (image.isNull())
         return fail(FailureKind::BadArgument,
@@ -205,10 +211,10 @@ bool getPixelRGBA(Self self, ScriptContext* context) {
 Outcome<QRgb> colorBehindPoint(const ScriptContext& context) {
     if (context.argumentCount() == 3)
         return parseColorArg(*context.argument(2));
-    const auto part = [&context](int index) {
-        return static_cast<int>(context.argument(index)->toInt() & 0xff);
-    };
-    return qRgba(part(2), part(3), part(4), context.argumentCount() == 6 ? part(5) : 255);
+    ScriptArgument::List parts;
+    for (int index = 2; index < context.argumentCount(); ++index)
+        parts.push_back(context.argument(index));
+    return colorOfParts(parts);
 }
 
 bool setPixel(Self self, ScriptContext* context) {

@@ -7,6 +7,7 @@
 
 #include "base/bytetext.h"
 #include "base/filewriting.h"
+#include "base/pathbelow.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/objectmodel/objectclass.h"
@@ -37,6 +38,25 @@ QString findTestData(ScriptContext* context, const QString& name) {
     if (path.isEmpty())
         context->setError("File '" + name + "' couldn't be found.");
     return path;
+}
+
+/// Whether the name is that of a file below the folder; else the error is set.
+bool staysBelow(ScriptContext* context, const QString& folder, const QString& name) {
+    switch (faultOfPathBelow(folder, name)) {
+        case PathFault::None:
+            return true;
+        case PathFault::NoFile:
+            context->setError("'" + name + "' is no name of a file");
+            break;
+        case PathFault::Absolute:
+            context->setError("The path '" + name + "' is absolute: files can be made below '" +
+                              folder + "' only");
+            break;
+        case PathFault::LeadsOut:
+            context->setError("The path '" + name + "' leads out of the folder '" + folder + "'");
+            break;
+    }
+    return false;
 }
 
 /// The result of a function that reads the table of a file of the suite.
@@ -219,7 +239,9 @@ void testDataCreate(ScriptContext* context) {
         context->setError("Could not make the directory '" + directory + "'");
         return;
     }
-    context->setStringResult(directory + '/' + context->argument(1)->toString());
+    const QString file = context->argument(1)->toString();
+    if (staysBelow(context, directory, file))
+        context->setStringResult(directory + '/' + file);
 }
 
 void testDataExists(ScriptContext* context) {
@@ -234,6 +256,9 @@ void testDataGet(ScriptContext* context) {
     if (!hasStrings(context, 1, 1, "get() takes a string argument"))
         return;
     const QString file = context->argument(0)->toString();
+    // The application knows its own folder alone.
+    if (!staysBelow(context, QStringLiteral("."), file))
+        return;
     const Outcome<SharedPtr<Object>> result =
         callApplication(QStringLiteral("testDataGet"), {file});
     const QString problem =

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tl/expected.hpp>
+#include <memory>
 
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
@@ -9,26 +9,28 @@
 namespace Tamrix {
 
 /// callNative() as it nearly always is: by the script's thread, of a function that makes no object,
-/// with arguments that are areInPlace(). `add` gives them to the call, a
+/// with `count` arguments that are areInPlace(). `add` gives them to the call, a
 /// LanguageContext::DirectCall<Argument>; `take` gets the result, an Argument* that is null for a
-/// function without one, and may keep only the value in it.
-template <typename Argument, typename Interpreter, typename Add, typename Take>
-tl::expected<void, ScriptFailure> callDirectly(Interpreter& active, const NativeFunction& function,
-                                               const SharedPtr<NativeScriptObject>& object, Add add,
-                                               Take take) {
+/// function without one, and may keep only the value in it. `object` stands for that of a method,
+/// where there may be one. Gives why it has failed; null when it has not.
+template <typename Argument, typename Interpreter, typename Add, typename Take, typename... Object>
+std::unique_ptr<ScriptFailure> callDirectly(Interpreter& active, const NativeFunction& function,
+                                            int count, Add add, Take take,
+                                            const SharedPtr<Object>&... object) {
     active.output().flush();
-    return caught(function, [&]() -> tl::expected<void, ScriptFailure> {
+    try {
         LanguageContext& context = active.context();
-        LanguageContext::DirectCall<Argument> call(context);
+        LanguageContext::DirectCall<Argument> call(context, count);
         add(call);
-        call.complete();
-        function.run(context, object);
+        function.run(context, object...);
         active.noticeApplication();
-        if (context.hasError())
-            return tl::unexpected<ScriptFailure>(failureOf(context));
+        if (context.hasError()) [[unlikely]]
+            return std::make_unique<ScriptFailure>(failureOf(context));
         call.giveResult(take);
-        return {};
-    });
+        return nullptr;
+    } catch (...) {
+        return std::make_unique<ScriptFailure>(failureOfThrown(function));
+    }
 }
 
 }  // namespace Tamrix

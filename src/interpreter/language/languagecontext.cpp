@@ -1,6 +1,6 @@
 #include "interpreter/language/languagecontext.h"
 
-#include <iterator>
+#include <utility>
 
 #include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/language/languagedebugger.h"
@@ -32,11 +32,19 @@ void LanguageContext::CallScope::restoreOuter() {
     m_context.m_result = std::move(m_outer->result);
 }
 
-void LanguageContext::spareWrappersFrom(std::size_t count) {
-    std::vector<SharedPtr<ScriptArgument>>& used = argumentStorage();
-    std::move(used.begin() + static_cast<std::ptrdiff_t>(count), used.end(),
-              std::back_inserter(m_spareWrappers));
-    used.resize(count);
+void LanguageContext::CallScope::makePlaces(std::size_t count) {
+    std::vector<SharedPtr<ScriptArgument>>& places = arguments();
+    for (; places.size() > count; places.pop_back())
+        m_context.m_spareWrappers.push_back(std::move(places.back()));
+    places.reserve(count);
+    while (places.size() < count)
+        places.push_back(m_context.takeSpareWrapper());
+}
+
+void LanguageContext::CallScope::dropKept() {
+    std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
+        return !each || each->referenceCount() > 1;
+    });
 }
 
 void LanguageContext::setStackTraceResult(const std::vector<ScriptLocation>& trace) {

@@ -36,19 +36,24 @@ public:
     protected:
         /// `areNamed` tells that some arguments were given by name.
         CallScope(LanguageContext& context, bool areNamed) : m_context(context) {
-            if (m_context.m_depth++ > 0)
+            if (m_context.m_depth++ > 0) [[unlikely]]
                 keepOuter();
             m_context.m_hasNamedArguments = areNamed;
             setCurrent(&m_context);
         }
         ~CallScope() {
             --m_context.m_depth;
-            if (m_outer)
+            if (m_outer) [[unlikely]]
                 restoreOuter();
-            else
+            else if (m_context.m_result) [[unlikely]]
                 m_context.m_result.reset();
         }
         std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
+        /// Makes so many places for arguments, with the wrappers that wait, as far as there are
+        /// some.
+        void makePlaces(std::size_t count);
+        /// Leaves the arguments that somebody has kept to them.
+        void dropKept();
 
         LanguageContext& m_context;
 
@@ -86,26 +91,29 @@ public:
         }
     };
 
-    /// A call with arguments that all stand at their places: add() gives them one after another,
-    /// complete() says that there are no more. Wrappers, of the plug-in's class, wait where they
-    /// are for the next call, unless somebody has kept them; its rebind() makes one stand for
-    /// another value, and for none without an argument.
+    /// A call with `count` arguments that all stand at their places: add() gives them one after
+    /// another. Wrappers, of the plug-in's class, wait where they are for the next call, unless
+    /// somebody has kept them; its rebind() makes one stand for another value, and for none without
+    /// an argument.
     template <typename Argument>
     class DirectCall : public CallScope {
     public:
-        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
+        DirectCall(LanguageContext& context, int count) : CallScope(context, false) {
+            // Most calls have as many arguments as the one before.
+            if (context.argumentCount() != count) [[unlikely]]
+                makePlaces(static_cast<std::size_t>(count));
+            m_place = arguments().data();
+        }
         ~DirectCall() {
             bool areKept = false;
             for (const SharedPtr<ScriptArgument>& each : arguments()) {
-                if (each && each->referenceCount() == 1)
+                if (each && each->referenceCount() == 1) [[likely]]
                     static_cast<Argument*>(each.get())->rebind();
                 else
                     areKept = true;
             }
-            if (areKept)
-                std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
-                    return !each || each->referenceCount() > 1;
-                });
+            if (areKept) [[unlikely]]
+                dropKept();
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
@@ -113,18 +121,11 @@ public:
         /// `owner` is what the wrapper's constructor takes in front of the value, if anything.
         template <typename Value, typename... Owner>
         void add(Value&& value, Owner&... owner) {
-            // Most calls have as many arguments as the one before.
-            if (m_count == arguments().size())
-                arguments().push_back(m_context.takeSpareWrapper());
-            SharedPtr<ScriptArgument>& wrapper = arguments()[m_count++];
-            if (wrapper)
+            SharedPtr<ScriptArgument>& wrapper = *m_place++;
+            if (wrapper) [[likely]]
                 static_cast<Argument*>(wrapper.get())->rebind(std::forward<Value>(value));
             else
                 wrapper = new Argument(owner..., std::forward<Value>(value));
-        }
-        void complete() {
-            if (m_count < arguments().size())
-                m_context.spareWrappersFrom(m_count);
         }
         /// `take` gets the result, as it is of takeResult(), and its wrapper waits for another one.
         template <typename Take>
@@ -133,12 +134,13 @@ public:
             take(static_cast<Argument*>(result.get()));
             if (result && result->referenceCount() == 1) {
                 static_cast<Argument*>(result.get())->rebind();
-                m_context.m_spareWrappers.push_back(std::move(result));
+                result.swap(m_context.m_spareResult);
             }
         }
 
     private:
-        std::size_t m_count = 0;
+        /// Of the next argument.
+        SharedPtr<ScriptArgument>* m_place;
     };
 
     /// By default nothing of the language is pending when a native function begins.
@@ -180,6 +182,8 @@ public:
 protected:
     /// A wrapper that a call has no use for; null when there is none.
     SharedPtr<ScriptArgument> takeSpareWrapper() {
+        if (m_spareResult)
+            return std::move(m_spareResult);
         if (m_spareWrappers.empty())
             return {};
         SharedPtr<ScriptArgument> wrapper = std::move(m_spareWrappers.back());
@@ -209,11 +213,10 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
-    /// Those of the arguments that stand from this place on.
-    void spareWrappersFrom(std::size_t count);
-
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
+    /// That of the last result: most calls take it for theirs.
+    SharedPtr<ScriptArgument> m_spareResult;
     /// For which the last call had no use.
     std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
     int m_depth = 0;

@@ -67,7 +67,7 @@ public:
     /// Makes the global functions of the current application known when it is another one than
     /// before. Each call of a native function asks, since any of them may have changed it.
     void noticeApplication() {
-        if (m_inspector->model() != m_knownModel)
+        if (m_inspector->model() != m_knownModel) [[unlikely]]
             publishFunctionsOfApplication();
     }
 

@@ -1,10 +1,14 @@
 #include "interpreter/language/nativefunction.h"
 
 #include <algorithm>
+#include <exception>
+#include <tl/expected.hpp>
 #include <utility>
 
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/scripterrorset.h"
+#include "platform/gherkin/expressions/expressionerror.h"
 
 namespace Tamrix {
 
@@ -22,6 +26,8 @@ NativeFunction::NativeFunction(const ScriptContext& context, NativeSignature sig
     for (const QString& name : m_signature.required + m_signature.optional)
         m_parameters.names.append(context.scriptName(name));
     m_parameters.requiredCount = m_signature.required.size();
+    m_requiredCount = m_parameters.requiredCount;
+    m_parameterCount = m_parameters.names.size();
 }
 
 NativeFunction::NativeFunction(const ScriptContext& context, NativeSignature signature,
@@ -84,7 +90,12 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
             {ScriptFailure::Kind::BadArgument, bound.error().text, false, {}});
     LanguageContext& context = interpreter.context();
     LanguageContext::Call call(context, std::move(*bound), areNamed);
-    SharedPtr<NativeScriptObject> made = function.run(context, object);
+    SharedPtr<NativeScriptObject> made;
+    context.clearError();
+    if (function.kind() == NativeFunction::Kind::Constructor)
+        made = function.construct(context);
+    else
+        function.run(context, object);
     interpreter.noticeApplication();
     if (context.hasError())
         return tl::unexpected<ScriptFailure>(failureOf(context));
@@ -92,6 +103,20 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
 }
 
 }  // namespace
+
+ScriptFailure failureOfThrown(const NativeFunction& function) {
+    try {
+        throw;
+    } catch (const ScriptErrorSet&) {
+        throw;
+    } catch (const Gherkin::ExpressionError& error) {
+        return badArgument(QString::fromUtf8(error.what()));
+    } catch (const std::exception& exception) {
+        return thrownIn(function.displayName(), QString::fromUtf8(exception.what()));
+    } catch (...) {
+        return thrownIn(function.displayName(), QStringLiteral("unknown exception"));
+    }
+}
 
 ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& function,
                         const SharedPtr<NativeScriptObject>& object, CallArguments arguments) {
@@ -105,7 +130,11 @@ ScriptResult callNative(LanguageInterpreter* active, const NativeFunction& funct
              QStringLiteral("%1 objects can't be made by scripts").arg(function.signature().name),
              false,
              {}});
-    return caught(function, [&] { return run(*active, function, object, std::move(arguments)); });
+    try {
+        return run(*active, function, object, std::move(arguments));
+    } catch (...) {
+        return tl::unexpected<ScriptFailure>(failureOfThrown(function));
+    }
 }
 
 }  // namespace Tamrix

@@ -3,16 +3,13 @@
 #include <QString>
 #include <QStringList>
 #include <algorithm>
-#include <exception>
-#include <tl/expected.hpp>
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
+#include "interpreter/bridge/execution.h"
 #include "interpreter/bridge/nativescripttype.h"
 #include "interpreter/bridge/scriptcontext.h"
-#include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
-#include "platform/gherkin/expressions/expressionerror.h"
 
 namespace Tamrix {
 
@@ -60,35 +57,43 @@ public:
     /// For messages: "test.compare". Scripts of all languages are told the same.
     const QString& displayName() const { return m_displayName; }
     const Parameters& parameters() const { return m_parameters; }
+    /// Whether each of `count` arguments that a script gave without names stands at its place: none
+    /// is left out by the language's null, which `isNull` knows by the place.
+    template <typename IsNull>
+    bool areInPlace(int count, IsNull isNull) const {
+        const int end = std::min(count, m_parameterCount);
+        for (int index = m_requiredCount; index < end; ++index) {
+            if (isNull(index))
+                return false;
+        }
+        return true;
+    }
     /// Whether scripts can make objects, of a constructor.
     bool canConstruct() const { return m_constructor != nullptr; }
     /// What tells it from others of the same name: the address of the native function.
     const void* address() const;
 
-    /// Runs it in the context, which has its arguments. `object` is that of a method. Gives what a
-    /// constructor has made; null with the context's error set when that failed.
-    SharedPtr<NativeScriptObject> run(ScriptContext& context,
-                                      const SharedPtr<NativeScriptObject>& object) const {
-        switch (m_kind) {
-            case Kind::Table:
-                context.execute(m_table);
-                return {};
-            case Kind::Native:
-            case Kind::StaticAccessor:
-                context.execute(m_native);
-                return {};
-            case Kind::Method:
-                context.execute(m_method, object);
-                return {};
-            case Kind::Constructor:
-                break;
-        }
-        return construct(context);
+    // Run it in the context, which has its arguments, while nothing of the language is pending.
+    /// No method and no constructor.
+    void run(ScriptContext& context) const {
+        const Execution execution(context);
+        if (m_kind == Kind::Table)
+            m_table(&context);
+        else
+            m_native(&context);
     }
+    /// No constructor. `object` is that of a method.
+    void run(ScriptContext& context, const SharedPtr<NativeScriptObject>& object) const {
+        if (m_kind != Kind::Method)
+            return run(context);
+        const Execution execution(context);
+        m_method(object, &context);
+    }
+    /// What a constructor has made; null with the context's error set when that failed.
+    SharedPtr<NativeScriptObject> construct(ScriptContext& context) const;
 
 private:
     NativeFunction(const ScriptContext& context, NativeSignature signature, Kind kind);
-    SharedPtr<NativeScriptObject> construct(ScriptContext& context) const;
 
     Kind m_kind;
     union {
@@ -97,41 +102,17 @@ private:
         NativeScriptType::MethodFunction m_method;
         NativeScriptType::Constructor m_constructor;
     };
+    // Those of m_parameters: each call asks for them.
+    int m_requiredCount = 0;
+    int m_parameterCount = 0;
     NativeSignature m_signature;
     QString m_displayName;
     Parameters m_parameters;
 };
 
-/// Whether each of `count` arguments that a script gave without names stands at its place: none is
-/// left out by the language's null, which `isNull` knows by the place.
-template <typename IsNull>
-bool areInPlace(const Parameters& parameters, int count, IsNull isNull) {
-    const int end = std::min(count, static_cast<int>(parameters.names.size()));
-    for (int index = parameters.requiredCount; index < end; ++index) {
-        if (isNull(index))
-            return false;
-    }
-    return true;
-}
-
-/// What `call` gives of the function: a ScriptResult, or one without a value. What it throws is a
-/// failure, but for ScriptErrorSet, which passes; an expression that is refused is a bad argument.
-template <typename Call>
-auto caught(const NativeFunction& function, Call call) -> decltype(call()) {
-    try {
-        return call();
-    } catch (const ScriptErrorSet&) {
-        throw;
-    } catch (const Gherkin::ExpressionError& error) {
-        return tl::unexpected<ScriptFailure>(badArgument(QString::fromUtf8(error.what())));
-    } catch (const std::exception& exception) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QString::fromUtf8(exception.what())));
-    } catch (...) {
-        return tl::unexpected<ScriptFailure>(
-            thrownIn(function.displayName(), QStringLiteral("unknown exception")));
-    }
-}
+/// In a handler: the failure that stands for what the function has thrown; an expression that is
+/// refused is a bad argument. ScriptErrorSet passes.
+TAMRIX_EXPORT ScriptFailure failureOfThrown(const NativeFunction& function);
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments
 /// in the order of the parameters, what the script has printed in front of what the call writes,

@@ -21,7 +21,7 @@ public:
     /// Passes on what is not a whole line yet. Before each call of a native function, and at the
     /// end of each run of script code.
     void flush() {
-        if (!m_pending.isEmpty())
+        if (!m_pending.isEmpty()) [[unlikely]]
             pass(m_pending.size());
     }
     /// To the process's own stream, past all results.

@@ -52,6 +52,14 @@ public:
         return made(context);
     }
 
+    void setNullResult() final { setResult(wrapped(own().makeNull())); }
+    void setBoolResult(bool value) final { setResult(made(value)); }
+    void setInt64Result(long long value) final { setResult(made(value)); }
+    void setStringResult(const QString& value) final { setResult(made(value)); }
+    void setResult(SharedPtr<ScriptArgument> value) final {
+        LanguageContext::setResult(std::move(value));
+    }
+
 protected:
     /// The value in a wrapper: one that waits, see DirectCall::add(), or a new one.
     template <typename Value>

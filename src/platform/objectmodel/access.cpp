@@ -26,6 +26,12 @@ Outcome<> Access::ping(int /*timeout*/) {
     return cannot("be asked whether it answers");
 }
 
+Outcome<> Access::settle(int /*timeout*/) {
+    return {};
+}
+
+void Access::setTurnHook(const std::function<void()>& /*hook*/) {}
+
 void Access::setIdleHook(const std::function<bool()>& /*hook*/) {}
 
 void Access::setEndText(const std::function<QString()>& /*endText*/) {}

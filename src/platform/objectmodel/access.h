@@ -126,10 +126,16 @@ public:
     /// Whether the application reacts within `timeout` ms.
     virtual Outcome<> ping(int timeout);
 
+    /// Waits until the application has done all that input made it do, at most this long, and not
+    /// longer than a second for one that does nothing. At once where nothing is due.
+    virtual Outcome<> settle(int timeout);
+
     // What the run tells, for requests to end in time; an access that doesn't wait needs none.
     /// Called during waits, some twenty times a second; false gives the wait up. Makes no request
     /// here.
     virtual void setIdleHook(const std::function<bool()>& hook);
+    /// Called before each request, except for those of ping() and settle().
+    virtual void setTurnHook(const std::function<void()>& hook);
     /// What tells how the application ended, better than the access can; an empty text leaves it to
     /// the access.
     virtual void setEndText(const std::function<QString()>& endText);

@@ -73,10 +73,8 @@ double JavaScriptArgument::toDouble() const {
     return own.isBoolean() && own.toBoolean() ? 1 : 0;
 }
 
-long long JavaScriptArgument::toInt() const {
+long long JavaScriptArgument::converted() const {
     const JS::Value& own = m_value.get();
-    if (own.isInt32())
-        return own.toInt32();
     if (own.isBigInt()) {
         std::int64_t number = 0;
         if (!JS::BigIntFits(own.toBigInt(), &number))

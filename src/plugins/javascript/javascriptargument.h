@@ -39,7 +39,9 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet with a RangeError for what 64 bits can't hold.
-    long long toInt() const override;
+    long long toInt() const override {
+        return m_value.get().isInt32() ? m_value.get().toInt32() : converted();
+    }
     QString toString() const override;
     List toList() const override;
     Map toMap() const override;
@@ -65,6 +67,8 @@ public:
     static LanguageInterpreter* active();
 
 private:
+    /// An integer of a value that is none of 32 bits, which hardly any is.
+    [[gnu::noinline]] long long converted() const;
     /// Null for a value that is no object.
     JSObject* object() const {
         return m_value.get().isObject() ? &m_value.get().toObject() : nullptr;

@@ -19,11 +19,6 @@ class JavaScriptContext final
 public:
     using ValueContext::ValueContext;
 
-    void clearError() override {
-        if (JS_IsExceptionPending(engineContext()))
-            JS_ClearPendingException(engineContext());
-    }
-
     // For ValueContext.
     static JS::Value makeNull() { return JS::NullValue(); }
     static JS::Value makeValue(bool value) { return JS::BooleanValue(value); }

@@ -3,9 +3,11 @@
 #include <js/CallAndConstruct.h>
 #include <js/Object.h>
 #include <js/PropertyAndElement.h>
+#include <js/experimental/JitInfo.h>
 #include <jsfriendapi.h>
 
 #include <QHash>
+#include <utility>
 
 #include "interpreter/language/directcall.h"
 #include "interpreter/language/nativeclasses.h"
@@ -21,28 +23,39 @@ namespace Tamrix::JavaScriptPlugin {
 
 namespace {
 
-/// Where a function of the script keeps what it calls.
+/// Where a function of the script keeps what it calls that is no native function.
 constexpr std::size_t targetSlot = 0;
 
 // Native functions
 
+/// What the engine keeps with a function of the script, where each call finds it at once.
+struct Target : JSJitInfo {
+    explicit Target(NativeFunction called) : JSJitInfo(), function(std::move(called)) {
+        // Nothing that the engine could take for granted.
+        type_ = StaticMethod;
+        aliasSet_ = AliasEverything;
+        returnType_ = JSVAL_TYPE_UNKNOWN;
+    }
+
+    NativeFunction function;
+};
+
 /// All that scripts know, by what makes them different. They live for the process, as a function of
 /// the script may outlive its case.
-const NativeFunction* kept(const NativeFunction& function) {
-    static auto* const s_functions = new QHash<QString, const NativeFunction*>;
+const Target* kept(const NativeFunction& function) {
+    static auto* const s_functions = new QHash<QString, const Target*>;
     const QString key =
         QStringLiteral("%1/%2/%3")
             .arg(function.displayName(), QString::number(static_cast<int>(function.kind())),
                  QString::number(reinterpret_cast<quintptr>(function.address())));
-    const NativeFunction*& known = (*s_functions)[key];
+    const Target*& known = (*s_functions)[key];
     if (!known)
-        known = new NativeFunction(function);
+        known = new Target(function);
     return known;
 }
 
-const NativeFunction& targetOf(const JS::CallArgs& arguments) {
-    return *static_cast<const NativeFunction*>(
-        js::GetFunctionNativeReserved(&arguments.callee(), targetSlot).toPrivate());
+const NativeFunction& targetOf(const JS::Value& callee) {
+    return static_cast<const Target*>(FUNCTION_VALUE_TO_JITINFO(callee))->function;
 }
 
 CallArguments givenArguments(const JS::CallArgs& arguments) {
@@ -67,36 +80,45 @@ auto shownName(const NativeFunction& function) {
     return [&function] { return function.displayName(); };
 }
 
-bool callFunction(JSContext*, unsigned count, JS::Value* values) {
+/// With arguments of which some may be left out.
+[[gnu::noinline]] bool callWithGaps(const NativeFunction& function, unsigned count,
+                                    JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const NativeFunction& function = targetOf(arguments);
+    return finish(shownName(function), arguments, [&] {
+        return callNative(JavaScriptInterpreter::active(), function, {}, givenArguments(arguments));
+    });
+}
+
+bool callFunction(JSContext*, unsigned count, JS::Value* values) {
+    // The function itself stands in front, and what is its `this`.
+    const JS::Value* const given = values + 2;
+    const NativeFunction& function = targetOf(*values);
     JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
-    const auto isNull = [&](int index) {
-        return arguments[static_cast<unsigned>(index)].isNullOrUndefined();
-    };
-    const auto given = static_cast<int>(count);
-    if (!interpreter || given < function.parameters().requiredCount ||
-        !areInPlace(function.parameters(), given, isNull))
-        return finish(shownName(function), arguments, [&] {
-            return callNative(interpreter, function, {}, givenArguments(arguments));
-        });
+    const auto isNull = [given](int index) { return given[index].isNullOrUndefined(); };
+    const auto all = static_cast<int>(count);
+    if (!interpreter || all < function.parameters().requiredCount ||
+        !function.areInPlace(all, isNull)) [[unlikely]]
+        return callWithGaps(function, count, values);
     // The road of most calls, without a list of arguments that is made for it.
-    const auto add = [&](auto& call) {
-        for (unsigned index = 0; index < count; ++index)
-            call.add(arguments[index].get());
+    const auto add = [=](auto& call) {
+        for (int index = 0; index < all; ++index)
+            call.add(given[index]);
+    };
+    // The result takes the place of the function.
+    const auto take = [values](const JavaScriptArgument* result) {
+        *values = result ? result->value().get() : JS::UndefinedValue();
     };
     return guarded(shownName(function), [&] {
-        checked(callDirectly<JavaScriptArgument>(
-            *interpreter, function, {}, add, [&](const JavaScriptArgument* result) {
-                arguments.rval().set(result ? result->value().get() : JS::UndefinedValue());
-            }));
+        if (const auto failure =
+                callDirectly<JavaScriptArgument>(*interpreter, function, all, add, take))
+            throwFailure(*failure);
         return true;
     });
 }
 
 bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const NativeFunction& function = targetOf(arguments);
+    const NativeFunction& function = targetOf(arguments.calleev());
     return finish(shownName(function), arguments, [&] {
         const auto object = arguments.thisv().isObject()
                                 ? heldBy<NativeScriptObject>(&arguments.thisv().toObject())
@@ -111,7 +133,7 @@ bool callMethodOfClass(JSContext*, unsigned count, JS::Value* values) {
 
 bool construct(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    const NativeFunction& function = targetOf(arguments);
+    const NativeFunction& function = targetOf(arguments.calleev());
     JS::RootedObject type(context,
                           arguments.isConstructing() ? &arguments.newTarget().toObject() : nullptr);
     const bool isOwn = type == &arguments.callee();
@@ -154,12 +176,11 @@ JSNative entryOf(NativeFunction::Kind kind) {
     }
 }
 
-JSObject* makeFunctionObject(JSNative native, const QString& name, int parameterCount,
-                             const JS::Value& target, unsigned flags = 0) {
+JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
     JSContext* const context = engineContext();
     JS::RootedValue kept(context, target);
-    JSFunction* const function = checked(js::NewFunctionWithReserved(
-        context, native, static_cast<unsigned>(parameterCount), flags, name.toUtf8().constData()));
+    JSFunction* const function = checked(
+        js::NewFunctionWithReserved(context, native, 0, 0, name.toUtf8().constData()));
     JSObject* const object = JS_GetFunctionObject(function);
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
@@ -201,9 +222,12 @@ bool callBoundMethod(JSContext*, unsigned count, JS::Value* values) {
 JSObject* makeFunction(const NativeFunction& function) {
     const unsigned flags =
         function.kind() == NativeFunction::Kind::Constructor ? JSFUN_CONSTRUCTOR : 0;
-    return makeFunctionObject(entryOf(function.kind()), function.signature().name,
-                              function.parameters().requiredCount,
-                              JS::PrivateValue(const_cast<NativeFunction*>(kept(function))), flags);
+    JSFunction* const made = checked(
+        JS_NewFunction(engineContext(), entryOf(function.kind()),
+                       static_cast<unsigned>(function.parameters().requiredCount), flags,
+                       function.signature().name.toUtf8().constData()));
+    SET_JITINFO(made, kept(function));
+    return JS_GetFunctionObject(made);
 }
 
 bool isLibraryFunction(JSObject* object) {
@@ -212,7 +236,7 @@ bool isLibraryFunction(JSObject* object) {
 
 JSObject* makeMemberFunction(const NativeFunction& function) {
     JS::RootedValue target(engineContext(), JS::ObjectValue(*makeFunction(function)));
-    return makeFunctionObject(callMember, function.signature().name, 0, target);
+    return makeFunctionObject(callMember, function.signature().name, target);
 }
 
 JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptType& type) {
@@ -245,14 +269,14 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
 
 JSObject* makeApplicationFunction(const QString& name) {
     JS::RootedValue text(engineContext(), toJsText(name));
-    return makeFunctionObject(callApplicationFunction, name, 0, text);
+    return makeFunctionObject(callApplicationFunction, name, text);
 }
 
 JSObject* makeMethod(const SharedPtr<BoundMethod>& method) {
     JSContext* const context = engineContext();
     JS::RootedObject root(context, checked(JS::GetRealmObjectPrototype(context)));
     JS::RootedObject held(context, makeHostObject(method, root));
-    return makeFunctionObject(callBoundMethod, method->displayName().section('.', -1), 0,
+    return makeFunctionObject(callBoundMethod, method->displayName().section('.', -1),
                               JS::ObjectValue(*held));
 }
 

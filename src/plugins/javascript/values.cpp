@@ -76,7 +76,7 @@ QString fromKey(jsid key) {
 
 // Numbers, times, bytes
 
-JS::Value toJsInteger(long long value) {
+JS::Value toJsLongInteger(long long value) {
     if (std::abs(value) <= largestInteger)
         return JS::NumberValue(static_cast<double>(value));
     return JS::BigIntValue(checked(JS::NumberToBigInt(engineContext(), value)));

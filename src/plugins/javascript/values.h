@@ -35,7 +35,11 @@ QString fromKey(jsid key);
 JS::Value toJsText(const QString& text);
 
 /// A number, or a BigInt where a number would lose digits.
-JS::Value toJsInteger(long long value);
+JS::Value toJsLongInteger(long long value);
+inline JS::Value toJsInteger(long long value) {
+    const auto narrow = static_cast<std::int32_t>(value);
+    return narrow == value ? JS::Int32Value(narrow) : toJsLongInteger(value);
+}
 /// A Date; null for an invalid time.
 JS::Value toJsDate(const QDateTime& time);
 /// Invalid for what is no Date, and for one without a time.

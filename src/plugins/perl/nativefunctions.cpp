@@ -65,12 +65,12 @@ NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& funct
         for (int index = 0; index < count; ++index)
             call.add(PerlArgument::kept(aTHX_ arguments[index]));
     };
-    const auto end =
-        callDirectly<PerlArgument>(active, function, nullptr, add, [&](const PerlArgument* given) {
-            if (given)
-                result = returning(aTHX_ SvRef::borrow(given->value()));
-        });
-    return end ? result : failing(aTHX_ end.error());
+    const auto take = [&](const PerlArgument* given) {
+        if (given)
+            result = returning(aTHX_ SvRef::borrow(given->value()));
+    };
+    const auto failure = callDirectly<PerlArgument>(active, function, count, add, take);
+    return failure ? failing(aTHX_ * failure) : result;
 }
 
 /// Whether the value is the class or an object of it.

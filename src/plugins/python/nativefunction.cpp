@@ -61,20 +61,25 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
     SharedPtr<NativeScriptObject> object;
     if constexpr (kind == Kind::Method)
         object = NativeHolder::unwrap(first);
-    const bool isDirect = kind != Kind::Constructor && !names &&
-                          areInPlace(function.parameters(), static_cast<int>(count),
-                                     [=](int index) { return arguments[index] == Py_None; });
+    const auto isNone = [=](int index) { return arguments[index] == Py_None; };
+    const bool isDirect =
+        kind != Kind::Constructor && !names && function.areInPlace(static_cast<int>(count), isNone);
     PyObject* value = nullptr;
     if (isDirect) {
         const auto add = [=](auto& call) {
             for (Py_ssize_t index = 0; index < count; ++index)
                 call.add(PyRef::borrow(arguments[index]));
         };
-        const auto end = callDirectly<PythonArgument>(
-            interpreter, function, object, add,
-            [&value](const PythonArgument* result) { value = givenTo(result); });
-        if (!end)
-            setFailure(end.error());
+        const auto take = [&value](const PythonArgument* result) { value = givenTo(result); };
+        std::unique_ptr<ScriptFailure> failure;
+        if constexpr (kind == Kind::Method)
+            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
+                                                   add, take, object);
+        else
+            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
+                                                   add, take);
+        if (failure) [[unlikely]]
+            setFailure(*failure);
         return value;
     }
     const ScriptResult result =

@@ -105,6 +105,23 @@ void visitScriptFrames(Visit visit) {
     }
 }
 
+/// Where an exception was raised whose class has a `backtrace` of its own, from which Ruby takes
+/// what it would note itself. The name is none that Ruby code can use.
+constexpr const char* notedTrace = "tamrix_backtrace";
+
+/// What `backtrace` gives; when that of a script's class fails or gives no lines, where the
+/// exception was raised. Nil for one that was never raised.
+VALUE traceOf(VALUE exception) {
+    try {
+        const VALUE trace = callMethod(exception, "backtrace");
+        if (RB_TYPE_P(trace, T_ARRAY))
+            return trace;
+    } catch (const ScriptErrorSet&) {
+        takeException();
+    }
+    return rb_attr_get(exception, rb_intern(notedTrace));
+}
+
 std::vector<Line> backtraceOf(VALUE exception) {
     std::vector<Line> lines;
     // A syntax error tells its place in its text.
@@ -114,20 +131,33 @@ std::vector<Line> backtraceOf(VALUE exception) {
         if (behind > 0)
             lines.push_back(parseLine(text.left(behind)));
     }
-    VALUE trace = Qnil;
-    try {
-        trace = callMethod(exception, "backtrace");
-    } catch (const ScriptErrorSet&) {
-        takeException();
+    const VALUE trace = traceOf(exception);
+    if (RB_TYPE_P(trace, T_ARRAY)) {
+        for (const Line& line : linesOf(trace))
+            lines.push_back(line);
     }
-    if (!RB_TYPE_P(trace, T_ARRAY))
-        return lines;
-    for (const Line& line : linesOf(trace))
-        lines.push_back(line);
     return lines;
 }
 
 }  // namespace
+
+void noteRaises() {
+    // With this flag Ruby calls the function so, whatever the type of the parameter says.
+    using RawHook = void (*)(VALUE data, const rb_trace_arg_t* event);
+    const RawHook raised = [](VALUE, const rb_trace_arg_t* event) {
+        const VALUE exception = rb_tracearg_raised_exception(const_cast<rb_trace_arg_t*>(event));
+        const bool isOwn =
+            rb_obj_is_kind_of(exception, rb_eException) == Qtrue &&
+            !rb_method_basic_definition_p(CLASS_OF(exception), rb_intern("backtrace"));
+        if (isOwn && !RB_OBJ_FROZEN(exception))
+            rb_ivar_set(exception, rb_intern(notedTrace), rb_make_backtrace());
+    };
+    // No TracePoint: scripts may end those.
+    rb_add_event_hook2(
+        reinterpret_cast<rb_event_hook_func_t>(reinterpret_cast<void (*)()>(raised)),
+        RUBY_EVENT_RAISE, Qnil,
+        rb_event_hook_flag_t(RUBY_EVENT_HOOK_FLAG_SAFE | RUBY_EVENT_HOOK_FLAG_RAW_ARG));
+}
 
 bool isScriptFile(const QByteArray& path) {
     return RubyRuntime::self().files().isScript(path.constData());

@@ -26,6 +26,9 @@ std::vector<ScriptFrame> scriptFrames();
 /// What a frame's variables are asked of: a Binding.
 VALUE bindingOf(const ScriptFrame& frame);
 
+/// From now on it is noted where exceptions are raised that don't tell it themselves.
+void noteRaises();
+
 /// Where a Proc or Method is defined; invalid for anything else. Never raises.
 LineInfo definitionOf(VALUE callable);
 

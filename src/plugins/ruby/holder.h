@@ -33,7 +33,7 @@ inline bool s_hasReleased = false;
 void dropAllReleased();
 /// Drops what was kept. Objects of applications may write to them then.
 inline void dropReleased() {
-    if (s_hasReleased)
+    if (s_hasReleased) [[unlikely]]
         dropAllReleased();
 }
 

@@ -86,11 +86,24 @@ VALUE callInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, con
         if (result)
             value = result->value();
     };
-    const auto end =
-        callDirectly<RubyArgument>(interpreter, slot.function, receiver(slot, self), add, take);
-    if (!end)
-        raiseFailure(end.error());
+    const int all = slot.front == Front::Self ? count + 1 : count;
+    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function, all, add, take,
+                                                        receiver(slot, self))) [[unlikely]]
+        raiseFailure(*failure);
     return value;
+}
+
+/// A call with all that there may be.
+[[gnu::noinline]] VALUE callWithAll(const Slot& slot, int count, const VALUE* arguments,
+                                    VALUE self) {
+    CallArguments given = givenArguments(count, arguments);
+    renameToParameters(given, slot.function.parameters());
+    if (rb_block_given_p() != 0)
+        insertBlock(given, slot);
+    if (slot.front == Front::Self)
+        given.positional.insert(given.positional.begin(), new RubyArgument(self));
+    return valueOrRaise(callNative(RubyInterpreter::active(), slot.function, receiver(slot, self),
+                                   std::move(given)));
 }
 
 /// Whether the last argument holds what stands by names: Ruby then makes a Hash of it. Asked only
@@ -105,7 +118,7 @@ class NestedCall {
 public:
     explicit NestedCall(const Slot& slot) {
         constexpr int maximumDepth = 400;
-        if (s_depth >= maximumDepth)
+        if (s_depth >= maximumDepth) [[unlikely]]
             throwException(rb_eSysStackError,
                            slot.function.displayName() + "(): stack level too deep");
         ++s_depth;
@@ -118,37 +131,36 @@ private:
     inline static int s_depth = 0;
 };
 
-VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
+/// Whether there are neither names nor a block nor gaps.
+bool arePlain(const Slot& slot, int count, const VALUE* arguments) {
     const int before = slot.front == Front::Self ? 1 : 0;
     const auto isNil = [=](int index) {
         return index >= before && NIL_P(arguments[index - before]);
     };
-    const bool isPlain = rb_block_given_p() == 0 && !haveNames(count, arguments) &&
-                         slot.function.kind() != NativeFunction::Kind::Constructor &&
-                         areInPlace(slot.function.parameters(), count + before, isNil);
-    dropReleased();
-    const NestedCall nested(slot);
-    RubyInterpreter* const active = RubyInterpreter::active();
-    VALUE result = Qnil;
-    if (isPlain && active && active->isScriptThread()) {
-        result = callInPlace(*active, slot, count, arguments, self);
-    } else {
-        CallArguments given = givenArguments(count, arguments);
-        renameToParameters(given, slot.function.parameters());
-        if (rb_block_given_p() != 0)
-            insertBlock(given, slot);
-        if (slot.front == Front::Self)
-            given.positional.insert(given.positional.begin(), new RubyArgument(self));
-        result =
-            valueOrRaise(callNative(active, slot.function, receiver(slot, self), std::move(given)));
-    }
-    throwPostponed();
-    return result;
+    return rb_block_given_p() == 0 && !haveNames(count, arguments) &&
+           slot.function.areInPlace(count + before, isNil);
+}
+
+[[gnu::noinline]] VALUE callSlot(const Slot& slot, int count, const VALUE* arguments, VALUE self) {
+    return enterNative([&] {
+        dropReleased();
+        const NestedCall nested(slot);
+        RubyInterpreter* const active = RubyInterpreter::active();
+        VALUE result = Qnil;
+        if (active && active->isScriptThread() &&
+            slot.function.kind() != NativeFunction::Kind::Constructor &&
+            arePlain(slot, count, arguments)) [[likely]]
+            result = callInPlace(*active, slot, count, arguments, self);
+        else
+            result = callWithAll(slot, count, arguments, self);
+        throwPostponed();
+        return result;
+    });
 }
 
 template <std::size_t index>
 VALUE entry(int count, VALUE* arguments, VALUE self) {
-    return enterNative([=] { return callSlot(*s_slots[index], count, arguments, self); });
+    return callSlot(*s_slots[index], count, arguments, self);
 }
 
 template <std::size_t... indices>

@@ -51,7 +51,7 @@ inline bool s_hasPostponed = false;
 void throwWhatIsPostponed();
 /// Throws what was postponed, if there is something.
 inline void throwPostponed() {
-    if (s_hasPostponed)
+    if (s_hasPostponed) [[unlikely]]
         throwWhatIsPostponed();
 }
 
@@ -75,7 +75,7 @@ void keepNativeException(const char* text);
 
 /// The body of a function that Ruby calls: `work` gives its result and may throw.
 template <typename Work>
-VALUE enterNative(Work work) {
+VALUE enterNative(const Work& work) {
     static_assert(std::is_trivially_destructible_v<Work>);
     bool left = false;
     VALUE result = Qnil;
@@ -90,7 +90,7 @@ VALUE enterNative(Work work) {
         keepNativeException("unknown exception");
         left = true;
     }
-    if (left)
+    if (left) [[unlikely]]
         resumeJump();
     return result;
 }

@@ -9,6 +9,7 @@
 #include "interpreter/language/prelude.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/exceptions.h"
+#include "plugins/ruby/frames.h"
 #include "plugins/ruby/nativeclasses.h"
 #include "plugins/ruby/nativefunctions.h"
 #include "plugins/ruby/objectclass.h"
@@ -132,6 +133,7 @@ void RubyRuntime::defineTamrix() {
     const VALUE native = rb_define_module_under(m_module, "Native");
     defineObjectClass(m_module);
     defineOutput(m_module, native);
+    noteRaises();
     for (const char* const name : preludeFiles) {
         // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.
         const QByteArray source = preludeSource(QStringLiteral("ruby/%1.rb").arg(name));

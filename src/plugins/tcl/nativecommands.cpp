@@ -43,11 +43,12 @@ struct NativeCommand {
 };
 
 /// Whether the words can go to the function as they stand: none is missing, left out or an option.
-bool arePlain(const Parameters& parameters, int count, Tcl_Obj* const* words) {
+bool arePlain(const NativeFunction& function, int count, Tcl_Obj* const* words) {
+    const int requiredCount = function.parameters().requiredCount;
     const auto isNull = [words](int index) { return isEmptyText(words[index]); };
-    if (count < parameters.requiredCount || !areInPlace(parameters, count, isNull))
+    if (count < requiredCount || !function.areInPlace(count, isNull))
         return false;
-    return std::all_of(words + parameters.requiredCount, words + count,
+    return std::all_of(words + requiredCount, words + count,
                        [](Tcl_Obj* word) { return optionName(word).empty(); });
 }
 
@@ -56,7 +57,7 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
     TclInterpreter& interpreter = command.interpreter;
     --count;
     ++words;
-    if (!interpreter.isScriptThread() || !arePlain(command.function.parameters(), count, words))
+    if (!interpreter.isScriptThread() || !arePlain(command.function, count, words))
         return callWithWords(interpreter, command.function, {}, {}, count, words);
     // The road of most calls, without a list of arguments that is made for it.
     const auto add = [&](auto& call) {
@@ -70,9 +71,9 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
             Tcl_ResetResult(interp);
     };
     return runCommand(interpreter, [&] {
-        const auto end =
-            callDirectly<TclArgument>(interpreter, command.function, nullptr, add, take);
-        return end ? TCL_OK : interpreter.fail(end.error());
+        const auto failure =
+            callDirectly<TclArgument>(interpreter, command.function, count, add, take);
+        return failure ? interpreter.fail(*failure) : TCL_OK;
     });
 }
 

@@ -61,6 +61,7 @@ Application::~Application() {
     m_access->setEndText({});
     m_access->setStallTest({});
     m_access->setIdleHook({});
+    m_access->setTurnHook({});
     m_access->setProcessDescriptor(-1);
 }
 

@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <utility>
 
 #include "base/blocking.h"
 #include "base/environment.h"
@@ -24,6 +25,8 @@ constexpr int closePatience = 2000;
 constexpr int terminatePatience = 1000;
 /// How long the request to close may take.
 constexpr int quitTimeout = 500;
+/// How long what the last input does may take in one application before another one is asked.
+constexpr int restTimeout = 5000;
 constexpr int pollInterval = 50;
 constexpr int closePollInterval = 10;
 /// How long the last output of a program that has ended may take.
@@ -89,6 +92,7 @@ Outcome<SharedPtr<Application>> Applications::start(const ApplicationStart& want
     start.program.mark = QStringLiteral("%1:%2").arg(m_runId, QString::number(++m_lastProgram));
     start.program.environment =
         m_displayEnvironment + m_caseEnvironment + wanted.program.environment;
+    turnTo(0);
     start.launcher->prepare(&start.program, {m_server.socketPath(), m_server.token()});
     Outcome<std::unique_ptr<ChildProcess>> process = ChildProcess::start(start.program);
     if (!process)
@@ -318,6 +322,7 @@ SharedPtr<Application> Applications::add(std::unique_ptr<Access> access, const Q
         work();
         return !isInterrupted();
     });
+    application->access().setTurnHook([this, id = application->id] { turnTo(id); });
     m_applications.append(application);
     return application;
 }
@@ -355,6 +360,15 @@ SharedPtr<Application> Applications::first() {
 void Applications::setCurrent(SharedPtr<Application> application) {
     m_current = application;
     Inspector::self()->setModel(application ? &application->access() : nullptr);
+}
+
+void Applications::turnTo(int id) {
+    const int before = std::exchange(m_lastAsked, id);
+    if (before == id)
+        return;
+    // Whoever fails to come to rest tells so when it is asked itself.
+    if (const SharedPtr<Application> application = find(before); application && application->valid)
+        static_cast<void>(application->access().settle(restTimeout));
 }
 
 SharedPtr<Application> Applications::checked(const SharedPtr<ApplicationContext>& context) {
@@ -431,6 +445,9 @@ bool Applications::isInterrupted() const {
 // Ending
 
 bool Applications::askToClose() {
+    // What one does may end others.
+    for (const SharedPtr<Application>& application : live())
+        static_cast<void>(application->access().settle(closePatience));
     bool wasAsked = false;
     for (const SharedPtr<Application>& application : live()) {
         if (!application->program())

@@ -22,6 +22,11 @@ namespace Tamrix {
 ///
 /// A process of an application that announces itself becomes a context at once, whether somebody
 /// waits for it or not.
+///
+/// What input does in one process is done before another one is asked for anything, started or
+/// ended, as the next request to the same process has it: a script's actions happen in its order.
+/// A process that does not come to rest holds the others up for five seconds, one that does nothing
+/// for one.
 class Applications {
 public:
     /// How long an application may take to connect unless the script says otherwise, in
@@ -118,6 +123,8 @@ private:
     void dropLaunched(const SharedPtr<Application>& application);
     /// Drops the applications of a program that did not come to be used.
     void forgetAll(const StartedProgram* program);
+    /// The application with this number is asked for something: the one before comes to rest.
+    void turnTo(int id);
     /// False when no application took the request.
     bool askToClose();
 
@@ -133,6 +140,8 @@ private:
     std::deque<SharedPtr<Application>> m_launched;
     SharedPtr<Application> m_current;
     int m_lastId = 0;
+    /// The application that was asked last.
+    int m_lastAsked = 0;
     int m_lastProgram = 0;
     int m_interruptBeforeCall = 0;
     std::function<bool()> m_goOn;

@@ -68,6 +68,7 @@ void ActionMerger::finish() {
     m_press.reset();
     endTouched(0);
     flush();
+    m_isFirst = true;
 }
 
 // The mouse
@@ -92,10 +93,13 @@ void ActionMerger::take(const Wire::ObservedPress& press, qint64 now) {
     if (typing && typing->focus.handle != press.object.handle)
         flush();
     m_press = Press{press, stateOf(press.object)};
+    m_press->isFirst = std::exchange(m_isFirst, false);
 }
 
 void ActionMerger::take(const Wire::ObservedDoubleClick& /*doubleClick*/, qint64 /*now*/) {
-    if (!m_press)
+    // The program takes for a double click what are two clicks of the script, with another line
+    // between them.
+    if (!m_press || m_press->isFirst)
         return;
     m_press->isDouble = true;
     const auto* const click = std::get_if<HeldClick>(&m_held);

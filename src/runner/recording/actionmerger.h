@@ -26,7 +26,7 @@ public:
     void add(const Wire::Observation& observation, qint64 now);
     /// Nothing more has come by now: gives what is not held for what comes next.
     void idle(qint64 now);
-    /// Nothing more will come.
+    /// Nothing more comes before something is done elsewhere, or at all: gives what is held.
     void finish();
 
 private:
@@ -37,6 +37,8 @@ private:
         Wire::ObservedRelease release = {};
         bool isReleased = false;
         bool isDouble = false;
+        /// Whether something was done elsewhere since what came before.
+        bool isFirst = false;
     };
     /// Given in order, unless a double click replaces them or, in a field, typing does.
     struct HeldClick {
@@ -118,6 +120,8 @@ private:
     NameOf m_nameOf;
     QHash<quint64, Wire::ObservedState> m_states;
     std::optional<Press> m_press;
+    /// Whether the next press is the first one behind finish().
+    bool m_isFirst = false;
     std::optional<Touched> m_touched;
     Held m_held;
     /// The text area that was typed into last, with nothing in between: the cursor is where the

@@ -148,6 +148,10 @@ Outcome<> recordProgram(Applications& applications, const RecordingSettings& set
     recording.work();
     recording.finish();
     script.end();
+    // A program that a person has closed says nothing; one that was lost does.
+    const QString end = (*started)->endText();
+    if (!end.isEmpty() && (*started)->program()->process().exitCode() > 0)
+        tell(end);
     if (!followed)
         return followed;
     return script.result() ? names.result() : script.result();

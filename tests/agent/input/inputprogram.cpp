@@ -1,6 +1,6 @@
 #include "agent/input/inputprogram.h"
 
-#include <QThread>
+#include "support/waituntil.h"
 
 namespace Tamrix {
 
@@ -78,10 +78,10 @@ QString InputProgram::takeLog() {
 
 QString InputProgram::waitForLog() {
     QString log;
-    for (int i = 0; log.isEmpty() && i < 100; ++i) {
+    Test::waitUntil([&] {
         log = takeLog();
-        QThread::msleep(20);
-    }
+        return !log.isEmpty();
+    });
     return log;
 }
 

@@ -101,6 +101,32 @@ TEST_P(TargetTest, IsWaitedForAsLongAsItSays) {
     EXPECT_EQ(act(gone, "click"), "the object does not exist any more");
 }
 
+TEST_P(TargetTest, IsLookedForAgainWhenItGoes) {
+    Wire::Target replaced = named("Replaced");
+    replaced.wanted = Wanted::Existence;
+    EXPECT_EQ(act(named("ReplaceLater"), "click"), "");
+    EXPECT_EQ(act(replaced, "click", {}, 20000), "");
+    EXPECT_EQ(program().takeLog(), "new");
+}
+
+TEST_P(TargetTest, ItemsAreLookedForAgainWhenTheyGo) {
+    Wire::Target rows = named("rows");
+    rows.wanted = Wanted::Existence;
+    EXPECT_EQ(act(named("ReplaceLater"), "click"), "");
+    EXPECT_EQ(act(rows, "selectItem", {"Only row"}, 20000), "");
+    EXPECT_EQ(program().read("rows", "currentRow").toInt(), 0);
+}
+
+TEST_P(TargetTest, WhoHasGrabbedTheMouseGetsTheClick) {
+    EXPECT_EQ(act(named("Grab"), "click"), "");
+    EXPECT_THAT(act(named("Plain"), "click", {}, 200).toStdString(),
+                testing::MatchesRegex(
+                    "QPushButton 'Plain' is not ready: QFrame 'pad' covers the point .*"));
+    EXPECT_EQ(act(named("pad"), "click"), "");
+    EXPECT_EQ(act(named("Plain"), "click"), "");
+    EXPECT_THAT(program().takeLog().toStdString(), testing::HasSubstr("clicked"));
+}
+
 TEST_P(TargetTest, StandingStillIsRemembered) {
     program().call("click", "Plain");
     QElapsedTimer timer;

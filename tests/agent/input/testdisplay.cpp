@@ -28,7 +28,7 @@ void TestDisplay::startWeston() {
     m_server.start("weston", {"--backend=headless-backend.so", "--socket=weston", "--idle-time=0",
                               "--width=1280", "--height=1024"});
     const QString socket = m_folder.filePath("weston");
-    for (int look = 0; look < 1000 && m_name.isEmpty(); ++look) {
+    for (int look = 0; look < 10000 && m_name.isEmpty(); ++look) {
         if (QFileInfo::exists(socket))
             m_name = socket;
         else
@@ -46,7 +46,7 @@ void TestDisplay::startXvfb(const QString& screen, const QStringList& options) {
     if (!m_server.waitForStarted())
         return;
     QByteArray line;
-    while (!line.endsWith('\n') && m_server.waitForReadyRead(20000))
+    while (!line.endsWith('\n') && m_server.waitForReadyRead(100'000))
         line += m_server.readAllStandardOutput();
     if (!line.trimmed().isEmpty())
         m_name = QStringLiteral(":") + QString::fromLatin1(line.trimmed());

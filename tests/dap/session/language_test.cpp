@@ -10,16 +10,6 @@
 namespace Tamrix::Dap {
 namespace {
 
-TEST(Language, FailuresAreToldFromValues) {
-    for (const char* failure : {"NameError: name 'x' is not defined", "KeyboardInterrupt",
-                                "json.decoder.JSONDecodeError: Extra data", "StopIteration",
-                                "Tamrix::LookupError: Object not found"})
-        EXPECT_TRUE(isFailureText(failure)) << failure;
-    for (const char* value : {"'NameError: x'", "3", "", "ValueError('x')", "<class 'NameError'>",
-                              "Pair: 1, 2", "Errors"})
-        EXPECT_FALSE(isFailureText(value)) << value;
-}
-
 TEST(Language, MembersAreReadAsTheirNamesTell) {
     EXPECT_EQ(memberExpression("a.py", "a", "b"), "a.b");
     EXPECT_EQ(memberExpression("a.py", "a", "0"), "a[0]");

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #include "wire/framechannel.h"
 #include "wire/messages.h"
@@ -65,7 +66,8 @@ void leaveChildBehind() {
     }
 }
 
-/// Leaves a process that has nothing of this one: no parent, session or environment.
+/// Leaves a process that has nothing of this one: no parent, session or environment. It is known by
+/// the seconds that it sleeps.
 void leaveDaemonBehind() {
     if (::fork() != 0)
         return;
@@ -74,8 +76,7 @@ void leaveDaemonBehind() {
         ::_exit(0);
     char* const none[] = {nullptr};
     char name[] = "sleep";
-    char time[] = "777.25";
-    char* const arguments[] = {name, time, nullptr};
+    char* const arguments[] = {name, std::getenv("FAULTY_DAEMON_SLEEP"), nullptr};
     ::execve("/bin/sleep", arguments, none);
     ::_exit(1);
 }

@@ -52,7 +52,8 @@ public:
         calls.append(QString("evaluate %1 in '%2' in mode %3")
                          .arg(text, fileName, QString::number(Debugger::self()->debuggerMode())));
         setResultMessage(text.isEmpty() ? QString() : "[" + text + "]");
-        return !text.startsWith("fail");
+        setErrorMessage(text.startsWith("fail") ? resultMessage() : QString());
+        return errorMessage().isEmpty();
     }
     QStringList calls;
 };
@@ -217,7 +218,9 @@ TEST_F(ProtocolCommands, WhereTheScriptStandsAndWhatItHolds) {
                                   "bt",
                                   "backtrace",
                                   "eval 1%2B1%20%22%C3%BC%22",
+                                  "print evaluation",
                                   "eval fail",
+                                  "print evaluation",
                                   "eval",
                                   "eval a b",
                                   "eval %"};

@@ -118,14 +118,28 @@ TEST_F(Images, AreMadeOfSizeColourOrPicture) {
         {{two, two, integer(0xff123456)}, "2x2", 0xff123456},
         {{two, two, text("red")}, "2x2", 0xffff0000},
         {{two, two, text("#80ff0000")}, "2x2", 0x80ff0000},
-        {{two, two, list({integer(255), integer(0), integer(257)})}, "2x2", 0xffff0001},
+        {{two, two, list({integer(255), integer(0), integer(1)})}, "2x2", 0xffff0001},
+        {{two, two, integer(-1)}, "2x2", 0xffffffff},
+        {{number(2.0), two}, "2x2", 0xff000000},
         {{two, two, list({two, two, two, integer(5)})}, "2x2", 0x05020202},
         {{two, two, text("nosuchcolour")}, "'nosuchcolour' is not a valid color name", 0},
         {{two, two, list({two, two})}, "The pixel array value must contain 3 or 4 elements", 0},
         {{two, two, number(1.5)}, "The pixel value must be an array or an integer", 0},
         {{two, two, two, two}, "The Image() constructor takes at most three arguments", 0},
-        {{two, integer(0)}, "There is no image of 2 x 0 pixels", 0},
-        {{integer(1LL << 40), integer(-1)}, "There is no image of 2147483647 x -1 pixels", 0},
+        {{two, integer(0)}, "The height of an image must be a whole number of pixels, not '0'", 0},
+        {{integer(1LL << 40), two},
+         "The width of an image must be a whole number of pixels, not '1099511627776'",
+         0},
+        {{number(1.5), two},
+         "The width of an image must be a whole number of pixels, not '1.5'",
+         0},
+        {{integer(1 << 30), integer(1 << 30)},
+         "There is no image of 1073741824 x 1073741824 pixels",
+         0},
+        {{two, two, integer(1LL << 40)}, "The pixel value 1099511627776 has more than 32 bits", 0},
+        {{two, two, list({integer(300), two, two})},
+         "The part red of a color must be a whole number from 0 to 255, not '300'",
+         0},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(construct(row.arguments), row.outcome);
@@ -186,6 +200,11 @@ TEST_F(Images, MembersCheckTheirArguments) {
         {"setPixel", {one, one, one, one}, "putPixel() takes either 3, 5 or 6 arguments"},
         {"setPixel", {integer(10), one, one}, xOutside},
         {"setPixel", {one, one, text("none")}, "'none' is not a valid color name"},
+        {"setPixel",
+         {one, one, one, one, one, number(0.5)},
+         "The part alpha of a color must be a whole number from 0 to 255, not '0.5'"},
+        {"getPixel", {number(0.5), one}, "The x coordinate must be a whole number, not '0.5'"},
+        {"getPixel", {one, text("1")}, "The y coordinate must be a whole number, not '1'"},
         {"equals", {}, "equals() requires exactly one argument"},
         {"equals", {one}, "equals() requires an Image object as argument"},
         {"copy", {}, "10x5"},
@@ -212,7 +231,7 @@ TEST_F(Images, PixelsAreSetInOneObjectAlone) {
     member(image, "setPixel", {integer(1), integer(2), integer(0x80102030)});
     EXPECT_EQ(member(image, "getPixelRGBA", {integer(1), integer(2)}), "16,32,48,128");
     EXPECT_EQ(member(copy, "getPixelRGBA", {integer(1), integer(2)}), "1,2,7,255");
-    const auto part = integer(300);
+    const auto part = integer(44);
     member(image, "setPixel", {integer(0), integer(0), part, part, part});
     EXPECT_EQ(member(image, "getPixelRGBA", {integer(0), integer(0)}), "44,44,44,255");
     member(image, "setPixel", {integer(0), integer(0), part, part, part, integer(9)});

@@ -89,10 +89,32 @@ TEST_F(TestDataFunctions, MakesFoldersForNewFiles) {
     EXPECT_EQ(call(testDataCreate, {text("local"), text("a.csv")}), "testdata/a.csv");
     EXPECT_TRUE(QFileInfo("testdata").isDir());
     EXPECT_EQ(call(testDataCreate, {text("shared"), text("b")}), "../shared/testdata/b");
+    ASSERT_TRUE(QFile::link(folder.path(), "testdata/out"));
+    ASSERT_TRUE(QFile::link(folder.filePath("nowhere"), "testdata/dangling"));
+    ASSERT_TRUE(QDir("testdata").mkdir("real") && QFile::link("real", "testdata/inner"));
+    EXPECT_EQ(call(testDataCreate, {text("local"), text("inner/a")}), "testdata/inner/a");
+    EXPECT_EQ(call(testDataCreate, {text("local"), text("..a/b..")}), "testdata/..a/b..");
     expectRefusals({{testDataCreate, {text("local")}, "create() takes two string arguments"},
                     {testDataCreate,
                      {text("elsewhere"), text("a")},
-                     "First argument of create() must be 'shared' or 'local'"}});
+                     "First argument of create() must be 'shared' or 'local'"},
+                    {testDataCreate,
+                     {text("local"), text("../a")},
+                     "The path '../a' leads out of the folder 'testdata'"},
+                    {testDataCreate,
+                     {text("shared"), text("a/../b")},
+                     "The path 'a/../b' leads out of the folder '../shared/testdata'"},
+                    {testDataCreate,
+                     {text("local"), text("out/a")},
+                     "The path 'out/a' leads out of the folder 'testdata'"},
+                    {testDataCreate,
+                     {text("local"), text("dangling")},
+                     "The path 'dangling' leads out of the folder 'testdata'"},
+                    {testDataCreate, {text("local"), text("a/")}, "'a/' is no name of a file"},
+                    {testDataCreate, {text("local"), text("")}, "'' is no name of a file"},
+                    {testDataCreate,
+                     {text("local"), text("/tmp/a")},
+                     "The path '/tmp/a' is absolute: files can be made below 'testdata' only"}});
 }
 
 TEST_F(TestDataFunctions, ExchangesFilesWithTheApplication) {
@@ -124,10 +146,14 @@ TEST_F(TestDataFunctions, ExchangesFilesWithTheApplication) {
     EXPECT_EQ(readFile("local.tsv"), readFile("testdata/local.tsv"));
     EXPECT_EQ(call(testDataRemove, {text("local.tsv")}), "true");
     files["broken"] = "2x";
+    files["../local.tsv"] = "1";
     QFile::remove("local.tsv");
     expectRefusals({{testDataExists, {text("local.tsv")}, "it has no such file"},
                     {testDataGet, {text("local.tsv")}, "Failed to fetch file 'local.tsv'"},
                     {testDataGet, {text("broken")}, "Failed to fetch file 'broken'"},
+                    {testDataGet,
+                     {text("../local.tsv")},
+                     "The path '../local.tsv' leads out of the folder '.'"},
                     {testDataPut, {text("none")}, "File 'none' couldn't be found."},
                     {testDataPut, {}, "put() takes a string argument"},
                     {testDataGet, {integer(1)}, "get() takes a string argument"},

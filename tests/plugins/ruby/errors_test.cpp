@@ -155,6 +155,16 @@ TEST_F(RubyErrors, ObjectsThatCantBeShown) {
     EXPECT_EQ(run("test.compare(Bad.new, 1)"), "RuntimeError: no comparison");
     EXPECT_EQ(run("class Own < StandardError\n  def message = 1 / 0\nend\nraise Own"), "Own");
     EXPECT_EQ(run("raise Class.new(BasicObject).new").left(9), "TypeError");
+    for (const char* backtrace : {"raise('x')", "nil", "'text'"}) {
+        EXPECT_EQ(run(QStringLiteral("class Own < StandardError\n"
+                                     "  def message = 'own'\n"
+                                     "  def backtrace = %1\n"
+                                     "end\n"
+                                     "raise Own\n")
+                          .arg(QLatin1String(backtrace))),
+                  "Own: own");
+        EXPECT_EQ(lines(), std::vector{5}) << backtrace;
+    }
 }
 
 TEST_F(RubyErrors, OutputStandsInOrder) {

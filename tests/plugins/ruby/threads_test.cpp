@@ -34,10 +34,14 @@ counted = lambda do |&work|
   work.call
   count - before
 end
-raise 'held' if counted.call { holdLock } > 1
-raise 'sleep' unless counted.call { sleepAside } > 5
-raise 'poll' unless counted.call { pollAside } > 5
-raise 'wait' unless counted.call { waitFor(300) { false } } > 5
+# A busy machine may give the thread no turn in one of them, nor this one at its end.
+runs = lambda do |&work|
+  20.times.any? { counted.call(&work) > 5 }
+end
+raise 'held' if 3.times.map { counted.call { holdLock } }.min > 1
+raise 'sleep' unless runs.call { sleepAside }
+raise 'poll' unless runs.call { pollAside }
+raise 'wait' unless runs.call { waitFor(300) { false } }
 stopped = true
 thread.join
 )rb"),

@@ -1,7 +1,6 @@
 // "tamrixrunner record" as it is used at a terminal: what it says, and what it leaves.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QDir>
 #include <csignal>
@@ -11,6 +10,7 @@
 #include "support/files.h"
 #include "support/golden.h"
 #include "support/printqt.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -106,9 +106,8 @@ TEST_F(RecordCommand, LeavesAWholeScript) {
         recording("tcl", [](Tamrix::Test::RunnerProcess& command) { command.sendSignal(SIGKILL); });
     EXPECT_TRUE(Tamrix::Test::compareWithGolden("e2e/record-ends.txt", normalised(text)));
     // The watch behind the runner ends the program, a moment later.
-    for (int round = 0; round < 1000 && processWithArgument(suite.path("journal")) != 0; ++round)
-        ::usleep(20000);
-    EXPECT_EQ(processWithArgument(suite.path("journal")), 0);
+    EXPECT_TRUE(
+        Tamrix::Test::waitUntil([&] { return processWithArgument(suite.path("journal")) == 0; }));
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ protected:
         QByteArray answer;
         QElapsedTimer timer;
         timer.start();
-        while (client.state() != QAbstractSocket::UnconnectedState && timer.elapsed() < 20000) {
+        while (client.state() != QAbstractSocket::UnconnectedState && timer.elapsed() < 100'000) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
             answer += client.readAll();
         }

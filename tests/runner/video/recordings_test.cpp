@@ -6,7 +6,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include "runner/coreapplication.h"
 #include "runner/processes/markedprocesses.h"
@@ -16,7 +15,9 @@
 #include "support/inmemorymodel.h"
 #include "support/outcomes.h"
 #include "support/printqt.h"
+#include "support/processes.h"
 #include "support/recordingreport.h"
+#include "support/waituntil.h"
 
 namespace Tamrix {
 namespace {
@@ -147,10 +148,13 @@ TEST_F(RecordingsTest, TellWhyTheyCanNotBegin) {
 }
 
 TEST_F(RecordingsTest, TellWhenTheyEndByThemselves) {
-    useRecorder("printf head; sleep 0.1; echo 'No space left on device' >&2; exit 1");
+    const QByteArray end = folder.filePath("end").toLocal8Bit();
+    const QByteArray untilEnd = "printf head; while [ ! -e " + end + " ]; do sleep 0.02; done; ";
+    useRecorder(untilEnd + "echo 'No space left on device' >&2; exit 1");
     ASSERT_EQ(start(), "");
+    ASSERT_TRUE(Tamrix::Test::writeFile(end));
     const QString error = "ffmpeg has ended: it exited with code 1: No space left on device";
-    QDeadlineTimer deadline(30000);
+    QDeadlineTimer deadline(100'000);
     while (report.entries.empty() && !deadline.hasExpired())
         runner.snooze(0.05);
     ASSERT_EQ(report.results().size(), 1u);
@@ -161,9 +165,14 @@ TEST_F(RecordingsTest, TellWhenTheyEndByThemselves) {
     runner.snooze(0.2);
     EXPECT_EQ(report.results().size(), 1u) << "told once";
     // Also when the one who stops it is the first to see it.
-    useRecorder("printf head; echo 'the display is gone' >&2; exit 0");
+    ASSERT_TRUE(QFile::remove(end));
+    const QString pid = folder.filePath("pid");
+    useRecorder("echo $$ > " + pid.toLocal8Bit() + "; " + untilEnd +
+                "echo 'the display is gone' >&2; exit 0");
     ASSERT_EQ(start(), "");
-    QThread::msleep(300);
+    ASSERT_TRUE(Tamrix::Test::writeFile(end));
+    ASSERT_TRUE(Tamrix::Test::waitUntil(
+        [&] { return !Tamrix::Test::isRunning(Tamrix::Test::readFile(pid).trimmed().toInt()); }));
     EXPECT_EQ(task->stop("late", {}).errorText(),
               "ffmpeg has ended: it exited with code 0: the display is gone");
 }
@@ -189,10 +198,7 @@ TEST_F(RecordingsTest, NothingOutlivesItsTask) {
     application->videoCapture.clear();
     task.clear();
     // Its "sleep" ends by itself.
-    QDeadlineTimer deadline(20000);
-    while (left() > 0 && !deadline.hasExpired())
-        QThread::msleep(20);
-    EXPECT_EQ(left(), 0u);
+    EXPECT_TRUE(Tamrix::Test::waitUntil([&] { return left() == 0; }));
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ public:
     /// The native window that gets the input for the element, null when it has none.
     virtual QWindow* nativeWindow(const Element& element) const = 0;
     /// What would get a click of the button at this point of the screen, within the element's own
-    /// window: the element's own or another one. Null for none.
+    /// window: the element's own or another one, or whoever has grabbed the mouse. Null for none.
     virtual Element elementAt(const Element& inWindowOf, const QPoint& globalPoint,
                               Qt::MouseButton button) const = 0;
     /// Whether a click at `hit` reaches `element`: it is the element, part of it, or passes clicks

@@ -2,6 +2,7 @@
 
 #include <QUrl>
 
+#include "interpreter/bridge/interpreter.h"
 #include "interpreter/debugger/lineprotocol/commandfunctions.h"
 
 namespace Tamrix {
@@ -37,6 +38,11 @@ CommandEffect printCommand(const CommandCall& call) {
         call.output.print("@file " + call.output.encoded(call.debugger.findSourceId(source)));
     } else if (what == QLatin1String("variables")) {
         printVariables(call, call.arguments.mid(1).join(QLatin1Char(' ')));
+    } else if (what == QLatin1String("evaluation")) {
+        // The text that the code gave does not say whether it is a value or an error's message.
+        const Interpreter* const interpreter = call.debugger.interpreter();
+        const bool isGood = !interpreter || interpreter->errorMessage().isEmpty();
+        call.output.print(isGood ? "@evaluation ok" : "@evaluation failed");
     }
     // Meant: other words have no answer.
     return CommandEffect::Stays;

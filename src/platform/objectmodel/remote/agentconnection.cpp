@@ -279,7 +279,7 @@ Outcome<Frame> AgentConnection::exchange(MessageType type, const QByteArray& bod
 Outcome<> AgentConnection::syncBefore(MessageType type, const QDeadlineTimer& deadline,
                                       int timeout) {
     // A ping asks whether the application answers at all, at rest or not.
-    if (!m_isSyncDue || type == MessageType::Ping)
+    if (!m_isSyncDue || type == MessageType::Ping || type == MessageType::Sync)
         return {};
     const auto left = static_cast<int>(std::min<qint64>(m_syncTimeout, deadline.remainingTime()));
     const QDeadlineTimer syncDeadline(left);
@@ -320,6 +320,8 @@ Outcome<Frame> AgentConnection::answerTo(MessageType type, const QByteArray& bod
         return fail(FailureKind::Failed,
                     QStringLiteral("Another request to the application is under way"));
     }
+    if (m_turnHook && type != MessageType::Ping && type != MessageType::Sync)
+        m_turnHook();
     if (m_closesFor)
         shut(*m_closesFor);
     if (m_state != State::Open)
@@ -346,6 +348,17 @@ Outcome<Frame> AgentConnection::answerTo(MessageType type, const QByteArray& bod
     if ((!answer || answer->type == MessageType::Reply) && injectsInput(type, body))
         m_isSyncDue = true;
     return answer;
+}
+
+Outcome<> AgentConnection::settle(int timeout) {
+    if (!m_isSyncDue || m_isRequesting)
+        return {};
+    const Outcome<QByteArray> answer =
+        request(MessageType::Sync, {}, timeout, Patience::WhileItRuns);
+    if (!answer)
+        return fail(answer.error());
+    m_isSyncDue = false;
+    return {};
 }
 
 Outcome<> AgentConnection::ping(int timeout) {

@@ -79,6 +79,9 @@ public:
     void close(const QString& reason);
 
     void setIdleHook(const IdleHook& hook) { m_idleHook = hook; }
+    /// Called before each request, except for a ping and settle(). It may make requests on other
+    /// connections.
+    void setTurnHook(const std::function<void()>& hook) { m_turnHook = hook; }
     /// What tells how the application ended, better than the connection can; asked when a request
     /// fails since the connection is closed. An empty text leaves it to the connection.
     void setEndText(const std::function<QString()>& endText) { m_endText = endText; }
@@ -116,6 +119,10 @@ public:
     /// Whether the application's event loop answers within `timeout` ms.
     Outcome<> ping(int timeout);
 
+    /// Waits until the application has come to rest after the last input, up to `timeout` ms, with
+    /// little patience. At once when it is known to be at rest, and while a request is under way.
+    Outcome<> settle(int timeout);
+
     /// The events that came, in order; they are given once.
     std::vector<Wire::EventFired> takeEvents();
     /// What a person did, in order; it is given once.
@@ -151,6 +158,7 @@ private:
     QString m_token;
     Wire::Hello m_hello;
     IdleHook m_idleHook;
+    std::function<void()> m_turnHook;
     std::function<QString()> m_endText;
     std::function<bool()> m_isStalled;
     Patience m_patience = Patience::UntilTimeout;

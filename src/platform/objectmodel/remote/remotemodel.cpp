@@ -59,6 +59,10 @@ bool RemoteModel::owns(const SharedPtr<Object>& object) const {
     return remote && &remote->link().connection() == &connection();
 }
 
+void RemoteModel::setTurnHook(const std::function<void()>& hook) {
+    connection().setTurnHook(hook);
+}
+
 void RemoteModel::setIdleHook(const std::function<bool()>& hook) {
     connection().setIdleHook(hook);
 }

@@ -37,6 +37,8 @@ public:
     /// Gets the class that describes the application's global functions.
     Outcome<> prepare(int timeout) override;
     Outcome<> ping(int timeout) override { return connection().ping(timeout); }
+    Outcome<> settle(int timeout) override { return connection().settle(timeout); }
+    void setTurnHook(const std::function<void()>& hook) override;
     void setIdleHook(const std::function<bool()>& hook) override;
     void setEndText(const std::function<QString()>& endText) override;
     void setStallTest(const std::function<bool()>& isStalled) override;

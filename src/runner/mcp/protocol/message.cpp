@@ -1,5 +1,7 @@
 #include "runner/mcp/protocol/message.h"
 
+#include <cmath>
+
 namespace Tamrix::Mcp {
 
 namespace {
@@ -11,8 +13,10 @@ Json::Value envelope(const Json::Value& id) {
     return message;
 }
 
+/// A number is one that comes back as it came.
 bool isId(const Json::Value& id) {
-    return id.isString() || id.isNumeric();
+    constexpr double largest = 1e15;
+    return id.isString() || id.isIntegral() || (id.isDouble() && std::abs(id.asDouble()) < largest);
 }
 
 /// Takes one message of a line.
@@ -37,7 +41,8 @@ void readOne(const Json::Value& value, Message* message) {
     request.method = value["method"].asString();
     request.isNotification = !value.isMember("id");
     if (!request.isNotification && !isId(value["id"]))
-        return refuse(id, QStringLiteral("the message's \"id\" is neither a text nor a number"));
+        return refuse(id, QStringLiteral("the message's \"id\" is neither a text nor a number that comes "
+                                         "back as it came"));
     request.id = id;
     if (value.isMember("params") && !value["params"].isNull())
         request.params = value["params"];

@@ -7,6 +7,7 @@
 
 #include "base/filewriting.h"
 #include "interpreter/bridge/scriptlanguage.h"
+#include "platform/testresult/secrets.h"
 
 namespace Tamrix::Mcp {
 
@@ -16,6 +17,9 @@ const QString& defaultLanguage() {
     static const QString s_language = QStringLiteral("py");
     return s_language;
 }
+
+/// A shorter password may be a word that stands in other texts, too.
+constexpr int shortestTelling = 6;
 
 /// Of a folder that all commands take as a case, and that a person can type.
 bool isFolderName(const QString& name) {
@@ -56,7 +60,40 @@ QString Recording::linesOf(const ScriptAction& action) {
     return atTheLeft(m_writer->lines(action));
 }
 
-Outcome<QString> Recording::add(const ScriptAction& action) {
+void Recording::addPassword(const QString& password, const QString& key) {
+    if (!password.isEmpty())
+        m_passwords.insert(password, key);
+}
+
+bool Recording::holdsPassword(const QString& text) const {
+    // In names they stand in another form.
+    const Secrets passwords(m_passwords.keys());
+    return std::any_of(
+        passwords.forms().begin(), passwords.forms().end(), [&](const QString& password) {
+            return text == password || text.contains(QLatin1Char('\'') + password + QLatin1Char('\'')) ||
+                   (password.size() >= shortestTelling && text.contains(password));
+        });
+}
+
+ActionValue Recording::withoutPassword(const ActionValue& value) const {
+    const auto* const text = std::get_if<QString>(&value);
+    const auto known = text ? m_passwords.constFind(*text) : m_passwords.constEnd();
+    return known == m_passwords.constEnd() ? value : ActionValue(PasswordKey{*known});
+}
+
+ScriptAction Recording::withoutPasswords(ScriptAction action) const {
+    if (auto* const call = std::get_if<FunctionAction>(&action)) {
+        for (ActionValue& argument : call->arguments)
+            argument = withoutPassword(argument);
+    } else if (auto* const expectation = std::get_if<ExpectAction>(&action)) {
+        for (auto& [name, value] : expectation->properties)
+            value = withoutPassword(value);
+    }
+    return action;
+}
+
+Outcome<QString> Recording::add(const ScriptAction& given) {
+    const ScriptAction action = withoutPasswords(given);
     m_actions.push_back(action);
     if (!m_file.isEmpty()) {
         if (const Outcome<> written = write(); !written)

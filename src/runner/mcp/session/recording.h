@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <memory>
 #include <vector>
@@ -19,6 +20,13 @@ public:
     /// Begins anew; what was written stays in its file.
     void restart();
 
+    /// From now on no action has the password as a value: it asks the run for that of the key.
+    void addPassword(const QString& password, const QString& key);
+    bool isPassword(const QString& text) const { return m_passwords.contains(text); }
+    /// Whether a text, or a value in the name of an object, is a password, or has one in it that is
+    /// not there by chance.
+    bool holdsPassword(const QString& text) const;
+
     /// Adds an action. Returns the lines that do the same in a script, without indentation and
     /// without a line feed at the end; a failure when they can't be written to the file.
     Outcome<QString> add(const ScriptAction& action);
@@ -36,11 +44,15 @@ private:
     /// Loads the language's writer.
     Outcome<> useLanguage(const QString& language);
     Outcome<> write() const;
+    ActionValue withoutPassword(const ActionValue& value) const;
+    ScriptAction withoutPasswords(ScriptAction action) const;
 
     std::unique_ptr<EventRecorder> m_writer;
     QString m_suffix;
     std::vector<ScriptAction> m_actions;
     QString m_file;
+    /// The keys of passwords.
+    QHash<QString, QString> m_passwords;
     /// The files that were written since this was made.
     QStringList m_ownFiles;
 };

@@ -264,9 +264,36 @@ Outcome<Meant> Session::meantByName(const QString& name) {
     return Meant{application, {}, name, name};
 }
 
+SharedPtr<Object> Session::objectOf(const Meant& meant) {
+    if (meant.object)
+        return meant.object;
+    return meant.application->access().findObject(ObjectName(meant.name)).value_or(nullptr);
+}
+
+QString Session::nameWithoutPassword(const Meant& meant) const {
+    if (!m_recording.holdsPassword(meant.name))
+        return meant.name;
+    const SharedPtr<Object> object = objectOf(meant);
+    const QList<CheckedName> names =
+        object ? meant.application->access().namesOf(object).value_or(QList<CheckedName>())
+               : QList<CheckedName>();
+    const auto found = std::find_if(names.begin(), names.end(), [&](const CheckedName& each) {
+        return !m_recording.holdsPassword(each.name);
+    });
+    return found == names.end() ? QString() : found->name;
+}
+
 Outcome<Meant> Session::meant(const QString& target) {
     const int ref = refNumber(target);
-    return ref > 0 ? meantByRef(ref) : meantByName(target);
+    Outcome<Meant> meant = ref > 0 ? meantByRef(ref) : meantByName(target);
+    if (!meant)
+        return meant;
+    meant->name = nameWithoutPassword(*meant);
+    if (meant->name.isEmpty())
+        return fail(FailureKind::Refused,
+                    QStringLiteral("its name would bring a password into the script: name it "
+                                   "otherwise, or use a ref"));
+    return meant;
 }
 
 Outcome<const ViewObject*> Session::visible(const QString& ref) {
@@ -353,7 +380,7 @@ Outcome<QString> Session::perform(const Meant& meant, const Act& act) {
     if (!answer->result)
         return fail(explained(answer->result.error()));
     // 2. Its line.
-    const Outcome<QString> line = noteAction(act.script);
+    const Outcome<QString> line = noteAction(act.script());
     if (!line)
         return fail(line.error());
     // 3. What came of it. The end of the program may be what was wanted.

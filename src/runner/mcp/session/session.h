@@ -30,8 +30,8 @@ struct Act {
     /// The application's function, and its arguments behind the object.
     QString function;
     QVariantList arguments;
-    /// How a script does it.
-    ScriptAction script;
+    /// How a script does it; called when it is done.
+    std::function<ScriptAction()> script;
 };
 
 /// The programs that a client has started and sees: what is visible, what it has done, and the
@@ -75,6 +75,8 @@ public:
     Outcome<QRect> seenPart(const Meant& meant);
     /// What has the keyboard's focus, else the window that was shown last.
     Outcome<Meant> focused();
+    /// The object itself; null for a name that finds none.
+    static SharedPtr<Object> objectOf(const Meant& meant);
 
     /// Does it, and tells the line of a script that does the same and what changed.
     Outcome<QString> perform(const Meant& meant, const Act& act);
@@ -93,6 +95,8 @@ private:
     Outcome<SharedPtr<Application>> applicationOf(int id);
     Outcome<Meant> meantByRef(int ref);
     Outcome<Meant> meantByName(const QString& name);
+    /// The best name of the object that has no password in it, when its own has.
+    QString nameWithoutPassword(const Meant& meant) const;
     Failure goneFailure(const ViewObject& object);
     /// Adds how the program ended to a failure that this explains.
     Failure explained(const Failure& failure);

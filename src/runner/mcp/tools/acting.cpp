@@ -17,8 +17,12 @@ Outcome<ToolAnswer> actOn(Session& session, const Outcome<Meant>& meant, const c
     if (!meant)
         return fail(meant.error());
     const QString name = QLatin1String(function);
-    const Act act{name, others.values,
-                  FunctionAction{name, meant->name, others.inScript, others.namedInScript}};
+    const Act act{name, others.values, [&]() -> ScriptAction {
+                      if (others.whenDone)
+                          others.whenDone();
+                      return FunctionAction{name, meant->name, others.inScript,
+                                            others.namedInScript};
+                  }};
     const Outcome<QString> done = session.perform(*meant, act);
     if (!done)
         return fail(done.error());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "runner/mcp/session/session.h"
 #include "runner/mcp/tools/arguments.h"
 
@@ -10,6 +12,8 @@ struct ActArguments {
     QVariantList values = {};
     QList<ActionValue> inScript = {};
     QList<std::pair<QString, ActionValue>> namedInScript = {};
+    /// Called when it is done, before its line is made; may be null.
+    std::function<void()> whenDone = {};
 
     void add(int number);
     void add(const QString& text);

@@ -20,19 +20,27 @@ Outcome<ToolAnswer> fill(Session& session, const Arguments& arguments) {
     if (!meant)
         return fail(meant.error());
     const char* const function = arguments.flag("type", false) ? "typeText" : "fill";
+    const QString text = arguments.text("text");
     ActArguments others;
-    others.add(arguments.text("text"));
-    const SharedPtr<Object> field =
-        meant->object
-            ? meant->object
-            : meant->application->access().findObject(ObjectName(meant->name)).value_or(nullptr);
-    if (!isForPasswords(field))
-        return actOn(session, meant, function, others);
-    // No script contains a password.
+    others.add(text);
+    // No script contains a password. What is typed goes where the focus is within the target.
+    const SharedPtr<Object> field = Session::objectOf(*meant);
     const QString key = passwordKeyOf(*meant);
-    others.inScript = {ActionValue(PasswordKey{key})};
+    bool isPassword = isForPasswords(field);
+    if (isPassword)
+        session.recording().addPassword(text, key);
+    others.whenDone = [&] {
+        const Outcome<Meant> focused = isPassword ? meant : session.focused();
+        const SharedPtr<Object> filled = focused ? Session::objectOf(*focused) : nullptr;
+        isPassword = isPassword || isForPasswords(filled);
+        if (!isPassword)
+            return;
+        session.recording().addPassword(text, key);
+        // Also what was there before it.
+        session.recording().addPassword(hiddenText(filled), key);
+    };
     Outcome<ToolAnswer> answer = actOn(session, meant, function, others);
-    if (answer)
+    if (answer && isPassword)
         answer->text += QStringLiteral("runs take the password from TAMRIX_PASSWORD_%1\n").arg(key);
     return answer;
 }

@@ -43,7 +43,14 @@ Outcome<ToolAnswer> properties(Session& session, const Arguments& arguments) {
     const Outcome<PropertyList> list = (*object)->readProperties();
     if (!list)
         return fail(list.error());
-    const bool hidesText = isForPasswords(*object);
+    const QStringList hiddenNames = hiddenProperties(*object);
+    // Whatever else tells the same, too.
+    QStringList hiddenTexts;
+    for (const auto& [name, value] : *list) {
+        if (hiddenNames.contains(name))
+            hiddenTexts.append(valueText(value));
+    }
+    hiddenTexts.removeAll(quotedText({}));
     const QString find = arguments.text("find");
     QString text;
     int left = 0;
@@ -53,7 +60,7 @@ Outcome<ToolAnswer> properties(Session& session, const Arguments& arguments) {
         QString shown = valueText(value);
         if (shown.isEmpty())
             continue;
-        if (hidesText && (name == QLatin1String("text") || name == QLatin1String("selectedText")))
+        if (hiddenNames.contains(name) || hiddenTexts.contains(shown))
             shown = QStringLiteral("(hidden)");
         const QString line = QStringLiteral("%1 = %2\n").arg(name, shown);
         if (text.size() + line.size() > longestViewText)

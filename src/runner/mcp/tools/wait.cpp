@@ -58,6 +58,16 @@ Expected expectedOf(const Json::Value& properties) {
     return expected;
 }
 
+/// Whether a password stands within a value. One that is a value is kept out of the script.
+bool holdsPartOfPassword(Session& session, const Expected& expected) {
+    const Recording& recording = session.recording();
+    return std::any_of(
+        expected.inScript.begin(), expected.inScript.end(), [&](const auto& property) {
+            const auto* const text = std::get_if<QString>(&property.second);
+            return text && recording.holdsPassword(*text) && !recording.isPassword(*text);
+        });
+}
+
 /// Looks until the object is as expected.
 Outcome<> waitFor(Session& session, const Meant& meant, const Expected& expected, double seconds) {
     Access& access = meant.application->access();
@@ -101,6 +111,10 @@ Outcome<ToolAnswer> wait(Session& session, const Arguments& arguments) {
         expected.properties.isValid() ? nameFault(expected.properties) : QString();
     if (!fault.isEmpty())
         return fail(FailureKind::BadArgument, QStringLiteral("wait: %1").arg(fault));
+    if (holdsPartOfPassword(session, expected))
+        return fail(FailureKind::Refused,
+                    QStringLiteral("wait: a value would bring a password into the script: expect "
+                                   "less of the text, with a wildcard"));
     if (const Outcome<> found = waitFor(session, *meant, expected, seconds); !found)
         return fail(found.error());
     // A wait for mere existence is one for an object.

@@ -66,7 +66,13 @@ function load(one, file, firstStep) {
 
 const stepsFile = (number) => `steps-${String(number).padStart(4, "0")}.js`;
 
-async function loadSteps(one) {
+// One at a time for each case: a second one would count its files twice.
+function loadSteps(one) {
+    one.loading = (one.loading || Promise.resolve()).then(() => loadMoreSteps(one));
+    return one.loading;
+}
+
+async function loadMoreSteps(one) {
     await load(one, "sources.js", 0);
     for (;;) {
         const first = one.files * stepsInFile;
@@ -491,17 +497,32 @@ function linkedStep(kept) {
 }
 
 async function follow() {
+    const wasNewest = !current || current === cases[cases.length - 1];
+    const wasLast = !current || chosen >= current.steps.length - 1;
+    const hadEnded = !current || Boolean(current.outcome);
     await load(null, "cases.js", 0);
-    showCaseList();
-    if (!current || current.outcome)
+    const kept = showCaseList();
+    const newest = kept[kept.length - 1];
+    // Who looks at the end of one case goes on with the next.
+    if (hadEnded && wasNewest && wasLast && newest && newest !== current) {
+        await showCase(newest);
+        choose(newest.steps.length - 1);
+        return;
+    }
+    if (hadEnded)
         return;
     const count = current.steps.length;
-    const wasLast = chosen >= count - 1;
     await loadSteps(current);
     if (current.steps.length === count)
         return;
     showSteps();
     choose(wasLast ? current.steps.length - 1 : chosen);
+}
+
+let isFollowing = false;
+
+function keepFollowing() {
+    setTimeout(() => follow().finally(keepFollowing), 1000);
 }
 
 function traceLoaded() {
@@ -513,8 +534,10 @@ function traceLoaded() {
         const [linked, time] = linkedStep(kept);
         showCase(linked || kept.find((one) => one.outcome === "failed") || kept[0], time);
     }
-    if (isLive())
-        setInterval(follow, 1000);
+    if (isLive() && !isFollowing) {
+        isFollowing = true;
+        keepFollowing();
+    }
 }
 
 page("cases").addEventListener("change", (event) =>

@@ -248,12 +248,12 @@ TEST(RemoteModel, ActsOnWhatANameFinds) {
     const SharedPtr<Object> object = application.find();
     Target target = Target::ofName(ObjectName(QString("{type='QPushButton'}")));
     target.timeout = 20;
-    Outcome<TargetAnswer> answer = application.model->act("click", target, {value("left")}, 50);
+    Outcome<TargetAnswer> answer = application.model->act("click", target, {value("left")}, 50000);
     ASSERT_TRUE(answer && answer->result) << failureText(answer).toStdString();
-    EXPECT_EQ((*answer->result)->toVariant(), "click|left|20|50");
+    EXPECT_EQ((*answer->result)->toVariant(), "click|left|20|50000");
     EXPECT_EQ(answer->object->handle(), object->handle());
     // That the function fails is something else than that there is nothing to call it with.
-    answer = application.model->act("fill", target, {}, 50);
+    answer = application.model->act("fill", target, {}, 50000);
     ASSERT_TRUE(answer);
     EXPECT_TRUE(answer->isReady);
     EXPECT_EQ(failureText(answer->result), "it has no field");
@@ -272,7 +272,7 @@ TEST(RemoteModel, ActsOnWhatANameFinds) {
     };
     for (const auto& row : rows) {
         target.name = ObjectName(QString(row.name));
-        answer = application.model->act("click", target, {}, 50);
+        answer = application.model->act("click", target, {}, 50000);
         ASSERT_TRUE(answer);
         EXPECT_FALSE(answer->isReady);
         EXPECT_EQ(answer->missText, row.missText);

@@ -67,7 +67,7 @@ def fail():
 
 
 def sleep():
-    time.sleep(2)
+    time.sleep(1000)
 
 
 def loop():
