@@ -150,6 +150,45 @@ TEST_F(KilledRun, AScriptThatEndsItsProcessIsTold) {
     }
 }
 
+TEST_F(KilledRun, ACaseThatSpoilsItsProcessLeavesTheOthersToAnotherOne) {
+    suite.write("suite/b/test.tcl",
+                "proc main {} {\n"
+                "    set text [string repeat x 30000000]\n"
+                "    eval \"set larger_than_tcl_has [string repeat {$text} 80]\"\n"
+                "}\n");
+    suite.write("suite/c/test.py", "def main():\n    test.pass_('in Python')\n");
+    suite.write("suite/d/test.tcl", "proc main {} { test pass {in Tcl} }\n");
+    const QString told = "Script Error\n        Tcl gave up: max size for a Tcl value";
+    for (const QStringList& options : {QStringList(), QStringList{"--jobs", "1"}}) {
+        RunnerProcess run;
+        run.run(QStringList{"run", suite.path("suite"), "--aut-display", "inherit", "--verbose",
+                            "--report", "json:" + suite.path("journal.jsonl"), "--report",
+                            "junit:" + suite.path("direct.xml")} +
+                options);
+        // As any case with an error, and nothing is said twice.
+        EXPECT_EQ(run.exitCode(), 1) << qPrintable(run.errors());
+        EXPECT_EQ(run.errors(), "");
+        const QString output = run.output();
+        for (const QString& text :
+             {QString("Suite suite"), QString("Fail: first"), told, QString("in Python"),
+              QString("in Tcl"), QString("4 cases: 2 passed, 1 failed, 1 with errors")})
+            EXPECT_EQ(output.count(text), 1) << qPrintable(text + "\n" + output);
+        const QString junit = QString::fromUtf8(Tamrix::Test::readFile(suite.path("direct.xml")));
+        EXPECT_TRUE(junit.contains("<testsuites tests=\"4\" failures=\"1\" errors=\"1\""))
+            << qPrintable(junit.left(300));
+        const auto entries = Tamrix::Test::readJournal(suite.path("journal.jsonl"));
+        EXPECT_EQ(Tamrix::Test::messagesOf(entries, "suiteStart"), "suite");
+        EXPECT_EQ(Tamrix::Test::messagesOf(entries, "caseStart"), "a b c d");
+        EXPECT_EQ(entries.back()["kind"], "suiteEnd");
+        EXPECT_NE(entries.back()["interrupted"], true);
+    }
+    // The cases that have failed count for both processes.
+    runner.run({"run", suite.path("suite"), "--max-failures", "2", "--quiet"});
+    EXPECT_EQ(runner.exitCode(), 1);
+    EXPECT_TRUE(runner.errors().contains("2 test case(s) did not run"))
+        << qPrintable(runner.errors());
+}
+
 TEST_F(KilledRun, FromOutsideAtAnyMoment) {
     suite.write("suite/b/test.py",
                 "def main():\n"

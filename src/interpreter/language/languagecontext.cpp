@@ -7,6 +7,7 @@
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/nativefunction.h"
 #include "interpreter/language/stepactions.h"
+#include "interpreter/language/stepmembers.h"
 #include "interpreter/language/valuemembers.h"
 
 namespace Tamrix {
@@ -94,6 +95,15 @@ void LanguageContext::defineValueMembers() {
         defineMember(member);
 }
 
+void LanguageContext::defineStepMembers() {
+    for (const NativeFunction& member : stepMembers(*this))
+        defineMember(member);
+}
+
+StepActions& LanguageContext::steps() {
+    return m_interpreter.steps();
+}
+
 void LanguageContext::defineMember(const NativeFunction& function) {
     const auto* const language = ScriptLanguageInformation::forLanguage(m_interpreter.language());
     qWarning("%s has no class for the member functions of %s",
@@ -112,10 +122,11 @@ bool LanguageContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) con
 
 // The language's own judgement
 
-bool LanguageContext::evaluateFile(const QString& fileName, const std::function<void()>& run) {
+bool LanguageContext::evaluate(const QString& text, const QString& fileName) {
     // What a file registers that is loaded again takes the place of what it did before.
     m_interpreter.steps().registry().forget(fileName);
-    const std::optional<ScriptError> raised = m_interpreter.attempt(run);
+    const std::optional<ScriptError> raised =
+        m_interpreter.attempt([&] { m_interpreter.runFile(text, fileName); });
     if (raised)
         setError(placedText(*raised));
     return !raised;
@@ -132,6 +143,7 @@ std::pair<QString, QString> LanguageContext::attemptException(const ScriptArgume
                                                               const ExceptionCode& actions) {
     if (!code.isString() && !code.isCallable())
         return {QString(), "Neither code as text nor a callable: " + code.toString()};
+    const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
     if (code.isString()) {
         const QString slip = actions.slip(code.toString());
         if (!slip.isEmpty())

@@ -13,6 +13,7 @@ namespace Tamrix {
 
 class LanguageInterpreter;
 class NativeFunction;
+class StepActions;
 
 /// The context of all calls of one interpreter. It is reused: a call that comes while another one
 /// is running, from script code that a native function runs, keeps the outer call's state aside.
@@ -160,12 +161,17 @@ public:
     virtual void define(const NativeFunction& function);
     /// Makes the valueMembers() methods of the language's classes of values.
     void defineValueMembers();
+    /// Makes the stepMembers() methods of its class StepContext.
+    void defineStepMembers();
+    /// What the scripts have registered.
+    StepActions& steps();
 
     /// By the frames that the debugger knows.
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
     void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
+    bool evaluate(const QString& text, const QString& fileName) override;
     /// Loads the files with steps.
     Gherkin::ScriptActions* gherkinScriptActions(const QString& featureFile) override;
 
@@ -188,8 +194,6 @@ protected:
     virtual void defineConstant(const QString& owner, const QString& name, int value);
 
     // For the language's own evaluate...(). What is handed over throws ScriptErrorSet.
-    /// For evaluate(): `run` runs what a file holds, whose steps it registers anew.
-    bool evaluateFile(const QString& fileName, const std::function<void()>& run);
     /// For evaluateCondition().
     bool attemptCondition(const std::function<bool()>& evaluate, QString* error);
     /// For evaluateForException(): what there is to do with code.

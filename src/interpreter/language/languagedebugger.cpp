@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "interpreter/debugger/variablewatcher.h"
+#include "interpreter/language/sourcefiles.h"
 
 namespace Tamrix {
 
@@ -109,6 +110,17 @@ int LanguageDebugger::sourceIdOf(const QString& path) {
     const int id = nextSourceId();
     m_sourceIds.insert(path, id);
     setCode(id, path);
+    return id;
+}
+
+int LanguageDebugger::sourceIdOf(const char* name, SourceFiles& files) {
+    // Looked up without a copy, for each line that runs.
+    const QByteArray given = QByteArray::fromRawData(name, static_cast<int>(qstrlen(name)));
+    const auto known = m_idsOfNames.constFind(given);
+    if (known != m_idsOfNames.constEnd())
+        return *known;
+    const int id = files.isScript(name) ? sourceIdOf(files.path(name)) : -1;
+    m_idsOfNames.insert(QByteArray(given.constData(), given.size()), id);
     return id;
 }
 

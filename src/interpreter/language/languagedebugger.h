@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <any>
@@ -13,6 +14,7 @@
 
 namespace Tamrix {
 
+class SourceFiles;
 class VariableWatcher;
 
 /// A frame of a script's code and where it stands.
@@ -45,6 +47,8 @@ public:
     void lineReached(int sourceId, int line);
     /// The debugger's number of a file, which becomes known.
     int sourceIdOf(const QString& path);
+    /// The same of a file by the name that the runtime has for it; -1 for one that is no script.
+    int sourceIdOf(const char* name, SourceFiles& files);
     /// The lines of the file that have a break point, in no order, each as often as it was set.
     const std::vector<int>& breakLines(int sourceId) const;
     /// Changes whenever break points do; no other state of a debugger in the process has the same.
@@ -133,6 +137,7 @@ private:
 
     std::unique_ptr<VariableWatcher> m_watcher;
     QHash<QString, int> m_sourceIds;
+    QHash<QByteArray, int> m_idsOfNames;
     /// Lines with break points, by source id.
     QHash<int, std::vector<int>> m_breakLines;
     unsigned m_state;

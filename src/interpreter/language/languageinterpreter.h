@@ -97,6 +97,9 @@ public:
         return takeError();
     }
 
+    /// Runs the text of a file for a script that is running, which then has what it defines. Throws
+    /// ScriptErrorSet.
+    virtual void runFile(const QString& text, const QString& path) = 0;
     /// Where a function is defined; invalid when that is in no file.
     virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
 

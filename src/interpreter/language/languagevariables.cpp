@@ -1,9 +1,12 @@
 #include "interpreter/language/languagevariables.h"
 
+#include <QSet>
 #include <QStringList>
 #include <algorithm>
 #include <limits>
+#include <utility>
 
+#include "interpreter/bridge/interpreter.h"
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/valuepath.h"
 
@@ -52,7 +55,7 @@ std::optional<LanguageVariables::Target> LanguageVariables::find(const QString& 
     bool isVariable = true;
     for (const QString& part : parts) {
         if (isVariable) {
-            const std::vector<Member> variables = variablesOf(target.level);
+            const std::vector<Member> variables = visibleVariables(target.level);
             const auto variable =
                 std::find_if(variables.begin(), variables.end(),
                              [&part](const Member& each) { return each.name == part; });
@@ -73,6 +76,19 @@ std::optional<ScriptFrame> LanguageVariables::codeFrame(int level) {
     const auto index = static_cast<std::size_t>(level);
     return index < frames.size() && frames[index].isOfLanguage() ? std::optional(frames[index])
                                                                  : std::nullopt;
+}
+
+std::vector<LanguageVariables::Member> LanguageVariables::visibleVariables(int level) {
+    std::vector<Member> visible;
+    QSet<QString> known;
+    for (Member& variable : variablesOf(level)) {
+        if (known.contains(variable.name) ||
+            m_debugger.interpreter()->isSelfDefinedVariableName(variable.name))
+            continue;
+        known.insert(variable.name);
+        visible.push_back(std::move(variable));
+    }
+    return visible;
 }
 
 LanguageVariables::Value LanguageVariables::memberNamed(const Value& value, const QString& name) {
@@ -97,8 +113,9 @@ LanguageVariables::Value LanguageVariables::memberNamed(const Value& value, cons
 VariableWatcher::VariableBindings LanguageVariables::list(const Target& target) {
     m_texts->startAnew();
     const int wanted = std::min(target.first, std::numeric_limits<int>::max() - limit) + limit;
-    const ValueTexts::Parts parts = target.value ? m_texts->partsOf(target.value, wanted)
-                                                 : ValueTexts::partsFrom(variablesOf(target.level));
+    const ValueTexts::Parts parts = target.value
+                                        ? m_texts->partsOf(target.value, wanted)
+                                        : ValueTexts::partsFrom(visibleVariables(target.level));
     const int end = std::min(wanted, parts.count);
     VariableBindings bindings;
     for (int number = target.first; number < end; ++number) {

@@ -40,7 +40,7 @@ protected:
 
     // For the language. These run no code of the script.
     /// The variables of one of the debugger's frames(), those of its function first; none for a
-    /// frame of a feature file. Names of the library's own are left out.
+    /// frame of a feature file.
     virtual std::vector<Member> variablesOf(int level) = 0;
     /// The part of the value with the name as it stands in paths; null when there is none. By
     /// default it is looked for among all.
@@ -62,6 +62,8 @@ private:
         int first = 0;
     };
     std::optional<Target> find(const QString& path);
+    /// Of those with the same name the first one, and none of the library's own.
+    std::vector<Member> visibleVariables(int level);
     VariableBindings list(const Target& target);
     Debugger::VariableBinding bind(const QString& path, const Value& value);
 

@@ -8,6 +8,7 @@
 #include "interpreter/language/languagecontext.h"
 #include "interpreter/language/languageinterpreter.h"
 #include "interpreter/language/scripterrorset.h"
+#include "platform/gherkin/expressions/expressionerror.h"
 
 namespace Tamrix {
 
@@ -108,6 +109,8 @@ ScriptFailure failureOfThrown(const NativeFunction& function) {
         throw;
     } catch (const ScriptErrorSet&) {
         throw;
+    } catch (const Gherkin::ExpressionError& error) {
+        return badArgument(QString::fromUtf8(error.what()));
     } catch (const std::exception& exception) {
         return thrownIn(function.displayName(), QString::fromUtf8(exception.what()));
     } catch (...) {

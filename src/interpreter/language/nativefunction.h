@@ -110,7 +110,8 @@ private:
     Parameters m_parameters;
 };
 
-/// In a handler: the failure that stands for what the function has thrown. ScriptErrorSet passes.
+/// In a handler: the failure that stands for what the function has thrown; an expression that is
+/// refused is a bad argument. ScriptErrorSet passes.
 TAMRIX_EXPORT ScriptFailure failureOfThrown(const NativeFunction& function);
 
 /// The call of a native function by a script, from the check of the thread to the result: arguments

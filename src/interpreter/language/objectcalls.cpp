@@ -44,6 +44,13 @@ tl::expected<Member, ScriptFailure> getMember(LanguageInterpreter* active,
         [&](ScriptContext& context) { return readMember(context, object, name); });
 }
 
+ScriptResult getProperty(LanguageInterpreter* active, const SharedPtr<Object>& object,
+                         const QString& name) {
+    return useObject(
+        active, [&] { return displayName(object, name); },
+        [&](ScriptContext& context) { return readProperty(context, object, name); });
+}
+
 tl::expected<void, ScriptFailure> setMember(LanguageInterpreter* active,
                                             const SharedPtr<Object>& object, const QString& name,
                                             const SharedPtr<ScriptArgument>& value) {

@@ -21,6 +21,9 @@ class LanguageInterpreter;
 TAMRIX_EXPORT tl::expected<Member, ScriptFailure> getMember(LanguageInterpreter* active,
                                                             const SharedPtr<Object>& object,
                                                             const QString& name);
+/// A property's value alone; a method is none.
+TAMRIX_EXPORT ScriptResult getProperty(LanguageInterpreter* active, const SharedPtr<Object>& object,
+                                       const QString& name);
 /// A null value asks for the deletion of the property, which is always refused.
 TAMRIX_EXPORT tl::expected<void, ScriptFailure> setMember(LanguageInterpreter* active,
                                                           const SharedPtr<Object>& object,

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/language/looseutf8.h"
 
 namespace Tamrix {
 
@@ -27,7 +28,7 @@ const SourceFiles::File& SourceFiles::file(const char* name) {
         return *known;
     File made;
     if (!given.isEmpty() && m_isFile(given)) {
-        made.path = Debugger::sanitizedFilePath(QString::fromUtf8(given));
+        made.path = Debugger::sanitizedFilePath(fromLooseUtf8(given.constData(), given.size()));
         made.isScript =
             std::none_of(m_libraries.cbegin(), m_libraries.cend(),
                          [&made](const QString& folder) { return made.path.startsWith(folder); });

@@ -42,6 +42,10 @@ std::string listed(const std::vector<StepRegistry::Match>& matches) {
 
 }  // namespace
 
+std::optional<ScriptError> StepLanguage::loadFile(const QString& path, const QString& text) {
+    return m_interpreter.attempt([&] { m_interpreter.runFile(text, path); });
+}
+
 bool StepLanguage::isLoaded(const QString&) {
     return false;
 }
@@ -62,23 +66,21 @@ void StepActions::clear() {
     m_files.clear();
 }
 
-LineInfo StepActions::placeOr(const LineInfo& definition) {
-    LineInfo place = definition;
+LineInfo StepActions::placeOf(const Value& function) {
+    LineInfo place = m_language.definitionOf(function);
     if (!place.isValid())
         m_interpreter.context().lineInfoOfFrame(place, 0);
     return place;
 }
 
-void StepActions::addStep(std::string_view expression, bool isRegular, const Value& function,
-                          const LineInfo& definition) {
-    const LineInfo place = placeOr(definition);
+void StepActions::addStep(std::string_view expression, bool isRegular, const Value& function) {
+    const LineInfo place = placeOf(function);
     m_registry.addStep(expression, isRegular, function,
                        {place.fileName().toStdString(), place.lineNumber()});
 }
 
-void StepActions::addHook(const HookKind& hook, std::string_view tags, const Value& function,
-                          const LineInfo& definition) {
-    m_registry.addHook(hook.type, hook.order, tags, function, placeOr(definition).fileName());
+void StepActions::addHook(const HookKind& hook, std::string_view tags, const Value& function) {
+    m_registry.addHook(hook.type, hook.order, tags, function, placeOf(function).fileName());
 }
 
 StepActions::Value StepActions::tableRows(const Gherkin::Step& step) {

@@ -25,12 +25,16 @@ public:
     virtual ~StepLanguage() = default;
 
     /// Runs a file with step definitions. What was raised, nothing on success; what ends the script
-    /// passes as ScriptErrorSet.
-    virtual std::optional<ScriptError> loadFile(const QString& path, const QString& text) = 0;
+    /// passes as ScriptErrorSet. By default as one that a script runs.
+    virtual std::optional<ScriptError> loadFile(const QString& path, const QString& text);
     /// Whether a file has been loaded by another one, as a module. By default it has not.
     virtual bool isLoaded(const QString& path);
     /// The files are not loaded any more, nor modules. By default there is nothing to do.
     virtual void forgetFiles(const QStringList& paths);
+
+    /// Where a function for a step or hook is defined; invalid for a language of which that is
+    /// where the script registers it, as it is by default.
+    virtual LineInfo definitionOf(const Value&) { return {}; }
 
     /// What each step and hook is called with first: an object whose properties are the names in
     /// StepActions::scopes().
@@ -68,14 +72,11 @@ public:
     StepRegistry& registry() { return m_registry; }
     StepScopes& scopes() { return m_scopes; }
 
-    // What scripts register, and where its function is defined; by default where the script is.
-    // These throw Gherkin::ExpressionError.
+    // What scripts register. These throw Gherkin::ExpressionError.
     /// StepRegistry::addStep().
-    void addStep(std::string_view expression, bool isRegular, const Value& function,
-                 const LineInfo& definition = LineInfo());
+    void addStep(std::string_view expression, bool isRegular, const Value& function);
     /// StepRegistry::addHook().
-    void addHook(const HookKind& hook, std::string_view tags, const Value& function,
-                 const LineInfo& definition = LineInfo());
+    void addHook(const HookKind& hook, std::string_view tags, const Value& function);
 
     /// A new test case begins.
     void clear();
@@ -92,7 +93,7 @@ public:
                                             const Gherkin::HookSubject& subject) override;
 
 private:
-    LineInfo placeOr(const LineInfo& definition);
+    LineInfo placeOf(const Value& function);
     /// The rows of a step's table as lists of texts.
     Value tableRows(const Gherkin::Step& step);
     Gherkin::LookupAndExecuteStepResult execute(const Gherkin::Step& step,

@@ -2,6 +2,7 @@
 
 #include "interpreter/language/heldrecord.h"
 #include "interpreter/language/languagecontext.h"
+#include "interpreter/language/memberfunction.h"
 #include "interpreter/objects/members.h"
 #include "interpreter/objects/objectidentity.h"
 
@@ -85,9 +86,8 @@ void membersOf(ScriptContext* context) {
 void propertyOf(ScriptContext* context) {
     const SharedPtr<Object> object = context->argument(0)->toObject();
     const QString name = context->argument(1)->toString();
-    const auto member = object ? readMember(*context, object, name)
-                               : ObjectResult<Member>(SharedPtr<ScriptArgument>());
-    const auto* const value = member ? std::get_if<SharedPtr<ScriptArgument>>(&*member) : nullptr;
+    const auto value =
+        object ? readProperty(*context, object, name) : ObjectResult<SharedPtr<ScriptArgument>>();
     context->setResult(value && *value ? context->createList({*value}) : context->createNull());
 }
 
@@ -153,17 +153,17 @@ struct Row {
 };
 
 constexpr Row rows[] = {
-    {"Object", "_text", textOfObject, nullptr},
-    {"Object", "_isSame", isSame, "other"},
-    {"Object", "_isThere", isThere, nullptr},
-    {"Object", "_members", membersOf, nullptr},
-    {"Object", "_property", propertyOf, "name"},
-    {"ApplicationContext", "_text", textOfApplication, nullptr},
-    {"ApplicationContext", "_id", idOfApplication, nullptr},
-    {"DataSet", "_text", textOfDataSet, nullptr},
-    {"DataSet", "_records", recordsOf, nullptr},
-    {"Record", "_values", valuesOf, nullptr},
-    {"Record", "_names", namesOf, nullptr},
+    {"Object", "_text", memberFunction<textOfObject, 1>, nullptr},
+    {"Object", "_isSame", memberFunction<isSame, 2>, "other"},
+    {"Object", "_isThere", memberFunction<isThere, 1>, nullptr},
+    {"Object", "_members", memberFunction<membersOf, 1>, nullptr},
+    {"Object", "_property", memberFunction<propertyOf, 2>, "name"},
+    {"ApplicationContext", "_text", memberFunction<textOfApplication, 1>, nullptr},
+    {"ApplicationContext", "_id", memberFunction<idOfApplication, 1>, nullptr},
+    {"DataSet", "_text", memberFunction<textOfDataSet, 1>, nullptr},
+    {"DataSet", "_records", memberFunction<recordsOf, 1>, nullptr},
+    {"Record", "_values", memberFunction<valuesOf, 1>, nullptr},
+    {"Record", "_names", memberFunction<namesOf, 1>, nullptr},
 };
 
 }  // namespace

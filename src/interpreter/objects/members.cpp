@@ -58,6 +58,12 @@ tl::unexpected<ObjectError> noMember(const ScriptContext& context, const SharedP
     return objectError(Kind::NoMember, text);
 }
 
+tl::unexpected<ObjectError> noProperty(const ScriptContext& context,
+                                       const SharedPtr<Object>& object, const QString& name) {
+    return objectError(Kind::NoMember, QStringLiteral("'%1' of '%2' is a method: call it instead")
+                                           .arg(context.scriptName(name), object->className()));
+}
+
 }  // namespace
 
 ObjectResult<Member> readMember(ScriptContext& context, const SharedPtr<Object>& object,
@@ -77,6 +83,17 @@ ObjectResult<Member> readMember(ScriptContext& context, const SharedPtr<Object>&
     });
 }
 
+ObjectResult<SharedPtr<ScriptArgument>> readProperty(ScriptContext& context,
+                                                     const SharedPtr<Object>& object,
+                                                     const QString& name) {
+    const ObjectResult<Member> member = readMember(context, object, name);
+    if (!member)
+        return tl::unexpected(member.error());
+    if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
+        return *value;
+    return noProperty(context, object, name);
+}
+
 ObjectResult<void> writeMember(ScriptContext& context, const SharedPtr<Object>& object,
                                const QString& name, const SharedPtr<ScriptArgument>& value) {
     return askApplication(MemberName{object, name}, [&]() -> ObjectResult<void> {
@@ -84,9 +101,7 @@ ObjectResult<void> writeMember(ScriptContext& context, const SharedPtr<Object>& 
         if (!objectClass)
             return tl::unexpected(objectClass.error());
         if (hasMethod(*objectClass, name))
-            return objectError(Kind::NoMember,
-                               QStringLiteral("'%1' of '%2' is a method: call it instead")
-                                   .arg(context.scriptName(name), object->className()));
+            return noProperty(context, object, name);
         // One object may have more than its class.
         const Property own(name, QString(), true);
         const Property* property = *objectClass ? (*objectClass)->property(name) : nullptr;

@@ -48,6 +48,11 @@ using Member = std::variant<SharedPtr<ScriptArgument>, SharedPtr<BoundMethod>>;
 TAMRIX_EXPORT ObjectResult<Member> readMember(ScriptContext& context,
                                               const SharedPtr<Object>& object, const QString& name);
 
+/// The value of a property; a method is none.
+TAMRIX_EXPORT ObjectResult<SharedPtr<ScriptArgument>> readProperty(ScriptContext& context,
+                                                                   const SharedPtr<Object>& object,
+                                                                   const QString& name);
+
 /// Sets a property; a null value asks for its deletion, which is always refused.
 TAMRIX_EXPORT ObjectResult<void> writeMember(ScriptContext& context,
                                              const SharedPtr<Object>& object, const QString& name,

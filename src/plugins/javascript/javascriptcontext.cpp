@@ -190,7 +190,6 @@ bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
 
 std::pair<QString, QString> JavaScriptContext::evaluateForException(
     SharedPtr<ScriptArgument> code) {
-    const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
     return attemptException(
         *code, {[&](const QString& text) { return m_interpreter.syntaxError(text); },
                 [](const QString& text) {
@@ -207,12 +206,6 @@ bool JavaScriptContext::evaluateCondition(const QString& expression, QString* er
             return JavaScriptArgument(value).toBool();
         },
         error);
-}
-
-bool JavaScriptContext::evaluate(const QString& text, const QString& fileName) {
-    return evaluateFile(fileName, [&] {
-        m_interpreter.runText(text, fileName, JavaScriptInterpreter::Exports::BecomeGlobals);
-    });
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

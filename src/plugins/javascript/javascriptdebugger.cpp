@@ -183,10 +183,8 @@ std::vector<ValueTexts::Part> JavaScriptDebugger::variablesOf(const ScriptFrame&
     if (!handle)
         return variables;
     quietly([&] {
-        for (const auto& [name, value] : DebuggerRealm::self().variables(handle)) {
-            if (!m_interpreter.isSelfDefinedVariableName(name))
-                variables.push_back({pathPart(name), value});
-        }
+        for (const auto& [name, value] : DebuggerRealm::self().variables(handle))
+            variables.push_back({pathPart(name), value});
     });
     return variables;
 }

@@ -43,6 +43,10 @@ public:
     /// Runs a script or a module in the realm, and waits for it. Throws ScriptErrorSet. `fileName`
     /// may be empty.
     void runText(const QString& text, const QString& fileName, Exports exports);
+    /// What it exports becomes global.
+    void runFile(const QString& text, const QString& path) override {
+        runText(text, path, Exports::BecomeGlobals);
+    }
     /// What the script's module exports, by name, as far as it has come to it.
     ScriptArgument::Map exportedVariables();
     /// Tells of an error in a script that has run: as failWith().

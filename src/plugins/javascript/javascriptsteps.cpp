@@ -123,17 +123,15 @@ std::string patternOf(const JS::Value& value) {
 
 void defineStep(StepActions& steps, const JS::CallArgs& arguments) {
     const SharedPtr<ScriptArgument> function = functionOf(arguments.get(1));
-    steps.addStep(patternOf(arguments[0]), !arguments[0].isString(), function,
-                  placeOfFunction(arguments[1]));
+    steps.addStep(patternOf(arguments[0]), !arguments[0].isString(), function);
 }
 
 /// A hook for all, or with a tag expression in front.
 void defineHook(StepActions& steps, const JS::CallArgs& arguments) {
     const bool hasTags = arguments.get(0).isString();
-    const JS::HandleValue function = arguments.get(hasTags ? 1 : 0);
     steps.addHook(*hookKind(nameOfCallee(arguments)),
-                  hasTags ? patternOf(arguments[0]) : std::string(), functionOf(function),
-                  placeOfFunction(function));
+                  hasTags ? patternOf(arguments[0]) : std::string(),
+                  functionOf(arguments.get(hasTags ? 1 : 0)));
 }
 
 void defineParameterType(StepActions& steps, const JS::CallArgs& arguments) {

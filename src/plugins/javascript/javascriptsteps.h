@@ -17,6 +17,9 @@ public:
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     bool isLoaded(const QString& path) override;
     void forgetFiles(const QStringList& paths) override;
+    LineInfo definitionOf(const Value& function) override {
+        return interpreter().placeOf(function);
+    }
     Value contextValue() override;
     /// An array of objects by the names of the first row, with `headers`, `rows` and `raw`.
     Value tableValue(const Value& rows) override;

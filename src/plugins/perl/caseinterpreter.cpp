@@ -50,8 +50,8 @@ CaseInterpreter::CaseInterpreter(RunnerInterface* runner)
     pTHX = perl();
     defineObjectTypes(aTHX);
     m_context->defineValueMembers();
+    m_context->defineStepMembers();
     defineStreams(aTHX);
-    defineStepFunctions(aTHX);
     for (const char* const name : {"library", "output", "steps", "remotesystem"})
         runPrelude(aTHX_ name);
     begin(*m_context, *m_debugger, std::make_unique<PerlSteps>(*this));
@@ -175,8 +175,8 @@ CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileNa
     return end;
 }
 
-void CaseInterpreter::runText(const QString& text, const QString& fileName) {
-    CodeEnd end = evaluateText("package main; " + text, fileName, nullptr);
+void CaseInterpreter::runFile(const QString& text, const QString& path) {
+    CodeEnd end = evaluateText("package main; " + text, path, nullptr);
     output().flush();
     valueOrThrow(std::move(end));
 }
@@ -214,7 +214,7 @@ bool CaseInterpreter::runScript(const QString& text, const QString& fileName) {
     }
     departure() = Departure();
     return runCode(!fileName.isEmpty(),
-                   [&] { runText(text, fileName.isEmpty() ? noFile : fileName); });
+                   [&] { runFile(text, fileName.isEmpty() ? noFile : fileName); });
 }
 
 LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgument>& function,

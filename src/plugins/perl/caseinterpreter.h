@@ -51,8 +51,7 @@ public:
     /// Runs text as `eval` does, where the script is. `isCompiled`, when given, is set when the
     /// text could be compiled.
     CodeEnd evaluateText(const QString& text, const QString& fileName, bool* isCompiled);
-    /// Runs the text of a file at the top level. Throws ScriptErrorSet.
-    void runText(const QString& text, const QString& fileName);
+    void runFile(const QString& text, const QString& path) override;
 
     bool isErrorOrdinary() override;
     ScriptError takeError() override;

@@ -1,7 +1,6 @@
 #include "plugins/perl/ownfunctions.h"
 
 #include "interpreter/language/scripterrorset.h"
-#include "platform/gherkin/expressions/expressionerror.h"
 #include "plugins/perl/caseinterpreter.h"
 #include "plugins/perl/nativefunctions.h"
 #include "plugins/perl/scripterrors.h"
@@ -22,8 +21,6 @@ NativeEnd callOwnFunction(pTHX_ CV* function, SV** arguments, int count) {
         return returning(aTHX_ own.body(aTHX_{*active, function, arguments, count}));
     } catch (const ScriptErrorSet&) {
         return endOfCall(aTHX);
-    } catch (const Gherkin::ExpressionError& error) {
-        return failing(aTHX_ badArgument(QString::fromUtf8(error.what())));
     } catch (const std::exception& exception) {
         return failing(aTHX_ thrownIn(name, QString::fromUtf8(exception.what())));
     }

@@ -15,7 +15,7 @@ struct OwnCall {
 };
 
 /// Such a function. Its body gives the result, null for none; what it throws becomes an exception
-/// of the script: ScriptErrorSet, as by throwFailure(), an ExpressionError, any std::exception.
+/// of the script: ScriptErrorSet, as by throwFailure(), any std::exception.
 struct OwnFunction {
     const char* name;
     /// Arguments that it takes at least.

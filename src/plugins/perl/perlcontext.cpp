@@ -79,7 +79,6 @@ bool PerlContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptAr
 
 std::pair<QString, QString> PerlContext::evaluateForException(SharedPtr<ScriptArgument> code) {
     dTHX;
-    const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
     // Perl compiles a text by running it.
     CodeEnd end;
     const auto slip = [&](const QString& text) {
@@ -100,10 +99,6 @@ bool PerlContext::evaluateCondition(const QString& expression, QString* error) {
                 .toBool();
         },
         error);
-}
-
-bool PerlContext::evaluate(const QString& text, const QString& fileName) {
-    return evaluateFile(fileName, [&] { m_interpreter.runText(text, fileName); });
 }
 
 }  // namespace Tamrix::PerlPlugin

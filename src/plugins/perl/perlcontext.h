@@ -66,7 +66,6 @@ public:
     std::pair<QString, QString> evaluateForException(SharedPtr<ScriptArgument> code) override;
     bool valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) override;
     bool evaluateCondition(const QString& expression, QString* error) override;
-    bool evaluate(const QString& text, const QString& fileName) override;
 
 protected:
     void defineMember(const NativeFunction& function) override;

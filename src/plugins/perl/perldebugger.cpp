@@ -34,16 +34,9 @@ void PerlDebugger::statementReached(pTHX_ const COP* statement) {
     PERL_UNUSED_CONTEXT;
     if (isSilent())
         return;
-    const char* const file = CopFILE(statement);
-    const QByteArray name = QByteArray::fromRawData(file, file ? qstrlen(file) : 0);
-    auto known = m_sourceIds.constFind(name);
-    if (known == m_sourceIds.constEnd()) {
-        SourceFiles& files = m_perl.files();
-        known = m_sourceIds.insert(QByteArray(name.constData(), name.size()),
-                                   files.isScript(file) ? sourceIdOf(files.path(file)) : -1);
-    }
-    if (*known >= 0)
-        lineReached(*known, static_cast<int>(CopLINE(statement)));
+    const int sourceId = sourceIdOf(CopFILE(statement), m_perl.files());
+    if (sourceId >= 0)
+        lineReached(sourceId, static_cast<int>(CopLINE(statement)));
 }
 
 void PerlDebugger::stopRequested() {

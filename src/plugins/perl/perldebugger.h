@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
 #include <memory>
 
 #include "interpreter/language/languagedebugger.h"
@@ -38,8 +36,6 @@ private:
     void stopRequested() override;
 
     CaseInterpreter& m_perl;
-    /// Numbers of the files of scripts, -1 of all others.
-    QHash<QByteArray, int> m_sourceIds;
     /// The exception that is on its way while others look at values.
     std::unique_ptr<ScriptErrors> m_errorsAside;
 };

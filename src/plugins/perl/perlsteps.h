@@ -1,7 +1,6 @@
 #pragma once
 
 #include "interpreter/language/stepactions.h"
-#include "plugins/perl/perlheaders.h"
 
 namespace Tamrix::PerlPlugin {
 
@@ -13,7 +12,6 @@ class PerlSteps final : public StepLanguage {
 public:
     explicit PerlSteps(CaseInterpreter& interpreter);
 
-    std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     Value contextValue() override;
     Value tableValue(const Value& rows) override;
     QString snippetText(const StepSnippet& snippet) override;
@@ -21,8 +19,5 @@ public:
 private:
     CaseInterpreter& m_perl;
 };
-
-/// Gives Perl the functions behind the package `bdd`.
-void defineStepFunctions(pTHX);
 
 }  // namespace Tamrix::PerlPlugin

@@ -55,8 +55,7 @@ PyObject* addStep(PyObject*, PyObject* arguments) {
         if (!PyArg_ParseTuple(arguments, "UpO", &expression, &isRegular, &function))
             return nullptr;
         const SharedPtr<ScriptArgument> value(new PythonArgument(PyRef::borrow(function)));
-        interpreter.steps().addStep(utf8Of(expression), isRegular != 0, value,
-                                    interpreter.placeOf(value));
+        interpreter.steps().addStep(utf8Of(expression), isRegular != 0, value);
         return Py_NewRef(function);
     });
 }
@@ -70,7 +69,7 @@ PyObject* addHook(PyObject*, PyObject* arguments) {
             return nullptr;
         const SharedPtr<ScriptArgument> value(new PythonArgument(PyRef::borrow(function)));
         if (const HookKind* const hook = hookKind(name))
-            interpreter.steps().addHook(*hook, utf8Of(tags), value, interpreter.placeOf(value));
+            interpreter.steps().addHook(*hook, utf8Of(tags), value);
         return Py_NewRef(function);
     });
 }

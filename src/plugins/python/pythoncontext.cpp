@@ -147,13 +147,4 @@ bool PythonContext::evaluateCondition(const QString& expression, QString* error)
         error);
 }
 
-bool PythonContext::evaluate(const QString& text, const QString& fileName) {
-    return evaluateFile(fileName, [&] {
-        const PyRef code = checkedReference(m_interpreter.compile(text, fileName, Py_file_input));
-        // What the text defines is to outlast the call.
-        const PyRef globals = callingNamespaces(m_interpreter).globals;
-        checked(PyEval_EvalCode(code.get(), globals.get(), globals.get()));
-    });
-}
-
 }  // namespace Tamrix::PythonPlugin

@@ -289,6 +289,13 @@ void PythonInterpreter::errorUncaught() {
     m_debugger->errorUncaught();
 }
 
+void PythonInterpreter::runFile(const QString& text, const QString& path) {
+    const PyRef code = checkedReference(compile(text, path, Py_file_input));
+    PyFrameObject* const frame = PyEval_GetFrame();
+    const PyRef globals = frame ? checked(PyFrame_GetGlobals(frame)) : moduleNamespace();
+    checked(PyEval_EvalCode(code.get(), globals.get(), globals.get()));
+}
+
 bool PythonInterpreter::isErrorOrdinary() {
     return isOrdinaryError();
 }

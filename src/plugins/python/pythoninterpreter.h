@@ -63,6 +63,8 @@ public:
     /// for a file, an expression or an interactive statement.
     PyRef compile(const QString& text, const QString& fileName, int start);
 
+    /// In the globals of the calling script frame.
+    void runFile(const QString& text, const QString& path) override;
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;

@@ -15,6 +15,9 @@ public:
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     bool isLoaded(const QString& path) override;
     void forgetFiles(const QStringList& paths) override;
+    LineInfo definitionOf(const Value& function) override {
+        return interpreter().placeOf(function);
+    }
     Value contextValue() override;
     Value tableValue(const Value& rows) override;
     Value bigInteger(const QString& text) override;

@@ -23,17 +23,13 @@ std::vector<LanguageVariables::Member> PythonVariables::variablesOf(int level) {
     auto* const frame = reinterpret_cast<PyFrameObject*>(frameBehind(*place));
     const PyRef locals = checked(PyFrame_GetLocals(frame));
     const PyRef globals = checked(PyFrame_GetGlobals(frame));
-    // A variable of the module that one of the function hides can't be named by the function.
-    QSet<QString> known;
     for (const PyRef* names : {&locals, &globals}) {
         const PyRef items = checked(PyMapping_Items(names->get()));
         for (Py_ssize_t index = 0; index < PyList_GET_SIZE(items.get()); ++index) {
             PyObject* const item = PyList_GET_ITEM(items.get(), index);
             const QString name = fromPyString(PyTuple_GET_ITEM(item, 0));
-            if (name.isNull() || name.startsWith("__") ||
-                m_python.isSelfDefinedVariableName(name) || known.contains(name))
+            if (name.isNull() || name.startsWith("__"))
                 continue;
-            known.insert(name);
             variables.push_back(
                 {pathPart(name), new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(item, 1)))});
         }

@@ -70,10 +70,6 @@ QByteArray bytesOfRuby(VALUE text) {
                : QByteArray();
 }
 
-std::string utf8OfRuby(VALUE text) {
-    return fromRuby(text).toStdString();
-}
-
 QDateTime timeFromRuby(VALUE value) {
     if (rb_obj_is_kind_of(value, rb_cTime) != Qtrue) {
         // A Date can only be there when its class is.

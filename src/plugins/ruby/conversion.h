@@ -23,7 +23,6 @@ VALUE toRuby(const QDateTime& time);
 
 /// A String or Symbol, whatever its encoding; the null string for what is neither.
 QString fromRuby(VALUE text);
-std::string utf8OfRuby(VALUE text);
 /// The bytes of a String, whatever its encoding; none of anything else.
 QByteArray bytesOfRuby(VALUE text);
 /// A Time, Date or DateTime; invalid for anything else.

@@ -93,10 +93,6 @@ bool RubyContext::evaluateCondition(const QString& expression, QString* error) {
                             error);
 }
 
-bool RubyContext::evaluate(const QString& text, const QString& fileName) {
-    return evaluateFile(fileName, [&] { RubyRuntime::self().run(text, fileName); });
-}
-
 QString RubyContext::explainArgument(const char* parameter) {
     return explainCall(parameter);
 }

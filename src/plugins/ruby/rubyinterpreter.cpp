@@ -11,7 +11,6 @@
 #include "plugins/ruby/rubyruntime.h"
 #include "plugins/ruby/rubysteps.h"
 #include "plugins/ruby/scripterrors.h"
-#include "plugins/ruby/stepfunctions.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -45,6 +44,7 @@ RubyInterpreter::RubyInterpreter(RunnerInterface* runner) : LanguageInterpreter(
     try {
         installOutput();
         m_context->defineValueMembers();
+        m_context->defineStepMembers();
         begin(*m_context, *m_debugger, std::make_unique<RubySteps>(*this));
         RubyRuntime::self().takeState();
     } catch (const ScriptErrorSet&) {
@@ -92,6 +92,10 @@ void RubyInterpreter::publishFunctions(const QStringList& names) {
 QString RubyInterpreter::addToSearchPath(const QFileInfo& directory) {
     RubyRuntime::self().addToSearchPath(directory.absoluteFilePath());
     return {};
+}
+
+void RubyInterpreter::runFile(const QString& text, const QString& path) {
+    RubyRuntime::self().run(text, path);
 }
 
 bool RubyInterpreter::isErrorOrdinary() {

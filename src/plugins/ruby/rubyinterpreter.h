@@ -29,6 +29,7 @@ public:
 
     NoticedFailures<RubyRef>& failures() { return m_failures; }
 
+    void runFile(const QString& text, const QString& path) override;
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     bool checkSyntax(const QString& text, const QString& fileName) override;

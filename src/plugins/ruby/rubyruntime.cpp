@@ -19,7 +19,6 @@
 #include "plugins/ruby/rubyoutput.h"
 #include "plugins/ruby/rubywaits.h"
 #include "plugins/ruby/scripterrors.h"
-#include "plugins/ruby/stepfunctions.h"
 #include "plugins/ruby/valueclasses.h"
 
 namespace Tamrix::RubyPlugin {
@@ -134,7 +133,6 @@ void RubyRuntime::defineTamrix() {
     const VALUE native = rb_define_module_under(m_module, "Native");
     defineObjectClass(m_module);
     defineOutput(m_module, native);
-    defineStepFunctions(native);
     noteRaises();
     for (const char* const name : preludeFiles) {
         // Ruby gives such names to what it has itself. Not by run(): there is no debugger yet.

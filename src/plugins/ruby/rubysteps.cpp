@@ -5,9 +5,16 @@
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
 #include "plugins/ruby/rubyruntime.h"
-#include "plugins/ruby/stepfunctions.h"
 
 namespace Tamrix::RubyPlugin {
+
+namespace {
+
+VALUE constantOf(const char* path, const char* name) {
+    return protect([=] { return rb_const_get(rb_path2class(path), rb_intern(name)); });
+}
+
+}  // namespace
 
 RubySteps::RubySteps(RubyInterpreter& interpreter)
     : StepLanguage(interpreter), m_ruby(interpreter) {}
@@ -24,7 +31,7 @@ bool RubySteps::isLoaded(const QString& path) {
 }
 
 RubySteps::Value RubySteps::contextValue() {
-    return new RubyArgument(stepContext());
+    return new RubyArgument(constantOf("Tamrix::StepContext", "CURRENT"));
 }
 
 RubySteps::Value RubySteps::tableValue(const Value& rows) {
@@ -45,6 +52,10 @@ QString RubySteps::snippetText(const StepSnippet& snippet) {
     const QStringList parameters = QStringList(QStringLiteral("context")) + snippet.parameters;
     return QStringLiteral("%1(%2) do |%3|\n  pending\nend\n")
         .arg(keyword, rubyLiteral(snippet.expression), parameters.join(QLatin1String(", ")));
+}
+
+bool isPendingStep(VALUE exception) {
+    return rb_obj_is_kind_of(exception, constantOf("Tamrix", "PendingStepError")) == Qtrue;
 }
 
 }  // namespace Tamrix::RubyPlugin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "interpreter/language/stepactions.h"
+#include "plugins/ruby/rubyapi.h"
 
 namespace Tamrix::RubyPlugin {
 
@@ -13,6 +14,9 @@ public:
 
     std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     bool isLoaded(const QString& path) override;
+    LineInfo definitionOf(const Value& function) override {
+        return interpreter().placeOf(function);
+    }
     Value contextValue() override;
     Value tableValue(const Value& rows) override;
     Value bigInteger(const QString& text) override;
@@ -22,5 +26,8 @@ public:
 private:
     RubyInterpreter& m_ruby;
 };
+
+/// Whether the exception, which may be nil, tells of a step that is still to be written.
+bool isPendingStep(VALUE exception);
 
 }  // namespace Tamrix::RubyPlugin

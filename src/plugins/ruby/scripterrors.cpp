@@ -5,7 +5,7 @@
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
-#include "plugins/ruby/stepfunctions.h"
+#include "plugins/ruby/rubysteps.h"
 
 namespace Tamrix::RubyPlugin {
 

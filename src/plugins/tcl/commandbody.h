@@ -36,11 +36,11 @@ ScriptFailure noSuch(const char* kind, const QString& name, const QString& owner
                      const QStringList& known);
 
 /// `owner cget -property` and `owner configure -property value ...`, words behind `owner`; nothing
-/// for other subcommands. `read(name)` and `write(name, words)`, for each property and its value,
-/// end as commands do. A name to be written is null for a word that is no option.
+/// for other subcommands. `kind` is what a property is called. `read(name)` and `write(name,
+/// value)`, for each property, end as commands do.
 template <typename Read, typename Write>
-std::optional<int> useOptions(TclInterpreter& interpreter, const QString& owner, int count,
-                              Tcl_Obj* const* words, Read read, Write write) {
+std::optional<int> useOptions(TclInterpreter& interpreter, const QString& owner, const char* kind,
+                              int count, Tcl_Obj* const* words, Read read, Write write) {
     const std::string_view subcommand = bytesOf(words[0]);
     if (subcommand == "cget") {
         const QString name = count == 2 ? optionOf(words[1]) : QString();
@@ -51,8 +51,11 @@ std::optional<int> useOptions(TclInterpreter& interpreter, const QString& owner,
     if (count < 3 || count % 2 == 0)
         return wrongWords(interpreter, owner + " configure -option value ?-option value ...?");
     int code = TCL_OK;
-    for (int index = 1; index < count && code == TCL_OK; index += 2)
-        code = write(optionOf(words[index]), words + index);
+    for (int index = 1; index < count && code == TCL_OK; index += 2) {
+        const QString name = optionOf(words[index]);
+        code = name.isEmpty() ? interpreter.fail(noSuch(kind, textOf(words[index]), owner, {}))
+                              : write(name, words[index + 1]);
+    }
     return code;
 }
 

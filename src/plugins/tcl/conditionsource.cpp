@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "interpreter/language/objectcalls.h"
@@ -53,13 +52,8 @@ public:
     Parsed(Parser* parser, std::string_view source) {
         if (parser(nullptr, source.data(), static_cast<int>(source.size()), &m_parse) != TCL_OK)
             m_parse.numTokens = 0;
-        else
-            m_isToFree = true;
     }
-    ~Parsed() {
-        if (m_isToFree)
-            Tcl_FreeParse(&m_parse);
-    }
+    ~Parsed() { Tcl_FreeParse(&m_parse); }
     Parsed(const Parsed&) = delete;
     Parsed& operator=(const Parsed&) = delete;
 
@@ -74,7 +68,6 @@ public:
 
 private:
     Tcl_Parse m_parse{};
-    bool m_isToFree = false;
 };
 
 int parseCommand(Tcl_Interp* interp, const char* source, int size, Tcl_Parse* parse) {
@@ -157,8 +150,7 @@ private:
             return false;
         if (!object || name.isEmpty())
             return false;
-        const auto member = getMember(&m_interpreter, object, name);
-        return member && std::holds_alternative<SharedPtr<ScriptArgument>>(*member);
+        return getProperty(&m_interpreter, object, name).has_value();
     }
 
     /// Null when it can't be evaluated.
@@ -210,18 +202,17 @@ QString explainCondition(TclInterpreter& interpreter) {
     const TclStateAside aside(interpreter.tcl());
     const Part condition = words[before];
     const Part first{condition.token + 1};
-    const bool isOne = condition.token->numComponents == 1;
+    const bool isCommand =
+        condition.token->numComponents == 1 && first.token->type == TCL_TOKEN_COMMAND;
+    const std::string_view expression =
+        isCommand ? expressionIn(Parsed(parseCommand, first.script()).words()) : std::string_view();
     Values values(interpreter);
-    if (isOne && first.token->type == TCL_TOKEN_COMMAND) {
-        const Parsed command(parseCommand, first.script());
-        if (const std::string_view expression = expressionIn(command.words());
-            !expression.empty()) {
-            values.visitExpression(expression);
-            return (QStringList(shown(expression)) + values.lines()).join('\n');
-        }
-    }
-    values.visit(condition.token + 1, condition.token->numComponents);
-    return (QStringList(shown(condition.source())) + values.lines()).join('\n');
+    if (expression.empty())
+        values.visit(condition.token + 1, condition.token->numComponents);
+    else
+        values.visitExpression(expression);
+    const QString told = shown(expression.empty() ? condition.source() : expression);
+    return (QStringList(told) + values.lines()).join('\n');
 }
 
 }  // namespace Tamrix::TclPlugin

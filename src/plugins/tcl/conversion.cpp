@@ -4,28 +4,13 @@
 
 namespace Tamrix::TclPlugin {
 
-namespace {
-
-void append(QByteArray* bytes, uint code) {
-    // A NUL ends no text of Tcl: it takes two bytes.
-    if (code > 0 && code < 0x80) {
-        bytes->append(static_cast<char>(code));
-        return;
-    }
-    const int further = code < 0x800 ? 1 : 2;
-    constexpr uint leads[] = {0xC0, 0xE0};
-    bytes->append(static_cast<char>(leads[further - 1] | (code >> (6 * further))));
-    for (int shift = 6 * (further - 1); shift >= 0; shift -= 6)
-        bytes->append(static_cast<char>(0x80 | ((code >> shift) & 0x3F)));
-}
-
-}  // namespace
-
 QByteArray toTclBytes(const QString& text) {
-    QByteArray bytes;
-    bytes.reserve(text.size());
+    // No unit of UTF-16 has more than three bytes; a NUL, which ends no text of Tcl, has two.
+    QByteArray bytes(3 * text.size(), Qt::Uninitialized);
+    char* end = bytes.data();
     for (const QChar unit : text)
-        append(&bytes, unit.unicode());
+        end += Tcl_UniCharToUtf(unit.unicode(), end);
+    bytes.truncate(static_cast<int>(end - bytes.data()));
     return bytes;
 }
 

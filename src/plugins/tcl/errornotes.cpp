@@ -67,11 +67,10 @@ void ErrorNotes::notice() {
         return;
     // More is known of one that goes on its way.
     const Note* const known = find(errorInfo);
-    if (known &&
-        (isPassedOn || static_cast<std::size_t>(known->errorInfo.size()) < errorInfo.size()))
+    if (known && (isPassedOn || known->errorInfo.size() < errorInfo.size()))
         return;
     // The same error may have been raised elsewhere before.
-    std::erase_if(m_notes, [&](const Note& each) { return each.errorInfo == errorInfo.data(); });
+    std::erase_if(m_notes, [&](const Note& each) { return each.errorInfo == errorInfo; });
     std::vector<TclFrame> frames;
     if (isPassedOn) {
         frames = runningFrames(m_interp);
@@ -84,7 +83,7 @@ void ErrorNotes::notice() {
             command.remove_suffix(1);
         frames = framesAtError(m_interp, command);
     }
-    m_notes.push_front({QByteArray(errorInfo.data(), static_cast<int>(errorInfo.size())), frames});
+    m_notes.push_front({std::string(errorInfo), frames});
     if (m_notes.size() > mostNotes)
         m_notes.pop_back();
     m_raised(frames);
@@ -92,9 +91,7 @@ void ErrorNotes::notice() {
 
 const ErrorNotes::Note* ErrorNotes::find(std::string_view errorInfo) const {
     const auto note = std::find_if(m_notes.begin(), m_notes.end(), [&](const Note& each) {
-        const std::string_view known(each.errorInfo.constData(),
-                                     static_cast<std::size_t>(each.errorInfo.size()));
-        return errorInfo.substr(0, known.size()) == known;
+        return errorInfo.starts_with(each.errorInfo);
     });
     return note == m_notes.end() ? nullptr : &*note;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QByteArray>
 #include <deque>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,7 +32,7 @@ public:
 
 private:
     struct Note {
-        QByteArray errorInfo;
+        std::string errorInfo;
         std::vector<TclFrame> frames;
     };
     static char* variableChanged(void* self, Tcl_Interp* interp, const char* name,

@@ -12,34 +12,19 @@ namespace Tamrix::TclPlugin {
 
 namespace {
 
-int readProperty(TclInterpreter& interpreter, const SharedPtr<Object>& object,
-                 const QString& name) {
-    const auto member = getMember(&interpreter, object, name);
-    if (!member)
-        return interpreter.fail(member.error());
-    if (const auto* const value = std::get_if<SharedPtr<ScriptArgument>>(&*member))
-        return interpreter.finish(*value);
-    return interpreter.fail(noMember(QStringLiteral("'%1' of '%2' is a method: call it instead")
-                                         .arg(name, object->className())));
-}
-
-int writeProperty(TclInterpreter& interpreter, const SharedPtr<Object>& object, const QString& name,
-                  Tcl_Obj* const* pair) {
-    if (name.isEmpty())
-        return interpreter.fail(noSuch("property", textOf(pair[0]), object->className(), {}));
-    const auto written =
-        setMember(&interpreter, object, name, new TclArgument(interpreter, TclRef(pair[1])));
-    return written ? interpreter.finish(SharedPtr<ScriptArgument>())
-                   : interpreter.fail(written.error());
-}
-
 int callObject(TclInterpreter& interpreter, const SharedPtr<Object>& object, int count,
                Tcl_Obj* const* words) {
-    const auto read = [&](const QString& name) { return readProperty(interpreter, object, name); };
-    const auto write = [&](const QString& name, Tcl_Obj* const* pair) {
-        return writeProperty(interpreter, object, name, pair);
+    const auto read = [&](const QString& name) {
+        return interpreter.finish(getProperty(&interpreter, object, name));
     };
-    if (const auto code = useOptions(interpreter, object->className(), count, words, read, write))
+    const auto write = [&](const QString& name, Tcl_Obj* value) {
+        const auto written =
+            setMember(&interpreter, object, name, new TclArgument(interpreter, TclRef(value)));
+        return written ? interpreter.finish(SharedPtr<ScriptArgument>())
+                       : interpreter.fail(written.error());
+    };
+    if (const auto code =
+            useOptions(interpreter, object->className(), "property", count, words, read, write))
         return *code;
     CallArguments arguments;
     for (int index = 1; index < count; ++index)

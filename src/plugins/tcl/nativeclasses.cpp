@@ -19,8 +19,10 @@ void ClassCommands::add(const QString& name, void* typeId, const NativeScriptTyp
                      std::back_inserter(made->members),
                      [](const NativeMember& member) { return !member.isStatic(); });
     m_classes.add(typeId, type.super(), made);
-    m_interpreter.defineCommand(name, runClassCommand,
-                                std::make_unique<ClassCommand>(ClassCommand{*this, made}));
+    m_interpreter.defineCommand(name, [this, made](int count, Tcl_Obj* const* words) {
+        return count < 2 ? wrongWords(m_interpreter, made->name + " subcommand ?arg ...?")
+                         : callNamed(*made, {}, count - 1, words + 1);
+    });
 }
 
 void ClassCommands::addContextMember(const NativeFunction& function) {
@@ -40,14 +42,6 @@ QString ClassCommands::classNameOf(void* typeId) const {
 }
 
 // Commands
-
-int ClassCommands::runClassCommand(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
-    const auto& command = *static_cast<ClassCommand*>(data);
-    if (count < 2)
-        return wrongWords(command.classes.m_interpreter,
-                          command.nativeClass->name + " subcommand ?arg ...?");
-    return command.classes.callNamed(*command.nativeClass, {}, count - 1, words + 1);
-}
 
 int ClassCommands::callMethod(const SharedPtr<NativeScriptObject>& object, int count,
                               Tcl_Obj* const* words) {
@@ -79,12 +73,11 @@ int ClassCommands::callNamed(const NativeClass& nativeClass,
     const auto read = [&](const QString& property) {
         return useProperty(nativeClass, object, property, nullptr);
     };
-    const auto write = [&](const QString& property, Tcl_Obj* const* pair) {
-        return property.isEmpty()
-                   ? m_interpreter.fail(noSuch("option", textOf(pair[0]), nativeClass.name, {}))
-                   : useProperty(nativeClass, object, property, pair + 1);
+    const auto write = [&](const QString& property, Tcl_Obj* value) {
+        return useProperty(nativeClass, object, property, &value);
     };
-    if (const auto code = useOptions(m_interpreter, nativeClass.name, count, words, read, write))
+    if (const auto code =
+            useOptions(m_interpreter, nativeClass.name, "option", count, words, read, write))
         return *code;
     if (!object && name == QLatin1String("new"))
         return callWithWords(m_interpreter, *nativeClass.constructor, {}, {}, rest, behind);

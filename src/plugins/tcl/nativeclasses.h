@@ -40,11 +40,6 @@ private:
         /// A member of objects, or of the class itself; null without.
         const NativeMember* find(const QString& name, bool isStatic) const;
     };
-    struct ClassCommand {
-        ClassCommands& classes;
-        std::shared_ptr<NativeClass> nativeClass;
-    };
-    static int runClassCommand(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
     /// Of the class itself when `object` is null.
     int callNamed(const NativeClass& nativeClass, const SharedPtr<NativeScriptObject>& object,
                   int count, Tcl_Obj* const* words);

@@ -74,11 +74,6 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
     });
 }
 
-struct GlobalCommand {
-    TclInterpreter& interpreter;
-    QString name;
-};
-
 /// The parameters that help tells: "click(object[, x, y][, button])".
 QStringList parametersOf(const QString& function) {
     const QString help = globalFunctionHelp(function).section('\n', 0, 0);
@@ -88,24 +83,6 @@ QStringList parametersOf(const QString& function) {
     while (help.contains('(') && found.hasNext())
         names.append(found.next().captured());
     return names;
-}
-
-int runGlobal(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
-    const auto& command = *static_cast<GlobalCommand*>(data);
-    TclInterpreter& interpreter = command.interpreter;
-    return runCommand(interpreter, [&] {
-        // The first one is the object, or whatever the function is for. Names of the others matter
-        // only where a word looks like one.
-        bool hasOptions = false;
-        for (int index = 2; index < count; ++index)
-            hasOptions = hasOptions || !optionName(words[index]).empty();
-        const Outcome<CallArguments> arguments =
-            argumentsOf(interpreter, hasOptions ? parametersOf(command.name) : QStringList(), 1,
-                        count - 1, words + 1);
-        if (!arguments)
-            return interpreter.fail(badArgument(arguments.error().text));
-        return interpreter.finish(callGlobal(&interpreter, command.name, *arguments));
-    });
 }
 
 }  // namespace
@@ -163,8 +140,18 @@ void defineNative(TclInterpreter& interpreter, const QString& name,
 }
 
 void defineGlobalFunction(TclInterpreter& interpreter, const QString& name) {
-    interpreter.defineCommand(name, runGlobal,
-                              std::make_unique<GlobalCommand>(GlobalCommand{interpreter, name}));
+    const auto run = [&interpreter, name](int count, Tcl_Obj* const* words) {
+        // The first one is the object, or whatever the function is for. Names of the others matter
+        // only where a word looks like one.
+        const bool hasOptions =
+            std::any_of(words + std::min(count, 2), words + count,
+                        [](Tcl_Obj* word) { return !optionName(word).empty(); });
+        const Outcome<CallArguments> arguments = argumentsOf(
+            interpreter, hasOptions ? parametersOf(name) : QStringList(), 1, count - 1, words + 1);
+        return arguments ? interpreter.finish(callGlobal(&interpreter, name, *arguments))
+                         : interpreter.fail(badArgument(arguments.error().text));
+    };
+    interpreter.defineCommand(name, run);
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -17,9 +17,6 @@ constexpr const char* typeNames[] = {"string", "boolean", "int", "double", "list
 
 }  // namespace
 
-TclArgument::TclArgument(TclInterpreter& interpreter, TclRef value)
-    : m_interpreter(interpreter), m_value(std::move(value)) {}
-
 // Type tests
 
 QString TclArgument::typeName() const {
@@ -182,10 +179,6 @@ std::optional<QVariant> TclArgument::toVariant() const {
     return textOf(value());
 }
 
-bool TclArgument::isNull() const {
-    return isEmptyText(value());
-}
-
 // Callables
 
 SharedPtr<ScriptArgument> TclArgument::called(const List& arguments) const {
@@ -202,14 +195,6 @@ SharedPtr<TestDataSet> TclArgument::setOfRecords() const {
                                             ? SharedPtr<HeldRecord>()
                                             : m_interpreter.values().record(valueOf(records[0]));
     return first ? first->set : SharedPtr<TestDataSet>();
-}
-
-LanguageInterpreter* TclArgument::active() {
-    return TclInterpreter::active();
-}
-
-QString TclArgument::callableIdentifier() const {
-    return QStringLiteral("Callable|") + textOf(value());
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -3,7 +3,9 @@
 #include <type_traits>
 
 #include "interpreter/language/languageargument.h"
+#include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
+#include "plugins/tcl/valuetype.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -15,7 +17,8 @@ namespace Tamrix::TclPlugin {
 /// application: such a number, list or dictionary is no text.
 class TclArgument : public LanguageArgument<TclArgument> {
 public:
-    TclArgument(TclInterpreter& interpreter, TclRef value);
+    TclArgument(TclInterpreter& interpreter, TclRef value)
+        : m_interpreter(interpreter), m_value(std::move(value)) {}
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
     void rebind(TclRef value = TclRef()) {
@@ -46,11 +49,11 @@ public:
     Map toMap() const override;
     /// Also of a text: a dictionary of properties, a real name without its braces.
     QString toRealName() const override;
-    QString callableIdentifier() const override;
+    QString callableIdentifier() const override { return "Callable|" + textOf(value()); }
     PropertyValue toPropertyValue() const override;
     std::optional<QVariant> toVariant() const override;
     /// The empty text.
-    bool isNull() const override;
+    bool isNull() const override { return isEmptyText(value()); }
 
     /// Takes the value of a call, where a truth value may also be a number.
     void setIsResult() { m_isResult = true; }
@@ -69,7 +72,7 @@ public:
     /// Times are texts.
     static QDateTime time() { return {}; }
     SharedPtr<ScriptArgument> called(const List& arguments) const;
-    static LanguageInterpreter* active();
+    static LanguageInterpreter* active() { return TclInterpreter::active(); }
 
 private:
     /// A data set is the list of its records.

@@ -62,6 +62,8 @@ void TclContext::define(const NativeFunction& function) {
 void TclContext::defineMember(const NativeFunction& function) {
     if (function.signature().owner == QLatin1String("ApplicationContext"))
         m_interpreter.classes().addContextMember(function);
+    else if (function.signature().owner == QLatin1String("StepContext"))
+        defineNative(m_interpreter, "tamrix::" + function.signature().name, function);
     else
         LanguageContext::defineMember(function);
 }
@@ -115,7 +117,6 @@ QString TclContext::explainArgument(const char*) {
 }
 
 std::pair<QString, QString> TclContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    const LanguageDebugger::CatchesErrors catching(m_interpreter.debugger());
     // As it stands in the script, so that it knows its lines.
     const auto evaluate = [&] {
         m_interpreter.check(Tcl_EvalObjEx(m_interpreter.tcl(), valueOf(code), 0));
@@ -136,10 +137,6 @@ bool TclContext::evaluateCondition(const QString& expression, QString* error) {
             return truth != 0;
         },
         error);
-}
-
-bool TclContext::evaluate(const QString& text, const QString& fileName) {
-    return evaluateFile(fileName, [&] { m_interpreter.runFile(text, fileName); });
 }
 
 }  // namespace Tamrix::TclPlugin

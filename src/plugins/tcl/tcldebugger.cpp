@@ -25,12 +25,18 @@ bool catchesErrors(const QByteArray& source) {
            (command.contains("on error") || command.contains("on 1") || command.contains("trap"));
 }
 
+std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames) {
+    std::vector<ScriptFrame> found;
+    found.reserve(frames.size());
+    for (const TclFrame& frame : frames)
+        found.push_back({frame.level, frame.file, frame.line, -1, -1});
+    return found;
+}
+
 }  // namespace
 
 TclDebugger::TclDebugger(TclInterpreter& interpreter)
     : LanguageDebugger(&interpreter), m_tcl(interpreter) {}
-
-TclDebugger::~TclDebugger() = default;
 
 void TclDebugger::setInteractive(bool interactive) {
     Debugger::setInteractive(interactive);
@@ -50,11 +56,6 @@ void TclDebugger::leaveTcl() {
         Tcl_DeleteTrace(m_tcl.tcl(), m_trace);
     m_trace = nullptr;
     m_lines.clear();
-    m_knownFiles.clear();
-}
-
-void TclDebugger::interrupt() {
-    m_isInterrupted = true;
 }
 
 // Lines
@@ -79,24 +80,10 @@ bool TclDebugger::isPassedThrough() {
     if (debuggerMode() != Run || m_isInterrupted)
         return false;
     const std::optional<TclPlace> place = innermostPlace(m_tcl.tcl());
-    if (!place)
+    const int sourceId = place ? sourceIdOf(Tcl_GetString(place->path), m_tcl.files()) : -1;
+    if (sourceId < 0)
         return false;
-    const auto known = m_knownFiles.constFind(place->path);
-    if (known == m_knownFiles.constEnd()) {
-        // Scripts load files without end only by mistake.
-        constexpr int mostFiles = 1000;
-        if (m_knownFiles.size() == mostFiles)
-            m_knownFiles.clear();
-        const std::vector<TclFrame> script =
-            m_tcl.framesOfScripts({{place->level, textOf(place->path), place->line}});
-        // A file that becomes known may have break points that wait for it.
-        m_knownFiles.insert(place->path, {TclRef(place->path),
-                                          script.empty() ? -1 : sourceIdOf(script.front().file)});
-        return false;
-    }
-    if (known->sourceId < 0)
-        return false;
-    const std::vector<int>& lines = breakLines(known->sourceId);
+    const std::vector<int>& lines = breakLines(sourceId);
     if (std::find(lines.begin(), lines.end(), place->line) != lines.end())
         return false;
     // The frame is at another line than the one on which it was seen last.
@@ -132,14 +119,6 @@ void TclDebugger::commandReached(int depth) {
 
 // Frames
 
-std::vector<ScriptFrame> TclDebugger::scriptFrames(const std::vector<TclFrame>& frames) {
-    std::vector<ScriptFrame> found;
-    found.reserve(frames.size());
-    for (const TclFrame& frame : frames)
-        found.push_back({frame.level, frame.file, frame.line, -1, -1});
-    return found;
-}
-
 std::vector<ScriptFrame> TclDebugger::runningFrames() {
     return scriptFrames(m_tcl.frames());
 }
@@ -150,9 +129,8 @@ std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
 
 // Errors
 
-TclDebugger::Boundary::Boundary(TclDebugger& debugger)
-    : m_debugger(debugger), m_before(debugger.m_commandsOutside) {
-    debugger.m_commandsOutside = commandDepth(debugger.m_tcl.tcl());
+QScopedValueRollback<int> TclDebugger::boundary() {
+    return QScopedValueRollback<int>(m_commandsOutside, commandDepth(m_tcl.tcl()));
 }
 
 bool TclDebugger::isCaught() const {

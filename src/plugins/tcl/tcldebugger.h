@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QHash>
+#include <QScopedValueRollback>
 #include <atomic>
 #include <vector>
 
 #include "interpreter/language/languagedebugger.h"
 #include "plugins/tcl/tclinternals.h"
-#include "plugins/tcl/tclref.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -18,11 +17,10 @@ class TclInterpreter;
 class TclDebugger final : public LanguageDebugger {
 public:
     explicit TclDebugger(TclInterpreter& interpreter);
-    ~TclDebugger() override;
 
     void setInteractive(bool interactive) override;
     /// Stops at the next line. Only sets a flag.
-    void interrupt() override;
+    void interrupt() override { m_isInterrupted = true; }
 
     /// The interpreter of Tcl is about to go, or another one is there.
     void leaveTcl();
@@ -30,19 +28,9 @@ public:
 
     /// An error was raised in these frames: stops there if nothing will catch it.
     void errorRaised(const std::vector<TclFrame>& frames);
-    /// The time of code whose errors do not reach the commands that run by now, as of a handler of
-    /// an event.
-    class Boundary {
-    public:
-        explicit Boundary(TclDebugger& debugger);
-        ~Boundary() { m_debugger.m_commandsOutside = m_before; }
-        Boundary(const Boundary&) = delete;
-        Boundary& operator=(const Boundary&) = delete;
-
-    private:
-        TclDebugger& m_debugger;
-        int m_before;
-    };
+    /// As long as it exists, errors do not reach the commands that run by now, as those of a
+    /// handler of an event.
+    QScopedValueRollback<int> boundary();
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
@@ -56,7 +44,6 @@ private:
     bool isPassedThrough();
     void leaveLines(int level);
     bool isCaught() const;
-    static std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames);
 
     TclInterpreter& m_tcl;
     Tcl_Trace m_trace = nullptr;
@@ -69,14 +56,6 @@ private:
     };
     /// The line at which each frame was last, the outermost first.
     std::vector<Line> m_lines;
-    /// What the paths of commands stand for that have been reached.
-    struct KnownFile {
-        /// Holds it, so that no other path can have its address.
-        TclRef path;
-        /// -1 for what is no script.
-        int sourceId;
-    };
-    QHash<Tcl_Obj*, KnownFile> m_knownFiles;
 };
 
 }  // namespace Tamrix::TclPlugin

@@ -30,7 +30,6 @@ std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
 /// Where the innermost of these is, without what takes time to tell.
 struct TclPlace {
     int level = 0;
-    /// The same as long as it exists for all commands of a file that was loaded once.
     Tcl_Obj* path = nullptr;
     int line = -1;
 };

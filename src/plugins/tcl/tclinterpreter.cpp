@@ -1,5 +1,6 @@
 #include "plugins/tcl/tclinterpreter.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QScopedValueRollback>
 #include <algorithm>
@@ -10,7 +11,10 @@
 
 #include "interpreter/language/prelude.h"
 #include "interpreter/language/scripterrorset.h"
+#include "interpreter/language/spoiledprocess.h"
 #include "interpreter/language/stepactions.h"
+#include "platform/testresult/testresult.h"
+#include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/heldvalues.h"
@@ -45,6 +49,11 @@ constexpr KindName kindNames[] = {
     {"TAMRIX MEMBER", "MemberError"}, {"TAMRIX ARGUMENT", "ArgumentError"},
 };
 
+void discard(Tcl_InterpState& state) {
+    if (state)
+        Tcl_DiscardInterpState(std::exchange(state, nullptr));
+}
+
 const KindName& kindName(ScriptFailure::Kind kind) {
     return ScriptFailure::of(kind, kindNames);
 }
@@ -58,35 +67,18 @@ const char* nameOfError(std::string_view errorCode) {
     return row == std::end(kindNames) ? otherError.name : row->name;
 }
 
-/// The text of the panic behind which Tcl can't be used any more in this process.
+/// The text of the panic behind which nothing of Tcl can run any more in this process: what it
+/// keeps for the whole process may be broken.
 QString s_panic;
 
-/// Where a command begins, behind blank lines and comments.
-const char* firstOfCommand(const char* next, const char* end) {
-    while (next < end) {
-        if (*next == '#')
-            next = std::find(next, end, '\n');
-        else if (isspace(static_cast<unsigned char>(*next)) == 0 && *next != ';')
-            break;
-        else
-            ++next;
-    }
-    return next;
-}
-
-struct SourceCommand {
+struct OwnCommand {
     TclInterpreter& interpreter;
-    Tcl_CmdInfo original;
+    TclInterpreter::Command body;
 };
 
-/// What a file registers that is loaded again takes the place of what it did before.
-int runSource(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
-    const auto& command = *static_cast<SourceCommand*>(data);
-    if (count > 1)
-        command.interpreter.steps().registry().forget(
-            Debugger::sanitizedFilePath(textOf(words[count - 1])));
-    return Tcl_NRCallObjProc(interp, command.original.objProc, command.original.objClientData,
-                             count, words);
+int runOwn(void* data, Tcl_Interp*, int count, Tcl_Obj* const* words) {
+    const auto& own = *static_cast<OwnCommand*>(data);
+    return runCommand(own.interpreter, [&] { return own.body(count, words); });
 }
 
 }  // namespace
@@ -110,7 +102,6 @@ TclInterpreter::~TclInterpreter() {
 }
 
 void TclInterpreter::createTcl() {
-    // What Tcl keeps for the whole process may be broken then.
     if (!s_panic.isEmpty())
         throw std::runtime_error((s_panic + ", in an earlier test case of this run").toStdString());
     m_tcl = Tcl_CreateInterp();
@@ -126,11 +117,19 @@ void TclInterpreter::createTcl() {
     m_values = std::make_unique<HeldValues>(*this, m_tcl);
     m_errors = std::make_unique<ErrorNotes>(
         m_tcl, [this](const std::vector<TclFrame>& frames) { m_debugger->errorRaised(frames); });
-    auto source = std::make_unique<SourceCommand>(SourceCommand{*this, {}});
-    Tcl_GetCommandInfo(m_tcl, "::source", &source->original);
-    defineCommand(QStringLiteral("source"), runSource, std::move(source));
+    Tcl_CmdInfo source;
+    Tcl_GetCommandInfo(m_tcl, "::source", &source);
+    defineCommand(QStringLiteral("source"), [this, source](int count, Tcl_Obj* const* words) {
+        // What a file registers that is loaded again takes the place of what it did before.
+        if (count > 1)
+            steps().registry().forget(Debugger::sanitizedFilePath(textOf(words[count - 1])));
+        return Tcl_NRCallObjProc(m_tcl, source.objProc, source.objClientData, count, words);
+    });
     defineStepCommands(*this);
     Tcl_EvalEx(m_tcl, preludeSource("tcl/prelude.tcl").constData(), -1, TCL_EVAL_GLOBAL);
+    m_context->defineStepMembers();
+    defineCommand(QStringLiteral("tamrix::_takeLateError"),
+                  [this](int, Tcl_Obj* const* words) { return takeLateError(words[1], words[2]); });
     m_debugger->enterTcl();
 }
 
@@ -139,7 +138,7 @@ void TclInterpreter::deleteTcl() {
         return;
     TclRuntime::self().setInterruptible(nullptr);
     // Behind a panic nothing of it can be touched any more, not even to be freed.
-    if (!m_panic.isEmpty()) {
+    if (!s_panic.isEmpty()) {
         static_cast<void>(m_errors.release());
         static_cast<void>(m_values.release());
         m_tcl = nullptr;
@@ -148,8 +147,8 @@ void TclInterpreter::deleteTcl() {
     m_debugger->leaveTcl();
     m_errors.reset();
     m_values.reset();
-    if (m_pendingState)
-        Tcl_DiscardInterpState(std::exchange(m_pendingState, nullptr));
+    for (Tcl_InterpState* const state : {&m_pendingState, &m_lateEnd})
+        discard(*state);
     Tcl_DeleteInterp(m_tcl);
     m_tcl = nullptr;
 }
@@ -168,9 +167,9 @@ QByteArray TclInterpreter::pathForName(const QString& name) {
     return "::" + toTclBytes(name);
 }
 
-void TclInterpreter::defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
-                                   Tcl_CmdDeleteProc* deletion) {
-    Tcl_CreateObjCommand(m_tcl, pathForName(name).constData(), command, data, deletion);
+void TclInterpreter::defineCommand(const QString& name, Command command) {
+    defineCommand(name, runOwn,
+                  std::make_unique<OwnCommand>(OwnCommand{*this, std::move(command)}));
 }
 
 bool TclInterpreter::hasCommand(const QString& name) const {
@@ -223,8 +222,7 @@ int TclInterpreter::fail(const ScriptFailure& failure) {
 }
 
 void TclInterpreter::throwPending(int code, std::size_t outer) {
-    if (m_pendingState)
-        Tcl_DiscardInterpState(m_pendingState);
+    discard(m_pendingState);
     m_pendingState = Tcl_SaveInterpState(m_tcl, code);
     m_pendingCode = code;
     m_pendingOuter = outer;
@@ -236,17 +234,13 @@ void TclInterpreter::check(int code, std::size_t outer) {
         throwPending(code, outer);
 }
 
-void TclInterpreter::throwError(const QString& text) {
-    throwPending(fail(badArgument(text)));
-}
-
 int TclInterpreter::failAsPending() {
     return Tcl_RestoreInterpState(m_tcl, std::exchange(m_pendingState, nullptr));
 }
 
 bool TclInterpreter::isErrorOrdinary() {
     const bool isEnd = m_pendingCode == FatalEnd || m_pendingCode == ExitEnd;
-    return m_panic.isEmpty() && !isEnd && !isUnwinding();
+    return s_panic.isEmpty() && !isEnd && !isUnwinding();
 }
 
 bool TclInterpreter::isUnwinding() const {
@@ -272,7 +266,7 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
 void TclInterpreter::startScript(const QString& path, const QStringList& arguments,
                                  const QStringList& folders) {
     // Whatever is to run then fails.
-    if (!m_panic.isEmpty())
+    if (!s_panic.isEmpty())
         return;
     if (hasStarted()) {
         // What an earlier script has left goes with its interpreter of Tcl.
@@ -322,7 +316,8 @@ bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
     while (next < end) {
         Tcl_Parse parse;
         if (Tcl_ParseCommand(m_tcl, next, static_cast<int>(end - next), 0, &parse) != TCL_OK) {
-            const auto before = std::count(bytes.constData(), firstOfCommand(next, end), '\n');
+            // Behind blank lines and comments.
+            const auto before = std::count(bytes.constData(), parse.commandStart, '\n');
             setErrorMessage(textOf(Tcl_GetObjResult(m_tcl)));
             setErrorFile(fileName);
             setErrorLine(static_cast<int>(before) + 1);
@@ -338,8 +333,8 @@ bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
 // Running
 
 template <typename Work>
-void TclInterpreter::guarded(Work work) {
-    if (!m_panic.isEmpty())
+auto TclInterpreter::guarded(Work work) {
+    if (!s_panic.isEmpty())
         throw ScriptErrorSet();
     const QScopedValueRollback<int> depth(m_depth, m_depth + 1);
     // What ended one run of the script is no matter to the next, as to its clean-up.
@@ -347,16 +342,12 @@ void TclInterpreter::guarded(Work work) {
         TclRuntime::self().forgetEnd();
     m_errors->renew();
     try {
-        work();
+        return work();
     } catch (const TclPanic& panic) {
-        m_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
-        s_panic = m_panic;
+        s_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
+        spoilProcess();
         throw ScriptErrorSet();
     }
-}
-
-void TclInterpreter::runFile(const QString& text, const QString& path) {
-    check(evaluateFile(m_tcl, text, path));
 }
 
 bool TclInterpreter::runScript(const QString& text, const QString& fileName) {
@@ -389,7 +380,7 @@ void TclInterpreter::run(Tcl_Obj* function, const CallArguments& arguments) {
 TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                              const CallArguments& arguments, const QString&,
                                              bool isCallback) {
-    const TclDebugger::Boundary boundary(*m_debugger);
+    const QScopedValueRollback<int> boundary = m_debugger->boundary();
     return runCall(isCallback, [&] {
         const auto work = [&] { run(valueOf(function), arguments); };
         if (isCallback)
@@ -400,35 +391,34 @@ TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& fu
 }
 
 bool TclInterpreter::invokeCallable(const QString& identifier) {
-    const TclDebugger::Boundary boundary(*m_debugger);
+    const QScopedValueRollback<int> boundary = m_debugger->boundary();
     return LanguageInterpreter::invokeCallable(identifier);
 }
 
 bool TclInterpreter::invokeFunction(const QString& name) {
-    const TclDebugger::Boundary boundary(*m_debugger);
+    const QScopedValueRollback<int> boundary = m_debugger->boundary();
     return LanguageInterpreter::invokeFunction(name);
 }
 
-TclRef TclInterpreter::errorOption(const char* name) const {
+std::string TclInterpreter::errorOption(const char* name) const {
     const TclRef options(Tcl_GetReturnOptions(m_tcl, TCL_ERROR));
     Tcl_Obj* value = nullptr;
     Tcl_DictObjGet(nullptr, options.get(), TclRef(Tcl_NewStringObj(name, -1)).get(), &value);
-    return TclRef(value);
-}
-
-std::string TclInterpreter::errorCode() const {
-    const TclRef code = errorOption("-errorcode");
-    return std::string(code ? bytesOf(code.get()) : std::string_view());
+    return std::string(value ? bytesOf(value) : std::string_view());
 }
 
 // Errors and positions
 
 ScriptError TclInterpreter::takeError() {
     ScriptError error;
-    if (!m_panic.isEmpty()) {
-        error.message = m_panic;
+    if (!s_panic.isEmpty()) {
+        error.message = s_panic;
         return error;
     }
+    // What has unwound everything for it is no error of its own.
+    if (m_lateEnd)
+        std::swap(m_lateEnd, m_pendingState);
+    discard(m_lateEnd);
     const int code = failAsPending();
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
     // A person is told what kind of an error it is, in front of its text.
@@ -446,7 +436,7 @@ ScriptError TclInterpreter::takeError() {
             error.message = errorText();
             error.outermostLine = Tcl_GetErrorLine(m_tcl);
             error.callStack = stackOf(framesOfError(), m_pendingOuter);
-            error.isPendingStep = errorCode() == pendingErrorCode;
+            error.isPendingStep = errorOption("-errorcode") == pendingErrorCode;
             break;
         default:
             error.message = QStringLiteral("command returned bad code: %1").arg(code);
@@ -461,6 +451,22 @@ ScriptError TclInterpreter::takeError() {
     return error;
 }
 
+int TclInterpreter::takeLateError(Tcl_Obj* result, Tcl_Obj* options) {
+    const QScopedValueRollback<TclRef> called(m_called);
+    Tcl_SetObjResult(m_tcl, result);
+    const int code = Tcl_SetReturnOptions(m_tcl, options);
+    try {
+        const std::optional<ScriptError> error = attempt([&] { throwPending(code); });
+        if (TestResult* const results = context().testResult())
+            results->addResult(QDateTime::currentDateTime(), TestResult::Error,
+                               QStringLiteral("Script Error"), error->message, error->callStack);
+    } catch (const ScriptErrorSet&) {
+        std::swap(m_lateEnd, m_pendingState);
+        TclRuntime::self().endScript();
+    }
+    return TCL_OK;
+}
+
 std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
     if (!m_called)
         return {};
@@ -469,8 +475,7 @@ std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
     if (place.empty() || code != TCL_ERROR)
         return stackOf(place);
     // The last line in the words is that of the outermost procedure.
-    const TclRef info = errorOption("-errorinfo");
-    const std::string words(info ? bytesOf(info.get()) : std::string_view());
+    const std::string words = errorOption("-errorinfo");
     const std::size_t mark = words.rfind(lineMark);
     const int line =
         mark == std::string::npos
@@ -483,13 +488,11 @@ std::vector<LineInfo> TclInterpreter::placeInCalled(int code) {
 QString TclInterpreter::errorText() const {
     const QString result = textOf(Tcl_GetObjResult(m_tcl));
     return isUnwinding() ? QString::fromLatin1(TclRuntime::endText)
-                         : nameOfError(errorCode()) + (": " + result);
+                         : nameOfError(errorOption("-errorcode")) + (": " + result);
 }
 
 std::vector<TclFrame> TclInterpreter::framesOfError() {
-    const TclRef errorInfo = errorOption("-errorinfo");
-    return errorInfo ? framesOfScripts(m_errors->framesOf(bytesOf(errorInfo.get())))
-                     : std::vector<TclFrame>();
+    return framesOfScripts(m_errors->framesOf(errorOption("-errorinfo")));
 }
 
 std::vector<LineInfo> TclInterpreter::stackOf(const std::vector<TclFrame>& frames,
@@ -513,29 +516,13 @@ std::vector<TclFrame> TclInterpreter::framesOfScripts(const std::vector<TclFrame
     return found;
 }
 
-std::vector<TclFrame> TclInterpreter::frames() {
-    return framesOfScripts(runningFrames(m_tcl));
-}
-
 // What a debugger asks
-
-std::vector<std::pair<QString, TclRef>> TclInterpreter::variablesAt(int level) {
-    std::vector<std::pair<QString, TclRef>> variables;
-    const TclRef listed = callPrelude({"variables", QString::number(level)});
-    const auto entries = entriesOf(listed.get());
-    variables.reserve(entries.size());
-    for (const auto& [name, value] : entries)
-        variables.emplace_back(textOf(name), TclRef(value));
-    return variables;
-}
 
 QString TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     const int level = frame ? std::any_cast<int>(frame->own) : 0;
-    QString text;
-    guarded([&] {
-        text = textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
+    return guarded([&] {
+        return textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
     });
-    return text;
 }
 
 }  // namespace Tamrix::TclPlugin

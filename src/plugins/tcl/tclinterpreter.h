@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,6 +40,7 @@ public:
     }
 
     Tcl_Interp* tcl() const { return m_tcl; }
+    SourceFiles& files() { return m_files; }
     HeldValues& values() { return *m_values; }
     ClassCommands& classes() { return *m_classes; }
     TclContext& tclContext() { return *m_context; }
@@ -46,12 +48,17 @@ public:
 
     // Commands
 
+    /// What a command does with its words, the first of which is its name. How it ends is the
+    /// value, as of finish(), or what unwinds native code in it.
+    using Command = std::function<int(int count, Tcl_Obj* const* words)>;
     /// Makes a global command of the name, or one of the ensemble in front of "::". It is deleted
     /// with the interpreter of Tcl.
+    void defineCommand(const QString& name, Command command);
+    /// The same of a function that has its data from Tcl.
     template <typename Data>
     void defineCommand(const QString& name, Tcl_ObjCmdProc* command, std::unique_ptr<Data> data) {
-        defineCommand(name, command, data.release(),
-                      [](void* own) { delete static_cast<Data*>(own); });
+        Tcl_CreateObjCommand(m_tcl, pathForName(name).constData(), command, data.release(),
+                             [](void* own) { delete static_cast<Data*>(own); });
     }
     bool hasCommand(const QString& name) const;
     void defineVariable(const QString& name, int value);
@@ -69,7 +76,7 @@ public:
     /// The same unless code of the script has come to its end.
     void check(int code, std::size_t outer = 0);
     /// Raises an error with the text in the native function that runs.
-    [[noreturn]] void throwError(const QString& text);
+    [[noreturn]] void throwError(const QString& text) { throwPending(fail(badArgument(text))); }
 
     // Running
 
@@ -79,20 +86,18 @@ public:
     /// Calls a procedure of the prelude, by its name behind "::tamrix::", with texts and with a
     /// value behind them.
     TclRef callPrelude(QStringList words, Tcl_Obj* value = nullptr);
-    /// Runs the text of a file at the top level.
-    void runFile(const QString& text, const QString& path);
+    /// At the top level.
+    void runFile(const QString& text, const QString& path) override {
+        check(evaluateFile(m_tcl, text, path));
+    }
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
     /// What a person is told of the error that has just been raised.
     QString errorText() const;
     /// The frames that run commands of scripts, the innermost first.
-    std::vector<TclFrame> frames();
+    std::vector<TclFrame> frames() { return framesOfScripts(runningFrames(m_tcl)); }
     /// Without those of Tcl's library, and with the paths that results have.
     std::vector<TclFrame> framesOfScripts(const std::vector<TclFrame>& frames);
-
-    /// The variables at a level, as `uplevel` counts them, with their values; an array is a
-    /// dictionary. Those that are there before the script are left out.
-    std::vector<std::pair<QString, TclRef>> variablesAt(int level);
 
     bool checkSyntax(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
@@ -115,17 +120,17 @@ protected:
 private:
     void createTcl();
     void deleteTcl();
-    void defineCommand(const QString& name, Tcl_ObjCmdProc* command, void* data,
-                       Tcl_CmdDeleteProc* deletion);
     /// The global name of a command or variable, whose ensemble is made when it is the first in it.
     QByteArray pathForName(const QString& name);
+    /// What a handler of an event has raised, by `result` and `options`, is an error of the case,
+    /// and an end of the script ends it.
+    int takeLateError(Tcl_Obj* result, Tcl_Obj* options);
     /// Runs code of the script from outside. Throws ScriptErrorSet as that does, and when Tcl gives
     /// up.
     template <typename Work>
-    void guarded(Work work);
-    /// What Tcl tells of the error that has just been raised; null when it does not.
-    TclRef errorOption(const char* name) const;
-    std::string errorCode() const;
+    auto guarded(Work work);
+    /// What Tcl tells of the error that has just been raised; empty when it does not.
+    std::string errorOption(const char* name) const;
     std::vector<TclFrame> framesOfError();
     static std::vector<LineInfo> stackOf(const std::vector<TclFrame>& frames,
                                          std::size_t outer = 0);
@@ -142,6 +147,8 @@ private:
 
     /// What throwPending() has put aside.
     Tcl_InterpState m_pendingState = nullptr;
+    /// The end of the script by a handler of an event, which everything that runs is unwound for.
+    Tcl_InterpState m_lateEnd = nullptr;
     int m_pendingCode = TCL_OK;
     std::size_t m_pendingOuter = 0;
     /// Where a failure arose that ends the case, and whether it is a skip.
@@ -154,8 +161,6 @@ private:
     TclRef m_called;
     /// Runs of script code in each other.
     int m_depth = 0;
-    /// The text of a panic, after which nothing can run.
-    QString m_panic;
 };
 
 }  // namespace Tamrix::TclPlugin

@@ -19,6 +19,11 @@ namespace {
     throw TclPanic(thrown);
 }
 
+int endInterrupted(void*, Tcl_Interp*, int code) {
+    TclRuntime::self().endScript();
+    return code;
+}
+
 void interrupted(int) {
     TclRuntime::self().interrupt();
 }
@@ -34,24 +39,16 @@ TclRuntime& TclRuntime::self() {
 TclRuntime::TclRuntime() {
     Tcl_SetPanicProc(panic);
     Tcl_FindExecutable(nullptr);
-    m_handler = Tcl_AsyncCreate(endScript, this);
+    m_handler = Tcl_AsyncCreate(endInterrupted, nullptr);
     handleInterrupts(interrupted);
 }
 
-void TclRuntime::interrupt() {
-    // Tcl goes on to where it can be told.
-    if (m_interruptible)
-        Tcl_AsyncMark(m_handler);
-}
-
-int TclRuntime::endScript(void* self, Tcl_Interp*, int code) {
-    auto& runtime = *static_cast<TclRuntime*>(self);
+void TclRuntime::endScript() {
     // Commands that catch errors are ended, too.
-    if (Tcl_Interp* const interp = runtime.m_interruptible) {
-        runtime.m_isEnding = true;
+    if (Tcl_Interp* const interp = m_interruptible) {
+        m_isEnding = true;
         Tcl_CancelEval(interp, Tcl_NewStringObj(endText, -1), nullptr, TCL_CANCEL_UNWIND);
     }
-    return code;
 }
 
 }  // namespace Tamrix::TclPlugin

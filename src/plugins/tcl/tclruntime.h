@@ -31,11 +31,16 @@ public:
     bool isEnding() const { return m_isEnding; }
     void forgetEnd() { m_isEnding = false; }
     /// Ends the script that runs, as for Ctrl-C. In a signal handler.
-    void interrupt();
+    void interrupt() {
+        // Tcl goes on to where it can be told.
+        if (m_interruptible)
+            Tcl_AsyncMark(m_handler);
+    }
+    /// The same at once, on the thread of the scripts.
+    void endScript();
 
 private:
     TclRuntime();
-    static int endScript(void* self, Tcl_Interp* interp, int code);
 
     Tcl_AsyncHandler m_handler;
     bool m_isEnding = false;

@@ -12,11 +12,9 @@ class TclSteps final : public StepLanguage {
 public:
     explicit TclSteps(TclInterpreter& interpreter);
 
-    std::optional<ScriptError> loadFile(const QString& path, const QString& text) override;
     Value contextValue() override;
     /// A list of dictionaries. The first row and all rows are `headers` and `raw` of the context.
     Value tableValue(const Value& rows) override;
-    Value bigInteger(const QString& text) override;
     Value bigDecimal(const QString& text) override;
     QString snippetText(const StepSnippet& snippet) override;
 
@@ -24,7 +22,8 @@ private:
     TclInterpreter& m_tcl;
 };
 
-/// Defines the commands: `bdd::given expression parameters body` and its like.
+/// Defines the commands with a body: `bdd::given expression parameters body` and its like. The
+/// others are the prelude's.
 void defineStepCommands(TclInterpreter& interpreter);
 
 /// The `-errorcode` of a step that is still to be written.

@@ -1,7 +1,5 @@
 #include "plugins/tcl/tclvariables.h"
 
-#include <QSet>
-
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/valuepath.h"
 #include "plugins/tcl/containers.h"
@@ -58,16 +56,11 @@ std::vector<LanguageVariables::Member> TclVariables::variablesOf(int level) {
     if (!frame)
         return variables;
     const int own = std::any_cast<int>(frame->own);
-    QSet<QString> known;
     for (const int each : {own, 0}) {
-        for (const auto& [name, value] : m_tcl.variablesAt(each)) {
-            if (known.contains(name) || m_tcl.isSelfDefinedVariableName(name))
-                continue;
-            known.insert(name);
-            variables.push_back({pathPart(name), new TclArgument(m_tcl, value)});
-        }
-        if (own == 0)
-            break;
+        const TclRef listed = m_tcl.callPrelude({"variables", QString::number(each)});
+        for (const auto& [name, value] : entriesOf(listed.get()))
+            variables.push_back(
+                {pathPart(TclPlugin::textOf(name)), new TclArgument(m_tcl, TclRef(value))});
     }
     return variables;
 }

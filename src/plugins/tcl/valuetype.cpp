@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 #include <string_view>
 
 #include "plugins/tcl/conversion.h"
@@ -75,10 +76,8 @@ bool isBig(Tcl_Obj* integer) {
 bool isPlainInteger(Tcl_Obj* value) {
     const std::string_view bytes = bytesOf(value);
     long long number = 0;
-    const auto [end, error] = std::from_chars(bytes.data(), bytes.data() + bytes.size(), number);
-    if (error != std::errc() || end != bytes.data() + bytes.size())
-        return false;
-    return bytes == "0" || (bytes.front() != '0' && bytes.substr(0, 2) != "-0");
+    std::from_chars(bytes.data(), bytes.data() + bytes.size(), number);
+    return bytes == std::to_string(number);
 }
 
 std::optional<bool> truthOf(Tcl_Obj* value) {

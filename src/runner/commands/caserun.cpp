@@ -1,8 +1,12 @@
 #include "runner/commands/caserun.h"
 
+#include <unistd.h>
+
 #include <QDir>
 #include <algorithm>
+#include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "platform/testresult/compositereport.h"
 #include "platform/testresult/reportfactory.h"
@@ -95,9 +99,11 @@ void setConsole(const CaseRunSettings& settings, LostRun& run) {
     };
 }
 
-/// The run itself, in the process of the cases, behind those that are lost.
-int runHere(const CaseRunSettings& settings, const Suite& suite, const CaseChoice& choice,
-            const CaseTimes& history, const RunJournal& journal, const LostPart& lost) {
+/// The run itself, in the process of the cases, behind those that have run. The exit code; nothing
+/// when another process has to go on.
+std::optional<int> runHere(const CaseRunSettings& settings, const Suite& suite,
+                           const CaseChoice& choice, const CaseTimes& history,
+                           const RunJournal& journal, const LostPart& lost) {
     CompositeReport reports;
     if (const Outcome<> opened = openReports(settings.reports, reports); !opened)
         return failWith(opened.error().text);
@@ -118,6 +124,9 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const CaseChoic
     SuiteRunOptions options = suiteRunOptions(settings);
     options.maxFailures = settings.maxFailures > 0 ? settings.maxFailures - lost.failedCases : 0;
     options.facts = choice.facts;
+    // A front end's debugger is connected to this process.
+    options.mayHandOver = Supervision::isSupervised() && !journal.path().isEmpty() &&
+                          settings.debugger == DebuggerDialogue::None;
     SuiteRun run(suite, options,
                  lost.caseCount == 0 ? static_cast<ReportGenerator*>(&reports) : &rest);
     if (const Outcome<> prepared = run.prepare(); !prepared) {
@@ -126,6 +135,8 @@ int runHere(const CaseRunSettings& settings, const Suite& suite, const CaseChoic
         return failWith(prepared.error().text);
     }
     run.run(choice.cases.mid(lost.caseCount));
+    if (run.isHandedOver())
+        return std::nullopt;
 
     const bool reported = finishReports(reports);
     if (run.skippedCases() > 0) {
@@ -175,6 +186,11 @@ bool goesOn(const CaseRunSettings& settings, const Supervision::End& end,
            completion.caseCount < selectedCases && !Supervision::isAskedToEnd();
 }
 
+/// What the cases that have run come to.
+int leastExitCode(const LostPart& part) {
+    return part.isLost ? ExitUsage : part.failedCases > 0 ? ExitFailure : ExitSuccess;
+}
+
 bool haveAsManyFailedAsMay(const CaseRunSettings& settings, const LostPart& lost) {
     return settings.maxFailures > 0 && lost.failedCases >= settings.maxFailures;
 }
@@ -188,12 +204,27 @@ int runSupervised(const CaseRunSettings& settings, const Suite& suite, const Cas
     while (true) {
         const std::optional<Supervision::End> end = Supervision::begin();
         if (!end) {
-            const int exitCode = runHere(settings, suite, choice, history, journal, lost);
+            const std::optional<int> exitCode =
+                runHere(settings, suite, choice, history, journal, lost);
+            if (!exitCode) {
+                Supervision::markHandedOver();
+                std::fflush(nullptr);
+                // What was there before this process is still needed.
+                ::_exit(ExitSuccess);
+            }
             Supervision::markOrderly();
-            return exitCode;
+            return *exitCode;
         }
-        if (end->isOrderly)
-            return lost.caseCount > 0 ? std::max<int>(end->exitCode, ExitUsage) : end->exitCode;
+        if (end->isHandedOver) {
+            Outcome<LostPart> part = readPart(journal);
+            if (part && part->caseCount > lost.caseCount) {
+                part->isLost = lost.isLost;
+                lost = std::move(*part);
+                continue;
+            }
+        } else if (end->isOrderly) {
+            return std::max(end->exitCode, leastExitCode(lost));
+        }
         const LostRun how = lostRun(settings, *end, choice.cases.size());
         const JournalCompletion completion = completeLostRun(journal, how);
         if (goesOn(settings, *end, completion, lost, choice.cases.size())) {

@@ -145,7 +145,9 @@ void FarmRun::listen(Post& post) {
             post.worker->kill();
             return;
         }
-        if (message->kind == Worker::Message::CaseDone && post.state == Post::State::Running) {
+        const bool isLast = message->kind == Worker::Message::LastCaseDone;
+        if ((isLast || message->kind == Worker::Message::CaseDone) &&
+            post.state == Post::State::Running) {
             post.error = message->error;
             endCase(post, false);
         } else if (!message->error.isEmpty()) {
@@ -153,7 +155,9 @@ void FarmRun::listen(Post& post) {
             m_queue->close();
             return;
         }
-        if (post.state != Post::State::Retiring)
+        if (isLast)
+            retire(post);
+        else if (post.state != Post::State::Retiring)
             giveWork(post);
     }
     if (post.state == Post::State::Running)
@@ -169,13 +173,18 @@ void FarmRun::giveWork(Post& post) {
     // One whose case took too long ends by itself.
     post.start = now();
     if (step != CaseQueue::Step::Run || post.timeOut != Post::TimeOut::None || post.isGone) {
-        post.state = Post::State::Retiring;
-        post.worker->retire();
+        retire(post);
         return;
     }
     post.task = m_queue->take(post.hasRunCases);
     post.hasRunCases = true;
     post.worker->run(post.task);
+}
+
+void FarmRun::retire(Post& post) {
+    post.state = Post::State::Retiring;
+    post.start = now();
+    post.worker->retire();
 }
 
 void FarmRun::endCase(Post& post, bool hasDied) {

@@ -90,6 +90,7 @@ private:
     void handOn(int signal, bool isFromTerminal);
     void listen(Post& post);
     void giveWork(Post& post);
+    void retire(Post& post);
     void endCase(Post& post, bool hasDied);
     void checkTimeOut(Post& post);
     void removeEnded();

@@ -82,8 +82,14 @@ void work(int number, int socket, const WorkerSettings& settings) {
     WorkerLink link(socket, *settings.cases);
     CaseSpool spool(
         spoolFile(settings.spoolFolder, number), [&] { return link.attempt(); },
-        [&](const QString& error) { link.say(Worker::Message::CaseDone, error); });
-    SuiteRun run(*settings.suite, settings.options, &spool);
+        [&](const QString& error) {
+            link.say(SuiteRun::isProcessSpoiled() ? Worker::Message::LastCaseDone
+                                                  : Worker::Message::CaseDone,
+                     error);
+        });
+    SuiteRunOptions options = settings.options;
+    options.mayHandOver = true;
+    SuiteRun run(*settings.suite, options, &spool);
     LastLook::prepare([&] { run.tellWhereScriptStands(); }, [socket] { sayHasLooked(socket); });
     const Outcome<> prepared = run.prepare();
     link.say(Worker::Message::Ready, prepared ? QString() : prepared.error().text);

@@ -35,9 +35,10 @@ public:
     /// What a worker says.
     struct Message {
         enum Kind {
-            Ready,     ///< it waits for its first case
-            CaseDone,  ///< the case's journal is whole; it waits for the next one
-            HasLooked  ///< what look() wanted is done, as far as it could be
+            Ready,         ///< it waits for its first case
+            CaseDone,      ///< the case's journal is whole; it waits for the next one
+            LastCaseDone,  ///< the same, but it can run no other one
+            HasLooked      ///< what look() wanted is done, as far as it could be
         };
         Kind kind = Ready;
         /// Why it can't run any case, or why the journal could not be written; empty when all is

@@ -23,6 +23,7 @@ constexpr long long deliveryMilliseconds = 1000;
 struct SharedState {
     std::atomic<bool> isOrderly;
     std::atomic<bool> isQuit;
+    std::atomic<bool> isHandedOver;
 };
 static_assert(std::atomic<bool>::is_always_lock_free, "two processes and a signal handler use it");
 
@@ -74,6 +75,7 @@ Supervision::End waitFor(pid_t child) {
     const bool isAsked = how.signal != 0 && how.signal == lastSignal;
     end.isOrderly = s_shared->isOrderly || isAsked;
     end.isQuit = s_shared->isQuit;
+    end.isHandedOver = s_shared->isHandedOver.exchange(false);
     end.exitCode = how.exitCode;
     end.text = how.text;
     return end;
@@ -95,7 +97,7 @@ std::optional<Supervision::End> Supervision::begin() {
                                     MAP_SHARED | MAP_ANONYMOUS, -1, 0);
         if (memory == MAP_FAILED)
             return std::nullopt;
-        s_shared = new (memory) SharedState{false, false};
+        s_shared = new (memory) SharedState{false, false, false};
     }
     if (!s_before) {
         s_before.emplace();
@@ -116,6 +118,10 @@ std::optional<Supervision::End> Supervision::begin() {
     ::sigaction(SIGCHLD, &s_before->childAction, nullptr);
     ::sigprocmask(SIG_SETMASK, &s_before->mask, nullptr);
     return std::nullopt;
+}
+
+bool Supervision::isSupervised() {
+    return s_supervisor >= 0;
 }
 
 bool Supervision::isAskedToEnd() {
@@ -141,6 +147,11 @@ void Supervision::markOrderly() {
 void Supervision::markQuit() {
     if (s_shared)
         s_shared->isQuit = true;
+}
+
+void Supervision::markHandedOver() {
+    if (s_shared)
+        s_shared->isHandedOver = true;
 }
 
 bool Supervision::isSecondDelivery(int signal, const siginfo_t& info) {

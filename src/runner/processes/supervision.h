@@ -19,6 +19,8 @@ public:
         bool isOrderly = false;
         /// Its user ended it before all was done.
         bool isQuit = false;
+        /// Another process is to go on with the cases that it has left, of which it knows.
+        bool isHandedOver = false;
         int exitCode = 0;
         /// "it exited with code 3", "it was ended by SIGKILL (Killed)".
         QString text;
@@ -29,6 +31,9 @@ public:
     /// unsupervised in this process. Call it while there is one thread only. When it is called
     /// again behind the end of a child, the next one begins as the first has.
     static std::optional<End> begin();
+
+    /// In the child: whether there is a supervisor.
+    static bool isSupervised();
 
     /// In the supervisor, between two children: whether a signal has come meanwhile that ends a
     /// run.
@@ -43,6 +48,9 @@ public:
 
     /// In the child, which exits then: the user ends the run here.
     static void markQuit();
+
+    /// In the child, which exits then: it can run no further cases.
+    static void markHandedOver();
 
     /// In the child: whether a signal is the second of the two that come when a whole process group
     /// is sent one, since the supervisor forwards its own. Safe in signal handlers.

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QIODevice>
+#include <algorithm>
+#include <variant>
 
 #include "base/filewriting.h"
 #include "platform/testresult/compositereport.h"
@@ -140,15 +142,26 @@ JournalCompletion completeLostRun(const RunJournal& journal, const LostRun& run)
     return completion;
 }
 
-Outcome<LostPart> readLostPart(const RunJournal& journal, const JournalCompletion& completion) {
+Outcome<LostPart> readPart(const RunJournal& journal) {
     LostPart part;
     KeptEntries kept(&part);
     JournalReader reader(&kept);
     if (!reader.replay(journal.path()))
         return fail(FailureKind::Failed, reader.errorText());
-    part.shownEntries = completion.entryCount;
-    part.caseCount = completion.caseCount;
+    part.shownEntries = static_cast<int>(part.entries.size());
+    part.caseCount = static_cast<int>(std::count_if(
+        part.entries.begin(), part.entries.end(),
+        [](const ReportEntry& entry) { return std::holds_alternative<CaseStarted>(entry.event); }));
     part.failedCases = kept.caseCount(CaseOutcome::Failed) + kept.caseCount(CaseOutcome::Error);
+    return part;
+}
+
+Outcome<LostPart> readLostPart(const RunJournal& journal, const JournalCompletion& completion) {
+    Outcome<LostPart> part = readPart(journal);
+    if (part) {
+        part->shownEntries = completion.entryCount;
+        part->isLost = true;
+    }
     return part;
 }
 

@@ -53,22 +53,26 @@ struct LostRun {
     std::function<std::unique_ptr<ReportGenerator>(std::unique_ptr<QIODevice>)> createConsole;
 };
 
-/// What the processes of a run that have ended before their time have told, for the one that goes
+/// What the processes of a run that have ended before all was done have told, for the one that goes
 /// on with the cases behind.
 struct LostPart {
     /// Without the end of the suite.
     std::vector<ReportEntry> entries;
     /// So many of them the console report has shown.
     int shownEntries = 0;
-    /// Of the cases that had started, the one in which the process ended included.
+    /// Of the cases that had started, the one in which a process ended included.
     int caseCount = 0;
     int failedCases = 0;
+    /// Whether a process has ended in one of them.
+    bool isLost = false;
 };
 
 /// Tells on standard error what happened, and completes the journal.
 JournalCompletion completeLostRun(const RunJournal& journal, const LostRun& run);
 
-/// Reads what a completed journal has.
+/// Reads what the journal has of a run that stopped between two cases.
+Outcome<LostPart> readPart(const RunJournal& journal);
+/// The same of one that was completed.
 Outcome<LostPart> readLostPart(const RunJournal& journal, const JournalCompletion& completion);
 
 /// Makes all reports of the completed journal, and goes on with the console report where the run

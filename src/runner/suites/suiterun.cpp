@@ -18,6 +18,7 @@
 #include "interpreter/bridge/testsettingstype.h"
 #include "interpreter/generic/testfunctions.h"
 #include "interpreter/generic/testinteraction.h"
+#include "interpreter/language/spoiledprocess.h"
 #include "interpreter/names/objectmaps.h"
 #include "interpreter/run/scripttestcase.h"
 #include "platform/testresult/resulttypes.h"
@@ -120,18 +121,34 @@ Outcome<> SuiteRun::loadObjectMap() {
 
 void SuiteRun::run(const QList<SuiteCase>& cases) {
     int started = 0;
-    run([&]() -> const SuiteCase* {
+    runCases([&]() -> const SuiteCase* {
         return started < cases.size() ? &cases.at(started++) : nullptr;
     });
     m_skippedCases = cases.size() - started;
+    m_isHandedOver = m_skippedCases > 0 && m_interruptedBy == 0 && mayGoOn() && isSpoiled();
+    if (!m_isHandedOver)
+        endSuite();
 }
 
-bool SuiteRun::mayStartCase() const {
+void SuiteRun::run(const NextCase& nextCase) {
+    runCases(nextCase);
+    endSuite();
+}
+
+bool SuiteRun::mayGoOn() const {
     return Interrupt::signalNumber() == 0 &&
            (m_options.maxFailures == 0 || m_failedCases < m_options.maxFailures);
 }
 
-void SuiteRun::run(const NextCase& nextCase) {
+bool SuiteRun::isProcessSpoiled() {
+    return Tamrix::isProcessSpoiled();
+}
+
+bool SuiteRun::isSpoiled() const {
+    return m_options.mayHandOver && isProcessSpoiled();
+}
+
+void SuiteRun::runCases(const NextCase& nextCase) {
     m_passwords = takePasswords();
     const Secrets secrets(m_passwords.values());
     m_filter.setSecrets(secrets);
@@ -143,18 +160,20 @@ void SuiteRun::run(const NextCase& nextCase) {
     m_result.startSuite(m_suite.name, m_suite.directory);
     noteEnvironment();
 
-    while (mayStartCase()) {
+    while (mayGoOn() && !isSpoiled()) {
         const SuiteCase* const testCase = nextCase();
         if (!testCase)
             break;
         runCase(*testCase);
     }
     m_interruptedBy = Interrupt::signalNumber();
-
-    m_result.endSuite(m_interruptedBy != 0);
-    m_result.setComplete();
     // What the last case has set ends with it as well.
     TestSettingsType::reset();
+}
+
+void SuiteRun::endSuite() {
+    m_result.endSuite(m_interruptedBy != 0);
+    m_result.setComplete();
 }
 
 void SuiteRun::noteEnvironment() {

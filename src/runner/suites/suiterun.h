@@ -48,6 +48,8 @@ struct SuiteRunOptions {
     TraceMode trace = TraceMode::Off;
     /// Where the trace goes: a folder that createTraceFolder() has made.
     QString traceFolder;
+    /// Whether another process can go on behind a case that has spoiled this one.
+    bool mayHandOver = false;
     /// Whether somebody is there whom scripts may ask.
     bool isInteractive = false;
 };
@@ -80,6 +82,11 @@ public:
     bool hasFailed() const { return m_failedCases > 0; }
     /// The signal that ended the run early, 0 when none did.
     int interruptedBy() const { return m_interruptedBy; }
+    /// Whether a case has left this process so that no other one can run in it.
+    static bool isProcessSpoiled();
+    /// Whether another process is to go on with the cases that did not start: the suite has not
+    /// ended in the reports.
+    bool isHandedOver() const { return m_isHandedOver; }
     /// The number of cases that did not start because the run ended before them.
     int skippedCases() const { return m_skippedCases; }
 
@@ -101,7 +108,11 @@ private:
     void endApplications();
     /// Gives the applications of the next case a home of their own.
     void renewHome();
-    bool mayStartCase() const;
+    void runCases(const NextCase& nextCase);
+    void endSuite();
+    bool mayGoOn() const;
+    /// No further case can run in this process.
+    bool isSpoiled() const;
     /// Tells the results where the suite runs.
     void noteEnvironment();
     /// Attaches what programs wrote to the report.
@@ -125,6 +136,7 @@ private:
     QMap<QString, QString> m_passwords;
     int m_interruptedBy = 0;
     int m_skippedCases = 0;
+    bool m_isHandedOver = false;
 };
 
 }  // namespace Tamrix

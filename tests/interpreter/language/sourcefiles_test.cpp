@@ -52,6 +52,8 @@ TEST(SourceFiles, TellScriptsFromLibrariesAndCodeWithoutAFile) {
         EXPECT_EQ(files.path(name.constData()), row.path) << name.constData() << " once more";
     }
     EXPECT_FALSE(files.isScript(nullptr));
+    // As Tcl writes characters beyond U+FFFF.
+    EXPECT_EQ(files.path("/\xED\xA0\xBD\xED\xB8\x80"), QString::fromUtf8("/\xF0\x9F\x98\x80"));
     SourceFiles absolute([](const QByteArray& name) { return name.startsWith('/'); });
     EXPECT_FALSE(absolute.isScript("test"));
 }

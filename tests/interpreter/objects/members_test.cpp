@@ -30,6 +30,9 @@ TEST_F(Members, AreReadByName) {
     // Each took the application's model, and the text of the rectangle once more.
     EXPECT_EQ(runner.acquired, int(std::size(rows)) + 1);
     EXPECT_TRUE(get(context, button, "unreadable").startsWith("failed: "));
+    EXPECT_EQ(readProperty(context, button, "width").value()->toInt(), 7);
+    EXPECT_EQ(readProperty(context, button, "resize").error().text,
+              "'resize' of 'Button' is a method: call it instead");
     EXPECT_EQ(memberNames(context, button).value(),
               (QStringList{"text", "width", "geometry", "end_", "unreadable", "both", "resize",
                            "setValue"}));

@@ -88,12 +88,14 @@ TEST_F(RubyState, SourceRunsAFileAtTheTopLevel) {
 TEST_F(RubyState, WhatThePluginHasOfItsOwnTakesNoWrongValues) {
     for (const char* const code :
          {"Tamrix::Native.write(1, 5)", "Tamrix::Native.write(nil, '')",
-          "Tamrix::Native.add_step(1, 2, 3, 4)", "Tamrix::Native.add_hook('x', nil, nil)",
-          "Tamrix::Native.add_type(:a, 'x', 5, nil)", "Tamrix::Native.add_type(:a, 1, [2], 3)",
-          "Tamrix::Native.property(5, 'x')", "Tamrix::Native.members(nil)",
-          "Tamrix::Native.scoped(nil)", "Tamrix::Steps.hook(:x, nil, proc {})",
-          "Tamrix::Condition.explain(nil, nil, nil)", "Tamrix::DataSet.allocate",
-          "Tamrix::StepContext.new.x = 1", "Tamrix::Namespace.new(1).inspect"}) {
+          "Tamrix::StepContext::CURRENT._addStep(1, 2)",
+          "Tamrix::StepContext::CURRENT._addHook('x', nil, nil)",
+          "Tamrix::StepContext::CURRENT._addType('x', 5, nil)",
+          "Tamrix::StepContext::CURRENT._addType(1, [2], 3)", "Tamrix::Native.property(5, 'x')",
+          "Tamrix::Native.members(nil)", "Tamrix::StepContext::CURRENT._find(nil)",
+          "Tamrix::Steps.hook(:x, nil, proc {})", "Tamrix::Condition.explain(nil, nil, nil)",
+          "Tamrix::DataSet.allocate", "Tamrix::StepContext.new.x = 1",
+          "Tamrix::Namespace.new(1).inspect"}) {
         run(QString("begin\n  %1\nrescue StandardError => error\n  error.message\nend").arg(code));
         EXPECT_EQ(run("1"), "") << code;
     }

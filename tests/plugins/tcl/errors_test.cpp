@@ -176,6 +176,67 @@ TEST_F(TclErrors, ExitEndsTheCase) {
     EXPECT_EQ(results(), QStringList("7 cleaned: "));
 }
 
+TEST_F(TclErrors, OfEventHandlersAreThoseOfTheCase) {
+    interpreter->setScriptArguments(script(), {});
+    ASSERT_EQ(run("proc late {} {\n"
+                  "    error broken\n"
+                  "}\n"
+                  "proc main {} {\n"
+                  "    after 0 late\n"
+                  "    after 0 {expr {1 / 0}}\n"
+                  "    after 20 {set ::done 1}\n"
+                  "    vwait ::done\n"
+                  "    error {the script's own}\n"
+                  "}\n"),
+              "");
+    EXPECT_FALSE(call("main"));
+    EXPECT_EQ(interpreter->errorMessage(), "Error: the script's own");
+    EXPECT_EQ(lines(), std::vector({9}));
+    EXPECT_EQ(results(), QStringList({"9 Script Error: Error: broken",
+                                      "9 Script Error: Error: divide by zero"}));
+    EXPECT_EQ(report.results()[0].callStack.front().lineNumber(), 2);
+    EXPECT_EQ(report.results()[1].callStack.front().lineNumber(), 8);
+
+    // A script may have a handler of its own.
+    report.entries.clear();
+    ASSERT_EQ(run("proc bgerror {text} { test log mine $text }\n"
+                  "proc main {} { after 0 late; update }\n"),
+              "");
+    EXPECT_TRUE(call("main"));
+    EXPECT_EQ(results(), QStringList("7 mine: broken"));
+}
+
+TEST_F(TclErrors, EventHandlersMayEndTheScript) {
+    const struct {
+        const char* end;
+        bool succeeds;
+        const char* error;
+        bool isSkip;
+    } rows[] = {
+        {"exit", true, "", false},
+        {"exit 3", false, "Exit: 3", false},
+        {"test skip offline", false, "FatalError: offline: ", true},
+    };
+    for (const auto& row : rows) {
+        interpreter->setScriptArguments(script(), {});
+        report.entries.clear();
+        ASSERT_EQ(run("proc main {} {\n"
+                      "    after 0 {" +
+                      QString(row.end) +
+                      "}\n"
+                      "    catch {vwait ::never}\n"
+                      "    test log {not reached}\n"
+                      "}\n"
+                      "proc cleanup {} { test log cleaned }\n"),
+                  "");
+        EXPECT_EQ(call("main"), row.succeeds) << row.end;
+        EXPECT_EQ(interpreter->errorMessage(), row.error) << row.end;
+        EXPECT_EQ(interpreter->errorIsSkip(), row.isSkip) << row.end;
+        EXPECT_TRUE(call("cleanup"));
+        EXPECT_EQ(results().filter("7 "), QStringList("7 cleaned: ")) << row.end;
+    }
+}
+
 TEST_F(TclErrors, TheNextScriptStartsAfresh) {
     ASSERT_TRUE(interpreter->evaluate("set shared 1\n", QString()));  // an init script
     interpreter->setScriptArguments(script(), {"a b", "c"});

@@ -83,6 +83,29 @@ after_scenario @sale {context} { test log after }
     EXPECT_EQ(report.results().at(1).callStack.front().lineNumber(), 8);
 }
 
+TEST_F(TclSteps, TheContextIsACommand) {
+    writeSteps(R"tcl(bdd::given {a} {context} {
+    $context set x {a b}
+    test log [$context names] [$context get x]
+    foreach misuse {{get y} {unset y} {set y} {put y 1}} {
+        catch {$context {*}$misuse} text options
+        test log $text [dict get $options -errorcode]
+    }
+    $context unset x
+    test log [$context exists x]
+}
+)tcl");
+    EXPECT_EQ(feature("    Given a\n"), "");
+    EXPECT_EQ(results().join('\n'),
+              "7 feature scenario step table tags text x: a b\n"
+              "7 The context has no value \"y\": TAMRIX MEMBER\n"
+              "7 The context has no value \"y\": TAMRIX MEMBER\n"
+              "7 wrong # args: should be \"::bdd::context set name value\": TCL WRONGARGS\n"
+              "7 unknown subcommand \"put\": must be exists, get, names, set, or unset: "
+              "TCL LOOKUP SUBCOMMAND put\n"
+              "7 0: ");
+}
+
 TEST_F(TclSteps, FailuresAreTold) {
     writeSteps(
         "bdd::given {a failing step} {context} {\n"

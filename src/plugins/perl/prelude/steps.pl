@@ -20,31 +20,32 @@ sub _code {
         unless ref $_[0] eq 'CODE';
     $_[0];
 }
-sub Step { my ($expression, $code) = @_; _step(_pattern($expression), _code($code)) }
+sub Step { my ($expression, $code) = @_; tamrix::StepContext->_addStep(_pattern($expression), _code($code)) }
 *Given = *When = *Then = \&Step;
 for my $name (qw(BeforeFeature AfterFeature BeforeScenario AfterScenario BeforeStep AfterStep)) {
-    *$name = sub { _hook($name, @_ > 1 ? shift : '', _code(@_)) };
+    *$name = sub { tamrix::StepContext->_addHook($name, @_ > 1 ? shift : '', _code(@_)) };
 }
 sub ParameterType {
     my ($name, $patterns, $code) = @_;
-    _type($name, [map { (_pattern($_))[0] } ref $patterns eq 'ARRAY' ? @$patterns : $patterns],
-          defined $code ? _code($code) : undef);
+    my @patterns = map { (_pattern($_))[0] } ref $patterns eq 'ARRAY' ? @$patterns : $patterns;
+    tamrix::StepContext->_addType($name, \@patterns, defined $code ? _code($code) : undef);
 }
 sub Pending { die bless {message => $_[0] // 'the step definition is to be written'}, 'bdd::Pending' }
 
 package bdd::Pending;
 our @ISA = ('tamrix::Error');
 
-package bdd::Context;
+# What steps and hooks keep for each other.
+package tamrix::StepContext;
 sub TIEHASH { bless {}, $_[0] }
-sub FETCH { _get($_[1]) }
-sub STORE { _set($_[1], $_[2]) }
-sub EXISTS { exists _all()->{$_[1]} }
-sub DELETE { _remove($_[1]) }
-sub CLEAR { _remove($_) for keys %{_all()} }
-sub FIRSTKEY { my $self = shift; $self->{keys} = [sort keys %{_all()}]; shift @{$self->{keys}} }
+sub FETCH { my $found = $_[0]->_find($_[1]); $found && $found->[0] }
+sub STORE { my ($self, $name, $value) = @_; $self->_set($name, $value) }
+sub EXISTS { !!$_[0]->_find($_[1]) }
+sub DELETE { my ($self, $name) = @_; my $value = $self->FETCH($name); $self->_remove($name); $value }
+sub CLEAR { my $self = shift; $self->_remove($_) for keys %{$self->_all} }
+sub FIRSTKEY { my $self = shift; $self->{keys} = [sort keys %{$self->_all}]; shift @{$self->{keys}} }
 sub NEXTKEY { shift @{$_[0]{keys}} }
-sub _make { tie my %context, 'bdd::Context'; \%context }
+sub _make { tie my %context, __PACKAGE__; \%context }
 
 # The rows of a step's table as hashes.
 package bdd::Table;

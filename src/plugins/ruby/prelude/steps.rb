@@ -4,18 +4,19 @@ module Tamrix::Steps
              after_step].freeze
 
   class << self
-    def step(function, expression, block)
+    def step(expression, block)
       text, is_regular = expression(expression)
-      Tamrix::Native.add_step(function, text, is_regular, needed(block))
+      Tamrix::StepContext::CURRENT._addStep(text, is_regular, needed(block))
     end
 
-    def hook(function, tags, block)
-      Tamrix::Native.add_hook(function, tags, needed(block))
+    def hook(name, tags, block)
+      Tamrix::StepContext::CURRENT._addHook(name.to_s, tags || '', needed(block))
     end
 
     def parameter_type(name, patterns, block)
       patterns = [patterns] unless patterns.is_a?(Array)
-      Tamrix::Native.add_type(:parameter_type, name, patterns.map { |each| expression(each).first }, block)
+      patterns = patterns.map { |each| expression(each).first }
+      Tamrix::StepContext::CURRENT._addType(name, patterns, block)
     end
 
     private
@@ -49,7 +50,7 @@ module Kernel
   private
 
   %i[Given When Then Step].each do |name|
-    define_method(name) { |expression, &block| Tamrix::Steps.step(name, expression, block) }
+    define_method(name) { |expression, &block| Tamrix::Steps.step(expression, block) }
   end
   Tamrix::Steps::HOOKS.each do |name|
     define_method(name) { |tags = nil, &block| Tamrix::Steps.hook(name, tags, block) }
@@ -71,16 +72,16 @@ class Tamrix::PendingStepError < StandardError; end
 class Tamrix::StepContext
   def method_missing(name, *values)
     key = name.to_s
-    return Tamrix::Native.set_scoped(key.chop, values[0]) if key.end_with?('=') && values.size == 1
-    found = Tamrix::Native.scoped(key) if values.empty?
+    return _set(key.chop, values[0]) if key.end_with?('=') && values.size == 1
+    found = _find(key) if values.empty?
     found ? found.first : super
   end
 
   def respond_to_missing?(name, _all = false)
-    name.end_with?('=') || !Tamrix::Native.scoped(name.to_s).nil?
+    name.end_with?('=') || !_find(name.to_s).nil?
   end
 
-  def to_h = Tamrix::Native.all_scoped(:to_h).transform_keys(&:to_sym)
+  def to_h = _all.transform_keys(&:to_sym)
 
   CURRENT = new
 end

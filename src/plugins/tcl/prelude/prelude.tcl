@@ -13,6 +13,16 @@ proc ::exit {{returnCode 0}} {
     return -code 1002 [expr {$returnCode}]
 }
 
+# What a handler of an event has raised, such as a script of `after`. A script may see to that itself,
+# as Tcl's scripts do.
+proc ::tamrix::lateError {message options} {
+    if {[llength [info commands ::bgerror]]} {
+        return [::tcl::Bgerror $message $options]
+    }
+    ::tamrix::_takeLateError $message $options
+}
+interp bgerror {} ::tamrix::lateError
+
 # Scripts find modules and packages in a folder, before those that were added earlier.
 proc ::tamrix::addFolder {path} {
     set ::auto_path [linsert $::auto_path 0 $path]
@@ -58,8 +68,11 @@ proc ::tamrix::evaluate {level code} {
     return [uplevel #$level $code]
 }
 
-# The rows of a table below its first one, as dictionaries.
+# The rows of a step's table below its first one, as dictionaries. The first row and all rows are
+# `headers` and `raw` of the context.
 proc ::tamrix::rowsOf {table} {
+    ::tamrix::_set {} headers [lindex $table 0]
+    ::tamrix::_set {} raw $table
     set rows {}
     foreach cells [lrange $table 1 end] {
         set row [dict create]
@@ -69,6 +82,38 @@ proc ::tamrix::rowsOf {table} {
         lappend rows $row
     }
     return $rows
+}
+
+# What steps and hooks keep for each other: `context get name` and its like.
+namespace eval ::bdd::context {
+    namespace export get set unset exists names
+    namespace ensemble create -prefixes 0
+}
+proc ::bdd::context::get {name} {
+    ::set found [::tamrix::_find {} $name]
+    if {![llength $found]} {
+        return -code error -errorcode {TAMRIX MEMBER} "The context has no value \"$name\""
+    }
+    return [lindex $found 0]
+}
+proc ::bdd::context::set {name value} {
+    return [::tamrix::_set {} $name $value]
+}
+proc ::bdd::context::unset {name} {
+    if {![::tamrix::_remove {} $name]} {
+        return -code error -errorcode {TAMRIX MEMBER} "The context has no value \"$name\""
+    }
+}
+proc ::bdd::context::exists {name} {
+    return [expr {[llength [::tamrix::_find {} $name]] > 0}]
+}
+proc ::bdd::context::names {} {
+    return [dict keys [::tamrix::_all {}]]
+}
+
+# Turns what a pattern has taken into a value.
+proc ::bdd::parameter_type {name pattern {transformer {}}} {
+    ::tamrix::_addType {} $name [list $pattern] $transformer
 }
 
 # A step is still to be written.
