@@ -1,5 +1,7 @@
 #include "agent/input/inputprogram.h"
 
+#include <sys/wait.h>
+
 #include "support/waituntil.h"
 
 namespace Tamrix {
@@ -22,7 +24,8 @@ QMap<QString, QString> withDisplay(QMap<QString, QString> environment, const QSt
 
 InputProgram::InputProgram(const QString& program, const QString& platform, const QString& display,
                            const QStringList& arguments, const QMap<QString, QString>& environment)
-    : m_client(program, arguments, WayIn::Plugin, withDisplay(environment, platform, display)) {
+    : m_client(program, arguments, WayIn::Plugin, withDisplay(environment, platform, display)),
+      m_isOnWayland(platform == "wayland") {
     m_client.accept();
     sync();
 }
@@ -68,6 +71,18 @@ QString InputProgram::call(const QString& function, const QString& name,
 
 void InputProgram::sync() {
     m_client.exchange(Wire::MessageType::Sync);
+}
+
+bool InputProgram::endsWith(int exitCode) {
+    constexpr int patienceWithQt = 10'000;
+    while (m_client.nextFrame()) {
+    }
+    const bool hasLeftItsLoop = !m_client.channel().isOpen();
+    const bool mayHang = m_isOnWayland && m_client.hello().qtVersion.startsWith('6');
+    const int status = mayHang ? m_client.waitForEnd(patienceWithQt) : m_client.waitForEnd();
+    if (mayHang && status == -1)
+        return hasLeftItsLoop;
+    return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == exitCode;
 }
 
 QString InputProgram::takeLog() {

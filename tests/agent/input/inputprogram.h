@@ -28,6 +28,12 @@ public:
     QString call(const QString& function, const QString& name, const QVariantList& arguments = {},
                  int timeout = 5000);
     void sync();
+    /// Waits for the program's end; whether it ended with this exit code.
+    ///
+    /// Behind its event loop, where the agent goes, a program with Qt 6 on Wayland may hang for
+    /// ever: its thread for the compositor's events waits for another reader that has gone, and
+    /// the program for that thread. Then the way out of the event loop is all that can be seen.
+    bool endsWith(int exitCode);
 
     /// What the target wrote down since the last call.
     QString takeLog();
@@ -36,6 +42,7 @@ public:
 
 private:
     AgentClient m_client;
+    bool m_isOnWayland;
 };
 
 }  // namespace Tamrix
