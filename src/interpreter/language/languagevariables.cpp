@@ -79,11 +79,13 @@ std::optional<ScriptFrame> LanguageVariables::codeFrame(int level) {
 }
 
 std::vector<LanguageVariables::Member> LanguageVariables::visibleVariables(int level) {
+    // None runs between two cases.
+    const Interpreter* const interpreter = m_debugger.interpreter();
     std::vector<Member> visible;
     QSet<QString> known;
     for (Member& variable : variablesOf(level)) {
         if (known.contains(variable.name) ||
-            m_debugger.interpreter()->isSelfDefinedVariableName(variable.name))
+            (interpreter && interpreter->isSelfDefinedVariableName(variable.name)))
             continue;
         known.insert(variable.name);
         visible.push_back(std::move(variable));

@@ -61,9 +61,10 @@ describe($_) for undef, !!1, !!0, $shown, -9223372036854775808, 1.5, int(7.9), '
     EXPECT_EQ(
         s_seen,
         (QStringList{
-            "undef null|", "boolean bool true|1", "boolean bool|", "integer number integer true|7",
-            "integer number integer true|-9223372036854775808", "number number true|1.5",
-            "integer number integer true|7", "string string like true|text",
+            "undef null|", "boolean bool true|1", "boolean bool|",
+            "integer number integer like true|7",
+            "integer number integer like true|-9223372036854775808", "number number like true|1.5",
+            "integer number integer like true|7", "string string like true|text",
             QString::fromUtf8("string string like true|\xF0\x9F\x98\x80"),
             "string string like true|12", "ARRAY list true|[1, 2]", "HASH map true|{\"a\" => 1}",
             s_seen.value(12), "Text like true|as text", "Regexp true|(?^i:x)"}));
