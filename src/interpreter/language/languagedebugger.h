@@ -11,6 +11,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/language/valuetexts.h"
 
 namespace Tamrix {
 
@@ -83,6 +84,10 @@ public:
     /// for, else those that run.
     std::vector<ScriptFrame> frames();
 
+    /// The variables of a frame of the language, those of its function first, then those of its
+    /// module. Runs no code of the script.
+    virtual std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) = 0;
+
     /// Where the running frame of a script stands that is `level` levels outwards from the
     /// innermost one; invalid without one.
     LineInfo placeOfFrame(int level);
@@ -121,7 +126,8 @@ protected:
     virtual std::vector<ScriptFrame> runningFrames() = 0;
     /// How many they are.
     virtual int runningDepth() { return static_cast<int>(runningFrames().size()); }
-    virtual std::unique_ptr<VariableWatcher> makeVariableWatcher() = 0;
+    /// Writes values of the language.
+    virtual std::unique_ptr<ValueTexts> makeValueTexts() = 0;
     /// The time of isSilent() begins and ends. By default nothing else is to be done.
     virtual void enterSilence() {}
     virtual void leaveSilence() {}

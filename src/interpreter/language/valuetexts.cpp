@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "interpreter/language/timelimit.h"
@@ -44,6 +45,25 @@ QString ValueTexts::partsText(const Value& value, int depth) {
     if (texts.size() < parts.count)
         texts.append(more);
     return texts.join(", ");
+}
+
+ValueTexts::Value ValueTexts::partNamed(const Value& value, const QString& name) {
+    // The elements of a list have numbers.
+    constexpr int largest = std::numeric_limits<int>::max();
+    bool isNumber = false;
+    const int number = name.toInt(&isNumber);
+    if (isNumber && number >= 0 && number < largest) {
+        const Parts parts = partsOf(value, number + 1);
+        if (number < parts.count && parts.at(number).name == name)
+            return parts.at(number).value;
+    }
+    const Parts parts = partsOf(value, largest);
+    for (int each = 0; each < parts.count; ++each) {
+        const Part part = parts.at(each);
+        if (part.name == name)
+            return part.value;
+    }
+    return {};
 }
 
 QString ValueTexts::keyName(const QString& text, const QByteArray& marks) {

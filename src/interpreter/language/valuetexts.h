@@ -45,6 +45,9 @@ public:
     /// Those in front of the one numbered `end` can be asked for; 0 for their count alone. Runs no
     /// code of the script but for texts of keys, which are written for a value in `depth` others.
     virtual Parts partsOf(const Value& value, int end, int depth = 0) = 0;
+    /// The part of the value with the name as it stands in paths; null when there is none. By
+    /// default it is looked for among all.
+    virtual Value partNamed(const Value& value, const QString& name);
     /// Limits of time start anew.
     void startAnew() { m_left = timeForAll; }
 

@@ -6,6 +6,7 @@
 #include <jsfriendapi.h>
 
 #include "interpreter/language/prelude.h"
+#include "interpreter/language/valuepath.h"
 #include "plugins/javascript/enginefiles.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptargument.h"
@@ -60,11 +61,12 @@ JS::Value completed(const JS::Value& completion) {
     throw ScriptErrorSet();
 }
 
-DebuggerRealm::Variables variablesIn(const JS::Value& list) {
+/// Of names and values in turns.
+std::vector<ValueTexts::Part> partsIn(const JS::Value& list) {
     const Elements parts(list);
-    DebuggerRealm::Variables found;
+    std::vector<ValueTexts::Part> found;
     for (std::size_t index = 0; index + 1 < parts.length(); index += 2)
-        found.emplace_back(parts.text(index), argumentOf(taken(parts[index + 1])));
+        found.push_back({parts.text(index), argumentOf(taken(parts[index + 1]))});
     return found;
 }
 
@@ -181,8 +183,12 @@ std::vector<ScriptFrame> DebuggerRealm::frames() {
     return found;
 }
 
-DebuggerRealm::Variables DebuggerRealm::variables(const FrameHandle& frame) {
-    return variablesIn(call("variables", ValueRoots().add(valueOfFrame(frame))));
+std::vector<ValueTexts::Part> DebuggerRealm::variables(const FrameHandle& frame) {
+    std::vector<ValueTexts::Part> found =
+        partsIn(call("variables", ValueRoots().add(valueOfFrame(frame))));
+    for (ValueTexts::Part& each : found)
+        each.name = pathPart(each.name);
+    return found;
 }
 
 JS::Value DebuggerRealm::evaluate(const FrameHandle& frame, const QString& code) {
@@ -200,8 +206,8 @@ JS::Value DebuggerRealm::evaluateInCaller(const QString& code, const char* file)
                                                   .add(toJsText(QString::fromLatin1(file)))));
 }
 
-DebuggerRealm::Variables DebuggerRealm::explainCaller() {
-    return variablesIn(call("explainCaller", ValueRoots().add(currentGlobal())));
+std::vector<ValueTexts::Part> DebuggerRealm::explainCaller() {
+    return partsIn(call("explainCaller", ValueRoots().add(currentGlobal())));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

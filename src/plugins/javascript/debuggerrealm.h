@@ -4,7 +4,6 @@
 
 #include <QString>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "interpreter/bridge/scriptargument.h"
@@ -39,9 +38,9 @@ public:
     /// FrameHandle.
     std::vector<ScriptFrame> frames();
 
-    /// Names and values in a frame, those of inner scopes first, without names that hide others.
-    using Variables = std::vector<std::pair<QString, SharedPtr<ScriptArgument>>>;
-    Variables variables(const FrameHandle& frame);
+    /// Those of a frame, of inner scopes first, with their names as parts of paths; none that are
+    /// hidden by others.
+    std::vector<ValueTexts::Part> variables(const FrameHandle& frame);
 
     /// Runs code in a frame; at the top level of the script for null.
     JS::Value evaluate(const FrameHandle& frame, const QString& code);
@@ -52,7 +51,7 @@ public:
     /// argument as a name without a value, then the values in it. These are looked up once more:
     /// names, properties, operators and some of the language's own functions; no other call is made
     /// a second time. Empty when there is nothing to tell.
-    Variables explainCaller();
+    std::vector<ValueTexts::Part> explainCaller();
 
     // For the functions that its code calls.
     /// Null while nothing is watched.

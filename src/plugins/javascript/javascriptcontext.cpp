@@ -173,8 +173,8 @@ QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
     QStringList lines;
     JavaScriptValueTexts texts;
     try {
-        for (const auto& [name, value] : DebuggerRealm::self().explainCaller())
-            lines += lines.isEmpty() ? name : name + ": " + texts.textOf(value);
+        for (const ValueTexts::Part& each : DebuggerRealm::self().explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
     } catch (const ScriptErrorSet&) {
         if (isEndOfScript())
             throw;

@@ -3,8 +3,6 @@
 #include <js/Equality.h>
 #include <js/Exception.h>
 
-#include "interpreter/language/languagevariables.h"
-#include "interpreter/language/valuepath.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -15,23 +13,6 @@ void stopWhereTheScriptIs() {
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->javaScriptDebugger().stop();
 }
-
-/// The variables of a script that stands still.
-class JavaScriptVariables final : public LanguageVariables {
-public:
-    explicit JavaScriptVariables(JavaScriptDebugger& debugger)
-        : LanguageVariables(debugger, std::make_unique<JavaScriptValueTexts>()),
-          m_debugger(debugger) {}
-
-protected:
-    std::vector<Member> variablesOf(int level) override {
-        const std::optional<ScriptFrame> frame = codeFrame(level);
-        return frame ? m_debugger.variablesOf(*frame) : std::vector<Member>();
-    }
-
-private:
-    JavaScriptDebugger& m_debugger;
-};
 
 /// Of lines alone.
 std::vector<ScriptFrame> framesOf(const std::vector<LineInfo>& lines) {
@@ -179,13 +160,8 @@ std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
 
 std::vector<ValueTexts::Part> JavaScriptDebugger::variablesOf(const ScriptFrame& frame) {
     std::vector<ValueTexts::Part> variables;
-    const auto handle = std::any_cast<FrameHandle>(frame.own);
-    if (!handle)
-        return variables;
-    quietly([&] {
-        for (const auto& [name, value] : DebuggerRealm::self().variables(handle))
-            variables.push_back({pathPart(name), value});
-    });
+    if (const auto handle = std::any_cast<FrameHandle>(frame.own))
+        quietly([&] { variables = DebuggerRealm::self().variables(handle); });
     return variables;
 }
 
@@ -194,8 +170,8 @@ JS::Value JavaScriptDebugger::evaluate(const ScriptFrame* frame, const QString& 
     return DebuggerRealm::self().evaluate(handle ? *handle : FrameHandle(), code);
 }
 
-std::unique_ptr<VariableWatcher> JavaScriptDebugger::makeVariableWatcher() {
-    return std::make_unique<JavaScriptVariables>(*this);
+std::unique_ptr<ValueTexts> JavaScriptDebugger::makeValueTexts() {
+    return std::make_unique<JavaScriptValueTexts>();
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

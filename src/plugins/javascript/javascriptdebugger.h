@@ -7,7 +7,6 @@
 #include <memory>
 #include <vector>
 
-#include "interpreter/language/valuetexts.h"
 #include "plugins/javascript/debuggerrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -42,12 +41,11 @@ public:
     /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
     JS::Value evaluate(const ScriptFrame* frame, const QString& code);
 
-    /// The variables of a frame, with their names as parts of paths.
-    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override;
