@@ -198,7 +198,8 @@ protected:
     bool attemptCondition(const std::function<bool()>& evaluate, QString* error);
     /// For evaluateForException(): what there is to do with code.
     struct ExceptionCode {
-        /// Why a text is no valid code: no exception that a test is about. Empty when it is.
+        /// Why a text is no valid code: no exception that a test is about. Empty when it is. Null
+        /// lets the interpreter compile it.
         std::function<QString(const QString& text)> slip;
         /// Runs a text where the script has called.
         std::function<void(const QString& text)> evaluate;
@@ -209,6 +210,8 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    QString slipIn(const QString& code);
+
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
     /// That of the last result: most calls take it for theirs.

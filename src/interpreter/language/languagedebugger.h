@@ -48,6 +48,8 @@ public:
     void lineReached(int sourceId, int line);
     /// The debugger's number of a file, which becomes known.
     int sourceIdOf(const QString& path);
+    /// Those that have a number.
+    QStringList knownFiles() const { return m_sourceIds.keys(); }
     /// The same of a file by the name that the runtime has for it; -1 for one that is no script.
     int sourceIdOf(const char* name, SourceFiles& files);
     /// The lines of the file that have a break point, in no order, each as often as it was set.

@@ -32,11 +32,11 @@ ValueTexts::Parts ValueTexts::partsFrom(std::vector<Part> parts) {
 
 QString ValueTexts::partsText(const Value& value, int depth) {
     // Each part takes two characters at least.
-    const int most = depth < deepest ? longest / 2 : 0;
+    const int most = depth < m_limits.depth ? m_limits.length / 2 : 0;
     const Parts parts = partsOf(value, most, depth);
     QStringList texts;
     int length = 0;
-    while (texts.size() < std::min(parts.count, most) && length <= longest) {
+    while (texts.size() < std::min(parts.count, most) && length <= m_limits.length) {
         const Part part = parts.at(texts.size());
         const QString written = part.label + text(part.value, depth + 1);
         length += written.size() + 2;

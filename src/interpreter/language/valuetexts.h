@@ -60,11 +60,19 @@ public:
     static constexpr int longest = 200;
     /// Containers in containers.
     static constexpr int deepest = 4;
+    struct Limits {
+        int length = longest;
+        int depth = deepest;
+    };
 
     /// The text with at most `longest` characters of it.
     static QString cut(const QString& text);
 
 protected:
+    ValueTexts() = default;
+    /// For texts of parts with other limits than those of a person who looks.
+    explicit ValueTexts(const Limits& limits) : m_limits(limits) {}
+
     /// For the language: `depth` is the number of containers that the value is in.
     virtual QString text(const Value& value, int depth) = 0;
 
@@ -82,6 +90,7 @@ protected:
 private:
     static constexpr std::chrono::milliseconds timeForAll{250};
 
+    Limits m_limits;
     /// What is left for script code.
     std::chrono::milliseconds m_left = timeForAll;
 };
