@@ -1,9 +1,6 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <memory>
 #include <vector>
 
 #include "interpreter/bridge/scriptargument.h"
@@ -14,8 +11,8 @@ namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptDebugger;
 
-/// A frame of the script as the debugger's side of the engine knows it.
-using FrameHandle = std::shared_ptr<JS::PersistentRootedObject>;
+/// A frame of the script as the debugger's side of the engine knows it; null for a line alone.
+using FrameHandle = ObjectRoot;
 
 /// Where the debugger's half of the engine lives: scripts can be looked at from another compartment
 /// only, by code of the language. What is given and taken are values of the script's realm, in
@@ -61,7 +58,7 @@ public:
 private:
     DebuggerRealm();
     /// Calls a function of the debugger's with values of any realm.
-    JS::Value call(const char* function, const ValueRoots& given);
+    JS::Value call(const char* function, const ValueRoots& given = ValueRoots());
 
     JS::PersistentRootedObject m_global;
     JS::PersistentRootedObject m_watched;

@@ -1,8 +1,5 @@
 #include "plugins/javascript/javascriptdebugger.h"
 
-#include <js/Equality.h>
-#include <js/Exception.h>
-
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -88,16 +85,9 @@ void JavaScriptDebugger::applyMode() {
 
 void JavaScriptDebugger::breakPointsChanged() {
     ask([&] {
-        for (const QString& file : m_files)
+        for (const QString& file : knownFiles())
             DebuggerRealm::self().setBreakLines(file, breakLines(sourceIdOf(file)));
     });
-}
-
-void JavaScriptDebugger::noticeFile(const QString& file) {
-    if (m_files.contains(file))
-        return;
-    m_files.append(file);
-    sourceIdOf(file);
 }
 
 void JavaScriptDebugger::interrupt() {
@@ -128,11 +118,9 @@ void JavaScriptDebugger::errorThrown(JS::HandleValue exception) {
     if (!stopsForErrors() || areErrorsCaught() ||
         m_interpreter.failures().isSkip(ObjectRoot(exception)))
         return;
-    bool isTold = false;
-    checked(JS::StrictlyEqual(engineContext(), exception, m_toldError, &isTold));
     const QString text = exceptionText(exception);
     // An error of a native function may tell of the one that is told already.
-    if (isTold || hasTold(text))
+    if (given<bool>(JS::StrictlyEqual, exception, m_toldError) || hasTold(text))
         return;
     m_toldError = exception;
     stopForError(text, runningFrames());
@@ -163,11 +151,6 @@ std::vector<ValueTexts::Part> JavaScriptDebugger::variablesOf(const ScriptFrame&
     if (const auto handle = std::any_cast<FrameHandle>(frame.own))
         quietly([&] { variables = DebuggerRealm::self().variables(handle); });
     return variables;
-}
-
-JS::Value JavaScriptDebugger::evaluate(const ScriptFrame* frame, const QString& code) {
-    const auto* const handle = frame ? std::any_cast<FrameHandle>(&frame->own) : nullptr;
-    return DebuggerRealm::self().evaluate(handle ? *handle : FrameHandle(), code);
 }
 
 std::unique_ptr<ValueTexts> JavaScriptDebugger::makeValueTexts() {

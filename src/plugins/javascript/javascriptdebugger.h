@@ -1,9 +1,6 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <QStringList>
 #include <memory>
 #include <vector>
 
@@ -26,8 +23,6 @@ public:
 
     /// The interpreter runs in another realm now.
     void realmChanged();
-    /// A file is about to be compiled: break points that wait for it are set.
-    void noticeFile(const QString& file);
     /// What is pending has ended the script: stops if the debugger has not done so before, as for
     /// what a promise was rejected with that looked as if somebody waited for it.
     void errorUncaught();
@@ -37,9 +32,6 @@ public:
     void reached(const QString& file, int line);
     /// An exception leaves the innermost frame, and no `catch` of the script will stop it.
     void errorThrown(JS::HandleValue exception);
-
-    /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
-    JS::Value evaluate(const ScriptFrame* frame, const QString& code);
 
     std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
@@ -59,8 +51,6 @@ private:
     void applyMode();
 
     JavaScriptInterpreter& m_interpreter;
-    /// Those that were compiled.
-    QStringList m_files;
     /// The exception that the debugger has stopped for.
     JS::PersistentRootedValue m_toldError;
 };
