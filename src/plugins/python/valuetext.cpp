@@ -129,6 +129,13 @@ QString PythonTexts::typeNameOf(PyObject* value) {
     return name.mid(name.lastIndexOf('.') + 1);
 }
 
+ValueTexts::Value PythonTexts::partNamed(const Value& value, const QString& name) {
+    PyRef found = memberNamed(objectOf(value), name);
+    if (!found)
+        return {};
+    return new PythonArgument(std::move(found));
+}
+
 PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {
     PyObject* const object = objectOf(value);
     if (isContainer(object))

@@ -16,6 +16,7 @@ PyRef timedRepresentation(PyObject* value);
 class PythonTexts final : public ValueTexts {
 public:
     Parts partsOf(const Value& value, int end, int depth = 0) override;
+    Value partNamed(const Value& value, const QString& name) override;
     /// The entry of a dictionary as it stands in paths: as code would ask for it.
     QString nameOfKey(PyObject* key);
 
