@@ -4,10 +4,10 @@
 
 #include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scriptcall.h"
-#include "plugins/python/valuemembers.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -38,10 +38,15 @@ std::vector<LanguageVariables::Member> PythonVariables::variablesOf(int level) {
 }
 
 LanguageVariables::Value PythonVariables::memberNamed(const Value& value, const QString& name) {
-    PyRef found = PythonPlugin::memberNamed(pythonValue(value).get(), name);
-    if (!found)
-        return {};
-    return new PythonArgument(std::move(found));
+    PyObject* const own = objectOf(value);
+    if (PyDict_Check(own)) {
+        // Whoever writes the path may write keys in another way than they are listed.
+        const QString text = name.startsWith('[') ? name : textOfPathPart(name);
+        const PyRef found = callOwn("evaluation", "entry_of", own, toPyString(text));
+        if (found.get() != Py_None)
+            return new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(found.get(), 0)));
+    }
+    return LanguageVariables::memberNamed(value, name);
 }
 
 }  // namespace Tamrix::PythonPlugin

@@ -4,7 +4,6 @@
 
 #include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuepath.h"
-#include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythonsignals.h"
@@ -27,7 +26,7 @@ bool writesAs(PyObject* value, const PyTypeObject& type) {
 /// Whether the representation of a key is code that gives the key.
 bool isWrittenAsCode(PyObject* key) {
     if (PyTuple_CheckExact(key)) {
-        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
+        for (const ContainerItem& item : containerItems(key, containerSize(key))) {
             if (!isWrittenAsCode(item.value.get()))
                 return false;
         }
@@ -124,16 +123,11 @@ PyRef timedRepresentation(PyObject* value) {
     return text;
 }
 
-QString PythonTexts::typeNameOf(PyObject* value) {
-    const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
-    return name.mid(name.lastIndexOf('.') + 1);
-}
-
 PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {
     PyObject* const object = objectOf(value);
     if (isContainer(object))
         return {static_cast<int>(containerSize(object)),
-                [this, depth, items = containerItems(object, 0, end)](int index) {
+                [this, depth, items = containerItems(object, end)](int index) {
                     const ContainerItem& item = items.at(static_cast<std::size_t>(index));
                     const Value part = new PythonArgument(item.value);
                     if (!item.key)
@@ -153,10 +147,6 @@ PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) 
 
 QString PythonTexts::keyText(PyObject* key, int depth) {
     return cut(text(new PythonArgument(PyRef::borrow(key)), depth + 1));
-}
-
-QString PythonTexts::nameOfKey(PyObject* key) {
-    return keyName(keyText(key, 0), isWrittenAsCode(key));
 }
 
 QString PythonTexts::text(const Value& own, int depth) {
@@ -191,7 +181,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
     PyObject* const value = objectOf(own);
     const Py_ssize_t count = containerSize(value);
     if (PyAnySet_Check(value) && count == 0)
-        return typeNameOf(value) + "()";
+        return own->typeName() + "()";
     const QString inner = partsText(own, depth);
     if (PyTuple_Check(value))
         return "(" + inner + (count == 1 ? ",)" : ")");
