@@ -4,11 +4,12 @@
 
 import bisect
 import dis
-import functools
 import sys
 
 # Handlers in handlers; no code is nested as deep.
 MOST_NESTED = 100
+# Places of which it is known what catches an exception there.
+MOST_PLACES = 1000
 
 
 def is_caught(exception, traceback):
@@ -34,97 +35,20 @@ def may_be_answer(exception, code):
         return False
     if name.startswith("__") and name.endswith("__"):
         return name not in ("__init__", "__call__", "__enter__")
-    asks = "hasattr" in code.co_names or "getattr" in code.co_names
-    return asks and matches(exception, AttributeError)
+    return matches(exception, AttributeError) and (
+        "hasattr" in code.co_names or "getattr" in code.co_names)
 
 
 def may_catch(frame, exception):
-    """Whether a frame may catch an exception that is raised at the instruction where it stands: an
-    `except` that matches, or one that can't be judged beforehand, such as a `with` or an `except*`.
-    A `finally` does not catch."""
-    table = dis._parse_exception_table(frame.f_code)
-    place = frame.f_lasti
-    for _ in range(MOST_NESTED):
-        # What passes a handler goes on where an exception in the handler would.
-        place = next((row.target for row in table if row.start <= place < row.end), None)
-        if place is None:
-            return False
-        if handler_may_catch(frame, place, exception):
-            return True
-    return False
-
-
-@functools.lru_cache(maxsize=200)
-def instructions_of(code):
-    """The instructions, and where they are."""
-    instructions = [each for each in dis.get_instructions(code) if each.opname != "EXTENDED_ARG"]
-    return instructions, [each.offset for each in instructions]
-
-
-def handler_may_catch(frame, place, exception):
-    """Runs the beginning of a handler as far as it says which exceptions it is for."""
-    instructions, offsets = instructions_of(frame.f_code)
-    index = bisect.bisect_left(offsets, place)
-    if instructions[index].opname != "PUSH_EXC_INFO":
-        return False
-    stack = []
-    # No type in front: the handler is for all of them.
-    is_bare = True
-    while (index := index + 1) < len(instructions):
-        instruction = instructions[index]
-        match instruction.opname:
-            case "POP_TOP":
-                return is_bare
-            case "WITH_EXCEPT_START" | "BUILD_LIST":
-                # An except* collects what it has left over.
+    """Whether a frame may catch an exception that is raised at the instruction where it stands."""
+    for types in types_at(frame.f_code, frame.f_lasti):
+        try:
+            if types is None or matches(exception, eval(types, frame.f_globals, frame.f_locals)):
                 return True
-            case "COPY" | "SWAP":
-                is_bare = False
-            case "CHECK_EXC_MATCH":
-                jump = instructions[index + 1]
-                if (not stack or matches(exception, stack.pop()) or
-                        jump.opname != "POP_JUMP_FORWARD_IF_FALSE"):
-                    return True
-                index = bisect.bisect_left(offsets, jump.argval) - 1
-                stack.clear()
-                is_bare = True
-            case _:
-                # What names no exceptions is a `finally`.
-                if not push_value(stack, instruction, frame):
-                    return False
-                is_bare = False
+        except BaseException:
+            # There is no such name: the clause raises something else.
+            pass
     return False
-
-
-def push_value(stack, instruction, frame):
-    """Does what the instruction does, if it is one of those that name exceptions."""
-    name = instruction.argval
-    try:
-        match instruction.opname:
-            case "LOAD_GLOBAL":
-                # With the mark a call follows.
-                if instruction.arg & 1:
-                    return False
-                stack.append(named(name, frame.f_globals, frame.f_builtins))
-            case "LOAD_NAME":
-                stack.append(named(name, frame.f_locals, frame.f_globals, frame.f_builtins))
-            case "LOAD_FAST" | "LOAD_DEREF" | "LOAD_CLASSDEREF":
-                stack.append(frame.f_locals[name])
-            case "LOAD_ATTR":
-                stack.append(getattr(stack.pop(), name))
-            case "BUILD_TUPLE":
-                first = len(stack) - instruction.arg
-                stack[first:] = [tuple(stack[first:])]
-            case _:
-                return False
-    except BaseException:
-        return False
-    return True
-
-
-def named(name, *scopes):
-    """A name as Python looks it up."""
-    return next(scope[name] for scope in scopes if name in scope)
 
 
 def matches(exception, types):
@@ -132,3 +56,86 @@ def matches(exception, types):
     if isinstance(types, tuple):
         return any(matches(exception, each) for each in types)
     return any(each is types for each in type(exception).__mro__)
+
+
+known_places = {}
+
+
+def types_at(code, place):
+    """What catches an exception that is raised at a place of the code, from the inside: the code of
+    the types in an `except`, None where there are none, or where that can't be judged beforehand, as
+    for a `with` or an `except*`. A `finally` does not catch."""
+    key = id(code), place
+    if key not in known_places:
+        if len(known_places) >= MOST_PLACES:
+            known_places.clear()
+        # It keeps the code: nothing else gets its number.
+        known_places[key] = code, list(read_types(code, place))
+    return known_places[key][1]
+
+
+def read_types(code, place):
+    instructions = [each for each in dis.get_instructions(code) if each.opname != "EXTENDED_ARG"]
+    offsets = [each.offset for each in instructions]
+    table = dis._parse_exception_table(code)
+    for _ in range(MOST_NESTED):
+        # What passes a handler goes on where an exception in the handler would.
+        place = next((row.target for row in table if row.start <= place < row.end), None)
+        if place is None:
+            return
+        yield from types_of_handler(instructions, offsets, bisect.bisect_left(offsets, place))
+
+
+def types_of_handler(instructions, offsets, index):
+    """Follows the beginning of a handler as far as it says which exceptions it is for."""
+    if instructions[index].opname != "PUSH_EXC_INFO":
+        return
+    stack = []
+    # No type in front: the handler is for all of them.
+    is_bare = True
+    while (index := index + 1) < len(instructions):
+        instruction = instructions[index]
+        match instruction.opname:
+            case "POP_TOP":
+                if is_bare:
+                    yield None
+                return
+            case "WITH_EXCEPT_START" | "BUILD_LIST":
+                # An except* collects what it has left over.
+                yield None
+                return
+            case "COPY" | "SWAP":
+                is_bare = False
+            case "CHECK_EXC_MATCH":
+                jump = instructions[index + 1]
+                if not stack or jump.opname != "POP_JUMP_FORWARD_IF_FALSE":
+                    yield None
+                    return
+                yield compile(stack.pop(), "<tamrix handlers>", "eval")
+                index = bisect.bisect_left(offsets, jump.argval) - 1
+                stack.clear()
+                is_bare = True
+            case _:
+                # What names no exceptions is a `finally`.
+                if not push_text(stack, instruction):
+                    return
+                is_bare = False
+
+
+def push_text(stack, instruction):
+    """Does with texts what the instruction does with values, if it is one of those that name
+    exceptions."""
+    match instruction.opname:
+        case "LOAD_NAME" | "LOAD_FAST" | "LOAD_DEREF" | "LOAD_CLASSDEREF":
+            stack.append(instruction.argval)
+        # With the mark a call follows.
+        case "LOAD_GLOBAL" if not instruction.arg & 1:
+            stack.append(instruction.argval)
+        case "LOAD_ATTR" if stack:
+            stack.append(f"{stack.pop()}.{instruction.argval}")
+        case "BUILD_TUPLE" if len(stack) >= instruction.arg:
+            first = len(stack) - instruction.arg
+            stack[first:] = [f"({', '.join(stack[first:])},)"]
+        case _:
+            return False
+    return True
