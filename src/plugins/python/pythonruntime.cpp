@@ -100,6 +100,9 @@ PythonRuntime::PythonRuntime() {
         runPrelude("bdd", PyModule_GetDict(newModule("bdd")));
         // Nothing of it has to be read when there is an error, or no memory.
         ownName("errors", "tell");
+        // What tells the suite's files from others is there before imports ask for it.
+        ownName("state", "LIBRARY_FOLDERS");
+        ownName("overlay", "overlays");
         m_state = callOwn("state", "State");
         m_recursionLimit = Py_GetRecursionLimit();
     } catch (const PythonErrorSet&) {
@@ -117,7 +120,6 @@ void PythonRuntime::fillModule(PyObject* module) {
     addMethodType(module);
     addNativeBase(module);
     ownName("library", "Error");
-    ownName("overlay", "overlays");
     findExceptions(module);
     PyObject* const names = PyModule_GetDict(module);
     runPrelude("remotesystem", names);

@@ -3,7 +3,6 @@
 # instead: an object with the functions of the namespace that otherwise behaves as what it lies over.
 # `class Thing(object)`, `object()` and `isinstance(x, object)` mean what they always do.
 
-import sysconfig
 from importlib.machinery import SourceFileLoader
 
 # The overlays by name, as globals for scripts.
@@ -88,7 +87,4 @@ def hook_into_import(run):
     SourceFileLoader.exec_module = exec_module
 
 
-# What tells the suite's files from others is imported first: it can't be told while it is being
-# imported.
-sysconfig.get_paths()
 hook_into_import(SourceFileLoader.exec_module)

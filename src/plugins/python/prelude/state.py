@@ -6,6 +6,7 @@ import importlib
 import os
 import signal
 import sys
+import sysconfig
 import time
 
 import bdd
@@ -14,6 +15,16 @@ import tamrix
 # Namespaces that live on.
 NAMESPACES = [vars(each) for each in (builtins, tamrix, bdd)]
 MODULES = sys.modules
+
+
+def library_folders():
+    """Python's library, installed packages, and Debian's own ones."""
+    paths = sysconfig.get_paths()
+    return [*map(paths.get, ("stdlib", "platstdlib", "purelib", "platlib")), "/usr/lib/python3"]
+
+
+# Found before a script can break anything.
+LIBRARY_FOLDERS = library_folders()
 
 
 def set_back(names, before):
