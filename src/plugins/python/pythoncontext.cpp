@@ -1,12 +1,10 @@
 #include "plugins/python/pythoncontext.h"
 
 #include "plugins/python/nativefunction.h"
-#include "plugins/python/objecttype.h"
 #include "plugins/python/prelude.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scripterror.h"
-#include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -76,9 +74,8 @@ void PythonContext::define(const NativeFunction& function) {
 
 void PythonContext::defineMember(const NativeFunction& function) {
     const NativeSignature& signature = function.signature();
-    const PyRef module = checked(PyImport_ImportModule("tamrix"));
-    const PyRef owner =
-        checked(PyObject_GetAttrString(module.get(), signature.owner.toUtf8().constData()));
+    const PyRef owner = checked(PyObject_GetAttrString(
+        ownName("library", "tamrix"), signature.owner.toUtf8().constData()));
     const PyRef method = checked(PyInstanceMethod_New(makeFunction(function).get()));
     const PyRef name = checkedReference(toPyString(pythonName(signature.name)));
     checked(PyObject_SetAttr(owner.get(), name.get(), method.get()));

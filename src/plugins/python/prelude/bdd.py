@@ -12,8 +12,8 @@ class PendingStepError(Exception):
 
 
 class Context:
-    """What steps and hooks keep for each other, by scenario, feature and test case; with `table` and
-    `text` of a step"""
+    """What steps and hooks keep for each other, by scenario, feature and test case; with `table`
+    and `text` of a step"""
     __slots__ = ()
 
     # Methods whose names begin with "_" are the library's.

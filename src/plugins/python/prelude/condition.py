@@ -30,8 +30,8 @@ HARMLESS_NODES = (ast.Name, ast.Constant, ast.Attribute, ast.Subscript, ast.Bool
 
 
 def explain(parameter):
-    """The text for the first argument, or for the one called `parameter`. Empty when there is nothing
-    to tell: for a plain constant, code without a file, a file that is another one by now."""
+    """The text for the first argument, or for the one called `parameter`. Empty when there is
+    nothing to tell: for a plain constant, code without a file, one that has changed since."""
     try:
         frame = sys._getframe().f_back
         if source_of(frame.f_code.co_filename)[0] is None:

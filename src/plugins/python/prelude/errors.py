@@ -39,7 +39,7 @@ def own_text(exception):
 
 
 def cause_of(exception):
-    """The words in front of the exception that led to this one, and that; None when there is none."""
+    """The words in front of the exception that led to this one, and that; None without one."""
     cause = attribute(exception, "__cause__")
     if cause is not None:
         return "\ncaused by ", cause
@@ -62,8 +62,8 @@ def line_of(number):
 
 
 def stack_of(exception, traceback):
-    """(file, line) of lines in scripts, the innermost first. When there is none, the innermost line of
-    all stands alone."""
+    """(file, line) of lines in scripts, the innermost first. When there is none, the innermost line
+    of all stands alone."""
     lines = []
     # A traceback runs from the outermost call inwards.
     while traceback is not None:

@@ -62,7 +62,8 @@ def run(code, names, variables):
 
 
 def entry_of(dictionary, name):
-    """The value under a text, or under the key that code in brackets gives, in a tuple; None without."""
+    """The value under a text, or under the key that code in brackets gives, in a tuple; None
+    without one."""
     try:
         key = ast.literal_eval(name[1:-1]) if name.startswith("[") else name
         # As it is in every dictionary, whatever a class that is derived from it makes of it.

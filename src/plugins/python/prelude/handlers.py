@@ -1,6 +1,6 @@
-# Whether something catches an exception that is on its way. Handlers are read from the byte code of
-# CPython 3.11: a table at each code object says which handler covers an instruction, and the handler
-# begins with a fixed sequence of instructions.
+# Whether something catches an exception that is on its way. Handlers are read from the byte code
+# of CPython 3.11: a table at each code object says which handler covers an instruction, and the
+# handler begins with a fixed sequence of instructions.
 
 import bisect
 import dis
@@ -27,8 +27,8 @@ def is_caught(exception, traceback):
 
 
 def may_be_answer(exception, code):
-    """Whether Python itself, which has no frames, may be waiting for the exception as an answer: code
-    of an operator such as `__getitem__`, or an attribute that somebody asks after."""
+    """Whether Python itself, which has no frames, may be waiting for the exception as an answer:
+    code of an operator such as `__getitem__`, or an attribute that somebody asks after."""
     name = code.co_name
     if code.co_filename.startswith("<tamrix "):
         # What is written in Python of the test system asks for no answers.
@@ -63,8 +63,8 @@ known_places = {}
 
 def types_at(code, place):
     """What catches an exception that is raised at a place of the code, from the inside: the code of
-    the types in an `except`, None where there are none, or where that can't be judged beforehand, as
-    for a `with` or an `except*`. A `finally` does not catch."""
+    the types in an `except`, None where there are none, or where that can't be judged beforehand,
+    as for a `with` or an `except*`. A `finally` does not catch."""
     key = id(code), place
     if key not in known_places:
         if len(known_places) >= MOST_PLACES:

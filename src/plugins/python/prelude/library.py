@@ -100,8 +100,8 @@ def make_class(name, base, constructor, members):
 
 
 class Pixels(tamrix._PixelBuffer):
-    """The base of Image, and so of Screenshot: what these have beyond the members that every language
-    gets"""
+    """The base of Image, and so of Screenshot: what these have beyond the members that every
+    language gets"""
     __slots__ = ()
     # Pixels may change.
     __hash__ = None
@@ -123,7 +123,7 @@ class Pixels(tamrix._PixelBuffer):
                 "data": pixels_of(self)}
 
     def _array(self):
-        """Red, green, blue and alpha as bytes by row and column: a copy of the pixels as they are."""
+        """Red, green, blue and alpha as bytes by row and column: a copy of the pixels."""
         view = memoryview(pixels_of(self))
         return view.cast("B", (self.height, self.width, 4)) if view else view
 

@@ -5,8 +5,8 @@ from importlib.machinery import SourceFileLoader
 
 
 def imported_code(path, folder):
-    """The code of a module as Python's import has it, which keeps it below the folder until the file
-    changes. None when it can't be had so."""
+    """The code of a module as Python's import has it, which keeps it below the folder until the
+    file changes. None when it can't be had so."""
     # Nothing of what the script imports itself is kept.
     sys.pycache_prefix = folder
     sys.dont_write_bytecode = False

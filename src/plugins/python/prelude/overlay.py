@@ -1,7 +1,7 @@
 # A namespace of the library whose name is one of Python's own: "object". Python's library needs the
 # name as it is, so it stays in the builtins, and scripts and modules of the suite get an overlay
-# instead: an object with the functions of the namespace that otherwise behaves as what it lies over.
-# `class Thing(object)`, `object()` and `isinstance(x, object)` mean what they always do.
+# instead: an object with the functions of the namespace that otherwise behaves as what it lies
+# over. `class Thing(object)`, `object()` and `isinstance(x, object)` mean what they always do.
 
 from importlib.machinery import SourceFileLoader
 

@@ -1,5 +1,5 @@
-# What a script can change in Python, and how that is undone: what a case leaves behind must not reach
-# the next. Modules of Python's library stay: they would only be loaded again.
+# What a script can change in Python, and how that is undone: what a case leaves behind must not
+# reach the next. Modules of Python's library stay: they would only be loaded again.
 
 import builtins
 import importlib
