@@ -233,11 +233,11 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    QString slipIn(const QString& code);
     /// Leaves the arguments that somebody has kept to them.
     [[gnu::cold]] void dropKeptArguments();
     /// The end of a call that has left a result that nobody took, or an error.
     [[gnu::cold]] void endUnusualCall();
-    QString slipIn(const QString& code);
 
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;

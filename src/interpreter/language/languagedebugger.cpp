@@ -130,6 +130,16 @@ const std::vector<int>& LanguageDebugger::breakLines(int sourceId) const {
     return lines == m_breakLines.constEnd() ? s_none : *lines;
 }
 
+void LanguageDebugger::setInteractive(bool interactive) {
+    Debugger::setInteractive(interactive);
+    modeChanged();
+}
+
+void LanguageDebugger::setDebuggerMode(DbgMode mode) {
+    Debugger::setDebuggerMode(mode);
+    modeChanged();
+}
+
 void LanguageDebugger::setBreakPoint(int line, int sourceId, bool set) {
     Debugger::setBreakPoint(line, sourceId, set);
     std::vector<int>& lines = m_breakLines[sourceId];

@@ -111,6 +111,8 @@ public:
     void missingStep(int line, const std::string& text) override;
     VariableBindings variables(const QString& path) override;
     void initVariableWatcher() override;
+    void setInteractive(bool interactive) override;
+    void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
     /// A place in a file that is none of the language's, over what runs now: a step of a feature.
@@ -133,8 +135,9 @@ protected:
     /// The time of isSilent() begins and ends. By default nothing else is to be done.
     virtual void enterSilence() {}
     virtual void leaveSilence() {}
-    /// Break points have changed.
+    /// Break points have changed; the mode, or whether it is interactive.
     virtual void breakPointsChanged() {}
+    virtual void modeChanged() {}
 
 private:
     class Silence;

@@ -130,8 +130,12 @@ void LanguageInterpreter::setScriptArguments(const QString& scriptPath,
     clearCallables();
     m_steps->clear();
     // A module that findFile() finds is the one that the language finds.
-    startScript(scriptPath, arguments,
-                scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
+    try {
+        startScript(scriptPath, arguments,
+                    scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
+    } catch (const ScriptErrorSet&) {
+        qWarning("The script can't be started: %s", takeError().message.toLocal8Bit().constData());
+    }
     m_hasStarted = true;
 }
 

@@ -173,7 +173,7 @@ protected:
     /// is taken stays what it is.
     virtual void publishFunctions(const QStringList& names) = 0;
     /// A script begins: takes away what an earlier one has left, its names above all. `folders` are
-    /// where modules are looked for, in this order.
+    /// where modules are looked for, in this order. What throws ScriptErrorSet is told.
     virtual void startScript(const QString& path, const QStringList& arguments,
                              const QStringList& folders) = 0;
     /// The function that the script defines; null without.

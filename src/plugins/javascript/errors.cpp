@@ -3,10 +3,8 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "interpreter/language/stacklines.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
-#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -18,27 +16,23 @@ constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
 /// By ScriptFailure::Kind: the class of the namespace `tamrix`, or null for one of the language.
 constexpr struct {
     const char* own;
-    JSExnType builtIn;
+    JSProtoKey builtIn;
 } errorClasses[] = {
-    {"Error", JSEXN_ERR},       {"VerificationError", JSEXN_ERR}, {"FatalError", JSEXN_ERR},
-    {"LookupError", JSEXN_ERR}, {nullptr, JSEXN_REFERENCEERR},    {nullptr, JSEXN_TYPEERR},
+    {"Error", JSProto_Error},          {"VerificationError", JSProto_Error},
+    {"FatalError", JSProto_Error},     {"LookupError", JSProto_Error},
+    {nullptr, JSProto_ReferenceError}, {nullptr, JSProto_TypeError},
 };
 
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
 constexpr const char* endTexts[] = {"The script was ended", "Interrupted", "Out of memory",
                                     "The script ended with exit(%1)"};
 
-/// An error of a class of the namespace `tamrix`; null when no test case runs.
-JSObject* makeOwn(const char* errorClass, const QString& text) {
-    ScriptRealm* const realm = ScriptRealm::current();
-    return realm ? newInstance(ValueRoot(realm->errorClass(errorClass)),
-                               ValueRoots().add(toJsText(text)))
-                 : nullptr;
-}
-
-[[noreturn]] void throwObject(JS::HandleObject error) {
-    JS_SetPendingException(engineContext(), ValueRoot(JS::ObjectValue(*error)));
-    throw ScriptErrorSet();
+/// An error of a class of the namespace `tamrix`, or of one of the language when there is none.
+JSObject* newError(const char* own, JSProtoKey builtIn, const QString& text) {
+    ScriptRealm* const realm = own ? ScriptRealm::current() : nullptr;
+    const ObjectRoot type(realm ? ObjectRoot(realm->errorClass(own)).get()
+                                : given<JSObject*>(JS_GetClassObject, builtIn));
+    return newInstance(ValueRoot(JS::ObjectValue(*type)), ValueRoots().add(toJsText(text)));
 }
 
 bool isInstance(JS::HandleValue value, const char* errorClass) {
@@ -59,11 +53,9 @@ void addLinesOfStack(JS::HandleObject stack, ScriptError* error) {
     while (frame) {
         Root<JSString*> file;
         std::uint32_t line = 0;
-        if (JS::GetSavedFrameSource(context, nullptr, frame, &file, excluded) !=
-                JS::SavedFrameResult::Ok ||
-            JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded) !=
-                JS::SavedFrameResult::Ok)
-            break;
+        // Of code that is not shown these are empty.
+        JS::GetSavedFrameSource(context, nullptr, frame, &file, excluded);
+        JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded);
         error->outermostLine = static_cast<int>(line);
         const LineInfo place =
             placeOfCode(fileFromEngine(fromJsString(file)), error->outermostLine);
@@ -76,15 +68,6 @@ void addLinesOfStack(JS::HandleObject stack, ScriptError* error) {
             JS::GetSavedFrameAsyncParent(context, nullptr, frame, &parent, excluded);
         frame = parent;
     }
-}
-
-/// Takes the lines of the code that still runs from the end of a stack.
-void cutRunningLines(std::vector<LineInfo>* stack) {
-    const std::vector<LineInfo> running = runningLines();
-    if (running.size() <= stack->size() &&
-        std::equal(running.rbegin(), running.rend(), stack->rbegin(),
-                   [](const LineInfo& left, const LineInfo& right) { return !(left != right); }))
-        stack->resize(stack->size() - running.size());
 }
 
 /// Takes the lines of classes of errors that have no constructor of their own from the beginning:
@@ -114,7 +97,7 @@ ScriptError errorOfEnd() {
         error.message = error.message.arg(Engine::self().exitStatus());
     }
     addLinesOfStack(stack, &error);
-    cutRunningLines(&error.callStack);
+    cutCommonEnd(&error.callStack, runningLines());
     return error;
 }
 
@@ -127,7 +110,7 @@ ScriptError errorOf(const JS::ExceptionStack& thrown) {
         error.message = exceptionText(exception);
         // The stack that an error has, or the one with which it was thrown.
         addLinesOfStack(own ? JS::HandleObject(own) : thrown.stack(), &error);
-        cutRunningLines(&error.callStack);
+        cutCommonEnd(&error.callStack, runningLines());
         if (own)
             cutOwnClasses(exception, &error.callStack);
     } catch (const ScriptErrorSet&) {
@@ -156,14 +139,17 @@ ScriptError errorOf(const JS::ExceptionStack& thrown) {
 
 // Throwing
 
+void throwError(JS::HandleObject error) {
+    JS_SetPendingException(engineContext(), ValueRoot(JS::ObjectValue(*error)));
+    throw ScriptErrorSet();
+}
+
 void throwFailure(const ScriptFailure& failure) {
     const auto& row = ScriptFailure::of(failure.kind, errorClasses);
-    const ObjectRoot error(row.own ? makeOwn(row.own, failure.text) : nullptr);
-    if (!error)
-        throwBuiltIn(row.builtIn, failure.text);
+    const ObjectRoot error(newError(row.own, row.builtIn, failure.text));
     if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->noticeFailure(failure, error);
-    throwObject(error);
+        interpreter->failures().notice(failure, interpreter->languageDebugger(), error);
+    throwError(error);
 }
 
 void raise(const ScriptFailure& failure) {
@@ -175,18 +161,17 @@ void raise(const ScriptFailure& failure) {
 }
 
 void throwPendingStep(const QString& text) {
-    throwObject(ObjectRoot(makeOwn("PendingStepError", text)));
+    throwError(ObjectRoot(newError("PendingStepError", JSProto_Error, text)));
 }
 
-void throwBuiltIn(JSExnType type, const QString& text) {
-    JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(type)};
-    JS_ReportErrorNumberUTF8(
-        engineContext(),
-        [](void* reference, unsigned) -> const JSErrorFormatString* {
-            return static_cast<JSErrorFormatString*>(reference);
-        },
-        &format, 1, text.toUtf8().constData());
+void throwWithStack(JS::HandleValue thrown, JS::HandleObject stack) {
+    JS::SetPendingExceptionStack(engineContext(),
+                                 JS::ExceptionStack(engineContext(), thrown, stack));
     throw ScriptErrorSet();
+}
+
+void throwBuiltIn(JSProtoKey type, const QString& text) {
+    throwError(ObjectRoot(newError(nullptr, type, text)));
 }
 
 QString nameOfCallee(const JS::CallArgs& arguments) {
@@ -220,15 +205,9 @@ QString exceptionText(JS::HandleValue exception) {
 }
 
 ScriptError takeScriptError() {
-    if (!JS_IsExceptionPending(engineContext()))
-        return errorOfEnd();
-    JS::ExceptionStack thrown(engineContext());
-    if (JS::StealPendingExceptionStack(engineContext(), &thrown))
-        return errorOf(thrown);
+    const std::optional<ScriptError> error = pendingScriptError();
     clearException();
-    ScriptError error;
-    error.message = QStringLiteral("Out of memory");
-    return error;
+    return error ? *error : errorOfEnd();
 }
 
 std::optional<ScriptError> pendingScriptError() {
@@ -267,12 +246,11 @@ LineInfo placeOfFunction(const JS::Value& function) {
     const Root<JSFunction*> object(function.isObject() ? JS_GetObjectFunction(&function.toObject())
                                                        : nullptr);
     JSScript* const script = object ? JS_GetFunctionScript(engineContext(), object) : nullptr;
-    if (!script) {
-        clearException();
-        return {};
-    }
-    return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
-                       static_cast<int>(JS_GetScriptBaseLineNumber(engineContext(), script)));
+    if (script)
+        return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
+                           static_cast<int>(JS_GetScriptBaseLineNumber(engineContext(), script)));
+    clearException();
+    return {};
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

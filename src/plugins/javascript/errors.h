@@ -22,7 +22,12 @@ void raise(const ScriptFailure& failure);
 [[noreturn]] void throwFailure(const ScriptFailure& failure);
 
 /// An error of a class of the language.
-[[noreturn]] void throwBuiltIn(JSExnType type, const QString& text);
+[[noreturn]] void throwBuiltIn(JSProtoKey type, const QString& text);
+
+[[noreturn]] void throwError(JS::HandleObject error);
+
+/// Throws what was thrown before, with its stack; null for none.
+[[noreturn]] void throwWithStack(JS::HandleValue thrown, JS::HandleObject stack);
 
 /// The running step is still to be written.
 [[noreturn]] void throwPendingStep(const QString& text);

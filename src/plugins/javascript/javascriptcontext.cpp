@@ -1,7 +1,6 @@
 #include "plugins/javascript/javascriptcontext.h"
 
 #include "interpreter/objects/objectidentity.h"
-#include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 #include "plugins/javascript/nativefunctions.h"
@@ -31,8 +30,8 @@ private:
         const SharedPtr<Object> other = applicationObjectOf(right);
         if (one && other)
             return isSameObject(one, other);
-        js::AutoCheckRecursionLimit recursion(m_context);
-        checked(recursion.check(m_context));
+        js::AutoCheckRecursionLimit recursion(engineContext());
+        checked(recursion.check(engineContext()));
         for (std::size_t index = 0; index < m_compared.length(); index += 2) {
             if (m_compared[index] == left.get() && m_compared[index + 1] == right.get())
                 return true;
@@ -49,33 +48,32 @@ private:
     bool haveEqualMembers(js::ESClass kind, JS::HandleObject left, JS::HandleObject right) {
         if (kind == js::ESClass::Date)
             return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
-        if (isBytes(left) || isBytes(right))
-            return isBytes(left) && isBytes(right) && fromJsBytes(left) == fromJsBytes(right);
-        const bool isObject = kind == js::ESClass::Object;
-        if (isObject ? !isPlainObject(left) || !isPlainObject(right)
-                     : kind != js::ESClass::Array && kind != js::ESClass::Map &&
-                           kind != js::ESClass::Set)
-            return false;
+        if (const std::optional<QByteArray> bytes = fromJsBytes(left))
+            return bytes == fromJsBytes(right);
         ValueRoots first;
         ValueRoots second;
-        addMembers(left, isObject, &first);
-        addMembers(right, isObject, &second);
+        if (!addMembers(kind, left, &first) || !addMembers(kind, right, &second))
+            return false;
         bool equal = first.length() == second.length();
         for (std::size_t index = 0; equal && index < first.length(); ++index)
             equal = areEqual(first[index], second[index]);
         return equal;
     }
 
-    /// Of an object names and values, in the order of the names.
-    static void addMembers(JS::HandleObject container, bool isObject, ValueRoots* members) {
-        if (!isObject)
-            return elementsOf(container, members);
-        for (const auto& [name, value] : JavaScriptArgument(JS::ObjectValue(*container)).toMap())
-            members->add(toJsText(name)).add(valueOf(value));
+    /// Those of a list, or names and values in the order of the names. False when it is neither.
+    static bool addMembers(js::ESClass kind, JS::HandleObject container, ValueRoots* members) {
+        const bool isPlain = isPlainObject(container);
+        if (isPlain) {
+            const JavaScriptArgument object(JS::ObjectValue(*container));
+            for (const auto& [name, value] : object.toMap())
+                members->add(toJsText(name)).add(valueOf(value));
+        } else if (isCollection(kind)) {
+            elementsOf(container, members);
+        }
+        return isPlain || isCollection(kind);
     }
 
-    JSContext* m_context = engineContext();
-    JS::RootedObjectVector m_compared{m_context};
+    JS::RootedObjectVector m_compared{engineContext()};
 };
 
 }  // namespace
@@ -103,23 +101,23 @@ JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& appl
 
 // Registration
 
-JSObject* JavaScriptContext::holderOf(const QString& owner) {
+void JavaScriptContext::defineName(const QString& owner, const QString& name,
+                                   const JS::Value& value, unsigned attributes) {
+    const ValueRoot kept(value);
     const JS::HandleObject global = m_interpreter.realm().global();
-    if (owner.isEmpty())
-        return global;
-    ObjectRoot found(propertyOf(global, toKey(owner)));
-    if (!found) {
-        found = newObject();
-        defineProperty(global, owner, found, 0);
+    ObjectRoot holder(owner.isEmpty() ? JS::ObjectValue(*global)
+                                      : propertyOf(global, toKey(owner)));
+    if (!holder) {
+        holder = newObject();
+        defineProperty(global, owner, holder, 0);
     }
-    return found;
+    defineProperty(holder, name, kept, attributes);
 }
 
 void JavaScriptContext::define(const NativeFunction& function) {
     const QString& owner = function.signature().owner;
-    const ObjectRoot holder(holderOf(owner));
-    defineProperty(holder, function.signature().name, makeFunction(function),
-                   owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
+    defineName(owner, function.signature().name, JS::ObjectValue(*makeFunction(function)),
+               owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
 }
 
 void JavaScriptContext::defineMember(const NativeFunction& function) {
@@ -133,7 +131,7 @@ void JavaScriptContext::defineMember(const NativeFunction& function) {
 }
 
 void JavaScriptContext::defineConstant(const QString& owner, const QString& name, int value) {
-    defineProperty(ObjectRoot(holderOf(owner)), name, JS::Int32Value(value), 0);
+    defineName(owner, name, JS::Int32Value(value), 0);
 }
 
 // Positions
@@ -158,10 +156,10 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
 
 QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
     QStringList lines;
-    JavaScriptValueTexts texts;
+    const auto texts = makeLimitedTexts();
     m_interpreter.attempt([&] {
-        for (const ValueTexts::Part& each : DebuggerRealm::self().explainCaller())
-            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
+        for (const ValueTexts::Part& each : JavaScriptDebugger::explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts->textOf(each.value);
     });
     return lines.join('\n');
 }
@@ -176,7 +174,7 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
     return attemptException(
         *code, {nullptr,
                 [](const QString& text) {
-                    DebuggerRealm::self().evaluateInCaller(text, "<test.exception>");
+                    JavaScriptDebugger::evaluateInCaller(text, "<test.exception>");
                 },
                 [&] { static_cast<const JavaScriptArgument*>(code.get())->called({}); }});
 }
@@ -184,7 +182,7 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
     return attemptCondition(
         [&] {
-            const ValueRoot value(DebuggerRealm::self().evaluateInCaller(
+            const ValueRoot value(JavaScriptDebugger::evaluateInCaller(
                 '(' + expression.trimmed() + "\n)", "<waitFor>"));
             return JavaScriptArgument(value).toBool();
         },

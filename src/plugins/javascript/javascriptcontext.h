@@ -46,8 +46,9 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
-    /// The object of a namespace, or the global one for an empty name.
-    JSObject* holderOf(const QString& owner);
+    /// Defines a name of a namespace, or a global one for an empty owner.
+    void defineName(const QString& owner, const QString& name, const JS::Value& value,
+                    unsigned attributes);
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

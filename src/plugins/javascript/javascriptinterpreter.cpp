@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "plugins/javascript/javascriptsteps.h"
-#include "plugins/javascript/jobqueue.h"
 #include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/promises.h"
 
@@ -33,7 +32,7 @@ bool isModuleError() {
 void refuseGenerator(const QString& name, JS::HandleValue result) {
     const char* const kind = result.isObject() ? JS::GetClass(&result.toObject())->name : "";
     if (std::strcmp(kind, "Generator") == 0 || std::strcmp(kind, "AsyncGenerator") == 0)
-        throwBuiltIn(JSEXN_TYPEERR,
+        throwBuiltIn(JSProto_TypeError,
                      (name.isEmpty() ? QStringLiteral("The function") : name + "()") +
                          " is a generator and nothing of it has run: take its '*' away");
 }
@@ -43,11 +42,10 @@ void refuseGenerator(const QString& name, JS::HandleValue result) {
 JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, JavaScript) {
     Modules::install();
-    m_scriptModule.init(engineContext());
-    m_debugger = std::make_unique<JavaScriptDebugger>(*this);
+    stopWaiting();
     try {
         enterNewRealm();
-        begin(m_context, *m_debugger, std::make_unique<JavaScriptSteps>(*this));
+        begin(m_context, m_debugger, makeStepLanguage(*this));
     } catch (const ScriptErrorSet&) {
         const QString text = takeScriptError().message;
         leaveActive();
@@ -60,7 +58,7 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
 JavaScriptInterpreter::~JavaScriptInterpreter() {
     end();
     m_failures.clear();
-    Engine::self().jobs().clear();
+    stopWaiting();
     leaveActive();
     enterActiveRealm();
     m_realm.reset();
@@ -71,7 +69,7 @@ void JavaScriptInterpreter::enterNewRealm() {
     m_realm = std::make_unique<ScriptRealm>();
     enterActiveRealm();
     m_context.defineStepMembers();
-    m_debugger->realmChanged();
+    m_debugger.realmChanged();
 }
 
 void JavaScriptInterpreter::enterActiveRealm() {
@@ -110,27 +108,22 @@ void JavaScriptInterpreter::startScript(const QString& path, const QStringList& 
                                         const QStringList& folders) {
     m_failures.clear();
     m_scriptModule = nullptr;
-    Engine::self().jobs().clear();
-    try {
-        if (hasStarted()) {
-            enterNewRealm();
-            registerFunctions();
-            for (const QString& text : initScripts())
-                attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
-        }
-        m_realm->modules().folders() = folders + m_searchPath;
-        const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
-        defineProperty(library, QStringLiteral("argv"), newArray(QStringList(path) + arguments));
-    } catch (const ScriptErrorSet&) {
-        qWarning("The script can't be started: %s",
-                 takeScriptError().message.toLocal8Bit().constData());
+    stopWaiting();
+    if (hasStarted()) {
+        enterNewRealm();
+        registerFunctions();
+        for (const QString& text : initScripts())
+            attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
     }
+    m_realm->modules().folders() = folders + m_searchPath;
+    const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
+    defineProperty(library, QStringLiteral("argv"), newArray(QStringList(path) + arguments));
 }
 
 JavaScriptInterpreter::Code JavaScriptInterpreter::compile(const QString& text,
                                                            const QString& fileName) {
     const QString file = fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName);
-    m_debugger->sourceIdOf(file);
+    m_debugger.sourceIdOf(file);
     Source source(text, file);
     // As modules are: a slip in a name is an error, and no new variable or property.
     source.options.setForceStrictMode();
@@ -162,10 +155,6 @@ void JavaScriptInterpreter::runText(const QString& text, const QString& fileName
     }
 }
 
-bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
-    return runCode(!fileName.isEmpty(), [&] { runText(text, fileName, Exports::StayInModule); });
-}
-
 SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& name) {
     static const QRegularExpression s_name(QStringLiteral("^[A-Za-z_$][\\w$]*$"));
     if (!s_name.match(name).hasMatch())
@@ -195,14 +184,14 @@ ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
     ScriptArgument::Map variables;
     if (!m_scriptModule)
         return variables;
-    const ObjectRoot names(JS::GetModuleNamespace(engineContext(), m_scriptModule));
-    IdRoots keys;
-    if (!names ||
-        !js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys))
-        clearException();
-    // A name has no value before the script has come to it.
-    for (const jsid& key : keys)
-        attempt([&] { variables[fromKey(key)] = argumentOf(propertyOf(names, key)); });
+    attempt([&] {
+        const ObjectRoot names(checked(JS::GetModuleNamespace(engineContext(), m_scriptModule)));
+        JS::PersistentRootedIdVector keys(engineContext());
+        checked(js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys));
+        // A name has no value before the script has come to it.
+        for (const jsid& key : keys)
+            attempt([&] { variables[fromKey(key)] = argumentOf(propertyOf(names, key)); });
+    });
     return variables;
 }
 
@@ -221,13 +210,8 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
     });
 }
 
-LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    return placeOfFunction(valueOf(function));
-}
-
 QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
-    const FrameHandle handle = frame ? std::any_cast<FrameHandle>(frame->own) : FrameHandle();
-    const ValueRoot value(DebuggerRealm::self().evaluate(handle, code));
+    const ValueRoot value(JavaScriptDebugger::evaluate(frame, code));
     if (value.isUndefined())
         return {};
     return value.isString() ? quoted(fromJsText(value)) : textOf(value);

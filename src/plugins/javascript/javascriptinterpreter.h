@@ -25,19 +25,10 @@ public:
         return static_cast<JavaScriptInterpreter*>(LanguageInterpreter::active(JavaScript));
     }
 
-    JavaScriptContext& javaScriptContext() { return m_context; }
-    JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
+    JavaScriptDebugger& javaScriptDebugger() { return m_debugger; }
     ScriptRealm& realm() { return *m_realm; }
 
-    /// A failure has become this error: one that ends the case as skipped, or that stands in a file
-    /// that is none of the language's, is told by it. What else is thrown on its way is an error.
-    void noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
-        m_failures.notice(failure, *m_debugger, engineContext(), error);
-    }
-    void noticePlace(const LineInfo& place, JS::HandleObject error) {
-        m_failures.noticePlace(place, engineContext(), error);
-    }
-    const NoticedFailures<JS::PersistentRootedObject>& failures() const { return m_failures; }
+    NoticedFailures<ObjectRoot>& failures() { return m_failures; }
 
     /// What becomes of the exports of a module.
     enum class Exports { StayInModule, BecomeGlobals };
@@ -51,7 +42,9 @@ public:
     /// What the script's module exports, by name, as far as it has come to it.
     ScriptArgument::Map exportedVariables();
 
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override {
+        return placeOfFunction(valueOf(function));
+    }
     bool isErrorOrdinary() override { return !isEndOfScript(); }
     ScriptError takeError() override { return takeScriptError(); }
     void compileOnly(const QString& text, const QString& fileName) override {
@@ -66,11 +59,14 @@ protected:
                      const QStringList& folders) override;
     SharedPtr<ScriptArgument> scriptFunction(const QString& name) override;
     SharedPtr<ScriptArgument> libraryFunction(const QString& name) override;
-    bool runScript(const QString& text, const QString& fileName) override;
+    bool runScript(const QString& text, const QString& fileName) override {
+        return runCode(!fileName.isEmpty(),
+                       [&] { runText(text, fileName, Exports::StayInModule); });
+    }
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    void errorUncaught() override { m_debugger->errorUncaught(); }
+    void errorUncaught() override { m_debugger.errorUncaught(); }
 
 private:
     void enterNewRealm();
@@ -85,12 +81,12 @@ private:
     Code compile(const QString& text, const QString& fileName);
 
     JavaScriptContext m_context{*this};
+    JavaScriptDebugger m_debugger{*this};
     std::unique_ptr<ScriptRealm> m_realm;
-    std::unique_ptr<JavaScriptDebugger> m_debugger;
     QStringList m_searchPath;
 
-    JS::PersistentRootedObject m_scriptModule;
-    NoticedFailures<JS::PersistentRootedObject> m_failures;
+    ObjectRoot m_scriptModule;
+    NoticedFailures<ObjectRoot> m_failures;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

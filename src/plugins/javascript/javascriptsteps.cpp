@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "platform/gherkin/expressions/expressionerror.h"
-#include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -23,7 +22,7 @@ QString camelCase(const QString& words) {
 // The functions of scripts
 
 [[noreturn]] void refuse(const char* text) {
-    throwBuiltIn(JSEXN_TYPEERR, QString::fromLatin1(text));
+    throwBuiltIn(JSProto_TypeError, QString::fromLatin1(text));
 }
 
 /// A function of the script over one that works with the steps of the running case.
@@ -35,7 +34,7 @@ auto withSteps(const JS::CallArgs& arguments) {
     try {
         return function(interpreter->steps(), arguments);
     } catch (const Gherkin::ExpressionError& error) {
-        throwBuiltIn(JSEXN_ERR, QString::fromUtf8(error.what()));
+        throwBuiltIn(JSProto_Error, QString::fromUtf8(error.what()));
     }
 }
 
@@ -114,48 +113,54 @@ constexpr JSFunctionSpec functions[] = {
     JS_FS_END,
 };
 
+class JavaScriptSteps final : public StepLanguage {
+public:
+    explicit JavaScriptSteps(JavaScriptInterpreter& interpreter)
+        : StepLanguage(interpreter), m_interpreter(interpreter) {}
+
+    std::optional<ScriptError> loadFile(const QString& path, const QString& text) override {
+        return interpreter().attempt([&] { modules().load(text, path); });
+    }
+    bool isLoaded(const QString& path) override { return modules().isLoaded(path); }
+    void forgetFiles(const QStringList& paths) override {
+        for (const QString& path : paths)
+            modules().forget(path);
+    }
+    LineInfo definitionOf(const Value& function) override {
+        return interpreter().placeOf(function);
+    }
+    Value contextValue() override { return argumentOf(m_interpreter.realm().ofLibrary("context")); }
+    /// An array of objects by the names of the first row, with `headers`, `rows` and `raw`.
+    Value tableValue(const Value& rows) override {
+        const ValueRoot makeTable(m_interpreter.realm().ofLibrary("makeTable"));
+        return argumentOf(resultOf(makeTable, ArgumentValues({rows})));
+    }
+    /// A BigInt.
+    Value bigInteger(const QString& text) override {
+        const QByteArray digits = text.toLatin1();
+        const mozilla::Span<const char> span(digits.constData(), std::size_t(digits.size()));
+        return argumentOf(
+            JS::BigIntValue(checked(JS::SimpleStringToBigInt(engineContext(), span, 10))));
+    }
+    QString snippetText(const StepSnippet& snippet) override {
+        QStringList parameters{QStringLiteral("context")};
+        for (const QString& name : snippet.parameters)
+            parameters += camelCase(name);
+        const QString function = snippet.keyword.left(1).toUpper() + snippet.keyword.mid(1);
+        return QStringLiteral("%1(%2, (%3) => {\n    pending();\n});\n")
+            .arg(function, quoted(snippet.expression), parameters.join(QLatin1String(", ")));
+    }
+
+private:
+    Modules& modules() { return m_interpreter.realm().modules(); }
+
+    JavaScriptInterpreter& m_interpreter;
+};
+
 }  // namespace
 
-JavaScriptSteps::JavaScriptSteps(JavaScriptInterpreter& interpreter)
-    : StepLanguage(interpreter), m_interpreter(interpreter) {}
-
-std::optional<ScriptError> JavaScriptSteps::loadFile(const QString& path, const QString& text) {
-    return interpreter().attempt([&] { m_interpreter.realm().modules().load(text, path); });
-}
-
-bool JavaScriptSteps::isLoaded(const QString& path) {
-    return m_interpreter.realm().modules().isLoaded(path);
-}
-
-void JavaScriptSteps::forgetFiles(const QStringList& paths) {
-    for (const QString& path : paths)
-        m_interpreter.realm().modules().forget(path);
-}
-
-StepLanguage::Value JavaScriptSteps::contextValue() {
-    return argumentOf(m_interpreter.realm().ofLibrary("context"));
-}
-
-StepLanguage::Value JavaScriptSteps::tableValue(const Value& rows) {
-    return argumentOf(
-        resultOf(ValueRoot(m_interpreter.realm().ofLibrary("makeTable")), ArgumentValues({rows})));
-}
-
-StepLanguage::Value JavaScriptSteps::bigInteger(const QString& text) {
-    const QByteArray digits = text.toLatin1();
-    const mozilla::Range<const JS::Latin1Char> range(
-        reinterpret_cast<const JS::Latin1Char*>(digits.constData()),
-        static_cast<std::size_t>(digits.size()));
-    return argumentOf(JS::BigIntValue(checked(JS::StringToBigInt(engineContext(), range))));
-}
-
-QString JavaScriptSteps::snippetText(const StepSnippet& snippet) {
-    QStringList parameters{QStringLiteral("context")};
-    for (const QString& name : snippet.parameters)
-        parameters += camelCase(name);
-    const QString function = snippet.keyword.left(1).toUpper() + snippet.keyword.mid(1);
-    return QStringLiteral("%1(%2, (%3) => {\n    pending();\n});\n")
-        .arg(function, quoted(snippet.expression), parameters.join(QLatin1String(", ")));
+std::unique_ptr<StepLanguage> makeStepLanguage(JavaScriptInterpreter& interpreter) {
+    return std::make_unique<JavaScriptSteps>(interpreter);
 }
 
 void addStepFunctions(JS::HandleObject global) {

@@ -24,6 +24,9 @@ public:
     /// Runs a module and those that it imports, until it has waited for all that it waits for.
     /// Throws ScriptErrorSet.
     void run(JS::HandleObject module);
+    /// The module that a file asks for, which may have no name itself. `isRunning` tells that it
+    /// does so by code that runs.
+    JSObject* imported(const QString& name, const QString& importer, bool isRunning);
     /// Runs the text of a file as its module.
     void load(const QString& text, const QString& path) { run(ObjectRoot(add(text, path))); }
     /// Forgets the module of a file, which is loaded anew then.
@@ -31,25 +34,9 @@ public:
     bool isLoaded(const QString& path) const { return m_modules.contains(path); }
 
 private:
-    static JSObject* resolve(JSContext* context, JS::HandleValue importer,
-                             JS::HandleObject request);
-    static bool importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
-                            JS::HandleObject promise);
-    static bool describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta);
-
-    /// What a module or a script asks for.
-    struct Import {
-        QString name;
-        /// The file that asks; may be empty.
-        QString importer;
-        /// Where it stands, when that is in no running code.
-        LineInfo place;
-    };
-    JSObject* moduleOf(const Import& import);
     JSObject* add(const QString& text, const QString& path);
     /// Where a module asks for another one; invalid when that can't be told.
-    LineInfo placeOf(const Import& import) const;
-    QString find(const Import& import) const;
+    LineInfo placeOf(const QString& name, const QString& importer) const;
 
     QStringList m_folders;
     QHash<QString, ObjectRoot> m_modules;

@@ -1,28 +1,13 @@
 #include "plugins/javascript/objectproxy.h"
 
-#include <algorithm>
-
 #include "interpreter/language/objectcalls.h"
 
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
-#include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
-#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-/// Names that the language asks any value for, where none is no error.
-constexpr const char* askedNames[] = {"then", "toJSON"};
-
-LanguageInterpreter* active() {
-    return JavaScriptInterpreter::active();
-}
 
 // The traps of the handler. Each has the object that holds the application's as first argument, and
 // most have a key behind it.
@@ -33,10 +18,9 @@ struct Access {
     /// Its text; null without one.
     QString name;
 };
-using Trap = JS::Value (*)(const Access& access, const JS::CallArgs& arguments);
 
 /// As the engine calls it.
-template <Trap work>
+template <auto work>
 bool trap(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     Access access{heldBy<Object>(&arguments[0].toObject()), IdRoot(), {}};
@@ -54,7 +38,8 @@ bool trap(JSContext* context, unsigned count, JS::Value* values) {
 }
 
 bool isListed(const Access& access) {
-    return checked(listMembers(active(), access.object)).contains(access.name);
+    return checked(listMembers(JavaScriptInterpreter::active(), access.object))
+        .contains(access.name);
 }
 
 JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
@@ -62,9 +47,10 @@ JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
     if (arguments[1].isSymbol() || hasProperty(prototype, access.key))
         return propertyOf(prototype, access.key);
     const tl::expected<Member, ScriptFailure> member =
-        getMember(active(), access.object, access.name);
-    const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
-                                     [&](const char* each) { return access.name == each; });
+        getMember(JavaScriptInterpreter::active(), access.object, access.name);
+    // The language asks any value for these: none is no error.
+    const bool isAsked =
+        access.name == QLatin1String("then") || access.name == QLatin1String("toJSON");
     if (!member && isAsked && member.error().kind == ScriptFailure::Kind::NoMember)
         return JS::UndefinedValue();
     checked(member);
@@ -73,7 +59,7 @@ JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
 }
 
 void write(const Access& access, const SharedPtr<ScriptArgument>& value) {
-    checked(setMember(active(), access.object, access.name, value));
+    checked(setMember(JavaScriptInterpreter::active(), access.object, access.name, value));
 }
 
 JS::Value writeMember(const Access& access, const JS::CallArgs& arguments) {
@@ -108,7 +94,7 @@ JS::Value describeMember(const Access& access, const JS::CallArgs& arguments) {
 }
 
 JS::Value listNames(const Access& access, const JS::CallArgs&) {
-    QStringList members = checked(listMembers(active(), access.object));
+    QStringList members = checked(listMembers(JavaScriptInterpreter::active(), access.object));
     members.removeDuplicates();
     return newArray(members);
 }
@@ -157,9 +143,7 @@ SharedPtr<Object> applicationObjectOf(JSObject* object) {
 }
 
 JSObject* makeApplicationObjectPrototype() {
-    const ObjectRoot prototype(newObject());
-    checked(JS_DefineFunctions(engineContext(), prototype, functions));
-    return prototype;
+    return newObject(functions);
 }
 
 JSObject* makeApplicationObjectHandler() {

@@ -56,11 +56,6 @@ public:
     }
 };
 
-class IdRoots : public JS::PersistentRootedIdVector {
-public:
-    IdRoots() : JS::PersistentRootedIdVector(engineContext()) {}
-};
-
 /// What a function of the engine leaves in its last argument. Throws ScriptErrorSet when it fails.
 template <typename T, typename Function, typename... Arguments>
 T given(Function function, const Arguments&... arguments) {

@@ -5,8 +5,8 @@
 #include "interpreter/language/prelude.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/javascriptsteps.h"
-#include "plugins/javascript/jobqueue.h"
 #include "plugins/javascript/objectproxy.h"
+#include "plugins/javascript/promises.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -24,15 +24,15 @@ void writeLine(const JS::CallArgs& arguments) {
 
 JS::Value setTimer(const JS::CallArgs& arguments) {
     if (!isFunction(arguments.get(0)))
-        throwBuiltIn(JSEXN_TYPEERR, QStringLiteral("setTimeout() requires a function"));
+        throwBuiltIn(JSProto_TypeError, QStringLiteral("setTimeout() requires a function"));
     // Without a number of milliseconds it is none, and a short time.
     const auto milliseconds = given<double>(JS::ToNumber, arguments.get(1));
-    return JS::Int32Value(Engine::self().jobs().addTimer(ObjectRoot(arguments[0]), milliseconds));
+    return JS::Int32Value(addTimer(ObjectRoot(arguments[0]), milliseconds));
 }
 
 void clearTimer(const JS::CallArgs& arguments) {
     if (arguments.get(0).isInt32())
-        Engine::self().jobs().removeTimer(arguments[0].toInt32());
+        removeTimer(arguments[0].toInt32());
 }
 
 /// Text as it is, without an end of line.
@@ -74,13 +74,9 @@ constexpr JSFunctionSpec globalFunctions[] = {
 /// `console`, `print`, timers, the functions for steps, `RemoteSystem` and the namespace `tamrix`.
 /// Returns what the library itself needs. `stepContext` has the functions for what steps keep.
 JSObject* addLibrary(JS::HandleObject global, JS::HandleObject stepContext) {
-    JSContext* const context = engineContext();
-    const ObjectRoot console(newObject());
-    const ObjectRoot own(newObject());
-    checked(JS_DefineFunctions(context, console, consoleFunctions) &&
-            JS_DefineFunctions(context, global, globalFunctions) &&
-            JS_DefineFunctions(context, own, ownFunctions));
-    defineProperty(global, QStringLiteral("console"), console, 0);
+    const ObjectRoot own(newObject(ownFunctions));
+    defineProperty(global, QStringLiteral("console"), newObject(consoleFunctions), 0);
+    checked(JS_DefineFunctions(engineContext(), global, globalFunctions));
     addStepFunctions(global);
     const ValueRoot library(
         evaluateOwn(QString::fromUtf8(preludeSource("javascript/library.js")), "<tamrix>"));
@@ -115,15 +111,6 @@ ScriptRealm::ScriptRealm() : m_global(newGlobal()) {
 ScriptRealm* ScriptRealm::current() {
     auto* const interpreter = JavaScriptInterpreter::active();
     return interpreter ? &interpreter->realm() : nullptr;
-}
-
-JS::Value ScriptRealm::errorClass(const char* name) const {
-    return propertyOf(&ofLibrary("classes").toObject(), name);
-}
-
-JSObject* ScriptRealm::nativePrototype(void* typeId) const {
-    const ObjectRoot* const known = m_nativePrototypes.find(typeId);
-    return known ? known->get() : nullptr;
 }
 
 int ScriptRealm::numberOfFunction(JS::HandleObject function) {

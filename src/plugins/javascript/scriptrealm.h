@@ -30,7 +30,9 @@ public:
     /// What has the methods of the class StepContext.
     JS::HandleObject stepContext() const { return m_stepContext; }
     /// A class of the namespace `tamrix`; undefined without.
-    JS::Value errorClass(const char* name) const;
+    JS::Value errorClass(const char* name) const {
+        return propertyOf(&ofLibrary("classes").toObject(), name);
+    }
 
     // Of an application's objects: what they inherit from, and of what they are made.
     JS::HandleObject applicationObjectPrototype() const { return m_objectPrototype; }
@@ -39,7 +41,10 @@ public:
     // What other objects inherit from.
     JS::HandleObject applicationContextPrototype() const { return m_contextPrototype; }
     /// Of a native class, or of the next one that it derives from; null without.
-    JSObject* nativePrototype(void* typeId) const;
+    JSObject* nativePrototype(void* typeId) const {
+        const ObjectRoot* const known = m_nativePrototypes.find(typeId);
+        return known ? known->get() : nullptr;
+    }
     void addNativePrototype(void* typeId, void* super, JSObject* prototype) {
         m_nativePrototypes.add(typeId, super, ObjectRoot(prototype));
     }

@@ -5,23 +5,12 @@
 
 namespace Tamrix::JavaScriptPlugin {
 
-namespace {
-
-/// Numbers that are exact as such.
-constexpr long long largestInteger = (1LL << 53) - 1;
-
-}  // namespace
-
 // Texts
 
-JSString* toJsString(const QString& text) {
-    return checked(JS_NewUCStringCopyN(engineContext(),
-                                       reinterpret_cast<const char16_t*>(text.utf16()),
-                                       static_cast<std::size_t>(text.size())));
-}
-
 JS::Value toJsText(const QString& text) {
-    return JS::StringValue(toJsString(text));
+    return JS::StringValue(checked(
+        JS_NewUCStringCopyN(engineContext(), reinterpret_cast<const char16_t*>(text.utf16()),
+                            static_cast<std::size_t>(text.size()))));
 }
 
 QString fromJsString(JSString* text) {
@@ -49,12 +38,14 @@ QString fromKey(jsid key) {
 }
 
 jsid toKey(const QString& name) {
-    return given<jsid>(JS_StringToId, Root<JSString*>(toJsString(name)));
+    return given<jsid>(JS_ValueToId, ValueRoot(toJsText(name)));
 }
 
 // Numbers, times, bytes
 
 JS::Value toJsLongInteger(long long value) {
+    // Numbers that are exact as such.
+    constexpr long long largestInteger = (1LL << 53) - 1;
     if (std::abs(value) <= largestInteger)
         return JS::NumberValue(static_cast<double>(value));
     return JS::BigIntValue(checked(JS::NumberToBigInt(engineContext(), value)));
@@ -86,15 +77,12 @@ JS::Value toJsBytes(const QByteArray& bytes) {
     return JS::ObjectValue(*array);
 }
 
-bool isBytes(JSObject* object) {
-    return js::UnwrapUint8Array(object) != nullptr;
-}
-
-QByteArray fromJsBytes(JSObject* object) {
+std::optional<QByteArray> fromJsBytes(JSObject* object) {
     std::size_t length = 0;
     bool isShared = false;
     std::uint8_t* data = nullptr;
-    js::GetUint8ArrayLengthAndData(js::UnwrapUint8Array(object), &length, &isShared, &data);
+    if (!JS_GetObjectAsUint8Array(object, &length, &isShared, &data))
+        return std::nullopt;
     return QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(length));
 }
 
@@ -131,8 +119,10 @@ void defineProperty(JS::HandleObject object, const QString& name, JSObject* valu
     defineProperty(object, name, JS::ObjectValue(*value), attributes);
 }
 
-JSObject* newObject() {
-    return checked(JS_NewPlainObject(engineContext()));
+JSObject* newObject(const JSFunctionSpec* functions) {
+    const ObjectRoot object(checked(JS_NewPlainObject(engineContext())));
+    checked(!functions || JS_DefineFunctions(engineContext(), object, functions));
+    return object;
 }
 
 JS::Value newArray(const JS::HandleValueArray& elements) {
@@ -187,27 +177,6 @@ bool isMapObject(JSObject* object) {
     return builtinClass(object) == js::ESClass::Map;
 }
 
-namespace {
-
-struct Collected {
-    JS::MutableHandleValueVector elements;
-    bool areKeysWanted;
-    std::size_t most;
-};
-
-/// What the engine calls for each entry of a collection.
-bool collect(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    auto& collected =
-        *static_cast<Collected*>(js::GetFunctionNativeReserved(&arguments.callee(), 0).toPrivate());
-    if (collected.areKeysWanted && !collected.elements.append(arguments[1]))
-        return false;
-    // Without an exception: that is enough.
-    return collected.elements.append(arguments[0]) && collected.elements.length() < collected.most;
-}
-
-}  // namespace
-
 void elementsOf(JS::HandleObject collection, JS::MutableHandleValueVector elements,
                 std::size_t most) {
     JSContext* const context = engineContext();
@@ -218,7 +187,20 @@ void elementsOf(JS::HandleObject collection, JS::MutableHandleValueVector elemen
             checked(elements.append(given<JS::Value>(JS_GetElement, collection, index)));
         return;
     }
-    Collected collected{elements, kind == js::ESClass::Map, most};
+    struct Collected {
+        JS::MutableHandleValueVector elements;
+        bool areKeysWanted;
+        std::size_t most;
+    } collected{elements, kind == js::ESClass::Map, most};
+    // What the engine calls for each entry.
+    const JSNative collect = [](JSContext*, unsigned count, JS::Value* values) {
+        const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+        const JS::Value self = js::GetFunctionNativeReserved(&arguments.callee(), 0);
+        auto& [found, areKeysWanted, enough] = *static_cast<Collected*>(self.toPrivate());
+        // Without an exception: that is enough.
+        return (!areKeysWanted || found.append(arguments[1])) && found.append(arguments[0]) &&
+               found.length() < enough;
+    };
     const ObjectRoot function(JS_GetFunctionObject(
         checked(js::NewFunctionWithReserved(context, collect, 3, 0, "entries"))));
     js::SetFunctionNativeReserved(function, 0, JS::PrivateValue(&collected));

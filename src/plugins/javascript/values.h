@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <optional>
 
 #include "plugins/javascript/roots.h"
 
@@ -13,7 +14,6 @@ namespace Tamrix::JavaScriptPlugin {
 // the engine refuses throws ScriptErrorSet.
 
 /// A text; lone surrogates are kept both ways.
-JSString* toJsString(const QString& text);
 JS::Value toJsText(const QString& text);
 QString fromJsString(JSString* text);
 /// Of a value that is a text.
@@ -30,9 +30,6 @@ QString fromKey(jsid key);
 inline QString fileFromEngine(const QString& text) {
     return QString::fromUtf8(text.toLatin1());
 }
-inline QString fileForEngine(const QString& file) {
-    return QString::fromLatin1(file.toUtf8());
-}
 
 /// A number, or a BigInt where a number would lose digits.
 JS::Value toJsLongInteger(long long value);
@@ -46,8 +43,8 @@ JS::Value toJsDate(const QDateTime& time);
 QDateTime fromJsDate(const JS::Value& value);
 /// A Uint8Array with a copy of the bytes.
 JS::Value toJsBytes(const QByteArray& bytes);
-bool isBytes(JSObject* object);
-QByteArray fromJsBytes(JSObject* object);
+/// Nothing for what is no Uint8Array.
+std::optional<QByteArray> fromJsBytes(JSObject* object);
 
 /// A name as the engine knows properties by.
 jsid toKey(const QString& name);
@@ -62,7 +59,8 @@ void defineProperty(JS::HandleObject object, const QString& name, const JS::Valu
                     unsigned attributes = JSPROP_ENUMERATE);
 void defineProperty(JS::HandleObject object, const QString& name, JSObject* value,
                     unsigned attributes = JSPROP_ENUMERATE);
-JSObject* newObject();
+/// With functions, when they are given.
+JSObject* newObject(const JSFunctionSpec* functions = nullptr);
 JS::Value newArray(const JS::HandleValueArray& elements);
 JS::Value newArray(const QStringList& texts);
 /// What a class makes.
@@ -78,6 +76,10 @@ JS::Value resultOf(JS::HandleValue function, const JS::HandleValueArray& argumen
 
 /// Which of the language's own classes made the object.
 js::ESClass builtinClass(JSObject* object);
+/// An array, a Map or a Set.
+inline bool isCollection(js::ESClass kind) {
+    return kind == js::ESClass::Array || kind == js::ESClass::Map || kind == js::ESClass::Set;
+}
 /// An object that is a list of names and values: of no class, or a Map.
 bool isPlainObject(JSObject* object);
 bool isMapObject(JSObject* object);

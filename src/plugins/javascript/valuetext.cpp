@@ -1,16 +1,14 @@
 #include "plugins/javascript/valuetext.h"
 
 #include <QRegularExpression>
+#include <limits>
 #include <memory>
 
 #include "interpreter/language/literals.h"
 #include "interpreter/language/valuepath.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptargument.h"
-#include "plugins/javascript/objectproxy.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -89,11 +87,33 @@ bool hasOwnText(JS::HandleObject object) {
            (own.isObject() && own != inheritedData(rootPrototype(), "toString"));
 }
 
-}  // namespace
+/// Writes values, within limits or whole.
+class JavaScriptValueTexts final : public ValueTexts {
+public:
+    explicit JavaScriptValueTexts(bool isWhole)
+        : ValueTexts(isWhole ? withoutLimits : Limits()), m_isWhole(isWhole) {}
+    QString wholeText(const Value& value) { return text(value, 0); }
+
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& own, int depth) override;
+
+private:
+    QString objectText(const Value& own, JS::HandleObject object, int depth);
+    Parts propertiesOf(JS::HandleObject object);
+
+    /// But of containers in containers.
+    static constexpr Limits withoutLimits{.length = std::numeric_limits<int>::max(), .depth = 50};
+
+    bool m_isWhole;
+    /// The objects that are being written whole, the outermost first.
+    JS::PersistentRootedVector<JSObject*> m_holders{engineContext()};
+};
 
 // Parts
 
-JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, int end, int depth) {
+ValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, int end, int depth) {
     const ObjectRoot object(valueOf(value));
     // Looking into a proxy of the script would run code of it.
     const bool isProxy = object && js::IsProxy(object);
@@ -108,7 +128,7 @@ JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, in
                                 argumentOf(dataPropertyOf(array, JS::PropertyKey::Int(number)))};
                 }};
     const bool isMap = kind == js::ESClass::Map;
-    if (isProxy || (!isMap && kind != js::ESClass::Set))
+    if (isProxy || !isCollection(kind))
         return propertiesOf(object);
     const std::size_t width = isMap ? 2 : 1;
     const auto entries = std::make_shared<JS::PersistentRootedVector<JS::Value>>(engineContext());
@@ -130,7 +150,7 @@ JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, in
             }};
 }
 
-JavaScriptValueTexts::Parts JavaScriptValueTexts::propertiesOf(JS::HandleObject object) {
+ValueTexts::Parts JavaScriptValueTexts::propertiesOf(JS::HandleObject object) {
     const auto keys = std::make_shared<JS::PersistentRootedIdVector>(engineContext());
     checked(js::GetPropertyKeys(engineContext(), object, JSITER_OWNONLY, keys.get()));
     const Value own = argumentOf(JS::ObjectValue(*object));
@@ -199,20 +219,26 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
     }
     if (kind == js::ESClass::Array)
         return '[' + partsText(own, depth) + ']';
-    const bool isCollection = kind == js::ESClass::Map || kind == js::ESClass::Set;
-    if (m_isWhole && !isCollection && hasOwnText(object)) {
+    const bool hasCount = kind == js::ESClass::Map || kind == js::ESClass::Set;
+    if (m_isWhole && !hasCount && hasOwnText(object)) {
         const QString text = quietly([&] { return plainText(valueOf(own)); });
         return text.isNull() ? QStringLiteral("<unprintable %1 object>").arg(classNameOf(object))
                              : text;
     }
     QString name = isPlainObject(object) ? QString() : classNameOf(object);
-    if (isCollection && !m_isWhole)
+    if (hasCount && !m_isWhole)
         name += QStringLiteral("(%1)").arg(partsOf(own, 0).count);
     return (name.isEmpty() ? QString() : name + ' ') + '{' + partsText(own, depth) + '}';
 }
 
+}  // namespace
+
 QString textOf(JS::HandleValue value) {
-    return JavaScriptValueTexts(JavaScriptValueTexts::Extent::Whole).wholeText(argumentOf(value));
+    return JavaScriptValueTexts(true).wholeText(argumentOf(value));
+}
+
+std::unique_ptr<ValueTexts> makeLimitedTexts() {
+    return std::make_unique<JavaScriptValueTexts>(false);
 }
 
 QString typeNameOf(JS::HandleValue value) {

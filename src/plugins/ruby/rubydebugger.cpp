@@ -47,16 +47,6 @@ RubyDebugger::RubyDebugger(RubyInterpreter& interpreter)
     m_errors = newTracePoint(RUBY_EVENT_RAISE);
 }
 
-void RubyDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
-    updateTracePoints();
-}
-
-void RubyDebugger::setDebuggerMode(DbgMode mode) {
-    Debugger::setDebuggerMode(mode);
-    updateTracePoints();
-}
-
 void RubyDebugger::interrupt() {
     rb_postponed_job_register_one(0, stopAtNextLine, nullptr);
 }

@@ -19,8 +19,6 @@ class RubyDebugger final : public LanguageDebugger {
 public:
     explicit RubyDebugger(RubyInterpreter& interpreter);
 
-    void setInteractive(bool interactive) override;
-    void setDebuggerMode(DbgMode mode) override;
     /// Stops at the next line. Only asks Ruby for it.
     void interrupt() override;
     void shutDown() override;
@@ -39,6 +37,7 @@ protected:
     int runningDepth() override;
     std::unique_ptr<ValueTexts> makeValueTexts() override;
     void breakPointsChanged() override { updateTracePoints(); }
+    void modeChanged() override { updateTracePoints(); }
 
 private:
     /// The code of one file, or of an `eval` that names it.
