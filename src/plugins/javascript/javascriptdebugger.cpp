@@ -119,7 +119,7 @@ void JavaScriptDebugger::noticeFile(const QString& file) {
     sourceIdOf(file);
 }
 
-void JavaScriptDebugger::interrupt() {
+void JavaScriptDebugger::stopSoon() {
     Engine::self().requestStop();
 }
 

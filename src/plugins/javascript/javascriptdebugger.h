@@ -22,8 +22,6 @@ public:
 
     void setInteractive(bool interactive) override;
     void setDebuggerMode(DbgMode mode) override;
-    /// Stops where the script is. Only sets flags.
-    void interrupt() override;
 
     /// The interpreter runs in another realm now.
     void realmChanged();
@@ -51,6 +49,7 @@ protected:
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override;
+    void stopSoon() override;
 
 private:
     void watch();

@@ -242,6 +242,14 @@ QString CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString&
     return evaluateInFrame(aTHX_ frame ? std::any_cast<CodeFrame>(frame->own) : CodeFrame(), code);
 }
 
+TimeLimit::Expired CaseInterpreter::endOfEvaluation() {
+    return requestTimeLimit;
+}
+
+void CaseInterpreter::forgetEndOfEvaluation() {
+    takeTimeExpired();
+}
+
 LineInfo CaseInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
     pTHX = perl();
     return placeOfFunction(aTHX_ m_files, valueOf(function));

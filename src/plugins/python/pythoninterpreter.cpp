@@ -15,6 +15,7 @@
 #include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
 #include "plugins/python/scriptstreams.h"
+#include "plugins/python/valuetext.h"
 #include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
@@ -207,6 +208,10 @@ bool PythonInterpreter::runScript(const QString& text, const QString& fileName) 
 QString PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     return frame ? evaluateInFrame(*this, frameBehind(*frame), code)
                  : evaluateInModule(*this, moduleNamespace().get(), code);
+}
+
+TimeLimit::Expired PythonInterpreter::endOfEvaluation() {
+    return readyTimeLimit();
 }
 
 SharedPtr<ScriptArgument> PythonInterpreter::scriptFunction(const QString& name) {

@@ -54,7 +54,7 @@ void RubyDebugger::setDebuggerMode(DbgMode mode) {
     updateTracePoints();
 }
 
-void RubyDebugger::interrupt() {
+void RubyDebugger::stopSoon() {
     rb_postponed_job_register_one(0, stopAtNextLine, nullptr);
 }
 

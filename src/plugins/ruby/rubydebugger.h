@@ -21,8 +21,6 @@ public:
 
     void setInteractive(bool interactive) override;
     void setDebuggerMode(DbgMode mode) override;
-    /// Stops at the next line. Only asks Ruby for it.
-    void interrupt() override;
     void shutDown() override;
 
     /// Code of a file was compiled: an InstructionSequence, which holds that of its methods.
@@ -38,6 +36,7 @@ protected:
     int runningDepth() override;
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
     void breakPointsChanged() override { updateTracePoints(); }
+    void stopSoon() override;
 
 private:
     /// The code of one file, or of an `eval` that names it.

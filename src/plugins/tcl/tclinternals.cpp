@@ -230,6 +230,22 @@ std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command
     return framesOf(frame, own, {placeOfFailure(own, command), own.framePtr});
 }
 
+bool hasLateErrors(Tcl_Interp* interp) {
+    // As Tcl keeps them for an interpreter, in no header at all.
+    struct LateErrors {
+        Tcl_Interp* interp;
+        Tcl_Obj* handler;
+        void* first;
+        void* last;
+    };
+    const void* const errors = Tcl_GetAssocData(interp, "tclBgError", nullptr);
+    return errors && static_cast<const LateErrors*>(errors)->first;
+}
+
+void forgetCancellation(Tcl_Interp* interp) {
+    reinterpret_cast<Interp*>(interp)->flags &= ~(CANCELED | TCL_CANCEL_UNWIND);
+}
+
 int commandDepth(Tcl_Interp* interp) {
     const CmdFrame* const frame = reinterpret_cast<Interp*>(interp)->cmdFramePtr;
     return frame ? frame->level : 0;

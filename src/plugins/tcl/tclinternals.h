@@ -37,6 +37,13 @@ std::optional<TclPlace> innermostPlace(Tcl_Interp* interp);
 /// The frames while an error is being noted that a command has raised, whose source begins so.
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command);
 
+/// Whether errors of handlers of Tcl's own events wait to be told, which Tcl does when it has
+/// nothing else to do.
+bool hasLateErrors(Tcl_Interp* interp);
+
+/// Commands run again, although it was told to leave all that ran by then.
+void forgetCancellation(Tcl_Interp* interp);
+
 /// How many commands run in each other.
 int commandDepth(Tcl_Interp* interp);
 /// The source of the commands that run below the outermost `outer` ones, the innermost first; one

@@ -525,4 +525,14 @@ QString TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& 
     });
 }
 
+TimeLimit::Expired TclInterpreter::endOfEvaluation() {
+    return [] { TclRuntime::self().requestEndOfEvaluation(); };
+}
+
+void TclInterpreter::forgetEndOfEvaluation() {
+    // What ends the script as well is more.
+    if (!TclRuntime::self().isEnding())
+        forgetCancellation(m_tcl);
+}
+
 }  // namespace Tamrix::TclPlugin

@@ -35,8 +35,10 @@ public:
 
     std::vector<ScriptFrame> running;
     int silences = 0;
+    int soonStops = 0;
 
 protected:
+    void stopSoon() override { ++soonStops; }
     std::vector<ScriptFrame> runningFrames() override { return running; }
     std::unique_ptr<VariableWatcher> makeVariableWatcher() override { return nullptr; }
     void enterSilence() override { ++silences; }
