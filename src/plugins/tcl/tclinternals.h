@@ -27,6 +27,9 @@ struct TclFrame {
 /// of the code that runs with them, such as the bodies of loops, the innermost command counts that
 /// is in a file. Code that was put together as a text stands where it is evaluated.
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
+/// Where the innermost procedure of a file was defined that runs, for code of which no command is
+/// known, as for what a trace of a variable runs; a line of -1 without one.
+TclFrame runningProcedure(Tcl_Interp* interp);
 /// Where the innermost of these is, without what takes time to tell.
 struct TclPlace {
     int level = 0;
