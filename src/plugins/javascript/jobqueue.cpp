@@ -1,5 +1,6 @@
 #include "plugins/javascript/jobqueue.h"
 
+#include <js/GCAPI.h>
 #include <jsfriendapi.h>
 
 #include <algorithm>
@@ -84,6 +85,8 @@ bool JobQueue::settle(JS::HandleObject promise, void (*wait)(double seconds), bo
     while (true) {
         m_isEnded = false;
         runJobs(m_context);
+        // What a WeakRef has told of is held until here.
+        JS::ClearKeptObjects(m_context);
         if (m_isEnded || JS_IsExceptionPending(m_context))
             return false;
         if (JS::GetPromiseState(promise) != JS::PromiseState::Pending)

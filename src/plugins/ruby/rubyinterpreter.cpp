@@ -140,6 +140,8 @@ bool RubyInterpreter::checkSyntax(const QString& text, const QString& fileName) 
 bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
     return runCode(!fileName.isEmpty(), [&] {
         throwPostponed();
+        if (!fileName.isEmpty())
+            RubyRuntime::self().openData(text, fileName);
         RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
     });
 }
