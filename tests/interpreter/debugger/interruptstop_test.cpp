@@ -20,7 +20,7 @@ using testing::KilledBySignal;
 /// Tells on standard error when it is stopped, and does then what the test wants.
 class InterruptedDebugger : public Test::TestDebugger {
 public:
-    using TestDebugger::TestDebugger;
+    explicit InterruptedDebugger(Interpreter* interpreter = nullptr) : TestDebugger(interpreter) {}
     bool stop() override {
         std::fprintf(stderr, "stop %d;", ++stops);
         if (interruptedAgain)
@@ -36,9 +36,9 @@ public:
 };
 
 /// Evaluates code that is interrupted.
-class InterruptingInterpreter : public FakeInterpreter {
+class InterruptingInterpreter : public Test::FakeInterpreter {
 public:
-    InterruptingInterpreter() : FakeInterpreter(nullptr, Tcl) {}
+    InterruptingInterpreter() : FakeInterpreter(nullptr, Interpreter::Tcl) {}
     bool evaluate(const QString&, const QString&, int, int) override {
         std::raise(SIGINT);
         return true;
