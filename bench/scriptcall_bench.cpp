@@ -1,305 +1,232 @@
-// What one call from Python to a native function costs on the whole road: arguments to script
-// values, context, the remote object model of a runner, the native function, the result. Beside it,
-// in the same run, the same call to a bare C function of Python's C API, and through pybind11 where
-// that is installed.
+// What one call of a native function costs in each language, without arguments and with two
+// integers that it adds, beside the same functions as people write them in that language's C
+// interface (bareruntimes/), and how long a case takes to start: the first one of the process, with
+// which the runtime starts, and the best of others, each behind a case that has run.
 //
-// Then what a property and a global function of an application cost: of objects in this process,
-// where nothing but the road is measured, and of an agent on another thread, beside the same
-// request without a script.
+// The loops are scripts, bench/languages/calls.SUFFIX, which run in a bare runtime and in ours,
+// each in a process of its own, by turns: a script reports nanoseconds for a round of an empty
+// loop, of one that calls `nothing`, and of one that calls `plus`. The best of all turns counts.
 //
-// Times are nanoseconds for one round of a loop "for _ in repeat: function(...)", the best of many
-// interleaved turns: the fastest turn is the one that nothing else on the machine disturbed.
+// scriptcall_bench [LANGUAGE]
 
-#define PY_SSIZE_T_CLEAN
-#include <Python.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#ifdef TAMRIX_HAVE_PYBIND11
-#include <pybind11/pybind11.h>
-#endif
-
+#include <QFile>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <memory>
-#include <vector>
+#include <string_view>
 
+#include "bareruntimes/bareruntime.h"
 #include "base/environment.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/bridge/scriptlanguage.h"
-#include "platform/objectmodel/objectclass.h"
-#include "platform/objectmodel/remote/remotemodel.h"
-#include "support/fakeagent.h"
 #include "support/fakerunner.h"
-#include "support/inmemorymodel.h"
+#include "support/files.h"
 
 namespace {
 
-constexpr int callsPerTurn = 200000;
-constexpr int turns = 40;
-constexpr int requestsPerTurn = 2000;
+using Clock = std::chrono::steady_clock;
+
+constexpr int rounds = 3;
+/// In each process; each measures calls.
+constexpr int cases = 4;
+constexpr double never = std::numeric_limits<double>::max();
+
+/// Nanoseconds of a round of each loop, milliseconds of a start.
+struct Times {
+    double empty = never;
+    double nothing = never;
+    double plus = never;
+    double firstStart = never;
+    double nextStart = never;
+
+    void takeBest(const Times& other) {
+        empty = std::min(empty, other.empty);
+        nothing = std::min(nothing, other.nothing);
+        plus = std::min(plus, other.plus);
+        firstStart = std::min(firstStart, other.firstStart);
+        nextStart = std::min(nextStart, other.nextStart);
+    }
+};
+
+/// Of this process.
+Times s_times;
+
+double millisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+}  // namespace
+
+namespace Tamrix::Bench {
+
+long long nanosecondsNow() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
+        .count();
+}
+
+void keepReport(const char* what, double nanoseconds) {
+    const std::string_view name(what);
+    double& time = name == "empty"     ? s_times.empty
+                   : name == "nothing" ? s_times.nothing
+                                       : s_times.plus;
+    time = std::min(time, nanoseconds);
+}
+
+void giveUp(const char* text) {
+    std::fprintf(stderr, "%s\n", text);
+    _exit(2);
+}
+
+}  // namespace Tamrix::Bench
+
+namespace {
+
+using namespace Tamrix::Bench;
+
+// Native functions
 
 bool nothing(Tamrix::ScriptContext*) {
     return true;
 }
 
-PyObject* bareNothing(PyObject*, PyObject* const*, Py_ssize_t) {
-    Py_RETURN_NONE;
-}
-
-PyMethodDef bareDefinition = {"bareNothing",
-                              reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(bareNothing)),
-                              METH_FASTCALL, nullptr};
-
-const char* const loops = R"(
-from itertools import repeat
-from time import perf_counter_ns
-
-def empty(function, count):
-    start = perf_counter_ns()
-    for _ in repeat(None, count):
-        pass
-    return perf_counter_ns() - start
-
-def without(function, count):
-    start = perf_counter_ns()
-    for _ in repeat(None, count):
-        function()
-    return perf_counter_ns() - start
-
-def integers(function, count):
-    start = perf_counter_ns()
-    for _ in repeat(None, count):
-        function(1000, 2000)
-    return perf_counter_ns() - start
-
-def text(function, count):
-    button = theButton()
-    start = perf_counter_ns()
-    for _ in repeat(None, count):
-        button.text
-    return perf_counter_ns() - start
-
-def clicks(function, count):
-    button = theButton()
-    start = perf_counter_ns()
-    for _ in repeat(None, count):
-        click(button)
-    return perf_counter_ns() - start
-)";
-
-struct Candidate {
-    const char* name;
-    PyObject* without;
-    PyObject* integers;
-    double bestWithout = std::numeric_limits<double>::max();
-    double bestIntegers = std::numeric_limits<double>::max();
-};
-
-double turn(PyObject* loop, PyObject* function, int calls = callsPerTurn) {
-    PyObject* const time = PyObject_CallFunction(loop, "Oi", function, calls);
-    if (!time) {
-        PyErr_Print();
-        std::exit(2);
+bool plus(Tamrix::ScriptContext* context) {
+    if (context->argumentCount() != 2 || !context->argument(0)->isInteger() ||
+        !context->argument(1)->isInteger()) {
+        context->setError("plus() takes two integers");
+        return false;
     }
-    const double nanoseconds = PyLong_AsDouble(time) / calls;
-    Py_DECREF(time);
-    return nanoseconds;
-}
-
-// Objects
-
-constexpr char clickParameters[] = "object[, x, y][, button][, modifiers]";
-
-Tamrix::SharedPtr<Tamrix::Object> s_button;
-
-bool theButton(Tamrix::ScriptContext* context) {
-    context->setObjectResult(s_button);
+    context->setInt64Result(context->argument(0)->toInt() + context->argument(1)->toInt());
     return true;
 }
 
-/// The class of the button, and that of the global functions.
-void describe(Tamrix::Class* button, Tamrix::Class* global) {
-    button->addProperty("text", "QString");
-    global->addMethod("click", Tamrix::Signature({Tamrix::Argument("Object")}))
-        .describe(clickParameters, "Clicks the object");
+bool now(Tamrix::ScriptContext* context) {
+    context->setInt64Result(nanosecondsNow());
+    return true;
 }
 
-/// An application with a button, in this process.
-struct OwnApplication {
-    OwnApplication() {
-        describe(model.objectClass("QPushButton"), model.editableGlobalClass());
-        button = model.addObject("QPushButton", "ok");
-        button->setProperty("text", QVariant("OK"));
-        model.onCall = [](const auto&, const auto&, const auto&) {
-            return Tamrix::Inspector::self()->createObject(QVariant());
-        };
-    }
+bool report(Tamrix::ScriptContext* context) {
+    keepReport(context->argument(0)->toString().toUtf8().constData(),
+               context->argument(1)->toDouble());
+    return true;
+}
 
-    Tamrix::InMemoryModel model;
-    Tamrix::SharedPtr<Tamrix::InMemoryObject> button;
+/// What is measured of a language.
+struct Language {
+    const char* suffix;
+    RunBare runBare;
 };
 
-void answer(Tamrix::Test::FakeAgent& agent, const Tamrix::Wire::Frame& frame) {
-    using namespace Tamrix::Wire;
-    switch (frame.type) {
-        case MessageType::TopLevelObjects:
-            agent.reply(frame, encode(ObjectInfoList{{7, "QPushButton", "ok"}}));
-            break;
-        case MessageType::DescribeClass: {
-            Text name;
-            decode(frame.body, &name);
-            ClassInfo info;
-            info.name = name.text;
-            if (name.text == "QPushButton")
-                info.properties = {{"text", "QString", true}};
-            else
-                info.methods = {
-                    {"click", "void", {"Object"}, clickParameters, "Clicks the object"}};
-            agent.reply(frame, encode(info));
-            break;
-        }
-        case MessageType::ReadProperty:
-            agent.reply(frame, encode(Value{"OK"}));
-            break;
-        case MessageType::Invoke:
-            agent.reply(frame, encode(Value()));
-            break;
-        default:
-            agent.reply(frame);
+constexpr Language languages[] = {
+    {"py", runBarePython},
+#ifdef TAMRIX_HAVE_JAVASCRIPT
+    {"js", runBareJavaScript},
+#endif
+#ifdef TAMRIX_HAVE_TCL
+    {"tcl", runBareTcl},
+#endif
+#ifdef TAMRIX_HAVE_PERL
+    {"pl", runBarePerl},
+#endif
+#ifdef TAMRIX_HAVE_RUBY
+    {"rb", runBareRuby},
+#endif
+};
+
+void runOurs(const Tamrix::ScriptLanguageInformation& language, const QString& script) {
+    const Tamrix::ScriptLanguagePlugin plugin(language.pluginName);
+    Tamrix::Test::FakeRunner runner;
+    runner.hasObjectModel = true;
+    for (int count = 0; count < cases; ++count) {
+        const Clock::time_point start = Clock::now();
+        const std::unique_ptr<Tamrix::Interpreter> interpreter(plugin.interpreter(&runner));
+        if (!interpreter)
+            giveUp(qPrintable(plugin.lastErrorMessage()));
+        interpreter->setScriptArguments(script, {});
+        double& time = count == 0 ? s_times.firstStart : s_times.nextStart;
+        time = std::min(time, millisecondsSince(start));
+        interpreter->addNativeFunction("nothing", nothing, {}, {}, "Does nothing");
+        interpreter->addNativeFunction("plus", plus, {"left", "right"}, {}, "Adds");
+        interpreter->addNativeFunction("now", now, {}, {}, "Nanoseconds of a clock");
+        interpreter->addNativeFunction("report", report, {"what", "nanoseconds"}, {}, "Reports");
+        const QString text = QString::fromUtf8(Tamrix::Test::readFile(script));
+        if (!interpreter->evaluate(text, script) || !interpreter->callFunction("main", {}))
+            giveUp(qPrintable(interpreter->errorMessage()));
     }
 }
 
-/// An application with a button, on another thread.
-struct OtherApplication {
-    OtherApplication()
-        : agent(Tamrix::Test::FakeAgent::serving(answer)),
-          connection(std::make_shared<Tamrix::AgentConnection>(agent.runnerDescriptor(),
-                                                               Tamrix::Test::FakeAgent::token)) {
-        connection->waitForHello(20000);
-    }
+void runBare(const Language& language, const QString& script) {
+    const Clock::time_point start = Clock::now();
+    language.runBare(Tamrix::Test::readFile(script).constData(),
+                     [start] { s_times.firstStart = millisecondsSince(start); });
+}
 
-    Tamrix::Test::FakeAgent agent;
-    std::shared_ptr<Tamrix::AgentConnection> connection;
-};
-
-/// Nanoseconds for one of many calls of `work`.
-double plainTurn(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int count = 0; count < requestsPerTurn; ++count)
+/// What `work` measures in a process of its own.
+Times timesOf(const std::function<void()>& work) {
+    int ends[2];
+    if (pipe(ends) != 0)
+        giveUp("There is no pipe");
+    const pid_t child = fork();
+    if (child == 0) {
         work();
-    const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
-    return time.count() / requestsPerTurn;
+        const bool isTold = write(ends[1], &s_times, sizeof s_times) == sizeof s_times;
+        // Without what runtimes do at the end of a process.
+        _exit(isTold ? 0 : 2);
+    }
+    close(ends[1]);
+    Times times;
+    const bool isThere = read(ends[0], &times, sizeof times) == sizeof times;
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    if (!isThere)
+        std::exit(2);
+    return times;
 }
 
-/// Makes what follows of an application: the model, and its one object for scripts.
-void choose(Tamrix::Interpreter* interpreter, Tamrix::ObjectModel* model) {
-    Tamrix::Inspector::self()->setModel(model);
-    s_button = Tamrix::Inspector::self()->topLevelObjects().front();
-    // The interpreter notices the application at the next call.
-    interpreter->evaluate("theButton()", QString());
-}
-
-struct ObjectTimes {
-    double script = std::numeric_limits<double>::max();
-    double plain = std::numeric_limits<double>::max();
-};
-
-/// The bare call goes first in each turn.
-void measureObjects(Tamrix::Interpreter* interpreter, PyObject* text, PyObject* clicks,
-                    PyObject* without, PyObject* bare) {
-    OwnApplication own;
-    choose(interpreter, &own.model);
-    double bareTime = std::numeric_limits<double>::max();
-    double textTime = bareTime;
-    double clickTime = bareTime;
-    for (int count = 0; count < turns; ++count) {
-        bareTime = std::min(bareTime, turn(without, bare));
-        textTime = std::min(textTime, turn(text, bare, callsPerTurn / 10));
-        clickTime = std::min(clickTime, turn(clicks, bare, callsPerTurn / 10));
+void measure(const Language& language, const Tamrix::ScriptLanguageInformation& information) {
+    const QString script = TAMRIX_BENCH_SOURCE_DIR "/languages/calls." + information.suffix;
+    Times bare;
+    Times ours;
+    for (int round = 0; round < rounds; ++round) {
+        bare.takeBest(timesOf([&] { runBare(language, script); }));
+        ours.takeBest(timesOf([&] { runOurs(information, script); }));
     }
-    std::printf("\nobjects in this process, ns\n%-14s %12s %8s\n", "", "one", "ratio");
-    for (const auto& [name, time] :
-         {std::pair("METH_FASTCALL", bareTime), std::pair("object.text", textTime),
-          std::pair("click(object)", clickTime)})
-        std::printf("%-14s %12.1f %8.2f\n", name, time, time / bareTime);
-
-    OtherApplication other;
-    Tamrix::RemoteModel model(other.connection);
-    choose(interpreter, &model);
-    const Tamrix::Property property("text");
-    const Tamrix::Method method("click", Tamrix::Signature());
-    ObjectTimes texts;
-    ObjectTimes calls;
-    for (int count = 0; count < turns; ++count) {
-        texts.plain = std::min(texts.plain, plainTurn([&] { property.get(s_button); }));
-        texts.script = std::min(texts.script, turn(text, bare, requestsPerTurn));
-        calls.plain =
-            std::min(calls.plain, plainTurn([&] { (void)method.invoke({}, {s_button}); }));
-        calls.script = std::min(calls.script, turn(clicks, bare, requestsPerTurn));
-    }
-    std::printf("\nobjects of an agent, ns\n%-14s %12s %12s %8s\n", "", "bare request", "script",
-                "ratio");
-    for (const auto& [name, times] :
-         {std::pair("object.text", texts), std::pair("click(object)", calls)})
-        std::printf("%-14s %12.1f %12.1f %8.3f\n", name, times.plain, times.script,
-                    times.script / times.plain);
-    s_button.reset();
-    Tamrix::Inspector::self()->setModel(nullptr);
+    const double bareNothing = bare.nothing - bare.empty;
+    const double barePlus = bare.plus - bare.empty;
+    const double ourNothing = ours.nothing - ours.empty;
+    const double ourPlus = ours.plus - ours.empty;
+    std::printf("%-10s %8.1f %7.1f %6.2f  %8.1f %7.1f %6.2f  %8.1f %7.1f %7.1f\n",
+                qPrintable(information.name), bareNothing, ourNothing, ourNothing / bareNothing,
+                barePlus, ourPlus, ourPlus / barePlus, bare.firstStart, ours.firstStart,
+                ours.nextStart);
+    std::fflush(stdout);
 }
 
 }  // namespace
 
-int main() {
-    Tamrix::Environment::setVariable(Tamrix::prefixVariable, TAMRIX_BENCH_PREFIX);
-    Tamrix::Test::FakeRunner runner;
-    runner.hasObjectModel = true;
-    const Tamrix::ScriptLanguagePlugin plugin("tamrixpython-3");
-    const std::unique_ptr<Tamrix::Interpreter> interpreter(plugin.interpreter(&runner));
-    if (!interpreter) {
-        std::fprintf(stderr, "%s\n", plugin.lastErrorMessage().toUtf8().constData());
-        return 2;
+int main(int count, char** arguments) {
+    setenv(Tamrix::prefixVariable, TAMRIX_BENCH_PREFIX, 1);
+    std::printf("%-10s %-24s %-24s %s\n", "", "   no argument, ns", "   two integers, ns",
+                "  start of a case, ms");
+    std::printf("%-10s %8s %7s %6s  %8s %7s %6s  %8s %7s %7s\n", "", "bare", "ours", "ratio",
+                "bare", "ours", "ratio", "bare", "first", "next");
+    std::fflush(stdout);
+    for (const Tamrix::ScriptLanguageInformation* information :
+         Tamrix::ScriptLanguageInformation::knownLanguages()) {
+        const auto* const language = std::find_if(
+            std::begin(languages), std::end(languages), [information](const Language& each) {
+                return information->suffix == QLatin1String(each.suffix);
+            });
+        if (language != std::end(languages) &&
+            (count < 2 || information->name == QLatin1String(arguments[1])))
+            measure(*language, *information);
     }
-    interpreter->addNativeFunction("tamrixNothing", nothing, {}, {"a", "b"}, "Does nothing");
-    interpreter->addNativeFunction("theButton", theButton, {}, {}, "The button");
-    if (!interpreter->evaluate(loops, "loops.py")) {
-        std::fprintf(stderr, "%s\n", interpreter->errorMessage().toUtf8().constData());
-        return 2;
-    }
-    PyObject* const module = PyDict_GetItemString(PyImport_GetModuleDict(), "__test__");
-    const auto loop = [module](const char* name) { return PyObject_GetAttrString(module, name); };
-    PyObject* const empty = loop("empty");
-    PyObject* const without = loop("without");
-    PyObject* const integers = loop("integers");
-
-    PyObject* const road = PyDict_GetItemString(PyEval_GetBuiltins(), "tamrixNothing");
-    PyObject* const bare = PyCFunction_New(&bareDefinition, nullptr);
-    std::vector<Candidate> candidates{{"METH_FASTCALL", bare, bare}, {"Tamrix", road, road}};
-#ifdef TAMRIX_HAVE_PYBIND11
-    const pybind11::cpp_function boundWithout([] {});
-    const pybind11::cpp_function boundIntegers([](long long, long long) {});
-    candidates.push_back({"pybind11", boundWithout.ptr(), boundIntegers.ptr()});
-#endif
-
-    double bestEmpty = std::numeric_limits<double>::max();
-    for (int count = 0; count < turns; ++count) {
-        bestEmpty = std::min(bestEmpty, turn(empty, bare));
-        for (Candidate& candidate : candidates) {
-            candidate.bestWithout =
-                std::min(candidate.bestWithout, turn(without, candidate.without));
-            candidate.bestIntegers =
-                std::min(candidate.bestIntegers, turn(integers, candidate.integers));
-        }
-    }
-
-    std::printf("one call in a loop, ns (the empty loop: %.1f)\n", bestEmpty);
-    std::printf("%-14s %12s %8s %12s %8s\n", "", "no argument", "ratio", "two integers", "ratio");
-    for (const Candidate& candidate : candidates)
-        std::printf("%-14s %12.1f %8.2f %12.1f %8.2f\n", candidate.name, candidate.bestWithout,
-                    candidate.bestWithout / candidates.front().bestWithout, candidate.bestIntegers,
-                    candidate.bestIntegers / candidates.front().bestIntegers);
-    measureObjects(interpreter.get(), loop("text"), loop("clicks"), without, bare);
     return 0;
 }

@@ -27,7 +27,7 @@ double FakeArgument::toDouble() const {
     return has<long long>() ? double(get<long long>()) : get<double>();
 }
 
-long long FakeArgument::toInt() const {
+long long FakeArgument::convertedToInt() const {
     return has<double>() ? static_cast<long long>(get<double>()) : get<long long>();
 }
 

@@ -34,7 +34,7 @@ public:
     QString typeName() const override;
     bool isBool() const override { return has<bool>(); }
     bool isNumber() const override { return has<long long>() || has<double>(); }
-    bool isInteger() const override { return has<long long>(); }
+    bool holdsInteger() const override { return has<long long>(); }
     bool isString() const override { return has<QString>() || !alsoText.isNull(); }
     bool isObject() const override { return has<SharedPtr<Object>>(); }
     bool isClass() const override { return has<const Class*>(); }
@@ -44,7 +44,7 @@ public:
     bool isNative(void* typeId) const override { return bool(toNative(typeId)); }
     bool toBool() const override { return get<bool>(); }
     double toDouble() const override;
-    long long toInt() const override;
+    long long convertedToInt() const override;
     QString toString() const override;
     SharedPtr<Object> toObject() const override { return get<SharedPtr<Object>>(); }
     const Class* toClass() const override { return get<const Class*>(); }

@@ -38,7 +38,7 @@ public:
     virtual bool isBool() const = 0;
     /// Any number, integer or float.
     virtual bool isNumber() const = 0;
-    virtual bool isInteger() const = 0;
+    bool isInteger() const { return m_keepsInteger || holdsInteger(); }
     virtual bool isString() const = 0;
     /// What the language treats as text; by default isString().
     virtual bool isStringLike() const;
@@ -53,7 +53,7 @@ public:
 
     virtual bool toBool() const = 0;
     virtual double toDouble() const = 0;
-    virtual long long toInt() const = 0;
+    long long toInt() const { return m_keepsInteger ? m_keptInteger : convertedToInt(); }
     /// Any value as text.
     virtual QString toString() const = 0;
     virtual SharedPtr<Object> toObject() const = 0;
@@ -88,6 +88,23 @@ public:
     SharedPtr<T> toNative() const {
         return staticPointerCast<T>(toNative(T::staticTypeId()));
     }
+
+protected:
+    /// What the value is, for a wrapper that knows it to be an integer: who asks needs no virtual
+    /// call then.
+    void keepInteger(long long value) {
+        m_keepsInteger = true;
+        m_keptInteger = value;
+    }
+    void keepNoInteger() { m_keepsInteger = false; }
+
+    // isInteger() and toInt() of a value that is not kept.
+    virtual bool holdsInteger() const = 0;
+    virtual long long convertedToInt() const = 0;
+
+private:
+    bool m_keepsInteger = false;
+    long long m_keptInteger = 0;
 };
 
 /// Whether the value names an object: a string or a map of properties. Null names nothing.

@@ -42,6 +42,7 @@ ScriptContext::~ScriptContext() {
 // Errors
 
 void ScriptContext::setError(const QString& message, ErrorType type) {
+    m_state |= ErrorStored;
     m_errorMessage = message;
     m_errorType = type;
     m_isSkip = false;
@@ -53,8 +54,24 @@ void ScriptContext::setError(const QString& message, const DebuggerFrame& frame)
     m_errorFrame = frame;
 }
 
-void ScriptContext::forgetMessage() {
-    m_errorMessage.clear();
+void ScriptContext::clearStoredError() {
+    ScriptContext::setError({});
+    m_state &= ~ErrorStored;
+}
+
+// Results
+
+SharedPtr<ScriptArgument> ScriptContext::create(const PlainResult& result) {
+    switch (result.kind) {
+        case PlainResult::Bool:
+            return createBool(result.value != 0);
+        case PlainResult::Integer:
+            return createInt64(result.value);
+        case PlainResult::None:
+        case PlainResult::Null:
+            break;
+    }
+    return createNull();
 }
 
 // Arguments and the current context

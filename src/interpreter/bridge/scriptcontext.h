@@ -139,7 +139,7 @@ public:
     bool hasNamedArguments() const { return m_hasNamedArguments; }
 
     QString errorMessage() const { return m_errorMessage; }
-    bool hasError() const { return !m_errorMessage.isEmpty(); }
+    bool hasError() const { return (m_state & ErrorStored) && !m_errorMessage.isEmpty(); }
     ErrorType errorType() const { return m_errorType; }
     /// Whether the error is that of setSkip().
     bool isSkip() const { return m_isSkip; }
@@ -177,12 +177,12 @@ public:
     SharedPtr<NativeScriptObject> execute(
         SharedPtr<NativeScriptObject> (*function)(ScriptContext*));
 
-    // What most functions give: a language may have a shorter way to the same.
-    virtual void setNullResult() { setResult(createNull()); }
-    virtual void setBoolResult(bool value) { setResult(createBool(value)); }
-    virtual void setInt64Result(long long value) { setResult(createInt64(value)); }
+    void setNullResult() { setPlainResult(PlainResult::Null, 0); }
+    void setBoolResult(bool value) { setPlainResult(PlainResult::Bool, value); }
+    void setInt64Result(long long value) { setPlainResult(PlainResult::Integer, value); }
+    void setIntegerResult(int value) { setInt64Result(value); }
+    /// A language may have a shorter way to the same.
     virtual void setStringResult(const QString& value) { setResult(createString(value)); }
-    void setIntegerResult(int value) { setResult(createInteger(value)); }
     void setDoubleResult(double value) { setResult(createDouble(value)); }
     void setDateTimeResult(const QDateTime& value) { setResult(createDateTime(value)); }
     // A null object or context is the language's null.
@@ -215,9 +215,36 @@ public:
     void restoreResultContext();
 
 protected:
+    /// What there is of a call, as bits: nearly all calls begin and end without.
+    enum State : unsigned char {
+        Running = 1,      ///< a call has begun; for a plug-in, whose contexts are reused
+        HasResult = 2,    ///< m_plainResult or what setResult() has; for a plug-in
+        ErrorStored = 4,  ///< by setError() since the error was forgotten, also without a text
+    };
+    unsigned char m_state = 0;
+    /// As setError() with an empty message.
+    void forgetError() {
+        if (m_state & ErrorStored) [[unlikely]]
+            clearStoredError();
+    }
+
+    /// A result that needs no wrapper of the language.
+    struct PlainResult {
+        enum Kind : unsigned char { None, Null, Bool, Integer };
+        Kind kind = None;
+        /// Of a Bool and of an Integer.
+        long long value = 0;
+    };
+    /// The result as a script value.
+    SharedPtr<ScriptArgument> create(const PlainResult& result);
+
     /// A plug-in binds its context to the result sink here.
     TestResult* m_testResult = nullptr;
     bool m_hasNamedArguments = false;
+    /// Whether plain results are left in m_plainResult, instead of given to setResult(). Who sets
+    /// this looks there first, and clears it in setResult() and behind a call.
+    bool m_keepsPlainResults = false;
+    PlainResult m_plainResult;
 
     /// A plug-in whose contexts are reused moves the arguments in without a copy.
     std::vector<SharedPtr<ScriptArgument>>& argumentStorage() { return m_arguments; }
@@ -226,15 +253,17 @@ private:
     friend class Execution;
 
     int call(Function function);
-    /// As setError() with an empty message; every call passes here.
-    void forgetError() {
-        if (hasError())
-            forgetMessage();
-        m_errorType = GeneralError;
-        m_isSkip = false;
-        m_errorFrame = DebuggerFrame();
+    void setPlainResult(PlainResult::Kind kind, long long value) {
+        if (m_keepsPlainResults) [[likely]] {
+            // One by one: a copy of both at once would wait for each to be written.
+            m_plainResult.kind = kind;
+            m_plainResult.value = value;
+            m_state |= HasResult;
+        } else {
+            setResult(create({kind, value}));
+        }
     }
-    [[gnu::cold]] void forgetMessage();
+    [[gnu::cold]] void clearStoredError();
 
     static ScriptContext* s_current;
     static const SharedPtr<ScriptArgument> s_noArgument;

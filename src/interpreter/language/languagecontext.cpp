@@ -12,37 +12,71 @@
 
 namespace Tamrix {
 
-void LanguageContext::CallScope::keepOuter() {
-    m_outer = std::make_unique<Outer>();
-    m_outer->arguments.swap(m_context.argumentStorage());
-    m_outer->areNamed = m_context.m_hasNamedArguments;
-    m_outer->errorMessage = m_context.errorMessage();
-    m_outer->errorType = m_context.errorType();
-    m_outer->isSkip = m_context.isSkip();
-    m_outer->result = std::move(m_context.m_result);
+// Calls
+
+LanguageContext::Interlude::Interlude(LanguageContext& context)
+    : m_context(context),
+      m_state(context.m_state),
+      m_areNamed(std::exchange(context.m_hasNamedArguments, false)),
+      m_errorMessage(context.errorMessage()),
+      m_errorType(context.errorType()),
+      m_isSkip(context.isSkip()),
+      m_result(std::move(context.m_result)),
+      m_plainResult(std::exchange(context.m_plainResult, {})) {
+    m_arguments.swap(context.argumentStorage());
+    context.forgetError();
+    context.m_state = 0;
 }
 
-void LanguageContext::CallScope::restoreOuter() {
-    m_context.argumentStorage().swap(m_outer->arguments);
-    m_context.m_hasNamedArguments = m_outer->areNamed;
-    if (m_outer->isSkip)
-        m_context.setSkip(m_outer->errorMessage);
-    else
-        m_context.setError(m_outer->errorMessage, m_outer->errorType);
-    m_context.m_result = std::move(m_outer->result);
+LanguageContext::Interlude::~Interlude() {
+    // The error of a call that runs inside of no other one stays to be asked for.
+    if (m_state & Running) {
+        m_context.forgetError();
+        if (m_isSkip)
+            m_context.setSkip(m_errorMessage);
+        else if (m_state & ErrorStored)
+            m_context.setError(m_errorMessage, m_errorType);
+        m_context.m_state = m_state;
+    }
+    m_context.argumentStorage().swap(m_arguments);
+    m_context.m_hasNamedArguments = m_areNamed;
+    m_context.m_result = std::move(m_result);
+    m_context.m_plainResult = m_plainResult;
 }
 
-void LanguageContext::CallScope::makePlaces(std::size_t count) {
-    std::vector<SharedPtr<ScriptArgument>>& places = arguments();
-    for (; places.size() > count; places.pop_back())
-        m_context.m_spareWrappers.push_back(std::move(places.back()));
-    places.reserve(count);
-    while (places.size() < count)
-        places.push_back(m_context.takeSpareWrapper());
+LanguageContext::Call::Call(LanguageContext& context, ScriptArgument::List given, bool areNamed)
+    : m_context(context) {
+    if (context.isBusy())
+        m_interlude.emplace(context);
+    context.m_state = Running;
+    context.m_hasNamedArguments = areNamed;
+    context.argumentStorage() = std::move(given);
+    setCurrent(&context);
 }
 
-void LanguageContext::CallScope::dropKept() {
-    std::erase_if(arguments(), [](const SharedPtr<ScriptArgument>& each) {
+LanguageContext::Call::~Call() {
+    m_context.argumentStorage().clear();
+    m_context.m_hasNamedArguments = false;
+    m_context.endUnusualCall();
+}
+
+SharedPtr<ScriptArgument> LanguageContext::Call::takeResult() {
+    return m_context.m_plainResult.kind != PlainResult::None
+               ? m_context.create(m_context.m_plainResult)
+               : std::move(m_context.m_result);
+}
+
+void LanguageContext::endUnusualCall() {
+    m_result.reset();
+    m_plainResult = {};
+    // An error stays to be asked for, until the next call.
+    if (!hasError())
+        forgetError();
+    m_state &= ErrorStored;
+}
+
+void LanguageContext::dropKeptArguments() {
+    std::erase_if(argumentStorage(), [](const SharedPtr<ScriptArgument>& each) {
         return !each || each->referenceCount() > 1;
     });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -19,95 +19,81 @@ class StepActions;
 /// is running, from script code that a native function runs, keeps the outer call's state aside.
 class TAMRIX_EXPORT LanguageContext : public ScriptContext {
 public:
-    explicit LanguageContext(LanguageInterpreter& interpreter) : m_interpreter(interpreter) {}
+    explicit LanguageContext(LanguageInterpreter& interpreter) : m_interpreter(interpreter) {
+        m_keepsPlainResults = true;
+    }
 
     void setTestResult(TestResult* result) { m_testResult = result; }
 
-    /// The time of one call of a native function: keeps aside what belongs to an outer one, and
-    /// takes the result away at the end.
-    class TAMRIX_EXPORT CallScope {
+    /// Whether a call is running, or the last one has left an error: then an Interlude comes before
+    /// the next one.
+    bool isBusy() const { return m_state != 0; }
+
+    /// The time in which a call runs inside of another one, or behind one that has failed: keeps
+    /// aside what belongs to it.
+    class TAMRIX_EXPORT Interlude {
     public:
-        CallScope(const CallScope&) = delete;
-        CallScope& operator=(const CallScope&) = delete;
-
-        /// What the function has given; null when it gave nothing.
-        SharedPtr<ScriptArgument> takeResult() { return std::move(m_context.m_result); }
-
-    protected:
-        /// `areNamed` tells that some arguments were given by name.
-        CallScope(LanguageContext& context, bool areNamed) : m_context(context) {
-            if (m_context.m_depth++ > 0) [[unlikely]]
-                keepOuter();
-            m_context.m_hasNamedArguments = areNamed;
-            setCurrent(&m_context);
-        }
-        ~CallScope() {
-            --m_context.m_depth;
-            if (m_outer) [[unlikely]]
-                restoreOuter();
-            else if (m_context.m_result) [[unlikely]]
-                m_context.m_result.reset();
-        }
-        std::vector<SharedPtr<ScriptArgument>>& arguments() { return m_context.argumentStorage(); }
-        /// Makes so many places for arguments, with the wrappers that wait, as far as there are
-        /// some.
-        [[gnu::cold]] void makePlaces(std::size_t count);
-        /// Leaves the arguments that somebody has kept to them.
-        [[gnu::cold]] void dropKept();
-
-        LanguageContext& m_context;
+        explicit Interlude(LanguageContext& context);
+        ~Interlude();
+        Interlude(const Interlude&) = delete;
+        Interlude& operator=(const Interlude&) = delete;
 
     private:
-        /// State of a call that is running already.
-        struct Outer {
-            std::vector<SharedPtr<ScriptArgument>> arguments;
-            bool areNamed;
-            QString errorMessage;
-            ErrorType errorType;
-            bool isSkip;
-            SharedPtr<ScriptArgument> result;
-        };
-        [[gnu::cold]] void keepOuter();
-        [[gnu::cold]] void restoreOuter();
-
-        std::unique_ptr<Outer> m_outer;
+        LanguageContext& m_context;
+        unsigned char m_state;
+        std::vector<SharedPtr<ScriptArgument>> m_arguments;
+        bool m_areNamed;
+        QString m_errorMessage;
+        ErrorType m_errorType;
+        bool m_isSkip;
+        SharedPtr<ScriptArgument> m_result;
+        PlainResult m_plainResult;
     };
 
-    /// A call with arguments that were made for it. One that is null was left out.
-    class Call : public CallScope {
+    /// A call with arguments that were made for it. One that is null was left out; `areNamed` tells
+    /// that some were given by name.
+    class TAMRIX_EXPORT Call {
     public:
-        Call(LanguageContext& context, ScriptArgument::List given, bool areNamed)
-            : CallScope(context, areNamed) {
-            arguments() = std::move(given);
-        }
-        ~Call() { arguments().clear(); }
+        Call(LanguageContext& context, ScriptArgument::List given, bool areNamed);
+        ~Call();
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
 
-    protected:
-        /// Without arguments: who derives from this puts them into the context's argumentStorage().
-        Call(LanguageContext& context, bool areNamed) : CallScope(context, areNamed) {
-            arguments().clear();
-        }
+        /// What the function has given; null when it gave nothing.
+        SharedPtr<ScriptArgument> takeResult();
+
+    private:
+        std::optional<Interlude> m_interlude;
+        LanguageContext& m_context;
     };
 
-    /// A call with arguments that all stand at their places. Wrappers, of the plug-in's class, wait
-    /// where they are for the next call, unless somebody has kept them; its rebind() makes one
-    /// stand for another value, and for none without an argument.
-    template <typename Argument>
-    class DirectCall : public CallScope {
+    /// A call with arguments that all stand at their places, of a context that is not busy.
+    /// Wrappers, of the plug-in's class, wait where they are for the next call, unless somebody has
+    /// kept them; its rebind() makes one stand for another value, and for none without an argument.
+    /// `Own` is the plug-in's context.
+    template <typename Own>
+    class DirectCall {
     public:
-        explicit DirectCall(LanguageContext& context) : CallScope(context, false) {}
+        using Argument = typename Own::Argument;
+
+        explicit DirectCall(LanguageContext& context) : m_context(context) {
+            context.m_state = Running;
+            setCurrent(&context);
+        }
         ~DirectCall() {
             bool areKept = false;
-            for (const SharedPtr<ScriptArgument>& each : arguments()) {
+            for (const SharedPtr<ScriptArgument>& each : m_context.argumentStorage()) {
                 if (!each || each->referenceCount() > 1) [[unlikely]]
                     areKept = true;
                 else
                     static_cast<Argument*>(each.get())->rebind();
             }
             if (areKept) [[unlikely]]
-                dropKept();
+                m_context.dropKeptArguments();
+            if (m_context.m_state == Running) [[likely]]
+                m_context.m_state = 0;
+            else
+                m_context.endUnusualCall();
         }
         DirectCall(const DirectCall&) = delete;
         DirectCall& operator=(const DirectCall&) = delete;
@@ -116,27 +102,60 @@ public:
         /// front of the value, if anything.
         template <typename ValueOf, typename... Owner>
         void giveArguments(int count, ValueOf valueOf, Owner&... owner) {
+            std::vector<SharedPtr<ScriptArgument>>& places = m_context.argumentStorage();
             // Most calls have as many arguments as the one before.
-            if (m_context.argumentCount() != count) [[unlikely]]
-                makePlaces(static_cast<std::size_t>(count));
-            SharedPtr<ScriptArgument>* const wrappers = arguments().data();
-            for (int place = 0; place < count; ++place) {
-                if (wrappers[place]) [[likely]]
-                    static_cast<Argument*>(wrappers[place].get())->rebind(valueOf(place));
-                else
-                    wrappers[place] = new Argument(owner..., valueOf(place));
-            }
+            if (places.data() + count != places.data() + places.size()) [[unlikely]]
+                makePlaces(count, valueOf, owner...);
+            SharedPtr<ScriptArgument>* const wrappers = places.data();
+            for (int place = 0; place < count; ++place)
+                static_cast<Argument*>(wrappers[place].get())->rebind(valueOf(place));
         }
-        /// `take` gets the result, as it is of takeResult(), and its wrapper waits for another one.
+        /// Behind the function: whether there is neither an error nor a result.
+        bool gaveNothing() const { return m_context.m_state == Running; }
+        /// `take` gets the value of the result, with no error there. What wraps it waits for
+        /// another one.
         template <typename Take>
         void giveResult(Take take) {
-            SharedPtr<ScriptArgument>& result = m_context.m_result;
-            take(static_cast<Argument*>(result.get()));
-            if (result && result->referenceCount() == 1) [[likely]] {
+            m_context.m_state = Running;
+            const PlainResult plain = m_context.m_plainResult;
+            m_context.m_plainResult.kind = PlainResult::None;
+            if (plain.kind == PlainResult::Integer) [[likely]]
+                return take(Own::makeValue(plain.value));
+            switch (plain.kind) {
+                case PlainResult::Bool:
+                    return take(Own::makeValue(plain.value != 0));
+                case PlainResult::Null:
+                    return take(Own::makeNull());
+                default:
+                    break;
+            }
+            SharedPtr<ScriptArgument> result = std::move(m_context.m_result);
+            if (!result)
+                return take(Own::makeNothing());
+            take(Own::makeValue(static_cast<const Argument&>(*result)));
+            if (result->referenceCount() == 1) [[likely]] {
                 static_cast<Argument*>(result.get())->rebind();
                 result.swap(m_context.m_spareResult);
             }
         }
+
+    private:
+        /// Makes so many places for arguments, with the wrappers that wait, as far as there are
+        /// some.
+        template <typename ValueOf, typename... Owner>
+        [[gnu::cold, gnu::noinline]] void makePlaces(int count, ValueOf valueOf, Owner&... owner) {
+            std::vector<SharedPtr<ScriptArgument>>& places = m_context.argumentStorage();
+            const auto size = static_cast<std::size_t>(count);
+            for (; places.size() > size; places.pop_back())
+                m_context.m_spareWrappers.push_back(std::move(places.back()));
+            places.reserve(size);
+            for (auto place = static_cast<int>(places.size()); place < count; ++place) {
+                SharedPtr<ScriptArgument> spare = m_context.takeSpareWrapper();
+                places.push_back(spare ? std::move(spare) : new Argument(owner..., valueOf(place)));
+            }
+        }
+
+        LanguageContext& m_context;
     };
 
     /// By default nothing of the language is pending when a native function begins.
@@ -168,7 +187,11 @@ public:
 
     /// By the frames that the debugger knows.
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;
-    void setResult(SharedPtr<ScriptArgument> value) override { m_result = std::move(value); }
+    void setResult(SharedPtr<ScriptArgument> value) override {
+        m_result = std::move(value);
+        m_plainResult.kind = PlainResult::None;
+        m_state |= HasResult;
+    }
     /// The bottom of the stack is the runner, which is no place in a script and is left out.
     void setStackTraceResult(const std::vector<ScriptLocation>& trace) override;
     bool evaluate(const QString& text, const QString& fileName) override;
@@ -209,13 +232,17 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    /// Leaves the arguments that somebody has kept to them.
+    [[gnu::cold]] void dropKeptArguments();
+    /// The end of a call that has left a result that nobody took, or an error.
+    [[gnu::cold]] void endUnusualCall();
+
     LanguageInterpreter& m_interpreter;
     SharedPtr<ScriptArgument> m_result;
     /// That of the last result: most calls take it for theirs.
     SharedPtr<ScriptArgument> m_spareResult;
     /// For which the last call had no use.
     std::vector<SharedPtr<ScriptArgument>> m_spareWrappers;
-    int m_depth = 0;
 };
 
 }  // namespace Tamrix

@@ -11,6 +11,7 @@
 #include "interpreter/bridge/callarguments.h"
 #include "interpreter/bridge/interpreter.h"
 #include "interpreter/language/scripterrorset.h"
+#include "interpreter/language/scriptfailure.h"
 #include "interpreter/language/scriptoutput.h"
 #include "interpreter/language/timelimit.h"
 #include "platform/objectmodel/inspector.h"
@@ -71,6 +72,12 @@ public:
         if (m_inspector->model() != m_knownModel)
             publishFunctionsOfApplication();
     }
+
+    /// Why a call of a native function has failed, between callDirectly() and its caller.
+    void keepCallFailure(ScriptFailure failure) {
+        m_callFailure = std::make_unique<ScriptFailure>(std::move(failure));
+    }
+    std::unique_ptr<ScriptFailure> takeCallFailure() { return std::move(m_callFailure); }
 
     /// How a call of a script's function came out.
     enum class CallEnd { Succeeded, Pending, Failed };
@@ -225,6 +232,7 @@ private:
     std::unique_ptr<StepActions> m_steps;
     /// Only compared: it may be gone.
     ObjectModel* m_knownModel = nullptr;
+    std::unique_ptr<ScriptFailure> m_callFailure;
     bool m_exited = false;
     bool m_hasStarted = false;
     QStringList m_initScripts;

@@ -95,7 +95,7 @@ ScriptResult run(LanguageInterpreter& interpreter, const NativeFunction& functio
     if (function.kind() == NativeFunction::Kind::Constructor)
         made = function.construct(context);
     else
-        function.run(context, object);
+        function.run(context, interpreter.runner(), object);
     interpreter.noticeApplication();
     if (context.hasError())
         return tl::unexpected<ScriptFailure>(failureOf(context));

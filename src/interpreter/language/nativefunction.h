@@ -6,8 +6,8 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/callarguments.h"
-#include "interpreter/bridge/execution.h"
 #include "interpreter/bridge/nativescripttype.h"
+#include "interpreter/bridge/remoteobjectmodelholder.h"
 #include "interpreter/bridge/scriptcontext.h"
 #include "interpreter/language/scriptfailure.h"
 
@@ -57,10 +57,12 @@ public:
     /// For messages: "test.compare". Scripts of all languages are told the same.
     const QString& displayName() const { return m_displayName; }
     const Parameters& parameters() const { return m_parameters; }
-    /// Whether each of `count` arguments that a script gave without names stands at its place: none
-    /// is left out by the language's null, which `isNull` knows by the place.
+    /// Whether `count` arguments that a script gave without names are enough, and each stands at
+    /// its place: none is left out by the language's null, which `isNull` knows by the place.
     template <typename IsNull>
     bool areInPlace(int count, IsNull isNull) const {
+        if (count < m_requiredCount)
+            return false;
         const int end = std::min(count, m_parameterCount);
         for (int index = m_requiredCount; index < end; ++index) {
             if (isNull(index))
@@ -73,20 +75,22 @@ public:
     /// What tells it from others of the same name: the address of the native function.
     const void* address() const;
 
-    // Run it in the context, which has its arguments, while nothing of the language is pending.
+    // Run it in the context, which has its arguments and no error, while nothing of the language is
+    // pending. The runner's remote object model is taken for the time; the runner may be null.
     /// No method and no constructor.
-    void run(ScriptContext& context) const {
-        const Execution execution(context);
+    void run(ScriptContext& context, RunnerInterface* runner) const {
+        const RemoteObjectModelHolder holder(runner);
         if (m_kind == Kind::Table)
             m_table(&context);
         else
             m_native(&context);
     }
     /// No constructor. `object` is that of a method.
-    void run(ScriptContext& context, const SharedPtr<NativeScriptObject>& object) const {
+    void run(ScriptContext& context, RunnerInterface* runner,
+             const SharedPtr<NativeScriptObject>& object) const {
         if (m_kind != Kind::Method)
-            return run(context);
-        const Execution execution(context);
+            return run(context, runner);
+        const RemoteObjectModelHolder holder(runner);
         m_method(object, &context);
     }
     /// What a constructor has made; null with the context's error set when that failed.

@@ -11,15 +11,22 @@ namespace Tamrix {
 /// plug-in's class, derives from it and has beside what is left to override, `Value` being what an
 /// `Argument` is made of:
 ///
-///     Value makeNull();
+///     static Value makeNull();
 ///     Value makeValue(T value);  // T a bool, long long, double, QString, QDateTime, QByteArray,
 ///                                // ScriptArgument::List, ScriptArgument::Map, or a SharedPtr of
 ///                                // an Object, NativeScriptObject, TestDataSet, ApplicationContext
-template <typename Own, typename Argument, typename Interpreter>
+///     static Value makeValue(const Argument& wrapper);   // which it has; static as those of a
+///                                // bool and of an integer
+template <typename Own, typename WrappedArgument, typename Interpreter>
 class ValueContext : public LanguageContext {
 public:
+    using Argument = WrappedArgument;
+
     explicit ValueContext(Interpreter& interpreter)
         : LanguageContext(interpreter), m_interpreter(interpreter) {}
+
+    /// What a function without a result gives.
+    static auto makeNothing() { return Own::makeNull(); }
 
     ScriptContext* createSubContext() final {
         auto* const context = new Own(m_interpreter);
@@ -52,9 +59,6 @@ public:
         return made(context);
     }
 
-    void setNullResult() final { setResult(wrapped(own().makeNull())); }
-    void setBoolResult(bool value) final { setResult(made(value)); }
-    void setInt64Result(long long value) final { setResult(made(value)); }
     void setStringResult(const QString& value) final { setResult(made(value)); }
     void setResult(SharedPtr<ScriptArgument> value) final {
         LanguageContext::setResult(std::move(value));

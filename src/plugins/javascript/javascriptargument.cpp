@@ -17,11 +17,10 @@ namespace Tamrix::JavaScriptPlugin {
 
 // Type tests
 
-bool JavaScriptArgument::isInteger() const {
+bool JavaScriptArgument::holdsInteger() const {
     const JS::Value& own = m_value.get();
-    return own.isInt32() || own.isBigInt() ||
-           (own.isDouble() && std::trunc(own.toDouble()) == own.toDouble() &&
-            std::isfinite(own.toDouble()));
+    return own.isBigInt() || (own.isDouble() && std::trunc(own.toDouble()) == own.toDouble() &&
+                              std::isfinite(own.toDouble()));
 }
 
 bool JavaScriptArgument::isList() const {
@@ -53,7 +52,7 @@ double JavaScriptArgument::toDouble() const {
     return own.isBoolean() && own.toBoolean() ? 1 : 0;
 }
 
-long long JavaScriptArgument::converted() const {
+long long JavaScriptArgument::convertedToInt() const {
     const JS::Value& own = m_value.get();
     std::int64_t number = 0;
     if (own.isBigInt() && JS::BigIntFits(own.toBigInt(), &number))

@@ -17,10 +17,15 @@ namespace Tamrix::JavaScriptPlugin {
 /// ScriptErrorSet.
 class JavaScriptArgument final : public LanguageArgument<JavaScriptArgument> {
 public:
-    explicit JavaScriptArgument(const JS::Value& value) : m_value(engineContext(), value) {}
+    explicit JavaScriptArgument(const JS::Value& value) : m_value(engineContext(), value) {
+        keepIntegerOf(value);
+    }
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(const JS::Value& value = JS::UndefinedValue()) { m_value = value; }
+    void rebind(const JS::Value& value = JS::UndefinedValue()) {
+        m_value = value;
+        keepIntegerOf(value);
+    }
 
     JS::HandleValue value() const { return m_value; }
 
@@ -28,7 +33,7 @@ public:
     bool isBool() const override { return m_value.get().isBoolean(); }
     bool isNumber() const override { return m_value.get().isNumeric(); }
     /// A number without a fraction, or a BigInt.
-    bool isInteger() const override;
+    bool holdsInteger() const override;
     bool isString() const override { return m_value.get().isString(); }
     bool isCallable() const override { return isFunction(m_value); }
     /// An array.
@@ -40,9 +45,7 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet with a RangeError for what 64 bits can't hold.
-    long long toInt() const override {
-        return m_value.get().isInt32() ? m_value.get().toInt32() : converted();
-    }
+    long long convertedToInt() const override;
     QString toString() const override { return textOf(value()); }
     List toList() const override;
     Map toMap() const override;
@@ -68,8 +71,13 @@ public:
     static LanguageInterpreter* active();
 
 private:
-    /// An integer of a value that is none of 32 bits, which hardly any is.
-    [[gnu::noinline]] long long converted() const;
+    /// Nearly all integers are of 32 bits.
+    void keepIntegerOf(const JS::Value& value) {
+        if (value.isInt32())
+            keepInteger(value.toInt32());
+        else
+            keepNoInteger();
+    }
     /// Null for a value that is no object.
     JSObject* object() const {
         return m_value.get().isObject() ? &m_value.get().toObject() : nullptr;

@@ -15,7 +15,9 @@ public:
     using ValueContext::ValueContext;
 
     // For ValueContext.
+    static JS::Value makeNothing() { return JS::UndefinedValue(); }
     static JS::Value makeNull() { return JS::NullValue(); }
+    static JS::Value makeValue(const JavaScriptArgument& wrapper) { return wrapper.value(); }
     static JS::Value makeValue(bool value) { return JS::BooleanValue(value); }
     static JS::Value makeValue(long long value) { return toJsInteger(value); }
     static JS::Value makeValue(double value) { return JS::NumberValue(value); }

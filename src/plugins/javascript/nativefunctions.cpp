@@ -95,19 +95,16 @@ bool callFunction(JSContext*, unsigned count, JS::Value* values) {
     JavaScriptInterpreter* const interpreter = JavaScriptInterpreter::active();
     const auto isNull = [given](int index) { return given[index].isNullOrUndefined(); };
     const auto all = static_cast<int>(count);
-    if (!interpreter || all < function.parameters().requiredCount ||
-        !function.areInPlace(all, isNull)) [[unlikely]]
+    if (!interpreter || !function.areInPlace(all, isNull)) [[unlikely]]
         return callWithGaps(function, count, values);
     // The road of most calls, without a list of arguments that is made for it.
     const auto valueAt = [given](int place) { return given[place]; };
     // The result takes the place of the function.
-    const auto take = [values](const JavaScriptArgument* result) {
-        *values = result ? result->value().get() : JS::UndefinedValue();
-    };
+    const auto take = [values](const JS::Value& result) { *values = result; };
     return guarded(shownName(function), [&] {
-        if (const auto failure =
-                callDirectly<JavaScriptArgument>(*interpreter, function, all, valueAt, take))
-            throwFailure(*failure);
+        if (!callDirectly<JavaScriptContext>(*interpreter, function, all, valueAt, take))
+            [[unlikely]]
+            throwFailure(*interpreter->takeCallFailure());
         return true;
     });
 }

@@ -62,12 +62,10 @@ NativeEnd callPlainly(pTHX_ CaseInterpreter& active, const NativeFunction& funct
                       int count) {
     NativeEnd result = returning(aTHX_ SvRef());
     const auto valueAt = [&](int place) { return PerlArgument::kept(aTHX_ arguments[place]); };
-    const auto take = [&](const PerlArgument* given) {
-        if (given)
-            result = returning(aTHX_ SvRef::borrow(given->value()));
-    };
-    const auto failure = callDirectly<PerlArgument>(active, function, count, valueAt, take);
-    return failure ? failing(aTHX_ * failure) : result;
+    const auto take = [&](SvRef given) { result = returning(aTHX_ std::move(given)); };
+    return callDirectly<PerlContext>(active, function, count, valueAt, take)
+               ? result
+               : failing(aTHX_ * active.takeCallFailure());
 }
 
 /// Whether the value is the class or an object of it.

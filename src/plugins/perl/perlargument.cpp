@@ -64,7 +64,7 @@ bool PerlArgument::isNumber() const {
     return isNumberValue(aTHX_ value());
 }
 
-bool PerlArgument::isInteger() const {
+bool PerlArgument::holdsInteger() const {
     return isNumber() && (SvIOK(value()) || isIntegral(SvNVX(value())));
 }
 
@@ -109,7 +109,7 @@ double PerlArgument::toDouble() const {
     return isNumber() || isBool() ? SvNV_nomg(value()) : 0;
 }
 
-long long PerlArgument::toInt() const {
+long long PerlArgument::convertedToInt() const {
     dTHX;
     if (!isNumber() && !isBool())
         return 0;

@@ -41,7 +41,7 @@ public:
     bool isBool() const override;
     bool isNumber() const override;
     /// Also a number with a fraction of zero, which is what Perl's int() makes.
-    bool isInteger() const override;
+    bool holdsInteger() const override;
     bool isString() const override;
     /// Also an object that says what it is as text.
     bool isStringLike() const override;
@@ -51,7 +51,7 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Passes with an exception for a number beyond 64 bits.
-    long long toInt() const override;
+    long long convertedToInt() const override;
     QString toString() const override;
     List toList() const override;
     Map toMap() const override;

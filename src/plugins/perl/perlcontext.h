@@ -15,10 +15,12 @@ public:
     using ValueContext::ValueContext;
 
     // For ValueContext.
+    static SvRef makeNothing() { return {}; }
     static SvRef makeNull() {
         dTHX;
         return SvRef::steal(newSV(0));
     }
+    static SvRef makeValue(const PerlArgument& wrapper) { return SvRef::borrow(wrapper.value()); }
     static SvRef makeValue(bool value) {
         dTHX;
         return SvRef::steal(newSVsv(value ? &PL_sv_yes : &PL_sv_no));

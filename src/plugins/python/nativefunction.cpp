@@ -67,16 +67,18 @@ PyObject* run(const NativeFunction& function, PythonInterpreter& interpreter, Py
     PyObject* value = nullptr;
     if (isDirect) {
         const auto valueAt = [=](int place) { return PyRef::borrow(arguments[place]); };
-        const auto take = [&value](const PythonArgument* result) { value = givenTo(result); };
-        std::unique_ptr<ScriptFailure> failure;
+        const auto take = [&value](PyRef result) { value = result.release(); };
+        const auto call = [&](const auto&... receiver) {
+            return callDirectly<PythonContext>(interpreter, function, static_cast<int>(count),
+                                               valueAt, take, receiver...);
+        };
+        bool isDone = false;
         if constexpr (kind == Kind::Method)
-            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
-                                                   valueAt, take, object);
+            isDone = call(object);
         else
-            failure = callDirectly<PythonArgument>(interpreter, function, static_cast<int>(count),
-                                                   valueAt, take);
-        if (failure) [[unlikely]]
-            setFailure(*failure);
+            isDone = call();
+        if (!isDone) [[unlikely]]
+            setFailure(*interpreter.takeCallFailure());
         return value;
     }
     const ScriptResult result =

@@ -58,7 +58,7 @@ bool PythonArgument::isNumber() const {
            (PyLong_Check(object()) || PyFloat_Check(object()) || hasNumberProtocol(object()));
 }
 
-bool PythonArgument::isInteger() const {
+bool PythonArgument::holdsInteger() const {
     return isPyInteger(object()) || (!isBool() && PyIndex_Check(object()));
 }
 
@@ -95,7 +95,7 @@ double PythonArgument::toDouble() const {
     return value;
 }
 
-long long PythonArgument::toInt() const {
+long long PythonArgument::convertedToInt() const {
     if (PyLong_Check(object()))
         return integerOf(object());
     if (isInteger())

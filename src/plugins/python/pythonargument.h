@@ -22,7 +22,7 @@ public:
     QString typeName() const override;
     bool isBool() const override;
     bool isNumber() const override;
-    bool isInteger() const override;
+    bool holdsInteger() const override;
     bool isString() const override;
     bool isCallable() const override;
     bool isList() const override;
@@ -31,7 +31,7 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Throws PythonErrorSet with an OverflowError for an int beyond 64 bits.
-    long long toInt() const override;
+    long long convertedToInt() const override;
     QString toString() const override;
     List toList() const override;
     Map toMap() const override;

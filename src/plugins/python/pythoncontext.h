@@ -22,6 +22,9 @@ public:
 
     // For ValueContext.
     static PyRef makeNull() { return PyRef::borrow(Py_None); }
+    static PyRef makeValue(const PythonArgument& wrapper) {
+        return PyRef::borrow(wrapper.object());
+    }
     static PyRef makeValue(bool value) { return PyRef::borrow(value ? Py_True : Py_False); }
     static PyRef makeValue(long long value) { return PyRef::steal(PyLong_FromLongLong(value)); }
     static PyRef makeValue(double value) { return PyRef::steal(PyFloat_FromDouble(value)); }

@@ -77,13 +77,10 @@ template <typename ValueAt, typename... Object>
 VALUE givenInPlace(RubyInterpreter& interpreter, const Slot& slot, int count, ValueAt valueAt,
                    const SharedPtr<Object>&... object) {
     VALUE value = Qnil;
-    const auto take = [&value](const RubyArgument* result) {
-        if (result)
-            value = result->value();
-    };
-    if (const auto failure = callDirectly<RubyArgument>(interpreter, slot.function, count, valueAt,
-                                                        take, object...)) [[unlikely]]
-        raiseFailure(*failure);
+    const auto take = [&value](VALUE result) { value = result; };
+    if (!callDirectly<RubyContext>(interpreter, slot.function, count, valueAt, take, object...))
+        [[unlikely]]
+        raiseFailure(*interpreter.takeCallFailure());
     return value;
 }
 

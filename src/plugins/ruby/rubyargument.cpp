@@ -69,7 +69,7 @@ double RubyArgument::toDouble() const {
     return number;
 }
 
-long long RubyArgument::toInt() const {
+long long RubyArgument::convertedToInt() const {
     if (isInteger())
         return integerOf(value());
     if (isBool())

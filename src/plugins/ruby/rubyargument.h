@@ -19,7 +19,7 @@ public:
     QString typeName() const override;
     bool isBool() const override { return value() == Qtrue || value() == Qfalse; }
     bool isNumber() const override;
-    bool isInteger() const override { return RB_INTEGER_TYPE_P(value()); }
+    bool holdsInteger() const override { return RB_INTEGER_TYPE_P(value()); }
     /// Also a Symbol, which is how scripts like to write names.
     bool isString() const override;
     bool isCallable() const override;
@@ -29,7 +29,7 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet with a RangeError for an Integer beyond 64 bits.
-    long long toInt() const override;
+    long long convertedToInt() const override;
     QString toString() const override;
     List toList() const override;
     Map toMap() const override;

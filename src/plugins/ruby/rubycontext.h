@@ -18,6 +18,7 @@ public:
 
     // For ValueContext.
     static VALUE makeNull() { return Qnil; }
+    static VALUE makeValue(const RubyArgument& wrapper) { return wrapper.value(); }
     static VALUE makeValue(bool value) { return value ? Qtrue : Qfalse; }
     static VALUE makeValue(long long value) { return LL2NUM(value); }
     static VALUE makeValue(double value) { return DBL2NUM(value); }

@@ -10,6 +10,7 @@
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclargument.h"
+#include "plugins/tcl/tclcontext.h"
 #include "plugins/tcl/tclinterpreter.h"
 #include "plugins/tcl/valuetype.h"
 
@@ -46,7 +47,7 @@ struct NativeCommand {
 bool arePlain(const NativeFunction& function, int count, Tcl_Obj* const* words) {
     const int requiredCount = function.parameters().requiredCount;
     const auto isNull = [words](int index) { return isEmptyText(words[index]); };
-    if (count < requiredCount || !function.areInPlace(count, isNull))
+    if (!function.areInPlace(count, isNull))
         return false;
     return std::all_of(words + requiredCount, words + count,
                        [](Tcl_Obj* word) { return optionName(word).empty(); });
@@ -61,16 +62,11 @@ int runNative(void* data, Tcl_Interp* interp, int count, Tcl_Obj* const* words) 
         return callWithWords(interpreter, command.function, {}, {}, count, words);
     // The road of most calls, without a list of arguments that is made for it.
     const auto valueAt = [words](int place) { return TclRef(words[place]); };
-    const auto take = [interp](const TclArgument* result) {
-        if (result)
-            Tcl_SetObjResult(interp, result->value());
-        else
-            Tcl_ResetResult(interp);
-    };
+    const auto take = [interp](const TclRef& result) { Tcl_SetObjResult(interp, result.get()); };
     return runCommand(interpreter, [&] {
-        const auto failure =
-            callDirectly<TclArgument>(interpreter, command.function, count, valueAt, take);
-        return failure ? interpreter.fail(*failure) : TCL_OK;
+        return callDirectly<TclContext>(interpreter, command.function, count, valueAt, take)
+                   ? TCL_OK
+                   : interpreter.fail(*interpreter.takeCallFailure());
     });
 }
 

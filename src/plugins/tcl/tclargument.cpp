@@ -40,7 +40,7 @@ bool TclArgument::isNumber() const {
            (type == ValueType::Text && doubleOf(copyOf(value()).get()));
 }
 
-bool TclArgument::isInteger() const {
+bool TclArgument::holdsInteger() const {
     const ValueType type = typeOf(value());
     return type == ValueType::Integer ||
            (type == ValueType::Text && integerOf(copyOf(value()).get()));
@@ -90,7 +90,7 @@ double TclArgument::toDouble() const {
     return doubleOf(value()).value_or(0);
 }
 
-long long TclArgument::toInt() const {
+long long TclArgument::convertedToInt() const {
     const std::optional<Tcl_WideInt> number = integerOf(value());
     if (number && !isBig(value()))
         return *number;

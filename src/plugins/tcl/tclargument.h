@@ -31,7 +31,7 @@ public:
     QString typeName() const override;
     bool isBool() const override;
     bool isNumber() const override;
-    bool isInteger() const override;
+    bool holdsInteger() const override;
     bool isString() const override;
     /// What is written to results may be anything.
     bool isStringLike() const override { return true; }
@@ -42,7 +42,7 @@ public:
     bool toBool() const override;
     double toDouble() const override;
     /// Throws ScriptErrorSet for an integer beyond 64 bits.
-    long long toInt() const override;
+    long long convertedToInt() const override;
     /// Of an object the name that finds it again.
     QString toString() const override;
     List toList() const override;

@@ -14,6 +14,7 @@ public:
 
     // For ValueContext.
     static TclRef makeNull() { return TclRef(Tcl_NewObj()); }
+    static TclRef makeValue(const TclArgument& wrapper) { return TclRef(wrapper.value()); }
     static TclRef makeValue(bool value);
     static TclRef makeValue(long long value) { return TclRef(Tcl_NewWideIntObj(value)); }
     static TclRef makeValue(double value) { return TclRef(Tcl_NewDoubleObj(value)); }

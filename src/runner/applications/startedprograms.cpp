@@ -57,6 +57,9 @@ std::vector<StartedPrograms::Pointer> StartedPrograms::ofInterest(const Pointer&
 // Ends
 
 void StartedPrograms::work() {
+    // Each call of a script comes here, and the clock costs more than the rest of it.
+    if (m_running.empty())
+        return;
     const bool isSettlingDue = m_nextSettling.hasExpired();
     if (isSettlingDue) {
         for (const Running& each : m_running)

@@ -63,7 +63,8 @@ void BackgroundWork::reportUnexpectedEnds() {
 }
 
 void BackgroundWork::lookAfterRecordings() {
-    for (const QString& failure : m_recordings.work()) {
+    const QStringList failures = m_recordings.work();
+    for (const QString& failure : failures) {
         if (m_facts.testResult) {
             m_facts.testResult->addResult(
                 TestResult::Warning, QStringLiteral("A video has ended before its time"), failure,
@@ -78,7 +79,8 @@ void BackgroundWork::runHandlers() {
     if (m_isRunningHandlers || m_applications.isInterrupted())
         return;
     const QScopedValueRollback<bool> running(m_isRunningHandlers, true);
-    for (const SharedPtr<Application>& application : m_applications.live()) {
+    const QList<SharedPtr<Application>> live = m_applications.live();
+    for (const SharedPtr<Application>& application : live) {
         for (const auto& [callback, object] : application->access().takeEvents())
             runHandler(callback);
     }

@@ -95,6 +95,8 @@ Outcome<QSharedPointer<BackgroundTask>> Recordings::start(Applications& applicat
 
 QStringList Recordings::work() {
     QStringList failures;
+    if (m_running.empty())
+        return failures;
     // What is told may start or stop recordings.
     const auto running = m_running;
     for (const auto& recording : running) {

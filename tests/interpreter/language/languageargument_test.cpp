@@ -25,7 +25,7 @@ public:
     QString typeName() const override { return "value"; }
     bool isBool() const override { return false; }
     bool isNumber() const override { return false; }
-    bool isInteger() const override { return false; }
+    bool holdsInteger() const override { return false; }
     bool isString() const override { return std::holds_alternative<QString>(m_what); }
     bool isCallable() const override { return false; }
     bool isList() const override { return false; }
@@ -33,7 +33,7 @@ public:
     bool isNull() const override { return m_what.index() == 0; }
     bool toBool() const override { return false; }
     double toDouble() const override { return 0; }
-    long long toInt() const override { return 0; }
+    long long convertedToInt() const override { return 0; }
     QString toString() const override { return get<QString>(); }
     List toList() const override { return {}; }
     Map toMap() const override { return {}; }

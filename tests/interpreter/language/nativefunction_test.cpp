@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/fakelanguage.h"
+#include "support/fakerunner.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -39,9 +40,13 @@ TEST(NativeFunction, HasNamesAsScriptsWriteThem) {
 TEST(NativeFunction, RunsWhatItStandsFor) {
     FakeContext context;
     context.setArguments({integer(1), integer(2)});
-    NativeFunction(context, {"tells", {}, {}, {}, {}}, tells).run(context);
+    FakeRunner runner;
+    runner.hasObjectModel = true;
+    NativeFunction(context, {"tells", {}, {}, {}, {}}, tells).run(context, &runner);
+    EXPECT_EQ(runner.acquired, 1);
+    EXPECT_EQ(runner.released, 1);
     EXPECT_EQ(context.result->toInt(), 2);
-    NativeFunction(context, {"fails", {}, {}, {}, {}}, fails).run(context);
+    NativeFunction(context, {"fails", {}, {}, {}, {}}, fails).run(context, nullptr);
     const ScriptFailure failure = failureOf(context);
     EXPECT_EQ(failure.kind, Kind::Lookup);
     EXPECT_EQ(failure.text, "it failed");
