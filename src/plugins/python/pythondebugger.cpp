@@ -51,7 +51,7 @@ void PythonDebugger::setDebuggerMode(DbgMode mode) {
     m_hook.redecide();
 }
 
-void PythonDebugger::interrupt() {
+void PythonDebugger::stopSoon() {
     // Python goes on to where it can be told.
     PyErr_SetInterruptEx(stopSignal());
 }

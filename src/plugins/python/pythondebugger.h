@@ -33,8 +33,6 @@ public:
     void setInteractive(bool interactive) override;
     void setDebuggerMode(DbgMode mode) override;
     void shutDown() override;
-    /// Stops at the next line. Only sets flags.
-    void interrupt() override;
 
     /// A native function raises the exception that is set: stops before the script's frames are
     /// left if nothing in them catches it.
@@ -53,6 +51,7 @@ protected:
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override { m_hook.redecide(); }
+    void stopSoon() override;
 
 private:
     bool wantsLines(PyCodeObject* code, const RunningFrame* caller) override;

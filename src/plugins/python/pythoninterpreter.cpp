@@ -13,6 +13,7 @@
 #include "plugins/python/pythonsteps.h"
 #include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
+#include "plugins/python/valuetext.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -217,6 +218,10 @@ QString PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QStrin
     } const takeOver{running};
     const RecursionRoom room;
     return fromPyString(callOwn("evaluation", "evaluate", toPyString(code), globals, locals).get());
+}
+
+TimeLimit::Expired PythonInterpreter::endOfEvaluation() {
+    return readyTimeLimit();
 }
 
 SharedPtr<ScriptArgument> PythonInterpreter::scriptFunction(const QString& name) {

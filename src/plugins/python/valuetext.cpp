@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/prelude.h"
@@ -85,12 +84,6 @@ void expired() {
     PyErr_SetInterruptEx(TimeLimit::signal());
 }
 
-void startTimeLimits() {
-    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
-    if (!timeLimitExceeded())
-        PyErr_Clear();
-}
-
 /// A text or bytes, cut before their representation is made.
 QString sliceText(PyObject* value) {
     const Py_ssize_t length = PyUnicode_Check(value) ? PyUnicode_GET_LENGTH(value)
@@ -109,12 +102,18 @@ QString sliceText(PyObject* value) {
 
 }  // namespace
 
+TimeLimit::Expired readyTimeLimit() {
+    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
+    if (!timeLimitExceeded())
+        PyErr_Clear();
+    return expired;
+}
+
 PyRef timedRepresentation(PyObject* value) {
     constexpr std::chrono::seconds most{1};
-    startTimeLimits();
     PyRef text;
     {
-        const TimeLimit limit(most, expired);
+        const TimeLimit limit(most, readyTimeLimit());
         text = PyRef::steal(PyObject_Repr(value));
     }
     if (!text && PyErr_ExceptionMatches(timeLimitExceeded())) {
@@ -204,8 +203,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
 }
 
 QString PythonTexts::reprText(PyObject* value) {
-    startTimeLimits();
-    return scriptText(expired, [value]() -> std::optional<Outcome<QString>> {
+    return scriptText(readyTimeLimit(), [value]() -> std::optional<Outcome<QString>> {
         if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
             return firstCharacters(text);
         const bool isExceeded =

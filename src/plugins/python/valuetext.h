@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuetexts.h"
 #include "plugins/python/pyref.h"
 
@@ -10,6 +11,10 @@ namespace Tamrix::PythonPlugin {
 /// What repr() gives, or that it was not done within a second. Null with the error indicator set
 /// when it has raised something.
 PyRef timedRepresentation(PyObject* value);
+
+/// What ends running code when a TimeLimit calls it, with an exception that no `except Exception`
+/// catches. Called before there is an error, since nothing can be made ready then.
+TimeLimit::Expired readyTimeLimit();
 
 /// Writes Python's values by their representation, or in <> what there is instead of it. Their
 /// parts are elements, entries, or the attributes of an object, a class or a module.
