@@ -20,7 +20,6 @@ class JavaScriptDebugger final : public LanguageDebugger {
 public:
     explicit JavaScriptDebugger(JavaScriptInterpreter& interpreter);
 
-
     /// The interpreter runs in another realm now.
     void realmChanged();
     /// What is pending has ended the script: stops if the debugger has not done so before, as for
