@@ -83,8 +83,8 @@ private:
 JS::Value JavaScriptContext::makeValue(const SharedPtr<NativeScriptObject>& object) {
     if (!object)
         return JS::NullValue();
-    const ObjectRoot prototype(m_interpreter.realm().nativePrototype(object->typeId()));
-    return JS::ObjectValue(*makeHostObject(object, prototype));
+    const ObjectRoot* const known = m_interpreter.realm().nativePrototypes().find(object->typeId());
+    return JS::ObjectValue(*makeHostObject(object, known ? *known : ObjectRoot()));
 }
 
 JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& application) {

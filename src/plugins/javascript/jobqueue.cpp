@@ -18,10 +18,6 @@ private:
 
 JobQueue::~JobQueue() = default;
 
-JSObject* JobQueue::getIncumbentGlobal(JSContext* context) {
-    return JS::CurrentGlobalOrNull(context);
-}
-
 bool JobQueue::enqueuePromiseJob(JSContext* context, JS::HandleObject, JS::HandleObject job,
                                  JS::HandleObject, JS::HandleObject) {
     m_jobs.emplace_back(context, job);

@@ -21,7 +21,9 @@ public:
     /// Forgets all, at the end of a test case.
     void clear() { m_jobs.clear(); }
 
-    JSObject* getIncumbentGlobal(JSContext* context) override;
+    JSObject* getIncumbentGlobal(JSContext* context) override {
+        return JS::CurrentGlobalOrNull(context);
+    }
     bool enqueuePromiseJob(JSContext* context, JS::HandleObject promise, JS::HandleObject job,
                            JS::HandleObject allocationSite,
                            JS::HandleObject incumbentGlobal) override;

@@ -208,11 +208,12 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
     const ScriptContext& library = interpreter.context();
     const ObjectRoot constructor(makeFunction(nativeConstructor(library, name, type)));
-    const ObjectRoot base(interpreter.realm().nativePrototype(type.super()));
-    const ObjectRoot prototype(base ? checked(JS_NewObjectWithGivenProto(context, nullptr, base))
+    NativeClasses<ObjectRoot>& prototypes = interpreter.realm().nativePrototypes();
+    const ObjectRoot* const base = prototypes.find(type.super());
+    const ObjectRoot prototype(base ? checked(JS_NewObjectWithGivenProto(context, nullptr, *base))
                                     : newObject());
     checked(JS_LinkConstructorAndPrototype(context, constructor, prototype));
-    interpreter.realm().addNativePrototype(typeId, type.super(), prototype);
+    prototypes.add(typeId, type.super(), prototype);
     for (const NativeMember& member : nativeMembers(library, name, type)) {
         const JS::HandleObject owner = member.isStatic() ? constructor : prototype;
         const ObjectRoot function(makeFunction(member.function));

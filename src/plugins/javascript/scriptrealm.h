@@ -40,14 +40,7 @@ public:
     JS::HandleValue proxyClass() const { return m_proxyClass; }
     // What other objects inherit from.
     JS::HandleObject applicationContextPrototype() const { return m_contextPrototype; }
-    /// Of a native class, or of the next one that it derives from; null without.
-    JSObject* nativePrototype(void* typeId) const {
-        const ObjectRoot* const known = m_nativePrototypes.find(typeId);
-        return known ? known->get() : nullptr;
-    }
-    void addNativePrototype(void* typeId, void* super, JSObject* prototype) {
-        m_nativePrototypes.add(typeId, super, ObjectRoot(prototype));
-    }
+    NativeClasses<ObjectRoot>& nativePrototypes() { return m_nativePrototypes; }
 
     /// The objects of the script for applications, by their ids.
     JS::HandleObject applicationContexts() const { return m_contexts; }

@@ -57,12 +57,6 @@ QString classNameOf(JS::HandleObject object) {
     });
 }
 
-QString functionText(JS::HandleObject function) {
-    const QString name = quietly([&] { return nameOf(JS::ObjectValue(*function)); });
-    return name.isEmpty() ? QStringLiteral("[Function]")
-                          : QStringLiteral("[Function: %1]").arg(name);
-}
-
 /// An error's name and message, without what led to it.
 QString errorText(JS::HandleObject error) {
     const auto textProperty = [&](const char* property) {
@@ -208,8 +202,10 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
         return '<' + application->displayString() + '>';
     if (js::IsProxy(object) && !m_isWhole)
         return QStringLiteral("[Proxy]");
-    if (JS::IsCallable(object))
-        return functionText(object);
+    if (JS::IsCallable(object)) {
+        const QString name = quietly([&] { return nameOf(valueOf(own)); });
+        return (name.isEmpty() ? QStringLiteral("[Function") : "[Function: " + name) + ']';
+    }
     const js::ESClass kind = builtinClass(object);
     if (kind == js::ESClass::Error)
         return errorText(object);
