@@ -74,8 +74,8 @@ void PythonContext::define(const NativeFunction& function) {
 
 void PythonContext::defineMember(const NativeFunction& function) {
     const NativeSignature& signature = function.signature();
-    const PyRef owner = checked(PyObject_GetAttrString(
-        ownName("library", "tamrix"), signature.owner.toUtf8().constData()));
+    const PyRef owner = checked(
+        PyObject_GetAttrString(ownName("library", "tamrix"), signature.owner.toUtf8().constData()));
     const PyRef method = checked(PyInstanceMethod_New(makeFunction(function).get()));
     const PyRef name = checkedReference(toPyString(pythonName(signature.name)));
     checked(PyObject_SetAttr(owner.get(), name.get(), method.get()));
