@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interpreter/debugger/variablewatcher.h"
+#include "interpreter/language/languagevariables.h"
 #include "interpreter/language/sourcefiles.h"
 
 namespace Tamrix {
@@ -201,7 +201,7 @@ void LanguageDebugger::initVariableWatcher() {
 Debugger::VariableBindings LanguageDebugger::variables(const QString& path) {
     const Silence silence(*this);
     if (!m_watcher)
-        m_watcher = makeVariableWatcher();
+        m_watcher = std::make_unique<LanguageVariables>(*this, makeValueTexts());
     return m_watcher->variableBindings(path);
 }
 

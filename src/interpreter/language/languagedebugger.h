@@ -11,6 +11,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/language/valuetexts.h"
 
 namespace Tamrix {
 
@@ -47,6 +48,8 @@ public:
     void lineReached(int sourceId, int line);
     /// The debugger's number of a file, which becomes known.
     int sourceIdOf(const QString& path);
+    /// Those that have a number.
+    QStringList knownFiles() const { return m_sourceIds.keys(); }
     /// The same of a file by the name that the runtime has for it; -1 for one that is no script.
     int sourceIdOf(const char* name, SourceFiles& files);
     /// The lines of the file that have a break point, in no order, each as often as it was set.
@@ -82,6 +85,10 @@ public:
     /// The frames at which the debugger looks, the innermost first: of an error that it has stopped
     /// for, else those that run.
     std::vector<ScriptFrame> frames();
+
+    /// The variables of a frame of the language, those of its function first, then those of its
+    /// module. Runs no code of the script.
+    virtual std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) = 0;
 
     /// Where the running frame of a script stands that is `level` levels outwards from the
     /// innermost one; invalid without one.
@@ -121,7 +128,8 @@ protected:
     virtual std::vector<ScriptFrame> runningFrames() = 0;
     /// How many they are.
     virtual int runningDepth() { return static_cast<int>(runningFrames().size()); }
-    virtual std::unique_ptr<VariableWatcher> makeVariableWatcher() = 0;
+    /// Writes values of the language.
+    virtual std::unique_ptr<ValueTexts> makeValueTexts() = 0;
     /// The time of isSilent() begins and ends. By default nothing else is to be done.
     virtual void enterSilence() {}
     virtual void leaveSilence() {}

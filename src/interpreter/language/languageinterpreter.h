@@ -44,6 +44,20 @@ struct ScriptError {
 /// the message alone when that is invalid.
 TAMRIX_EXPORT QString placedText(const ScriptError& error, const LineInfo& otherwise = LineInfo());
 
+/// The texts of an exception and of those that led to it, which `nextOf` gives as an optional; a
+/// few of them, as they may lead to each other.
+template <typename Exception, typename TextOf, typename NextOf>
+QString textWithCauses(const Exception& exception, TextOf textOf, NextOf nextOf) {
+    constexpr int mostCauses = 5;
+    QString text = textOf(exception);
+    auto cause = nextOf(exception);
+    for (int count = 0; cause && count < mostCauses; ++count) {
+        text += "\ncaused by " + textOf(*cause);
+        cause = nextOf(*cause);
+    }
+    return text;
+}
+
 /// What the interpreters of all languages have alike: which one is active, how a script begins and
 /// ends, what is told of an error. A plug-in's interpreter derives from it, makes its context,
 /// debugger and step language, and calls begin() when they are there and end() before they go.
@@ -54,6 +68,9 @@ public:
 
     /// The interpreter of the language whose scripts run, null when there is none.
     static LanguageInterpreter* active(Language language) { return s_active[language]; }
+
+    /// What scripts of the language print; to the process's own stream while none runs.
+    static void print(Language language, ScriptOutput::Stream stream, const QString& text);
 
     // Behind begin().
     LanguageContext& context() { return *m_context; }
@@ -107,6 +124,11 @@ public:
     /// Runs the text of a file for a script that is running, which then has what it defines. Throws
     /// ScriptErrorSet.
     virtual void runFile(const QString& text, const QString& path) = 0;
+    /// Compiles code that is not to run. Throws ScriptErrorSet for what is no valid code. A
+    /// language that has no such step overrides checkSyntax() instead.
+    virtual void compileOnly(const QString& text, const QString& fileName);
+    /// Tells of an error at a place of a script that has run: false, with the error fields.
+    bool failAt(const LineInfo& place, const QString& message);
     /// Where a function is defined; invalid when that is in no file.
     virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
 
@@ -115,6 +137,7 @@ public:
     void initTestFunctions(TestResult* result) override;
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
     bool hasFunction(const QString& name) override;
+    bool checkSyntax(const QString& text, const QString& fileName) override;
     bool evaluate(const QString& text, const QString& fileName, int line, int column) override;
     bool callFunction(const QString& name, const ObjectList& arguments) override;
     bool invokeFunction(const QString& name) override;
@@ -210,6 +233,8 @@ protected:
     bool hasExited() const { return m_exited; }
 
 private:
+    CallEnd callFromOutside(const SharedPtr<ScriptArgument>& function,
+                            const CallArguments& arguments, const QString& name);
     Outcome<QString> evaluated(const ScriptFrame* frame, const QString& code);
     bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
     [[gnu::cold]] void publishFunctionsOfApplication();

@@ -1,12 +1,7 @@
 #include "plugins/javascript/debuggerrealm.h"
 
-#include <js/Debug.h>
-#include <js/Exception.h>
-#include <js/Wrapper.h>
-#include <jsfriendapi.h>
-
 #include "interpreter/language/prelude.h"
-#include "plugins/javascript/enginefiles.h"
+#include "interpreter/language/valuepath.h"
 #include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/javascriptdebugger.h"
@@ -16,10 +11,6 @@
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-JS::Value valueOfFrame(const FrameHandle& frame) {
-    return frame ? JS::ObjectValue(**frame) : JS::NullValue();
-}
 
 JS::Value currentGlobal() {
     return JS::ObjectValue(*JS::CurrentGlobalOrNull(engineContext()));
@@ -60,11 +51,12 @@ JS::Value completed(const JS::Value& completion) {
     throw ScriptErrorSet();
 }
 
-DebuggerRealm::Variables variablesIn(const JS::Value& list) {
+/// Of names and values in turns.
+std::vector<ValueTexts::Part> partsIn(const JS::Value& list) {
     const Elements parts(list);
-    DebuggerRealm::Variables found;
+    std::vector<ValueTexts::Part> found;
     for (std::size_t index = 0; index + 1 < parts.length(); index += 2)
-        found.emplace_back(parts.text(index), argumentOf(taken(parts[index + 1])));
+        found.push_back({parts.text(index), argumentOf(taken(parts[index + 1]))});
     return found;
 }
 
@@ -90,9 +82,9 @@ JS::Value tellIsLibraryFunction(const JS::CallArgs& arguments) {
     return JS::BooleanValue(object && isLibraryFunction(js::UncheckedUnwrap(object)));
 }
 
-constexpr NativeRow functions[] = {{"tellLine", native<tellLine>},
-                                   {"tellError", native<tellError>},
-                                   {"isLibraryFunction", native<tellIsLibraryFunction>}};
+constexpr JSFunctionSpec functions[] = {
+    JS_FN("tellLine", native<tellLine>, 2, 0), JS_FN("tellError", native<tellError>, 1, 0),
+    JS_FN("isLibraryFunction", native<tellIsLibraryFunction>, 1, 0), JS_FS_END};
 
 }  // namespace
 
@@ -106,8 +98,8 @@ DebuggerRealm::DebuggerRealm()
     : m_global(engineContext(), newGlobal()), m_watched(engineContext()) {
     const JSAutoRealm inside(engineContext(), m_global);
     checked(JS_DefineDebuggerObject(engineContext(), m_global) &&
-            JS_InitReflectParse(engineContext(), m_global));
-    defineFunctions(m_global, functions);
+            JS_InitReflectParse(engineContext(), m_global) &&
+            JS_DefineFunctions(engineContext(), m_global, functions));
     evaluateOwn(QString::fromUtf8(preludeSource("javascript/debugger.js")), "<tamrix debugger>");
 }
 
@@ -137,7 +129,7 @@ void DebuggerRealm::watch(JS::HandleObject global, JavaScriptDebugger& listener)
 void DebuggerRealm::unwatch() {
     m_listener = nullptr;
     m_watched = nullptr;
-    call("unwatch", ValueRoots());
+    call("unwatch");
 }
 
 void DebuggerRealm::setStepping(bool isStepping) {
@@ -149,13 +141,8 @@ void DebuggerRealm::setBreakLines(const QString& file, const std::vector<int>& l
     for (const int line : lines)
         numbers.add(JS::Int32Value(line));
     // A list of its own: it looks at it where no code of the script may run.
-    ObjectRoot list;
-    {
-        const JSAutoRealm inside(engineContext(), m_global);
-        list = newArray(numbers);
-    }
-    call("setBreakLines",
-         ValueRoots().add(toJsText(fileForEngine(file))).add(JS::ObjectValue(*list)));
+    const JSAutoRealm inside(engineContext(), m_global);
+    call("setBreakLines", ValueRoots().add(toJsText(fileForEngine(file))).add(newArray(numbers)));
 }
 
 void DebuggerRealm::setSilent(bool isSilent) {
@@ -165,7 +152,7 @@ void DebuggerRealm::setSilent(bool isSilent) {
 // Looking
 
 std::vector<ScriptFrame> DebuggerRealm::frames() {
-    const Elements parts(call("frames", ValueRoots()));
+    const Elements parts(call("frames"));
     std::vector<ScriptFrame> found;
     for (std::size_t index = 0; index + 3 < parts.length(); index += 4) {
         // As the engine names it: code of an `eval` has a name of its own.
@@ -173,21 +160,23 @@ std::vector<ScriptFrame> DebuggerRealm::frames() {
         const LineInfo place = placeOfCode(file, static_cast<int>(parts[index + 2].toNumber()));
         const int column = static_cast<int>(parts[index + 3].toNumber());
         if (place.isValid())
-            found.push_back({std::make_shared<JS::PersistentRootedObject>(engineContext(),
-                                                                          &parts[index].toObject()),
-                             place.fileName(), place.lineNumber(),
+            found.push_back({FrameHandle(parts[index]), place.fileName(), place.lineNumber(),
                              place.fileName() == file ? column : -1, -1});
     }
     return found;
 }
 
-DebuggerRealm::Variables DebuggerRealm::variables(const FrameHandle& frame) {
-    return variablesIn(call("variables", ValueRoots().add(valueOfFrame(frame))));
+std::vector<ValueTexts::Part> DebuggerRealm::variables(const FrameHandle& frame) {
+    std::vector<ValueTexts::Part> found =
+        partsIn(call("variables", ValueRoots().add(JS::ObjectOrNullValue(frame))));
+    for (ValueTexts::Part& each : found)
+        each.name = pathPart(each.name);
+    return found;
 }
 
 JS::Value DebuggerRealm::evaluate(const FrameHandle& frame, const QString& code) {
     return completed(call("evaluate", ValueRoots()
-                                          .add(valueOfFrame(frame))
+                                          .add(JS::ObjectOrNullValue(frame))
                                           .add(currentGlobal())
                                           .add(toJsText(code))
                                           .add(toJsText(QStringLiteral("<debugger>")))));
@@ -200,8 +189,8 @@ JS::Value DebuggerRealm::evaluateInCaller(const QString& code, const char* file)
                                                   .add(toJsText(QString::fromLatin1(file)))));
 }
 
-DebuggerRealm::Variables DebuggerRealm::explainCaller() {
-    return variablesIn(call("explainCaller", ValueRoots().add(currentGlobal())));
+std::vector<ValueTexts::Part> DebuggerRealm::explainCaller() {
+    return partsIn(call("explainCaller", ValueRoots().add(currentGlobal())));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <memory>
-#include <utility>
 #include <vector>
 
 #include "interpreter/bridge/scriptargument.h"
@@ -15,8 +11,8 @@ namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptDebugger;
 
-/// A frame of the script as the debugger's side of the engine knows it.
-using FrameHandle = std::shared_ptr<JS::PersistentRootedObject>;
+/// A frame of the script as the debugger's side of the engine knows it; null for a line alone.
+using FrameHandle = ObjectRoot;
 
 /// Where the debugger's half of the engine lives: scripts can be looked at from another compartment
 /// only, by code of the language. What is given and taken are values of the script's realm, in
@@ -39,9 +35,9 @@ public:
     /// FrameHandle.
     std::vector<ScriptFrame> frames();
 
-    /// Names and values in a frame, those of inner scopes first, without names that hide others.
-    using Variables = std::vector<std::pair<QString, SharedPtr<ScriptArgument>>>;
-    Variables variables(const FrameHandle& frame);
+    /// Those of a frame, of inner scopes first, with their names as parts of paths; none that are
+    /// hidden by others.
+    std::vector<ValueTexts::Part> variables(const FrameHandle& frame);
 
     /// Runs code in a frame; at the top level of the script for null.
     JS::Value evaluate(const FrameHandle& frame, const QString& code);
@@ -52,7 +48,7 @@ public:
     /// argument as a name without a value, then the values in it. These are looked up once more:
     /// names, properties, operators and some of the language's own functions; no other call is made
     /// a second time. Empty when there is nothing to tell.
-    Variables explainCaller();
+    std::vector<ValueTexts::Part> explainCaller();
 
     // For the functions that its code calls.
     /// Null while nothing is watched.
@@ -62,7 +58,7 @@ public:
 private:
     DebuggerRealm();
     /// Calls a function of the debugger's with values of any realm.
-    JS::Value call(const char* function, const ValueRoots& given);
+    JS::Value call(const char* function, const ValueRoots& given = ValueRoots());
 
     JS::PersistentRootedObject m_global;
     JS::PersistentRootedObject m_watched;

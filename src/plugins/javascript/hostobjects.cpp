@@ -1,10 +1,5 @@
 #include "plugins/javascript/hostobjects.h"
 
-#include <js/Array.h>
-#include <js/MemoryFunctions.h>
-#include <js/Object.h>
-#include <js/Symbol.h>
-
 #include <QImage>
 
 #include "interpreter/generic/imageobjects.h"
@@ -92,16 +87,17 @@ JS::Value dataSetValue(const SharedPtr<TestDataSet>& set) {
     ValueRoots rows;
     for (int index = 0; index < set->count(); ++index)
         rows.add(JS::ObjectValue(*rowObject(set, set->record(index))));
-    const ObjectRoot array(newArray(rows));
+    const ValueRoot array(newArray(rows));
     const ObjectRoot held(makeHostObject(set, ObjectRoot(rootPrototype())));
-    checked(JS_DefinePropertyById(engineContext(), array, IdRoot(dataSetKey()), held, 0));
-    return JS::ObjectValue(*array);
+    checked(
+        JS_DefinePropertyById(engineContext(), ObjectRoot(array), IdRoot(dataSetKey()), held, 0));
+    return array;
 }
 
 SharedPtr<TestDataSet> dataSetOf(JS::HandleObject array) {
-    bool isArray = false;
-    checked(JS::IsArrayObject(engineContext(), array, &isArray));
-    const ObjectRoot held(isArray ? dataPropertyOf(array, dataSetKey()) : JS::UndefinedValue());
+    const ObjectRoot held(builtinClass(array) == js::ESClass::Array
+                              ? dataPropertyOf(array, dataSetKey())
+                              : JS::UndefinedValue());
     return held ? heldBy<TestDataSet>(held) : SharedPtr<TestDataSet>();
 }
 

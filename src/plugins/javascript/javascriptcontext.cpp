@@ -1,9 +1,5 @@
 #include "plugins/javascript/javascriptcontext.h"
 
-#include <js/Equality.h>
-#include <js/friend/StackLimits.h>
-
-#include "interpreter/language/valueequality.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/javascriptinterpreter.h"
@@ -24,11 +20,9 @@ public:
         if (left.isNullOrUndefined() && right.isNullOrUndefined())
             return true;
         const bool areNumbers = left.isNumeric() && right.isNumeric();
-        bool equal = false;
-        checked(areNumbers ? JS::LooselyEqual(m_context, left, right, &equal)
-                           : JS::StrictlyEqual(m_context, left, right, &equal));
-        return equal || (left.isObject() && right.isObject() &&
-                         areEqualObjects(ObjectRoot(left), ObjectRoot(right)));
+        return given<bool>(areNumbers ? JS::LooselyEqual : JS::StrictlyEqual, left, right) ||
+               (left.isObject() && right.isObject() &&
+                areEqualObjects(ObjectRoot(left), ObjectRoot(right)));
     }
 
 private:
@@ -53,37 +47,31 @@ private:
     }
 
     bool haveEqualMembers(js::ESClass kind, JS::HandleObject left, JS::HandleObject right) {
-        switch (kind) {
-            case js::ESClass::Array:
-            case js::ESClass::Map:
-            case js::ESClass::Set:
-                return areEqualLists(left, right);
-            case js::ESClass::Date:
-                return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
-            case js::ESClass::Object:
-                return isPlainObject(left) && isPlainObject(right) && areEqualPlain(left, right);
-            default:
-                return isBytes(left) && isBytes(right) && fromJsBytes(left) == fromJsBytes(right);
-        }
-    }
-
-    bool areEqualLists(JS::HandleObject left, JS::HandleObject right) {
+        if (kind == js::ESClass::Date)
+            return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
+        if (isBytes(left) || isBytes(right))
+            return isBytes(left) && isBytes(right) && fromJsBytes(left) == fromJsBytes(right);
+        const bool isObject = kind == js::ESClass::Object;
+        if (isObject ? !isPlainObject(left) || !isPlainObject(right)
+                     : kind != js::ESClass::Array && kind != js::ESClass::Map &&
+                           kind != js::ESClass::Set)
+            return false;
         ValueRoots first;
         ValueRoots second;
-        elementsOf(left, &first);
-        elementsOf(right, &second);
+        addMembers(left, isObject, &first);
+        addMembers(right, isObject, &second);
         bool equal = first.length() == second.length();
         for (std::size_t index = 0; equal && index < first.length(); ++index)
             equal = areEqual(first[index], second[index]);
         return equal;
     }
 
-    bool areEqualPlain(JS::HandleObject left, JS::HandleObject right) {
-        const AreEqual areEqualValues = [this](const auto& one, const auto& other) {
-            return areEqual(valueOf(one), valueOf(other));
-        };
-        return areEqualMaps(JavaScriptArgument(JS::ObjectValue(*left)),
-                            JavaScriptArgument(JS::ObjectValue(*right)), areEqualValues);
+    /// Of an object names and values, in the order of the names.
+    static void addMembers(JS::HandleObject container, bool isObject, ValueRoots* members) {
+        if (!isObject)
+            return elementsOf(container, members);
+        for (const auto& [name, value] : JavaScriptArgument(JS::ObjectValue(*container)).toMap())
+            members->add(toJsText(name)).add(valueOf(value));
     }
 
     JSContext* m_context = engineContext();
@@ -105,12 +93,12 @@ JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& appl
     // One object for each application, so that `===` tells whether two are the same.
     ScriptRealm& realm = m_interpreter.realm();
     const QString id = QString::number(application->id);
-    ObjectRoot known(propertyOf(realm.applicationContexts(), toKey(id)));
-    if (!known) {
-        known = makeHostObject(application, realm.applicationContextPrototype());
-        defineProperty(realm.applicationContexts(), id, JS::ObjectValue(*known));
+    ValueRoot known(propertyOf(realm.applicationContexts(), toKey(id)));
+    if (!known.isObject()) {
+        known.setObject(*makeHostObject(application, realm.applicationContextPrototype()));
+        defineProperty(realm.applicationContexts(), id, known);
     }
-    return JS::ObjectValue(*known);
+    return known;
 }
 
 // Registration
@@ -122,7 +110,7 @@ JSObject* JavaScriptContext::holderOf(const QString& owner) {
     ObjectRoot found(propertyOf(global, toKey(owner)));
     if (!found) {
         found = newObject();
-        defineProperty(global, owner, JS::ObjectValue(*found), 0);
+        defineProperty(global, owner, found, 0);
     }
     return found;
 }
@@ -130,17 +118,18 @@ JSObject* JavaScriptContext::holderOf(const QString& owner) {
 void JavaScriptContext::define(const NativeFunction& function) {
     const QString& owner = function.signature().owner;
     const ObjectRoot holder(holderOf(owner));
-    defineProperty(holder, function.signature().name, JS::ObjectValue(*makeFunction(function)),
+    defineProperty(holder, function.signature().name, makeFunction(function),
                    owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
 }
 
 void JavaScriptContext::defineMember(const NativeFunction& function) {
-    if (function.signature().owner != QLatin1String("ApplicationContext"))
-        LanguageContext::defineMember(function);
-    else
-        defineProperty(m_interpreter.realm().applicationContextPrototype(),
-                       function.signature().name, JS::ObjectValue(*makeMemberFunction(function)),
-                       0);
+    const QString& owner = function.signature().owner;
+    const bool isOfApplications = owner == QLatin1String("ApplicationContext");
+    if (!isOfApplications && owner != QLatin1String("StepContext"))
+        return LanguageContext::defineMember(function);
+    ScriptRealm& realm = m_interpreter.realm();
+    defineProperty(isOfApplications ? realm.applicationContextPrototype() : realm.stepContext(),
+                   function.signature().name, makeMemberFunction(function), 0);
 }
 
 void JavaScriptContext::defineConstant(const QString& owner, const QString& name, int value) {
@@ -152,18 +141,16 @@ void JavaScriptContext::defineConstant(const QString& owner, const QString& name
 bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
     JS::AutoFilename file;
     unsigned line = 0;
-    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(engineContext(), &file, &line) &&
-        file.get()) {
-        const LineInfo place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
-        if (place.isValid()) {
-            position = place;
-            return true;
-        }
+    LineInfo place;
+    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(engineContext(), &file, &line))
+        place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
+    if (!place.isValid()) {
+        const std::vector<LineInfo> lines = runningLines();
+        if (ancestorLevel >= static_cast<int>(lines.size()))
+            return false;
+        place = lines[static_cast<std::size_t>(ancestorLevel)];
     }
-    const std::vector<LineInfo> lines = runningLines();
-    if (ancestorLevel >= static_cast<int>(lines.size()))
-        return false;
-    position = lines[static_cast<std::size_t>(ancestorLevel)];
+    position = place;
     return true;
 }
 
@@ -172,14 +159,10 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
 QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
     QStringList lines;
     JavaScriptValueTexts texts;
-    try {
-        for (const auto& [name, value] : DebuggerRealm::self().explainCaller())
-            lines += lines.isEmpty() ? name : name + ": " + texts.textOf(value);
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-        clearException();
-    }
+    m_interpreter.attempt([&] {
+        for (const ValueTexts::Part& each : DebuggerRealm::self().explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts.textOf(each.value);
+    });
     return lines.join('\n');
 }
 
@@ -191,7 +174,7 @@ bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
 std::pair<QString, QString> JavaScriptContext::evaluateForException(
     SharedPtr<ScriptArgument> code) {
     return attemptException(
-        *code, {[&](const QString& text) { return m_interpreter.syntaxError(text); },
+        *code, {nullptr,
                 [](const QString& text) {
                     DebuggerRealm::self().evaluateInCaller(text, "<test.exception>");
                 },

@@ -1,10 +1,5 @@
 #include "plugins/javascript/javascriptdebugger.h"
 
-#include <js/Equality.h>
-#include <js/Exception.h>
-
-#include "interpreter/language/languagevariables.h"
-#include "interpreter/language/valuepath.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -15,23 +10,6 @@ void stopWhereTheScriptIs() {
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->javaScriptDebugger().stop();
 }
-
-/// The variables of a script that stands still.
-class JavaScriptVariables final : public LanguageVariables {
-public:
-    explicit JavaScriptVariables(JavaScriptDebugger& debugger)
-        : LanguageVariables(debugger, std::make_unique<JavaScriptValueTexts>()),
-          m_debugger(debugger) {}
-
-protected:
-    std::vector<Member> variablesOf(int level) override {
-        const std::optional<ScriptFrame> frame = codeFrame(level);
-        return frame ? m_debugger.variablesOf(*frame) : std::vector<Member>();
-    }
-
-private:
-    JavaScriptDebugger& m_debugger;
-};
 
 /// Of lines alone.
 std::vector<ScriptFrame> framesOf(const std::vector<LineInfo>& lines) {
@@ -107,16 +85,9 @@ void JavaScriptDebugger::applyMode() {
 
 void JavaScriptDebugger::breakPointsChanged() {
     ask([&] {
-        for (const QString& file : m_files)
+        for (const QString& file : knownFiles())
             DebuggerRealm::self().setBreakLines(file, breakLines(sourceIdOf(file)));
     });
-}
-
-void JavaScriptDebugger::noticeFile(const QString& file) {
-    if (m_files.contains(file))
-        return;
-    m_files.append(file);
-    sourceIdOf(file);
 }
 
 void JavaScriptDebugger::interrupt() {
@@ -147,11 +118,9 @@ void JavaScriptDebugger::errorThrown(JS::HandleValue exception) {
     if (!stopsForErrors() || areErrorsCaught() ||
         m_interpreter.failures().isSkip(ObjectRoot(exception)))
         return;
-    bool isTold = false;
-    checked(JS::StrictlyEqual(engineContext(), exception, m_toldError, &isTold));
     const QString text = exceptionText(exception);
     // An error of a native function may tell of the one that is told already.
-    if (isTold || hasTold(text))
+    if (given<bool>(JS::StrictlyEqual, exception, m_toldError) || hasTold(text))
         return;
     m_toldError = exception;
     stopForError(text, runningFrames());
@@ -179,23 +148,13 @@ std::vector<ScriptFrame> JavaScriptDebugger::runningFrames() {
 
 std::vector<ValueTexts::Part> JavaScriptDebugger::variablesOf(const ScriptFrame& frame) {
     std::vector<ValueTexts::Part> variables;
-    const auto handle = std::any_cast<FrameHandle>(frame.own);
-    if (!handle)
-        return variables;
-    quietly([&] {
-        for (const auto& [name, value] : DebuggerRealm::self().variables(handle))
-            variables.push_back({pathPart(name), value});
-    });
+    if (const auto handle = std::any_cast<FrameHandle>(frame.own))
+        quietly([&] { variables = DebuggerRealm::self().variables(handle); });
     return variables;
 }
 
-JS::Value JavaScriptDebugger::evaluate(const ScriptFrame* frame, const QString& code) {
-    const auto* const handle = frame ? std::any_cast<FrameHandle>(&frame->own) : nullptr;
-    return DebuggerRealm::self().evaluate(handle ? *handle : FrameHandle(), code);
-}
-
-std::unique_ptr<VariableWatcher> JavaScriptDebugger::makeVariableWatcher() {
-    return std::make_unique<JavaScriptVariables>(*this);
+std::unique_ptr<ValueTexts> JavaScriptDebugger::makeValueTexts() {
+    return std::make_unique<JavaScriptValueTexts>();
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <QStringList>
 #include <memory>
 #include <vector>
 
-#include "interpreter/language/valuetexts.h"
 #include "plugins/javascript/debuggerrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -27,8 +23,6 @@ public:
 
     /// The interpreter runs in another realm now.
     void realmChanged();
-    /// A file is about to be compiled: break points that wait for it are set.
-    void noticeFile(const QString& file);
     /// What is pending has ended the script: stops if the debugger has not done so before, as for
     /// what a promise was rejected with that looked as if somebody waited for it.
     void errorUncaught();
@@ -39,15 +33,11 @@ public:
     /// An exception leaves the innermost frame, and no `catch` of the script will stop it.
     void errorThrown(JS::HandleValue exception);
 
-    /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
-    JS::Value evaluate(const ScriptFrame* frame, const QString& code);
-
-    /// The variables of a frame, with their names as parts of paths.
-    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override;
@@ -61,8 +51,6 @@ private:
     void applyMode();
 
     JavaScriptInterpreter& m_interpreter;
-    /// Those that were compiled.
-    QStringList m_files;
     /// The exception that the debugger has stopped for.
     JS::PersistentRootedValue m_toldError;
 };

@@ -1,12 +1,5 @@
 #include "plugins/javascript/javascriptinterpreter.h"
 
-#include <js/CompilationAndEvaluation.h>
-#include <js/ErrorReport.h>
-#include <js/Modules.h>
-#include <js/ScriptPrivate.h>
-#include <js/friend/ErrorMessages.h>
-#include <jsfriendapi.h>
-
 #include <QRegularExpression>
 #include <algorithm>
 #include <cstring>
@@ -31,10 +24,8 @@ constexpr unsigned moduleErrors[] = {JSMSG_IMPORT_DECL_AT_TOP_LEVEL, JSMSG_EXPOR
 
 bool isModuleError() {
     ValueRoot exception;
-    if (!JS_GetPendingException(engineContext(), &exception) || !exception.isObject())
-        return false;
-    const JSErrorReport* const report =
-        JS_ErrorFromException(engineContext(), ObjectRoot(exception));
+    JS_GetPendingException(engineContext(), &exception);
+    const JSErrorReport* const report = reportOf(exception);
     return report && std::find(std::begin(moduleErrors), std::end(moduleErrors),
                                report->errorNumber) != std::end(moduleErrors);
 }
@@ -79,6 +70,7 @@ void JavaScriptInterpreter::enterNewRealm() {
     std::unique_ptr<ScriptRealm> old = std::move(m_realm);
     m_realm = std::make_unique<ScriptRealm>();
     enterActiveRealm();
+    m_context.defineStepMembers();
     m_debugger->realmChanged();
 }
 
@@ -96,8 +88,7 @@ void JavaScriptInterpreter::enterActiveRealm() {
 
 void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
                                           const NativeScriptType& type) {
-    defineProperty(m_realm->global(), name, JS::ObjectValue(*makeNativeClass(name, typeId, type)),
-                   0);
+    defineProperty(m_realm->global(), name, makeNativeClass(name, typeId, type), 0);
 }
 
 QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
@@ -109,8 +100,7 @@ QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
 void JavaScriptInterpreter::publishFunctions(const QStringList& names) {
     for (const QString& name : names) {
         if (!hasProperty(m_realm->global(), toKey(name)))
-            defineProperty(m_realm->global(), name, JS::ObjectValue(*makeApplicationFunction(name)),
-                           0);
+            defineProperty(m_realm->global(), name, makeApplicationFunction(name), 0);
     }
 }
 
@@ -122,81 +112,57 @@ void JavaScriptInterpreter::startScript(const QString& path, const QStringList& 
     m_scriptModule = nullptr;
     Engine::self().jobs().clear();
     try {
-        if (m_hasRunScript) {
+        if (hasStarted()) {
             enterNewRealm();
             registerFunctions();
             for (const QString& text : initScripts())
                 attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
-            m_hasRunScript = false;
         }
         m_realm->modules().folders() = folders + m_searchPath;
-        ValueRoots texts;
-        for (const QString& text : QStringList(path) + arguments)
-            texts.add(toJsText(text));
         const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
-        defineProperty(library, QStringLiteral("argv"), JS::ObjectValue(*newArray(texts)));
+        defineProperty(library, QStringLiteral("argv"), newArray(QStringList(path) + arguments));
     } catch (const ScriptErrorSet&) {
         qWarning("The script can't be started: %s",
                  takeScriptError().message.toLocal8Bit().constData());
     }
 }
 
-JSObject* JavaScriptInterpreter::compile(const QString& text, const QString& file,
-                                         JS::MutableHandleScript script) {
-    m_debugger->noticeFile(file);
+JavaScriptInterpreter::Code JavaScriptInterpreter::compile(const QString& text,
+                                                           const QString& fileName) {
+    const QString file = fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName);
+    m_debugger->sourceIdOf(file);
     Source source(text, file);
     // As modules are: a slip in a name is an error, and no new variable or property.
     source.options.setForceStrictMode();
-    script.set(JS::Compile(engineContext(), source.options, source.text));
-    if (script) {
-        const ValueRoot path(toJsText(file));
-        JS::SetScriptPrivate(script, path);
-        return nullptr;
+    Code code;
+    code.script = JS::Compile(engineContext(), source.options, source.text);
+    if (code.script) {
+        JS::SetScriptPrivate(code.script, ValueRoot(toJsText(file)));
+        return code;
     }
     checked(isModuleError());
     clearException();
-    return m_realm->modules().compile(text, file);
-}
-
-QString JavaScriptInterpreter::syntaxError(const QString& text) {
-    const std::optional<ScriptError> error = attempt([&] {
-        Root<JSScript*> script;
-        compile(text, QStringLiteral("<code>"), &script);
-    });
-    return error ? error->message : QString();
-}
-
-bool JavaScriptInterpreter::checkSyntax(const QString& text, const QString& fileName) {
-    clearError();
-    return runCode(true, [&] {
-        Root<JSScript*> script;
-        compile(text, Debugger::sanitizedFilePath(fileName), &script);
-    });
+    code.module = m_realm->modules().compile(text, file);
+    return code;
 }
 
 void JavaScriptInterpreter::runText(const QString& text, const QString& fileName, Exports exports) {
-    JSContext* const engine = engineContext();
-    Root<JSScript*> script;
-    const ObjectRoot module(compile(
-        text, fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName), &script));
-    if (module) {
-        // The functions of a script that ends early are there, too.
-        if (exports == Exports::StayInModule && !fileName.isEmpty())
-            m_scriptModule = module;
-        m_realm->modules().run(module);
-    } else {
-        ValueRoot ignored;
-        checked(JS_ExecuteScript(engine, script, &ignored));
-    }
+    const Code code = compile(text, fileName);
+    // The functions of a script that ends early are there, too.
+    if (code.module && exports == Exports::StayInModule && !fileName.isEmpty())
+        m_scriptModule = code.module;
+    if (code.module)
+        m_realm->modules().run(code.module);
+    else
+        checked(JS_ExecuteScript(engineContext(), code.script));
     throwUnhandledRejection();
-    if (module && exports == Exports::BecomeGlobals) {
-        const ObjectRoot names(checked(JS::GetModuleNamespace(engine, module)));
-        checked(JS_AssignObject(engine, m_realm->global(), names));
+    if (code.module && exports == Exports::BecomeGlobals) {
+        const ObjectRoot names(checked(JS::GetModuleNamespace(engineContext(), code.module)));
+        checked(JS_AssignObject(engineContext(), m_realm->global(), names));
     }
 }
 
 bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
-    m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
     return runCode(!fileName.isEmpty(), [&] { runText(text, fileName, Exports::StayInModule); });
 }
 
@@ -205,21 +171,18 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
     if (!s_name.match(name).hasMatch())
         return {};
     ValueRoot function;
-    try {
+    // A name may have no value yet.
+    attempt([&] {
         // What a module keeps for itself is found as well as what it exports.
         if (m_scriptModule) {
             const ObjectRoot names(
                 checked(JS::GetModuleEnvironment(engineContext(), m_scriptModule)));
-            const IdRoot key(toKey(name));
-            function = hasProperty(names, key) ? propertyOf(names, key) : JS::UndefinedValue();
+            function = propertyOf(names, toKey(name));
         }
         if (!function.isObject())
             function = evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name),
                                    "<tamrix>");
-    } catch (const ScriptErrorSet&) {
-        // A name that has no value yet.
-        clearException();
-    }
+    });
     return isFunction(function) ? argumentOf(function) : SharedPtr<ScriptArgument>();
 }
 
@@ -237,29 +200,16 @@ ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
     if (!names ||
         !js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys))
         clearException();
-    for (const jsid& key : keys) {
-        try {
-            variables[fromKey(key)] = argumentOf(propertyOf(names, key));
-        } catch (const ScriptErrorSet&) {
-            // A name has no value before the script has come to it.
-            clearException();
-        }
-    }
+    // A name has no value before the script has come to it.
+    for (const jsid& key : keys)
+        attempt([&] { variables[fromKey(key)] = argumentOf(propertyOf(names, key)); });
     return variables;
-}
-
-bool JavaScriptInterpreter::refuseScript(const LineInfo& place, const QString& message) {
-    ScriptError error;
-    error.message = message;
-    error.callStack = {place};
-    return failWith(error);
 }
 
 LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                          const CallArguments& arguments,
                                                          const QString& name, bool isCallback) {
-    m_hasRunScript = true;
-    const CallEnd end = runCall(isCallback, [&] {
+    return runCall(isCallback, [&] {
         ArgumentValues values(arguments.positional);
         if (!arguments.named.empty())
             values.add(objectOf(arguments.named));
@@ -269,14 +219,6 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
         if (!isCallback)
             throwUnhandledRejection();
     });
-    // A call that was refused has come to no line.
-    const bool isRefused = end != CallEnd::Succeeded && errorCallStack().empty();
-    if (const LineInfo place = placeOf(function); isRefused && !isCallback && place.isValid()) {
-        setErrorFile(place.fileName());
-        setErrorLine(place.lineNumber());
-        setErrorCallStack({place});
-    }
-    return end;
 }
 
 LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
@@ -284,7 +226,8 @@ LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& functio
 }
 
 QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
-    const ValueRoot value(m_debugger->evaluate(frame, code));
+    const FrameHandle handle = frame ? std::any_cast<FrameHandle>(frame->own) : FrameHandle();
+    const ValueRoot value(DebuggerRealm::self().evaluate(handle, code));
     if (value.isUndefined())
         return {};
     return value.isString() ? quoted(fromJsText(value)) : textOf(value);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
 #include <memory>
 
@@ -36,6 +34,9 @@ public:
     void noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
         m_failures.notice(failure, *m_debugger, engineContext(), error);
     }
+    void noticePlace(const LineInfo& place, JS::HandleObject error) {
+        m_failures.noticePlace(place, engineContext(), error);
+    }
     const NoticedFailures<JS::PersistentRootedObject>& failures() const { return m_failures; }
 
     /// What becomes of the exports of a module.
@@ -49,15 +50,13 @@ public:
     }
     /// What the script's module exports, by name, as far as it has come to it.
     ScriptArgument::Map exportedVariables();
-    /// Tells of an error in a script that has run: as failWith().
-    bool refuseScript(const LineInfo& place, const QString& message);
-    /// Why the text is no valid code; empty when it is.
-    QString syntaxError(const QString& text);
 
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
     bool isErrorOrdinary() override { return !isEndOfScript(); }
     ScriptError takeError() override { return takeScriptError(); }
-    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void compileOnly(const QString& text, const QString& fileName) override {
+        compile(text, fileName);
+    }
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
 
@@ -77,14 +76,18 @@ private:
     void enterNewRealm();
     /// Makes the realm of the active interpreter that in which code runs; at the end, none.
     static void enterActiveRealm();
-    /// A script, or the module that is returned for a text that is one. Throws ScriptErrorSet.
-    JSObject* compile(const QString& text, const QString& file, JS::MutableHandleScript script);
+    /// One of these.
+    struct Code {
+        Root<JSScript*> script;
+        ObjectRoot module;
+    };
+    /// `fileName` may be empty. Throws ScriptErrorSet.
+    Code compile(const QString& text, const QString& fileName);
 
     JavaScriptContext m_context{*this};
     std::unique_ptr<ScriptRealm> m_realm;
     std::unique_ptr<JavaScriptDebugger> m_debugger;
     QStringList m_searchPath;
-    bool m_hasRunScript = false;
 
     JS::PersistentRootedObject m_scriptModule;
     NoticedFailures<JS::PersistentRootedObject> m_failures;

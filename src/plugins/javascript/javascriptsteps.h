@@ -1,13 +1,11 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include "interpreter/language/stepactions.h"
+#include "plugins/javascript/engineapi.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptInterpreter;
-class ScriptRealm;
 
 /// Files with step definitions as modules, and what steps are given.
 class JavaScriptSteps final : public StepLanguage {
@@ -28,8 +26,6 @@ public:
     QString snippetText(const StepSnippet& snippet) override;
 
 private:
-    ScriptRealm& realm();
-
     JavaScriptInterpreter& m_interpreter;
 };
 
@@ -37,9 +33,5 @@ private:
 /// types: `Given`, `BeforeScenario` and the like. They begin with capitals, since an object with a
 /// function `then` is a promise to the language. Throws ScriptErrorSet.
 void addStepFunctions(JS::HandleObject global);
-
-/// Gives an object the functions `find`, `set`, `remove` and `names`, through which the context of
-/// steps reaches what they keep.
-void addScopeFunctions(JS::HandleObject object);
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -3,30 +3,21 @@
 #include <jsfriendapi.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace Tamrix::JavaScriptPlugin {
 
 /// The jobs of the script, while code of the debugger runs.
 class JobQueue::Saved final : public SavedJobQueue {
 public:
-    explicit Saved(JobQueue& queue)
-        : m_queue(queue), m_jobs(queue.m_context), m_first(std::exchange(queue.m_first, 0)) {
-        std::swap(m_jobs.get(), m_queue.m_jobs.get());
-    }
-    ~Saved() override {
-        std::swap(m_jobs.get(), m_queue.m_jobs.get());
-        m_queue.m_first = m_first;
-    }
+    explicit Saved(JobQueue& queue) : m_queue(queue) { m_jobs.swap(queue.m_jobs); }
+    ~Saved() override { m_jobs.swap(m_queue.m_jobs); }
 
 private:
     JobQueue& m_queue;
     Objects m_jobs;
-    std::size_t m_first;
 };
 
-JobQueue::JobQueue(JSContext* context)
-    : m_context(context), m_jobs(context), m_rejections(context) {
+JobQueue::JobQueue(JSContext* context) : m_context(context) {
     JS::SetPromiseRejectionTrackerCallback(context, noticeRejection, this);
 }
 
@@ -38,28 +29,23 @@ JSObject* JobQueue::getIncumbentGlobal(JSContext* context) {
 
 bool JobQueue::enqueuePromiseJob(JSContext* context, JS::HandleObject, JS::HandleObject job,
                                  JS::HandleObject, JS::HandleObject) {
-    if (m_jobs.append(job))
-        return true;
-    JS_ReportOutOfMemory(context);
-    return false;
+    m_jobs.emplace_back(context, job);
+    return true;
 }
 
-bool JobQueue::runJob() {
-    JS::RootedObject job(m_context, m_jobs[m_first++]);
-    if (empty()) {
-        m_jobs.clear();
-        m_first = 0;
-    }
-    const JSAutoRealm realm(m_context, job);
-    JS::RootedValue function(m_context, JS::ObjectValue(*job));
+bool JobQueue::call(JS::HandleObject function) {
+    const JSAutoRealm realm(m_context, function);
+    JS::RootedValue value(m_context, JS::ObjectValue(*function));
     JS::RootedValue ignored(m_context);
-    return JS::Call(m_context, JS::UndefinedHandleValue, function, JS::HandleValueArray::empty(),
+    return JS::Call(m_context, JS::UndefinedHandleValue, value, JS::HandleValueArray::empty(),
                     &ignored);
 }
 
 void JobQueue::runJobs(JSContext*) {
     while (!empty()) {
-        if (!runJob()) {
+        const JS::PersistentRootedObject job = m_jobs.front();
+        m_jobs.pop_front();
+        if (!call(job)) {
             // An exception of a job is its promise's; what has none ends the script.
             if (!JS_IsExceptionPending(m_context))
                 m_isEnded = true;
@@ -69,35 +55,24 @@ void JobQueue::runJobs(JSContext*) {
     JS::ClearKeptObjects(m_context);
 }
 
-bool JobQueue::runTimer() {
-    JS::RootedObject function(m_context, m_timers.front().function);
-    m_timers.erase(m_timers.begin());
-    const JSAutoRealm realm(m_context, function);
-    JS::RootedValue value(m_context, JS::ObjectValue(*function));
-    JS::RootedValue ignored(m_context);
-    return JS::Call(m_context, JS::UndefinedHandleValue, value, JS::HandleValueArray::empty(),
-                    &ignored);
-}
-
-bool JobQueue::settle(JS::HandleObject promise, void (*wait)(double seconds), bool* isSettled) {
-    *isSettled = true;
+bool JobQueue::settle(JS::HandleObject promise, void (*wait)(double seconds)) {
     while (true) {
         m_isEnded = false;
         runJobs(m_context);
         if (m_isEnded || JS_IsExceptionPending(m_context))
             return false;
-        if (JS::GetPromiseState(promise) != JS::PromiseState::Pending)
+        if (JS::GetPromiseState(promise) != JS::PromiseState::Pending || m_timers.empty())
             return true;
-        if (m_timers.empty()) {
-            *isSettled = false;
-            return true;
-        }
-        const std::chrono::duration<double> left = m_timers.front().due - Clock::now();
+        const std::chrono::duration<double> left = m_timers.begin()->first - Clock::now();
         if (left.count() > 0)
             wait(left.count());
         if (!JS_CheckForInterrupt(m_context))
             return false;
-        if (!m_timers.empty() && m_timers.front().due <= Clock::now() && !runTimer())
+        if (m_timers.empty() || m_timers.begin()->first > Clock::now())
+            continue;
+        const JS::PersistentRootedObject function = m_timers.begin()->second.function;
+        m_timers.erase(m_timers.begin());
+        if (!call(function))
             return false;
     }
 }
@@ -107,38 +82,33 @@ int JobQueue::addTimer(JS::HandleObject function, double milliseconds) {
     const double limited = milliseconds > 0 ? std::min(milliseconds, 1e9) : 0;
     const auto due =
         Clock::now() + std::chrono::microseconds(static_cast<long long>(limited * 1e3));
-    const auto place = std::find_if(m_timers.begin(), m_timers.end(),
-                                    [due](const Timer& each) { return each.due > due; });
-    m_timers.insert(place, Timer{++m_lastTimer, due, {m_context, function}});
+    m_timers.emplace(due, Timer{++m_lastTimer, {m_context, function}});
     return m_lastTimer;
 }
 
 void JobQueue::removeTimer(int number) {
-    std::erase_if(m_timers, [number](const Timer& timer) { return timer.number == number; });
+    std::erase_if(m_timers, [number](const auto& timer) { return timer.second.number == number; });
 }
 
-void JobQueue::noticeRejection(JSContext*, bool, JS::HandleObject promise,
+void JobQueue::noticeRejection(JSContext* context, bool, JS::HandleObject promise,
                                JS::PromiseRejectionHandlingState state, void* data) {
     auto& rejections = static_cast<JobQueue*>(data)->m_rejections;
-    if (state == JS::PromiseRejectionHandlingState::Unhandled) {
-        // Without memory it stays untold.
-        static_cast<void>(rejections.append(promise));
-        return;
-    }
-    rejections.eraseIf([&](JSObject* each) { return each == promise; });
+    if (state == JS::PromiseRejectionHandlingState::Unhandled)
+        rejections.emplace_back(context, promise);
+    else
+        std::erase_if(rejections, [&](const auto& each) { return each == promise; });
 }
 
 bool JobQueue::takeUnhandledRejection(JS::MutableHandleObject promise) {
     if (m_rejections.empty())
         return false;
-    promise.set(m_rejections[0]);
-    m_rejections.erase(m_rejections.begin());
+    promise.set(m_rejections.front());
+    m_rejections.pop_front();
     return true;
 }
 
 void JobQueue::clear() {
     m_jobs.clear();
-    m_first = 0;
     m_rejections.clear();
     m_timers.clear();
 }

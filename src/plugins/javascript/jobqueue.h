@@ -4,7 +4,8 @@
 #include <jsapi.h>
 
 #include <chrono>
-#include <vector>
+#include <deque>
+#include <map>
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -20,9 +21,8 @@ public:
     ~JobQueue() override;
 
     /// Runs jobs and timers until the promise is settled; `wait` sleeps for a time, or a part of
-    /// it. `isSettled` is false when nothing is left that could settle it. False when the script is
-    /// to end.
-    bool settle(JS::HandleObject promise, void (*wait)(double seconds), bool* isSettled);
+    /// it, or until nothing is left that could settle it. False when the script is to end.
+    bool settle(JS::HandleObject promise, void (*wait)(double seconds));
 
     /// Calls the function once the time is over, if anybody waits then. Gives the timer's number.
     int addTimer(JS::HandleObject function, double milliseconds);
@@ -38,31 +38,27 @@ public:
                            JS::HandleObject allocationSite,
                            JS::HandleObject incumbentGlobal) override;
     void runJobs(JSContext* context) override;
-    bool empty() const override { return m_first == m_jobs.length(); }
+    bool empty() const override { return m_jobs.empty(); }
 
 private:
     using Clock = std::chrono::steady_clock;
-    using Objects = JS::PersistentRooted<JS::GCVector<JSObject*, 0, js::SystemAllocPolicy>>;
+    using Objects = std::deque<JS::PersistentRootedObject>;
     struct Timer {
         int number;
-        Clock::time_point due;
         JS::PersistentRootedObject function;
     };
 
     class Saved;
     js::UniquePtr<SavedJobQueue> saveJobQueue(JSContext* context) override;
 
-    bool runJob();
-    bool runTimer();
+    bool call(JS::HandleObject function);
     static void noticeRejection(JSContext* context, bool isMuted, JS::HandleObject promise,
                                 JS::PromiseRejectionHandlingState state, void* data);
 
     JSContext* m_context;
     Objects m_jobs;
-    /// Those in front of it have run.
-    std::size_t m_first = 0;
     Objects m_rejections;
-    std::vector<Timer> m_timers;
+    std::multimap<Clock::time_point, Timer> m_timers;
     int m_lastTimer = 0;
     bool m_isEnded = false;
 };

@@ -1,17 +1,12 @@
 #include "plugins/javascript/modules.h"
 
-#include <js/Modules.h>
-
 #include <QDir>
 #include <QFileInfo>
 
-#include "base/utf8file.h"
 #include "interpreter/bridge/debugger.h"
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/javascriptdebugger.h"
+#include "interpreter/language/sourcefiles.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/promises.h"
-#include "plugins/javascript/scriptrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -19,18 +14,13 @@ namespace {
 
 /// `place` is where no running code is.
 [[noreturn]] void refuse(const QString& text, const LineInfo& place = {}) {
-    ScriptFailure failure;
-    failure.text = text;
     auto* const interpreter = JavaScriptInterpreter::active();
     try {
         throwBuiltIn(JSEXN_ERR, text);
     } catch (const ScriptErrorSet&) {
         ValueRoot error;
-        if (place.isValid() && interpreter && JS_GetPendingException(engineContext(), &error)) {
-            failure.origin.line = place.lineNumber();
-            failure.origin.sourceId = interpreter->languageDebugger().sourceIdOf(place.fileName());
-            interpreter->noticeFailure(failure, ObjectRoot(error));
-        }
+        if (place.isValid() && interpreter && JS_GetPendingException(engineContext(), &error))
+            interpreter->noticePlace(place, ObjectRoot(error));
         throw;
     }
 }
@@ -41,6 +31,10 @@ QString importerPath(const JS::Value& importer) {
 
 QString specifierOf(JS::HandleObject request) {
     return fromJsString(checked(JS::GetModuleRequestSpecifier(engineContext(), request)));
+}
+
+QString importName() {
+    return QStringLiteral("import");
 }
 
 Modules& currentModules() {
@@ -61,10 +55,8 @@ QString existing(const QString& path) {
 }
 
 JS::Value evaluated(JS::HandleObject module) {
-    ValueRoot value;
-    checked(JS::ModuleInstantiate(engineContext(), module) &&
-            JS::ModuleEvaluate(engineContext(), module, &value));
-    return value;
+    checked(JS::ModuleInstantiate(engineContext(), module));
+    return given<JS::Value>(JS::ModuleEvaluate, module);
 }
 
 }  // namespace
@@ -78,7 +70,7 @@ void Modules::install() {
 
 JSObject* Modules::compile(const QString& text, const QString& path) {
     if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->javaScriptDebugger().noticeFile(path);
+        interpreter->languageDebugger().sourceIdOf(path);
     Source source(text, path);
     const ObjectRoot module(
         checked(JS::CompileModule(engineContext(), source.options, source.text)));
@@ -89,8 +81,7 @@ JSObject* Modules::compile(const QString& text, const QString& path) {
 
 JSObject* Modules::add(const QString& text, const QString& path) {
     const ObjectRoot module(compile(text, path));
-    m_modules.insert_or_assign(path.toStdString(),
-                               JS::PersistentRootedObject(engineContext(), module));
+    m_modules.insert(path, module);
     return module;
 }
 
@@ -118,24 +109,18 @@ QString Modules::find(const Import& import) const {
            import.place);
 }
 
-JSObject* Modules::load(const Import& import) {
+JSObject* Modules::moduleOf(const Import& import) {
     const QString path = find(import);
-    const auto known = m_modules.find(path.toStdString());
-    if (known != m_modules.end())
-        return known->second;
-    const Outcome<Utf8Text> content = readUtf8File(path);
-    if (!content)
-        refuse(QStringLiteral("%1: %2").arg(path, content.error().text), import.place);
-    if (content->faultyLine > 0)
-        refuse(QStringLiteral("%1:%2: the file is not encoded in UTF-8")
-                   .arg(path, QString::number(content->faultyLine)),
-               import.place);
-    return add(content->text, path);
+    if (isLoaded(path))
+        return m_modules.value(path);
+    const Outcome<QString> text = readSource(path);
+    if (!text)
+        refuse(text.error().text, import.place);
+    return add(*text, path);
 }
 
 LineInfo Modules::placeOf(const Import& import) const {
-    const auto known = m_modules.find(import.importer.toStdString());
-    const ObjectRoot module(known == m_modules.end() ? m_outermost : known->second);
+    const ObjectRoot module(m_modules.value(import.importer, m_outermost));
     if (!module)
         return {};
     ValueRoots requests;
@@ -156,10 +141,10 @@ LineInfo Modules::placeOf(const Import& import) const {
 
 JSObject* Modules::resolve(JSContext*, JS::HandleValue importer, JS::HandleObject request) {
     ObjectRoot module;
-    guarded("import", [&] {
+    guarded(importName, [&] {
         Import import{specifierOf(request), importerPath(importer), {}};
         import.place = currentModules().placeOf(import);
-        module = currentModules().load(import);
+        module = currentModules().moduleOf(import);
         return true;
     });
     return module;
@@ -168,9 +153,9 @@ JSObject* Modules::resolve(JSContext*, JS::HandleValue importer, JS::HandleObjec
 bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
                           JS::HandleObject promise) {
     ObjectRoot evaluation;
-    guarded("import", [&] {
+    guarded(importName, [&] {
         const ObjectRoot module(
-            currentModules().load({specifierOf(request), importerPath(importer), {}}));
+            currentModules().moduleOf({specifierOf(request), importerPath(importer), {}}));
         evaluation = ObjectRoot(evaluated(module)).get();
         return true;
     });
@@ -179,7 +164,7 @@ bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::Hand
 }
 
 bool Modules::describe(JSContext*, JS::HandleValue file, JS::HandleObject meta) {
-    return guarded("import.meta", [&] {
+    return guarded(importName, [&] {
         defineProperty(meta, QStringLiteral("url"), toJsText("file://" + importerPath(file)));
         return true;
     });

@@ -1,8 +1,8 @@
-#include "plugins/javascript/objectnames.h"
-
 #include <QRegularExpression>
 
+#include "interpreter/language/languageplugin.h"
 #include "interpreter/language/literals.h"
+#include "interpreter/names/genericscriptedobjectmap.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -24,7 +24,16 @@ constexpr const char* reservedWords =
     "protected public return setTimeout static super switch tamrix this throw true try "
     "typeof undefined unescape var void while with yield";
 
-}  // namespace
+/// Object names that a module exports, as shared/scripts/names.js.
+class JavaScriptObjectMap final : public GenericScriptedObjectMap {
+public:
+    explicit JavaScriptObjectMap(const QString& path);
+
+protected:
+    ScriptArgument::Map scriptVariables() override;
+    /// Also fails for a script that exports none of its objects.
+    bool runScript(const QString& text) override;
+};
 
 JavaScriptObjectMap::JavaScriptObjectMap(const QString& path)
     : GenericScriptedObjectMap(
@@ -50,7 +59,7 @@ bool JavaScriptObjectMap::runScript(const QString& text) {
     const QRegularExpressionMatch kept = s_kept.match(text);
     if (!kept.hasMatch())
         return true;
-    return interpreter.refuseScript(
+    return interpreter.failAt(
         LineInfo(path(), 1 + text.left(kept.capturedStart()).count(QLatin1Char('\n'))),
         QStringLiteral("the variable '%1' is no name of an object, since it is not exported "
                        "(one that is not meant to be starts with '_')")
@@ -64,4 +73,9 @@ ScriptArgument::Map JavaScriptObjectMap::scriptVariables() {
     return variables;
 }
 
+}  // namespace
 }  // namespace Tamrix::JavaScriptPlugin
+
+Tamrix::ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
+    return new Tamrix::JavaScriptPlugin::JavaScriptObjectMap(path);
+}

@@ -1,7 +1,5 @@
 #include "plugins/javascript/objectproxy.h"
 
-#include <js/Proxy.h>
-
 #include <algorithm>
 
 #include "interpreter/language/objectcalls.h"
@@ -110,27 +108,25 @@ JS::Value describeMember(const Access& access, const JS::CallArgs& arguments) {
 }
 
 JS::Value listNames(const Access& access, const JS::CallArgs&) {
-    ValueRoots names;
     QStringList members = checked(listMembers(active(), access.object));
     members.removeDuplicates();
-    for (const QString& member : members)
-        names.add(toJsText(member));
-    return JS::ObjectValue(*newArray(names));
+    return newArray(members);
 }
 
 JS::Value refuse(const Access&, const JS::CallArgs&) {
     return JS::FalseValue();
 }
 
-constexpr NativeRow traps[] = {
-    {"get", trap<readMember>},
-    {"set", trap<writeMember>},
-    {"defineProperty", trap<defineMember>},
-    {"deleteProperty", trap<deleteMember>},
-    {"has", trap<hasMember>},
-    {"getOwnPropertyDescriptor", trap<describeMember>},
-    {"ownKeys", trap<listNames>},
-    {"preventExtensions", trap<refuse>},
+constexpr JSFunctionSpec traps[] = {
+    JS_FN("get", trap<readMember>, 2, 0),
+    JS_FN("set", trap<writeMember>, 2, 0),
+    JS_FN("defineProperty", trap<defineMember>, 2, 0),
+    JS_FN("deleteProperty", trap<deleteMember>, 2, 0),
+    JS_FN("has", trap<hasMember>, 2, 0),
+    JS_FN("getOwnPropertyDescriptor", trap<describeMember>, 2, 0),
+    JS_FN("ownKeys", trap<listNames>, 2, 0),
+    JS_FN("preventExtensions", trap<refuse>, 1, 0),
+    JS_FS_END,
 };
 
 /// The object as text; for templates and sums of texts, too.
@@ -138,7 +134,7 @@ JS::Value writeAsText(const JS::CallArgs& arguments) {
     return toJsText(textOf(arguments.thisv()));
 }
 
-constexpr NativeRow functions[] = {{"toString", native<writeAsText>}};
+constexpr JSFunctionSpec functions[] = {JS_FN("toString", native<writeAsText>, 0, 0), JS_FS_END};
 
 }  // namespace
 
@@ -149,9 +145,7 @@ JS::Value applicationObjectValue(const SharedPtr<Object>& object) {
     ValueRoots arguments;
     arguments.add(JS::ObjectValue(*makeHostObject(object, realm->applicationObjectPrototype())))
         .add(JS::ObjectValue(*realm->applicationObjectHandler()));
-    ObjectRoot proxy;
-    checked(JS::Construct(engineContext(), realm->proxyClass(), arguments, &proxy));
-    return JS::ObjectValue(*proxy);
+    return JS::ObjectValue(*newInstance(realm->proxyClass(), arguments));
 }
 
 SharedPtr<Object> applicationObjectOf(JSObject* object) {
@@ -164,14 +158,14 @@ SharedPtr<Object> applicationObjectOf(JSObject* object) {
 
 JSObject* makeApplicationObjectPrototype() {
     const ObjectRoot prototype(newObject());
-    defineFunctions(prototype, functions);
+    checked(JS_DefineFunctions(engineContext(), prototype, functions));
     return prototype;
 }
 
 JSObject* makeApplicationObjectHandler() {
     const ObjectRoot handler(
         checked(JS_NewObjectWithGivenProto(engineContext(), nullptr, nullptr)));
-    defineFunctions(handler, traps);
+    checked(JS_DefineFunctions(engineContext(), handler, traps));
     return handler;
 }
 

@@ -1,8 +1,5 @@
 #include "plugins/javascript/promises.h"
 
-#include <js/Exception.h>
-#include <js/Promise.h>
-
 #include <QCoreApplication>
 #include <algorithm>
 
@@ -44,11 +41,11 @@ void settled(JS::MutableHandleValue value) {
     const ObjectRoot promise(value.get());
     if (!promise || !JS::IsPromiseObject(promise))
         return;
-    bool isSettled = false;
-    checked(Engine::self().jobs().settle(promise, waitMeanwhile, &isSettled));
-    if (!isSettled)
+    checked(Engine::self().jobs().settle(promise, waitMeanwhile));
+    const JS::PromiseState state = JS::GetPromiseState(promise);
+    if (state == JS::PromiseState::Pending)
         throwBuiltIn(JSEXN_ERR, QStringLiteral("A promise is waited for that nothing will settle"));
-    if (JS::GetPromiseState(promise) == JS::PromiseState::Rejected)
+    if (state == JS::PromiseState::Rejected)
         throwRejection(promise);
     value.set(JS::GetPromiseResult(promise));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <jsapi.h>
+#include "plugins/javascript/engineapi.h"
 
 namespace Tamrix::JavaScriptPlugin {
 

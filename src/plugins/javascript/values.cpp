@@ -1,18 +1,5 @@
 #include "plugins/javascript/values.h"
 
-#include <js/Array.h>
-#include <js/BigInt.h>
-#include <js/CompilationAndEvaluation.h>
-#include <js/ContextOptions.h>
-#include <js/Conversions.h>
-#include <js/Date.h>
-#include <js/MapAndSet.h>
-#include <js/Object.h>
-#include <js/PropertyDescriptor.h>
-#include <js/Proxy.h>
-#include <js/experimental/TypedData.h>
-#include <jsfriendapi.h>
-
 #include <cmath>
 #include <cstring>
 
@@ -54,21 +41,15 @@ QString plainText(JS::HandleValue value) {
 }
 
 QString fromKey(jsid key) {
-    if (!key.isSymbol()) {
-        ValueRoot value;
-        checked(JS_IdToValue(engineContext(), key, &value));
-        return plainText(value);
-    }
+    if (!key.isSymbol())
+        return plainText(ValueRoot(given<JS::Value>(JS_IdToValue, key)));
     const Root<JS::Symbol*> symbol(key.toSymbol());
     JSString* const description = JS::GetSymbolDescription(symbol);
     return "Symbol(" + (description ? fromJsString(description) : QString()) + ')';
 }
 
 jsid toKey(const QString& name) {
-    const Root<JSString*> text(toJsString(name));
-    IdRoot key;
-    checked(JS_StringToId(engineContext(), text, &key));
-    return key;
+    return given<jsid>(JS_StringToId, Root<JSString*>(toJsString(name)));
 }
 
 // Numbers, times, bytes
@@ -90,11 +71,9 @@ QDateTime fromJsDate(const JS::Value& value) {
     const ObjectRoot date(value);
     if (!date || builtinClass(date) != js::ESClass::Date)
         return {};
-    double milliseconds = 0;
-    checked(js::DateGetMsecSinceEpoch(engineContext(), date, &milliseconds));
-    if (std::isnan(milliseconds))
-        return {};
-    return QDateTime::fromMSecsSinceEpoch(std::llround(milliseconds));
+    const auto milliseconds = given<double>(js::DateGetMsecSinceEpoch, date);
+    return std::isnan(milliseconds) ? QDateTime()
+                                    : QDateTime::fromMSecsSinceEpoch(std::llround(milliseconds));
 }
 
 JS::Value toJsBytes(const QByteArray& bytes) {
@@ -122,21 +101,15 @@ QByteArray fromJsBytes(JSObject* object) {
 // Objects
 
 JS::Value propertyOf(JSObject* object, const char* name) {
-    ValueRoot value;
-    checked(JS_GetProperty(engineContext(), ObjectRoot(object), name, &value));
-    return value;
+    return given<JS::Value>(JS_GetProperty, ObjectRoot(object), name);
 }
 
 JS::Value propertyOf(JS::HandleObject object, jsid key) {
-    ValueRoot value;
-    checked(JS_GetPropertyById(engineContext(), object, IdRoot(key), &value));
-    return value;
+    return given<JS::Value>(JS_GetPropertyById, object, IdRoot(key));
 }
 
 bool hasProperty(JS::HandleObject object, jsid key) {
-    bool isThere = false;
-    checked(JS_HasPropertyById(engineContext(), object, IdRoot(key), &isThere));
-    return isThere;
+    return given<bool>(JS_HasPropertyById, object, IdRoot(key));
 }
 
 JS::Value dataPropertyOf(JS::HandleObject object, jsid key, bool* hasGetter) {
@@ -153,12 +126,30 @@ void defineProperty(JS::HandleObject object, const QString& name, const JS::Valu
     checked(JS_DefinePropertyById(engineContext(), object, IdRoot(toKey(name)), kept, attributes));
 }
 
+void defineProperty(JS::HandleObject object, const QString& name, JSObject* value,
+                    unsigned attributes) {
+    defineProperty(object, name, JS::ObjectValue(*value), attributes);
+}
+
 JSObject* newObject() {
     return checked(JS_NewPlainObject(engineContext()));
 }
 
-JSObject* newArray(const JS::HandleValueArray& elements) {
-    return checked(JS::NewArrayObject(engineContext(), elements));
+JS::Value newArray(const JS::HandleValueArray& elements) {
+    return JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements)));
+}
+
+JS::Value newArray(const QStringList& texts) {
+    ValueRoots elements;
+    for (const QString& text : texts)
+        elements.add(toJsText(text));
+    return newArray(elements);
+}
+
+JSObject* newInstance(JS::HandleValue type, const JS::HandleValueArray& arguments) {
+    ObjectRoot made;
+    checked(JS::Construct(engineContext(), type, arguments, &made));
+    return made;
 }
 
 JSObject* rootPrototype() {
@@ -166,9 +157,7 @@ JSObject* rootPrototype() {
 }
 
 JSObject* prototypeOf(JSObject* object) {
-    ObjectRoot prototype;
-    checked(JS_GetPrototype(engineContext(), ObjectRoot(object), &prototype));
-    return prototype;
+    return given<JSObject*>(JS_GetPrototype, ObjectRoot(object));
 }
 
 bool isFunction(const JS::Value& value) {
@@ -182,9 +171,7 @@ JS::Value resultOf(JS::HandleValue function, const JS::HandleValueArray& argumen
 }
 
 js::ESClass builtinClass(JSObject* object) {
-    js::ESClass found = js::ESClass::Other;
-    checked(JS::GetBuiltinClass(engineContext(), ObjectRoot(object), &found));
-    return found;
+    return given<js::ESClass>(JS::GetBuiltinClass, ObjectRoot(object));
 }
 
 bool isPlainObject(JSObject* object) {
@@ -226,12 +213,9 @@ void elementsOf(JS::HandleObject collection, JS::MutableHandleValueVector elemen
     JSContext* const context = engineContext();
     const js::ESClass kind = builtinClass(collection);
     if (kind != js::ESClass::Map && kind != js::ESClass::Set) {
-        std::uint32_t length = 0;
-        checked(JS::GetArrayLength(context, collection, &length));
-        ValueRoot element;
+        const auto length = given<std::uint32_t>(JS::GetArrayLength, collection);
         for (std::uint32_t index = 0; index < length; ++index)
-            checked(JS_GetElement(context, collection, index, &element) &&
-                    elements.append(element));
+            checked(elements.append(given<JS::Value>(JS_GetElement, collection, index)));
         return;
     }
     Collected collected{elements, kind == js::ESClass::Map, most};

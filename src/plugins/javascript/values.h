@@ -1,12 +1,8 @@
 #pragma once
 
-#include <js/Class.h>
-#include <js/CompileOptions.h>
-#include <js/SourceText.h>
-#include <jsapi.h>
-
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 
 #include "plugins/javascript/roots.h"
@@ -28,6 +24,15 @@ inline QString fromJsText(const JS::Value& value) {
 QString plainText(JS::HandleValue value);
 /// The text of a property's name or of a symbol.
 QString fromKey(jsid key);
+
+/// The engine is given the names of files in UTF-8, and tells its scripts and debuggers a character
+/// for each byte of them.
+inline QString fileFromEngine(const QString& text) {
+    return QString::fromUtf8(text.toLatin1());
+}
+inline QString fileForEngine(const QString& file) {
+    return QString::fromLatin1(file.toUtf8());
+}
 
 /// A number, or a BigInt where a number would lose digits.
 JS::Value toJsLongInteger(long long value);
@@ -55,8 +60,13 @@ bool hasProperty(JS::HandleObject object, jsid key);
 JS::Value dataPropertyOf(JS::HandleObject object, jsid key, bool* hasGetter = nullptr);
 void defineProperty(JS::HandleObject object, const QString& name, const JS::Value& value,
                     unsigned attributes = JSPROP_ENUMERATE);
+void defineProperty(JS::HandleObject object, const QString& name, JSObject* value,
+                    unsigned attributes = JSPROP_ENUMERATE);
 JSObject* newObject();
-JSObject* newArray(const JS::HandleValueArray& elements);
+JS::Value newArray(const JS::HandleValueArray& elements);
+JS::Value newArray(const QStringList& texts);
+/// What a class makes.
+JSObject* newInstance(JS::HandleValue type, const JS::HandleValueArray& arguments);
 /// What new objects of the current realm inherit from.
 JSObject* rootPrototype();
 /// What the object inherits from; null for nothing.

@@ -1,13 +1,6 @@
 #include "plugins/javascript/valuetext.h"
 
-#include <js/Array.h>
-#include <js/MapAndSet.h>
-#include <js/Proxy.h>
-#include <jsfriendapi.h>
-
 #include <QRegularExpression>
-#include <QStringList>
-#include <limits>
 #include <memory>
 
 #include "interpreter/language/literals.h"
@@ -22,9 +15,6 @@
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-/// Objects in objects, without limits.
-constexpr int deepestOfWhole = 50;
 
 const QString getter = QStringLiteral("[Getter]");
 
@@ -110,15 +100,13 @@ JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, in
     if (!object || JS::IsCallable(object) || (isProxy && !m_isWhole))
         return {};
     const js::ESClass kind = builtinClass(object);
-    if (kind == js::ESClass::Array) {
-        std::uint32_t length = 0;
-        checked(JS::GetArrayLength(engineContext(), object, &length));
-        return {static_cast<int>(length), [value](int number) {
+    if (kind == js::ESClass::Array)
+        return {static_cast<int>(given<std::uint32_t>(JS::GetArrayLength, object)),
+                [value](int number) {
                     const ObjectRoot array(valueOf(value));
                     return Part{QString::number(number),
                                 argumentOf(dataPropertyOf(array, JS::PropertyKey::Int(number)))};
                 }};
-    }
     const bool isMap = kind == js::ESClass::Map;
     if (isProxy || (!isMap && kind != js::ESClass::Set))
         return propertiesOf(object);
@@ -191,20 +179,6 @@ QString JavaScriptValueTexts::text(const Value& own, int depth) {
     return written;
 }
 
-QString JavaScriptValueTexts::innerText(const Value& own, int depth) {
-    if (!m_isWhole)
-        return partsText(own, depth);
-    if (depth >= deepestOfWhole)
-        return QStringLiteral("...");
-    const Parts parts = partsOf(own, std::numeric_limits<int>::max(), depth);
-    QStringList texts;
-    for (int number = 0; number < parts.count; ++number) {
-        const Part part = parts.at(number);
-        texts.append(part.label + text(part.value, depth + 1));
-    }
-    return texts.join(", ");
-}
-
 QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject object, int depth) {
     if (const SharedPtr<Object> held = applicationObjectOf(object)) {
         const ObjectResult<QString> text = Tamrix::objectText(held);
@@ -224,7 +198,7 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
         return time.isValid() ? time.toString(Qt::ISODateWithMs) : QStringLiteral("Invalid Date");
     }
     if (kind == js::ESClass::Array)
-        return '[' + innerText(own, depth) + ']';
+        return '[' + partsText(own, depth) + ']';
     const bool isCollection = kind == js::ESClass::Map || kind == js::ESClass::Set;
     if (m_isWhole && !isCollection && hasOwnText(object)) {
         const QString text = quietly([&] { return plainText(valueOf(own)); });
@@ -234,7 +208,7 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
     QString name = isPlainObject(object) ? QString() : classNameOf(object);
     if (isCollection && !m_isWhole)
         name += QStringLiteral("(%1)").arg(partsOf(own, 0).count);
-    return (name.isEmpty() ? QString() : name + ' ') + '{' + innerText(own, depth) + '}';
+    return (name.isEmpty() ? QString() : name + ' ') + '{' + partsText(own, depth) + '}';
 }
 
 QString textOf(JS::HandleValue value) {

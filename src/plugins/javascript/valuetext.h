@@ -1,8 +1,7 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
+#include <limits>
 
 #include "interpreter/language/valuetexts.h"
 #include "plugins/javascript/engine.h"
@@ -20,7 +19,8 @@ class JavaScriptValueTexts final : public ValueTexts {
 public:
     enum class Extent { Limited, Whole };
     explicit JavaScriptValueTexts(Extent extent = Extent::Limited)
-        : m_isWhole(extent == Extent::Whole) {}
+        : ValueTexts(extent == Extent::Whole ? withoutLimits : Limits()),
+          m_isWhole(extent == Extent::Whole) {}
     /// Without limits.
     QString wholeText(const Value& value) { return text(value, 0); }
 
@@ -32,10 +32,10 @@ protected:
 private:
     QString objectText(const Value& own, JS::HandleObject object, int depth);
     Parts propertiesOf(JS::HandleObject object);
-    QString innerText(const Value& own, int depth);
 
+    /// But of containers in containers.
+    static constexpr Limits withoutLimits{.length = std::numeric_limits<int>::max(), .depth = 50};
     bool m_isWhole;
-
     /// The objects that are being written whole, the outermost first.
     JS::PersistentRootedVector<JSObject*> m_holders{engineContext()};
 };

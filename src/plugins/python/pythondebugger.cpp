@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
 #include "plugins/python/prelude.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/pythonsignals.h"
-#include "plugins/python/pythonvariables.h"
+#include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
+#include "plugins/python/valuetext.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -129,8 +131,27 @@ int PythonDebugger::runningDepth() {
     return PythonPlugin::runningDepth(m_python.files());
 }
 
-std::unique_ptr<VariableWatcher> PythonDebugger::makeVariableWatcher() {
-    return std::make_unique<PythonVariables>(m_python);
+std::unique_ptr<ValueTexts> PythonDebugger::makeValueTexts() {
+    return std::make_unique<PythonTexts>();
+}
+
+std::vector<ValueTexts::Part> PythonDebugger::variablesOf(const ScriptFrame& place) {
+    std::vector<ValueTexts::Part> variables;
+    auto* const frame = reinterpret_cast<PyFrameObject*>(frameBehind(place));
+    const PyRef locals = checked(PyFrame_GetLocals(frame));
+    const PyRef globals = checked(PyFrame_GetGlobals(frame));
+    for (const PyRef* names : {&locals, &globals}) {
+        const PyRef items = checked(PyMapping_Items(names->get()));
+        for (Py_ssize_t index = 0; index < PyList_GET_SIZE(items.get()); ++index) {
+            PyObject* const item = PyList_GET_ITEM(items.get(), index);
+            const QString name = fromPyString(PyTuple_GET_ITEM(item, 0));
+            if (name.isNull() || name.startsWith("__"))
+                continue;
+            variables.push_back(
+                {pathPart(name), new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(item, 1)))});
+        }
+    }
+    return variables;
 }
 
 Debugger::VariableBindings PythonDebugger::variables(const QString& path) {

@@ -44,11 +44,12 @@ public:
     /// Another exception is raised for one that the debugger may have stopped for, whose text it
     /// has in its own: it is not to stop once more.
     void errorReplaced(PyObject* exception, const QString& text);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& place) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override { m_hook.redecide(); }

@@ -5,6 +5,7 @@
 #include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythonsignals.h"
 #include "plugins/python/valuemembers.h"
@@ -121,6 +122,18 @@ PyRef timedRepresentation(PyObject* value) {
         text = toPyString(QStringLiteral("<no representation: not in time>"));
     }
     return text;
+}
+
+ValueTexts::Value PythonTexts::partNamed(const Value& value, const QString& name) {
+    PyObject* const own = objectOf(value);
+    if (PyDict_Check(own)) {
+        // Whoever writes the path may write keys in another way than they are listed.
+        const QString text = name.startsWith('[') ? name : textOfPathPart(name);
+        const PyRef found = callOwn("evaluation", "entry_of", own, toPyString(text));
+        if (found.get() != Py_None)
+            return new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(found.get(), 0)));
+    }
+    return ValueTexts::partNamed(value, name);
 }
 
 PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {

@@ -16,6 +16,7 @@ PyRef timedRepresentation(PyObject* value);
 class PythonTexts final : public ValueTexts {
 public:
     Parts partsOf(const Value& value, int end, int depth = 0) override;
+    Value partNamed(const Value& value, const QString& name) override;
 
 protected:
     QString text(const Value& value, int depth) override;

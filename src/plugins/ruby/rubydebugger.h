@@ -32,11 +32,12 @@ public:
 
     /// Nothing has caught the exception, which may be nil.
     void errorUncaught(VALUE exception);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void breakPointsChanged() override { updateTracePoints(); }
 
 private:
