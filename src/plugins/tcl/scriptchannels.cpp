@@ -35,12 +35,6 @@ int readStream(void*, char* buffer, int size, int* error) {
     return static_cast<int>(count);
 }
 
-void watchNothing(void*, int) {}
-
-int giveHandle(void*, int, void**) {
-    return TCL_ERROR;
-}
-
 /// Of all three: Tcl itself sees to it that none is read or written that is not open for it.
 const Tcl_ChannelType& channelType() {
     static const Tcl_ChannelType s_type = [] {
@@ -50,8 +44,8 @@ const Tcl_ChannelType& channelType() {
         type.closeProc = closeStream;
         type.inputProc = readStream;
         type.outputProc = writeStream;
-        type.watchProc = watchNothing;
-        type.getHandleProc = giveHandle;
+        type.watchProc = [](void*, int) {};
+        type.getHandleProc = [](void*, int, void**) { return TCL_ERROR; };
         return type;
     }();
     return s_type;

@@ -1,5 +1,6 @@
 #include "plugins/tcl/tcldebugger.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "interpreter/language/valuepath.h"
@@ -15,16 +16,10 @@ namespace {
 /// Whether a command catches errors that are raised while it runs. Of a `try` that is its handlers
 /// for them; which errors they are for they say only when they have come.
 bool catchesErrors(const QByteArray& source) {
-    const QByteArray command = source.trimmed();
-    const auto begins = [&](const char* name) {
-        const auto length = static_cast<int>(qstrlen(name));
-        return command.startsWith(name) &&
-               (command.size() == length || isspace(command.at(length)) != 0);
-    };
-    if (begins("catch") || begins("::catch"))
-        return true;
-    return (begins("try") || begins("::try")) &&
-           (command.contains("on error") || command.contains("on 1") || command.contains("trap"));
+    static const QRegularExpression s_catching(
+        QStringLiteral(R"(^\s*(::)?(catch(\s|$)|try\s.*(on error|on 1|trap)))"),
+        QRegularExpression::DotMatchesEverythingOption);
+    return s_catching.match(QString::fromUtf8(source)).hasMatch();
 }
 
 std::vector<ScriptFrame> scriptFrames(const std::vector<TclFrame>& frames) {

@@ -17,7 +17,6 @@
 #include "plugins/tcl/commandbody.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
-#include "plugins/tcl/heldvalues.h"
 #include "plugins/tcl/nativeclasses.h"
 #include "plugins/tcl/nativecommands.h"
 #include "plugins/tcl/scriptchannels.h"
@@ -67,11 +66,13 @@ const char* nameOfError(std::string_view errorCode) {
     return row == std::end(kindNames) ? otherError.name : row->name;
 }
 
-/// The text of the panic behind which nothing of Tcl can run any more in this process: what it
-/// keeps for the whole process may be broken.
-QString s_panic;
-/// Where the script of this process was by then.
-std::vector<LineInfo> s_panicStack;
+/// The panic behind which nothing of Tcl can run any more in this process: what it keeps for the
+/// whole process may be broken. Without a text there was none.
+ScriptError s_panic;
+
+bool hasPanicked() {
+    return !s_panic.message.isEmpty();
+}
 
 struct OwnCommand {
     TclInterpreter& interpreter;
@@ -104,8 +105,9 @@ TclInterpreter::~TclInterpreter() {
 }
 
 void TclInterpreter::createTcl() {
-    if (!s_panic.isEmpty())
-        throw std::runtime_error((s_panic + ", in an earlier test case of this run").toStdString());
+    if (hasPanicked())
+        throw std::runtime_error(
+            (s_panic.message + ", in an earlier test case of this run").toStdString());
     m_tcl = Tcl_CreateInterp();
     installChannels(m_tcl, output());
     Tcl_SetSystemEncoding(nullptr, "utf-8");
@@ -140,7 +142,7 @@ void TclInterpreter::deleteTcl() {
         return;
     TclRuntime::self().setInterruptible(nullptr);
     // Behind a panic nothing of it can be touched any more, not even to be freed.
-    if (!s_panic.isEmpty()) {
+    if (hasPanicked()) {
         static_cast<void>(m_errors.release());
         static_cast<void>(m_values.release());
         m_tcl = nullptr;
@@ -242,7 +244,7 @@ int TclInterpreter::failAsPending() {
 
 bool TclInterpreter::isErrorOrdinary() {
     const bool isEnd = m_pendingCode == FatalEnd || m_pendingCode == ExitEnd;
-    return s_panic.isEmpty() && !isEnd && !isUnwinding();
+    return !hasPanicked() && !isEnd && !isUnwinding();
 }
 
 bool TclInterpreter::isUnwinding() const {
@@ -268,7 +270,7 @@ QString TclInterpreter::addToSearchPath(const QFileInfo& directory) {
 void TclInterpreter::startScript(const QString& path, const QStringList& arguments,
                                  const QStringList& folders) {
     // Whatever is to run then fails.
-    if (!s_panic.isEmpty())
+    if (hasPanicked())
         return;
     if (hasStarted()) {
         // What an earlier script has left goes with its interpreter of Tcl.
@@ -336,7 +338,7 @@ bool TclInterpreter::checkSyntax(const QString& text, const QString& fileName) {
 
 template <typename Work>
 auto TclInterpreter::guarded(Work work) {
-    if (!s_panic.isEmpty())
+    if (hasPanicked())
         throw ScriptErrorSet();
     const QScopedValueRollback<int> depth(m_depth, m_depth + 1);
     // What ended one run of the script is no matter to the next, as to its clean-up.
@@ -346,13 +348,13 @@ auto TclInterpreter::guarded(Work work) {
     try {
         return work();
     } catch (const TclPanic& panic) {
-        s_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
+        s_panic.message = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
         spoilProcess();
         // What ran is left as it stands, with its frames. Nothing of Tcl is run for them.
         try {
-            s_panicStack = stackOf(framesOrProcedure());
+            s_panic.callStack = stackOf(framesOrProcedure());
         } catch (const std::exception&) {
-            s_panicStack.clear();
+            s_panic.callStack.clear();
         }
         throw ScriptErrorSet();
     }
@@ -427,12 +429,9 @@ std::string TclInterpreter::errorOption(const char* name) const {
 // Errors and positions
 
 ScriptError TclInterpreter::takeError() {
+    if (hasPanicked())
+        return s_panic;
     ScriptError error;
-    if (!s_panic.isEmpty()) {
-        error.message = s_panic;
-        error.callStack = s_panicStack;
-        return error;
-    }
     // What has unwound everything for it is no error of its own.
     if (m_lateEnd)
         std::swap(m_lateEnd, m_pendingState);

@@ -20,6 +20,11 @@ namespace {
     throw TclPanic(thrown);
 }
 
+/// Commands that catch errors are ended, too.
+void endAll(Tcl_Interp* interp) {
+    Tcl_CancelEval(interp, Tcl_NewStringObj(TclRuntime::endText, -1), nullptr, TCL_CANCEL_UNWIND);
+}
+
 int endInterrupted(void*, Tcl_Interp*, int code) {
     TclRuntime::self().endScript();
     return code;
@@ -47,17 +52,16 @@ TclRuntime::TclRuntime() {
 
 int TclRuntime::endEvaluation(void*, Tcl_Interp*, int code) {
     Tcl_Interp* const interp = self().m_interruptible;
-    // A signal that comes late finds nobody to end. Commands that catch errors are ended, too.
+    // A signal that comes late finds nobody to end.
     if (interp && TimeLimit::isArmed())
-        Tcl_CancelEval(interp, Tcl_NewStringObj(endText, -1), nullptr, TCL_CANCEL_UNWIND);
+        endAll(interp);
     return code;
 }
 
 void TclRuntime::endScript() {
-    // Commands that catch errors are ended, too.
     if (Tcl_Interp* const interp = m_interruptible) {
         m_isEnding = true;
-        Tcl_CancelEval(interp, Tcl_NewStringObj(endText, -1), nullptr, TCL_CANCEL_UNWIND);
+        endAll(interp);
     }
 }
 
