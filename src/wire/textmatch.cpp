@@ -40,6 +40,9 @@ QString wildcardExpression(const QString& wildcard, QString* error) {
             }
             expression += setExpression(wildcard.mid(index + 1, end - index - 1));
             index = end;
+        } else if (character.isSurrogate()) {
+            // Half of a character, which nothing may stand in.
+            expression += character;
         } else {
             expression += QRegularExpression::escape(character);
         }

@@ -236,11 +236,11 @@ void writeValue(QDataStream& stream, const QVariant& value) {
         case QMetaType::Int:
         case QMetaType::UInt:
         case QMetaType::Long:
-        case QMetaType::ULong:
         case QMetaType::LongLong:
             writeKind(stream, Integer);
             stream << value.toLongLong();
             return;
+        case QMetaType::ULong:
         case QMetaType::ULongLong:
             // What does not fit keeps its size rather than its last digits.
             if (value.toULongLong() > static_cast<quint64>(std::numeric_limits<qint64>::max())) {

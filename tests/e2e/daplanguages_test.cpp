@@ -40,6 +40,8 @@ struct DebuggedLanguage {
     const char* error;
     const char* assignment;
     const char* countOfContext;
+    /// Goes on for ever.
+    const char* endless;
     /// In front of the names of variables.
     const char* sign = "";
 };
@@ -73,7 +75,8 @@ def pies(context, count):
 def eaten(context):
     rows = context.table  # @eaten
 )py",
-     "left == 2", "left + right", "'two'", "ValueError: after all", "total", "context.count"},
+     "left == 2", "left + right", "'two'", "ValueError: after all", "total", "context.count",
+     "while True: pass"},
     {"javascript", "js", "tamrixjavascript",
      R"js(export function add(left, right) {
     const sum = left + right;  // @sum
@@ -99,7 +102,8 @@ When("they are eaten", context => {
     const rows = context.table;  // @eaten
 });
 )js",
-     "left === 2", "left + right", "'two'", "Error: after all", "total", "context.count"},
+     "left === 2", "left + right", "'two'", "Error: after all", "total", "context.count",
+     "for (;;) try { for (;;) {} } finally { continue; }"},
     {"perl", "pl", "tamrixperl",
      R"pl(package helper;
 sub add {
@@ -131,7 +135,8 @@ When 'they are eaten', sub {
     my $rows = $context->{table};  # @eaten
 };
 )pl",
-     "$left == 2", "$left + $right", "\"two\"", "after all", "$total", "$context->{count}", "$"},
+     "$left == 2", "$left + $right", "\"two\"", "after all", "$total", "$context->{count}",
+     "1 while 1", "$"},
     {"ruby", "rb", "tamrixruby",
      R"rb(def add(left, right)
   sum = left + right # @sum
@@ -156,7 +161,8 @@ When('they are eaten') do |context|
   rows = context.table # @eaten
 end
 )rb",
-     "left == 2", "left + right", "\"two\"", "ArgumentError: after all", "total", "context.count"},
+     "left == 2", "left + right", "\"two\"", "ArgumentError: after all", "total", "context.count",
+     "loop { begin; loop {}; rescue; end }"},
     {"tcl", "tcl", "tamrixtcl",
      R"tcl(proc add {left right} {
     set sum [expr {$left + $right}] ;# @sum
@@ -181,8 +187,8 @@ bdd::when "they are eaten" {context} {
     set rows [$context get table] ;# @eaten
 }
 )tcl",
-     "$left == 2", "$left + $right", "two", "Error: after all", "total",
-     "[bdd::context get count]"},
+     "$left == 2", "$left + $right", "two", "Error: after all", "total", "[bdd::context get count]",
+     "while 1 {catch {while 1 {}}}"},
 };
 
 class DapLanguages : public testing::TestWithParam<DebuggedLanguage> {
@@ -330,6 +336,35 @@ TEST_P(DapLanguages, ABreakPointWhereTheRunBeginsIsTheSameStop) {
     EXPECT_EQ(after("continue"), at("breakpoint", "test.{}", language.script, "@one"));
     client.body("disconnect");
     EXPECT_EQ(process.exitCode(), 0) << process.errors().constData();
+}
+
+TEST_P(DapLanguages, CodeThatNeverEndsIsEndedAndTheScriptStaysWhereItStands) {
+    const DebuggedLanguage& language = GetParam();
+    const QString helper = write("shared/scripts/helper.{}", language.helper);
+    write("sums/test.{}", language.script);
+    client.launch({{"suite", pathOf("")}});
+    client.setBreakPoints(helper, {line(language.helper, "@end")});
+    client.body("configurationDone");
+    EXPECT_EQ(client.stop(), at("breakpoint", "helper.{}", language.helper, "@end"));
+    for (int time = 0; time < 2; ++time) {
+        const int evaluation =
+            client.send("evaluate", {{"expression", language.endless}, {"context", "repl"}});
+        const int pause = client.send("pause", {{"threadId", 1}});
+        const QJsonObject answer = client.answer(evaluation);
+        EXPECT_FALSE(answer["success"].toBool());
+        EXPECT_EQ(answer["message"], "evaluate: The evaluation was ended before it was done");
+        EXPECT_TRUE(client.answer(pause)["success"].toBool());
+        EXPECT_EQ(evaluated(language.sum), "2");
+    }
+    // An editor asks for watches by itself, with nobody to end them.
+    EXPECT_EQ(client.error("evaluate", {{"expression", language.endless}, {"context", "watch"}}),
+              "evaluate: The evaluation was ended before it was done");
+    EXPECT_EQ(stack(), "add main");
+    EXPECT_EQ(after("continue"), at("breakpoint", "helper.{}", language.helper, "@end"));
+    client.body("continue", {{"threadId", 1}});
+    EXPECT_EQ(exitCodeOfRun(), 1);
+    EXPECT_EQ(client.output("stdout"), "7\n");
+    EXPECT_TRUE(client.fitsProtocol());
 }
 
 TEST_P(DapLanguages, StepsOfAFeatureFileAndTheirFunctions) {

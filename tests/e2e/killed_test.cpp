@@ -152,10 +152,11 @@ TEST_F(KilledRun, AScriptThatEndsItsProcessIsTold) {
 
 TEST_F(KilledRun, ACaseThatSpoilsItsProcessLeavesTheOthersToAnotherOne) {
     suite.write("suite/b/test.tcl",
-                "proc main {} {\n"
-                "    set text [string repeat x 30000000]\n"
+                "proc fill {text} {\n"
                 "    eval \"set larger_than_tcl_has [string repeat {$text} 80]\"\n"
-                "}\n");
+                "}\n"
+                "proc main {} { fill [string repeat x 30000000] }\n"
+                "proc cleanup {} { test log {never run} }\n");
     suite.write("suite/c/test.py", "def main():\n    test.pass_('in Python')\n");
     suite.write("suite/d/test.tcl", "proc main {} { test pass {in Tcl} }\n");
     const QString told = "Script Error\n        Tcl gave up: max size for a Tcl value";
@@ -181,6 +182,11 @@ TEST_F(KilledRun, ACaseThatSpoilsItsProcessLeavesTheOthersToAnotherOne) {
         EXPECT_EQ(Tamrix::Test::messagesOf(entries, "caseStart"), "a b c d");
         EXPECT_EQ(entries.back()["kind"], "suiteEnd");
         EXPECT_NE(entries.back()["interrupted"], true);
+        const auto error = std::find_if(entries.begin(), entries.end(), [](const auto& entry) {
+            return entry["message"] == "Script Error";
+        });
+        ASSERT_NE(error, entries.end());
+        EXPECT_EQ((*error)["callStack"][0]["line"], 2) << (*error).toStyledString();
     }
     // The cases that have failed count for both processes.
     runner.run({"run", suite.path("suite"), "--max-failures", "2", "--quiet"});

@@ -36,18 +36,26 @@ QJsonObject DapClient::receive() {
 }
 
 QJsonObject DapClient::request(const QString& command, const QJsonObject& arguments) {
+    return answer(send(command, arguments));
+}
+
+int DapClient::send(const QString& command, const QJsonObject& arguments) {
     QJsonObject message{{"seq", ++m_seq}, {"type", "request"}, {"command", command}};
     if (!arguments.isEmpty())
         message["arguments"] = arguments;
     const QByteArray text = QJsonDocument(message).toJson(QJsonDocument::Compact);
     m_dialogue += text + '\n';
     m_stream.write("Content-Length: " + QByteArray::number(text.size()) + "\r\n\r\n" + text);
+    return m_seq;
+}
+
+QJsonObject DapClient::answer(int seq) {
     while (true) {
-        const QJsonObject answer = receive();
-        if (answer.isEmpty() ||
-            (answer["type"] == "response" && answer["request_seq"].toInt() == m_seq))
-            return answer;
-        m_events.append(answer);
+        const QJsonObject message = receive();
+        if (message.isEmpty() ||
+            (message["type"] == "response" && message["request_seq"].toInt() == seq))
+            return message;
+        m_events.append(message);
     }
 }
 

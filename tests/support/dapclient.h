@@ -23,6 +23,10 @@ public:
 
     /// The response, an empty object when none comes.
     QJsonObject request(const QString& command, const QJsonObject& arguments = {});
+    /// Writes a request, and gives its number.
+    int send(const QString& command, const QJsonObject& arguments = {});
+    /// The response to the request with that number, which was sent.
+    QJsonObject answer(int seq);
     /// The body of the response of a request that is to succeed.
     QJsonObject body(const QString& command, const QJsonObject& arguments = {});
     /// The error of one that is to fail.

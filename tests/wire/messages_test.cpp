@@ -101,6 +101,7 @@ TEST(Values, TravelAsWhatScriptsKnow) {
     } rows[] = {
         {QVariant(quint64(5)), QVariant(qint64(5))},
         {QVariant(std::numeric_limits<quint64>::max()), QVariant(18446744073709551616.0)},
+        {QVariant::fromValue(std::numeric_limits<ulong>::max()), QVariant(18446744073709551616.0)},
         {QVariant::fromValue(QList<int>{1, 2}), QVariantList{qint64(1), qint64(2)}},
         {QVariant::fromValue(QVector<QString>{"a"}), QVariantList{"a"}},
         {QVariant::fromValue(QMap<QString, int>{{"a", 1}}), QVariantMap{{"a", qint64(1)}}},

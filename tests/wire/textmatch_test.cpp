@@ -22,6 +22,8 @@ TEST(TextMatch, ComparesAsTheModeSays) {
         {"?b", TextMatch::Wildcard, "ab", true},
         {"?b", TextMatch::Wildcard, "b", false},
         {"a.b", TextMatch::Wildcard, "axb", false},
+        {"*\xf0\x9f\x98\x80 (?)", TextMatch::Wildcard, "a \xf0\x9f\x98\x80 (\xc3\xa4)", true},
+        {"?[\xf0\x9f\x98\x80]", TextMatch::Wildcard, "\xf0\x9f\x98\x81\xf0\x9f\x98\x80", true},
         {"[a-c]1", TextMatch::Wildcard, "b1", true},
         {"[!a-c]1", TextMatch::Wildcard, "b1", false},
         {"[!a-c]1", TextMatch::Wildcard, "x1", true},

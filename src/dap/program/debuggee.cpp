@@ -25,6 +25,12 @@ QByteArray pathWord(const QString& path) {
     return word.toUtf8();
 }
 
+/// How long a program may take from reading a command to running the code in it: a signal before
+/// would end the run. In milliseconds, as the next one.
+constexpr qint64 startOfCode = 250;
+/// How often it is asked whether the program has read it.
+constexpr int readInterval = 20;
+
 const char* commandOf(Resume how) {
     switch (how) {
         case Resume::Continue:
@@ -107,7 +113,7 @@ Outcome<> Debuggee::ask(const QByteArray& command, const AnswerReader& reader) {
         receive();
         if (!m_reader)
             break;
-        const bool goesOn = !exitCode() && m_surroundings.wait();
+        const bool goesOn = !exitCode() && m_surroundings.wait(endCodeInTime());
         if (!goesOn) {
             m_reader = nullptr;
             m_isAnswering = true;
@@ -115,6 +121,28 @@ Outcome<> Debuggee::ask(const QByteArray& command, const AnswerReader& reader) {
         }
     }
     return {};
+}
+
+/// Ends code whose time is over, or whose end somebody wants. Gives in how many milliseconds to ask
+/// again, -1 when only something that comes can change it.
+int Debuggee::endCodeInTime() {
+    if (!m_code || m_code->isEnded)
+        return -1;
+    if (!m_program->hasTakenInput())
+        return readInterval;
+    if (!m_code->time.isValid())
+        m_code->time.start();
+    qint64 end = startOfCode;
+    if (!m_surroundings.wantsEnd()) {
+        if (!m_code->limit)
+            return -1;
+        end = m_code->limit->count();
+    }
+    if (!m_code->time.hasExpired(end))
+        return static_cast<int>(end - m_code->time.elapsed()) + 1;
+    m_code->isEnded = true;
+    interrupt();
+    return -1;
 }
 
 Outcome<QByteArray> Debuggee::askBreakPoint(const QByteArray& command, const ScriptPlace& place) {
@@ -148,15 +176,17 @@ Outcome<> Debuggee::deleteBreakPoint(const ScriptPlace& place) {
     return {};
 }
 
-Outcome<QString> Debuggee::evaluate(const QString& code) {
+Outcome<QString> Debuggee::evaluate(const QString& code, Limit limit) {
     static const QByteArray s_word = QByteArrayLiteral("eval");
     static const QByteArray s_judgement = QByteArrayLiteral("@evaluation ");
     QString result;
+    m_code = RunningCode{limit};
     Outcome<> asked =
         ask(s_word + ' ' + QUrl::toPercentEncoding(code), [&](const QByteArray& line) {
             result = QUrl::fromPercentEncoding(line.mid(s_word.size()));
             return line.startsWith(s_word);
         });
+    m_code.reset();
     // A value and the message of an error look alike: another answer tells which it is.
     bool hasFailed = false;
     if (asked)

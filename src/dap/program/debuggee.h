@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QString>
 #include <QTextCodec>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,13 +32,20 @@ class Debuggee {
 public:
     enum class Stream { Output, Error };
     struct Surroundings {
-        /// Waits until something has come, from anywhere. False to give a question up.
-        std::function<bool()> wait;
+        /// Waits until something has come, from anywhere, or the time in milliseconds is over (-1
+        /// for no limit). False to give a question up.
+        std::function<bool(int milliseconds)> wait;
+        /// Whether somebody wants the end of code that is evaluated.
+        std::function<bool()> wantsEnd;
         /// Takes what the program writes beside the protocol.
         std::function<void(const QString& text, Stream stream)> output;
         /// Takes what the debugger tells unasked; what it tells about a stop comes before the stop.
         std::function<void(const Notice& notice)> notice;
     };
+
+    /// How long code may run that is evaluated; nothing for as long as nobody wants its end.
+    using Limit = std::optional<std::chrono::milliseconds>;
+    static constexpr std::chrono::milliseconds usualLimit{5000};
 
     Debuggee(std::unique_ptr<Program> program, Surroundings surroundings);
 
@@ -54,7 +63,8 @@ public:
     Outcome<bool> setBreakPoint(const ScriptPlace& place);
     Outcome<> deleteBreakPoint(const ScriptPlace& place);
     /// The text of what the code gave; a failure of kind BadArgument with the message of its error.
-    Outcome<QString> evaluate(const QString& code);
+    /// Code that takes longer than the limit is ended, which is such a failure, too.
+    Outcome<QString> evaluate(const QString& code, Limit limit = usualLimit);
     /// What stands below a path, everything at the top for the empty one.
     Outcome<std::vector<Binding>> variables(const QString& path);
     /// The file in which the script stands.
@@ -88,6 +98,7 @@ private:
     /// Takes a line of an answer; true when the answer is whole.
     using AnswerReader = std::function<bool(const QByteArray& line)>;
     Outcome<> ask(const QByteArray& command, const AnswerReader& reader);
+    int endCodeInTime();
     Outcome<QByteArray> askBreakPoint(const QByteArray& command, const ScriptPlace& place);
     /// What stands behind "COMMAND ok:" in the answer.
     Outcome<QByteArray> askSearch(const QByteArray& command, const QByteArray& arguments);
@@ -104,6 +115,14 @@ private:
     std::unique_ptr<Program> m_program;
     Surroundings m_surroundings;
     Channel m_channels[2];
+    /// Code that is evaluated.
+    struct RunningCode {
+        Limit limit;
+        /// Since the program has been told of it.
+        QElapsedTimer time{};
+        bool isEnded = false;
+    };
+    std::optional<RunningCode> m_code;
     /// Of the question that waits; null when none does.
     const AnswerReader* m_reader = nullptr;
     bool m_isStopped = false;

@@ -102,11 +102,12 @@ Outcome<> Session::start() {
     m_debuggee = std::make_unique<Debuggee>(
         std::move(*program),
         Debuggee::Surroundings{
-            [this] {
-                m_setUp.wait(-1);
+            [this](int milliseconds) {
+                m_setUp.wait(milliseconds);
                 // An answer may never come; the end must not wait for it.
                 return !m_client.hasEnded() && !m_client.isWaiting({"disconnect", "terminate"});
             },
+            [this] { return m_client.isWaiting({"pause"}); },
             [this](const QString& text, Debuggee::Stream stream) {
                 write(stream == Debuggee::Stream::Error ? "stderr" : "stdout", text);
             },

@@ -198,7 +198,8 @@ public:
     /// Break points of files that are not loaded yet can't be deleted.
     Outcome<BreakPointPlace> deleteBreakPoint(const QString& file, int line);
     /// Runs code of the script's language in the script that stands still, without stops, and gives
-    /// what became of it: the text of a result or of a failure.
+    /// what became of it: the text of a result or of a failure. A SIGINT enters interrupt()
+    /// meanwhile.
     QString evaluate(const QString& code);
 
     /// The path made absolute against the working folder, with links resolved.

@@ -4,6 +4,7 @@
 
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/bridge/interpreter.h"
+#include "interpreter/debugger/interruptstop.h"
 
 namespace Tamrix {
 
@@ -59,7 +60,16 @@ QString Debugger::evaluate(const QString& code) {
         return {};
     const DbgMode mode = m_mode;
     setDebuggerMode(None);
+    // Code that goes on and on is ended, not the run.
+    const bool stoppedOnInterrupt = stopsOnInterrupt(this);
+    stopOnInterrupt(this);
     m_interpreter->evaluate(code, QString());
+    // A program can't know that the code has ended just before the signal: until the script goes on
+    // one more is no matter.
+    if (tamrix_verbose_debugger && !stoppedOnInterrupt)
+        releaseInterrupt(this);
+    else
+        stopOnInterrupt(this);
     setDebuggerMode(mode);
     return m_interpreter->resultMessage();
 }

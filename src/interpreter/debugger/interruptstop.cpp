@@ -40,6 +40,10 @@ void stopOnInterrupt(Debugger* debugger) {
     s_owner = debugger;
 }
 
+bool stopsOnInterrupt(const Debugger* debugger) {
+    return s_target == debugger;
+}
+
 void setInterruptFilter(InterruptFilter isPassedOver) {
     s_isPassedOver = isPassedOver;
 }

@@ -14,6 +14,9 @@ class Debugger;
 /// what it would have done without debugger, which by default ends the process.
 void stopOnInterrupt(Debugger* debugger);
 
+/// Whether that is so.
+bool stopsOnInterrupt(const Debugger* debugger);
+
 /// Tells, in the signal handler, whether a SIGINT is to be passed over: where one is told to
 /// several processes that tell each other.
 using InterruptFilter = bool (*)(int signal, const siginfo_t& info);

@@ -4,6 +4,7 @@
 
 #include "interpreter/language/languagevariables.h"
 #include "interpreter/language/sourcefiles.h"
+#include "interpreter/language/timelimit.h"
 
 namespace Tamrix {
 
@@ -65,6 +66,13 @@ void LanguageDebugger::shutDown() {
 }
 
 // Stops
+
+void LanguageDebugger::interrupt() {
+    if (TimeLimit* const evaluation = m_evaluation)
+        evaluation->expire();
+    else if (m_standstills == 0)
+        stopSoon();
+}
 
 bool LanguageDebugger::stop() {
     const Standstill standstill(*this);

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QString>
 #include <any>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 namespace Tamrix {
 
 class SourceFiles;
+class TimeLimit;
 class VariableWatcher;
 
 /// A frame of a script's code and where it stands.
@@ -106,6 +108,14 @@ public:
     /// What comes is another error, whatever its text is.
     void forgetTold() { m_toldText.clear(); }
 
+    /// SIGINT ends the code that is evaluated, else it stops the script at its next line. At a stop
+    /// nothing is to be done.
+    void interrupt() final;
+    /// What interrupt() ends from now on, null for nothing; gives what it was before.
+    TimeLimit* exchangeEvaluation(TimeLimit* evaluation) {
+        return m_evaluation.exchange(evaluation);
+    }
+
     bool stop() override;
     bool stopWithObjectName(const QString& objectName, const QString& detail) override;
     void missingStep(int line, const std::string& text) override;
@@ -125,6 +135,8 @@ protected:
     bool areErrorsCaught() const { return m_catching > 0; }
 
     // For the language.
+    /// Stops at the next line. Called in the handler of a signal.
+    virtual void stopSoon() = 0;
     /// The frames that run code of scripts, the innermost first. Frames of the language's library
     /// are left out.
     virtual std::vector<ScriptFrame> runningFrames() = 0;
@@ -162,7 +174,8 @@ private:
     std::vector<ForeignPlace> m_foreignPlaces;
 
     /// One in another when code that is evaluated at a stop stops.
-    int m_standstills = 0;
+    std::atomic<int> m_standstills{0};
+    std::atomic<TimeLimit*> m_evaluation{nullptr};
     int m_silences = 0;
     int m_catching = 0;
     QString m_toldText;

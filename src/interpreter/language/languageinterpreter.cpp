@@ -243,11 +243,27 @@ bool LanguageInterpreter::evaluate(const QString& text, const QString& fileName,
 }
 
 Outcome<QString> LanguageInterpreter::evaluated(const ScriptFrame* frame, const QString& code) {
-    try {
-        return evaluateAtStop(frame, code);
-    } catch (const ScriptErrorSet&) {
-        return fail(FailureKind::Failed, takeError().message);
+    Outcome<QString> result = fail(FailureKind::Failed, QString());
+    bool wasEnded = false;
+    {
+        TimeLimit limit(endOfEvaluation());
+        TimeLimit* const outer = languageDebugger().exchangeEvaluation(&limit);
+        try {
+            result = evaluateAtStop(frame, code);
+        } catch (const ScriptErrorSet&) {
+            result = fail(FailureKind::Failed, takeError().message);
+        }
+        languageDebugger().exchangeEvaluation(outer);
+        wasEnded = limit.wasExpired();
     }
+    if (wasEnded) {
+        forgetEndOfEvaluation();
+        // What the language says of its end tells nobody anything.
+        if (!result)
+            result = fail(FailureKind::Failed,
+                          QStringLiteral("The evaluation was ended before it was done"));
+    }
+    return result;
 }
 
 bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& frames,

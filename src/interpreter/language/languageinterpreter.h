@@ -13,6 +13,7 @@
 #include "interpreter/language/scripterrorset.h"
 #include "interpreter/language/scriptfailure.h"
 #include "interpreter/language/scriptoutput.h"
+#include "interpreter/language/timelimit.h"
 #include "platform/objectmodel/inspector.h"
 
 namespace Tamrix {
@@ -191,6 +192,10 @@ protected:
     /// or with those of the script's top level for null. Gives the text of an expression's value,
     /// an empty one for statements. Throws ScriptErrorSet for what was raised.
     virtual QString evaluateAtStop(const ScriptFrame* frame, const QString& code) = 0;
+    /// Code is about to be evaluated: what ends it, as a TimeLimit has it called.
+    virtual TimeLimit::Expired endOfEvaluation() = 0;
+    /// That was called, and is to have no effect any more: the code has been left.
+    virtual void forgetEndOfEvaluation() {}
 
     /// Runs script code at the top level: `work` throws ScriptErrorSet for what was raised.
     template <typename Work>

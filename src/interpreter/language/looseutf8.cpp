@@ -1,5 +1,7 @@
 #include "interpreter/language/looseutf8.h"
 
+#include <cstring>
+
 namespace Tamrix {
 
 namespace {
@@ -19,6 +21,19 @@ bool isSurrogateAt(const char* bytes, int index, int size) {
 }
 
 }  // namespace
+
+QString fromWholeUtf8(const char* bytes, int size) {
+    constexpr char mark[] = "\xEF\xBB\xBF";
+    constexpr int markSize = 3;
+    QString marks;
+    while (size >= markSize && std::memcmp(bytes, mark, markSize) == 0) {
+        marks += QChar(QChar::ByteOrderMark);
+        bytes += markSize;
+        size -= markSize;
+    }
+    const QString text = QString::fromUtf8(bytes, size);
+    return marks.isEmpty() ? text : marks + text;
+}
 
 QByteArray toLooseUtf8(const QString& text) {
     if (text.isValidUtf16())
@@ -46,12 +61,12 @@ QString fromLooseUtf8(const char* bytes, int size) {
     for (int index = 0; index < size; ++index) {
         if (!isSurrogateAt(bytes, index, size))
             continue;
-        text += QString::fromUtf8(bytes + begin, index - begin);
+        text += fromWholeUtf8(bytes + begin, index - begin);
         text += QChar(0xD000 | ((bytes[index + 1] & 0x3F) << 6) | (bytes[index + 2] & 0x3F));
         begin = index + 3;
         index += 2;
     }
-    return text + QString::fromUtf8(bytes + begin, size - begin);
+    return text + fromWholeUtf8(bytes + begin, size - begin);
 }
 
 }  // namespace Tamrix

@@ -12,12 +12,12 @@ namespace {
 /// How soon the language is told once more.
 constexpr std::chrono::milliseconds repetition{20};
 
-std::atomic<void (*)()> s_expired{nullptr};
+std::atomic<TimeLimit::Expired> s_expired{nullptr};
 
 void handleSignal(int) {
     const int before = errno;
     // A signal that comes late finds nobody to tell.
-    if (void (*const expired)() = s_expired)
+    if (const TimeLimit::Expired expired = s_expired)
         expired();
     errno = before;
 }
@@ -36,8 +36,15 @@ bool setHandler() {
 
 }  // namespace
 
-TimeLimit::TimeLimit(std::chrono::milliseconds time, void (*expired)()) {
-    if (s_expired || !setHandler())
+TimeLimit::TimeLimit(std::chrono::milliseconds time, Expired expired) : TimeLimit(expired) {
+    if (!m_isArmed)
+        return;
+    const itimerspec times{toTimeSpec(repetition), toTimeSpec(time)};
+    timer_settime(m_timer, 0, &times, nullptr);
+}
+
+TimeLimit::TimeLimit(Expired expired) {
+    if (!setHandler())
         return;
     // The signal goes to this thread, so that it ends what the thread waits for.
     sigevent event = {};
@@ -47,16 +54,23 @@ TimeLimit::TimeLimit(std::chrono::milliseconds time, void (*expired)()) {
     if (timer_create(CLOCK_MONOTONIC, &event, &m_timer) != 0)
         return;
     m_isArmed = true;
-    s_expired = expired;
-    const itimerspec times{toTimeSpec(repetition), toTimeSpec(time)};
-    timer_settime(m_timer, 0, &times, nullptr);
+    m_outer = s_expired.exchange(expired);
 }
 
 TimeLimit::~TimeLimit() {
     if (!m_isArmed)
         return;
-    s_expired = nullptr;
+    s_expired = m_outer;
     timer_delete(m_timer);
+}
+
+void TimeLimit::expire() {
+    m_wasExpired = true;
+    if (!m_isArmed)
+        return;
+    // A time of nothing would stop the timer.
+    const itimerspec times{toTimeSpec(repetition), {0, 1}};
+    timer_settime(m_timer, 0, &times, nullptr);
 }
 
 bool TimeLimit::isArmed() {

@@ -73,6 +73,36 @@ QStringList orderedProperties(const ObjectName& name) {
     return first + last;
 }
 
+/// The line that begins the module of a map's variables, as far as it may not be written otherwise:
+/// "module Names", "package names". Empty in languages where the file is the module.
+QString moduleLine(const ScriptNotation& notation) {
+    for (const QString& line : notation.heading.split('\n')) {
+        static const QRegularExpression s_end(QStringLiteral("[;{].*"));
+        if (!line.startsWith(notation.comment.trimmed()))
+            return QString(line).remove(s_end).simplified();
+    }
+    return {};
+}
+
+bool isSetIn(const QString& line) {
+    return !line.isEmpty() && line.at(0).isSpace();
+}
+
+/// Whether the last block that a script ends is the module.
+bool isModuleLast(const ScriptNotation& notation, const QString& script) {
+    const QString begin = moduleLine(notation);
+    if (begin.isEmpty() || notation.indent.isEmpty())
+        return true;
+    QString last;
+    for (const QString& line : script.split('\n')) {
+        const bool isOther = isSetIn(line) || line.startsWith(notation.comment.trimmed()) ||
+                             line.trimmed() == notation.ending.trimmed();
+        if (!isOther && !line.isEmpty())
+            last = line.simplified();
+    }
+    return last.startsWith(begin);
+}
+
 }  // namespace
 
 QString keyOfVariable(const QString& variable) {
@@ -134,16 +164,36 @@ QString indentedLines(const ScriptNotation& notation, const QString& lines) {
     return indented.join('\n');
 }
 
+bool hasModule(const ScriptNotation& notation, const QString& script) {
+    const QString begin = moduleLine(notation);
+    const QStringList lines = script.split('\n');
+    return begin.isEmpty() || std::any_of(lines.begin(), lines.end(), [&](const QString& line) {
+               return line.simplified().startsWith(begin);
+           });
+}
+
+bool isInModule(const ScriptNotation& notation, const QString& script, const QString& variable) {
+    const int line = definitionLines(notation, script).value(variable);
+    // Where the module is a block, what stands in it is set in.
+    return notation.indent.isEmpty() || line == 0 || isSetIn(script.split('\n').at(line - 1));
+}
+
 QByteArray withWrittenEntry(const ScriptNotation& notation, const QByteArray& content,
                             const QString& entry) {
     const QByteArray ending = notation.ending.trimmed().toUtf8();
     const QByteArray written = content.trimmed();
     const int start = content.lastIndexOf(ending);
+    const QString script = QString::fromUtf8(content);
     const bool hasEnding = !ending.isEmpty() && written.endsWith(ending) &&
-                           (start == 0 || content.at(start - 1) == '\n');
-    if (!hasEnding)
-        return withEntry(content, entry);
-    return withEntry(content.left(start), indentedLines(notation, entry)) + content.mid(start);
+                           (start == 0 || content.at(start - 1) == '\n') &&
+                           isModuleLast(notation, script);
+    if (hasEnding)
+        return withEntry(content.left(start), indentedLines(notation, entry)) + content.mid(start);
+    const bool isBlock = !notation.indent.isEmpty() && !moduleLine(notation).isEmpty();
+    if (isBlock && hasModule(notation, script))
+        return withEntry(content, moduleLine(notation) + '\n' + indentedLines(notation, entry) +
+                                      '\n' + notation.ending.trimmed());
+    return withEntry(content, entry);
 }
 
 QMap<QString, int> definitionLines(const ScriptNotation& notation, const QString& script) {

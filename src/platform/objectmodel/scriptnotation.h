@@ -81,8 +81,17 @@ TAMRIX_EXPORT QString writtenEntry(const ScriptNotation& notation, const QString
 /// Lines as they stand between heading and ending.
 TAMRIX_EXPORT QString indentedLines(const ScriptNotation& notation, const QString& lines);
 
-/// The text of a script with an entry of whole lines behind its last one, but in front of the
-/// ending, and with the script's line ends.
+/// Whether variables of a script stand in the module that the heading begins: "module Names",
+/// "package names". A person may have written them without one. True in languages where the file is
+/// the module.
+TAMRIX_EXPORT bool hasModule(const ScriptNotation& notation, const QString& script);
+/// Whether this variable stands in it, in a script that has one.
+TAMRIX_EXPORT bool isInModule(const ScriptNotation& notation, const QString& script,
+                              const QString& variable);
+
+/// The text of a script with an entry of whole lines behind its last one, and with the script's
+/// line ends: in front of the ending, or where that ends something else than the module, in the
+/// module once more, from where all variables can be seen.
 TAMRIX_EXPORT QByteArray withWrittenEntry(const ScriptNotation& notation, const QByteArray& content,
                                           const QString& entry);
 

@@ -89,6 +89,10 @@ void Engine::requestEnd(End reason) {
     JS_RequestInterruptCallbackCanWait(m_context);
 }
 
+void Engine::forgetRequest(End reason) {
+    s_requestedEnd.compare_exchange_strong(reason, End::None);
+}
+
 void Engine::requestStop() {
     s_isStopRequested = true;
     JS_RequestInterruptCallbackCanWait(m_context);

@@ -20,7 +20,7 @@ public:
     JobQueue& jobs() { return *m_jobs; }
 
     /// What ended running code that no `catch` can stop.
-    enum class End { None, Interrupt, Memory, Exit };
+    enum class End { None, Interrupt, Memory, Exit, TimeLimit };
     /// Tells it once.
     End takeEnd() { return std::exchange(m_end, End::None); }
     /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
@@ -34,6 +34,8 @@ public:
     // What a signal handler may call: the engine notices it at its next loop or call.
     /// Ends the running code.
     void requestEnd(End reason);
+    /// Such a request has no effect any more, if it is still to come.
+    void forgetRequest(End reason);
     /// Has `stop` called where the script is.
     void requestStop();
     void setStopHandler(void (*stop)()) { m_stop = stop; }

@@ -25,7 +25,7 @@ constexpr struct {
 
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
 constexpr const char* endTexts[] = {"The script was ended", "Interrupted", "Out of memory",
-                                    "The script ended with exit(%1)"};
+                                    "The script ended with exit(%1)", "The time is over"};
 
 /// An error of a class of the namespace `tamrix`, or of one of the language when there is none.
 JSObject* newError(const char* own, JSProtoKey builtIn, const QString& text) {

@@ -223,6 +223,10 @@ void JavaScriptDebugger::breakPointsChanged() {
     });
 }
 
+void JavaScriptDebugger::stopSoon() {
+    Engine::self().requestStop();
+}
+
 void JavaScriptDebugger::enterSilence() {
     ask([] { turn("setSilent", true); });
 }

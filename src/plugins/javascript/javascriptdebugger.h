@@ -20,9 +20,6 @@ class JavaScriptDebugger final : public LanguageDebugger {
 public:
     explicit JavaScriptDebugger(JavaScriptInterpreter& interpreter);
 
-    /// Stops where the script is. Only sets flags.
-    void interrupt() override { Engine::self().requestStop(); }
-
     /// The interpreter runs in another realm now.
     void realmChanged();
     /// What is pending has ended the script: stops if the debugger has not done so before, as for
@@ -59,6 +56,7 @@ protected:
     void breakPointsChanged() override;
     /// Lets the engine tell what the mode wants.
     void modeChanged() override;
+    void stopSoon() override;
 
 private:
     void watch();

@@ -66,6 +66,8 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    TimeLimit::Expired endOfEvaluation() override;
+    void forgetEndOfEvaluation() override;
     void errorUncaught() override { m_debugger.errorUncaught(); }
 
 private:

@@ -1,5 +1,6 @@
 #include "plugins/javascript/jobqueue.h"
 
+#include <js/GCAPI.h>
 #include <jsfriendapi.h>
 
 namespace Tamrix::JavaScriptPlugin {

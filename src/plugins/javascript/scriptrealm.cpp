@@ -91,7 +91,8 @@ JSObject* newGlobal() {
     static constexpr JSClass s_class = {
         "global", JSCLASS_GLOBAL_FLAGS, &JS::DefaultGlobalClassOps, nullptr, nullptr, nullptr};
     JS::RealmOptions options;
-    options.creationOptions().setNewCompartmentAndZone();
+    options.creationOptions().setNewCompartmentAndZone().setWeakRefsEnabled(
+        JS::WeakRefSpecifier::EnabledWithoutCleanupSome);
     return checked(
         JS_NewGlobalObject(engineContext(), &s_class, nullptr, JS::FireOnNewGlobalHook, options));
 }

@@ -167,6 +167,8 @@ CodeEnd CaseInterpreter::evaluateText(const QString& text, const QString& fileNa
     pTHX = perl();
     SV* const flag = get_sv("tamrix::isCompiled", GV_ADD);
     sv_setiv(flag, 0);
+    if (text.contains(QLatin1String("\n__DATA__")) || text.contains(QLatin1String("\n__END__")))
+        callOwn(aTHX_ "tamrix::_openData", {toPerl(aTHX_ text)});
     const SvRef code =
         withPlace(aTHX_ text, fileName.isEmpty() ? QByteArray() : codeFileOf(m_files, fileName));
     CodeEnd end = evaluateCode(aTHX_ code.get());
@@ -240,6 +242,14 @@ LanguageInterpreter::CallEnd CaseInterpreter::call(const SharedPtr<ScriptArgumen
 QString CaseInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
     pTHX = perl();
     return evaluateInFrame(aTHX_ frame ? std::any_cast<CodeFrame>(frame->own) : CodeFrame(), code);
+}
+
+TimeLimit::Expired CaseInterpreter::endOfEvaluation() {
+    return requestTimeLimit;
+}
+
+void CaseInterpreter::forgetEndOfEvaluation() {
+    takeTimeExpired();
 }
 
 LineInfo CaseInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {

@@ -29,7 +29,7 @@ QString textOfBytes(pTHX_ const char* bytes, STRLEN size, bool isUtf8) {
     if (!isUtf8)
         return QString::fromLatin1(bytes, static_cast<int>(size));
     if (is_strict_utf8_string(reinterpret_cast<const U8*>(bytes), size))
-        return QString::fromUtf8(bytes, static_cast<int>(size));
+        return fromWholeUtf8(bytes, static_cast<int>(size));
     return fromLooseUtf8(bytes, static_cast<int>(size));
 }
 

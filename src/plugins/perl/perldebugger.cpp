@@ -28,7 +28,7 @@ void PerlDebugger::leaveSilence() {
     m_errorsAside.reset();
 }
 
-void PerlDebugger::interrupt() {
+void PerlDebugger::stopSoon() {
     requestOfScript(Request::Stop);
 }
 

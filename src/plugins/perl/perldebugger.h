@@ -18,9 +18,6 @@ public:
     ~PerlDebugger() override;
 
     void setInteractive(bool interactive) override;
-    /// Stops between two operations. Only sets flags.
-    void interrupt() override;
-
     /// An exception is on its way: stops when nothing will catch it.
     void errorPasses(pTHX_ SV* exception);
     std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
@@ -31,6 +28,7 @@ protected:
     std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
+    void stopSoon() override;
 
 private:
     void statementReached(pTHX_ const COP* statement) override;

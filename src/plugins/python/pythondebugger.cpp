@@ -4,7 +4,7 @@
 
 #include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/exceptionhandlers.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/pythonsignals.h"
 #include "plugins/python/scriptcall.h"
@@ -15,54 +15,10 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Keeps an exception that is on its way while the debugger asks Python something.
-class ErrorAside {
-public:
-    ErrorAside() { PyErr_Fetch(&m_type, &m_value, &m_traceback); }
-    ~ErrorAside() {
-        if (m_type)
-            PyErr_Restore(m_type, m_value, m_traceback);
-    }
-    ErrorAside(const ErrorAside&) = delete;
-    ErrorAside& operator=(const ErrorAside&) = delete;
-
-private:
-    PyObject* m_type = nullptr;
-    PyObject* m_value = nullptr;
-    PyObject* m_traceback = nullptr;
-};
-
-PyRef runningFrame() {
-    return PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
-}
-
-PyRef nextOutwards(const PyRef& frame) {
-    return PyRef::steal(reinterpret_cast<PyObject*>(
-        PyFrame_GetBack(reinterpret_cast<PyFrameObject*>(frame.get()))));
-}
-
 bool isOneOf(PyObject* exception, std::initializer_list<PyObject*> types) {
     return std::any_of(types.begin(), types.end(), [exception](PyObject* type) {
         return PyErr_GivenExceptionMatches(exception, type) != 0;
     });
-}
-
-/// Whether Python itself, which has no frames, may be waiting for the exception as an answer: code
-/// of an operator such as `__getitem__`, or an attribute that somebody asks after.
-bool mayBeAnswer(PyObject* exception, const PyRef& code) {
-    auto* const object = reinterpret_cast<PyCodeObject*>(code.get());
-    const QString name = fromPyString(object->co_name);
-    if (name.startsWith("__") && name.endsWith("__"))
-        return name != "__init__" && name != "__call__" && name != "__enter__";
-    if (!isOneOf(exception, {PyExc_AttributeError}))
-        return false;
-    for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(object->co_names); ++index) {
-        PyObject* const used = PyTuple_GET_ITEM(object->co_names, index);
-        if (PyUnicode_CompareWithASCIIString(used, "hasattr") == 0 ||
-            PyUnicode_CompareWithASCIIString(used, "getattr") == 0)
-            return true;
-    }
-    return false;
 }
 
 PyObject* stopAtNextLine(PyObject*, PyObject*) {
@@ -95,7 +51,7 @@ void PythonDebugger::setDebuggerMode(DbgMode mode) {
     m_hook.redecide();
 }
 
-void PythonDebugger::interrupt() {
+void PythonDebugger::stopSoon() {
     // Python goes on to where it can be told.
     PyErr_SetInterruptEx(stopSignal());
 }
@@ -209,14 +165,6 @@ Debugger::VariableBindings PythonDebugger::variables(const QString& path) {
 
 // Errors
 
-PythonDebugger::CatchesErrors::CatchesErrors(PythonDebugger& debugger) : m_debugger(debugger) {
-    m_debugger.m_catching.push_back(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
-}
-
-PythonDebugger::CatchesErrors::~CatchesErrors() {
-    m_debugger.m_catching.pop_back();
-}
-
 void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
     // Some are no errors, and some are asked for by what can't be seen here.
     if (!stopsForErrors() || exception == m_toldError.get() ||
@@ -224,22 +172,13 @@ void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
         isOneOf(exception, {PyExc_StopIteration, PyExc_StopAsyncIteration, PyExc_GeneratorExit,
                             PyExc_SystemExit, PyExc_KeyboardInterrupt}))
         return;
-    if (!isCaught(exception, traceback))
+    const RecursionRoom room;
+    const bool isCaught =
+        areErrorsCaught() ||
+        callOwn("handlers", "is_caught", exception, traceback ? traceback : Py_None).get() ==
+            Py_True;
+    if (!isCaught)
         stopForError(exception, traceback);
-}
-
-bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
-    for (auto* entry = reinterpret_cast<PyTracebackObject*>(traceback); entry;
-         entry = entry->tb_next) {
-        if (mayBeAnswer(exception, frameCode(reinterpret_cast<PyObject*>(entry->tb_frame))))
-            return true;
-    }
-    for (PyRef frame = runningFrame(); frame; frame = nextOutwards(frame)) {
-        if (std::find(m_catching.begin(), m_catching.end(), frame.get()) != m_catching.end() ||
-            mayBeAnswer(exception, frameCode(frame.get())) || mayCatch(frame.get(), exception))
-            return true;
-    }
-    return false;
 }
 
 void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
@@ -247,23 +186,17 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
     if (framesOfError(traceback, m_python.files()).empty())
         return;
     m_toldError = PyRef::borrow(exception);
-    PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
-                  Py_XNewRef(traceback));
-    LanguageDebugger::stopForError(takeScriptError().message,
+    LanguageDebugger::stopForError(scriptErrorOf(exception, traceback).message,
                                    framesOfError(traceback, m_python.files()));
 }
 
 void PythonDebugger::errorUncaught() {
-    PyObject* type = nullptr;
-    PyObject* value = nullptr;
-    PyObject* traceback = nullptr;
-    PyErr_Fetch(&type, &value, &traceback);
-    PyErr_NormalizeException(&type, &value, &traceback);
-    if (stopsForErrors() && value && value != m_toldError.get() &&
-        !m_python.failures().isSkip(value) &&
-        !isOneOf(value, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
-        stopForError(value, traceback);
-    PyErr_Restore(type, value, traceback);
+    const ErrorAside aside;
+    PyObject* const exception = aside.exception();
+    if (stopsForErrors() && exception && exception != m_toldError.get() &&
+        !m_python.failures().isSkip(exception) &&
+        !isOneOf(exception, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
+        stopForError(exception, aside.traceback());
     m_toldError = PyRef();
     forgetTold();
 }

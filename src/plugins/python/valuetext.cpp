@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuepath.h"
-#include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythonsignals.h"
 #include "plugins/python/valuemembers.h"
@@ -27,7 +26,7 @@ bool writesAs(PyObject* value, const PyTypeObject& type) {
 /// Whether the representation of a key is code that gives the key.
 bool isWrittenAsCode(PyObject* key) {
     if (PyTuple_CheckExact(key)) {
-        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
+        for (const ContainerItem& item : containerItems(key, containerSize(key))) {
             if (!isWrittenAsCode(item.value.get()))
                 return false;
         }
@@ -85,12 +84,6 @@ void expired() {
     PyErr_SetInterruptEx(TimeLimit::signal());
 }
 
-void startTimeLimits() {
-    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
-    if (!timeLimitExceeded())
-        PyErr_Clear();
-}
-
 /// A text or bytes, cut before their representation is made.
 QString sliceText(PyObject* value) {
     const Py_ssize_t length = PyUnicode_Check(value) ? PyUnicode_GET_LENGTH(value)
@@ -109,12 +102,18 @@ QString sliceText(PyObject* value) {
 
 }  // namespace
 
+TimeLimit::Expired readyTimeLimit() {
+    setSignalHandler(TimeLimit::signal(), s_timeLimitHandler);
+    if (!timeLimitExceeded())
+        PyErr_Clear();
+    return expired;
+}
+
 PyRef timedRepresentation(PyObject* value) {
     constexpr std::chrono::seconds most{1};
-    startTimeLimits();
     PyRef text;
     {
-        const TimeLimit limit(most, expired);
+        const TimeLimit limit(most, readyTimeLimit());
         text = PyRef::steal(PyObject_Repr(value));
     }
     if (!text && PyErr_ExceptionMatches(timeLimitExceeded())) {
@@ -124,23 +123,23 @@ PyRef timedRepresentation(PyObject* value) {
     return text;
 }
 
-QString PythonTexts::typeNameOf(PyObject* value) {
-    const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
-    return name.mid(name.lastIndexOf('.') + 1);
-}
-
 ValueTexts::Value PythonTexts::partNamed(const Value& value, const QString& name) {
-    PyRef found = memberNamed(objectOf(value), name);
-    if (!found)
-        return {};
-    return new PythonArgument(std::move(found));
+    PyObject* const own = objectOf(value);
+    if (PyDict_Check(own)) {
+        // Whoever writes the path may write keys in another way than they are listed.
+        const QString text = name.startsWith('[') ? name : textOfPathPart(name);
+        const PyRef found = callOwn("evaluation", "entry_of", own, toPyString(text));
+        if (found.get() != Py_None)
+            return new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(found.get(), 0)));
+    }
+    return ValueTexts::partNamed(value, name);
 }
 
 PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {
     PyObject* const object = objectOf(value);
     if (isContainer(object))
         return {static_cast<int>(containerSize(object)),
-                [this, depth, items = containerItems(object, 0, end)](int index) {
+                [this, depth, items = containerItems(object, end)](int index) {
                     const ContainerItem& item = items.at(static_cast<std::size_t>(index));
                     const Value part = new PythonArgument(item.value);
                     if (!item.key)
@@ -160,10 +159,6 @@ PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) 
 
 QString PythonTexts::keyText(PyObject* key, int depth) {
     return cut(text(new PythonArgument(PyRef::borrow(key)), depth + 1));
-}
-
-QString PythonTexts::nameOfKey(PyObject* key) {
-    return keyName(keyText(key, 0), isWrittenAsCode(key));
 }
 
 QString PythonTexts::text(const Value& own, int depth) {
@@ -198,7 +193,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
     PyObject* const value = objectOf(own);
     const Py_ssize_t count = containerSize(value);
     if (PyAnySet_Check(value) && count == 0)
-        return typeNameOf(value) + "()";
+        return own->typeName() + "()";
     const QString inner = partsText(own, depth);
     if (PyTuple_Check(value))
         return "(" + inner + (count == 1 ? ",)" : ")");
@@ -208,8 +203,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
 }
 
 QString PythonTexts::reprText(PyObject* value) {
-    startTimeLimits();
-    return scriptText(expired, [value]() -> std::optional<Outcome<QString>> {
+    return scriptText(readyTimeLimit(), [value]() -> std::optional<Outcome<QString>> {
         if (const PyRef text = PyRef::steal(PyObject_Repr(value)))
             return firstCharacters(text);
         const bool isExceeded =

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "interpreter/language/timelimit.h"
 #include "interpreter/language/valuetexts.h"
 #include "plugins/python/pyref.h"
 
@@ -11,17 +12,16 @@ namespace Tamrix::PythonPlugin {
 /// when it has raised something.
 PyRef timedRepresentation(PyObject* value);
 
+/// What ends running code when a TimeLimit calls it, with an exception that no `except Exception`
+/// catches. Called before there is an error, since nothing can be made ready then.
+TimeLimit::Expired readyTimeLimit();
+
 /// Writes Python's values by their representation, or in <> what there is instead of it. Their
 /// parts are elements, entries, or the attributes of an object, a class or a module.
 class PythonTexts final : public ValueTexts {
 public:
     Parts partsOf(const Value& value, int end, int depth = 0) override;
     Value partNamed(const Value& value, const QString& name) override;
-    /// The entry of a dictionary as it stands in paths: as code would ask for it.
-    QString nameOfKey(PyObject* key);
-
-    /// The name of the value's type, without its module.
-    static QString typeNameOf(PyObject* value);
 
 protected:
     QString text(const Value& value, int depth) override;

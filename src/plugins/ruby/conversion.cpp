@@ -55,13 +55,13 @@ QString fromRuby(VALUE text) {
                         encoding == rb_ascii8bit_encindex();
     if (isUtf8)
         return range == ENC_CODERANGE_VALID && encoding == rb_utf8_encindex()
-                   ? QString::fromUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
+                   ? fromWholeUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)))
                    : fromLooseUtf8(RSTRING_PTR(text), static_cast<int>(RSTRING_LEN(text)));
     const VALUE converted = protect([=] {
         return rb_str_encode(text, rb_enc_from_encoding(rb_utf8_encoding()),
                              ECONV_INVALID_REPLACE | ECONV_UNDEF_REPLACE, Qnil);
     });
-    return QString::fromUtf8(RSTRING_PTR(converted), static_cast<int>(RSTRING_LEN(converted)));
+    return fromWholeUtf8(RSTRING_PTR(converted), static_cast<int>(RSTRING_LEN(converted)));
 }
 
 QByteArray bytesOfRuby(VALUE text) {

@@ -47,7 +47,7 @@ RubyDebugger::RubyDebugger(RubyInterpreter& interpreter)
     m_errors = newTracePoint(RUBY_EVENT_RAISE);
 }
 
-void RubyDebugger::interrupt() {
+void RubyDebugger::stopSoon() {
     rb_postponed_job_register_one(0, stopAtNextLine, nullptr);
 }
 

@@ -19,8 +19,6 @@ class RubyDebugger final : public LanguageDebugger {
 public:
     explicit RubyDebugger(RubyInterpreter& interpreter);
 
-    /// Stops at the next line. Only asks Ruby for it.
-    void interrupt() override;
     void shutDown() override;
 
     /// Code of a file was compiled: an InstructionSequence, which holds that of its methods.
@@ -38,6 +36,7 @@ protected:
     std::unique_ptr<ValueTexts> makeValueTexts() override;
     void breakPointsChanged() override { updateTracePoints(); }
     void modeChanged() override { updateTracePoints(); }
+    void stopSoon() override;
 
 private:
     /// The code of one file, or of an `eval` that names it.

@@ -1,5 +1,7 @@
 #include "plugins/ruby/rubyinterpreter.h"
 
+#include <atomic>
+
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
 #include "plugins/ruby/holder.h"
@@ -18,6 +20,12 @@ namespace {
 
 /// Stands for the file of code that has none.
 const QString noFile = QStringLiteral("(init script)");
+
+std::atomic<bool> s_isEvaluationOver{false};
+
+VALUE isEvaluationOver(VALUE, VALUE, int, const VALUE*, VALUE) {
+    return s_isEvaluationOver ? Qtrue : Qfalse;
+}
 
 /// A method of the top level as an object; null without one. What every object has is none of the
 /// script's.
@@ -131,6 +139,8 @@ void RubyInterpreter::compileOnly(const QString& text, const QString& fileName) 
 bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {
     return runCode(!fileName.isEmpty(), [&] {
         throwPostponed();
+        if (!fileName.isEmpty())
+            RubyRuntime::self().openData(text, fileName);
         RubyRuntime::self().run(text, fileName.isEmpty() ? noFile : fileName);
     });
 }
@@ -163,11 +173,18 @@ QString RubyInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString&
     const VALUE binding =
         frame ? bindingOf(*frame) : rb_const_get(rb_cObject, rb_intern("TOPLEVEL_BINDING"));
     const VALUE shown = protect([=] {
-        const VALUE value = rb_funcall(binding, rb_intern("eval"), 3, text, file, INT2FIX(1));
-        return rb_funcall(rb_path2class("Tamrix::TimeLimit"), rb_intern("inspect_within"), 2, value,
-                          DBL2NUM(1));
+        const VALUE limits = rb_path2class("Tamrix::TimeLimit");
+        const VALUE isOver = rb_proc_new(isEvaluationOver, Qnil);
+        const VALUE value =
+            rb_funcall(limits, rb_intern("evaluate"), 4, text, binding, file, isOver);
+        return rb_funcall(limits, rb_intern("inspect_within"), 2, value, DBL2NUM(1));
     });
     return NIL_P(shown) ? QStringLiteral("<no representation: not in time>") : fromRuby(shown);
+}
+
+TimeLimit::Expired RubyInterpreter::endOfEvaluation() {
+    s_isEvaluationOver = false;
+    return [] { s_isEvaluationOver = true; };
 }
 
 LineInfo RubyInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {

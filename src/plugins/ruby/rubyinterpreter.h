@@ -47,6 +47,7 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    TimeLimit::Expired endOfEvaluation() override;
 
     void errorUncaught() override;
 

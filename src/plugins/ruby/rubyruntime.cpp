@@ -182,17 +182,31 @@ VALUE RubyRuntime::compile(const QString& text, const QString& fileName) {
         throwException(rb_eSyntaxError,
                        QStringLiteral("%1:%2: a NUL character, which no script may have")
                            .arg(fileName, QString::number(line)));
-    const VALUE source = toRuby(withoutCoding(text));
-    const VALUE file = toRuby(fileName);
-    const VALUE code = protect([=] {
-        const VALUE machine = rb_const_get(rb_cObject, rb_intern("RubyVM"));
-        const VALUE sequence = rb_const_get(machine, rb_intern("InstructionSequence"));
-        return rb_funcall(sequence, rb_intern("compile"), 4, source, file, file, INT2FIX(1));
-    });
+    const auto compiled = [file = toRuby(fileName)](const QString& written) {
+        const VALUE source = toRuby(written);
+        return protect([=] {
+            const VALUE machine = rb_const_get(rb_cObject, rb_intern("RubyVM"));
+            const VALUE sequence = rb_const_get(machine, rb_intern("InstructionSequence"));
+            return rb_funcall(sequence, rb_intern("compile"), 4, source, file, file, INT2FIX(1));
+        });
+    };
+    const QString written = withoutCoding(text);
+    VALUE code = compiled(written);
+    // Ruby keeps blocks END { } for the end of the process. They are those of at_exit.
+    static const QRegularExpression s_endBlock(QStringLiteral("^([ \\t]*)END([ \\t]*\\{)"),
+                                               QRegularExpression::MultilineOption);
+    const int blocks = written.count(s_endBlock);
+    if (blocks > 0 && textOf(callMethod(code, "disasm")).count("core#set_postexe") == blocks)
+        code = compiled(QString(written).replace(s_endBlock, QStringLiteral("\\1at_exit\\2")));
     m_compiledText = text;
     m_compiledFile = fileName;
     m_compiledCode = code;
     return code;
+}
+
+void RubyRuntime::openData(const QString& text, const QString& fileName) {
+    if (text.contains(QLatin1String("\n__END__")))
+        callMethod(m_state, "open_data", toRuby(fileName));
 }
 
 VALUE RubyRuntime::run(const QString& text, const QString& fileName) {

@@ -48,6 +48,8 @@ public:
     /// A test case has ended: module path, constants, methods, variables, threads, handlers and
     /// what else scripts have changed becomes as it was.
     void restoreState() { keepState("restore"); }
+    /// What stands behind the end of a script's code, "__END__", is what it reads as DATA.
+    void openData(const QString& text, const QString& fileName);
     void runExitBlocks() { keepState("run_exit_blocks"); }
 
     /// What is looked into for modules, in front of Ruby's own.

@@ -122,7 +122,7 @@ void TclDebugger::commandReached(int depth) {
 // Frames
 
 std::vector<ScriptFrame> TclDebugger::runningFrames() {
-    return scriptFrames(m_tcl.frames());
+    return scriptFrames(m_tcl.framesOrProcedure());
 }
 
 std::unique_ptr<ValueTexts> TclDebugger::makeValueTexts() {

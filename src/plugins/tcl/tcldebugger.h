@@ -19,8 +19,6 @@ public:
     explicit TclDebugger(TclInterpreter& interpreter);
 
     void setInteractive(bool interactive) override;
-    /// Stops at the next line. Only sets a flag.
-    void interrupt() override { m_isInterrupted = true; }
 
     /// The interpreter of Tcl is about to go, or another one is there.
     void leaveTcl();
@@ -36,6 +34,7 @@ public:
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     std::unique_ptr<ValueTexts> makeValueTexts() override;
+    void stopSoon() override { m_isInterrupted = true; }
 
 private:
     static int traceCommand(void* self, Tcl_Interp* interp, int level, const char* text,

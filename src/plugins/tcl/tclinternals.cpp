@@ -203,11 +203,32 @@ std::vector<TclFrame> framesOf(const CmdFrame* frame, const Interp& own,
     return found;
 }
 
+/// Where a procedure was defined.
+std::optional<Place> placeOfProcedure(const Interp& interp, const Proc* procedure) {
+    const Tcl_HashEntry* const entry =
+        procedure ? Tcl_FindHashEntry(interp.linePBodyPtr, reinterpret_cast<const char*>(procedure))
+                  : nullptr;
+    const auto* const body =
+        entry ? static_cast<const CmdFrame*>(Tcl_GetHashValue(entry)) : nullptr;
+    if (!body || body->type != TCL_LOCATION_SOURCE || !body->line || !body->data.eval.path)
+        return std::nullopt;
+    return Place{body->data.eval.path, body->line[0]};
+}
+
 }  // namespace
 
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp) {
     const Interp& own = *reinterpret_cast<Interp*>(interp);
     return framesOf(own.cmdFramePtr, own, {});
+}
+
+TclFrame runningProcedure(Tcl_Interp* interp) {
+    const Interp& own = *reinterpret_cast<Interp*>(interp);
+    for (const CallFrame* frame = own.framePtr; frame; frame = frame->callerVarPtr) {
+        if (const std::optional<Place> place = placeOfProcedure(own, frame->procPtr))
+            return {levelOf(frame), textOf(place->path), place->line, nullptr};
+    }
+    return {};
 }
 
 std::optional<TclPlace> innermostPlace(Tcl_Interp* interp) {
@@ -228,6 +249,22 @@ std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command
         return framesOf(frame->nextPtr, own,
                         {Place{frame->data.eval.path, own.errorLine}, frame->framePtr});
     return framesOf(frame, own, {placeOfFailure(own, command), own.framePtr});
+}
+
+bool hasLateErrors(Tcl_Interp* interp) {
+    // As Tcl keeps them for an interpreter, in no header at all.
+    struct LateErrors {
+        Tcl_Interp* interp;
+        Tcl_Obj* handler;
+        void* first;
+        void* last;
+    };
+    const void* const errors = Tcl_GetAssocData(interp, "tclBgError", nullptr);
+    return errors && static_cast<const LateErrors*>(errors)->first;
+}
+
+void forgetCancellation(Tcl_Interp* interp) {
+    reinterpret_cast<Interp*>(interp)->flags &= ~(CANCELED | TCL_CANCEL_UNWIND);
 }
 
 int commandDepth(Tcl_Interp* interp) {
@@ -266,14 +303,9 @@ int evaluateFile(Tcl_Interp* interp, const QString& text, const QString& path) {
 
 TclFrame definitionOf(Tcl_Interp* interp, const char* procedure) {
     const Interp& own = *reinterpret_cast<Interp*>(interp);
-    const Proc* const proc = TclFindProc(reinterpret_cast<Interp*>(interp), procedure);
-    const Tcl_HashEntry* const entry =
-        proc ? Tcl_FindHashEntry(own.linePBodyPtr, reinterpret_cast<const char*>(proc)) : nullptr;
-    const auto* const body =
-        entry ? static_cast<const CmdFrame*>(Tcl_GetHashValue(entry)) : nullptr;
-    if (!body || body->type != TCL_LOCATION_SOURCE || !body->line || !body->data.eval.path)
-        return {};
-    return {0, textOf(body->data.eval.path), body->line[0], nullptr};
+    const std::optional<Place> place =
+        placeOfProcedure(own, TclFindProc(reinterpret_cast<Interp*>(interp), procedure));
+    return place ? TclFrame{0, textOf(place->path), place->line, nullptr} : TclFrame();
 }
 
 bool isProcedure(Tcl_Interp* interp, const char* name) {

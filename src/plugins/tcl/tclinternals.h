@@ -27,6 +27,9 @@ struct TclFrame {
 /// of the code that runs with them, such as the bodies of loops, the innermost command counts that
 /// is in a file. Code that was put together as a text stands where it is evaluated.
 std::vector<TclFrame> runningFrames(Tcl_Interp* interp);
+/// Where the innermost procedure of a file was defined that runs, for code of which no command is
+/// known, as for what a trace of a variable runs; a line of -1 without one.
+TclFrame runningProcedure(Tcl_Interp* interp);
 /// Where the innermost of these is, without what takes time to tell.
 struct TclPlace {
     int level = 0;
@@ -36,6 +39,13 @@ struct TclPlace {
 std::optional<TclPlace> innermostPlace(Tcl_Interp* interp);
 /// The frames while an error is being noted that a command has raised, whose source begins so.
 std::vector<TclFrame> framesAtError(Tcl_Interp* interp, std::string_view command);
+
+/// Whether errors of handlers of Tcl's own events wait to be told, which Tcl does when it has
+/// nothing else to do.
+bool hasLateErrors(Tcl_Interp* interp);
+
+/// Commands run again, although it was told to leave all that ran by then.
+void forgetCancellation(Tcl_Interp* interp);
 
 /// How many commands run in each other.
 int commandDepth(Tcl_Interp* interp);

@@ -70,6 +70,8 @@ const char* nameOfError(std::string_view errorCode) {
 /// The text of the panic behind which nothing of Tcl can run any more in this process: what it
 /// keeps for the whole process may be broken.
 QString s_panic;
+/// Where the script of this process was by then.
+std::vector<LineInfo> s_panicStack;
 
 struct OwnCommand {
     TclInterpreter& interpreter;
@@ -346,6 +348,12 @@ auto TclInterpreter::guarded(Work work) {
     } catch (const TclPanic& panic) {
         s_panic = QStringLiteral("Tcl gave up: ") + QString::fromUtf8(panic.what());
         spoilProcess();
+        // What ran is left as it stands, with its frames. Nothing of Tcl is run for them.
+        try {
+            s_panicStack = stackOf(framesOrProcedure());
+        } catch (const std::exception&) {
+            s_panicStack.clear();
+        }
         throw ScriptErrorSet();
     }
 }
@@ -383,10 +391,19 @@ TclInterpreter::CallEnd TclInterpreter::call(const SharedPtr<ScriptArgument>& fu
     const QScopedValueRollback<int> boundary = m_debugger->boundary();
     return runCall(isCallback, [&] {
         const auto work = [&] { run(valueOf(function), arguments); };
-        if (isCallback)
+        if (isCallback) {
             work();
-        else
-            guarded(work);
+            return;
+        }
+        guarded([&] {
+            try {
+                work();
+            } catch (const ScriptErrorSet&) {
+                tellLateErrors();
+                throw;
+            }
+            tellLateErrors();
+        });
     });
 }
 
@@ -413,6 +430,7 @@ ScriptError TclInterpreter::takeError() {
     ScriptError error;
     if (!s_panic.isEmpty()) {
         error.message = s_panic;
+        error.callStack = s_panicStack;
         return error;
     }
     // What has unwound everything for it is no error of its own.
@@ -449,6 +467,13 @@ ScriptError TclInterpreter::takeError() {
     m_called = TclRef();
     Tcl_ResetResult(m_tcl);
     return error;
+}
+
+void TclInterpreter::tellLateErrors() {
+    // What a script leaves when it ends is told all the same.
+    while (!TclRuntime::self().isEnding() && hasLateErrors(m_tcl) &&
+           Tcl_DoOneEvent(TCL_IDLE_EVENTS | TCL_DONT_WAIT) != 0) {
+    }
 }
 
 int TclInterpreter::takeLateError(Tcl_Obj* result, Tcl_Obj* options) {
@@ -516,6 +541,11 @@ std::vector<TclFrame> TclInterpreter::framesOfScripts(const std::vector<TclFrame
     return found;
 }
 
+std::vector<TclFrame> TclInterpreter::framesOrProcedure() {
+    std::vector<TclFrame> found = frames();
+    return found.empty() ? framesOfScripts({runningProcedure(m_tcl)}) : found;
+}
+
 // What a debugger asks
 
 QString TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
@@ -523,6 +553,16 @@ QString TclInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& 
     return guarded([&] {
         return textOf(callPrelude({"evaluate", QString::number(level), code.trimmed()}).get());
     });
+}
+
+TimeLimit::Expired TclInterpreter::endOfEvaluation() {
+    return [] { TclRuntime::self().requestEndOfEvaluation(); };
+}
+
+void TclInterpreter::forgetEndOfEvaluation() {
+    // What ends the script as well is more.
+    if (!TclRuntime::self().isEnding())
+        forgetCancellation(m_tcl);
 }
 
 }  // namespace Tamrix::TclPlugin

@@ -96,6 +96,8 @@ public:
     QString errorText() const;
     /// The frames that run commands of scripts, the innermost first.
     std::vector<TclFrame> frames() { return framesOfScripts(runningFrames(m_tcl)); }
+    /// The same, and the running procedure where no command is known.
+    std::vector<TclFrame> framesOrProcedure();
     /// Without those of Tcl's library, and with the paths that results have.
     std::vector<TclFrame> framesOfScripts(const std::vector<TclFrame>& frames);
 
@@ -116,6 +118,8 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
+    TimeLimit::Expired endOfEvaluation() override;
+    void forgetEndOfEvaluation() override;
 
 private:
     void createTcl();
@@ -124,6 +128,7 @@ private:
     QByteArray pathForName(const QString& name);
     /// What a handler of an event has raised, by `result` and `options`, is an error of the case,
     /// and an end of the script ends it.
+    void tellLateErrors();
     int takeLateError(Tcl_Obj* result, Tcl_Obj* options);
     /// Runs code of the script from outside. Throws ScriptErrorSet as that does, and when Tcl gives
     /// up.

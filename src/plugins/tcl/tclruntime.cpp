@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "interpreter/language/interrupts.h"
+#include "interpreter/language/timelimit.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -40,7 +41,16 @@ TclRuntime::TclRuntime() {
     Tcl_SetPanicProc(panic);
     Tcl_FindExecutable(nullptr);
     m_handler = Tcl_AsyncCreate(endInterrupted, nullptr);
+    m_evaluationHandler = Tcl_AsyncCreate(endEvaluation, nullptr);
     handleInterrupts(interrupted);
+}
+
+int TclRuntime::endEvaluation(void*, Tcl_Interp*, int code) {
+    Tcl_Interp* const interp = self().m_interruptible;
+    // A signal that comes late finds nobody to end. Commands that catch errors are ended, too.
+    if (interp && TimeLimit::isArmed())
+        Tcl_CancelEval(interp, Tcl_NewStringObj(endText, -1), nullptr, TCL_CANCEL_UNWIND);
+    return code;
 }
 
 void TclRuntime::endScript() {

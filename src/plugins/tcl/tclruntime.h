@@ -36,13 +36,18 @@ public:
         if (m_interruptible)
             Tcl_AsyncMark(m_handler);
     }
-    /// The same at once, on the thread of the scripts.
+    /// Ends code that is evaluated, as long as a TimeLimit exists. In a signal handler.
+    void requestEndOfEvaluation() { Tcl_AsyncMark(m_evaluationHandler); }
+    /// Ends the script at once, on the thread of the scripts.
     void endScript();
 
 private:
     TclRuntime();
 
+    static int endEvaluation(void*, Tcl_Interp*, int code);
+
     Tcl_AsyncHandler m_handler;
+    Tcl_AsyncHandler m_evaluationHandler;
     bool m_isEnding = false;
     std::atomic<Tcl_Interp*> m_interruptible{nullptr};
 };

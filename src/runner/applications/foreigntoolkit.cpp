@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "base/environment.h"
@@ -36,6 +37,17 @@ struct DrivenQt {
 };
 constexpr DrivenQt drivenVersions[] = {{5, 15, "/lib/libtamrixagent.so"},
                                        {6, 4, "/lib/libtamrixagent-qt6.so"}};
+
+/// Whether more wants to run than there are processors: a program that waits for another one, as
+/// for its X server, waits for long then.
+bool isMachineBusy() {
+    QFile file(QStringLiteral("/proc/loadavg"));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    // "0.20 0.18 0.12 RUNNING/ALL LAST"
+    const QByteArray running = file.readLine().split(' ').value(3).split('/').value(0);
+    return running.toInt() > static_cast<int>(std::thread::hardware_concurrency());
+}
 
 bool hasAgent(const QByteArray& maps) {
     return maps.contains("/libtamrixagent.so") || maps.contains("/libtamrixagent-qt6.so");
@@ -168,7 +180,7 @@ bool ForeignToolkitWatch::areBusy(const std::vector<pid_t>& processes) {
         time += std::max<qint64>(cpuTime(process), 0);
     }
     const qint64 used = time - std::exchange(m_cpuTime, time);
-    return isAnyRunnable || used > lookInterval / 4;
+    return isAnyRunnable || used > lookInterval / 4 || isMachineBusy();
 }
 
 QString ForeignToolkitWatch::look(const std::vector<pid_t>& processes) {

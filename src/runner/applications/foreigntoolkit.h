@@ -38,7 +38,8 @@ public:
     /// How long something may at least look to be in the agent's way, in milliseconds. On a busy
     /// machine it takes programs longer to start: twice as long as it took so far.
     static constexpr int patience = 1000;
-    /// The same for a program that works meanwhile, or waits for a processor: at most so long.
+    /// The same for a program that works meanwhile, or on a machine whose processors are all at
+    /// work: at most so long.
     static constexpr int busyPatience = 8000;
     static constexpr int lookInterval = 250;
 
@@ -49,7 +50,7 @@ public:
     QString look(const std::vector<pid_t>& processes);
 
 private:
-    /// Whether one of them has worked since the last look.
+    /// Whether one of them has worked since the last look, or may have been kept from it.
     bool areBusy(const std::vector<pid_t>& processes);
 
     QElapsedTimer m_sinceStart;

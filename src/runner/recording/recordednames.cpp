@@ -1,9 +1,6 @@
 #include "runner/recording/recordednames.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
-#include <QStringList>
-#include <algorithm>
 
 #include "base/utf8file.h"
 #include "interpreter/names/objectmaps.h"
@@ -26,28 +23,12 @@ private:
     QString m_name;
 };
 
-/// The line that begins the module of a map's variables, as far as it may not be written otherwise:
-/// "module Names", "package names". Empty in languages where the file is the module.
-QString moduleLine(const ScriptNotation& notation) {
-    for (const QString& line : notation.heading.split(u'\n')) {
-        static const QRegularExpression s_end(QStringLiteral("[;{].*"));
-        if (!line.startsWith(notation.comment.trimmed()))
-            return QString(line).remove(s_end).simplified();
-    }
-    return {};
-}
-
-/// Whether the variables of the map's file stand in their module: a person may have written them
-/// without one.
-bool hasModule(const QString& path) {
+/// The map as a script, and its text; null for a map that is none.
+const ScriptedObjectMap* scriptedMap(const QString& path, QString* text) {
     const auto* const map = dynamic_cast<const ScriptedObjectMap*>(ObjectMap::self());
-    const QString begin = map ? moduleLine(map->notation()) : QString();
     const Outcome<Utf8Text> content = readUtf8File(path);
-    if (begin.isEmpty() || !content)
-        return true;
-    const QStringList lines = content->text.split(u'\n');
-    return std::any_of(lines.begin(), lines.end(),
-                       [&](const QString& line) { return line.simplified().startsWith(begin); });
+    *text = content ? content->text : QString();
+    return content ? map : nullptr;
 }
 
 }  // namespace
@@ -66,7 +47,9 @@ Outcome<> RecordedNames::useMapOf(const QString& suiteDirectory) {
 
 QString RecordedNames::moduleFor(const QString& suffix) const {
     const QFileInfo file(m_file);
-    const bool isOwn = !m_file.isEmpty() && file.suffix() == suffix && hasModule(m_file);
+    QString text;
+    const auto* const map = m_file.isEmpty() ? nullptr : scriptedMap(m_file, &text);
+    const bool isOwn = file.suffix() == suffix && map && hasModule(map->notation(), text);
     return isOwn ? file.completeBaseName() : QString();
 }
 
@@ -79,8 +62,14 @@ QString RecordedNames::nameOf(const Wire::Query& query) {
         return realName;
     const Outcome<QString> key =
         ObjectMap::self()->add(SharedPtr<Object>(new NamedObject(realName)));
-    if (key)
-        return *key;
+    if (key) {
+        QString text;
+        const auto* const map = scriptedMap(m_file, &text);
+        // A variable beside the module is none that scripts find in it.
+        const bool isBeside = map && hasModule(map->notation(), text) &&
+                              !isInModule(map->notation(), text, variableOfKey(*key));
+        return isBeside ? QFileInfo(m_file).completeBaseName() + u'.' + variableOfKey(*key) : *key;
+    }
     // What the map does not have, the script does.
     m_result = fail(key.error());
     return realName;

@@ -15,7 +15,7 @@ public:
     Outcome<> useMapOf(const QString& suiteDirectory);
     /// The module that scripts in a language import for the names, by the suffix of its files;
     /// empty when the map is none of theirs, or its variables stand in no module: they are written
-    /// as texts.
+    /// as texts, and so are those beside the module.
     QString moduleFor(const QString& suffix) const;
     /// Empty for a name without criteria.
     QString nameOf(const Wire::Query& query);

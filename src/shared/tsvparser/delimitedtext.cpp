@@ -5,9 +5,26 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/utf8.h"
 #include "shared/tsvparser/plainutf8.h"
 
 namespace Tamrix {
+
+namespace {
+
+/// Whether a byte-order mark tells of an encoding with more than one byte for each character.
+bool isWide(const QByteArray& bytes) {
+    return bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff") ||
+           bytes.startsWith(QByteArray("\0\0\xfe\xff", 4));
+}
+
+/// The line, from 1, of the first byte that is no UTF-8; 0 without one.
+int lineOfFault(const QByteArray& bytes) {
+    const int length = validUtf8Length(bytes.begin(), bytes.end());
+    return length == bytes.size() ? 0 : bytes.left(length).count('\n') + 1;
+}
+
+}  // namespace
 
 DelimitedText::DelimitedText(const QByteArray& bytes) {
     const int begin = bytes.startsWith("\xef\xbb\xbf") ? 3 : 0;
@@ -21,6 +38,7 @@ DelimitedText::DelimitedText(const QByteArray& bytes) {
     stream.setCodec("UTF-8");
     m_decoded = stream.readAll();
     m_isDecoded = true;
+    m_faultyLine = isWide(bytes) ? 0 : lineOfFault(bytes);
 }
 
 std::shared_ptr<const DelimitedText> DelimitedText::read(QFile* file, QString* error) {

@@ -37,6 +37,10 @@ public:
                    static_cast<std::size_t>(m_bytes.size() - m_begin));
     }
 
+    /// The first line of the file, from 1, with bytes that are no UTF-8 although nothing tells of
+    /// another encoding; 0 without one.
+    int faultyLine() const { return m_faultyLine; }
+
     /// Why a text with a longer line than mostLineBytes can't be read.
     static QString tooLongLine();
 
@@ -49,6 +53,7 @@ private:
     /// Behind a byte-order mark.
     int m_begin = 0;
     bool m_isDecoded = false;
+    int m_faultyLine = 0;
 };
 
 inline QString decoded(const char* begin, const char* end) {

@@ -22,6 +22,9 @@ void TsvParser::open(const QString& path) {
     m_name = path;
     if (!m_text)
         giveUp(error);
+    else if (m_text->faultyLine() > 0)
+        qWarning("%s is no UTF-8 (line %d): what can't be read stands there as U+FFFD",
+                 m_name.toLocal8Bit().constData(), m_text->faultyLine());
 }
 
 void TsvParser::giveUp(const QString& error) {

@@ -20,7 +20,7 @@ public:
     explicit TsvParser(const QString& path);
 
     /// Reads another file. When that fails a warning tells why, and everything acts on an empty
-    /// file without a name.
+    /// file without a name. What is no UTF-8 is told, too.
     void open(const QString& path);
     /// Whether the file could be read.
     bool isOpen() const { return m_text != nullptr; }

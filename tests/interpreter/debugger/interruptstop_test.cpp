@@ -9,6 +9,7 @@
 
 #include "interpreter/debugger/interruptstop.h"
 #include "interpreter/debugger/testdebugger.h"
+#include "support/fakelanguage.h"
 
 namespace Tamrix {
 namespace {
@@ -19,6 +20,7 @@ using testing::KilledBySignal;
 /// Tells on standard error when it is stopped, and does then what the test wants.
 class InterruptedDebugger : public Test::TestDebugger {
 public:
+    explicit InterruptedDebugger(Interpreter* interpreter = nullptr) : TestDebugger(interpreter) {}
     bool stop() override {
         std::fprintf(stderr, "stop %d;", ++stops);
         if (interruptedAgain)
@@ -31,6 +33,16 @@ public:
     int stops = 0;
     bool interruptedAgain = false;
     bool resumes = false;
+};
+
+/// Evaluates code that is interrupted.
+class InterruptingInterpreter : public Test::FakeInterpreter {
+public:
+    InterruptingInterpreter() : FakeInterpreter(nullptr, Interpreter::Tcl) {}
+    bool evaluate(const QString&, const QString&, int, int) override {
+        std::raise(SIGINT);
+        return true;
+    }
 };
 
 void hostHandler(int) {
@@ -123,6 +135,29 @@ TEST(InterruptStop, ShutDownAndDestructionGiveTheSignalBackToTheHost) {
             std::exit(0);
         },
         ExitedWithCode(0), "^host;stop 1;host;$");
+}
+
+TEST(InterruptStop, OneWhileCodeIsEvaluatedIsTheCodes) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGINT, hostHandler);
+            InterruptingInterpreter interpreter;
+            InterruptedDebugger debugger(&interpreter);
+            // At a terminal all is then as it was,
+            tamrix_verbose_debugger = true;
+            debugger.evaluate("code");
+            std::raise(SIGINT);
+            debugger.run();
+            debugger.evaluate("code");
+            std::raise(SIGINT);
+            // and a program may send one late.
+            tamrix_verbose_debugger = false;
+            debugger.evaluate("code");
+            std::raise(SIGINT);
+            std::raise(SIGINT);
+            std::exit(0);
+        },
+        ExitedWithCode(0), "^stop 1;host;stop 2;stop 3;stop 4;stop 5;host;$");
 }
 
 TEST(InterruptStop, ShutDownOfAnotherDebuggerLeavesTheHandler) {

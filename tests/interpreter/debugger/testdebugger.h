@@ -7,7 +7,7 @@ namespace Tamrix::Test {
 /// A debugger without a language, for a script that stands still.
 class TestDebugger : public Debugger {
 public:
-    TestDebugger() : Debugger(nullptr) {}
+    explicit TestDebugger(Interpreter* interpreter = nullptr) : Debugger(interpreter) {}
 
     VariableBindings variables(const QString&) override { return {}; }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "interpreter/language/framesdebugger.h"
+#include "interpreter/language/timelimit.h"
 #include "support/printqt.h"
 #include "support/scriptedfrontend.h"
 
@@ -47,6 +48,17 @@ TEST_F(LanguageFrames, AFeatureWithoutAScriptIsTheOutermost) {
     debugger.pushFrameAndSetCurrent(2, 1, feature());
     debugger.enter("steps", 5);
     EXPECT_EQ(debugger.places(), QStringList({"steps:5", "orders.feature:2"}));
+}
+
+TEST_F(LanguageFrames, AnInterruptIsForWhatRuns) {
+    debugger.interrupt();
+    EXPECT_EQ(debugger.soonStops, 1);
+    TimeLimit code([] {});
+    debugger.exchangeEvaluation(&code);
+    debugger.interrupt();
+    EXPECT_EQ(debugger.exchangeEvaluation(nullptr), &code);
+    EXPECT_TRUE(code.wasExpired());
+    EXPECT_EQ(debugger.soonStops, 1);
 }
 
 TEST_F(LanguageFrames, StopAtBreakPointsAndForSteps) {

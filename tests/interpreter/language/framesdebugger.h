@@ -43,8 +43,10 @@ public:
     std::vector<ScriptFrame> running;
     std::map<QString, ScriptArgument::Map> variablesOfFiles;
     int silences = 0;
+    int soonStops = 0;
 
 protected:
+    void stopSoon() override { ++soonStops; }
     std::vector<ScriptFrame> runningFrames() override { return running; }
     std::unique_ptr<ValueTexts> makeValueTexts() override { return nullptr; }
     void enterSilence() override { ++silences; }

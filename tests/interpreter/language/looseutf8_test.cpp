@@ -8,12 +8,15 @@ namespace Tamrix {
 namespace {
 
 QString text(std::initializer_list<ushort> units) {
-    return QString::fromUtf16(units.begin(), static_cast<int>(units.size()));
+    // A byte-order mark is one of the characters.
+    return QString(reinterpret_cast<const QChar*>(units.begin()), static_cast<int>(units.size()));
 }
 
 TEST(LooseUtf8, KeepsLoneSurrogates) {
     const std::pair<QString, QByteArray> rows[] = {
         {QString(""), ""},
+        {text({0xFEFF, 0xFEFF, 'z', 0xFEFF}), "\xEF\xBB\xBF\xEF\xBB\xBFz\xEF\xBB\xBF"},
+        {text({0xFEFF, 0xD83D, 0xFEFF}), "\xEF\xBB\xBF\xED\xA0\xBD\xEF\xBB\xBF"},
         {text({'a', 0xE9, 0x20AC}), "a\xC3\xA9\xE2\x82\xAC"},
         {text({0xD83D, 0xDE00}), "\xF0\x9F\x98\x80"},
         {text({'a', 0xD83D}), "a\xED\xA0\xBD"},

@@ -65,7 +65,7 @@ TEST(ReadSource, TellsWhereItCantBeRead) {
     ASSERT_TRUE(writeFile(good, "const name = '\xC3\xA9';\n"));
     ASSERT_TRUE(writeFile(bad, "// one\nconst name = '\xE9';\n"));
     const Outcome<QString> text = readSource(good);
-    ASSERT_TRUE(text);
+    ASSERT_TRUE(text) << qPrintable(text.error().text);
     EXPECT_EQ(*text, QString::fromUtf8("const name = '\xC3\xA9';\n"));
     EXPECT_EQ(readSource(bad).error().text, bad + ":2: the file is not encoded in UTF-8");
     const QString missing = folder.filePath("missing.js");

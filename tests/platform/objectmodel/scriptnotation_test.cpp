@@ -103,6 +103,25 @@ TEST(ScriptNotation, EntriesStandWithinWhatTheScriptEndsWith) {
     for (const auto& row : rows)
         EXPECT_EQ(withWrittenEntry(block, row.before, "b {\n  c\n}"), row.after);
     EXPECT_EQ(withWrittenEntry(underscores, "a\nend", "b"), "a\nend\nb\n");
+    // A script may have more than its module, or none.
+    block.heading = "# Names\nmodule M\n";
+    const struct {
+        const char* before;
+        const char* after;
+    } mixed[] = {
+        {"module M\n  A = 1\nend\n", "module M\n  A = 1\n  b\nend\n"},
+        {"module M\nend\nC = 1\n", "module M\nend\nC = 1\nmodule M\n  b\nend\n"},
+        {"module M\nend\ndef f\nend\n", "module M\nend\ndef f\nend\nmodule M\n  b\nend\n"},
+        {"def f\nend\n# more\n\nmodule M # names\nend",
+         "def f\nend\n# more\n\nmodule M # names\n  b\nend"},
+        {"C = 1\ndef f\nend\n", "C = 1\ndef f\nend\nb\n"},
+    };
+    for (const auto& row : mixed)
+        EXPECT_EQ(withWrittenEntry(block, row.before, "b"), row.after);
+    const QString script = "module M\n  our $a = 1;\nend\nour $b = 2;\n";
+    EXPECT_TRUE(hasModule(block, script));
+    EXPECT_TRUE(isInModule(block, script, "a"));
+    EXPECT_FALSE(isInModule(block, script, "b"));
 }
 
 TEST(ScriptNotation, EntriesAreWrittenAndFound) {

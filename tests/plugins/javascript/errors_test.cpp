@@ -209,6 +209,9 @@ TEST_F(JavaScriptErrors, PromisesThatNobodyLooksAt) {
         {"await new Promise(done => { setTimeout(() => { throw 'd' }, 1); setTimeout(done, 20) })",
          "d"},
         {"test.compare(await Promise.all([1, Promise.resolve(2)]), [1, 2])", ""},
+        {"const ref = new WeakRef({a: 1}); await null;\n"
+         "if (!(ref.deref()?.a ?? 1)) throw ref",
+         ""},
     };
     for (const auto& row : rows) {
         ASSERT_EQ(run("async function main() {\n" + QString(row.body) + "\n}\n"), "");

@@ -180,7 +180,10 @@ TEST_F(PerlErrors, OutputStandsInOrder) {
                   "warn \"to err\\n\";\n"
                   "use feature 'say'; say \"\\x{e4}\\x{20ac}\"; say \"\\xc3\\xa4\";\n"
                   "die 'fileno' unless fileno(STDOUT) == 1 && fileno(STDERR) == 2;\n"
-                  "open my $old, '>&', \\*STDOUT or die; close STDOUT; print 'last';\n"),
+                  "open my $old, '>&', \\*STDOUT or die; close STDOUT; print 'last';\n"
+                  "open STDOUT, '>', \\my $text or die $!; print \"in a text\\n\"; close STDOUT;\n"
+                  "open STDOUT, '>&', $old or die $!; print \"back with $text\";\n"
+                  "open STDERR, '>&STDOUT' or die $!; print STDERR \"aside\\n\";\n"),
               "");
     QStringList seen;
     for (const ReportEntry& entry : report.entries) {
@@ -192,7 +195,19 @@ TEST_F(PerlErrors, OutputStandsInOrder) {
     }
     EXPECT_EQ(seen, (QStringList{"stdout:one two\n", "stdout:a-b!\n", "stdout:007", ":between",
                                  "stderr:to err\n", QString::fromUtf8("stdout:ä€\n"),
-                                 QString::fromUtf8("stdout:ä\n"), "stdout:last"}));
+                                 QString::fromUtf8("stdout:ä\n"),
+                                 "stdout:lastback with in a text\n", "stdout:aside\n"}));
+}
+
+TEST_F(PerlErrors, DataIsWhatStandsBehindTheCode) {
+    EXPECT_EQ(run("my @lines = <DATA>; chomp @lines; test::log(join '|', @lines);\n"
+                  "test::log(fileno(DATA) // 'none');\n__DATA__\n"
+                  "first\n\xc3\xa4 __END__\n__END__\n"),
+              "");
+    EXPECT_EQ(results().value(0), QString::fromUtf8("7 first|\xc3\xa4 __END__|__END__: "));
+    // Of each script its own.
+    EXPECT_EQ(run("test::log(scalar <DATA>)\n__END__\nsecond"), "");
+    EXPECT_EQ(results().last(), "7 second: ");
 }
 
 TEST_F(PerlErrors, PositionsThroughNativeCode) {

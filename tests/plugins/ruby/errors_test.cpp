@@ -176,6 +176,8 @@ TEST_F(RubyErrors, OutputStandsInOrder) {
                   "printf('%s', 'last')\n"
                   "warn 'warned'\n"
                   "p 1\n"
+                  "require 'logger'\n"
+                  "Logger.new($stdout, formatter: ->(*all) { all.last }).info('logged')\n"
                   "raise if $stdout.tty? || $stdout.fileno != 1\n"),
               "");
     QStringList seen;
@@ -188,7 +190,7 @@ TEST_F(RubyErrors, OutputStandsInOrder) {
     }
     EXPECT_EQ(seen.join('|'),
               "stdout:one two\n|stdout:cut|:between|stderr:to err|stdout:last|"
-              "stderr:warned\n|stdout:1\n");
+              "stderr:warned\n|stdout:1\n|stdout:logged");
 }
 
 TEST_F(RubyErrors, PositionsThroughNativeCode) {

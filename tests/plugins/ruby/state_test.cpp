@@ -85,6 +85,18 @@ TEST_F(RubyState, SourceRunsAFileAtTheTopLevel) {
     EXPECT_EQ(runCase("raise 'left' if defined?(LEFT) || respond_to?(:more, true)"), "");
 }
 
+TEST_F(RubyState, AScriptHasItsDataAndItsBlocksAtTheEnd) {
+    const QString text =
+        "END { test.log('END') }\n  END{ test.log('second') }\nat_exit { test.log('exit') }\n"
+        "puts <<~TEXT\nEND { none }\nTEXT\ntest.log(DATA.read)\n__END__\n\xc3\xa4 1\nEND {\n";
+    ASSERT_TRUE(writeFile(script(), text.toUtf8()));
+    EXPECT_EQ(runCase(text.split("puts")[0]), "");
+    EXPECT_EQ(runCase("test.log(defined?(DATA).to_s)"), "");
+    EXPECT_EQ(results(), (QStringList{"7 exit: ", "7 second: ", "7 END: ", "7 : "}));
+    EXPECT_EQ(runCase(text), "");
+    EXPECT_EQ(results().last(), QString::fromUtf8("7 \xc3\xa4 1\nEND {\n: "));
+}
+
 TEST_F(RubyState, WhatThePluginHasOfItsOwnTakesNoWrongValues) {
     for (const char* const code :
          {"Tamrix::Native.write(1, 5)", "Tamrix::Native.write(nil, '')",

@@ -197,6 +197,12 @@ TEST_F(TclErrors, OfEventHandlersAreThoseOfTheCase) {
     EXPECT_EQ(report.results()[0].callStack.front().lineNumber(), 2);
     EXPECT_EQ(report.results()[1].callStack.front().lineNumber(), 8);
 
+    // Also where the script ends in front of them.
+    report.entries.clear();
+    ASSERT_EQ(run("proc main {} { after 0 late; after 0 {set ::end 1}; vwait ::end }\n"), "");
+    EXPECT_TRUE(call("main"));
+    EXPECT_EQ(results(), QStringList("9 Script Error: Error: broken"));
+
     // A script may have a handler of its own.
     report.entries.clear();
     ASSERT_EQ(run("proc bgerror {text} { test log mine $text }\n"
@@ -250,9 +256,10 @@ TEST_F(TclErrors, TheNextScriptStartsAfresh) {
     interpreter->setScriptArguments(script(), {});
     EXPECT_FALSE(interpreter->hasFunction("main"));
     EXPECT_FALSE(interpreter->hasFunction("cleanup"));
-    ASSERT_EQ(run("proc main {} { test log runs $::shared; puts x; update }\n"), "");
+    ASSERT_EQ(
+        run("proc main {} { test log [file tail [info script]] $::shared; puts x; update }\n"), "");
     EXPECT_TRUE(call("main"));
-    EXPECT_EQ(results(), QStringList("7 runs: 1"));
+    EXPECT_EQ(results(), QStringList("7 test.tcl: 1"));
 }
 
 TEST_F(TclErrors, OnlyTheSkipItselfEndsACaseAsSkipped) {
@@ -322,7 +329,12 @@ TEST_F(TclErrors, PositionsThroughNativeCode) {
                   "outer\n"
                   "eval {\n"
                   "    test log {in eval}\n"
-                  "}\n"),
+                  "}\n"
+                  "proc traced {} {\n"
+                  "    trace add variable watched write {test log traced; list}\n"
+                  "    set watched 1\n"
+                  "}\n"
+                  "traced\n"),
               "");
     const std::vector<ResultAdded> entries = report.results();
     const auto linesOf = [&](std::size_t index) {
@@ -334,6 +346,7 @@ TEST_F(TclErrors, PositionsThroughNativeCode) {
     EXPECT_EQ(linesOf(0), "2 9 8 12");
     EXPECT_EQ(linesOf(1), "8");
     EXPECT_EQ(linesOf(2), "14");
+    EXPECT_EQ(linesOf(3).section(' ', -1), "20");
 }
 
 TEST_F(TclErrors, ModulesOfTheSuite) {
@@ -376,7 +389,9 @@ TEST_F(TclErrors, WhatIsTooLargeEndsTheCase) {
                 "    append x $x\n"
                 "    append x $x\n"
                 "}\n");
-            const bool ended = !call("huge") && interpreter->errorMessage().contains("2147483647");
+            const bool ended = !call("huge") &&
+                               interpreter->errorMessage().contains("2147483647") &&
+                               lines() == std::vector<int>{1};
             interpreter->setScriptArguments(script(), {});
             const ScriptLanguagePlugin plugin("tamrixtcl");
             const bool refuses = !call("huge") && !plugin.interpreter(&runner);

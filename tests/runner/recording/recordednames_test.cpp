@@ -125,6 +125,16 @@ TEST_F(RecordedNamesTest, OutsideOfAModuleAreTexts) {
     ASSERT_TRUE(recorded.useMapOf(suite.path()));
     EXPECT_EQ(scriptOf("ruby", {recorded.nameOf(button("Open"))}),
               QString("def main\n  click(\":OPENER\")\nend\n"));
+
+    suite.write("shared/scripts/names.rb",
+                "module Names\n  SAVER = { text: 'Save', type: 'QPushButton' }\nend\n"
+                "OPENER = { text: 'Open', type: 'QPushButton' }\n");
+    ASSERT_TRUE(recorded.useMapOf(suite.path()));
+    EXPECT_EQ(scriptOf("ruby", {recorded.nameOf(button("Open")), recorded.nameOf(button("Save")),
+                                recorded.nameOf(button("Quit"))}),
+              QString("require 'names'\n\ndef main\n  click(\"names.OPENER\")\n"
+                      "  click(Names::SAVER)\n  click(Names::QUIT_BUTTON)\nend\n"));
+    EXPECT_TRUE(recorded.result());
 }
 
 TEST_F(RecordedNamesTest, StayInTheScriptWhenTheMapCantBeWritten) {

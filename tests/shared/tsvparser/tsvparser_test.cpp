@@ -148,6 +148,24 @@ TEST_F(TsvParserTest, TellsRowsOfAnotherWidth) {
     EXPECT_EQ(valuesOf(set->record(2)), (QStringList{"1", "2", "3"}));
 }
 
+TEST_F(TsvParserTest, TellsWhatIsNoUtf8) {
+    const QString replaced = QString("a\nM") + QChar(QChar::ReplacementCharacter) + "ller";
+    const QString path = store("a\nM\xfcller\n\xfc\n");
+    testing::internal::CaptureStderr();
+    const SharedPtr<TestDataSet> set(new TsvTestDataSet(path, ','));
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        path.toStdString() + " is no UTF-8 (line 2): what can't be read stands there as U+FFFD\n");
+    EXPECT_EQ(valuesOf(set->record(0)), QStringList(replaced.section('\n', 1)));
+    // Other encodings with their mark, and the character itself.
+    for (const QByteArray& bytes : {replaced.toUtf8(), QByteArray::fromHex("fffe61000a00fc00")}) {
+        const QString good = store(bytes);
+        testing::internal::CaptureStderr();
+        const TsvParser parser(good);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    }
+}
+
 TEST_F(TsvParserTest, GoesOnBehindABlankLineAndBeginsAgain) {
     TsvParser parser(store("a\n\nb"));
     EXPECT_EQ(parser.nextLine(), "a");

@@ -21,6 +21,13 @@ sub _message {
     return $error->message if UNIVERSAL::can($error, 'message');
     return '';
 }
+# What stands behind the end of a script's code is read by the handle DATA.
+sub _openData {
+    my ($text) = @_;
+    $text =~ /^__(?:DATA|END)__[ \t]*\r?\n/m or return;
+    utf8::encode(my $bytes = substr($text, $+[0]));
+    CORE::open(*main::DATA, '<:utf8', \$bytes);
+}
 # Takes away what a script has left: all names in main that were not there before.
 sub _names { +{map { $_ => 1 } keys %main::} }
 sub _forget {

@@ -19,6 +19,8 @@ class Tamrix::Output
     self
   end
 
+  # Whoever writes to it, as a Logger, may ask; it stays open.
+  def close = nil
   def binmode(*) = self
   def tty? = false
   def sync = true

@@ -102,6 +102,14 @@ class Tamrix::RuntimeState
     end
   end
 
+  # DATA is the script's, as if it stood in the file.
+  def open_data(path)
+    file = File.open(path, 'r:UTF-8')
+    return file.close if file.each_line.none? { |line| line.chomp == '__END__' }
+    Object.send(:remove_const, :DATA) if Object.const_defined?(:DATA, false)
+    TOPLEVEL_BINDING.eval('->(file) { Object.const_set(:DATA, file) }', path, 1).call(file)
+  end
+
   def feature?(file) = $LOADED_FEATURES.include?(file)
 
   def note_feature(file)

@@ -89,12 +89,22 @@ module Tamrix::TimeLimit
 
   # nil when it was not done in time.
   def self.inspect_within(value, seconds)
+    limited(-> { sleep seconds }) { value.inspect.to_s }
+  rescue Exceeded
+    nil
+  end
+
+  # The value of code that a person writes, which is ended when `over` says so.
+  def self.evaluate(code, binding, file, over)
+    limited(-> { sleep 0.02 until over.call }) { binding.eval(code, file, 1) }
+  end
+
+  # What the block gives. It has as much time as `wait` takes, and Exceeded is raised then.
+  def self.limited(wait)
     Thread.handle_interrupt(Exceeded => :never) do
-      watch = watcher(Thread.current, seconds)
+      watch = watcher(Thread.current, wait)
       begin
-        Thread.handle_interrupt(Exceeded => :immediate) { value.inspect.to_s }
-      rescue Exceeded
-        nil
+        Thread.handle_interrupt(Exceeded => :immediate) { yield }
       ensure
         watch.kill.join
         forget_late
@@ -103,9 +113,9 @@ module Tamrix::TimeLimit
   end
 
   # Code that catches everything is ended again and again.
-  def self.watcher(thread, seconds)
+  def self.watcher(thread, wait)
     Thread.new do
-      sleep seconds
+      wait.call
       loop do
         thread.raise(Exceeded) unless thread.pending_interrupt?
         sleep 0.02
@@ -121,5 +131,5 @@ module Tamrix::TimeLimit
       # That was one.
     end
   end
-  private_class_method :watcher, :forget_late
+  private_class_method :limited, :watcher, :forget_late
 end

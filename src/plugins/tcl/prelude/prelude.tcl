@@ -33,6 +33,8 @@ proc ::tamrix::addFolder {path} {
 # A script begins.
 proc ::tamrix::start {path arguments} {
     set ::argv0 $path
+    # Also of the procedures that run once the file was read.
+    info script $path
     set ::argv $arguments
     set ::argc [llength $arguments]
     set ::tamrix::hidden [uplevel #0 {info globals}]

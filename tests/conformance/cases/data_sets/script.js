@@ -9,4 +9,8 @@ function main() {
     test.compare(testData.fieldNames(last), ["Name", "Age"]);  // @names
     const odd = testData.dataset("data_sets_odd.csv");
     test.compare([odd[0][1], odd[0].twice], ["2", "3"]);  // @twice
+    for (const suffix of ["xls", "xlsx"]) {
+        const sheet = testData.dataset(`data_sets_sheet.${suffix}`);
+        test.compare([sheet.length, sheet[1].name, sheet[1][2]], [2, "Müller", "two\nlines"]);  // @sheet
+    }
 }

@@ -6,3 +6,6 @@ def main():
     test.compare(testData.fieldNames(record), ["Name", "Age"])  # @names
     odd = testData.dataset("data_sets_odd.csv")
     test.compare([odd[0][1], odd[0]["twice"]], ["2", "3"])  # @twice
+    for suffix in ["xls", "xlsx"]:
+        sheet = testData.dataset("data_sets_sheet." + suffix)
+        test.compare([len(sheet), sheet[1]["name"], sheet[1][2]], [2, "Müller", "two\nlines"])  # @sheet

@@ -6,5 +6,6 @@ sub main {
     test::log("\x{1f600} and \x{10ffff}");  # @beyond
     test::log("a tab\tand a\nnew line");  # @control
     test::log("a NUL\0in it");  # @nul
+    test::log("\x{feff}mark");  # @mark
     test::log('');  # @empty
 }

@@ -3,4 +3,5 @@ def main():
     test.log("\U0001f600 and \U0010ffff")  # @beyond
     test.log("a tab\tand a\nnew line")  # @control
     test.log("a NUL\0in it")  # @nul
+    test.log("\ufeffmark")  # @mark
     test.log("")  # @empty

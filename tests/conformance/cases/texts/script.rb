@@ -3,5 +3,6 @@ def main
   test.log("\u{1f600} and \u{10ffff}") # @beyond
   test.log("a tab\tand a\nnew line") # @control
   test.log("a NUL\0in it") # @nul
+  test.log("\ufeffmark") # @mark
   test.log('') # @empty
 end
