@@ -44,10 +44,7 @@ PyRef writeOutput(PyObject* arguments) {
     const auto stream =
         PyLong_AsLong(at(arguments, 0)) == 1 ? ScriptOutput::Stdout : ScriptOutput::Stderr;
     const QString text = fromPyString(at(arguments, 1));
-    if (PythonInterpreter* const interpreter = PythonInterpreter::active())
-        interpreter->output().write(stream, text);
-    else
-        ScriptOutput::writeToProcess(stream, text);
+    LanguageInterpreter::print(Interpreter::Python, stream, text);
     return none();
 }
 

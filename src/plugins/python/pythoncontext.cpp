@@ -114,16 +114,13 @@ bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<Script
 }
 
 std::pair<QString, QString> PythonContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    PyRef compiled;
     return attemptException(
         *code,
-        {[&](const QString& text) {
-             compiled = m_interpreter.compile(text, "<test.exception>", Py_file_input);
-             if (!compiled && !isOrdinaryError())
-                 throw PythonErrorSet();
-             return compiled ? QString() : takeScriptError().message;
-         },
-         [&](const QString&) {
+        {nullptr,
+         [&](const QString& text) {
+             // It is the code that was compiled last.
+             const PyRef compiled = checkedReference(
+                 m_interpreter.compile(text, PythonInterpreter::codeOfException, Py_file_input));
              const Namespaces names = callingNamespaces(m_interpreter);
              checked(PyEval_EvalCode(compiled.get(), names.globals.get(), names.locals.get()));
          },

@@ -37,6 +37,8 @@ int lineOfNul(const QString& text) {
 
 }  // namespace
 
+const QString PythonInterpreter::codeOfException = QStringLiteral("<test.exception>");
+
 PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, Python) {
     PythonRuntime::self();
@@ -186,9 +188,8 @@ PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, i
     return code;
 }
 
-bool PythonInterpreter::checkSyntax(const QString& text, const QString& fileName) {
-    clearError();
-    return compile(text, fileName, Py_file_input) || failWithPending(true);
+void PythonInterpreter::compileOnly(const QString& text, const QString& fileName) {
+    checkedReference(compile(text, fileName.isEmpty() ? codeOfException : fileName, Py_file_input));
 }
 
 bool PythonInterpreter::runScript(const QString& text, const QString& fileName) {
@@ -282,13 +283,8 @@ LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
 bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject* result) {
     if (!PyCoro_CheckExact(result) && !PyAsyncGen_CheckExact(result) && !PyGen_CheckExact(result))
         return true;
-    setErrorMessage(name + fromPyString(callOwn("errors", "why_not_run", result).get()));
-    const LineInfo place = placeOf(new PythonArgument(PyRef::borrow(function)));
-    if (place.isValid()) {
-        setErrorFile(place.fileName());
-        setErrorLine(place.lineNumber());
-    }
-    return false;
+    return failAt(placeOf(new PythonArgument(PyRef::borrow(function))),
+                  name + fromPyString(callOwn("errors", "why_not_run", result).get()));
 }
 
 void PythonInterpreter::errorUncaught() {

@@ -59,6 +59,8 @@ public:
         m_compiledFile = fileName;
         m_compiledCode = code;
     }
+    /// Stands for the file of code of which a test wants an exception.
+    static const QString codeOfException;
     /// A code object, null with the error indicator set. `start` is one of Python's start symbols,
     /// for a file, an expression or an interactive statement.
     PyRef compile(const QString& text, const QString& fileName, int start);
@@ -67,7 +69,7 @@ public:
     void runFile(const QString& text, const QString& path) override;
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
-    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void compileOnly(const QString& text, const QString& fileName) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     std::vector<LineInfo> interruptedStack() override;
