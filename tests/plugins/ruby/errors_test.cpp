@@ -190,7 +190,7 @@ TEST_F(RubyErrors, OutputStandsInOrder) {
     }
     EXPECT_EQ(seen.join('|'),
               "stdout:one two\n|stdout:cut|:between|stderr:to err|stdout:last|"
-              "stderr:warned\n|stdout:1\nlogged");
+              "stderr:warned\n|stdout:1\n|stdout:logged");
 }
 
 TEST_F(RubyErrors, PositionsThroughNativeCode) {
