@@ -84,7 +84,10 @@ const ScriptLanguageInformation* ScriptLanguageInformation::forLanguage(
 }
 
 const ScriptLanguageInformation* ScriptLanguageInformation::forLanguageName(const QString& name) {
-    return findLanguage([&](const auto& row) { return row.name == name || row.suffix == name; });
+    return findLanguage([&](const auto& row) {
+        return row.name.compare(name, Qt::CaseInsensitive) == 0 ||
+               row.suffix.compare(name, Qt::CaseInsensitive) == 0;
+    });
 }
 
 std::vector<const ScriptLanguageInformation*> ScriptLanguageInformation::knownLanguages() {

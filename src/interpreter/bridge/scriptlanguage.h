@@ -30,7 +30,7 @@ struct TAMRIX_EXPORT ScriptLanguageInformation {
     /// The language of a script file by its suffix, null when there is none.
     static const ScriptLanguageInformation* forFile(const QFileInfo& file);
     static const ScriptLanguageInformation* forLanguage(Interpreter::Language language);
-    /// By shown name or suffix.
+    /// By shown name or suffix, as a person writes them: in capitals or not.
     static const ScriptLanguageInformation* forLanguageName(const QString& name);
     /// All languages, in the order of the table.
     static std::vector<const ScriptLanguageInformation*> knownLanguages();

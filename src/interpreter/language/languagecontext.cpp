@@ -173,13 +173,19 @@ bool LanguageContext::attemptCondition(const std::function<bool()>& evaluate, QS
     return holds;
 }
 
+QString LanguageContext::slipIn(const QString& code) {
+    const std::optional<ScriptError> error =
+        m_interpreter.attempt([&] { m_interpreter.compileOnly(code, QString()); });
+    return error ? error->message : QString();
+}
+
 std::pair<QString, QString> LanguageContext::attemptException(const ScriptArgument& code,
                                                               const ExceptionCode& actions) {
     if (!code.isString() && !code.isCallable())
         return {QString(), "Neither code as text nor a callable: " + code.toString()};
     const LanguageDebugger::CatchesErrors catching(m_interpreter.languageDebugger());
     if (code.isString()) {
-        const QString slip = actions.slip(code.toString());
+        const QString slip = actions.slip ? actions.slip(code.toString()) : slipIn(code.toString());
         if (!slip.isEmpty())
             return {QString(), "The code is not valid: " + slip};
     }

@@ -221,7 +221,8 @@ protected:
     bool attemptCondition(const std::function<bool()>& evaluate, QString* error);
     /// For evaluateForException(): what there is to do with code.
     struct ExceptionCode {
-        /// Why a text is no valid code: no exception that a test is about. Empty when it is.
+        /// Why a text is no valid code: no exception that a test is about. Empty when it is. Null
+        /// lets the interpreter compile it.
         std::function<QString(const QString& text)> slip;
         /// Runs a text where the script has called.
         std::function<void(const QString& text)> evaluate;
@@ -232,6 +233,7 @@ protected:
                                                  const ExceptionCode& actions);
 
 private:
+    QString slipIn(const QString& code);
     /// Leaves the arguments that somebody has kept to them.
     [[gnu::cold]] void dropKeptArguments();
     /// The end of a call that has left a result that nobody took, or an error.

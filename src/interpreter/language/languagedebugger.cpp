@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interpreter/debugger/variablewatcher.h"
+#include "interpreter/language/languagevariables.h"
 #include "interpreter/language/sourcefiles.h"
 #include "interpreter/language/timelimit.h"
 
@@ -138,6 +138,16 @@ const std::vector<int>& LanguageDebugger::breakLines(int sourceId) const {
     return lines == m_breakLines.constEnd() ? s_none : *lines;
 }
 
+void LanguageDebugger::setInteractive(bool interactive) {
+    Debugger::setInteractive(interactive);
+    modeChanged();
+}
+
+void LanguageDebugger::setDebuggerMode(DbgMode mode) {
+    Debugger::setDebuggerMode(mode);
+    modeChanged();
+}
+
 void LanguageDebugger::setBreakPoint(int line, int sourceId, bool set) {
     Debugger::setBreakPoint(line, sourceId, set);
     std::vector<int>& lines = m_breakLines[sourceId];
@@ -209,7 +219,7 @@ void LanguageDebugger::initVariableWatcher() {
 Debugger::VariableBindings LanguageDebugger::variables(const QString& path) {
     const Silence silence(*this);
     if (!m_watcher)
-        m_watcher = makeVariableWatcher();
+        m_watcher = std::make_unique<LanguageVariables>(*this, makeValueTexts());
     return m_watcher->variableBindings(path);
 }
 

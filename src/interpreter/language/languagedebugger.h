@@ -12,6 +12,7 @@
 
 #include "base/export.h"
 #include "interpreter/bridge/debugger.h"
+#include "interpreter/language/valuetexts.h"
 
 namespace Tamrix {
 
@@ -49,6 +50,8 @@ public:
     void lineReached(int sourceId, int line);
     /// The debugger's number of a file, which becomes known.
     int sourceIdOf(const QString& path);
+    /// Those that have a number.
+    QStringList knownFiles() const { return m_sourceIds.keys(); }
     /// The same of a file by the name that the runtime has for it; -1 for one that is no script.
     int sourceIdOf(const char* name, SourceFiles& files);
     /// The lines of the file that have a break point, in no order, each as often as it was set.
@@ -85,6 +88,10 @@ public:
     /// for, else those that run.
     std::vector<ScriptFrame> frames();
 
+    /// The variables of a frame of the language, those of its function first, then those of its
+    /// module. Runs no code of the script.
+    virtual std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) = 0;
+
     /// Where the running frame of a script stands that is `level` levels outwards from the
     /// innermost one; invalid without one.
     LineInfo placeOfFrame(int level);
@@ -114,6 +121,8 @@ public:
     void missingStep(int line, const std::string& text) override;
     VariableBindings variables(const QString& path) override;
     void initVariableWatcher() override;
+    void setInteractive(bool interactive) override;
+    void setDebuggerMode(DbgMode mode) override;
     void setBreakPoint(int line, int sourceId, bool set) override;
     void shutDown() override;
     /// A place in a file that is none of the language's, over what runs now: a step of a feature.
@@ -133,12 +142,14 @@ protected:
     virtual std::vector<ScriptFrame> runningFrames() = 0;
     /// How many they are.
     virtual int runningDepth() { return static_cast<int>(runningFrames().size()); }
-    virtual std::unique_ptr<VariableWatcher> makeVariableWatcher() = 0;
+    /// Writes values of the language.
+    virtual std::unique_ptr<ValueTexts> makeValueTexts() = 0;
     /// The time of isSilent() begins and ends. By default nothing else is to be done.
     virtual void enterSilence() {}
     virtual void leaveSilence() {}
-    /// Break points have changed.
+    /// Break points have changed; the mode, or whether it is interactive.
     virtual void breakPointsChanged() {}
+    virtual void modeChanged() {}
 
 private:
     class Silence;

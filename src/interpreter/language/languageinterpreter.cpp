@@ -90,6 +90,14 @@ void LanguageInterpreter::leaveActive() {
     }
 }
 
+void LanguageInterpreter::print(Language language, ScriptOutput::Stream stream,
+                                const QString& text) {
+    if (LanguageInterpreter* const interpreter = active(language))
+        interpreter->output().write(stream, text);
+    else
+        ScriptOutput::writeToProcess(stream, text);
+}
+
 ScriptContext* LanguageInterpreter::scriptContext() {
     return &context();
 }
@@ -122,9 +130,20 @@ void LanguageInterpreter::setScriptArguments(const QString& scriptPath,
     clearCallables();
     m_steps->clear();
     // A module that findFile() finds is the one that the language finds.
-    startScript(scriptPath, arguments,
-                scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
+    try {
+        startScript(scriptPath, arguments,
+                    scriptSearchFolders() + QStringList(QFileInfo(scriptPath).absolutePath()));
+    } catch (const ScriptErrorSet&) {
+        qWarning("The script can't be started: %s", takeError().message.toLocal8Bit().constData());
+    }
     m_hasStarted = true;
+}
+
+void LanguageInterpreter::compileOnly(const QString&, const QString&) {}
+
+bool LanguageInterpreter::checkSyntax(const QString& text, const QString& fileName) {
+    clearError();
+    return runCode(true, [&] { compileOnly(text, fileName); });
 }
 
 bool LanguageInterpreter::hasFunction(const QString& name) {
@@ -146,7 +165,7 @@ bool LanguageInterpreter::callFunction(const QString& name, const ObjectList& ar
     for (const SharedPtr<Object>& argument : arguments)
         values.positional.push_back(context().createObject(argument));
     ScriptContext::setCurrent(&context());
-    return call(function, values, name, false) == CallEnd::Succeeded;
+    return callFromOutside(function, values, name) == CallEnd::Succeeded;
 }
 
 bool LanguageInterpreter::invokeFunction(const QString& name) {
@@ -169,7 +188,22 @@ bool LanguageInterpreter::callLibraryFunction(const QString& name, const QString
     CallArguments values;
     for (const QString& argument : arguments)
         values.positional.push_back(context().createString(argument));
-    return call(function, values, name, false) == CallEnd::Succeeded;
+    return callFromOutside(function, values, name) == CallEnd::Succeeded;
+}
+
+LanguageInterpreter::CallEnd LanguageInterpreter::callFromOutside(
+    const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
+    const QString& name) {
+    const CallEnd end = call(function, arguments, name, false);
+    if (end == CallEnd::Succeeded || !errorCallStack().empty())
+        return end;
+    // A call that was refused has come to no line.
+    if (const LineInfo place = placeOf(function); place.isValid()) {
+        setErrorFile(place.fileName());
+        setErrorLine(place.lineNumber());
+        setErrorCallStack({place});
+    }
+    return end;
 }
 
 LanguageInterpreter::CallEnd LanguageInterpreter::callBack(
@@ -269,6 +303,13 @@ bool LanguageInterpreter::failWithPending(bool hasFile, bool* isPendingStep) {
     if (isPendingStep)
         *isPendingStep = error.isPendingStep;
     return failWith(error, hasFile);
+}
+
+bool LanguageInterpreter::failAt(const LineInfo& place, const QString& message) {
+    ScriptError error;
+    error.message = message;
+    error.callStack = {place};
+    return failWith(error);
 }
 
 bool LanguageInterpreter::succeed() {

@@ -45,6 +45,20 @@ struct ScriptError {
 /// the message alone when that is invalid.
 TAMRIX_EXPORT QString placedText(const ScriptError& error, const LineInfo& otherwise = LineInfo());
 
+/// The texts of an exception and of those that led to it, which `nextOf` gives as an optional; a
+/// few of them, as they may lead to each other.
+template <typename Exception, typename TextOf, typename NextOf>
+QString textWithCauses(const Exception& exception, TextOf textOf, NextOf nextOf) {
+    constexpr int mostCauses = 5;
+    QString text = textOf(exception);
+    auto cause = nextOf(exception);
+    for (int count = 0; cause && count < mostCauses; ++count) {
+        text += "\ncaused by " + textOf(*cause);
+        cause = nextOf(*cause);
+    }
+    return text;
+}
+
 /// What the interpreters of all languages have alike: which one is active, how a script begins and
 /// ends, what is told of an error. A plug-in's interpreter derives from it, makes its context,
 /// debugger and step language, and calls begin() when they are there and end() before they go.
@@ -55,6 +69,9 @@ public:
 
     /// The interpreter of the language whose scripts run, null when there is none.
     static LanguageInterpreter* active(Language language) { return s_active[language]; }
+
+    /// What scripts of the language print; to the process's own stream while none runs.
+    static void print(Language language, ScriptOutput::Stream stream, const QString& text);
 
     // Behind begin().
     LanguageContext& context() { return *m_context; }
@@ -108,6 +125,11 @@ public:
     /// Runs the text of a file for a script that is running, which then has what it defines. Throws
     /// ScriptErrorSet.
     virtual void runFile(const QString& text, const QString& path) = 0;
+    /// Compiles code that is not to run. Throws ScriptErrorSet for what is no valid code. A
+    /// language that has no such step overrides checkSyntax() instead.
+    virtual void compileOnly(const QString& text, const QString& fileName);
+    /// Tells of an error at a place of a script that has run: false, with the error fields.
+    bool failAt(const LineInfo& place, const QString& message);
     /// Where a function is defined; invalid when that is in no file.
     virtual LineInfo placeOf(const SharedPtr<ScriptArgument>& function) = 0;
 
@@ -116,6 +138,7 @@ public:
     void initTestFunctions(TestResult* result) override;
     void setScriptArguments(const QString& scriptPath, const QStringList& arguments) override;
     bool hasFunction(const QString& name) override;
+    bool checkSyntax(const QString& text, const QString& fileName) override;
     bool evaluate(const QString& text, const QString& fileName, int line, int column) override;
     bool callFunction(const QString& name, const ObjectList& arguments) override;
     bool invokeFunction(const QString& name) override;
@@ -151,7 +174,7 @@ protected:
     /// is taken stays what it is.
     virtual void publishFunctions(const QStringList& names) = 0;
     /// A script begins: takes away what an earlier one has left, its names above all. `folders` are
-    /// where modules are looked for, in this order.
+    /// where modules are looked for, in this order. What throws ScriptErrorSet is told.
     virtual void startScript(const QString& path, const QStringList& arguments,
                              const QStringList& folders) = 0;
     /// The function that the script defines; null without.
@@ -215,6 +238,8 @@ protected:
     bool hasExited() const { return m_exited; }
 
 private:
+    CallEnd callFromOutside(const SharedPtr<ScriptArgument>& function,
+                            const CallArguments& arguments, const QString& name);
     Outcome<QString> evaluated(const ScriptFrame* frame, const QString& code);
     bool evaluateWhereItStands(const std::vector<ScriptFrame>& frames, const QString& text);
     [[gnu::cold]] void publishFunctionsOfApplication();

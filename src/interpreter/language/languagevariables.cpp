@@ -61,7 +61,7 @@ std::optional<LanguageVariables::Target> LanguageVariables::find(const QString& 
                              [&part](const Member& each) { return each.name == part; });
             target.value = variable != variables.end() ? variable->value : Value();
         } else {
-            target.value = memberNamed(target.value, part);
+            target.value = m_texts->partNamed(target.value, part);
         }
         isVariable = false;
         // What is below an application's object is not for the language to tell.
@@ -71,19 +71,17 @@ std::optional<LanguageVariables::Target> LanguageVariables::find(const QString& 
     return target;
 }
 
-std::optional<ScriptFrame> LanguageVariables::codeFrame(int level) {
+std::vector<LanguageVariables::Member> LanguageVariables::visibleVariables(int level) {
+    // A frame of a feature file has none.
     const std::vector<ScriptFrame> frames = m_debugger.frames();
     const auto index = static_cast<std::size_t>(level);
-    return index < frames.size() && frames[index].isOfLanguage() ? std::optional(frames[index])
-                                                                 : std::nullopt;
-}
-
-std::vector<LanguageVariables::Member> LanguageVariables::visibleVariables(int level) {
+    if (index >= frames.size() || !frames[index].isOfLanguage())
+        return {};
     // None runs between two cases.
     const Interpreter* const interpreter = m_debugger.interpreter();
     std::vector<Member> visible;
     QSet<QString> known;
-    for (Member& variable : variablesOf(level)) {
+    for (Member& variable : m_debugger.variablesOf(frames[index])) {
         if (known.contains(variable.name) ||
             (interpreter && interpreter->isSelfDefinedVariableName(variable.name)))
             continue;
@@ -91,25 +89,6 @@ std::vector<LanguageVariables::Member> LanguageVariables::visibleVariables(int l
         visible.push_back(std::move(variable));
     }
     return visible;
-}
-
-LanguageVariables::Value LanguageVariables::memberNamed(const Value& value, const QString& name) {
-    // The elements of a list have numbers.
-    constexpr int largest = std::numeric_limits<int>::max();
-    bool isNumber = false;
-    const int number = name.toInt(&isNumber);
-    if (isNumber && number >= 0 && number < largest) {
-        const ValueTexts::Parts parts = m_texts->partsOf(value, number + 1);
-        if (number < parts.count && parts.at(number).name == name)
-            return parts.at(number).value;
-    }
-    const ValueTexts::Parts parts = m_texts->partsOf(value, largest);
-    for (int each = 0; each < parts.count; ++each) {
-        const Member member = parts.at(each);
-        if (member.name == name)
-            return member.value;
-    }
-    return {};
 }
 
 VariableWatcher::VariableBindings LanguageVariables::list(const Target& target) {

@@ -14,15 +14,13 @@
 namespace Tamrix {
 
 class LanguageDebugger;
-struct ScriptFrame;
 
-/// Lists the variables of a script that stands still. A language's own class derives from it and
-/// says what variables there are.
+/// Lists the variables of a script that stands still, of which its debugger says what there are.
 ///
 /// In front of a path (`valuepath.h`) may stand "^N", which means the variables of the frame N
 /// levels outwards from where the script stands; behind it "@N", which means the members from the
 /// one numbered N. A listing is limited; the rest is one binding, whose path says so.
-class TAMRIX_EXPORT LanguageVariables : public VariableWatcher {
+class TAMRIX_EXPORT LanguageVariables final : public VariableWatcher {
 public:
     /// `texts` tells what values consist of.
     LanguageVariables(LanguageDebugger& debugger, std::unique_ptr<ValueTexts> texts)
@@ -33,24 +31,10 @@ public:
     bool handlesPath(const QString& path) override;
     VariableBindings languageBindings(const QString& path) override;
 
-protected:
+private:
     using Value = SharedPtr<ScriptArgument>;
-
     using Member = ValueTexts::Part;
 
-    // For the language. These run no code of the script.
-    /// The variables of one of the debugger's frames(), those of its function first; none for a
-    /// frame of a feature file.
-    virtual std::vector<Member> variablesOf(int level) = 0;
-    /// The part of the value with the name as it stands in paths; null when there is none. By
-    /// default it is looked for among all.
-    virtual Value memberNamed(const Value& value, const QString& name);
-
-    LanguageDebugger& debugger() { return m_debugger; }
-    /// One of the debugger's frames(); nothing for a frame of a feature file, and beyond the last.
-    std::optional<ScriptFrame> codeFrame(int level);
-
-private:
     /// What a path leads to.
     struct Target {
         /// The path without its mark and "@N".

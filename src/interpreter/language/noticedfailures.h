@@ -23,11 +23,16 @@ public:
                 const Arguments&... reference) {
         if (failure.isSkip)
             m_skip.emplace(reference...);
-        if (failure.origin.line >= 0) {
-            m_ofOrigin.emplace(reference...);
-            m_origin =
-                LineInfo(debugger.findSourceId(failure.origin.sourceId), failure.origin.line);
-        }
+        if (failure.origin.line >= 0)
+            noticePlace(
+                LineInfo(debugger.findSourceId(failure.origin.sourceId), failure.origin.line),
+                reference...);
+    }
+    /// The exception stands there, in no code that runs.
+    template <typename... Arguments>
+    void noticePlace(const LineInfo& place, const Arguments&... reference) {
+        m_ofOrigin.emplace(reference...);
+        m_origin = place;
     }
     /// A script begins or ends.
     void clear() {

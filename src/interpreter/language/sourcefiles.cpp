@@ -3,10 +3,21 @@
 #include <QDir>
 #include <algorithm>
 
+#include "base/utf8file.h"
 #include "interpreter/bridge/debugger.h"
 #include "interpreter/language/looseutf8.h"
 
 namespace Tamrix {
+
+Outcome<QString> readSource(const QString& path) {
+    const Outcome<Utf8Text> content = readUtf8File(path);
+    if (!content)
+        return fail(content.error().kind, QStringLiteral("%1: %2").arg(path, content.error().text));
+    if (content->faultyLine > 0)
+        return fail(FailureKind::Failed, QStringLiteral("%1:%2: the file is not encoded in UTF-8")
+                                             .arg(path, QString::number(content->faultyLine)));
+    return content->text;
+}
 
 bool SourceFiles::isUnbracketed(const QByteArray& name) {
     return !name.startsWith('<') && !name.startsWith('(');

@@ -6,8 +6,13 @@
 #include <QStringList>
 
 #include "base/export.h"
+#include "base/outcome.h"
 
 namespace Tamrix {
+
+/// The text of a file with code. The reason why it can't be had begins with the place: "FILE: " or,
+/// of one that is not encoded in UTF-8, "FILE:LINE: ".
+TAMRIX_EXPORT Outcome<QString> readSource(const QString& path);
 
 /// The files behind a language's code, by the names that the runtime has for them: their paths as
 /// results show them, and which of them are scripts. Resolved once for each name. Script thread

@@ -3,10 +3,10 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "base/utf8file.h"
 #include "interpreter/bridge/scriptlanguage.h"
 #include "interpreter/language/languagedebugger.h"
 #include "interpreter/language/languageinterpreter.h"
+#include "interpreter/language/sourcefiles.h"
 #include "interpreter/language/stepactions.h"
 #include "interpreter/language/stepregistry.h"
 
@@ -107,14 +107,11 @@ QString StepFiles::loadChanged() {
 QString StepFiles::loadFile(const QString& path) {
     m_registry.forget(path);
     m_loaded[path] = stateOf(path);
-    const Outcome<Utf8Text> content = readUtf8File(path);
-    if (!content)
-        return QStringLiteral("%1: %2").arg(path, content.error().text);
-    if (content->faultyLine > 0)
-        return QStringLiteral("%1:%2: the file is not encoded in UTF-8")
-            .arg(path, QString::number(content->faultyLine));
+    const Outcome<QString> text = readSource(path);
+    if (!text)
+        return text.error().text;
     const StepsOverLoading stepsOver(m_interpreter.languageDebugger());
-    const std::optional<ScriptError> error = m_language.loadFile(path, content->text);
+    const std::optional<ScriptError> error = m_language.loadFile(path, *text);
     return error ? placedText(*error, LineInfo(path, 0)) : QString();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "interpreter/language/timelimit.h"
@@ -31,11 +32,11 @@ ValueTexts::Parts ValueTexts::partsFrom(std::vector<Part> parts) {
 
 QString ValueTexts::partsText(const Value& value, int depth) {
     // Each part takes two characters at least.
-    const int most = depth < deepest ? longest / 2 : 0;
+    const int most = depth < m_limits.depth ? m_limits.length / 2 : 0;
     const Parts parts = partsOf(value, most, depth);
     QStringList texts;
     int length = 0;
-    while (texts.size() < std::min(parts.count, most) && length <= longest) {
+    while (texts.size() < std::min(parts.count, most) && length <= m_limits.length) {
         const Part part = parts.at(texts.size());
         const QString written = part.label + text(part.value, depth + 1);
         length += written.size() + 2;
@@ -44,6 +45,25 @@ QString ValueTexts::partsText(const Value& value, int depth) {
     if (texts.size() < parts.count)
         texts.append(more);
     return texts.join(", ");
+}
+
+ValueTexts::Value ValueTexts::partNamed(const Value& value, const QString& name) {
+    // The elements of a list have numbers.
+    constexpr int largest = std::numeric_limits<int>::max();
+    bool isNumber = false;
+    const int number = name.toInt(&isNumber);
+    if (isNumber && number >= 0 && number < largest) {
+        const Parts parts = partsOf(value, number + 1);
+        if (number < parts.count && parts.at(number).name == name)
+            return parts.at(number).value;
+    }
+    const Parts parts = partsOf(value, largest);
+    for (int each = 0; each < parts.count; ++each) {
+        const Part part = parts.at(each);
+        if (part.name == name)
+            return part.value;
+    }
+    return {};
 }
 
 QString ValueTexts::keyName(const QString& text, const QByteArray& marks) {

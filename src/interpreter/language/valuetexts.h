@@ -45,6 +45,9 @@ public:
     /// Those in front of the one numbered `end` can be asked for; 0 for their count alone. Runs no
     /// code of the script but for texts of keys, which are written for a value in `depth` others.
     virtual Parts partsOf(const Value& value, int end, int depth = 0) = 0;
+    /// The part of the value with the name as it stands in paths; null when there is none. By
+    /// default it is looked for among all.
+    virtual Value partNamed(const Value& value, const QString& name);
     /// Limits of time start anew.
     void startAnew() { m_left = timeForAll; }
 
@@ -57,11 +60,19 @@ public:
     static constexpr int longest = 200;
     /// Containers in containers.
     static constexpr int deepest = 4;
+    struct Limits {
+        int length = longest;
+        int depth = deepest;
+    };
 
     /// The text with at most `longest` characters of it.
     static QString cut(const QString& text);
 
 protected:
+    ValueTexts() = default;
+    /// For texts of parts with other limits than those of a person who looks.
+    explicit ValueTexts(const Limits& limits) : m_limits(limits) {}
+
     /// For the language: `depth` is the number of containers that the value is in.
     virtual QString text(const Value& value, int depth) = 0;
 
@@ -79,6 +90,7 @@ protected:
 private:
     static constexpr std::chrono::milliseconds timeForAll{250};
 
+    Limits m_limits;
     /// What is left for script code.
     std::chrono::milliseconds m_left = timeForAll;
 };

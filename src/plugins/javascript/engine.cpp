@@ -2,19 +2,15 @@
 
 #include <js/ArrayBuffer.h>
 #include <js/Initialization.h>
-#include <js/Interrupt.h>
-#include <js/Promise.h>
-#include <js/Stack.h>
-#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 
+#include "base/processmemory.h"
 #include "interpreter/language/interrupts.h"
 #include "plugins/javascript/jobqueue.h"
 
@@ -27,32 +23,17 @@ constexpr std::size_t mostStack = std::size_t(4) << 20;
 /// What values may take, in the engine's heap and beside it. Collections near the limit free little
 /// and take long: the script is ended before it comes to that.
 constexpr std::size_t mostHeap = std::size_t(1) << 30;
-constexpr std::size_t mostMemory = std::size_t(2) << 30;
+constexpr qint64 mostMemory = qint64(2) << 30;
 
 // What signal handlers ask for.
 std::atomic<Engine::End> s_requestedEnd{Engine::End::None};
 std::atomic<bool> s_isStopRequested{false};
-
-/// Of this process.
-std::size_t residentMemory() {
-    unsigned long pages = 0;
-    std::FILE* const file = std::fopen("/proc/self/statm", "r");
-    if (!file)
-        return 0;
-    const bool isRead = std::fscanf(file, "%*u %lu", &pages) == 1;
-    std::fclose(file);
-    return isRead ? pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) : 0;
-}
 
 std::size_t stackQuota() {
     rlimit limit = {};
     if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
         return mostStack;
     return std::min<std::size_t>(mostStack, limit.rlim_cur / 2);
-}
-
-void endByInterrupt(int) {
-    Engine::self().requestEnd(Engine::End::Interrupt);
 }
 
 /// Before the engine's own threads lose what they wait with. A process that ends in the middle of a
@@ -82,28 +63,24 @@ Engine::Engine() {
     if (!m_context)
         throw std::runtime_error("The script engine has no memory");
     // The queue of jobs goes first: the engine's own code already makes promises.
-    m_jobs = std::make_unique<JobQueue>(m_context);
+    m_jobs = std::make_unique<JobQueue>();
     JS::SetJobQueue(m_context, m_jobs.get());
     if (!JS::InitSelfHostedCode(m_context))
         throw std::runtime_error("The script engine started but could not be set up");
     JS_SetNativeStackQuota(m_context, stackQuota());
-    limitMemory();
-    m_endedStack.init(m_context);
-    JS_AddInterruptCallback(m_context, interrupted);
-    handleInterrupts(endByInterrupt);
-    on_exit(shutDown, nullptr);
-}
-
-void Engine::limitMemory() {
     JS_SetGCParameter(m_context, JSGC_MAX_BYTES, 0xffffffff);
     JS::SetLargeArrayBuffersEnabled(false);
     JS_SetGCCallback(m_context, collected, nullptr);
+    m_endedStack.init(m_context);
+    JS_AddInterruptCallback(m_context, interrupted);
+    handleInterrupts([](int) { self().requestEnd(End::Interrupt); });
+    on_exit(shutDown, nullptr);
 }
 
 void Engine::collected(JSContext* context, JSGCStatus status, JS::GCReason, void*) {
-    static const std::size_t s_memoryAtStart = residentMemory();
+    static const qint64 s_memoryAtStart = residentMemory(getpid());
     if (status == JSGC_END && (JS_GetGCParameter(context, JSGC_BYTES) > mostHeap ||
-                               residentMemory() > s_memoryAtStart + mostMemory))
+                               residentMemory(getpid()) > s_memoryAtStart + mostMemory))
         self().requestEnd(End::Memory);
 }
 
@@ -128,27 +105,21 @@ bool Engine::interrupted(JSContext*) {
     const End end = s_requestedEnd.exchange(End::None);
     if (end == End::None)
         return true;
-    engine.m_end = end;
-    engine.noteEndedStack();
+    engine.noteEnd(end);
     // Without an exception: nothing in the script catches it.
     return false;
 }
 
 void Engine::exitNow(int status) {
-    m_end = End::Exit;
     m_exitStatus = status;
-    noteEndedStack();
+    noteEnd(End::Exit);
 }
 
-void Engine::noteEndedStack() {
-    JS::RootedObject stack(m_context);
-    if (!JS::CaptureCurrentStack(m_context, &stack))
+void Engine::noteEnd(End end) {
+    m_end = end;
+    m_endedStack = nullptr;
+    if (!JS::CaptureCurrentStack(m_context, &m_endedStack))
         JS_ClearPendingException(m_context);
-    m_endedStack = stack;
-}
-
-Engine::End Engine::takeEnd() {
-    return std::exchange(m_end, End::None);
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

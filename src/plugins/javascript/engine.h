@@ -1,8 +1,9 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <memory>
+#include <utility>
+
+#include "plugins/javascript/engineapi.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -21,7 +22,7 @@ public:
     /// What ended running code that no `catch` can stop.
     enum class End { None, Interrupt, Memory, Exit, TimeLimit };
     /// Tells it once.
-    End takeEnd();
+    End takeEnd() { return std::exchange(m_end, End::None); }
     /// Where the code ran that was ended, as the engine keeps stacks; null when nothing did.
     JSObject* endedStack() const { return m_endedStack; }
 
@@ -41,8 +42,7 @@ public:
 
 private:
     Engine();
-    void limitMemory();
-    void noteEndedStack();
+    void noteEnd(End end);
     static bool interrupted(JSContext* context);
     static void collected(JSContext* context, JSGCStatus status, JS::GCReason reason, void* data);
 

@@ -1,28 +1,14 @@
 #include "plugins/javascript/errors.h"
 
-#include <js/Exception.h>
-#include <js/Proxy.h>
-#include <js/SavedFrameAPI.h>
-#include <js/Stack.h>
-#include <jsfriendapi.h>
-
 #include <QRegularExpression>
 #include <algorithm>
 
-#include "plugins/javascript/enginefiles.h"
+#include "interpreter/language/stacklines.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
-#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-/// A runaway recursion has thousands of lines; the innermost ones tell enough.
-constexpr std::size_t mostLines = 100;
-/// Errors that led to others, before the list is cut.
-constexpr int mostCauses = 5;
 
 /// The engine's own code, of stacks.
 constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
@@ -30,80 +16,51 @@ constexpr auto excluded = JS::SavedFrameSelfHosted::Exclude;
 /// By ScriptFailure::Kind: the class of the namespace `tamrix`, or null for one of the language.
 constexpr struct {
     const char* own;
-    JSExnType builtIn;
+    JSProtoKey builtIn;
 } errorClasses[] = {
-    {"Error", JSEXN_ERR},       {"VerificationError", JSEXN_ERR}, {"FatalError", JSEXN_ERR},
-    {"LookupError", JSEXN_ERR}, {nullptr, JSEXN_REFERENCEERR},    {nullptr, JSEXN_TYPEERR},
+    {"Error", JSProto_Error},          {"VerificationError", JSProto_Error},
+    {"FatalError", JSProto_Error},     {"LookupError", JSProto_Error},
+    {nullptr, JSProto_ReferenceError}, {nullptr, JSProto_TypeError},
 };
 
 /// What is told of the end of a script that has thrown nothing, by Engine::End.
 constexpr const char* endTexts[] = {"The script was ended", "Interrupted", "Out of memory",
                                     "The script ended with exit(%1)", "The time is over"};
 
-/// An error of a class of the namespace `tamrix`; null when no test case runs.
-JSObject* makeOwn(const char* errorClass, const QString& text) {
-    ScriptRealm* const realm = ScriptRealm::current();
-    ObjectRoot made;
-    if (realm)
-        checked(JS::Construct(engineContext(), ValueRoot(realm->errorClass(errorClass)),
-                              ValueRoots().add(toJsText(text)), &made));
-    return made;
-}
-
-[[noreturn]] void throwObject(JS::HandleObject error) {
-    JS_SetPendingException(engineContext(), ValueRoot(JS::ObjectValue(*error)));
-    throw ScriptErrorSet();
+/// An error of a class of the namespace `tamrix`, or of one of the language when there is none.
+JSObject* newError(const char* own, JSProtoKey builtIn, const QString& text) {
+    ScriptRealm* const realm = own ? ScriptRealm::current() : nullptr;
+    const ObjectRoot type(realm ? ObjectRoot(realm->errorClass(own)).get()
+                                : given<JSObject*>(JS_GetClassObject, builtIn));
+    return newInstance(ValueRoot(JS::ObjectValue(*type)), ValueRoots().add(toJsText(text)));
 }
 
 bool isInstance(JS::HandleValue value, const char* errorClass) {
     ScriptRealm* const realm = ScriptRealm::current();
-    if (!value.isObject() || !realm)
-        return false;
-    const ObjectRoot type(realm->errorClass(errorClass));
     bool holds = false;
-    if (type && !JS_HasInstance(engineContext(), type, value, &holds))
+    if (value.isObject() && realm &&
+        !JS_HasInstance(engineContext(), ObjectRoot(realm->errorClass(errorClass)), value, &holds))
         clearException();
     return holds;
 }
 
 // Places
 
-const JSErrorReport* reportOf(const JS::Value& exception) {
-    const ObjectRoot error(exception);
-    return error ? JS_ErrorFromException(engineContext(), error) : nullptr;
-}
-
-/// Where the compiler has found an error, in no running code.
-LineInfo syntaxErrorPlace(JS::HandleValue exception) {
-    const JSErrorReport* const report = reportOf(exception);
-    if (!report || report->exnType != JSEXN_SYNTAXERR || !report->filename)
-        return {};
-    return placeOfCode(QString::fromUtf8(report->filename), static_cast<int>(report->lineno));
-}
-
-struct StackLines {
-    /// Of scripts, the innermost first.
-    std::vector<LineInfo> lines;
-    /// That of the outermost code, also of code in no file; 0 without.
-    int outermost = 0;
-};
-
-StackLines linesOfStack(JS::HandleObject stack) {
+/// Adds the script lines of a stack, the innermost first, and the line of the outermost code.
+void addLinesOfStack(JS::HandleObject stack, ScriptError* error) {
     JSContext* const context = engineContext();
-    StackLines found;
     ObjectRoot frame(stack);
     while (frame) {
         Root<JSString*> file;
         std::uint32_t line = 0;
-        if (JS::GetSavedFrameSource(context, nullptr, frame, &file, excluded) !=
-                JS::SavedFrameResult::Ok ||
-            JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded) !=
-                JS::SavedFrameResult::Ok)
-            break;
-        found.outermost = static_cast<int>(line);
-        const LineInfo place = placeOfCode(fileFromEngine(fromJsString(file)), found.outermost);
-        if (place.isValid() && found.lines.size() < mostLines)
-            found.lines.push_back(place);
+        // Of code that is not shown these are empty.
+        JS::GetSavedFrameSource(context, nullptr, frame, &file, excluded);
+        JS::GetSavedFrameLine(context, nullptr, frame, &line, excluded);
+        error->outermostLine = static_cast<int>(line);
+        const LineInfo place =
+            placeOfCode(fileFromEngine(fromJsString(file)), error->outermostLine);
+        if (place.isValid())
+            error->callStack.push_back(place);
         // A function that has waited goes on behind that which began it.
         ObjectRoot parent;
         JS::GetSavedFrameParent(context, nullptr, frame, &parent, excluded);
@@ -111,16 +68,6 @@ StackLines linesOfStack(JS::HandleObject stack) {
             JS::GetSavedFrameAsyncParent(context, nullptr, frame, &parent, excluded);
         frame = parent;
     }
-    return found;
-}
-
-/// Takes the lines of the code that still runs from the end of a stack.
-void cutRunningLines(std::vector<LineInfo>* stack) {
-    const std::vector<LineInfo> running = runningLines();
-    if (running.size() <= stack->size() &&
-        std::equal(running.rbegin(), running.rend(), stack->rbegin(),
-                   [](const LineInfo& left, const LineInfo& right) { return !(left != right); }))
-        stack->resize(stack->size() - running.size());
 }
 
 /// Takes the lines of classes of errors that have no constructor of their own from the beginning:
@@ -149,10 +96,8 @@ ScriptError errorOfEnd() {
         error.isExit = Engine::self().exitStatus() == 0;
         error.message = error.message.arg(Engine::self().exitStatus());
     }
-    StackLines found = linesOfStack(stack);
-    cutRunningLines(&found.lines);
-    error.callStack = std::move(found.lines);
-    error.outermostLine = found.outermost;
+    addLinesOfStack(stack, &error);
+    cutCommonEnd(&error.callStack, runningLines());
     return error;
 }
 
@@ -161,27 +106,29 @@ ScriptError errorOf(const JS::ExceptionStack& thrown) {
     const ObjectRoot object(exception);
     const ObjectRoot own(object ? JS::ExceptionStackOrNull(object) : nullptr);
     ScriptError error;
-    StackLines found;
     try {
         error.message = exceptionText(exception);
         // The stack that an error has, or the one with which it was thrown.
-        found = linesOfStack(own ? JS::HandleObject(own) : thrown.stack());
-        cutRunningLines(&found.lines);
+        addLinesOfStack(own ? JS::HandleObject(own) : thrown.stack(), &error);
+        cutCommonEnd(&error.callStack, runningLines());
         if (own)
-            cutOwnClasses(exception, &found.lines);
+            cutOwnClasses(exception, &error.callStack);
     } catch (const ScriptErrorSet&) {
         // An error that can't be told.
         clearException();
     }
-    error.callStack = std::move(found.lines);
     if (error.message.isEmpty() && object)
         error.message = QStringLiteral("An error that can't be written");
-    const LineInfo place = syntaxErrorPlace(exception);
-    if (place.isValid() && (error.callStack.empty() || error.callStack.front() != place))
-        error.callStack.insert(error.callStack.begin(), place);
+    // Where the compiler has found an error is no running code.
     const JSErrorReport* const report = reportOf(exception);
-    error.outermostLine =
-        found.outermost == 0 && report ? static_cast<int>(report->lineno) : found.outermost;
+    const LineInfo place =
+        report ? placeOfCode(QString::fromUtf8(report->filename), static_cast<int>(report->lineno))
+               : LineInfo();
+    if (place.isValid() && report->exnType == JSEXN_SYNTAXERR &&
+        (error.callStack.empty() || error.callStack.front() != place))
+        error.callStack.insert(error.callStack.begin(), place);
+    if (report && error.outermostLine == 0)
+        error.outermostLine = static_cast<int>(report->lineno);
     error.isPendingStep = isInstance(exception, "PendingStepError");
     if (auto* const interpreter = JavaScriptInterpreter::active())
         interpreter->failures().complete(object.get(), &error);
@@ -192,14 +139,17 @@ ScriptError errorOf(const JS::ExceptionStack& thrown) {
 
 // Throwing
 
+void throwError(JS::HandleObject error) {
+    JS_SetPendingException(engineContext(), ValueRoot(JS::ObjectValue(*error)));
+    throw ScriptErrorSet();
+}
+
 void throwFailure(const ScriptFailure& failure) {
     const auto& row = ScriptFailure::of(failure.kind, errorClasses);
-    const ObjectRoot error(row.own ? makeOwn(row.own, failure.text) : nullptr);
-    if (!error)
-        throwBuiltIn(row.builtIn, failure.text);
+    const ObjectRoot error(newError(row.own, row.builtIn, failure.text));
     if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->noticeFailure(failure, error);
-    throwObject(error);
+        interpreter->failures().notice(failure, interpreter->languageDebugger(), error);
+    throwError(error);
 }
 
 void raise(const ScriptFailure& failure) {
@@ -211,18 +161,17 @@ void raise(const ScriptFailure& failure) {
 }
 
 void throwPendingStep(const QString& text) {
-    throwObject(ObjectRoot(makeOwn("PendingStepError", text)));
+    throwError(ObjectRoot(newError("PendingStepError", JSProto_Error, text)));
 }
 
-void throwBuiltIn(JSExnType type, const QString& text) {
-    JSErrorFormatString format = {"", "{0}", 1, static_cast<std::int16_t>(type)};
-    JS_ReportErrorNumberUTF8(
-        engineContext(),
-        [](void* reference, unsigned) -> const JSErrorFormatString* {
-            return static_cast<JSErrorFormatString*>(reference);
-        },
-        &format, 1, text.toUtf8().constData());
+void throwWithStack(JS::HandleValue thrown, JS::HandleObject stack) {
+    JS::SetPendingExceptionStack(engineContext(),
+                                 JS::ExceptionStack(engineContext(), thrown, stack));
     throw ScriptErrorSet();
+}
+
+void throwBuiltIn(JSProtoKey type, const QString& text) {
+    throwError(ObjectRoot(newError(nullptr, type, text)));
 }
 
 QString nameOfCallee(const JS::CallArgs& arguments) {
@@ -240,33 +189,25 @@ bool isEndOfScript() {
     return isInstance(exception, "FatalError");
 }
 
+const JSErrorReport* reportOf(const JS::Value& exception) {
+    const ObjectRoot error(exception);
+    return error ? JS_ErrorFromException(engineContext(), error) : nullptr;
+}
+
 QString exceptionText(JS::HandleValue exception) {
-    ValueRoot value(exception);
-    QString text;
-    for (int count = 0; count <= mostCauses; ++count) {
-        if (count > 0)
-            text += "\ncaused by ";
-        text += textOf(value);
-        const ObjectRoot error(value);
-        const mozilla::Maybe<JS::Value> cause =
-            error ? JS::GetExceptionCause(error) : mozilla::Nothing();
-        if (cause.isNothing())
-            break;
-        value = *cause;
-    }
-    return text;
+    return textWithCauses(
+        ValueRoot(exception), [](const ValueRoot& each) { return textOf(each); },
+        [](const ValueRoot& each) -> std::optional<ValueRoot> {
+            const ObjectRoot error(each);
+            const auto cause = error ? JS::GetExceptionCause(error) : mozilla::Nothing();
+            return cause ? std::optional(ValueRoot(*cause)) : std::nullopt;
+        });
 }
 
 ScriptError takeScriptError() {
-    if (!JS_IsExceptionPending(engineContext()))
-        return errorOfEnd();
-    JS::ExceptionStack thrown(engineContext());
-    if (JS::StealPendingExceptionStack(engineContext(), &thrown))
-        return errorOf(thrown);
+    const std::optional<ScriptError> error = pendingScriptError();
     clearException();
-    ScriptError error;
-    error.message = QStringLiteral("Out of memory");
-    return error;
+    return error ? *error : errorOfEnd();
 }
 
 std::optional<ScriptError> pendingScriptError() {
@@ -281,12 +222,13 @@ std::optional<ScriptError> pendingScriptError() {
 // Places
 
 std::vector<LineInfo> runningLines() {
+    ScriptError running;
     ObjectRoot stack;
-    if (!JS::CaptureCurrentStack(engineContext(), &stack)) {
+    if (JS::CaptureCurrentStack(engineContext(), &stack))
+        addLinesOfStack(stack, &running);
+    else
         clearException();
-        return {};
-    }
-    return linesOfStack(stack).lines;
+    return running.callStack;
 }
 
 LineInfo placeOfCode(const QString& file, int line) {
@@ -294,24 +236,21 @@ LineInfo placeOfCode(const QString& file, int line) {
         return {};
     // "FILE line 3 > eval line 1 > Function": the outermost of them.
     static const QRegularExpression s_evaluated(QStringLiteral("^(.*?) line (\\d+) > "));
-    if (file.contains(QLatin1String(" > "))) {
-        const QRegularExpressionMatch evaluated = s_evaluated.match(file);
-        if (evaluated.hasMatch())
-            return placeOfCode(evaluated.captured(1), evaluated.captured(2).toInt());
-    }
-    return LineInfo(file, line);
+    const QRegularExpressionMatch evaluated =
+        file.contains(QLatin1String(" > ")) ? s_evaluated.match(file) : QRegularExpressionMatch();
+    return evaluated.hasMatch() ? placeOfCode(evaluated.captured(1), evaluated.captured(2).toInt())
+                                : LineInfo(file, line);
 }
 
 LineInfo placeOfFunction(const JS::Value& function) {
     const Root<JSFunction*> object(function.isObject() ? JS_GetObjectFunction(&function.toObject())
                                                        : nullptr);
     JSScript* const script = object ? JS_GetFunctionScript(engineContext(), object) : nullptr;
-    if (!script) {
-        clearException();
-        return {};
-    }
-    return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
-                       static_cast<int>(JS_GetScriptBaseLineNumber(engineContext(), script)));
+    if (script)
+        return placeOfCode(QString::fromUtf8(JS_GetScriptFilename(script)),
+                           static_cast<int>(JS_GetScriptBaseLineNumber(engineContext(), script)));
+    clearException();
+    return {};
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

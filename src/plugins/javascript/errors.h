@@ -1,8 +1,5 @@
 #pragma once
 
-#include <js/ErrorReport.h>
-#include <jsapi.h>
-
 #include <QString>
 #include <optional>
 #include <tl/expected.hpp>
@@ -25,7 +22,12 @@ void raise(const ScriptFailure& failure);
 [[noreturn]] void throwFailure(const ScriptFailure& failure);
 
 /// An error of a class of the language.
-[[noreturn]] void throwBuiltIn(JSExnType type, const QString& text);
+[[noreturn]] void throwBuiltIn(JSProtoKey type, const QString& text);
+
+[[noreturn]] void throwError(JS::HandleObject error);
+
+/// Throws what was thrown before, with its stack; null for none.
+[[noreturn]] void throwWithStack(JS::HandleValue thrown, JS::HandleObject stack);
 
 /// The running step is still to be written.
 [[noreturn]] void throwPendingStep(const QString& text);
@@ -40,8 +42,7 @@ T checked(tl::expected<T, ScriptFailure> result) {
 }
 
 /// Runs `work` of a native function, which gives whether it succeeded: what it throws becomes an
-/// exception of the script, and false is returned then. `name` is the function's for messages, or
-/// gives it when it is called.
+/// exception of the script, and false is returned then. `name` gives the function's for messages.
 template <typename Name, typename Work>
 bool guarded(const Name& name, Work work) {
     try {
@@ -49,12 +50,7 @@ bool guarded(const Name& name, Work work) {
     } catch (const ScriptErrorSet&) {
         // The script gets the exception that is pending.
     } catch (const std::exception& exception) {
-        QString shown;
-        if constexpr (std::is_invocable_v<const Name&>)
-            shown = name();
-        else
-            shown = QString::fromLatin1(name);
-        raise(thrownIn(shown, QString::fromUtf8(exception.what())));
+        raise(thrownIn(name(), QString::fromUtf8(exception.what())));
     }
     return false;
 }
@@ -79,19 +75,6 @@ bool native(JSContext*, unsigned count, JS::Value* values) {
     });
 }
 
-/// What a table of functions has for one of them.
-struct NativeRow {
-    const char* name;
-    JSNative function;
-};
-/// Makes them functions of an object. Throws ScriptErrorSet.
-template <std::size_t size>
-void defineFunctions(JS::HandleObject object, const NativeRow (&rows)[size],
-                     unsigned attributes = 0) {
-    for (const NativeRow& row : rows)
-        checked(JS_DefineFunction(engineContext(), object, row.name, row.function, 1, attributes));
-}
-
 /// Whether what is pending ends the script, so that no function of the library may report it as an
 /// error of a piece of code: what no `catch` stops, and a FatalError.
 bool isEndOfScript();
@@ -101,6 +84,9 @@ bool isEndOfScript();
 ScriptError takeScriptError();
 /// The same of an exception, which stays pending; nothing when none is.
 std::optional<ScriptError> pendingScriptError();
+
+/// What the engine itself knows of an error; null for other values.
+const JSErrorReport* reportOf(const JS::Value& exception);
 
 /// The text that a person is told of an exception, with what led to it.
 QString exceptionText(JS::HandleValue exception);

@@ -1,10 +1,5 @@
 #include "plugins/javascript/hostobjects.h"
 
-#include <js/Array.h>
-#include <js/MemoryFunctions.h>
-#include <js/Object.h>
-#include <js/Symbol.h>
-
 #include <QImage>
 
 #include "interpreter/generic/imageobjects.h"
@@ -15,6 +10,7 @@ namespace Tamrix::JavaScriptPlugin {
 namespace {
 
 constexpr unsigned heldSlot = 0;
+constexpr unsigned memorySlot = 1;
 
 /// What an object has beside the engine's heap, so that many of them are collected in time. It does
 /// not change.
@@ -25,34 +21,23 @@ std::size_t memoryOf(const Held& held) {
     return image ? static_cast<std::size_t>(image->image.sizeInBytes()) : 0;
 }
 
-struct Holding {
-    Held held;
-    std::size_t memory;
-};
-
-Holding* holdingOf(JSObject* object) {
-    return JS::GetMaybePtrFromReservedSlot<Holding>(object, heldSlot);
-}
-
 void finalize(JS::GCContext*, JSObject* object) {
-    Holding* const holding = holdingOf(object);
-    if (holding && holding->memory > 0)
-        JS::RemoveAssociatedMemory(object, holding->memory, JS::MemoryUse::Embedding1);
-    delete holding;
+    const JS::Value memory = JS::GetReservedSlot(object, memorySlot);
+    if (memory.isNumber())
+        JS::RemoveAssociatedMemory(object, static_cast<std::size_t>(memory.toNumber()),
+                                   JS::MemoryUse::Embedding1);
+    delete JS::GetMaybePtrFromReservedSlot<Held>(object, heldSlot);
 }
 
-constexpr JSClassOps classOperations = {nullptr, nullptr,  nullptr, nullptr, nullptr,
-                                        nullptr, finalize, nullptr, nullptr, nullptr};
+constexpr JSClassOps operations = {nullptr, nullptr,  nullptr, nullptr, nullptr,
+                                   nullptr, finalize, nullptr, nullptr, nullptr};
 constexpr JSClass hostClass = {
-    "Object",         JSCLASS_HAS_RESERVED_SLOTS(1) | JSCLASS_FOREGROUND_FINALIZE,
-    &classOperations, nullptr,
-    nullptr,          nullptr};
+    "Object",    JSCLASS_HAS_RESERVED_SLOTS(2) | JSCLASS_FOREGROUND_FINALIZE,
+    &operations, nullptr,
+    nullptr,     nullptr};
 
-/// The key under which an array of rows has its data set.
-jsid dataSetKey() {
-    const Root<JSString*> name(checked(JS_AtomizeString(engineContext(), "tamrix.dataSet")));
-    return JS::PropertyKey::Symbol(checked(JS::GetSymbolFor(engineContext(), name)));
-}
+/// Where an array of rows has its data set.
+const QString dataSetName = QStringLiteral("tamrix.dataSet");
 
 JSObject* rowObject(const SharedPtr<TestDataSet>& set, const TestDataRecord* record) {
     const SharedPtr<HeldRecord> held(new HeldRecord(set, record));
@@ -75,17 +60,18 @@ JSObject* makeHostObject(Held held, JS::HandleObject prototype) {
     const ObjectRoot object(
         checked(JS_NewObjectWithGivenProto(engineContext(), &hostClass, prototype)));
     const std::size_t memory = memoryOf(held);
-    JS::SetReservedSlot(object, heldSlot, JS::PrivateValue(new Holding{std::move(held), memory}));
-    if (memory > 0)
+    JS::SetReservedSlot(object, heldSlot, JS::PrivateValue(new Held(std::move(held))));
+    if (memory > 0) {
+        JS::SetReservedSlot(object, memorySlot, JS::NumberValue(static_cast<double>(memory)));
         JS::AddAssociatedMemory(object, memory, JS::MemoryUse::Embedding1);
+    }
     return object;
 }
 
 const Held* heldIn(JSObject* object) {
-    if (JS::GetClass(object) != &hostClass)
-        return nullptr;
-    const Holding* const holding = holdingOf(object);
-    return holding ? &holding->held : nullptr;
+    return JS::GetClass(object) == &hostClass
+               ? JS::GetMaybePtrFromReservedSlot<Held>(object, heldSlot)
+               : nullptr;
 }
 
 JS::Value dataSetValue(const SharedPtr<TestDataSet>& set) {
@@ -93,15 +79,14 @@ JS::Value dataSetValue(const SharedPtr<TestDataSet>& set) {
     for (int index = 0; index < set->count(); ++index)
         rows.add(JS::ObjectValue(*rowObject(set, set->record(index))));
     const ObjectRoot array(newArray(rows));
-    const ObjectRoot held(makeHostObject(set, ObjectRoot(rootPrototype())));
-    checked(JS_DefinePropertyById(engineContext(), array, IdRoot(dataSetKey()), held, 0));
+    defineProperty(array, dataSetName, makeHostObject(set, ObjectRoot(rootPrototype())), 0);
     return JS::ObjectValue(*array);
 }
 
 SharedPtr<TestDataSet> dataSetOf(JS::HandleObject array) {
-    bool isArray = false;
-    checked(JS::IsArrayObject(engineContext(), array, &isArray));
-    const ObjectRoot held(isArray ? dataPropertyOf(array, dataSetKey()) : JS::UndefinedValue());
+    const ObjectRoot held(builtinClass(array) == js::ESClass::Array
+                              ? dataPropertyOf(array, toKey(dataSetName))
+                              : JS::UndefinedValue());
     return held ? heldBy<TestDataSet>(held) : SharedPtr<TestDataSet>();
 }
 

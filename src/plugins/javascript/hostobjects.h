@@ -1,7 +1,5 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
 #include <variant>
 
@@ -10,6 +8,7 @@
 #include "interpreter/objects/members.h"
 #include "platform/objectmodel/applicationcontext.h"
 #include "platform/objectmodel/object.h"
+#include "plugins/javascript/engineapi.h"
 #include "shared/testdata/testdataset.h"
 
 namespace Tamrix::JavaScriptPlugin {

@@ -1,17 +1,10 @@
 #include "plugins/javascript/javascriptargument.h"
 
-#include <js/Array.h>
-#include <js/BigInt.h>
-#include <js/Conversions.h>
-#include <jsfriendapi.h>
-
 #include <cmath>
 
 #include "interpreter/objects/objectidentity.h"
-#include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/promises.h"
-#include "plugins/javascript/scriptrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -59,7 +52,7 @@ long long JavaScriptArgument::convertedToInt() const {
         return number;
     const std::optional<long long> whole = own.isBigInt() ? std::nullopt : wholePart(toDouble());
     if (!whole)
-        throwBuiltIn(JSEXN_RANGEERR,
+        throwBuiltIn(JSProto_RangeError,
                      QStringLiteral("%1 is no integer of 64 bits: only such can be passed on")
                          .arg(toString()));
     return *whole;
@@ -89,7 +82,7 @@ ScriptArgument::Map JavaScriptArgument::toMap() const {
             values[textOf(entries[index])] = argumentOf(entries[index + 1]);
         return values;
     }
-    IdRoots names;
+    JS::PersistentRootedIdVector names(engineContext());
     checked(js::GetPropertyKeys(engineContext(), own, JSITER_OWNONLY, &names));
     for (const jsid& name : names)
         values[fromKey(name)] = argumentOf(propertyOf(own, name));
@@ -97,7 +90,7 @@ ScriptArgument::Map JavaScriptArgument::toMap() const {
 }
 
 std::optional<QByteArray> JavaScriptArgument::bytes() const {
-    return object() && isBytes(object()) ? std::optional(fromJsBytes(object())) : std::nullopt;
+    return object() ? fromJsBytes(object()) : std::nullopt;
 }
 
 // Callables

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <optional>
 #include <type_traits>
 

@@ -1,11 +1,6 @@
 #include "plugins/javascript/javascriptcontext.h"
 
-#include <js/Equality.h>
-#include <js/friend/StackLimits.h>
-
-#include "interpreter/language/valueequality.h"
 #include "interpreter/objects/objectidentity.h"
-#include "plugins/javascript/debuggerrealm.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 #include "plugins/javascript/nativefunctions.h"
@@ -24,11 +19,9 @@ public:
         if (left.isNullOrUndefined() && right.isNullOrUndefined())
             return true;
         const bool areNumbers = left.isNumeric() && right.isNumeric();
-        bool equal = false;
-        checked(areNumbers ? JS::LooselyEqual(m_context, left, right, &equal)
-                           : JS::StrictlyEqual(m_context, left, right, &equal));
-        return equal || (left.isObject() && right.isObject() &&
-                         areEqualObjects(ObjectRoot(left), ObjectRoot(right)));
+        return given<bool>(areNumbers ? JS::LooselyEqual : JS::StrictlyEqual, left, right) ||
+               (left.isObject() && right.isObject() &&
+                areEqualObjects(ObjectRoot(left), ObjectRoot(right)));
     }
 
 private:
@@ -37,8 +30,8 @@ private:
         const SharedPtr<Object> other = applicationObjectOf(right);
         if (one && other)
             return isSameObject(one, other);
-        js::AutoCheckRecursionLimit recursion(m_context);
-        checked(recursion.check(m_context));
+        js::AutoCheckRecursionLimit recursion(engineContext());
+        checked(recursion.check(engineContext()));
         for (std::size_t index = 0; index < m_compared.length(); index += 2) {
             if (m_compared[index] == left.get() && m_compared[index + 1] == right.get())
                 return true;
@@ -53,41 +46,34 @@ private:
     }
 
     bool haveEqualMembers(js::ESClass kind, JS::HandleObject left, JS::HandleObject right) {
-        switch (kind) {
-            case js::ESClass::Array:
-            case js::ESClass::Map:
-            case js::ESClass::Set:
-                return areEqualLists(left, right);
-            case js::ESClass::Date:
-                return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
-            case js::ESClass::Object:
-                return isPlainObject(left) && isPlainObject(right) && areEqualPlain(left, right);
-            default:
-                return isBytes(left) && isBytes(right) && fromJsBytes(left) == fromJsBytes(right);
-        }
-    }
-
-    bool areEqualLists(JS::HandleObject left, JS::HandleObject right) {
+        if (kind == js::ESClass::Date)
+            return fromJsDate(JS::ObjectValue(*left)) == fromJsDate(JS::ObjectValue(*right));
+        if (const std::optional<QByteArray> bytes = fromJsBytes(left))
+            return bytes == fromJsBytes(right);
         ValueRoots first;
         ValueRoots second;
-        elementsOf(left, &first);
-        elementsOf(right, &second);
+        if (!addMembers(kind, left, &first) || !addMembers(kind, right, &second))
+            return false;
         bool equal = first.length() == second.length();
         for (std::size_t index = 0; equal && index < first.length(); ++index)
             equal = areEqual(first[index], second[index]);
         return equal;
     }
 
-    bool areEqualPlain(JS::HandleObject left, JS::HandleObject right) {
-        const AreEqual areEqualValues = [this](const auto& one, const auto& other) {
-            return areEqual(valueOf(one), valueOf(other));
-        };
-        return areEqualMaps(JavaScriptArgument(JS::ObjectValue(*left)),
-                            JavaScriptArgument(JS::ObjectValue(*right)), areEqualValues);
+    /// Those of a list, or names and values in the order of the names. False when it is neither.
+    static bool addMembers(js::ESClass kind, JS::HandleObject container, ValueRoots* members) {
+        const bool isPlain = isPlainObject(container);
+        if (isPlain) {
+            const JavaScriptArgument object(JS::ObjectValue(*container));
+            for (const auto& [name, value] : object.toMap())
+                members->add(toJsText(name)).add(valueOf(value));
+        } else if (isCollection(kind)) {
+            elementsOf(container, members);
+        }
+        return isPlain || isCollection(kind);
     }
 
-    JSContext* m_context = engineContext();
-    JS::RootedObjectVector m_compared{m_context};
+    JS::RootedObjectVector m_compared{engineContext()};
 };
 
 }  // namespace
@@ -97,54 +83,55 @@ private:
 JS::Value JavaScriptContext::makeValue(const SharedPtr<NativeScriptObject>& object) {
     if (!object)
         return JS::NullValue();
-    const ObjectRoot prototype(m_interpreter.realm().nativePrototype(object->typeId()));
-    return JS::ObjectValue(*makeHostObject(object, prototype));
+    const ObjectRoot* const known = m_interpreter.realm().nativePrototypes().find(object->typeId());
+    return JS::ObjectValue(*makeHostObject(object, known ? *known : ObjectRoot()));
 }
 
 JS::Value JavaScriptContext::makeValue(const SharedPtr<ApplicationContext>& application) {
     // One object for each application, so that `===` tells whether two are the same.
     ScriptRealm& realm = m_interpreter.realm();
     const QString id = QString::number(application->id);
-    ObjectRoot known(propertyOf(realm.applicationContexts(), toKey(id)));
-    if (!known) {
-        known = makeHostObject(application, realm.applicationContextPrototype());
-        defineProperty(realm.applicationContexts(), id, JS::ObjectValue(*known));
+    ValueRoot known(propertyOf(realm.applicationContexts(), toKey(id)));
+    if (!known.isObject()) {
+        known.setObject(*makeHostObject(application, realm.applicationContextPrototype()));
+        defineProperty(realm.applicationContexts(), id, known);
     }
-    return JS::ObjectValue(*known);
+    return known;
 }
 
 // Registration
 
-JSObject* JavaScriptContext::holderOf(const QString& owner) {
+void JavaScriptContext::defineName(const QString& owner, const QString& name,
+                                   const JS::Value& value, unsigned attributes) {
+    const ValueRoot kept(value);
     const JS::HandleObject global = m_interpreter.realm().global();
-    if (owner.isEmpty())
-        return global;
-    ObjectRoot found(propertyOf(global, toKey(owner)));
-    if (!found) {
-        found = newObject();
-        defineProperty(global, owner, JS::ObjectValue(*found), 0);
+    ObjectRoot holder(owner.isEmpty() ? JS::ObjectValue(*global)
+                                      : propertyOf(global, toKey(owner)));
+    if (!holder) {
+        holder = newObject();
+        defineProperty(global, owner, holder, 0);
     }
-    return found;
+    defineProperty(holder, name, kept, attributes);
 }
 
 void JavaScriptContext::define(const NativeFunction& function) {
     const QString& owner = function.signature().owner;
-    const ObjectRoot holder(holderOf(owner));
-    defineProperty(holder, function.signature().name, JS::ObjectValue(*makeFunction(function)),
-                   owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
+    defineName(owner, function.signature().name, JS::ObjectValue(*makeFunction(function)),
+               owner.isEmpty() ? 0 : JSPROP_ENUMERATE);
 }
 
 void JavaScriptContext::defineMember(const NativeFunction& function) {
-    if (function.signature().owner != QLatin1String("ApplicationContext"))
-        LanguageContext::defineMember(function);
-    else
-        defineProperty(m_interpreter.realm().applicationContextPrototype(),
-                       function.signature().name, JS::ObjectValue(*makeMemberFunction(function)),
-                       0);
+    const QString& owner = function.signature().owner;
+    const bool isOfApplications = owner == QLatin1String("ApplicationContext");
+    if (!isOfApplications && owner != QLatin1String("StepContext"))
+        return LanguageContext::defineMember(function);
+    ScriptRealm& realm = m_interpreter.realm();
+    defineProperty(isOfApplications ? realm.applicationContextPrototype() : realm.stepContext(),
+                   function.signature().name, makeMemberFunction(function), 0);
 }
 
 void JavaScriptContext::defineConstant(const QString& owner, const QString& name, int value) {
-    defineProperty(ObjectRoot(holderOf(owner)), name, JS::Int32Value(value), 0);
+    defineName(owner, name, JS::Int32Value(value), 0);
 }
 
 // Positions
@@ -152,18 +139,16 @@ void JavaScriptContext::defineConstant(const QString& owner, const QString& name
 bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) const {
     JS::AutoFilename file;
     unsigned line = 0;
-    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(engineContext(), &file, &line) &&
-        file.get()) {
-        const LineInfo place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
-        if (place.isValid()) {
-            position = place;
-            return true;
-        }
+    LineInfo place;
+    if (ancestorLevel == 0 && JS::DescribeScriptedCaller(engineContext(), &file, &line))
+        place = placeOfCode(QString::fromUtf8(file.get()), static_cast<int>(line));
+    if (!place.isValid()) {
+        const std::vector<LineInfo> lines = runningLines();
+        if (ancestorLevel >= static_cast<int>(lines.size()))
+            return false;
+        place = lines[static_cast<std::size_t>(ancestorLevel)];
     }
-    const std::vector<LineInfo> lines = runningLines();
-    if (ancestorLevel >= static_cast<int>(lines.size()))
-        return false;
-    position = lines[static_cast<std::size_t>(ancestorLevel)];
+    position = place;
     return true;
 }
 
@@ -171,15 +156,11 @@ bool JavaScriptContext::lineInfoOfFrame(LineInfo& position, int ancestorLevel) c
 
 QString JavaScriptContext::explainArgument(const char* /*parameter*/) {
     QStringList lines;
-    JavaScriptValueTexts texts;
-    try {
-        for (const auto& [name, value] : DebuggerRealm::self().explainCaller())
-            lines += lines.isEmpty() ? name : name + ": " + texts.textOf(value);
-    } catch (const ScriptErrorSet&) {
-        if (isEndOfScript())
-            throw;
-        clearException();
-    }
+    const auto texts = makeLimitedTexts();
+    m_interpreter.attempt([&] {
+        for (const ValueTexts::Part& each : JavaScriptDebugger::explainCaller())
+            lines += lines.isEmpty() ? each.name : each.name + ": " + texts->textOf(each.value);
+    });
     return lines.join('\n');
 }
 
@@ -191,9 +172,9 @@ bool JavaScriptContext::valuesEqual(SharedPtr<ScriptArgument> left,
 std::pair<QString, QString> JavaScriptContext::evaluateForException(
     SharedPtr<ScriptArgument> code) {
     return attemptException(
-        *code, {[&](const QString& text) { return m_interpreter.syntaxError(text); },
+        *code, {nullptr,
                 [](const QString& text) {
-                    DebuggerRealm::self().evaluateInCaller(text, "<test.exception>");
+                    JavaScriptDebugger::evaluateInCaller(text, "<test.exception>");
                 },
                 [&] { static_cast<const JavaScriptArgument*>(code.get())->called({}); }});
 }
@@ -201,7 +182,7 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
     return attemptCondition(
         [&] {
-            const ValueRoot value(DebuggerRealm::self().evaluateInCaller(
+            const ValueRoot value(JavaScriptDebugger::evaluateInCaller(
                 '(' + expression.trimmed() + "\n)", "<waitFor>"));
             return JavaScriptArgument(value).toBool();
         },

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include "interpreter/language/valuecontext.h"
 #include "plugins/javascript/javascriptargument.h"
 
@@ -25,7 +23,7 @@ public:
     static JS::Value makeValue(const QDateTime& value) { return toJsDate(value); }
     static JS::Value makeValue(const QByteArray& value) { return toJsBytes(value); }
     static JS::Value makeValue(const ScriptArgument::List& values) {
-        return JS::ObjectValue(*newArray(ArgumentValues(values)));
+        return newArray(ArgumentValues(values));
     }
     static JS::Value makeValue(const ScriptArgument::Map& values) { return objectOf(values); }
     static JS::Value makeValue(const SharedPtr<Object>& object) {
@@ -48,8 +46,9 @@ protected:
     void defineConstant(const QString& owner, const QString& name, int value) override;
 
 private:
-    /// The object of a namespace, or the global one for an empty name.
-    JSObject* holderOf(const QString& owner);
+    /// Defines a name of a namespace, or a global one for an empty owner.
+    void defineName(const QString& owner, const QString& name, const JS::Value& value,
+                    unsigned attributes);
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

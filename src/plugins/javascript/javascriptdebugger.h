@@ -1,32 +1,27 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <QStringList>
 #include <memory>
 #include <vector>
 
-#include "interpreter/language/valuetexts.h"
-#include "plugins/javascript/debuggerrealm.h"
+#include "interpreter/language/languagedebugger.h"
+#include "plugins/javascript/roots.h"
+#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 class JavaScriptInterpreter;
 
-/// The language's half of the debugger. While it is interactive the engine tells it of lines: in
-/// mode Run of those with a break point alone, when stepping of all.
+/// The language's half of the debugger. Scripts can be looked at from another compartment only, by
+/// code of the language: a realm for it is made on first use, for the process. What it is given and
+/// gives are values of the script's realm. While the debugger is interactive the engine tells it of
+/// lines: in mode Run of those with a break point alone, when stepping of all.
 class JavaScriptDebugger final : public LanguageDebugger {
 public:
     explicit JavaScriptDebugger(JavaScriptInterpreter& interpreter);
 
-    void setInteractive(bool interactive) override;
-    void setDebuggerMode(DbgMode mode) override;
-
     /// The interpreter runs in another realm now.
     void realmChanged();
-    /// A file is about to be compiled: break points that wait for it are set.
-    void noticeFile(const QString& file);
     /// What is pending has ended the script: stops if the debugger has not done so before, as for
     /// what a promise was rejected with that looked as if somebody waited for it.
     void errorUncaught();
@@ -34,36 +29,45 @@ public:
     // What the engine tells.
     /// A line of the file is about to run.
     void reached(const QString& file, int line);
-    /// An exception leaves the innermost frame, and no `catch` of the script will stop it.
-    void errorThrown(JS::HandleValue exception);
+    /// An exception, of the debugger's realm, leaves the innermost frame, and no `catch` of the
+    /// script will stop it.
+    void errorThrown(const JS::Value& thrown);
 
-    /// Runs code in a frame, or at the script's top level for null. Throws ScriptErrorSet.
-    JS::Value evaluate(const ScriptFrame* frame, const QString& code);
+    /// Those of inner scopes first, none that are hidden by others.
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
-    /// The variables of a frame, with their names as parts of paths.
-    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame);
+    // These throw ScriptErrorSet, and work for a script that is not watched, too.
+    /// Runs code in a frame; at the top level of the script for null.
+    static JS::Value evaluate(const ScriptFrame* frame, const QString& code);
+    /// Runs code in the frame that has called the running native function. `file` stands for the
+    /// code in positions.
+    static JS::Value evaluateInCaller(const QString& code, const char* file);
+    /// What the running call of a native function says in its script: the text of its first
+    /// argument as a name without a value, then the values in it. These are looked up once more:
+    /// names, properties, operators and some of the language's own functions; no other call is made
+    /// a second time. Empty when there is nothing to tell.
+    static std::vector<ValueTexts::Part> explainCaller();
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override { return makeLimitedTexts(); }
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override;
+    /// Lets the engine tell what the mode wants.
+    void modeChanged() override;
     void stopSoon() override;
 
 private:
     void watch();
+    void unwatch();
     /// Lets `work` deal with the debugger's side of the engine, if that watches.
     template <typename Work>
     void ask(Work work);
-    /// Lets the engine tell what the mode wants.
-    void applyMode();
 
     JavaScriptInterpreter& m_interpreter;
-    /// Those that were compiled.
-    QStringList m_files;
     /// The exception that the debugger has stopped for.
-    JS::PersistentRootedValue m_toldError;
+    ValueRoot m_toldError;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,19 +1,11 @@
 #include "plugins/javascript/javascriptinterpreter.h"
 
-#include <js/CompilationAndEvaluation.h>
-#include <js/ErrorReport.h>
-#include <js/Modules.h>
-#include <js/ScriptPrivate.h>
-#include <js/friend/ErrorMessages.h>
-#include <jsfriendapi.h>
-
 #include <QRegularExpression>
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
 #include "plugins/javascript/javascriptsteps.h"
-#include "plugins/javascript/jobqueue.h"
 #include "plugins/javascript/nativefunctions.h"
 #include "plugins/javascript/promises.h"
 
@@ -31,10 +23,8 @@ constexpr unsigned moduleErrors[] = {JSMSG_IMPORT_DECL_AT_TOP_LEVEL, JSMSG_EXPOR
 
 bool isModuleError() {
     ValueRoot exception;
-    if (!JS_GetPendingException(engineContext(), &exception) || !exception.isObject())
-        return false;
-    const JSErrorReport* const report =
-        JS_ErrorFromException(engineContext(), ObjectRoot(exception));
+    JS_GetPendingException(engineContext(), &exception);
+    const JSErrorReport* const report = reportOf(exception);
     return report && std::find(std::begin(moduleErrors), std::end(moduleErrors),
                                report->errorNumber) != std::end(moduleErrors);
 }
@@ -42,7 +32,7 @@ bool isModuleError() {
 void refuseGenerator(const QString& name, JS::HandleValue result) {
     const char* const kind = result.isObject() ? JS::GetClass(&result.toObject())->name : "";
     if (std::strcmp(kind, "Generator") == 0 || std::strcmp(kind, "AsyncGenerator") == 0)
-        throwBuiltIn(JSEXN_TYPEERR,
+        throwBuiltIn(JSProto_TypeError,
                      (name.isEmpty() ? QStringLiteral("The function") : name + "()") +
                          " is a generator and nothing of it has run: take its '*' away");
 }
@@ -52,11 +42,10 @@ void refuseGenerator(const QString& name, JS::HandleValue result) {
 JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
     : LanguageInterpreter(runner, JavaScript) {
     Modules::install();
-    m_scriptModule.init(engineContext());
-    m_debugger = std::make_unique<JavaScriptDebugger>(*this);
+    stopWaiting();
     try {
         enterNewRealm();
-        begin(m_context, *m_debugger, std::make_unique<JavaScriptSteps>(*this));
+        begin(m_context, m_debugger, makeStepLanguage(*this));
     } catch (const ScriptErrorSet&) {
         const QString text = takeScriptError().message;
         leaveActive();
@@ -69,7 +58,7 @@ JavaScriptInterpreter::JavaScriptInterpreter(RunnerInterface* runner)
 JavaScriptInterpreter::~JavaScriptInterpreter() {
     end();
     m_failures.clear();
-    Engine::self().jobs().clear();
+    stopWaiting();
     leaveActive();
     enterActiveRealm();
     m_realm.reset();
@@ -79,7 +68,8 @@ void JavaScriptInterpreter::enterNewRealm() {
     std::unique_ptr<ScriptRealm> old = std::move(m_realm);
     m_realm = std::make_unique<ScriptRealm>();
     enterActiveRealm();
-    m_debugger->realmChanged();
+    m_context.defineStepMembers();
+    m_debugger.realmChanged();
 }
 
 void JavaScriptInterpreter::enterActiveRealm() {
@@ -96,8 +86,7 @@ void JavaScriptInterpreter::enterActiveRealm() {
 
 void JavaScriptInterpreter::addNativeType(const QString& name, void* typeId,
                                           const NativeScriptType& type) {
-    defineProperty(m_realm->global(), name, JS::ObjectValue(*makeNativeClass(name, typeId, type)),
-                   0);
+    defineProperty(m_realm->global(), name, makeNativeClass(name, typeId, type), 0);
 }
 
 QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
@@ -109,8 +98,7 @@ QString JavaScriptInterpreter::addToSearchPath(const QFileInfo& directory) {
 void JavaScriptInterpreter::publishFunctions(const QStringList& names) {
     for (const QString& name : names) {
         if (!hasProperty(m_realm->global(), toKey(name)))
-            defineProperty(m_realm->global(), name, JS::ObjectValue(*makeApplicationFunction(name)),
-                           0);
+            defineProperty(m_realm->global(), name, makeApplicationFunction(name), 0);
     }
 }
 
@@ -120,84 +108,51 @@ void JavaScriptInterpreter::startScript(const QString& path, const QStringList& 
                                         const QStringList& folders) {
     m_failures.clear();
     m_scriptModule = nullptr;
-    Engine::self().jobs().clear();
-    try {
-        if (m_hasRunScript) {
-            enterNewRealm();
-            registerFunctions();
-            for (const QString& text : initScripts())
-                attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
-            m_hasRunScript = false;
-        }
-        m_realm->modules().folders() = folders + m_searchPath;
-        ValueRoots texts;
-        for (const QString& text : QStringList(path) + arguments)
-            texts.add(toJsText(text));
-        const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
-        defineProperty(library, QStringLiteral("argv"), JS::ObjectValue(*newArray(texts)));
-    } catch (const ScriptErrorSet&) {
-        qWarning("The script can't be started: %s",
-                 takeScriptError().message.toLocal8Bit().constData());
+    stopWaiting();
+    if (hasStarted()) {
+        enterNewRealm();
+        registerFunctions();
+        for (const QString& text : initScripts())
+            attempt([&] { runText(text, QString(), Exports::BecomeGlobals); });
     }
+    m_realm->modules().folders() = folders + m_searchPath;
+    const ObjectRoot library(propertyOf(m_realm->global(), "tamrix"));
+    defineProperty(library, QStringLiteral("argv"), newArray(QStringList(path) + arguments));
 }
 
-JSObject* JavaScriptInterpreter::compile(const QString& text, const QString& file,
-                                         JS::MutableHandleScript script) {
-    m_debugger->noticeFile(file);
+JavaScriptInterpreter::Code JavaScriptInterpreter::compile(const QString& text,
+                                                           const QString& fileName) {
+    const QString file = fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName);
+    m_debugger.sourceIdOf(file);
     Source source(text, file);
     // As modules are: a slip in a name is an error, and no new variable or property.
     source.options.setForceStrictMode();
-    script.set(JS::Compile(engineContext(), source.options, source.text));
-    if (script) {
-        const ValueRoot path(toJsText(file));
-        JS::SetScriptPrivate(script, path);
-        return nullptr;
+    Code code;
+    code.script = JS::Compile(engineContext(), source.options, source.text);
+    if (code.script) {
+        JS::SetScriptPrivate(code.script, ValueRoot(toJsText(file)));
+        return code;
     }
     checked(isModuleError());
     clearException();
-    return m_realm->modules().compile(text, file);
-}
-
-QString JavaScriptInterpreter::syntaxError(const QString& text) {
-    const std::optional<ScriptError> error = attempt([&] {
-        Root<JSScript*> script;
-        compile(text, QStringLiteral("<code>"), &script);
-    });
-    return error ? error->message : QString();
-}
-
-bool JavaScriptInterpreter::checkSyntax(const QString& text, const QString& fileName) {
-    clearError();
-    return runCode(true, [&] {
-        Root<JSScript*> script;
-        compile(text, Debugger::sanitizedFilePath(fileName), &script);
-    });
+    code.module = m_realm->modules().compile(text, file);
+    return code;
 }
 
 void JavaScriptInterpreter::runText(const QString& text, const QString& fileName, Exports exports) {
-    JSContext* const engine = engineContext();
-    Root<JSScript*> script;
-    const ObjectRoot module(compile(
-        text, fileName.isEmpty() ? noFile : Debugger::sanitizedFilePath(fileName), &script));
-    if (module) {
-        // The functions of a script that ends early are there, too.
-        if (exports == Exports::StayInModule && !fileName.isEmpty())
-            m_scriptModule = module;
-        m_realm->modules().run(module);
-    } else {
-        ValueRoot ignored;
-        checked(JS_ExecuteScript(engine, script, &ignored));
-    }
+    const Code code = compile(text, fileName);
+    // The functions of a script that ends early are there, too.
+    if (code.module && exports == Exports::StayInModule && !fileName.isEmpty())
+        m_scriptModule = code.module;
+    if (code.module)
+        m_realm->modules().run(code.module);
+    else
+        checked(JS_ExecuteScript(engineContext(), code.script));
     throwUnhandledRejection();
-    if (module && exports == Exports::BecomeGlobals) {
-        const ObjectRoot names(checked(JS::GetModuleNamespace(engine, module)));
-        checked(JS_AssignObject(engine, m_realm->global(), names));
+    if (code.module && exports == Exports::BecomeGlobals) {
+        const ObjectRoot names(checked(JS::GetModuleNamespace(engineContext(), code.module)));
+        checked(JS_AssignObject(engineContext(), m_realm->global(), names));
     }
-}
-
-bool JavaScriptInterpreter::runScript(const QString& text, const QString& fileName) {
-    m_hasRunScript = m_hasRunScript || !fileName.isEmpty();
-    return runCode(!fileName.isEmpty(), [&] { runText(text, fileName, Exports::StayInModule); });
 }
 
 SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& name) {
@@ -205,21 +160,18 @@ SharedPtr<ScriptArgument> JavaScriptInterpreter::scriptFunction(const QString& n
     if (!s_name.match(name).hasMatch())
         return {};
     ValueRoot function;
-    try {
+    // A name may have no value yet.
+    attempt([&] {
         // What a module keeps for itself is found as well as what it exports.
         if (m_scriptModule) {
             const ObjectRoot names(
                 checked(JS::GetModuleEnvironment(engineContext(), m_scriptModule)));
-            const IdRoot key(toKey(name));
-            function = hasProperty(names, key) ? propertyOf(names, key) : JS::UndefinedValue();
+            function = propertyOf(names, toKey(name));
         }
         if (!function.isObject())
             function = evaluateOwn(QStringLiteral("typeof %1 === 'function' ? %1 : null").arg(name),
                                    "<tamrix>");
-    } catch (const ScriptErrorSet&) {
-        // A name that has no value yet.
-        clearException();
-    }
+    });
     return isFunction(function) ? argumentOf(function) : SharedPtr<ScriptArgument>();
 }
 
@@ -232,34 +184,21 @@ ScriptArgument::Map JavaScriptInterpreter::exportedVariables() {
     ScriptArgument::Map variables;
     if (!m_scriptModule)
         return variables;
-    const ObjectRoot names(JS::GetModuleNamespace(engineContext(), m_scriptModule));
-    IdRoots keys;
-    if (!names ||
-        !js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys))
-        clearException();
-    for (const jsid& key : keys) {
-        try {
-            variables[fromKey(key)] = argumentOf(propertyOf(names, key));
-        } catch (const ScriptErrorSet&) {
-            // A name has no value before the script has come to it.
-            clearException();
-        }
-    }
+    attempt([&] {
+        const ObjectRoot names(checked(JS::GetModuleNamespace(engineContext(), m_scriptModule)));
+        JS::PersistentRootedIdVector keys(engineContext());
+        checked(js::GetPropertyKeys(engineContext(), names, JSITER_OWNONLY | JSITER_HIDDEN, &keys));
+        // A name has no value before the script has come to it.
+        for (const jsid& key : keys)
+            attempt([&] { variables[fromKey(key)] = argumentOf(propertyOf(names, key)); });
+    });
     return variables;
-}
-
-bool JavaScriptInterpreter::refuseScript(const LineInfo& place, const QString& message) {
-    ScriptError error;
-    error.message = message;
-    error.callStack = {place};
-    return failWith(error);
 }
 
 LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptArgument>& function,
                                                          const CallArguments& arguments,
                                                          const QString& name, bool isCallback) {
-    m_hasRunScript = true;
-    const CallEnd end = runCall(isCallback, [&] {
+    return runCall(isCallback, [&] {
         ArgumentValues values(arguments.positional);
         if (!arguments.named.empty())
             values.add(objectOf(arguments.named));
@@ -269,22 +208,10 @@ LanguageInterpreter::CallEnd JavaScriptInterpreter::call(const SharedPtr<ScriptA
         if (!isCallback)
             throwUnhandledRejection();
     });
-    // A call that was refused has come to no line.
-    const bool isRefused = end != CallEnd::Succeeded && errorCallStack().empty();
-    if (const LineInfo place = placeOf(function); isRefused && !isCallback && place.isValid()) {
-        setErrorFile(place.fileName());
-        setErrorLine(place.lineNumber());
-        setErrorCallStack({place});
-    }
-    return end;
-}
-
-LineInfo JavaScriptInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
-    return placeOfFunction(valueOf(function));
 }
 
 QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
-    const ValueRoot value(m_debugger->evaluate(frame, code));
+    const ValueRoot value(JavaScriptDebugger::evaluate(frame, code));
     if (value.isUndefined())
         return {};
     return value.isString() ? quoted(fromJsText(value)) : textOf(value);

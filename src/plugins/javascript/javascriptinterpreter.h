@@ -1,7 +1,5 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
 #include <memory>
 
@@ -27,16 +25,10 @@ public:
         return static_cast<JavaScriptInterpreter*>(LanguageInterpreter::active(JavaScript));
     }
 
-    JavaScriptContext& javaScriptContext() { return m_context; }
-    JavaScriptDebugger& javaScriptDebugger() { return *m_debugger; }
+    JavaScriptDebugger& javaScriptDebugger() { return m_debugger; }
     ScriptRealm& realm() { return *m_realm; }
 
-    /// A failure has become this error: one that ends the case as skipped, or that stands in a file
-    /// that is none of the language's, is told by it. What else is thrown on its way is an error.
-    void noticeFailure(const ScriptFailure& failure, JS::HandleObject error) {
-        m_failures.notice(failure, *m_debugger, engineContext(), error);
-    }
-    const NoticedFailures<JS::PersistentRootedObject>& failures() const { return m_failures; }
+    NoticedFailures<ObjectRoot>& failures() { return m_failures; }
 
     /// What becomes of the exports of a module.
     enum class Exports { StayInModule, BecomeGlobals };
@@ -49,15 +41,15 @@ public:
     }
     /// What the script's module exports, by name, as far as it has come to it.
     ScriptArgument::Map exportedVariables();
-    /// Tells of an error in a script that has run: as failWith().
-    bool refuseScript(const LineInfo& place, const QString& message);
-    /// Why the text is no valid code; empty when it is.
-    QString syntaxError(const QString& text);
 
-    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;
+    LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override {
+        return placeOfFunction(valueOf(function));
+    }
     bool isErrorOrdinary() override { return !isEndOfScript(); }
     ScriptError takeError() override { return takeScriptError(); }
-    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void compileOnly(const QString& text, const QString& fileName) override {
+        compile(text, fileName);
+    }
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     QString addToSearchPath(const QFileInfo& directory) override;
 
@@ -67,29 +59,36 @@ protected:
                      const QStringList& folders) override;
     SharedPtr<ScriptArgument> scriptFunction(const QString& name) override;
     SharedPtr<ScriptArgument> libraryFunction(const QString& name) override;
-    bool runScript(const QString& text, const QString& fileName) override;
+    bool runScript(const QString& text, const QString& fileName) override {
+        return runCode(!fileName.isEmpty(),
+                       [&] { runText(text, fileName, Exports::StayInModule); });
+    }
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
     TimeLimit::Expired endOfEvaluation() override;
     void forgetEndOfEvaluation() override;
-    void errorUncaught() override { m_debugger->errorUncaught(); }
+    void errorUncaught() override { m_debugger.errorUncaught(); }
 
 private:
     void enterNewRealm();
     /// Makes the realm of the active interpreter that in which code runs; at the end, none.
     static void enterActiveRealm();
-    /// A script, or the module that is returned for a text that is one. Throws ScriptErrorSet.
-    JSObject* compile(const QString& text, const QString& file, JS::MutableHandleScript script);
+    /// One of these.
+    struct Code {
+        Root<JSScript*> script;
+        ObjectRoot module;
+    };
+    /// `fileName` may be empty. Throws ScriptErrorSet.
+    Code compile(const QString& text, const QString& fileName);
 
     JavaScriptContext m_context{*this};
+    JavaScriptDebugger m_debugger{*this};
     std::unique_ptr<ScriptRealm> m_realm;
-    std::unique_ptr<JavaScriptDebugger> m_debugger;
     QStringList m_searchPath;
-    bool m_hasRunScript = false;
 
-    JS::PersistentRootedObject m_scriptModule;
-    NoticedFailures<JS::PersistentRootedObject> m_failures;
+    ObjectRoot m_scriptModule;
+    NoticedFailures<ObjectRoot> m_failures;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

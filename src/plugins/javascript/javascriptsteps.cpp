@@ -1,14 +1,10 @@
 #include "plugins/javascript/javascriptsteps.h"
 
-#include <js/BigInt.h>
-#include <js/RegExp.h>
-
 #include <QRegularExpression>
 #include <string>
 #include <vector>
 
 #include "platform/gherkin/expressions/expressionerror.h"
-#include "plugins/javascript/errors.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 
 namespace Tamrix::JavaScriptPlugin {
@@ -23,62 +19,10 @@ QString camelCase(const QString& words) {
     return name;
 }
 
-}  // namespace
-
-JavaScriptSteps::JavaScriptSteps(JavaScriptInterpreter& interpreter)
-    : StepLanguage(interpreter), m_interpreter(interpreter) {}
-
-ScriptRealm& JavaScriptSteps::realm() {
-    return m_interpreter.realm();
-}
-
-std::optional<ScriptError> JavaScriptSteps::loadFile(const QString& path, const QString& text) {
-    return interpreter().attempt([&] {
-        const ObjectRoot module(realm().modules().add(text, path));
-        realm().modules().run(module);
-    });
-}
-
-bool JavaScriptSteps::isLoaded(const QString& path) {
-    return realm().modules().isLoaded(path);
-}
-
-void JavaScriptSteps::forgetFiles(const QStringList& paths) {
-    for (const QString& path : paths)
-        realm().modules().forget(path);
-}
-
-StepLanguage::Value JavaScriptSteps::contextValue() {
-    return argumentOf(realm().ofLibrary("context"));
-}
-
-StepLanguage::Value JavaScriptSteps::tableValue(const Value& rows) {
-    return argumentOf(resultOf(ValueRoot(realm().ofLibrary("makeTable")), ArgumentValues({rows})));
-}
-
-StepLanguage::Value JavaScriptSteps::bigInteger(const QString& text) {
-    const QByteArray digits = text.toLatin1();
-    const mozilla::Range<const JS::Latin1Char> range(
-        reinterpret_cast<const JS::Latin1Char*>(digits.constData()),
-        static_cast<std::size_t>(digits.size()));
-    return argumentOf(JS::BigIntValue(checked(JS::StringToBigInt(engineContext(), range))));
-}
-
-QString JavaScriptSteps::snippetText(const StepSnippet& snippet) {
-    QStringList parameters{QStringLiteral("context")};
-    for (const QString& name : snippet.parameters)
-        parameters += camelCase(name);
-    const QString function = snippet.keyword.left(1).toUpper() + snippet.keyword.mid(1);
-    return QStringLiteral("%1(%2, (%3) => {\n    pending();\n});\n")
-        .arg(function, quoted(snippet.expression), parameters.join(QLatin1String(", ")));
-}
-
 // The functions of scripts
 
-namespace {
-
 [[noreturn]] void refuse(const char* text) {
-    throwBuiltIn(JSEXN_TYPEERR, QString::fromLatin1(text));
+    throwBuiltIn(JSProto_TypeError, QString::fromLatin1(text));
 }
 
 /// A function of the script over one that works with the steps of the running case.
@@ -90,7 +34,7 @@ auto withSteps(const JS::CallArgs& arguments) {
     try {
         return function(interpreter->steps(), arguments);
     } catch (const Gherkin::ExpressionError& error) {
-        throwBuiltIn(JSEXN_ERR, QString::fromUtf8(error.what()));
+        throwBuiltIn(JSProto_Error, QString::fromUtf8(error.what()));
     }
 }
 
@@ -109,9 +53,7 @@ std::string patternOf(const JS::Value& value) {
     if (value.isString())
         return fromJsText(value).toStdString();
     const ObjectRoot object(value);
-    bool isRegular = false;
-    checked(!object || JS::ObjectIsRegExp(engineContext(), object, &isRegular));
-    if (!isRegular)
+    if (!object || !given<bool>(JS::ObjectIsRegExp, object))
         refuse("a step is given as a text or as a regular expression");
     // Whether letters are those of Unicode is no question here.
     const QString flags = plainText(ValueRoot(propertyOf(object, "flags"))).remove('u');
@@ -137,14 +79,13 @@ void defineHook(StepActions& steps, const JS::CallArgs& arguments) {
 void defineParameterType(StepActions& steps, const JS::CallArgs& arguments) {
     if (!arguments.get(0).isString())
         refuse("ParameterType(name, pattern[, transformer])");
-    ScriptArgument::List patterns{argumentOf(arguments.get(1))};
-    if (patterns.front()->isList())
-        patterns = patterns.front()->toList();
-    std::vector<std::string> texts;
-    texts.reserve(patterns.size());
-    for (const SharedPtr<ScriptArgument>& pattern : patterns)
-        texts.push_back(patternOf(valueOf(pattern)));
-    steps.registry().addParameterType(patternOf(arguments[0]), std::move(texts),
+    const JavaScriptArgument pattern(arguments.get(1));
+    std::vector<std::string> patterns;
+    for (const SharedPtr<ScriptArgument>& each : pattern.toList())
+        patterns.push_back(patternOf(valueOf(each)));
+    if (!pattern.isList())
+        patterns.push_back(patternOf(pattern.value()));
+    steps.registry().addParameterType(patternOf(arguments[0]), std::move(patterns),
                                       arguments.get(2).isNullOrUndefined()
                                           ? SharedPtr<ScriptArgument>()
                                           : functionOf(arguments[2]));
@@ -156,56 +97,74 @@ void pending(StepActions&, const JS::CallArgs& arguments) {
                          : QStringLiteral("the step definition is to be written"));
 }
 
-constexpr NativeRow functions[] = {
-    {"Given", step<defineStep>},
-    {"When", step<defineStep>},
-    {"Then", step<defineStep>},
-    {"Step", step<defineStep>},
-    {"BeforeFeature", step<defineHook>},
-    {"AfterFeature", step<defineHook>},
-    {"BeforeScenario", step<defineHook>},
-    {"AfterScenario", step<defineHook>},
-    {"BeforeStep", step<defineHook>},
-    {"AfterStep", step<defineHook>},
-    {"ParameterType", step<defineParameterType>},
-    {"pending", step<pending>},
+constexpr JSFunctionSpec functions[] = {
+    JS_FN("Given", step<defineStep>, 2, 0),
+    JS_FN("When", step<defineStep>, 2, 0),
+    JS_FN("Then", step<defineStep>, 2, 0),
+    JS_FN("Step", step<defineStep>, 2, 0),
+    JS_FN("BeforeFeature", step<defineHook>, 1, 0),
+    JS_FN("AfterFeature", step<defineHook>, 1, 0),
+    JS_FN("BeforeScenario", step<defineHook>, 1, 0),
+    JS_FN("AfterScenario", step<defineHook>, 1, 0),
+    JS_FN("BeforeStep", step<defineHook>, 1, 0),
+    JS_FN("AfterStep", step<defineHook>, 1, 0),
+    JS_FN("ParameterType", step<defineParameterType>, 2, 0),
+    JS_FN("pending", step<pending>, 1, 0),
+    JS_FS_END,
 };
 
-// The context of steps
+class JavaScriptSteps final : public StepLanguage {
+public:
+    explicit JavaScriptSteps(JavaScriptInterpreter& interpreter)
+        : StepLanguage(interpreter), m_interpreter(interpreter) {}
 
-JS::Value findName(StepActions& steps, const JS::CallArgs& arguments) {
-    const SharedPtr<ScriptArgument> found = steps.scopes().find(fromJsText(arguments[0]));
-    return found ? valueOf(found).get() : JS::UndefinedValue();
-}
+    std::optional<ScriptError> loadFile(const QString& path, const QString& text) override {
+        return interpreter().attempt([&] { modules().load(text, path); });
+    }
+    bool isLoaded(const QString& path) override { return modules().isLoaded(path); }
+    void forgetFiles(const QStringList& paths) override {
+        for (const QString& path : paths)
+            modules().forget(path);
+    }
+    LineInfo definitionOf(const Value& function) override {
+        return interpreter().placeOf(function);
+    }
+    Value contextValue() override { return argumentOf(m_interpreter.realm().ofLibrary("context")); }
+    /// An array of objects by the names of the first row, with `headers`, `rows` and `raw`.
+    Value tableValue(const Value& rows) override {
+        const ValueRoot makeTable(m_interpreter.realm().ofLibrary("makeTable"));
+        return argumentOf(resultOf(makeTable, ArgumentValues({rows})));
+    }
+    /// A BigInt.
+    Value bigInteger(const QString& text) override {
+        const QByteArray digits = text.toLatin1();
+        const mozilla::Span<const char> span(digits.constData(), std::size_t(digits.size()));
+        return argumentOf(
+            JS::BigIntValue(checked(JS::SimpleStringToBigInt(engineContext(), span, 10))));
+    }
+    QString snippetText(const StepSnippet& snippet) override {
+        QStringList parameters{QStringLiteral("context")};
+        for (const QString& name : snippet.parameters)
+            parameters += camelCase(name);
+        const QString function = snippet.keyword.left(1).toUpper() + snippet.keyword.mid(1);
+        return QStringLiteral("%1(%2, (%3) => {\n    pending();\n});\n")
+            .arg(function, quoted(snippet.expression), parameters.join(QLatin1String(", ")));
+    }
 
-void setName(StepActions& steps, const JS::CallArgs& arguments) {
-    steps.scopes().set(fromJsText(arguments[0]), argumentOf(arguments[1]));
-}
+private:
+    Modules& modules() { return m_interpreter.realm().modules(); }
 
-JS::Value removeName(StepActions& steps, const JS::CallArgs& arguments) {
-    return JS::BooleanValue(steps.scopes().remove(fromJsText(arguments[0])));
-}
-
-JS::Value listNames(StepActions& steps, const JS::CallArgs&) {
-    ValueRoots names;
-    for (const auto& [name, value] : steps.scopes().all())
-        names.add(toJsText(name));
-    return JS::ObjectValue(*newArray(names));
-}
-
-constexpr NativeRow scopeFunctions[] = {{"find", step<findName>},
-                                        {"set", step<setName>},
-                                        {"remove", step<removeName>},
-                                        {"names", step<listNames>}};
+    JavaScriptInterpreter& m_interpreter;
+};
 
 }  // namespace
 
-void addStepFunctions(JS::HandleObject global) {
-    defineFunctions(global, functions);
+std::unique_ptr<StepLanguage> makeStepLanguage(JavaScriptInterpreter& interpreter) {
+    return std::make_unique<JavaScriptSteps>(interpreter);
 }
 
-void addScopeFunctions(JS::HandleObject object) {
-    defineFunctions(object, scopeFunctions);
+void addStepFunctions(JS::HandleObject global) {
+    checked(JS_DefineFunctions(engineContext(), global, functions));
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -3,68 +3,38 @@
 #include <js/Promise.h>
 #include <jsapi.h>
 
-#include <chrono>
-#include <vector>
+#include <deque>
 
 namespace Tamrix::JavaScriptPlugin {
 
-/// What waits for its turn in a script: jobs of promises, and timers. Unlike the engine's own queue
-/// it can be run while a job runs, as a step of a feature file that waits is called by a script
-/// that has waited itself.
+/// The jobs of promises. Unlike the engine's own queue it can be run while a job runs, as a step of
+/// a feature file that waits is called by a script that has waited itself.
 ///
 /// This file and its source know no type of ours: the engine is compiled without run-time type
 /// information, and so is what derives from its classes.
 class JobQueue final : public JS::JobQueue {
 public:
-    explicit JobQueue(JSContext* context);
     ~JobQueue() override;
 
-    /// Runs jobs and timers until the promise is settled; `wait` sleeps for a time, or a part of
-    /// it. `isSettled` is false when nothing is left that could settle it. False when the script is
-    /// to end.
-    bool settle(JS::HandleObject promise, void (*wait)(double seconds), bool* isSettled);
-
-    /// Calls the function once the time is over, if anybody waits then. Gives the timer's number.
-    int addTimer(JS::HandleObject function, double milliseconds);
-    void removeTimer(int number);
-
-    /// The promises that were rejected without anybody looking at it, each told once.
-    bool takeUnhandledRejection(JS::MutableHandleObject promise);
+    /// Runs all jobs. False when the script is to end.
+    bool run(JSContext* context);
     /// Forgets all, at the end of a test case.
-    void clear();
+    void clear() { m_jobs.clear(); }
 
-    JSObject* getIncumbentGlobal(JSContext* context) override;
+    JSObject* getIncumbentGlobal(JSContext* context) override {
+        return JS::CurrentGlobalOrNull(context);
+    }
     bool enqueuePromiseJob(JSContext* context, JS::HandleObject promise, JS::HandleObject job,
                            JS::HandleObject allocationSite,
                            JS::HandleObject incumbentGlobal) override;
-    void runJobs(JSContext* context) override;
-    bool empty() const override { return m_first == m_jobs.length(); }
+    void runJobs(JSContext* context) override { run(context); }
+    bool empty() const override { return m_jobs.empty(); }
 
 private:
-    using Clock = std::chrono::steady_clock;
-    using Objects = JS::PersistentRooted<JS::GCVector<JSObject*, 0, js::SystemAllocPolicy>>;
-    struct Timer {
-        int number;
-        Clock::time_point due;
-        JS::PersistentRootedObject function;
-    };
-
     class Saved;
     js::UniquePtr<SavedJobQueue> saveJobQueue(JSContext* context) override;
 
-    bool runJob();
-    bool runTimer();
-    static void noticeRejection(JSContext* context, bool isMuted, JS::HandleObject promise,
-                                JS::PromiseRejectionHandlingState state, void* data);
-
-    JSContext* m_context;
-    Objects m_jobs;
-    /// Those in front of it have run.
-    std::size_t m_first = 0;
-    Objects m_rejections;
-    std::vector<Timer> m_timers;
-    int m_lastTimer = 0;
-    bool m_isEnded = false;
+    std::deque<JS::PersistentRootedObject> m_jobs;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,17 +1,12 @@
 #include "plugins/javascript/modules.h"
 
-#include <js/Modules.h>
-
 #include <QDir>
 #include <QFileInfo>
 
-#include "base/utf8file.h"
 #include "interpreter/bridge/debugger.h"
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/javascriptdebugger.h"
+#include "interpreter/language/sourcefiles.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/promises.h"
-#include "plugins/javascript/scriptrealm.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -19,29 +14,35 @@ namespace {
 
 /// `place` is where no running code is.
 [[noreturn]] void refuse(const QString& text, const LineInfo& place = {}) {
-    ScriptFailure failure;
-    failure.text = text;
     auto* const interpreter = JavaScriptInterpreter::active();
     try {
-        throwBuiltIn(JSEXN_ERR, text);
+        throwBuiltIn(JSProto_Error, text);
     } catch (const ScriptErrorSet&) {
         ValueRoot error;
-        if (place.isValid() && interpreter && JS_GetPendingException(engineContext(), &error)) {
-            failure.origin.line = place.lineNumber();
-            failure.origin.sourceId = interpreter->languageDebugger().sourceIdOf(place.fileName());
-            interpreter->noticeFailure(failure, ObjectRoot(error));
-        }
+        if (place.isValid() && interpreter && JS_GetPendingException(engineContext(), &error))
+            interpreter->failures().noticePlace(place, ObjectRoot(error));
         throw;
     }
 }
 
-QString importerPath(const JS::Value& importer) {
-    return importer.isString() ? fromJsText(importer) : QString();
+QString textOrNone(const JS::Value& value) {
+    return value.isString() ? fromJsText(value) : QString();
 }
 
-QString specifierOf(JS::HandleObject request) {
-    return fromJsString(checked(JS::GetModuleRequestSpecifier(engineContext(), request)));
+/// The file of a module in one of the folders, whose suffix may be left out; empty without one.
+QString fileIn(const QStringList& folders, const QString& name) {
+    for (const QString& folder : folders) {
+        const QString path = QDir::cleanPath(QDir(folder).filePath(name));
+        for (const char* const suffix : {"", ".js", ".mjs"}) {
+            if (QFileInfo(path + QLatin1String(suffix)).isFile())
+                return Debugger::sanitizedFilePath(path + QLatin1String(suffix));
+        }
+    }
+    return {};
 }
+
+/// For messages.
+const auto importName = [] { return QStringLiteral("import"); };
 
 Modules& currentModules() {
     ScriptRealm* const realm = ScriptRealm::current();
@@ -50,21 +51,44 @@ Modules& currentModules() {
     return realm->modules();
 }
 
-/// The file, or the one with a suffix of modules behind the name; empty when there is none.
-QString existing(const QString& path) {
-    for (const char* const suffix : {"", ".js", ".mjs"}) {
-        const QFileInfo file(path + QLatin1String(suffix));
-        if (file.isFile())
-            return Debugger::sanitizedFilePath(file.filePath());
-    }
-    return {};
+JS::Value evaluated(JS::HandleObject module) {
+    checked(JS::ModuleInstantiate(engineContext(), module));
+    return given<JS::Value>(JS::ModuleEvaluate, module);
 }
 
-JS::Value evaluated(JS::HandleObject module) {
-    ValueRoot value;
-    checked(JS::ModuleInstantiate(engineContext(), module) &&
-            JS::ModuleEvaluate(engineContext(), module, &value));
-    return value;
+// What the engine asks
+
+JSObject* moduleFor(JS::HandleValue importer, JS::HandleObject request, bool isRunning) {
+    JSString* const name = checked(JS::GetModuleRequestSpecifier(engineContext(), request));
+    return currentModules().imported(fromJsString(name), textOrNone(importer), isRunning);
+}
+
+JSObject* resolve(JSContext*, JS::HandleValue importer, JS::HandleObject request) {
+    ObjectRoot module;
+    guarded(importName, [&] {
+        module = moduleFor(importer, request, false);
+        return true;
+    });
+    return module;
+}
+
+bool importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
+                 JS::HandleObject promise) {
+    ObjectRoot evaluation;
+    guarded(importName, [&] {
+        const ObjectRoot module(moduleFor(importer, request, true));
+        evaluation = ObjectRoot(evaluated(module)).get();
+        return true;
+    });
+    // Without an evaluation what is pending is what the promise is rejected with.
+    return JS::FinishDynamicModuleImport(context, evaluation, importer, request, promise);
+}
+
+bool describe(JSContext*, JS::HandleValue file, JS::HandleObject meta) {
+    return guarded(importName, [&] {
+        defineProperty(meta, QStringLiteral("url"), toJsText("file://" + textOrNone(file)));
+        return true;
+    });
 }
 
 }  // namespace
@@ -78,19 +102,17 @@ void Modules::install() {
 
 JSObject* Modules::compile(const QString& text, const QString& path) {
     if (auto* const interpreter = JavaScriptInterpreter::active())
-        interpreter->javaScriptDebugger().noticeFile(path);
+        interpreter->languageDebugger().sourceIdOf(path);
     Source source(text, path);
     const ObjectRoot module(
         checked(JS::CompileModule(engineContext(), source.options, source.text)));
-    const ValueRoot file(toJsText(path));
-    JS::SetModulePrivate(module, file);
+    JS::SetModulePrivate(module, ValueRoot(toJsText(path)));
     return module;
 }
 
 JSObject* Modules::add(const QString& text, const QString& path) {
     const ObjectRoot module(compile(text, path));
-    m_modules.insert_or_assign(path.toStdString(),
-                               JS::PersistentRootedObject(engineContext(), module));
+    m_modules.insert(path, module);
     return module;
 }
 
@@ -100,89 +122,43 @@ void Modules::run(JS::HandleObject module) {
     settled(&value);
 }
 
-QString Modules::find(const Import& import) const {
-    const QString& name = import.name;
+JSObject* Modules::imported(const QString& name, const QString& importer, bool isRunning) {
     const bool isBeside = name.startsWith(QLatin1String("./")) ||
                           name.startsWith(QLatin1String("../")) || QDir::isAbsolutePath(name);
-    const QStringList beside(import.importer.isEmpty() ? QDir::currentPath()
-                                                       : QFileInfo(import.importer).absolutePath());
-    for (const QString& folder : isBeside ? beside : m_folders) {
-        const QString path = existing(QDir::cleanPath(QDir(folder).filePath(name)));
-        if (!path.isEmpty())
-            return path;
-    }
     QStringList folders = m_folders;
+    if (isBeside)
+        folders = QStringList(importer.isEmpty() ? QDir::currentPath()
+                                                 : QFileInfo(importer).absolutePath());
+    const QString path = fileIn(folders, name);
+    if (isLoaded(path))
+        return m_modules.value(path);
     folders.removeDuplicates();
-    refuse(isBeside ? QStringLiteral("There is no module '%1' beside %2").arg(name, import.importer)
-                    : QStringLiteral("There is no module '%1' in %2").arg(name, folders.join(", ")),
-           import.place);
+    const QString where = isBeside ? "beside " + importer : "in " + folders.join(", ");
+    const Outcome<QString> text =
+        path.isEmpty() ? fail(FailureKind::NotFound,
+                              QStringLiteral("There is no module '%1' %2").arg(name, where))
+                       : readSource(path);
+    if (!text)
+        refuse(text.error().text, isRunning ? LineInfo() : placeOf(name, importer));
+    return add(*text, path);
 }
 
-JSObject* Modules::load(const Import& import) {
-    const QString path = find(import);
-    const auto known = m_modules.find(path.toStdString());
-    if (known != m_modules.end())
-        return known->second;
-    const Outcome<Utf8Text> content = readUtf8File(path);
-    if (!content)
-        refuse(QStringLiteral("%1: %2").arg(path, content.error().text), import.place);
-    if (content->faultyLine > 0)
-        refuse(QStringLiteral("%1:%2: the file is not encoded in UTF-8")
-                   .arg(path, QString::number(content->faultyLine)),
-               import.place);
-    return add(content->text, path);
-}
-
-LineInfo Modules::placeOf(const Import& import) const {
-    const auto known = m_modules.find(import.importer.toStdString());
-    const ObjectRoot module(known == m_modules.end() ? m_outermost : known->second);
+LineInfo Modules::placeOf(const QString& name, const QString& importer) const {
+    const ObjectRoot module(m_modules.value(importer, m_outermost));
     if (!module)
         return {};
     ValueRoots requests;
     elementsOf(ObjectRoot(checked(JS::GetRequestedModules(engineContext(), module))), &requests);
     for (std::size_t index = 0; index < requests.length(); ++index) {
-        JSString* const name = JS::GetRequestedModuleSpecifier(engineContext(), requests[index]);
-        if (fromJsString(checked(name)) != import.name)
+        JSString* const each = JS::GetRequestedModuleSpecifier(engineContext(), requests[index]);
+        if (fromJsString(checked(each)) != name)
             continue;
         std::uint32_t line = 0;
         std::uint32_t column = 0;
         JS::GetRequestedModuleSourcePos(engineContext(), requests[index], &line, &column);
-        return LineInfo(import.importer, static_cast<int>(line));
+        return LineInfo(importer, static_cast<int>(line));
     }
     return {};
-}
-
-// What the engine asks
-
-JSObject* Modules::resolve(JSContext*, JS::HandleValue importer, JS::HandleObject request) {
-    ObjectRoot module;
-    guarded("import", [&] {
-        Import import{specifierOf(request), importerPath(importer), {}};
-        import.place = currentModules().placeOf(import);
-        module = currentModules().load(import);
-        return true;
-    });
-    return module;
-}
-
-bool Modules::importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
-                          JS::HandleObject promise) {
-    ObjectRoot evaluation;
-    guarded("import", [&] {
-        const ObjectRoot module(
-            currentModules().load({specifierOf(request), importerPath(importer), {}}));
-        evaluation = ObjectRoot(evaluated(module)).get();
-        return true;
-    });
-    // Without an evaluation what is pending is what the promise is rejected with.
-    return JS::FinishDynamicModuleImport(context, evaluation, importer, request, promise);
-}
-
-bool Modules::describe(JSContext*, JS::HandleValue file, JS::HandleObject meta) {
-    return guarded("import.meta", [&] {
-        defineProperty(meta, QStringLiteral("url"), toJsText("file://" + importerPath(file)));
-        return true;
-    });
 }
 
 }  // namespace Tamrix::JavaScriptPlugin

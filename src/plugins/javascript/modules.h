@@ -1,14 +1,11 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QHash>
 #include <QString>
 #include <QStringList>
-#include <string>
-#include <unordered_map>
 
 #include "platform/testresult/lineinfo.h"
+#include "plugins/javascript/roots.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -16,8 +13,6 @@ namespace Tamrix::JavaScriptPlugin {
 /// that imports, other names are looked for in the folders for modules; a suffix may be left out.
 class Modules {
 public:
-    explicit Modules(JSContext* context) : m_outermost(context) {}
-
     /// Lets the engine ask the modules of the current realm; once for the process.
     static void install();
 
@@ -26,39 +21,27 @@ public:
     /// Compiles the text of a file as a module, whose imports are those of the file. Throws
     /// ScriptErrorSet.
     JSObject* compile(const QString& text, const QString& path);
-    /// The same, and makes it the module of the file.
-    JSObject* add(const QString& text, const QString& path);
     /// Runs a module and those that it imports, until it has waited for all that it waits for.
     /// Throws ScriptErrorSet.
     void run(JS::HandleObject module);
+    /// The module that a file asks for, which may have no name itself. `isRunning` tells that it
+    /// does so by code that runs.
+    JSObject* imported(const QString& name, const QString& importer, bool isRunning);
+    /// Runs the text of a file as its module.
+    void load(const QString& text, const QString& path) { run(ObjectRoot(add(text, path))); }
     /// Forgets the module of a file, which is loaded anew then.
-    void forget(const QString& path) { m_modules.erase(path.toStdString()); }
-    bool isLoaded(const QString& path) const { return m_modules.count(path.toStdString()) > 0; }
+    void forget(const QString& path) { m_modules.remove(path); }
+    bool isLoaded(const QString& path) const { return m_modules.contains(path); }
 
 private:
-    static JSObject* resolve(JSContext* context, JS::HandleValue importer,
-                             JS::HandleObject request);
-    static bool importLater(JSContext* context, JS::HandleValue importer, JS::HandleObject request,
-                            JS::HandleObject promise);
-    static bool describe(JSContext* context, JS::HandleValue file, JS::HandleObject meta);
-
-    /// What a module or a script asks for.
-    struct Import {
-        QString name;
-        /// The file that asks; may be empty.
-        QString importer;
-        /// Where it stands, when that is in no running code.
-        LineInfo place;
-    };
-    JSObject* load(const Import& import);
+    JSObject* add(const QString& text, const QString& path);
     /// Where a module asks for another one; invalid when that can't be told.
-    LineInfo placeOf(const Import& import) const;
-    QString find(const Import& import) const;
+    LineInfo placeOf(const QString& name, const QString& importer) const;
 
     QStringList m_folders;
-    std::unordered_map<std::string, JS::PersistentRootedObject> m_modules;
+    QHash<QString, ObjectRoot> m_modules;
     /// What run() has run last.
-    JS::PersistentRootedObject m_outermost;
+    ObjectRoot m_outermost;
 };
 
 }  // namespace Tamrix::JavaScriptPlugin

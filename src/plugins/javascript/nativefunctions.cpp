@@ -1,22 +1,13 @@
 #include "plugins/javascript/nativefunctions.h"
 
-#include <js/CallAndConstruct.h>
-
 #include <js/experimental/JitInfo.h>
-#include <jsfriendapi.h>
 
 #include <QHash>
 #include <utility>
 
 #include "interpreter/language/directcall.h"
-#include "interpreter/language/nativeclasses.h"
 #include "interpreter/language/objectcalls.h"
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
-#include "plugins/javascript/javascriptcontext.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -154,14 +145,9 @@ bool callMember(JSContext* context, unsigned count, JS::Value* values) {
 }
 
 JSNative entryOf(NativeFunction::Kind kind) {
-    switch (kind) {
-        case NativeFunction::Kind::Method:
-            return callMethodOfClass;
-        case NativeFunction::Kind::Constructor:
-            return construct;
-        default:
-            return callFunction;
-    }
+    return kind == NativeFunction::Kind::Method        ? callMethodOfClass
+           : kind == NativeFunction::Kind::Constructor ? construct
+                                                       : callFunction;
 }
 
 JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Value& target) {
@@ -170,12 +156,6 @@ JSObject* makeFunctionObject(JSNative native, const QString& name, const JS::Val
         js::NewFunctionWithReserved(engineContext(), native, 0, 0, name.toUtf8().constData())));
     js::SetFunctionNativeReserved(object, targetSlot, kept);
     return object;
-}
-
-void defineAccessor(JS::HandleObject object, const QString& name, JS::HandleObject getter,
-                    JS::HandleObject setter) {
-    checked(JS_DefinePropertyById(engineContext(), object, IdRoot(toKey(name)), getter, setter,
-                                  JSPROP_ENUMERATE));
 }
 
 // Functions of an application
@@ -228,17 +208,19 @@ JSObject* makeNativeClass(const QString& name, void* typeId, const NativeScriptT
     JavaScriptInterpreter& interpreter = *JavaScriptInterpreter::active();
     const ScriptContext& library = interpreter.context();
     const ObjectRoot constructor(makeFunction(nativeConstructor(library, name, type)));
-    const ObjectRoot base(interpreter.realm().nativePrototype(type.super()));
-    const ObjectRoot prototype(base ? checked(JS_NewObjectWithGivenProto(context, nullptr, base))
+    NativeClasses<ObjectRoot>& prototypes = interpreter.realm().nativePrototypes();
+    const ObjectRoot* const base = prototypes.find(type.super());
+    const ObjectRoot prototype(base ? checked(JS_NewObjectWithGivenProto(context, nullptr, *base))
                                     : newObject());
     checked(JS_LinkConstructorAndPrototype(context, constructor, prototype));
-    interpreter.realm().addNativePrototype(typeId, type.super(), prototype);
+    prototypes.add(typeId, type.super(), prototype);
     for (const NativeMember& member : nativeMembers(library, name, type)) {
         const JS::HandleObject owner = member.isStatic() ? constructor : prototype;
         const ObjectRoot function(makeFunction(member.function));
         const ObjectRoot setter(member.setter ? makeFunction(*member.setter) : nullptr);
         if (member.isProperty())
-            defineAccessor(owner, member.name, function, setter);
+            checked(JS_DefinePropertyById(context, owner, IdRoot(toKey(member.name)), function,
+                                          setter, JSPROP_ENUMERATE));
         else
             defineProperty(owner, member.name, JS::ObjectValue(*function),
                            member.isStatic() ? JSPROP_ENUMERATE : 0);

@@ -1,30 +1,13 @@
 #include "plugins/javascript/objectproxy.h"
 
-#include <js/Proxy.h>
-
-#include <algorithm>
-
 #include "interpreter/language/objectcalls.h"
 
-#include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
-#include "plugins/javascript/javascriptargument.h"
 #include "plugins/javascript/javascriptinterpreter.h"
 #include "plugins/javascript/nativefunctions.h"
-#include "plugins/javascript/scriptrealm.h"
-#include "plugins/javascript/values.h"
-#include "plugins/javascript/valuetext.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-/// Names that the language asks any value for, where none is no error.
-constexpr const char* askedNames[] = {"then", "toJSON"};
-
-LanguageInterpreter* active() {
-    return JavaScriptInterpreter::active();
-}
 
 // The traps of the handler. Each has the object that holds the application's as first argument, and
 // most have a key behind it.
@@ -35,10 +18,9 @@ struct Access {
     /// Its text; null without one.
     QString name;
 };
-using Trap = JS::Value (*)(const Access& access, const JS::CallArgs& arguments);
 
 /// As the engine calls it.
-template <Trap work>
+template <auto work>
 bool trap(JSContext* context, unsigned count, JS::Value* values) {
     const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
     Access access{heldBy<Object>(&arguments[0].toObject()), IdRoot(), {}};
@@ -56,7 +38,8 @@ bool trap(JSContext* context, unsigned count, JS::Value* values) {
 }
 
 bool isListed(const Access& access) {
-    return checked(listMembers(active(), access.object)).contains(access.name);
+    return checked(listMembers(JavaScriptInterpreter::active(), access.object))
+        .contains(access.name);
 }
 
 JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
@@ -64,9 +47,10 @@ JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
     if (arguments[1].isSymbol() || hasProperty(prototype, access.key))
         return propertyOf(prototype, access.key);
     const tl::expected<Member, ScriptFailure> member =
-        getMember(active(), access.object, access.name);
-    const bool isAsked = std::any_of(std::begin(askedNames), std::end(askedNames),
-                                     [&](const char* each) { return access.name == each; });
+        getMember(JavaScriptInterpreter::active(), access.object, access.name);
+    // The language asks any value for these: none is no error.
+    const bool isAsked =
+        access.name == QLatin1String("then") || access.name == QLatin1String("toJSON");
     if (!member && isAsked && member.error().kind == ScriptFailure::Kind::NoMember)
         return JS::UndefinedValue();
     checked(member);
@@ -75,7 +59,7 @@ JS::Value readMember(const Access& access, const JS::CallArgs& arguments) {
 }
 
 void write(const Access& access, const SharedPtr<ScriptArgument>& value) {
-    checked(setMember(active(), access.object, access.name, value));
+    checked(setMember(JavaScriptInterpreter::active(), access.object, access.name, value));
 }
 
 JS::Value writeMember(const Access& access, const JS::CallArgs& arguments) {
@@ -110,27 +94,25 @@ JS::Value describeMember(const Access& access, const JS::CallArgs& arguments) {
 }
 
 JS::Value listNames(const Access& access, const JS::CallArgs&) {
-    ValueRoots names;
-    QStringList members = checked(listMembers(active(), access.object));
+    QStringList members = checked(listMembers(JavaScriptInterpreter::active(), access.object));
     members.removeDuplicates();
-    for (const QString& member : members)
-        names.add(toJsText(member));
-    return JS::ObjectValue(*newArray(names));
+    return newArray(members);
 }
 
 JS::Value refuse(const Access&, const JS::CallArgs&) {
     return JS::FalseValue();
 }
 
-constexpr NativeRow traps[] = {
-    {"get", trap<readMember>},
-    {"set", trap<writeMember>},
-    {"defineProperty", trap<defineMember>},
-    {"deleteProperty", trap<deleteMember>},
-    {"has", trap<hasMember>},
-    {"getOwnPropertyDescriptor", trap<describeMember>},
-    {"ownKeys", trap<listNames>},
-    {"preventExtensions", trap<refuse>},
+constexpr JSFunctionSpec traps[] = {
+    JS_FN("get", trap<readMember>, 2, 0),
+    JS_FN("set", trap<writeMember>, 2, 0),
+    JS_FN("defineProperty", trap<defineMember>, 2, 0),
+    JS_FN("deleteProperty", trap<deleteMember>, 2, 0),
+    JS_FN("has", trap<hasMember>, 2, 0),
+    JS_FN("getOwnPropertyDescriptor", trap<describeMember>, 2, 0),
+    JS_FN("ownKeys", trap<listNames>, 2, 0),
+    JS_FN("preventExtensions", trap<refuse>, 1, 0),
+    JS_FS_END,
 };
 
 /// The object as text; for templates and sums of texts, too.
@@ -138,7 +120,7 @@ JS::Value writeAsText(const JS::CallArgs& arguments) {
     return toJsText(textOf(arguments.thisv()));
 }
 
-constexpr NativeRow functions[] = {{"toString", native<writeAsText>}};
+constexpr JSFunctionSpec functions[] = {JS_FN("toString", native<writeAsText>, 0, 0), JS_FS_END};
 
 }  // namespace
 
@@ -149,9 +131,7 @@ JS::Value applicationObjectValue(const SharedPtr<Object>& object) {
     ValueRoots arguments;
     arguments.add(JS::ObjectValue(*makeHostObject(object, realm->applicationObjectPrototype())))
         .add(JS::ObjectValue(*realm->applicationObjectHandler()));
-    ObjectRoot proxy;
-    checked(JS::Construct(engineContext(), realm->proxyClass(), arguments, &proxy));
-    return JS::ObjectValue(*proxy);
+    return JS::ObjectValue(*newInstance(realm->proxyClass(), arguments));
 }
 
 SharedPtr<Object> applicationObjectOf(JSObject* object) {
@@ -163,15 +143,13 @@ SharedPtr<Object> applicationObjectOf(JSObject* object) {
 }
 
 JSObject* makeApplicationObjectPrototype() {
-    const ObjectRoot prototype(newObject());
-    defineFunctions(prototype, functions);
-    return prototype;
+    return newObject(functions);
 }
 
 JSObject* makeApplicationObjectHandler() {
     const ObjectRoot handler(
         checked(JS_NewObjectWithGivenProto(engineContext(), nullptr, nullptr)));
-    defineFunctions(handler, traps);
+    checked(JS_DefineFunctions(engineContext(), handler, traps));
     return handler;
 }
 

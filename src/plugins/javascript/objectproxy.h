@@ -1,9 +1,8 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include "base/shared.h"
 #include "platform/objectmodel/object.h"
+#include "plugins/javascript/engineapi.h"
 
 namespace Tamrix::JavaScriptPlugin {
 

@@ -2,7 +2,6 @@
 
 #include "interpreter/language/recordingnotation.h"
 #include "plugins/javascript/javascriptinterpreter.h"
-#include "plugins/javascript/objectnames.h"
 
 using namespace Tamrix;
 
@@ -24,10 +23,6 @@ constexpr RecordingNotation recordingNotation{
 
 Interpreter* createInterpreter(RunnerInterface* runner) {
     return createOrTell<JavaScriptPlugin::JavaScriptInterpreter>("JavaScript", runner);
-}
-
-ScriptedObjectMap* createScriptedObjectMap(const QString& path) {
-    return new JavaScriptPlugin::JavaScriptObjectMap(path);
 }
 
 EventRecorder* createEventRecorder(bool, bool, bool, const QString& namesModule) {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <jsapi.h>
+#include <type_traits>
 
 #include "interpreter/language/scripterrorset.h"
 #include "plugins/javascript/engine.h"
+#include "plugins/javascript/engineapi.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
@@ -55,9 +56,13 @@ public:
     }
 };
 
-class IdRoots : public JS::PersistentRootedIdVector {
-public:
-    IdRoots() : JS::PersistentRootedIdVector(engineContext()) {}
-};
+/// What a function of the engine leaves in its last argument. Throws ScriptErrorSet when it fails.
+template <typename T, typename Function, typename... Arguments>
+T given(Function function, const Arguments&... arguments) {
+    constexpr bool isPlain = std::is_arithmetic_v<T> || std::is_enum_v<T>;
+    std::conditional_t<isPlain, T, Root<T>> result{};
+    checked(function(engineContext(), arguments..., &result));
+    return result;
+}
 
 }  // namespace Tamrix::JavaScriptPlugin

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <jsapi.h>
-
 #include <QString>
-#include <memory>
 
 #include "interpreter/language/nativeclasses.h"
 #include "plugins/javascript/modules.h"
@@ -17,7 +14,6 @@ class ScriptRealm {
 public:
     /// Throws ScriptErrorSet, with nothing pending, when there is no memory for it.
     ScriptRealm();
-    ~ScriptRealm();
     ScriptRealm(const ScriptRealm&) = delete;
     ScriptRealm& operator=(const ScriptRealm&) = delete;
 
@@ -31,8 +27,12 @@ public:
     /// errors by their names, `context`, the object of steps, and `makeTable`, which makes the
     /// table of a step of its rows.
     JS::Value ofLibrary(const char* name) const { return propertyOf(m_library, name); }
+    /// What has the methods of the class StepContext.
+    JS::HandleObject stepContext() const { return m_stepContext; }
     /// A class of the namespace `tamrix`; undefined without.
-    JS::Value errorClass(const char* name) const;
+    JS::Value errorClass(const char* name) const {
+        return propertyOf(&ofLibrary("classes").toObject(), name);
+    }
 
     // Of an application's objects: what they inherit from, and of what they are made.
     JS::HandleObject applicationObjectPrototype() const { return m_objectPrototype; }
@@ -40,9 +40,7 @@ public:
     JS::HandleValue proxyClass() const { return m_proxyClass; }
     // What other objects inherit from.
     JS::HandleObject applicationContextPrototype() const { return m_contextPrototype; }
-    /// Of a native class, or of the next one that it derives from; null without.
-    JSObject* nativePrototype(void* typeId) const;
-    void addNativePrototype(void* typeId, void* super, JSObject* prototype);
+    NativeClasses<ObjectRoot>& nativePrototypes() { return m_nativePrototypes; }
 
     /// The objects of the script for applications, by their ids.
     JS::HandleObject applicationContexts() const { return m_contexts; }
@@ -51,17 +49,18 @@ public:
     int numberOfFunction(JS::HandleObject function);
 
 private:
-    JS::PersistentRootedObject m_global;
-    JS::PersistentRootedObject m_library;
-    JS::PersistentRootedObject m_objectPrototype;
-    JS::PersistentRootedObject m_objectHandler;
-    JS::PersistentRootedValue m_proxyClass;
-    JS::PersistentRootedObject m_contextPrototype;
-    JS::PersistentRootedObject m_contexts;
+    ObjectRoot m_global;
+    ObjectRoot m_stepContext;
+    ObjectRoot m_library;
+    ObjectRoot m_objectPrototype;
+    ObjectRoot m_objectHandler;
+    ValueRoot m_proxyClass;
+    ObjectRoot m_contextPrototype;
+    ObjectRoot m_contexts;
     /// A WeakMap.
-    JS::PersistentRootedObject m_functionNumbers;
+    ObjectRoot m_functionNumbers;
     int m_lastFunctionNumber = 0;
-    NativeClasses<std::shared_ptr<JS::PersistentRootedObject>> m_nativePrototypes;
+    NativeClasses<ObjectRoot> m_nativePrototypes;
 
     Modules m_modules;
 };

@@ -1,40 +1,16 @@
 #include "plugins/javascript/values.h"
 
-#include <js/Array.h>
-#include <js/BigInt.h>
-#include <js/CompilationAndEvaluation.h>
-#include <js/ContextOptions.h>
-#include <js/Conversions.h>
-#include <js/Date.h>
-#include <js/MapAndSet.h>
-#include <js/Object.h>
-#include <js/PropertyDescriptor.h>
-#include <js/Proxy.h>
-#include <js/experimental/TypedData.h>
-#include <jsfriendapi.h>
-
 #include <cmath>
 #include <cstring>
 
 namespace Tamrix::JavaScriptPlugin {
 
-namespace {
-
-/// Numbers that are exact as such.
-constexpr long long largestInteger = (1LL << 53) - 1;
-
-}  // namespace
-
 // Texts
 
-JSString* toJsString(const QString& text) {
-    return checked(JS_NewUCStringCopyN(engineContext(),
-                                       reinterpret_cast<const char16_t*>(text.utf16()),
-                                       static_cast<std::size_t>(text.size())));
-}
-
 JS::Value toJsText(const QString& text) {
-    return JS::StringValue(toJsString(text));
+    return JS::StringValue(checked(
+        JS_NewUCStringCopyN(engineContext(), reinterpret_cast<const char16_t*>(text.utf16()),
+                            static_cast<std::size_t>(text.size()))));
 }
 
 QString fromJsString(JSString* text) {
@@ -54,26 +30,22 @@ QString plainText(JS::HandleValue value) {
 }
 
 QString fromKey(jsid key) {
-    if (!key.isSymbol()) {
-        ValueRoot value;
-        checked(JS_IdToValue(engineContext(), key, &value));
-        return plainText(value);
-    }
+    if (!key.isSymbol())
+        return plainText(ValueRoot(given<JS::Value>(JS_IdToValue, key)));
     const Root<JS::Symbol*> symbol(key.toSymbol());
     JSString* const description = JS::GetSymbolDescription(symbol);
     return "Symbol(" + (description ? fromJsString(description) : QString()) + ')';
 }
 
 jsid toKey(const QString& name) {
-    const Root<JSString*> text(toJsString(name));
-    IdRoot key;
-    checked(JS_StringToId(engineContext(), text, &key));
-    return key;
+    return given<jsid>(JS_ValueToId, ValueRoot(toJsText(name)));
 }
 
 // Numbers, times, bytes
 
 JS::Value toJsLongInteger(long long value) {
+    // Numbers that are exact as such.
+    constexpr long long largestInteger = (1LL << 53) - 1;
     if (std::abs(value) <= largestInteger)
         return JS::NumberValue(static_cast<double>(value));
     return JS::BigIntValue(checked(JS::NumberToBigInt(engineContext(), value)));
@@ -90,11 +62,9 @@ QDateTime fromJsDate(const JS::Value& value) {
     const ObjectRoot date(value);
     if (!date || builtinClass(date) != js::ESClass::Date)
         return {};
-    double milliseconds = 0;
-    checked(js::DateGetMsecSinceEpoch(engineContext(), date, &milliseconds));
-    if (std::isnan(milliseconds))
-        return {};
-    return QDateTime::fromMSecsSinceEpoch(std::llround(milliseconds));
+    const auto milliseconds = given<double>(js::DateGetMsecSinceEpoch, date);
+    return std::isnan(milliseconds) ? QDateTime()
+                                    : QDateTime::fromMSecsSinceEpoch(std::llround(milliseconds));
 }
 
 JS::Value toJsBytes(const QByteArray& bytes) {
@@ -107,36 +77,27 @@ JS::Value toJsBytes(const QByteArray& bytes) {
     return JS::ObjectValue(*array);
 }
 
-bool isBytes(JSObject* object) {
-    return js::UnwrapUint8Array(object) != nullptr;
-}
-
-QByteArray fromJsBytes(JSObject* object) {
+std::optional<QByteArray> fromJsBytes(JSObject* object) {
     std::size_t length = 0;
     bool isShared = false;
     std::uint8_t* data = nullptr;
-    js::GetUint8ArrayLengthAndData(js::UnwrapUint8Array(object), &length, &isShared, &data);
+    if (!JS_GetObjectAsUint8Array(object, &length, &isShared, &data))
+        return std::nullopt;
     return QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(length));
 }
 
 // Objects
 
 JS::Value propertyOf(JSObject* object, const char* name) {
-    ValueRoot value;
-    checked(JS_GetProperty(engineContext(), ObjectRoot(object), name, &value));
-    return value;
+    return given<JS::Value>(JS_GetProperty, ObjectRoot(object), name);
 }
 
 JS::Value propertyOf(JS::HandleObject object, jsid key) {
-    ValueRoot value;
-    checked(JS_GetPropertyById(engineContext(), object, IdRoot(key), &value));
-    return value;
+    return given<JS::Value>(JS_GetPropertyById, object, IdRoot(key));
 }
 
 bool hasProperty(JS::HandleObject object, jsid key) {
-    bool isThere = false;
-    checked(JS_HasPropertyById(engineContext(), object, IdRoot(key), &isThere));
-    return isThere;
+    return given<bool>(JS_HasPropertyById, object, IdRoot(key));
 }
 
 JS::Value dataPropertyOf(JS::HandleObject object, jsid key, bool* hasGetter) {
@@ -153,12 +114,32 @@ void defineProperty(JS::HandleObject object, const QString& name, const JS::Valu
     checked(JS_DefinePropertyById(engineContext(), object, IdRoot(toKey(name)), kept, attributes));
 }
 
-JSObject* newObject() {
-    return checked(JS_NewPlainObject(engineContext()));
+void defineProperty(JS::HandleObject object, const QString& name, JSObject* value,
+                    unsigned attributes) {
+    defineProperty(object, name, JS::ObjectValue(*value), attributes);
 }
 
-JSObject* newArray(const JS::HandleValueArray& elements) {
-    return checked(JS::NewArrayObject(engineContext(), elements));
+JSObject* newObject(const JSFunctionSpec* functions) {
+    const ObjectRoot object(checked(JS_NewPlainObject(engineContext())));
+    checked(!functions || JS_DefineFunctions(engineContext(), object, functions));
+    return object;
+}
+
+JS::Value newArray(const JS::HandleValueArray& elements) {
+    return JS::ObjectValue(*checked(JS::NewArrayObject(engineContext(), elements)));
+}
+
+JS::Value newArray(const QStringList& texts) {
+    ValueRoots elements;
+    for (const QString& text : texts)
+        elements.add(toJsText(text));
+    return newArray(elements);
+}
+
+JSObject* newInstance(JS::HandleValue type, const JS::HandleValueArray& arguments) {
+    ObjectRoot made;
+    checked(JS::Construct(engineContext(), type, arguments, &made));
+    return made;
 }
 
 JSObject* rootPrototype() {
@@ -166,9 +147,7 @@ JSObject* rootPrototype() {
 }
 
 JSObject* prototypeOf(JSObject* object) {
-    ObjectRoot prototype;
-    checked(JS_GetPrototype(engineContext(), ObjectRoot(object), &prototype));
-    return prototype;
+    return given<JSObject*>(JS_GetPrototype, ObjectRoot(object));
 }
 
 bool isFunction(const JS::Value& value) {
@@ -182,9 +161,7 @@ JS::Value resultOf(JS::HandleValue function, const JS::HandleValueArray& argumen
 }
 
 js::ESClass builtinClass(JSObject* object) {
-    js::ESClass found = js::ESClass::Other;
-    checked(JS::GetBuiltinClass(engineContext(), ObjectRoot(object), &found));
-    return found;
+    return given<js::ESClass>(JS::GetBuiltinClass, ObjectRoot(object));
 }
 
 bool isPlainObject(JSObject* object) {
@@ -200,41 +177,30 @@ bool isMapObject(JSObject* object) {
     return builtinClass(object) == js::ESClass::Map;
 }
 
-namespace {
-
-struct Collected {
-    JS::MutableHandleValueVector elements;
-    bool areKeysWanted;
-    std::size_t most;
-};
-
-/// What the engine calls for each entry of a collection.
-bool collect(JSContext*, unsigned count, JS::Value* values) {
-    const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
-    auto& collected =
-        *static_cast<Collected*>(js::GetFunctionNativeReserved(&arguments.callee(), 0).toPrivate());
-    if (collected.areKeysWanted && !collected.elements.append(arguments[1]))
-        return false;
-    // Without an exception: that is enough.
-    return collected.elements.append(arguments[0]) && collected.elements.length() < collected.most;
-}
-
-}  // namespace
-
 void elementsOf(JS::HandleObject collection, JS::MutableHandleValueVector elements,
                 std::size_t most) {
     JSContext* const context = engineContext();
     const js::ESClass kind = builtinClass(collection);
     if (kind != js::ESClass::Map && kind != js::ESClass::Set) {
-        std::uint32_t length = 0;
-        checked(JS::GetArrayLength(context, collection, &length));
-        ValueRoot element;
+        const auto length = given<std::uint32_t>(JS::GetArrayLength, collection);
         for (std::uint32_t index = 0; index < length; ++index)
-            checked(JS_GetElement(context, collection, index, &element) &&
-                    elements.append(element));
+            checked(elements.append(given<JS::Value>(JS_GetElement, collection, index)));
         return;
     }
-    Collected collected{elements, kind == js::ESClass::Map, most};
+    struct Collected {
+        JS::MutableHandleValueVector elements;
+        bool areKeysWanted;
+        std::size_t most;
+    } collected{elements, kind == js::ESClass::Map, most};
+    // What the engine calls for each entry.
+    const JSNative collect = [](JSContext*, unsigned count, JS::Value* values) {
+        const JS::CallArgs arguments = JS::CallArgsFromVp(count, values);
+        const JS::Value self = js::GetFunctionNativeReserved(&arguments.callee(), 0);
+        auto& [found, areKeysWanted, enough] = *static_cast<Collected*>(self.toPrivate());
+        // Without an exception: that is enough.
+        return (!areKeysWanted || found.append(arguments[1])) && found.append(arguments[0]) &&
+               found.length() < enough;
+    };
     const ObjectRoot function(JS_GetFunctionObject(
         checked(js::NewFunctionWithReserved(context, collect, 3, 0, "entries"))));
     js::SetFunctionNativeReserved(function, 0, JS::PrivateValue(&collected));

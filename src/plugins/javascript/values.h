@@ -1,13 +1,10 @@
 #pragma once
 
-#include <js/Class.h>
-#include <js/CompileOptions.h>
-#include <js/SourceText.h>
-#include <jsapi.h>
-
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
+#include <optional>
 
 #include "plugins/javascript/roots.h"
 
@@ -17,7 +14,6 @@ namespace Tamrix::JavaScriptPlugin {
 // the engine refuses throws ScriptErrorSet.
 
 /// A text; lone surrogates are kept both ways.
-JSString* toJsString(const QString& text);
 JS::Value toJsText(const QString& text);
 QString fromJsString(JSString* text);
 /// Of a value that is a text.
@@ -28,6 +24,12 @@ inline QString fromJsText(const JS::Value& value) {
 QString plainText(JS::HandleValue value);
 /// The text of a property's name or of a symbol.
 QString fromKey(jsid key);
+
+/// The engine is given the names of files in UTF-8, and tells its scripts and debuggers a character
+/// for each byte of them.
+inline QString fileFromEngine(const QString& text) {
+    return QString::fromUtf8(text.toLatin1());
+}
 
 /// A number, or a BigInt where a number would lose digits.
 JS::Value toJsLongInteger(long long value);
@@ -41,8 +43,8 @@ JS::Value toJsDate(const QDateTime& time);
 QDateTime fromJsDate(const JS::Value& value);
 /// A Uint8Array with a copy of the bytes.
 JS::Value toJsBytes(const QByteArray& bytes);
-bool isBytes(JSObject* object);
-QByteArray fromJsBytes(JSObject* object);
+/// Nothing for what is no Uint8Array.
+std::optional<QByteArray> fromJsBytes(JSObject* object);
 
 /// A name as the engine knows properties by.
 jsid toKey(const QString& name);
@@ -55,8 +57,14 @@ bool hasProperty(JS::HandleObject object, jsid key);
 JS::Value dataPropertyOf(JS::HandleObject object, jsid key, bool* hasGetter = nullptr);
 void defineProperty(JS::HandleObject object, const QString& name, const JS::Value& value,
                     unsigned attributes = JSPROP_ENUMERATE);
-JSObject* newObject();
-JSObject* newArray(const JS::HandleValueArray& elements);
+void defineProperty(JS::HandleObject object, const QString& name, JSObject* value,
+                    unsigned attributes = JSPROP_ENUMERATE);
+/// With functions, when they are given.
+JSObject* newObject(const JSFunctionSpec* functions = nullptr);
+JS::Value newArray(const JS::HandleValueArray& elements);
+JS::Value newArray(const QStringList& texts);
+/// What a class makes.
+JSObject* newInstance(JS::HandleValue type, const JS::HandleValueArray& arguments);
 /// What new objects of the current realm inherit from.
 JSObject* rootPrototype();
 /// What the object inherits from; null for nothing.
@@ -68,6 +76,10 @@ JS::Value resultOf(JS::HandleValue function, const JS::HandleValueArray& argumen
 
 /// Which of the language's own classes made the object.
 js::ESClass builtinClass(JSObject* object);
+/// An array, a Map or a Set.
+inline bool isCollection(js::ESClass kind) {
+    return kind == js::ESClass::Array || kind == js::ESClass::Map || kind == js::ESClass::Set;
+}
 /// An object that is a list of names and values: of no class, or a Map.
 bool isPlainObject(JSObject* object);
 bool isMapObject(JSObject* object);

@@ -1,12 +1,6 @@
 #include "plugins/javascript/valuetext.h"
 
-#include <js/Array.h>
-#include <js/MapAndSet.h>
-#include <js/Proxy.h>
-#include <jsfriendapi.h>
-
 #include <QRegularExpression>
-#include <QStringList>
 #include <limits>
 #include <memory>
 
@@ -14,17 +8,11 @@
 #include "interpreter/language/valuepath.h"
 #include "interpreter/objects/objectidentity.h"
 #include "plugins/javascript/errors.h"
-#include "plugins/javascript/hostobjects.h"
 #include "plugins/javascript/javascriptargument.h"
-#include "plugins/javascript/objectproxy.h"
-#include "plugins/javascript/values.h"
 
 namespace Tamrix::JavaScriptPlugin {
 
 namespace {
-
-/// Objects in objects, without limits.
-constexpr int deepestOfWhole = 50;
 
 const QString getter = QStringLiteral("[Getter]");
 
@@ -69,12 +57,6 @@ QString classNameOf(JS::HandleObject object) {
     });
 }
 
-QString functionText(JS::HandleObject function) {
-    const QString name = quietly([&] { return nameOf(JS::ObjectValue(*function)); });
-    return name.isEmpty() ? QStringLiteral("[Function]")
-                          : QStringLiteral("[Function: %1]").arg(name);
-}
-
 /// An error's name and message, without what led to it.
 QString errorText(JS::HandleObject error) {
     const auto textProperty = [&](const char* property) {
@@ -99,28 +81,48 @@ bool hasOwnText(JS::HandleObject object) {
            (own.isObject() && own != inheritedData(rootPrototype(), "toString"));
 }
 
-}  // namespace
+/// Writes values, within limits or whole.
+class JavaScriptValueTexts final : public ValueTexts {
+public:
+    explicit JavaScriptValueTexts(bool isWhole)
+        : ValueTexts(isWhole ? withoutLimits : Limits()), m_isWhole(isWhole) {}
+    QString wholeText(const Value& value) { return text(value, 0); }
+
+    Parts partsOf(const Value& value, int end, int depth = 0) override;
+
+protected:
+    QString text(const Value& own, int depth) override;
+
+private:
+    QString objectText(const Value& own, JS::HandleObject object, int depth);
+    Parts propertiesOf(JS::HandleObject object);
+
+    /// But of containers in containers.
+    static constexpr Limits withoutLimits{.length = std::numeric_limits<int>::max(), .depth = 50};
+
+    bool m_isWhole;
+    /// The objects that are being written whole, the outermost first.
+    JS::PersistentRootedVector<JSObject*> m_holders{engineContext()};
+};
 
 // Parts
 
-JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, int end, int depth) {
+ValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, int end, int depth) {
     const ObjectRoot object(valueOf(value));
     // Looking into a proxy of the script would run code of it.
     const bool isProxy = object && js::IsProxy(object);
     if (!object || JS::IsCallable(object) || (isProxy && !m_isWhole))
         return {};
     const js::ESClass kind = builtinClass(object);
-    if (kind == js::ESClass::Array) {
-        std::uint32_t length = 0;
-        checked(JS::GetArrayLength(engineContext(), object, &length));
-        return {static_cast<int>(length), [value](int number) {
+    if (kind == js::ESClass::Array)
+        return {static_cast<int>(given<std::uint32_t>(JS::GetArrayLength, object)),
+                [value](int number) {
                     const ObjectRoot array(valueOf(value));
                     return Part{QString::number(number),
                                 argumentOf(dataPropertyOf(array, JS::PropertyKey::Int(number)))};
                 }};
-    }
     const bool isMap = kind == js::ESClass::Map;
-    if (isProxy || (!isMap && kind != js::ESClass::Set))
+    if (isProxy || !isCollection(kind))
         return propertiesOf(object);
     const std::size_t width = isMap ? 2 : 1;
     const auto entries = std::make_shared<JS::PersistentRootedVector<JS::Value>>(engineContext());
@@ -142,7 +144,7 @@ JavaScriptValueTexts::Parts JavaScriptValueTexts::partsOf(const Value& value, in
             }};
 }
 
-JavaScriptValueTexts::Parts JavaScriptValueTexts::propertiesOf(JS::HandleObject object) {
+ValueTexts::Parts JavaScriptValueTexts::propertiesOf(JS::HandleObject object) {
     const auto keys = std::make_shared<JS::PersistentRootedIdVector>(engineContext());
     checked(js::GetPropertyKeys(engineContext(), object, JSITER_OWNONLY, keys.get()));
     const Value own = argumentOf(JS::ObjectValue(*object));
@@ -191,20 +193,6 @@ QString JavaScriptValueTexts::text(const Value& own, int depth) {
     return written;
 }
 
-QString JavaScriptValueTexts::innerText(const Value& own, int depth) {
-    if (!m_isWhole)
-        return partsText(own, depth);
-    if (depth >= deepestOfWhole)
-        return QStringLiteral("...");
-    const Parts parts = partsOf(own, std::numeric_limits<int>::max(), depth);
-    QStringList texts;
-    for (int number = 0; number < parts.count; ++number) {
-        const Part part = parts.at(number);
-        texts.append(part.label + text(part.value, depth + 1));
-    }
-    return texts.join(", ");
-}
-
 QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject object, int depth) {
     if (const SharedPtr<Object> held = applicationObjectOf(object)) {
         const ObjectResult<QString> text = Tamrix::objectText(held);
@@ -214,8 +202,10 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
         return '<' + application->displayString() + '>';
     if (js::IsProxy(object) && !m_isWhole)
         return QStringLiteral("[Proxy]");
-    if (JS::IsCallable(object))
-        return functionText(object);
+    if (JS::IsCallable(object)) {
+        const QString name = quietly([&] { return nameOf(valueOf(own)); });
+        return (name.isEmpty() ? QStringLiteral("[Function") : "[Function: " + name) + ']';
+    }
     const js::ESClass kind = builtinClass(object);
     if (kind == js::ESClass::Error)
         return errorText(object);
@@ -224,21 +214,27 @@ QString JavaScriptValueTexts::objectText(const Value& own, JS::HandleObject obje
         return time.isValid() ? time.toString(Qt::ISODateWithMs) : QStringLiteral("Invalid Date");
     }
     if (kind == js::ESClass::Array)
-        return '[' + innerText(own, depth) + ']';
-    const bool isCollection = kind == js::ESClass::Map || kind == js::ESClass::Set;
-    if (m_isWhole && !isCollection && hasOwnText(object)) {
+        return '[' + partsText(own, depth) + ']';
+    const bool hasCount = kind == js::ESClass::Map || kind == js::ESClass::Set;
+    if (m_isWhole && !hasCount && hasOwnText(object)) {
         const QString text = quietly([&] { return plainText(valueOf(own)); });
         return text.isNull() ? QStringLiteral("<unprintable %1 object>").arg(classNameOf(object))
                              : text;
     }
     QString name = isPlainObject(object) ? QString() : classNameOf(object);
-    if (isCollection && !m_isWhole)
+    if (hasCount && !m_isWhole)
         name += QStringLiteral("(%1)").arg(partsOf(own, 0).count);
-    return (name.isEmpty() ? QString() : name + ' ') + '{' + innerText(own, depth) + '}';
+    return (name.isEmpty() ? QString() : name + ' ') + '{' + partsText(own, depth) + '}';
 }
 
+}  // namespace
+
 QString textOf(JS::HandleValue value) {
-    return JavaScriptValueTexts(JavaScriptValueTexts::Extent::Whole).wholeText(argumentOf(value));
+    return JavaScriptValueTexts(true).wholeText(argumentOf(value));
+}
+
+std::unique_ptr<ValueTexts> makeLimitedTexts() {
+    return std::make_unique<JavaScriptValueTexts>(false);
 }
 
 QString typeNameOf(JS::HandleValue value) {

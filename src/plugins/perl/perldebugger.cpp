@@ -1,7 +1,9 @@
 #include "plugins/perl/perldebugger.h"
 
 #include "plugins/perl/caseinterpreter.h"
-#include "plugins/perl/perlvariables.h"
+#include "plugins/perl/conversion.h"
+#include "plugins/perl/lexicals.h"
+#include "plugins/perl/perlvaluetexts.h"
 
 namespace Tamrix::PerlPlugin {
 
@@ -59,8 +61,40 @@ int PerlDebugger::runningDepth() {
     return static_cast<int>(scriptFrames(aTHX_ m_perl.files()).size());
 }
 
-std::unique_ptr<VariableWatcher> PerlDebugger::makeVariableWatcher() {
-    return std::make_unique<PerlVariables>(m_perl, *this);
+std::unique_ptr<ValueTexts> PerlDebugger::makeValueTexts() {
+    return std::make_unique<PerlValueTexts>();
+}
+
+// Variables
+
+std::vector<ValueTexts::Part> PerlDebugger::variablesOf(const ScriptFrame& frame) {
+    const auto code = std::any_cast<CodeFrame>(frame.own);
+    std::vector<ValueTexts::Part> variables;
+    pTHX = m_perl.perl();
+    for (const Lexical& each : lexicalsOf(code))
+        variables.push_back({each.name, valueOfVariable(aTHX_ each.variable.get())});
+    if (HV* const package = CopSTASH(code.statement))
+        addOfPackage(variables, package);
+    return variables;
+}
+
+void PerlDebugger::addOfPackage(std::vector<ValueTexts::Part>& variables, HV* package) {
+    pTHX = m_perl.perl();
+    for (const auto& [name, glob] : entriesOf(aTHX_ package)) {
+        const QChar first = name.isEmpty() ? QChar() : name.at(0);
+        if (!isGV_with_GP(glob) || name.endsWith("::") || !(first.isLetter() || first == '_') ||
+            name.startsWith("_<") || m_perl.isOwnName(package, name))
+            continue;
+        auto* const entry = reinterpret_cast<GV*>(glob);
+        if (GvSV(entry) && SvOK(GvSV(entry)))
+            variables.push_back({"$" + name, valueOfVariable(aTHX_ GvSV(entry))});
+        if (GvAV(entry))
+            variables.push_back(
+                {"@" + name, valueOfVariable(aTHX_ reinterpret_cast<SV*>(GvAV(entry)))});
+        if (GvHV(entry))
+            variables.push_back(
+                {"%" + name, valueOfVariable(aTHX_ reinterpret_cast<SV*>(GvHV(entry)))});
+    }
 }
 
 void PerlDebugger::errorPasses(pTHX_ SV* exception) {

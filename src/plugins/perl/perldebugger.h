@@ -20,11 +20,12 @@ public:
     void setInteractive(bool interactive) override;
     /// An exception is on its way: stops when nothing will catch it.
     void errorPasses(pTHX_ SV* exception);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
     void stopSoon() override;
@@ -32,6 +33,7 @@ protected:
 private:
     void statementReached(pTHX_ const COP* statement) override;
     void stopRequested() override;
+    void addOfPackage(std::vector<ValueTexts::Part>& variables, HV* package);
 
     CaseInterpreter& m_perl;
     /// The exception that is on its way while others look at values.

@@ -46,17 +46,6 @@ QString textOf(PyObject* object) {
     return QStringLiteral("<unprintable %1 object>").arg(QLatin1String(Py_TYPE(object)->tp_name));
 }
 
-QString representation(PyObject* value) {
-    constexpr int longest = 200;
-    const PyRef repr = PyRef::steal(PyObject_Repr(value));
-    if (!repr) {
-        clearOrdinaryError();
-        return QStringLiteral("<no representation>");
-    }
-    const QString text = fromPyString(repr.get());
-    return text.size() <= longest ? text : text.left(longest) + "...";
-}
-
 namespace {
 
 /// Whether Python's datetime can be used.

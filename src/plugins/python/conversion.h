@@ -18,10 +18,6 @@ QString fromPyString(PyObject* text);
 /// exception that ends the script passes as PythonErrorSet.
 QString textOf(PyObject* object);
 
-/// repr(value), cut when it is long, or what stands for it when that raises. An exception that ends
-/// the script passes as PythonErrorSet.
-QString representation(PyObject* value);
-
 /// A datetime without time zone in local time.
 PyRef toPyDateTime(const QDateTime& time);
 

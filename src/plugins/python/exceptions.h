@@ -7,11 +7,8 @@
 
 namespace Tamrix::PythonPlugin {
 
-/// Makes the exception classes and adds them to the module `tamrix`:
-///   Error (a RuntimeError), LookupError (an Error and a LookupError), VerificationError (an Error
-///   and an AssertionError), FatalError (a BaseException, which `except Exception` lets pass).
-/// False with the error indicator set on failure.
-bool addExceptions(PyObject* module);
+/// Finds the exceptions that the module `tamrix` has for failures. Throws PythonErrorSet.
+void findExceptions(PyObject* module);
 
 /// Raises the exception for a kind of failure, and returns it; null when another one had to be
 /// raised. What Python itself has exceptions for is an AttributeError or a TypeError.

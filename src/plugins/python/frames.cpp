@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
+#include "plugins/python/pythonargument.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -56,15 +58,9 @@ const CodeFiles::Entry& CodeFiles::entry(PyObject* codeFileName) {
 }
 
 void CodeFiles::addLibraries() {
-    const PyRef sysconfig = checked(PyImport_ImportModule("sysconfig"));
-    const PyRef paths = checked(PyObject_CallMethod(sysconfig.get(), "get_paths", nullptr));
-    for (const char* name : {"stdlib", "platstdlib", "purelib", "platlib"}) {
-        const PyRef folder = PyRef::borrow(PyDict_GetItemString(paths.get(), name));
-        if (folder)
-            m_files.addLibrary(fromPyString(folder.get()));
-    }
-    // Debian's own packages.
-    m_files.addLibrary(QStringLiteral("/usr/lib/python3"));
+    const PythonArgument folders(PyRef::borrow(ownName("state", "LIBRARY_FOLDERS")));
+    for (const SharedPtr<ScriptArgument>& folder : folders.toList())
+        m_files.addLibrary(folder->toString());
 }
 
 PyRef innermostFrame(CodeFiles& files) {

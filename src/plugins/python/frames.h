@@ -25,7 +25,7 @@ private:
         bool isScript = false;
     };
     const Entry& entry(PyObject* codeFileName);
-    /// Asks Python where it keeps its library and installed packages.
+    /// Python's library and installed packages.
     void addLibraries();
 
     SourceFiles m_files;

@@ -7,29 +7,33 @@
 
 namespace Tamrix::PythonPlugin {
 
-/// A Python object that holds a SharedPtr<T>. Each T has one Python base type, made on first use by
-/// makeType(); Python classes may derive from it.
+/// A function as a PyType_Slot has it.
+template <typename Function>
+void* slot(Function function) {
+    return reinterpret_cast<void*>(function);
+}
+
+/// A Python object that holds a SharedPtr<T>. Each T has one Python base type, made by addType();
+/// Python classes may derive from it.
 template <typename T>
 struct Holder {
     PyObject_HEAD SharedPtr<T> value;
 
-    /// The Python type of all holders of T; null until makeType().
+    /// The Python type of all holders of T; null until addType().
     static PyTypeObject* s_type;
 
-    /// Makes the type from a name, flags and further slots, the last one {0, nullptr}. Null with
-    /// the error indicator set on failure. `flags` are added to Py_TPFLAGS_DEFAULT.
-    static PyTypeObject* makeType(const char* name, const PyType_Slot* furtherSlots,
-                                  unsigned int flags = Py_TPFLAGS_DISALLOW_INSTANTIATION) {
-        if (s_type)
-            return s_type;
+    /// Makes the type from a name, flags and further slots, the last one {0, nullptr}, and adds it
+    /// to the module. `flags` are added to Py_TPFLAGS_DEFAULT. Throws PythonErrorSet.
+    static void addType(PyObject* module, const char* name, const PyType_Slot* furtherSlots,
+                        unsigned int flags = Py_TPFLAGS_DISALLOW_INSTANTIATION) {
         PyType_Slot slots[16] = {{Py_tp_dealloc, reinterpret_cast<void*>(deallocate)}};
         int used = 1;
         for (const PyType_Slot* slot = furtherSlots; slot->slot != 0; ++slot)
             slots[used++] = *slot;
         slots[used] = {0, nullptr};
         PyType_Spec definition{name, sizeof(Holder), 0, Py_TPFLAGS_DEFAULT | flags, slots};
-        s_type = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&definition));
-        return s_type;
+        s_type = reinterpret_cast<PyTypeObject*>(checked(PyType_FromSpec(&definition)).release());
+        checked(PyModule_AddType(module, s_type));
     }
 
     /// A new Python object of `wanted`, which is `s_type` or derived from it. None for null.

@@ -23,14 +23,13 @@ PyObject* methodRepr(PyObject* self) {
 
 }  // namespace
 
-bool addMethodType(PyObject* module) {
+void addMethodType(PyObject* module) {
     const PyType_Slot slots[] = {
-        {Py_tp_call, reinterpret_cast<void*>(callMethod)},
-        {Py_tp_repr, reinterpret_cast<void*>(methodRepr)},
+        {Py_tp_call, slot(callMethod)},
+        {Py_tp_repr, slot(methodRepr)},
         {Py_tp_doc, const_cast<char*>("A method of an object of an application")},
         {0, nullptr}};
-    PyTypeObject* const type = MethodHolder::makeType("tamrix.Method", slots);
-    return type && PyModule_AddType(module, type) == 0;
+    MethodHolder::addType(module, "tamrix.Method", slots);
 }
 
 }  // namespace Tamrix::PythonPlugin

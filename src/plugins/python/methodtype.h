@@ -8,7 +8,7 @@ namespace Tamrix::PythonPlugin {
 /// tamrix.Method, a method that is bound to its object: a callable of Python.
 using MethodHolder = Holder<BoundMethod>;
 
-/// Makes the type and adds it to the module. False with the error indicator set on failure.
-bool addMethodType(PyObject* module);
+/// Makes the type and adds it to the module. Throws PythonErrorSet.
+void addMethodType(PyObject* module);
 
 }  // namespace Tamrix::PythonPlugin

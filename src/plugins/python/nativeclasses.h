@@ -11,11 +11,11 @@ namespace Tamrix::PythonPlugin {
 /// Base of all Python classes that are made from native ones.
 using NativeHolder = Holder<NativeScriptObject>;
 
-/// Makes the base class and adds it to the module `tamrix` as NativeObject.
-bool addNativeBase(PyObject* module);
+/// Makes the base class and adds it to the module `tamrix` as NativeObject. Throws PythonErrorSet.
+void addNativeBase(PyObject* module);
 
 /// A Python class from the description of a native one; it derives from the class that was made
-/// from the description's base class. Null with the error indicator set on failure.
+/// from the description's base class. Throws PythonErrorSet.
 PyRef makeNativeClass(const ScriptContext& context, const QString& name, void* typeId,
                       const NativeScriptType& type);
 

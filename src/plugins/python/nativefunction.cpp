@@ -142,10 +142,6 @@ PyObject* tryTarget(const Target& target, PythonInterpreter& interpreter,
         return run<kind>(target.function, interpreter, first, arguments, count, names);
     } catch (const PythonErrorSet&) {
         // The script gets the exception that is set.
-    } catch (const std::exception& exception) {
-        setFailure(thrownIn(target.function.displayName(), QString::fromUtf8(exception.what())));
-    } catch (...) {
-        setFailure(thrownIn(target.function.displayName(), "unknown exception"));
     }
     return nullptr;
 }
@@ -256,17 +252,13 @@ PyRef makeFunction(const NativeFunction& function) {
         METH_FASTCALL | METH_KEYWORDS, target->doc.c_str()};
 
     PyTypeObject* const type = targetType();
-    const PyRef self = PyRef::steal(type ? type->tp_alloc(type, 0) : nullptr);
-    const PyRef module =
-        toPyString(signature.owner.isEmpty() ? QStringLiteral("builtins") : signature.owner);
-    if (!self || !module)
-        return {};
+    const PyRef self = checked(type ? type->tp_alloc(type, 0) : nullptr);
+    const PyRef module = checkedReference(
+        toPyString(signature.owner.isEmpty() ? QStringLiteral("builtins") : signature.owner));
     reinterpret_cast<TargetObject*>(self.get())->target = target.get();
-    PyRef made = PyRef::steal(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
-    if (made) {
-        functionObjects().insert(key, made);
-        static_cast<void>(target.release());  // the function object lives for the process
-    }
+    const PyRef made = checked(PyCFunction_NewEx(&target->definition, self.get(), module.get()));
+    functionObjects().insert(key, made);
+    static_cast<void>(target.release());  // the function object lives for the process
     return made;
 }
 

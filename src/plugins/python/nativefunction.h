@@ -14,8 +14,7 @@ QString pythonName(const QString& name);
 bool isNativeFunction(PyObject* object);
 
 /// A Python function over a native one. It lives for the process: making it a second time for the
-/// same owner, name and native function gives the same object. Null with the error indicator set on
-/// failure.
+/// same owner, name and native function gives the same object. Throws PythonErrorSet.
 ///
 /// Of the accessor of a static property, and of a constructor, which is `__new__`, the first Python
 /// argument is the class; of a method it is the object. It is not among the arguments of the

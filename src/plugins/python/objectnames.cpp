@@ -6,6 +6,7 @@
 #include "base/utf8file.h"
 #include "interpreter/language/literals.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythoninterpreter.h"
 
@@ -24,27 +25,10 @@ constexpr const char* reservedWords =
     "raise range repr return reversed round set setattr slice sorted staticmethod str sum "
     "super tamrix try tuple type vars while with yield zip";
 
-/// The code of a module as Python's import has it, which keeps it, in the user's cache, until the
-/// file changes. Null when it can't be had so.
-PyRef importedCode(const QString& path) {
-    // Nothing is left beside the script, and nothing of what the script imports itself is kept.
-    const PyRef folder =
-        toPyString(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
-                   QStringLiteral("/tamrix/python"));
-    PySys_SetObject("pycache_prefix", folder.get());
-    PySys_SetObject("dont_write_bytecode", Py_False);
-    const PyRef module = PyRef::steal(PyImport_ImportModule("importlib.machinery"));
-    const PyRef file = toPyString(path);
-    const PyRef loader =
-        PyRef::steal(module && file ? PyObject_CallMethod(module.get(), "SourceFileLoader", "sO",
-                                                          "names", file.get())
-                                    : nullptr);
-    PyRef code = PyRef::steal(loader ? PyObject_CallMethod(loader.get(), "get_code", "s", "names")
-                                     : nullptr);
-    PyErr_Clear();
-    PySys_SetObject("dont_write_bytecode", Py_True);
-    PySys_SetObject("pycache_prefix", Py_None);
-    return code;
+/// Of the user: nothing is left beside the script.
+QString cacheFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+           QStringLiteral("/tamrix/python");
 }
 
 /// Whether the file says itself how it is encoded.
@@ -64,7 +48,9 @@ bool PythonObjectMap::runScript(const QString& text) {
     // Compiling thousands of names takes longer than all else. A text that is tried is no file.
     const Outcome<Utf8Text> file = readUtf8File(path());
     if (file && file->text == text && !hasCodingLine(text)) {
-        if (const PyRef code = importedCode(path()))
+        const PyRef code =
+            callOwn("names", "imported_code", toPyString(path()), toPyString(cacheFolder()));
+        if (code.get() != Py_None)
             PythonInterpreter::active()->rememberCode(text, path(), code);
     }
     return GenericScriptedObjectMap::runScript(text);

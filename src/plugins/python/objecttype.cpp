@@ -12,11 +12,6 @@ namespace Tamrix::PythonPlugin {
 
 namespace {
 
-template <typename Function>
-void* slot(Function function) {
-    return reinterpret_cast<void*>(function);
-}
-
 // Attributes
 
 /// The application's name for an attribute: keywords of Python have an underscore behind them.
@@ -89,7 +84,7 @@ int objectTruth(PyObject* self) {
 
 }  // namespace
 
-bool addObjectType(PyObject* module) {
+void addObjectType(PyObject* module) {
     static PyMethodDef s_methods[] = {
         {"__dir__", listAttributes, METH_NOARGS, "The object's properties and methods"},
         {nullptr, nullptr, 0, nullptr}};
@@ -104,8 +99,7 @@ bool addObjectType(PyObject* module) {
         {Py_tp_doc, const_cast<char*>("An object of an application: its properties and methods "
                                       "are its attributes")},
         {0, nullptr}};
-    PyTypeObject* const type = ObjectHolder::makeType("tamrix.Object", slots);
-    return type && PyModule_AddType(module, type) == 0;
+    ObjectHolder::addType(module, "tamrix.Object", slots);
 }
 
 }  // namespace Tamrix::PythonPlugin

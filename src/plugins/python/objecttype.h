@@ -10,7 +10,7 @@ namespace Tamrix::PythonPlugin {
 /// equal objects compare equal, and an object is true when there is one behind it.
 using ObjectHolder = Holder<Object>;
 
-/// Makes the type and adds it to the module. False with the error indicator set on failure.
-bool addObjectType(PyObject* module);
+/// Makes the type and adds it to the module. Throws PythonErrorSet.
+void addObjectType(PyObject* module);
 
 }  // namespace Tamrix::PythonPlugin

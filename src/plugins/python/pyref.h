@@ -63,4 +63,12 @@ inline void checked(int status) {
         throw PythonErrorSet();
 }
 
+// Of what is an object or a reference to one, the object.
+inline PyObject* borrowed(PyObject* object) {
+    return object;
+}
+inline PyObject* borrowed(const PyRef& reference) {
+    return reference.get();
+}
+
 }  // namespace Tamrix::PythonPlugin

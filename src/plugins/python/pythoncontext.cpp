@@ -1,12 +1,10 @@
 #include "plugins/python/pythoncontext.h"
 
-#include "plugins/python/conditionsource.h"
 #include "plugins/python/nativefunction.h"
-#include "plugins/python/objecttype.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/scripterror.h"
-#include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -63,7 +61,8 @@ PyRef PythonContext::makeValue(const ScriptArgument::Map& values) {
 }
 
 SharedPtr<ScriptArgument> PythonContext::createLocation(const ScriptLocation& location) {
-    return wrapped(wrapLocation(location));
+    return wrapped(callOwn("library", "Location", toPyString(location.fileName),
+                           PyRef::steal(PyLong_FromLong(location.line))));
 }
 
 // Registration
@@ -75,15 +74,11 @@ void PythonContext::define(const NativeFunction& function) {
 
 void PythonContext::defineMember(const NativeFunction& function) {
     const NativeSignature& signature = function.signature();
-    if (signature.owner != QLatin1String("ApplicationContext")) {
-        LanguageContext::defineMember(function);
-        return;
-    }
-    const PyRef method =
-        checked(PyInstanceMethod_New(checkedReference(makeFunction(function)).get()));
+    const PyRef owner = checked(
+        PyObject_GetAttrString(ownName("library", "tamrix"), signature.owner.toUtf8().constData()));
+    const PyRef method = checked(PyInstanceMethod_New(makeFunction(function).get()));
     const PyRef name = checkedReference(toPyString(pythonName(signature.name)));
-    checked(PyObject_SetAttr(reinterpret_cast<PyObject*>(ApplicationContextHolder::s_type),
-                             name.get(), method.get()));
+    checked(PyObject_SetAttr(owner.get(), name.get(), method.get()));
 }
 
 void PythonContext::defineConstant(const QString& owner, const QString& name, int value) {
@@ -110,7 +105,8 @@ QString PythonContext::scriptName(const QString& name) const {
 }
 
 QString PythonContext::explainArgument(const char* parameter) {
-    return explainCall(parameter, m_interpreter.files());
+    return fromPyString(
+        callOwn("condition", "explain", PyRef::steal(PyUnicode_FromString(parameter))).get());
 }
 
 bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptArgument> right) {
@@ -118,7 +114,6 @@ bool PythonContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<Script
 }
 
 std::pair<QString, QString> PythonContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    const PythonDebugger::CatchesErrors catching(m_interpreter.debugger());
     PyRef compiled;
     return attemptException(
         *code,

@@ -42,6 +42,9 @@ public:
     }
 
     SharedPtr<ScriptArgument> createLocation(const ScriptLocation& location) override;
+    SharedPtr<ScriptArgument> createRecord(const SharedPtr<HeldRecord>& record) override {
+        return wrapped(makeValue(record));
+    }
     void define(const NativeFunction& function) override;
 
     bool lineInfoOfFrame(LineInfo& position, int ancestorLevel) const override;

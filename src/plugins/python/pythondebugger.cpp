@@ -2,65 +2,23 @@
 
 #include <algorithm>
 
+#include "interpreter/language/valuepath.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/exceptionhandlers.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythoninterpreter.h"
 #include "plugins/python/pythonsignals.h"
-#include "plugins/python/pythonvariables.h"
+#include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
+#include "plugins/python/valuetext.h"
 
 namespace Tamrix::PythonPlugin {
 
 namespace {
 
-/// Keeps an exception that is on its way while the debugger asks Python something.
-class ErrorAside {
-public:
-    ErrorAside() { PyErr_Fetch(&m_type, &m_value, &m_traceback); }
-    ~ErrorAside() {
-        if (m_type)
-            PyErr_Restore(m_type, m_value, m_traceback);
-    }
-    ErrorAside(const ErrorAside&) = delete;
-    ErrorAside& operator=(const ErrorAside&) = delete;
-
-private:
-    PyObject* m_type = nullptr;
-    PyObject* m_value = nullptr;
-    PyObject* m_traceback = nullptr;
-};
-
-PyRef runningFrame() {
-    return PyRef::borrow(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
-}
-
-PyRef nextOutwards(const PyRef& frame) {
-    return PyRef::steal(reinterpret_cast<PyObject*>(
-        PyFrame_GetBack(reinterpret_cast<PyFrameObject*>(frame.get()))));
-}
-
 bool isOneOf(PyObject* exception, std::initializer_list<PyObject*> types) {
     return std::any_of(types.begin(), types.end(), [exception](PyObject* type) {
         return PyErr_GivenExceptionMatches(exception, type) != 0;
     });
-}
-
-/// Whether Python itself, which has no frames, may be waiting for the exception as an answer: code
-/// of an operator such as `__getitem__`, or an attribute that somebody asks after.
-bool mayBeAnswer(PyObject* exception, const PyRef& code) {
-    auto* const object = reinterpret_cast<PyCodeObject*>(code.get());
-    const QString name = fromPyString(object->co_name);
-    if (name.startsWith("__") && name.endsWith("__"))
-        return name != "__init__" && name != "__call__" && name != "__enter__";
-    if (!isOneOf(exception, {PyExc_AttributeError}))
-        return false;
-    for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(object->co_names); ++index) {
-        PyObject* const used = PyTuple_GET_ITEM(object->co_names, index);
-        if (PyUnicode_CompareWithASCIIString(used, "hasattr") == 0 ||
-            PyUnicode_CompareWithASCIIString(used, "getattr") == 0)
-            return true;
-    }
-    return false;
 }
 
 PyObject* stopAtNextLine(PyObject*, PyObject*) {
@@ -156,11 +114,12 @@ CodeFacts& PythonDebugger::currentFacts(PyCodeObject* code) {
 
 std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
     std::vector<int> lines = breakLines(sourceIdOf(m_python.files().path(code->co_filename)));
-    if (lines.empty())
-        return lines;
-    const std::vector<int> own = linesOf(code);
-    std::erase_if(lines,
-                  [&own](int line) { return !std::binary_search(own.begin(), own.end(), line); });
+    const RecursionRoom room;
+    std::erase_if(lines, [code](int line) {
+        const PyRef number = PyRef::steal(PyLong_FromLong(line));
+        return callOwn("lines", "has_line", reinterpret_cast<PyObject*>(code), number).get() !=
+               Py_True;
+    });
     return lines;
 }
 
@@ -172,8 +131,27 @@ int PythonDebugger::runningDepth() {
     return PythonPlugin::runningDepth(m_python.files());
 }
 
-std::unique_ptr<VariableWatcher> PythonDebugger::makeVariableWatcher() {
-    return std::make_unique<PythonVariables>(m_python);
+std::unique_ptr<ValueTexts> PythonDebugger::makeValueTexts() {
+    return std::make_unique<PythonTexts>();
+}
+
+std::vector<ValueTexts::Part> PythonDebugger::variablesOf(const ScriptFrame& place) {
+    std::vector<ValueTexts::Part> variables;
+    auto* const frame = reinterpret_cast<PyFrameObject*>(frameBehind(place));
+    const PyRef locals = checked(PyFrame_GetLocals(frame));
+    const PyRef globals = checked(PyFrame_GetGlobals(frame));
+    for (const PyRef* names : {&locals, &globals}) {
+        const PyRef items = checked(PyMapping_Items(names->get()));
+        for (Py_ssize_t index = 0; index < PyList_GET_SIZE(items.get()); ++index) {
+            PyObject* const item = PyList_GET_ITEM(items.get(), index);
+            const QString name = fromPyString(PyTuple_GET_ITEM(item, 0));
+            if (name.isNull() || name.startsWith("__"))
+                continue;
+            variables.push_back(
+                {pathPart(name), new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(item, 1)))});
+        }
+    }
+    return variables;
 }
 
 Debugger::VariableBindings PythonDebugger::variables(const QString& path) {
@@ -188,14 +166,6 @@ Debugger::VariableBindings PythonDebugger::variables(const QString& path) {
 
 // Errors
 
-PythonDebugger::CatchesErrors::CatchesErrors(PythonDebugger& debugger) : m_debugger(debugger) {
-    m_debugger.m_catching.push_back(reinterpret_cast<PyObject*>(PyEval_GetFrame()));
-}
-
-PythonDebugger::CatchesErrors::~CatchesErrors() {
-    m_debugger.m_catching.pop_back();
-}
-
 void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
     // Some are no errors, and some are asked for by what can't be seen here.
     if (!stopsForErrors() || exception == m_toldError.get() ||
@@ -203,22 +173,13 @@ void PythonDebugger::errorPasses(PyObject* exception, PyObject* traceback) {
         isOneOf(exception, {PyExc_StopIteration, PyExc_StopAsyncIteration, PyExc_GeneratorExit,
                             PyExc_SystemExit, PyExc_KeyboardInterrupt}))
         return;
-    if (!isCaught(exception, traceback))
+    const RecursionRoom room;
+    const bool isCaught =
+        areErrorsCaught() ||
+        callOwn("handlers", "is_caught", exception, traceback ? traceback : Py_None).get() ==
+            Py_True;
+    if (!isCaught)
         stopForError(exception, traceback);
-}
-
-bool PythonDebugger::isCaught(PyObject* exception, PyObject* traceback) {
-    for (auto* entry = reinterpret_cast<PyTracebackObject*>(traceback); entry;
-         entry = entry->tb_next) {
-        if (mayBeAnswer(exception, frameCode(reinterpret_cast<PyObject*>(entry->tb_frame))))
-            return true;
-    }
-    for (PyRef frame = runningFrame(); frame; frame = nextOutwards(frame)) {
-        if (std::find(m_catching.begin(), m_catching.end(), frame.get()) != m_catching.end() ||
-            mayBeAnswer(exception, frameCode(frame.get())) || mayCatch(frame.get(), exception))
-            return true;
-    }
-    return false;
 }
 
 void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
@@ -226,23 +187,17 @@ void PythonDebugger::stopForError(PyObject* exception, PyObject* traceback) {
     if (framesOfError(traceback, m_python.files()).empty())
         return;
     m_toldError = PyRef::borrow(exception);
-    PyErr_Restore(Py_NewRef(reinterpret_cast<PyObject*>(Py_TYPE(exception))), Py_NewRef(exception),
-                  Py_XNewRef(traceback));
-    LanguageDebugger::stopForError(takeScriptError().message,
+    LanguageDebugger::stopForError(scriptErrorOf(exception, traceback).message,
                                    framesOfError(traceback, m_python.files()));
 }
 
 void PythonDebugger::errorUncaught() {
-    PyObject* type = nullptr;
-    PyObject* value = nullptr;
-    PyObject* traceback = nullptr;
-    PyErr_Fetch(&type, &value, &traceback);
-    PyErr_NormalizeException(&type, &value, &traceback);
-    if (stopsForErrors() && value && value != m_toldError.get() &&
-        !m_python.failures().isSkip(value) &&
-        !isOneOf(value, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
-        stopForError(value, traceback);
-    PyErr_Restore(type, value, traceback);
+    const ErrorAside aside;
+    PyObject* const exception = aside.exception();
+    if (stopsForErrors() && exception && exception != m_toldError.get() &&
+        !m_python.failures().isSkip(exception) &&
+        !isOneOf(exception, {PyExc_SystemExit, PyExc_KeyboardInterrupt}))
+        stopForError(exception, aside.traceback());
     m_toldError = PyRef();
     forgetTold();
 }

@@ -39,26 +39,15 @@ public:
     void errorRaised() { m_hook.tellErrorSet(); }
     /// Nothing has caught the exception that is set: stops if the debugger has not done so before.
     void errorUncaught();
-    /// Errors are caught by a native function that the innermost frame has called, as long as this
-    /// exists.
-    class CatchesErrors {
-    public:
-        explicit CatchesErrors(PythonDebugger& debugger);
-        ~CatchesErrors();
-        CatchesErrors(const CatchesErrors&) = delete;
-        CatchesErrors& operator=(const CatchesErrors&) = delete;
-
-    private:
-        PythonDebugger& m_debugger;
-    };
     /// Another exception is raised for one that the debugger may have stopped for, whose text it
     /// has in its own: it is not to stop once more.
     void errorReplaced(PyObject* exception, const QString& text);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& place) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void enterSilence() override;
     void leaveSilence() override;
     void breakPointsChanged() override { m_hook.redecide(); }
@@ -74,7 +63,6 @@ private:
     CodeFacts& currentFacts(PyCodeObject* code);
     std::vector<int> breakLinesOf(PyCodeObject* code);
 
-    bool isCaught(PyObject* exception, PyObject* traceback);
     void stopForError(PyObject* exception, PyObject* traceback);
 
     PythonInterpreter& m_python;
@@ -83,9 +71,6 @@ private:
 
     /// The exception that the debugger has stopped for.
     PyRef m_toldError;
-    /// Frames whose native function catches errors. Only compared: they run as long as they are
-    /// here.
-    std::vector<PyObject*> m_catching;
 };
 
 }  // namespace Tamrix::PythonPlugin

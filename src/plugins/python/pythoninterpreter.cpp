@@ -1,22 +1,19 @@
 #include "plugins/python/pythoninterpreter.h"
 
+#include <frameobject.h>
+
 #include <stdexcept>
 
-#include "plugins/python/bddmodule.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/frameevaluation.h"
-#include "plugins/python/globalfunctions.h"
 #include "plugins/python/nativeclasses.h"
 #include "plugins/python/nativefunction.h"
-#include "plugins/python/overlay.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythondebugger.h"
 #include "plugins/python/pythonruntime.h"
 #include "plugins/python/pythonsteps.h"
 #include "plugins/python/scriptcall.h"
 #include "plugins/python/scripterror.h"
-#include "plugins/python/scriptstreams.h"
 #include "plugins/python/valuetext.h"
-#include "plugins/python/valuetypes.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -27,23 +24,15 @@ constexpr const char* moduleName = "__test__";
 /// Stands for the file of code that has none.
 const QString noFile = QStringLiteral("<init script>");
 
+/// Lets scripts print to the results, or to the process's own streams.
+void setStreams(bool areOurs) {
+    callOwn("output", "set_streams", areOurs ? Py_True : Py_False);
+}
+
 /// The line of the first NUL in the text, counted from 1; -1 without one.
 int lineOfNul(const QString& text) {
     const int place = text.indexOf(QChar(0));
     return place < 0 ? -1 : text.leftRef(place).count('\n') + 1;
-}
-
-/// A NUL is an error at its line, as any other that the compiler finds.
-void raiseNul(PyObject* file, int line) {
-    const PyRef text = PyRef::steal(
-        PyUnicode_FromFormat("line %d holds a NUL character, which no script may have", line));
-    const PyRef position = PyRef::steal(Py_BuildValue("(OiOO)", file, line, Py_None, Py_None));
-    const PyRef error =
-        PyRef::steal(text && position ? PyObject_CallFunctionObjArgs(PyExc_SyntaxError, text.get(),
-                                                                     position.get(), nullptr)
-                                      : nullptr);
-    if (error)
-        PyErr_SetObject(PyExc_SyntaxError, error.get());
 }
 
 }  // namespace
@@ -55,11 +44,10 @@ PythonInterpreter::PythonInterpreter(RunnerInterface* runner)
     m_context = std::make_unique<PythonContext>(*this);
     m_debugger = std::make_unique<PythonDebugger>(*this);
     try {
+        setStreams(true);
+        m_context->defineValueMembers();
+        m_context->defineStepMembers();
         begin(*m_context, *m_debugger, std::make_unique<PythonSteps>(*this));
-        if (!installStreams(&output())) {
-            end();
-            throw PythonErrorSet();
-        }
     } catch (const PythonErrorSet&) {
         PyErr_Print();
         throw std::runtime_error("The functions of the test system can't be made known to Python");
@@ -82,8 +70,11 @@ PythonInterpreter::~PythonInterpreter() {
         output().flush();
     }
     leaveActive();
-    if (!installStreams(last ? nullptr : &active()->output()))
+    try {
+        setStreams(!last);
+    } catch (const PythonErrorSet&) {
         PyErr_Print();
+    }
 }
 
 // Names for scripts
@@ -107,7 +98,7 @@ PyRef PythonInterpreter::nameSpaceObject(const QString& name) {
     if (known) {
         // Python's own name goes on to mean what it does.
         addSelfDefinedVariableName(name);
-        return checkedReference(overlayFor(name, known.get()));
+        return callOwn("overlay", "overlay_for", key, known);
     }
     // A namespace is a module object: help() and dir() know what to say of it.
     PyRef made = checked(PyModule_NewObject(key.get()));
@@ -125,8 +116,12 @@ QString PythonInterpreter::addToSearchPath(const QFileInfo& directory) {
 }
 
 void PythonInterpreter::publishFunctions(const QStringList& names) {
-    for (const QString& name : names)
-        publishGlobalFunction(*this, name);
+    for (const QString& name : names) {
+        const PyRef shownName = checkedReference(toPyString(pythonName(name)));
+        if (PyDict_Contains(PyEval_GetBuiltins(), shownName.get()) == 0)
+            defineIn(QString(), name,
+                     callOwn("library", "GlobalFunction", toPyString(name), shownName));
+    }
 }
 
 void PythonInterpreter::startScript(const QString& path, const QStringList& arguments,
@@ -135,7 +130,7 @@ void PythonInterpreter::startScript(const QString& path, const QStringList& argu
     try {
         const PyRef names = moduleNamespace();
         if (m_initialNames)
-            restoreDictionary(names.get(), m_initialNames.get());
+            callOwn("state", "set_back", names, m_initialNames);
         else
             m_initialNames = checked(PyDict_Copy(names.get()));
     } catch (const PythonErrorSet&) {
@@ -161,7 +156,7 @@ PyRef PythonInterpreter::moduleNamespace() {
         m_module = checked(PyModule_New(moduleName));
         PyObject* const dictionary = PyModule_GetDict(m_module.get());
         checked(PyDict_SetItemString(dictionary, "__builtins__", PyEval_GetBuiltins()));
-        checked(PyDict_Update(dictionary, overlays()));
+        checked(PyDict_Update(dictionary, ownName("overlay", "overlays")));
         checked(PyDict_SetItemString(PyImport_GetModuleDict(), moduleName, m_module.get()));
     }
     return PyRef::borrow(PyModule_GetDict(m_module.get()));
@@ -175,7 +170,10 @@ PyRef PythonInterpreter::compile(const QString& text, const QString& fileName, i
     if (!file)
         return {};
     if (const int line = lineOfNul(text); line >= 0) {
-        raiseNul(file.get(), line);
+        // An error at its line, as any other that the compiler finds.
+        PyErr_Format(PyExc_SyntaxError, "line %d holds a NUL character, which no script may have",
+                     line);
+        PyErr_SyntaxLocationObject(file.get(), line, -1);
         return {};
     }
     // The text is decoded already: a coding line in it means nothing any more.
@@ -206,8 +204,20 @@ bool PythonInterpreter::runScript(const QString& text, const QString& fileName) 
 }
 
 QString PythonInterpreter::evaluateAtStop(const ScriptFrame* frame, const QString& code) {
-    return frame ? evaluateInFrame(*this, frameBehind(*frame), code)
-                 : evaluateInModule(*this, moduleNamespace().get(), code);
+    auto* const running = frame ? reinterpret_cast<PyFrameObject*>(frameBehind(*frame)) : nullptr;
+    const PyRef globals = running ? checked(PyFrame_GetGlobals(running)) : moduleNamespace();
+    const PyRef locals = running ? checked(PyFrame_GetLocals(running)) : globals;
+    // Variables of functions are kept elsewhere than in what code is given as its names. Code that
+    // fails may have assigned some before.
+    struct TakeOver {
+        PyFrameObject* frame;
+        ~TakeOver() {
+            if (frame)
+                PyFrame_LocalsToFast(frame, 1);
+        }
+    } const takeOver{running};
+    const RecursionRoom room;
+    return fromPyString(callOwn("evaluation", "evaluate", toPyString(code), globals, locals).get());
 }
 
 TimeLimit::Expired PythonInterpreter::endOfEvaluation() {
@@ -270,18 +280,9 @@ LineInfo PythonInterpreter::placeOf(const SharedPtr<ScriptArgument>& function) {
 }
 
 bool PythonInterpreter::hasRun(const QString& name, PyObject* function, PyObject* result) {
-    const bool isAsync = PyCoro_CheckExact(result) || PyAsyncGen_CheckExact(result);
-    if (!isAsync && !PyGen_CheckExact(result))
+    if (!PyCoro_CheckExact(result) && !PyAsyncGen_CheckExact(result) && !PyGen_CheckExact(result))
         return true;
-    if (PyCoro_CheckExact(result)) {
-        // The error tells more than the warning of a coroutine that was never awaited.
-        const PyRef closed = PyRef::steal(PyObject_CallMethod(result, "close", nullptr));
-        PyErr_Clear();
-    }
-    setErrorMessage(
-        name + (isAsync ? "() is asynchronous and nothing of it has run: let a plain function call "
-                          "asyncio.run()"
-                        : "() is a generator and nothing of it has run: take its 'yield' away"));
+    setErrorMessage(name + fromPyString(callOwn("errors", "why_not_run", result).get()));
     const LineInfo place = placeOf(new PythonArgument(PyRef::borrow(function)));
     if (place.isValid()) {
         setErrorFile(place.fileName());

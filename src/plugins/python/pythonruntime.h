@@ -15,9 +15,6 @@ public:
     /// be started.
     static PythonRuntime& self();
 
-    /// The module `tamrix`, with exceptions and value types.
-    PyObject* module() const { return m_module.get(); }
-
     /// Adds a folder to the module path behind those that were added before, in front of Python's
     /// own. Returns an error text, empty on success.
     QString addToSearchPath(const QString& directory);
@@ -32,23 +29,14 @@ public:
 
 private:
     PythonRuntime();
-    void takeSnapshot();
-    QString changeSearchPath(QStringList directories);
-    void dropImportedModules();
-    bool addTamrixModule();
+    /// Gives the module `tamrix` what it has.
+    void fillModule(PyObject* module);
+    /// `method` is one of State's, in prelude/state.py.
+    QString changeSearchPath(const char* method, const PyRef& folders);
 
-    PyRef m_module;
-    PyRef m_path;
-    PyRef m_builtins;
-    PyRef m_environment;
-    PyRef m_modules;
-    PyRef m_signalHandlers;
+    /// How everything was before the first script.
+    PyRef m_state;
     int m_recursionLimit = 0;
-    /// What was added to the front of sys.path.
-    QStringList m_searchPath;
 };
-
-/// Makes the dictionary equal to the snapshot. Throws PythonErrorSet.
-void restoreDictionary(PyObject* dictionary, PyObject* snapshot);
 
 }  // namespace Tamrix::PythonPlugin

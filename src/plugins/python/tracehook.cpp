@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "plugins/python/conversion.h"
+#include "plugins/python/scripterror.h"
 
 // What follows knows how CPython 3.11 keeps the calls that run. Later versions have monitoring of
 // their own for debuggers (PEP 669), which then belongs here.
@@ -141,24 +141,16 @@ PyObject* TraceHook::evaluate(PyThreadState* thread, RunningFrame* frame, int is
 void TraceHook::tellErrorSet() {
     if (!isInstalled() || m_pauses > 0)
         return;
-    PyObject* type = nullptr;
-    PyObject* value = nullptr;
-    PyObject* traceback = nullptr;
-    PyErr_Fetch(&type, &value, &traceback);
-    PyErr_NormalizeException(&type, &value, &traceback);
-    if (value) {
-        const Pause pause(*this);
-        try {
-            m_listener.errorPasses(value, traceback);
-        } catch (const PythonErrorSet&) {
-            // The script ends by what is set now.
-            Py_XDECREF(type);
-            Py_XDECREF(value);
-            Py_XDECREF(traceback);
-            return;
-        }
+    ErrorAside aside;
+    if (!aside.exception())
+        return;
+    const Pause pause(*this);
+    try {
+        m_listener.errorPasses(aside.exception(), aside.traceback());
+    } catch (const PythonErrorSet&) {
+        // The script ends by what is set now.
+        aside.forget();
     }
-    PyErr_Restore(type, value, traceback);
 }
 
 int TraceHook::trace(PyObject*, PyFrameObject* frame, int event, PyObject* argument) {

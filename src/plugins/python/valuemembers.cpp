@@ -2,12 +2,10 @@
 
 #include <structmember.h>
 
+#include <algorithm>
 #include <utility>
 
-#include "interpreter/language/valuepath.h"
-#include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
-#include "plugins/python/valuetext.h"
 
 namespace Tamrix::PythonPlugin {
 
@@ -15,17 +13,6 @@ namespace {
 
 bool isSystemName(const QString& name) {
     return name.startsWith("__") && name.endsWith("__");
-}
-
-/// The key that code in brackets gives; null when it is none.
-PyRef keyOfName(const QString& name) {
-    const PyRef ast = PyRef::steal(PyImport_ImportModule("ast"));
-    const PyRef text = toPyString(name.mid(1, name.size() - 2));
-    PyRef key = PyRef::steal(
-        ast && text ? PyObject_CallMethod(ast.get(), "literal_eval", "O", text.get()) : nullptr);
-    if (!key)
-        PyErr_Clear();
-    return key;
 }
 
 /// What a module, a class or an object keeps its attributes in; null without.
@@ -77,28 +64,42 @@ std::vector<ValueAttribute> slotsOf(PyObject* value) {
     return slots;
 }
 
-/// The value of a key, null when there is none.
-PyRef valueAt(PyObject* dictionary, const PyRef& key) {
-    PyRef value = PyRef::borrow(key ? PyDict_GetItemWithError(dictionary, key.get()) : nullptr);
-    PyErr_Clear();
-    return value;
-}
-
-/// The entry of a dictionary, null when there is none. A text can stand without brackets as well.
-PyRef entryNamed(PyObject* dictionary, const QString& name) {
-    if (!name.startsWith('['))
-        return valueAt(dictionary, toPyString(textOfPathPart(name)));
-    if (PyRef value = valueAt(dictionary, keyOfName(name)))
-        return value;
-    PythonTexts texts;
-    for (ContainerItem& item : containerItems(dictionary, 0, containerSize(dictionary))) {
-        if (texts.nameOfKey(item.key.get()) == name)
-            return std::move(item.value);
-    }
-    return {};
+bool isSequence(PyObject* value) {
+    return PyList_Check(value) || PyTuple_Check(value);
 }
 
 }  // namespace
+
+bool isContainer(PyObject* value) {
+    return isSequence(value) || PyDict_Check(value) || PyAnySet_Check(value);
+}
+
+Py_ssize_t containerSize(PyObject* container) {
+    if (isSequence(container))
+        return PySequence_Fast_GET_SIZE(container);
+    return PyDict_Check(container) ? PyDict_Size(container) : PySet_GET_SIZE(container);
+}
+
+std::vector<ContainerItem> containerItems(PyObject* container, Py_ssize_t limit) {
+    std::vector<ContainerItem> items;
+    const Py_ssize_t end = std::min(limit, containerSize(container));
+    PyObject* key = nullptr;
+    PyObject* value = nullptr;
+    Py_ssize_t position = 0;
+    Py_hash_t hash = 0;
+    const auto next = [&](Py_ssize_t index) {
+        if (isSequence(container))
+            value = PySequence_Fast_GET_ITEM(container, index);
+        else if (PyDict_Check(container))
+            return PyDict_Next(container, &position, &key, &value) != 0;
+        else
+            return _PySet_NextEntry(container, &position, &value, &hash) != 0;
+        return true;
+    };
+    for (Py_ssize_t index = 0; index < end && next(index); ++index)
+        items.push_back({PyRef::borrow(key), PyRef::borrow(value)});
+    return items;
+}
 
 std::vector<ValueAttribute> attributesOf(PyObject* value) {
     std::vector<ValueAttribute> attributes = slotsOf(value);
@@ -112,25 +113,6 @@ std::vector<ValueAttribute> attributesOf(PyObject* value) {
             attributes.push_back({name, PyRef::borrow(held)});
     }
     return attributes;
-}
-
-PyRef memberNamed(PyObject* value, const QString& name) {
-    if (PyDict_Check(value))
-        return entryNamed(value, name);
-    if (isContainer(value)) {
-        bool isNumber = false;
-        const int index = name.toInt(&isNumber);
-        std::vector<ContainerItem> found;
-        if (isNumber && index >= 0)
-            found = containerItems(value, index, 1);
-        return found.empty() ? PyRef() : found.front().value;
-    }
-    for (const ValueAttribute& slot : slotsOf(value)) {
-        if (pathPart(slot.name) == name)
-            return slot.value;
-    }
-    const PyRef attributes = dictionaryOf(value);
-    return attributes ? entryNamed(attributes.get(), name) : PyRef();
 }
 
 }  // namespace Tamrix::PythonPlugin

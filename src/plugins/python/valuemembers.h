@@ -7,16 +7,27 @@
 
 namespace Tamrix::PythonPlugin {
 
+// What values consist of, read without running code of scripts.
+
+struct ContainerItem {
+    /// Of an entry of a dictionary; null in other containers.
+    PyRef key;
+    PyRef value;
+};
+
+/// Python's own containers (lists, tuples, dictionaries, sets) and classes derived from them.
+bool isContainer(PyObject* value);
+Py_ssize_t containerSize(PyObject* container);
+/// The first items, at most `limit`.
+std::vector<ContainerItem> containerItems(PyObject* container, Py_ssize_t limit);
+
 struct ValueAttribute {
     QString name;
     PyRef value;
 };
 
 /// The attributes of an object, a class or a module but those that Python defines: slots in front
-/// of the others. Runs no code of scripts.
+/// of the others.
 std::vector<ValueAttribute> attributesOf(PyObject* value);
-
-/// The entry, element or attribute with the name as it stands in paths; null when there is none.
-PyRef memberNamed(PyObject* value, const QString& name);
 
 }  // namespace Tamrix::PythonPlugin

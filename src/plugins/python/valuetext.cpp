@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "interpreter/language/valuepath.h"
-#include "plugins/python/containers.h"
 #include "plugins/python/conversion.h"
+#include "plugins/python/prelude.h"
 #include "plugins/python/pythonargument.h"
 #include "plugins/python/pythonsignals.h"
 #include "plugins/python/valuemembers.h"
@@ -26,7 +26,7 @@ bool writesAs(PyObject* value, const PyTypeObject& type) {
 /// Whether the representation of a key is code that gives the key.
 bool isWrittenAsCode(PyObject* key) {
     if (PyTuple_CheckExact(key)) {
-        for (const ContainerItem& item : containerItems(key, 0, containerSize(key))) {
+        for (const ContainerItem& item : containerItems(key, containerSize(key))) {
             if (!isWrittenAsCode(item.value.get()))
                 return false;
         }
@@ -123,16 +123,23 @@ PyRef timedRepresentation(PyObject* value) {
     return text;
 }
 
-QString PythonTexts::typeNameOf(PyObject* value) {
-    const QString name = QString::fromUtf8(Py_TYPE(value)->tp_name);
-    return name.mid(name.lastIndexOf('.') + 1);
+ValueTexts::Value PythonTexts::partNamed(const Value& value, const QString& name) {
+    PyObject* const own = objectOf(value);
+    if (PyDict_Check(own)) {
+        // Whoever writes the path may write keys in another way than they are listed.
+        const QString text = name.startsWith('[') ? name : textOfPathPart(name);
+        const PyRef found = callOwn("evaluation", "entry_of", own, toPyString(text));
+        if (found.get() != Py_None)
+            return new PythonArgument(PyRef::borrow(PyTuple_GET_ITEM(found.get(), 0)));
+    }
+    return ValueTexts::partNamed(value, name);
 }
 
 PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) {
     PyObject* const object = objectOf(value);
     if (isContainer(object))
         return {static_cast<int>(containerSize(object)),
-                [this, depth, items = containerItems(object, 0, end)](int index) {
+                [this, depth, items = containerItems(object, end)](int index) {
                     const ContainerItem& item = items.at(static_cast<std::size_t>(index));
                     const Value part = new PythonArgument(item.value);
                     if (!item.key)
@@ -152,10 +159,6 @@ PythonTexts::Parts PythonTexts::partsOf(const Value& value, int end, int depth) 
 
 QString PythonTexts::keyText(PyObject* key, int depth) {
     return cut(text(new PythonArgument(PyRef::borrow(key)), depth + 1));
-}
-
-QString PythonTexts::nameOfKey(PyObject* key) {
-    return keyName(keyText(key, 0), isWrittenAsCode(key));
 }
 
 QString PythonTexts::text(const Value& own, int depth) {
@@ -190,7 +193,7 @@ QString PythonTexts::containerText(const Value& own, int depth) {
     PyObject* const value = objectOf(own);
     const Py_ssize_t count = containerSize(value);
     if (PyAnySet_Check(value) && count == 0)
-        return typeNameOf(value) + "()";
+        return own->typeName() + "()";
     const QString inner = partsText(own, depth);
     if (PyTuple_Check(value))
         return "(" + inner + (count == 1 ? ",)" : ")");

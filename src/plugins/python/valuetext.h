@@ -21,11 +21,7 @@ TimeLimit::Expired readyTimeLimit();
 class PythonTexts final : public ValueTexts {
 public:
     Parts partsOf(const Value& value, int end, int depth = 0) override;
-    /// The entry of a dictionary as it stands in paths: as code would ask for it.
-    QString nameOfKey(PyObject* key);
-
-    /// The name of the value's type, without its module.
-    static QString typeNameOf(PyObject* value);
+    Value partNamed(const Value& value, const QString& name) override;
 
 protected:
     QString text(const Value& value, int depth) override;

@@ -2,6 +2,7 @@
 
 #include <any>
 
+#include "interpreter/language/stacklines.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyref.h"
@@ -39,6 +40,8 @@ struct Line {
     /// 0 for C code that no line of Ruby has called.
     int line = 0;
     QByteArray label;
+
+    bool operator!=(const Line& other) const { return line != other.line || path != other.path; }
 
     /// C code stands in backtraces at the line that has called it, which follows by itself.
     bool isOfCaller(const Line& caller) const {
@@ -243,12 +246,7 @@ LineInfo definitionOf(VALUE callable) {
 std::vector<LineInfo> scriptLinesOf(VALUE exception) {
     // Ruby tells the whole stack, also of what runs on behind a native function that has called.
     std::vector<Line> lines = backtraceOf(exception);
-    std::vector<Line> running = linesOf(protect([] { return rb_make_backtrace(); }));
-    while (!lines.empty() && !running.empty() && lines.back().line == running.back().line &&
-           lines.back().path == running.back().path) {
-        lines.pop_back();
-        running.pop_back();
-    }
+    cutCommonEnd(&lines, linesOf(protect([] { return rb_make_backtrace(); })));
     std::vector<LineInfo> stack;
     for (const Line& line : lines) {
         if (isScriptFile(line.path))

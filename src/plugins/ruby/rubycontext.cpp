@@ -77,15 +77,9 @@ bool RubyContext::valuesEqual(SharedPtr<ScriptArgument> left, SharedPtr<ScriptAr
 }
 
 std::pair<QString, QString> RubyContext::evaluateForException(SharedPtr<ScriptArgument> code) {
-    constexpr auto fileName = "(test.exception)";
-    const auto slip = [&](const QString& text) {
-        const auto error =
-            m_interpreter.attempt([&] { RubyRuntime::self().compile(text, fileName); });
-        return error ? error->message : QString();
-    };
-    return attemptException(*code,
-                            {slip, [&](const QString& text) { evaluateInCaller(text, fileName); },
-                             [&] { callCallable(rubyValue(code), {}); }});
+    return attemptException(
+        *code, {nullptr, [](const QString& text) { evaluateInCaller(text, "(test.exception)"); },
+                [&] { callCallable(rubyValue(code), {}); }});
 }
 
 bool RubyContext::evaluateCondition(const QString& expression, QString* error) {

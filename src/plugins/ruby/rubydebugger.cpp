@@ -1,13 +1,16 @@
 #include "plugins/ruby/rubydebugger.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "interpreter/language/valuepath.h"
 #include "plugins/ruby/conversion.h"
 #include "plugins/ruby/frames.h"
 #include "plugins/ruby/protection.h"
 #include "plugins/ruby/rubyargument.h"
 #include "plugins/ruby/rubyinterpreter.h"
-#include "plugins/ruby/rubyvariables.h"
+#include "plugins/ruby/rubyruntime.h"
+#include "plugins/ruby/rubyvaluetexts.h"
 #include "plugins/ruby/scripterrors.h"
 
 namespace Tamrix::RubyPlugin {
@@ -42,16 +45,6 @@ RubyDebugger::RubyDebugger(RubyInterpreter& interpreter)
     m_compilations = newTracePoint(RUBY_EVENT_SCRIPT_COMPILED);
     m_allLines = newTracePoint(RUBY_EVENT_LINE);
     m_errors = newTracePoint(RUBY_EVENT_RAISE);
-}
-
-void RubyDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
-    updateTracePoints();
-}
-
-void RubyDebugger::setDebuggerMode(DbgMode mode) {
-    Debugger::setDebuggerMode(mode);
-    updateTracePoints();
 }
 
 void RubyDebugger::stopSoon() {
@@ -177,8 +170,36 @@ int RubyDebugger::runningDepth() {
     return scriptDepth();
 }
 
-std::unique_ptr<VariableWatcher> RubyDebugger::makeVariableWatcher() {
-    return std::make_unique<RubyVariables>(*this);
+std::unique_ptr<ValueTexts> RubyDebugger::makeValueTexts() {
+    return std::make_unique<RubyValueTexts>();
+}
+
+std::vector<ValueTexts::Part> RubyDebugger::variablesOf(const ScriptFrame& frame) {
+    std::vector<ValueTexts::Part> variables;
+    const VALUE binding = bindingOf(frame);
+    const auto add = [&](const QString& name, VALUE value) {
+        variables.push_back({name, new RubyArgument(value)});
+    };
+    try {
+        for (const VALUE name : itemsOf(callMethod(binding, "local_variables")))
+            add(pathPart(fromRuby(name)), callMethod(binding, "local_variable_get", name));
+        const VALUE self = callMethod(binding, "receiver");
+        if (self != RubyRuntime::self().main())
+            add(QStringLiteral("self"), self);
+        for (ValueTexts::Part& attribute : RubyValueTexts::attributesOf(self))
+            variables.push_back(std::move(attribute));
+        for (const VALUE each : itemsOf(RubyRuntime::self().scriptGlobals())) {
+            const QString name = fromRuby(each);
+            const VALUE value = rb_gv_get(name.toUtf8().constData());
+            // One that an earlier case has made is there for ever.
+            if (!NIL_P(value))
+                add(name, value);
+        }
+    } catch (const ScriptErrorSet&) {
+        // Ruby has no memory left for its own lists.
+        takeException();
+    }
+    return variables;
 }
 
 // Errors

@@ -19,8 +19,6 @@ class RubyDebugger final : public LanguageDebugger {
 public:
     explicit RubyDebugger(RubyInterpreter& interpreter);
 
-    void setInteractive(bool interactive) override;
-    void setDebuggerMode(DbgMode mode) override;
     void shutDown() override;
 
     /// Code of a file was compiled: an InstructionSequence, which holds that of its methods.
@@ -30,12 +28,14 @@ public:
 
     /// Nothing has caught the exception, which may be nil.
     void errorUncaught(VALUE exception);
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
     int runningDepth() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void breakPointsChanged() override { updateTracePoints(); }
+    void modeChanged() override { updateTracePoints(); }
     void stopSoon() override;
 
 private:

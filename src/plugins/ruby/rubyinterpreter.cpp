@@ -132,9 +132,8 @@ void RubyInterpreter::startScript(const QString& path, const QStringList& argume
     runtime.setSearchPath(folders);
 }
 
-bool RubyInterpreter::checkSyntax(const QString& text, const QString& fileName) {
-    clearError();
-    return runCode(true, [&] { RubyRuntime::self().compile(text, fileName); });
+void RubyInterpreter::compileOnly(const QString& text, const QString& fileName) {
+    RubyRuntime::self().compile(text, fileName.isEmpty() ? noFile : fileName);
 }
 
 bool RubyInterpreter::runScript(const QString& text, const QString& fileName) {

@@ -32,7 +32,7 @@ public:
     void runFile(const QString& text, const QString& path) override;
     bool isErrorOrdinary() override;
     ScriptError takeError() override;
-    bool checkSyntax(const QString& text, const QString& fileName) override;
+    void compileOnly(const QString& text, const QString& fileName) override;
     QString addToSearchPath(const QFileInfo& directory) override;
     void addNativeType(const QString& name, void* typeId, const NativeScriptType& type) override;
     LineInfo placeOf(const SharedPtr<ScriptArgument>& function) override;

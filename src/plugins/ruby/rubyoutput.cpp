@@ -14,10 +14,7 @@ VALUE write(VALUE, VALUE descriptor, VALUE text) {
     return enterNative([=] {
         requireType(text, T_STRING);
         const auto stream = FIX2INT(descriptor) == 1 ? ScriptOutput::Stdout : ScriptOutput::Stderr;
-        if (RubyInterpreter* const interpreter = RubyInterpreter::active())
-            interpreter->output().write(stream, fromRuby(text));
-        else
-            ScriptOutput::writeToProcess(stream, fromRuby(text));
+        LanguageInterpreter::print(Interpreter::Ruby, stream, fromRuby(text));
         return LONG2NUM(RSTRING_LEN(text));
     });
 }

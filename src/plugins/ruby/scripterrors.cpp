@@ -11,9 +11,6 @@ namespace Tamrix::RubyPlugin {
 
 namespace {
 
-/// Exceptions that led to others, before the list is cut.
-constexpr int maximumCauses = 5;
-
 /// What a method of an exception gives; nil when it fails in its turn.
 VALUE asked(VALUE exception, const char* name) {
     try {
@@ -46,13 +43,10 @@ VALUE namedAsHash(const NamedArguments& named) {
 }
 
 QString exceptionText(VALUE exception) {
-    QString text = ownText(exception);
-    VALUE cause = asked(exception, "cause");
-    for (int count = 0; !NIL_P(cause) && count < maximumCauses; ++count) {
-        text += "\ncaused by " + ownText(cause);
-        cause = asked(cause, "cause");
-    }
-    return text;
+    return textWithCauses(exception, ownText, [](VALUE each) {
+        const VALUE cause = asked(each, "cause");
+        return NIL_P(cause) ? std::nullopt : std::optional(cause);
+    });
 }
 
 ScriptError takeScriptError() {

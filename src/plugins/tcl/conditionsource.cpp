@@ -13,7 +13,7 @@
 #include "plugins/tcl/tclargument.h"
 #include "plugins/tcl/tcldebugger.h"
 #include "plugins/tcl/tclinterpreter.h"
-#include "plugins/tcl/tclvariables.h"
+#include "plugins/tcl/tclvaluetexts.h"
 
 namespace Tamrix::TclPlugin {
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "interpreter/language/valuepath.h"
+#include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
-#include "plugins/tcl/tclvariables.h"
+#include "plugins/tcl/tclvaluetexts.h"
 
 namespace Tamrix::TclPlugin {
 
@@ -123,8 +125,20 @@ std::vector<ScriptFrame> TclDebugger::runningFrames() {
     return scriptFrames(m_tcl.framesOrProcedure());
 }
 
-std::unique_ptr<VariableWatcher> TclDebugger::makeVariableWatcher() {
-    return std::make_unique<TclVariables>(m_tcl, *this);
+std::unique_ptr<ValueTexts> TclDebugger::makeValueTexts() {
+    return std::make_unique<TclValueTexts>(m_tcl);
+}
+
+std::vector<ValueTexts::Part> TclDebugger::variablesOf(const ScriptFrame& frame) {
+    // Those of the procedure, then global ones; an array is shown as a dictionary.
+    std::vector<ValueTexts::Part> variables;
+    for (const int each : {std::any_cast<int>(frame.own), 0}) {
+        const TclRef listed = m_tcl.callPrelude({"variables", QString::number(each)});
+        for (const auto& [name, value] : entriesOf(listed.get()))
+            variables.push_back(
+                {pathPart(TclPlugin::textOf(name)), new TclArgument(m_tcl, TclRef(value))});
+    }
+    return variables;
 }
 
 // Errors

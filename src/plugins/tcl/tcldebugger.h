@@ -29,10 +29,11 @@ public:
     /// As long as it exists, errors do not reach the commands that run by now, as those of a
     /// handler of an event.
     QScopedValueRollback<int> boundary();
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override;
 
 protected:
     std::vector<ScriptFrame> runningFrames() override;
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override;
+    std::unique_ptr<ValueTexts> makeValueTexts() override;
     void stopSoon() override { m_isInterrupted = true; }
 
 private:

@@ -139,14 +139,6 @@ void Application::stop(const QString& message) {
     detach();
 }
 
-qint64 residentMemory(pid_t process) {
-    QFile file(QStringLiteral("/proc/%1/statm").arg(process));
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    // Pages: size, resident, ...
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
-
 qint64 cpuTime(pid_t process) {
     const QList<QByteArray> fields = statusFields(process);
     constexpr int userTime = 11;

@@ -53,7 +53,6 @@ private:
 };
 
 /// What /proc tells of a process. Each is -1 or empty when the process is gone.
-qint64 residentMemory(pid_t process);
 /// Milliseconds of CPU time, in the program and for it.
 qint64 cpuTime(pid_t process);
 QString processDirectory(pid_t process);

@@ -10,19 +10,6 @@
 
 namespace Tamrix {
 
-namespace {
-
-const ScriptLanguageInformation* languageOf(const QString& name) {
-    for (const ScriptLanguageInformation* const each :
-         ScriptLanguageInformation::knownLanguages()) {
-        if (each->name.compare(name, Qt::CaseInsensitive) == 0 || each->suffix == name)
-            return each;
-    }
-    return nullptr;
-}
-
-}  // namespace
-
 RecordedScript::RecordedScript(std::unique_ptr<EventRecorder> language, Tell tell)
     : m_language(std::move(language)), m_tell(std::move(tell)) {}
 
@@ -88,7 +75,8 @@ void RecordedScript::write(const QString& text) {
 
 Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName,
                                                      const QString& namesModule) {
-    const ScriptLanguageInformation* const language = languageOf(languageName);
+    const ScriptLanguageInformation* const language =
+        ScriptLanguageInformation::forLanguageName(languageName);
     if (!language)
         return fail(FailureKind::BadArgument,
                     QStringLiteral("'%1' is no language of scripts").arg(languageName));
@@ -103,7 +91,8 @@ Outcome<std::unique_ptr<EventRecorder>> scriptWriter(const QString& languageName
 }
 
 QString scriptSuffix(const QString& languageName) {
-    const ScriptLanguageInformation* const language = languageOf(languageName);
+    const ScriptLanguageInformation* const language =
+        ScriptLanguageInformation::forLanguageName(languageName);
     return language ? language->suffix : QString();
 }
 

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "base/environment.h"
+#include "base/processmemory.h"
 #include "base/wholetext.h"
 #include "platform/objectmodel/inspector.h"
 #include "platform/testresult/testresult.h"

@@ -42,7 +42,8 @@ TEST_F(ScriptLanguages, FindsRows) {
 
     EXPECT_EQ(ScriptLanguageInformation::forLanguageName("py"), python);
     EXPECT_EQ(ScriptLanguageInformation::forLanguageName("Python"), python);
-    EXPECT_EQ(ScriptLanguageInformation::forLanguageName("python"), nullptr);
+    EXPECT_EQ(ScriptLanguageInformation::forLanguageName("python"), python);
+    EXPECT_EQ(ScriptLanguageInformation::forLanguageName("Pythons"), nullptr);
     EXPECT_EQ(ScriptLanguageInformation::forLanguage(Interpreter::Python), python);
 
     QStringList suffixes;

@@ -2,10 +2,10 @@
 
 #include <QFileInfo>
 #include <QStringList>
+#include <map>
 #include <memory>
 #include <vector>
 
-#include "interpreter/debugger/variablewatcher.h"
 #include "interpreter/language/languagedebugger.h"
 
 namespace Tamrix::Test {
@@ -33,14 +33,22 @@ public:
         return texts;
     }
 
+    std::vector<ValueTexts::Part> variablesOf(const ScriptFrame& frame) override {
+        std::vector<ValueTexts::Part> parts;
+        for (const auto& [name, value] : variablesOfFiles[frame.file])
+            parts.push_back({name, value});
+        return parts;
+    }
+
     std::vector<ScriptFrame> running;
+    std::map<QString, ScriptArgument::Map> variablesOfFiles;
     int silences = 0;
     int soonStops = 0;
 
 protected:
     void stopSoon() override { ++soonStops; }
     std::vector<ScriptFrame> runningFrames() override { return running; }
-    std::unique_ptr<VariableWatcher> makeVariableWatcher() override { return nullptr; }
+    std::unique_ptr<ValueTexts> makeValueTexts() override { return nullptr; }
     void enterSilence() override { ++silences; }
     void leaveSilence() override { --silences; }
 };

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <vector>
+
 #include "interpreter/language/framesdebugger.h"
+#include "interpreter/language/stacklines.h"
 #include "support/printqt.h"
 
 namespace Tamrix {
@@ -37,6 +41,11 @@ TEST(NoticedFailures, AreToldByTheirExceptions) {
     EXPECT_EQ(error.callStack.front(), LineInfo("/suite/a.feature", 7));
     failures.complete(1, &error);
     EXPECT_TRUE(error.isSkip);
+    // One in no code that runs, in a file of the language.
+    failures.noticePlace(LineInfo("module.js", 4), 5);
+    failures.complete(5, &error);
+    EXPECT_EQ(error.callStack.front(), LineInfo("module.js", 4));
+    EXPECT_FALSE(error.isSkip);
     failures.clear();
     EXPECT_FALSE(failures.isSkip(1));
 }
@@ -48,6 +57,35 @@ TEST(ScriptError, IsToldWithItsPlace) {
     EXPECT_EQ(placedText(error, LineInfo("steps.py", 0)), "steps.py:0: it failed");
     error.callStack = {LineInfo("inner.py", 4), LineInfo("outer.py", 5)};
     EXPECT_EQ(placedText(error, LineInfo("steps.py", 0)), "inner.py:4: it failed");
+}
+
+TEST(ScriptError, IsToldWithAFewOfItsCauses) {
+    const auto textOf = [](int number) { return "error " + QString::number(number); };
+    const auto oneMore = [](int number) {
+        return number < 3 ? std::optional(number + 1) : std::nullopt;
+    };
+    EXPECT_EQ(textWithCauses(1, textOf, oneMore), "error 1\ncaused by error 2\ncaused by error 3");
+    const auto itself = [](int number) { return std::optional(number); };
+    EXPECT_EQ(textWithCauses(7, textOf, itself).count("caused by"), 5);
+}
+
+TEST(CutCommonEnd, LeavesWhatRunsNoMore) {
+    const struct {
+        std::vector<int> stack;
+        std::vector<int> running;
+        std::vector<int> left;
+    } rows[] = {
+        {{1, 2, 3}, {2, 3}, {1}},
+        {{1, 2, 3}, {}, {1, 2, 3}},
+        {{1, 2}, {5, 1, 2}, {}},
+        {{1, 2}, {2, 4}, {1, 2}},
+        {{}, {1}, {}},
+    };
+    for (const auto& row : rows) {
+        std::vector<int> stack = row.stack;
+        cutCommonEnd(&stack, row.running);
+        EXPECT_EQ(stack, row.left);
+    }
 }
 
 }  // namespace

@@ -58,5 +58,19 @@ TEST(SourceFiles, TellScriptsFromLibrariesAndCodeWithoutAFile) {
     EXPECT_FALSE(absolute.isScript("test"));
 }
 
+TEST(ReadSource, TellsWhereItCantBeRead) {
+    const QTemporaryDir folder;
+    const QString good = folder.filePath("good.js");
+    const QString bad = folder.filePath("bad.js");
+    ASSERT_TRUE(writeFile(good, "const name = '\xC3\xA9';\n"));
+    ASSERT_TRUE(writeFile(bad, "// one\nconst name = '\xE9';\n"));
+    const Outcome<QString> text = readSource(good);
+    ASSERT_TRUE(text) << qPrintable(text.error().text);
+    EXPECT_EQ(*text, QString::fromUtf8("const name = '\xC3\xA9';\n"));
+    EXPECT_EQ(readSource(bad).error().text, bad + ":2: the file is not encoded in UTF-8");
+    const QString missing = folder.filePath("missing.js");
+    EXPECT_EQ(readSource(missing).error().text, missing + ": No such file or directory");
+}
+
 }  // namespace
 }  // namespace Tamrix

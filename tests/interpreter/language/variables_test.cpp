@@ -45,30 +45,12 @@ protected:
     }
 };
 
-/// Variables of two frames, with lists and maps in them.
-class TwoFrames final : public LanguageVariables {
-public:
-    explicit TwoFrames(LanguageDebugger& debugger)
-        : LanguageVariables(debugger, std::make_unique<PlainTexts>()) {}
-
-    ScriptArgument::Map inner;
-    ScriptArgument::Map outer;
-
-protected:
-    std::vector<Member> variablesOf(int level) override {
-        std::vector<Member> members;
-        for (const auto& [name, value] : level == 0 ? inner : outer)
-            members.push_back({name, value});
-        return members;
-    }
-};
-
 class Variables : public testing::Test {
 protected:
     Variables() {
         coreApplication();
-        debugger.enter("test", 1);
         debugger.enter("module", 2);
+        debugger.enter("test", 1);
     }
 
     QStringList listing(const QString& path) {
@@ -79,28 +61,34 @@ protected:
     }
 
     FramesDebugger debugger;
-    TwoFrames variables{debugger};
+    ScriptArgument::Map& inner = debugger.variablesOfFiles["test"];
+    ScriptArgument::Map& outer = debugger.variablesOfFiles["module"];
+    LanguageVariables variables{debugger, std::make_unique<PlainTexts>()};
 };
 
 TEST_F(Variables, OfAnyFrameAndBelowThem) {
-    variables.inner = {{"count", integer(3)}, {"row", map({{"a", list({integer(1)})}})}};
-    variables.outer = {{"total", integer(9)}};
+    inner = {{"count", integer(3)}, {"row", map({{"a", list({integer(1)})}})}};
+    outer = {{"total", integer(9)}};
     EXPECT_EQ(listing("").size(), 2);
     EXPECT_EQ(listing("").front(), "count=3");
     EXPECT_TRUE(listing("").back().startsWith("+row="));
     EXPECT_EQ(listing("row").size(), 1);
     EXPECT_EQ(listing("+row.a"), QStringList("row.a.0=1"));
     EXPECT_EQ(listing("^1"), QStringList("^1.total=9"));
-    EXPECT_FALSE(variables.handlesPath("^2"));
-    EXPECT_FALSE(variables.handlesPath("row.b"));
-    EXPECT_FALSE(variables.handlesPath("nothing"));
+    // A step of a feature file is a frame, too, and has none.
+    debugger.pushFrameAndSetCurrent(7, 1, debugger.sourceIdOf("a.feature"));
+    EXPECT_EQ(listing("^0"), QStringList());
+    EXPECT_EQ(listing("^2"), QStringList("^2.total=9"));
+    EXPECT_FALSE(variables.handlesPath("^3"));
+    EXPECT_FALSE(variables.handlesPath("^1.row.b"));
+    EXPECT_FALSE(variables.handlesPath("^1.nothing"));
 }
 
 TEST_F(Variables, ManyAreListedInPages) {
     ScriptArgument::List numbers;
     for (int index = 0; index < 450; ++index)
         numbers.push_back(integer(index));
-    variables.inner = {{"numbers", list(numbers)}};
+    inner = {{"numbers", list(numbers)}};
     const QStringList first = listing("numbers");
     EXPECT_EQ(first.size(), 201);
     EXPECT_EQ(first.back(), "+numbers.@200=250 more");

@@ -180,10 +180,13 @@ TEST_F(JavaScriptErrors, ExitEndsTheCase) {
         run("function init() { try { tamrix.exit(); } catch (error) { test.fail('caught'); } }\n"
             "function main() { test.fail('not reached'); }\n"
             "function cleanup() { test.log('cleaned'); }\n"
-            "function failing() { try { tamrix.exit(3); } finally { test.fail('reached'); } }\n"),
+            "function failing() { try { tamrix.exit(3); } finally { test.fail('reached'); } }\n"
+            "function late() { Promise.resolve().then(() => tamrix.exit(4)); }\n"),
         "");
     EXPECT_EQ(call("failing"), "The script ended with exit(3)");
     EXPECT_EQ(interpreter->errorLine(), 4);
+    EXPECT_EQ(call("late"), "The script ended with exit(4)");
+    EXPECT_EQ(interpreter->errorLine(), 5);
     EXPECT_EQ(call("init"), "");
     EXPECT_EQ(call("main"), "");
     EXPECT_EQ(call("cleanup"), "");

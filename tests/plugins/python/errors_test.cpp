@@ -216,6 +216,37 @@ TEST_F(PythonErrors, ObjectsThatCantBeShown) {
               "Error");
 }
 
+TEST_F(PythonErrors, AreToldWhateverAScriptHasMadeOfPython) {
+    EXPECT_EQ(run("import builtins, sys\n"
+                  "for name in ('isinstance', 'str', 'getattr', 'len', 'type', 'repr'):\n"
+                  "    setattr(builtins, name, None)\n"
+                  "print('still')\n"
+                  "raise KeyError('k') from ValueError('v')\n"),
+              "KeyError: 'k'\ncaused by ValueError: v");
+    EXPECT_EQ(report.all<OutputWritten>().at(0).text, "still\n");
+    EXPECT_EQ(lines(), std::vector{5});
+}
+
+/// Endless recursion leaves no room, and yet is told by code in Python.
+TEST_F(PythonErrors, AreToldAtTheLimitOfRecursion) {
+    define("called", [](ScriptContext* context) {
+        QString error;
+        context->argument(0)->call({}, &error);
+        s_seen.append(error);
+        return true;
+    });
+    EXPECT_TRUE(run("def fail(): raise ValueError('deep')\n"
+                    "def endless():\n"
+                    "    called(fail)\n"
+                    "    endless()\n"
+                    "endless()\n")
+                    .startsWith("RecursionError: maximum recursion depth exceeded"));
+    EXPECT_GT(s_seen.size(), 100);
+    for (const QString& error : s_seen)
+        EXPECT_TRUE(error == "ValueError: deep" || error.startsWith("RecursionError: maximum"))
+            << error.toStdString();
+}
+
 TEST_F(PythonErrors, OutputStandsInOrder) {
     EXPECT_EQ(run("import sys\n"
                   "print('one', end=' ')\n"

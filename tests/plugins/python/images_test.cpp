@@ -21,6 +21,12 @@ try:
     assert False
 except TypeError:
     pass
+for method in (Image.to_png, Image._array, Image.__array_interface__.fget):
+    try:
+        method(5)
+        assert False
+    except (TypeError, AttributeError):
+        pass
 try:
     Image(1)
     assert False

@@ -335,6 +335,8 @@ stateful.count = 1
 sys.path.append('/left')
 os.environ['TAMRIX_LEFT'] = '1'
 builtins.left = builtins.len = 1
+import bdd, tamrix
+tamrix.Error = bdd.step = None
 sys.stdout = None
 sys.excepthook = print
 signal.signal(signal.SIGINT, signal.SIG_IGN)
@@ -350,6 +352,8 @@ del test.log
     EXPECT_EQ(run(R"py(
 import stateful, sys, os, signal
 assert stateful.count == 0 and '/left' not in sys.path and 'TAMRIX_LEFT' not in os.environ
+import bdd, tamrix
+assert callable(bdd.step) and issubclass(tamrix.LookupError, tamrix.Error)
 assert callable(len) and sys.excepthook is sys.__excepthook__
 assert signal.getsignal(signal.SIGINT) is signal.default_int_handler
 try:

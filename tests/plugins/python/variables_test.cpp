@@ -108,6 +108,15 @@ TEST_F(PythonVariables, ListedPathsLeadBack) {
     });
 }
 
+TEST_F(PythonVariables, KeysAreFoundHoweverTheyAreWritten) {
+    lookIn("main", [&] {
+        const QString listed = listing("+^1.table.['a.b']").section('\n', 1);
+        EXPECT_EQ(listing("+^1.table.[\"a.b\"]").section('\n', 1),
+                  QString(listed).replace("'a.b'", "\"a.b\""));
+        EXPECT_FALSE(debugger.variables("^1.table.[(1,2)]").empty());
+    });
+}
+
 TEST_F(PythonVariables, NothingIsBelowWhatIsNotThere) {
     lookIn("main", [&] {
         for (const char* path :

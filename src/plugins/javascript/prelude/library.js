@@ -1,5 +1,5 @@
 // What scripts find beside the functions of the library.
-(function (scopes, own) {
+(function (steps, own) {
 "use strict";
 const tamrix = {};
 function define(name, base) {
@@ -74,14 +74,15 @@ Object.defineProperty(globalThis, "RemoteSystem",
 Object.defineProperty(globalThis, "tamrix", {value: {...tamrix, ...own}, writable: true,
                                              configurable: true});
 // What steps and hooks keep for each other, by scenario, feature and test case.
+const kept = name => typeof name === "string" ? steps._find(name) : null;
 const context = new Proxy({}, {
-    get: (target, name) => typeof name === "string" ? scopes.find(name) : undefined,
-    set(target, name, value) { scopes.set(String(name), value); return true; },
-    has: (target, name) => scopes.names().includes(name),
-    deleteProperty: (target, name) => scopes.remove(String(name)),
-    ownKeys: () => scopes.names(),
-    getOwnPropertyDescriptor: (target, name) => scopes.names().includes(name)
-        ? {value: scopes.find(name), writable: true, enumerable: true, configurable: true}
+    get: (target, name) => kept(name)?.[0],
+    set(target, name, value) { steps._set(String(name), value); return true; },
+    has: (target, name) => kept(name) !== null,
+    deleteProperty: (target, name) => steps._remove(String(name)),
+    ownKeys: () => Object.keys(steps._all()),
+    getOwnPropertyDescriptor: (target, name) => kept(name)
+        ? {value: kept(name)[0], writable: true, enumerable: true, configurable: true}
         : undefined,
 });
 // The rows of a step's table as objects, from all rows.

@@ -1,5 +1,7 @@
 """Step definitions, hooks and parameter types for feature files"""
 
+import tamrix as _tamrix
+
 _FLAGS = ((2, "i"), (8, "m"), (16, "s"))
 # It changes nothing: a text is always Unicode.
 _UNICODE = 32
@@ -7,6 +9,35 @@ _UNICODE = 32
 
 class PendingStepError(Exception):
     """A step is still to be written"""
+
+
+class Context:
+    """What steps and hooks keep for each other, by scenario, feature and test case; with `table`
+    and `text` of a step"""
+    __slots__ = ()
+
+    # Methods whose names begin with "_" are the library's.
+    def __getattr__(self, name):
+        found = self._find(name)
+        if found is None:
+            raise AttributeError(f"'bdd.Context' object has no attribute '{name}'")
+        return found[0]
+
+    def __setattr__(self, name, value):
+        self._set(name, value)
+
+    def __delattr__(self, name):
+        if not self._remove(name):
+            raise AttributeError(name)
+
+    __dict__ = property(lambda self: self._all())
+
+    def __repr__(self):
+        return "<context of steps>"
+
+
+_tamrix.StepContext = Context
+context = Context()
 
 
 class Table(list):
@@ -45,11 +76,20 @@ def _function(given):
     return given
 
 
+def _registered(function, register, *what):
+    try:
+        register(*what, function)
+    except TypeError as error:
+        # What was checked here is of the right type.
+        raise ValueError(*error.args) from None
+    return function
+
+
 def step(expression, /):
     """Registers a function for steps that an expression fits"""
     text = _pattern(expression)
-    return lambda function: _add_step(
-        text, not isinstance(expression, str), _function(function))
+    return lambda function: _registered(
+        _function(function), context._addStep, text, not isinstance(expression, str))
 
 
 given = when = then = step
@@ -58,8 +98,9 @@ given = when = then = step
 def _hook(name, description):
     def hook(tags_or_function, /):
         if isinstance(tags_or_function, str):
-            return lambda function: _add_hook(name, tags_or_function, _function(function))
-        return _add_hook(name, "", _function(tags_or_function))
+            return lambda function: _registered(
+                _function(function), context._addHook, name, tags_or_function)
+        return _registered(_function(tags_or_function), context._addHook, name, "")
     hook.__name__ = hook.__qualname__ = name
     hook.__doc__ = description
     return hook
@@ -75,12 +116,15 @@ after_step = _hook("after_step", "Runs after each step")
 
 def parameter_type(name, pattern, transformer=None):
     """parameter_type(name, pattern[, transformer]): what may stand in braces in an expression"""
+    if not isinstance(name, str):
+        raise TypeError("the name of a parameter type is a text")
     many = pattern if isinstance(pattern, (list, tuple)) else [pattern]
     patterns = [_pattern(each) for each in many]
-    _add_type(name, patterns, None if transformer is None else _function(transformer))
+    _registered(None if transformer is None else _function(transformer), context._addType, name,
+                patterns)
     if transformer is not None:
         return transformer
-    return lambda function: _add_type(name, patterns, _function(function))
+    return lambda function: _registered(_function(function), context._addType, name, patterns)
 
 
 def pending(reason="the step definition is to be written"):

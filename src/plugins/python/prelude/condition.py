@@ -1,13 +1,22 @@
-# What the running call of a verdict says in its script: the source text of its condition, and the
-# values in it. They are looked up once more: names, attributes, elements, operators and some of
-# Python's own functions; no other call is made a second time.
+# What the running call of a verdict says in its script: the source text of its condition, and below
+# it, a line each, the values in it:
+#
+#     field.text == wanted and len(rows) > 2
+#     field.text: 'a'
+#     wanted: 'b'
+#     len(rows): 2
+#
+# They are looked up once more: names, attributes, elements, operators and some of Python's own
+# functions; no other call is made a second time.
 
 import ast
 import builtins
 import itertools
 import linecache
+import sys
 
 MOST_VALUES = 20
+LONGEST = 200
 # Functions of Python that tell of their arguments and do nothing else.
 HARMLESS_FUNCTIONS = {"abs", "all", "any", "bool", "float", "int", "len", "list", "max", "min",
                       "repr", "round", "set", "str", "sum", "tuple", "sorted", "type"}
@@ -20,23 +29,36 @@ HARMLESS_NODES = (ast.Name, ast.Constant, ast.Attribute, ast.Subscript, ast.Bool
                   ast.IfExp, ast.operator, ast.unaryop, ast.boolop, ast.cmpop)
 
 
-def explain(frame, parameter):
-    """(text, [(text, value), ...]); None when there is nothing to tell, as of a plain constant."""
+def explain(parameter):
+    """The text for the first argument, or for the one called `parameter`. Empty when there is
+    nothing to tell: for a plain constant, code without a file, one that has changed since."""
     try:
+        frame = sys._getframe().f_back
+        if source_of(frame.f_code.co_filename)[0] is None:
+            return ""
         source = call_source(frame)
         call = ast.parse(source, "<condition>", "eval").body
         condition = Condition(source, frame)
         # Functions of Python call others on their own account.
         if not isinstance(call, ast.Call) or not condition.is_native(call.func):
-            return None
+            return ""
         node = argument_of(call, parameter)
         if node is None or isinstance(node, ast.Constant):
-            return None
+            return ""
         condition.visit(node)
-        return condition.text(node), condition.values
+        lines = [f"{text}: {shown(value)}" for text, value in condition.values]
+        return "\n".join([condition.text(node), *lines])
     except Exception:
         # A source that does not parse is another one by now.
-        return None
+        return ""
+
+
+def shown(value):
+    try:
+        text = repr(value)
+    except Exception:
+        return "<no representation>"
+    return text if len(text) <= LONGEST else text[:LONGEST] + "..."
 
 
 def call_source(frame):

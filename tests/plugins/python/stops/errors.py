@@ -157,3 +157,36 @@ def exits():
 
 def skips():
     test.skip("not here")
+
+
+# What is written in Python of the test system is no frame of the script, and asks for no answers.
+
+def missingInNamespace():
+    try:
+        object.exsits(":name")
+    finally:
+        cleaned.append("namespace")
+
+
+def missingInContext():
+    from bdd import context
+    try:
+        context.nothing
+    finally:
+        cleaned.append("context")
+
+
+def wrongStep():
+    from bdd import step
+    try:
+        step("a {nothing}")(print)
+    finally:
+        cleaned.append("step")
+
+
+def wrongPrint():
+    import sys
+    try:
+        sys.stdout.write(5)
+    finally:
+        cleaned.append("print")

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
-
-#include "interpreter/language/languagevariables.h"
+#include "interpreter/language/valuetexts.h"
 #include "plugins/tcl/tclargument.h"
 
 namespace Tamrix::TclPlugin {
@@ -19,20 +17,6 @@ public:
 
 protected:
     QString text(const Value& value, int depth) override;
-
-private:
-    TclInterpreter& m_tcl;
-};
-
-/// Lists the variables of a Tcl script that stands still. An array is shown as a dictionary.
-class TclVariables final : public LanguageVariables {
-public:
-    TclVariables(TclInterpreter& interpreter, LanguageDebugger& debugger)
-        : LanguageVariables(debugger, std::make_unique<TclValueTexts>(interpreter)),
-          m_tcl(interpreter) {}
-
-protected:
-    std::vector<Member> variablesOf(int level) override;
 
 private:
     TclInterpreter& m_tcl;

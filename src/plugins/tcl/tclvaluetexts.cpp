@@ -1,7 +1,5 @@
-#include "plugins/tcl/tclvariables.h"
+#include "plugins/tcl/tclvaluetexts.h"
 
-#include "interpreter/language/languagedebugger.h"
-#include "interpreter/language/valuepath.h"
 #include "plugins/tcl/containers.h"
 #include "plugins/tcl/conversion.h"
 #include "plugins/tcl/tclinterpreter.h"
@@ -48,21 +46,6 @@ TclValueTexts::Parts TclValueTexts::partsOf(const Value& value, int, int) {
 
 QString TclValueTexts::text(const Value& value, int) {
     return value->isObject() ? value->toString() : beginningOf(valueOf(value));
-}
-
-std::vector<LanguageVariables::Member> TclVariables::variablesOf(int level) {
-    std::vector<Member> variables;
-    const std::optional<ScriptFrame> frame = codeFrame(level);
-    if (!frame)
-        return variables;
-    const int own = std::any_cast<int>(frame->own);
-    for (const int each : {own, 0}) {
-        const TclRef listed = m_tcl.callPrelude({"variables", QString::number(each)});
-        for (const auto& [name, value] : entriesOf(listed.get()))
-            variables.push_back(
-                {pathPart(TclPlugin::textOf(name)), new TclArgument(m_tcl, TclRef(value))});
-    }
-    return variables;
 }
 
 }  // namespace Tamrix::TclPlugin
