@@ -291,7 +291,7 @@ void TclInterpreter::startScript(const QString& path, const QStringList& argumen
 
 SharedPtr<ScriptArgument> TclInterpreter::scriptFunction(const QString& name) {
     // Nor is there a clean-up that could run.
-    if (!s_panic.isEmpty())
+    if (hasPanicked())
         return {};
     const QByteArray path = "::" + toTclBytes(name);
     if (!isProcedure(m_tcl, path.constData()))
