@@ -243,27 +243,29 @@ bool LanguageInterpreter::evaluate(const QString& text, const QString& fileName,
 }
 
 Outcome<QString> LanguageInterpreter::evaluated(const ScriptFrame* frame, const QString& code) {
-    Outcome<QString> result = fail(FailureKind::Failed, QString());
+    QString value;
+    bool hasFailed = false;
     bool wasEnded = false;
     {
         TimeLimit limit(endOfEvaluation());
         TimeLimit* const outer = languageDebugger().exchangeEvaluation(&limit);
         try {
-            result = evaluateAtStop(frame, code);
+            value = evaluateAtStop(frame, code);
         } catch (const ScriptErrorSet&) {
-            result = fail(FailureKind::Failed, takeError().message);
+            hasFailed = true;
         }
         languageDebugger().exchangeEvaluation(outer);
         wasEnded = limit.wasExpired();
     }
-    if (wasEnded) {
+    // Behind the limit, which would end what the language does for it.
+    const QString message = hasFailed ? takeError().message : QString();
+    if (wasEnded)
         forgetEndOfEvaluation();
-        // What the language says of its end tells nobody anything.
-        if (!result)
-            result = fail(FailureKind::Failed,
-                          QStringLiteral("The evaluation was ended before it was done"));
-    }
-    return result;
+    if (!hasFailed)
+        return value;
+    // What the language says of its end tells nobody anything.
+    return fail(FailureKind::Failed,
+                wasEnded ? QStringLiteral("The evaluation was ended before it was done") : message);
 }
 
 bool LanguageInterpreter::evaluateWhereItStands(const std::vector<ScriptFrame>& frames,

@@ -25,7 +25,7 @@ inline constexpr const char* packageOfHeld<HeldRecord> = "tamrix::Record";
 class PerlArgument final : public LanguageArgument<PerlArgument> {
 public:
     /// Not null, and not tied.
-    explicit PerlArgument(SvRef value) : m_value(std::move(value)) {}
+    explicit PerlArgument(SvRef value) : m_value(std::move(value)) { keepOwnInteger(); }
 
     /// An argument of a call. A reference is copied, since the variable that it is in may change.
     static SvRef kept(pTHX_ SV* value) {
@@ -33,7 +33,14 @@ public:
     }
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(SvRef value = SvRef()) { m_value = std::move(value); }
+    void rebind(SvRef value) {
+        m_value = std::move(value);
+        keepOwnInteger();
+    }
+    void rebind() {
+        m_value = SvRef();
+        keepNoInteger();
+    }
 
     SV* value() const { return m_value.get(); }
 
@@ -70,6 +77,15 @@ public:
     static LanguageInterpreter* active();
 
 private:
+    /// One that has no text or fraction beside.
+    void keepOwnInteger() {
+        constexpr U32 kinds = SVf_IOK | SVf_NOK | SVf_POK | SVf_ROK | SVf_IVisUV;
+        if ((SvFLAGS(value()) & kinds) == SVf_IOK)
+            keepInteger(SvIVX(value()));
+        else
+            keepNoInteger();
+    }
+
     SvRef m_value;
 };
 

@@ -37,20 +37,4 @@ CodeFacts& factsOf(PyCodeObject* code) {
     return *facts.release();
 }
 
-std::vector<int> linesOf(PyCodeObject* code) {
-    std::vector<int> lines;
-    const PyRef table =
-        checked(PyObject_CallMethod(reinterpret_cast<PyObject*>(code), "co_lines", nullptr));
-    const PyRef ranges = checked(PySequence_List(table.get()));
-    for (Py_ssize_t index = 0; index < PyList_GET_SIZE(ranges.get()); ++index) {
-        // Start, end and line, which is None for instructions that belong to no line.
-        PyObject* const line = PyTuple_GET_ITEM(PyList_GET_ITEM(ranges.get(), index), 2);
-        if (line != Py_None)
-            lines.push_back(static_cast<int>(PyLong_AsLong(line)));
-    }
-    std::sort(lines.begin(), lines.end());
-    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
-    return lines;
-}
-
 }  // namespace Tamrix::PythonPlugin

@@ -23,8 +23,4 @@ struct CodeFacts {
 /// The facts of a code object; empty ones are made when it has none.
 CodeFacts& factsOf(PyCodeObject* code);
 
-/// The lines that the code has instructions of, those of functions defined in it excepted. Sorted,
-/// each once.
-std::vector<int> linesOf(PyCodeObject* code);
-
 }  // namespace Tamrix::PythonPlugin

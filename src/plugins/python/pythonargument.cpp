@@ -39,6 +39,7 @@ long long integerOf(PyObject* object) {
 PythonArgument::PythonArgument(PyRef object) : m_object(std::move(object)) {
     if (!m_object)
         throw PythonErrorSet();
+    keepOwnInteger();
 }
 
 // Type tests

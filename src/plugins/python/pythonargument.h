@@ -13,9 +13,15 @@ public:
     explicit PythonArgument(PyRef object);
 
     /// Makes the wrapper stand for another object, as for the constructor.
-    void rebind(PyRef object) { m_object = checkedReference(std::move(object)); }
+    void rebind(PyRef object) {
+        m_object = checkedReference(std::move(object));
+        keepOwnInteger();
+    }
     /// Makes it stand for none while it is not used.
-    void rebind() { m_object = PyRef(); }
+    void rebind() {
+        m_object = PyRef();
+        keepNoInteger();
+    }
 
     PyObject* object() const { return m_object.get(); }
 
@@ -49,6 +55,14 @@ public:
     static LanguageInterpreter* active();
 
 private:
+    /// One of at most 30 bits, which are one digit of CPython's.
+    void keepOwnInteger() {
+        if (PyLong_CheckExact(object()) && std::abs(Py_SIZE(object())) <= 1)
+            keepInteger(Py_SIZE(object()) * reinterpret_cast<PyLongObject*>(object())->ob_digit[0]);
+        else
+            keepNoInteger();
+    }
+
     PyRef m_object;
 };
 

@@ -114,11 +114,12 @@ CodeFacts& PythonDebugger::currentFacts(PyCodeObject* code) {
 
 std::vector<int> PythonDebugger::breakLinesOf(PyCodeObject* code) {
     std::vector<int> lines = breakLines(sourceIdOf(m_python.files().path(code->co_filename)));
-    if (lines.empty())
-        return lines;
-    const std::vector<int> own = linesOf(code);
-    std::erase_if(lines,
-                  [&own](int line) { return !std::binary_search(own.begin(), own.end(), line); });
+    const RecursionRoom room;
+    std::erase_if(lines, [code](int line) {
+        const PyRef number = PyRef::steal(PyLong_FromLong(line));
+        return callOwn("lines", "has_line", reinterpret_cast<PyObject*>(code), number).get() !=
+               Py_True;
+    });
     return lines;
 }
 

@@ -9,10 +9,13 @@ namespace Tamrix::RubyPlugin {
 /// One Ruby value as a script value. Conversions that Ruby refuses throw ScriptErrorSet.
 class RubyArgument final : public LanguageArgument<RubyArgument> {
 public:
-    explicit RubyArgument(VALUE value) : m_value(value) {}
+    explicit RubyArgument(VALUE value) : m_value(value) { keepIntegerOf(value); }
 
     /// Makes the wrapper stand for another value, or for none while it is not used.
-    void rebind(VALUE value = Qundef) { m_value = value; }
+    void rebind(VALUE value = Qundef) {
+        m_value = value;
+        keepIntegerOf(value);
+    }
 
     VALUE value() const { return m_value.get(); }
 
@@ -47,6 +50,13 @@ public:
     static LanguageInterpreter* active();
 
 private:
+    void keepIntegerOf(VALUE value) {
+        if (FIXNUM_P(value))
+            keepInteger(FIX2LONG(value));
+        else
+            keepNoInteger();
+    }
+
     RubyRef m_value;
 };
 
