@@ -182,9 +182,9 @@ std::pair<QString, QString> JavaScriptContext::evaluateForException(
 bool JavaScriptContext::evaluateCondition(const QString& expression, QString* error) {
     return attemptCondition(
         [&] {
-            const ValueRoot value(JavaScriptDebugger::evaluateInCaller(
-                '(' + expression.trimmed() + "\n)", "<waitFor>"));
-            return JavaScriptArgument(value).toBool();
+            return argumentOf(JavaScriptDebugger::evaluateInCaller(
+                                  '(' + expression.trimmed() + "\n)", "<waitFor>"))
+                ->toBool();
         },
         error);
 }

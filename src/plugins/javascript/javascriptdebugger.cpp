@@ -223,10 +223,6 @@ void JavaScriptDebugger::breakPointsChanged() {
     });
 }
 
-void JavaScriptDebugger::stopSoon() {
-    Engine::self().requestStop();
-}
-
 void JavaScriptDebugger::enterSilence() {
     ask([] { turn("setSilent", true); });
 }

@@ -56,7 +56,7 @@ protected:
     void breakPointsChanged() override;
     /// Lets the engine tell what the mode wants.
     void modeChanged() override;
-    void stopSoon() override;
+    void stopSoon() override { Engine::self().requestStop(); }
 
 private:
     void watch();

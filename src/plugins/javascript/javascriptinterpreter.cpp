@@ -217,12 +217,4 @@ QString JavaScriptInterpreter::evaluateAtStop(const ScriptFrame* frame, const QS
     return value.isString() ? quoted(fromJsText(value)) : textOf(value);
 }
 
-TimeLimit::Expired JavaScriptInterpreter::endOfEvaluation() {
-    return [] { Engine::self().requestEnd(Engine::End::TimeLimit); };
-}
-
-void JavaScriptInterpreter::forgetEndOfEvaluation() {
-    Engine::self().forgetRequest(Engine::End::TimeLimit);
-}
-
 }  // namespace Tamrix::JavaScriptPlugin

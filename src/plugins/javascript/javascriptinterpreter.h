@@ -66,8 +66,10 @@ protected:
     CallEnd call(const SharedPtr<ScriptArgument>& function, const CallArguments& arguments,
                  const QString& name, bool isCallback) override;
     QString evaluateAtStop(const ScriptFrame* frame, const QString& code) override;
-    TimeLimit::Expired endOfEvaluation() override;
-    void forgetEndOfEvaluation() override;
+    TimeLimit::Expired endOfEvaluation() override {
+        return [] { Engine::self().requestEnd(Engine::End::TimeLimit); };
+    }
+    void forgetEndOfEvaluation() override { Engine::self().forgetRequest(Engine::End::TimeLimit); }
     void errorUncaught() override { m_debugger.errorUncaught(); }
 
 private:
