@@ -345,9 +345,14 @@ TEST_F(FarmRunTest, AKilledRunLeavesWhatCanBeReported) {
 TEST_F(FarmRunTest, EachCaseHasADisplayAndAHomeOfItsOwn) {
     const QByteArray program = "/bin/sh -c 'echo \"$HOME $TMPDIR $XDG_CONFIG_HOME $DISPLAY\" > " +
                                suite.path().toUtf8() + "/$0; exit 3' ";
+    // Neither ends before the other one has begun.
+    const QByteArray wait =
+        "for _ in range(1200):\n        time.sleep(0.05)\n        if all("
+        "os.path.exists('" +
+        suite.path().toUtf8() + "/' + name) for name in 'ab'): break";
     for (const char* name : {"a", "b"}) {
         writeCase(name, "try: startApplication(\"\"\"" + program + name +
-                            "\"\"\")\n    except Exception: pass\n    time.sleep(0.5)");
+                            "\"\"\")\n    except Exception: pass\n    " + wait);
     }
     runner.run({"run", suite.path("suite"), "--jobs", "2"});
     EXPECT_EQ(runner.exitCode(), 0) << qPrintable(runner.output() + runner.errors());
