@@ -15,7 +15,7 @@ PerlDebugger::~PerlDebugger() {
 }
 
 void PerlDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
+    LanguageDebugger::setInteractive(interactive);
     setStatementListener(interactive ? this : nullptr);
 }
 

@@ -37,7 +37,7 @@ PythonDebugger::PythonDebugger(PythonInterpreter& interpreter)
 PythonDebugger::~PythonDebugger() = default;
 
 void PythonDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
+    LanguageDebugger::setInteractive(interactive);
     if (interactive) {
         m_hook.install();
         setSignalHandler(stopSignal(), s_stopHandler);
@@ -47,7 +47,7 @@ void PythonDebugger::setInteractive(bool interactive) {
 }
 
 void PythonDebugger::setDebuggerMode(DbgMode mode) {
-    Debugger::setDebuggerMode(mode);
+    LanguageDebugger::setDebuggerMode(mode);
     m_hook.redecide();
 }
 

@@ -36,7 +36,7 @@ TclDebugger::TclDebugger(TclInterpreter& interpreter)
     : LanguageDebugger(&interpreter), m_tcl(interpreter) {}
 
 void TclDebugger::setInteractive(bool interactive) {
-    Debugger::setInteractive(interactive);
+    LanguageDebugger::setInteractive(interactive);
     if (interactive)
         enterTcl();
     else
