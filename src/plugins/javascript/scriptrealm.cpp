@@ -27,7 +27,14 @@ JS::Value setTimer(const JS::CallArgs& arguments) {
         throwBuiltIn(JSProto_TypeError, QStringLiteral("setTimeout() requires a function"));
     // Without a number of milliseconds it is none, and a short time.
     const auto milliseconds = given<double>(JS::ToNumber, arguments.get(1));
-    return JS::Int32Value(addTimer(ObjectRoot(arguments[0]), milliseconds));
+    // What stands behind the time is for the function.
+    ValueRoots words;
+    for (unsigned index = 1; index < arguments.length(); ++index)
+        words.add(index == 1 ? JS::UndefinedValue() : arguments[index].get());
+    const ObjectRoot function(arguments[0]);
+    ValueRoot bound;
+    checked(JS_CallFunctionName(engineContext(), function, "bind", words, &bound));
+    return JS::Int32Value(addTimer(ObjectRoot(bound), milliseconds));
 }
 
 void clearTimer(const JS::CallArgs& arguments) {

@@ -203,6 +203,9 @@ TEST_F(JavaScriptErrors, PromisesThatNobodyLooksAt) {
         {"Promise.reject(new Error('c')).catch(() => {})", ""},
         {"await new Promise(() => {})", "Error: A promise is waited for that nothing will settle"},
         {"await new Promise(done => setTimeout(done, 5))", ""},
+        {"const two = await new Promise(done => setTimeout((a, b) => done(a + b), 1, 'c', 'd'));\n"
+         "if (two !== 'cd') throw two",
+         ""},
         {"const t = setTimeout(() => { throw 1 }, 1); clearTimeout(t);\n"
          "await new Promise(done => setTimeout(done, 20))",
          ""},
